@@ -1,0 +1,55 @@
+# The flags that every target of the project shares, and the helpers that declare libraries and tests.
+
+add_library(opcmodel_flags INTERFACE)
+target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(OPCMODEL_DEVELOPER)
+  target_compile_options(opcmodel_flags INTERFACE -Werror)
+endif()
+if(OPCMODEL_SANITIZE)
+  target_compile_options(opcmodel_flags INTERFACE
+    -fsanitize=${OPCMODEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(opcmodel_flags INTERFACE -fsanitize=${OPCMODEL_SANITIZE})
+endif()
+if(OPCMODEL_COVERAGE)
+  target_compile_options(opcmodel_flags INTERFACE --coverage)
+  target_link_options(opcmodel_flags INTERFACE --coverage)
+endif()
+
+# opcmodel_library(TARGET ALIAS EXPORT_HEADER MACRO_BASE)
+#
+# Declares the library TARGET, known as opcmodel::ALIAS, with a generated header that holds its export macro.
+function(opcmodel_library target alias header base)
+  include(GenerateExportHeader)
+  add_library(${target})
+  add_library(opcmodel::${alias} ALIAS ${target})
+  generate_export_header(${target}
+    BASE_NAME ${base}
+    EXPORT_FILE_NAME "${CMAKE_BINARY_DIR}/generated/include/${header}")
+  target_include_directories(${target} PUBLIC
+    "$<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/generated/include>"
+    "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:opcmodel_flags>)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES
+    EXPORT_NAME ${alias}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(NOT BUILD_SHARED_LIBS)
+    string(TOUPPER ${base} upper)
+    target_compile_definitions(${target} PUBLIC ${upper}_STATIC_DEFINE)
+  endif()
+  set_property(GLOBAL APPEND PROPERTY OPCMODEL_LIBRARIES ${target})
+endfunction()
+
+# opcmodel_test(NAME SOURCES file... LIBRARIES target...)
+#
+# One test program for each folder of the tests; ctest sees each of its cases.
+function(opcmodel_test name)
+  cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(test_${name} ${TEST_SOURCES})
+  target_include_directories(test_${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/src")
+  target_compile_definitions(test_${name} PRIVATE
+    OPCMODEL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+  target_link_libraries(test_${name} PRIVATE opcmodel_flags ${TEST_LIBRARIES} GTest::gtest_main)
+  gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <opc/interfaces/OpenMode.hpp>
+
+#include <string>
+#include <vector>
+
+namespace opc::interfaces {
+
+class IPhysicalInputStream;
+class IPhysicalOutputStream;
+class IPhysicalPart;
+class IPhysicalPartInfo;
+
+/// The store under a package: a ZIP container, a database, memory, whatever the application brings.
+///
+/// The application owns it and keeps it alive longer than the `opc::model::Package` on it. All pointers that
+/// it hands out stay its own. It is used by one thread at a time. Every failure is an `opc::Exception`, with
+/// the cause as a code of the generic category where there is one.
+class IPhysicalPackage {
+public:
+    virtual ~IPhysicalPackage() = default;
+
+    /// Whether the package has one content types stream. If not, each part knows its own content type.
+    /// Asked after `open`.
+    virtual bool usesContentTypeStream() = 0;
+
+    /// The content types stream. Asked once at open, unless the package is being created.
+    virtual IPhysicalInputStream* getContentTypeInputStream() = 0;
+
+    /// Replaces the content types stream; the library closes it when it has written it.
+    virtual IPhysicalOutputStream* getContentTypeOutputStream() = 0;
+
+    /// Every part, relationships parts included.
+    virtual std::vector<IPhysicalPart*> getParts() = 0;
+
+    /// Called first of all. A package that doesn't exist raises a code equivalent to
+    /// no_such_file_or_directory.
+    virtual void open(const OpenMode& mode) = 0;
+
+    /// Makes the package final or, with `abandon`, drops every change since `open`.
+    /// A denied permission raises a code equivalent to permission_denied. After a failure the package is
+    /// still open.
+    virtual void close(bool abandon) = 0;
+
+    /// A new part, empty. If a part of that name exists already, its content is replaced.
+    virtual IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
+                                      const IPhysicalPartInfo& info) = 0;
+
+    virtual void deletePart(const std::u16string& name) = 0;
+};
+
+} // namespace opc::interfaces

@@ -1,0 +1,31 @@
+#pragma once
+
+namespace bedrock::codesigning_verifier {
+
+/// The outcome of checking a signature, as a number; 0 is success.
+class ErrorCode {
+public:
+    int value() const noexcept { return code; }
+
+protected:
+    explicit ErrorCode(int number) noexcept : code(number) {}
+
+private:
+    int code;
+};
+
+inline bool operator==(const ErrorCode& left, const ErrorCode& right) noexcept {
+    return left.value() == right.value();
+}
+inline bool operator!=(const ErrorCode& left, const ErrorCode& right) noexcept {
+    return !(left == right);
+}
+
+/// The code `N`: the way to make an `ErrorCode`, and to name one in code.
+template <int N>
+class ErrorMap : public ErrorCode {
+public:
+    ErrorMap() noexcept : ErrorCode(N) {}
+};
+
+} // namespace bedrock::codesigning_verifier

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <opc/core/Export.hpp>
+
+#include <cstdint>
+
+namespace opc {
+
+/// A sink of bytes.
+///
+/// Whoever hands one out says who owns it. It serves one thread at a time.
+class OPC_CORE_EXPORT OutputStream {
+public:
+    OutputStream(const OutputStream&) = delete;
+    OutputStream& operator=(const OutputStream&) = delete;
+    virtual ~OutputStream();
+
+    /// Writes `count` bytes from `buffer`. To be called only while `isDone` is false.
+    /// @return how many bytes were written
+    virtual std::uint64_t write(const unsigned char* buffer, std::uint64_t count) = 0;
+
+    /// Whether the stream takes no more bytes.
+    virtual bool isDone() const = 0;
+
+    virtual void flush() = 0;
+    virtual void close() = 0;
+
+protected:
+    OutputStream() = default;
+};
+
+} // namespace opc
