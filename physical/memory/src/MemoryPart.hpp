@@ -1,0 +1,52 @@
+#pragma once
+
+#include "MemoryStore.hpp"
+
+#include <opc/interfaces/IPhysicalInputStream.hpp>
+#include <opc/interfaces/IPhysicalOutputStream.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+
+namespace opc::physical::memory {
+
+/// What can be read and replaced in an open package: the content of a part, or the content types stream.
+/// Owns the streams that it hands out.
+class MemoryContent {
+public:
+    MemoryContent(SharedBytes content, bool isReadOnly) : bytes(std::move(content)), readOnly(isReadOnly) {}
+    MemoryContent(const MemoryContent&) = delete;
+    MemoryContent& operator=(const MemoryContent&) = delete;
+
+    interfaces::IPhysicalInputStream* read();
+
+    /// Puts new, empty bytes in the place of the old ones.
+    interfaces::IPhysicalOutputStream* write(const std::u16string& name);
+
+    void replace(SharedBytes content) { bytes = std::move(content); }
+
+    /// Null if there is no content: a content types stream that isn't there.
+    const SharedBytes& get() const { return bytes; }
+
+private:
+    SharedBytes bytes;
+    const bool readOnly;
+    std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> inputs;
+    std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> outputs;
+};
+
+/// A part of an open package.
+class MemoryPart : public interfaces::IPhysicalPart {
+public:
+    MemoryPart(std::u16string partName, std::u16string type, SharedBytes bytes, bool readOnly)
+        : name(std::move(partName)), contentType(std::move(type)), content(std::move(bytes), readOnly) {}
+
+    std::u16string getName() const override { return name; }
+    std::u16string getContentType() const override { return contentType; }
+    interfaces::IPhysicalInputStream* getInputStream() override { return content.read(); }
+    interfaces::IPhysicalOutputStream* getOutputStream() override { return content.write(name); }
+
+    const std::u16string name;
+    std::u16string contentType;
+    MemoryContent content;
+};
+
+} // namespace opc::physical::memory

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "shared/NamedList.hpp"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::physical::memory {
+
+using SharedBytes = std::shared_ptr<std::vector<unsigned char>>;
+
+/// The lasting content of one part.
+struct StoredPart {
+    StoredPart(std::u16string partName, std::u16string type, SharedBytes content)
+        : name(std::move(partName)), contentType(std::move(type)), bytes(std::move(content)) {}
+
+    std::u16string name;
+    std::u16string contentType;
+    SharedBytes bytes; ///< never changed in place: others may be reading it
+};
+
+/// The lasting content of a package.
+struct MemoryStore {
+    bool exists = false;
+    SharedBytes contentTypes; ///< null if there is no such stream
+    NamedList<StoredPart> parts;
+};
+
+/// Raises `opc::Exception` with `message` and `code`, a value of the generic category.
+[[noreturn]] void raise(const std::string& message, int code);
+
+/// The same with `name` behind the message.
+[[noreturn]] void raise(const std::string& message, const std::u16string& name, int code);
+
+} // namespace opc::physical::memory

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <opc/core/Exception.hpp>
+#include <opc/interfaces/IPhysicalInputStream.hpp>
+#include <opc/interfaces/IPhysicalOutputStream.hpp>
+#include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/interfaces/IPhysicalPartInfo.hpp>
+#include <opc/interfaces/OpenMode.hpp>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+/// What the tests of both physical layers share.
+namespace opc::test {
+
+using interfaces::OpenMode;
+
+struct PartInfo : interfaces::IPhysicalPartInfo {
+    explicit PartInfo(interfaces::CompressionType kind = interfaces::CompressionType::Normal)
+        : compression(kind) {}
+    interfaces::CompressionType getCompressionType() const override { return compression; }
+    std::uint64_t getGrowthHint() const override { return 0; }
+    void* getExtraInfo(const std::u16string&) const override { return nullptr; }
+
+    interfaces::CompressionType compression;
+};
+
+inline void put(interfaces::IPhysicalOutputStream& stream, const std::string& text) {
+    ASSERT_EQ(stream.write(reinterpret_cast<const unsigned char*>(text.data()), text.size()), text.size());
+}
+
+/// Reads what is left, in pieces of an odd size.
+inline std::string rest(interfaces::IPhysicalInputStream& stream) {
+    std::string text;
+    std::array<unsigned char, 1021> buffer{};
+    while (!stream.isDone()) {
+        const auto count = stream.read(buffer.data(), buffer.size());
+        text.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    return text;
+}
+
+inline std::string content(interfaces::IPhysicalPart& part) {
+    return rest(*part.getInputStream());
+}
+
+inline interfaces::IPhysicalPart* create(interfaces::IPhysicalPackage& package, const std::u16string& name,
+                                         const std::string& text, const PartInfo& info = PartInfo()) {
+    interfaces::IPhysicalPart* part = package.createPart(name, u"text/plain", info);
+    put(*part->getOutputStream(), text);
+    return part;
+}
+
+inline void putContentTypes(interfaces::IPhysicalPackage& package, const std::string& text) {
+    interfaces::IPhysicalOutputStream* stream = package.getContentTypeOutputStream();
+    put(*stream, text);
+    stream->close();
+}
+
+/// The names in the order of `getParts`, each with a blank behind it.
+inline std::u16string names(interfaces::IPhysicalPackage& package) {
+    std::u16string text;
+    for (interfaces::IPhysicalPart* part : package.getParts())
+        text += part->getName() + u" ";
+    return text;
+}
+
+inline interfaces::IPhysicalPart* find(interfaces::IPhysicalPackage& package, const std::u16string& name) {
+    for (interfaces::IPhysicalPart* part : package.getParts()) {
+        if (part->getName() == name)
+            return part;
+    }
+    return nullptr;
+}
+
+/// Whether `action` raises `opc::Exception` with that value of the generic category and a message that holds
+/// `words`.
+template <typename Action>
+testing::AssertionResult fails(int code, const std::string& words, Action&& action) {
+    try {
+        action();
+    } catch (const Exception& caught) {
+        if (caught.code() != boost::system::error_code(code, boost::system::generic_category()))
+            return testing::AssertionFailure() << "code " << caught.code() << ": " << caught.what();
+        if (std::string(caught.what()).find(words) == std::string::npos)
+            return testing::AssertionFailure() << "message: " << caught.what() << "\nexpected: " << words;
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << "raised nothing; expected: " << words;
+}
+
+} // namespace opc::test
