@@ -1,0 +1,17 @@
+#pragma once
+
+#include <bedrock/network/Export.hpp>
+
+#include <stdexcept>
+
+namespace bedrock::network {
+
+/// A text is no reference by the grammar that `IRI` reads.
+class BEDROCK_NETWORK_EXPORT IRIException : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+    IRIException(const IRIException&) = default;
+    ~IRIException() override;
+};
+
+} // namespace bedrock::network

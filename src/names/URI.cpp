@@ -1,0 +1,189 @@
+#include <opc/model/URI.hpp>
+
+#include <bedrock/network/IRI.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace opc::model {
+
+namespace {
+
+constexpr auto AS_WRITTEN = bedrock::network::iri::Encoding::AsWritten;
+
+} // namespace
+
+struct URI::Impl {
+    explicit Impl(const std::u16string& reference) : iri(reference) {}
+
+    const std::u16string& text() const noexcept { return iri.toString(); }
+
+    const bedrock::network::IRI iri; // owns the text
+};
+
+URI::URI(const std::u16string& text) {
+    init(text);
+}
+
+URI::URI(const char16_t* text) {
+    init(text == nullptr ? std::u16string() : std::u16string(text));
+}
+
+void URI::init(const std::u16string& text) {
+    if (std::any_of(text.begin(), text.end(), [](char16_t unit) { return unit > 127; }))
+        throw InvalidURI("Could not successfully parse URI string. URI must contain only US-ASCII.");
+    try {
+        impl = std::make_shared<const Impl>(text);
+    } catch (...) {
+        throw InvalidURI("Could not successfully parse URI string.");
+    }
+}
+
+std::u16string URI::toString() const {
+    return impl->text();
+}
+
+bool URI::isOpaque() const {
+    return impl->iri.isOpaque();
+}
+
+bool URI::isAbsolute() const {
+    return impl->iri.isAbsolute();
+}
+
+bool URI::hasScheme() const {
+    return impl->iri.hasScheme();
+}
+
+bool URI::hasFragment() const {
+    return impl->iri.hasFragment();
+}
+
+bool URI::hasAuthority() const {
+    return !isOpaque() && impl->iri.hasAuthority();
+}
+
+bool URI::hasQuery() const {
+    return !isOpaque() && impl->iri.hasQuery();
+}
+
+bool URI::hasAbsolutePath() const {
+    return !isOpaque() && impl->iri.hasAbsolutePath();
+}
+
+std::u16string URI::getScheme() const {
+    return hasScheme() ? impl->iri.getScheme() : std::u16string();
+}
+
+std::u16string URI::getSchemeSpecificPart() const {
+    return impl->iri.getSchemeSpecificPart(AS_WRITTEN);
+}
+
+std::u16string URI::getAuthority() const {
+    return hasAuthority() ? impl->iri.getAuthority(AS_WRITTEN) : std::u16string();
+}
+
+std::u16string URI::getPath() const {
+    return isOpaque() ? std::u16string() : impl->iri.getPath(AS_WRITTEN);
+}
+
+std::u16string URI::getQuery() const {
+    return hasQuery() ? impl->iri.getQuery(AS_WRITTEN) : std::u16string();
+}
+
+std::u16string URI::getFragment() const {
+    return hasFragment() ? impl->iri.getFragment(AS_WRITTEN) : std::u16string();
+}
+
+char16_t URI::getSlash() {
+    return u'/';
+}
+
+char16_t URI::getColon() {
+    return u':';
+}
+
+char16_t URI::getDot() {
+    return u'.';
+}
+
+bool URI::operator==(const URI& other) const {
+    return caselessCompare(impl->text(), other.impl->text()) == 0;
+}
+
+bool URI::operator!=(const URI& other) const {
+    return !(*this == other);
+}
+
+bool URI::operator<(const URI& other) const {
+    return caselessCompare(impl->text(), other.impl->text()) < 0;
+}
+
+std::u16string URI::encodeComponent(const std::u16string& text, std::string extra) {
+    return percentEncode(text, UNRESERVED + std::move(extra));
+}
+
+std::u16string URI::encodeIRI(const std::u16string& text) {
+    return percentEncode(text, std::string(UNRESERVED) + RESERVED);
+}
+
+std::u16string URI::percentEncode(const std::u16string& text, const std::string& allowed) {
+    static constexpr char HEX_DIGITS[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char character : detail::toUTF8String(text, true)) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 128 && allowed.find(character) != std::string::npos) {
+            encoded += character;
+        } else {
+            encoded += '%';
+            encoded += HEX_DIGITS[byte >> 4];
+            encoded += HEX_DIGITS[byte & 0x0F];
+        }
+    }
+    return opc::toString(encoded, true);
+}
+
+bool operator==(const URI& left, const std::u16string& right) {
+    return caselessCompare(left.impl->text(), right) == 0;
+}
+
+bool operator!=(const URI& left, const std::u16string& right) {
+    return !(left == right);
+}
+
+bool operator<(const URI& left, const std::u16string& right) {
+    return caselessCompare(left.impl->text(), right) < 0;
+}
+
+bool operator==(const std::u16string& left, const URI& right) {
+    return right == left;
+}
+
+bool operator!=(const std::u16string& left, const URI& right) {
+    return !(right == left);
+}
+
+bool operator<(const std::u16string& left, const URI& right) {
+    return caselessCompare(left, right.impl->text()) < 0;
+}
+
+URI relativize(const URI& source, const URI& target) {
+    if (source.isOpaque() || target.isOpaque())
+        throw UnsupportedRelativize("URIs must be hierarchical URIs.");
+    if (source.isAbsolute() || target.isAbsolute() || !source.hasAbsolutePath() || !target.hasAbsolutePath())
+        throw UnsupportedRelativize(
+            "URIs must be relative URIs, where the source and target URI have absolute paths.");
+    if (source.getPath() == target.getPath())
+        throw UnsupportedRelativize("URI's paths must be different.");
+    return URI(target.impl->iri.makeRelativeTo(source.impl->iri).toAsciiString(false));
+}
+
+URI resolve(const URI& base, const URI& reference) {
+    if (base.isOpaque() || reference.isOpaque())
+        throw UnsupportedResolve("URIs must be hierarchical URIs.");
+    return URI(reference.impl->iri.resolveAgainst(base.impl->iri).toAsciiString(false));
+}
+
+} // namespace opc::model
