@@ -1,0 +1,217 @@
+#include <opc/model/PartName.hpp>
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <boost/regex.hpp>
+
+#include <string_view>
+
+namespace opc::model {
+
+namespace {
+
+/// Up to here the expression decides. It raises an exception of its own on names of 30,000 characters.
+constexpr std::size_t LONGEST_MATCHED_PATH = 1024;
+
+bool endsWith(std::u16string_view text, std::u16string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+/// The value of a hexadecimal digit, -1 if it is none.
+int hexValue(char16_t unit) {
+    if (unit >= u'0' && unit <= u'9')
+        return unit - u'0';
+    if (unit >= u'a' && unit <= u'f')
+        return unit - u'a' + 10;
+    return unit >= u'A' && unit <= u'F' ? unit - u'A' + 10 : -1;
+}
+
+} // namespace
+
+PartName::PartName(const std::u16string& name) : uri(name) {
+    init();
+}
+
+PartName::PartName(const URI& name) : uri(name) {
+    init();
+}
+
+PartName::PartName(const char16_t* name) : uri(name) {
+    init();
+}
+
+void PartName::init() {
+    isPackageRoot = isPackageRootUri(uri);
+    if (isPackageRoot)
+        return;
+    throwExceptionIfInvalidPartUri(uri);
+    isRelationship = isRelationshipUri(uri);
+}
+
+URI PartName::getURI() const {
+    return uri;
+}
+
+std::u16string PartName::toString() const {
+    return uri.toString();
+}
+
+std::u16string PartName::getExtension() const {
+    return detail::getExtension(uri.getPath());
+}
+
+bool PartName::isRelationshipName() const {
+    return isRelationship;
+}
+
+std::u16string PartName::getRelationshipPartName() const {
+    if (isPackageRoot)
+        return PACKAGE_RELATIONSHIPS_ROOT_NAME;
+    if (isRelationship)
+        throw InvalidPartName("Relationship part can't have an associated relationship part name");
+    const std::u16string path = uri.getPath();
+    const std::size_t file = path.rfind(URI::getSlash()) + 1;
+    return path.substr(0, file) + RELATIONSHIP_PART_SEGMENT_NAME + FORWARD_SLASH_STRING + path.substr(file) +
+           RELATIONSHIP_PART_EXTENSION_NAME;
+}
+
+std::u16string PartName::getSourcePartName() const {
+    if (!isRelationship)
+        throw InvalidPartName("Part name is not a relationship part name.");
+    if (uri.toString() == PACKAGE_RELATIONSHIPS_ROOT_NAME)
+        return FORWARD_SLASH_STRING;
+    // The path has at least the two slashes round "_rels", and ends in the extension.
+    const std::u16string path = uri.getPath();
+    const std::size_t slash = path.rfind(URI::getSlash());
+    const std::size_t extension = std::u16string_view(RELATIONSHIP_PART_EXTENSION_NAME).size();
+    const std::u16string file = path.substr(slash + 1, path.size() - slash - 1 - extension);
+    return path.substr(0, path.rfind(URI::getSlash(), slash - 1)) + FORWARD_SLASH_STRING + file;
+}
+
+bool PartName::operator==(const PartName& other) const {
+    return uri == other.uri;
+}
+
+bool PartName::operator!=(const PartName& other) const {
+    return uri != other.uri;
+}
+
+bool PartName::operator<(const PartName& other) const {
+    return uri < other.uri;
+}
+
+bool PartName::isPackageRootUri(const URI& uri) {
+    const std::u16string path = uri.getPath();
+    return path.size() == 1 && path.front() == URI::getSlash();
+}
+
+bool PartName::isRelationshipUri(const URI& uri) {
+    const std::u16string path = uri.getPath();
+    // What the expression asks for at least, which sorts out nearly all names quickly. It is also enough: the
+    // extension has no slash, so it can only stand behind the "_rels" segment. That decides where the path is
+    // too long for the expression.
+    if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME) || path.find(u"/_rels/") == std::u16string::npos)
+        return false;
+    if (path.size() > LONGEST_MATCHED_PATH)
+        return true;
+    static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
+    return boost::regex_match(toWideString(path), expression);
+}
+
+void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
+    throwExceptionIfEmptyURI(uri);
+    throwExceptionIfAbsoluteUri(uri);
+    throwExceptionIfPartNameDoesNotStartWithForwardSlash(uri);
+    throwExceptionIfPartNameEndsWithForwardSlash(uri);
+    throwExceptionIfPartNameHasInvalidSegments(uri);
+}
+
+void PartName::throwExceptionIfEmptyURI(const URI& uri) {
+    if (uri.toString().empty())
+        throw InvalidPartName("A part name shall not be empty [M1.1]");
+}
+
+void PartName::throwExceptionIfAbsoluteUri(const URI& uri) {
+    if (uri.isAbsolute())
+        throw InvalidPartName("Absolute URI forbidden as a part name.");
+}
+
+void PartName::throwExceptionIfPartNameDoesNotStartWithForwardSlash(const URI& uri) {
+    if (!uri.hasAbsolutePath())
+        throw InvalidPartName("A part name shall start with a forward slash ('/') character [M1.4]");
+}
+
+void PartName::throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri) {
+    if (endsWith(uri.toString(), FORWARD_SLASH_STRING))
+        throw InvalidPartName("A part name shall not have a forward slash as the last character [M1.5]");
+}
+
+void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
+    // The whole text counts, with a query and a fragment.
+    for (const std::u16string& segment : splitWithEmptySegments(uri.toString())) {
+        if (segment.empty())
+            throw InvalidPartName("A part name shall not have empty segments [M1.3]");
+        if (segment.back() == URI::getDot()) {
+            if (segment.find_first_not_of(URI::getDot()) == std::u16string::npos)
+                throw InvalidPartName("A segment shall include at least one non-dot character. [M1.10]");
+            throw InvalidPartName("A segment shall not end with a dot ('.') character [M1.9]");
+        }
+        checkPCharCompliance(segment);
+    }
+}
+
+void PartName::checkPCharCompliance(const std::u16string& segment) {
+    // A URI has two hexadecimal digits behind each percent sign.
+    for (std::size_t at = segment.find(u'%'); at != std::u16string::npos && segment.size() - at > 2;
+         at = segment.find(u'%', at + 3)) {
+        const int value = 16 * hexValue(segment[at + 1]) + hexValue(segment[at + 2]);
+        if (value == '/' || value == '\\')
+            throw InvalidPartName(
+                "A segment shall not contain percent-encoded forward slash ('/'), or backward "
+                "slash ('') characters. [M1.7]");
+        if (value > 0 && value < 128 &&
+            std::string_view(URI::UNRESERVED).find(static_cast<char>(value)) != std::string_view::npos)
+            throw InvalidPartName(
+                "A segment shall not contain percent-encoded unreserved characters. [M1.8]");
+    }
+}
+
+std::vector<std::u16string> PartName::splitWithEmptySegments(const std::u16string& text) {
+    std::vector<std::u16string> segments;
+    // Without a slash, the search's result wraps round to the beginning.
+    std::size_t begin = text.find(URI::getSlash()) + 1;
+    for (std::size_t end = text.find(URI::getSlash(), begin); end != std::u16string::npos;
+         end = text.find(URI::getSlash(), begin)) {
+        segments.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    segments.push_back(text.substr(begin));
+    return segments;
+}
+
+bool operator==(const PartName& left, const std::u16string& right) {
+    return left.getURI() == right;
+}
+
+bool operator!=(const PartName& left, const std::u16string& right) {
+    return left.getURI() != right;
+}
+
+bool operator<(const PartName& left, const std::u16string& right) {
+    return left.getURI() < right;
+}
+
+bool operator==(const std::u16string& left, const PartName& right) {
+    return left == right.getURI();
+}
+
+bool operator!=(const std::u16string& left, const PartName& right) {
+    return left != right.getURI();
+}
+
+bool operator<(const std::u16string& left, const PartName& right) {
+    return left < right.getURI();
+}
+
+} // namespace opc::model

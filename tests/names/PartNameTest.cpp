@@ -1,0 +1,213 @@
+#include "support/Throws.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/PartName.hpp>
+
+#include <boost/regex.hpp>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::throws;
+
+std::string narrow(const std::u16string& text) {
+    return opc::toUDEString(text);
+}
+
+std::u16string repeat(const std::u16string& text, int times) {
+    std::u16string result;
+    while (times-- > 0)
+        result += text;
+    return result;
+}
+
+TEST(PartName, namesTheFirstRuleThatIsBroken) {
+    const char* const m1 = "A part name shall not be empty [M1.1]";
+    const char* const absolute = "Absolute URI forbidden as a part name.";
+    const char* const m3 = "A part name shall not have empty segments [M1.3]";
+    const char* const m4 = "A part name shall start with a forward slash ('/') character [M1.4]";
+    const char* const m5 = "A part name shall not have a forward slash as the last character [M1.5]";
+    const char* const m7 =
+        "A segment shall not contain percent-encoded forward slash ('/'), or backward slash "
+        "('') characters. [M1.7]";
+    const char* const m8 = "A segment shall not contain percent-encoded unreserved characters. [M1.8]";
+    const char* const m9 = "A segment shall not end with a dot ('.') character [M1.9]";
+    const char* const m10 = "A segment shall include at least one non-dot character. [M1.10]";
+    const std::pair<std::u16string, const char*> cases[] = {
+        {u"", m1},
+        {u"http://h/a", absolute},
+        {u"x:/a/", absolute},
+        {u"mailto:a", absolute},
+        {u"a/b", m4},
+        {u"a/", m4},
+        {u"?x", m4},
+        {u"//", m4},
+        {u"//h", m4},
+        {u"/a/", m5},
+        {u"/a//", m5},
+        {u"/a?b/", m5},
+        {u"/a//b", m3},
+        {u"//a/b", m3},
+        {u"/a?//", m5},
+        {u"/a?//b", m3},
+        {u"/a/..", m10},
+        {u"/./b", m10},
+        {u"/.../b", m10},
+        {u"/a/b.", m9},
+        {u"/a./b", m9},
+        {u"/a?b.", m9},
+        {u"/a%2F.", m9}, // a dot at the end hides the escapes
+        {u"/a%2Fb", m7},
+        {u"/a%2fb", m7},
+        {u"/a%5Cb", m7},
+        {u"/%20%5c", m7},
+        {u"/%2F%41", m7},
+        {u"/%41%2F", m8},
+        {u"/%41.xml", m8},
+        {u"/a%7Eb", m8},
+        {u"/a%7eb", m8},
+        {u"/%2D", m8},
+        {u"/%2e", m8},
+        {u"/%5F", m8},
+        {u"/%30", m8},
+        {u"/%39", m8},
+        {u"/%5A", m8},
+        {u"/%61", m8},
+        {u"/%7a", m8},
+        {u"/%41/b.", m8}, // the first bad segment decides
+        {u"/b./%41", m9},
+        {u"//./%41", m3},
+    };
+    for (const auto& [name, message] : cases) {
+        EXPECT_TRUE(throws<InvalidPartName>(message, [&text = name] { PartName{text}; })) << narrow(name);
+        EXPECT_TRUE(throws<InvalidPartName>(message, [&text = name] { PartName{URI(text)}; }))
+            << narrow(name);
+    }
+    const char16_t* const none = nullptr;
+    EXPECT_TRUE(throws<InvalidPartName>(m1, [none] { PartName{none}; }));
+}
+
+TEST(PartName, whatIsNoURIComesOutAsThat) {
+    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string.", [] { PartName{u"/a%2"}; }));
+    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string.", [] { PartName{u"/[a]//"}; }));
+    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string. URI must contain only US-ASCII.",
+                                   [] { PartName{u"/é."}; }));
+}
+
+TEST(PartName, acceptsAllOtherNames) {
+    for (const char16_t* name : {u"/a", u"/a%20b", u"/a%C3%A9", u"/a?b", u"/a#b", u"/.a/..b", u"/a b",
+                                 u"/a:b", u"/a;x=1", u"/%40%5B%60%7B%7F%80%FF%00",
+                                 u"/a%25"
+                                 u"2F",
+                                 u"/_RELS/.RELS"})
+        EXPECT_EQ(PartName(name).toString(), name);
+    const std::u16string deep = repeat(u"/a", 32000);
+    EXPECT_EQ(PartName(deep).toString(), deep);
+}
+
+TEST(PartName, relationshipPartNames) {
+    struct Case {
+        std::u16string name;
+        bool isRelationship;
+        std::u16string other; // the source of a relationships part, the relationships part of any other
+    };
+    const Case cases[] = {
+        {u"/", false, u"/_rels/.rels"},
+        {u"/?x", false, u"/_rels/.rels"},
+        {u"http://h/", false, u"/_rels/.rels"},
+        {u"///", false, u"/_rels/.rels"},
+        {u"/a", false, u"/_rels/a.rels"},
+        {u"/a/b.xml", false, u"/a/_rels/b.xml.rels"},
+        {u"/a?b/c", false, u"/_rels/a.rels"},
+        {u"/a#b", false, u"/_rels/a.rels"},
+        {u"/a_rels/b.rels", false, u"/a_rels/_rels/b.rels.rels"},
+        {u"/_RELS/.RELS", false, u"/_RELS/_rels/.RELS.rels"},
+        {u"/_rels/.RELS", false, u"/_rels/_rels/.RELS.rels"},
+        {u"/_rels/a", false, u"/_rels/_rels/a.rels"},
+        {u"/_rels/arels", false, u"/_rels/_rels/arels.rels"},
+        {u"/_rels.rels", false, u"/_rels/_rels.rels.rels"},
+        {u"/a/_rels", false, u"/a/_rels/_rels.rels"},
+        {u"/a?/_rels/b.rels", false, u"/_rels/a.rels"},
+        {u"/_rels/.rels", true, u"/"},
+        {u"/_rels/.rels?x", true, u"/"},
+        {u"/a/_rels/.rels", true, u"/a/"},
+        {u"/a/_rels/b.xml.rels", true, u"/a/b.xml"},
+        {u"/_rels/b.rels.xml.rels", true, u"/b.rels.xml"},
+        {u"/_rels/x/y.rels", true, u"/_rels/y"},
+        {u"/a/_rels/_rels/b.rels", true, u"/a/_rels/b"},
+        {u"/a/_rels/b.rels?c.xml/d", true, u"/a/b"},
+        {u"/a\n/_rels/\nb.rels", true, u"/a\n/\nb"},
+    };
+    for (const Case& c : cases) {
+        const PartName name(c.name);
+        EXPECT_EQ(name.isRelationshipName(), c.isRelationship) << narrow(c.name);
+        if (c.isRelationship) {
+            EXPECT_EQ(narrow(name.getSourcePartName()), narrow(c.other));
+            EXPECT_TRUE(
+                throws<InvalidPartName>("Relationship part can't have an associated relationship part name",
+                                        [&name] { name.getRelationshipPartName(); }));
+        } else {
+            EXPECT_EQ(narrow(name.getRelationshipPartName()), narrow(c.other));
+            EXPECT_TRUE(throws<InvalidPartName>("Part name is not a relationship part name.",
+                                                [&name] { name.getSourcePartName(); }));
+        }
+    }
+}
+
+/// Every name of up to six pieces gets the answer that the expression gives.
+TEST(PartName, relationshipNamesAreThoseOfTheExpression) {
+    const std::u16string pieces[] = {u"/_rels", u"/_rels/x", u".rels", u"/a", u"b", u"/.rels"};
+    const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
+    int matches = 0;
+    for (int code = 0; code < 6 * 6 * 6 * 6 * 6; ++code) {
+        std::u16string text(u"/a");
+        for (int left = code; left > 0; left /= 6)
+            text += pieces[left % 6];
+        const bool expected = boost::regex_match(opc::toWideString(text), expression);
+        ASSERT_EQ(PartName(text).isRelationshipName(), expected) << narrow(text);
+        matches += expected ? 1 : 0;
+    }
+    EXPECT_GT(matches, 500);
+}
+
+TEST(PartName, longNamesGetAnAnswer) {
+    struct Case {
+        std::u16string name;
+        bool isRelationship;
+    };
+    const int times = 60000;
+    const Case cases[] = {
+        {repeat(u"/_rels", times), false},
+        {repeat(u"/_rels", times) + u"/.rels", true},
+        {repeat(u"/_rels", 170) + u"/.rels", true}, // at the limit of the expression
+        {repeat(u"/_rels", 169) + u"/x.rels", true},
+        {u"/" + repeat(u"a", times) + u"/_rels/b.rels", true},
+        {u"/_rels/" + repeat(u"a", times) + u".rels", true},
+        {u"/_rels/" + repeat(u".rels", times) + u"x", false},
+        {u"/_rel/" + repeat(u".rels", times), false},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(PartName(c.name).isRelationshipName(), c.isRelationship) << narrow(c.name.substr(0, 20));
+}
+
+TEST(PartName, extensionIsThatOfThePath) {
+    EXPECT_EQ(PartName(u"/a.b/c.Xml?d.e").getExtension(), u"Xml");
+    EXPECT_EQ(PartName(u"/a.b/c").getExtension(), u"");
+}
+
+TEST(PartName, comparesWithoutCase) {
+    const PartName upper(u"/A.xml");
+    const PartName lower(u"/a.xml");
+    EXPECT_TRUE(upper == lower && !(upper != lower) && !(upper < lower) && !(lower < upper));
+    EXPECT_TRUE(upper == u"/a.XML" && u"/a.XML" == lower && lower != u"a.xml" && u"" != lower);
+    EXPECT_TRUE(upper < u"/b" && u"/B" < PartName(u"/c") && !(u"/c" < upper) && PartName(u"/Z") != lower);
+    EXPECT_EQ(std::set<PartName>({PartName(u"/b"), upper, lower, PartName(u"/B")}).size(), 2U);
+    EXPECT_TRUE(PartName(u"/?x") != PartName(u"/")); // both are the package root
+}
+
+} // namespace
