@@ -11,9 +11,6 @@ namespace opc::model {
 
 namespace {
 
-/// Up to here the expression decides. It raises an exception of its own on names of 30,000 characters.
-constexpr std::size_t LONGEST_MATCHED_PATH = 1024;
-
 bool endsWith(std::u16string_view text, std::u16string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
@@ -108,13 +105,10 @@ bool PartName::isPackageRootUri(const URI& uri) {
 
 bool PartName::isRelationshipUri(const URI& uri) {
     const std::u16string path = uri.getPath();
-    // What the expression asks for at least, which sorts out nearly all names quickly. It is also enough: the
-    // extension has no slash, so it can only stand behind the "_rels" segment. That decides where the path is
-    // too long for the expression.
-    if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME) || path.find(u"/_rels/") == std::u16string::npos)
+    // The expression takes linear time on a path that ends so. On others it may try every pair of positions,
+    // and on long ones it gives up with an exception of its own.
+    if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
         return false;
-    if (path.size() > LONGEST_MATCHED_PATH)
-        return true;
     static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
     return boost::regex_match(toWideString(path), expression);
 }

@@ -9,6 +9,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -38,55 +39,24 @@ TEST(PartName, namesTheFirstRuleThatIsBroken) {
     const char* const m8 = "A segment shall not contain percent-encoded unreserved characters. [M1.8]";
     const char* const m9 = "A segment shall not end with a dot ('.') character [M1.9]";
     const char* const m10 = "A segment shall include at least one non-dot character. [M1.10]";
-    const std::pair<std::u16string, const char*> cases[] = {
-        {u"", m1},
-        {u"http://h/a", absolute},
-        {u"x:/a/", absolute},
-        {u"mailto:a", absolute},
-        {u"a/b", m4},
-        {u"a/", m4},
-        {u"?x", m4},
-        {u"//", m4},
-        {u"//h", m4},
-        {u"/a/", m5},
-        {u"/a//", m5},
-        {u"/a?b/", m5},
-        {u"/a//b", m3},
-        {u"//a/b", m3},
-        {u"/a?//", m5},
-        {u"/a?//b", m3},
-        {u"/a/..", m10},
-        {u"/./b", m10},
-        {u"/.../b", m10},
-        {u"/a/b.", m9},
-        {u"/a./b", m9},
-        {u"/a?b.", m9},
-        {u"/a%2F.", m9}, // a dot at the end hides the escapes
-        {u"/a%2Fb", m7},
-        {u"/a%2fb", m7},
-        {u"/a%5Cb", m7},
-        {u"/%20%5c", m7},
-        {u"/%2F%41", m7},
-        {u"/%41%2F", m8},
-        {u"/%41.xml", m8},
-        {u"/a%7Eb", m8},
-        {u"/a%7eb", m8},
-        {u"/%2D", m8},
-        {u"/%2e", m8},
-        {u"/%5F", m8},
-        {u"/%30", m8},
-        {u"/%39", m8},
-        {u"/%5A", m8},
-        {u"/%61", m8},
-        {u"/%7a", m8},
-        {u"/%41/b.", m8}, // the first bad segment decides
-        {u"/b./%41", m9},
-        {u"//./%41", m3},
+    const std::pair<const char*, std::vector<std::u16string>> cases[] = {
+        {m1, {u""}},
+        {absolute, {u"http://h/a", u"x:/a/", u"mailto:a"}},
+        {m4, {u"a/b", u"a/", u"?x", u"//", u"//h"}},
+        {m5, {u"/a/", u"/a//", u"/a?b/", u"/a?//"}},
+        {m3, {u"/a//b", u"//a/b", u"/a?//b", u"//./%41"}},
+        {m10, {u"/a/..", u"/./b", u"/.../b"}},
+        // A dot at the end hides the segment's escapes, and the first bad segment decides.
+        {m9, {u"/a/b.", u"/a./b", u"/a?b.", u"/a%2F.", u"/b./%41"}},
+        {m7, {u"/a%2Fb", u"/a%2fb", u"/a%5Cb", u"/%20%5c", u"/%2F%41"}},
+        {m8, {u"/%41%2F", u"/%41/b.", u"/%41.xml", u"/a%7Eb", u"/a%7eb", u"/%2D", u"/%2e", u"/%5F"}},
+        {m8, {u"/%30", u"/%39", u"/%5A", u"/%61", u"/%7a"}},
     };
-    for (const auto& [name, message] : cases) {
-        EXPECT_TRUE(throws<InvalidPartName>(message, [&text = name] { PartName{text}; })) << narrow(name);
-        EXPECT_TRUE(throws<InvalidPartName>(message, [&text = name] { PartName{URI(text)}; }))
-            << narrow(name);
+    for (const auto& [message, names] : cases) {
+        for (const std::u16string& name : names) {
+            EXPECT_TRUE(throws<InvalidPartName>(message, [&name] { PartName{name}; })) << narrow(name);
+            EXPECT_TRUE(throws<InvalidPartName>(message, [&name] { PartName{URI(name)}; })) << narrow(name);
+        }
     }
     const char16_t* const none = nullptr;
     EXPECT_TRUE(throws<InvalidPartName>(m1, [none] { PartName{none}; }));
@@ -184,8 +154,7 @@ TEST(PartName, longNamesGetAnAnswer) {
     const Case cases[] = {
         {repeat(u"/_rels", times), false},
         {repeat(u"/_rels", times) + u"/.rels", true},
-        {repeat(u"/_rels", 170) + u"/.rels", true}, // at the limit of the expression
-        {repeat(u"/_rels", 169) + u"/x.rels", true},
+        {repeat(u"/_rel", times) + u"/.rels", false},
         {u"/" + repeat(u"a", times) + u"/_rels/b.rels", true},
         {u"/_rels/" + repeat(u"a", times) + u".rels", true},
         {u"/_rels/" + repeat(u".rels", times) + u"x", false},

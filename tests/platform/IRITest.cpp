@@ -6,6 +6,7 @@
 #include <array>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -66,28 +67,13 @@ TEST(IRI, findsTheComponents) {
 }
 
 TEST(IRI, checksTheStructure) {
-    const std::u16string good[] = {u"a+b-c.1:x",
-                                   u"./a:b",
-                                   u"a%2fB",
-                                   u"http://h:/x",
-                                   u"http://h:0123",
-                                   u"//@",
-                                   u"//a@b",
-                                   u"//u:p:q@h",
-                                   u"//[::]",
-                                   u"//[1::]",
-                                   u"//[1:2:3:4:5:6:7:8]",
-                                   u"//[1:2:3:4:5:6:7::]",
-                                   u"//[::ffff:255.1.20.0]",
-                                   u"//[1:2:3:4:5:6:1.2.3.4]:9",
-                                   u"//[v1F.a:b]",
-                                   u"a b\"<>{}|\\^`",
-                                   u"é\U0001F600",
-                                   u"tab\tline\r\n",
-                                   u"//h\\é b/x",
-                                   u"?a?b#c?d",
-                                   u"\x7F\x80",
-                                   u"file://C:/x"};
+    const std::u16string good[] = {
+        // structure
+        u"a+b-c.1:x", u"./a:b", u"a%2fB", u"http://h:/x", u"http://h:0123", u"//@", u"//a@b", u"//u:p:q@h",
+        u"//[::]", u"//[1::]", u"//[1:2:3:4:5:6:7:8]", u"//[1:2:3:4:5:6:7::]", u"//[::ffff:255.1.20.0]",
+        u"//[1:2:3:4:5:6:1.2.3.4]:9", u"//[v1F.a:b]", u"file://C:/x",
+        // characters
+        u"a b\"<>{}|\\^`", u"é\U0001F600", u"tab\tline\r\n", u"//h\\é b/x", u"?a?b#c?d", u"\x7F\x80"};
     for (const auto& text : good)
         EXPECT_NO_THROW(IRI{text}) << narrow(text);
 
@@ -113,55 +99,46 @@ TEST(IRI, checksTheStructure) {
         EXPECT_THROW(IRI{text}, IRIException) << narrow(text);
 }
 
-// RFC 3986 section 5.4
+/// The 42 examples of RFC 3986 section 5.4.
 TEST(IRI, resolvesTheExamplesOfTheStandard) {
-    const std::pair<const char16_t*, const char16_t*> cases[] = {
-        {u"g:h", u"g:h"},
-        {u"g", u"http://a/b/c/g"},
-        {u"./g", u"http://a/b/c/g"},
-        {u"g/", u"http://a/b/c/g/"},
-        {u"/g", u"http://a/g"},
-        {u"//g", u"http://g"},
-        {u"?y", u"http://a/b/c/d;p?y"},
-        {u"g?y", u"http://a/b/c/g?y"},
-        {u"#s", u"http://a/b/c/d;p?q#s"},
-        {u"g#s", u"http://a/b/c/g#s"},
-        {u"g?y#s", u"http://a/b/c/g?y#s"},
-        {u";x", u"http://a/b/c/;x"},
-        {u"g;x", u"http://a/b/c/g;x"},
-        {u"g;x?y#s", u"http://a/b/c/g;x?y#s"},
-        {u"", u"http://a/b/c/d;p?q"},
-        {u".", u"http://a/b/c/"},
-        {u"./", u"http://a/b/c/"},
-        {u"..", u"http://a/b/"},
-        {u"../", u"http://a/b/"},
-        {u"../g", u"http://a/b/g"},
-        {u"../..", u"http://a/"},
-        {u"../../", u"http://a/"},
-        {u"../../g", u"http://a/g"},
-        {u"../../../g", u"http://a/g"},
-        {u"../../../../g", u"http://a/g"},
-        {u"/./g", u"http://a/g"},
-        {u"/../g", u"http://a/g"},
-        {u"g.", u"http://a/b/c/g."},
-        {u".g", u"http://a/b/c/.g"},
-        {u"g..", u"http://a/b/c/g.."},
-        {u"..g", u"http://a/b/c/..g"},
-        {u"./../g", u"http://a/b/g"},
-        {u"./g/.", u"http://a/b/c/g/"},
-        {u"g/./h", u"http://a/b/c/g/h"},
-        {u"g/../h", u"http://a/b/c/h"},
-        {u"g;x=1/./y", u"http://a/b/c/g;x=1/y"},
-        {u"g;x=1/../y", u"http://a/b/c/y"},
-        {u"g?y/./x", u"http://a/b/c/g?y/./x"},
-        {u"g?y/../x", u"http://a/b/c/g?y/../x"},
-        {u"g#s/./x", u"http://a/b/c/g#s/./x"},
-        {u"g#s/../x", u"http://a/b/c/g#s/../x"},
-        {u"http:g", u"http:g"},
+    const std::pair<std::u16string, std::vector<std::u16string>> cases[] = {
+        {u"g:h", {u"g:h"}},
+        {u"http://a/b/c/g", {u"g", u"./g"}},
+        {u"http://a/b/c/g/", {u"g/", u"./g/."}},
+        {u"http://a/g", {u"/g", u"../../g", u"../../../g", u"../../../../g", u"/./g", u"/../g"}},
+        {u"http://g", {u"//g"}},
+        {u"http://a/b/c/d;p?y", {u"?y"}},
+        {u"http://a/b/c/g?y", {u"g?y"}},
+        {u"http://a/b/c/d;p?q#s", {u"#s"}},
+        {u"http://a/b/c/g#s", {u"g#s"}},
+        {u"http://a/b/c/g?y#s", {u"g?y#s"}},
+        {u"http://a/b/c/;x", {u";x"}},
+        {u"http://a/b/c/g;x", {u"g;x"}},
+        {u"http://a/b/c/g;x?y#s", {u"g;x?y#s"}},
+        {u"http://a/b/c/d;p?q", {u""}},
+        {u"http://a/b/c/", {u".", u"./"}},
+        {u"http://a/b/", {u"..", u"../"}},
+        {u"http://a/b/g", {u"../g", u"./../g"}},
+        {u"http://a/", {u"../..", u"../../"}},
+        {u"http://a/b/c/g.", {u"g."}},
+        {u"http://a/b/c/.g", {u".g"}},
+        {u"http://a/b/c/g..", {u"g.."}},
+        {u"http://a/b/c/..g", {u"..g"}},
+        {u"http://a/b/c/g/h", {u"g/./h"}},
+        {u"http://a/b/c/h", {u"g/../h"}},
+        {u"http://a/b/c/g;x=1/y", {u"g;x=1/./y"}},
+        {u"http://a/b/c/y", {u"g;x=1/../y"}},
+        {u"http://a/b/c/g?y/./x", {u"g?y/./x"}},
+        {u"http://a/b/c/g?y/../x", {u"g?y/../x"}},
+        {u"http://a/b/c/g#s/./x", {u"g#s/./x"}},
+        {u"http://a/b/c/g#s/../x", {u"g#s/../x"}},
+        {u"http:g", {u"http:g"}},
     };
     const IRI base(u"http://a/b/c/d;p?q");
-    for (const auto& [reference, expected] : cases)
-        EXPECT_EQ(IRI(reference).resolveAgainst(base).toString(), expected) << narrow(reference);
+    for (const auto& [expected, references] : cases) {
+        for (const std::u16string& reference : references)
+            EXPECT_EQ(IRI(reference).resolveAgainst(base).toString(), expected) << narrow(reference);
+    }
 }
 
 TEST(IRI, resolvesAgainstBasesOfEveryForm) {

@@ -17,14 +17,15 @@ namespace opc::model {
 /// A value that shares nothing; one object serves one thread at a time.
 class OPC_MODEL_EXPORT ContentType {
 public:
-    /// @param text  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round a
-    ///              semicolon only. The last value of a repeated attribute counts
+    /// @param contentType  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round
+    /// a
+    ///                     semicolon only. The last value of a repeated attribute counts
     /// @throws InvalidContentType  if it is anything else
-    explicit ContentType(const std::u16string& text);
+    explicit ContentType(const std::u16string& contentType);
 
-    /// @param text  ends in a zero; null counts as the empty text, which is no content type
+    /// @param contentType  ends in a zero; null counts as the empty text, which is no content type
     /// @throws InvalidContentType  as above
-    explicit ContentType(const char16_t* text);
+    explicit ContentType(const char16_t* contentType);
 
     /// The canonical text.
     std::u16string toString() const;

@@ -33,9 +33,7 @@ std::u16string removeDotSegments(u16string_view input) {
     while (!input.empty()) {
         if (startsWith(input, u"../")) {
             input.remove_prefix(3);
-        } else if (startsWith(input, u"./")) {
-            input.remove_prefix(2);
-        } else if (startsWith(input, u"/./")) {
+        } else if (startsWith(input, u"./") || startsWith(input, u"/./")) {
             input.remove_prefix(2);
         } else if (input == u"/.") {
             input = u"/";

@@ -39,9 +39,9 @@ struct Components {
 /// A value that owns its text. It doesn't change but by assignment, so threads may share it.
 class BEDROCK_NETWORK_EXPORT IRI {
 public:
-    /// @param text  the reference; an empty text is one
+    /// @param reference  an empty text is one
     /// @throws IRIException  if it is none
-    explicit IRI(std::u16string text);
+    explicit IRI(std::u16string reference);
 
     const std::u16string& toString() const noexcept { return text; }
 
