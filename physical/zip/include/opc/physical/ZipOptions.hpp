@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace opc::physical {
+
+/// How a `ZipPackage` works. Sizes are in bytes.
+struct ZipOptions {
+    /// Parts that are being written stay in memory up to 1 MiB each and up to this size together; what is
+    /// beyond goes to a temporary file that has no name.
+    std::uint64_t memoryForWrittenParts = 32ULL << 20;
+
+    /// Where that temporary file lies. Empty: in the folder of the package, or for a package in memory in
+    /// the system's folder for temporary files.
+    std::filesystem::path temporaryFolder;
+
+    /// The same operations give the same bytes: what is written gets a fixed time stamp.
+    bool deterministic = false;
+
+    /// @name Limits on what is opened, for hostile files. Exceeding one fails the `open`.
+    /// @{
+
+    std::uint64_t maxItems = 100000;
+    std::uint64_t maxItemSize = 16ULL << 30;  ///< of one item, not compressed
+    std::uint64_t maxTotalSize = 64ULL << 30; ///< of all items, not compressed
+    std::uint64_t maxRatio = 1000;            ///< size to compressed size, for items above `ratioFloor`
+    std::uint64_t ratioFloor = 100ULL << 20;
+
+    /// @}
+};
+
+} // namespace opc::physical

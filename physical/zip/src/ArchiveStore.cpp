@@ -1,0 +1,97 @@
+#include "ArchiveStore.hpp"
+
+#include "Failure.hpp"
+#include "ReplacementFile.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+namespace opc::physical::zip {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void requireRegular(const std::string& place, const struct stat& status) {
+    if (S_ISDIR(status.st_mode))
+        failSystem(place, "can't open", EISDIR);
+    if (!S_ISREG(status.st_mode))
+        fail(place, "can't open: not a regular file", EINVAL);
+}
+
+class MemoryTarget : public ByteTarget {
+public:
+    int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override {
+        try {
+            if (bytes.size() < offset + count)
+                bytes.resize(static_cast<std::size_t>(offset + count));
+        } catch (const std::exception&) {
+            return ENOMEM;
+        }
+        std::copy_n(buffer, count, bytes.data() + offset);
+        return 0;
+    }
+
+    std::vector<unsigned char> bytes;
+};
+
+} // namespace
+
+std::shared_ptr<ByteSource> FileStore::read() {
+    // Without blocking: somebody may have put a pipe there.
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
+        failSystem(place(), "can't open", errno);
+    requireRegular(place(), status);
+    return std::make_shared<FileBytes>(std::move(file), static_cast<std::uint64_t>(status.st_size));
+}
+
+void FileStore::checkWritable() const {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        requireRegular(place(), status);
+        // The folder decides on renaming; a file that says read-only is still not ours to replace.
+        if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+            failSystem(place(), "can't write", errno);
+    } else if (errno != ENOENT) {
+        failSystem(place(), "can't open", errno);
+    } else if (::stat(temporaryFolder().c_str(), &status) != 0) {
+        failSystem(place(), "can't open its folder", errno);
+    }
+}
+
+void FileStore::replace(const std::function<void(ByteTarget&)>& write) {
+    ReplacementFile file(path);
+    write(file);
+    file.commit();
+}
+
+fs::path FileStore::temporaryFolder() const {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+std::shared_ptr<ByteSource> MemoryStore::read() {
+    if (archive->empty())
+        failSystem(place(), "can't open", ENOENT);
+    return std::make_shared<MemoryBytes>(archive);
+}
+
+void MemoryStore::replace(const std::function<void(ByteTarget&)>& write) {
+    MemoryTarget target;
+    write(target);
+    archive = std::make_shared<const Bytes>(std::move(target.bytes));
+}
+
+fs::path MemoryStore::temporaryFolder() const {
+    std::error_code error;
+    const fs::path folder = fs::temp_directory_path(error);
+    return error ? fs::path("/tmp") : folder;
+}
+
+} // namespace opc::physical::zip

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "BufferedTarget.hpp"
+#include "ByteSource.hpp"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::physical::zip {
+
+/// Where an archive lies: what is read there, and how a new one takes its place.
+class ArchiveStore {
+public:
+    virtual ~ArchiveStore() = default;
+
+    /// How messages name the archive.
+    virtual std::string place() const = 0;
+
+    /// The archive as it is now.
+    virtual std::shared_ptr<ByteSource> read() = 0;
+
+    /// Raises if it is certain already that `replace` can't succeed.
+    virtual void checkWritable() const = 0;
+
+    /// Puts what `write` writes in the place of the archive, all or nothing.
+    virtual void replace(const std::function<void(ByteTarget&)>& write) = 0;
+
+    /// A folder for temporary files.
+    virtual std::filesystem::path temporaryFolder() const = 0;
+};
+
+class FileStore : public ArchiveStore {
+public:
+    explicit FileStore(std::filesystem::path file) : path(std::move(file)) {}
+
+    std::string place() const override { return path.string(); }
+    std::shared_ptr<ByteSource> read() override;
+    void checkWritable() const override;
+    void replace(const std::function<void(ByteTarget&)>& write) override;
+    std::filesystem::path temporaryFolder() const override;
+
+private:
+    std::filesystem::path path;
+};
+
+class MemoryStore : public ArchiveStore {
+public:
+    using Bytes = std::vector<unsigned char>;
+
+    explicit MemoryStore(Bytes bytes) : archive(std::make_shared<const Bytes>(std::move(bytes))) {}
+
+    std::string place() const override { return "archive in memory"; }
+    std::shared_ptr<ByteSource> read() override;
+    void checkWritable() const override {}
+    void replace(const std::function<void(ByteTarget&)>& write) override;
+    std::filesystem::path temporaryFolder() const override;
+
+    const Bytes& bytes() const { return *archive; }
+
+private:
+    std::shared_ptr<const Bytes> archive;
+};
+
+} // namespace opc::physical::zip

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+struct zip_error;
+
+/// @file
+/// The one form of all messages: "place: what", with the place an archive, or an archive and an item.
+
+namespace opc::physical::zip {
+
+/// Raises `opc::Exception` with `code`, a value of the generic category.
+[[noreturn]] void fail(const std::string& place, const std::string& what, int code);
+
+/// The same for a system call that has failed with the error number `code`, which is put in words.
+[[noreturn]] void failSystem(const std::string& place, const std::string& what, int code);
+
+/// The same for a failure of libzip.
+[[noreturn]] void failZip(const std::string& place, const std::string& what, zip_error& error);
+
+std::string itemPlace(const std::string& archive, const std::string& item);
+
+} // namespace opc::physical::zip

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace opc::physical::zip {
+
+/// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing: they
+/// run inside callbacks of a C library.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int descriptor = -1) noexcept : fd(descriptor) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(fd, other.fd);
+        return *this;
+    }
+    ~FileDescriptor();
+
+    bool isOpen() const noexcept { return fd >= 0; }
+    int get() const noexcept { return fd; }
+
+    /// Reads up to `count` bytes; fewer only at the end of the file.
+    int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
+               std::size_t& got) const noexcept;
+
+    /// Writes all of `count` bytes.
+    int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) const noexcept;
+
+private:
+    int fd;
+};
+
+} // namespace opc::physical::zip

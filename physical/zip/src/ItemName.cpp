@@ -1,0 +1,171 @@
+#include "ItemName.hpp"
+
+#include <opc/core/Text.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace opc::physical::zip {
+
+const char* const CONTENT_TYPES_ITEM = "[Content_Types].xml";
+
+namespace {
+
+using std::string_view;
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// @param right  in lower case
+bool equalsCaseless(string_view left, string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return lower(a) == b; });
+}
+
+bool startsCaseless(string_view text, string_view start) {
+    return equalsCaseless(text.substr(0, start.size()), start);
+}
+
+bool removeEndCaseless(string_view& text, string_view end) {
+    if (text.size() < end.size() || !equalsCaseless(text.substr(text.size() - end.size()), end))
+        return false;
+    text.remove_suffix(end.size());
+    return true;
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool isUnreserved(char c) {
+    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z') ||
+           string_view("-._~").find(c) != string_view::npos;
+}
+
+/// RFC 3986 pchar without the percent sign, which begins an encoded character.
+bool isPlain(char c) {
+    return isUnreserved(c) || string_view("!$&'()*+,;=:@").find(c) != string_view::npos;
+}
+
+int hexValue(char c) {
+    if (isDigit(c))
+        return c - '0';
+    return lower(c) >= 'a' && lower(c) <= 'f' ? lower(c) - 'a' + 10 : -1;
+}
+
+const char* encodingDefect(string_view behindPercent) {
+    const int high = behindPercent.empty() ? -1 : hexValue(behindPercent[0]);
+    const int low = behindPercent.size() < 2 ? -1 : hexValue(behindPercent[1]);
+    if (high < 0 || low < 0)
+        return "a percent sign without two hexadecimal digits";
+    const auto c = static_cast<char>(high * 16 + low);
+    if (c == '/' || c == '\\')
+        return "a percent-encoded slash or backslash";
+    return isUnreserved(c) ? "a percent-encoded character that needs no encoding" : nullptr;
+}
+
+const char* segmentDefect(string_view segment) {
+    if (segment.empty())
+        return "an empty segment";
+    for (std::size_t i = 0; i < segment.size(); ++i) {
+        if (segment[i] == '%') {
+            if (const char* defect = encodingDefect(segment.substr(i + 1)))
+                return defect;
+        } else if (!isPlain(segment[i])) {
+            return "a character that must be percent-encoded";
+        }
+    }
+    return segment.back() == '.' ? "a segment that ends in a dot" : nullptr;
+}
+
+/// The rules [M1.1] to [M1.10] as far as they concern one name alone.
+const char* defectOf(string_view name) {
+    if (name.empty() || name.front() != '/')
+        return "no slash in front";
+    while (!name.empty()) {
+        name.remove_prefix(1);
+        const string_view segment = name.substr(0, name.find('/'));
+        if (const char* defect = segmentDefect(segment))
+            return defect;
+        name.remove_prefix(segment.size());
+    }
+    return nullptr;
+}
+
+/// Takes "/[3].piece" or "/[3].last.piece" off the end of `name`.
+std::optional<ItemName::Piece> removePiece(string_view& name) {
+    string_view left = name;
+    if (!removeEndCaseless(left, "].piece") && !removeEndCaseless(left, "].last.piece"))
+        return std::nullopt;
+    const std::size_t start = left.rfind("/[");
+    if (start == string_view::npos)
+        return std::nullopt;
+    const string_view digits = left.substr(start + 2);
+    const bool canonical = digits.size() == 1 || (digits.size() > 1 && digits[0] != '0');
+    if (!canonical || digits.size() > 9 || !std::all_of(digits.begin(), digits.end(), isDigit))
+        return std::nullopt;
+    const bool last = name.size() - left.size() > string_view("].piece").size();
+    name = name.substr(0, start);
+    return ItemName::Piece{static_cast<std::uint32_t>(std::stoul(std::string(digits))), last};
+}
+
+std::string encode(string_view item) {
+    static const char* const HEX = "0123456789ABCDEF";
+    std::string name = "/";
+    for (const char c : item) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '/' || c == '%' || isPlain(c))
+            name += c;
+        else
+            name.append({'%', HEX[byte >> 4], HEX[byte & 15]});
+    }
+    return name;
+}
+
+const char* reasonToIgnore(string_view item) {
+    if (item.empty())
+        return "an empty name";
+    if (startsCaseless(item, "[trash]/"))
+        return "a trash item";
+    if (startsCaseless(item, "__macosx/"))
+        return "metadata of the system that wrote the archive";
+    return item.back() == '/' ? "a folder" : nullptr;
+}
+
+} // namespace
+
+ItemName readItemName(const std::string& item) {
+    ItemName result;
+    std::string straight = item;
+    std::replace(straight.begin(), straight.end(), '\\', '/');
+    if (const char* reason = reasonToIgnore(straight)) {
+        result.reason = reason;
+        return result;
+    }
+    string_view name = straight;
+    result.piece = removePiece(name);
+    if (equalsCaseless(name, "[content_types].xml")) {
+        result.kind = ItemName::Kind::ContentTypes;
+        return result;
+    }
+    const std::string partName = encode(name);
+    if (const char* defect = defectOf(partName)) {
+        result.reason = std::string("no part name: ") + defect;
+        return result;
+    }
+    result.kind = ItemName::Kind::Part;
+    result.partName.assign(partName.begin(), partName.end());
+    return result;
+}
+
+const char* partNameDefect(const std::u16string& name) {
+    return defectOf(detail::toUTF8String(name, true));
+}
+
+std::string itemNameOf(const std::u16string& partName) {
+    return detail::toUTF8String(partName, true).substr(1);
+}
+
+} // namespace opc::physical::zip

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace opc::physical::zip {
+
+/// The item name of the content types stream when it is new.
+extern const char* const CONTENT_TYPES_ITEM;
+
+/// What the name of a ZIP item says that the item is.
+struct ItemName {
+    enum class Kind { Part, ContentTypes, Ignored };
+
+    /// An interleaved part is cut into items [0].piece, [1].piece and so on, the last one [n].last.piece.
+    struct Piece {
+        std::uint32_t number;
+        bool last;
+    };
+
+    Kind kind = Kind::Ignored;
+    std::u16string partName;    ///< of a part
+    std::optional<Piece> piece; ///< of a part or the content types stream: it is a piece of that
+    std::string reason;         ///< why it is ignored
+};
+
+/// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part
+/// names, widened to names that real programs write: see `ZipPackage`).
+ItemName readItemName(const std::string& item);
+
+/// @return what breaks the rules for part names in `name`, as words for a message; null if nothing does
+const char* partNameDefect(const std::u16string& name);
+
+/// The item name under which a new part is written.
+std::string itemNameOf(const std::u16string& partName);
+
+} // namespace opc::physical::zip

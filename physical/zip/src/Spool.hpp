@@ -1,0 +1,71 @@
+#pragma once
+
+#include "ByteSource.hpp"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::physical::zip {
+
+/// What the parts written to one open package share: how much memory they may take, and the temporary file
+/// for the rest. The file has no name, so that nothing of it stays, however the process ends. It is handed
+/// out in chunks, so that many parts may grow at the same time with one descriptor.
+class SpoolStore {
+public:
+    static constexpr std::size_t CHUNK = 1U << 20;
+
+    SpoolStore(std::filesystem::path folder, std::uint64_t memoryLimit)
+        : place(std::move(folder)), memoryLeft(memoryLimit) {}
+
+    /// @return whether there is so much memory left; then it is taken
+    bool takeMemory(std::uint64_t count) noexcept;
+    void giveMemory(std::uint64_t count) noexcept { memoryLeft += count; }
+
+    /// @return the offset of a chunk in the file
+    std::uint64_t takeChunk();
+    void giveChunk(std::uint64_t offset) noexcept;
+
+    const FileDescriptor& file() const noexcept { return descriptor; }
+    std::string name() const { return place.string(); }
+
+private:
+    void makeFile();
+
+    std::filesystem::path place;
+    std::uint64_t memoryLeft;
+    FileDescriptor descriptor;
+    std::uint64_t fileEnd = 0;
+    std::vector<std::uint64_t> freeChunks;
+};
+
+/// The content of one part as it is written: in memory while it is small, then in the store's file.
+class Spool : public ByteSource {
+public:
+    explicit Spool(std::shared_ptr<SpoolStore> spoolStore) noexcept : store(std::move(spoolStore)) {}
+    Spool(const Spool&) = delete;
+    Spool& operator=(const Spool&) = delete;
+    ~Spool() override;
+
+    /// Appends. Raises `opc::Exception` if the bytes find no room.
+    void write(const unsigned char* buffer, std::size_t count);
+
+    /// False after a failed `write`: then the content is only a part of what was to be written.
+    bool isWhole() const noexcept { return whole; }
+
+    std::uint64_t size() const noexcept override { return length; }
+    int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
+               std::size_t& got) noexcept override;
+
+private:
+    void writeToFile(const unsigned char* buffer, std::size_t count);
+
+    std::shared_ptr<SpoolStore> store;
+    std::vector<unsigned char> memory;
+    std::vector<std::uint64_t> chunks;
+    std::uint64_t length = 0;
+    bool whole = true;
+};
+
+} // namespace opc::physical::zip

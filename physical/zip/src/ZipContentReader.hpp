@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ArchiveReader.hpp"
+#include "Spool.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::physical::zip {
+
+/// Reads a content once, from its first byte to its last.
+class ZipContentReader {
+public:
+    virtual ~ZipContentReader() = default;
+    virtual std::uint64_t read(unsigned char* buffer, std::uint64_t count) = 0;
+    virtual bool isDone() const = 0;
+};
+
+/// Reads one item of an archive, or several that are the pieces of one content. Holds a decompressor only
+/// while it stands within an item.
+class ItemReader : public ZipContentReader {
+public:
+    ItemReader(const ArchiveReader& reader, std::vector<ItemIndex> pieces);
+
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
+    bool isDone() const override { return current == items.size(); }
+
+private:
+    void enterItem();
+    void startItem();
+    void endItem();
+
+    const ArchiveReader& archive;
+    std::vector<ItemIndex> items;
+    std::size_t current = 0; ///< which of `items`
+    std::uint64_t left = 0;  ///< bytes of it that haven't been read
+    ItemFile file;
+    bool damaged = false;
+};
+
+/// Reads what has been written; more may be written meanwhile.
+class SpoolReader : public ZipContentReader {
+public:
+    SpoolReader(std::shared_ptr<Spool> content, std::string contentPlace)
+        : spool(std::move(content)), place(std::move(contentPlace)) {}
+
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
+    bool isDone() const override { return position >= spool->size(); }
+
+private:
+    std::shared_ptr<Spool> spool;
+    std::string place;
+    std::uint64_t position = 0;
+};
+
+} // namespace opc::physical::zip

@@ -1,0 +1,93 @@
+#include <opc/physical/ZipPackage.hpp>
+
+#include "ArchiveStore.hpp"
+#include "Failure.hpp"
+#include "ZipSession.hpp"
+
+#include <opc/interfaces/IPhysicalPartInfo.hpp>
+
+#include <cerrno>
+
+namespace opc::physical {
+
+class ZipPackage::Impl {
+public:
+    Impl(std::unique_ptr<zip::ArchiveStore> archiveStore, ZipOptions settings)
+        : store(std::move(archiveStore)), options(std::move(settings)) {}
+
+    zip::ZipSession& opened() {
+        if (!session)
+            zip::fail(store->place(), "not open", EBADF);
+        return *session;
+    }
+
+    std::unique_ptr<zip::ArchiveStore> store;
+    const ZipOptions options;
+    std::unique_ptr<zip::ZipSession> session;
+};
+
+ZipPackage::ZipPackage(std::filesystem::path path, ZipOptions options)
+    : impl(std::make_unique<Impl>(std::make_unique<zip::FileStore>(std::move(path)), std::move(options))) {
+}
+
+ZipPackage::ZipPackage(Bytes archive, ZipOptions options)
+    : impl(std::make_unique<Impl>(std::make_unique<zip::MemoryStore>(std::move(archive)),
+                                  std::move(options))) {
+}
+
+ZipPackage::~ZipPackage() = default;
+
+bool ZipPackage::usesContentTypeStream() {
+    return true;
+}
+
+interfaces::IPhysicalInputStream* ZipPackage::getContentTypeInputStream() {
+    return impl->opened().contentTypesStream().read();
+}
+
+interfaces::IPhysicalOutputStream* ZipPackage::getContentTypeOutputStream() {
+    return impl->opened().contentTypesStream().write();
+}
+
+std::vector<interfaces::IPhysicalPart*> ZipPackage::getParts() {
+    std::vector<interfaces::IPhysicalPart*> parts;
+    for (zip::ZipPart& part : impl->opened().allParts())
+        parts.push_back(&part);
+    return parts;
+}
+
+void ZipPackage::open(const interfaces::OpenMode& mode) {
+    if (impl->session)
+        zip::fail(impl->store->place(), "already open", EBUSY);
+    impl->session = std::make_unique<zip::ZipSession>(*impl->store, impl->options, mode);
+}
+
+void ZipPackage::close(bool abandon) {
+    zip::ZipSession& session = impl->opened();
+    if (!abandon)
+        session.save();
+    impl->session.reset();
+}
+
+interfaces::IPhysicalPart* ZipPackage::createPart(const std::u16string& name,
+                                                  const std::u16string& /*contentType*/,
+                                                  const interfaces::IPhysicalPartInfo& info) {
+    return &impl->opened().create(name, info.getCompressionType());
+}
+
+void ZipPackage::deletePart(const std::u16string& name) {
+    impl->opened().remove(name);
+}
+
+const std::vector<ZipPackage::IgnoredItem>& ZipPackage::ignoredItems() const {
+    return impl->opened().ignoredItems();
+}
+
+const ZipPackage::Bytes& ZipPackage::bytes() const {
+    const auto* memory = dynamic_cast<const zip::MemoryStore*>(impl->store.get());
+    if (!memory)
+        zip::fail(impl->store->place(), "not in memory", EINVAL);
+    return memory->bytes();
+}
+
+} // namespace opc::physical

@@ -1,0 +1,175 @@
+#include "ZipSession.hpp"
+
+#include "ArchiveWriter.hpp"
+#include "Failure.hpp"
+
+#include <opc/core/Text.hpp>
+
+#include <cerrno>
+
+namespace opc::physical::zip {
+
+using interfaces::OpenMode;
+
+namespace {
+
+void requireReadable(const std::string& archive, const ItemStatus& status) {
+    if (status.encrypted)
+        fail(itemPlace(archive, status.name), "is encrypted", ENOTSUP);
+    if (status.method != ZIP_CM_STORE && status.method != ZIP_CM_DEFLATE)
+        fail(itemPlace(archive, status.name),
+             "has compression method " + std::to_string(status.method) + "; Store and Deflate alone are read",
+             ENOTSUP);
+}
+
+} // namespace
+
+ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, OpenMode openMode)
+    : store(archiveStore), options(settings), mode(openMode) {
+    context.place = store.place();
+    context.readOnly = mode == OpenMode::ReadOnly;
+    context.changed = mode == OpenMode::CreateOnly;
+    const auto& folder = options.temporaryFolder;
+    context.spools = std::make_shared<SpoolStore>(folder.empty() ? store.temporaryFolder() : folder,
+                                                  options.memoryForWrittenParts);
+    if (mode != OpenMode::CreateOnly)
+        load();
+    if (mode != OpenMode::ReadOnly)
+        store.checkWritable();
+    if (!contentTypes)
+        contentTypes.emplace(context, std::vector<ItemIndex>(), CONTENT_TYPES_ITEM);
+}
+
+void ZipSession::load() {
+    source = store.read();
+    context.archive = std::make_unique<ArchiveReader>(source, context.place);
+    const std::uint64_t count = context.archive->itemCount();
+    if (count > options.maxItems)
+        fail(context.place, "more than " + std::to_string(options.maxItems) + " items", EFBIG);
+    AllPieces pieces;
+    for (ItemIndex item = 0; item < count; ++item)
+        take(item, context.archive->status(item), pieces);
+    joinPieces(pieces);
+}
+
+void ZipSession::take(ItemIndex item, const ItemStatus& status, AllPieces& pieces) {
+    checkLimits(status);
+    const ItemName name = readItemName(status.name);
+    if (name.kind == ItemName::Kind::Ignored)
+        return ignore(item, name.reason);
+    requireReadable(context.place, status);
+    if (name.piece)
+        takePiece(item, name, pieces);
+    else
+        takeWhole(name, {item}, {});
+}
+
+void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces) {
+    Pieces& siblings = pieces[toLowerASCIIString(name.partName)];
+    siblings.name = name;
+    if (!siblings.found.emplace(name.piece->number, FoundPiece{item, name.piece->last}).second)
+        fail(context.archive->itemPlace(item), "another item is the same piece", EBADMSG);
+}
+
+void ZipSession::takeWhole(const ItemName& name, std::vector<ItemIndex> items, std::string newItemName) {
+    if (name.kind == ItemName::Kind::ContentTypes) {
+        if (contentTypes)
+            fail(context.archive->itemPlace(items.front()), "a second content types stream", EBADMSG);
+        contentTypes.emplace(context, std::move(items), std::move(newItemName));
+        return;
+    }
+    const std::u16string key = toLowerASCIIString(name.partName);
+    if (parts.find(key))
+        fail(context.archive->itemPlace(items.front()), "another item has the same part name", EBADMSG);
+    parts.add(key, context, name.partName, std::move(items), std::move(newItemName));
+}
+
+/// A content is there if all pieces from 0 to the one called last are, and no other.
+void ZipSession::joinPieces(AllPieces& pieces) {
+    for (auto& [key, siblings] : pieces) {
+        std::vector<ItemIndex> items;
+        bool complete = true;
+        for (const auto& [number, piece] : siblings.found) {
+            complete = complete && number == items.size() &&
+                       piece.last == (items.size() + 1 == siblings.found.size());
+            items.push_back(piece.item);
+        }
+        if (complete) {
+            const bool isPart = siblings.name.kind == ItemName::Kind::Part;
+            takeWhole(siblings.name, std::move(items),
+                      isPart ? itemNameOf(siblings.name.partName) : CONTENT_TYPES_ITEM);
+        } else {
+            for (const ItemIndex item : items)
+                ignore(item, "a piece of an incomplete sequence");
+        }
+    }
+}
+
+void ZipSession::ignore(ItemIndex item, const std::string& reason) {
+    ignored.push_back({context.archive->status(item).name, reason});
+}
+
+void ZipSession::checkLimits(const ItemStatus& status) {
+    const auto exceeds = [&](const std::string& what, std::uint64_t limit) {
+        fail(itemPlace(context.place, status.name), what + " " + std::to_string(limit), EFBIG);
+    };
+    if (status.size > options.maxItemSize)
+        exceeds("its size in bytes is above the limit of", options.maxItemSize);
+    if (status.size > options.maxTotalSize - totalSize)
+        exceeds("the size in bytes of all items together is above the limit of", options.maxTotalSize);
+    totalSize += status.size;
+    if (status.size > options.ratioFloor && status.size / options.maxRatio > status.compressedSize)
+        exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
+}
+
+void ZipSession::requireWritable(const std::u16string& name) const {
+    if (context.readOnly)
+        fail(itemPlace(context.place, toUDEString(name)), "the archive is opened to read", EACCES);
+}
+
+ZipPart& ZipSession::create(const std::u16string& name, interfaces::CompressionType compression) {
+    requireWritable(name);
+    if (const char* defect = partNameDefect(name))
+        fail(itemPlace(context.place, toUDEString(name)), std::string("no part name: ") + defect, EINVAL);
+    const std::u16string key = toLowerASCIIString(name);
+    ZipPart* part = parts.find(key);
+    if (!part)
+        part = &parts.add(key, context, name, std::vector<ItemIndex>(), itemNameOf(name));
+    part->content.setCompression(compression);
+    part->content.clear();
+    return *part;
+}
+
+void ZipSession::remove(const std::u16string& name) {
+    requireWritable(name);
+    const std::u16string key = toLowerASCIIString(name);
+    ZipPart* part = parts.find(key);
+    if (!part)
+        fail(itemPlace(context.place, toUDEString(name)), "no such part", ENOENT);
+    const std::vector<ItemIndex>& items = part->content.oldItems();
+    removedItems.insert(removedItems.end(), items.begin(), items.end());
+    parts.remove(key);
+    context.changed = true;
+}
+
+void ZipSession::save() {
+    if (context.readOnly || !context.changed)
+        return;
+    store.replace([this](ByteTarget& target) { write(target); });
+}
+
+void ZipSession::write(ByteTarget& target) {
+    ArchiveWriter writer(source, target, context.place, options.deterministic);
+    for (const ItemIndex item : removedItems)
+        writer.remove(item);
+    // Readers that look at the first item alone to tell what a file is expect the content types there.
+    if (contentTypes->written())
+        writer.put(*contentTypes);
+    for (const ZipPart& part : parts.all()) {
+        if (part.content.written())
+            writer.put(part.content);
+    }
+    writer.finish();
+}
+
+} // namespace opc::physical::zip

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "ArchiveStore.hpp"
+#include "ItemName.hpp"
+#include "ZipContent.hpp"
+
+#include <opc/interfaces/OpenMode.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+#include "shared/NamedList.hpp"
+
+#include <map>
+#include <optional>
+
+namespace opc::physical::zip {
+
+/// A package while it is open: what its archive holds and what has changed since.
+class ZipSession {
+public:
+    ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, interfaces::OpenMode openMode);
+
+    /// Writes the changes, if there are any. After a failure everything is as it was.
+    void save();
+
+    ZipPart& create(const std::u16string& name, interfaces::CompressionType compression);
+    void remove(const std::u16string& name);
+    void requireWritable(const std::u16string& name) const;
+
+    std::list<ZipPart>& allParts() { return parts.all(); }
+    ZipContent& contentTypesStream() { return *contentTypes; }
+    const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
+
+private:
+    struct FoundPiece {
+        ItemIndex item;
+        bool last;
+    };
+    /// The pieces of one content by their numbers.
+    struct Pieces {
+        ItemName name;
+        std::map<std::uint32_t, FoundPiece> found;
+    };
+    /// By part name in lower case; the content types stream has the empty name.
+    using AllPieces = std::map<std::u16string, Pieces>;
+
+    void load();
+    void take(ItemIndex item, const ItemStatus& status, AllPieces& pieces);
+    void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
+    void takeWhole(const ItemName& name, std::vector<ItemIndex> items, std::string newItemName);
+    void joinPieces(AllPieces& pieces);
+    void ignore(ItemIndex item, const std::string& reason);
+    void checkLimits(const ItemStatus& status);
+    void write(ByteTarget& target);
+
+    ArchiveStore& store;
+    const ZipOptions& options;
+    const interfaces::OpenMode mode;
+    std::shared_ptr<ByteSource> source;
+    std::uint64_t totalSize = 0;
+    ZipContext context;
+    std::optional<ZipContent> contentTypes;
+    NamedList<ZipPart> parts;
+    std::vector<ItemIndex> removedItems;
+    std::vector<ZipPackage::IgnoredItem> ignored;
+};
+
+} // namespace opc::physical::zip

@@ -1,0 +1,136 @@
+#include "RawZip.hpp"
+
+#include <boost/crc.hpp>
+
+#include <stdexcept>
+
+namespace opc::test {
+
+namespace {
+
+void append(std::string& out, std::uint64_t value, int width) {
+    for (int i = 0; i < width; ++i)
+        out += static_cast<char>(value >> (8 * i));
+}
+
+/// The fields that a local header and an entry of the directory share.
+void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) {
+    append(out, item.flags, 2);
+    append(out, item.method, 2);
+    append(out, item.time, 4);
+    append(out, item.crc, 4);
+    append(out, item.data.size(), 4);
+    append(out, item.size, 4);
+    append(out, item.name.size(), 2);
+    append(out, extraSize, 2);
+}
+
+std::uint32_t number(const Bytes& bytes, std::size_t offset, int width) {
+    std::uint32_t value = 0;
+    for (int i = width - 1; i >= 0; --i)
+        value = value << 8 | bytes.at(offset + static_cast<std::size_t>(i));
+    return value;
+}
+
+std::string text(const Bytes& bytes, std::size_t offset, std::size_t count) {
+    std::string result;
+    for (std::size_t i = 0; i < count; ++i)
+        result += static_cast<char>(bytes.at(offset + i));
+    return result;
+}
+
+RawItem readItem(const Bytes& archive, std::size_t entry) {
+    RawItem item;
+    item.flags = static_cast<std::uint16_t>(number(archive, entry + 8, 2));
+    item.method = static_cast<std::uint16_t>(number(archive, entry + 10, 2));
+    item.time = number(archive, entry + 12, 4);
+    item.crc = number(archive, entry + 16, 4);
+    item.size = number(archive, entry + 24, 4);
+    item.attributes = number(archive, entry + 38, 4);
+    const std::uint32_t nameSize = number(archive, entry + 28, 2);
+    item.name = text(archive, entry + 46, nameSize);
+    item.extra = text(archive, entry + 46 + nameSize, number(archive, entry + 30, 2));
+    const std::size_t local = number(archive, entry + 42, 4);
+    const std::size_t data = local + 30 + number(archive, local + 26, 2) + number(archive, local + 28, 2);
+    item.data = text(archive, data, number(archive, entry + 20, 4));
+    return item;
+}
+
+} // namespace
+
+RawItem stored(const std::string& name, const std::string& content) {
+    RawItem item;
+    item.name = name;
+    item.data = content;
+    item.size = static_cast<std::uint32_t>(content.size());
+    boost::crc_32_type crc;
+    crc.process_bytes(content.data(), content.size());
+    item.crc = crc.checksum();
+    return item;
+}
+
+RawItem oddlyDeflated(const std::string& name, const std::string& content) {
+    RawItem item = stored(name, content);
+    item.method = 8;
+    item.data.clear();
+    item.data += '\1'; // the last block, not compressed
+    append(item.data, content.size(), 2);
+    append(item.data, ~content.size(), 2);
+    item.data += content;
+    return item;
+}
+
+Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment) {
+    std::string archive;
+    std::string directory;
+    for (const RawItem& item : items) {
+        append(directory, 0x02014b50, 4);
+        append(directory, 0x0314, 2); // made by version 2.0 on Unix
+        append(directory, 20, 2);
+        appendCommon(directory, item, item.extra.size());
+        append(directory, 0, 6); // comment, disk, internal attributes
+        append(directory, item.attributes, 4);
+        append(directory, archive.size(), 4);
+        directory += item.name + item.extra;
+
+        append(archive, 0x04034b50, 4);
+        append(archive, 20, 2);
+        appendCommon(archive, item, 0);
+        archive += item.name + item.data;
+    }
+    const std::size_t start = archive.size();
+    archive += directory;
+    append(archive, 0x06054b50, 4);
+    append(archive, 0, 4);
+    append(archive, items.size(), 2);
+    append(archive, items.size(), 2);
+    append(archive, directory.size(), 4);
+    append(archive, start, 4);
+    append(archive, comment.size(), 2);
+    archive += comment;
+    return {archive.begin(), archive.end()};
+}
+
+std::vector<RawItem> readZip(const Bytes& archive) {
+    std::size_t end = archive.size() - 22;
+    while (number(archive, end, 4) != 0x06054b50)
+        --end;
+    std::vector<RawItem> items;
+    std::size_t entry = number(archive, end + 16, 4);
+    for (std::uint32_t count = number(archive, end + 10, 2); count > 0; --count) {
+        items.push_back(readItem(archive, entry));
+        entry += 46 + number(archive, entry + 28, 2) + number(archive, entry + 30, 2) +
+                 number(archive, entry + 32, 2);
+    }
+    return items;
+}
+
+const RawItem& itemOf(const std::vector<RawItem>& items, const std::string& name) {
+    for (const RawItem& item : items) {
+        if (item.name == name)
+            return item;
+    }
+    throw std::out_of_range(name);
+}
+
+} // namespace opc::test

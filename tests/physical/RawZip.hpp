@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// ZIP archives byte by byte: to make what no library would write, and to look at what ours has written.
+namespace opc::test {
+
+using Bytes = std::vector<unsigned char>;
+
+struct RawItem {
+    std::string name;
+    std::string data;                  ///< as it stands in the archive, compressed or not
+    std::uint16_t method = 0;          ///< 0 Store, 8 Deflate
+    std::uint16_t flags = 0;           ///< 1 encrypted, 8 data descriptor, 0x800 name in UTF-8
+    std::uint32_t size = 0;            ///< uncompressed
+    std::uint32_t crc = 0;             ///< of the uncompressed content
+    std::uint32_t attributes = 0;      ///< external
+    std::uint32_t time = 0x5A21'6000U; ///< date and time as DOS has them
+    std::string extra;                 ///< extra fields of the directory
+};
+
+RawItem stored(const std::string& name, const std::string& content);
+
+/// Deflate without compression, as no compressor writes it for text: it shows whether an item was copied or
+/// compressed anew.
+RawItem oddlyDeflated(const std::string& name, const std::string& content);
+
+Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment = {});
+
+/// The items of an archive in the order of its directory. Asserts nothing: the archive must be sound.
+std::vector<RawItem> readZip(const Bytes& archive);
+
+const RawItem& itemOf(const std::vector<RawItem>& items, const std::string& name);
+
+} // namespace opc::test

@@ -1,0 +1,140 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+#include <cerrno>
+
+namespace {
+
+using namespace opc::test;
+using opc::physical::ZipOptions;
+using opc::physical::ZipPackage;
+
+const std::string PROSE(3000, 'x');
+
+void readAll(const Bytes& archive, const ZipOptions& options = {}) {
+    ZipPackage package(archive, options);
+    package.open(OpenMode::ReadOnly);
+    for (auto* part : package.getParts())
+        content(*part);
+}
+
+RawItem with(RawItem item, void (*change)(RawItem&)) {
+    change(item);
+    return item;
+}
+
+TEST(ZipDamage, isReportedWithItsPlace) {
+    struct Case {
+        const char* defect;
+        RawItem item;
+        int code;
+        const char* message;
+    };
+    const RawItem plain = stored("a/b.xml", PROSE);
+    const RawItem odd = oddlyDeflated("a/b.xml", PROSE);
+    const Case cases[] = {
+        {"encrypted", with(plain, [](RawItem& i) { i.flags = 1; }), ENOTSUP, "a/b.xml: is encrypted"},
+        {"compressed with bzip2", with(plain, [](RawItem& i) { i.method = 12; }), ENOTSUP,
+         "a/b.xml: has compression method 12"},
+        {"wrong checksum, stored", with(plain, [](RawItem& i) { ++i.crc; }), EBADMSG,
+         "a/b.xml: can't read: CRC error"},
+        {"wrong checksum, deflated", with(odd, [](RawItem& i) { ++i.crc; }), EBADMSG,
+         "a/b.xml: can't read: CRC error"},
+        {"bad deflate data", with(odd, [](RawItem& i) { i.data[1] = '\7'; }), EBADMSG, "a/b.xml: can't read"},
+        {"longer than said, deflated", with(odd, [](RawItem& i) { i.size = 2000; }), EBADMSG,
+         "a/b.xml: can't read: longer than the directory says"},
+        {"shorter than said, deflated", with(odd, [](RawItem& i) { i.size = 3001; }), EBADMSG,
+         "a/b.xml: can't read"},
+        {"longer than said, stored", with(plain, [](RawItem& i) { i.size = 2999; }), EBADMSG,
+         "a/b.xml: can't read"},
+        {"shorter than said, stored", with(plain, [](RawItem& i) { i.size = 3001; }), EBADMSG,
+         "a/b.xml: can't read"},
+        {"said to be empty", with(odd, [](RawItem& i) { i.size = 0; }), EBADMSG,
+         "a/b.xml: can't read: longer than the directory says"},
+        {"deflate data cut off", with(odd, [](RawItem& i) { i.data.resize(1000); }), EBADMSG,
+         "a/b.xml: can't read"},
+    };
+    for (const Case& c : cases)
+        EXPECT_TRUE(fails(c.code, std::string("archive in memory: ") + c.message, [&] {
+            readAll(makeZip({stored("z", "sound"), c.item}));
+        })) << c.defect;
+}
+
+TEST(ZipDamage, isFoundByReadersOfSmallPieces) {
+    RawItem item = oddlyDeflated("a", PROSE);
+    item.data[100] = 'y';
+    ZipPackage package(makeZip({item}));
+    package.open(OpenMode::ReadOnly);
+    auto* stream = package.getParts()[0]->getInputStream();
+    unsigned char byte = 0;
+    const auto readToEnd = [&] {
+        while (!stream->isDone())
+            stream->read(&byte, 1);
+    };
+    EXPECT_TRUE(fails(EBADMSG, "CRC error", readToEnd));
+    EXPECT_TRUE(fails(EBADMSG, "behind a damaged place", readToEnd)) << "and it never counts as read";
+    stream->close();
+    stream->open();
+    EXPECT_EQ(stream->read(&byte, 1), 1U);
+}
+
+TEST(ZipDamage, isFoundWhereverAnArchiveIsCutOff) {
+    const Bytes archive = makeZip(
+        {stored("[Content_Types].xml", "types"), oddlyDeflated("b", "some text"), stored("c/d.xml", "more")});
+    for (std::size_t size = 1; size < archive.size(); ++size) {
+        EXPECT_TRUE(fails(EBADMSG, "archive in memory: can't read the directory of the archive: ", [&] {
+            readAll(Bytes(archive.begin(), archive.begin() + static_cast<long>(size)));
+        })) << size;
+    }
+    EXPECT_TRUE(fails(EBADMSG, "archive", [&] { readAll(Bytes(5000, 'P')); }));
+}
+
+TEST(ZipDamage, ofAnyByteEndsInAnExceptionOrInTheRightContent) {
+    const Bytes sound = makeZip({oddlyDeflated("b", "some text"), stored("c", "more text")});
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        for (const int change : {0x01, 0x80, 0xFF}) {
+            Bytes archive = sound;
+            archive[i] = static_cast<unsigned char>(archive[i] ^ change);
+            ZipPackage package(archive);
+            try {
+                package.open(OpenMode::ReadOnly);
+                for (auto* part : package.getParts()) {
+                    const std::string text = content(*part);
+                    EXPECT_TRUE(text == "some text" || text == "more text") << i << ": " << text;
+                }
+            } catch (const opc::Exception&) {
+                // As it should be for most.
+            }
+        }
+    }
+}
+
+TEST(ZipDamage, isRefusedAboveTheLimits) {
+    struct Case {
+        void (*lower)(ZipOptions&);
+        const char* message;
+    };
+    RawItem bomb = stored("a", "x");
+    bomb.method = 8;
+    bomb.size = 5000;
+    const Case cases[] = {
+        {[](ZipOptions& o) { o.maxItems = 1; }, "more than 1 items"},
+        {[](ZipOptions& o) { o.maxItemSize = 4999; }, "a: its size in bytes is above the limit of 4999"},
+        {[](ZipOptions& o) { o.maxTotalSize = 5000; },
+         "b: the size in bytes of all items together is above the limit of 5000"},
+        {[](ZipOptions& o) {
+             o.ratioFloor = 4999;
+             o.maxRatio = 2500;
+         },
+         "a: the ratio of its size to its compressed size is above the limit of 2500"},
+    };
+    for (const Case& c : cases) {
+        ZipOptions options;
+        c.lower(options);
+        EXPECT_TRUE(fails(EFBIG, c.message, [&] { readAll(makeZip({bomb, stored("b", "y")}), options); }));
+    }
+}
+
+} // namespace

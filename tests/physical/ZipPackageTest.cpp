@@ -1,0 +1,230 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "TemporaryFolder.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+#include <cerrno>
+
+namespace {
+
+using namespace opc::test;
+using opc::interfaces::CompressionType;
+using opc::physical::ZipOptions;
+using opc::physical::ZipPackage;
+
+const std::string PROSE(3000, 'x');
+
+Bytes sample() {
+    return makeZip(
+        {stored("[Content_Types].xml", "types"), oddlyDeflated("b.xml", PROSE), stored("a.xml", "alpha")});
+}
+
+TEST(ZipPackage, writesWhatItAndOthersRead) {
+    const TemporaryFolder folder;
+    const auto path = folder / "new.zip";
+    ZipPackage package(path);
+    EXPECT_TRUE(fails(ENOENT, path.string(), [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_TRUE(fails(ENOENT, path.string(), [&] { package.open(OpenMode::ReadWrite); }));
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/Text.xml", PROSE);
+    create(package, u"/z/stored.bin", PROSE, PartInfo(CompressionType::None));
+    create(package, u"/empty", "");
+    package.createPart(u"/never-written", u"", PartInfo(CompressionType::Maximum));
+    create(package, u"/gone", "gone");
+    package.deletePart(u"/GONE");
+    putContentTypes(package, "types");
+    EXPECT_EQ(folder.count(), 0U);
+    package.close(false);
+    EXPECT_TRUE(othersAccept(path));
+    EXPECT_EQ(folder.count(), 1U);
+
+    const auto items = readZip(readFile(path));
+    ASSERT_EQ(items.size(), 5U);
+    EXPECT_EQ(items[0].name, "[Content_Types].xml");
+    EXPECT_LT(itemOf(items, "Text.xml").data.size(), 100U);
+    EXPECT_EQ(itemOf(items, "z/stored.bin").data, PROSE);
+
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(names(package), u"/Text.xml /z/stored.bin /empty /never-written ");
+    EXPECT_EQ(content(*find(package, u"/Text.xml")), PROSE);
+    EXPECT_EQ(content(*find(package, u"/never-written")), "");
+    EXPECT_EQ(rest(*package.getContentTypeInputStream()), "types");
+}
+
+TEST(ZipPackage, copiesWhatHasNotChangedAsItIsCompressed) {
+    RawItem damaged = oddlyDeflated("damaged.xml", PROSE);
+    damaged.data[10] = 'y';
+    RawItem attributed = stored("[trash]/0", "trash");
+    attributed.attributes = 0x81A4'0020U;
+    attributed.extra = std::string("\x99\x99\x02\0ab", 6);
+    const std::vector<RawItem> before = {oddlyDeflated("odd.xml", PROSE),
+                                         damaged,
+                                         attributed,
+                                         stored("folder/", ""),
+                                         stored("old.xml", "old"),
+                                         oddlyDeflated("[CONTENT_TYPES].xml", "types")};
+    ZipPackage package(makeZip(before, "a comment"));
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/new.xml", "new");
+    put(*find(package, u"/old.xml")->getOutputStream(), "changed");
+    putContentTypes(package, "new types");
+    package.close(false);
+
+    const auto after = readZip(package.bytes());
+    ASSERT_EQ(after.size(), before.size() + 1);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(after[i].name, before[i].name);
+        EXPECT_EQ(after[i].data, before[i].data) << before[i].name;
+        EXPECT_EQ(after[i].method, before[i].method) << before[i].name;
+        EXPECT_EQ(after[i].crc, before[i].crc) << before[i].name;
+        EXPECT_EQ(after[i].time, before[i].time) << before[i].name;
+        EXPECT_EQ(after[i].attributes, before[i].attributes) << before[i].name;
+        EXPECT_EQ(after[i].extra, before[i].extra) << before[i].name;
+    }
+    EXPECT_EQ(after[4].name, "old.xml");
+    EXPECT_EQ(after[4].method, 0U) << "an item that was stored stays stored";
+    EXPECT_EQ(after[5].name, "[CONTENT_TYPES].xml");
+    const std::string tail(package.bytes().end() - 9, package.bytes().end());
+    EXPECT_EQ(tail, "a comment");
+}
+
+TEST(ZipPackage, leavesTheArchiveAsItWasUnlessItIsSaved) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    for (const OpenMode mode : {OpenMode::ReadWrite, OpenMode::CreateOnly}) {
+        writeFile(path, sample());
+        {
+            ZipPackage package(path);
+            package.open(mode);
+            create(package, u"/a.xml", "changed");
+            package.deletePart(u"/a.xml");
+            putContentTypes(package, "changed");
+            package.close(true);
+            EXPECT_EQ(readFile(path), sample());
+            package.open(mode);
+            create(package, u"/a.xml", "changed");
+        }
+        EXPECT_EQ(readFile(path), sample());
+        EXPECT_EQ(folder.count(), 1U);
+    }
+    const auto written = std::filesystem::last_write_time(path);
+    ZipPackage package(path);
+    for (const OpenMode mode : {OpenMode::ReadOnly, OpenMode::ReadWrite}) {
+        package.open(mode);
+        EXPECT_EQ(content(*find(package, u"/b.xml")), PROSE);
+        package.close(false);
+        EXPECT_EQ(std::filesystem::last_write_time(path), written) << "nothing has changed";
+    }
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/only", "x");
+    package.close(false);
+    EXPECT_EQ(readZip(readFile(path)).size(), 1U);
+}
+
+TEST(ZipPackage, canLoseAllItsItems) {
+    ZipPackage package(makeZip({stored("a", "alpha")}));
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(u"/a");
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(package.getParts().empty());
+    create(package, u"/b", "beta");
+    package.close(false);
+    package.open(OpenMode::CreateOnly);
+    package.close(false);
+    EXPECT_EQ(package.bytes().size(), 22U);
+}
+
+TEST(ZipPackage, readsOldContentInOldStreamsAndNewInNew) {
+    ZipPackage package(sample());
+    package.open(OpenMode::ReadWrite);
+    auto* part = find(package, u"/b.xml");
+    auto* early = part->getInputStream();
+    unsigned char first = 0;
+    early->read(&first, 1);
+    auto* stale = part->getOutputStream();
+    put(*stale, "lost");
+    EXPECT_EQ(create(package, u"/B.xml", "new "), part);
+    EXPECT_TRUE(fails(EBADF, "b.xml", [&] { put(*stale, "x"); }));
+    auto* output = part->getOutputStream();
+    put(*output, "new ");
+    auto* late = part->getInputStream();
+    EXPECT_EQ(rest(*late), "new ");
+    put(*output, "and more");
+    EXPECT_FALSE(late->isDone());
+    EXPECT_EQ(rest(*late), "and more");
+    EXPECT_EQ(rest(*early), PROSE.substr(1));
+    early->close();
+    early->open();
+    EXPECT_EQ(rest(*early), "new and more");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(names(package), u"/b.xml /a.xml ");
+    EXPECT_EQ(content(*find(package, u"/b.xml")), "new and more");
+}
+
+TEST(ZipPackage, refusesWhatTheStateForbids) {
+    ZipPackage package(makeZip({stored("a", "alpha")}));
+    EXPECT_TRUE(fails(EBADF, "not open", [&] { package.getParts(); }));
+    EXPECT_TRUE(fails(EBADF, "not open", [&] { package.close(false); }));
+    package.open(OpenMode::ReadOnly);
+    EXPECT_TRUE(fails(EBUSY, "already open", [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_TRUE(fails(EACCES, "a: ", [&] { find(package, u"/a")->getOutputStream(); }));
+    EXPECT_TRUE(fails(EACCES, "/b: ", [&] { package.createPart(u"/b", u"", PartInfo()); }));
+    EXPECT_TRUE(fails(EACCES, "/a: ", [&] { package.deletePart(u"/a"); }));
+    EXPECT_TRUE(fails(EACCES, "[Content_Types].xml: ", [&] { package.getContentTypeOutputStream(); }));
+    EXPECT_TRUE(
+        fails(ENOENT, "[Content_Types].xml: doesn't exist", [&] { package.getContentTypeInputStream(); }));
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(fails(ENOENT, "/b: no such part", [&] { package.deletePart(u"/b"); }));
+}
+
+TEST(ZipPackage, writesTheSameBytesWithoutTimes) {
+    ZipOptions options;
+    options.deterministic = true;
+    ZipPackage package(sample(), options);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/new.xml", PROSE);
+    create(package, u"/a.xml", PROSE);
+    package.close(false);
+    for (const char* name : {"new.xml", "a.xml"})
+        EXPECT_EQ(itemOf(readZip(package.bytes()), name).time, 0x0021'0000U) << name;
+}
+
+TEST(ZipPackage, spoolsManyGrowingPartsThroughOneFile) {
+    const TemporaryFolder folder;
+    ZipOptions options;
+    options.memoryForWrittenParts = 1500000;
+    options.temporaryFolder = folder / "";
+    ZipPackage package(Bytes{}, options);
+    package.open(OpenMode::CreateOnly);
+    std::vector<opc::interfaces::IPhysicalOutputStream*> streams;
+    std::vector<std::string> texts(5);
+    for (char c = 'a'; c < 'f'; ++c)
+        streams.push_back(
+            package.createPart({u'/', static_cast<char16_t>(c)}, u"", PartInfo())->getOutputStream());
+    for (std::size_t round = 0; round < 400; ++round) {
+        for (std::size_t i = 0; i < streams.size(); ++i) {
+            const std::string piece((round * 37 + i * 101) % 16000,
+                                    static_cast<char>('a' + (round + i) % 26));
+            put(*streams[i], piece);
+            texts[i] += piece;
+        }
+    }
+    package.deletePart(u"/a"); // its room in the file is used again
+    create(package, u"/a", std::string(3000000, 'z'));
+    EXPECT_EQ(folder.count(), 0U);
+    const auto check = [&] {
+        EXPECT_EQ(content(*find(package, u"/a")), std::string(3000000, 'z'));
+        for (std::size_t i = 1; i < 5; ++i)
+            EXPECT_TRUE(content(*find(package, {u'/', static_cast<char16_t>(u'a' + i)})) == texts[i]) << i;
+    };
+    check();
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    check();
+}
+
+} // namespace

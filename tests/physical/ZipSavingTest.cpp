@@ -1,0 +1,215 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "TemporaryFolder.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <random>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using namespace opc::test;
+using opc::interfaces::CompressionType;
+using opc::physical::ZipOptions;
+using opc::physical::ZipPackage;
+
+/// No file can grow beyond `size` meanwhile, as if the disk were full.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t size) : oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        const rlimit now{size, old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &now);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, oldHandler);
+    }
+
+private:
+    rlimit old{};
+    void (*oldHandler)(int);
+};
+
+std::string noise(std::size_t size) {
+    std::mt19937 random(7);
+    std::string text(size, '\0');
+    for (char& c : text)
+        c = static_cast<char>(random());
+    return text;
+}
+
+mode_t modeOf(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777U;
+}
+
+TEST(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    const Bytes old = makeZip({stored("a", noise(400000))});
+    writeFile(path, old);
+    ZipPackage package(path);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/b", noise(500000));
+    for (const rlim_t size : {0U, 1U, 5000U, 300000U, 401000U, 900000U}) {
+        const FullDisk disk(size);
+        EXPECT_TRUE(fails(EFBIG, path.string() + ": can't save: ", [&] { package.close(false); })) << size;
+        EXPECT_EQ(readFile(path), old);
+        EXPECT_EQ(folder.count(), 1U);
+        EXPECT_EQ(content(*find(package, u"/a")), noise(400000)) << "still open";
+    }
+    package.close(false);
+    EXPECT_TRUE(othersAccept(path));
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(content(*find(package, u"/b")), noise(500000));
+}
+
+TEST(ZipSaving, refusesAPartWhoseWritingHasFailed) {
+    const TemporaryFolder folder;
+    ZipOptions options;
+    options.temporaryFolder = folder / "";
+    ZipPackage package(Bytes{}, options);
+    package.open(OpenMode::CreateOnly);
+    {
+        const FullDisk disk(3000000);
+        EXPECT_TRUE(fails(EFBIG, "can't write to the temporary file",
+                          [&] { create(package, u"/a", std::string(5000000, 'a')); }));
+        EXPECT_TRUE(fails(EIO, "a: writing it has failed", [&] { package.close(false); }));
+    }
+    create(package, u"/a", std::string(5000000, 'a'));
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(content(*find(package, u"/a")).size(), 5000000U);
+}
+
+TEST(ZipSaving, keepsPermissionsAndFollowsLinks) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    const auto link = folder / "link.zip";
+    fs::create_symlink("a.zip", link);
+    const auto save = [&](OpenMode mode) {
+        ZipPackage package(link);
+        package.open(mode);
+        create(package, u"/a", "alpha");
+        package.close(false);
+    };
+    const mode_t mask = ::umask(027);
+    writeFile(path, makeZip({}));
+    for (const mode_t mode : {0600U, 0640U, 0777U}) {
+        ASSERT_EQ(::chmod(path.c_str(), mode), 0);
+        save(OpenMode::ReadWrite);
+        EXPECT_EQ(modeOf(path), mode);
+        EXPECT_TRUE(fs::is_symlink(link));
+    }
+    fs::remove(path);
+    fs::remove(link);
+    save(OpenMode::CreateOnly);
+    EXPECT_EQ(modeOf(link), 0640U) << "a new file has what the process gives new files";
+    ::umask(mask);
+}
+
+TEST(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    const auto temporary = folder / ".a.zip.opcmodel-new";
+    writeFile(path, makeZip({stored("a", "alpha")}));
+    writeFile(temporary, Bytes(100, 'x'));
+    ZipPackage package(path);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/b", "beta");
+    const int other = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    EXPECT_TRUE(fails(EBUSY, "a.zip: is being saved by another process", [&] { package.close(false); }));
+    EXPECT_TRUE(fs::exists(temporary));
+    ::close(other);
+    package.close(false);
+    EXPECT_EQ(folder.count(), 1U);
+    EXPECT_EQ(readZip(readFile(path)).size(), 2U);
+}
+
+TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", makeZip({}));
+    fs::create_directory(folder / "folder");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    struct Case {
+        const char* name;
+        OpenMode mode;
+        int code;
+    };
+    const Case cases[] = {
+        {"absent", OpenMode::ReadOnly, ENOENT},     {"absent", OpenMode::ReadWrite, ENOENT},
+        {"absent/a", OpenMode::CreateOnly, ENOENT}, {"file/a", OpenMode::ReadOnly, ENOTDIR},
+        {"file/a", OpenMode::CreateOnly, ENOTDIR},  {"folder", OpenMode::ReadOnly, EISDIR},
+        {"folder", OpenMode::CreateOnly, EISDIR},   {"pipe", OpenMode::ReadOnly, EINVAL},
+        {"pipe", OpenMode::CreateOnly, EINVAL},
+    };
+    for (const Case& c : cases) {
+        ZipPackage package(folder / c.name);
+        EXPECT_TRUE(
+            fails(c.code, (folder / c.name).string() + ": can't open", [&] { package.open(c.mode); }));
+    }
+}
+
+TEST(ZipSaving, reportsAFolderInWhichNothingCanBeMade) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder / "gone");
+    ZipPackage package(folder / "gone/a.zip");
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/a", "alpha");
+    fs::remove(folder / "gone");
+    EXPECT_TRUE(fails(ENOENT, "a.zip: can't make a file in its folder", [&] { package.close(false); }));
+    fs::create_directory(folder / "gone");
+    package.close(false);
+    EXPECT_TRUE(othersAccept(folder / "gone/a.zip"));
+}
+
+/// The most memory that the process has had so far, in KiB.
+long peakMemory() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST(ZipSaving, takesNoMoreMemoryForALargePart) {
+    constexpr std::size_t STEPS = 64;
+    const TemporaryFolder folder;
+    const std::string block = noise(1U << 20);
+    const long before = peakMemory();
+    ZipPackage package(folder / "large.zip");
+    package.open(OpenMode::CreateOnly);
+    auto* part = package.createPart(u"/large", u"", PartInfo(CompressionType::SuperFast));
+    auto* output = part->getOutputStream();
+    for (std::size_t i = 0; i < STEPS; ++i)
+        put(*output, block);
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    auto* input = package.getParts()[0]->getInputStream();
+    std::string got(block.size(), '\0');
+    std::size_t total = 0;
+    while (!input->isDone())
+        total += input->read(reinterpret_cast<unsigned char*>(got.data()), got.size());
+    EXPECT_EQ(total, STEPS << 20);
+#ifdef __SANITIZE_ADDRESS__ // keeps freed memory for a while
+    constexpr long ALLOWED = 512L * 1024L;
+#else
+    constexpr long ALLOWED = 8L * 1024L;
+#endif
+    EXPECT_LT(peakMemory() - before, ALLOWED);
+}
+
+} // namespace
