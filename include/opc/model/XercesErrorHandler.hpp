@@ -1,0 +1,33 @@
+#pragma once
+
+#include <opc/model/Export.hpp>
+
+#include <xercesc/dom/DOMErrorHandler.hpp>
+
+namespace opc::model {
+
+/// Records the last error that a parser or a serialiser reports.
+///
+/// Attached for one operation, under `xercesc::XMLUni::fgDOMErrorHandler`, and detached before that ends; it
+/// must outlive the attachment. It serves one thread at a time.
+class OPC_MODEL_EXPORT XercesErrorHandler : public xercesc::DOMErrorHandler {
+public:
+    XercesErrorHandler() = default;
+    XercesErrorHandler(const XercesErrorHandler&) = delete;
+    XercesErrorHandler& operator=(const XercesErrorHandler&) = delete;
+    ~XercesErrorHandler() override;
+
+    /// Records an error, in place of an earlier one, and stops Xerces. A warning is passed over. Never
+    /// throws.
+    /// @return whether Xerces goes on
+    bool handleError(const xercesc::DOMError& error) override;
+
+    /// @throws InvalidXMLDocument  with the recorded message, if there is one
+    void throwIfError() const;
+
+private:
+    bool recorded = false; ///< apart from the message, which may be absent or fail to be copied
+    char16_t* errorMessage = nullptr;
+};
+
+} // namespace opc::model

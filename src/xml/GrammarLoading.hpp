@@ -1,0 +1,23 @@
+#pragma once
+
+#include "xml/EmbeddedSchemas.hpp"
+
+#include <initializer_list>
+
+#include <xercesc/util/XercesDefs.hpp>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMLSParser;
+XERCES_CPP_NAMESPACE_END
+
+namespace opc::model {
+
+/// Caches the grammars of `schemas`, in their order, in `parser` and makes it use them. For a parser just
+/// made, whose other parameters are set already.
+/// @throws InvalidXMLSchema  if a schema doesn't load
+void loadGrammars(xercesc::DOMLSParser* parser, std::initializer_list<const EmbeddedSchema*> schemas);
+
+/// The same for one schema that imports nothing, without a look at errors.
+void loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema);
+
+} // namespace opc::model

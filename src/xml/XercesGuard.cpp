@@ -1,0 +1,30 @@
+#include <opc/model/XercesGuard.hpp>
+
+#include <boost/thread/mutex.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace opc::model {
+
+namespace {
+
+/// Initialize and Terminate may not run at the same time. Never destroyed, so that a guard in a static object
+/// works at any time of the program's end.
+boost::mutex& platformMutex() {
+    static boost::mutex& mutex = *new boost::mutex;
+    return mutex;
+}
+
+} // namespace
+
+XercesGuard::XercesGuard() {
+    const boost::unique_lock<boost::mutex> lock(platformMutex());
+    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
+}
+
+XercesGuard::~XercesGuard() {
+    const boost::unique_lock<boost::mutex> lock(platformMutex());
+    xercesc::XMLPlatformUtils::Terminate();
+}
+
+} // namespace opc::model

@@ -1,0 +1,291 @@
+#include <opc/model/XercesHelper.hpp>
+
+#include "xml/DocumentLimits.hpp"
+#include "xml/ErrorHandlerAttachment.hpp"
+#include "xml/XercesFailures.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/XercesGuard.hpp>
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/Wrapper4InputSource.hpp>
+#include <xercesc/framework/XMLFormatter.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include <algorithm>
+#include <cstring>
+
+namespace opc::model {
+
+namespace {
+
+using xercesc::DOMConfiguration;
+using xercesc::DOMDocument;
+using xercesc::DOMLSParser;
+using xercesc::DOMLSSerializer;
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLUni;
+
+/// Lets Xerces read from a stream.
+class InputStreamBinInputStream final : public xercesc::BinInputStream {
+public:
+    explicit InputStreamBinInputStream(InputStream& source) : stream(source) {}
+
+    XMLFilePos curPos() const override { return position; }
+
+    XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override {
+        if (stream.isDone())
+            return 0;
+        // Xerces trusts the count: more than there is room for would make it read behind its buffer.
+        const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
+        position += count;
+        return static_cast<XMLSize_t>(count);
+    }
+
+    const XMLCh* getContentType() const override { return nullptr; }
+
+private:
+    InputStream& stream;
+    XMLFilePos position = 0;
+};
+
+/// Gives Xerces a stream to parse.
+class InputStreamXercesSource final : public xercesc::InputSource {
+public:
+    explicit InputStreamXercesSource(InputStream& source)
+        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source) {}
+
+    xercesc::BinInputStream* makeStream() const override { return new InputStreamBinInputStream(stream); }
+
+private:
+    InputStream& stream;
+};
+
+/// Takes what Xerces writes, which comes in many small pieces, and hands it on when the writing has
+/// succeeded.
+class OutputStreamTarget final : public xercesc::XMLFormatTarget {
+public:
+    explicit OutputStreamTarget(OutputStream& target) : stream(target) {}
+
+    void writeChars(const XMLByte* toWrite, XMLSize_t count, xercesc::XMLFormatter*) override {
+        bytes.insert(bytes.end(), toWrite, toWrite + count);
+    }
+
+    void flush() override { flushed = true; }
+
+    /// The rest is dropped once the stream says that it is done.
+    void handOn() {
+        constexpr std::size_t PIECE = 65536;
+        for (std::size_t begin = 0; begin < bytes.size() && !stream.isDone(); begin += PIECE)
+            stream.write(bytes.data() + begin, std::min(PIECE, bytes.size() - begin));
+        if (flushed)
+            stream.flush();
+    }
+
+private:
+    OutputStream& stream;
+    std::vector<unsigned char> bytes;
+    bool flushed = false;
+};
+
+/// Sets the place of a further schema on a parser for the life of this object.
+class SchemaLocation {
+public:
+    SchemaLocation(DOMConfiguration* target, const std::u16string& location,
+                   const std::u16string& namespaceURI)
+        : configuration(target) {
+        const bool inNamespace = !namespaceURI.empty();
+        const char16_t* const name = inNamespace ? XMLUni::fgXercesSchemaExternalSchemaLocation
+                                                 : XMLUni::fgXercesSchemaExternalNoNameSpaceSchemaLocation;
+        const std::u16string value = inNamespace ? namespaceURI + u' ' + location : location;
+        if (location.empty() || !configuration->canSetParameter(name, value.c_str()))
+            return;
+        configuration->setParameter(name, value.c_str());
+        parameter = name;
+    }
+    SchemaLocation(const SchemaLocation&) = delete;
+    SchemaLocation& operator=(const SchemaLocation&) = delete;
+    ~SchemaLocation() {
+        if (parameter)
+            configuration->setParameter(parameter, static_cast<const void*>(nullptr));
+    }
+
+private:
+    DOMConfiguration* configuration;
+    const char16_t* parameter = nullptr;
+};
+
+/// Attaches the limits to a parser for the life of this object.
+class LimitsAttachment {
+public:
+    LimitsAttachment(DOMLSParser* target, DocumentLimits& limits) : parser(target) {
+        parser->setFilter(&limits);
+    }
+    LimitsAttachment(const LimitsAttachment&) = delete;
+    LimitsAttachment& operator=(const LimitsAttachment&) = delete;
+    ~LimitsAttachment() { parser->setFilter(nullptr); }
+
+private:
+    DOMLSParser* parser;
+};
+
+xercesc::DOMImplementation* implementation() {
+    return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+}
+
+void setIfPossible(DOMConfiguration* configuration, const char16_t* name, bool value) {
+    if (configuration->canSetParameter(name, value))
+        configuration->setParameter(name, value);
+}
+
+/// @param loadSchemas  whether a schema may be opened that isn't among the cached grammars
+void configureParser(DOMConfiguration* configuration, bool validate, bool loadSchemas) {
+    if (validate) {
+        for (const char16_t* name : {XMLUni::fgDOMValidate, XMLUni::fgXercesSchema, XMLUni::fgDOMNamespaces,
+                                     XMLUni::fgDOMDatatypeNormalization})
+            setIfPossible(configuration, name, true);
+    }
+    setIfPossible(configuration, XMLUni::fgXercesUseCachedGrammarInParse, true);
+    configuration->setParameter(XMLUni::fgDOMDisallowDoctype, true);
+    setIfPossible(configuration, XMLUni::fgXercesLoadExternalDTD, false);
+    setIfPossible(configuration, XMLUni::fgXercesSkipDTDValidation, true);
+    // Otherwise a document's own xsi:schemaLocation opens files and connections.
+    setIfPossible(configuration, XMLUni::fgXercesLoadSchema, loadSchemas);
+}
+
+} // namespace
+
+std::unique_ptr<DOMDocument, XercesDeleter> XercesHelper::createDocument() {
+    const XercesGuard guard;
+    return std::unique_ptr<DOMDocument, XercesDeleter>(
+        implementation()->createDocument(XMLPlatformUtils::fgMemoryManager));
+}
+
+std::unique_ptr<DOMLSParser, XercesDeleter> XercesHelper::createParser() {
+    const XercesGuard guard;
+    return std::unique_ptr<DOMLSParser, XercesDeleter>(implementation()->createLSParser(
+        xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr, XMLPlatformUtils::fgMemoryManager, nullptr));
+}
+
+std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createWriter() {
+    const XercesGuard guard;
+    return std::unique_ptr<DOMLSSerializer, XercesDeleter>(
+        implementation()->createLSSerializer(XMLPlatformUtils::fgMemoryManager));
+}
+
+std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createPrettyPrintingWriter() {
+    auto writer = createWriter();
+    writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
+    writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTXercesPrettyPrint, false);
+    return writer;
+}
+
+DOMDocument* XercesHelper::readDocumentFromStream(DOMLSParser* parser, InputStream& stream, bool validate,
+                                                  const std::u16string& schemaLocation,
+                                                  const std::u16string& schemaNamespace) {
+    return readDocumentHelper(parser, stream, validate, schemaLocation, schemaNamespace,
+                              XercesEncoding::UTF8);
+}
+
+DOMDocument* XercesHelper::readDocumentFromString(DOMLSParser* parser, const std::u16string& text,
+                                                  bool validate, const std::u16string& schemaLocation,
+                                                  const std::u16string& schemaNamespace) {
+    std::vector<unsigned char> bytes(text.size() * sizeof(char16_t));
+    std::memcpy(bytes.data(), text.data(), bytes.size());
+    ByteArrayInAdaptor stream(bytes);
+    return readDocumentHelper(parser, stream, validate, schemaLocation, schemaNamespace,
+                              XercesEncoding::UTF16);
+}
+
+DOMDocument* XercesHelper::readDocumentHelper(DOMLSParser* parser, InputStream& stream, bool validate,
+                                              const std::u16string& schemaLocation,
+                                              const std::u16string& schemaNamespace,
+                                              const XercesEncoding& encoding) {
+    const XercesGuard guard;
+    XercesErrorHandler handler;
+    DocumentLimits limits;
+    DOMDocument* document = nullptr;
+    try {
+        document = translateXercesFailures([&] {
+            xercesc::Wrapper4InputSource source(new InputStreamXercesSource(stream));
+            if (encoding == XercesEncoding::UTF16)
+                source.setEncoding(XMLUni::fgUTF16EncodingString);
+            DOMConfiguration* const configuration = parser->getDomConfig();
+            configureParser(configuration, validate, !schemaLocation.empty());
+            const ErrorHandlerAttachment handlerAttachment(configuration, handler);
+            const LimitsAttachment limitsAttachment(parser, limits);
+            const SchemaLocation location(configuration, schemaLocation, schemaNamespace);
+            return parser->parse(&source);
+        });
+    } catch (const InvalidXMLDocument&) {
+        limits.throwIfExceeded(); // Xerces says no more than that parsing was aborted
+        throw;
+    }
+    handler.throwIfError();
+    throwIfUnsupportedEncoding(document);
+    throwIfDTDIsPresent(document);
+    return document;
+}
+
+void XercesHelper::writeDocumentToStream(DOMLSSerializer* serializer, const DOMDocument* document,
+                                         OutputStream& stream) {
+    writeDocumentHelper(serializer, document, stream, XercesEncoding::UTF8, XmlDeclaration::Include);
+}
+
+void XercesHelper::writeDocumentToString(DOMLSSerializer* serializer, const DOMDocument* document,
+                                         std::u16string& result, const XmlDeclaration& declaration) {
+    std::vector<unsigned char> bytes;
+    ByteArrayOutAdaptor stream(bytes);
+    writeDocumentHelper(serializer, document, stream, XercesEncoding::UTF16, declaration);
+    result.resize(bytes.size() / sizeof(char16_t));
+    std::memcpy(result.data(), bytes.data(), result.size() * sizeof(char16_t));
+}
+
+void XercesHelper::writeDocumentHelper(DOMLSSerializer* serializer, const DOMDocument* document,
+                                       OutputStream& stream, const XercesEncoding& encoding,
+                                       const XmlDeclaration& declaration) {
+    const XercesGuard guard;
+    throwIfDTDIsPresent(document);
+    OutputStreamTarget target(stream);
+    XercesErrorHandler handler;
+    try {
+        translateXercesFailures([&] {
+            const ErrorHandlerAttachment attachment(serializer->getDomConfig(), handler);
+            if (declaration == XmlDeclaration::Omit)
+                serializer->getDomConfig()->setParameter(XMLUni::fgDOMXMLDeclaration, false);
+            const std::unique_ptr<xercesc::DOMLSOutput, XercesDeleter> output(
+                implementation()->createLSOutput(XMLPlatformUtils::fgMemoryManager));
+            output->setByteStream(&target);
+            if (encoding == XercesEncoding::UTF16)
+                output->setEncoding(XMLUni::fgUTF16EncodingString);
+            serializer->write(document, output.get());
+        });
+    } catch (const InvalidXMLDocument&) {
+        handler.throwIfError(); // what the handler was told is more exact than what was thrown behind it
+        throw;
+    }
+    handler.throwIfError();
+    target.handOn();
+}
+
+void XercesHelper::throwIfUnsupportedEncoding(const DOMDocument* document) {
+    const char16_t* const encoding = document->getXmlEncoding();
+    if (!encoding || !*encoding)
+        return;
+    for (const char16_t* allowed : {u"UTF-8", u"utf-8", u"UTF-16", u"utf-16"}) {
+        if (xercesc::XMLString::equals(encoding, allowed))
+            return;
+    }
+    throw InvalidXMLDocument("XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML declaration)");
+}
+
+void XercesHelper::throwIfDTDIsPresent(const DOMDocument* document) {
+    if (document->getDoctype())
+        throw InvalidXMLDocument("XML content can not contain a DTD");
+}
+
+} // namespace opc::model
