@@ -1,0 +1,171 @@
+#pragma once
+
+#include <opc/interfaces/OpenMode.hpp>
+#include <opc/model/ContentType.hpp>
+#include <opc/model/Enumerator.hpp>
+#include <opc/model/ExcludeMode.hpp>
+#include <opc/model/Export.hpp>
+#include <opc/model/Part.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/RelationshipSource.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace opc::interfaces {
+class IPhysicalPackage;
+class IPhysicalPart;
+class IPhysicalPartInfo;
+} // namespace opc::interfaces
+
+namespace opc::model {
+
+class ContentTypeSource;
+class DataManager;
+class RelationshipSerializer;
+
+/// A package in the Open Packaging Conventions: the root of the object model.
+///
+/// Stands for what one physical package holds, which the application makes, keeps and hands in. Its parts are
+/// found here; its own relationships come with the base class, their source being the package root "/".
+/// Nothing is written before `close(false)`, and the destructor writes nothing. A closed package may be
+/// opened again.
+///
+/// A package, all handles on it and its data managers serve one thread at a time.
+class OPC_MODEL_EXPORT Package : public RelationshipSource {
+public:
+    /// Touches the physical package in no way.
+    /// @param physical  not owned; must outlive this object
+    explicit Package(interfaces::IPhysicalPackage& physical);
+    Package(const Package&) = delete;
+    Package& operator=(const Package&) = delete;
+
+    /// Closes the package and drops every change. Lets no exception out.
+    ~Package() override;
+
+    /// Opens the physical package and reads its content types, parts and relationships.
+    /// @throws PackageAlreadyOpen
+    /// @throws PackageNotFound      there is no such package
+    /// @throws PackageOpenFailed    the physical layer fails otherwise; `code()` tells the cause
+    /// @throws InvalidContentTypeStream, InvalidContentType, ContentTypeNotFound  bad or missing content
+    /// types [M1.2]
+    /// @throws InvalidPartName, InvalidURI    a name that breaks the rules [M1.1] to [M1.10]
+    /// @throws InvalidRelationshipContent     a bad relationships part
+    /// @throws InconsistentPackage            a relationships part without a source
+    /// @throws InvalidCorePropertiesRelationships  more than one core properties relationship [M4.1]
+    /// After a failure the package is closed and empty.
+    void open(interfaces::OpenMode mode);
+
+    /// Writes what has changed, unless the package was opened to read, and closes it; all handles become
+    /// invalid. Does nothing if the package isn't open.
+    /// @param abandon  true to drop every change instead
+    /// @throws PackagePermissionDenied  the physical layer is denied permission
+    /// @throws PackageCloseFailed       the physical layer fails otherwise; `code()` tells the cause
+    /// @throws InvalidContentTypeStream, InvalidPartContent  a document can't be written
+    /// After a failure the package is still open, with all its parts: mend the cause and close it again, or
+    /// abandon it.
+    void close(bool abandon);
+
+    /// Adds a part, empty at first.
+    /// @param name         not in use, not a relationships part, and neither above nor below another part
+    /// [M1.11]
+    /// @param contentType  what the part holds
+    /// @param partInfo     for the physical layer; `StandardPartInfo` in the ordinary case
+    /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
+    ///         PartIsDerivedFromExistingPartName, PartCreateFailed
+    Part createPart(const PartName& name, const ContentType& contentType,
+                    const interfaces::IPhysicalPartInfo& partInfo);
+
+    /// Deletes a part with its relationships. Relationships of others that lead to it stay.
+    /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly, PartNotFound
+    /// @throws PartDeleteFailed  the physical layer fails; the part stays, even if its relationships could be
+    /// deleted
+    void deletePart(const PartName& name);
+
+    /// @throws PackageNotOpen, PartNotFound
+    Part getPart(const PartName& name) const;
+
+    /// False for relationships parts: they are no parts of their own.
+    /// @throws PackageNotOpen
+    bool hasPart(const PartName& name) const;
+
+    /// All parts in the order of their names, without regard to letter case. Relationships parts are never
+    /// among them.
+    /// @throws PackageNotOpen
+    Enumerator<std::vector<Part>> getParts(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
+
+    /// Whether `name` lies above or below the name of a part [M1.11]. An equal name doesn't count.
+    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself
+    /// if it lies
+    ///                  above others, otherwise the part above it
+    bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
+
+    bool isOpen() const override;
+    bool isReadOnly() const override;
+
+    /// True also before the first `open`.
+    bool isCreateOnly() const override;
+
+protected:
+    void flush();
+
+private:
+    friend class DataManager;
+    friend class RelationshipSource;
+
+    using PartMap = std::map<PartName, Part>;
+
+    bool isValid() const override;
+    Package& getPackage() const override;
+    void doVerifyRelationship(const std::u16string& id, const std::u16string& type,
+                              const std::u16string& target) override;
+
+    void initializeParts();
+    ContentType findContentType(const PartName& name, interfaces::IPhysicalPart& physicalPart);
+    void flushPackage();
+    void flushParts();
+    void clearParts();
+    void forgetContent();
+
+    interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& contentType,
+                                                  const interfaces::IPhysicalPartInfo& partInfo);
+    void deletePartInternal(const PartName& name);
+
+    void populatePrefixes(const PartName& name);
+    void removePrefixes(const PartName& name);
+
+    void addDataManager(DataManager* manager);
+    void removeDataManager(DataManager* manager);
+    void forEachDataManager(const std::function<void(DataManager&)>& action);
+    std::unordered_set<std::u16string> getManagedPartNames() const;
+    std::unordered_set<std::u16string> getManagedRelationshipTypes() const;
+
+    ContentTypeSource& getContentTypeSource() const { return *contentTypeSource; }
+    RelationshipSerializer& getRelationshipSerializer() const { return *relationshipSerializer; }
+    interfaces::IPhysicalPackage& getPackageImpl() const { return physicalPackage; }
+
+    void throwIfRelationshipName(const PartName& name) const;
+    void throwIfPartAlreadyExists(const PartName& name) const;
+    void throwIfDerivedFromExistingPartName(const PartName& name) const;
+    void throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const;
+
+    interfaces::IPhysicalPackage& physicalPackage;
+    bool opened = false;
+    interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
+    PartMap parts;
+    // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
+    // parts each comes from.
+    std::unordered_map<std::u16string, std::uint64_t> prefixes;
+    std::unique_ptr<ContentTypeSource> contentTypeSource;
+    std::unique_ptr<RelationshipSerializer> relationshipSerializer;
+    std::list<DataManager*> dataManagers;
+};
+
+} // namespace opc::model

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <opc/model/Export.hpp>
+#include <opc/model/TargetMode.hpp>
+#include <opc/model/URI.hpp>
+
+#include <string>
+
+namespace opc::model {
+
+class RelationshipManager;
+
+/// One relationship of a package or a part, as it was when it was asked for (ECMA-376 Part 2, relationships).
+///
+/// A value without a link to its package: it stays readable when the relationship is deleted or the package
+/// closed. `getTargetURI` keeps what it has worked out, so one object must not be used by two threads at
+/// once; copies may.
+class OPC_MODEL_EXPORT Relationship {
+public:
+    /// Unique among the relationships of one source, letter case counting.
+    std::u16string getID() const { return id; }
+
+    /// A URI in text form that says what the relationship means.
+    std::u16string getType() const { return type; }
+
+    /// The URI of the source: a part name, or "/" for the package.
+    URI getSourceURI() const { return sourceURI; }
+
+    /// The target exactly as the relationships part holds it, in most cases relative to the source.
+    std::u16string getTarget() const { return target; }
+
+    TargetMode getTargetMode() const { return targetMode; }
+
+    /// The target as a URI. An internal one is resolved against the source, which gives a part name. An
+    /// external one is put in ASCII by percent-encoding, backslashes taken as slashes.
+    /// @throws InvalidURI          an external target can't be converted: `getTarget` still gives its text
+    /// @throws UnsupportedResolve  an internal target is opaque; can't come from a package that has been read
+    URI getTargetURI() const;
+
+    /// All that `getID` to `getTargetMode` give, and the target URI so far as it has been worked out: a
+    /// relationship is unlike its own copy once `getTargetURI` has resolved a relative target in one of the
+    /// two.
+    bool operator==(const Relationship& other) const;
+    bool operator!=(const Relationship& other) const { return !(*this == other); }
+
+    /// By ID alone, code unit by code unit: the order in which a source keeps and writes its relationships.
+    bool operator<(const Relationship& other) const { return id < other.id; }
+
+private:
+    friend class RelationshipManager;
+
+    Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
+                 const URI& source, const std::u16string& externalTarget);
+    Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
+                 const URI& source, const URI& internalTarget);
+
+    std::u16string id;
+    std::u16string type;
+    URI sourceURI;
+    mutable URI targetURI; // internal: as made, until resolved; external: empty, until converted
+    std::u16string target;
+    TargetMode targetMode;
+};
+
+} // namespace opc::model

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <opc/model/Enumerator.hpp>
+#include <opc/model/ExcludeMode.hpp>
+#include <opc/model/Export.hpp>
+#include <opc/model/Relationship.hpp>
+#include <opc/model/URI.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::interfaces {
+class IPhysicalPart;
+}
+
+namespace opc::model {
+
+class Package;
+
+/// Everything that has relationships: the base of `Package` and of `Part`.
+///
+/// The relationships part of a source comes with its first relationship and goes with the last; the package
+/// writes it when it is closed. Copies of a `Part` share one set of relationships. All handles of one package
+/// belong to one thread at a time.
+///
+/// Each operation below raises `InvalidObject` if the part has gone, and then `PackageNotOpen` if the package
+/// isn't open; what changes relationships then raises `PackageReadOnly` in a package opened to read.
+class OPC_MODEL_EXPORT RelationshipSource {
+public:
+    /// Adds a relationship to a part of this package; the part need not exist.
+    /// @param type    what the relationship means; not empty, and a URI
+    /// @param target  a part name, or a reference relative to this source; stored and written in relative
+    /// form
+    /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)
+    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], a relationships part
+    /// [M1.25],
+    ///                                    or this source
+    /// @throws UnsupportedRelativize      the target has the very path of this source
+    /// @throws InvalidRelationshipType, InvalidRelationshipID, RelationshipAlreadyExists
+    /// @throws InvalidCorePropertiesRelationships  a second core properties relationship of the package
+    /// [M4.1]
+    /// @throws PartCreateFailed  the physical layer can't make the relationships part
+    Relationship createInternalRelationship(const std::u16string& type, const URI& target,
+                                            const std::u16string& id = std::u16string());
+
+    /// Adds a relationship to something outside the package.
+    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is
+    /// @throws InvalidRelationshipTarget  the target is no IRI
+    /// Otherwise as `createInternalRelationship`.
+    Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
+                                            const std::u16string& id = std::u16string());
+
+    /// Also deletes the relationships part, if this was the last one.
+    /// @throws PackageCreateOnly     the package is being created
+    /// @throws RelationshipNotFound
+    /// @throws PartDeleteFailed      the relationships part can't be deleted; the relationship has gone all
+    /// the same
+    void deleteRelationship(const std::u16string& id);
+
+    /// @throws RelationshipNotFound
+    Relationship getRelationshipByID(const std::u16string& id) const;
+
+    bool hasRelationship(const std::u16string& id) const;
+
+    /// All relationships in the order of their IDs, code unit by code unit (rId10 stands before rId2).
+    Enumerator<std::vector<Relationship>> getRelationships(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
+
+    /// Those of one type, letter case counting, in the order of their IDs; managed ones included.
+    Enumerator<std::vector<Relationship>> getRelationshipsByType(const std::u16string& type) const;
+
+    /// Whether `id` is an `xsd:ID`, by the names of XML 1.0 (Fifth Edition) up to U+FFFF and without the
+    /// colon.
+    static bool isValidID(const std::u16string& id);
+
+    /// Whether `target` is an IRI once its backslashes are slashes. The empty text is one.
+    static bool isValidTarget(const std::u16string& target);
+
+protected:
+    explicit RelationshipSource(const URI& sourceURI);
+    RelationshipSource(const RelationshipSource&) = default;
+    RelationshipSource& operator=(const RelationshipSource&) = default;
+    virtual ~RelationshipSource();
+
+    virtual bool isValid() const = 0;
+    virtual bool isOpen() const = 0;
+    virtual bool isReadOnly() const = 0;
+    virtual bool isCreateOnly() const = 0;
+    virtual Package& getPackage() const = 0;
+
+    /// The last check of a relationship that is to be created. Raises to refuse it.
+    virtual void doVerifyRelationship(const std::u16string& id, const std::u16string& type,
+                                      const std::u16string& target);
+
+    /// Writes the relationships part, if there are relationships that it doesn't hold yet.
+    void flush();
+
+    /// Starts anew: no relationships, no relationships part, and generated IDs from rId1 on.
+    void reset();
+
+    /// @param part   the relationships part of this source, or null
+    /// @param isNew  if false, the relationships are read from the part
+    /// @throws InvalidRelationshipContent
+    void setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew);
+    interfaces::IPhysicalPart* getPhysicalRelationshipPart() const;
+
+    /// The relationships part has been deleted, but the relationships stay.
+    void forgetPhysicalRelationshipPart();
+
+    /// Makes a new relationships part if the one that these relationships had has been deleted.
+    void restoreRelationshipPart();
+
+    void throwIfInvalid() const;
+    void throwIfNotOpen() const;
+    void throwIfReadOnly() const;
+    void throwIfCreateOnly() const;
+
+private:
+    struct Impl;
+
+    void throwIfNotReadable() const;
+    void throwIfNotWritable() const;
+    std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
+                                      const std::u16string& target);
+    std::u16string generateID();
+    void createRelationshipPart();
+    void createRelationshipPartIfNeeded();
+
+    std::shared_ptr<Impl> impl;
+};
+
+} // namespace opc::model

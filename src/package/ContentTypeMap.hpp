@@ -1,0 +1,58 @@
+#pragma once
+
+#include <opc/model/ContentType.hpp>
+#include <opc/model/PartName.hpp>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace opc::model {
+
+/// The entries of a content types stream: `Default` by extension and `Override` by part name.
+///
+/// A `Default` counts the parts of the open package that rest on it: one without any isn't written. An
+/// extension is given in ASCII lower case and without its dot.
+class ContentTypeMap {
+public:
+    struct DefaultEntry {
+        ContentType contentType;
+        std::uint64_t references = 0;
+    };
+    using Defaults = std::map<std::u16string, DefaultEntry>;
+    using Overrides = std::map<PartName, ContentType>;
+
+    /// Whether there is anything that the stream doesn't hold yet. True at first.
+    bool isDirty() const noexcept { return dirty; }
+    void setDirty(bool value) noexcept { dirty = value; }
+    void clear();
+
+    /// An entry that is there already stays as it is.
+    void addDefault(const std::u16string& extension, const ContentType& contentType);
+    void addOverride(const PartName& name, const ContentType& contentType);
+
+    bool hasDefault(const std::u16string& extension) const { return defaults.count(extension) != 0; }
+    bool hasOverride(const PartName& name) const { return overrides.count(name) != 0; }
+
+    /// The entry must be there.
+    const ContentType& getDefault(const std::u16string& extension) const;
+    const ContentType& getOverride(const PartName& name) const { return overrides.at(name); }
+
+    /// Counts one more part that rests on the entry, which must be there.
+    void addReference(const std::u16string& extension);
+
+    /// Counts one part less; the entry, which must be there, goes with its last part.
+    void releaseDefault(const std::u16string& extension);
+
+    void removeOverride(const PartName& name);
+
+    const Defaults& getDefaults() const noexcept { return defaults; }
+    const Overrides& getOverrides() const noexcept { return overrides; }
+
+private:
+    bool dirty = true;
+    Defaults defaults;
+    Overrides overrides;
+};
+
+} // namespace opc::model

@@ -1,0 +1,100 @@
+#include "package/ContentTypeSource.hpp"
+
+#include "package/ContentTypeMap.hpp"
+#include "package/ContentTypeSerializer.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/PhysicalInputStream.hpp>
+#include <opc/model/PhysicalOutputStream.hpp>
+
+namespace opc::model {
+
+namespace {
+
+std::u16string extensionKey(const PartName& name) {
+    return toLowerASCIIString(name.getExtension());
+}
+
+[[noreturn]] void throwNotFound(const PartName& name) {
+    throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
+}
+
+} // namespace
+
+ContentTypeSource::ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly)
+    : physicalPackage(&package), hasStream(package.usesContentTypeStream()) {
+    if (!hasStream)
+        return;
+    contentTypes = std::make_unique<ContentTypeMap>();
+    serializer = std::make_unique<ContentTypeSerializer>();
+    if (!createOnly)
+        read();
+}
+
+ContentTypeSource::~ContentTypeSource() = default;
+
+void ContentTypeSource::read() {
+    try {
+        PhysicalInputStream stream(physicalPackage->getContentTypeInputStream());
+        serializer->read(*contentTypes, stream);
+    } catch (const InvalidPartContent& e) {
+        throw InvalidContentTypeStream(e.what());
+    }
+}
+
+void ContentTypeSource::addContentType(const PartName& name, const ContentType& contentType) {
+    if (!hasStream)
+        return;
+    const std::u16string extension = extensionKey(name);
+    if (extension.empty()) {
+        contentTypes->addOverride(name, contentType);
+    } else if (!contentTypes->hasDefault(extension)) {
+        contentTypes->addDefault(extension, contentType);
+        contentTypes->addReference(extension);
+    } else if (contentTypes->getDefault(extension).toString() == contentType.toString()) {
+        contentTypes->addReference(extension);
+    } else {
+        contentTypes->addOverride(name, contentType);
+    }
+}
+
+void ContentTypeSource::removeContentType(const PartName& name) {
+    if (!hasStream)
+        return;
+    if (contentTypes->hasOverride(name)) {
+        contentTypes->removeOverride(name);
+        return;
+    }
+    const std::u16string extension = extensionKey(name);
+    if (!contentTypes->hasDefault(extension))
+        throwNotFound(name);
+    contentTypes->releaseDefault(extension);
+}
+
+ContentType ContentTypeSource::getContentType(const PartName& name) {
+    if (!hasStream)
+        throw ContentTypeNotFound("No content type stream.");
+    if (contentTypes->hasOverride(name))
+        return contentTypes->getOverride(name);
+    const std::u16string extension = extensionKey(name);
+    if (!contentTypes->hasDefault(extension))
+        throwNotFound(name);
+    contentTypes->addReference(extension);
+    return contentTypes->getDefault(extension);
+}
+
+void ContentTypeSource::flush() {
+    if (!hasStream || !contentTypes->isDirty())
+        return;
+    try {
+        PhysicalOutputStream stream(physicalPackage->getContentTypeOutputStream());
+        serializer->write(*contentTypes, stream);
+        stream.close();
+    } catch (const InvalidPartContent& e) {
+        throw InvalidContentTypeStream(std::string("In content type stream: ") + e.what());
+    }
+}
+
+} // namespace opc::model

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <opc/model/ContentType.hpp>
+#include <opc/model/PartName.hpp>
+
+#include <memory>
+
+namespace opc::interfaces {
+class IPhysicalPackage;
+}
+
+namespace opc::model {
+
+class ContentTypeMap;
+class ContentTypeSerializer;
+
+/// The content types stream of an open package (ECMA-376 Part 2, mapping content types).
+///
+/// Reads the stream when it is made, keeps its entries in step with the parts, and writes it when it has
+/// changed. Does nothing if the physical package has no such stream. Lives from `Package::open` to
+/// `Package::close`.
+class ContentTypeSource {
+public:
+    /// @param package     not owned
+    /// @param createOnly  whether the package is new, so that there is nothing to read
+    /// @throws InvalidContentTypeStream, InvalidContentType, InvalidURI
+    ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly);
+    ContentTypeSource(const ContentTypeSource&) = delete;
+    ContentTypeSource& operator=(const ContentTypeSource&) = delete;
+    ~ContentTypeSource();
+
+    /// Enters a new part: the first part of an extension sets its `Default`, and one of another type gets an
+    /// `Override`.
+    void addContentType(const PartName& name, const ContentType& contentType);
+
+    /// Forgets a part that is entered.
+    /// @throws ContentTypeNotFound
+    void removeContentType(const PartName& name);
+
+    /// The content type of a part found in the package, whose `Default` counts it from now on. An `Override`
+    /// wins.
+    /// @throws ContentTypeNotFound
+    ContentType getContentType(const PartName& name);
+
+    /// Writes the stream if it has changed.
+    /// @throws InvalidContentTypeStream
+    void flush();
+
+private:
+    void read();
+
+    interfaces::IPhysicalPackage* physicalPackage;
+    bool hasStream;
+    std::unique_ptr<ContentTypeMap> contentTypes;
+    std::unique_ptr<ContentTypeSerializer> serializer;
+};
+
+} // namespace opc::model

@@ -1,0 +1,46 @@
+#include <opc/model/DataManager.hpp>
+
+#include <opc/model/Package.hpp>
+
+namespace opc::model {
+
+DataManager::DataManager(Package& managed, bool loadsOnOpen) : package(&managed), loadOnOpen(loadsOnOpen) {
+    package->addDataManager(this);
+}
+
+DataManager::~DataManager() {
+    package->removeDataManager(this);
+}
+
+void DataManager::open(bool createOnly) {
+    dirty = createOnly;
+    needsLoad = !createOnly;
+    if (loadOnOpen)
+        load();
+}
+
+void DataManager::load() {
+    if (!needsLoad)
+        return;
+    doLoad();
+    needsLoad = false;
+    dirty = false;
+}
+
+void DataManager::markAsDirty() noexcept {
+    needsLoad = false;
+    dirty = true;
+}
+
+void DataManager::flush() {
+    save();
+}
+
+void DataManager::save() {
+    if (!dirty)
+        return;
+    doSave();
+    dirty = false;
+}
+
+} // namespace opc::model

@@ -1,0 +1,36 @@
+#include <opc/model/PackageHelper.hpp>
+
+namespace opc::model {
+
+URI PackageHelper::getPackageRootURI() {
+    return URI(u"/");
+}
+
+URI PackageHelper::getCorePropertiesURI() {
+    return URI(u"/metadata/coreProperties.xml");
+}
+
+ContentType PackageHelper::getCorePropertiesContentType() {
+    return ContentType(u"application/vnd.openxmlformats-package.core-properties+xml");
+}
+
+std::u16string PackageHelper::getCorePropertiesRelationshipType() {
+    return u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+}
+
+ContentType PackageHelper::getRelationshipContentType() {
+    return ContentType(u"application/vnd.openxmlformats-package.relationships+xml");
+}
+
+std::u16string PackageHelper::getThumbnailRelationshipType() {
+    return u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail";
+}
+
+URI PackageHelper::getThumbnailURI(const std::u16string& extension) {
+    std::u16string name = u"/metadata/thumbnail";
+    if (!extension.empty() && extension.front() != URI::getDot())
+        name += URI::getDot();
+    return URI(name + extension);
+}
+
+} // namespace opc::model

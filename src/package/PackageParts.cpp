@@ -1,0 +1,143 @@
+#include <opc/model/Package.hpp>
+
+#include "package/ContentTypeSource.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/interfaces/IPhysicalPartInfo.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+
+/// @file
+/// The registry of parts: how parts are created, found and deleted.
+
+namespace opc::model {
+
+namespace {
+
+[[noreturn]] void throwPartNotFound(const PartName& name) {
+    throw PartNotFound("No part found with the name:" + toASCIIString(name.toString()));
+}
+
+} // namespace
+
+Part Package::createPart(const PartName& name, const ContentType& contentType,
+                         const interfaces::IPhysicalPartInfo& partInfo) {
+    throwIfNotOpen();
+    throwIfReadOnly();
+    throwIfRelationshipName(name);
+    throwIfPartAlreadyExists(name);
+    throwIfDerivedFromExistingPartName(name);
+
+    interfaces::IPhysicalPart* physicalPart = createPartInternal(name, contentType, partInfo);
+    Part part(this, physicalPart, name, contentType, openMode);
+    parts.emplace(name, part);
+    populatePrefixes(name);
+    return part;
+}
+
+interfaces::IPhysicalPart* Package::createPartInternal(const PartName& name, const ContentType& contentType,
+                                                       const interfaces::IPhysicalPartInfo& partInfo) {
+    interfaces::IPhysicalPart* physicalPart = nullptr;
+    try {
+        physicalPart = physicalPackage.createPart(name.toString(), contentType.toString(), partInfo);
+    } catch (const Exception& e) {
+        throw PartCreateFailed(e.what());
+    }
+    contentTypeSource->addContentType(name, contentType);
+    return physicalPart;
+}
+
+void Package::deletePart(const PartName& name) {
+    throwIfNotOpen();
+    throwIfReadOnly();
+    throwIfCreateOnly();
+
+    const auto entry = parts.find(name);
+    if (entry == parts.end())
+        throwPartNotFound(name);
+    Part part = entry->second;
+
+    std::string errors;
+    bool failed = false;
+    const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart) {
+        if (physicalPart == nullptr)
+            return false;
+        try {
+            // The physical layer's own spelling: the caller's may differ from it in letter case.
+            deletePartInternal(PartName(physicalPart->getName()));
+            return true;
+        } catch (const PartDeleteFailed& e) {
+            failed = true;
+            errors += (errors.empty() ? "" : "; ") + std::string(e.what());
+            return false;
+        }
+    };
+    // What has gone is forgotten at once: if the other deletion fails the part stays, and a second attempt
+    // begins there.
+    if (deletePhysical(part.getPhysicalPart()))
+        part.forgetPhysicalPart();
+    if (deletePhysical(part.getPhysicalRelationshipPart()))
+        part.forgetPhysicalRelationshipPart();
+    if (failed)
+        throw PartDeleteFailed(errors);
+
+    part.markAsInvalid();
+    parts.erase(entry);
+    removePrefixes(name);
+}
+
+void Package::deletePartInternal(const PartName& name) {
+    try {
+        physicalPackage.deletePart(name.toString());
+    } catch (const Exception& e) {
+        throw PartDeleteFailed(e.what());
+    }
+    contentTypeSource->removeContentType(name);
+}
+
+Part Package::getPart(const PartName& name) const {
+    throwIfNotOpen();
+    const auto entry = parts.find(name);
+    if (entry == parts.end())
+        throwPartNotFound(name);
+    return entry->second;
+}
+
+bool Package::hasPart(const PartName& name) const {
+    throwIfNotOpen();
+    return parts.count(name) != 0;
+}
+
+Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
+    throwIfNotOpen();
+    std::unordered_set<std::u16string> managed;
+    if (mode == ExcludeMode::ExcludeManaged)
+        managed = getManagedPartNames();
+
+    std::vector<Part> kept;
+    kept.reserve(parts.size());
+    for (const auto& [name, part] : parts) {
+        // One by one, since a hash knows nothing of letter case.
+        const auto isName = [&partName = name](const std::u16string& text) { return text == partName; };
+        if (std::none_of(managed.begin(), managed.end(), isName))
+            kept.push_back(part);
+    }
+    return Enumerator<std::vector<Part>>(std::move(kept));
+}
+
+void Package::throwIfRelationshipName(const PartName& name) const {
+    if (name.isRelationshipName())
+        throw PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
+                                      toASCIIString(name.toString()));
+}
+
+void Package::throwIfPartAlreadyExists(const PartName& name) const {
+    if (parts.count(name) != 0)
+        throw PartAlreadyExists("Cannot use a part name that already exists: " +
+                                toASCIIString(name.toString()));
+}
+
+} // namespace opc::model

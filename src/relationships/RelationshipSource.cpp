@@ -1,0 +1,233 @@
+#include <opc/model/RelationshipSource.hpp>
+
+#include "relationships/RelationshipID.hpp"
+#include "relationships/RelationshipManager.hpp"
+#include "relationships/RelationshipTarget.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+#include <opc/model/PhysicalInputStream.hpp>
+#include <opc/model/PhysicalOutputStream.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+#include <cstdint>
+
+namespace opc::model {
+
+struct RelationshipSource::Impl {
+    explicit Impl(const URI& source) : sourceURI(source), manager(source) {}
+
+    URI sourceURI;
+    interfaces::IPhysicalPart* physicalPart = nullptr;
+    RelationshipManager manager;
+    std::uint64_t nextIdNumber = 1;
+};
+
+RelationshipSource::RelationshipSource(const URI& sourceURI) : impl(std::make_shared<Impl>(sourceURI)) {
+}
+
+RelationshipSource::~RelationshipSource() = default;
+
+Relationship RelationshipSource::createInternalRelationship(const std::u16string& type, const URI& target,
+                                                            const std::u16string& id) {
+    throwIfNotWritable();
+    if (target.isAbsolute())
+        throw InvalidRelationshipTarget(
+            "Relationship target cannot be an absolute URI for an internal relationship");
+
+    const URI& sourceURI = impl->sourceURI;
+    const bool targetIsAbsolute = target.hasAbsolutePath();
+    const URI absoluteForm = targetIsAbsolute ? target : resolve(sourceURI, target);
+    const URI relativeForm = targetIsAbsolute ? relativize(sourceURI, target) : target;
+    try {
+        if (PartName(absoluteForm).isRelationshipName())
+            throw InvalidRelationshipTarget("Relationship target cannot be a relationship part name.");
+    } catch (const InvalidPartName& e) {
+        throw InvalidRelationshipTarget(e.what());
+    }
+    if (absoluteForm == sourceURI)
+        throw InvalidRelationshipTarget("Relationship target cannot be the same as the source.");
+
+    const std::u16string verifiedID = verifyRelationship(id, type, relativeForm.toString());
+    createRelationshipPartIfNeeded();
+    return impl->manager.addInternalRelationship(verifiedID, type, relativeForm);
+}
+
+Relationship RelationshipSource::createExternalRelationship(const std::u16string& type,
+                                                            const std::u16string& target,
+                                                            const std::u16string& id) {
+    throwIfNotWritable();
+    if (!isValidTarget(target))
+        throw InvalidRelationshipTarget("External relationship target is not a valid xsd::anyURI. See "
+                                        "http://www.w3.org/TR/leiri/.");
+    const std::u16string verifiedID = verifyRelationship(id, type, target);
+    createRelationshipPartIfNeeded();
+    return impl->manager.addExternalRelationship(verifiedID, type, target);
+}
+
+std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, const std::u16string& type,
+                                                      const std::u16string& target) {
+    if (type.empty())
+        throw InvalidRelationshipType("Relationship type must not be empty.");
+    try {
+        const URI uri(type);
+    } catch (const InvalidURI&) {
+        throw InvalidRelationshipType("Relationship type is not a valid xsd::anyURI");
+    }
+    if (!id.empty()) {
+        if (!isValidID(id))
+            throw InvalidRelationshipID("Relationship ID is not a valid xsd::ID");
+        if (impl->manager.hasRelationship(id))
+            throw RelationshipAlreadyExists("Relationship ID already exists");
+    }
+    const std::u16string verifiedID = id.empty() ? generateID() : id;
+    doVerifyRelationship(verifiedID, type, target);
+    return verifiedID;
+}
+
+std::u16string RelationshipSource::generateID() {
+    std::uint64_t number = impl->nextIdNumber;
+    const auto candidate = [&number] { return u"rId" + toString(std::to_string(number), true); };
+    std::u16string id = candidate();
+    while (impl->manager.hasRelationship(id)) {
+        ++number;
+        id = candidate();
+    }
+    impl->nextIdNumber = number + 1;
+    return id;
+}
+
+void RelationshipSource::doVerifyRelationship(const std::u16string& /*id*/, const std::u16string& /*type*/,
+                                              const std::u16string& /*target*/) {
+}
+
+void RelationshipSource::createRelationshipPartIfNeeded() {
+    if (impl->manager.isEmpty())
+        createRelationshipPart();
+}
+
+void RelationshipSource::createRelationshipPart() {
+    const PartName name(PartName(impl->sourceURI).getRelationshipPartName());
+    setPhysicalRelationshipPart(getPackage().createPartInternal(
+                                    name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
+                                true);
+}
+
+void RelationshipSource::deleteRelationship(const std::u16string& id) {
+    throwIfNotWritable();
+    throwIfCreateOnly();
+    impl->manager.deleteRelationship(id);
+    const interfaces::IPhysicalPart* part = impl->physicalPart;
+    if (!impl->manager.isEmpty() || part == nullptr)
+        return;
+    setPhysicalRelationshipPart(nullptr, false);
+    getPackage().deletePartInternal(PartName(part->getName()));
+}
+
+Relationship RelationshipSource::getRelationshipByID(const std::u16string& id) const {
+    throwIfNotReadable();
+    return impl->manager.getRelationship(id);
+}
+
+bool RelationshipSource::hasRelationship(const std::u16string& id) const {
+    throwIfNotReadable();
+    return impl->manager.hasRelationship(id);
+}
+
+Enumerator<std::vector<Relationship>> RelationshipSource::getRelationships(ExcludeMode mode) const {
+    throwIfNotReadable();
+    std::unordered_set<std::u16string> excludedTypes;
+    if (mode == ExcludeMode::ExcludeManaged)
+        excludedTypes = getPackage().getManagedRelationshipTypes();
+    return Enumerator<std::vector<Relationship>>(impl->manager.getRelationships(excludedTypes));
+}
+
+Enumerator<std::vector<Relationship>>
+RelationshipSource::getRelationshipsByType(const std::u16string& type) const {
+    throwIfNotReadable();
+    return Enumerator<std::vector<Relationship>>(impl->manager.getRelationshipsByType(type));
+}
+
+bool RelationshipSource::isValidID(const std::u16string& id) {
+    return isRelationshipID(id);
+}
+
+bool RelationshipSource::isValidTarget(const std::u16string& target) {
+    return isIRITarget(target);
+}
+
+void RelationshipSource::flush() {
+    if (impl->manager.isEmpty() || !impl->manager.isDirty())
+        return;
+    PhysicalOutputStream stream(impl->physicalPart->getOutputStream());
+    impl->manager.flush(stream, getPackage().getRelationshipSerializer());
+    stream.close();
+}
+
+// In place, so that nothing can fail: no copy of a source that is reset shares its state.
+void RelationshipSource::reset() {
+    impl->physicalPart = nullptr;
+    impl->manager = RelationshipManager(impl->sourceURI);
+    impl->nextIdNumber = 1;
+}
+
+void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew) {
+    impl->physicalPart = part;
+    if (part == nullptr || isNew)
+        return;
+    try {
+        PhysicalInputStream stream(part->getInputStream());
+        impl->manager.read(stream, getPackage().getRelationshipSerializer());
+    } catch (const InvalidPartContent& e) {
+        throw InvalidRelationshipContent("In " + toASCIIString(part->getName()) + ": " + e.what());
+    }
+}
+
+interfaces::IPhysicalPart* RelationshipSource::getPhysicalRelationshipPart() const {
+    return impl->physicalPart;
+}
+
+void RelationshipSource::forgetPhysicalRelationshipPart() {
+    impl->physicalPart = nullptr;
+    impl->manager.markAsDirty();
+}
+
+void RelationshipSource::restoreRelationshipPart() {
+    if (impl->physicalPart == nullptr && !impl->manager.isEmpty())
+        createRelationshipPart();
+}
+
+void RelationshipSource::throwIfInvalid() const {
+    if (!isValid())
+        throw InvalidObject("Object is no longer valid");
+}
+
+void RelationshipSource::throwIfNotOpen() const {
+    if (!isOpen())
+        throw PackageNotOpen("Package is not open");
+}
+
+void RelationshipSource::throwIfReadOnly() const {
+    if (isReadOnly())
+        throw PackageReadOnly("Package is read-only");
+}
+
+void RelationshipSource::throwIfCreateOnly() const {
+    if (isCreateOnly())
+        throw PackageCreateOnly("Package is open only for create");
+}
+
+void RelationshipSource::throwIfNotReadable() const {
+    throwIfInvalid();
+    throwIfNotOpen();
+}
+
+void RelationshipSource::throwIfNotWritable() const {
+    throwIfNotReadable();
+    throwIfReadOnly();
+}
+
+} // namespace opc::model

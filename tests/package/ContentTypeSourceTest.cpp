@@ -1,0 +1,170 @@
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::physical::MemoryPackage;
+using opc::test::contentTypes;
+using opc::test::throws;
+using opc::test::toText;
+
+const std::string HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
+                         "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
+
+const std::string EMPTY = HEAD.substr(0, HEAD.size() - 1) + "/>\n";
+
+/// What a stream holds behind its root tag, without the white space of pretty printing.
+std::string entriesOf(const MemoryPackage& store) {
+    std::string text = toText(store.contentTypes());
+    EXPECT_EQ(text.compare(0, HEAD.size(), HEAD), 0) << text;
+    text = text.substr(std::min(HEAD.size(), text.size()));
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n')
+            i = std::min(text.find_first_not_of(" \n", i), text.size()) - 1;
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+class ContentTypesStream : public testing::Test {
+protected:
+    ContentTypesStream() : package(store) {}
+
+    void create(const char16_t* name, const char16_t* type) {
+        package.createPart(PartName(name), ContentType(type), StandardPartInfo());
+    }
+
+    /// Closes the package and gives the entries that the stream holds then.
+    std::string written() {
+        package.close(false);
+        return entriesOf(store);
+    }
+
+    MemoryPackage store;
+    Package package;
+};
+
+TEST_F(ContentTypesStream, holdsTheRootAloneForAPackageWithoutParts) {
+    package.open(OpenMode::CreateOnly);
+    package.close(false);
+    EXPECT_EQ(toText(store.contentTypes()), EMPTY);
+}
+
+TEST_F(ContentTypesStream, theFirstPartOfAnExtensionSetsItsDefault) {
+    package.open(OpenMode::CreateOnly);
+    create(u"/b.PNG", u"image/png");
+    create(u"/c.png", u"image/x-other");
+    create(u"/a.png", u"image/png");
+    create(u"/noext", u"text/plain;b=2; a=1");
+    create(u"/d.png", u"IMAGE/png"); // equal, but not the same text
+    EXPECT_EQ(written(), R"(<Default ContentType="image/png" Extension="png"/>)"
+                         R"(<Override ContentType="image/x-other" PartName="/c.png"/>)"
+                         R"(<Override ContentType="IMAGE/png" PartName="/d.png"/>)"
+                         R"(<Override ContentType="text/plain;a=1;b=2" PartName="/noext"/></Types>)");
+}
+
+TEST_F(ContentTypesStream, aDefaultGoesWithItsLastPart) {
+    package.open(OpenMode::CreateOnly);
+    create(u"/a.png", u"image/png");
+    create(u"/b.png", u"image/x-other");
+    create(u"/c.png", u"image/png");
+    package.close(false);
+
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(PartName(u"/a.png"));
+    package.deletePart(PartName(u"/c.png"));
+    EXPECT_EQ(written(), R"(<Override ContentType="image/x-other" PartName="/b.png"/></Types>)");
+
+    package.open(OpenMode::ReadWrite);
+    create(u"/d.png", u"image/new");
+    EXPECT_EQ(written(), R"(<Default ContentType="image/new" Extension="png"/>)"
+                         R"(<Override ContentType="image/x-other" PartName="/b.png"/></Types>)");
+}
+
+TEST_F(ContentTypesStream, relationshipsPartsKeepTheirDefaultInUse) {
+    package.open(OpenMode::CreateOnly);
+    create(u"/a", u"a/b");
+    package.createExternalRelationship(u"t:t", u"x", u"one");
+    package.getPart(PartName(u"/a")).createExternalRelationship(u"t:t", u"x", u"one");
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    package.deleteRelationship(u"one");
+    EXPECT_NE(written().find(R"(Extension="rels")"), std::string::npos);
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(PartName(u"/a"));
+    package.close(false);
+    EXPECT_EQ(toText(store.contentTypes()), EMPTY);
+}
+
+TEST_F(ContentTypesStream, readsEveryEntryWhateverItsOrder) {
+    store.setContentTypes(contentTypes(R"(<Override PartName="/a.xml" ContentType="o/1"/>)"
+                                       R"(<Default Extension="XML" ContentType="d/1"/>)"
+                                       R"(<Default Extension="xml" ContentType="d/2"/>)"
+                                       R"(<Override PartName="/A.XML" ContentType="o/2"/>)"
+                                       R"(<Default Extension="unused" ContentType="d/3"/>)"));
+    store.setPart(u"/a.xml", {});
+    store.setPart(u"/b.Xml", {});
+    const auto before = store.contentTypes();
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(package.getPart(PartName(u"/a.xml")).getContentType().toString(), u"o/1") << "an Override wins";
+    EXPECT_EQ(package.getPart(PartName(u"/b.xml")).getContentType().toString(), u"d/1")
+        << "the first one counts";
+    package.close(false);
+    EXPECT_EQ(store.contentTypes(), before) << "nothing has changed, so nothing is written";
+
+    package.open(OpenMode::ReadWrite);
+    create(u"/c", u"a/b");
+    EXPECT_EQ(written(), R"(<Default ContentType="d/1" Extension="xml"/>)"
+                         R"(<Override ContentType="o/1" PartName="/a.xml"/>)"
+                         R"(<Override ContentType="a/b" PartName="/c"/></Types>)");
+}
+
+TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
+    const std::string root =
+        R"(<x:Types xmlns:x="http://schemas.openxmlformats.org/package/2006/content-types">)";
+    store.setContentTypes(
+        opc::test::toBytes(root + R"(<x:Default Extension="xml" ContentType="a/b"/></x:Types>)"));
+    store.setPart(u"/a.xml", {});
+    EXPECT_TRUE(throws<ContentTypeNotFound>("No content type was found for part:/a.xml", [&] {
+        package.open(OpenMode::ReadOnly);
+    })) << "elements are found by their names without a prefix";
+
+    const std::string broken[] = {
+        "",
+        "no xml",
+        "<Types/>",
+        toText(contentTypes("<Other/>")),
+        toText(contentTypes("")).substr(0, 80),
+        toText(contentTypes(R"(<Default Extension="" ContentType="a/b"/>)")),
+        toText(contentTypes(R"(<Default Extension="xml" ContentType=""/>)")),
+        toText(contentTypes(R"(<Default Extension="xml"/>)")),
+        "<!DOCTYPE Types>" + toText(contentTypes("")).substr(38),
+        R"(<?xml version="1.0" encoding="ISO-8859-1"?>)" + toText(contentTypes("")).substr(38),
+    };
+    for (const std::string& text : broken) {
+        store.setContentTypes(opc::test::toBytes(text));
+        EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;
+    }
+}
+
+TEST_F(ContentTypesStream, failuresInWritingNameTheStreamOrPass) {
+    opc::test::ScriptedPackage physical(store);
+    Package failing(physical);
+    failing.open(OpenMode::CreateOnly);
+    physical.failAt("getContentTypeOutputStream", "no room");
+    EXPECT_TRUE(throws<opc::Exception>("no room", [&] { failing.close(false); }));
+    physical.forgetScript();
+    failing.close(false);
+    EXPECT_TRUE(store.hasContentTypes());
+}
+
+} // namespace

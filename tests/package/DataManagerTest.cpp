@@ -1,0 +1,177 @@
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/DataManager.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::test::throws;
+
+class CountingManager : public DataManager {
+public:
+    CountingManager(Package& managed, bool eager) : DataManager(managed, eager) {}
+    ~CountingManager() override = default;
+
+    using DataManager::load;
+    using DataManager::markAsDirty;
+
+    int loads = 0;
+    int saves = 0;
+    std::function<void()> onLoad = [] {};
+    std::function<void()> onSave = [] {};
+
+private:
+    void doLoad() override {
+        ++loads;
+        onLoad();
+    }
+    void doSave() override {
+        ++saves;
+        onSave();
+    }
+    std::vector<std::u16string> doGetManagedPartNames() const override { return {u"/MANAGED.xml"}; }
+    std::vector<std::u16string> doGetManagedRelationshipTypes() const override { return {u"urn:managed"}; }
+};
+
+class DataManagers : public testing::Test {
+protected:
+    DataManagers() : physical(store), package(physical) {
+        opc::test::fill(store, {u"/a.xml", u"/managed.xml"});
+    }
+
+    opc::physical::MemoryPackage store;
+    opc::test::ScriptedPackage physical;
+    Package package;
+};
+
+TEST_F(DataManagers, loadOnceAndSaveWhenDirty) {
+    struct Case {
+        OpenMode mode;
+        bool loadOnOpen;
+        int loadsAfterOpen, loadsAfterLoad, savesAfterClose;
+    };
+    const Case cases[] = {
+        {OpenMode::ReadOnly, false, 0, 1, 0},   {OpenMode::ReadOnly, true, 1, 1, 0},
+        {OpenMode::ReadWrite, false, 0, 1, 0},  {OpenMode::ReadWrite, true, 1, 1, 0},
+        {OpenMode::CreateOnly, false, 0, 0, 1}, {OpenMode::CreateOnly, true, 0, 0, 1},
+    };
+    for (const Case& c : cases) {
+        CountingManager manager(package, c.loadOnOpen);
+        for (int round = 1; round <= 2; ++round) { // the flags are set anew by each open
+            manager.loads = manager.saves = 0;
+            package.open(c.mode);
+            EXPECT_EQ(manager.loads, c.loadsAfterOpen);
+            manager.load();
+            manager.load();
+            EXPECT_EQ(manager.loads, c.loadsAfterLoad);
+            package.close(false);
+            EXPECT_EQ(manager.saves, c.savesAfterClose);
+        }
+    }
+}
+
+TEST_F(DataManagers, dirtyDataAreNotLoadedOver) {
+    CountingManager manager(package, false);
+    package.open(OpenMode::ReadWrite);
+    manager.markAsDirty();
+    manager.load();
+    EXPECT_EQ(manager.loads, 0);
+    package.close(false);
+    EXPECT_EQ(manager.saves, 1);
+}
+
+TEST_F(DataManagers, saveBeforeAnythingIsWritten) {
+    CountingManager manager(package, false);
+    package.open(OpenMode::ReadWrite);
+    manager.onSave = [&] {
+        EXPECT_EQ(physical.countCalls("getContentTypeOutputStream"), 0U);
+        package.createPart(PartName(u"/new"), ContentType(u"a/b"), StandardPartInfo());
+        package.createExternalRelationship(u"urn:managed", u"x");
+    };
+    manager.markAsDirty();
+    package.close(false);
+    EXPECT_TRUE(store.hasPart(u"/_rels/.rels"));
+    EXPECT_NE(opc::test::toText(store.contentTypes()).find("/new"), std::string::npos);
+}
+
+TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {
+    CountingManager manager(package, false);
+    package.open(OpenMode::ReadWrite);
+    manager.onLoad = [] { throw opc::Exception("not now"); };
+    EXPECT_TRUE(throws<opc::Exception>("not now", [&] { manager.load(); }));
+    manager.onLoad = [] {};
+    manager.load();
+    EXPECT_EQ(manager.loads, 2);
+
+    manager.markAsDirty();
+    manager.onSave = [] { throw opc::Exception("not yet"); };
+    EXPECT_TRUE(throws<opc::Exception>("not yet", [&] { package.close(false); }));
+    EXPECT_TRUE(package.isOpen());
+    manager.onSave = [] {};
+    package.close(false);
+    EXPECT_EQ(manager.saves, 2);
+
+    CountingManager eager(package, true);
+    eager.onLoad = [] { throw PartNotFound("broken"); };
+    EXPECT_TRUE(throws<PartNotFound>("broken", [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_FALSE(package.isOpen());
+    EXPECT_EQ(physical.calls.back(), "close true");
+}
+
+TEST_F(DataManagers, areMadeForAClosedPackageAndForgottenWhenDestroyed) {
+    auto gone = std::make_unique<CountingManager>(package, true);
+    CountingManager stays(package, false);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(throws<PackageAlreadyOpen>("Can't add a data manager when package is already open",
+                                           [&] { CountingManager late(package, false); }));
+    stays.markAsDirty();
+    gone->markAsDirty();
+    gone->onSave = [] { FAIL() << "destroyed by then"; };
+    stays.onSave = [] {};
+    gone.reset();
+    package.close(false);
+    EXPECT_EQ(stays.saves, 1);
+}
+
+TEST_F(DataManagers, oneThatSavesMayDestroyTheNext) {
+    CountingManager first(package, false);
+    auto second = std::make_unique<CountingManager>(package, false);
+    package.open(OpenMode::ReadWrite);
+    first.markAsDirty();
+    second->markAsDirty();
+    first.onSave = [&] { second.reset(); };
+    package.close(false);
+    EXPECT_EQ(first.saves, 1);
+}
+
+TEST_F(DataManagers, keepTheirPartsAndTypesOutOfEnumerations) {
+    const auto open = [this] {
+        package.open(OpenMode::ReadWrite);
+        package.createExternalRelationship(u"urn:managed", u"x");
+        package.createExternalRelationship(u"urn:Managed", u"y");
+    };
+    open();
+    EXPECT_EQ(package.getParts(ExcludeMode::ExcludeManaged).size(), 2U) << "no manager, nothing managed";
+    package.close(true);
+
+    CountingManager manager(package, false);
+    open();
+    EXPECT_EQ(package.getParts().size(), 2U);
+    const auto parts = package.getParts(ExcludeMode::ExcludeManaged);
+    ASSERT_EQ(parts.size(), 1U) << "names are compared without regard to letter case";
+    EXPECT_EQ(parts.begin()->getName(), u"/a.xml");
+    EXPECT_EQ(package.getParts(static_cast<ExcludeMode>(7)).size(), 2U);
+
+    const auto kept = package.getRelationships(ExcludeMode::ExcludeManaged);
+    ASSERT_EQ(kept.size(), 1U) << "types are compared with letter case counting";
+    EXPECT_EQ(kept.begin()->getTarget(), u"y");
+    EXPECT_EQ(package.getRelationshipsByType(u"urn:managed").size(), 1U);
+}
+
+} // namespace

@@ -1,0 +1,279 @@
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::physical::MemoryPackage;
+using opc::test::throws;
+namespace errc = boost::system::errc;
+
+const char* const CORE_PROPERTIES =
+    "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+
+std::string coreRelationship(const std::string& id) {
+    return R"(<Relationship Id=")" + id + R"(" Type=")" + CORE_PROPERTIES + R"(" Target="a.xml"/>)";
+}
+
+/// Opens a package on `store` in every failing way at once, and then makes sure that a mended store opens.
+template <typename E>
+void expectOpenFails(const std::string& message, const std::function<void(MemoryPackage&)>& spoil,
+                     const std::function<void(opc::test::ScriptedPackage&)>& script = {}) {
+    SCOPED_TRACE(message);
+    MemoryPackage store;
+    opc::test::fill(store, {u"/a.xml", u"/b/c.xml"});
+    store.setPart(u"/_rels/.rels",
+                  opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
+    if (spoil)
+        spoil(store);
+    opc::test::ScriptedPackage physical(store);
+    if (script)
+        script(physical);
+
+    Package package(physical);
+    EXPECT_TRUE(throws<E>(message, [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_FALSE(package.isOpen());
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getParts(); }));
+
+    physical.forgetScript();
+    MemoryPackage mended;
+    opc::test::fill(store, {});
+    for (const std::u16string& name : store.partNames())
+        store.removePart(name);
+    store.setPart(u"/d.xml", {});
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(package.getParts().size(), 1U);
+    EXPECT_TRUE(package.getRelationships().empty());
+    package.createPart(PartName(u"/b"), ContentType(u"a/b"),
+                       StandardPartInfo()); // no prefix of /b/c.xml is left
+}
+
+TEST(PackageOpen, translatesFailuresOfThePhysicalLayer) {
+    MemoryPackage store;
+    opc::test::fill(store, {});
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+
+    physical.failAt("open", "gone", errc::no_such_file_or_directory);
+    EXPECT_TRUE(throws<PackageNotFound>("gone", [&] { package.open(OpenMode::ReadOnly); }));
+    physical.failAt("open", "denied", errc::permission_denied);
+    EXPECT_TRUE(throws<PackageOpenFailed>("denied", [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_EQ(physical.countCalls("close"), 0U);
+
+    physical.forgetScript();
+    physical.failAt("getParts", "no list", errc::io_error);
+    try {
+        package.open(OpenMode::ReadOnly);
+        FAIL();
+    } catch (const PackageOpenFailed& e) {
+        EXPECT_STREQ(e.what(), "no list");
+        EXPECT_EQ(e.code(), errc::make_error_condition(errc::io_error));
+    }
+    EXPECT_EQ(physical.calls.back(), "close true");
+
+    physical.failAt("close", "stuck");
+    EXPECT_TRUE(throws<opc::Exception>("stuck", [&] { package.open(OpenMode::ReadOnly); }))
+        << "a failure while cleaning up takes the place of the first one";
+}
+
+TEST(PackageOpen, refusesBadPackagesAndStartsCleanTheNextTime) {
+    using opc::test::contentTypes;
+    using opc::test::relationships;
+    using opc::test::USUAL_CONTENT_TYPES;
+
+    const auto addPart = [](const char16_t* name) {
+        return [name](MemoryPackage& store) { store.setPart(name, relationships("")); };
+    };
+    expectOpenFails<InconsistentPackage>("Not all relationship parts were matched with regular parts",
+                                         addPart(u"/_rels/x.xml.rels"));
+    expectOpenFails<InconsistentPackage>("Not all relationship parts were matched with regular parts",
+                                         addPart(u"/_rels/_rels/.rels.rels"));
+    expectOpenFails<InvalidPartName>("A segment shall not end with a dot ('.') character [M1.9]",
+                                     addPart(u"/x./y.xml"));
+    expectOpenFails<InvalidURI>("Could not successfully parse URI string. URI must contain only US-ASCII.",
+                                addPart(u"/é.xml"));
+    expectOpenFails<ContentTypeNotFound>("No content type was found for part:/b/c.png", addPart(u"/b/c.png"));
+    expectOpenFails<ContentTypeNotFound>(
+        "No content type was found for part:/_rels/.rels", [](MemoryPackage& store) {
+            store.setContentTypes(
+                contentTypes(R"(<Default Extension="xml" ContentType="application/xml"/>)"));
+        });
+    expectOpenFails<InvalidRelationshipContent>(
+        "In /_rels/a.xml.rels: Target is empty", [](MemoryPackage& store) {
+            store.setPart(u"/_rels/a.xml.rels",
+                          relationships(R"(<Relationship Id="r" Type="t:t" Target=""/>)"));
+        });
+    expectOpenFails<InvalidCorePropertiesRelationships>(
+        "No more than one core properties relationship can exist in a package", [](MemoryPackage& store) {
+            store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1") + coreRelationship("r2")));
+        });
+    expectOpenFails<InvalidContentTypeStream>("PartName is not a valid part name", [](MemoryPackage& store) {
+        store.setContentTypes(
+            contentTypes(USUAL_CONTENT_TYPES + R"(<Override PartName="a/b" ContentType="a/b"/>)"));
+    });
+    expectOpenFails<InvalidURI>(
+        "Could not successfully parse URI string. URI must contain only US-ASCII.", [](MemoryPackage& store) {
+            store.setContentTypes(
+                contentTypes(USUAL_CONTENT_TYPES + R"(<Override PartName="/é" ContentType="a/b"/>)"));
+        });
+    expectOpenFails<InvalidContentType>(
+        "Could not successfully parse content type string", [](MemoryPackage& store) {
+            store.setContentTypes(contentTypes(
+                USUAL_CONTENT_TYPES + R"(<Override PartName="/a" ContentType="a/b;c=&quot;&quot;"/>)"));
+        });
+
+    const auto throwForeign = [](opc::test::ScriptedPackage& physical) {
+        physical.before("getInputStream /_rels/.rels", [] { throw std::runtime_error("foreign"); });
+    };
+    expectOpenFails<std::runtime_error>("foreign", {}, throwForeign);
+}
+
+TEST(PackageOpen, callsThePhysicalCloseWithTrueAfterAFailure) {
+    MemoryPackage store;
+    opc::test::fill(store, {});
+    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1") + coreRelationship("r2")));
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    EXPECT_THROW(package.open(OpenMode::ReadWrite), InvalidCorePropertiesRelationships);
+    EXPECT_EQ(physical.calls.back(), "close true");
+
+    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1")));
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(throws<InvalidCorePropertiesRelationships>(
+        "No more than one core properties relationship can exist in a package", [&] {
+            package.createInternalRelationship(PackageHelper::getCorePropertiesRelationshipType(),
+                                               URI(u"b.xml"));
+        }));
+    EXPECT_TRUE(
+        throws<PackageAlreadyOpen>("Package is already open", [&] { package.open(OpenMode::ReadOnly); }));
+}
+
+TEST(PackageClose, ofAPackageNeverOpenedDoesNothing) {
+    MemoryPackage store;
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    EXPECT_TRUE(package.isCreateOnly());
+    package.close(false);
+    EXPECT_TRUE(physical.calls.empty());
+}
+
+TEST(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
+    MemoryPackage store;
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    package.open(OpenMode::CreateOnly);
+    Part part = package.createPart(PartName(u"/a.xml"), ContentType(u"text/xml"), StandardPartInfo());
+    opc::test::writeAll(part, "content");
+    package.createInternalRelationship(u"t:t", URI(u"/a.xml"));
+
+    physical.failAt("close", "denied", errc::permission_denied);
+    EXPECT_TRUE(throws<PackagePermissionDenied>("denied", [&] { package.close(false); }));
+    physical.failAt("close", "missing", errc::no_such_file_or_directory);
+    EXPECT_TRUE(throws<PackageCloseFailed>("missing", [&] { package.close(false); }));
+    physical.forgetScript();
+    EXPECT_TRUE(package.isOpen());
+    EXPECT_EQ(part.getContentType().toString(), u"text/xml");
+    EXPECT_TRUE(package.hasPart(PartName(u"/A.XML")));
+
+    // A failure in writing leaves it open as well, with what is dirty still to be written.
+    package.createInternalRelationship(u"t:t", URI(u"/b.xml"));
+    physical.failAt("getOutputStream /_rels/.rels", "full", errc::no_space_on_device);
+    EXPECT_TRUE(throws<opc::Exception>("full", [&] { package.close(false); }));
+    EXPECT_TRUE(package.isOpen());
+    physical.forgetScript();
+    package.close(false);
+
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getRelationships().size(), 2U);
+    EXPECT_EQ(opc::test::readAll(package.getPart(PartName(u"/a.xml"))), "content");
+}
+
+TEST(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {
+    MemoryPackage store;
+    opc::test::fill(store, {u"/a.xml"});
+    store.setPart(u"/_rels/.rels",
+                  opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+
+    package.open(OpenMode::ReadOnly);
+    package.close(false);
+    EXPECT_EQ(physical.calls.back(), "close false");
+    package.open(OpenMode::ReadWrite);
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    package.createExternalRelationship(u"t:t", u"http://e/");
+    package.createPart(PartName(u"/b.xml"), ContentType(u"a/b"), StandardPartInfo());
+    package.close(true);
+    EXPECT_EQ(physical.countCalls("getOutputStream") + physical.countCalls("getContentTypeOutputStream"), 0U);
+    EXPECT_EQ(store.partNames().size(), 2U);
+}
+
+TEST(PackageClose, makesEveryHandleInvalidForGood) {
+    MemoryPackage store;
+    opc::test::fill(store, {u"/a.xml"});
+    opc::test::ScriptedPackage physical(store);
+    auto package = std::make_unique<Package>(physical);
+    package->open(OpenMode::ReadWrite);
+    Part part = package->getPart(PartName(u"/a.xml"));
+    package->close(false);
+    package->open(OpenMode::ReadWrite);
+    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getInputStream(); }));
+    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getRelationships(); }));
+    EXPECT_EQ(part.getName().toString(), u"/a.xml");
+
+    part = package->getPart(PartName(u"/a.xml"));
+    physical.failAt("close", "stuck");
+    package.reset();
+    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getOutputStream(); }))
+        << "also when the physical layer fails to close in the destructor";
+    physical.forgetScript();
+    physical.close(true);
+}
+
+TEST(PackageLifecycle, createdPackageReadsBack) {
+    MemoryPackage store;
+    Package package(store);
+    package.open(OpenMode::CreateOnly);
+    Part main = package.createPart(PartName(u"/doc/main.xml"), ContentType(u"text/xml"), StandardPartInfo());
+    opc::test::writeAll(main, "<main/>");
+    package.createPart(PartName(u"/doc/image.png"), ContentType(u"image/png"), StandardPartInfo());
+    package.createInternalRelationship(u"urn:main", URI(u"/doc/main.xml"));
+    main.createInternalRelationship(u"urn:image", URI(u"image.png"));
+    main.createExternalRelationship(u"urn:link", u"http://example.com/é");
+    package.close(false);
+
+    package.open(OpenMode::ReadOnly);
+    std::vector<std::u16string> names;
+    for (const Part& part : package.getParts())
+        names.push_back(part.getName().toString());
+    EXPECT_EQ(names, (std::vector<std::u16string>{u"/doc/image.png", u"/doc/main.xml"}));
+    const Part read = package.getPart(PartName(u"/DOC/main.xml"));
+    EXPECT_EQ(read.getContentType().toString(), u"text/xml");
+    EXPECT_EQ(opc::test::readAll(read), "<main/>");
+    EXPECT_EQ(read.getRelationshipByID(u"rId1").getTargetURI().toString(), u"/doc/image.png");
+    EXPECT_EQ(read.getRelationshipByID(u"rId2").getTargetURI().toString(), u"http://example.com/%C3%A9");
+}
+
+TEST(PackageLifecycle, aStoreWithoutAContentTypesStreamKnowsTheTypesItself) {
+    MemoryPackage store(MemoryPackage::ContentTypes::InParts);
+    Package package(store);
+    package.open(OpenMode::CreateOnly);
+    package.createPart(PartName(u"/a.xml"), ContentType(u"text/xml"), StandardPartInfo());
+    package.createExternalRelationship(u"t:t", u"x");
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(package.getPart(PartName(u"/a.xml")).getContentType().toString(), u"text/xml");
+    package.deletePart(PartName(u"/a.xml"));
+    package.close(false);
+    EXPECT_FALSE(store.hasContentTypes());
+}
+
+} // namespace

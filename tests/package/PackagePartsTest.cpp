@@ -1,0 +1,227 @@
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::physical::MemoryPackage;
+using opc::test::throws;
+
+class PackageParts : public testing::Test {
+protected:
+    PackageParts() : physical(store), package(physical) { opc::test::fill(store, {}); }
+
+    Part create(const char16_t* name) {
+        return package.createPart(PartName(name), ContentType(u"application/xml"), StandardPartInfo());
+    }
+
+    MemoryPackage store;
+    opc::test::ScriptedPackage physical;
+    Package package;
+};
+
+TEST_F(PackageParts, guardsStandInFrontOfTheArguments) {
+    const PartName rels(u"/_rels/.rels");
+    const PartName name(u"/a.xml");
+    const auto createRels = [&] { package.createPart(rels, ContentType(u"a/b"), StandardPartInfo()); };
+    const auto deleteIt = [&] { package.deletePart(name); };
+
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", createRels));
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", deleteIt));
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getPart(name); }));
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.hasPart(name); }));
+
+    package.open(OpenMode::ReadOnly);
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", createRels));
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", deleteIt));
+    EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/a.xml", [&] { package.getPart(name); }));
+    package.close(false);
+
+    package.open(OpenMode::CreateOnly);
+    EXPECT_TRUE(throws<PartHasRelationshipName>(
+        "Cannot use a part name that is a relationship name: /_rels/.rels", createRels));
+    EXPECT_TRUE(throws<PackageCreateOnly>("Package is open only for create", deleteIt));
+    package.close(false);
+
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/a.xml", deleteIt));
+}
+
+TEST_F(PackageParts, namesMustNotConflict) {
+    package.open(OpenMode::ReadWrite);
+    create(u"/a/b");
+    create(u"/C/D/e.xml");
+    create(u"/C/D/f.xml");
+    struct Case {
+        const char16_t* name;
+        const char* message;
+    };
+    const char* const EXISTS = "Cannot use a part name that already exists: ";
+    const char* const SUBSET = "Cannot use a part name that is a subset of an existing name: ";
+    const char* const SUPERSET = "Cannot use a part name that is a superset of an existing name: ";
+    const Case refused[] = {
+        {u"/A/B", EXISTS}, {u"/A", SUBSET},       {u"/c", SUBSET},
+        {u"/C/d", SUBSET}, {u"/A/B/c", SUPERSET}, {u"/a/b/c/d", SUPERSET},
+    };
+    for (const Case& c : refused) {
+        const PartName name(c.name);
+        const bool exists = c.message == EXISTS;
+        const std::string shown = c.message == SUPERSET ? "/a/b" : opc::toASCIIString(name.toString());
+        const auto attempt = [&] { create(c.name); };
+        if (exists)
+            EXPECT_TRUE(throws<PartAlreadyExists>(c.message + shown, attempt));
+        else
+            EXPECT_TRUE(throws<PartIsDerivedFromExistingPartName>(c.message + shown, attempt));
+    }
+    for (const char16_t* name : {u"/a/bc", u"/a/b.c", u"/ab", u"/c/d2", u"/C/D/e"})
+        create(name);
+
+    std::u16string existing = u"untouched";
+    EXPECT_FALSE(package.isPartDerivedFromExistingPartName(PartName(u"/a/b"), existing));
+    EXPECT_EQ(existing, u"untouched");
+    EXPECT_TRUE(package.isPartDerivedFromExistingPartName(PartName(u"/A/B/C"), existing));
+    EXPECT_EQ(existing, u"/a/b");
+
+    package.deletePart(PartName(u"/c/d/E.XML"));
+    package.deletePart(PartName(u"/c/d/e"));
+    EXPECT_THROW(create(u"/c/D"), PartIsDerivedFromExistingPartName) << "/C/D/f.xml is still there";
+    package.deletePart(PartName(u"/c/d/f.xml"));
+    create(u"/c/D");
+}
+
+TEST_F(PackageParts, theRegistryIsUntouchedWhenThePhysicalLayerFails) {
+    package.open(OpenMode::ReadWrite);
+    physical.failAt("createPart", "no room");
+    EXPECT_TRUE(throws<PartCreateFailed>("no room", [&] { create(u"/a.xml"); }));
+    EXPECT_FALSE(package.hasPart(PartName(u"/a.xml")));
+    physical.forgetScript();
+
+    Part part = create(u"/a.xml");
+    part.createExternalRelationship(u"t:t", u"x");
+    physical.failAt("deletePart /a.xml", "first");
+    EXPECT_TRUE(throws<PartDeleteFailed>("first", [&] { package.deletePart(PartName(u"/A.xml")); }));
+    part.getRelationships();
+    EXPECT_EQ(physical.countCalls("deletePart /_rels/a.xml.rels"), 1U)
+        << "the second deletion is tried all the same";
+}
+
+TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
+    const PartName name(u"/a.xml");
+    const auto createRelated = [&] {
+        package.open(OpenMode::ReadWrite);
+        Part part = create(u"/a.xml");
+        part.createExternalRelationship(u"t:t", u"x");
+        return part;
+    };
+    const auto attempt = [&] { package.deletePart(name); };
+
+    Part part = createRelated();
+    physical.failAt("deletePart /a.xml", "first");
+    physical.failAt("deletePart /_rels/a.xml.rels", "second");
+    EXPECT_TRUE(throws<PartDeleteFailed>("first; second", attempt));
+    opc::test::writeAll(part, "still there");
+    package.close(false);
+    EXPECT_EQ(store.partNames().size(), 2U);
+
+    physical.forgetScript();
+    package.open(OpenMode::ReadWrite);
+    physical.failAt("deletePart /a.xml", "first");
+    EXPECT_TRUE(throws<PartDeleteFailed>("first", attempt));
+    EXPECT_EQ(package.getPart(name).getRelationships().size(), 1U);
+    package.close(false);
+    EXPECT_TRUE(store.hasPart(u"/_rels/a.xml.rels")) << "no relationship is lost with the part that held it";
+
+    physical.forgetScript();
+    package.open(OpenMode::ReadWrite);
+    part = package.getPart(name);
+    physical.failAt("deletePart /_rels/a.xml.rels", "second");
+    EXPECT_TRUE(throws<PartDeleteFailed>("second", attempt));
+    EXPECT_TRUE(package.hasPart(name));
+    EXPECT_TRUE(
+        throws<InvalidPartStream>("The part's content has been deleted", [&] { part.getInputStream(); }));
+    physical.forgetScript();
+    attempt();
+    package.close(false);
+    EXPECT_TRUE(store.partNames().empty());
+}
+
+TEST_F(PackageParts, deletionTakesTheRelationshipsAndTheStoredSpelling) {
+    store.setPart(u"/a.xml", {});
+    package.open(OpenMode::ReadWrite);
+    Part part = package.getPart(PartName(u"/a.xml"));
+    const Part copy = part;
+    part.createExternalRelationship(u"t:t", u"x");
+    const auto before = package.getParts();
+    package.deletePart(PartName(u"/A.xml"));
+    EXPECT_EQ(physical.countCalls("deletePart /a.xml"), 1U);
+    EXPECT_EQ(physical.countCalls("deletePart /_rels/a.xml.rels"), 1U);
+    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { copy.getInputStream(); }));
+    EXPECT_EQ(before.size(), 1U);
+    EXPECT_TRUE(
+        throws<InvalidObject>("Object is no longer valid", [&] { before.begin()->getRelationships(); }));
+    EXPECT_TRUE(package.getParts().empty());
+    package.close(false);
+    EXPECT_EQ(store.partNames().size(), 0U);
+}
+
+TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
+    store.setPart(u"/a.xml", opc::test::toBytes("old"));
+    package.open(OpenMode::ReadWrite);
+    const Part part = package.getPart(PartName(u"/a.xml"));
+    const Part copy = package.getPart(PartName(u"/a.xml"));
+
+    physical.failAt("getInputStream", "busy");
+    physical.failAt("getOutputStream", "locked");
+    EXPECT_TRUE(throws<InvalidPartStream>("busy", [&] { part.getInputStream(); }));
+    EXPECT_TRUE(throws<InvalidPartStream>("locked", [&] { part.getOutputStream(); }));
+    physical.forgetScript();
+
+    EXPECT_EQ(&part.getInputStream(), &copy.getInputStream());
+    EXPECT_EQ(&part.getOutputStream(), &copy.getOutputStream());
+    EXPECT_EQ(physical.countCalls("getInputStream /a.xml"), 2U);
+    EXPECT_EQ(physical.countCalls("getOutputStream /a.xml"), 2U);
+    package.close(true);
+
+    package.open(OpenMode::ReadOnly);
+    const Part readOnly = package.getPart(PartName(u"/a.xml"));
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", [&] { readOnly.getOutputStream(); }));
+    EXPECT_EQ(opc::test::readAll(readOnly), "old");
+    readOnly.getInputStream().close();
+    readOnly.getInputStream().open();
+    EXPECT_EQ(opc::test::readAll(readOnly), "old");
+}
+
+TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
+    // A store that isn't a MemoryPackage may list two parts whose names differ in letter case: the last one
+    // counts.
+    store.setPart(u"/a.xml", opc::test::toBytes("first"));
+    MemoryPackage other;
+    opc::test::fill(other, {});
+    other.setPart(u"/A.xml", opc::test::toBytes("second"));
+    other.open(OpenMode::ReadOnly);
+
+    class TwoStores : public opc::test::ScriptedPackage {
+    public:
+        TwoStores(MemoryPackage& one, MemoryPackage& two) : ScriptedPackage(one), second(two) {}
+        std::vector<opc::interfaces::IPhysicalPart*> getParts() override {
+            auto parts = ScriptedPackage::getParts();
+            parts.push_back(second.getParts().front());
+            return parts;
+        }
+        MemoryPackage& second;
+    };
+    TwoStores both(store, other);
+    Package merged(both);
+    merged.open(OpenMode::ReadOnly);
+    ASSERT_EQ(merged.getParts().size(), 1U);
+    EXPECT_EQ(opc::test::readAll(*merged.getParts().begin()), "second");
+}
+
+} // namespace

@@ -1,0 +1,131 @@
+#include "relationships/RelationshipSerializer.hpp"
+#include "relationships/RelationshipManager.hpp"
+#include "support/PackageContent.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/Errors.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::Bytes;
+using opc::test::relationships;
+using opc::test::throws;
+
+class RelationshipsDocument : public testing::Test {
+protected:
+    RelationshipsDocument() : manager(URI(u"/a/b.xml")) {}
+
+    void read(const Bytes& document) {
+        opc::ByteArrayInAdaptor stream(document);
+        manager.read(stream, serializer);
+    }
+
+    std::string write() {
+        Bytes document;
+        opc::ByteArrayOutAdaptor stream(document);
+        serializer.write(manager, stream);
+        return opc::test::toText(document);
+    }
+
+    RelationshipSerializer serializer;
+    RelationshipManager manager;
+};
+
+TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
+    struct Case {
+        const char *element, *message;
+    };
+    const Case cases[] = {
+        {R"(<Relationship Id="r" Type="" Target=""/>)", "Type is empty"},
+        {R"(<Relationship Id="r" Type="t:é" Target=""/>)", "Type is not a valid URI"},
+        {R"(<Relationship Id="r" Type="t:t" Target=""/>)", "Target is empty"},
+        {R"(<Relationship Id="r" Type="t:t" Target="" TargetMode="External"/>)", "Target is empty"},
+        {R"(<Relationship Id="r" Type="t:t" Target="é"/>)",
+         "Target is not a valid URI for an internal relationship"},
+        {R"(<Relationship Id="r" Type="t:t" Target="mailto:a@b" TargetMode="Internal"/>)",
+         "Target of an internal relationship cannot be an opaque URI"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_TRUE(throws<InvalidPartContent>(c.message, [&] { read(relationships(c.element)); }));
+        EXPECT_TRUE(manager.isDirty());
+    }
+    // What stands in front of a bad element has been taken by then.
+    EXPECT_THROW(
+        read(relationships(
+            R"(<Relationship Id="ok" Type="t:t" Target="x"/><Relationship Id="r" Type="t:t" Target=""/>)")),
+        InvalidPartContent);
+    EXPECT_TRUE(manager.hasRelationship(u"ok"));
+}
+
+TEST_F(RelationshipsDocument, theSchemaRefusesTheRest) {
+    const std::string refused[] = {
+        R"(<Relationship Id="r" Type="t:t" Target="x" TargetMode="external"/>)",
+        R"(<Relationship Id="1r" Type="t:t" Target="x"/>)",
+        R"(<Relationship Type="t:t" Target="x"/>)",
+        R"(<Relationship Id="r" Target="x"/>)",
+        R"(<Relationship Id="r" Type="t:t"/>)",
+        R"(<Relationship Id="r" Type="t:t" Target="x" Other=""/>)",
+        R"(<Relationship Id="r" Type="t:t" Target="x"/><Relationship Id="r" Type="t:t" Target="y"/>)",
+        R"(<Relationship Id="r" Type="t:t" Target="x"><b/></Relationship>)",
+        R"(<Other/>)",
+    };
+    for (const std::string& elements : refused)
+        EXPECT_THROW(read(relationships(elements)), InvalidPartContent) << elements;
+    EXPECT_THROW(read({}), InvalidPartContent);
+    read(relationships("")); // and the parser is fit for the next document
+    EXPECT_TRUE(manager.isEmpty());
+    EXPECT_FALSE(manager.isDirty());
+}
+
+TEST_F(RelationshipsDocument, readsWhatCreationWouldRefuse) {
+    read(relationships(
+        R"(<Relationship Id="r2" Type="t:t" Target="http://h/x"/>)"
+        R"(<Relationship Id="r1" Type="t:t" Target="/a/b.xml" TargetMode="Internal">text</Relationship>)"
+        R"(<Relationship Id="r10" Type="t:t" Target="dir\é" TargetMode="External"/>)"));
+    EXPECT_EQ(manager.getRelationship(u"r2").getTargetURI().toString(), u"http://h/x");
+    EXPECT_EQ(manager.getRelationship(u"r1").getTargetMode(), TargetMode::Internal);
+    EXPECT_EQ(manager.getRelationship(u"r10").getTarget(), u"dir\\é");
+    EXPECT_FALSE(manager.isDirty());
+}
+
+TEST_F(RelationshipsDocument, aNamespacePrefixHidesTheElements) {
+    read(opc::test::toBytes(
+        R"(<r:Relationships xmlns:r="http://schemas.openxmlformats.org/package/2006/relationships">)"
+        R"(<r:Relationship Id="r" Type="t:t" Target="x"/></r:Relationships>)"));
+    EXPECT_TRUE(manager.isEmpty());
+}
+
+TEST_F(RelationshipsDocument, isWrittenInTheOrderOfIDs) {
+    manager.addInternalRelationship(u"rId2", u"t:2", URI(u"x.xml"));
+    manager.addExternalRelationship(u"rId10", u"t:10", u"a&b\"<é");
+    const std::string document = write();
+    EXPECT_EQ(document,
+              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
+              "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">\n"
+              "  <Relationship Id=\"rId10\" Target=\"a&amp;b&quot;&lt;\xC3\xA9\" TargetMode=\"External\" "
+              "Type=\"t:10\"/>\n"
+              "  <Relationship Id=\"rId2\" Target=\"x.xml\" Type=\"t:2\"/>\n"
+              "</Relationships>\n");
+    read(opc::test::toBytes(document));
+    EXPECT_EQ(write(), document) << "what was written reads back";
+}
+
+TEST_F(RelationshipsDocument, charactersThatXMLCanNotHoldAreRefusedInWriting) {
+    manager.addExternalRelationship(u"r", u"t:t", u"a\u0001");
+    EXPECT_THROW(write(), InvalidPartContent);
+    manager.deleteRelationship(u"r");
+    manager.addExternalRelationship(u"r", u"t:t", u"b");
+    EXPECT_NE(write().find("Target=\"b\""), std::string::npos) << "the writer is fit for the next document";
+}
+
+TEST_F(RelationshipsDocument, manyRelationshipsAreReadInLinearTime) {
+    std::string elements;
+    for (int i = 0; i < 20000; ++i)
+        elements += R"(<Relationship Id="r)" + std::to_string(i) + R"(" Type="t:t" Target="x"/>)";
+    read(relationships(elements));
+    EXPECT_EQ(manager.getRelationships({}).size(), 20000U);
+}
+
+} // namespace

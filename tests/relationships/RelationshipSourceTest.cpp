@@ -1,0 +1,203 @@
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::test::throws;
+
+class RelationshipSources : public testing::Test {
+protected:
+    RelationshipSources() : physical(store), package(physical) {
+        opc::test::fill(store, {u"/a/b.xml", u"/c.xml"});
+    }
+
+    Part open(OpenMode mode = OpenMode::ReadWrite) {
+        package.open(mode);
+        return package.getPart(PartName(u"/a/b.xml"));
+    }
+
+    static std::vector<std::u16string> ids(const RelationshipSource& source) {
+        std::vector<std::u16string> result;
+        for (const Relationship& relationship : source.getRelationships())
+            result.push_back(relationship.getID());
+        return result;
+    }
+
+    opc::physical::MemoryPackage store;
+    opc::test::ScriptedPackage physical;
+    Package package;
+};
+
+TEST_F(RelationshipSources, storeTheRelativeFormOfInternalTargets) {
+    Part part = open();
+    struct Case {
+        const char16_t *target, *stored;
+    };
+    const Case cases[] = {
+        {u"/a/x.xml", u"x.xml"},  {u"/c.xml", u"../c.xml"},    {u"../c.xml", u"../c.xml"},
+        {u"x/y.xml", u"x/y.xml"}, {u"/a/b/c.xml", u"b/c.xml"}, {u"/none.xml", u"../none.xml"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(part.createInternalRelationship(u"t:t", URI(c.target)).getTarget(), c.stored);
+    EXPECT_EQ(package.createInternalRelationship(u"t:t", URI(u"/a/b.xml")).getTarget(), u"a/b.xml");
+}
+
+TEST_F(RelationshipSources, refuseBadInternalTargets) {
+    Part part = open();
+    const auto create = [&](const char16_t* target) {
+        return [&part, target] { part.createInternalRelationship(u"", URI(target), u"1"); };
+    };
+    const std::pair<const char16_t*, const char*> refused[] = {
+        {u"http://h/a/x.xml", "Relationship target cannot be an absolute URI for an internal relationship"},
+        {u"mailto:a", "Relationship target cannot be an absolute URI for an internal relationship"},
+        {u"x.", "A segment shall not end with a dot ('.') character [M1.9]"},
+        {u"/a/x%41", "A segment shall not contain percent-encoded unreserved characters. [M1.8]"},
+        {u"x/", "A part name shall not have a forward slash as the last character [M1.5]"},
+        {u"_rels/b.xml.rels", "Relationship target cannot be a relationship part name."},
+        {u"/_rels/.rels", "Relationship target cannot be a relationship part name."},
+        {u"b.xml", "Relationship target cannot be the same as the source."},
+        {u"B.xml", "Relationship target cannot be the same as the source."},
+        {u"/A/b.xml", "Relationship target cannot be the same as the source."},
+        {u"../a/./b.xml", "Relationship target cannot be the same as the source."},
+    };
+    for (const auto& [target, message] : refused)
+        EXPECT_TRUE(throws<InvalidRelationshipTarget>(message, create(target)));
+    EXPECT_TRUE(throws<UnsupportedRelativize>("URI's paths must be different.", create(u"/a/b.xml")));
+    EXPECT_TRUE(throws<InvalidRelationshipTarget>(
+        "External relationship target is not a valid xsd::anyURI. See http://www.w3.org/TR/leiri/.",
+        [&] { part.createExternalRelationship(u"", u"%", u"1"); }));
+    EXPECT_TRUE(part.getRelationships().empty());
+    EXPECT_EQ(physical.countCalls("createPart"), 0U);
+}
+
+TEST_F(RelationshipSources, checkTypeAndThenID) {
+    Part part = open();
+    part.createExternalRelationship(u"t:t", u"x", u"used");
+    const auto create = [&](const char16_t* type, const char16_t* id) {
+        return [&part, type, id] { part.createExternalRelationship(type, u"x", id); };
+    };
+    EXPECT_TRUE(throws<InvalidRelationshipType>("Relationship type must not be empty.", create(u"", u"1")));
+    EXPECT_TRUE(
+        throws<InvalidRelationshipType>("Relationship type is not a valid xsd::anyURI", create(u"é", u"1")));
+    EXPECT_TRUE(
+        throws<InvalidRelationshipID>("Relationship ID is not a valid xsd::ID", create(u"t:t", u"1")));
+    EXPECT_TRUE(throws<RelationshipAlreadyExists>("Relationship ID already exists", create(u"t:t", u"used")));
+    create(u"t:t", u"Used")();
+}
+
+TEST_F(RelationshipSources, validIDsAreNamesWithoutColonOrSurrogates) {
+    for (const std::u16string id :
+         {u"a", u"_", u"rId1", u"é", u"a-b.c·\u0300\u203F", u"\u2C00", u"\uFFFD", u"\u037F"})
+        EXPECT_TRUE(RelationshipSource::isValidID(id)) << opc::toUDEString(id);
+    for (const std::u16string id : {u"", u"1", u"-a", u".a", u"a:b", u":", u"a b", u"×", u"÷", u"\u0300a",
+                                    u"\u037E", u"\u2190", u"\uFDD0", u"a\U00010000", u"\uFFFE", u"a/"})
+        EXPECT_FALSE(RelationshipSource::isValidID(id)) << opc::toUDEString(id);
+}
+
+TEST_F(RelationshipSources, generatedIDsAreNeverUsedTwice) {
+    store.setPart(u"/_rels/c.xml.rels",
+                  opc::test::relationships(R"(<Relationship Id="rId1" Type="t:t" Target="x"/>)"
+                                           R"(<Relationship Id="rId3" Type="t:t" Target="x"/>)"));
+    Part part = open();
+    Part read = package.getPart(PartName(u"/c.xml"));
+    EXPECT_EQ(read.createExternalRelationship(u"t:t", u"x").getID(), u"rId2");
+    EXPECT_EQ(read.createExternalRelationship(u"t:t", u"x").getID(), u"rId4");
+
+    EXPECT_EQ(part.createExternalRelationship(u"t:t", u"x").getID(), u"rId1");
+    part.deleteRelationship(u"rId1");
+    EXPECT_EQ(part.createExternalRelationship(u"t:t", u"x").getID(), u"rId2");
+    part.createExternalRelationship(u"t:t", u"x", u"Z");
+    part.createExternalRelationship(u"t:t", u"x", u"a");
+    for (int i = 3; i <= 10; ++i)
+        part.createExternalRelationship(u"t:t", u"x");
+    const auto all = ids(part);
+    EXPECT_EQ(all.front(), u"Z");
+    EXPECT_EQ(all[2], u"rId10") << "code unit by code unit";
+    EXPECT_EQ(all[3], u"rId2");
+}
+
+TEST_F(RelationshipSources, thePartComesWithTheFirstAndGoesWithTheLast) {
+    Part part = open();
+    part.createExternalRelationship(u"t:t", u"x", u"a");
+    part.createExternalRelationship(u"t:t", u"x", u"b");
+    EXPECT_EQ(physical.countCalls(
+                  "createPart /a/_rels/b.xml.rels application/vnd.openxmlformats-package.relationships+xml"),
+              1U);
+    EXPECT_FALSE(package.hasPart(PartName(u"/a/_rels/b.xml.rels"))) << "it is no part of its own";
+    part.deleteRelationship(u"a");
+    EXPECT_EQ(physical.countCalls("deletePart"), 0U);
+    part.deleteRelationship(u"b");
+    EXPECT_EQ(physical.countCalls("deletePart /a/_rels/b.xml.rels"), 1U);
+    part.createExternalRelationship(u"t:t", u"x", u"c");
+    EXPECT_EQ(physical.countCalls("createPart /a/_rels/b.xml.rels"), 2U);
+
+    physical.failAt("deletePart", "stuck");
+    EXPECT_TRUE(throws<PartDeleteFailed>("stuck", [&] { part.deleteRelationship(u"c"); }));
+    EXPECT_FALSE(part.hasRelationship(u"c"));
+    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
+                                             [&] { part.deleteRelationship(u"c"); }));
+
+    physical.failAt("createPart", "no room");
+    EXPECT_TRUE(
+        throws<PartCreateFailed>("no room", [&] { part.createExternalRelationship(u"t:t", u"x", u"d"); }));
+    EXPECT_FALSE(part.hasRelationship(u"d"));
+}
+
+TEST_F(RelationshipSources, guardsStandInFrontOfTheArguments) {
+    const auto create = [this] { package.createInternalRelationship(u"", URI(u"http://h/"), u"1"); };
+    const auto remove = [this] { package.deleteRelationship(u"none"); };
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", create));
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.hasRelationship(u"x"); }));
+    package.open(OpenMode::ReadOnly);
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", create));
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", remove));
+    EXPECT_FALSE(package.hasRelationship(u"x"));
+    package.close(false);
+    package.open(OpenMode::CreateOnly);
+    EXPECT_TRUE(throws<PackageCreateOnly>("Package is open only for create", remove));
+    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
+                                             [&] { package.getRelationshipByID(u"none"); }));
+    package.close(true);
+    package.open(OpenMode::ReadWrite);
+    Part part = package.getPart(PartName(u"/c.xml"));
+    package.deletePart(PartName(u"/c.xml"));
+    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid",
+                                      [&] { part.createExternalRelationship(u"", u"%"); }));
+}
+
+TEST_F(RelationshipSources, whatWasHandedOutOutlivesItsSource) {
+    Part part = open();
+    Part copy = part;
+    const Relationship relationship = part.createInternalRelationship(u"t:t", URI(u"x.xml"));
+    EXPECT_EQ(ids(copy), ids(part)) << "copies share one set";
+    package.close(false);
+    EXPECT_EQ(relationship.getTargetURI().toString(), u"/a/x.xml");
+    EXPECT_EQ(relationship.getSourceURI().toString(), u"/a/b.xml");
+    EXPECT_EQ(open(OpenMode::ReadOnly).getRelationshipByID(u"rId1").getTarget(), u"x.xml");
+}
+
+TEST_F(RelationshipSources, aPartWithoutRelationshipsIsReplacedByTheFirst) {
+    store.setPart(u"/a/_rels/b.xml.rels", opc::test::relationships(""));
+    Part part = open();
+    part.createExternalRelationship(u"t:t", u"dir\\x");
+    package.close(false);
+    EXPECT_EQ(open().getRelationshipByID(u"rId1").getTarget(), u"dir\\x");
+}
+
+TEST_F(RelationshipSources, anEmptyExternalTargetCanBeWrittenButNotRead) {
+    Part part = open();
+    part.createExternalRelationship(u"t:t", u"");
+    package.close(false);
+    EXPECT_TRUE(
+        throws<InvalidRelationshipContent>("In /a/_rels/b.xml.rels: Target is empty", [&] { open(); }));
+}
+
+} // namespace

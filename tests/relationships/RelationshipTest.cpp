@@ -1,0 +1,93 @@
+#include "relationships/RelationshipManager.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/RelationshipSelector.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::throws;
+
+TEST(Relationship, resolvesInternalTargetsAndKeepsTheText) {
+    RelationshipManager manager(URI(u"/a/b.xml"));
+    const Relationship relative = manager.addInternalRelationship(u"r1", u"t:t", URI(u"c.xml"));
+    const Relationship copy = relative;
+    EXPECT_TRUE(relative == copy);
+    EXPECT_EQ(relative.getTargetURI().toString(), u"/a/c.xml");
+    EXPECT_EQ(relative.getTarget(), u"c.xml");
+    EXPECT_TRUE(relative != copy) << "what has been worked out counts";
+    EXPECT_EQ(copy.getTargetURI().toString(), u"/a/c.xml");
+    EXPECT_TRUE(relative == copy);
+
+    const Relationship absolute = manager.addInternalRelationship(u"r2", u"t:t", URI(u"http://h/x?q#f"));
+    EXPECT_EQ(absolute.getTargetURI().toString(), u"http://h/x?q#f");
+}
+
+TEST(Relationship, convertsExternalTargetsToASCII) {
+    RelationshipManager manager(URI(u"/"));
+    struct Case {
+        const char16_t *target, *uri;
+    };
+    const Case cases[] = {
+        {u"dir\\x", u"dir/x"},
+        {u"http://h/é", u"http://h/%C3%A9"},
+        {u"a b|c", u"a%20b%7Cc"},
+        {u"mailto:a@b", u"mailto:a@b"},
+        {u"", u""},
+    };
+    for (const Case& c : cases) {
+        const Relationship external = manager.addExternalRelationship(u"r", u"t:t", c.target);
+        EXPECT_EQ(external.getTargetURI(), std::u16string(c.uri));
+        EXPECT_EQ(external.getTargetURI().toString(), c.uri) << "also the second time";
+        EXPECT_EQ(external.getTarget(), c.target);
+    }
+    const Relationship bad = manager.addExternalRelationship(u"r", u"t:t", u"a%zz");
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(throws<InvalidURI>(
+            "Could not successfully convert external target to a URI. Use getTarget() instead.",
+            [&] { bad.getTargetURI(); }));
+}
+
+TEST(Relationship, isOrderedByIDAlone) {
+    RelationshipManager manager(URI(u"/"));
+    const auto make = [&](const char16_t* id, const char16_t* type) {
+        return manager.addInternalRelationship(id, type, URI(u"x"));
+    };
+    EXPECT_TRUE(make(u"rId10", u"z:z") < make(u"rId2", u"a:a"));
+    EXPECT_TRUE(make(u"B", u"t:t") < make(u"a", u"t:t"));
+    EXPECT_FALSE(make(u"a", u"a:a") < make(u"a", u"b:b"));
+    EXPECT_TRUE(make(u"a", u"a:a") != make(u"a", u"b:b"));
+    EXPECT_TRUE(make(u"a", u"a:a") != make(u"a", u"a:A")) << "types count letter case";
+}
+
+TEST(RelationshipManager, keepsTheFirstRelationshipOfAnID) {
+    RelationshipManager manager(URI(u"/"));
+    manager.addInternalRelationship(u"a", u"t:first", URI(u"x"));
+    EXPECT_EQ(manager.addExternalRelationship(u"a", u"t:second", u"y").getType(), u"t:second");
+    EXPECT_EQ(manager.getRelationship(u"a").getType(), u"t:first");
+    EXPECT_FALSE(manager.hasRelationship(u"A"));
+    manager.deleteRelationship(u"a");
+    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
+                                             [&] { manager.deleteRelationship(u"a"); }));
+    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
+                                             [&] { manager.getRelationship(u"a"); }));
+}
+
+TEST(RelationshipSelector, refusesBadSourcesAndThenEmptyCriteria) {
+    const auto select = [](const char16_t* source, const char16_t* criteria) {
+        return RelationshipSelector(URI(source), RelationshipSelectorType::SourceId, criteria);
+    };
+    select(u"/", u"rId1");
+    const std::string notRooted =
+        "Input sourceURI is incorrect:A part name shall start with a forward slash ('/') character [M1.4]";
+    EXPECT_TRUE(throws<InvalidURI>(notRooted, [&] { select(u"a/b", u"rId1"); }));
+    EXPECT_TRUE(throws<InvalidURI>(notRooted, [&] { select(u"a/b", u""); }));
+    EXPECT_TRUE(throws<opc::Exception>("SelectionCriteria cannot be empty.", [&] { select(u"/a", u""); }));
+    EXPECT_TRUE(select(u"/A.xml", u"r") == select(u"/a.xml", u"r"));
+    EXPECT_TRUE(select(u"/a.xml", u"R") != select(u"/a.xml", u"r"));
+    EXPECT_TRUE(select(u"/a.xml", u"r") !=
+                RelationshipSelector(URI(u"/a.xml"), RelationshipSelectorType::SourceType, u"r"));
+}
+
+} // namespace

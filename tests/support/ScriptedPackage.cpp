@@ -1,0 +1,103 @@
+#include "support/ScriptedPackage.hpp"
+
+#include <opc/core/Text.hpp>
+
+#include <algorithm>
+
+namespace opc::test {
+
+class ScriptedPackage::ScriptedPart : public interfaces::IPhysicalPart {
+public:
+    ScriptedPart(ScriptedPackage& package, interfaces::IPhysicalPart& part) : owner(package), inner(part) {}
+
+    std::u16string getName() const override { return inner.getName(); }
+    std::u16string getContentType() const override { return inner.getContentType(); }
+    interfaces::IPhysicalInputStream* getInputStream() override {
+        owner.record("getInputStream " + toUDEString(getName()));
+        return inner.getInputStream();
+    }
+    interfaces::IPhysicalOutputStream* getOutputStream() override {
+        owner.record("getOutputStream " + toUDEString(getName()));
+        return inner.getOutputStream();
+    }
+
+private:
+    ScriptedPackage& owner;
+    interfaces::IPhysicalPart& inner;
+};
+
+void ScriptedPackage::failAt(const std::string& call, const std::string& message,
+                             boost::system::errc::errc_t code) {
+    before(call, [=] { throw Exception(message, boost::system::errc::make_error_code(code)); });
+}
+
+std::size_t ScriptedPackage::countCalls(const std::string& start) const {
+    return static_cast<std::size_t>(
+        std::count_if(calls.begin(), calls.end(), [&start](const std::string& call) {
+            return call.compare(0, start.size(), start) == 0;
+        }));
+}
+
+void ScriptedPackage::record(const std::string& call) {
+    calls.push_back(call);
+    for (const std::string& key : {call, call.substr(0, call.find(' '))}) {
+        const auto action = actions.find(key);
+        if (action != actions.end()) {
+            action->second();
+            return;
+        }
+    }
+}
+
+interfaces::IPhysicalPart* ScriptedPackage::wrap(interfaces::IPhysicalPart* part) {
+    auto& wrapper = wrapped[part];
+    if (!wrapper)
+        wrapper = std::make_unique<ScriptedPart>(*this, *part);
+    return wrapper.get();
+}
+
+bool ScriptedPackage::usesContentTypeStream() {
+    return inner.usesContentTypeStream();
+}
+
+interfaces::IPhysicalInputStream* ScriptedPackage::getContentTypeInputStream() {
+    record("getContentTypeInputStream");
+    return inner.getContentTypeInputStream();
+}
+
+interfaces::IPhysicalOutputStream* ScriptedPackage::getContentTypeOutputStream() {
+    record("getContentTypeOutputStream");
+    return inner.getContentTypeOutputStream();
+}
+
+std::vector<interfaces::IPhysicalPart*> ScriptedPackage::getParts() {
+    record("getParts");
+    auto parts = inner.getParts();
+    std::transform(parts.begin(), parts.end(), parts.begin(), [this](auto* part) { return wrap(part); });
+    return parts;
+}
+
+void ScriptedPackage::open(const interfaces::OpenMode& mode) {
+    record("open " + std::to_string(static_cast<unsigned>(mode)));
+    wrapped.clear();
+    inner.open(mode);
+}
+
+void ScriptedPackage::close(bool abandon) {
+    record(abandon ? "close true" : "close false");
+    inner.close(abandon);
+}
+
+interfaces::IPhysicalPart* ScriptedPackage::createPart(const std::u16string& name,
+                                                       const std::u16string& contentType,
+                                                       const interfaces::IPhysicalPartInfo& info) {
+    record("createPart " + toUDEString(name) + " " + toUDEString(contentType));
+    return wrap(inner.createPart(name, contentType, info));
+}
+
+void ScriptedPackage::deletePart(const std::u16string& name) {
+    record("deletePart " + toUDEString(name));
+    inner.deletePart(name);
+}
+
+} // namespace opc::test

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <opc/core/Exception.hpp>
+#include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::test {
+
+/// A physical package that forwards to another, writes down every call as a text ("createPart /a.xml
+/// text/xml", "close true", "getInputStream /a.xml" …), and can be told to do something first, such as to
+/// fail.
+class ScriptedPackage : public interfaces::IPhysicalPackage {
+public:
+    explicit ScriptedPackage(interfaces::IPhysicalPackage& package) : inner(package) {}
+
+    /// Runs `action` in front of each call with that text, or at its first word.
+    void before(const std::string& call, std::function<void()> action) { actions[call] = std::move(action); }
+    void failAt(const std::string& call, const std::string& message,
+                boost::system::errc::errc_t code = boost::system::errc::io_error);
+    void forgetScript() { actions.clear(); }
+
+    /// All calls so far.
+    std::vector<std::string> calls;
+
+    /// How many of them begin with `start`.
+    std::size_t countCalls(const std::string& start) const;
+
+    bool usesContentTypeStream() override;
+    interfaces::IPhysicalInputStream* getContentTypeInputStream() override;
+    interfaces::IPhysicalOutputStream* getContentTypeOutputStream() override;
+    std::vector<interfaces::IPhysicalPart*> getParts() override;
+    void open(const interfaces::OpenMode& mode) override;
+    void close(bool abandon) override;
+    interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
+                                          const interfaces::IPhysicalPartInfo& info) override;
+    void deletePart(const std::u16string& name) override;
+
+private:
+    class ScriptedPart;
+
+    void record(const std::string& call);
+    interfaces::IPhysicalPart* wrap(interfaces::IPhysicalPart* part);
+
+    interfaces::IPhysicalPackage& inner;
+    std::map<std::string, std::function<void()>> actions;
+    std::map<interfaces::IPhysicalPart*, std::unique_ptr<interfaces::IPhysicalPart>> wrapped;
+};
+
+} // namespace opc::test
