@@ -1,0 +1,51 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "TemporaryFolder.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+namespace {
+
+using namespace opc::test;
+using opc::physical::ZipPackage;
+
+TEST(OfficeFiles, keepEveryItemButTheChangedOnes) {
+    struct Case {
+        const char* file;
+        std::size_t parts;
+    };
+    const Case cases[] = {
+        {"letter.docx", 9}, {"budget.xlsx", 8}, {"talk.pptx", 37}, {"report.docx", 16}, {"table.xlsx", 9},
+    };
+    for (const Case& c : cases) {
+        const TemporaryFolder folder;
+        const auto path = folder / c.file;
+        std::filesystem::copy_file(std::filesystem::path(OPCMODEL_TEST_DATA) / "office" / c.file, path);
+        const auto before = readZip(readFile(path));
+
+        ZipPackage package(path);
+        package.open(OpenMode::ReadWrite);
+        EXPECT_EQ(package.getParts().size(), c.parts) << c.file;
+        EXPECT_TRUE(package.ignoredItems().empty()) << c.file;
+        for (auto* part : package.getParts())
+            EXPECT_EQ(content(*part).size(),
+                      itemOf(before, opc::toASCIIString(part->getName()).substr(1)).size);
+        const std::string types = rest(*package.getContentTypeInputStream());
+        EXPECT_NE(types.find("<Types"), std::string::npos);
+        create(package, u"/custom/note.txt", "added");
+        putContentTypes(package, types);
+        package.close(false);
+
+        EXPECT_TRUE(othersAccept(path));
+        const auto after = readZip(readFile(path));
+        EXPECT_EQ(after.size(), before.size() + 1);
+        for (const RawItem& item : before) {
+            if (item.name == "[Content_Types].xml")
+                continue;
+            EXPECT_EQ(itemOf(after, item.name).data, item.data) << c.file << ": " << item.name;
+        }
+    }
+}
+
+} // namespace
