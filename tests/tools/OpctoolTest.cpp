@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <sys/wait.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+std::string contentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Runs opctool in a folder of its own, as a person at a shell does.
+class Opctool : public testing::Test {
+protected:
+    struct Outcome {
+        int status = -1;
+        std::string output;
+        std::string errors;
+    };
+
+    void SetUp() override {
+        std::string name = (fs::temp_directory_path() / "opctool_XXXXXX").string();
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        folder = name;
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    Outcome run(const std::string& arguments) const {
+        const fs::path errors = folder / "stderr";
+        const std::string command =
+            "cd '" + folder.string() + "' && '" OPCTOOL "' " + arguments + " 2>'" + errors.string() + "'";
+        Outcome outcome;
+        FILE* pipe = popen(command.c_str(), "r");
+        std::array<char, 4096> block{};
+        for (std::size_t got = 0; (got = fread(block.data(), 1, block.size(), pipe)) > 0;)
+            outcome.output.append(block.data(), got);
+        const int status = pclose(pipe);
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        outcome.errors = contentOf(errors);
+        fs::remove(errors);
+        return outcome;
+    }
+
+    json list(const std::string& arguments) const {
+        const Outcome outcome = run(arguments + " --json");
+        EXPECT_EQ(outcome.status, 0) << arguments << ": " << outcome.errors;
+        return json::parse(outcome.output, nullptr, false);
+    }
+
+    void copy(const char* fixture, const char* name) const {
+        fs::copy_file(fs::path(OPCMODEL_TEST_DATA) / "office" / fixture, folder / name);
+    }
+
+    void write(const char* name, const std::string& text) const {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+
+    fs::path folder;
+};
+
+TEST_F(Opctool, buildsAPackageStepByStep) {
+    write("note.txt", "hello");
+    EXPECT_EQ(run("new p.zip").status, 0);
+    EXPECT_EQ(list("ls p.zip"), json::array());
+    EXPECT_EQ(run("add p.zip /notes/a.txt note.txt --type 'text/plain; charset=utf-8'").status, 0);
+    EXPECT_EQ(run("relate p.zip / urn:t /notes/a.txt").output, "rId1\n");
+    EXPECT_EQ(run("relate p.zip /notes/a.txt urn:t 'dir\\é' --external --id link").output, "link\n");
+
+    EXPECT_EQ(list("ls p.zip"),
+              json::parse(R"([{"name": "/notes/a.txt", "contentType": "text/plain;charset=utf-8",
+                                                 "size": 5, "relationships": 1}])"));
+    const json package =
+        json::parse(R"({"source": "/", "id": "rId1", "type": "urn:t", "target": "notes/a.txt",
+                                         "mode": "Internal", "resolved": "/notes/a.txt"})");
+    const json part =
+        json::parse(R"({"source": "/notes/a.txt", "id": "link", "type": "urn:t", "target": "dir\\é",
+                                      "mode": "External", "resolved": null})");
+    EXPECT_EQ(list("rels p.zip"), json::array({package}));
+    EXPECT_EQ(list("rels p.zip /notes/a.txt"), json::array({part}));
+    EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
+    EXPECT_EQ(run("cat p.zip /NOTES/a.txt").output, "hello");
+
+    EXPECT_EQ(run("unrelate p.zip / rId1").status, 0);
+    EXPECT_EQ(run("rm p.zip /notes/a.txt").status, 0);
+    EXPECT_EQ(list("rels p.zip --all"), json::array());
+}
+
+TEST_F(Opctool, printsAlignedColumnsWithoutColour) {
+    write("a", std::string(1234, 'x'));
+    run("new p.zip");
+    run("add p.zip /long/name.bin a --type a/b");
+    run("add p.zip /z a --type application/x");
+    EXPECT_EQ(run("ls p.zip").output, "NAME            CONTENT TYPE   SIZE  RELATIONSHIPS\n"
+                                      "/long/name.bin  a/b            1234              0\n"
+                                      "/z              application/x  1234              0\n");
+    EXPECT_EQ(run("rels p.zip").output, "");
+}
+
+TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
+    write("note.txt", "hello");
+    write("bad.zip", "PK\x03\x04 cut short");
+    run("new p.zip");
+    run("add p.zip /a.txt note.txt --type text/plain");
+    const std::string before = contentOf(folder / "p.zip");
+    struct Case {
+        const char *arguments, *line;
+    };
+    const Case cases[] = {
+        {"add p.zip /A.txt note.txt --type text/plain",
+         "opctool: PartAlreadyExists: Cannot use a part name that already exists: /A.txt\n"},
+        {"add p.zip /b. note.txt --type text/plain",
+         "opctool: InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]\n"},
+        {"add p.zip /b note.txt --type text",
+         "opctool: InvalidContentType: Could not successfully parse content type string\n"},
+        {"rm p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
+        {"cat p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
+        {"rels p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
+        {"unrelate p.zip / rId1", "opctool: RelationshipNotFound: Relationship ID does not exist\n"},
+        {"relate p.zip / urn:t http://h/",
+         "opctool: InvalidRelationshipTarget: Relationship target cannot be an absolute URI for an internal "
+         "relationship\n"},
+        {"new p.zip", "opctool: Exception: p.zip exists already; --force replaces it\n"},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = run(c.arguments);
+        EXPECT_EQ(outcome.status, 3) << c.arguments;
+        EXPECT_EQ(outcome.errors, c.line) << c.arguments;
+        EXPECT_EQ(outcome.output, "") << c.arguments;
+        EXPECT_EQ(contentOf(folder / "p.zip"), before) << c.arguments;
+    }
+    EXPECT_EQ(run("ls none.zip").errors.rfind("opctool: PackageNotFound: ", 0), 0U);
+    EXPECT_EQ(run("ls bad.zip").errors.rfind("opctool: PackageOpenFailed: ", 0), 0U);
+    EXPECT_FALSE(fs::exists(folder / "none.zip"));
+}
+
+TEST_F(Opctool, wrongUsageHasAStatusOfItsOwn) {
+    run("new p.zip");
+    for (const char* arguments :
+         {"", "nonsense", "ls", "ls p.zip extra", "ls p.zip --nonsense", "rels p.zip / --all",
+          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t"}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        EXPECT_NE(outcome.errors, "") << arguments;
+    }
+    for (const char* arguments :
+         {"--help", "--version", "ls --help", "rels --help", "cat --help", "new --help", "add --help",
+          "rm --help", "relate --help", "unrelate --help"}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 0) << arguments;
+        EXPECT_NE(outcome.output, "") << arguments;
+    }
+}
+
+TEST_F(Opctool, failsIfItsOutputCanNotBeWritten) {
+    run("new p.zip");
+    EXPECT_EQ(run("ls p.zip --json >/dev/full").status, 3);
+}
+
+TEST_F(Opctool, changesWhatOfficeProgramsWrote) {
+    for (const char* fixture : {"letter.docx", "budget.xlsx", "talk.pptx", "report.docx", "table.xlsx"}) {
+        SCOPED_TRACE(fixture);
+        copy(fixture, fixture);
+        write("note.txt", "hello");
+        const std::string name = fixture;
+        const json before = list("ls " + name);
+        EXPECT_GT(before.size(), 3U);
+        EXPECT_GT(list("rels " + name + " --all").size(), 3U);
+        EXPECT_EQ(run("add " + name + " /notes/note.txt note.txt --type text/plain").status, 0);
+        const Outcome relate = run("relate " + name + " / urn:note /notes/note.txt");
+        EXPECT_EQ(relate.status, 0);
+        EXPECT_EQ(list("ls " + name).size(), before.size() + 1);
+        EXPECT_EQ(std::system(("cd '" + folder.string() + "' && unzip -tqq '" + name + "'").c_str()), 0);
+        EXPECT_EQ(run("unrelate " + name + " / " + relate.output).status, 0);
+        EXPECT_EQ(run("rm " + name + " /notes/note.txt").status, 0);
+        EXPECT_EQ(list("ls " + name), before);
+    }
+}
+
+} // namespace

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace opctool {
+
+/// Each adds a family of commands, with its arguments and what it does.
+/// @{
+
+void addListCommands(CLI::App& app);   ///< ls, rels, cat
+void addChangeCommands(CLI::App& app); ///< new, add, rm, relate, unrelate
+
+/// @}
+
+} // namespace opctool

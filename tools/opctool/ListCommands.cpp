@@ -1,0 +1,146 @@
+#include "Commands.hpp"
+#include "OpenedPackage.hpp"
+#include "Table.hpp"
+
+#include <opc/core/StreamHelper.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <iostream>
+#include <memory>
+#include <vector>
+
+namespace opctool {
+
+namespace {
+
+using nlohmann::ordered_json;
+using opc::toUDEString;
+using opc::interfaces::OpenMode;
+using opc::model::Part;
+using opc::model::Relationship;
+using opc::model::RelationshipSource;
+using opc::model::TargetMode;
+
+/// @return the size in bytes: the physical layer tells none, so the content is read
+std::uint64_t measure(const Part& part) {
+    std::vector<unsigned char> block(64 * 1024);
+    opc::InputStream& stream = part.getInputStream();
+    std::uint64_t size = 0;
+    while (!stream.isDone())
+        size += stream.read(block.data(), block.size());
+    return size;
+}
+
+void printJSON(const ordered_json& list) {
+    std::cout << list.dump(2) << '\n';
+}
+
+struct LsArguments {
+    std::string package;
+    bool json = false;
+};
+
+void ls(const LsArguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    ordered_json list = ordered_json::array();
+    for (const Part& part : package->getParts())
+        list.push_back({{"name", toUDEString(part.getName().toString())},
+                        {"contentType", toUDEString(part.getContentType().toString())},
+                        {"size", measure(part)},
+                        {"relationships", part.getRelationships().size()}});
+    if (arguments.json) {
+        printJSON(list);
+        return;
+    }
+    Table table(
+        {{"NAME"}, {"CONTENT TYPE"}, {"SIZE", Table::Align::Right}, {"RELATIONSHIPS", Table::Align::Right}});
+    for (const auto& row : list)
+        table.addRow({row["name"], row["contentType"], row["size"].dump(), row["relationships"].dump()});
+    table.print(std::cout, outputIsTerminal());
+}
+
+struct RelsArguments {
+    std::string package;
+    std::string source = "/";
+    bool all = false;
+    bool json = false;
+};
+
+ordered_json describe(const Relationship& relationship) {
+    const bool isInternal = relationship.getTargetMode() == TargetMode::Internal;
+    ordered_json resolved; // null: what lies outside the package isn't resolved
+    if (isInternal)
+        resolved = toUDEString(relationship.getTargetURI().toString());
+    return {{"source", toUDEString(relationship.getSourceURI().toString())},
+            {"id", toUDEString(relationship.getID())},
+            {"type", toUDEString(relationship.getType())},
+            {"target", toUDEString(relationship.getTarget())},
+            {"mode", isInternal ? "Internal" : "External"},
+            {"resolved", resolved}};
+}
+
+void rels(const RelsArguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    ordered_json list = ordered_json::array();
+    const auto add = [&list](const RelationshipSource& source) {
+        for (const Relationship& relationship : source.getRelationships())
+            list.push_back(describe(relationship));
+    };
+    package.withSource(arguments.source, add);
+    if (arguments.all)
+        for (const Part& part : package->getParts())
+            add(part);
+
+    if (arguments.json) {
+        printJSON(list);
+        return;
+    }
+    Table table({{"SOURCE"}, {"ID"}, {"MODE"}, {"TARGET"}, {"RESOLVED"}, {"TYPE"}});
+    for (const auto& row : list)
+        table.addRow({row["source"], row["id"], row["mode"], row["target"],
+                      row["resolved"].is_null() ? std::string("-") : row["resolved"].get<std::string>(),
+                      row["type"]});
+    table.print(std::cout, outputIsTerminal());
+}
+
+struct CatArguments {
+    std::string package;
+    std::string part;
+};
+
+void cat(const CatArguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    const Part part = package->getPart(opc::model::PartName(fromArgument(arguments.part)));
+    opc::StreamHelper::copyStreamToStream(part.getInputStream(), std::cout);
+}
+
+} // namespace
+
+void addListCommands(CLI::App& app) {
+    auto lsArguments = std::make_shared<LsArguments>();
+    CLI::App* lsCommand = app.add_subcommand("ls", "List the parts: name, content type, size, relationships");
+    lsCommand->add_option("PACKAGE", lsArguments->package, "The package's file")->required();
+    lsCommand->add_flag("--json", lsArguments->json, "Print a JSON array");
+    lsCommand->callback([lsArguments] { ls(*lsArguments); });
+
+    auto relsArguments = std::make_shared<RelsArguments>();
+    CLI::App* relsCommand = app.add_subcommand("rels", "List the relationships of the package or of a part");
+    relsCommand->add_option("PACKAGE", relsArguments->package, "The package's file")->required();
+    CLI::Option* source =
+        relsCommand->add_option("SOURCE", relsArguments->source, "A part name; \"/\" is the package itself");
+    relsCommand->add_flag("--all", relsArguments->all, "The package and every part")->excludes(source);
+    relsCommand->add_flag("--json", relsArguments->json, "Print a JSON array");
+    relsCommand->callback([relsArguments] { rels(*relsArguments); });
+
+    auto catArguments = std::make_shared<CatArguments>();
+    CLI::App* catCommand = app.add_subcommand("cat", "Write the content of a part to standard output");
+    catCommand->add_option("PACKAGE", catArguments->package, "The package's file")->required();
+    catCommand->add_option("PART", catArguments->part, "A part name")->required();
+    catCommand->callback([catArguments] { cat(*catArguments); });
+}
+
+} // namespace opctool

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <opc/model/Package.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+#include <string>
+
+namespace opctool {
+
+/// The package of one command: opened when it is made. Unless `save` was called, it is left as it was.
+class OpenedPackage {
+public:
+    /// @param path  as it came from the command line
+    OpenedPackage(const std::string& path, opc::interfaces::OpenMode mode);
+
+    opc::model::Package* operator->() { return &package; }
+    opc::model::Package& operator*() { return package; }
+
+    /// Closes the package and writes what has changed.
+    void save();
+
+    /// The package itself for "/", otherwise the part of that name.
+    /// @param use  called with what was found
+    template <typename Use>
+    void withSource(const std::string& name, Use use);
+
+private:
+    opc::physical::ZipPackage archive;
+    opc::model::Package package;
+};
+
+/// A name from the command line, which is UTF-8.
+std::u16string fromArgument(const std::string& argument);
+
+template <typename Use>
+void OpenedPackage::withSource(const std::string& name, Use use) {
+    if (name == "/") {
+        use(static_cast<opc::model::RelationshipSource&>(package));
+        return;
+    }
+    opc::model::Part part = package.getPart(opc::model::PartName(fromArgument(name)));
+    use(static_cast<opc::model::RelationshipSource&>(part));
+}
+
+} // namespace opctool

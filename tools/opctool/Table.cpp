@@ -1,0 +1,58 @@
+#include "Table.hpp"
+
+#include <algorithm>
+#include <ostream>
+
+#include <unistd.h>
+
+namespace opctool {
+
+namespace {
+
+/// How many characters a UTF-8 text has.
+std::size_t width(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+void printCells(std::ostream& stream, const std::vector<std::string>& cells,
+                const std::vector<Table::Column>& columns, const std::vector<std::size_t>& widths) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const std::string padding(widths[i] - width(cells[i]), ' ');
+        const bool isLast = i + 1 == cells.size();
+        if (columns[i].align == Table::Align::Right)
+            stream << padding << cells[i];
+        else
+            stream << cells[i] << (isLast ? "" : padding);
+        stream << (isLast ? "" : "  ");
+    }
+}
+
+} // namespace
+
+void Table::print(std::ostream& stream, bool isTerminal) const {
+    if (rows.empty())
+        return;
+    std::vector<std::string> headings;
+    std::vector<std::size_t> widths;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        headings.push_back(columns[i].heading);
+        std::size_t widest = width(columns[i].heading);
+        for (const auto& row : rows)
+            widest = std::max(widest, width(row[i]));
+        widths.push_back(widest);
+    }
+    stream << (isTerminal ? "\033[1m" : "");
+    printCells(stream, headings, columns, widths);
+    stream << (isTerminal ? "\033[0m\n" : "\n");
+    for (const auto& row : rows) {
+        printCells(stream, row, columns, widths);
+        stream << '\n';
+    }
+}
+
+bool outputIsTerminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+} // namespace opctool

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace opctool {
+
+/// Rows for people to read: aligned columns under a heading, which is bold on a terminal.
+class Table {
+public:
+    enum class Align { Left, Right };
+
+    struct Column {
+        std::string heading;
+        Align align = Align::Left;
+    };
+
+    explicit Table(std::vector<Column> headings) : columns(std::move(headings)) {}
+
+    /// @param cells  one for each column, in UTF-8
+    void addRow(std::vector<std::string> cells) { rows.push_back(std::move(cells)); }
+
+    /// Writes nothing if there is no row.
+    void print(std::ostream& stream, bool isTerminal) const;
+
+private:
+    std::vector<Column> columns;
+    std::vector<std::vector<std::string>> rows;
+};
+
+/// Whether standard output goes to a terminal.
+bool outputIsTerminal();
+
+} // namespace opctool

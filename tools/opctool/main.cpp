@@ -1,0 +1,57 @@
+#include "Commands.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <CLI/CLI.hpp>
+
+#include <boost/core/demangle.hpp>
+
+#include <exception>
+#include <iostream>
+#include <string>
+#include <typeinfo>
+
+namespace {
+
+constexpr int DONE = 0;
+constexpr int WRONG_USAGE = 2;
+constexpr int FAILURE = 3;
+
+/// The class of a failure, without its namespaces.
+std::string className(const std::exception& failure) {
+    const std::string name = boost::core::demangle(typeid(failure).name());
+    return name.substr(name.rfind(':') + 1);
+}
+
+int fail(const std::exception& failure) {
+    std::cerr << "opctool: " << className(failure) << ": " << failure.what() << '\n';
+    return FAILURE;
+}
+
+void run(CLI::App& app, int argc, char** argv) {
+    app.parse(argc, argv);
+    std::cout.flush();
+    if (!std::cout)
+        throw opc::Exception("Standard output can't be written");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app(
+        "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …) and\n"
+        "changes them. Exit status: 0 done, 1 the answer is no, 2 wrong usage, 3 a failure.",
+        "opctool");
+    app.set_version_flag("--version", OPCMODEL_VERSION);
+    app.require_subcommand(1);
+    opctool::addListCommands(app);
+    opctool::addChangeCommands(app);
+    try {
+        run(app, argc, argv);
+        return DONE;
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? DONE : WRONG_USAGE;
+    } catch (const std::exception& e) {
+        return fail(e);
+    }
+}
