@@ -7,27 +7,27 @@
 
 namespace opc::model {
 
-Relationship::Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
-                           const URI& source, const std::u16string& externalTarget)
-    : id(relationshipID), type(relationshipType), sourceURI(source), target(externalTarget),
-      targetMode(TargetMode::External) {
+Relationship::Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
+                           const std::u16string& externalTarget)
+    : values(std::make_shared<const Values>(Values{id, type, source, externalTarget, TargetMode::External})) {
 }
 
-Relationship::Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
-                           const URI& source, const URI& internalTarget)
-    : id(relationshipID), type(relationshipType), sourceURI(source), targetURI(internalTarget),
-      target(internalTarget.toString()), targetMode(TargetMode::Internal) {
+Relationship::Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
+                           const URI& internalTarget)
+    : values(std::make_shared<const Values>(
+          Values{id, type, source, internalTarget.toString(), TargetMode::Internal})),
+      targetURI(internalTarget) {
 }
 
 URI Relationship::getTargetURI() const {
-    if (targetMode == TargetMode::Internal) {
+    if (values->targetMode == TargetMode::Internal) {
         if (!targetURI.hasAbsolutePath())
-            targetURI = resolve(sourceURI, targetURI);
+            targetURI = resolve(values->sourceURI, targetURI);
         return targetURI;
     }
     if (targetURI.toString().empty()) {
         try {
-            targetURI = URI(bedrock::network::IRI(withSlashes(target)).toAsciiString(false));
+            targetURI = URI(bedrock::network::IRI(withSlashes(values->target)).toAsciiString(false));
         } catch (...) {
             throw InvalidURI(
                 "Could not successfully convert external target to a URI. Use getTarget() instead.");
@@ -37,8 +37,10 @@ URI Relationship::getTargetURI() const {
 }
 
 bool Relationship::operator==(const Relationship& other) const {
-    return id == other.id && type == other.type && sourceURI == other.sourceURI &&
-           targetURI == other.targetURI && target == other.target && targetMode == other.targetMode;
+    const Values& mine = *values;
+    const Values& its = *other.values;
+    return mine.id == its.id && mine.type == its.type && mine.sourceURI == its.sourceURI &&
+           targetURI == other.targetURI && mine.target == its.target && mine.targetMode == its.targetMode;
 }
 
 } // namespace opc::model

@@ -24,7 +24,7 @@ Relationship RelationshipManager::getRelationship(const std::u16string& id) cons
 std::vector<Relationship> RelationshipManager::getRelationshipsByType(const std::u16string& type) const {
     std::vector<Relationship> result;
     for (const auto& entry : relationships)
-        if (entry.second.getType() == type)
+        if (entry.second.values->type == type)
             result.push_back(entry.second);
     return result;
 }
@@ -34,7 +34,7 @@ RelationshipManager::getRelationships(const std::unordered_set<std::u16string>& 
     std::vector<Relationship> result;
     result.reserve(relationships.size());
     for (const auto& entry : relationships)
-        if (excludedTypes.empty() || excludedTypes.count(entry.second.getType()) == 0)
+        if (excludedTypes.empty() || excludedTypes.count(entry.second.values->type) == 0)
             result.push_back(entry.second);
     return result;
 }
@@ -51,7 +51,7 @@ Relationship RelationshipManager::addInternalRelationship(const std::u16string& 
 }
 
 Relationship RelationshipManager::add(Relationship relationship) {
-    relationships.emplace_hint(relationships.end(), relationship.id, relationship);
+    relationships.emplace_hint(relationships.end(), relationship.values->id, relationship);
     dirty = true;
     return relationship;
 }

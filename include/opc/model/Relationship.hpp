@@ -4,6 +4,7 @@
 #include <opc/model/TargetMode.hpp>
 #include <opc/model/URI.hpp>
 
+#include <memory>
 #include <string>
 
 namespace opc::model {
@@ -12,24 +13,24 @@ class RelationshipManager;
 
 /// One relationship of a package or a part, as it was when it was asked for (ECMA-376 Part 2, relationships).
 ///
-/// A value without a link to its package: it stays readable when the relationship is deleted or the package
-/// closed. `getTargetURI` keeps what it has worked out, so one object must not be used by two threads at
-/// once; copies may.
+/// A small value, cheap to copy, without a link to its package: it stays readable when the relationship is
+/// deleted or the package closed. `getTargetURI` keeps what it has worked out, so one object must not be used
+/// by two threads at once; copies may.
 class OPC_MODEL_EXPORT Relationship {
 public:
     /// Unique among the relationships of one source, letter case counting.
-    std::u16string getID() const { return id; }
+    std::u16string getID() const { return values->id; }
 
     /// A URI in text form that says what the relationship means.
-    std::u16string getType() const { return type; }
+    std::u16string getType() const { return values->type; }
 
     /// The URI of the source: a part name, or "/" for the package.
-    URI getSourceURI() const { return sourceURI; }
+    URI getSourceURI() const { return values->sourceURI; }
 
     /// The target exactly as the relationships part holds it, in most cases relative to the source.
-    std::u16string getTarget() const { return target; }
+    std::u16string getTarget() const { return values->target; }
 
-    TargetMode getTargetMode() const { return targetMode; }
+    TargetMode getTargetMode() const { return values->targetMode; }
 
     /// The target as a URI. An internal one is resolved against the source, which gives a part name. An
     /// external one is put in ASCII by percent-encoding, backslashes taken as slashes.
@@ -44,22 +45,27 @@ public:
     bool operator!=(const Relationship& other) const { return !(*this == other); }
 
     /// By ID alone, code unit by code unit: the order in which a source keeps and writes its relationships.
-    bool operator<(const Relationship& other) const { return id < other.id; }
+    bool operator<(const Relationship& other) const { return values->id < other.values->id; }
 
 private:
     friend class RelationshipManager;
 
-    Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
-                 const URI& source, const std::u16string& externalTarget);
-    Relationship(const std::u16string& relationshipID, const std::u16string& relationshipType,
-                 const URI& source, const URI& internalTarget);
+    /// What never changes, shared by all copies.
+    struct Values {
+        std::u16string id;
+        std::u16string type;
+        URI sourceURI;
+        std::u16string target;
+        TargetMode targetMode;
+    };
 
-    std::u16string id;
-    std::u16string type;
-    URI sourceURI;
+    Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
+                 const std::u16string& externalTarget);
+    Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
+                 const URI& internalTarget);
+
+    std::shared_ptr<const Values> values;
     mutable URI targetURI; // internal: as made, until resolved; external: empty, until converted
-    std::u16string target;
-    TargetMode targetMode;
 };
 
 } // namespace opc::model
