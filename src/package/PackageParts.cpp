@@ -62,25 +62,26 @@ void Package::deletePart(const PartName& name) {
 
     std::string errors;
     bool failed = false;
-    const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart) {
+    // What has gone is forgotten at once: if the other deletion fails the part stays, and a second attempt
+    // begins there.
+    const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart, const auto& forget) {
         if (physicalPart == nullptr)
-            return false;
+            return;
         try {
             // The physical layer's own spelling: the caller's may differ from it in letter case.
             deletePartInternal(PartName(physicalPart->getName()));
-            return true;
         } catch (const PartDeleteFailed& e) {
             failed = true;
             errors += (errors.empty() ? "" : "; ") + std::string(e.what());
-            return false;
+            return;
+        } catch (const ContentTypeNotFound&) {
+            forget();
+            throw;
         }
+        forget();
     };
-    // What has gone is forgotten at once: if the other deletion fails the part stays, and a second attempt
-    // begins there.
-    if (deletePhysical(part.getPhysicalPart()))
-        part.forgetPhysicalPart();
-    if (deletePhysical(part.getPhysicalRelationshipPart()))
-        part.forgetPhysicalRelationshipPart();
+    deletePhysical(part.getPhysicalPart(), [&part] { part.forgetPhysicalPart(); });
+    deletePhysical(part.getPhysicalRelationshipPart(), [&part] { part.forgetPhysicalRelationshipPart(); });
     if (failed)
         throw PartDeleteFailed(errors);
 

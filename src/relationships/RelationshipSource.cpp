@@ -164,7 +164,12 @@ void RelationshipSource::flush() {
         return;
     PhysicalOutputStream stream(impl->physicalPart->getOutputStream());
     impl->manager.flush(stream, getPackage().getRelationshipSerializer());
-    stream.close();
+    try {
+        stream.close();
+    } catch (...) {
+        impl->manager.markAsDirty(); // what a stream doesn't close over may be lost
+        throw;
+    }
 }
 
 // In place, so that nothing can fail: no copy of a source that is reset shares its state.

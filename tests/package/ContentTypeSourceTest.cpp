@@ -128,6 +128,18 @@ TEST_F(ContentTypesStream, readsEveryEntryWhateverItsOrder) {
                          R"(<Override ContentType="a/b" PartName="/c"/></Types>)");
 }
 
+TEST_F(ContentTypesStream, unusedEntriesCountForPartsToCome) {
+    store.setContentTypes(contentTypes(R"(<Default Extension="png" ContentType="image/png"/>)"
+                                       R"(<Override PartName="/stale.png" ContentType="image/stale"/>)"));
+    package.open(OpenMode::ReadWrite);
+    create(u"/a.png", u"image/png");
+    create(u"/b.png", u"image/other");
+    create(u"/stale.png", u"image/png");
+    EXPECT_EQ(written(), R"(<Default ContentType="image/png" Extension="png"/>)"
+                         R"(<Override ContentType="image/other" PartName="/b.png"/>)"
+                         R"(<Override ContentType="image/stale" PartName="/stale.png"/></Types>)");
+}
+
 TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
     const std::string root =
         R"(<x:Types xmlns:x="http://schemas.openxmlformats.org/package/2006/content-types">)";
@@ -163,8 +175,12 @@ TEST_F(ContentTypesStream, failuresInWritingNameTheStreamOrPass) {
     physical.failAt("getContentTypeOutputStream", "no room");
     EXPECT_TRUE(throws<opc::Exception>("no room", [&] { failing.close(false); }));
     physical.forgetScript();
+    physical.failAt("write types", "full");
+    failing.createPart(PartName(u"/a"), ContentType(u"a/b"), StandardPartInfo());
+    EXPECT_TRUE(throws<opc::Exception>("full", [&] { failing.close(false); }));
+    physical.forgetScript();
     failing.close(false);
-    EXPECT_TRUE(store.hasContentTypes());
+    EXPECT_NE(toText(store.contentTypes()).find("PartName=\"/a\""), std::string::npos);
 }
 
 } // namespace

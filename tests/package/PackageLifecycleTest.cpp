@@ -22,7 +22,7 @@ std::string coreRelationship(const std::string& id) {
     return R"(<Relationship Id=")" + id + R"(" Type=")" + CORE_PROPERTIES + R"(" Target="a.xml"/>)";
 }
 
-/// Opens a package on `store` in every failing way at once, and then makes sure that a mended store opens.
+/// Opens a package on a store that has been spoilt, and then makes sure that a mended one opens.
 template <typename E>
 void expectOpenFails(const std::string& message, const std::function<void(MemoryPackage&)>& spoil,
                      const std::function<void(opc::test::ScriptedPackage&)>& script = {}) {
@@ -40,10 +40,10 @@ void expectOpenFails(const std::string& message, const std::function<void(Memory
     Package package(physical);
     EXPECT_TRUE(throws<E>(message, [&] { package.open(OpenMode::ReadWrite); }));
     EXPECT_FALSE(package.isOpen());
+    EXPECT_EQ(physical.calls.back(), "close true");
     EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getParts(); }));
 
     physical.forgetScript();
-    MemoryPackage mended;
     opc::test::fill(store, {});
     for (const std::u16string& name : store.partNames())
         store.removePart(name);
@@ -81,6 +81,55 @@ TEST(PackageOpen, translatesFailuresOfThePhysicalLayer) {
     physical.failAt("close", "stuck");
     EXPECT_TRUE(throws<opc::Exception>("stuck", [&] { package.open(OpenMode::ReadOnly); }))
         << "a failure while cleaning up takes the place of the first one";
+}
+
+TEST(PackageOpen, keepsTheCodeOfTheCause) {
+    MemoryPackage store;
+    opc::test::fill(store, {});
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    const auto expectCode = [](errc::errc_t code, const auto& action) {
+        try {
+            action();
+            FAIL();
+        } catch (const opc::Exception& e) {
+            EXPECT_EQ(e.code(), errc::make_error_condition(code)) << e.what();
+        }
+    };
+    physical.failAt("open", "denied", errc::permission_denied);
+    expectCode(errc::permission_denied, [&] { package.open(OpenMode::ReadOnly); });
+    physical.forgetScript();
+    package.open(static_cast<OpenMode>(7));
+    package.createExternalRelationship(u"t:t", u"x"); // any other mode reads and writes
+    physical.failAt("close", "full", errc::no_space_on_device);
+    expectCode(errc::no_space_on_device, [&] { package.close(false); });
+}
+
+TEST(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
+    MemoryPackage store;
+    opc::test::fill(store, {});
+    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1") + coreRelationship("r2")));
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    physical.failAt("close", "stuck");
+    EXPECT_TRUE(throws<PackageCloseFailed>("stuck", [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_TRUE(package.isOpen());
+    physical.forgetScript();
+    package.close(true);
+    EXPECT_FALSE(package.isOpen());
+}
+
+TEST(PackageOpen, passesFailuresOfStreamsUnchanged) {
+    for (const char* call : {"getContentTypeInputStream", "getInputStream /_rels/.rels"}) {
+        MemoryPackage store;
+        opc::test::fill(store, {});
+        store.setPart(u"/_rels/.rels", opc::test::relationships(""));
+        opc::test::ScriptedPackage physical(store);
+        Package package(physical);
+        physical.failAt(call, "unreadable");
+        EXPECT_TRUE(throws<opc::Exception>("unreadable", [&] { package.open(OpenMode::ReadWrite); })) << call;
+        EXPECT_EQ(physical.calls.back(), "close true");
+    }
 }
 
 TEST(PackageOpen, refusesBadPackagesAndStartsCleanTheNextTime) {
@@ -193,6 +242,43 @@ TEST(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     package.open(OpenMode::ReadOnly);
     EXPECT_EQ(package.getRelationships().size(), 2U);
     EXPECT_EQ(opc::test::readAll(package.getPart(PartName(u"/a.xml"))), "content");
+}
+
+TEST(PackageClose, writesInItsFixedOrder) {
+    MemoryPackage store;
+    opc::test::ScriptedPackage physical(store);
+    Package package(physical);
+    package.open(OpenMode::CreateOnly);
+    for (const char16_t* name : {u"/b.xml", u"/A.xml"})
+        package.createPart(PartName(name), ContentType(u"a/b"), StandardPartInfo())
+            .createExternalRelationship(u"t:t", u"x");
+    package.createExternalRelationship(u"t:t", u"x");
+    physical.calls.clear();
+    package.close(false);
+    std::vector<std::string> closed;
+    for (const std::string& call : physical.calls)
+        if (call.compare(0, 5, "close") == 0)
+            closed.push_back(call);
+    EXPECT_EQ(closed, (std::vector<std::string>{"closeStream types", "closeStream /_rels/.rels",
+                                                "closeStream /_rels/A.xml.rels",
+                                                "closeStream /_rels/b.xml.rels", "close false"}));
+}
+
+TEST(PackageClose, losesNoRelationshipWhenItsStreamFails) {
+    for (const char* call :
+         {"write /_rels/.rels", "closeStream /_rels/.rels", "getOutputStream /_rels/.rels"}) {
+        MemoryPackage store;
+        opc::test::ScriptedPackage physical(store);
+        Package package(physical);
+        package.open(OpenMode::CreateOnly);
+        package.createExternalRelationship(u"t:t", u"x");
+        physical.failAt(call, "full");
+        EXPECT_TRUE(throws<opc::Exception>("full", [&] { package.close(false); })) << call;
+        physical.forgetScript();
+        package.close(false);
+        package.open(OpenMode::ReadOnly);
+        EXPECT_TRUE(package.hasRelationship(u"rId1")) << call;
+    }
 }
 
 TEST(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {

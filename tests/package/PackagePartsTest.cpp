@@ -152,6 +152,27 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
     EXPECT_TRUE(store.partNames().empty());
 }
 
+TEST_F(PackageParts, aPartWhoseContentTypeIsMissingGoesWithoutHarm) {
+    // A store that spells a name in another way than the one it was created with.
+    class Respelling : public opc::test::ScriptedPackage {
+    public:
+        using ScriptedPackage::ScriptedPackage;
+        opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& type,
+                                                   const opc::interfaces::IPhysicalPartInfo& info) override {
+            return ScriptedPackage::createPart(name == u"/a" ? u"/other" : name, type, info);
+        }
+    };
+    Respelling respelling(store);
+    Package other(respelling);
+    other.open(OpenMode::ReadWrite);
+    const Part part = other.createPart(PartName(u"/a"), ContentType(u"a/b"), StandardPartInfo());
+    EXPECT_TRUE(throws<ContentTypeNotFound>("No content type was found for part:/other",
+                                            [&] { other.deletePart(PartName(u"/a")); }));
+    EXPECT_TRUE(
+        throws<InvalidPartStream>("The part's content has been deleted", [&] { part.getInputStream(); }));
+    other.deletePart(PartName(u"/a"));
+}
+
 TEST_F(PackageParts, deletionTakesTheRelationshipsAndTheStoredSpelling) {
     store.setPart(u"/a.xml", {});
     package.open(OpenMode::ReadWrite);

@@ -40,6 +40,24 @@ TEST(InputStreamSource, feedsAStreamOfBoostIostreams) {
     EXPECT_EQ(got, bytes);
 }
 
+TEST(InputStreamSource, takesNoBytesForNoEnd) {
+    class Hesitating : public opc::InputStream {
+    public:
+        void open() override {}
+        std::uint64_t read(unsigned char* buffer, std::uint64_t) override {
+            if (++calls % 2 == 0)
+                return 0;
+            *buffer = 'x';
+            return 1;
+        }
+        bool isDone() const override { return calls > 5; }
+        void close() override {}
+        int calls = 0;
+    } input;
+    boost::iostreams::stream<opc::InputStreamSource> stream{opc::InputStreamSource(input)};
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "xxx");
+}
+
 TEST(StreamHelper, copiesAllBytesOrSaysThatItDidNot) {
     const auto bytes = makeBytes(200000);
     opc::ByteArrayInAdaptor input(bytes);

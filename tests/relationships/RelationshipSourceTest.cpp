@@ -42,8 +42,9 @@ TEST_F(RelationshipSources, storeTheRelativeFormOfInternalTargets) {
         const char16_t *target, *stored;
     };
     const Case cases[] = {
-        {u"/a/x.xml", u"x.xml"},  {u"/c.xml", u"../c.xml"},    {u"../c.xml", u"../c.xml"},
-        {u"x/y.xml", u"x/y.xml"}, {u"/a/b/c.xml", u"b/c.xml"}, {u"/none.xml", u"../none.xml"},
+        {u"/a/x.xml", u"x.xml"},       {u"/c.xml", u"../c.xml"},    {u"../c.xml", u"../c.xml"},
+        {u"x/y.xml", u"x/y.xml"},      {u"/a/b/c.xml", u"b/c.xml"}, {u"/none.xml", u"../none.xml"},
+        {u"/a/c:d.xml", u"./c:d.xml"},
     };
     for (const Case& c : cases)
         EXPECT_EQ(part.createInternalRelationship(u"t:t", URI(c.target)).getTarget(), c.stored);
@@ -63,6 +64,8 @@ TEST_F(RelationshipSources, refuseBadInternalTargets) {
         {u"x/", "A part name shall not have a forward slash as the last character [M1.5]"},
         {u"_rels/b.xml.rels", "Relationship target cannot be a relationship part name."},
         {u"/_rels/.rels", "Relationship target cannot be a relationship part name."},
+        {u"//h/x.xml", "A part name shall not have empty segments [M1.3]"},
+        {u"", "Relationship target cannot be the same as the source."},
         {u"b.xml", "Relationship target cannot be the same as the source."},
         {u"B.xml", "Relationship target cannot be the same as the source."},
         {u"/A/b.xml", "Relationship target cannot be the same as the source."},
@@ -122,6 +125,15 @@ TEST_F(RelationshipSources, generatedIDsAreNeverUsedTwice) {
     EXPECT_EQ(all.front(), u"Z");
     EXPECT_EQ(all[2], u"rId10") << "code unit by code unit";
     EXPECT_EQ(all[3], u"rId2");
+}
+
+TEST_F(RelationshipSources, aNumberSpentOnARefusedRelationshipIsNotGivenBack) {
+    package.open(OpenMode::ReadWrite);
+    const std::u16string core =
+        u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+    EXPECT_EQ(package.createInternalRelationship(core, URI(u"x.xml")).getID(), u"rId1");
+    EXPECT_THROW(package.createInternalRelationship(core, URI(u"y.xml")), InvalidCorePropertiesRelationships);
+    EXPECT_EQ(package.createInternalRelationship(u"t:t", URI(u"y.xml")).getID(), u"rId3");
 }
 
 TEST_F(RelationshipSources, thePartComesWithTheFirstAndGoesWithTheLast) {

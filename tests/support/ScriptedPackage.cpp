@@ -6,6 +6,29 @@
 
 namespace opc::test {
 
+class ScriptedPackage::ScriptedOutputStream : public interfaces::IPhysicalOutputStream {
+public:
+    ScriptedOutputStream(ScriptedPackage& package, interfaces::IPhysicalOutputStream& stream,
+                         std::string partName)
+        : owner(package), inner(stream), name(std::move(partName)) {}
+
+    std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
+        owner.record("write " + name);
+        return inner.write(buffer, count);
+    }
+    bool isDone() const override { return inner.isDone(); }
+    void flush() override { inner.flush(); }
+    void close() override {
+        owner.record("closeStream " + name);
+        inner.close();
+    }
+
+private:
+    ScriptedPackage& owner;
+    interfaces::IPhysicalOutputStream& inner;
+    std::string name;
+};
+
 class ScriptedPackage::ScriptedPart : public interfaces::IPhysicalPart {
 public:
     ScriptedPart(ScriptedPackage& package, interfaces::IPhysicalPart& part) : owner(package), inner(part) {}
@@ -18,7 +41,7 @@ public:
     }
     interfaces::IPhysicalOutputStream* getOutputStream() override {
         owner.record("getOutputStream " + toUDEString(getName()));
-        return inner.getOutputStream();
+        return owner.wrap(inner.getOutputStream(), toUDEString(getName()));
     }
 
 private:
@@ -56,6 +79,12 @@ interfaces::IPhysicalPart* ScriptedPackage::wrap(interfaces::IPhysicalPart* part
     return wrapper.get();
 }
 
+interfaces::IPhysicalOutputStream* ScriptedPackage::wrap(interfaces::IPhysicalOutputStream* stream,
+                                                         const std::string& name) {
+    streams.push_back(std::make_unique<ScriptedOutputStream>(*this, *stream, name));
+    return streams.back().get();
+}
+
 bool ScriptedPackage::usesContentTypeStream() {
     return inner.usesContentTypeStream();
 }
@@ -67,7 +96,7 @@ interfaces::IPhysicalInputStream* ScriptedPackage::getContentTypeInputStream() {
 
 interfaces::IPhysicalOutputStream* ScriptedPackage::getContentTypeOutputStream() {
     record("getContentTypeOutputStream");
-    return inner.getContentTypeOutputStream();
+    return wrap(inner.getContentTypeOutputStream(), "types");
 }
 
 std::vector<interfaces::IPhysicalPart*> ScriptedPackage::getParts() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/core/Exception.hpp>
+#include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 
@@ -12,9 +13,9 @@
 
 namespace opc::test {
 
-/// A physical package that forwards to another, writes down every call as a text ("createPart /a.xml
-/// text/xml", "close true", "getInputStream /a.xml" …), and can be told to do something first, such as to
-/// fail.
+/// A physical package that forwards to another, writes down every call as a text ("createPart /a.xml a/b",
+/// "close true", "getInputStream /a.xml", "closeStream /a.xml" …), and can be told to do something first, such
+/// as to fail. The content types stream goes by the name "types".
 class ScriptedPackage : public interfaces::IPhysicalPackage {
 public:
     explicit ScriptedPackage(interfaces::IPhysicalPackage& package) : inner(package) {}
@@ -43,13 +44,17 @@ public:
 
 private:
     class ScriptedPart;
+    class ScriptedOutputStream;
 
     void record(const std::string& call);
     interfaces::IPhysicalPart* wrap(interfaces::IPhysicalPart* part);
+    interfaces::IPhysicalOutputStream* wrap(interfaces::IPhysicalOutputStream* stream,
+                                            const std::string& name);
 
     interfaces::IPhysicalPackage& inner;
     std::map<std::string, std::function<void()>> actions;
     std::map<interfaces::IPhysicalPart*, std::unique_ptr<interfaces::IPhysicalPart>> wrapped;
+    std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> streams;
 };
 
 } // namespace opc::test

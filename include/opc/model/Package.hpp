@@ -51,31 +51,37 @@ public:
     ~Package() override;
 
     /// Opens the physical package and reads its content types, parts and relationships.
+    ///
+    /// After a failure the package is closed and empty. If closing it fails as well, that failure takes the
+    /// place of the first; the package then stays open if its parts had been read.
+    ///
     /// @throws PackageAlreadyOpen
     /// @throws PackageNotFound      there is no such package
     /// @throws PackageOpenFailed    the physical layer fails otherwise; `code()` tells the cause
-    /// @throws InvalidContentTypeStream, InvalidContentType, ContentTypeNotFound  bad or missing content
-    /// types [M1.2]
+    /// @throws InvalidContentTypeStream, InvalidContentType, ContentTypeNotFound  bad content types [M1.2]
     /// @throws InvalidPartName, InvalidURI    a name that breaks the rules [M1.1] to [M1.10]
     /// @throws InvalidRelationshipContent     a bad relationships part
     /// @throws InconsistentPackage            a relationships part without a source
     /// @throws InvalidCorePropertiesRelationships  more than one core properties relationship [M4.1]
-    /// After a failure the package is closed and empty.
+    /// @throws opc::Exception       the physical layer gives no stream; or whatever a data manager raises
     void open(interfaces::OpenMode mode);
 
     /// Writes what has changed, unless the package was opened to read, and closes it; all handles become
     /// invalid. Does nothing if the package isn't open.
+    ///
+    /// After a failure the package is still open, with all its parts: mend the cause and close it again, or
+    /// abandon it. Only a content types stream that failed while it was being closed isn't written again.
+    ///
     /// @param abandon  true to drop every change instead
     /// @throws PackagePermissionDenied  the physical layer is denied permission
     /// @throws PackageCloseFailed       the physical layer fails otherwise; `code()` tells the cause
     /// @throws InvalidContentTypeStream, InvalidPartContent  a document can't be written
-    /// After a failure the package is still open, with all its parts: mend the cause and close it again, or
-    /// abandon it.
+    /// @throws opc::Exception       a stream fails; or whatever a data manager raises
     void close(bool abandon);
 
     /// Adds a part, empty at first.
-    /// @param name         not in use, not a relationships part, and neither above nor below another part
-    /// [M1.11]
+    /// @param name         not in use, not the root, not a relationships part, and neither above nor below
+    ///                     another part [M1.11]
     /// @param contentType  what the part holds
     /// @param partInfo     for the physical layer; `StandardPartInfo` in the ordinary case
     /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
@@ -85,8 +91,8 @@ public:
 
     /// Deletes a part with its relationships. Relationships of others that lead to it stay.
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly, PartNotFound
-    /// @throws PartDeleteFailed  the physical layer fails; the part stays, even if its relationships could be
-    /// deleted
+    /// @throws PartDeleteFailed  the physical layer fails. The part stays, even if its content or its
+    ///                           relationships part has gone: delete it again, or abandon the package
     void deletePart(const PartName& name);
 
     /// @throws PackageNotOpen, PartNotFound
@@ -102,9 +108,8 @@ public:
     Enumerator<std::vector<Part>> getParts(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
     /// Whether `name` lies above or below the name of a part [M1.11]. An equal name doesn't count.
-    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself
-    /// if it lies
-    ///                  above others, otherwise the part above it
+    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself if
+    ///                  it lies above others, otherwise the part above it
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
     bool isOpen() const override;

@@ -34,7 +34,7 @@ public:
 
     /// The content, to read. Every call on every copy gives the same stream, in whatever position it stands:
     /// ready to read at first; `close` and then `open` restart it. It lives as long as the handles; don't use
-    /// it once the part has gone.
+    /// it once the part has gone or `Package::deletePart` has failed on it.
     /// @throws InvalidObject      the part has gone
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
     InputStream& getInputStream() const;

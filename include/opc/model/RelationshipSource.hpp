@@ -30,32 +30,29 @@ class OPC_MODEL_EXPORT RelationshipSource {
 public:
     /// Adds a relationship to a part of this package; the part need not exist.
     /// @param type    what the relationship means; not empty, and a URI
-    /// @param target  a part name, or a reference relative to this source; stored and written in relative
-    /// form
+    /// @param target  a part name, or a reference relative to this source; kept and written in relative form
     /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)
-    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], a relationships part
-    /// [M1.25],
-    ///                                    or this source
+    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], this source, or a
+    ///                                    relationships part [M1.25]
     /// @throws UnsupportedRelativize      the target has the very path of this source
     /// @throws InvalidRelationshipType, InvalidRelationshipID, RelationshipAlreadyExists
-    /// @throws InvalidCorePropertiesRelationships  a second core properties relationship of the package
-    /// [M4.1]
+    /// @throws InvalidCorePropertiesRelationships  the package has a core properties relationship [M4.1]
     /// @throws PartCreateFailed  the physical layer can't make the relationships part
     Relationship createInternalRelationship(const std::u16string& type, const URI& target,
                                             const std::u16string& id = std::u16string());
 
-    /// Adds a relationship to something outside the package.
-    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is
+    /// Adds a relationship to something outside the package. Raises what `createInternalRelationship` does.
+    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is. It must not
+    ///                be empty or blank: the package couldn't be read back. Reading folds white space in it
     /// @throws InvalidRelationshipTarget  the target is no IRI
-    /// Otherwise as `createInternalRelationship`.
     Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
                                             const std::u16string& id = std::u16string());
 
     /// Also deletes the relationships part, if this was the last one.
     /// @throws PackageCreateOnly     the package is being created
     /// @throws RelationshipNotFound
-    /// @throws PartDeleteFailed      the relationships part can't be deleted; the relationship has gone all
-    /// the same
+    /// @throws PartDeleteFailed      the relationships part can't be deleted. The relationship has gone from here,
+    ///                               but stands in the package when it is opened again
     void deleteRelationship(const std::u16string& id);
 
     /// @throws RelationshipNotFound

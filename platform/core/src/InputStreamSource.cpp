@@ -3,12 +3,15 @@
 namespace opc {
 
 std::streamsize InputStreamSource::read(char* buffer, std::streamsize count) {
-    if (source->isDone())
-        return -1;
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to Boost.Iostreams
     auto* bytes = reinterpret_cast<unsigned char*>(buffer);
-    const auto got = static_cast<std::streamsize>(source->read(bytes, static_cast<std::uint64_t>(count)));
-    return got == 0 && source->isDone() ? -1 : got;
+    // No bytes are no end yet, but Boost.Iostreams would take them for it.
+    while (!source->isDone()) {
+        const auto got = source->read(bytes, static_cast<std::uint64_t>(count));
+        if (got != 0)
+            return static_cast<std::streamsize>(got);
+    }
+    return -1;
 }
 
 } // namespace opc

@@ -13,7 +13,6 @@ class OPC_CORE_EXPORT InputStream {
 public:
     InputStream(const InputStream&) = delete;
     InputStream& operator=(const InputStream&) = delete;
-    virtual ~InputStream();
 
     /// Makes the stream ready to read at its first byte.
     virtual void open() = 0;
@@ -26,6 +25,8 @@ public:
     virtual bool isDone() const = 0;
 
     virtual void close() = 0;
+
+    virtual ~InputStream();
 
 protected:
     InputStream() = default;

@@ -13,7 +13,6 @@ class OPC_CORE_EXPORT OutputStream {
 public:
     OutputStream(const OutputStream&) = delete;
     OutputStream& operator=(const OutputStream&) = delete;
-    virtual ~OutputStream();
 
     /// Writes `count` bytes from `buffer`. To be called only while `isDone` is false.
     /// @return how many bytes were written
@@ -24,6 +23,8 @@ public:
 
     virtual void flush() = 0;
     virtual void close() = 0;
+
+    virtual ~OutputStream();
 
 protected:
     OutputStream() = default;
