@@ -95,6 +95,8 @@ void RelationshipSerializer::write(const RelationshipManager& manager, OutputStr
     try {
         XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
+        // The old one takes the namespace for declared from now on, and would leave it out.
+        writer = XercesHelper::createPrettyPrintingWriter();
         throw InvalidPartContent(e.what());
     }
 }

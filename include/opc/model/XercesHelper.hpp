@@ -141,6 +141,8 @@ public:
 
     /// @name Writing documents
     /// A document with a doctype, or with characters that XML can't hold, is refused before a byte goes out.
+    /// A serialiser that failed can't be used again: it leaves out the namespace declarations that the failed
+    /// document had open.
     /// @throws InvalidXMLDocument
     /// @{
 
