@@ -8,9 +8,16 @@
 
 namespace opc::model {
 
-/// What the Open Packaging Conventions fix for every package: names, content types and relationship types.
+class CoreProperties;
+class Package;
+class Part;
+
+/// What the Open Packaging Conventions fix for every package, and operations on packages that rest on it.
 ///
-/// Static operations without state, free for any thread. Each call builds a new value.
+/// Static, without state. The constants are free for any thread, and each call builds a new value. The
+/// operations on packages stand on the public ones of `Package`, let their exceptions pass, and run in the
+/// package's thread. Whoever calls those also includes `<opc/model/CoreProperties.hpp>` and
+/// `<opc/model/Package.hpp>`.
 class OPC_MODEL_EXPORT PackageHelper {
 public:
     PackageHelper() = delete;
@@ -33,6 +40,49 @@ public:
     /// @param extension  with or without its dot; empty for none
     /// @throws InvalidURI  if the extension makes no URI
     static URI getThumbnailURI(const std::u16string& extension);
+
+    /// @name Core properties
+    /// Reading and writing compile the schemas of the part anew at each call, which takes about a
+    /// millisecond: read once and keep the value.
+    /// @{
+
+    /// Reads the core properties part, which the package's first relationship of that type leads to.
+    /// @return empty if there is no such relationship
+    /// @throws PackageNotOpen
+    /// @throws InvalidPartContent  the part isn't valid, or breaks one of the rules [M4.2] to [M4.5]
+    /// @throws PartNotFound, InvalidPartName, and what `Relationship::getTargetURI` raises: the relationship
+    ///         leads to no part
+    static CoreProperties getCoreProperties(const Package& package);
+
+    /// Writes the core properties part, whole: to keep fields, read them before and change what was read.
+    /// A package without one gets it at `getCorePropertiesURI`, with its relationship.
+    ///
+    /// Call it once while the package is open. The part's output stream is asked for once and never closed,
+    /// so that a second document lands behind the first one.
+    /// @throws PackageNotOpen, PackageReadOnly
+    /// @throws PartAlreadyExists   a part of that name exists, but no relationship leads to it
+    /// @throws InvalidPartContent  a text holds what XML can't hold. The part is empty by then: abandon the
+    ///                             package, or write again
+    /// @throws PartNotFound, InvalidPartName, and what `Relationship::getTargetURI` raises: the relationship
+    ///         leads to no part
+    static void createOrUpdateCoreProperties(Package& package, const CoreProperties& properties);
+
+    /// Deletes the core properties part and its relationship; does nothing if there is none.
+    /// @throws as `deleteRelationshipsAndTargets`
+    static void deleteCoreProperties(Package& package);
+
+    /// @}
+
+    /// Deletes each relationship of `type` that the package has, and the part that it leads to. A failure
+    /// stops there: what stood before it is gone, and so is the relationship whose target fails.
+    /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
+    /// @throws PartNotFound  a target is no part of the package, or another relationship led to it as well
+    /// @throws InvalidPartName, and what `Relationship::getTargetURI` raises: a target lies outside
+    static void deleteRelationshipsAndTargets(Package& package, const std::u16string& type);
+
+    /// The same for the relationships of `part`.
+    /// @throws InvalidObject  the part has gone
+    static void deleteRelationshipsAndTargets(Package& package, Part& part, const std::u16string& type);
 };
 
 } // namespace opc::model

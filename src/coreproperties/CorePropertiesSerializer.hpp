@@ -1,0 +1,50 @@
+#pragma once
+
+#include "coreproperties/CorePropertiesVocabulary.hpp"
+
+#include <opc/core/InputStream.hpp>
+#include <opc/core/OutputStream.hpp>
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/XercesDeleter.hpp>
+#include <opc/model/XercesGuard.hpp>
+
+#include <memory>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMElement;
+class DOMLSParser;
+class DOMLSSerializer;
+XERCES_CPP_NAMESPACE_END
+
+namespace opc::model {
+
+/// Reads and writes the XML document in the core properties part. Made for one operation and dropped after
+/// it: making one compiles five schemas, which takes about a millisecond.
+class CorePropertiesSerializer {
+public:
+    /// @throws InvalidXMLSchema  a schema doesn't load
+    CorePropertiesSerializer();
+    CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
+    CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
+    ~CorePropertiesSerializer();
+
+    /// Puts what the document says in the place of what `properties` hold. A time that `ptime` can't hold
+    /// leaves its field absent.
+    /// @throws InvalidPartContent  the document isn't valid, and `properties` are as they were; or it breaks
+    ///                             one of the rules [M4.2] to [M4.5], and they are empty
+    void read(InputStream& stream, CoreProperties& properties);
+
+    /// Doesn't close the stream.
+    /// @throws InvalidPartContent  a text that XML can't hold; nothing has been written by then
+    void write(const CoreProperties& properties, OutputStream& stream);
+
+private:
+    void readKeywords(const xercesc::DOMElement* root, CoreProperties& properties) const;
+
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser;
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer;
+    CorePropertiesVocabulary names;
+};
+
+} // namespace opc::model

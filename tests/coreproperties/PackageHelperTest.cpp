@@ -1,0 +1,229 @@
+#include "coreproperties/CorePropertiesDocument.hpp"
+#include "support/PackageContent.hpp"
+#include "support/ScriptedPackage.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::physical::MemoryPackage;
+using opc::test::corePropertiesDocument;
+using opc::test::ScriptedPackage;
+using opc::test::throws;
+
+const std::u16string TYPE =
+    u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+
+CoreProperties titled(const std::u16string& title) {
+    CoreProperties properties;
+    properties.setTitle(title);
+    return properties;
+}
+
+class CorePropertiesOfPackage : public testing::Test {
+protected:
+    /// A package whose core properties relationship leads to `target`, a part with this content.
+    void makeStore(const std::string& target, const std::string& content) {
+        opc::test::fill(store, {u"/docProps/core.xml", u"/other.xml"});
+        store.setPart(u"/docProps/core.xml", opc::test::toBytes(content));
+        addRelationships(R"(<Relationship Id="core" Type=")" + std::string(TYPE.begin(), TYPE.end()) +
+                         R"(" Target=")" + target + R"("/>)");
+    }
+
+    void addRelationships(const std::string& elements) {
+        store.setPart(u"/_rels/.rels", opc::test::relationships(elements));
+    }
+
+    MemoryPackage store;
+    ScriptedPackage physical{store};
+    Package package{physical};
+};
+
+TEST_F(CorePropertiesOfPackage, aNewPackageGetsThemAtTheFixedPlace) {
+    package.open(OpenMode::CreateOnly);
+    EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    EXPECT_EQ(physical.countCalls("createPart /metadata/coreProperties.xml "
+                                  "application/vnd.openxmlformats-package.core-properties+xml"),
+              1U);
+    const auto relationships = package.getRelationships();
+    ASSERT_EQ(relationships.size(), 1U);
+    EXPECT_EQ(relationships.begin()->getID(), u"rId1");
+    EXPECT_EQ(relationships.begin()->getType(), TYPE);
+    EXPECT_EQ(relationships.begin()->getTarget(), u"metadata/coreProperties.xml");
+    package.close(false);
+
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"u"));
+    EXPECT_EQ(package.getRelationships().size(), 1U);
+    EXPECT_EQ(package.getParts().size(), 1U);
+    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"u");
+    package.close(false);
+}
+
+TEST_F(CorePropertiesOfPackage, anUpdateReplacesThePartWhereItStands) {
+    makeStore("docProps/core.xml", corePropertiesDocument("<dc:creator>c</dc:creator>"));
+    package.open(OpenMode::ReadWrite);
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    EXPECT_EQ(package.getParts().size(), 2U);
+    package.close(false);
+
+    EXPECT_EQ(physical.countCalls("createPart"), 0U);
+    EXPECT_EQ(physical.countCalls("getOutputStream"), 1U);
+    package.open(OpenMode::ReadOnly);
+    const CoreProperties properties = PackageHelper::getCoreProperties(package);
+    EXPECT_EQ(properties.getTitle().value(), u"t");
+    EXPECT_FALSE(properties.getCreator()) << "nothing is merged";
+}
+
+TEST_F(CorePropertiesOfPackage, canBeReadMoreThanOnce) {
+    makeStore("docProps/core.xml", corePropertiesDocument("<dc:title>t</dc:title>"));
+    package.open(OpenMode::ReadOnly);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+    opc::test::readAll(package.getPart(PartName(u"/docProps/core.xml")));
+    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+    EXPECT_EQ(physical.countCalls("getInputStream /docProps/core.xml"), 1U);
+}
+
+TEST_F(CorePropertiesOfPackage, aSecondUpdateGoesOnInTheSameStream) {
+    makeStore("docProps/core.xml", corePropertiesDocument(""));
+    package.open(OpenMode::ReadWrite);
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"1"));
+    const std::string once = opc::test::readAll(package.getPart(PartName(u"/docProps/core.xml")));
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"2"));
+    package.close(false);
+    EXPECT_EQ(physical.countCalls("getOutputStream /docProps/core.xml"), 1U);
+    EXPECT_EQ(store.partBytes(u"/docProps/core.xml").size(), 2 * once.size());
+}
+
+TEST_F(CorePropertiesOfPackage, deletingTakesPartAndRelationship) {
+    makeStore("docProps/core.xml", corePropertiesDocument(""));
+    package.open(OpenMode::ReadWrite);
+    PackageHelper::deleteCoreProperties(package);
+    EXPECT_EQ(package.getRelationships().size(), 0U);
+    EXPECT_FALSE(package.hasPart(PartName(u"/docProps/core.xml")));
+    EXPECT_NO_THROW(PackageHelper::deleteCoreProperties(package));
+    package.close(false);
+    EXPECT_EQ(store.partNames(), std::vector<std::u16string>{u"/other.xml"});
+}
+
+TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
+    const auto get = [this] { PackageHelper::getCoreProperties(package); };
+    const auto update = [this] { PackageHelper::createOrUpdateCoreProperties(package, titled(u"t")); };
+    const auto remove = [this] { PackageHelper::deleteCoreProperties(package); };
+    EXPECT_THROW(get(), PackageNotOpen);
+    EXPECT_THROW(update(), PackageNotOpen);
+    EXPECT_THROW(remove(), PackageNotOpen);
+
+    makeStore("docProps/core.xml", corePropertiesDocument("<dcterms:created>2024</dcterms:created>"));
+    package.open(OpenMode::ReadOnly);
+    EXPECT_TRUE(throws<InvalidPartContent>("Core properties must use the xsi:type attribute on the "
+                                           "\"created\" and \"modified\" elements. [M4.5]",
+                                           get));
+    EXPECT_THROW(update(), PackageReadOnly);
+    EXPECT_THROW(remove(), PackageReadOnly);
+    package.close(false);
+
+    makeStore("docProps/core.xml", "");
+    package.open(OpenMode::ReadOnly);
+    EXPECT_THROW(get(), InvalidPartContent);
+    package.close(false);
+
+    addRelationships("");
+    package.open(OpenMode::ReadOnly);
+    EXPECT_THROW(update(), PackageReadOnly);
+    package.close(false);
+
+    store.setPart(u"/Metadata/CoreProperties.xml", {});
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(throws<PartAlreadyExists>(
+        "Cannot use a part name that already exists: /metadata/coreProperties.xml", update));
+    package.close(false);
+}
+
+TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
+    struct Case {
+        const char* target;
+        bool isExternal;
+        void (*check)(const std::function<void()>&);
+    };
+    const auto notFound = [](const std::function<void()>& action) { EXPECT_THROW(action(), PartNotFound); };
+    const auto noName = [](const std::function<void()>& action) { EXPECT_THROW(action(), InvalidPartName); };
+    const Case cases[] = {
+        {"none.xml", false, notFound},
+        {"http://example.com/core.xml", true, noName},
+        {"a/%2F", false, noName},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.target);
+        makeStore(std::string(c.target) + (c.isExternal ? R"(" TargetMode="External)" : ""), "");
+        package.open(OpenMode::ReadWrite);
+        c.check([this] { PackageHelper::getCoreProperties(package); });
+        c.check([this] { PackageHelper::createOrUpdateCoreProperties(package, {}); });
+        EXPECT_EQ(package.getRelationships().size(), 1U);
+        c.check([this] { PackageHelper::deleteCoreProperties(package); });
+        EXPECT_EQ(package.getRelationships().size(), 0U) << "the relationship goes before its target";
+        package.close(true);
+    }
+}
+
+TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenCanBeMended) {
+    package.open(OpenMode::CreateOnly);
+    EXPECT_THROW(PackageHelper::createOrUpdateCoreProperties(package, titled(u"\u0001")), InvalidPartContent);
+    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+}
+
+TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
+    opc::test::fill(store, {u"/a.xml", u"/b.xml", u"/c.xml", u"/source.xml"});
+    const std::string elements = R"(<Relationship Id="1" Type="urn:t" Target="/a.xml"/>)"
+                                 R"(<Relationship Id="2" Type="urn:T" Target="/b.xml"/>)"
+                                 R"(<Relationship Id="3" Type="urn:t" Target="/b.xml"/>)"
+                                 R"(<Relationship Id="4" Type="urn:t" Target="/A.xml"/>)"
+                                 R"(<Relationship Id="5" Type="urn:t" Target="/c.xml"/>)";
+    std::string withNames = elements;
+    for (std::size_t at = 0; (at = withNames.find("Id=\"", at)) != std::string::npos; at += 5)
+        withNames.insert(at + 4, "r");
+    addRelationships(withNames);
+    store.setPart(u"/_rels/source.xml.rels", opc::test::relationships(withNames));
+
+    const auto check = [this](const RelationshipSource& source, const std::function<void()>& remove) {
+        EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/A.xml", remove));
+        EXPECT_FALSE(package.hasPart(PartName(u"/a.xml")));
+        EXPECT_FALSE(package.hasPart(PartName(u"/b.xml")));
+        EXPECT_TRUE(package.hasPart(PartName(u"/c.xml")));
+        EXPECT_TRUE(source.hasRelationship(u"r2")) << "letter case counts in a type";
+        EXPECT_FALSE(source.hasRelationship(u"r4"));
+        EXPECT_TRUE(source.hasRelationship(u"r5"));
+        EXPECT_NO_THROW(remove()) << "what is left can be deleted";
+        EXPECT_EQ(source.getRelationships().size(), 1U);
+        EXPECT_FALSE(package.hasPart(PartName(u"/c.xml")));
+        package.close(true);
+    };
+    package.open(OpenMode::ReadWrite);
+    check(package, [this] { PackageHelper::deleteRelationshipsAndTargets(package, u"urn:t"); });
+    package.open(OpenMode::ReadWrite);
+    Part source = package.getPart(PartName(u"/source.xml"));
+    check(source, [&] { PackageHelper::deleteRelationshipsAndTargets(package, source, u"urn:t"); });
+    EXPECT_THROW(PackageHelper::deleteRelationshipsAndTargets(package, source, u"urn:t"), InvalidObject);
+}
+
+TEST_F(CorePropertiesOfPackage, nothingIsDeletedWhileAPackageIsCreated) {
+    package.open(OpenMode::CreateOnly);
+    EXPECT_NO_THROW(PackageHelper::deleteCoreProperties(package));
+    PackageHelper::createOrUpdateCoreProperties(package, {});
+    EXPECT_THROW(PackageHelper::deleteCoreProperties(package), PackageCreateOnly);
+    EXPECT_EQ(package.getRelationships().size(), 1U);
+}
+
+} // namespace
