@@ -9,8 +9,10 @@ namespace opctool {
 /// Each adds a family of commands, with its arguments and what it does.
 /// @{
 
-void addListCommands(CLI::App& app);   ///< ls, rels, cat
-void addChangeCommands(CLI::App& app); ///< new, add, rm, relate, unrelate
+void addInfoCommand(CLI::App& app);      ///< info
+void addListCommands(CLI::App& app);     ///< ls, rels, cat
+void addPropertyCommands(CLI::App& app); ///< props
+void addChangeCommands(CLI::App& app);   ///< new, add, rm, relate, unrelate
 
 /// @}
 

@@ -25,16 +25,6 @@ using opc::model::Relationship;
 using opc::model::RelationshipSource;
 using opc::model::TargetMode;
 
-/// @return the size in bytes: the physical layer tells none, so the content is read
-std::uint64_t measure(const Part& part) {
-    std::vector<unsigned char> block(64 * 1024);
-    opc::InputStream& stream = part.getInputStream();
-    std::uint64_t size = 0;
-    while (!stream.isDone())
-        size += stream.read(block.data(), block.size());
-    return size;
-}
-
 void printJSON(const ordered_json& list) {
     std::cout << list.dump(2) << '\n';
 }

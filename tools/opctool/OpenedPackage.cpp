@@ -13,6 +13,15 @@ void OpenedPackage::save() {
     package.close(false);
 }
 
+std::uint64_t measure(const opc::model::Part& part) {
+    std::vector<unsigned char> block(64 * 1024);
+    opc::InputStream& stream = part.getInputStream();
+    std::uint64_t size = 0;
+    while (!stream.isDone())
+        size += stream.read(block.data(), block.size());
+    return size;
+}
+
 std::u16string fromArgument(const std::string& argument) {
     return opc::toString(argument, true);
 }

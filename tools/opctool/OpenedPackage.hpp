@@ -3,7 +3,9 @@
 #include <opc/model/Package.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace opctool {
 
@@ -15,6 +17,11 @@ public:
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
+
+    /// What the container holds beside the parts.
+    const std::vector<opc::physical::ZipPackage::IgnoredItem>& ignoredItems() const {
+        return archive.ignoredItems();
+    }
 
     /// Closes the package and writes what has changed.
     void save();
@@ -28,6 +35,9 @@ private:
     opc::physical::ZipPackage archive;
     opc::model::Package package;
 };
+
+/// @return the size in bytes: the physical layer tells none, so the content is read
+std::uint64_t measure(const opc::model::Part& part);
 
 /// A name from the command line, which is UTF-8.
 std::u16string fromArgument(const std::string& argument);

@@ -1,5 +1,7 @@
 #include "Table.hpp"
 
+#include <opc/core/Text.hpp>
+
 #include <algorithm>
 #include <ostream>
 
@@ -28,7 +30,21 @@ void printCells(std::ostream& stream, const std::vector<std::string>& cells,
     }
 }
 
+/// On one line, and without what a terminal takes for a command.
+std::string withoutControlCharacters(const std::string& text) {
+    std::u16string units = opc::toString(text, true);
+    std::replace_if(
+        units.begin(), units.end(),
+        [](char16_t unit) { return unit < u' ' || (unit >= 0x7F && unit < 0xA0); }, u' ');
+    return opc::toUDEString(units);
+}
+
 } // namespace
+
+void Table::addRow(std::vector<std::string> cells) {
+    std::transform(cells.begin(), cells.end(), cells.begin(), withoutControlCharacters);
+    rows.push_back(std::move(cells));
+}
 
 void Table::print(std::ostream& stream, bool isTerminal) const {
     if (rows.empty())

@@ -18,8 +18,8 @@ public:
 
     explicit Table(std::vector<Column> headings) : columns(std::move(headings)) {}
 
-    /// @param cells  one for each column, in UTF-8
-    void addRow(std::vector<std::string> cells) { rows.push_back(std::move(cells)); }
+    /// @param cells  one for each column, in UTF-8; control characters become blanks
+    void addRow(std::vector<std::string> cells);
 
     /// Writes nothing if there is no row.
     void print(std::ostream& stream, bool isTerminal) const;

@@ -44,7 +44,9 @@ int main(int argc, char** argv) {
         "opctool");
     app.set_version_flag("--version", OPCMODEL_VERSION);
     app.require_subcommand(1);
+    opctool::addInfoCommand(app);
     opctool::addListCommands(app);
+    opctool::addPropertyCommands(app);
     opctool::addChangeCommands(app);
     try {
         run(app, argc, argv);

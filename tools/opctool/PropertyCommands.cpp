@@ -1,0 +1,97 @@
+#include "Commands.hpp"
+#include "OpenedPackage.hpp"
+#include "PropertyFields.hpp"
+
+#include <opc/model/PackageHelper.hpp>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opctool {
+
+namespace {
+
+using opc::interfaces::OpenMode;
+using opc::model::CoreProperties;
+using opc::model::PackageHelper;
+
+struct Arguments {
+    std::string package;
+    bool json = false;
+    bool clear = false;
+    std::vector<std::string> unset;
+    std::vector<std::string> set;
+    std::vector<std::string> keywords;
+
+    bool changes() const { return clear || !unset.empty() || !set.empty() || !keywords.empty(); }
+};
+
+void print(const Arguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
+    if (arguments.json)
+        std::cout << description.dump(2) << '\n';
+    else
+        printProperties(description);
+}
+
+void change(const Arguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    CoreProperties properties;
+    if (!arguments.clear) // what is to be dropped needn't be readable
+        properties = PackageHelper::getCoreProperties(*package);
+    for (const std::string& name : arguments.unset)
+        unset(properties, name);
+    for (const std::string& assignment : arguments.set)
+        assign(properties, assignment);
+    if (!arguments.keywords.empty()) {
+        CoreProperties::KeywordList keywords;
+        std::transform(arguments.keywords.begin(), arguments.keywords.end(), std::back_inserter(keywords),
+                       parseKeyword);
+        properties.setKeywords(keywords);
+    }
+    const auto type = PackageHelper::getCorePropertiesRelationshipType();
+    if (properties.isEmpty() && package->getRelationshipsByType(type).empty())
+        return;
+    PackageHelper::createOrUpdateCoreProperties(*package, properties);
+    package.save();
+}
+
+/// An option that takes one value each time it is given, and may be given more than once.
+CLI::Option* addRepeatable(CLI::App* command, const std::string& name, std::vector<std::string>& values,
+                           const std::string& what) {
+    return command->add_option(name, values, what)->allow_extra_args(false);
+}
+
+} // namespace
+
+void addPropertyCommands(CLI::App& app) {
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App* command = app.add_subcommand("props", "Print the core properties, or change them");
+    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    CLI::Option* json = command->add_flag("--json", arguments->json, "Print a JSON object");
+    command->add_flag("--clear", arguments->clear, "Drop all properties, before anything else is done")
+        ->excludes(json);
+    addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property, before any is set")
+        ->check(checkProperty)
+        ->excludes(json);
+    addRepeatable(command, "--set", arguments->set,
+                  "NAME=VALUE: set one property. A time is any W3CDTF (2024, 2024-02-29, "
+                  "2024-02-29T13:45:59+01:00 …) or now")
+        ->check(checkAssignment)
+        ->excludes(json);
+    addRepeatable(command, "--keyword", arguments->keywords,
+                  "TEXT or TEXT:LANGUAGE: a keyword; all that are given take the place of the old ones. "
+                  "A colon at the end says that there is no language")
+        ->excludes(json);
+    command->callback([arguments] { arguments->changes() ? change(*arguments) : print(*arguments); });
+}
+
+} // namespace opctool
