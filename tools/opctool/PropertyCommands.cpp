@@ -2,6 +2,7 @@
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/PackageHelper.hpp>
 
 #include <CLI/CLI.hpp>
@@ -20,7 +21,9 @@ namespace {
 
 using opc::interfaces::OpenMode;
 using opc::model::CoreProperties;
+using opc::model::Package;
 using opc::model::PackageHelper;
+using opc::model::Part;
 
 struct Arguments {
     std::string package;
@@ -33,8 +36,26 @@ struct Arguments {
     bool changes() const { return clear || !unset.empty() || !set.empty() || !keywords.empty(); }
 };
 
+bool hasCoreProperties(const Package& package) {
+    return !package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).empty();
+}
+
+/// Some programs lead to their core properties by a relationship of another type than the standard's: the
+/// package has none then, and new ones stand beside those.
+void warnOfCorePropertiesOutOfReach(const Package& package) {
+    if (hasCoreProperties(package))
+        return;
+    for (const Part& part : package.getParts())
+        if (part.getContentType() == PackageHelper::getCorePropertiesContentType())
+            std::cerr
+                << "opctool: warning: " << opc::toUDEString(part.getName().toString())
+                << " has the content type of core properties, but no relationship of their type leads to "
+                   "it; it is left alone\n";
+}
+
 void print(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    warnOfCorePropertiesOutOfReach(*package);
     const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
     if (arguments.json)
         std::cout << description.dump(2) << '\n';
@@ -44,6 +65,7 @@ void print(const Arguments& arguments) {
 
 void change(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    warnOfCorePropertiesOutOfReach(*package);
     CoreProperties properties;
     if (!arguments.clear) // what is to be dropped needn't be readable
         properties = PackageHelper::getCoreProperties(*package);
@@ -57,8 +79,7 @@ void change(const Arguments& arguments) {
                        parseKeyword);
         properties.setKeywords(keywords);
     }
-    const auto type = PackageHelper::getCorePropertiesRelationshipType();
-    if (properties.isEmpty() && package->getRelationshipsByType(type).empty())
+    if (properties.isEmpty() && !hasCoreProperties(*package))
         return;
     PackageHelper::createOrUpdateCoreProperties(*package, properties);
     package.save();
