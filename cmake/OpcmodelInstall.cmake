@@ -11,8 +11,8 @@ if(TARGET opctool)
   install(TARGETS opctool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
-foreach(folder include platform/core/include platform/network/include platform/codesigning_verifier/include
-               physical/memory/include physical/zip/include)
+foreach(folder include platform/core/include platform/network/include platform/crypto/include
+               platform/codesigning_verifier/include physical/memory/include physical/zip/include)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.hpp")
 endforeach()

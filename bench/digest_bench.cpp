@@ -1,0 +1,113 @@
+// How fast the digest of a stream is, beside OpenSSL's own digest over the same bytes in blocks of 64 KiB.
+// Both run in turn within each iteration; `ratio` is their share of speed: 1 means that the stream costs
+// nothing.
+
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/InputStreamSource.hpp>
+
+#include <benchmark/benchmark.h>
+#include <boost/iostreams/stream.hpp>
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using bedrock::crypto::DigestAlgorithm;
+using bedrock::crypto::DigestEngine;
+
+constexpr std::size_t BlockSize = 64 * 1024;
+constexpr std::size_t Size = 64 * 1024 * 1024;
+
+/// The time that this thread was at work: what else the machine does doesn't count.
+std::chrono::nanoseconds now() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+std::vector<unsigned char> digestInBlocks(const std::string& content, const EVP_MD* digest) {
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    EVP_DigestInit_ex2(context.get(), digest, nullptr);
+    for (std::size_t start = 0; start < content.size(); start += BlockSize)
+        EVP_DigestUpdate(context.get(), &content[start], std::min(BlockSize, content.size() - start));
+    std::vector<unsigned char> value(static_cast<std::size_t>(EVP_MD_get_size(digest)));
+    EVP_DigestFinal_ex(context.get(), value.data(), nullptr);
+    return value;
+}
+
+/// Times the engine over `stream` against the blocks, by the fastest of each.
+void compare(benchmark::State& state, DigestAlgorithm algorithm, const char* name, const std::string& content,
+             const std::function<std::vector<unsigned char>(DigestEngine&)>& digestTheStream) {
+    const EVP_MD* digest = EVP_get_digestbyname(name);
+    const auto engine = bedrock::crypto::cryptopp::CryptoProvider().createDigestEngine(algorithm);
+    auto own = std::chrono::nanoseconds::max();
+    auto inBlocks = std::chrono::nanoseconds::max();
+    for (auto _ : state) {
+        const auto start = now();
+        const auto value = digestTheStream(*engine);
+        const auto middle = now();
+        const auto expected = digestInBlocks(content, digest);
+        own = std::min(own, middle - start);
+        inBlocks = std::min(inBlocks, now() - middle);
+        state.SetIterationTime(std::chrono::duration<double>(middle - start).count());
+        if (value != expected)
+            state.SkipWithError("the digests differ");
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * Size));
+    state.counters["ratio"] = static_cast<double>(inBlocks.count()) / static_cast<double>(own.count());
+}
+
+void memoryStream(benchmark::State& state, DigestAlgorithm algorithm, const char* name) {
+    const std::string content(Size, 'x');
+    std::istringstream stream(content);
+    compare(state, algorithm, name, content, [&stream](DigestEngine& engine) {
+        stream.clear();
+        stream.seekg(0);
+        return engine.computeDigest(stream);
+    });
+}
+
+/// A part's stream as the package hands it to the engine.
+void partStream(benchmark::State& state) {
+    const std::string content(Size, 'x');
+    const std::vector<unsigned char> bytes(content.begin(), content.end());
+    compare(state, DigestAlgorithm::SHA256, "SHA256", content, [&bytes](DigestEngine& engine) {
+        opc::ByteArrayInAdaptor source(bytes);
+        boost::iostreams::stream<opc::InputStreamSource> stream{opc::InputStreamSource(source)};
+        return engine.computeDigest(stream);
+    });
+}
+
+void fileStream(benchmark::State& state) {
+    const std::string content(Size, 'x');
+    const auto path = std::filesystem::temp_directory_path() / "opcmodel-digest-bench";
+    std::ofstream(path, std::ios::binary) << content;
+    compare(state, DigestAlgorithm::SHA256, "SHA256", content, [&path](DigestEngine& engine) {
+        std::ifstream stream(path, std::ios::binary);
+        return engine.computeDigest(stream);
+    });
+    std::filesystem::remove(path);
+}
+
+BENCHMARK_CAPTURE(memoryStream, MD5, DigestAlgorithm::MD5, "MD5")->UseManualTime();
+BENCHMARK_CAPTURE(memoryStream, SHA1, DigestAlgorithm::SHA1, "SHA1")->UseManualTime();
+BENCHMARK_CAPTURE(memoryStream, SHA224, DigestAlgorithm::SHA224, "SHA224")->UseManualTime();
+BENCHMARK_CAPTURE(memoryStream, SHA256, DigestAlgorithm::SHA256, "SHA256")->UseManualTime();
+BENCHMARK_CAPTURE(memoryStream, SHA384, DigestAlgorithm::SHA384, "SHA384")->UseManualTime();
+BENCHMARK_CAPTURE(memoryStream, SHA512, DigestAlgorithm::SHA512, "SHA512")->UseManualTime();
+BENCHMARK(partStream)->UseManualTime();
+BENCHMARK(fileStream)->UseManualTime();
+
+} // namespace

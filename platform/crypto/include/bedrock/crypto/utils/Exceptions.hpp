@@ -1,0 +1,38 @@
+#pragma once
+
+#include <bedrock/crypto/Export.hpp>
+
+#include <stdexcept>
+#include <string>
+
+namespace bedrock::crypto::utils {
+
+/// The base of every failure of the cryptographic services. `what()` says what failed and, in parentheses,
+/// what OpenSSL told about it.
+class BEDROCK_CRYPTO_EXPORT Exception : public std::runtime_error {
+public:
+    explicit Exception(const std::string& message) : std::runtime_error(message) {}
+    Exception(const Exception&) = default;
+    Exception(Exception&&) = default;
+    ~Exception() override;
+};
+
+/// Bytes, or numbers, that make no key of the kind and size asked for.
+class BEDROCK_CRYPTO_EXPORT InvalidKey : public Exception {
+public:
+    explicit InvalidKey(const std::string& message) : Exception(message) {}
+    InvalidKey(const InvalidKey&) = default;
+    InvalidKey(InvalidKey&&) = default;
+    ~InvalidKey() override;
+};
+
+/// A digest can't be computed: its algorithm isn't there, or its input can't be read.
+class BEDROCK_CRYPTO_EXPORT CouldNotComputeDigest : public Exception {
+public:
+    explicit CouldNotComputeDigest(const std::string& message) : Exception(message) {}
+    CouldNotComputeDigest(const CouldNotComputeDigest&) = default;
+    CouldNotComputeDigest(CouldNotComputeDigest&&) = default;
+    ~CouldNotComputeDigest() override;
+};
+
+} // namespace bedrock::crypto::utils

@@ -1,0 +1,91 @@
+#include <bedrock/crypto/utils/Base64.hpp>
+
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
+#include <array>
+#include <cstdint>
+
+namespace bedrock::crypto::utils {
+
+namespace {
+
+constexpr char16_t Alphabet[] = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// What a code unit stands for, beside 0 to 63.
+constexpr unsigned char Blank = 64;
+constexpr unsigned char Padding = 65;
+constexpr unsigned char Foreign = 66;
+
+constexpr std::array<unsigned char, 128> makeMeanings() {
+    std::array<unsigned char, 128> meanings{};
+    for (unsigned char& meaning : meanings)
+        meaning = Foreign;
+    for (unsigned char value = 0; value < 64; ++value)
+        meanings[Alphabet[value]] = value;
+    for (const char16_t blank : {u' ', u'\t', u'\r', u'\n'})
+        meanings[blank] = Blank;
+    meanings[u'='] = Padding;
+    return meanings;
+}
+
+constexpr std::array<unsigned char, 128> Meanings = makeMeanings();
+
+} // namespace
+
+std::u16string base64Encode(const std::vector<unsigned char>& bytes) {
+    std::u16string text;
+    text.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t start = 0; start < bytes.size(); start += 3) {
+        const std::size_t count = bytes.size() - start;
+        const std::uint32_t group = std::uint32_t{bytes[start]} << 16 |
+                                    (count > 1 ? std::uint32_t{bytes[start + 1]} << 8 : 0) |
+                                    (count > 2 ? std::uint32_t{bytes[start + 2]} : 0);
+        text += Alphabet[group >> 18];
+        text += Alphabet[group >> 12 & 63];
+        text += count > 1 ? Alphabet[group >> 6 & 63] : u'=';
+        text += count > 2 ? Alphabet[group & 63] : u'=';
+    }
+    return text;
+}
+
+std::vector<unsigned char> base64Decode(const std::u16string& text) {
+    std::vector<unsigned char> bytes;
+    bytes.reserve(text.size() / 4 * 3);
+    std::uint32_t group = 0;
+    unsigned digits = 0;  // of the group of four in hand
+    unsigned padding = 0; // seen so far
+    for (const char16_t unit : text) {
+        const unsigned char meaning = unit < Meanings.size() ? Meanings[unit] : Foreign;
+        if (meaning == Blank)
+            continue;
+        if (meaning == Foreign)
+            throw Exception("The text isn't Base64: it holds a character outside the alphabet.");
+        if (meaning == Padding) {
+            ++padding;
+            continue;
+        }
+        if (padding > 0)
+            throw Exception("The text isn't Base64: padding stands before its end.");
+        group = group << 6 | meaning;
+        if (++digits == 4) {
+            bytes.insert(bytes.end(),
+                         {static_cast<unsigned char>(group >> 16), static_cast<unsigned char>(group >> 8),
+                          static_cast<unsigned char>(group)});
+            group = 0;
+            digits = 0;
+        }
+    }
+    if (digits == 1 || padding != (4 - digits) % 4)
+        throw Exception("The text isn't Base64: its end is cut off or wrongly padded.");
+    if (digits == 0)
+        return bytes;
+    group <<= 6 * padding;
+    if (group & (padding == 2 ? 0xFFFF : 0xFF))
+        throw Exception("The text isn't Base64: bits behind the last byte aren't zero.");
+    bytes.push_back(static_cast<unsigned char>(group >> 16));
+    if (padding == 1)
+        bytes.push_back(static_cast<unsigned char>(group >> 8));
+    return bytes;
+}
+
+} // namespace bedrock::crypto::utils

@@ -1,0 +1,104 @@
+#include "EvpDigestEngine.hpp"
+
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
+#include <istream>
+#include <streambuf>
+
+namespace bedrock::crypto {
+
+namespace {
+
+constexpr std::size_t BlockSize = 64 * 1024;
+
+/// What a stream buffer holds ready, read in place: a stream over memory costs no copy.
+class Window : public std::streambuf {
+public:
+    static std::size_t size(const std::streambuf& buffer) {
+        return static_cast<std::size_t>((buffer.*&Window::egptr)() - (buffer.*&Window::gptr)());
+    }
+    static const char* start(const std::streambuf& buffer) { return (buffer.*&Window::gptr)(); }
+    static void skip(std::streambuf& buffer, std::size_t count) {
+        (buffer.*&Window::gbump)(static_cast<int>(count));
+    }
+};
+
+} // namespace
+
+const char* getOpenSslName(DigestAlgorithm algorithm) {
+    switch (algorithm) {
+    case DigestAlgorithm::MD5:
+        return "MD5";
+    case DigestAlgorithm::SHA1:
+        return "SHA1";
+    case DigestAlgorithm::SHA224:
+        return "SHA2-224";
+    case DigestAlgorithm::SHA256:
+        return "SHA2-256";
+    case DigestAlgorithm::SHA384:
+        return "SHA2-384";
+    case DigestAlgorithm::SHA512:
+        return "SHA2-512";
+    }
+    throw utils::CouldNotComputeDigest("There is no such digest algorithm.");
+}
+
+EvpDigestEngine::EvpDigestEngine(DigestAlgorithm chosen) : algorithm(chosen) {
+    const openssl::ErrorScope scope;
+    const char* name = getOpenSslName(chosen);
+    digest.reset(EVP_MD_fetch(nullptr, name, nullptr));
+    if (!digest)
+        openssl::fail<utils::CouldNotComputeDigest>(std::string("OpenSSL doesn't offer the digest ") + name);
+    context = openssl::made(openssl::MdCtxPtr(EVP_MD_CTX_new()));
+}
+
+std::vector<unsigned char> EvpDigestEngine::computeDigest(const std::vector<unsigned char>& bytes) {
+    const openssl::ErrorScope scope;
+    start();
+    update(bytes.data(), bytes.size());
+    return finish();
+}
+
+std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) {
+    const openssl::ErrorScope scope;
+    if (stream.fail())
+        throw utils::CouldNotComputeDigest("The stream to digest has failed.");
+    if (!block)
+        block.reset(new char[BlockSize]);
+    start();
+    // Past the stream's own functions: those would swallow what a physical layer throws.
+    std::streambuf& source = *stream.rdbuf();
+    for (;;) {
+        if (Window::size(source) >= BlockSize) {
+            update(Window::start(source), BlockSize);
+            Window::skip(source, BlockSize);
+            continue;
+        }
+        const std::streamsize count = source.sgetn(block.get(), BlockSize);
+        if (count <= 0)
+            break;
+        update(block.get(), static_cast<std::size_t>(count));
+    }
+    std::vector<unsigned char> value = finish();
+    stream.setstate(std::ios_base::eofbit);
+    return value;
+}
+
+void EvpDigestEngine::start() {
+    if (!EVP_DigestInit_ex2(context.get(), digest.get(), nullptr))
+        openssl::fail<utils::CouldNotComputeDigest>("A digest can't be started.");
+}
+
+void EvpDigestEngine::update(const void* bytes, std::size_t count) {
+    if (!EVP_DigestUpdate(context.get(), bytes, count))
+        openssl::fail<utils::CouldNotComputeDigest>("A digest can't be computed.");
+}
+
+std::vector<unsigned char> EvpDigestEngine::finish() {
+    std::vector<unsigned char> value(static_cast<std::size_t>(EVP_MD_get_size(digest.get())));
+    if (!EVP_DigestFinal_ex(context.get(), value.data(), nullptr))
+        openssl::fail<utils::CouldNotComputeDigest>("A digest can't be finished.");
+    return value;
+}
+
+} // namespace bedrock::crypto

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "OpenSsl.hpp"
+
+#include <bedrock/crypto/DigestEngine.hpp>
+
+#include <memory>
+
+namespace bedrock::crypto {
+
+/// OpenSSL's name of an algorithm, such as "SHA2-256".
+const char* getOpenSslName(DigestAlgorithm algorithm);
+
+class EvpDigestEngine final : public DigestEngine {
+public:
+    /// @throws utils::CouldNotComputeDigest  if OpenSSL doesn't offer the algorithm
+    explicit EvpDigestEngine(DigestAlgorithm chosen);
+
+    DigestAlgorithm getAlgorithm() const override { return algorithm; }
+    std::vector<unsigned char> computeDigest(const std::vector<unsigned char>& bytes) override;
+    std::vector<unsigned char> computeDigest(std::istream& stream) override;
+
+private:
+    void start();
+    void update(const void* bytes, std::size_t count);
+    std::vector<unsigned char> finish();
+
+    DigestAlgorithm algorithm;
+    openssl::MdPtr digest;
+    openssl::MdCtxPtr context;
+    std::unique_ptr<char[]> block; // made by the first stream
+};
+
+} // namespace bedrock::crypto

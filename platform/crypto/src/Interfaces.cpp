@@ -1,0 +1,30 @@
+// The destructors of the abstract classes and exceptions stand here, so that there is one type information of
+// each in the program, also across shared libraries.
+
+#include <bedrock/crypto/interfaces/ICryptoProvider.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
+namespace bedrock::crypto {
+
+CryptoPRNG::~CryptoPRNG() = default;
+DigestEngine::~DigestEngine() = default;
+RSAPrivateKey::~RSAPrivateKey() = default;
+RSAPublicKey::~RSAPublicKey() = default;
+RSASigner::~RSASigner() = default;
+RSAVerifier::~RSAVerifier() = default;
+
+namespace interfaces {
+
+ICryptoProvider::~ICryptoProvider() = default;
+
+} // namespace interfaces
+
+namespace utils {
+
+Exception::~Exception() = default;
+InvalidKey::~InvalidKey() = default;
+CouldNotComputeDigest::~CouldNotComputeDigest() = default;
+
+} // namespace utils
+
+} // namespace bedrock::crypto

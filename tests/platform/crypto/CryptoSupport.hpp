@@ -1,0 +1,67 @@
+#pragma once
+
+#include <bedrock/crypto/CryptoEngine.hpp>
+#include <bedrock/crypto/RsaKeyPair.hpp>
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+
+#include <gtest/gtest.h>
+#include <openssl/err.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bedrock::test {
+
+using Bytes = std::vector<unsigned char>;
+
+inline Bytes bytesOf(const std::string& text) {
+    return Bytes(text.begin(), text.end());
+}
+
+inline std::string hex(const Bytes& bytes) {
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        text += "0123456789abcdef"[byte >> 4];
+        text += "0123456789abcdef"[byte & 15];
+    }
+    return text;
+}
+
+inline crypto::CryptoEngine makeEngine() {
+    return crypto::CryptoEngine(std::make_shared<crypto::cryptopp::CryptoProvider>());
+}
+
+/// One key of each size for all cases of a program: making them is slow.
+inline const crypto::RsaKeyPair& keyPair(std::size_t bits) {
+    static std::map<std::size_t, crypto::RsaKeyPair> pairs;
+    const auto found = pairs.find(bits);
+    return found != pairs.end() ? found->second
+                                : pairs.emplace(bits, crypto::generateRsaKeyPair(bits)).first->second;
+}
+
+inline std::shared_ptr<crypto::RSAPrivateKey> privateKey(std::size_t bits, const Bytes& encoded) {
+    return crypto::cryptopp::CryptoProvider().createRSAPrivateKey(bits, encoded);
+}
+
+inline std::shared_ptr<crypto::RSAPublicKey> publicKey(std::size_t bits, const Bytes& encoded) {
+    return crypto::cryptopp::CryptoProvider().createRSAPublicKey(bits, encoded);
+}
+
+/// Whether `action` raises `E` with a text, and leaves nothing in OpenSSL's error queue.
+template <typename E, typename Action>
+testing::AssertionResult fails(Action&& action) {
+    try {
+        action();
+    } catch (const E& failure) {
+        if (std::string(failure.what()).empty())
+            return testing::AssertionFailure() << "no text";
+        if (ERR_peek_error() != 0)
+            return testing::AssertionFailure() << "errors are left behind";
+        return testing::AssertionSuccess() << failure.what();
+    }
+    return testing::AssertionFailure() << "raised nothing";
+}
+
+} // namespace bedrock::test

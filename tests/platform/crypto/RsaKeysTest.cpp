@@ -1,0 +1,218 @@
+#include "CryptoSupport.hpp"
+
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <support/OpenSslCommand.hpp>
+
+#include <chrono>
+
+namespace {
+
+using namespace bedrock::test;
+using bedrock::crypto::CryptoEngine;
+using bedrock::crypto::utils::InvalidKey;
+using opc::test::OpenSslCommand;
+
+const std::size_t Sizes[] = {1024, 2048, 4096};
+
+/// The numbers of a private key, as the command line prints them.
+struct Numbers {
+    Bytes modulus, publicExponent, privateExponent;
+};
+
+Numbers numbersOf(const OpenSslCommand& openssl, const std::string& file) {
+    const std::string text = openssl.run("rsa -noout -text -inform DER -in " + file);
+    const auto after = [&text](const std::string& label) {
+        Bytes bytes;
+        std::size_t position = text.find(label) + label.size();
+        while (text[position] == '\n')
+            for (position = text.find_first_not_of(' ', position + 1); text[position + 2] == ':';
+                 position += 3)
+                bytes.push_back(static_cast<unsigned char>(std::stoi(text.substr(position, 2), nullptr, 16)));
+        bytes.push_back(static_cast<unsigned char>(std::stoi(text.substr(position, 2), nullptr, 16)));
+        return bytes;
+    };
+    Bytes modulus = after("modulus:");
+    modulus.erase(modulus.begin()); // printed with its leading zero
+    return {modulus, {1, 0, 1}, after("privateExponent:")};
+}
+
+TEST(RsaKeys, encodedFormsStayWithinTheirBounds) {
+    for (const std::size_t bits : Sizes) {
+        const auto& pair = keyPair(bits);
+        const auto secret = privateKey(bits, pair.getPrivateKey());
+        EXPECT_EQ(secret->getAsByteArray(), pair.getPrivateKey());
+        EXPECT_GE(pair.getPrivateKey().size(), bits / 2);
+        EXPECT_LE(pair.getPrivateKey().size(), bits);
+
+        const auto open = publicKey(bits, pair.getPublicKey());
+        EXPECT_EQ(open->getAsByteArray(), pair.getPublicKey());
+        EXPECT_EQ(open->getModulus().size() * 8, bits);
+        EXPECT_EQ(open->getPublicExponent(), (Bytes{1, 0, 1}));
+        // A key with an exponent of the greatest length.
+        const Bytes longest(8, 0xFF);
+        const auto large =
+            bedrock::crypto::cryptopp::CryptoProvider().createRSAPublicKey(bits, open->getModulus(), longest);
+        EXPECT_EQ(large->getPublicExponent(), longest);
+        for (const Bytes& encoded : {pair.getPublicKey(), large->getAsByteArray()}) {
+            EXPECT_GE(encoded.size(), bits / 8);
+            EXPECT_LE(encoded.size(), bits / 8 + 127);
+        }
+    }
+}
+
+TEST(RsaKeys, eachFormOfTheCommandLineIsRead) {
+    const OpenSslCommand openssl;
+    openssl.run("genpkey -algorithm RSA -pkeyopt rsa_keygen_bits:2048 -out key.pem");
+    openssl.run("pkcs8 -topk8 -nocrypt -in key.pem -outform DER -out pkcs8.der");
+    const std::string from = "rsa -inform DER -in pkcs8.der -out ";
+    openssl.run("pkey -inform DER -in pkcs8.der -out pkcs8.pem");
+    openssl.run(from + "pkcs1.der -outform DER -traditional");
+    openssl.run(from + "pkcs1.pem -traditional");
+    openssl.run(from + "spki.der -pubout -outform DER");
+    openssl.run(from + "spki.pem -pubout");
+    openssl.run(from + "pkcs1pub.der -RSAPublicKey_out -outform DER");
+    openssl.run(from + "pkcs1pub.pem -RSAPublicKey_out");
+    openssl.run("pkey -inform DER -in pkcs8.der -aes128 -passout pass:x -out encrypted8.pem");
+    openssl.run(from + "encrypted1.pem -traditional -aes128 -passout pass:x");
+    const CryptoEngine engine = makeEngine();
+    for (const char* file : {"pkcs8.der", "pkcs8.pem", "pkcs1.der", "pkcs1.pem"}) {
+        EXPECT_EQ(engine.createRSA2048PrivateKey(openssl.read(file))->getAsByteArray(),
+                  openssl.read("pkcs8.der"))
+            << file;
+        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PublicKey(openssl.read(file)); })) << file;
+    }
+    for (const char* file : {"spki.der", "spki.pem", "pkcs1pub.der", "pkcs1pub.pem"}) {
+        EXPECT_EQ(engine.createRSA2048PublicKey(openssl.read(file))->getAsByteArray(),
+                  openssl.read("spki.der"))
+            << file;
+        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(openssl.read(file)); })) << file;
+    }
+    for (const char* file : {"encrypted8.pem", "encrypted1.pem"})
+        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(openssl.read(file)); })) << file;
+}
+
+TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
+    const OpenSslCommand openssl;
+    bedrock::crypto::cryptopp::CryptoProvider provider;
+    for (const std::size_t bits : Sizes) {
+        openssl.write("key", keyPair(bits).getPrivateKey());
+        const Numbers numbers = numbersOf(openssl, "key");
+        const auto key = provider.createRSAPrivateKey(bits, numbers.modulus, numbers.privateExponent,
+                                                      numbers.publicExponent);
+        EXPECT_EQ(key->getAsByteArray(), keyPair(bits).getPrivateKey()) << bits;
+
+        // The form of writers that know no primes.
+        openssl.write("bare.cnf",
+                      bytesOf("asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\nn=INTEGER:0x" +
+                              hex(numbers.modulus) + "\ne=INTEGER:0x10001\nd=INTEGER:0x" +
+                              hex(numbers.privateExponent) +
+                              "\np=INTEGER:0\nq=INTEGER:0\ndp=INTEGER:0\ndq=INTEGER:0\nqi=INTEGER:0\n"));
+        openssl.run("asn1parse -genconf bare.cnf -noout -out bare");
+        EXPECT_EQ(privateKey(bits, openssl.read("bare"))->getAsByteArray(), keyPair(bits).getPrivateKey())
+            << bits;
+
+        openssl.write("recovered", key->getAsByteArray());
+        EXPECT_NE(openssl.run("rsa -check -noout -inform DER -in recovered").find("RSA key ok"),
+                  std::string::npos);
+    }
+}
+
+TEST(RsaKeys, keysCutShortOrContinuedAreRefused) {
+    const auto& pair = keyPair(1024);
+    const CryptoEngine engine = makeEngine();
+    for (std::size_t size = 0; size < pair.getPrivateKey().size(); ++size) {
+        const Bytes cut(pair.getPrivateKey().begin(),
+                        pair.getPrivateKey().begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(cut); })) << size;
+    }
+    for (std::size_t size = 0; size < pair.getPublicKey().size(); ++size) {
+        const Bytes cut(pair.getPublicKey().begin(),
+                        pair.getPublicKey().begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(cut); })) << size;
+    }
+    Bytes longer = pair.getPrivateKey();
+    longer.push_back(0);
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(longer); }));
+    longer = pair.getPublicKey();
+    longer.push_back(0);
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(longer); }));
+}
+
+TEST(RsaKeys, otherKeysAndSizesAreRefused) {
+    const OpenSslCommand openssl;
+    openssl.run("genpkey -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -outform DER -out ec.der");
+    openssl.run("pkey -inform DER -in ec.der -pubout -outform DER -out ecpub.der");
+    openssl.run("genpkey -algorithm RSA-PSS -pkeyopt rsa_keygen_bits:1024 -outform DER -out pss.der");
+    const CryptoEngine engine = makeEngine();
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("ec.der")); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(openssl.read("ecpub.der")); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("pss.der")); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(keyPair(1024).getPrivateKey()); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(keyPair(2048).getPublicKey()); }));
+    EXPECT_TRUE(fails<InvalidKey>([] { bedrock::crypto::generateRsaKeyPair(1536); }));
+
+    const auto padding = engine.getDefaultRSAPaddingModeSigning();
+    const auto generator = engine.getDefaultCryptoPRNG();
+    const auto secret = engine.createRSA1024PrivateKey(keyPair(1024).getPrivateKey());
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048Signer(secret, padding, generator); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024Signer(nullptr, padding, generator); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024Verifier(nullptr, padding, generator); }));
+}
+
+TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
+    const OpenSslCommand openssl;
+    openssl.write("key", keyPair(1024).getPrivateKey());
+    const Numbers good = numbersOf(openssl, "key");
+    Bytes even = good.modulus, other = good.modulus, leading(1 << 20, 0);
+    even.back() &= 0xFE;
+    other[60] ^= 1;
+    leading.insert(leading.end(), good.modulus.begin(), good.modulus.end());
+    const Bytes huge(1 << 20, 0xFF), nothing, zeros(128, 0), three{3}, ones(128, 0xFF);
+    struct Case {
+        const char* name;
+        Bytes modulus, privateExponent, publicExponent;
+    };
+    const Case cases[] = {
+        {"no modulus", nothing, good.privateExponent, {1, 0, 1}},
+        {"zero modulus", zeros, good.privateExponent, {1, 0, 1}},
+        {"tiny modulus", {15}, three, three},
+        {"short modulus", Bytes(127, 0xFF), three, three},
+        {"long modulus", Bytes(129, 0xFF), three, three},
+        {"even modulus", even, good.privateExponent, {1, 0, 1}},
+        {"huge modulus", huge, good.privateExponent, {1, 0, 1}},
+        {"other modulus", other, good.privateExponent, {1, 0, 1}},
+        {"no private exponent", good.modulus, nothing, {1, 0, 1}},
+        {"private exponent 1", good.modulus, {1}, {1, 0, 1}},
+        {"other private exponent", good.modulus, three, {1, 0, 1}},
+        {"private exponent above the modulus", good.modulus, ones, {1, 0, 1}},
+        {"huge private exponent", good.modulus, huge, {1, 0, 1}},
+        {"no public exponent", good.modulus, good.privateExponent, nothing},
+        {"public exponent 1", good.modulus, good.privateExponent, {1}},
+        {"even public exponent", good.modulus, good.privateExponent, {1, 0, 0}},
+        {"other public exponent", good.modulus, good.privateExponent, three},
+        {"long public exponent", good.modulus, good.privateExponent, Bytes(9, 0xFF)},
+        {"huge public exponent", good.modulus, good.privateExponent, huge},
+    };
+    const auto start = std::chrono::steady_clock::now();
+    const CryptoEngine engine = makeEngine();
+    for (const Case& c : cases) {
+        EXPECT_TRUE(fails<InvalidKey>([&] {
+            engine.createRSA1024PrivateKey(c.modulus, c.privateExponent, c.publicExponent);
+        })) << c.name;
+        // Of the public numbers alone, each of these is a good pair.
+        const std::string name = c.name;
+        const bool isPublicGood = name.find("private") != std::string::npos || name.find("other") == 0;
+        if (isPublicGood)
+            EXPECT_NO_THROW(engine.createRSA1024PublicKey(c.modulus, c.publicExponent)) << name;
+        else
+            EXPECT_TRUE(fails<InvalidKey>([&] {
+                engine.createRSA1024PublicKey(c.modulus, c.publicExponent);
+            })) << name;
+    }
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PublicKey(huge); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PrivateKey(huge); }));
+    EXPECT_EQ(engine.createRSA1024PublicKey(leading, {0, 0, 1, 0, 1})->getModulus(), good.modulus);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+} // namespace
