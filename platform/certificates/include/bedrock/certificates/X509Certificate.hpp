@@ -1,0 +1,80 @@
+#pragma once
+
+#include <bedrock/certificates/CertificateValidationOptions.hpp>
+#include <bedrock/certificates/CertificateValidationResults.hpp>
+#include <bedrock/crypto/Export.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bedrock::certificates {
+
+class TrustStore;
+class X509CertificateChain;
+
+namespace detail {
+class CertificateAccess;
+}
+
+/// An X.509 certificate, or none: a default-constructed one is empty. Copies share what they hold, which
+/// never changes; any number of threads may use them.
+///
+/// All operations but `empty` and `isValidForDigitalSigning` raise `X509CertificateException` on an empty
+/// certificate.
+class BEDROCK_CRYPTO_EXPORT X509Certificate {
+public:
+    X509Certificate() = default;
+
+    /// @param bytes  one certificate in DER, or in PEM, and nothing else
+    /// @throws X509CertificateException  if they are no certificate
+    explicit X509Certificate(const std::vector<unsigned char>& bytes);
+
+    bool empty() const noexcept { return !content; }
+
+    /// The size of the key in bits; of an RSA key, 8 times the length of its modulus. 0 if the key is of a
+    /// kind that OpenSSL doesn't know.
+    std::size_t getKeySize() const;
+
+    /// Big-endian, without leading zeros; empty if the key isn't an RSA key.
+    std::vector<unsigned char> getModulus() const;
+
+    /// Big-endian, without leading zeros; empty if the key isn't an RSA key.
+    std::vector<unsigned char> getPublicExponent() const;
+
+    /// Whether its key usage allows signing documents: there is no such extension, or it names
+    /// digitalSignature or nonRepudiation (RFC 5280 section 4.2.1.3). False for an empty certificate.
+    bool isValidForDigitalSigning() const;
+
+    /// The Base64 form of the certificate on one line.
+    std::string getAsString() const;
+
+    /// The certificate in DER.
+    std::vector<unsigned char> getAsByteArray() const;
+
+    /// SHA-256 over the DER form, as 64 lower-case hexadecimal digits.
+    std::string getSHA256Fingerprint() const;
+
+    /// The subject as one line of UTF-8, in the manner of RFC 2253.
+    std::string getSubject() const;
+
+    /// Checks, in this order: whether a chain leads through certificates of `chain` to one of `trustStore`,
+    /// with all that RFC 5280 section 6 asks, at the time that `options` says; whether the certificate is
+    /// there for signing; whether the chain is strong enough. Any certificate of the store ends a chain, be
+    /// it self-signed or not.
+    ///
+    /// There for signing means `isValidForDigitalSigning`, and an extended key usage, if there is one, that
+    /// names more than TLS, time stamping and OCSP.
+    CertificateValidationResults validateCertificate(const X509CertificateChain& chain,
+                                                     const CertificateValidationOptions& options,
+                                                     const TrustStore& trustStore) const;
+
+private:
+    friend class detail::CertificateAccess;
+    struct Content;
+
+    std::shared_ptr<const Content> content;
+};
+
+} // namespace bedrock::certificates

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "OpenSsl.hpp"
+
+#include <bedrock/certificates/X509Certificate.hpp>
+
+namespace bedrock::certificates {
+
+struct X509Certificate::Content {
+    openssl::X509Ptr certificate;
+};
+
+namespace detail {
+
+/// The way between certificates here and OpenSSL's.
+class CertificateAccess {
+public:
+    static X509Certificate make(openssl::X509Ptr certificate);
+
+    /// OpenSSL counts references and caches inside its certificates, under its own locks: none is constant to
+    /// it.
+    /// @throws X509CertificateException  if the certificate is empty
+    static X509& get(const X509Certificate& certificate);
+};
+
+/// Stands where OpenSSL would ask for a password at the terminal.
+inline int noPassword(char*, int, int, void*) {
+    return -1;
+}
+
+/// The next certificate of a PEM text; null at the end of it.
+/// @throws X509CertificateException  if there is one that can't be read
+openssl::X509Ptr readPemCertificate(BIO& source);
+
+struct RevocationList {
+    openssl::CrlPtr list;
+};
+
+} // namespace detail
+
+} // namespace bedrock::certificates

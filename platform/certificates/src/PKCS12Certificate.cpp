@@ -1,0 +1,120 @@
+#include <bedrock/certificates/PKCS12Certificate.hpp>
+
+#include "CertificateAccess.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+
+#include <openssl/core_names.h>
+#include <openssl/err.h>
+
+#include <memory>
+
+namespace bedrock::certificates {
+
+struct PKCS12Certificate::Key {
+    explicit Key(std::vector<unsigned char> bytes) noexcept : exponent(std::move(bytes)) {}
+
+    openssl::Secret exponent;
+};
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+struct Content {
+    openssl::PkeyPtr key;
+    openssl::X509Ptr certificate;
+    openssl::X509StackPtr others;
+};
+
+/// Algorithms of old, in a context of their own so that the application's stays as it is.
+struct LegacyContext {
+    LegacyContext() : library(openssl::made(openssl::LibraryPtr(OSSL_LIB_CTX_new()))) {
+        ordinary.reset(OSSL_PROVIDER_load(library.get(), "default"));
+        legacy.reset(OSSL_PROVIDER_load(library.get(), "legacy"));
+    }
+
+    openssl::LibraryPtr library;
+    openssl::ProviderPtr ordinary;
+    openssl::ProviderPtr legacy; // null if it isn't installed
+};
+
+openssl::Pkcs12Ptr decode(const Bytes& bytes, OSSL_LIB_CTX* library) {
+    PKCS12* bundle =
+        openssl::made(openssl::Pkcs12Ptr(PKCS12_init_ex(NID_pkcs7_data, library, nullptr))).release();
+    const unsigned char* position = bytes.data();
+    // Failing, it frees the bundle and sets the pointer to null.
+    if (bytes.size() > static_cast<std::size_t>(INT32_MAX) ||
+        !d2i_PKCS12(&bundle, &position, static_cast<long>(bytes.size())))
+        openssl::fail<CertificateException>("The bytes are no PKCS#12 bundle.");
+    return openssl::Pkcs12Ptr(bundle);
+}
+
+/// @return whether the bundle could be opened; if not, the error queue says why
+bool open(PKCS12& bundle, const std::string& password, Content& content) {
+    EVP_PKEY* key = nullptr;
+    X509* certificate = nullptr;
+    STACK_OF(X509)* others = nullptr;
+    const int done = PKCS12_parse(&bundle, password.c_str(), &key, &certificate, &others);
+    content.key.reset(key);
+    content.certificate.reset(certificate);
+    content.others.reset(others);
+    return done == 1;
+}
+
+/// Whether the error queue tells of an algorithm that no provider offers.
+bool isAlgorithmMissing() {
+    return ERR_GET_REASON(ERR_peek_error()) == ERR_R_UNSUPPORTED;
+}
+
+[[noreturn]] void failToOpen(bool isLegacyMissing) {
+    if (isLegacyMissing && isAlgorithmMissing())
+        openssl::fail<CertificateException>(
+            "The bundle is encrypted by an old algorithm that needs OpenSSL's legacy "
+            "provider, which isn't installed.");
+    if (ERR_GET_REASON(ERR_peek_last_error()) == PKCS12_R_MAC_VERIFY_FAILURE)
+        openssl::fail<CertificateException>(
+            "The password of the bundle is wrong, or the bundle was changed.");
+    openssl::fail<CertificateException>("The bundle can't be opened.");
+}
+
+/// By its DER form: OpenSSL's own object belongs to the context that the bundle was opened in.
+X509Certificate copyOf(X509& certificate) {
+    return X509Certificate(openssl::toDer<i2d_X509>(certificate));
+}
+
+Bytes exponentOf(const EVP_PKEY& key) {
+    const openssl::BnPtr exponent =
+        EVP_PKEY_is_a(&key, "RSA") ? openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_D) : nullptr;
+    if (!exponent)
+        openssl::fail<CertificateException>("The private key of the bundle isn't an RSA key.");
+    return openssl::toBytes(*exponent);
+}
+
+} // namespace
+
+PKCS12Certificate::PKCS12Certificate(const Bytes& bytes, const std::string& password) {
+    const openssl::ErrorScope scope;
+    std::unique_ptr<LegacyContext> legacy; // outlives what is read in it
+    Content content;
+    if (!open(*decode(bytes, nullptr), password, content)) {
+        if (!isAlgorithmMissing())
+            failToOpen(false);
+        legacy = std::make_unique<LegacyContext>();
+        ERR_clear_error();
+        if (!open(*decode(bytes, legacy->library.get()), password, content))
+            failToOpen(!legacy->legacy);
+    }
+    if (content.key)
+        key = std::make_shared<Key>(exponentOf(*content.key));
+    if (content.certificate)
+        certificate = copyOf(*content.certificate);
+    for (int index = 0; content.others && index < sk_X509_num(content.others.get()); ++index)
+        chain.addCertificate(copyOf(*sk_X509_value(content.others.get(), index)));
+}
+
+Bytes PKCS12Certificate::getPrivateExponent() const {
+    return key ? key->exponent.get() : Bytes();
+}
+
+} // namespace bedrock::certificates

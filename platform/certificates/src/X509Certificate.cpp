@@ -1,0 +1,133 @@
+#include <bedrock/certificates/X509Certificate.hpp>
+
+#include "CertificateAccess.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+
+#include <openssl/core_names.h>
+#include <openssl/err.h>
+#include <openssl/pem.h>
+
+namespace bedrock::certificates {
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using detail::CertificateAccess;
+
+Bytes getNumber(const X509Certificate& certificate, const char* name) {
+    const openssl::ErrorScope scope;
+    const EVP_PKEY* key = X509_get0_pubkey(&CertificateAccess::get(certificate));
+    if (!key || !EVP_PKEY_is_a(key, "RSA"))
+        return {};
+    const openssl::BnPtr number = openssl::getNumber(*key, name);
+    return number ? openssl::toBytes(*number) : Bytes();
+}
+
+openssl::X509Ptr readCertificate(const Bytes& bytes) {
+    openssl::X509Ptr certificate = openssl::fromDer<openssl::X509Ptr, d2i_X509>(bytes.data(), bytes.size());
+    if (certificate)
+        return certificate;
+    const openssl::BioPtr source = openssl::readingBio(bytes);
+    if (openssl::X509Ptr first = detail::readPemCertificate(*source)) {
+        if (detail::readPemCertificate(*source))
+            throw X509CertificateException("The bytes are more than one certificate.");
+        return first;
+    }
+    openssl::fail<X509CertificateException>("The bytes are no certificate.");
+}
+
+} // namespace
+
+openssl::X509Ptr detail::readPemCertificate(BIO& source) {
+    openssl::X509Ptr certificate(PEM_read_bio_X509_AUX(&source, nullptr, noPassword, nullptr));
+    // That no further block starts is the ordinary end.
+    if (!certificate && ERR_GET_REASON(ERR_peek_last_error()) != PEM_R_NO_START_LINE)
+        openssl::fail<X509CertificateException>("A certificate can't be read.");
+    return certificate;
+}
+
+X509Certificate detail::CertificateAccess::make(openssl::X509Ptr certificate) {
+    X509Certificate made;
+    made.content =
+        std::make_shared<X509Certificate::Content>(X509Certificate::Content{std::move(certificate)});
+    return made;
+}
+
+X509& detail::CertificateAccess::get(const X509Certificate& certificate) {
+    if (certificate.empty())
+        throw X509CertificateException("The certificate is empty.");
+    return *certificate.content->certificate;
+}
+
+X509Certificate::X509Certificate(const Bytes& bytes) {
+    const openssl::ErrorScope scope;
+    *this = CertificateAccess::make(readCertificate(bytes));
+}
+
+std::size_t X509Certificate::getKeySize() const {
+    const openssl::ErrorScope scope;
+    const EVP_PKEY* key = X509_get0_pubkey(&CertificateAccess::get(*this));
+    if (!key)
+        return 0;
+    const int bits = EVP_PKEY_get_bits(key);
+    return static_cast<std::size_t>(EVP_PKEY_is_a(key, "RSA") ? (bits + 7) / 8 * 8 : bits);
+}
+
+Bytes X509Certificate::getModulus() const {
+    return getNumber(*this, OSSL_PKEY_PARAM_RSA_N);
+}
+
+Bytes X509Certificate::getPublicExponent() const {
+    return getNumber(*this, OSSL_PKEY_PARAM_RSA_E);
+}
+
+bool X509Certificate::isValidForDigitalSigning() const {
+    if (empty())
+        return false;
+    const openssl::ErrorScope scope;
+    // All bits are set if the extension isn't there, none if the extensions can't be read.
+    const auto usage = X509_get_key_usage(&CertificateAccess::get(*this));
+    return (usage & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) != 0;
+}
+
+std::string X509Certificate::getAsString() const {
+    const std::u16string text = crypto::utils::base64Encode(getAsByteArray());
+    return std::string(text.begin(), text.end());
+}
+
+Bytes X509Certificate::getAsByteArray() const {
+    const openssl::ErrorScope scope;
+    Bytes der = openssl::toDer<i2d_X509>(CertificateAccess::get(*this));
+    if (der.empty())
+        openssl::fail<X509CertificateException>("The certificate can't be encoded.");
+    return der;
+}
+
+std::string X509Certificate::getSHA256Fingerprint() const {
+    const openssl::ErrorScope scope;
+    unsigned char digest[EVP_MAX_MD_SIZE];
+    unsigned int size = 0;
+    if (!X509_digest(&CertificateAccess::get(*this), EVP_sha256(), digest, &size))
+        openssl::fail<X509CertificateException>("The fingerprint can't be computed.");
+    std::string text;
+    for (unsigned int index = 0; index < size; ++index) {
+        text += "0123456789abcdef"[digest[index] >> 4];
+        text += "0123456789abcdef"[digest[index] & 15];
+    }
+    return text;
+}
+
+std::string X509Certificate::getSubject() const {
+    const openssl::ErrorScope scope;
+    const openssl::BioPtr target = openssl::made(openssl::BioPtr(BIO_new(BIO_s_mem())));
+    const X509_NAME* name = X509_get_subject_name(&CertificateAccess::get(*this));
+    if (X509_NAME_print_ex(target.get(), name, 0, XN_FLAG_RFC2253 & ~ASN1_STRFLGS_ESC_MSB) < 0)
+        openssl::fail<X509CertificateException>("The subject can't be read.");
+    const char* text = nullptr;
+    const long size = BIO_get_mem_data(target.get(), &text);
+    return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
+}
+
+} // namespace bedrock::certificates

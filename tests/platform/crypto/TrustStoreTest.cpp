@@ -1,0 +1,97 @@
+#include "CryptoSupport.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/TrustStore.hpp>
+#include <bedrock/certificates/X509CertificateChain.hpp>
+#include <support/OpenSslCommand.hpp>
+#include <support/TestCertificates.hpp>
+
+#include <cstdlib>
+
+namespace {
+
+using namespace bedrock::certificates;
+using namespace bedrock::test;
+using opc::test::Identity;
+using opc::test::makeIssuer;
+
+class TrustStoreTest : public testing::Test {
+protected:
+    TrustStoreTest() : first(makeIssuer("First")), second(makeIssuer("Second")) {
+        openssl.write("first.der", first.certificate.getAsByteArray());
+        openssl.write("second.der", second.certificate.getAsByteArray());
+        openssl.run("x509 -inform DER -in first.der -out first.pem");
+        openssl.run("x509 -inform DER -in second.der -out second.pem");
+        Bytes text = bytesOf("# both\n");
+        for (const char* file : {"first.pem", "second.pem"}) {
+            const Bytes pem = openssl.read(file);
+            text.insert(text.end(), pem.begin(), pem.end());
+        }
+        openssl.write("both.pem", text);
+        text.resize(text.size() - 100);
+        openssl.write("broken.pem", text);
+        openssl.write("empty", {});
+        openssl.write("text", bytesOf("no certificate"));
+    }
+
+    CertificateChainStatus validate(const Identity& issuer, const TrustStore& store) const {
+        opc::test::CertificateRecipe recipe;
+        recipe.issuer = &issuer;
+        const Identity signer = opc::test::makeIdentity(recipe);
+        return signer.certificate.validateCertificate({}, {}, store).getCertificateChainStatus();
+    }
+
+    opc::test::OpenSslCommand openssl;
+    Identity first, second;
+};
+
+TEST_F(TrustStoreTest, readsFilesAndFolders) {
+    TrustStore store;
+    EXPECT_TRUE(store.empty());
+    store.addFile(openssl.path("both.pem"));
+    EXPECT_EQ(store.getCertificates().size(), 2u);
+    store.addFile(openssl.path("first.der"));
+    EXPECT_EQ(validate(second, store), CertificateChainStatus::Good) << "a certificate may stand in it twice";
+
+    std::filesystem::create_directories(openssl.path("folder/deeper"));
+    openssl.write("folder/second.pem", openssl.read("second.pem"));
+    openssl.write("folder/first.der", openssl.read("first.der"));
+    TrustStore fromFolder;
+    fromFolder.addFolder(openssl.path("folder"));
+    EXPECT_EQ(fromFolder.getCertificates().size(), 2u);
+}
+
+TEST_F(TrustStoreTest, badFilesAddNothing) {
+    TrustStore store;
+    for (const char* file : {"broken.pem", "empty", "text", "missing", "."})
+        EXPECT_TRUE(fails<CertificateException>([&] { store.addFile(openssl.path(file)); })) << file;
+    std::filesystem::create_directory(openssl.path("nothing"));
+    for (const char* folder : {".", "nothing", "missing", "text"})
+        EXPECT_TRUE(fails<CertificateException>([&] { store.addFolder(openssl.path(folder)); })) << folder;
+    EXPECT_TRUE(store.empty());
+}
+
+TEST_F(TrustStoreTest, takesInTheSystem) {
+    setenv("SSL_CERT_FILE", openssl.path("first.pem").c_str(), 1);
+    setenv("SSL_CERT_DIR", openssl.path("missing").c_str(), 1);
+    TrustStore store;
+    store.addCertificate(second.certificate);
+    EXPECT_EQ(validate(first, store), CertificateChainStatus::UnknownIssuer);
+    store.addSystemCertificates(TrustStore::Usage(1), false);
+    EXPECT_EQ(validate(first, store), CertificateChainStatus::Good);
+    EXPECT_EQ(validate(second, store), CertificateChainStatus::Good);
+    store.addSystemCertificates(TrustStore::Usage::Signing, true);
+    EXPECT_FALSE(store.empty());
+    EXPECT_EQ(validate(second, store), CertificateChainStatus::UnknownIssuer);
+
+    // A certificate with settings of its own, which are against signing.
+    openssl.run("x509 -in first.pem -addreject codeSigning -out rejected.pem");
+    setenv("SSL_CERT_FILE", openssl.path("rejected.pem").c_str(), 1);
+    EXPECT_EQ(validate(first, store), CertificateChainStatus::UnknownIssuer);
+    store.addSystemCertificates(TrustStore::Usage::Any, false);
+    EXPECT_EQ(validate(first, store), CertificateChainStatus::Good);
+    unsetenv("SSL_CERT_FILE");
+    unsetenv("SSL_CERT_DIR");
+}
+
+} // namespace

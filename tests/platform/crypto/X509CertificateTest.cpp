@@ -1,0 +1,136 @@
+#include "CryptoSupport.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/TrustStore.hpp>
+#include <bedrock/certificates/X509CertificateChain.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <support/OpenSslCommand.hpp>
+#include <support/TestCertificates.hpp>
+
+#include <algorithm>
+
+namespace {
+
+using namespace bedrock::certificates;
+using namespace bedrock::test;
+using opc::test::CertificateRecipe;
+using opc::test::Identity;
+using opc::test::makeIdentity;
+
+std::string upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return text;
+}
+
+TEST(X509Certificate, commandLineReadsTheSame) {
+    CertificateRecipe recipe;
+    recipe.subject = "Zoë, of \"Test\"";
+    const X509Certificate certificate = makeIdentity(recipe).certificate;
+    const opc::test::OpenSslCommand openssl;
+    openssl.write("der", certificate.getAsByteArray());
+    const auto ask = [&openssl](const std::string& question) {
+        const std::string answer = openssl.run("x509 -inform DER -in der -noout " + question);
+        return answer.substr(answer.find('=') + 1);
+    };
+    EXPECT_EQ(upper(hex(certificate.getModulus())) + "\n", ask("-modulus"));
+    EXPECT_EQ(certificate.getSubject() + "\n", ask("-subject -nameopt RFC2253,-esc_msb"));
+    std::string fingerprint = ask("-fingerprint -sha256");
+    fingerprint.erase(std::remove(fingerprint.begin(), fingerprint.end(), ':'), fingerprint.end());
+    EXPECT_EQ(upper(certificate.getSHA256Fingerprint()) + "\n", fingerprint);
+    EXPECT_EQ(certificate.getPublicExponent(), (Bytes{1, 0, 1}));
+    EXPECT_EQ(certificate.getKeySize(), 2048u);
+
+    const std::string text = certificate.getAsString();
+    EXPECT_EQ(bedrock::crypto::utils::base64Decode(std::u16string(text.begin(), text.end())),
+              openssl.read("der"));
+    openssl.run("x509 -inform DER -in der -out pem");
+    EXPECT_EQ(X509Certificate(openssl.read("pem")).getAsByteArray(), openssl.read("der"));
+}
+
+TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
+    CertificateRecipe recipe;
+    recipe.rsaBits = 1024;
+    const Bytes der = makeIdentity(recipe).certificate.getAsByteArray();
+    for (std::size_t size = 0; size < der.size(); ++size) {
+        const Bytes cut(der.begin(), der.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_TRUE(fails<X509CertificateException>([&cut] { X509Certificate{cut}; })) << size;
+    }
+    Bytes longer = der;
+    longer.push_back(0);
+    const opc::test::OpenSslCommand openssl;
+    openssl.write("der", der);
+    openssl.run("x509 -inform DER -in der -out pem");
+    const Bytes pem = openssl.read("pem");
+    Bytes twice = pem;
+    twice.insert(twice.end(), pem.begin(), pem.end());
+    const Bytes half(pem.begin(), pem.begin() + static_cast<std::ptrdiff_t>(pem.size() / 2));
+    const std::string base64 = X509Certificate(der).getAsString();
+    for (const Bytes& bytes :
+         {longer, twice, half, bytesOf(base64), Bytes(1 << 20, 0x30), Bytes(1 << 20, 0xFF)})
+        EXPECT_TRUE(fails<X509CertificateException>([&bytes] { X509Certificate{bytes}; }));
+}
+
+// Whatever byte is wrong: an exception, or a certificate that answers.
+TEST(X509Certificate, damageDoesntCrash) {
+    CertificateRecipe recipe;
+    recipe.rsaBits = 1024;
+    recipe.keyUsage = "digitalSignature";
+    const Bytes der = makeIdentity(recipe).certificate.getAsByteArray();
+    for (std::size_t position = 0; position < der.size(); ++position) {
+        for (const int mask : {0x01, 0x80, 0xFF}) {
+            Bytes damaged = der;
+            damaged[position] ^= static_cast<unsigned char>(mask);
+            try {
+                const X509Certificate certificate(damaged);
+                TrustStore store;
+                store.addCertificate(certificate);
+                (void)certificate.getModulus();
+                (void)certificate.getSubject();
+                (void)certificate.validateCertificate({}, {}, store);
+            } catch (const X509CertificateException&) {
+            }
+            ASSERT_EQ(ERR_peek_error(), 0u) << position;
+        }
+    }
+}
+
+TEST(X509Certificate, anEmptyOneAnswersNothing) {
+    const X509Certificate none;
+    EXPECT_TRUE(none.empty());
+    EXPECT_FALSE(none.isValidForDigitalSigning());
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { (void)none.getKeySize(); }));
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { (void)none.getModulus(); }));
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { (void)none.getAsString(); }));
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { (void)none.getSHA256Fingerprint(); }));
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { none.validateCertificate({}, {}, {}); }));
+    EXPECT_TRUE(fails<X509CertificateException>([&none] { TrustStore().addCertificate(none); }));
+}
+
+TEST(X509Certificate, keyUsageDecidesAboutSigning) {
+    const std::pair<const char*, bool> usages[] = {
+        {"", true},
+        {"digitalSignature", true},
+        {"critical,nonRepudiation", true},
+        {"keyEncipherment,digitalSignature", true},
+        {"keyEncipherment", false},
+        {"keyCertSign,cRLSign", false},
+    };
+    for (const auto& [usage, isValid] : usages) {
+        CertificateRecipe recipe;
+        recipe.keyUsage = usage;
+        recipe.rsaBits = 0;
+        EXPECT_EQ(makeIdentity(recipe).certificate.isValidForDigitalSigning(), isValid) << usage;
+    }
+}
+
+TEST(X509Certificate, otherKeysHaveNoModulus) {
+    CertificateRecipe recipe;
+    recipe.rsaBits = 0;
+    const X509Certificate onCurve = makeIdentity(recipe).certificate;
+    EXPECT_EQ(onCurve.getKeySize(), 256u);
+    EXPECT_TRUE(onCurve.getModulus().empty());
+    EXPECT_TRUE(onCurve.getPublicExponent().empty());
+}
+
+} // namespace

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <bedrock/certificates/X509Certificate.hpp>
+
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::test {
+
+/// A certificate made for a test, with its private key.
+struct Identity {
+    std::shared_ptr<EVP_PKEY> key;
+    std::shared_ptr<X509> content;
+    bedrock::certificates::X509Certificate certificate;
+
+    /// The private key as PKCS#8 in DER.
+    std::vector<unsigned char> getPrivateKey() const;
+};
+
+/// What a certificate is made of. Its validity is fixed, so that no test depends on today's date; the default
+/// reaches past every day on which a test might run.
+struct CertificateRecipe {
+    std::string subject = "Signer";
+    const Identity* issuer = nullptr; ///< signs itself without one
+    std::size_t rsaBits = 2048;       ///< 0 for a key on the curve P-256
+    std::string notBefore = "20000101000000Z";
+    std::string notAfter = "99991231235959Z";
+    /// The extensions in the syntax of OpenSSL's configuration; an empty text leaves one out.
+    /// @{
+    std::string basicConstraints;
+    std::string keyUsage;
+    std::string extendedKeyUsage;
+    /// @}
+    const EVP_MD* digest = EVP_sha256();
+};
+
+/// RSA keys are made once for each size in a program: all certificates of a size share one.
+Identity makeIdentity(const CertificateRecipe& recipe);
+
+/// An issuer of certificates, on an elliptic curve.
+Identity makeIssuer(const std::string& subject, const Identity* issuer = nullptr);
+
+/// A revocation list in DER, which names these certificates.
+std::vector<unsigned char> makeRevocationList(const Identity& issuer,
+                                              const std::vector<const Identity*>& revoked,
+                                              const std::string& lastUpdate, const std::string& nextUpdate);
+
+} // namespace opc::test
