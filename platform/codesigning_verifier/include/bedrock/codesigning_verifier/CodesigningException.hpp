@@ -1,0 +1,26 @@
+#pragma once
+
+#include <bedrock/codesigning_verifier/ErrorCode.hpp>
+#include <bedrock/crypto/Export.hpp>
+
+#include <stdexcept>
+#include <string>
+
+namespace bedrock::codesigning_verifier {
+
+/// A signature can't be checked at all, as the code says; what was checked and doesn't hold is a status.
+class BEDROCK_CRYPTO_EXPORT CodesigningException : public std::runtime_error {
+public:
+    CodesigningException(const std::string& message, const ErrorCode& errorCode)
+        : std::runtime_error(message), code(errorCode) {}
+    CodesigningException(const CodesigningException&) = default;
+    CodesigningException(CodesigningException&&) = default;
+    ~CodesigningException() override;
+
+    const ErrorCode& getErrorCode() const noexcept { return code; }
+
+private:
+    ErrorCode code;
+};
+
+} // namespace bedrock::codesigning_verifier
