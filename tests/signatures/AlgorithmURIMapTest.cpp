@@ -1,0 +1,108 @@
+#include "support/Throws.hpp"
+
+#include <opc/model/AlgorithmURIMap.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::throws;
+
+constexpr char UNKNOWN_URI[] = "URI provided is not supported as an algorithm.";
+constexpr char NO_TAG[] = "Internal Error: Algorithm tag is not recognized.";
+constexpr char NO_DIGEST[] = "Internal error: Digest Method is not supported in algorithm map.";
+constexpr char NO_SIGNATURE[] = "Internal error: Signature Method is not supported in algorithm map.";
+
+const std::u16string C14N = u"http://www.w3.org/TR/2001/REC-xml-c14n-20010315";
+
+struct Algorithm {
+    DigestMethod method;
+    std::u16string digest, signature;
+};
+
+const Algorithm ALGORITHMS[] = {
+    {DigestMethod::MD5, u"http://www.w3.org/2001/04/xmldsig-more#md5",
+     u"http://www.w3.org/2001/04/xmldsig-more#rsa-md5"},
+    {DigestMethod::SHA1, u"http://www.w3.org/2000/09/xmldsig#sha1",
+     u"http://www.w3.org/2000/09/xmldsig#rsa-sha1"},
+    {DigestMethod::SHA224, u"http://www.w3.org/2001/04/xmldsig-more#sha224",
+     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha224"},
+    {DigestMethod::SHA256, u"http://www.w3.org/2001/04/xmlenc#sha256",
+     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"},
+    {DigestMethod::SHA384, u"http://www.w3.org/2001/04/xmldsig-more#sha384",
+     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha384"},
+    {DigestMethod::SHA512, u"http://www.w3.org/2001/04/xmlenc#sha512",
+     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512"},
+};
+
+TEST(AlgorithmURIMap, mapsAlgorithmsToIdentifiersAndBack) {
+    std::uint32_t row = 0;
+    for (const Algorithm& a : ALGORITHMS) {
+        EXPECT_EQ(AlgorithmURIMap::getAlgorithmURI(static_cast<AlgorithmTag>(row)), a.digest);
+        EXPECT_EQ(AlgorithmURIMap::getAlgorithmURI(static_cast<AlgorithmTag>(row + 6)), a.signature);
+        EXPECT_EQ(AlgorithmURIMap::getAlgorithmURI(a.method), a.digest);
+        for (auto key : {SignatureMethod::RSA1024, SignatureMethod::RSA2048, SignatureMethod::RSA4096})
+            EXPECT_EQ(AlgorithmURIMap::getAlgorithmURI(a.method, key), a.signature);
+        EXPECT_EQ(AlgorithmURIMap::getDigestMethod(a.digest), a.method);
+        EXPECT_EQ(AlgorithmURIMap::getSigningParameters(a.signature),
+                  std::make_pair(a.method, SignatureMethod::RSA2048));
+        ++row;
+    }
+    EXPECT_EQ(AlgorithmURIMap::getAlgorithmURI(AlgorithmTag::TagC14N), C14N);
+}
+
+TEST(AlgorithmURIMap, refusesEachWrongRoleWithItsMessage) {
+    struct Case {
+        std::u16string uri;
+        const char *asDigest, *asSignature;
+    };
+    const Case cases[] = {
+        {ALGORITHMS[3].digest, nullptr, NO_SIGNATURE},
+        {ALGORITHMS[0].signature, NO_DIGEST, nullptr},
+        {C14N, NO_DIGEST, NO_SIGNATURE},
+        {u"", UNKNOWN_URI, UNKNOWN_URI},
+        {u"http://www.w3.org/2001/04/xmlenc#SHA256", UNKNOWN_URI, UNKNOWN_URI},
+        {u"HTTP://www.w3.org/2001/04/xmldsig-more#rsa-sha256", UNKNOWN_URI, UNKNOWN_URI},
+        {ALGORITHMS[3].digest + u' ', UNKNOWN_URI, UNKNOWN_URI},
+        {C14N + u"#WithComments", UNKNOWN_URI, UNKNOWN_URI},
+    };
+    for (const Case& c : cases) {
+        if (c.asDigest) {
+            EXPECT_TRUE(throws<opc::Exception>(c.asDigest, [&] { AlgorithmURIMap::getDigestMethod(c.uri); }));
+        }
+        if (c.asSignature) {
+            EXPECT_TRUE(
+                throws<opc::Exception>(c.asSignature, [&] { AlgorithmURIMap::getSigningParameters(c.uri); }));
+        }
+    }
+}
+
+TEST(AlgorithmURIMap, refusesValuesWithoutAName) {
+    const auto noDigest = static_cast<DigestMethod>(6);
+    const auto noKey = static_cast<SignatureMethod>(4);
+    EXPECT_TRUE(throws<opc::Exception>(
+        NO_TAG, [] { AlgorithmURIMap::getAlgorithmURI(static_cast<AlgorithmTag>(13)); }));
+    EXPECT_TRUE(throws<opc::Exception>(NO_DIGEST, [&] { AlgorithmURIMap::getAlgorithmURI(noDigest); }));
+    EXPECT_TRUE(throws<opc::Exception>(
+        NO_DIGEST, [&] { AlgorithmURIMap::getAlgorithmURI(noDigest, SignatureMethod::RSA1024); }));
+    for (const SignatureMethod key : {SignatureMethod::NoKey, noKey}) {
+        EXPECT_TRUE(throws<opc::Exception>(NO_SIGNATURE, [&] {
+            AlgorithmURIMap::getAlgorithmURI(noDigest, key);
+        })) << "the key is looked at first";
+        EXPECT_TRUE(throws<opc::Exception>("Signature Method is unsupported.",
+                                           [&] { signatureMethodToKeySize(key); }));
+    }
+}
+
+TEST(SignatureParams, keySizesAreExactlyThree) {
+    for (const std::uint64_t bits : {1024U, 2048U, 4096U})
+        EXPECT_EQ(signatureMethodToKeySize(keySizeToSignatureMethod(bits)), bits);
+    for (const std::uint64_t bits : {std::uint64_t(0), std::uint64_t(1023), std::uint64_t(3072),
+                                     std::uint64_t(8192), (std::uint64_t(1) << 32) + 1024}) {
+        EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.",
+                                           [&] { keySizeToSignatureMethod(bits); }));
+    }
+    EXPECT_EQ(SignatureParams().getDigestMethod(), DigestMethod::SHA512);
+    EXPECT_EQ(SignatureParams().getSignatureMethod(), SignatureMethod::RSA2048);
+}
+
+} // namespace
