@@ -1,0 +1,107 @@
+#pragma once
+
+#include "signatures/SignatureRecords.hpp"
+
+#include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/certificates/X509CertificateChain.hpp>
+#include <bedrock/crypto/CryptoEngine.hpp>
+#include <opc/model/Enumerator.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/Relationship.hpp>
+#include <opc/model/SignatureParams.hpp>
+#include <opc/model/XercesDeleter.hpp>
+
+#include <boost/date_time/posix_time/ptime.hpp>
+#include <xercesc/util/XercesDefs.hpp>
+
+#include <iosfwd>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMDocument;
+class DOMElement;
+XERCES_CPP_NAMESPACE_END
+
+namespace opc::model {
+
+/// One signature in memory: what was signed, how, when, with which key, and the content of its XML.
+///
+/// Made empty, then filled by `DigitalSignatureSerializer::readSignature`. Its fields are open to the classes
+/// of signatures, which alone see it; once the manager keeps it, it doesn't change any more. It is shared by
+/// the manager and all `DigitalSignature` handles, and stays readable when the signature has been removed.
+class DigitalSignatureData {
+public:
+    using Bytes = std::vector<unsigned char>;
+    using OwnedDocument = std::unique_ptr<xercesc::DOMDocument, XercesDeleter>;
+
+    /// @throws opc::Exception  if the cryptographic services can't be had
+    DigitalSignatureData();
+    /// Shares the cryptographic engine and copies all the rest.
+    DigitalSignatureData(const DigitalSignatureData& other) = default;
+    DigitalSignatureData& operator=(const DigitalSignatureData&) = delete;
+    virtual ~DigitalSignatureData();
+
+    /// "sig" and the signature's identifier.
+    std::u16string getName() const { return u"sig" + m_signatureId; }
+    SignatureParams getSignatureParams() const { return m_signatureParams; }
+    Bytes getSignatureValue() const { return m_signatureValue; }
+    Enumerator<std::vector<PartName>> getSignedPartNames() const;
+    Enumerator<std::vector<Relationship>> getSignedRelationships() const;
+    boost::posix_time::ptime getSignedTime() const { return m_signedTime; }
+    /// An empty certificate if the signature has none.
+    bedrock::certificates::X509Certificate getCertificate() const;
+    /// An empty chain if the signature has none.
+    bedrock::certificates::X509CertificateChain getCertificateChain() const;
+
+    /// The name of the signature part: "/_xmlsignatures/sig1.xml" for the identifier "1". Worked out at the
+    /// first call.
+    /// @throws InvalidURI, InvalidPartName  if the identifier makes no part name
+    PartName computeSignaturePartName();
+
+    /// Makes the key value of a signature from a public key in its encoded form.
+    /// @throws opc::Exception  if the bytes are no key of the size that the signature's parameters say
+    void setKeyValue(const Bytes& publicKey);
+
+    /// Writes every record with a label, for a person to read.
+    void prettyPrint(std::ostream& stream) const;
+
+    /// @name Parts of the signature document
+    /// The root of each is the element in question. The caller holds a `XercesGuard`.
+    /// @throws InvalidPartContent
+    /// @{
+
+    /// `SignedInfo`, with a namespace declaration of its own.
+    OwnedDocument buildSignedInfo() const;
+
+    /// The package object: `Object` without a declaration of the default namespace.
+    OwnedDocument buildPackageObject() const;
+
+    /// Appends a `Reference` for each of `references` to `element`.
+    static void appendReferences(xercesc::DOMElement* element, const std::vector<Reference>& references);
+
+    /// @}
+
+    std::shared_ptr<bedrock::crypto::CryptoEngine> m_cryptoEngine;
+    std::vector<PartName> m_signedPartNames;
+    std::vector<Relationship> m_signedRelationships;
+    SignatureParams m_signatureParams;
+    boost::posix_time::ptime m_signedTime; ///< UTC; not-a-date-time until known
+    std::u16string m_signatureId;
+    std::optional<PartName> m_signaturePartName;
+    Bytes m_signatureValue;
+    std::u16string m_namespace;
+    std::u16string m_canonicalizationMethod; ///< an identifier; a label that nothing acts on
+    std::u16string m_signatureMethod;        ///< an identifier
+    std::u16string m_signatureValueInXML;    ///< Base64
+    SignatureContent m_content;
+    std::map<std::u16string, SignatureObject> m_objects; ///< by `Id`
+    std::optional<RSAKeyValue> m_keyValue;
+    std::optional<bedrock::certificates::X509Certificate> m_certificate;
+    std::optional<bedrock::certificates::X509CertificateChain> m_certificateChain;
+};
+
+} // namespace opc::model
