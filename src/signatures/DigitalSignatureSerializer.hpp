@@ -1,0 +1,92 @@
+#pragma once
+
+#include "signatures/SignatureVocabulary.hpp"
+
+#include <opc/core/InputStream.hpp>
+#include <opc/core/OutputStream.hpp>
+#include <opc/model/XercesDeleter.hpp>
+#include <opc/model/XercesGuard.hpp>
+
+#include <memory>
+#include <string>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMElement;
+class DOMLSParser;
+class DOMLSSerializer;
+XERCES_CPP_NAMESPACE_END
+
+namespace opc::model {
+
+class DigitalSignatureData;
+struct Reference;
+
+/// Reads and writes signature parts, one after the other: the schemas are compiled once. It serves one thread
+/// at a time.
+///
+/// The form is the XML Signature profile of ECMA-376 Part 2. Whether a signature holds isn't asked here.
+class DigitalSignatureSerializer {
+public:
+    /// @throws InvalidXMLSchema  if a schema of the library doesn't load
+    DigitalSignatureSerializer();
+    DigitalSignatureSerializer(const DigitalSignatureSerializer&) = delete;
+    DigitalSignatureSerializer& operator=(const DigitalSignatureSerializer&) = delete;
+    ~DigitalSignatureSerializer();
+
+    /// Writes the whole document, or nothing if it can't be built. Doesn't close the stream.
+    /// @throws InvalidPartContent  if a text holds characters that XML can't hold
+    /// @throws opc::Exception      if there is a key value, but the parameters of `data` say no size of key
+    void writeSignature(const DigitalSignatureData& data, OutputStream& stream);
+
+    /// Fills `data`, which must be as its default constructor made it. After a failure it is half filled and
+    /// of no use; this object stays usable.
+    ///
+    /// Takes time and memory in proportion to the document, whatever stands in it: elements that are read
+    /// with all that lies in them may be nested in one another only a few levels deep.
+    ///
+    /// @param stream  open, at the first byte; read to its end and not closed
+    /// @throws InvalidPartContent  if the document breaks the schema or the form
+    /// @throws NotImplemented      if it refers to signed properties in the way of XML Signature or XAdES
+    /// @throws opc::Exception      for a signature algorithm or a size of key that isn't supported
+    /// @throws bedrock::crypto::utils::Exception, bedrock::certificates::X509CertificateException
+    ///         for what is no Base64 and no certificate
+    void readSignature(InputStream& stream, DigitalSignatureData& data);
+
+    /// The XML of an element as text, with the namespace declarations that it needs to stand alone.
+    /// @param result  takes the text in place of what it held
+    /// @throws InvalidPartContent
+    void toText(const xercesc::DOMElement* element, std::u16string& result);
+
+private:
+    xercesc::DOMElement* getRequiredElement(const xercesc::DOMElement* element, const XercesString& name,
+                                            const XercesString& namespaceURI) const;
+    void getRequiredElementText(const xercesc::DOMElement* element, const XercesString& name,
+                                std::u16string& text, const XercesString& namespaceURI) const;
+    static std::u16string getRequiredAttribute(const xercesc::DOMElement* element, const XercesString& name,
+                                               const char* message);
+
+    void readDocument(const xercesc::DOMElement* root, DigitalSignatureData& data);
+    void readValueAndKey(const xercesc::DOMElement* root, DigitalSignatureData& data) const;
+    void readKeyValue(const xercesc::DOMElement* keyValue, DigitalSignatureData& data) const;
+    void readCertificates(const xercesc::DOMElement* x509Data, DigitalSignatureData& data) const;
+    void readObjects(const xercesc::DOMElement* root, DigitalSignatureData& data);
+    void readPackageObject(const xercesc::DOMElement* object, DigitalSignatureData& data) const;
+    void readManifest(const xercesc::DOMElement* manifest, DigitalSignatureData& data) const;
+    void readSignatureProperties(const xercesc::DOMElement* properties, DigitalSignatureData& data) const;
+    void readSignatureTime(const xercesc::DOMElement* property, DigitalSignatureData& data) const;
+    void readSignedInfoMethods(const xercesc::DOMElement* root, DigitalSignatureData& data) const;
+    void readSignedInfoReferences(const xercesc::DOMElement* root, DigitalSignatureData& data);
+    void readReference(const xercesc::DOMElement* element, Reference& reference) const;
+    void readTransform(const xercesc::DOMElement* element, Reference& reference) const;
+
+    void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
+
+    XercesGuard m_guard;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer;
+    SignatureNames m_names;
+    PackageSignatureNames m_packageNames;
+    XercesString m_packageNamespace;
+};
+
+} // namespace opc::model

@@ -1,0 +1,107 @@
+#include "signatures/DigitalSignatureSerializer.hpp"
+
+#include "signatures/DigitalSignatureData.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace opc::model {
+
+namespace {
+
+using xercesc::DOMElement;
+
+bool isRelationshipTransform(const std::u16string& algorithm) {
+    return algorithm == vocabulary::RELATIONSHIP_TRANSFORM ||
+           algorithm == vocabulary::RELATIONSHIP_TRANSFORM_2006;
+}
+
+void throwIfTypeIsNotObject(const std::u16string& type) {
+    if (type.empty())
+        throw InvalidPartContent("XML signature: referenceType is empty.");
+    if (type == vocabulary::OBJECT_TYPE)
+        return;
+    if (type == vocabulary::SIGNATURE_PROPERTIES_TYPE)
+        throw NotImplemented("XMLDSig SignatureProperties element is not supported yet.");
+    if (type == vocabulary::SIGNED_PROPERTIES_TYPE)
+        throw NotImplemented("XAsES SignedProperties element is not supported yet.");
+    throw InvalidPartContent("XML Signature: referenceType not supported yet.");
+}
+
+} // namespace
+
+void DigitalSignatureSerializer::readManifest(const DOMElement* manifest, DigitalSignatureData& data) const {
+    if (m_names.manifest != manifest->getTagName())
+        throw Exception("Internal Exception: Did not get Manifest Element as expected.");
+    for (const DOMElement* element : XercesHelper::getElements(manifest, m_names.reference)) {
+        Reference reference;
+        readReference(element, reference);
+        data.m_content.manifestReferences.push_back(std::move(reference));
+    }
+}
+
+void DigitalSignatureSerializer::readSignedInfoReferences(const DOMElement* root,
+                                                          DigitalSignatureData& data) {
+    const DOMElement* const signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
+    toText(signedInfo, data.m_content.signedInfoXML);
+    for (const DOMElement* element : XercesHelper::getElements(signedInfo, m_names.reference)) {
+        Reference reference;
+        readReference(element, reference);
+        throwIfTypeIsNotObject(reference.referenceType);
+        const std::u16string fragment = reference.referenceURI.getFragment();
+        if (data.m_objects.count(fragment) == 0)
+            throw InvalidPartContent("XML signature: Could not find referenced object " +
+                                     toUDEString(fragment));
+        data.m_content.signedInfoReferences.push_back(std::move(reference));
+    }
+}
+
+void DigitalSignatureSerializer::readReference(const DOMElement* element, Reference& reference) const {
+    if (m_names.reference != element->getTagName())
+        throw Exception("Internal Exception: Did not get Reference Element as expected.");
+    const std::u16string uri = getRequiredAttribute(
+        element, m_names.uri, "XML signature: Manifest reference missing URI attribute.");
+    if (uri.empty())
+        throw InvalidPartContent("XML Signature: Reference does not have a URI. It is not supported.");
+    try {
+        reference.referenceURI = URI(uri);
+    } catch (const InvalidURI&) {
+        throw InvalidPartContent("XML signature: Reference URI is not valid");
+    }
+    XercesHelper::getElementAttribute(element, m_names.type, reference.referenceType);
+    XercesHelper::getElementAttribute(element, m_names.id, reference.referenceID);
+    reference.digestMethod =
+        getRequiredAttribute(getRequiredElement(element, m_names.digestMethod, m_names.noNamespace),
+                             m_names.algorithm, "XML signature: DigestMethod is empty.");
+    getRequiredElementText(element, m_names.digestValue, reference.digestValue, m_names.noNamespace);
+
+    const DOMElement* const transforms = XercesHelper::getElement(element, m_names.transforms);
+    if (!transforms)
+        return;
+    for (const DOMElement* transform : XercesHelper::getElements(transforms, m_names.transform))
+        readTransform(transform, reference);
+}
+
+void DigitalSignatureSerializer::readTransform(const DOMElement* element, Reference& reference) const {
+    std::u16string algorithm =
+        getRequiredAttribute(element, m_names.algorithm, "XML signature: TransformMethod is empty.");
+    if (!isRelationshipTransform(algorithm)) {
+        reference.transforms.push_back(std::move(algorithm));
+        return;
+    }
+    for (const DOMElement* selected :
+         XercesHelper::getElementsNS(element, m_packageNamespace, m_packageNames.relationshipReference))
+        reference.relationshipReferences.push_back(
+            getRequiredAttribute(selected, m_packageNames.sourceId,
+                                 "XML signature: SourceID of a relationship transform is empty."));
+    for (const DOMElement* selected :
+         XercesHelper::getElementsNS(element, m_packageNamespace, m_packageNames.relationshipGroupReference))
+        reference.relationshipGroupReferences.push_back(
+            getRequiredAttribute(selected, m_packageNames.sourceType,
+                                 "XML signature: Source type of a relationship group transform is empty."));
+}
+
+} // namespace opc::model

@@ -1,0 +1,101 @@
+#include "signatures/DigitalSignatureSerializer.hpp"
+
+#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/DocumentErrors.hpp"
+#include "xml/ErrorHandlerAttachment.hpp"
+#include "xml/XercesFailures.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+namespace opc::model {
+
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+
+void appendTextElement(DOMElement* parent, const XercesString& name, const std::u16string& text) {
+    XercesHelper::setElementText(XercesHelper::appendElement(parent, name), text);
+}
+
+/// Appends a copy of the root of `source`.
+void appendCopy(DOMElement* parent, const DOMDocument& source) {
+    translateXercesFailures([&] {
+        parent->appendChild(parent->getOwnerDocument()->importNode(source.getDocumentElement(), true));
+    });
+}
+
+void throwIfNoKeySize(SignatureMethod method) {
+    switch (method) {
+    case SignatureMethod::RSA1024:
+    case SignatureMethod::RSA2048:
+    case SignatureMethod::RSA4096:
+        return;
+    case SignatureMethod::NoKey:
+        break;
+    }
+    throw Exception("Could not serialize key info element for this signature method.");
+}
+
+struct XercesTextDeleter {
+    void operator()(char16_t* text) const { xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(text); }
+};
+
+} // namespace
+
+void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data, OutputStream& stream) {
+    translateDocumentFailures([&] {
+        const auto document = XercesHelper::createDocument();
+        document->setXmlStandalone(true);
+        DOMElement* const root = XercesHelper::appendElement(document.get(), m_names.signature);
+        XercesHelper::setElementAttribute(root, m_names.id,
+                                          vocabulary::SIGNATURE_ID_PREFIX + data.m_signatureId);
+        XercesHelper::setElementAttribute(root, m_names.xmlns, vocabulary::XML_SIGNATURE_NAMESPACE);
+        appendCopy(root, *data.buildSignedInfo());
+        appendTextElement(root, m_names.signatureValue, data.m_signatureValueInXML);
+        if (data.m_keyValue || data.m_certificate)
+            writeKeyInfo(XercesHelper::appendElement(root, m_names.keyInfo), data);
+        appendCopy(root, *data.buildPackageObject());
+        XercesHelper::writeDocumentToStream(m_writer.get(), document.get(), stream);
+    });
+}
+
+void DigitalSignatureSerializer::writeKeyInfo(DOMElement* keyInfo, const DigitalSignatureData& data) const {
+    if (data.m_keyValue) {
+        throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
+        DOMElement* const keyValue = XercesHelper::appendElement(keyInfo, m_names.keyValue);
+        DOMElement* const rsaKeyValue = XercesHelper::appendElement(keyValue, m_names.rsaKeyValue);
+        appendTextElement(rsaKeyValue, m_names.modulus, data.m_keyValue->modulus);
+        appendTextElement(rsaKeyValue, m_names.exponent, data.m_keyValue->exponent);
+    }
+    if (data.m_certificate) {
+        DOMElement* const x509Data = XercesHelper::appendElement(keyInfo, m_names.x509Data);
+        const auto append = [&](const bedrock::certificates::X509Certificate& certificate) {
+            appendTextElement(x509Data, m_names.x509Certificate, toString(certificate.getAsString(), false));
+        };
+        append(*data.m_certificate);
+        const bedrock::certificates::X509CertificateChain chain = data.getCertificateChain();
+        for (const auto& certificate : chain.getCertificates())
+            append(certificate);
+    }
+}
+
+void DigitalSignatureSerializer::toText(const DOMElement* element, std::u16string& result) {
+    translateDocumentFailures([&] {
+        XercesErrorHandler handler;
+        const std::unique_ptr<char16_t, XercesTextDeleter> text(translateXercesFailures([&] {
+            const ErrorHandlerAttachment attachment(m_writer->getDomConfig(), handler);
+            return m_writer->writeToString(element);
+        }));
+        handler.throwIfError();
+        if (!text)
+            throw InvalidXMLDocument("The element can't be written");
+        result = text.get();
+    });
+}
+
+} // namespace opc::model

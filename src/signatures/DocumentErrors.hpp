@@ -1,0 +1,19 @@
+#pragma once
+
+#include <opc/model/Errors.hpp>
+
+#include <utility>
+
+namespace opc::model {
+
+/// Runs `operation`; a failure of the XML services in it leaves as `InvalidPartContent` with the same text.
+template <typename Operation>
+auto translateDocumentFailures(Operation&& operation) {
+    try {
+        return std::forward<Operation>(operation)();
+    } catch (const InvalidXMLDocument& failure) {
+        throw InvalidPartContent(failure.what());
+    }
+}
+
+} // namespace opc::model

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/DigitalSignatureSerializer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+/// @file
+/// Signature documents to read, and what it takes to read and write them.
+
+namespace opc::test {
+
+/// A document of the usual form: `Id` "Signature7", RSA with SHA-256, no key, one part, a time.
+extern const std::string USUAL_SIGNATURE;
+
+/// The same content where no schema knows it, below an element of another namespace, so that documents of any
+/// form can be made of it. The root is an `Object`.
+std::string unknownToSchema(const std::string& document);
+
+/// `text` with `replacement` in place of the first `what`, which must be there.
+std::string replaced(std::string text, const std::string& what, const std::string& replacement);
+
+/// `text` with `addition` behind the first `what`.
+inline std::string inserted(const std::string& text, const std::string& what, const std::string& addition) {
+    return replaced(text, what, what + addition);
+}
+
+std::string repeated(const std::string& text, std::size_t count);
+
+/// A self-signed certificate in Base64, made by OpenSSL's command line once for each kind of key.
+/// @param key  as `openssl req -newkey` takes it: "rsa:2048"
+std::string certificate(const std::string& key);
+
+class SignatureDocument : public testing::Test {
+protected:
+    /// Reads into new data each time.
+    model::DigitalSignatureData& read(const std::string& document);
+    std::string write(const model::DigitalSignatureData& source);
+
+    model::DigitalSignatureSerializer serializer;
+    std::unique_ptr<model::DigitalSignatureData> data;
+};
+
+} // namespace opc::test

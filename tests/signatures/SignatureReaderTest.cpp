@@ -1,0 +1,400 @@
+#include "signatures/SignatureDocuments.hpp"
+#include "support/Throws.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/Time.hpp>
+#include <opc/model/Errors.hpp>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::certificate;
+using opc::test::inserted;
+using opc::test::replaced;
+using opc::test::throws;
+using opc::test::unknownToSchema;
+using opc::test::USUAL_SIGNATURE;
+
+class SignatureReader : public opc::test::SignatureDocument {};
+
+constexpr char VALUE[] = "</SignatureValue>";
+constexpr char PART[] = "<!--part-->";
+constexpr char SIGNED_TYPE[] = R"(Type="http://www.w3.org/2000/09/xmldsig#Object")";
+constexpr char SHA256_ALGORITHM[] = R"( Algorithm="http://www.w3.org/2001/04/xmlenc#sha256")";
+constexpr char RELATIONSHIP_TRANSFORM[] =
+    R"(<Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform">)";
+
+/// In place of every `what`, the usual content has `replacement`.
+struct Change {
+    std::string what, replacement;
+
+    std::string apply(std::string document = USUAL_SIGNATURE) const {
+        document = replaced(document, what, replacement);
+        for (auto at = document.find(what);
+             at != std::string::npos && replacement.find(what) > replacement.size(); at = document.find(what))
+            document.replace(at, what.size(), replacement);
+        return document;
+    }
+};
+
+struct Failure {
+    Change change;
+    const char* message;
+};
+
+const Failure MALFORMED[] = {
+    // the value and the key
+    {{"<SignatureValue>BAUG</SignatureValue>", ""}, "XML signature: SignatureValue is not present."},
+    {{"<SignatureValue>BAUG</SignatureValue>", "<SignatureValue/>"},
+     "XML signature: SignatureValue is empty."},
+    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><DSAKeyValue/></KeyValue></KeyInfo>"},
+     "RSA Key Value is missing. DSA for signatures is not supported yet."},
+    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate/></X509Data><KeyValue/></KeyInfo>"},
+     "RSA Key Value is missing. DSA for signatures is not supported yet."},
+    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue/></KeyValue></KeyInfo>"},
+     "XML signature: Modulus is not present."},
+    {{VALUE,
+      "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus/></RSAKeyValue></KeyValue></KeyInfo>"},
+     "XML signature: Modulus is empty."},
+    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>AQ==</Modulus></RSAKeyValue>"
+             "</KeyValue></KeyInfo>"},
+     "XML signature: Exponent is not present."},
+    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>AQ==</Modulus><Exponent/>"
+             "</RSAKeyValue></KeyValue></KeyInfo>"},
+     "XML signature: Exponent is empty."},
+    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509SKI>AQ==</X509SKI></X509Data></KeyInfo>"},
+     "Supported key management mechanisms in signatures are KeyValue using RSA or X509 certificates. Others "
+     "are not supported."},
+    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate/></X509Data></KeyInfo>"},
+     "XML signature: x509CertificateElement is empty."},
+    // the objects
+    {{"</Object>", "</Object><Object>text</Object>"}, "XML signature: Object missing Id attribute."},
+    {{"<Manifest>", "<Manifest/><Manifest>"},
+     "XML signature: There must exist only one Manifest element in package specific Object element."},
+    {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
+     "XML signature: There must exist only one SignatureProperties element in package specific Object "
+     "element."},
+    {{"</Object>", "</Object><Object Id='idPackageObject'/>"},
+     "XML signature: There must exist only one Manifest element in package specific Object element."},
+    {{"</Object>", "</Object><Object Id='idPackageObject'><Manifest/></Object>"},
+     "XML signature: There must exist only one SignatureProperties element in package specific Object "
+     "element."},
+    // references, whose checks have an order
+    {{R"( URI="/a.xml?ContentType=text/xml")", ""},
+     "XML signature: Manifest reference missing URI attribute."},
+    {{R"( URI="#idPackageObject")", ""}, "XML signature: Manifest reference missing URI attribute."},
+    {{R"("/a.xml?ContentType=text/xml"><!--part-->)", R"(""><Transforms><Transform/></Transforms>)"},
+     "XML Signature: Reference does not have a URI. It is not supported."},
+    {{R"("/a.xml?ContentType=text/xml")", R"("/é.xml")"}, "XML signature: Reference URI is not valid"},
+    {{R"("/a.xml?ContentType=text/xml")", R"("/%zz")"}, "XML signature: Reference URI is not valid"},
+    {{std::string("<DigestMethod") + SHA256_ALGORITHM + "/>", ""},
+     "XML signature: DigestMethod is not present."},
+    {{std::string("<DigestMethod") + SHA256_ALGORITHM, "<DigestMethod"},
+     "XML signature: DigestMethod is empty."},
+    {{"<DigestValue>AQID</DigestValue>", ""}, "XML signature: DigestValue is not present."},
+    {{"<DigestValue>AQID</DigestValue>", "<DigestValue/>"}, "XML signature: DigestValue is empty."},
+    {{PART, "<Transforms><Transform/></Transforms>"}, "XML signature: TransformMethod is empty."},
+    {{PART, std::string("<Transforms>") + RELATIONSHIP_TRANSFORM +
+                "<pds:RelationshipGroupReference/><pds:RelationshipReference/></Transform></Transforms>"},
+     "XML signature: SourceID of a relationship transform is empty."},
+    {{PART, std::string("<Transforms>") + RELATIONSHIP_TRANSFORM +
+                "<pds:RelationshipGroupReference/><pds:RelationshipReference SourceId=''/></Transform>"
+                "</Transforms>"},
+     "XML signature: Source type of a relationship group transform is empty."},
+    // the properties
+    {{R"( Target="#Signature7")", ""}, "XML signature: SignatureProperty does not have a target."},
+    {{"pds:SignatureTime>", "pds:Other>"}, "XML signature: SignatureTime is not present."},
+    {{"pds:SignatureTime>", "SignatureTime>"}, "XML signature: SignatureTime is not present."},
+    {{"<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>", ""}, "XML signature: Format is not present."},
+    {{"<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>", "<pds:Format/>"}, "XML signature: Format is empty."},
+    {{"<pds:Value>2024-02-29T12:30Z</pds:Value>", "<Value>2024</Value>"},
+     "XML signature: Value is not present."},
+    {{"<pds:Value>2024-02-29T12:30Z</pds:Value>", "<pds:Value/>"}, "XML signature: Value is empty."},
+    // SignedInfo
+    {{"SignedInfo>", "Other>"}, "XML signature: SignedInfo is not present."},
+    {{R"(<CanonicalizationMethod Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315"/>)", ""},
+     "XML signature: CanonicalizationMethod is not present."},
+    {{R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")", ""},
+     "XML signature: CanonicalizationMethod is empty."},
+    {{R"(<SignatureMethod Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"/>)", ""},
+     "XML signature: SignatureMethod is not present."},
+    {{R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")", ""},
+     "XML signature: SignatureMethod is empty."},
+    {{SIGNED_TYPE, ""}, "XML signature: referenceType is empty."},
+    {{SIGNED_TYPE, "Type=''"}, "XML signature: referenceType is empty."},
+    {{SIGNED_TYPE, R"(Type="http://www.w3.org/2000/09/xmldsig#object")"},
+     "XML Signature: referenceType not supported yet."},
+    {{R"("#idPackageObject")", R"("#idOther")"}, "XML signature: Could not find referenced object idOther"},
+    {{R"("#idPackageObject")", R"("/a.xml")"}, "XML signature: Could not find referenced object "},
+};
+
+TEST_F(SignatureReader, refusesWhatBreaksTheForm) {
+    for (const Failure& f : MALFORMED) {
+        const std::string document = unknownToSchema(f.change.apply());
+        EXPECT_TRUE(throws<InvalidPartContent>(f.message, [&] { read(document); })) << document;
+    }
+    EXPECT_EQ(read(USUAL_SIGNATURE).m_signatureId, u"7") << "the reader is fit for the next document";
+}
+
+TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
+    // All is wrong; each repair brings the next failure to light.
+    const Change wrong[] = {
+        {"BAUG", ""},
+        {VALUE, "</SignatureValue><KeyInfo><KeyValue/></KeyInfo>"},
+        {R"(Id="idPackageObject")", ""},
+        {"<Manifest>", "<Manifest/><Manifest>"},
+        {R"( URI="/a.xml?ContentType=text/xml")", ""},
+        {"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
+        {R"( Target="#Signature7")", ""},
+        {R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")", ""},
+        {R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")", ""},
+        {"<DigestValue>AQID</DigestValue>", ""},
+        {SIGNED_TYPE, ""},
+    };
+    const char* const messages[] = {
+        "XML signature: SignatureValue is empty.",
+        "RSA Key Value is missing. DSA for signatures is not supported yet.",
+        "XML signature: Object missing Id attribute.",
+        "XML signature: There must exist only one Manifest element in package specific Object element.",
+        "XML signature: Manifest reference missing URI attribute.",
+        "XML signature: There must exist only one SignatureProperties element in package specific Object "
+        "element.",
+        "XML signature: SignatureProperty does not have a target.",
+        "XML signature: CanonicalizationMethod is empty.",
+        "XML signature: SignatureMethod is empty.",
+        "XML signature: DigestValue is not present.",
+        "XML signature: referenceType is empty.",
+    };
+    for (std::size_t first = 0; first < std::size(wrong); ++first) {
+        std::string document = USUAL_SIGNATURE;
+        for (std::size_t i = first; i < std::size(wrong); ++i)
+            document = wrong[i].apply(document);
+        EXPECT_TRUE(throws<InvalidPartContent>(messages[first], [&] { read(unknownToSchema(document)); }));
+    }
+}
+
+TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
+    const std::string key3072 = "</SignatureValue><KeyInfo><X509Data><X509Certificate>" +
+                                certificate("rsa:3072") + "</X509Certificate></X509Data></KeyInfo>";
+    const std::string ellipticKey = "</SignatureValue><KeyInfo><X509Data><X509Certificate>" +
+                                    certificate("ec -pkeyopt ec_paramgen_curve:P-256") +
+                                    "</X509Certificate></X509Data></KeyInfo>";
+    EXPECT_TRUE(throws<NotImplemented>("XMLDSig SignatureProperties element is not supported yet.", [&] {
+        read(Change{"xmldsig#Object", "xmldsig#SignatureProperties"}.apply());
+    }));
+    EXPECT_TRUE(throws<NotImplemented>("XAsES SignedProperties element is not supported yet.", [&] {
+        read(Change{"http://www.w3.org/2000/09/xmldsig#Object", "http://uri.etsi.org/01903#SignedProperties"}
+                 .apply());
+    }));
+    EXPECT_TRUE(throws<opc::Exception>("URI provided is not supported as an algorithm.", [&] {
+        read(Change{"xmldsig-more#rsa-sha256", "xmldsig-more#ecdsa-sha256"}.apply());
+    }));
+    EXPECT_TRUE(
+        throws<opc::Exception>("Internal error: Signature Method is not supported in algorithm map.", [&] {
+            read(Change{"http://www.w3.org/2001/04/xmldsig-more#rsa-sha256",
+                        "http://www.w3.org/2001/04/xmlenc#sha256"}
+                     .apply());
+        }));
+    for (const std::string& key : {key3072, ellipticKey}) {
+        EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.", [&] {
+            read(Change{VALUE, key}.apply());
+        }));
+    }
+}
+
+TEST_F(SignatureReader, theSchemaAndTheParserRefuseTheRest) {
+    const Change changes[] = {
+        {"</Signature>", ""},
+        {"<SignedInfo>", "<SignedInfo><Other/>"},
+        {"BAUG", "not Base64!"},
+        {" Algorithm=\"http://www.w3.org/2000/09/xmldsig#sha1\"", ""},
+        {"YYYY-MM-DDThh:mmTZD", "YYYY/MM"},
+        {"2024-02-29T12:30Z", "yesterday"},
+        {R"(Id="Signature7")", R"(Id="7")"},
+        {PART,
+         R"(<Transforms><Transform Algorithm="a"><pds:RelationshipReference/></Transform></Transforms>)"},
+        {"<Signature ", "<!DOCTYPE Signature><Signature "},
+        {"<Signature ", "<?xml version='1.0' encoding='ISO-8859-1'?><Signature "},
+    };
+    for (const Change& change : changes)
+        EXPECT_THROW(read(change.apply()), InvalidPartContent) << change.replacement;
+}
+
+TEST_F(SignatureReader, badKeyMaterialKeepsItsOwnClass) {
+    const std::string whole = certificate("rsa:2048");
+    const std::string cutShort = whole.substr(0, whole.size() / 2 / 4 * 4);
+    const auto withCertificate = [](const std::string& text) {
+        return Change{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate>" + text +
+                                 "</X509Certificate></X509Data></KeyInfo>"}
+            .apply();
+    };
+    EXPECT_THROW(read(unknownToSchema(Change{"BAUG", "BA*G"}.apply())), bedrock::crypto::utils::Exception);
+    EXPECT_THROW(read(unknownToSchema(withCertificate("A%B="))), bedrock::crypto::utils::Exception);
+    for (const std::string& text : {std::string("AQID"), cutShort, whole.substr(4)})
+        EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException);
+}
+
+TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
+    const DigitalSignatureData& usual = read(USUAL_SIGNATURE);
+    EXPECT_EQ(usual.getName(), u"sig7");
+    EXPECT_EQ(usual.m_signatureValue, (std::vector<unsigned char>{4, 5, 6}));
+    EXPECT_EQ(usual.m_namespace, u"http://www.w3.org/2000/09/xmldsig#");
+    EXPECT_EQ(usual.m_signatureParams.getDigestMethod(), DigestMethod::SHA256);
+    EXPECT_EQ(usual.m_signatureParams.getSignatureMethod(), SignatureMethod::NoKey);
+    EXPECT_EQ(opc::convertTimeToString(usual.getSignedTime()), u"2024-02-29T12:30:00Z");
+    EXPECT_FALSE(usual.m_signaturePartName);
+    EXPECT_TRUE(usual.m_signedPartNames.empty());
+    ASSERT_EQ(usual.m_content.signedInfoReferences.size(), 1U);
+    EXPECT_EQ(usual.m_content.signedInfoReferences[0].referenceURI.getFragment(), u"idPackageObject");
+    EXPECT_EQ(usual.m_content.signedInfoReferences[0].digestValue, u"AQID");
+    ASSERT_EQ(usual.m_content.manifestReferences.size(), 1U);
+    EXPECT_EQ(usual.m_content.manifestReferences[0].referenceURI.toString(), u"/a.xml?ContentType=text/xml");
+    EXPECT_EQ(usual.m_content.manifestReferences[0].digestMethod, u"http://www.w3.org/2000/09/xmldsig#sha1");
+    ASSERT_EQ(usual.m_content.signatureProperties.size(), 1U);
+    EXPECT_EQ(usual.m_content.signatureProperties[0].target, u"#Signature7");
+    EXPECT_EQ(usual.m_content.signatureProperties[0].value, u"") << "only the time is taken from it";
+
+    // The texts that were signed: as they stand, with the namespace declarations they need to stand alone.
+    const std::u16string& object = usual.m_objects.at(u"idPackageObject").XMLBytes;
+    EXPECT_EQ(object.substr(0, object.find(u"<DigestMethod")),
+              u"<Object xmlns=\"http://www.w3.org/2000/09/xmldsig#\" Id=\"idPackageObject\" "
+              u"xmlns:pds=\"http://schemas.openxmlformats.org/package/2006/digital-signature\"><Manifest>"
+              u"<Reference URI=\"/a.xml?ContentType=text/xml\"><!--part-->");
+    const std::u16string& signedInfo = usual.m_content.signedInfoXML;
+    EXPECT_EQ(signedInfo.substr(0, signedInfo.find(u"<SignatureMethod")),
+              u"<SignedInfo xmlns=\"http://www.w3.org/2000/09/xmldsig#\"><CanonicalizationMethod "
+              u"Algorithm=\"http://www.w3.org/TR/2001/REC-xml-c14n-20010315\"/>");
+}
+
+TEST_F(SignatureReader, namesAndTimesOfOthers) {
+    struct Case {
+        Change change;
+        const char16_t *id, *time;
+    };
+    const Case cases[] = {
+        {{R"(Id="Signature7")", R"(Id="Sig7")"}, u"Sig7", u"2024-02-29T12:30:00Z"},
+        {{R"(Id="Signature7")", R"(Id="Signature")"}, u"", u"2024-02-29T12:30:00Z"},
+        {{R"(Id="Signature7")", R"(Id="signature7")"}, u"signature7", u"2024-02-29T12:30:00Z"},
+        {{R"(Id="Signature7")", ""}, u"", u"2024-02-29T12:30:00Z"},
+        {{"2024-02-29T12:30Z", "2023"}, u"7", u"2023-01-01T00:00:00Z"},
+        {{"2024-02-29T12:30Z", "2024-02-29T12:30:45.5+01:00"}, u"7", u"2024-02-29T11:30:45Z"},
+        {{"YYYY-MM-DDThh:mmTZD", "YYYY"}, u"7", u"2024-02-29T12:30:00Z"},
+        {{"2024-02-29T12:30Z", "2023-02-29T12:30Z"}, u"7", u""},
+        {{R"(Id="idSignatureTime" )", ""}, u"7", u""},
+        {{"idSignatureTime", "idsignaturetime"}, u"7", u""},
+    };
+    for (const Case& c : cases) {
+        const DigitalSignatureData& other = read(c.change.apply());
+        EXPECT_EQ(other.m_signatureId, c.id) << c.change.replacement;
+        EXPECT_EQ(opc::convertTimeToString(other.m_signedTime), c.time) << c.change.replacement;
+        EXPECT_EQ(other.m_content.signatureProperties.size(), 1U);
+    }
+    read(inserted(USUAL_SIGNATURE, "<SignatureProperties>",
+                  "<SignatureProperty Target='' Id='other'><any xmlns='urn:any'/></SignatureProperty>"));
+    EXPECT_EQ(data->m_content.signatureProperties.size(), 2U) << "of another property anything goes";
+}
+
+TEST_F(SignatureReader, keysOfOthers) {
+    const std::string x509Data = "<X509Data><X509SubjectName>CN=Test</X509SubjectName><X509Certificate>\n " +
+                                 inserted(certificate("rsa:1024"), "MII", "\r\n\t ") +
+                                 "\n</X509Certificate><X509Certificate>" + certificate("rsa:2048") +
+                                 "</X509Certificate></X509Data>";
+    const auto rsaKeyValue = [](std::size_t length) {
+        return "<KeyValue><RSAKeyValue><Modulus>" + opc::test::repeated("AAAA", length / 4) +
+               "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue>";
+    };
+    struct Case {
+        std::string keyInfo;
+        SignatureMethod method;
+        std::size_t chained;
+    };
+    const Case cases[] = {
+        {"<KeyName>K</KeyName>", SignatureMethod::NoKey, 0},
+        {"<MgmtData/><any xmlns='urn:any'/>", SignatureMethod::NoKey, 0},
+        {rsaKeyValue(172), SignatureMethod::RSA1024, 0},
+        {rsaKeyValue(256), SignatureMethod::RSA1024, 0},
+        {rsaKeyValue(260), SignatureMethod::RSA2048, 0},
+        {rsaKeyValue(344), SignatureMethod::RSA2048, 0},
+        {rsaKeyValue(512), SignatureMethod::RSA2048, 0},
+        {rsaKeyValue(516), SignatureMethod::RSA4096, 0},
+        {rsaKeyValue(684), SignatureMethod::RSA4096, 0},
+        {rsaKeyValue(1000000), SignatureMethod::RSA4096, 0},
+        {x509Data, SignatureMethod::RSA1024, 1},
+        {x509Data + rsaKeyValue(344), SignatureMethod::RSA2048, 0},
+    };
+    for (const Case& c : cases) {
+        const DigitalSignatureData& other =
+            read(Change{VALUE, "</SignatureValue><KeyInfo>" + c.keyInfo + "</KeyInfo>"}.apply());
+        EXPECT_EQ(other.m_signatureParams.getSignatureMethod(), c.method) << c.keyInfo;
+        EXPECT_EQ(other.m_keyValue.has_value(), c.keyInfo.find("RSAKeyValue") != std::string::npos);
+        EXPECT_EQ(other.getCertificate().empty(), c.chained == 0);
+        EXPECT_EQ(other.getCertificateChain().getCertificates().size(), c.chained);
+    }
+    read(Change{"BAUG", "\n  BA\r\n\tUG  \n"}.apply());
+    EXPECT_EQ(data->m_signatureValue, (std::vector<unsigned char>{4, 5, 6}));
+}
+
+TEST_F(SignatureReader, transformsOfOthers) {
+    const std::string c14n = R"(<Transform Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315"/>)";
+    const std::string relationships =
+        "<pds:RelationshipReference SourceId='r2'/><pds:RelationshipGroupReference SourceType='t:2'/>"
+        "<pds:RelationshipReference SourceId='r1'/><pds:RelationshipsGroupReference SourceType='t:1'/>"
+        "<x:RelationshipReference xmlns:x='urn:any' SourceId='r0'/></Transform>";
+    for (const std::string year : {"2005/06", "2006"}) {
+        read(Change{PART, "<Transforms><Transform Algorithm='urn:unknown'/><Transform Algorithm='"
+                          "http://schemas.openxmlformats.org/package/" +
+                              year + "/RelationshipTransform'>" + relationships + c14n + "</Transforms>"}
+                 .apply());
+        const Reference& reference = data->m_content.manifestReferences.at(0);
+        EXPECT_EQ(reference.transforms,
+                  (std::vector<std::u16string>{u"urn:unknown",
+                                               u"http://www.w3.org/TR/2001/REC-xml-c14n-20010315"}));
+        EXPECT_EQ(reference.relationshipReferences, (std::vector<std::u16string>{u"r2", u"r1"}));
+        EXPECT_EQ(reference.relationshipGroupReferences, std::vector<std::u16string>{u"t:2"})
+            << "the name of the published schema isn't read";
+    }
+}
+
+TEST_F(SignatureReader, furtherObjectsAreKeptAsText) {
+    const std::string others = "<Object Id='idXAdES'><x:QualifyingProperties "
+                               "xmlns:x='http://uri.etsi.org/01903/v1.3.2#' Target='#s'>"
+                               "<x:SignedProperties Id='idSigned'/></x:QualifyingProperties></Object>"
+                               "<Object Id='idText'>some text</Object>";
+    const std::string reference =
+        R"(<Reference Type="http://www.w3.org/2000/09/xmldsig#Object" URI="#idText">)"
+        R"(<DigestMethod Algorithm="urn:any"/><DigestValue>AQ==</DigestValue></Reference>)";
+    read(inserted(inserted(USUAL_SIGNATURE, "</Object>", others), "</Reference>", reference));
+    EXPECT_EQ(data->m_objects.size(), 3U);
+    EXPECT_EQ(data->m_objects.at(u"idText").XMLBytes,
+              u"<Object xmlns=\"http://www.w3.org/2000/09/xmldsig#\" Id=\"idText\">some text</Object>");
+    EXPECT_EQ(data->m_content.signedInfoReferences.size(), 2U);
+    EXPECT_EQ(data->m_content.manifestReferences.size(), 1U);
+}
+
+TEST_F(SignatureReader, aHiddenPackageObjectAddsItsReferences) {
+    // It stands in another namespace, where an Id may be there twice: its references count as signed.
+    const std::string hidden =
+        "<Object Id='idOther'><any xmlns='urn:any'><Object Id='idPackageObject'><Manifest><Reference "
+        "URI='/b.xml'>"
+        "<DigestMethod Algorithm='urn:any'/><DigestValue>AQ==</DigestValue></Reference></Manifest>"
+        "<SignatureProperties/></Object></any></Object>";
+    read(inserted(USUAL_SIGNATURE, "</Object>", hidden));
+    EXPECT_EQ(data->m_content.manifestReferences.size(), 2U);
+    EXPECT_NE(data->m_objects.at(u"idPackageObject").XMLBytes.find(u"/a.xml"), std::u16string::npos)
+        << "the first object of an Id stays";
+}
+
+TEST_F(SignatureReader, aPrefixHidesTheElements) {
+    std::string document = USUAL_SIGNATURE;
+    for (std::size_t at = 0; (at = document.find('<', at)) != std::string::npos; ++at) {
+        const std::size_t name = document[at + 1] == '/' ? at + 2 : at + 1;
+        if (document.compare(name, 4, "pds:") != 0 && document[name] != '!')
+            document.insert(name, "ds:");
+    }
+    document = replaced(document, "xmlns=", "xmlns:ds=");
+    EXPECT_TRUE(
+        throws<InvalidPartContent>("XML signature: SignatureValue is not present.", [&] { read(document); }));
+}
+
+} // namespace

@@ -1,0 +1,238 @@
+#include "physical/TemporaryFolder.hpp"
+#include "signatures/SignatureDocuments.hpp"
+#include "support/PackageContent.hpp"
+#include "support/Throws.hpp"
+
+#include <bedrock/crypto/RsaKeyPair.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <sstream>
+
+namespace {
+
+using namespace opc::model;
+using bedrock::certificates::X509Certificate;
+using bedrock::certificates::X509CertificateChain;
+using opc::test::certificate;
+using opc::test::throws;
+
+constexpr char KEY_INFO[] = "<KeyInfo>";
+
+X509Certificate certificateOf(const std::string& base64) {
+    return X509Certificate(bedrock::crypto::utils::base64Decode(opc::toString(base64, false)));
+}
+
+Reference reference(const char16_t* uri, const char16_t* digestValue) {
+    Reference result;
+    result.referenceURI = URI(uri);
+    result.digestMethod = u"http://www.w3.org/2001/04/xmlenc#sha512";
+    result.digestValue = digestValue;
+    return result;
+}
+
+class SignatureWriter : public opc::test::SignatureDocument {
+protected:
+    SignatureWriter() {
+        written.m_signatureId = u"1";
+        written.m_canonicalizationMethod = u"http://www.w3.org/TR/2001/REC-xml-c14n-20010315";
+        written.m_signatureMethod = u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512";
+        written.m_signatureValueInXML = u"BAUG";
+        Reference object = reference(u"#idPackageObject", u"AQID");
+        object.referenceType = u"http://www.w3.org/2000/09/xmldsig#Object";
+        written.m_content.signedInfoReferences = {object};
+        written.m_content.manifestReferences = {reference(u"/a.xml?ContentType=text/xml", u"BwgJ")};
+        written.m_content.signatureProperties = {
+            {u"#Signature1", u"idSignatureTime", u"YYYY-MM-DDThh:mmTZD", u"2024-02-29T12:30:45Z"}};
+    }
+
+    /// Gives the signature relationships of every kind, as ID, type, and both with foreign transforms.
+    void addRelationships() {
+        Reference ids = reference(u"/_rels/.rels?ContentType=x/y", u"AA==");
+        ids.relationshipReferences = {u"rId2", u"rId1"};
+        Reference types = reference(u"/_rels/a.xml.rels?ContentType=x/y", u"AA==");
+        types.relationshipGroupReferences = {u"t:1&2"};
+        Reference both = reference(u"/_rels/b.xml.rels?ContentType=x/y", u"AA==");
+        both.referenceID = u"both";
+        both.transforms = {u"urn:other"};
+        both.relationshipGroupReferences = {u"t:3"};
+        both.relationshipReferences = {u"r\u00e9"};
+        for (const Reference& added : {ids, types, both})
+            written.m_content.manifestReferences.push_back(added);
+    }
+
+    DigitalSignatureData written;
+};
+
+TEST_F(SignatureWriter, writesPartsByteForByte) {
+    EXPECT_EQ(
+        write(written),
+        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>"
+        "<Signature Id=\"Signature1\" xmlns=\"http://www.w3.org/2000/09/xmldsig#\">"
+        "<SignedInfo xmlns=\"http://www.w3.org/2000/09/xmldsig#\">"
+        "<CanonicalizationMethod Algorithm=\"http://www.w3.org/TR/2001/REC-xml-c14n-20010315\"/>"
+        "<SignatureMethod Algorithm=\"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512\"/>"
+        "<Reference Type=\"http://www.w3.org/2000/09/xmldsig#Object\" URI=\"#idPackageObject\">"
+        "<DigestMethod Algorithm=\"http://www.w3.org/2001/04/xmlenc#sha512\"/><DigestValue>AQID</DigestValue>"
+        "</Reference></SignedInfo><SignatureValue>BAUG</SignatureValue>"
+        "<Object Id=\"idPackageObject\" "
+        "xmlns:pds=\"http://schemas.openxmlformats.org/package/2006/digital-signature\">"
+        "<Manifest><Reference URI=\"/a.xml?ContentType=text/xml\">"
+        "<DigestMethod Algorithm=\"http://www.w3.org/2001/04/xmlenc#sha512\"/><DigestValue>BwgJ</DigestValue>"
+        "</Reference></Manifest><SignatureProperties>"
+        "<SignatureProperty Id=\"idSignatureTime\" Target=\"#Signature1\"><pds:SignatureTime>"
+        "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format><pds:Value>2024-02-29T12:30:45Z</pds:Value>"
+        "</pds:SignatureTime></SignatureProperty></SignatureProperties></Object></Signature>");
+}
+
+TEST_F(SignatureWriter, writesTransformsInTheirOrder) {
+    addRelationships();
+    const std::string text = write(written);
+    const std::string transform =
+        "<Transform Algorithm=\"http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform\">";
+    const std::string expected[] = {
+        "<Transforms>" + transform +
+            "<pds:RelationshipReference SourceId=\"rId2\"/><pds:RelationshipReference SourceId=\"rId1\"/>"
+            "</Transform></Transforms><DigestMethod",
+        "<Transforms>" + transform +
+            "<pds:RelationshipGroupReference "
+            "SourceType=\"t:1&amp;2\"/></Transform></Transforms><DigestMethod",
+        "<Reference Id=\"both\" URI=\"/_rels/b.xml.rels?ContentType=x/y\"><Transforms>"
+        "<Transform Algorithm=\"urn:other\"/>" +
+            transform +
+            "<pds:RelationshipReference SourceId=\"r\xC3\xA9\"/>"
+            "<pds:RelationshipGroupReference SourceType=\"t:3\"/></Transform></Transforms><DigestMethod",
+    };
+    std::size_t position = 0;
+    for (const std::string& piece : expected) {
+        position = text.find(piece, position);
+        EXPECT_NE(position, std::string::npos) << piece << "\n" << text;
+    }
+}
+
+TEST_F(SignatureWriter, writesTheKeyOrTheCertificates) {
+    EXPECT_EQ(write(written).find(KEY_INFO), std::string::npos);
+
+    written.m_signatureParams = SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA1024);
+    const auto keys = bedrock::crypto::generateRsaKeyPair(1024);
+    written.setKeyValue(keys.getPublicKey());
+    const std::string withKey = write(written);
+    EXPECT_NE(withKey.find("</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>" +
+                           opc::toASCIIString(written.m_keyValue->modulus) +
+                           "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue></KeyInfo><Object"),
+              std::string::npos);
+    EXPECT_EQ(read(withKey).m_signatureParams.getSignatureMethod(), SignatureMethod::RSA1024);
+
+    written.m_keyValue.reset();
+    written.m_certificate = certificateOf(certificate("rsa:1024"));
+    X509CertificateChain chain;
+    chain.addCertificate(certificateOf(certificate("rsa:2048")));
+    chain.addCertificate(certificateOf(certificate("rsa:3072")));
+    written.m_certificateChain = chain;
+    std::string x509Data = "</SignatureValue><KeyInfo><X509Data>";
+    for (const char* key : {"rsa:1024", "rsa:2048", "rsa:3072"})
+        x509Data += "<X509Certificate>" + certificate(key) + "</X509Certificate>";
+    EXPECT_NE(write(written).find(x509Data + "</X509Data></KeyInfo><Object"), std::string::npos);
+}
+
+TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
+    const auto validates = [this] {
+        const opc::test::TemporaryFolder folder;
+        const std::string schemas = OPCMODEL_SCHEMAS;
+        opc::test::writeFile(
+            folder / "both.xsd",
+            opc::test::toBytes("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
+                               "namespace='http://www.w3.org/2000/09/xmldsig#' schemaLocation='" +
+                               schemas +
+                               "/xmldsig.xsd'/><xs:import namespace='http://schemas.openxmlformats.org/"
+                               "package/2006/digital-signature' schemaLocation='" +
+                               schemas + "/opc-dsig.xsd'/></xs:schema>"));
+        opc::test::writeFile(folder / "sig.xml", opc::test::toBytes(write(written)));
+        const std::string command = "xmllint --noout --nonet --schema '" + (folder / "both.xsd").string() +
+                                    "' '" + (folder / "sig.xml").string() + "' 2>'" +
+                                    (folder / "log").string() + "'";
+        return std::system(command.c_str()) == 0
+                   ? testing::AssertionSuccess()
+                   : testing::AssertionFailure() << opc::test::toText(opc::test::readFile(folder / "log"));
+    };
+    EXPECT_TRUE(validates());
+    addRelationships();
+    written.m_certificate = certificateOf(certificate("rsa:1024"));
+    EXPECT_TRUE(validates());
+    written.m_keyValue = RSAKeyValue{0, u"AQID", u"AQAB"};
+    EXPECT_TRUE(validates());
+    written.m_content.signatureProperties[0].value = u"tomorrow";
+    EXPECT_FALSE(validates());
+}
+
+TEST_F(SignatureWriter, whatWasReadIsWrittenAsItWas) {
+    addRelationships();
+    written.m_certificate = certificateOf(certificate("rsa:2048"));
+    const std::string document = write(written);
+    DigitalSignatureData again = read(document);
+    // The texts of the time aren't kept in reading.
+    again.m_content.signatureProperties = written.m_content.signatureProperties;
+    EXPECT_EQ(write(again), document);
+
+    std::ostringstream first, second;
+    again.prettyPrint(first);
+    read(write(again)).m_content.signatureProperties = written.m_content.signatureProperties;
+    data->prettyPrint(second);
+    EXPECT_EQ(first.str(), second.str());
+    EXPECT_EQ(first.str().find("----------- Pretty Print of Digital Signature data --------------------\n"),
+              0U);
+    for (const char* text : {"BAUG", "rId2", "t:1&2", "urn:other", "#Signature1", "BwgJ", "<SignedInfo"})
+        EXPECT_NE(first.str().find(text), std::string::npos) << text;
+}
+
+TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
+    written.m_keyValue = RSAKeyValue{0, u"AQID", u"AQAB"};
+    for (const auto method : {SignatureMethod::NoKey, static_cast<SignatureMethod>(9)}) {
+        written.m_signatureParams = SignatureParams(DigestMethod::SHA1, method);
+        EXPECT_TRUE(throws<opc::Exception>("Could not serialize key info element for this signature method.",
+                                           [&] { write(written); }));
+        EXPECT_TRUE(throws<opc::Exception>("Could not determine key info element for this signature method.",
+                                           [&] { written.setKeyValue({}); }));
+    }
+    written.m_signatureParams = SignatureParams();
+    EXPECT_THROW(written.setKeyValue({1, 2, 3}), opc::Exception);
+    EXPECT_EQ(written.m_keyValue->modulus, u"AQID") << "a bad key leaves the old one";
+
+    const std::string good = write(written);
+    for (const char16_t bad : {u'\u0001', u'\uFFFE', char16_t(0xD800)}) {
+        DigitalSignatureData broken = written;
+        broken.m_content.manifestReferences[0].digestValue += bad;
+        opc::test::Bytes bytes;
+        EXPECT_THROW(
+            {
+                opc::ByteArrayOutAdaptor stream(bytes);
+                serializer.writeSignature(broken, stream);
+            },
+            InvalidPartContent);
+        EXPECT_TRUE(bytes.empty());
+    }
+    EXPECT_EQ(write(written), good) << "the writer is fit for the next document";
+}
+
+TEST_F(SignatureWriter, aSignatureIsNamedByItsIdentifier) {
+    struct Case {
+        const char16_t *id, *name, *part;
+    };
+    const Case cases[] = {
+        {u"7", u"sig7", u"/_xmlsignatures/sig7.xml"},
+        {u"countersig", u"sigcountersig", u"/_xmlsignatures/sigcountersig.xml"},
+        {u"", u"sig", u"/_xmlsignatures/sig.xml"},
+    };
+    for (const Case& c : cases) {
+        DigitalSignatureData named;
+        named.m_signatureId = c.id;
+        EXPECT_EQ(named.getName(), c.name);
+        EXPECT_EQ(named.computeSignaturePartName().toString(), c.part);
+    }
+    EXPECT_TRUE(written.getCertificate().empty());
+    EXPECT_TRUE(written.getCertificateChain().getCertificates().empty());
+}
+
+} // namespace
