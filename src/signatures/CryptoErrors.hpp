@@ -2,19 +2,51 @@
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <opc/core/Exception.hpp>
+#include <opc/model/Errors.hpp>
 
 #include <utility>
 
+/// @file
+/// The translations of failures of the cryptographic services, each written once. Every one runs an action
+/// and gives its result.
+
 namespace opc::model {
 
-/// Runs `operation`; a failure of the cryptographic services in it leaves as `opc::Exception` with the same
-/// text.
-template <typename Operation>
-auto translateCryptoFailures(Operation&& operation) {
+/// A failure of the services becomes an `opc::Exception` with the same text.
+template <typename Action>
+auto translateCryptoFailures(Action&& action) {
     try {
-        return std::forward<Operation>(operation)();
-    } catch (const bedrock::crypto::utils::Exception& failure) {
-        throw Exception(failure.what());
+        return std::forward<Action>(action)();
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throw Exception(e.what());
+    }
+}
+
+/// What fails in signing, here or in the services, becomes `CouldNotGenerateSignature` with the same text.
+template <typename Action>
+auto translateSigningFailures(Action&& action) {
+    try {
+        return std::forward<Action>(action)();
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throw CouldNotGenerateSignature(e.what());
+    } catch (const Exception& e) {
+        throw CouldNotGenerateSignature(e.what());
+    }
+}
+
+/// A failure of the services in verifying becomes `InvalidSignature` with the same text, and a code by its
+/// class.
+template <typename Action>
+auto translateVerificationFailures(Action&& action) {
+    using bedrock::codesigning_verifier::ErrorMap;
+    try {
+        return std::forward<Action>(action)();
+    } catch (const bedrock::crypto::utils::InvalidKey& e) {
+        throw InvalidSignature(e.what(), ErrorMap<17>());
+    } catch (const bedrock::crypto::utils::CouldNotComputeDigest& e) {
+        throw InvalidSignature(e.what(), ErrorMap<18>());
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throw InvalidSignature(e.what(), ErrorMap<12>());
     }
 }
 

@@ -49,8 +49,8 @@ PartName DigitalSignatureData::computeSignaturePartName() {
 
 void DigitalSignatureData::setKeyValue(const Bytes& publicKey) {
     translateCryptoFailures([&] {
-        const auto key =
-            createRsaPublicKey(*m_cryptoEngine, m_signatureParams.getSignatureMethod(), publicKey);
+        const auto key = createRsaPublicKey(*m_cryptoEngine,
+                                            rsaKeySize(m_signatureParams.getSignatureMethod()), publicKey);
         if (!key)
             throw Exception("Could not determine key info element for this signature method.");
         RSAKeyValue keyValue;

@@ -21,12 +21,24 @@
 #include <string>
 #include <vector>
 
+namespace bedrock::certificates {
+class CertificateValidationOptions;
+class TrustStore;
+} // namespace bedrock::certificates
+
+namespace bedrock::codesigning_verifier {
+class FingerprintStore;
+} // namespace bedrock::codesigning_verifier
+
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMDocument;
 class DOMElement;
 XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
+
+class DigitalSignatureVerificationStatus;
+struct DataToSign;
 
 /// One signature in memory: what was signed, how, when, with which key, and the content of its XML.
 ///
@@ -40,6 +52,19 @@ public:
 
     /// @throws opc::Exception  if the cryptographic services can't be had
     DigitalSignatureData();
+
+    /// @name Signing
+    /// Make a new signature over `data`, complete but for its place in the package.
+    /// @throws CouldNotGenerateSignature, opc::Exception, bedrock::crypto::utils::Exception
+    /// @{
+    DigitalSignatureData(const std::u16string& signatureID, const Bytes& privateKey, const Bytes& publicKey,
+                         const SignatureParams& params, const DataToSign& data);
+    DigitalSignatureData(const std::u16string& signatureID, const Bytes& privateKey,
+                         const bedrock::certificates::X509Certificate& certificate,
+                         const bedrock::certificates::X509CertificateChain& chain,
+                         const SignatureParams& params, const DataToSign& data);
+    /// @}
+
     /// Shares the cryptographic engine and copies all the rest.
     DigitalSignatureData(const DigitalSignatureData& other) = default;
     DigitalSignatureData& operator=(const DigitalSignatureData&) = delete;
@@ -65,6 +90,34 @@ public:
     /// Makes the key value of a signature from a public key in its encoded form.
     /// @throws opc::Exception  if the bytes are no key of the size that the signature's parameters say
     void setKeyValue(const Bytes& publicKey);
+
+    /// @name Digests by the signature's own method
+    /// @throws opc::Exception  if the digest can't be computed
+    /// @{
+    Bytes computeDigest(const Bytes& bytes) const;
+
+    /// The one digest of all relationships of a signature, in Base64.
+    std::u16string computeRelationshipsDigest(const std::vector<Relationship>& relationships) const;
+    /// @}
+
+    /// @name Checking the signature value
+    /// @throws InvalidSignature  if the material is unusable or doesn't fit the signature
+    /// @{
+    DigitalSignatureVerificationStatus verifyWithKey(const Bytes& publicKey) const;
+
+    /// By the certificate in the signature or, if there is none and the store lets it pass, by the key in it.
+    DigitalSignatureVerificationStatus
+    verifyWithFingerprints(const bedrock::codesigning_verifier::FingerprintStore& fingerprints,
+                           const bedrock::certificates::TrustStore& trustStore,
+                           const bedrock::certificates::CertificateValidationOptions& options) const;
+
+    DigitalSignatureVerificationStatus
+    verifyWithCertificate(const bedrock::certificates::X509Certificate& certificate,
+                          const bedrock::codesigning_verifier::FingerprintStore& fingerprints,
+                          const bedrock::certificates::X509CertificateChain& chain,
+                          const bedrock::certificates::TrustStore& trustStore,
+                          const bedrock::certificates::CertificateValidationOptions& options) const;
+    /// @}
 
     /// Writes every record with a label, for a person to read.
     void prettyPrint(std::ostream& stream) const;
@@ -102,6 +155,25 @@ public:
     std::optional<RSAKeyValue> m_keyValue;
     std::optional<bedrock::certificates::X509Certificate> m_certificate;
     std::optional<bedrock::certificates::X509CertificateChain> m_certificateChain;
+
+private:
+    DigitalSignatureData(const std::u16string& signatureID, const SignatureParams& params,
+                         const DataToSign& data);
+
+    void checkKeys(const Bytes& privateKey, const Bytes& publicKey) const;
+    void buildContent(const DataToSign& data);
+    void addPartReferences(const DataToSign& data);
+    void addRelationshipReferences(const DataToSign& data);
+    void addSignatureTime();
+    void signContent(const Bytes& privateKey);
+
+    std::shared_ptr<bedrock::crypto::DigestEngine> createDigestEngine() const;
+    std::shared_ptr<bedrock::crypto::RSASigner> createSigner(const Bytes& privateKey) const;
+    std::shared_ptr<bedrock::crypto::RSAVerifier> createVerifier(std::uint64_t bits,
+                                                                 const Bytes& publicKey) const;
+
+    void throwIfKeySizeDiffers(std::uint64_t bits) const;
+    std::uint64_t requireKeySize(const bedrock::certificates::X509Certificate& certificate) const;
 };
 
 } // namespace opc::model

@@ -24,6 +24,11 @@ struct Reference {
     std::u16string digestValue;                              ///< Base64
 };
 
+/// Whether a reference leads to something within its document: it has a fragment and nothing else.
+inline bool isSameDocumentReference(const URI& uri) {
+    return !uri.hasScheme() && !uri.hasAuthority() && !uri.hasAbsolutePath() && !uri.hasQuery();
+}
+
 /// A `SignatureProperty`, with the texts of its `SignatureTime`.
 struct SignatureProperty {
     std::u16string target;

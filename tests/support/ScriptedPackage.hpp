@@ -14,8 +14,8 @@
 namespace opc::test {
 
 /// A physical package that forwards to another, writes down every call as a text ("createPart /a.xml a/b",
-/// "close true", "getInputStream /a.xml", "closeStream /a.xml" …), and can be told to do something first, such
-/// as to fail. The content types stream goes by the name "types".
+/// "close true", "getInputStream /a.xml", "closeStream /a.xml" …), and can be told to do something first,
+/// such as to fail. The content types stream goes by the name "types".
 class ScriptedPackage : public interfaces::IPhysicalPackage {
 public:
     explicit ScriptedPackage(interfaces::IPhysicalPackage& package) : inner(package) {}

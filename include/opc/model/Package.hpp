@@ -108,8 +108,8 @@ public:
     Enumerator<std::vector<Part>> getParts(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
     /// Whether `name` lies above or below the name of a part [M1.11]. An equal name doesn't count.
-    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself if
-    ///                  it lies above others, otherwise the part above it
+    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself
+    ///                  if it lies above others, otherwise the part above it
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
     bool isOpen() const override;

@@ -10,6 +10,7 @@
 namespace opc::model {
 
 class RelationshipManager;
+class RelationshipsText;
 
 /// One relationship of a package or a part, as it was when it was asked for (ECMA-376 Part 2, relationships).
 ///
@@ -49,6 +50,7 @@ public:
 
 private:
     friend class RelationshipManager;
+    friend class RelationshipsText;
 
     /// What never changes, shared by all copies.
     struct Values {

@@ -42,8 +42,9 @@ public:
                                             const std::u16string& id = std::u16string());
 
     /// Adds a relationship to something outside the package. Raises what `createInternalRelationship` does.
-    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is. It must not
-    ///                be empty or blank: the package couldn't be read back. Reading folds white space in it
+    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is. It
+    ///                must not be empty or blank: the package couldn't be read back. Reading folds white
+    ///                space in it
     /// @throws InvalidRelationshipTarget  the target is no IRI
     Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
                                             const std::u16string& id = std::u16string());
@@ -51,8 +52,8 @@ public:
     /// Also deletes the relationships part, if this was the last one.
     /// @throws PackageCreateOnly     the package is being created
     /// @throws RelationshipNotFound
-    /// @throws PartDeleteFailed      the relationships part can't be deleted. The relationship has gone from here,
-    ///                               but stands in the package when it is opened again
+    /// @throws PartDeleteFailed      the relationships part can't be deleted. The relationship has gone
+    ///                               from here, but stands in the package when it is opened again
     void deleteRelationship(const std::u16string& id);
 
     /// @throws RelationshipNotFound

@@ -1,0 +1,299 @@
+#pragma once
+
+#include <opc/model/ContentType.hpp>
+#include <opc/model/DataManager.hpp>
+#include <opc/model/DigitalSignature.hpp>
+#include <opc/model/DigitalSignatureVerificationStatus.hpp>
+#include <opc/model/Enumerator.hpp>
+#include <opc/model/Export.hpp>
+#include <opc/model/Part.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/Relationship.hpp>
+#include <opc/model/RelationshipSelector.hpp>
+#include <opc/model/SignatureParams.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bedrock::certificates {
+class CertificateValidationOptions;
+class PKCS12Certificate;
+class TrustStore;
+class X509Certificate;
+class X509CertificateChain;
+} // namespace bedrock::certificates
+
+namespace bedrock::codesigning_verifier {
+class FingerprintStore;
+} // namespace bedrock::codesigning_verifier
+
+namespace opc::model {
+
+class DigitalSignatureData;
+class DigitalSignatureSerializer;
+class InvalidSignature;
+struct DataToSign;
+struct Reference;
+
+/// The digital signatures of one package (ECMA-376 Part 2, digital signatures): signs, verifies,
+/// countersigns, removes.
+///
+/// Made on a package that isn't open yet, and destroyed before it. Signatures are read at the first
+/// operation that needs them, and every operation that changes something writes to the package at once;
+/// `Package::close(false)` then makes it final. A package can be signed when it is open for reading and
+/// writing. One thread at a time, with the package.
+///
+/// Keys are bytes in the encoded forms of `bedrock::crypto`. An empty trust store stands for the system's
+/// certificates. A signature names the content types of its parts but doesn't protect them, nor the first
+/// `<cp:keywords>` element of the core properties, nor which source a relationship belongs to.
+///
+/// Every operation that reads signatures raises `InvalidSignature` with code 102 if a signature part can't
+/// be read, or if something that it signed is missing; the next operation tries again.
+class OPC_MODEL_EXPORT DigitalSignatureManager : public DataManager {
+public:
+    using Bytes = std::vector<unsigned char>;
+    using CertificateValidationOptions = bedrock::certificates::CertificateValidationOptions;
+    using FingerprintStore = bedrock::codesigning_verifier::FingerprintStore;
+    using PKCS12Certificate = bedrock::certificates::PKCS12Certificate;
+    using TrustStore = bedrock::certificates::TrustStore;
+    using X509Certificate = bedrock::certificates::X509Certificate;
+    using X509CertificateChain = bedrock::certificates::X509CertificateChain;
+
+    /// @throws PackageAlreadyOpen
+    explicit DigitalSignatureManager(Package& managed);
+    ~DigitalSignatureManager() override;
+
+    /// @name Signing
+    ///
+    /// Signs parts and relationships, writes the signature part and checks the new signature. What fails
+    /// behind the writing leaves the signature in place: `removeSignature` takes it out.
+    ///
+    /// A selector by type takes every relationship of that type, once for each time it is named: n
+    /// relationships of one type and source, each with a selector of its own, count n² times. The memory
+    /// for them is 32 bytes each, and each different one is written once.
+    ///
+    /// @param parts      the parts to sign; not relationships parts, which are signed through selectors
+    /// @param selectors  the relationships to sign
+    /// @param params     digest and signature method, the latter of the key's size
+    /// @throws CouldNotGenerateSignature  whatever fails; the text says what
+    /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
+    /// @{
+
+    /// With a key, whose public half goes into the signature.
+    DigitalSignature sign(const std::vector<PartName>& parts,
+                          const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
+                          const Bytes& publicKey, const SignatureParams& params);
+
+    /// With a key alone: the signature tells nothing of who made it, and isn't checked.
+    DigitalSignature sign(const std::vector<PartName>& parts,
+                          const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
+                          const SignatureParams& params);
+
+    /// With a certificate, which is checked against the trust store first.
+    DigitalSignature sign(const std::vector<PartName>& parts,
+                          const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
+                          const X509Certificate& certificate, const X509CertificateChain& chain,
+                          const CertificateValidationOptions& options, const SignatureParams& params,
+                          const TrustStore& trustStore);
+
+    /// With the key and the certificates of a bundle.
+    DigitalSignature sign(const std::vector<PartName>& parts,
+                          const std::vector<RelationshipSelector>& selectors, const PKCS12Certificate& bundle,
+                          const CertificateValidationOptions& options, const SignatureParams& params,
+                          const TrustStore& trustStore);
+
+    /// All parts and relationships of the package but those of signatures.
+    DigitalSignature signPackage(const Bytes& privateKey, const SignatureParams& params);
+    DigitalSignature signPackage(const PKCS12Certificate& bundle, const CertificateValidationOptions& options,
+                                 const SignatureParams& params, const TrustStore& trustStore);
+
+    /// @}
+
+    /// @name Countersigning
+    ///
+    /// A package can have one countersignature. It covers all signatures that stand when it is made, and
+    /// the content through them. A signature added later breaks it; a covered one that is removed makes the
+    /// package's signatures unreadable at the next open: remove the countersignature first.
+    ///
+    /// @throws CouldNotGenerateSignature  also if there is no signature, or a countersignature already
+    /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
+    /// @{
+
+    DigitalSignature countersignAllSignatures(const Bytes& privateKey, const Bytes& publicKey,
+                                              const SignatureParams& params);
+    DigitalSignature countersignAllSignatures(const Bytes& privateKey, const SignatureParams& params);
+    DigitalSignature countersignAllSignatures(const Bytes& privateKey, const X509Certificate& certificate,
+                                              const X509CertificateChain& chain,
+                                              const CertificateValidationOptions& options,
+                                              const SignatureParams& params, const TrustStore& trustStore);
+    DigitalSignature countersignAllSignatures(const PKCS12Certificate& bundle,
+                                              const CertificateValidationOptions& options,
+                                              const SignatureParams& params, const TrustStore& trustStore);
+
+    /// @}
+
+    /// @name Finding
+    /// @throws PackageNotOpen
+    /// @{
+
+    /// All signatures, the countersignature among them, in the order of their relationships and then of
+    /// signing.
+    Enumerator<std::vector<DigitalSignature>> getSignatures();
+
+    /// @param name  as `DigitalSignature::getName` gives it, such as sig1
+    /// @throws SignatureNotFound
+    DigitalSignature getSignature(const std::u16string& name);
+
+    /// @throws SignatureNotFound
+    DigitalSignature getCountersignature();
+
+    bool isPackageSigned() const;
+
+    /// Whether a signature covers the part itself.
+    bool isSigned(const PartName& name) const;
+
+    bool isPackageCountersigned() const;
+
+    /// @}
+
+    /// @name Verifying
+    ///
+    /// Checks the signature value and then every digest that the signature references. Changes nothing.
+    ///
+    /// @throws InvalidSignature  the signature can't be checked. The text is "Signature is invalid: " and
+    ///                           the code
+    /// @{
+
+    /// By a public key; no certificate is looked at.
+    DigitalSignatureVerificationStatus verifySignature(const DigitalSignature& signature,
+                                                       const Bytes& publicKey);
+
+    /// By the certificate in the signature, which `fingerprints` or `trustStore` must vouch for.
+    DigitalSignatureVerificationStatus verifySignature(const DigitalSignature& signature,
+                                                       const FingerprintStore& fingerprints,
+                                                       const CertificateValidationOptions& options,
+                                                       const TrustStore& trustStore);
+
+    /// By a certificate of the caller's.
+    DigitalSignatureVerificationStatus
+    verifySignature(const DigitalSignature& signature, const X509Certificate& certificate,
+                    const FingerprintStore& fingerprints, const X509CertificateChain& chain,
+                    const CertificateValidationOptions& options, const TrustStore& trustStore);
+
+    /// Each signature by its own certificate, until one doesn't hold. A package without signatures passes.
+    DigitalSignatureVerificationStatus verifyAllSignatures(const FingerprintStore& fingerprints,
+                                                           const CertificateValidationOptions& options,
+                                                           const TrustStore& trustStore);
+
+    /// As `verifySignature` on the countersignature.
+    /// @throws SignatureNotFound
+    DigitalSignatureVerificationStatus verifyCountersignature(const Bytes& publicKey);
+    DigitalSignatureVerificationStatus verifyCountersignature(const FingerprintStore& fingerprints,
+                                                              const CertificateValidationOptions& options,
+                                                              const TrustStore& trustStore);
+    DigitalSignatureVerificationStatus verifyCountersignature(const X509Certificate& certificate,
+                                                              const FingerprintStore& fingerprints,
+                                                              const X509CertificateChain& chain,
+                                                              const CertificateValidationOptions& options,
+                                                              const TrustStore& trustStore);
+
+    /// @}
+
+    /// @name Removing
+    ///
+    /// The last signature takes the origin part with it. Handles on a removed signature stay readable.
+    ///
+    /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
+    /// @throws CouldNotRemoveSignature  nothing that had been done by then is undone
+    /// @{
+
+    /// @throws SignatureNotFound
+    void removeSignature(const std::u16string& name);
+    void removeSignature(const DigitalSignature& signature);
+
+    void removeAllSignatures();
+
+    /// Does nothing if there is none.
+    void removeCountersignature();
+
+    /// @}
+
+private:
+    using Signatures = std::vector<DigitalSignature>;
+
+    /// The first half of a verification: whether the signature value holds.
+    using ValueCheck = std::function<DigitalSignatureVerificationStatus(const DigitalSignatureData&)>;
+
+    void doLoad() override;
+    void doSave() override;
+    std::vector<std::u16string> doGetManagedPartNames() const override;
+    std::vector<std::u16string> doGetManagedRelationshipTypes() const override;
+
+    void throwIfPackageNotOpen() const;
+    void throwIfPackageReadOnly() const;
+    void throwIfPackageCreateOnly() const;
+    void throwIfPackageNotOpenForModify() const;
+    void throwIfPackageNotCountersigned() const;
+    void throwIfNotValidSignaturePart(const PartName& partName) const;
+
+    void ensureLoaded() const;
+    void loadSignature(const Part& part);
+    void updateNextSignatureID(std::u16string id, const Part& part);
+    void fillUpSignedEntities(DigitalSignatureData& data) const;
+    void fillUpSignedRelationships(DigitalSignatureData& data, const Reference& reference,
+                                   const PartName& relationshipsPart) const;
+    void assertSignatureCorrectnessAfterLoad(const DigitalSignatureData& data) const;
+    Signatures::iterator findSignature(const std::u16string& name);
+
+    std::u16string getNextSignatureID();
+    Part getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const;
+
+    std::vector<Bytes> computePartDigests(const std::vector<PartName>& partNames,
+                                          DigestMethod digestMethod) const;
+    DataToSign computeDataToSign(const std::vector<PartName>& partNames,
+                                 const std::vector<RelationshipSelector>& selectors,
+                                 const SignatureParams& params) const;
+    void selectRelationships(const RelationshipSelector& selector, std::vector<Relationship>& selected) const;
+
+    static void throwIfNoVerificationKey(const Bytes& publicKey);
+    DigitalSignature signHelper(const Bytes& privateKey, const Bytes& publicKey,
+                                const SignatureParams& params, const std::vector<PartName>& parts,
+                                const std::vector<RelationshipSelector>& selectors, bool countersign);
+    DigitalSignature signHelper(const Bytes& privateKey, const X509Certificate& certificate,
+                                const X509CertificateChain& chain, const TrustStore& trustStore,
+                                const CertificateValidationOptions& options, const SignatureParams& params,
+                                const std::vector<PartName>& parts,
+                                const std::vector<RelationshipSelector>& selectors, bool countersign);
+    DigitalSignature signHelper(const PKCS12Certificate& bundle, const TrustStore& trustStore,
+                                const CertificateValidationOptions& options, const SignatureParams& params,
+                                const std::vector<PartName>& parts,
+                                const std::vector<RelationshipSelector>& selectors, bool countersign);
+    std::u16string takeSignatureID(bool countersign);
+    DigitalSignature addSignature(std::shared_ptr<DigitalSignatureData> data);
+    void saveSignaturePart(const DigitalSignature& signature);
+    Part createOrFetchOriginPart();
+
+    std::pair<std::vector<PartName>, std::vector<RelationshipSelector>> getAllPartsAndRels() const;
+    std::pair<std::vector<PartName>, std::vector<RelationshipSelector>> countersignHelper() const;
+
+    DigitalSignatureVerificationStatus verify(const DigitalSignature& signature,
+                                              const ValueCheck& checkValue);
+    DigitalSignatureVerificationStatus
+    verifySignatureHelper(const DigitalSignatureData& data,
+                          const DigitalSignatureVerificationStatus& status) const;
+    DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data) const;
+    std::u16string digestSignedRelationships(const DigitalSignatureData& data) const;
+    static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
+
+    void deleteSignaturePart(const PartName& partName);
+
+    Signatures m_signatures;
+    std::uint64_t m_nextSignatureID = 1;
+    std::unique_ptr<DigitalSignatureSerializer> m_serializer;
+};
+
+} // namespace opc::model

@@ -1,0 +1,48 @@
+#include "signatures/DigitalSignatureData.hpp"
+
+#include "signatures/DigestEngines.hpp"
+#include "signatures/RelationshipsText.hpp"
+
+#include <bedrock/crypto/DigestEngine.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/model/Errors.hpp>
+
+/// @file
+/// The digests that a signature computes with its own method, in signing and in verifying alike.
+
+namespace opc::model {
+
+namespace {
+
+template <typename Action>
+auto translateDigestFailures(Action&& action) {
+    try {
+        return std::forward<Action>(action)();
+    } catch (const bedrock::crypto::utils::CouldNotComputeDigest& e) {
+        throw Exception(std::string("Internal exception: Could not compute the digest value.") + e.what());
+    }
+}
+
+} // namespace
+
+std::shared_ptr<bedrock::crypto::DigestEngine> DigitalSignatureData::createDigestEngine() const {
+    return model::createDigestEngine(*m_cryptoEngine, m_signatureParams.getDigestMethod());
+}
+
+DigitalSignatureData::Bytes DigitalSignatureData::computeDigest(const Bytes& bytes) const {
+    return translateDigestFailures([&] { return digestBytes(createDigestEngine().get(), bytes); });
+}
+
+std::u16string
+DigitalSignatureData::computeRelationshipsDigest(const std::vector<Relationship>& relationships) const {
+    try {
+        RelationshipsText text(relationships);
+        return bedrock::crypto::utils::base64Encode(
+            translateDigestFailures([&] { return digestStream(createDigestEngine().get(), text); }));
+    } catch (const InvalidXMLDocument& e) {
+        throw Exception(e.what());
+    }
+}
+
+} // namespace opc::model

@@ -1,0 +1,190 @@
+#include <opc/model/DigitalSignatureManager.hpp>
+
+#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/DigitalSignatureSerializer.hpp"
+#include "signatures/SignatureLayout.hpp"
+#include "signatures/StreamRewinder.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+#include <stdexcept>
+
+/// @file
+/// How the manager comes to know the signatures that stand in the package, and finds them.
+
+namespace opc::model {
+
+namespace {
+
+using bedrock::codesigning_verifier::ErrorMap;
+
+[[noreturn]] void throwUnreadable(const std::string& message) {
+    throw InvalidSignature(message, ErrorMap<102>());
+}
+
+[[noreturn]] void failConversion(const char* reason, const std::string& id) {
+    std::cerr << "Internal exception: " << reason << ". Trying to get numeric ID from " << id << std::endl;
+    if (id.empty())
+        throw std::invalid_argument("The signature identifier has no digits.");
+    throw std::out_of_range("The signature identifier has more than 32 bits.");
+}
+
+/// The number in a text of digits. Identifiers count in 32 bits.
+std::uint32_t toNumber(const std::string& digits) {
+    if (digits.empty())
+        failConversion("Invalid argument", digits);
+    std::uint64_t number = 0;
+    for (const char digit : digits) {
+        number = number * 10 + static_cast<std::uint64_t>(digit - '0');
+        if (number > UINT32_MAX)
+            failConversion("Out of range", digits);
+    }
+    return static_cast<std::uint32_t>(number);
+}
+
+} // namespace
+
+void DigitalSignatureManager::ensureLoaded() const {
+    // Loading fills what the operations answer from; it changes nothing that a caller can see.
+    const_cast<DigitalSignatureManager*>(this)->load();
+}
+
+void DigitalSignatureManager::doLoad() {
+    m_signatures.clear();
+    m_nextSignatureID = 1;
+    try {
+        const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
+        if (origins.empty())
+            return;
+        const Part origin = getPackage().getPart(PartName(origins.begin()->getTargetURI()));
+        for (const Relationship& relationship : origin.getRelationshipsByType(getSignatureRelationshipType()))
+            loadSignature(getPackage().getPart(PartName(relationship.getTargetURI())));
+    } catch (const Exception& e) {
+        throwUnreadable(e.what());
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throwUnreadable(e.what());
+    } catch (const bedrock::certificates::CertificateException& e) {
+        throwUnreadable(e.what());
+    }
+}
+
+void DigitalSignatureManager::loadSignature(const Part& part) {
+    const auto data = std::make_shared<DigitalSignatureData>();
+    InputStream& stream = part.getInputStream();
+    const StreamRewinder rewinder(stream);
+    m_serializer->readSignature(stream, *data);
+    fillUpSignedEntities(*data);
+    m_signatures.push_back(DigitalSignature(data));
+    if (data->m_signatureId == COUNTERSIGNATURE_ID)
+        return;
+    updateNextSignatureID(data->m_signatureId, part);
+    assertSignatureCorrectnessAfterLoad(*data);
+}
+
+void DigitalSignatureManager::updateNextSignatureID(std::u16string id, const Part& /*part*/) {
+    const bool isNumber =
+        std::all_of(id.begin(), id.end(), [](char16_t c) { return c >= u'0' && c <= u'9'; });
+    if (!isNumber) {
+        ++m_nextSignatureID;
+        return;
+    }
+    const std::uint32_t next = toNumber(toASCIIString(id)) + 1; // wraps, as the identifiers do
+    m_nextSignatureID = std::max<std::uint64_t>(m_nextSignatureID, next);
+}
+
+/// What is accepted on reading is all that can be said of a loaded signature.
+void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
+    const DigitalSignatureData& /*data*/) const {
+}
+
+void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
+    for (const Reference& reference : data.m_content.manifestReferences) {
+        const URI& uri = reference.referenceURI;
+        if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))
+            throwUnreadable(
+                "URI referenced to in the manifest reference should not be an external reference or a "
+                "same-document reference.");
+        const PartName name(uri.getPath());
+        if (name.isRelationshipName())
+            fillUpSignedRelationships(data, reference, name);
+        else if (getPackage().hasPart(name))
+            data.m_signedPartNames.push_back(name);
+        else
+            throwUnreadable("Part referenced to by the signature is not present in the package." +
+                            toUDEString(uri.getPath()));
+    }
+}
+
+void DigitalSignatureManager::fillUpSignedRelationships(DigitalSignatureData& data,
+                                                        const Reference& reference,
+                                                        const PartName& relationshipsPart) const {
+    const std::u16string source = relationshipsPart.getSourcePartName();
+    const auto fillUp = [&](const RelationshipSource& relationshipSource, const std::string& label) {
+        const auto throwMissing = [&label](const std::string& what, const std::u16string& criteria) {
+            throwUnreadable("Relationship with " + what + " " + toUDEString(criteria) +
+                            " referenced to in the signature is not present in the " + label);
+        };
+        for (const std::u16string& id : reference.relationshipReferences) {
+            if (!relationshipSource.hasRelationship(id))
+                throwMissing("ID", id);
+            data.m_signedRelationships.push_back(relationshipSource.getRelationshipByID(id));
+        }
+        for (const std::u16string& type : reference.relationshipGroupReferences) {
+            const auto found = relationshipSource.getRelationshipsByType(type);
+            if (found.empty())
+                throwMissing("Type", type);
+            data.m_signedRelationships.insert(data.m_signedRelationships.end(), found.begin(), found.end());
+        }
+    };
+    if (relationshipsPart == u"/_rels/.rels")
+        fillUp(getPackage(), "package");
+    else
+        fillUp(getPackage().getPart(PartName(source)), toUDEString(source));
+}
+
+DigitalSignatureManager::Signatures::iterator
+DigitalSignatureManager::findSignature(const std::u16string& name) {
+    throwIfNotValidSignaturePart(getSignaturePartName(name));
+    const auto found =
+        std::find_if(m_signatures.begin(), m_signatures.end(),
+                     [&name](const DigitalSignature& entry) { return entry.getName() == name; });
+    if (found == m_signatures.end())
+        throw SignatureNotFound("Could not find the given signature by the given name.");
+    return found;
+}
+
+Enumerator<std::vector<DigitalSignature>> DigitalSignatureManager::getSignatures() {
+    throwIfPackageNotOpen();
+    load();
+    return Enumerator<std::vector<DigitalSignature>>(m_signatures);
+}
+
+DigitalSignature DigitalSignatureManager::getSignature(const std::u16string& name) {
+    throwIfPackageNotOpen();
+    load();
+    return *findSignature(name);
+}
+
+bool DigitalSignatureManager::isPackageSigned() const {
+    throwIfPackageNotOpen();
+    ensureLoaded();
+    return !m_signatures.empty();
+}
+
+bool DigitalSignatureManager::isSigned(const PartName& name) const {
+    throwIfPackageNotOpen();
+    ensureLoaded();
+    return std::any_of(m_signatures.begin(), m_signatures.end(), [&name](const DigitalSignature& signature) {
+        const auto& names = signature.getImpl()->m_signedPartNames;
+        return std::find(names.begin(), names.end(), name) != names.end();
+    });
+}
+
+} // namespace opc::model

@@ -1,0 +1,71 @@
+#include <opc/model/DigitalSignatureManager.hpp>
+
+#include "signatures/SignatureLayout.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+
+/// @file
+/// Removal of signatures. The origin part goes with the last one.
+
+namespace opc::model {
+
+void DigitalSignatureManager::removeSignature(const std::u16string& name) {
+    throwIfPackageNotOpenForModify();
+    load();
+    const auto entry = findSignature(name);
+    deleteSignaturePart(getSignaturePartName(name));
+    m_signatures.erase(entry);
+}
+
+void DigitalSignatureManager::removeSignature(const DigitalSignature& signature) {
+    load();
+    removeSignature(signature.getName());
+}
+
+void DigitalSignatureManager::removeAllSignatures() {
+    throwIfPackageNotOpenForModify();
+    load();
+    for (const DigitalSignature& signature : m_signatures)
+        deleteSignaturePart(getSignaturePartName(signature.getName()));
+    m_signatures.clear();
+    m_nextSignatureID = 1;
+}
+
+void DigitalSignatureManager::removeCountersignature() {
+    throwIfPackageNotOpenForModify();
+    load();
+    if (isPackageCountersigned())
+        removeSignature(getSignatureName(COUNTERSIGNATURE_ID));
+}
+
+void DigitalSignatureManager::deleteSignaturePart(const PartName& partName) {
+    throwIfNotValidSignaturePart(partName);
+    const std::string ADVICE =
+        ". Please try closing and reopening the package before trying to remove signature.";
+    try {
+        URI originURI;
+        std::u16string originRelationshipID;
+        Part origin = getSignatureOriginPart(originURI, originRelationshipID);
+        for (const Relationship& relationship :
+             origin.getRelationshipsByType(getSignatureRelationshipType())) {
+            if (relationship.getTargetURI() != partName.getURI())
+                continue;
+            origin.deleteRelationship(relationship.getID());
+            break;
+        }
+        getPackage().deletePart(partName);
+        if (origin.getRelationshipsByType(getSignatureRelationshipType()).empty()) {
+            getPackage().deletePart(PartName(originURI));
+            getPackage().deleteRelationship(originRelationshipID);
+        }
+    } catch (const PartNotFound& e) {
+        throw CouldNotRemoveSignature("Unable to delete part" + ADVICE + e.what());
+    } catch (const RelationshipNotFound& e) {
+        throw CouldNotRemoveSignature("Unable to delete relationship" + ADVICE + e.what());
+    } catch (const Exception& e) {
+        throw CouldNotRemoveSignature(e.what());
+    }
+}
+
+} // namespace opc::model

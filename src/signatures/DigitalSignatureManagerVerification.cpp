@@ -1,0 +1,166 @@
+#include <opc/model/DigitalSignatureManager.hpp>
+
+#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/SignatureLayout.hpp"
+#include "signatures/SignatureVocabulary.hpp"
+#include "signatures/SignedBytes.hpp"
+
+#include <bedrock/certificates/CertificateValidationResults.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/AlgorithmURIMap.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+#include <optional>
+
+/// @file
+/// Verification: the signature value first, then every digest that the signature references.
+
+namespace opc::model {
+
+namespace {
+
+using bedrock::codesigning_verifier::ErrorCode;
+using bedrock::codesigning_verifier::ErrorMap;
+using bedrock::crypto::utils::base64Encode;
+
+DigitalSignatureVerificationStatus makeStatus(const ErrorCode& code) {
+    return DigitalSignatureVerificationStatus(bedrock::codesigning_verifier::CodesigningVerificationStatus(
+        code, bedrock::certificates::CertificateValidationResults(
+                  bedrock::certificates::CertificateChainStatus::Good, "")));
+}
+
+/// An object's text as it was digested: without the namespace declaration that it gains from its parent
+/// when it is read.
+std::u16string withoutNamespaceDeclaration(std::u16string text) {
+    const std::u16string declaration =
+        std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";
+    const std::size_t found = text.find(declaration);
+    if (found != std::u16string::npos)
+        text.erase(found, declaration.size());
+    return text;
+}
+
+std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
+    const std::u16string id = uri.getFragment();
+    const auto object = data.m_objects.find(id);
+    if (object == data.m_objects.end())
+        throw InvalidSignature("XML signature: Could not find referenced object " + toUDEString(id),
+                               ErrorMap<104>());
+    return base64Encode(
+        data.computeDigest(toSignedBytes(withoutNamespaceDeclaration(object->second.XMLBytes))));
+}
+
+} // namespace
+
+DigitalSignatureVerificationStatus DigitalSignatureManager::verifySignature(const DigitalSignature& signature,
+                                                                            const Bytes& publicKey) {
+    return verify(signature, [&](const DigitalSignatureData& data) { return data.verifyWithKey(publicKey); });
+}
+
+DigitalSignatureVerificationStatus DigitalSignatureManager::verifySignature(
+    const DigitalSignature& signature, const FingerprintStore& fingerprints,
+    const CertificateValidationOptions& options, const TrustStore& trustStore) {
+    return verify(signature, [&](const DigitalSignatureData& data) {
+        return data.verifyWithFingerprints(fingerprints, trustStore, options);
+    });
+}
+
+DigitalSignatureVerificationStatus DigitalSignatureManager::verifySignature(
+    const DigitalSignature& signature, const X509Certificate& certificate,
+    const FingerprintStore& fingerprints, const X509CertificateChain& chain,
+    const CertificateValidationOptions& options, const TrustStore& trustStore) {
+    return verify(signature, [&](const DigitalSignatureData& data) {
+        return data.verifyWithCertificate(certificate, fingerprints, chain, trustStore, options);
+    });
+}
+
+DigitalSignatureVerificationStatus
+DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprints,
+                                             const CertificateValidationOptions& options,
+                                             const TrustStore& trustStore) {
+    load();
+    for (const DigitalSignature& signature : m_signatures) {
+        const auto status = verifySignature(signature, fingerprints, options, trustStore);
+        if (!status.isProperlyCodesigned())
+            return status;
+    }
+    return makeStatus(ErrorMap<0>());
+}
+
+DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const DigitalSignature& signature,
+                                                                   const ValueCheck& checkValue) {
+    load();
+    const DigitalSignatureData& data = *signature.getImpl();
+    try {
+        return verifySignatureHelper(data, checkValue(data));
+    } catch (const InvalidSignature& e) {
+        throw stripInvalidSignatureExceptionMessage(e);
+    } catch (const Exception& e) {
+        throw InvalidSignature(e.what(), ErrorMap<-1>());
+    }
+}
+
+InvalidSignature DigitalSignatureManager::stripInvalidSignatureExceptionMessage(const InvalidSignature& e) {
+    return InvalidSignature("Signature is invalid: " + std::to_string(e.getErrorCode().value()),
+                            e.getErrorCode());
+}
+
+DigitalSignatureVerificationStatus
+DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
+                                               const DigitalSignatureVerificationStatus& status) const {
+    if (!status.isProperlyCodesigned() && status.isErrorFromSignature())
+        return status;
+    const DigitalSignatureVerificationStatus references = verifyReferencesAfterLoad(data);
+    if (!references.isProperlyCodesigned())
+        return references;
+    if (status.isProperlyCodesigned() || status.isErrorFromCertificateChain())
+        return status;
+    throw InvalidSignature(
+        "Digital signature verification failed, but the failure wasn't from the signature, "
+        "references, or certificate chain.",
+        status.getErrorCode());
+}
+
+DigitalSignatureVerificationStatus
+DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data) const {
+    try {
+        std::optional<std::u16string> relationshipsDigest; // one for all references
+        const auto compute = [&](const Reference& reference) {
+            if (isSameDocumentReference(reference.referenceURI))
+                return digestObject(data, reference.referenceURI);
+            if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
+                const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
+                return base64Encode(
+                    computePartDigests({PartName(reference.referenceURI.getPath())}, method).front());
+            }
+            if (!relationshipsDigest)
+                relationshipsDigest = digestSignedRelationships(data);
+            return *relationshipsDigest;
+        };
+        bool allAgree = true;
+        for (const auto* references :
+             {&data.m_content.signedInfoReferences, &data.m_content.manifestReferences})
+            for (const Reference& reference : *references)
+                allAgree = compute(reference) == reference.digestValue && allAgree;
+        return allAgree ? makeStatus(ErrorMap<0>()) : makeStatus(ErrorMap<101>());
+    } catch (const Exception& e) {
+        throw InvalidSignature(e.what(), ErrorMap<104>());
+    }
+}
+
+/// The countersignature's own relationship has joined those that it signed, and doesn't count.
+std::u16string DigitalSignatureManager::digestSignedRelationships(const DigitalSignatureData& data) const {
+    if (!isPackageCountersigned())
+        return data.computeRelationshipsDigest(data.m_signedRelationships);
+    std::vector<Relationship> relationships = data.m_signedRelationships;
+    const std::u16string id = getSignatureRelationshipID(COUNTERSIGNATURE_ID);
+    const auto own = std::find_if(relationships.begin(), relationships.end(),
+                                  [&id](const Relationship& entry) { return entry.getID() == id; });
+    if (own != relationships.end())
+        relationships.erase(own);
+    return data.computeRelationshipsDigest(relationships);
+}
+
+} // namespace opc::model

@@ -1,0 +1,117 @@
+#include "signatures/RelationshipsText.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/XercesGuard.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+
+#include <xercesc/dom/DOM.hpp>
+
+namespace opc::model {
+
+RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationships) {
+    const std::vector<Entry> entries = collect(relationships);
+    text = serialise(entries);
+    findRuns(entries);
+    open();
+}
+
+/// Copies of one relationship share their values, so the address tells most of the repetitions.
+std::vector<RelationshipsText::Entry>
+RelationshipsText::collect(const std::vector<Relationship>& relationships) {
+    std::unordered_map<const Relationship::Values*, std::uint64_t> counts;
+    for (const Relationship& relationship : relationships)
+        ++counts[relationship.values.get()];
+    std::vector<Entry> entries;
+    entries.reserve(counts.size());
+    for (const auto& [values, count] : counts)
+        entries.push_back({values, count});
+    std::sort(entries.begin(), entries.end(), standsBefore);
+    return entries;
+}
+
+bool RelationshipsText::standsBefore(const Entry& left, const Entry& right) {
+    const auto key = [](const Relationship::Values& values) {
+        return std::tie(values.id, values.target, values.type, values.targetMode);
+    };
+    return key(*left.values) < key(*right.values);
+}
+
+std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>& entries) {
+    const XercesGuard guard;
+    const XercesString idName(u"Id");
+    const XercesString typeName(u"Type");
+    const XercesString targetName(u"Target");
+    const XercesString targetModeName(u"TargetMode");
+    const XercesString relationshipName(u"Relationship");
+    const auto document = XercesHelper::createDocument();
+    xercesc::DOMElement* const root =
+        XercesHelper::appendElement(document.get(), XercesString(u"Relationships"));
+    for (const Entry& entry : entries) {
+        xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
+        XercesHelper::setElementAttribute(element, idName, entry.values->id);
+        XercesHelper::setElementAttribute(element, typeName, entry.values->type);
+        XercesHelper::setElementAttribute(element, targetName, entry.values->target);
+        if (entry.values->targetMode == TargetMode::External)
+            XercesHelper::setElementAttribute(element, targetModeName, u"External");
+    }
+    std::vector<unsigned char> bytes;
+    ByteArrayOutAdaptor stream(bytes);
+    const auto writer = XercesHelper::createWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    return bytes;
+}
+
+/// An element ends where the next tag begins: the serialiser escapes every `<` in a value.
+void RelationshipsText::findRuns(const std::vector<Entry>& entries) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the document is UTF-8
+    const std::string_view view(reinterpret_cast<const char*>(text.data()), text.size());
+    std::size_t end = std::min(view.find("<Relationship "), view.size());
+    runs.push_back({0, end, 1});
+    for (const Entry& entry : entries) {
+        const std::size_t begin = end;
+        end = view.find('<', begin + 1);
+        runs.push_back({begin, end, entry.count});
+    }
+    if (end < view.size())
+        runs.push_back({end, view.size(), 1});
+}
+
+void RelationshipsText::open() {
+    run = 0;
+    repetition = 0;
+    position = 0;
+}
+
+std::uint64_t RelationshipsText::read(unsigned char* buffer, std::uint64_t count) {
+    std::uint64_t done = 0;
+    while (done < count && !isDone()) {
+        const Run& current = runs[run];
+        const std::size_t length = current.end - current.begin;
+        const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, length - position));
+        std::copy_n(text.data() + current.begin + position, taken, buffer + done);
+        done += taken;
+        position += taken;
+        if (position < length)
+            continue;
+        position = 0;
+        if (++repetition == current.count) {
+            repetition = 0;
+            ++run;
+        }
+    }
+    return done;
+}
+
+bool RelationshipsText::isDone() const {
+    return run == runs.size();
+}
+
+void RelationshipsText::close() {
+}
+
+} // namespace opc::model

@@ -1,0 +1,118 @@
+#include "SignedPackage.hpp"
+
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::SignedPackage;
+using opc::test::throws;
+
+class Loading : public SignedPackage {
+protected:
+    /// Gives the identifier of a stored signature, as it stands in its document, another value.
+    void setIdentifier(const char16_t* partName, const std::string& from, const std::string& to) {
+        std::string text = opc::test::toText(store.partBytes(partName));
+        for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+            text.replace(at, from.size(), to);
+        store.setPart(partName, opc::test::toBytes(text));
+    }
+};
+
+TEST_F(Loading, theCounterStandsAboveEveryNumberInUse) {
+    struct Case {
+        const char* identifier;
+        const char16_t* next;
+    };
+    for (const Case& c : {Case{"Signature7", u"sig8"}, Case{"Signature007", u"sig8"}, Case{"Sig7", u"sig2"},
+                          Case{"Signature4294967295", u"sig1"}, Case{"Signaturecountersig", u"sig1"}}) {
+        signPart(u"/a.xml");
+        close(false);
+        setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", c.identifier);
+        open();
+        if (std::u16string(c.next) == u"sig1") // the name is in use: the counter itself is seen after removal
+            package->deletePart(PartName(u"/b.xml"));
+        const auto all = manager->getSignatures();
+        ASSERT_EQ(all.size(), 1U);
+        if (std::u16string(c.next) == u"sig1")
+            EXPECT_THROW(signPart(u"/a.xml"), CouldNotGenerateSignature) << c.identifier;
+        else
+            EXPECT_EQ(signPart(u"/a.xml").getName(), c.next) << c.identifier;
+        close(true);
+        for (const std::u16string& name : store.partNames())
+            if (name.rfind(u"/_xmlsignatures/", 0) == 0)
+                store.removePart(name);
+        store.setPart(u"/_rels/.rels", opc::test::relationships(""));
+        open();
+    }
+}
+
+TEST_F(Loading, anIdentifierThatIsNoNumberOf32BitsPassesAsItsOwnFailure) {
+    signPart(u"/a.xml");
+    close(false);
+    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", "Signature4294967296");
+    open();
+    std::ostringstream errors;
+    std::streambuf* const before = std::cerr.rdbuf(errors.rdbuf());
+    EXPECT_THROW(manager->getSignatures(), std::out_of_range);
+    std::cerr.rdbuf(before);
+    EXPECT_EQ(errors.str(), "Internal exception: Out of range. Trying to get numeric ID from 4294967296\n");
+
+    package->close(true);
+    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature4294967296", "Signature");
+    package->open(opc::interfaces::OpenMode::ReadWrite);
+    errors.str("");
+    std::cerr.rdbuf(errors.rdbuf());
+    EXPECT_THROW(manager->getSignatures(), std::invalid_argument);
+    std::cerr.rdbuf(before);
+    EXPECT_EQ(errors.str(), "Internal exception: Invalid argument. Trying to get numeric ID from \n");
+}
+
+TEST_F(Loading, failuresAreTriedAgainByTheNextOperation) {
+    signPart(u"/a.xml");
+    close(false);
+    const auto good = store.partBytes(u"/_xmlsignatures/sig1.xml");
+    store.setPart(u"/_xmlsignatures/sig1.xml", opc::test::toBytes("no xml"));
+    open();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THROW(manager->isPackageSigned(), InvalidSignature);
+    opc::test::writeAll(part(u"/_xmlsignatures/sig1.xml"), opc::test::toText(good));
+    EXPECT_TRUE(manager->isPackageSigned());
+}
+
+TEST_F(Loading, whatASignatureNamesMustExist) {
+    const auto select = [](const char16_t* source, RelationshipSelectorType type, const char16_t* criteria) {
+        return RelationshipSelector(URI(source), type, criteria);
+    };
+    manager->sign({}, {select(u"/", RelationshipSelectorType::SourceId, u"rId2")}, privateKey, params);
+    package->deleteRelationship(u"rId2");
+    reopen();
+    EXPECT_TRUE(throws<InvalidSignature>(
+        "Relationship with ID rId2 referenced to in the signature is not present in the package",
+        [&] { manager->getSignatures(); }));
+    package->createExternalRelationship(u"urn:other", u"x", u"rId2");
+    manager->removeAllSignatures();
+
+    manager->sign({}, {select(u"/a.xml", RelationshipSelectorType::SourceType, u"urn:next")}, privateKey,
+                  params);
+    part(u"/a.xml").deleteRelationship(u"rId1");
+    reopen();
+    EXPECT_TRUE(throws<InvalidSignature>(
+        "Relationship with Type urn:next referenced to in the signature is not present in the /a.xml",
+        [&] { manager->getSignatures(); }));
+}
+
+TEST_F(Loading, anOriginWithoutSignaturesIsAnUnsignedPackage) {
+    package->createPart(PartName(u"/elsewhere.sigs"), ContentType(u"a/b"), StandardPartInfo());
+    package->createInternalRelationship(
+        u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin",
+        URI(u"/elsewhere.sigs"));
+    EXPECT_FALSE(manager->isPackageSigned());
+    signPart(u"/a.xml");
+    EXPECT_FALSE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")))
+        << "the origin that is there is followed";
+    EXPECT_EQ(part(u"/elsewhere.sigs").getRelationships().size(), 1U);
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+#include "signatures/RelationshipsText.hpp"
+#include "relationships/RelationshipManager.hpp"
+#include "support/PackageContent.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/XercesGuard.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <xercesc/dom/DOM.hpp>
+
+namespace {
+
+using namespace opc::model;
+
+std::string readText(const std::vector<Relationship>& relationships, std::uint64_t blockSize) {
+    RelationshipsText text(relationships);
+    std::string result;
+    std::vector<unsigned char> block(blockSize);
+    while (!text.isDone()) {
+        const auto got = text.read(block.data(), block.size());
+        result.append(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
+    }
+    return result;
+}
+
+/// The same document, built whole with every entry in it.
+std::string writeWhole(std::vector<Relationship> relationships) {
+    std::sort(relationships.begin(), relationships.end(),
+              [](const Relationship& left, const Relationship& right) {
+                  return left.getID() != right.getID() ? left.getID() < right.getID()
+                                                       : left.getTarget() < right.getTarget();
+              });
+    const XercesGuard guard;
+    const auto document = XercesHelper::createDocument();
+    auto* root = XercesHelper::appendElement(document.get(), XercesString(u"Relationships"));
+    for (const Relationship& relationship : relationships) {
+        auto* element = XercesHelper::appendElement(root, XercesString(u"Relationship"));
+        XercesHelper::setElementAttribute(element, XercesString(u"Id"), relationship.getID());
+        XercesHelper::setElementAttribute(element, XercesString(u"Type"), relationship.getType());
+        XercesHelper::setElementAttribute(element, XercesString(u"Target"), relationship.getTarget());
+        if (relationship.getTargetMode() == TargetMode::External)
+            XercesHelper::setElementAttribute(element, XercesString(u"TargetMode"), u"External");
+    }
+    std::vector<unsigned char> bytes;
+    opc::ByteArrayOutAdaptor stream(bytes);
+    const auto writer = XercesHelper::createWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    return opc::test::toText(bytes);
+}
+
+TEST(RelationshipsText, isTheDocumentBuiltWhole) {
+    RelationshipManager one(URI(u"/a.xml"));
+    RelationshipManager two(URI(u"/b.xml"));
+    const Relationship a = one.addInternalRelationship(u"rId10", u"t:t", URI(u"x.xml"));
+    const Relationship b = one.addExternalRelationship(u"rId2", u"t:<&>\"'", u"a<b>\"c' d&é\u4E2D");
+    const Relationship c = two.addInternalRelationship(u"rId10", u"t:t", URI(u"a.xml"));
+    const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>");
+    const std::vector<std::vector<Relationship>> cases = {
+        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c},
+    };
+    for (const auto& relationships : cases)
+        for (const std::uint64_t blockSize : {1U, 7U, 4096U})
+            EXPECT_EQ(readText(relationships, blockSize), writeWhole(relationships));
+}
+
+TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {
+    RelationshipManager one(URI(u"/a.xml"));
+    RelationshipManager two(URI(u"/b.xml"));
+    const Relationship first = one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"));
+    const Relationship second = two.addInternalRelationship(u"rId1", u"t:2", URI(u"x.xml"));
+    EXPECT_EQ(readText({first, second, first}, 99), readText({second, first, first}, 99));
+}
+
+TEST(RelationshipsText, startsAnewWhenItIsOpenedAgain) {
+    RelationshipManager one(URI(u"/a.xml"));
+    RelationshipsText text({one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"))});
+    unsigned char block[4096];
+    const auto first = text.read(block, sizeof block);
+    EXPECT_TRUE(text.isDone());
+    text.close();
+    text.open();
+    EXPECT_EQ(text.read(block, sizeof block), first);
+}
+
+} // namespace

@@ -1,0 +1,200 @@
+#include "SignedPackage.hpp"
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::test::Bytes;
+using opc::test::keysOf;
+using opc::test::SignedPackage;
+using opc::test::throws;
+
+class Signing : public SignedPackage {};
+
+TEST_F(Signing, leavesPartsAndRelationshipsByTheLayout) {
+    EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig1");
+    EXPECT_EQ(signPart(u"/b.xml").getName(), u"sig2");
+
+    const Part origin = part(u"/_xmlsignatures/origin.sigs");
+    EXPECT_EQ(origin.getContentType().toString(),
+              u"application/vnd.openxmlformats-package.digital-signature-origin");
+    EXPECT_EQ(opc::test::readAll(origin), "");
+    const auto toOrigin = package->getRelationshipsByType(
+        u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin");
+    ASSERT_EQ(toOrigin.size(), 1U);
+    EXPECT_EQ(toOrigin.begin()->getTargetURI().toString(), u"/_xmlsignatures/origin.sigs");
+    EXPECT_EQ(origin.getRelationshipByID(u"DSRel1").getTargetURI().toString(), u"/_xmlsignatures/sig1.xml");
+    EXPECT_EQ(origin.getRelationshipByID(u"DSRel2").getType(),
+              u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature");
+    EXPECT_EQ(part(u"/_xmlsignatures/sig2.xml").getContentType().toString(),
+              u"application/vnd.openxmlformats-package.digital-signaturexmlsignature+xml");
+    EXPECT_TRUE(manager->isSigned(PartName(u"/A.xml")));
+    EXPECT_FALSE(manager->isSigned(PartName(u"/_xmlsignatures/sig1.xml")));
+
+    EXPECT_EQ(package->getParts(ExcludeMode::ExcludeManaged).size(), 3U);
+    EXPECT_EQ(package->getRelationships(ExcludeMode::ExcludeManaged).size(), 2U);
+    reopen(OpenMode::ReadOnly);
+    EXPECT_EQ(manager->getSignatures().size(), 2U);
+    EXPECT_EQ(verify(u"sig1"), 0);
+    EXPECT_EQ(verify(u"sig2"), 0);
+}
+
+TEST_F(Signing, worksWithEveryDigestAndKeySize) {
+    const std::pair<SignatureMethod, std::size_t> keys[] = {
+        {SignatureMethod::RSA1024, 1024}, {SignatureMethod::RSA2048, 2048}, {SignatureMethod::RSA4096, 4096}};
+    for (const auto& [method, bits] : keys) {
+        const auto& pair = keysOf(bits);
+        for (const DigestMethod digest : {DigestMethod::MD5, DigestMethod::SHA1, DigestMethod::SHA224,
+                                          DigestMethod::SHA256, DigestMethod::SHA384, DigestMethod::SHA512}) {
+            const auto signature = manager->sign({PartName(u"/a.xml")}, {}, pair.getPrivateKey(),
+                                                 pair.getPublicKey(), SignatureParams(digest, method));
+            EXPECT_EQ(signature.getSignatureValue().size(), bits / 8);
+            EXPECT_TRUE(manager->verifySignature(signature, pair.getPublicKey()).isProperlyCodesigned());
+        }
+    }
+    reopen(OpenMode::ReadOnly);
+    for (const DigitalSignature& signature : manager->getSignatures()) {
+        const std::size_t bits = signature.getSignatureValue().size() * 8;
+        EXPECT_TRUE(manager->verifySignature(signature, keysOf(bits).getPublicKey()).isProperlyCodesigned());
+    }
+}
+
+TEST_F(Signing, refusesInTheOrderOfItsChecks) {
+    const std::vector<PartName> nothing;
+    const std::vector<PartName> one{PartName(u"/a.xml")};
+    const std::vector<PartName> missing{PartName(u"/none.xml")};
+    const auto fails = [&](const std::string& message, const auto& action) {
+        EXPECT_TRUE(throws<CouldNotGenerateSignature>(message, action));
+    };
+    fails("No parts or relationships provided for signing.",
+          [&] { manager->sign(nothing, {}, Bytes(), Bytes(), params); });
+    fails("The verification key is empty.", [&] { manager->sign(missing, {}, Bytes(), Bytes(), params); });
+    fails("The signing key is empty.", [&] { manager->sign(missing, {}, Bytes(), publicKey, params); });
+    fails("No part found with the name:/none.xml",
+          [&] { manager->sign(missing, {}, privateKey, publicKey, params); });
+    fails("No part found with the name:/_rels/.rels",
+          [&] { manager->sign({PartName(u"/_rels/.rels")}, {}, privateKey, params); });
+    fails("Relationship ID does not exist", [&] {
+        manager->sign(nothing, {RelationshipSelector(URI(u"/"), RelationshipSelectorType::SourceId, u"none")},
+                      privateKey, params);
+    });
+    fails("No relationships in the package matched the provided relationship selectors.", [&] {
+        manager->sign(one,
+                      {RelationshipSelector(URI(u"/"), RelationshipSelectorType::SourceType, u"urn:none")},
+                      privateKey, params);
+    });
+    fails("Invalid key was provided. 2048-bit key was expected for signing",
+          [&] { manager->sign(one, {}, privateKey, publicKey, SignatureParams()); });
+    fails("Invalid key was provided. 1024-bit key was expected for verification ",
+          [&] { manager->sign(one, {}, privateKey, Bytes(300, 1), params); });
+    EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_FALSE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")));
+
+    // The last two took a number each; what fails before the number is taken doesn't.
+    EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig3");
+    reopen(OpenMode::ReadOnly);
+    EXPECT_TRUE(
+        throws<PackageReadOnly>("Package is read-only", [&] { manager->sign(one, {}, Bytes(), params); }));
+    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", [&] { manager->removeSignature(u"none"); }));
+    package->close(false);
+    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { manager->getSignatures(); }));
+}
+
+TEST_F(Signing, aPackageBeingCreatedCanNotBeSigned) {
+    close(true);
+    open(OpenMode::CreateOnly);
+    EXPECT_TRUE(throws<PackageCreateOnly>("Package is open only for create", [&] { signPart(u"/a.xml"); }));
+}
+
+TEST_F(Signing, aForeignPublicKeyIsFoundOutAndTheSignatureStays) {
+    const auto other = bedrock::crypto::generateRsaKeyPair(1024);
+    EXPECT_TRUE(throws<CouldNotGenerateSignature>(
+        "The verification key is invalid since the signature doesn't verify correctly after signing.",
+        [&] { manager->sign({PartName(u"/a.xml")}, {}, privateKey, other.getPublicKey(), params); }));
+    EXPECT_TRUE(package->hasPart(PartName(u"/_xmlsignatures/sig1.xml")));
+    manager->removeSignature(u"sig1");
+    EXPECT_FALSE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")));
+    EXPECT_TRUE(package->getRelationshipsByType(u"urn:main").size() == 1);
+    EXPECT_EQ(package->getRelationships().size(), 2U);
+}
+
+TEST_F(Signing, theWholePackageIsSignedWithoutItsSignatures) {
+    const DigitalSignature first = signAll();
+    EXPECT_EQ(first.getSignedPartNames().size(), 3U);
+    EXPECT_EQ(first.getSignedRelationships().size(), 3U);
+    const DigitalSignature second = signAll();
+    EXPECT_EQ(second.getSignedPartNames().size(), 3U);
+    reopen(OpenMode::ReadOnly);
+    EXPECT_EQ(verify(u"sig1"), 0);
+    EXPECT_EQ(verify(u"sig2"), 0);
+
+    close(false);
+    for (const std::u16string& name : store.partNames())
+        store.removePart(name);
+    open();
+    EXPECT_TRUE(throws<CouldNotGenerateSignature>("No parts or relationships provided for signing.",
+                                                  [&] { signAll(); }));
+}
+
+TEST_F(Signing, countersigningCoversTheSignaturesOnce) {
+    EXPECT_TRUE(throws<CouldNotGenerateSignature>(
+        "Package has no signatures present, and so cannot be countersigned.",
+        [&] { manager->countersignAllSignatures(privateKey, params); }));
+    EXPECT_TRUE(throws<SignatureNotFound>("No countersignatures found in package.",
+                                          [&] { manager->verifyCountersignature(publicKey); }));
+    EXPECT_TRUE(throws<SignatureNotFound>("The provided signature part name is invalid or does not exist.",
+                                          [&] { manager->getCountersignature(); }));
+    manager->removeCountersignature();
+    signPart(u"/a.xml");
+    signPart(u"/b.xml");
+    EXPECT_EQ(manager->countersignAllSignatures(privateKey, publicKey, params).getName(), u"sigcountersig");
+    EXPECT_TRUE(
+        throws<CouldNotGenerateSignature>("Package has already been countersigned once. Please remove "
+                                          "countersignature before countersigning again.",
+                                          [&] { manager->countersignAllSignatures(privateKey, params); }));
+    EXPECT_TRUE(manager->verifyCountersignature(publicKey).isProperlyCodesigned());
+    reopen();
+    EXPECT_TRUE(manager->verifyCountersignature(publicKey).isProperlyCodesigned());
+    EXPECT_EQ(verify(u"sig1"), 0);
+
+    EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig3") << "a countersignature takes no number";
+    reopen();
+    EXPECT_EQ(verify(u"sigcountersig"), 101) << "a later signature has joined what it signed";
+    manager->removeCountersignature();
+    manager->countersignAllSignatures(privateKey, params);
+
+    manager->removeSignature(u"sig2");
+    EXPECT_EQ(verify(u"sigcountersig"), 104);
+    reopen();
+    EXPECT_TRUE(throws<InvalidSignature>(
+        "Part referenced to by the signature is not present in the package./_xmlsignatures/sig2.xml",
+        [&] { manager->removeCountersignature(); }));
+}
+
+TEST_F(Signing, removalCleansUpBehindTheLastSignature) {
+    const DigitalSignature first = signPart(u"/a.xml");
+    signPart(u"/b.xml");
+    EXPECT_TRUE(throws<SignatureNotFound>(
+        "Incorrect signature name provided. It should not start with backslash like a part name.",
+        [&] { manager->removeSignature(u"/_xmlsignatures/sig1.xml"); }));
+    EXPECT_TRUE(throws<SignatureNotFound>("The provided signature part name is invalid or does not exist.",
+                                          [&] { manager->removeSignature(u"sig9"); }));
+    package->createPart(PartName(u"/_xmlsignatures/other.xml"), ContentType(u"a/b"), StandardPartInfo());
+    EXPECT_TRUE(throws<SignatureNotFound>("The provided part name is not a signature part.",
+                                          [&] { manager->removeSignature(u"other"); }));
+    package->deletePart(PartName(u"/_xmlsignatures/other.xml"));
+
+    manager->removeSignature(first);
+    EXPECT_TRUE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")));
+    EXPECT_EQ(first.getName(), u"sig1") << "a handle stays readable";
+    EXPECT_THROW(manager->removeSignature(first), SignatureNotFound);
+    EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig3") << "no number is given out twice";
+    manager->removeAllSignatures();
+    EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_FALSE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")));
+    EXPECT_EQ(package->getRelationships().size(), 2U);
+    EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig1");
+}
+
+} // namespace

@@ -1,0 +1,218 @@
+#include "SignedPackage.hpp"
+
+#include <bedrock/certificates/X509Certificate.hpp>
+
+namespace {
+
+using namespace opc::model;
+using bedrock::certificates::CertificateValidationOptions;
+using bedrock::certificates::TrustStore;
+using bedrock::certificates::X509Certificate;
+using bedrock::certificates::X509CertificateChain;
+using bedrock::codesigning_verifier::FingerprintStore;
+using opc::interfaces::OpenMode;
+using opc::test::Bytes;
+using opc::test::keysOf;
+using opc::test::SignedPackage;
+using opc::test::throws;
+
+class Verification : public SignedPackage {
+protected:
+    /// Signs, changes the closed package, and gives the code of the signature in what has become of it.
+    int afterChange(const std::function<void(opc::physical::MemoryPackage&)>& change) {
+        signAll();
+        close(false);
+        change(store);
+        open();
+        try {
+            return verify(u"sig1");
+        } catch (const InvalidSignature& e) {
+            return e.getErrorCode().value();
+        }
+    }
+
+    static std::string replaced(const Bytes& bytes, const std::string& what, const std::string& with) {
+        std::string text = opc::test::toText(bytes);
+        const std::size_t found = text.find(what);
+        EXPECT_NE(found, std::string::npos) << what;
+        return text.replace(found, what.size(), with);
+    }
+
+    static std::function<void(opc::physical::MemoryPackage&)> edit(const char16_t* name, std::string what,
+                                                                   std::string with) {
+        return [=](opc::physical::MemoryPackage& store) {
+            store.setPart(name, opc::test::toBytes(replaced(store.partBytes(name), what, with)));
+        };
+    }
+};
+
+TEST_F(Verification, findsWhatIsCovered) {
+    EXPECT_EQ(afterChange(edit(u"/a.xml", "content", "Content")), 101);
+}
+TEST_F(Verification, findsAChangedTitle) {
+    EXPECT_EQ(afterChange(edit(u"/metadata/coreProperties.xml", ">t<", ">T<")), 101);
+}
+TEST_F(Verification, findsAChangedTarget) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/.rels", "http://e/", "http://f/")), 101);
+}
+TEST_F(Verification, findsAChangedMode) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/.rels", R"(TargetMode="External")", "")), 101);
+}
+TEST_F(Verification, findsAChangedRelationshipID) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/a.xml.rels", "rId1", "rId7")), 101);
+}
+TEST_F(Verification, findsARelationshipOfASignedTypeThatWasAdded) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/.rels", "<Relationship ",
+                               R"(<Relationship Id="x" Type="urn:link" Target="b.xml"/><Relationship )")),
+              101);
+}
+TEST_F(Verification, missesAPartThatWasDeleted) {
+    EXPECT_EQ(afterChange([](auto& s) { s.removePart(u"/b.xml"); }), 102);
+}
+TEST_F(Verification, missesATypeThatHasNoRelationshipLeft) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/.rels", "urn:link", "urn:else")), 102);
+}
+
+TEST_F(Verification, passesWhatNoSignatureOfThisFormCovers) {
+    EXPECT_EQ(afterChange(edit(u"/metadata/coreProperties.xml", ">old<", ">new<")), 0)
+        << "the first keywords element";
+}
+TEST_F(Verification, passesAChangedContentType) {
+    EXPECT_EQ(afterChange([](auto& s) {
+                  s.setContentTypes(
+                      opc::test::toBytes(replaced(s.contentTypes(), "application/xml", "text/other")));
+              }),
+              0);
+}
+TEST_F(Verification, passesARelationshipOfAnotherType) {
+    EXPECT_EQ(afterChange(edit(u"/_rels/.rels", "<Relationship ",
+                               R"(<Relationship Id="x" Type="urn:else" Target="b.xml"/><Relationship )")),
+              0);
+}
+TEST_F(Verification, passesAnAddedPart) {
+    EXPECT_EQ(afterChange([](auto& s) { s.setPart(u"/new.xml", {}); }), 0);
+}
+
+TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
+    const DigitalSignature signature = signAll();
+    package->createExternalRelationship(u"urn:link", u"http://f/");
+    EXPECT_EQ(verify(signature), 0);
+    opc::test::writeAll(part(u"/a.xml"), "written after signing");
+    EXPECT_EQ(verify(signature), 101) << "but content is read as it is now";
+    package->deletePart(PartName(u"/b.xml"));
+    EXPECT_EQ(verify(signature), 104);
+    package->close(true);
+    EXPECT_TRUE(throws<InvalidSignature>("Signature is invalid: 104",
+                                         [&] { manager->verifySignature(signature, publicKey); }));
+}
+
+TEST_F(Verification, materialThatDoesNotFitIsRefusedWithItsCode) {
+    const DigitalSignature signature = signAll();
+    const auto code = [&](const Bytes& key) {
+        try {
+            manager->verifySignature(signature, key);
+            return 0;
+        } catch (const InvalidSignature& e) {
+            EXPECT_EQ(e.what(), "Signature is invalid: " + std::to_string(e.getErrorCode().value()));
+            return e.getErrorCode().value();
+        }
+    };
+    EXPECT_EQ(code(Bytes()), 103);
+    EXPECT_EQ(code(Bytes(10)), 103);
+    EXPECT_EQ(code(keysOf(2048).getPublicKey()), 103);
+    EXPECT_EQ(code(Bytes(publicKey.size(), 7)), 17);
+    EXPECT_THROW(manager->verifySignature(signature, X509Certificate(), FingerprintStore(),
+                                          X509CertificateChain(), CertificateValidationOptions(),
+                                          TrustStore()),
+                 InvalidSignature);
+
+    const auto other = bedrock::crypto::generateRsaKeyPair(1024);
+    const auto status = manager->verifySignature(signature, other.getPublicKey());
+    EXPECT_FALSE(status.isProperlyCodesigned());
+    EXPECT_TRUE(status.isErrorFromSignature());
+    EXPECT_FALSE(status.isErrorFromCertificateChain());
+}
+
+TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsked) {
+    FingerprintStore fingerprints;
+    const CertificateValidationOptions options;
+    EXPECT_TRUE(manager->verifyAllSignatures(fingerprints, options, TrustStore()).isProperlyCodesigned())
+        << "there is none";
+    const DigitalSignature bare = signAll();
+    const DigitalSignature keyed = signPart(u"/a.xml");
+    EXPECT_EQ(manager->verifyAllSignatures(fingerprints, options, TrustStore()).getErrorCode().value(), 9);
+    fingerprints.setSkippingVerification(true);
+    EXPECT_TRUE(throws<InvalidSignature>("Signature is invalid: 103", [&] {
+        manager->verifySignature(bare, fingerprints, options, TrustStore());
+    }));
+    EXPECT_TRUE(manager->verifySignature(keyed, fingerprints, options, TrustStore()).isProperlyCodesigned());
+}
+
+class CertificateSignatures : public Verification {
+protected:
+    CertificateSignatures() : root(opc::test::makeIssuer("Root")) {
+        opc::test::CertificateRecipe recipe;
+        recipe.issuer = &root;
+        signer = opc::test::makeIdentity(recipe);
+        trusted.addCertificate(root.certificate);
+        other.addCertificate(opc::test::makeIssuer("Other").certificate);
+    }
+
+    DigitalSignature signWithCertificate() {
+        return manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), signer->certificate, chain,
+                             options, SignatureParams(), trusted);
+    }
+
+    opc::test::Identity root;
+    std::optional<opc::test::Identity> signer;
+    X509CertificateChain chain;
+    CertificateValidationOptions options;
+    TrustStore trusted;
+    TrustStore other;
+    FingerprintStore none;
+};
+
+TEST_F(CertificateSignatures, holdByTheirTrustStoreOrFingerprint) {
+    signWithCertificate();
+    reopen();
+    EXPECT_TRUE(manager->verifyAllSignatures(none, options, trusted).isProperlyCodesigned());
+    const DigitalSignature signature = manager->getSignature(u"sig1");
+    EXPECT_EQ(signature.getCertificate().getSHA256Fingerprint(), signer->certificate.getSHA256Fingerprint());
+    const auto untrusted = manager->verifySignature(signature, none, options, other);
+    EXPECT_TRUE(untrusted.isErrorFromCertificateChain()) << untrusted.getErrorCode().value();
+    FingerprintStore known;
+    known.addFingerprint(signer->certificate.getSHA256Fingerprint());
+    EXPECT_TRUE(manager->verifySignature(signature, known, options, other).isProperlyCodesigned());
+    EXPECT_TRUE(manager->verifySignature(signature, signer->certificate, none, chain, options, trusted)
+                    .isProperlyCodesigned());
+}
+
+TEST_F(CertificateSignatures, aChangedPartOutranksAnUntrustedChain) {
+    const DigitalSignature signature = signWithCertificate();
+    opc::test::writeAll(part(u"/a.xml"), "changed");
+    reopen();
+    EXPECT_EQ(
+        manager->verifySignature(manager->getSignature(u"sig1"), none, options, other).getErrorCode().value(),
+        101);
+}
+
+TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
+    const auto fails = [&](const std::string& message, const X509Certificate& certificate,
+                           const SignatureParams& with, const TrustStore& trust) {
+        try {
+            manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), certificate, chain, options,
+                          with, trust);
+            ADD_FAILURE() << message;
+        } catch (const CouldNotGenerateSignature& e) {
+            EXPECT_EQ(std::string(e.what()).rfind(message, 0), 0U) << e.what();
+        }
+    };
+    fails("The verification certificate is empty.", X509Certificate(), SignatureParams(), trusted);
+    fails("Verification certificate corresponds to key size 2048 but signature params specify a key size of "
+          "4096 \n",
+          signer->certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
+    fails("The verification certificate is invalid.", signer->certificate, SignatureParams(), other);
+    EXPECT_FALSE(manager->isPackageSigned());
+}
+
+} // namespace
