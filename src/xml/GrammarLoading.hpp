@@ -2,9 +2,9 @@
 
 #include "xml/EmbeddedSchemas.hpp"
 
-#include <initializer_list>
-
 #include <xercesc/util/XercesDefs.hpp>
+
+#include <initializer_list>
 
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMLSParser;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "xml/DocumentPoolReset.hpp"
+#include "xml/GrammarLoading.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/XercesGuard.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <string>
+#include <vector>
+
+namespace opc::test {
+
+inline std::vector<unsigned char> toBytes(const std::string& text) {
+    return std::vector<unsigned char>(text.begin(), text.end());
+}
+
+inline std::string repeat(std::size_t count, const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+/// A parser with grammars, for tests that read texts.
+class SchemaParser {
+public:
+    explicit SchemaParser(std::initializer_list<const model::EmbeddedSchema*> schemas = {}) {
+        model::loadGrammars(parser.get(), schemas);
+    }
+
+    xercesc::DOMLSParser* get() { return parser.get(); }
+
+    /// Gives the message with which `text` is refused, or an empty one.
+    std::string refusal(const std::string& text, bool validate = true) {
+        const std::vector<unsigned char> bytes = toBytes(text);
+        ByteArrayInAdaptor stream(bytes);
+        const model::DocumentPoolReset reset(parser.get());
+        try {
+            model::XercesHelper::readDocumentFromStream(parser.get(), stream, validate, u"", u"");
+        } catch (const model::InvalidXMLDocument& failure) {
+            return failure.what();
+        }
+        return {};
+    }
+
+private:
+    model::XercesGuard guard;
+    std::unique_ptr<xercesc::DOMLSParser, model::XercesDeleter> parser = model::XercesHelper::createParser();
+};
+
+} // namespace opc::test

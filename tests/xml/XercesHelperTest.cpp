@@ -1,0 +1,231 @@
+#include "support/Throws.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/XercesErrorHandler.hpp>
+#include <opc/model/XercesGuard.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <gtest/gtest.h>
+#include <xercesc/dom/DOM.hpp>
+
+#include <memory>
+#include <random>
+#include <thread>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::throws;
+using xercesc::DOMElement;
+
+TEST(XercesGuard, keepsXercesUsableUntilTheLastOneDies) {
+    auto first = std::make_unique<XercesGuard>();
+    auto second = std::make_unique<XercesGuard>(*first);
+    *second = *first;
+    first.reset();
+    EXPECT_EQ(XercesString(u"a").toString(), u"a");
+    second.reset();
+    const XercesGuard again;
+    EXPECT_EQ(XercesString(u"a").toString(), u"a");
+}
+
+TEST(XercesGuard, comesAndGoesInManyThreads) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int round = 0; round < 50; ++round) {
+                const XercesGuard guard;
+                const auto document = XercesHelper::createDocument();
+                XercesHelper::appendElement(document.get(), XercesString(u"a"));
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST(XercesString, holdsTheTextUpToItsFirstZero) {
+    const XercesGuard guard;
+    EXPECT_EQ(XercesString(std::u16string(u"a\0b", 3)).toString(), u"a");
+    EXPECT_EQ(XercesString(static_cast<const char16_t*>(nullptr)).toString(), u"");
+    XercesString name(u"Name");
+    const std::u16string converted = name;
+    EXPECT_EQ(converted, u"Name");
+    char16_t* const buffer = name;
+    EXPECT_EQ(buffer, name.toXMLCh());
+    EXPECT_TRUE(name == u"Name" && name == XercesString(u"Name") && name != u"name" &&
+                name != XercesString(u"Nam"));
+}
+
+class Error : public xercesc::DOMError {
+public:
+    Error(ErrorSeverity gravity, const XMLCh* message) : severity(gravity), text(message) {}
+    ErrorSeverity getSeverity() const override { return severity; }
+    const XMLCh* getMessage() const override { return text; }
+    xercesc::DOMLocator* getLocation() const override { return nullptr; }
+    void* getRelatedException() const override { return nullptr; }
+    const XMLCh* getType() const override { return nullptr; }
+    void* getRelatedData() const override { return nullptr; }
+
+private:
+    ErrorSeverity severity;
+    const XMLCh* text;
+};
+
+TEST(XercesErrorHandler, keepsTheLastErrorAndPassesOverWarnings) {
+    const XercesGuard guard;
+    XercesErrorHandler handler;
+    EXPECT_TRUE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_WARNING, u"warning")));
+    EXPECT_NO_THROW(handler.throwIfError());
+    EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_ERROR, u"first")));
+    EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_FATAL_ERROR, u"second")));
+    EXPECT_TRUE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_WARNING, u"warning")));
+    EXPECT_TRUE(throws<InvalidXMLDocument>("second", [&] { handler.throwIfError(); }));
+    EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_ERROR, nullptr)));
+    EXPECT_THROW(handler.throwIfError(), InvalidXMLDocument);
+}
+
+class XercesHelperTest : public testing::Test {
+protected:
+    DOMElement* makeRoot() { return XercesHelper::appendElement(document.get(), XercesString(u"root")); }
+
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMDocument, XercesDeleter> document = XercesHelper::createDocument();
+};
+
+TEST_F(XercesHelperTest, changesFailWithTheMessageOfXerces) {
+    DOMElement* const root = makeRoot();
+    const XercesString good(u"a"), bad(u"1a"), unbound(u"p:a"), empty(u"");
+    const char* const badCharacter = "invalid or illegal XML character";
+    const char* const badNamespace = "attempt is made to create or change an object in a way which is "
+                                     "incorrect with respect to namespaces";
+    EXPECT_TRUE(throws<InvalidXMLDocument>("attempt is made to insert a node where it is not permitted",
+                                           [&] { XercesHelper::appendElement(document.get(), good); }));
+    EXPECT_TRUE(throws<InvalidXMLDocument>("attempt is made to insert a node where it is not permitted", [&] {
+        XercesHelper::appendElementNS(document.get(), empty, good);
+    }));
+    EXPECT_TRUE(throws<InvalidXMLDocument>(badCharacter, [&] { XercesHelper::appendElement(root, bad); }));
+    EXPECT_TRUE(
+        throws<InvalidXMLDocument>(badCharacter, [&] { XercesHelper::setElementAttribute(root, bad, u""); }));
+    EXPECT_TRUE(throws<InvalidXMLDocument>(badNamespace,
+                                           [&] { XercesHelper::appendElementNS(root, empty, unbound); }));
+    EXPECT_TRUE(throws<InvalidXMLDocument>(
+        badNamespace, [&] { XercesHelper::setElementAttributeNS(root, empty, unbound, u""); }));
+    EXPECT_EQ(root->getFirstChild(), nullptr);
+}
+
+/// Builds a tree in which names, namespaces and prefixes meet in all ways, text and comments between them.
+void grow(DOMElement* parent, int depth, std::mt19937& random) {
+    static const char16_t* const namespaces[] = {u"", u"urn:one", u"urn:two"};
+    static const char16_t* const names[] = {u"a", u"b", u"p:a"};
+    for (auto i = random() % 5; i > 0; --i) {
+        const auto kind = random() % 6;
+        const XercesString name(names[random() % 3]);
+        if (kind == 0)
+            parent->appendChild(parent->getOwnerDocument()->createTextNode(u"a"));
+        else if (kind == 1)
+            parent->appendChild(parent->getOwnerDocument()->createComment(u"a"));
+        else if (depth > 0)
+            grow(kind == 2
+                     ? XercesHelper::appendElement(parent, name)
+                     : XercesHelper::appendElementNS(
+                           parent, XercesString(namespaces[name == u"p:a" ? 1 + random() % 2 : random() % 3]),
+                           name),
+                 depth - 1, random);
+    }
+}
+
+template <typename List>
+void expectSame(const List* expected, const std::vector<DOMElement*>& all, const DOMElement* first) {
+    ASSERT_EQ(all.size(), expected->getLength());
+    for (XMLSize_t i = 0; i < all.size(); ++i)
+        EXPECT_EQ(all[i], expected->item(i));
+    EXPECT_EQ(first, all.empty() ? nullptr : all.front());
+}
+
+TEST_F(XercesHelperTest, findsWhatTheNodeListsOfTheDOMFind) {
+    std::mt19937 random(20); // NOLINT: the same trees each time
+    DOMElement* const root = makeRoot();
+    for (int tree = 0; tree < 40; ++tree) {
+        DOMElement* const top = XercesHelper::appendElement(root, XercesString(u"a"));
+        grow(top, 5, random);
+        for (const char16_t* text : {u"a", u"b", u"p:a", u"*", u"", u"missing"}) {
+            const XercesString name(text);
+            expectSame(top->getElementsByTagName(text), XercesHelper::getElements(top, name),
+                       XercesHelper::getElement(top, name));
+            for (const char16_t* uri : {u"", u"urn:one", u"*", u"urn:missing"}) {
+                const XercesString space(uri);
+                expectSame(top->getElementsByTagNameNS(uri, text),
+                           XercesHelper::getElementsNS(top, space, name),
+                           XercesHelper::getElementNS(top, space, name));
+            }
+        }
+    }
+}
+
+TEST_F(XercesHelperTest, readsAttributesOrLeavesTheValue) {
+    DOMElement* const root = makeRoot();
+    const XercesString plain(u"a"), space(u"urn:one"), qualified(u"p:b"), local(u"b"), empty(u"");
+    XercesHelper::setElementAttribute(root, plain, u"");
+    XercesHelper::setElementAttributeNS(root, space, qualified, u"value");
+    std::u16string value = u"before";
+    EXPECT_FALSE(XercesHelper::getElementAttribute(root, local, value));
+    EXPECT_FALSE(XercesHelper::getElementAttributeNS(root, empty, local, value));
+    EXPECT_FALSE(XercesHelper::getElementAttributeNS(root, space, plain, value));
+    EXPECT_EQ(value, u"before");
+    EXPECT_TRUE(XercesHelper::getElementAttribute(root, plain, value));
+    EXPECT_EQ(value, u"");
+    EXPECT_TRUE(XercesHelper::getElementAttributeNS(root, space, local, value));
+    EXPECT_EQ(value, u"value");
+    EXPECT_TRUE(XercesHelper::getElementAttribute(root, qualified, value));
+}
+
+TEST_F(XercesHelperTest, trimsTheEndOfATextAlone) {
+    DOMElement* const root = makeRoot();
+    const struct {
+        std::u16string text;
+        std::u16string trimmed;
+    } cases[] = {{u"", u""},
+                 {u" \t\n\v\f\r", u""},
+                 {u" a b \r\n", u" a b"},
+                 {u"a\u00A0", u"a\u00A0"},
+                 {u"a\u0085", u"a\u0085"},
+                 {u"a\u2003", u"a\u2003"},
+                 {u"a\u0120 ", u"a\u0120"},
+                 {u"a\u0008", u"a\u0008"}};
+    for (const auto& test : cases) {
+        XercesHelper::setElementText(root, test.text);
+        std::u16string text = u"before";
+        EXPECT_TRUE(XercesHelper::getElementText(root, text));
+        EXPECT_EQ(text, test.text);
+        EXPECT_TRUE(XercesHelper::getTrimmedElementText(root, text));
+        EXPECT_EQ(text, test.trimmed);
+    }
+}
+
+TEST_F(XercesHelperTest, takesTheFirstChildAloneAsText) {
+    DOMElement* const root = makeRoot();
+    std::u16string text = u"before";
+    EXPECT_FALSE(XercesHelper::getElementText(nullptr, text));
+    EXPECT_EQ(text, u"");
+    text = u"before";
+    EXPECT_FALSE(XercesHelper::getTrimmedElementText(nullptr, text));
+    EXPECT_EQ(text, u"");
+    text = u"before";
+    EXPECT_TRUE(XercesHelper::getElementText(root, text));
+    EXPECT_EQ(text, u"");
+
+    root->appendChild(document->createCDATASection(u"first"));
+    root->appendChild(document->createTextNode(u"second"));
+    EXPECT_TRUE(XercesHelper::getElementText(root, text));
+    EXPECT_EQ(text, u"first");
+    root->insertBefore(document->createElement(u"a"), root->getFirstChild());
+    EXPECT_TRUE(XercesHelper::getElementText(root, text));
+    EXPECT_EQ(text, u"");
+    XercesHelper::setElementText(root, u"only");
+    EXPECT_EQ(root->getFirstChild(), root->getLastChild());
+    EXPECT_TRUE(XercesHelper::getElementText(root, text));
+    EXPECT_EQ(text, u"only");
+}
+
+} // namespace
