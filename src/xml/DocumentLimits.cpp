@@ -2,49 +2,107 @@
 
 #include <opc/model/Errors.hpp>
 
-#include <xercesc/dom/DOMElement.hpp>
-#include <xercesc/dom/DOMNamedNodeMap.hpp>
+#include <xercesc/dom/DOMLSParser.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/parsers/AbstractDOMParser.hpp>
 
 namespace opc::model {
 
 namespace {
 
 constexpr std::size_t MAXIMUM_DEPTH = 1000;
-constexpr std::size_t MAXIMUM_COMMENTS = 10000;
-constexpr std::size_t MAXIMUM_ATTRIBUTES = 1000;
+constexpr XMLSize_t MAXIMUM_COMMENTS = 10000;
+constexpr XMLSize_t MAXIMUM_ATTRIBUTES = 1000;
+/// Each of them may declare a prefix, and Xerces looks for a prefix among all that are declared.
+constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
+
+/// Reaches the scanner of a parser, which Xerces keeps for derived classes.
+class ScannerOf : public xercesc::AbstractDOMParser {
+public:
+    static xercesc::XMLScanner& get(xercesc::DOMLSParser& parser) {
+        return *(dynamic_cast<AbstractDOMParser&>(parser).*&ScannerOf::getScanner)();
+    }
+};
+
+void refuseIf(bool exceeded, const char* message) {
+    if (exceeded)
+        throw InvalidXMLDocument(message);
+}
 
 } // namespace
 
-DocumentLimits::FilterAction DocumentLimits::startElement(xercesc::DOMElement* element) {
-    if (++depth > MAXIMUM_DEPTH)
-        return acceptUnless(true, "XML content can not be nested deeper than 1000 elements");
-    return acceptUnless(element->getAttributes()->getLength() > MAXIMUM_ATTRIBUTES,
-                        "XML content can not have more than 1000 attributes on an element");
+DocumentLimits::DocumentLimits(xercesc::DOMLSParser* parser)
+    : scanner(ScannerOf::get(*parser)), next(*scanner.getDocHandler()) {
+    scanner.setDocHandler(this);
 }
 
-DocumentLimits::FilterAction DocumentLimits::acceptNode(xercesc::DOMNode* node) {
-    if (node->getNodeType() == xercesc::DOMNode::ELEMENT_NODE) {
-        --depth;
-        return FILTER_ACCEPT;
+DocumentLimits::~DocumentLimits() {
+    scanner.setDocHandler(&next);
+}
+
+void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
+                                  const XMLCh* prefix,
+                                  const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                  XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements");
+    refuseIf(attributeCount > MAXIMUM_ATTRIBUTES,
+             "XML content can not have more than 1000 attributes on an element");
+    refuseIf(openAttributes + attributeCount > MAXIMUM_OPEN_ATTRIBUTES,
+             "XML content can not have more than 4000 attributes on nested elements");
+    if (!isEmpty) { // the end of an empty element isn't told
+        openElements.push_back(attributeCount);
+        openAttributes += attributeCount;
     }
-    return acceptUnless(++comments > MAXIMUM_COMMENTS,
-                        "XML content can not contain more than 10000 comments");
+    next.startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty, isRoot);
 }
 
-xercesc::DOMNodeFilter::ShowType DocumentLimits::getWhatToShow() const {
-    return xercesc::DOMNodeFilter::SHOW_ELEMENT | xercesc::DOMNodeFilter::SHOW_COMMENT;
+void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
+                                const XMLCh* prefix) {
+    openAttributes -= openElements.back();
+    openElements.pop_back();
+    next.endElement(declaration, uriId, isRoot, prefix);
 }
 
-void DocumentLimits::throwIfExceeded() const {
-    if (failure)
-        throw InvalidXMLDocument(failure);
+void DocumentLimits::docComment(const XMLCh* comment) {
+    refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments");
+    next.docComment(comment);
 }
 
-DocumentLimits::FilterAction DocumentLimits::acceptUnless(bool exceeded, const char* message) {
-    if (!exceeded)
-        return FILTER_ACCEPT;
-    failure = message;
-    return FILTER_INTERRUPT;
+void DocumentLimits::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+    next.docCharacters(text, length, isCData);
+}
+
+void DocumentLimits::docPI(const XMLCh* target, const XMLCh* data) {
+    next.docPI(target, data);
+}
+
+void DocumentLimits::startDocument() {
+    next.startDocument();
+}
+
+void DocumentLimits::endDocument() {
+    next.endDocument();
+}
+
+void DocumentLimits::resetDocument() {
+    next.resetDocument();
+}
+
+void DocumentLimits::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    next.startEntityReference(declaration);
+}
+
+void DocumentLimits::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    next.endEntityReference(declaration);
+}
+
+void DocumentLimits::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
+    next.ignorableWhitespace(text, length, isCData);
+}
+
+void DocumentLimits::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                             const XMLCh* actualEncoding) {
+    next.XMLDecl(version, encoding, standalone, actualEncoding);
 }
 
 } // namespace opc::model

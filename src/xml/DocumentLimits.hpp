@@ -1,33 +1,54 @@
 #pragma once
 
-#include <xercesc/dom/DOMLSParserFilter.hpp>
-#include <xercesc/dom/DOMNodeFilter.hpp>
+#include <xercesc/framework/XMLDocumentHandler.hpp>
 
-#include <cstddef>
+#include <vector>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMLSParser;
+class XMLScanner;
+XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// Stops a parse when the document is built to exhaust its reader.
+/// Stops a parse with `InvalidXMLDocument` when the document is built to exhaust its reader: nested too deep,
+/// or with too many comments or attributes. Made anew for each read.
 ///
-/// Xerces takes quadratic time for deep nesting, and to write many comments or many attributes, and recurses
-/// to write. The limits lie far beyond any document of a package. Made anew for each read.
-class DocumentLimits final : public xercesc::DOMLSParserFilter {
+/// Xerces takes quadratic time for all of these, in parsing or in writing, and recurses to write. The limits
+/// lie far beyond any document of a package. The object stands between the scanner and the parser for as long
+/// as it lives: a `DOMLSParserFilter` would see an element only when the time for its attributes has been
+/// spent.
+class DocumentLimits final : public xercesc::XMLDocumentHandler {
 public:
-    FilterAction startElement(xercesc::DOMElement* element) override;
+    explicit DocumentLimits(xercesc::DOMLSParser* parser);
+    DocumentLimits(const DocumentLimits&) = delete;
+    DocumentLimits& operator=(const DocumentLimits&) = delete;
+    ~DocumentLimits() override;
 
-    /// Is shown comments, and elements at their end.
-    FilterAction acceptNode(xercesc::DOMNode* node) override;
-    xercesc::DOMNodeFilter::ShowType getWhatToShow() const override;
+    void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
+                      const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,
+                      bool isEmpty, bool isRoot) override;
+    void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
+                    const XMLCh* prefix) override;
+    void docComment(const XMLCh* comment) override;
 
-    /// @throws InvalidXMLDocument  if a limit stopped the parse
-    void throwIfExceeded() const;
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void docPI(const XMLCh* target, const XMLCh* data) override;
+    void startDocument() override;
+    void endDocument() override;
+    void resetDocument() override;
+    void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+    void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                 const XMLCh* actualEncoding) override;
 
 private:
-    FilterAction acceptUnless(bool exceeded, const char* message);
-
-    std::size_t depth = 0;
-    std::size_t comments = 0;
-    const char* failure = nullptr;
+    xercesc::XMLScanner& scanner;
+    xercesc::XMLDocumentHandler& next;
+    std::vector<XMLSize_t> openElements; ///< how many attributes each has
+    XMLSize_t openAttributes = 0;        ///< of all open elements together
+    XMLSize_t comments = 0;
 };
 
 } // namespace opc::model

@@ -17,7 +17,7 @@
 #include <xercesc/util/XMLUni.hpp>
 
 #include <algorithm>
-#include <cstring>
+#include <exception>
 
 namespace opc::model {
 
@@ -31,38 +31,54 @@ using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
 
 /// Lets Xerces read from a stream.
+///
+/// Xerces leaks when a stranger's exception runs through it: a stream that fails looks ended to Xerces, and
+/// the exception is kept for the one who started the parse.
 class InputStreamBinInputStream final : public xercesc::BinInputStream {
 public:
-    explicit InputStreamBinInputStream(InputStream& source) : stream(source) {}
+    InputStreamBinInputStream(InputStream& source, std::exception_ptr& failureOfSource)
+        : stream(source), failure(failureOfSource) {}
 
     XMLFilePos curPos() const override { return position; }
 
     XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override {
-        if (stream.isDone())
+        if (failure)
             return 0;
-        // Xerces trusts the count: more than there is room for would make it read behind its buffer.
-        const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
-        position += count;
-        return static_cast<XMLSize_t>(count);
+        try {
+            if (stream.isDone())
+                return 0;
+            // Xerces trusts the count: more than there is room for would make it read behind its buffer.
+            const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
+            position += count;
+            return static_cast<XMLSize_t>(count);
+        } catch (...) {
+            failure = std::current_exception();
+            return 0;
+        }
     }
 
     const XMLCh* getContentType() const override { return nullptr; }
 
 private:
     InputStream& stream;
+    std::exception_ptr& failure;
     XMLFilePos position = 0;
 };
 
 /// Gives Xerces a stream to parse.
 class InputStreamXercesSource final : public xercesc::InputSource {
 public:
-    explicit InputStreamXercesSource(InputStream& source)
-        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source) {}
+    InputStreamXercesSource(InputStream& source, std::exception_ptr& failureOfSource)
+        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source),
+          failure(failureOfSource) {}
 
-    xercesc::BinInputStream* makeStream() const override { return new InputStreamBinInputStream(stream); }
+    xercesc::BinInputStream* makeStream() const override {
+        return new InputStreamBinInputStream(stream, failure);
+    }
 
 private:
     InputStream& stream;
+    std::exception_ptr& failure;
 };
 
 /// Takes what Xerces writes, which comes in many small pieces, and hands it on when the writing has
@@ -119,26 +135,14 @@ private:
     const char16_t* parameter = nullptr;
 };
 
-/// Attaches the limits to a parser for the life of this object.
-class LimitsAttachment {
-public:
-    LimitsAttachment(DOMLSParser* target, DocumentLimits& limits) : parser(target) {
-        parser->setFilter(&limits);
-    }
-    LimitsAttachment(const LimitsAttachment&) = delete;
-    LimitsAttachment& operator=(const LimitsAttachment&) = delete;
-    ~LimitsAttachment() { parser->setFilter(nullptr); }
-
-private:
-    DOMLSParser* parser;
-};
-
 xercesc::DOMImplementation* implementation() {
     return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
 }
 
+/// Asks first: that takes half the time of setting again what is set already.
 void setIfPossible(DOMConfiguration* configuration, const char16_t* name, bool value) {
-    if (configuration->canSetParameter(name, value))
+    if ((configuration->getParameter(name) != nullptr) != value &&
+        configuration->canSetParameter(name, value))
         configuration->setParameter(name, value);
 }
 
@@ -178,6 +182,7 @@ std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createWriter() {
 }
 
 std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createPrettyPrintingWriter() {
+    const XercesGuard guard;
     auto writer = createWriter();
     writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
     writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTXercesPrettyPrint, false);
@@ -194,8 +199,8 @@ DOMDocument* XercesHelper::readDocumentFromStream(DOMLSParser* parser, InputStre
 DOMDocument* XercesHelper::readDocumentFromString(DOMLSParser* parser, const std::u16string& text,
                                                   bool validate, const std::u16string& schemaLocation,
                                                   const std::u16string& schemaNamespace) {
-    std::vector<unsigned char> bytes(text.size() * sizeof(char16_t));
-    std::memcpy(bytes.data(), text.data(), bytes.size());
+    const auto* const begin = reinterpret_cast<const unsigned char*>(text.data());
+    const std::vector<unsigned char> bytes(begin, begin + text.size() * sizeof(char16_t));
     ByteArrayInAdaptor stream(bytes);
     return readDocumentHelper(parser, stream, validate, schemaLocation, schemaNamespace,
                               XercesEncoding::UTF16);
@@ -207,24 +212,26 @@ DOMDocument* XercesHelper::readDocumentHelper(DOMLSParser* parser, InputStream& 
                                               const XercesEncoding& encoding) {
     const XercesGuard guard;
     XercesErrorHandler handler;
-    DocumentLimits limits;
+    std::exception_ptr streamFailure;
     DOMDocument* document = nullptr;
     try {
         document = translateXercesFailures([&] {
-            xercesc::Wrapper4InputSource source(new InputStreamXercesSource(stream));
+            xercesc::Wrapper4InputSource source(new InputStreamXercesSource(stream, streamFailure));
             if (encoding == XercesEncoding::UTF16)
                 source.setEncoding(XMLUni::fgUTF16EncodingString);
             DOMConfiguration* const configuration = parser->getDomConfig();
             configureParser(configuration, validate, !schemaLocation.empty());
-            const ErrorHandlerAttachment handlerAttachment(configuration, handler);
-            const LimitsAttachment limitsAttachment(parser, limits);
+            const ErrorHandlerAttachment attachment(configuration, handler);
             const SchemaLocation location(configuration, schemaLocation, schemaNamespace);
+            const DocumentLimits limits(parser);
             return parser->parse(&source);
         });
     } catch (const InvalidXMLDocument&) {
-        limits.throwIfExceeded(); // Xerces says no more than that parsing was aborted
-        throw;
+        if (!streamFailure)
+            throw;
     }
+    if (streamFailure)
+        std::rethrow_exception(streamFailure);
     handler.throwIfError();
     throwIfUnsupportedEncoding(document);
     throwIfDTDIsPresent(document);
@@ -242,7 +249,8 @@ void XercesHelper::writeDocumentToString(DOMLSSerializer* serializer, const DOMD
     ByteArrayOutAdaptor stream(bytes);
     writeDocumentHelper(serializer, document, stream, XercesEncoding::UTF16, declaration);
     result.resize(bytes.size() / sizeof(char16_t));
-    std::memcpy(result.data(), bytes.data(), result.size() * sizeof(char16_t));
+    std::copy_n(bytes.begin(), result.size() * sizeof(char16_t),
+                reinterpret_cast<unsigned char*>(result.data()));
 }
 
 void XercesHelper::writeDocumentHelper(DOMLSSerializer* serializer, const DOMDocument* document,

@@ -111,9 +111,9 @@ public:
     /// @name Reading documents
     ///
     /// A DTD in any form, another encoding than UTF-8 and UTF-16, and documents built to exhaust the reader
-    /// (nested deeper than 1000 elements, more than 10000 comments, more than 1000 attributes on an element)
-    /// are refused. Nothing outside the stream is opened, whatever the document asks for, unless the caller
-    /// passes a schema location.
+    /// are refused: elements nested deeper than 1000, more than 10000 comments, more than 1000 attributes on
+    /// an element or 4000 on elements nested in each other. Nothing outside the stream is opened, whatever
+    /// the document asks for, unless the caller passes a schema location.
     ///
     /// The document stays the parser's and lives until its `resetDocumentPool()` or release: the caller
     /// doesn't release it. A parser reads any number of documents, one after the other, also after a failure.

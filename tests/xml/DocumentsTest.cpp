@@ -1,0 +1,379 @@
+#include "SchemaParser.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/core/Text.hpp>
+
+#include <gtest/gtest.h>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <new>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::repeat;
+using opc::test::SchemaParser;
+using opc::test::throws;
+using opc::test::toBytes;
+
+const char* const BAD_ENCODING =
+    "XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML declaration)";
+const char* const DEEP = "XML content can not be nested deeper than 1000 elements";
+const char* const MANY_COMMENTS = "XML content can not contain more than 10000 comments";
+const char* const MANY_ATTRIBUTES = "XML content can not have more than 1000 attributes on an element";
+const char* const MANY_OPEN = "XML content can not have more than 4000 attributes on nested elements";
+
+/// UTF-16, low byte first.
+std::string toUTF16(const std::u16string& text) {
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+}
+
+std::string swapped(std::string bytes) {
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+        std::swap(bytes[i], bytes[i + 1]);
+    return bytes;
+}
+
+class Reading : public testing::Test {
+protected:
+    xercesc::DOMDocument* readString(const std::u16string& text) {
+        return XercesHelper::readDocumentFromString(parser.get(), text, false, u"", u"");
+    }
+
+    SchemaParser parser;
+};
+
+TEST_F(Reading, refusesADTDInAnyForm) {
+    for (const char* declaration :
+         {"<!DOCTYPE a>", "<!DOCTYPE a []>", "<!DOCTYPE a SYSTEM 'a.dtd'>", "<!DOCTYPE a PUBLIC 'p' 'a.dtd'>",
+          "<!DOCTYPE a [<!ENTITY e 'x'>]>", "<!-- c --><!DOCTYPE a>",
+          "<!DOCTYPE a [<!ENTITY a 'x'><!ENTITY b '&a;&a;'>]>"}) {
+        for (const bool validate : {false, true})
+            EXPECT_EQ(parser.refusal(std::string(declaration) + "<a/>", validate),
+                      "invalid document structure")
+                << declaration;
+    }
+}
+
+TEST_F(Reading, takesUTF8AndUTF16Alone) {
+    const std::u16string plain = u"<a>\u00E9\U0001F600</a>";
+    const std::u16string declared = u"<?xml version='1.0' encoding='UTF-16'?><a>\u00E9\U0001F600</a>";
+    const std::u16string mark = u"\uFEFF";
+    const struct {
+        std::string bytes;
+        const char* refusal;
+    } cases[] = {
+        {"<a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
+        {"\xEF\xBB\xBF<a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
+        {"<?xml version='1.0'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
+        {"<?xml version='1.0' encoding='UTF-8'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
+        {"<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
+        {toUTF16(mark + declared), ""},
+        {swapped(toUTF16(mark + declared)), ""},
+        {toUTF16(mark + plain), ""},
+        {"<?xml version='1.0' encoding='Utf-8'?><a/>", BAD_ENCODING},
+        {"<?xml version='1.0' encoding='UTF8'?><a/>", BAD_ENCODING},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", BAD_ENCODING},
+        {"<?xml version='1.0' encoding='US-ASCII'?><a/>", BAD_ENCODING},
+        {toUTF16(mark + u"<?xml version='1.0' encoding='UTF-16LE'?><a/>"), BAD_ENCODING},
+        {"<a>\xE9</a>", "invalid byte '<' at position 2 of a 3-byte sequence"},
+        {"<a>\xC0\x80</a>", "invalid byte"},
+        {"<a>\xED\xA0\x80</a>", "irregular bytes"},
+        {"", "invalid document structure"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.bytes);
+        const std::string refusal = parser.refusal(test.bytes, false);
+        EXPECT_EQ(refusal.substr(0, std::strlen(test.refusal)), test.refusal);
+        if (*test.refusal)
+            continue;
+        const std::vector<unsigned char> bytes = toBytes(test.bytes);
+        opc::ByteArrayInAdaptor stream(bytes);
+        const auto* document = XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u"");
+        EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
+    }
+}
+
+TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
+    for (const char16_t* declaration :
+         {u"", u"\uFEFF", u"<?xml version='1.0'?>", u"<?xml version='1.0' encoding='UTF-8'?>",
+          u"<?xml version='1.0' encoding='UTF-16'?>", u"\uFEFF<?xml version='1.0' encoding='utf-16'?>"}) {
+        const auto* document = readString(std::u16string(declaration) + u"<a>\u00E9\U0001F600</a>");
+        EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
+    }
+    EXPECT_TRUE(throws<InvalidXMLDocument>(
+        BAD_ENCODING, [&] { readString(u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>"); }));
+    for (const std::u16string& bad :
+         {std::u16string(), std::u16string(u"<a>\xD800</a>"), std::u16string(u"<a>\xDC00</a>"),
+          std::u16string(u"<a>\0</a>", 8), std::u16string(u"<a>\uFFFE</a>"), std::u16string(u"<a>&#1;</a>")})
+        EXPECT_THROW(readString(bad), InvalidXMLDocument);
+}
+
+std::string nested(std::size_t depth, const std::string& open = "<a>") {
+    return repeat(depth, open) + repeat(depth, "</a>");
+}
+
+std::string withAttributes(std::size_t count, const std::string& prefix) {
+    std::string element = "<a";
+    for (std::size_t i = 0; i < count; ++i)
+        element += " " + prefix + std::to_string(i) + "='u'";
+    return element;
+}
+
+TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
+    const std::string hundred = withAttributes(100, "b") + ">";
+    const struct {
+        std::string document;
+        const char* refusal;
+    } cases[] = {
+        {nested(1000), ""},
+        {nested(1001), DEEP},
+        {repeat(999, "<a>") + "<b/><b/>" + repeat(999, "</a>"), ""},
+        {repeat(1000, "<a>") + "<b/>" + repeat(1000, "</a>"), DEEP},
+        {repeat(2000000, "<a>"), DEEP},
+        {"<a>" + repeat(5000, "<b c=''/><d e=''><f/></d>") + "</a>", ""},
+        {"<!--c-->" + nested(1, "<a>" + repeat(9999, "<!--c-->")), ""},
+        {"<!--c-->" + nested(1, "<a>" + repeat(9999, "<!--c-->")) + "<!--c-->", MANY_COMMENTS},
+        {"<a>" + repeat(1000000, "<!---->"), MANY_COMMENTS},
+        {withAttributes(1000, "b") + "/>", ""},
+        {withAttributes(1001, "b") + "/>", MANY_ATTRIBUTES},
+        {withAttributes(200000, "b") + "/>", MANY_ATTRIBUTES},
+        {withAttributes(200000, "xmlns:b") + "/>", MANY_ATTRIBUTES},
+        {"<a>" + repeat(100, hundred + "</a>") + "</a>", ""},
+        {nested(40, hundred), ""},
+        {nested(41, hundred), MANY_OPEN},
+        {nested(1000, "<a b='' c='' d='' e=''>"), ""},
+    };
+    const auto start = std::chrono::steady_clock::now();
+    for (const bool namespaces : {true, false}) { // Xerces tells of empty elements in two ways
+        parser.get()->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMNamespaces, namespaces);
+        for (const auto& test : cases)
+            EXPECT_EQ(parser.refusal(test.document, false), test.refusal) << test.document.substr(0, 40);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+/// Gives bytes as a bad stream may: few at once, claiming more than it was asked for, or failing.
+class FaultyInput : public opc::InputStream {
+public:
+    explicit FaultyInput(const std::string& text) : bytes(text) {}
+
+    std::size_t piece = 1;       ///< most bytes given at once
+    bool boasts = false;         ///< claims to have read more than the room there was
+    std::size_t failingRead = 0; ///< the read that fails, from 1
+    std::function<void()> fail;
+
+    void open() override {}
+    void close() override {}
+    bool isDone() const override { return position == bytes.size(); }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        ++reads;
+        EXPECT_TRUE(failingRead == 0 || reads <= failingRead) << "read again after a failure";
+        if (reads == failingRead)
+            fail();
+        const std::size_t taken = std::min({piece, static_cast<std::size_t>(count), bytes.size() - position});
+        std::memcpy(buffer, bytes.data() + position, taken);
+        position += taken;
+        return boasts && taken == count ? count + 1000 : taken;
+    }
+
+private:
+    std::string bytes;
+    std::size_t position = 0;
+    std::size_t reads = 0;
+};
+
+TEST_F(Reading, worksOnStreamsThatGiveByteByByteOrBoast) {
+    const std::string text = "<a>" + repeat(100000, "text ") + "</a>";
+    FaultyInput slow(text);
+    EXPECT_EQ(
+        XercesHelper::getElements(
+            XercesHelper::readDocumentFromStream(parser.get(), slow, false, u"", u"")->getDocumentElement(),
+            XercesString(u"*"))
+            .size(),
+        0U);
+    EXPECT_TRUE(slow.isDone());
+    FaultyInput boastful(text);
+    boastful.piece = text.size();
+    boastful.boasts = true;
+    const auto* document = XercesHelper::readDocumentFromStream(parser.get(), boastful, false, u"", u"");
+    EXPECT_EQ(std::u16string(document->getDocumentElement()->getTextContent()).size(), 500000U);
+}
+
+/// A failure that belongs to no family.
+struct Foreign {};
+
+TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
+    const std::string text = "<?xml version='1.0'?><a>" + repeat(50000, "<b c='d'>text</b>") + "</a>";
+    for (const std::size_t failingRead : {1U, 2U, 5U}) {
+        const auto readFailingWith = [&](std::function<void()> fail) {
+            FaultyInput stream(text);
+            stream.piece = 48000;
+            stream.failingRead = failingRead;
+            stream.fail = std::move(fail);
+            XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u"");
+        };
+        EXPECT_TRUE(throws<opc::Exception>(
+            "physical", [&] { readFailingWith([] { throw opc::Exception("physical"); }); }));
+        EXPECT_EQ(parser.refusal("<a/>", false), "");
+        EXPECT_THROW(readFailingWith([] { throw std::bad_alloc(); }), std::bad_alloc);
+        EXPECT_EQ(parser.refusal("<a/>", false), "");
+        EXPECT_THROW(readFailingWith([] { throw Foreign(); }), Foreign);
+        EXPECT_EQ(parser.refusal("<a/>", false), "");
+        EXPECT_EQ(parser.refusal(nested(1001), false), DEEP);
+    }
+}
+
+TEST(ReadingWithGrammar, worksAfterEachKindOfFailure) {
+    SchemaParser parser({&schemas::RELATIONSHIPS});
+    const std::string head =
+        "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
+    const std::string good = head + "<Relationship Id='a' Type='t' Target='a'/></Relationships>";
+    for (const std::string& bad :
+         {std::string("<"), std::string("<a></b>"), std::string("<!DOCTYPE a><a/>"), std::string("<a/>"),
+          std::string("<?xml version='1.0' encoding='nonsense'?><a/>"),
+          std::string("<?xml version='2'?><a/>"),
+          std::string("<?xml version='1.0' encoding='ISO-8859-1'?>") + good, std::string("<a>\xFF</a>"),
+          std::string("<a b='' b=''/>"), std::string("<p:a/>"), std::string("<a>&e;</a>"),
+          head + "<Relationship Id='a' Id='b'/>", head + "<Relationship Id='a' Type='t' Target='a'/>",
+          head + repeat(2, "<Relationship Id='a' Type='t' Target='a'/>") + "</Relationships>",
+          head + nested(2000), head + repeat(10001, "<!---->")}) {
+        EXPECT_NE(parser.refusal(bad), "") << bad;
+        EXPECT_EQ(parser.refusal(good), "") << bad;
+    }
+}
+
+TEST(ReadingWithGrammar, validatesOnceToldTo) {
+    SchemaParser parser({&schemas::RELATIONSHIPS});
+    EXPECT_EQ(parser.refusal("<a/>", false), "");
+    EXPECT_NE(parser.refusal("<a/>", true), "");
+    EXPECT_NE(parser.refusal("<a/>", false), "");
+}
+
+TEST(ReadingWithGrammar, keepsAllThatADocumentHoldsAndNormalisesValues) {
+    SchemaParser parser({&schemas::RELATIONSHIPS});
+    const auto writer = XercesHelper::createWriter();
+    const std::string head = "<?xml version=\"1.1\" encoding=\"UTF-16\" standalone=\"yes\" ?><?p before?>"
+                             "<!--comment--><Relationships "
+                             "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">\n  ";
+    const std::string tail = "a<!--c--><![CDATA[<b>]]> <?p q?></Relationship>\n</Relationships><!--after-->";
+    const std::string given = head + "<Relationship Id=\" a \" Target=\"\tx  y\n\" Type=\"t\">" + tail;
+    const std::string expected = head + "<Relationship Id=\"a\" Target=\"x y\" Type=\"t\">" + tail;
+    const auto* document = XercesHelper::readDocumentFromString(
+        parser.get(), std::u16string(given.begin(), given.end()), true, u"", u"");
+    std::u16string written;
+    XercesHelper::writeDocumentToString(writer.get(), document, written, XmlDeclaration::Include);
+    EXPECT_EQ(written, std::u16string(expected.begin(), expected.end()));
+}
+
+class Writing : public testing::Test {
+protected:
+    std::string write(const xercesc::DOMDocument* source) {
+        std::vector<unsigned char> bytes;
+        opc::ByteArrayOutAdaptor stream(bytes);
+        XercesHelper::writeDocumentToStream(writer.get(), source, stream);
+        return std::string(bytes.begin(), bytes.end());
+    }
+
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMDocument, XercesDeleter> document = XercesHelper::createDocument();
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer = XercesHelper::createWriter();
+    xercesc::DOMElement* root = XercesHelper::appendElement(document.get(), XercesString(u"a"));
+};
+
+TEST_F(Writing, givesBytesInUTF8AndTextInUTF16) {
+    XercesHelper::setElementText(root, u"\u00E9\U0001F600<&>");
+    EXPECT_EQ(write(document.get()), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
+                                     "<a>\xC3\xA9\xF0\x9F\x98\x80&lt;&amp;&gt;</a>");
+    std::u16string text = u"before";
+    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include);
+    const std::u16string element = u"<a>\u00E9\U0001F600&lt;&amp;&gt;</a>";
+    EXPECT_EQ(text, u"<?xml version=\"1.0\" encoding=\"UTF-16\" standalone=\"no\" ?>" + element);
+    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Omit);
+    EXPECT_EQ(text, element);
+    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include);
+    EXPECT_EQ(text, element) << "a serialiser that was told Omit goes on omitting";
+}
+
+TEST_F(Writing, prettyPrintsWithAWriterForIt) {
+    writer = XercesHelper::createPrettyPrintingWriter();
+    document->setXmlStandalone(true);
+    XercesHelper::appendElement(root, XercesString(u"b"));
+    EXPECT_EQ(write(document.get()),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<a>\n  <b/>\n</a>\n");
+}
+
+TEST_F(Writing, refusesADoctype) {
+    document->insertBefore(document->createDocumentType(u"a"), root);
+    EXPECT_TRUE(
+        throws<InvalidXMLDocument>("XML content can not contain a DTD", [&] { write(document.get()); }));
+}
+
+/// Counts what happens to it, and fails or says that it is done where it is told to.
+class FaultyOutput : public opc::OutputStream {
+public:
+    std::string bytes;
+    std::size_t limit = std::string::npos; ///< with that many bytes it is done
+    bool fails = false;
+    int flushes = 0;
+
+    std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
+        if (fails)
+            throw opc::Exception("disk full");
+        EXPECT_FALSE(isDone());
+        bytes.append(reinterpret_cast<const char*>(buffer), count);
+        return count;
+    }
+    bool isDone() const override { return bytes.size() >= limit; }
+    void flush() override { ++flushes; }
+    void close() override { ADD_FAILURE() << "closed"; }
+};
+
+TEST_F(Writing, sendsNothingOfADocumentThatXMLCannotHold) {
+    for (const char16_t* bad : {u"\u0001", u"\uFFFE", u"\xD800", u"a\xDC00"}) {
+        XercesHelper::setElementText(root, bad);
+        FaultyOutput stream;
+        EXPECT_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream),
+                     InvalidXMLDocument);
+        EXPECT_EQ(stream.bytes, "");
+        std::u16string text = u"before";
+        EXPECT_THROW(
+            XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include),
+            InvalidXMLDocument);
+        EXPECT_EQ(text, u"before");
+    }
+}
+
+TEST_F(Writing, handsOnAllBytesInOrderUntilTheStreamIsDone) {
+    std::u16string text;
+    for (char16_t i = 0; i < 65000; ++i)
+        text += std::u16string(1, static_cast<char16_t>(u'a' + i % 26)) + (i % 7 ? u"" : u"\u00E9");
+    XercesHelper::setElementText(root, text);
+    const std::string all = write(document.get());
+    EXPECT_NE(all.find("<a>" + opc::toUDEString(text) + "</a>"), std::string::npos);
+    FaultyOutput stream;
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    EXPECT_EQ(stream.bytes, all);
+    EXPECT_EQ(stream.flushes, 1);
+
+    FaultyOutput full;
+    full.limit = 0;
+    EXPECT_NO_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), full));
+    EXPECT_EQ(full.bytes, "");
+    FaultyOutput limited;
+    limited.limit = 10;
+    EXPECT_NO_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), limited));
+    EXPECT_EQ(limited.bytes, all.substr(0, limited.bytes.size()));
+
+    FaultyOutput broken;
+    broken.fails = true;
+    EXPECT_TRUE(throws<opc::Exception>(
+        "disk full", [&] { XercesHelper::writeDocumentToStream(writer.get(), document.get(), broken); }));
+    EXPECT_EQ(write(document.get()), all);
+}
+
+} // namespace
