@@ -30,6 +30,10 @@ TEST_F(Opctool, propsChangesAndPrintsProperties) {
          R"({"keywords": [{"text": "red", "language": "en"}, {"text": "blau und rot", "language": "de-DE"},
              {"text": "a;b"}, {"text": "12:30"}, {"text": "urn:x"}, {"text": "[x,y]"}, {"text": ""}]})"},
         {"--set category=k --keyword one", R"({"category": "k", "keywords": [{"text": "one"}]})"},
+        {"--keyword a:b1 --keyword a:en- --keyword a:en--x --keyword a:123 --keyword a:abcdefghi --keyword "
+         "a:x-1",
+         R"({"category": "k", "keywords": [{"text": "a:b1"}, {"text": "a:en-"}, {"text": "a:en--x"},
+             {"text": "a:123"}, {"text": "a:abcdefghi"}, {"text": "a", "language": "x-1"}]})"},
         {"--unset keywords", R"({"category": "k"})"},
         {"--clear", "{}"},
     };

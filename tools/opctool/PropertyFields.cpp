@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
-#include <regex>
 
 namespace opctool {
 
@@ -76,6 +75,24 @@ struct Assignment {
     std::string name;
     std::string value;
 };
+
+/// Whether `text` has the form that RFC 3066 gives a language tag, which the schema asks for too.
+bool isLanguageTag(const std::string& text) {
+    std::size_t length = 0;
+    bool isFirst = true;
+    for (const char character : text + '-') {
+        const bool isLetter =
+            (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+        const bool isDigit = character >= '0' && character <= '9';
+        if (character == '-' && length > 0) {
+            length = 0;
+            isFirst = false;
+        } else if ((!isLetter && (!isDigit || isFirst)) || ++length > 8) {
+            return false;
+        }
+    }
+    return true;
+}
 
 } // namespace
 
@@ -158,10 +175,9 @@ void unset(CoreProperties& properties, const std::string& name) {
 }
 
 CoreProperties::KeywordList::value_type parseKeyword(const std::string& keyword) {
-    static const std::regex languageTag("[A-Za-z]{1,8}(-[A-Za-z0-9]{1,8})*");
     const std::size_t colon = keyword.rfind(':');
     const std::string language = colon == std::string::npos ? "" : keyword.substr(colon + 1);
-    if (colon == std::string::npos || (!language.empty() && !std::regex_match(language, languageTag)))
+    if (colon == std::string::npos || (!language.empty() && !isLanguageTag(language)))
         return {fromArgument(keyword), {}};
     return {fromArgument(keyword.substr(0, colon)), fromArgument(language)};
 }
