@@ -65,7 +65,7 @@ void compare(benchmark::State& state, DigestAlgorithm algorithm, const char* nam
         if (value != expected)
             state.SkipWithError("the digests differ");
     }
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * Size));
+    state.SetBytesProcessed(state.iterations() * std::int64_t{Size});
     state.counters["ratio"] = static_cast<double>(inBlocks.count()) / static_cast<double>(own.count());
 }
 

@@ -59,7 +59,7 @@ void TrustStore::addFolder(const std::filesystem::path& folder) {
     }
     if (error)
         throw CertificateException("The folder " + folder.string() + " can't be read (" + error.message() +
-                                   ")");
+                                   ").");
     if (all.empty())
         throw CertificateException("The folder " + folder.string() + " holds no certificate.");
     certificates.insert(certificates.end(), all.begin(), all.end());

@@ -17,6 +17,8 @@ using Bytes = std::vector<unsigned char>;
 using detail::CertificateAccess;
 
 Bytes getNumber(const X509Certificate& certificate, const char* name) {
+    if (certificate.empty())
+        return {};
     const openssl::ErrorScope scope;
     const EVP_PKEY* key = X509_get0_pubkey(&CertificateAccess::get(certificate));
     if (!key || !EVP_PKEY_is_a(key, "RSA"))
@@ -67,6 +69,8 @@ X509Certificate::X509Certificate(const Bytes& bytes) {
 }
 
 std::size_t X509Certificate::getKeySize() const {
+    if (empty())
+        return 0;
     const openssl::ErrorScope scope;
     const EVP_PKEY* key = X509_get0_pubkey(&CertificateAccess::get(*this));
     if (!key)

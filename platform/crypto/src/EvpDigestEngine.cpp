@@ -48,7 +48,8 @@ EvpDigestEngine::EvpDigestEngine(DigestAlgorithm chosen) : algorithm(chosen) {
     const char* name = getOpenSslName(chosen);
     digest.reset(EVP_MD_fetch(nullptr, name, nullptr));
     if (!digest)
-        openssl::fail<utils::CouldNotComputeDigest>(std::string("OpenSSL doesn't offer the digest ") + name);
+        openssl::fail<utils::CouldNotComputeDigest>(std::string("OpenSSL doesn't offer the digest ") + name +
+                                                    ".");
     context = openssl::made(openssl::MdCtxPtr(EVP_MD_CTX_new()));
 }
 

@@ -14,7 +14,7 @@ ErrorScope::~ErrorScope() {
     ERR_clear_error();
 }
 
-std::string takeErrors() {
+std::string withErrors(const std::string& sentence) {
     std::string texts;
     const char* data = nullptr;
     int flags = 0;
@@ -25,7 +25,10 @@ std::string takeErrors() {
         if ((flags & ERR_TXT_STRING) && data && *data)
             texts += std::string(": ") + data;
     }
-    return texts.empty() ? texts : texts + ")";
+    if (texts.empty())
+        return sentence;
+    const bool isEnded = !sentence.empty() && sentence.back() == '.';
+    return sentence.substr(0, sentence.size() - (isEnded ? 1 : 0)) + texts + ").";
 }
 
 BioPtr readingBio(const std::vector<unsigned char>& bytes) {

@@ -63,14 +63,14 @@ public:
     ErrorScope& operator=(const ErrorScope&) = delete;
 };
 
-/// What the error queue holds, oldest first, as " (one; two)"; the empty text if it holds nothing. Empties
-/// it.
-std::string takeErrors();
+/// The sentence with what the error queue holds, oldest first: "It failed." becomes "It failed (one; two)."
+/// Empties the queue.
+std::string withErrors(const std::string& sentence);
 
 /// Raises `E` with `message` and what the error queue holds.
 template <typename E>
 [[noreturn]] void fail(const std::string& message) {
-    throw E(message + takeErrors());
+    throw E(withErrors(message));
 }
 
 /// Passes on what one of OpenSSL's constructors gave; null means that memory ran out.

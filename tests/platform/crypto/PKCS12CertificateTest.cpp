@@ -68,6 +68,8 @@ TEST_F(PKCS12CertificateTest, halfBundlesAreReadAsFarAsTheyGo) {
     const PKCS12Certificate keyless(bundle("-nokeys -in signer.pem"), password);
     EXPECT_TRUE(keyless.getPrivateExponent().empty());
     EXPECT_TRUE(keyless.getCertificate().empty());
+    EXPECT_TRUE(keyless.getCertificate().getModulus().empty())
+        << "a caller takes it before it asks for the key";
     EXPECT_EQ(keyless.getCAChain().getCertificates().size(), 1u);
     const PKCS12Certificate bare(bundle("-nocerts -inkey signer.key.pem"), password);
     EXPECT_FALSE(bare.getPrivateExponent().empty());

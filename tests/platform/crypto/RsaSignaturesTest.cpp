@@ -36,7 +36,7 @@ TEST(RsaSignatures, commandLineMakesAndChecksTheSameValues) {
         {DigestAlgorithm::SHA224, "sha224"}, {DigestAlgorithm::SHA256, "sha256"},
         {DigestAlgorithm::SHA384, "sha384"}, {DigestAlgorithm::SHA512, "sha512"},
     };
-    for (const std::size_t bits : {1024, 2048, 4096}) {
+    for (const std::size_t bits : {1024u, 2048u, 4096u}) {
         openssl.write("private", keyPair(bits).getPrivateKey());
         openssl.write("public", keyPair(bits).getPublicKey());
         const auto signer = makeSigner(bits);
@@ -78,7 +78,7 @@ TEST(RsaSignatures, whatDoesntHoldIsAStatus) {
     }
     for (const Bytes& fixed : {Bytes(128, 0), Bytes(128, 0xFF)})
         EXPECT_EQ(verify(Message, fixed), SignatureVerificationStatus::Invalid);
-    for (const std::size_t size : {0, 1, 127, 129, 1 << 20})
+    for (const std::size_t size : {0u, 1u, 127u, 129u, 1u << 20})
         EXPECT_EQ(verify(Message, Bytes(size, 1)), SignatureVerificationStatus::WrongLength) << size;
     EXPECT_EQ(verifier->verify(Message, value, sha1), SignatureVerificationStatus::Invalid);
 

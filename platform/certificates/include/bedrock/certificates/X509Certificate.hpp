@@ -21,8 +21,8 @@ class CertificateAccess;
 /// An X.509 certificate, or none: a default-constructed one is empty. Copies share what they hold, which
 /// never changes; any number of threads may use them.
 ///
-/// All operations but `empty` and `isValidForDigitalSigning` raise `X509CertificateException` on an empty
-/// certificate.
+/// An empty certificate has no key and is valid for nothing; asked for its content or its validation it
+/// raises `X509CertificateException`.
 class BEDROCK_CRYPTO_EXPORT X509Certificate {
 public:
     X509Certificate() = default;
@@ -33,18 +33,18 @@ public:
 
     bool empty() const noexcept { return !content; }
 
-    /// The size of the key in bits; of an RSA key, 8 times the length of its modulus. 0 if the key is of a
-    /// kind that OpenSSL doesn't know.
+    /// The size of the key in bits; of an RSA key, 8 times the length of its modulus. 0 if there is
+    /// none, or one of a kind that OpenSSL doesn't know.
     std::size_t getKeySize() const;
 
-    /// Big-endian, without leading zeros; empty if the key isn't an RSA key.
+    /// Big-endian, without leading zeros; empty if there is no RSA key.
     std::vector<unsigned char> getModulus() const;
 
-    /// Big-endian, without leading zeros; empty if the key isn't an RSA key.
+    /// Big-endian, without leading zeros; empty if there is no RSA key.
     std::vector<unsigned char> getPublicExponent() const;
 
     /// Whether its key usage allows signing documents: there is no such extension, or it names
-    /// digitalSignature or nonRepudiation (RFC 5280 section 4.2.1.3). False for an empty certificate.
+    /// digitalSignature or nonRepudiation (RFC 5280 section 4.2.1.3).
     bool isValidForDigitalSigning() const;
 
     /// The Base64 form of the certificate on one line.
