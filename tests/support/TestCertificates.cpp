@@ -64,7 +64,7 @@ Bytes Identity::getPrivateKey() const {
 Identity makeIdentity(const CertificateRecipe& recipe) {
     static long serial = 1;
     Identity made;
-    made.key = makeKey(recipe.rsaBits);
+    made.key = recipe.key ? recipe.key : makeKey(recipe.rsaBits);
     made.content.reset(require(X509_new()), X509_free);
     X509& content = *made.content;
     require(X509_set_version(&content, X509_VERSION_3));

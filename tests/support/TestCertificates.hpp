@@ -27,6 +27,7 @@ struct CertificateRecipe {
     std::string subject = "Signer";
     const Identity* issuer = nullptr; ///< signs itself without one
     std::size_t rsaBits = 2048;       ///< 0 for a key on the curve P-256
+    std::shared_ptr<EVP_PKEY> key;    ///< taken as it is, if there
     std::string notBefore = "20000101000000Z";
     std::string notAfter = "99991231235959Z";
     /// The extensions in the syntax of OpenSSL's configuration; an empty text leaves one out.

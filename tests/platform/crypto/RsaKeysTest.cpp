@@ -3,6 +3,8 @@
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <support/OpenSslCommand.hpp>
 
+#include <openssl/bn.h>
+
 #include <chrono>
 
 namespace {
@@ -34,6 +36,27 @@ Numbers numbersOf(const OpenSslCommand& openssl, const std::string& file) {
     Bytes modulus = after("modulus:");
     modulus.erase(modulus.begin()); // printed with its leading zero
     return {modulus, {1, 0, 1}, after("privateExponent:")};
+}
+
+/// The encoded form of writers that know no primes.
+Bytes withoutPrimes(const OpenSslCommand& openssl, const Numbers& numbers) {
+    openssl.write("bare.cnf",
+                  bytesOf("asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\nn=INTEGER:0x" + hex(numbers.modulus) +
+                          "\ne=INTEGER:0x10001\nd=INTEGER:0x" + hex(numbers.privateExponent) +
+                          "\np=INTEGER:0\nq=INTEGER:0\ndp=INTEGER:0\ndq=INTEGER:0\nqi=INTEGER:0\n"));
+    openssl.run("asn1parse -genconf bare.cnf -noout -out bare");
+    return openssl.read("bare");
+}
+
+Bytes product(const Bytes& left, const Bytes& right) {
+    const std::shared_ptr<BN_CTX> context(BN_CTX_new(), BN_CTX_free);
+    const std::shared_ptr<BIGNUM> a(BN_bin2bn(left.data(), static_cast<int>(left.size()), nullptr), BN_free);
+    const std::shared_ptr<BIGNUM> b(BN_bin2bn(right.data(), static_cast<int>(right.size()), nullptr),
+                                    BN_free);
+    BN_mul(a.get(), a.get(), b.get(), context.get());
+    Bytes bytes(static_cast<std::size_t>(BN_num_bytes(a.get())));
+    BN_bn2bin(a.get(), bytes.data());
+    return bytes;
 }
 
 TEST(RsaKeys, encodedFormsStayWithinTheirBounds) {
@@ -101,14 +124,8 @@ TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
                                                       numbers.publicExponent);
         EXPECT_EQ(key->getAsByteArray(), keyPair(bits).getPrivateKey()) << bits;
 
-        // The form of writers that know no primes.
-        openssl.write("bare.cnf",
-                      bytesOf("asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\nn=INTEGER:0x" +
-                              hex(numbers.modulus) + "\ne=INTEGER:0x10001\nd=INTEGER:0x" +
-                              hex(numbers.privateExponent) +
-                              "\np=INTEGER:0\nq=INTEGER:0\ndp=INTEGER:0\ndq=INTEGER:0\nqi=INTEGER:0\n"));
-        openssl.run("asn1parse -genconf bare.cnf -noout -out bare");
-        EXPECT_EQ(privateKey(bits, openssl.read("bare"))->getAsByteArray(), keyPair(bits).getPrivateKey())
+        EXPECT_EQ(privateKey(bits, withoutPrimes(openssl, numbers))->getAsByteArray(),
+                  keyPair(bits).getPrivateKey())
             << bits;
 
         openssl.write("recovered", key->getAsByteArray());
@@ -209,6 +226,11 @@ TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
                 engine.createRSA1024PublicKey(c.modulus, c.publicExponent);
             })) << name;
     }
+    // Congruent to the private exponent, so it would sign; but the encoded form would exceed its bound.
+    Numbers swollen = good;
+    swollen.privateExponent =
+        product(good.privateExponent, product(good.privateExponent, good.publicExponent));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(withoutPrimes(openssl, swollen)); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PublicKey(huge); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PrivateKey(huge); }));
     EXPECT_EQ(engine.createRSA1024PublicKey(leading, {0, 0, 1, 0, 1})->getModulus(), good.modulus);
