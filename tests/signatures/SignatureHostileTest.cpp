@@ -1,0 +1,157 @@
+#include "signatures/SignatureDocuments.hpp"
+#include "support/PackageContent.hpp"
+#include "support/Throws.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <xercesc/util/OutOfMemoryException.hpp>
+
+#include <ctime>
+
+namespace {
+
+using namespace opc::model;
+using opc::test::certificate;
+using opc::test::inserted;
+using opc::test::repeated;
+using opc::test::replaced;
+using opc::test::throws;
+using opc::test::USUAL_SIGNATURE;
+
+constexpr char TOO_DEEP[] = "XML signature: Elements are nested too deeply.";
+
+std::string nested(const std::string& begin, std::size_t levels, const std::string& content,
+                   const std::string& end) {
+    return repeated(begin, levels) + content + repeated(end, levels);
+}
+
+std::string withObject(const std::string& content) {
+    return inserted(USUAL_SIGNATURE, "</Object>", "<Object Id='x'>" + content + "</Object>");
+}
+
+std::string withKeyInfo(const std::string& content) {
+    return inserted(USUAL_SIGNATURE, "</SignatureValue>", "<KeyInfo>" + content + "</KeyInfo>");
+}
+
+std::string withCertificate(const std::string& text) {
+    return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
+}
+
+class HostileSignature : public opc::test::SignatureDocument {};
+
+TEST_F(HostileSignature, endsInSecondsOfWork) {
+    const std::string reference =
+        "<Reference URI='/a.xml'><DigestMethod Algorithm='urn:any'/><DigestValue>AQ=="
+        "</DigestValue></Reference>";
+    const std::string signedReference = replaced(
+        reference, "URI='/a.xml'", "URI='#idPackageObject' Type='http://www.w3.org/2000/09/xmldsig#Object'");
+    const std::string transform =
+        "<Transform Algorithm='http://schemas.openxmlformats.org/package/2006/RelationshipTransform'>";
+    const std::string big(10000000, 'A');
+    struct Case {
+        const char* what;
+        std::string document;
+        const char* message; ///< null: it is read
+    };
+    const Case cases[] = {
+        {"deep elements", withObject(nested("<a>", 100000, "", "</a>")),
+         "XML content can not be nested deeper than 1000 elements"},
+        {"deep objects",
+         withObject(nested("<any xmlns='urn:any'><Object Id='y'>", 400, big, "</Object></any>")), TOO_DEEP},
+        {"many references", inserted(USUAL_SIGNATURE, "<Manifest>", repeated(reference, 50000)), nullptr},
+        {"many objects referred to",
+         replaced(USUAL_SIGNATURE, "</SignedInfo>", repeated(signedReference, 50000) + "</SignedInfo>"),
+         nullptr},
+        {"many relationships",
+         inserted(USUAL_SIGNATURE, "<!--part-->",
+                  "<Transforms>" + transform + repeated("<pds:RelationshipReference SourceId='r'/>", 50000) +
+                      "</Transform></Transforms>"),
+         nullptr},
+        {"many transforms",
+         inserted(USUAL_SIGNATURE, "<!--part-->",
+                  "<Transforms>" + repeated(transform + "</Transform>", 50000) + "</Transforms>"),
+         nullptr},
+        {"many properties",
+         inserted(USUAL_SIGNATURE, "<SignatureProperties>",
+                  repeated("<SignatureProperty Target=''><a xmlns='urn:a'/></SignatureProperty>", 50000)),
+         nullptr},
+        {"a long URI", replaced(USUAL_SIGNATURE, "/a.xml", "/" + big), nullptr},
+        {"a long identifier", replaced(USUAL_SIGNATURE, "Signature7", "Signature" + big), nullptr},
+        {"a long value", replaced(USUAL_SIGNATURE, "BAUG", big), nullptr},
+        {"a long modulus",
+         withKeyInfo("<KeyValue><RSAKeyValue><Modulus>" + big +
+                     "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue>"),
+         nullptr},
+        {"a text that grows in writing", withObject(std::string(10000000, '>')), nullptr},
+    };
+    for (const Case& c : cases) {
+        const std::clock_t start = std::clock();
+        if (c.message)
+            EXPECT_TRUE(throws<InvalidPartContent>(c.message, [&] { read(c.document); })) << c.what;
+        else
+            EXPECT_NO_THROW(read(c.document)) << c.what;
+        EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 10) << c.what;
+    }
+}
+
+TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
+    // Each is read once for every one around it.
+    const char* const names[] = {"Object", "Reference", "Transform", "SignatureProperty"};
+    for (const std::string name : names) {
+        const auto document = [&](std::size_t levels) {
+            // Not in the package object, so that nothing in it must have a form.
+            return withObject("<any xmlns='urn:any'>" +
+                              nested("<" + name + " Id='y'>", levels, "", "</" + name + ">") +
+                              repeated("<" + name + " Id='y'/>", 100) + "</any>");
+        };
+        EXPECT_NO_THROW(read(document(5))) << name;
+        EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] { read(document(6)); })) << name;
+    }
+    const std::string mixed = "<Reference><Transform><SignatureProperty><Object Id='y'><Reference>";
+    EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] {
+        read(withObject(
+            "<any xmlns='urn:any'>" + mixed +
+            "<Transform/></Reference></Object></SignatureProperty></Transform></Reference></any>"));
+    }));
+}
+
+TEST_F(HostileSignature, aCertificateCutShortAnywhereIsRefused) {
+    const auto whole = bedrock::crypto::utils::base64Decode(opc::toString(certificate("rsa:1024"), false));
+    for (std::size_t length = 1; length < whole.size(); length += 13) {
+        const opc::test::Bytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        const std::string text = opc::toASCIIString(bedrock::crypto::utils::base64Encode(part));
+        EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException) << length;
+    }
+    EXPECT_THROW(read(withCertificate(repeated("MIIB", 2500000))),
+                 bedrock::certificates::X509CertificateException);
+    EXPECT_NO_THROW(read(withCertificate(certificate("rsa:1024"))));
+}
+
+/// Gives the beginning of a document, and then Xerces has no memory left.
+class StreamOutOfMemory : public opc::ByteArrayInAdaptor {
+public:
+    explicit StreamOutOfMemory(const opc::test::Bytes& bytes) : ByteArrayInAdaptor(bytes) {}
+
+    bool isDone() const override { return false; }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        if (ByteArrayInAdaptor::isDone())
+            throw xercesc::OutOfMemoryException();
+        return ByteArrayInAdaptor::read(buffer, count);
+    }
+};
+
+TEST_F(HostileSignature, theReaderOutlivesAParserWithoutMemory) {
+    const opc::test::Bytes beginning = opc::test::toBytes(USUAL_SIGNATURE.substr(0, 300));
+    for (int i = 0; i < 2; ++i) {
+        StreamOutOfMemory stream(beginning);
+        DigitalSignatureData unfinished;
+        EXPECT_THROW(serializer.readSignature(stream, unfinished), xercesc::OutOfMemoryException);
+    }
+    EXPECT_EQ(read(USUAL_SIGNATURE).m_signatureId, u"7");
+}
+
+} // namespace
