@@ -16,6 +16,9 @@ constexpr XMLSize_t MAXIMUM_ATTRIBUTES = 1000;
 /// Each of them may declare a prefix, and Xerces looks for a prefix among all that are declared.
 constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
+/// Xerces keeps names in a table of fixed size. The first ones aren't told apart: small documents pay nothing.
+constexpr XMLSize_t MAXIMUM_NAMES = 2000;
+
 /// Reaches the scanner of a parser, which Xerces keeps for derived classes.
 class ScannerOf : public xercesc::AbstractDOMParser {
 public:
@@ -49,6 +52,10 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
              "XML content can not have more than 1000 attributes on an element");
     refuseIf(openAttributes + attributeCount > MAXIMUM_OPEN_ATTRIBUTES,
              "XML content can not have more than 4000 attributes on nested elements");
+    countName(declaration.getBaseName());
+    for (XMLSize_t i = 0; i < attributeCount; ++i)
+        countName(attributes.elementAt(i)->getName());
+    refuseIf(uriId > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
     if (!isEmpty) { // the end of an empty element isn't told
         openElements.push_back(attributeCount);
         openAttributes += attributeCount;
@@ -63,6 +70,13 @@ void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsi
     next.endElement(declaration, uriId, isRoot, prefix);
 }
 
+void DocumentLimits::countName(const XMLCh* name) {
+    if (++names <= MAXIMUM_NAMES)
+        return;
+    laterNames.insert(name);
+    refuseIf(laterNames.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 different names");
+}
+
 void DocumentLimits::docComment(const XMLCh* comment) {
     refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments");
     next.docComment(comment);
@@ -73,6 +87,7 @@ void DocumentLimits::docCharacters(const XMLCh* text, XMLSize_t length, bool isC
 }
 
 void DocumentLimits::docPI(const XMLCh* target, const XMLCh* data) {
+    countName(target);
     next.docPI(target, data);
 }
 

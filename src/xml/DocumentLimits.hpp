@@ -2,6 +2,8 @@
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 XERCES_CPP_NAMESPACE_BEGIN
@@ -12,7 +14,7 @@ XERCES_CPP_NAMESPACE_END
 namespace opc::model {
 
 /// Stops a parse with `InvalidXMLDocument` when the document is built to exhaust its reader: nested too deep,
-/// or with too many comments or attributes. Made anew for each read.
+/// or with too many comments, attributes or different names. Made anew for each read.
 ///
 /// Xerces takes quadratic time for all of these, in parsing or in writing, and recurses to write. The limits
 /// lie far beyond any document of a package. The object stands between the scanner and the parser for as long
@@ -44,11 +46,15 @@ public:
                  const XMLCh* actualEncoding) override;
 
 private:
+    void countName(const XMLCh* name);
+
     xercesc::XMLScanner& scanner;
     xercesc::XMLDocumentHandler& next;
     std::vector<XMLSize_t> openElements; ///< how many attributes each has
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;
+    XMLSize_t names = 0;                           ///< of elements, attributes and instructions
+    std::unordered_set<std::u16string> laterNames; ///< the different ones, once there are many
 };
 
 } // namespace opc::model
