@@ -1,6 +1,7 @@
 #include <opc/model/PackageHelper.hpp>
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
+#include "package/StreamRewinder.hpp"
 
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/Package.hpp>
@@ -29,15 +30,6 @@ Part createCoreProperties(Package& package) {
     return part;
 }
 
-/// A part has one input stream, and an earlier reader leaves it at its end.
-InputStream& restartAtEnd(InputStream& stream) {
-    if (stream.isDone()) {
-        stream.close();
-        stream.open();
-    }
-    return stream;
-}
-
 void deleteWithTargets(Package& package, RelationshipSource& source, const std::u16string& type) {
     for (const Relationship& relationship : source.getRelationshipsByType(type)) {
         source.deleteRelationship(relationship.getID());
@@ -54,7 +46,9 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
         return properties;
     const Part part = getTarget(package, relationships);
     CorePropertiesSerializer serializer;
-    serializer.read(restartAtEnd(part.getInputStream()), properties);
+    InputStream& stream = part.getInputStream();
+    const StreamRewinder rewinder(stream);
+    serializer.read(stream, properties);
     return properties;
 }
 

@@ -3,7 +3,7 @@
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
 #include "signatures/DigestEngines.hpp"
-#include "signatures/StreamRewinder.hpp"
+#include "package/StreamRewinder.hpp"
 
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/DigestEngine.hpp>

@@ -3,7 +3,7 @@
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
 #include "signatures/SignatureLayout.hpp"
-#include "signatures/StreamRewinder.hpp"
+#include "package/StreamRewinder.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>

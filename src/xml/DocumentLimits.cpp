@@ -3,8 +3,10 @@
 #include <opc/model/Errors.hpp>
 
 #include <xercesc/dom/DOMLSParser.hpp>
+#include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/parsers/AbstractDOMParser.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 namespace opc::model {
 
@@ -18,6 +20,10 @@ constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
 /// Xerces keeps names in a table of fixed size. The first ones aren't told apart: small documents pay nothing.
 constexpr XMLSize_t MAXIMUM_NAMES = 2000;
+
+/// IDs stand in a hash table, where those of one hash value are searched one after the other.
+constexpr XMLSize_t MAXIMUM_COLLIDING_IDS = 1000;
+constexpr XMLSize_t HASH_MODULUS = 2147483647;
 
 /// Reaches the scanner of a parser, which Xerces keeps for derived classes.
 class ScannerOf : public xercesc::AbstractDOMParser {
@@ -54,8 +60,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
              "XML content can not have more than 4000 attributes on nested elements");
     countName(declaration.getBaseName());
     for (XMLSize_t i = 0; i < attributeCount; ++i)
-        countName(attributes.elementAt(i)->getName());
-    refuseIf(uriId > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
+        countAttribute(*attributes.elementAt(i));
     if (!isEmpty) { // the end of an empty element isn't told
         openElements.push_back(attributeCount);
         openAttributes += attributeCount;
@@ -75,6 +80,19 @@ void DocumentLimits::countName(const XMLCh* name) {
         return;
     laterNames.insert(name);
     refuseIf(laterNames.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 different names");
+}
+
+void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
+    const XMLCh* const name = attribute.getName();
+    countName(name);
+    if (xercesc::XMLString::equals(attribute.getPrefix(), u"xmlns") ||
+        xercesc::XMLString::equals(name, u"xmlns")) {
+        namespaces.insert(attribute.getValue());
+        refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
+    }
+    if (attribute.getType() == xercesc::XMLAttDef::ID)
+        refuseIf(++ids[xercesc::XMLString::hash(attribute.getValue(), HASH_MODULUS)] > MAXIMUM_COLLIDING_IDS,
+                 "XML content can not have more than 1000 colliding IDs");
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {

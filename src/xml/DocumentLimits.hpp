@@ -3,6 +3,7 @@
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -14,7 +15,7 @@ XERCES_CPP_NAMESPACE_END
 namespace opc::model {
 
 /// Stops a parse with `InvalidXMLDocument` when the document is built to exhaust its reader: nested too deep,
-/// or with too many comments, attributes or different names. Made anew for each read.
+/// or with too many comments, attributes, different names or colliding IDs. Made anew for each read.
 ///
 /// Xerces takes quadratic time for all of these, in parsing or in writing, and recurses to write. The limits
 /// lie far beyond any document of a package. The object stands between the scanner and the parser for as long
@@ -47,6 +48,7 @@ public:
 
 private:
     void countName(const XMLCh* name);
+    void countAttribute(const xercesc::XMLAttr& attribute);
 
     xercesc::XMLScanner& scanner;
     xercesc::XMLDocumentHandler& next;
@@ -55,6 +57,8 @@ private:
     XMLSize_t comments = 0;
     XMLSize_t names = 0;                           ///< of elements, attributes and instructions
     std::unordered_set<std::u16string> laterNames; ///< the different ones, once there are many
+    std::unordered_set<std::u16string> namespaces; ///< that are declared
+    std::unordered_map<XMLSize_t, XMLSize_t> ids;  ///< how many have each hash value
 };
 
 } // namespace opc::model

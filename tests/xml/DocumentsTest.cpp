@@ -174,6 +174,33 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
     EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
+TEST_F(Reading, countsAnewForEachDocument) {
+    for (int i = 0; i < 3000; ++i)
+        EXPECT_EQ(parser.refusal("<a xmlns='u:" + std::to_string(i) + "'/>", false), "");
+    EXPECT_NE(parser.refusal(manyNames(200000, "b xmlns='u:", "'"), false), "");
+    EXPECT_EQ(parser.refusal("<a xmlns='urn:new'/>", false), "");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(parser.refusal("<a>" + repeat(6000, "<!--c-->") + "</a>", false), "");
+        EXPECT_EQ(parser.refusal(manyNames(1500, "b", ""), false), "");
+    }
+}
+
+TEST_F(Reading, stopsIDsThatCollide) {
+    SchemaParser relationships{&schemas::RELATIONSHIPS};
+    std::string document =
+        "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
+    for (unsigned i = 0; i < 65536; ++i) {
+        document += "<Relationship Target='x' Type='t' Id='a";
+        for (unsigned bit = 0; bit < 16; ++bit)
+            document += (i >> bit & 1) != 0 ? "Az" : "BT"; // alike to the hash function
+        document += "'/>";
+    }
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(relationships.refusal(document + "</Relationships>", true),
+              "XML content can not have more than 1000 colliding IDs");
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
+}
+
 /// Gives bytes as a bad stream may: few at once, claiming more than it was asked for, or failing.
 class FaultyInput : public opc::InputStream {
 public:

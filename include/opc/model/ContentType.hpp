@@ -17,8 +17,7 @@ namespace opc::model {
 /// A value that shares nothing; one object serves one thread at a time.
 class OPC_MODEL_EXPORT ContentType {
 public:
-    /// @param contentType  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round
-    /// a
+    /// @param contentType  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round a
     ///                     semicolon only. The last value of a repeated attribute counts
     /// @throws InvalidContentType  if it is anything else
     explicit ContentType(const std::u16string& contentType);
@@ -26,6 +25,11 @@ public:
     /// @param contentType  ends in a zero; null counts as the empty text, which is no content type
     /// @throws InvalidContentType  as above
     explicit ContentType(const char16_t* contentType);
+
+    // No move: every value holds a canonical text, one that was moved from too.
+    ContentType(const ContentType&) = default;
+    ContentType& operator=(const ContentType&) = default;
+    ~ContentType() = default;
 
     /// The canonical text.
     std::u16string toString() const;
@@ -39,9 +43,8 @@ public:
 
     /// Adds a parameter, or gives the one of that attribute another value.
     /// @param attribute  one or more printable ASCII characters, but no blank and none of ()<>@,;:\"/[]?={}
-    /// @param value      one or more printable ASCII characters. With a double quote among them, the
-    /// canonical
-    ///                   text is none that a constructor accepts
+    /// @param value      one or more printable ASCII characters. With a double quote among them, a constructor
+    ///                   refuses the canonical text, or reads it as other parameters
     /// @throws InvalidContentTypeParameter  if either is anything else; nothing has changed then
     void addParameter(const std::u16string& attribute, const std::u16string& value);
 

@@ -9,7 +9,7 @@
 namespace opc::model {
 
 /// The name of a part: a URI that keeps the part name rules [M1.1] to [M1.10], or that names the package
-/// root, "/".
+/// root, "/". Rule [M1.6], which characters a segment may hold, is kept as far as `URI` keeps it.
 ///
 /// Tells the names of relationships parts from others, and leads from a part to its relationships part and
 /// back. It knows no package: a part of that name need not exist. Compared without regard to case, as URIs

@@ -8,6 +8,7 @@
 namespace opc::model {
 
 /// A reference by RFC 3986, absolute or relative, in US-ASCII: a part name, a relationship's target or type.
+/// Blanks, quotes, `< > { } | \ ^` and the backtick pass as well, since real packages hold them.
 ///
 /// The text is kept as written and never normalised. Comparisons look at the whole text without regard to the
 /// case of ASCII letters [M1.12], so `/A.xml` equals `/a.xml`, while `/%41` and `/A` differ.

@@ -80,7 +80,8 @@ public:
     static bool getElementAttributeNS(const xercesc::DOMElement* element, const XercesString& namespaceURI,
                                       const XercesString& localName, std::u16string& value);
 
-    /// The value of the first child alone: text behind a comment or a CDATA section isn't part of it.
+    /// The value of the first child alone: text behind a comment or a CDATA section isn't part of it, and a
+    /// comment or an instruction that stands first gives its own.
     /// @param element  may be null
     /// @return false if `element` is null; `text` is emptied in any case
     static bool getElementText(const xercesc::DOMElement* element, std::u16string& text);
@@ -111,9 +112,10 @@ public:
     /// @name Reading documents
     ///
     /// A DTD in any form, another encoding than UTF-8 and UTF-16, and documents built to exhaust the reader
-    /// are refused: elements nested deeper than 1000, more than 10000 comments, more than 1000 attributes on
-    /// an element or 4000 on elements nested in each other. Nothing outside the stream is opened, whatever
-    /// the document asks for, unless the caller passes a schema location.
+    /// are refused: elements nested deeper than 1000, more than 10000 comments, more than 2000 different names
+    /// or namespaces, more than 1000 attributes on an element or 4000 on elements nested in each other, and
+    /// more than 1000 IDs that fall together in the parser's table. Nothing outside the stream is opened,
+    /// whatever the document asks for, unless the caller passes a schema location.
     ///
     /// The document stays the parser's and lives until its `resetDocumentPool()` or release: the caller
     /// doesn't release it. A parser reads any number of documents, one after the other, also after a failure.
