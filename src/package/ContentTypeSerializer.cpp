@@ -1,8 +1,10 @@
 #include "package/ContentTypeSerializer.hpp"
 
 #include "package/ContentTypeMap.hpp"
+#include "package/ContentTypesScanner.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/ReplayedStream.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -14,30 +16,42 @@ namespace opc::model {
 
 namespace {
 
-ContentType readContentType(const xercesc::DOMElement* element, const XercesString& attribute) {
-    std::u16string text;
-    XercesHelper::getElementAttribute(element, attribute, text);
+/// A stream beyond this size goes to the parser at once, without being held whole.
+constexpr std::size_t LARGEST_SCANNED = 16 << 20;
+
+std::u16string widen(std::string_view ascii) {
+    return std::u16string(ascii.begin(), ascii.end());
+}
+
+std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
+    std::u16string value;
+    XercesHelper::getElementAttribute(element, name, value);
+    return value;
+}
+
+ContentType toContentType(const std::u16string& text) {
     if (text.empty())
         throw InvalidPartContent("ContentType is empty");
     return ContentType(text);
 }
 
-std::u16string readExtension(const xercesc::DOMElement* element, const XercesString& attribute) {
-    std::u16string text;
-    XercesHelper::getElementAttribute(element, attribute, text);
-    if (text.empty())
+void addDefault(ContentTypeMap& map, const std::u16string& extension, const std::u16string& contentType) {
+    if (extension.empty())
         throw InvalidPartContent("Extension is empty");
-    return toLowerASCIIString(text);
+    map.addDefault(toLowerASCIIString(extension), toContentType(contentType));
 }
 
-PartName readPartName(const xercesc::DOMElement* element, const XercesString& attribute) {
-    std::u16string text;
-    XercesHelper::getElementAttribute(element, attribute, text);
+PartName toPartName(const std::u16string& text) {
     try {
         return PartName(text);
     } catch (const InvalidPartName&) {
         throw InvalidPartContent("PartName is not a valid part name");
     }
+}
+
+void addOverride(ContentTypeMap& map, const std::u16string& partName, const std::u16string& contentType) {
+    const PartName name = toPartName(partName);
+    map.addOverride(name, toContentType(contentType));
 }
 
 } // namespace
@@ -50,6 +64,21 @@ ContentTypeSerializer::ContentTypeSerializer()
 
 void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const {
     map.clear();
+    std::vector<unsigned char> bytes;
+    ScannedContentTypes scanned;
+    ReplayedStream replayed(stream);
+    if (replayed.readAhead(bytes, LARGEST_SCANNED) && scanContentTypes(bytes, scanned)) {
+        for (const ScannedContentType& entry : scanned.defaults)
+            addDefault(map, widen(entry.key), widen(entry.contentType));
+        for (const ScannedContentType& entry : scanned.overrides)
+            addOverride(map, widen(entry.key), widen(entry.contentType));
+    } else {
+        parse(map, replayed);
+    }
+    map.setDirty(false);
+}
+
+void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
     const auto parser = XercesHelper::createParser();
     loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
     const xercesc::DOMDocument* document = nullptr;
@@ -58,17 +87,11 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
-
     const xercesc::DOMElement* root = document->getDocumentElement();
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, defaultName)) {
-        const std::u16string extension = readExtension(element, extensionName);
-        map.addDefault(extension, readContentType(element, contentTypeName));
-    }
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, overrideName)) {
-        const PartName name = readPartName(element, partNameName);
-        map.addOverride(name, readContentType(element, contentTypeName));
-    }
-    map.setDirty(false);
+    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, defaultName))
+        addDefault(map, readAttribute(element, extensionName), readAttribute(element, contentTypeName));
+    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, overrideName))
+        addOverride(map, readAttribute(element, partNameName), readAttribute(element, contentTypeName));
 }
 
 void ContentTypeSerializer::write(ContentTypeMap& map, OutputStream& stream) const {

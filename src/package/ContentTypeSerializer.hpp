@@ -24,6 +24,8 @@ public:
     void write(ContentTypeMap& map, OutputStream& stream) const;
 
 private:
+    void parse(ContentTypeMap& map, InputStream& stream) const;
+
     XercesGuard guard;
     XercesString namespaceURI;
     XercesString typesName;

@@ -5,6 +5,7 @@
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/ReplayedStream.hpp"
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -14,6 +15,13 @@
 namespace opc::model {
 
 namespace {
+
+/// A part beyond this size goes to the parser at once, without being held whole.
+constexpr std::size_t LARGEST_SCANNED = 1 << 20;
+
+std::u16string widen(std::string_view ascii) {
+    return std::u16string(ascii.begin(), ascii.end());
+}
 
 std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
     std::u16string value;
@@ -33,16 +41,30 @@ URI readURI(const std::u16string& text, const char* message) {
 } // namespace
 
 RelationshipSerializer::RelationshipSerializer()
-    : parser(XercesHelper::createParser()), writer(XercesHelper::createPrettyPrintingWriter()),
+    : writer(XercesHelper::createPrettyPrintingWriter()),
       namespaceURI(u"http://schemas.openxmlformats.org/package/2006/relationships"),
       relationshipsName(u"Relationships"), relationshipName(u"Relationship"), idName(u"Id"),
       typeName(u"Type"), targetName(u"Target"), targetModeName(u"TargetMode"), externalValue(u"External") {
-    loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
 }
 
 RelationshipSerializer::~RelationshipSerializer() = default;
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
+    ReplayedStream replayed(stream);
+    if (!replayed.readAhead(bytes, LARGEST_SCANNED) || !scanRelationships(bytes, scanned)) {
+        parse(replayed, manager);
+        return;
+    }
+    for (const ScannedRelationship& relationship : scanned)
+        add(widen(relationship.id), widen(relationship.type), widen(relationship.target),
+            widen(relationship.targetMode), manager);
+}
+
+void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
+    if (!parser) {
+        parser = XercesHelper::createParser();
+        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
+    }
     const DocumentPoolReset reset(parser.get());
     const xercesc::DOMDocument* document = nullptr;
     try {
@@ -52,22 +74,20 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     }
     for (const xercesc::DOMElement* element :
          XercesHelper::getElements(document->getDocumentElement(), relationshipName))
-        readRelationship(element, manager);
+        add(readAttribute(element, idName), readAttribute(element, typeName),
+            readAttribute(element, targetName), readAttribute(element, targetModeName), manager);
 }
 
-void RelationshipSerializer::readRelationship(const xercesc::DOMElement* element,
-                                              RelationshipManager& manager) const {
-    const std::u16string type = readAttribute(element, typeName);
+void RelationshipSerializer::add(const std::u16string& id, const std::u16string& type,
+                                 const std::u16string& target, const std::u16string& targetMode,
+                                 RelationshipManager& manager) const {
     if (type.empty())
         throw InvalidPartContent("Type is empty");
     readURI(type, "Type is not a valid URI");
-    const std::u16string id = readAttribute(element, idName);
-    const bool isExternal = readAttribute(element, targetModeName) == externalValue;
-    const std::u16string target = readAttribute(element, targetName);
     if (target.empty())
         throw InvalidPartContent("Target is empty");
 
-    if (isExternal) {
+    if (targetMode == externalValue) {
         if (!isIRITarget(target))
             throw InvalidPartContent("Target is not a valid IRI for an external relationship");
         manager.addExternalRelationship(id, type, target);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "relationships/RelationshipsScanner.hpp"
+
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 #include <opc/model/XercesDeleter.hpp>
@@ -8,9 +10,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 XERCES_CPP_NAMESPACE_BEGIN
-class DOMElement;
 class DOMLSParser;
 class DOMLSSerializer;
 XERCES_CPP_NAMESPACE_END
@@ -19,8 +21,9 @@ namespace opc::model {
 
 class RelationshipManager;
 
-/// Reads and writes relationships parts, for all sources of an open package one after the other: the schema
-/// is compiled once. What a document brings is checked more mildly than what an application creates.
+/// Reads and writes relationships parts, for all sources of an open package one after the other. A part in the
+/// plain form that nearly all have is scanned; any other goes to a validating parser, whose schema is compiled
+/// once. What a document brings is checked more mildly than what an application creates.
 class RelationshipSerializer {
 public:
     RelationshipSerializer();
@@ -37,10 +40,12 @@ public:
     void write(const RelationshipManager& manager, OutputStream& stream);
 
 private:
-    void readRelationship(const xercesc::DOMElement* element, RelationshipManager& manager) const;
+    void parse(InputStream& stream, RelationshipManager& manager);
+    void add(const std::u16string& id, const std::u16string& type, const std::u16string& target,
+             const std::u16string& targetMode, RelationshipManager& manager) const;
 
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made when a part needs it
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer;
     XercesString namespaceURI;
     XercesString relationshipsName;
@@ -50,6 +55,8 @@ private:
     XercesString targetName;
     XercesString targetModeName;
     std::u16string externalValue;
+    std::vector<unsigned char> bytes;         // of the part in hand
+    std::vector<ScannedRelationship> scanned; // in `bytes`
 };
 
 } // namespace opc::model

@@ -1,0 +1,68 @@
+#include "package/ContentTypesScanner.hpp"
+
+#include "xml/PlainDocument.hpp"
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
+
+constexpr bool isAlphanumeric(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+bool isPlainExtension(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return isAlphanumeric(c) || c == '-' || c == '_' || c == '~';
+    });
+}
+
+bool isPlainToken(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return isAlphanumeric(c) || c == '-' || c == '.' || c == '+' || c == '_';
+    });
+}
+
+/// Whether a text is a media type without parameters.
+bool isPlainContentType(std::string_view text) {
+    const std::size_t slash = text.find('/');
+    return slash != std::string_view::npos && isPlainToken(text.substr(0, slash)) &&
+           isPlainToken(text.substr(slash + 1));
+}
+
+/// Fills an entry from an element with these two attributes and no other.
+bool takeEntry(const std::vector<PlainAttribute>& attributes, std::string_view keyName,
+               ScannedContentType& entry) {
+    for (const auto& [name, value] : attributes) {
+        if (name == keyName)
+            entry.key = value;
+        else if (name == "ContentType")
+            entry.contentType = value;
+        else
+            return false;
+    }
+    return isPlainContentType(entry.contentType);
+}
+
+} // namespace
+
+bool scanContentTypes(const std::vector<unsigned char>& document, ScannedContentTypes& found) {
+    found = {};
+    return visitPlainDocument(document, "Types", NAMESPACE,
+                              [&found](std::string_view name, const std::vector<PlainAttribute>& attributes) {
+                                  if (name == "Default") {
+                                      ScannedContentType& entry = found.defaults.emplace_back();
+                                      return takeEntry(attributes, "Extension", entry) &&
+                                             isPlainExtension(entry.key);
+                                  }
+                                  if (name != "Override")
+                                      return false;
+                                  ScannedContentType& entry = found.overrides.emplace_back();
+                                  return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
+                              });
+}
+
+} // namespace opc::model

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace opc::model {
+
+/// The attributes of one element of a content types stream, which lie in the bytes that were scanned.
+struct ScannedContentType {
+    std::string_view key; ///< an extension or a part name
+    std::string_view contentType;
+};
+
+struct ScannedContentTypes {
+    std::vector<ScannedContentType> defaults;
+    std::vector<ScannedContentType> overrides;
+};
+
+/// Reads a content types stream that is written in a plain form, as nearly all are: what it gives is what the
+/// validating parser would find in the same bytes.
+/// @param found  takes the entries of each kind in the order of the document
+/// @return whether the stream is of that form. If not, the parser must read it, and `found` means nothing
+bool scanContentTypes(const std::vector<unsigned char>& document, ScannedContentTypes& found);
+
+} // namespace opc::model

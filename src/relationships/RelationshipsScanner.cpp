@@ -1,0 +1,51 @@
+#include "relationships/RelationshipsScanner.hpp"
+
+#include "xml/PlainDocument.hpp"
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/relationships";
+
+/// Fills a relationship from its element, if that is as the schema asks and its values are plain.
+bool takeRelationship(const std::vector<PlainAttribute>& attributes, ScannedRelationship& relationship) {
+    for (const auto& [name, value] : attributes) {
+        if (name == "Id")
+            relationship.id = value;
+        else if (name == "Type")
+            relationship.type = value;
+        else if (name == "Target")
+            relationship.target = value;
+        else if (name == "TargetMode" && (value == "External" || value == "Internal"))
+            relationship.targetMode = value;
+        else
+            return false;
+    }
+    return isPlainID(relationship.id) && isPlainURI(relationship.type) && isPlainURI(relationship.target);
+}
+
+bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
+    std::vector<std::string_view> ids;
+    ids.reserve(relationships.size());
+    for (const ScannedRelationship& relationship : relationships)
+        ids.push_back(relationship.id);
+    std::sort(ids.begin(), ids.end());
+    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
+}
+
+} // namespace
+
+bool scanRelationships(const std::vector<unsigned char>& document, std::vector<ScannedRelationship>& found) {
+    found.clear();
+    return visitPlainDocument(document, "Relationships", NAMESPACE,
+                              [&found](std::string_view name, const std::vector<PlainAttribute>& attributes) {
+                                  return name == "Relationship" &&
+                                         takeRelationship(attributes, found.emplace_back());
+                              }) &&
+           haveDifferentIDs(found);
+}
+
+} // namespace opc::model

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace opc::model {
+
+/// The attributes of one `Relationship` element, which lie in the bytes that were scanned.
+struct ScannedRelationship {
+    std::string_view id;
+    std::string_view type;
+    std::string_view target;
+    std::string_view targetMode; ///< empty if there is none
+};
+
+/// Reads a relationships part that is written in a plain form, as nearly all are: what it gives is what the
+/// validating parser would find in the same bytes.
+/// @param found  takes the relationships in the order of the document
+/// @return whether the part is of that form. If not, the parser must read it, and `found` means nothing
+bool scanRelationships(const std::vector<unsigned char>& document, std::vector<ScannedRelationship>& found);
+
+} // namespace opc::model
