@@ -82,6 +82,8 @@ private:
     void readTransform(const xercesc::DOMElement* element, Reference& reference) const;
 
     void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
+    template <typename Operation>
+    void useWriter(Operation&& operation);
 
     XercesGuard m_guard;
     std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser; ///< null when it has run out of memory

@@ -47,6 +47,18 @@ struct XercesTextDeleter {
 
 } // namespace
 
+/// A serialiser that failed takes the namespaces of what it was writing for declared from then on, and would
+/// leave their declarations out: a new one takes its place.
+template <typename Operation>
+void DigitalSignatureSerializer::useWriter(Operation&& operation) {
+    try {
+        std::forward<Operation>(operation)(m_writer.get());
+    } catch (...) {
+        m_writer = XercesHelper::createWriter();
+        throw;
+    }
+}
+
 void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data, OutputStream& stream) {
     translateDocumentFailures([&] {
         const auto document = XercesHelper::createDocument();
@@ -60,7 +72,9 @@ void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data
         if (data.m_keyValue || data.m_certificate)
             writeKeyInfo(XercesHelper::appendElement(root, m_names.keyInfo), data);
         appendCopy(root, *data.buildPackageObject());
-        XercesHelper::writeDocumentToStream(m_writer.get(), document.get(), stream);
+        useWriter([&](xercesc::DOMLSSerializer* writer) {
+            XercesHelper::writeDocumentToStream(writer, document.get(), stream);
+        });
     });
 }
 
@@ -86,15 +100,17 @@ void DigitalSignatureSerializer::writeKeyInfo(DOMElement* keyInfo, const Digital
 
 void DigitalSignatureSerializer::toText(const DOMElement* element, std::u16string& result) {
     translateDocumentFailures([&] {
-        XercesErrorHandler handler;
-        const std::unique_ptr<char16_t, XercesTextDeleter> text(translateXercesFailures([&] {
-            const ErrorHandlerAttachment attachment(m_writer->getDomConfig(), handler);
-            return m_writer->writeToString(element);
-        }));
-        handler.throwIfError();
-        if (!text)
-            throw InvalidXMLDocument("The element can't be written");
-        result = text.get();
+        useWriter([&](xercesc::DOMLSSerializer* writer) {
+            XercesErrorHandler handler;
+            const std::unique_ptr<char16_t, XercesTextDeleter> text(translateXercesFailures([&] {
+                const ErrorHandlerAttachment attachment(writer->getDomConfig(), handler);
+                return writer->writeToString(element);
+            }));
+            handler.throwIfError();
+            if (!text)
+                throw InvalidXMLDocument("The element can't be written");
+            result = text.get();
+        });
     });
 }
 

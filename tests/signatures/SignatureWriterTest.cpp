@@ -8,8 +8,11 @@
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/XercesHelper.hpp>
 
 #include <sstream>
+
+#include <xercesc/dom/DOM.hpp>
 
 namespace {
 
@@ -214,6 +217,21 @@ TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
         EXPECT_TRUE(bytes.empty());
     }
     EXPECT_EQ(write(written), good) << "the writer is fit for the next document";
+}
+
+TEST_F(SignatureWriter, aTextThatCanNotBeMadeLeavesNoTraceInTheNext) {
+    const XercesGuard guard;
+    const auto document = XercesHelper::createDocument();
+    const XercesString space(u"urn:a");
+    auto* const root = XercesHelper::appendElementNS(document.get(), space, XercesString(u"r"));
+    auto* const child = XercesHelper::appendElementNS(root, space, XercesString(u"c"));
+    XercesHelper::setElementText(child, u"\u0001");
+    std::u16string text = u"old";
+    EXPECT_THROW(serializer.toText(root, text), InvalidPartContent);
+    EXPECT_EQ(text, u"old");
+    XercesHelper::setElementText(child, u"");
+    serializer.toText(child, text);
+    EXPECT_EQ(text, u"<c xmlns=\"urn:a\"></c>");
 }
 
 TEST_F(SignatureWriter, aSignatureIsNamedByItsIdentifier) {
