@@ -15,6 +15,7 @@
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include <algorithm>
 #include <chrono>
 
 /// @file
@@ -73,12 +74,19 @@ CodesigningVerificationOptions::SignatureDigestMethod toDigestOption(DigestMetho
     throw InvalidSignature("Unknown digest method.", ErrorMap<103>());
 }
 
-/// The time in whole seconds; none if the signature doesn't say when it was made.
+/// The time in whole seconds; none if the signature doesn't say when it was made. The clock counts from 1677
+/// to 2262: an earlier or later time becomes the first or last that it knows.
 std::optional<std::chrono::system_clock::time_point> toTimePoint(const boost::posix_time::ptime& time) {
+    using TimePoint = std::chrono::system_clock::time_point;
+    using std::chrono::seconds;
     if (time.is_special())
         return std::nullopt;
     const boost::posix_time::ptime epoch(boost::gregorian::date(1970, 1, 1));
-    return std::chrono::system_clock::time_point(std::chrono::seconds((time - epoch).total_seconds()));
+    const auto sinceEpoch = [](TimePoint limit) {
+        return std::chrono::duration_cast<seconds>(limit.time_since_epoch());
+    };
+    return TimePoint(std::clamp(seconds((time - epoch).total_seconds()), sinceEpoch(TimePoint::min()),
+                                sinceEpoch(TimePoint::max())));
 }
 
 } // namespace

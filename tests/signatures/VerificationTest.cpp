@@ -1,4 +1,6 @@
 #include "SignedPackage.hpp"
+#include "signatures/DataToSign.hpp"
+#include "signatures/DigitalSignatureData.hpp"
 
 #include <bedrock/certificates/X509Certificate.hpp>
 
@@ -185,6 +187,19 @@ TEST_F(CertificateSignatures, holdByTheirTrustStoreOrFingerprint) {
     EXPECT_TRUE(manager->verifySignature(signature, known, options, other).isProperlyCodesigned());
     EXPECT_TRUE(manager->verifySignature(signature, signer->certificate, none, chain, options, trusted)
                     .isProperlyCodesigned());
+}
+
+TEST_F(CertificateSignatures, aTimeBeyondTheClockIsItsLastOne) {
+    DataToSign toSign;
+    toSign.partNames = {PartName(u"/a.xml")};
+    toSign.digests = {Bytes(64)};
+    toSign.contentTypes = {ContentType(u"a/b")};
+    DigitalSignatureData data(u"1", signer->getPrivateKey(), signer->certificate, chain, SignatureParams(),
+                              toSign);
+    data.m_signedTime = boost::posix_time::ptime(boost::gregorian::date(9999, 12, 31));
+    EXPECT_EQ(
+        data.verifyWithCertificate(signer->certificate, none, chain, trusted, options).getErrorCode().value(),
+        0);
 }
 
 TEST_F(CertificateSignatures, aChangedPartOutranksAnUntrustedChain) {
