@@ -1,0 +1,138 @@
+#include "SignedPackage.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <random>
+
+namespace {
+
+using namespace opc::model;
+using opc::interfaces::OpenMode;
+using opc::test::Bytes;
+using opc::test::SignedPackage;
+using opc::test::toBytes;
+using opc::test::toText;
+
+/// Changes documents at random, by a fixed series.
+class Mutator {
+public:
+    std::string mutate(std::string text) {
+        for (std::size_t times = 1 + pick(3); times > 0 && !text.empty(); --times)
+            mutateOnce(text);
+        return text;
+    }
+
+private:
+    std::size_t pick(std::size_t count) { return random() % count; }
+
+    void mutateOnce(std::string& text) {
+        const std::size_t place = pick(text.size());
+        switch (pick(7)) {
+        case 0:
+            text[place] = static_cast<char>(text[place] ^ (1 << pick(8)));
+            break;
+        case 1:
+            text[place] = "<>&\"'/= 0\0"[pick(10)];
+            break;
+        case 2:
+            text.resize(place);
+            break;
+        case 3:
+            text.erase(place, pick(100));
+            break;
+        case 4:
+            text.insert(pick(text.size()), text.substr(place, pick(400)));
+            break;
+        case 5:
+            swapElements(text);
+            break;
+        default:
+            repeatElement(text);
+        }
+    }
+
+    /// From a tag to the end of an element of that name; the first tag behind a random place.
+    std::pair<std::size_t, std::size_t> pickElement(const std::string& text) {
+        const std::size_t begin = text.find('<', pick(text.size()));
+        if (begin == std::string::npos)
+            return {text.size(), text.size()};
+        const std::string name = text.substr(begin + 1, text.find_first_of(" >/", begin + 1) - begin - 1);
+        const std::size_t close = text.find("</" + name + ">", begin);
+        const std::size_t end = close == std::string::npos ? text.find('>', begin) : close + name.size() + 2;
+        return {begin, end == std::string::npos ? text.size() : end + 1};
+    }
+
+    void swapElements(std::string& text) {
+        auto first = pickElement(text);
+        auto second = pickElement(text);
+        if (second < first)
+            std::swap(first, second);
+        if (first.second > second.first)
+            return;
+        text = text.substr(0, first.first) + text.substr(second.first, second.second - second.first) +
+               text.substr(first.second, second.first - first.second) +
+               text.substr(first.first, first.second - first.first) + text.substr(second.second);
+    }
+
+    void repeatElement(std::string& text) {
+        const auto [begin, end] = pickElement(text);
+        text.insert(pick(text.size() + 1), text.substr(begin, end - begin));
+    }
+
+    std::mt19937 random{20};
+};
+
+/// How often each kind of end came.
+struct Ends {
+    int held = 0, failed = 0, unchecked = 0, unreadable = 0, badNumber = 0;
+};
+
+class Mutation : public SignedPackage {
+protected:
+    /// Loads and verifies all that is found. Anything but the ends that are promised leaves the test.
+    void run(Ends& ends) {
+        try {
+            package->open(OpenMode::ReadOnly);
+            for (const DigitalSignature& signature : manager->getSignatures())
+                verifyOne(signature, ends);
+        } catch (const InvalidSignature& e) {
+            EXPECT_EQ(e.getErrorCode().value(), 102) << e.what();
+            ++ends.unreadable;
+        } catch (const std::invalid_argument&) {
+            ++ends.badNumber;
+        } catch (const std::out_of_range&) {
+            ++ends.badNumber;
+        }
+        package->close(true);
+    }
+
+    void verifyOne(const DigitalSignature& signature, Ends& ends) {
+        try {
+            const auto status = manager->verifySignature(signature, publicKey);
+            ++(status.isProperlyCodesigned() ? ends.held : ends.failed);
+        } catch (const InvalidSignature& e) {
+            EXPECT_NE(e.getErrorCode().value(), 102) << e.what();
+            ++ends.unchecked;
+        }
+    }
+};
+
+TEST_F(Mutation, aThousandChangedSignaturePartsEndAsPromised) {
+    manager->sign({PartName(u"/a.xml"), PartName(u"/b.xml")},
+                  {RelationshipSelector(URI(u"/"), RelationshipSelectorType::SourceType, u"urn:main"),
+                   RelationshipSelector(URI(u"/a.xml"), RelationshipSelectorType::SourceId, u"rId1")},
+                  privateKey, publicKey, params);
+    package->close(false);
+    const std::string document = toText(store.partBytes(u"/_xmlsignatures/sig1.xml"));
+    Mutator mutator;
+    Ends ends;
+    for (int i = 0; i < 1000; ++i) {
+        store.setPart(u"/_xmlsignatures/sig1.xml", toBytes(mutator.mutate(document)));
+        run(ends);
+    }
+    EXPECT_EQ(ends.held + ends.failed + ends.unchecked + ends.unreadable + ends.badNumber, 1000);
+    EXPECT_GT(ends.failed, 20) << "many are still read";
+    EXPECT_LT(ends.held, 200) << "what holds differs outside of what is signed";
+}
+
+} // namespace
