@@ -3,6 +3,7 @@
 #include "support/PackageContent.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
@@ -65,6 +66,18 @@ TEST(RelationshipsText, isTheDocumentBuiltWhole) {
     for (const auto& relationships : cases)
         for (const std::uint64_t blockSize : {1U, 7U, 4096U})
             EXPECT_EQ(readText(relationships, blockSize), writeWhole(relationships));
+}
+
+TEST(RelationshipsText, isTheDocumentBuiltWholeForASelectorOfEachOfManyRelationships) {
+    RelationshipManager source(URI(u"/a.xml"));
+    std::vector<Relationship> all;
+    for (int i = 0; i < 300; ++i)
+        all.push_back(source.addInternalRelationship(u"r" + opc::toString(std::to_string(i), true), u"t:t",
+                                                     URI(u"x.xml")));
+    std::vector<Relationship> selected;
+    for (int i = 0; i < 300; ++i)
+        selected.insert(selected.end(), all.begin(), all.end());
+    EXPECT_EQ(readText(selected, 4096), writeWhole(selected));
 }
 
 TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {

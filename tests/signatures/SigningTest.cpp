@@ -137,6 +137,18 @@ TEST_F(Signing, theWholePackageIsSignedWithoutItsSignatures) {
                                                   [&] { signAll(); }));
 }
 
+TEST_F(Signing, relationshipsOfOneTypeCountOnceForEachOfThem) {
+    Part source = part(u"/b.xml");
+    for (int i = 0; i < 300; ++i)
+        source.createExternalRelationship(u"urn:many", u"x");
+    EXPECT_EQ(signAll().getSignedRelationships().size(), 3U + 300U * 300U);
+    reopen();
+    EXPECT_EQ(verify(u"sig1"), 0);
+    part(u"/b.xml").deleteRelationship(u"rId300");
+    reopen(OpenMode::ReadOnly);
+    EXPECT_EQ(verify(u"sig1"), 101);
+}
+
 TEST_F(Signing, countersigningCoversTheSignaturesOnce) {
     EXPECT_TRUE(throws<CouldNotGenerateSignature>(
         "Package has no signatures present, and so cannot be countersigned.",
