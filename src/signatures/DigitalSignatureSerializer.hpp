@@ -41,10 +41,10 @@ public:
     /// Fills `data`, which must be as its default constructor made it. After a failure it is half filled and
     /// of no use; this object stays usable.
     ///
-    /// Time and memory grow in proportion to the document, whatever stands in it, so far as they do in parsing.
-    /// Measured on one core: 1,000,000 references (154 MB) 8 s and 2.5 GB, an attribute of 100 MB 2.5 s and
-    /// 1.9 GB; at most 70 bytes for a byte, where all elements are empty and have short names. Elements that
-    /// are read once for each of them that they lie in (see `NestingLimit`) may be nested 6 deep.
+    /// Time and memory grow in proportion to the document, whatever stands in it, so far as they do in parsing
+    /// and as `SignatureLimits` lets it pass. Measured on one core: 1,000,000 references (154 MB) 8 s and
+    /// 2.5 GB, an attribute of 100 MB 2.5 s and 1.9 GB; at most 70 bytes for a byte, where all elements are
+    /// empty and have short names.
     ///
     /// @param stream  open, at the first byte; read to its end and not closed
     /// @throws InvalidPartContent  if the document breaks the schema or the form

@@ -2,7 +2,7 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
-#include "signatures/NestingLimit.hpp"
+#include "signatures/SignatureLimits.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
@@ -90,7 +90,7 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
 }
 
 void DigitalSignatureSerializer::readDocument(const DOMElement* root, DigitalSignatureData& data) {
-    NestingLimit(m_names).check(root);
+    SignatureLimits(m_names).check(root);
     std::u16string id;
     if (XercesHelper::getElementAttribute(root, m_names.id, id))
         data.m_signatureId = withoutPrefix(id);

@@ -43,6 +43,9 @@ std::string withCertificate(const std::string& text) {
 
 class HostileSignature : public opc::test::SignatureDocument {};
 
+constexpr char TOO_MANY_ASIDES[] =
+    "XML signature: There are more than 2000 comments, CDATA sections and processing instructions.";
+
 TEST_F(HostileSignature, endsInSecondsOfWork) {
     const std::string reference =
         "<Reference URI='/a.xml'><DigestMethod Algorithm='urn:any'/><DigestValue>AQ=="
@@ -52,6 +55,11 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
     const std::string transform =
         "<Transform Algorithm='http://schemas.openxmlformats.org/package/2006/RelationshipTransform'>";
     const std::string big(10000000, 'A');
+    const std::string comments = repeated("<!---->", 9000);
+    const auto inObjects = [](const std::string& content) {
+        return withObject("<any xmlns='urn:any'>" + nested("<Object Id='y'>", 4, content, "</Object>") +
+                          "</any>");
+    };
     struct Case {
         const char* what;
         std::string document;
@@ -62,6 +70,13 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
          "XML content can not be nested deeper than 1000 elements"},
         {"deep objects",
          withObject(nested("<any xmlns='urn:any'><Object Id='y'>", 400, big, "</Object></any>")), TOO_DEEP},
+        {"instructions and comments", withObject(repeated("<?a?>", 100000) + comments), TOO_MANY_ASIDES},
+        {"CDATA sections and comments", withObject(repeated("<![CDATA[x]]>", 50000) + comments),
+         TOO_MANY_ASIDES},
+        {"the same in objects", inObjects(repeated("<?a?>", 20000) + comments), TOO_MANY_ASIDES},
+        {"text and comments in objects", inObjects(repeated("a<!---->", 9999)), TOO_MANY_ASIDES},
+        {"as many asides as may be", inObjects(repeated("<a/>", 20000) + repeated("a<!---->", 1998)),
+         nullptr},
         {"many references", inserted(USUAL_SIGNATURE, "<Manifest>", repeated(reference, 50000)), nullptr},
         {"many objects referred to",
          replaced(USUAL_SIGNATURE, "</SignedInfo>", repeated(signedReference, 50000) + "</SignedInfo>"),
