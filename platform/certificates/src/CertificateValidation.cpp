@@ -63,14 +63,16 @@ Status statusOf(int error) {
 }
 
 /// A list that is newer than the time of the check knows more, not less; and only the validated certificate
-/// itself must be covered.
+/// itself must be covered, by a list that hasn't run out.
 int judgeRevocation(int ok, X509_STORE_CTX* context) {
     if (ok)
         return ok;
     const int error = X509_STORE_CTX_get_error(context);
-    const bool isMissing =
-        error == X509_V_ERR_UNABLE_TO_GET_CRL || error == X509_V_ERR_UNABLE_TO_GET_CRL_ISSUER;
-    if (error == X509_V_ERR_CRL_NOT_YET_VALID || (isMissing && X509_STORE_CTX_get_error_depth(context) > 0)) {
+    const bool isUncovered = error == X509_V_ERR_UNABLE_TO_GET_CRL ||
+                             error == X509_V_ERR_UNABLE_TO_GET_CRL_ISSUER ||
+                             error == X509_V_ERR_CRL_HAS_EXPIRED;
+    if (error == X509_V_ERR_CRL_NOT_YET_VALID ||
+        (isUncovered && X509_STORE_CTX_get_error_depth(context) > 0)) {
         X509_STORE_CTX_set_error(context, X509_V_OK);
         return 1;
     }
@@ -143,6 +145,34 @@ CertificateValidationResults refusal(Status status, const std::string& reason, X
     return {status, text};
 }
 
+/// Whether a list that the issuer signed names the certificate.
+bool isNamed(X509* certificate, X509* issuer, const CertificateValidationOptions& options) {
+    for (const auto& entry : options.getRevocationLists()) {
+        X509_CRL* list = entry->list.get();
+        X509_REVOKED* found = nullptr;
+        if (X509_NAME_cmp(X509_CRL_get_issuer(list), X509_get_issuer_name(certificate)) == 0 &&
+            X509_CRL_get0_by_cert(list, &found, certificate) == 1 &&
+            X509_CRL_verify(list, X509_get0_pubkey(issuer)) == 1)
+            return true;
+    }
+    return false;
+}
+
+/// OpenSSL looks into one list of each issuer, the one that fits the time of the check best. A certificate is
+/// revoked by any of them.
+/// @param chain  the verified chain; only by itself can its last certificate have been issued as far as is known
+CertificateValidationResults judgeAllLists(STACK_OF(X509) * chain,
+                                           const CertificateValidationOptions& options) {
+    const int count = sk_X509_num(chain);
+    for (int index = 0; index < count; ++index) {
+        X509* certificate = sk_X509_value(chain, index);
+        if (isNamed(certificate, sk_X509_value(chain, std::min(index + 1, count - 1)), options))
+            return refusal(Status::Revoked, X509_verify_cert_error_string(X509_V_ERR_CERT_REVOKED),
+                           certificate);
+    }
+    return {Status::Good, std::string()};
+}
+
 /// @param chain  the verified chain; the last certificate is that of the store, whose own signature doesn't
 /// count
 CertificateValidationResults judgeStrength(STACK_OF(X509) * chain,
@@ -180,12 +210,20 @@ CertificateValidationResults X509Certificate::validateCertificate(const X509Cert
 
     if (X509_verify_cert(context.get()) != 1) {
         const int error = X509_STORE_CTX_get_error(context.get());
+        if (error == X509_V_ERR_OUT_OF_MEM)
+            throw std::bad_alloc();
         return refusal(statusOf(error), X509_verify_cert_error_string(error),
                        X509_STORE_CTX_get_current_cert(context.get()));
     }
+    STACK_OF(X509)* verified = X509_STORE_CTX_get0_chain(context.get());
+    if (options.isUsingRevocationLists()) {
+        const CertificateValidationResults results = judgeAllLists(verified, options);
+        if (results.getCertificateChainStatus() != Status::Good)
+            return results;
+    }
     if (!isThereForSigning(*this))
         return refusal(Status::WrongPurpose, "the certificate isn't there for signing", &certificate);
-    return judgeStrength(X509_STORE_CTX_get0_chain(context.get()), options);
+    return judgeStrength(verified, options);
 }
 
 } // namespace bedrock::certificates

@@ -195,6 +195,11 @@ TEST(Validation, revocationListsDecide) {
         return makeRevocationList(issuer, revoked, from, to);
     };
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
+    const auto runOut = [&list](const Identity& issuer, const std::vector<const Identity*>& revoked) {
+        return list(issuer, revoked, "20290101000000Z", "20300101000000Z");
+    };
+    const Bytes clean = list(a.issuer, {});
+    const Bytes newer = list(a.issuer, {&bad}, "20320101000000Z", "20330101000000Z");
     struct Case {
         const char* name;
         const Identity& signer;
@@ -207,15 +212,19 @@ TEST(Validation, revocationListsDecide) {
         {"issuer revoked", good, {list(a.issuer, {}), list(a.root, {&a.issuer})}, Status::Revoked},
         {"issuer covered", good, {list(a.issuer, {}), list(a.root, {&bad})}, Status::Good},
         {"not covered", good, {list(a.root, {})}, Status::RevocationUnknown},
-        {"run out",
-         good,
-         {list(a.issuer, {}, "20290101000000Z", "20300101000000Z")},
-         Status::RevocationUnknown},
+        {"run out", good, {runOut(a.issuer, {})}, Status::RevocationUnknown},
+        {"run out above", good, {clean, runOut(a.root, {&bad})}, Status::Good},
+        {"run out above, issuer revoked", good, {clean, runOut(a.root, {&a.issuer})}, Status::Revoked},
         {"newer", good, {list(a.issuer, {}, "20320101000000Z", "20330101000000Z")}, Status::Good},
-        {"newer, revoked",
-         bad,
-         {list(a.issuer, {&bad}, "20320101000000Z", "20330101000000Z")},
+        {"newer, revoked", bad, {newer}, Status::Revoked},
+        {"clean, then revoked", bad, {clean, newer}, Status::Revoked},
+        {"clean, then revoked, the other way round", bad, {newer, clean}, Status::Revoked},
+        {"revoked by what has run out", bad, {runOut(a.issuer, {&bad}), clean}, Status::Revoked},
+        {"issuer revoked by what has run out",
+         good,
+         {clean, list(a.root, {}), runOut(a.root, {&a.issuer})},
          Status::Revoked},
+        {"named by another key", bad, {clean, runOut(impostor, {&bad})}, Status::Good},
         {"signed by another key", bad, {list(impostor, {})}, Status::RevocationUnknown},
     };
     for (const Case& c : cases) {

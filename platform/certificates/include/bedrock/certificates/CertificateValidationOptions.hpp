@@ -39,7 +39,8 @@ public:
 
     /// Whether revocation lists are used. If so, the validated certificate must be covered by a list that had
     /// not run out at the time of the check; the certificates above it are looked up in the lists that there
-    /// are. A listed certificate is revoked whenever that was: a claimed time of signing is no proof.
+    /// are. What any list of its issuer names is revoked, whenever that was: a claimed time of signing is no
+    /// proof.
     void setUsingRevocationLists(bool use) { usingRevocationLists = use; }
     bool isUsingRevocationLists() const { return usingRevocationLists; }
 
