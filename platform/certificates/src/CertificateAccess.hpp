@@ -4,6 +4,8 @@
 
 #include <bedrock/certificates/X509Certificate.hpp>
 
+#include <openssl/pem.h>
+
 namespace bedrock::certificates {
 
 struct X509Certificate::Content {
@@ -29,8 +31,10 @@ inline int noPassword(char*, int, int, void*) {
 }
 
 /// The next certificate of a PEM text; null at the end of it.
+/// @param read  `PEM_read_bio_X509`, or `PEM_read_bio_X509_AUX` for certificates that may carry settings of
+///              what they are trusted for, too
 /// @throws X509CertificateException  if there is one that can't be read
-openssl::X509Ptr readPemCertificate(BIO& source);
+openssl::X509Ptr readPemCertificate(BIO& source, decltype(PEM_read_bio_X509)& read);
 
 struct RevocationList {
     openssl::CrlPtr list;

@@ -28,11 +28,18 @@ std::vector<X509Certificate> readFile(const std::filesystem::path& file) {
         return found;
     }
     const openssl::BioPtr source = openssl::readingBio(bytes);
-    while (auto next = detail::readPemCertificate(*source))
+    while (auto next = detail::readPemCertificate(*source, PEM_read_bio_X509_AUX))
         found.push_back(detail::CertificateAccess::make(std::move(next)));
     if (found.empty())
         openssl::fail<CertificateException>(failure);
     return found;
+}
+
+bool isFile(const std::filesystem::directory_entry& entry, std::error_code& error) {
+    const bool answer = entry.is_regular_file(error);
+    if (error == std::errc::no_such_file_or_directory)
+        error.clear(); // a link that leads nowhere
+    return answer;
 }
 
 } // namespace
@@ -52,7 +59,10 @@ void TrustStore::addFolder(const std::filesystem::path& folder) {
     std::vector<X509Certificate> all;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (!entry->is_regular_file())
+        const bool isRead = isFile(*entry, error);
+        if (error)
+            break;
+        if (!isRead)
             continue;
         const std::vector<X509Certificate> found = readFile(entry->path());
         all.insert(all.end(), found.begin(), found.end());

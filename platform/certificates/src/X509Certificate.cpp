@@ -7,7 +7,6 @@
 
 #include <openssl/core_names.h>
 #include <openssl/err.h>
-#include <openssl/pem.h>
 
 namespace bedrock::certificates {
 
@@ -32,8 +31,8 @@ openssl::X509Ptr readCertificate(const Bytes& bytes) {
     if (certificate)
         return certificate;
     const openssl::BioPtr source = openssl::readingBio(bytes);
-    if (openssl::X509Ptr first = detail::readPemCertificate(*source)) {
-        if (detail::readPemCertificate(*source))
+    if (openssl::X509Ptr first = detail::readPemCertificate(*source, PEM_read_bio_X509)) {
+        if (detail::readPemCertificate(*source, PEM_read_bio_X509))
             throw X509CertificateException("The bytes are more than one certificate.");
         return first;
     }
@@ -42,8 +41,8 @@ openssl::X509Ptr readCertificate(const Bytes& bytes) {
 
 } // namespace
 
-openssl::X509Ptr detail::readPemCertificate(BIO& source) {
-    openssl::X509Ptr certificate(PEM_read_bio_X509_AUX(&source, nullptr, noPassword, nullptr));
+openssl::X509Ptr detail::readPemCertificate(BIO& source, decltype(PEM_read_bio_X509)& read) {
+    openssl::X509Ptr certificate(read(&source, nullptr, noPassword, nullptr));
     // That no further block starts is the ordinary end.
     if (!certificate && ERR_GET_REASON(ERR_peek_last_error()) != PEM_R_NO_START_LINE)
         openssl::fail<X509CertificateException>("A certificate can't be read.");

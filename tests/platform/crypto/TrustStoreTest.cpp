@@ -56,6 +56,7 @@ TEST_F(TrustStoreTest, readsFilesAndFolders) {
     std::filesystem::create_directories(openssl.path("folder/deeper"));
     openssl.write("folder/second.pem", openssl.read("second.pem"));
     openssl.write("folder/first.der", openssl.read("first.der"));
+    std::filesystem::create_symlink("missing", openssl.path("folder/nowhere"));
     TrustStore fromFolder;
     fromFolder.addFolder(openssl.path("folder"));
     EXPECT_EQ(fromFolder.getCertificates().size(), 2u);
@@ -66,7 +67,10 @@ TEST_F(TrustStoreTest, badFilesAddNothing) {
     for (const char* file : {"broken.pem", "empty", "text", "missing", "."})
         EXPECT_TRUE(fails<CertificateException>([&] { store.addFile(openssl.path(file)); })) << file;
     std::filesystem::create_directory(openssl.path("nothing"));
-    for (const char* folder : {".", "nothing", "missing", "text"})
+    std::filesystem::create_directory(openssl.path("loop"));
+    std::filesystem::create_symlink("circle", openssl.path("loop/circle"));
+    openssl.write("loop/first.der", openssl.read("first.der"));
+    for (const char* folder : {".", "nothing", "missing", "text", "loop"})
         EXPECT_TRUE(fails<CertificateException>([&] { store.addFolder(openssl.path(folder)); })) << folder;
     EXPECT_TRUE(store.empty());
 }

@@ -65,9 +65,14 @@ TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
     Bytes twice = pem;
     twice.insert(twice.end(), pem.begin(), pem.end());
     const Bytes half(pem.begin(), pem.begin() + static_cast<std::ptrdiff_t>(pem.size() / 2));
+    openssl.run("x509 -in pem -addtrust codeSigning -out trusted");
+    Bytes among = bytesOf("Subject: someone\n");
+    among.insert(among.end(), pem.begin(), pem.end());
+    among.push_back('.');
+    EXPECT_EQ(X509Certificate(among).getAsByteArray(), der);
     const std::string base64 = X509Certificate(der).getAsString();
-    for (const Bytes& bytes :
-         {longer, twice, half, bytesOf(base64), Bytes(1 << 20, 0x30), Bytes(1 << 20, 0xFF)})
+    for (const Bytes& bytes : {longer, twice, half, openssl.read("trusted"), bytesOf(base64),
+                               Bytes(1 << 20, 0x30), Bytes(1 << 20, 0xFF)})
         EXPECT_TRUE(fails<X509CertificateException>([&bytes] { X509Certificate{bytes}; }));
 }
 

@@ -27,7 +27,8 @@ class BEDROCK_CRYPTO_EXPORT X509Certificate {
 public:
     X509Certificate() = default;
 
-    /// @param bytes  one certificate in DER, or in PEM, and nothing else
+    /// @param bytes  one certificate in DER and nothing else, or a text with one block CERTIFICATE of PEM: what
+    ///               stands round it doesn't matter (RFC 7468 section 2)
     /// @throws X509CertificateException  if they are no certificate
     explicit X509Certificate(const std::vector<unsigned char>& bytes);
 
