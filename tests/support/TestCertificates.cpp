@@ -1,5 +1,7 @@
 #include "TestCertificates.hpp"
 
+#include <openssl/core_names.h>
+#include <openssl/params.h>
 #include <openssl/rsa.h>
 #include <openssl/x509v3.h>
 
@@ -94,6 +96,21 @@ Identity makeIssuer(const std::string& subject, const Identity* issuer) {
     recipe.basicConstraints = "critical,CA:TRUE";
     recipe.keyUsage = "critical,keyCertSign,cRLSign";
     return makeIdentity(recipe);
+}
+
+std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, Bytes exponent) {
+    Bytes modulus(modulusSize, 0xFF); // in whichever order of bytes
+    const OSSL_PARAM parameters[] = {
+        OSSL_PARAM_construct_BN(OSSL_PKEY_PARAM_RSA_N, modulus.data(), modulus.size()),
+        OSSL_PARAM_construct_BN(OSSL_PKEY_PARAM_RSA_E, exponent.data(), exponent.size()),
+        OSSL_PARAM_construct_end()};
+    const std::shared_ptr<EVP_PKEY_CTX> context(require(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr)),
+                                                EVP_PKEY_CTX_free);
+    EVP_PKEY* key = nullptr;
+    require(EVP_PKEY_fromdata_init(context.get()) == 1);
+    require(EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY,
+                              const_cast<OSSL_PARAM*>(parameters)) == 1);
+    return {key, EVP_PKEY_free};
 }
 
 Bytes makeRevocationList(const Identity& issuer, const std::vector<const Identity*>& revoked,

@@ -45,6 +45,10 @@ Identity makeIdentity(const CertificateRecipe& recipe);
 /// An issuer of certificates, on an elliptic curve.
 Identity makeIssuer(const std::string& subject, const Identity* issuer = nullptr);
 
+/// A public RSA key with any odd modulus of that many bytes.
+/// @param exponent  in the order of bytes of the machine
+std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, std::vector<unsigned char> exponent);
+
 /// A revocation list in DER, which names these certificates.
 std::vector<unsigned char> makeRevocationList(const Identity& issuer,
                                               const std::vector<const Identity*>& revoked,

@@ -5,9 +5,6 @@
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <support/TestCertificates.hpp>
 
-#include <openssl/core_names.h>
-#include <openssl/params.h>
-
 namespace {
 
 using namespace bedrock::certificates;
@@ -16,6 +13,7 @@ using opc::test::CertificateRecipe;
 using opc::test::Identity;
 using opc::test::makeIdentity;
 using opc::test::makeIssuer;
+using opc::test::makePublicKey;
 using opc::test::makeRevocationList;
 using Status = CertificateChainStatus;
 
@@ -244,26 +242,10 @@ TEST(Validation, revocationListsDecide) {
         EXPECT_TRUE(fails<CertificateException>([&] { required.addRevocationList(bytes); }));
 }
 
-/// A public key whose modulus has that many bytes.
-std::shared_ptr<EVP_PKEY> makeHugeKey(std::size_t size) {
-    Bytes modulus(size, 0xFF); // in whichever order of bytes
-    unsigned int exponent = 65537;
-    const OSSL_PARAM parameters[] = {
-        OSSL_PARAM_construct_BN(OSSL_PKEY_PARAM_RSA_N, modulus.data(), modulus.size()),
-        OSSL_PARAM_construct_uint(OSSL_PKEY_PARAM_RSA_E, &exponent), OSSL_PARAM_construct_end()};
-    const std::shared_ptr<EVP_PKEY_CTX> context(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr),
-                                                EVP_PKEY_CTX_free);
-    EVP_PKEY* key = nullptr;
-    EVP_PKEY_fromdata_init(context.get());
-    EXPECT_EQ(
-        EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, const_cast<OSSL_PARAM*>(parameters)), 1);
-    return {key, EVP_PKEY_free};
-}
-
 TEST(Validation, hugeKeysEndSoon) {
     const Authorities a;
     const auto start = std::chrono::steady_clock::now();
-    const Identity signer = a.signer([](CertificateRecipe& r) { r.key = makeHugeKey(1 << 20); });
+    const Identity signer = a.signer([](CertificateRecipe& r) { r.key = makePublicKey(1 << 20, {1, 0, 1}); });
     EXPECT_EQ(signer.certificate.getKeySize(), std::size_t{8} << 20);
     EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
 
@@ -272,7 +254,7 @@ TEST(Validation, hugeKeysEndSoon) {
     recipe.subject = "RSA issuer";
     recipe.basicConstraints = "critical,CA:TRUE";
     const Identity issuer = makeIdentity(recipe);
-    recipe.key = makeHugeKey(1 << 20);
+    recipe.key = makePublicKey(1 << 20, {1, 0, 1});
     const Identity inItsName = makeIdentity(recipe);
     const Identity below = a.signer([&issuer](CertificateRecipe& r) { r.issuer = &issuer; });
     EXPECT_EQ(validate(below, {&issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);

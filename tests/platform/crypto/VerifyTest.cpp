@@ -226,6 +226,12 @@ TEST_F(VerifyTest, whatCantBeCheckedIsRaised) {
     EXPECT_EQ(raisedBy([](Verification& v) { v.digest = Options::SignatureDigestMethod(6); }), 15);
     EXPECT_EQ(raisedBy([](Verification& v) { v.padding = Options::SignaturePaddingMode(0); }), 15);
     EXPECT_EQ(raisedBy([this](Verification& v) { v.certificate = issuer.certificate; }), 15);
+    // Exponents that are even and of 72 bits.
+    for (const Bytes& exponent : {Bytes{4, 0, 0, 4}, Bytes(9, 0xFF)}) {
+        const Identity unusable = makeSigner(
+            [&exponent](CertificateRecipe& r) { r.key = opc::test::makePublicKey(256, exponent); });
+        EXPECT_EQ(raisedBy([&unusable](Verification& v) { v.certificate = unusable.certificate; }), 17);
+    }
     EXPECT_EQ(raisedBy([](Verification& v) { v.chain.addCertificate(X509Certificate()); }), 19);
 }
 
