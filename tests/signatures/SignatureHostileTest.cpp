@@ -1,11 +1,18 @@
+#include "signatures/DataToSign.hpp"
 #include "signatures/SignatureDocuments.hpp"
 #include "support/PackageContent.hpp"
+#include "support/TestCertificates.hpp"
 #include "support/Throws.hpp"
 
+#include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/TrustStore.hpp>
+#include <bedrock/codesigning_verifier/FingerprintStore.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/core/Time.hpp>
+#include <opc/model/DigitalSignatureVerificationStatus.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -132,6 +139,25 @@ TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
             "<any xmlns='urn:any'>" + mixed +
             "<Transform/></Reference></Object></SignatureProperty></Transform></Reference></any>"));
     }));
+}
+
+TEST_F(HostileSignature, aTimeBeyondTheClockIsTheEndOfIt) {
+    opc::test::CertificateRecipe recipe;
+    recipe.notAfter = "20400101000000Z";
+    const opc::test::Identity signer = opc::test::makeIdentity(recipe);
+    const DataToSign part{{PartName(u"/a.xml")}, {{1}}, {ContentType(u"text/xml")}, {}, {}};
+    DigitalSignatureData signature(u"1", signer.getPrivateKey(), signer.certificate, {}, SignatureParams(),
+                                   part);
+    bedrock::certificates::TrustStore trusted;
+    trusted.addCertificate(signer.certificate);
+    const std::pair<const char16_t*, int> times[] = {
+        {u"2020", 0}, {u"2263", 3}, {u"9999-12-31T23:59:59Z", 3}, {u"1677", 4}, {u"1500", 4}};
+    for (const auto& [time, code] : times) {
+        signature.m_signedTime = opc::convertStringToTime(time);
+        ASSERT_FALSE(signature.m_signedTime.is_special());
+        EXPECT_EQ(signature.verifyWithFingerprints({}, trusted, {}).getErrorCode().value(), code)
+            << opc::toUDEString(time);
+    }
 }
 
 TEST_F(HostileSignature, aCertificateCutShortAnywhereIsRefused) {
