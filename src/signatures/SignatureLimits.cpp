@@ -1,6 +1,7 @@
 #include "signatures/SignatureLimits.hpp"
 
 #include <opc/model/Errors.hpp>
+#include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/util/XMLString.hpp>
@@ -27,42 +28,63 @@ bool isAside(const DOMNode* node) {
     }
 }
 
+bool isNamed(const DOMNode* node, const XercesString& name) {
+    return xercesc::XMLString::equals(node->getNodeName(), name.toXMLCh());
+}
+
 } // namespace
 
-SignatureLimits::SignatureLimits(const SignatureNames& names)
-    : limitedNames{names.object.toXMLCh(), names.reference.toXMLCh(), names.transform.toXMLCh(),
-                   names.signatureProperty.toXMLCh()} {
+SignatureLimits::SignatureLimits(const SignatureNames& signatureNames) : names(signatureNames) {
 }
 
 void SignatureLimits::check(const DOMElement* root) const {
-    int depth = 0;
+    Place place;
     std::size_t asides = 0;
     for (const DOMNode* node = root; node;) {
-        if (isLimited(node) && ++depth > MAXIMUM_NESTING)
+        enter(node, place);
+        if (place.depth > MAXIMUM_NESTING)
             throw InvalidPartContent("XML signature: Elements are nested too deeply.");
         if (isAside(node) && ++asides > MAXIMUM_ASIDES)
             throw InvalidPartContent("XML signature: There are more than 2000 comments, CDATA sections and "
                                      "processing instructions.");
         const DOMNode* const child = node->getFirstChild();
-        node = child ? child : leave(node, root, depth);
+        node = child ? child : leave(node, root, place);
     }
 }
 
-bool SignatureLimits::isLimited(const DOMNode* node) const {
+bool SignatureLimits::isReadRepeatedly(const DOMNode* node, const Place& place) const {
     if (node->getNodeType() != DOMNode::ELEMENT_NODE)
         return false;
-    for (const char16_t* name : limitedNames) {
-        if (xercesc::XMLString::equals(node->getNodeName(), name))
-            return true;
-    }
-    return false;
+    return isNamed(node, names.object) ||
+           (place.contents > 0 && (isNamed(node, names.reference) || isNamed(node, names.transform) ||
+                                   isNamed(node, names.signatureProperty)));
+}
+
+/// Whether it is what the references and the properties are read from.
+bool SignatureLimits::isContent(const DOMNode* node) const {
+    if (node->getNodeType() != DOMNode::ELEMENT_NODE)
+        return false;
+    std::u16string id;
+    return isNamed(node, names.signedInfo) ||
+           (isNamed(node, names.object) &&
+            XercesHelper::getElementAttribute(static_cast<const DOMElement*>(node), names.id, id) &&
+            id == vocabulary::PACKAGE_OBJECT_ID);
+}
+
+void SignatureLimits::enter(const DOMNode* node, Place& place) const {
+    if (isReadRepeatedly(node, place))
+        ++place.depth;
+    if (isContent(node))
+        ++place.contents;
 }
 
 /// The node that follows the end of `node` in document order; null behind the root.
-const DOMNode* SignatureLimits::leave(const DOMNode* node, const DOMElement* root, int& depth) const {
+const DOMNode* SignatureLimits::leave(const DOMNode* node, const DOMElement* root, Place& place) const {
     for (;; node = node->getParentNode()) {
-        if (isLimited(node))
-            --depth;
+        if (isContent(node))
+            --place.contents;
+        if (isReadRepeatedly(node, place))
+            --place.depth;
         if (node == root)
             return nullptr;
         if (const DOMNode* const sibling = node->getNextSibling())

@@ -2,9 +2,6 @@
 
 #include "signatures/SignatureVocabulary.hpp"
 
-#include <array>
-#include <cstddef>
-
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMElement;
 class DOMNode;
@@ -15,8 +12,9 @@ namespace opc::model {
 /// Refuses a signature document of which a small one could ask for any amount of time and memory. Lives as
 /// long as the names.
 ///
-/// There are elements that are read once for each of them that they lie in, so that their nesting multiplies
-/// the work. And Xerces, which writes the objects as text, looks at all siblings of each comment.
+/// Objects, and references, transforms and properties in the package object and in `SignedInfo`, are read once
+/// for each of them that they lie in, so that their nesting multiplies the work. And Xerces, which writes the
+/// objects as text, looks at all siblings of each comment.
 class SignatureLimits {
 public:
     explicit SignatureLimits(const SignatureNames& names);
@@ -27,11 +25,19 @@ public:
     void check(const xercesc::DOMElement* root) const;
 
 private:
-    bool isLimited(const xercesc::DOMNode* node) const;
-    const xercesc::DOMNode* leave(const xercesc::DOMNode* node, const xercesc::DOMElement* root,
-                                  int& depth) const;
+    /// Where the walk through the document stands.
+    struct Place {
+        int depth = 0;    ///< how many of the elements in question lie around it
+        int contents = 0; ///< how many package objects and `SignedInfo` do
+    };
 
-    std::array<const char16_t*, 4> limitedNames;
+    bool isReadRepeatedly(const xercesc::DOMNode* node, const Place& place) const;
+    bool isContent(const xercesc::DOMNode* node) const;
+    void enter(const xercesc::DOMNode* node, Place& place) const;
+    const xercesc::DOMNode* leave(const xercesc::DOMNode* node, const xercesc::DOMElement* root,
+                                  Place& place) const;
+
+    const SignatureNames& names;
 };
 
 } // namespace opc::model

@@ -121,24 +121,31 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
 }
 
 TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
-    // Each is read once for every one around it.
+    // Each is read once for every one around it: here for an object, a reference and a transform at least.
+    const auto inPart = [](const std::string& content) {
+        return inserted(USUAL_SIGNATURE, "<!--part-->",
+                        "<Transforms><Transform Algorithm='urn:a'><any xmlns='urn:any'>" + content +
+                            "</any></Transform></Transforms>");
+    };
+    const std::string digest = "<DigestMethod Algorithm='urn:a'/><DigestValue>AQ==</DigestValue>";
+    const std::string attributes = " Id='y' URI='/b.xml' Algorithm='urn:a'>";
     const char* const names[] = {"Object", "Reference", "Transform", "SignatureProperty"};
     for (const std::string name : names) {
-        const auto document = [&](std::size_t levels) {
-            // Not in the package object, so that nothing in it must have a form.
-            return withObject("<any xmlns='urn:any'>" +
-                              nested("<" + name + " Id='y'>", levels, "", "</" + name + ">") +
-                              repeated("<" + name + " Id='y'/>", 100) + "</any>");
+        const std::string begin = "<" + name + attributes, end = "</" + name + ">";
+        const auto levels = [&](std::size_t count) {
+            return nested(begin, count, digest, end) + repeated(begin + digest + end, 100);
         };
-        EXPECT_NO_THROW(read(document(5))) << name;
-        EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] { read(document(6)); })) << name;
+        EXPECT_NO_THROW(read(inPart(levels(3)))) << name;
+        EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] { read(inPart(levels(4))); })) << name;
+        const std::string elsewhere = withObject("<any xmlns='urn:any'>" + levels(400) + "</any>");
+        if (name == "Object")
+            EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] { read(elsewhere); }));
+        else
+            EXPECT_NO_THROW(read(elsewhere)) << name << " isn't looked at there";
     }
-    const std::string mixed = "<Reference><Transform><SignatureProperty><Object Id='y'><Reference>";
-    EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] {
-        read(withObject(
-            "<any xmlns='urn:any'>" + mixed +
-            "<Transform/></Reference></Object></SignatureProperty></Transform></Reference></any>"));
-    }));
+    const std::string mixed = "<Reference><Transform><SignatureProperty><Object/></SignatureProperty>"
+                              "</Transform></Reference>";
+    EXPECT_TRUE(throws<InvalidPartContent>(TOO_DEEP, [&] { read(inPart(mixed)); }));
 }
 
 TEST_F(HostileSignature, aTimeBeyondTheClockIsTheEndOfIt) {
