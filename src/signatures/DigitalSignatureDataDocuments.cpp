@@ -2,6 +2,7 @@
 
 #include "signatures/DocumentErrors.hpp"
 #include "signatures/SignatureVocabulary.hpp"
+#include "signatures/TextElement.hpp"
 
 #include <opc/model/XercesHelper.hpp>
 
@@ -16,10 +17,6 @@ using xercesc::DOMElement;
 /// Elements and attributes are built without namespaces: the prefix belongs to the name, and declarations are
 /// attributes like any other. What is digested rests on that form.
 constexpr char16_t PREFIX[] = u"pds:";
-
-void appendTextElement(DOMElement* parent, const XercesString& name, const std::u16string& text) {
-    XercesHelper::setElementText(XercesHelper::appendElement(parent, name), text);
-}
 
 DOMElement* appendElementWithAttribute(DOMElement* parent, const XercesString& name,
                                        const XercesString& attribute, const std::u16string& value) {

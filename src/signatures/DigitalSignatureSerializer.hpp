@@ -81,13 +81,15 @@ private:
     void readReference(const xercesc::DOMElement* element, Reference& reference) const;
     void readTransform(const xercesc::DOMElement* element, Reference& reference) const;
 
-    void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
+    /// Runs `operation` with the writer, which doesn't outlive a failure in it.
     template <typename Operation>
-    void useWriter(Operation&& operation);
+    auto withWriter(Operation&& operation);
+
+    void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
 
     XercesGuard m_guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser; ///< null when it has run out of memory
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;     ///< null when it has run out of memory
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer; ///< null when it has failed
     SignatureNames m_names;
     PackageSignatureNames m_packageNames;
     XercesString m_packageNamespace;

@@ -2,6 +2,7 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
+#include "signatures/TextElement.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/XercesFailures.hpp"
 
@@ -17,10 +18,6 @@ namespace {
 
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
-
-void appendTextElement(DOMElement* parent, const XercesString& name, const std::u16string& text) {
-    XercesHelper::setElementText(XercesHelper::appendElement(parent, name), text);
-}
 
 /// Appends a copy of the root of `source`.
 void appendCopy(DOMElement* parent, const DOMDocument& source) {
@@ -47,14 +44,15 @@ struct XercesTextDeleter {
 
 } // namespace
 
-/// A serialiser that failed takes the namespaces of what it was writing for declared from then on, and would
-/// leave their declarations out: a new one takes its place.
 template <typename Operation>
-void DigitalSignatureSerializer::useWriter(Operation&& operation) {
-    try {
-        std::forward<Operation>(operation)(m_writer.get());
-    } catch (...) {
+auto DigitalSignatureSerializer::withWriter(Operation&& operation) {
+    if (!m_writer)
         m_writer = XercesHelper::createWriter();
+    try {
+        return operation(*m_writer);
+    } catch (...) {
+        // It takes the namespaces for declared from now on, and would leave them out.
+        m_writer.reset();
         throw;
     }
 }
@@ -72,8 +70,8 @@ void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data
         if (data.m_keyValue || data.m_certificate)
             writeKeyInfo(XercesHelper::appendElement(root, m_names.keyInfo), data);
         appendCopy(root, *data.buildPackageObject());
-        useWriter([&](xercesc::DOMLSSerializer* writer) {
-            XercesHelper::writeDocumentToStream(writer, document.get(), stream);
+        withWriter([&](xercesc::DOMLSSerializer& writer) {
+            XercesHelper::writeDocumentToStream(&writer, document.get(), stream);
         });
     });
 }
@@ -100,12 +98,18 @@ void DigitalSignatureSerializer::writeKeyInfo(DOMElement* keyInfo, const Digital
 
 void DigitalSignatureSerializer::toText(const DOMElement* element, std::u16string& result) {
     translateDocumentFailures([&] {
-        useWriter([&](xercesc::DOMLSSerializer* writer) {
+        withWriter([&](xercesc::DOMLSSerializer& writer) {
             XercesErrorHandler handler;
-            const std::unique_ptr<char16_t, XercesTextDeleter> text(translateXercesFailures([&] {
-                const ErrorHandlerAttachment attachment(writer->getDomConfig(), handler);
-                return writer->writeToString(element);
-            }));
+            std::unique_ptr<char16_t, XercesTextDeleter> text;
+            try {
+                translateXercesFailures([&] {
+                    const ErrorHandlerAttachment attachment(writer.getDomConfig(), handler);
+                    text.reset(writer.writeToString(element));
+                });
+            } catch (const InvalidXMLDocument&) {
+                handler.throwIfError(); // what the handler was told is more exact than what was thrown
+                throw;
+            }
             handler.throwIfError();
             if (!text)
                 throw InvalidXMLDocument("The element can't be written");
