@@ -3,6 +3,7 @@
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
+#include <iterator>
 #include <ostream>
 
 namespace opc::model {
@@ -53,6 +54,15 @@ void print(std::ostream& stream, const Relationship& relationship) {
     print(stream, "  Target", relationship.getTarget());
 }
 
+void print(std::ostream& stream, const SignatureParams& params) {
+    constexpr const char* digests[] = {"MD5", "SHA-1", "SHA-224", "SHA-256", "SHA-384", "SHA-512"};
+    constexpr const char* keys[] = {"RSA 1024", "RSA 2048", "RSA 4096", "none"};
+    const auto digest = static_cast<std::size_t>(params.getDigestMethod());
+    const auto key = static_cast<std::size_t>(params.getSignatureMethod());
+    stream << "Digest: " << (digest < std::size(digests) ? digests[digest] : "unknown") << '\n';
+    stream << "Key: " << (key < std::size(keys) ? keys[key] : "unknown") << '\n';
+}
+
 void print(std::ostream& stream, const RSAKeyValue& keyValue) {
     stream << "Key value\n  Size: " << keyValue.keySize << '\n';
     print(stream, "  Modulus", keyValue.modulus);
@@ -72,6 +82,7 @@ void DigitalSignatureData::prettyPrint(std::ostream& stream) const {
     print(stream, "Part", m_signaturePartName ? m_signaturePartName->toString() : std::u16string());
     print(stream, "Signed time", convertTimeToString(m_signedTime));
     print(stream, "Namespace", m_namespace);
+    print(stream, m_signatureParams);
     print(stream, "Canonicalization method", m_canonicalizationMethod);
     print(stream, "Signature method", m_signatureMethod);
     print(stream, "Signature value", m_signatureValueInXML);
