@@ -196,6 +196,9 @@ TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
                         "http://www.w3.org/2001/04/xmlenc#sha256"}
                      .apply());
         }));
+    EXPECT_TRUE(throws<opc::Exception>("URI provided is not supported as an algorithm.", [&] {
+        read(Change{VALUE, key3072}.apply(Change{"xmldsig-more#rsa-sha256", "xmldsig-more#x"}.apply()));
+    })) << "the digest is settled before the key";
     for (const std::string& key : {key3072, ellipticKey}) {
         EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.", [&] {
             read(Change{VALUE, key}.apply());
@@ -290,6 +293,11 @@ TEST_F(SignatureReader, namesAndTimesOfOthers) {
         EXPECT_EQ(opc::convertTimeToString(other.m_signedTime), c.time) << c.change.replacement;
         EXPECT_EQ(other.m_content.signatureProperties.size(), 1U);
     }
+    const std::string ofTime =
+        "<SignatureProperty Id='idSignatureTime' Target=''><pds:SignatureTime><pds:Format>"
+        "YYYY</pds:Format><pds:Value>2023</pds:Value></pds:SignatureTime></SignatureProperty>";
+    read(unknownToSchema(inserted(USUAL_SIGNATURE, "<SignatureProperties>", ofTime)));
+    EXPECT_EQ(opc::convertTimeToString(data->m_signedTime), u"2024-02-29T12:30:00Z") << "the last one counts";
     read(inserted(USUAL_SIGNATURE, "<SignatureProperties>",
                   "<SignatureProperty Target='' Id='other'><any xmlns='urn:any'/></SignatureProperty>"));
     EXPECT_EQ(data->m_content.signatureProperties.size(), 2U) << "of another property anything goes";
@@ -383,6 +391,20 @@ TEST_F(SignatureReader, aHiddenPackageObjectAddsItsReferences) {
     EXPECT_EQ(data->m_content.manifestReferences.size(), 2U);
     EXPECT_NE(data->m_objects.at(u"idPackageObject").XMLBytes.find(u"/a.xml"), std::u16string::npos)
         << "the first object of an Id stays";
+}
+
+TEST_F(SignatureReader, aCommentInFrontGivesItsText) {
+    read(Change{"AQID", "<!--comment-->AQID"}.apply());
+    EXPECT_EQ(data->m_content.signedInfoReferences.at(0).digestValue, u"comment");
+}
+
+TEST_F(SignatureReader, aRootWithoutDefaultNamespaceHasThatOfXmlSignature) {
+    const std::string space = R"( xmlns="http://www.w3.org/2000/09/xmldsig#")";
+    std::string document = Change{"</Signature>", "</s:Signature>"}.apply(
+        Change{"<Signature Id=\"Signature7\" xmlns=", "<s:Signature Id=\"Signature7\" xmlns:s="}.apply());
+    for (const std::string child : {"<SignedInfo", "<SignatureValue", "<Object"})
+        document = inserted(document, child, space);
+    EXPECT_EQ(read(document).m_namespace, u"http://www.w3.org/2000/09/xmldsig#");
 }
 
 TEST_F(SignatureReader, aPrefixHidesTheElements) {
