@@ -116,6 +116,7 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
     const auto writer = XercesHelper::createWriter();
     addPartReferences(data);
     addRelationshipReferences(data);
+    m_content.digestedManifestReferences = m_content.manifestReferences.size();
     addSignatureTime();
 
     SignatureObject object;

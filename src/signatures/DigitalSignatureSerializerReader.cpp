@@ -181,9 +181,13 @@ void DigitalSignatureSerializer::readObjects(const DOMElement* root, DigitalSign
             getRequiredAttribute(element, m_names.id, "XML signature: Object missing Id attribute.");
         SignatureObject object{id, {}};
         toText(element, object.XMLBytes);
-        data.m_objects.emplace(id, std::move(object)); // the first of one Id stays
-        if (id == vocabulary::PACKAGE_OBJECT_ID)
-            readPackageObject(element, data);
+        const bool isFirst =
+            data.m_objects.emplace(id, std::move(object)).second; // of one Id, the first stays
+        if (id != vocabulary::PACKAGE_OBJECT_ID)
+            continue;
+        readPackageObject(element, data);
+        if (isFirst)
+            data.m_content.digestedManifestReferences = data.m_content.manifestReferences.size();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <opc/model/URI.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -54,6 +55,9 @@ struct RSAKeyValue {
 struct SignatureContent {
     std::vector<Reference> signedInfoReferences; ///< those in `SignedInfo`: to objects of the signature
     std::vector<Reference> manifestReferences;   ///< those in the package object: to parts and relationships
+    /// How many of them, the first ones, stand in the object that is digested. The others stand in further
+    /// objects of the same `Id`, and nothing protects them.
+    std::size_t digestedManifestReferences = 0;
     std::vector<SignatureProperty> signatureProperties;
     std::u16string signedInfoXML; ///< the text of `SignedInfo`, which the signature value is made over
 };

@@ -34,8 +34,12 @@ public:
 
     SignatureParams getSignatureParams() const;
     std::vector<unsigned char> getSignatureValue() const;
+
+    /// What the references lead to. Not all of it needs to be protected: `SignatureCoverage` tells what is.
+    /// @{
     Enumerator<std::vector<PartName>> getSignedPartNames() const;
     Enumerator<std::vector<Relationship>> getSignedRelationships() const;
+    /// @}
 
     /// When it was made, in UTC, as the signer says; not-a-date-time if it doesn't say.
     boost::posix_time::ptime getSignedTime() const;
@@ -48,6 +52,7 @@ public:
 
 private:
     friend class DigitalSignatureManager;
+    friend class SignatureCoverage;
 
     explicit DigitalSignature(std::shared_ptr<DigitalSignatureData> data);
     std::shared_ptr<DigitalSignatureData> getImpl() const { return m_impl; }

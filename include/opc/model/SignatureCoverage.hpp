@@ -1,0 +1,45 @@
+#pragma once
+
+#include <opc/model/Export.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/Relationship.hpp>
+
+#include <set>
+#include <string>
+#include <utility>
+
+namespace opc::model {
+
+class DigitalSignature;
+class DigitalSignatureManager;
+
+/// What one signature covers, by the references in the object that its signature value protects, and by no
+/// others: a signature part can hold more references than are protected. A value, which doesn't follow later
+/// changes of the package.
+///
+/// Whether the signature holds isn't asked here: only if it does, what is covered is as it was signed. Of
+/// what is covered, the content types aren't protected, nor the first `<cp:keywords>` element of the core
+/// properties part, nor which of the covered sources a relationship belongs to.
+class OPC_MODEL_EXPORT SignatureCoverage {
+public:
+    /// @param manager    the one that gave `signature`
+    /// @throws PackageNotOpen, InvalidSignature
+    SignatureCoverage(const DigitalSignatureManager& manager, const DigitalSignature& signature);
+
+    /// Whether the content of the part is covered. Relationships parts never are: ask about relationships.
+    bool covers(const PartName& name) const;
+
+    /// Whether the relationship is covered: its ID, its type, its target and its mode. Never so for the one
+    /// that leads to the countersignature.
+    bool covers(const Relationship& relationship) const;
+
+private:
+    using Criteria = std::set<std::pair<PartName, std::u16string>>; ///< by relationships part
+
+    std::set<PartName> parts;
+    Criteria relationshipIDs;
+    Criteria relationshipTypes;
+    std::u16string exceptedID; ///< empty: no relationship is excepted
+};
+
+} // namespace opc::model
