@@ -6,6 +6,9 @@ class App;
 
 namespace opctool {
 
+/// Raised by a command that has done its work and printed that the answer is no.
+struct AnswerIsNo {};
+
 /// Each adds a family of commands, with its arguments and what it does.
 /// @{
 
@@ -13,6 +16,10 @@ void addInfoCommand(CLI::App& app);      ///< info
 void addListCommands(CLI::App& app);     ///< ls, rels, cat
 void addPropertyCommands(CLI::App& app); ///< props
 void addChangeCommands(CLI::App& app);   ///< new, add, rm, relate, unrelate
+void addKeyCommand(CLI::App& app);       ///< keygen
+void addSignCommands(CLI::App& app);     ///< sign, countersign, unsign
+void addVerifyCommand(CLI::App& app);    ///< verify
+void addCoverageCommand(CLI::App& app);  ///< coverage
 
 /// @}
 

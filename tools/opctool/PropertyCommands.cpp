@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
+#include "RepeatableOption.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -83,12 +84,6 @@ void change(const Arguments& arguments) {
         return;
     PackageHelper::createOrUpdateCoreProperties(*package, properties);
     package.save();
-}
-
-/// An option that takes one value each time it is given, and may be given more than once.
-CLI::Option* addRepeatable(CLI::App* command, const std::string& name, std::vector<std::string>& values,
-                           const std::string& what) {
-    return command->add_option(name, values, what)->allow_extra_args(false);
 }
 
 } // namespace

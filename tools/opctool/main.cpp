@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int DONE = 0;
+constexpr int ANSWER_IS_NO = 1;
 constexpr int WRONG_USAGE = 2;
 constexpr int FAILURE = 3;
 
@@ -28,19 +29,25 @@ int fail(const std::exception& failure) {
     return FAILURE;
 }
 
-void run(CLI::App& app, int argc, char** argv) {
-    app.parse(argc, argv);
+int run(CLI::App& app, int argc, char** argv) {
+    int status = DONE;
+    try {
+        app.parse(argc, argv);
+    } catch (const opctool::AnswerIsNo&) {
+        status = ANSWER_IS_NO;
+    }
     std::cout.flush();
     if (!std::cout)
         throw opc::Exception("Standard output can't be written");
+    return status;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     CLI::App app(
-        "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …) and\n"
-        "changes them. Exit status: 0 done, 1 the answer is no, 2 wrong usage, 3 a failure.",
+        "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …),\n"
+        "changes and signs them. Exit status: 0 done, 1 the answer is no, 2 wrong usage, 3 a failure.",
         "opctool");
     app.set_version_flag("--version", OPCMODEL_VERSION);
     app.require_subcommand(1);
@@ -48,9 +55,12 @@ int main(int argc, char** argv) {
     opctool::addListCommands(app);
     opctool::addPropertyCommands(app);
     opctool::addChangeCommands(app);
+    opctool::addKeyCommand(app);
+    opctool::addSignCommands(app);
+    opctool::addVerifyCommand(app);
+    opctool::addCoverageCommand(app);
     try {
-        run(app, argc, argv);
-        return DONE;
+        return run(app, argc, argv);
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? DONE : WRONG_USAGE;
     } catch (const std::exception& e) {

@@ -1,0 +1,30 @@
+#include "Commands.hpp"
+#include "KeyFiles.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+
+namespace opctool {
+
+void addKeyCommand(CLI::App& app) {
+    struct Arguments {
+        std::string base;
+        std::size_t bits = 2048;
+        bool force = false;
+    };
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App* command = app.add_subcommand(
+        "keygen", "Make an RSA key: BASE.key is private, BASE.pub is public, both are PEM files");
+    command->add_option("BASE", arguments->base, "The files' name without its extension")->required();
+    command->add_option("--bits", arguments->bits, "The key's size")
+        ->check(CLI::IsMember({1024, 2048, 4096}))
+        ->capture_default_str();
+    command->add_flag("--force", arguments->force, "Replace files that exist");
+    command->callback([arguments] {
+        writeKeyPair(bedrock::crypto::generateRsaKeyPair(arguments->bits), arguments->base, arguments->force);
+    });
+}
+
+} // namespace opctool

@@ -1,0 +1,151 @@
+#include "KeyFiles.hpp"
+
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <bedrock/crypto/utils/Cleanse.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace opctool {
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+constexpr std::size_t KEY_SIZES[] = {1024, 2048, 4096};
+
+/// What `read` makes of the bytes for the first size that they are a key of; null if there is none.
+template <typename Read>
+auto tryAllSizes(Read read) -> decltype(read(KEY_SIZES[0])) {
+    for (const std::size_t bits : KEY_SIZES) {
+        try {
+            return read(bits);
+        } catch (const bedrock::crypto::utils::InvalidKey&) {
+            continue;
+        }
+    }
+    return nullptr;
+}
+
+[[noreturn]] void failWithoutKey(const std::string& path, const char* kind) {
+    throw opc::Exception(path + " holds no RSA " + kind + " key of 1024, 2048 or 4096 bits");
+}
+
+Bytes toPem(const std::string& label, const Bytes& der) {
+    constexpr std::size_t LINE = 64;
+    std::u16string text = bedrock::crypto::utils::base64Encode(der);
+    const auto append = [](Bytes& bytes, const std::string& line) {
+        bytes.insert(bytes.end(), line.begin(), line.end());
+    };
+    Bytes pem;
+    pem.reserve(text.size() + text.size() / LINE + 100); // so that no copy of a secret is left behind
+    append(pem, "-----BEGIN " + label + "-----\n");
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        pem.push_back(static_cast<unsigned char>(text[i]));
+        if (i % LINE == LINE - 1 || i + 1 == text.size())
+            pem.push_back('\n');
+        static_cast<volatile char16_t&>(text[i]) = 0;
+    }
+    append(pem, "-----END " + label + "-----\n");
+    return pem;
+}
+
+[[noreturn]] void failWriting(const std::string& path) {
+    const int error = errno;
+    throw opc::Exception(path +
+                             (error == EEXIST ? " exists already; --force replaces it" : " can't be written"),
+                         {error, boost::system::generic_category()});
+}
+
+/// A file that isn't there yet; it goes again unless it is kept.
+class NewFile {
+public:
+    NewFile(const std::string& name, mode_t mode)
+        : path(name), descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
+        if (descriptor < 0)
+            failWriting(path);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    ~NewFile() {
+        ::close(descriptor);
+        if (!kept)
+            ::unlink(path.c_str());
+    }
+
+    void write(const Bytes& bytes) const {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+            if (count < 0)
+                failWriting(path);
+            done += static_cast<std::size_t>(count);
+        }
+        if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: nothing that could be synchronised
+            failWriting(path);
+    }
+    void keep() noexcept { kept = true; }
+
+private:
+    std::string path;
+    int descriptor;
+    bool kept = false;
+};
+
+} // namespace
+
+Bytes readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const bool opened = file.is_open();
+    Bytes bytes{std::istreambuf_iterator<char>(file), {}};
+    if (!opened || file.bad())
+        throw opc::Exception(path + " can't be read",
+                             {errno != 0 ? errno : EIO, boost::system::generic_category()});
+    return bytes;
+}
+
+std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string& path) {
+    bedrock::crypto::cryptopp::CryptoProvider provider;
+    Bytes bytes = readFile(path);
+    const auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPrivateKey(bits, bytes); });
+    bedrock::crypto::utils::cleanse(bytes);
+    if (!key)
+        failWithoutKey(path, "private");
+    return key;
+}
+
+std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& path) {
+    bedrock::crypto::cryptopp::CryptoProvider provider;
+    const Bytes bytes = readFile(path);
+    const auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
+    if (!key)
+        failWithoutKey(path, "public");
+    return key;
+}
+
+void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& base, bool replace) {
+    const std::string privatePath = base + ".key";
+    const std::string publicPath = base + ".pub";
+    if (replace)
+        for (const std::string& path : {privatePath, publicPath})
+            std::filesystem::remove(path);
+    NewFile privateFile(privatePath, S_IRUSR | S_IWUSR);
+    NewFile publicFile(publicPath, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+    Bytes pem = toPem("PRIVATE KEY", pair.getPrivateKey());
+    privateFile.write(pem);
+    bedrock::crypto::utils::cleanse(pem);
+    publicFile.write(toPem("PUBLIC KEY", pair.getPublicKey()));
+    privateFile.keep();
+    publicFile.keep();
+}
+
+} // namespace opctool

@@ -1,0 +1,63 @@
+#include "Password.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+
+#include <termios.h>
+#include <unistd.h>
+
+namespace opctool {
+
+namespace {
+
+/// While it lives, the terminal doesn't show what is typed.
+class WithoutEcho {
+public:
+    WithoutEcho() {
+        tcgetattr(STDIN_FILENO, &before);
+        termios quiet = before;
+        quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    WithoutEcho(const WithoutEcho&) = delete;
+    WithoutEcho& operator=(const WithoutEcho&) = delete;
+    ~WithoutEcho() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &before); }
+
+private:
+    termios before{};
+};
+
+} // namespace
+
+Password::Password(const std::string& file) {
+    constexpr std::size_t USUAL = 256;
+    text.reserve(USUAL); // so that growing leaves no copy of it behind
+    if (!file.empty()) {
+        std::ifstream stream(file, std::ios::binary);
+        if (!stream)
+            throw opc::Exception(file + " can't be read",
+                                 {errno != 0 ? errno : EIO, boost::system::generic_category()});
+        readFrom(stream);
+    } else if (isatty(STDIN_FILENO) == 1) {
+        std::cerr << "Password: " << std::flush;
+        const WithoutEcho quiet;
+        readFrom(std::cin);
+        std::cerr << '\n';
+    }
+}
+
+Password::~Password() {
+    for (char& character : text)
+        static_cast<volatile char&>(character) = 0;
+}
+
+void Password::readFrom(std::istream& stream) {
+    std::getline(stream, text);
+    if (!text.empty() && text.back() == '\r')
+        text.pop_back();
+}
+
+} // namespace opctool

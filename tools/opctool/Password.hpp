@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace opctool {
+
+/// A password, overwritten when it goes out of scope.
+class Password {
+public:
+    /// Takes the first line of the file. Without one, asks on the terminal without echo; without a terminal
+    /// the password is empty.
+    /// @param file  a path, or empty
+    /// @throws opc::Exception  if the file can't be read
+    explicit Password(const std::string& file);
+    Password(const Password&) = delete;
+    Password& operator=(const Password&) = delete;
+    ~Password();
+
+    const std::string& get() const noexcept { return text; }
+
+private:
+    void readFrom(std::istream& stream);
+
+    std::string text;
+};
+
+} // namespace opctool

@@ -1,0 +1,219 @@
+#include "Commands.hpp"
+#include "OpenedPackage.hpp"
+#include "RepeatableOption.hpp"
+#include "SignedPackage.hpp"
+#include "SigningMaterial.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace opctool {
+
+namespace {
+
+using opc::interfaces::OpenMode;
+using opc::model::DigitalSignature;
+using opc::model::DigitalSignatureManager;
+using opc::model::ExcludeMode;
+using opc::model::Package;
+using opc::model::Part;
+using opc::model::PartName;
+using opc::model::Relationship;
+using opc::model::RelationshipSelector;
+using opc::model::RelationshipSelectorType;
+using opc::model::RelationshipSource;
+using opc::model::URI;
+
+/// What is to be signed.
+struct Selection {
+    std::vector<PartName> parts;
+    std::vector<RelationshipSelector> selectors;
+};
+
+struct SignArguments {
+    std::string package;
+    SigningArguments signing;
+    std::vector<std::string> parts;
+    std::vector<std::string> relationships;
+    std::vector<std::string> relationshipTypes;
+
+    bool selectsAll() const { return parts.empty() && relationships.empty() && relationshipTypes.empty(); }
+};
+
+/// Everything but the signatures themselves, relationships by their types.
+Selection selectAll(const Package& package) {
+    Selection selection;
+    const auto select = [&selection](const RelationshipSource& source) {
+        std::vector<std::u16string> types;
+        for (const Relationship& relationship : source.getRelationships(ExcludeMode::ExcludeManaged)) {
+            const std::u16string type = relationship.getType();
+            if (std::find(types.begin(), types.end(), type) != types.end())
+                continue;
+            types.push_back(type);
+            selection.selectors.emplace_back(relationship.getSourceURI(),
+                                             RelationshipSelectorType::SourceType, type);
+        }
+    };
+    for (const Part& part : package.getParts(ExcludeMode::ExcludeManaged)) {
+        selection.parts.push_back(part.getName());
+        select(part);
+    }
+    select(package);
+    return selection;
+}
+
+std::string checkSelector(const std::string& argument) {
+    const bool isSound = !argument.empty() && argument.front() == '/' &&
+                         argument.find(':') != std::string::npos && argument.back() != ':';
+    return isSound ? "" : "SOURCE begins with a slash, and a colon and a value follow it";
+}
+
+/// Where SOURCE ends in SOURCE:TYPE. Both can hold colons: SOURCE is the shortest that is in the package.
+std::size_t findEndOfSource(const Package& package, const std::string& argument) {
+    const std::string names = argument.substr(0, argument.find("//")); // no part name goes on behind that
+    for (std::size_t colon = names.find(':'); colon != std::string::npos; colon = names.find(':', colon + 1))
+        if (colon == 1 || package.hasPart(PartName(fromArgument(names.substr(0, colon)))))
+            return colon;
+    throw opc::Exception("No part of the package is the source in " + argument);
+}
+
+RelationshipSelector makeSelector(const std::string& argument, std::size_t colon,
+                                  RelationshipSelectorType type) {
+    return RelationshipSelector(URI(fromArgument(argument.substr(0, colon))), type,
+                                fromArgument(argument.substr(colon + 1)));
+}
+
+Selection select(const SignArguments& arguments, const Package& package) {
+    if (arguments.selectsAll())
+        return selectAll(package);
+    Selection selection;
+    for (const std::string& name : arguments.parts)
+        selection.parts.emplace_back(fromArgument(name));
+    for (const std::string& argument : arguments.relationships) // IDs hold no colon
+        selection.selectors.push_back(
+            makeSelector(argument, argument.rfind(':'), RelationshipSelectorType::SourceId));
+    for (const std::string& argument : arguments.relationshipTypes)
+        selection.selectors.push_back(
+            makeSelector(argument, findEndOfSource(package, argument), RelationshipSelectorType::SourceType));
+    return selection;
+}
+
+void print(const DigitalSignature& signature) {
+    std::cout << opc::toUDEString(signature.getName()) << '\n';
+}
+
+void sign(const SignArguments& arguments) {
+    const SigningMaterial material(arguments.signing);
+    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+    DigitalSignatureManager& signatures = package.signatures();
+    const Selection selection = select(arguments, *package);
+    const DigitalSignature signature = material.apply([&](const auto&... signer) {
+        return signatures.sign(selection.parts, selection.selectors, signer...);
+    });
+    if (signatures.isPackageCountersigned())
+        std::cerr << "opctool: warning: the countersignature doesn't hold any longer\n";
+    package.save();
+    print(signature);
+}
+
+void countersign(const SignArguments& arguments) {
+    const SigningMaterial material(arguments.signing);
+    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+    const DigitalSignature signature = material.apply(
+        [&](const auto&... signer) { return package.signatures().countersignAllSignatures(signer...); });
+    package.save();
+    print(signature);
+}
+
+struct UnsignArguments {
+    std::string package;
+    std::string name;
+    bool all = false;
+    bool countersignature = false;
+};
+
+void unsign(const UnsignArguments& arguments) {
+    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+    DigitalSignatureManager& signatures = package.signatures();
+    if (arguments.all) {
+        signatures.removeAllSignatures();
+    } else if (arguments.countersignature) {
+        signatures.removeCountersignature();
+    } else {
+        const DigitalSignature signature = signatures.getSignature(fromArgument(arguments.name));
+        if (signatures.isPackageCountersigned() &&
+            signature.getName() != signatures.getCountersignature().getName())
+            throw opc::Exception("A countersignature needs " + arguments.name +
+                                 "; --countersignature removes it first");
+        signatures.removeSignature(signature);
+    }
+    package.save();
+}
+
+CLI::App* addCommand(CLI::App& app, const char* name, const char* what, std::string& package) {
+    CLI::App* command = app.add_subcommand(name, what);
+    command->add_option("PACKAGE", package, "The package's file")->required();
+    return command;
+}
+
+void addSign(CLI::App& app) {
+    const auto arguments = std::make_shared<SignArguments>();
+    CLI::App* command = addCommand(app, "sign",
+                                   "Sign a package, or parts and relationships of it, and print the "
+                                   "signature's name.\nWhat a signature protects, opctool coverage says",
+                                   arguments->package);
+    addSigningOptions(*command, arguments->signing);
+    const char* const group = "What is signed; everything if none is given";
+    addRepeatable(command, "--part", arguments->parts, "A part's name")->group(group);
+    addRepeatable(command, "--relationship", arguments->relationships,
+                  "SOURCE:ID: a relationship of a part, or of the package, which is \"/\"")
+        ->check(checkSelector)
+        ->group(group);
+    addRepeatable(command, "--relationship-type", arguments->relationshipTypes,
+                  "SOURCE:TYPE: all relationships of that type")
+        ->check(checkSelector)
+        ->group(group);
+    command->callback([arguments] { sign(*arguments); });
+}
+
+void addCountersign(CLI::App& app) {
+    const auto arguments = std::make_shared<SignArguments>();
+    CLI::App* command =
+        addCommand(app, "countersign",
+                   "Sign all signatures of a package, and print the countersignature's name.\n"
+                   "A signature that is added later breaks it",
+                   arguments->package);
+    addSigningOptions(*command, arguments->signing);
+    command->callback([arguments] { countersign(*arguments); });
+}
+
+void addUnsign(CLI::App& app) {
+    const auto arguments = std::make_shared<UnsignArguments>();
+    CLI::App* command = addCommand(app, "unsign", "Remove signatures", arguments->package);
+    CLI::App* which = command->add_option_group("Which", "One of these is removed");
+    which->add_option("NAME", arguments->name, "A signature's name, such as sig1");
+    which->add_flag("--all", arguments->all, "All signatures");
+    which->add_flag("--countersignature", arguments->countersignature,
+                    "The countersignature, if there is one");
+    which->require_option(1);
+    command->callback([arguments] { unsign(*arguments); });
+}
+
+} // namespace
+
+void addSignCommands(CLI::App& app) {
+    addSign(app);
+    addCountersign(app);
+    addUnsign(app);
+}
+
+} // namespace opctool

@@ -1,0 +1,14 @@
+#include "SignedPackage.hpp"
+
+namespace opctool {
+
+SignedPackage::SignedPackage(const std::string& path, opc::interfaces::OpenMode mode)
+    : archive(path), package(archive), manager(package) {
+    package.open(mode);
+}
+
+void SignedPackage::save() {
+    package.close(false);
+}
+
+} // namespace opctool

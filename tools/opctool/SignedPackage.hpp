@@ -1,0 +1,31 @@
+#pragma once
+
+#include <opc/model/DigitalSignatureManager.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+#include <string>
+
+namespace opctool {
+
+/// The package of a command that is about signatures: opened when it is made. Unless `save` was called, it is
+/// left as it was.
+class SignedPackage {
+public:
+    /// @param path  as it came from the command line
+    SignedPackage(const std::string& path, opc::interfaces::OpenMode mode);
+
+    opc::model::Package* operator->() { return &package; }
+    opc::model::Package& operator*() { return package; }
+    opc::model::DigitalSignatureManager& signatures() { return manager; }
+
+    /// Closes the package and writes what has changed.
+    void save();
+
+private:
+    opc::physical::ZipPackage archive;
+    opc::model::Package package;
+    opc::model::DigitalSignatureManager manager;
+};
+
+} // namespace opctool

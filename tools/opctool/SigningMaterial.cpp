@@ -1,0 +1,129 @@
+#include "SigningMaterial.hpp"
+
+#include "KeyFiles.hpp"
+#include "Password.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <iterator>
+
+namespace opctool {
+
+namespace {
+
+using opc::model::DigestMethod;
+using opc::model::SignatureParams;
+
+struct Digest {
+    const char* name;
+    DigestMethod method;
+};
+
+constexpr Digest DIGESTS[] = {
+    {"md5", DigestMethod::MD5},       {"sha1", DigestMethod::SHA1},     {"sha224", DigestMethod::SHA224},
+    {"sha256", DigestMethod::SHA256}, {"sha384", DigestMethod::SHA384}, {"sha512", DigestMethod::SHA512},
+};
+
+std::vector<std::string> digestNames() {
+    std::vector<std::string> names;
+    std::transform(std::begin(DIGESTS), std::end(DIGESTS), std::back_inserter(names),
+                   [](const Digest& digest) { return digest.name; });
+    return names;
+}
+
+SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySize) {
+    const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS), [&](const Digest& entry) {
+        return entry.name == arguments.digest;
+    });
+    return SignatureParams(digest->method, opc::model::keySizeToSignatureMethod(keySize));
+}
+
+} // namespace
+
+std::string nameOf(DigestMethod method) {
+    const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS),
+                                            [&](const Digest& entry) { return entry.method == method; });
+    return digest->name;
+}
+
+void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
+    CLI::App* signer = command.add_option_group("Signer", "One of these signs");
+    CLI::Option* key =
+        signer->add_option("--key", arguments.key, "A private RSA key, PEM or DER, without a password")
+            ->check(CLI::ExistingFile);
+    CLI::Option* bundle =
+        signer->add_option("--p12", arguments.bundle, "A PKCS#12 bundle of a key and its certificates")
+            ->check(CLI::ExistingFile);
+    signer->require_option(1);
+    CLI::Option* certificate = command
+                                   .add_option("--cert", arguments.certificate,
+                                               "The certificate of --key, PEM or DER; further ones that its "
+                                               "file holds join the chain")
+                                   ->check(CLI::ExistingFile)
+                                   ->needs(key);
+    CLI::Option* publicKey =
+        command
+            .add_option(
+                "--public", arguments.publicKey,
+                "The public half of --key, which goes into the signature; without it and without --cert "
+                "the signature tells nothing of who made it")
+            ->check(CLI::ExistingFile)
+            ->needs(key)
+            ->excludes(certificate);
+    command.add_option("--chain", arguments.chain, "Further certificates for the signature, PEM or DER")
+        ->check(CLI::ExistingFile)
+        ->needs(certificate);
+    command
+        .add_option("--password-file", arguments.passwordFile,
+                    "Its first line is the bundle's password; without it the terminal is asked")
+        ->check(CLI::ExistingFile)
+        ->needs(bundle);
+    command.add_option("--digest", arguments.digest, "The digest")
+        ->check(CLI::IsMember(digestNames()))
+        ->capture_default_str();
+    for (CLI::Option* option : addTrustOptions(command, arguments.trust))
+        option->excludes(publicKey);
+}
+
+SigningMaterial::SigningMaterial(const SigningArguments& arguments)
+    : options(makeValidationOptions(arguments.trust)), trustStore(makeTrustStore(arguments.trust)) {
+    if (arguments.bundle.empty())
+        readKeys(arguments);
+    else
+        readBundle(arguments);
+    readChain(arguments);
+}
+
+void SigningMaterial::readBundle(const SigningArguments& arguments) {
+    const Password password(arguments.passwordFile);
+    bundle.emplace(readFile(arguments.bundle), password.get());
+    const auto& signer = bundle->getCertificate();
+    if (!signer.empty()) // otherwise signing says what is missing
+        params = makeParams(arguments, signer.getKeySize());
+}
+
+void SigningMaterial::readKeys(const SigningArguments& arguments) {
+    const auto privateKey = readPrivateKey(arguments.key);
+    params = makeParams(arguments, privateKey->getKeySize());
+    std::vector<unsigned char> publicBytes;
+    if (!arguments.publicKey.empty())
+        publicBytes = readPublicKey(arguments.publicKey)->getAsByteArray();
+    keys = bedrock::crypto::RsaKeyPair(privateKey->getAsByteArray(), std::move(publicBytes));
+}
+
+void SigningMaterial::readChain(const SigningArguments& arguments) {
+    std::vector<bedrock::certificates::X509Certificate> certificates;
+    if (!arguments.certificate.empty()) {
+        certificates = readCertificates(arguments.certificate);
+        certificate = certificates.front();
+        certificates.erase(certificates.begin());
+    }
+    if (!arguments.chain.empty())
+        for (auto& further : readCertificates(arguments.chain))
+            certificates.push_back(std::move(further));
+    for (auto& further : certificates)
+        chain.addCertificate(std::move(further));
+}
+
+} // namespace opctool

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Trust.hpp"
+
+#include <bedrock/certificates/PKCS12Certificate.hpp>
+#include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/certificates/X509CertificateChain.hpp>
+#include <bedrock/crypto/RsaKeyPair.hpp>
+#include <opc/model/SignatureParams.hpp>
+
+#include <optional>
+#include <string>
+
+namespace opctool {
+
+/// The name that a digest has on the command line and in what is printed, such as "sha512".
+std::string nameOf(opc::model::DigestMethod method);
+
+/// What the command line says about who signs, and how. Paths are empty where they aren't given.
+struct SigningArguments {
+    std::string key;
+    std::string publicKey;
+    std::string certificate;
+    std::string chain;
+    std::string bundle;
+    std::string passwordFile;
+    std::string digest = nameOf(opc::model::DigestMethod::SHA512);
+    Trust trust;
+};
+
+void addSigningOptions(CLI::App& command, SigningArguments& arguments);
+
+/// What signs: a key, a key and its certificate, or a bundle of both.
+class SigningMaterial {
+public:
+    /// Reads the files, and asks for the bundle's password where no file holds it.
+    explicit SigningMaterial(const SigningArguments& arguments);
+
+    /// Calls `sign` with the arguments that the operations of `DigitalSignatureManager` have for such material.
+    template <typename Sign>
+    auto apply(Sign sign) const {
+        if (bundle)
+            return sign(*bundle, options, params, trustStore);
+        if (!certificate.empty())
+            return sign(keys.getPrivateKey(), certificate, chain, options, params, trustStore);
+        if (!keys.getPublicKey().empty())
+            return sign(keys.getPrivateKey(), keys.getPublicKey(), params);
+        return sign(keys.getPrivateKey(), params);
+    }
+
+private:
+    void readBundle(const SigningArguments& arguments);
+    void readKeys(const SigningArguments& arguments);
+    void readChain(const SigningArguments& arguments);
+
+    bedrock::crypto::RsaKeyPair keys{{}, {}};
+    bedrock::certificates::X509Certificate certificate;
+    bedrock::certificates::X509CertificateChain chain;
+    std::optional<bedrock::certificates::PKCS12Certificate> bundle;
+    bedrock::certificates::CertificateValidationOptions options;
+    bedrock::certificates::TrustStore trustStore;
+    opc::model::SignatureParams params;
+};
+
+} // namespace opctool

@@ -1,0 +1,46 @@
+#include "Trust.hpp"
+
+#include "KeyFiles.hpp"
+#include "RepeatableOption.hpp"
+
+#include <CLI/CLI.hpp>
+
+namespace opctool {
+
+using bedrock::certificates::CertificateValidationOptions;
+using bedrock::certificates::TrustStore;
+
+std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
+    return {addRepeatable(&command, "--trust", trust.files,
+                          "A file of trusted certificates, PEM or DER; without it the system's")
+                ->check(CLI::ExistingFile),
+            addRepeatable(&command, "--crl", trust.revocationLists,
+                          "A revocation list, PEM or DER; a current one must then cover the signer")
+                ->check(CLI::ExistingFile),
+            command.add_flag("--accept-weak", trust.acceptWeak,
+                             "Accept certificates of 1024 bits, or signed over MD5 or SHA-1")};
+}
+
+TrustStore makeTrustStore(const Trust& trust) {
+    TrustStore store;
+    for (const std::string& file : trust.files)
+        store.addFile(file);
+    return store;
+}
+
+CertificateValidationOptions makeValidationOptions(const Trust& trust) {
+    CertificateValidationOptions options;
+    options.setAcceptingWeakKeys(trust.acceptWeak);
+    options.setAcceptingWeakDigests(trust.acceptWeak);
+    for (const std::string& file : trust.revocationLists)
+        options.addRevocationList(readFile(file));
+    return options;
+}
+
+std::vector<bedrock::certificates::X509Certificate> readCertificates(const std::string& path) {
+    TrustStore store; // reads both forms; nothing is trusted by it here
+    store.addFile(path);
+    return store.getCertificates();
+}
+
+} // namespace opctool

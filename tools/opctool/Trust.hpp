@@ -1,0 +1,35 @@
+#pragma once
+
+#include <bedrock/certificates/CertificateValidationOptions.hpp>
+#include <bedrock/certificates/TrustStore.hpp>
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace opctool {
+
+/// What the command line says about certificates that are trusted, and how they are validated.
+struct Trust {
+    std::vector<std::string> files;
+    std::vector<std::string> revocationLists;
+    bool acceptWeak = false;
+};
+
+/// @return the options that fill `trust`
+std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust);
+
+/// Empty if no file was given, which stands for the system's certificates.
+bedrock::certificates::TrustStore makeTrustStore(const Trust& trust);
+
+bedrock::certificates::CertificateValidationOptions makeValidationOptions(const Trust& trust);
+
+/// All certificates of a file: one in DER, or any number in PEM.
+/// @throws bedrock::certificates::CertificateException  if there is none
+std::vector<bedrock::certificates::X509Certificate> readCertificates(const std::string& path);
+
+} // namespace opctool
