@@ -3,7 +3,7 @@
 namespace opctool {
 
 SignedPackage::SignedPackage(const std::string& path, opc::interfaces::OpenMode mode)
-    : archive(path), package(archive), manager(package) {
+    : archive(path), watched(archive, progress), package(watched), manager(package) {
     package.open(mode);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Progress.hpp"
+
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/physical/ZipPackage.hpp>
@@ -9,7 +11,7 @@
 namespace opctool {
 
 /// The package of a command that is about signatures: opened when it is made. Unless `save` was called, it is
-/// left as it was.
+/// left as it was. What takes long shows its progress on a terminal.
 class SignedPackage {
 public:
     /// @param path  as it came from the command line
@@ -24,6 +26,8 @@ public:
 
 private:
     opc::physical::ZipPackage archive;
+    Progress progress;
+    WatchedPackage watched;
     opc::model::Package package;
     opc::model::DigitalSignatureManager manager;
 };

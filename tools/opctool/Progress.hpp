@@ -1,0 +1,62 @@
+#pragma once
+
+#include <opc/interfaces/IPhysicalPackage.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace opctool {
+
+/// Tells on a terminal's standard error how much has been read, once that takes a while. The line goes with
+/// the object. Writes nothing if standard error is no terminal.
+class Progress {
+public:
+    Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+
+    void add(std::uint64_t bytes);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool isTerminal;
+    bool isShown = false;
+    std::uint64_t total = 0;
+    Clock::time_point nextUpdate;
+};
+
+/// A package over another one, which it doesn't own, that reports what is read of the parts.
+class WatchedPackage : public opc::interfaces::IPhysicalPackage {
+public:
+    WatchedPackage(opc::interfaces::IPhysicalPackage& watched, Progress& observer);
+    ~WatchedPackage() override;
+
+    bool usesContentTypeStream() override { return package.usesContentTypeStream(); }
+    opc::interfaces::IPhysicalInputStream* getContentTypeInputStream() override {
+        return package.getContentTypeInputStream();
+    }
+    opc::interfaces::IPhysicalOutputStream* getContentTypeOutputStream() override {
+        return package.getContentTypeOutputStream();
+    }
+    std::vector<opc::interfaces::IPhysicalPart*> getParts() override;
+    void open(const opc::interfaces::OpenMode& mode) override { package.open(mode); }
+    void close(bool abandon) override { package.close(abandon); }
+    opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
+                                               const opc::interfaces::IPhysicalPartInfo& info) override;
+    void deletePart(const std::u16string& name) override { package.deletePart(name); }
+
+private:
+    class WatchedPart;
+
+    opc::interfaces::IPhysicalPart* watch(opc::interfaces::IPhysicalPart* part);
+
+    opc::interfaces::IPhysicalPackage& package;
+    Progress& progress;
+    std::vector<std::unique_ptr<WatchedPart>> parts; ///< deleted ones stay, unused
+};
+
+} // namespace opctool
