@@ -203,7 +203,8 @@ void ManyParts(benchmark::State& state) {
     std::chrono::duration<double> reading(1e9), verifying(1e9), signing(0);
     {
         Opened opened(archive, OpenMode::ReadWrite);
-        signing = timeOf([&] { opened.manager.signPackage(keys().getPrivateKey(), SignatureParams()); });
+        const auto& key = keys().getPrivateKey();
+        signing = timeOf([&] { opened.manager.signPackage(key, SignatureParams()); });
         opened.package.close(false);
     }
     bench::resetPeakMemory();
