@@ -1,9 +1,10 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 
+#include "package/StreamRewinder.hpp"
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
 #include "signatures/DigestEngines.hpp"
-#include "package/StreamRewinder.hpp"
+#include "signatures/RelationshipsByType.hpp"
 
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/DigestEngine.hpp>
@@ -12,6 +13,7 @@
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 
+#include <optional>
 #include <sstream>
 #include <string_view>
 
@@ -45,6 +47,38 @@ std::vector<unsigned char> digestPart(const Part& part, bedrock::crypto::DigestE
     return digestBytes(engine, readWithoutKeywords(stream));
 }
 
+/// Selects relationships of one source.
+class SelectionSource {
+public:
+    /// @throws InvalidPartName, PartNotFound
+    SelectionSource(const Package& containing, const URI& sourceURI) : package(containing), uri(sourceURI) {
+        if (uri != PackageHelper::getPackageRootURI())
+            part.emplace(package.getPart(PartName(uri)));
+    }
+
+    bool isAt(const URI& sourceURI) const { return uri == sourceURI; }
+
+    /// @throws RelationshipNotFound
+    void select(const RelationshipSelector& selector, std::vector<Relationship>& selected) {
+        const std::u16string criteria = selector.getSelectionCriteria();
+        const RelationshipSource& source = part ? static_cast<const RelationshipSource&>(*part) : package;
+        if (selector.getSelectorType() == RelationshipSelectorType::SourceId) {
+            selected.push_back(source.getRelationshipByID(criteria));
+            return;
+        }
+        if (!byType)
+            byType.emplace(source);
+        const std::vector<Relationship>& found = byType->get(criteria);
+        selected.insert(selected.end(), found.begin(), found.end());
+    }
+
+private:
+    const Package& package;
+    URI uri;
+    std::optional<Part> part;
+    std::optional<RelationshipsByType> byType;
+};
+
 } // namespace
 
 std::vector<DigitalSignatureManager::Bytes>
@@ -74,8 +108,7 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
         data.digests = computePartDigests(partNames, params.getDigestMethod());
         for (const PartName& name : partNames)
             data.contentTypes.push_back(getPackage().getPart(name).getContentType());
-        for (const RelationshipSelector& selector : selectors)
-            selectRelationships(selector, data.relationships);
+        data.relationships = selectRelationships(selectors);
         if (!selectors.empty() && data.relationships.empty())
             throw RelationshipNotFound(
                 "No relationships in the package matched the provided relationship selectors.");
@@ -83,22 +116,17 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
     });
 }
 
-void DigitalSignatureManager::selectRelationships(const RelationshipSelector& selector,
-                                                  std::vector<Relationship>& selected) const {
-    const std::u16string criteria = selector.getSelectionCriteria();
-    const auto select = [&](const RelationshipSource& source) {
-        if (selector.getSelectorType() == RelationshipSelectorType::SourceId) {
-            selected.push_back(source.getRelationshipByID(criteria));
-            return;
-        }
-        const auto found = source.getRelationshipsByType(criteria);
-        selected.insert(selected.end(), found.begin(), found.end());
-    };
-    const URI source = selector.getSourceURI();
-    if (source == PackageHelper::getPackageRootURI())
-        select(getPackage());
-    else
-        select(getPackage().getPart(PartName(source)));
+std::vector<Relationship>
+DigitalSignatureManager::selectRelationships(const std::vector<RelationshipSelector>& selectors) const {
+    std::vector<Relationship> selected;
+    std::optional<SelectionSource> source; // the selectors of one mostly stand together
+    for (const RelationshipSelector& selector : selectors) {
+        const URI uri = selector.getSourceURI();
+        if (!source || !source->isAt(uri))
+            source.emplace(getPackage(), uri);
+        source->select(selector, selected);
+    }
+    return selected;
 }
 
 } // namespace opc::model

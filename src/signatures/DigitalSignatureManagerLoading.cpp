@@ -1,9 +1,10 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 
+#include "package/StreamRewinder.hpp"
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
+#include "signatures/RelationshipsByType.hpp"
 #include "signatures/SignatureLayout.hpp"
-#include "package/StreamRewinder.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
@@ -136,8 +137,9 @@ void DigitalSignatureManager::fillUpSignedRelationships(DigitalSignatureData& da
                 throwMissing("ID", id);
             data.m_signedRelationships.push_back(relationshipSource.getRelationshipByID(id));
         }
+        const RelationshipsByType byType(relationshipSource);
         for (const std::u16string& type : reference.relationshipGroupReferences) {
-            const auto found = relationshipSource.getRelationshipsByType(type);
+            const std::vector<Relationship>& found = byType.get(type);
             if (found.empty())
                 throwMissing("Type", type);
             data.m_signedRelationships.insert(data.m_signedRelationships.end(), found.begin(), found.end());

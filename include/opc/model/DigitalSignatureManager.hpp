@@ -257,7 +257,7 @@ private:
     DataToSign computeDataToSign(const std::vector<PartName>& partNames,
                                  const std::vector<RelationshipSelector>& selectors,
                                  const SignatureParams& params) const;
-    void selectRelationships(const RelationshipSelector& selector, std::vector<Relationship>& selected) const;
+    std::vector<Relationship> selectRelationships(const std::vector<RelationshipSelector>& selectors) const;
 
     static void throwIfNoVerificationKey(const Bytes& publicKey);
     DigitalSignature signHelper(const Bytes& privateKey, const Bytes& publicKey,
