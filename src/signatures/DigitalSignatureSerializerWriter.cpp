@@ -100,16 +100,10 @@ void DigitalSignatureSerializer::toText(const DOMElement* element, std::u16strin
     translateDocumentFailures([&] {
         withWriter([&](xercesc::DOMLSSerializer& writer) {
             XercesErrorHandler handler;
-            std::unique_ptr<char16_t, XercesTextDeleter> text;
-            try {
-                translateXercesFailures([&] {
-                    const ErrorHandlerAttachment attachment(writer.getDomConfig(), handler);
-                    text.reset(writer.writeToString(element));
-                });
-            } catch (const InvalidXMLDocument&) {
-                handler.throwIfError(); // what the handler was told is more exact than what was thrown
-                throw;
-            }
+            const std::unique_ptr<char16_t, XercesTextDeleter> text(translateXercesFailures([&] {
+                const ErrorHandlerAttachment attachment(writer.getDomConfig(), handler);
+                return writer.writeToString(element);
+            }));
             handler.throwIfError();
             if (!text)
                 throw InvalidXMLDocument("The element can't be written");
