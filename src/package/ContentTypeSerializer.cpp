@@ -4,6 +4,7 @@
 #include "package/ContentTypesScanner.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/core/Text.hpp>
@@ -18,10 +19,6 @@ namespace {
 
 /// A stream beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 16 << 20;
-
-std::u16string widen(std::string_view ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
 
 std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
     std::u16string value;

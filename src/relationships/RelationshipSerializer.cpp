@@ -5,6 +5,7 @@
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/model/Errors.hpp>
@@ -18,10 +19,6 @@ namespace {
 
 /// A part beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
-
-std::u16string widen(std::string_view ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
 
 std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
     std::u16string value;

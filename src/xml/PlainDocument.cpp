@@ -187,6 +187,10 @@ bool visitPlainDocument(const std::vector<unsigned char>& document, std::string_
     return reader.atEnd();
 }
 
+std::u16string widen(std::string_view value) {
+    return std::u16string(value.begin(), value.end());
+}
+
 bool isPlainID(std::string_view text) {
     const auto isNameChar = [](char c) {
         return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';

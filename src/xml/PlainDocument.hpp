@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -36,5 +37,8 @@ bool isPlainID(std::string_view text);
 /// Whether a text is a valid and not empty xs:anyURI of a usual form: a path of letters, digits and
 /// `-._~/`, alone or behind http or https and the name of a host.
 bool isPlainURI(std::string_view text);
+
+/// The text of a plain value.
+std::u16string widen(std::string_view value);
 
 } // namespace opc::model
