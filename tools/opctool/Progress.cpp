@@ -43,8 +43,13 @@ Progress::Progress() : isTerminal(isatty(STDERR_FILENO) == 1), nextUpdate(Clock:
 }
 
 Progress::~Progress() {
+    hide();
+}
+
+void Progress::hide() {
     if (isShown)
         std::cerr << "\r\033[K" << std::flush;
+    isShown = false;
 }
 
 void Progress::add(std::uint64_t bytes) {

@@ -9,8 +9,7 @@
 
 namespace opctool {
 
-/// Tells on a terminal's standard error how much has been read, once that takes a while. The line goes with
-/// the object. Writes nothing if standard error is no terminal.
+/// Tells on a terminal's standard error how much has been read, once that takes a while. Writes nothing if standard error is no terminal.
 class Progress {
 public:
     Progress();
@@ -19,6 +18,9 @@ public:
     ~Progress();
 
     void add(std::uint64_t bytes);
+
+    /// Takes the line away, as the destructor does.
+    void hide();
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -119,9 +119,10 @@ void sign(const SignArguments& arguments) {
     const DigitalSignature signature = material.apply([&](const auto&... signer) {
         return signatures.sign(selection.parts, selection.selectors, signer...);
     });
-    if (signatures.isPackageCountersigned())
-        std::cerr << "opctool: warning: the countersignature doesn't hold any longer\n";
+    const bool breaksCountersignature = signatures.isPackageCountersigned();
     package.save();
+    if (breaksCountersignature)
+        std::cerr << "opctool: warning: the countersignature doesn't hold any longer\n";
     print(signature);
 }
 

@@ -9,6 +9,7 @@ SignedPackage::SignedPackage(const std::string& path, opc::interfaces::OpenMode 
 
 void SignedPackage::save() {
     package.close(false);
+    progress.hide();
 }
 
 } // namespace opctool

@@ -170,7 +170,7 @@ void verifyOne(const Verifier& verifier, DigitalSignatureManager& signatures,
     outcome.list.push_back(std::move(row));
 }
 
-void verify(const Arguments& arguments) {
+Outcome verifyAll(const Arguments& arguments) {
     const Verifier verifier(arguments);
     SignedPackage package(arguments.package, opc::interfaces::OpenMode::ReadOnly);
     DigitalSignatureManager& signatures = package.signatures();
@@ -180,7 +180,11 @@ void verify(const Arguments& arguments) {
     else
         for (const DigitalSignature& signature : signatures.getSignatures())
             verifyOne(verifier, signatures, signature, outcome);
+    return outcome;
+}
 
+void verify(const Arguments& arguments) {
+    const Outcome outcome = verifyAll(arguments);
     if (arguments.json)
         std::cout << outcome.list.dump(2) << '\n';
     else if (outcome.list.empty())
