@@ -32,7 +32,7 @@ DigitalSignatureVerificationStatus makeStatus(const ErrorCode& code) {
 }
 
 /// An object's text as it was digested: without the namespace declaration that it gains from its parent
-/// when it is read.
+/// when it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
 std::u16string withoutNamespaceDeclaration(std::u16string text) {
     const std::u16string declaration =
         std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";

@@ -33,8 +33,9 @@ TEST_F(UnusualForms, anotherPackageObjectHolds) {
     EXPECT_EQ(verifyResigned(replaced(document, "<Manifest>", R"(<Manifest Id="m">)")), 0);
 }
 
-/// Where the declaration of the namespace is the last attribute it isn't one that reading has added.
-TEST_F(UnusualForms, anObjectWithoutADeclarationToTakeOutIsDigestedAsItStands) {
+/// The serialiser puts a declaration first, wherever it stands in the document: one of the object's own is taken
+/// out like one that reading adds.
+TEST_F(UnusualForms, anObjectWithADeclarationOfItsOwnHolds) {
     const std::string declaration =
         R"( xmlns:pds="http://schemas.openxmlformats.org/package/2006/digital-signature")";
     std::string form = replaced(document, declaration, R"( xmlns="http://www.w3.org/2000/09/xmldsig#")");
