@@ -68,8 +68,7 @@ public:
         }
         if (!byType)
             byType.emplace(source);
-        const std::vector<Relationship>& found = byType->get(criteria);
-        selected.insert(selected.end(), found.begin(), found.end());
+        appendSelected(byType->get(criteria), selected);
     }
 
 private:

@@ -142,7 +142,7 @@ void DigitalSignatureManager::fillUpSignedRelationships(DigitalSignatureData& da
             const std::vector<Relationship>& found = byType.get(type);
             if (found.empty())
                 throwMissing("Type", type);
-            data.m_signedRelationships.insert(data.m_signedRelationships.end(), found.begin(), found.end());
+            appendSelected(found, data.m_signedRelationships);
         }
     };
     if (relationshipsPart == u"/_rels/.rels")

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <opc/core/Exception.hpp>
 #include <opc/model/RelationshipSource.hpp>
 
+#include <cstddef>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -28,5 +30,17 @@ public:
 private:
     std::unordered_map<std::u16string, std::vector<Relationship>> groups;
 };
+
+/// Most relationships that one signature can cover, each counted as often as it is selected.
+constexpr std::size_t MAXIMUM_SELECTED = 10000000;
+
+/// Appends the relationships of one selector to those that a signature covers.
+/// @throws opc::Exception  if they grow too many: a small document can name a type as often as it likes
+inline void appendSelected(const std::vector<Relationship>& found, std::vector<Relationship>& selected) {
+    if (selected.size() + found.size() > MAXIMUM_SELECTED)
+        throw Exception("A signature can't cover more than " + std::to_string(MAXIMUM_SELECTED) +
+                        " selected relationships.");
+    selected.insert(selected.end(), found.begin(), found.end());
+}
 
 } // namespace opc::model

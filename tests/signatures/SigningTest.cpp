@@ -101,6 +101,15 @@ TEST_F(Signing, refusesInTheOrderOfItsChecks) {
     EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { manager->getSignatures(); }));
 }
 
+TEST_F(Signing, hasALimitForRepeatedSelections) {
+    for (int i = 0; i < 100; ++i)
+        package->createExternalRelationship(u"urn:many", u"x");
+    const RelationshipSelector many(URI(u"/"), RelationshipSelectorType::SourceType, u"urn:many");
+    EXPECT_TRUE(throws<CouldNotGenerateSignature>(
+        "A signature can't cover more than 10000000 selected relationships.",
+        [&] { manager->sign({}, std::vector<RelationshipSelector>(100001, many), privateKey, params); }));
+}
+
 TEST_F(Signing, aPackageBeingCreatedCanNotBeSigned) {
     close(true);
     open(OpenMode::CreateOnly);

@@ -74,7 +74,7 @@ public:
     ///
     /// A selector by type takes every relationship of that type, once for each time it is named: n
     /// relationships of one type and source, each with a selector of its own, count n² times. The memory
-    /// for them is 32 bytes each, and each different one is written once.
+    /// for them is 32 bytes each, and each different one is written once. More than 10,000,000 are refused.
     ///
     /// @param parts      the parts to sign; not relationships parts, which are signed through selectors
     /// @param selectors  the relationships to sign
