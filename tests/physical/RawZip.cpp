@@ -15,14 +15,45 @@ void append(std::string& out, std::uint64_t value, int width) {
 
 /// The fields that a local header and an entry of the directory share.
 void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) {
+    constexpr std::uint32_t NO_ROOM = 0xFFFFFFFF;
     append(out, item.flags, 2);
     append(out, item.method, 2);
     append(out, item.time, 4);
     append(out, item.crc, 4);
-    append(out, item.data.size(), 4);
-    append(out, item.size, 4);
+    append(out, item.zip64 ? NO_ROOM : item.data.size(), 4);
+    append(out, item.zip64 ? NO_ROOM : item.size, 4);
     append(out, item.name.size(), 2);
     append(out, extraSize, 2);
+}
+
+void appendDescriptor(std::string& out, const RawItem& item) {
+    append(out, 0x08074b50, 4);
+    append(out, item.crc, 4);
+    append(out, item.data.size(), 4);
+    append(out, item.size, 4);
+}
+
+std::string zip64Field(const std::vector<std::uint64_t>& numbers) {
+    std::string field;
+    append(field, 1, 2);
+    append(field, 8 * numbers.size(), 2);
+    for (const std::uint64_t number : numbers)
+        append(field, number, 8);
+    return field;
+}
+
+void appendZip64Records(std::string& out, std::uint64_t count, std::uint64_t size, std::uint64_t offset) {
+    append(out, 0x06064b50, 4);
+    append(out, 44, 8);
+    append(out, 45, 2);
+    append(out, 45, 2);
+    append(out, 0, 8);
+    for (const std::uint64_t number : {count, count, size, offset})
+        append(out, number, 8);
+    append(out, 0x07064b50, 4);
+    append(out, 0, 4);
+    append(out, offset + size, 8);
+    append(out, 1, 4);
 }
 
 std::uint32_t number(const Bytes& bytes, std::size_t offset, int width) {
@@ -52,7 +83,8 @@ RawItem readItem(const Bytes& archive, std::size_t entry) {
     item.extra = text(archive, entry + 46 + nameSize, number(archive, entry + 30, 2));
     const std::size_t local = number(archive, entry + 42, 4);
     const std::size_t data = local + 30 + number(archive, local + 26, 2) + number(archive, local + 28, 2);
-    item.data = text(archive, data, number(archive, entry + 20, 4));
+    if (number(archive, entry + 20, 4) != 0xFFFFFFFF)
+        item.data = text(archive, data, number(archive, entry + 20, 4));
     return item;
 }
 
@@ -80,32 +112,47 @@ RawItem oddlyDeflated(const std::string& name, const std::string& content) {
     return item;
 }
 
-Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment) {
+Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment, bool zip64) {
     std::string archive;
     std::string directory;
     for (const RawItem& item : items) {
+        std::string extra = item.extra;
+        std::string localExtra = item.localExtra;
+        if (item.zip64) {
+            extra += zip64Field({item.size, item.data.size(), archive.size()});
+            localExtra += zip64Field({item.size, item.data.size()});
+        }
         append(directory, 0x02014b50, 4);
         append(directory, 0x0314, 2); // made by version 2.0 on Unix
         append(directory, 20, 2);
-        appendCommon(directory, item, item.extra.size());
+        appendCommon(directory, item, extra.size());
         append(directory, 0, 6); // comment, disk, internal attributes
         append(directory, item.attributes, 4);
-        append(directory, archive.size(), 4);
-        directory += item.name + item.extra;
+        append(directory, item.zip64 ? 0xFFFFFFFF : archive.size(), 4);
+        directory += item.name + extra;
 
         append(archive, 0x04034b50, 4);
         append(archive, 20, 2);
-        appendCommon(archive, item, 0);
-        archive += item.name + item.data;
+        RawItem local = item;
+        if (item.streamed) {
+            local.data.clear();
+            local.crc = local.size = 0;
+        }
+        appendCommon(archive, local, localExtra.size());
+        archive += item.name + localExtra + item.data;
+        if (item.streamed)
+            appendDescriptor(archive, item);
     }
     const std::size_t start = archive.size();
     archive += directory;
+    if (zip64)
+        appendZip64Records(archive, items.size(), directory.size(), start);
     append(archive, 0x06054b50, 4);
     append(archive, 0, 4);
-    append(archive, items.size(), 2);
-    append(archive, items.size(), 2);
-    append(archive, directory.size(), 4);
-    append(archive, start, 4);
+    append(archive, zip64 ? 0xFFFF : items.size(), 2);
+    append(archive, zip64 ? 0xFFFF : items.size(), 2);
+    append(archive, zip64 ? 0xFFFFFFFF : directory.size(), 4);
+    append(archive, zip64 ? 0xFFFFFFFF : start, 4);
     append(archive, comment.size(), 2);
     archive += comment;
     return {archive.begin(), archive.end()};

@@ -20,6 +20,9 @@ struct RawItem {
     std::uint32_t attributes = 0;      ///< external
     std::uint32_t time = 0x5A21'6000U; ///< date and time as DOS has them
     std::string extra;                 ///< extra fields of the directory
+    std::string localExtra;            ///< extra fields of the local header
+    bool zip64 = false;                ///< sizes and offset stand in ZIP64 fields
+    bool streamed = false; ///< the local header knows neither sizes nor checksum; a descriptor follows
 };
 
 RawItem stored(const std::string& name, const std::string& content);
@@ -28,9 +31,11 @@ RawItem stored(const std::string& name, const std::string& content);
 /// compressed anew.
 RawItem oddlyDeflated(const std::string& name, const std::string& content);
 
-Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment = {});
+/// @param zip64  whether the directory's numbers stand in a ZIP64 record
+Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment = {}, bool zip64 = false);
 
-/// The items of an archive in the order of its directory. Asserts nothing: the archive must be sound.
+/// The items of an archive in the order of its directory, without what stands in ZIP64 fields. Asserts
+/// nothing: the archive must be sound.
 std::vector<RawItem> readZip(const Bytes& archive);
 
 const RawItem& itemOf(const std::vector<RawItem>& items, const std::string& name);

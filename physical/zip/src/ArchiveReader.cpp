@@ -1,42 +1,110 @@
 #include "ArchiveReader.hpp"
 
 #include "ArchiveSource.hpp"
+#include "DirectoryEnd.hpp"
+#include "ExtraFields.hpp"
 #include "Failure.hpp"
+#include "Records.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
 
 namespace opc::physical::zip {
 
-ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> bytes, std::string archivePlace)
-    : where(std::move(archivePlace)) {
-    SourcePtr source = makeSource(std::move(bytes));
+namespace {
+
+/// Whether a local header's numbers are those of the directory. One that was written before the content may
+/// have nothing there yet.
+bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, const unsigned char* extra) {
+    const bool early = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
+    std::uint64_t compressedSize = read32(header + 18);
+    std::uint64_t size = read32(header + 22);
+    Zip64Field field(extra, read16(header + 28));
+    if (!field.resolve(size) || !field.resolve(compressedSize))
+        return early;
+    const auto agrees = [early](std::uint64_t local, std::uint64_t directory) {
+        return local == directory || (early && local == 0);
+    };
+    return agrees(read32(header + 14), entry.crc) && agrees(size, entry.size) &&
+           agrees(compressedSize, entry.compressedSize);
+}
+
+} // namespace
+
+ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> bytes, std::string archivePlace,
+                             const ZipOptions& limits)
+    : source(std::move(bytes)), where(std::move(archivePlace)),
+      entries(readDirectory(*source, where, limits)) {
+    SourcePtr zipSource = makeSource(source);
     zip_error_t error;
     zip_error_init(&error);
-    archive.reset(zip_open_from_source(source.get(), ZIP_RDONLY, &error));
+    archive.reset(zip_open_from_source(zipSource.get(), ZIP_RDONLY, &error));
     if (!archive)
         failZip(where, "can't read the directory of the archive", error);
-    source.release(); // belongs to the archive now
+    zipSource.release(); // belongs to the archive now
+    requireAgreement();
 }
 
-std::uint64_t ArchiveReader::itemCount() const {
-    return static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0));
+/// libzip looks for the end of the directory in its own way: what it has found must be what was checked.
+void ArchiveReader::requireAgreement() const {
+    bool agrees = static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0)) == itemCount();
+    for (ItemIndex i = 0; agrees && i < itemCount(); ++i) {
+        const DirectoryEntry& entry = item(i);
+        zip_stat_t status;
+        agrees = zip_stat_index(archive.get(), i, ZIP_FL_ENC_RAW, &status) == 0 &&
+                 entry.storedName() == status.name && entry.size == status.size &&
+                 entry.compressedSize == status.comp_size && entry.crc == status.crc &&
+                 entry.method == status.comp_method;
+    }
+    if (!agrees)
+        failDirectory(where, "it can be understood in two ways");
 }
 
-ItemStatus ArchiveReader::status(ItemIndex item) const {
-    zip_stat_t status;
-    if (zip_stat_index(archive.get(), item, 0, &status) != 0)
-        failZip(where, "can't read the directory of the archive", *zip_get_error(archive.get()));
-    return {status.name, status.size, status.comp_size, status.comp_method,
-            status.encryption_method != ZIP_EM_NONE};
-}
-
-ItemFile ArchiveReader::open(ItemIndex item) const {
-    ItemFile file(zip_fopen_index(archive.get(), item, 0));
+ItemFile ArchiveReader::open(ItemIndex index) const {
+    checkLocalHeader(index);
+    ItemFile file(zip_fopen_index(archive.get(), index, 0));
     if (!file)
-        failZip(itemPlace(item), "can't read", *zip_get_error(archive.get()));
+        failZip(itemPlace(index), "can't read", *zip_get_error(archive.get()));
     return file;
 }
 
-std::string ArchiveReader::itemPlace(ItemIndex item) const {
-    return zip::itemPlace(where, status(item).name);
+void ArchiveReader::checkLocalHeader(ItemIndex index) const {
+    const DirectoryEntry& entry = item(index);
+    const std::string& name = entry.storedName();
+    std::array<unsigned char, LOCAL_HEADER_SIZE> header{};
+    read(index, entry.offset, header.data(), header.size());
+    if (read32(header.data()) != LOCAL_HEADER)
+        failItem(index, "no local header where the directory says");
+    const std::size_t nameSize = read16(&header[26]);
+    std::vector<unsigned char> variable(nameSize + read16(&header[28]));
+    if (entry.offset + header.size() + variable.size() + entry.compressedSize > entry.end)
+        failItem(index, "it reaches into what lies behind it");
+    read(index, entry.offset + header.size(), variable.data(), variable.size());
+    if (nameSize != name.size() ||
+        !std::equal(name.begin(), name.end(), variable.begin(),
+                    [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }))
+        failItem(index, "its local header has another name");
+    if (read16(&header[8]) != entry.method || ((read16(&header[6]) ^ entry.flags) & ENCRYPTED) != 0 ||
+        !hasNumbersOf(entry, header.data(), variable.data() + nameSize))
+        failItem(index, "its local header differs from the directory");
+}
+
+void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
+                         std::size_t count) const {
+    std::size_t got = 0;
+    if (const int error = source->readAt(offset, buffer, count, got))
+        failSystem(itemPlace(index), "can't read", error);
+    if (got != count)
+        failItem(index, "the archive has been cut off");
+}
+
+void ArchiveReader::failItem(ItemIndex index, const std::string& what) const {
+    fail(itemPlace(index), "can't read: " + what, EBADMSG);
+}
+
+std::string ArchiveReader::itemPlace(ItemIndex index) const {
+    return zip::itemPlace(where, item(index).name);
 }
 
 } // namespace opc::physical::zip

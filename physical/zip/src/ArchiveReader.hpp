@@ -1,10 +1,9 @@
 #pragma once
 
-#include "ByteSource.hpp"
+#include "ArchiveDirectory.hpp"
 
 #include <zip.h>
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -20,34 +19,35 @@ struct ItemClose {
 };
 using ItemFile = std::unique_ptr<zip_file_t, ItemClose>;
 
-/// The position of an item in the archive's directory.
-using ItemIndex = std::uint32_t;
-
-/// What the directory says of an item.
-struct ItemStatus {
-    std::string name; ///< UTF-8
-    std::uint64_t size;
-    std::uint64_t compressedSize;
-    std::uint16_t method;
-    bool encrypted;
-};
-
-/// An archive open to read.
+/// An archive open to read. libzip reads the contents; what it takes on trust, or looks for in other places
+/// than other programs, is checked in front of it.
 class ArchiveReader {
 public:
-    ArchiveReader(std::shared_ptr<ByteSource> bytes, std::string archivePlace);
+    /// Reads the directory, with all checks and within the limits, before libzip opens the archive.
+    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& limits);
 
-    std::uint64_t itemCount() const;
-    ItemStatus status(ItemIndex item) const;
+    ItemIndex itemCount() const { return static_cast<ItemIndex>(entries.size()); }
+    const DirectoryEntry& item(ItemIndex index) const { return entries[index]; }
 
-    /// Starts to read the content of an item.
-    ItemFile open(ItemIndex item) const;
+    /// Starts to read the content of an item. Raises if its local header says anything else than the directory.
+    ItemFile open(ItemIndex index) const;
+
+    /// Raises for an item whose content can't be read.
+    [[noreturn]] void failItem(ItemIndex index, const std::string& what) const;
 
     const std::string& place() const { return where; }
-    std::string itemPlace(ItemIndex item) const;
+    std::string itemPlace(ItemIndex index) const;
 
 private:
+    void requireAgreement() const;
+    void checkLocalHeader(ItemIndex index) const;
+
+    /// Reads all of `count` bytes that belong to an item.
+    void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
+
+    std::shared_ptr<ByteSource> source;
     std::string where;
+    std::vector<DirectoryEntry> entries;
     ArchivePtr archive;
 };
 

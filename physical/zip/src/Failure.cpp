@@ -12,8 +12,6 @@ namespace opc::physical::zip {
 namespace {
 
 int codeOf(const zip_error& error) {
-    if (zip_error_system_type(&error) == ZIP_ET_SYS && error.sys_err != 0)
-        return error.sys_err;
     switch (error.zip_err) {
     case ZIP_ER_NOZIP:
     case ZIP_ER_INCONS:
@@ -34,6 +32,11 @@ int codeOf(const zip_error& error) {
     }
 }
 
+/// Control characters in messages could take over a terminal.
+bool isControl(char c) {
+    return (c >= '\0' && c < ' ') || c == '\x7F';
+}
+
 } // namespace
 
 void fail(const std::string& place, const std::string& what, int code) {
@@ -45,11 +48,16 @@ void failSystem(const std::string& place, const std::string& what, int code) {
 }
 
 void failZip(const std::string& place, const std::string& what, zip_error& error) {
+    if (zip_error_system_type(&error) == ZIP_ET_SYS && error.sys_err != 0)
+        failSystem(place, what, error.sys_err);
     fail(place, what + ": " + zip_error_strerror(&error), codeOf(error));
 }
 
 std::string itemPlace(const std::string& archive, const std::string& item) {
-    return archive + ": " + item;
+    std::string place = archive + ": ";
+    for (const char c : item)
+        place += isControl(c) ? '?' : c;
+    return place;
 }
 
 } // namespace opc::physical::zip

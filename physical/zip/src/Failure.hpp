@@ -18,6 +18,7 @@ namespace opc::physical::zip {
 /// The same for a failure of libzip.
 [[noreturn]] void failZip(const std::string& place, const std::string& what, zip_error& error);
 
+/// @param item  a name from an archive: control characters in it become question marks
 std::string itemPlace(const std::string& archive, const std::string& item);
 
 } // namespace opc::physical::zip

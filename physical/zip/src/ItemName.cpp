@@ -80,10 +80,18 @@ const char* segmentDefect(string_view segment) {
     return segment.back() == '.' ? "a segment that ends in a dot" : nullptr;
 }
 
-/// The rules [M1.1] to [M1.10] as far as they concern one name alone.
+/// "C:/a" and the like; a part could be called so, but an archive of it would be dangerous to unpack.
+bool isDrivePath(string_view path) {
+    const char letter = path.empty() ? '\0' : lower(path[0]);
+    return letter >= 'a' && letter <= 'z' && path.substr(1, 2) == ":/";
+}
+
+/// The rules [M1.1] to [M1.10] as far as they concern one name alone, and what no archive can hold safely.
 const char* defectOf(string_view name) {
     if (name.empty() || name.front() != '/')
         return "no slash in front";
+    if (isDrivePath(name.substr(1)))
+        return "a drive in front";
     while (!name.empty()) {
         name.remove_prefix(1);
         const string_view segment = name.substr(0, name.find('/'));
@@ -124,6 +132,20 @@ std::string encode(string_view item) {
     return name;
 }
 
+const char* reasonToRefuse(string_view item) {
+    if (item.substr(0, 1) == "/")
+        return "its name is an absolute path";
+    if (isDrivePath(item))
+        return "its name begins with a drive";
+    for (std::size_t start = 0; start < item.size();) {
+        const std::size_t end = std::min(item.find('/', start), item.size());
+        if (item.substr(start, end - start) == "..")
+            return "its name leads to a folder above";
+        start = end + 1;
+    }
+    return nullptr;
+}
+
 const char* reasonToIgnore(string_view item) {
     if (item.empty())
         return "an empty name";
@@ -140,6 +162,11 @@ ItemName readItemName(const std::string& item) {
     ItemName result;
     std::string straight = item;
     std::replace(straight.begin(), straight.end(), '\\', '/');
+    if (const char* reason = reasonToRefuse(straight)) {
+        result.kind = ItemName::Kind::Refused;
+        result.reason = reason;
+        return result;
+    }
     if (const char* reason = reasonToIgnore(straight)) {
         result.reason = reason;
         return result;

@@ -11,7 +11,8 @@ extern const char* const CONTENT_TYPES_ITEM;
 
 /// What the name of a ZIP item says that the item is.
 struct ItemName {
-    enum class Kind { Part, ContentTypes, Ignored };
+    /// A refused name leads out of the folder that an archive is unpacked to.
+    enum class Kind { Part, ContentTypes, Ignored, Refused };
 
     /// An interleaved part is cut into items [0].piece, [1].piece and so on, the last one [n].last.piece.
     struct Piece {
@@ -22,7 +23,7 @@ struct ItemName {
     Kind kind = Kind::Ignored;
     std::u16string partName;    ///< of a part
     std::optional<Piece> piece; ///< of a part or the content types stream: it is a piece of that
-    std::string reason;         ///< why it is ignored
+    std::string reason;         ///< why it is ignored or refused
 };
 
 /// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part

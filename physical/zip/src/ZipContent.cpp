@@ -1,6 +1,7 @@
 #include "ZipContent.hpp"
 
 #include "Failure.hpp"
+#include "Records.hpp"
 #include "ZipContentReader.hpp"
 
 #include <cerrno>
@@ -75,7 +76,7 @@ void ZipContent::clear() {
 }
 
 void ZipContent::setCompression(CompressionType type) {
-    chosenMethod = type == CompressionType::None ? ZIP_CM_STORE : ZIP_CM_DEFLATE;
+    chosenMethod = type == CompressionType::None ? STORE : DEFLATE;
     switch (type) {
     case CompressionType::Maximum:
         deflateLevel = 9;
@@ -99,10 +100,9 @@ std::unique_ptr<ZipContentReader> ZipContent::makeReader() const {
 }
 
 std::uint16_t ZipContent::method() const {
-    if (chosenMethod >= 0)
-        return static_cast<std::uint16_t>(chosenMethod);
-    return items.empty() ? static_cast<std::uint16_t>(ZIP_CM_DEFLATE)
-                         : context.archive->status(items.front()).method;
+    if (chosenMethod)
+        return *chosenMethod;
+    return items.empty() ? DEFLATE : context.archive->item(items.front()).method;
 }
 
 std::string ZipContent::itemPlace() const {
@@ -110,7 +110,7 @@ std::string ZipContent::itemPlace() const {
 }
 
 std::string ZipContent::itemName() const {
-    return items.size() == 1 ? context.archive->status(items.front()).name : newItemName;
+    return items.size() == 1 ? context.archive->item(items.front()).name : newItemName;
 }
 
 } // namespace opc::physical::zip

@@ -9,6 +9,7 @@
 #include <opc/interfaces/IPhysicalPart.hpp>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,7 +63,7 @@ private:
     std::vector<ItemIndex> items;
     std::string newItemName;
     std::shared_ptr<Spool> spool;
-    int chosenMethod = -1; ///< -1: as the old item has it, and Deflate for a new one
+    std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
     std::uint32_t deflateLevel = 0;
     std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> inputs;
     std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> outputs;

@@ -31,6 +31,7 @@ private:
     void enterItem();
     void startItem();
     void endItem();
+    std::uint64_t readItem(unsigned char* buffer, std::uint64_t count);
 
     const ArchiveReader& archive;
     std::vector<ItemIndex> items;

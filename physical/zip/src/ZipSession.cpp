@@ -2,6 +2,7 @@
 
 #include "ArchiveWriter.hpp"
 #include "Failure.hpp"
+#include "Records.hpp"
 
 #include <opc/core/Text.hpp>
 
@@ -13,12 +14,12 @@ using interfaces::OpenMode;
 
 namespace {
 
-void requireReadable(const std::string& archive, const ItemStatus& status) {
-    if (status.encrypted)
-        fail(itemPlace(archive, status.name), "is encrypted", ENOTSUP);
-    if (status.method != ZIP_CM_STORE && status.method != ZIP_CM_DEFLATE)
-        fail(itemPlace(archive, status.name),
-             "has compression method " + std::to_string(status.method) + "; Store and Deflate alone are read",
+void requireReadable(const std::string& archive, const DirectoryEntry& entry) {
+    if (entry.flags & (ENCRYPTED | STRONGLY_ENCRYPTED))
+        fail(itemPlace(archive, entry.name), "is encrypted", ENOTSUP);
+    if (entry.method != STORE && entry.method != DEFLATE)
+        fail(itemPlace(archive, entry.name),
+             "has compression method " + std::to_string(entry.method) + "; Store and Deflate alone are read",
              ENOTSUP);
 }
 
@@ -42,22 +43,21 @@ ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, O
 
 void ZipSession::load() {
     source = store.read();
-    context.archive = std::make_unique<ArchiveReader>(source, context.place);
-    const std::uint64_t count = context.archive->itemCount();
-    if (count > options.maxItems)
-        fail(context.place, "more than " + std::to_string(options.maxItems) + " items", EFBIG);
+    context.archive = std::make_unique<ArchiveReader>(source, context.place, options);
     AllPieces pieces;
-    for (ItemIndex item = 0; item < count; ++item)
-        take(item, context.archive->status(item), pieces);
+    for (ItemIndex item = 0; item < context.archive->itemCount(); ++item)
+        take(item, context.archive->item(item), pieces);
     joinPieces(pieces);
 }
 
-void ZipSession::take(ItemIndex item, const ItemStatus& status, AllPieces& pieces) {
-    checkLimits(status);
-    const ItemName name = readItemName(status.name);
+void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
+    checkLimits(entry);
+    const ItemName name = readItemName(entry.name);
+    if (name.kind == ItemName::Kind::Refused)
+        fail(itemPlace(context.place, entry.name), name.reason, EBADMSG);
     if (name.kind == ItemName::Kind::Ignored)
         return ignore(item, name.reason);
-    requireReadable(context.place, status);
+    requireReadable(context.place, entry);
     if (name.piece)
         takePiece(item, name, pieces);
     else
@@ -106,19 +106,19 @@ void ZipSession::joinPieces(AllPieces& pieces) {
 }
 
 void ZipSession::ignore(ItemIndex item, const std::string& reason) {
-    ignored.push_back({context.archive->status(item).name, reason});
+    ignored.push_back({context.archive->item(item).name, reason});
 }
 
-void ZipSession::checkLimits(const ItemStatus& status) {
+void ZipSession::checkLimits(const DirectoryEntry& entry) {
     const auto exceeds = [&](const std::string& what, std::uint64_t limit) {
-        fail(itemPlace(context.place, status.name), what + " " + std::to_string(limit), EFBIG);
+        fail(itemPlace(context.place, entry.name), what + " " + std::to_string(limit), EFBIG);
     };
-    if (status.size > options.maxItemSize)
+    if (entry.size > options.maxItemSize)
         exceeds("its size in bytes is above the limit of", options.maxItemSize);
-    if (status.size > options.maxTotalSize - totalSize)
+    if (entry.size > options.maxTotalSize - totalSize)
         exceeds("the size in bytes of all items together is above the limit of", options.maxTotalSize);
-    totalSize += status.size;
-    if (status.size > options.ratioFloor && status.size / options.maxRatio > status.compressedSize)
+    totalSize += entry.size;
+    if (entry.size > options.ratioFloor && entry.size / options.maxRatio > entry.compressedSize)
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 

@@ -44,18 +44,18 @@ private:
     using AllPieces = std::map<std::u16string, Pieces>;
 
     void load();
-    void take(ItemIndex item, const ItemStatus& status, AllPieces& pieces);
+    void take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
     void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
     void takeWhole(const ItemName& name, std::vector<ItemIndex> items, std::string newItemName);
     void joinPieces(AllPieces& pieces);
     void ignore(ItemIndex item, const std::string& reason);
-    void checkLimits(const ItemStatus& status);
+    void checkLimits(const DirectoryEntry& entry);
     void write(ByteTarget& target);
 
     ArchiveStore& store;
     const ZipOptions& options;
     const interfaces::OpenMode mode;
-    std::shared_ptr<ByteSource> source;
+    std::shared_ptr<ByteSource> source; ///< null while a package is being created
     std::uint64_t totalSize = 0;
     ZipContext context;
     std::optional<ZipContent> contentTypes;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ByteSource.hpp"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace opc::physical {
+struct ZipOptions;
+}
+
+namespace opc::physical::zip {
+
+/// The position of an item in the archive's directory.
+using ItemIndex = std::uint32_t;
+
+/// What the directory says of an item.
+struct DirectoryEntry {
+    std::string name;    ///< UTF-8
+    std::string rawName; ///< as it stands in the archive; empty if that is the same
+    std::uint64_t size = 0;
+    std::uint64_t compressedSize = 0;
+    std::uint64_t offset = 0; ///< of its local header
+    std::uint64_t end = 0;    ///< what belongs to the item ends here: the next item or the directory begins
+    std::uint32_t crc = 0;
+    std::uint16_t method = 0;
+    std::uint16_t flags = 0;
+
+    const std::string& storedName() const { return rawName.empty() ? name : rawName; }
+};
+
+/// Reads the directory at the end of an archive, once it is certain that it is within the limits, and checks
+/// that the items lie in front of it, none in the bytes of another.
+/// @param place  the archive's name for messages
+std::vector<DirectoryEntry> readDirectory(ByteSource& archive, const std::string& place,
+                                          const ZipOptions& limits);
+
+} // namespace opc::physical::zip

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ByteSource.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace opc::physical::zip {
+
+/// What the records behind the directory of an archive say of it.
+struct DirectoryEnd {
+    std::uint64_t itemCount = 0;
+    std::uint64_t offset = 0; ///< of the directory
+    std::uint64_t size = 0;   ///< of the directory, in bytes
+};
+
+/// Finds the end of the directory. The records must stand without a gap between the directory and the end of
+/// the archive: where else they might be looked for, programs would differ on what the archive holds.
+DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place);
+
+/// Raises for a directory that can't be read.
+[[noreturn]] void failDirectory(const std::string& place, const std::string& what);
+
+/// Reads all of `count` bytes of a record of the directory.
+void readRecord(ByteSource& archive, const std::string& place, std::uint64_t offset, unsigned char* buffer,
+                std::size_t count);
+
+} // namespace opc::physical::zip

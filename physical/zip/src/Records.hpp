@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// @file
+/// The records of a ZIP archive. All numbers in them are little-endian.
+
+namespace opc::physical::zip {
+
+/// What each record begins with.
+constexpr std::uint32_t LOCAL_HEADER = 0x04034B50;
+constexpr std::uint32_t DIRECTORY_ENTRY = 0x02014B50;
+constexpr std::uint32_t DIRECTORY_END = 0x06054B50;
+constexpr std::uint32_t ZIP64_DIRECTORY_END = 0x06064B50;
+constexpr std::uint32_t ZIP64_LOCATOR = 0x07064B50;
+
+/// Sizes without what varies: names, extra fields, comments.
+constexpr std::size_t LOCAL_HEADER_SIZE = 30;
+constexpr std::size_t DIRECTORY_ENTRY_SIZE = 46;
+constexpr std::size_t DIRECTORY_END_SIZE = 22;
+constexpr std::size_t ZIP64_DIRECTORY_END_SIZE = 56;
+constexpr std::size_t ZIP64_LOCATOR_SIZE = 20;
+
+/// Stands where a number has no room and is found in a ZIP64 record or field instead.
+constexpr std::uint16_t NO_ROOM_16 = 0xFFFF;
+constexpr std::uint32_t NO_ROOM_32 = 0xFFFFFFFF;
+constexpr std::uint16_t ZIP64_FIELD = 1;
+
+/// Bits of an item's flags.
+constexpr std::uint16_t ENCRYPTED = 1U << 0;
+constexpr std::uint16_t DATA_DESCRIPTOR = 1U << 3; ///< the local header was written before the content
+constexpr std::uint16_t STRONGLY_ENCRYPTED = 1U << 6;
+constexpr std::uint16_t NAME_IS_UTF8 = 1U << 11;
+
+/// Compression methods.
+constexpr std::uint16_t STORE = 0;
+constexpr std::uint16_t DEFLATE = 8;
+
+/// The number of `width` bytes at `bytes`.
+inline std::uint64_t readNumber(const unsigned char* bytes, unsigned width) {
+    std::uint64_t value = 0;
+    for (unsigned i = width; i-- > 0;)
+        value = value << 8 | bytes[i];
+    return value;
+}
+inline std::uint16_t read16(const unsigned char* bytes) {
+    return static_cast<std::uint16_t>(readNumber(bytes, 2));
+}
+inline std::uint32_t read32(const unsigned char* bytes) {
+    return static_cast<std::uint32_t>(readNumber(bytes, 4));
+}
+inline std::uint64_t read64(const unsigned char* bytes) {
+    return readNumber(bytes, 8);
+}
+
+} // namespace opc::physical::zip

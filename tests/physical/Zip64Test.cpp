@@ -1,0 +1,64 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "TemporaryFolder.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+namespace {
+
+using namespace opc::test;
+using opc::physical::ZipPackage;
+
+TEST(Zip64, numbersAreReadAndMoveWhereTheyHaveRoom) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    RawItem large = oddlyDeflated("large", "said to be large");
+    large.zip64 = true;
+    large.extra = std::string("\x99\x99\x02\0ab", 6);
+    RawItem alsoLarge = stored("also-large", "content");
+    alsoLarge.zip64 = true;
+    writeFile(path,
+              makeZip({stored("gone", "gone"), large, alsoLarge, stored("small", "small")}, "comment", true));
+    ASSERT_TRUE(othersAccept(path));
+
+    for (int round = 0; round < 2; ++round) {
+        ZipPackage package(path);
+        package.open(OpenMode::ReadWrite);
+        EXPECT_EQ(content(*find(package, u"/large")), "said to be large");
+        EXPECT_EQ(content(*find(package, u"/also-large")), "content");
+        if (round == 0)
+            package.deletePart(u"/gone");
+        create(package, u"/new", "new");
+        package.close(false);
+        EXPECT_TRUE(othersAccept(path));
+    }
+    const auto items = readZip(readFile(path));
+    ASSERT_EQ(items.size(), 4U);
+    EXPECT_EQ(itemOf(items, "large").data, large.data) << "copied as it was";
+    EXPECT_EQ(itemOf(items, "large").extra, large.extra) << "without a ZIP64 field: there is room";
+    EXPECT_EQ(itemOf(items, "also-large").size, alsoLarge.size);
+}
+
+TEST(Zip64, recordsAreWrittenForMoreItemsThanTheOldOnesCanCount) {
+    constexpr std::size_t COUNT = 70000;
+    const TemporaryFolder folder;
+    const auto path = folder / "many.zip";
+    ZipPackage package(path);
+    package.open(OpenMode::CreateOnly);
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        const std::string name = "/" + std::to_string(i);
+        create(package, {name.begin(), name.end()}, name);
+    }
+    package.close(false);
+    EXPECT_TRUE(othersAccept(path));
+
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(package.getParts().size(), COUNT);
+    EXPECT_EQ(content(*find(package, u"/69999")), "/69999");
+    package.deletePart(u"/0");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getParts().size(), COUNT - 1);
+}
+
+} // namespace
