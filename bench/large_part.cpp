@@ -1,7 +1,7 @@
 // Takes one large part through a ZIP package in both directions, and says how long it took and how much
 // memory the process had at most.
 //
-//   large_part PATH [MEBIBYTES]     default: 2048
+//   large_part PATH [MEBIBYTES [stored]]     default: 2048, deflated
 
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
@@ -23,14 +23,16 @@
 
 namespace {
 
+using opc::interfaces::CompressionType;
 using opc::interfaces::OpenMode;
 
-struct FastInfo : opc::interfaces::IPhysicalPartInfo {
-    opc::interfaces::CompressionType getCompressionType() const override {
-        return opc::interfaces::CompressionType::SuperFast;
-    }
+struct PartInfo : opc::interfaces::IPhysicalPartInfo {
+    explicit PartInfo(CompressionType type) : compression(type) {}
+    CompressionType getCompressionType() const override { return compression; }
     std::uint64_t getGrowthHint() const override { return 0; }
     void* getExtraInfo(const std::u16string&) const override { return nullptr; }
+
+    CompressionType compression;
 };
 
 /// Bytes that compress to about a half, and differ from one block to the next.
@@ -41,10 +43,10 @@ void fill(std::vector<unsigned char>& block, std::uint64_t seed) {
     }
 }
 
-void write(opc::physical::ZipPackage& package, std::uint64_t blocks) {
+void write(opc::physical::ZipPackage& package, std::uint64_t blocks, CompressionType type) {
     package.open(OpenMode::CreateOnly);
     auto* output =
-        package.createPart(u"/large.bin", u"application/octet-stream", FastInfo())->getOutputStream();
+        package.createPart(u"/large.bin", u"application/octet-stream", PartInfo(type))->getOutputStream();
     std::vector<unsigned char> block(1U << 20);
     for (std::uint64_t i = 0; i < blocks; ++i) {
         fill(block, i);
@@ -82,12 +84,14 @@ void measure(const char* what, Action&& action) {
 
 int main(int argc, char** argv) try {
     if (argc < 2) {
-        std::cerr << "usage: large_part PATH [MEBIBYTES]\n";
+        std::cerr << "usage: large_part PATH [MEBIBYTES [stored]]\n";
         return 2;
     }
     const std::uint64_t blocks = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 2048;
+    const CompressionType type =
+        argc > 3 && argv[3] == std::string("stored") ? CompressionType::None : CompressionType::SuperFast;
     opc::physical::ZipPackage package{std::filesystem::path(argv[1])};
-    measure("write and save", [&] { write(package, blocks); });
+    measure("write and save", [&] { write(package, blocks, type); });
     measure("read and compare", [&] { read(package, blocks); });
     return 0;
 } catch (const std::exception& failure) {
