@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <functional>
 #include <random>
 
 namespace {
@@ -139,6 +141,42 @@ TEST(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
     package.close(false);
     EXPECT_EQ(folder.count(), 1U);
     EXPECT_EQ(readZip(readFile(path)).size(), 2U);
+}
+
+TEST(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    const Bytes old = makeZip({stored("a", "alpha")});
+    const Bytes others = makeZip({stored("a", "ALPHA")}); // of the same size
+    const std::function<void()> replaceIt = [&] {
+        writeFile(folder / "new", others);
+        fs::rename(folder / "new", path);
+    };
+    const std::function<void()> writeIntoIt = [&] {
+        writeFile(path, others);
+        fs::last_write_time(path, fs::file_time_type::clock::now() + std::chrono::seconds(2));
+    };
+    for (const auto& change : {replaceIt, writeIntoIt}) {
+        writeFile(path, old);
+        ZipPackage package(path);
+        package.open(OpenMode::ReadWrite);
+        create(package, u"/b", "beta");
+        change();
+        for (int attempt = 0; attempt < 2; ++attempt)
+            EXPECT_TRUE(fails(ESTALE, "has been changed by another program", [&] { package.close(false); }));
+        EXPECT_EQ(readFile(path), others);
+        EXPECT_EQ(folder.count(), 1U);
+        package.close(true);
+    }
+    ZipPackage package(path);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/b", "beta");
+    fs::remove(path);
+    package.close(false);
+    package.open(OpenMode::CreateOnly);
+    replaceIt();
+    package.close(false);
+    EXPECT_EQ(readFile(path).size(), 22U) << "a new package replaces whatever there is";
 }
 
 TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {

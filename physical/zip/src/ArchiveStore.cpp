@@ -49,7 +49,7 @@ std::shared_ptr<ByteSource> FileStore::read() {
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         failSystem(place(), "can't open", errno);
     requireRegular(place(), status);
-    return std::make_shared<FileBytes>(std::move(file), static_cast<std::uint64_t>(status.st_size));
+    return std::make_shared<FileBytes>(std::move(file), FileIdentity(status));
 }
 
 void FileStore::checkWritable() const {
@@ -66,10 +66,25 @@ void FileStore::checkWritable() const {
     }
 }
 
-void FileStore::replace(const std::function<void(ByteTarget&)>& write) {
+void FileStore::replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) {
     ReplacementFile file(path);
     write(file);
-    file.commit();
+    if (old)
+        requireUnchanged(*old);
+    file.putInPlace();
+    lastWritten = file.identity();
+    file.syncFolder();
+}
+
+void FileStore::requireUnchanged(const ByteSource& old) const {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        return; // nothing there that could be lost
+    const FileIdentity now(status);
+    const auto* file = dynamic_cast<const FileBytes*>(&old);
+    // What this package wrote itself stands there if no more than the sync of the folder has failed.
+    if (!(file && file->identity() == now) && !(lastWritten == now))
+        fail(place(), "has been changed by another program since it was opened", ESTALE);
 }
 
 fs::path FileStore::temporaryFolder() const {
@@ -82,13 +97,13 @@ std::shared_ptr<ByteSource> MemoryStore::read() {
     return std::make_shared<MemoryBytes>(archive);
 }
 
-void MemoryStore::replace(const std::function<void(ByteTarget&)>& write) {
+void MemoryStore::replace(const ByteSource* /*old*/, const std::function<void(ByteTarget&)>& write) {
     MemoryTarget target;
     write(target);
     archive = std::make_shared<const Bytes>(std::move(target.bytes));
 }
 
-fs::path MemoryStore::temporaryFolder() const {
+fs::path systemTemporaryFolder() {
     std::error_code error;
     const fs::path folder = fs::temp_directory_path(error);
     return error ? fs::path("/tmp") : folder;

@@ -26,11 +26,16 @@ public:
     virtual void checkWritable() const = 0;
 
     /// Puts what `write` writes in the place of the archive, all or nothing.
-    virtual void replace(const std::function<void(ByteTarget&)>& write) = 0;
+    /// @param old  what `read` gave, if the new archive rests on that: raises if the archive has been changed
+    ///     since by somebody else, whose changes would be lost
+    virtual void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) = 0;
 
     /// A folder for temporary files.
     virtual std::filesystem::path temporaryFolder() const = 0;
 };
+
+/// The system's folder for temporary files.
+std::filesystem::path systemTemporaryFolder();
 
 class FileStore : public ArchiveStore {
 public:
@@ -39,11 +44,14 @@ public:
     std::string place() const override { return path.string(); }
     std::shared_ptr<ByteSource> read() override;
     void checkWritable() const override;
-    void replace(const std::function<void(ByteTarget&)>& write) override;
+    void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
     std::filesystem::path temporaryFolder() const override;
 
 private:
+    void requireUnchanged(const ByteSource& old) const;
+
     std::filesystem::path path;
+    FileIdentity lastWritten;
 };
 
 class MemoryStore : public ArchiveStore {
@@ -55,8 +63,8 @@ public:
     std::string place() const override { return "archive in memory"; }
     std::shared_ptr<ByteSource> read() override;
     void checkWritable() const override {}
-    void replace(const std::function<void(ByteTarget&)>& write) override;
-    std::filesystem::path temporaryFolder() const override;
+    void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
+    std::filesystem::path temporaryFolder() const override { return systemTemporaryFolder(); }
 
     const Bytes& bytes() const { return *archive; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileDescriptor.hpp"
+#include "FileIdentity.hpp"
 
 #include <array>
 #include <cstddef>
@@ -26,16 +27,19 @@ public:
 /// The bytes of a file. Small reads go through a window: a directory of ZIP items is read in tiny steps.
 class FileBytes : public ByteSource {
 public:
-    FileBytes(FileDescriptor descriptor, std::uint64_t length) noexcept
-        : file(std::move(descriptor)), fileSize(length) {}
+    FileBytes(FileDescriptor descriptor, const FileIdentity& fileIdentity) noexcept
+        : file(std::move(descriptor)), whenOpened(fileIdentity) {}
 
-    std::uint64_t size() const noexcept override { return fileSize; }
+    /// Of the file when it was opened.
+    const FileIdentity& identity() const noexcept { return whenOpened; }
+
+    std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
 
 private:
     FileDescriptor file;
-    std::uint64_t fileSize;
+    FileIdentity whenOpened;
     std::array<unsigned char, 16384> window{};
     std::uint64_t windowStart = 0;
     std::size_t windowSize = 0;

@@ -39,7 +39,7 @@ ReplacementFile::ReplacementFile(const fs::path& path)
 }
 
 ReplacementFile::~ReplacementFile() {
-    if (file.isOpen() && !committed)
+    if (file.isOpen() && !inPlace)
         ::unlink(temporary.c_str());
 }
 
@@ -95,14 +95,18 @@ void ReplacementFile::takeAttributes() {
         failSystem(place, "can't keep the permissions", errno);
 }
 
-void ReplacementFile::commit() {
+void ReplacementFile::putInPlace() {
     takeAttributes();
     if (::fsync(file.get()) != 0)
         failSystem(place, "can't sync the new archive", errno);
     if (::rename(temporary.c_str(), target.c_str()) != 0)
         failSystem(place, "can't replace the archive", errno);
-    committed = true;
-    syncFolder();
+    inPlace = true;
+}
+
+FileIdentity ReplacementFile::identity() const {
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0 ? FileIdentity(status) : FileIdentity();
 }
 
 void ReplacementFile::syncFolder() {

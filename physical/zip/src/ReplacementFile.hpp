@@ -2,6 +2,7 @@
 
 #include "BufferedTarget.hpp"
 #include "FileDescriptor.hpp"
+#include "FileIdentity.hpp"
 
 #include <filesystem>
 #include <string>
@@ -12,7 +13,7 @@ namespace opc::physical::zip {
 ///
 /// It lies beside its target under the target's name with a dot in front and ".opcmodel-new" behind, and is
 /// locked while it lives: one that nobody holds is the rest of a process that has died, and the next saving
-/// removes it. Destroyed without `commit`, it is gone and the target is as it was.
+/// removes it. Destroyed without `putInPlace`, it is gone and the target is as it was.
 class ReplacementFile : public ByteTarget {
 public:
     /// @param path  the target; a symbolic link is followed
@@ -23,22 +24,26 @@ public:
 
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override;
 
-    /// Gives the file the permissions of its target, syncs it, puts it in the target's place and syncs the
-    /// folder. If only the last of these fails, the target is the new file already.
-    void commit();
+    /// Gives the file the permissions of its target, syncs it and puts it in the target's place.
+    void putInPlace();
+
+    /// Makes sure that the folder keeps the file under its new name.
+    void syncFolder();
+
+    /// Of the file as it is now.
+    FileIdentity identity() const;
 
 private:
     bool create();
     void removeAbandoned();
     void takeAttributes();
-    void syncFolder();
     std::filesystem::path folder() const;
 
     std::filesystem::path target;
     std::filesystem::path temporary;
     std::string place;
     FileDescriptor file;
-    bool committed = false;
+    bool inPlace = false;
 };
 
 } // namespace opc::physical::zip

@@ -96,6 +96,30 @@ void Spool::writeToFile(const unsigned char* buffer, std::size_t count) {
     }
 }
 
+void Spool::writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) {
+    const auto over = static_cast<std::size_t>(std::min<std::uint64_t>(count, length - offset));
+    overwrite(offset, buffer, over);
+    if (over < count)
+        write(buffer + over, count - over);
+}
+
+void Spool::overwrite(std::uint64_t offset, const unsigned char* buffer, std::size_t count) {
+    if (chunks.empty()) {
+        std::copy_n(buffer, count, memory.begin() + static_cast<std::ptrdiff_t>(offset));
+        return;
+    }
+    while (count > 0) {
+        const auto used = static_cast<std::size_t>(offset % SpoolStore::CHUNK);
+        const std::size_t step = std::min(count, SpoolStore::CHUNK - used);
+        const std::uint64_t chunk = chunks[static_cast<std::size_t>(offset / SpoolStore::CHUNK)];
+        if (const int error = store->file().writeAt(chunk + used, buffer, step))
+            failSystem(store->name(), "can't write to the temporary file", error);
+        offset += step;
+        buffer += step;
+        count -= step;
+    }
+}
+
 int Spool::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) noexcept {
     got = 0;
     const std::uint64_t left = length - std::min(offset, length);

@@ -51,6 +51,10 @@ public:
     /// Appends. Raises `opc::Exception` if the bytes find no room.
     void write(const unsigned char* buffer, std::size_t count);
 
+    /// Writes over what is there, and appends what reaches beyond. Raises as `write` does.
+    /// @param offset  at most the size
+    void writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count);
+
     /// False after a failed `write`: then the content is only a part of what was to be written.
     bool isWhole() const noexcept { return whole; }
 
@@ -59,6 +63,7 @@ public:
                std::size_t& got) noexcept override;
 
 private:
+    void overwrite(std::uint64_t offset, const unsigned char* buffer, std::size_t count);
     void writeToFile(const unsigned char* buffer, std::size_t count);
 
     std::shared_ptr<SpoolStore> store;

@@ -2,11 +2,13 @@
 
 #include "ArchiveStore.hpp"
 #include "Failure.hpp"
+#include "StreamStore.hpp"
 #include "ZipSession.hpp"
 
 #include <opc/interfaces/IPhysicalPartInfo.hpp>
 
 #include <cerrno>
+#include <ostream>
 
 namespace opc::physical {
 
@@ -33,6 +35,10 @@ ZipPackage::ZipPackage(std::filesystem::path path, ZipOptions options)
 ZipPackage::ZipPackage(Bytes archive, ZipOptions options)
     : impl(std::make_unique<Impl>(std::make_unique<zip::MemoryStore>(std::move(archive)),
                                   std::move(options))) {
+}
+
+ZipPackage::ZipPackage(std::istream& archive, ZipOptions options)
+    : impl(std::make_unique<Impl>(std::make_unique<zip::StreamStore>(archive, options), std::move(options))) {
 }
 
 ZipPackage::~ZipPackage() = default;
@@ -88,6 +94,23 @@ const ZipPackage::Bytes& ZipPackage::bytes() const {
     if (!memory)
         zip::fail(impl->store->place(), "not in memory", EINVAL);
     return memory->bytes();
+}
+
+void ZipPackage::writeTo(std::ostream& stream) const {
+    const std::shared_ptr<zip::ByteSource> archive = impl->store->read();
+    std::vector<unsigned char> block(64U * 1024U);
+    for (std::uint64_t offset = 0; offset < archive->size();) {
+        std::size_t got = 0;
+        if (const int error = archive->readAt(offset, block.data(), block.size(), got))
+            zip::failSystem(impl->store->place(), "can't read", error);
+        if (got == 0)
+            zip::fail(impl->store->place(), "can't read: cut off", EIO);
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::ostream
+        stream.write(reinterpret_cast<const char*>(block.data()), static_cast<std::streamsize>(got));
+        offset += got;
+    }
+    if (!stream.flush())
+        zip::fail(impl->store->place(), "can't write to the stream", EIO);
 }
 
 } // namespace opc::physical

@@ -155,7 +155,7 @@ void ZipSession::remove(const std::u16string& name) {
 void ZipSession::save() {
     if (context.readOnly || !context.changed)
         return;
-    store.replace([this](ByteTarget& target) { write(target); });
+    store.replace(source.get(), [this](ByteTarget& target) { write(target); });
 }
 
 void ZipSession::write(ByteTarget& target) {

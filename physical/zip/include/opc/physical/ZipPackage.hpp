@@ -5,37 +5,41 @@
 #include <opc/physical/ZipOptions.hpp>
 
 #include <filesystem>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace opc::physical {
 
-/// A package in a ZIP archive (ECMA-376 Part 2, mapping to ZIP), in a file or in memory.
+/// A package in a ZIP archive (ECMA-376 Part 2, mapping to ZIP), in a file, in memory or from a stream.
 ///
 /// **Saving.** `close(false)` writes a new archive beside the old one, syncs it and renames it over the old
-/// one, so that a file is always wholly old or wholly new. Permissions stay; a symbolic link is followed.
-/// Items that haven't changed are copied as they are compressed. Nothing is written before, and nothing at
-/// all if nothing has changed. After a failure the package is still open, and `close` may be called again.
+/// one, so that a file is always wholly old or wholly new. Permissions stay; a symbolic link is followed. A
+/// file that another program has changed since `open` isn't replaced: its changes would be lost. Items that
+/// haven't changed are copied as they are compressed. Nothing is written before, and nothing at all if nothing
+/// has changed. After a failure the package is still open, and `close` may be called again.
 ///
 /// **Names.** An item becomes a part by a slash in front of its name; what a part name can't hold is
 /// percent-encoded, and a backslash counts as a slash. Names without the UTF-8 flag are taken for UTF-8 if
 /// they are well-formed UTF-8, else for code page 437. Items that can be no part are kept through every save:
-/// see `ignoredItems`. Pieces of an interleaved part are joined. Names are compared without regard to the
-/// case of ASCII letters. A part that is written again keeps the spelling of its item.
+/// see `ignoredItems`. Names that lead out of a folder (`..`, absolute, with a drive) are refused. Pieces of an
+/// interleaved part are joined. Names are compared without regard to the case of ASCII letters. A part that is
+/// written again keeps the spelling of its item.
 ///
 /// **Streams.** A part, and each stream got from it, lives until the part is deleted or the package closed.
-/// Reading inflates as it goes, and checks size and checksum with the last byte: a damaged item never ends
-/// without an exception. An input stream reads the content that the part had when the stream was last opened;
-/// `close` and then `open` take it to what has been written since. Asking for an output stream replaces the
-/// content at once; an older output stream of the same part then raises on `write`. A part whose writing has
-/// failed must be written again or deleted before `close(false)` can succeed.
+/// Reading inflates as it goes. It checks the item's local header with the first byte, size and checksum with
+/// the last: a damaged item never ends without an exception. An input stream reads the content that the part
+/// had when the stream was last opened; `close` and then `open` take it to what has been written since. Asking
+/// for an output stream replaces the content at once; an older output stream of the same part then raises on
+/// `write`. A part whose writing has failed must be written again or deleted before `close(false)` can succeed.
 ///
 /// One thread at a time. Failures are `opc::Exception` with a message that names archive and item, and a code
 /// of the generic category: that of the system call that failed; 2 where a package, part or content types
 /// stream doesn't exist; 13 for changes in a package opened to read; 22 for a bad part name; 27 for a limit;
 /// 74 (bad message) for a damaged archive; 95 for encryption and compression methods other than Store and
-/// Deflate; 9 and 16 for a package that must be open or closed and isn't.
+/// Deflate; 116 for a file that another program has changed; 9 and 16 for a package that must be open or closed
+/// and isn't.
 class OPC_ZIP_EXPORT ZipPackage : public interfaces::IPhysicalPackage {
 public:
     using Bytes = std::vector<unsigned char>;
@@ -51,6 +55,12 @@ public:
 
     /// On an archive in memory. Empty bytes are a package that doesn't exist yet.
     explicit ZipPackage(Bytes archive, ZipOptions options = {});
+
+    /// On an archive that comes from a stream, which needn't be able to seek. It is read from where it stands
+    /// to its end when the package is opened first, to read or to change, and must live until then. What is
+    /// read or saved is kept in memory or a temporary file, as written parts are; `writeTo` passes it on. An
+    /// empty stream is a package that doesn't exist yet.
+    explicit ZipPackage(std::istream& archive, ZipOptions options = {});
 
     /// Drops what hasn't been saved.
     ~ZipPackage() override;
@@ -70,6 +80,9 @@ public:
 
     /// The items of the open package that are no parts, with the reason for each.
     const std::vector<IgnoredItem>& ignoredItems() const;
+
+    /// Writes the archive as it was last saved to a stream, which needn't be able to seek.
+    void writeTo(std::ostream& stream) const;
 
     /// The archive of a package in memory, as it was last saved. Valid until the next `close`.
     const Bytes& bytes() const;

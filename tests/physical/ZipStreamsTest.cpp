@@ -1,0 +1,145 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "TemporaryFolder.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <istream>
+#include <ostream>
+#include <random>
+#include <sstream>
+#include <streambuf>
+
+namespace {
+
+using namespace opc::test;
+using opc::physical::ZipOptions;
+using opc::physical::ZipPackage;
+
+/// A pipe of a kind: bytes come a few at a time, there is no way back, and it may break.
+class Pipe : public std::streambuf {
+public:
+    explicit Pipe(const Bytes& content, std::size_t breakingPoint = SIZE_MAX)
+        : text(content.begin(), content.end()), breaksAt(breakingPoint) {}
+
+protected:
+    int_type underflow() override {
+        place += static_cast<std::size_t>(egptr() - eback());
+        if (place >= breaksAt)
+            throw std::runtime_error("broken pipe");
+        const std::size_t count = std::min<std::size_t>(text.size() - place, 777);
+        setg(text.data() + place, text.data() + place, text.data() + place + count);
+        return count == 0 ? traits_type::eof() : traits_type::to_int_type(text[place]);
+    }
+
+private:
+    std::string text;
+    std::size_t place = 0;
+    std::size_t breaksAt;
+};
+
+/// Takes bytes one way until it is full.
+class Drain : public std::streambuf {
+public:
+    explicit Drain(std::size_t capacity = SIZE_MAX) : room(capacity) {}
+    Bytes bytes;
+
+protected:
+    int_type overflow(int_type c) override {
+        if (bytes.size() == room || c == traits_type::eof())
+            return traits_type::eof();
+        bytes.push_back(static_cast<unsigned char>(c));
+        return c;
+    }
+
+private:
+    std::size_t room;
+};
+
+std::string noise(std::size_t size) {
+    std::mt19937 random(11);
+    std::string text(size, '\0');
+    std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
+    return text;
+}
+
+TEST(ZipStreams, passThroughWithoutSeeking) {
+    // Within memory, and in the temporary file.
+    for (const std::size_t size : {100U, 3000000U}) {
+        const TemporaryFolder folder;
+        ZipOptions options;
+        options.temporaryFolder = folder / "";
+        options.memoryForWrittenParts = 200000;
+        Pipe pipe(
+            makeZip({stored("[Content_Types].xml", "types"), stored("a", noise(size)), stored("b", "beta")}));
+        std::istream input(&pipe);
+        ZipPackage package(input, options);
+        package.open(OpenMode::ReadWrite);
+        EXPECT_TRUE(content(*find(package, u"/a")) == noise(size));
+        create(package, u"/b", "changed");
+        create(package, u"/c", noise(size / 2));
+        package.close(false);
+
+        Drain drain;
+        std::ostream output(&drain);
+        package.writeTo(output);
+        writeFile(folder / "out.zip", drain.bytes);
+        EXPECT_TRUE(othersAccept(folder / "out.zip"));
+        EXPECT_EQ(folder.count(), 1U) << "nothing else is left";
+        for (int round = 0; round < 2; ++round) {
+            package.open(OpenMode::ReadWrite);
+            EXPECT_EQ(names(package), u"/a /b /c ");
+            EXPECT_EQ(content(*find(package, u"/b")), "changed");
+            EXPECT_TRUE(content(*find(package, u"/c")) == noise(size / 2));
+            package.close(true);
+        }
+    }
+}
+
+TEST(ZipStreams, areWrittenFromEveryKindOfPackage) {
+    const TemporaryFolder folder;
+    const Bytes archive = makeZip({stored("a", "alpha")});
+    writeFile(folder / "a.zip", archive);
+    std::istringstream empty;
+    ZipPackage inFile(folder / "a.zip");
+    ZipPackage inMemory(archive);
+    ZipPackage fromNothing(empty);
+    EXPECT_TRUE(
+        fails(ENOENT, "archive from a stream: can't open", [&] { fromNothing.open(OpenMode::ReadOnly); }));
+    fromNothing.open(OpenMode::CreateOnly);
+    create(fromNothing, u"/a", "alpha");
+    fromNothing.close(false);
+    for (ZipPackage* package : {&inFile, &inMemory, &fromNothing}) {
+        Drain drain;
+        std::ostream output(&drain);
+        package->writeTo(output);
+        EXPECT_EQ(itemOf(readZip(drain.bytes), "a").size, 5U);
+    }
+}
+
+TEST(ZipStreams, failuresAreExceptions) {
+    const Bytes archive = makeZip({stored("a", noise(5000))});
+    Pipe broken(archive, 3000);
+    std::istream brokenInput(&broken);
+    ZipPackage cut(brokenInput);
+    EXPECT_TRUE(fails(EIO, "can't read the stream", [&] { cut.open(OpenMode::ReadOnly); }));
+
+    ZipOptions options;
+    options.maxTotalSize = 4000;
+    Pipe longPipe(archive);
+    std::istream longInput(&longPipe);
+    ZipPackage tooLong(longInput, options);
+    EXPECT_TRUE(
+        fails(EFBIG, "longer than the limit of 4000 bytes", [&] { tooLong.open(OpenMode::ReadOnly); }));
+
+    ZipPackage package(archive);
+    for (const std::size_t room : {std::size_t{0}, archive.size() - 1}) {
+        Drain drain(room);
+        std::ostream output(&drain);
+        EXPECT_TRUE(fails(EIO, "can't write to the stream", [&] { package.writeTo(output); }));
+    }
+}
+
+} // namespace
