@@ -100,6 +100,30 @@ TEST_F(Opctool, wrongUsageHasAStatusOfItsOwn) {
     }
 }
 
+TEST_F(Opctool, opensLenientlyWhatItNamesTheOptionFor) {
+    write("note.txt", "hello");
+    run("new p.zip");
+    run("add p.zip /a.txt note.txt --type text/plain");
+    ASSERT_EQ(std::system(
+                  ("cd '" + folder.string() +
+                   "' && python3 -c \"import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('b.jpg', '')\"")
+                      .c_str()),
+              0);
+    const std::string way = "; --lenient opens the package without it\n";
+    const std::string hidden = "opctool: hidden: /b.jpg: no content type covers it\n";
+    for (const std::string command : {"ls", "rels", "info", "props", "cat"}) {
+        const std::string arguments = command + (command == "cat" ? " p.zip /a.txt" : " p.zip");
+        const Outcome strict = run(arguments);
+        EXPECT_EQ(strict.status, 3) << command;
+        EXPECT_EQ(strict.errors,
+                  "opctool: ContentTypeNotFound: No content type was found for part:/b.jpg" + way);
+        const Outcome lenient = run(arguments + " --lenient");
+        EXPECT_EQ(lenient.status, 0) << command;
+        EXPECT_EQ(lenient.errors, hidden) << command;
+    }
+    EXPECT_EQ(run("props p.zip --lenient --clear").status, 2) << "it is for reading";
+}
+
 TEST_F(Opctool, failsIfItsOutputCanNotBeWritten) {
     run("new p.zip");
     EXPECT_EQ(run("ls p.zip --json >/dev/full").status, 3);

@@ -22,7 +22,6 @@ namespace {
 
 using nlohmann::ordered_json;
 using opc::toUDEString;
-using opc::interfaces::OpenMode;
 using opc::model::PackageHelper;
 using opc::model::Part;
 using opc::model::Relationship;
@@ -92,10 +91,10 @@ ordered_json listIgnored(const OpenedPackage& package) {
     return list;
 }
 
-ordered_json describePackage(const std::string& path) {
-    OpenedPackage package(path, OpenMode::ReadOnly);
-    ordered_json description = {{"file", path},
-                                {"size", std::filesystem::file_size(path)},
+ordered_json describePackage(const PackageToRead& toRead) {
+    OpenedPackage package(toRead);
+    ordered_json description = {{"file", toRead.path},
+                                {"size", std::filesystem::file_size(toRead.path)},
                                 {"parts", countParts(*package)},
                                 {"relationships", countRelationships(*package)}};
     // An overview of a package whose properties are bad is worth more than none.
@@ -152,13 +151,13 @@ void printIgnored(const ordered_json& ignored) {
     table.print(std::cout, outputIsTerminal());
 }
 
-void info(const std::string& path, bool asJSON) {
-    const ordered_json description = describePackage(path);
+void info(const PackageToRead& toRead, bool asJSON) {
+    const ordered_json description = describePackage(toRead);
     if (asJSON) {
         std::cout << description.dump(2) << '\n';
         return;
     }
-    std::cout << path << ": " << grouped(description["size"]) << " bytes\n";
+    std::cout << toRead.path << ": " << grouped(description["size"]) << " bytes\n";
     printParts(description["parts"]);
     printRelationships(description["relationships"]);
     std::cout << "\nThumbnails: " << description["thumbnails"].size() << '\n';
@@ -172,12 +171,12 @@ void info(const std::string& path, bool asJSON) {
 
 void addInfoCommand(CLI::App& app) {
     struct Arguments {
-        std::string package;
+        PackageToRead package;
         bool json = false;
     };
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand("info", "Give an overview of a package");
-    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    addPackageToRead(*command, arguments->package);
     command->add_flag("--json", arguments->json, "Print a JSON object");
     command->callback([arguments] { info(arguments->package, arguments->json); });
 }

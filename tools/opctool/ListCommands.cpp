@@ -19,7 +19,6 @@ namespace {
 
 using nlohmann::ordered_json;
 using opc::toUDEString;
-using opc::interfaces::OpenMode;
 using opc::model::Part;
 using opc::model::Relationship;
 using opc::model::RelationshipSource;
@@ -30,12 +29,12 @@ void printJSON(const ordered_json& list) {
 }
 
 struct LsArguments {
-    std::string package;
+    PackageToRead package;
     bool json = false;
 };
 
 void ls(const LsArguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    OpenedPackage package(arguments.package);
     ordered_json list = ordered_json::array();
     for (const Part& part : package->getParts())
         list.push_back({{"name", toUDEString(part.getName().toString())},
@@ -54,7 +53,7 @@ void ls(const LsArguments& arguments) {
 }
 
 struct RelsArguments {
-    std::string package;
+    PackageToRead package;
     std::string source = "/";
     bool all = false;
     bool json = false;
@@ -74,7 +73,7 @@ ordered_json describe(const Relationship& relationship) {
 }
 
 void rels(const RelsArguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    OpenedPackage package(arguments.package);
     ordered_json list = ordered_json::array();
     const auto add = [&list](const RelationshipSource& source) {
         for (const Relationship& relationship : source.getRelationships())
@@ -98,12 +97,12 @@ void rels(const RelsArguments& arguments) {
 }
 
 struct CatArguments {
-    std::string package;
+    PackageToRead package;
     std::string part;
 };
 
 void cat(const CatArguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    OpenedPackage package(arguments.package);
     const Part part = package->getPart(opc::model::PartName(fromArgument(arguments.part)));
     opc::StreamHelper::copyStreamToStream(part.getInputStream(), std::cout);
 }
@@ -113,13 +112,13 @@ void cat(const CatArguments& arguments) {
 void addListCommands(CLI::App& app) {
     auto lsArguments = std::make_shared<LsArguments>();
     CLI::App* lsCommand = app.add_subcommand("ls", "List the parts: name, content type, size, relationships");
-    lsCommand->add_option("PACKAGE", lsArguments->package, "The package's file")->required();
+    addPackageToRead(*lsCommand, lsArguments->package);
     lsCommand->add_flag("--json", lsArguments->json, "Print a JSON array");
     lsCommand->callback([lsArguments] { ls(*lsArguments); });
 
     auto relsArguments = std::make_shared<RelsArguments>();
     CLI::App* relsCommand = app.add_subcommand("rels", "List the relationships of the package or of a part");
-    relsCommand->add_option("PACKAGE", relsArguments->package, "The package's file")->required();
+    addPackageToRead(*relsCommand, relsArguments->package);
     CLI::Option* source =
         relsCommand->add_option("SOURCE", relsArguments->source, "A part name; \"/\" is the package itself");
     relsCommand->add_flag("--all", relsArguments->all, "The package and every part")->excludes(source);
@@ -128,7 +127,7 @@ void addListCommands(CLI::App& app) {
 
     auto catArguments = std::make_shared<CatArguments>();
     CLI::App* catCommand = app.add_subcommand("cat", "Write the content of a part to standard output");
-    catCommand->add_option("PACKAGE", catArguments->package, "The package's file")->required();
+    addPackageToRead(*catCommand, catArguments->package);
     catCommand->add_option("PART", catArguments->part, "A part name")->required();
     catCommand->callback([catArguments] { cat(*catArguments); });
 }

@@ -1,19 +1,39 @@
 #pragma once
 
 #include <opc/model/Package.hpp>
+#include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
 namespace opctool {
+
+/// The package of a command that changes nothing, as it is given on the command line.
+struct PackageToRead {
+    std::string path;
+    bool lenient = false;
+};
+
+/// Declares the arguments of such a command for its package.
+/// @return the option `--lenient`
+CLI::Option* addPackageToRead(CLI::App& command, PackageToRead& package);
 
 /// The package of one command: opened when it is made. Unless `save` was called, it is left as it was.
 class OpenedPackage {
 public:
     /// @param path  as it came from the command line
     OpenedPackage(const std::string& path, opc::interfaces::OpenMode mode);
+
+    /// Leniently, it prints a line on standard error for each item that is hidden. Otherwise the failure that
+    /// leniency would have avoided names the option.
+    explicit OpenedPackage(const PackageToRead& toRead);
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
@@ -33,6 +53,7 @@ public:
 
 private:
     opc::physical::ZipPackage archive;
+    opc::physical::LenientPackage lenientArchive;
     opc::model::Package package;
 };
 

@@ -27,7 +27,7 @@ using opc::model::PackageHelper;
 using opc::model::Part;
 
 struct Arguments {
-    std::string package;
+    PackageToRead package;
     bool json = false;
     bool clear = false;
     std::vector<std::string> unset;
@@ -55,7 +55,7 @@ void warnOfCorePropertiesOutOfReach(const Package& package) {
 }
 
 void print(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    OpenedPackage package(arguments.package);
     warnOfCorePropertiesOutOfReach(*package);
     const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
     if (arguments.json)
@@ -65,7 +65,7 @@ void print(const Arguments& arguments) {
 }
 
 void change(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    OpenedPackage package(arguments.package.path, OpenMode::ReadWrite);
     warnOfCorePropertiesOutOfReach(*package);
     CoreProperties properties;
     if (!arguments.clear) // what is to be dropped needn't be readable
@@ -91,22 +91,26 @@ void change(const Arguments& arguments) {
 void addPropertyCommands(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand("props", "Print the core properties, or change them");
-    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    CLI::Option* lenient = addPackageToRead(*command, arguments->package);
     CLI::Option* json = command->add_flag("--json", arguments->json, "Print a JSON object");
     command->add_flag("--clear", arguments->clear, "Drop all properties, before anything else is done")
-        ->excludes(json);
+        ->excludes(json)
+        ->excludes(lenient);
     addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property, before any is set")
         ->check(checkProperty)
-        ->excludes(json);
+        ->excludes(json)
+        ->excludes(lenient);
     addRepeatable(command, "--set", arguments->set,
                   "NAME=VALUE: set one property. A time is any W3CDTF (2024, 2024-02-29, "
                   "2024-02-29T13:45:59+01:00 …) or now")
         ->check(checkAssignment)
-        ->excludes(json);
+        ->excludes(json)
+        ->excludes(lenient);
     addRepeatable(command, "--keyword", arguments->keywords,
                   "TEXT or TEXT:LANGUAGE: a keyword; all that are given take the place of the old ones. "
                   "A colon at the end says that there is no language")
-        ->excludes(json);
+        ->excludes(json)
+        ->excludes(lenient);
     command->callback([arguments] { arguments->changes() ? change(*arguments) : print(*arguments); });
 }
 
