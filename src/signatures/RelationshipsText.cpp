@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <string_view>
-#include <tuple>
 #include <unordered_map>
 
 #include <xercesc/dom/DOM.hpp>
@@ -35,10 +34,13 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
 }
 
 bool RelationshipsText::standsBefore(const Entry& left, const Entry& right) {
-    const auto key = [](const Relationship::Values& values) {
-        return std::tie(values.id, values.target, values.type, values.targetMode);
-    };
-    return key(*left.values) < key(*right.values);
+    using Values = Relationship::Values;
+    for (const auto text : {&Values::id, &Values::target, &Values::type}) {
+        const int order = (left.values->*text).compare(right.values->*text);
+        if (order != 0)
+            return order < 0;
+    }
+    return left.values->targetMode < right.values->targetMode;
 }
 
 std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>& entries) {

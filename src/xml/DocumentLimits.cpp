@@ -78,7 +78,9 @@ void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsi
 void DocumentLimits::countName(const XMLCh* name) {
     if (++names <= MAXIMUM_NAMES)
         return;
-    laterNames.insert(name);
+    if (laterNames.count(name) != 0)
+        return;
+    laterNames.insert(nameTexts.emplace_back(name));
     refuseIf(laterNames.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 different names");
 }
 

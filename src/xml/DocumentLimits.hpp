@@ -2,7 +2,9 @@
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 
+#include <deque>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -55,10 +57,11 @@ private:
     std::vector<XMLSize_t> openElements; ///< how many attributes each has
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;
-    XMLSize_t names = 0;                           ///< of elements, attributes and instructions
-    std::unordered_set<std::u16string> laterNames; ///< the different ones, once there are many
-    std::unordered_set<std::u16string> namespaces; ///< that are declared
-    std::unordered_map<XMLSize_t, XMLSize_t> ids;  ///< how many have each hash value
+    XMLSize_t names = 0;                                ///< of elements, attributes and instructions
+    std::unordered_set<std::u16string_view> laterNames; ///< the different ones, once there are many
+    std::deque<std::u16string> nameTexts;               ///< what they look into
+    std::unordered_set<std::u16string> namespaces;      ///< that are declared
+    std::unordered_map<XMLSize_t, XMLSize_t> ids;       ///< how many have each hash value
 };
 
 } // namespace opc::model
