@@ -2,6 +2,7 @@
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
+#include <algorithm>
 #include <istream>
 #include <streambuf>
 
@@ -14,6 +15,10 @@ constexpr std::size_t BlockSize = 64 * 1024;
 /// What a stream buffer holds ready, read in place: a stream over memory costs no copy.
 class Window : public std::streambuf {
 public:
+    /// Makes the buffer read if it holds nothing.
+    static bool fill(std::streambuf& buffer) {
+        return buffer.sgetc() != std::streambuf::traits_type::eof();
+    }
     static std::size_t size(const std::streambuf& buffer) {
         return static_cast<std::size_t>((buffer.*&Window::egptr)() - (buffer.*&Window::gptr)());
     }
@@ -64,21 +69,15 @@ std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) 
     const openssl::ErrorScope scope;
     if (stream.fail())
         throw utils::CouldNotComputeDigest("The stream to digest has failed.");
-    if (!block)
-        block.reset(new char[BlockSize]);
     start();
     // Past the stream's own functions: those would swallow what a physical layer throws.
     std::streambuf& source = *stream.rdbuf();
-    for (;;) {
-        if (Window::size(source) >= BlockSize) {
-            update(Window::start(source), BlockSize);
-            Window::skip(source, BlockSize);
-            continue;
-        }
-        const std::streamsize count = source.sgetn(block.get(), BlockSize);
-        if (count <= 0)
-            break;
-        update(block.get(), static_cast<std::size_t>(count));
+    while (Window::fill(source)) {
+        const std::size_t count = std::min(Window::size(source), BlockSize);
+        update(Window::start(source), count);
+        Window::skip(source, count);
+        if (Window::size(source) == 0 && source.in_avail() >= std::streamsize{BlockSize}) // more than its buffer, as of a file
+            updateInBlocks(source);
     }
     std::vector<unsigned char> value = finish();
     stream.setstate(std::ios_base::eofbit);
@@ -88,6 +87,14 @@ std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) 
 void EvpDigestEngine::start() {
     if (!EVP_DigestInit_ex2(context.get(), digest.get(), nullptr))
         openssl::fail<utils::CouldNotComputeDigest>("A digest can't be started.");
+}
+
+void EvpDigestEngine::updateInBlocks(std::streambuf& source) {
+    if (!block)
+        block.reset(new char[BlockSize]);
+    std::streamsize count = 0;
+    while ((count = source.sgetn(block.get(), BlockSize)) > 0)
+        update(block.get(), static_cast<std::size_t>(count));
 }
 
 void EvpDigestEngine::update(const void* bytes, std::size_t count) {

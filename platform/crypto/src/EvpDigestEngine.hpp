@@ -22,6 +22,7 @@ public:
 
 private:
     void start();
+    void updateInBlocks(std::streambuf& source);
     void update(const void* bytes, std::size_t count);
     std::vector<unsigned char> finish();
 
