@@ -2,6 +2,8 @@
 // out of memory, or read from the same source where the bytes have to be read first. Both run in turn within each
 // iteration; `ratio` is their share of speed: 1 means that the stream costs nothing.
 
+#include "WorkTime.hpp"
+
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 
 #include <opc/core/ByteArrayAdaptors.hpp>
@@ -12,9 +14,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -31,13 +31,6 @@ using bedrock::crypto::DigestEngine;
 
 constexpr std::size_t BlockSize = 64 * 1024;
 constexpr std::size_t Size = 64 * 1024 * 1024;
-
-/// The time that this thread was at work: what else the machine does doesn't count.
-std::chrono::nanoseconds now() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
 
 /// A block of bytes, and none at the end.
 using NextBlock = std::function<std::string_view()>;
@@ -58,21 +51,18 @@ void compare(benchmark::State& state, DigestAlgorithm algorithm, const char* nam
              const std::function<NextBlock()>& startBlocks) {
     const EVP_MD* digest = EVP_get_digestbyname(name);
     const auto engine = bedrock::crypto::cryptopp::CryptoProvider().createDigestEngine(algorithm);
-    auto own = std::chrono::nanoseconds::max();
-    auto inBlocks = std::chrono::nanoseconds::max();
+    bench::BestTime own;
+    bench::BestTime inBlocks;
     for (auto _ : state) {
-        const auto start = now();
-        const auto value = digestTheStream(*engine);
-        const auto middle = now();
-        const auto expected = digestBlocks(startBlocks(), digest);
-        own = std::min(own, middle - start);
-        inBlocks = std::min(inBlocks, now() - middle);
-        state.SetIterationTime(std::chrono::duration<double>(middle - start).count());
-        if (value != expected)
-            state.SkipWithError("the digests differ");
+        std::vector<unsigned char> value;
+        state.SetIterationTime(own.take([&] { value = digestTheStream(*engine); }).count());
+        inBlocks.take([&] {
+            if (digestBlocks(startBlocks(), digest) != value)
+                state.SkipWithError("the digests differ");
+        });
     }
     state.SetBytesProcessed(state.iterations() * std::int64_t{Size});
-    state.counters["ratio"] = static_cast<double>(inBlocks.count()) / static_cast<double>(own.count());
+    state.counters["ratio"] = inBlocks / own;
 }
 
 void memoryStream(benchmark::State& state, DigestAlgorithm algorithm, const char* name) {

@@ -4,6 +4,9 @@
 // byte it takes to sign or verify it. `peak_MiB` is the peak memory of the process.
 
 #include "PeakMemory.hpp"
+#include "RawArchive.hpp"
+#include "SamplePackages.hpp"
+#include "WorkTime.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
@@ -13,7 +16,6 @@
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/MemoryPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
@@ -21,8 +23,6 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
-#include <chrono>
-#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -41,18 +41,6 @@ constexpr std::size_t BLOCK_SIZE = 64 * 1024;
 const bedrock::crypto::RsaKeyPair& keys() {
     static const auto made = bedrock::crypto::generateRsaKeyPair(2048);
     return made;
-}
-
-template <typename Action>
-std::chrono::duration<double> timeOf(Action&& action) {
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-    };
-    const auto start = now();
-    action();
-    return now() - start;
 }
 
 /// Bytes made as they are read, which nobody stores.
@@ -133,18 +121,18 @@ void requireGood(benchmark::State& state, const DigitalSignatureVerificationStat
 void LargePart(benchmark::State& state, DigestMethod method, const char* name) {
     const std::uint64_t size = static_cast<std::uint64_t>(state.range(0)) << 20;
     const SignatureParams params(method, SignatureMethod::RSA2048);
-    std::chrono::duration<double> signing(1e9), verifying(1e9), raw(1e9);
+    bench::Seconds signing(1e9), verifying(1e9), raw(1e9);
     bench::resetPeakMemory();
     for (auto _ : state) {
         LargePackage store(size);
         store.setPart(u"/small.bin", {}, u"application/octet-stream");
         Opened opened(store, OpenMode::ReadWrite);
         std::optional<DigitalSignature> signature;
-        const auto signingNow =
-            timeOf([&] { signature.emplace(opened.manager.signPackage(keys().getPrivateKey(), params)); });
-        const auto verifyingNow = timeOf(
+        const auto signingNow = bench::workTime(
+            [&] { signature.emplace(opened.manager.signPackage(keys().getPrivateKey(), params)); });
+        const auto verifyingNow = bench::workTime(
             [&] { requireGood(state, opened.manager.verifySignature(*signature, keys().getPublicKey())); });
-        raw = std::min(raw, timeOf([&] { digestInBlocks(size, EVP_get_digestbyname(name)); }));
+        raw = std::min(raw, bench::workTime([&] { digestInBlocks(size, EVP_get_digestbyname(name)); }));
         signing = std::min(signing, signingNow);
         verifying = std::min(verifying, verifyingNow);
         state.SetIterationTime(verifyingNow.count());
@@ -154,32 +142,6 @@ void LargePart(benchmark::State& state, DigestMethod method, const char* name) {
     state.counters["sign_ratio"] = raw / signing;
     state.counters["verify_ratio"] = raw / verifying;
     state.counters["peak_MiB"] = bench::peakMemoryInMiB();
-}
-
-std::u16string numbered(const std::u16string& start, std::int64_t number, const std::u16string& end) {
-    const std::string digits = std::to_string(number);
-    return start + std::u16string(digits.begin(), digits.end()) + end;
-}
-
-void write(const Part& part, const std::string& text) {
-    part.getOutputStream().write(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-}
-
-void createParts(opc::interfaces::IPhysicalPackage& store, std::int64_t count) {
-    Package package(store);
-    package.open(OpenMode::CreateOnly);
-    const ContentType type(u"application/xml");
-    for (std::int64_t i = 0; i < count; ++i) {
-        Part part = package.createPart(
-            PartName(numbered(u"/content/folder", i % 100, numbered(u"/part", i, u".xml"))), type,
-            StandardPartInfo());
-        write(part, "<content>" + std::string(1000, static_cast<char>('a' + i % 26)) + "</content>");
-        part.createInternalRelationship(u"http://example.com/relationships/next", URI(u"next.xml"));
-        part.createInternalRelationship(u"http://example.com/relationships/top", URI(u"/top.xml"));
-        part.createExternalRelationship(u"http://example.com/relationships/link",
-                                        u"http://example.com/target");
-    }
-    package.close(false);
 }
 
 void readEverything(const Package& package) {
@@ -199,24 +161,24 @@ void ManyParts(benchmark::State& state) {
     });
     std::filesystem::remove(path);
     ZipPackage archive(path);
-    createParts(archive, state.range(0));
-    std::chrono::duration<double> reading(1e9), verifying(1e9), signing(0);
+    bench::createPackage(archive, static_cast<int>(state.range(0)));
+    bench::Seconds reading(1e9), verifying(1e9), signing(0);
     {
         Opened opened(archive, OpenMode::ReadWrite);
         const auto& key = keys().getPrivateKey();
-        signing = timeOf([&] { opened.manager.signPackage(key, SignatureParams()); });
+        signing = bench::workTime([&] { opened.manager.signPackage(key, SignatureParams()); });
         opened.package.close(false);
     }
     bench::resetPeakMemory();
     for (auto _ : state) {
-        reading = std::min(reading, timeOf([&] {
+        reading = std::min(reading, bench::workTime([&] {
                                Package package(archive);
                                package.open(OpenMode::ReadOnly);
                                readEverything(package);
                                package.close(true);
                            }));
         Opened opened(archive, OpenMode::ReadOnly);
-        const auto verifyingNow = timeOf([&] {
+        const auto verifyingNow = bench::workTime([&] {
             requireGood(state, opened.manager.verifySignature(opened.manager.getSignature(u"sig1"),
                                                               keys().getPublicKey()));
         });
@@ -232,7 +194,7 @@ void ManyParts(benchmark::State& state) {
 /// Signatures of one part each, loaded and verified.
 void ManySignatures(benchmark::State& state) {
     MemoryPackage store;
-    createParts(store, 1);
+    bench::createPackage(store, 1);
     const PartName name(u"/content/folder0/part0.xml");
     {
         Opened opened(store, OpenMode::ReadWrite);
@@ -256,7 +218,7 @@ void ManyRelationships(benchmark::State& state) {
     bench::resetPeakMemory();
     for (auto _ : state) {
         MemoryPackage store;
-        createParts(store, 1);
+        bench::createPackage(store, 1);
         {
             Opened opened(store, OpenMode::ReadWrite);
             Part source = opened.package.getPart(PartName(u"/content/folder0/part0.xml"));

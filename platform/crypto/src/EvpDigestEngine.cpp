@@ -16,9 +16,7 @@ constexpr std::size_t BlockSize = 64 * 1024;
 class Window : public std::streambuf {
 public:
     /// Makes the buffer read if it holds nothing.
-    static bool fill(std::streambuf& buffer) {
-        return buffer.sgetc() != std::streambuf::traits_type::eof();
-    }
+    static bool fill(std::streambuf& buffer) { return buffer.sgetc() != std::streambuf::traits_type::eof(); }
     static std::size_t size(const std::streambuf& buffer) {
         return static_cast<std::size_t>((buffer.*&Window::egptr)() - (buffer.*&Window::gptr)());
     }
@@ -76,7 +74,8 @@ std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) 
         const std::size_t count = std::min(Window::size(source), BlockSize);
         update(Window::start(source), count);
         Window::skip(source, count);
-        if (Window::size(source) == 0 && source.in_avail() >= std::streamsize{BlockSize}) // more than its buffer, as of a file
+        if (Window::size(source) == 0 &&
+            source.in_avail() >= std::streamsize{BlockSize}) // more than its buffer, as of a file
             updateInBlocks(source);
     }
     std::vector<unsigned char> value = finish();

@@ -1,0 +1,109 @@
+#include "RawArchive.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <stdexcept>
+
+namespace bench {
+
+namespace {
+
+template <typename Number>
+Number numberAt(const unsigned char* place) {
+    Number number = 0;
+    std::memcpy(&number, place, sizeof number); // little-endian, as this machine is
+    return number;
+}
+
+constexpr std::size_t END_SIZE = 22;
+constexpr std::size_t ENTRY_SIZE = 46;
+constexpr std::size_t HEADER_SIZE = 30;
+
+void require(bool success, const char* what) {
+    if (!success)
+        throw std::runtime_error(what);
+}
+
+} // namespace
+
+RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_str(), O_RDONLY)) {
+    require(file >= 0, "no archive");
+    require(inflateInit2(&inflater, -MAX_WBITS) == Z_OK, "no inflater");
+    struct stat status {};
+    ::fstat(file, &status);
+    std::vector<unsigned char> bytes;
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    constexpr std::size_t TAIL_SIZE = END_SIZE + 20 + 56; // with the ZIP64 records, if they are there
+    read(size - TAIL_SIZE, TAIL_SIZE, bytes);
+    const unsigned char* end = bytes.data() + TAIL_SIZE - END_SIZE;
+    auto count = static_cast<std::uint64_t>(numberAt<std::uint16_t>(end + 10));
+    const auto length = numberAt<std::uint32_t>(end + 12);
+    const auto offset = numberAt<std::uint32_t>(end + 16);
+    if (count == 0xFFFF)
+        count = numberAt<std::uint64_t>(bytes.data() + 32);
+    read(offset, length, bytes);
+    items.reserve(count);
+    for (const unsigned char* entry = bytes.data(); items.size() < count;) {
+        const auto nameSize = numberAt<std::uint16_t>(entry + 28);
+        items.push_back({std::string(reinterpret_cast<const char*>(entry) + ENTRY_SIZE, nameSize),
+                         numberAt<std::uint16_t>(entry + 10), numberAt<std::uint32_t>(entry + 20),
+                         numberAt<std::uint32_t>(entry + 24), numberAt<std::uint32_t>(entry + 42)});
+        entry +=
+            ENTRY_SIZE + nameSize + numberAt<std::uint16_t>(entry + 30) + numberAt<std::uint16_t>(entry + 32);
+    }
+}
+
+RawArchive::~RawArchive() {
+    inflateEnd(&inflater);
+    ::close(file);
+}
+
+void RawArchive::read(std::uint64_t offset, std::size_t count, std::vector<unsigned char>& bytes) const {
+    bytes.resize(count);
+    require(::pread(file, bytes.data(), count, static_cast<off_t>(offset)) == static_cast<ssize_t>(count),
+            "cut off");
+}
+
+std::string_view RawArchive::content(const Item& item) {
+    // The extra fields of a local header may be longer than those of the directory: there is room for some.
+    constexpr std::size_t ROOM = 64;
+    read(item.offset, HEADER_SIZE + item.name.size() + ROOM + item.compressedSize, compressed);
+    const unsigned char* data = compressed.data() + HEADER_SIZE + numberAt<std::uint16_t>(&compressed[26]) +
+                                numberAt<std::uint16_t>(&compressed[28]);
+    if (item.method == 0)
+        return {reinterpret_cast<const char*>(data), item.size};
+    plain.resize(item.size);
+    inflateReset(&inflater);
+    inflater.next_in = const_cast<unsigned char*>(data);
+    inflater.avail_in = item.compressedSize;
+    inflater.next_out = plain.data();
+    inflater.avail_out = item.size;
+    require(::inflate(&inflater, Z_FINISH) == Z_STREAM_END, "not deflated");
+    return {reinterpret_cast<const char*>(plain.data()), item.size};
+}
+
+RawDeflater::RawDeflater() {
+    require(deflateInit2(&deflater, Z_DEFAULT_COMPRESSION, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) ==
+                Z_OK,
+            "no deflater");
+}
+
+RawDeflater::~RawDeflater() {
+    deflateEnd(&deflater);
+}
+
+std::size_t RawDeflater::deflate(std::string_view text) {
+    compressed.resize(deflateBound(&deflater, text.size()));
+    deflateReset(&deflater);
+    deflater.next_in = reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
+    deflater.avail_in = static_cast<unsigned>(text.size());
+    deflater.next_out = compressed.data();
+    deflater.avail_out = static_cast<unsigned>(compressed.size());
+    require(::deflate(&deflater, Z_FINISH) == Z_STREAM_END, "not deflated");
+    return deflater.total_out;
+}
+
+} // namespace bench
