@@ -5,13 +5,16 @@
 
 #include <boost/regex.hpp>
 
+#include <algorithm>
 #include <string_view>
 
 namespace opc::model {
 
 namespace {
 
-bool endsWith(std::u16string_view text, std::u16string_view end) {
+using std::u16string_view;
+
+bool endsWith(u16string_view text, u16string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
@@ -55,7 +58,7 @@ std::u16string PartName::toString() const {
 }
 
 std::u16string PartName::getExtension() const {
-    return detail::getExtension(uri.getPath());
+    return detail::getExtension(uri.path());
 }
 
 bool PartName::isRelationshipName() const {
@@ -67,23 +70,27 @@ std::u16string PartName::getRelationshipPartName() const {
         return PACKAGE_RELATIONSHIPS_ROOT_NAME;
     if (isRelationship)
         throw InvalidPartName("Relationship part can't have an associated relationship part name");
-    const std::u16string path = uri.getPath();
+    const u16string_view path = uri.path();
     const std::size_t file = path.rfind(URI::getSlash()) + 1;
-    return path.substr(0, file) + RELATIONSHIP_PART_SEGMENT_NAME + FORWARD_SLASH_STRING + path.substr(file) +
-           RELATIONSHIP_PART_EXTENSION_NAME;
+    std::u16string name;
+    name.reserve(path.size() + 11); // of "_rels/" and ".rels"
+    name.append(path.substr(0, file)).append(RELATIONSHIP_PART_SEGMENT_NAME).append(FORWARD_SLASH_STRING);
+    return name.append(path.substr(file)).append(RELATIONSHIP_PART_EXTENSION_NAME);
 }
 
 std::u16string PartName::getSourcePartName() const {
     if (!isRelationship)
         throw InvalidPartName("Part name is not a relationship part name.");
-    if (uri.toString() == PACKAGE_RELATIONSHIPS_ROOT_NAME)
+    if (uri.text() == PACKAGE_RELATIONSHIPS_ROOT_NAME)
         return FORWARD_SLASH_STRING;
     // The path has at least the two slashes round "_rels", and ends in the extension.
-    const std::u16string path = uri.getPath();
+    const u16string_view path = uri.path();
     const std::size_t slash = path.rfind(URI::getSlash());
-    const std::size_t extension = std::u16string_view(RELATIONSHIP_PART_EXTENSION_NAME).size();
-    const std::u16string file = path.substr(slash + 1, path.size() - slash - 1 - extension);
-    return path.substr(0, path.rfind(URI::getSlash(), slash - 1)) + FORWARD_SLASH_STRING + file;
+    const std::size_t extension = u16string_view(RELATIONSHIP_PART_EXTENSION_NAME).size();
+    const u16string_view file = path.substr(slash + 1, path.size() - slash - 1 - extension);
+    return std::u16string(path.substr(0, path.rfind(URI::getSlash(), slash - 1)))
+        .append(FORWARD_SLASH_STRING)
+        .append(file);
 }
 
 bool PartName::operator==(const PartName& other) const {
@@ -99,18 +106,18 @@ bool PartName::operator<(const PartName& other) const {
 }
 
 bool PartName::isPackageRootUri(const URI& uri) {
-    const std::u16string path = uri.getPath();
+    const u16string_view path = uri.path();
     return path.size() == 1 && path.front() == URI::getSlash();
 }
 
 bool PartName::isRelationshipUri(const URI& uri) {
-    const std::u16string path = uri.getPath();
+    const u16string_view path = uri.path();
     // The expression takes linear time on a path that ends so. On others it may try every pair of positions,
     // and on long ones it gives up with an exception of its own.
     if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
         return false;
     static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
-    return boost::regex_match(toWideString(path), expression);
+    return boost::regex_match(toWideString(std::u16string(path)), expression);
 }
 
 void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
@@ -122,7 +129,7 @@ void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
 }
 
 void PartName::throwExceptionIfEmptyURI(const URI& uri) {
-    if (uri.toString().empty())
+    if (uri.text().empty())
         throw InvalidPartName("A part name shall not be empty [M1.1]");
 }
 
@@ -137,17 +144,17 @@ void PartName::throwExceptionIfPartNameDoesNotStartWithForwardSlash(const URI& u
 }
 
 void PartName::throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri) {
-    if (endsWith(uri.toString(), FORWARD_SLASH_STRING))
+    if (endsWith(uri.text(), FORWARD_SLASH_STRING))
         throw InvalidPartName("A part name shall not have a forward slash as the last character [M1.5]");
 }
 
 void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
     // The whole text counts, with a query and a fragment.
-    for (const std::u16string& segment : splitWithEmptySegments(uri.toString())) {
+    for (const u16string_view segment : splitWithEmptySegments(uri.text())) {
         if (segment.empty())
             throw InvalidPartName("A part name shall not have empty segments [M1.3]");
         if (segment.back() == URI::getDot()) {
-            if (segment.find_first_not_of(URI::getDot()) == std::u16string::npos)
+            if (segment.find_first_not_of(URI::getDot()) == u16string_view::npos)
                 throw InvalidPartName("A segment shall include at least one non-dot character. [M1.10]");
             throw InvalidPartName("A segment shall not end with a dot ('.') character [M1.9]");
         }
@@ -155,9 +162,9 @@ void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
     }
 }
 
-void PartName::checkPCharCompliance(const std::u16string& segment) {
+void PartName::checkPCharCompliance(u16string_view segment) {
     // A URI has two hexadecimal digits behind each percent sign.
-    for (std::size_t at = segment.find(u'%'); at != std::u16string::npos && segment.size() - at > 2;
+    for (std::size_t at = segment.find(u'%'); at != u16string_view::npos && segment.size() - at > 2;
          at = segment.find(u'%', at + 3)) {
         const int value = 16 * hexValue(segment[at + 1]) + hexValue(segment[at + 2]);
         if (value == '/' || value == '\\')
@@ -171,11 +178,12 @@ void PartName::checkPCharCompliance(const std::u16string& segment) {
     }
 }
 
-std::vector<std::u16string> PartName::splitWithEmptySegments(const std::u16string& text) {
-    std::vector<std::u16string> segments;
+std::vector<u16string_view> PartName::splitWithEmptySegments(u16string_view text) {
+    std::vector<u16string_view> segments;
+    segments.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), URI::getSlash())) + 1);
     // Without a slash, the search's result wraps round to the beginning.
     std::size_t begin = text.find(URI::getSlash()) + 1;
-    for (std::size_t end = text.find(URI::getSlash(), begin); end != std::u16string::npos;
+    for (std::size_t end = text.find(URI::getSlash(), begin); end != u16string_view::npos;
          end = text.find(URI::getSlash(), begin)) {
         segments.push_back(text.substr(begin, end - begin));
         begin = end + 1;

@@ -18,8 +18,6 @@ constexpr auto AS_WRITTEN = bedrock::network::iri::Encoding::AsWritten;
 struct URI::Impl {
     explicit Impl(const std::u16string& reference) : iri(reference) {}
 
-    const std::u16string& text() const noexcept { return iri.toString(); }
-
     const bedrock::network::IRI iri; // owns the text
 };
 
@@ -31,18 +29,33 @@ URI::URI(const char16_t* text) {
     init(text == nullptr ? std::u16string() : std::u16string(text));
 }
 
-void URI::init(const std::u16string& text) {
-    if (std::any_of(text.begin(), text.end(), [](char16_t unit) { return unit > 127; }))
+void URI::init(const std::u16string& reference) {
+    if (std::any_of(reference.begin(), reference.end(), [](char16_t unit) { return unit > 127; }))
         throw InvalidURI("Could not successfully parse URI string. URI must contain only US-ASCII.");
     try {
-        impl = std::make_shared<const Impl>(text);
+        static const auto EMPTY = std::make_shared<const Impl>(std::u16string()); // one body for all of these
+        impl = reference.empty() ? EMPTY : std::make_shared<const Impl>(reference);
     } catch (...) {
         throw InvalidURI("Could not successfully parse URI string.");
     }
 }
 
+const std::u16string& URI::text() const noexcept {
+    return impl->iri.toString();
+}
+
+std::u16string_view URI::path() const noexcept {
+    const std::u16string_view reference = text();
+    if (isOpaque())
+        return {};
+    std::size_t begin = hasScheme() ? reference.find(getColon()) + 1 : 0;
+    if (hasAuthority())
+        begin = std::min(reference.find_first_of(u"/?#", begin + 2), reference.size());
+    return reference.substr(begin, reference.find_first_of(u"?#", begin) - begin);
+}
+
 std::u16string URI::toString() const {
-    return impl->text();
+    return text();
 }
 
 bool URI::isOpaque() const {
@@ -86,7 +99,7 @@ std::u16string URI::getAuthority() const {
 }
 
 std::u16string URI::getPath() const {
-    return isOpaque() ? std::u16string() : impl->iri.getPath(AS_WRITTEN);
+    return std::u16string(path());
 }
 
 std::u16string URI::getQuery() const {
@@ -110,7 +123,7 @@ char16_t URI::getDot() {
 }
 
 bool URI::operator==(const URI& other) const {
-    return caselessCompare(impl->text(), other.impl->text()) == 0;
+    return caselessCompare(text(), other.text()) == 0;
 }
 
 bool URI::operator!=(const URI& other) const {
@@ -118,7 +131,7 @@ bool URI::operator!=(const URI& other) const {
 }
 
 bool URI::operator<(const URI& other) const {
-    return caselessCompare(impl->text(), other.impl->text()) < 0;
+    return caselessCompare(text(), other.text()) < 0;
 }
 
 std::u16string URI::encodeComponent(const std::u16string& text, std::string extra) {
@@ -146,7 +159,7 @@ std::u16string URI::percentEncode(const std::u16string& text, const std::string&
 }
 
 bool operator==(const URI& left, const std::u16string& right) {
-    return caselessCompare(left.impl->text(), right) == 0;
+    return caselessCompare(left.text(), right) == 0;
 }
 
 bool operator!=(const URI& left, const std::u16string& right) {
@@ -154,7 +167,7 @@ bool operator!=(const URI& left, const std::u16string& right) {
 }
 
 bool operator<(const URI& left, const std::u16string& right) {
-    return caselessCompare(left.impl->text(), right) < 0;
+    return caselessCompare(left.text(), right) < 0;
 }
 
 bool operator==(const std::u16string& left, const URI& right) {
@@ -166,7 +179,7 @@ bool operator!=(const std::u16string& left, const URI& right) {
 }
 
 bool operator<(const std::u16string& left, const URI& right) {
-    return caselessCompare(left, right.impl->text()) < 0;
+    return caselessCompare(left, right.text()) < 0;
 }
 
 URI relativize(const URI& source, const URI& target) {

@@ -4,6 +4,7 @@
 #include <opc/model/URI.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::model {
@@ -68,8 +69,8 @@ private:
     static void throwExceptionIfPartNameDoesNotStartWithForwardSlash(const URI& uri);
     static void throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri);
     static void throwExceptionIfPartNameHasInvalidSegments(const URI& uri);
-    static void checkPCharCompliance(const std::u16string& segment);
-    static std::vector<std::u16string> splitWithEmptySegments(const std::u16string& text);
+    static void checkPCharCompliance(std::u16string_view segment);
+    static std::vector<std::u16string_view> splitWithEmptySegments(std::u16string_view text);
 
     URI uri;
     bool isPackageRoot = false;

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace opc::model {
 
@@ -69,6 +70,7 @@ public:
 
 private:
     friend class PartName;
+    friend class Relationship;
     friend OPC_MODEL_EXPORT bool operator==(const URI& left, const std::u16string& right);
     friend OPC_MODEL_EXPORT bool operator<(const URI& left, const std::u16string& right);
     friend OPC_MODEL_EXPORT bool operator<(const std::u16string& left, const URI& right);
@@ -80,7 +82,9 @@ private:
     static constexpr char RESERVED[] = ":/?#[]@!$&'()*+,;=";
     static constexpr char UNRESERVED[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
 
-    void init(const std::u16string& text);
+    void init(const std::u16string& reference);
+    const std::u16string& text() const noexcept;
+    std::u16string_view path() const noexcept;
     static std::u16string percentEncode(const std::u16string& text, const std::string& allowed);
 
     std::shared_ptr<const Impl> impl;

@@ -180,11 +180,11 @@ std::string toUTF8String(const std::u16string& text, bool replaceMalformed) {
     return result;
 }
 
-std::u16string getExtension(const std::u16string& path) {
+std::u16string getExtension(std::u16string_view path) {
     const std::size_t mark = path.find_last_of(u"./");
-    if (mark == std::u16string::npos || path[mark] == u'/')
+    if (mark == std::u16string_view::npos || path[mark] == u'/')
         return {};
-    return path.substr(mark + 1);
+    return std::u16string(path.substr(mark + 1));
 }
 
 } // namespace detail

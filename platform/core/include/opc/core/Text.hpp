@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// @file
 /// Text of the model is UTF-16; narrow text stands in messages and in the tool alone. No operation here
@@ -40,7 +41,7 @@ namespace detail {
 OPC_CORE_EXPORT std::string toUTF8String(const std::u16string& text, bool replaceMalformed);
 
 /// The text behind the last dot of the last segment of `path`, without the dot; empty if there is no dot.
-OPC_CORE_EXPORT std::u16string getExtension(const std::u16string& path);
+OPC_CORE_EXPORT std::u16string getExtension(std::u16string_view path);
 
 } // namespace detail
 
