@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace opc::model {
 
@@ -31,57 +32,58 @@ bool hasSeparator(const std::u16string& text) {
 
 } // namespace
 
-ContentType::ContentType(const std::u16string& contentType) : text(contentType) {
-    init();
+ContentType::ContentType(const std::u16string& contentType) {
+    init(contentType);
 }
 
-ContentType::ContentType(const char16_t* contentType)
-    : text(contentType == nullptr ? std::u16string() : std::u16string(contentType)) {
-    init();
+ContentType::ContentType(const char16_t* contentType) {
+    init(contentType == nullptr ? std::u16string() : std::u16string(contentType));
 }
 
-void ContentType::init() {
+void ContentType::init(const std::u16string& contentType) {
     ParsedContentType parsed;
-    if (!contenttype::parse(toWideString(text), parsed))
+    if (!contenttype::parse(toWideString(contentType), parsed))
         throw InvalidContentType("Could not successfully parse content type string");
-    type = opc::toString(parsed.type);
-    subType = opc::toString(parsed.subType);
+    const auto made = std::make_shared<Body>();
+    made->type = opc::toString(parsed.type);
+    made->subType = opc::toString(parsed.subType);
     for (const auto& [attribute, value] : parsed.parameters)
-        parameters[opc::toString(attribute)] = opc::toString(value);
-    resetStringFromParts();
+        made->parameters[opc::toString(attribute)] = opc::toString(value);
+    resetStringFromParts(*made);
+    body = made;
 }
 
-void ContentType::resetStringFromParts() {
-    std::u16string canonical = type + u'/' + subType;
-    for (const auto& [attribute, value] : parameters) {
+void ContentType::resetStringFromParts(Body& body) {
+    std::u16string canonical = body.type + u'/' + body.subType;
+    for (const auto& [attribute, value] : body.parameters) {
         canonical.append(u";").append(attribute).append(u"=");
         if (hasSeparator(value))
             canonical.append(u"\"").append(value).append(u"\"");
         else
             canonical.append(value);
     }
-    text = std::move(canonical);
+    body.text = std::move(canonical);
 }
 
 std::u16string ContentType::toString() const {
-    return text;
+    return body->text;
 }
 
 std::u16string ContentType::getType() const {
-    return type;
+    return body->type;
 }
 
 std::u16string ContentType::getSubType() const {
-    return subType;
+    return body->subType;
 }
 
 bool ContentType::hasParameter(const std::u16string& attribute) const {
-    return parameters.find(attribute) != parameters.end();
+    return body->parameters.find(attribute) != body->parameters.end();
 }
 
 std::u16string ContentType::getParameterValue(const std::u16string& attribute) const {
-    const auto found = parameters.find(attribute);
-    if (found == parameters.end())
+    const auto found = body->parameters.find(attribute);
+    if (found == body->parameters.end())
         throw ContentTypeParameterNotFound("No parameter exists for the given attribute");
     return found->second;
 }
@@ -91,20 +93,22 @@ void ContentType::addParameter(const std::u16string& attribute, const std::u16st
         throw InvalidContentTypeParameter("Invalid parameter attribute name");
     if (value.empty() || !isPrintable(value))
         throw InvalidContentTypeParameter("Invalid parameter attribute value");
-    parameters[attribute] = value;
-    resetStringFromParts();
+    const auto changed = std::make_shared<Body>(*body);
+    changed->parameters[attribute] = value;
+    resetStringFromParts(*changed);
+    body = changed;
 }
 
 void ContentType::removeParameter(const std::u16string& attribute) {
-    const auto found = parameters.find(attribute);
-    if (found == parameters.end())
+    const auto changed = std::make_shared<Body>(*body);
+    if (changed->parameters.erase(attribute) == 0)
         throw ContentTypeParameterNotFound("No parameter exists for the given attribute");
-    parameters.erase(found);
-    resetStringFromParts();
+    resetStringFromParts(*changed);
+    body = changed;
 }
 
 bool ContentType::operator==(const ContentType& other) const {
-    return caselessCompare(text, other.text) == 0;
+    return caselessCompare(body->text, other.body->text) == 0;
 }
 
 bool ContentType::operator!=(const ContentType& other) const {
@@ -112,7 +116,7 @@ bool ContentType::operator!=(const ContentType& other) const {
 }
 
 bool ContentType::operator<(const ContentType& other) const {
-    return caselessCompare(text, other.text) < 0;
+    return caselessCompare(body->text, other.body->text) < 0;
 }
 
 bool ContentType::CaselessLess::operator()(const std::u16string& left, const std::u16string& right) const {

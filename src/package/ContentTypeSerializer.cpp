@@ -9,9 +9,13 @@
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
+#include <opc/model/XercesString.hpp>
 
 #include <xercesc/dom/DOM.hpp>
+
+#include <unordered_map>
 
 namespace opc::model {
 
@@ -26,16 +30,25 @@ std::u16string readAttribute(const xercesc::DOMElement* element, const XercesStr
     return value;
 }
 
-ContentType toContentType(const std::u16string& text) {
-    if (text.empty())
-        throw InvalidPartContent("ContentType is empty");
-    return ContentType(text);
-}
+/// The content types of one stream, which has few different ones: each is parsed once.
+class ContentTypeReader {
+public:
+    const ContentType& read(const std::u16string& text) {
+        if (text.empty())
+            throw InvalidPartContent("ContentType is empty");
+        const auto found = parsed.find(text);
+        return (found != parsed.end() ? found : parsed.emplace(text, ContentType(text)).first)->second;
+    }
 
-void addDefault(ContentTypeMap& map, const std::u16string& extension, const std::u16string& contentType) {
+private:
+    std::unordered_map<std::u16string, ContentType> parsed;
+};
+
+void addDefault(ContentTypeMap& map, const std::u16string& extension, const std::u16string& contentType,
+                ContentTypeReader& types) {
     if (extension.empty())
         throw InvalidPartContent("Extension is empty");
-    map.addDefault(toLowerASCIIString(extension), toContentType(contentType));
+    map.addDefault(toLowerASCIIString(extension), types.read(contentType));
 }
 
 PartName toPartName(const std::u16string& text) {
@@ -46,18 +59,25 @@ PartName toPartName(const std::u16string& text) {
     }
 }
 
-void addOverride(ContentTypeMap& map, const std::u16string& partName, const std::u16string& contentType) {
+void addOverride(ContentTypeMap& map, const std::u16string& partName, const std::u16string& contentType,
+                 ContentTypeReader& types) {
     const PartName name = toPartName(partName);
-    map.addOverride(name, toContentType(contentType));
+    map.addOverride(name, types.read(contentType));
 }
+
+/// The names in the document, as Xerces takes them.
+struct Names {
+    XercesGuard guard;
+    XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/content-types"};
+    XercesString typesName{u"Types"};
+    XercesString defaultName{u"Default"};
+    XercesString extensionName{u"Extension"};
+    XercesString contentTypeName{u"ContentType"};
+    XercesString overrideName{u"Override"};
+    XercesString partNameName{u"PartName"};
+};
 
 } // namespace
-
-ContentTypeSerializer::ContentTypeSerializer()
-    : namespaceURI(u"http://schemas.openxmlformats.org/package/2006/content-types"), typesName(u"Types"),
-      defaultName(u"Default"), extensionName(u"Extension"), contentTypeName(u"ContentType"),
-      overrideName(u"Override"), partNameName(u"PartName") {
-}
 
 void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const {
     map.clear();
@@ -65,17 +85,19 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     ScannedContentTypes scanned;
     ReplayedStream replayed(stream);
     if (replayed.readAhead(bytes, LARGEST_SCANNED) && scanContentTypes(bytes, scanned)) {
+        ContentTypeReader types;
         for (const ScannedContentType& entry : scanned.defaults)
-            addDefault(map, widen(entry.key), widen(entry.contentType));
+            addDefault(map, widen(entry.key), widen(entry.contentType), types);
         for (const ScannedContentType& entry : scanned.overrides)
-            addOverride(map, widen(entry.key), widen(entry.contentType));
+            addOverride(map, widen(entry.key), widen(entry.contentType), types);
     } else {
         parse(map, replayed);
     }
     map.setDirty(false);
 }
 
-void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
+void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) {
+    const Names names;
     const auto parser = XercesHelper::createParser();
     loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
     const xercesc::DOMDocument* document = nullptr;
@@ -84,28 +106,35 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) cons
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
+    ContentTypeReader types;
     const xercesc::DOMElement* root = document->getDocumentElement();
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, defaultName))
-        addDefault(map, readAttribute(element, extensionName), readAttribute(element, contentTypeName));
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, overrideName))
-        addOverride(map, readAttribute(element, partNameName), readAttribute(element, contentTypeName));
+    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, names.defaultName))
+        addDefault(map, readAttribute(element, names.extensionName),
+                   readAttribute(element, names.contentTypeName), types);
+    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, names.overrideName))
+        addOverride(map, readAttribute(element, names.partNameName),
+                    readAttribute(element, names.contentTypeName), types);
 }
 
 void ContentTypeSerializer::write(ContentTypeMap& map, OutputStream& stream) const {
+    const Names names;
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
-    xercesc::DOMElement* root = XercesHelper::appendElementNS(document.get(), namespaceURI, typesName);
+    xercesc::DOMElement* root =
+        XercesHelper::appendElementNS(document.get(), names.namespaceURI, names.typesName);
     for (const auto& [extension, entry] : map.getDefaults()) {
         if (entry.references == 0)
             continue;
-        xercesc::DOMElement* element = XercesHelper::appendElementNS(root, namespaceURI, defaultName);
-        XercesHelper::setElementAttribute(element, extensionName, extension);
-        XercesHelper::setElementAttribute(element, contentTypeName, entry.contentType.toString());
+        xercesc::DOMElement* element =
+            XercesHelper::appendElementNS(root, names.namespaceURI, names.defaultName);
+        XercesHelper::setElementAttribute(element, names.extensionName, extension);
+        XercesHelper::setElementAttribute(element, names.contentTypeName, entry.contentType.toString());
     }
     for (const auto& [name, contentType] : map.getOverrides()) {
-        xercesc::DOMElement* element = XercesHelper::appendElementNS(root, namespaceURI, overrideName);
-        XercesHelper::setElementAttribute(element, partNameName, name.toString());
-        XercesHelper::setElementAttribute(element, contentTypeName, contentType.toString());
+        xercesc::DOMElement* element =
+            XercesHelper::appendElementNS(root, names.namespaceURI, names.overrideName);
+        XercesHelper::setElementAttribute(element, names.partNameName, name.toString());
+        XercesHelper::setElementAttribute(element, names.contentTypeName, contentType.toString());
     }
     try {
         const auto writer = XercesHelper::createPrettyPrintingWriter();

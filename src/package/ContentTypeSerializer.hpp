@@ -2,18 +2,15 @@
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesString.hpp>
 
 namespace opc::model {
 
 class ContentTypeMap;
 
-/// Reads and writes the XML document in the content types stream.
+/// Reads and writes the XML document in the content types stream. One in the plain form that nearly all have is
+/// scanned, and Xerces not woken for it; any other goes to a validating parser.
 class ContentTypeSerializer {
 public:
-    ContentTypeSerializer();
-
     /// Replaces what `map` holds. Of entries with the same key the first counts.
     /// @throws InvalidPartContent  the document isn't valid
     /// @throws InvalidContentType, InvalidURI
@@ -24,16 +21,7 @@ public:
     void write(ContentTypeMap& map, OutputStream& stream) const;
 
 private:
-    void parse(ContentTypeMap& map, InputStream& stream) const;
-
-    XercesGuard guard;
-    XercesString namespaceURI;
-    XercesString typesName;
-    XercesString defaultName;
-    XercesString extensionName;
-    XercesString contentTypeName;
-    XercesString overrideName;
-    XercesString partNameName;
+    static void parse(ContentTypeMap& map, InputStream& stream);
 };
 
 } // namespace opc::model

@@ -3,6 +3,7 @@
 #include <opc/model/Export.hpp>
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace opc::model {
@@ -14,7 +15,8 @@ namespace opc::model {
 /// ASCII letters, parameter values included. Names of parameters are unique without regard to case; the first
 /// spelling stays.
 ///
-/// A value that shares nothing; one object serves one thread at a time.
+/// A value: copies share one body until one of them changes, and may be used on different threads. One object
+/// serves one thread at a time.
 class OPC_MODEL_EXPORT ContentType {
 public:
     /// @param contentType  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round a
@@ -60,13 +62,17 @@ private:
         bool operator()(const std::u16string& left, const std::u16string& right) const;
     };
 
-    void init();
-    void resetStringFromParts();
+    struct Body {
+        std::u16string text;
+        std::u16string type;
+        std::u16string subType;
+        std::map<std::u16string, std::u16string, CaselessLess> parameters;
+    };
 
-    std::u16string text;
-    std::u16string type;
-    std::u16string subType;
-    std::map<std::u16string, std::u16string, CaselessLess> parameters;
+    void init(const std::u16string& contentType);
+    static void resetStringFromParts(Body& body);
+
+    std::shared_ptr<const Body> body;
 };
 
 } // namespace opc::model
