@@ -5,27 +5,26 @@
 #include <bedrock/network/IRI.hpp>
 #include <opc/model/Errors.hpp>
 
+#include <utility>
+
 namespace opc::model {
 
-Relationship::Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
-                           const std::u16string& externalTarget)
-    : values(std::make_shared<const Values>(Values{id, type, source, externalTarget, TargetMode::External})) {
+Relationship::Relationship(Values made) : values(std::make_shared<const Values>(std::move(made))) {
 }
 
-Relationship::Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
-                           const URI& internalTarget)
-    : values(std::make_shared<const Values>(
-          Values{id, type, source, internalTarget.toString(), TargetMode::Internal})),
-      targetURI(internalTarget) {
+URI Relationship::unresolvedTargetURI() const {
+    return values->targetMode == TargetMode::Internal ? URI(values->target) : URI();
 }
 
 URI Relationship::getTargetURI() const {
     if (values->targetMode == TargetMode::Internal) {
+        if (targetURI.text().empty())
+            targetURI = unresolvedTargetURI();
         if (!targetURI.hasAbsolutePath())
             targetURI = resolve(values->sourceURI, targetURI);
         return targetURI;
     }
-    if (targetURI.toString().empty()) {
+    if (targetURI.text().empty()) {
         try {
             targetURI = URI(bedrock::network::IRI(withSlashes(values->target)).toAsciiString(false));
         } catch (...) {
@@ -39,8 +38,12 @@ URI Relationship::getTargetURI() const {
 bool Relationship::operator==(const Relationship& other) const {
     const Values& mine = *values;
     const Values& its = *other.values;
-    return mine.id == its.id && mine.type == its.type && mine.sourceURI == its.sourceURI &&
-           targetURI == other.targetURI && mine.target == its.target && mine.targetMode == its.targetMode;
+    const auto target = [](const Relationship& relationship) {
+        const URI& uri = relationship.targetURI;
+        return uri.text().empty() ? relationship.unresolvedTargetURI() : uri;
+    };
+    return mine.id == its.id && *mine.type == *its.type && mine.sourceURI == its.sourceURI &&
+           mine.target == its.target && mine.targetMode == its.targetMode && target(*this) == target(other);
 }
 
 } // namespace opc::model

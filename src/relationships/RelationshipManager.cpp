@@ -4,6 +4,8 @@
 
 #include <opc/model/Errors.hpp>
 
+#include <utility>
+
 namespace opc::model {
 
 namespace {
@@ -18,47 +20,52 @@ Relationship RelationshipManager::getRelationship(const std::u16string& id) cons
     const auto entry = relationships.find(id);
     if (entry == relationships.end())
         throwNotFound();
-    return entry->second;
+    return *entry;
 }
 
 std::vector<Relationship> RelationshipManager::getRelationshipsByType(const std::u16string& type) const {
     std::vector<Relationship> result;
-    for (const auto& entry : relationships)
-        if (entry.second.values->type == type)
-            result.push_back(entry.second);
+    for (const Relationship& relationship : relationships)
+        if (*relationship.values->type == type)
+            result.push_back(relationship);
     return result;
 }
 
 std::vector<Relationship>
 RelationshipManager::getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const {
+    if (excludedTypes.empty())
+        return {relationships.begin(), relationships.end()};
     std::vector<Relationship> result;
-    result.reserve(relationships.size());
-    for (const auto& entry : relationships)
-        if (excludedTypes.empty() || excludedTypes.count(entry.second.values->type) == 0)
-            result.push_back(entry.second);
+    for (const Relationship& relationship : relationships)
+        if (excludedTypes.count(*relationship.values->type) == 0)
+            result.push_back(relationship);
     return result;
 }
 
 Relationship RelationshipManager::addExternalRelationship(const std::u16string& id,
                                                           const std::u16string& type,
                                                           const std::u16string& target) {
-    return add(Relationship(id, type, sourceURI, target));
+    return add(id, std::make_shared<const std::u16string>(type), target, TargetMode::External);
 }
 
 Relationship RelationshipManager::addInternalRelationship(const std::u16string& id,
                                                           const std::u16string& type, const URI& target) {
-    return add(Relationship(id, type, sourceURI, target));
+    return add(id, std::make_shared<const std::u16string>(type), target.toString(), TargetMode::Internal);
 }
 
-Relationship RelationshipManager::add(Relationship relationship) {
-    relationships.emplace_hint(relationships.end(), relationship.values->id, relationship);
+Relationship RelationshipManager::add(std::u16string id, std::shared_ptr<const std::u16string> type,
+                                      std::u16string target, TargetMode targetMode) {
+    Relationship relationship({std::move(id), std::move(type), sourceURI, std::move(target), targetMode});
+    relationships.insert(relationships.end(), relationship);
     dirty = true;
     return relationship;
 }
 
 void RelationshipManager::deleteRelationship(const std::u16string& id) {
-    if (relationships.erase(id) == 0)
+    const auto entry = relationships.find(id);
+    if (entry == relationships.end())
         throwNotFound();
+    relationships.erase(entry);
     dirty = true;
 }
 

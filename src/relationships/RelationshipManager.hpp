@@ -3,7 +3,8 @@
 #include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
-#include <map>
+#include <memory>
+#include <set>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -42,6 +43,10 @@ public:
     Relationship addInternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const URI& target);
 
+    /// The same for values that are known to be right.
+    Relationship add(std::u16string id, std::shared_ptr<const std::u16string> type, std::u16string target,
+                     TargetMode targetMode);
+
     /// @throws RelationshipNotFound
     void deleteRelationship(const std::u16string& id);
 
@@ -53,11 +58,20 @@ public:
     void flush(OutputStream& stream, RelationshipSerializer& serializer);
 
 private:
-    Relationship add(Relationship relationship);
+    struct ByID {
+        using is_transparent = void;
+        bool operator()(const Relationship& left, const Relationship& right) const { return left < right; }
+        bool operator()(const Relationship& left, const std::u16string& id) const {
+            return left.values->id < id;
+        }
+        bool operator()(const std::u16string& id, const Relationship& right) const {
+            return id < right.values->id;
+        }
+    };
 
     bool dirty = true;
     URI sourceURI;
-    std::map<std::u16string, Relationship> relationships;
+    std::set<Relationship, ByID> relationships;
 };
 
 } // namespace opc::model

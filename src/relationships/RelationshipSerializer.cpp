@@ -9,7 +9,10 @@
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/model/Errors.hpp>
+#include <opc/model/XercesDeleter.hpp>
+#include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
+#include <opc/model/XercesString.hpp>
 
 #include <xercesc/dom/DOM.hpp>
 
@@ -35,56 +38,17 @@ URI readURI(const std::u16string& text, const char* message) {
     }
 }
 
-} // namespace
+constexpr char16_t EXTERNAL[] = u"External";
 
-RelationshipSerializer::RelationshipSerializer()
-    : writer(XercesHelper::createPrettyPrintingWriter()),
-      namespaceURI(u"http://schemas.openxmlformats.org/package/2006/relationships"),
-      relationshipsName(u"Relationships"), relationshipName(u"Relationship"), idName(u"Id"),
-      typeName(u"Type"), targetName(u"Target"), targetModeName(u"TargetMode"), externalValue(u"External") {
-}
-
-RelationshipSerializer::~RelationshipSerializer() = default;
-
-void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
-    ReplayedStream replayed(stream);
-    if (!replayed.readAhead(bytes, LARGEST_SCANNED) || !scanRelationships(bytes, scanned)) {
-        parse(replayed, manager);
-        return;
-    }
-    for (const ScannedRelationship& relationship : scanned)
-        add(widen(relationship.id), widen(relationship.type), widen(relationship.target),
-            widen(relationship.targetMode), manager);
-}
-
-void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
-    if (!parser) {
-        parser = XercesHelper::createParser();
-        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
-    }
-    const DocumentPoolReset reset(parser.get());
-    const xercesc::DOMDocument* document = nullptr;
-    try {
-        document = XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
-    } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
-    }
-    for (const xercesc::DOMElement* element :
-         XercesHelper::getElements(document->getDocumentElement(), relationshipName))
-        add(readAttribute(element, idName), readAttribute(element, typeName),
-            readAttribute(element, targetName), readAttribute(element, targetModeName), manager);
-}
-
-void RelationshipSerializer::add(const std::u16string& id, const std::u16string& type,
-                                 const std::u16string& target, const std::u16string& targetMode,
-                                 RelationshipManager& manager) const {
+void add(const std::u16string& id, const std::u16string& type, const std::u16string& target,
+         const std::u16string& targetMode, RelationshipManager& manager) {
     if (type.empty())
         throw InvalidPartContent("Type is empty");
     readURI(type, "Type is not a valid URI");
     if (target.empty())
         throw InvalidPartContent("Target is empty");
 
-    if (targetMode == externalValue) {
+    if (targetMode == EXTERNAL) {
         if (!isIRITarget(target))
             throw InvalidPartContent("Target is not a valid IRI for an external relationship");
         manager.addExternalRelationship(id, type, target);
@@ -96,24 +60,90 @@ void RelationshipSerializer::add(const std::u16string& id, const std::u16string&
     manager.addInternalRelationship(id, type, uri);
 }
 
+} // namespace
+
+/// What Xerces works with.
+struct RelationshipSerializer::Xml {
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made when a part needs it
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer{
+        XercesHelper::createPrettyPrintingWriter()};
+    XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/relationships"};
+    XercesString relationshipsName{u"Relationships"};
+    XercesString relationshipName{u"Relationship"};
+    XercesString idName{u"Id"};
+    XercesString typeName{u"Type"};
+    XercesString targetName{u"Target"};
+    XercesString targetModeName{u"TargetMode"};
+};
+
+RelationshipSerializer::RelationshipSerializer() = default;
+RelationshipSerializer::~RelationshipSerializer() = default;
+
+RelationshipSerializer::Xml& RelationshipSerializer::xml() {
+    if (!made)
+        made = std::make_unique<Xml>();
+    return *made;
+}
+
+void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
+    ReplayedStream replayed(stream);
+    if (!replayed.readAhead(bytes, LARGEST_SCANNED) || !scanRelationships(bytes, scanned)) {
+        parse(replayed, manager);
+        return;
+    }
+    // Plain values need no further check: a plain type or target is a URI, and not opaque.
+    for (const ScannedRelationship& relationship : scanned)
+        manager.add(widen(relationship.id), shareType(relationship.type), widen(relationship.target),
+                    relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
+}
+
+std::shared_ptr<const std::u16string> RelationshipSerializer::shareType(std::string_view type) {
+    auto found = types.find(type);
+    if (found == types.end())
+        found = types.emplace(type, std::make_shared<const std::u16string>(widen(type))).first;
+    return found->second;
+}
+
+void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
+    Xml& names = xml();
+    if (!names.parser) {
+        names.parser = XercesHelper::createParser();
+        loadGrammarUnchecked(names.parser.get(), schemas::RELATIONSHIPS);
+    }
+    const DocumentPoolReset reset(names.parser.get());
+    const xercesc::DOMDocument* document = nullptr;
+    try {
+        document = XercesHelper::readDocumentFromStream(names.parser.get(), stream, true, {}, {});
+    } catch (const InvalidXMLDocument& e) {
+        throw InvalidPartContent(e.what());
+    }
+    for (const xercesc::DOMElement* element :
+         XercesHelper::getElements(document->getDocumentElement(), names.relationshipName))
+        add(readAttribute(element, names.idName), readAttribute(element, names.typeName),
+            readAttribute(element, names.targetName), readAttribute(element, names.targetModeName), manager);
+}
+
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
+    Xml& names = xml();
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
     xercesc::DOMElement* root =
-        XercesHelper::appendElementNS(document.get(), namespaceURI, relationshipsName);
+        XercesHelper::appendElementNS(document.get(), names.namespaceURI, names.relationshipsName);
     for (const Relationship& relationship : manager.getRelationships({})) {
-        xercesc::DOMElement* element = XercesHelper::appendElementNS(root, namespaceURI, relationshipName);
-        XercesHelper::setElementAttribute(element, idName, relationship.getID());
-        XercesHelper::setElementAttribute(element, typeName, relationship.getType());
-        XercesHelper::setElementAttribute(element, targetName, relationship.getTarget());
+        xercesc::DOMElement* element =
+            XercesHelper::appendElementNS(root, names.namespaceURI, names.relationshipName);
+        XercesHelper::setElementAttribute(element, names.idName, relationship.getID());
+        XercesHelper::setElementAttribute(element, names.typeName, relationship.getType());
+        XercesHelper::setElementAttribute(element, names.targetName, relationship.getTarget());
         if (relationship.getTargetMode() == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, externalValue);
+            XercesHelper::setElementAttribute(element, names.targetModeName, EXTERNAL);
     }
     try {
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        XercesHelper::writeDocumentToStream(names.writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
         // The old one takes the namespace for declared from now on, and would leave it out.
-        writer = XercesHelper::createPrettyPrintingWriter();
+        names.writer = XercesHelper::createPrettyPrintingWriter();
         throw InvalidPartContent(e.what());
     }
 }

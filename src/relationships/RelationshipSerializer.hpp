@@ -4,18 +4,12 @@
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
-#include <opc/model/XercesDeleter.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesString.hpp>
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
-
-XERCES_CPP_NAMESPACE_BEGIN
-class DOMLSParser;
-class DOMLSSerializer;
-XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
@@ -23,7 +17,7 @@ class RelationshipManager;
 
 /// Reads and writes relationships parts, for all sources of an open package one after the other. A part in the
 /// plain form that nearly all have is scanned; any other goes to a validating parser, whose schema is compiled
-/// once. What a document brings is checked more mildly than what an application creates.
+/// once. Xerces isn't woken before a part needs it. What a document brings is checked more mildly than what an application creates.
 class RelationshipSerializer {
 public:
     RelationshipSerializer();
@@ -40,23 +34,16 @@ public:
     void write(const RelationshipManager& manager, OutputStream& stream);
 
 private:
-    void parse(InputStream& stream, RelationshipManager& manager);
-    void add(const std::u16string& id, const std::u16string& type, const std::u16string& target,
-             const std::u16string& targetMode, RelationshipManager& manager) const;
+    struct Xml;
 
-    XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made when a part needs it
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer;
-    XercesString namespaceURI;
-    XercesString relationshipsName;
-    XercesString relationshipName;
-    XercesString idName;
-    XercesString typeName;
-    XercesString targetName;
-    XercesString targetModeName;
-    std::u16string externalValue;
-    std::vector<unsigned char> bytes;         // of the part in hand
-    std::vector<ScannedRelationship> scanned; // in `bytes`
+    Xml& xml();
+    void parse(InputStream& stream, RelationshipManager& manager);
+    std::shared_ptr<const std::u16string> shareType(std::string_view type);
+
+    std::unique_ptr<Xml> made;
+    std::vector<unsigned char> bytes;                                                // of the part in hand
+    std::vector<ScannedRelationship> scanned;                                        // in `bytes`
+    std::map<std::string, std::shared_ptr<const std::u16string>, std::less<>> types; // that were scanned
 };
 
 } // namespace opc::model

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 
 #include <xercesc/dom/DOM.hpp>
@@ -34,13 +35,11 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
 }
 
 bool RelationshipsText::standsBefore(const Entry& left, const Entry& right) {
-    using Values = Relationship::Values;
-    for (const auto text : {&Values::id, &Values::target, &Values::type}) {
-        const int order = (left.values->*text).compare(right.values->*text);
-        if (order != 0)
-            return order < 0;
-    }
-    return left.values->targetMode < right.values->targetMode;
+    const auto keys = [](const Entry& entry) {
+        const Relationship::Values& values = *entry.values;
+        return std::tie(values.id, values.target, *values.type, values.targetMode);
+    };
+    return keys(left) < keys(right);
 }
 
 std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>& entries) {
@@ -56,7 +55,7 @@ std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>
     for (const Entry& entry : entries) {
         xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
         XercesHelper::setElementAttribute(element, idName, entry.values->id);
-        XercesHelper::setElementAttribute(element, typeName, entry.values->type);
+        XercesHelper::setElementAttribute(element, typeName, *entry.values->type);
         XercesHelper::setElementAttribute(element, targetName, entry.values->target);
         if (entry.values->targetMode == TargetMode::External)
             XercesHelper::setElementAttribute(element, targetModeName, u"External");

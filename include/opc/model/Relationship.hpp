@@ -23,7 +23,7 @@ public:
     std::u16string getID() const { return values->id; }
 
     /// A URI in text form that says what the relationship means.
-    std::u16string getType() const { return values->type; }
+    std::u16string getType() const { return *values->type; }
 
     /// The URI of the source: a part name, or "/" for the package.
     URI getSourceURI() const { return values->sourceURI; }
@@ -55,19 +55,19 @@ private:
     /// What never changes, shared by all copies.
     struct Values {
         std::u16string id;
-        std::u16string type;
+        std::shared_ptr<const std::u16string> type; // a package has few: its relationships share them
         URI sourceURI;
         std::u16string target;
         TargetMode targetMode;
     };
 
-    Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
-                 const std::u16string& externalTarget);
-    Relationship(const std::u16string& id, const std::u16string& type, const URI& source,
-                 const URI& internalTarget);
+    explicit Relationship(Values made);
+
+    /// What the target URI is before it has been worked out: an internal target as it stands.
+    URI unresolvedTargetURI() const;
 
     std::shared_ptr<const Values> values;
-    mutable URI targetURI; // internal: as made, until resolved; external: empty, until converted
+    mutable URI targetURI; // empty until it is worked out
 };
 
 } // namespace opc::model
