@@ -15,10 +15,13 @@ constexpr char16_t SLASH = u'/';
 } // namespace
 
 void Package::populatePrefixes(const PartName& name) {
-    const std::u16string text = toLowerASCIIString(name.toString());
+    std::u16string text = toLowerASCIIString(name.toString());
     ++prefixes[text];
-    for (auto slash = text.find(SLASH, 1); slash != std::u16string::npos; slash = text.find(SLASH, slash + 1))
-        ++prefixes[text.substr(0, slash + 1)];
+    for (auto slash = text.rfind(SLASH); slash != 0 && slash != std::u16string::npos;
+         slash = text.rfind(SLASH, slash - 1)) {
+        text.resize(slash + 1); // in place: folders are mostly there already
+        ++prefixes[text];
+    }
 }
 
 void Package::removePrefixes(const PartName& name) {

@@ -18,6 +18,10 @@ void throwIfGone(const interfaces::IPhysicalPart* physicalPart) {
 } // namespace
 
 struct Part::Impl {
+    Impl(Package* owner, interfaces::IPhysicalPart* content, const PartName& partName,
+         const ContentType& type, interfaces::OpenMode mode)
+        : package(owner), physicalPart(content), name(partName), contentType(type), openMode(mode) {}
+
     Package* package;
     interfaces::IPhysicalPart* physicalPart; // null once its deletion has succeeded
     PartName name;
@@ -31,7 +35,7 @@ struct Part::Impl {
 Part::Part(Package* package, interfaces::IPhysicalPart* physicalPart, const PartName& name,
            const ContentType& contentType, interfaces::OpenMode openMode)
     : RelationshipSource(name.getURI()),
-      impl(new Impl{package, physicalPart, name, contentType, openMode, nullptr, nullptr}) {
+      impl(std::make_shared<Impl>(package, physicalPart, name, contentType, openMode)) {
 }
 
 Part::Part(const Part&) = default;
