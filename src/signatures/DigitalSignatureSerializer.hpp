@@ -19,6 +19,7 @@ XERCES_CPP_NAMESPACE_END
 namespace opc::model {
 
 class DigitalSignatureData;
+class IndexedElement;
 struct Reference;
 
 /// Reads and writes signature parts, one after the other: the schemas are compiled once. It serves one thread
@@ -60,26 +61,26 @@ public:
     void toText(const xercesc::DOMElement* element, std::u16string& result);
 
 private:
-    xercesc::DOMElement* getRequiredElement(const xercesc::DOMElement* element, const XercesString& name,
-                                            const XercesString& namespaceURI) const;
-    void getRequiredElementText(const xercesc::DOMElement* element, const XercesString& name,
-                                std::u16string& text, const XercesString& namespaceURI) const;
-    static std::u16string getRequiredAttribute(const xercesc::DOMElement* element, const XercesString& name,
+    IndexedElement getRequiredElement(const IndexedElement& element, const XercesString& name,
+                                      const XercesString& namespaceURI) const;
+    void getRequiredElementText(const IndexedElement& element, const XercesString& name, std::u16string& text,
+                                const XercesString& namespaceURI) const;
+    static std::u16string getRequiredAttribute(const IndexedElement& element, const XercesString& name,
                                                const char* message);
 
-    void readDocument(const xercesc::DOMElement* root, DigitalSignatureData& data);
-    void readValueAndKey(const xercesc::DOMElement* root, DigitalSignatureData& data) const;
-    void readKeyValue(const xercesc::DOMElement* keyValue, DigitalSignatureData& data) const;
-    void readCertificates(const xercesc::DOMElement* x509Data, DigitalSignatureData& data) const;
-    void readObjects(const xercesc::DOMElement* root, DigitalSignatureData& data);
-    void readPackageObject(const xercesc::DOMElement* object, DigitalSignatureData& data) const;
-    void readManifest(const xercesc::DOMElement* manifest, DigitalSignatureData& data) const;
-    void readSignatureProperties(const xercesc::DOMElement* properties, DigitalSignatureData& data) const;
-    void readSignatureTime(const xercesc::DOMElement* property, DigitalSignatureData& data) const;
-    void readSignedInfoMethods(const xercesc::DOMElement* root, DigitalSignatureData& data) const;
-    void readSignedInfoReferences(const xercesc::DOMElement* root, DigitalSignatureData& data);
-    void readReference(const xercesc::DOMElement* element, Reference& reference) const;
-    void readTransform(const xercesc::DOMElement* element, Reference& reference) const;
+    void readDocument(const IndexedElement& root, DigitalSignatureData& data);
+    void readValueAndKey(const IndexedElement& root, DigitalSignatureData& data) const;
+    void readKeyValue(const IndexedElement& keyValue, DigitalSignatureData& data) const;
+    void readCertificates(const IndexedElement& x509Data, DigitalSignatureData& data) const;
+    void readObjects(const IndexedElement& root, DigitalSignatureData& data);
+    void readPackageObject(const IndexedElement& object, DigitalSignatureData& data) const;
+    void readManifest(const IndexedElement& manifest, DigitalSignatureData& data) const;
+    void readSignatureProperties(const IndexedElement& properties, DigitalSignatureData& data) const;
+    void readSignatureTime(const IndexedElement& property, DigitalSignatureData& data) const;
+    void readSignedInfoMethods(const IndexedElement& root, DigitalSignatureData& data) const;
+    void readSignedInfoReferences(const IndexedElement& root, DigitalSignatureData& data);
+    void readReference(const IndexedElement& element, Reference& reference) const;
+    void readTransform(const IndexedElement& element, Reference& reference) const;
 
     /// Runs `operation` with the writer, which doesn't outlive a failure in it.
     template <typename Operation>

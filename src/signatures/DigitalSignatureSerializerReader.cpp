@@ -4,6 +4,7 @@
 #include "signatures/DocumentErrors.hpp"
 #include "signatures/SignatureLimits.hpp"
 #include "xml/DocumentPoolReset.hpp"
+#include "xml/ElementIndex.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 
@@ -24,7 +25,6 @@ namespace {
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
 using bedrock::crypto::utils::base64Decode;
-using xercesc::DOMElement;
 
 std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createSignatureParser() {
     auto parser = XercesHelper::createParser();
@@ -34,8 +34,8 @@ std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createSignatureParser() {
     return parser;
 }
 
-DOMElement* getOnlyElement(const DOMElement* parent, const XercesString& name, const char* message) {
-    const std::vector<DOMElement*> elements = XercesHelper::getElements(parent, name);
+IndexedElement getOnlyElement(const IndexedElement& parent, const XercesString& name, const char* message) {
+    const std::vector<IndexedElement> elements = parent.getElements(name);
     if (elements.size() != 1)
         throw InvalidPartContent(message);
     return elements.front();
@@ -79,9 +79,11 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
     try {
         const DocumentPoolReset reset(m_parser.get());
         translateDocumentFailures([&] {
-            readDocument(XercesHelper::readDocumentFromStream(m_parser.get(), stream, true, {}, {})
-                             ->getDocumentElement(),
-                         data);
+            const ElementIndex index(
+                XercesHelper::readDocumentFromStream(m_parser.get(), stream, true, {}, {})
+                    ->getDocumentElement());
+            SignatureLimits(m_names).check(index);
+            readDocument(index.at(0), data);
         });
     } catch (const xercesc::OutOfMemoryException&) {
         m_parser.reset(); // it can't be used again, and holds on to its memory
@@ -89,8 +91,7 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
     }
 }
 
-void DigitalSignatureSerializer::readDocument(const DOMElement* root, DigitalSignatureData& data) {
-    SignatureLimits(m_names).check(root);
+void DigitalSignatureSerializer::readDocument(const IndexedElement& root, DigitalSignatureData& data) {
     std::u16string id;
     if (XercesHelper::getElementAttribute(root, m_names.id, id))
         data.m_signatureId = withoutPrefix(id);
@@ -101,25 +102,25 @@ void DigitalSignatureSerializer::readDocument(const DOMElement* root, DigitalSig
     data.m_signatureParams = settleParameters(data);
 }
 
-DOMElement* DigitalSignatureSerializer::getRequiredElement(const DOMElement* element,
-                                                           const XercesString& name,
-                                                           const XercesString& namespaceURI) const {
-    DOMElement* const found = namespaceURI == u"" ? XercesHelper::getElement(element, name)
-                                                  : XercesHelper::getElementNS(element, namespaceURI, name);
+IndexedElement DigitalSignatureSerializer::getRequiredElement(const IndexedElement& element,
+                                                              const XercesString& name,
+                                                              const XercesString& namespaceURI) const {
+    const auto found =
+        namespaceURI == u"" ? element.getElement(name) : element.getElementNS(namespaceURI, name);
     if (!found)
         throw InvalidPartContent("XML signature: " + toUDEString(name) + " is not present.");
-    return found;
+    return *found;
 }
 
-void DigitalSignatureSerializer::getRequiredElementText(const DOMElement* element, const XercesString& name,
-                                                        std::u16string& text,
+void DigitalSignatureSerializer::getRequiredElementText(const IndexedElement& element,
+                                                        const XercesString& name, std::u16string& text,
                                                         const XercesString& namespaceURI) const {
     XercesHelper::getElementText(getRequiredElement(element, name, namespaceURI), text);
     if (text.empty())
         throw InvalidPartContent("XML signature: " + toUDEString(name) + " is empty.");
 }
 
-std::u16string DigitalSignatureSerializer::getRequiredAttribute(const DOMElement* element,
+std::u16string DigitalSignatureSerializer::getRequiredAttribute(const IndexedElement& element,
                                                                 const XercesString& name,
                                                                 const char* message) {
     std::u16string value;
@@ -128,40 +129,42 @@ std::u16string DigitalSignatureSerializer::getRequiredAttribute(const DOMElement
     return value;
 }
 
-void DigitalSignatureSerializer::readValueAndKey(const DOMElement* root, DigitalSignatureData& data) const {
+void DigitalSignatureSerializer::readValueAndKey(const IndexedElement& root,
+                                                 DigitalSignatureData& data) const {
     getRequiredElementText(root, m_names.signatureValue, data.m_signatureValueInXML, m_names.noNamespace);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
     data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
     XercesHelper::getElementAttribute(root, m_names.xmlns, data.m_namespace);
 
-    const DOMElement* const keyInfo = XercesHelper::getElement(root, m_names.keyInfo);
+    const auto keyInfo = root.getElement(m_names.keyInfo);
     if (!keyInfo)
         return;
-    if (const DOMElement* const keyValue = XercesHelper::getElement(keyInfo, m_names.keyValue))
-        readKeyValue(keyValue, data);
-    else if (const DOMElement* const x509Data = XercesHelper::getElement(keyInfo, m_names.x509Data))
-        readCertificates(x509Data, data);
+    if (const auto keyValue = keyInfo->getElement(m_names.keyValue))
+        readKeyValue(*keyValue, data);
+    else if (const auto x509Data = keyInfo->getElement(m_names.x509Data))
+        readCertificates(*x509Data, data);
 }
 
-void DigitalSignatureSerializer::readKeyValue(const DOMElement* keyValue, DigitalSignatureData& data) const {
-    const DOMElement* const element = XercesHelper::getElement(keyValue, m_names.rsaKeyValue);
+void DigitalSignatureSerializer::readKeyValue(const IndexedElement& keyValue,
+                                              DigitalSignatureData& data) const {
+    const auto element = keyValue.getElement(m_names.rsaKeyValue);
     if (!element)
         throw InvalidPartContent("RSA Key Value is missing. DSA for signatures is not supported yet.");
     RSAKeyValue key;
-    getRequiredElementText(element, m_names.modulus, key.modulus, m_names.noNamespace);
-    getRequiredElementText(element, m_names.exponent, key.exponent, m_names.noNamespace);
+    getRequiredElementText(*element, m_names.modulus, key.modulus, m_names.noNamespace);
+    getRequiredElementText(*element, m_names.exponent, key.exponent, m_names.noNamespace);
     key.keySize = getKeySize(key.modulus);
     data.m_keyValue = std::move(key);
 }
 
-void DigitalSignatureSerializer::readCertificates(const DOMElement* x509Data,
+void DigitalSignatureSerializer::readCertificates(const IndexedElement& x509Data,
                                                   DigitalSignatureData& data) const {
-    const std::vector<DOMElement*> elements = XercesHelper::getElements(x509Data, m_names.x509Certificate);
+    const std::vector<IndexedElement> elements = x509Data.getElements(m_names.x509Certificate);
     if (elements.empty())
         throw InvalidPartContent("Supported key management mechanisms in signatures are KeyValue using RSA "
                                  "or X509 certificates. Others are not supported.");
     X509CertificateChain chain;
-    for (const DOMElement* element : elements) {
+    for (const IndexedElement& element : elements) {
         std::u16string text;
         XercesHelper::getElementText(element, text);
         if (text.empty())
@@ -175,8 +178,8 @@ void DigitalSignatureSerializer::readCertificates(const DOMElement* x509Data,
     data.m_certificateChain = std::move(chain);
 }
 
-void DigitalSignatureSerializer::readObjects(const DOMElement* root, DigitalSignatureData& data) {
-    for (const DOMElement* element : XercesHelper::getElements(root, m_names.object)) {
+void DigitalSignatureSerializer::readObjects(const IndexedElement& root, DigitalSignatureData& data) {
+    for (const IndexedElement& element : root.getElements(m_names.object)) {
         const std::u16string id =
             getRequiredAttribute(element, m_names.id, "XML signature: Object missing Id attribute.");
         SignatureObject object{id, {}};
@@ -191,7 +194,7 @@ void DigitalSignatureSerializer::readObjects(const DOMElement* root, DigitalSign
     }
 }
 
-void DigitalSignatureSerializer::readPackageObject(const DOMElement* object,
+void DigitalSignatureSerializer::readPackageObject(const IndexedElement& object,
                                                    DigitalSignatureData& data) const {
     readManifest(getOnlyElement(object, m_names.manifest,
                                 "XML signature: There must exist only one Manifest element in package "
@@ -203,9 +206,9 @@ void DigitalSignatureSerializer::readPackageObject(const DOMElement* object,
                             data);
 }
 
-void DigitalSignatureSerializer::readSignatureProperties(const DOMElement* properties,
+void DigitalSignatureSerializer::readSignatureProperties(const IndexedElement& properties,
                                                          DigitalSignatureData& data) const {
-    for (const DOMElement* element : XercesHelper::getElements(properties, m_names.signatureProperty)) {
+    for (const IndexedElement& element : properties.getElements(m_names.signatureProperty)) {
         SignatureProperty property;
         property.target = getRequiredAttribute(element, m_names.target,
                                                "XML signature: SignatureProperty does not have a target.");
@@ -217,9 +220,9 @@ void DigitalSignatureSerializer::readSignatureProperties(const DOMElement* prope
 }
 
 /// `Format` must be there and isn't used: the form of the value shows by itself.
-void DigitalSignatureSerializer::readSignatureTime(const DOMElement* property,
+void DigitalSignatureSerializer::readSignatureTime(const IndexedElement& property,
                                                    DigitalSignatureData& data) const {
-    const DOMElement* const time =
+    const IndexedElement time =
         getRequiredElement(property, m_packageNames.signatureTime, m_packageNamespace);
     std::u16string text;
     getRequiredElementText(time, m_packageNames.format, text, m_packageNamespace);
@@ -227,9 +230,9 @@ void DigitalSignatureSerializer::readSignatureTime(const DOMElement* property,
     data.m_signedTime = convertStringToTime(text);
 }
 
-void DigitalSignatureSerializer::readSignedInfoMethods(const DOMElement* root,
+void DigitalSignatureSerializer::readSignedInfoMethods(const IndexedElement& root,
                                                        DigitalSignatureData& data) const {
-    const DOMElement* const signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
+    const IndexedElement signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
     data.m_canonicalizationMethod = getRequiredAttribute(
         getRequiredElement(signedInfo, m_names.canonicalizationMethod, m_names.noNamespace),
         m_names.algorithm, "XML signature: CanonicalizationMethod is empty.");

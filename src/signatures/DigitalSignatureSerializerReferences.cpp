@@ -1,18 +1,15 @@
 #include "signatures/DigitalSignatureSerializer.hpp"
 
 #include "signatures/DigitalSignatureData.hpp"
+#include "xml/ElementIndex.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesHelper.hpp>
 
-#include <xercesc/dom/DOMElement.hpp>
-
 namespace opc::model {
 
 namespace {
-
-using xercesc::DOMElement;
 
 bool isRelationshipTransform(const std::u16string& algorithm) {
     return algorithm == vocabulary::RELATIONSHIP_TRANSFORM ||
@@ -33,21 +30,22 @@ void throwIfTypeIsNotObject(const std::u16string& type) {
 
 } // namespace
 
-void DigitalSignatureSerializer::readManifest(const DOMElement* manifest, DigitalSignatureData& data) const {
-    if (m_names.manifest != manifest->getTagName())
+void DigitalSignatureSerializer::readManifest(const IndexedElement& manifest,
+                                              DigitalSignatureData& data) const {
+    if (!manifest.isNamed(m_names.manifest))
         throw Exception("Internal Exception: Did not get Manifest Element as expected.");
-    for (const DOMElement* element : XercesHelper::getElements(manifest, m_names.reference)) {
+    for (const IndexedElement& element : manifest.getElements(m_names.reference)) {
         Reference reference;
         readReference(element, reference);
         data.m_content.manifestReferences.push_back(std::move(reference));
     }
 }
 
-void DigitalSignatureSerializer::readSignedInfoReferences(const DOMElement* root,
+void DigitalSignatureSerializer::readSignedInfoReferences(const IndexedElement& root,
                                                           DigitalSignatureData& data) {
-    const DOMElement* const signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
+    const IndexedElement signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
     toText(signedInfo, data.m_content.signedInfoXML);
-    for (const DOMElement* element : XercesHelper::getElements(signedInfo, m_names.reference)) {
+    for (const IndexedElement& element : signedInfo.getElements(m_names.reference)) {
         Reference reference;
         readReference(element, reference);
         throwIfTypeIsNotObject(reference.referenceType);
@@ -59,8 +57,8 @@ void DigitalSignatureSerializer::readSignedInfoReferences(const DOMElement* root
     }
 }
 
-void DigitalSignatureSerializer::readReference(const DOMElement* element, Reference& reference) const {
-    if (m_names.reference != element->getTagName())
+void DigitalSignatureSerializer::readReference(const IndexedElement& element, Reference& reference) const {
+    if (!element.isNamed(m_names.reference))
         throw Exception("Internal Exception: Did not get Reference Element as expected.");
     const std::u16string uri = getRequiredAttribute(
         element, m_names.uri, "XML signature: Manifest reference missing URI attribute.");
@@ -78,27 +76,27 @@ void DigitalSignatureSerializer::readReference(const DOMElement* element, Refere
                              m_names.algorithm, "XML signature: DigestMethod is empty.");
     getRequiredElementText(element, m_names.digestValue, reference.digestValue, m_names.noNamespace);
 
-    const DOMElement* const transforms = XercesHelper::getElement(element, m_names.transforms);
+    const auto transforms = element.getElement(m_names.transforms);
     if (!transforms)
         return;
-    for (const DOMElement* transform : XercesHelper::getElements(transforms, m_names.transform))
+    for (const IndexedElement& transform : transforms->getElements(m_names.transform))
         readTransform(transform, reference);
 }
 
-void DigitalSignatureSerializer::readTransform(const DOMElement* element, Reference& reference) const {
+void DigitalSignatureSerializer::readTransform(const IndexedElement& element, Reference& reference) const {
     std::u16string algorithm =
         getRequiredAttribute(element, m_names.algorithm, "XML signature: TransformMethod is empty.");
     if (!isRelationshipTransform(algorithm)) {
         reference.transforms.push_back(std::move(algorithm));
         return;
     }
-    for (const DOMElement* selected :
-         XercesHelper::getElementsNS(element, m_packageNamespace, m_packageNames.relationshipReference))
+    for (const IndexedElement& selected :
+         element.getElementsNS(m_packageNamespace, m_packageNames.relationshipReference))
         reference.relationshipReferences.push_back(
             getRequiredAttribute(selected, m_packageNames.sourceId,
                                  "XML signature: SourceID of a relationship transform is empty."));
-    for (const DOMElement* selected :
-         XercesHelper::getElementsNS(element, m_packageNamespace, m_packageNames.relationshipGroupReference))
+    for (const IndexedElement& selected :
+         element.getElementsNS(m_packageNamespace, m_packageNames.relationshipGroupReference))
         reference.relationshipGroupReferences.push_back(
             getRequiredAttribute(selected, m_packageNames.sourceType,
                                  "XML signature: Source type of a relationship group transform is empty."));

@@ -20,26 +20,38 @@ RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationsh
     open();
 }
 
-/// Copies of one relationship share their values, so the address tells most of the repetitions.
+/// All that an element says of a relationship, in the order that decides which stands first.
+auto RelationshipsText::keys(const Relationship::Values& values) {
+    return std::tie(values.id, values.target, *values.type, values.targetMode);
+}
+
+/// Copies of one relationship share their values, so the address tells most of the repetitions; relationships
+/// of different sources are often alike too.
 std::vector<RelationshipsText::Entry>
 RelationshipsText::collect(const std::vector<Relationship>& relationships) {
-    std::unordered_map<const Relationship::Values*, std::uint64_t> counts;
+    std::unordered_map<const Relationship::Values*, std::uint64_t> selected;
     for (const Relationship& relationship : relationships)
-        ++counts[relationship.values.get()];
+        ++selected[relationship.values.get()];
+
+    const auto hash = [](const Relationship::Values* values) {
+        const std::hash<std::u16string> hashText;
+        return hashText(values->id) ^ (hashText(values->target) << 1);
+    };
+    const auto areAlike = [](const Relationship::Values* left, const Relationship::Values* right) {
+        return keys(*left) == keys(*right);
+    };
+    std::unordered_map<const Relationship::Values*, std::uint64_t, decltype(hash), decltype(areAlike)> counts(
+        selected.size(), hash, areAlike);
+    for (const auto& [values, count] : selected)
+        counts[values] += count;
+
     std::vector<Entry> entries;
     entries.reserve(counts.size());
     for (const auto& [values, count] : counts)
         entries.push_back({values, count});
-    std::sort(entries.begin(), entries.end(), standsBefore);
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& left, const Entry& right) { return keys(*left.values) < keys(*right.values); });
     return entries;
-}
-
-bool RelationshipsText::standsBefore(const Entry& left, const Entry& right) {
-    const auto keys = [](const Entry& entry) {
-        const Relationship::Values& values = *entry.values;
-        return std::tie(values.id, values.target, *values.type, values.targetMode);
-    };
-    return keys(left) < keys(right);
 }
 
 std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>& entries) {

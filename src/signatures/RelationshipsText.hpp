@@ -41,7 +41,7 @@ private:
     };
 
     static std::vector<Entry> collect(const std::vector<Relationship>& relationships);
-    static bool standsBefore(const Entry& left, const Entry& right);
+    static auto keys(const Relationship::Values& values);
     static std::vector<unsigned char> serialise(const std::vector<Entry>& entries);
     void findRuns(const std::vector<Entry>& entries);
 

@@ -1,0 +1,99 @@
+#include "xml/ElementIndex.hpp"
+
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+namespace opc::model {
+
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::XMLString;
+
+/// Whether it is markup that no element is made of.
+bool isAside(const DOMNode* node) {
+    switch (node->getNodeType()) {
+    case DOMNode::COMMENT_NODE:
+    case DOMNode::CDATA_SECTION_NODE:
+    case DOMNode::PROCESSING_INSTRUCTION_NODE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool hasName(const DOMElement* element, const XercesString& namespaceURI, const XercesString& localName) {
+    return XMLString::equals(element->getLocalName(), localName.toXMLCh()) &&
+           XMLString::equals(element->getNamespaceURI(), namespaceURI.toXMLCh());
+}
+
+} // namespace
+
+ElementIndex::ElementIndex(const DOMElement* root) {
+    std::vector<std::size_t> open;
+    const auto enter = [&](const DOMNode* node) {
+        if (isAside(node))
+            ++asides;
+        if (node->getNodeType() != DOMNode::ELEMENT_NODE)
+            return;
+        const auto* const element = static_cast<const DOMElement*>(node);
+        open.push_back(entries.size());
+        entries.push_back({element, element->getTagName(), 0});
+    };
+    const auto leave = [&](const DOMNode* node) {
+        if (node->getNodeType() != DOMNode::ELEMENT_NODE)
+            return;
+        entries[open.back()].end = entries.size();
+        open.pop_back();
+    };
+    for (const DOMNode* node = root; node;) {
+        enter(node);
+        if (const DOMNode* const child = node->getFirstChild()) {
+            node = child;
+            continue;
+        }
+        leave(node);
+        while (node != root && !node->getNextSibling()) {
+            node = node->getParentNode();
+            leave(node);
+        }
+        node = node == root ? nullptr : node->getNextSibling();
+    }
+}
+
+std::vector<IndexedElement> IndexedElement::getElements(const XercesString& tagName) const {
+    const std::u16string_view name = tagName.toXMLCh();
+    std::vector<IndexedElement> found;
+    for (std::size_t place = position + 1; place < end(); ++place)
+        if (index->entries[place].tagName == name)
+            found.emplace_back(*index, place);
+    return found;
+}
+
+std::optional<IndexedElement> IndexedElement::getElement(const XercesString& tagName) const {
+    const std::u16string_view name = tagName.toXMLCh();
+    for (std::size_t place = position + 1; place < end(); ++place)
+        if (index->entries[place].tagName == name)
+            return IndexedElement(*index, place);
+    return std::nullopt;
+}
+
+std::vector<IndexedElement> IndexedElement::getElementsNS(const XercesString& namespaceURI,
+                                                          const XercesString& localName) const {
+    std::vector<IndexedElement> found;
+    for (std::size_t place = position + 1; place < end(); ++place)
+        if (hasName(index->entries[place].element, namespaceURI, localName))
+            found.emplace_back(*index, place);
+    return found;
+}
+
+std::optional<IndexedElement> IndexedElement::getElementNS(const XercesString& namespaceURI,
+                                                           const XercesString& localName) const {
+    for (std::size_t place = position + 1; place < end(); ++place)
+        if (hasName(index->entries[place].element, namespaceURI, localName))
+            return IndexedElement(*index, place);
+    return std::nullopt;
+}
+
+} // namespace opc::model
