@@ -27,7 +27,7 @@ public:
         : archive(bytes), place(archivePlace), limits(options), end(readDirectoryEnd(bytes, archivePlace)),
           position(end.offset) {}
 
-    std::vector<DirectoryEntry> read();
+    ArchiveDirectory read();
     std::uint64_t offset() const { return end.offset; }
 
 private:
@@ -51,18 +51,19 @@ private:
     std::size_t nameSize = 0;
 };
 
-std::vector<DirectoryEntry> DirectoryReader::read() {
+ArchiveDirectory DirectoryReader::read() {
     if (end.itemCount > limits.maxItems)
         fail(place, "more than " + std::to_string(limits.maxItems) + " items", EFBIG);
     if (end.itemCount > end.size / DIRECTORY_ENTRY_SIZE)
         failDirectory(place, "too short for its number of items");
-    std::vector<DirectoryEntry> entries;
-    entries.reserve(static_cast<std::size_t>(end.itemCount));
+    ArchiveDirectory directory;
+    directory.entries.reserve(static_cast<std::size_t>(end.itemCount));
     for (entryNumber = 1; entryNumber <= end.itemCount; ++entryNumber)
-        entries.push_back(readEntry());
+        directory.entries.push_back(readEntry());
     if (position != end.offset + end.size)
         failDirectory(place, "longer than its items");
-    return entries;
+    directory.comment = std::move(end.comment);
+    return directory;
 }
 
 DirectoryEntry DirectoryReader::readEntry() {
@@ -84,6 +85,7 @@ DirectoryEntry DirectoryReader::readEntry() {
     readRecord(archive, place, position + fixed.size(), variable.data(), variableSize);
 
     DirectoryEntry entry;
+    entry.record = position;
     entry.flags = read16(&fixed[8]);
     entry.method = read16(&fixed[10]);
     entry.crc = read32(&fixed[16]);
@@ -146,13 +148,12 @@ void findEnds(std::vector<DirectoryEntry>& entries, std::uint64_t directory, con
 
 } // namespace
 
-std::vector<DirectoryEntry> readDirectory(ByteSource& archive, const std::string& place,
-                                          const ZipOptions& limits) {
+ArchiveDirectory readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits) {
     DirectoryReader reader(archive, place, limits);
     const std::uint64_t offset = reader.offset();
-    std::vector<DirectoryEntry> entries = reader.read();
-    findEnds(entries, offset, place);
-    return entries;
+    ArchiveDirectory directory = reader.read();
+    findEnds(directory.entries, offset, place);
+    return directory;
 }
 
 } // namespace opc::physical::zip

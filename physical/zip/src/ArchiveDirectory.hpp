@@ -23,6 +23,7 @@ struct DirectoryEntry {
     std::uint64_t compressedSize = 0;
     std::uint64_t offset = 0; ///< of its local header
     std::uint64_t end = 0;    ///< what belongs to the item ends here: the next item or the directory begins
+    std::uint64_t record = 0; ///< offset of this entry
     std::uint32_t crc = 0;
     std::uint16_t method = 0;
     std::uint16_t flags = 0;
@@ -30,10 +31,14 @@ struct DirectoryEntry {
     const std::string& storedName() const { return rawName.empty() ? name : rawName; }
 };
 
+struct ArchiveDirectory {
+    std::vector<DirectoryEntry> entries;
+    std::string comment; ///< of the archive
+};
+
 /// Reads the directory at the end of an archive, once it is certain that it is within the limits, and checks
 /// that the items lie in front of it, none in the bytes of another.
 /// @param place  the archive's name for messages
-std::vector<DirectoryEntry> readDirectory(ByteSource& archive, const std::string& place,
-                                          const ZipOptions& limits);
+ArchiveDirectory readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits);
 
 } // namespace opc::physical::zip

@@ -1,7 +1,5 @@
 #include "ArchiveReader.hpp"
 
-#include "ArchiveSource.hpp"
-#include "DirectoryEnd.hpp"
 #include "ExtraFields.hpp"
 #include "Failure.hpp"
 #include "Records.hpp"
@@ -32,44 +30,13 @@ bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, cons
 
 } // namespace
 
-ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> bytes, std::string archivePlace,
+ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& limits)
-    : source(std::move(bytes)), where(std::move(archivePlace)),
-      entries(readDirectory(*source, where, limits)) {
-    SourcePtr zipSource = makeSource(source);
-    zip_error_t error;
-    zip_error_init(&error);
-    archive.reset(zip_open_from_source(zipSource.get(), ZIP_RDONLY, &error));
-    if (!archive)
-        failZip(where, "can't read the directory of the archive", error);
-    zipSource.release(); // belongs to the archive now
-    requireAgreement();
+    : source(std::move(archive)), where(std::move(archivePlace)),
+      directory(readDirectory(*source, where, limits)) {
 }
 
-/// libzip looks for the end of the directory in its own way: what it has found must be what was checked.
-void ArchiveReader::requireAgreement() const {
-    bool agrees = static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0)) == itemCount();
-    for (ItemIndex i = 0; agrees && i < itemCount(); ++i) {
-        const DirectoryEntry& entry = item(i);
-        zip_stat_t status;
-        agrees = zip_stat_index(archive.get(), i, ZIP_FL_ENC_RAW, &status) == 0 &&
-                 entry.storedName() == status.name && entry.size == status.size &&
-                 entry.compressedSize == status.comp_size && entry.crc == status.crc &&
-                 entry.method == status.comp_method;
-    }
-    if (!agrees)
-        failDirectory(where, "it can be understood in two ways");
-}
-
-ItemFile ArchiveReader::open(ItemIndex index) const {
-    checkLocalHeader(index);
-    ItemFile file(zip_fopen_index(archive.get(), index, 0));
-    if (!file)
-        failZip(itemPlace(index), "can't read", *zip_get_error(archive.get()));
-    return file;
-}
-
-void ArchiveReader::checkLocalHeader(ItemIndex index) const {
+std::uint64_t ArchiveReader::contentOffset(ItemIndex index) const {
     const DirectoryEntry& entry = item(index);
     const std::string& name = entry.storedName();
     std::array<unsigned char, LOCAL_HEADER_SIZE> header{};
@@ -78,7 +45,8 @@ void ArchiveReader::checkLocalHeader(ItemIndex index) const {
         failItem(index, "no local header where the directory says");
     const std::size_t nameSize = read16(&header[26]);
     std::vector<unsigned char> variable(nameSize + read16(&header[28]));
-    if (entry.offset + header.size() + variable.size() + entry.compressedSize > entry.end)
+    const std::uint64_t content = entry.offset + header.size() + variable.size();
+    if (content + entry.compressedSize > entry.end)
         failItem(index, "it reaches into what lies behind it");
     read(index, entry.offset + header.size(), variable.data(), variable.size());
     if (nameSize != name.size() ||
@@ -88,6 +56,7 @@ void ArchiveReader::checkLocalHeader(ItemIndex index) const {
     if (read16(&header[8]) != entry.method || ((read16(&header[6]) ^ entry.flags) & ENCRYPTED) != 0 ||
         !hasNumbersOf(entry, header.data(), variable.data() + nameSize))
         failItem(index, "its local header differs from the directory");
+    return content;
 }
 
 void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
@@ -97,6 +66,13 @@ void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* b
         failSystem(itemPlace(index), "can't read", error);
     if (got != count)
         failItem(index, "the archive has been cut off");
+}
+
+std::unique_ptr<Inflater> ArchiveReader::takeInflater() {
+    if (!spare)
+        return std::make_unique<Inflater>();
+    spare->restart();
+    return std::move(spare);
 }
 
 void ArchiveReader::failItem(ItemIndex index, const std::string& what) const {

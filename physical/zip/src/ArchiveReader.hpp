@@ -1,36 +1,34 @@
 #pragma once
 
 #include "ArchiveDirectory.hpp"
-
-#include <zip.h>
+#include "Inflater.hpp"
 
 #include <memory>
 #include <string>
 
 namespace opc::physical::zip {
 
-struct ArchiveDiscard {
-    void operator()(zip_t* archive) const noexcept { zip_discard(archive); }
-};
-using ArchivePtr = std::unique_ptr<zip_t, ArchiveDiscard>;
-
-struct ItemClose {
-    void operator()(zip_file_t* file) const noexcept { zip_fclose(file); }
-};
-using ItemFile = std::unique_ptr<zip_file_t, ItemClose>;
-
-/// An archive open to read. libzip reads the contents; what it takes on trust, or looks for in other places
-/// than other programs, is checked in front of it.
+/// An archive open to read.
 class ArchiveReader {
 public:
-    /// Reads the directory, with all checks and within the limits, before libzip opens the archive.
+    /// Reads the directory.
     ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& limits);
 
-    ItemIndex itemCount() const { return static_cast<ItemIndex>(entries.size()); }
-    const DirectoryEntry& item(ItemIndex index) const { return entries[index]; }
+    ItemIndex itemCount() const { return static_cast<ItemIndex>(directory.entries.size()); }
+    const DirectoryEntry& item(ItemIndex index) const { return directory.entries[index]; }
+    const std::string& comment() const { return directory.comment; }
+    ByteSource& bytes() const { return *source; }
 
-    /// Starts to read the content of an item. Raises if its local header says anything else than the directory.
-    ItemFile open(ItemIndex index) const;
+    /// Where the content of an item begins, as it is compressed. Raises if its local header says anything
+    /// else than the directory.
+    std::uint64_t contentOffset(ItemIndex index) const;
+
+    /// Reads all of `count` bytes that belong to an item.
+    void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
+
+    /// An inflater at its start: one given back, or a new one.
+    std::unique_ptr<Inflater> takeInflater();
+    void giveInflater(std::unique_ptr<Inflater> inflater) noexcept { spare = std::move(inflater); }
 
     /// Raises for an item whose content can't be read.
     [[noreturn]] void failItem(ItemIndex index, const std::string& what) const;
@@ -39,16 +37,10 @@ public:
     std::string itemPlace(ItemIndex index) const;
 
 private:
-    void requireAgreement() const;
-    void checkLocalHeader(ItemIndex index) const;
-
-    /// Reads all of `count` bytes that belong to an item.
-    void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
-
     std::shared_ptr<ByteSource> source;
     std::string where;
-    std::vector<DirectoryEntry> entries;
-    ArchivePtr archive;
+    ArchiveDirectory directory;
+    std::unique_ptr<Inflater> spare;
 };
 
 } // namespace opc::physical::zip

@@ -35,4 +35,16 @@ int BufferedTarget::flush() noexcept {
     return 0;
 }
 
+int BufferedTarget::copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,
+                         std::uint64_t& copied) noexcept {
+    copied = 0;
+    if (const int error = flush())
+        return error;
+    copied = out.copyAt(position, source, sourceOffset, count);
+    position += copied;
+    bufferStart = position;
+    end = std::max(end, position);
+    return 0;
+}
+
 } // namespace opc::physical::zip

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileDescriptor.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,6 +15,13 @@ public:
 
     /// @return an error number, 0 for success
     virtual int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept = 0;
+
+    /// Copies bytes of a file without taking them through memory, if the system can.
+    /// @return how many were copied; the others must be written
+    virtual std::uint64_t copyAt(std::uint64_t /*offset*/, const FileDescriptor& /*source*/,
+                                 std::uint64_t /*sourceOffset*/, std::uint64_t /*count*/) noexcept {
+        return 0;
+    }
 };
 
 /// Gathers small writes before they reach a target. Going back to write the header of an item once its size
@@ -24,6 +33,12 @@ public:
     /// @return an error number, 0 for success
     int write(const unsigned char* bytes, std::size_t count) noexcept;
     int flush() noexcept;
+
+    /// Flushes, and copies from `source` what can be copied in `ByteTarget::copyAt`.
+    /// @param copied  gets how many bytes
+    /// @return an error number of the flush, 0 for success
+    int copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,
+             std::uint64_t& copied) noexcept;
     void seek(std::uint64_t offset) noexcept { position = offset; }
     std::uint64_t tell() const noexcept { return position; }
     std::uint64_t size() const noexcept { return end; }

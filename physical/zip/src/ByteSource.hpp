@@ -22,6 +22,9 @@ public:
     /// @return an error number, 0 for success
     virtual int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                        std::size_t& got) noexcept = 0;
+
+    /// The file that holds these bytes and no others; null if there is none.
+    virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
 };
 
 /// The bytes of a file. Small reads go through a window: a directory of ZIP items is read in tiny steps.
@@ -36,6 +39,7 @@ public:
     std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
+    const FileDescriptor* asFile() const noexcept override { return &file; }
 
 private:
     FileDescriptor file;

@@ -28,11 +28,16 @@ EndRecord readEndRecord(const unsigned char* record, std::uint64_t offset) {
             read16(record + 4),
             read16(record + 6),
             read16(record + 8),
-            {read16(record + 10), read32(record + 16), read32(record + 12)}};
+            {read16(record + 10), read32(record + 16), read32(record + 12), {}}};
+}
+
+bool standsBehindItsDirectory(const EndRecord& end) {
+    return end.directory.offset + end.directory.size == end.offset;
 }
 
 /// The one end record that reaches to the end of the archive. Were there two, one in the comment of the
-/// other, some programs would take the one and some the other.
+/// other, some programs would take the one and some the other; likewise one in the content of an item, with
+/// all that it needs to be taken for the end.
 EndRecord findEndRecord(ByteSource& archive, const std::string& place) {
     const std::uint64_t size = archive.size();
     const auto tailSize =
@@ -40,16 +45,25 @@ EndRecord findEndRecord(ByteSource& archive, const std::string& place) {
     std::vector<unsigned char> tail(tailSize);
     readRecord(archive, place, size - tailSize, tail.data(), tailSize);
     std::optional<EndRecord> found;
+    bool isAmbiguous = false;
     for (std::size_t left = DIRECTORY_END_SIZE; left <= tailSize; ++left) {
         const unsigned char* record = tail.data() + (tailSize - left);
-        if (read32(record) != DIRECTORY_END || DIRECTORY_END_SIZE + read16(record + 20) != left)
+        if (read32(record) != DIRECTORY_END)
             continue;
+        EndRecord end = readEndRecord(record, size - left);
+        if (DIRECTORY_END_SIZE + read16(record + 20) != left) {
+            isAmbiguous = isAmbiguous || standsBehindItsDirectory(end);
+            continue;
+        }
         if (found)
             failDirectory(place, "two end records");
-        found = readEndRecord(record, size - left);
+        end.directory.comment.assign(record + DIRECTORY_END_SIZE, record + left);
+        found = std::move(end);
     }
     if (!found)
         failDirectory(place, "no end record: not a ZIP archive, cut off, or something behind it");
+    if (isAmbiguous)
+        failDirectory(place, "it can be understood in two ways");
     return *found;
 }
 
@@ -82,7 +96,7 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
             read32(record + 16),
             read32(record + 20),
             read64(record + 24),
-            {read64(record + 32), read64(record + 48), read64(record + 40)}};
+            {read64(record + 32), read64(record + 48), read64(record + 40), {}}};
 }
 
 /// Whether a number of the old record says the same as that of the ZIP64 record, or that it has no room.
@@ -104,6 +118,7 @@ DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place) {
     if (const auto zip64 = locateZip64(archive, place, end)) {
         EndRecord large = readZip64EndRecord(archive, place, *zip64, end.offset - ZIP64_LOCATOR_SIZE);
         requireAgreement(place, end, large);
+        large.directory.comment = std::move(end.directory.comment);
         end = std::move(large);
     }
     const DirectoryEnd& directory = end.directory;

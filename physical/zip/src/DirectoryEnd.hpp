@@ -12,6 +12,7 @@ struct DirectoryEnd {
     std::uint64_t itemCount = 0;
     std::uint64_t offset = 0; ///< of the directory
     std::uint64_t size = 0;   ///< of the directory, in bytes
+    std::string comment;
 };
 
 /// Finds the end of the directory. The records must stand without a gap between the directory and the end of

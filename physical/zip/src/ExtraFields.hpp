@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace opc::physical::zip {
 
@@ -20,5 +21,8 @@ private:
     const unsigned char* next = nullptr;
     std::size_t left = 0;
 };
+
+/// @return `extra` without its ZIP64 field
+std::string withoutZip64Field(const std::string& extra);
 
 } // namespace opc::physical::zip

@@ -2,8 +2,6 @@
 
 #include <string>
 
-struct zip_error;
-
 /// @file
 /// The one form of all messages: "place: what", with the place an archive, or an archive and an item.
 
@@ -14,9 +12,6 @@ namespace opc::physical::zip {
 
 /// The same for a system call that has failed with the error number `code`, which is put in words.
 [[noreturn]] void failSystem(const std::string& place, const std::string& what, int code);
-
-/// The same for a failure of libzip.
-[[noreturn]] void failZip(const std::string& place, const std::string& what, zip_error& error);
 
 /// @param item  a name from an archive: control characters in it become question marks
 std::string itemPlace(const std::string& archive, const std::string& item);

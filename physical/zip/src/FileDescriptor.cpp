@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
@@ -41,6 +42,22 @@ int FileDescriptor::writeAt(std::uint64_t offset, const unsigned char* buffer,
         done += static_cast<std::size_t>(n);
     }
     return 0;
+}
+
+std::uint64_t FileDescriptor::copyAt(std::uint64_t offset, const FileDescriptor& source,
+                                     std::uint64_t sourceOffset, std::uint64_t count) const noexcept {
+    constexpr std::uint64_t AT_ONCE = 1U << 30;
+    std::uint64_t done = 0;
+    while (done < count) {
+        auto from = static_cast<off64_t>(sourceOffset + done);
+        auto to = static_cast<off64_t>(offset + done);
+        const ssize_t n = ::copy_file_range(source.fd, &from, fd, &to,
+                                            static_cast<std::size_t>(std::min(count - done, AT_ONCE)), 0);
+        if (n <= 0)
+            break;
+        done += static_cast<std::uint64_t>(n);
+    }
+    return done;
 }
 
 } // namespace opc::physical::zip

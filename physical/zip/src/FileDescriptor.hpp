@@ -6,8 +6,7 @@
 
 namespace opc::physical::zip {
 
-/// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing: they
-/// run inside callbacks of a C library.
+/// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing.
 class FileDescriptor {
 public:
     explicit FileDescriptor(int descriptor = -1) noexcept : fd(descriptor) {}
@@ -27,6 +26,11 @@ public:
 
     /// Writes all of `count` bytes.
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) const noexcept;
+
+    /// Copies up to `count` bytes of another file within the system.
+    /// @return how many; fewer at its end and where the system can't, for whatever reason
+    std::uint64_t copyAt(std::uint64_t offset, const FileDescriptor& source, std::uint64_t sourceOffset,
+                         std::uint64_t count) const noexcept;
 
 private:
     int fd;

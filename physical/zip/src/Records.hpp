@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <string>
 
 /// @file
 /// The records of a ZIP archive. All numbers in them are little-endian.
@@ -52,6 +52,12 @@ inline std::uint32_t read32(const unsigned char* bytes) {
 }
 inline std::uint64_t read64(const unsigned char* bytes) {
     return readNumber(bytes, 8);
+}
+
+/// Appends `value` in `width` bytes to a record in the making.
+inline void appendNumber(std::string& record, std::uint64_t value, unsigned width) {
+    for (unsigned i = 0; i < width; ++i)
+        record += static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
 } // namespace opc::physical::zip

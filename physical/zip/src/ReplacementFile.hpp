@@ -23,6 +23,10 @@ public:
     ~ReplacementFile() override;
 
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override;
+    std::uint64_t copyAt(std::uint64_t offset, const FileDescriptor& source, std::uint64_t sourceOffset,
+                         std::uint64_t count) noexcept override {
+        return file.copyAt(offset, source, sourceOffset, count);
+    }
 
     /// Gives the file the permissions of its target, syncs it and puts it in the target's place.
     void putInPlace();

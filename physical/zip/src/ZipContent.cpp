@@ -88,7 +88,7 @@ void ZipContent::setCompression(CompressionType type) {
         deflateLevel = 1;
         break;
     default:
-        deflateLevel = 0; // zlib's own default
+        deflateLevel = Deflater::USUAL_LEVEL;
         break;
     }
 }

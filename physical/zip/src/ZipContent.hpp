@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ArchiveReader.hpp"
+#include "Deflater.hpp"
 #include "Spool.hpp"
 
 #include <opc/interfaces/CompressionType.hpp>
@@ -52,7 +53,7 @@ public:
     const std::shared_ptr<Spool>& written() const { return spool; }
     const std::vector<ItemIndex>& oldItems() const { return items; }
     std::uint16_t method() const;
-    std::uint32_t level() const { return deflateLevel; }
+    int level() const { return deflateLevel; }
 
     /// How messages name the archive and the content.
     std::string itemPlace() const;
@@ -64,7 +65,7 @@ private:
     std::string newItemName;
     std::shared_ptr<Spool> spool;
     std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
-    std::uint32_t deflateLevel = 0;
+    int deflateLevel = Deflater::USUAL_LEVEL;
     std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> inputs;
     std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> outputs;
 };

@@ -1,21 +1,28 @@
 #include "ZipContentReader.hpp"
 
 #include "Failure.hpp"
+#include "Records.hpp"
 
 #include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
 
-ItemReader::ItemReader(const ArchiveReader& reader, std::vector<ItemIndex> pieces)
+ItemReader::ItemReader(ArchiveReader& reader, std::vector<ItemIndex> pieces)
     : archive(reader), items(std::move(pieces)) {
     enterItem();
+}
+
+ItemReader::~ItemReader() {
+    if (inflater)
+        archive.giveInflater(std::move(inflater));
 }
 
 /// Passes over items without content, but not without having tested that they have none.
 void ItemReader::enterItem() {
     for (; current < items.size(); ++current) {
         left = archive.item(items[current]).size;
+        started = false;
         if (left > 0)
             return;
         startItem();
@@ -26,20 +33,26 @@ void ItemReader::enterItem() {
 void ItemReader::startItem() {
     const DirectoryEntry& entry = archive.item(items[current]);
     damaged = true;
-    file = archive.open(items[current]);
-    if (entry.compressedSize == 0 && entry.size > 0)
-        archive.failItem(items[current], "its compressed data is damaged");
+    compressedOffset = archive.contentOffset(items[current]);
+    compressedEnd = compressedOffset + entry.compressedSize;
+    checksum = 0;
+    // Some programs call an empty item deflated and write no compressed data at all.
+    if (entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0))
+        inflater = archive.takeInflater();
     damaged = false;
+    started = true;
 }
 
-/// The checksum is tested where one reads past the last byte, which must really be the last one.
+/// The checksum is tested where the last byte has been read, which must really be the last one.
 void ItemReader::endItem() {
-    const DirectoryEntry& entry = archive.item(items[current]);
-    unsigned char more = 0;
-    // Some programs call an empty item deflated and write no compressed data at all.
-    if ((entry.compressedSize > 0 || entry.crc != 0) && readItem(&more, 1) > 0)
-        archive.failItem(items[current], "longer than the directory says");
-    file.reset();
+    if (inflater) {
+        unsigned char more = 0;
+        if (expand(&more, 1) > 0)
+            archive.failItem(items[current], "longer than the directory says");
+        archive.giveInflater(std::move(inflater));
+    }
+    if (checksum != archive.item(items[current]).crc)
+        archive.failItem(items[current], "its checksum is wrong");
 }
 
 std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
@@ -47,12 +60,15 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
         return 0;
     if (damaged)
         fail(archive.itemPlace(items[current]), "can't read behind a damaged place", EBADMSG);
-    if (!file)
+    if (!started)
         startItem();
     damaged = true;
-    const std::uint64_t got = readItem(buffer, std::min(count, left));
+    constexpr std::uint64_t AT_MOST = 1U << 30;
+    const auto wanted = static_cast<std::size_t>(std::min({count, left, AT_MOST}));
+    const std::size_t got = inflater ? expand(buffer, wanted) : copy(buffer, wanted);
     if (got == 0)
         archive.failItem(items[current], "shorter than the directory says");
+    checksum = static_cast<std::uint32_t>(::crc32(checksum, buffer, static_cast<uInt>(got)));
     left -= got;
     if (left == 0) {
         endItem();
@@ -63,25 +79,32 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
     return got;
 }
 
-/// @return 0 at the end of the item alone
-std::uint64_t ItemReader::readItem(unsigned char* buffer, std::uint64_t count) {
-    const zip_int64_t got = zip_fread(file.get(), buffer, count);
-    if (got >= 0)
-        return static_cast<std::uint64_t>(got);
-    zip_error_t& error = *zip_file_get_error(file.get());
-    switch (error.zip_err) {
-    case ZIP_ER_CRC: // if bytes are missing as well, the compressed data has been cut off
-        archive.failItem(items[current],
-                         left == 0 ? "its checksum is wrong" : "its compressed data is damaged");
-    case ZIP_ER_INCONS:
-        archive.failItem(items[current], "shorter than the directory says");
-    case ZIP_ER_EOF:
-    case ZIP_ER_ZLIB:
-    case ZIP_ER_COMPRESSED_DATA:
-        archive.failItem(items[current], "its compressed data is damaged");
-    default:
-        failZip(archive.itemPlace(items[current]), "can't read", error);
+std::size_t ItemReader::copy(unsigned char* buffer, std::size_t count) {
+    archive.read(items[current], compressedOffset, buffer, count);
+    compressedOffset += count;
+    return count;
+}
+
+/// @return 0 at the end of the compressed stream alone
+std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
+    std::size_t got = 0;
+    while (got == 0) {
+        if (inflater->needsInput() && compressedOffset < compressedEnd) {
+            const auto size = static_cast<std::size_t>(
+                std::min<std::uint64_t>(inflater->input().size(), compressedEnd - compressedOffset));
+            archive.read(items[current], compressedOffset, inflater->input().data(), size);
+            inflater->setInput(size);
+            compressedOffset += size;
+        }
+        const bool lastInput = compressedOffset == compressedEnd;
+        const Inflater::Result result = inflater->expand(buffer, count, got);
+        if (result == Inflater::Result::End)
+            break;
+        const bool stuck = got == 0 && lastInput && inflater->needsInput();
+        if (result == Inflater::Result::Damaged || stuck)
+            archive.failItem(items[current], "its compressed data is damaged");
     }
+    return got;
 }
 
 std::uint64_t SpoolReader::read(unsigned char* buffer, std::uint64_t count) {

@@ -18,11 +18,14 @@ public:
     virtual bool isDone() const = 0;
 };
 
-/// Reads one item of an archive, or several that are the pieces of one content. Holds a decompressor only
-/// while it stands within an item.
+/// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater only while
+/// it stands within an item.
 class ItemReader : public ZipContentReader {
 public:
-    ItemReader(const ArchiveReader& reader, std::vector<ItemIndex> pieces);
+    ItemReader(ArchiveReader& reader, std::vector<ItemIndex> pieces);
+    ItemReader(const ItemReader&) = delete;
+    ItemReader& operator=(const ItemReader&) = delete;
+    ~ItemReader() override;
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override { return current == items.size(); }
@@ -31,13 +34,18 @@ private:
     void enterItem();
     void startItem();
     void endItem();
-    std::uint64_t readItem(unsigned char* buffer, std::uint64_t count);
+    std::size_t copy(unsigned char* buffer, std::size_t count);
+    std::size_t expand(unsigned char* buffer, std::size_t count);
 
-    const ArchiveReader& archive;
+    ArchiveReader& archive;
     std::vector<ItemIndex> items;
-    std::size_t current = 0; ///< which of `items`
-    std::uint64_t left = 0;  ///< bytes of it that haven't been read
-    ItemFile file;
+    std::size_t current = 0;            ///< which of `items`
+    std::uint64_t left = 0;             ///< bytes of it that haven't been read
+    std::uint64_t compressedOffset = 0; ///< of what hasn't been read or given to the inflater
+    std::uint64_t compressedEnd = 0;
+    std::uint32_t checksum = 0;
+    std::unique_ptr<Inflater> inflater; ///< null for a stored item
+    bool started = false;
     bool damaged = false;
 };
 

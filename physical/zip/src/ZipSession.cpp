@@ -159,7 +159,7 @@ void ZipSession::save() {
 }
 
 void ZipSession::write(ByteTarget& target) {
-    ArchiveWriter writer(source, target, context.place, options.deterministic);
+    ArchiveWriter writer(context.archive.get(), target, context.place, options.deterministic);
     for (const ItemIndex item : removedItems)
         writer.remove(item);
     // Readers that look at the first item alone to tell what a file is expect the content types there.

@@ -97,7 +97,7 @@ def within_another():
 
 
 def directory_within_content():
-    """A directory in the content of an item, sounder than the one at the end: libzip prefers it."""
+    """A directory in the content of an item, sounder than the one at the end: some programs prefer it."""
     types = Item(TYPES, b"<Types/>")
     start = len(types.local_bytes()) + len(Item("a", b"").local_bytes())
     directory = types.central_bytes(0)

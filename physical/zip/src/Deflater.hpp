@@ -1,0 +1,36 @@
+#pragma once
+
+#include <zlib.h>
+
+#include <cstddef>
+#include <optional>
+
+namespace opc::physical::zip {
+
+/// Compresses contents to Deflate data, one after another. It takes 256 KiB to make.
+class Deflater {
+public:
+    static constexpr int USUAL_LEVEL = Z_DEFAULT_COMPRESSION;
+
+    Deflater() = default;
+    Deflater(const Deflater&) = delete;
+    Deflater& operator=(const Deflater&) = delete;
+    ~Deflater();
+
+    /// Begins a new stream.
+    void start(int level);
+
+    /// The next bytes to compress, which stay in place until they are used up.
+    void setInput(const unsigned char* bytes, std::size_t count, bool isLast) noexcept;
+
+    /// @return how many bytes there are now in `output`; less than `count` if it needs more input, and after
+    ///     the last input at the end
+    std::size_t compress(unsigned char* output, std::size_t count) noexcept;
+
+private:
+    z_stream stream{};
+    std::optional<int> currentLevel; ///< none: `stream` hasn't been made
+    bool last = false;
+};
+
+} // namespace opc::physical::zip

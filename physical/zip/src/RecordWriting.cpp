@@ -1,0 +1,152 @@
+#include "RecordWriting.hpp"
+
+#include "ExtraFields.hpp"
+#include "Records.hpp"
+
+#include <algorithm>
+#include <ctime>
+
+namespace opc::physical::zip {
+
+namespace {
+
+constexpr unsigned VERSION = 20;       ///< 2.0: Deflate
+constexpr unsigned ZIP64_VERSION = 45; ///< 4.5
+constexpr unsigned MADE_ON_UNIX = 3U << 8;
+constexpr std::uint32_t READABLE_FILE = 0100644U << 16; ///< the permissions of an unpacked file
+
+/// Contents this large get room for 64-bit sizes before they are written. Some room is left above: Deflate
+/// makes what it can't compress a little larger.
+constexpr std::uint64_t LARGE = 0xF0000000;
+
+bool isLarge(const DirectoryEntry& entry) {
+    return entry.size >= LARGE;
+}
+
+std::uint64_t atMost(std::uint64_t value, std::uint64_t noRoom) {
+    return std::min(value, noRoom);
+}
+
+/// A ZIP64 field of these numbers, or nothing if there are none.
+std::string zip64Field(const std::string& numbers) {
+    if (numbers.empty())
+        return {};
+    std::string field;
+    appendNumber(field, ZIP64_FIELD, 2);
+    appendNumber(field, numbers.size(), 2);
+    return field + numbers;
+}
+
+/// What local header and directory have in common, from the version that is needed to the size of the name.
+void appendCommon(std::string& record, const DirectoryEntry& entry, std::uint32_t time, bool zip64) {
+    appendNumber(record, zip64 ? ZIP64_VERSION : VERSION, 2);
+    appendNumber(record, entry.flags, 2);
+    appendNumber(record, entry.method, 2);
+    appendNumber(record, time, 4);
+    appendNumber(record, entry.crc, 4);
+    appendNumber(record, isLarge(entry) ? NO_ROOM_32 : entry.compressedSize, 4);
+    appendNumber(record, isLarge(entry) ? NO_ROOM_32 : entry.size, 4);
+    appendNumber(record, entry.storedName().size(), 2);
+}
+
+std::string largeSizes(const DirectoryEntry& entry) {
+    std::string numbers;
+    if (isLarge(entry)) {
+        appendNumber(numbers, entry.size, 8);
+        appendNumber(numbers, entry.compressedSize, 8);
+    }
+    return numbers;
+}
+
+} // namespace
+
+std::uint32_t dosTimeNow() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    if (!::localtime_r(&now, &local) || local.tm_year < 80)
+        return DOS_TIME_ORIGIN;
+    const int date = (local.tm_year - 80) << 9 | (local.tm_mon + 1) << 5 | local.tm_mday;
+    const int time = local.tm_hour << 11 | local.tm_min << 5 | local.tm_sec / 2;
+    return static_cast<std::uint32_t>(date) << 16 | static_cast<std::uint32_t>(time);
+}
+
+std::string localHeader(const DirectoryEntry& entry, std::uint32_t time) {
+    const std::string extra = zip64Field(largeSizes(entry));
+    std::string header;
+    appendNumber(header, LOCAL_HEADER, 4);
+    appendCommon(header, entry, time, isLarge(entry));
+    appendNumber(header, extra.size(), 2);
+    return header + entry.storedName() + extra;
+}
+
+std::string directoryRecord(const DirectoryEntry& entry, std::uint32_t time) {
+    std::string numbers = largeSizes(entry);
+    if (entry.offset >= NO_ROOM_32)
+        appendNumber(numbers, entry.offset, 8);
+    const std::string extra = zip64Field(numbers);
+    std::string record;
+    appendNumber(record, DIRECTORY_ENTRY, 4);
+    appendNumber(record, MADE_ON_UNIX | VERSION, 2);
+    appendCommon(record, entry, time, !extra.empty());
+    appendNumber(record, extra.size(), 2);
+    appendNumber(record, 0, 6); // size of the comment, disk, internal attributes
+    appendNumber(record, READABLE_FILE, 4);
+    appendNumber(record, atMost(entry.offset, NO_ROOM_32), 4);
+    return record + entry.storedName() + extra;
+}
+
+std::string movedRecord(const std::string& record, std::uint64_t offset) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
+    const auto* bytes = reinterpret_cast<const unsigned char*>(record.data());
+    const std::size_t extraStart = DIRECTORY_ENTRY_SIZE + read16(bytes + 28);
+    const std::size_t extraSize = read16(bytes + 30);
+    std::uint64_t size = read32(bytes + 24);
+    std::uint64_t compressedSize = read32(bytes + 20);
+    // Numbers that stood in the ZIP64 field stay there: the local header has them in the same way.
+    std::string numbers;
+    Zip64Field field(bytes + extraStart, extraSize);
+    for (std::uint64_t* number : {&size, &compressedSize}) {
+        if (*number == NO_ROOM_32 && field.resolve(*number))
+            appendNumber(numbers, *number, 8);
+    }
+    if (offset >= NO_ROOM_32)
+        appendNumber(numbers, offset, 8);
+    const std::string extra = zip64Field(numbers) + withoutZip64Field(record.substr(extraStart, extraSize));
+    std::string moved = record.substr(0, 30);
+    appendNumber(moved, extra.size(), 2);
+    moved += record.substr(32, 10);
+    appendNumber(moved, atMost(offset, NO_ROOM_32), 4);
+    moved += record.substr(DIRECTORY_ENTRY_SIZE, extraStart - DIRECTORY_ENTRY_SIZE);
+    return moved + extra + record.substr(extraStart + extraSize);
+}
+
+std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, std::uint64_t directorySize,
+                       const std::string& comment) {
+    std::string records;
+    if (itemCount >= NO_ROOM_16 || directoryOffset >= NO_ROOM_32 || directorySize >= NO_ROOM_32) {
+        constexpr std::uint64_t UNCOUNTED = 12; // signature and size don't count in the record's size
+        appendNumber(records, ZIP64_DIRECTORY_END, 4);
+        appendNumber(records, ZIP64_DIRECTORY_END_SIZE - UNCOUNTED, 8);
+        appendNumber(records, MADE_ON_UNIX | ZIP64_VERSION, 2);
+        appendNumber(records, ZIP64_VERSION, 2);
+        appendNumber(records, 0, 8); // disks
+        appendNumber(records, itemCount, 8);
+        appendNumber(records, itemCount, 8);
+        appendNumber(records, directorySize, 8);
+        appendNumber(records, directoryOffset, 8);
+        appendNumber(records, ZIP64_LOCATOR, 4);
+        appendNumber(records, 0, 4); // disk
+        appendNumber(records, directoryOffset + directorySize, 8);
+        appendNumber(records, 1, 4); // number of disks
+    }
+    appendNumber(records, DIRECTORY_END, 4);
+    appendNumber(records, 0, 4); // disks
+    appendNumber(records, atMost(itemCount, NO_ROOM_16), 2);
+    appendNumber(records, atMost(itemCount, NO_ROOM_16), 2);
+    appendNumber(records, atMost(directorySize, NO_ROOM_32), 4);
+    appendNumber(records, atMost(directoryOffset, NO_ROOM_32), 4);
+    appendNumber(records, comment.size(), 2);
+    return records + comment;
+}
+
+} // namespace opc::physical::zip
