@@ -207,6 +207,8 @@ TEST(IRI, makesTheShortestRelativePath) {
         {u"/a", u"b", u"b"},
         {u"b", u"/a", u"/a"},
         {u"a/b", u"c", u"c"},
+        {u"/a", u".//b", u".//b"}, // leads to "/.//b", not to "/b"
+        {u"/a", u"..//b", u"..//b"},
     };
     for (const Case& c : cases)
         EXPECT_EQ(narrow(IRI(c.target).makeRelativeTo(IRI(c.base)).toString()), narrow(c.expected))

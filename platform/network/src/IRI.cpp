@@ -189,7 +189,8 @@ IRI IRI::makeRelativeTo(const IRI& base) const {
     const std::u16string folder =
         hasAuthority() && base.path().empty() ? u"/" : removeDotSegments(folderOf(base.path()));
     const std::u16string target = removeDotSegments(path());
-    if (startsWith(folder, u"/") != startsWith(target, u"/"))
+    // The path as written: ".//b" is relative, though it begins with a slash without its dot segments.
+    if (startsWith(folder, u"/") != startsWith(path(), u"/"))
         return *this;
     std::u16string result = relativePath(folder, target);
     if (result.empty())
