@@ -1,0 +1,46 @@
+#include "FuzzTarget.hpp"
+
+#include <opc/model/ContentType.hpp>
+#include <opc/model/Errors.hpp>
+
+using namespace opc::fuzz;
+using namespace opc::model;
+
+namespace {
+
+void checkSame(const ContentType& left, const ContentType& right) {
+    requireEqual(left.toString(), right.toString(), "the canonical text is its own canonical text");
+    requireEqual(left.getType(), right.getType(), "the canonical text has the same type");
+    requireEqual(left.getSubType(), right.getSubType(), "the canonical text has the same subtype");
+}
+
+void checkParameter(ContentType type, const std::u16string& attribute, const std::u16string& value) {
+    const std::u16string before = type.toString();
+    try {
+        type.addParameter(attribute, value);
+    } catch (const InvalidContentTypeParameter&) {
+        requireEqual(type.toString(), before, "a refused parameter changes nothing");
+        return;
+    }
+    requireEqual(type.getParameterValue(attribute), value, "a parameter has the value that it was given");
+    if (value.find(u'"') == std::u16string::npos)
+        checkSame(type, ContentType(type.toString()));
+    type.removeParameter(attribute);
+    require(!type.hasParameter(attribute), "a removed parameter is gone");
+    checkSame(type, ContentType(type.toString()));
+}
+
+} // namespace
+
+/// The lines of the input: a content type, and the attribute and value of a parameter for it.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::vector<Bytes> lines = split(data, size, '\n');
+    lines.resize(3);
+    try {
+        const ContentType type(toText(lines[0]));
+        checkSame(type, ContentType(type.toString()));
+        checkParameter(type, toText(lines[1]), toText(lines[2]));
+    } catch (const InvalidContentType&) {
+    }
+    return 0;
+}
