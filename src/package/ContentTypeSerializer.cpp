@@ -96,7 +96,7 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     map.setDirty(false);
 }
 
-void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) {
+void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
     const Names names;
     const auto parser = XercesHelper::createParser();
     loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);

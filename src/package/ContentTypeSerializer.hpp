@@ -16,12 +16,12 @@ public:
     /// @throws InvalidContentType, InvalidURI
     void read(ContentTypeMap& map, InputStream& stream) const;
 
+    /// The same by the validating parser alone, whatever the form, into a map that is empty.
+    void parse(ContentTypeMap& map, InputStream& stream) const;
+
     /// Writes the entries that count: all `Override`, and each `Default` that a part rests on.
     /// @throws InvalidPartContent
     void write(ContentTypeMap& map, OutputStream& stream) const;
-
-private:
-    static void parse(ContentTypeMap& map, InputStream& stream);
 };
 
 } // namespace opc::model

@@ -17,7 +17,8 @@ class RelationshipManager;
 
 /// Reads and writes relationships parts, for all sources of an open package one after the other. A part in the
 /// plain form that nearly all have is scanned; any other goes to a validating parser, whose schema is compiled
-/// once. Xerces isn't woken before a part needs it. What a document brings is checked more mildly than what an application creates.
+/// once. Xerces isn't woken before a part needs it. What a document brings is checked more mildly than what an
+/// application creates.
 class RelationshipSerializer {
 public:
     RelationshipSerializer();
@@ -29,6 +30,9 @@ public:
     /// @throws InvalidPartContent
     void read(InputStream& stream, RelationshipManager& manager);
 
+    /// The same by the validating parser alone, whatever the form.
+    void parse(InputStream& stream, RelationshipManager& manager);
+
     /// Doesn't close the stream, which may hold part of a document after a failure.
     /// @throws InvalidPartContent
     void write(const RelationshipManager& manager, OutputStream& stream);
@@ -37,7 +41,6 @@ private:
     struct Xml;
 
     Xml& xml();
-    void parse(InputStream& stream, RelationshipManager& manager);
     std::shared_ptr<const std::u16string> shareType(std::string_view type);
 
     std::unique_ptr<Xml> made;
