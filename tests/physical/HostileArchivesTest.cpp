@@ -1,5 +1,5 @@
 #include "PhysicalSupport.hpp"
-#include "TemporaryFolder.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -91,6 +93,20 @@ testing::AssertionResult fails(int code, const std::string& words, Action&& acti
         return testing::AssertionSuccess();
     }
     return testing::AssertionFailure() << "raised nothing; expected: " << words;
+}
+
+/// Whether the programs that others unpack archives with find nothing to complain of.
+inline testing::AssertionResult othersAccept(const std::filesystem::path& path) {
+    const std::string commands[] = {
+        "unzip -tqq '" + path.string() + "'",
+        "python3 -c 'import sys, zipfile; sys.exit(zipfile.ZipFile(sys.argv[1]).testzip() is not None)' '" +
+            path.string() + "'",
+    };
+    for (const std::string& command : commands) {
+        if (std::system(command.c_str()) != 0)
+            return testing::AssertionFailure() << command;
+    }
+    return testing::AssertionSuccess();
 }
 
 } // namespace opc::test

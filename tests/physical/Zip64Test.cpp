@@ -1,6 +1,6 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "TemporaryFolder.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 

@@ -6,7 +6,7 @@
 // The instants come from a fixed seed, and are spread over the time that a save takes here and now.
 
 #include "PhysicalSupport.hpp"
-#include "TemporaryFolder.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 

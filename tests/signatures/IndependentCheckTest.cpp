@@ -1,10 +1,8 @@
 #include "SignedPackage.hpp"
-#include "support/OpenSslCommand.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
-#include <array>
-#include <cstdio>
 #include <functional>
 
 namespace {
@@ -18,13 +16,8 @@ using opc::test::keysOf;
 /// Signed ZIP packages, taken apart by a script that shares nothing with this library.
 class IndependentCheck : public testing::Test {
 protected:
-    struct Outcome {
-        int status;
-        std::string output;
-    };
-
     void change(OpenMode mode, const std::function<void(Package&, DigitalSignatureManager&)>& action) {
-        ZipPackage archive(folder.path("package.zip"));
+        ZipPackage archive(folder / "package.zip");
         Package package(archive);
         DigitalSignatureManager manager(package);
         package.open(mode);
@@ -39,20 +32,12 @@ protected:
         opc::test::writeAll(package.getPart(partName), content);
     }
 
-    Outcome check() {
-        folder.write("key.der", keysOf(2048).getPublicKey());
-        const std::string command = "python3 '" INDEPENDENT_CHECK "' '" +
-                                    folder.path("package.zip").string() + "' '" +
-                                    folder.path("key.der").string() + "' 2>&1";
-        FILE* const pipe = popen(command.c_str(), "r");
-        std::string output;
-        std::array<char, 4096> block{};
-        while (const std::size_t count = fread(block.data(), 1, block.size(), pipe))
-            output.append(block.data(), count);
-        return {pclose(pipe), output};
+    opc::test::TemporaryFolder::Outcome check() {
+        opc::test::writeFile(folder / "key.der", keysOf(2048).getPublicKey());
+        return folder.run("python3 '" INDEPENDENT_CHECK "' package.zip key.der 2>&1");
     }
 
-    opc::test::OpenSslCommand folder;
+    opc::test::TemporaryFolder folder;
 };
 
 TEST_F(IndependentCheck, findsWhatWasSigned) {
@@ -78,7 +63,7 @@ TEST_F(IndependentCheck, findsWhatWasSigned) {
     for (const char* number : {"1", "2", "3", "4", "5", "6"})
         expected += "/_xmlsignatures/sig" + std::string(number) + ".xml: 3 parts, 6 relationships\n";
     expected += "/_xmlsignatures/sigcountersig.xml: 7 parts, 7 relationships\n";
-    const Outcome outcome = check();
+    const auto outcome = check();
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, expected);
 

@@ -1,6 +1,6 @@
-#include "physical/TemporaryFolder.hpp"
 #include "signatures/SignatureDocuments.hpp"
 #include "support/PackageContent.hpp"
+#include "support/TemporaryFolder.hpp"
 #include "support/Throws.hpp"
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
@@ -145,21 +145,17 @@ TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
     const auto validates = [this] {
         const opc::test::TemporaryFolder folder;
         const std::string schemas = OPCMODEL_SCHEMAS;
-        opc::test::writeFile(
-            folder / "both.xsd",
-            opc::test::toBytes("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
-                               "namespace='http://www.w3.org/2000/09/xmldsig#' schemaLocation='" +
-                               schemas +
-                               "/xmldsig.xsd'/><xs:import namespace='http://schemas.openxmlformats.org/"
-                               "package/2006/digital-signature' schemaLocation='" +
-                               schemas + "/opc-dsig.xsd'/></xs:schema>"));
-        opc::test::writeFile(folder / "sig.xml", opc::test::toBytes(write(written)));
-        const std::string command = "xmllint --noout --nonet --schema '" + (folder / "both.xsd").string() +
-                                    "' '" + (folder / "sig.xml").string() + "' 2>'" +
-                                    (folder / "log").string() + "'";
-        return std::system(command.c_str()) == 0
-                   ? testing::AssertionSuccess()
-                   : testing::AssertionFailure() << opc::test::toText(opc::test::readFile(folder / "log"));
+        opc::test::writeFile(folder / "both.xsd",
+                             "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
+                             "namespace='http://www.w3.org/2000/09/xmldsig#' schemaLocation='" +
+                                 schemas +
+                                 "/xmldsig.xsd'/><xs:import namespace='http://schemas.openxmlformats.org/"
+                                 "package/2006/digital-signature' schemaLocation='" +
+                                 schemas + "/opc-dsig.xsd'/></xs:schema>");
+        opc::test::writeFile(folder / "sig.xml", write(written));
+        const auto outcome = folder.run("xmllint --noout --nonet --schema both.xsd sig.xml 2>&1");
+        return outcome.status == 0 ? testing::AssertionSuccess()
+                                   : testing::AssertionFailure() << outcome.output;
     };
     EXPECT_TRUE(validates());
     addRelationships();

@@ -3,8 +3,8 @@
 namespace {
 
 using nlohmann::json;
-using opc::test::contentOf;
 using opc::test::Opctool;
+using opc::test::readFile;
 namespace fs = std::filesystem;
 
 TEST_F(Opctool, buildsAPackageStepByStep) {
@@ -50,7 +50,7 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
     write("bad.zip", "PK\x03\x04 cut short");
     run("new p.zip");
     run("add p.zip /a.txt note.txt --type text/plain");
-    const std::string before = contentOf(folder / "p.zip");
+    const auto before = readFile(folder / "p.zip");
     struct Case {
         const char *arguments, *line;
     };
@@ -75,7 +75,7 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
         EXPECT_EQ(outcome.status, 3) << c.arguments;
         EXPECT_EQ(outcome.errors, c.line) << c.arguments;
         EXPECT_EQ(outcome.output, "") << c.arguments;
-        EXPECT_EQ(contentOf(folder / "p.zip"), before) << c.arguments;
+        EXPECT_EQ(readFile(folder / "p.zip"), before) << c.arguments;
     }
     EXPECT_EQ(run("ls none.zip").errors.rfind("opctool: PackageNotFound: ", 0), 0U);
     EXPECT_EQ(run("ls bad.zip").errors.rfind("opctool: PackageOpenFailed: ", 0), 0U);
@@ -104,11 +104,9 @@ TEST_F(Opctool, opensLenientlyWhatItNamesTheOptionFor) {
     write("note.txt", "hello");
     run("new p.zip");
     run("add p.zip /a.txt note.txt --type text/plain");
-    ASSERT_EQ(std::system(
-                  ("cd '" + folder.string() +
-                   "' && python3 -c \"import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('b.jpg', '')\"")
-                      .c_str()),
-              0);
+    const auto addItem =
+        folder.run("python3 -c \"import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('b.jpg', '')\"");
+    ASSERT_EQ(addItem.status, 0);
     const std::string way = "; --lenient opens the package without it\n";
     const std::string hidden = "opctool: hidden: /b.jpg: no content type covers it\n";
     for (const std::string command : {"ls", "rels", "info", "props", "cat"}) {
@@ -142,7 +140,7 @@ TEST_F(Opctool, changesWhatOfficeProgramsWrote) {
         const Outcome relate = run("relate " + name + " / urn:note /notes/note.txt");
         EXPECT_EQ(relate.status, 0);
         EXPECT_EQ(list("ls " + name).size(), before.size() + 1);
-        EXPECT_EQ(std::system(("cd '" + folder.string() + "' && unzip -tqq '" + name + "'").c_str()), 0);
+        EXPECT_EQ(folder.run("unzip -tqq '" + name + "'").status, 0);
         EXPECT_EQ(run("unrelate " + name + " / " + relate.output).status, 0);
         EXPECT_EQ(run("rm " + name + " /notes/note.txt").status, 0);
         EXPECT_EQ(list("ls " + name), before);

@@ -5,8 +5,8 @@
 namespace {
 
 using nlohmann::json;
-using opc::test::contentOf;
 using opc::test::Opctool;
+using opc::test::readFile;
 
 TEST_F(Opctool, propsChangesAndPrintsProperties) {
     run("new p.zip");
@@ -78,7 +78,7 @@ TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
     run("props p.zip --clear");
     EXPECT_EQ(list("ls p.zip"), json::array()) << "nothing to drop and nothing to write";
     run("props p.zip --set title=t");
-    const std::string before = contentOf(folder / "p.zip");
+    const auto before = readFile(folder / "p.zip");
     struct Case {
         const char* arguments;
         int status;
@@ -102,7 +102,7 @@ TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
         const Outcome outcome = run(std::string("props p.zip ") + c.arguments);
         EXPECT_EQ(outcome.status, c.status) << c.arguments;
         EXPECT_EQ(outcome.errors.rfind(c.errors, 0), 0U) << outcome.errors;
-        EXPECT_EQ(contentOf(folder / "p.zip"), before) << c.arguments;
+        EXPECT_EQ(readFile(folder / "p.zip"), before) << c.arguments;
     }
 }
 
@@ -134,9 +134,9 @@ TEST_F(Opctool, infoGivesAnOverview) {
     run("relate p.zip /a.bin urn:t /b.bin");
     run("relate p.zip /b.bin urn:t http://h/ --external");
     run("props p.zip --set title=t");
-    const std::string addItem =
-        "import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('[trash]/0000.dat', 'x')";
-    ASSERT_EQ(std::system(("cd '" + folder.string() + "' && python3 -c \"" + addItem + "\"").c_str()), 0);
+    const auto addItem = folder.run(
+        "python3 -c \"import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('[trash]/0000.dat', 'x')\"");
+    ASSERT_EQ(addItem.status, 0);
 
     const json overview = list("info p.zip");
     EXPECT_EQ(overview["size"], std::filesystem::file_size(folder / "p.zip"));

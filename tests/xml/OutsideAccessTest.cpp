@@ -1,4 +1,5 @@
 #include "SchemaParser.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -39,14 +40,13 @@ private:
 /// A folder that sees what is opened in it, and a port that sees who connects.
 class OutsideAccess : public testing::Test {
 protected:
-    OutsideAccess()
-        : folder(makeFolder()), files(inotify_init1(IN_NONBLOCK)), port(socket(AF_INET, SOCK_STREAM, 0)) {
+    OutsideAccess() : files(inotify_init1(IN_NONBLOCK)), port(socket(AF_INET, SOCK_STREAM, 0)) {
         std::ofstream(folder / "s.xsd") << "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' "
                                            "targetNamespace='urn:s'><xs:element name='a' type='xs:integer'/>"
                                            "</xs:schema>";
         std::ofstream(folder / "n.xsd") << "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
                                            "<xs:element name='a' type='xs:integer'/></xs:schema>";
-        EXPECT_GE(inotify_add_watch(files.get(), folder.c_str(), IN_OPEN), 0);
+        EXPECT_GE(inotify_add_watch(files.get(), folder.path().c_str(), IN_OPEN), 0);
         sockaddr_in address = {};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -56,15 +56,8 @@ protected:
         EXPECT_EQ(getsockname(port.get(), reinterpret_cast<sockaddr*>(&address), &size), 0);
         server = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/s.xsd";
     }
-    ~OutsideAccess() override { fs::remove_all(folder); }
 
-    static fs::path makeFolder() {
-        std::string name = (fs::temp_directory_path() / "opcmodel-XXXXXX").string();
-        EXPECT_NE(mkdtemp(name.data()), nullptr);
-        return name;
-    }
-
-    fs::path folder;
+    opc::test::TemporaryFolder folder;
     FileDescriptor files;
     FileDescriptor port;
     std::string server;
