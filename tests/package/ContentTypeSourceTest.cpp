@@ -1,5 +1,4 @@
 #include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/model/Errors.hpp>
@@ -166,21 +165,6 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
         store.setContentTypes(opc::test::toBytes(text));
         EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;
     }
-}
-
-TEST_F(ContentTypesStream, failuresInWritingNameTheStreamOrPass) {
-    opc::test::ScriptedPackage physical(store);
-    Package failing(physical);
-    failing.open(OpenMode::CreateOnly);
-    physical.failAt("getContentTypeOutputStream", "no room");
-    EXPECT_TRUE(throws<opc::Exception>("no room", [&] { failing.close(false); }));
-    physical.forgetScript();
-    physical.failAt("write types", "full");
-    failing.createPart(PartName(u"/a"), ContentType(u"a/b"), StandardPartInfo());
-    EXPECT_TRUE(throws<opc::Exception>("full", [&] { failing.close(false); }));
-    physical.forgetScript();
-    failing.close(false);
-    EXPECT_NE(toText(store.contentTypes()).find("PartName=\"/a\""), std::string::npos);
 }
 
 } // namespace

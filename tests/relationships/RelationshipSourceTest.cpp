@@ -156,11 +156,6 @@ TEST_F(RelationshipSources, thePartComesWithTheFirstAndGoesWithTheLast) {
     EXPECT_FALSE(part.hasRelationship(u"c"));
     EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
                                              [&] { part.deleteRelationship(u"c"); }));
-
-    physical.failAt("createPart", "no room");
-    EXPECT_TRUE(
-        throws<PartCreateFailed>("no room", [&] { part.createExternalRelationship(u"t:t", u"x", u"d"); }));
-    EXPECT_FALSE(part.hasRelationship(u"d"));
 }
 
 TEST_F(RelationshipSources, guardsStandInFrontOfTheArguments) {

@@ -6,6 +6,35 @@
 
 namespace opc::test {
 
+class ScriptedPackage::ScriptedInputStream : public interfaces::IPhysicalInputStream {
+public:
+    ScriptedInputStream(ScriptedPackage& package, interfaces::IPhysicalInputStream& stream,
+                        std::string partName)
+        : owner(package), inner(stream), name(std::move(partName)) {}
+
+    void open() override {
+        owner.announce("openStream " + name);
+        inner.open();
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        owner.announce("read " + name);
+        return inner.read(buffer, count);
+    }
+    bool isDone() const override {
+        owner.announce("isDone " + name);
+        return inner.isDone();
+    }
+    void close() override {
+        owner.announce("closeInput " + name);
+        inner.close();
+    }
+
+private:
+    ScriptedPackage& owner;
+    interfaces::IPhysicalInputStream& inner;
+    std::string name;
+};
+
 class ScriptedPackage::ScriptedOutputStream : public interfaces::IPhysicalOutputStream {
 public:
     ScriptedOutputStream(ScriptedPackage& package, interfaces::IPhysicalOutputStream& stream,
@@ -16,8 +45,14 @@ public:
         owner.record("write " + name);
         return inner.write(buffer, count);
     }
-    bool isDone() const override { return inner.isDone(); }
-    void flush() override { inner.flush(); }
+    bool isDone() const override {
+        owner.announce("isDone " + name);
+        return inner.isDone();
+    }
+    void flush() override {
+        owner.announce("flush " + name);
+        inner.flush();
+    }
     void close() override {
         owner.record("closeStream " + name);
         inner.close();
@@ -31,22 +66,30 @@ private:
 
 class ScriptedPackage::ScriptedPart : public interfaces::IPhysicalPart {
 public:
-    ScriptedPart(ScriptedPackage& package, interfaces::IPhysicalPart& part) : owner(package), inner(part) {}
+    ScriptedPart(ScriptedPackage& package, interfaces::IPhysicalPart& part)
+        : owner(package), inner(part), name(toUDEString(part.getName())) {}
 
-    std::u16string getName() const override { return inner.getName(); }
-    std::u16string getContentType() const override { return inner.getContentType(); }
+    std::u16string getName() const override {
+        owner.announce("getName " + name);
+        return inner.getName();
+    }
+    std::u16string getContentType() const override {
+        owner.announce("getContentType " + name);
+        return inner.getContentType();
+    }
     interfaces::IPhysicalInputStream* getInputStream() override {
-        owner.record("getInputStream " + toUDEString(getName()));
-        return inner.getInputStream();
+        owner.record("getInputStream " + name);
+        return owner.wrap(inner.getInputStream(), name);
     }
     interfaces::IPhysicalOutputStream* getOutputStream() override {
-        owner.record("getOutputStream " + toUDEString(getName()));
-        return owner.wrap(inner.getOutputStream(), toUDEString(getName()));
+        owner.record("getOutputStream " + name);
+        return owner.wrap(inner.getOutputStream(), name);
     }
 
 private:
     ScriptedPackage& owner;
     interfaces::IPhysicalPart& inner;
+    std::string name;
 };
 
 void ScriptedPackage::failAt(const std::string& call, const std::string& message,
@@ -61,7 +104,13 @@ std::size_t ScriptedPackage::countCalls(const std::string& start) const {
         }));
 }
 
+void ScriptedPackage::announce(const std::string& call) const {
+    if (beforeEach)
+        beforeEach(call);
+}
+
 void ScriptedPackage::record(const std::string& call) {
+    announce(call);
     calls.push_back(call);
     for (const std::string& key : {call, call.substr(0, call.find(' '))}) {
         const auto action = actions.find(key);
@@ -79,19 +128,26 @@ interfaces::IPhysicalPart* ScriptedPackage::wrap(interfaces::IPhysicalPart* part
     return wrapper.get();
 }
 
+interfaces::IPhysicalInputStream* ScriptedPackage::wrap(interfaces::IPhysicalInputStream* stream,
+                                                        const std::string& name) {
+    inputs.push_back(std::make_unique<ScriptedInputStream>(*this, *stream, name));
+    return inputs.back().get();
+}
+
 interfaces::IPhysicalOutputStream* ScriptedPackage::wrap(interfaces::IPhysicalOutputStream* stream,
                                                          const std::string& name) {
-    streams.push_back(std::make_unique<ScriptedOutputStream>(*this, *stream, name));
-    return streams.back().get();
+    outputs.push_back(std::make_unique<ScriptedOutputStream>(*this, *stream, name));
+    return outputs.back().get();
 }
 
 bool ScriptedPackage::usesContentTypeStream() {
+    announce("usesContentTypeStream");
     return inner.usesContentTypeStream();
 }
 
 interfaces::IPhysicalInputStream* ScriptedPackage::getContentTypeInputStream() {
     record("getContentTypeInputStream");
-    return inner.getContentTypeInputStream();
+    return wrap(inner.getContentTypeInputStream(), "types");
 }
 
 interfaces::IPhysicalOutputStream* ScriptedPackage::getContentTypeOutputStream() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/core/Exception.hpp>
+#include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
@@ -26,6 +27,10 @@ public:
                 boost::system::errc::errc_t code = boost::system::errc::io_error);
     void forgetScript() { actions.clear(); }
 
+    /// Runs in front of every call to the package, its parts and its streams, of those too that aren't written
+    /// down ("read /a.xml", "isDone /a.xml", "getName /a.xml" …).
+    std::function<void(const std::string&)> beforeEach;
+
     /// All calls so far.
     std::vector<std::string> calls;
 
@@ -44,17 +49,21 @@ public:
 
 private:
     class ScriptedPart;
+    class ScriptedInputStream;
     class ScriptedOutputStream;
 
+    void announce(const std::string& call) const;
     void record(const std::string& call);
     interfaces::IPhysicalPart* wrap(interfaces::IPhysicalPart* part);
+    interfaces::IPhysicalInputStream* wrap(interfaces::IPhysicalInputStream* stream, const std::string& name);
     interfaces::IPhysicalOutputStream* wrap(interfaces::IPhysicalOutputStream* stream,
                                             const std::string& name);
 
     interfaces::IPhysicalPackage& inner;
     std::map<std::string, std::function<void()>> actions;
     std::map<interfaces::IPhysicalPart*, std::unique_ptr<interfaces::IPhysicalPart>> wrapped;
-    std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> streams;
+    std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> inputs;
+    std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> outputs;
 };
 
 } // namespace opc::test

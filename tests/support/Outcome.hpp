@@ -1,0 +1,22 @@
+#pragma once
+
+#include <boost/core/demangle.hpp>
+
+#include <exception>
+#include <string>
+#include <typeinfo>
+
+namespace opc::test {
+
+/// What comes out of an action, as "class: message"; empty if it raises nothing.
+template <typename Action>
+std::string outcomeOf(const Action& action) {
+    try {
+        action();
+    } catch (const std::exception& e) {
+        return boost::core::demangle(typeid(e).name()) + ": " + e.what();
+    }
+    return {};
+}
+
+} // namespace opc::test
