@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -7,11 +8,10 @@ namespace opc::model {
 
 /// The bytes that stand for a text where it is digested or signed: its code units, low byte first.
 inline std::vector<unsigned char> toSignedBytes(const std::u16string& text) {
-    std::vector<unsigned char> bytes;
-    bytes.reserve(text.size() * 2);
-    for (const char16_t unit : text) {
-        bytes.push_back(static_cast<unsigned char>(unit & 0xFF));
-        bytes.push_back(static_cast<unsigned char>(unit >> 8));
+    std::vector<unsigned char> bytes(text.size() * 2);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bytes[2 * i] = static_cast<unsigned char>(text[i] & 0xFF);
+        bytes[2 * i + 1] = static_cast<unsigned char>(text[i] >> 8);
     }
     return bytes;
 }

@@ -31,34 +31,36 @@ bool hasName(const DOMElement* element, const XercesString& namespaceURI, const 
 } // namespace
 
 ElementIndex::ElementIndex(const DOMElement* root) {
-    std::vector<std::size_t> open;
+    // A stack, since asking a node for its parent costs much more than for anything else.
+    struct Ancestor {
+        const DOMNode* node;
+        std::size_t position;
+    };
+    constexpr std::size_t NOWHERE = static_cast<std::size_t>(-1);
+    std::vector<Ancestor> open;
     const auto enter = [&](const DOMNode* node) {
         if (isAside(node))
             ++asides;
         if (node->getNodeType() != DOMNode::ELEMENT_NODE)
-            return;
+            return NOWHERE;
         const auto* const element = static_cast<const DOMElement*>(node);
-        open.push_back(entries.size());
-        entries.push_back({element, element->getTagName(), 0});
-    };
-    const auto leave = [&](const DOMNode* node) {
-        if (node->getNodeType() != DOMNode::ELEMENT_NODE)
-            return;
-        entries[open.back()].end = entries.size();
-        open.pop_back();
+        entries.push_back({element, element->getTagName(), entries.size() + 1});
+        return entries.size() - 1;
     };
     for (const DOMNode* node = root; node;) {
-        enter(node);
+        const std::size_t position = enter(node);
         if (const DOMNode* const child = node->getFirstChild()) {
+            open.push_back({node, position});
             node = child;
             continue;
         }
-        leave(node);
-        while (node != root && !node->getNextSibling()) {
-            node = node->getParentNode();
-            leave(node);
+        while (!open.empty() && !node->getNextSibling()) {
+            if (open.back().position != NOWHERE)
+                entries[open.back().position].end = entries.size();
+            node = open.back().node;
+            open.pop_back();
         }
-        node = node == root ? nullptr : node->getNextSibling();
+        node = open.empty() ? nullptr : node->getNextSibling();
     }
 }
 
