@@ -1,7 +1,19 @@
-// One part of 10,000 changes and the archive is saved, against what that can't be done without: a copy of the
-// file (written, synced, renamed, its folder synced) and the reading of its directory. `ratio` is the one to
-// the other, both taken in the same iterations; the argument is the size of a part in bytes.
+// ZIP archives without the model above them, each time beside what can't be done without; both run in turn
+// within each iteration, and `ratio` is the one to the other.
+//
+// - OpenAndRead: the directory is read, and each relationships part once; beside directory, `pread` and zlib.
+//   The argument is the number of parts, each with a relationships part. `bytes_per_item` is what the open
+//   package keeps for an item.
+// - CreateAndSave: so many parts of 1 KiB are written and saved; beside zlib over the same bytes.
+// - ChangeOneOf10000: one part of 10,000 changes and the archive is saved; beside a copy of the file (written,
+//   synced, renamed, its folder synced) and the reading of its directory. The argument is the size of a part
+//   in bytes.
 
+#include "RawArchive.hpp"
+#include "SamplePackages.hpp"
+#include "WorkTime.hpp"
+
+#include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/IPhysicalPartInfo.hpp>
@@ -11,6 +23,7 @@
 #include <benchmark/benchmark.h>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -23,19 +36,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using opc::interfaces::CompressionType;
 using opc::interfaces::OpenMode;
 using opc::physical::ZipPackage;
 using Seconds = std::chrono::duration<double>;
 
 constexpr int PARTS = 10000;
 
-struct StoredInfo : opc::interfaces::IPhysicalPartInfo {
-    opc::interfaces::CompressionType getCompressionType() const override {
-        return opc::interfaces::CompressionType::None;
-    }
+template <CompressionType COMPRESSION>
+struct Info : opc::interfaces::IPhysicalPartInfo {
+    CompressionType getCompressionType() const override { return COMPRESSION; }
     std::uint64_t getGrowthHint() const override { return 0; }
     void* getExtraInfo(const std::u16string&) const override { return nullptr; }
 };
+using StoredInfo = Info<CompressionType::None>;
+using DeflatedInfo = Info<CompressionType::Normal>;
 
 std::u16string partName(int number) {
     const std::string name =
@@ -120,6 +135,97 @@ void ChangeOneOf10000(benchmark::State& state) {
     fs::remove_all(folder);
 }
 
+bool isRelationshipsPart(std::u16string_view name) {
+    constexpr std::u16string_view END = u".rels";
+    return name.size() > END.size() && name.substr(name.size() - END.size()) == END;
+}
+
+std::size_t readRelationships(ZipPackage& package) {
+    std::vector<unsigned char> buffer(1U << 16);
+    std::size_t size = 0;
+    for (auto* part : package.getParts()) {
+        if (!isRelationshipsPart(part->getName()))
+            continue;
+        auto* input = part->getInputStream();
+        while (!input->isDone())
+            size += input->read(buffer.data(), buffer.size());
+    }
+    return size;
+}
+
+std::size_t readRelationshipsRaw(const fs::path& path) {
+    bench::RawArchive archive(path);
+    std::size_t size = 0;
+    for (const auto& item : archive.directory()) {
+        if (isRelationshipsPart(std::u16string(item.name.begin(), item.name.end())))
+            size += archive.content(item).size();
+    }
+    return size;
+}
+
+void OpenAndRead(benchmark::State& state) {
+    const auto parts = static_cast<int>(state.range(0));
+    const fs::path path = fs::temp_directory_path() / "opcmodel_zip_bench_read.zip";
+    fs::remove(path);
+    {
+        ZipPackage archive(path);
+        bench::createPackage(archive, parts);
+    }
+    bench::BestTime reading;
+    bench::BestTime raw;
+    std::size_t kept = 0;
+    for (auto _ : state) {
+        ZipPackage package(path);
+        const auto time = reading.take([&] {
+            const std::size_t before = ::mallinfo2().uordblks;
+            package.open(OpenMode::ReadOnly);
+            kept = ::mallinfo2().uordblks - before;
+            benchmark::DoNotOptimize(readRelationships(package));
+        });
+        package.close(true);
+        state.SetIterationTime(time.count());
+        raw.take([&] { benchmark::DoNotOptimize(readRelationshipsRaw(path)); });
+    }
+    fs::remove(path);
+    state.counters["raw_ms"] = raw.milliseconds();
+    state.counters["ratio"] = reading / raw;
+    state.counters["bytes_per_item"] = static_cast<double>(kept) / (2.0 * parts + 1);
+}
+
+void CreateAndSave(benchmark::State& state) {
+    const fs::path path = fs::temp_directory_path() / "opcmodel_zip_bench_new.zip";
+    std::vector<std::pair<std::u16string, std::string>> parts;
+    for (int i = 0; i < static_cast<int>(state.range(0)); ++i)
+        parts.emplace_back(partName(i), bench::partContent(i));
+    bench::BestTime creating;
+    bench::BestTime deflating;
+    for (auto _ : state) {
+        fs::remove(path);
+        const auto time = creating.take([&] {
+            ZipPackage package(path);
+            package.open(OpenMode::CreateOnly);
+            for (const auto& [name, content] : parts)
+                package.createPart(name, u"", DeflatedInfo())
+                    ->getOutputStream()
+                    ->write(reinterpret_cast<const unsigned char*>(content.data()), content.size());
+            package.close(false);
+        });
+        state.SetIterationTime(time.count());
+        deflating.take([&] {
+            bench::RawDeflater deflater;
+            std::size_t size = 0;
+            for (const auto& part : parts)
+                size += deflater.deflate(part.second);
+            benchmark::DoNotOptimize(size);
+        });
+    }
+    fs::remove(path);
+    state.counters["zlib_ms"] = deflating.milliseconds();
+    state.counters["ratio"] = creating / deflating;
+}
+
+BENCHMARK(OpenAndRead)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(CreateAndSave)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ChangeOneOf10000)
     ->Arg(1000)
     ->Arg(10000)
