@@ -4,7 +4,9 @@
 
 #include <opc/physical/ZipPackage.hpp>
 
+#include <array>
 #include <cerrno>
+#include <random>
 
 namespace {
 
@@ -106,6 +108,49 @@ TEST(ZipPackage, readsAndKeepsItemsWhoseSizesStandBehindThem) {
         create(package, u"/last", "changed");
         package.close(false);
         EXPECT_TRUE(othersAccept(folder / "a.zip"));
+    }
+}
+
+/// Letters that compress to about three fifths.
+std::string letters(std::size_t count) {
+    std::minstd_rand random;
+    std::string text(count, 'a');
+    for (char& c : text)
+        c = static_cast<char>('a' + random() % 24);
+    return text;
+}
+
+TEST(ZipPackage, readsSeveralPartsAtATime) {
+    RawItem longHeader = stored("header", letters(50000));
+    longHeader.localExtra = std::string("\x99\x99\x20\x4E", 4) + std::string(20000, 'x');
+    const TemporaryFolder folder;
+    writeFile(folder / "a.zip", makeZip({longHeader, stored("stored", letters(40000)),
+                                         oddlyDeflated("deflated", letters(60000)), stored("empty", "")}));
+    ZipPackage package(folder / "a.zip");
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/new", letters(30000));
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    const auto parts = package.getParts();
+    std::vector<std::string> texts(parts.size());
+    for (int round = 0; round < 3; ++round) {
+        std::vector<opc::interfaces::IPhysicalInputStream*> streams;
+        for (auto* part : parts)
+            streams.push_back(part->getInputStream());
+        for (std::string& text : texts)
+            text.clear();
+        for (bool more = true; more;) {
+            more = false;
+            for (std::size_t i = 0; i < streams.size(); ++i) {
+                std::array<unsigned char, 1000> buffer{};
+                const auto count = streams[i]->read(buffer.data(), buffer.size() - i);
+                texts[i].append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
+                more = more || count > 0;
+            }
+        }
+        const std::size_t sizes[] = {50000, 40000, 60000, 0, 30000};
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            EXPECT_TRUE(texts[i] == letters(sizes[i])) << i << ": " << texts[i].size();
     }
 }
 

@@ -3,7 +3,6 @@
 #include "MemoryPart.hpp"
 #include "MemoryStore.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 
 #include <cerrno>
@@ -54,7 +53,7 @@ public:
     }
 
     StoredPart& stored(const std::u16string& name) {
-        StoredPart* part = closed().parts.find(toLowerASCIIString(name));
+        StoredPart* part = closed().parts.find(name);
         if (!part)
             raise("no such part", name, ENOENT);
         return *part;
@@ -76,8 +75,7 @@ void MemoryPackage::Impl::load(const OpenMode& mode) {
     auto next = std::make_unique<Session>(mode, fresh ? nullptr : store.contentTypes);
     if (!fresh) {
         for (const StoredPart& part : store.parts.all())
-            next->parts.add(toLowerASCIIString(part.name), part.name, part.contentType, part.bytes,
-                            next->readOnly());
+            next->parts.add(part.name, part.name, part.contentType, part.bytes, next->readOnly());
     }
     session = std::move(next);
 }
@@ -87,7 +85,7 @@ void MemoryPackage::Impl::save() {
     next.exists = true;
     next.contentTypes = session->contentTypes.get();
     for (const MemoryPart& part : session->parts.all())
-        next.parts.add(toLowerASCIIString(part.name), part.name, part.contentType, part.content.get());
+        next.parts.add(part.name, part.name, part.contentType, part.content.get());
     store = std::move(next);
 }
 
@@ -132,18 +130,17 @@ interfaces::IPhysicalPart* MemoryPackage::createPart(const std::u16string& name,
                                                      const std::u16string& contentType,
                                                      const interfaces::IPhysicalPartInfo& /*info*/) {
     Session& session = impl->writable(name);
-    const std::u16string key = toLowerASCIIString(name);
     auto bytes = std::make_shared<Bytes>();
-    MemoryPart* part = session.parts.find(key);
+    MemoryPart* part = session.parts.find(name);
     if (!part)
-        return &session.parts.add(key, name, contentType, std::move(bytes), false);
+        return session.parts.add(name, name, contentType, std::move(bytes), false);
     part->content.replace(std::move(bytes));
     part->contentType = contentType;
     return part;
 }
 
 void MemoryPackage::deletePart(const std::u16string& name) {
-    if (!impl->writable(name).parts.remove(toLowerASCIIString(name)))
+    if (!impl->writable(name).parts.remove(name))
         raise("no such part", name, ENOENT);
 }
 
@@ -155,7 +152,7 @@ std::vector<std::u16string> MemoryPackage::partNames() const {
 }
 
 bool MemoryPackage::hasPart(const std::u16string& name) const {
-    return impl->closed().parts.find(toLowerASCIIString(name)) != nullptr;
+    return impl->closed().parts.find(name) != nullptr;
 }
 
 MemoryPackage::Bytes MemoryPackage::partBytes(const std::u16string& name) const {
@@ -165,16 +162,15 @@ MemoryPackage::Bytes MemoryPackage::partBytes(const std::u16string& name) const 
 void MemoryPackage::setPart(const std::u16string& name, Bytes bytes, const std::u16string& contentType) {
     MemoryStore& store = impl->closed();
     auto content = std::make_shared<Bytes>(std::move(bytes));
-    const std::u16string key = toLowerASCIIString(name);
-    if (StoredPart* part = store.parts.find(key))
+    if (StoredPart* part = store.parts.find(name))
         *part = StoredPart(name, contentType, std::move(content));
     else
-        store.parts.add(key, name, contentType, std::move(content));
+        store.parts.add(name, name, contentType, std::move(content));
     store.exists = true;
 }
 
 void MemoryPackage::removePart(const std::u16string& name) {
-    if (!impl->closed().parts.remove(toLowerASCIIString(name)))
+    if (!impl->closed().parts.remove(name))
         raise("no such part", name, ENOENT);
 }
 

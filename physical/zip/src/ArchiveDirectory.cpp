@@ -9,7 +9,6 @@
 #include <opc/physical/ZipOptions.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <numeric>
 
@@ -23,105 +22,122 @@ bool isSlash(char c) {
 
 class DirectoryReader {
 public:
-    DirectoryReader(ByteSource& bytes, const std::string& archivePlace, const ZipOptions& options)
-        : archive(bytes), place(archivePlace), limits(options), end(readDirectoryEnd(bytes, archivePlace)),
-          position(end.offset) {}
+    DirectoryReader(ByteSource& bytes, const std::string& archivePlace, const ZipOptions& options,
+                    ArchiveDirectory& target)
+        : archive(bytes), place(archivePlace), limits(options), directory(target),
+          end(readDirectoryEnd(bytes, archivePlace)), position(end.offset) {}
 
-    ArchiveDirectory read();
+    void read();
     std::uint64_t offset() const { return end.offset; }
 
 private:
     DirectoryEntry readEntry();
-    void readName(DirectoryEntry& entry) const;
-    void readNumbers(DirectoryEntry& entry) const;
+    const unsigned char* lookAt(std::size_t count);
+    void readName(std::string_view stored, DirectoryEntry& entry);
+    void readNumbers(const unsigned char* record, DirectoryEntry& entry) const;
     void checkNumbers(const DirectoryEntry& entry) const;
+    std::string_view keep(std::string_view name);
 
     /// How messages name an item whose name can't be told.
     std::string entryPlace() const { return itemPlace(place, "item " + std::to_string(entryNumber)); }
-    const unsigned char* extra() const { return variable.data() + nameSize; }
 
     ByteSource& archive;
     const std::string& place;
     const ZipOptions& limits;
+    ArchiveDirectory& directory;
     DirectoryEnd end;
-    std::uint64_t position; ///< of what hasn't been read
+    std::uint64_t position; ///< of the entry to read
     std::uint64_t entryNumber = 0;
-    std::array<unsigned char, DIRECTORY_ENTRY_SIZE> fixed{};
-    std::vector<unsigned char> variable; ///< name and extra fields
-    std::size_t nameSize = 0;
+    std::vector<unsigned char> block; ///< of the directory, which is read in pieces of this size
+    std::uint64_t blockStart = 0;
+    std::size_t blockSize = 0;
 };
 
-ArchiveDirectory DirectoryReader::read() {
+void DirectoryReader::read() {
     if (end.itemCount > limits.maxItems)
         fail(place, "more than " + std::to_string(limits.maxItems) + " items", EFBIG);
     if (end.itemCount > end.size / DIRECTORY_ENTRY_SIZE)
         failDirectory(place, "too short for its number of items");
-    ArchiveDirectory directory;
     directory.entries.reserve(static_cast<std::size_t>(end.itemCount));
     for (entryNumber = 1; entryNumber <= end.itemCount; ++entryNumber)
         directory.entries.push_back(readEntry());
     if (position != end.offset + end.size)
         failDirectory(place, "longer than its items");
+    directory.end = position;
     directory.comment = std::move(end.comment);
-    return directory;
 }
 
 DirectoryEntry DirectoryReader::readEntry() {
-    const std::uint64_t left = end.offset + end.size - position;
-    if (left < fixed.size())
-        failDirectory(place, "shorter than its items");
-    readRecord(archive, place, position, fixed.data(), fixed.size());
-    if (read32(fixed.data()) != DIRECTORY_ENTRY)
+    const unsigned char* record = lookAt(DIRECTORY_ENTRY_SIZE);
+    if (read32(record) != DIRECTORY_ENTRY)
         failDirectory(place, "no entry where item " + std::to_string(entryNumber) + " should have one");
-    nameSize = read16(&fixed[28]);
-    const std::size_t variableSize = nameSize + read16(&fixed[30]);
-    const std::size_t size = fixed.size() + variableSize + read16(&fixed[32]);
-    if (left < size)
-        failDirectory(place, "shorter than its items");
+    const std::size_t nameSize = read16(record + 28);
+    const std::size_t size = DIRECTORY_ENTRY_SIZE + nameSize + read16(record + 30) + read16(record + 32);
+    record = lookAt(size);
     if (nameSize > limits.maxNameLength)
         fail(entryPlace(),
              "its name has more bytes than the limit of " + std::to_string(limits.maxNameLength), EFBIG);
-    variable.resize(variableSize);
-    readRecord(archive, place, position + fixed.size(), variable.data(), variableSize);
-
     DirectoryEntry entry;
     entry.record = position;
-    entry.flags = read16(&fixed[8]);
-    entry.method = read16(&fixed[10]);
-    entry.crc = read32(&fixed[16]);
-    readName(entry);
-    readNumbers(entry);
+    entry.flags = read16(record + 8);
+    entry.method = read16(record + 10);
+    entry.crc = read32(record + 16);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
+    readName({reinterpret_cast<const char*>(record) + DIRECTORY_ENTRY_SIZE, nameSize}, entry);
+    readNumbers(record, entry);
     checkNumbers(entry);
     position += size;
     return entry;
 }
 
-void DirectoryReader::readName(DirectoryEntry& entry) const {
-    entry.name.assign(variable.begin(), variable.begin() + static_cast<std::ptrdiff_t>(nameSize));
-    if (entry.name.find('\0') != std::string::npos)
+/// @return the next `count` bytes of the directory, good until the next call
+const unsigned char* DirectoryReader::lookAt(std::size_t count) {
+    constexpr std::size_t BLOCK = 256U * 1024U; // holds the longest entry, of 46 + 3 * 65535 bytes
+    const std::uint64_t left = end.offset + end.size - position;
+    if (left < count)
+        failDirectory(place, "shorter than its items");
+    if (position + count > blockStart + blockSize) {
+        blockSize = static_cast<std::size_t>(std::min<std::uint64_t>(left, BLOCK));
+        if (block.size() < blockSize)
+            block.resize(blockSize);
+        blockStart = position;
+        readRecord(archive, place, blockStart, block.data(), blockSize);
+    }
+    return block.data() + (position - blockStart);
+}
+
+void DirectoryReader::readName(std::string_view stored, DirectoryEntry& entry) {
+    if (stored.find('\0') != std::string_view::npos)
         fail(entryPlace(), "a zero byte in its name", EBADMSG);
-    const auto folders = std::count_if(entry.name.begin(), entry.name.end(), isSlash);
+    const auto folders = std::count_if(stored.begin(), stored.end(), isSlash);
     if (static_cast<std::uint64_t>(folders) > limits.maxDepth)
         fail(entryPlace(), "deeper in folders than the limit of " + std::to_string(limits.maxDepth), EFBIG);
-    if (isUTF8(entry.name))
+    entry.name = keep(stored);
+    if (isUTF8(stored))
         return;
     if (entry.flags & NAME_IS_UTF8)
         fail(entryPlace(), "its name isn't the UTF-8 that it is said to be", EBADMSG);
-    entry.rawName = std::move(entry.name);
-    entry.name = fromCodePage437(entry.rawName);
+    entry.rawName = entry.name;
+    entry.name = keep(fromCodePage437(stored));
 }
 
-void DirectoryReader::readNumbers(DirectoryEntry& entry) const {
-    entry.compressedSize = read32(&fixed[20]);
-    entry.size = read32(&fixed[24]);
-    entry.offset = read32(&fixed[42]);
-    Zip64Field field(extra(), variable.size() - nameSize);
+std::string_view DirectoryReader::keep(std::string_view name) {
+    auto* bytes = static_cast<char*>(directory.names.allocate(name.size(), 1));
+    std::copy(name.begin(), name.end(), bytes);
+    return {bytes, name.size()};
+}
+
+void DirectoryReader::readNumbers(const unsigned char* record, DirectoryEntry& entry) const {
+    entry.compressedSize = read32(record + 20);
+    entry.size = read32(record + 24);
+    entry.offset = read32(record + 42);
+    Zip64Field field(record + DIRECTORY_ENTRY_SIZE + entry.storedName().size(), read16(record + 30));
     if (!field.resolve(entry.size) || !field.resolve(entry.compressedSize) || !field.resolve(entry.offset))
         fail(itemPlace(place, entry.name), "its ZIP64 field is missing or too short", EBADMSG);
 }
 
 void DirectoryReader::checkNumbers(const DirectoryEntry& entry) const {
-    const std::uint64_t header = LOCAL_HEADER_SIZE + nameSize;
+    const std::uint64_t header = LOCAL_HEADER_SIZE + entry.storedName().size();
     if (entry.offset > end.offset || end.offset - entry.offset < header ||
         end.offset - entry.offset - header < entry.compressedSize)
         fail(itemPlace(place, entry.name), "reaches beyond the items of the archive", EBADMSG);
@@ -142,18 +158,17 @@ void findEnds(std::vector<DirectoryEntry>& entries, std::uint64_t directory, con
         const DirectoryEntry* next = i + 1 < order.size() ? &entries[order[i + 1]] : nullptr;
         entry.end = next ? next->offset : directory;
         if (entry.end - entry.offset < LOCAL_HEADER_SIZE + entry.storedName().size() + entry.compressedSize)
-            fail(itemPlace(place, entry.name), "overlaps with " + next->name, EBADMSG);
+            fail(itemPlace(place, entry.name), "overlaps with " + std::string(next->name), EBADMSG);
     }
 }
 
 } // namespace
 
-ArchiveDirectory readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits) {
-    DirectoryReader reader(archive, place, limits);
-    const std::uint64_t offset = reader.offset();
-    ArchiveDirectory directory = reader.read();
-    findEnds(directory.entries, offset, place);
-    return directory;
+void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
+                   ArchiveDirectory& directory) {
+    DirectoryReader reader(archive, place, limits, directory);
+    reader.read();
+    findEnds(directory.entries, reader.offset(), place);
 }
 
 } // namespace opc::physical::zip

@@ -3,7 +3,9 @@
 #include "ByteSource.hpp"
 
 #include <cstdint>
+#include <memory_resource>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::physical {
@@ -17,8 +19,8 @@ using ItemIndex = std::uint32_t;
 
 /// What the directory says of an item.
 struct DirectoryEntry {
-    std::string name;    ///< UTF-8
-    std::string rawName; ///< as it stands in the archive; empty if that is the same
+    std::string_view name;    ///< UTF-8
+    std::string_view rawName; ///< as it stands in the archive; empty if that is the same
     std::uint64_t size = 0;
     std::uint64_t compressedSize = 0;
     std::uint64_t offset = 0; ///< of its local header
@@ -28,17 +30,21 @@ struct DirectoryEntry {
     std::uint16_t method = 0;
     std::uint16_t flags = 0;
 
-    const std::string& storedName() const { return rawName.empty() ? name : rawName; }
+    std::string_view storedName() const { return rawName.empty() ? name : rawName; }
 };
 
 struct ArchiveDirectory {
+    std::pmr::monotonic_buffer_resource names; ///< what the names of `entries` stand in
     std::vector<DirectoryEntry> entries;
-    std::string comment; ///< of the archive
+    std::uint64_t end = 0; ///< behind the last entry
+    std::string comment;   ///< of the archive
 };
 
 /// Reads the directory at the end of an archive, once it is certain that it is within the limits, and checks
 /// that the items lie in front of it, none in the bytes of another.
-/// @param place  the archive's name for messages
-ArchiveDirectory readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits);
+/// @param place      the archive's name for messages
+/// @param directory  empty before
+void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
+                   ArchiveDirectory& directory);
 
 } // namespace opc::physical::zip

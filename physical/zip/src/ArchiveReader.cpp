@@ -5,8 +5,9 @@
 #include "Records.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <cstring>
+#include <vector>
 
 namespace opc::physical::zip {
 
@@ -32,31 +33,45 @@ bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, cons
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& limits)
-    : source(std::move(archive)), where(std::move(archivePlace)),
-      directory(readDirectory(*source, where, limits)) {
+    : source(std::move(archive)), where(std::move(archivePlace)) {
+    readDirectory(*source, where, limits, directory);
 }
 
-std::uint64_t ArchiveReader::contentOffset(ItemIndex index) const {
+std::size_t ArchiveReader::recordSize(ItemIndex index) const {
+    const std::uint64_t end = index + 1 < itemCount() ? item(index + 1).record : directory.end;
+    return static_cast<std::size_t>(end - item(index).record);
+}
+
+std::size_t ArchiveReader::readStart(ItemIndex index, unsigned char* buffer, std::size_t room,
+                                     std::size_t& got) const {
     const DirectoryEntry& entry = item(index);
-    const std::string& name = entry.storedName();
-    std::array<unsigned char, LOCAL_HEADER_SIZE> header{};
-    read(index, entry.offset, header.data(), header.size());
-    if (read32(header.data()) != LOCAL_HEADER)
+    got = static_cast<std::size_t>(std::min<std::uint64_t>(room, entry.end - entry.offset));
+    read(index, entry.offset, buffer, got);
+    if (read32(buffer) != LOCAL_HEADER)
         failItem(index, "no local header where the directory says");
-    const std::size_t nameSize = read16(&header[26]);
-    std::vector<unsigned char> variable(nameSize + read16(&header[28]));
-    const std::uint64_t content = entry.offset + header.size() + variable.size();
-    if (content + entry.compressedSize > entry.end)
+    const std::size_t headerSize = LOCAL_HEADER_SIZE + read16(buffer + 26) + read16(buffer + 28);
+    if (entry.end - entry.offset - entry.compressedSize < headerSize)
         failItem(index, "it reaches into what lies behind it");
-    read(index, entry.offset + header.size(), variable.data(), variable.size());
-    if (nameSize != name.size() ||
-        !std::equal(name.begin(), name.end(), variable.begin(),
-                    [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }))
+    if (headerSize > got) {
+        std::vector<unsigned char> header(headerSize);
+        read(index, entry.offset, header.data(), headerSize);
+        checkHeader(index, header.data());
+    } else {
+        checkHeader(index, buffer);
+    }
+    return headerSize;
+}
+
+void ArchiveReader::checkHeader(ItemIndex index, const unsigned char* header) const {
+    const DirectoryEntry& entry = item(index);
+    const unsigned char* name = header + LOCAL_HEADER_SIZE;
+    const std::size_t nameSize = read16(header + 26);
+    const std::string_view expected = entry.storedName();
+    if (nameSize != expected.size() || std::memcmp(name, expected.data(), nameSize) != 0)
         failItem(index, "its local header has another name");
-    if (read16(&header[8]) != entry.method || ((read16(&header[6]) ^ entry.flags) & ENCRYPTED) != 0 ||
-        !hasNumbersOf(entry, header.data(), variable.data() + nameSize))
+    if (read16(header + 8) != entry.method || ((read16(header + 6) ^ entry.flags) & ENCRYPTED) != 0 ||
+        !hasNumbersOf(entry, header, name + nameSize))
         failItem(index, "its local header differs from the directory");
-    return content;
 }
 
 void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* buffer,

@@ -19,9 +19,15 @@ public:
     const std::string& comment() const { return directory.comment; }
     ByteSource& bytes() const { return *source; }
 
-    /// Where the content of an item begins, as it is compressed. Raises if its local header says anything
-    /// else than the directory.
-    std::uint64_t contentOffset(ItemIndex index) const;
+    /// The size of an item's entry in the directory.
+    std::size_t recordSize(ItemIndex index) const;
+
+    /// Reads an item from its start, as far as it reaches and there is room.
+    /// @param room  at least 30 bytes, the size of the shortest header
+    /// @param got   gets how many bytes were read
+    /// @return the size of the local header, in front of the content; it may be more than `room`. Raises if the
+    ///     header says anything else than the directory.
+    std::size_t readStart(ItemIndex index, unsigned char* buffer, std::size_t room, std::size_t& got) const;
 
     /// Reads all of `count` bytes that belong to an item.
     void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
@@ -37,6 +43,8 @@ public:
     std::string itemPlace(ItemIndex index) const;
 
 private:
+    void checkHeader(ItemIndex index, const unsigned char* header) const;
+
     std::shared_ptr<ByteSource> source;
     std::string where;
     ArchiveDirectory directory;

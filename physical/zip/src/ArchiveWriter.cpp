@@ -5,8 +5,9 @@
 #include "Records.hpp"
 #include "ZipContent.hpp"
 
+#include <opc/physical/ZipOptions.hpp>
+
 #include <algorithm>
-#include <array>
 #include <cerrno>
 
 namespace opc::physical::zip {
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::size_t BLOCK = 1U << 20;
 
-bool isASCII(const std::string& text) {
+bool isASCII(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
 }
@@ -23,17 +24,17 @@ bool isASCII(const std::string& text) {
 } // namespace
 
 ArchiveWriter::ArchiveWriter(const ArchiveReader* oldArchive, ByteTarget& target, std::string archivePlace,
-                             bool fixedTimes)
-    : old(oldArchive), out(target), where(std::move(archivePlace)),
-      time(fixedTimes ? DOS_TIME_ORIGIN : dosTimeNow()), changes(old ? old->itemCount() : 0), block(BLOCK) {
+                             const ZipOptions& settings)
+    : old(oldArchive), out(target), where(std::move(archivePlace)), options(settings),
+      time(settings.deterministic ? DOS_TIME_ORIGIN : dosTimeNow()), changes(old ? old->itemCount() : 0) {
 }
 
 void ArchiveWriter::put(const ZipContent& content) {
     if (!content.written()->isWhole())
         fail(content.itemPlace(), "writing it has failed: it must be written again or deleted", EIO);
-    const std::vector<ItemIndex>& items = content.oldItems();
+    const ItemRange items = content.oldItems();
     if (items.size() == 1) {
-        changes[items.front()].content = &content;
+        changes[*items.first].content = &content;
         return;
     }
     for (const ItemIndex piece : items)
@@ -52,9 +53,8 @@ void ArchiveWriter::finish() {
     }
     for (const ZipContent* content : added)
         write(*content, nullptr);
-    writeDirectory();
-    if (const int error = out.flush())
-        failSystem(where, "can't save", error);
+    finishDirectory();
+    require(out.flush());
 }
 
 /// Items that stand one behind the other are copied together.
@@ -64,56 +64,52 @@ void ArchiveWriter::keep(ItemIndex item) {
         copyRun();
         runStart = entry.offset;
     }
-    placed.push_back({&entry, out.tell() + (entry.offset - runStart), 0});
     runEnd = entry.end;
+    const std::size_t size = old->recordSize(item);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
+    const auto* record = reinterpret_cast<const char*>(look(old->bytes(), entry.record, size));
+    appendMovedRecord(directory, {record, size}, out.tell() + (entry.offset - runStart));
+    ++itemCount;
 }
 
 void ArchiveWriter::copyRun() {
-    copyBytes(runStart, runEnd);
-    runStart = runEnd = 0;
-}
-
-void ArchiveWriter::copyBytes(std::uint64_t from, std::uint64_t to) {
     const FileDescriptor* file = old ? old->bytes().asFile() : nullptr;
-    if (file && to - from >= BLOCK) {
+    if (file && runEnd - runStart >= BLOCK) {
         std::uint64_t copied = 0;
-        if (const int error = out.copy(*file, from, to - from, copied))
-            failSystem(where, "can't save", error);
-        from += copied;
+        require(out.copy(*file, runStart, runEnd - runStart, copied));
+        runStart += copied;
     }
-    while (from < to) {
-        const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, to - from));
-        emit(readBlock(old->bytes(), from, count), count);
-        from += count;
+    while (runStart < runEnd) {
+        const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, runEnd - runStart));
+        emit(look(old->bytes(), runStart, count), count);
+        runStart += count;
     }
+    runStart = runEnd = 0;
 }
 
 void ArchiveWriter::write(const ZipContent& content, const DirectoryEntry* replaced) {
     copyRun();
     DirectoryEntry entry;
-    if (replaced) {
-        entry.name = replaced->name;
-        entry.rawName = replaced->rawName;
-    } else {
-        entry.name = content.itemName();
-    }
+    entry.name = content.itemName();
+    entry.rawName = replaced ? replaced->rawName : std::string_view();
     if (entry.rawName.empty() && !isASCII(entry.name))
         entry.flags = NAME_IS_UTF8;
     entry.size = content.written()->size();
-    entry.method = entry.size > 0 ? content.method() : STORE;
     entry.offset = out.tell();
-    emit(localHeader(entry, time));
+    const std::size_t headerSize = localHeaderSize(entry);
+    require(out.makeRoom(headerSize));
+    out.advance(headerSize);
     writeContent(content, entry);
-    const std::uint64_t end = out.tell();
-    out.seek(entry.offset);
-    emit(localHeader(entry, time));
-    out.seek(end);
-    placed.push_back({nullptr, entry.offset, entries.size()});
-    entries.push_back(std::move(entry));
+    const std::string header = localHeader(entry, time);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
+    require(out.patch(entry.offset, reinterpret_cast<const unsigned char*>(header.data()), headerSize));
+    appendRecord(directory, entry, time);
+    ++itemCount;
 }
 
 void ArchiveWriter::writeContent(const ZipContent& content, DirectoryEntry& entry) {
     const std::uint64_t start = out.tell();
+    entry.method = entry.size > 0 ? content.method() : STORE;
     if (entry.method == DEFLATE)
         deflate(*content.written(), content.level(), entry);
     else
@@ -124,7 +120,7 @@ void ArchiveWriter::writeContent(const ZipContent& content, DirectoryEntry& entr
 void ArchiveWriter::store(ByteSource& content, DirectoryEntry& entry) {
     for (std::uint64_t offset = 0; offset < entry.size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, entry.size - offset));
-        const unsigned char* bytes = readBlock(content, offset, count);
+        const unsigned char* bytes = look(content, offset, count);
         entry.crc = static_cast<std::uint32_t>(::crc32(entry.crc, bytes, static_cast<uInt>(count)));
         emit(bytes, count);
         offset += count;
@@ -132,49 +128,43 @@ void ArchiveWriter::store(ByteSource& content, DirectoryEntry& entry) {
 }
 
 void ArchiveWriter::deflate(ByteSource& content, int level, DirectoryEntry& entry) {
-    std::array<unsigned char, 65536> compressed{};
     deflater.start(level);
     for (std::uint64_t offset = 0; offset < entry.size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, entry.size - offset));
-        const unsigned char* bytes = readBlock(content, offset, count);
+        const unsigned char* bytes = look(content, offset, count);
         entry.crc = static_cast<std::uint32_t>(::crc32(entry.crc, bytes, static_cast<uInt>(count)));
         offset += count;
         deflater.setInput(bytes, count, offset == entry.size);
+        std::size_t room = 0;
         std::size_t got = 0;
         do {
-            got = deflater.compress(compressed.data(), compressed.size());
-            emit(compressed.data(), got);
-        } while (got == compressed.size());
+            require(out.makeRoom(1));
+            room = out.roomSize();
+            got = deflater.compress(out.room(), room);
+            out.advance(got);
+        } while (got == room);
     }
 }
 
-const unsigned char* ArchiveWriter::readBlock(ByteSource& content, std::uint64_t offset, std::size_t count) {
+/// @return `count` bytes of `source`, good until the next call
+const unsigned char* ArchiveWriter::look(ByteSource& source, std::uint64_t offset, std::size_t count) {
+    if (const unsigned char* bytes = source.inMemory())
+        return bytes + offset;
+    if (block.size() < count)
+        block.resize(count);
     std::size_t got = 0;
-    if (const int error = content.readAt(offset, block.data(), count, got))
+    if (const int error = source.readAt(offset, block.data(), count, got))
         failSystem(where, "can't read what is to be saved", error);
     if (got != count)
         fail(where, "can't read what is to be saved: cut off", EIO);
     return block.data();
 }
 
-void ArchiveWriter::writeDirectory() {
+void ArchiveWriter::finishDirectory() {
     copyRun();
     const std::uint64_t start = out.tell();
-    for (const Placed& item : placed) {
-        if (item.kept)
-            writeKeptRecord(*item.kept, item.offset);
-        else
-            emit(directoryRecord(entries[item.written], time));
-    }
-    emit(endRecords(placed.size(), start, out.tell() - start, old ? old->comment() : std::string()));
-}
-
-void ArchiveWriter::writeKeptRecord(const DirectoryEntry& entry, std::uint64_t offset) {
-    std::size_t count = DIRECTORY_ENTRY_SIZE;
-    const unsigned char* bytes = readBlock(old->bytes(), entry.record, count);
-    count += std::size_t{read16(bytes + 28)} + read16(bytes + 30) + read16(bytes + 32);
-    bytes = readBlock(old->bytes(), entry.record, count);
-    emit(movedRecord({bytes, bytes + count}, offset));
+    emit(directory);
+    emit(endRecords(itemCount, start, directory.size(), old ? old->comment() : std::string()));
 }
 
 void ArchiveWriter::emit(const std::string& bytes) {
@@ -183,7 +173,11 @@ void ArchiveWriter::emit(const std::string& bytes) {
 }
 
 void ArchiveWriter::emit(const unsigned char* bytes, std::size_t count) {
-    if (const int error = out.write(bytes, count))
+    require(out.write(bytes, count));
+}
+
+void ArchiveWriter::require(int error) const {
+    if (error)
         failSystem(where, "can't save", error);
 }
 

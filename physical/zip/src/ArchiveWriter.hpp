@@ -18,7 +18,7 @@ public:
     /// @param oldArchive  the old archive; null if there is none
     /// @param target      gets the new one; must outlive the writer
     ArchiveWriter(const ArchiveReader* oldArchive, ByteTarget& target, std::string archivePlace,
-                  bool fixedTimes);
+                  const ZipOptions& settings);
 
     void remove(ItemIndex item) { changes[item].removed = true; }
 
@@ -37,35 +37,28 @@ private:
 
     void keep(ItemIndex item);
     void copyRun();
-    void copyBytes(std::uint64_t from, std::uint64_t to);
     void write(const ZipContent& content, const DirectoryEntry* replaced);
     void writeContent(const ZipContent& content, DirectoryEntry& entry);
     void store(ByteSource& content, DirectoryEntry& entry);
     void deflate(ByteSource& content, int level, DirectoryEntry& entry);
-    const unsigned char* readBlock(ByteSource& content, std::uint64_t offset, std::size_t count);
-    void writeDirectory();
-    void writeKeptRecord(const DirectoryEntry& entry, std::uint64_t offset);
+    const unsigned char* look(ByteSource& source, std::uint64_t offset, std::size_t count);
+    void finishDirectory();
     void emit(const std::string& bytes);
     void emit(const unsigned char* bytes, std::size_t count);
+    void require(int error) const;
 
     const ArchiveReader* old;
     BufferedTarget out;
     std::string where;
+    const ZipOptions& options;
     std::uint32_t time; ///< date and time of what is written
     std::vector<Change> changes;
     std::vector<const ZipContent*> added;
-
-    /// An item of the new archive: one of the old archive at another place, or a new one.
-    struct Placed {
-        const DirectoryEntry* kept;
-        std::uint64_t offset;
-        std::size_t written; ///< which of `entries`
-    };
-    std::vector<Placed> placed;
-    std::vector<DirectoryEntry> entries; ///< of the items that are new or replaced
-    std::uint64_t runStart = 0;          ///< bytes of the old archive that are to be copied
+    std::string directory;       ///< of the new archive
+    std::uint64_t itemCount = 0; ///< of the new archive, so far
+    std::uint64_t runStart = 0;  ///< bytes of the old archive that are to be copied
     std::uint64_t runEnd = 0;
-    std::vector<unsigned char> block;
+    std::vector<unsigned char> block; ///< for what isn't in memory
     Deflater deflater;
 };
 

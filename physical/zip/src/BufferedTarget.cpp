@@ -5,34 +5,36 @@
 namespace opc::physical::zip {
 
 int BufferedTarget::write(const unsigned char* bytes, std::size_t count) noexcept {
-    const bool continues = position >= bufferStart && position <= bufferStart + bufferUsed;
-    if (!continues || position - bufferStart + count > buffer.size()) {
-        if (const int error = flush())
-            return error;
-        bufferStart = position;
-    }
+    if (const int error = makeRoom(count))
+        return error;
     if (count > buffer.size()) {
-        if (const int error = out.writeAt(position, bytes, count))
-            return error;
-        bufferStart = position + count;
-    } else {
-        const auto start = static_cast<std::size_t>(position - bufferStart);
-        std::copy_n(bytes, count, buffer.data() + start);
-        bufferUsed = std::max(bufferUsed, start + count);
+        const int error = out.writeAt(flushed, bytes, count);
+        flushed += error ? 0 : count;
+        return error;
     }
-    position += count;
-    end = std::max(end, position);
+    std::copy_n(bytes, count, room());
+    advance(count);
     return 0;
 }
 
 int BufferedTarget::flush() noexcept {
-    if (bufferUsed == 0)
+    if (used == 0)
         return 0;
-    if (const int error = out.writeAt(bufferStart, buffer.data(), bufferUsed))
+    if (const int error = out.writeAt(flushed, buffer.data(), used))
         return error;
-    bufferStart += bufferUsed;
-    bufferUsed = 0;
+    flushed += used;
+    used = 0;
     return 0;
+}
+
+int BufferedTarget::patch(std::uint64_t offset, const unsigned char* bytes, std::size_t count) noexcept {
+    if (offset >= flushed) {
+        std::copy_n(bytes, count, buffer.data() + (offset - flushed));
+        return 0;
+    }
+    if (const int error = flush())
+        return error;
+    return out.writeAt(offset, bytes, count);
 }
 
 int BufferedTarget::copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,
@@ -40,10 +42,8 @@ int BufferedTarget::copy(const FileDescriptor& source, std::uint64_t sourceOffse
     copied = 0;
     if (const int error = flush())
         return error;
-    copied = out.copyAt(position, source, sourceOffset, count);
-    position += copied;
-    bufferStart = position;
-    end = std::max(end, position);
+    copied = out.copyAt(flushed, source, sourceOffset, count);
+    flushed += copied;
     return 0;
 }
 

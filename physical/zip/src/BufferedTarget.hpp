@@ -24,32 +24,39 @@ public:
     }
 };
 
-/// Gathers small writes before they reach a target. Going back to write the header of an item once its size
-/// is known, as the writer of an archive does for each, mostly stays within the buffer.
+/// Gathers small writes before they reach a target. What has been written can still be changed: mostly it is
+/// still in the buffer. Operations that may fail give an error number, 0 for success.
 class BufferedTarget {
 public:
     explicit BufferedTarget(ByteTarget& target) : out(target), buffer(256U * 1024U) {}
 
-    /// @return an error number, 0 for success
     int write(const unsigned char* bytes, std::size_t count) noexcept;
     int flush() noexcept;
 
+    /// Makes room for so many bytes in the buffer, which has 256 KiB.
+    int makeRoom(std::size_t count) noexcept { return roomSize() < count ? flush() : 0; }
+
+    /// The next bytes of the buffer: what is put there is written by `advance`.
+    unsigned char* room() noexcept { return buffer.data() + used; }
+    std::size_t roomSize() const noexcept { return buffer.size() - used; }
+    void advance(std::size_t count) noexcept { used += count; }
+
+    /// Replaces bytes that have been written.
+    int patch(std::uint64_t offset, const unsigned char* bytes, std::size_t count) noexcept;
+
     /// Flushes, and copies from `source` what can be copied in `ByteTarget::copyAt`.
     /// @param copied  gets how many bytes
-    /// @return an error number of the flush, 0 for success
     int copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,
              std::uint64_t& copied) noexcept;
-    void seek(std::uint64_t offset) noexcept { position = offset; }
-    std::uint64_t tell() const noexcept { return position; }
-    std::uint64_t size() const noexcept { return end; }
+
+    /// How much has been written.
+    std::uint64_t tell() const noexcept { return flushed + used; }
 
 private:
     ByteTarget& out;
     std::vector<unsigned char> buffer;
-    std::uint64_t bufferStart = 0; ///< offset of the buffer's first byte in the target
-    std::size_t bufferUsed = 0;
-    std::uint64_t position = 0;
-    std::uint64_t end = 0;
+    std::size_t used = 0;
+    std::uint64_t flushed = 0; ///< what the target has
 };
 
 } // namespace opc::physical::zip

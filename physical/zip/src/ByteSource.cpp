@@ -6,10 +6,11 @@ namespace opc::physical::zip {
 
 int FileBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                       std::size_t& got) noexcept {
-    if (count >= window.size())
-        return file.readAt(offset, buffer, count, got);
-    got = 0;
+    const bool goesOn = offset >= lastEnd && offset - lastEnd < window.size();
+    lastEnd = offset + count;
     if (offset < windowStart || offset + count > windowStart + windowSize) {
+        if (!goesOn || count >= window.size())
+            return file.readAt(offset, buffer, count, got);
         windowSize = 0;
         windowStart = offset;
         if (const int error = file.readAt(offset, window.data(), window.size(), windowSize))

@@ -23,11 +23,15 @@ public:
     virtual int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                        std::size_t& got) noexcept = 0;
 
+    /// The bytes in memory, good until they change; null if they don't lie there as a whole.
+    virtual const unsigned char* inMemory() const noexcept { return nullptr; }
+
     /// The file that holds these bytes and no others; null if there is none.
     virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
 };
 
-/// The bytes of a file. Small reads go through a window: a directory of ZIP items is read in tiny steps.
+/// The bytes of a file. Small reads that go on where the last one has ended, or a little behind, are served
+/// from a window.
 class FileBytes : public ByteSource {
 public:
     FileBytes(FileDescriptor descriptor, const FileIdentity& fileIdentity) noexcept
@@ -47,6 +51,7 @@ private:
     std::array<unsigned char, 16384> window{};
     std::uint64_t windowStart = 0;
     std::size_t windowSize = 0;
+    std::uint64_t lastEnd = 0; ///< of the last read
 };
 
 class MemoryBytes : public ByteSource {
@@ -57,6 +62,7 @@ public:
     std::uint64_t size() const noexcept override { return bytes->size(); }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
+    const unsigned char* inMemory() const noexcept override { return bytes->data(); }
 
 private:
     std::shared_ptr<const std::vector<unsigned char>> bytes;

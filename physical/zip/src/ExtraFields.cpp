@@ -41,16 +41,17 @@ bool Zip64Field::resolve(std::uint64_t& value) {
     return true;
 }
 
-std::string withoutZip64Field(const std::string& extra) {
+std::string withoutZip64Field(std::string_view extra) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     const auto* bytes = reinterpret_cast<const unsigned char*>(extra.data());
+    std::string others(extra);
     std::size_t place = 0;
     while (const std::size_t step = fieldSize(bytes + place, extra.size() - place)) {
         if (read16(bytes + place) == ZIP64_FIELD)
-            return extra.substr(0, place) + extra.substr(place + step);
+            return others.erase(place, step);
         place += step;
     }
-    return extra;
+    return others;
 }
 
 } // namespace opc::physical::zip

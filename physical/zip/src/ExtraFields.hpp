@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace opc::physical::zip {
 
@@ -23,6 +24,6 @@ private:
 };
 
 /// @return `extra` without its ZIP64 field
-std::string withoutZip64Field(const std::string& extra);
+std::string withoutZip64Field(std::string_view extra);
 
 } // namespace opc::physical::zip

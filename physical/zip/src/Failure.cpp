@@ -23,7 +23,7 @@ void failSystem(const std::string& place, const std::string& what, int code) {
     fail(place, what + ": " + std::generic_category().message(code), code);
 }
 
-std::string itemPlace(const std::string& archive, const std::string& item) {
+std::string itemPlace(const std::string& archive, std::string_view item) {
     std::string place = archive + ": ";
     for (const char c : item)
         place += isControl(c) ? '?' : c;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 /// @file
 /// The one form of all messages: "place: what", with the place an archive, or an archive and an item.
@@ -14,6 +15,6 @@ namespace opc::physical::zip {
 [[noreturn]] void failSystem(const std::string& place, const std::string& what, int code);
 
 /// @param item  a name from an archive: control characters in it become question marks
-std::string itemPlace(const std::string& archive, const std::string& item);
+std::string itemPlace(const std::string& archive, std::string_view item);
 
 } // namespace opc::physical::zip

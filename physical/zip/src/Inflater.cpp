@@ -15,9 +15,9 @@ void Inflater::restart() noexcept {
     stream.avail_in = 0;
 }
 
-void Inflater::setInput(std::size_t count) noexcept {
-    stream.next_in = buffer.data();
-    stream.avail_in = static_cast<uInt>(count);
+void Inflater::setInput(std::size_t start, std::size_t end) noexcept {
+    stream.next_in = buffer.data() + start;
+    stream.avail_in = static_cast<uInt>(end - start);
 }
 
 Inflater::Result Inflater::expand(unsigned char* output, std::size_t count, std::size_t& got) noexcept {
@@ -25,11 +25,20 @@ Inflater::Result Inflater::expand(unsigned char* output, std::size_t count, std:
     const auto room = static_cast<uInt>(std::min(count, AT_MOST));
     stream.next_out = output;
     stream.avail_out = room;
-    const int result = ::inflate(&stream, Z_NO_FLUSH);
+    // What ends within this output needn't be kept for what might refer to it.
+    const int result = ::inflate(&stream, Z_FINISH);
     got = room - stream.avail_out;
     if (result == Z_STREAM_END)
         return Result::End;
     return result == Z_OK || result == Z_BUF_ERROR ? Result::More : Result::Damaged;
+}
+
+std::size_t Inflater::pass(unsigned char* output, std::size_t count) noexcept {
+    const std::size_t passed = std::min<std::size_t>(count, stream.avail_in);
+    std::copy_n(stream.next_in, passed, output);
+    stream.next_in += passed;
+    stream.avail_in -= static_cast<uInt>(passed);
+    return passed;
 }
 
 } // namespace opc::physical::zip

@@ -7,7 +7,7 @@
 
 namespace opc::physical::zip {
 
-/// Expands Deflate data, one stream after another. It takes 40 KiB to make, and so serves many items.
+/// Expands Deflate data, one stream after another. It takes 55 KiB with its input, and so serves many items.
 class Inflater {
 public:
     enum class Result { More, End, Damaged };
@@ -20,17 +20,23 @@ public:
     /// Forgets the stream that it is in.
     void restart() noexcept;
 
-    /// Whether `input` has been used up.
+    /// Whether the input has been used up.
     bool needsInput() const noexcept { return stream.avail_in == 0; }
 
-    /// Where the next compressed bytes go, and how many of them are there now.
+    /// Where the next input goes.
     std::array<unsigned char, 16384>& input() noexcept { return buffer; }
-    void setInput(std::size_t count) noexcept;
+
+    /// The bytes of `input` from `start` to `end` are to be expanded.
+    void setInput(std::size_t start, std::size_t end) noexcept;
 
     /// Expands what it can.
     /// @param got  gets how many bytes there are now in `output`
     /// @return End where the compressed stream says that it ends
     Result expand(unsigned char* output, std::size_t count, std::size_t& got) noexcept;
+
+    /// Hands input on as it is: that of an item that isn't compressed.
+    /// @return how many bytes there are now in `output`
+    std::size_t pass(unsigned char* output, std::size_t count) noexcept;
 
 private:
     z_stream stream{};

@@ -1,8 +1,7 @@
 #include "ItemName.hpp"
 
-#include <opc/core/Text.hpp>
-
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -14,7 +13,7 @@ namespace {
 
 using std::string_view;
 
-char lower(char c) {
+constexpr char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
@@ -35,18 +34,27 @@ bool removeEndCaseless(string_view& text, string_view end) {
     return true;
 }
 
-bool isDigit(char c) {
+constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-bool isUnreserved(char c) {
+constexpr bool isUnreserved(char c) {
     return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z') ||
            string_view("-._~").find(c) != string_view::npos;
 }
 
 /// RFC 3986 pchar without the percent sign, which begins an encoded character.
 bool isPlain(char c) {
-    return isUnreserved(c) || string_view("!$&'()*+,;=:@").find(c) != string_view::npos;
+    static constexpr auto TABLE = [] {
+        std::array<bool, 256> table{};
+        for (unsigned byte = 0; byte < table.size(); ++byte) {
+            const char plain = static_cast<char>(byte);
+            table[byte] =
+                isUnreserved(plain) || string_view("!$&'()*+,;=:@").find(plain) != string_view::npos;
+        }
+        return table;
+    }();
+    return TABLE[static_cast<unsigned char>(c)];
 }
 
 int hexValue(char c) {
@@ -87,19 +95,18 @@ bool isDrivePath(string_view path) {
 }
 
 /// The rules [M1.1] to [M1.10] as far as they concern one name alone, and what no archive can hold safely.
+/// @param name  without the slash in front
 const char* defectOf(string_view name) {
-    if (name.empty() || name.front() != '/')
-        return "no slash in front";
-    if (isDrivePath(name.substr(1)))
+    if (isDrivePath(name))
         return "a drive in front";
-    while (!name.empty()) {
-        name.remove_prefix(1);
+    for (;;) {
         const string_view segment = name.substr(0, name.find('/'));
         if (const char* defect = segmentDefect(segment))
             return defect;
-        name.remove_prefix(segment.size());
+        if (segment.size() == name.size())
+            return nullptr;
+        name.remove_prefix(segment.size() + 1);
     }
-    return nullptr;
 }
 
 /// Takes "/[3].piece" or "/[3].last.piece" off the end of `name`.
@@ -121,7 +128,8 @@ std::optional<ItemName::Piece> removePiece(string_view& name) {
 
 std::string encode(string_view item) {
     static const char* const HEX = "0123456789ABCDEF";
-    std::string name = "/";
+    std::string name;
+    name.reserve(item.size());
     for (const char c : item) {
         const auto byte = static_cast<unsigned char>(c);
         if (c == '/' || c == '%' || isPlain(c))
@@ -158,41 +166,39 @@ const char* reasonToIgnore(string_view item) {
 
 } // namespace
 
-ItemName readItemName(const std::string& item) {
+ItemName readItemName(string_view item) {
     ItemName result;
-    std::string straight = item;
-    std::replace(straight.begin(), straight.end(), '\\', '/');
-    if (const char* reason = reasonToRefuse(straight)) {
+    std::string straight;
+    if (item.find('\\') != string_view::npos) {
+        straight = item;
+        std::replace(straight.begin(), straight.end(), '\\', '/');
+        item = straight;
+    }
+    if (const char* reason = reasonToRefuse(item)) {
         result.kind = ItemName::Kind::Refused;
         result.reason = reason;
         return result;
     }
-    if (const char* reason = reasonToIgnore(straight)) {
+    if (const char* reason = reasonToIgnore(item)) {
         result.reason = reason;
         return result;
     }
-    string_view name = straight;
-    result.piece = removePiece(name);
-    if (equalsCaseless(name, "[content_types].xml")) {
+    result.piece = removePiece(item);
+    if (equalsCaseless(item, "[content_types].xml")) {
         result.kind = ItemName::Kind::ContentTypes;
         return result;
     }
-    const std::string partName = encode(name);
-    if (const char* defect = defectOf(partName)) {
+    result.partName = encode(item);
+    if (const char* defect = defectOf(result.partName)) {
         result.reason = std::string("no part name: ") + defect;
         return result;
     }
     result.kind = ItemName::Kind::Part;
-    result.partName.assign(partName.begin(), partName.end());
     return result;
 }
 
-const char* partNameDefect(const std::u16string& name) {
-    return defectOf(detail::toUTF8String(name, true));
-}
-
-std::string itemNameOf(const std::u16string& partName) {
-    return detail::toUTF8String(partName, true).substr(1);
+const char* partNameDefect(string_view name) {
+    return name.substr(0, 1) == "/" ? defectOf(name.substr(1)) : "no slash in front";
 }
 
 } // namespace opc::physical::zip

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace opc::physical::zip {
 
@@ -21,19 +22,16 @@ struct ItemName {
     };
 
     Kind kind = Kind::Ignored;
-    std::u16string partName;    ///< of a part
+    std::string partName;       ///< of a part, without the slash that it begins with
     std::optional<Piece> piece; ///< of a part or the content types stream: it is a piece of that
     std::string reason;         ///< why it is ignored or refused
 };
 
 /// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part
 /// names, widened to names that real programs write: see `ZipPackage`).
-ItemName readItemName(const std::string& item);
+ItemName readItemName(std::string_view item);
 
 /// @return what breaks the rules for part names in `name`, as words for a message; null if nothing does
-const char* partNameDefect(const std::u16string& name);
-
-/// The item name under which a new part is written.
-std::string itemNameOf(const std::u16string& partName);
+const char* partNameDefect(std::string_view name);
 
 } // namespace opc::physical::zip

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace opc::physical::zip {
 
@@ -24,7 +26,7 @@ constexpr std::array<char16_t, 128> UPPER_HALF = {
 };
 
 /// How many bytes the character at `text[i]` has; 0 if it isn't well-formed.
-std::size_t sequenceSize(const std::string& text, std::size_t i) {
+std::size_t sequenceSize(std::string_view text, std::size_t i) {
     const auto byte = [&text](std::size_t place) {
         return place < text.size() ? static_cast<unsigned char>(text[place]) : 0U;
     };
@@ -44,10 +46,21 @@ std::size_t sequenceSize(const std::string& text, std::size_t i) {
     return size;
 }
 
+/// Whether the eight bytes at `text` are ASCII, as nearly all are in nearly all names.
+bool areASCII(const char* text) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text, sizeof bytes);
+    return (bytes & 0x8080808080808080) == 0;
+}
+
 } // namespace
 
-bool isUTF8(const std::string& text) {
+bool isUTF8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
+        if (i + 8 <= text.size() && areASCII(text.data() + i)) {
+            i += 8;
+            continue;
+        }
         const std::size_t size = sequenceSize(text, i);
         if (size == 0)
             return false;
@@ -56,7 +69,7 @@ bool isUTF8(const std::string& text) {
     return true;
 }
 
-std::string fromCodePage437(const std::string& text) {
+std::string fromCodePage437(std::string_view text) {
     std::u16string decoded;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace opc::physical::zip {
 
-bool isUTF8(const std::string& text);
+bool isUTF8(std::string_view text);
 
 /// @param text  in code page 437, the encoding of ZIP names that don't say another one
 /// @return it in UTF-8
-std::string fromCodePage437(const std::string& text);
+std::string fromCodePage437(std::string_view text);
 
 } // namespace opc::physical::zip

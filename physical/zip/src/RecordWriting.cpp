@@ -73,29 +73,36 @@ std::uint32_t dosTimeNow() {
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time) {
     const std::string extra = zip64Field(largeSizes(entry));
     std::string header;
+    header.reserve(localHeaderSize(entry));
     appendNumber(header, LOCAL_HEADER, 4);
     appendCommon(header, entry, time, isLarge(entry));
     appendNumber(header, extra.size(), 2);
-    return header + entry.storedName() + extra;
+    header += entry.storedName();
+    return header += extra;
 }
 
-std::string directoryRecord(const DirectoryEntry& entry, std::uint32_t time) {
+std::size_t localHeaderSize(const DirectoryEntry& entry) {
+    constexpr std::size_t LARGE_SIZES = 4 + 2 * 8; // the ZIP64 field
+    return LOCAL_HEADER_SIZE + entry.storedName().size() + (isLarge(entry) ? LARGE_SIZES : 0);
+}
+
+void appendRecord(std::string& directory, const DirectoryEntry& entry, std::uint32_t time) {
     std::string numbers = largeSizes(entry);
     if (entry.offset >= NO_ROOM_32)
         appendNumber(numbers, entry.offset, 8);
     const std::string extra = zip64Field(numbers);
-    std::string record;
-    appendNumber(record, DIRECTORY_ENTRY, 4);
-    appendNumber(record, MADE_ON_UNIX | VERSION, 2);
-    appendCommon(record, entry, time, !extra.empty());
-    appendNumber(record, extra.size(), 2);
-    appendNumber(record, 0, 6); // size of the comment, disk, internal attributes
-    appendNumber(record, READABLE_FILE, 4);
-    appendNumber(record, atMost(entry.offset, NO_ROOM_32), 4);
-    return record + entry.storedName() + extra;
+    appendNumber(directory, DIRECTORY_ENTRY, 4);
+    appendNumber(directory, MADE_ON_UNIX | VERSION, 2);
+    appendCommon(directory, entry, time, !extra.empty());
+    appendNumber(directory, extra.size(), 2);
+    appendNumber(directory, 0, 6); // size of the comment, disk, internal attributes
+    appendNumber(directory, READABLE_FILE, 4);
+    appendNumber(directory, atMost(entry.offset, NO_ROOM_32), 4);
+    directory += entry.storedName();
+    directory += extra;
 }
 
-std::string movedRecord(const std::string& record, std::uint64_t offset) {
+void appendMovedRecord(std::string& directory, std::string_view record, std::uint64_t offset) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     const auto* bytes = reinterpret_cast<const unsigned char*>(record.data());
     const std::size_t extraStart = DIRECTORY_ENTRY_SIZE + read16(bytes + 28);
@@ -112,12 +119,13 @@ std::string movedRecord(const std::string& record, std::uint64_t offset) {
     if (offset >= NO_ROOM_32)
         appendNumber(numbers, offset, 8);
     const std::string extra = zip64Field(numbers) + withoutZip64Field(record.substr(extraStart, extraSize));
-    std::string moved = record.substr(0, 30);
-    appendNumber(moved, extra.size(), 2);
-    moved += record.substr(32, 10);
-    appendNumber(moved, atMost(offset, NO_ROOM_32), 4);
-    moved += record.substr(DIRECTORY_ENTRY_SIZE, extraStart - DIRECTORY_ENTRY_SIZE);
-    return moved + extra + record.substr(extraStart + extraSize);
+    directory += record.substr(0, 30);
+    appendNumber(directory, extra.size(), 2);
+    directory += record.substr(32, 10);
+    appendNumber(directory, atMost(offset, NO_ROOM_32), 4);
+    directory += record.substr(DIRECTORY_ENTRY_SIZE, extraStart - DIRECTORY_ENTRY_SIZE);
+    directory += extra;
+    directory += record.substr(extraStart + extraSize);
 }
 
 std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, std::uint64_t directorySize,

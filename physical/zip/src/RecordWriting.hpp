@@ -3,6 +3,7 @@
 #include "ArchiveDirectory.hpp"
 
 #include <string>
+#include <string_view>
 
 /// @file
 /// The records of an archive in the making.
@@ -13,16 +14,18 @@ namespace opc::physical::zip {
 std::uint32_t dosTimeNow();
 constexpr std::uint32_t DOS_TIME_ORIGIN = 0x0021'0000; ///< the first of January 1980, midnight
 
-/// The local header of a new item. It has the same size before and after the content is written, when sizes
-/// and checksum are known.
+/// The local header of a new item.
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time);
 
-/// The directory's record of a new item.
-std::string directoryRecord(const DirectoryEntry& entry, std::uint32_t time);
+/// Its size, which rests on the name and the size of the content alone.
+std::size_t localHeaderSize(const DirectoryEntry& entry);
 
-/// The directory's record of an item that now lies at `offset`.
+/// Appends the directory's record of a new item.
+void appendRecord(std::string& directory, const DirectoryEntry& entry, std::uint32_t time);
+
+/// Appends the directory's record of an item that now lies at `offset`.
 /// @param record  as it was
-std::string movedRecord(const std::string& record, std::uint64_t offset);
+void appendMovedRecord(std::string& directory, std::string_view record, std::uint64_t offset);
 
 /// What stands behind the directory.
 std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, std::uint64_t directorySize,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -56,8 +57,10 @@ inline std::uint64_t read64(const unsigned char* bytes) {
 
 /// Appends `value` in `width` bytes to a record in the making.
 inline void appendNumber(std::string& record, std::uint64_t value, unsigned width) {
+    std::array<char, 8> bytes{};
     for (unsigned i = 0; i < width; ++i)
-        record += static_cast<char>(value >> (8 * i) & 0xFF);
+        bytes[i] = static_cast<char>(value >> (8 * i) & 0xFF);
+    record.append(bytes.data(), width);
 }
 
 } // namespace opc::physical::zip

@@ -61,6 +61,9 @@ public:
     std::uint64_t size() const noexcept override { return length; }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
+    const unsigned char* inMemory() const noexcept override {
+        return chunks.empty() ? memory.data() : nullptr;
+    }
 
 private:
     void overwrite(std::uint64_t offset, const unsigned char* buffer, std::size_t count);

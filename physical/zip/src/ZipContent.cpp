@@ -2,7 +2,6 @@
 
 #include "Failure.hpp"
 #include "Records.hpp"
-#include "ZipContentReader.hpp"
 
 #include <cerrno>
 
@@ -10,11 +9,9 @@ namespace opc::physical::zip {
 
 using interfaces::CompressionType;
 
-namespace {
-
-class ZipInputStream : public interfaces::IPhysicalInputStream {
+class ZipContent::Input : public interfaces::IPhysicalInputStream {
 public:
-    explicit ZipInputStream(const ZipContent& source) : content(source), reader(source.makeReader()) {}
+    explicit Input(const ZipContent& source) : content(source), reader(source.makeReader()) {}
 
     void open() override { reader = content.makeReader(); }
 
@@ -32,9 +29,9 @@ private:
     std::unique_ptr<ZipContentReader> reader;
 };
 
-class ZipOutputStream : public interfaces::IPhysicalOutputStream {
+class ZipContent::Output : public interfaces::IPhysicalOutputStream {
 public:
-    explicit ZipOutputStream(const ZipContent& target) : content(target), spool(target.written()) {}
+    explicit Output(const ZipContent& target) : content(target), spool(target.written()) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         if (!spool)
@@ -55,19 +52,28 @@ private:
     std::shared_ptr<Spool> spool;
 };
 
-} // namespace
+ZipContent::ZipContent(ZipContext& owner, ItemIndex whole) : context(owner), item(whole) {
+}
+
+ZipContent::ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces)
+    : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})) {
+}
+
+ZipContent::~ZipContent() = default;
 
 interfaces::IPhysicalInputStream* ZipContent::read() {
     if (!exists())
         fail(itemPlace(), "doesn't exist", ENOENT);
-    return inputs.emplace_back(std::make_unique<ZipInputStream>(*this)).get();
+    return &inputs.emplace_front(*this);
 }
 
 interfaces::IPhysicalOutputStream* ZipContent::write() {
     if (context.readOnly)
         fail(itemPlace(), "the archive is opened to read", EACCES);
-    clear();
-    return outputs.emplace_back(std::make_unique<ZipOutputStream>(*this)).get();
+    const bool isFresh = spool && spool.use_count() == 1 && spool->size() == 0 && spool->isWhole();
+    if (!isFresh)
+        clear();
+    return &outputs.emplace_front(*this);
 }
 
 void ZipContent::clear() {
@@ -95,22 +101,38 @@ void ZipContent::setCompression(CompressionType type) {
 
 std::unique_ptr<ZipContentReader> ZipContent::makeReader() const {
     if (spool)
-        return std::make_unique<SpoolReader>(spool, itemPlace());
-    return std::make_unique<ItemReader>(*context.archive, items);
+        return std::make_unique<SpoolReader>(spool, *this);
+    return std::make_unique<ItemReader>(*context.archive, oldItems());
+}
+
+ItemRange ZipContent::oldItems() const {
+    if (own)
+        return {own->items.data(), own->items.data() + own->items.size()};
+    return {&item, &item + 1};
 }
 
 std::uint16_t ZipContent::method() const {
     if (chosenMethod)
         return *chosenMethod;
-    return items.empty() ? DEFLATE : context.archive->item(items.front()).method;
+    const ItemRange items = oldItems();
+    return items.size() == 0 ? DEFLATE : context.archive->item(*items.first).method;
+}
+
+std::string_view ZipContent::itemName() const {
+    const ItemRange items = oldItems();
+    return items.size() == 1 ? context.archive->item(*items.first).name : name();
 }
 
 std::string ZipContent::itemPlace() const {
     return zip::itemPlace(context.place, itemName());
 }
 
-std::string ZipContent::itemName() const {
-    return items.size() == 1 ? context.archive->item(items.front()).name : newItemName;
+std::u16string ZipPart::getName() const {
+    std::u16string text;
+    text.reserve(name.size() + 1);
+    text += u'/';
+    text.append(name.begin(), name.end());
+    return text;
 }
 
 } // namespace opc::physical::zip

@@ -3,20 +3,21 @@
 #include "ArchiveReader.hpp"
 #include "Deflater.hpp"
 #include "Spool.hpp"
+#include "ZipContentReader.hpp"
 
 #include <opc/interfaces/CompressionType.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 
+#include <forward_list>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::physical::zip {
-
-class ZipContentReader;
 
 /// What every content of an open package needs to know of it. Outlives them.
 struct ZipContext {
@@ -29,16 +30,22 @@ struct ZipContext {
 
 /// What can be read and replaced in an open package: the content of a part, or the content types stream. It
 /// is the content of items of the archive until it is written. Owns the streams that it hands out.
+///
+/// There may be a million of them: nearly all are one item of the archive, which has their name, and are never
+/// written.
 class ZipContent {
 public:
-    /// @param pieces  the items of the archive that hold the content, in order; none for a new content
-    /// @param itemName  the name of the item that holds the content if it is none of the archive's
-    ZipContent(ZipContext& owner, std::vector<ItemIndex> pieces, std::string itemName = {})
-        : context(owner), items(std::move(pieces)), newItemName(std::move(itemName)) {}
+    /// The content of one item under the item's own name.
+    ZipContent(ZipContext& owner, ItemIndex whole);
+
+    /// @param contentName  the name of an item for it
+    /// @param pieces       the items of the archive that hold the content, in order; none for a new content
+    ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces);
     ZipContent(const ZipContent&) = delete;
     ZipContent& operator=(const ZipContent&) = delete;
+    ~ZipContent();
 
-    bool exists() const { return spool || !items.empty(); }
+    bool exists() const { return spool || oldItems().size() > 0; }
 
     interfaces::IPhysicalInputStream* read();
     interfaces::IPhysicalOutputStream* write();
@@ -51,39 +58,51 @@ public:
 
     /// What has been written; null if nothing has.
     const std::shared_ptr<Spool>& written() const { return spool; }
-    const std::vector<ItemIndex>& oldItems() const { return items; }
+    ItemRange oldItems() const;
     std::uint16_t method() const;
     int level() const { return deflateLevel; }
 
+    /// Good for as long as the content lives.
+    std::string_view name() const { return own ? own->name : context.archive->item(item).name; }
+
+    /// The name of the item that it is saved in: the old one's if there is one such.
+    std::string_view itemName() const;
+
     /// How messages name the archive and the content.
     std::string itemPlace() const;
-    std::string itemName() const;
 
 private:
+    struct Own {
+        std::string name;
+        std::vector<ItemIndex> items;
+    };
+    class Input;
+    class Output;
+
     ZipContext& context;
-    std::vector<ItemIndex> items;
-    std::string newItemName;
-    std::shared_ptr<Spool> spool;
+    std::unique_ptr<const Own> own;
+    ItemIndex item = 0;                        ///< without `own`
     std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
-    int deflateLevel = Deflater::USUAL_LEVEL;
-    std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> inputs;
-    std::vector<std::unique_ptr<interfaces::IPhysicalOutputStream>> outputs;
+    std::int8_t deflateLevel = Deflater::USUAL_LEVEL;
+    std::shared_ptr<Spool> spool;
+    std::forward_list<Input> inputs;
+    std::forward_list<Output> outputs;
 };
 
 /// A part of an open package.
 class ZipPart : public interfaces::IPhysicalPart {
 public:
-    ZipPart(ZipContext& context, std::u16string partName, std::vector<ItemIndex> items,
-            std::string itemName = {})
-        : name(std::move(partName)), content(context, std::move(items), std::move(itemName)) {}
+    template <typename... Arguments>
+    explicit ZipPart(ZipContext& context, Arguments&&... arguments)
+        : content(context, std::forward<Arguments>(arguments)...), name(content.name()) {}
 
-    std::u16string getName() const override { return name; }
+    std::u16string getName() const override;
     std::u16string getContentType() const override { return {}; }
     interfaces::IPhysicalInputStream* getInputStream() override { return content.read(); }
     interfaces::IPhysicalOutputStream* getOutputStream() override { return content.write(); }
 
-    const std::u16string name;
     ZipContent content;
+    const std::string_view name; ///< without the slash that a part name begins with
 };
 
 } // namespace opc::physical::zip

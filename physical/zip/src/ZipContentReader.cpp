@@ -2,14 +2,14 @@
 
 #include "Failure.hpp"
 #include "Records.hpp"
+#include "ZipContent.hpp"
 
 #include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
 
-ItemReader::ItemReader(ArchiveReader& reader, std::vector<ItemIndex> pieces)
-    : archive(reader), items(std::move(pieces)) {
+ItemReader::ItemReader(ArchiveReader& reader, ItemRange pieces) : archive(reader), items(pieces) {
     enterItem();
 }
 
@@ -20,8 +20,8 @@ ItemReader::~ItemReader() {
 
 /// Passes over items without content, but not without having tested that they have none.
 void ItemReader::enterItem() {
-    for (; current < items.size(); ++current) {
-        left = archive.item(items[current]).size;
+    for (; !isDone(); ++items.first) {
+        left = archive.item(item()).size;
         started = false;
         if (left > 0)
             return;
@@ -30,49 +30,60 @@ void ItemReader::enterItem() {
     }
 }
 
+/// Header and content of a small item come in one read.
 void ItemReader::startItem() {
-    const DirectoryEntry& entry = archive.item(items[current]);
+    const DirectoryEntry& entry = archive.item(item());
     damaged = true;
-    compressedOffset = archive.contentOffset(items[current]);
-    compressedEnd = compressedOffset + entry.compressedSize;
     checksum = 0;
+    ended = false;
     // Some programs call an empty item deflated and write no compressed data at all.
-    if (entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0))
-        inflater = archive.takeInflater();
+    isDeflated = entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0);
+    inflater = archive.takeInflater();
+    std::size_t got = 0;
+    const std::size_t headerSize =
+        archive.readStart(item(), inflater->input().data(), inflater->input().size(), got);
+    compressedOffset = entry.offset + headerSize;
+    compressedEnd = compressedOffset + entry.compressedSize;
+    if (headerSize < got) {
+        const auto read =
+            static_cast<std::size_t>(std::min<std::uint64_t>(got - headerSize, entry.compressedSize));
+        inflater->setInput(headerSize, headerSize + read);
+        compressedOffset += read;
+    }
     damaged = false;
     started = true;
 }
 
 /// The checksum is tested where the last byte has been read, which must really be the last one.
 void ItemReader::endItem() {
-    if (inflater) {
-        unsigned char more = 0;
-        if (expand(&more, 1) > 0)
-            archive.failItem(items[current], "longer than the directory says");
-        archive.giveInflater(std::move(inflater));
-    }
-    if (checksum != archive.item(items[current]).crc)
-        archive.failItem(items[current], "its checksum is wrong");
+    unsigned char more = 0;
+    if (isDeflated && !ended && expand(&more, 1) > 0)
+        archive.failItem(item(), "longer than the directory says");
+    archive.giveInflater(std::move(inflater));
+    if (checksum != archive.item(item()).crc)
+        archive.failItem(item(), "its checksum is wrong");
 }
 
 std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
     if (isDone() || count == 0)
         return 0;
     if (damaged)
-        fail(archive.itemPlace(items[current]), "can't read behind a damaged place", EBADMSG);
+        fail(archive.itemPlace(item()), "can't read behind a damaged place", EBADMSG);
     if (!started)
         startItem();
     damaged = true;
     constexpr std::uint64_t AT_MOST = 1U << 30;
-    const auto wanted = static_cast<std::size_t>(std::min({count, left, AT_MOST}));
-    const std::size_t got = inflater ? expand(buffer, wanted) : copy(buffer, wanted);
+    const auto room = static_cast<std::size_t>(std::min(count, AT_MOST));
+    const std::size_t got = isDeflated ? expand(buffer, room) : copy(buffer, room);
     if (got == 0)
-        archive.failItem(items[current], "shorter than the directory says");
+        archive.failItem(item(), "shorter than the directory says");
+    if (got > left)
+        archive.failItem(item(), "longer than the directory says");
     checksum = static_cast<std::uint32_t>(::crc32(checksum, buffer, static_cast<uInt>(got)));
     left -= got;
     if (left == 0) {
         endItem();
-        ++current;
+        ++items.first;
         enterItem();
     }
     damaged = false;
@@ -80,37 +91,44 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
 }
 
 std::size_t ItemReader::copy(unsigned char* buffer, std::size_t count) {
-    archive.read(items[current], compressedOffset, buffer, count);
-    compressedOffset += count;
-    return count;
+    if (!inflater->needsInput())
+        return inflater->pass(buffer, count);
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(count, left));
+    archive.read(item(), compressedOffset, buffer, size);
+    compressedOffset += size;
+    return size;
 }
 
+/// Takes all the room that there is, though no more than what is left should come: more is an error, and with
+/// room behind it zlib is faster.
 /// @return 0 at the end of the compressed stream alone
 std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
     std::size_t got = 0;
-    while (got == 0) {
-        if (inflater->needsInput() && compressedOffset < compressedEnd) {
-            const auto size = static_cast<std::size_t>(
-                std::min<std::uint64_t>(inflater->input().size(), compressedEnd - compressedOffset));
-            archive.read(items[current], compressedOffset, inflater->input().data(), size);
-            inflater->setInput(size);
-            compressedOffset += size;
-        }
+    while (got == 0 && !ended) {
+        if (inflater->needsInput() && compressedOffset < compressedEnd)
+            loadInput();
         const bool lastInput = compressedOffset == compressedEnd;
         const Inflater::Result result = inflater->expand(buffer, count, got);
-        if (result == Inflater::Result::End)
-            break;
-        const bool stuck = got == 0 && lastInput && inflater->needsInput();
+        ended = result == Inflater::Result::End;
+        const bool stuck = !ended && got == 0 && lastInput && inflater->needsInput();
         if (result == Inflater::Result::Damaged || stuck)
-            archive.failItem(items[current], "its compressed data is damaged");
+            archive.failItem(item(), "its compressed data is damaged");
     }
     return got;
+}
+
+void ItemReader::loadInput() {
+    const auto size = static_cast<std::size_t>(
+        std::min<std::uint64_t>(inflater->input().size(), compressedEnd - compressedOffset));
+    archive.read(item(), compressedOffset, inflater->input().data(), size);
+    inflater->setInput(0, size);
+    compressedOffset += size;
 }
 
 std::uint64_t SpoolReader::read(unsigned char* buffer, std::uint64_t count) {
     std::size_t got = 0;
     if (const int error = spool->readAt(position, buffer, static_cast<std::size_t>(count), got))
-        failSystem(place, "can't read what has been written", error);
+        failSystem(owner.itemPlace(), "can't read what has been written", error);
     position += got;
     return got;
 }

@@ -5,10 +5,20 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace opc::physical::zip {
+
+class ZipContent;
+
+/// Items of an archive that are the pieces of one content, in order; or the one item that is a content.
+struct ItemRange {
+    const ItemIndex* first;
+    const ItemIndex* last; ///< behind the last one
+
+    const ItemIndex* begin() const { return first; }
+    const ItemIndex* end() const { return last; }
+    std::size_t size() const { return static_cast<std::size_t>(last - first); }
+};
 
 /// Reads a content once, from its first byte to its last.
 class ZipContentReader {
@@ -22,45 +32,50 @@ public:
 /// it stands within an item.
 class ItemReader : public ZipContentReader {
 public:
-    ItemReader(ArchiveReader& reader, std::vector<ItemIndex> pieces);
+    /// @param pieces  must outlive the reader
+    ItemReader(ArchiveReader& reader, ItemRange pieces);
     ItemReader(const ItemReader&) = delete;
     ItemReader& operator=(const ItemReader&) = delete;
     ~ItemReader() override;
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
-    bool isDone() const override { return current == items.size(); }
+    bool isDone() const override { return items.first == items.last; }
 
 private:
+    ItemIndex item() const { return *items.first; }
     void enterItem();
     void startItem();
     void endItem();
+    void loadInput();
     std::size_t copy(unsigned char* buffer, std::size_t count);
     std::size_t expand(unsigned char* buffer, std::size_t count);
 
     ArchiveReader& archive;
-    std::vector<ItemIndex> items;
-    std::size_t current = 0;            ///< which of `items`
-    std::uint64_t left = 0;             ///< bytes of it that haven't been read
+    ItemRange items;                    ///< that haven't been read to their end
+    std::uint64_t left = 0;             ///< bytes of the first one that haven't been read
     std::uint64_t compressedOffset = 0; ///< of what hasn't been read or given to the inflater
     std::uint64_t compressedEnd = 0;
+    std::unique_ptr<Inflater> inflater;
     std::uint32_t checksum = 0;
-    std::unique_ptr<Inflater> inflater; ///< null for a stored item
+    bool isDeflated = false;
     bool started = false;
+    bool ended = false; ///< the compressed stream has said that it ends
     bool damaged = false;
 };
 
 /// Reads what has been written; more may be written meanwhile.
 class SpoolReader : public ZipContentReader {
 public:
-    SpoolReader(std::shared_ptr<Spool> content, std::string contentPlace)
-        : spool(std::move(content)), place(std::move(contentPlace)) {}
+    /// @param contentOwner  whose content `written` is; must outlive the reader
+    SpoolReader(std::shared_ptr<Spool> written, const ZipContent& contentOwner)
+        : spool(std::move(written)), owner(contentOwner) {}
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override { return position >= spool->size(); }
 
 private:
     std::shared_ptr<Spool> spool;
-    std::string place;
+    const ZipContent& owner;
     std::uint64_t position = 0;
 };
 

@@ -14,6 +14,12 @@ using interfaces::OpenMode;
 
 namespace {
 
+std::string toLowerCase(std::string text) {
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return text;
+}
+
 void requireReadable(const std::string& archive, const DirectoryEntry& entry) {
     if (entry.flags & (ENCRYPTED | STRONGLY_ENCRYPTED))
         fail(itemPlace(archive, entry.name), "is encrypted", ENOTSUP);
@@ -38,12 +44,13 @@ ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, O
     if (mode != OpenMode::ReadOnly)
         store.checkWritable();
     if (!contentTypes)
-        contentTypes.emplace(context, std::vector<ItemIndex>(), CONTENT_TYPES_ITEM);
+        contentTypes.emplace(context, CONTENT_TYPES_ITEM, std::vector<ItemIndex>());
 }
 
 void ZipSession::load() {
     source = store.read();
     context.archive = std::make_unique<ArchiveReader>(source, context.place, options);
+    parts.reserve(context.archive->itemCount());
     AllPieces pieces;
     for (ItemIndex item = 0; item < context.archive->itemCount(); ++item)
         take(item, context.archive->item(item), pieces);
@@ -61,27 +68,40 @@ void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pi
     if (name.piece)
         takePiece(item, name, pieces);
     else
-        takeWhole(name, {item}, {});
+        takeWhole(item, name);
 }
 
 void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces) {
-    Pieces& siblings = pieces[toLowerASCIIString(name.partName)];
+    Pieces& siblings = pieces[toLowerCase(name.partName)];
     siblings.name = name;
     if (!siblings.found.emplace(name.piece->number, FoundPiece{item, name.piece->last}).second)
         fail(context.archive->itemPlace(item), "another item is the same piece", EBADMSG);
 }
 
-void ZipSession::takeWhole(const ItemName& name, std::vector<ItemIndex> items, std::string newItemName) {
+void ZipSession::takeWhole(ItemIndex item, const ItemName& name) {
+    const std::string_view itemName = context.archive->item(item).name;
+    if (name.kind == ItemName::Kind::Part && name.partName == itemName)
+        requireFirst(parts.add(itemName, context, item), item, name);
+    else
+        takeJoined({item}, name);
+}
+
+void ZipSession::takeJoined(std::vector<ItemIndex> items, const ItemName& name) {
+    const ItemIndex first = items.front();
     if (name.kind == ItemName::Kind::ContentTypes) {
-        if (contentTypes)
-            fail(context.archive->itemPlace(items.front()), "a second content types stream", EBADMSG);
-        contentTypes.emplace(context, std::move(items), std::move(newItemName));
-        return;
+        requireFirst(!contentTypes, first, name);
+        contentTypes.emplace(context, CONTENT_TYPES_ITEM, std::move(items));
+    } else {
+        requireFirst(parts.add(name.partName, context, name.partName, std::move(items)), first, name);
     }
-    const std::u16string key = toLowerASCIIString(name.partName);
-    if (parts.find(key))
-        fail(context.archive->itemPlace(items.front()), "another item has the same part name", EBADMSG);
-    parts.add(key, context, name.partName, std::move(items), std::move(newItemName));
+}
+
+void ZipSession::requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const {
+    if (!isFirst)
+        fail(context.archive->itemPlace(item),
+             name.kind == ItemName::Kind::ContentTypes ? "a second content types stream"
+                                                       : "another item has the same part name",
+             EBADMSG);
 }
 
 /// A content is there if all pieces from 0 to the one called last are, and no other.
@@ -95,9 +115,7 @@ void ZipSession::joinPieces(AllPieces& pieces) {
             items.push_back(piece.item);
         }
         if (complete) {
-            const bool isPart = siblings.name.kind == ItemName::Kind::Part;
-            takeWhole(siblings.name, std::move(items),
-                      isPart ? itemNameOf(siblings.name.partName) : CONTENT_TYPES_ITEM);
+            takeJoined(std::move(items), siblings.name);
         } else {
             for (const ItemIndex item : items)
                 ignore(item, "a piece of an incomplete sequence");
@@ -106,7 +124,7 @@ void ZipSession::joinPieces(AllPieces& pieces) {
 }
 
 void ZipSession::ignore(ItemIndex item, const std::string& reason) {
-    ignored.push_back({context.archive->item(item).name, reason});
+    ignored.push_back({std::string(context.archive->item(item).name), reason});
 }
 
 void ZipSession::checkLimits(const DirectoryEntry& entry) {
@@ -122,33 +140,34 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
-void ZipSession::requireWritable(const std::u16string& name) const {
+void ZipSession::requireWritable(const std::string& name) const {
     if (context.readOnly)
-        fail(itemPlace(context.place, toUDEString(name)), "the archive is opened to read", EACCES);
+        fail(itemPlace(context.place, name), "the archive is opened to read", EACCES);
 }
 
-ZipPart& ZipSession::create(const std::u16string& name, interfaces::CompressionType compression) {
+ZipPart& ZipSession::create(const std::u16string& partName, interfaces::CompressionType compression) {
+    std::string name = detail::toUTF8String(partName, true);
     requireWritable(name);
     if (const char* defect = partNameDefect(name))
-        fail(itemPlace(context.place, toUDEString(name)), std::string("no part name: ") + defect, EINVAL);
-    const std::u16string key = toLowerASCIIString(name);
-    ZipPart* part = parts.find(key);
+        fail(itemPlace(context.place, name), std::string("no part name: ") + defect, EINVAL);
+    name.erase(0, 1);
+    ZipPart* part = parts.add(name, context, name, std::vector<ItemIndex>());
     if (!part)
-        part = &parts.add(key, context, name, std::vector<ItemIndex>(), itemNameOf(name));
+        part = parts.find(name);
     part->content.setCompression(compression);
     part->content.clear();
     return *part;
 }
 
-void ZipSession::remove(const std::u16string& name) {
+void ZipSession::remove(const std::u16string& partName) {
+    const std::string name = detail::toUTF8String(partName, true);
     requireWritable(name);
-    const std::u16string key = toLowerASCIIString(name);
-    ZipPart* part = parts.find(key);
+    const ZipPart* part = partNameDefect(name) ? nullptr : parts.find(std::string_view(name).substr(1));
     if (!part)
-        fail(itemPlace(context.place, toUDEString(name)), "no such part", ENOENT);
-    const std::vector<ItemIndex>& items = part->content.oldItems();
+        fail(itemPlace(context.place, name), "no such part", ENOENT);
+    const ItemRange items = part->content.oldItems();
     removedItems.insert(removedItems.end(), items.begin(), items.end());
-    parts.remove(key);
+    parts.remove(part->name);
     context.changed = true;
 }
 
@@ -159,7 +178,7 @@ void ZipSession::save() {
 }
 
 void ZipSession::write(ByteTarget& target) {
-    ArchiveWriter writer(context.archive.get(), target, context.place, options.deterministic);
+    ArchiveWriter writer(context.archive.get(), target, context.place, options);
     for (const ItemIndex item : removedItems)
         writer.remove(item);
     // Readers that look at the first item alone to tell what a file is expect the content types there.

@@ -22,9 +22,8 @@ public:
     /// Writes the changes, if there are any. After a failure everything is as it was.
     void save();
 
-    ZipPart& create(const std::u16string& name, interfaces::CompressionType compression);
-    void remove(const std::u16string& name);
-    void requireWritable(const std::u16string& name) const;
+    ZipPart& create(const std::u16string& partName, interfaces::CompressionType compression);
+    void remove(const std::u16string& partName);
 
     std::list<ZipPart>& allParts() { return parts.all(); }
     ZipContent& contentTypesStream() { return *contentTypes; }
@@ -41,15 +40,18 @@ private:
         std::map<std::uint32_t, FoundPiece> found;
     };
     /// By part name in lower case; the content types stream has the empty name.
-    using AllPieces = std::map<std::u16string, Pieces>;
+    using AllPieces = std::map<std::string, Pieces>;
 
     void load();
     void take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
     void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
-    void takeWhole(const ItemName& name, std::vector<ItemIndex> items, std::string newItemName);
+    void takeWhole(ItemIndex item, const ItemName& name);
+    void takeJoined(std::vector<ItemIndex> items, const ItemName& name);
+    void requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const;
     void joinPieces(AllPieces& pieces);
     void ignore(ItemIndex item, const std::string& reason);
     void checkLimits(const DirectoryEntry& entry);
+    void requireWritable(const std::string& name) const;
     void write(ByteTarget& target);
 
     ArchiveStore& store;
