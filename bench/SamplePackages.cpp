@@ -11,7 +11,7 @@ using namespace opc::model;
 
 PartName partName(int number) {
     const std::string name =
-        "/content/folder" + std::to_string(number % 100) + "/part" + std::to_string(number) + ".xml";
+        "/content/folder" + std::to_string(number / 100) + "/part" + std::to_string(number) + ".xml";
     return PartName(std::u16string(name.begin(), name.end()));
 }
 

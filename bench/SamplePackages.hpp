@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// A name among 100 folders.
+/// A name in a folder for each 100 parts.
 opc::model::PartName partName(int number);
 
 /// The content of such a part: XML of about 1 KiB.
