@@ -102,15 +102,18 @@ private:
 
 } // namespace
 
-CorePropertiesSerializer::CorePropertiesSerializer() : parser(XercesHelper::createParser()) {
-    loadGrammars(parser.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
-                                &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
-    writer = XercesHelper::createPrettyPrintingWriter();
+CorePropertiesSerializer::CorePropertiesSerializer() : writer(XercesHelper::createPrettyPrintingWriter()) {
 }
 
 CorePropertiesSerializer::~CorePropertiesSerializer() = default;
 
 void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
+    if (!parser) {
+        auto made = XercesHelper::createParser();
+        loadGrammars(made.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
+                                  &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
+        parser = std::move(made);
+    }
     const DocumentPoolReset reset(parser.get());
     const xercesc::DOMDocument* document = nullptr;
     try {

@@ -19,10 +19,9 @@ XERCES_CPP_NAMESPACE_END
 namespace opc::model {
 
 /// Reads and writes the XML document in the core properties part. Made for one operation and dropped after
-/// it: making one compiles five schemas, which takes about a millisecond.
+/// it: the first reading compiles five schemas, which takes most of a millisecond.
 class CorePropertiesSerializer {
 public:
-    /// @throws InvalidXMLSchema  a schema doesn't load
     CorePropertiesSerializer();
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
@@ -30,6 +29,7 @@ public:
 
     /// Puts what the document says in the place of what `properties` hold. A time that `ptime` can't hold
     /// leaves its field absent.
+    /// @throws InvalidXMLSchema    a schema of the library doesn't load
     /// @throws InvalidPartContent  the document isn't valid, and `properties` are as they were; or it breaks
     ///                             one of the rules [M4.2] to [M4.5], and they are empty
     void read(InputStream& stream, CoreProperties& properties);
@@ -42,7 +42,7 @@ private:
     void readKeywords(const xercesc::DOMElement* root, CoreProperties& properties) const;
 
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made by the first reading
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer;
     CorePropertiesVocabulary names;
 };

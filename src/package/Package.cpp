@@ -9,6 +9,7 @@
 #include <opc/model/DataManager.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PackageHelper.hpp>
+#include <opc/model/XercesGuard.hpp>
 
 #include <algorithm>
 
@@ -68,6 +69,8 @@ void Package::open(interfaces::OpenMode mode) {
     }
 
     try {
+        if (mode != interfaces::OpenMode::ReadOnly)
+            xercesGuard = std::make_unique<XercesGuard>();
         relationshipSerializer = std::make_unique<RelationshipSerializer>();
         contentTypeSource = std::make_unique<ContentTypeSource>(physicalPackage, isCreateOnly());
         initializeParts();
@@ -108,6 +111,7 @@ void Package::forgetContent() {
     RelationshipSource::reset();
     contentTypeSource.reset();
     relationshipSerializer.reset();
+    xercesGuard.reset();
 }
 
 void Package::flush() {

@@ -108,8 +108,9 @@ std::shared_ptr<const std::u16string> RelationshipSerializer::shareType(std::str
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
     Xml& names = xml();
     if (!names.parser) {
-        names.parser = XercesHelper::createParser();
-        loadGrammarUnchecked(names.parser.get(), schemas::RELATIONSHIPS);
+        auto parser = XercesHelper::createParser();
+        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
+        names.parser = std::move(parser);
     }
     const DocumentPoolReset reset(names.parser.get());
     const xercesc::DOMDocument* document = nullptr;

@@ -30,6 +30,7 @@ namespace opc::model {
 class ContentTypeSource;
 class DataManager;
 class RelationshipSerializer;
+class XercesGuard;
 
 /// A package in the Open Packaging Conventions: the root of the object model.
 ///
@@ -168,6 +169,7 @@ private:
     // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
     // parts each comes from.
     std::unordered_map<std::u16string, std::uint64_t> prefixes;
+    std::unique_ptr<XercesGuard> xercesGuard; // while there may be something to write
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;
     std::list<DataManager*> dataManagers;
