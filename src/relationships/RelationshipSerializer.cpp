@@ -66,8 +66,7 @@ void add(const std::u16string& id, const std::u16string& type, const std::u16str
 struct RelationshipSerializer::Xml {
     XercesGuard guard;
     std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made when a part needs it
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer{
-        XercesHelper::createPrettyPrintingWriter()};
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // the same
     XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/relationships"};
     XercesString relationshipsName{u"Relationships"};
     XercesString relationshipName{u"Relationship"};
@@ -140,13 +139,14 @@ void RelationshipSerializer::write(const RelationshipManager& manager, OutputStr
         if (relationship.getTargetMode() == TargetMode::External)
             XercesHelper::setElementAttribute(element, names.targetModeName, EXTERNAL);
     }
+    // One that fails is dropped: it would take the namespace for declared from then on, and leave it out.
+    auto writer = names.writer ? std::move(names.writer) : XercesHelper::createPrettyPrintingWriter();
     try {
-        XercesHelper::writeDocumentToStream(names.writer.get(), document.get(), stream);
+        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
-        // The old one takes the namespace for declared from now on, and would leave it out.
-        names.writer = XercesHelper::createPrettyPrintingWriter();
         throw InvalidPartContent(e.what());
     }
+    names.writer = std::move(writer);
 }
 
 } // namespace opc::model
