@@ -13,10 +13,6 @@ namespace opc::model {
 
 namespace {
 
-std::u16string extensionKey(const PartName& name) {
-    return toLowerASCIIString(name.getExtension());
-}
-
 [[noreturn]] void throwNotFound(const PartName& name) {
     throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
 }
@@ -44,6 +40,10 @@ void ContentTypeSource::read() {
     }
 }
 
+std::u16string ContentTypeSource::extensionKey(const PartName& name) {
+    return toLowerASCIIString(name.getExtension());
+}
+
 void ContentTypeSource::addContentType(const PartName& name, const ContentType& contentType) {
     if (!hasStream)
         return;
@@ -60,14 +60,13 @@ void ContentTypeSource::addContentType(const PartName& name, const ContentType& 
     }
 }
 
-void ContentTypeSource::removeContentType(const PartName& name) {
+void ContentTypeSource::removeContentType(const PartName& name, const std::u16string& extension) {
     if (!hasStream)
         return;
     if (contentTypes->hasOverride(name)) {
         contentTypes->removeOverride(name);
         return;
     }
-    const std::u16string extension = extensionKey(name);
     if (!contentTypes->hasDefault(extension))
         throwNotFound(name);
     contentTypes->releaseDefault(extension);

@@ -33,9 +33,12 @@ public:
     /// `Override`.
     void addContentType(const PartName& name, const ContentType& contentType);
 
-    /// Forgets a part that is entered.
+    /// What `removeContentType` needs to know of a name, made while nothing has been deleted yet.
+    static std::u16string extensionKey(const PartName& name);
+
+    /// Forgets a part that is entered. Takes no memory.
     /// @throws ContentTypeNotFound
-    void removeContentType(const PartName& name);
+    void removeContentType(const PartName& name, const std::u16string& extension);
 
     /// The content type of a part found in the package, whose `Default` counts it from now on. An `Override`
     /// wins.

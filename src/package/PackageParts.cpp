@@ -31,10 +31,19 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     throwIfPartAlreadyExists(name);
     throwIfDerivedFromExistingPartName(name);
 
-    interfaces::IPhysicalPart* physicalPart = createPartInternal(name, contentType, partInfo);
-    Part part(this, physicalPart, name, contentType, openMode);
-    parts.emplace(name, part);
+    // What needs memory comes first: the registry takes up the part wholly or not at all.
+    Part part(this, nullptr, name, contentType, openMode);
+    PartMap entry;
+    entry.emplace(name, part);
+    std::u16string key = prefixKey(name);
     populatePrefixes(name);
+    try {
+        part.setPhysicalPart(createPartInternal(name, contentType, partInfo));
+    } catch (...) {
+        removePrefixes(std::move(key));
+        throw;
+    }
+    parts.merge(entry);
     return part;
 }
 
@@ -59,6 +68,7 @@ void Package::deletePart(const PartName& name) {
     if (entry == parts.end())
         throwPartNotFound(name);
     Part part = entry->second;
+    std::u16string key = prefixKey(name);
 
     std::string errors;
     bool failed = false;
@@ -67,18 +77,18 @@ void Package::deletePart(const PartName& name) {
     const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart, const auto& forget) {
         if (physicalPart == nullptr)
             return;
+        // The physical layer's own spelling: the caller's may differ from it in letter case.
+        const PartName physicalName(physicalPart->getName());
+        const std::u16string extension = ContentTypeSource::extensionKey(physicalName);
         try {
-            // The physical layer's own spelling: the caller's may differ from it in letter case.
-            deletePartInternal(PartName(physicalPart->getName()));
+            deletePhysicalPart(physicalName);
         } catch (const PartDeleteFailed& e) {
             failed = true;
             errors += (errors.empty() ? "" : "; ") + std::string(e.what());
             return;
-        } catch (const ContentTypeNotFound&) {
-            forget();
-            throw;
         }
         forget();
+        contentTypeSource->removeContentType(physicalName, extension);
     };
     deletePhysical(part.getPhysicalPart(), [&part] { part.forgetPhysicalPart(); });
     deletePhysical(part.getPhysicalRelationshipPart(), [&part] { part.forgetPhysicalRelationshipPart(); });
@@ -87,16 +97,21 @@ void Package::deletePart(const PartName& name) {
 
     part.markAsInvalid();
     parts.erase(entry);
-    removePrefixes(name);
+    removePrefixes(std::move(key));
 }
 
 void Package::deletePartInternal(const PartName& name) {
+    const std::u16string extension = ContentTypeSource::extensionKey(name);
+    deletePhysicalPart(name);
+    contentTypeSource->removeContentType(name, extension);
+}
+
+void Package::deletePhysicalPart(const PartName& name) {
     try {
         physicalPackage.deletePart(name.toString());
     } catch (const Exception& e) {
         throw PartDeleteFailed(e.what());
     }
-    contentTypeSource->removeContentType(name);
 }
 
 Part Package::getPart(const PartName& name) const {

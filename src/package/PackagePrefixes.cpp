@@ -12,34 +12,50 @@ namespace {
 
 constexpr char16_t SLASH = u'/';
 
+/// From the key of a name, or of a folder with its slash, to that of the folder above; empty if there is none.
+/// Takes no memory.
+void toFolderAbove(std::u16string& key) {
+    const auto slash = key.rfind(SLASH, key.size() - 2);
+    key.resize(slash == 0 ? 0 : slash + 1);
+}
+
 } // namespace
 
+std::u16string Package::prefixKey(const PartName& name) {
+    return toLowerASCIIString(name.toString());
+}
+
 void Package::populatePrefixes(const PartName& name) {
-    std::u16string text = toLowerASCIIString(name.toString());
-    ++prefixes[text];
-    for (auto slash = text.rfind(SLASH); slash != 0 && slash != std::u16string::npos;
-         slash = text.rfind(SLASH, slash - 1)) {
-        text.resize(slash + 1); // in place: folders are mostly there already
-        ++prefixes[text];
+    std::u16string key = prefixKey(name);
+    std::u16string counted = key;
+    try {
+        for (; !key.empty(); toFolderAbove(key))
+            ++prefixes[key];
+    } catch (...) {
+        for (; counted != key; toFolderAbove(counted))
+            releasePrefix(prefixes.find(counted));
+        throw;
     }
 }
 
-void Package::removePrefixes(const PartName& name) {
-    const std::u16string text = toLowerASCIIString(name.toString());
-    if (prefixes.erase(text) == 0)
+void Package::removePrefixes(std::u16string key) {
+    if (prefixes.erase(key) == 0)
         throw PartDeleteFailed(
             "Internal Error: Prefix map inconsistent with part map. Part name not present.");
-    for (auto slash = text.find(SLASH, 1); slash != std::u16string::npos;
-         slash = text.find(SLASH, slash + 1)) {
-        const auto prefix = prefixes.find(text.substr(0, slash + 1));
+    for (toFolderAbove(key); !key.empty(); toFolderAbove(key)) {
+        const auto prefix = prefixes.find(key);
         if (prefix == prefixes.end())
             throw PartDeleteFailed(
                 "Internal Error: Prefix map inconsistent with part map. Expected prefix not present.");
-        if (prefix->second > 1)
-            --prefix->second;
-        else
-            prefixes.erase(prefix);
+        releasePrefix(prefix);
     }
+}
+
+void Package::releasePrefix(PrefixMap::iterator prefix) {
+    if (prefix->second > 1)
+        --prefix->second;
+    else
+        prefixes.erase(prefix);
 }
 
 bool Package::isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const {

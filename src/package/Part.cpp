@@ -111,6 +111,10 @@ interfaces::IPhysicalPart* Part::getPhysicalPart() const {
     return impl->physicalPart;
 }
 
+void Part::setPhysicalPart(interfaces::IPhysicalPart* physicalPart) {
+    impl->physicalPart = physicalPart;
+}
+
 void Part::forgetPhysicalPart() {
     impl->inputStream.reset();
     impl->outputStream.reset();

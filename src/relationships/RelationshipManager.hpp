@@ -24,6 +24,8 @@ public:
     explicit RelationshipManager(const URI& source) : sourceURI(source) {}
 
     bool isEmpty() const noexcept { return relationships.empty(); }
+    bool hasOne() const noexcept { return relationships.size() == 1; }
+    void clear() noexcept { relationships.clear(); }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }

@@ -52,8 +52,7 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
         throw InvalidRelationshipTarget("Relationship target cannot be the same as the source.");
 
     const std::u16string verifiedID = verifyRelationship(id, type, relativeForm.toString());
-    createRelationshipPartIfNeeded();
-    return impl->manager.addInternalRelationship(verifiedID, type, relativeForm);
+    return withRelationshipPart(impl->manager.addInternalRelationship(verifiedID, type, relativeForm));
 }
 
 Relationship RelationshipSource::createExternalRelationship(const std::u16string& type,
@@ -64,8 +63,7 @@ Relationship RelationshipSource::createExternalRelationship(const std::u16string
         throw InvalidRelationshipTarget("External relationship target is not a valid xsd::anyURI. See "
                                         "http://www.w3.org/TR/leiri/.");
     const std::u16string verifiedID = verifyRelationship(id, type, target);
-    createRelationshipPartIfNeeded();
-    return impl->manager.addExternalRelationship(verifiedID, type, target);
+    return withRelationshipPart(impl->manager.addExternalRelationship(verifiedID, type, target));
 }
 
 std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, const std::u16string& type,
@@ -104,9 +102,17 @@ void RelationshipSource::doVerifyRelationship(const std::u16string& /*id*/, cons
                                               const std::u16string& /*target*/) {
 }
 
-void RelationshipSource::createRelationshipPartIfNeeded() {
-    if (impl->manager.isEmpty())
+/// Makes the relationships part for the first relationship, which goes again if that fails.
+Relationship RelationshipSource::withRelationshipPart(const Relationship& added) {
+    if (!impl->manager.hasOne())
+        return added;
+    try {
         createRelationshipPart();
+    } catch (...) {
+        impl->manager.clear();
+        throw;
+    }
+    return added;
 }
 
 void RelationshipSource::createRelationshipPart() {

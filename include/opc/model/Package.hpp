@@ -127,6 +127,7 @@ private:
     friend class RelationshipSource;
 
     using PartMap = std::map<PartName, Part>;
+    using PrefixMap = std::unordered_map<std::u16string, std::uint64_t>;
 
     bool isValid() const override;
     Package& getPackage() const override;
@@ -143,9 +144,12 @@ private:
     interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& contentType,
                                                   const interfaces::IPhysicalPartInfo& partInfo);
     void deletePartInternal(const PartName& name);
+    void deletePhysicalPart(const PartName& name);
 
+    static std::u16string prefixKey(const PartName& name);
     void populatePrefixes(const PartName& name);
-    void removePrefixes(const PartName& name);
+    void removePrefixes(std::u16string key);
+    void releasePrefix(PrefixMap::iterator prefix);
 
     void addDataManager(DataManager* manager);
     void removeDataManager(DataManager* manager);
@@ -168,7 +172,7 @@ private:
     PartMap parts;
     // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
     // parts each comes from.
-    std::unordered_map<std::u16string, std::uint64_t> prefixes;
+    PrefixMap prefixes;
     std::unique_ptr<XercesGuard> xercesGuard; // while there may be something to write
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;

@@ -61,6 +61,7 @@ private:
 
     void flush();
     interfaces::IPhysicalPart* getPhysicalPart() const;
+    void setPhysicalPart(interfaces::IPhysicalPart* physicalPart);
 
     /// The physical part has been deleted, but the part itself stays: there is no content to get any more.
     void forgetPhysicalPart();

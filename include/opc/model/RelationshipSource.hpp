@@ -121,8 +121,8 @@ private:
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
                                       const std::u16string& target);
     std::u16string generateID();
+    Relationship withRelationshipPart(const Relationship& added);
     void createRelationshipPart();
-    void createRelationshipPartIfNeeded();
 
     std::shared_ptr<Impl> impl;
 };
