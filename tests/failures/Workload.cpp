@@ -67,12 +67,13 @@ const std::vector<Workload::Step>& Workload::steps() {
          }},
         {"create", true,
          [](Workload& w) {
-             w.package.createPart(PartName(u"/new.bin"), ContentType(u"a/new"), StandardPartInfo());
+             w.package.createPart(PartName(u"/content/new.bin"), ContentType(u"a/new"), StandardPartInfo());
          }},
-        {"write", true, [](Workload& w) { writeAll(w.package.getPart(PartName(u"/new.bin")), "new"); }},
+        {"write", true,
+         [](Workload& w) { writeAll(w.package.getPart(PartName(u"/content/new.bin")), "new"); }},
         {"relate part", true,
          [](Workload& w) {
-             w.package.getPart(PartName(u"/new.bin"))
+             w.package.getPart(PartName(u"/content/new.bin"))
                  .createInternalRelationship(u"urn:new", URI(u"/a.xml"), u"new");
          }},
         {"relate package", true,
@@ -121,22 +122,25 @@ const std::vector<Workload::Step>& Workload::steps() {
         {"remove signature", false, [](Workload& w) { w.signatures.removeSignature(*w.signature); }},
         {"delete relationship", false,
          [](Workload& w) { w.package.getPart(PartName(u"/a.xml")).deleteRelationship(u"next"); }},
-        {"delete part", true, [](Workload& w) { w.package.deletePart(PartName(u"/b.xml")); }},
+        {"delete part", true,
+         [](Workload& w) { w.package.deletePart(PartName(u"/content/second.document")); }},
         {"save again", true, [](Workload& w) { w.package.close(false); }},
     };
     return all;
 }
 
 void Workload::fill(physical::MemoryPackage& store) {
-    test::fill(store, {u"/a.xml", u"/b.xml"});
+    test::fill(store, {u"/a.xml", u"/content/second.document"});
+    store.setContentTypes(
+        contentTypes(USUAL_CONTENT_TYPES + R"(<Default Extension="document" ContentType="a/document"/>)"));
     store.setPart(u"/a.xml", toBytes("<a>content</a>"));
     store.setPart(u"/_rels/.rels",
                   relationships(R"(<Relationship Id="main" Type="urn:main" Target="a.xml"/>)"));
     const auto leadTo = [](const std::string& target) {
         return relationships(R"(<Relationship Id="next" Type="urn:next" Target=")" + target + R"("/>)");
     };
-    store.setPart(u"/_rels/a.xml.rels", leadTo("b.xml"));
-    store.setPart(u"/_rels/b.xml.rels", leadTo("a.xml"));
+    store.setPart(u"/_rels/a.xml.rels", leadTo("content/second.document"));
+    store.setPart(u"/content/_rels/second.document.rels", leadTo("/a.xml"));
 }
 
 std::string describe(const Package& package) {
