@@ -253,28 +253,6 @@ TEST(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {
     EXPECT_EQ(store.partNames().size(), 2U);
 }
 
-TEST(PackageClose, makesEveryHandleInvalidForGood) {
-    MemoryPackage store;
-    opc::test::fill(store, {u"/a.xml"});
-    opc::test::ScriptedPackage physical(store);
-    auto package = std::make_unique<Package>(physical);
-    package->open(OpenMode::ReadWrite);
-    Part part = package->getPart(PartName(u"/a.xml"));
-    package->close(false);
-    package->open(OpenMode::ReadWrite);
-    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getInputStream(); }));
-    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getRelationships(); }));
-    EXPECT_EQ(part.getName().toString(), u"/a.xml");
-
-    part = package->getPart(PartName(u"/a.xml"));
-    physical.failAt("close", "stuck");
-    package.reset();
-    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { part.getOutputStream(); }))
-        << "also when the physical layer fails to close in the destructor";
-    physical.forgetScript();
-    physical.close(true);
-}
-
 TEST(PackageLifecycle, createdPackageReadsBack) {
     MemoryPackage store;
     Package package(store);
