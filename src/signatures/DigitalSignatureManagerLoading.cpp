@@ -54,7 +54,11 @@ std::uint32_t toNumber(const std::string& digits) {
 
 void DigitalSignatureManager::ensureLoaded() const {
     // Loading fills what the operations answer from; it changes nothing that a caller can see.
-    const_cast<DigitalSignatureManager*>(this)->load();
+    auto* const self = const_cast<DigitalSignatureManager*>(this);
+    if (getPackage().isCreateOnly())
+        self->m_signatures
+            .clear(); // there is nothing to load, but what an earlier package held may stand here
+    self->load();
 }
 
 void DigitalSignatureManager::doLoad() {
@@ -164,13 +168,13 @@ DigitalSignatureManager::findSignature(const std::u16string& name) {
 
 Enumerator<std::vector<DigitalSignature>> DigitalSignatureManager::getSignatures() {
     throwIfPackageNotOpen();
-    load();
+    ensureLoaded();
     return Enumerator<std::vector<DigitalSignature>>(m_signatures);
 }
 
 DigitalSignature DigitalSignatureManager::getSignature(const std::u16string& name) {
     throwIfPackageNotOpen();
-    load();
+    ensureLoaded();
     return *findSignature(name);
 }
 

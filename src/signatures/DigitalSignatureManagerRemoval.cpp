@@ -12,20 +12,20 @@ namespace opc::model {
 
 void DigitalSignatureManager::removeSignature(const std::u16string& name) {
     throwIfPackageNotOpenForModify();
-    load();
+    ensureLoaded();
     const auto entry = findSignature(name);
     deleteSignaturePart(getSignaturePartName(name));
     m_signatures.erase(entry);
 }
 
 void DigitalSignatureManager::removeSignature(const DigitalSignature& signature) {
-    load();
+    ensureLoaded();
     removeSignature(signature.getName());
 }
 
 void DigitalSignatureManager::removeAllSignatures() {
     throwIfPackageNotOpenForModify();
-    load();
+    ensureLoaded();
     for (const DigitalSignature& signature : m_signatures)
         deleteSignaturePart(getSignaturePartName(signature.getName()));
     m_signatures.clear();
@@ -34,7 +34,7 @@ void DigitalSignatureManager::removeAllSignatures() {
 
 void DigitalSignatureManager::removeCountersignature() {
     throwIfPackageNotOpenForModify();
-    load();
+    ensureLoaded();
     if (isPackageCountersigned())
         removeSignature(getSignatureName(COUNTERSIGNATURE_ID));
 }

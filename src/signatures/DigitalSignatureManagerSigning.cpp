@@ -85,7 +85,7 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
                                                const std::vector<RelationshipSelector>& selectors,
                                                const Bytes& privateKey, const Bytes& publicKey,
                                                const SignatureParams& params) {
-    load();
+    ensureLoaded();
     throwIfNothingToSign(parts, selectors);
     throwIfNoVerificationKey(publicKey);
     return signHelper(privateKey, publicKey, params, parts, selectors, false);
@@ -94,7 +94,7 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
 DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& parts,
                                                const std::vector<RelationshipSelector>& selectors,
                                                const Bytes& privateKey, const SignatureParams& params) {
-    load();
+    ensureLoaded();
     throwIfNothingToSign(parts, selectors);
     return signHelper(privateKey, Bytes(), params, parts, selectors, false);
 }
@@ -105,7 +105,7 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
                                                const X509CertificateChain& chain,
                                                const CertificateValidationOptions& options,
                                                const SignatureParams& params, const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     throwIfNothingToSign(parts, selectors);
     return signHelper(privateKey, certificate, chain, trustStore, options, params, parts, selectors, false);
 }
@@ -115,7 +115,7 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
                                                const PKCS12Certificate& bundle,
                                                const CertificateValidationOptions& options,
                                                const SignatureParams& params, const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     throwIfNothingToSign(parts, selectors);
     return signHelper(bundle, trustStore, options, params, parts, selectors, false);
 }

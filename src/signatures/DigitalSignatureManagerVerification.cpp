@@ -80,7 +80,7 @@ DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprints,
                                              const CertificateValidationOptions& options,
                                              const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     for (const DigitalSignature& signature : m_signatures) {
         const auto status = verifySignature(signature, fingerprints, options, trustStore);
         if (!status.isProperlyCodesigned())
@@ -91,7 +91,7 @@ DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprint
 
 DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const DigitalSignature& signature,
                                                                    const ValueCheck& checkValue) {
-    load();
+    ensureLoaded();
     const DigitalSignatureData& data = *signature.getImpl();
     try {
         return verifySignatureHelper(data, checkValue(data));

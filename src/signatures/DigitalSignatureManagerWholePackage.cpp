@@ -24,7 +24,7 @@ std::unordered_set<std::u16string> toSet(const std::vector<std::u16string>& text
 
 DigitalSignature DigitalSignatureManager::signPackage(const Bytes& privateKey,
                                                       const SignatureParams& params) {
-    load();
+    ensureLoaded();
     const auto [parts, selectors] = getAllPartsAndRels();
     return sign(parts, selectors, privateKey, params);
 }
@@ -33,7 +33,7 @@ DigitalSignature DigitalSignatureManager::signPackage(const PKCS12Certificate& b
                                                       const CertificateValidationOptions& options,
                                                       const SignatureParams& params,
                                                       const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     const auto [parts, selectors] = getAllPartsAndRels();
     return sign(parts, selectors, bundle, options, params, trustStore);
 }
@@ -65,7 +65,7 @@ DigitalSignatureManager::getAllPartsAndRels() const {
 DigitalSignature DigitalSignatureManager::countersignAllSignatures(const Bytes& privateKey,
                                                                    const Bytes& publicKey,
                                                                    const SignatureParams& params) {
-    load();
+    ensureLoaded();
     throwIfNoVerificationKey(publicKey);
     const auto [parts, selectors] = countersignHelper();
     return signHelper(privateKey, publicKey, params, parts, selectors, true);
@@ -73,7 +73,7 @@ DigitalSignature DigitalSignatureManager::countersignAllSignatures(const Bytes& 
 
 DigitalSignature DigitalSignatureManager::countersignAllSignatures(const Bytes& privateKey,
                                                                    const SignatureParams& params) {
-    load();
+    ensureLoaded();
     const auto [parts, selectors] = countersignHelper();
     return signHelper(privateKey, Bytes(), params, parts, selectors, true);
 }
@@ -82,7 +82,7 @@ DigitalSignature DigitalSignatureManager::countersignAllSignatures(
     const Bytes& privateKey, const X509Certificate& certificate, const X509CertificateChain& chain,
     const CertificateValidationOptions& options, const SignatureParams& params,
     const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     const auto [parts, selectors] = countersignHelper();
     return signHelper(privateKey, certificate, chain, trustStore, options, params, parts, selectors, true);
 }
@@ -90,7 +90,7 @@ DigitalSignature DigitalSignatureManager::countersignAllSignatures(
 DigitalSignature DigitalSignatureManager::countersignAllSignatures(
     const PKCS12Certificate& bundle, const CertificateValidationOptions& options,
     const SignatureParams& params, const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     const auto [parts, selectors] = countersignHelper();
     return signHelper(bundle, trustStore, options, params, parts, selectors, true);
 }
@@ -123,12 +123,12 @@ DigitalSignatureManager::countersignHelper() const {
 }
 
 DigitalSignature DigitalSignatureManager::getCountersignature() {
-    load();
+    ensureLoaded();
     return getSignature(getSignatureName(COUNTERSIGNATURE_ID));
 }
 
 DigitalSignatureVerificationStatus DigitalSignatureManager::verifyCountersignature(const Bytes& publicKey) {
-    load();
+    ensureLoaded();
     throwIfPackageNotCountersigned();
     return verifySignature(getCountersignature(), publicKey);
 }
@@ -137,7 +137,7 @@ DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifyCountersignature(const FingerprintStore& fingerprints,
                                                 const CertificateValidationOptions& options,
                                                 const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     throwIfPackageNotCountersigned();
     return verifySignature(getCountersignature(), fingerprints, options, trustStore);
 }
@@ -146,7 +146,7 @@ DigitalSignatureVerificationStatus DigitalSignatureManager::verifyCountersignatu
     const X509Certificate& certificate, const FingerprintStore& fingerprints,
     const X509CertificateChain& chain, const CertificateValidationOptions& options,
     const TrustStore& trustStore) {
-    load();
+    ensureLoaded();
     throwIfPackageNotCountersigned();
     return verifySignature(getCountersignature(), certificate, fingerprints, chain, options, trustStore);
 }

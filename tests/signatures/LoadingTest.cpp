@@ -3,6 +3,8 @@
 #include <iostream>
 #include <sstream>
 
+#include <malloc.h>
+
 namespace {
 
 using namespace opc::model;
@@ -101,6 +103,55 @@ TEST_F(Loading, whatASignatureNamesMustExist) {
     EXPECT_TRUE(throws<InvalidSignature>(
         "Relationship with Type urn:next referenced to in the signature is not present in the /a.xml",
         [&] { manager->getSignatures(); }));
+}
+
+TEST_F(Loading, aForeignIdentifierThatIsNoURILeavesTheRestUsable) {
+    signPart(u"/a.xml");
+    close(false);
+    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", "Signature\u00E9");
+    open();
+    const auto all = manager->getSignatures();
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_EQ(verify(*all.begin()), 101) << "its property names the old one";
+    // What must name the part of each signature can't.
+    EXPECT_THROW(package->getParts(ExcludeMode::ExcludeManaged), InvalidURI);
+    EXPECT_THROW(manager->getManagedPartNames(), InvalidURI);
+    EXPECT_THROW(signAll(), InvalidURI);
+    EXPECT_THROW(manager->removeSignature(*all.begin()), InvalidURI);
+    EXPECT_THROW(manager->removeAllSignatures(), InvalidURI);
+    EXPECT_FALSE(package->getParts().empty());
+    EXPECT_EQ(verify(signPart(u"/b.xml")), 0);
+    reopen();
+    EXPECT_EQ(manager->getSignatures().size(), 2U);
+}
+
+TEST_F(Loading, aNewPackageHasNoneOfTheSignaturesThatWereLoadedBefore) {
+    signPart(u"/a.xml");
+    package->close(false);
+    package->open(opc::interfaces::OpenMode::ReadOnly);
+    EXPECT_TRUE(manager->isPackageSigned());
+    package->close(false);
+    package->open(opc::interfaces::OpenMode::CreateOnly);
+    EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_FALSE(manager->isSigned(PartName(u"/a.xml")));
+    EXPECT_TRUE(manager->getSignatures().empty());
+    package->createPart(PartName(u"/_xmlsignatures/sig1.xml"), ContentType(u"a/b"), StandardPartInfo());
+    EXPECT_EQ(package->getParts(ExcludeMode::ExcludeManaged).size(), 1U);
+}
+
+TEST_F(Loading, readsManyTimesWithoutGrowing) {
+    signPart(u"/a.xml");
+    const auto load = [this] {
+        package->close(false);
+        package->open(opc::interfaces::OpenMode::ReadOnly);
+        manager->getSignatures();
+    };
+    load();
+    load();
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 100; ++i)
+        load();
+    EXPECT_LT(mallinfo2().uordblks, before + (1U << 20)) << "documents stay in the parser's pool";
 }
 
 TEST_F(Loading, anOriginWithoutSignaturesIsAnUnsignedPackage) {
