@@ -274,6 +274,10 @@ TEST_F(CorePropertiesPart, rulesOfTheStandardAreCheckedInOrder) {
         })) << c.elements;
         EXPECT_TRUE(properties.isEmpty()) << c.elements;
     }
+    EXPECT_EQ(read("<dc:title xmlns:mc" + mc + ">t</dc:title>").getTitle().value(), u"t")
+        << "the root element alone is looked at";
+    EXPECT_TRUE(read("<dcterms:created xsi:type=' dcterms:W3CDTF\n'>2024</dcterms:created>").getCreated())
+        << "white space round a qualified name is none of its value";
 }
 
 TEST_F(CorePropertiesPart, whatTheSchemaRefusesLeavesTheTargetAsItWas) {

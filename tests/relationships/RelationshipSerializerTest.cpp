@@ -6,6 +6,8 @@
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Errors.hpp>
 
+#include <malloc.h>
+
 namespace {
 
 using namespace opc::model;
@@ -120,6 +122,16 @@ TEST_F(RelationshipsDocument, charactersThatXMLCanNotHoldAreRefusedInWriting) {
     const std::string document = write();
     read(opc::test::toBytes(document)); // the writer is fit for the next document, with its namespace
     EXPECT_EQ(write(), document);
+}
+
+TEST_F(RelationshipsDocument, manyAreReadWithoutGrowing) {
+    const Bytes document = relationships("<!-- for the parser -->");
+    read(document);
+    read(document);
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; ++i)
+        read(document);
+    EXPECT_LT(mallinfo2().uordblks, before + (1U << 20)) << "documents stay in the parser's pool";
 }
 
 TEST_F(RelationshipsDocument, manyRelationshipsAreRead) {

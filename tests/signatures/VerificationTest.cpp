@@ -1,4 +1,5 @@
 #include "SignedPackage.hpp"
+#include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
 #include "signatures/DigitalSignatureData.hpp"
 
@@ -113,6 +114,24 @@ TEST_F(Verification, materialThatDoesNotFitIsRefusedWithItsCode) {
     EXPECT_FALSE(status.isProperlyCodesigned());
     EXPECT_TRUE(status.isErrorFromSignature());
     EXPECT_FALSE(status.isErrorFromCertificateChain());
+}
+
+TEST(VerificationFailures, ofTheServicesHaveACodeByTheirClass) {
+    using namespace bedrock::crypto::utils;
+    const std::pair<void (*)(), int> cases[] = {
+        {[] { throw InvalidKey("text"); }, 17},
+        {[] { throw CouldNotComputeDigest("text"); }, 18},
+        {[] { throw Exception("text"); }, 12},
+    };
+    for (const auto& [fail, code] : cases) {
+        try {
+            translateVerificationFailures(fail);
+            ADD_FAILURE() << code;
+        } catch (const InvalidSignature& e) {
+            EXPECT_EQ(e.getErrorCode().value(), code);
+            EXPECT_STREQ(e.what(), "text");
+        }
+    }
 }
 
 TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsked) {

@@ -49,6 +49,12 @@ protected:
     SchemaParser parser;
 };
 
+/// Whether a parser or a serialiser still holds the error handler of an operation that is over.
+template <typename Tool>
+bool hasErrorHandler(Tool* tool) {
+    return tool->getDomConfig()->getParameter(xercesc::XMLUni::fgDOMErrorHandler) != nullptr;
+}
+
 TEST_F(Reading, refusesADTDInAnyForm) {
     for (const char* declaration :
          {"<!DOCTYPE a>", "<!DOCTYPE a []>", "<!DOCTYPE a SYSTEM 'a.dtd'>", "<!DOCTYPE a PUBLIC 'p' 'a.dtd'>",
@@ -102,7 +108,7 @@ TEST_F(Reading, takesUTF8AndUTF16Alone) {
 
 TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
     for (const char16_t* declaration :
-         {u"", u"\uFEFF", u"<?xml version='1.0'?>", u"<?xml version='1.0' encoding='UTF-8'?>",
+         {u"", u" \n", u"\uFEFF", u"<?xml version='1.0'?>", u"<?xml version='1.0' encoding='UTF-8'?>",
           u"<?xml version='1.0' encoding='UTF-16'?>", u"\uFEFF<?xml version='1.0' encoding='utf-16'?>"}) {
         const auto* document = readString(std::u16string(declaration) + u"<a>\u00E9\U0001F600</a>");
         EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
@@ -110,8 +116,9 @@ TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
     EXPECT_TRUE(throws<InvalidXMLDocument>(
         BAD_ENCODING, [&] { readString(u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>"); }));
     for (const std::u16string& bad :
-         {std::u16string(), std::u16string(u"<a>\xD800</a>"), std::u16string(u"<a>\xDC00</a>"),
-          std::u16string(u"<a>\0</a>", 8), std::u16string(u"<a>\uFFFE</a>"), std::u16string(u"<a>&#1;</a>")})
+         {std::u16string(), std::u16string(u" <?xml version='1.0'?><a/>"), std::u16string(u"<a>\xD800</a>"),
+          std::u16string(u"<a>\xDC00</a>"), std::u16string(u"<a>\0</a>", 8), std::u16string(u"<a>\uFFFE</a>"),
+          std::u16string(u"<a>&#1;</a>")})
         EXPECT_THROW(readString(bad), InvalidXMLDocument);
 }
 
@@ -267,6 +274,7 @@ TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
         EXPECT_THROW(readFailingWith([] { throw std::bad_alloc(); }), std::bad_alloc);
         EXPECT_EQ(parser.refusal("<a/>", false), "");
         EXPECT_THROW(readFailingWith([] { throw Foreign(); }), Foreign);
+        EXPECT_FALSE(hasErrorHandler(parser.get()));
         EXPECT_EQ(parser.refusal("<a/>", false), "");
         EXPECT_EQ(parser.refusal(nested(1001), false), DEEP);
     }
@@ -287,6 +295,7 @@ TEST(ReadingWithGrammar, worksAfterEachKindOfFailure) {
           head + repeat(2, "<Relationship Id='a' Type='t' Target='a'/>") + "</Relationships>",
           head + nested(2000), head + repeat(10001, "<!---->")}) {
         EXPECT_NE(parser.refusal(bad), "") << bad;
+        EXPECT_FALSE(hasErrorHandler(parser.get())) << bad;
         EXPECT_EQ(parser.refusal(good), "") << bad;
     }
 }
@@ -383,6 +392,7 @@ TEST_F(Writing, sendsNothingOfADocumentThatXMLCannotHold) {
         FaultyOutput stream;
         EXPECT_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream),
                      InvalidXMLDocument);
+        EXPECT_FALSE(hasErrorHandler(writer.get())) << "it would be one that is gone";
         EXPECT_EQ(stream.bytes, "");
         std::u16string text = u"before";
         EXPECT_THROW(
