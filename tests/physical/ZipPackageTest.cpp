@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -118,6 +119,44 @@ std::string letters(std::size_t count) {
     for (char& c : text)
         c = static_cast<char>('a' + random() % 24);
     return text;
+}
+
+TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
+    struct Case {
+        std::uint64_t maxRatio;
+        std::string text;
+        std::uint16_t method;
+    };
+    const Case cases[] = {
+        {1000, std::string(2 << 20, '\0'), 0},
+        {1000, std::string(1 << 20, '\0'), 8}, // not above the floor
+        {1000, letters(2 << 20), 8},
+        {1, letters(2 << 20), 0}, // some of it has left the buffer before its size is known
+    };
+    for (const Case& c : cases) {
+        ZipOptions options;
+        options.maxRatio = c.maxRatio;
+        options.ratioFloor = 1 << 20;
+        const TemporaryFolder folder;
+        std::istringstream nothing;
+        ZipPackage inFile(folder / "a.zip", options);
+        ZipPackage inMemory(Bytes{}, options);
+        ZipPackage inStream(nothing, options);
+        for (ZipPackage* package : {&inFile, &inMemory, &inStream}) {
+            package->open(OpenMode::CreateOnly);
+            create(*package, u"/in-front", PROSE);
+            create(*package, u"/large", c.text);
+            create(*package, u"/behind", PROSE);
+            package->close(false);
+            package->open(OpenMode::ReadOnly);
+            EXPECT_TRUE(content(*find(*package, u"/large")) == c.text);
+            EXPECT_EQ(content(*find(*package, u"/behind")), PROSE);
+            package->close(true);
+        }
+        EXPECT_EQ(itemOf(readZip(readFile(folder / "a.zip")), "large").method, c.method);
+        EXPECT_EQ(itemOf(readZip(inMemory.bytes()), "large").method, c.method);
+        EXPECT_TRUE(othersAccept(folder / "a.zip"));
+    }
 }
 
 TEST(ZipPackage, readsSeveralPartsAtATime) {

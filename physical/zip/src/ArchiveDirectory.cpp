@@ -164,6 +164,10 @@ void findEnds(std::vector<DirectoryEntry>& entries, std::uint64_t directory, con
 
 } // namespace
 
+bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
+    return entry.size > limits.ratioFloor && entry.size / limits.maxRatio > entry.compressedSize;
+}
+
 void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
                    ArchiveDirectory& directory) {
     DirectoryReader reader(archive, place, limits, directory);

@@ -40,6 +40,9 @@ struct ArchiveDirectory {
     std::string comment;   ///< of the archive
 };
 
+/// Whether an item expands more than the limits let it.
+bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits);
+
 /// Reads the directory at the end of an archive, once it is certain that it is within the limits, and checks
 /// that the items lie in front of it, none in the bytes of another.
 /// @param place      the archive's name for messages

@@ -107,17 +107,24 @@ void ArchiveWriter::write(const ZipContent& content, const DirectoryEntry* repla
     ++itemCount;
 }
 
+/// What would expand more than a reader lets it is better stored.
 void ArchiveWriter::writeContent(const ZipContent& content, DirectoryEntry& entry) {
     const std::uint64_t start = out.tell();
     entry.method = entry.size > 0 ? content.method() : STORE;
-    if (entry.method == DEFLATE)
+    if (entry.method == DEFLATE) {
         deflate(*content.written(), content.level(), entry);
-    else
-        store(*content.written(), entry);
-    entry.compressedSize = out.tell() - start;
+        entry.compressedSize = out.tell() - start;
+        if (!exceedsRatio(entry, options))
+            return;
+        out.rewind(start);
+        entry.method = STORE;
+    }
+    store(*content.written(), entry);
+    entry.compressedSize = entry.size;
 }
 
 void ArchiveWriter::store(ByteSource& content, DirectoryEntry& entry) {
+    entry.crc = 0;
     for (std::uint64_t offset = 0; offset < entry.size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, entry.size - offset));
         const unsigned char* bytes = look(content, offset, count);

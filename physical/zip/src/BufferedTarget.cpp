@@ -37,6 +37,11 @@ int BufferedTarget::patch(std::uint64_t offset, const unsigned char* bytes, std:
     return out.writeAt(offset, bytes, count);
 }
 
+void BufferedTarget::rewind(std::uint64_t offset) noexcept {
+    used = static_cast<std::size_t>(std::max(offset, flushed) - flushed);
+    flushed = std::min(offset, flushed);
+}
+
 int BufferedTarget::copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,
                          std::uint64_t& copied) noexcept {
     copied = 0;

@@ -44,6 +44,9 @@ public:
     /// Replaces bytes that have been written.
     int patch(std::uint64_t offset, const unsigned char* bytes, std::size_t count) noexcept;
 
+    /// Takes back what stands behind `offset`. At least as much must be written instead.
+    void rewind(std::uint64_t offset) noexcept;
+
     /// Flushes, and copies from `source` what can be copied in `ByteTarget::copyAt`.
     /// @param copied  gets how many bytes
     int copy(const FileDescriptor& source, std::uint64_t sourceOffset, std::uint64_t count,

@@ -136,7 +136,7 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
     if (entry.size > options.maxTotalSize - totalSize)
         exceeds("the size in bytes of all items together is above the limit of", options.maxTotalSize);
     totalSize += entry.size;
-    if (entry.size > options.ratioFloor && entry.size / options.maxRatio > entry.compressedSize)
+    if (exceedsRatio(entry, options))
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
