@@ -48,7 +48,7 @@ void ContentTypeSource::addContentType(const PartName& name, const ContentType& 
     if (!hasStream)
         return;
     const std::u16string extension = extensionKey(name);
-    if (extension.empty()) {
+    if (extension.empty()) { // NOLINT(bugprone-branch-clone): the questions stand in the order of the rule
         contentTypes->addOverride(name, contentType);
     } else if (!contentTypes->hasDefault(extension)) {
         contentTypes->addDefault(extension, contentType);

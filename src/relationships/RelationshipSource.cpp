@@ -81,7 +81,7 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
         if (impl->manager.hasRelationship(id))
             throw RelationshipAlreadyExists("Relationship ID already exists");
     }
-    const std::u16string verifiedID = id.empty() ? generateID() : id;
+    std::u16string verifiedID = id.empty() ? generateID() : id;
     doVerifyRelationship(verifiedID, type, target);
     return verifiedID;
 }

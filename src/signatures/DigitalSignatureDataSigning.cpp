@@ -185,8 +185,7 @@ void DigitalSignatureData::signContent(const Bytes& privateKey) {
 std::shared_ptr<bedrock::crypto::RSASigner>
 DigitalSignatureData::createSigner(const Bytes& privateKey) const {
     const std::uint64_t bits = rsaKeySize(m_signatureParams.getSignatureMethod());
-    const auto signer =
-        translateCryptoFailures([&] { return createRsaSigner(*m_cryptoEngine, bits, privateKey); });
+    auto signer = translateCryptoFailures([&] { return createRsaSigner(*m_cryptoEngine, bits, privateKey); });
     if (!signer)
         throw Exception("Unable to determine the correct key size from the signature data.");
     return signer;

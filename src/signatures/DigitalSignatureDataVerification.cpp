@@ -112,7 +112,7 @@ DigitalSignatureVerificationStatus DigitalSignatureData::verifyWithKey(const Byt
 std::shared_ptr<bedrock::crypto::RSAVerifier>
 DigitalSignatureData::createVerifier(std::uint64_t bits, const Bytes& publicKey) const {
     throwIfKeySizeDiffers(bits);
-    const auto verifier =
+    auto verifier =
         translateVerificationFailures([&] { return createRsaVerifier(*m_cryptoEngine, bits, publicKey); });
     if (!verifier)
         throwUnsupportedKeySize();

@@ -174,7 +174,7 @@ DigitalSignatureManager::signHelper(const PKCS12Certificate& bundle, const Trust
                                     const std::vector<RelationshipSelector>& selectors, bool countersign) {
     throwIfPackageNotOpenForModify();
     try {
-        const X509Certificate certificate = bundle.getCertificate();
+        const X509Certificate& certificate = bundle.getCertificate();
         const SecretBytes privateExponent(bundle.getPrivateExponent());
         if (privateExponent->empty())
             throw CouldNotGenerateSignature("The given PKCS12 bundle is invalid. No private key found.");

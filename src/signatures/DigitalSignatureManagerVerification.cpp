@@ -82,7 +82,7 @@ DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprint
                                              const TrustStore& trustStore) {
     ensureLoaded();
     for (const DigitalSignature& signature : m_signatures) {
-        const auto status = verifySignature(signature, fingerprints, options, trustStore);
+        auto status = verifySignature(signature, fingerprints, options, trustStore);
         if (!status.isProperlyCodesigned())
             return status;
     }
@@ -112,7 +112,7 @@ DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
                                                const DigitalSignatureVerificationStatus& status) const {
     if (!status.isProperlyCodesigned() && status.isErrorFromSignature())
         return status;
-    const DigitalSignatureVerificationStatus references = verifyReferencesAfterLoad(data);
+    DigitalSignatureVerificationStatus references = verifyReferencesAfterLoad(data);
     if (!references.isProperlyCodesigned())
         return references;
     if (status.isProperlyCodesigned() || status.isErrorFromCertificateChain())

@@ -17,7 +17,7 @@ namespace opc::model {
 /// each named by a selector of its own, make n² entries. Relationships with the same ID and target, from
 /// different sources, are sorted by type and mode as well, so that signing and verifying come to the same
 /// order.
-class RelationshipsText : public InputStream {
+class RelationshipsText final : public InputStream {
 public:
     /// @throws InvalidXMLDocument
     explicit RelationshipsText(const std::vector<Relationship>& relationships);

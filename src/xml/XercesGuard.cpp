@@ -22,7 +22,7 @@ XercesGuard::XercesGuard() {
     xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
 }
 
-XercesGuard::~XercesGuard() {
+XercesGuard::~XercesGuard() { // NOLINT(bugprone-exception-escape): see the header
     const boost::unique_lock<boost::mutex> lock(platformMutex());
     xercesc::XMLPlatformUtils::Terminate();
 }

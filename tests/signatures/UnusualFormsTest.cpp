@@ -49,22 +49,22 @@ protected:
     SecondPackageObject() {
         const std::size_t begin = document.find("<Object");
         const std::size_t end = document.find("</Object>") + 9;
-        package = document.substr(begin, end - begin);
+        first = document.substr(begin, end - begin);
         store.setPart(u"/b.xml", opc::test::toBytes("<a>content</a>")); // as /a.xml, and so its digest
-        second = R"(<Object Id="other"><any xmlns="urn:any">)" + replaced(package, "/a.xml", "/b.xml") +
+        second = R"(<Object Id="other"><any xmlns="urn:any">)" + replaced(first, "/a.xml", "/b.xml") +
                  "</any></Object>";
     }
-    std::string package, second;
+    std::string first, second;
 };
 
 TEST_F(SecondPackageObject, inFrontTakesThePlaceOfTheFirst) {
-    store.setPart(PART, opc::test::toBytes(replaced(document, package, second + package)));
+    store.setPart(PART, opc::test::toBytes(replaced(document, first, second + first)));
     open();
     EXPECT_EQ(verify(u"sig1"), 101);
 }
 
 TEST_F(SecondPackageObject, behindMakesPartsLookSigned) {
-    store.setPart(PART, opc::test::toBytes(replaced(document, package, package + second)));
+    store.setPart(PART, opc::test::toBytes(replaced(document, first, first + second)));
     open();
     EXPECT_EQ(verify(u"sig1"), 0) << "the signed object is as it was";
     EXPECT_TRUE(manager->isSigned(PartName(u"/b.xml"))) << "though the signer never signed it";

@@ -28,7 +28,7 @@ public:
 /// still in the buffer. Operations that may fail give an error number, 0 for success.
 class BufferedTarget {
 public:
-    explicit BufferedTarget(ByteTarget& target) : out(target), buffer(256U * 1024U) {}
+    explicit BufferedTarget(ByteTarget& target) : out(target), buffer(std::size_t{256} * 1024) {}
 
     int write(const unsigned char* bytes, std::size_t count) noexcept;
     int flush() noexcept;

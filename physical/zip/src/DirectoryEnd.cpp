@@ -126,7 +126,7 @@ DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place) {
         fail(place, "is one of several files that make up an archive", ENOTSUP);
     if (directory.size > end.offset || directory.offset != end.offset - directory.size)
         failDirectory(place, "it doesn't lie where the end record says");
-    return std::move(end.directory);
+    return end.directory;
 }
 
 void failDirectory(const std::string& place, const std::string& what) {

@@ -50,7 +50,7 @@ std::shared_ptr<ByteSource> StreamStore::read() {
 
 void StreamStore::readStream() {
     auto spool = std::make_shared<Spool>(spools);
-    std::vector<char> block(64U * 1024U);
+    std::vector<char> block(std::size_t{64} * 1024);
     while (*input) {
         input->read(block.data(), static_cast<std::streamsize>(block.size()));
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::istream

@@ -98,7 +98,7 @@ const ZipPackage::Bytes& ZipPackage::bytes() const {
 
 void ZipPackage::writeTo(std::ostream& stream) const {
     const std::shared_ptr<zip::ByteSource> archive = impl->store->read();
-    std::vector<unsigned char> block(64U * 1024U);
+    std::vector<unsigned char> block(std::size_t{64} * 1024);
     for (std::uint64_t offset = 0; offset < archive->size();) {
         std::size_t got = 0;
         if (const int error = archive->readAt(offset, block.data(), block.size(), got))

@@ -76,7 +76,7 @@ int judgeRevocation(int ok, X509_STORE_CTX* context) {
         X509_STORE_CTX_set_error(context, X509_V_OK);
         return 1;
     }
-    return ok;
+    return 0;
 }
 
 openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValidationOptions& options) {
@@ -217,7 +217,7 @@ CertificateValidationResults X509Certificate::validateCertificate(const X509Cert
     }
     STACK_OF(X509)* verified = X509_STORE_CTX_get0_chain(context.get());
     if (options.isUsingRevocationLists()) {
-        const CertificateValidationResults results = judgeAllLists(verified, options);
+        CertificateValidationResults results = judgeAllLists(verified, options);
         if (results.getCertificateChainStatus() != Status::Good)
             return results;
     }

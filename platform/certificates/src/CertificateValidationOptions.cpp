@@ -10,7 +10,7 @@ namespace bedrock::certificates {
 
 void CertificateValidationOptions::addRevocationList(const std::vector<unsigned char>& bytes) {
     const openssl::ErrorScope scope;
-    openssl::CrlPtr list = openssl::fromDer<openssl::CrlPtr, d2i_X509_CRL>(bytes.data(), bytes.size());
+    auto list = openssl::fromDer<openssl::CrlPtr, d2i_X509_CRL>(bytes.data(), bytes.size());
     if (!list)
         list.reset(
             PEM_read_bio_X509_CRL(openssl::readingBio(bytes).get(), nullptr, detail::noPassword, nullptr));

@@ -27,7 +27,7 @@ Bytes getNumber(const X509Certificate& certificate, const char* name) {
 }
 
 openssl::X509Ptr readCertificate(const Bytes& bytes) {
-    openssl::X509Ptr certificate = openssl::fromDer<openssl::X509Ptr, d2i_X509>(bytes.data(), bytes.size());
+    auto certificate = openssl::fromDer<openssl::X509Ptr, d2i_X509>(bytes.data(), bytes.size());
     if (certificate)
         return certificate;
     const openssl::BioPtr source = openssl::readingBio(bytes);

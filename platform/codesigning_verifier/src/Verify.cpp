@@ -99,7 +99,7 @@ CodesigningVerificationStatus check(const Bytes& signedBytes, const Bytes& signa
                                     const FingerprintStore& fingerprints, const Options& options) {
     if (certificate.empty())
         throw CodesigningException("The certificate is empty.", ErrorMap<13>());
-    const CodesigningVerificationStatus value(checkValue(signedBytes, signatureValue, certificate, options));
+    CodesigningVerificationStatus value(checkValue(signedBytes, signatureValue, certificate, options));
     if (!value.isProperlyCodesigned() || fingerprints.hasFingerprint(certificate.getSHA256Fingerprint()))
         return value;
 

@@ -7,7 +7,7 @@ namespace opc {
 
 namespace {
 
-constexpr std::size_t BLOCK_SIZE = 64 * 1024;
+constexpr std::size_t BLOCK_SIZE = std::size_t{64} * 1024;
 
 } // namespace
 

@@ -10,7 +10,7 @@ namespace bedrock::crypto {
 
 namespace {
 
-constexpr std::size_t BlockSize = 64 * 1024;
+constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
 /// What a stream buffer holds ready, read in place: a stream over memory costs no copy.
 class Window : public std::streambuf {

@@ -11,7 +11,7 @@ namespace bedrock::crypto {
 namespace {
 
 std::size_t sizeInWholeBytes(const EVP_PKEY& key) {
-    return static_cast<std::size_t>((EVP_PKEY_get_bits(&key) + 7) / 8 * 8);
+    return (static_cast<std::size_t>(EVP_PKEY_get_bits(&key)) + 7) / 8 * 8;
 }
 
 } // namespace

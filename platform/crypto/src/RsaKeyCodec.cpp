@@ -21,7 +21,7 @@ using openssl::PkeyPtr;
 using utils::InvalidKey;
 
 // The PEM form of a key of 4096 bits has about 3,300 characters; text may stand before it.
-constexpr std::size_t MaximalEncodedSize = 16 * 1024;
+constexpr std::size_t MaximalEncodedSize = std::size_t{16} * 1024;
 constexpr int MaximalExponentBits = 64;
 
 struct PemBlock {
@@ -59,12 +59,12 @@ EVP_PKEY* readPkcs8(EVP_PKEY**, const unsigned char** position, long size) {
 }
 
 PkeyPtr readPrivate(const unsigned char* der, std::size_t size) {
-    PkeyPtr key = openssl::fromDer<PkeyPtr, readPkcs8>(der, size);
+    auto key = openssl::fromDer<PkeyPtr, readPkcs8>(der, size);
     return key ? std::move(key) : openssl::fromDer<PkeyPtr, readPkcs1Private>(der, size);
 }
 
 PkeyPtr readPublic(const unsigned char* der, std::size_t size) {
-    PkeyPtr key = openssl::fromDer<PkeyPtr, d2i_PUBKEY>(der, size);
+    auto key = openssl::fromDer<PkeyPtr, d2i_PUBKEY>(der, size);
     return key ? std::move(key) : openssl::fromDer<PkeyPtr, readPkcs1Public>(der, size);
 }
 
