@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -57,11 +58,17 @@ protected:
         server = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/s.xsd";
     }
 
+    /// A call of the system that a trace shows, and that does nothing.
+    static void mark(const char* place) { access(place, F_OK); }
+
     opc::test::TemporaryFolder folder;
     FileDescriptor files;
     FileDescriptor port;
     std::string server;
 };
+
+constexpr char BEGIN[] = "/reading-begins";
+constexpr char END[] = "/reading-ends";
 
 /// Documents that ask for a resource. `@` stands for the root element of a grammar that is cached.
 const char* const HOSTILE[] = {
@@ -108,12 +115,13 @@ TEST_F(OutsideAccess, isNeverGivenToADocument) {
          "Object",
          "xmlns='http://www.w3.org/2000/09/xmldsig#'"},
     };
+    const std::string places[] = {(folder / "s.xsd").string(), "file://" + (folder / "s.xsd").string(),
+                                  fs::relative(folder / "n.xsd").string(), server};
     for (const auto& reader : readers) {
         SchemaParser parser(reader.schemas);
+        mark(BEGIN);
         for (const char* hostile : HOSTILE) {
-            for (const std::string& place :
-                 {(folder / "s.xsd").string(), "file://" + (folder / "s.xsd").string(),
-                  fs::relative(folder / "n.xsd").string(), server}) {
+            for (const std::string& place : places) {
                 std::string document = replaced(hostile, "%", place);
                 document = replaced(document, "<@", "<" + std::string(reader.name) + " " + reader.attributes);
                 document = replaced(document, "</@", "</" + std::string(reader.name));
@@ -122,7 +130,28 @@ TEST_F(OutsideAccess, isNeverGivenToADocument) {
                 ASSERT_FALSE(port.isReady()) << document;
             }
         }
+        mark(END);
     }
+}
+
+/// The same under a trace of the system's calls: between the marks there is none that names a file or touches
+/// the network, wherever the document would have led.
+TEST_F(OutsideAccess, showsInNoTrace) {
+    const std::string program = fs::read_symlink("/proc/self/exe").string();
+    const auto outcome =
+        folder.run("ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e trace=%file,%network -o trace '" + program +
+                   "' --gtest_filter=OutsideAccess.isNeverGivenToADocument 2>&1");
+    ASSERT_EQ(outcome.status, 0) << outcome.output;
+    std::istringstream trace(opc::test::readFile<std::string>(folder / "trace"));
+    int marks = 0;
+    bool isReading = false;
+    for (std::string line; std::getline(trace, line);) {
+        const bool isMark = line.find(BEGIN) != std::string::npos || line.find(END) != std::string::npos;
+        EXPECT_TRUE(isMark || !isReading) << line;
+        marks += isMark ? 1 : 0;
+        isReading = line.find(BEGIN) != std::string::npos || (isReading && !isMark);
+    }
+    EXPECT_EQ(marks, 8) << "two for each reader";
 }
 
 TEST_F(OutsideAccess, isGivenToTheCallerForOneRead) {
