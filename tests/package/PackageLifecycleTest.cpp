@@ -49,12 +49,19 @@ void expectOpenFails(const std::string& message, const std::function<void(Memory
                        StandardPartInfo()); // no prefix of /b/c.xml is left
 }
 
-TEST(PackageOpen, translatesFailuresOfThePhysicalLayer) {
-    MemoryPackage store;
-    opc::test::fill(store, {});
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
+/// A package on an empty store with a content types stream, whose calls can be made to fail.
+class LifecycleTest : public testing::Test {
+protected:
+    LifecycleTest() { opc::test::fill(store, {}); }
 
+    MemoryPackage store;
+    opc::test::ScriptedPackage physical{store};
+    Package package{physical};
+};
+class PackageOpen : public LifecycleTest {};
+class PackageClose : public LifecycleTest {};
+
+TEST_F(PackageOpen, translatesFailuresOfThePhysicalLayer) {
     physical.failAt("open", "gone", errc::no_such_file_or_directory);
     EXPECT_TRUE(throws<PackageNotFound>("gone", [&] { package.open(OpenMode::ReadOnly); }));
     physical.failAt("open", "denied", errc::permission_denied);
@@ -77,11 +84,7 @@ TEST(PackageOpen, translatesFailuresOfThePhysicalLayer) {
         << "a failure while cleaning up takes the place of the first one";
 }
 
-TEST(PackageOpen, keepsTheCodeOfTheCause) {
-    MemoryPackage store;
-    opc::test::fill(store, {});
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
+TEST_F(PackageOpen, keepsTheCodeOfTheCause) {
     const auto expectCode = [](errc::errc_t code, const auto& action) {
         try {
             action();
@@ -99,12 +102,8 @@ TEST(PackageOpen, keepsTheCodeOfTheCause) {
     expectCode(errc::no_space_on_device, [&] { package.close(false); });
 }
 
-TEST(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
-    MemoryPackage store;
-    opc::test::fill(store, {});
+TEST_F(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
     store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1") + coreRelationship("r2")));
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
     physical.failAt("close", "stuck");
     EXPECT_TRUE(throws<PackageCloseFailed>("stuck", [&] { package.open(OpenMode::ReadWrite); }));
     EXPECT_TRUE(package.isOpen());
@@ -113,62 +112,46 @@ TEST(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
     EXPECT_FALSE(package.isOpen());
 }
 
-TEST(PackageOpen, refusesBadPackagesAndStartsCleanTheNextTime) {
-    using opc::test::contentTypes;
+TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
     using opc::test::relationships;
-    using opc::test::USUAL_CONTENT_TYPES;
 
-    const auto addPart = [](const char16_t* name) {
-        return [name](MemoryPackage& store) { store.setPart(name, relationships("")); };
+    const auto withPart = [](const char16_t* name, const std::string& content = "") {
+        return [=](MemoryPackage& store) { store.setPart(name, relationships(content)); };
+    };
+    const auto withTypes = [](const std::string& entries) {
+        return [=](MemoryPackage& store) { store.setContentTypes(opc::test::contentTypes(entries)); };
+    };
+    const auto withOverride = [&](const std::string& attributes) {
+        return withTypes(opc::test::USUAL_CONTENT_TYPES + "<Override " + attributes + "/>");
     };
     expectOpenFails<InconsistentPackage>("Not all relationship parts were matched with regular parts",
-                                         addPart(u"/_rels/x.xml.rels"));
+                                         withPart(u"/_rels/x.xml.rels"));
     expectOpenFails<InconsistentPackage>("Not all relationship parts were matched with regular parts",
-                                         addPart(u"/_rels/_rels/.rels.rels"));
+                                         withPart(u"/_rels/_rels/.rels.rels"));
     expectOpenFails<InvalidPartName>("A segment shall not end with a dot ('.') character [M1.9]",
-                                     addPart(u"/x./y.xml"));
+                                     withPart(u"/x./y.xml"));
     expectOpenFails<InvalidURI>("Could not successfully parse URI string. URI must contain only US-ASCII.",
-                                addPart(u"/é.xml"));
-    expectOpenFails<ContentTypeNotFound>("No content type was found for part:/b/c.png", addPart(u"/b/c.png"));
+                                withPart(u"/é.xml"));
+    expectOpenFails<ContentTypeNotFound>("No content type was found for part:/b/c.png",
+                                         withPart(u"/b/c.png"));
     expectOpenFails<ContentTypeNotFound>(
-        "No content type was found for part:/_rels/.rels", [](MemoryPackage& store) {
-            store.setContentTypes(
-                contentTypes(R"(<Default Extension="xml" ContentType="application/xml"/>)"));
-        });
+        "No content type was found for part:/_rels/.rels",
+        withTypes(R"(<Default Extension="xml" ContentType="application/xml"/>)"));
     expectOpenFails<InvalidRelationshipContent>(
-        "In /_rels/a.xml.rels: Target is empty", [](MemoryPackage& store) {
-            store.setPart(u"/_rels/a.xml.rels",
-                          relationships(R"(<Relationship Id="r" Type="t:t" Target=""/>)"));
-        });
+        "In /_rels/a.xml.rels: Target is empty",
+        withPart(u"/_rels/a.xml.rels", R"(<Relationship Id="r" Type="t:t" Target=""/>)"));
     expectOpenFails<InvalidCorePropertiesRelationships>(
-        "No more than one core properties relationship can exist in a package", [](MemoryPackage& store) {
-            store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1") + coreRelationship("r2")));
-        });
-    expectOpenFails<InvalidContentTypeStream>("PartName is not a valid part name", [](MemoryPackage& store) {
-        store.setContentTypes(
-            contentTypes(USUAL_CONTENT_TYPES + R"(<Override PartName="a/b" ContentType="a/b"/>)"));
-    });
-    expectOpenFails<InvalidURI>(
-        "Could not successfully parse URI string. URI must contain only US-ASCII.", [](MemoryPackage& store) {
-            store.setContentTypes(
-                contentTypes(USUAL_CONTENT_TYPES + R"(<Override PartName="/é" ContentType="a/b"/>)"));
-        });
-    expectOpenFails<InvalidContentType>(
-        "Could not successfully parse content type string", [](MemoryPackage& store) {
-            store.setContentTypes(contentTypes(
-                USUAL_CONTENT_TYPES + R"(<Override PartName="/a" ContentType="a/b;c=&quot;&quot;"/>)"));
-        });
+        "No more than one core properties relationship can exist in a package",
+        withPart(u"/_rels/.rels", coreRelationship("r1") + coreRelationship("r2")));
+    expectOpenFails<InvalidContentTypeStream>("PartName is not a valid part name",
+                                              withOverride(R"(PartName="a/b" ContentType="a/b")"));
+    expectOpenFails<InvalidURI>("Could not successfully parse URI string. URI must contain only US-ASCII.",
+                                withOverride(R"(PartName="/é" ContentType="a/b")"));
+    expectOpenFails<InvalidContentType>("Could not successfully parse content type string",
+                                        withOverride(R"(PartName="/a" ContentType="a/b;c=&quot;&quot;")"));
 }
 
-TEST(PackageOpen, callsThePhysicalCloseWithTrueAfterAFailure) {
-    MemoryPackage store;
-    opc::test::fill(store, {});
-    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1") + coreRelationship("r2")));
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
-    EXPECT_THROW(package.open(OpenMode::ReadWrite), InvalidCorePropertiesRelationships);
-    EXPECT_EQ(physical.calls.back(), "close true");
-
+TEST_F(PackageOpen, aSecondCorePropertiesRelationshipAndASecondOpenAreRefused) {
     store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1")));
     package.open(OpenMode::ReadWrite);
     EXPECT_TRUE(throws<InvalidCorePropertiesRelationships>(
@@ -180,19 +163,13 @@ TEST(PackageOpen, callsThePhysicalCloseWithTrueAfterAFailure) {
         throws<PackageAlreadyOpen>("Package is already open", [&] { package.open(OpenMode::ReadOnly); }));
 }
 
-TEST(PackageClose, ofAPackageNeverOpenedDoesNothing) {
-    MemoryPackage store;
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
+TEST_F(PackageClose, ofAPackageNeverOpenedDoesNothing) {
     EXPECT_TRUE(package.isCreateOnly());
     package.close(false);
     EXPECT_TRUE(physical.calls.empty());
 }
 
-TEST(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
-    MemoryPackage store;
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
+TEST_F(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     package.open(OpenMode::CreateOnly);
     Part part = package.createPart(PartName(u"/a.xml"), ContentType(u"text/xml"), StandardPartInfo());
     opc::test::writeAll(part, "content");
@@ -212,10 +189,7 @@ TEST(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     EXPECT_EQ(opc::test::readAll(package.getPart(PartName(u"/a.xml"))), "content");
 }
 
-TEST(PackageClose, writesInItsFixedOrder) {
-    MemoryPackage store;
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
+TEST_F(PackageClose, writesInItsFixedOrder) {
     package.open(OpenMode::CreateOnly);
     for (const char16_t* name : {u"/b.xml", u"/A.xml"})
         package.createPart(PartName(name), ContentType(u"a/b"), StandardPartInfo())
@@ -232,13 +206,10 @@ TEST(PackageClose, writesInItsFixedOrder) {
                                                 "closeStream /_rels/b.xml.rels", "close false"}));
 }
 
-TEST(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {
-    MemoryPackage store;
+TEST_F(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {
     opc::test::fill(store, {u"/a.xml"});
     store.setPart(u"/_rels/.rels",
                   opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
-    opc::test::ScriptedPackage physical(store);
-    Package package(physical);
 
     package.open(OpenMode::ReadOnly);
     package.close(false);

@@ -96,12 +96,6 @@ protected:
         return code;
     }
 
-    int outcomeOf(const char16_t* name, const std::string& what, const std::string& with) {
-        return outcomeOf([&](MemoryPackage& s) {
-            s.setPart(name, toBytes(replaced(toText(s.partBytes(name)), what, with)));
-        });
-    }
-
     /// Turns one bit, by a fixed series, in each of these places, and gives those where `isExpected` says no.
     std::vector<std::size_t> turnBits(const char16_t* name, const std::vector<std::size_t>& places,
                                       const std::function<bool(int)>& isExpected) {
@@ -165,6 +159,42 @@ TEST_F(Tampering, everyValueOfTheSignaturePartCounts) {
     EXPECT_EQ(outcome(), HOLDS);
 }
 
+struct Change {
+    const char* what;
+    std::function<void(MemoryPackage&)> make;
+};
+
+std::function<void(MemoryPackage&)> edit(const char16_t* name, const std::string& what,
+                                         const std::string& with) {
+    return [=](MemoryPackage& store) {
+        store.setPart(name, toBytes(replaced(toText(store.partBytes(name)), what, with)));
+    };
+}
+
+/// 101: what is covered has changed. 102: something covered is missing.
+TEST_F(Tampering, changesOfWhatIsSignedAreFoundByTheirCode) {
+    const struct {
+        int code;
+        std::function<void(MemoryPackage&)> make;
+    } changes[] = {
+        {101, edit(u"/a.xml", "content", "Content")},
+        {101, edit(u"/metadata/coreProperties.xml", ">t<", ">T<")},
+        {101, edit(u"/_rels/.rels", "http://e/", "http://f/")},
+        {101, edit(u"/_rels/.rels", R"(TargetMode="External")", "")},
+        {101, edit(u"/_rels/a.xml.rels", "rId1", "rId7")},
+        {101, edit(u"/_rels/.rels", "<Relationship ",
+                   R"(<Relationship Id="x" Type="urn:link" Target="b.xml"/><Relationship )")},
+        {102, edit(u"/_rels/.rels", "urn:link", "urn:else")},
+        {102,
+         [](MemoryPackage& s) {
+             s.removePart(u"/b.xml");
+             s.removePart(u"/_rels/b.xml.rels");
+         }},
+    };
+    for (const auto& change : changes)
+        EXPECT_EQ(outcomeOf(change.make), change.code) << &change - changes;
+}
+
 TEST_F(Tampering, changesOfFormWithinWhatIsSignedAreFound) {
     const std::pair<const char*, const char*> changes[] = {
         {"<CanonicalizationMethod", " <CanonicalizationMethod"},
@@ -176,19 +206,7 @@ TEST_F(Tampering, changesOfFormWithinWhatIsSignedAreFound) {
         {"<pds:RelationshipGroupReference SourceType=\"urn:link\"/>", ""},
     };
     for (const auto& [what, with] : changes)
-        EXPECT_TRUE(isFound(outcomeOf(SIGNATURE, what, with))) << what << " -> " << with;
-}
-
-struct Change {
-    const char* what;
-    std::function<void(MemoryPackage&)> make;
-};
-
-std::function<void(MemoryPackage&)> edit(const char16_t* name, const std::string& what,
-                                         const std::string& with) {
-    return [=](MemoryPackage& store) {
-        store.setPart(name, toBytes(replaced(toText(store.partBytes(name)), what, with)));
-    };
+        EXPECT_TRUE(isFound(outcomeOf(edit(SIGNATURE, what, with)))) << what << " -> " << with;
 }
 
 /// What no signature of this format protects: who must rely on one of these checks it himself.
@@ -246,7 +264,7 @@ TEST_F(Tampering, otherSpellingsOfTheSameDocumentHold) {
         {"<SignatureProperties>", "<SignatureProperties  >"},
     };
     for (const auto& [what, with] : spellings)
-        EXPECT_EQ(outcomeOf(SIGNATURE, what, with), HOLDS) << what << " -> " << with;
+        EXPECT_EQ(outcomeOf(edit(SIGNATURE, what, with)), HOLDS) << what << " -> " << with;
 
     const std::string document = toText(store.partBytes(SIGNATURE));
     std::string inUtf16 = "\xFF\xFE";
