@@ -2,13 +2,16 @@
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
 #include "signatures/DigitalSignatureData.hpp"
+#include "support/OpenSslCommand.hpp"
 
+#include <bedrock/certificates/PKCS12Certificate.hpp>
 #include <bedrock/certificates/X509Certificate.hpp>
 
 namespace {
 
 using namespace opc::model;
 using bedrock::certificates::CertificateValidationOptions;
+using bedrock::certificates::PKCS12Certificate;
 using bedrock::certificates::TrustStore;
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
@@ -133,6 +136,52 @@ TEST_F(CertificateSignatures, holdByTheirTrustStoreOrFingerprint) {
                     .isProperlyCodesigned());
 }
 
+TEST_F(CertificateSignatures, holdWithEveryDigest) {
+    for (const DigestMethod digest : {DigestMethod::MD5, DigestMethod::SHA1, DigestMethod::SHA224,
+                                      DigestMethod::SHA256, DigestMethod::SHA384, DigestMethod::SHA512}) {
+        const DigitalSignature signature =
+            manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), signer->certificate, chain,
+                          options, SignatureParams(digest, SignatureMethod::RSA2048), trusted);
+        EXPECT_TRUE(manager->verifySignature(signature, none, options, trusted).isProperlyCodesigned());
+    }
+}
+
+TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
+    const opc::test::OpenSslCommand openssl;
+    openssl.write("key.der", signer->getPrivateKey());
+    openssl.write("certificate.der", signer->certificate.getAsByteArray());
+    openssl.run("pkey -inform DER -in key.der -out key");
+    openssl.run("x509 -inform DER -in certificate.der -out certificate");
+    const auto bundle = [&](const std::string& content) {
+        openssl.run("pkcs12 -export -passout pass:word -out bundle " + content);
+        return PKCS12Certificate(openssl.read("bundle"), "word");
+    };
+    signWithCertificate();
+    const auto countersign = [&](const std::string& content, const SignatureParams& with) {
+        manager->countersignAllSignatures(bundle(content), options, with, trusted);
+    };
+    EXPECT_TRUE(
+        throws<CouldNotGenerateSignature>("The given PKCS12 bundle is invalid. No private key found.", [&] {
+            countersign("-nokeys -in certificate", SignatureParams());
+        }));
+    EXPECT_TRUE(
+        throws<CouldNotGenerateSignature>("The given PKCS12 bundle is invalid. No certificate found.",
+                                          [&] { countersign("-nocerts -inkey key", SignatureParams()); }));
+    EXPECT_THROW(countersign("-inkey key -in certificate",
+                             SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096)),
+                 CouldNotGenerateSignature);
+    EXPECT_FALSE(manager->isPackageCountersigned());
+
+    countersign("-inkey key -in certificate", SignatureParams());
+    reopen();
+    EXPECT_TRUE(manager->verifyCountersignature(none, options, trusted).isProperlyCodesigned());
+    EXPECT_TRUE(manager->verifyCountersignature(none, options, other).isErrorFromCertificateChain());
+    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, trusted)
+                    .isProperlyCodesigned());
+    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, other)
+                    .isErrorFromCertificateChain());
+}
+
 TEST_F(CertificateSignatures, aTimeBeyondTheClockIsItsLastOne) {
     DataToSign toSign;
     toSign.partNames = {PartName(u"/a.xml")};
@@ -156,11 +205,11 @@ TEST_F(CertificateSignatures, aChangedPartOutranksAnUntrustedChain) {
 }
 
 TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
+    Bytes key = signer->getPrivateKey();
     const auto fails = [&](const std::string& message, const X509Certificate& certificate,
                            const SignatureParams& with, const TrustStore& trust) {
         try {
-            manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), certificate, chain, options,
-                          with, trust);
+            manager->sign({PartName(u"/a.xml")}, {}, key, certificate, chain, options, with, trust);
             ADD_FAILURE() << message;
         } catch (const CouldNotGenerateSignature& e) {
             EXPECT_EQ(std::string(e.what()).rfind(message, 0), 0U) << e.what();
@@ -172,6 +221,10 @@ TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
           signer->certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
     fails("The verification certificate is invalid.", signer->certificate, SignatureParams(), other);
     EXPECT_FALSE(manager->isPackageSigned());
+    key = bedrock::crypto::generateRsaKeyPair(2048).getPrivateKey();
+    fails("The signature doesn't verify correctly with the given certificate.", signer->certificate,
+          SignatureParams(), trusted);
+    EXPECT_TRUE(manager->isPackageSigned()) << "found out once it is there, and it stays";
 }
 
 } // namespace

@@ -116,13 +116,20 @@ TEST(RsaKeys, eachFormOfTheCommandLineIsRead) {
 
 TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
     const OpenSslCommand openssl;
-    bedrock::crypto::cryptopp::CryptoProvider provider;
+    const auto engine = makeEngine();
     for (const std::size_t bits : Sizes) {
         openssl.write("key", keyPair(bits).getPrivateKey());
         const Numbers numbers = numbersOf(openssl, "key");
-        const auto key = provider.createRSAPrivateKey(bits, numbers.modulus, numbers.privateExponent,
-                                                      numbers.publicExponent);
+        const auto& [modulus, publicExponent, privateExponent] = numbers;
+        const auto key =
+            bits == 1024   ? engine.createRSA1024PrivateKey(modulus, privateExponent, publicExponent)
+            : bits == 2048 ? engine.createRSA2048PrivateKey(modulus, privateExponent, publicExponent)
+                           : engine.createRSA4096PrivateKey(modulus, privateExponent, publicExponent);
         EXPECT_EQ(key->getAsByteArray(), keyPair(bits).getPrivateKey()) << bits;
+        const auto open = bits == 1024   ? engine.createRSA1024PublicKey(modulus, publicExponent)
+                          : bits == 2048 ? engine.createRSA2048PublicKey(modulus, publicExponent)
+                                         : engine.createRSA4096PublicKey(modulus, publicExponent);
+        EXPECT_EQ(open->getAsByteArray(), keyPair(bits).getPublicKey()) << bits;
 
         EXPECT_EQ(privateKey(bits, withoutPrimes(openssl, numbers))->getAsByteArray(),
                   keyPair(bits).getPrivateKey())
