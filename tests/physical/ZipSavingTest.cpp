@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -96,6 +97,28 @@ TEST(ZipSaving, refusesAPartWhoseWritingHasFailed) {
     package.close(false);
     package.open(OpenMode::ReadOnly);
     EXPECT_EQ(content(*find(package, u"/a")).size(), 5000000U);
+}
+
+TEST(ZipSaving, refusesAnArchiveWhoseEndCouldBeFoundInAnItem) {
+    ZipOptions options;
+    options.deterministic = true;
+    const auto save = [&options](std::size_t commentSize) {
+        std::string endRecord(20, '\0');
+        endRecord.replace(0, 4, "PK\5\6");
+        endRecord += static_cast<char>(commentSize);
+        endRecord += '\0';
+        ZipPackage package(Bytes(), options);
+        package.open(OpenMode::CreateOnly);
+        create(package, u"/a", endRecord, PartInfo(CompressionType::None));
+        package.close(false);
+        return package.bytes();
+    };
+    const Bytes archive = save(0);
+    const std::string begin = "PK\5\6";
+    const auto content = std::search(archive.begin(), archive.end(), begin.begin(), begin.end());
+    const auto behind = static_cast<std::size_t>(archive.end() - content) - 22;
+    EXPECT_TRUE(fails(EBADMSG, "looks like the end of the archive", [&] { save(behind); }));
+    EXPECT_NO_THROW(save(behind - 1));
 }
 
 TEST(ZipSaving, keepsPermissionsAndFollowsLinks) {

@@ -1,9 +1,12 @@
 #include "ZipSession.hpp"
 
+#include "ArchiveTail.hpp"
 #include "ArchiveWriter.hpp"
+#include "DirectoryEnd.hpp"
 #include "Failure.hpp"
 #include "Records.hpp"
 
+#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 
 #include <cerrno>
@@ -178,7 +181,8 @@ void ZipSession::save() {
 }
 
 void ZipSession::write(ByteTarget& target) {
-    ArchiveWriter writer(context.archive.get(), target, context.place, options);
+    ArchiveTail tail(target);
+    ArchiveWriter writer(context.archive.get(), tail, context.place, options);
     for (const ItemIndex item : removedItems)
         writer.remove(item);
     // Readers that look at the first item alone to tell what a file is expect the content types there.
@@ -189,6 +193,11 @@ void ZipSession::write(ByteTarget& target) {
             writer.put(part.content);
     }
     writer.finish();
+    try {
+        readDirectoryEnd(tail, context.place);
+    } catch (const Exception&) {
+        fail(context.place, "can't save: the content of an item looks like the end of the archive", EBADMSG);
+    }
 }
 
 } // namespace opc::physical::zip
