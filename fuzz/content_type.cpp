@@ -3,6 +3,8 @@
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Errors.hpp>
 
+#include <optional>
+
 using namespace opc::fuzz;
 using namespace opc::model;
 
@@ -16,9 +18,7 @@ void checkSame(const ContentType& left, const ContentType& right) {
 
 void checkParameter(ContentType type, const std::u16string& attribute, const std::u16string& value) {
     const std::u16string before = type.toString();
-    try {
-        type.addParameter(attribute, value);
-    } catch (const InvalidContentTypeParameter&) {
+    if (!attempt<InvalidContentTypeParameter>([&] { type.addParameter(attribute, value); })) {
         requireEqual(type.toString(), before, "a refused parameter changes nothing");
         return;
     }
@@ -36,11 +36,10 @@ void checkParameter(ContentType type, const std::u16string& attribute, const std
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::vector<Bytes> lines = split(data, size, '\n');
     lines.resize(3);
-    try {
-        const ContentType type(toText(lines[0]));
-        checkSame(type, ContentType(type.toString()));
-        checkParameter(type, toText(lines[1]), toText(lines[2]));
-    } catch (const InvalidContentType&) {
-    }
+    std::optional<ContentType> type;
+    if (!attempt<InvalidContentType>([&] { type = ContentType(toText(lines[0])); }))
+        return 0;
+    checkSame(*type, ContentType(type->toString()));
+    checkParameter(*type, toText(lines[1]), toText(lines[2]));
     return 0;
 }

@@ -49,15 +49,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const XercesGuard guard; // starting Xerces takes longer than reading
     const ContentTypeSerializer serializer;
     ContentTypeMap map;
-    try {
-        read(serializer, map, Bytes(data, data + size));
-    } catch (const InvalidPartContent&) {
+    if (!attempt<InvalidPartContent, InvalidContentType, InvalidURI>(
+            [&] { read(serializer, map, Bytes(data, data + size)); }))
         return 0;
-    } catch (const InvalidContentType&) {
-        return 0;
-    } catch (const InvalidURI&) {
-        return 0;
-    }
     const Bytes written = write(serializer, map);
     ContentTypeMap again;
     read(serializer, again, written);

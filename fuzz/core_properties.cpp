@@ -63,11 +63,8 @@ void checkSame(const CoreProperties& left, const CoreProperties& right) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static CorePropertiesSerializer serializer; // compiling its schemas takes longer than reading
     CoreProperties properties;
-    try {
-        properties = read(serializer, Bytes(data, data + size));
-    } catch (const InvalidPartContent&) {
+    if (!attempt<InvalidPartContent>([&] { properties = read(serializer, Bytes(data, data + size)); }))
         return 0;
-    }
     const Bytes written = write(serializer, properties);
     const CoreProperties again = read(serializer, written);
     checkSame(properties, again);

@@ -37,6 +37,11 @@ void checkSame(const RelationshipManager& left, const RelationshipManager& right
     }
 }
 
+void read(RelationshipSerializer& serializer, const Bytes& bytes, RelationshipManager& manager) {
+    ByteArrayInAdaptor stream(bytes);
+    serializer.read(stream, manager);
+}
+
 Bytes write(RelationshipSerializer& serializer, const RelationshipManager& manager) {
     Bytes bytes;
     ByteArrayOutAdaptor stream(bytes);
@@ -50,21 +55,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static RelationshipSerializer serializer; // compiling its schemas takes longer than reading
     const URI source(u"/folder/source.xml");
     RelationshipManager manager(source);
-    const Bytes bytes(data, data + size);
-    ByteArrayInAdaptor stream(bytes);
-    try {
-        serializer.read(stream, manager);
-    } catch (const InvalidPartContent&) {
+    if (!attempt<InvalidPartContent>([&] { read(serializer, Bytes(data, data + size), manager); }))
         return 0;
-    }
     for (const Relationship& relationship : manager.getRelationships({})) {
         require(RelationshipSource::isValidID(relationship.getID()), "an ID that was read is an ID");
         checkTarget(relationship);
     }
     const Bytes written = write(serializer, manager);
     RelationshipManager again(source);
-    ByteArrayInAdaptor writtenStream(written);
-    serializer.read(writtenStream, again);
+    read(serializer, written, again);
     checkSame(manager, again);
     require(write(serializer, again) == written, "what was read is written as it was");
     return 0;
