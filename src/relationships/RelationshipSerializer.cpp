@@ -65,7 +65,7 @@ void add(const std::u16string& id, const std::u16string& type, const std::u16str
 /// What Xerces works with.
 struct RelationshipSerializer::Xml {
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made when a part needs it
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser;     // made when a part needs it
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // the same
     XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/relationships"};
     XercesString relationshipsName{u"Relationships"};

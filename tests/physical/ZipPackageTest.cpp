@@ -131,6 +131,7 @@ TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
         {1000, std::string(2 << 20, '\0'), 0},
         {1000, std::string(1 << 20, '\0'), 8}, // not above the floor
         {1000, letters(2 << 20), 8},
+        {0, letters(2 << 20), 0}, // counts as 1
         {1, letters(2 << 20), 0}, // some of it has left the buffer before its size is known
     };
     for (const Case& c : cases) {

@@ -165,7 +165,8 @@ void findEnds(std::vector<DirectoryEntry>& entries, std::uint64_t directory, con
 } // namespace
 
 bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
-    return entry.size > limits.ratioFloor && entry.size / limits.maxRatio > entry.compressedSize;
+    return entry.size > limits.ratioFloor &&
+           entry.size / std::max<std::uint64_t>(limits.maxRatio, 1) > entry.compressedSize;
 }
 
 void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
