@@ -40,7 +40,11 @@ createDigestEngine(const bedrock::crypto::CryptoEngine& cryptoEngine, DigestMeth
 }
 
 std::vector<unsigned char> digestStream(bedrock::crypto::DigestEngine* engine, InputStream& stream) {
-    boost::iostreams::stream<InputStreamSource> source{InputStreamSource(stream)};
+    // The default buffer, but with such room in front of it that what it holds isn't at an odd address.
+    constexpr std::streamsize DEFAULT_BUFFER = -1;
+    constexpr std::streamsize ROOM_IN_FRONT = 64;
+    boost::iostreams::stream<InputStreamSource> source(InputStreamSource(stream), DEFAULT_BUFFER,
+                                                       ROOM_IN_FRONT);
     return requireEngine(engine).computeDigest(source);
 }
 
