@@ -11,7 +11,7 @@ if(OPCMODEL_SANITIZE)
   target_link_options(opcmodel_flags INTERFACE -fsanitize=${OPCMODEL_SANITIZE})
 endif()
 if(OPCMODEL_COVERAGE)
-  target_compile_options(opcmodel_flags INTERFACE --coverage)
+  target_compile_options(opcmodel_flags INTERFACE --coverage -fprofile-update=atomic) # threads count, too
   target_link_options(opcmodel_flags INTERFACE --coverage)
 endif()
 
