@@ -36,7 +36,7 @@ ElementIndex::ElementIndex(const DOMElement* root) {
         const DOMNode* node;
         std::size_t position;
     };
-    constexpr std::size_t NOWHERE = static_cast<std::size_t>(-1);
+    constexpr auto NOWHERE = static_cast<std::size_t>(-1);
     std::vector<Ancestor> open;
     const auto enter = [&](const DOMNode* node) {
         if (isAside(node))

@@ -49,7 +49,7 @@ void create(const Arguments& arguments) {
 
 void copyFile(const std::string& path, opc::OutputStream& target) {
     std::ifstream file(path, std::ios::binary);
-    std::vector<char> block(64 * 1024);
+    std::vector<char> block(std::size_t{64} * 1024);
     while (file) {
         file.read(block.data(), static_cast<std::streamsize>(block.size()));
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::istream

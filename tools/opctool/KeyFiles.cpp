@@ -116,7 +116,7 @@ Bytes readFile(const std::string& path) {
 std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string& path) {
     bedrock::crypto::cryptopp::CryptoProvider provider;
     Bytes bytes = readFile(path);
-    const auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPrivateKey(bits, bytes); });
+    auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPrivateKey(bits, bytes); });
     bedrock::crypto::utils::cleanse(bytes);
     if (!key)
         failWithoutKey(path, "private");
@@ -126,7 +126,7 @@ std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string
 std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& path) {
     bedrock::crypto::cryptopp::CryptoProvider provider;
     const Bytes bytes = readFile(path);
-    const auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
+    auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
     if (!key)
         failWithoutKey(path, "public");
     return key;

@@ -52,7 +52,7 @@ void OpenedPackage::save() {
 }
 
 std::uint64_t measure(const opc::model::Part& part) {
-    std::vector<unsigned char> block(64 * 1024);
+    std::vector<unsigned char> block(std::size_t{64} * 1024);
     opc::InputStream& stream = part.getInputStream();
     std::uint64_t size = 0;
     while (!stream.isDone())

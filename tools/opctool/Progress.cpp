@@ -56,7 +56,7 @@ void Progress::add(std::uint64_t bytes) {
     total += bytes;
     if (!isTerminal || Clock::now() < nextUpdate)
         return;
-    constexpr std::uint64_t MEBIBYTE = 1024 * 1024;
+    constexpr std::uint64_t MEBIBYTE = std::uint64_t{1024} * 1024;
     std::cerr << '\r' << total / MEBIBYTE << " MiB read" << std::flush;
     isShown = true;
     nextUpdate = Clock::now() + INTERVAL;

@@ -44,6 +44,7 @@ int run(CLI::App& app, int argc, char** argv) {
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): without memory for its commands the tool can't even say so
 int main(int argc, char** argv) {
     CLI::App app(
         "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …),\n"

@@ -92,7 +92,7 @@ DirectoryEntry DirectoryReader::readEntry() {
 
 /// @return the next `count` bytes of the directory, good until the next call
 const unsigned char* DirectoryReader::lookAt(std::size_t count) {
-    constexpr std::size_t BLOCK = 256U * 1024U; // holds the longest entry, of 46 + 3 * 65535 bytes
+    constexpr std::size_t BLOCK = std::size_t{256} * 1024; // holds the longest entry, of 46 + 3 * 65535 bytes
     const std::uint64_t left = end.offset + end.size - position;
     if (left < count)
         failDirectory(place, "shorter than its items");

@@ -9,7 +9,7 @@ namespace opc::physical::zip {
 namespace {
 
 /// An end record with the longest comment, and the records of ZIP64 in front of it.
-constexpr std::size_t LONGEST_TAIL = 66U * 1024U;
+constexpr std::size_t LONGEST_TAIL = std::size_t{66} * 1024;
 
 } // namespace
 
