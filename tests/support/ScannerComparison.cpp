@@ -70,27 +70,27 @@ std::string failureOf(Read&& read) {
     return {};
 }
 
-/// What reading makes of a document, as a text. `read` is an operation of the serialiser.
+/// What reading makes of a document, as a text, with the scanner or by the parser alone.
 /// @{
 
-std::string readRelationships(const Bytes& document,
-                              void (RelationshipSerializer::*read)(InputStream&, RelationshipManager&)) {
+std::string readRelationships(const Bytes& document, bool scanning) {
     RelationshipSerializer serializer;
     RelationshipManager manager(URI(u"/"));
     ByteArrayInAdaptor stream(document);
-    std::string result = failureOf([&] { (serializer.*read)(stream, manager); });
+    std::string result =
+        failureOf([&] { scanning ? serializer.read(stream, manager) : serializer.parse(stream, manager); });
     for (const Relationship& entry : manager.getRelationships({}))
         result += toUDEString(entry.getID() + u" " + entry.getType() + u" " + entry.getTarget()) +
                   (entry.getTargetMode() == TargetMode::External ? " External\n" : "\n");
     return result;
 }
 
-std::string readContentTypes(const Bytes& document,
-                             void (ContentTypeSerializer::*read)(ContentTypeMap&, InputStream&) const) {
+std::string readContentTypes(const Bytes& document, bool scanning) {
     const ContentTypeSerializer serializer;
     ContentTypeMap map;
     ByteArrayInAdaptor stream(document);
-    std::string result = failureOf([&] { (serializer.*read)(map, stream); });
+    std::string result =
+        failureOf([&] { scanning ? serializer.read(map, stream) : serializer.parse(map, stream); });
     for (const auto& [extension, entry] : map.getDefaults())
         result += toUDEString(extension + u" " + entry.contentType.toString()) + '\n';
     for (const auto& [name, contentType] : map.getOverrides())
@@ -153,12 +153,9 @@ std::string ScannerComparison::findDifference(const Bytes& document) {
         return "recognised, but invalid";
     if (scanned != parsed)
         return "other elements or attributes";
-    const std::string withScanner = isRelationships()
-                                        ? readRelationships(document, &RelationshipSerializer::read)
-                                        : readContentTypes(document, &ContentTypeSerializer::read);
-    const std::string withParser = isRelationships()
-                                       ? readRelationships(document, &RelationshipSerializer::parse)
-                                       : readContentTypes(document, &ContentTypeSerializer::parse);
+    const auto read = isRelationships() ? readRelationships : readContentTypes;
+    const std::string withScanner = read(document, true);
+    const std::string withParser = read(document, false);
     return withScanner == withParser ? std::string() : withScanner + "against\n" + withParser;
 }
 
