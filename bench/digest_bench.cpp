@@ -93,7 +93,7 @@ void partStream(benchmark::State& state, DigestAlgorithm algorithm, const char* 
         state, algorithm, name,
         [&source](DigestEngine& engine) {
             source.open();
-            boost::iostreams::stream<opc::InputStreamSource> stream(opc::InputStreamSource(source), -1, 64);
+            boost::iostreams::stream<opc::InputStreamSource> stream{opc::InputStreamSource(source)};
             return engine.computeDigest(stream);
         },
         [&] {

@@ -40,11 +40,7 @@ createDigestEngine(const bedrock::crypto::CryptoEngine& cryptoEngine, DigestMeth
 }
 
 std::vector<unsigned char> digestStream(bedrock::crypto::DigestEngine* engine, InputStream& stream) {
-    // The default buffer, but with such room in front of it that what it holds isn't at an odd address.
-    constexpr std::streamsize DEFAULT_BUFFER = -1;
-    constexpr std::streamsize ROOM_IN_FRONT = 64;
-    boost::iostreams::stream<InputStreamSource> source(InputStreamSource(stream), DEFAULT_BUFFER,
-                                                       ROOM_IN_FRONT);
+    boost::iostreams::stream<InputStreamSource> source{InputStreamSource(stream)};
     return requireEngine(engine).computeDigest(source);
 }
 
