@@ -103,7 +103,7 @@ void OpenAndList(benchmark::State& state) {
         (bench::peakMemoryInMiB() - before) * 1024 / static_cast<double>(state.range(0));
 }
 
-/// An archive with a content types stream and one part without relationships.
+/// An archive that holds a content types stream alone.
 void OpenEmpty(benchmark::State& state) {
     const fs::path path = fs::temp_directory_path() / "opcmodel_bench_empty.zip";
     fs::remove(path);
