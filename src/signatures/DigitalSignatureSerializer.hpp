@@ -21,14 +21,14 @@ namespace opc::model {
 class DigitalSignatureData;
 class IndexedElement;
 struct Reference;
+struct ScannedSignature;
 
-/// Reads and writes signature parts, one after the other: the schemas are compiled once. It serves one thread
-/// at a time.
+/// Reads and writes signature parts, one after the other, for one thread at a time. A part in the form in which
+/// this class writes it is scanned; any other goes to a validating parser, whose schemas are compiled once.
 ///
 /// The form is the XML Signature profile of ECMA-376 Part 2. Whether a signature holds isn't asked here.
 class DigitalSignatureSerializer {
 public:
-    /// @throws InvalidXMLSchema  if a schema of the library doesn't load
     DigitalSignatureSerializer();
     DigitalSignatureSerializer(const DigitalSignatureSerializer&) = delete;
     DigitalSignatureSerializer& operator=(const DigitalSignatureSerializer&) = delete;
@@ -43,9 +43,9 @@ public:
     /// of no use; this object stays usable.
     ///
     /// Time and memory grow in proportion to the document, whatever stands in it, so far as they do in parsing
-    /// and as `SignatureLimits` lets it pass. Measured on one core: 1,000,000 references (154 MB) 8 s and
-    /// 2.5 GB, an attribute of 100 MB 2.5 s and 1.9 GB; at most 70 bytes for a byte, where all elements are
-    /// empty and have short names.
+    /// and as `SignatureLimits` lets it pass. Measured on one core, with the parser: 1,000,000 references
+    /// (154 MB) 8 s and 2.5 GB, an attribute of 100 MB 2.5 s and 1.9 GB; at most 70 bytes for a byte, where all
+    /// elements are empty and have short names.
     ///
     /// @param stream  open, at the first byte; read to its end and not closed
     /// @throws InvalidPartContent  if the document breaks the schema or the form
@@ -54,6 +54,9 @@ public:
     /// @throws bedrock::crypto::utils::Exception, bedrock::certificates::X509CertificateException
     ///         for what is no Base64 and no certificate
     void readSignature(InputStream& stream, DigitalSignatureData& data);
+
+    /// The same by the validating parser alone, whatever the form.
+    void parseSignature(InputStream& stream, DigitalSignatureData& data);
 
     /// The XML of an element as text, with the namespace declarations that it needs to stand alone.
     /// @param result  takes the text in place of what it held
@@ -67,6 +70,9 @@ private:
                                 const XercesString& namespaceURI) const;
     static std::u16string getRequiredAttribute(const IndexedElement& element, const XercesString& name,
                                                const char* message);
+
+    static void takeScanned(ScannedSignature& scanned, DigitalSignatureData& data);
+    static void takeScannedValueAndKey(const ScannedSignature& scanned, DigitalSignatureData& data);
 
     void readDocument(const IndexedElement& root, DigitalSignatureData& data);
     void readValueAndKey(const IndexedElement& root, DigitalSignatureData& data) const;
@@ -89,7 +95,7 @@ private:
     void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
 
     XercesGuard m_guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;     ///< null when it has run out of memory
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;     ///< made when a part needs it
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer; ///< null when it has failed
     SignatureNames m_names;
     PackageSignatureNames m_packageNames;

@@ -3,12 +3,14 @@
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
 #include "signatures/SignatureLimits.hpp"
+#include "signatures/SignatureScanner.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/ElementIndex.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/PlainDocument.hpp"
+#include "xml/ReplayedStream.hpp"
 
-#include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/AlgorithmURIMap.hpp>
@@ -22,10 +24,6 @@ namespace opc::model {
 
 namespace {
 
-using bedrock::certificates::X509Certificate;
-using bedrock::certificates::X509CertificateChain;
-using bedrock::crypto::utils::base64Decode;
-
 std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createSignatureParser() {
     auto parser = XercesHelper::createParser();
     parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
@@ -33,6 +31,9 @@ std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createSignatureParser() {
     loadGrammars(parser.get(), {&schemas::PACKAGE_SIGNATURE, &schemas::XML_SIGNATURE});
     return parser;
 }
+
+/// A document beyond this size goes to the parser at once, without being held whole.
+constexpr std::size_t LARGEST_SCANNED = 1U << 28;
 
 IndexedElement getOnlyElement(const IndexedElement& parent, const XercesString& name, const char* message) {
     const std::vector<IndexedElement> elements = parent.getElements(name);
@@ -47,11 +48,10 @@ std::u16string withoutPrefix(const std::u16string& id) {
     return id.compare(0, prefix.size(), prefix) == 0 ? id.substr(prefix.size()) : id;
 }
 
-/// The size of a key by the length of its modulus in Base64. What is too long for 2048 bits counts as 4096.
-std::uint64_t getKeySize(const std::u16string& modulus) {
-    if (modulus.size() <= 256)
-        return 1024;
-    return modulus.size() <= 512 ? 2048 : 4096;
+/// The text of an object as the parser's document gives it: declaring the namespace that it has from its parent.
+std::u16string withNamespaceDeclaration(std::u16string object) {
+    return object.insert(object.find(u' '),
+                         std::u16string(u" xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u'"');
 }
 
 SignatureParams settleParameters(const DigitalSignatureData& data) {
@@ -67,13 +67,42 @@ SignatureParams settleParameters(const DigitalSignatureData& data) {
 } // namespace
 
 DigitalSignatureSerializer::DigitalSignatureSerializer()
-    : m_parser(createSignatureParser()), m_writer(XercesHelper::createWriter()), m_packageNames(u""),
+    : m_writer(XercesHelper::createWriter()), m_packageNames(u""),
       m_packageNamespace(vocabulary::PACKAGE_SIGNATURE_NAMESPACE) {
 }
 
 DigitalSignatureSerializer::~DigitalSignatureSerializer() = default;
 
 void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSignatureData& data) {
+    std::vector<unsigned char> bytes;
+    ReplayedStream replayed(stream);
+    ScannedSignature scanned;
+    if (replayed.readAhead(bytes, LARGEST_SCANNED) && scanSignature(bytes, scanned))
+        takeScanned(scanned, data);
+    else
+        parseSignature(replayed, data);
+}
+
+/// What can fail here fails in the order in which the parser's document is read.
+void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalSignatureData& data) {
+    data.m_signatureId = withoutPrefix(widen(scanned.id));
+    takeScannedValueAndKey(scanned, data);
+    data.m_objects.emplace(
+        vocabulary::PACKAGE_OBJECT_ID,
+        SignatureObject{vocabulary::PACKAGE_OBJECT_ID, withNamespaceDeclaration(widen(scanned.object))});
+    data.m_content.manifestReferences = std::move(scanned.manifestReferences);
+    data.m_content.digestedManifestReferences = data.m_content.manifestReferences.size();
+    data.m_content.signatureProperties.push_back(
+        {u"#" + widen(scanned.propertyTarget), vocabulary::SIGNATURE_TIME_ID, {}, {}});
+    data.m_signedTime = convertStringToTime(widen(scanned.time));
+    data.m_canonicalizationMethod = widen(scanned.canonicalizationMethod);
+    data.m_signatureMethod = widen(scanned.signatureMethod);
+    data.m_content.signedInfoXML = widen(scanned.signedInfo);
+    data.m_content.signedInfoReferences.push_back(std::move(scanned.objectReference));
+    data.m_signatureParams = settleParameters(data);
+}
+
+void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSignatureData& data) {
     if (!m_parser)
         m_parser = createSignatureParser();
     try {
@@ -127,55 +156,6 @@ std::u16string DigitalSignatureSerializer::getRequiredAttribute(const IndexedEle
     if (!XercesHelper::getElementAttribute(element, name, value))
         throw InvalidPartContent(message);
     return value;
-}
-
-void DigitalSignatureSerializer::readValueAndKey(const IndexedElement& root,
-                                                 DigitalSignatureData& data) const {
-    getRequiredElementText(root, m_names.signatureValue, data.m_signatureValueInXML, m_names.noNamespace);
-    data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
-    data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
-    XercesHelper::getElementAttribute(root, m_names.xmlns, data.m_namespace);
-
-    const auto keyInfo = root.getElement(m_names.keyInfo);
-    if (!keyInfo)
-        return;
-    if (const auto keyValue = keyInfo->getElement(m_names.keyValue))
-        readKeyValue(*keyValue, data);
-    else if (const auto x509Data = keyInfo->getElement(m_names.x509Data))
-        readCertificates(*x509Data, data);
-}
-
-void DigitalSignatureSerializer::readKeyValue(const IndexedElement& keyValue,
-                                              DigitalSignatureData& data) const {
-    const auto element = keyValue.getElement(m_names.rsaKeyValue);
-    if (!element)
-        throw InvalidPartContent("RSA Key Value is missing. DSA for signatures is not supported yet.");
-    RSAKeyValue key;
-    getRequiredElementText(*element, m_names.modulus, key.modulus, m_names.noNamespace);
-    getRequiredElementText(*element, m_names.exponent, key.exponent, m_names.noNamespace);
-    key.keySize = getKeySize(key.modulus);
-    data.m_keyValue = std::move(key);
-}
-
-void DigitalSignatureSerializer::readCertificates(const IndexedElement& x509Data,
-                                                  DigitalSignatureData& data) const {
-    const std::vector<IndexedElement> elements = x509Data.getElements(m_names.x509Certificate);
-    if (elements.empty())
-        throw InvalidPartContent("Supported key management mechanisms in signatures are KeyValue using RSA "
-                                 "or X509 certificates. Others are not supported.");
-    X509CertificateChain chain;
-    for (const IndexedElement& element : elements) {
-        std::u16string text;
-        XercesHelper::getElementText(element, text);
-        if (text.empty())
-            throw InvalidPartContent("XML signature: x509CertificateElement is empty.");
-        X509Certificate certificate(base64Decode(text));
-        if (data.m_certificate)
-            chain.addCertificate(std::move(certificate));
-        else
-            data.m_certificate = std::move(certificate);
-    }
-    data.m_certificateChain = std::move(chain);
 }
 
 void DigitalSignatureSerializer::readObjects(const IndexedElement& root, DigitalSignatureData& data) {

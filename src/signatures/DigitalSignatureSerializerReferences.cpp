@@ -11,11 +11,6 @@ namespace opc::model {
 
 namespace {
 
-bool isRelationshipTransform(const std::u16string& algorithm) {
-    return algorithm == vocabulary::RELATIONSHIP_TRANSFORM ||
-           algorithm == vocabulary::RELATIONSHIP_TRANSFORM_2006;
-}
-
 void throwIfTypeIsNotObject(const std::u16string& type) {
     if (type.empty())
         throw InvalidPartContent("XML signature: referenceType is empty.");
@@ -86,7 +81,7 @@ void DigitalSignatureSerializer::readReference(const IndexedElement& element, Re
 void DigitalSignatureSerializer::readTransform(const IndexedElement& element, Reference& reference) const {
     std::u16string algorithm =
         getRequiredAttribute(element, m_names.algorithm, "XML signature: TransformMethod is empty.");
-    if (!isRelationshipTransform(algorithm)) {
+    if (!vocabulary::isRelationshipTransform(algorithm)) {
         reference.transforms.push_back(std::move(algorithm));
         return;
     }

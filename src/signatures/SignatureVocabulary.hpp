@@ -2,6 +2,8 @@
 
 #include <opc/model/XercesString.hpp>
 
+#include <string>
+
 namespace opc::model {
 
 /// Identifiers and fixed texts of signature parts.
@@ -16,6 +18,10 @@ inline constexpr char16_t RELATIONSHIP_TRANSFORM[] =
     u"http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform";
 inline constexpr char16_t RELATIONSHIP_TRANSFORM_2006[] =
     u"http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
+
+inline bool isRelationshipTransform(const std::u16string& algorithm) {
+    return algorithm == RELATIONSHIP_TRANSFORM || algorithm == RELATIONSHIP_TRANSFORM_2006;
+}
 
 /// Types of references.
 inline constexpr char16_t OBJECT_TYPE[] = u"http://www.w3.org/2000/09/xmldsig#Object";

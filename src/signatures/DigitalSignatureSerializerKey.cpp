@@ -1,0 +1,105 @@
+#include "signatures/DigitalSignatureSerializer.hpp"
+
+#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/SignatureScanner.hpp"
+#include "xml/ElementIndex.hpp"
+#include "xml/PlainDocument.hpp"
+
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+/// @file
+/// How the value of a signature and its key are read.
+
+namespace opc::model {
+
+namespace {
+
+using bedrock::certificates::X509Certificate;
+using bedrock::certificates::X509CertificateChain;
+using bedrock::crypto::utils::base64Decode;
+
+/// The size of a key by the length of its modulus in Base64. What is too long for 2048 bits counts as 4096.
+std::uint64_t getKeySize(const std::u16string& modulus) {
+    if (modulus.size() <= 256)
+        return 1024;
+    return modulus.size() <= 512 ? 2048 : 4096;
+}
+
+void setKeyValue(RSAKeyValue key, DigitalSignatureData& data) {
+    key.keySize = getKeySize(key.modulus);
+    data.m_keyValue = std::move(key);
+}
+
+/// The first certificate is the signer's.
+void addCertificate(const std::u16string& text, DigitalSignatureData& data, X509CertificateChain& chain) {
+    X509Certificate certificate(base64Decode(text));
+    if (data.m_certificate)
+        chain.addCertificate(std::move(certificate));
+    else
+        data.m_certificate = std::move(certificate);
+}
+
+} // namespace
+
+void DigitalSignatureSerializer::readValueAndKey(const IndexedElement& root,
+                                                 DigitalSignatureData& data) const {
+    getRequiredElementText(root, m_names.signatureValue, data.m_signatureValueInXML, m_names.noNamespace);
+    data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
+    data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
+    XercesHelper::getElementAttribute(root, m_names.xmlns, data.m_namespace);
+
+    const auto keyInfo = root.getElement(m_names.keyInfo);
+    if (!keyInfo)
+        return;
+    if (const auto keyValue = keyInfo->getElement(m_names.keyValue))
+        readKeyValue(*keyValue, data);
+    else if (const auto x509Data = keyInfo->getElement(m_names.x509Data))
+        readCertificates(*x509Data, data);
+}
+
+void DigitalSignatureSerializer::readKeyValue(const IndexedElement& keyValue,
+                                              DigitalSignatureData& data) const {
+    const auto element = keyValue.getElement(m_names.rsaKeyValue);
+    if (!element)
+        throw InvalidPartContent("RSA Key Value is missing. DSA for signatures is not supported yet.");
+    RSAKeyValue key;
+    getRequiredElementText(*element, m_names.modulus, key.modulus, m_names.noNamespace);
+    getRequiredElementText(*element, m_names.exponent, key.exponent, m_names.noNamespace);
+    setKeyValue(std::move(key), data);
+}
+
+void DigitalSignatureSerializer::readCertificates(const IndexedElement& x509Data,
+                                                  DigitalSignatureData& data) const {
+    const std::vector<IndexedElement> elements = x509Data.getElements(m_names.x509Certificate);
+    if (elements.empty())
+        throw InvalidPartContent("Supported key management mechanisms in signatures are KeyValue using RSA "
+                                 "or X509 certificates. Others are not supported.");
+    X509CertificateChain chain;
+    for (const IndexedElement& element : elements) {
+        std::u16string text;
+        XercesHelper::getElementText(element, text);
+        if (text.empty())
+            throw InvalidPartContent("XML signature: x509CertificateElement is empty.");
+        addCertificate(text, data, chain);
+    }
+    data.m_certificateChain = std::move(chain);
+}
+
+void DigitalSignatureSerializer::takeScannedValueAndKey(const ScannedSignature& scanned,
+                                                        DigitalSignatureData& data) {
+    data.m_signatureValueInXML = widen(scanned.signatureValue);
+    data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
+    data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
+    if (!scanned.modulus.empty())
+        setKeyValue({0, widen(scanned.modulus), widen(scanned.exponent)}, data);
+    if (scanned.certificates.empty())
+        return;
+    X509CertificateChain chain;
+    for (const std::string_view text : scanned.certificates)
+        addCertificate(widen(text), data, chain);
+    data.m_certificateChain = std::move(chain);
+}
+
+} // namespace opc::model

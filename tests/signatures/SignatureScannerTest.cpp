@@ -1,0 +1,151 @@
+#include "signatures/SignatureDocuments.hpp"
+#include "support/SignatureComparison.hpp"
+
+namespace {
+
+using opc::test::certificate;
+using opc::test::replaced;
+using opc::test::SignatureComparison;
+using opc::test::toBytes;
+
+/// A document with every element of the form, with a key value.
+std::string plainSignature() {
+    const std::string digest =
+        R"(<DigestMethod Algorithm="http://www.w3.org/2001/04/xmlenc#sha256"/><DigestValue>AbC+/w==</DigestValue>)";
+    const std::string transform =
+        R"(<Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform">)";
+    return R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)"
+           R"(<Signature Id="Signature1" xmlns="http://www.w3.org/2000/09/xmldsig#">)"
+           R"(<SignedInfo xmlns="http://www.w3.org/2000/09/xmldsig#">)"
+           R"(<CanonicalizationMethod Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315"/>)"
+           R"(<SignatureMethod Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"/>)"
+           R"(<Reference Type="http://www.w3.org/2000/09/xmldsig#Object" URI="#idPackageObject">)" +
+           digest +
+           "</Reference></SignedInfo><SignatureValue>BAUG</SignatureValue><KeyInfo><KeyValue><RSAKeyValue>"
+           "<Modulus>AQIDBA==</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue></KeyInfo>"
+           R"(<Object Id="idPackageObject" )"
+           R"(xmlns:pds="http://schemas.openxmlformats.org/package/2006/digital-signature"><Manifest>)"
+           R"(<Reference URI="/a_b/c~1.xml?ContentType=application/vnd.a-b+xml">)" +
+           digest + R"(</Reference><Reference URI="/_rels/.rels?ContentType=a/b"><Transforms>)" + transform +
+           R"(<pds:RelationshipReference SourceId="rId 1"/><pds:RelationshipGroupReference SourceType="urn:'a"/>)"
+           R"(<pds:RelationshipReference SourceId="2"/></Transform><Transform Algorithm="a/b"/></Transforms>)" +
+           digest +
+           R"(</Reference></Manifest><SignatureProperties>)"
+           R"(<SignatureProperty Id="idSignatureTime" Target="#Signature1"><pds:SignatureTime>)"
+           "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format><pds:Value>2026-11-25T23:59:08Z</pds:Value>"
+           "</pds:SignatureTime></SignatureProperty></SignatureProperties></Object></Signature>";
+}
+
+struct Change {
+    const char* from;
+    std::string to;
+};
+
+TEST(SignatureScanner, whatThisLibraryWritesIsRecognised) {
+    const std::string key = "<KeyInfo><KeyValue><RSAKeyValue><Modulus>AQIDBA==</Modulus><Exponent>AQAB"
+                            "</Exponent></RSAKeyValue></KeyValue></KeyInfo>";
+    const auto x509 = [](const std::string& content) {
+        return "<KeyInfo><X509Data><X509Certificate>" + content + "</X509Certificate></X509Data></KeyInfo>";
+    };
+    const std::string another = "</X509Certificate><X509Certificate>";
+    const std::string signer = certificate("rsa:2048");
+    const Change changes[] = {
+        {"", ""},
+        {key.c_str(), ""},
+        {key.c_str(), x509(signer)},
+        {key.c_str(), x509(signer + another + certificate("rsa:1024") + another + signer)},
+        {R"( Id="Signature1")", ""},
+        {R"(Id="Signature1")", R"(Id="Other")"},
+        {R"(Id="Signature1")", R"(Id="SignatureHost")"},
+        {R"(<pds:RelationshipReference SourceId="rId 1"/>)", ""},
+        {"2005/06/RelationshipTransform", "2006/RelationshipTransform"},
+        // What is plain, but fails or is odd in what is made of it.
+        {key.c_str(), x509("AQID")},
+        {key.c_str(), x509(signer + another + "AQID")},
+        {key.c_str(), x509(certificate("rsa:3072"))},
+        {"rsa-sha256", "rsa-unknown"},
+        {"2026-11-25", "2026-02-30"},
+        {"2026-11-25", "0000-02-01"},
+        {"/a_b/c~1.xml", "/../a//b"},
+    };
+    SignatureComparison comparison;
+    for (const auto& [from, to] : changes) {
+        const auto document = toBytes(replaced(plainSignature(), from, to));
+        EXPECT_TRUE(SignatureComparison::isRecognised(document)) << from << " -> " << to;
+        EXPECT_EQ(comparison.findDifference(document), "");
+    }
+}
+
+TEST(SignatureScanner, everyDoubtIsLeftToTheParser) {
+    const Change changes[] = {
+        {R"(standalone="yes" )", ""},
+        {"<?xml", " <?xml"},
+        {"<Signature ", "<!-- --><Signature "},
+        {R"(Id="Signature1" xmlns)", R"(xmlns:a="b" xmlns)"},
+        {R"(Id="Signature1")", R"(Id="idPackageObject")"},
+        {R"(Id="Signature1")", R"(Id="idSignatureTime")"},
+        {R"(Id="Signature1")", R"(Id="1")"},
+        {R"(Id="Signature1")", R"(Id="")"},
+        {R"(09/xmldsig#"><SignedInfo)", R"(09/xmldsig"><SignedInfo)"},
+        {R"(<SignedInfo xmlns="http://www.w3.org/2000/09/xmldsig#">)", "<SignedInfo>"},
+        {"c14n-20010315", "c14n 20010315"},
+        {"c14n-20010315", "c14n#a#b"},
+        {R"(c14n-20010315"/>)", R"(c14n-20010315" />)"},
+        {R"(c14n-20010315"/>)", R"(c14n-20010315"></CanonicalizationMethod>)"},
+        {"http://www.w3.org/TR/2001/REC-xml-c14n-20010315", ""},
+        {"#idPackageObject", "#idOtherObject"},
+        {R"(#Object")", R"(#Manifest")"},
+        {"AbC+/w==", ""},
+        {"AbC+/w==", "AbC+/w"},
+        {"AbC+/w==", "AbC+/x=="},
+        {"AbC+/w==", "AbCD=w=="},
+        {"AbC+/w==", "Ab C+/w=="},
+        {"AbC+/w==", "===="},
+        {"AbC+/w==", "Ab=="},
+        {"AbC+/w==", "Abd="},
+        {"AbC+/w==", "AbC-/w=="},
+        {"BAUG", "BAUG\n"},
+        {"BAUG</SignatureValue>", "BAUG</SignatureValue><KeyInfo/>"},
+        {"AQAB</Exponent>", "AQAB</Exponent> "},
+        {"</KeyValue>", "</KeyValue><X509Data/>"},
+        {"<pds:RelationshipReference", "text<pds:RelationshipReference"},
+        {"/><pds:RelationshipGroup", "></pds:RelationshipReference><pds:RelationshipGroup"},
+        {"rId 1", ""},
+        {"rId 1", "r&amp;d"},
+        {"rId 1", "a>b"},
+        {"rId 1", "r\tb"},
+        {"rId 1", "\xC3\xA9"},
+        {R"(<Transform Algorithm="a/b"/>)",
+         R"(<Transform Algorithm="a/b"><pds:RelationshipReference SourceId="1"/></Transform>)"},
+        {R"(<Transform Algorithm="a/b"/>)", "<XPath/>"},
+        {"/a_b/c~1.xml", "a_b"},
+        {"/a_b/c~1.xml", "//a"},
+        {"/a_b/c~1.xml", "/a%zz"},
+        {"/a_b/c~1.xml", ""},
+        {"?ContentType=a", "?contentType=a"},
+        {"?ContentType=a/b", "?ContentType="},
+        {"?ContentType=a/b", "?ContentType=a/b#c"},
+        {"?ContentType=a/b", ""},
+        {"hh:mmTZD", "hh:mm:ssTZD"},
+        {"23:59:08Z", "23:59:08+00:00"},
+        {"23:59:08Z", "24:00:08Z"},
+        {"23:59:08Z", "23:60:08Z"},
+        {"23:59:08Z", "23:59:60Z"},
+        {"2026-11-25", "2026-13-25"},
+        {"2026-11-25", "2026-00-25"},
+        {"2026-11-25", "2026-11-32"},
+        {"2026-11-25", "2026-11-00"},
+        {R"(Target="#Signature1")", R"(Target="#")"},
+        {R"(Target="#Signature1")", R"(Target="Signature1")"},
+        {R"(<SignatureProperty Id="idSignatureTime" )", "<SignatureProperty "},
+        {"</Object>", R"(</Object><Object Id="other"/>)"},
+        {"</Signature>", "</Signature>\n"},
+        {"</Signature>", ""},
+    };
+    for (const auto& [from, to] : changes)
+        EXPECT_FALSE(SignatureComparison::isRecognised(toBytes(replaced(plainSignature(), from, to))))
+            << from << " -> " << to;
+    EXPECT_FALSE(SignatureComparison::isRecognised({}));
+}
+
+} // namespace
