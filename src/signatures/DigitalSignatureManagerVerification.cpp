@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 
 /// @file
 /// Verification: the signature value first, then every digest that the signature references.
@@ -31,15 +32,19 @@ DigitalSignatureVerificationStatus makeStatus(const ErrorCode& code) {
                   bedrock::certificates::CertificateChainStatus::Good, "")));
 }
 
-/// An object's text as it was digested: without the namespace declaration that it gains from its parent
-/// when it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
-std::u16string withoutNamespaceDeclaration(std::u16string text) {
+/// What was digested of an object's text: all but the namespace declaration that it gains from its parent when
+/// it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
+std::vector<unsigned char> toDigestedBytes(std::u16string_view text) {
     const std::u16string declaration =
         std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";
     const std::size_t found = text.find(declaration);
-    if (found != std::u16string::npos)
-        text.erase(found, declaration.size());
-    return text;
+    if (found == std::u16string_view::npos)
+        return toSignedBytes(text);
+    std::vector<unsigned char> bytes;
+    bytes.reserve(text.size() * 2);
+    appendSignedBytes(text.substr(0, found), bytes);
+    appendSignedBytes(text.substr(found + declaration.size()), bytes);
+    return bytes;
 }
 
 std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
@@ -48,8 +53,7 @@ std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
     if (object == data.m_objects.end())
         throw InvalidSignature("XML signature: Could not find referenced object " + toUDEString(id),
                                ErrorMap<104>());
-    return base64Encode(
-        data.computeDigest(toSignedBytes(withoutNamespaceDeclaration(object->second.XMLBytes))));
+    return base64Encode(data.computeDigest(toDigestedBytes(object->second.XMLBytes)));
 }
 
 } // namespace

@@ -16,6 +16,8 @@
 #include <opc/model/AlgorithmURIMap.hpp>
 #include <opc/model/XercesHelper.hpp>
 
+#include <algorithm>
+
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -49,9 +51,15 @@ std::u16string withoutPrefix(const std::u16string& id) {
 }
 
 /// The text of an object as the parser's document gives it: declaring the namespace that it has from its parent.
-std::u16string withNamespaceDeclaration(std::u16string object) {
-    return object.insert(object.find(u' '),
-                         std::u16string(u" xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u'"');
+std::u16string withNamespaceDeclaration(std::string_view object) {
+    const std::u16string declaration =
+        std::u16string(u" xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u'"';
+    const std::string_view tag = object.substr(0, object.find(' '));
+    std::u16string text(object.size() + declaration.size(), u'\0');
+    auto end = std::copy(tag.begin(), tag.end(), text.begin());
+    end = std::copy(declaration.begin(), declaration.end(), end);
+    std::copy(tag.end(), object.end(), end);
+    return text;
 }
 
 SignatureParams settleParameters(const DigitalSignatureData& data) {
@@ -89,7 +97,7 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
     takeScannedValueAndKey(scanned, data);
     data.m_objects.emplace(
         vocabulary::PACKAGE_OBJECT_ID,
-        SignatureObject{vocabulary::PACKAGE_OBJECT_ID, withNamespaceDeclaration(widen(scanned.object))});
+        SignatureObject{vocabulary::PACKAGE_OBJECT_ID, withNamespaceDeclaration(scanned.object)});
     data.m_content.manifestReferences = std::move(scanned.manifestReferences);
     data.m_content.digestedManifestReferences = data.m_content.manifestReferences.size();
     data.m_content.signatureProperties.push_back(

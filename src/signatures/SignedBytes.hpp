@@ -1,18 +1,24 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::model {
 
-/// The bytes that stand for a text where it is digested or signed: its code units, low byte first.
-inline std::vector<unsigned char> toSignedBytes(const std::u16string& text) {
-    std::vector<unsigned char> bytes(text.size() * 2);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        bytes[2 * i] = static_cast<unsigned char>(text[i] & 0xFF);
-        bytes[2 * i + 1] = static_cast<unsigned char>(text[i] >> 8);
+/// Appends the bytes that stand for a text where it is digested or signed: its code units, low byte first.
+inline void appendSignedBytes(std::u16string_view text, std::vector<unsigned char>& bytes) {
+    std::size_t place = bytes.size();
+    bytes.resize(place + text.size() * 2);
+    for (const char16_t unit : text) {
+        bytes[place++] = static_cast<unsigned char>(unit & 0xFF);
+        bytes[place++] = static_cast<unsigned char>(unit >> 8);
     }
+}
+
+inline std::vector<unsigned char> toSignedBytes(std::u16string_view text) {
+    std::vector<unsigned char> bytes;
+    appendSignedBytes(text, bytes);
     return bytes;
 }
 
