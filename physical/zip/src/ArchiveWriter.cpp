@@ -112,7 +112,10 @@ void ArchiveWriter::writeContent(const ZipContent& content, DirectoryEntry& entr
     const std::uint64_t start = out.tell();
     entry.method = entry.size > 0 ? content.method() : STORE;
     if (entry.method == DEFLATE) {
-        deflate(*content.written(), content.level(), entry);
+        if (entry.size <= BLOCK)
+            deflateWhole(*content.written(), content.level(), entry);
+        else
+            deflateStream(*content.written(), content.level(), entry);
         entry.compressedSize = out.tell() - start;
         if (!exceedsRatio(entry, options))
             return;
@@ -128,18 +131,34 @@ void ArchiveWriter::store(ByteSource& content, DirectoryEntry& entry) {
     for (std::uint64_t offset = 0; offset < entry.size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, entry.size - offset));
         const unsigned char* bytes = look(content, offset, count);
-        entry.crc = static_cast<std::uint32_t>(::crc32(entry.crc, bytes, static_cast<uInt>(count)));
+        entry.crc = ::libdeflate_crc32(entry.crc, bytes, count);
         emit(bytes, count);
         offset += count;
     }
 }
 
-void ArchiveWriter::deflate(ByteSource& content, int level, DirectoryEntry& entry) {
+/// What fits in a block, wherever it lies: so the bytes that are written don't depend on how much memory there is.
+void ArchiveWriter::deflateWhole(ByteSource& content, int level, DirectoryEntry& entry) {
+    const auto count = static_cast<std::size_t>(entry.size);
+    const unsigned char* bytes = look(content, 0, count);
+    entry.crc = ::libdeflate_crc32(0, bytes, count);
+    const std::size_t bound = WholeDeflater::bound(count);
+    if (bound <= BufferedTarget::CAPACITY) {
+        require(out.makeRoom(bound));
+        out.advance(wholeDeflater.compress(level, bytes, count, out.room()));
+    } else {
+        if (compressed.size() < bound)
+            compressed.resize(bound);
+        emit(compressed.data(), wholeDeflater.compress(level, bytes, count, compressed.data()));
+    }
+}
+
+void ArchiveWriter::deflateStream(ByteSource& content, int level, DirectoryEntry& entry) {
     deflater.start(level);
     for (std::uint64_t offset = 0; offset < entry.size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK, entry.size - offset));
         const unsigned char* bytes = look(content, offset, count);
-        entry.crc = static_cast<std::uint32_t>(::crc32(entry.crc, bytes, static_cast<uInt>(count)));
+        entry.crc = ::libdeflate_crc32(entry.crc, bytes, count);
         offset += count;
         deflater.setInput(bytes, count, offset == entry.size);
         std::size_t room = 0;

@@ -3,6 +3,7 @@
 #include "ArchiveReader.hpp"
 #include "BufferedTarget.hpp"
 #include "Deflater.hpp"
+#include "WholeDeflater.hpp"
 
 #include <string>
 #include <vector>
@@ -40,7 +41,8 @@ private:
     void write(const ZipContent& content, const DirectoryEntry* replaced);
     void writeContent(const ZipContent& content, DirectoryEntry& entry);
     void store(ByteSource& content, DirectoryEntry& entry);
-    void deflate(ByteSource& content, int level, DirectoryEntry& entry);
+    void deflateWhole(ByteSource& content, int level, DirectoryEntry& entry);
+    void deflateStream(ByteSource& content, int level, DirectoryEntry& entry);
     const unsigned char* look(ByteSource& source, std::uint64_t offset, std::size_t count);
     void finishDirectory();
     void emit(const std::string& bytes);
@@ -58,8 +60,10 @@ private:
     std::uint64_t itemCount = 0; ///< of the new archive, so far
     std::uint64_t runStart = 0;  ///< bytes of the old archive that are to be copied
     std::uint64_t runEnd = 0;
-    std::vector<unsigned char> block; ///< for what isn't in memory
+    std::vector<unsigned char> block;      ///< for what isn't in memory
+    std::vector<unsigned char> compressed; ///< for what has no room in `out`
     Deflater deflater;
+    WholeDeflater wholeDeflater;
 };
 
 } // namespace opc::physical::zip

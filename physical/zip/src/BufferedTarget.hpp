@@ -28,12 +28,14 @@ public:
 /// still in the buffer. Operations that may fail give an error number, 0 for success.
 class BufferedTarget {
 public:
-    explicit BufferedTarget(ByteTarget& target) : out(target), buffer(std::size_t{256} * 1024) {}
+    static constexpr std::size_t CAPACITY = std::size_t{256} * 1024;
+
+    explicit BufferedTarget(ByteTarget& target) : out(target), buffer(CAPACITY) {}
 
     int write(const unsigned char* bytes, std::size_t count) noexcept;
     int flush() noexcept;
 
-    /// Makes room for so many bytes in the buffer, which has 256 KiB.
+    /// Makes room for so many bytes in the buffer, `CAPACITY` at most.
     int makeRoom(std::size_t count) noexcept { return roomSize() < count ? flush() : 0; }
 
     /// The next bytes of the buffer: what is put there is written by `advance`.

@@ -7,11 +7,9 @@
 
 namespace opc::physical::zip {
 
-/// Compresses contents to Deflate data, one after another. It takes 256 KiB to make.
+/// Compresses contents of any size to Deflate data, piece by piece, one after another. It takes 256 KiB to make.
 class Deflater {
 public:
-    static constexpr int USUAL_LEVEL = Z_DEFAULT_COMPRESSION;
-
     Deflater() = default;
     Deflater(const Deflater&) = delete;
     Deflater& operator=(const Deflater&) = delete;

@@ -94,7 +94,7 @@ void ZipContent::setCompression(CompressionType type) {
         deflateLevel = 1;
         break;
     default:
-        deflateLevel = Deflater::USUAL_LEVEL;
+        deflateLevel = USUAL_LEVEL;
         break;
     }
 }

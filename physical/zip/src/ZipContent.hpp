@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ArchiveReader.hpp"
-#include "Deflater.hpp"
 #include "Spool.hpp"
 #include "ZipContentReader.hpp"
 
@@ -72,6 +71,8 @@ public:
     std::string itemPlace() const;
 
 private:
+    static constexpr std::int8_t USUAL_LEVEL = 6;
+
     struct Own {
         std::string name;
         std::vector<ItemIndex> items;
@@ -83,7 +84,7 @@ private:
     std::unique_ptr<const Own> own;
     ItemIndex item = 0;                        ///< without `own`
     std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
-    std::int8_t deflateLevel = Deflater::USUAL_LEVEL;
+    std::int8_t deflateLevel = USUAL_LEVEL;
     std::shared_ptr<Spool> spool;
     std::forward_list<Input> inputs;
     std::forward_list<Output> outputs;

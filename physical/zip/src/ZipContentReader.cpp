@@ -4,6 +4,8 @@
 #include "Records.hpp"
 #include "ZipContent.hpp"
 
+#include <libdeflate.h>
+
 #include <algorithm>
 #include <cerrno>
 
@@ -79,7 +81,7 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
         archive.failItem(item(), "shorter than the directory says");
     if (got > left)
         archive.failItem(item(), "longer than the directory says");
-    checksum = static_cast<std::uint32_t>(::crc32(checksum, buffer, static_cast<uInt>(got)));
+    checksum = ::libdeflate_crc32(checksum, buffer, got);
     left -= got;
     if (left == 0) {
         endItem();
