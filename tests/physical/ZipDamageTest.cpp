@@ -94,6 +94,18 @@ TEST(ZipDamage, isFoundByReadersOfSmallPieces) {
     EXPECT_EQ(stream->read(&byte, 1), 1U);
 }
 
+TEST(ZipDamage, ofAnEmptyPieceBehindAnotherStaysDamage) {
+    RawItem empty = stored("a/[1].last.piece", "");
+    ++empty.crc;
+    ZipPackage package(makeZip({stored("a/[0].piece", "x"), empty}));
+    package.open(OpenMode::ReadOnly);
+    auto* stream = package.getParts()[0]->getInputStream();
+    unsigned char byte = 0;
+    EXPECT_TRUE(
+        fails(EBADMSG, "[1].last.piece: can't read: its checksum is wrong", [&] { stream->read(&byte, 1); }));
+    EXPECT_TRUE(fails(EBADMSG, "behind a damaged place", [&] { stream->read(&byte, 1); }));
+}
+
 TEST(ZipDamage, isFoundWhereverAnArchiveIsCutOff) {
     const Bytes archive = makeZip(
         {stored("[Content_Types].xml", "types"), oddlyDeflated("b", "some text"), stored("c/d.xml", "more")});

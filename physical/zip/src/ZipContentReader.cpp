@@ -35,7 +35,6 @@ void ItemReader::enterItem() {
 /// Header and content of a small item come in one read.
 void ItemReader::startItem() {
     const DirectoryEntry& entry = archive.item(item());
-    damaged = true;
     checksum = 0;
     ended = false;
     // Some programs call an empty item deflated and write no compressed data at all.
@@ -52,7 +51,6 @@ void ItemReader::startItem() {
         inflater->setInput(headerSize, headerSize + read);
         compressedOffset += read;
     }
-    damaged = false;
     started = true;
 }
 
@@ -71,9 +69,9 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
         return 0;
     if (damaged)
         fail(archive.itemPlace(item()), "can't read behind a damaged place", EBADMSG);
+    damaged = true;
     if (!started)
         startItem();
-    damaged = true;
     constexpr std::uint64_t AT_MOST = 1U << 30;
     const auto room = static_cast<std::size_t>(std::min(count, AT_MOST));
     const std::size_t got = isDeflated ? expand(buffer, room) : copy(buffer, room);
