@@ -5,6 +5,8 @@
 // - OpenAndRead: the directory is read, and each relationships part once; beside directory, `pread` and zlib.
 //   The argument is the number of parts, each with a relationships part. `bytes_per_item` is what the open
 //   package keeps for an item.
+// - ReadParts: parts of the argument's size in bytes, 10 MB together, are read in pieces of 4 KiB; beside `pread`
+//   and zlib, each part with one call. Opening counts in both.
 // - CreateAndSave: so many parts of 1 KiB are written and saved; beside zlib over the same bytes.
 // - ChangeOneOf10000: one part of 10,000 changes and the archive is saved; beside a copy of the file (written,
 //   synced, renamed, its folder synced) and the reading of its directory. The argument is the size of a part
@@ -191,6 +193,53 @@ void OpenAndRead(benchmark::State& state) {
     state.counters["bytes_per_item"] = static_cast<double>(kept) / (2.0 * parts + 1);
 }
 
+void ReadParts(benchmark::State& state) {
+    const fs::path path = fs::temp_directory_path() / "opcmodel_zip_bench_parts.zip";
+    fs::remove(path);
+    const auto size = static_cast<std::size_t>(state.range(0));
+    {
+        ZipPackage package(path);
+        package.open(OpenMode::CreateOnly);
+        int number = 0;
+        for (std::size_t total = 0; total < 10'000'000; total += size) {
+            std::string text;
+            while (text.size() < size)
+                text += bench::partContent(number++);
+            package.createPart(partName(number), u"", DeflatedInfo())
+                ->getOutputStream()
+                ->write(reinterpret_cast<const unsigned char*>(text.data()), size);
+        }
+        package.close(false);
+    }
+    bench::BestTime reading;
+    bench::BestTime raw;
+    for (auto _ : state) {
+        const auto time = reading.take([&] {
+            ZipPackage package(path);
+            package.open(OpenMode::ReadOnly);
+            std::vector<unsigned char> buffer(4096);
+            std::uint64_t total = 0;
+            for (auto* part : package.getParts()) {
+                auto* input = part->getInputStream();
+                while (!input->isDone())
+                    total += input->read(buffer.data(), buffer.size());
+            }
+            benchmark::DoNotOptimize(total);
+        });
+        state.SetIterationTime(time.count());
+        raw.take([&] {
+            bench::RawArchive archive(path);
+            std::size_t total = 0;
+            for (const auto& item : archive.directory())
+                total += archive.content(item).size();
+            benchmark::DoNotOptimize(total);
+        });
+    }
+    fs::remove(path);
+    state.counters["raw_ms"] = raw.milliseconds();
+    state.counters["ratio"] = reading / raw;
+}
+
 void CreateAndSave(benchmark::State& state) {
     const fs::path path = fs::temp_directory_path() / "opcmodel_zip_bench_new.zip";
     std::vector<std::pair<std::u16string, std::string>> parts;
@@ -224,6 +273,8 @@ void CreateAndSave(benchmark::State& state) {
 }
 
 BENCHMARK(OpenAndRead)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadParts)->Arg(1000)->Arg(10000)->Arg(100000)->Arg(1000000)->UseManualTime()->Unit(
+    benchmark::kMillisecond);
 BENCHMARK(CreateAndSave)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ChangeOneOf10000)
     ->Arg(1000)

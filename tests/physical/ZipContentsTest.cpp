@@ -4,14 +4,19 @@
 
 #include <opc/physical/ZipPackage.hpp>
 
+#include <zlib.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <map>
 #include <random>
+#include <utility>
 
 namespace {
 
 using namespace opc::test;
 using opc::interfaces::CompressionType;
+using opc::interfaces::IPhysicalInputStream;
 using opc::physical::ZipOptions;
 using opc::physical::ZipPackage;
 
@@ -34,9 +39,8 @@ std::string noise(std::size_t size) {
     return text;
 }
 
-/// Around each size where a content begins to take another way.
-const std::size_t SIZES[] = {0,     1,     10,     700,    1536,   1537,    20000,   65535,
-                             65536, 65537, 262000, 262144, 300000, 1048575, 1048576, 1048577};
+/// Around the sizes where a content begins to be compressed in another way.
+const std::size_t WRITTEN_SIZES[] = {0, 1, 10, 1536, 1537, 20000, 250000, 262144, 1048576, 1048577};
 
 TEST(ZipContents, ofEverySizeAreReadAsTheyWereWritten) {
     const TemporaryFolder folder;
@@ -45,7 +49,7 @@ TEST(ZipContents, ofEverySizeAreReadAsTheyWereWritten) {
         package.open(OpenMode::CreateOnly);
         for (const auto type : {CompressionType::None, CompressionType::Normal, CompressionType::Maximum,
                                 CompressionType::Fast, CompressionType::SuperFast}) {
-            for (const std::size_t size : SIZES) {
+            for (const std::size_t size : WRITTEN_SIZES) {
                 for (const std::string& text : {prose(size), noise(size)}) {
                     const std::string name = "/" + std::to_string(contents.size());
                     create(package, {name.begin(), name.end()}, text, PartInfo(type));
@@ -74,6 +78,142 @@ TEST(ZipContents, ofEverySizeAreReadAsTheyWereWritten) {
             EXPECT_TRUE(content(*part) == expected.at(part->getName()))
                 << std::string(part->getName().begin(), part->getName().end());
         package->close(true);
+    }
+}
+
+/// A content deflated by zlib.
+RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
+                 int strategy = Z_DEFAULT_STRATEGY) {
+    RawItem item = stored("a", content);
+    item.method = 8;
+    z_stream stream{};
+    EXPECT_EQ(deflateInit2(&stream, level, Z_DEFLATED, -MAX_WBITS, 8, strategy), Z_OK);
+    std::vector<unsigned char> output(deflateBound(&stream, content.size()) + 64);
+    stream.next_in = reinterpret_cast<unsigned char*>(const_cast<char*>(content.data()));
+    stream.next_out = output.data();
+    stream.avail_out = static_cast<uInt>(output.size());
+    // With a seam in the middle, so that there are several blocks.
+    stream.avail_in = static_cast<uInt>(content.size() / 2);
+    EXPECT_EQ(::deflate(&stream, Z_FULL_FLUSH), Z_OK);
+    stream.avail_in = static_cast<uInt>(content.size() - content.size() / 2);
+    EXPECT_EQ(::deflate(&stream, Z_FINISH), Z_STREAM_END);
+    item.data.assign(output.begin(), output.begin() + static_cast<std::ptrdiff_t>(stream.total_out));
+    deflateEnd(&stream);
+    return item;
+}
+
+/// Reads what is left in pieces of one size; keeps what was read if that fails.
+void readInPieces(IPhysicalInputStream& stream, std::size_t pieceSize, std::string& text) {
+    std::vector<unsigned char> piece(pieceSize);
+    while (!stream.isDone()) {
+        const auto count = stream.read(piece.data(), pieceSize);
+        text.append(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+}
+
+/// Calls `action(package, pieceSize)` with packages in memory and in a file that hold the item alone, open to read,
+/// and with pieces that are smaller than a content of `size` bytes, just as large, and larger.
+template <typename Action>
+void inEveryWay(const RawItem& item, std::size_t size, Action&& action) {
+    const Bytes archive = makeZip({item});
+    const TemporaryFolder folder;
+    writeFile(folder / "a.zip", archive);
+    ZipPackage inMemory(archive);
+    ZipPackage inFile(folder / "a.zip");
+    for (ZipPackage* package : {&inMemory, &inFile}) {
+        for (const std::size_t pieceSize : {size / 300 + 1, std::size_t{4096}, size - 1, size, size + 1}) {
+            package->open(OpenMode::ReadOnly);
+            action(*package, pieceSize);
+            package->close(true);
+        }
+    }
+}
+
+/// Around the sizes where a content begins to be expanded as a whole, and where it ceases.
+const std::size_t READ_SIZES[] = {2, 699, 700, 3000, 262143, 262144, 262145, 600000};
+
+TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {
+    for (const std::size_t size : READ_SIZES) {
+        for (const std::string& text : {prose(size), noise(size)}) {
+            for (const auto& [level, strategy] :
+                 {std::pair{0, Z_DEFAULT_STRATEGY}, std::pair{1, Z_FIXED}, std::pair{6, Z_HUFFMAN_ONLY},
+                  std::pair{9, Z_DEFAULT_STRATEGY}}) {
+                inEveryWay(
+                    deflated(text, level, strategy), size, [&](ZipPackage& package, std::size_t piece) {
+                        IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
+                        unsigned char byte = 0;
+                        EXPECT_EQ(stream.read(&byte, 1), 1U);
+                        stream.close();
+                        stream.open(); // again from the start
+                        std::string got;
+                        readInPieces(stream, piece, got);
+                        EXPECT_TRUE(got == text) << size << " in pieces of " << piece << ", level " << level;
+                    });
+            }
+        }
+    }
+}
+
+TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
+    struct Case {
+        const char* defect;
+        void (*make)(RawItem&);
+        const char* message; ///< none: it is no defect
+    };
+    const char* const DAMAGED = "a: can't read: its compressed data is damaged";
+    const Case cases[] = {
+        {"nothing", [](RawItem&) {}, nullptr},
+        {"bytes behind the data", [](RawItem& i) { i.data += "behind"; }, nullptr},
+        {"wrong checksum", [](RawItem& i) { ++i.crc; }, "a: can't read: its checksum is wrong"},
+        {"longer than said", [](RawItem& i) { --i.size; }, "a: can't read: longer than the directory says"},
+        {"shorter than said", [](RawItem& i) { ++i.size; }, "a: can't read: shorter than the directory says"},
+        {"cut off in the last byte", [](RawItem& i) { i.data.pop_back(); }, DAMAGED},
+        {"cut off in the middle", [](RawItem& i) { i.data.resize(i.data.size() / 2); }, DAMAGED},
+        {"no data", [](RawItem& i) { i.data.clear(); }, DAMAGED},
+        {"no such kind of block", [](RawItem& i) { i.data[0] = '\7'; }, DAMAGED},
+        {"cut off where a block ends",
+         [](RawItem& i) {
+             i.data.resize(i.data.find(std::string("\0\0\xFF\xFF", 4)) + 4);
+             i.crc = stored("", prose(i.size).substr(0, i.size / 2)).crc;
+             i.size /= 2;
+         },
+         DAMAGED},
+    };
+    for (const std::size_t size : READ_SIZES) {
+        const std::string text = prose(size);
+        for (const Case& c : cases) {
+            RawItem item = deflated(text);
+            c.make(item);
+            inEveryWay(item, size, [&](ZipPackage& package, std::size_t piece) {
+                IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
+                std::string got;
+                const auto read = [&] { readInPieces(stream, piece, got); };
+                const std::string where =
+                    c.defect + (", " + std::to_string(size)) + " in pieces of " + std::to_string(piece);
+                if (!c.message) {
+                    read();
+                    EXPECT_TRUE(got == text) << where;
+                    return;
+                }
+                EXPECT_TRUE(fails(EBADMSG, c.message, read)) << where;
+                EXPECT_FALSE(stream.isDone()) << where;
+                EXPECT_TRUE(fails(EBADMSG, "behind a damaged place", read)) << where;
+                EXPECT_TRUE(got == text.substr(0, got.size())) << where << ": what comes first is right";
+                EXPECT_TRUE(got.empty() || got.size() < item.size || item.size > size) << where;
+            });
+        }
+    }
+}
+
+TEST(ZipContents, mayBeEmptyAndDeflated) {
+    for (const int level : {0, 6}) {
+        for (const char* behind : {"", "behind"}) {
+            RawItem item = deflated("", level);
+            item.data += behind;
+            inEveryWay(item, 1, [](ZipPackage& package, std::size_t) {
+                EXPECT_TRUE(package.getParts()[0]->getInputStream()->isDone());
+            });
+        }
     }
 }
 

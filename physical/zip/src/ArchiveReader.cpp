@@ -42,24 +42,23 @@ std::size_t ArchiveReader::recordSize(ItemIndex index) const {
     return static_cast<std::size_t>(end - item(index).record);
 }
 
-std::size_t ArchiveReader::readStart(ItemIndex index, unsigned char* buffer, std::size_t room,
-                                     std::size_t& got) const {
+ArchiveReader::ItemStart ArchiveReader::lookAtStart(ItemIndex index, unsigned char* buffer,
+                                                    std::size_t room) const {
     const DirectoryEntry& entry = item(index);
-    got = static_cast<std::size_t>(std::min<std::uint64_t>(room, entry.end - entry.offset));
-    read(index, entry.offset, buffer, got);
-    if (read32(buffer) != LOCAL_HEADER)
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(room, entry.end - entry.offset));
+    const unsigned char* bytes = look(index, entry.offset, buffer, size);
+    if (read32(bytes) != LOCAL_HEADER)
         failItem(index, "no local header where the directory says");
-    const std::size_t headerSize = LOCAL_HEADER_SIZE + read16(buffer + 26) + read16(buffer + 28);
+    const std::size_t headerSize = LOCAL_HEADER_SIZE + read16(bytes + 26) + read16(bytes + 28);
     if (entry.end - entry.offset - entry.compressedSize < headerSize)
         failItem(index, "it reaches into what lies behind it");
-    if (headerSize > got) {
+    if (headerSize > size) {
         std::vector<unsigned char> header(headerSize);
-        read(index, entry.offset, header.data(), headerSize);
-        checkHeader(index, header.data());
+        checkHeader(index, look(index, entry.offset, header.data(), headerSize));
     } else {
-        checkHeader(index, buffer);
+        checkHeader(index, bytes);
     }
-    return headerSize;
+    return {bytes, size, headerSize};
 }
 
 void ArchiveReader::checkHeader(ItemIndex index, const unsigned char* header) const {
@@ -83,11 +82,43 @@ void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* b
         failItem(index, "the archive has been cut off");
 }
 
+const unsigned char* ArchiveReader::look(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
+                                         std::size_t count) const {
+    if (const unsigned char* bytes = source->inMemory())
+        return bytes + offset;
+    read(index, offset, buffer, count);
+    return buffer;
+}
+
+bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
+    const DirectoryEntry& entry = item(index);
+    std::uint64_t room = entry.end - entry.offset;
+    if (!source->inMemory()) {
+        room = std::min<std::uint64_t>(room, LARGEST_WHOLE);
+        if (compressed.size() < room)
+            compressed.resize(static_cast<std::size_t>(room));
+    }
+    const ItemStart start = lookAtStart(index, compressed.data(), static_cast<std::size_t>(room));
+    if (start.size < start.headerSize || start.size - start.headerSize < entry.compressedSize)
+        return false;
+    const auto size = static_cast<std::size_t>(entry.size);
+    return wholeInflater.expand(start.bytes + start.headerSize,
+                                static_cast<std::size_t>(entry.compressedSize), content, size) &&
+           ::libdeflate_crc32(0, content, size) == entry.crc;
+}
+
 std::unique_ptr<Inflater> ArchiveReader::takeInflater() {
     if (!spare)
         return std::make_unique<Inflater>();
     spare->restart();
     return std::move(spare);
+}
+
+std::vector<unsigned char> ArchiveReader::takeMemory(std::size_t size) {
+    std::vector<unsigned char> memory = std::exchange(spareMemory, {});
+    if (memory.size() < size)
+        memory.resize(size);
+    return memory;
 }
 
 void ArchiveReader::failItem(ItemIndex index, const std::string& what) const {

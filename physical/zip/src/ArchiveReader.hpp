@@ -2,15 +2,21 @@
 
 #include "ArchiveDirectory.hpp"
 #include "Inflater.hpp"
+#include "WholeInflater.hpp"
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace opc::physical::zip {
 
 /// An archive open to read.
 class ArchiveReader {
 public:
+    /// The most that is taken into memory to expand an item as a whole: of the item, and of its content.
+    static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
+
     /// Reads the directory.
     ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& limits);
 
@@ -22,19 +28,39 @@ public:
     /// The size of an item's entry in the directory.
     std::size_t recordSize(ItemIndex index) const;
 
-    /// Reads an item from its start, as far as it reaches and there is room.
-    /// @param room  at least 30 bytes, the size of the shortest header
-    /// @param got   gets how many bytes were read
-    /// @return the size of the local header, in front of the content; it may be more than `room`. Raises if the
-    ///     header says anything else than the directory.
-    std::size_t readStart(ItemIndex index, unsigned char* buffer, std::size_t room, std::size_t& got) const;
+    /// An item from its start, as far as it was read.
+    struct ItemStart {
+        const unsigned char* bytes;
+        std::size_t size;
+        std::size_t headerSize; ///< of the local header, in front of the content; may be more than `size`
+    };
+
+    /// Reads an item from its start, as far as it reaches and there is room. Raises if its local header says
+    /// anything else than the directory.
+    /// @param buffer  for what doesn't lie in memory
+    /// @param room    at least 30 bytes, the size of the shortest header
+    ItemStart lookAtStart(ItemIndex index, unsigned char* buffer, std::size_t room) const;
+
+    /// @return `count` bytes that belong to an item: where they lie in memory, else in `buffer`
+    const unsigned char* look(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
+                              std::size_t count) const;
 
     /// Reads all of `count` bytes that belong to an item.
     void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
 
+    /// Expands a deflated item with one call, if it can be had in memory as a whole. Raises as `lookAtStart`
+    /// does, and for nothing else.
+    /// @param content  has room for all of it
+    /// @return whether the whole content is there, and is the right one
+    bool expandWhole(ItemIndex index, unsigned char* content);
+
     /// An inflater at its start: one given back, or a new one.
     std::unique_ptr<Inflater> takeInflater();
     void giveInflater(std::unique_ptr<Inflater> inflater) noexcept { spare = std::move(inflater); }
+
+    /// Memory for a content of that size at least: what was given back, or new one.
+    std::vector<unsigned char> takeMemory(std::size_t size);
+    void giveMemory(std::vector<unsigned char>& memory) noexcept { spareMemory = std::exchange(memory, {}); }
 
     /// Raises for an item whose content can't be read.
     [[noreturn]] void failItem(ItemIndex index, const std::string& what) const;
@@ -49,6 +75,9 @@ private:
     std::string where;
     ArchiveDirectory directory;
     std::unique_ptr<Inflater> spare;
+    std::vector<unsigned char> spareMemory;
+    WholeInflater wholeInflater;
+    std::vector<unsigned char> compressed; ///< of an item that is expanded as a whole
 };
 
 } // namespace opc::physical::zip

@@ -15,9 +15,9 @@ void Inflater::restart() noexcept {
     stream.avail_in = 0;
 }
 
-void Inflater::setInput(std::size_t start, std::size_t end) noexcept {
-    stream.next_in = buffer.data() + start;
-    stream.avail_in = static_cast<uInt>(end - start);
+void Inflater::setInput(const unsigned char* bytes, std::size_t count) noexcept {
+    stream.next_in = const_cast<unsigned char*>(bytes); // zlib doesn't write there
+    stream.avail_in = static_cast<uInt>(count);
 }
 
 Inflater::Result Inflater::expand(unsigned char* output, std::size_t count, std::size_t& got) noexcept {

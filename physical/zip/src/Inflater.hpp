@@ -23,11 +23,11 @@ public:
     /// Whether the input has been used up.
     bool needsInput() const noexcept { return stream.avail_in == 0; }
 
-    /// Where the next input goes.
+    /// Room for input that doesn't lie in memory otherwise.
     std::array<unsigned char, 16384>& input() noexcept { return buffer; }
 
-    /// The bytes of `input` from `start` to `end` are to be expanded.
-    void setInput(std::size_t start, std::size_t end) noexcept;
+    /// The next bytes to expand, which stay in place until they are used up.
+    void setInput(const unsigned char* bytes, std::size_t count) noexcept;
 
     /// Expands what it can.
     /// @param got  gets how many bytes there are now in `output`

@@ -21,8 +21,8 @@ public:
 
 private:
     struct Free {
-        void operator()(libdeflate_compressor* compressor) const noexcept {
-            ::libdeflate_free_compressor(compressor);
+        void operator()(libdeflate_compressor* owned) const noexcept {
+            ::libdeflate_free_compressor(owned);
         }
     };
 

@@ -11,6 +11,13 @@
 
 namespace opc::physical::zip {
 
+namespace {
+
+/// What is smaller takes zlib less time to inflate: its tables are smaller.
+constexpr std::uint64_t SMALLEST_WHOLE = 700;
+
+} // namespace
+
 ItemReader::ItemReader(ArchiveReader& reader, ItemRange pieces) : archive(reader), items(pieces) {
     enterItem();
 }
@@ -18,6 +25,8 @@ ItemReader::ItemReader(ArchiveReader& reader, ItemRange pieces) : archive(reader
 ItemReader::~ItemReader() {
     if (inflater)
         archive.giveInflater(std::move(inflater));
+    if (!kept.empty())
+        archive.giveMemory(kept);
 }
 
 /// Passes over items without content, but not without having tested that they have none.
@@ -40,16 +49,15 @@ void ItemReader::startItem() {
     // Some programs call an empty item deflated and write no compressed data at all.
     isDeflated = entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0);
     inflater = archive.takeInflater();
-    std::size_t got = 0;
-    const std::size_t headerSize =
-        archive.readStart(item(), inflater->input().data(), inflater->input().size(), got);
-    compressedOffset = entry.offset + headerSize;
+    const ArchiveReader::ItemStart start =
+        archive.lookAtStart(item(), inflater->input().data(), inflater->input().size());
+    compressedOffset = entry.offset + start.headerSize;
     compressedEnd = compressedOffset + entry.compressedSize;
-    if (headerSize < got) {
-        const auto read =
-            static_cast<std::size_t>(std::min<std::uint64_t>(got - headerSize, entry.compressedSize));
-        inflater->setInput(headerSize, headerSize + read);
-        compressedOffset += read;
+    if (start.headerSize < start.size) {
+        const auto count = static_cast<std::size_t>(
+            std::min<std::uint64_t>(start.size - start.headerSize, entry.compressedSize));
+        inflater->setInput(start.bytes + start.headerSize, count);
+        compressedOffset += count;
     }
     started = true;
 }
@@ -70,23 +78,58 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
     if (damaged)
         fail(archive.itemPlace(item()), "can't read behind a damaged place", EBADMSG);
     damaged = true;
-    if (!started)
-        startItem();
     constexpr std::uint64_t AT_MOST = 1U << 30;
     const auto room = static_cast<std::size_t>(std::min(count, AT_MOST));
+    const std::size_t got = started ? readOn(buffer, room) : readFirst(buffer, room);
+    left -= got;
+    if (left == 0) {
+        ++items.first;
+        enterItem();
+    }
+    damaged = false;
+    return got;
+}
+
+/// Expands a deflated item as a whole, into `buffer` if it has room for all of it. Where anything is wrong, the
+/// inflater starts anew, comes as far as it can and says what.
+std::size_t ItemReader::readFirst(unsigned char* buffer, std::size_t room) {
+    const DirectoryEntry& entry = archive.item(item());
+    if (entry.method == DEFLATE && entry.size >= SMALLEST_WHOLE) {
+        if (entry.size <= room) {
+            if (archive.expandWhole(item(), buffer))
+                return static_cast<std::size_t>(entry.size);
+        } else if (entry.size <= ArchiveReader::LARGEST_WHOLE) {
+            kept = archive.takeMemory(static_cast<std::size_t>(entry.size));
+            if (archive.expandWhole(item(), kept.data())) {
+                started = true;
+                return readKept(buffer, room);
+            }
+            archive.giveMemory(kept);
+        }
+    }
+    startItem();
+    return readOn(buffer, room);
+}
+
+std::size_t ItemReader::readOn(unsigned char* buffer, std::size_t room) {
+    if (!kept.empty())
+        return readKept(buffer, room);
     const std::size_t got = isDeflated ? expand(buffer, room) : copy(buffer, room);
     if (got == 0)
         archive.failItem(item(), "shorter than the directory says");
     if (got > left)
         archive.failItem(item(), "longer than the directory says");
     checksum = ::libdeflate_crc32(checksum, buffer, got);
-    left -= got;
-    if (left == 0) {
+    if (got == left)
         endItem();
-        ++items.first;
-        enterItem();
-    }
-    damaged = false;
+    return got;
+}
+
+std::size_t ItemReader::readKept(unsigned char* buffer, std::size_t room) {
+    const auto got = static_cast<std::size_t>(std::min<std::uint64_t>(room, left));
+    std::copy_n(kept.data() + (archive.item(item()).size - left), got, buffer);
+    if (got == left)
+        archive.giveMemory(kept);
     return got;
 }
 
@@ -120,8 +163,7 @@ std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
 void ItemReader::loadInput() {
     const auto size = static_cast<std::size_t>(
         std::min<std::uint64_t>(inflater->input().size(), compressedEnd - compressedOffset));
-    archive.read(item(), compressedOffset, inflater->input().data(), size);
-    inflater->setInput(0, size);
+    inflater->setInput(archive.look(item(), compressedOffset, inflater->input().data(), size), size);
     compressedOffset += size;
 }
 

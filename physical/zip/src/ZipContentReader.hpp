@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace opc::physical::zip {
 
@@ -28,8 +29,8 @@ public:
     virtual bool isDone() const = 0;
 };
 
-/// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater only while
-/// it stands within an item.
+/// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater, or a small
+/// content as a whole, only while it stands within an item.
 class ItemReader : public ZipContentReader {
 public:
     /// @param pieces  must outlive the reader
@@ -46,6 +47,9 @@ private:
     void enterItem();
     void startItem();
     void endItem();
+    std::size_t readFirst(unsigned char* buffer, std::size_t room);
+    std::size_t readOn(unsigned char* buffer, std::size_t room);
+    std::size_t readKept(unsigned char* buffer, std::size_t room);
     void loadInput();
     std::size_t copy(unsigned char* buffer, std::size_t count);
     std::size_t expand(unsigned char* buffer, std::size_t count);
@@ -56,6 +60,7 @@ private:
     std::uint64_t compressedOffset = 0; ///< of what hasn't been read or given to the inflater
     std::uint64_t compressedEnd = 0;
     std::unique_ptr<Inflater> inflater;
+    std::vector<unsigned char> kept; ///< the content as a whole; empty if it is inflated as it is read
     std::uint32_t checksum = 0;
     bool isDeflated = false;
     bool started = false;
