@@ -148,6 +148,9 @@ TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {
                         std::string got;
                         readInPieces(stream, piece, got);
                         EXPECT_TRUE(got == text) << size << " in pieces of " << piece << ", level " << level;
+                        EXPECT_EQ(stream.read(&byte, 1), 0U);
+                        stream.close();
+                        EXPECT_TRUE(fails(EBADF, "has been closed", [&] { stream.read(&byte, 1); }));
                     });
             }
         }

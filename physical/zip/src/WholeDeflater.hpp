@@ -21,9 +21,7 @@ public:
 
 private:
     struct Free {
-        void operator()(libdeflate_compressor* owned) const noexcept {
-            ::libdeflate_free_compressor(owned);
-        }
+        void operator()(libdeflate_compressor* owned) const noexcept { ::libdeflate_free_compressor(owned); }
     };
 
     std::array<std::unique_ptr<libdeflate_compressor, Free>, 10> compressors; ///< by level, made when needed

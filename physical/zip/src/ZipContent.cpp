@@ -13,20 +13,33 @@ class ZipContent::Input : public interfaces::IPhysicalInputStream {
 public:
     explicit Input(const ZipContent& source) : content(source), reader(source.makeReader()) {}
 
-    void open() override { reader = content.makeReader(); }
+    void open() override {
+        reader = content.makeReader();
+        isClosed = false;
+    }
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        if (!reader)
+        if (isClosed)
             fail(content.itemPlace(), "the input stream has been closed", EBADF);
-        return reader->read(buffer, count);
+        if (!reader)
+            return 0;
+        const std::uint64_t got = reader->read(buffer, count);
+        if (reader->isAtEnd())
+            reader.reset();
+        return got;
     }
 
     bool isDone() const override { return !reader || reader->isDone(); }
-    void close() override { reader.reset(); }
+
+    void close() override {
+        reader.reset();
+        isClosed = true;
+    }
 
 private:
     const ZipContent& content;
-    std::unique_ptr<ZipContentReader> reader;
+    std::unique_ptr<ZipContentReader> reader; ///< null if closed, and at the end of what can't grow
+    bool isClosed = false;
 };
 
 class ZipContent::Output : public interfaces::IPhysicalOutputStream {

@@ -27,6 +27,9 @@ public:
     virtual ~ZipContentReader() = default;
     virtual std::uint64_t read(unsigned char* buffer, std::uint64_t count) = 0;
     virtual bool isDone() const = 0;
+
+    /// Done, and nothing more can come: the reader is of no use any longer.
+    virtual bool isAtEnd() const = 0;
 };
 
 /// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater, or a small
@@ -41,6 +44,7 @@ public:
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override { return items.first == items.last; }
+    bool isAtEnd() const override { return isDone(); }
 
 private:
     ItemIndex item() const { return *items.first; }
@@ -77,6 +81,7 @@ public:
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override { return position >= spool->size(); }
+    bool isAtEnd() const override { return false; }
 
 private:
     std::shared_ptr<Spool> spool;
