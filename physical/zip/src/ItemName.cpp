@@ -128,12 +128,13 @@ std::optional<ItemName::Piece> removePiece(string_view& name) {
 
 std::string encode(string_view item) {
     static const char* const HEX = "0123456789ABCDEF";
-    std::string name;
-    name.reserve(item.size());
-    for (const char c : item) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '/' || c == '%' || isPlain(c))
-            name += c;
+    const auto stays = [](char c) { return c == '/' || c == '%' || isPlain(c); };
+    const auto* next = std::find_if_not(item.begin(), item.end(), stays); // nearly always the end
+    std::string name(item.begin(), next);
+    for (; next != item.end(); ++next) {
+        const auto byte = static_cast<unsigned char>(*next);
+        if (stays(*next))
+            name += *next;
         else
             name.append({'%', HEX[byte >> 4], HEX[byte & 15]});
     }
