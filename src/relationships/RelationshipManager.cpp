@@ -4,6 +4,7 @@
 
 #include <opc/model/Errors.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace opc::model {
@@ -17,52 +18,90 @@ namespace {
 } // namespace
 
 Relationship RelationshipManager::getRelationship(const std::u16string& id) const {
-    const auto entry = relationships.find(id);
-    if (entry == relationships.end())
+    SharedValues found = find(id);
+    if (!found)
         throwNotFound();
-    return *entry;
+    return Relationship(std::move(found));
+}
+
+RelationshipManager::SharedValues RelationshipManager::find(std::u16string_view id) const {
+    if (!block) {
+        const auto entry = relationships.find(id);
+        return entry == relationships.end() ? nullptr : *entry;
+    }
+    const auto& values = block->values();
+    const auto precedes = [](const Values& left, std::u16string_view sought) { return left.id < sought; };
+    const auto found = std::lower_bound(values.begin(), values.end(), id, precedes);
+    return found == values.end() || found->id != id ? nullptr : SharedValues(block, &*found);
+}
+
+template <typename Predicate>
+std::vector<Relationship> RelationshipManager::select(const Predicate& isWanted) const {
+    std::vector<Relationship> result;
+    result.reserve(std::min<std::size_t>(size(), 8)); // most sources have no more
+    if (block) {
+        for (const Values& values : block->values())
+            if (isWanted(values))
+                result.push_back(Relationship(SharedValues(block, &values)));
+    }
+    for (const SharedValues& values : relationships)
+        if (isWanted(*values))
+            result.push_back(Relationship(values));
+    return result;
 }
 
 std::vector<Relationship> RelationshipManager::getRelationshipsByType(const std::u16string& type) const {
-    std::vector<Relationship> result;
-    for (const Relationship& relationship : relationships)
-        if (*relationship.values->type == type)
-            result.push_back(relationship);
-    return result;
+    return select([&type](const Values& values) { return values.type == type; });
 }
 
 std::vector<Relationship>
 RelationshipManager::getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const {
-    if (excludedTypes.empty())
-        return {relationships.begin(), relationships.end()};
-    std::vector<Relationship> result;
-    for (const Relationship& relationship : relationships)
-        if (excludedTypes.count(*relationship.values->type) == 0)
-            result.push_back(relationship);
-    return result;
+    return select([&excludedTypes](const Values& values) {
+        return excludedTypes.empty() || excludedTypes.count(std::u16string(values.type)) == 0;
+    });
 }
 
 Relationship RelationshipManager::addExternalRelationship(const std::u16string& id,
                                                           const std::u16string& type,
                                                           const std::u16string& target) {
-    return add(id, std::make_shared<const std::u16string>(type), target, TargetMode::External);
+    return add(id, type, target, TargetMode::External);
 }
 
 Relationship RelationshipManager::addInternalRelationship(const std::u16string& id,
                                                           const std::u16string& type, const URI& target) {
-    return add(id, std::make_shared<const std::u16string>(type), target.toString(), TargetMode::Internal);
+    return add(id, type, target.toString(), TargetMode::Internal);
 }
 
-Relationship RelationshipManager::add(std::u16string id, std::shared_ptr<const std::u16string> type,
-                                      std::u16string target, TargetMode targetMode) {
-    Relationship relationship({std::move(id), std::move(type), sourceURI, std::move(target), targetMode});
-    relationships.insert(relationships.end(), relationship);
+Relationship RelationshipManager::add(std::u16string_view id, std::u16string_view type,
+                                      std::u16string_view target, TargetMode targetMode) {
+    unpack();
+    const auto made =
+        std::make_shared<RelationshipBlock>(sourceURI, 1, id.size() + type.size() + target.size(), nullptr);
+    made->add(made->addText(id), made->addText(type), made->addText(target), targetMode);
+    SharedValues values(made, made->values().data());
+    relationships.insert(relationships.end(), values);
     dirty = true;
-    return relationship;
+    return Relationship(std::move(values));
+}
+
+void RelationshipManager::take(std::shared_ptr<const RelationshipBlock> read) {
+    block = std::move(read);
+    dirty = true;
+}
+
+void RelationshipManager::unpack() {
+    if (!block)
+        return;
+    std::set<SharedValues, ByID> unpacked;
+    for (const Values& values : block->values())
+        unpacked.emplace_hint(unpacked.end(), block, &values);
+    relationships.swap(unpacked);
+    block.reset();
 }
 
 void RelationshipManager::deleteRelationship(const std::u16string& id) {
-    const auto entry = relationships.find(id);
+    unpack();
+    const auto entry = relationships.find(std::u16string_view(id));
     if (entry == relationships.end())
         throwNotFound();
     relationships.erase(entry);
@@ -70,7 +109,7 @@ void RelationshipManager::deleteRelationship(const std::u16string& id) {
 }
 
 void RelationshipManager::read(InputStream& stream, RelationshipSerializer& serializer) {
-    relationships.clear();
+    clear();
     dirty = true;
     serializer.read(stream, *this);
     dirty = false;

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "relationships/RelationshipBlock.hpp"
+
 #include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -19,19 +23,25 @@ namespace opc::model {
 class RelationshipSerializer;
 
 /// The relationships of one source, in the order of their IDs: code unit by code unit, letter case counting.
+///
+/// They stay together as they were read, which takes little room, until the first change.
 class RelationshipManager {
 public:
     explicit RelationshipManager(const URI& source) : sourceURI(source) {}
 
-    bool isEmpty() const noexcept { return relationships.empty(); }
-    bool hasOne() const noexcept { return relationships.size() == 1; }
-    void clear() noexcept { relationships.clear(); }
+    const URI& getSourceURI() const noexcept { return sourceURI; }
+    bool isEmpty() const noexcept { return size() == 0; }
+    bool hasOne() const noexcept { return size() == 1; }
+    void clear() noexcept {
+        block.reset();
+        relationships.clear();
+    }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }
     void markAsDirty() noexcept { dirty = true; }
 
-    bool hasRelationship(const std::u16string& id) const { return relationships.count(id) != 0; }
+    bool hasRelationship(const std::u16string& id) const { return find(id) != nullptr; }
 
     /// @throws RelationshipNotFound
     Relationship getRelationship(const std::u16string& id) const;
@@ -45,9 +55,9 @@ public:
     Relationship addInternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const URI& target);
 
-    /// The same for values that are known to be right.
-    Relationship add(std::u16string id, std::shared_ptr<const std::u16string> type, std::u16string target,
-                     TargetMode targetMode);
+    /// For a source that has no relationships yet: takes those of a block, which are known to be right, stand
+    /// in order and differ in their IDs.
+    void take(std::shared_ptr<const RelationshipBlock> read);
 
     /// @throws RelationshipNotFound
     void deleteRelationship(const std::u16string& id);
@@ -60,20 +70,36 @@ public:
     void flush(OutputStream& stream, RelationshipSerializer& serializer);
 
 private:
+    using Values = RelationshipBlock::Values;
+    using SharedValues = std::shared_ptr<const Values>;
+
     struct ByID {
         using is_transparent = void;
-        bool operator()(const Relationship& left, const Relationship& right) const { return left < right; }
-        bool operator()(const Relationship& left, const std::u16string& id) const {
-            return left.values->id < id;
+        bool operator()(const SharedValues& left, const SharedValues& right) const {
+            return left->id < right->id;
         }
-        bool operator()(const std::u16string& id, const Relationship& right) const {
-            return id < right.values->id;
-        }
+        bool operator()(const SharedValues& left, std::u16string_view id) const { return left->id < id; }
+        bool operator()(std::u16string_view id, const SharedValues& right) const { return id < right->id; }
     };
+
+    std::size_t size() const noexcept { return block ? block->values().size() : relationships.size(); }
+
+    /// Null if there is none.
+    SharedValues find(std::u16string_view id) const;
+
+    template <typename Predicate>
+    std::vector<Relationship> select(const Predicate& isWanted) const;
+
+    Relationship add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
+                     TargetMode targetMode);
+
+    /// Takes the relationships out of the block, so that they can be changed one by one.
+    void unpack();
 
     bool dirty = true;
     URI sourceURI;
-    std::set<Relationship, ByID> relationships;
+    std::shared_ptr<const RelationshipBlock> block; // if it isn't null, it has all relationships
+    std::set<SharedValues, ByID> relationships;
 };
 
 } // namespace opc::model

@@ -76,7 +76,8 @@ struct RelationshipSerializer::Xml {
     XercesString targetModeName{u"TargetMode"};
 };
 
-RelationshipSerializer::RelationshipSerializer() = default;
+RelationshipSerializer::RelationshipSerializer() : types(std::make_shared<RelationshipTypes>()) {
+}
 RelationshipSerializer::~RelationshipSerializer() = default;
 
 RelationshipSerializer::Xml& RelationshipSerializer::xml() {
@@ -92,15 +93,22 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
         return;
     }
     // Plain values need no further check: a plain type or target is a URI, and not opaque.
+    std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
-        manager.add(widen(relationship.id), shareType(relationship.type), widen(relationship.target),
-                    relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
+        length += relationship.id.size() + relationship.target.size();
+    auto block = std::make_shared<RelationshipBlock>(manager.getSourceURI(), scanned.size(), length, types);
+    for (const ScannedRelationship& relationship : scanned)
+        block->add(block->addText(relationship.id), shareType(relationship.type),
+                   block->addText(relationship.target),
+                   relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
+    block->sortByID();
+    manager.take(std::move(block));
 }
 
-std::shared_ptr<const std::u16string> RelationshipSerializer::shareType(std::string_view type) {
-    auto found = types.find(type);
-    if (found == types.end())
-        found = types.emplace(type, std::make_shared<const std::u16string>(widen(type))).first;
+std::u16string_view RelationshipSerializer::shareType(std::string_view type) {
+    auto found = types->find(type);
+    if (found == types->end())
+        found = types->emplace(type, widen(type)).first;
     return found->second;
 }
 

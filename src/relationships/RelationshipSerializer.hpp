@@ -1,14 +1,13 @@
 #pragma once
 
+#include "relationships/RelationshipBlock.hpp"
 #include "relationships/RelationshipsScanner.hpp"
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 
-#include <functional>
-#include <map>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::model {
@@ -26,7 +25,8 @@ public:
     RelationshipSerializer& operator=(const RelationshipSerializer&) = delete;
     ~RelationshipSerializer();
 
-    /// Adds the relationships of the document to `manager`; those in front of a bad one are added by then.
+    /// Fills `manager`, which is empty, with the relationships of the document; those in front of a bad one are
+    /// there by then.
     /// @throws InvalidPartContent
     void read(InputStream& stream, RelationshipManager& manager);
 
@@ -41,12 +41,12 @@ private:
     struct Xml;
 
     Xml& xml();
-    std::shared_ptr<const std::u16string> shareType(std::string_view type);
+    std::u16string_view shareType(std::string_view type);
 
     std::unique_ptr<Xml> made;
-    std::vector<unsigned char> bytes;                                                // of the part in hand
-    std::vector<ScannedRelationship> scanned;                                        // in `bytes`
-    std::map<std::string, std::shared_ptr<const std::u16string>, std::less<>> types; // that were scanned
+    std::vector<unsigned char> bytes;         // of the part in hand
+    std::vector<ScannedRelationship> scanned; // in `bytes`
+    std::shared_ptr<RelationshipTypes> types; // that were scanned
 };
 
 } // namespace opc::model

@@ -22,7 +22,7 @@ RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationsh
 
 /// All that an element says of a relationship, in the order that decides which stands first.
 auto RelationshipsText::keys(const Relationship::Values& values) {
-    return std::tie(values.id, values.target, *values.type, values.targetMode);
+    return std::tie(values.id, values.target, values.type, values.targetMode);
 }
 
 /// Copies of one relationship share their values, so the address tells most of the repetitions; relationships
@@ -34,7 +34,7 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
         ++selected[relationship.values.get()];
 
     const auto hash = [](const Relationship::Values* values) {
-        const std::hash<std::u16string> hashText;
+        const std::hash<std::u16string_view> hashText;
         return hashText(values->id) ^ (hashText(values->target) << 1);
     };
     const auto areAlike = [](const Relationship::Values* left, const Relationship::Values* right) {
@@ -66,9 +66,9 @@ std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>
         XercesHelper::appendElement(document.get(), XercesString(u"Relationships"));
     for (const Entry& entry : entries) {
         xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
-        XercesHelper::setElementAttribute(element, idName, entry.values->id);
-        XercesHelper::setElementAttribute(element, typeName, *entry.values->type);
-        XercesHelper::setElementAttribute(element, targetName, entry.values->target);
+        XercesHelper::setElementAttribute(element, idName, std::u16string(entry.values->id));
+        XercesHelper::setElementAttribute(element, typeName, std::u16string(entry.values->type));
+        XercesHelper::setElementAttribute(element, targetName, std::u16string(entry.values->target));
         if (entry.values->targetMode == TargetMode::External)
             XercesHelper::setElementAttribute(element, targetModeName, u"External");
     }

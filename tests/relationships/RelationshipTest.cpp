@@ -1,8 +1,13 @@
 #include "relationships/RelationshipManager.hpp"
+#include "relationships/RelationshipSerializer.hpp"
+#include "support/PackageContent.hpp"
 #include "support/Throws.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/RelationshipSelector.hpp>
+
+#include <optional>
 
 namespace {
 
@@ -72,6 +77,53 @@ TEST(RelationshipManager, keepsTheFirstRelationshipOfAnID) {
                                              [&] { manager.deleteRelationship(u"a"); }));
     EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
                                              [&] { manager.getRelationship(u"a"); }));
+}
+
+TEST(RelationshipManager, changesWhatWasRead) {
+    std::optional<RelationshipSerializer> serializer(std::in_place);
+    std::optional<RelationshipManager> manager(std::in_place, URI(u"/a/b.xml"));
+    const auto ids = [&manager] {
+        std::u16string text;
+        for (const Relationship& relationship : manager->getRelationships({}))
+            text += relationship.getID() + u' ';
+        return text;
+    };
+    const auto document = opc::test::relationships(
+        R"(<Relationship Id="rId2" Type="t/b" Target="2.xml"/>)"
+        R"(<Relationship Id="rId10" Type="t/a" Target="10.xml" TargetMode="External"/>)"
+        R"(<Relationship Id="rId1" Type="t/b" Target="1.xml"/>)");
+    for (int i = 0; i < 2; ++i) {
+        opc::ByteArrayInAdaptor stream(document);
+        manager->read(stream, *serializer);
+        EXPECT_EQ(ids(), u"rId1 rId10 rId2 ") << "reading replaces";
+        EXPECT_FALSE(manager->isDirty());
+        EXPECT_FALSE(manager->hasRelationship(u"rId"));
+        EXPECT_FALSE(manager->hasRelationship(u"rId3"));
+        EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
+                                                 [&manager] { manager->deleteRelationship(u"rId3"); }));
+        EXPECT_EQ(ids(), u"rId1 rId10 rId2 ");
+        EXPECT_FALSE(manager->isDirty());
+        const Relationship first = manager->getRelationship(u"rId1");
+        const Relationship second = manager->getRelationshipsByType(u"t/b").back();
+        EXPECT_EQ(second.getID(), u"rId2");
+
+        manager->addInternalRelationship(u"rId2", u"t/new", URI(u"new.xml"));
+        EXPECT_TRUE(manager->isDirty());
+        EXPECT_EQ(manager->getRelationship(u"rId2").getTarget(), u"2.xml") << "the first of an ID stays";
+        manager->deleteRelationship(u"rId1");
+        manager->addInternalRelationship(u"rId0", u"t/new", URI(u"0.xml"));
+        EXPECT_EQ(ids(), u"rId0 rId10 rId2 ");
+        EXPECT_EQ(manager->getRelationshipsByType(u"t/b"), std::vector<Relationship>{second});
+        EXPECT_EQ(first.getTarget(), u"1.xml");
+    }
+
+    // What has been handed out doesn't rest on anything but itself.
+    const Relationship kept = manager->getRelationship(u"rId10");
+    manager.reset();
+    serializer.reset();
+    EXPECT_EQ(kept.getID() + u' ' + kept.getType() + u' ' + kept.getTarget(), u"rId10 t/a 10.xml");
+    EXPECT_EQ(kept.getTargetMode(), TargetMode::External);
+    EXPECT_EQ(kept.getSourceURI(), std::u16string(u"/a/b.xml"));
 }
 
 TEST(RelationshipSelector, refusesBadSourcesAndThenEmptyCriteria) {

@@ -6,9 +6,12 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace opc::model {
 
+class RelationshipBlock;
 class RelationshipManager;
 class RelationshipsText;
 
@@ -20,16 +23,16 @@ class RelationshipsText;
 class OPC_MODEL_EXPORT Relationship {
 public:
     /// Unique among the relationships of one source, letter case counting.
-    std::u16string getID() const { return values->id; }
+    std::u16string getID() const { return std::u16string(values->id); }
 
     /// A URI in text form that says what the relationship means.
-    std::u16string getType() const { return *values->type; }
+    std::u16string getType() const { return std::u16string(values->type); }
 
     /// The URI of the source: a part name, or "/" for the package.
-    URI getSourceURI() const { return values->sourceURI; }
+    URI getSourceURI() const { return *values->sourceURI; }
 
     /// The target exactly as the relationships part holds it, in most cases relative to the source.
-    std::u16string getTarget() const { return values->target; }
+    std::u16string getTarget() const { return std::u16string(values->target); }
 
     TargetMode getTargetMode() const { return values->targetMode; }
 
@@ -49,25 +52,28 @@ public:
     bool operator<(const Relationship& other) const { return values->id < other.values->id; }
 
 private:
+    friend class RelationshipBlock;
     friend class RelationshipManager;
     friend class RelationshipsText;
 
-    /// What never changes, shared by all copies.
+    /// What never changes, shared by all copies. Texts and source lie in a block that the values keep.
     struct Values {
-        std::u16string id;
-        std::shared_ptr<const std::u16string> type; // a package has few: its relationships share them
-        URI sourceURI;
-        std::u16string target;
+        std::u16string_view id;
+        std::u16string_view type;
+        std::u16string_view target;
+        const URI* sourceURI;
         TargetMode targetMode;
     };
 
-    explicit Relationship(Values made);
+    explicit Relationship(std::shared_ptr<const Values> shared) : values(std::move(shared)) {}
+
+    URI resolveTarget() const;
 
     /// What the target URI is before it has been worked out: an internal target as it stands.
     URI unresolvedTargetURI() const;
 
     std::shared_ptr<const Values> values;
-    mutable URI targetURI; // empty until it is worked out
+    mutable std::shared_ptr<const URI> targetURI; // null until it is worked out
 };
 
 } // namespace opc::model
