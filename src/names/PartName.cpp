@@ -117,7 +117,8 @@ bool PartName::isRelationshipUri(const URI& uri) {
     if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
         return false;
     static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
-    return boost::regex_match(toWideString(std::u16string(path)), expression);
+    return boost::regex_match(std::wstring(path.begin(), path.end()),
+                              expression); // in US-ASCII, as all URIs are
 }
 
 void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
@@ -149,8 +150,13 @@ void PartName::throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri) {
 }
 
 void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
-    // The whole text counts, with a query and a fragment.
-    for (const u16string_view segment : splitWithEmptySegments(uri.text())) {
+    // The whole text counts, with a query and a fragment. Without a slash, it is one segment.
+    u16string_view rest = uri.text();
+    rest.remove_prefix(rest.find(URI::getSlash()) + 1);
+    for (bool last = false; !last;) {
+        const std::size_t end = rest.find(URI::getSlash());
+        last = end == u16string_view::npos;
+        const u16string_view segment = rest.substr(0, end);
         if (segment.empty())
             throw InvalidPartName("A part name shall not have empty segments [M1.3]");
         if (segment.back() == URI::getDot()) {
@@ -159,6 +165,7 @@ void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
             throw InvalidPartName("A segment shall not end with a dot ('.') character [M1.9]");
         }
         checkPCharCompliance(segment);
+        rest.remove_prefix(last ? rest.size() : end + 1);
     }
 }
 
@@ -176,20 +183,6 @@ void PartName::checkPCharCompliance(u16string_view segment) {
             throw InvalidPartName(
                 "A segment shall not contain percent-encoded unreserved characters. [M1.8]");
     }
-}
-
-std::vector<u16string_view> PartName::splitWithEmptySegments(u16string_view text) {
-    std::vector<u16string_view> segments;
-    segments.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), URI::getSlash())) + 1);
-    // Without a slash, the search's result wraps round to the beginning.
-    std::size_t begin = text.find(URI::getSlash()) + 1;
-    for (std::size_t end = text.find(URI::getSlash(), begin); end != u16string_view::npos;
-         end = text.find(URI::getSlash(), begin)) {
-        segments.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    segments.push_back(text.substr(begin));
-    return segments;
 }
 
 bool operator==(const PartName& left, const std::u16string& right) {

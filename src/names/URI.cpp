@@ -51,7 +51,8 @@ std::u16string_view URI::path() const noexcept {
     std::size_t begin = hasScheme() ? reference.find(getColon()) + 1 : 0;
     if (hasAuthority())
         begin = std::min(reference.find_first_of(u"/?#", begin + 2), reference.size());
-    return reference.substr(begin, reference.find_first_of(u"?#", begin) - begin);
+    const bool atEnd = !hasQuery() && !hasFragment(); // as nearly always, and it needs no search
+    return reference.substr(begin, atEnd ? reference.npos : reference.find_first_of(u"?#", begin) - begin);
 }
 
 std::u16string URI::toString() const {

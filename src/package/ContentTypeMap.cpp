@@ -26,6 +26,19 @@ void ContentTypeMap::addReference(const std::u16string& extension) {
     ++defaults.at(extension).references;
 }
 
+const ContentType* ContentTypeMap::useDefault(const std::u16string& extension) {
+    const auto entry = defaults.find(extension);
+    if (entry == defaults.end())
+        return nullptr;
+    ++entry->second.references;
+    return &entry->second.contentType;
+}
+
+const ContentType* ContentTypeMap::findOverride(const PartName& name) const {
+    const auto entry = overrides.find(name);
+    return entry == overrides.end() ? nullptr : &entry->second;
+}
+
 void ContentTypeMap::releaseDefault(const std::u16string& extension) {
     const auto entry = defaults.find(extension);
     if (entry->second.references > 1) {

@@ -36,10 +36,13 @@ public:
 
     /// The entry must be there.
     const ContentType& getDefault(const std::u16string& extension) const;
-    const ContentType& getOverride(const PartName& name) const { return overrides.at(name); }
 
     /// Counts one more part that rests on the entry, which must be there.
     void addReference(const std::u16string& extension);
+
+    /// Both give null if there is no entry. The first one counts one more part that rests on it.
+    const ContentType* useDefault(const std::u16string& extension);
+    const ContentType* findOverride(const PartName& name) const;
 
     /// Counts one part less; the entry, which must be there, goes with its last part.
     void releaseDefault(const std::u16string& extension);

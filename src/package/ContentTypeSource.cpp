@@ -75,13 +75,12 @@ void ContentTypeSource::removeContentType(const PartName& name, const std::u16st
 ContentType ContentTypeSource::getContentType(const PartName& name) {
     if (!hasStream)
         throw ContentTypeNotFound("No content type stream.");
-    if (contentTypes->hasOverride(name))
-        return contentTypes->getOverride(name);
-    const std::u16string extension = extensionKey(name);
-    if (!contentTypes->hasDefault(extension))
+    if (const ContentType* own = contentTypes->findOverride(name))
+        return *own;
+    const ContentType* common = contentTypes->useDefault(extensionKey(name));
+    if (common == nullptr)
         throwNotFound(name);
-    contentTypes->addReference(extension);
-    return contentTypes->getDefault(extension);
+    return *common;
 }
 
 void ContentTypeSource::flush() {

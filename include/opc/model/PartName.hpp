@@ -5,7 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace opc::model {
 
@@ -70,7 +69,6 @@ private:
     static void throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri);
     static void throwExceptionIfPartNameHasInvalidSegments(const URI& uri);
     static void checkPCharCompliance(std::u16string_view segment);
-    static std::vector<std::u16string_view> splitWithEmptySegments(std::u16string_view text);
 
     URI uri;
     bool isPackageRoot = false;
