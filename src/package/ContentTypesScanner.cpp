@@ -34,8 +34,7 @@ bool isPlainContentType(std::string_view text) {
 }
 
 /// Fills an entry from an element with these two attributes and no other.
-bool takeEntry(const std::vector<PlainAttribute>& attributes, std::string_view keyName,
-               ScannedContentType& entry) {
+bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, ScannedContentType& entry) {
     for (const auto& [name, value] : attributes) {
         if (name == keyName)
             entry.key = value;
@@ -51,18 +50,17 @@ bool takeEntry(const std::vector<PlainAttribute>& attributes, std::string_view k
 
 bool scanContentTypes(const std::vector<unsigned char>& document, ScannedContentTypes& found) {
     found = {};
-    return visitPlainDocument(document, "Types", NAMESPACE,
-                              [&found](std::string_view name, const std::vector<PlainAttribute>& attributes) {
-                                  if (name == "Default") {
-                                      ScannedContentType& entry = found.defaults.emplace_back();
-                                      return takeEntry(attributes, "Extension", entry) &&
-                                             isPlainExtension(entry.key);
-                                  }
-                                  if (name != "Override")
-                                      return false;
-                                  ScannedContentType& entry = found.overrides.emplace_back();
-                                  return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
-                              });
+    return visitPlainDocument(
+        document, "Types", NAMESPACE, [&found](std::string_view name, const PlainAttributes& attributes) {
+            if (name == "Default") {
+                ScannedContentType& entry = found.defaults.emplace_back();
+                return takeEntry(attributes, "Extension", entry) && isPlainExtension(entry.key);
+            }
+            if (name != "Override")
+                return false;
+            ScannedContentType& entry = found.overrides.emplace_back();
+            return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
+        });
 }
 
 } // namespace opc::model

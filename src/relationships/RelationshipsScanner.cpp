@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/relationships";
 
 /// Fills a relationship from its element, if that is as the schema asks and its values are plain.
-bool takeRelationship(const std::vector<PlainAttribute>& attributes, ScannedRelationship& relationship) {
+bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& relationship) {
     for (const auto& [name, value] : attributes) {
         if (name == "Id")
             relationship.id = value;
@@ -28,6 +28,11 @@ bool takeRelationship(const std::vector<PlainAttribute>& attributes, ScannedRela
 }
 
 bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
+    const auto doesNotPrecede = [](const ScannedRelationship& left, const ScannedRelationship& right) {
+        return left.id >= right.id;
+    };
+    if (std::adjacent_find(relationships.begin(), relationships.end(), doesNotPrecede) == relationships.end())
+        return true; // in order, as most documents have them
     std::vector<std::string_view> ids;
     ids.reserve(relationships.size());
     for (const ScannedRelationship& relationship : relationships)
@@ -41,7 +46,7 @@ bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
 bool scanRelationships(const std::vector<unsigned char>& document, std::vector<ScannedRelationship>& found) {
     found.clear();
     return visitPlainDocument(document, "Relationships", NAMESPACE,
-                              [&found](std::string_view name, const std::vector<PlainAttribute>& attributes) {
+                              [&found](std::string_view name, const PlainAttributes& attributes) {
                                   return name == "Relationship" &&
                                          takeRelationship(attributes, found.emplace_back());
                               }) &&

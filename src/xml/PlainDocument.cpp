@@ -1,62 +1,72 @@
 #include "xml/PlainDocument.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace opc::model {
 
 namespace {
 
-constexpr bool isSpace(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-constexpr bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
+/// What a character may be part of: bits, so that a set of them is a mask.
+enum Kind : std::uint8_t {
+    Space = 1,
+    Letter = 2,
+    Digit = 4,
+    Path = 8,          // of a URI, without escapes
+    DoubleQuoted = 16, // an attribute value as it is: printable ASCII without `<`, `&` and the quote
+    SingleQuoted = 32,
+};
+
+constexpr std::array<std::uint8_t, 256> classify() {
+    std::array<std::uint8_t, 256> kinds{};
+    for (const char c : std::string_view(" \t\r\n"))
+        kinds[static_cast<unsigned char>(c)] = Space;
+    for (unsigned char c = ' '; c <= '~'; ++c)
+        if (c != '<' && c != '&')
+            kinds[c] |= (c != '"' ? DoubleQuoted : 0) | (c != '\'' ? SingleQuoted : 0);
+    for (unsigned char c = 'a'; c <= 'z'; ++c) {
+        kinds[c] |= Letter | Path;
+        kinds[c - 'a' + 'A'] |= Letter | Path;
+    }
+    for (unsigned char c = '0'; c <= '9'; ++c)
+        kinds[c] |= Digit | Path;
+    for (const char c : std::string_view("-._~/"))
+        kinds[static_cast<unsigned char>(c)] |= Path;
+    return kinds;
 }
 
-/// What may stand in an attribute value as it is: printable ASCII without `<` and `&`.
-constexpr bool isPlainValueChar(char c) {
-    return c >= ' ' && c <= '~' && c != '<' && c != '&';
+constexpr std::array<std::uint8_t, 256> KINDS = classify();
+
+constexpr bool is(char c, unsigned kinds) {
+    return (KINDS[static_cast<unsigned char>(c)] & kinds) != 0;
 }
 
-constexpr bool isPathChar(char c) {
-    return isLetter(c) || isDigit(c) || c == '-' || c == '.' || c == '_' || c == '~' || c == '/';
+/// Whether all characters are of these kinds.
+bool areAll(std::string_view text, unsigned kinds) {
+    return std::all_of(text.begin(), text.end(), [kinds](char c) { return is(c, kinds); });
 }
 
 class Reader {
 public:
-    explicit Reader(std::string_view document) : text(document) {}
+    explicit Reader(std::string_view document) : rest(document) {}
 
-    bool atEnd() const { return position == text.size(); }
+    bool atEnd() const { return rest.empty(); }
 
-    bool isAt(std::string_view expected) const {
-        return text.compare(position, expected.size(), expected) == 0;
-    }
+    bool isAt(std::string_view expected) const { return rest.substr(0, expected.size()) == expected; }
 
     bool take(std::string_view expected) {
         if (!isAt(expected))
             return false;
-        position += expected.size();
+        rest.remove_prefix(expected.size());
         return true;
     }
 
     /// @return whether there was any
-    bool skipSpace() {
-        const std::size_t begin = position;
-        while (!atEnd() && isSpace(text[position]))
-            ++position;
-        return position != begin;
-    }
+    bool skipSpace() { return !takeAll(Space).empty(); }
 
     /// A name of ASCII letters; empty if there is none.
-    std::string_view takeName() {
-        const std::size_t begin = position;
-        while (!atEnd() && isLetter(text[position]))
-            ++position;
-        return text.substr(begin, position - begin);
-    }
+    std::string_view takeName() { return takeAll(Letter); }
 
     /// An equals sign and a value between quotes.
     bool takeValue(std::string_view& value) {
@@ -64,19 +74,28 @@ public:
         if (!take("="))
             return false;
         skipSpace();
-        if (atEnd() || (text[position] != '"' && text[position] != '\''))
+        if (take("\"")) {
+            value = takeAll(DoubleQuoted);
+            return take("\"");
+        }
+        if (!take("'"))
             return false;
-        const char quote = text[position++];
-        const std::size_t begin = position;
-        while (!atEnd() && text[position] != quote && isPlainValueChar(text[position]))
-            ++position;
-        value = text.substr(begin, position - begin);
-        return !atEnd() && text[position++] == quote;
+        value = takeAll(SingleQuoted);
+        return take("'");
     }
 
 private:
-    std::string_view text;
-    std::size_t position = 0;
+    /// The longest run of characters of these kinds.
+    std::string_view takeAll(unsigned kinds) {
+        std::size_t end = 0;
+        while (end < rest.size() && is(rest[end], kinds))
+            ++end;
+        const std::string_view taken = rest.substr(0, end);
+        rest.remove_prefix(end);
+        return taken;
+    }
+
+    std::string_view rest;
 };
 
 bool skipDeclaration(Reader& reader) {
@@ -106,7 +125,7 @@ bool skipDeclaration(Reader& reader) {
 
 /// Reads up to the end of a start tag.
 /// @param isEmpty  set to whether the tag ends the element too
-bool takeAttributes(Reader& reader, std::vector<PlainAttribute>& attributes, bool& isEmpty) {
+bool takeAttributes(Reader& reader, PlainAttributes& attributes, bool& isEmpty) {
     attributes.clear();
     for (;;) {
         const bool spaced = reader.skipSpace();
@@ -117,10 +136,8 @@ bool takeAttributes(Reader& reader, std::vector<PlainAttribute>& attributes, boo
         attribute.name = reader.takeName();
         if (!spaced || attribute.name.empty() || !reader.takeValue(attribute.value))
             return false;
-        const auto isSame = [&](const PlainAttribute& other) { return other.name == attribute.name; };
-        if (std::any_of(attributes.begin(), attributes.end(), isSame))
+        if (!attributes.add(attribute))
             return false;
-        attributes.push_back(attribute);
     }
 }
 
@@ -132,7 +149,7 @@ bool takeEndTag(Reader& reader, std::string_view name) {
 }
 
 bool takeChildren(Reader& reader, std::string_view root, const PlainChildVisitor& visitChild) {
-    std::vector<PlainAttribute> attributes;
+    PlainAttributes attributes;
     for (;;) {
         reader.skipSpace();
         if (reader.isAt("</"))
@@ -156,15 +173,23 @@ bool isHostName(std::string_view text) {
         if (label.empty() || label.front() == '-' || label.back() == '-')
             return false;
         if (!std::all_of(label.begin(), label.end(),
-                         [](char c) { return isLetter(c) || isDigit(c) || c == '-'; }))
+                         [](char c) { return is(c, Letter | Digit) || c == '-'; }))
             return false;
         if (dot == std::string_view::npos)
-            return isLetter(label.front());
+            return is(label.front(), Letter);
         text.remove_prefix(dot + 1);
     }
 }
 
 } // namespace
+
+bool PlainAttributes::add(const PlainAttribute& attribute) {
+    const auto isSame = [&](const PlainAttribute& other) { return other.name == attribute.name; };
+    if (count == attributes.size() || std::any_of(begin(), end(), isSame))
+        return false;
+    attributes[count++] = attribute;
+    return true;
+}
 
 bool visitPlainDocument(const std::vector<unsigned char>& document, std::string_view root,
                         std::string_view namespaceURI, const PlainChildVisitor& visitChild) {
@@ -174,12 +199,12 @@ bool visitPlainDocument(const std::vector<unsigned char>& document, std::string_
     if (!skipDeclaration(reader))
         return false;
     reader.skipSpace();
-    std::vector<PlainAttribute> attributes;
+    PlainAttributes attributes;
     bool isEmpty = false;
     if (!reader.take("<") || reader.takeName() != root || !takeAttributes(reader, attributes, isEmpty))
         return false;
-    if (attributes.size() != 1 || attributes.front().name != "xmlns" ||
-        attributes.front().value != namespaceURI)
+    if (attributes.size() != 1 || attributes.begin()->name != "xmlns" ||
+        attributes.begin()->value != namespaceURI)
         return false;
     if (!isEmpty && !takeChildren(reader, root, visitChild))
         return false;
@@ -192,10 +217,8 @@ std::u16string widen(std::string_view value) {
 }
 
 bool isPlainID(std::string_view text) {
-    const auto isNameChar = [](char c) {
-        return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';
-    };
-    return !text.empty() && (isLetter(text.front()) || text.front() == '_') &&
+    const auto isNameChar = [](char c) { return is(c, Letter | Digit) || c == '_' || c == '-' || c == '.'; };
+    return !text.empty() && (is(text.front(), Letter) || text.front() == '_') &&
            std::all_of(text.begin(), text.end(), isNameChar);
 }
 
@@ -210,9 +233,9 @@ bool isPlainURI(std::string_view text) {
         if (!isHostName(text.substr(0, end)))
             return false;
         text.remove_prefix(end);
-        return std::all_of(text.begin(), text.end(), isPathChar);
+        return areAll(text, Path);
     }
-    return text.compare(0, 2, "//") != 0 && std::all_of(text.begin(), text.end(), isPathChar);
+    return text.compare(0, 2, "//") != 0 && areAll(text, Path);
 }
 
 } // namespace opc::model

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -19,9 +21,24 @@ struct PlainAttribute {
     std::string_view value;
 };
 
+/// The attributes of one element: no more than an element of these documents can have.
+class PlainAttributes {
+public:
+    const PlainAttribute* begin() const { return attributes.data(); }
+    const PlainAttribute* end() const { return attributes.data() + count; }
+    std::size_t size() const { return count; }
+    void clear() { count = 0; }
+
+    /// @return false, and nothing has been added, if there is one of that name or no room
+    bool add(const PlainAttribute& attribute);
+
+private:
+    std::array<PlainAttribute, 4> attributes;
+    std::size_t count = 0;
+};
+
 /// Called for each child; gives whether it is plain as well.
-using PlainChildVisitor =
-    std::function<bool(std::string_view name, const std::vector<PlainAttribute>& attributes)>;
+using PlainChildVisitor = std::function<bool(std::string_view name, const PlainAttributes& attributes)>;
 
 /// Walks a plain document: in ASCII, with an XML declaration of UTF-8 or none, a root without prefix whose
 /// only attribute declares its namespace, and in it empty children without prefixes, with white space
