@@ -5,11 +5,10 @@
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/PackageHelper.hpp>
 
 #include <algorithm>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,36 +29,80 @@ std::string caselessKey(const std::u16string& name) {
     return key;
 }
 
-/// The regular parts that a physical package gives.
-class FoundParts {
-public:
-    struct Entry {
-        std::string key;
-        PartName name;
-        interfaces::IPhysicalPart* physicalPart;
-    };
+struct RegularPart {
+    std::string key;
+    PartName name;
+    interfaces::IPhysicalPart* physicalPart;
+};
 
-    void add(std::string key, PartName name, interfaces::IPhysicalPart* physicalPart) {
-        entries.push_back({std::move(key), std::move(name), physicalPart});
+struct RelationshipsPart {
+    std::string key; ///< of its source's path
+    interfaces::IPhysicalPart* physicalPart;
+};
+
+/// Sorts parts by their keys. Of parts of one key the first stays, with the content of the last.
+template <typename Found>
+void sortByKey(std::vector<Found>& parts) {
+    std::stable_sort(parts.begin(), parts.end(),
+                     [](const Found& left, const Found& right) { return left.key < right.key; });
+    std::size_t kept = 0;
+    for (Found& part : parts) {
+        if (kept > 0 && parts[kept - 1].key == part.key)
+            parts[kept - 1].physicalPart = part.physicalPart;
+        else if (&parts[kept++] != &part)
+            parts[kept - 1] = std::move(part);
+    }
+    parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(kept), parts.end());
+}
+
+/// The relationships parts that a physical package gives, to be taken by their sources.
+class RelationshipsParts {
+public:
+    /// @param key  of its own name
+    void add(std::string key, interfaces::IPhysicalPart* physicalPart) {
+        constexpr std::string_view FOLDER = "/_rels/";
+        constexpr std::string_view EXTENSION = ".rels";
+        const std::size_t file = key.rfind('/') + 1;
+        const bool isNextToSource =
+            file >= FOLDER.size() && key.compare(file - FOLDER.size(), FOLDER.size(), FOLDER) == 0 &&
+            key.size() - file >= EXTENSION.size() &&
+            key.compare(key.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) == 0;
+        if (!isNextToSource) {
+            orphaned = true; // "_rels" may stand further up, where no source leads
+            return;
+        }
+        key.resize(key.size() - EXTENSION.size());
+        key.erase(file - FOLDER.size() + 1, FOLDER.size() - 1);
+        parts.push_back({std::move(key), physicalPart});
     }
 
-    /// In the order of names. Of equal names the first spelling and the last part count.
-    const std::vector<Entry>& inOrder() {
-        const auto precedes = [](const Entry& left, const Entry& right) { return left.key < right.key; };
-        std::stable_sort(entries.begin(), entries.end(), precedes);
-        std::size_t kept = 0;
-        for (Entry& entry : entries) {
-            if (kept > 0 && entries[kept - 1].key == entry.key)
-                entries[kept - 1].physicalPart = entry.physicalPart;
-            else if (&entries[kept++] != &entry)
-                entries[kept - 1] = std::move(entry);
-        }
-        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(kept), entries.end());
-        return entries;
+    void sort() {
+        sortByKey(parts);
+        next = parts.begin();
+    }
+
+    /// The relationships part of a source, which is then taken; null if there is none.
+    interfaces::IPhysicalPart* take(const std::string& path) {
+        // In the order of names it is the next one or none, but for what stands behind the path.
+        if (next == parts.end() || next->key != path)
+            next = std::lower_bound(
+                parts.begin(), parts.end(), path,
+                [](const RelationshipsPart& part, const std::string& sought) { return part.key < sought; });
+        if (next == parts.end() || next->key != path)
+            return nullptr;
+        return std::exchange((next++)->physicalPart, nullptr);
+    }
+
+    bool areTaken() const {
+        return !orphaned && std::all_of(parts.begin(), parts.end(), [](const RelationshipsPart& part) {
+            return part.physicalPart == nullptr;
+        });
     }
 
 private:
-    std::vector<Entry> entries;
+    std::vector<RelationshipsPart> parts;
+    std::vector<RelationshipsPart>::iterator next = parts.end();
+    bool orphaned = false;
 };
 
 } // namespace
@@ -77,42 +120,40 @@ void Package::initializeParts() {
         throw PackageOpenFailed(e.what(), e.code());
     }
 
-    FoundParts regular;
-    std::unordered_map<std::string, interfaces::IPhysicalPart*> relationship;
-    relationship.reserve(physicalParts.size());
+    std::vector<RegularPart> regular;
+    RelationshipsParts relationships;
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
         const std::u16string text = physicalPart->getName();
         const PartName name(text);
         if (name.isRelationshipName()) {
             // For its effects: it must have a content type, and keeps the `Default` of its extension in use.
             findContentType(name, *physicalPart);
-            relationship[caselessKey(text)] = physicalPart;
+            relationships.add(caselessKey(text), physicalPart);
         } else {
-            regular.add(caselessKey(text), name, physicalPart);
+            regular.push_back({caselessKey(text), name, physicalPart});
         }
     }
+    sortByKey(regular);
+    relationships.sort();
 
-    const auto takeRelationships = [&relationship](auto& source, const PartName& name) {
-        const auto match = relationship.find(caselessKey(name.getRelationshipPartName()));
-        if (match == relationship.end())
-            return;
-        source.setPhysicalRelationshipPart(match->second, false);
-        relationship.erase(match);
-    };
     PartMap found;
-    for (const auto& [key, name, physicalPart] : regular.inOrder()) {
+    for (const auto& [key, name, physicalPart] : regular) {
         Part part(this, physicalPart, name, findContentType(name, *physicalPart), openMode);
-        takeRelationships(part, name);
+        const URI uri = name.getURI();
+        const bool isPath = !uri.isAbsolute() && !uri.hasQuery() && !uri.hasFragment();
+        if (auto* match = isPath ? relationships.take(key) : relationships.take(caselessKey(uri.getPath())))
+            part.setPhysicalRelationshipPart(match, false);
         found.emplace_hint(found.end(), name, part);
     }
-    takeRelationships(*this, PartName(PackageHelper::getPackageRootURI()));
+    if (auto* match = relationships.take("/"))
+        setPhysicalRelationshipPart(match, false);
 
     parts.swap(found);
     prefixes.reserve(parts.size());
     for (const auto& entry : parts)
         populatePrefixes(entry.first);
 
-    if (!relationship.empty())
+    if (!relationships.areTaken())
         throw InconsistentPackage("Not all relationship parts were matched with regular parts");
 }
 

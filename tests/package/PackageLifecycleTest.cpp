@@ -2,6 +2,7 @@
 #include "support/ScriptedPackage.hpp"
 #include "support/Throws.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -149,6 +150,60 @@ TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
                                 withOverride(R"(PartName="/é" ContentType="a/b")"));
     expectOpenFails<InvalidContentType>("Could not successfully parse content type string",
                                         withOverride(R"(PartName="/a" ContentType="a/b;c=&quot;&quot;")"));
+}
+
+TEST_F(PackageOpen, givesRelationshipsPartsToTheirSources) {
+    struct Case {
+        std::vector<std::u16string> parts, relationshipsParts;
+        const char* sources; ///< of the relationships parts, by the IDs in them: r0, r1, ...
+    };
+    const Case cases[] = {
+        {{u"/a.xml", u"/a/b.xml", u"/a-/b.xml", u"/A/c.xml", u"/d.xml"},
+         {u"/_rels/d.xml.rels", u"/a-/_rels/b.xml.rels", u"/a/_rels/B.xml.rels", u"/_rels/.rels"},
+         "/:r3 /a-/b.xml:r1 /a/b.xml:r2 /d.xml:r0 "},
+        {{u"/_rels.xml", u"/a_rels/b.xml", u"/_rels/c.xml", u"/_RELS/x/y.rels"},
+         {u"/a_rels/_rels/b.xml.rels", u"/_rels/_rels.xml.rels", u"/_rels/_rels/c.xml.rels",
+          u"/_rels/a/_RELS/b.xml.rels"},
+         "orphaned"},
+        {{u"/_rels.xml", u"/a_rels/b.xml", u"/_rels/c.xml", u"/_rels/a/b.xml"},
+         {u"/a_rels/_rels/b.xml.rels", u"/_rels/_rels.xml.rels", u"/_rels/_rels/c.xml.rels",
+          u"/_rels/a/_RELS/b.xml.rels"},
+         "/_rels.xml:r1 /_rels/a/b.xml:r3 /_rels/c.xml:r2 /a_rels/b.xml:r0 "},
+        {{u"/_RELS/x/y.rels"}, {u"/_rels/x/y.rels"}, "orphaned"},
+        // A query counts in the name of a part, but not in that of its relationships part.
+        {{u"/a.xml?q", u"/a.xml.xml"}, {u"/_rels/a.xml.rels"}, "/a.xml?q:r0 "},
+        {{u"/a.xml?q", u"/a.xml", u"/b.xml"},
+         {u"/_rels/b.xml.rels", u"/_rels/a.xml.rels"},
+         "/a.xml:r1 /b.xml:r0 "},
+        {{u"/a.xml"}, {u"/_rels/a.xml.rels?q"}, "orphaned"},
+        {{u"/a.xml"}, {u"/_rels/a.xml.rels#/_rels/a.xml.rels"}, "orphaned"},
+    };
+    for (const Case& c : cases) {
+        for (const std::u16string& name : store.partNames())
+            store.removePart(name);
+        opc::test::fill(store, c.parts);
+        std::string id = "r0";
+        for (const std::u16string& name : c.relationshipsParts) {
+            store.setPart(name, opc::test::relationships("<Relationship Id=\"" + id +
+                                                         "\" Type=\"t:t\" Target=\"x\"/>"));
+            ++id.back();
+        }
+        std::string sources;
+        const auto add = [&sources](const std::string& name, const RelationshipSource& source) {
+            for (const Relationship& relationship : source.getRelationships())
+                sources += name + ':' + opc::toUDEString(relationship.getID()) + ' ';
+        };
+        try {
+            package.open(OpenMode::ReadOnly);
+            add("/", package);
+            for (const Part& part : package.getParts())
+                add(opc::toUDEString(part.getName().toString()), part);
+            package.close(true);
+        } catch (const InconsistentPackage&) {
+            sources = "orphaned";
+        }
+        EXPECT_EQ(sources, c.sources);
+    }
 }
 
 TEST_F(PackageOpen, aSecondCorePropertiesRelationshipAndASecondOpenAreRefused) {
