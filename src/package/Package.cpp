@@ -138,7 +138,7 @@ void Package::clearParts() {
     for (auto& entry : parts)
         entry.second.markAsInvalid();
     parts.clear();
-    prefixes.clear();
+    prefixes.reset();
 }
 
 void Package::addDataManager(DataManager* manager) {

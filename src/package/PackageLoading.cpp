@@ -149,10 +149,7 @@ void Package::initializeParts() {
         setPhysicalRelationshipPart(match, false);
 
     parts.swap(found);
-    prefixes.reserve(parts.size());
-    for (const auto& entry : parts)
-        populatePrefixes(entry.first);
-
+    prefixes.reset(); // somebody may have asked while there were no parts
     if (!relationships.areTaken())
         throw InconsistentPackage("Not all relationship parts were matched with regular parts");
 }

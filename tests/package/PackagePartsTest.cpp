@@ -96,6 +96,28 @@ TEST_F(PackageParts, namesMustNotConflict) {
     create(u"/c/D");
 }
 
+TEST_F(PackageParts, namesThatWereReadCountWheneverTheyAreAskedFor) {
+    opc::test::fill(store, {u"/a/b.xml", u"/a/c.xml"});
+    std::u16string existing;
+    const auto isTaken = [&](const char16_t* name) {
+        return package.isPartDerivedFromExistingPartName(PartName(name), existing);
+    };
+    EXPECT_FALSE(isTaken(u"/a")) << "a package that isn't open has no parts";
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(PartName(u"/A/b.xml")); // before the first question
+    EXPECT_TRUE(isTaken(u"/a"));
+    EXPECT_FALSE(isTaken(u"/a/b.xml/x"));
+    package.deletePart(PartName(u"/a/c.xml"));
+    EXPECT_FALSE(isTaken(u"/a"));
+    create(u"/a");
+    EXPECT_TRUE(isTaken(u"/a/b.xml"));
+    package.close(true);
+    EXPECT_FALSE(isTaken(u"/a/b.xml"));
+    package.open(OpenMode::ReadWrite);
+    EXPECT_TRUE(isTaken(u"/a"));
+    EXPECT_FALSE(isTaken(u"/a/d.xml"));
+}
+
 TEST_F(PackageParts, theRegistryIsUntouchedWhenThePhysicalLayerFails) {
     package.open(OpenMode::ReadWrite);
     Part part = create(u"/a.xml");

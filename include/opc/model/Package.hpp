@@ -14,6 +14,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -147,9 +148,9 @@ private:
     void deletePhysicalPart(const PartName& name);
 
     static std::u16string prefixKey(const PartName& name);
+    PrefixMap& knownPrefixes() const;
     void populatePrefixes(const PartName& name);
     void removePrefixes(std::u16string key);
-    void releasePrefix(PrefixMap::iterator prefix);
 
     void addDataManager(DataManager* manager);
     void removeDataManager(DataManager* manager);
@@ -171,8 +172,8 @@ private:
     interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
     PartMap parts;
     // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
-    // parts each comes from.
-    PrefixMap prefixes;
+    // parts each comes from. Made when somebody asks, which nobody may in a package that is only read.
+    mutable std::optional<PrefixMap> prefixes;
     std::unique_ptr<XercesGuard> xercesGuard; // while there may be something to write
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;
