@@ -46,6 +46,10 @@ Bytes write(RelationshipSerializer& serializer, const RelationshipManager& manag
     Bytes bytes;
     ByteArrayOutAdaptor stream(bytes);
     serializer.write(manager, stream);
+    Bytes byXerces;
+    ByteArrayOutAdaptor other(byXerces);
+    serializer.writeByXerces(manager, other);
+    require(bytes == byXerces, "a part is written as Xerces writes it");
     return bytes;
 }
 

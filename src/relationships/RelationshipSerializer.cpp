@@ -2,6 +2,8 @@
 
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipTarget.hpp"
+#include "relationships/RelationshipsWriter.hpp"
+#include "xml/DocumentOutput.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
@@ -133,6 +135,14 @@ void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& man
 }
 
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
+    std::string document;
+    if (composePlainRelationships(manager, document))
+        writeDocument(document, stream);
+    else
+        writeByXerces(manager, stream);
+}
+
+void RelationshipSerializer::writeByXerces(const RelationshipManager& manager, OutputStream& stream) {
     Xml& names = xml();
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);

@@ -37,6 +37,9 @@ public:
     /// @throws InvalidPartContent
     void write(const RelationshipManager& manager, OutputStream& stream);
 
+    /// The same by Xerces alone, whatever the values.
+    void writeByXerces(const RelationshipManager& manager, OutputStream& stream);
+
 private:
     struct Xml;
 

@@ -1,6 +1,7 @@
 #include <opc/model/XercesHelper.hpp>
 
 #include "xml/DocumentLimits.hpp"
+#include "xml/DocumentOutput.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/XercesFailures.hpp"
 
@@ -81,31 +82,17 @@ private:
     std::exception_ptr& failure;
 };
 
-/// Takes what Xerces writes, which comes in many small pieces, and hands it on when the writing has
-/// succeeded.
-class OutputStreamTarget final : public xercesc::XMLFormatTarget {
+/// Takes what Xerces writes, which comes in many small pieces.
+class StringTarget final : public xercesc::XMLFormatTarget {
 public:
-    explicit OutputStreamTarget(OutputStream& target) : stream(target) {}
-
     void writeChars(const XMLByte* toWrite, XMLSize_t count, xercesc::XMLFormatter*) override {
-        bytes.insert(bytes.end(), toWrite, toWrite + count);
+        bytes.append(reinterpret_cast<const char*>(toWrite), count);
     }
 
-    void flush() override { flushed = true; }
-
-    /// The rest is dropped once the stream says that it is done.
-    void handOn() {
-        constexpr std::size_t PIECE = 65536;
-        for (std::size_t begin = 0; begin < bytes.size() && !stream.isDone(); begin += PIECE)
-            stream.write(bytes.data() + begin, std::min(PIECE, bytes.size() - begin));
-        if (flushed)
-            stream.flush();
-    }
+    const std::string& written() const { return bytes; }
 
 private:
-    OutputStream& stream;
-    std::vector<unsigned char> bytes;
-    bool flushed = false;
+    std::string bytes;
 };
 
 /// Sets the place of a further schema on a parser for the life of this object.
@@ -258,7 +245,7 @@ void XercesHelper::writeDocumentHelper(DOMLSSerializer* serializer, const DOMDoc
                                        const XmlDeclaration& declaration) {
     const XercesGuard guard;
     throwIfDTDIsPresent(document);
-    OutputStreamTarget target(stream);
+    StringTarget target;
     XercesErrorHandler handler;
     try {
         translateXercesFailures([&] {
@@ -277,7 +264,7 @@ void XercesHelper::writeDocumentHelper(DOMLSSerializer* serializer, const DOMDoc
         throw;
     }
     handler.throwIfError();
-    target.handOn();
+    writeDocument(target.written(), stream); // now that the writing has succeeded
 }
 
 void XercesHelper::throwIfUnsupportedEncoding(const DOMDocument* document) {

@@ -1,9 +1,12 @@
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipManager.hpp"
+#include "relationships/RelationshipsWriter.hpp"
+#include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <malloc.h>
@@ -12,6 +15,7 @@ namespace {
 
 using namespace opc::model;
 using opc::test::Bytes;
+using opc::test::outcomeOf;
 using opc::test::relationships;
 using opc::test::throws;
 
@@ -24,10 +28,12 @@ protected:
         manager.read(stream, serializer);
     }
 
-    std::string write() {
+    using Write = void (RelationshipSerializer::*)(const RelationshipManager&, opc::OutputStream&);
+
+    std::string write(Write way = &RelationshipSerializer::write) {
         Bytes document;
         opc::ByteArrayOutAdaptor stream(document);
-        serializer.write(manager, stream);
+        (serializer.*way)(manager, stream);
         return opc::test::toText(document);
     }
 
@@ -112,6 +118,32 @@ TEST_F(RelationshipsDocument, isWrittenInTheOrderOfIDs) {
               "</Relationships>\n");
     read(opc::test::toBytes(document));
     EXPECT_EQ(write(), document) << "what was written reads back";
+}
+
+TEST_F(RelationshipsDocument, isWrittenAsXercesWritesIt) {
+    std::string document;
+    const auto expectSame = [&](bool isPlain, const std::u16string& about) {
+        EXPECT_EQ(composePlainRelationships(manager, document), isPlain) << opc::toUDEString(about);
+        std::string byXerces;
+        const std::string failure =
+            outcomeOf([&] { byXerces = write(&RelationshipSerializer::writeByXerces); });
+        std::string asEver;
+        EXPECT_EQ(outcomeOf([&] { asEver = write(); }), failure) << opc::toUDEString(about);
+        EXPECT_EQ(asEver, byXerces);
+    };
+    expectSame(false, u"an empty root");
+    manager.addInternalRelationship(u"r", u"t:t", URI(u""));
+    manager.addExternalRelationship(u"R_-.9", u"", u"");
+    expectSame(true, u"empty values");
+    for (unsigned value = 0; value <= 0xFFFF; value += value < 0x180 ? 1 : 0x7F) {
+        const auto unit = static_cast<char16_t>(value);
+        for (const std::u16string& text : {std::u16string(1, unit), u"a" + std::u16string(2, unit) + u"b"}) {
+            manager.clear();
+            manager.addExternalRelationship(u"r1", u"t:t", text);
+            manager.addExternalRelationship(u"r2", u"t:" + text, u"plain");
+            expectSame(unit >= u' ' && unit <= u'~', text);
+        }
+    }
 }
 
 TEST_F(RelationshipsDocument, charactersThatXMLCanNotHoldAreRefusedInWriting) {
