@@ -22,10 +22,14 @@ void read(const ContentTypeSerializer& serializer, ContentTypeMap& map, const By
         map.addReference(extension);
 }
 
-Bytes write(const ContentTypeSerializer& serializer, ContentTypeMap& map) {
+Bytes write(const ContentTypeSerializer& serializer, const ContentTypeMap& map) {
     Bytes bytes;
     ByteArrayOutAdaptor stream(bytes);
     serializer.write(map, stream);
+    Bytes byXerces;
+    ByteArrayOutAdaptor other(byXerces);
+    serializer.writeByXerces(map, other);
+    require(bytes == byXerces, "a stream is written as Xerces writes it");
     return bytes;
 }
 

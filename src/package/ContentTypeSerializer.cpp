@@ -2,6 +2,8 @@
 
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypesScanner.hpp"
+#include "package/ContentTypesWriter.hpp"
+#include "xml/DocumentOutput.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
@@ -116,7 +118,15 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) cons
                     readAttribute(element, names.contentTypeName), types);
 }
 
-void ContentTypeSerializer::write(ContentTypeMap& map, OutputStream& stream) const {
+void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {
+    std::string document;
+    if (composePlainContentTypes(map, document))
+        writeDocument(document, stream);
+    else
+        writeByXerces(map, stream);
+}
+
+void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStream& stream) const {
     const Names names;
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
@@ -142,7 +152,6 @@ void ContentTypeSerializer::write(ContentTypeMap& map, OutputStream& stream) con
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
-    map.setDirty(false);
 }
 
 } // namespace opc::model

@@ -21,7 +21,10 @@ public:
 
     /// Writes the entries that count: all `Override`, and each `Default` that a part rests on.
     /// @throws InvalidPartContent
-    void write(ContentTypeMap& map, OutputStream& stream) const;
+    void write(const ContentTypeMap& map, OutputStream& stream) const;
+
+    /// The same by Xerces alone, whatever the values.
+    void writeByXerces(const ContentTypeMap& map, OutputStream& stream) const;
 };
 
 } // namespace opc::model

@@ -89,6 +89,7 @@ void ContentTypeSource::flush() {
     try {
         PhysicalOutputStream stream(physicalPackage->getContentTypeOutputStream());
         serializer->write(*contentTypes, stream);
+        contentTypes->setDirty(false);
         stream.close();
     } catch (const InvalidPartContent& e) {
         throw InvalidContentTypeStream(std::string("In content type stream: ") + e.what());
