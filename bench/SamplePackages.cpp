@@ -25,13 +25,20 @@ std::string partContent(int number) {
     return content + "</content>";
 }
 
-void createPackage(opc::interfaces::IPhysicalPackage& store, int parts) {
+std::vector<std::string> partContents(int parts) {
+    std::vector<std::string> contents;
+    for (int i = 0; i < parts; ++i)
+        contents.push_back(partContent(i));
+    return contents;
+}
+
+void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents) {
     Package package(store);
     package.open(opc::interfaces::OpenMode::CreateOnly);
     const ContentType type(u"application/xml");
-    for (int i = 0; i < parts; ++i) {
-        Part part = package.createPart(partName(i), type, StandardPartInfo());
-        const std::string content = partContent(i);
+    int number = 0;
+    for (const std::string& content : contents) {
+        Part part = package.createPart(partName(number++), type, StandardPartInfo());
         part.getOutputStream().write(reinterpret_cast<const unsigned char*>(content.data()), content.size());
         part.createInternalRelationship(u"http://example.com/relationships/next", URI(u"next.xml"));
         part.createInternalRelationship(u"http://example.com/relationships/top", URI(u"/top.xml"));

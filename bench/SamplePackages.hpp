@@ -4,6 +4,7 @@
 #include <opc/model/PartName.hpp>
 
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -13,7 +14,10 @@ opc::model::PartName partName(int number);
 /// The content of such a part: XML of about 1 KiB.
 std::string partContent(int number);
 
-/// Fills an empty store with that many parts of `partContent`, each with 3 relationships, and saves it.
-void createPackage(opc::interfaces::IPhysicalPackage& store, int parts);
+/// That of the first parts.
+std::vector<std::string> partContents(int parts);
+
+/// Fills an empty store with a part for each of the contents, each with 3 relationships, and saves it.
+void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents);
 
 } // namespace bench

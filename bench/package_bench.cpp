@@ -41,7 +41,7 @@ const fs::path& sample(int parts) {
         path = fs::temp_directory_path() / ("opcmodel_bench_" + std::to_string(parts) + ".zip");
         fs::remove(path);
         ZipPackage archive(path, manyItems());
-        bench::createPackage(archive, parts);
+        bench::createPackage(archive, bench::partContents(parts));
     }
     return path;
 }
@@ -108,7 +108,7 @@ void OpenEmpty(benchmark::State& state) {
     const fs::path path = fs::temp_directory_path() / "opcmodel_bench_empty.zip";
     fs::remove(path);
     ZipPackage archive(path);
-    bench::createPackage(archive, 0);
+    bench::createPackage(archive, {});
     for (auto _ : state) {
         Package package(archive);
         package.open(OpenMode::ReadOnly);
@@ -129,6 +129,7 @@ void deflateAll(const std::vector<std::string>& texts) {
 void CreateAndSave(benchmark::State& state) {
     const int parts = static_cast<int>(state.range(0));
     const fs::path path = fs::temp_directory_path() / "opcmodel_bench_new.zip";
+    const std::vector<std::string> contents = bench::partContents(parts);
     std::vector<std::string> texts;
     bench::RawArchive made(sample(parts));
     for (const auto& item : made.directory())
@@ -139,7 +140,7 @@ void CreateAndSave(benchmark::State& state) {
         fs::remove(path);
         const auto time = creating.take([&] {
             ZipPackage archive(path);
-            bench::createPackage(archive, parts);
+            bench::createPackage(archive, contents);
         });
         state.SetIterationTime(time.count());
         deflating.take([&] { deflateAll(texts); });

@@ -193,7 +193,7 @@ void ManyParts(benchmark::State& state) {
     });
     std::filesystem::remove(path);
     ZipPackage archive(path);
-    bench::createPackage(archive, static_cast<int>(state.range(0)));
+    bench::createPackage(archive, bench::partContents(static_cast<int>(state.range(0))));
     bench::Seconds reading(1e9), verifying(1e9), raw(1e9), signing(0);
     {
         Opened opened(archive, OpenMode::ReadWrite);
@@ -228,7 +228,7 @@ void ManyParts(benchmark::State& state) {
 /// Signatures of one part each, loaded and verified.
 void ManySignatures(benchmark::State& state) {
     MemoryPackage store;
-    bench::createPackage(store, 1);
+    bench::createPackage(store, bench::partContents(1));
     const PartName name(u"/content/folder0/part0.xml");
     {
         Opened opened(store, OpenMode::ReadWrite);
@@ -252,7 +252,7 @@ void ManyRelationships(benchmark::State& state) {
     bench::resetPeakMemory();
     for (auto _ : state) {
         MemoryPackage store;
-        bench::createPackage(store, 1);
+        bench::createPackage(store, bench::partContents(1));
         {
             Opened opened(store, OpenMode::ReadWrite);
             Part source = opened.package.getPart(PartName(u"/content/folder0/part0.xml"));
