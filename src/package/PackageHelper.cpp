@@ -19,7 +19,8 @@ std::u16string PackageHelper::getCorePropertiesRelationshipType() {
 }
 
 ContentType PackageHelper::getRelationshipContentType() {
-    return ContentType(u"application/vnd.openxmlformats-package.relationships+xml");
+    static const ContentType type(u"application/vnd.openxmlformats-package.relationships+xml");
+    return type; // parsed once: every relationships part that is made asks for it
 }
 
 std::u16string PackageHelper::getThumbnailRelationshipType() {
