@@ -45,6 +45,7 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
     if (relationships.empty())
         return properties;
     const Part part = getTarget(package, relationships);
+    package.getPackage().keepXerces();
     CorePropertiesSerializer serializer;
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
@@ -56,6 +57,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     const Relationships relationships = findCoreProperties(package);
     const Part part =
         relationships.empty() ? createCoreProperties(package) : getTarget(package, relationships);
+    package.keepXerces();
     CorePropertiesSerializer serializer;
     serializer.write(properties, part.getOutputStream());
 }

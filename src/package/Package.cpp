@@ -69,8 +69,8 @@ void Package::open(interfaces::OpenMode mode) {
     }
 
     try {
-        if (mode != interfaces::OpenMode::ReadOnly)
-            xercesGuard = std::make_unique<XercesGuard>();
+        if (mode != interfaces::OpenMode::ReadOnly && !dataManagers.empty())
+            keepXerces();
         relationshipSerializer = std::make_unique<RelationshipSerializer>();
         contentTypeSource = std::make_unique<ContentTypeSource>(physicalPackage, isCreateOnly());
         initializeParts();
@@ -112,6 +112,11 @@ void Package::forgetContent() {
     contentTypeSource.reset();
     relationshipSerializer.reset();
     xercesGuard.reset();
+}
+
+void Package::keepXerces() {
+    if (!xercesGuard)
+        xercesGuard = std::make_unique<XercesGuard>();
 }
 
 void Package::flush() {

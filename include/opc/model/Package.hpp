@@ -125,6 +125,7 @@ protected:
 
 private:
     friend class DataManager;
+    friend class PackageHelper;
     friend class RelationshipSource;
 
     using PartMap = std::map<PartName, Part>;
@@ -141,6 +142,9 @@ private:
     void flushParts();
     void clearParts();
     void forgetContent();
+
+    /// For what is likely to need Xerces more than once: keeps it initialised until the package is closed.
+    void keepXerces();
 
     interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& contentType,
                                                   const interfaces::IPhysicalPartInfo& partInfo);
@@ -174,7 +178,7 @@ private:
     // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
     // parts each comes from. Made when somebody asks, which nobody may in a package that is only read.
     mutable std::optional<PrefixMap> prefixes;
-    std::unique_ptr<XercesGuard> xercesGuard; // while there may be something to write
+    std::unique_ptr<XercesGuard> xercesGuard;
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;
     std::list<DataManager*> dataManagers;
