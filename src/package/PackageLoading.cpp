@@ -43,8 +43,23 @@ struct RelationshipsPart {
 /// Sorts parts by their keys. Of parts of one key the first stays, with the content of the last.
 template <typename Found>
 void sortByKey(std::vector<Found>& parts) {
-    std::stable_sort(parts.begin(), parts.end(),
-                     [](const Found& left, const Found& right) { return left.key < right.key; });
+    const auto precedes = [](const Found& left, const Found& right) { return left.key < right.key; };
+    // Programs write parts in some order of their own: runs that are in order already are merged, neighbour by
+    // neighbour.
+    std::vector<typename std::vector<Found>::iterator> ends{parts.begin()};
+    while (ends.back() != parts.end())
+        ends.push_back(std::is_sorted_until(ends.back(), parts.end(), precedes));
+    while (ends.size() > 2) {
+        std::size_t kept = 1;
+        for (std::size_t i = 2; i < ends.size(); i += 2) {
+            std::inplace_merge(ends[i - 2], ends[i - 1], ends[i], precedes);
+            ends[kept++] = ends[i];
+        }
+        if (ends.size() % 2 == 0)
+            ends[kept++] = ends.back();
+        ends.resize(kept);
+    }
+
     std::size_t kept = 0;
     for (Found& part : parts) {
         if (kept > 0 && parts[kept - 1].key == part.key)

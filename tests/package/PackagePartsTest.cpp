@@ -7,6 +7,8 @@
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
+#include <algorithm>
+
 namespace {
 
 using namespace opc::model;
@@ -228,6 +230,21 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
     readOnly.getInputStream().close();
     readOnly.getInputStream().open();
     EXPECT_EQ(opc::test::readAll(readOnly), "old");
+}
+
+TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
+    std::vector<std::u16string> names{u"/A.xml", u"/B.xml", u"/b/c.xml", u"/c.xml", u"/d.xml", u"/e.xml"};
+    const std::vector<std::u16string> expected = names;
+    do {
+        MemoryPackage shuffled;
+        opc::test::fill(shuffled, names);
+        Package found(shuffled);
+        found.open(OpenMode::ReadOnly);
+        std::vector<std::u16string> listed;
+        for (const Part& part : found.getParts())
+            listed.push_back(part.getName().toString());
+        ASSERT_EQ(listed, expected);
+    } while (std::next_permutation(names.begin(), names.end()));
 }
 
 TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
