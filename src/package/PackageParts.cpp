@@ -28,7 +28,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     throwIfNotOpen();
     throwIfReadOnly();
     throwIfRelationshipName(name);
-    throwIfPartAlreadyExists(name);
+    const auto place = findPlaceOfNewPart(name);
     throwIfDerivedFromExistingPartName(name);
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
@@ -43,7 +43,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
         removePrefixes(std::move(key));
         throw;
     }
-    parts.merge(entry);
+    parts.insert(place, entry.extract(entry.begin()));
     return part;
 }
 
@@ -150,10 +150,12 @@ void Package::throwIfRelationshipName(const PartName& name) const {
                                       toASCIIString(name.toString()));
 }
 
-void Package::throwIfPartAlreadyExists(const PartName& name) const {
-    if (parts.count(name) != 0)
+Package::PartMap::const_iterator Package::findPlaceOfNewPart(const PartName& name) const {
+    const auto place = parts.lower_bound(name);
+    if (place != parts.end() && place->first == name)
         throw PartAlreadyExists("Cannot use a part name that already exists: " +
                                 toASCIIString(name.toString()));
+    return place;
 }
 
 } // namespace opc::model

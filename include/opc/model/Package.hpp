@@ -146,6 +146,9 @@ private:
     /// For what is likely to need Xerces more than once: keeps it initialised until the package is closed.
     void keepXerces();
 
+    /// @return the first part behind a new one of that name
+    /// @throws PartAlreadyExists
+    PartMap::const_iterator findPlaceOfNewPart(const PartName& name) const;
     interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& contentType,
                                                   const interfaces::IPhysicalPartInfo& partInfo);
     void deletePartInternal(const PartName& name);
@@ -167,7 +170,6 @@ private:
     interfaces::IPhysicalPackage& getPackageImpl() const { return physicalPackage; }
 
     void throwIfRelationshipName(const PartName& name) const;
-    void throwIfPartAlreadyExists(const PartName& name) const;
     void throwIfDerivedFromExistingPartName(const PartName& name) const;
     void throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const;
 
