@@ -116,6 +116,8 @@ bool PartName::isRelationshipUri(const URI& uri) {
     // and on long ones it gives up with an exception of its own.
     if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
         return false;
+    if (endsWith(path.substr(0, path.rfind(URI::getSlash())), u"/_rels"))
+        return true; // as nearly always, and it needs no expression
     static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
     return boost::regex_match(std::wstring(path.begin(), path.end()),
                               expression); // in US-ASCII, as all URIs are
