@@ -52,7 +52,8 @@ std::u16string_view URI::path() const noexcept {
     if (hasAuthority())
         begin = std::min(reference.find_first_of(u"/?#", begin + 2), reference.size());
     const bool atEnd = !hasQuery() && !hasFragment(); // as nearly always, and it needs no search
-    return reference.substr(begin, atEnd ? reference.npos : reference.find_first_of(u"?#", begin) - begin);
+    return reference.substr(begin, atEnd ? std::u16string_view::npos
+                                         : reference.find_first_of(u"?#", begin) - begin);
 }
 
 std::u16string URI::toString() const {

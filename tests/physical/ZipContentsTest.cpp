@@ -135,23 +135,23 @@ const std::size_t READ_SIZES[] = {2, 699, 700, 3000, 262143, 262144, 262145, 600
 TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {
     for (const std::size_t size : READ_SIZES) {
         for (const std::string& text : {prose(size), noise(size)}) {
-            for (const auto& [level, strategy] :
-                 {std::pair{0, Z_DEFAULT_STRATEGY}, std::pair{1, Z_FIXED}, std::pair{6, Z_HUFFMAN_ONLY},
-                  std::pair{9, Z_DEFAULT_STRATEGY}}) {
-                inEveryWay(
-                    deflated(text, level, strategy), size, [&](ZipPackage& package, std::size_t piece) {
-                        IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
-                        unsigned char byte = 0;
-                        EXPECT_EQ(stream.read(&byte, 1), 1U);
-                        stream.close();
-                        stream.open(); // again from the start
-                        std::string got;
-                        readInPieces(stream, piece, got);
-                        EXPECT_TRUE(got == text) << size << " in pieces of " << piece << ", level " << level;
-                        EXPECT_EQ(stream.read(&byte, 1), 0U);
-                        stream.close();
-                        EXPECT_TRUE(fails(EBADF, "has been closed", [&] { stream.read(&byte, 1); }));
-                    });
+            for (const auto& way : {std::pair{0, Z_DEFAULT_STRATEGY}, std::pair{1, Z_FIXED},
+                                    std::pair{6, Z_HUFFMAN_ONLY}, std::pair{9, Z_DEFAULT_STRATEGY}}) {
+                inEveryWay(deflated(text, way.first, way.second), size,
+                           [&](ZipPackage& package, std::size_t piece) {
+                               IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
+                               unsigned char byte = 0;
+                               EXPECT_EQ(stream.read(&byte, 1), 1U);
+                               stream.close();
+                               stream.open(); // again from the start
+                               std::string got;
+                               readInPieces(stream, piece, got);
+                               EXPECT_TRUE(got == text)
+                                   << size << " in pieces of " << piece << ", level " << way.first;
+                               EXPECT_EQ(stream.read(&byte, 1), 0U);
+                               stream.close();
+                               EXPECT_TRUE(fails(EBADF, "has been closed", [&] { stream.read(&byte, 1); }));
+                           });
             }
         }
     }
