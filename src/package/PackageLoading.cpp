@@ -47,6 +47,7 @@ void sortByKey(std::vector<Found>& parts) {
     // Programs write parts in some order of their own: runs that are in order already are merged, neighbour by
     // neighbour.
     std::vector<typename std::vector<Found>::iterator> ends{parts.begin()};
+    // cppcheck-suppress mismatchingContainers ; `ends` holds places in `parts`
     while (ends.back() != parts.end())
         ends.push_back(std::is_sorted_until(ends.back(), parts.end(), precedes));
     while (ends.size() > 2) {
