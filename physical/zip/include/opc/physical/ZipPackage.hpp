@@ -28,11 +28,12 @@ namespace opc::physical {
 /// written again keeps the spelling of its item.
 ///
 /// **Streams.** A part, and each stream got from it, lives until the part is deleted or the package closed.
-/// Reading inflates as it goes, parts up to 256 KiB at once. It checks the item's local header with the first byte, size and checksum with
-/// the last: a damaged item never ends without an exception. An input stream reads the content that the part
-/// had when the stream was last opened; `close` and then `open` take it to what has been written since. Asking
-/// for an output stream replaces the content at once; an older output stream of the same part then raises on
-/// `write`. A part whose writing has failed must be written again or deleted before `close(false)` can succeed.
+/// Reading inflates as it goes, parts up to 256 KiB at once. It checks the item's local header with the first
+/// byte, size and checksum with the last: a damaged item never ends without an exception. An input stream reads
+/// the content that the part had when the stream was last opened; `close` and then `open` take it to what has
+/// been written since. Asking for an output stream replaces the content at once; an older output stream of the
+/// same part then raises on `write`. A part whose writing has failed must be written again or deleted before
+/// `close(false)` can succeed.
 ///
 /// One thread at a time. Failures are `opc::Exception` with a message that names archive and item, and a code
 /// of the generic category: that of the system call that failed; 2 where a package, part or content types
