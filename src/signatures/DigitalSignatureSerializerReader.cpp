@@ -54,7 +54,7 @@ std::u16string withoutPrefix(const std::u16string& id) {
 std::u16string withNamespaceDeclaration(std::string_view object) {
     const std::u16string declaration =
         std::u16string(u" xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u'"';
-    const auto place = object.begin() + object.find(' ');
+    const auto* const place = object.begin() + object.find(' ');
     std::u16string text(object.size() + declaration.size(), u'\0');
     auto end = std::copy(object.begin(), place, text.begin());
     end = std::copy(declaration.begin(), declaration.end(), end);
