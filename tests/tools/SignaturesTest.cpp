@@ -131,6 +131,26 @@ TEST_F(OpctoolSignatures, verifyTellsWhatHasHappened) {
     }
 }
 
+TEST_F(OpctoolSignatures, verifySaysThatItCannotReadSignaturesOfOfficePrograms) {
+    const std::string error =
+        "opctool: Exception: p.docx has signatures in a form that isn't read: they can't be checked\n";
+    run("relate p.docx / "
+        "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin "
+        "_xmlsignatures/origin.sigs");
+    Outcome outcome = run("verify p.docx");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, error);
+    EXPECT_EQ(verify("", 3), json::array());
+
+    ASSERT_EQ(run("sign p.docx --key k.key --public k.pub").output, "sig1\n");
+    outcome = run("verify p.docx --public k.pub");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_NE(outcome.output.find("holds (0)"), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.errors, error);
+    EXPECT_EQ(verify("--public k.pub --signature sig1", 0)["code"], 0);
+}
+
 TEST_F(OpctoolSignatures, coverageTellsWhatNoSignatureCovers) {
     const std::string document = "/word/document.xml", styles = "/word/styles.xml";
     const std::string type = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles";

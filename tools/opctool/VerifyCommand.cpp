@@ -8,6 +8,7 @@
 #include "Trust.hpp"
 
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
+#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
@@ -33,6 +34,10 @@ using opc::toUDEString;
 using opc::model::DigitalSignature;
 using opc::model::DigitalSignatureManager;
 using opc::model::SignatureMethod;
+
+/// The type of the relationship by which office programs' signatures are found, in a form that isn't read.
+constexpr const char16_t* FOREIGN_ORIGIN =
+    u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin";
 
 constexpr int HOLDS = 0;
 constexpr int NOT_TRUSTED = 5;
@@ -180,6 +185,10 @@ Outcome verifyAll(const Arguments& arguments) {
     else
         for (const DigitalSignature& signature : signatures.getSignatures())
             verifyOne(verifier, signatures, signature, outcome);
+    if (arguments.signature.empty() && !outcome.failure &&
+        !package->getRelationshipsByType(FOREIGN_ORIGIN).empty())
+        outcome.failure = std::make_exception_ptr(opc::Exception(
+            arguments.package + " has signatures in a form that isn't read: they can't be checked"));
     return outcome;
 }
 
@@ -187,9 +196,9 @@ void verify(const Arguments& arguments) {
     const Outcome outcome = verifyAll(arguments);
     if (arguments.json)
         std::cout << outcome.list.dump(2) << '\n';
-    else if (outcome.list.empty())
+    else if (outcome.list.empty() && !outcome.failure)
         std::cout << arguments.package << " has no signatures\n";
-    else
+    else if (!outcome.list.empty())
         print(outcome.list);
     if (outcome.failure)
         std::rethrow_exception(outcome.failure);

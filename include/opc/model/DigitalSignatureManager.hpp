@@ -52,7 +52,8 @@ struct Reference;
 /// `<cp:keywords>` element of the core properties, nor which source a relationship belongs to.
 ///
 /// Every operation that reads signatures raises `InvalidSignature` with code 102 if a signature part can't
-/// be read, or if something that it signed is missing; the next operation tries again.
+/// be read, or if something that it signed is missing; the next operation tries again. Signatures that hang
+/// on relationships of other types, such as office programs make, aren't seen.
 class OPC_MODEL_EXPORT DigitalSignatureManager : public DataManager {
 public:
     using Bytes = std::vector<unsigned char>;
