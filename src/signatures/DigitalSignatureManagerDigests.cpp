@@ -29,9 +29,13 @@ namespace {
 std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
     constexpr std::string_view OPENING = "<cp:keywords>";
     constexpr std::string_view CLOSING = "</cp:keywords>";
-    std::stringstream content;
-    StreamHelper::copyStreamToStream(stream, content);
-    std::string bytes = content.str();
+    std::string bytes;
+    {
+        std::ostringstream content;
+        content.exceptions(std::ios_base::badbit); // without memory it would end early, in silence
+        StreamHelper::copyStreamToStream(stream, content);
+        bytes = content.str();
+    }
     const std::size_t begin = bytes.find(OPENING);
     const std::size_t end = bytes.find(CLOSING);
     if (begin != std::string::npos && end != std::string::npos && begin < end)
@@ -63,7 +67,7 @@ public:
         const std::u16string criteria = selector.getSelectionCriteria();
         const RelationshipSource& source = part ? static_cast<const RelationshipSource&>(*part) : package;
         if (selector.getSelectorType() == RelationshipSelectorType::SourceId) {
-            selected.push_back(source.getRelationshipByID(criteria));
+            appendSelected({source.getRelationshipByID(criteria)}, selected);
             return;
         }
         if (!byType)
@@ -104,7 +108,8 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
         DataToSign data;
         data.partNames = partNames;
         data.selectors = selectors;
-        data.digests = computePartDigests(partNames, params.getDigestMethod());
+        if (!partNames.empty())
+            data.digests = computePartDigests(partNames, params.getDigestMethod());
         for (const PartName& name : partNames)
             data.contentTypes.push_back(getPackage().getPart(name).getContentType());
         data.relationships = selectRelationships(selectors);

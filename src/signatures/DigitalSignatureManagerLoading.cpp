@@ -139,7 +139,7 @@ void DigitalSignatureManager::fillUpSignedRelationships(DigitalSignatureData& da
         for (const std::u16string& id : reference.relationshipReferences) {
             if (!relationshipSource.hasRelationship(id))
                 throwMissing("ID", id);
-            data.m_signedRelationships.push_back(relationshipSource.getRelationshipByID(id));
+            appendSelected({relationshipSource.getRelationshipByID(id)}, data.m_signedRelationships);
         }
         const RelationshipsByType byType(relationshipSource);
         for (const std::u16string& type : reference.relationshipGroupReferences) {

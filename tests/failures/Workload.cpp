@@ -92,7 +92,7 @@ const std::vector<Workload::Step>& Workload::steps() {
         {"sign", false,
          [](Workload& w) {
              w.signature = w.signatures.sign(
-                 {PartName(u"/a.xml")},
+                 {PartName(u"/a.xml"), PartName(PackageHelper::getCorePropertiesURI())},
                  {RelationshipSelector(URI(u"/a.xml"), RelationshipSelectorType::SourceType, u"urn:next")},
                  keys().getPrivateKey(), keys().getPublicKey(), params());
          }},

@@ -108,6 +108,9 @@ TEST_F(Signing, hasALimitForRepeatedSelections) {
     EXPECT_TRUE(throws<CouldNotGenerateSignature>(
         "A signature can't cover more than 10000000 selected relationships.",
         [&] { manager->sign({}, std::vector<RelationshipSelector>(100001, many), privateKey, params); }));
+    std::vector<RelationshipSelector> oneTooMany(100000, many);
+    oneTooMany.emplace_back(URI(u"/"), RelationshipSelectorType::SourceId, u"rId1");
+    EXPECT_THROW(manager->sign({}, oneTooMany, privateKey, params), CouldNotGenerateSignature);
 }
 
 TEST_F(Signing, aPackageBeingCreatedCanNotBeSigned) {

@@ -37,6 +37,40 @@ TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
                                          [&] { manager->verifySignature(signature, publicKey); }));
 }
 
+/// What is left out of the core properties is searched as bytes: the first opening and the first closing tag.
+TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
+    const char16_t* const CORE = u"/metadata/coreProperties.xml";
+    const struct {
+        const char16_t* part;
+        const char *signedContent, *now;
+        int code;
+    } cases[] = {
+        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p><cp:keywords>l</cp:keywords></p>", 0},
+        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p></p>", 0},
+        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<q><cp:keywords>k</cp:keywords></q>", 101},
+        {CORE, "<cp:keywords>k</cp:keywords><cp:keywords>k</cp:keywords>",
+         "<cp:keywords>k</cp:keywords><cp:keywords>l</cp:keywords>", 101},
+        {CORE, R"(<cp:keywords xml:lang="en">k</cp:keywords>)",
+         R"(<cp:keywords xml:lang="en">l</cp:keywords>)", 101},
+        {CORE, "<cp:keywords/>", "", 101},
+        {CORE, "<cp:keywords>k", "<cp:keywords>l", 101},
+        {u"/a.xml", "<cp:keywords>k</cp:keywords>", "<cp:keywords>l</cp:keywords>", 101},
+    };
+    close(true);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.signedContent);
+        store.setPart(c.part, opc::test::toBytes(c.signedContent));
+        open();
+        const auto name = signPart(c.part).getName();
+        close(false);
+        store.setPart(c.part, opc::test::toBytes(c.now));
+        open();
+        EXPECT_EQ(verify(name.c_str()), c.code);
+        manager->removeAllSignatures();
+        close(false);
+    }
+}
+
 TEST_F(Verification, materialThatDoesNotFitIsRefusedWithItsCode) {
     const DigitalSignature signature = signAll();
     const auto code = [&](const Bytes& key) {

@@ -81,6 +81,8 @@ public:
     /// @param selectors  the relationships to sign
     /// @param params     digest and signature method, the latter of the key's size
     /// @throws CouldNotGenerateSignature  whatever fails; the text says what
+    /// @throws opc::Exception  with a certificate or a bundle, if `params` have no size of key
+    /// @throws bedrock::certificates::CertificateException  if a revocation list of the options can't be read
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
     /// @{
 
