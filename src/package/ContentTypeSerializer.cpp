@@ -83,10 +83,11 @@ struct Names {
 
 void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const {
     map.clear();
-    std::vector<unsigned char> bytes;
+    ReadAheadBuffer buffer;
     ScannedContentTypes scanned;
     ReplayedStream replayed(stream);
-    if (replayed.readAhead(bytes, LARGEST_SCANNED) && scanContentTypes(bytes, scanned)) {
+    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
+    if (document && scanContentTypes(*document, scanned)) {
         ContentTypeReader types;
         for (const ScannedContentType& entry : scanned.defaults)
             addDefault(map, widen(entry.key), widen(entry.contentType), types);

@@ -48,7 +48,7 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
 
 } // namespace
 
-bool scanContentTypes(const std::vector<unsigned char>& document, ScannedContentTypes& found) {
+bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found = {};
     return visitPlainDocument(
         document, "Types", NAMESPACE, [&found](std::string_view name, const PlainAttributes& attributes) {

@@ -20,6 +20,6 @@ struct ScannedContentTypes {
 /// validating parser would find in the same bytes.
 /// @param found  takes the entries of each kind in the order of the document
 /// @return whether the stream is of that form. If not, the parser must read it, and `found` means nothing
-bool scanContentTypes(const std::vector<unsigned char>& document, ScannedContentTypes& found);
+bool scanContentTypes(std::string_view document, ScannedContentTypes& found);
 
 } // namespace opc::model

@@ -90,7 +90,8 @@ RelationshipSerializer::Xml& RelationshipSerializer::xml() {
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
     ReplayedStream replayed(stream);
-    if (!replayed.readAhead(bytes, LARGEST_SCANNED) || !scanRelationships(bytes, scanned)) {
+    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
+    if (!document || !scanRelationships(*document, scanned)) {
         parse(replayed, manager);
         return;
     }

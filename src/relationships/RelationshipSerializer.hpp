@@ -2,6 +2,7 @@
 
 #include "relationships/RelationshipBlock.hpp"
 #include "relationships/RelationshipsScanner.hpp"
+#include "xml/ReplayedStream.hpp"
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
@@ -47,8 +48,8 @@ private:
     std::u16string_view shareType(std::string_view type);
 
     std::unique_ptr<Xml> made;
-    std::vector<unsigned char> bytes;         // of the part in hand
-    std::vector<ScannedRelationship> scanned; // in `bytes`
+    ReadAheadBuffer buffer;                   // holds the part in hand
+    std::vector<ScannedRelationship> scanned; // in the buffer
     std::shared_ptr<RelationshipTypes> types; // that were scanned
 };
 

@@ -43,7 +43,7 @@ bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
 
 } // namespace
 
-bool scanRelationships(const std::vector<unsigned char>& document, std::vector<ScannedRelationship>& found) {
+bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found) {
     found.clear();
     return visitPlainDocument(document, "Relationships", NAMESPACE,
                               [&found](std::string_view name, const PlainAttributes& attributes) {

@@ -17,6 +17,6 @@ struct ScannedRelationship {
 /// validating parser would find in the same bytes.
 /// @param found  takes the relationships in the order of the document
 /// @return whether the part is of that form. If not, the parser must read it, and `found` means nothing
-bool scanRelationships(const std::vector<unsigned char>& document, std::vector<ScannedRelationship>& found);
+bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found);
 
 } // namespace opc::model

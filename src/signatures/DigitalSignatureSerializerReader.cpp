@@ -82,10 +82,11 @@ DigitalSignatureSerializer::DigitalSignatureSerializer()
 DigitalSignatureSerializer::~DigitalSignatureSerializer() = default;
 
 void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSignatureData& data) {
-    std::vector<unsigned char> bytes;
+    ReadAheadBuffer buffer;
     ReplayedStream replayed(stream);
     ScannedSignature scanned;
-    if (replayed.readAhead(bytes, LARGEST_SCANNED) && scanSignature(bytes, scanned))
+    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
+    if (document && scanSignature(*document, scanned))
         takeScanned(scanned, data);
     else
         parseSignature(replayed, data);

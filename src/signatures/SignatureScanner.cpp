@@ -245,10 +245,9 @@ private:
 
 } // namespace
 
-bool scanSignature(const std::vector<unsigned char>& document, ScannedSignature& found) {
+bool scanSignature(std::string_view document, ScannedSignature& found) {
     found = ScannedSignature();
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): what isn't ASCII isn't plain
-    return Scan({reinterpret_cast<const char*>(document.data()), document.size()}, found).takeDocument();
+    return Scan(document, found).takeDocument();
 }
 
 } // namespace opc::model

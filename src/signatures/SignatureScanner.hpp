@@ -39,6 +39,6 @@ struct ScannedSignature {
 
 /// @param found  takes what the document says in place of what it held
 /// @return whether the document is recognised. If not, `found` doesn't count
-bool scanSignature(const std::vector<unsigned char>& document, ScannedSignature& found);
+bool scanSignature(std::string_view document, ScannedSignature& found);
 
 } // namespace opc::model

@@ -191,10 +191,9 @@ bool PlainAttributes::add(const PlainAttribute& attribute) {
     return true;
 }
 
-bool visitPlainDocument(const std::vector<unsigned char>& document, std::string_view root,
-                        std::string_view namespaceURI, const PlainChildVisitor& visitChild) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): what isn't ASCII isn't plain
-    Reader reader(std::string_view(reinterpret_cast<const char*>(document.data()), document.size()));
+bool visitPlainDocument(std::string_view document, std::string_view root, std::string_view namespaceURI,
+                        const PlainChildVisitor& visitChild) {
+    Reader reader(document);
     reader.take("\xEF\xBB\xBF");
     if (!skipDeclaration(reader))
         return false;

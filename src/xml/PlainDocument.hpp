@@ -45,8 +45,8 @@ using PlainChildVisitor = std::function<bool(std::string_view name, const PlainA
 /// around them. There are no comments, no entities and no other text, and attributes of one element differ
 /// in name.
 /// @return whether the document is plain. If not, whatever was visited doesn't count
-bool visitPlainDocument(const std::vector<unsigned char>& document, std::string_view root,
-                        std::string_view namespaceURI, const PlainChildVisitor& visitChild);
+bool visitPlainDocument(std::string_view document, std::string_view root, std::string_view namespaceURI,
+                        const PlainChildVisitor& visitChild);
 
 /// Whether a text is a valid xs:ID of ASCII characters.
 bool isPlainID(std::string_view text);

@@ -1,26 +1,39 @@
 #include "xml/ReplayedStream.hpp"
 
 #include <algorithm>
+#include <new>
 
 namespace opc::model {
 
-bool ReplayedStream::readAhead(std::vector<unsigned char>& bytes, std::size_t limit) {
-    constexpr std::size_t BLOCK = 4096;
-    bytes.clear();
-    ahead = &bytes;
-    std::size_t filled = 0;
+void ReadAheadBuffer::grow(std::size_t larger) {
+    void* const grown = std::realloc(bytes.get(), larger);
+    if (grown == nullptr)
+        throw std::bad_alloc();
+    static_cast<void>(bytes.release());
+    bytes.reset(static_cast<unsigned char*>(grown));
+    room = larger;
+}
+
+std::optional<std::string_view> ReplayedStream::readAhead(ReadAheadBuffer& buffer, std::size_t limit) {
+    constexpr std::size_t SMALLEST_ROOM = 4096;
+    ahead = buffer.data();
     try {
         while (filled < limit && !stream.isDone()) {
-            bytes.resize(std::max(filled + BLOCK, filled * 2));
-            filled += static_cast<std::size_t>(std::min<std::uint64_t>(
-                stream.read(bytes.data() + filled, bytes.size() - filled), bytes.size() - filled));
+            if (filled == buffer.size()) {
+                buffer.grow(std::max(SMALLEST_ROOM, filled * 2));
+                ahead = buffer.data();
+            }
+            const std::size_t room = buffer.size() - filled;
+            filled += static_cast<std::size_t>(
+                std::min<std::uint64_t>(stream.read(buffer.data() + filled, room), room));
         }
-        bytes.resize(filled);
-        return stream.isDone();
+        if (!stream.isDone())
+            return std::nullopt;
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes of a text in ASCII, or not plain
+        return std::string_view(reinterpret_cast<const char*>(ahead), filled);
     } catch (...) {
-        bytes.resize(filled);
         failure = std::current_exception();
-        return false;
+        return std::nullopt;
     }
 }
 
@@ -28,9 +41,9 @@ void ReplayedStream::open() {
 }
 
 std::uint64_t ReplayedStream::read(unsigned char* buffer, std::uint64_t count) {
-    if (ahead != nullptr && position < ahead->size()) {
-        const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(count, ahead->size() - position));
-        std::copy_n(ahead->data() + position, taken, buffer);
+    if (position < filled) {
+        const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(count, filled - position));
+        std::copy_n(ahead + position, taken, buffer);
         position += taken;
         return taken;
     }
@@ -40,7 +53,7 @@ std::uint64_t ReplayedStream::read(unsigned char* buffer, std::uint64_t count) {
 }
 
 bool ReplayedStream::isDone() const {
-    return (ahead == nullptr || position == ahead->size()) && !failure && stream.isDone();
+    return position == filled && !failure && stream.isDone();
 }
 
 void ReplayedStream::close() {

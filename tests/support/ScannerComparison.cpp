@@ -33,8 +33,9 @@ std::string text(std::string_view view) {
 }
 
 bool scanRelationshipElements(const Bytes& document, Elements& elements) {
+    const std::string content = toText(document);
     std::vector<ScannedRelationship> found;
-    if (!scanRelationships(document, found))
+    if (!scanRelationships(content, found))
         return false;
     for (const ScannedRelationship& entry : found) {
         Attributes attributes{{"Id", text(entry.id)}, {"Target", text(entry.target)}};
@@ -47,8 +48,9 @@ bool scanRelationshipElements(const Bytes& document, Elements& elements) {
 }
 
 bool scanContentTypeElements(const Bytes& document, Elements& elements) {
+    const std::string content = toText(document);
     ScannedContentTypes found;
-    if (!scanContentTypes(document, found))
+    if (!scanContentTypes(content, found))
         return false;
     for (const ScannedContentType& entry : found.defaults)
         elements.emplace_back(

@@ -14,7 +14,7 @@ using namespace model;
 
 bool SignatureComparison::isRecognised(const Bytes& document) {
     ScannedSignature scanned;
-    return scanSignature(document, scanned);
+    return scanSignature(toText(document), scanned);
 }
 
 std::string SignatureComparison::findDifference(const Bytes& document) {

@@ -143,8 +143,8 @@ TEST(ReplayedStream, givesWhatWasReadAheadAndThenTheRest) {
     const Bytes document = toBytes(std::string(10000, 'x') + "end");
     opc::ByteArrayInAdaptor source(document);
     ReplayedStream stream(source);
-    Bytes ahead;
-    EXPECT_FALSE(stream.readAhead(ahead, 5000));
+    ReadAheadBuffer buffer;
+    EXPECT_FALSE(stream.readAhead(buffer, 5000));
     Bytes all;
     unsigned char block[777];
     while (!stream.isDone()) {
@@ -169,12 +169,12 @@ TEST(ReplayedStream, keepsAFailureForWhoeverReadsThatFar) {
         int reads = 0;
     } source;
     ReplayedStream stream(source);
-    Bytes ahead;
-    EXPECT_FALSE(stream.readAhead(ahead, 100));
-    unsigned char buffer[10];
-    EXPECT_EQ(stream.read(buffer, 10), 1U);
+    ReadAheadBuffer buffer;
+    EXPECT_FALSE(stream.readAhead(buffer, 100));
+    unsigned char block[10];
+    EXPECT_EQ(stream.read(block, 10), 1U);
     EXPECT_FALSE(stream.isDone());
-    EXPECT_THROW(stream.read(buffer, 10), opc::Exception);
+    EXPECT_THROW(stream.read(block, 10), opc::Exception);
 }
 
 } // namespace
