@@ -1,21 +1,14 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 
-#include "package/StreamRewinder.hpp"
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
-#include "signatures/DigestEngines.hpp"
+#include "signatures/PartDigester.hpp"
 #include "signatures/RelationshipsByType.hpp"
 
-#include <bedrock/crypto/CryptoEngine.hpp>
-#include <bedrock/crypto/DigestEngine.hpp>
-#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
-#include <opc/core/StreamHelper.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 
 #include <optional>
-#include <sstream>
-#include <string_view>
 
 /// @file
 /// What a signature covers of the package: the digests of parts, and the relationships that selectors choose.
@@ -23,33 +16,6 @@
 namespace opc::model {
 
 namespace {
-
-/// The content of the core properties part without its first keywords element, which lies outside every
-/// signature. The search is for bytes: an opening tag of another form leaves the whole content.
-std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
-    constexpr std::string_view OPENING = "<cp:keywords>";
-    constexpr std::string_view CLOSING = "</cp:keywords>";
-    std::string bytes;
-    {
-        std::ostringstream content;
-        content.exceptions(std::ios_base::badbit); // without memory it would end early, in silence
-        StreamHelper::copyStreamToStream(stream, content);
-        bytes = content.str();
-    }
-    const std::size_t begin = bytes.find(OPENING);
-    const std::size_t end = bytes.find(CLOSING);
-    if (begin != std::string::npos && end != std::string::npos && begin < end)
-        bytes.erase(begin, end + CLOSING.size() - begin);
-    return {bytes.begin(), bytes.end()};
-}
-
-std::vector<unsigned char> digestPart(const Part& part, bedrock::crypto::DigestEngine* engine) {
-    InputStream& stream = part.getInputStream();
-    const StreamRewinder rewinder(stream);
-    if (part.getName().getURI() != PackageHelper::getCorePropertiesURI())
-        return digestStream(engine, stream);
-    return digestBytes(engine, readWithoutKeywords(stream));
-}
 
 /// Selects relationships of one source.
 class SelectionSource {
@@ -87,18 +53,12 @@ private:
 std::vector<DigitalSignatureManager::Bytes>
 DigitalSignatureManager::computePartDigests(const std::vector<PartName>& partNames,
                                             DigestMethod digestMethod) const {
-    try {
-        const bedrock::crypto::CryptoEngine cryptoEngine(
-            std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
-        const auto engine = createDigestEngine(cryptoEngine, digestMethod);
-        std::vector<Bytes> digests;
-        digests.reserve(partNames.size());
-        for (const PartName& name : partNames)
-            digests.push_back(digestPart(getPackage().getPart(name), engine.get()));
-        return digests;
-    } catch (const bedrock::crypto::utils::Exception& e) {
-        throw CouldNotGenerateSignature(std::string("Unable to compute digest. ") + e.what());
-    }
+    const PartDigester digester(getPackage(), digestMethod);
+    std::vector<Bytes> digests;
+    digests.reserve(partNames.size());
+    for (const PartName& name : partNames)
+        digests.push_back(digester.digest(name));
+    return digests;
 }
 
 DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName>& partNames,

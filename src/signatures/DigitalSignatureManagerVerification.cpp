@@ -1,6 +1,7 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 
 #include "signatures/DigitalSignatureData.hpp"
+#include "signatures/PartDigester.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/SignatureVocabulary.hpp"
 #include "signatures/SignedBytes.hpp"
@@ -131,13 +132,16 @@ DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data) const {
     try {
         std::optional<std::u16string> relationshipsDigest; // one for all references
+        std::optional<PartDigester> digester;              // most references have one method
         const auto compute = [&](const Reference& reference) {
             if (isSameDocumentReference(reference.referenceURI))
                 return digestObject(data, reference.referenceURI);
             if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
                 const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
-                return base64Encode(
-                    computePartDigests({PartName(reference.referenceURI.getPath())}, method).front());
+                const PartName name(reference.referenceURI.getPath());
+                if (!digester || digester->getMethod() != method)
+                    digester.emplace(getPackage(), method);
+                return base64Encode(digester->digest(name));
             }
             if (!relationshipsDigest)
                 relationshipsDigest = digestSignedRelationships(data);

@@ -5,6 +5,7 @@
 #include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
@@ -29,9 +30,11 @@ auto RelationshipsText::keys(const Relationship::Values& values) {
 /// of different sources are often alike too.
 std::vector<RelationshipsText::Entry>
 RelationshipsText::collect(const std::vector<Relationship>& relationships) {
-    std::unordered_map<const Relationship::Values*, std::uint64_t> selected;
+    std::vector<const Relationship::Values*> selected;
+    selected.reserve(relationships.size());
     for (const Relationship& relationship : relationships)
-        ++selected[relationship.values.get()];
+        selected.push_back(relationship.values.get());
+    std::sort(selected.begin(), selected.end(), std::less<>());
 
     const auto hash = [](const Relationship::Values* values) {
         const std::hash<std::u16string_view> hashText;
@@ -41,9 +44,12 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
         return keys(*left) == keys(*right);
     };
     std::unordered_map<const Relationship::Values*, std::uint64_t, decltype(hash), decltype(areAlike)> counts(
-        selected.size(), hash, areAlike);
-    for (const auto& [values, count] : selected)
-        counts[values] += count;
+        0, hash, areAlike);
+    for (auto first = selected.begin(); first != selected.end();) {
+        const auto last = std::upper_bound(first, selected.end(), *first, std::less<>());
+        counts[*first] += static_cast<std::uint64_t>(last - first);
+        first = last;
+    }
 
     std::vector<Entry> entries;
     entries.reserve(counts.size());

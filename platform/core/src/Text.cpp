@@ -1,6 +1,7 @@
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
+#include <cstring>
 
 namespace opc {
 
@@ -96,11 +97,20 @@ char32_t decodeUTF8(const std::string& text, std::size_t& position) {
     return point;
 }
 
+/// A lower bound of how many units two texts have in common at their start: names of parts share long ones.
+std::size_t countEqualUnits(const char16_t* left, const char16_t* right, std::size_t length) noexcept {
+    constexpr std::size_t STEP = 8;
+    std::size_t i = 0;
+    while (i + STEP <= length && std::memcmp(left + i, right + i, STEP * sizeof(char16_t)) == 0)
+        i += STEP;
+    return i;
+}
+
 } // namespace
 
 std::int32_t caselessCompare(const std::u16string& left, const std::u16string& right) noexcept {
     const std::size_t common = std::min(left.size(), right.size());
-    for (std::size_t i = 0; i < common; ++i) {
+    for (std::size_t i = countEqualUnits(left.data(), right.data(), common); i < common; ++i) {
         if (left[i] == right[i])
             continue;
         const std::int32_t difference = toLowerASCII(left[i]) - toLowerASCII(right[i]);

@@ -6,12 +6,21 @@
 
 namespace bedrock::openssl {
 
+namespace {
+
+void clearErrors() noexcept {
+    if (ERR_peek_error() != 0) // to look is cheaper
+        ERR_clear_error();
+}
+
+} // namespace
+
 ErrorScope::ErrorScope() noexcept {
-    ERR_clear_error();
+    clearErrors();
 }
 
 ErrorScope::~ErrorScope() {
-    ERR_clear_error();
+    clearErrors();
 }
 
 std::string withErrors(const std::string& sentence) {

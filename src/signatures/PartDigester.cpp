@@ -1,0 +1,72 @@
+#include "signatures/PartDigester.hpp"
+
+#include "package/StreamRewinder.hpp"
+#include "signatures/DigestEngines.hpp"
+
+#include <bedrock/crypto/CryptoEngine.hpp>
+#include <bedrock/crypto/DigestEngine.hpp>
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/StreamHelper.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <sstream>
+#include <string>
+#include <string_view>
+
+namespace opc::model {
+
+namespace {
+
+/// The content of the core properties part without its first keywords element, which lies outside every
+/// signature. The search is for bytes: an opening tag of another form leaves the whole content.
+std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
+    constexpr std::string_view OPENING = "<cp:keywords>";
+    constexpr std::string_view CLOSING = "</cp:keywords>";
+    std::string bytes;
+    {
+        std::ostringstream content;
+        content.exceptions(std::ios_base::badbit); // without memory it would end early, in silence
+        StreamHelper::copyStreamToStream(stream, content);
+        bytes = content.str();
+    }
+    const std::size_t begin = bytes.find(OPENING);
+    const std::size_t end = bytes.find(CLOSING);
+    if (begin != std::string::npos && end != std::string::npos && begin < end)
+        bytes.erase(begin, end + CLOSING.size() - begin);
+    return {bytes.begin(), bytes.end()};
+}
+
+template <typename Action>
+auto translateDigestFailures(const Action& action) {
+    try {
+        return action();
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throw CouldNotGenerateSignature(std::string("Unable to compute digest. ") + e.what());
+    }
+}
+
+} // namespace
+
+PartDigester::PartDigester(const Package& containing, DigestMethod method)
+    : package(containing), digestMethod(method), engine(translateDigestFailures([method] {
+          const bedrock::crypto::CryptoEngine cryptoEngine(
+              std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
+          return createDigestEngine(cryptoEngine, method);
+      })) {
+}
+
+std::vector<unsigned char> PartDigester::digest(const PartName& name) const {
+    return translateDigestFailures([&] {
+        const Part part = package.getPart(name);
+        InputStream& stream = part.getInputStream();
+        const StreamRewinder rewinder(stream);
+        if (name.getURI() != PackageHelper::getCorePropertiesURI())
+            return digestStream(engine.get(), stream);
+        return digestBytes(engine.get(), readWithoutKeywords(stream));
+    });
+}
+
+} // namespace opc::model
