@@ -3,12 +3,10 @@
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
 #include "signatures/PartDigester.hpp"
-#include "signatures/RelationshipsByType.hpp"
+#include "signatures/RelationshipSelection.hpp"
 
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
-
-#include <optional>
 
 /// @file
 /// What a signature covers of the package: the digests of parts, and the relationships that selectors choose.
@@ -17,43 +15,21 @@ namespace opc::model {
 
 namespace {
 
-/// Selects relationships of one source.
-class SelectionSource {
-public:
-    /// @throws InvalidPartName, PartNotFound
-    SelectionSource(const Package& containing, const URI& sourceURI) : package(containing), uri(sourceURI) {
-        if (uri != PackageHelper::getPackageRootURI())
-            part.emplace(package.getPart(PartName(uri)));
-    }
-
-    bool isAt(const URI& sourceURI) const { return uri == sourceURI; }
-
-    /// @throws RelationshipNotFound
-    void select(const RelationshipSelector& selector, std::vector<Relationship>& selected) {
-        const std::u16string criteria = selector.getSelectionCriteria();
-        const RelationshipSource& source = part ? static_cast<const RelationshipSource&>(*part) : package;
-        if (selector.getSelectorType() == RelationshipSelectorType::SourceId) {
-            appendSelected({source.getRelationshipByID(criteria)}, selected);
-            return;
-        }
-        if (!byType)
-            byType.emplace(source);
-        appendSelected(byType->get(criteria), selected);
-    }
-
-private:
-    const Package& package;
-    URI uri;
-    std::optional<Part> part;
-    std::optional<RelationshipsByType> byType;
-};
+/// @throws RelationshipNotFound
+void select(const RelationshipSource& source, const std::u16string& name,
+            const RelationshipSelector& selector, RelationshipSelection& selection) {
+    if (selector.getSelectorType() == RelationshipSelectorType::SourceId)
+        selection.addByID(source, selector.getSelectionCriteria());
+    else
+        selection.addByType(source, name, selector.getSelectionCriteria());
+}
 
 } // namespace
 
 std::vector<DigitalSignatureManager::Bytes>
 DigitalSignatureManager::computePartDigests(const std::vector<PartName>& partNames,
                                             DigestMethod digestMethod) const {
-    const PartDigester digester(getPackage(), digestMethod);
+    PartDigester digester(getPackage(), digestMethod);
     std::vector<Bytes> digests;
     digests.reserve(partNames.size());
     for (const PartName& name : partNames)
@@ -82,15 +58,17 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
 
 std::vector<Relationship>
 DigitalSignatureManager::selectRelationships(const std::vector<RelationshipSelector>& selectors) const {
-    std::vector<Relationship> selected;
-    std::optional<SelectionSource> source; // the selectors of one mostly stand together
+    RelationshipSelection selection;
     for (const RelationshipSelector& selector : selectors) {
         const URI uri = selector.getSourceURI();
-        if (!source || !source->isAt(uri))
-            source.emplace(getPackage(), uri);
-        source->select(selector, selected);
+        if (uri == PackageHelper::getPackageRootURI()) {
+            select(getPackage(), u"/", selector, selection);
+        } else {
+            const Part part = getPackage().getPart(PartName(uri));
+            select(part, part.getName().toString(), selector, selection);
+        }
     }
-    return selected;
+    return selection.take();
 }
 
 } // namespace opc::model

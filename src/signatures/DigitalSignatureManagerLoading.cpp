@@ -3,7 +3,7 @@
 #include "package/StreamRewinder.hpp"
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
-#include "signatures/RelationshipsByType.hpp"
+#include "signatures/RelationshipSelection.hpp"
 #include "signatures/SignatureLayout.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -110,6 +110,7 @@ void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
 }
 
 void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
+    RelationshipSelection selection;
     for (const Reference& reference : data.m_content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))
@@ -118,41 +119,39 @@ void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) c
                 "same-document reference.");
         const PartName name(uri.getPath());
         if (name.isRelationshipName())
-            fillUpSignedRelationships(data, reference, name);
+            fillUpSignedRelationships(reference, name, selection);
         else if (getPackage().hasPart(name))
             data.m_signedPartNames.push_back(name);
         else
             throwUnreadable("Part referenced to by the signature is not present in the package." +
                             toUDEString(uri.getPath()));
     }
+    data.m_signedRelationships = selection.take();
 }
 
-void DigitalSignatureManager::fillUpSignedRelationships(DigitalSignatureData& data,
-                                                        const Reference& reference,
-                                                        const PartName& relationshipsPart) const {
-    const std::u16string source = relationshipsPart.getSourcePartName();
-    const auto fillUp = [&](const RelationshipSource& relationshipSource, const std::string& label) {
+void DigitalSignatureManager::fillUpSignedRelationships(const Reference& reference,
+                                                        const PartName& relationshipsPart,
+                                                        RelationshipSelection& selection) const {
+    const auto fillUp = [&](const RelationshipSource& source, const std::u16string& name,
+                            const std::string& label) {
         const auto throwMissing = [&label](const std::string& what, const std::u16string& criteria) {
             throwUnreadable("Relationship with " + what + " " + toUDEString(criteria) +
                             " referenced to in the signature is not present in the " + label);
         };
         for (const std::u16string& id : reference.relationshipReferences) {
-            if (!relationshipSource.hasRelationship(id))
+            if (!source.hasRelationship(id))
                 throwMissing("ID", id);
-            appendSelected({relationshipSource.getRelationshipByID(id)}, data.m_signedRelationships);
+            selection.addByID(source, id);
         }
-        const RelationshipsByType byType(relationshipSource);
-        for (const std::u16string& type : reference.relationshipGroupReferences) {
-            const std::vector<Relationship>& found = byType.get(type);
-            if (found.empty())
+        for (const std::u16string& type : reference.relationshipGroupReferences)
+            if (!selection.addByType(source, name, type))
                 throwMissing("Type", type);
-            appendSelected(found, data.m_signedRelationships);
-        }
     };
     if (relationshipsPart == u"/_rels/.rels")
-        fillUp(getPackage(), "package");
-    else
-        fillUp(getPackage().getPart(PartName(source)), toUDEString(source));
+        return fillUp(getPackage(), u"/", "package");
+    const std::u16string name = relationshipsPart.getSourcePartName();
+    const Part part = getPackage().getPart(PartName(name));
+    fillUp(part, part.getName().toString(), toUDEString(name));
 }
 
 DigitalSignatureManager::Signatures::iterator

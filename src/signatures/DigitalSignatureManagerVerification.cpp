@@ -13,6 +13,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <string_view>
 
@@ -131,17 +132,23 @@ DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
 DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data) const {
     try {
-        std::optional<std::u16string> relationshipsDigest; // one for all references
-        std::optional<PartDigester> digester;              // most references have one method
+        // Each digest is computed once, however many references there are to it.
+        std::optional<std::u16string> relationshipsDigest;
+        std::map<DigestMethod, PartDigester> partDigesters;
+        std::map<std::u16string, std::u16string> objectDigests; // by identifier
         const auto compute = [&](const Reference& reference) {
-            if (isSameDocumentReference(reference.referenceURI))
-                return digestObject(data, reference.referenceURI);
+            if (isSameDocumentReference(reference.referenceURI)) {
+                std::u16string& digest = objectDigests[reference.referenceURI.getFragment()];
+                if (digest.empty())
+                    digest = digestObject(data, reference.referenceURI);
+                return digest;
+            }
             if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
                 const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
                 const PartName name(reference.referenceURI.getPath());
-                if (!digester || digester->getMethod() != method)
-                    digester.emplace(getPackage(), method);
-                return base64Encode(digester->digest(name));
+                PartDigester& digester =
+                    partDigesters.try_emplace(method, getPackage(), method).first->second;
+                return base64Encode(digester.digest(name));
             }
             if (!relationshipsDigest)
                 relationshipsDigest = digestSignedRelationships(data);

@@ -51,22 +51,26 @@ auto translateDigestFailures(const Action& action) {
 } // namespace
 
 PartDigester::PartDigester(const Package& containing, DigestMethod method)
-    : package(containing), digestMethod(method), engine(translateDigestFailures([method] {
+    : package(containing), engine(translateDigestFailures([method] {
           const bedrock::crypto::CryptoEngine cryptoEngine(
               std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
           return createDigestEngine(cryptoEngine, method);
       })) {
 }
 
-std::vector<unsigned char> PartDigester::digest(const PartName& name) const {
-    return translateDigestFailures([&] {
-        const Part part = package.getPart(name);
-        InputStream& stream = part.getInputStream();
-        const StreamRewinder rewinder(stream);
-        if (name.getURI() != PackageHelper::getCorePropertiesURI())
-            return digestStream(engine.get(), stream);
-        return digestBytes(engine.get(), readWithoutKeywords(stream));
-    });
+const std::vector<unsigned char>& PartDigester::digest(const PartName& name) {
+    InputStream& stream = package.getPart(name).getInputStream();
+    std::vector<unsigned char>& digest = computed[&stream];
+    if (digest.empty())
+        digest = translateDigestFailures([&] { return compute(stream, name); });
+    return digest;
+}
+
+std::vector<unsigned char> PartDigester::compute(InputStream& stream, const PartName& name) const {
+    const StreamRewinder rewinder(stream);
+    if (name.getURI() != PackageHelper::getCorePropertiesURI())
+        return digestStream(engine.get(), stream);
+    return digestBytes(engine.get(), readWithoutKeywords(stream));
 }
 
 } // namespace opc::model

@@ -4,10 +4,15 @@
 #include <opc/model/SignatureParams.hpp>
 
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace bedrock::crypto {
 class DigestEngine;
+}
+
+namespace opc {
+class InputStream;
 }
 
 namespace opc::model {
@@ -15,23 +20,24 @@ namespace opc::model {
 class Package;
 
 /// Computes the digests of parts by one method, as signatures hold them: of the content, but of the core
-/// properties without their keywords. A part's stream is at its start then.
+/// properties without their keywords. A part's stream is at its start then. Each part is read once, however
+/// often its digest is asked for: a small signature could name a large part many times.
 class PartDigester {
 public:
     /// @param containing  must outlive this object
     /// @throws CouldNotGenerateSignature  if the method isn't to be had
     PartDigester(const Package& containing, DigestMethod method);
 
-    DigestMethod getMethod() const { return digestMethod; }
-
     /// @throws CouldNotGenerateSignature  if the services fail
     /// @throws PartNotFound, and whatever reading the part raises
-    std::vector<unsigned char> digest(const PartName& name) const;
+    const std::vector<unsigned char>& digest(const PartName& name);
 
 private:
+    std::vector<unsigned char> compute(InputStream& stream, const PartName& name) const;
+
     const Package& package;
-    DigestMethod digestMethod;
     std::shared_ptr<bedrock::crypto::DigestEngine> engine;
+    std::unordered_map<const InputStream*, std::vector<unsigned char>> computed; // by the part's stream
 };
 
 } // namespace opc::model

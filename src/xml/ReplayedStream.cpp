@@ -24,8 +24,13 @@ std::optional<std::string_view> ReplayedStream::readAhead(ReadAheadBuffer& buffe
                 ahead = buffer.data();
             }
             const std::size_t room = buffer.size() - filled;
-            filled += static_cast<std::size_t>(
-                std::min<std::uint64_t>(stream.read(buffer.data() + filled, room), room));
+            const std::uint64_t got =
+                std::min<std::uint64_t>(stream.read(buffer.data() + filled, room), room);
+            if (got == 0) { // to a parser the document ends here
+                gaveNothing = true;
+                return std::nullopt;
+            }
+            filled += static_cast<std::size_t>(got);
         }
         if (!stream.isDone())
             return std::nullopt;
@@ -49,11 +54,15 @@ std::uint64_t ReplayedStream::read(unsigned char* buffer, std::uint64_t count) {
     }
     if (failure)
         std::rethrow_exception(failure);
+    if (gaveNothing) {
+        gaveNothing = false;
+        return 0;
+    }
     return stream.read(buffer, count);
 }
 
 bool ReplayedStream::isDone() const {
-    return position == filled && !failure && stream.isDone();
+    return position == filled && !failure && !gaveNothing && stream.isDone();
 }
 
 void ReplayedStream::close() {

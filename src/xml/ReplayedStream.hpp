@@ -53,6 +53,7 @@ private:
     std::size_t filled = 0; // of what is read ahead
     std::size_t position = 0;
     std::exception_ptr failure;
+    bool gaveNothing = false; // behind what is read ahead, without being done
 };
 
 } // namespace opc::model

@@ -154,6 +154,26 @@ TEST(ReplayedStream, givesWhatWasReadAheadAndThenTheRest) {
     EXPECT_EQ(all, document);
 }
 
+TEST(ReplayedStream, givesNothingWhereTheStreamGaveNothing) {
+    class Stuttering : public opc::InputStream {
+    public:
+        void open() override {}
+        std::uint64_t read(unsigned char* buffer, std::uint64_t) override {
+            *buffer = 'x';
+            return ++reads % 2;
+        }
+        bool isDone() const override { return false; }
+        void close() override {}
+        int reads = 0;
+    } source;
+    ReplayedStream stream(source);
+    ReadAheadBuffer buffer;
+    EXPECT_FALSE(stream.readAhead(buffer, 100));
+    unsigned char block[10];
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(stream.read(block, 10), i % 2 == 0 ? 1U : 0U) << i;
+}
+
 TEST(ReplayedStream, keepsAFailureForWhoeverReadsThatFar) {
     class Failing : public opc::InputStream {
     public:

@@ -37,6 +37,7 @@ class DigitalSignatureData;
 class DigitalSignatureSerializer;
 class InvalidSignature;
 struct DataToSign;
+class RelationshipSelection;
 struct Reference;
 
 /// The digital signatures of one package (ECMA-376 Part 2, digital signatures): signs, verifies,
@@ -247,8 +248,8 @@ private:
     void loadSignature(const Part& part);
     void updateNextSignatureID(std::u16string id, const Part& part);
     void fillUpSignedEntities(DigitalSignatureData& data) const;
-    void fillUpSignedRelationships(DigitalSignatureData& data, const Reference& reference,
-                                   const PartName& relationshipsPart) const;
+    void fillUpSignedRelationships(const Reference& reference, const PartName& relationshipsPart,
+                                   RelationshipSelection& selection) const;
     void assertSignatureCorrectnessAfterLoad(const DigitalSignatureData& data) const;
     Signatures::iterator findSignature(const std::u16string& name);
 

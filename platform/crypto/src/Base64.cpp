@@ -33,17 +33,19 @@ constexpr std::array<unsigned char, 128> Meanings = makeMeanings();
 } // namespace
 
 std::u16string base64Encode(const std::vector<unsigned char>& bytes) {
-    std::u16string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
+    std::u16string text((bytes.size() + 2) / 3 * 4, u'=');
+    auto target = text.begin();
     for (std::size_t start = 0; start < bytes.size(); start += 3) {
         const std::size_t count = bytes.size() - start;
         const std::uint32_t group = std::uint32_t{bytes[start]} << 16 |
                                     (count > 1 ? std::uint32_t{bytes[start + 1]} << 8 : 0) |
                                     (count > 2 ? std::uint32_t{bytes[start + 2]} : 0);
-        text += Alphabet[group >> 18];
-        text += Alphabet[group >> 12 & 63];
-        text += count > 1 ? Alphabet[group >> 6 & 63] : u'=';
-        text += count > 2 ? Alphabet[group & 63] : u'=';
+        *target++ = Alphabet[group >> 18];
+        *target++ = Alphabet[group >> 12 & 63];
+        if (count > 1)
+            *target++ = Alphabet[group >> 6 & 63];
+        if (count > 2)
+            *target++ = Alphabet[group & 63];
     }
     return text;
 }

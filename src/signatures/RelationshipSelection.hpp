@@ -1,0 +1,45 @@
+#pragma once
+
+#include <opc/model/RelationshipSource.hpp>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace opc::model {
+
+/// The relationships that one signature covers, each as often as it is selected. Takes time for as many
+/// relationships as there are and are selected, however often and in whatever order the sources are named.
+class RelationshipSelection {
+public:
+    /// @throws RelationshipNotFound
+    /// @throws opc::Exception  if there are more than a signature can cover
+    void addByID(const RelationshipSource& source, const std::u16string& id);
+
+    /// Adds all of a type, in the order of `RelationshipSource::getRelationshipsByType`.
+    /// @param name  the source's: one for each source, in one spelling
+    /// @return whether there are any
+    /// @throws opc::Exception  if there are more than a signature can cover
+    bool addByType(const RelationshipSource& source, const std::u16string& name, const std::u16string& type);
+
+    /// What was added, in that order; none is left here.
+    std::vector<Relationship> take() { return std::move(selected); }
+
+private:
+    using Groups = std::unordered_map<std::u16string, std::vector<Relationship>>;
+
+    struct Source {
+        int timesAsked = 0;
+        std::unique_ptr<Groups> byType; // made once it has been asked a few times
+    };
+
+    template <typename Relationships>
+    bool add(const Relationships& relationships);
+
+    std::unordered_map<std::u16string, Source> sources;
+    std::vector<Relationship> selected;
+};
+
+} // namespace opc::model
