@@ -170,6 +170,17 @@ TEST_F(SignedPackage, theNextNumberFollowsTheSignaturesThatAreThere) {
     EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig1") << "the counter starts anew with each package";
 }
 
+/// A countersignature leaves its own relationship out; without one, the ID is like any other.
+TEST_F(SignedPackage, aRelationshipNamedLikeTheCountersignaturesIsProtectedWithoutOne) {
+    package->createExternalRelationship(u"urn:other", u"http://e/", u"DSRelcountersig");
+    const DigitalSignature signature = signAll();
+    EXPECT_EQ(verify(signature), 0);
+    package->deleteRelationship(u"DSRelcountersig");
+    package->createExternalRelationship(u"urn:other", u"http://f/", u"DSRelcountersig");
+    reopen();
+    EXPECT_EQ(verify(u"sig1"), 101);
+}
+
 TEST_F(SignedPackage, aClosedPackageIsSaidToBeClosedHoweverItWasOpened) {
     for (const auto mode : {opc::interfaces::OpenMode::ReadOnly, opc::interfaces::OpenMode::CreateOnly}) {
         package->close(true);
