@@ -16,25 +16,25 @@ constexpr auto AS_WRITTEN = bedrock::network::iri::Encoding::AsWritten;
 } // namespace
 
 struct URI::Impl {
-    explicit Impl(const std::u16string& reference) : iri(reference) {}
+    explicit Impl(std::u16string reference) : iri(std::move(reference)) {}
 
     const bedrock::network::IRI iri; // owns the text
 };
 
-URI::URI(const std::u16string& text) {
-    init(text);
+URI::URI(std::u16string text) {
+    init(std::move(text));
 }
 
 URI::URI(const char16_t* text) {
     init(text == nullptr ? std::u16string() : std::u16string(text));
 }
 
-void URI::init(const std::u16string& reference) {
+void URI::init(std::u16string reference) {
     if (std::any_of(reference.begin(), reference.end(), [](char16_t unit) { return unit > 127; }))
         throw InvalidURI("Could not successfully parse URI string. URI must contain only US-ASCII.");
     try {
         static const auto EMPTY = std::make_shared<const Impl>(std::u16string()); // one body for all of these
-        impl = reference.empty() ? EMPTY : std::make_shared<const Impl>(reference);
+        impl = reference.empty() ? EMPTY : std::make_shared<const Impl>(std::move(reference));
     } catch (...) {
         throw InvalidURI("Could not successfully parse URI string.");
     }
@@ -190,7 +190,7 @@ URI relativize(const URI& source, const URI& target) {
     if (source.isAbsolute() || target.isAbsolute() || !source.hasAbsolutePath() || !target.hasAbsolutePath())
         throw UnsupportedRelativize(
             "URIs must be relative URIs, where the source and target URI have absolute paths.");
-    if (source.getPath() == target.getPath())
+    if (source.path() == target.path())
         throw UnsupportedRelativize("URI's paths must be different.");
     return URI(target.impl->iri.makeRelativeTo(source.impl->iri).toAsciiString(false));
 }

@@ -15,6 +15,15 @@ namespace {
     throw RelationshipNotFound("Relationship ID does not exist");
 }
 
+/// The values of one relationship, with their texts.
+struct Alone {
+    explicit Alone(const URI& source) : sourceURI(source) {}
+
+    const URI sourceURI;
+    std::u16string texts;
+    RelationshipBlock::Values values{};
+};
+
 } // namespace
 
 Relationship RelationshipManager::getRelationship(const std::u16string& id) const {
@@ -33,6 +42,15 @@ RelationshipManager::SharedValues RelationshipManager::find(std::u16string_view 
     const auto precedes = [](const Values& left, std::u16string_view sought) { return left.id < sought; };
     const auto found = std::lower_bound(values.begin(), values.end(), id, precedes);
     return found == values.end() || found->id != id ? nullptr : SharedValues(block, &*found);
+}
+
+void RelationshipManager::visit(const std::function<void(const Values&)>& visitor) const {
+    if (block) {
+        for (const Values& values : block->values())
+            visitor(values);
+    }
+    for (const SharedValues& values : relationships)
+        visitor(*values);
 }
 
 template <typename Predicate>
@@ -75,10 +93,13 @@ Relationship RelationshipManager::addInternalRelationship(const std::u16string& 
 Relationship RelationshipManager::add(std::u16string_view id, std::u16string_view type,
                                       std::u16string_view target, TargetMode targetMode) {
     unpack();
-    const auto made =
-        std::make_shared<RelationshipBlock>(sourceURI, 1, id.size() + type.size() + target.size(), nullptr);
-    made->add(made->addText(id), made->addText(type), made->addText(target), targetMode);
-    SharedValues values(made, made->values().data());
+    const auto made = std::make_shared<Alone>(sourceURI);
+    made->texts.reserve(id.size() + type.size() + target.size());
+    made->texts.append(id).append(type).append(target);
+    const std::u16string_view texts = made->texts;
+    made->values = {texts.substr(0, id.size()), texts.substr(id.size(), type.size()),
+                    texts.substr(id.size() + type.size()), &made->sourceURI, targetMode};
+    SharedValues values(made, &made->values);
     relationships.insert(relationships.end(), values);
     dirty = true;
     return Relationship(std::move(values));

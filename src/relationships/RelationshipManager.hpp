@@ -6,6 +6,7 @@
 #include <opc/model/URI.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -45,6 +46,9 @@ public:
 
     /// @throws RelationshipNotFound
     Relationship getRelationship(const std::u16string& id) const;
+
+    /// Calls `visitor` with the values of each relationship.
+    void visit(const std::function<void(const RelationshipBlock::Values&)>& visitor) const;
 
     std::vector<Relationship> getRelationshipsByType(const std::u16string& type) const;
     std::vector<Relationship> getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const;

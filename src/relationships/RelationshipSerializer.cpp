@@ -136,9 +136,8 @@ void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& man
 }
 
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
-    std::string document;
-    if (composePlainRelationships(manager, document))
-        writeDocument(document, stream);
+    if (composePlainRelationships(manager, composed))
+        writeDocument(composed, stream);
     else
         writeByXerces(manager, stream);
 }

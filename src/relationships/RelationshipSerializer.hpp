@@ -8,6 +8,7 @@
 #include <opc/core/OutputStream.hpp>
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -50,6 +51,7 @@ private:
     std::unique_ptr<Xml> made;
     ReadAheadBuffer buffer;                   // holds the part in hand
     std::vector<ScannedRelationship> scanned; // in the buffer
+    std::string composed;                     // the part in hand, as it is written
     std::shared_ptr<RelationshipTypes> types; // that were scanned
 };
 

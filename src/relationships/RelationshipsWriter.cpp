@@ -8,15 +8,15 @@ namespace opc::model {
 bool composePlainRelationships(const RelationshipManager& manager, std::string& document) {
     PlainDocumentWriter writer(document, "Relationships",
                                "http://schemas.openxmlformats.org/package/2006/relationships");
-    for (const Relationship& relationship : manager.getRelationships({})) {
+    manager.visit([&writer](const RelationshipBlock::Values& relationship) {
         writer.beginChild("Relationship");
-        writer.addAttribute("Id", relationship.getID());
-        writer.addAttribute("Target", relationship.getTarget());
-        if (relationship.getTargetMode() == TargetMode::External)
+        writer.addAttribute("Id", relationship.id);
+        writer.addAttribute("Target", relationship.target);
+        if (relationship.targetMode == TargetMode::External)
             writer.addAttribute("TargetMode", u"External");
-        writer.addAttribute("Type", relationship.getType());
+        writer.addAttribute("Type", relationship.type);
         writer.endChild();
-    }
+    });
     return writer.end();
 }
 

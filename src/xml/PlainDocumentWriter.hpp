@@ -18,7 +18,7 @@ public:
     void beginChild(std::string_view name);
 
     /// The attributes of an element come in the order of their names: Xerces keeps them so.
-    void addAttribute(std::string_view name, const std::u16string& value);
+    void addAttribute(std::string_view name, std::u16string_view value);
 
     void endChild();
 
@@ -26,6 +26,8 @@ public:
     bool end();
 
 private:
+    void addCharacter(char16_t unit);
+
     std::string& document;
     std::string_view root;
     bool hasChildren = false;

@@ -19,7 +19,7 @@ namespace opc::model {
 class OPC_MODEL_EXPORT URI {
 public:
     /// @throws InvalidURI  if `text` has a character beyond US-ASCII, or is no reference
-    explicit URI(const std::u16string& text = std::u16string());
+    explicit URI(std::u16string text = std::u16string());
 
     /// @param text  ends in a zero; null counts as the empty text
     /// @throws InvalidURI  as above
@@ -82,7 +82,7 @@ private:
     static constexpr char RESERVED[] = ":/?#[]@!$&'()*+,;=";
     static constexpr char UNRESERVED[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
 
-    void init(const std::u16string& reference);
+    void init(std::u16string reference);
     const std::u16string& text() const noexcept;
     std::u16string_view path() const noexcept;
     static std::u16string percentEncode(const std::u16string& text, const std::string& allowed);

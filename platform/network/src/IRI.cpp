@@ -5,6 +5,7 @@
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace bedrock::network {
@@ -24,6 +25,8 @@ u16string_view folderOf(u16string_view path) {
 
 /// RFC 3986 section 5.2.4. The output loses a segment only once, so the time is linear.
 std::u16string removeDotSegments(u16string_view input) {
+    if (!startsWith(input, u".") && input.find(u"/.") == u16string_view::npos)
+        return std::u16string(input); // as nearly always
     std::u16string output;
     output.reserve(input.size());
     const auto dropSegment = [&output] {
@@ -90,9 +93,15 @@ std::u16string relativePath(u16string_view folder, u16string_view target) {
 }
 
 /// Whether RFC 3986 lets the character stand in a URI at all; where it may, the grammar has seen to.
-bool isURICharacter(unsigned char byte) {
-    return byte > 0x20 && byte < 0x7F &&
-           std::string_view("\"<>\\^`{|}").find(static_cast<char>(byte)) == std::string_view::npos;
+bool isURICharacter(char16_t unit) {
+    static constexpr auto TABLE = [] {
+        std::array<bool, 128> table{};
+        for (std::size_t character = 0x21; character < 0x7F; ++character)
+            table[character] = std::string_view("\"<>\\^`{|}").find(static_cast<char>(character)) ==
+                               std::string_view::npos;
+        return table;
+    }();
+    return unit < TABLE.size() && TABLE[unit];
 }
 
 } // namespace
@@ -164,6 +173,7 @@ IRI IRI::resolveAgainst(const IRI& base) const {
     }
 
     std::u16string result;
+    result.reserve(resolvedPath.size() + text.size() + base.text.size() + 3);
     if (withScheme->hasScheme())
         result.append(withScheme->scheme()).append(u":");
     if (withAuthority->hasAuthority())
@@ -199,6 +209,8 @@ IRI IRI::makeRelativeTo(const IRI& base) const {
 }
 
 std::u16string IRI::toAsciiString(bool) const {
+    if (std::all_of(text.begin(), text.end(), isURICharacter))
+        return text;
     static constexpr char16_t HEX_DIGITS[] = u"0123456789ABCDEF";
     std::u16string result;
     result.reserve(text.size());
