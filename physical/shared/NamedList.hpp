@@ -5,85 +5,129 @@
 #include <cstdint>
 #include <iterator>
 #include <list>
+#include <memory_resource>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace opc::physical {
 
 /// Items in the order in which they were added, found by name without regard to the case of ASCII letters.
 /// Items don't move. `Item` has a member `name`, a string or a view of one, which may change in case alone.
+///
+/// There may be a million of them: items come in blocks of memory, and finding one looks at few places.
 template <typename Item>
 class NamedList {
 public:
     using Character = typename decltype(Item::name)::value_type;
     using Name = std::basic_string_view<Character>;
+    using Items = std::pmr::list<Item>;
+
+    NamedList() { reserve(16); }
+    NamedList(const NamedList&) = delete;
+    NamedList& operator=(const NamedList&) = delete;
 
     Item* find(Name name) {
-        const auto found = locate(hash(name), name);
-        return found == index.end() ? nullptr : &*found->second;
+        const Number number = *locate(hash(name), name);
+        return number == NONE ? nullptr : &*entries[number].item;
     }
 
     /// @param arguments  of the new item, which is to have the name `name`
     /// @return null if there is an item of this name already
     template <typename... Arguments>
     Item* add(Name name, Arguments&&... arguments) {
-        const std::size_t key = hash(name);
-        if (locate(key, name) != index.end())
+        const Hash key = hash(name);
+        if (*locate(key, name) != NONE)
             return nullptr;
+        if (entries.size() == chains.size())
+            reserve(2 * entries.size());
         items.emplace_back(std::forward<Arguments>(arguments)...);
-        try {
-            index.emplace(key, std::prev(items.end()));
-        } catch (...) {
-            items.pop_back();
-            throw;
-        }
+        Number& chain = chainOf(key);
+        entries.push_back({key, chain, std::prev(items.end())});
+        chain = static_cast<Number>(entries.size() - 1);
         return &items.back();
     }
 
     /// @return whether there was such an item
     bool remove(Name name) {
-        const auto found = locate(hash(name), name);
-        if (found == index.end())
+        Number* const link = locate(hash(name), name);
+        const Number number = *link;
+        if (number == NONE)
             return false;
-        items.erase(found->second);
-        index.erase(found);
+        items.erase(entries[number].item);
+        *link = entries[number].next;
+        // The last entry takes the number that is free now.
+        const auto last = static_cast<Number>(entries.size() - 1);
+        if (number != last) {
+            Number* linkToLast = &chainOf(entries[last].key);
+            while (*linkToLast != last)
+                linkToLast = &entries[*linkToLast].next;
+            *linkToLast = number;
+            entries[number] = entries[last];
+        }
+        entries.pop_back();
         return true;
     }
 
     /// Makes room in the index for so many items.
-    void reserve(std::size_t count) { index.reserve(count); }
+    void reserve(std::size_t count) {
+        if (count <= chains.size())
+            return;
+        entries.reserve(count);
+        chains = std::vector<Number>(count, NONE);
+        for (Number number = 0; number < entries.size(); ++number)
+            entries[number].next = std::exchange(chainOf(entries[number].key), number);
+    }
 
-    std::list<Item>& all() { return items; }
+    Items& all() { return items; }
 
 private:
-    /// By the hash of the name: the name itself is the item's.
-    using Index = std::unordered_multimap<std::size_t, typename std::list<Item>::iterator>;
+    using Hash = std::uint32_t;
+    using Number = std::uint32_t; ///< of an entry
+    static constexpr Number NONE = ~Number{0};
+
+    struct Entry {
+        Hash key;
+        Number next; ///< in the chain of entries whose keys fall together
+        typename Items::iterator item;
+    };
 
     static Character lower(Character c) {
         return c >= 'A' && c <= 'Z' ? static_cast<Character>(c - 'A' + 'a') : c;
     }
 
+    static bool isSame(Name left, Name right) {
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [](Character a, Character b) { return lower(a) == lower(b); });
+    }
+
     /// FNV-1a over the characters in lower case.
-    std::size_t hash(Name name) const {
+    Hash hash(Name name) const {
         std::uint64_t value = seed;
         for (const Character c : name)
             value = (value ^ static_cast<std::uint64_t>(lower(c))) * 0x100000001B3;
-        return static_cast<std::size_t>(value ^ value >> 32);
+        return static_cast<Hash>(value ^ value >> 32);
     }
 
-    typename Index::iterator locate(std::size_t key, Name name) {
-        const auto range = index.equal_range(key);
-        const auto found = std::find_if(range.first, range.second, [&](const auto& candidate) {
-            const Name other = candidate.second->name;
-            return std::equal(name.begin(), name.end(), other.begin(), other.end(),
-                              [](Character a, Character b) { return lower(a) == lower(b); });
-        });
-        return found == range.second ? index.end() : found;
+    Number& chainOf(Hash key) {
+        return chains[static_cast<std::size_t>(std::uint64_t{key} * chains.size() >> 32)];
     }
 
-    std::list<Item> items;
-    Index index;
+    /// @return the link to the entry of this name, or to none at the end of its chain
+    Number* locate(Hash key, Name name) {
+        const auto isIt = [&](const Entry& entry) {
+            return entry.key == key && isSame(entry.item->name, name);
+        };
+        Number* link = &chainOf(key);
+        while (*link != NONE && !isIt(entries[*link]))
+            link = &entries[*link].next;
+        return link;
+    }
+
+    std::pmr::unsynchronized_pool_resource memory;
+    Items items{&memory};
+    std::vector<Entry> entries;
+    std::vector<Number> chains; ///< where each begins
     /// Another one in each list, so that nobody can choose names that fall together.
     std::uint64_t seed = 0xCBF29CE484222325 ^ reinterpret_cast<std::uintptr_t>(this);
 };

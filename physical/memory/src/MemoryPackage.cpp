@@ -49,7 +49,7 @@ public:
     MemoryStore& closed() {
         if (session)
             raise("open", EBUSY);
-        return store;
+        return *store;
     }
 
     StoredPart& stored(const std::u16string& name) {
@@ -63,29 +63,29 @@ public:
     void save();
 
     const ContentTypes contentTypes;
-    MemoryStore store;
+    std::unique_ptr<MemoryStore> store = std::make_unique<MemoryStore>();
     std::unique_ptr<Session> session;
 };
 
 void MemoryPackage::Impl::load(const OpenMode& mode) {
     closed();
-    if (mode != OpenMode::CreateOnly && !store.exists)
+    if (mode != OpenMode::CreateOnly && !store->exists)
         raise("doesn't exist", ENOENT);
     const bool fresh = mode == OpenMode::CreateOnly;
-    auto next = std::make_unique<Session>(mode, fresh ? nullptr : store.contentTypes);
+    auto next = std::make_unique<Session>(mode, fresh ? nullptr : store->contentTypes);
     if (!fresh) {
-        for (const StoredPart& part : store.parts.all())
+        for (const StoredPart& part : store->parts.all())
             next->parts.add(part.name, part.name, part.contentType, part.bytes, next->readOnly());
     }
     session = std::move(next);
 }
 
 void MemoryPackage::Impl::save() {
-    MemoryStore next;
-    next.exists = true;
-    next.contentTypes = session->contentTypes.get();
+    auto next = std::make_unique<MemoryStore>();
+    next->exists = true;
+    next->contentTypes = session->contentTypes.get();
     for (const MemoryPart& part : session->parts.all())
-        next.parts.add(part.name, part.name, part.contentType, part.content.get());
+        next->parts.add(part.name, part.name, part.contentType, part.content.get());
     store = std::move(next);
 }
 
@@ -181,12 +181,12 @@ bool MemoryPackage::hasContentTypes() const {
 MemoryPackage::Bytes MemoryPackage::contentTypes() const {
     if (!hasContentTypes())
         raise("no content types stream", ENOENT);
-    return *impl->store.contentTypes;
+    return *impl->store->contentTypes;
 }
 
 void MemoryPackage::setContentTypes(Bytes bytes) {
     impl->closed().contentTypes = std::make_shared<Bytes>(std::move(bytes));
-    impl->store.exists = true;
+    impl->store->exists = true;
 }
 
 void MemoryPackage::removeContentTypes() {

@@ -56,8 +56,10 @@ interfaces::IPhysicalOutputStream* ZipPackage::getContentTypeOutputStream() {
 }
 
 std::vector<interfaces::IPhysicalPart*> ZipPackage::getParts() {
+    auto& all = impl->opened().allParts();
     std::vector<interfaces::IPhysicalPart*> parts;
-    for (zip::ZipPart& part : impl->opened().allParts())
+    parts.reserve(all.size());
+    for (zip::ZipPart& part : all)
         parts.push_back(&part);
     return parts;
 }

@@ -25,7 +25,7 @@ public:
     ZipPart& create(const std::u16string& partName, interfaces::CompressionType compression);
     void remove(const std::u16string& partName);
 
-    std::list<ZipPart>& allParts() { return parts.all(); }
+    NamedList<ZipPart>::Items& allParts() { return parts.all(); }
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
