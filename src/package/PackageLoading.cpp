@@ -7,6 +7,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,14 +30,27 @@ std::string caselessKey(const std::u16string& name) {
     return key;
 }
 
+/// Keys, one behind the other: there are many, which are compared in the order in which they came.
+class Keys {
+public:
+    std::string_view keep(std::string_view key) {
+        auto* const kept = static_cast<char*>(memory.allocate(key.size(), 1));
+        std::copy(key.begin(), key.end(), kept);
+        return {kept, key.size()};
+    }
+
+private:
+    std::pmr::monotonic_buffer_resource memory;
+};
+
 struct RegularPart {
-    std::string key;
-    PartName name;
+    std::string_view key;
+    const PartName* name;
     interfaces::IPhysicalPart* physicalPart;
 };
 
 struct RelationshipsPart {
-    std::string key; ///< of its source's path
+    std::string_view key; ///< of its source's path
     interfaces::IPhysicalPart* physicalPart;
 };
 
@@ -74,6 +88,8 @@ void sortByKey(std::vector<Found>& parts) {
 /// The relationships parts that a physical package gives, to be taken by their sources.
 class RelationshipsParts {
 public:
+    explicit RelationshipsParts(Keys& memory) : keys(memory) {}
+
     /// @param key  of its own name
     void add(std::string key, interfaces::IPhysicalPart* physicalPart) {
         constexpr std::string_view FOLDER = "/_rels/";
@@ -89,7 +105,7 @@ public:
         }
         key.resize(key.size() - EXTENSION.size());
         key.erase(file - FOLDER.size() + 1, FOLDER.size() - 1);
-        parts.push_back({std::move(key), physicalPart});
+        parts.push_back({keys.keep(key), physicalPart});
     }
 
     void sort() {
@@ -98,12 +114,12 @@ public:
     }
 
     /// The relationships part of a source, which is then taken; null if there is none.
-    interfaces::IPhysicalPart* take(const std::string& path) {
+    interfaces::IPhysicalPart* take(std::string_view path) {
         // In the order of names it is the next one or none, but for what stands behind the path.
         if (next == parts.end() || next->key != path)
             next = std::lower_bound(
                 parts.begin(), parts.end(), path,
-                [](const RelationshipsPart& part, const std::string& sought) { return part.key < sought; });
+                [](const RelationshipsPart& part, std::string_view sought) { return part.key < sought; });
         if (next == parts.end() || next->key != path)
             return nullptr;
         return std::exchange((next++)->physicalPart, nullptr);
@@ -116,6 +132,7 @@ public:
     }
 
 private:
+    Keys& keys;
     std::vector<RelationshipsPart> parts;
     std::vector<RelationshipsPart>::iterator next = parts.end();
     bool orphaned = false;
@@ -136,8 +153,11 @@ void Package::initializeParts() {
         throw PackageOpenFailed(e.what(), e.code());
     }
 
+    Keys keys;
+    std::vector<PartName> names;
+    names.reserve(physicalParts.size()); // they stay where they are
     std::vector<RegularPart> regular;
-    RelationshipsParts relationships;
+    RelationshipsParts relationships(keys);
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
         const std::u16string text = physicalPart->getName();
         const PartName name(text);
@@ -146,7 +166,7 @@ void Package::initializeParts() {
             findContentType(name, *physicalPart);
             relationships.add(caselessKey(text), physicalPart);
         } else {
-            regular.push_back({caselessKey(text), name, physicalPart});
+            regular.push_back({keys.keep(caselessKey(text)), &names.emplace_back(name), physicalPart});
         }
     }
     sortByKey(regular);
@@ -154,12 +174,12 @@ void Package::initializeParts() {
 
     PartMap found;
     for (const auto& [key, name, physicalPart] : regular) {
-        Part part(this, physicalPart, name, findContentType(name, *physicalPart), openMode);
-        const URI uri = name.getURI();
+        Part part(this, physicalPart, *name, findContentType(*name, *physicalPart), openMode);
+        const URI uri = name->getURI();
         const bool isPath = !uri.isAbsolute() && !uri.hasQuery() && !uri.hasFragment();
         if (auto* match = isPath ? relationships.take(key) : relationships.take(caselessKey(uri.getPath())))
             part.setPhysicalRelationshipPart(match, false);
-        found.emplace_hint(found.end(), name, part);
+        found.emplace_hint(found.end(), *name, part);
     }
     if (auto* match = relationships.take("/"))
         setPhysicalRelationshipPart(match, false);
