@@ -1,5 +1,7 @@
 #include <opc/model/Part.hpp>
 
+#include "relationships/RelationshipSourceImpl.hpp"
+
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
@@ -17,10 +19,11 @@ void throwIfGone(const interfaces::IPhysicalPart* physicalPart) {
 
 } // namespace
 
-struct Part::Impl {
+struct Part::Impl : RelationshipSource::Impl {
     Impl(Package* owner, interfaces::IPhysicalPart* content, const PartName& partName,
          const ContentType& type, interfaces::OpenMode mode)
-        : package(owner), physicalPart(content), name(partName), contentType(type), openMode(mode) {}
+        : RelationshipSource::Impl(partName.getURI()), package(owner), physicalPart(content), name(partName),
+          contentType(type), openMode(mode) {}
 
     Package* package;
     interfaces::IPhysicalPart* physicalPart; // null once its deletion has succeeded
@@ -34,54 +37,58 @@ struct Part::Impl {
 
 Part::Part(Package* package, interfaces::IPhysicalPart* physicalPart, const PartName& name,
            const ContentType& contentType, interfaces::OpenMode openMode)
-    : RelationshipSource(name.getURI()),
-      impl(std::make_shared<Impl>(package, physicalPart, name, contentType, openMode)) {
+    : RelationshipSource(std::make_shared<Impl>(package, physicalPart, name, contentType, openMode)) {
 }
 
 Part::Part(const Part&) = default;
 Part& Part::operator=(const Part&) = default;
 Part::~Part() = default;
 
+Part::Impl& Part::state() const noexcept {
+    return static_cast<Impl&>(getState());
+}
+
 PartName Part::getName() const {
-    return impl->name;
+    return state().name;
 }
 
 ContentType Part::getContentType() const {
-    return impl->contentType;
+    return state().contentType;
 }
 
 InputStream& Part::getInputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
-    if (!impl->inputStream) {
+    if (!state().inputStream) {
         try {
-            throwIfGone(impl->physicalPart);
-            impl->inputStream = std::make_unique<PhysicalInputStream>(impl->physicalPart->getInputStream());
+            throwIfGone(state().physicalPart);
+            state().inputStream =
+                std::make_unique<PhysicalInputStream>(state().physicalPart->getInputStream());
         } catch (const Exception& e) {
             throw InvalidPartStream(e.what());
         }
     }
-    return *impl->inputStream;
+    return *state().inputStream;
 }
 
 OutputStream& Part::getOutputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
     throwIfReadOnly();
-    if (!impl->outputStream) {
+    if (!state().outputStream) {
         try {
-            throwIfGone(impl->physicalPart);
-            impl->outputStream =
-                std::make_unique<PhysicalOutputStream>(impl->physicalPart->getOutputStream());
+            throwIfGone(state().physicalPart);
+            state().outputStream =
+                std::make_unique<PhysicalOutputStream>(state().physicalPart->getOutputStream());
         } catch (const Exception& e) {
             throw InvalidPartStream(e.what());
         }
     }
-    return *impl->outputStream;
+    return *state().outputStream;
 }
 
 bool Part::isValid() const {
-    return impl->valid;
+    return state().valid;
 }
 
 // A part of a closed package is invalid, and that is what its handles answer with.
@@ -90,15 +97,15 @@ bool Part::isOpen() const {
 }
 
 bool Part::isReadOnly() const {
-    return impl->openMode == interfaces::OpenMode::ReadOnly;
+    return state().openMode == interfaces::OpenMode::ReadOnly;
 }
 
 bool Part::isCreateOnly() const {
-    return impl->openMode == interfaces::OpenMode::CreateOnly;
+    return state().openMode == interfaces::OpenMode::CreateOnly;
 }
 
 Package& Part::getPackage() const {
-    return *impl->package;
+    return *state().package;
 }
 
 void Part::flush() {
@@ -108,21 +115,21 @@ void Part::flush() {
 }
 
 interfaces::IPhysicalPart* Part::getPhysicalPart() const {
-    return impl->physicalPart;
+    return state().physicalPart;
 }
 
 void Part::setPhysicalPart(interfaces::IPhysicalPart* physicalPart) {
-    impl->physicalPart = physicalPart;
+    state().physicalPart = physicalPart;
 }
 
 void Part::forgetPhysicalPart() {
-    impl->inputStream.reset();
-    impl->outputStream.reset();
-    impl->physicalPart = nullptr;
+    state().inputStream.reset();
+    state().outputStream.reset();
+    state().physicalPart = nullptr;
 }
 
 void Part::markAsInvalid() {
-    impl->valid = false;
+    state().valid = false;
 }
 
 } // namespace opc::model

@@ -1,7 +1,7 @@
 #include <opc/model/RelationshipSource.hpp>
 
 #include "relationships/RelationshipID.hpp"
-#include "relationships/RelationshipManager.hpp"
+#include "relationships/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipTarget.hpp"
 
 #include <opc/core/Text.hpp>
@@ -13,20 +13,15 @@
 #include <opc/model/PhysicalOutputStream.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
-#include <cstdint>
+#include <utility>
 
 namespace opc::model {
 
-struct RelationshipSource::Impl {
-    explicit Impl(const URI& source) : sourceURI(source), manager(source) {}
+RelationshipSource::RelationshipSource(const URI& sourceURI)
+    : RelationshipSource(std::make_shared<Impl>(sourceURI)) {
+}
 
-    URI sourceURI;
-    interfaces::IPhysicalPart* physicalPart = nullptr;
-    RelationshipManager manager;
-    std::uint64_t nextIdNumber = 1;
-};
-
-RelationshipSource::RelationshipSource(const URI& sourceURI) : impl(std::make_shared<Impl>(sourceURI)) {
+RelationshipSource::RelationshipSource(std::shared_ptr<Impl> state) : impl(std::move(state)) {
 }
 
 RelationshipSource::~RelationshipSource() = default;
@@ -38,7 +33,7 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
         throw InvalidRelationshipTarget(
             "Relationship target cannot be an absolute URI for an internal relationship");
 
-    const URI& sourceURI = impl->sourceURI;
+    const URI& sourceURI = impl->manager.getSourceURI();
     const bool targetIsAbsolute = target.hasAbsolutePath();
     const URI absoluteForm = targetIsAbsolute ? target : resolve(sourceURI, target);
     const URI relativeForm = targetIsAbsolute ? relativize(sourceURI, target) : target;
@@ -116,7 +111,7 @@ Relationship RelationshipSource::withRelationshipPart(const Relationship& added)
 }
 
 void RelationshipSource::createRelationshipPart() {
-    const PartName name(PartName(impl->sourceURI).getRelationshipPartName());
+    const PartName name(PartName(impl->manager.getSourceURI()).getRelationshipPartName());
     setPhysicalRelationshipPart(getPackage().createPartInternal(
                                     name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
                                 true);
@@ -126,7 +121,7 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfNotWritable();
     throwIfCreateOnly();
     impl->manager.deleteRelationship(id);
-    const interfaces::IPhysicalPart* part = impl->physicalPart;
+    const interfaces::IPhysicalPart* part = impl->relationshipsPart;
     if (!impl->manager.isEmpty() || part == nullptr)
         return;
     setPhysicalRelationshipPart(nullptr, false);
@@ -168,7 +163,7 @@ bool RelationshipSource::isValidTarget(const std::u16string& target) {
 void RelationshipSource::flush() {
     if (impl->manager.isEmpty() || !impl->manager.isDirty())
         return;
-    PhysicalOutputStream stream(impl->physicalPart->getOutputStream());
+    PhysicalOutputStream stream(impl->relationshipsPart->getOutputStream());
     impl->manager.flush(stream, getPackage().getRelationshipSerializer());
     try {
         stream.close();
@@ -180,13 +175,13 @@ void RelationshipSource::flush() {
 
 // In place, so that nothing can fail: no copy of a source that is reset shares its state.
 void RelationshipSource::reset() {
-    impl->physicalPart = nullptr;
-    impl->manager = RelationshipManager(impl->sourceURI);
+    impl->relationshipsPart = nullptr;
+    impl->manager = RelationshipManager(impl->manager.getSourceURI());
     impl->nextIdNumber = 1;
 }
 
 void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew) {
-    impl->physicalPart = part;
+    impl->relationshipsPart = part;
     if (part == nullptr || isNew)
         return;
     try {
@@ -198,16 +193,16 @@ void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* 
 }
 
 interfaces::IPhysicalPart* RelationshipSource::getPhysicalRelationshipPart() const {
-    return impl->physicalPart;
+    return impl->relationshipsPart;
 }
 
 void RelationshipSource::forgetPhysicalRelationshipPart() {
-    impl->physicalPart = nullptr;
+    impl->relationshipsPart = nullptr;
     impl->manager.markAsDirty();
 }
 
 void RelationshipSource::restoreRelationshipPart() {
-    if (impl->physicalPart == nullptr && !impl->manager.isEmpty())
+    if (impl->relationshipsPart == nullptr && !impl->manager.isEmpty())
         createRelationshipPart();
 }
 

@@ -8,8 +8,6 @@
 #include <opc/model/PartName.hpp>
 #include <opc/model/RelationshipSource.hpp>
 
-#include <memory>
-
 namespace opc::interfaces {
 class IPhysicalPart;
 }
@@ -68,7 +66,7 @@ private:
 
     void markAsInvalid();
 
-    std::shared_ptr<Impl> impl;
+    Impl& state() const noexcept;
 };
 
 } // namespace opc::model

@@ -75,7 +75,11 @@ public:
     static bool isValidTarget(const std::u16string& target);
 
 protected:
+    struct Impl;
+
     explicit RelationshipSource(const URI& sourceURI);
+    /// @param state  which may be that of a derived class
+    explicit RelationshipSource(std::shared_ptr<Impl> state);
     RelationshipSource(const RelationshipSource&) = default;
     RelationshipSource& operator=(const RelationshipSource&) = default;
     virtual ~RelationshipSource();
@@ -113,9 +117,9 @@ protected:
     void throwIfReadOnly() const;
     void throwIfCreateOnly() const;
 
-private:
-    struct Impl;
+    Impl& getState() const noexcept { return *impl; }
 
+private:
     void throwIfNotReadable() const;
     void throwIfNotWritable() const;
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
