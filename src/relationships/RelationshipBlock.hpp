@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <forward_list>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,35 +20,22 @@ namespace opc::model {
 /// share them.
 using RelationshipTypes = std::map<std::string, std::u16string, std::less<>>;
 
-/// The values of relationships of one source with all their texts, which go together: whoever has one of the
-/// values shares the block.
-class RelationshipBlock {
+/// The values of all relationships of one source. Their texts lie elsewhere.
+class RelationshipGroup {
 public:
     using Values = Relationship::Values;
 
-    /// @param textLength  of all texts that will be added
-    /// @param shared      where the types lie, if they aren't added
-    RelationshipBlock(const URI& source, std::size_t count, std::size_t textLength,
-                      std::shared_ptr<const RelationshipTypes> shared)
-        : sourceURI(source), types(std::move(shared)) {
+    RelationshipGroup(const URI& source, std::size_t count, std::pmr::memory_resource* memory)
+        : sourceURI(source), entries(memory) {
         entries.reserve(count);
-        texts.reserve(textLength);
     }
-    RelationshipBlock(const RelationshipBlock&) = delete;
-    RelationshipBlock& operator=(const RelationshipBlock&) = delete;
+    RelationshipGroup(const RelationshipGroup&) = delete;
+    RelationshipGroup& operator=(const RelationshipGroup&) = delete;
 
-    /// @param text  within the length that was announced
-    template <typename Text>
-    std::u16string_view addText(const Text& text) {
-        const std::size_t begin = texts.size();
-        texts.resize(begin + text.size());
-        std::copy(text.begin(), text.end(), texts.begin() + static_cast<std::ptrdiff_t>(begin));
-        return std::u16string_view(texts).substr(begin);
-    }
-
-    /// The texts lie in this block, or in what it shares.
-    void add(std::u16string_view id, std::u16string_view type, std::u16string_view target, TargetMode mode) {
-        entries.push_back({id, type, target, &sourceURI, mode});
+    /// @return good until the next one is added, beyond the number that was announced
+    const Values& add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
+                      TargetMode mode) {
+        return entries.emplace_back(Values{id, type, target, &sourceURI, mode});
     }
 
     void sortByID() {
@@ -55,13 +44,50 @@ public:
             std::sort(entries.begin(), entries.end(), precedes);
     }
 
-    const std::vector<Values>& values() const noexcept { return entries; }
+    const std::pmr::vector<Values>& values() const noexcept { return entries; }
 
 private:
     const URI sourceURI;
+    std::pmr::vector<Values> entries;
+};
+
+/// Relationships of some sources with their texts, in one piece of memory. They go together: whoever has one of
+/// them shares the block.
+class RelationshipBlock {
+public:
+    /// How much room a group takes at most.
+    /// @param textLength  of the texts that are kept for it
+    static constexpr std::size_t roomFor(std::size_t count, std::size_t textLength) {
+        return sizeof(RelationshipGroup) + count * sizeof(RelationshipGroup::Values) +
+               textLength * sizeof(char16_t) + 2 * sizeof(void*); // the link to it, and what aligns it
+    }
+
+    /// @param shared  where the types lie, if they aren't kept here
+    RelationshipBlock(std::size_t room, std::shared_ptr<const RelationshipTypes> shared)
+        : types(std::move(shared)), left(room), memory(room) {}
+    RelationshipBlock(const RelationshipBlock&) = delete;
+    RelationshipBlock& operator=(const RelationshipBlock&) = delete;
+
+    std::size_t room() const noexcept { return left; }
+
+    RelationshipGroup& addGroup(const URI& source, std::size_t count, std::size_t textLength) {
+        left -= std::min(left, roomFor(count, textLength));
+        return groups.emplace_front(source, count, &memory);
+    }
+
+    template <typename Text>
+    std::u16string_view keep(const Text& text) {
+        auto* const kept =
+            static_cast<char16_t*>(memory.allocate(text.size() * sizeof(char16_t), alignof(char16_t)));
+        std::copy(text.begin(), text.end(), kept);
+        return {kept, text.size()};
+    }
+
+private:
     const std::shared_ptr<const RelationshipTypes> types;
-    std::u16string texts; // never grows beyond what it has room for: views on it stay good
-    std::vector<Values> entries;
+    std::size_t left;
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::forward_list<RelationshipGroup> groups{&memory};
 };
 
 } // namespace opc::model

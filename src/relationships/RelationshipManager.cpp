@@ -21,7 +21,7 @@ struct Alone {
 
     const URI sourceURI;
     std::u16string texts;
-    RelationshipBlock::Values values{};
+    RelationshipGroup::Values values{};
 };
 
 } // namespace
@@ -34,19 +34,19 @@ Relationship RelationshipManager::getRelationship(const std::u16string& id) cons
 }
 
 RelationshipManager::SharedValues RelationshipManager::find(std::u16string_view id) const {
-    if (!block) {
+    if (!group) {
         const auto entry = relationships.find(id);
         return entry == relationships.end() ? nullptr : *entry;
     }
-    const auto& values = block->values();
+    const auto& values = group->values();
     const auto precedes = [](const Values& left, std::u16string_view sought) { return left.id < sought; };
     const auto found = std::lower_bound(values.begin(), values.end(), id, precedes);
-    return found == values.end() || found->id != id ? nullptr : SharedValues(block, &*found);
+    return found == values.end() || found->id != id ? nullptr : SharedValues(group, &*found);
 }
 
 void RelationshipManager::visit(const std::function<void(const Values&)>& visitor) const {
-    if (block) {
-        for (const Values& values : block->values())
+    if (group) {
+        for (const Values& values : group->values())
             visitor(values);
     }
     for (const SharedValues& values : relationships)
@@ -57,10 +57,10 @@ template <typename Predicate>
 std::vector<Relationship> RelationshipManager::select(const Predicate& isWanted) const {
     std::vector<Relationship> result;
     result.reserve(std::min<std::size_t>(size(), 8)); // most sources have no more
-    if (block) {
-        for (const Values& values : block->values())
+    if (group) {
+        for (const Values& values : group->values())
             if (isWanted(values))
-                result.push_back(Relationship(SharedValues(block, &values)));
+                result.push_back(Relationship(SharedValues(group, &values)));
     }
     for (const SharedValues& values : relationships)
         if (isWanted(*values))
@@ -105,19 +105,19 @@ Relationship RelationshipManager::add(std::u16string_view id, std::u16string_vie
     return Relationship(std::move(values));
 }
 
-void RelationshipManager::take(std::shared_ptr<const RelationshipBlock> read) {
-    block = std::move(read);
+void RelationshipManager::take(std::shared_ptr<const RelationshipGroup> read) {
+    group = std::move(read);
     dirty = true;
 }
 
 void RelationshipManager::unpack() {
-    if (!block)
+    if (!group)
         return;
     std::set<SharedValues, ByID> unpacked;
-    for (const Values& values : block->values())
-        unpacked.emplace_hint(unpacked.end(), block, &values);
+    for (const Values& values : group->values())
+        unpacked.emplace_hint(unpacked.end(), group, &values);
     relationships.swap(unpacked);
-    block.reset();
+    group.reset();
 }
 
 void RelationshipManager::deleteRelationship(const std::u16string& id) {

@@ -34,7 +34,7 @@ public:
     bool isEmpty() const noexcept { return size() == 0; }
     bool hasOne() const noexcept { return size() == 1; }
     void clear() noexcept {
-        block.reset();
+        group.reset();
         relationships.clear();
     }
 
@@ -48,7 +48,7 @@ public:
     Relationship getRelationship(const std::u16string& id) const;
 
     /// Calls `visitor` with the values of each relationship.
-    void visit(const std::function<void(const RelationshipBlock::Values&)>& visitor) const;
+    void visit(const std::function<void(const RelationshipGroup::Values&)>& visitor) const;
 
     std::vector<Relationship> getRelationshipsByType(const std::u16string& type) const;
     std::vector<Relationship> getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const;
@@ -59,9 +59,9 @@ public:
     Relationship addInternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const URI& target);
 
-    /// For a source that has no relationships yet: takes those of a block, which are known to be right, stand
-    /// in order and differ in their IDs.
-    void take(std::shared_ptr<const RelationshipBlock> read);
+    /// For a source that has no relationships yet: takes a group, whose relationships are known to be right,
+    /// stand in order and differ in their IDs.
+    void take(std::shared_ptr<const RelationshipGroup> read);
 
     /// @throws RelationshipNotFound
     void deleteRelationship(const std::u16string& id);
@@ -74,7 +74,7 @@ public:
     void flush(OutputStream& stream, RelationshipSerializer& serializer);
 
 private:
-    using Values = RelationshipBlock::Values;
+    using Values = RelationshipGroup::Values;
     using SharedValues = std::shared_ptr<const Values>;
 
     struct ByID {
@@ -86,7 +86,7 @@ private:
         bool operator()(std::u16string_view id, const SharedValues& right) const { return id < right->id; }
     };
 
-    std::size_t size() const noexcept { return block ? block->values().size() : relationships.size(); }
+    std::size_t size() const noexcept { return group ? group->values().size() : relationships.size(); }
 
     /// Null if there is none.
     SharedValues find(std::u16string_view id) const;
@@ -97,12 +97,12 @@ private:
     Relationship add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
                      TargetMode targetMode);
 
-    /// Takes the relationships out of the block, so that they can be changed one by one.
+    /// Takes the relationships out of the group, so that they can be changed one by one.
     void unpack();
 
     bool dirty = true;
     URI sourceURI;
-    std::shared_ptr<const RelationshipBlock> block; // if it isn't null, it has all relationships
+    std::shared_ptr<const RelationshipGroup> group; // if it isn't null, it has all relationships
     std::set<SharedValues, ByID> relationships;
 };
 

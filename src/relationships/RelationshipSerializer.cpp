@@ -18,12 +18,17 @@
 
 #include <xercesc/dom/DOM.hpp>
 
+#include <algorithm>
+
 namespace opc::model {
 
 namespace {
 
 /// A part beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
+
+/// Of memory for relationships. A single one that outlives its package keeps as much.
+constexpr std::size_t BLOCK_SIZE = 8 << 10;
 
 std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
     std::u16string value;
@@ -99,13 +104,16 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
         length += relationship.id.size() + relationship.target.size();
-    auto block = std::make_shared<RelationshipBlock>(manager.getSourceURI(), scanned.size(), length, types);
+    const std::size_t room = RelationshipBlock::roomFor(scanned.size(), length);
+    if (!block || block->room() < room)
+        block = std::make_shared<RelationshipBlock>(std::max(room, BLOCK_SIZE), types);
+    RelationshipGroup& group = block->addGroup(manager.getSourceURI(), scanned.size(), length);
     for (const ScannedRelationship& relationship : scanned)
-        block->add(block->addText(relationship.id), shareType(relationship.type),
-                   block->addText(relationship.target),
-                   relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
-    block->sortByID();
-    manager.take(std::move(block));
+        group.add(block->keep(relationship.id), shareType(relationship.type),
+                  block->keep(relationship.target),
+                  relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
+    group.sortByID();
+    manager.take(std::shared_ptr<const RelationshipGroup>(block, &group));
 }
 
 std::u16string_view RelationshipSerializer::shareType(std::string_view type) {

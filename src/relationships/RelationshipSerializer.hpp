@@ -53,6 +53,7 @@ private:
     std::vector<ScannedRelationship> scanned; // in the buffer
     std::string composed;                     // the part in hand, as it is written
     std::shared_ptr<RelationshipTypes> types; // that were scanned
+    std::shared_ptr<RelationshipBlock> block; // which the next ones have room in; null at first
 };
 
 } // namespace opc::model

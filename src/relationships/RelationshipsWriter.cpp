@@ -8,7 +8,7 @@ namespace opc::model {
 bool composePlainRelationships(const RelationshipManager& manager, std::string& document) {
     PlainDocumentWriter writer(document, "Relationships",
                                "http://schemas.openxmlformats.org/package/2006/relationships");
-    manager.visit([&writer](const RelationshipBlock::Values& relationship) {
+    manager.visit([&writer](const RelationshipGroup::Values& relationship) {
         writer.beginChild("Relationship");
         writer.addAttribute("Id", relationship.id);
         writer.addAttribute("Target", relationship.target);

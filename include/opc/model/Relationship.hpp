@@ -11,7 +11,7 @@
 
 namespace opc::model {
 
-class RelationshipBlock;
+class RelationshipGroup;
 class RelationshipManager;
 class RelationshipsText;
 
@@ -52,7 +52,7 @@ public:
     bool operator<(const Relationship& other) const { return values->id < other.values->id; }
 
 private:
-    friend class RelationshipBlock;
+    friend class RelationshipGroup;
     friend class RelationshipManager;
     friend class RelationshipsText;
 
