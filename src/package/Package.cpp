@@ -143,6 +143,7 @@ void Package::clearParts() {
     for (auto& entry : parts)
         entry.second.markAsInvalid();
     parts.clear();
+    partMemory.release();
     prefixes.reset();
 }
 

@@ -88,7 +88,7 @@ void sortByKey(std::vector<Found>& parts) {
 /// The relationships parts that a physical package gives, to be taken by their sources.
 class RelationshipsParts {
 public:
-    explicit RelationshipsParts(Keys& memory) : keys(memory) {}
+    RelationshipsParts(std::size_t count, Keys& memory) : keys(memory) { parts.reserve(count); }
 
     /// @param key  of its own name
     void add(std::string key, interfaces::IPhysicalPart* physicalPart) {
@@ -157,7 +157,8 @@ void Package::initializeParts() {
     std::vector<PartName> names;
     names.reserve(physicalParts.size()); // they stay where they are
     std::vector<RegularPart> regular;
-    RelationshipsParts relationships(keys);
+    regular.reserve(physicalParts.size());
+    RelationshipsParts relationships(physicalParts.size(), keys);
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
         const std::u16string text = physicalPart->getName();
         const PartName name(text);
@@ -172,7 +173,7 @@ void Package::initializeParts() {
     sortByKey(regular);
     relationships.sort();
 
-    PartMap found;
+    PartMap found(parts.get_allocator());
     for (const auto& [key, name, physicalPart] : regular) {
         Part part(this, physicalPart, *name, findContentType(*name, *physicalPart), openMode);
         const URI uri = name->getURI();

@@ -33,7 +33,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
     Part part(this, nullptr, name, contentType, openMode);
-    PartMap entry;
+    PartMap entry(parts.get_allocator());
     entry.emplace(name, part);
     std::u16string key = prefixKey(name);
     populatePrefixes(name);

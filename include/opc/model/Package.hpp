@@ -14,6 +14,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -128,7 +129,7 @@ private:
     friend class PackageHelper;
     friend class RelationshipSource;
 
-    using PartMap = std::map<PartName, Part>;
+    using PartMap = std::pmr::map<PartName, Part>;
     using PrefixMap = std::unordered_map<std::u16string, std::uint64_t>;
 
     bool isValid() const override;
@@ -176,7 +177,8 @@ private:
     interfaces::IPhysicalPackage& physicalPackage;
     bool opened = false;
     interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
-    PartMap parts;
+    std::pmr::unsynchronized_pool_resource partMemory;
+    PartMap parts{&partMemory};
     // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
     // parts each comes from. Made when somebody asks, which nobody may in a package that is only read.
     mutable std::optional<PrefixMap> prefixes;
