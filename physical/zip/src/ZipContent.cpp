@@ -65,11 +65,13 @@ private:
     std::shared_ptr<Spool> spool;
 };
 
-ZipContent::ZipContent(ZipContext& owner, ItemIndex whole) : context(owner), item(whole) {
+ZipContent::ZipContent(ZipContext& owner, ItemIndex whole)
+    : context(owner), item(whole), inputs(&owner.streams) {
 }
 
 ZipContent::ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces)
-    : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})) {
+    : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
+      inputs(&owner.streams) {
 }
 
 ZipContent::~ZipContent() = default;

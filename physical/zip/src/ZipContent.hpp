@@ -11,6 +11,7 @@
 
 #include <forward_list>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,7 @@ struct ZipContext {
     bool changed = false;
     std::unique_ptr<ArchiveReader> archive; ///< null while a package is being created
     std::shared_ptr<SpoolStore> spools;
+    std::pmr::unsynchronized_pool_resource streams; ///< what the input streams stand in
 };
 
 /// What can be read and replaced in an open package: the content of a part, or the content types stream. It
@@ -86,7 +88,7 @@ private:
     std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
     std::int8_t deflateLevel = USUAL_LEVEL;
     std::shared_ptr<Spool> spool;
-    std::forward_list<Input> inputs;
+    std::pmr::forward_list<Input> inputs;
     std::forward_list<Output> outputs;
 };
 
