@@ -101,12 +101,12 @@ private:
                           [](Character a, Character b) { return lower(a) == lower(b); });
     }
 
-    /// FNV-1a over the characters in lower case.
+    /// FNV-1a over the characters in lower case; the last ones count in the upper bits too.
     Hash hash(Name name) const {
         std::uint64_t value = seed;
         for (const Character c : name)
             value = (value ^ static_cast<std::uint64_t>(lower(c))) * 0x100000001B3;
-        return static_cast<Hash>(value ^ value >> 32);
+        return static_cast<Hash>((value ^ value >> 32) * 0x9E3779B97F4A7C15 >> 32);
     }
 
     Number& chainOf(Hash key) {
