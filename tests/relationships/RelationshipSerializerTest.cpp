@@ -67,6 +67,36 @@ TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
     EXPECT_TRUE(manager.hasRelationship(u"ok"));
 }
 
+// Relationships of several sources lie in one piece of memory, which each of them keeps.
+TEST_F(RelationshipsDocument, relationshipsOutliveTheirSourcesAndEachOther) {
+    std::vector<Relationship> kept;
+    {
+        RelationshipSerializer ofMany;
+        for (int source = 0; source < 200; ++source) {
+            const std::string number = std::to_string(source);
+            std::string elements;
+            for (int i = source == 100 ? 500 : source % 3; i >= 0; --i)
+                elements.append(R"(<Relationship Id="r)" + std::to_string(i) + R"(" Type="type)" + number +
+                                R"(" Target="target)" + number + R"("/>)");
+            RelationshipManager one(URI(opc::toString("/part" + number, true)));
+            const Bytes document = relationships(elements);
+            opc::ByteArrayInAdaptor stream(document);
+            one.read(stream, ofMany);
+            kept.push_back(one.getRelationship(u"r0"));
+            if (source % 2 == 0)
+                one.deleteRelationship(u"r0");
+        }
+    }
+    for (std::size_t source = 0; source < kept.size(); ++source) {
+        const std::u16string number = opc::toString(std::to_string(source), true);
+        EXPECT_EQ(kept[source].getID(), u"r0");
+        EXPECT_EQ(kept[source].getType(), u"type" + number);
+        EXPECT_EQ(kept[source].getTarget(), u"target" + number);
+        EXPECT_TRUE(kept[source].getSourceURI() == u"/part" + number);
+        kept[source] = kept.front();
+    }
+}
+
 TEST_F(RelationshipsDocument, theSchemaRefusesTheRest) {
     const std::string refused[] = {
         R"(<Relationship Id="r" Type="t:t" Target="x" TargetMode="external"/>)",
