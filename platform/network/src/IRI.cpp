@@ -97,8 +97,8 @@ bool isURICharacter(char16_t unit) {
     static constexpr auto TABLE = [] {
         std::array<bool, 128> table{};
         for (std::size_t character = 0x21; character < 0x7F; ++character)
-            table[character] = std::string_view("\"<>\\^`{|}").find(static_cast<char>(character)) ==
-                               std::string_view::npos;
+            table[character] =
+                std::string_view("\"<>\\^`{|}").find(static_cast<char>(character)) == std::string_view::npos;
         return table;
     }();
     return unit < TABLE.size() && TABLE[unit];
