@@ -13,9 +13,8 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::convertStringToTime;
-using opc::test::corePropertiesDocument;
-using opc::test::throws;
 using KeywordList = CoreProperties::KeywordList;
 
 const char* const M4_2 = "Core properties shall not use the Markup Compatibility namespace. [M4.2]";
@@ -41,7 +40,7 @@ const std::string END = "</cp:coreProperties>\n";
 class CorePropertiesPart : public testing::Test {
 protected:
     void readInto(CoreProperties& properties, const std::string& document) {
-        const opc::test::Bytes bytes = opc::test::toBytes(document);
+        const Bytes bytes = toBytes(document);
         opc::ByteArrayInAdaptor stream(bytes);
         serializer.read(stream, properties);
     }
@@ -57,10 +56,10 @@ protected:
     }
 
     std::string write(const CoreProperties& properties) {
-        opc::test::Bytes bytes;
+        Bytes bytes;
         opc::ByteArrayOutAdaptor stream(bytes);
         serializer.write(properties, stream);
-        return opc::test::toText(bytes);
+        return toText(bytes);
     }
 
     CorePropertiesSerializer serializer;
@@ -316,7 +315,7 @@ TEST_F(CorePropertiesPart, whatXMLCanNotHoldIsRefusedBeforeAByteGoesOut) {
     for (const std::u16string& text : texts) {
         CoreProperties properties;
         properties.setTitle(text);
-        opc::test::Bytes bytes;
+        Bytes bytes;
         opc::ByteArrayOutAdaptor stream(bytes);
         CorePropertiesSerializer another; // each serves one operation
         EXPECT_THROW(another.write(properties, stream), InvalidPartContent);

@@ -11,11 +11,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::MemoryPackage;
-using opc::test::corePropertiesDocument;
-using opc::test::ScriptedPackage;
-using opc::test::throws;
 
 const std::u16string TYPE =
     u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
@@ -30,14 +28,14 @@ class CorePropertiesOfPackage : public testing::Test {
 protected:
     /// A package whose core properties relationship leads to `target`, a part with this content.
     void makeStore(const std::string& target, const std::string& content) {
-        opc::test::fill(store, {u"/docProps/core.xml", u"/other.xml"});
-        store.setPart(u"/docProps/core.xml", opc::test::toBytes(content));
+        fill(store, {u"/docProps/core.xml", u"/other.xml"});
+        store.setPart(u"/docProps/core.xml", toBytes(content));
         addRelationships(R"(<Relationship Id="core" Type=")" + std::string(TYPE.begin(), TYPE.end()) +
                          R"(" Target=")" + target + R"("/>)");
     }
 
     void addRelationships(const std::string& elements) {
-        store.setPart(u"/_rels/.rels", opc::test::relationships(elements));
+        store.setPart(u"/_rels/.rels", relationships(elements));
     }
 
     MemoryPackage store;
@@ -88,7 +86,7 @@ TEST_F(CorePropertiesOfPackage, canBeReadMoreThanOnce) {
     package.open(OpenMode::ReadOnly);
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
-    opc::test::readAll(package.getPart(PartName(u"/docProps/core.xml")));
+    readAll(package.getPart(PartName(u"/docProps/core.xml")));
     EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
     EXPECT_EQ(physical.countCalls("getInputStream /docProps/core.xml"), 1U);
 }
@@ -97,7 +95,7 @@ TEST_F(CorePropertiesOfPackage, aSecondUpdateGoesOnInTheSameStream) {
     makeStore("docProps/core.xml", corePropertiesDocument(""));
     package.open(OpenMode::ReadWrite);
     PackageHelper::createOrUpdateCoreProperties(package, titled(u"1"));
-    const std::string once = opc::test::readAll(package.getPart(PartName(u"/docProps/core.xml")));
+    const std::string once = readAll(package.getPart(PartName(u"/docProps/core.xml")));
     PackageHelper::createOrUpdateCoreProperties(package, titled(u"2"));
     package.close(false);
     EXPECT_EQ(physical.countCalls("getOutputStream /docProps/core.xml"), 1U);
@@ -186,7 +184,7 @@ TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenCanBeMended) {
 }
 
 TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
-    opc::test::fill(store, {u"/a.xml", u"/b.xml", u"/c.xml", u"/source.xml"});
+    fill(store, {u"/a.xml", u"/b.xml", u"/c.xml", u"/source.xml"});
     const std::string elements = R"(<Relationship Id="1" Type="urn:t" Target="/a.xml"/>)"
                                  R"(<Relationship Id="2" Type="urn:T" Target="/b.xml"/>)"
                                  R"(<Relationship Id="3" Type="urn:t" Target="/b.xml"/>)"
@@ -196,7 +194,7 @@ TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
     for (std::size_t at = 0; (at = withNames.find("Id=\"", at)) != std::string::npos; at += 5)
         withNames.insert(at + 4, "r");
     addRelationships(withNames);
-    store.setPart(u"/_rels/source.xml.rels", opc::test::relationships(withNames));
+    store.setPart(u"/_rels/source.xml.rels", relationships(withNames));
 
     const auto check = [this](const RelationshipSource& source, const std::function<void()>& remove) {
         EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/A.xml", remove));

@@ -5,10 +5,8 @@
 #include <opc/model/PartName.hpp>
 
 #include <boost/regex.hpp>
-#include <gtest/gtest.h>
 
 #include <set>
-#include <string>
 #include <vector>
 
 namespace {

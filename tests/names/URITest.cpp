@@ -4,10 +4,6 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/URI.hpp>
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 namespace {
 
 using namespace opc::model;

@@ -8,11 +8,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::MemoryPackage;
-using opc::test::contentTypes;
-using opc::test::throws;
-using opc::test::toText;
 
 const std::string HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
                          "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
@@ -142,8 +140,7 @@ TEST_F(ContentTypesStream, unusedEntriesCountForPartsToCome) {
 TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
     const std::string root =
         R"(<x:Types xmlns:x="http://schemas.openxmlformats.org/package/2006/content-types">)";
-    store.setContentTypes(
-        opc::test::toBytes(root + R"(<x:Default Extension="xml" ContentType="a/b"/></x:Types>)"));
+    store.setContentTypes(toBytes(root + R"(<x:Default Extension="xml" ContentType="a/b"/></x:Types>)"));
     store.setPart(u"/a.xml", {});
     EXPECT_TRUE(throws<ContentTypeNotFound>("No content type was found for part:/a.xml", [&] {
         package.open(OpenMode::ReadOnly);
@@ -162,7 +159,7 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
         R"(<?xml version="1.0" encoding="ISO-8859-1"?>)" + toText(contentTypes("")).substr(38),
     };
     for (const std::string& text : broken) {
-        store.setContentTypes(opc::test::toBytes(text));
+        store.setContentTypes(toBytes(text));
         EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;
     }
 }

@@ -10,8 +10,8 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
-using opc::test::throws;
 
 class CountingManager : public DataManager {
 public:
@@ -41,12 +41,10 @@ private:
 
 class DataManagers : public testing::Test {
 protected:
-    DataManagers() : physical(store), package(physical) {
-        opc::test::fill(store, {u"/a.xml", u"/managed.xml"});
-    }
+    DataManagers() : physical(store), package(physical) { fill(store, {u"/a.xml", u"/managed.xml"}); }
 
     opc::physical::MemoryPackage store;
-    opc::test::ScriptedPackage physical;
+    ScriptedPackage physical;
     Package package;
 };
 
@@ -97,7 +95,7 @@ TEST_F(DataManagers, saveBeforeAnythingIsWritten) {
     manager.markAsDirty();
     package.close(false);
     EXPECT_TRUE(store.hasPart(u"/_rels/.rels"));
-    EXPECT_NE(opc::test::toText(store.contentTypes()).find("/new"), std::string::npos);
+    EXPECT_NE(toText(store.contentTypes()).find("/new"), std::string::npos);
 }
 
 TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {

@@ -11,9 +11,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::MemoryPackage;
-using opc::test::throws;
 namespace errc = boost::system::errc;
 
 const char* const CORE_PROPERTIES =
@@ -28,18 +28,17 @@ template <typename E>
 void expectOpenFails(const std::string& message, const std::function<void(MemoryPackage&)>& spoil) {
     SCOPED_TRACE(message);
     MemoryPackage store;
-    opc::test::fill(store, {u"/a.xml", u"/b/c.xml"});
-    store.setPart(u"/_rels/.rels",
-                  opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
+    fill(store, {u"/a.xml", u"/b/c.xml"});
+    store.setPart(u"/_rels/.rels", relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
     spoil(store);
-    opc::test::ScriptedPackage physical(store);
+    ScriptedPackage physical(store);
     Package package(physical);
     EXPECT_TRUE(throws<E>(message, [&] { package.open(OpenMode::ReadWrite); }));
     EXPECT_FALSE(package.isOpen());
     EXPECT_EQ(physical.calls.back(), "close true");
     EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getParts(); }));
 
-    opc::test::fill(store, {});
+    fill(store, {});
     for (const std::u16string& name : store.partNames())
         store.removePart(name);
     store.setPart(u"/d.xml", {});
@@ -53,10 +52,10 @@ void expectOpenFails(const std::string& message, const std::function<void(Memory
 /// A package on an empty store with a content types stream, whose calls can be made to fail.
 class LifecycleTest : public testing::Test {
 protected:
-    LifecycleTest() { opc::test::fill(store, {}); }
+    LifecycleTest() { fill(store, {}); }
 
     MemoryPackage store;
-    opc::test::ScriptedPackage physical{store};
+    ScriptedPackage physical{store};
     Package package{physical};
 };
 class PackageOpen : public LifecycleTest {};
@@ -104,7 +103,7 @@ TEST_F(PackageOpen, keepsTheCodeOfTheCause) {
 }
 
 TEST_F(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
-    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1") + coreRelationship("r2")));
+    store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1") + coreRelationship("r2")));
     physical.failAt("close", "stuck");
     EXPECT_TRUE(throws<PackageCloseFailed>("stuck", [&] { package.open(OpenMode::ReadWrite); }));
     EXPECT_TRUE(package.isOpen());
@@ -114,16 +113,14 @@ TEST_F(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
 }
 
 TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
-    using opc::test::relationships;
-
     const auto withPart = [](const char16_t* name, const std::string& content = "") {
         return [=](MemoryPackage& store) { store.setPart(name, relationships(content)); };
     };
     const auto withTypes = [](const std::string& entries) {
-        return [=](MemoryPackage& store) { store.setContentTypes(opc::test::contentTypes(entries)); };
+        return [=](MemoryPackage& store) { store.setContentTypes(contentTypes(entries)); };
     };
     const auto withOverride = [&](const std::string& attributes) {
-        return withTypes(opc::test::USUAL_CONTENT_TYPES + "<Override " + attributes + "/>");
+        return withTypes(USUAL_CONTENT_TYPES + "<Override " + attributes + "/>");
     };
     expectOpenFails<InconsistentPackage>("Not all relationship parts were matched with regular parts",
                                          withPart(u"/_rels/x.xml.rels"));
@@ -181,11 +178,10 @@ TEST_F(PackageOpen, givesRelationshipsPartsToTheirSources) {
     for (const Case& c : cases) {
         for (const std::u16string& name : store.partNames())
             store.removePart(name);
-        opc::test::fill(store, c.parts);
+        fill(store, c.parts);
         std::string id = "r0";
         for (const std::u16string& name : c.relationshipsParts) {
-            store.setPart(name, opc::test::relationships("<Relationship Id=\"" + id +
-                                                         "\" Type=\"t:t\" Target=\"x\"/>"));
+            store.setPart(name, relationships("<Relationship Id=\"" + id + "\" Type=\"t:t\" Target=\"x\"/>"));
             ++id.back();
         }
         std::string sources;
@@ -207,7 +203,7 @@ TEST_F(PackageOpen, givesRelationshipsPartsToTheirSources) {
 }
 
 TEST_F(PackageOpen, aSecondCorePropertiesRelationshipAndASecondOpenAreRefused) {
-    store.setPart(u"/_rels/.rels", opc::test::relationships(coreRelationship("r1")));
+    store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1")));
     package.open(OpenMode::ReadWrite);
     EXPECT_TRUE(throws<InvalidCorePropertiesRelationships>(
         "No more than one core properties relationship can exist in a package", [&] {
@@ -227,7 +223,7 @@ TEST_F(PackageClose, ofAPackageNeverOpenedDoesNothing) {
 TEST_F(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     package.open(OpenMode::CreateOnly);
     Part part = package.createPart(PartName(u"/a.xml"), ContentType(u"text/xml"), StandardPartInfo());
-    opc::test::writeAll(part, "content");
+    writeAll(part, "content");
     package.createInternalRelationship(u"t:t", URI(u"/a.xml"));
 
     physical.failAt("close", "denied", errc::permission_denied);
@@ -241,7 +237,7 @@ TEST_F(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     package.close(false);
 
     package.open(OpenMode::ReadOnly);
-    EXPECT_EQ(opc::test::readAll(package.getPart(PartName(u"/a.xml"))), "content");
+    EXPECT_EQ(readAll(package.getPart(PartName(u"/a.xml"))), "content");
 }
 
 TEST_F(PackageClose, writesInItsFixedOrder) {
@@ -262,9 +258,8 @@ TEST_F(PackageClose, writesInItsFixedOrder) {
 }
 
 TEST_F(PackageClose, writesNothingWhereNothingChangedOrAllIsAbandoned) {
-    opc::test::fill(store, {u"/a.xml"});
-    store.setPart(u"/_rels/.rels",
-                  opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
+    fill(store, {u"/a.xml"});
+    store.setPart(u"/_rels/.rels", relationships(R"(<Relationship Id="r" Type="t:t" Target="a.xml"/>)"));
 
     package.open(OpenMode::ReadOnly);
     package.close(false);
@@ -284,7 +279,7 @@ TEST(PackageLifecycle, createdPackageReadsBack) {
     Package package(store);
     package.open(OpenMode::CreateOnly);
     Part main = package.createPart(PartName(u"/doc/main.xml"), ContentType(u"text/xml"), StandardPartInfo());
-    opc::test::writeAll(main, "<main/>");
+    writeAll(main, "<main/>");
     package.createPart(PartName(u"/doc/image.png"), ContentType(u"image/png"), StandardPartInfo());
     package.createInternalRelationship(u"urn:main", URI(u"/doc/main.xml"));
     main.createInternalRelationship(u"urn:image", URI(u"image.png"));
@@ -298,7 +293,7 @@ TEST(PackageLifecycle, createdPackageReadsBack) {
     EXPECT_EQ(names, (std::vector<std::u16string>{u"/doc/image.png", u"/doc/main.xml"}));
     const Part read = package.getPart(PartName(u"/DOC/main.xml"));
     EXPECT_EQ(read.getContentType().toString(), u"text/xml");
-    EXPECT_EQ(opc::test::readAll(read), "<main/>");
+    EXPECT_EQ(readAll(read), "<main/>");
     EXPECT_EQ(read.getRelationshipByID(u"rId1").getTargetURI().toString(), u"/doc/image.png");
     EXPECT_EQ(read.getRelationshipByID(u"rId2").getTargetURI().toString(), u"http://example.com/%C3%A9");
 }

@@ -12,20 +12,20 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::MemoryPackage;
-using opc::test::throws;
 
 class PackageParts : public testing::Test {
 protected:
-    PackageParts() : physical(store), package(physical) { opc::test::fill(store, {}); }
+    PackageParts() : physical(store), package(physical) { fill(store, {}); }
 
     Part create(const char16_t* name) {
         return package.createPart(PartName(name), ContentType(u"application/xml"), StandardPartInfo());
     }
 
     MemoryPackage store;
-    opc::test::ScriptedPackage physical;
+    ScriptedPackage physical;
     Package package;
 };
 
@@ -99,7 +99,7 @@ TEST_F(PackageParts, namesMustNotConflict) {
 }
 
 TEST_F(PackageParts, namesThatWereReadCountWheneverTheyAreAskedFor) {
-    opc::test::fill(store, {u"/a/b.xml", u"/a/c.xml"});
+    fill(store, {u"/a/b.xml", u"/a/c.xml"});
     std::u16string existing;
     const auto isTaken = [&](const char16_t* name) {
         return package.isPartDerivedFromExistingPartName(PartName(name), existing);
@@ -145,7 +145,7 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
     physical.failAt("deletePart /a.xml", "first");
     physical.failAt("deletePart /_rels/a.xml.rels", "second");
     EXPECT_TRUE(throws<PartDeleteFailed>("first; second", attempt));
-    opc::test::writeAll(part, "still there");
+    writeAll(part, "still there");
     package.close(false);
     EXPECT_EQ(store.partNames().size(), 2U);
 
@@ -173,7 +173,7 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
 
 TEST_F(PackageParts, aPartWhoseContentTypeIsMissingGoesWithoutHarm) {
     // A store that spells a name in another way than the one it was created with.
-    class Respelling : public opc::test::ScriptedPackage {
+    class Respelling : public ScriptedPackage {
     public:
         using ScriptedPackage::ScriptedPackage;
         opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& type,
@@ -212,7 +212,7 @@ TEST_F(PackageParts, deletionTakesTheRelationshipsAndTheStoredSpelling) {
 }
 
 TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
-    store.setPart(u"/a.xml", opc::test::toBytes("old"));
+    store.setPart(u"/a.xml", toBytes("old"));
     package.open(OpenMode::ReadWrite);
     const Part part = package.getPart(PartName(u"/a.xml"));
     const Part copy = package.getPart(PartName(u"/a.xml"));
@@ -226,10 +226,10 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
     package.open(OpenMode::ReadOnly);
     const Part readOnly = package.getPart(PartName(u"/a.xml"));
     EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", [&] { readOnly.getOutputStream(); }));
-    EXPECT_EQ(opc::test::readAll(readOnly), "old");
+    EXPECT_EQ(readAll(readOnly), "old");
     readOnly.getInputStream().close();
     readOnly.getInputStream().open();
-    EXPECT_EQ(opc::test::readAll(readOnly), "old");
+    EXPECT_EQ(readAll(readOnly), "old");
 }
 
 TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
@@ -237,7 +237,7 @@ TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
     const std::vector<std::u16string> expected = names;
     do {
         MemoryPackage shuffled;
-        opc::test::fill(shuffled, names);
+        fill(shuffled, names);
         Package found(shuffled);
         found.open(OpenMode::ReadOnly);
         std::vector<std::u16string> listed;
@@ -250,13 +250,13 @@ TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
 TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
     // A store that isn't a MemoryPackage may list two parts whose names differ in letter case: the last one
     // counts.
-    store.setPart(u"/a.xml", opc::test::toBytes("first"));
+    store.setPart(u"/a.xml", toBytes("first"));
     MemoryPackage other;
-    opc::test::fill(other, {});
-    other.setPart(u"/A.xml", opc::test::toBytes("second"));
+    fill(other, {});
+    other.setPart(u"/A.xml", toBytes("second"));
     other.open(OpenMode::ReadOnly);
 
-    class TwoStores : public opc::test::ScriptedPackage {
+    class TwoStores : public ScriptedPackage {
     public:
         TwoStores(MemoryPackage& one, MemoryPackage& two) : ScriptedPackage(one), second(two) {}
         std::vector<opc::interfaces::IPhysicalPart*> getParts() override {
@@ -270,7 +270,7 @@ TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
     Package merged(both);
     merged.open(OpenMode::ReadOnly);
     ASSERT_EQ(merged.getParts().size(), 1U);
-    EXPECT_EQ(opc::test::readAll(*merged.getParts().begin()), "second");
+    EXPECT_EQ(readAll(*merged.getParts().begin()), "second");
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 
 #include <opc/physical/ZipPackage.hpp>
 
-#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <set>

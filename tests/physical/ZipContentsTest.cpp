@@ -7,7 +7,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <map>
 #include <random>
 #include <utility>

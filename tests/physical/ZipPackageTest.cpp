@@ -5,7 +5,6 @@
 #include <opc/physical/ZipPackage.hpp>
 
 #include <array>
-#include <cerrno>
 #include <random>
 #include <sstream>
 

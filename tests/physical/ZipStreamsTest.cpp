@@ -5,7 +5,6 @@
 #include <opc/physical/ZipPackage.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <istream>
 #include <ostream>
 #include <random>

@@ -7,8 +7,6 @@
 #include <sys/mount.h>
 #include <sys/types.h>
 
-#include <cerrno>
-
 // The test program is linked so that these stand before the system's own (see CMakeLists.txt).
 namespace {
 

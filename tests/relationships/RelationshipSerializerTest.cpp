@@ -14,10 +14,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::Bytes;
-using opc::test::outcomeOf;
-using opc::test::relationships;
-using opc::test::throws;
+using namespace opc::test;
 
 class RelationshipsDocument : public testing::Test {
 protected:
@@ -34,7 +31,7 @@ protected:
         Bytes document;
         opc::ByteArrayOutAdaptor stream(document);
         (serializer.*way)(manager, stream);
-        return opc::test::toText(document);
+        return toText(document);
     }
 
     RelationshipSerializer serializer;
@@ -129,9 +126,8 @@ TEST_F(RelationshipsDocument, readsWhatCreationWouldRefuse) {
 }
 
 TEST_F(RelationshipsDocument, aNamespacePrefixHidesTheElements) {
-    read(opc::test::toBytes(
-        R"(<r:Relationships xmlns:r="http://schemas.openxmlformats.org/package/2006/relationships">)"
-        R"(<r:Relationship Id="r" Type="t:t" Target="x"/></r:Relationships>)"));
+    read(toBytes(R"(<r:Relationships xmlns:r="http://schemas.openxmlformats.org/package/2006/relationships">)"
+                 R"(<r:Relationship Id="r" Type="t:t" Target="x"/></r:Relationships>)"));
     EXPECT_TRUE(manager.isEmpty());
 }
 
@@ -146,7 +142,7 @@ TEST_F(RelationshipsDocument, isWrittenInTheOrderOfIDs) {
               "Type=\"t:10\"/>\n"
               "  <Relationship Id=\"rId2\" Target=\"x.xml\" Type=\"t:2\"/>\n"
               "</Relationships>\n");
-    read(opc::test::toBytes(document));
+    read(toBytes(document));
     EXPECT_EQ(write(), document) << "what was written reads back";
 }
 
@@ -182,7 +178,7 @@ TEST_F(RelationshipsDocument, charactersThatXMLCanNotHoldAreRefusedInWriting) {
     manager.deleteRelationship(u"r");
     manager.addExternalRelationship(u"r", u"t:t", u"b");
     const std::string document = write();
-    read(opc::test::toBytes(document)); // the writer is fit for the next document, with its namespace
+    read(toBytes(document)); // the writer is fit for the next document, with its namespace
     EXPECT_EQ(write(), document);
 }
 

@@ -10,14 +10,12 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
-using opc::test::throws;
 
 class RelationshipSources : public testing::Test {
 protected:
-    RelationshipSources() : physical(store), package(physical) {
-        opc::test::fill(store, {u"/a/b.xml", u"/c.xml"});
-    }
+    RelationshipSources() : physical(store), package(physical) { fill(store, {u"/a/b.xml", u"/c.xml"}); }
 
     Part open(OpenMode mode = OpenMode::ReadWrite) {
         package.open(mode);
@@ -32,7 +30,7 @@ protected:
     }
 
     opc::physical::MemoryPackage store;
-    opc::test::ScriptedPackage physical;
+    ScriptedPackage physical;
     Package package;
 };
 
@@ -106,9 +104,8 @@ TEST_F(RelationshipSources, validIDsAreNamesWithoutColonOrSurrogates) {
 }
 
 TEST_F(RelationshipSources, generatedIDsAreNeverUsedTwice) {
-    store.setPart(u"/_rels/c.xml.rels",
-                  opc::test::relationships(R"(<Relationship Id="rId1" Type="t:t" Target="x"/>)"
-                                           R"(<Relationship Id="rId3" Type="t:t" Target="x"/>)"));
+    store.setPart(u"/_rels/c.xml.rels", relationships(R"(<Relationship Id="rId1" Type="t:t" Target="x"/>)"
+                                                      R"(<Relationship Id="rId3" Type="t:t" Target="x"/>)"));
     Part part = open();
     Part read = package.getPart(PartName(u"/c.xml"));
     EXPECT_EQ(read.createExternalRelationship(u"t:t", u"x").getID(), u"rId2");
@@ -192,7 +189,7 @@ TEST_F(RelationshipSources, whatWasHandedOutOutlivesItsSource) {
 }
 
 TEST_F(RelationshipSources, aPartWithoutRelationshipsIsReplacedByTheFirst) {
-    store.setPart(u"/a/_rels/b.xml.rels", opc::test::relationships(""));
+    store.setPart(u"/a/_rels/b.xml.rels", relationships(""));
     Part part = open();
     part.createExternalRelationship(u"t:t", u"dir\\x");
     package.close(false);

@@ -8,10 +8,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::ZipPackage;
-using opc::test::Bytes;
-using opc::test::keysOf;
 
 /// Signed ZIP packages, taken apart by a script that shares nothing with this library.
 class IndependentCheck : public testing::Test {
@@ -29,15 +28,15 @@ protected:
         const PartName partName(name);
         if (!package.hasPart(partName))
             package.createPart(partName, ContentType(u"text/a;charset=\"utf-8\""), StandardPartInfo());
-        opc::test::writeAll(package.getPart(partName), content);
+        writeAll(package.getPart(partName), content);
     }
 
-    opc::test::TemporaryFolder::Outcome check() {
-        opc::test::writeFile(folder / "key.der", keysOf(2048).getPublicKey());
+    TemporaryFolder::Outcome check() {
+        writeFile(folder / "key.der", keysOf(2048).getPublicKey());
         return folder.run("python3 '" INDEPENDENT_CHECK "' package.zip key.der 2>&1");
     }
 
-    opc::test::TemporaryFolder folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(IndependentCheck, findsWhatWasSigned) {

@@ -8,17 +8,16 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::SignedPackage;
-using opc::test::throws;
+using namespace opc::test;
 
 class Loading : public SignedPackage {
 protected:
     /// Gives the identifier of a stored signature, as it stands in its document, another value.
     void setIdentifier(const char16_t* partName, const std::string& from, const std::string& to) {
-        std::string text = opc::test::toText(store.partBytes(partName));
+        std::string text = toText(store.partBytes(partName));
         for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
             text.replace(at, from.size(), to);
-        store.setPart(partName, opc::test::toBytes(text));
+        store.setPart(partName, toBytes(text));
     }
 };
 
@@ -45,7 +44,7 @@ TEST_F(Loading, theCounterStandsAboveEveryNumberInUse) {
         for (const std::u16string& name : store.partNames())
             if (name.rfind(u"/_xmlsignatures/", 0) == 0)
                 store.removePart(name);
-        store.setPart(u"/_rels/.rels", opc::test::relationships(""));
+        store.setPart(u"/_rels/.rels", relationships(""));
         open();
     }
 }
@@ -75,11 +74,11 @@ TEST_F(Loading, failuresAreTriedAgainByTheNextOperation) {
     signPart(u"/a.xml");
     close(false);
     const auto good = store.partBytes(u"/_xmlsignatures/sig1.xml");
-    store.setPart(u"/_xmlsignatures/sig1.xml", opc::test::toBytes("no xml"));
+    store.setPart(u"/_xmlsignatures/sig1.xml", toBytes("no xml"));
     open();
     for (int i = 0; i < 2; ++i)
         EXPECT_THROW(manager->isPackageSigned(), InvalidSignature);
-    opc::test::writeAll(part(u"/_xmlsignatures/sig1.xml"), opc::test::toText(good));
+    writeAll(part(u"/_xmlsignatures/sig1.xml"), toText(good));
     EXPECT_TRUE(manager->isPackageSigned());
 }
 

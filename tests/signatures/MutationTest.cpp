@@ -8,11 +8,8 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
-using opc::test::Bytes;
-using opc::test::SignedPackage;
-using opc::test::toBytes;
-using opc::test::toText;
 
 /// Changes documents at random, by a fixed series.
 class Mutator {

@@ -6,13 +6,12 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::inserted;
-using opc::test::replaced;
+using namespace opc::test;
 
 constexpr char16_t SIGNATURE_PART[] = u"/_xmlsignatures/sig1.xml";
 constexpr char16_t ORIGIN_PART[] = u"/_xmlsignatures/origin.sigs";
 
-class Coverage : public opc::test::SignedPackage {
+class Coverage : public SignedPackage {
 protected:
     /// What the signature covers, in the order of the package: parts by name, relationships as SOURCE:ID.
     std::vector<std::u16string> coveredBy(const DigitalSignature& signature) const {
@@ -34,12 +33,12 @@ protected:
 
     /// Of the closed package.
     std::string signatureText(const char16_t* name = SIGNATURE_PART) const {
-        return opc::test::toText(store.partBytes(name));
+        return toText(store.partBytes(name));
     }
 
     /// Opens the closed package with another signature part.
     DigitalSignature withSignature(const std::string& text) {
-        store.setPart(SIGNATURE_PART, opc::test::toBytes(text));
+        store.setPart(SIGNATURE_PART, toBytes(text));
         open();
         return manager->getSignature(u"sig1");
     }

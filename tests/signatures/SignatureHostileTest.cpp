@@ -22,12 +22,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::certificate;
-using opc::test::inserted;
-using opc::test::repeated;
-using opc::test::replaced;
-using opc::test::throws;
-using opc::test::USUAL_SIGNATURE;
+using namespace opc::test;
 
 constexpr char TOO_DEEP[] = "XML signature: Elements are nested too deeply.";
 
@@ -48,7 +43,7 @@ std::string withCertificate(const std::string& text) {
     return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
 }
 
-class HostileSignature : public opc::test::SignatureDocument {};
+class HostileSignature : public SignatureDocument {};
 
 constexpr char TOO_MANY_ASIDES[] =
     "XML signature: There are more than 2000 comments, CDATA sections and processing instructions.";
@@ -149,9 +144,9 @@ TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
 }
 
 TEST_F(HostileSignature, aTimeBeyondTheClockIsTheEndOfIt) {
-    opc::test::CertificateRecipe recipe;
+    CertificateRecipe recipe;
     recipe.notAfter = "20400101000000Z";
-    const opc::test::Identity signer = opc::test::makeIdentity(recipe);
+    const Identity signer = makeIdentity(recipe);
     const DataToSign part{{PartName(u"/a.xml")}, {{1}}, {ContentType(u"text/xml")}, {}, {}};
     DigitalSignatureData signature(u"1", signer.getPrivateKey(), signer.certificate, {}, SignatureParams(),
                                    part);
@@ -170,7 +165,7 @@ TEST_F(HostileSignature, aTimeBeyondTheClockIsTheEndOfIt) {
 TEST_F(HostileSignature, aCertificateCutShortAnywhereIsRefused) {
     const auto whole = bedrock::crypto::utils::base64Decode(opc::toString(certificate("rsa:1024"), false));
     for (std::size_t length = 1; length < whole.size(); length += 13) {
-        const opc::test::Bytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        const Bytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
         const std::string text = opc::toASCIIString(bedrock::crypto::utils::base64Encode(part));
         EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException) << length;
     }
@@ -182,7 +177,7 @@ TEST_F(HostileSignature, aCertificateCutShortAnywhereIsRefused) {
 /// Gives the beginning of a document, and then Xerces has no memory left.
 class StreamOutOfMemory : public opc::ByteArrayInAdaptor {
 public:
-    explicit StreamOutOfMemory(const opc::test::Bytes& bytes) : ByteArrayInAdaptor(bytes) {}
+    explicit StreamOutOfMemory(const Bytes& bytes) : ByteArrayInAdaptor(bytes) {}
 
     bool isDone() const override { return false; }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
@@ -193,7 +188,7 @@ public:
 };
 
 TEST_F(HostileSignature, theReaderOutlivesAParserWithoutMemory) {
-    const opc::test::Bytes beginning = opc::test::toBytes(USUAL_SIGNATURE.substr(0, 300));
+    const Bytes beginning = toBytes(USUAL_SIGNATURE.substr(0, 300));
     for (int i = 0; i < 2; ++i) {
         StreamOutOfMemory stream(beginning);
         DigitalSignatureData unfinished;

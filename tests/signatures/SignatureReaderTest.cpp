@@ -9,14 +9,9 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::certificate;
-using opc::test::inserted;
-using opc::test::replaced;
-using opc::test::throws;
-using opc::test::unknownToSchema;
-using opc::test::USUAL_SIGNATURE;
+using namespace opc::test;
 
-class SignatureReader : public opc::test::SignatureDocument {};
+class SignatureReader : public SignatureDocument {};
 
 constexpr char VALUE[] = "</SignatureValue>";
 constexpr char PART[] = "<!--part-->";
@@ -309,7 +304,7 @@ TEST_F(SignatureReader, keysOfOthers) {
                                  "\n</X509Certificate><X509Certificate>" + certificate("rsa:2048") +
                                  "</X509Certificate></X509Data>";
     const auto rsaKeyValue = [](std::size_t length) {
-        return "<KeyValue><RSAKeyValue><Modulus>" + opc::test::repeated("AAAA", length / 4) +
+        return "<KeyValue><RSAKeyValue><Modulus>" + repeated("AAAA", length / 4) +
                "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue>";
     };
     struct Case {

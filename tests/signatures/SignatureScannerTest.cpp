@@ -3,10 +3,7 @@
 
 namespace {
 
-using opc::test::certificate;
-using opc::test::replaced;
-using opc::test::SignatureComparison;
-using opc::test::toBytes;
+using namespace opc::test;
 
 /// A document with every element of the form, with a key value.
 std::string plainSignature() {

@@ -17,11 +17,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
-using opc::test::certificate;
-using opc::test::throws;
-using opc::test::USUAL_SIGNATURE;
 
 constexpr char KEY_INFO[] = "<KeyInfo>";
 
@@ -37,7 +35,7 @@ Reference reference(const char16_t* uri, const char16_t* digestValue) {
     return result;
 }
 
-class SignatureWriter : public opc::test::SignatureDocument {
+class SignatureWriter : public SignatureDocument {
 protected:
     SignatureWriter() {
         written.m_signatureId = u"1";
@@ -143,16 +141,16 @@ TEST_F(SignatureWriter, writesTheKeyOrTheCertificates) {
 
 TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
     const auto validates = [this] {
-        const opc::test::TemporaryFolder folder;
+        const TemporaryFolder folder;
         const std::string schemas = OPCMODEL_SCHEMAS;
-        opc::test::writeFile(folder / "both.xsd",
-                             "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
-                             "namespace='http://www.w3.org/2000/09/xmldsig#' schemaLocation='" +
-                                 schemas +
-                                 "/xmldsig.xsd'/><xs:import namespace='http://schemas.openxmlformats.org/"
-                                 "package/2006/digital-signature' schemaLocation='" +
-                                 schemas + "/opc-dsig.xsd'/></xs:schema>");
-        opc::test::writeFile(folder / "sig.xml", write(written));
+        writeFile(folder / "both.xsd",
+                  "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
+                  "namespace='http://www.w3.org/2000/09/xmldsig#' schemaLocation='" +
+                      schemas +
+                      "/xmldsig.xsd'/><xs:import namespace='http://schemas.openxmlformats.org/"
+                      "package/2006/digital-signature' schemaLocation='" +
+                      schemas + "/opc-dsig.xsd'/></xs:schema>");
+        writeFile(folder / "sig.xml", write(written));
         const auto outcome = folder.run("xmllint --noout --nonet --schema both.xsd sig.xml 2>&1");
         return outcome.status == 0 ? testing::AssertionSuccess()
                                    : testing::AssertionFailure() << outcome.output;
@@ -205,7 +203,7 @@ TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
     for (const char16_t bad : {u'\u0001', u'\uFFFE', char16_t(0xD800)}) {
         DigitalSignatureData broken = written;
         broken.m_content.manifestReferences[0].digestValue += bad;
-        opc::test::Bytes bytes;
+        Bytes bytes;
         EXPECT_THROW(
             {
                 opc::ByteArrayOutAdaptor stream(bytes);

@@ -3,11 +3,8 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
-using opc::test::Bytes;
-using opc::test::keysOf;
-using opc::test::SignedPackage;
-using opc::test::throws;
 
 class Signing : public SignedPackage {};
 
@@ -19,7 +16,7 @@ TEST_F(Signing, leavesPartsAndRelationshipsByTheLayout) {
     const Part origin = part(u"/_xmlsignatures/origin.sigs");
     EXPECT_EQ(origin.getContentType().toString(),
               u"application/vnd.openxmlformats-package.digital-signature-origin");
-    EXPECT_EQ(opc::test::readAll(origin), "");
+    EXPECT_EQ(readAll(origin), "");
     const auto toOrigin = package->getRelationshipsByType(
         u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin");
     ASSERT_EQ(toOrigin.size(), 1U);

@@ -7,13 +7,9 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using opc::interfaces::OpenMode;
 using opc::physical::MemoryPackage;
-using opc::test::Bytes;
-using opc::test::replaced;
-using opc::test::SignedPackage;
-using opc::test::toBytes;
-using opc::test::toText;
 
 constexpr char16_t SIGNATURE[] = u"/_xmlsignatures/sig1.xml";
 
@@ -52,7 +48,7 @@ bool isWithin(const std::string& text, std::size_t place, const std::string& beg
 class Tampering : public SignedPackage {
 protected:
     Tampering() {
-        opc::test::writeAll(part(u"/b.xml"), "<b>other</b>");
+        writeAll(part(u"/b.xml"), "<b>other</b>");
         part(u"/b.xml").createExternalRelationship(u"urn:next", u"http://n/", u"rId2");
         const auto byType = [](const char16_t* source, const char16_t* type) {
             return RelationshipSelector(URI(source), RelationshipSelectorType::SourceType, type);

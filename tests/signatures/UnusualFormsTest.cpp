@@ -5,8 +5,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::replaced;
-using opc::test::SignedPackage;
+using namespace opc::test;
 
 /// Documents that the owner of the key signed, in forms that this library doesn't write.
 class UnusualForms : public SignedPackage {
@@ -16,16 +15,15 @@ protected:
     UnusualForms() {
         signPart(u"/a.xml");
         close(false);
-        document = opc::test::toText(store.partBytes(PART));
+        document = toText(store.partBytes(PART));
     }
 
     int verifyResigned(const std::string& form) {
-        store.setPart(PART, opc::test::toBytes(Resigning(privateKey).sign(form)));
+        store.setPart(PART, toBytes(Resigning(privateKey).sign(form)));
         open();
         return verify(u"sig1");
     }
 
-    using Resigning = opc::test::Resigning;
     std::string document;
 };
 
@@ -50,7 +48,7 @@ protected:
         const std::size_t begin = document.find("<Object");
         const std::size_t end = document.find("</Object>") + 9;
         first = document.substr(begin, end - begin);
-        store.setPart(u"/b.xml", opc::test::toBytes("<a>content</a>")); // as /a.xml, and so its digest
+        store.setPart(u"/b.xml", toBytes("<a>content</a>")); // as /a.xml, and so its digest
         second = R"(<Object Id="other"><any xmlns="urn:any">)" + replaced(first, "/a.xml", "/b.xml") +
                  "</any></Object>";
     }
@@ -58,17 +56,17 @@ protected:
 };
 
 TEST_F(SecondPackageObject, inFrontTakesThePlaceOfTheFirst) {
-    store.setPart(PART, opc::test::toBytes(replaced(document, first, second + first)));
+    store.setPart(PART, toBytes(replaced(document, first, second + first)));
     open();
     EXPECT_EQ(verify(u"sig1"), 101);
 }
 
 TEST_F(SecondPackageObject, behindMakesPartsLookSigned) {
-    store.setPart(PART, opc::test::toBytes(replaced(document, first, first + second)));
+    store.setPart(PART, toBytes(replaced(document, first, first + second)));
     open();
     EXPECT_EQ(verify(u"sig1"), 0) << "the signed object is as it was";
     EXPECT_TRUE(manager->isSigned(PartName(u"/b.xml"))) << "though the signer never signed it";
-    opc::test::writeAll(part(u"/b.xml"), "changed");
+    writeAll(part(u"/b.xml"), "changed");
     EXPECT_EQ(verify(u"sig1"), 101) << "and its digest is compared with the rest";
 }
 

@@ -10,6 +10,7 @@
 namespace {
 
 using namespace opc::model;
+using namespace opc::test;
 using bedrock::certificates::CertificateValidationOptions;
 using bedrock::certificates::PKCS12Certificate;
 using bedrock::certificates::TrustStore;
@@ -17,10 +18,6 @@ using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
 using bedrock::codesigning_verifier::FingerprintStore;
 using opc::interfaces::OpenMode;
-using opc::test::Bytes;
-using opc::test::keysOf;
-using opc::test::SignedPackage;
-using opc::test::throws;
 
 class Verification : public SignedPackage {};
 
@@ -28,7 +25,7 @@ TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
     const DigitalSignature signature = signAll();
     package->createExternalRelationship(u"urn:link", u"http://f/");
     EXPECT_EQ(verify(signature), 0);
-    opc::test::writeAll(part(u"/a.xml"), "written after signing");
+    writeAll(part(u"/a.xml"), "written after signing");
     EXPECT_EQ(verify(signature), 101) << "but content is read as it is now";
     package->deletePart(PartName(u"/b.xml"));
     EXPECT_EQ(verify(signature), 104);
@@ -59,11 +56,11 @@ TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
     close(true);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.signedContent);
-        store.setPart(c.part, opc::test::toBytes(c.signedContent));
+        store.setPart(c.part, toBytes(c.signedContent));
         open();
         const auto name = signPart(c.part).getName();
         close(false);
-        store.setPart(c.part, opc::test::toBytes(c.now));
+        store.setPart(c.part, toBytes(c.now));
         open();
         EXPECT_EQ(verify(name.c_str()), c.code);
         manager->removeAllSignatures();
@@ -133,12 +130,12 @@ TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsk
 
 class CertificateSignatures : public Verification {
 protected:
-    CertificateSignatures() : root(opc::test::makeIssuer("Root")) {
-        opc::test::CertificateRecipe recipe;
+    CertificateSignatures() : root(makeIssuer("Root")) {
+        CertificateRecipe recipe;
         recipe.issuer = &root;
-        signer = opc::test::makeIdentity(recipe);
+        signer = makeIdentity(recipe);
         trusted.addCertificate(root.certificate);
-        other.addCertificate(opc::test::makeIssuer("Other").certificate);
+        other.addCertificate(makeIssuer("Other").certificate);
     }
 
     DigitalSignature signWithCertificate() {
@@ -146,8 +143,8 @@ protected:
                              options, SignatureParams(), trusted);
     }
 
-    opc::test::Identity root;
-    std::optional<opc::test::Identity> signer;
+    Identity root;
+    std::optional<Identity> signer;
     X509CertificateChain chain;
     CertificateValidationOptions options;
     TrustStore trusted;
@@ -181,7 +178,7 @@ TEST_F(CertificateSignatures, holdWithEveryDigest) {
 }
 
 TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
-    const opc::test::OpenSslCommand openssl;
+    const OpenSslCommand openssl;
     openssl.write("key.der", signer->getPrivateKey());
     openssl.write("certificate.der", signer->certificate.getAsByteArray());
     openssl.run("pkey -inform DER -in key.der -out key");
@@ -231,7 +228,7 @@ TEST_F(CertificateSignatures, aTimeBeyondTheClockIsItsLastOne) {
 
 TEST_F(CertificateSignatures, aChangedPartOutranksAnUntrustedChain) {
     const DigitalSignature signature = signWithCertificate();
-    opc::test::writeAll(part(u"/a.xml"), "changed");
+    writeAll(part(u"/a.xml"), "changed");
     reopen();
     EXPECT_EQ(
         manager->verifySignature(manager->getSignature(u"sig1"), none, options, other).getErrorCode().value(),

@@ -16,7 +16,6 @@
 
 #include <functional>
 #include <future>
-#include <vector>
 
 namespace {
 

@@ -2,9 +2,8 @@
 
 namespace {
 
+using namespace opc::test;
 using nlohmann::json;
-using opc::test::Opctool;
-using opc::test::readFile;
 namespace fs = std::filesystem;
 
 TEST_F(Opctool, buildsAPackageStepByStep) {

@@ -4,9 +4,8 @@
 
 namespace {
 
+using namespace opc::test;
 using nlohmann::json;
-using opc::test::Opctool;
-using opc::test::readFile;
 
 TEST_F(Opctool, propsChangesAndPrintsProperties) {
     run("new p.zip");

@@ -5,10 +5,8 @@
 
 namespace {
 
+using namespace opc::test;
 using nlohmann::json;
-using opc::test::Opctool;
-using opc::test::OpenSslCommand;
-using opc::test::readFile;
 
 /// Commands on p.docx, with keys of 1024 bits, which are quick: k.key and other.key.
 class OpctoolSignatures : public Opctool {

@@ -3,7 +3,6 @@
 
 #include <opc/core/Text.hpp>
 
-#include <gtest/gtest.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -15,10 +14,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::repeat;
-using opc::test::SchemaParser;
-using opc::test::throws;
-using opc::test::toBytes;
+using namespace opc::test;
 
 const char* const BAD_ENCODING =
     "XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML declaration)";

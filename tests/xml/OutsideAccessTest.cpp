@@ -1,7 +1,6 @@
 #include "SchemaParser.hpp"
 #include "support/TemporaryFolder.hpp"
 
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -10,14 +9,13 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 namespace {
 
 using namespace opc::model;
-using opc::test::SchemaParser;
+using namespace opc::test;
 namespace fs = std::filesystem;
 
 class FileDescriptor {
@@ -61,7 +59,7 @@ protected:
     /// A call of the system that a trace shows, and that does nothing.
     static void mark(const char* place) { access(place, F_OK); }
 
-    opc::test::TemporaryFolder folder;
+    TemporaryFolder folder;
     FileDescriptor files;
     FileDescriptor port;
     std::string server;
@@ -142,7 +140,7 @@ TEST_F(OutsideAccess, showsInNoTrace) {
         folder.run("ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e trace=%file,%network -o trace '" + program +
                    "' --gtest_filter=OutsideAccess.isNeverGivenToADocument 2>&1");
     ASSERT_EQ(outcome.status, 0) << outcome.output;
-    std::istringstream trace(opc::test::readFile<std::string>(folder / "trace"));
+    std::istringstream trace(readFile<std::string>(folder / "trace"));
     int marks = 0;
     bool isReading = false;
     for (std::string line; std::getline(trace, line);) {
@@ -158,7 +156,7 @@ TEST_F(OutsideAccess, isGivenToTheCallerForOneRead) {
     SchemaParser parser;
     auto* const configuration = parser.get()->getDomConfig();
     const auto read = [&](const char* text, const std::u16string& location, const std::u16string& space) {
-        const std::vector<unsigned char> bytes = opc::test::toBytes(text);
+        const std::vector<unsigned char> bytes = toBytes(text);
         opc::ByteArrayInAdaptor stream(bytes);
         XercesHelper::readDocumentFromStream(parser.get(), stream, true, location, space);
     };

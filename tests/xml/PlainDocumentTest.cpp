@@ -14,9 +14,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::Bytes;
-using opc::test::ScannerComparison;
-using opc::test::toBytes;
+using namespace opc::test;
 
 const std::string RELATIONSHIPS =
     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n"
@@ -133,7 +131,7 @@ TEST(PlainDocument, whatIsRecognisedTheParserFindsToo) {
             const Bytes document = mutate(toBytes(original), random);
             ScannerComparison::Elements scanned;
             recognised += comparison.scan(document, scanned) ? 1 : 0;
-            ASSERT_EQ(comparison.findDifference(document), "") << opc::test::toText(document);
+            ASSERT_EQ(comparison.findDifference(document), "") << toText(document);
         }
         EXPECT_GT(recognised, 500);
     }

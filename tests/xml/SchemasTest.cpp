@@ -1,7 +1,6 @@
 #include "SchemaParser.hpp"
 #include "support/Throws.hpp"
 
-#include <gtest/gtest.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
@@ -13,7 +12,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::SchemaParser;
+using namespace opc::test;
 
 const std::initializer_list<const EmbeddedSchema*> CORE_PROPERTIES_ORDER = {
     &schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE, &schemas::DCMI_TERMS,
@@ -79,9 +78,8 @@ TEST(GrammarLoading, failsWithTheMessageOfXercesOrSaysNothing) {
     const EmbeddedSchema broken = {"broken.xsd", reinterpret_cast<const unsigned char*>(text.data()),
                                    text.size()};
     const auto parser = XercesHelper::createParser();
-    EXPECT_TRUE(
-        opc::test::throws<InvalidXMLSchema>("Schema could not be loaded: fatal error during schema scan",
-                                            [&] { loadGrammars(parser.get(), {&broken}); }));
+    EXPECT_TRUE(throws<InvalidXMLSchema>("Schema could not be loaded: fatal error during schema scan",
+                                         [&] { loadGrammars(parser.get(), {&broken}); }));
     struct Incomplete {
         std::initializer_list<const EmbeddedSchema*> order;
         std::string message;
@@ -95,9 +93,9 @@ TEST(GrammarLoading, failsWithTheMessageOfXercesOrSaysNothing) {
     };
     for (const auto& [order, message] : missing) {
         const auto incomplete = XercesHelper::createParser();
-        EXPECT_TRUE(opc::test::throws<InvalidXMLSchema>(
-            "Schema could not be loaded: " + message,
-            [&, &schemas = order] { loadGrammars(incomplete.get(), schemas); }));
+        EXPECT_TRUE(throws<InvalidXMLSchema>("Schema could not be loaded: " + message, [&, &schemas = order] {
+            loadGrammars(incomplete.get(), schemas);
+        }));
     }
     EXPECT_NO_THROW(loadGrammarUnchecked(parser.get(), broken));
     EXPECT_NO_THROW(loadGrammars(parser.get(), CORE_PROPERTIES_ORDER));
@@ -165,7 +163,6 @@ TEST(Schemas, contentTypes) {
 }
 
 TEST(Schemas, contentTypesTakeLinearTimeOnHostileValues) {
-    using opc::test::repeat;
     SchemaParser parser({&schemas::CONTENT_TYPES});
     const auto start = std::chrono::steady_clock::now();
     for (const std::string& value :

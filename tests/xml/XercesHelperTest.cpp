@@ -5,7 +5,6 @@
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
-#include <gtest/gtest.h>
 #include <xercesc/dom/DOM.hpp>
 
 #include <memory>
