@@ -1,3 +1,4 @@
+#include "support/Columns.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
@@ -7,7 +8,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::throws;
+using namespace opc::test;
 
 std::string narrow(const std::u16string& text) {
     return opc::toUDEString(text);
@@ -18,25 +19,17 @@ std::string canonical(const std::u16string& text) {
 }
 
 TEST(ContentType, canonicalText) {
-    const std::pair<std::u16string, std::string> cases[] = {
-        {u"text/xml", "text/xml"},
-        {u"Text/XML", "Text/XML"},
-        {u"!#$%&'*+-.^_|~`/0Zz", "!#$%&'*+-.^_|~`/0Zz"},
-        {u"a/b; z=1 ;y=2", "a/b;y=2;z=1"},
-        {u"a/b   ;   c=1", "a/b;c=1"},
-        {u"a/b;c=\"x y\"", "a/b;c=\"x y\""},
-        {u"a/b;c=\"xy\"", "a/b;c=xy"},
-        {u"a/b;c=\" \"", "a/b;c=\" \""},
-        {u"a/b;c=\";d=1\"", "a/b;c=\";d=1\""},
-        {u"a/b;c=\"x\\\"", "a/b;c=\"x\\\""}, // a backslash escapes nothing
-        {u"a/b;c=\"x\\\";d=\"y\"", "a/b;c=\"x\\\";d=y"},
-        {u"a/b;c=1;C=2", "a/b;c=2"},
-        {u"a/b;C=1;b=0;c=\"2 3\"", "a/b;b=0;C=\"2 3\""},
-        {u"a/b;b=1;B_=2;A=3", "a/b;A=3;b=1;B_=2"},
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(canonical(text), expected);
-        EXPECT_EQ(canonical(ContentType(text).toString()), expected);
+    for (const std::u16string text :
+         {u"text/xml", u"Text/XML", u"!#$%&'*+-.^_|~`/0Zz", u"a/b;c=\"x y\"", u"a/b;c=\" \"",
+          u"a/b;c=\";d=1\"", u"a/b;c=\"x\\\""}) // a backslash escapes nothing
+        EXPECT_EQ(canonical(text), narrow(text));
+    for (const std::u16string row :
+         {u"a/b; z=1 ;y=2 | a/b;y=2;z=1", u"a/b   ;   c=1 | a/b;c=1", u"a/b;c=\"xy\" | a/b;c=xy",
+          u"a/b;c=\"x\\\";d=\"y\" | a/b;c=\"x\\\";d=y", u"a/b;c=1;C=2 | a/b;c=2",
+          u"a/b;C=1;b=0;c=\"2 3\" | a/b;b=0;C=\"2 3\"", u"a/b;b=1;B_=2;A=3 | a/b;A=3;b=1;B_=2"}) {
+        const auto [text, expected] = columns<2>(row);
+        EXPECT_EQ(canonical(text), narrow(expected));
+        EXPECT_EQ(canonical(expected), narrow(expected));
     }
     for (const char16_t separator : std::u16string(u"()<>@,;:\\/[]?={} "))
         EXPECT_EQ(canonical(std::u16string(u"a/b;c=\"") + separator + u"\""),
@@ -44,52 +37,20 @@ TEST(ContentType, canonicalText) {
 }
 
 TEST(ContentType, refusesWhatTheGrammarDoes) {
-    const std::u16string cases[] = {u"",
-                                    u"text",
-                                    u"/xml",
-                                    u"text/",
-                                    u"/",
-                                    u" text/xml",
-                                    u"text/xml ",
-                                    u"text /xml",
-                                    u"text/ xml",
-                                    u"a/b/c",
-                                    u"text/xml;",
-                                    u"text/xml; ",
-                                    u"text/xml;;a=1",
-                                    u"text/xml;a",
-                                    u"text/xml;a=",
-                                    u"text/xml;=1",
-                                    u"text/xml;a =1",
-                                    u"text/xml;a= 1",
-                                    u"text/xml;a=1 ",
-                                    u"text/xml;a=1;",
-                                    u"text/xml a=1",
-                                    u"text/xml;a=b=c",
-                                    u"text/xml;\"a\"=1",
-                                    u"text/xml;a=\"\"",
-                                    u"text/xml;a=\"",
-                                    u"text/xml;a=\"b",
-                                    u"text/xml;a=b\"",
-                                    u"text/xml;a=\"b\"c",
-                                    u"text/xml;a=\"b\"\"c\"",
-                                    u"text/xml;a=\"b\tc\"",
-                                    u"text/xml;a=\"é\"",
-                                    u"text/xml;a=\"\x7F\"",
-                                    u"text/xml;\ta=1",
-                                    u"text/xml\t;a=1",
-                                    u"text/xml;a=1\n",
-                                    u"\u00E9/xml",
-                                    u"text/\u0100",
-                                    u"text/xml\x7F",
-                                    u"te\u2044xt/xml",
-                                    u"text\uFF0Fxml",
-                                    std::u16string(u"text/xml\0", 9),
-                                    std::u16string(u"a/") + char16_t(0xD800),
-                                    u"a/\U0001F600",
-                                    u"a(b)/c",
-                                    u"a/b, c/d",
-                                    u"a/b;[=1"};
+    const std::u16string cases[] = {
+        // blanks and parts that are missing
+        u"", u"text", u"/xml", u"text/", u"/", u" text/xml", u"text/xml ", u"text /xml", u"text/ xml",
+        u"a/b/c", u"text/xml;", u"text/xml; ", u"text/xml;;a=1", u"text/xml;a", u"text/xml;a=",
+        u"text/xml;=1", u"text/xml;a =1", u"text/xml;a= 1", u"text/xml;a=1 ", u"text/xml;a=1;",
+        u"text/xml a=1", u"text/xml;a=b=c",
+        // quotes
+        u"text/xml;\"a\"=1", u"text/xml;a=\"\"", u"text/xml;a=\"", u"text/xml;a=\"b", u"text/xml;a=b\"",
+        u"text/xml;a=\"b\"c", u"text/xml;a=\"b\"\"c\"", u"text/xml;a=\"b\tc\"", u"text/xml;a=\"é\"",
+        u"text/xml;a=\"\x7F\"",
+        // characters
+        u"text/xml;\ta=1", u"text/xml\t;a=1", u"text/xml;a=1\n", u"\u00E9/xml", u"text/\u0100",
+        u"text/xml\x7F", u"te\u2044xt/xml", u"text\uFF0Fxml", std::u16string(u"text/xml\0", 9),
+        std::u16string(u"a/") + char16_t(0xD800), u"a/\U0001F600", u"a(b)/c", u"a/b, c/d", u"a/b;[=1"};
     for (const std::u16string& text : cases)
         EXPECT_TRUE(throws<InvalidContentType>("Could not successfully parse content type string", [&text] {
             ContentType{text};
@@ -114,70 +75,38 @@ TEST(ContentType, keepsPartsAndFindsParametersWithoutCase) {
 }
 
 TEST(ContentType, comparesCanonicalTextsWithoutCase) {
-    struct Case {
-        const char16_t *left, *right;
-        int sign;
-    };
-    const Case cases[] = {
-        {u"text/xml", u"TEXT/Xml", 0},
-        {u"a/b;c=D", u"A/B;C=d", 0},
-        {u"a/b;c=\"d\"", u"a/b ;c=d", 0},
-        {u"a/b; z=1 ;y=2", u"a/b;y=2;z=1", 0},
-        {u"a/b", u"a/b;c=1", -1},
-        {u"a/b;c=1", u"a/b;c=2", -1},
-        {u"a/B", u"a/c", -1},
-    };
-    for (const Case& c : cases) {
-        const ContentType left(c.left);
-        const ContentType right(c.right);
-        EXPECT_EQ(left == right, c.sign == 0) << narrow(c.left);
-        EXPECT_EQ(left != right, c.sign != 0) << narrow(c.left);
-        EXPECT_EQ(left < right, c.sign < 0) << narrow(c.left);
-        EXPECT_FALSE(right < left) << narrow(c.left);
+    for (const std::u16string row : {u"text/xml | = | TEXT/Xml", u"a/b;c=D | = | A/B;C=d",
+                                     u"a/b;c=\"d\" | = | a/b ;c=d", u"a/b; z=1 ;y=2 | = | a/b;y=2;z=1",
+                                     u"a/b | < | a/b;c=1", u"a/b;c=1 | < | a/b;c=2", u"a/B | < | a/c"}) {
+        const auto [leftText, sign, rightText] = columns<3>(row);
+        const ContentType left(leftText), right(rightText);
+        EXPECT_TRUE((left == right) == (sign == u"=") && (left != right) == (sign != u"=")) << narrow(row);
+        EXPECT_TRUE((left < right) == (sign == u"<") && !(right < left)) << narrow(row);
     }
 }
 
 TEST(ContentType, addParameter) {
-    const char* const badName = "Invalid parameter attribute name";
-    const char* const badValue = "Invalid parameter attribute value";
-    struct Case {
-        std::u16string name, value;
-        const char* message;
-        std::string text;
-    };
-    const Case cases[] = {
-        {u"", u"1", badName, ""},
-        {u"a b", u"1", badName, ""},
-        {u"a\t", u"1", badName, ""},
-        {u"a\x7F", u"1", badName, ""},
-        {u"é", u"1", badName, ""},
-        {u"a\u0120", u"1", badName, ""}, // its low byte is a blank
-        {u"\"a\"", u"1", badName, ""},
-        {u"a=", u"1", badName, ""},
-        {u"a\\", u"1", badName, ""},
-        {u"", u"", badName, ""}, // the name's message comes first
-        {u"a", u"", badValue, ""},
-        {u"a", u"x\ty", badValue, ""},
-        {u"a", u"\x1F", badValue, ""},
-        {u"a", u"\x7F", badValue, ""},
-        {u"a", u"é", badValue, ""},
-        {u"a", u"1", nullptr, "t/s;a=1;c=x"},
-        {u"z", u"x y", nullptr, "t/s;c=x;z=\"x y\""},
-        {u"C", u"2", nullptr, "t/s;c=2"},
-        {u"a~", u"\"", nullptr, "t/s;a~=\"\"\";c=x"},
-    };
-    for (const Case& c : cases) {
+    const auto expectRefusal = [](const std::u16string& name, const std::u16string& value,
+                                  const char* message) {
         ContentType type(u"t/s;c=x");
-        if (c.message == nullptr) {
-            type.addParameter(c.name, c.value);
-            EXPECT_EQ(narrow(type.toString()), c.text);
-            EXPECT_EQ(type.getParameterValue(c.name), c.value);
-        } else {
-            EXPECT_TRUE(
-                throws<InvalidContentTypeParameter>(c.message, [&] { type.addParameter(c.name, c.value); }));
-            EXPECT_EQ(narrow(type.toString()), "t/s;c=x");
-            EXPECT_FALSE(type.hasParameter(u"a"));
-        }
+        EXPECT_TRUE(throws<InvalidContentTypeParameter>(message, [&] { type.addParameter(name, value); }))
+            << narrow(name + u"=" + value);
+        EXPECT_EQ(narrow(type.toString()), "t/s;c=x");
+        EXPECT_FALSE(type.hasParameter(u"a"));
+    };
+    for (const std::u16string name :
+         {u"", u"a b", u"a\t", u"a\x7F", u"é", u"a\u0120" /* low byte: a blank */, u"\"a\"", u"a=", u"a\\"})
+        expectRefusal(name, u"1", "Invalid parameter attribute name");
+    expectRefusal(u"", u"", "Invalid parameter attribute name");
+    for (const std::u16string value : {u"", u"x\ty", u"\x1F", u"\x7F", u"é"})
+        expectRefusal(u"a", value, "Invalid parameter attribute value");
+    for (const std::u16string row : {u"a | 1 | t/s;a=1;c=x", u"z | x y | t/s;c=x;z=\"x y\"",
+                                     u"C | 2 | t/s;c=2", u"a~ | \" | t/s;a~=\"\"\";c=x"}) {
+        const auto [name, value, text] = columns<3>(row);
+        ContentType type(u"t/s;c=x");
+        type.addParameter(name, value);
+        EXPECT_EQ(narrow(type.toString()), narrow(text));
+        EXPECT_EQ(type.getParameterValue(name), value);
     }
     ContentType quoted(u"t/s");
     quoted.addParameter(u"a", u"x\"y");

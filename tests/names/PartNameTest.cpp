@@ -1,3 +1,4 @@
+#include "support/Columns.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
@@ -12,7 +13,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::throws;
+using namespace opc::test;
 
 std::string narrow(const std::u16string& text) {
     return opc::toUDEString(text);
@@ -79,51 +80,33 @@ TEST(PartName, acceptsAllOtherNames) {
 }
 
 TEST(PartName, relationshipPartNames) {
-    struct Case {
-        std::u16string name;
-        bool isRelationship;
-        std::u16string other; // the source of a relationships part, the relationships part of any other
-    };
-    const Case cases[] = {
-        {u"/", false, u"/_rels/.rels"},
-        {u"/?x", false, u"/_rels/.rels"},
-        {u"http://h/", false, u"/_rels/.rels"},
-        {u"///", false, u"/_rels/.rels"},
-        {u"/a", false, u"/_rels/a.rels"},
-        {u"/a/b.xml", false, u"/a/_rels/b.xml.rels"},
-        {u"/a?b/c", false, u"/_rels/a.rels"},
-        {u"/a#b", false, u"/_rels/a.rels"},
-        {u"/a_rels/b.rels", false, u"/a_rels/_rels/b.rels.rels"},
-        {u"/_RELS/.RELS", false, u"/_RELS/_rels/.RELS.rels"},
-        {u"/_rels/.RELS", false, u"/_rels/_rels/.RELS.rels"},
-        {u"/_rels/a", false, u"/_rels/_rels/a.rels"},
-        {u"/_rels/arels", false, u"/_rels/_rels/arels.rels"},
-        {u"/_rels.rels", false, u"/_rels/_rels.rels.rels"},
-        {u"/a/_rels", false, u"/a/_rels/_rels.rels"},
-        {u"/a?/_rels/b.rels", false, u"/_rels/a.rels"},
-        {u"/_rels/.rels", true, u"/"},
-        {u"/_rels/.rels?x", true, u"/"},
-        {u"/a/_rels/.rels", true, u"/a/"},
-        {u"/a/_rels/b.xml.rels", true, u"/a/b.xml"},
-        {u"/_rels/b.rels.xml.rels", true, u"/b.rels.xml"},
-        {u"/_rels/x/y.rels", true, u"/_rels/y"},
-        {u"/a/_rels/_rels/b.rels", true, u"/a/_rels/b"},
-        {u"/a/_rels/b.rels?c.xml/d", true, u"/a/b"},
-        {u"/a\n/_rels/\nb.rels", true, u"/a\n/\nb"},
-    };
-    for (const Case& c : cases) {
-        const PartName name(c.name);
-        EXPECT_EQ(name.isRelationshipName(), c.isRelationship) << narrow(c.name);
-        if (c.isRelationship) {
-            EXPECT_EQ(narrow(name.getSourcePartName()), narrow(c.other));
-            EXPECT_TRUE(
-                throws<InvalidPartName>("Relationship part can't have an associated relationship part name",
-                                        [&name] { name.getRelationshipPartName(); }));
-        } else {
-            EXPECT_EQ(narrow(name.getRelationshipPartName()), narrow(c.other));
-            EXPECT_TRUE(throws<InvalidPartName>("Part name is not a relationship part name.",
-                                                [&name] { name.getSourcePartName(); }));
-        }
+    for (const std::u16string row :
+         {u"/ | /_rels/.rels", u"/?x | /_rels/.rels", u"http://h/ | /_rels/.rels", u"/// | /_rels/.rels",
+          u"/a | /_rels/a.rels", u"/a/b.xml | /a/_rels/b.xml.rels", u"/a?b/c | /_rels/a.rels",
+          u"/a#b | /_rels/a.rels", u"/a_rels/b.rels | /a_rels/_rels/b.rels.rels",
+          u"/_RELS/.RELS | /_RELS/_rels/.RELS.rels", u"/_rels/.RELS | /_rels/_rels/.RELS.rels",
+          u"/_rels/a | /_rels/_rels/a.rels", u"/_rels/arels | /_rels/_rels/arels.rels",
+          u"/_rels.rels | /_rels/_rels.rels.rels", u"/a/_rels | /a/_rels/_rels.rels",
+          u"/a?/_rels/b.rels | /_rels/a.rels"}) {
+        const auto [text, relationshipsPart] = columns<2>(row);
+        const PartName name(text);
+        EXPECT_FALSE(name.isRelationshipName()) << narrow(row);
+        EXPECT_EQ(narrow(name.getRelationshipPartName()), narrow(relationshipsPart));
+        EXPECT_TRUE(throws<InvalidPartName>("Part name is not a relationship part name.",
+                                            [&name] { name.getSourcePartName(); }));
+    }
+    for (const std::u16string row :
+         {u"/_rels/.rels | /", u"/_rels/.rels?x | /", u"/a/_rels/.rels | /a/",
+          u"/a/_rels/b.xml.rels | /a/b.xml", u"/_rels/b.rels.xml.rels | /b.rels.xml",
+          u"/_rels/x/y.rels | /_rels/y", u"/a/_rels/_rels/b.rels | /a/_rels/b",
+          u"/a/_rels/b.rels?c.xml/d | /a/b", u"/a\n/_rels/\nb.rels | /a\n/\nb"}) {
+        const auto [text, source] = columns<2>(row);
+        const PartName name(text);
+        EXPECT_TRUE(name.isRelationshipName()) << narrow(row);
+        EXPECT_EQ(narrow(name.getSourcePartName()), narrow(source));
+        EXPECT_TRUE(
+            throws<InvalidPartName>("Relationship part can't have an associated relationship part name",
+                                    [&name] { name.getRelationshipPartName(); }));
     }
 }
 
@@ -144,22 +127,15 @@ TEST(PartName, relationshipNamesAreThoseOfTheExpression) {
 }
 
 TEST(PartName, longNamesGetAnAnswer) {
-    struct Case {
-        std::u16string name;
-        bool isRelationship;
-    };
     const int times = 60000;
-    const Case cases[] = {
-        {repeat(u"/_rels", times), false},
-        {repeat(u"/_rels", times) + u"/.rels", true},
-        {repeat(u"/_rel", times) + u"/.rels", false},
-        {u"/" + repeat(u"a", times) + u"/_rels/b.rels", true},
-        {u"/_rels/" + repeat(u"a", times) + u".rels", true},
-        {u"/_rels/" + repeat(u".rels", times) + u"x", false},
-        {u"/_rel/" + repeat(u".rels", times), false},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(PartName(c.name).isRelationshipName(), c.isRelationship) << narrow(c.name.substr(0, 20));
+    for (const std::u16string& name :
+         {repeat(u"/_rels", times) + u"/.rels", u"/" + repeat(u"a", times) + u"/_rels/b.rels",
+          u"/_rels/" + repeat(u"a", times) + u".rels"})
+        EXPECT_TRUE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
+    for (const std::u16string& name :
+         {repeat(u"/_rels", times), repeat(u"/_rel", times) + u"/.rels",
+          u"/_rels/" + repeat(u".rels", times) + u"x", u"/_rel/" + repeat(u".rels", times)})
+        EXPECT_FALSE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
 }
 
 TEST(PartName, extensionIsThatOfThePath) {

@@ -1,3 +1,4 @@
+#include "support/Columns.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
@@ -7,7 +8,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::throws;
+using namespace opc::test;
 
 std::string narrow(const std::u16string& text) {
     return opc::toUDEString(text);
@@ -16,21 +17,12 @@ std::string narrow(const std::u16string& text) {
 TEST(URI, refusesWhatIsNoReference) {
     const char* const notASCII = "Could not successfully parse URI string. URI must contain only US-ASCII.";
     const char* const notParsed = "Could not successfully parse URI string.";
-    const std::pair<std::u16string, const char*> cases[] = {
-        {u"/é.xml", notASCII},
-        {u"/\u0080", notASCII},
-        {u"%é", notASCII}, // the rule on characters comes first
-        {std::u16string(1, char16_t(0xD800)), notASCII},
-        {u"%4", notParsed},
-        {u":a", notParsed},
-        {u"1:a", notParsed},
-        {u"/a[1]", notParsed},
-        {u"#a#", notParsed},
-        {u"//h:x", notParsed},
-        {std::u16string(u"/a\0b", 4), notParsed},
-    };
-    for (const auto& [text, message] : cases)
-        EXPECT_TRUE(throws<InvalidURI>(message, [&text = text] { URI{text}; })) << narrow(text);
+    const std::pair<const char*, std::vector<std::u16string>> cases[] = {
+        {notASCII, {u"/é.xml", u"/\u0080", u"%é", {char16_t(0xD800)}}}, // the rule on characters comes first
+        {notParsed, {u"%4", u":a", u"1:a", u"/a[1]", u"#a#", u"//h:x", std::u16string(u"/a\0b", 4)}}};
+    for (const auto& [message, texts] : cases)
+        for (const std::u16string& text : texts)
+            EXPECT_TRUE(throws<InvalidURI>(message, [&text] { URI{text}; })) << narrow(text);
 }
 
 TEST(URI, emptyTextsAreURIs) {
@@ -65,35 +57,23 @@ TEST(URI, opaqueOnesHaveSchemeAndFragmentAlone) {
 }
 
 TEST(URI, comparesTheWholeTextWithoutCase) {
-    struct Case {
-        std::u16string left, right;
-        int sign;
-    };
-    const Case cases[] = {
-        {u"/A.xml", u"/a.xml", 0},
-        {u"HTTP://H/a?Q#F", u"http://h/A?q#f", 0},
-        {u"/a/../b", u"/b", -1},
-        {u"/%41", u"/A", -1},
-        {u"/%c3%a9", u"/%C3%A9", 0},
-        {u"", u"/", -1},
-        {u"/a", u"/B", -1},
-        {u"/ab", u"/A", 1},
-        {u"/sig10.xml", u"/SIG2", -1},
-    };
-    for (const Case& c : cases) {
-        const URI left(c.left);
-        const URI right(c.right);
-        EXPECT_EQ(left == right, c.sign == 0);
-        EXPECT_EQ(left != right, c.sign != 0);
-        EXPECT_EQ(left < right, c.sign < 0);
-        EXPECT_EQ(right<left, c.sign> 0);
-        EXPECT_EQ(left == c.right, c.sign == 0);
-        EXPECT_EQ(left != c.right, c.sign != 0);
-        EXPECT_EQ(left < c.right, c.sign < 0);
-        EXPECT_EQ(c.left == right, c.sign == 0);
-        EXPECT_EQ(c.left != right, c.sign != 0);
-        EXPECT_EQ(c.left < right, c.sign < 0);
-        EXPECT_EQ(c.right<left, c.sign> 0);
+    const std::u16string cases[] = {// equal
+                                    u"/A.xml | = | /a.xml", u"HTTP://H/a?Q#F | = | http://h/A?q#f",
+                                    u"/%c3%a9 | = | /%C3%A9",
+                                    // unequal
+                                    u"/a/../b | < | /b", u"/%41 | < | /A", u" | < | /", u"/a | < | /B",
+                                    u"/ab | > | /A", u"/sig10.xml | < | /SIG2"};
+    for (const std::u16string& row : cases) {
+        const auto [leftText, sign, rightText] = columns<3>(row);
+        const URI left(leftText);
+        const URI right(rightText);
+        const bool isEqual = sign == u"=", isLess = sign == u"<", isGreater = sign == u">";
+        EXPECT_TRUE((left == right) == isEqual && (left != right) == !isEqual) << narrow(row);
+        EXPECT_TRUE((left < right) == isLess && (right < left) == isGreater) << narrow(row);
+        EXPECT_TRUE((left == rightText) == isEqual && (left != rightText) == !isEqual) << narrow(row);
+        EXPECT_TRUE((leftText == right) == isEqual && (leftText != right) == !isEqual) << narrow(row);
+        EXPECT_TRUE((left < rightText) == isLess && (leftText < right) == isLess) << narrow(row);
+        EXPECT_EQ(rightText < left, isGreater) << narrow(row);
     }
     // The string may be something that is no URI.
     EXPECT_TRUE(URI(u"/a") != u"/é%" && u"[" < URI(u"a"));
@@ -117,21 +97,12 @@ TEST(URI, percentEncoding) {
     for (const auto& [text, encoded] : iris)
         EXPECT_EQ(narrow(URI::encodeIRI(text)), narrow(encoded));
 
-    struct Case {
-        std::u16string text;
-        std::string extra;
-        std::u16string encoded;
-    };
-    const Case components[] = {
-        {u"a/b", "", u"a%2Fb"},
-        {u"a/b", "/", u"a/b"},
-        {u"é", "\xC3\xA9", u"%C3%A9"}, // extra holds no bytes beyond ASCII
-        {u"AZaz09-._~", "", u"AZaz09-._~"},
-        {u":%", "%", u"%3A%"},
-        {u"", "/", u""},
-    };
-    for (const Case& c : components)
-        EXPECT_EQ(narrow(URI::encodeComponent(c.text, c.extra)), narrow(c.encoded));
+    EXPECT_EQ(URI::encodeComponent(u"a/b", ""), u"a%2Fb");
+    EXPECT_EQ(URI::encodeComponent(u"a/b", "/"), u"a/b");
+    EXPECT_EQ(URI::encodeComponent(u"é", "\xC3\xA9"), u"%C3%A9") << "extra holds no bytes beyond ASCII";
+    EXPECT_EQ(URI::encodeComponent(u"AZaz09-._~", ""), u"AZaz09-._~");
+    EXPECT_EQ(URI::encodeComponent(u":%", "%"), u"%3A%");
+    EXPECT_EQ(URI::encodeComponent(u"", "/"), u"");
     EXPECT_EQ(URI::encodeComponent(std::u16string(1, u'\0'), ""), u"%00");
 }
 
@@ -140,64 +111,40 @@ TEST(URI, relativize) {
     const char* const absolute =
         "URIs must be relative URIs, where the source and target URI have absolute paths.";
     const char* const same = "URI's paths must be different.";
-    struct Case {
-        const char16_t *source, *target;
-        const char* message;
-        const char16_t* result;
-    };
-    const Case cases[] = {
-        {u"mailto:a", u"/b", opaque, nullptr},
-        {u"http://h/a", u"mailto:a", opaque, nullptr},
-        {u"http://h/a", u"/b", absolute, nullptr},
-        {u"/a", u"http://h/a", absolute, nullptr},
-        {u"a", u"/b", absolute, nullptr},
-        {u"/a", u"b", absolute, nullptr},
-        {u"", u"", absolute, nullptr},
-        {u"/a.xml", u"/a.xml", same, nullptr},
-        {u"/a.xml?x", u"/a.xml?y", same, nullptr},
-        {u"/a.xml", u"/A.xml", nullptr, u"A.xml"},
-        {u"/word/document.xml", u"/word/media/image.png", nullptr, u"media/image.png"},
-        {u"/word/document.xml", u"/docProps/app.xml#x", nullptr, u"../docProps/app.xml#x"},
-        {u"/", u"/word/document.xml", nullptr, u"word/document.xml"},
-        {u"/a", u"/b c", nullptr, u"b%20c"},
-        {u"/a", u"//h/b", nullptr, u"//h/b"},
-    };
-    for (const Case& c : cases) {
-        const std::string which = narrow(std::u16string(c.source) + u" -> " + c.target);
-        const URI source(c.source);
-        const URI target(c.target);
-        if (c.message != nullptr)
-            EXPECT_TRUE(throws<UnsupportedRelativize>(c.message, [&] { relativize(source, target); }))
-                << which;
-        else
-            EXPECT_EQ(narrow(relativize(source, target).toString()), narrow(c.result)) << which;
+    const std::pair<const char*, std::vector<std::u16string>> refused[] = {
+        {opaque, {u"mailto:a | /b", u"http://h/a | mailto:a"}},
+        {absolute, {u"http://h/a | /b", u"/a | http://h/a", u"a | /b", u"/a | b", u" | "}},
+        {same, {u"/a.xml | /a.xml", u"/a.xml?x | /a.xml?y"}}};
+    for (const auto& [message, rows] : refused) {
+        for (const std::u16string& row : rows) {
+            const auto [source, target] = columns<2>(row);
+            const URI from(source), to(target);
+            EXPECT_TRUE(throws<UnsupportedRelativize>(message, [&] { relativize(from, to); })) << narrow(row);
+        }
+    }
+    for (const std::u16string row :
+         {u"/a.xml | /A.xml | A.xml", u"/ | /word/document.xml | word/document.xml",
+          u"/word/document.xml | /word/media/image.png | media/image.png",
+          u"/word/document.xml | /docProps/app.xml#x | ../docProps/app.xml#x", u"/a | /b c | b%20c",
+          u"/a | //h/b | //h/b"}) {
+        const auto [source, target, result] = columns<3>(row);
+        EXPECT_EQ(narrow(relativize(URI(source), URI(target)).toString()), narrow(result)) << narrow(row);
     }
 }
 
 TEST(URI, resolve) {
-    struct Case {
-        const char16_t *base, *reference, *result; // no result where the operation is refused
-    };
-    const Case cases[] = {
-        {u"mailto:a", u"/b", nullptr},
-        {u"/a", u"mailto:b", nullptr},
-        {u"/word/document.xml", u"media/image.png", u"/word/media/image.png"},
-        {u"/word/document.xml", u"../a b.xml?q#f", u"/a%20b.xml?q#f"},
-        {u"/", u"word/document.xml", u"/word/document.xml"},
-        {u"/a", u"http://h/x/../y", u"http://h/y"},
-        {u"http://h/a", u"b", u"http://h/b"},
-        {u"/a", u"", u"/a"},
-        {u"/a", u".//b/c", u"/.//b/c"},
-    };
-    for (const Case& c : cases) {
-        const URI base(c.base);
-        const URI reference(c.reference);
-        if (c.result == nullptr)
-            EXPECT_TRUE(throws<UnsupportedResolve>("URIs must be hierarchical URIs.",
-                                                   [&] { resolve(base, reference); }));
-        else
-            EXPECT_EQ(narrow(resolve(base, reference).toString()), narrow(c.result));
+    for (const std::u16string row :
+         {u"/word/document.xml | media/image.png | /word/media/image.png",
+          u"/word/document.xml | ../a b.xml?q#f | /a%20b.xml?q#f",
+          u"/ | word/document.xml | /word/document.xml", u"/a | http://h/x/../y | http://h/y",
+          u"http://h/a | b | http://h/b", u"/a |  | /a", u"/a | .//b/c | /.//b/c"}) {
+        const auto [base, reference, result] = columns<3>(row);
+        EXPECT_EQ(narrow(resolve(URI(base), URI(reference)).toString()), narrow(result));
     }
+    const URI opaque(u"mailto:a"), rooted(u"/b");
+    const char* const message = "URIs must be hierarchical URIs.";
+    EXPECT_TRUE(throws<UnsupportedResolve>(message, [&] { resolve(opaque, rooted); }));
+    EXPECT_TRUE(throws<UnsupportedResolve>(message, [&] { resolve(rooted, opaque); }));
 }
 
 } // namespace

@@ -33,148 +33,142 @@ struct Change {
     }
 };
 
+Change withKeyInfo(const std::string& content) {
+    return {VALUE, "</SignatureValue><KeyInfo>" + content + "</KeyInfo>"};
+}
+
+Change withRelationshipTransform(const std::string& content) {
+    return {PART,
+            std::string("<Transforms>") + RELATIONSHIP_TRANSFORM + content + "</Transform></Transforms>"};
+}
+
 struct Failure {
     Change change;
-    const char* message;
+    std::string message;
 };
 
+const char* const SIGNATURE_VALUE = "<SignatureValue>BAUG</SignatureValue>";
+const char* const PART_URI = R"("/a.xml?ContentType=text/xml")";
+const char* const C14N = R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")";
+const char* const RSA_SHA256 = R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")";
+const char* const FORMAT = "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>";
+const char* const TIME = "<pds:Value>2024-02-29T12:30Z</pds:Value>";
+const char* const NO_RSA = "RSA Key Value is missing. DSA for signatures is not supported yet.";
+
+/// The messages go on behind "XML signature: ".
 const Failure MALFORMED[] = {
     // the value and the key
-    {{"<SignatureValue>BAUG</SignatureValue>", ""}, "XML signature: SignatureValue is not present."},
-    {{"<SignatureValue>BAUG</SignatureValue>", "<SignatureValue/>"},
-     "XML signature: SignatureValue is empty."},
-    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><DSAKeyValue/></KeyValue></KeyInfo>"},
-     "RSA Key Value is missing. DSA for signatures is not supported yet."},
-    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate/></X509Data><KeyValue/></KeyInfo>"},
-     "RSA Key Value is missing. DSA for signatures is not supported yet."},
-    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue/></KeyValue></KeyInfo>"},
-     "XML signature: Modulus is not present."},
-    {{VALUE,
-      "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus/></RSAKeyValue></KeyValue></KeyInfo>"},
-     "XML signature: Modulus is empty."},
-    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>AQ==</Modulus></RSAKeyValue>"
-             "</KeyValue></KeyInfo>"},
-     "XML signature: Exponent is not present."},
-    {{VALUE, "</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>AQ==</Modulus><Exponent/>"
-             "</RSAKeyValue></KeyValue></KeyInfo>"},
-     "XML signature: Exponent is empty."},
-    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509SKI>AQ==</X509SKI></X509Data></KeyInfo>"},
+    {{SIGNATURE_VALUE, ""}, "SignatureValue is not present."},
+    {{SIGNATURE_VALUE, "<SignatureValue/>"}, "SignatureValue is empty."},
+    {withKeyInfo("<KeyValue><RSAKeyValue/></KeyValue>"), "Modulus is not present."},
+    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus/></RSAKeyValue></KeyValue>"), "Modulus is empty."},
+    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus>AQ==</Modulus></RSAKeyValue></KeyValue>"),
+     "Exponent is not present."},
+    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus>AQ==</Modulus><Exponent/></RSAKeyValue></KeyValue>"),
+     "Exponent is empty."},
+    {withKeyInfo("<X509Data><X509Certificate/></X509Data>"), "x509CertificateElement is empty."},
+    // the objects
+    {{"</Object>", "</Object><Object>text</Object>"}, "Object missing Id attribute."},
+    {{"<Manifest>", "<Manifest/><Manifest>"},
+     "There must exist only one Manifest element in package specific Object element."},
+    {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
+     "There must exist only one SignatureProperties element in package specific Object element."},
+    {{"</Object>", "</Object><Object Id='idPackageObject'/>"},
+     "There must exist only one Manifest element in package specific Object element."},
+    {{"</Object>", "</Object><Object Id='idPackageObject'><Manifest/></Object>"},
+     "There must exist only one SignatureProperties element in package specific Object element."},
+    // references, whose checks have an order
+    {{R"( URI="/a.xml?ContentType=text/xml")", ""}, "Manifest reference missing URI attribute."},
+    {{R"( URI="#idPackageObject")", ""}, "Manifest reference missing URI attribute."},
+    {{PART_URI, R"("/é.xml")"}, "Reference URI is not valid"},
+    {{PART_URI, R"("/%zz")"}, "Reference URI is not valid"},
+    {{std::string("<DigestMethod") + SHA256_ALGORITHM + "/>", ""}, "DigestMethod is not present."},
+    {{std::string("<DigestMethod") + SHA256_ALGORITHM, "<DigestMethod"}, "DigestMethod is empty."},
+    {{"<DigestValue>AQID</DigestValue>", ""}, "DigestValue is not present."},
+    {{"<DigestValue>AQID</DigestValue>", "<DigestValue/>"}, "DigestValue is empty."},
+    {{PART, "<Transforms><Transform/></Transforms>"}, "TransformMethod is empty."},
+    {withRelationshipTransform("<pds:RelationshipGroupReference/><pds:RelationshipReference/>"),
+     "SourceID of a relationship transform is empty."},
+    {withRelationshipTransform("<pds:RelationshipGroupReference/><pds:RelationshipReference SourceId=''/>"),
+     "Source type of a relationship group transform is empty."},
+    // the properties
+    {{R"( Target="#Signature7")", ""}, "SignatureProperty does not have a target."},
+    {{"pds:SignatureTime>", "pds:Other>"}, "SignatureTime is not present."},
+    {{"pds:SignatureTime>", "SignatureTime>"}, "SignatureTime is not present."},
+    {{FORMAT, ""}, "Format is not present."},
+    {{FORMAT, "<pds:Format/>"}, "Format is empty."},
+    {{TIME, "<Value>2024</Value>"}, "Value is not present."},
+    {{TIME, "<pds:Value/>"}, "Value is empty."},
+    // SignedInfo
+    {{"SignedInfo>", "Other>"}, "SignedInfo is not present."},
+    {{std::string("<CanonicalizationMethod") + C14N + "/>", ""}, "CanonicalizationMethod is not present."},
+    {{C14N, ""}, "CanonicalizationMethod is empty."},
+    {{std::string("<SignatureMethod") + RSA_SHA256 + "/>", ""}, "SignatureMethod is not present."},
+    {{RSA_SHA256, ""}, "SignatureMethod is empty."},
+    {{SIGNED_TYPE, ""}, "referenceType is empty."},
+    {{SIGNED_TYPE, "Type=''"}, "referenceType is empty."},
+    {{R"("#idPackageObject")", R"("#idOther")"}, "Could not find referenced object idOther"},
+    {{R"("#idPackageObject")", R"("/a.xml")"}, "Could not find referenced object "},
+};
+
+const Failure UNSUPPORTED[] = {
+    {withKeyInfo("<KeyValue><DSAKeyValue/></KeyValue>"), NO_RSA},
+    {withKeyInfo("<X509Data><X509Certificate/></X509Data><KeyValue/>"), NO_RSA},
+    {withKeyInfo("<X509Data><X509SKI>AQ==</X509SKI></X509Data>"),
      "Supported key management mechanisms in signatures are KeyValue using RSA or X509 certificates. Others "
      "are not supported."},
-    {{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate/></X509Data></KeyInfo>"},
-     "XML signature: x509CertificateElement is empty."},
-    // the objects
-    {{"</Object>", "</Object><Object>text</Object>"}, "XML signature: Object missing Id attribute."},
-    {{"<Manifest>", "<Manifest/><Manifest>"},
-     "XML signature: There must exist only one Manifest element in package specific Object element."},
-    {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-     "XML signature: There must exist only one SignatureProperties element in package specific Object "
-     "element."},
-    {{"</Object>", "</Object><Object Id='idPackageObject'/>"},
-     "XML signature: There must exist only one Manifest element in package specific Object element."},
-    {{"</Object>", "</Object><Object Id='idPackageObject'><Manifest/></Object>"},
-     "XML signature: There must exist only one SignatureProperties element in package specific Object "
-     "element."},
-    // references, whose checks have an order
-    {{R"( URI="/a.xml?ContentType=text/xml")", ""},
-     "XML signature: Manifest reference missing URI attribute."},
-    {{R"( URI="#idPackageObject")", ""}, "XML signature: Manifest reference missing URI attribute."},
     {{R"("/a.xml?ContentType=text/xml"><!--part-->)", R"(""><Transforms><Transform/></Transforms>)"},
      "XML Signature: Reference does not have a URI. It is not supported."},
-    {{R"("/a.xml?ContentType=text/xml")", R"("/é.xml")"}, "XML signature: Reference URI is not valid"},
-    {{R"("/a.xml?ContentType=text/xml")", R"("/%zz")"}, "XML signature: Reference URI is not valid"},
-    {{std::string("<DigestMethod") + SHA256_ALGORITHM + "/>", ""},
-     "XML signature: DigestMethod is not present."},
-    {{std::string("<DigestMethod") + SHA256_ALGORITHM, "<DigestMethod"},
-     "XML signature: DigestMethod is empty."},
-    {{"<DigestValue>AQID</DigestValue>", ""}, "XML signature: DigestValue is not present."},
-    {{"<DigestValue>AQID</DigestValue>", "<DigestValue/>"}, "XML signature: DigestValue is empty."},
-    {{PART, "<Transforms><Transform/></Transforms>"}, "XML signature: TransformMethod is empty."},
-    {{PART, std::string("<Transforms>") + RELATIONSHIP_TRANSFORM +
-                "<pds:RelationshipGroupReference/><pds:RelationshipReference/></Transform></Transforms>"},
-     "XML signature: SourceID of a relationship transform is empty."},
-    {{PART, std::string("<Transforms>") + RELATIONSHIP_TRANSFORM +
-                "<pds:RelationshipGroupReference/><pds:RelationshipReference SourceId=''/></Transform>"
-                "</Transforms>"},
-     "XML signature: Source type of a relationship group transform is empty."},
-    // the properties
-    {{R"( Target="#Signature7")", ""}, "XML signature: SignatureProperty does not have a target."},
-    {{"pds:SignatureTime>", "pds:Other>"}, "XML signature: SignatureTime is not present."},
-    {{"pds:SignatureTime>", "SignatureTime>"}, "XML signature: SignatureTime is not present."},
-    {{"<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>", ""}, "XML signature: Format is not present."},
-    {{"<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>", "<pds:Format/>"}, "XML signature: Format is empty."},
-    {{"<pds:Value>2024-02-29T12:30Z</pds:Value>", "<Value>2024</Value>"},
-     "XML signature: Value is not present."},
-    {{"<pds:Value>2024-02-29T12:30Z</pds:Value>", "<pds:Value/>"}, "XML signature: Value is empty."},
-    // SignedInfo
-    {{"SignedInfo>", "Other>"}, "XML signature: SignedInfo is not present."},
-    {{R"(<CanonicalizationMethod Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315"/>)", ""},
-     "XML signature: CanonicalizationMethod is not present."},
-    {{R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")", ""},
-     "XML signature: CanonicalizationMethod is empty."},
-    {{R"(<SignatureMethod Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"/>)", ""},
-     "XML signature: SignatureMethod is not present."},
-    {{R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")", ""},
-     "XML signature: SignatureMethod is empty."},
-    {{SIGNED_TYPE, ""}, "XML signature: referenceType is empty."},
-    {{SIGNED_TYPE, "Type=''"}, "XML signature: referenceType is empty."},
     {{SIGNED_TYPE, R"(Type="http://www.w3.org/2000/09/xmldsig#object")"},
      "XML Signature: referenceType not supported yet."},
-    {{R"("#idPackageObject")", R"("#idOther")"}, "XML signature: Could not find referenced object idOther"},
-    {{R"("#idPackageObject")", R"("/a.xml")"}, "XML signature: Could not find referenced object "},
 };
 
 TEST_F(SignatureReader, refusesWhatBreaksTheForm) {
-    for (const Failure& f : MALFORMED) {
-        const std::string document = unknownToSchema(f.change.apply());
-        EXPECT_TRUE(throws<InvalidPartContent>(f.message, [&] { read(document); })) << document;
-    }
+    const auto expectRefusal = [this](const Change& change, const std::string& message) {
+        const std::string document = unknownToSchema(change.apply());
+        EXPECT_TRUE(throws<InvalidPartContent>(message, [&] { read(document); })) << document;
+    };
+    for (const Failure& f : MALFORMED)
+        expectRefusal(f.change, "XML signature: " + f.message);
+    for (const Failure& f : UNSUPPORTED)
+        expectRefusal(f.change, f.message);
     EXPECT_EQ(read(USUAL_SIGNATURE).m_signatureId, u"7") << "the reader is fit for the next document";
 }
 
 TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
     // All is wrong; each repair brings the next failure to light.
-    const Change wrong[] = {
-        {"BAUG", ""},
-        {VALUE, "</SignatureValue><KeyInfo><KeyValue/></KeyInfo>"},
-        {R"(Id="idPackageObject")", ""},
-        {"<Manifest>", "<Manifest/><Manifest>"},
-        {R"( URI="/a.xml?ContentType=text/xml")", ""},
-        {"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-        {R"( Target="#Signature7")", ""},
-        {R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")", ""},
-        {R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")", ""},
-        {"<DigestValue>AQID</DigestValue>", ""},
-        {SIGNED_TYPE, ""},
+    const std::vector<Failure> failures = {
+        {{"BAUG", ""}, "XML signature: SignatureValue is empty."},
+        {withKeyInfo("<KeyValue/>"), NO_RSA},
+        {{R"(Id="idPackageObject")", ""}, "XML signature: Object missing Id attribute."},
+        {{"<Manifest>", "<Manifest/><Manifest>"},
+         "XML signature: There must exist only one Manifest element in package specific Object element."},
+        {{R"( URI="/a.xml?ContentType=text/xml")", ""},
+         "XML signature: Manifest reference missing URI attribute."},
+        {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
+         "XML signature: There must exist only one SignatureProperties element in package specific Object "
+         "element."},
+        {{R"( Target="#Signature7")", ""}, "XML signature: SignatureProperty does not have a target."},
+        {{C14N, ""}, "XML signature: CanonicalizationMethod is empty."},
+        {{RSA_SHA256, ""}, "XML signature: SignatureMethod is empty."},
+        {{"<DigestValue>AQID</DigestValue>", ""}, "XML signature: DigestValue is not present."},
+        {{SIGNED_TYPE, ""}, "XML signature: referenceType is empty."},
     };
-    const char* const messages[] = {
-        "XML signature: SignatureValue is empty.",
-        "RSA Key Value is missing. DSA for signatures is not supported yet.",
-        "XML signature: Object missing Id attribute.",
-        "XML signature: There must exist only one Manifest element in package specific Object element.",
-        "XML signature: Manifest reference missing URI attribute.",
-        ("XML signature: There must exist only one SignatureProperties element in package specific Object "
-         "element."),
-        "XML signature: SignatureProperty does not have a target.",
-        "XML signature: CanonicalizationMethod is empty.",
-        "XML signature: SignatureMethod is empty.",
-        "XML signature: DigestValue is not present.",
-        "XML signature: referenceType is empty.",
-    };
-    for (std::size_t first = 0; first < std::size(wrong); ++first) {
+    for (auto first = failures.begin(); first != failures.end(); ++first) {
         std::string document = USUAL_SIGNATURE;
-        for (std::size_t i = first; i < std::size(wrong); ++i)
-            document = wrong[i].apply(document);
-        EXPECT_TRUE(throws<InvalidPartContent>(messages[first], [&] { read(unknownToSchema(document)); }));
+        for (auto failure = first; failure != failures.end(); ++failure)
+            document = failure->change.apply(document);
+        EXPECT_TRUE(throws<InvalidPartContent>(first->message, [&] { read(unknownToSchema(document)); }));
     }
 }
 
 TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
-    const std::string key3072 = "</SignatureValue><KeyInfo><X509Data><X509Certificate>" +
-                                certificate("rsa:3072") + "</X509Certificate></X509Data></KeyInfo>";
-    const std::string ellipticKey = "</SignatureValue><KeyInfo><X509Data><X509Certificate>" +
-                                    certificate("ec -pkeyopt ec_paramgen_curve:P-256") +
-                                    "</X509Certificate></X509Data></KeyInfo>";
+    const auto withCertificate = [](const std::string& key) {
+        return withKeyInfo("<X509Data><X509Certificate>" + certificate(key) +
+                           "</X509Certificate></X509Data>");
+    };
+    const Change key3072 = withCertificate("rsa:3072");
+    const Change ellipticKey = withCertificate("ec -pkeyopt ec_paramgen_curve:P-256");
     EXPECT_TRUE(throws<NotImplemented>("XMLDSig SignatureProperties element is not supported yet.", [&] {
         read(Change{"xmldsig#Object", "xmldsig#SignatureProperties"}.apply());
     }));
@@ -192,12 +186,11 @@ TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
                      .apply());
         }));
     EXPECT_TRUE(throws<opc::Exception>("URI provided is not supported as an algorithm.", [&] {
-        read(Change{VALUE, key3072}.apply(Change{"xmldsig-more#rsa-sha256", "xmldsig-more#x"}.apply()));
+        read(key3072.apply(Change{"xmldsig-more#rsa-sha256", "xmldsig-more#x"}.apply()));
     })) << "the digest is settled before the key";
-    for (const std::string& key : {key3072, ellipticKey}) {
-        EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.", [&] {
-            read(Change{VALUE, key}.apply());
-        }));
+    for (const Change& key : {key3072, ellipticKey}) {
+        EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.",
+                                           [&] { read(key.apply()); }));
     }
 }
 
@@ -223,9 +216,7 @@ TEST_F(SignatureReader, badKeyMaterialKeepsItsOwnClass) {
     const std::string whole = certificate("rsa:2048");
     const std::string cutShort = whole.substr(0, whole.size() / 2 / 4 * 4);
     const auto withCertificate = [](const std::string& text) {
-        return Change{VALUE, "</SignatureValue><KeyInfo><X509Data><X509Certificate>" + text +
-                                 "</X509Certificate></X509Data></KeyInfo>"}
-            .apply();
+        return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>").apply();
     };
     EXPECT_THROW(read(unknownToSchema(Change{"BAUG", "BA*G"}.apply())), bedrock::crypto::utils::Exception);
     EXPECT_THROW(read(unknownToSchema(withCertificate("A%B="))), bedrock::crypto::utils::Exception);
@@ -312,23 +303,21 @@ TEST_F(SignatureReader, keysOfOthers) {
         SignatureMethod method;
         std::size_t chained;
     };
-    const Case cases[] = {
+    std::vector<Case> cases = {
         {"<KeyName>K</KeyName>", SignatureMethod::NoKey, 0},
         {"<MgmtData/><any xmlns='urn:any'/>", SignatureMethod::NoKey, 0},
-        {rsaKeyValue(172), SignatureMethod::RSA1024, 0},
-        {rsaKeyValue(256), SignatureMethod::RSA1024, 0},
-        {rsaKeyValue(260), SignatureMethod::RSA2048, 0},
-        {rsaKeyValue(344), SignatureMethod::RSA2048, 0},
-        {rsaKeyValue(512), SignatureMethod::RSA2048, 0},
-        {rsaKeyValue(516), SignatureMethod::RSA4096, 0},
-        {rsaKeyValue(684), SignatureMethod::RSA4096, 0},
-        {rsaKeyValue(1000000), SignatureMethod::RSA4096, 0},
         {x509Data, SignatureMethod::RSA1024, 1},
         {x509Data + rsaKeyValue(344), SignatureMethod::RSA2048, 0},
     };
+    const std::pair<SignatureMethod, std::vector<std::size_t>> lengths[] = {
+        {SignatureMethod::RSA1024, {172, 256}},
+        {SignatureMethod::RSA2048, {260, 344, 512}},
+        {SignatureMethod::RSA4096, {516, 684, 1000000}}};
+    for (const auto& [method, ofModulus] : lengths)
+        for (const std::size_t length : ofModulus)
+            cases.push_back({rsaKeyValue(length), method, 0});
     for (const Case& c : cases) {
-        const DigitalSignatureData& other =
-            read(Change{VALUE, "</SignatureValue><KeyInfo>" + c.keyInfo + "</KeyInfo>"}.apply());
+        const DigitalSignatureData& other = read(withKeyInfo(c.keyInfo).apply());
         EXPECT_EQ(other.m_signatureParams.getSignatureMethod(), c.method) << c.keyInfo;
         EXPECT_EQ(other.m_keyValue.has_value(), c.keyInfo.find("RSAKeyValue") != std::string::npos);
         EXPECT_EQ(other.getCertificate().empty(), c.chained == 0);

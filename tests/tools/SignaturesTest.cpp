@@ -322,30 +322,23 @@ TEST_F(OpctoolSignatures, failuresPrintOneLineAndLeaveTheFileAsItWas) {
 }
 
 TEST_F(OpctoolSignatures, wrongUsageHasAStatusOfItsOwn) {
-    for (const char* arguments : {"keygen",
-                                  "keygen n --bits 512",
-                                  "sign p.docx",
-                                  "sign p.docx --key none.key",
-                                  "sign p.docx --key k.key --p12 k.key",
-                                  "sign p.docx --p12 k.key --cert k.pub",
-                                  "sign p.docx --key k.key --public k.pub --cert k.pub",
-                                  "sign p.docx --key k.key --chain k.pub",
-                                  "sign p.docx --key k.key --password-file k.pub",
-                                  "sign p.docx --key k.key --digest sha3",
-                                  "sign p.docx --key k.key --relationship rId1",
-                                  "sign p.docx --key k.key --relationship /:",
-                                  "sign p.docx --key k.key --relationship-type word:urn:t",
-                                  "countersign p.docx --key k.key --part /a",
-                                  "verify p.docx --public k.pub --trust k.pub",
-                                  "verify p.docx --public k.pub --fingerprint 00",
-                                  "verify p.docx --fingerprint 00",
-                                  "unsign p.docx",
-                                  "unsign p.docx sig1 --all",
-                                  "coverage"}) {
+    const auto expectWrong = [this](const std::string& arguments) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_NE(outcome.errors, "") << arguments;
-    }
+    };
+    for (const char* options :
+         {"", " --key none.key", " --key k.key --p12 k.key", " --p12 k.key --cert k.pub",
+          " --key k.key --public k.pub --cert k.pub", " --key k.key --chain k.pub",
+          " --key k.key --password-file k.pub", " --key k.key --digest sha3",
+          " --key k.key --relationship rId1",
+          " --key k.key --relationship /:", " --key k.key --relationship-type word:urn:t"})
+        expectWrong(std::string("sign p.docx") + options);
+    for (const char* arguments :
+         {"keygen", "keygen n --bits 512", "countersign p.docx --key k.key --part /a",
+          "verify p.docx --public k.pub --trust k.pub", "verify p.docx --public k.pub --fingerprint 00",
+          "verify p.docx --fingerprint 00", "unsign p.docx", "unsign p.docx sig1 --all", "coverage"})
+        expectWrong(arguments);
     for (const char* command : {"keygen", "sign", "countersign", "unsign", "verify", "coverage"})
         EXPECT_EQ(run(std::string(command) + " --help").status, 0) << command;
 }

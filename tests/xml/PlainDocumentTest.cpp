@@ -50,46 +50,30 @@ TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
         std::string document = RELATIONSHIPS;
         return toBytes(document.replace(document.find(from), from.size(), to));
     };
-    const std::pair<const char*, const char*> doubts[] = {
-        {"encoding=\"UTF-8\"", "encoding=\"UTF-16\""},
-        {"1.0", "1.1"},
-        {"yes", "maybe"},
-        {"?>", "? >"},
-        {"<Relationship ", "<!-- --><Relationship "},
-        {"<Relationship ", "text<Relationship "},
-        {"<Relationship ", "<Relationship Id=\"x\" "},
-        {"<Relationship ", "<r:Relationship "},
-        {"<Relationship ", "<Other "},
-        {"<Relationship ", "<Relationship"},
-        {"rId1", "r&#73;d1"},
-        {"rId1", "1"},
-        {"rId1", "r3"},
-        {"rId1", "a:b"},
-        {"rId1", ""},
-        {"rId1", "r\xC3\xA9"},
-        {"Target=", "target="},
-        {"word/document.xml", ""},
-        {"word/document.xml", "//host/x"},
-        {"word/document.xml", "a b"},
-        {"word/document.xml", "a:b"},
-        {"word/document.xml", "a%zz"},
-        {"word/document.xml", "http://-a/"},
-        {"word/document.xml", "http://1.2/"},
-        {"word/document.xml", "http:///a"},
-        {"word/document.xml", "#a"},
-        {"External", "external"},
-        {"relationships\">", "relationships\" xmlns:a=\"b\">"},
-        {"</Relationships>\n", "</Relationships>\n<a/>"},
-        {"</Relationships>\n", ""},
-        {"<?xml", " <?xml"},
-        {"<Relationship ", "</Rela<Relationship "},
-        {" Type=", "Type="},
-        {"package/2006", "package/2007"},
+    const std::pair<const char*, std::vector<const char*>> doubts[] = {
+        {"encoding=\"UTF-8\"", {"encoding=\"UTF-16\""}},
+        {"1.0", {"1.1"}},
+        {"yes", {"maybe"}},
+        {"?>", {"? >"}},
+        {"<Relationship ",
+         {"<!-- --><Relationship ", "text<Relationship ", "<Relationship Id=\"x\" ", "<r:Relationship ",
+          "<Other ", "<Relationship", "</Rela<Relationship "}},
+        {"rId1", {"r&#73;d1", "1", "r3", "a:b", "", "r\xC3\xA9"}},
+        {"Target=", {"target="}},
+        {"word/document.xml",
+         {"", "//host/x", "a b", "a:b", "a%zz", "http://-a/", "http://1.2/", "http:///a", "#a"}},
+        {"External", {"external"}},
+        {"relationships\">", {"relationships\" xmlns:a=\"b\">"}},
+        {"</Relationships>\n", {"</Relationships>\n<a/>", ""}},
+        {"<?xml", {" <?xml"}},
+        {" Type=", {"Type="}},
+        {"package/2006", {"package/2007"}},
     };
     const ScannerComparison comparison(schemas::RELATIONSHIPS);
     ScannerComparison::Elements elements;
-    for (const auto& [from, to] : doubts)
-        EXPECT_FALSE(comparison.scan(replaced(from, to), elements)) << from << " -> " << to;
+    for (const auto& [from, replacements] : doubts)
+        for (const char* to : replacements)
+            EXPECT_FALSE(comparison.scan(replaced(from, to), elements)) << from << " -> " << to;
     EXPECT_FALSE(comparison.scan({}, elements));
 }
 

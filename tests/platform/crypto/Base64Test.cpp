@@ -43,21 +43,12 @@ TEST(Base64, blanksAndLineEndsAreSkipped) {
 
 TEST(Base64, whatIsntBase64IsRefused) {
     const std::u16string texts[] = {
-        u"Z",                         // no whole byte
-        u"Zg",                        // padding missing
-        u"Zg=",                       // padding cut short
-        u"Zm9v=",                     // padding where none belongs
-        u"Zg===",                     // too much of it
-        u"=",                         // nothing else
-        u"====",                      //
-        u"Zg==Zg==",                  // two texts
-        u"Zh==",                      // bits behind the last byte
-        u"Zm9=",                      //
-        u"Zm9v-_",                    // another alphabet
-        u"Zm9\u00A0v",                // a blank that isn't one of XML
-        u"Zm9\u0176",                 // like "v" in its low byte
-        std::u16string(u"Zm9v\0", 5), // a zero
-    };
+        // padding that is missing, cut short, or out of place; no whole byte
+        u"Z", u"Zg", u"Zg=", u"Zm9v=", u"Zg===", u"=", u"====", u"Zg==Zg==",
+        // bits behind the last byte
+        u"Zh==", u"Zm9=",
+        // another alphabet, a blank that isn't one of XML, like "v" in its low byte, a zero
+        u"Zm9v-_", u"Zm9\u00A0v", u"Zm9\u0176", std::u16string(u"Zm9v\0", 5)};
     for (const std::u16string& text : texts)
         EXPECT_TRUE(fails<bedrock::crypto::utils::Exception>([&] { base64Decode(text); }))
             << std::string(text.begin(), text.end());
