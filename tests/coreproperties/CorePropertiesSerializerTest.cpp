@@ -167,11 +167,7 @@ TEST_F(CorePropertiesPart, whatHasNoTextFormLeavesItsElementOut) {
 }
 
 TEST_F(CorePropertiesPart, readsKeywords) {
-    struct Case {
-        const char* element;
-        KeywordList keywords;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, KeywordList> cases[] = {
         {"<cp:keywords/>", {{u"", u""}}},
         {"<cp:keywords>red, green; blue \n</cp:keywords>", {{u"red, green; blue", u""}}},
         {"<cp:keywords xml:lang='en'>  a</cp:keywords>", {{u"  a", u"en"}}},
@@ -179,8 +175,8 @@ TEST_F(CorePropertiesPart, readsKeywords) {
          {{u"a", u""}, {u" b", u"de"}, {u"", u""}}},
         {"<cp:keywords xml:lang='en'><cp:value>b</cp:value>lost</cp:keywords>", {{u"", u"en"}, {u"b", u""}}},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(read(c.element).getKeywords().value(), c.keywords) << c.element;
+    for (const auto& [element, keywords] : cases) {
+        EXPECT_EQ(read(element).getKeywords().value(), keywords) << element;
     }
 }
 

@@ -149,26 +149,21 @@ TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
 }
 
 TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
-    struct Case {
-        const char* target;
-        bool isExternal;
-        void (*check)(const std::function<void()>&);
-    };
     const auto notFound = [](const std::function<void()>& action) { EXPECT_THROW(action(), PartNotFound); };
     const auto noName = [](const std::function<void()>& action) { EXPECT_THROW(action(), InvalidPartName); };
-    const Case cases[] = {
+    const std::tuple<const char*, bool, void (*)(const std::function<void()>&)> cases[] = {
         {"none.xml", false, notFound},
         {"http://example.com/core.xml", true, noName},
         {"a/%2F", false, noName},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.target);
-        makeStore(std::string(c.target) + (c.isExternal ? R"(" TargetMode="External)" : ""), "");
+    for (const auto& [target, isExternal, check] : cases) {
+        SCOPED_TRACE(target);
+        makeStore(std::string(target) + (isExternal ? R"(" TargetMode="External)" : ""), "");
         package.open(OpenMode::ReadWrite);
-        c.check([this] { PackageHelper::getCoreProperties(package); });
-        c.check([this] { PackageHelper::createOrUpdateCoreProperties(package, {}); });
+        check([this] { PackageHelper::getCoreProperties(package); });
+        check([this] { PackageHelper::createOrUpdateCoreProperties(package, {}); });
         EXPECT_EQ(package.getRelationships().size(), 1U);
-        c.check([this] { PackageHelper::deleteCoreProperties(package); });
+        check([this] { PackageHelper::deleteCoreProperties(package); });
         EXPECT_EQ(package.getRelationships().size(), 0U) << "the relationship goes before its target";
         package.close(true);
     }

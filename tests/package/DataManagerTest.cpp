@@ -49,27 +49,22 @@ protected:
 };
 
 TEST_F(DataManagers, loadOnceAndSaveWhenDirty) {
-    struct Case {
-        OpenMode mode;
-        bool loadOnOpen;
-        int loadsAfterOpen, loadsAfterLoad, savesAfterClose;
-    };
-    const Case cases[] = {
+    const std::tuple<OpenMode, bool, int, int, int> cases[] = {
         {OpenMode::ReadOnly, false, 0, 1, 0},   {OpenMode::ReadOnly, true, 1, 1, 0},
         {OpenMode::ReadWrite, false, 0, 1, 0},  {OpenMode::ReadWrite, true, 1, 1, 0},
         {OpenMode::CreateOnly, false, 0, 0, 1}, {OpenMode::CreateOnly, true, 0, 0, 1},
     };
-    for (const Case& c : cases) {
-        CountingManager manager(package, c.loadOnOpen);
+    for (const auto& [mode, loadOnOpen, loadsAfterOpen, loadsAfterLoad, savesAfterClose] : cases) {
+        CountingManager manager(package, loadOnOpen);
         for (int round = 1; round <= 2; ++round) { // the flags are set anew by each open
             manager.loads = manager.saves = 0;
-            package.open(c.mode);
-            EXPECT_EQ(manager.loads, c.loadsAfterOpen);
+            package.open(mode);
+            EXPECT_EQ(manager.loads, loadsAfterOpen);
             manager.load();
             manager.load();
-            EXPECT_EQ(manager.loads, c.loadsAfterLoad);
+            EXPECT_EQ(manager.loads, loadsAfterLoad);
             package.close(false);
-            EXPECT_EQ(manager.saves, c.savesAfterClose);
+            EXPECT_EQ(manager.saves, savesAfterClose);
         }
     }
 }

@@ -49,11 +49,7 @@ void addPart(Package& package, const char16_t* name, const char16_t* type = u"te
 }
 
 TEST(LenientPackage, hidesWhatTheModelRefusesAndNothingElse) {
-    struct Case {
-        std::vector<std::string> items;
-        std::vector<std::pair<std::string, std::string>> hidden;
-    };
-    const Case cases[] = {
+    const std::pair<std::vector<std::string>, std::vector<std::pair<std::string, std::string>>> cases[] = {
         {{"_rels/.rels", "_rels/a.xml.rels", "NAMED.BIN", "b.Xml"}, {}},
         {{".DS_Store", "image1.jpg", "noextension"},
          {{"/.DS_Store", NO_TYPE}, {"/image1.jpg", NO_TYPE}, {"/noextension", NO_TYPE}}},
@@ -63,12 +59,12 @@ TEST(LenientPackage, hidesWhatTheModelRefusesAndNothingElse) {
         {{"_rels/A.XML.rels", "_rels/plain.xml"}, {}},
         {{"_rels/_rels/.rels.rels", "_rels/.rels"}, {{"/_rels/_rels/.rels.rels", NO_SOURCE}}},
     };
-    for (const Case& c : cases) {
-        const std::string label = c.items.front();
-        ZipPackage store(archive(c.items));
+    for (const auto& [items, hidden] : cases) {
+        const std::string label = items.front();
+        ZipPackage store(archive(items));
         {
             Package strict(store);
-            if (c.hidden.empty())
+            if (hidden.empty())
                 strict.open(OpenMode::ReadOnly);
             else
                 EXPECT_THROW(strict.open(OpenMode::ReadOnly), opc::Exception) << label;
@@ -76,9 +72,9 @@ TEST(LenientPackage, hidesWhatTheModelRefusesAndNothingElse) {
         LenientPackage lenient(store);
         Package package(lenient);
         package.open(OpenMode::ReadOnly);
-        EXPECT_EQ(hiddenOf(lenient), c.hidden) << label;
+        EXPECT_EQ(hiddenOf(lenient), hidden) << label;
         EXPECT_TRUE(package.hasPart(PartName(u"/a.xml"))) << label;
-        EXPECT_EQ(lenient.getParts().size(), c.items.size() + 1 - c.hidden.size()) << label;
+        EXPECT_EQ(lenient.getParts().size(), items.size() + 1 - hidden.size()) << label;
     }
 }
 

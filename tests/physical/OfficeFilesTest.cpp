@@ -11,23 +11,19 @@ using namespace opc::test;
 using opc::physical::ZipPackage;
 
 TEST(OfficeFiles, keepEveryItemButTheChangedOnes) {
-    struct Case {
-        const char* file;
-        std::size_t parts;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, std::size_t> cases[] = {
         {"letter.docx", 9}, {"budget.xlsx", 8}, {"talk.pptx", 37}, {"report.docx", 16}, {"table.xlsx", 9},
     };
-    for (const Case& c : cases) {
+    for (const auto& [file, parts] : cases) {
         const TemporaryFolder folder;
-        const auto path = folder / c.file;
-        std::filesystem::copy_file(std::filesystem::path(OPCMODEL_TEST_DATA) / "office" / c.file, path);
+        const auto path = folder / file;
+        std::filesystem::copy_file(std::filesystem::path(OPCMODEL_TEST_DATA) / "office" / file, path);
         const auto before = readZip(readFile(path));
 
         ZipPackage package(path);
         package.open(OpenMode::ReadWrite);
-        EXPECT_EQ(package.getParts().size(), c.parts) << c.file;
-        EXPECT_TRUE(package.ignoredItems().empty()) << c.file;
+        EXPECT_EQ(package.getParts().size(), parts) << file;
+        EXPECT_TRUE(package.ignoredItems().empty()) << file;
         for (auto* part : package.getParts())
             EXPECT_EQ(content(*part).size(),
                       itemOf(before, opc::toASCIIString(part->getName()).substr(1)).size);
@@ -43,7 +39,7 @@ TEST(OfficeFiles, keepEveryItemButTheChangedOnes) {
         for (const RawItem& item : before) {
             if (item.name == "[Content_Types].xml")
                 continue;
-            EXPECT_EQ(itemOf(after, item.name).data, item.data) << c.file << ": " << item.name;
+            EXPECT_EQ(itemOf(after, item.name).data, item.data) << file << ": " << item.name;
         }
     }
 }

@@ -138,14 +138,10 @@ TEST(ZipDamage, ofAnyByteEndsInAnExceptionOrInTheRightContent) {
 }
 
 TEST(ZipDamage, isRefusedAboveTheLimits) {
-    struct Case {
-        void (*lower)(ZipOptions&);
-        const char* message;
-    };
     RawItem bomb = stored("a", "x");
     bomb.method = 8;
     bomb.size = 5000;
-    const Case cases[] = {
+    const std::pair<void (*)(ZipOptions&), const char*> cases[] = {
         {[](ZipOptions& o) { o.maxItems = 1; }, "more than 1 items"},
         {[](ZipOptions& o) { o.maxItemSize = 4999; }, "a: its size in bytes is above the limit of 4999"},
         {[](ZipOptions& o) { o.maxTotalSize = 5000; },
@@ -156,10 +152,10 @@ TEST(ZipDamage, isRefusedAboveTheLimits) {
          },
          "a: the ratio of its size to its compressed size is above the limit of 2500"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [lower, message] : cases) {
         ZipOptions options;
-        c.lower(options);
-        EXPECT_TRUE(fails(EFBIG, c.message, [&] { readAll(makeZip({bomb, stored("b", "y")}), options); }));
+        lower(options);
+        EXPECT_TRUE(fails(EFBIG, message, [&] { readAll(makeZip({bomb, stored("b", "y")}), options); }));
     }
 }
 

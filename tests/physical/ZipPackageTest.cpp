@@ -121,21 +121,16 @@ std::string letters(std::size_t count) {
 }
 
 TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
-    struct Case {
-        std::uint64_t maxRatio;
-        std::string text;
-        std::uint16_t method;
-    };
-    const Case cases[] = {
+    const std::tuple<std::uint64_t, std::string, std::uint16_t> cases[] = {
         {1000, std::string(2 << 20, '\0'), 0},
         {1000, std::string(1 << 20, '\0'), 8}, // not above the floor
         {1000, letters(2 << 20), 8},
         {0, letters(2 << 20), 0}, // counts as 1
         {1, letters(2 << 20), 0}, // some of it has left the buffer before its size is known
     };
-    for (const Case& c : cases) {
+    for (const auto& [maxRatio, text, method] : cases) {
         ZipOptions options;
-        options.maxRatio = c.maxRatio;
+        options.maxRatio = maxRatio;
         options.ratioFloor = 1 << 20;
         const TemporaryFolder folder;
         std::istringstream nothing;
@@ -145,16 +140,16 @@ TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
         for (ZipPackage* package : {&inFile, &inMemory, &inStream}) {
             package->open(OpenMode::CreateOnly);
             create(*package, u"/in-front", PROSE);
-            create(*package, u"/large", c.text);
+            create(*package, u"/large", text);
             create(*package, u"/behind", PROSE);
             package->close(false);
             package->open(OpenMode::ReadOnly);
-            EXPECT_TRUE(content(*find(*package, u"/large")) == c.text);
+            EXPECT_TRUE(content(*find(*package, u"/large")) == text);
             EXPECT_EQ(content(*find(*package, u"/behind")), PROSE);
             package->close(true);
         }
-        EXPECT_EQ(itemOf(readZip(readFile(folder / "a.zip")), "large").method, c.method);
-        EXPECT_EQ(itemOf(readZip(inMemory.bytes()), "large").method, c.method);
+        EXPECT_EQ(itemOf(readZip(readFile(folder / "a.zip")), "large").method, method);
+        EXPECT_EQ(itemOf(readZip(inMemory.bytes()), "large").method, method);
         EXPECT_TRUE(othersAccept(folder / "a.zip"));
     }
 }

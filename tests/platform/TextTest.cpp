@@ -7,21 +7,17 @@ namespace {
 using namespace std::string_literals;
 
 TEST(Text, caselessCompareFoldsASCIILettersAlone) {
-    struct Case {
-        std::u16string left, right;
-        int sign;
-    };
-    const Case cases[] = {
+    const std::tuple<std::u16string, std::u16string, int> cases[] = {
         {u"", u"", 0},        {u"", u"a", -1},  {u"/A.xml", u"/a.XML", 0}, {u"rId10", u"rId2", -1},
         {u"a", u"B", -1},     {u"_", u"a", -1}, {u"_", u"A", -1},          {u"[", u"A", -1},
         {u"é", u"É", 1},      {u"ab", u"a", 1}, {u"A", u"ab", -1},         {u"Z", u"{", -1},
         {u"\uFFFF", u"a", 1},
     };
-    for (const Case& c : cases) {
-        const auto result = opc::caselessCompare(c.left, c.right);
-        EXPECT_EQ((result > 0) - (result < 0), c.sign) << opc::toUDEString(c.left + u" ~ " + c.right);
-        const auto reverse = opc::caselessCompare(c.right, c.left);
-        EXPECT_EQ((reverse > 0) - (reverse < 0), -c.sign) << opc::toUDEString(c.right + u" ~ " + c.left);
+    for (const auto& [left, right, sign] : cases) {
+        const auto result = opc::caselessCompare(left, right);
+        EXPECT_EQ((result > 0) - (result < 0), sign) << opc::toUDEString(left + u" ~ " + right);
+        const auto reverse = opc::caselessCompare(right, left);
+        EXPECT_EQ((reverse > 0) - (reverse < 0), -sign) << opc::toUDEString(right + u" ~ " + left);
     }
 }
 

@@ -36,16 +36,13 @@ protected:
 
 TEST_F(RelationshipSources, storeTheRelativeFormOfInternalTargets) {
     Part part = open();
-    struct Case {
-        const char16_t *target, *stored;
-    };
-    const Case cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"/a/x.xml", u"x.xml"},       {u"/c.xml", u"../c.xml"},    {u"../c.xml", u"../c.xml"},
         {u"x/y.xml", u"x/y.xml"},      {u"/a/b/c.xml", u"b/c.xml"}, {u"/none.xml", u"../none.xml"},
         {u"/a/c:d.xml", u"./c:d.xml"},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(part.createInternalRelationship(u"t:t", URI(c.target)).getTarget(), c.stored);
+    for (const auto& [target, stored] : cases)
+        EXPECT_EQ(part.createInternalRelationship(u"t:t", URI(target)).getTarget(), stored);
     EXPECT_EQ(package.createInternalRelationship(u"t:t", URI(u"/a/b.xml")).getTarget(), u"a/b.xml");
 }
 

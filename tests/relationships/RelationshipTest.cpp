@@ -31,21 +31,18 @@ TEST(Relationship, resolvesInternalTargetsAndKeepsTheText) {
 
 TEST(Relationship, convertsExternalTargetsToASCII) {
     RelationshipManager manager(URI(u"/"));
-    struct Case {
-        const char16_t *target, *uri;
-    };
-    const Case cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"dir\\x", u"dir/x"},
         {u"http://h/é", u"http://h/%C3%A9"},
         {u"a b|c", u"a%20b%7Cc"},
         {u"mailto:a@b", u"mailto:a@b"},
         {u"", u""},
     };
-    for (const Case& c : cases) {
-        const Relationship external = manager.addExternalRelationship(u"r", u"t:t", c.target);
-        EXPECT_EQ(external.getTargetURI(), std::u16string(c.uri));
-        EXPECT_EQ(external.getTargetURI().toString(), c.uri) << "also the second time";
-        EXPECT_EQ(external.getTarget(), c.target);
+    for (const auto& [target, uri] : cases) {
+        const Relationship external = manager.addExternalRelationship(u"r", u"t:t", target);
+        EXPECT_EQ(external.getTargetURI(), std::u16string(uri));
+        EXPECT_EQ(external.getTargetURI().toString(), uri) << "also the second time";
+        EXPECT_EQ(external.getTarget(), target);
     }
     const Relationship bad = manager.addExternalRelationship(u"r", u"t:t", u"a%zz");
     for (int i = 0; i < 2; ++i)

@@ -50,23 +50,19 @@ TEST_F(Coverage, followsWhatWasSelected) {
     constexpr auto BY_ID = RelationshipSelectorType::SourceId;
     constexpr auto BY_TYPE = RelationshipSelectorType::SourceType;
     const URI root(u"/"), partURI(u"/A.xml"); // names differ in case
-    const struct {
-        std::vector<PartName> parts;
-        Selectors selectors;
-        Names covered;
-    } cases[] = {
+    const std::tuple<std::vector<PartName>, Selectors, Names> cases[] = {
         {{PartName(u"/B.xml")}, {}, {u"/b.xml"}},
         {{}, {{root, BY_ID, u"rId1"}}, {u"/:rId1"}},
         {{}, {{root, BY_TYPE, u"urn:link"}}, {u"/:rId2"}},
         {{}, {{partURI, BY_ID, u"rId1"}}, {u"/a.xml:rId1"}},
         {{PartName(u"/a.xml")}, {{partURI, BY_TYPE, u"urn:next"}}, {u"/a.xml", u"/a.xml:rId1"}},
     };
-    for (const auto& c : cases) {
-        const DigitalSignature signature = manager->sign(c.parts, c.selectors, privateKey, publicKey, params);
-        EXPECT_EQ(coveredBy(signature), c.covered) << "made";
+    for (const auto& [parts, selectors, covered] : cases) {
+        const DigitalSignature signature = manager->sign(parts, selectors, privateKey, publicKey, params);
+        EXPECT_EQ(coveredBy(signature), covered) << "made";
         const std::u16string name = signature.getName();
         reopen();
-        EXPECT_EQ(coveredBy(manager->getSignature(name)), c.covered) << "read";
+        EXPECT_EQ(coveredBy(manager->getSignature(name)), covered) << "read";
     }
     const Names everything{u"/a.xml", u"/a.xml:rId1", u"/b.xml", u"/metadata/coreProperties.xml",
                            u"/:rId1", u"/:rId2"};

@@ -257,11 +257,7 @@ TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
 }
 
 TEST_F(SignatureReader, namesAndTimesOfOthers) {
-    struct Case {
-        Change change;
-        const char16_t *id, *time;
-    };
-    const Case cases[] = {
+    const std::tuple<Change, const char16_t*, const char16_t*> cases[] = {
         {{R"(Id="Signature7")", R"(Id="Sig7")"}, u"Sig7", u"2024-02-29T12:30:00Z"},
         {{R"(Id="Signature7")", R"(Id="Signature")"}, u"", u"2024-02-29T12:30:00Z"},
         {{R"(Id="Signature7")", R"(Id="signature7")"}, u"signature7", u"2024-02-29T12:30:00Z"},
@@ -273,10 +269,10 @@ TEST_F(SignatureReader, namesAndTimesOfOthers) {
         {{R"(Id="idSignatureTime" )", ""}, u"7", u""},
         {{"idSignatureTime", "idsignaturetime"}, u"7", u""},
     };
-    for (const Case& c : cases) {
-        const DigitalSignatureData& other = read(c.change.apply());
-        EXPECT_EQ(other.m_signatureId, c.id) << c.change.replacement;
-        EXPECT_EQ(opc::convertTimeToString(other.m_signedTime), c.time) << c.change.replacement;
+    for (const auto& [change, id, time] : cases) {
+        const DigitalSignatureData& other = read(change.apply());
+        EXPECT_EQ(other.m_signatureId, id) << change.replacement;
+        EXPECT_EQ(opc::convertTimeToString(other.m_signedTime), time) << change.replacement;
         EXPECT_EQ(other.m_content.signatureProperties.size(), 1U);
     }
     const std::string ofTime =

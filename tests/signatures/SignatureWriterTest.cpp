@@ -231,19 +231,16 @@ TEST_F(SignatureWriter, aFailedTextLeavesNothingBehind) {
 }
 
 TEST_F(SignatureWriter, aSignatureIsNamedByItsIdentifier) {
-    struct Case {
-        const char16_t *id, *name, *part;
-    };
-    const Case cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"7", u"sig7", u"/_xmlsignatures/sig7.xml"},
         {u"countersig", u"sigcountersig", u"/_xmlsignatures/sigcountersig.xml"},
         {u"", u"sig", u"/_xmlsignatures/sig.xml"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [id, name, part] : cases) {
         DigitalSignatureData named;
-        named.m_signatureId = c.id;
-        EXPECT_EQ(named.getName(), c.name);
-        EXPECT_EQ(named.computeSignaturePartName().toString(), c.part);
+        named.m_signatureId = id;
+        EXPECT_EQ(named.getName(), name);
+        EXPECT_EQ(named.computeSignaturePartName().toString(), part);
     }
     EXPECT_TRUE(written.getCertificate().empty());
     EXPECT_TRUE(written.getCertificateChain().getCertificates().empty());

@@ -37,11 +37,7 @@ TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
 /// What is left out of the core properties is searched as bytes: the first opening and the first closing tag.
 TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
     const char16_t* const CORE = u"/metadata/coreProperties.xml";
-    const struct {
-        const char16_t* part;
-        const char *signedContent, *now;
-        int code;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char*, const char*, int> cases[] = {
         {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p><cp:keywords>l</cp:keywords></p>", 0},
         {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p></p>", 0},
         {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<q><cp:keywords>k</cp:keywords></q>", 101},
@@ -54,15 +50,15 @@ TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
         {u"/a.xml", "<cp:keywords>k</cp:keywords>", "<cp:keywords>l</cp:keywords>", 101},
     };
     close(true);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.signedContent);
-        store.setPart(c.part, toBytes(c.signedContent));
+    for (const auto& [part, signedContent, now, code] : cases) {
+        SCOPED_TRACE(signedContent);
+        store.setPart(part, toBytes(signedContent));
         open();
-        const auto name = signPart(c.part).getName();
+        const auto name = signPart(part).getName();
         close(false);
-        store.setPart(c.part, toBytes(c.now));
+        store.setPart(part, toBytes(now));
         open();
-        EXPECT_EQ(verify(name.c_str()), c.code);
+        EXPECT_EQ(verify(name.c_str()), code);
         manager->removeAllSignatures();
         close(false);
     }

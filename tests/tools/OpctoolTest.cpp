@@ -50,10 +50,7 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
     run("new p.zip");
     run("add p.zip /a.txt note.txt --type text/plain");
     const auto before = readFile(folder / "p.zip");
-    struct Case {
-        const char *arguments, *line;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"add p.zip /A.txt note.txt --type text/plain",
          "opctool: PartAlreadyExists: Cannot use a part name that already exists: /A.txt\n"},
         {"add p.zip /b. note.txt --type text/plain",
@@ -69,12 +66,12 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
          "relationship\n"},
         {"new p.zip", "opctool: Exception: p.zip exists already; --force replaces it\n"},
     };
-    for (const Case& c : cases) {
-        const Outcome outcome = run(c.arguments);
-        EXPECT_EQ(outcome.status, 3) << c.arguments;
-        EXPECT_EQ(outcome.errors, c.line) << c.arguments;
-        EXPECT_EQ(outcome.output, "") << c.arguments;
-        EXPECT_EQ(readFile(folder / "p.zip"), before) << c.arguments;
+    for (const auto& [arguments, line] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 3) << arguments;
+        EXPECT_EQ(outcome.errors, line) << arguments;
+        EXPECT_EQ(outcome.output, "") << arguments;
+        EXPECT_EQ(readFile(folder / "p.zip"), before) << arguments;
     }
     EXPECT_EQ(run("ls none.zip").errors.rfind("opctool: PackageNotFound: ", 0), 0U);
     EXPECT_EQ(run("ls bad.zip").errors.rfind("opctool: PackageOpenFailed: ", 0), 0U);

@@ -11,10 +11,7 @@ TEST_F(Opctool, propsChangesAndPrintsProperties) {
     run("new p.zip");
     EXPECT_EQ(run("props p.zip").output, "");
     EXPECT_EQ(list("props p.zip"), json::object());
-    struct Case {
-        const char *arguments, *properties;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--set title=é --set 'creator=a=b' --set subject= --set version=1",
          R"({"title": "é", "creator": "a=b",
              "subject": "", "version": "1"})"},
@@ -36,11 +33,11 @@ TEST_F(Opctool, propsChangesAndPrintsProperties) {
         {"--unset keywords", R"({"category": "k"})"},
         {"--clear", "{}"},
     };
-    for (const Case& c : cases) {
-        const Outcome outcome = run(std::string("props p.zip ") + c.arguments);
-        EXPECT_EQ(outcome.status, 0) << c.arguments << outcome.errors;
+    for (const auto& [arguments, properties] : cases) {
+        const Outcome outcome = run(std::string("props p.zip ") + arguments);
+        EXPECT_EQ(outcome.status, 0) << arguments << outcome.errors;
         EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(list("props p.zip"), json::parse(c.properties)) << c.arguments;
+        EXPECT_EQ(list("props p.zip"), json::parse(properties)) << arguments;
     }
     EXPECT_EQ(list("rels p.zip").size(), 1U);
     EXPECT_EQ(list("ls p.zip").size(), 1U);
@@ -78,12 +75,7 @@ TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
     EXPECT_EQ(list("ls p.zip"), json::array()) << "nothing to drop and nothing to write";
     run("props p.zip --set title=t");
     const auto before = readFile(folder / "p.zip");
-    struct Case {
-        const char* arguments;
-        int status;
-        const char* errors;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, int, const char*> cases[] = {
         {"--set title=u --set titel=u", 2, "--set: titel is no property"},
         {"--set title", 2, "--set: title isn't NAME=VALUE"},
         {"--set Title=u", 2, "--set: Title is no property"},
@@ -97,11 +89,11 @@ TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
         {"--set title=u extra", 2, ""},
         {"--set \"title=$(printf '\\001')\"", 3, "opctool: InvalidPartContent: "},
     };
-    for (const Case& c : cases) {
-        const Outcome outcome = run(std::string("props p.zip ") + c.arguments);
-        EXPECT_EQ(outcome.status, c.status) << c.arguments;
-        EXPECT_EQ(outcome.errors.rfind(c.errors, 0), 0U) << outcome.errors;
-        EXPECT_EQ(readFile(folder / "p.zip"), before) << c.arguments;
+    for (const auto& [arguments, status, errors] : cases) {
+        const Outcome outcome = run(std::string("props p.zip ") + arguments);
+        EXPECT_EQ(outcome.status, status) << arguments;
+        EXPECT_EQ(outcome.errors.rfind(errors, 0), 0U) << outcome.errors;
+        EXPECT_EQ(readFile(folder / "p.zip"), before) << arguments;
     }
 }
 

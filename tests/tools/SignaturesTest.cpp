@@ -99,10 +99,7 @@ TEST_F(OpctoolSignatures, verifyTellsWhatHasHappened) {
     const std::string type = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
     const std::string swap =
         "rm p.docx /word/styles.xml && \"" OPCTOOL "\" add p.docx /word/styles.xml x --type application/xml";
-    const struct {
-        std::string change, options;
-        int status, code;
-    } cases[] = {
+    const std::tuple<std::string, std::string, int, int> cases[] = {
         {"ls p.docx", "--public k.pub", 0, 0},
         {"ls p.docx", "--public k.key", 3, -1},
         {"ls p.docx", "--public other.pub", 1, 1},
@@ -117,15 +114,15 @@ TEST_F(OpctoolSignatures, verifyTellsWhatHasHappened) {
         {"relate p.docx / urn:more x.xml", "--public k.pub", 0, 0},
     };
     const std::string before = package();
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.change + " " + c.options);
+    for (const auto& [change, options, status, code] : cases) {
+        SCOPED_TRACE(change + " " + options);
         write("p.docx", before);
-        ASSERT_EQ(run(c.change).status, 0);
-        const Outcome outcome = run("verify p.docx --json " + c.options);
-        EXPECT_EQ(outcome.status, c.status);
-        EXPECT_EQ(outcome.errors.rfind("opctool: ", 0) == 0, c.status == 3) << outcome.errors;
+        ASSERT_EQ(run(change).status, 0);
+        const Outcome outcome = run("verify p.docx --json " + options);
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.errors.rfind("opctool: ", 0) == 0, status == 3) << outcome.errors;
         const json rows = json::parse(outcome.output, nullptr, false);
-        EXPECT_EQ(rows.is_array() ? rows[0]["code"].get<int>() : -1, c.code) << outcome.output;
+        EXPECT_EQ(rows.is_array() ? rows[0]["code"].get<int>() : -1, code) << outcome.output;
     }
 }
 
@@ -233,10 +230,7 @@ TEST_F(OpctoolSignatures, certificatesAreTrustedByWhoeverIsNamed) {
     EXPECT_EQ(run("countersign p.docx " + certificate + trust).status, 0);
 
     const std::string wrongFingerprint = std::string(64, 'a');
-    const struct {
-        std::string options;
-        int status, code;
-    } cases[] = {
+    const std::tuple<std::string, int, int> cases[] = {
         {trust, 0, 0},
         {" --trust " + at("leaf.pem"), 0, 0},
         {" --trust " + at("no.pem") + trust, 0, 0},
@@ -246,11 +240,11 @@ TEST_F(OpctoolSignatures, certificatesAreTrustedByWhoeverIsNamed) {
         {" --trust " + at("no.pem"), 1, 6},
         {" --fingerprint " + wrongFingerprint, 1, 6},
     };
-    for (const auto& c : cases) {
-        const json rows = verify(c.options, c.status);
-        ASSERT_EQ(rows.size(), 3U) << c.options;
-        EXPECT_EQ(rows[0]["code"], c.code) << c.options;
-        EXPECT_EQ(rows[1]["code"], c.code) << c.options;
+    for (const auto& [options, status, code] : cases) {
+        const json rows = verify(options, status);
+        ASSERT_EQ(rows.size(), 3U) << options;
+        EXPECT_EQ(rows[0]["code"], code) << options;
+        EXPECT_EQ(rows[1]["code"], code) << options;
     }
     EXPECT_EQ(verify(trust, 0)[0]["signer"], "CN=Signer");
     EXPECT_EQ(verify(trust, 0)[1]["fingerprint"].get<std::string>().size(), 64U);
@@ -289,9 +283,7 @@ TEST_F(OpctoolSignatures, revocationListsAndWeakKeysCount) {
 TEST_F(OpctoolSignatures, failuresPrintOneLineAndLeaveTheFileAsItWas) {
     write("key.txt", "no key");
     const std::string before = package();
-    const struct {
-        const char *arguments, *line;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"sign p.docx --key key.txt",
          "Exception: key.txt holds no RSA private key of 1024, 2048 or 4096 bits"},
         {"sign p.docx --key k.pub", "Exception: k.pub holds no RSA private key of 1024, 2048 or 4096 bits"},
@@ -312,12 +304,12 @@ TEST_F(OpctoolSignatures, failuresPrintOneLineAndLeaveTheFileAsItWas) {
          "SignatureNotFound: The provided signature part name is invalid or does not exist."},
         {"keygen none/k --bits 1024", "Exception: none/k.key can't be written"},
     };
-    for (const auto& c : cases) {
-        const Outcome outcome = run(c.arguments);
-        EXPECT_EQ(outcome.status, 3) << c.arguments;
-        EXPECT_EQ(outcome.errors, std::string("opctool: ") + c.line + "\n") << c.arguments;
-        EXPECT_EQ(outcome.output, "") << c.arguments;
-        EXPECT_EQ(package(), before) << c.arguments;
+    for (const auto& [arguments, line] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 3) << arguments;
+        EXPECT_EQ(outcome.errors, std::string("opctool: ") + line + "\n") << arguments;
+        EXPECT_EQ(outcome.output, "") << arguments;
+        EXPECT_EQ(package(), before) << arguments;
     }
 }
 

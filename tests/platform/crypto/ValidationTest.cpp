@@ -198,13 +198,7 @@ TEST(Validation, revocationListsDecide) {
     };
     const Bytes clean = list(a.issuer, {});
     const Bytes newer = list(a.issuer, {&bad}, "20320101000000Z", "20330101000000Z");
-    struct Case {
-        const char* name;
-        const Identity& signer;
-        std::vector<Bytes> lists;
-        Status status;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const Identity&, std::vector<Bytes>, Status> cases[] = {
         {"covered", good, {list(a.issuer, {&bad})}, Status::Good},
         {"revoked", bad, {list(a.issuer, {&bad})}, Status::Revoked},
         {"issuer revoked", good, {list(a.issuer, {}), list(a.root, {&a.issuer})}, Status::Revoked},
@@ -225,13 +219,13 @@ TEST(Validation, revocationListsDecide) {
         {"named by another key", bad, {clean, runOut(impostor, {&bad})}, Status::Good},
         {"signed by another key", bad, {list(impostor, {})}, Status::RevocationUnknown},
     };
-    for (const Case& c : cases) {
+    for (const auto& [name, signer, lists, status] : cases) {
         CertificateValidationOptions options = optionsAtCheckTime();
-        for (const Bytes& bytes : c.lists)
+        for (const Bytes& bytes : lists)
             options.addRevocationList(bytes);
-        EXPECT_EQ(validate(c.signer, {&a.issuer}, {&a.root}, options), c.status) << c.name;
+        EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, options), status) << name;
         options.setUsingRevocationLists(false);
-        EXPECT_EQ(validate(c.signer, {&a.issuer}, {&a.root}, options), Status::Good) << c.name;
+        EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, options), Status::Good) << name;
     }
     CertificateValidationOptions required = optionsAtCheckTime();
     required.setUsingRevocationLists(true);
