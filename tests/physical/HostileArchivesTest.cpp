@@ -12,99 +12,84 @@ namespace {
 using namespace opc::test;
 using opc::physical::ZipPackage;
 
-/// What is said of each archive that tests/data/zip/make_hostile.py writes, behind the archive's name.
+/// What is said of the archives that tests/data/zip/make_hostile.py writes, behind an archive's name.
 struct Case {
-    const char* archive;
     int code;
-    const char* message;
+    std::string message;
+    std::vector<const char*> archives;
 };
 
-const char* const NO_END =
-    "can't read the directory of the archive: no end record: not a ZIP archive, cut off, or "
-    "something behind it";
-const char* const ELSEWHERE =
-    "can't read the directory of the archive: it doesn't lie where the end record says";
+const std::string DIRECTORY = "can't read the directory of the archive: ";
 
 const Case CASES[] = {
-    {"nothing", EBADMSG, NO_END},
-    {"no-archive", EBADMSG, NO_END},
-    {"end-record-cut-off", EBADMSG, NO_END},
-    {"directory-cut-off", EBADMSG, ELSEWHERE},
-    {"beginning-cut-off", EBADMSG, ELSEWHERE},
-    {"bytes-in-front", EBADMSG, ELSEWHERE},
-    {"bytes-behind", EBADMSG, NO_END},
-    {"comment-longer-than-archive", EBADMSG, NO_END},
-    {"second-end-record-in-comment", EBADMSG, "can't read the directory of the archive: two end records"},
-    {"directory-within-content", EBADMSG,
-     "can't read the directory of the archive: it can be understood in two ways"},
-    {"several-disks", ENOTSUP, "is one of several files that make up an archive"},
-    {"more-items-than-directory", EBADMSG,
-     "can't read the directory of the archive: too short for its number of items"},
-    {"fewer-items-than-directory", EBADMSG, "can't read the directory of the archive: longer than its items"},
-    {"directory-beyond-archive", EBADMSG, ELSEWHERE},
-    {"directory-entry-overwritten", EBADMSG,
-     "can't read the directory of the archive: no entry where item 2 should have one"},
-    {"name-beyond-directory", EBADMSG, "can't read the directory of the archive: shorter than its items"},
-    {"zip64-locator-leads-nowhere", EBADMSG,
-     "can't read the directory of the archive: the ZIP64 locator leads nowhere"},
-    {"zip64-locator-beyond-archive", EBADMSG,
-     "can't read the directory of the archive: the ZIP64 locator leads nowhere"},
-    {"zip64-record-differs", EBADMSG, "can't read the directory of the archive: the two end records differ"},
-    {"zip64-million-millions-of-items", EFBIG, "more than 100000 items"},
-    {"zip64-field-missing", EBADMSG, "a: its ZIP64 field is missing or too short"},
-    {"zip64-field-short", EBADMSG, "a: its ZIP64 field is missing or too short"},
-
-    {"one-local-header-for-two", EBADMSG, "a: overlaps with b"},
-    {"item-within-another", EBADMSG, "a: overlaps with b"},
-    {"bomb-of-42-kB", EBADMSG, "001: overlaps with 002"},
-    {"item-beyond-archive", EBADMSG, "a: reaches beyond the items of the archive"},
-    {"content-reaches-into-directory", EBADMSG, "a: reaches beyond the items of the archive"},
-    {"local-header-overwritten", EBADMSG, "a: can't read: no local header where the directory says"},
-    {"local-header-other-name", EBADMSG, "a: can't read: its local header has another name"},
-    {"local-header-other-case", EBADMSG, "a: can't read: its local header has another name"},
-    {"local-header-other-method", EBADMSG, "a: can't read: its local header differs from the directory"},
-    {"local-header-other-size", EBADMSG, "a: can't read: its local header differs from the directory"},
-    {"local-header-other-packed-size", EBADMSG, "a: can't read: its local header differs from the directory"},
-    {"local-header-other-checksum", EBADMSG, "a: can't read: its local header differs from the directory"},
-    {"local-header-encrypted", EBADMSG, "a: can't read: its local header differs from the directory"},
-    {"local-header-sizes-behind-descriptor-flag", EBADMSG,
-     "a: can't read: its local header differs from the directory"},
-    {"local-extra-field-too-long", EBADMSG, "a: can't read: it reaches into what lies behind it"},
-
-    {"two-content-types-streams", EBADMSG, "[Content_Types].xml: a second content types stream"},
-    {"two-content-types-streams-in-other-case", EBADMSG,
-     "[content_types].XML: a second content types stream"},
-    {"content-types-stream-and-pieces-of-one", EBADMSG,
-     "[Content_Types].xml/[0].last.piece: a second content types stream"},
-    {"name-twice", EBADMSG, "a: another item has the same part name"},
-    {"name-twice-in-other-case", EBADMSG, "A: another item has the same part name"},
-    {"name-twice-encoded", EBADMSG, "a%20b: another item has the same part name"},
-    {"piece-twice", EBADMSG, "a/[0].last.piece: another item is the same piece"},
-    {"folder-above", EBADMSG, "../a: its name leads to a folder above"},
-    {"folder-above-in-the-middle", EBADMSG, "a/b/../../../c: its name leads to a folder above"},
-    {"folder-above-with-backslash", EBADMSG, "a\\..\\..\\b: its name leads to a folder above"},
-    {"absolute-path", EBADMSG, "/etc/passwd: its name is an absolute path"},
-    {"absolute-path-of-network", EBADMSG, "\\\\host\\share\\a: its name is an absolute path"},
-    {"drive-path", EBADMSG, "C:/a: its name begins with a drive"},
-    {"drive-path-with-backslash", EBADMSG, "c:\\a: its name begins with a drive"},
-    {"zero-byte-in-name", EBADMSG, "item 2: a zero byte in its name"},
-    {"name-is-no-utf8", EBADMSG, "item 2: its name isn't the UTF-8 that it is said to be"},
-    {"name-of-65535-characters", EFBIG, "item 2: its name has more bytes than the limit of 4096"},
-    {"thousand-nested-folders", EFBIG, "item 2: deeper in folders than the limit of 256"},
-
-    {"stored-sizes-differ", EBADMSG, "a: is stored, but its two sizes differ"},
-    {"size-too-small", EBADMSG, "a: can't read: longer than the directory says"},
-    {"size-too-large", EBADMSG, "a: can't read: shorter than the directory says"},
-    {"size-zero", EBADMSG, "a: can't read: longer than the directory says"},
-    {"packed-size-too-small", EBADMSG, "a: can't read: its compressed data is damaged"},
-    {"deflate-without-data", EBADMSG, "a: can't read: its compressed data is damaged"},
-    {"checksum-wrong", EBADMSG, "a: can't read: its checksum is wrong"},
-    {"deflate-damaged", EBADMSG, "a: can't read: its compressed data is damaged"},
-    {"encrypted", ENOTSUP, "a: is encrypted"},
-    {"method-lzma", ENOTSUP, "a: has compression method 14; Store and Deflate alone are read"},
-    {"bomb-by-its-own-account", EFBIG,
-     "a: the ratio of its size to its compressed size is above the limit of 1000"},
-    {"part-of-17-GiB", EFBIG, "a: its size in bytes is above the limit of 17179869184"},
+    {EBADMSG,
+     DIRECTORY + "no end record: not a ZIP archive, cut off, or something behind it",
+     {"nothing", "no-archive", "end-record-cut-off", "bytes-behind", "comment-longer-than-archive"}},
+    {EBADMSG,
+     DIRECTORY + "it doesn't lie where the end record says",
+     {"directory-cut-off", "beginning-cut-off", "bytes-in-front", "directory-beyond-archive"}},
+    {EBADMSG, DIRECTORY + "two end records", {"second-end-record-in-comment"}},
+    {EBADMSG, DIRECTORY + "it can be understood in two ways", {"directory-within-content"}},
+    {ENOTSUP, "is one of several files that make up an archive", {"several-disks"}},
+    {EBADMSG, DIRECTORY + "too short for its number of items", {"more-items-than-directory"}},
+    {EBADMSG, DIRECTORY + "longer than its items", {"fewer-items-than-directory"}},
+    {EBADMSG, DIRECTORY + "no entry where item 2 should have one", {"directory-entry-overwritten"}},
+    {EBADMSG, DIRECTORY + "shorter than its items", {"name-beyond-directory"}},
+    {EBADMSG,
+     DIRECTORY + "the ZIP64 locator leads nowhere",
+     {"zip64-locator-leads-nowhere", "zip64-locator-beyond-archive"}},
+    {EBADMSG, DIRECTORY + "the two end records differ", {"zip64-record-differs"}},
+    {EFBIG, "more than 100000 items", {"zip64-million-millions-of-items"}},
+    {EBADMSG, "a: its ZIP64 field is missing or too short", {"zip64-field-missing", "zip64-field-short"}},
+    {EBADMSG, "a: overlaps with b", {"one-local-header-for-two", "item-within-another"}},
+    {EBADMSG, "001: overlaps with 002", {"bomb-of-42-kB"}},
+    {EBADMSG,
+     "a: reaches beyond the items of the archive",
+     {"item-beyond-archive", "content-reaches-into-directory"}},
+    {EBADMSG, "a: can't read: no local header where the directory says", {"local-header-overwritten"}},
+    {EBADMSG,
+     "a: can't read: its local header has another name",
+     {"local-header-other-name", "local-header-other-case"}},
+    {EBADMSG,
+     "a: can't read: its local header differs from the directory",
+     {"local-header-other-method", "local-header-other-size", "local-header-other-packed-size",
+      "local-header-other-checksum", "local-header-encrypted", "local-header-sizes-behind-descriptor-flag"}},
+    {EBADMSG, "a: can't read: it reaches into what lies behind it", {"local-extra-field-too-long"}},
+    {EBADMSG, "[Content_Types].xml: a second content types stream", {"two-content-types-streams"}},
+    {EBADMSG,
+     "[content_types].XML: a second content types stream",
+     {"two-content-types-streams-in-other-case"}},
+    {EBADMSG,
+     "[Content_Types].xml/[0].last.piece: a second content types stream",
+     {"content-types-stream-and-pieces-of-one"}},
+    {EBADMSG, "a: another item has the same part name", {"name-twice"}},
+    {EBADMSG, "A: another item has the same part name", {"name-twice-in-other-case"}},
+    {EBADMSG, "a%20b: another item has the same part name", {"name-twice-encoded"}},
+    {EBADMSG, "a/[0].last.piece: another item is the same piece", {"piece-twice"}},
+    {EBADMSG, "../a: its name leads to a folder above", {"folder-above"}},
+    {EBADMSG, "a/b/../../../c: its name leads to a folder above", {"folder-above-in-the-middle"}},
+    {EBADMSG, "a\\..\\..\\b: its name leads to a folder above", {"folder-above-with-backslash"}},
+    {EBADMSG, "/etc/passwd: its name is an absolute path", {"absolute-path"}},
+    {EBADMSG, "\\\\host\\share\\a: its name is an absolute path", {"absolute-path-of-network"}},
+    {EBADMSG, "C:/a: its name begins with a drive", {"drive-path"}},
+    {EBADMSG, "c:\\a: its name begins with a drive", {"drive-path-with-backslash"}},
+    {EBADMSG, "item 2: a zero byte in its name", {"zero-byte-in-name"}},
+    {EBADMSG, "item 2: its name isn't the UTF-8 that it is said to be", {"name-is-no-utf8"}},
+    {EFBIG, "item 2: its name has more bytes than the limit of 4096", {"name-of-65535-characters"}},
+    {EFBIG, "item 2: deeper in folders than the limit of 256", {"thousand-nested-folders"}},
+    {EBADMSG, "a: is stored, but its two sizes differ", {"stored-sizes-differ"}},
+    {EBADMSG, "a: can't read: longer than the directory says", {"size-too-small", "size-zero"}},
+    {EBADMSG, "a: can't read: shorter than the directory says", {"size-too-large"}},
+    {EBADMSG,
+     "a: can't read: its compressed data is damaged",
+     {"packed-size-too-small", "deflate-without-data", "deflate-damaged"}},
+    {EBADMSG, "a: can't read: its checksum is wrong", {"checksum-wrong"}},
+    {ENOTSUP, "a: is encrypted", {"encrypted"}},
+    {ENOTSUP, "a: has compression method 14; Store and Deflate alone are read", {"method-lzma"}},
+    {EFBIG,
+     "a: the ratio of its size to its compressed size is above the limit of 1000",
+     {"bomb-by-its-own-account"}},
+    {EFBIG, "a: its size in bytes is above the limit of 17179869184", {"part-of-17-GiB"}},
 };
 
 void readAll(const std::filesystem::path& path) {
@@ -144,14 +129,16 @@ TEST(HostileArchives, areRefusedSoonAndWithoutSpendingMemory) {
     const std::filesystem::path folder = OPCMODEL_HOSTILE_ARCHIVES;
     std::set<std::string> tested;
     for (const Case& c : CASES) {
-        const auto path = folder / (std::string(c.archive) + ".zip");
-        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
-        const long memoryBefore = memory("VmRSS:");
-        const double start = processorTime();
-        EXPECT_TRUE(fails(c.code, path.string() + ": " + c.message, [&] { readAll(path); })) << c.archive;
-        EXPECT_LT(processorTime() - start, MOST_TIME) << c.archive;
-        EXPECT_LT(memory("VmHWM:") - memoryBefore, MOST_MEMORY) << c.archive;
-        tested.insert(path.filename());
+        for (const char* archive : c.archives) {
+            const auto path = folder / (std::string(archive) + ".zip");
+            std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+            const long memoryBefore = memory("VmRSS:");
+            const double start = processorTime();
+            EXPECT_TRUE(fails(c.code, path.string() + ": " + c.message, [&] { readAll(path); })) << archive;
+            EXPECT_LT(processorTime() - start, MOST_TIME) << archive;
+            EXPECT_LT(memory("VmHWM:") - memoryBefore, MOST_MEMORY) << archive;
+            tested.insert(path.filename());
+        }
     }
     for (const auto& file : std::filesystem::directory_iterator(folder))
         EXPECT_EQ(tested.count(file.path().filename()), 1U) << file.path() << " isn't tested";
