@@ -1,4 +1,4 @@
-#include "support/Columns.hpp"
+#include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
@@ -15,16 +15,7 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-std::string narrow(const std::u16string& text) {
-    return opc::toUDEString(text);
-}
-
-std::u16string repeat(const std::u16string& text, int times) {
-    std::u16string result;
-    while (times-- > 0)
-        result += text;
-    return result;
-}
+constexpr auto narrow = &opc::toUDEString;
 
 TEST(PartName, namesTheFirstRuleThatIsBroken) {
     const char* const m1 = "A part name shall not be empty [M1.1]";
@@ -75,7 +66,7 @@ TEST(PartName, acceptsAllOtherNames) {
                                  u"2F",
                                  u"/_RELS/.RELS"})
         EXPECT_EQ(PartName(name).toString(), name);
-    const std::u16string deep = repeat(u"/a", 32000);
+    const std::u16string deep = repeated(u"/a", 32000);
     EXPECT_EQ(PartName(deep).toString(), deep);
 }
 
@@ -129,12 +120,12 @@ TEST(PartName, relationshipNamesAreThoseOfTheExpression) {
 TEST(PartName, longNamesGetAnAnswer) {
     const int times = 60000;
     for (const std::u16string& name :
-         {repeat(u"/_rels", times) + u"/.rels", u"/" + repeat(u"a", times) + u"/_rels/b.rels",
-          u"/_rels/" + repeat(u"a", times) + u".rels"})
+         {repeated(u"/_rels", times) + u"/.rels", u"/" + repeated(u"a", times) + u"/_rels/b.rels",
+          u"/_rels/" + repeated(u"a", times) + u".rels"})
         EXPECT_TRUE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
     for (const std::u16string& name :
-         {repeat(u"/_rels", times), repeat(u"/_rel", times) + u"/.rels",
-          u"/_rels/" + repeat(u".rels", times) + u"x", u"/_rel/" + repeat(u".rels", times)})
+         {repeated(u"/_rels", times), repeated(u"/_rel", times) + u"/.rels",
+          u"/_rels/" + repeated(u".rels", times) + u"x", u"/_rel/" + repeated(u".rels", times)})
         EXPECT_FALSE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
 }
 

@@ -1,4 +1,4 @@
-#include "support/Columns.hpp"
+#include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
@@ -10,9 +10,7 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-std::string narrow(const std::u16string& text) {
-    return opc::toUDEString(text);
-}
+constexpr auto narrow = &opc::toUDEString;
 
 TEST(URI, refusesWhatIsNoReference) {
     const char* const notASCII = "Could not successfully parse URI string. URI must contain only US-ASCII.";

@@ -10,9 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -41,8 +43,16 @@ inline std::string rest(interfaces::IPhysicalInputStream& stream) {
     std::array<unsigned char, 1021> buffer{};
     while (!stream.isDone()) {
         const auto count = stream.read(buffer.data(), buffer.size());
-        text.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
+        text.append(buffer.data(), buffer.data() + count);
     }
+    return text;
+}
+
+/// Bytes that don't compress, the same each time.
+inline std::string noise(std::size_t size) {
+    std::mt19937 random(7);
+    std::string text(size, '\0');
+    std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
     return text;
 }
 

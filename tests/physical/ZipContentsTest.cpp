@@ -31,13 +31,6 @@ std::string prose(std::size_t size) {
     return text;
 }
 
-std::string noise(std::size_t size) {
-    std::mt19937 random(7);
-    std::string text(size, '\0');
-    std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
-    return text;
-}
-
 /// Around the sizes where a content begins to be compressed in another way.
 const std::size_t WRITTEN_SIZES[] = {0, 1, 10, 1536, 1537, 20000, 250000, 262144, 1048576, 1048577};
 
@@ -96,7 +89,7 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     EXPECT_EQ(::deflate(&stream, Z_FULL_FLUSH), Z_OK);
     stream.avail_in = static_cast<uInt>(content.size() - content.size() / 2);
     EXPECT_EQ(::deflate(&stream, Z_FINISH), Z_STREAM_END);
-    item.data.assign(output.begin(), output.begin() + static_cast<std::ptrdiff_t>(stream.total_out));
+    item.data.assign(output.data(), output.data() + stream.total_out);
     deflateEnd(&stream);
     return item;
 }
@@ -106,7 +99,7 @@ void readInPieces(IPhysicalInputStream& stream, std::size_t pieceSize, std::stri
     std::vector<unsigned char> piece(pieceSize);
     while (!stream.isDone()) {
         const auto count = stream.read(piece.data(), pieceSize);
-        text.append(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
+        text.append(piece.data(), piece.data() + count);
     }
 }
 

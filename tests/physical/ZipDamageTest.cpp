@@ -87,7 +87,7 @@ TEST(ZipDamage, isFoundWhereverAnArchiveIsCutOff) {
         {stored("[Content_Types].xml", "types"), oddlyDeflated("b", "some text"), stored("c/d.xml", "more")});
     for (std::size_t size = 1; size < archive.size(); ++size) {
         EXPECT_TRUE(fails(EBADMSG, "archive in memory: can't read the directory of the archive: ", [&] {
-            readAll(Bytes(archive.begin(), archive.begin() + static_cast<long>(size)));
+            readAll(Bytes(archive.data(), archive.data() + size));
         })) << size;
     }
     EXPECT_TRUE(fails(EBADMSG, "archive", [&] { readAll(Bytes(5000, 'P')); }));

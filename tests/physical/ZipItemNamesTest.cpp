@@ -1,6 +1,6 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/Columns.hpp"
+#include "support/Texts.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/physical/ZipPackage.hpp>

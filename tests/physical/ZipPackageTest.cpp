@@ -178,7 +178,7 @@ TEST(ZipPackage, readsSeveralPartsAtATime) {
             for (std::size_t i = 0; i < streams.size(); ++i) {
                 std::array<unsigned char, 1000> buffer{};
                 const auto count = streams[i]->read(buffer.data(), buffer.size() - i);
-                texts[i].append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
+                texts[i].append(buffer.data(), buffer.data() + count);
                 more = more || count > 0;
             }
         }

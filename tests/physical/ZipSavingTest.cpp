@@ -45,14 +45,6 @@ private:
     void (*oldHandler)(int);
 };
 
-std::string noise(std::size_t size) {
-    std::mt19937 random(7);
-    std::string text(size, '\0');
-    for (char& c : text)
-        c = static_cast<char>(random());
-    return text;
-}
-
 mode_t modeOf(const fs::path& path) {
     struct stat status {};
     EXPECT_EQ(::stat(path.c_str(), &status), 0);

@@ -57,13 +57,6 @@ private:
     std::size_t room;
 };
 
-std::string noise(std::size_t size) {
-    std::mt19937 random(11);
-    std::string text(size, '\0');
-    std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
-    return text;
-}
-
 TEST(ZipStreams, passThroughWithoutSeeking) {
     // Within memory, and in the temporary file.
     for (const std::size_t size : {100U, 3000000U}) {

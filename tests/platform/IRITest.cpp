@@ -1,4 +1,4 @@
-#include "support/Columns.hpp"
+#include "support/Texts.hpp"
 
 #include <bedrock/network/IRI.hpp>
 #include <opc/core/Text.hpp>
@@ -17,9 +17,7 @@ using bedrock::network::IRIException;
 using bedrock::network::iri::Encoding;
 using opc::test::columns;
 
-std::string narrow(const std::u16string& text) {
-    return opc::toUDEString(text);
-}
+constexpr auto narrow = &opc::toUDEString;
 
 TEST(IRI, findsTheComponents) {
     struct Case {

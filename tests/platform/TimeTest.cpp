@@ -1,4 +1,4 @@
-#include "support/Columns.hpp"
+#include "support/Texts.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>

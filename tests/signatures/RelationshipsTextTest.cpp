@@ -23,7 +23,7 @@ std::string readText(const std::vector<Relationship>& relationships, std::uint64
     std::vector<unsigned char> block(blockSize);
     while (!text.isDone()) {
         const auto got = text.read(block.data(), block.size());
-        result.append(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
+        result.append(block.data(), block.data() + got);
     }
     return result;
 }

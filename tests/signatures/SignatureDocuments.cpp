@@ -32,21 +32,6 @@ std::string unknownToSchema(const std::string& document) {
            content + "</any></Object>";
 }
 
-std::string replaced(std::string text, const std::string& what, const std::string& replacement) {
-    const std::size_t position = text.find(what);
-    if (position == std::string::npos)
-        throw std::logic_error("not in the document: " + what);
-    return text.replace(position, what.size(), replacement);
-}
-
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string all;
-    all.reserve(text.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        all += text;
-    return all;
-}
-
 std::string certificate(const std::string& key) {
     static std::map<std::string, std::string> made;
     std::string& text = made[key];

@@ -2,10 +2,9 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
+#include "support/Texts.hpp"
 
 #include <gtest/gtest.h>
-
-#include <string>
 
 /// @file
 /// Signature documents to read, and what it takes to read and write them.
@@ -18,16 +17,6 @@ extern const std::string USUAL_SIGNATURE;
 /// The same content where no schema knows it, below an element of another namespace, so that documents of any
 /// form can be made of it. The root is an `Object`.
 std::string unknownToSchema(const std::string& document);
-
-/// `text` with `replacement` in place of the first `what`, which must be there.
-std::string replaced(std::string text, const std::string& what, const std::string& replacement);
-
-/// `text` with `addition` behind the first `what`.
-inline std::string inserted(const std::string& text, const std::string& what, const std::string& addition) {
-    return replaced(text, what, what + addition);
-}
-
-std::string repeated(const std::string& text, std::size_t count);
 
 /// A self-signed certificate in Base64, made by OpenSSL's command line once for each kind of key.
 /// @param key  as `openssl req -newkey` takes it: "rsa:2048"

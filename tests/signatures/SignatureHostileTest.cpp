@@ -165,7 +165,7 @@ TEST_F(HostileSignature, aTimeBeyondTheClockIsTheEndOfIt) {
 TEST_F(HostileSignature, aCertificateCutShortAnywhereIsRefused) {
     const auto whole = bedrock::crypto::utils::base64Decode(opc::toString(certificate("rsa:1024"), false));
     for (std::size_t length = 1; length < whole.size(); length += 13) {
-        const Bytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        const Bytes part(whole.data(), whole.data() + length);
         const std::string text = opc::toASCIIString(bedrock::crypto::utils::base64Encode(part));
         EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException) << length;
     }

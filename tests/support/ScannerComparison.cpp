@@ -6,6 +6,7 @@
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipsScanner.hpp"
+#include "support/Outcome.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/GrammarLoading.hpp"
 
@@ -15,7 +16,6 @@
 #include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
-#include <typeinfo>
 
 #include <xercesc/dom/DOM.hpp>
 
@@ -61,17 +61,6 @@ bool scanContentTypeElements(const Bytes& document, Elements& elements) {
     return true;
 }
 
-/// Runs `read`, and gives class and message of the failure in it, if there is one.
-template <typename Read>
-std::string failureOf(Read&& read) {
-    try {
-        read();
-    } catch (const std::exception& e) {
-        return std::string(typeid(e).name()) + ": " + e.what() + '\n';
-    }
-    return {};
-}
-
 /// What reading makes of a document, as a text, with the scanner or by the parser alone.
 /// @{
 
@@ -80,7 +69,8 @@ std::string readRelationships(const Bytes& document, bool scanning) {
     RelationshipManager manager(URI(u"/"));
     ByteArrayInAdaptor stream(document);
     std::string result =
-        failureOf([&] { scanning ? serializer.read(stream, manager) : serializer.parse(stream, manager); });
+        outcomeOf([&] { scanning ? serializer.read(stream, manager) : serializer.parse(stream, manager); }) +
+        '\n';
     for (const Relationship& entry : manager.getRelationships({}))
         result += toUDEString(entry.getID() + u" " + entry.getType() + u" " + entry.getTarget()) +
                   (entry.getTargetMode() == TargetMode::External ? " External\n" : "\n");
@@ -92,7 +82,7 @@ std::string readContentTypes(const Bytes& document, bool scanning) {
     ContentTypeMap map;
     ByteArrayInAdaptor stream(document);
     std::string result =
-        failureOf([&] { scanning ? serializer.read(map, stream) : serializer.parse(map, stream); });
+        outcomeOf([&] { scanning ? serializer.read(map, stream) : serializer.parse(map, stream); }) + '\n';
     for (const auto& [extension, entry] : map.getDefaults())
         result += toUDEString(extension + u" " + entry.contentType.toString()) + '\n';
     for (const auto& [name, contentType] : map.getOverrides())

@@ -6,11 +6,22 @@
 
 namespace opc::test {
 
-class ScriptedPackage::ScriptedInputStream : public interfaces::IPhysicalInputStream {
+/// A part or a stream, which announces its calls by the part's name and forwards them.
+template <typename Interface>
+class ScriptedPackage::Scripted : public Interface {
 public:
-    ScriptedInputStream(ScriptedPackage& package, interfaces::IPhysicalInputStream& stream,
-                        std::string partName)
-        : owner(package), inner(stream), name(std::move(partName)) {}
+    Scripted(ScriptedPackage& package, Interface& forwarded, std::string partName)
+        : owner(package), inner(forwarded), name(std::move(partName)) {}
+
+protected:
+    ScriptedPackage& owner;
+    Interface& inner;
+    std::string name;
+};
+
+class ScriptedPackage::ScriptedInputStream : public Scripted<interfaces::IPhysicalInputStream> {
+public:
+    using Scripted::Scripted;
 
     void open() override {
         owner.announce("openStream " + name);
@@ -28,18 +39,11 @@ public:
         owner.announce("closeInput " + name);
         inner.close();
     }
-
-private:
-    ScriptedPackage& owner;
-    interfaces::IPhysicalInputStream& inner;
-    std::string name;
 };
 
-class ScriptedPackage::ScriptedOutputStream : public interfaces::IPhysicalOutputStream {
+class ScriptedPackage::ScriptedOutputStream : public Scripted<interfaces::IPhysicalOutputStream> {
 public:
-    ScriptedOutputStream(ScriptedPackage& package, interfaces::IPhysicalOutputStream& stream,
-                         std::string partName)
-        : owner(package), inner(stream), name(std::move(partName)) {}
+    using Scripted::Scripted;
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         owner.record("write " + name);
@@ -57,17 +61,11 @@ public:
         owner.record("closeStream " + name);
         inner.close();
     }
-
-private:
-    ScriptedPackage& owner;
-    interfaces::IPhysicalOutputStream& inner;
-    std::string name;
 };
 
-class ScriptedPackage::ScriptedPart : public interfaces::IPhysicalPart {
+class ScriptedPackage::ScriptedPart : public Scripted<interfaces::IPhysicalPart> {
 public:
-    ScriptedPart(ScriptedPackage& package, interfaces::IPhysicalPart& part)
-        : owner(package), inner(part), name(toUDEString(part.getName())) {}
+    using Scripted::Scripted;
 
     std::u16string getName() const override {
         owner.announce("getName " + name);
@@ -85,11 +83,6 @@ public:
         owner.record("getOutputStream " + name);
         return owner.wrap(inner.getOutputStream(), name);
     }
-
-private:
-    ScriptedPackage& owner;
-    interfaces::IPhysicalPart& inner;
-    std::string name;
 };
 
 void ScriptedPackage::failAt(const std::string& call, const std::string& message,
@@ -124,7 +117,7 @@ void ScriptedPackage::record(const std::string& call) {
 interfaces::IPhysicalPart* ScriptedPackage::wrap(interfaces::IPhysicalPart* part) {
     auto& wrapper = wrapped[part];
     if (!wrapper)
-        wrapper = std::make_unique<ScriptedPart>(*this, *part);
+        wrapper = std::make_unique<ScriptedPart>(*this, *part, toUDEString(part->getName()));
     return wrapper.get();
 }
 

@@ -48,6 +48,8 @@ public:
     void deletePart(const std::u16string& name) override;
 
 private:
+    template <typename Interface>
+    class Scripted;
     class ScriptedPart;
     class ScriptedInputStream;
     class ScriptedOutputStream;

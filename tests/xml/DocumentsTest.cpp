@@ -119,7 +119,7 @@ TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
 }
 
 std::string nested(std::size_t depth, const std::string& open = "<a>") {
-    return repeat(depth, open) + repeat(depth, "</a>");
+    return repeated(open, depth) + repeated("</a>", depth);
 }
 
 std::string withAttributes(std::size_t count, const std::string& prefix) {
@@ -142,25 +142,25 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
     const std::pair<std::string, const char*> cases[] = {
         {nested(1000), ""},
         {nested(1001), DEEP},
-        {repeat(999, "<a>") + "<b/><b/>" + repeat(999, "</a>"), ""},
-        {repeat(1000, "<a>") + "<b/>" + repeat(1000, "</a>"), DEEP},
-        {repeat(2000000, "<a>"), DEEP},
-        {"<a>" + repeat(5000, "<b c=''/><d e=''><f/></d>") + "</a>", ""},
-        {"<!--c-->" + nested(1, "<a>" + repeat(9999, "<!--c-->")), ""},
-        {"<!--c-->" + nested(1, "<a>" + repeat(9999, "<!--c-->")) + "<!--c-->", MANY_COMMENTS},
-        {"<a>" + repeat(1000000, "<!---->"), MANY_COMMENTS},
+        {repeated("<a>", 999) + "<b/><b/>" + repeated("</a>", 999), ""},
+        {repeated("<a>", 1000) + "<b/>" + repeated("</a>", 1000), DEEP},
+        {repeated("<a>", 2000000), DEEP},
+        {"<a>" + repeated("<b c=''/><d e=''><f/></d>", 5000) + "</a>", ""},
+        {"<!--c-->" + nested(1, "<a>" + repeated("<!--c-->", 9999)), ""},
+        {"<!--c-->" + nested(1, "<a>" + repeated("<!--c-->", 9999)) + "<!--c-->", MANY_COMMENTS},
+        {"<a>" + repeated("<!---->", 1000000), MANY_COMMENTS},
         {withAttributes(1000, "b") + "/>", ""},
         {withAttributes(1001, "b") + "/>", MANY_ATTRIBUTES},
         {withAttributes(200000, "b") + "/>", MANY_ATTRIBUTES},
         {withAttributes(200000, "xmlns:b") + "/>", MANY_ATTRIBUTES},
-        {"<a>" + repeat(100, hundred + "</a>") + "</a>", ""},
+        {"<a>" + repeated(hundred + "</a>", 100) + "</a>", ""},
         {nested(40, hundred), ""},
         {nested(41, hundred), MANY_OPEN},
         {nested(1000, "<a b='' c='' d='' e=''>"), ""},
         {manyNames(2000, "b", ""), ""},
         {manyNames(200000, "b", ""), MANY_NAMES},
         {manyNames(200000, "a b", "=''"), MANY_NAMES},
-        {"<a>" + repeat(30000, "<b c='' d=''/>") + "</a>", ""},
+        {"<a>" + repeated("<b c='' d=''/>", 30000) + "</a>", ""},
     };
     const std::clock_t start = std::clock(); // of the processor: other work on the machine does not count
     for (const bool namespaces : {true, false}) { // Xerces tells of empty elements in two ways
@@ -180,7 +180,7 @@ TEST_F(Reading, countsAnewForEachDocument) {
     EXPECT_NE(parser.refusal(manyNames(200000, "b xmlns='u:", "'"), false), "");
     EXPECT_EQ(parser.refusal("<a xmlns='urn:new'/>", false), "");
     for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(parser.refusal("<a>" + repeat(6000, "<!--c-->") + "</a>", false), "");
+        EXPECT_EQ(parser.refusal("<a>" + repeated("<!--c-->", 6000) + "</a>", false), "");
         EXPECT_EQ(parser.refusal(manyNames(1500, "b", ""), false), "");
     }
 }
@@ -232,7 +232,7 @@ private:
 };
 
 TEST_F(Reading, worksOnStreamsThatGiveByteByByteOrBoast) {
-    const std::string text = "<a>" + repeat(100000, "text ") + "</a>";
+    const std::string text = "<a>" + repeated("text ", 100000) + "</a>";
     FaultyInput slow(text);
     EXPECT_EQ(
         XercesHelper::getElements(
@@ -252,7 +252,7 @@ TEST_F(Reading, worksOnStreamsThatGiveByteByByteOrBoast) {
 struct Foreign {};
 
 TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
-    const std::string text = "<?xml version='1.0'?><a>" + repeat(50000, "<b c='d'>text</b>") + "</a>";
+    const std::string text = "<?xml version='1.0'?><a>" + repeated("<b c='d'>text</b>", 50000) + "</a>";
     for (const std::size_t failingRead : {1U, 2U, 5U}) {
         const auto readFailingWith = [&](std::function<void()> fail) {
             FaultyInput stream(text);
@@ -285,8 +285,8 @@ TEST(ReadingWithGrammar, worksAfterEachKindOfFailure) {
           std::string("<?xml version='1.0' encoding='ISO-8859-1'?>") + good, std::string("<a>\xFF</a>"),
           std::string("<a b='' b=''/>"), std::string("<p:a/>"), std::string("<a>&e;</a>"),
           head + "<Relationship Id='a' Id='b'/>", head + "<Relationship Id='a' Type='t' Target='a'/>",
-          head + repeat(2, "<Relationship Id='a' Type='t' Target='a'/>") + "</Relationships>",
-          head + nested(2000), head + repeat(10001, "<!---->")}) {
+          head + repeated("<Relationship Id='a' Type='t' Target='a'/>", 2) + "</Relationships>",
+          head + nested(2000), head + repeated("<!---->", 10001)}) {
         EXPECT_NE(parser.refusal(bad), "") << bad;
         EXPECT_FALSE(hasErrorHandler(parser.get())) << bad;
         EXPECT_EQ(parser.refusal(good), "") << bad;

@@ -87,7 +87,7 @@ const char* const HOSTILE[] = {
     "<?xml-stylesheet href='%'?><?xml-model href='%'?><a/>",
 };
 
-std::string replaced(std::string text, const std::string& mark, const std::string& value) {
+std::string replacedAll(std::string text, const std::string& mark, const std::string& value) {
     for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
         text.replace(at, mark.size(), value);
     return text;
@@ -120,9 +120,10 @@ TEST_F(OutsideAccess, isNeverGivenToADocument) {
         mark(BEGIN);
         for (const char* hostile : HOSTILE) {
             for (const std::string& place : places) {
-                std::string document = replaced(hostile, "%", place);
-                document = replaced(document, "<@", "<" + std::string(reader.name) + " " + reader.attributes);
-                document = replaced(document, "</@", "</" + std::string(reader.name));
+                std::string document = replacedAll(hostile, "%", place);
+                document =
+                    replacedAll(document, "<@", "<" + std::string(reader.name) + " " + reader.attributes);
+                document = replacedAll(document, "</@", "</" + std::string(reader.name));
                 parser.refusal(document, true);
                 ASSERT_FALSE(files.isReady()) << document;
                 ASSERT_FALSE(port.isReady()) << document;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/PackageContent.hpp"
+#include "support/Texts.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/GrammarLoading.hpp"
 
@@ -8,21 +10,7 @@
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
-#include <string>
-#include <vector>
-
 namespace opc::test {
-
-inline std::vector<unsigned char> toBytes(const std::string& text) {
-    return std::vector<unsigned char>(text.begin(), text.end());
-}
-
-inline std::string repeat(std::size_t count, const std::string& text) {
-    std::string result;
-    for (std::size_t i = 0; i < count; ++i)
-        result += text;
-    return result;
-}
 
 /// A parser with grammars, for tests that read texts.
 class SchemaParser {
@@ -35,7 +23,7 @@ public:
 
     /// Gives the message with which `text` is refused, or an empty one.
     std::string refusal(const std::string& text, bool validate = true) {
-        const std::vector<unsigned char> bytes = toBytes(text);
+        const Bytes bytes = toBytes(text);
         ByteArrayInAdaptor stream(bytes);
         const model::DocumentPoolReset reset(parser.get());
         try {

@@ -152,12 +152,12 @@ TEST(Schemas, contentTypesTakeLinearTimeOnHostileValues) {
     SchemaParser parser({&schemas::CONTENT_TYPES});
     const auto start = std::chrono::steady_clock::now();
     for (const std::string& value :
-         {"a/b" + repeat(10000, " ") + "x", "a/b;c=\"" + repeat(100000, " "),
-          "a/b;c=\"" + repeat(100000, "\\") + "!", "a/b" + repeat(10000, ";c=d") + ";",
-          "a/b" + repeat(10000, "; c=\"\\\"\"") + "\"", repeat(100000, "a")})
+         {"a/b" + repeated(" ", 10000) + "x", "a/b;c=\"" + repeated(" ", 100000),
+          "a/b;c=\"" + repeated("\\", 100000) + "!", "a/b" + repeated(";c=d", 10000) + ";",
+          "a/b" + repeated("; c=\"\\\"\"", 10000) + "\"", repeated("a", 100000)})
         EXPECT_NE(parser.refusal(withContentType(value)), "") << value.substr(0, 20);
-    EXPECT_EQ(parser.refusal(withContentType("a/b;c=\"" + repeat(100000, "d") + "\"")), "");
-    EXPECT_EQ(parser.refusal(withExtension(repeat(10000, "%20"))), "");
+    EXPECT_EQ(parser.refusal(withContentType("a/b;c=\"" + repeated("d", 100000) + "\"")), "");
+    EXPECT_EQ(parser.refusal(withExtension(repeated("%20", 10000))), "");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 

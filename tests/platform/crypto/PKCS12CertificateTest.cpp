@@ -79,7 +79,7 @@ TEST_F(PKCS12CertificateTest, halfBundlesAreReadAsFarAsTheyGo) {
 TEST_F(PKCS12CertificateTest, badBundlesAreRefused) {
     const Bytes good = bundle(whole);
     for (std::size_t size = 0; size < good.size(); size += size < 64 ? 1 : 13) {
-        const Bytes cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
+        const Bytes cut(good.data(), good.data() + size);
         EXPECT_TRUE(fails<CertificateException>([&] { PKCS12Certificate(cut, password); })) << size;
     }
     for (const char* wrong : {"", "geheim", "Geheimß", "geheimß "})

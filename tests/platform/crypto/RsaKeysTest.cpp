@@ -145,13 +145,11 @@ TEST(RsaKeys, keysCutShortOrContinuedAreRefused) {
     const auto& pair = keyPair(1024);
     const CryptoEngine engine = makeEngine();
     for (std::size_t size = 0; size < pair.getPrivateKey().size(); ++size) {
-        const Bytes cut(pair.getPrivateKey().begin(),
-                        pair.getPrivateKey().begin() + static_cast<std::ptrdiff_t>(size));
+        const Bytes cut(pair.getPrivateKey().data(), pair.getPrivateKey().data() + size);
         EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(cut); })) << size;
     }
     for (std::size_t size = 0; size < pair.getPublicKey().size(); ++size) {
-        const Bytes cut(pair.getPublicKey().begin(),
-                        pair.getPublicKey().begin() + static_cast<std::ptrdiff_t>(size));
+        const Bytes cut(pair.getPublicKey().data(), pair.getPublicKey().data() + size);
         EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(cut); })) << size;
     }
     Bytes longer = pair.getPrivateKey();

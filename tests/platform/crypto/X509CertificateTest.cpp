@@ -53,7 +53,7 @@ TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
     recipe.rsaBits = 1024;
     const Bytes der = makeIdentity(recipe).certificate.getAsByteArray();
     for (std::size_t size = 0; size < der.size(); ++size) {
-        const Bytes cut(der.begin(), der.begin() + static_cast<std::ptrdiff_t>(size));
+        const Bytes cut(der.data(), der.data() + size);
         EXPECT_TRUE(fails<X509CertificateException>([&cut] { X509Certificate{cut}; })) << size;
     }
     Bytes longer = der;
@@ -64,7 +64,7 @@ TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
     const Bytes pem = openssl.read("pem");
     Bytes twice = pem;
     twice.insert(twice.end(), pem.begin(), pem.end());
-    const Bytes half(pem.begin(), pem.begin() + static_cast<std::ptrdiff_t>(pem.size() / 2));
+    const Bytes half(pem.data(), pem.data() + pem.size() / 2);
     openssl.run("x509 -in pem -addtrust codeSigning -out trusted");
     Bytes among = bytesOf("Subject: someone\n");
     among.insert(among.end(), pem.begin(), pem.end());

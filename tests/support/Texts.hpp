@@ -1,0 +1,49 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace opc::test {
+
+/// What stands between the bars of a row of a table, as in u"base | reference | result".
+template <std::size_t Count, typename Text>
+std::array<Text, Count> columns(const Text& row) {
+    std::array<Text, Count> result;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < Count; ++i) {
+        const std::size_t end = row.find(Text{' ', '|', ' '}, start);
+        if ((end == Text::npos) != (i + 1 == Count))
+            throw std::logic_error("a row with another number of columns");
+        result[i] = row.substr(start, end - start);
+        start = end + 3;
+    }
+    return result;
+}
+
+/// @param text  a string or a literal, of any kind of character
+template <typename Text>
+auto repeated(const Text& text, std::size_t count) {
+    const std::basic_string piece(text);
+    auto all = piece.substr(0, 0);
+    all.reserve(piece.size() * count);
+    while (count-- > 0)
+        all += piece;
+    return all;
+}
+
+/// `text` with `replacement` in place of the first `what`, which must be there.
+inline std::string replaced(std::string text, const std::string& what, const std::string& replacement) {
+    const std::size_t position = text.find(what);
+    if (position == std::string::npos)
+        throw std::logic_error("not in the document: " + what);
+    return text.replace(position, what.size(), replacement);
+}
+
+/// `text` with `addition` behind the first `what`.
+inline std::string inserted(const std::string& text, const std::string& what, const std::string& addition) {
+    return replaced(text, what, what + addition);
+}
+
+} // namespace opc::test
