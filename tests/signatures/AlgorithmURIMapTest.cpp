@@ -19,19 +19,17 @@ struct Algorithm {
     std::u16string digest, signature;
 };
 
+const std::u16string XMLDSIG = u"http://www.w3.org/2000/09/xmldsig#",
+                     XMLENC = u"http://www.w3.org/2001/04/xmlenc#",
+                     MORE = u"http://www.w3.org/2001/04/xmldsig-more#";
+
 const Algorithm ALGORITHMS[] = {
-    {DigestMethod::MD5, u"http://www.w3.org/2001/04/xmldsig-more#md5",
-     u"http://www.w3.org/2001/04/xmldsig-more#rsa-md5"},
-    {DigestMethod::SHA1, u"http://www.w3.org/2000/09/xmldsig#sha1",
-     u"http://www.w3.org/2000/09/xmldsig#rsa-sha1"},
-    {DigestMethod::SHA224, u"http://www.w3.org/2001/04/xmldsig-more#sha224",
-     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha224"},
-    {DigestMethod::SHA256, u"http://www.w3.org/2001/04/xmlenc#sha256",
-     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"},
-    {DigestMethod::SHA384, u"http://www.w3.org/2001/04/xmldsig-more#sha384",
-     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha384"},
-    {DigestMethod::SHA512, u"http://www.w3.org/2001/04/xmlenc#sha512",
-     u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512"},
+    {DigestMethod::MD5, MORE + u"md5", MORE + u"rsa-md5"},
+    {DigestMethod::SHA1, XMLDSIG + u"sha1", XMLDSIG + u"rsa-sha1"},
+    {DigestMethod::SHA224, MORE + u"sha224", MORE + u"rsa-sha224"},
+    {DigestMethod::SHA256, XMLENC + u"sha256", MORE + u"rsa-sha256"},
+    {DigestMethod::SHA384, MORE + u"sha384", MORE + u"rsa-sha384"},
+    {DigestMethod::SHA512, XMLENC + u"sha512", MORE + u"rsa-sha512"},
 };
 
 TEST(AlgorithmURIMap, mapsAlgorithmsToIdentifiersAndBack) {

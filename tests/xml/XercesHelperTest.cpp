@@ -1,3 +1,4 @@
+#include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/model/Errors.hpp>
@@ -181,24 +182,16 @@ TEST_F(XercesHelperTest, readsAttributesOrLeavesTheValue) {
 
 TEST_F(XercesHelperTest, trimsTheEndOfATextAlone) {
     DOMElement* const root = makeRoot();
-    const struct {
-        std::u16string text;
-        std::u16string trimmed;
-    } cases[] = {{u"", u""},
-                 {u" \t\n\v\f\r", u""},
-                 {u" a b \r\n", u" a b"},
-                 {u"a\u00A0", u"a\u00A0"},
-                 {u"a\u0085", u"a\u0085"},
-                 {u"a\u2003", u"a\u2003"},
-                 {u"a\u0120 ", u"a\u0120"},
-                 {u"a\u0008", u"a\u0008"}};
-    for (const auto& test : cases) {
-        XercesHelper::setElementText(root, test.text);
+    for (const std::u16string row :
+         {u" | ", u" \t\n\v\f\r | ", u" a b \r\n |  a b", u"a\u00A0 | a\u00A0", u"a\u0085 | a\u0085",
+          u"a\u2003 | a\u2003", u"a\u0120  | a\u0120", u"a\u0008 | a\u0008"}) {
+        const auto [given, trimmed] = opc::test::columns<2>(row);
+        XercesHelper::setElementText(root, given);
         std::u16string text = u"before";
         EXPECT_TRUE(XercesHelper::getElementText(root, text));
-        EXPECT_EQ(text, test.text);
+        EXPECT_EQ(text, given);
         EXPECT_TRUE(XercesHelper::getTrimmedElementText(root, text));
-        EXPECT_EQ(text, test.trimmed);
+        EXPECT_EQ(text, trimmed);
     }
 }
 
