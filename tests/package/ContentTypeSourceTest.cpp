@@ -146,18 +146,16 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
         package.open(OpenMode::ReadOnly);
     })) << "elements are found by their names without a prefix";
 
-    const std::string broken[] = {
-        "",
-        "no xml",
-        "<Types/>",
-        toText(contentTypes("<Other/>")),
-        toText(contentTypes("")).substr(0, 80),
-        toText(contentTypes(R"(<Default Extension="" ContentType="a/b"/>)")),
-        toText(contentTypes(R"(<Default Extension="xml" ContentType=""/>)")),
-        toText(contentTypes(R"(<Default Extension="xml"/>)")),
-        "<!DOCTYPE Types>" + toText(contentTypes("")).substr(38),
-        R"(<?xml version="1.0" encoding="ISO-8859-1"?>)" + toText(contentTypes("")).substr(38),
-    };
+    const std::string empty = toText(contentTypes(""));
+    const std::string broken[] = {// other documents
+                                  "", "no xml", "<Types/>", empty.substr(0, 80),
+                                  "<!DOCTYPE Types>" + empty.substr(38),
+                                  R"(<?xml version="1.0" encoding="ISO-8859-1"?>)" + empty.substr(38),
+                                  // other entries
+                                  toText(contentTypes("<Other/>")),
+                                  toText(contentTypes(R"(<Default Extension="" ContentType="a/b"/>)")),
+                                  toText(contentTypes(R"(<Default Extension="xml" ContentType=""/>)")),
+                                  toText(contentTypes(R"(<Default Extension="xml"/>)"))};
     for (const std::string& text : broken) {
         store.setContentTypes(toBytes(text));
         EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;

@@ -25,10 +25,9 @@ namespace opc::test {
 /// A pair of keys of that size, made once in a program.
 inline const bedrock::crypto::RsaKeyPair& keysOf(std::size_t bits) {
     static std::map<std::size_t, bedrock::crypto::RsaKeyPair> made;
-    auto found = made.find(bits);
-    if (found == made.end())
-        found = made.emplace(bits, bedrock::crypto::generateRsaKeyPair(bits)).first;
-    return found->second;
+    const auto found = made.find(bits);
+    return found != made.end() ? found->second
+                               : made.emplace(bits, bedrock::crypto::generateRsaKeyPair(bits)).first->second;
 }
 
 /// A small package with relationships and core properties, and a manager on it. Signed with keys of 1024
