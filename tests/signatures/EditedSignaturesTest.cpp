@@ -12,13 +12,7 @@
 namespace {
 
 using namespace opc::model;
-using opc::test::repeated;
-using opc::test::replaced;
-using opc::test::Resigning;
-using opc::test::SignedPackage;
-using opc::test::throws;
-using opc::test::toBytes;
-using opc::test::toText;
+using namespace opc::test;
 
 /// A signature of /a.xml whose document is changed while the package is closed.
 class EditedSignature : public SignedPackage {
@@ -97,7 +91,7 @@ TEST_F(EditedSignature, itsPartsAreDigestedByTheMethodsOfTheirReferences) {
 TEST_F(EditedSignature, aPartIsReadOnceHoweverManyReferencesAreToIt) {
     store.setPart(
         PART, toBytes(Resigning(privateKey).sign(replaced(document, reference, repeated(reference, 50)))));
-    opc::test::ScriptedPackage watched(store);
+    ScriptedPackage watched(store);
     package = std::make_unique<Package>(watched);
     manager = std::make_unique<DigitalSignatureManager>(*package);
     package->open(opc::interfaces::OpenMode::ReadOnly);
@@ -165,7 +159,7 @@ TEST_F(SignedPackage, theNextNumberFollowsTheSignaturesThatAreThere) {
     for (const std::u16string& name : store.partNames())
         if (name.rfind(u"/_xmlsignatures/", 0) == 0)
             store.removePart(name);
-    store.setPart(u"/_rels/.rels", opc::test::relationships(""));
+    store.setPart(u"/_rels/.rels", relationships(""));
     package->open(opc::interfaces::OpenMode::ReadWrite);
     EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig1") << "the counter starts anew with each package";
 }
@@ -203,7 +197,7 @@ TEST_F(SignedPackage, aKeyWhoseLengthFitsNoSizeIsRefused) {
                                                  {512, 17}, {639, 17},  {640, 103}, {1024, 103}};
     for (const auto& [length, code] : cases) {
         try {
-            manager->verifySignature(manager->getSignature(u"sig1"), opc::test::Bytes(length, 7));
+            manager->verifySignature(manager->getSignature(u"sig1"), Bytes(length, 7));
             ADD_FAILURE() << length;
         } catch (const InvalidSignature& e) {
             EXPECT_EQ(e.getErrorCode().value(), code) << length;
