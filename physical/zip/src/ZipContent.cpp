@@ -69,12 +69,9 @@ ZipContent::ZipContent(ZipContext& owner, ItemIndex whole)
     : context(owner), item(whole), inputs(&owner.streams) {
 }
 
-ZipContent::ZipContent(ZipContext& owner, std::string_view contentName, const std::vector<ItemIndex>& pieces)
-    : context(owner), inputs(&owner.streams) {
-    const ItemIndex* const items = owner.keep(pieces.data(), pieces.size());
-    const Own made{{owner.keep(contentName.data(), contentName.size()), contentName.size()},
-                   {items, items + pieces.size()}};
-    own = owner.keep(&made, 1);
+ZipContent::ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces)
+    : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
+      inputs(&owner.streams) {
 }
 
 ZipContent::~ZipContent() = default;
@@ -124,7 +121,9 @@ std::unique_ptr<ZipContentReader> ZipContent::makeReader() const {
 }
 
 ItemRange ZipContent::oldItems() const {
-    return own ? own->items : ItemRange{&item, &item + 1};
+    if (own)
+        return {own->items.data(), own->items.data() + own->items.size()};
+    return {&item, &item + 1};
 }
 
 std::uint16_t ZipContent::method() const {

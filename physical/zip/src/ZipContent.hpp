@@ -27,17 +27,6 @@ struct ZipContext {
     std::unique_ptr<ArchiveReader> archive; ///< null while a package is being created
     std::shared_ptr<SpoolStore> spools;
     std::pmr::unsynchronized_pool_resource streams; ///< what the input streams stand in
-
-    /// For what hardly ever goes before the package is closed. What does leaves its memory unused until then.
-    std::pmr::monotonic_buffer_resource memory;
-
-    /// @return a copy in `memory`
-    template <typename Value>
-    const Value* keep(const Value* values, std::size_t count) {
-        return std::uninitialized_copy_n(values, count,
-                                         std::pmr::polymorphic_allocator<Value>(&memory).allocate(count)) -
-               count;
-    }
 };
 
 /// What can be read and replaced in an open package: the content of a part, or the content types stream. It
@@ -52,7 +41,7 @@ public:
 
     /// @param contentName  the name of an item for it
     /// @param pieces       the items of the archive that hold the content, in order; none for a new content
-    ZipContent(ZipContext& owner, std::string_view contentName, const std::vector<ItemIndex>& pieces);
+    ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces);
     ZipContent(const ZipContent&) = delete;
     ZipContent& operator=(const ZipContent&) = delete;
     ~ZipContent();
@@ -87,14 +76,14 @@ private:
     static constexpr std::int8_t USUAL_LEVEL = 6;
 
     struct Own {
-        std::string_view name;
-        ItemRange items;
+        std::string name;
+        std::vector<ItemIndex> items;
     };
     class Input;
     class Output;
 
     ZipContext& context;
-    const Own* own = nullptr;                  ///< in the memory of the context, with all that it has
+    std::unique_ptr<const Own> own;
     ItemIndex item = 0;                        ///< without `own`
     std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
     std::int8_t deflateLevel = USUAL_LEVEL;

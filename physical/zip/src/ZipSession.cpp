@@ -89,13 +89,13 @@ void ZipSession::takeWhole(ItemIndex item, const ItemName& name) {
         takeJoined({item}, name);
 }
 
-void ZipSession::takeJoined(const std::vector<ItemIndex>& items, const ItemName& name) {
+void ZipSession::takeJoined(std::vector<ItemIndex> items, const ItemName& name) {
     const ItemIndex first = items.front();
     if (name.kind == ItemName::Kind::ContentTypes) {
         requireFirst(!contentTypes, first, name);
-        contentTypes.emplace(context, CONTENT_TYPES_ITEM, items);
+        contentTypes.emplace(context, CONTENT_TYPES_ITEM, std::move(items));
     } else {
-        requireFirst(parts.add(name.partName, context, name.partName, items), first, name);
+        requireFirst(parts.add(name.partName, context, name.partName, std::move(items)), first, name);
     }
 }
 
@@ -118,7 +118,7 @@ void ZipSession::joinPieces(AllPieces& pieces) {
             items.push_back(piece.item);
         }
         if (complete) {
-            takeJoined(items, siblings.name);
+            takeJoined(std::move(items), siblings.name);
         } else {
             for (const ItemIndex item : items)
                 ignore(item, "a piece of an incomplete sequence");

@@ -46,7 +46,7 @@ private:
     void take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
     void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
     void takeWhole(ItemIndex item, const ItemName& name);
-    void takeJoined(const std::vector<ItemIndex>& items, const ItemName& name);
+    void takeJoined(std::vector<ItemIndex> items, const ItemName& name);
     void requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const;
     void joinPieces(AllPieces& pieces);
     void ignore(ItemIndex item, const std::string& reason);
