@@ -6,6 +6,7 @@
 #include <iterator>
 #include <list>
 #include <memory_resource>
+#include <random>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -85,6 +86,8 @@ private:
     using Hash = std::uint32_t;
     using Number = std::uint32_t; ///< of an entry
     static constexpr Number NONE = ~Number{0};
+    static constexpr std::uint64_t PRIME = (std::uint64_t{1} << 61) - 1;
+    __extension__ using Wide = unsigned __int128;
 
     struct Entry {
         Hash key;
@@ -101,12 +104,23 @@ private:
                           [](Character a, Character b) { return lower(a) == lower(b); });
     }
 
-    /// FNV-1a over the characters in lower case; the last ones count in the upper bits too.
-    Hash hash(Name name) const {
-        std::uint64_t value = seed;
-        for (const Character c : name)
-            value = (value ^ static_cast<std::uint64_t>(lower(c))) * 0x100000001B3;
+    /// The characters in lower case as the digits of a number in a base that nobody knows, modulo the prime
+    /// 2^61 - 1: so nobody can choose names that fall together.
+    static Hash hash(Name name) {
+        static const std::uint64_t BASE = chooseBase();
+        std::uint64_t value = 0;
+        for (const Character c : name) {
+            const Wide next = static_cast<Wide>(value) * BASE + static_cast<std::uint64_t>(lower(c)) + 1;
+            value = static_cast<std::uint64_t>(next & PRIME) + static_cast<std::uint64_t>(next >> 61);
+            value = value >= PRIME ? value - PRIME : value;
+        }
         return static_cast<Hash>((value ^ value >> 32) * 0x9E3779B97F4A7C15 >> 32);
+    }
+
+    static std::uint64_t chooseBase() {
+        std::random_device random;
+        const std::uint64_t high = random();
+        return (high << 32 | random()) % (PRIME - 0x10000) + 0x10000;
     }
 
     Number& chainOf(Hash key) {
@@ -128,8 +142,6 @@ private:
     Items items{&memory};
     std::vector<Entry> entries;
     std::vector<Number> chains; ///< where each begins
-    /// Another one in each list, so that nobody can choose names that fall together.
-    std::uint64_t seed = 0xCBF29CE484222325 ^ reinterpret_cast<std::uintptr_t>(this);
 };
 
 } // namespace opc::physical
