@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 
 #include <xercesc/dom/DOM.hpp>
 
@@ -36,15 +36,11 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
         selected.push_back(relationship.values.get());
     std::sort(selected.begin(), selected.end(), std::less<>());
 
-    const auto hash = [](const Relationship::Values* values) {
-        const std::hash<std::u16string_view> hashText;
-        return hashText(values->id) ^ (hashText(values->target) << 1);
+    // A tree, since many are alike as a rule and nobody can choose texts that make it slow.
+    const auto precedes = [](const Relationship::Values* left, const Relationship::Values* right) {
+        return keys(*left) < keys(*right);
     };
-    const auto areAlike = [](const Relationship::Values* left, const Relationship::Values* right) {
-        return keys(*left) == keys(*right);
-    };
-    std::unordered_map<const Relationship::Values*, std::uint64_t, decltype(hash), decltype(areAlike)> counts(
-        0, hash, areAlike);
+    std::map<const Relationship::Values*, std::uint64_t, decltype(precedes)> counts(precedes);
     for (auto first = selected.begin(); first != selected.end();) {
         const auto last = std::upper_bound(first, selected.end(), *first, std::less<>());
         counts[*first] += static_cast<std::uint64_t>(last - first);
@@ -55,8 +51,6 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
     entries.reserve(counts.size());
     for (const auto& [values, count] : counts)
         entries.push_back({values, count});
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry& left, const Entry& right) { return keys(*left.values) < keys(*right.values); });
     return entries;
 }
 

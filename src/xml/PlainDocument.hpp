@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// @file
 /// Recognises documents in the plain form that nearly all packages have, at a small part of the parser's
