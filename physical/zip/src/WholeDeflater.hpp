@@ -14,7 +14,7 @@ public:
     /// The most that `count` bytes may come to.
     static std::size_t bound(std::size_t count) noexcept;
 
-    /// @param level   from 1 to 9
+    /// @param level   from 1 to 9; for small contents the lowest stands for the usual ones too
     /// @param output  has room for `bound(count)` bytes
     /// @return how many bytes there are now in `output`
     std::size_t compress(int level, const unsigned char* bytes, std::size_t count, unsigned char* output);
