@@ -236,9 +236,9 @@ TEST_F(CorePropertiesPart, rulesOfTheStandardAreCheckedInOrder) {
     };
     for (const Case& c : cases) {
         CoreProperties properties = everyField();
-        EXPECT_TRUE(throws<InvalidPartContent>(c.message, [&] {
-            readInto(properties, corePropertiesDocument(c.elements, c.attributes));
-        })) << c.elements;
+        EXPECT_RAISES(InvalidPartContent, c.message,
+                      readInto(properties, corePropertiesDocument(c.elements, c.attributes)))
+            << c.elements;
         EXPECT_TRUE(properties.isEmpty()) << c.elements;
     }
     EXPECT_EQ(read("<dc:title xmlns:mc" + mc + ">t</dc:title>").getTitle().value(), u"t")
@@ -262,12 +262,11 @@ TEST_F(CorePropertiesPart, whatTheSchemaRefusesLeavesTheTargetAsItWas) {
     for (const std::string& document : cases)
         EXPECT_THROW(readInto(properties, document), InvalidPartContent) << document;
     EXPECT_EQ(write(properties), write(everyField()));
-    EXPECT_TRUE(throws<InvalidPartContent>("XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML "
-                                           "declaration)",
-                                           [this] {
-                                               readDocument("<?xml version='1.0' encoding='US-ASCII'?>" +
-                                                            corePropertiesDocument("").substr(38));
-                                           }));
+    EXPECT_RAISES(
+        InvalidPartContent,
+        "XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML "
+        "declaration)",
+        readDocument("<?xml version='1.0' encoding='US-ASCII'?>" + corePropertiesDocument("").substr(38)));
 }
 
 TEST_F(CorePropertiesPart, whatXMLCanNotHoldIsRefusedBeforeAByteGoesOut) {

@@ -123,9 +123,10 @@ TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
 
     makeStore("docProps/core.xml", corePropertiesDocument("<dcterms:created>2024</dcterms:created>"));
     package.open(OpenMode::ReadOnly);
-    EXPECT_TRUE(throws<InvalidPartContent>("Core properties must use the xsi:type attribute on the "
-                                           "\"created\" and \"modified\" elements. [M4.5]",
-                                           get));
+    EXPECT_RAISES(InvalidPartContent,
+                  "Core properties must use the xsi:type attribute on the "
+                  "\"created\" and \"modified\" elements. [M4.5]",
+                  get());
     EXPECT_THROW(update(), PackageReadOnly);
     EXPECT_THROW(remove(), PackageReadOnly);
     package.close(false);
@@ -143,8 +144,8 @@ TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
 
     store.setPart(u"/Metadata/CoreProperties.xml", {});
     package.open(OpenMode::ReadWrite);
-    EXPECT_TRUE(throws<PartAlreadyExists>(
-        "Cannot use a part name that already exists: /metadata/coreProperties.xml", update));
+    EXPECT_RAISES(PartAlreadyExists,
+                  "Cannot use a part name that already exists: /metadata/coreProperties.xml", update());
     package.close(false);
 }
 
@@ -186,7 +187,7 @@ TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
     store.setPart(u"/_rels/source.xml.rels", relationships(elements));
 
     const auto check = [this](const RelationshipSource& source, const std::function<void()>& remove) {
-        EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/A.xml", remove));
+        EXPECT_RAISES(PartNotFound, "No part found with the name:/A.xml", remove());
         EXPECT_FALSE(package.hasPart(PartName(u"/a.xml")));
         EXPECT_FALSE(package.hasPart(PartName(u"/b.xml")));
         EXPECT_TRUE(package.hasPart(PartName(u"/c.xml")));

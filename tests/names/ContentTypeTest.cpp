@@ -50,12 +50,11 @@ TEST(ContentType, refusesWhatTheGrammarDoes) {
         u"text/xml\x7F", u"te\u2044xt/xml", u"text\uFF0Fxml", std::u16string(u"text/xml\0", 9),
         std::u16string(u"a/") + char16_t(0xD800), u"a/\U0001F600", u"a(b)/c", u"a/b, c/d", u"a/b;[=1"};
     for (const std::u16string& text : cases)
-        EXPECT_TRUE(throws<InvalidContentType>("Could not successfully parse content type string", [&text] {
-            ContentType{text};
-        })) << narrow(text);
+        EXPECT_RAISES(InvalidContentType, "Could not successfully parse content type string",
+                      ContentType{text})
+            << narrow(text);
     const char16_t* const none = nullptr;
-    EXPECT_TRUE(throws<InvalidContentType>("Could not successfully parse content type string",
-                                           [none] { ContentType{none}; }));
+    EXPECT_RAISES(InvalidContentType, "Could not successfully parse content type string", ContentType{none});
     EXPECT_EQ(ContentType(u"a/b").toString(), u"a/b");
 }
 
@@ -68,8 +67,8 @@ TEST(ContentType, keepsPartsAndFindsParametersWithoutCase) {
         EXPECT_EQ(type.getParameterValue(name), u"utf 8");
     }
     EXPECT_FALSE(type.hasParameter(u"char"));
-    EXPECT_TRUE(throws<ContentTypeParameterNotFound>("No parameter exists for the given attribute",
-                                                     [&type] { type.getParameterValue(u"char"); }));
+    EXPECT_RAISES(ContentTypeParameterNotFound, "No parameter exists for the given attribute",
+                  type.getParameterValue(u"char"));
 }
 
 TEST(ContentType, comparesCanonicalTextsWithoutCase) {
@@ -87,7 +86,7 @@ TEST(ContentType, addParameter) {
     const auto expectRefusal = [](const std::u16string& name, const std::u16string& value,
                                   const char* message) {
         ContentType type(u"t/s;c=x");
-        EXPECT_TRUE(throws<InvalidContentTypeParameter>(message, [&] { type.addParameter(name, value); }))
+        EXPECT_RAISES(InvalidContentTypeParameter, message, type.addParameter(name, value))
             << narrow(name + u"=" + value);
         EXPECT_EQ(narrow(type.toString()), "t/s;c=x");
         EXPECT_FALSE(type.hasParameter(u"a"));
@@ -113,8 +112,8 @@ TEST(ContentType, addParameter) {
 
 TEST(ContentType, removeParameter) {
     ContentType type(u"t/s;a=1;b=2");
-    EXPECT_TRUE(throws<ContentTypeParameterNotFound>("No parameter exists for the given attribute",
-                                                     [&type] { type.removeParameter(u"c"); }));
+    EXPECT_RAISES(ContentTypeParameterNotFound, "No parameter exists for the given attribute",
+                  type.removeParameter(u"c"));
     EXPECT_EQ(type.toString(), u"t/s;a=1;b=2");
     type.removeParameter(u"A");
     EXPECT_EQ(type.toString(), u"t/s;b=2");

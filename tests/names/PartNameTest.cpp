@@ -44,19 +44,19 @@ TEST(PartName, namesTheFirstRuleThatIsBroken) {
     };
     for (const auto& [message, names] : cases) {
         for (const std::u16string& name : names) {
-            EXPECT_TRUE(throws<InvalidPartName>(message, [&name] { PartName{name}; })) << narrow(name);
-            EXPECT_TRUE(throws<InvalidPartName>(message, [&name] { PartName{URI(name)}; })) << narrow(name);
+            EXPECT_RAISES(InvalidPartName, message, PartName{name}) << narrow(name);
+            EXPECT_RAISES(InvalidPartName, message, PartName{URI(name)}) << narrow(name);
         }
     }
     const char16_t* const none = nullptr;
-    EXPECT_TRUE(throws<InvalidPartName>(m1, [none] { PartName{none}; }));
+    EXPECT_RAISES(InvalidPartName, m1, PartName{none});
 }
 
 TEST(PartName, whatIsNoURIComesOutAsThat) {
-    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string.", [] { PartName{u"/a%2"}; }));
-    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string.", [] { PartName{u"/[a]//"}; }));
-    EXPECT_TRUE(throws<InvalidURI>("Could not successfully parse URI string. URI must contain only US-ASCII.",
-                                   [] { PartName{u"/é."}; }));
+    EXPECT_RAISES(InvalidURI, "Could not successfully parse URI string.", PartName{u"/a%2"});
+    EXPECT_RAISES(InvalidURI, "Could not successfully parse URI string.", PartName{u"/[a]//"});
+    EXPECT_RAISES(InvalidURI, "Could not successfully parse URI string. URI must contain only US-ASCII.",
+                  PartName{u"/é."});
 }
 
 TEST(PartName, acceptsAllOtherNames) {
@@ -83,8 +83,8 @@ TEST(PartName, relationshipPartNames) {
         const PartName name(text);
         EXPECT_FALSE(name.isRelationshipName()) << narrow(row);
         EXPECT_EQ(narrow(name.getRelationshipPartName()), narrow(relationshipsPart));
-        EXPECT_TRUE(throws<InvalidPartName>("Part name is not a relationship part name.",
-                                            [&name] { name.getSourcePartName(); }));
+        EXPECT_RAISES(InvalidPartName, "Part name is not a relationship part name.",
+                      name.getSourcePartName());
     }
     for (const std::u16string row :
          {u"/_rels/.rels | /", u"/_rels/.rels?x | /", u"/a/_rels/.rels | /a/",
@@ -95,9 +95,8 @@ TEST(PartName, relationshipPartNames) {
         const PartName name(text);
         EXPECT_TRUE(name.isRelationshipName()) << narrow(row);
         EXPECT_EQ(narrow(name.getSourcePartName()), narrow(source));
-        EXPECT_TRUE(
-            throws<InvalidPartName>("Relationship part can't have an associated relationship part name",
-                                    [&name] { name.getRelationshipPartName(); }));
+        EXPECT_RAISES(InvalidPartName, "Relationship part can't have an associated relationship part name",
+                      name.getRelationshipPartName());
     }
 }
 

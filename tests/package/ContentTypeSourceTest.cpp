@@ -142,9 +142,9 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
         R"(<x:Types xmlns:x="http://schemas.openxmlformats.org/package/2006/content-types">)";
     store.setContentTypes(toBytes(root + R"(<x:Default Extension="xml" ContentType="a/b"/></x:Types>)"));
     store.setPart(u"/a.xml", {});
-    EXPECT_TRUE(throws<ContentTypeNotFound>("No content type was found for part:/a.xml", [&] {
-        package.open(OpenMode::ReadOnly);
-    })) << "elements are found by their names without a prefix";
+    EXPECT_RAISES(ContentTypeNotFound, "No content type was found for part:/a.xml",
+                  package.open(OpenMode::ReadOnly))
+        << "elements are found by their names without a prefix";
 
     const std::string empty = toText(contentTypes(""));
     const std::string broken[] = {// other documents

@@ -97,14 +97,14 @@ TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {
     CountingManager manager(package, false);
     package.open(OpenMode::ReadWrite);
     manager.onLoad = [] { throw opc::Exception("not now"); };
-    EXPECT_TRUE(throws<opc::Exception>("not now", [&] { manager.load(); }));
+    EXPECT_RAISES(opc::Exception, "not now", manager.load());
     manager.onLoad = [] {};
     manager.load();
     EXPECT_EQ(manager.loads, 2);
 
     manager.markAsDirty();
     manager.onSave = [] { throw opc::Exception("not yet"); };
-    EXPECT_TRUE(throws<opc::Exception>("not yet", [&] { package.close(false); }));
+    EXPECT_RAISES(opc::Exception, "not yet", package.close(false));
     EXPECT_TRUE(package.isOpen());
     manager.onSave = [] {};
     package.close(false);
@@ -112,7 +112,7 @@ TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {
 
     CountingManager eager(package, true);
     eager.onLoad = [] { throw PartNotFound("broken"); };
-    EXPECT_TRUE(throws<PartNotFound>("broken", [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_RAISES(PartNotFound, "broken", package.open(OpenMode::ReadWrite));
     EXPECT_FALSE(package.isOpen());
     EXPECT_EQ(physical.calls.back(), "close true");
 }
@@ -121,8 +121,8 @@ TEST_F(DataManagers, areMadeForAClosedPackageAndForgottenWhenDestroyed) {
     auto gone = std::make_unique<CountingManager>(package, true);
     CountingManager stays(package, false);
     package.open(OpenMode::ReadWrite);
-    EXPECT_TRUE(throws<PackageAlreadyOpen>("Can't add a data manager when package is already open",
-                                           [&] { CountingManager late(package, false); }));
+    EXPECT_RAISES(PackageAlreadyOpen, "Can't add a data manager when package is already open",
+                  CountingManager(package, false));
     stays.markAsDirty();
     gone->markAsDirty();
     gone->onSave = [] { FAIL() << "destroyed by then"; };

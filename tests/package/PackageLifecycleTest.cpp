@@ -33,10 +33,10 @@ void expectOpenFails(const std::string& message, const std::function<void(Memory
     spoil(store);
     ScriptedPackage physical(store);
     Package package(physical);
-    EXPECT_TRUE(throws<E>(message, [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_RAISES(E, message, package.open(OpenMode::ReadWrite));
     EXPECT_FALSE(package.isOpen());
     EXPECT_EQ(physical.calls.back(), "close true");
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getParts(); }));
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", package.getParts());
 
     fill(store, {});
     for (const std::u16string& name : store.partNames())
@@ -63,9 +63,9 @@ class PackageClose : public LifecycleTest {};
 
 TEST_F(PackageOpen, translatesFailuresOfThePhysicalLayer) {
     physical.failAt("open", "gone", errc::no_such_file_or_directory);
-    EXPECT_TRUE(throws<PackageNotFound>("gone", [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_RAISES(PackageNotFound, "gone", package.open(OpenMode::ReadOnly));
     physical.failAt("open", "denied", errc::permission_denied);
-    EXPECT_TRUE(throws<PackageOpenFailed>("denied", [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_RAISES(PackageOpenFailed, "denied", package.open(OpenMode::ReadOnly));
     EXPECT_EQ(physical.countCalls("close"), 0U);
 
     physical.forgetScript();
@@ -80,7 +80,7 @@ TEST_F(PackageOpen, translatesFailuresOfThePhysicalLayer) {
     EXPECT_EQ(physical.calls.back(), "close true");
 
     physical.failAt("close", "stuck");
-    EXPECT_TRUE(throws<opc::Exception>("stuck", [&] { package.open(OpenMode::ReadOnly); }))
+    EXPECT_RAISES(opc::Exception, "stuck", package.open(OpenMode::ReadOnly))
         << "a failure while cleaning up takes the place of the first one";
 }
 
@@ -105,7 +105,7 @@ TEST_F(PackageOpen, keepsTheCodeOfTheCause) {
 TEST_F(PackageOpen, staysOpenIfItCanNotBeClosedAfterAFailure) {
     store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1") + coreRelationship("r2")));
     physical.failAt("close", "stuck");
-    EXPECT_TRUE(throws<PackageCloseFailed>("stuck", [&] { package.open(OpenMode::ReadWrite); }));
+    EXPECT_RAISES(PackageCloseFailed, "stuck", package.open(OpenMode::ReadWrite));
     EXPECT_TRUE(package.isOpen());
     physical.forgetScript();
     package.close(true);
@@ -205,13 +205,11 @@ TEST_F(PackageOpen, givesRelationshipsPartsToTheirSources) {
 TEST_F(PackageOpen, aSecondCorePropertiesRelationshipAndASecondOpenAreRefused) {
     store.setPart(u"/_rels/.rels", relationships(coreRelationship("r1")));
     package.open(OpenMode::ReadWrite);
-    EXPECT_TRUE(throws<InvalidCorePropertiesRelationships>(
-        "No more than one core properties relationship can exist in a package", [&] {
-            package.createInternalRelationship(PackageHelper::getCorePropertiesRelationshipType(),
-                                               URI(u"b.xml"));
-        }));
-    EXPECT_TRUE(
-        throws<PackageAlreadyOpen>("Package is already open", [&] { package.open(OpenMode::ReadOnly); }));
+    EXPECT_RAISES(InvalidCorePropertiesRelationships,
+                  "No more than one core properties relationship can exist in a package",
+                  package.createInternalRelationship(PackageHelper::getCorePropertiesRelationshipType(),
+                                                     URI(u"b.xml")));
+    EXPECT_RAISES(PackageAlreadyOpen, "Package is already open", package.open(OpenMode::ReadOnly));
 }
 
 TEST_F(PackageClose, ofAPackageNeverOpenedDoesNothing) {
@@ -227,9 +225,9 @@ TEST_F(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
     package.createInternalRelationship(u"t:t", URI(u"/a.xml"));
 
     physical.failAt("close", "denied", errc::permission_denied);
-    EXPECT_TRUE(throws<PackagePermissionDenied>("denied", [&] { package.close(false); }));
+    EXPECT_RAISES(PackagePermissionDenied, "denied", package.close(false));
     physical.failAt("close", "missing", errc::no_such_file_or_directory);
-    EXPECT_TRUE(throws<PackageCloseFailed>("missing", [&] { package.close(false); }));
+    EXPECT_RAISES(PackageCloseFailed, "missing", package.close(false));
     physical.forgetScript();
     EXPECT_TRUE(package.isOpen());
     EXPECT_EQ(part.getContentType().toString(), u"text/xml");

@@ -35,25 +35,25 @@ TEST_F(PackageParts, guardsStandInFrontOfTheArguments) {
     const auto createRels = [&] { package.createPart(rels, ContentType(u"a/b"), StandardPartInfo()); };
     const auto deleteIt = [&] { package.deletePart(name); };
 
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", createRels));
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", deleteIt));
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.getPart(name); }));
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.hasPart(name); }));
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", createRels());
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", deleteIt());
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", package.getPart(name));
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", package.hasPart(name));
 
     package.open(OpenMode::ReadOnly);
-    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", createRels));
-    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", deleteIt));
-    EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/a.xml", [&] { package.getPart(name); }));
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", createRels());
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", deleteIt());
+    EXPECT_RAISES(PartNotFound, "No part found with the name:/a.xml", package.getPart(name));
     package.close(false);
 
     package.open(OpenMode::CreateOnly);
-    EXPECT_TRUE(throws<PartHasRelationshipName>(
-        "Cannot use a part name that is a relationship name: /_rels/.rels", createRels));
-    EXPECT_TRUE(throws<PackageCreateOnly>("Package is open only for create", deleteIt));
+    EXPECT_RAISES(PartHasRelationshipName, "Cannot use a part name that is a relationship name: /_rels/.rels",
+                  createRels());
+    EXPECT_RAISES(PackageCreateOnly, "Package is open only for create", deleteIt());
     package.close(false);
 
     package.open(OpenMode::ReadWrite);
-    EXPECT_TRUE(throws<PartNotFound>("No part found with the name:/a.xml", deleteIt));
+    EXPECT_RAISES(PartNotFound, "No part found with the name:/a.xml", deleteIt());
 }
 
 TEST_F(PackageParts, namesMustNotConflict) {
@@ -78,9 +78,9 @@ TEST_F(PackageParts, namesMustNotConflict) {
         const std::string shown = c.message == SUPERSET ? "/a/b" : opc::toASCIIString(name.toString());
         const auto attempt = [&] { create(c.name); };
         if (exists)
-            EXPECT_TRUE(throws<PartAlreadyExists>(c.message + shown, attempt));
+            EXPECT_RAISES(PartAlreadyExists, c.message + shown, attempt());
         else
-            EXPECT_TRUE(throws<PartIsDerivedFromExistingPartName>(c.message + shown, attempt));
+            EXPECT_RAISES(PartIsDerivedFromExistingPartName, c.message + shown, attempt());
     }
     for (const char16_t* name : {u"/a/bc", u"/a/b.c", u"/ab", u"/c/d2", u"/C/D/e"})
         create(name);
@@ -125,7 +125,7 @@ TEST_F(PackageParts, theRegistryIsUntouchedWhenThePhysicalLayerFails) {
     Part part = create(u"/a.xml");
     part.createExternalRelationship(u"t:t", u"x");
     physical.failAt("deletePart /a.xml", "first");
-    EXPECT_TRUE(throws<PartDeleteFailed>("first", [&] { package.deletePart(PartName(u"/A.xml")); }));
+    EXPECT_RAISES(PartDeleteFailed, "first", package.deletePart(PartName(u"/A.xml")));
     part.getRelationships();
     EXPECT_EQ(physical.countCalls("deletePart /_rels/a.xml.rels"), 1U)
         << "the second deletion is tried all the same";
@@ -144,7 +144,7 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
     Part part = createRelated();
     physical.failAt("deletePart /a.xml", "first");
     physical.failAt("deletePart /_rels/a.xml.rels", "second");
-    EXPECT_TRUE(throws<PartDeleteFailed>("first; second", attempt));
+    EXPECT_RAISES(PartDeleteFailed, "first; second", attempt());
     writeAll(part, "still there");
     package.close(false);
     EXPECT_EQ(store.partNames().size(), 2U);
@@ -152,7 +152,7 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
     physical.forgetScript();
     package.open(OpenMode::ReadWrite);
     physical.failAt("deletePart /a.xml", "first");
-    EXPECT_TRUE(throws<PartDeleteFailed>("first", attempt));
+    EXPECT_RAISES(PartDeleteFailed, "first", attempt());
     EXPECT_EQ(package.getPart(name).getRelationships().size(), 1U);
     package.close(false);
     EXPECT_TRUE(store.hasPart(u"/_rels/a.xml.rels")) << "no relationship is lost with the part that held it";
@@ -161,10 +161,9 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
     package.open(OpenMode::ReadWrite);
     part = package.getPart(name);
     physical.failAt("deletePart /_rels/a.xml.rels", "second");
-    EXPECT_TRUE(throws<PartDeleteFailed>("second", attempt));
+    EXPECT_RAISES(PartDeleteFailed, "second", attempt());
     EXPECT_TRUE(package.hasPart(name));
-    EXPECT_TRUE(
-        throws<InvalidPartStream>("The part's content has been deleted", [&] { part.getInputStream(); }));
+    EXPECT_RAISES(InvalidPartStream, "The part's content has been deleted", part.getInputStream());
     physical.forgetScript();
     attempt();
     package.close(false);
@@ -185,10 +184,9 @@ TEST_F(PackageParts, aPartWhoseContentTypeIsMissingGoesWithoutHarm) {
     Package other(respelling);
     other.open(OpenMode::ReadWrite);
     const Part part = other.createPart(PartName(u"/a"), ContentType(u"a/b"), StandardPartInfo());
-    EXPECT_TRUE(throws<ContentTypeNotFound>("No content type was found for part:/other",
-                                            [&] { other.deletePart(PartName(u"/a")); }));
-    EXPECT_TRUE(
-        throws<InvalidPartStream>("The part's content has been deleted", [&] { part.getInputStream(); }));
+    EXPECT_RAISES(ContentTypeNotFound, "No content type was found for part:/other",
+                  other.deletePart(PartName(u"/a")));
+    EXPECT_RAISES(InvalidPartStream, "The part's content has been deleted", part.getInputStream());
     other.deletePart(PartName(u"/a"));
 }
 
@@ -202,10 +200,9 @@ TEST_F(PackageParts, deletionTakesTheRelationshipsAndTheStoredSpelling) {
     package.deletePart(PartName(u"/A.xml"));
     EXPECT_EQ(physical.countCalls("deletePart /a.xml"), 1U);
     EXPECT_EQ(physical.countCalls("deletePart /_rels/a.xml.rels"), 1U);
-    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid", [&] { copy.getInputStream(); }));
+    EXPECT_RAISES(InvalidObject, "Object is no longer valid", copy.getInputStream());
     EXPECT_EQ(before.size(), 1U);
-    EXPECT_TRUE(
-        throws<InvalidObject>("Object is no longer valid", [&] { before.begin()->getRelationships(); }));
+    EXPECT_RAISES(InvalidObject, "Object is no longer valid", before.begin()->getRelationships());
     EXPECT_TRUE(package.getParts().empty());
     package.close(false);
     EXPECT_EQ(store.partNames().size(), 0U);
@@ -225,7 +222,7 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
 
     package.open(OpenMode::ReadOnly);
     const Part readOnly = package.getPart(PartName(u"/a.xml"));
-    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", [&] { readOnly.getOutputStream(); }));
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", readOnly.getOutputStream());
     EXPECT_EQ(readAll(readOnly), "old");
     readOnly.getInputStream().close();
     readOnly.getInputStream().open();

@@ -22,9 +22,8 @@ TEST(PackageHelper, thumbnailsTakeAnExtensionWithOrWithoutItsDot) {
     EXPECT_EQ(PackageHelper::getThumbnailURI(u"").toString(), u"/metadata/thumbnail");
     EXPECT_EQ(PackageHelper::getThumbnailURI(u"png").toString(), u"/metadata/thumbnail.png");
     EXPECT_EQ(PackageHelper::getThumbnailURI(u".png").toString(), u"/metadata/thumbnail.png");
-    EXPECT_TRUE(opc::test::throws<InvalidURI>(
-        "Could not successfully parse URI string. URI must contain only US-ASCII.",
-        [] { PackageHelper::getThumbnailURI(u"é"); }));
+    EXPECT_RAISES(InvalidURI, "Could not successfully parse URI string. URI must contain only US-ASCII.",
+                  PackageHelper::getThumbnailURI(u"é"));
 }
 
 TEST(Enumerator, isASnapshot) {

@@ -120,3 +120,7 @@ inline testing::AssertionResult othersAccept(const std::filesystem::path& path) 
 }
 
 } // namespace opc::test
+
+/// Expects that the expression raises `opc::Exception` with that code and a message that holds `words`.
+#define EXPECT_FAILS(code, words, ...)                                                                       \
+    EXPECT_TRUE(::opc::test::fails(code, words, [&] { static_cast<void>(__VA_ARGS__); }))

@@ -142,7 +142,7 @@ TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {
                                    << size << " in pieces of " << piece << ", level " << way.first;
                                EXPECT_EQ(stream.read(&byte, 1), 0U);
                                stream.close();
-                               EXPECT_TRUE(fails(EBADF, "has been closed", [&] { stream.read(&byte, 1); }));
+                               EXPECT_FAILS(EBADF, "has been closed", stream.read(&byte, 1));
                            });
             }
         }
@@ -190,9 +190,9 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
                     EXPECT_TRUE(got == text) << where;
                     return;
                 }
-                EXPECT_TRUE(fails(EBADMSG, c.message, read)) << where;
+                EXPECT_FAILS(EBADMSG, c.message, read()) << where;
                 EXPECT_FALSE(stream.isDone()) << where;
-                EXPECT_TRUE(fails(EBADMSG, "behind a damaged place", read)) << where;
+                EXPECT_FAILS(EBADMSG, "behind a damaged place", read()) << where;
                 EXPECT_TRUE(got == text.substr(0, got.size())) << where << ": what comes first is right";
                 EXPECT_TRUE(got.empty() || got.size() < item.size || item.size > size) << where;
             });

@@ -75,7 +75,7 @@ TEST(ZipItemNames, mayNotClash) {
                                   "a/[0].piece | A/[0].last.piece"}) {
         const auto [first, second] = columns<2>(row);
         ZipPackage package(makeZip({stored(first, ""), stored(second, "")}));
-        EXPECT_TRUE(fails(EBADMSG, "archive in memory: ", [&] { package.open(OpenMode::ReadOnly); })) << row;
+        EXPECT_FAILS(EBADMSG, "archive in memory: ", package.open(OpenMode::ReadOnly)) << row;
     }
 }
 
@@ -84,8 +84,7 @@ TEST(ZipItemNames, ofNewPartsMustBePartNames) {
     package.open(OpenMode::CreateOnly);
     for (const char16_t* name : {u"", u"/", u"a", u"/a/", u"/a//b", u"/a.", u"/a b", u"/\u00e9", u"/a%2Fb",
                                  u"/[Content_Types].xml", u"/a/[0].piece", u"/C:/a"}) {
-        EXPECT_TRUE(fails(EINVAL, "no part name: ", [&] { create(package, name, ""); }))
-            << opc::toUDEString(name);
+        EXPECT_FAILS(EINVAL, "no part name: ", create(package, name, "")) << opc::toUDEString(name);
     }
     EXPECT_TRUE(package.getParts().empty());
 }

@@ -61,7 +61,7 @@ TEST(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
     create(package, u"/b", noise(500000));
     for (const rlim_t size : {0U, 1U, 5000U, 300000U, 401000U, 900000U}) {
         const FullDisk disk(size);
-        EXPECT_TRUE(fails(EFBIG, path.string() + ": can't save: ", [&] { package.close(false); })) << size;
+        EXPECT_FAILS(EFBIG, path.string() + ": can't save: ", package.close(false)) << size;
         EXPECT_EQ(readFile(path), old);
         EXPECT_EQ(folder.count(), 1U);
         EXPECT_EQ(content(*find(package, u"/a")), noise(400000)) << "still open";
@@ -80,9 +80,9 @@ TEST(ZipSaving, refusesAPartWhoseWritingHasFailed) {
     package.open(OpenMode::CreateOnly);
     {
         const FullDisk disk(3000000);
-        EXPECT_TRUE(fails(EFBIG, "can't write to the temporary file",
-                          [&] { create(package, u"/a", std::string(5000000, 'a')); }));
-        EXPECT_TRUE(fails(EIO, "a: writing it has failed", [&] { package.close(false); }));
+        EXPECT_FAILS(EFBIG, "can't write to the temporary file",
+                     create(package, u"/a", std::string(5000000, 'a')));
+        EXPECT_FAILS(EIO, "a: writing it has failed", package.close(false));
     }
     create(package, u"/a", std::string(5000000, 'a'));
     package.close(false);
@@ -108,7 +108,7 @@ TEST(ZipSaving, refusesAnArchiveWhoseEndCouldBeFoundInAnItem) {
     const std::string begin = "PK\5\6";
     const auto content = std::search(archive.begin(), archive.end(), begin.begin(), begin.end());
     const auto behind = static_cast<std::size_t>(archive.end() - content) - 22;
-    EXPECT_TRUE(fails(EBADMSG, "looks like the end of the archive", [&] { save(behind); }));
+    EXPECT_FAILS(EBADMSG, "looks like the end of the archive", save(behind));
     EXPECT_NO_THROW(save(behind - 1));
 }
 
@@ -149,7 +149,7 @@ TEST(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
     create(package, u"/b", "beta");
     const int other = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(::flock(other, LOCK_EX), 0);
-    EXPECT_TRUE(fails(EBUSY, "a.zip: is being saved by another process", [&] { package.close(false); }));
+    EXPECT_FAILS(EBUSY, "a.zip: is being saved by another process", package.close(false));
     EXPECT_TRUE(fs::exists(temporary));
     ::close(other);
     package.close(false);
@@ -177,7 +177,7 @@ TEST(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
         create(package, u"/b", "beta");
         change();
         for (int attempt = 0; attempt < 2; ++attempt)
-            EXPECT_TRUE(fails(ESTALE, "has been changed by another program", [&] { package.close(false); }));
+            EXPECT_FAILS(ESTALE, "has been changed by another program", package.close(false));
         EXPECT_EQ(readFile(path), others);
         EXPECT_EQ(folder.count(), 1U);
         package.close(true);
@@ -212,8 +212,7 @@ TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {
     };
     for (const Case& c : cases) {
         ZipPackage package(folder / c.name);
-        EXPECT_TRUE(
-            fails(c.code, (folder / c.name).string() + ": can't open", [&] { package.open(c.mode); }));
+        EXPECT_FAILS(c.code, (folder / c.name).string() + ": can't open", package.open(c.mode));
     }
 }
 
@@ -224,7 +223,7 @@ TEST(ZipSaving, reportsAFolderInWhichNothingCanBeMade) {
     package.open(OpenMode::CreateOnly);
     create(package, u"/a", "alpha");
     fs::remove(folder / "gone");
-    EXPECT_TRUE(fails(ENOENT, "a.zip: can't make a file in its folder", [&] { package.close(false); }));
+    EXPECT_FAILS(ENOENT, "a.zip: can't make a file in its folder", package.close(false));
     fs::create_directory(folder / "gone");
     package.close(false);
     EXPECT_TRUE(othersAccept(folder / "gone/a.zip"));

@@ -53,7 +53,7 @@ TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
          "Target of an internal relationship cannot be an opaque URI"},
     };
     for (const Case& c : cases) {
-        EXPECT_TRUE(throws<InvalidPartContent>(c.message, [&] { read(relationships(c.element)); }));
+        EXPECT_RAISES(InvalidPartContent, c.message, read(relationships(c.element)));
         EXPECT_TRUE(manager.isDirty());
     }
     // What stands in front of a bad element has been taken by then.

@@ -67,11 +67,11 @@ TEST_F(RelationshipSources, refuseBadInternalTargets) {
         {u"../a/./b.xml", "Relationship target cannot be the same as the source."},
     };
     for (const auto& [target, message] : refused)
-        EXPECT_TRUE(throws<InvalidRelationshipTarget>(message, create(target)));
-    EXPECT_TRUE(throws<UnsupportedRelativize>("URI's paths must be different.", create(u"/a/b.xml")));
-    EXPECT_TRUE(throws<InvalidRelationshipTarget>(
-        "External relationship target is not a valid xsd::anyURI. See http://www.w3.org/TR/leiri/.",
-        [&] { part.createExternalRelationship(u"", u"%", u"1"); }));
+        EXPECT_RAISES(InvalidRelationshipTarget, message, create(target)());
+    EXPECT_RAISES(UnsupportedRelativize, "URI's paths must be different.", create(u"/a/b.xml")());
+    EXPECT_RAISES(InvalidRelationshipTarget,
+                  "External relationship target is not a valid xsd::anyURI. See http://www.w3.org/TR/leiri/.",
+                  part.createExternalRelationship(u"", u"%", u"1"));
     EXPECT_TRUE(part.getRelationships().empty());
     EXPECT_EQ(physical.countCalls("createPart"), 0U);
 }
@@ -82,12 +82,11 @@ TEST_F(RelationshipSources, checkTypeAndThenID) {
     const auto create = [&](const char16_t* type, const char16_t* id) {
         return [&part, type, id] { part.createExternalRelationship(type, u"x", id); };
     };
-    EXPECT_TRUE(throws<InvalidRelationshipType>("Relationship type must not be empty.", create(u"", u"1")));
-    EXPECT_TRUE(
-        throws<InvalidRelationshipType>("Relationship type is not a valid xsd::anyURI", create(u"é", u"1")));
-    EXPECT_TRUE(
-        throws<InvalidRelationshipID>("Relationship ID is not a valid xsd::ID", create(u"t:t", u"1")));
-    EXPECT_TRUE(throws<RelationshipAlreadyExists>("Relationship ID already exists", create(u"t:t", u"used")));
+    EXPECT_RAISES(InvalidRelationshipType, "Relationship type must not be empty.", create(u"", u"1")());
+    EXPECT_RAISES(InvalidRelationshipType, "Relationship type is not a valid xsd::anyURI",
+                  create(u"é", u"1")());
+    EXPECT_RAISES(InvalidRelationshipID, "Relationship ID is not a valid xsd::ID", create(u"t:t", u"1")());
+    EXPECT_RAISES(RelationshipAlreadyExists, "Relationship ID already exists", create(u"t:t", u"used")());
     create(u"t:t", u"Used")();
 }
 
@@ -146,32 +145,30 @@ TEST_F(RelationshipSources, thePartComesWithTheFirstAndGoesWithTheLast) {
     EXPECT_EQ(physical.countCalls("createPart /a/_rels/b.xml.rels"), 2U);
 
     physical.failAt("deletePart", "stuck");
-    EXPECT_TRUE(throws<PartDeleteFailed>("stuck", [&] { part.deleteRelationship(u"c"); }));
+    EXPECT_RAISES(PartDeleteFailed, "stuck", part.deleteRelationship(u"c"));
     EXPECT_FALSE(part.hasRelationship(u"c"));
-    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
-                                             [&] { part.deleteRelationship(u"c"); }));
+    EXPECT_RAISES(RelationshipNotFound, "Relationship ID does not exist", part.deleteRelationship(u"c"));
 }
 
 TEST_F(RelationshipSources, guardsStandInFrontOfTheArguments) {
     const auto create = [this] { package.createInternalRelationship(u"", URI(u"http://h/"), u"1"); };
     const auto remove = [this] { package.deleteRelationship(u"none"); };
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", create));
-    EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { package.hasRelationship(u"x"); }));
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", create());
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", package.hasRelationship(u"x"));
     package.open(OpenMode::ReadOnly);
-    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", create));
-    EXPECT_TRUE(throws<PackageReadOnly>("Package is read-only", remove));
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", create());
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", remove());
     EXPECT_FALSE(package.hasRelationship(u"x"));
     package.close(false);
     package.open(OpenMode::CreateOnly);
-    EXPECT_TRUE(throws<PackageCreateOnly>("Package is open only for create", remove));
-    EXPECT_TRUE(throws<RelationshipNotFound>("Relationship ID does not exist",
-                                             [&] { package.getRelationshipByID(u"none"); }));
+    EXPECT_RAISES(PackageCreateOnly, "Package is open only for create", remove());
+    EXPECT_RAISES(RelationshipNotFound, "Relationship ID does not exist",
+                  package.getRelationshipByID(u"none"));
     package.close(true);
     package.open(OpenMode::ReadWrite);
     Part part = package.getPart(PartName(u"/c.xml"));
     package.deletePart(PartName(u"/c.xml"));
-    EXPECT_TRUE(throws<InvalidObject>("Object is no longer valid",
-                                      [&] { part.createExternalRelationship(u"", u"%"); }));
+    EXPECT_RAISES(InvalidObject, "Object is no longer valid", part.createExternalRelationship(u"", u"%"));
 }
 
 TEST_F(RelationshipSources, whatWasHandedOutOutlivesItsSource) {
@@ -197,8 +194,7 @@ TEST_F(RelationshipSources, anEmptyExternalTargetCanBeWrittenButNotRead) {
     Part part = open();
     part.createExternalRelationship(u"t:t", u"");
     package.close(false);
-    EXPECT_TRUE(
-        throws<InvalidRelationshipContent>("In /a/_rels/b.xml.rels: Target is empty", [&] { open(); }));
+    EXPECT_RAISES(InvalidRelationshipContent, "In /a/_rels/b.xml.rels: Target is empty", open());
 }
 
 } // namespace

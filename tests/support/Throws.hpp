@@ -25,3 +25,7 @@ testing::AssertionResult throws(const std::string& message, Action&& action) {
 }
 
 } // namespace opc::test
+
+/// Expects that the expression raises exactly the class `E` with exactly `message`.
+#define EXPECT_RAISES(E, message, ...)                                                                       \
+    EXPECT_TRUE(::opc::test::throws<E>(message, [&] { static_cast<void>(__VA_ARGS__); }))

@@ -109,8 +109,8 @@ TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
         const auto* document = readString(std::u16string(declaration) + u"<a>\u00E9\U0001F600</a>");
         EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
     }
-    EXPECT_TRUE(throws<InvalidXMLDocument>(
-        BAD_ENCODING, [&] { readString(u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>"); }));
+    EXPECT_RAISES(InvalidXMLDocument, BAD_ENCODING,
+                  readString(u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>"));
     for (const std::u16string bad : {u"", u" <?xml version='1.0'?><a/>", u"<a>\xD800</a>", u"<a>\xDC00</a>",
                                      u"<a>\uFFFE</a>", u"<a>&#1;</a>"})
         EXPECT_THROW(readString(bad), InvalidXMLDocument);
@@ -355,8 +355,7 @@ TEST_F(Writing, prettyPrintsWithAWriterForIt) {
 
 TEST_F(Writing, refusesADoctype) {
     document->insertBefore(document->createDocumentType(u"a"), root);
-    EXPECT_TRUE(
-        throws<InvalidXMLDocument>("XML content can not contain a DTD", [&] { write(document.get()); }));
+    EXPECT_RAISES(InvalidXMLDocument, "XML content can not contain a DTD", write(document.get()));
 }
 
 /// Counts what happens to it, and fails or says that it is done where it is told to.
@@ -418,8 +417,8 @@ TEST_F(Writing, handsOnAllBytesInOrderUntilTheStreamIsDone) {
 
     FaultyOutput broken;
     broken.fails = true;
-    EXPECT_TRUE(throws<opc::Exception>(
-        "disk full", [&] { XercesHelper::writeDocumentToStream(writer.get(), document.get(), broken); }));
+    EXPECT_RAISES(opc::Exception, "disk full",
+                  XercesHelper::writeDocumentToStream(writer.get(), document.get(), broken));
     EXPECT_EQ(write(document.get()), all);
 }
 

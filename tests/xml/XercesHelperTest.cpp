@@ -80,7 +80,7 @@ TEST(XercesErrorHandler, keepsTheLastErrorAndPassesOverWarnings) {
     EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_ERROR, u"first")));
     EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_FATAL_ERROR, u"second")));
     EXPECT_TRUE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_WARNING, u"warning")));
-    EXPECT_TRUE(throws<InvalidXMLDocument>("second", [&] { handler.throwIfError(); }));
+    EXPECT_RAISES(InvalidXMLDocument, "second", handler.throwIfError());
     EXPECT_FALSE(handler.handleError(Error(xercesc::DOMError::DOM_SEVERITY_ERROR, nullptr)));
     EXPECT_THROW(handler.throwIfError(), InvalidXMLDocument);
 }
@@ -99,18 +99,15 @@ TEST_F(XercesHelperTest, changesFailWithTheMessageOfXerces) {
     const char* const badCharacter = "invalid or illegal XML character";
     const char* const badNamespace = "attempt is made to create or change an object in a way which is "
                                      "incorrect with respect to namespaces";
-    EXPECT_TRUE(throws<InvalidXMLDocument>("attempt is made to insert a node where it is not permitted",
-                                           [&] { XercesHelper::appendElement(document.get(), good); }));
-    EXPECT_TRUE(throws<InvalidXMLDocument>("attempt is made to insert a node where it is not permitted", [&] {
-        XercesHelper::appendElementNS(document.get(), empty, good);
-    }));
-    EXPECT_TRUE(throws<InvalidXMLDocument>(badCharacter, [&] { XercesHelper::appendElement(root, bad); }));
-    EXPECT_TRUE(
-        throws<InvalidXMLDocument>(badCharacter, [&] { XercesHelper::setElementAttribute(root, bad, u""); }));
-    EXPECT_TRUE(throws<InvalidXMLDocument>(badNamespace,
-                                           [&] { XercesHelper::appendElementNS(root, empty, unbound); }));
-    EXPECT_TRUE(throws<InvalidXMLDocument>(
-        badNamespace, [&] { XercesHelper::setElementAttributeNS(root, empty, unbound, u""); }));
+    EXPECT_RAISES(InvalidXMLDocument, "attempt is made to insert a node where it is not permitted",
+                  XercesHelper::appendElement(document.get(), good));
+    EXPECT_RAISES(InvalidXMLDocument, "attempt is made to insert a node where it is not permitted",
+                  XercesHelper::appendElementNS(document.get(), empty, good));
+    EXPECT_RAISES(InvalidXMLDocument, badCharacter, XercesHelper::appendElement(root, bad));
+    EXPECT_RAISES(InvalidXMLDocument, badCharacter, XercesHelper::setElementAttribute(root, bad, u""));
+    EXPECT_RAISES(InvalidXMLDocument, badNamespace, XercesHelper::appendElementNS(root, empty, unbound));
+    EXPECT_RAISES(InvalidXMLDocument, badNamespace,
+                  XercesHelper::setElementAttributeNS(root, empty, unbound, u""));
     EXPECT_EQ(root->getFirstChild(), nullptr);
 }
 
