@@ -22,7 +22,6 @@ const char* const DEEP = "XML content can not be nested deeper than 1000 element
 const char* const MANY_COMMENTS = "XML content can not contain more than 10000 comments";
 const char* const MANY_ATTRIBUTES = "XML content can not have more than 1000 attributes on an element";
 const char* const MANY_OPEN = "XML content can not have more than 4000 attributes on nested elements";
-
 const char* const MANY_NAMES = "XML content can not have more than 2000 different names";
 
 /// UTF-16, low byte first.
@@ -38,11 +37,25 @@ std::string swapped(std::string bytes) {
 
 class Reading : public testing::Test {
 protected:
-    xercesc::DOMDocument* readString(const std::u16string& text) {
-        return XercesHelper::readDocumentFromString(parser.get(), text, false, u"", u"");
+    /// The text of the root element.
+    std::u16string read(opc::InputStream& stream) {
+        return textOf(XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u""));
+    }
+    std::u16string read(const std::string& document) {
+        const Bytes bytes = toBytes(document);
+        opc::ByteArrayInAdaptor stream(bytes);
+        return read(stream);
+    }
+    std::u16string read(const std::u16string& document) {
+        return textOf(XercesHelper::readDocumentFromString(parser.get(), document, false, u"", u""));
     }
 
     SchemaParser parser;
+
+private:
+    static std::u16string textOf(const xercesc::DOMDocument* document) {
+        return document->getDocumentElement()->getTextContent();
+    }
 };
 
 /// Whether a parser or a serialiser still holds the error handler of an operation that is over.
@@ -64,21 +77,15 @@ TEST_F(Reading, refusesADTDInAnyForm) {
 }
 
 TEST_F(Reading, takesUTF8AndUTF16Alone) {
-    const std::u16string plain = u"<a>\u00E9\U0001F600</a>";
-    const std::u16string declared = u"<?xml version='1.0' encoding='UTF-16'?><a>\u00E9\U0001F600</a>";
-    const std::u16string mark = u"\uFEFF";
-    const struct {
-        std::string bytes;
-        const char* refusal;
-    } cases[] = {
-        {"<a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
-        {"\xEF\xBB\xBF<a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
-        {"<?xml version='1.0'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
-        {"<?xml version='1.0' encoding='UTF-8'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
-        {"<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA9\xF0\x9F\x98\x80</a>", ""},
-        {toUTF16(mark + declared), ""},
-        {swapped(toUTF16(mark + declared)), ""},
-        {toUTF16(mark + plain), ""},
+    const std::string narrow = "<a>\xC3\xA9\xF0\x9F\x98\x80</a>";
+    const std::u16string wide = u"<a>\u00E9\U0001F600</a>", mark = u"\uFEFF";
+    const std::string declared = toUTF16(mark + u"<?xml version='1.0' encoding='UTF-16'?>" + wide);
+    for (const std::string& document : {narrow, "\xEF\xBB\xBF" + narrow, "<?xml version='1.0'?>" + narrow,
+                                        "<?xml version='1.0' encoding='UTF-8'?>" + narrow,
+                                        "<?xml version='1.0' encoding='utf-8'?>" + narrow, declared,
+                                        swapped(declared), toUTF16(mark + wide)})
+        EXPECT_EQ(read(document), u"\u00E9\U0001F600") << document;
+    const std::pair<std::string, const char*> refused[] = {
         {"<?xml version='1.0' encoding='Utf-8'?><a/>", BAD_ENCODING},
         {"<?xml version='1.0' encoding='UTF8'?><a/>", BAD_ENCODING},
         {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", BAD_ENCODING},
@@ -89,32 +96,26 @@ TEST_F(Reading, takesUTF8AndUTF16Alone) {
         {"<a>\xED\xA0\x80</a>", "irregular bytes"},
         {"", "invalid document structure"},
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.bytes);
-        const std::string refusal = parser.refusal(test.bytes, false);
-        EXPECT_EQ(refusal.substr(0, std::strlen(test.refusal)), test.refusal);
-        if (*test.refusal)
-            continue;
-        const std::vector<unsigned char> bytes = toBytes(test.bytes);
-        opc::ByteArrayInAdaptor stream(bytes);
-        const auto* document = XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u"");
-        EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
-    }
+    for (const auto& [document, message] : refused)
+        EXPECT_EQ(parser.refusal(document, false).substr(0, std::strlen(message)), message) << document;
 }
 
 TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
-    for (const char16_t* declaration :
+    for (const std::u16string declaration :
          {u"", u" \n", u"\uFEFF", u"<?xml version='1.0'?>", u"<?xml version='1.0' encoding='UTF-8'?>",
-          u"<?xml version='1.0' encoding='UTF-16'?>", u"\uFEFF<?xml version='1.0' encoding='utf-16'?>"}) {
-        const auto* document = readString(std::u16string(declaration) + u"<a>\u00E9\U0001F600</a>");
-        EXPECT_EQ(document->getDocumentElement()->getTextContent(), std::u16string(u"\u00E9\U0001F600"));
-    }
-    EXPECT_RAISES(InvalidXMLDocument, BAD_ENCODING,
-                  readString(u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>"));
-    for (const std::u16string bad : {u"", u" <?xml version='1.0'?><a/>", u"<a>\xD800</a>", u"<a>\xDC00</a>",
-                                     u"<a>\uFFFE</a>", u"<a>&#1;</a>"})
-        EXPECT_THROW(readString(bad), InvalidXMLDocument);
-    EXPECT_THROW(readString(std::u16string(u"<a>\0</a>", 8)), InvalidXMLDocument);
+          u"<?xml version='1.0' encoding='UTF-16'?>", u"\uFEFF<?xml version='1.0' encoding='utf-16'?>"})
+        EXPECT_EQ(read(declaration + u"<a>\u00E9\U0001F600</a>"), u"\u00E9\U0001F600");
+    const std::u16string latin = u"<?xml version='1.0' encoding='ISO-8859-1'?><a/>";
+    EXPECT_RAISES(InvalidXMLDocument, BAD_ENCODING, read(latin));
+    const std::u16string refused[] = {u"",
+                                      u" <?xml version='1.0'?><a/>",
+                                      u"<a>\xD800</a>",
+                                      u"<a>\xDC00</a>",
+                                      u"<a>\uFFFE</a>",
+                                      u"<a>&#1;</a>",
+                                      {u"<a>\0</a>", 8}};
+    for (const std::u16string& document : refused)
+        EXPECT_THROW(read(document), InvalidXMLDocument);
 }
 
 std::string nested(std::size_t depth, const std::string& open = "<a>") {
@@ -231,20 +232,14 @@ private:
 };
 
 TEST_F(Reading, worksOnStreamsThatGiveByteByByteOrBoast) {
-    const std::string text = "<a>" + repeated("text ", 100000) + "</a>";
-    FaultyInput slow(text);
-    EXPECT_EQ(
-        XercesHelper::getElements(
-            XercesHelper::readDocumentFromStream(parser.get(), slow, false, u"", u"")->getDocumentElement(),
-            XercesString(u"*"))
-            .size(),
-        0U);
-    EXPECT_TRUE(slow.isDone());
-    FaultyInput boastful(text);
-    boastful.piece = text.size();
-    boastful.boasts = true;
-    const auto* document = XercesHelper::readDocumentFromStream(parser.get(), boastful, false, u"", u"");
-    EXPECT_EQ(std::u16string(document->getDocumentElement()->getTextContent()).size(), 500000U);
+    const std::string text = repeated("text ", 100000);
+    for (const bool boasts : {false, true}) {
+        FaultyInput stream("<a>" + text + "</a>");
+        stream.piece = boasts ? text.size() : 1;
+        stream.boasts = boasts;
+        EXPECT_TRUE(read(stream) == opc::toString(text, true));
+        EXPECT_TRUE(stream.isDone());
+    }
 }
 
 /// A failure that belongs to no family.
@@ -258,10 +253,9 @@ TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
             stream.piece = 48000;
             stream.failingRead = failingRead;
             stream.fail = std::move(fail);
-            XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u"");
+            read(stream);
         };
-        EXPECT_TRUE(throws<opc::Exception>(
-            "physical", [&] { readFailingWith([] { throw opc::Exception("physical"); }); }));
+        EXPECT_RAISES(opc::Exception, "physical", readFailingWith([] { throw opc::Exception("physical"); }));
         EXPECT_EQ(parser.refusal("<a/>", false), "");
         EXPECT_THROW(readFailingWith([] { throw std::bad_alloc(); }), std::bad_alloc);
         EXPECT_EQ(parser.refusal("<a/>", false), "");
@@ -316,48 +310,6 @@ TEST(ReadingWithGrammar, keepsAllThatADocumentHoldsAndNormalisesValues) {
     EXPECT_EQ(written, std::u16string(expected.begin(), expected.end()));
 }
 
-class Writing : public testing::Test {
-protected:
-    std::string write(const xercesc::DOMDocument* source) {
-        std::vector<unsigned char> bytes;
-        opc::ByteArrayOutAdaptor stream(bytes);
-        XercesHelper::writeDocumentToStream(writer.get(), source, stream);
-        return std::string(bytes.begin(), bytes.end());
-    }
-
-    XercesGuard guard;
-    std::unique_ptr<xercesc::DOMDocument, XercesDeleter> document = XercesHelper::createDocument();
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer = XercesHelper::createWriter();
-    xercesc::DOMElement* root = XercesHelper::appendElement(document.get(), XercesString(u"a"));
-};
-
-TEST_F(Writing, givesBytesInUTF8AndTextInUTF16) {
-    XercesHelper::setElementText(root, u"\u00E9\U0001F600<&>");
-    EXPECT_EQ(write(document.get()), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
-                                     "<a>\xC3\xA9\xF0\x9F\x98\x80&lt;&amp;&gt;</a>");
-    std::u16string text = u"before";
-    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include);
-    const std::u16string element = u"<a>\u00E9\U0001F600&lt;&amp;&gt;</a>";
-    EXPECT_EQ(text, u"<?xml version=\"1.0\" encoding=\"UTF-16\" standalone=\"no\" ?>" + element);
-    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Omit);
-    EXPECT_EQ(text, element);
-    XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include);
-    EXPECT_EQ(text, element) << "a serialiser that was told Omit goes on omitting";
-}
-
-TEST_F(Writing, prettyPrintsWithAWriterForIt) {
-    writer = XercesHelper::createPrettyPrintingWriter();
-    document->setXmlStandalone(true);
-    XercesHelper::appendElement(root, XercesString(u"b"));
-    EXPECT_EQ(write(document.get()),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<a>\n  <b/>\n</a>\n");
-}
-
-TEST_F(Writing, refusesADoctype) {
-    document->insertBefore(document->createDocumentType(u"a"), root);
-    EXPECT_RAISES(InvalidXMLDocument, "XML content can not contain a DTD", write(document.get()));
-}
-
 /// Counts what happens to it, and fails or says that it is done where it is told to.
 class FaultyOutput : public opc::OutputStream {
 public:
@@ -378,18 +330,62 @@ public:
     void close() override { ADD_FAILURE() << "closed"; }
 };
 
+class Writing : public testing::Test {
+protected:
+    void writeTo(FaultyOutput& stream) {
+        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    }
+    std::string write() {
+        FaultyOutput stream;
+        writeTo(stream);
+        EXPECT_EQ(stream.flushes, 1);
+        return stream.bytes;
+    }
+    void writeTo(std::u16string& text, XmlDeclaration declaration = XmlDeclaration::Include) {
+        XercesHelper::writeDocumentToString(writer.get(), document.get(), text, declaration);
+    }
+
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMDocument, XercesDeleter> document = XercesHelper::createDocument();
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer = XercesHelper::createWriter();
+    xercesc::DOMElement* root = XercesHelper::appendElement(document.get(), XercesString(u"a"));
+};
+
+TEST_F(Writing, givesBytesInUTF8AndTextInUTF16) {
+    XercesHelper::setElementText(root, u"\u00E9\U0001F600<&>");
+    EXPECT_EQ(write(), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
+                       "<a>\xC3\xA9\xF0\x9F\x98\x80&lt;&amp;&gt;</a>");
+    const std::u16string element = u"<a>\u00E9\U0001F600&lt;&amp;&gt;</a>";
+    std::u16string text = u"before";
+    writeTo(text);
+    EXPECT_EQ(text, u"<?xml version=\"1.0\" encoding=\"UTF-16\" standalone=\"no\" ?>" + element);
+    writeTo(text, XmlDeclaration::Omit);
+    EXPECT_EQ(text, element);
+    writeTo(text);
+    EXPECT_EQ(text, element) << "a serialiser that was told Omit goes on omitting";
+}
+
+TEST_F(Writing, prettyPrintsWithAWriterForIt) {
+    writer = XercesHelper::createPrettyPrintingWriter();
+    document->setXmlStandalone(true);
+    XercesHelper::appendElement(root, XercesString(u"b"));
+    EXPECT_EQ(write(), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<a>\n  <b/>\n</a>\n");
+}
+
+TEST_F(Writing, refusesADoctype) {
+    document->insertBefore(document->createDocumentType(u"a"), root);
+    EXPECT_RAISES(InvalidXMLDocument, "XML content can not contain a DTD", write());
+}
+
 TEST_F(Writing, sendsNothingOfADocumentThatXMLCannotHold) {
     for (const char16_t* bad : {u"\u0001", u"\uFFFE", u"\xD800", u"a\xDC00"}) {
         XercesHelper::setElementText(root, bad);
         FaultyOutput stream;
-        EXPECT_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream),
-                     InvalidXMLDocument);
+        EXPECT_THROW(writeTo(stream), InvalidXMLDocument);
         EXPECT_FALSE(hasErrorHandler(writer.get())) << "it would be one that is gone";
         EXPECT_EQ(stream.bytes, "");
         std::u16string text = u"before";
-        EXPECT_THROW(
-            XercesHelper::writeDocumentToString(writer.get(), document.get(), text, XmlDeclaration::Include),
-            InvalidXMLDocument);
+        EXPECT_THROW(writeTo(text), InvalidXMLDocument);
         EXPECT_EQ(text, u"before");
     }
 }
@@ -399,27 +395,18 @@ TEST_F(Writing, handsOnAllBytesInOrderUntilTheStreamIsDone) {
     for (char16_t i = 0; i < 65000; ++i)
         text += std::u16string(1, static_cast<char16_t>(u'a' + i % 26)) + (i % 7 ? u"" : u"\u00E9");
     XercesHelper::setElementText(root, text);
-    const std::string all = write(document.get());
+    const std::string all = write();
     EXPECT_NE(all.find("<a>" + opc::toUDEString(text) + "</a>"), std::string::npos);
-    FaultyOutput stream;
-    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
-    EXPECT_EQ(stream.bytes, all);
-    EXPECT_EQ(stream.flushes, 1);
-
-    FaultyOutput full;
-    full.limit = 0;
-    EXPECT_NO_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), full));
-    EXPECT_EQ(full.bytes, "");
-    FaultyOutput limited;
-    limited.limit = 10;
-    EXPECT_NO_THROW(XercesHelper::writeDocumentToStream(writer.get(), document.get(), limited));
-    EXPECT_EQ(limited.bytes, all.substr(0, limited.bytes.size()));
-
+    for (const std::size_t limit : {0U, 10U}) {
+        FaultyOutput limited;
+        limited.limit = limit;
+        EXPECT_NO_THROW(writeTo(limited));
+        EXPECT_EQ(limited.bytes, all.substr(0, limited.bytes.size()));
+    }
     FaultyOutput broken;
     broken.fails = true;
-    EXPECT_RAISES(opc::Exception, "disk full",
-                  XercesHelper::writeDocumentToStream(writer.get(), document.get(), broken));
-    EXPECT_EQ(write(document.get()), all);
+    EXPECT_RAISES(opc::Exception, "disk full", writeTo(broken));
+    EXPECT_EQ(write(), all);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "xml/PlainDocument.hpp"
 #include "support/PackageContent.hpp"
 #include "support/ScannerComparison.hpp"
+#include "support/Texts.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/ReplayedStream.hpp"
 
@@ -46,10 +47,6 @@ TEST(PlainDocument, theUsualFormIsRecognised) {
 }
 
 TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
-    const auto replaced = [](std::string from, std::string to) {
-        std::string document = RELATIONSHIPS;
-        return toBytes(document.replace(document.find(from), from.size(), to));
-    };
     const std::pair<const char*, std::vector<const char*>> doubts[] = {
         {"encoding=\"UTF-8\"", {"encoding=\"UTF-16\""}},
         {"1.0", {"1.1"}},
@@ -73,7 +70,8 @@ TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
     ScannerComparison::Elements elements;
     for (const auto& [from, replacements] : doubts)
         for (const char* to : replacements)
-            EXPECT_FALSE(comparison.scan(replaced(from, to), elements)) << from << " -> " << to;
+            EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, from, to)), elements))
+                << from << " -> " << to;
     EXPECT_FALSE(comparison.scan({}, elements));
 }
 
@@ -136,18 +134,27 @@ TEST(ReplayedStream, givesWhatWasReadAheadAndThenTheRest) {
     EXPECT_EQ(all, document);
 }
 
+/// Each second read gives nothing, and after some reads all fail.
+class Stuttering : public opc::InputStream {
+public:
+    explicit Stuttering(int most) : goodReads(most) {}
+    void open() override {}
+    std::uint64_t read(unsigned char* buffer, std::uint64_t) override {
+        if (++reads > goodReads)
+            throw opc::Exception("broken");
+        *buffer = 'x';
+        return reads % 2;
+    }
+    bool isDone() const override { return false; }
+    void close() override {}
+
+private:
+    int goodReads;
+    int reads = 0;
+};
+
 TEST(ReplayedStream, givesNothingWhereTheStreamGaveNothing) {
-    class Stuttering : public opc::InputStream {
-    public:
-        void open() override {}
-        std::uint64_t read(unsigned char* buffer, std::uint64_t) override {
-            *buffer = 'x';
-            return ++reads % 2;
-        }
-        bool isDone() const override { return false; }
-        void close() override {}
-        int reads = 0;
-    } source;
+    Stuttering source(100);
     ReplayedStream stream(source);
     ReadAheadBuffer buffer;
     EXPECT_FALSE(stream.readAhead(buffer, 100));
@@ -157,19 +164,7 @@ TEST(ReplayedStream, givesNothingWhereTheStreamGaveNothing) {
 }
 
 TEST(ReplayedStream, keepsAFailureForWhoeverReadsThatFar) {
-    class Failing : public opc::InputStream {
-    public:
-        void open() override {}
-        std::uint64_t read(unsigned char* buffer, std::uint64_t) override {
-            if (++reads > 1)
-                throw opc::Exception("broken");
-            *buffer = 'x';
-            return 1;
-        }
-        bool isDone() const override { return false; }
-        void close() override {}
-        int reads = 0;
-    } source;
+    Stuttering source(1);
     ReplayedStream stream(source);
     ReadAheadBuffer buffer;
     EXPECT_FALSE(stream.readAhead(buffer, 100));
