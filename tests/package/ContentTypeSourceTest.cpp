@@ -1,9 +1,12 @@
 #include "support/PackageContent.hpp"
+#include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
+
+#include <sstream>
 
 namespace {
 
@@ -17,21 +20,6 @@ const std::string HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"
 
 const std::string EMPTY = HEAD.substr(0, HEAD.size() - 1) + "/>\n";
 
-/// What a stream holds behind its root tag, without the white space of pretty printing.
-std::string entriesOf(const MemoryPackage& store) {
-    std::string text = toText(store.contentTypes());
-    EXPECT_EQ(text.compare(0, HEAD.size(), HEAD), 0) << text;
-    text = text.substr(std::min(HEAD.size(), text.size()));
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n')
-            i = std::min(text.find_first_not_of(" \n", i), text.size()) - 1;
-        else
-            result += text[i];
-    }
-    return result;
-}
-
 class ContentTypesStream : public testing::Test {
 protected:
     ContentTypesStream() : package(store) {}
@@ -40,10 +28,17 @@ protected:
         package.createPart(PartName(name), ContentType(type), StandardPartInfo());
     }
 
-    /// Closes the package and gives the entries that the stream holds then.
+    /// Closes the package and gives the entries that the stream holds then, without the white space of pretty
+    /// printing.
     std::string written() {
         package.close(false);
-        return entriesOf(store);
+        const std::string text = toText(store.contentTypes());
+        EXPECT_EQ(text.substr(0, HEAD.size()), HEAD);
+        std::string entries;
+        std::istringstream lines(text.substr(std::min(HEAD.size(), text.size())));
+        for (std::string line; std::getline(lines >> std::ws, line);)
+            entries += line;
+        return entries;
     }
 
     MemoryPackage store;
@@ -146,19 +141,19 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
                   package.open(OpenMode::ReadOnly))
         << "elements are found by their names without a prefix";
 
+    const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
     const std::string empty = toText(contentTypes(""));
-    const std::string broken[] = {// other documents
-                                  "", "no xml", "<Types/>", empty.substr(0, 80),
-                                  "<!DOCTYPE Types>" + empty.substr(38),
-                                  R"(<?xml version="1.0" encoding="ISO-8859-1"?>)" + empty.substr(38),
-                                  // other entries
-                                  toText(contentTypes("<Other/>")),
-                                  toText(contentTypes(R"(<Default Extension="" ContentType="a/b"/>)")),
-                                  toText(contentTypes(R"(<Default Extension="xml" ContentType=""/>)")),
-                                  toText(contentTypes(R"(<Default Extension="xml"/>)"))};
-    for (const std::string& text : broken) {
+    for (const std::string& text :
+         {std::string(), std::string("no xml"), std::string("<Types/>"), empty.substr(0, 80),
+          replaced(empty, head, "<!DOCTYPE Types>"), replaced(empty, "UTF-8", "ISO-8859-1")}) {
         store.setContentTypes(toBytes(text));
         EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;
+    }
+    for (const char* entry :
+         {"<Other/>", R"(<Default Extension="" ContentType="a/b"/>)",
+          R"(<Default Extension="xml" ContentType=""/>)", R"(<Default Extension="xml"/>)"}) {
+        store.setContentTypes(contentTypes(entry));
+        EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << entry;
     }
 }
 

@@ -69,16 +69,6 @@ TEST_F(DataManagers, loadOnceAndSaveWhenDirty) {
     }
 }
 
-TEST_F(DataManagers, dirtyDataAreNotLoadedOver) {
-    CountingManager manager(package, false);
-    package.open(OpenMode::ReadWrite);
-    manager.markAsDirty();
-    manager.load();
-    EXPECT_EQ(manager.loads, 0);
-    package.close(false);
-    EXPECT_EQ(manager.saves, 1);
-}
-
 TEST_F(DataManagers, saveBeforeAnythingIsWritten) {
     CountingManager manager(package, false);
     package.open(OpenMode::ReadWrite);
@@ -120,27 +110,19 @@ TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {
 TEST_F(DataManagers, areMadeForAClosedPackageAndForgottenWhenDestroyed) {
     auto gone = std::make_unique<CountingManager>(package, true);
     CountingManager stays(package, false);
+    auto next = std::make_unique<CountingManager>(package, false);
     package.open(OpenMode::ReadWrite);
     EXPECT_RAISES(PackageAlreadyOpen, "Can't add a data manager when package is already open",
                   CountingManager(package, false));
-    stays.markAsDirty();
-    gone->markAsDirty();
-    gone->onSave = [] { FAIL() << "destroyed by then"; };
-    stays.onSave = [] {};
+    for (CountingManager* manager : {gone.get(), &stays, next.get()})
+        manager->markAsDirty();
+    stays.load();
+    EXPECT_EQ(stays.loads, 0) << "dirty data aren't loaded over";
+    gone->onSave = next->onSave = [] { FAIL() << "destroyed by then"; };
     gone.reset();
+    stays.onSave = [&] { next.reset(); };
     package.close(false);
     EXPECT_EQ(stays.saves, 1);
-}
-
-TEST_F(DataManagers, oneThatSavesMayDestroyTheNext) {
-    CountingManager first(package, false);
-    auto second = std::make_unique<CountingManager>(package, false);
-    package.open(OpenMode::ReadWrite);
-    first.markAsDirty();
-    second->markAsDirty();
-    first.onSave = [&] { second.reset(); };
-    package.close(false);
-    EXPECT_EQ(first.saves, 1);
 }
 
 TEST_F(DataManagers, keepTheirPartsAndTypesOutOfEnumerations) {
