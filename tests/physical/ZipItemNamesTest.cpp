@@ -70,9 +70,7 @@ TEST(ZipItemNames, areReadInTheEncodingThatTheyAreIn) {
 }
 
 TEST(ZipItemNames, mayNotClash) {
-    for (const std::string row : {"a.xml | a.xml", "a.xml | A.XML", "a/b | a\\b", "a b | a%20b",
-                                  "[Content_Types].xml | [content_types].xml", "a/[0].last.piece | a",
-                                  "a/[0].piece | A/[0].last.piece"}) {
+    for (const std::string row : {"a/b | a\\b", "a/[0].last.piece | a", "a/[0].piece | A/[0].last.piece"}) {
         const auto [first, second] = columns<2>(row);
         ZipPackage package(makeZip({stored(first, ""), stored(second, "")}));
         EXPECT_FAILS(EBADMSG, "archive in memory: ", package.open(OpenMode::ReadOnly)) << row;

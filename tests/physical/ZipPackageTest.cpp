@@ -235,50 +235,6 @@ TEST(ZipPackage, canLoseAllItsItems) {
     EXPECT_EQ(package.bytes().size(), 22U);
 }
 
-TEST(ZipPackage, readsOldContentInOldStreamsAndNewInNew) {
-    ZipPackage package(sample());
-    package.open(OpenMode::ReadWrite);
-    auto* part = find(package, u"/b.xml");
-    auto* early = part->getInputStream();
-    unsigned char first = 0;
-    early->read(&first, 1);
-    auto* stale = part->getOutputStream();
-    put(*stale, "lost");
-    EXPECT_EQ(create(package, u"/B.xml", "new "), part);
-    EXPECT_FAILS(EBADF, "b.xml", put(*stale, "x"));
-    auto* output = part->getOutputStream();
-    put(*output, "new ");
-    auto* late = part->getInputStream();
-    EXPECT_EQ(rest(*late), "new ");
-    put(*output, "and more");
-    EXPECT_FALSE(late->isDone());
-    EXPECT_EQ(rest(*late), "and more");
-    EXPECT_EQ(rest(*early), PROSE.substr(1));
-    early->close();
-    early->open();
-    EXPECT_EQ(rest(*early), "new and more");
-    package.close(false);
-    package.open(OpenMode::ReadOnly);
-    EXPECT_EQ(names(package), u"/b.xml /a.xml ");
-    EXPECT_EQ(content(*find(package, u"/b.xml")), "new and more");
-}
-
-TEST(ZipPackage, refusesWhatTheStateForbids) {
-    ZipPackage package(makeZip({stored("a", "alpha")}));
-    EXPECT_FAILS(EBADF, "not open", package.getParts());
-    EXPECT_FAILS(EBADF, "not open", package.close(false));
-    package.open(OpenMode::ReadOnly);
-    EXPECT_FAILS(EBUSY, "already open", package.open(OpenMode::ReadOnly));
-    EXPECT_FAILS(EACCES, "a: ", find(package, u"/a")->getOutputStream());
-    EXPECT_FAILS(EACCES, "/b: ", package.createPart(u"/b", u"", PartInfo()));
-    EXPECT_FAILS(EACCES, "/a: ", package.deletePart(u"/a"));
-    EXPECT_FAILS(EACCES, "[Content_Types].xml: ", package.getContentTypeOutputStream());
-    EXPECT_FAILS(ENOENT, "[Content_Types].xml: doesn't exist", package.getContentTypeInputStream());
-    package.close(false);
-    package.open(OpenMode::ReadWrite);
-    EXPECT_FAILS(ENOENT, "/b: no such part", package.deletePart(u"/b"));
-}
-
 TEST(ZipPackage, givesTheSameBytesForTheSameOperations) {
     ZipOptions options;
     options.deterministic = true;
