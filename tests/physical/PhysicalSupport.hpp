@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TemporaryFolder.hpp"
+
 #include <opc/core/Exception.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
@@ -11,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
@@ -33,18 +34,30 @@ struct PartInfo : interfaces::IPhysicalPartInfo {
     interfaces::CompressionType compression;
 };
 
+/// For tests with a file in a folder of its own.
+class FileTest : public testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "a.zip";
+};
+
 inline void put(interfaces::IPhysicalOutputStream& stream, const std::string& text) {
     ASSERT_EQ(stream.write(reinterpret_cast<const unsigned char*>(text.data()), text.size()), text.size());
 }
 
-/// Reads what is left, in pieces of an odd size.
+/// Reads what is left in pieces of one size; keeps what was read if that fails.
+inline void readInPieces(interfaces::IPhysicalInputStream& stream, std::size_t pieceSize, std::string& text) {
+    std::vector<unsigned char> piece(pieceSize);
+    while (!stream.isDone()) {
+        const auto count = stream.read(piece.data(), pieceSize);
+        text.append(piece.data(), piece.data() + count);
+    }
+}
+
+/// All that is left.
 inline std::string rest(interfaces::IPhysicalInputStream& stream) {
     std::string text;
-    std::array<unsigned char, 1021> buffer{};
-    while (!stream.isDone()) {
-        const auto count = stream.read(buffer.data(), buffer.size());
-        text.append(buffer.data(), buffer.data() + count);
-    }
+    readInPieces(stream, 1021, text);
     return text;
 }
 

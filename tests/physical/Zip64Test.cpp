@@ -1,6 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
@@ -9,9 +8,9 @@ namespace {
 using namespace opc::test;
 using opc::physical::ZipPackage;
 
-TEST(Zip64, numbersAreReadAndStayWhereTheyStood) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+class Zip64 : public FileTest {};
+
+TEST_F(Zip64, numbersAreReadAndStayWhereTheyStood) {
     RawItem large = oddlyDeflated("large", "said to be large");
     large.zip64 = true;
     large.extra = std::string("\x99\x99\x02\0ab", 6);
@@ -41,10 +40,8 @@ TEST(Zip64, numbersAreReadAndStayWhereTheyStood) {
     EXPECT_EQ(itemOf(items, "large").extra.substr(20), large.extra);
 }
 
-TEST(Zip64, recordsAreWrittenForMoreItemsThanTheOldOnesCanCount) {
+TEST_F(Zip64, recordsAreWrittenForMoreItemsThanTheOldOnesCanCount) {
     constexpr std::size_t COUNT = 70000;
-    const TemporaryFolder folder;
-    const auto path = folder / "many.zip";
     ZipPackage package(path);
     package.open(OpenMode::CreateOnly);
     for (std::size_t i = 0; i < COUNT; ++i) {

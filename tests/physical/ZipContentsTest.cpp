@@ -94,15 +94,6 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     return item;
 }
 
-/// Reads what is left in pieces of one size; keeps what was read if that fails.
-void readInPieces(IPhysicalInputStream& stream, std::size_t pieceSize, std::string& text) {
-    std::vector<unsigned char> piece(pieceSize);
-    while (!stream.isDone()) {
-        const auto count = stream.read(piece.data(), pieceSize);
-        text.append(piece.data(), piece.data() + count);
-    }
-}
-
 /// Calls `action(package, pieceSize)` with packages in memory and in a file that hold the item alone, open to read,
 /// and with pieces that are smaller than a content of `size` bytes, just as large, and larger.
 template <typename Action>

@@ -1,6 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
@@ -15,6 +14,8 @@ using opc::interfaces::CompressionType;
 using opc::physical::ZipOptions;
 using opc::physical::ZipPackage;
 
+class ZipPackages : public FileTest {};
+
 const std::string PROSE(3000, 'x');
 
 Bytes sample() {
@@ -22,9 +23,7 @@ Bytes sample() {
         {stored("[Content_Types].xml", "types"), oddlyDeflated("b.xml", PROSE), stored("a.xml", "alpha")});
 }
 
-TEST(ZipPackage, writesWhatItAndOthersRead) {
-    const TemporaryFolder folder;
-    const auto path = folder / "new.zip";
+TEST_F(ZipPackages, writesWhatItAndOthersRead) {
     ZipPackage package(path);
     EXPECT_FAILS(ENOENT, path.string(), package.open(OpenMode::ReadOnly));
     EXPECT_FAILS(ENOENT, path.string(), package.open(OpenMode::ReadWrite));
@@ -54,7 +53,7 @@ TEST(ZipPackage, writesWhatItAndOthersRead) {
     EXPECT_EQ(rest(*package.getContentTypeInputStream()), "types");
 }
 
-TEST(ZipPackage, copiesWhatHasNotChangedAsItIsCompressed) {
+TEST_F(ZipPackages, copiesWhatHasNotChangedAsItIsCompressed) {
     RawItem damaged = oddlyDeflated("damaged.xml", PROSE);
     damaged.data[10] = 'y';
     RawItem attributed = stored("[trash]/0", "trash");
@@ -91,23 +90,22 @@ TEST(ZipPackage, copiesWhatHasNotChangedAsItIsCompressed) {
     EXPECT_EQ(tail, "a comment");
 }
 
-TEST(ZipPackage, readsAndKeepsItemsWhoseSizesStandBehindThem) {
+TEST_F(ZipPackages, readsAndKeepsItemsWhoseSizesStandBehindThem) {
     std::vector<RawItem> items = {stored("stored", PROSE), oddlyDeflated("deflated", PROSE),
                                   stored("last", "x")};
     for (RawItem& item : items) {
         item.flags = 8;
         item.streamed = true;
     }
-    const TemporaryFolder folder;
-    writeFile(folder / "a.zip", makeZip(items));
-    ZipPackage package(folder / "a.zip");
+    writeFile(path, makeZip(items));
+    ZipPackage package(path);
     for (int round = 0; round < 2; ++round) {
         package.open(OpenMode::ReadWrite);
         EXPECT_EQ(content(*find(package, u"/stored")), PROSE);
         EXPECT_EQ(content(*find(package, u"/deflated")), PROSE);
         create(package, u"/last", "changed");
         package.close(false);
-        EXPECT_TRUE(othersAccept(folder / "a.zip"));
+        EXPECT_TRUE(othersAccept(path));
     }
 }
 
@@ -120,7 +118,7 @@ std::string letters(std::size_t count) {
     return text;
 }
 
-TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
+TEST_F(ZipPackages, storesWhatItsOwnLimitsWouldRefuse) {
     const std::tuple<std::uint64_t, std::string, std::uint16_t> cases[] = {
         {1000, std::string(2 << 20, '\0'), 0},
         {1000, std::string(1 << 20, '\0'), 8}, // not above the floor
@@ -132,9 +130,8 @@ TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
         ZipOptions options;
         options.maxRatio = maxRatio;
         options.ratioFloor = 1 << 20;
-        const TemporaryFolder folder;
         std::istringstream nothing;
-        ZipPackage inFile(folder / "a.zip", options);
+        ZipPackage inFile(path, options);
         ZipPackage inMemory(Bytes{}, options);
         ZipPackage inStream(nothing, options);
         for (ZipPackage* package : {&inFile, &inMemory, &inStream}) {
@@ -148,19 +145,18 @@ TEST(ZipPackage, storesWhatItsOwnLimitsWouldRefuse) {
             EXPECT_EQ(content(*find(*package, u"/behind")), PROSE);
             package->close(true);
         }
-        EXPECT_EQ(itemOf(readZip(readFile(folder / "a.zip")), "large").method, method);
+        EXPECT_EQ(itemOf(readZip(readFile(path)), "large").method, method);
         EXPECT_EQ(itemOf(readZip(inMemory.bytes()), "large").method, method);
-        EXPECT_TRUE(othersAccept(folder / "a.zip"));
+        EXPECT_TRUE(othersAccept(path));
     }
 }
 
-TEST(ZipPackage, readsSeveralPartsAtATime) {
+TEST_F(ZipPackages, readsSeveralPartsAtATime) {
     RawItem longHeader = stored("header", letters(50000));
     longHeader.localExtra = std::string("\x99\x99\x20\x4E", 4) + std::string(20000, 'x');
-    const TemporaryFolder folder;
-    writeFile(folder / "a.zip", makeZip({longHeader, stored("stored", letters(40000)),
-                                         oddlyDeflated("deflated", letters(60000)), stored("empty", "")}));
-    ZipPackage package(folder / "a.zip");
+    writeFile(path, makeZip({longHeader, stored("stored", letters(40000)),
+                             oddlyDeflated("deflated", letters(60000)), stored("empty", "")}));
+    ZipPackage package(path);
     package.open(OpenMode::ReadWrite);
     create(package, u"/new", letters(30000));
     package.close(false);
@@ -188,9 +184,7 @@ TEST(ZipPackage, readsSeveralPartsAtATime) {
     }
 }
 
-TEST(ZipPackage, leavesTheArchiveAsItWasUnlessItIsSaved) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+TEST_F(ZipPackages, leavesTheArchiveAsItWasUnlessItIsSaved) {
     for (const OpenMode mode : {OpenMode::ReadWrite, OpenMode::CreateOnly}) {
         writeFile(path, sample());
         {
@@ -221,7 +215,7 @@ TEST(ZipPackage, leavesTheArchiveAsItWasUnlessItIsSaved) {
     EXPECT_EQ(readZip(readFile(path)).size(), 1U);
 }
 
-TEST(ZipPackage, canLoseAllItsItems) {
+TEST_F(ZipPackages, canLoseAllItsItems) {
     ZipPackage package(makeZip({stored("a", "alpha")}));
     package.open(OpenMode::ReadWrite);
     package.deletePart(u"/a");
@@ -235,7 +229,7 @@ TEST(ZipPackage, canLoseAllItsItems) {
     EXPECT_EQ(package.bytes().size(), 22U);
 }
 
-TEST(ZipPackage, givesTheSameBytesForTheSameOperations) {
+TEST_F(ZipPackages, givesTheSameBytesForTheSameOperations) {
     ZipOptions options;
     options.deterministic = true;
     const auto change = [](ZipPackage& package) {
@@ -250,19 +244,17 @@ TEST(ZipPackage, givesTheSameBytesForTheSameOperations) {
     };
     ZipPackage inMemory(sample(), options);
     change(inMemory);
-    const TemporaryFolder folder;
-    writeFile(folder / "a.zip", sample());
+    writeFile(path, sample());
     options.memoryForWrittenParts = 0;
-    ZipPackage inFile(folder / "a.zip", options);
+    ZipPackage inFile(path, options);
     change(inFile);
-    EXPECT_EQ(readFile(folder / "a.zip"), inMemory.bytes());
+    EXPECT_EQ(readFile(path), inMemory.bytes());
     for (const char* name : {"new.xml", "a.xml", "c.xml"})
         EXPECT_EQ(itemOf(readZip(inMemory.bytes()), name).time, 0x0021'0000U)
             << name << ": what would differ";
 }
 
-TEST(ZipPackage, spoolsManyGrowingPartsThroughOneFile) {
-    const TemporaryFolder folder;
+TEST_F(ZipPackages, spoolsManyGrowingPartsThroughOneFile) {
     ZipOptions options;
     options.memoryForWrittenParts = 1500000;
     options.temporaryFolder = folder / "";

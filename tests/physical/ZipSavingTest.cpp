@@ -1,6 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
@@ -24,6 +23,8 @@ using namespace opc::test;
 using opc::interfaces::CompressionType;
 using opc::physical::ZipOptions;
 using opc::physical::ZipPackage;
+
+class ZipSaving : public FileTest {};
 
 /// No file can grow beyond `size` meanwhile, as if the disk were full.
 class FullDisk {
@@ -51,9 +52,7 @@ mode_t modeOf(const fs::path& path) {
     return status.st_mode & 07777U;
 }
 
-TEST(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+TEST_F(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
     const Bytes old = makeZip({stored("a", noise(400000))});
     writeFile(path, old);
     ZipPackage package(path);
@@ -72,8 +71,7 @@ TEST(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
     EXPECT_EQ(content(*find(package, u"/b")), noise(500000));
 }
 
-TEST(ZipSaving, refusesAPartWhoseWritingHasFailed) {
-    const TemporaryFolder folder;
+TEST_F(ZipSaving, refusesAPartWhoseWritingHasFailed) {
     ZipOptions options;
     options.temporaryFolder = folder / "";
     ZipPackage package(Bytes{}, options);
@@ -90,7 +88,7 @@ TEST(ZipSaving, refusesAPartWhoseWritingHasFailed) {
     EXPECT_EQ(content(*find(package, u"/a")).size(), 5000000U);
 }
 
-TEST(ZipSaving, refusesAnArchiveWhoseEndCouldBeFoundInAnItem) {
+TEST_F(ZipSaving, refusesAnArchiveWhoseEndCouldBeFoundInAnItem) {
     ZipOptions options;
     options.deterministic = true;
     const auto save = [&options](std::size_t commentSize) {
@@ -112,9 +110,7 @@ TEST(ZipSaving, refusesAnArchiveWhoseEndCouldBeFoundInAnItem) {
     EXPECT_NO_THROW(save(behind - 1));
 }
 
-TEST(ZipSaving, keepsPermissionsAndFollowsLinks) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+TEST_F(ZipSaving, keepsPermissionsAndFollowsLinks) {
     const auto link = folder / "link.zip";
     fs::create_symlink("a.zip", link);
     const auto save = [&](OpenMode mode) {
@@ -138,9 +134,7 @@ TEST(ZipSaving, keepsPermissionsAndFollowsLinks) {
     ::umask(mask);
 }
 
-TEST(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+TEST_F(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
     const auto temporary = folder / ".a.zip.opcmodel-new";
     writeFile(path, makeZip({stored("a", "alpha")}));
     writeFile(temporary, Bytes(100, 'x'));
@@ -157,9 +151,7 @@ TEST(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
     EXPECT_EQ(readZip(readFile(path)).size(), 2U);
 }
 
-TEST(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
-    const TemporaryFolder folder;
-    const auto path = folder / "a.zip";
+TEST_F(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
     const Bytes old = makeZip({stored("a", "alpha")});
     const Bytes others = makeZip({stored("a", "ALPHA")}); // of the same size
     const std::function<void()> replaceIt = [&] {
@@ -193,8 +185,7 @@ TEST(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
     EXPECT_EQ(readFile(path).size(), 22U) << "a new package replaces whatever there is";
 }
 
-TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {
-    const TemporaryFolder folder;
+TEST_F(ZipSaving, saysAtOpenWhatCannotBeOpened) {
     writeFile(folder / "file", makeZip({}));
     fs::create_directory(folder / "folder");
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -216,8 +207,7 @@ TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {
     }
 }
 
-TEST(ZipSaving, reportsAFolderInWhichNothingCanBeMade) {
-    const TemporaryFolder folder;
+TEST_F(ZipSaving, reportsAFolderInWhichNothingCanBeMade) {
     fs::create_directory(folder / "gone");
     ZipPackage package(folder / "gone/a.zip");
     package.open(OpenMode::CreateOnly);
@@ -236,12 +226,11 @@ long peakMemory() {
     return usage.ru_maxrss;
 }
 
-TEST(ZipSaving, takesNoMoreMemoryForALargePart) {
+TEST_F(ZipSaving, takesNoMoreMemoryForALargePart) {
     constexpr std::size_t STEPS = 64;
-    const TemporaryFolder folder;
     const std::string block = noise(1U << 20);
     const long before = peakMemory();
-    ZipPackage package(folder / "large.zip");
+    ZipPackage package(path);
     package.open(OpenMode::CreateOnly);
     auto* part = package.createPart(u"/large", u"", PartInfo(CompressionType::SuperFast));
     auto* output = part->getOutputStream();

@@ -1,6 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
@@ -16,6 +15,8 @@ namespace {
 using namespace opc::test;
 using opc::physical::ZipOptions;
 using opc::physical::ZipPackage;
+
+class ZipStreams : public FileTest {};
 
 /// A pipe of a kind: bytes come a few at a time, there is no way back, and it may break.
 class Pipe : public std::streambuf {
@@ -57,10 +58,9 @@ private:
     std::size_t room;
 };
 
-TEST(ZipStreams, passThroughWithoutSeeking) {
+TEST_F(ZipStreams, passThroughWithoutSeeking) {
     // Within memory, and in the temporary file.
     for (const std::size_t size : {100U, 3000000U}) {
-        const TemporaryFolder folder;
         ZipOptions options;
         options.temporaryFolder = folder / "";
         options.memoryForWrittenParts = 200000;
@@ -90,12 +90,11 @@ TEST(ZipStreams, passThroughWithoutSeeking) {
     }
 }
 
-TEST(ZipStreams, areWrittenFromEveryKindOfPackage) {
-    const TemporaryFolder folder;
+TEST_F(ZipStreams, areWrittenFromEveryKindOfPackage) {
     const Bytes archive = makeZip({stored("a", "alpha")});
-    writeFile(folder / "a.zip", archive);
+    writeFile(path, archive);
     std::istringstream empty;
-    ZipPackage inFile(folder / "a.zip");
+    ZipPackage inFile(path);
     ZipPackage inMemory(archive);
     ZipPackage fromNothing(empty);
     EXPECT_FAILS(ENOENT, "archive from a stream: can't open", fromNothing.open(OpenMode::ReadOnly));
@@ -110,7 +109,7 @@ TEST(ZipStreams, areWrittenFromEveryKindOfPackage) {
     }
 }
 
-TEST(ZipStreams, failuresAreExceptions) {
+TEST_F(ZipStreams, failuresAreExceptions) {
     const Bytes archive = makeZip({stored("a", noise(5000))});
     Pipe broken(archive, 3000);
     std::istream brokenInput(&broken);

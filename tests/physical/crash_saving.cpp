@@ -36,14 +36,10 @@ ZipOptions fixedTimes() {
 }
 
 void createOld(const std::filesystem::path& path) {
-    std::mt19937 random(1);
-    std::string noise(PART_SIZE, '\0');
-    for (char& c : noise)
-        c = static_cast<char>(random());
     ZipPackage package(path, fixedTimes());
     package.open(OpenMode::CreateOnly);
     for (const char16_t* name : {u"/a", u"/b", u"/c"})
-        create(package, name, noise, PartInfo(opc::interfaces::CompressionType::None));
+        create(package, name, noise(PART_SIZE), PartInfo(opc::interfaces::CompressionType::None));
     package.close(false);
 }
 
