@@ -17,22 +17,25 @@ using opc::physical::MemoryPackage;
 
 const std::u16string TYPE =
     u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
-
-CoreProperties titled(const std::u16string& title) {
-    CoreProperties properties;
-    properties.setTitle(title);
-    return properties;
-}
+const char16_t* const CORE = u"/docProps/core.xml";
 
 class CorePropertiesOfPackage : public testing::Test {
 protected:
-    /// A package whose core properties relationship leads to `target`, a part with this content.
-    void makeStore(const std::string& target, const std::string& content) {
+    /// A package whose core properties have this content.
+    void makeStore(const std::string& content, const std::string& target = "docProps/core.xml") {
         fill(store, {u"/docProps/core.xml", u"/other.xml"});
-        store.setPart(u"/docProps/core.xml", toBytes(content));
+        store.setPart(CORE, toBytes(content));
         addRelationships(R"(<Relationship Id="core" Type=")" + std::string(TYPE.begin(), TYPE.end()) +
                          R"(" Target=")" + target + R"("/>)");
     }
+
+    std::u16string title() const { return PackageHelper::getCoreProperties(package).getTitle().value(); }
+    void update(const std::u16string& title) {
+        CoreProperties properties;
+        properties.setTitle(title);
+        PackageHelper::createOrUpdateCoreProperties(package, properties);
+    }
+    void remove() { PackageHelper::deleteCoreProperties(package); }
 
     void addRelationships(const std::string& elements) {
         store.setPart(u"/_rels/.rels", relationships(elements));
@@ -46,7 +49,7 @@ protected:
 TEST_F(CorePropertiesOfPackage, aNewPackageGetsThemAtTheFixedPlace) {
     package.open(OpenMode::CreateOnly);
     EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    update(u"t");
     EXPECT_EQ(physical.countCalls("createPart /metadata/coreProperties.xml "
                                   "application/vnd.openxmlformats-package.core-properties+xml"),
               1U);
@@ -58,18 +61,18 @@ TEST_F(CorePropertiesOfPackage, aNewPackageGetsThemAtTheFixedPlace) {
     package.close(false);
 
     package.open(OpenMode::ReadWrite);
-    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"u"));
+    EXPECT_EQ(title(), u"t");
+    update(u"u");
     EXPECT_EQ(package.getRelationships().size(), 1U);
     EXPECT_EQ(package.getParts().size(), 1U);
-    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"u");
+    EXPECT_EQ(title(), u"u");
     package.close(false);
 }
 
 TEST_F(CorePropertiesOfPackage, anUpdateReplacesThePartWhereItStands) {
-    makeStore("docProps/core.xml", corePropertiesDocument("<dc:creator>c</dc:creator>"));
+    makeStore(corePropertiesDocument("<dc:creator>c</dc:creator>"));
     package.open(OpenMode::ReadWrite);
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    update(u"t");
     EXPECT_EQ(package.getParts().size(), 2U);
     package.close(false);
 
@@ -82,83 +85,75 @@ TEST_F(CorePropertiesOfPackage, anUpdateReplacesThePartWhereItStands) {
 }
 
 TEST_F(CorePropertiesOfPackage, canBeReadMoreThanOnce) {
-    makeStore("docProps/core.xml", corePropertiesDocument("<dc:title>t</dc:title>"));
+    makeStore(corePropertiesDocument("<dc:title>t</dc:title>"));
     package.open(OpenMode::ReadOnly);
     for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
-    readAll(package.getPart(PartName(u"/docProps/core.xml")));
-    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+        EXPECT_EQ(title(), u"t");
+    readAll(package.getPart(PartName(CORE)));
+    EXPECT_EQ(title(), u"t");
     EXPECT_EQ(physical.countCalls("getInputStream /docProps/core.xml"), 1U);
 }
 
 TEST_F(CorePropertiesOfPackage, aSecondUpdateGoesOnInTheSameStream) {
-    makeStore("docProps/core.xml", corePropertiesDocument(""));
+    makeStore(corePropertiesDocument(""));
     package.open(OpenMode::ReadWrite);
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"1"));
-    const std::string once = readAll(package.getPart(PartName(u"/docProps/core.xml")));
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"2"));
+    update(u"1");
+    const std::string once = readAll(package.getPart(PartName(CORE)));
+    update(u"2");
     package.close(false);
     EXPECT_EQ(physical.countCalls("getOutputStream /docProps/core.xml"), 1U);
-    EXPECT_EQ(store.partBytes(u"/docProps/core.xml").size(), 2 * once.size());
+    EXPECT_EQ(store.partBytes(CORE).size(), 2 * once.size());
 }
 
 TEST_F(CorePropertiesOfPackage, deletingTakesPartAndRelationship) {
-    makeStore("docProps/core.xml", corePropertiesDocument(""));
+    makeStore(corePropertiesDocument(""));
     package.open(OpenMode::ReadWrite);
-    PackageHelper::deleteCoreProperties(package);
+    remove();
     EXPECT_EQ(package.getRelationships().size(), 0U);
-    EXPECT_FALSE(package.hasPart(PartName(u"/docProps/core.xml")));
-    EXPECT_NO_THROW(PackageHelper::deleteCoreProperties(package));
+    EXPECT_FALSE(package.hasPart(PartName(CORE)));
+    EXPECT_NO_THROW(remove());
     package.close(false);
     EXPECT_EQ(store.partNames(), std::vector<std::u16string>{u"/other.xml"});
 }
 
 TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
-    const auto get = [this] { PackageHelper::getCoreProperties(package); };
-    const auto update = [this] { PackageHelper::createOrUpdateCoreProperties(package, titled(u"t")); };
-    const auto remove = [this] { PackageHelper::deleteCoreProperties(package); };
-    EXPECT_THROW(get(), PackageNotOpen);
-    EXPECT_THROW(update(), PackageNotOpen);
-    EXPECT_THROW(remove(), PackageNotOpen);
-
-    makeStore("docProps/core.xml", corePropertiesDocument("<dcterms:created>2024</dcterms:created>"));
+    makeStore(corePropertiesDocument("<dcterms:created>2024</dcterms:created>"));
     package.open(OpenMode::ReadOnly);
     EXPECT_RAISES(InvalidPartContent,
-                  "Core properties must use the xsi:type attribute on the "
-                  "\"created\" and \"modified\" elements. [M4.5]",
-                  get());
-    EXPECT_THROW(update(), PackageReadOnly);
+                  "Core properties must use the xsi:type attribute on the \"created\" and \"modified\" "
+                  "elements. [M4.5]",
+                  title());
+    EXPECT_THROW(update(u"t"), PackageReadOnly);
     EXPECT_THROW(remove(), PackageReadOnly);
     package.close(false);
 
-    makeStore("docProps/core.xml", "");
+    makeStore("");
     package.open(OpenMode::ReadOnly);
-    EXPECT_THROW(get(), InvalidPartContent);
+    EXPECT_THROW(title(), InvalidPartContent);
     package.close(false);
 
     addRelationships("");
     package.open(OpenMode::ReadOnly);
-    EXPECT_THROW(update(), PackageReadOnly);
-    EXPECT_NO_THROW(PackageHelper::deleteCoreProperties(package)) << "there is nothing to delete";
+    EXPECT_THROW(update(u"t"), PackageReadOnly);
+    EXPECT_NO_THROW(remove()) << "there is nothing to delete";
     package.close(false);
 
     store.setPart(u"/Metadata/CoreProperties.xml", {});
     package.open(OpenMode::ReadWrite);
     EXPECT_RAISES(PartAlreadyExists,
-                  "Cannot use a part name that already exists: /metadata/coreProperties.xml", update());
-    package.close(false);
+                  "Cannot use a part name that already exists: /metadata/coreProperties.xml", update(u"t"));
 }
 
 TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
     const auto check = [this](const std::string& target, auto failure) {
         using E = decltype(failure);
         SCOPED_TRACE(target);
-        makeStore(target, "");
+        makeStore("", target);
         package.open(OpenMode::ReadWrite);
         EXPECT_THROW(PackageHelper::getCoreProperties(package), E);
         EXPECT_THROW(PackageHelper::createOrUpdateCoreProperties(package, {}), E);
         EXPECT_EQ(package.getRelationships().size(), 1U);
-        EXPECT_THROW(PackageHelper::deleteCoreProperties(package), E);
+        EXPECT_THROW(remove(), E);
         EXPECT_EQ(package.getRelationships().size(), 0U) << "the relationship goes before its target";
         package.close(true);
     };
@@ -169,11 +164,11 @@ TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
 
 TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenCanBeMended) {
     package.open(OpenMode::CreateOnly);
-    EXPECT_THROW(PackageHelper::createOrUpdateCoreProperties(package, titled(u"\u0001")), InvalidPartContent);
-    PackageHelper::createOrUpdateCoreProperties(package, titled(u"t"));
+    EXPECT_THROW(update(u"\u0001"), InvalidPartContent);
+    update(u"t");
     package.close(false);
     package.open(OpenMode::ReadOnly);
-    EXPECT_EQ(PackageHelper::getCoreProperties(package).getTitle().value(), u"t");
+    EXPECT_EQ(title(), u"t");
 }
 
 TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
@@ -209,9 +204,9 @@ TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
 
 TEST_F(CorePropertiesOfPackage, nothingIsDeletedWhileAPackageIsCreated) {
     package.open(OpenMode::CreateOnly);
-    EXPECT_NO_THROW(PackageHelper::deleteCoreProperties(package));
+    EXPECT_NO_THROW(remove());
     PackageHelper::createOrUpdateCoreProperties(package, {});
-    EXPECT_THROW(PackageHelper::deleteCoreProperties(package), PackageCreateOnly);
+    EXPECT_THROW(remove(), PackageCreateOnly);
     EXPECT_EQ(package.getRelationships().size(), 1U);
 }
 
