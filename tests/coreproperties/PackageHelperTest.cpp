@@ -181,15 +181,15 @@ TEST_F(CorePropertiesOfPackage, deletesTargetsOfOneTypeUpToAFailure) {
     addRelationships(elements);
     store.setPart(u"/_rels/source.xml.rels", relationships(elements));
 
-    const auto check = [this](const RelationshipSource& source, const std::function<void()>& remove) {
-        EXPECT_RAISES(PartNotFound, "No part found with the name:/A.xml", remove());
+    const auto check = [this](const RelationshipSource& source, const std::function<void()>& deleteTargets) {
+        EXPECT_RAISES(PartNotFound, "No part found with the name:/A.xml", deleteTargets());
         EXPECT_FALSE(package.hasPart(PartName(u"/a.xml")));
         EXPECT_FALSE(package.hasPart(PartName(u"/b.xml")));
         EXPECT_TRUE(package.hasPart(PartName(u"/c.xml")));
         EXPECT_TRUE(source.hasRelationship(u"r2")) << "letter case counts in a type";
         EXPECT_FALSE(source.hasRelationship(u"r4"));
         EXPECT_TRUE(source.hasRelationship(u"r5"));
-        EXPECT_NO_THROW(remove()) << "what is left can be deleted";
+        EXPECT_NO_THROW(deleteTargets()) << "what is left can be deleted";
         EXPECT_EQ(source.getRelationships().size(), 1U);
         EXPECT_FALSE(package.hasPart(PartName(u"/c.xml")));
         package.close(true);

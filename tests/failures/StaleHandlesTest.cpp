@@ -57,6 +57,7 @@ struct Signer {
     }
 
     opc::test::Identity identity = opc::test::makeIdentity({});
+    bedrock::certificates::X509Certificate certificate = identity.certificate;
     Bytes privateKey = identity.getPrivateKey();
     Bytes publicKey;
     TrustStore trusted;
@@ -81,7 +82,7 @@ public:
                       opc::test::relationships(R"(<Relationship Id="r" Type="t:t" Target="b.xml"/>)"));
         makePackage();
         for (const PartName& name : {a, b})
-            manager->sign({name}, {}, signer().privateKey, signer().identity.certificate, signer().chain,
+            manager->sign({name}, {}, signer().privateKey, signer().certificate, signer().chain,
                           signer().options, signer().params, signer().trusted);
         part.emplace(package->getPart(a));
         relationship.emplace(part->getRelationshipByID(u"r"));
@@ -159,7 +160,7 @@ const char* const NEVER = nullptr; ///< packages and managers aren't there to be
 
 struct Operation {
     const char* name;
-    void (*run)(Handles&);
+    void (*run)(Handles&, const Signer&);
 };
 
 struct Group {
@@ -169,7 +170,7 @@ struct Group {
 
 #define OPERATION(...)                                                                                       \
     {                                                                                                        \
-#__VA_ARGS__, [](Handles& h) { (void)h; (void)(__VA_ARGS__); }                                               \
+#__VA_ARGS__, [](Handles& h, const Signer& s) { (void)h; (void)s; (void)(__VA_ARGS__); }                     \
     }
 
 const std::vector<Group>& groups() {
@@ -245,45 +246,36 @@ const std::vector<Group>& groups() {
           OPERATION(h.manager->removeCountersignature()),
           OPERATION(h.manager->removeAllSignatures()),
           OPERATION(h.manager->getSignature(u"sig2")),
-          OPERATION(h.manager->sign({h.b}, {}, signer().privateKey, signer().publicKey, signer().params)),
-          OPERATION(h.manager->sign({h.b}, {}, signer().privateKey, signer().params)),
-          OPERATION(h.manager->sign({h.b}, {}, signer().privateKey, signer().identity.certificate,
-                                    signer().chain, signer().options, signer().params, signer().trusted)),
-          OPERATION(h.manager->sign({h.b}, {}, *signer().bundle, signer().options, signer().params,
-                                    signer().trusted)),
-          OPERATION(
-              h.manager->countersignAllSignatures(signer().privateKey, signer().publicKey, signer().params)),
-          OPERATION(h.manager->countersignAllSignatures(signer().privateKey, signer().params)),
-          OPERATION(h.manager->countersignAllSignatures(signer().privateKey, signer().identity.certificate,
-                                                        signer().chain, signer().options, signer().params,
-                                                        signer().trusted)),
-          OPERATION(h.manager->countersignAllSignatures(*signer().bundle, signer().options, signer().params,
-                                                        signer().trusted)),
-          OPERATION(h.manager->signPackage(signer().privateKey, signer().params)),
-          OPERATION(h.manager->signPackage(*signer().bundle, signer().options, signer().params,
-                                           signer().trusted))}},
+          OPERATION(h.manager->sign({h.b}, {}, s.privateKey, s.publicKey, s.params)),
+          OPERATION(h.manager->sign({h.b}, {}, s.privateKey, s.params)),
+          OPERATION(h.manager->sign({h.b}, {}, s.privateKey, s.certificate, s.chain, s.options, s.params,
+                                    s.trusted)),
+          OPERATION(h.manager->sign({h.b}, {}, *s.bundle, s.options, s.params, s.trusted)),
+          OPERATION(h.manager->countersignAllSignatures(s.privateKey, s.publicKey, s.params)),
+          OPERATION(h.manager->countersignAllSignatures(s.privateKey, s.params)),
+          OPERATION(h.manager->countersignAllSignatures(s.privateKey, s.certificate, s.chain, s.options,
+                                                        s.params, s.trusted)),
+          OPERATION(h.manager->countersignAllSignatures(*s.bundle, s.options, s.params, s.trusted)),
+          OPERATION(h.manager->signPackage(s.privateKey, s.params)),
+          OPERATION(h.manager->signPackage(*s.bundle, s.options, s.params, s.trusted))}},
         {{NO_PART, CLOSED, NEVER, DONE, DONE, DONE},
-         {OPERATION(h.manager->sign({h.a}, {}, signer().privateKey, signer().params))}},
+         {OPERATION(h.manager->sign({h.a}, {}, s.privateKey, s.params))}},
         {{DONE, CLOSED, NEVER, NO_SIGNATURE, DONE, DONE},
          {OPERATION(h.manager->getSignature(u"sig1")), OPERATION(h.manager->removeSignature(u"sig1")),
           OPERATION(h.manager->removeSignature(*h.signature))}},
         {{UNREADABLE, UNREADABLE, NEVER, DONE, DONE, DONE},
-         {OPERATION(h.manager->verifySignature(*h.signature, signer().publicKey)),
-          OPERATION(h.manager->verifySignature(*h.signature, signer().fingerprints, signer().options,
-                                               signer().trusted)),
-          OPERATION(h.manager->verifySignature(*h.signature, signer().identity.certificate,
-                                               signer().fingerprints, signer().chain, signer().options,
-                                               signer().trusted)),
-          OPERATION(
-              h.manager->verifyAllSignatures(signer().fingerprints, signer().options, signer().trusted))}},
+         {OPERATION(h.manager->verifySignature(*h.signature, s.publicKey)),
+          OPERATION(h.manager->verifySignature(*h.signature, s.fingerprints, s.options, s.trusted)),
+          OPERATION(h.manager->verifySignature(*h.signature, s.certificate, s.fingerprints, s.chain,
+                                               s.options, s.trusted)),
+          OPERATION(h.manager->verifyAllSignatures(s.fingerprints, s.options, s.trusted))}},
         {{NO_SIGNATURE, CLOSED, NEVER, NO_SIGNATURE, NO_SIGNATURE, NO_SIGNATURE},
          {OPERATION(h.manager->getCountersignature())}},
         {{NO_COUNTERSIGNATURE, CLOSED, NEVER, NO_COUNTERSIGNATURE, NO_COUNTERSIGNATURE, NO_COUNTERSIGNATURE},
-         {OPERATION(h.manager->verifyCountersignature(signer().publicKey)),
-          OPERATION(
-              h.manager->verifyCountersignature(signer().fingerprints, signer().options, signer().trusted)),
-          OPERATION(h.manager->verifyCountersignature(signer().identity.certificate, signer().fingerprints,
-                                                      signer().chain, signer().options, signer().trusted))}},
+         {OPERATION(h.manager->verifyCountersignature(s.publicKey)),
+          OPERATION(h.manager->verifyCountersignature(s.fingerprints, s.options, s.trusted)),
+          OPERATION(h.manager->verifyCountersignature(s.certificate, s.fingerprints, s.chain, s.options,
+                                                      s.trusted))}},
     };
     return all;
 }
@@ -298,7 +290,7 @@ TEST(StaleHandles, answerEveryOperationAsDocumented) {
                 SCOPED_TRACE(std::string(operation.name) + " after: " + EVENTS[i].name);
                 Handles handles;
                 EVENTS[i].happen(handles);
-                EXPECT_EQ(opc::test::outcomeOf([&] { operation.run(handles); }), group.outcomes[i]);
+                EXPECT_EQ(opc::test::outcomeOf([&] { operation.run(handles, signer()); }), group.outcomes[i]);
             }
 }
 

@@ -1,27 +1,21 @@
 #pragma once
 
+#include "support/Outcome.hpp"
+
 #include <opc/core/Exception.hpp>
 
 #include <gtest/gtest.h>
-
-#include <string>
-#include <typeinfo>
 
 namespace opc::test {
 
 /// Whether `action` raises exactly the class `E` (no class derived from it) with exactly `message`.
 template <typename E, typename Action>
 testing::AssertionResult throws(const std::string& message, Action&& action) {
-    try {
-        action();
-    } catch (const std::exception& caught) {
-        if (typeid(caught) != typeid(E))
-            return testing::AssertionFailure() << "raised " << typeid(caught).name() << ": " << caught.what();
-        if (message != caught.what())
-            return testing::AssertionFailure() << "message: " << caught.what() << "\nexpected: " << message;
+    const std::string outcome = outcomeOf(action);
+    const std::string expected = boost::core::demangle(typeid(E).name()) + ": " + message;
+    if (outcome == expected)
         return testing::AssertionSuccess();
-    }
-    return testing::AssertionFailure() << "raised nothing; expected: " << message;
+    return testing::AssertionFailure() << "raised " << outcome << "\nexpected: " << expected;
 }
 
 } // namespace opc::test
