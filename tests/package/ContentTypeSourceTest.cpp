@@ -141,19 +141,13 @@ TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
                   package.open(OpenMode::ReadOnly))
         << "elements are found by their names without a prefix";
 
-    const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
-    const std::string empty = toText(contentTypes(""));
     for (const std::string& text :
-         {std::string(), std::string("no xml"), std::string("<Types/>"), empty.substr(0, 80),
-          replaced(empty, head, "<!DOCTYPE Types>"), replaced(empty, "UTF-8", "ISO-8859-1")}) {
+         {std::string(), std::string("no xml"), std::string("<Types/>"),
+          replaced(toText(contentTypes("")), "UTF-8", "ISO-8859-1"), toText(contentTypes("<Other/>")),
+          toText(contentTypes(R"(<Default Extension="" ContentType="a/b"/>)")),
+          toText(contentTypes(R"(<Default Extension="xml" ContentType=""/>)"))}) {
         store.setContentTypes(toBytes(text));
         EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << text;
-    }
-    for (const char* entry :
-         {"<Other/>", R"(<Default Extension="" ContentType="a/b"/>)",
-          R"(<Default Extension="xml" ContentType=""/>)", R"(<Default Extension="xml"/>)"}) {
-        store.setContentTypes(contentTypes(entry));
-        EXPECT_THROW(package.open(OpenMode::ReadOnly), InvalidContentTypeStream) << entry;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <random>
 #include <sstream>
+#include <tuple>
 
 namespace {
 
@@ -74,15 +75,11 @@ TEST_F(ZipPackages, copiesWhatHasNotChangedAsItIsCompressed) {
 
     const auto after = readZip(package.bytes());
     ASSERT_EQ(after.size(), before.size() + 1);
-    for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(after[i].name, before[i].name);
-        EXPECT_EQ(after[i].data, before[i].data) << before[i].name;
-        EXPECT_EQ(after[i].method, before[i].method) << before[i].name;
-        EXPECT_EQ(after[i].crc, before[i].crc) << before[i].name;
-        EXPECT_EQ(after[i].time, before[i].time) << before[i].name;
-        EXPECT_EQ(after[i].attributes, before[i].attributes) << before[i].name;
-        EXPECT_EQ(after[i].extra, before[i].extra) << before[i].name;
-    }
+    const auto fields = [](const RawItem& i) {
+        return std::tie(i.name, i.data, i.method, i.crc, i.time, i.attributes, i.extra);
+    };
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_TRUE(fields(after[i]) == fields(before[i])) << before[i].name;
     EXPECT_EQ(after[4].name, "old.xml");
     EXPECT_EQ(after[4].method, 0U) << "an item that was stored stays stored";
     EXPECT_EQ(after[5].name, "[CONTENT_TYPES].xml");
@@ -161,14 +158,11 @@ TEST_F(ZipPackages, readsSeveralPartsAtATime) {
     create(package, u"/new", letters(30000));
     package.close(false);
     package.open(OpenMode::ReadOnly);
-    const auto parts = package.getParts();
-    std::vector<std::string> texts(parts.size());
     for (int round = 0; round < 3; ++round) {
         std::vector<opc::interfaces::IPhysicalInputStream*> streams;
-        for (auto* part : parts)
+        for (auto* part : package.getParts())
             streams.push_back(part->getInputStream());
-        for (std::string& text : texts)
-            text.clear();
+        std::vector<std::string> texts(streams.size());
         for (bool more = true; more;) {
             more = false;
             for (std::size_t i = 0; i < streams.size(); ++i) {
@@ -185,30 +179,27 @@ TEST_F(ZipPackages, readsSeveralPartsAtATime) {
 }
 
 TEST_F(ZipPackages, leavesTheArchiveAsItWasUnlessItIsSaved) {
-    for (const OpenMode mode : {OpenMode::ReadWrite, OpenMode::CreateOnly}) {
-        writeFile(path, sample());
-        {
-            ZipPackage package(path);
-            package.open(mode);
-            create(package, u"/a.xml", "changed");
-            package.deletePart(u"/a.xml");
-            putContentTypes(package, "changed");
-            package.close(true);
-            EXPECT_EQ(readFile(path), sample());
-            package.open(mode);
-            create(package, u"/a.xml", "changed");
-        }
-        EXPECT_EQ(readFile(path), sample());
-        EXPECT_EQ(folder.count(), 1U);
-    }
+    writeFile(path, sample());
     const auto written = std::filesystem::last_write_time(path);
-    ZipPackage package(path);
+    for (const OpenMode mode : {OpenMode::ReadWrite, OpenMode::CreateOnly}) {
+        ZipPackage package(path);
+        for (const bool abandons : {true, false}) { // or goes without a close
+            package.open(mode);
+            create(package, u"/a.xml", "changed");
+            if (abandons)
+                package.close(true);
+        }
+    }
     for (const OpenMode mode : {OpenMode::ReadOnly, OpenMode::ReadWrite}) {
+        ZipPackage package(path);
         package.open(mode);
         EXPECT_EQ(content(*find(package, u"/b.xml")), PROSE);
         package.close(false);
-        EXPECT_EQ(std::filesystem::last_write_time(path), written) << "nothing has changed";
     }
+    EXPECT_EQ(readFile(path), sample());
+    EXPECT_EQ(std::filesystem::last_write_time(path), written);
+    EXPECT_EQ(folder.count(), 1U);
+    ZipPackage package(path);
     package.open(OpenMode::CreateOnly);
     create(package, u"/only", "x");
     package.close(false);

@@ -69,7 +69,7 @@ TEST_F(RelationshipsDocument, relationshipsOutliveTheirSourcesAndEachOther) {
         for (int source = 0; source < 200; ++source) {
             const std::string number = std::to_string(source);
             std::string elements;
-            for (int i = source == 100 ? 500 : source % 3; i >= 0; --i)
+            for (int i = source == 100 ? 20000 : source % 3; i >= 0; --i)
                 elements.append(R"(<Relationship Id="r)" + std::to_string(i) + R"(" Type="type)" + number +
                                 R"(" Target="target)" + number + R"("/>)");
             RelationshipManager one(URI(opc::toString("/part" + number, true)));
@@ -177,14 +177,6 @@ TEST_F(RelationshipsDocument, manyAreReadWithoutGrowing) {
     for (int i = 0; i < 1000; ++i)
         read(document);
     EXPECT_LT(mallinfo2().uordblks, before + (1U << 20)) << "documents stay in the parser's pool";
-}
-
-TEST_F(RelationshipsDocument, manyRelationshipsAreRead) {
-    std::string elements;
-    for (int i = 0; i < 20000; ++i)
-        elements += R"(<Relationship Id="r)" + std::to_string(i) + R"(" Type="t:t" Target="x"/>)";
-    read(relationships(elements));
-    EXPECT_EQ(manager.getRelationships({}).size(), 20000U);
 }
 
 } // namespace
