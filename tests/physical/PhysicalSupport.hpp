@@ -109,11 +109,11 @@ testing::AssertionResult fails(int code, const std::string& words, Action&& acti
     try {
         action();
     } catch (const Exception& caught) {
-        if (caught.code() != boost::system::error_code(code, boost::system::generic_category()))
-            return testing::AssertionFailure() << "code " << caught.code() << ": " << caught.what();
-        if (std::string(caught.what()).find(words) == std::string::npos)
-            return testing::AssertionFailure() << "message: " << caught.what() << "\nexpected: " << words;
-        return testing::AssertionSuccess();
+        if (caught.code() == boost::system::error_code(code, boost::system::generic_category()) &&
+            std::string(caught.what()).find(words) != std::string::npos)
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure()
+               << caught.code() << ": " << caught.what() << "\nexpected: " << words;
     }
     return testing::AssertionFailure() << "raised nothing; expected: " << words;
 }

@@ -52,23 +52,20 @@ TEST_F(RelationshipSources, refuseBadInternalTargets) {
     const auto create = [&](const char16_t* target) {
         part.createInternalRelationship(u"", URI(target), u"1");
     };
-    const std::pair<const char16_t*, const char*> refused[] = {
-        {u"http://h/a/x.xml", "Relationship target cannot be an absolute URI for an internal relationship"},
-        {u"mailto:a", "Relationship target cannot be an absolute URI for an internal relationship"},
-        {u"x.", "A segment shall not end with a dot ('.') character [M1.9]"},
-        {u"/a/x%41", "A segment shall not contain percent-encoded unreserved characters. [M1.8]"},
-        {u"x/", "A part name shall not have a forward slash as the last character [M1.5]"},
-        {u"_rels/b.xml.rels", "Relationship target cannot be a relationship part name."},
-        {u"/_rels/.rels", "Relationship target cannot be a relationship part name."},
-        {u"//h/x.xml", "A part name shall not have empty segments [M1.3]"},
-        {u"", "Relationship target cannot be the same as the source."},
-        {u"b.xml", "Relationship target cannot be the same as the source."},
-        {u"B.xml", "Relationship target cannot be the same as the source."},
-        {u"/A/b.xml", "Relationship target cannot be the same as the source."},
-        {u"../a/./b.xml", "Relationship target cannot be the same as the source."},
+    const std::pair<const char*, std::vector<const char16_t*>> refused[] = {
+        {"Relationship target cannot be an absolute URI for an internal relationship",
+         {u"http://h/a/x.xml", u"mailto:a"}},
+        {"A segment shall not end with a dot ('.') character [M1.9]", {u"x."}},
+        {"A segment shall not contain percent-encoded unreserved characters. [M1.8]", {u"/a/x%41"}},
+        {"A part name shall not have a forward slash as the last character [M1.5]", {u"x/"}},
+        {"A part name shall not have empty segments [M1.3]", {u"//h/x.xml"}},
+        {"Relationship target cannot be a relationship part name.", {u"_rels/b.xml.rels", u"/_rels/.rels"}},
+        {"Relationship target cannot be the same as the source.",
+         {u"", u"b.xml", u"B.xml", u"/A/b.xml", u"../a/./b.xml"}},
     };
-    for (const auto& [target, message] : refused)
-        EXPECT_RAISES(InvalidRelationshipTarget, message, create(target));
+    for (const auto& [message, targets] : refused)
+        for (const char16_t* target : targets)
+            EXPECT_RAISES(InvalidRelationshipTarget, message, create(target));
     EXPECT_RAISES(UnsupportedRelativize, "URI's paths must be different.", create(u"/a/b.xml"));
     EXPECT_RAISES(InvalidRelationshipTarget,
                   "External relationship target is not a valid xsd::anyURI. See http://www.w3.org/TR/leiri/.",
