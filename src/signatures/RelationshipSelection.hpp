@@ -2,9 +2,9 @@
 
 #include <opc/model/RelationshipSource.hpp>
 
+#include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -28,7 +28,8 @@ public:
     std::vector<Relationship> take() { return std::move(selected); }
 
 private:
-    using Groups = std::unordered_map<std::u16string, std::vector<Relationship>>;
+    // Trees, since nobody can choose texts that make them slow.
+    using Groups = std::map<std::u16string, std::vector<Relationship>>;
 
     struct Source {
         int timesAsked = 0;
@@ -38,7 +39,7 @@ private:
     template <typename Relationships>
     bool add(const Relationships& relationships);
 
-    std::unordered_map<std::u16string, Source> sources;
+    std::map<std::u16string, Source> sources;
     std::vector<Relationship> selected;
 };
 
