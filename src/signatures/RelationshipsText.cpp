@@ -1,6 +1,7 @@
 #include "signatures/RelationshipsText.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Exception.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
@@ -14,10 +15,22 @@
 
 namespace opc::model {
 
+namespace {
+
+/// A small document can select a long relationship as often as it likes.
+constexpr std::uint64_t MAXIMUM_LENGTH = std::uint64_t{4} << 30;
+
+} // namespace
+
 RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationships) {
     const std::vector<Entry> entries = collect(relationships);
     text = serialise(entries);
     findRuns(entries);
+    std::uint64_t length = 0;
+    for (const Run& part : runs)
+        length += (part.end - part.begin) * part.count;
+    if (length > MAXIMUM_LENGTH)
+        throw Exception("The selected relationships of a signature can't have more than 4 GiB.");
     open();
 }
 

@@ -20,6 +20,7 @@ namespace opc::model {
 class RelationshipsText final : public InputStream {
 public:
     /// @throws InvalidXMLDocument
+    /// @throws opc::Exception  if the document has more than 4 GiB
     explicit RelationshipsText(const std::vector<Relationship>& relationships);
 
     void open() override;
