@@ -103,6 +103,29 @@ TEST_F(EditedSignature, aPartIsReadOnceHoweverManyReferencesAreToIt) {
     close(true);
 }
 
+TEST_F(EditedSignature, isReadOnceHoweverManyRelationshipsLeadToIt) {
+    std::string relationships;
+    for (int i = 0; i < 50; ++i)
+        relationships += "<Relationship Id='s" + std::to_string(i) +
+                         "' Type='http://schemas.openxmlformats.org/package/2006/relationships/"
+                         "digitalsignature/signature' Target='sig1.xml'/>";
+    store.setPart(u"/_xmlsignatures/_rels/origin.sigs.rels", opc::test::relationships(relationships));
+    ScriptedPackage watched(store);
+    package = std::make_unique<Package>(watched);
+    manager = std::make_unique<DigitalSignatureManager>(*package);
+    package->open(opc::interfaces::OpenMode::ReadOnly);
+    int reads = 0;
+    watched.beforeEach = [&reads](const std::string& call) {
+        reads += call == "read /_xmlsignatures/sig1.xml" ? 1 : 0;
+    };
+    const auto signatures = manager->getSignatures();
+    EXPECT_EQ(signatures.size(), 50U);
+    EXPECT_EQ(reads, 1);
+    for (const DigitalSignature& signature : signatures)
+        EXPECT_EQ(verify(signature), 0);
+    close(true);
+}
+
 /// References without a digest that counts: a document needs no valid signature to be loaded.
 TEST_F(EditedSignature, loadsInTimeForAsManyReferencesAsThereAreRelationships) {
     constexpr int COUNT = 8000;

@@ -245,7 +245,8 @@ private:
     void throwIfNotValidSignaturePart(const PartName& partName) const;
 
     void ensureLoaded() const;
-    void loadSignature(const Part& part);
+    std::shared_ptr<DigitalSignatureData> readSignature(const Part& part) const;
+    void addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data, const Part& part);
     void updateNextSignatureID(std::u16string id, const Part& part);
     void fillUpSignedEntities(DigitalSignatureData& data) const;
     void fillUpSignedRelationships(const Reference& reference, const PartName& relationshipsPart,
