@@ -193,6 +193,23 @@ TEST(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
     EXPECT_EQ(readFile(path).size(), 22U) << "a new package replaces whatever there is";
 }
 
+TEST(ZipSaving, survivesThatOthersWriteIntoTheArchive) {
+    const TemporaryFolder folder;
+    const auto path = folder / "a.zip";
+    std::vector<RawItem> items; // their directory is longer than what is read ahead
+    for (int i = 0; i < 1000; ++i)
+        items.push_back(stored("item" + std::to_string(i), "alpha"));
+    const Bytes old = makeZip(items);
+    writeFile(path, old);
+    ZipPackage package(path);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/b", "beta");
+    writeFile(path, Bytes(old.size(), 0xFF));
+    EXPECT_TRUE(fails(ESTALE, "has been changed by another program", [&] { package.close(false); }));
+    package.close(true);
+    EXPECT_EQ(folder.count(), 1U);
+}
+
 TEST(ZipSaving, saysAtOpenWhatCannotBeOpened) {
     const TemporaryFolder folder;
     writeFile(folder / "file", makeZip({}));
