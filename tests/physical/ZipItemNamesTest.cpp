@@ -83,10 +83,12 @@ TEST(ZipItemNames, ofNewPartsMustBePartNames) {
     ZipPackage package(Bytes{});
     package.open(OpenMode::CreateOnly);
     for (const char16_t* name : {u"", u"/", u"a", u"/a/", u"/a//b", u"/a.", u"/a b", u"/\u00e9", u"/a%2Fb",
-                                 u"/[Content_Types].xml", u"/a/[0].piece", u"/C:/a"}) {
+                                 u"/[Content_Types].xml", u"/a/[0].piece", u"/C:/a", u"/__MacOSX/a"}) {
         EXPECT_TRUE(fails(EINVAL, "no part name: ", [&] { create(package, name, ""); }))
             << opc::toUDEString(name);
     }
+    EXPECT_TRUE(fails(EINVAL, "no part name: longer than an archive has room for",
+                      [&] { create(package, u"/" + std::u16string(65536, u'a'), ""); }));
     EXPECT_TRUE(package.getParts().empty());
 }
 

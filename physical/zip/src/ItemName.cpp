@@ -199,7 +199,14 @@ ItemName readItemName(string_view item) {
 }
 
 const char* partNameDefect(string_view name) {
-    return name.substr(0, 1) == "/" ? defectOf(name.substr(1)) : "no slash in front";
+    constexpr std::size_t LONGEST = 0xFFFF;
+    if (name.substr(0, 1) != "/")
+        return "no slash in front";
+    name.remove_prefix(1);
+    if (name.size() > LONGEST)
+        return "longer than an archive has room for";
+    const char* defect = defectOf(name);
+    return defect ? defect : reasonToIgnore(name);
 }
 
 } // namespace opc::physical::zip
