@@ -1,5 +1,6 @@
 #include "tools/OpctoolFixture.hpp"
 
+#include <algorithm>
 #include <ctime>
 
 namespace {
@@ -147,6 +148,29 @@ TEST_F(Opctool, infoGivesAnOverview) {
           "\n    2         1  urn:t\n", "\nThumbnails: 1\n/thumb.png\n", "\nCore properties: 1\n",
           "\ntitle     t\n", "\nItems of the container that are no parts: 1\n", "\n[trash]/0000.dat  "})
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
+}
+
+TEST_F(Opctool, noCommandToTheTerminalComesOutOfAPackage) {
+    write("properties", "<?xml version='1.1'?><cp:coreProperties xmlns:cp='http://schemas.openxmlformats.org/"
+                        "package/2006/metadata/core-properties'><cp:lastPrinted>&#x1b;[2J&#x9b;2J&#xa;"
+                        "</cp:lastPrinted></cp:coreProperties>");
+    const std::string type = "http://schemas.openxmlformats.org/package/2006/relationships/metadata/";
+    for (const std::string& command :
+         {std::string("new p.zip"), std::string("add p.zip /p.xml properties --type application/xml"),
+          "relate p.zip / " + type + "core-properties /p.xml",
+          "relate p.zip / " + type +
+              "thumbnail 'a\x7f\xC2\x9B"
+              "2Jb\nc' --external"})
+        ASSERT_EQ(run(command).status, 0) << command;
+    const Outcome failure = run("props p.zip");
+    EXPECT_EQ(failure.status, 3);
+    EXPECT_EQ(std::count(failure.errors.begin(), failure.errors.end(), '\n'), 1) << failure.errors;
+    const Outcome overview = run("info p.zip");
+    EXPECT_EQ(overview.status, 0);
+    EXPECT_NE(overview.output.find("\na  2Jb c\n"), std::string::npos) << overview.output;
+    for (const std::string& text : {failure.errors, overview.output})
+        for (const char* command : {"\x1b", "\x7f", "\xC2\x9B"})
+            EXPECT_EQ(text.find(command), std::string::npos) << text;
 }
 
 TEST_F(Opctool, propsOfOfficeDocumentsAreAFixedPoint) {
