@@ -25,6 +25,10 @@ const std::string USUAL_SIGNATURE =
     R"(<pds:SignatureTime><pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format><pds:Value>2024-02-29T12:30Z</pds:Value>)"
     R"(</pds:SignatureTime></SignatureProperty></SignatureProperties></Object></Signature>)";
 
+std::string withKeyInfo(const std::string& document, const std::string& content) {
+    return inserted(document, "</SignatureValue>", "<KeyInfo>" + content + "</KeyInfo>");
+}
+
 std::string unknownToSchema(const std::string& document) {
     const std::string root = R"(<Signature Id="Signature7" xmlns="http://www.w3.org/2000/09/xmldsig#">)";
     const std::string content = replaced(replaced(document, root, ""), "</Signature>", "");
