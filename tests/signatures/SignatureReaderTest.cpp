@@ -43,6 +43,10 @@ Change withKeyInfo(const std::string& content) {
     return {VALUE, "</SignatureValue><KeyInfo>" + content + "</KeyInfo>"};
 }
 
+Change withCertificate(const std::string& text) {
+    return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
+}
+
 Change withRelationshipTransform(const std::string& content) {
     return {PART,
             std::string("<Transforms>") + RELATIONSHIP_TRANSFORM + content + "</Transform></Transforms>"};
@@ -165,12 +169,8 @@ TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
 }
 
 TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
-    const auto withCertificate = [](const std::string& key) {
-        return withKeyInfo("<X509Data><X509Certificate>" + certificate(key) +
-                           "</X509Certificate></X509Data>");
-    };
-    const Change key3072 = withCertificate("rsa:3072");
-    const Change ellipticKey = withCertificate("ec -pkeyopt ec_paramgen_curve:P-256");
+    const Change key3072 = withCertificate(certificate("rsa:3072"));
+    const Change ellipticKey = withCertificate(certificate("ec -pkeyopt ec_paramgen_curve:P-256"));
     expectRefusal<NotImplemented>(Change{"xmldsig#Object", "xmldsig#SignatureProperties"}.apply(),
                                   "XMLDSig SignatureProperties element is not supported yet.");
     expectRefusal<NotImplemented>(
@@ -210,13 +210,10 @@ TEST_F(SignatureReader, theSchemaAndTheParserRefuseTheRest) {
 TEST_F(SignatureReader, badKeyMaterialKeepsItsOwnClass) {
     const std::string whole = certificate("rsa:2048");
     const std::string cutShort = whole.substr(0, whole.size() / 2 / 4 * 4);
-    const auto withCertificate = [](const std::string& text) {
-        return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>").apply();
-    };
     EXPECT_THROW(read(unknownToSchema(Change{"BAUG", "BA*G"}.apply())), bedrock::crypto::utils::Exception);
-    EXPECT_THROW(read(unknownToSchema(withCertificate("A%B="))), bedrock::crypto::utils::Exception);
+    EXPECT_THROW(read(unknownToSchema(withCertificate("A%B=").apply())), bedrock::crypto::utils::Exception);
     for (const std::string& text : {std::string("AQID"), cutShort, whole.substr(4)})
-        EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException);
+        EXPECT_THROW(read(withCertificate(text).apply()), bedrock::certificates::X509CertificateException);
 }
 
 TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
@@ -353,19 +350,6 @@ TEST_F(SignatureReader, furtherObjectsAreKeptAsText) {
               u"<Object xmlns=\"http://www.w3.org/2000/09/xmldsig#\" Id=\"idText\">some text</Object>");
     EXPECT_EQ(data->m_content.signedInfoReferences.size(), 2U);
     EXPECT_EQ(data->m_content.manifestReferences.size(), 1U);
-}
-
-TEST_F(SignatureReader, aHiddenPackageObjectAddsItsReferences) {
-    // It stands in another namespace, where an Id may be there twice: its references count as signed.
-    const std::string hidden =
-        "<Object Id='idOther'><any xmlns='urn:any'><Object Id='idPackageObject'><Manifest><Reference "
-        "URI='/b.xml'>"
-        "<DigestMethod Algorithm='urn:any'/><DigestValue>AQ==</DigestValue></Reference></Manifest>"
-        "<SignatureProperties/></Object></any></Object>";
-    read(inserted(USUAL_SIGNATURE, "</Object>", hidden));
-    EXPECT_EQ(data->m_content.manifestReferences.size(), 2U);
-    EXPECT_NE(data->m_objects.at(u"idPackageObject").XMLBytes.find(u"/a.xml"), std::u16string::npos)
-        << "the first object of an Id stays";
 }
 
 TEST_F(SignatureReader, aCommentInFrontGivesItsText) {
