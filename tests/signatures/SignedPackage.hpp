@@ -23,14 +23,6 @@
 
 namespace opc::test {
 
-/// A pair of keys of that size, made once in a program.
-inline const bedrock::crypto::RsaKeyPair& keysOf(std::size_t bits) {
-    static std::map<std::size_t, bedrock::crypto::RsaKeyPair> made;
-    const auto found = made.find(bits);
-    return found != made.end() ? found->second
-                               : made.emplace(bits, bedrock::crypto::generateRsaKeyPair(bits)).first->second;
-}
-
 constexpr model::DigestMethod ALL_DIGESTS[] = {model::DigestMethod::MD5,    model::DigestMethod::SHA1,
                                                model::DigestMethod::SHA224, model::DigestMethod::SHA256,
                                                model::DigestMethod::SHA384, model::DigestMethod::SHA512};

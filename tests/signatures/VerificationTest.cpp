@@ -125,16 +125,13 @@ TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsk
 
 class CertificateSignatures : public Verification {
 protected:
-    CertificateSignatures() : root(makeIssuer("Root")) {
-        CertificateRecipe recipe;
-        recipe.issuer = &root;
-        signer = makeIdentity(recipe);
+    CertificateSignatures() : root(makeIssuer("Root")), signer(makeSigner(&root)) {
         trusted.addCertificate(root.certificate);
         other.addCertificate(makeIssuer("Other").certificate);
     }
 
     DigitalSignature signWithCertificate(const SignatureParams& with = SignatureParams()) {
-        return manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), signer->certificate, chain,
+        return manager->sign({PartName(u"/a.xml")}, {}, signer.getPrivateKey(), signer.certificate, chain,
                              options, with, trusted);
     }
 
@@ -145,7 +142,7 @@ protected:
     }
 
     Identity root;
-    std::optional<Identity> signer;
+    Identity signer;
     X509CertificateChain chain;
     CertificateValidationOptions options;
     TrustStore trusted;
@@ -160,12 +157,12 @@ TEST_F(CertificateSignatures, holdByTheirTrustStoreOrFingerprint) {
     reopen();
     EXPECT_TRUE(manager->verifyAllSignatures(none, options, trusted).isProperlyCodesigned());
     const DigitalSignature signature = manager->getSignature(u"sig1");
-    EXPECT_EQ(signature.getCertificate().getSHA256Fingerprint(), signer->certificate.getSHA256Fingerprint());
+    EXPECT_EQ(signature.getCertificate().getSHA256Fingerprint(), signer.certificate.getSHA256Fingerprint());
     EXPECT_EQ(verify(signature, other), UNKNOWN_ISSUER);
     FingerprintStore known;
-    known.addFingerprint(signer->certificate.getSHA256Fingerprint());
+    known.addFingerprint(signer.certificate.getSHA256Fingerprint());
     EXPECT_EQ(verify(signature, other, known), 0);
-    EXPECT_TRUE(manager->verifySignature(signature, signer->certificate, none, chain, options, trusted)
+    EXPECT_TRUE(manager->verifySignature(signature, signer.certificate, none, chain, options, trusted)
                     .isProperlyCodesigned());
     writeAll(part(u"/a.xml"), "changed");
     EXPECT_EQ(verify(signature, other), 101) << "a changed part outranks an untrusted chain";
@@ -178,8 +175,8 @@ TEST_F(CertificateSignatures, holdWithEveryDigest) {
 
 TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
     const OpenSslCommand openssl;
-    openssl.write("key.der", signer->getPrivateKey());
-    openssl.write("certificate.der", signer->certificate.getAsByteArray());
+    openssl.write("key.der", signer.getPrivateKey());
+    openssl.write("certificate.der", signer.certificate.getAsByteArray());
     openssl.run("pkey -inform DER -in key.der -out key");
     openssl.run("x509 -inform DER -in certificate.der -out certificate");
     const auto bundle = [&](const std::string& content) {
@@ -206,20 +203,17 @@ TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
     reopen();
     EXPECT_TRUE(manager->verifyCountersignature(none, options, trusted).isProperlyCodesigned());
     EXPECT_TRUE(manager->verifyCountersignature(none, options, other).isErrorFromCertificateChain());
-    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, trusted)
+    EXPECT_TRUE(manager->verifyCountersignature(signer.certificate, none, chain, options, trusted)
                     .isProperlyCodesigned());
-    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, other)
+    EXPECT_TRUE(manager->verifyCountersignature(signer.certificate, none, chain, options, other)
                     .isErrorFromCertificateChain());
 }
 
 TEST_F(CertificateSignatures, aTimeBeyondTheClockIsTheEndOfIt) {
-    CertificateRecipe recipe;
-    recipe.issuer = &root;
-    recipe.notAfter = "20400101000000Z";
-    signer = makeIdentity(recipe);
+    signer = makeSigner(&root, [](CertificateRecipe& r) { r.notAfter = "20400101000000Z"; });
     const DataToSign content{{PartName(u"/a.xml")}, {{1}}, {ContentType(u"text/xml")}, {}, {}};
-    DigitalSignatureData signature(u"1", signer->getPrivateKey(), signer->certificate, chain,
-                                   SignatureParams(), content);
+    DigitalSignatureData signature(u"1", signer.getPrivateKey(), signer.certificate, chain, SignatureParams(),
+                                   content);
     const std::pair<const char16_t*, int> times[] = {
         {u"2020", 0}, {u"2263", 3}, {u"9999-12-31T23:59:59Z", 3}, {u"1677", 4}, {u"1500", 4}};
     for (const auto& [time, code] : times) {
@@ -230,7 +224,7 @@ TEST_F(CertificateSignatures, aTimeBeyondTheClockIsTheEndOfIt) {
 }
 
 TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
-    Bytes key = signer->getPrivateKey();
+    Bytes key = signer.getPrivateKey();
     const auto fails = [&](const std::string& message, const X509Certificate& certificate,
                            const SignatureParams& with, const TrustStore& trust) {
         try {
@@ -243,11 +237,11 @@ TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
     fails("The verification certificate is empty.", X509Certificate(), SignatureParams(), trusted);
     fails("Verification certificate corresponds to key size 2048 but signature params specify a key size of "
           "4096 \n",
-          signer->certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
-    fails("The verification certificate is invalid.", signer->certificate, SignatureParams(), other);
+          signer.certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
+    fails("The verification certificate is invalid.", signer.certificate, SignatureParams(), other);
     EXPECT_FALSE(manager->isPackageSigned());
     key = bedrock::crypto::generateRsaKeyPair(2048).getPrivateKey();
-    fails("The signature doesn't verify correctly with the given certificate.", signer->certificate,
+    fails("The signature doesn't verify correctly with the given certificate.", signer.certificate,
           SignatureParams(), trusted);
     EXPECT_TRUE(manager->isPackageSigned()) << "found out once it is there, and it stays";
 }
