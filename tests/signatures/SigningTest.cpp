@@ -103,7 +103,7 @@ TEST_F(Signing, hasALimitForRepeatedSelections) {
         package->createExternalRelationship(u"urn:many", u"x");
     const RelationshipSelector many(URI(u"/"), RelationshipSelectorType::SourceType, u"urn:many");
     EXPECT_TRUE(throws<CouldNotGenerateSignature>(
-        "A signature can't cover more than 10000000 selected relationships.",
+        "The signatures of a package can't cover more than 10000000 selected relationships.",
         [&] { manager->sign({}, std::vector<RelationshipSelector>(100001, many), privateKey, params); }));
     std::vector<RelationshipSelector> oneTooMany(100000, many);
     oneTooMany.emplace_back(URI(u"/"), RelationshipSelectorType::SourceId, u"rId1");
