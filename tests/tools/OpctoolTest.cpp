@@ -82,7 +82,9 @@ TEST_F(Opctool, wrongUsageHasAStatusOfItsOwn) {
     run("new p.zip");
     for (const char* arguments :
          {"", "nonsense", "ls", "ls p.zip extra", "ls p.zip --nonsense", "rels p.zip / --all",
-          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t"}) {
+          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t",
+          "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a",
+          "props p.zip --set title=M\xFCller"}) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_NE(outcome.errors, "") << arguments;

@@ -76,6 +76,11 @@ void remove(const Arguments& arguments) {
     package.save();
 }
 
+/// What is blank counts as empty when it is read back, and makes the package one that can't be opened.
+std::string checkNotBlank(const std::string& argument) {
+    return argument.find_first_not_of(" \t\r\n") == std::string::npos ? "It is blank" : "";
+}
+
 void relate(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadWrite);
     const std::u16string type = fromArgument(arguments.type);
@@ -130,9 +135,14 @@ void addChangeCommands(CLI::App& app) {
 
     command = addCommand(app, "relate", "Add a relationship and print its ID", relate, arguments);
     command->add_option("SOURCE", arguments->source, sourceHelp)->required();
-    command->add_option("TYPE", arguments->type, "The relationship type, a URI")->required();
-    command->add_option("TARGET", arguments->target, "A part name, or a reference relative to the source")
-        ->required();
+    command->add_option("TYPE", arguments->type, "The relationship type, a URI")
+        ->required()
+        ->check(checkNotBlank);
+    command
+        ->add_option("TARGET", arguments->target,
+                     "A part name, or a reference relative to the source; with --external, any reference")
+        ->required()
+        ->check(checkNotBlank);
     command->add_flag("--external", arguments->external, "The target lies outside the package");
     command->add_option("--id", arguments->id, "The ID, instead of a generated one");
 
