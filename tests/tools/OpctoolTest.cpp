@@ -28,6 +28,13 @@ TEST_F(Opctool, buildsAPackageStepByStep) {
     EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
     EXPECT_EQ(run("cat p.zip /NOTES/a.txt").output, "hello");
 
+    for (const char* content : {"", "a longer text"}) {
+        write("new.txt", content);
+        EXPECT_EQ(run("put p.zip /notes/A.txt new.txt").status, 0);
+        EXPECT_EQ(run("cat p.zip /notes/a.txt").output, content);
+    }
+    EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
+
     EXPECT_EQ(run("unrelate p.zip / rId1").status, 0);
     EXPECT_EQ(run("rm p.zip /notes/a.txt").status, 0);
     EXPECT_EQ(list("rels p.zip --all"), json::array());
@@ -57,6 +64,7 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
          "opctool: InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]\n"},
         {"add p.zip /b note.txt --type text",
          "opctool: InvalidContentType: Could not successfully parse content type string\n"},
+        {"put p.zip /b.txt note.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
         {"rm p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
         {"cat p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
         {"rels p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},

@@ -70,6 +70,12 @@ void add(const Arguments& arguments) {
     package.save();
 }
 
+void put(const Arguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    copyFile(arguments.file, package->getPart(PartName(fromArgument(arguments.part))).getOutputStream());
+    package.save();
+}
+
 void remove(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadWrite);
     package->deletePart(PartName(fromArgument(arguments.part)));
@@ -129,6 +135,12 @@ void addChangeCommands(CLI::App& app) {
         ->required()
         ->check(CLI::ExistingFile);
     command->add_option("--type", arguments->contentType, "Its content type, such as image/png")->required();
+
+    command = addCommand(app, "put", "Give a part the content of a file", put, arguments);
+    command->add_option("PART", arguments->part, "The part's name")->required();
+    command->add_option("FILE", arguments->file, "Where its new content comes from")
+        ->required()
+        ->check(CLI::ExistingFile);
 
     command = addCommand(app, "rm", "Delete a part and its relationships", remove, arguments);
     command->add_option("PART", arguments->part, "The part's name")->required();
