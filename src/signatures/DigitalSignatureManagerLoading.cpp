@@ -64,6 +64,7 @@ void DigitalSignatureManager::ensureLoaded() const {
 void DigitalSignatureManager::doLoad() {
     m_signatures.clear();
     m_nextSignatureID = 1;
+    m_loadedRelationships = 0;
     try {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (origins.empty())
@@ -86,6 +87,7 @@ void DigitalSignatureManager::loadSignature(const Part& part) {
     const StreamRewinder rewinder(stream);
     m_serializer->readSignature(stream, *data);
     fillUpSignedEntities(*data);
+    m_loadedRelationships += data->m_signedRelationships.size();
     m_signatures.push_back(DigitalSignature(data));
     if (data->m_signatureId == COUNTERSIGNATURE_ID)
         return;
@@ -110,7 +112,7 @@ void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
 }
 
 void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
-    RelationshipSelection selection;
+    RelationshipSelection selection(m_loadedRelationships);
     for (const Reference& reference : data.m_content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))

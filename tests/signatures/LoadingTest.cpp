@@ -100,6 +100,23 @@ TEST_F(Loading, whatASignatureNamesMustExist) {
         [&] { manager->getSignatures(); }));
 }
 
+TEST_F(Loading, theSignaturesTogetherHaveALimitForRepeatedSelections) {
+    for (int i = 0; i < 1000; ++i)
+        package->createExternalRelationship(u"urn:many", u"x");
+    const RelationshipSelector many(URI(u"/"), RelationshipSelectorType::SourceType, u"urn:many");
+    manager->sign({}, std::vector<RelationshipSelector>(3400, many), privateKey, publicKey, params);
+    Part origin = part(u"/_xmlsignatures/origin.sigs");
+    const auto type = origin.getRelationships().begin()->getType();
+    origin.createInternalRelationship(type, URI(u"sig1.xml"));
+    reopen();
+    EXPECT_EQ(manager->getSignatures().size(), 2U);
+    part(u"/_xmlsignatures/origin.sigs").createInternalRelationship(type, URI(u"sig1.xml"));
+    reopen();
+    EXPECT_TRUE(throws<InvalidSignature>(
+        "The signatures of a package can't cover more than 10000000 selected relationships.",
+        [&] { manager->getSignatures(); }));
+}
+
 TEST_F(Loading, aForeignIdentifierThatIsNoURILeavesTheRestUsable) {
     signPart(u"/a.xml");
     close(false);

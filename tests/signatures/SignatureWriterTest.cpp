@@ -1,3 +1,4 @@
+#include "signatures/SignatureComposer.hpp"
 #include "signatures/SignatureDocuments.hpp"
 #include "support/PackageContent.hpp"
 #include "support/TemporaryFolder.hpp"
@@ -13,6 +14,7 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -96,6 +98,76 @@ TEST_F(SignatureWriter, writesTheKeyOrTheCertificates) {
     for (const char* key : {"rsa:1024", "rsa:2048", "rsa:3072"})
         x509Data += "<X509Certificate>" + certificate(key) + "</X509Certificate>";
     EXPECT_EQ(piece(write(written), "<KeyInfo>", "<Object"), x509Data + "</X509Data></KeyInfo>");
+}
+
+TEST_F(SignatureWriter, whatIsComposedIsWhatXercesWrites) {
+    written.m_certificate = certificateOf(certificate("rsa:1024"));
+    Reference& both = written.m_content.manifestReferences.back();
+    SignatureProperty& property = written.m_content.signatureProperties.front();
+    std::u16string* const values[] = {&written.m_signatureId,
+                                      &written.m_canonicalizationMethod,
+                                      &written.m_signatureMethod,
+                                      &both.referenceID,
+                                      &written.m_signatureValueInXML,
+                                      &written.m_keyValue->modulus,
+                                      &both.referenceType,
+                                      &written.m_keyValue->exponent,
+                                      &both.relationshipReferences[0],
+                                      &both.transforms[0],
+                                      &both.digestMethod,
+                                      &both.relationshipGroupReferences[0],
+                                      &both.digestValue,
+                                      &property.id,
+                                      &property.target,
+                                      &property.format};
+    std::u16string printable;
+    for (char16_t c = u' '; c <= u'~'; ++c)
+        printable += c;
+    const auto textOf = [](const DigitalSignatureData::OwnedDocument& document) {
+        std::u16string text;
+        XercesHelper::writeDocumentToString(XercesHelper::createWriter().get(), document.get(), text,
+                                            XmlDeclaration::Omit);
+        return opc::toUDEString(text);
+    };
+    std::string composed;
+    std::string element;
+    const auto isWhatXercesWrites = [&] {
+        property.value = u"\u00e9"; // which is left to Xerces
+        EXPECT_FALSE(composePlainSignature(written, composed));
+        const std::string byXerces = replaced(write(written), "\xC3\xA9", "e");
+        property.value = u"e";
+        const bool isObjectPlain = composePlainPackageObject(written.m_content, element);
+        EXPECT_TRUE(!isObjectPlain || element == textOf(written.buildPackageObject()));
+        const bool isSignedInfoPlain = composePlainSignedInfo(written, element);
+        EXPECT_TRUE(!isSignedInfoPlain || element == textOf(written.buildSignedInfo()));
+        const bool isPlain = composePlainSignature(written, composed);
+        EXPECT_EQ(write(written), byXerces);
+        return isPlain && composed == byXerces;
+    };
+    EXPECT_TRUE(isWhatXercesWrites());
+    for (std::u16string* const value : values) {
+        *value += printable;
+        EXPECT_TRUE(isWhatXercesWrites());
+        for (const char16_t* other :
+             {u"\t", u"\r\n", u"\u007f", u"\u0085", u"\u2028", u"\U0001F600", u"\x01"}) {
+            const std::u16string plain = std::exchange(*value, *value + other);
+            EXPECT_FALSE(composePlainSignature(written, composed)) << opc::toUDEString(*value);
+            *value = plain;
+        }
+    }
+    for (std::u16string* const value : values) {
+        const std::u16string before = std::exchange(*value, u"");
+        isWhatXercesWrites();
+        *value = before;
+    }
+    for (auto* const list :
+         {&written.m_content.manifestReferences, &written.m_content.signedInfoReferences}) {
+        const auto before = std::exchange(*list, {});
+        isWhatXercesWrites();
+        *list = before;
+    }
+    written.m_content.signatureProperties.clear();
+    EXPECT_FALSE(composePlainSignature(written, composed));
 }
 
 TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {

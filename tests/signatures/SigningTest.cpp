@@ -95,7 +95,7 @@ TEST_F(Signing, hasALimitForRepeatedSelections) {
     oneTooMany.push_back(byId(u"/", u"rId1"));
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(throws<CouldNotGenerateSignature>(
-            "A signature can't cover more than 10000000 selected relationships.",
+            "The signatures of a package can't cover more than 10000000 selected relationships.",
             [&] { sign({}, oneTooMany); }));
         oneTooMany.back() = oneTooMany.front();
     }

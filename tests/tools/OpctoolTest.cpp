@@ -28,6 +28,13 @@ TEST_F(Opctool, buildsAPackageStepByStep) {
     EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
     EXPECT_EQ(run("cat p.zip /NOTES/a.txt").output, "hello");
 
+    for (const char* content : {"", "a longer text"}) {
+        write("new.txt", content);
+        EXPECT_EQ(run("put p.zip /notes/A.txt new.txt").status, 0);
+        EXPECT_EQ(run("cat p.zip /notes/a.txt").output, content);
+    }
+    EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
+
     EXPECT_EQ(run("unrelate p.zip / rId1").status, 0);
     EXPECT_EQ(run("rm p.zip /notes/a.txt").status, 0);
     EXPECT_EQ(list("rels p.zip --all"), json::array());
@@ -56,6 +63,7 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
          "InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]"},
         {"add p.zip /b note.txt --type text",
          "InvalidContentType: Could not successfully parse content type string"},
+        {"put p.zip /b.txt note.txt", "PartNotFound: No part found with the name:/b.txt"},
         {"rm p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
         {"cat p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
         {"rels p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
@@ -76,11 +84,12 @@ TEST_F(Opctool, wrongUsageHasAStatusOfItsOwn) {
     run("new p.zip");
     for (const char* arguments :
          {"", "nonsense", "ls", "ls p.zip extra", "ls p.zip --nonsense", "rels p.zip / --all",
-          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t"})
+          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t",
+          "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a", "props p.zip --set title=M\xFCller"})
         expectWrongUsage(arguments);
     EXPECT_NE(run("--version").output, "");
     for (const std::string command :
-         {"", "ls", "rels", "cat", "new", "add", "rm", "relate", "unrelate", "props", "info"}) {
+         {"", "ls", "rels", "cat", "new", "add", "put", "rm", "relate", "unrelate", "props", "info"}) {
         const std::string arguments = command + " --help";
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 0) << arguments;

@@ -92,6 +92,18 @@ TEST_F(OpctoolSignatures, signVerifyCountersignUnsign) {
     EXPECT_EQ(list("ls p.docx"), before);
 }
 
+TEST_F(OpctoolSignatures, areRemovedThoughAPartThatTheySignHasGone) {
+    write("x", "content");
+    ASSERT_EQ(run("add p.docx /x x --type text/plain").status, 0);
+    ASSERT_EQ(run("sign p.docx --key k.key").status, 0);
+    ASSERT_EQ(run("countersign p.docx --key k.key").status, 0);
+    ASSERT_EQ(run("rm p.docx /x").status, 0);
+    EXPECT_EQ(run("unsign p.docx sig1").status, 3);
+    EXPECT_EQ(run("unsign p.docx --all").status, 0);
+    EXPECT_EQ(run("ls p.docx").output.find("_xmlsignatures"), std::string::npos);
+    EXPECT_EQ(run("rels p.docx").output.find("digitalsignature"), std::string::npos);
+}
+
 TEST_F(OpctoolSignatures, verifyTellsWhatHasHappened) {
     run("keygen large");
     write("x", "other content");
