@@ -66,6 +66,7 @@ void DigitalSignatureManager::ensureLoaded() const {
 void DigitalSignatureManager::doLoad() {
     m_signatures.clear();
     m_nextSignatureID = 1;
+    m_loadedRelationships = 0;
     try {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (origins.empty())
@@ -77,8 +78,10 @@ void DigitalSignatureManager::doLoad() {
              origin.getRelationshipsByType(getSignatureRelationshipType())) {
             const Part part = getPackage().getPart(PartName(relationship.getTargetURI()));
             std::shared_ptr<DigitalSignatureData>& data = known[&part.getInputStream()];
-            if (!data)
+            if (!data) {
                 data = readSignature(part);
+                m_loadedRelationships += data->m_signedRelationships.size();
+            }
             addLoadedSignature(data, part);
         }
     } catch (const Exception& e) {
@@ -125,7 +128,7 @@ void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
 }
 
 void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
-    RelationshipSelection selection;
+    RelationshipSelection selection(m_loadedRelationships);
     for (const Reference& reference : data.m_content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))

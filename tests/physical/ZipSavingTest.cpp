@@ -51,6 +51,19 @@ mode_t modeOf(const fs::path& path) {
     return status.st_mode & 07777U;
 }
 
+TEST(ZipSaving, goesWhereTheFileWasOpened) {
+    const TemporaryFolder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder / "");
+    ZipPackage package(fs::path("a.zip"));
+    fs::current_path(before);
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/a", "content");
+    package.close(false);
+    EXPECT_TRUE(fs::exists(folder / "a.zip"));
+    EXPECT_FALSE(fs::exists("a.zip"));
+}
+
 TEST(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     const auto path = folder / "a.zip";

@@ -60,9 +60,9 @@ TEST(RelationshipsText, isTheDocumentBuiltWhole) {
     const Relationship a = one.addInternalRelationship(u"rId10", u"t:t", URI(u"x.xml"));
     const Relationship b = one.addExternalRelationship(u"rId2", u"t:<&>\"'", u"a<b>\"c' d&é\u4E2D");
     const Relationship c = two.addInternalRelationship(u"rId10", u"t:t", URI(u"a.xml"));
-    const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>");
+    const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>&>'");
     const std::vector<std::vector<Relationship>> cases = {
-        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c},
+        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c}, {d, c, a},
     };
     for (const auto& relationships : cases)
         for (const std::uint64_t blockSize : {1U, 7U, 4096U})

@@ -13,6 +13,8 @@ namespace {
 
 using std::string_view;
 
+constexpr std::size_t LONGEST_NAME = 0xFFFF; // its length is a field of 16 bits
+
 constexpr char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -199,12 +201,11 @@ ItemName readItemName(string_view item) {
 }
 
 const char* partNameDefect(string_view name) {
-    constexpr std::size_t LONGEST = 0xFFFF;
     if (name.substr(0, 1) != "/")
         return "no slash in front";
     name.remove_prefix(1);
-    if (name.size() > LONGEST)
-        return "longer than an archive has room for";
+    if (name.size() > LONGEST_NAME)
+        return "longer than an archive can hold";
     const char* defect = defectOf(name);
     return defect ? defect : reasonToIgnore(name);
 }
