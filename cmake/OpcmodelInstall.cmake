@@ -28,5 +28,8 @@ write_basic_package_version_file("${CMAKE_BINARY_DIR}/opcmodelConfigVersion.cmak
 install(FILES "${CMAKE_BINARY_DIR}/opcmodelConfig.cmake" "${CMAKE_BINARY_DIR}/opcmodelConfigVersion.cmake"
   DESTINATION ${package_dir})
 
+# Counted from the file's own folder: `cmake --install --prefix` puts it elsewhere.
+file(RELATIVE_PATH OPCMODEL_PC_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" OPCMODEL_PC_TO_PREFIX "${OPCMODEL_PC_TO_PREFIX}")
 configure_file(cmake/opcmodel.pc.in "${CMAKE_BINARY_DIR}/opcmodel.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/opcmodel.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

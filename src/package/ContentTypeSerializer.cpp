@@ -17,7 +17,7 @@
 
 #include <xercesc/dom/DOM.hpp>
 
-#include <unordered_map>
+#include <map>
 
 namespace opc::model {
 
@@ -32,7 +32,8 @@ std::u16string readAttribute(const xercesc::DOMElement* element, const XercesStr
     return value;
 }
 
-/// The content types of one stream, which has few different ones: each is parsed once.
+/// The content types of one stream, which has few different ones: each is parsed once. They stand in a tree,
+/// since nobody can choose texts that make it slow.
 class ContentTypeReader {
 public:
     const ContentType& read(const std::u16string& text) {
@@ -43,7 +44,7 @@ public:
     }
 
 private:
-    std::unordered_map<std::u16string, ContentType> parsed;
+    std::map<std::u16string, ContentType> parsed;
 };
 
 void addDefault(ContentTypeMap& map, const std::u16string& extension, const std::u16string& contentType,

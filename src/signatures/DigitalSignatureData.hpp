@@ -165,6 +165,8 @@ private:
     void addPartReferences(const DataToSign& data);
     void addRelationshipReferences(const DataToSign& data);
     void addSignatureTime();
+    std::u16string packageObjectText() const;
+    std::u16string signedInfoText() const;
     void signContent(const Bytes& privateKey);
 
     std::shared_ptr<bedrock::crypto::DigestEngine> createDigestEngine() const;

@@ -4,6 +4,7 @@
 #include "signatures/DataToSign.hpp"
 #include "signatures/DocumentErrors.hpp"
 #include "signatures/RsaKeys.hpp"
+#include "signatures/SignatureComposer.hpp"
 #include "signatures/SignatureVocabulary.hpp"
 #include "signatures/SignedBytes.hpp"
 
@@ -36,10 +37,13 @@ URI toReferenceURI(const std::u16string& partName, const ContentType& contentTyp
     return URI(partName + vocabulary::CONTENT_TYPE_QUERY + contentType.toString());
 }
 
-std::u16string toText(xercesc::DOMLSSerializer* writer, const xercesc::DOMDocument* document) {
+/// The text of a document as Xerces writes it.
+std::u16string toText(const xercesc::DOMDocument* document) {
     std::u16string text;
-    translateDocumentFailures(
-        [&] { XercesHelper::writeDocumentToString(writer, document, text, XmlDeclaration::Omit); });
+    translateDocumentFailures([&] {
+        const auto writer = XercesHelper::createWriter();
+        XercesHelper::writeDocumentToString(writer.get(), document, text, XmlDeclaration::Omit);
+    });
     return text;
 }
 
@@ -112,8 +116,6 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
     m_canonicalizationMethod = AlgorithmURIMap::getAlgorithmURI(AlgorithmTag::TagC14N);
     m_signatureMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod(),
                                                          m_signatureParams.getSignatureMethod());
-    const XercesGuard guard;
-    const auto writer = XercesHelper::createWriter();
     addPartReferences(data);
     addRelationshipReferences(data);
     m_content.digestedManifestReferences = m_content.manifestReferences.size();
@@ -121,7 +123,7 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
 
     SignatureObject object;
     object.objectID = vocabulary::PACKAGE_OBJECT_ID;
-    object.XMLBytes = toText(writer.get(), buildPackageObject().get());
+    object.XMLBytes = packageObjectText();
     Reference reference;
     reference.referenceURI = URI(u"#" + object.objectID);
     reference.referenceType = vocabulary::OBJECT_TYPE;
@@ -130,7 +132,23 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
     m_content.signedInfoReferences.push_back(std::move(reference));
     m_objects.emplace(object.objectID, object);
 
-    m_content.signedInfoXML = toText(writer.get(), buildSignedInfo().get());
+    m_content.signedInfoXML = signedInfoText();
+}
+
+std::u16string DigitalSignatureData::packageObjectText() const {
+    std::string plain;
+    if (composePlainPackageObject(m_content, plain))
+        return {plain.begin(), plain.end()};
+    const XercesGuard guard;
+    return toText(buildPackageObject().get());
+}
+
+std::u16string DigitalSignatureData::signedInfoText() const {
+    std::string plain;
+    if (composePlainSignedInfo(*this, plain))
+        return {plain.begin(), plain.end()};
+    const XercesGuard guard;
+    return toText(buildSignedInfo().get());
 }
 
 void DigitalSignatureData::addPartReferences(const DataToSign& data) {

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <iostream>
+#include <map>
+#include <memory>
 #include <stdexcept>
 
 /// @file
@@ -64,13 +66,24 @@ void DigitalSignatureManager::ensureLoaded() const {
 void DigitalSignatureManager::doLoad() {
     m_signatures.clear();
     m_nextSignatureID = 1;
+    m_loadedRelationships = 0;
     try {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (origins.empty())
             return;
         const Part origin = getPackage().getPart(PartName(origins.begin()->getTargetURI()));
-        for (const Relationship& relationship : origin.getRelationshipsByType(getSignatureRelationshipType()))
-            loadSignature(getPackage().getPart(PartName(relationship.getTargetURI())));
+        // Each part is read once, however many relationships lead to it: a small package could fill all memory.
+        std::map<const InputStream*, std::shared_ptr<DigitalSignatureData>> known;
+        for (const Relationship& relationship :
+             origin.getRelationshipsByType(getSignatureRelationshipType())) {
+            const Part part = getPackage().getPart(PartName(relationship.getTargetURI()));
+            std::shared_ptr<DigitalSignatureData>& data = known[&part.getInputStream()];
+            if (!data) {
+                data = readSignature(part);
+                m_loadedRelationships += data->m_signedRelationships.size();
+            }
+            addLoadedSignature(data, part);
+        }
     } catch (const Exception& e) {
         throwUnreadable(e.what());
     } catch (const bedrock::crypto::utils::Exception& e) {
@@ -80,12 +93,17 @@ void DigitalSignatureManager::doLoad() {
     }
 }
 
-void DigitalSignatureManager::loadSignature(const Part& part) {
-    const auto data = std::make_shared<DigitalSignatureData>();
+std::shared_ptr<DigitalSignatureData> DigitalSignatureManager::readSignature(const Part& part) const {
+    auto data = std::make_shared<DigitalSignatureData>();
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     m_serializer->readSignature(stream, *data);
     fillUpSignedEntities(*data);
+    return data;
+}
+
+void DigitalSignatureManager::addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data,
+                                                 const Part& part) {
     m_signatures.push_back(DigitalSignature(data));
     if (data->m_signatureId == COUNTERSIGNATURE_ID)
         return;
@@ -110,7 +128,7 @@ void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
 }
 
 void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
-    RelationshipSelection selection;
+    RelationshipSelection selection(m_loadedRelationships);
     for (const Reference& reference : data.m_content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))

@@ -2,7 +2,9 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
+#include "signatures/SignatureComposer.hpp"
 #include "signatures/TextElement.hpp"
+#include "xml/DocumentOutput.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/XercesFailures.hpp"
 
@@ -59,6 +61,12 @@ auto DigitalSignatureSerializer::withWriter(Operation&& operation) {
 
 void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data, OutputStream& stream) {
     translateDocumentFailures([&] {
+        std::string plain;
+        if (composePlainSignature(data, plain)) {
+            if (data.m_keyValue)
+                throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
+            return writeDocument(plain, stream);
+        }
         const auto document = XercesHelper::createDocument();
         document->setXmlStandalone(true);
         DOMElement* const root = XercesHelper::appendElement(document.get(), m_names.signature);

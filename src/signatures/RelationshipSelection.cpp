@@ -9,7 +9,7 @@ namespace opc::model {
 
 namespace {
 
-/// A small document can name a type as often as it likes.
+/// A small document can name a type as often as it likes, and be one of many.
 constexpr std::size_t MAXIMUM_SELECTED = 10000000;
 
 /// Types that are looked up by walking all relationships of a source, before these are gathered by type.
@@ -19,9 +19,10 @@ constexpr int FEW = 4;
 
 template <typename Relationships>
 bool RelationshipSelection::add(const Relationships& relationships) {
-    if (selected.size() + relationships.size() > MAXIMUM_SELECTED)
-        throw Exception("A signature can't cover more than " + std::to_string(MAXIMUM_SELECTED) +
-                        " selected relationships.");
+    if (relationships.size() > MAXIMUM_SELECTED - count)
+        throw Exception("The signatures of a package can't cover more than " +
+                        std::to_string(MAXIMUM_SELECTED) + " selected relationships.");
+    count += relationships.size();
     selected.insert(selected.end(), relationships.begin(), relationships.end());
     return relationships.begin() != relationships.end();
 }

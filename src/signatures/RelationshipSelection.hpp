@@ -2,9 +2,10 @@
 
 #include <opc/model/RelationshipSource.hpp>
 
+#include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -14,21 +15,25 @@ namespace opc::model {
 /// relationships as there are and are selected, however often and in whatever order the sources are named.
 class RelationshipSelection {
 public:
+    /// @param before  how many the other signatures of the package cover
+    explicit RelationshipSelection(std::size_t before = 0) : count(before) {}
+
     /// @throws RelationshipNotFound
-    /// @throws opc::Exception  if there are more than a signature can cover
+    /// @throws opc::Exception  if there are more than the signatures of a package can cover
     void addByID(const RelationshipSource& source, const std::u16string& id);
 
     /// Adds all of a type, in the order of `RelationshipSource::getRelationshipsByType`.
     /// @param name  the source's: one for each source, in one spelling
     /// @return whether there are any
-    /// @throws opc::Exception  if there are more than a signature can cover
+    /// @throws opc::Exception  if there are more than the signatures of a package can cover
     bool addByType(const RelationshipSource& source, const std::u16string& name, const std::u16string& type);
 
     /// What was added, in that order; none is left here.
     std::vector<Relationship> take() { return std::move(selected); }
 
 private:
-    using Groups = std::unordered_map<std::u16string, std::vector<Relationship>>;
+    // Trees, since nobody can choose texts that make them slow.
+    using Groups = std::map<std::u16string, std::vector<Relationship>>;
 
     struct Source {
         int timesAsked = 0;
@@ -38,8 +43,9 @@ private:
     template <typename Relationships>
     bool add(const Relationships& relationships);
 
-    std::unordered_map<std::u16string, Source> sources;
+    std::map<std::u16string, Source> sources;
     std::vector<Relationship> selected;
+    std::size_t count; // with those before
 };
 
 } // namespace opc::model

@@ -1,23 +1,37 @@
 #include "signatures/RelationshipsText.hpp"
 
+#include "xml/PlainMarkup.hpp"
+
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Exception.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
 #include <functional>
 #include <map>
-#include <string_view>
 #include <tuple>
 
 #include <xercesc/dom/DOM.hpp>
 
 namespace opc::model {
 
+namespace {
+
+/// A small document can select a long relationship as often as it likes.
+constexpr std::uint64_t MAXIMUM_LENGTH = std::uint64_t{4} << 30;
+
+} // namespace
+
 RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationships) {
     const std::vector<Entry> entries = collect(relationships);
     text = serialise(entries);
     findRuns(entries);
+    std::uint64_t length = 0;
+    for (const Run& part : runs)
+        length += (part.end - part.begin) * part.count;
+    if (length > MAXIMUM_LENGTH)
+        throw Exception("The selected relationships of a signature can't have more than 4 GiB.");
     open();
 }
 
@@ -54,7 +68,29 @@ RelationshipsText::collect(const std::vector<Relationship>& relationships) {
     return entries;
 }
 
-std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>& entries) {
+std::string RelationshipsText::serialise(const std::vector<Entry>& entries) {
+    std::string plain;
+    return composePlain(entries, plain) ? plain : writeByXerces(entries);
+}
+
+/// @return whether the document is plain: byte for byte what Xerces writes
+bool RelationshipsText::composePlain(const std::vector<Entry>& entries, std::string& document) {
+    PlainMarkup xml(document);
+    xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?><Relationships>)";
+    for (const Entry& entry : entries) {
+        xml << "<Relationship";
+        xml.addAttribute("Id", entry.values->id);
+        xml.addAttribute("Target", entry.values->target);
+        if (entry.values->targetMode == TargetMode::External)
+            xml.addAttribute("TargetMode", u"External");
+        xml.addAttribute("Type", entry.values->type);
+        xml << "/>";
+    }
+    xml << "</Relationships>";
+    return xml.isPlain() && !entries.empty();
+}
+
+std::string RelationshipsText::writeByXerces(const std::vector<Entry>& entries) {
     const XercesGuard guard;
     const XercesString idName(u"Id");
     const XercesString typeName(u"Type");
@@ -76,22 +112,20 @@ std::vector<unsigned char> RelationshipsText::serialise(const std::vector<Entry>
     ByteArrayOutAdaptor stream(bytes);
     const auto writer = XercesHelper::createWriter();
     XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
-    return bytes;
+    return {bytes.begin(), bytes.end()};
 }
 
 /// An element ends where the next tag begins: the serialiser escapes every `<` in a value.
 void RelationshipsText::findRuns(const std::vector<Entry>& entries) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the document is UTF-8
-    const std::string_view view(reinterpret_cast<const char*>(text.data()), text.size());
-    std::size_t end = std::min(view.find("<Relationship "), view.size());
+    std::size_t end = std::min(text.find("<Relationship "), text.size());
     runs.push_back({0, end, 1});
     for (const Entry& entry : entries) {
         const std::size_t begin = end;
-        end = view.find('<', begin + 1);
+        end = text.find('<', begin + 1);
         runs.push_back({begin, end, entry.count});
     }
-    if (end < view.size())
-        runs.push_back({end, view.size(), 1});
+    if (end < text.size())
+        runs.push_back({end, text.size(), 1});
 }
 
 void RelationshipsText::open() {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace opc::model {
@@ -20,6 +21,7 @@ namespace opc::model {
 class RelationshipsText final : public InputStream {
 public:
     /// @throws InvalidXMLDocument
+    /// @throws opc::Exception  if the document has more than 4 GiB
     explicit RelationshipsText(const std::vector<Relationship>& relationships);
 
     void open() override;
@@ -42,11 +44,13 @@ private:
 
     static std::vector<Entry> collect(const std::vector<Relationship>& relationships);
     static auto keys(const Relationship::Values& values);
-    static std::vector<unsigned char> serialise(const std::vector<Entry>& entries);
+    static std::string serialise(const std::vector<Entry>& entries);
+    static bool composePlain(const std::vector<Entry>& entries, std::string& document);
+    static std::string writeByXerces(const std::vector<Entry>& entries);
     void findRuns(const std::vector<Entry>& entries);
 
-    std::vector<unsigned char> text; // the document with each relationship once
-    std::vector<Run> runs;           // in the order of the document, none empty
+    std::string text;      // the document with each relationship once
+    std::vector<Run> runs; // in the order of the document, none empty
     std::size_t run = 0;
     std::uint64_t repetition = 0;
     std::size_t position = 0; // in the run

@@ -3,9 +3,9 @@
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 
 #include <deque>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -61,7 +61,7 @@ private:
     std::unordered_set<std::u16string_view> laterNames; ///< the different ones, once there are many
     std::deque<std::u16string> nameTexts;               ///< what they look into
     std::unordered_set<std::u16string> namespaces;      ///< that are declared
-    std::unordered_map<XMLSize_t, XMLSize_t> ids;       ///< how many have each hash value
+    std::map<XMLSize_t, XMLSize_t> ids;                 ///< how many have each hash value
 };
 
 } // namespace opc::model

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xml/PlainMarkup.hpp"
+
 #include <string>
 #include <string_view>
 
@@ -8,8 +10,7 @@ namespace opc::model {
 /// Composes a document of one root with empty children: the very bytes that the pretty-printing writer makes of
 /// such a document, at a small part of its cost.
 ///
-/// Values in printable ASCII are plain. A document with any other value is left to Xerces, and so is one without
-/// children.
+/// A document with a value that isn't plain is left to Xerces, and so is one without children.
 class PlainDocumentWriter {
 public:
     /// @param composed  takes the bytes; must outlive this object, as must `rootName`
@@ -26,12 +27,9 @@ public:
     bool end();
 
 private:
-    void addCharacter(char16_t unit);
-
-    std::string& document;
+    PlainMarkup document;
     std::string_view root;
     bool hasChildren = false;
-    bool hasOnlyPlainValues = true;
 };
 
 } // namespace opc::model

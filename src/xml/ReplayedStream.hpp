@@ -14,6 +14,10 @@ namespace opc::model {
 /// Room for the bytes of a stream, which isn't set to zero first, and grows in place where the system can.
 class ReadAheadBuffer {
 public:
+    ReadAheadBuffer() = default;
+    ReadAheadBuffer(const ReadAheadBuffer&) = delete;
+    ReadAheadBuffer& operator=(const ReadAheadBuffer&) = delete;
+
     unsigned char* data() const { return bytes.get(); }
     std::size_t size() const { return room; }
 

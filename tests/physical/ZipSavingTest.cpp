@@ -52,6 +52,18 @@ mode_t modeOf(const fs::path& path) {
     return status.st_mode & 07777U;
 }
 
+TEST_F(ZipSaving, goesWhereTheFileWasOpened) {
+    const fs::path before = fs::current_path();
+    fs::current_path(folder / "");
+    ZipPackage package(fs::path("a.zip"));
+    fs::current_path(before);
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/a", "content");
+    package.close(false);
+    EXPECT_TRUE(fs::exists(path));
+    EXPECT_FALSE(fs::exists("a.zip"));
+}
+
 TEST_F(ZipSaving, keepsTheOldFileWholeWhenTheDiskIsFull) {
     const Bytes old = makeZip({stored("a", noise(400000))});
     writeFile(path, old);
@@ -183,6 +195,21 @@ TEST_F(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
     replaceIt();
     package.close(false);
     EXPECT_EQ(readFile(path).size(), 22U) << "a new package replaces whatever there is";
+}
+
+TEST_F(ZipSaving, survivesThatOthersWriteIntoTheArchive) {
+    std::vector<RawItem> items; // their directory is longer than what is read ahead
+    for (int i = 0; i < 1000; ++i)
+        items.push_back(stored("item" + std::to_string(i), "alpha"));
+    const Bytes old = makeZip(items);
+    writeFile(path, old);
+    ZipPackage package(path);
+    package.open(OpenMode::ReadWrite);
+    create(package, u"/b", "beta");
+    writeFile(path, Bytes(old.size(), 0xFF));
+    EXPECT_FAILS(ESTALE, "has been changed by another program", package.close(false));
+    package.close(true);
+    EXPECT_EQ(folder.count(), 1U);
 }
 
 TEST_F(ZipSaving, saysAtOpenWhatCannotBeOpened) {

@@ -52,8 +52,7 @@ TEST_F(IndependentCheck, findsWhatWasSigned) {
         part.createInternalRelationship(u"urn:a", URI(u"/metadata/coreProperties.xml"));
     });
     change(OpenMode::ReadWrite, [](Package&, DigitalSignatureManager& manager) {
-        for (const DigestMethod digest : {DigestMethod::MD5, DigestMethod::SHA1, DigestMethod::SHA224,
-                                          DigestMethod::SHA256, DigestMethod::SHA384, DigestMethod::SHA512})
+        for (const DigestMethod digest : ALL_DIGESTS)
             manager.signPackage(keysOf(2048).getPrivateKey(),
                                 SignatureParams(digest, SignatureMethod::RSA2048));
         manager.countersignAllSignatures(keysOf(2048).getPrivateKey(), SignatureParams());

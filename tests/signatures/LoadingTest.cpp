@@ -9,84 +9,81 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
+using opc::interfaces::OpenMode;
 
 class Loading : public SignedPackage {
 protected:
-    /// Gives the identifier of a stored signature, as it stands in its document, another value.
-    void setIdentifier(const char16_t* partName, const std::string& from, const std::string& to) {
-        std::string text = toText(store.partBytes(partName));
-        for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-            text.replace(at, from.size(), to);
-        store.setPart(partName, toBytes(text));
+    /// Gives a stored signature, whose name ends in `number`, another identifier.
+    void setIdentifier(int number, const std::string& identifier) {
+        const std::u16string name =
+            u"/_xmlsignatures/sig" + std::u16string(1, char16_t(u'0' + number)) + u".xml";
+        const std::string old = "Signature" + std::to_string(number) + '"';
+        const std::string once = replaced(text(name.c_str()), '"' + old, '"' + identifier + '"');
+        store.setPart(name, toBytes(replaced(once, '#' + old, '#' + identifier + '"')));
     }
 };
 
 TEST_F(Loading, theCounterStandsAboveEveryNumberInUse) {
-    struct Case {
-        const char* identifier;
-        const char16_t* next;
+    const std::pair<std::vector<const char*>, const char16_t*> cases[] = {
+        {{"Signature7"}, u"sig8"},
+        {{"Signature007"}, u"sig8"},
+        {{"Sig7"}, u"sig2"},
+        {{"Signature4294967295"}, nullptr}, // the counter wraps, and the name is in use
+        {{"Signaturecountersig"}, nullptr},
+        {{"Signature1", "Signature7", "Signaturex"}, u"sig9"}, // 7 gives 8, and the foreign one adds 1
     };
-    for (const Case& c : {Case{"Signature7", u"sig8"}, Case{"Signature007", u"sig8"}, Case{"Sig7", u"sig2"},
-                          Case{"Signature4294967295", u"sig1"}, Case{"Signaturecountersig", u"sig1"}}) {
-        signPart(u"/a.xml");
-        close(false);
-        setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", c.identifier);
-        open();
-        if (std::u16string(c.next) == u"sig1") // the name is in use: the counter itself is seen after removal
-            package->deletePart(PartName(u"/b.xml"));
-        const auto all = manager->getSignatures();
-        ASSERT_EQ(all.size(), 1U);
-        if (std::u16string(c.next) == u"sig1")
-            EXPECT_THROW(signPart(u"/a.xml"), CouldNotGenerateSignature) << c.identifier;
+    for (const auto& [identifiers, next] : cases) {
+        for (std::size_t i = 0; i < identifiers.size(); ++i)
+            signPart(u"/a.xml");
+        ASSERT_TRUE(package->hasPart(PartName(SIGNATURE))) << "the counter starts anew with each package";
+        package->close(false);
+        int number = 0;
+        for (const char* identifier : identifiers)
+            setIdentifier(++number, identifier);
+        package->open(OpenMode::ReadWrite);
+        EXPECT_EQ(manager->getSignatures().size(), identifiers.size());
+        if (next)
+            EXPECT_EQ(signPart(u"/b.xml").getName(), next);
         else
-            EXPECT_EQ(signPart(u"/a.xml").getName(), c.next) << c.identifier;
-        close(true);
-        for (const std::u16string& name : store.partNames())
-            if (name.rfind(u"/_xmlsignatures/", 0) == 0)
-                store.removePart(name);
-        store.setPart(u"/_rels/.rels", relationships(""));
-        open();
+            EXPECT_THROW(signPart(u"/b.xml"), CouldNotGenerateSignature) << identifiers[0];
+        package->close(true);
+        removeSignatureParts();
+        package->open(OpenMode::ReadWrite);
     }
 }
 
 TEST_F(Loading, anIdentifierThatIsNoNumberOf32BitsPassesAsItsOwnFailure) {
     signPart(u"/a.xml");
     close(false);
-    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", "Signature4294967296");
-    open();
+    const std::string document = text();
     std::ostringstream errors;
     std::streambuf* const before = std::cerr.rdbuf(errors.rdbuf());
+    setIdentifier(1, "Signature4294967296");
+    open();
     EXPECT_THROW(manager->getSignatures(), std::out_of_range);
-    std::cerr.rdbuf(before);
-    EXPECT_EQ(errors.str(), "Internal exception: Out of range. Trying to get numeric ID from 4294967296\n");
-
-    package->close(true);
-    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature4294967296", "Signature");
-    package->open(opc::interfaces::OpenMode::ReadWrite);
-    errors.str("");
-    std::cerr.rdbuf(errors.rdbuf());
+    close(true);
+    store.setPart(SIGNATURE, toBytes(document));
+    setIdentifier(1, "Signature");
+    open();
     EXPECT_THROW(manager->getSignatures(), std::invalid_argument);
     std::cerr.rdbuf(before);
-    EXPECT_EQ(errors.str(), "Internal exception: Invalid argument. Trying to get numeric ID from \n");
+    EXPECT_EQ(errors.str(), "Internal exception: Out of range. Trying to get numeric ID from 4294967296\n"
+                            "Internal exception: Invalid argument. Trying to get numeric ID from \n");
 }
 
 TEST_F(Loading, failuresAreTriedAgainByTheNextOperation) {
     signPart(u"/a.xml");
     close(false);
-    const auto good = store.partBytes(u"/_xmlsignatures/sig1.xml");
-    store.setPart(u"/_xmlsignatures/sig1.xml", toBytes("no xml"));
-    open();
+    const std::string good = text();
+    openWith("no xml");
     for (int i = 0; i < 2; ++i)
         EXPECT_THROW(manager->isPackageSigned(), InvalidSignature);
-    writeAll(part(u"/_xmlsignatures/sig1.xml"), toText(good));
+    writeAll(part(SIGNATURE), good);
     EXPECT_TRUE(manager->isPackageSigned());
 }
 
 TEST_F(Loading, whatASignatureNamesMustExist) {
-    const auto select = [](const char16_t* source, RelationshipSelectorType type, const char16_t* criteria) {
-        return RelationshipSelector(URI(source), type, criteria);
-    };
-    manager->sign({}, {select(u"/", RelationshipSelectorType::SourceId, u"rId2")}, privateKey, params);
+    manager->sign({}, {byId(u"/", u"rId2")}, privateKey, params);
     package->deleteRelationship(u"rId2");
     reopen();
     EXPECT_TRUE(throws<InvalidSignature>(
@@ -95,8 +92,7 @@ TEST_F(Loading, whatASignatureNamesMustExist) {
     package->createExternalRelationship(u"urn:other", u"x", u"rId2");
     manager->removeAllSignatures();
 
-    manager->sign({}, {select(u"/a.xml", RelationshipSelectorType::SourceType, u"urn:next")}, privateKey,
-                  params);
+    manager->sign({}, {byType(u"/a.xml", u"urn:next")}, privateKey, params);
     part(u"/a.xml").deleteRelationship(u"rId1");
     reopen();
     EXPECT_TRUE(throws<InvalidSignature>(
@@ -104,10 +100,32 @@ TEST_F(Loading, whatASignatureNamesMustExist) {
         [&] { manager->getSignatures(); }));
 }
 
+TEST_F(Loading, theSignaturesTogetherHaveALimitForRepeatedSelections) {
+    for (int i = 0; i < 1000; ++i)
+        package->createExternalRelationship(u"urn:many", u"x");
+    sign({}, std::vector<RelationshipSelector>(3400, byType(u"/", u"urn:many")));
+    close(false);
+    const Bytes signature = store.partBytes(SIGNATURE);
+    open();
+    const auto addCopy = [&](const char16_t* name) {
+        Part copy = package->createPart(PartName(name), part(SIGNATURE).getContentType(), StandardPartInfo());
+        copy.getOutputStream().write(signature.data(), signature.size());
+        Part origin = part(ORIGIN);
+        origin.createInternalRelationship(origin.getRelationships().begin()->getType(), URI(name));
+        reopen();
+    };
+    addCopy(u"/copy.xml");
+    EXPECT_EQ(manager->getSignatures().size(), 2U);
+    addCopy(u"/another.xml");
+    EXPECT_TRUE(throws<InvalidSignature>(
+        "The signatures of a package can't cover more than 10000000 selected relationships.",
+        [&] { manager->getSignatures(); }));
+}
+
 TEST_F(Loading, aForeignIdentifierThatIsNoURILeavesTheRestUsable) {
     signPart(u"/a.xml");
     close(false);
-    setIdentifier(u"/_xmlsignatures/sig1.xml", "Signature1", "Signature\u00E9");
+    setIdentifier(1, "Signature\u00E9");
     open();
     const auto all = manager->getSignatures();
     ASSERT_EQ(all.size(), 1U);
@@ -127,30 +145,29 @@ TEST_F(Loading, aForeignIdentifierThatIsNoURILeavesTheRestUsable) {
 TEST_F(Loading, aNewPackageHasNoneOfTheSignaturesThatWereLoadedBefore) {
     signPart(u"/a.xml");
     package->close(false);
-    package->open(opc::interfaces::OpenMode::ReadOnly);
+    package->open(OpenMode::ReadOnly);
     EXPECT_TRUE(manager->isPackageSigned());
     package->close(false);
-    package->open(opc::interfaces::OpenMode::CreateOnly);
+    package->open(OpenMode::CreateOnly);
     EXPECT_FALSE(manager->isPackageSigned());
     EXPECT_FALSE(manager->isSigned(PartName(u"/a.xml")));
     EXPECT_TRUE(manager->getSignatures().empty());
-    package->createPart(PartName(u"/_xmlsignatures/sig1.xml"), ContentType(u"a/b"), StandardPartInfo());
+    package->createPart(PartName(SIGNATURE), ContentType(u"a/b"), StandardPartInfo());
     EXPECT_EQ(package->getParts(ExcludeMode::ExcludeManaged).size(), 1U);
 }
 
 TEST_F(Loading, readsManyTimesWithoutGrowing) {
     signPart(u"/a.xml");
-    const auto load = [this] {
-        package->close(false);
-        package->open(opc::interfaces::OpenMode::ReadOnly);
-        manager->getSignatures();
+    const auto load = [this](int times) {
+        for (int i = 0; i < times; ++i) {
+            package->close(false);
+            package->open(OpenMode::ReadOnly);
+            manager->getSignatures();
+        }
+        return mallinfo2().uordblks;
     };
-    load();
-    load();
-    const std::size_t before = mallinfo2().uordblks;
-    for (int i = 0; i < 100; ++i)
-        load();
-    EXPECT_LT(mallinfo2().uordblks, before + (1U << 20)) << "documents stay in the parser's pool";
+    const std::size_t before = load(2);
+    EXPECT_LT(load(100), before + (1U << 20)) << "documents stay in the parser's pool";
 }
 
 TEST_F(Loading, anOriginWithoutSignaturesIsAnUnsignedPackage) {
@@ -160,9 +177,28 @@ TEST_F(Loading, anOriginWithoutSignaturesIsAnUnsignedPackage) {
         URI(u"/elsewhere.sigs"));
     EXPECT_FALSE(manager->isPackageSigned());
     signPart(u"/a.xml");
-    EXPECT_FALSE(package->hasPart(PartName(u"/_xmlsignatures/origin.sigs")))
-        << "the origin that is there is followed";
+    EXPECT_FALSE(package->hasPart(PartName(ORIGIN))) << "the origin that is there is followed";
     EXPECT_EQ(part(u"/elsewhere.sigs").getRelationships().size(), 1U);
+}
+
+TEST_F(Loading, findsSignaturesByTheirExactNames) {
+    signPart(u"/a.xml");
+    EXPECT_EQ(manager->getSignature(u"sig1").getName(), u"sig1");
+    EXPECT_TRUE(throws<SignatureNotFound>("Could not find the given signature by the given name.",
+                                          [&] { manager->getSignature(u"SIG1"); }));
+    EXPECT_TRUE(throws<SignatureNotFound>("The provided signature part name is invalid or does not exist.",
+                                          [&] { manager->getSignature(u"sig2"); }));
+}
+
+TEST_F(Loading, aClosedPackageIsSaidToBeClosedHoweverItWasOpened) {
+    for (const auto mode : {OpenMode::ReadOnly, OpenMode::CreateOnly}) {
+        package->close(true);
+        package->open(mode);
+        manager->isPackageSigned();
+        package->close(true);
+        EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { signPart(u"/a.xml"); }));
+        EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { manager->removeAllSignatures(); }));
+    }
 }
 
 } // namespace

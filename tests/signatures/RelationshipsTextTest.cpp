@@ -1,6 +1,7 @@
 #include "signatures/RelationshipsText.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "support/PackageContent.hpp"
+#include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
@@ -59,9 +60,9 @@ TEST(RelationshipsText, isTheDocumentBuiltWhole) {
     const Relationship a = one.addInternalRelationship(u"rId10", u"t:t", URI(u"x.xml"));
     const Relationship b = one.addExternalRelationship(u"rId2", u"t:<&>\"'", u"a<b>\"c' d&é\u4E2D");
     const Relationship c = two.addInternalRelationship(u"rId10", u"t:t", URI(u"a.xml"));
-    const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>");
+    const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>&>'");
     const std::vector<std::vector<Relationship>> cases = {
-        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c},
+        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c}, {d, c, a},
     };
     for (const auto& relationships : cases)
         for (const std::uint64_t blockSize : {1U, 7U, 4096U})
@@ -86,6 +87,16 @@ TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {
     const Relationship first = one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"));
     const Relationship second = two.addInternalRelationship(u"rId1", u"t:2", URI(u"x.xml"));
     EXPECT_EQ(readText({first, second, first}, 99), readText({second, first, first}, 99));
+}
+
+TEST(RelationshipsText, hasALimitForALongRelationshipThatIsSelectedOften) {
+    RelationshipManager source(URI(u"/a.xml"));
+    const Relationship relationship =
+        source.addExternalRelationship(u"r", u"t:t", std::u16string(1U << 20, u'a'));
+    const RelationshipsText most(std::vector<Relationship>(4095, relationship));
+    EXPECT_TRUE(opc::test::throws<opc::Exception>(
+        "The selected relationships of a signature can't have more than 4 GiB.",
+        [&] { const RelationshipsText text(std::vector<Relationship>(4096, relationship)); }));
 }
 
 TEST(RelationshipsText, startsAnewWhenItIsOpenedAgain) {

@@ -1,4 +1,3 @@
-#include "SignatureDocuments.hpp"
 #include "SignedPackage.hpp"
 
 #include <opc/model/SignatureCoverage.hpp>
@@ -7,9 +6,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-
-constexpr char16_t SIGNATURE_PART[] = u"/_xmlsignatures/sig1.xml";
-constexpr char16_t ORIGIN_PART[] = u"/_xmlsignatures/origin.sigs";
 
 class Coverage : public SignedPackage {
 protected:
@@ -31,15 +27,11 @@ protected:
         return covered;
     }
 
-    /// Of the closed package.
-    std::string signatureText(const char16_t* name = SIGNATURE_PART) const {
-        return toText(store.partBytes(name));
-    }
-
-    /// Opens the closed package with another signature part.
-    DigitalSignature withSignature(const std::string& text) {
-        store.setPart(SIGNATURE_PART, toBytes(text));
-        open();
+    /// Signs /a.xml, and then reads the signature from a changed document.
+    DigitalSignature signAndReplace(const std::string& what, const std::string& with) {
+        signPart(u"/a.xml");
+        close(false);
+        openWith(replaced(text(), what, with));
         return manager->getSignature(u"sig1");
     }
 };
@@ -47,18 +39,16 @@ protected:
 TEST_F(Coverage, followsWhatWasSelected) {
     using Names = std::vector<std::u16string>;
     using Selectors = std::vector<RelationshipSelector>;
-    constexpr auto BY_ID = RelationshipSelectorType::SourceId;
-    constexpr auto BY_TYPE = RelationshipSelectorType::SourceType;
-    const URI root(u"/"), partURI(u"/A.xml"); // names differ in case
     const std::tuple<std::vector<PartName>, Selectors, Names> cases[] = {
+        // names differ in case
         {{PartName(u"/B.xml")}, {}, {u"/b.xml"}},
-        {{}, {{root, BY_ID, u"rId1"}}, {u"/:rId1"}},
-        {{}, {{root, BY_TYPE, u"urn:link"}}, {u"/:rId2"}},
-        {{}, {{partURI, BY_ID, u"rId1"}}, {u"/a.xml:rId1"}},
-        {{PartName(u"/a.xml")}, {{partURI, BY_TYPE, u"urn:next"}}, {u"/a.xml", u"/a.xml:rId1"}},
+        {{}, {byId(u"/", u"rId1")}, {u"/:rId1"}},
+        {{}, {byType(u"/", u"urn:link")}, {u"/:rId2"}},
+        {{}, {byId(u"/A.xml", u"rId1")}, {u"/a.xml:rId1"}},
+        {{PartName(u"/a.xml")}, {byType(u"/A.xml", u"urn:next")}, {u"/a.xml", u"/a.xml:rId1"}},
     };
     for (const auto& [parts, selectors, covered] : cases) {
-        const DigitalSignature signature = manager->sign(parts, selectors, privateKey, publicKey, params);
+        const DigitalSignature signature = sign(parts, selectors);
         EXPECT_EQ(coveredBy(signature), covered) << "made";
         const std::u16string name = signature.getName();
         reopen();
@@ -70,48 +60,38 @@ TEST_F(Coverage, followsWhatWasSelected) {
 }
 
 TEST_F(Coverage, readsTheDigestedObjectAlone) {
-    signPart(u"/a.xml");
-    signPart(u"/b.xml");
-    close(false);
-    const std::string other = signatureText(u"/_xmlsignatures/sig2.xml");
-    const std::size_t begin = other.find("<Manifest>");
-    const std::string manifest = other.substr(begin, other.find("</Manifest>") - begin);
-    const std::string hidden = "<Object Id='idOther'><any xmlns='urn:any'><Object Id='idPackageObject'>" +
-                               manifest + "</Manifest><SignatureProperties/></Object></any></Object>";
-    const DigitalSignature signature = withSignature(inserted(signatureText(), "</Object>", hidden));
-    EXPECT_EQ(verify(signature), 0);
+    const std::string hidden =
+        "<Object Id='idOther'><any xmlns='urn:any'><Object Id='idPackageObject'><Manifest>"
+        "<Reference URI='/b.xml'><DigestMethod Algorithm='http://www.w3.org/2001/04/xmlenc#sha256'/>"
+        "<DigestValue>AQ==</DigestValue></Reference></Manifest><SignatureProperties/></Object></any></"
+        "Object>";
+    const DigitalSignature signature = signAndReplace("</Object>", "</Object>" + hidden);
     EXPECT_EQ(signature.getSignedPartNames().size(), 2U) << "the references as they were read";
     EXPECT_EQ(coveredBy(signature), std::vector<std::u16string>{u"/a.xml"});
 }
 
 TEST_F(Coverage, aPartThatIsDigestedAsRelationshipsIsNotCovered) {
-    signPart(u"/a.xml");
-    close(false);
-    const std::string transform =
-        R"(<Transforms><Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/)"
-        R"(RelationshipTransform"><pds:RelationshipReference SourceId="rId1"/></Transform></Transforms>)";
-    std::string text = signatureText();
-    text.insert(text.find("<DigestMethod", text.find("<Manifest>")), transform);
-    const DigitalSignature signature = withSignature(text);
+    const std::string content = "ContentType=application/xml\">";
+    const DigitalSignature signature = signAndReplace(
+        content,
+        content +
+            R"(<Transforms><Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/)"
+            R"(RelationshipTransform"><pds:RelationshipReference SourceId="rId1"/></Transform></Transforms>)");
     EXPECT_EQ(signature.getSignedPartNames().size(), 1U);
     EXPECT_TRUE(coveredBy(signature).empty());
 }
 
 TEST_F(Coverage, withoutADigestOfTheObjectNothingIsCovered) {
-    signPart(u"/a.xml");
-    close(false);
-    const DigitalSignature signature =
-        withSignature(replaced(signatureText(), "\"#idPackageObject\"", "\"/a.xml#idPackageObject\""));
-    EXPECT_TRUE(coveredBy(signature).empty());
+    EXPECT_TRUE(coveredBy(signAndReplace("\"#idPackageObject\"", "\"/a.xml#idPackageObject\"")).empty());
 }
 
 TEST_F(Coverage, theCountersignatureIsCoveredByNothing) {
     signPart(u"/a.xml");
     manager->countersignAllSignatures(privateKey, params);
     reopen();
-    const std::u16string origin = ORIGIN_PART;
-    EXPECT_EQ(coveredBy(manager->getCountersignature()),
-              (std::vector<std::u16string>{origin, origin + u":DSRel1", SIGNATURE_PART, u"/:rId3"}));
+    EXPECT_EQ(
+        coveredBy(manager->getCountersignature()),
+        (std::vector<std::u16string>{ORIGIN, std::u16string(ORIGIN) + u":DSRel1", SIGNATURE, u"/:rId3"}));
 }
 
 } // namespace

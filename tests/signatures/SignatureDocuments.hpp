@@ -14,6 +14,12 @@ namespace opc::test {
 /// A document of the usual form: `Id` "Signature7", RSA with SHA-256, no key, one part, a time.
 extern const std::string USUAL_SIGNATURE;
 
+/// What is written of a signature with every element of the form, with a key value.
+extern const std::string WRITTEN_SIGNATURE;
+
+/// The document with this in its `KeyInfo`.
+std::string withKeyInfo(const std::string& document, const std::string& content);
+
 /// The same content where no schema knows it, below an element of another namespace, so that documents of any
 /// form can be made of it. The root is an `Object`.
 std::string unknownToSchema(const std::string& document);

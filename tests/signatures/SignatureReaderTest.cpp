@@ -6,6 +6,8 @@
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 
+#include <boost/regex.hpp>
+
 namespace {
 
 using namespace opc::model;
@@ -43,6 +45,10 @@ Change withKeyInfo(const std::string& content) {
     return {VALUE, "</SignatureValue><KeyInfo>" + content + "</KeyInfo>"};
 }
 
+Change withCertificate(const std::string& text) {
+    return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
+}
+
 Change withRelationshipTransform(const std::string& content) {
     return {PART,
             std::string("<Transforms>") + RELATIONSHIP_TRANSFORM + content + "</Transform></Transforms>"};
@@ -59,6 +65,14 @@ const char* const C14N = R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-2
 const char* const RSA_SHA256 = R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")";
 const char* const FORMAT = "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>";
 const char* const TIME = "<pds:Value>2024-02-29T12:30Z</pds:Value>";
+Change withRsaKey(const std::string& content) {
+    return withKeyInfo("<KeyValue><RSAKeyValue>" + content + "</RSAKeyValue></KeyValue>");
+}
+
+std::string onlyOne(const std::string& element) {
+    return "There must exist only one " + element + " element in package specific Object element.";
+}
+
 const char* const NO_RSA = "RSA Key Value is missing. DSA for signatures is not supported yet.";
 
 /// The messages go on behind "XML signature: ".
@@ -66,23 +80,19 @@ const Failure MALFORMED[] = {
     // the value and the key
     {{SIGNATURE_VALUE, ""}, "SignatureValue is not present."},
     {{SIGNATURE_VALUE, "<SignatureValue/>"}, "SignatureValue is empty."},
-    {withKeyInfo("<KeyValue><RSAKeyValue/></KeyValue>"), "Modulus is not present."},
-    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus/></RSAKeyValue></KeyValue>"), "Modulus is empty."},
-    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus>AQ==</Modulus></RSAKeyValue></KeyValue>"),
-     "Exponent is not present."},
-    {withKeyInfo("<KeyValue><RSAKeyValue><Modulus>AQ==</Modulus><Exponent/></RSAKeyValue></KeyValue>"),
-     "Exponent is empty."},
+    {withRsaKey(""), "Modulus is not present."},
+    {withRsaKey("<Modulus/>"), "Modulus is empty."},
+    {withRsaKey("<Modulus>AQ==</Modulus>"), "Exponent is not present."},
+    {withRsaKey("<Modulus>AQ==</Modulus><Exponent/>"), "Exponent is empty."},
     {withKeyInfo("<X509Data><X509Certificate/></X509Data>"), "x509CertificateElement is empty."},
     // the objects
     {{"</Object>", "</Object><Object>text</Object>"}, "Object missing Id attribute."},
-    {{"<Manifest>", "<Manifest/><Manifest>"},
-     "There must exist only one Manifest element in package specific Object element."},
+    {{"<Manifest>", "<Manifest/><Manifest>"}, onlyOne("Manifest")},
     {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-     "There must exist only one SignatureProperties element in package specific Object element."},
-    {{"</Object>", "</Object><Object Id='idPackageObject'/>"},
-     "There must exist only one Manifest element in package specific Object element."},
+     onlyOne("SignatureProperties")},
+    {{"</Object>", "</Object><Object Id='idPackageObject'/>"}, onlyOne("Manifest")},
     {{"</Object>", "</Object><Object Id='idPackageObject'><Manifest/></Object>"},
-     "There must exist only one SignatureProperties element in package specific Object element."},
+     onlyOne("SignatureProperties")},
     // references, whose checks have an order
     {{R"( URI="/a.xml?ContentType=text/xml")", ""}, "Manifest reference missing URI attribute."},
     {{R"( URI="#idPackageObject")", ""}, "Manifest reference missing URI attribute."},
@@ -143,13 +153,11 @@ TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
         {{"BAUG", ""}, "XML signature: SignatureValue is empty."},
         {withKeyInfo("<KeyValue/>"), NO_RSA},
         {{R"(Id="idPackageObject")", ""}, "XML signature: Object missing Id attribute."},
-        {{"<Manifest>", "<Manifest/><Manifest>"},
-         "XML signature: There must exist only one Manifest element in package specific Object element."},
+        {{"<Manifest>", "<Manifest/><Manifest>"}, "XML signature: " + onlyOne("Manifest")},
         {{R"( URI="/a.xml?ContentType=text/xml")", ""},
          "XML signature: Manifest reference missing URI attribute."},
         {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-         "XML signature: There must exist only one SignatureProperties element in package specific Object "
-         "element."},
+         "XML signature: " + onlyOne("SignatureProperties")},
         {{R"( Target="#Signature7")", ""}, "XML signature: SignatureProperty does not have a target."},
         {{C14N, ""}, "XML signature: CanonicalizationMethod is empty."},
         {{RSA_SHA256, ""}, "XML signature: SignatureMethod is empty."},
@@ -165,12 +173,8 @@ TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
 }
 
 TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
-    const auto withCertificate = [](const std::string& key) {
-        return withKeyInfo("<X509Data><X509Certificate>" + certificate(key) +
-                           "</X509Certificate></X509Data>");
-    };
-    const Change key3072 = withCertificate("rsa:3072");
-    const Change ellipticKey = withCertificate("ec -pkeyopt ec_paramgen_curve:P-256");
+    const Change key3072 = withCertificate(certificate("rsa:3072"));
+    const Change ellipticKey = withCertificate(certificate("ec -pkeyopt ec_paramgen_curve:P-256"));
     expectRefusal<NotImplemented>(Change{"xmldsig#Object", "xmldsig#SignatureProperties"}.apply(),
                                   "XMLDSig SignatureProperties element is not supported yet.");
     expectRefusal<NotImplemented>(
@@ -210,13 +214,10 @@ TEST_F(SignatureReader, theSchemaAndTheParserRefuseTheRest) {
 TEST_F(SignatureReader, badKeyMaterialKeepsItsOwnClass) {
     const std::string whole = certificate("rsa:2048");
     const std::string cutShort = whole.substr(0, whole.size() / 2 / 4 * 4);
-    const auto withCertificate = [](const std::string& text) {
-        return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>").apply();
-    };
     EXPECT_THROW(read(unknownToSchema(Change{"BAUG", "BA*G"}.apply())), bedrock::crypto::utils::Exception);
-    EXPECT_THROW(read(unknownToSchema(withCertificate("A%B="))), bedrock::crypto::utils::Exception);
+    EXPECT_THROW(read(unknownToSchema(withCertificate("A%B=").apply())), bedrock::crypto::utils::Exception);
     for (const std::string& text : {std::string("AQID"), cutShort, whole.substr(4)})
-        EXPECT_THROW(read(withCertificate(text)), bedrock::certificates::X509CertificateException);
+        EXPECT_THROW(read(withCertificate(text).apply()), bedrock::certificates::X509CertificateException);
 }
 
 TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
@@ -355,19 +356,6 @@ TEST_F(SignatureReader, furtherObjectsAreKeptAsText) {
     EXPECT_EQ(data->m_content.manifestReferences.size(), 1U);
 }
 
-TEST_F(SignatureReader, aHiddenPackageObjectAddsItsReferences) {
-    // It stands in another namespace, where an Id may be there twice: its references count as signed.
-    const std::string hidden =
-        "<Object Id='idOther'><any xmlns='urn:any'><Object Id='idPackageObject'><Manifest><Reference "
-        "URI='/b.xml'>"
-        "<DigestMethod Algorithm='urn:any'/><DigestValue>AQ==</DigestValue></Reference></Manifest>"
-        "<SignatureProperties/></Object></any></Object>";
-    read(inserted(USUAL_SIGNATURE, "</Object>", hidden));
-    EXPECT_EQ(data->m_content.manifestReferences.size(), 2U);
-    EXPECT_NE(data->m_objects.at(u"idPackageObject").XMLBytes.find(u"/a.xml"), std::u16string::npos)
-        << "the first object of an Id stays";
-}
-
 TEST_F(SignatureReader, aCommentInFrontGivesItsText) {
     read(Change{"AQID", "<!--comment-->AQID"}.apply());
     EXPECT_EQ(data->m_content.signedInfoReferences.at(0).digestValue, u"comment");
@@ -383,15 +371,9 @@ TEST_F(SignatureReader, aRootWithoutDefaultNamespaceHasThatOfXmlSignature) {
 }
 
 TEST_F(SignatureReader, aPrefixHidesTheElements) {
-    std::string document = USUAL_SIGNATURE;
-    for (std::size_t at = 0; (at = document.find('<', at)) != std::string::npos; ++at) {
-        const std::size_t name = document[at + 1] == '/' ? at + 2 : at + 1;
-        if (document.compare(name, 4, "pds:") != 0 && document[name] != '!')
-            document.insert(name, "ds:");
-    }
+    std::string document = boost::regex_replace(USUAL_SIGNATURE, boost::regex("(</?)(?!pds:|/|!)"), "$1ds:");
     document = replaced(document, "xmlns=", "xmlns:ds=");
-    EXPECT_TRUE(
-        throws<InvalidPartContent>("XML signature: SignatureValue is not present.", [&] { read(document); }));
+    expectRefusal<InvalidPartContent>(document, "XML signature: SignatureValue is not present.");
 }
 
 } // namespace

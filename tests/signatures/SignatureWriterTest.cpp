@@ -1,3 +1,4 @@
+#include "signatures/SignatureComposer.hpp"
 #include "signatures/SignatureDocuments.hpp"
 #include "support/PackageContent.hpp"
 #include "support/TemporaryFolder.hpp"
@@ -13,6 +14,7 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -21,8 +23,6 @@ using namespace opc::test;
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
 
-constexpr char KEY_INFO[] = "<KeyInfo>";
-
 X509Certificate certificateOf(const std::string& base64) {
     return X509Certificate(bedrock::crypto::utils::base64Decode(opc::toString(base64, false)));
 }
@@ -30,7 +30,7 @@ X509Certificate certificateOf(const std::string& base64) {
 Reference reference(const char16_t* uri, const char16_t* digestValue) {
     Reference result;
     result.referenceURI = URI(uri);
-    result.digestMethod = u"http://www.w3.org/2001/04/xmlenc#sha512";
+    result.digestMethod = u"http://www.w3.org/2001/04/xmlenc#sha256";
     result.digestValue = digestValue;
     return result;
 }
@@ -40,91 +40,52 @@ protected:
     SignatureWriter() {
         written.m_signatureId = u"1";
         written.m_canonicalizationMethod = u"http://www.w3.org/TR/2001/REC-xml-c14n-20010315";
-        written.m_signatureMethod = u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512";
+        written.m_signatureMethod = u"http://www.w3.org/2001/04/xmldsig-more#rsa-sha256";
         written.m_signatureValueInXML = u"BAUG";
-        Reference object = reference(u"#idPackageObject", u"AQID");
+        written.m_keyValue = RSAKeyValue{0, u"AQIDBA==", u"AQAB"};
+        Reference object = reference(u"#idPackageObject", u"AbC+/w==");
         object.referenceType = u"http://www.w3.org/2000/09/xmldsig#Object";
         written.m_content.signedInfoReferences = {object};
-        written.m_content.manifestReferences = {reference(u"/a.xml?ContentType=text/xml", u"BwgJ")};
+        Reference relationships = reference(u"/_rels/.rels?ContentType=a/b", u"AA==");
+        relationships.transforms = {u"a/b"};
+        relationships.relationshipReferences = {u"rId 1", u"2"};
+        relationships.relationshipGroupReferences = {u"urn:'a"};
+        written.m_content.manifestReferences = {
+            reference(u"/a_b/c~1.xml?ContentType=application/vnd.a-b+xml", u"BwgJ"), relationships};
         written.m_content.signatureProperties = {
-            {u"#Signature1", u"idSignatureTime", u"YYYY-MM-DDThh:mmTZD", u"2024-02-29T12:30:45Z"}};
-    }
-
-    /// Gives the signature relationships of every kind, as ID, type, and both with foreign transforms.
-    void addRelationships() {
-        Reference ids = reference(u"/_rels/.rels?ContentType=x/y", u"AA==");
-        ids.relationshipReferences = {u"rId2", u"rId1"};
-        Reference types = reference(u"/_rels/a.xml.rels?ContentType=x/y", u"AA==");
-        types.relationshipGroupReferences = {u"t:1&2"};
-        Reference both = reference(u"/_rels/b.xml.rels?ContentType=x/y", u"AA==");
-        both.referenceID = u"both";
-        both.transforms = {u"urn:other"};
-        both.relationshipGroupReferences = {u"t:3"};
-        both.relationshipReferences = {u"r\u00e9"};
-        for (const Reference& added : {ids, types, both})
-            written.m_content.manifestReferences.push_back(added);
+            {u"#Signature1", u"idSignatureTime", u"YYYY-MM-DDThh:mmTZD", u"2026-11-25T23:59:08Z"}};
     }
 
     DigitalSignatureData written;
 };
 
-TEST_F(SignatureWriter, writesPartsByteForByte) {
-    EXPECT_EQ(
-        write(written),
-        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>"
-        "<Signature Id=\"Signature1\" xmlns=\"http://www.w3.org/2000/09/xmldsig#\">"
-        "<SignedInfo xmlns=\"http://www.w3.org/2000/09/xmldsig#\">"
-        "<CanonicalizationMethod Algorithm=\"http://www.w3.org/TR/2001/REC-xml-c14n-20010315\"/>"
-        "<SignatureMethod Algorithm=\"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512\"/>"
-        "<Reference Type=\"http://www.w3.org/2000/09/xmldsig#Object\" URI=\"#idPackageObject\">"
-        "<DigestMethod Algorithm=\"http://www.w3.org/2001/04/xmlenc#sha512\"/><DigestValue>AQID</DigestValue>"
-        "</Reference></SignedInfo><SignatureValue>BAUG</SignatureValue>"
-        "<Object Id=\"idPackageObject\" "
-        "xmlns:pds=\"http://schemas.openxmlformats.org/package/2006/digital-signature\">"
-        "<Manifest><Reference URI=\"/a.xml?ContentType=text/xml\">"
-        "<DigestMethod Algorithm=\"http://www.w3.org/2001/04/xmlenc#sha512\"/><DigestValue>BwgJ</DigestValue>"
-        "</Reference></Manifest><SignatureProperties>"
-        "<SignatureProperty Id=\"idSignatureTime\" Target=\"#Signature1\"><pds:SignatureTime>"
-        "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format><pds:Value>2024-02-29T12:30:45Z</pds:Value>"
-        "</pds:SignatureTime></SignatureProperty></SignatureProperties></Object></Signature>");
+TEST_F(SignatureWriter, writesEveryElementByteForByte) {
+    EXPECT_EQ(write(written), WRITTEN_SIGNATURE);
 }
 
-TEST_F(SignatureWriter, writesTransformsInTheirOrder) {
-    addRelationships();
+TEST_F(SignatureWriter, writesWhatIsThereAndEscapesIt) {
+    Reference types = reference(u"/_rels/a.xml.rels", u"AA==");
+    types.referenceID = u"types";
+    types.relationshipGroupReferences = {u"t:1&2", u"r\u00e9"};
+    written.m_content.manifestReferences = {types};
+    written.m_keyValue.reset();
     const std::string text = write(written);
-    const std::string transform =
-        "<Transform Algorithm=\"http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform\">";
-    const std::string expected[] = {
-        "<Transforms>" + transform +
-            "<pds:RelationshipReference SourceId=\"rId2\"/><pds:RelationshipReference SourceId=\"rId1\"/>"
-            "</Transform></Transforms><DigestMethod",
-        "<Transforms>" + transform +
-            "<pds:RelationshipGroupReference "
-            "SourceType=\"t:1&amp;2\"/></Transform></Transforms><DigestMethod",
-        "<Reference Id=\"both\" URI=\"/_rels/b.xml.rels?ContentType=x/y\"><Transforms>"
-        "<Transform Algorithm=\"urn:other\"/>" +
-            transform +
-            "<pds:RelationshipReference SourceId=\"r\xC3\xA9\"/>"
-            "<pds:RelationshipGroupReference SourceType=\"t:3\"/></Transform></Transforms><DigestMethod",
-    };
-    std::size_t position = 0;
-    for (const std::string& piece : expected) {
-        position = text.find(piece, position);
-        EXPECT_NE(position, std::string::npos) << piece << "\n" << text;
-    }
+    EXPECT_EQ(
+        piece(text, "<Manifest>", "<DigestMethod"),
+        R"(<Manifest><Reference Id="types" URI="/_rels/a.xml.rels"><Transforms>)"
+        R"(<Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform">)"
+        R"(<pds:RelationshipGroupReference SourceType="t:1&amp;2"/>)"
+        "<pds:RelationshipGroupReference SourceType=\"r\xC3\xA9\"/></Transform></Transforms>");
+    EXPECT_EQ(text.find("<KeyInfo>"), std::string::npos);
 }
 
 TEST_F(SignatureWriter, writesTheKeyOrTheCertificates) {
-    EXPECT_EQ(write(written).find(KEY_INFO), std::string::npos);
-
-    written.m_signatureParams = SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA1024);
-    const auto keys = bedrock::crypto::generateRsaKeyPair(1024);
-    written.setKeyValue(keys.getPublicKey());
+    written.m_signatureParams = SignatureParams(DigestMethod::SHA256, SignatureMethod::RSA1024);
+    written.setKeyValue(bedrock::crypto::generateRsaKeyPair(1024).getPublicKey());
     const std::string withKey = write(written);
-    EXPECT_NE(withKey.find("</SignatureValue><KeyInfo><KeyValue><RSAKeyValue><Modulus>" +
-                           opc::toASCIIString(written.m_keyValue->modulus) +
-                           "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue></KeyInfo><Object"),
-              std::string::npos);
+    EXPECT_EQ(piece(withKey, "<KeyInfo>", "<Object"),
+              "<KeyInfo><KeyValue><RSAKeyValue><Modulus>" + opc::toASCIIString(written.m_keyValue->modulus) +
+                  "</Modulus><Exponent>AQAB</Exponent></RSAKeyValue></KeyValue></KeyInfo>");
     EXPECT_EQ(read(withKey).m_signatureParams.getSignatureMethod(), SignatureMethod::RSA1024);
 
     written.m_keyValue.reset();
@@ -133,10 +94,80 @@ TEST_F(SignatureWriter, writesTheKeyOrTheCertificates) {
     chain.addCertificate(certificateOf(certificate("rsa:2048")));
     chain.addCertificate(certificateOf(certificate("rsa:3072")));
     written.m_certificateChain = chain;
-    std::string x509Data = "</SignatureValue><KeyInfo><X509Data>";
+    std::string x509Data = "<KeyInfo><X509Data>";
     for (const char* key : {"rsa:1024", "rsa:2048", "rsa:3072"})
         x509Data += "<X509Certificate>" + certificate(key) + "</X509Certificate>";
-    EXPECT_NE(write(written).find(x509Data + "</X509Data></KeyInfo><Object"), std::string::npos);
+    EXPECT_EQ(piece(write(written), "<KeyInfo>", "<Object"), x509Data + "</X509Data></KeyInfo>");
+}
+
+TEST_F(SignatureWriter, whatIsComposedIsWhatXercesWrites) {
+    written.m_certificate = certificateOf(certificate("rsa:1024"));
+    Reference& both = written.m_content.manifestReferences.back();
+    SignatureProperty& property = written.m_content.signatureProperties.front();
+    std::u16string* const values[] = {&written.m_signatureId,
+                                      &written.m_canonicalizationMethod,
+                                      &written.m_signatureMethod,
+                                      &both.referenceID,
+                                      &written.m_signatureValueInXML,
+                                      &written.m_keyValue->modulus,
+                                      &both.referenceType,
+                                      &written.m_keyValue->exponent,
+                                      &both.relationshipReferences[0],
+                                      &both.transforms[0],
+                                      &both.digestMethod,
+                                      &both.relationshipGroupReferences[0],
+                                      &both.digestValue,
+                                      &property.id,
+                                      &property.target,
+                                      &property.format};
+    std::u16string printable;
+    for (char16_t c = u' '; c <= u'~'; ++c)
+        printable += c;
+    const auto textOf = [](const DigitalSignatureData::OwnedDocument& document) {
+        std::u16string text;
+        XercesHelper::writeDocumentToString(XercesHelper::createWriter().get(), document.get(), text,
+                                            XmlDeclaration::Omit);
+        return opc::toUDEString(text);
+    };
+    std::string composed;
+    std::string element;
+    const auto isWhatXercesWrites = [&] {
+        property.value = u"\u00e9"; // which is left to Xerces
+        EXPECT_FALSE(composePlainSignature(written, composed));
+        const std::string byXerces = replaced(write(written), "\xC3\xA9", "e");
+        property.value = u"e";
+        const bool isObjectPlain = composePlainPackageObject(written.m_content, element);
+        EXPECT_TRUE(!isObjectPlain || element == textOf(written.buildPackageObject()));
+        const bool isSignedInfoPlain = composePlainSignedInfo(written, element);
+        EXPECT_TRUE(!isSignedInfoPlain || element == textOf(written.buildSignedInfo()));
+        const bool isPlain = composePlainSignature(written, composed);
+        EXPECT_EQ(write(written), byXerces);
+        return isPlain && composed == byXerces;
+    };
+    EXPECT_TRUE(isWhatXercesWrites());
+    for (std::u16string* const value : values) {
+        *value += printable;
+        EXPECT_TRUE(isWhatXercesWrites());
+        for (const char16_t* other :
+             {u"\t", u"\r\n", u"\u007f", u"\u0085", u"\u2028", u"\U0001F600", u"\x01"}) {
+            const std::u16string plain = std::exchange(*value, *value + other);
+            EXPECT_FALSE(composePlainSignature(written, composed)) << opc::toUDEString(*value);
+            *value = plain;
+        }
+    }
+    for (std::u16string* const value : values) {
+        const std::u16string before = std::exchange(*value, u"");
+        isWhatXercesWrites();
+        *value = before;
+    }
+    for (auto* const list :
+         {&written.m_content.manifestReferences, &written.m_content.signedInfoReferences}) {
+        const auto before = std::exchange(*list, {});
+        isWhatXercesWrites();
+        *list = before;
+    }
+    written.m_content.signatureProperties.clear();
+    EXPECT_FALSE(composePlainSignature(written, composed));
 }
 
 TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
@@ -156,17 +187,16 @@ TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
                                    : testing::AssertionFailure() << outcome.output;
     };
     EXPECT_TRUE(validates());
-    addRelationships();
     written.m_certificate = certificateOf(certificate("rsa:1024"));
     EXPECT_TRUE(validates());
-    written.m_keyValue = RSAKeyValue{0, u"AQID", u"AQAB"};
+    written.m_keyValue.reset();
     EXPECT_TRUE(validates());
     written.m_content.signatureProperties[0].value = u"tomorrow";
     EXPECT_FALSE(validates());
 }
 
 TEST_F(SignatureWriter, whatWasReadIsWrittenAsItWas) {
-    addRelationships();
+    written.m_keyValue.reset();
     written.m_certificate = certificateOf(certificate("rsa:2048"));
     const std::string document = write(written);
     DigitalSignatureData again = read(document);
@@ -181,13 +211,12 @@ TEST_F(SignatureWriter, whatWasReadIsWrittenAsItWas) {
     EXPECT_EQ(first.str(), second.str());
     EXPECT_EQ(first.str().find("----------- Pretty Print of Digital Signature data --------------------\n"),
               0U);
-    for (const char* text : {"Digest: SHA-512\n", "Key: RSA 2048\n", "BAUG", "rId2", "t:1&2", "urn:other",
+    for (const char* text : {"Digest: SHA-256\n", "Key: RSA 2048\n", "BAUG", "rId 1", "urn:'a", "a/b",
                              "#Signature1", "BwgJ", "<SignedInfo"})
         EXPECT_NE(first.str().find(text), std::string::npos) << text;
 }
 
 TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
-    written.m_keyValue = RSAKeyValue{0, u"AQID", u"AQAB"};
     for (const auto method : {SignatureMethod::NoKey, static_cast<SignatureMethod>(9)}) {
         written.m_signatureParams = SignatureParams(DigestMethod::SHA1, method);
         EXPECT_TRUE(throws<opc::Exception>("Could not serialize key info element for this signature method.",
@@ -197,7 +226,7 @@ TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
     }
     written.m_signatureParams = SignatureParams();
     EXPECT_THROW(written.setKeyValue({1, 2, 3}), opc::Exception);
-    EXPECT_EQ(written.m_keyValue->modulus, u"AQID") << "a bad key leaves the old one";
+    EXPECT_EQ(written.m_keyValue->modulus, u"AQIDBA==") << "a bad key leaves the old one";
 
     const std::string good = write(written);
     for (const char16_t bad : {u'\u0001', u'\uFFFE', char16_t(0xD800)}) {

@@ -2,6 +2,7 @@
 
 #include "support/PackageContent.hpp"
 #include "support/TestCertificates.hpp"
+#include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
@@ -22,25 +23,30 @@
 
 namespace opc::test {
 
-/// A pair of keys of that size, made once in a program.
-inline const bedrock::crypto::RsaKeyPair& keysOf(std::size_t bits) {
-    static std::map<std::size_t, bedrock::crypto::RsaKeyPair> made;
-    const auto found = made.find(bits);
-    return found != made.end() ? found->second
-                               : made.emplace(bits, bedrock::crypto::generateRsaKeyPair(bits)).first->second;
+constexpr model::DigestMethod ALL_DIGESTS[] = {model::DigestMethod::MD5,    model::DigestMethod::SHA1,
+                                               model::DigestMethod::SHA224, model::DigestMethod::SHA256,
+                                               model::DigestMethod::SHA384, model::DigestMethod::SHA512};
+
+inline model::RelationshipSelector byId(const char16_t* source, const char16_t* id) {
+    return {model::URI(source), model::RelationshipSelectorType::SourceId, id};
+}
+inline model::RelationshipSelector byType(const char16_t* source, const char16_t* type) {
+    return {model::URI(source), model::RelationshipSelectorType::SourceType, type};
 }
 
 /// A small package with relationships and core properties, and a manager on it. Signed with keys of 1024
 /// bits, which are quick.
 class SignedPackage : public testing::Test {
 protected:
-    using Params = model::SignatureParams;
+    static constexpr char16_t SIGNATURE[] = u"/_xmlsignatures/sig1.xml";
+    static constexpr char16_t ORIGIN[] = u"/_xmlsignatures/origin.sigs";
+    static constexpr char16_t CORE_PROPERTIES[] = u"/metadata/coreProperties.xml";
 
     SignedPackage() {
         fill(store, {u"/a.xml", u"/b.xml"});
         store.setPart(u"/a.xml", toBytes("<a>content</a>"));
         store.setPart(
-            u"/metadata/coreProperties.xml",
+            CORE_PROPERTIES,
             toBytes("<coreProperties><cp:keywords>old</cp:keywords><dc:title>t</dc:title></coreProperties>"));
         store.setPart(
             u"/_rels/.rels",
@@ -69,26 +75,49 @@ protected:
         open(mode);
     }
 
+    /// The text of a stored part, of the first signature if none is named.
+    std::string text(const char16_t* name = SIGNATURE) const { return toText(store.partBytes(name)); }
+
+    /// Opens the package with this text in the part of the first signature.
+    void openWith(const std::string& signature) {
+        close(true);
+        store.setPart(SIGNATURE, toBytes(signature));
+        open();
+    }
+
+    /// Gives the closed package the place of one that was never signed.
+    void removeSignatureParts() {
+        for (const std::u16string& name : store.partNames())
+            if (name.rfind(u"/_xmlsignatures/", 0) == 0)
+                store.removePart(name);
+        store.setPart(u"/_rels/.rels", relationships(""));
+    }
+
     model::Part part(const char16_t* name) { return package->getPart(model::PartName(name)); }
 
-    model::DigitalSignature signPart(const char16_t* name) {
-        return manager->sign({model::PartName(name)}, {}, privateKey, publicKey, params);
+    model::DigitalSignature sign(const std::vector<model::PartName>& parts,
+                                 const std::vector<model::RelationshipSelector>& relationships) {
+        return manager->sign(parts, relationships, privateKey, publicKey, params);
     }
+    model::DigitalSignature signPart(const char16_t* name) { return sign({model::PartName(name)}, {}); }
     model::DigitalSignature signAll() { return manager->signPackage(privateKey, params); }
 
-    /// The code of verifying a signature by the public key: of the status, or of what is raised.
-    int verify(const model::DigitalSignature& signature) {
+    /// The code of verifying a signature by a public key: of the status, or of what is raised.
+    int verify(const model::DigitalSignature& signature, const Bytes& key) {
         try {
-            return manager->verifySignature(signature, publicKey).getErrorCode().value();
+            return manager->verifySignature(signature, key).getErrorCode().value();
         } catch (const model::InvalidSignature& e) {
-            return e.getErrorCode().value();
+            const int code = e.getErrorCode().value();
+            EXPECT_EQ(e.what(), "Signature is invalid: " + std::to_string(code));
+            return code;
         }
     }
+    int verify(const model::DigitalSignature& signature) { return verify(signature, publicKey); }
     int verify(const char16_t* name) { return verify(manager->getSignature(name)); }
 
     const Bytes& privateKey = keysOf(1024).getPrivateKey();
     const Bytes& publicKey = keysOf(1024).getPublicKey();
-    const Params params{model::DigestMethod::SHA256, model::SignatureMethod::RSA1024};
+    const model::SignatureParams params{model::DigestMethod::SHA256, model::SignatureMethod::RSA1024};
     physical::MemoryPackage store;
     std::unique_ptr<model::Package> package;
     std::unique_ptr<model::DigitalSignatureManager> manager;

@@ -1,7 +1,7 @@
-#include "SignatureDocuments.hpp"
 #include "SignedPackage.hpp"
 
 #include <functional>
+#include <map>
 #include <random>
 
 namespace {
@@ -9,9 +9,6 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
-
-constexpr char16_t SIGNATURE[] = u"/_xmlsignatures/sig1.xml";
 
 /// What a change leads to: the code of the status or of `InvalidSignature`; or that the package, or the
 /// signature's number, can't be read; or that no signature is found any more.
@@ -50,14 +47,12 @@ protected:
     Tampering() {
         writeAll(part(u"/b.xml"), "<b>other</b>");
         part(u"/b.xml").createExternalRelationship(u"urn:next", u"http://n/", u"rId2");
-        const auto byType = [](const char16_t* source, const char16_t* type) {
-            return RelationshipSelector(URI(source), RelationshipSelectorType::SourceType, type);
-        };
-        manager->sign({PartName(u"/a.xml"), PartName(u"/b.xml"), PartName(u"/metadata/coreProperties.xml")},
-                      {byType(u"/", u"urn:main"), byType(u"/", u"urn:link"), byType(u"/a.xml", u"urn:next"),
-                       byType(u"/b.xml", u"urn:next")},
-                      privateKey, publicKey, params);
+        sign({PartName(u"/a.xml"), PartName(u"/b.xml"), PartName(CORE_PROPERTIES)},
+             {byType(u"/", u"urn:main"), byType(u"/", u"urn:link"), byType(u"/a.xml", u"urn:next"),
+              byType(u"/b.xml", u"urn:next")});
         package->close(false);
+        for (const std::u16string& name : store.partNames())
+            before[name] = store.partBytes(name);
     }
 
     int outcome() {
@@ -76,20 +71,24 @@ protected:
         return code;
     }
 
-    int outcomeOf(const std::function<void(MemoryPackage&)>& change) {
-        const std::vector<std::u16string> names = store.partNames();
-        std::vector<Bytes> before;
-        for (const std::u16string& name : names)
-            before.push_back(store.partBytes(name));
+    /// The outcome after a change, which is then taken back.
+    int outcomeOf(const std::function<void()>& change) {
         const Bytes types = store.contentTypes();
-        change(store);
+        change();
         const int code = outcome();
         for (const std::u16string& name : store.partNames())
             store.removePart(name);
-        for (std::size_t i = 0; i < names.size(); ++i)
-            store.setPart(names[i], before[i]);
+        for (const auto& [name, bytes] : before)
+            store.setPart(name, bytes);
         store.setContentTypes(types);
         return code;
+    }
+
+    void edit(const char16_t* name, const std::string& what, const std::string& with) {
+        store.setPart(name, toBytes(replaced(text(name), what, with)));
+    }
+    int outcomeOf(const char16_t* name, const std::string& what, const std::string& with) {
+        return outcomeOf([&] { edit(name, what, with); });
     }
 
     /// Turns one bit, by a fixed series, in each of these places, and gives those where `isExpected` says no.
@@ -97,17 +96,18 @@ protected:
                                       const std::function<bool(int)>& isExpected) {
         std::mt19937 random(7);
         std::vector<std::size_t> unexpected;
-        const Bytes before = store.partBytes(name);
         for (const std::size_t place : places) {
-            Bytes changed = before;
+            Bytes changed = before.at(name);
             changed[place] = static_cast<unsigned char>(changed[place] ^ (1U << (random() % 7)));
             store.setPart(name, changed);
             if (!isExpected(outcome()))
                 unexpected.push_back(place);
         }
-        store.setPart(name, before);
+        store.setPart(name, before.at(name));
         return unexpected;
     }
+
+    std::map<std::u16string, Bytes> before;
 };
 
 bool isFound(int code) {
@@ -116,11 +116,11 @@ bool isFound(int code) {
 
 TEST_F(Tampering, everyByteOfSignedPartsCounts) {
     ASSERT_EQ(outcome(), HOLDS);
-    for (const char16_t* name : {u"/a.xml", u"/b.xml", u"/metadata/coreProperties.xml"}) {
-        const std::string text = toText(store.partBytes(name));
+    for (const char16_t* name : {u"/a.xml", u"/b.xml", CORE_PROPERTIES}) {
+        const std::string document = text(name);
         std::vector<std::size_t> places;
-        for (std::size_t i = 0; i < text.size(); ++i)
-            if (!isWithin(text, i, "old</cp", "</cp:keywords>"))
+        for (std::size_t i = 0; i < document.size(); ++i)
+            if (!isWithin(document, i, "old</cp", "</cp:keywords>"))
                 places.push_back(i);
         EXPECT_EQ(turnBits(name, places, [](int code) { return code == 101; }), NONE);
     }
@@ -129,66 +129,51 @@ TEST_F(Tampering, everyByteOfSignedPartsCounts) {
 /// But for the relationship that leads to the signatures, which is none of those that were signed.
 TEST_F(Tampering, everyValueOfSignedRelationshipsCounts) {
     for (const char16_t* name : {u"/_rels/.rels", u"/_rels/a.xml.rels", u"/_rels/b.xml.rels"}) {
-        const std::string text = toText(store.partBytes(name));
+        const std::string document = text(name);
         std::vector<std::size_t> places;
-        for (const std::size_t place : placesOfValues(text))
-            if (!isWithin(text, place, "\"rId3\"", "/>"))
+        for (const std::size_t place : placesOfValues(document))
+            if (!isWithin(document, place, "\"rId3\"", "/>"))
                 places.push_back(place);
         EXPECT_EQ(turnBits(name, places, isFound), NONE);
     }
 }
 
 TEST_F(Tampering, everyValueOfTheSignaturePartCounts) {
-    const std::string text = toText(store.partBytes(SIGNATURE));
+    const std::string document = text();
     std::vector<std::size_t> covered;
     std::vector<std::size_t> keys;
-    for (const std::size_t place : placesOfValues(text)) {
-        if (isWithin(text, place, "<KeyInfo>", "</KeyInfo>"))
+    for (const std::size_t place : placesOfValues(document)) {
+        if (isWithin(document, place, "<KeyInfo>", "</KeyInfo>"))
             keys.push_back(place);
-        else if (!isWithin(text, place, "\"Signature1", "\" "))
+        else if (!isWithin(document, place, "\"Signature1", "\" "))
             covered.push_back(place);
     }
     EXPECT_EQ(turnBits(SIGNATURE, covered, isFound), NONE);
     EXPECT_EQ(turnBits(SIGNATURE, keys, [](int code) { return code == HOLDS || code == 102 || code == 103; }),
-              std::vector<std::size_t>())
+              NONE)
         << "a key in the signature isn't looked at by who brings another, but must be a key of its size";
     EXPECT_EQ(outcome(), HOLDS);
 }
 
-struct Change {
-    const char* what;
-    std::function<void(MemoryPackage&)> make;
-};
-
-std::function<void(MemoryPackage&)> edit(const char16_t* name, const std::string& what,
-                                         const std::string& with) {
-    return [=](MemoryPackage& store) {
-        store.setPart(name, toBytes(replaced(toText(store.partBytes(name)), what, with)));
-    };
-}
-
 /// 101: what is covered has changed. 102: something covered is missing.
 TEST_F(Tampering, changesOfWhatIsSignedAreFoundByTheirCode) {
-    const struct {
-        int code;
-        std::function<void(MemoryPackage&)> make;
-    } changes[] = {
-        {101, edit(u"/a.xml", "content", "Content")},
-        {101, edit(u"/metadata/coreProperties.xml", ">t<", ">T<")},
-        {101, edit(u"/_rels/.rels", "http://e/", "http://f/")},
-        {101, edit(u"/_rels/.rels", R"(TargetMode="External")", "")},
-        {101, edit(u"/_rels/a.xml.rels", "rId1", "rId7")},
-        {101, edit(u"/_rels/.rels", "<Relationship ",
-                   R"(<Relationship Id="x" Type="urn:link" Target="b.xml"/><Relationship )")},
-        {102, edit(u"/_rels/.rels", "urn:link", "urn:else")},
-        {102,
-         [](MemoryPackage& s) {
-             s.removePart(u"/b.xml");
-             s.removePart(u"/_rels/b.xml.rels");
-         }},
+    const char16_t *const ofPackage = u"/_rels/.rels", *const ofA = u"/_rels/a.xml.rels";
+    const std::tuple<int, const char16_t*, const char*, const char*> changes[] = {
+        {101, u"/a.xml", "content", "Content"},
+        {101, CORE_PROPERTIES, ">t<", ">T<"},
+        {101, ofPackage, "http://e/", "http://f/"},
+        {101, ofPackage, R"(TargetMode="External")", ""},
+        {101, ofA, "rId1", "rId7"},
+        {101, ofPackage, "</R", R"(<Relationship Id="x" Type="urn:link" Target="b.xml"/></R)"},
+        {102, ofPackage, "urn:link", "urn:else"},
     };
-    for (const auto& change : changes)
-        EXPECT_EQ(outcomeOf(change.make), change.code) << &change - changes;
+    for (const auto& [code, name, what, with] : changes)
+        EXPECT_EQ(outcomeOf(name, what, with), code) << what << " -> " << with;
+    EXPECT_EQ(outcomeOf([this] {
+                  store.removePart(u"/b.xml");
+                  store.removePart(u"/_rels/b.xml.rels");
+              }),
+              102);
 }
 
 TEST_F(Tampering, changesOfFormWithinWhatIsSignedAreFound) {
@@ -202,47 +187,42 @@ TEST_F(Tampering, changesOfFormWithinWhatIsSignedAreFound) {
         {"<pds:RelationshipGroupReference SourceType=\"urn:link\"/>", ""},
     };
     for (const auto& [what, with] : changes)
-        EXPECT_TRUE(isFound(outcomeOf(edit(SIGNATURE, what, with)))) << what << " -> " << with;
+        EXPECT_TRUE(isFound(outcomeOf(SIGNATURE, what, with))) << what << " -> " << with;
 }
 
 /// What no signature of this format protects: who must rely on one of these checks it himself.
 TEST_F(Tampering, whatIsNotProtected) {
-    const Change changes[] = {
+    const auto addRelationship = [this](const std::string& attributes) {
+        edit(u"/_rels/.rels", "</R", "<Relationship " + attributes + R"( Target="b.xml"/></R)");
+    };
+    const std::pair<const char*, std::function<void()>> changes[] = {
         {"a content type",
-         [](MemoryPackage& s) {
-             s.setContentTypes(toBytes(replaced(toText(s.contentTypes()), "application/xml", "text/other")));
+         [this] {
+             store.setContentTypes(
+                 toBytes(replaced(toText(store.contentTypes()), "application/xml", "text/other")));
          }},
-        {"the first keywords element", edit(u"/metadata/coreProperties.xml", ">old<", ">new<")},
+        {"the first keywords element", [this] { edit(CORE_PROPERTIES, ">old<", ">new<"); }},
         {"a keywords element that was taken out",
-         edit(u"/metadata/coreProperties.xml", "<cp:keywords>old</cp:keywords>", "")},
-        {"a part that was added", [](MemoryPackage& s) { s.setPart(u"/new.xml", {}); }},
-        {"a relationship of a type that isn't signed",
-         edit(u"/_rels/.rels", "<Relationship ",
-              R"(<Relationship Id="x" Type="urn:else" Target="b.xml"/><Relationship )")},
+         [this] { edit(CORE_PROPERTIES, "<cp:keywords>old</cp:keywords>", ""); }},
+        {"a part that was added", [this] { store.setPart(u"/new.xml", {}); }},
+        {"a relationship of a type that isn't signed", [&] { addRelationship(R"(Id="x" Type="urn:else")"); }},
         {"which source has which of the signed relationships",
-         [](MemoryPackage& s) {
-             const Bytes ofA = s.partBytes(u"/_rels/a.xml.rels");
-             s.setPart(u"/_rels/a.xml.rels", s.partBytes(u"/_rels/b.xml.rels"));
-             s.setPart(u"/_rels/b.xml.rels", ofA);
+         [this] {
+             store.setPart(u"/_rels/a.xml.rels", before.at(u"/_rels/b.xml.rels"));
+             store.setPart(u"/_rels/b.xml.rels", before.at(u"/_rels/a.xml.rels"));
          }},
         {"a relationship with the ID of the countersignature's, beside a part of its name",
-         [](MemoryPackage& s) {
-             s.setPart(u"/_xmlsignatures/sigcountersig.xml", {});
-             edit(u"/_rels/.rels", "<Relationship ",
-                  R"(<Relationship Id="DSRelcountersig" Type="urn:link" Target="b.xml"/><Relationship )")(s);
+         [&] {
+             store.setPart(u"/_xmlsignatures/sigcountersig.xml", {});
+             addRelationship(R"(Id="DSRelcountersig" Type="urn:link")");
          }},
-        {"the key in the signature, by another key", edit(SIGNATURE, ">AQAB<", ">AQAD<")},
-        {"no key in the signature",
-         [](MemoryPackage& s) {
-             std::string text = toText(s.partBytes(SIGNATURE));
-             const std::size_t begin = text.find("<KeyInfo>");
-             text.erase(begin, text.find("</KeyInfo>") + 10 - begin);
-             s.setPart(SIGNATURE, toBytes(text));
-         }},
-        {"the identifier of the signature", edit(SIGNATURE, R"(Id="Signature1")", R"(Id="Signature5")")},
+        {"the key in the signature, by another key", [this] { edit(SIGNATURE, ">AQAB<", ">AQAD<"); }},
+        {"no key in the signature", [this] { edit(SIGNATURE, piece(text(), "<KeyInfo>", "<Object"), ""); }},
+        {"the identifier of the signature",
+         [this] { edit(SIGNATURE, R"(Id="Signature1")", R"(Id="Signature5")"); }},
     };
-    for (const Change& change : changes)
-        EXPECT_EQ(outcomeOf(change.make), HOLDS) << change.what;
+    for (const auto& [what, change] : changes)
+        EXPECT_EQ(outcomeOf(change), HOLDS) << what;
 }
 
 /// The same XML, written otherwise: what is digested is written anew from what was read.
@@ -260,14 +240,13 @@ TEST_F(Tampering, otherSpellingsOfTheSameDocumentHold) {
         {"<SignatureProperties>", "<SignatureProperties  >"},
     };
     for (const auto& [what, with] : spellings)
-        EXPECT_EQ(outcomeOf(edit(SIGNATURE, what, with)), HOLDS) << what << " -> " << with;
+        EXPECT_EQ(outcomeOf(SIGNATURE, what, with), HOLDS) << what << " -> " << with;
 
-    const std::string document = toText(store.partBytes(SIGNATURE));
+    const std::string document = text();
     std::string inUtf16 = "\xFF\xFE";
     for (const char c : document.substr(document.find("?>") + 2))
         inUtf16 += {c, '\0'};
-    store.setPart(SIGNATURE, toBytes(inUtf16));
-    EXPECT_EQ(outcome(), HOLDS);
+    EXPECT_EQ(outcomeOf([&] { store.setPart(SIGNATURE, toBytes(inUtf16)); }), HOLDS);
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <bedrock/certificates/PKCS12Certificate.hpp>
 #include <bedrock/certificates/X509Certificate.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/core/Time.hpp>
 
 namespace {
 
@@ -36,18 +38,17 @@ TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
 
 /// What is left out of the core properties is searched as bytes: the first opening and the first closing tag.
 TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
-    const char16_t* const CORE = u"/metadata/coreProperties.xml";
-    const std::tuple<const char16_t*, const char*, const char*, int> cases[] = {
-        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p><cp:keywords>l</cp:keywords></p>", 0},
-        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<p></p>", 0},
-        {CORE, "<p><cp:keywords>k</cp:keywords></p>", "<q><cp:keywords>k</cp:keywords></q>", 101},
-        {CORE, "<cp:keywords>k</cp:keywords><cp:keywords>k</cp:keywords>",
-         "<cp:keywords>k</cp:keywords><cp:keywords>l</cp:keywords>", 101},
-        {CORE, R"(<cp:keywords xml:lang="en">k</cp:keywords>)",
-         R"(<cp:keywords xml:lang="en">l</cp:keywords>)", 101},
-        {CORE, "<cp:keywords/>", "", 101},
-        {CORE, "<cp:keywords>k", "<cp:keywords>l", 101},
-        {u"/a.xml", "<cp:keywords>k</cp:keywords>", "<cp:keywords>l</cp:keywords>", 101},
+    const std::string k = "<cp:keywords>k</cp:keywords>", l = "<cp:keywords>l</cp:keywords>";
+    const std::tuple<const char16_t*, std::string, std::string, int> cases[] = {
+        {CORE_PROPERTIES, "<p>" + k + "</p>", "<p>" + l + "</p>", 0},
+        {CORE_PROPERTIES, "<p>" + k + "</p>", "<p></p>", 0},
+        {CORE_PROPERTIES, "<p>" + k + "</p>", "<q>" + k + "</q>", 101},
+        {CORE_PROPERTIES, k + k, k + l, 101},
+        {CORE_PROPERTIES, "<cp:keywords xml:lang=\"en\">k</cp:keywords>",
+         "<cp:keywords xml:lang=\"en\">l</cp:keywords>", 101},
+        {CORE_PROPERTIES, "<cp:keywords/>", "", 101},
+        {CORE_PROPERTIES, "<cp:keywords>k", "<cp:keywords>l", 101},
+        {u"/a.xml", k, l, 101},
     };
     close(true);
     for (const auto& [part, signedContent, now, code] : cases) {
@@ -64,21 +65,19 @@ TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
     }
 }
 
+/// A signature without key holds by a key of any of the three sizes, which the length of the bytes tells.
 TEST_F(Verification, materialThatDoesNotFitIsRefusedWithItsCode) {
-    const DigitalSignature signature = signAll();
-    const auto code = [&](const Bytes& key) {
-        try {
-            manager->verifySignature(signature, key);
-            return 0;
-        } catch (const InvalidSignature& e) {
-            EXPECT_EQ(e.what(), "Signature is invalid: " + std::to_string(e.getErrorCode().value()));
-            return e.getErrorCode().value();
-        }
-    };
-    EXPECT_EQ(code(Bytes()), 103);
-    EXPECT_EQ(code(Bytes(10)), 103);
-    EXPECT_EQ(code(keysOf(2048).getPublicKey()), 103);
-    EXPECT_EQ(code(Bytes(publicKey.size(), 7)), 17);
+    const DigitalSignature made = signAll();
+    EXPECT_EQ(verify(made, Bytes()), 103);
+    EXPECT_EQ(verify(made, keysOf(2048).getPublicKey()), 103) << "it is known with which key it was made";
+    reopen();
+    const DigitalSignature signature = manager->getSignature(u"sig1");
+    EXPECT_EQ(verify(signature), 0);
+    const std::pair<std::size_t, int> lengths[] = {{1, 103},  {127, 103}, {128, 17},  {255, 17},
+                                                   {256, 17}, {383, 17},  {384, 103}, {511, 103},
+                                                   {512, 17}, {639, 17},  {640, 103}, {1024, 103}};
+    for (const auto& [length, code] : lengths)
+        EXPECT_EQ(verify(signature, Bytes(length, 7)), code) << length;
     EXPECT_THROW(manager->verifySignature(signature, X509Certificate(), FingerprintStore(),
                                           X509CertificateChain(), CertificateValidationOptions(),
                                           TrustStore()),
@@ -126,21 +125,24 @@ TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsk
 
 class CertificateSignatures : public Verification {
 protected:
-    CertificateSignatures() : root(makeIssuer("Root")) {
-        CertificateRecipe recipe;
-        recipe.issuer = &root;
-        signer = makeIdentity(recipe);
+    CertificateSignatures() : root(makeIssuer("Root")), signer(makeSigner(&root)) {
         trusted.addCertificate(root.certificate);
         other.addCertificate(makeIssuer("Other").certificate);
     }
 
-    DigitalSignature signWithCertificate() {
-        return manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), signer->certificate, chain,
-                             options, SignatureParams(), trusted);
+    DigitalSignature signWithCertificate(const SignatureParams& with = SignatureParams()) {
+        return manager->sign({PartName(u"/a.xml")}, {}, signer.getPrivateKey(), signer.certificate, chain,
+                             options, with, trusted);
+    }
+
+    using Verification::verify;
+    int verify(const DigitalSignature& signature, const TrustStore& trust,
+               const FingerprintStore& known = FingerprintStore()) {
+        return manager->verifySignature(signature, known, options, trust).getErrorCode().value();
     }
 
     Identity root;
-    std::optional<Identity> signer;
+    Identity signer;
     X509CertificateChain chain;
     CertificateValidationOptions options;
     TrustStore trusted;
@@ -148,35 +150,33 @@ protected:
     FingerprintStore none;
 };
 
+constexpr int UNKNOWN_ISSUER = 5;
+
 TEST_F(CertificateSignatures, holdByTheirTrustStoreOrFingerprint) {
     signWithCertificate();
     reopen();
     EXPECT_TRUE(manager->verifyAllSignatures(none, options, trusted).isProperlyCodesigned());
     const DigitalSignature signature = manager->getSignature(u"sig1");
-    EXPECT_EQ(signature.getCertificate().getSHA256Fingerprint(), signer->certificate.getSHA256Fingerprint());
-    const auto untrusted = manager->verifySignature(signature, none, options, other);
-    EXPECT_TRUE(untrusted.isErrorFromCertificateChain()) << untrusted.getErrorCode().value();
+    EXPECT_EQ(signature.getCertificate().getSHA256Fingerprint(), signer.certificate.getSHA256Fingerprint());
+    EXPECT_EQ(verify(signature, other), UNKNOWN_ISSUER);
     FingerprintStore known;
-    known.addFingerprint(signer->certificate.getSHA256Fingerprint());
-    EXPECT_TRUE(manager->verifySignature(signature, known, options, other).isProperlyCodesigned());
-    EXPECT_TRUE(manager->verifySignature(signature, signer->certificate, none, chain, options, trusted)
+    known.addFingerprint(signer.certificate.getSHA256Fingerprint());
+    EXPECT_EQ(verify(signature, other, known), 0);
+    EXPECT_TRUE(manager->verifySignature(signature, signer.certificate, none, chain, options, trusted)
                     .isProperlyCodesigned());
+    writeAll(part(u"/a.xml"), "changed");
+    EXPECT_EQ(verify(signature, other), 101) << "a changed part outranks an untrusted chain";
 }
 
 TEST_F(CertificateSignatures, holdWithEveryDigest) {
-    for (const DigestMethod digest : {DigestMethod::MD5, DigestMethod::SHA1, DigestMethod::SHA224,
-                                      DigestMethod::SHA256, DigestMethod::SHA384, DigestMethod::SHA512}) {
-        const DigitalSignature signature =
-            manager->sign({PartName(u"/a.xml")}, {}, signer->getPrivateKey(), signer->certificate, chain,
-                          options, SignatureParams(digest, SignatureMethod::RSA2048), trusted);
-        EXPECT_TRUE(manager->verifySignature(signature, none, options, trusted).isProperlyCodesigned());
-    }
+    for (const DigestMethod digest : ALL_DIGESTS)
+        EXPECT_EQ(verify(signWithCertificate(SignatureParams(digest, SignatureMethod::RSA2048)), trusted), 0);
 }
 
 TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
     const OpenSslCommand openssl;
-    openssl.write("key.der", signer->getPrivateKey());
-    openssl.write("certificate.der", signer->certificate.getAsByteArray());
+    openssl.write("key.der", signer.getPrivateKey());
+    openssl.write("certificate.der", signer.certificate.getAsByteArray());
     openssl.run("pkey -inform DER -in key.der -out key");
     openssl.run("x509 -inform DER -in certificate.der -out certificate");
     const auto bundle = [&](const std::string& content) {
@@ -184,55 +184,47 @@ TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
         return PKCS12Certificate(openssl.read("bundle"), "word");
     };
     signWithCertificate();
-    const auto countersign = [&](const std::string& content, const SignatureParams& with) {
+    const auto countersign = [&](const std::string& content,
+                                 const SignatureParams& with = SignatureParams()) {
         manager->countersignAllSignatures(bundle(content), options, with, trusted);
     };
-    EXPECT_TRUE(
-        throws<CouldNotGenerateSignature>("The given PKCS12 bundle is invalid. No private key found.", [&] {
-            countersign("-nokeys -in certificate", SignatureParams());
-        }));
-    EXPECT_TRUE(
-        throws<CouldNotGenerateSignature>("The given PKCS12 bundle is invalid. No certificate found.",
-                                          [&] { countersign("-nocerts -inkey key", SignatureParams()); }));
+    const std::pair<const char*, const char*> halves[] = {
+        {"-nokeys -in certificate", "No private key found."},
+        {"-nocerts -inkey key", "No certificate found."}};
+    for (const auto& [content, what] : halves)
+        EXPECT_TRUE(throws<CouldNotGenerateSignature>(
+            std::string("The given PKCS12 bundle is invalid. ") + what, [&] { countersign(content); }));
     EXPECT_THROW(countersign("-inkey key -in certificate",
                              SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096)),
                  CouldNotGenerateSignature);
     EXPECT_FALSE(manager->isPackageCountersigned());
 
-    countersign("-inkey key -in certificate", SignatureParams());
+    countersign("-inkey key -in certificate");
     reopen();
     EXPECT_TRUE(manager->verifyCountersignature(none, options, trusted).isProperlyCodesigned());
     EXPECT_TRUE(manager->verifyCountersignature(none, options, other).isErrorFromCertificateChain());
-    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, trusted)
+    EXPECT_TRUE(manager->verifyCountersignature(signer.certificate, none, chain, options, trusted)
                     .isProperlyCodesigned());
-    EXPECT_TRUE(manager->verifyCountersignature(signer->certificate, none, chain, options, other)
+    EXPECT_TRUE(manager->verifyCountersignature(signer.certificate, none, chain, options, other)
                     .isErrorFromCertificateChain());
 }
 
-TEST_F(CertificateSignatures, aTimeBeyondTheClockIsItsLastOne) {
-    DataToSign toSign;
-    toSign.partNames = {PartName(u"/a.xml")};
-    toSign.digests = {Bytes(64)};
-    toSign.contentTypes = {ContentType(u"a/b")};
-    DigitalSignatureData data(u"1", signer->getPrivateKey(), signer->certificate, chain, SignatureParams(),
-                              toSign);
-    data.m_signedTime = boost::posix_time::ptime(boost::gregorian::date(9999, 12, 31));
-    EXPECT_EQ(
-        data.verifyWithCertificate(signer->certificate, none, chain, trusted, options).getErrorCode().value(),
-        0);
-}
-
-TEST_F(CertificateSignatures, aChangedPartOutranksAnUntrustedChain) {
-    const DigitalSignature signature = signWithCertificate();
-    writeAll(part(u"/a.xml"), "changed");
-    reopen();
-    EXPECT_EQ(
-        manager->verifySignature(manager->getSignature(u"sig1"), none, options, other).getErrorCode().value(),
-        101);
+TEST_F(CertificateSignatures, aTimeBeyondTheClockIsTheEndOfIt) {
+    signer = makeSigner(&root, [](CertificateRecipe& r) { r.notAfter = "20400101000000Z"; });
+    const DataToSign content{{PartName(u"/a.xml")}, {{1}}, {ContentType(u"text/xml")}, {}, {}};
+    DigitalSignatureData signature(u"1", signer.getPrivateKey(), signer.certificate, chain, SignatureParams(),
+                                   content);
+    const std::pair<const char16_t*, int> times[] = {
+        {u"2020", 0}, {u"2263", 3}, {u"9999-12-31T23:59:59Z", 3}, {u"1677", 4}, {u"1500", 4}};
+    for (const auto& [time, code] : times) {
+        signature.m_signedTime = opc::convertStringToTime(time);
+        EXPECT_EQ(signature.verifyWithFingerprints(none, trusted, options).getErrorCode().value(), code)
+            << opc::toUDEString(time);
+    }
 }
 
 TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
-    Bytes key = signer->getPrivateKey();
+    Bytes key = signer.getPrivateKey();
     const auto fails = [&](const std::string& message, const X509Certificate& certificate,
                            const SignatureParams& with, const TrustStore& trust) {
         try {
@@ -245,13 +237,37 @@ TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
     fails("The verification certificate is empty.", X509Certificate(), SignatureParams(), trusted);
     fails("Verification certificate corresponds to key size 2048 but signature params specify a key size of "
           "4096 \n",
-          signer->certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
-    fails("The verification certificate is invalid.", signer->certificate, SignatureParams(), other);
+          signer.certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
+    fails("The verification certificate is invalid.", signer.certificate, SignatureParams(), other);
     EXPECT_FALSE(manager->isPackageSigned());
     key = bedrock::crypto::generateRsaKeyPair(2048).getPrivateKey();
-    fails("The signature doesn't verify correctly with the given certificate.", signer->certificate,
+    fails("The signature doesn't verify correctly with the given certificate.", signer.certificate,
           SignatureParams(), trusted);
     EXPECT_TRUE(manager->isPackageSigned()) << "found out once it is there, and it stays";
+}
+
+using bedrock::codesigning_verifier::ErrorCode;
+using bedrock::codesigning_verifier::ErrorMap;
+
+TEST(VerificationStatus, saysOfEachCodeWhetherItIsOfTheSignatureOrTheChain) {
+    const std::pair<ErrorCode, char> cases[] = {
+        {ErrorMap<-1>(), ' '},  {ErrorMap<0>(), ' '},   {ErrorMap<1>(), 'S'},   {ErrorMap<2>(), 'S'},
+        {ErrorMap<3>(), 'C'},   {ErrorMap<4>(), 'C'},   {ErrorMap<5>(), 'C'},   {ErrorMap<6>(), 'C'},
+        {ErrorMap<7>(), 'C'},   {ErrorMap<8>(), 'C'},   {ErrorMap<9>(), 'C'},   {ErrorMap<10>(), 'C'},
+        {ErrorMap<11>(), 'C'},  {ErrorMap<12>(), 'S'},  {ErrorMap<13>(), 'C'},  {ErrorMap<14>(), ' '},
+        {ErrorMap<15>(), 'S'},  {ErrorMap<16>(), 'C'},  {ErrorMap<17>(), 'S'},  {ErrorMap<18>(), 'S'},
+        {ErrorMap<19>(), 'C'},  {ErrorMap<20>(), ' '},  {ErrorMap<100>(), ' '}, {ErrorMap<101>(), 'S'},
+        {ErrorMap<102>(), ' '}, {ErrorMap<103>(), ' '}, {ErrorMap<104>(), ' '},
+    };
+    for (const auto& [code, of] : cases) {
+        const DigitalSignatureVerificationStatus status(
+            bedrock::codesigning_verifier::CodesigningVerificationStatus(
+                code, bedrock::certificates::CertificateValidationResults(
+                          bedrock::certificates::CertificateChainStatus::Good, "")));
+        EXPECT_EQ(status.isErrorFromSignature(), of == 'S') << code.value();
+        EXPECT_EQ(status.isErrorFromCertificateChain(), of == 'C') << code.value();
+        EXPECT_EQ(status.isProperlyCodesigned(), code.value() == 0) << code.value();
+    }
 }
 
 } // namespace

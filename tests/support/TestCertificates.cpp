@@ -88,14 +88,21 @@ Identity makeIdentity(const CertificateRecipe& recipe) {
     return made;
 }
 
-Identity makeIssuer(const std::string& subject, const Identity* issuer) {
+Identity makeSigner(const Identity* issuer, const std::function<void(CertificateRecipe&)>& change) {
     CertificateRecipe recipe;
-    recipe.subject = subject;
     recipe.issuer = issuer;
-    recipe.rsaBits = 0;
-    recipe.basicConstraints = "critical,CA:TRUE";
-    recipe.keyUsage = "critical,keyCertSign,cRLSign";
+    if (change)
+        change(recipe);
     return makeIdentity(recipe);
+}
+
+Identity makeIssuer(const std::string& subject, const Identity* issuer) {
+    return makeSigner(issuer, [&subject](CertificateRecipe& recipe) {
+        recipe.subject = subject;
+        recipe.rsaBits = 0;
+        recipe.basicConstraints = "critical,CA:TRUE";
+        recipe.keyUsage = "critical,keyCertSign,cRLSign";
+    });
 }
 
 std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, Bytes exponent) {

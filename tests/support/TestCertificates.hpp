@@ -1,15 +1,26 @@
 #pragma once
 
 #include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/crypto/RsaKeyPair.hpp>
 
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace opc::test {
+
+/// A pair of RSA keys of that size, made once in a program.
+inline const bedrock::crypto::RsaKeyPair& keysOf(std::size_t bits) {
+    static std::map<std::size_t, bedrock::crypto::RsaKeyPair> made;
+    const auto found = made.find(bits);
+    return found != made.end() ? found->second
+                               : made.emplace(bits, bedrock::crypto::generateRsaKeyPair(bits)).first->second;
+}
 
 /// A certificate made for a test, with its private key.
 struct Identity {
@@ -41,6 +52,9 @@ struct CertificateRecipe {
 
 /// RSA keys are made once for each size in a program: all certificates of a size share one.
 Identity makeIdentity(const CertificateRecipe& recipe);
+
+/// @param change  what makes the certificate of a signer another one than the usual
+Identity makeSigner(const Identity* issuer, const std::function<void(CertificateRecipe&)>& change = {});
 
 /// An issuer of certificates, on an elliptic curve.
 Identity makeIssuer(const std::string& subject, const Identity* issuer = nullptr);

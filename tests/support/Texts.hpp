@@ -46,4 +46,13 @@ inline std::string inserted(const std::string& text, const std::string& what, co
     return replaced(text, what, what + addition);
 }
 
+/// What stands in `text` from the first `begin` up to the next `end`, both of which must be there.
+inline std::string piece(const std::string& text, const std::string& begin, const std::string& end) {
+    const std::size_t first = text.find(begin);
+    const std::size_t last = text.find(end, first);
+    if (last == std::string::npos)
+        throw std::logic_error("not in the document: " + begin + " and " + end);
+    return text.substr(first, last - first);
+}
+
 } // namespace opc::test

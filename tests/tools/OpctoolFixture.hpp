@@ -39,6 +39,32 @@ protected:
 
     void write(const char* name, const std::string& text) const { writeFile(folder / name, text); }
 
+    /// The command fails with this one line, and leaves the file as it is.
+    void expectFailure(const std::string& arguments, const std::string& line, const char* file) const {
+        const auto before = readFile(folder / file);
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 3) << arguments;
+        EXPECT_EQ(outcome.errors, "opctool: " + line + "\n") << arguments;
+        EXPECT_EQ(outcome.output, "") << arguments;
+        EXPECT_EQ(readFile(folder / file), before) << arguments;
+    }
+
+    void expectWrongUsage(const std::string& arguments) const {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        EXPECT_NE(outcome.errors, "") << arguments;
+    }
+
+    /// Puts an item that has no content type, or is none of the package's, into the container.
+    void addItem(const std::string& archive, const std::string& name) const {
+        const auto added = folder.run("python3 -c \"import zipfile; zipfile.ZipFile('" + archive +
+                                      "', 'a').writestr('" + name + "', 'x')\"");
+        ASSERT_EQ(added.status, 0);
+    }
+
+    static constexpr const char* OFFICE_FILES[] = {"letter.docx", "budget.xlsx", "talk.pptx", "report.docx",
+                                                   "table.xlsx"};
+
     TemporaryFolder folder;
 };
 

@@ -28,6 +28,13 @@ TEST_F(Opctool, buildsAPackageStepByStep) {
     EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
     EXPECT_EQ(run("cat p.zip /NOTES/a.txt").output, "hello");
 
+    for (const char* content : {"", "a longer text"}) {
+        write("new.txt", content);
+        EXPECT_EQ(run("put p.zip /notes/A.txt new.txt").status, 0);
+        EXPECT_EQ(run("cat p.zip /notes/a.txt").output, content);
+    }
+    EXPECT_EQ(list("rels p.zip --all"), json::array({package, part}));
+
     EXPECT_EQ(run("unrelate p.zip / rId1").status, 0);
     EXPECT_EQ(run("rm p.zip /notes/a.txt").status, 0);
     EXPECT_EQ(list("rels p.zip --all"), json::array());
@@ -49,30 +56,25 @@ TEST_F(Opctool, failuresPrintOneLineAndLeaveTheFileAsItWas) {
     write("bad.zip", "PK\x03\x04 cut short");
     run("new p.zip");
     run("add p.zip /a.txt note.txt --type text/plain");
-    const auto before = readFile(folder / "p.zip");
     const std::pair<const char*, const char*> cases[] = {
         {"add p.zip /A.txt note.txt --type text/plain",
-         "opctool: PartAlreadyExists: Cannot use a part name that already exists: /A.txt\n"},
+         "PartAlreadyExists: Cannot use a part name that already exists: /A.txt"},
         {"add p.zip /b. note.txt --type text/plain",
-         "opctool: InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]\n"},
+         "InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]"},
         {"add p.zip /b note.txt --type text",
-         "opctool: InvalidContentType: Could not successfully parse content type string\n"},
-        {"rm p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
-        {"cat p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
-        {"rels p.zip /b.txt", "opctool: PartNotFound: No part found with the name:/b.txt\n"},
-        {"unrelate p.zip / rId1", "opctool: RelationshipNotFound: Relationship ID does not exist\n"},
+         "InvalidContentType: Could not successfully parse content type string"},
+        {"put p.zip /b.txt note.txt", "PartNotFound: No part found with the name:/b.txt"},
+        {"rm p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
+        {"cat p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
+        {"rels p.zip /b.txt", "PartNotFound: No part found with the name:/b.txt"},
+        {"unrelate p.zip / rId1", "RelationshipNotFound: Relationship ID does not exist"},
         {"relate p.zip / urn:t http://h/",
-         "opctool: InvalidRelationshipTarget: Relationship target cannot be an absolute URI for an internal "
-         "relationship\n"},
-        {"new p.zip", "opctool: Exception: p.zip exists already; --force replaces it\n"},
+         "InvalidRelationshipTarget: Relationship target cannot be an absolute URI for an internal "
+         "relationship"},
+        {"new p.zip", "Exception: p.zip exists already; --force replaces it"},
     };
-    for (const auto& [arguments, line] : cases) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.status, 3) << arguments;
-        EXPECT_EQ(outcome.errors, line) << arguments;
-        EXPECT_EQ(outcome.output, "") << arguments;
-        EXPECT_EQ(readFile(folder / "p.zip"), before) << arguments;
-    }
+    for (const auto& [arguments, line] : cases)
+        expectFailure(arguments, line, "p.zip");
     EXPECT_EQ(run("ls none.zip").errors.rfind("opctool: PackageNotFound: ", 0), 0U);
     EXPECT_EQ(run("ls bad.zip").errors.rfind("opctool: PackageOpenFailed: ", 0), 0U);
     EXPECT_FALSE(fs::exists(folder / "none.zip"));
@@ -82,14 +84,13 @@ TEST_F(Opctool, wrongUsageHasAStatusOfItsOwn) {
     run("new p.zip");
     for (const char* arguments :
          {"", "nonsense", "ls", "ls p.zip extra", "ls p.zip --nonsense", "rels p.zip / --all",
-          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t"}) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.status, 2) << arguments;
-        EXPECT_NE(outcome.errors, "") << arguments;
-    }
-    for (const char* arguments :
-         {"--help", "--version", "ls --help", "rels --help", "cat --help", "new --help", "add --help",
-          "rm --help", "relate --help", "unrelate --help", "props --help", "info --help"}) {
+          "add p.zip /a none.txt --type a/b", "add p.zip /a p.zip", "relate p.zip / urn:t",
+          "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a", "props p.zip --set title=M\xFCller"})
+        expectWrongUsage(arguments);
+    EXPECT_NE(run("--version").output, "");
+    for (const std::string command :
+         {"", "ls", "rels", "cat", "new", "add", "put", "rm", "relate", "unrelate", "props", "info"}) {
+        const std::string arguments = command + " --help";
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 0) << arguments;
         EXPECT_NE(outcome.output, "") << arguments;
@@ -100,9 +101,7 @@ TEST_F(Opctool, opensLenientlyWhatItNamesTheOptionFor) {
     write("note.txt", "hello");
     run("new p.zip");
     run("add p.zip /a.txt note.txt --type text/plain");
-    const auto addItem =
-        folder.run("python3 -c \"import zipfile; zipfile.ZipFile('p.zip', 'a').writestr('b.jpg', '')\"");
-    ASSERT_EQ(addItem.status, 0);
+    addItem("p.zip", "b.jpg");
     const std::string way = "; --lenient opens the package without it\n";
     const std::string hidden = "opctool: hidden: /b.jpg: no content type covers it\n";
     for (const std::string command : {"ls", "rels", "info", "props", "cat"}) {
@@ -124,11 +123,10 @@ TEST_F(Opctool, failsIfItsOutputCanNotBeWritten) {
 }
 
 TEST_F(Opctool, changesWhatOfficeProgramsWrote) {
-    for (const char* fixture : {"letter.docx", "budget.xlsx", "talk.pptx", "report.docx", "table.xlsx"}) {
-        SCOPED_TRACE(fixture);
-        copy(fixture, fixture);
-        write("note.txt", "hello");
-        const std::string name = fixture;
+    write("note.txt", "hello");
+    for (const std::string name : OFFICE_FILES) {
+        SCOPED_TRACE(name);
+        copy(name.c_str(), name.c_str());
         const json before = list("ls " + name);
         EXPECT_GT(before.size(), 3U);
         EXPECT_GT(list("rels " + name + " --all").size(), 3U);

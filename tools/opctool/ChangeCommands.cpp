@@ -70,10 +70,21 @@ void add(const Arguments& arguments) {
     package.save();
 }
 
+void put(const Arguments& arguments) {
+    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    copyFile(arguments.file, package->getPart(PartName(fromArgument(arguments.part))).getOutputStream());
+    package.save();
+}
+
 void remove(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadWrite);
     package->deletePart(PartName(fromArgument(arguments.part)));
     package.save();
+}
+
+/// What is blank counts as empty when it is read back, and makes the package one that can't be opened.
+std::string checkNotBlank(const std::string& argument) {
+    return argument.find_first_not_of(" \t\r\n") == std::string::npos ? "It is blank" : "";
 }
 
 void relate(const Arguments& arguments) {
@@ -125,14 +136,25 @@ void addChangeCommands(CLI::App& app) {
         ->check(CLI::ExistingFile);
     command->add_option("--type", arguments->contentType, "Its content type, such as image/png")->required();
 
+    command = addCommand(app, "put", "Give a part the content of a file", put, arguments);
+    command->add_option("PART", arguments->part, "The part's name")->required();
+    command->add_option("FILE", arguments->file, "Where its new content comes from")
+        ->required()
+        ->check(CLI::ExistingFile);
+
     command = addCommand(app, "rm", "Delete a part and its relationships", remove, arguments);
     command->add_option("PART", arguments->part, "The part's name")->required();
 
     command = addCommand(app, "relate", "Add a relationship and print its ID", relate, arguments);
     command->add_option("SOURCE", arguments->source, sourceHelp)->required();
-    command->add_option("TYPE", arguments->type, "The relationship type, a URI")->required();
-    command->add_option("TARGET", arguments->target, "A part name, or a reference relative to the source")
-        ->required();
+    command->add_option("TYPE", arguments->type, "The relationship type, a URI")
+        ->required()
+        ->check(checkNotBlank);
+    command
+        ->add_option("TARGET", arguments->target,
+                     "A part name, or a reference relative to the source; with --external, any reference")
+        ->required()
+        ->check(checkNotBlank);
     command->add_flag("--external", arguments->external, "The target lies outside the package");
     command->add_option("--id", arguments->id, "The ID, instead of a generated one");
 

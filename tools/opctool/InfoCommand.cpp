@@ -2,6 +2,7 @@
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 #include "Table.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -138,7 +139,8 @@ void printCoreProperties(const ordered_json& description) {
     const ordered_json& properties = description["coreProperties"];
     std::cout << "\nCore properties: " << properties.size() << '\n';
     if (description.contains("corePropertiesFailure"))
-        std::cout << "can't be read: " << description["corePropertiesFailure"].get<std::string>() << '\n';
+        std::cout << "can't be read: " << withoutControlCharacters(description["corePropertiesFailure"])
+                  << '\n';
     else
         printProperties(properties);
 }
@@ -162,7 +164,7 @@ void info(const PackageToRead& toRead, bool asJSON) {
     printRelationships(description["relationships"]);
     std::cout << "\nThumbnails: " << description["thumbnails"].size() << '\n';
     for (const auto& name : description["thumbnails"])
-        std::cout << name.get<std::string>() << '\n';
+        std::cout << withoutControlCharacters(name) << '\n';
     printCoreProperties(description);
     printIgnored(description["ignored"]);
 }

@@ -61,7 +61,10 @@ std::uint64_t measure(const opc::model::Part& part) {
 }
 
 std::u16string fromArgument(const std::string& argument) {
-    return opc::toString(argument, true);
+    std::u16string text = opc::toString(argument, true);
+    if (opc::toUDEString(text) != argument)
+        throw CLI::ValidationError(argument, "is no UTF-8");
+    return text;
 }
 
 } // namespace opctool

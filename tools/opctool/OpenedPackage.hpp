@@ -60,7 +60,8 @@ private:
 /// @return the size in bytes: the physical layer tells none, so the content is read
 std::uint64_t measure(const opc::model::Part& part);
 
-/// A name from the command line, which is UTF-8.
+/// A text from the command line, which is UTF-8.
+/// @throws CLI::ValidationError  if it isn't
 std::u16string fromArgument(const std::string& argument);
 
 template <typename Use>

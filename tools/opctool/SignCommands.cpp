@@ -6,6 +6,8 @@
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/PackageHelper.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -25,6 +27,7 @@ using opc::model::DigitalSignature;
 using opc::model::DigitalSignatureManager;
 using opc::model::ExcludeMode;
 using opc::model::Package;
+using opc::model::PackageHelper;
 using opc::model::Part;
 using opc::model::PartName;
 using opc::model::Relationship;
@@ -32,6 +35,11 @@ using opc::model::RelationshipSelector;
 using opc::model::RelationshipSelectorType;
 using opc::model::RelationshipSource;
 using opc::model::URI;
+
+constexpr const char16_t* ORIGIN =
+    u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin";
+constexpr const char16_t* SIGNATURE =
+    u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature";
 
 /// What is to be signed.
 struct Selection {
@@ -142,11 +150,28 @@ struct UnsignArguments {
     bool countersignature = false;
 };
 
+/// Goes by the relationships alone: signatures can't be read, for instance, when a part that they sign has gone.
+void removeUnread(Package& package) {
+    for (const Relationship& relationship : package.getRelationshipsByType(ORIGIN)) {
+        Part origin = package.getPart(PartName(relationship.getTargetURI()));
+        PackageHelper::deleteRelationshipsAndTargets(package, origin, SIGNATURE);
+    }
+    PackageHelper::deleteRelationshipsAndTargets(package, ORIGIN);
+}
+
+void removeAll(SignedPackage& package) {
+    try {
+        package.signatures().removeAllSignatures();
+    } catch (const opc::model::InvalidSignature&) { // nothing has been removed
+        removeUnread(*package);
+    }
+}
+
 void unsign(const UnsignArguments& arguments) {
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
     if (arguments.all) {
-        signatures.removeAllSignatures();
+        removeAll(package);
     } else if (arguments.countersignature) {
         signatures.removeCountersignature();
     } else {
@@ -202,7 +227,7 @@ void addUnsign(CLI::App& app) {
     CLI::App* command = addCommand(app, "unsign", "Remove signatures", arguments->package);
     CLI::App* which = command->add_option_group("Which", "One of these is removed");
     which->add_option("NAME", arguments->name, "A signature's name, such as sig1");
-    which->add_flag("--all", arguments->all, "All signatures");
+    which->add_flag("--all", arguments->all, "All signatures, also such as can't be read");
     which->add_flag("--countersignature", arguments->countersignature,
                     "The countersignature, if there is one");
     which->require_option(1);

@@ -1,6 +1,6 @@
 #include "Table.hpp"
 
-#include <opc/core/Text.hpp>
+#include "TerminalText.hpp"
 
 #include <algorithm>
 #include <ostream>
@@ -28,15 +28,6 @@ void printCells(std::ostream& stream, const std::vector<std::string>& cells,
             stream << cells[i] << (isLast ? "" : padding);
         stream << (isLast ? "" : "  ");
     }
-}
-
-/// On one line, and without what a terminal takes for a command.
-std::string withoutControlCharacters(const std::string& text) {
-    std::u16string units = opc::toString(text, true);
-    std::replace_if(
-        units.begin(), units.end(),
-        [](char16_t unit) { return unit < u' ' || (unit >= 0x7F && unit < 0xA0); }, u' ');
-    return opc::toUDEString(units);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -25,7 +26,8 @@ std::string className(const std::exception& failure) {
 }
 
 int fail(const std::exception& failure) {
-    std::cerr << "opctool: " << className(failure) << ": " << failure.what() << '\n';
+    std::cerr << "opctool: " << className(failure) << ": "
+              << opctool::withoutControlCharacters(failure.what()) << '\n';
     return FAILURE;
 }
 

@@ -15,8 +15,9 @@ class IPhysicalPartInfo;
 /// The store under a package: a ZIP container, a database, memory, whatever the application brings.
 ///
 /// The application owns it and keeps it alive longer than the `opc::model::Package` on it. All pointers that
-/// it hands out stay its own. It is used by one thread at a time. Every failure is an `opc::Exception`, with
-/// the cause as a code of the generic category where there is one.
+/// it hands out stay its own, and none of them, nor of those that its parts hand out, is ever null: what can't
+/// be given is a failure. It is used by one thread at a time. Every failure is an `opc::Exception`, with the
+/// cause as a code of the generic category where there is one.
 class IPhysicalPackage {
 public:
     virtual ~IPhysicalPackage() = default;
@@ -28,14 +29,16 @@ public:
     /// The content types stream. Asked once at open, unless the package is being created.
     virtual IPhysicalInputStream* getContentTypeInputStream() = 0;
 
-    /// Replaces the content types stream; the library closes it when it has written it.
+    /// Replaces the content types stream; the library closes it when it has written it. Not asked for when the
+    /// content types haven't changed: the old stream stays.
     virtual IPhysicalOutputStream* getContentTypeOutputStream() = 0;
 
     /// Every part, relationships parts included.
     virtual std::vector<IPhysicalPart*> getParts() = 0;
 
     /// Called first of all. A package that doesn't exist raises a code equivalent to
-    /// no_such_file_or_directory.
+    /// no_such_file_or_directory, unless it is opened `CreateOnly`: then it starts empty, and takes the place
+    /// of one that exists when it is closed.
     virtual void open(const OpenMode& mode) = 0;
 
     /// Makes the package final or, with `abandon`, drops every change since `open`.

@@ -17,9 +17,9 @@ namespace opc::model {
 /// a value. There is no way back to absent for one field alone: `clear` takes them all. `PackageHelper` reads
 /// it from a package and writes it into one.
 ///
-/// Nothing is checked here: a text with characters that XML can't hold fails in writing, and
-/// what stands behind a zero is left out. White space at the end of a keyword doesn't survive a file. Every getter gives a copy: keep it in a variable to walk through
-/// the keywords.
+/// Nothing is checked here: a text with characters that XML can't hold fails in writing, and what stands
+/// behind a zero is left out. White space at the end of a keyword doesn't survive a file. Every getter gives
+/// a copy: keep it in a variable to walk through the keywords.
 class OPC_MODEL_EXPORT CoreProperties {
 public:
     using Text = boost::optional<std::u16string>;

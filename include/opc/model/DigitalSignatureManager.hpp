@@ -76,7 +76,8 @@ public:
     ///
     /// A selector by type takes every relationship of that type, once for each time it is named: n
     /// relationships of one type and source, each with a selector of its own, count n² times. The memory
-    /// for them is 32 bytes each, and each different one is written once. More than 10,000,000 are refused.
+    /// for them is 32 bytes each, and each different one is written once. More than 10,000,000 are refused,
+    /// and more in all signatures that are loaded.
     ///
     /// @param parts      the parts to sign; not relationships parts, which are signed through selectors
     /// @param selectors  the relationships to sign
@@ -245,7 +246,8 @@ private:
     void throwIfNotValidSignaturePart(const PartName& partName) const;
 
     void ensureLoaded() const;
-    void loadSignature(const Part& part);
+    std::shared_ptr<DigitalSignatureData> readSignature(const Part& part) const;
+    void addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data, const Part& part);
     void updateNextSignatureID(std::u16string id, const Part& part);
     void fillUpSignedEntities(DigitalSignatureData& data) const;
     void fillUpSignedRelationships(const Reference& reference, const PartName& relationshipsPart,
@@ -297,6 +299,7 @@ private:
 
     Signatures m_signatures;
     std::uint64_t m_nextSignatureID = 1;
+    std::size_t m_loadedRelationships = 0; ///< how many the loaded signatures cover together
     std::unique_ptr<DigitalSignatureSerializer> m_serializer;
 };
 

@@ -37,8 +37,9 @@ public:
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
     InputStream& getInputStream() const;
 
-    /// Where new content is written to, replacing the old. The same stream at every call; it need not be
-    /// closed.
+    /// Where new content is written to, replacing the old. The same stream at every call, so that a second
+    /// content lands behind the first until the package has been closed and opened again. It need not be
+    /// closed, and may take nothing more once it is.
     /// @throws InvalidObject      the part has gone
     /// @throws PackageReadOnly    the package is opened to read
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again

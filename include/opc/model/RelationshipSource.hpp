@@ -29,7 +29,8 @@ class Package;
 class OPC_MODEL_EXPORT RelationshipSource {
 public:
     /// Adds a relationship to a part of this package; the part need not exist.
-    /// @param type    what the relationship means; not empty, and a URI
+    /// @param type    what the relationship means; not empty, and a URI. It must not be blank: the package
+    ///                couldn't be read back
     /// @param target  a part name, or a reference relative to this source; kept and written in relative form
     /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)
     /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], this source, or a

@@ -18,7 +18,7 @@ namespace {
 using model::XercesHelper;
 
 void addAttributes(const xercesc::DOMElement* root, const char16_t* element, const char16_t* attribute,
-                   std::unordered_set<std::u16string>& values) {
+                   std::set<std::u16string>& values) {
     const model::XercesString name(attribute);
     for (const xercesc::DOMElement* found : XercesHelper::getElements(root, model::XercesString(element))) {
         std::u16string value;

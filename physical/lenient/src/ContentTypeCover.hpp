@@ -1,7 +1,7 @@
 #pragma once
 
+#include <set>
 #include <string>
-#include <unordered_set>
 
 namespace opc::interfaces {
 class IPhysicalPackage;
@@ -24,8 +24,9 @@ private:
 
     bool usesStream;
     bool isReadable = true;
-    std::unordered_set<std::u16string> extensions; ///< in lower case
-    std::unordered_set<std::u16string> names;      ///< of parts, in lower case
+    // Trees, since nobody can choose texts that make them slow.
+    std::set<std::u16string> extensions; ///< in lower case
+    std::set<std::u16string> names;      ///< of parts, in lower case
 };
 
 } // namespace opc::physical::lenient

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <unordered_set>
 
 namespace opc::physical {
@@ -63,7 +64,7 @@ private:
         hidden.push_back({name, reason});
     }
 
-    std::unordered_set<std::u16string> hiddenNames; ///< in lower case
+    std::set<std::u16string> hiddenNames; ///< in lower case
 };
 
 void LenientPackage::Impl::forget() {
@@ -73,7 +74,7 @@ void LenientPackage::Impl::forget() {
 
 void LenientPackage::Impl::findHidden() {
     const lenient::ContentTypeCover cover(package);
-    std::unordered_set<std::u16string> sources = {PACKAGE_ROOT}; // in lower case
+    std::set<std::u16string> sources = {PACKAGE_ROOT}; // in lower case
     const std::vector<IPhysicalPart*> parts = package.getParts();
     std::unordered_set<const IPhysicalPart*> uncovered;
     for (IPhysicalPart* part : parts) {

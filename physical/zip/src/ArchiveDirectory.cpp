@@ -71,9 +71,11 @@ DirectoryEntry DirectoryReader::readEntry() {
     const unsigned char* record = lookAt(DIRECTORY_ENTRY_SIZE);
     if (read32(record) != DIRECTORY_ENTRY)
         failDirectory(place, "no entry where item " + std::to_string(entryNumber) + " should have one");
-    const std::size_t nameSize = read16(record + 28);
-    const std::size_t size = DIRECTORY_ENTRY_SIZE + nameSize + read16(record + 30) + read16(record + 32);
+    const std::size_t size = directoryEntrySizeOf(record);
     record = lookAt(size);
+    if (directoryEntrySizeOf(record) != size) // another program may be writing to the file
+        failDirectory(place, "it has just been changed");
+    const std::size_t nameSize = read16(record + 28);
     if (nameSize > limits.maxNameLength)
         fail(entryPlace(),
              "its name has more bytes than the limit of " + std::to_string(limits.maxNameLength), EFBIG);

@@ -49,12 +49,15 @@ ArchiveReader::ItemStart ArchiveReader::lookAtStart(ItemIndex index, unsigned ch
     const unsigned char* bytes = look(index, entry.offset, buffer, size);
     if (read32(bytes) != LOCAL_HEADER)
         failItem(index, "no local header where the directory says");
-    const std::size_t headerSize = LOCAL_HEADER_SIZE + read16(bytes + 26) + read16(bytes + 28);
+    const std::size_t headerSize = localHeaderSizeOf(bytes);
     if (entry.end - entry.offset - entry.compressedSize < headerSize)
         failItem(index, "it reaches into what lies behind it");
     if (headerSize > size) {
         std::vector<unsigned char> header(headerSize);
-        checkHeader(index, look(index, entry.offset, header.data(), headerSize));
+        const unsigned char* whole = look(index, entry.offset, header.data(), headerSize);
+        if (localHeaderSizeOf(whole) != headerSize) // another program may be writing to the file
+            failItem(index, "its local header has just been changed");
+        checkHeader(index, whole);
     } else {
         checkHeader(index, bytes);
     }

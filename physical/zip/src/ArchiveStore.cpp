@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace opc::physical::zip {
 
@@ -42,6 +43,13 @@ public:
 
 } // namespace
 
+FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file)) {
+    std::error_code error;
+    fs::path absolute = fs::absolute(path, error);
+    if (!error)
+        path = std::move(absolute);
+}
+
 std::shared_ptr<ByteSource> FileStore::read() {
     // Without blocking: somebody may have put a pipe there.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -67,7 +75,7 @@ void FileStore::checkWritable() const {
 }
 
 void FileStore::replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) {
-    ReplacementFile file(path);
+    ReplacementFile file(path, place());
     write(file);
     if (old)
         requireUnchanged(*old);

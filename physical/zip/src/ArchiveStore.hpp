@@ -39,9 +39,9 @@ std::filesystem::path systemTemporaryFolder();
 
 class FileStore : public ArchiveStore {
 public:
-    explicit FileStore(std::filesystem::path file) : path(std::move(file)) {}
+    explicit FileStore(std::filesystem::path file);
 
-    std::string place() const override { return path.string(); }
+    std::string place() const override { return name; }
     std::shared_ptr<ByteSource> read() override;
     void checkWritable() const override;
     void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
@@ -50,7 +50,8 @@ public:
 private:
     void requireUnchanged(const ByteSource& old) const;
 
-    std::filesystem::path path;
+    std::string name;
+    std::filesystem::path path; // absolute: the process may go to another folder before it saves
     FileIdentity lastWritten;
 };
 

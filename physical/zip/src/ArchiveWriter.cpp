@@ -66,8 +66,12 @@ void ArchiveWriter::keep(ItemIndex item) {
     }
     runEnd = entry.end;
     const std::size_t size = old->recordSize(item);
+    const unsigned char* bytes = look(old->bytes(), entry.record, size);
+    if (directoryEntrySizeOf(bytes) != size)
+        fail(where, "can't save: the archive has been changed by another program since it was opened",
+             ESTALE);
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
-    const auto* record = reinterpret_cast<const char*>(look(old->bytes(), entry.record, size));
+    const auto* record = reinterpret_cast<const char*>(bytes);
     appendMovedRecord(directory, {record, size}, out.tell() + (entry.offset - runStart));
     ++itemCount;
 }

@@ -13,6 +13,8 @@ namespace {
 
 using std::string_view;
 
+constexpr std::size_t LONGEST_NAME = 0xFFFF; // its length is a field of 16 bits
+
 constexpr char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -199,7 +201,13 @@ ItemName readItemName(string_view item) {
 }
 
 const char* partNameDefect(string_view name) {
-    return name.substr(0, 1) == "/" ? defectOf(name.substr(1)) : "no slash in front";
+    if (name.substr(0, 1) != "/")
+        return "no slash in front";
+    name.remove_prefix(1);
+    if (name.size() > LONGEST_NAME)
+        return "longer than an archive can hold";
+    const char* defect = defectOf(name);
+    return defect ? defect : reasonToIgnore(name);
 }
 
 } // namespace opc::physical::zip

@@ -31,7 +31,8 @@ struct ItemName {
 /// names, widened to names that real programs write: see `ZipPackage`).
 ItemName readItemName(std::string_view item);
 
-/// @return what breaks the rules for part names in `name`, as words for a message; null if nothing does
+/// @return what breaks the rules for part names in `name`, or keeps an archive from holding a part of that name,
+///     as words for a message; null if nothing does
 const char* partNameDefect(std::string_view name);
 
 } // namespace opc::physical::zip

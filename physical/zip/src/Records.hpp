@@ -55,6 +55,14 @@ inline std::uint64_t read64(const unsigned char* bytes) {
     return readNumber(bytes, 8);
 }
 
+/// The sizes of records by their own account, with all that varies.
+inline std::size_t localHeaderSizeOf(const unsigned char* header) {
+    return LOCAL_HEADER_SIZE + read16(header + 26) + read16(header + 28);
+}
+inline std::size_t directoryEntrySizeOf(const unsigned char* entry) {
+    return DIRECTORY_ENTRY_SIZE + read16(entry + 28) + read16(entry + 30) + read16(entry + 32);
+}
+
 /// Appends `value` in `width` bytes to a record in the making.
 inline void appendNumber(std::string& record, std::uint64_t value, unsigned width) {
     std::array<char, 8> bytes{};

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace opc::physical::zip {
 
@@ -31,9 +32,9 @@ bool isSameFile(int fd, const fs::path& path) {
 
 } // namespace
 
-ReplacementFile::ReplacementFile(const fs::path& path)
+ReplacementFile::ReplacementFile(const fs::path& path, std::string archive)
     : target(resolve(path)), temporary(folder() / ("." + target.filename().string() + ".opcmodel-new")),
-      place(path.string()) {
+      place(std::move(archive)) {
     while (!create())
         removeAbandoned();
 }

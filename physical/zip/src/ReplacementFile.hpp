@@ -16,8 +16,9 @@ namespace opc::physical::zip {
 /// removes it. Destroyed without `putInPlace`, it is gone and the target is as it was.
 class ReplacementFile : public ByteTarget {
 public:
-    /// @param path  the target; a symbolic link is followed
-    explicit ReplacementFile(const std::filesystem::path& path);
+    /// @param path     the target; a symbolic link is followed
+    /// @param archive  how messages name it
+    ReplacementFile(const std::filesystem::path& path, std::string archive);
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
     ~ReplacementFile() override;

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <bedrock/crypto/CryptoEngine.hpp>
-#include <bedrock/crypto/RsaKeyPair.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <support/TestCertificates.hpp>
 
 #include <gtest/gtest.h>
 #include <openssl/err.h>
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,13 +32,7 @@ inline crypto::CryptoEngine makeEngine() {
     return crypto::CryptoEngine(std::make_shared<crypto::cryptopp::CryptoProvider>());
 }
 
-/// One key of each size for all cases of a program: making them is slow.
-inline const crypto::RsaKeyPair& keyPair(std::size_t bits) {
-    static std::map<std::size_t, crypto::RsaKeyPair> pairs;
-    const auto found = pairs.find(bits);
-    return found != pairs.end() ? found->second
-                                : pairs.emplace(bits, crypto::generateRsaKeyPair(bits)).first->second;
-}
+using opc::test::keysOf;
 
 inline std::shared_ptr<crypto::RSAPrivateKey> privateKey(std::size_t bits, const Bytes& encoded) {
     return crypto::cryptopp::CryptoProvider().createRSAPrivateKey(bits, encoded);

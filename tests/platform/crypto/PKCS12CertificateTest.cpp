@@ -3,7 +3,6 @@
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/PKCS12Certificate.hpp>
 #include <support/OpenSslCommand.hpp>
-#include <support/TestCertificates.hpp>
 
 #include <cstdlib>
 
@@ -17,10 +16,8 @@ using opc::test::Identity;
 class PKCS12CertificateTest : public testing::Test {
 protected:
     PKCS12CertificateTest()
-        : root(opc::test::makeIssuer("Root")), issuer(opc::test::makeIssuer("Issuer", &root)) {
-        opc::test::CertificateRecipe recipe;
-        recipe.issuer = &issuer;
-        signer = opc::test::makeIdentity(recipe);
+        : root(opc::test::makeIssuer("Root")), issuer(opc::test::makeIssuer("Issuer", &root)),
+          signer(opc::test::makeSigner(&issuer)) {
         const std::pair<const char*, const Identity&> all[] = {
             {"root", root}, {"issuer", issuer}, {"signer", signer}};
         for (const auto& [name, identity] : all) {

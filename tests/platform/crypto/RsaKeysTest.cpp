@@ -61,7 +61,7 @@ Bytes product(const Bytes& left, const Bytes& right) {
 
 TEST(RsaKeys, encodedFormsStayWithinTheirBounds) {
     for (const std::size_t bits : Sizes) {
-        const auto& pair = keyPair(bits);
+        const auto& pair = keysOf(bits);
         const auto secret = privateKey(bits, pair.getPrivateKey());
         EXPECT_EQ(secret->getAsByteArray(), pair.getPrivateKey());
         EXPECT_GE(pair.getPrivateKey().size(), bits / 2);
@@ -118,21 +118,21 @@ TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
     const OpenSslCommand openssl;
     const auto engine = makeEngine();
     for (const std::size_t bits : Sizes) {
-        openssl.write("key", keyPair(bits).getPrivateKey());
+        openssl.write("key", keysOf(bits).getPrivateKey());
         const Numbers numbers = numbersOf(openssl, "key");
         const auto& [modulus, publicExponent, privateExponent] = numbers;
         const auto key =
             bits == 1024   ? engine.createRSA1024PrivateKey(modulus, privateExponent, publicExponent)
             : bits == 2048 ? engine.createRSA2048PrivateKey(modulus, privateExponent, publicExponent)
                            : engine.createRSA4096PrivateKey(modulus, privateExponent, publicExponent);
-        EXPECT_EQ(key->getAsByteArray(), keyPair(bits).getPrivateKey()) << bits;
+        EXPECT_EQ(key->getAsByteArray(), keysOf(bits).getPrivateKey()) << bits;
         const auto open = bits == 1024   ? engine.createRSA1024PublicKey(modulus, publicExponent)
                           : bits == 2048 ? engine.createRSA2048PublicKey(modulus, publicExponent)
                                          : engine.createRSA4096PublicKey(modulus, publicExponent);
-        EXPECT_EQ(open->getAsByteArray(), keyPair(bits).getPublicKey()) << bits;
+        EXPECT_EQ(open->getAsByteArray(), keysOf(bits).getPublicKey()) << bits;
 
         EXPECT_EQ(privateKey(bits, withoutPrimes(openssl, numbers))->getAsByteArray(),
-                  keyPair(bits).getPrivateKey())
+                  keysOf(bits).getPrivateKey())
             << bits;
 
         openssl.write("recovered", key->getAsByteArray());
@@ -142,22 +142,20 @@ TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
 }
 
 TEST(RsaKeys, keysCutShortOrContinuedAreRefused) {
-    const auto& pair = keyPair(1024);
     const CryptoEngine engine = makeEngine();
-    for (std::size_t size = 0; size < pair.getPrivateKey().size(); ++size) {
-        const Bytes cut(pair.getPrivateKey().data(), pair.getPrivateKey().data() + size);
-        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(cut); })) << size;
-    }
-    for (std::size_t size = 0; size < pair.getPublicKey().size(); ++size) {
-        const Bytes cut(pair.getPublicKey().data(), pair.getPublicKey().data() + size);
-        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(cut); })) << size;
-    }
-    Bytes longer = pair.getPrivateKey();
-    longer.push_back(0);
-    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(longer); }));
-    longer = pair.getPublicKey();
-    longer.push_back(0);
-    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(longer); }));
+    const auto isReadWholeAlone = [](Bytes key, const auto& read) {
+        for (std::size_t size = 0; size < key.size(); ++size) {
+            const Bytes cut(key.data(), key.data() + size);
+            EXPECT_TRUE(fails<InvalidKey>([&] { read(cut); })) << size;
+        }
+        EXPECT_NO_THROW(read(key));
+        key.push_back(0);
+        EXPECT_TRUE(fails<InvalidKey>([&] { read(key); }));
+    };
+    isReadWholeAlone(keysOf(1024).getPrivateKey(),
+                     [&](const Bytes& key) { engine.createRSA1024PrivateKey(key); });
+    isReadWholeAlone(keysOf(1024).getPublicKey(),
+                     [&](const Bytes& key) { engine.createRSA1024PublicKey(key); });
 }
 
 TEST(RsaKeys, otherKeysAndSizesAreRefused) {
@@ -169,13 +167,13 @@ TEST(RsaKeys, otherKeysAndSizesAreRefused) {
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("ec.der")); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(openssl.read("ecpub.der")); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("pss.der")); }));
-    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(keyPair(1024).getPrivateKey()); }));
-    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(keyPair(2048).getPublicKey()); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(keysOf(1024).getPrivateKey()); }));
+    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(keysOf(2048).getPublicKey()); }));
     EXPECT_TRUE(fails<InvalidKey>([] { bedrock::crypto::generateRsaKeyPair(1536); }));
 
     const auto padding = engine.getDefaultRSAPaddingModeSigning();
     const auto generator = engine.getDefaultCryptoPRNG();
-    const auto secret = engine.createRSA1024PrivateKey(keyPair(1024).getPrivateKey());
+    const auto secret = engine.createRSA1024PrivateKey(keysOf(1024).getPrivateKey());
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048Signer(secret, padding, generator); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024Signer(nullptr, padding, generator); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024Verifier(nullptr, padding, generator); }));
@@ -183,7 +181,7 @@ TEST(RsaKeys, otherKeysAndSizesAreRefused) {
 
 TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
     const OpenSslCommand openssl;
-    openssl.write("key", keyPair(1024).getPrivateKey());
+    openssl.write("key", keysOf(1024).getPrivateKey());
     const Numbers good = numbersOf(openssl, "key");
     Bytes even = good.modulus, other = good.modulus, leading(1 << 20, 0);
     even.back() &= 0xFE;

@@ -12,9 +12,9 @@ using bedrock::crypto::RSAVerifier;
 using bedrock::crypto::cryptopp::CryptoProvider;
 using bedrock::crypto::utils::SignatureVerificationStatus;
 
-std::shared_ptr<RSASigner> makeSigner(std::size_t bits) {
+std::shared_ptr<RSASigner> makeSigner(std::size_t bits, const Bytes& encoded) {
     CryptoProvider provider;
-    return provider.createRSASigner(bits, privateKey(bits, keyPair(bits).getPrivateKey()),
+    return provider.createRSASigner(bits, privateKey(bits, encoded),
                                     provider.getDefaultRSAPaddingModeSigning(),
                                     provider.getDefaultCryptoPRNG());
 }
@@ -37,10 +37,10 @@ TEST(RsaSignatures, commandLineMakesAndChecksTheSameValues) {
         {DigestAlgorithm::SHA384, "sha384"}, {DigestAlgorithm::SHA512, "sha512"},
     };
     for (const std::size_t bits : {1024u, 2048u, 4096u}) {
-        openssl.write("private", keyPair(bits).getPrivateKey());
-        openssl.write("public", keyPair(bits).getPublicKey());
-        const auto signer = makeSigner(bits);
-        const auto verifier = makeVerifier(bits, keyPair(bits).getPublicKey());
+        openssl.write("private", keysOf(bits).getPrivateKey());
+        openssl.write("public", keysOf(bits).getPublicKey());
+        const auto signer = makeSigner(bits, keysOf(bits).getPrivateKey());
+        const auto verifier = makeVerifier(bits, keysOf(bits).getPublicKey());
         for (const auto& [algorithm, name] : digests) {
             const auto engine = CryptoProvider().createDigestEngine(algorithm);
             openssl.write("ours", signer->sign(Message, engine));
@@ -60,8 +60,8 @@ TEST(RsaSignatures, commandLineMakesAndChecksTheSameValues) {
 TEST(RsaSignatures, whatDoesntHoldIsAStatus) {
     const auto sha256 = CryptoProvider().createDigestEngine(DigestAlgorithm::SHA256);
     const auto sha1 = CryptoProvider().createDigestEngine(DigestAlgorithm::SHA1);
-    const Bytes value = makeSigner(1024)->sign(Message, sha256);
-    const auto verifier = makeVerifier(1024, keyPair(1024).getPublicKey());
+    const Bytes value = makeSigner(1024, keysOf(1024).getPrivateKey())->sign(Message, sha256);
+    const auto verifier = makeVerifier(1024, keysOf(1024).getPublicKey());
     const auto verify = [&](const Bytes& bytes, const Bytes& signature) {
         const auto status = verifier->verify(bytes, signature, sha256);
         EXPECT_EQ(ERR_peek_error(), 0u);
@@ -89,9 +89,10 @@ TEST(RsaSignatures, whatDoesntHoldIsAStatus) {
 
 TEST(RsaSignatures, noEngineIsNoDigest) {
     using bedrock::crypto::utils::CouldNotComputeDigest;
-    EXPECT_TRUE(fails<CouldNotComputeDigest>([] { makeSigner(1024)->sign(Message, nullptr); }));
     EXPECT_TRUE(fails<CouldNotComputeDigest>(
-        [] { makeVerifier(1024, keyPair(1024).getPublicKey())->verify(Message, Bytes(128), nullptr); }));
+        [] { makeSigner(1024, keysOf(1024).getPrivateKey())->sign(Message, nullptr); }));
+    EXPECT_TRUE(fails<CouldNotComputeDigest>(
+        [] { makeVerifier(1024, keysOf(1024).getPublicKey())->verify(Message, Bytes(128), nullptr); }));
 }
 
 TEST(RsaSignatures, theSmallestPublicExponentServes) {
@@ -100,14 +101,10 @@ TEST(RsaSignatures, theSmallestPublicExponentServes) {
         "genpkey -algorithm RSA -pkeyopt rsa_keygen_bits:2048 -pkeyopt rsa_keygen_pubexp:3 -outform DER "
         "-out private");
     openssl.run("pkey -inform DER -in private -pubout -outform DER -out public");
-    CryptoProvider provider;
-    const auto sha512 = provider.createDigestEngine(DigestAlgorithm::SHA512);
-    const auto signer =
-        provider.createRSASigner(2048, privateKey(2048, openssl.read("private")),
-                                 provider.getDefaultRSAPaddingModeSigning(), provider.getDefaultCryptoPRNG());
-    EXPECT_EQ(
-        makeVerifier(2048, openssl.read("public"))->verify(Message, signer->sign(Message, sha512), sha512),
-        SignatureVerificationStatus::Valid);
+    const auto sha512 = CryptoProvider().createDigestEngine(DigestAlgorithm::SHA512);
+    const Bytes value = makeSigner(2048, openssl.read("private"))->sign(Message, sha512);
+    EXPECT_EQ(makeVerifier(2048, openssl.read("public"))->verify(Message, value, sha512),
+              SignatureVerificationStatus::Valid);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include <bedrock/certificates/TrustStore.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <support/OpenSslCommand.hpp>
-#include <support/TestCertificates.hpp>
 
 #include <cstdlib>
 
@@ -18,13 +17,12 @@ using opc::test::makeIssuer;
 class TrustStoreTest : public testing::Test {
 protected:
     TrustStoreTest() : first(makeIssuer("First")), second(makeIssuer("Second")) {
-        openssl.write("first.der", first.certificate.getAsByteArray());
-        openssl.write("second.der", second.certificate.getAsByteArray());
-        openssl.run("x509 -inform DER -in first.der -out first.pem");
-        openssl.run("x509 -inform DER -in second.der -out second.pem");
         Bytes text = bytesOf("# both\n");
-        for (const char* file : {"first.pem", "second.pem"}) {
-            const Bytes pem = openssl.read(file);
+        for (const auto& [name, identity] : {std::pair("first", &first), std::pair("second", &second)}) {
+            const std::string file = name;
+            openssl.write(file + ".der", identity->certificate.getAsByteArray());
+            openssl.run("x509 -inform DER -in " + file + ".der -out " + file + ".pem");
+            const Bytes pem = openssl.read(file + ".pem");
             text.insert(text.end(), pem.begin(), pem.end());
         }
         openssl.write("both.pem", text);
@@ -35,10 +33,9 @@ protected:
     }
 
     CertificateChainStatus validate(const Identity& issuer, const TrustStore& store) const {
-        opc::test::CertificateRecipe recipe;
-        recipe.issuer = &issuer;
-        const Identity signer = opc::test::makeIdentity(recipe);
-        return signer.certificate.validateCertificate({}, {}, store).getCertificateChainStatus();
+        return opc::test::makeSigner(&issuer)
+            .certificate.validateCertificate({}, {}, store)
+            .getCertificateChainStatus();
     }
 
     opc::test::OpenSslCommand openssl;

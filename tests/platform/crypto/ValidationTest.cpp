@@ -3,7 +3,6 @@
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
-#include <support/TestCertificates.hpp>
 
 namespace {
 
@@ -11,10 +10,10 @@ using namespace bedrock::certificates;
 using namespace bedrock::test;
 using opc::test::CertificateRecipe;
 using opc::test::Identity;
-using opc::test::makeIdentity;
 using opc::test::makeIssuer;
 using opc::test::makePublicKey;
 using opc::test::makeRevocationList;
+using opc::test::makeSigner;
 using Status = CertificateChainStatus;
 
 // 2030-06-01 00:00 UTC
@@ -46,16 +45,8 @@ struct Authorities {
     Identity issuer = makeIssuer("Issuer", &root);
     Identity otherRoot = makeIssuer("Other root");
 
-    /// A signer that differs from a good one in what `change` does to its recipe.
-    template <typename Change>
-    Identity signer(Change&& change) const {
-        CertificateRecipe recipe;
-        recipe.issuer = &issuer;
-        change(recipe);
-        return makeIdentity(recipe);
-    }
-    Identity signer() const {
-        return signer([](CertificateRecipe&) {});
+    Identity signer(const std::function<void(CertificateRecipe&)>& change = {}) const {
+        return makeSigner(&issuer, change);
     }
 };
 
@@ -71,22 +62,18 @@ Status validate(const Identity& identity, const std::vector<const Identity*>& ch
 TEST(Validation, theChainDecides) {
     const Authorities a;
     const Identity good = a.signer();
-    const Identity alone = a.signer([](CertificateRecipe& r) { r.issuer = nullptr; });
-    const Identity belowSigner = a.signer([&good](CertificateRecipe& r) {
-        r.subject = "Below signer";
-        r.issuer = &good;
+    const Identity alone = makeSigner(nullptr);
+    const Identity belowSigner = makeSigner(&good, [](CertificateRecipe& r) { r.subject = "Below signer"; });
+    const Identity last = makeSigner(&a.root, [](CertificateRecipe& r) {
+        r.subject = "No further";
+        r.basicConstraints = "critical,CA:TRUE,pathlen:0";
+        r.rsaBits = 0;
     });
-    CertificateRecipe noFurther;
-    noFurther.issuer = &a.root;
-    noFurther.subject = "No further";
-    noFurther.basicConstraints = "critical,CA:TRUE,pathlen:0";
-    noFurther.rsaBits = 0;
-    const Identity last = makeIdentity(noFurther);
     const Identity tooDeep = makeIssuer("Too deep", &last);
-    const Identity belowTooDeep = a.signer([&tooDeep](CertificateRecipe& r) { r.issuer = &tooDeep; });
+    const Identity belowTooDeep = makeSigner(&tooDeep);
     // A certificate in the issuer's name, made with another key.
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
-    const Identity forged = a.signer([&impostor](CertificateRecipe& r) { r.issuer = &impostor; });
+    const Identity forged = makeSigner(&impostor);
     struct Case {
         const char* name;
         const Identity& signer;
@@ -159,20 +146,17 @@ TEST(Validation, weakAlgorithmsPassOnRequestAlone) {
     const Authorities a;
     const Identity shortKey = a.signer([](CertificateRecipe& r) { r.rsaBits = 1024; });
     const Identity oldDigest = a.signer([](CertificateRecipe& r) { r.digest = EVP_sha1(); });
-    const Identity older = a.signer([](CertificateRecipe& r) {
-        r.issuer = nullptr;
-        r.digest = EVP_md5();
-    });
+    const Identity older = makeSigner(nullptr, [](CertificateRecipe& r) { r.digest = EVP_md5(); });
     CertificateValidationOptions keys = optionsAtCheckTime(), digests = optionsAtCheckTime();
     keys.setAcceptingWeakKeys(true);
     digests.setAcceptingWeakDigests(true);
     const auto none = optionsAtCheckTime();
-    EXPECT_EQ(validate(shortKey, {&a.issuer}, {&a.root}, none), Status::WeakAlgorithm);
-    EXPECT_EQ(validate(shortKey, {&a.issuer}, {&a.root}, digests), Status::WeakAlgorithm);
-    EXPECT_EQ(validate(shortKey, {&a.issuer}, {&a.root}, keys), Status::Good);
-    EXPECT_EQ(validate(oldDigest, {&a.issuer}, {&a.root}, none), Status::WeakAlgorithm);
-    EXPECT_EQ(validate(oldDigest, {&a.issuer}, {&a.root}, keys), Status::WeakAlgorithm);
-    EXPECT_EQ(validate(oldDigest, {&a.issuer}, {&a.root}, digests), Status::Good);
+    for (const auto& [signer, accepting, other] :
+         {std::tie(shortKey, keys, digests), {oldDigest, digests, keys}}) {
+        EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, none), Status::WeakAlgorithm);
+        EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, other), Status::WeakAlgorithm);
+        EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, accepting), Status::Good);
+    }
     EXPECT_EQ(validate(older, {}, {&older}, none), Status::Good)
         << "the store vouches for it, not its digest";
 }
@@ -235,14 +219,16 @@ TEST(Validation, hugeKeysEndSoon) {
     EXPECT_EQ(signer.certificate.getKeySize(), std::size_t{8} << 20);
     EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
 
-    CertificateRecipe recipe;
-    recipe.issuer = &a.root;
-    recipe.subject = "RSA issuer";
-    recipe.basicConstraints = "critical,CA:TRUE";
-    const Identity issuer = makeIdentity(recipe);
-    recipe.key = makePublicKey(1 << 20, {1, 0, 1});
-    const Identity inItsName = makeIdentity(recipe);
-    const Identity below = a.signer([&issuer](CertificateRecipe& r) { r.issuer = &issuer; });
+    const auto makeRsaIssuer = [&a](const std::shared_ptr<EVP_PKEY>& key) {
+        return makeSigner(&a.root, [&key](CertificateRecipe& r) {
+            r.subject = "RSA issuer";
+            r.basicConstraints = "critical,CA:TRUE";
+            r.key = key;
+        });
+    };
+    const Identity issuer = makeRsaIssuer(nullptr);
+    const Identity inItsName = makeRsaIssuer(makePublicKey(1 << 20, {1, 0, 1}));
+    const Identity below = makeSigner(&issuer);
     EXPECT_EQ(validate(below, {&issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
     EXPECT_EQ(validate(below, {&inItsName}, {&a.root}, optionsAtCheckTime()), Status::BadSignature);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
@@ -252,9 +238,7 @@ TEST(Validation, longChainsEndSoon) {
     std::vector<Identity> issuers{makeIssuer("Issuer 0")};
     for (int depth = 1; depth < 150; ++depth)
         issuers.push_back(makeIssuer("Issuer " + std::to_string(depth), &issuers.back()));
-    CertificateRecipe recipe;
-    recipe.issuer = &issuers.back();
-    const Identity signer = makeIdentity(recipe);
+    const Identity signer = makeSigner(&issuers.back());
     std::vector<const Identity*> chain;
     for (int copies = 0; copies < 20; ++copies)
         for (const Identity& issuer : issuers)

@@ -5,7 +5,6 @@
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <support/OpenSslCommand.hpp>
-#include <support/TestCertificates.hpp>
 
 #include <algorithm>
 
@@ -14,8 +13,7 @@ namespace {
 using namespace bedrock::certificates;
 using namespace bedrock::test;
 using opc::test::CertificateRecipe;
-using opc::test::Identity;
-using opc::test::makeIdentity;
+using opc::test::makeSigner;
 
 std::string upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -23,10 +21,18 @@ std::string upper(std::string text) {
     return text;
 }
 
+X509Certificate withKeyOf(std::size_t rsaBits, const char* usage = "") {
+    return makeSigner(nullptr,
+                      [&](CertificateRecipe& r) {
+                          r.rsaBits = rsaBits;
+                          r.keyUsage = usage;
+                      })
+        .certificate;
+}
+
 TEST(X509Certificate, commandLineReadsTheSame) {
-    CertificateRecipe recipe;
-    recipe.subject = "Zoë, of \"Test\"";
-    const X509Certificate certificate = makeIdentity(recipe).certificate;
+    const X509Certificate certificate =
+        makeSigner(nullptr, [](CertificateRecipe& r) { r.subject = "Zoë, of \"Test\""; }).certificate;
     const opc::test::OpenSslCommand openssl;
     openssl.write("der", certificate.getAsByteArray());
     const auto ask = [&openssl](const std::string& question) {
@@ -49,9 +55,7 @@ TEST(X509Certificate, commandLineReadsTheSame) {
 }
 
 TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
-    CertificateRecipe recipe;
-    recipe.rsaBits = 1024;
-    const Bytes der = makeIdentity(recipe).certificate.getAsByteArray();
+    const Bytes der = withKeyOf(1024).getAsByteArray();
     for (std::size_t size = 0; size < der.size(); ++size) {
         const Bytes cut(der.data(), der.data() + size);
         EXPECT_TRUE(fails<X509CertificateException>([&cut] { X509Certificate{cut}; })) << size;
@@ -78,10 +82,7 @@ TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
 
 // Whatever byte is wrong: an exception, or a certificate that answers.
 TEST(X509Certificate, damageDoesntCrash) {
-    CertificateRecipe recipe;
-    recipe.rsaBits = 1024;
-    recipe.keyUsage = "digitalSignature";
-    const Bytes der = makeIdentity(recipe).certificate.getAsByteArray();
+    const Bytes der = withKeyOf(1024, "digitalSignature").getAsByteArray();
     for (std::size_t position = 0; position < der.size(); ++position) {
         for (const int mask : {0x01, 0x80, 0xFF}) {
             Bytes damaged = der;
@@ -113,23 +114,15 @@ TEST(X509Certificate, anEmptyOneHasNoKeyAndNoContent) {
 }
 
 TEST(X509Certificate, keyUsageDecidesAboutSigning) {
-    const auto isValidWith = [](const char* usage) {
-        CertificateRecipe recipe;
-        recipe.keyUsage = usage;
-        recipe.rsaBits = 0;
-        return makeIdentity(recipe).certificate.isValidForDigitalSigning();
-    };
     for (const char* usage :
          {"", "digitalSignature", "critical,nonRepudiation", "keyEncipherment,digitalSignature"})
-        EXPECT_TRUE(isValidWith(usage)) << usage;
+        EXPECT_TRUE(withKeyOf(0, usage).isValidForDigitalSigning()) << usage;
     for (const char* usage : {"keyEncipherment", "keyCertSign,cRLSign"})
-        EXPECT_FALSE(isValidWith(usage)) << usage;
+        EXPECT_FALSE(withKeyOf(0, usage).isValidForDigitalSigning()) << usage;
 }
 
 TEST(X509Certificate, otherKeysHaveNoModulus) {
-    CertificateRecipe recipe;
-    recipe.rsaBits = 0;
-    const X509Certificate onCurve = makeIdentity(recipe).certificate;
+    const X509Certificate onCurve = withKeyOf(0);
     EXPECT_EQ(onCurve.getKeySize(), 256u);
     EXPECT_TRUE(onCurve.getModulus().empty());
     EXPECT_TRUE(onCurve.getPublicExponent().empty());

@@ -25,7 +25,8 @@ namespace opc::physical {
 /// they are well-formed UTF-8, else for code page 437. Items that can be no part are kept through every save:
 /// see `ignoredItems`. Names that lead out of a folder (`..`, absolute, with a drive) are refused. Pieces of an
 /// interleaved part are joined. Names are compared without regard to the case of ASCII letters. A part that is
-/// written again keeps the spelling of its item.
+/// written again keeps the spelling of its item. A part can't be created if an archive can't hold its name: more
+/// than 65,535 bytes, a drive in front, the folder `__MACOSX`.
 ///
 /// **Streams.** A part, and each stream got from it, lives until the part is deleted or the package closed.
 /// Reading inflates as it goes, parts up to 256 KiB at once. It checks the item's local header with the first
@@ -51,7 +52,8 @@ public:
         std::string reason;
     };
 
-    /// On the file at `path`, which needn't exist before it is opened `CreateOnly`.
+    /// On the file at `path`, which needn't exist before it is opened `CreateOnly`. A relative path counts from
+    /// the folder that the process is in now.
     explicit ZipPackage(std::filesystem::path path, ZipOptions options = {});
 
     /// On an archive in memory. Empty bytes are a package that doesn't exist yet.
