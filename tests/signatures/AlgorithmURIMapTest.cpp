@@ -65,11 +65,10 @@ TEST(AlgorithmURIMap, refusesEachWrongRoleWithItsMessage) {
     };
     for (const Case& c : cases) {
         if (c.asDigest) {
-            EXPECT_TRUE(throws<opc::Exception>(c.asDigest, [&] { AlgorithmURIMap::getDigestMethod(c.uri); }));
+            EXPECT_RAISES(opc::Exception, c.asDigest, AlgorithmURIMap::getDigestMethod(c.uri));
         }
         if (c.asSignature) {
-            EXPECT_TRUE(
-                throws<opc::Exception>(c.asSignature, [&] { AlgorithmURIMap::getSigningParameters(c.uri); }));
+            EXPECT_RAISES(opc::Exception, c.asSignature, AlgorithmURIMap::getSigningParameters(c.uri));
         }
     }
 }
@@ -77,17 +76,14 @@ TEST(AlgorithmURIMap, refusesEachWrongRoleWithItsMessage) {
 TEST(AlgorithmURIMap, refusesValuesWithoutAName) {
     const auto noDigest = static_cast<DigestMethod>(6);
     const auto noKey = static_cast<SignatureMethod>(4);
-    EXPECT_TRUE(throws<opc::Exception>(
-        NO_TAG, [] { AlgorithmURIMap::getAlgorithmURI(static_cast<AlgorithmTag>(13)); }));
-    EXPECT_TRUE(throws<opc::Exception>(NO_DIGEST, [&] { AlgorithmURIMap::getAlgorithmURI(noDigest); }));
-    EXPECT_TRUE(throws<opc::Exception>(
-        NO_DIGEST, [&] { AlgorithmURIMap::getAlgorithmURI(noDigest, SignatureMethod::RSA1024); }));
+    EXPECT_RAISES(opc::Exception, NO_TAG, AlgorithmURIMap::getAlgorithmURI(static_cast<AlgorithmTag>(13)));
+    EXPECT_RAISES(opc::Exception, NO_DIGEST, AlgorithmURIMap::getAlgorithmURI(noDigest));
+    EXPECT_RAISES(opc::Exception, NO_DIGEST,
+                  AlgorithmURIMap::getAlgorithmURI(noDigest, SignatureMethod::RSA1024));
     for (const SignatureMethod key : {SignatureMethod::NoKey, noKey}) {
-        EXPECT_TRUE(throws<opc::Exception>(NO_SIGNATURE, [&] {
-            AlgorithmURIMap::getAlgorithmURI(noDigest, key);
-        })) << "the key is looked at first";
-        EXPECT_TRUE(throws<opc::Exception>("Signature Method is unsupported.",
-                                           [&] { signatureMethodToKeySize(key); }));
+        EXPECT_RAISES(opc::Exception, NO_SIGNATURE, AlgorithmURIMap::getAlgorithmURI(noDigest, key))
+            << "the key is looked at first";
+        EXPECT_RAISES(opc::Exception, "Signature Method is unsupported.", signatureMethodToKeySize(key));
     }
 }
 
@@ -96,8 +92,8 @@ TEST(SignatureParams, keySizesAreExactlyThree) {
         EXPECT_EQ(signatureMethodToKeySize(keySizeToSignatureMethod(bits)), bits);
     for (const std::uint64_t bits : {std::uint64_t(0), std::uint64_t(1023), std::uint64_t(3072),
                                      std::uint64_t(8192), (std::uint64_t(1) << 32) + 1024}) {
-        EXPECT_TRUE(throws<opc::Exception>("Input key size is not supported as a Signature Method.",
-                                           [&] { keySizeToSignatureMethod(bits); }));
+        EXPECT_RAISES(opc::Exception, "Input key size is not supported as a Signature Method.",
+                      keySizeToSignatureMethod(bits));
     }
     EXPECT_EQ(SignatureParams().getDigestMethod(), DigestMethod::SHA512);
     EXPECT_EQ(SignatureParams().getSignatureMethod(), SignatureMethod::RSA2048);

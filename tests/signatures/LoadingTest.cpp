@@ -86,18 +86,19 @@ TEST_F(Loading, whatASignatureNamesMustExist) {
     manager->sign({}, {byId(u"/", u"rId2")}, privateKey, params);
     package->deleteRelationship(u"rId2");
     reopen();
-    EXPECT_TRUE(throws<InvalidSignature>(
-        "Relationship with ID rId2 referenced to in the signature is not present in the package",
-        [&] { manager->getSignatures(); }));
+    EXPECT_RAISES(InvalidSignature,
+                  "Relationship with ID rId2 referenced to in the signature is not present in the package",
+                  manager->getSignatures());
     package->createExternalRelationship(u"urn:other", u"x", u"rId2");
     manager->removeAllSignatures();
 
     manager->sign({}, {byType(u"/a.xml", u"urn:next")}, privateKey, params);
     part(u"/a.xml").deleteRelationship(u"rId1");
     reopen();
-    EXPECT_TRUE(throws<InvalidSignature>(
+    EXPECT_RAISES(
+        InvalidSignature,
         "Relationship with Type urn:next referenced to in the signature is not present in the /a.xml",
-        [&] { manager->getSignatures(); }));
+        manager->getSignatures());
 }
 
 TEST_F(Loading, theSignaturesTogetherHaveALimitForRepeatedSelections) {
@@ -117,9 +118,9 @@ TEST_F(Loading, theSignaturesTogetherHaveALimitForRepeatedSelections) {
     addCopy(u"/copy.xml");
     EXPECT_EQ(manager->getSignatures().size(), 2U);
     addCopy(u"/another.xml");
-    EXPECT_TRUE(throws<InvalidSignature>(
-        "The signatures of a package can't cover more than 10000000 selected relationships.",
-        [&] { manager->getSignatures(); }));
+    EXPECT_RAISES(InvalidSignature,
+                  "The signatures of a package can't cover more than 10000000 selected relationships.",
+                  manager->getSignatures());
 }
 
 TEST_F(Loading, aForeignIdentifierThatIsNoURILeavesTheRestUsable) {
@@ -184,10 +185,10 @@ TEST_F(Loading, anOriginWithoutSignaturesIsAnUnsignedPackage) {
 TEST_F(Loading, findsSignaturesByTheirExactNames) {
     signPart(u"/a.xml");
     EXPECT_EQ(manager->getSignature(u"sig1").getName(), u"sig1");
-    EXPECT_TRUE(throws<SignatureNotFound>("Could not find the given signature by the given name.",
-                                          [&] { manager->getSignature(u"SIG1"); }));
-    EXPECT_TRUE(throws<SignatureNotFound>("The provided signature part name is invalid or does not exist.",
-                                          [&] { manager->getSignature(u"sig2"); }));
+    EXPECT_RAISES(SignatureNotFound, "Could not find the given signature by the given name.",
+                  manager->getSignature(u"SIG1"));
+    EXPECT_RAISES(SignatureNotFound, "The provided signature part name is invalid or does not exist.",
+                  manager->getSignature(u"sig2"));
 }
 
 TEST_F(Loading, aClosedPackageIsSaidToBeClosedHoweverItWasOpened) {
@@ -196,8 +197,8 @@ TEST_F(Loading, aClosedPackageIsSaidToBeClosedHoweverItWasOpened) {
         package->open(mode);
         manager->isPackageSigned();
         package->close(true);
-        EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { signPart(u"/a.xml"); }));
-        EXPECT_TRUE(throws<PackageNotOpen>("Package is not open", [&] { manager->removeAllSignatures(); }));
+        EXPECT_RAISES(PackageNotOpen, "Package is not open", signPart(u"/a.xml"));
+        EXPECT_RAISES(PackageNotOpen, "Package is not open", manager->removeAllSignatures());
     }
 }
 

@@ -94,9 +94,8 @@ TEST(RelationshipsText, hasALimitForALongRelationshipThatIsSelectedOften) {
     const Relationship relationship =
         source.addExternalRelationship(u"r", u"t:t", std::u16string(1U << 20, u'a'));
     const RelationshipsText most(std::vector<Relationship>(4095, relationship));
-    EXPECT_TRUE(opc::test::throws<opc::Exception>(
-        "The selected relationships of a signature can't have more than 4 GiB.",
-        [&] { const RelationshipsText text(std::vector<Relationship>(4096, relationship)); }));
+    EXPECT_RAISES(opc::Exception, "The selected relationships of a signature can't have more than 4 GiB.",
+                  RelationshipsText(std::vector<Relationship>(4096, relationship)));
 }
 
 TEST(RelationshipsText, startsAnewWhenItIsOpenedAgain) {

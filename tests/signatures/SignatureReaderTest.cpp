@@ -17,7 +17,7 @@ class SignatureReader : public SignatureDocument {
 protected:
     template <typename E>
     void expectRefusal(const std::string& document, const std::string& message) {
-        EXPECT_TRUE(throws<E>(message, [&] { read(document); })) << document;
+        EXPECT_RAISES(E, message, read(document)) << document;
     }
 };
 

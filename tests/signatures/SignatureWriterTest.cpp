@@ -219,10 +219,10 @@ TEST_F(SignatureWriter, whatWasReadIsWrittenAsItWas) {
 TEST_F(SignatureWriter, refusesWhatItCanNotWriteBeforeAByteGoesOut) {
     for (const auto method : {SignatureMethod::NoKey, static_cast<SignatureMethod>(9)}) {
         written.m_signatureParams = SignatureParams(DigestMethod::SHA1, method);
-        EXPECT_TRUE(throws<opc::Exception>("Could not serialize key info element for this signature method.",
-                                           [&] { write(written); }));
-        EXPECT_TRUE(throws<opc::Exception>("Could not determine key info element for this signature method.",
-                                           [&] { written.setKeyValue({}); }));
+        EXPECT_RAISES(opc::Exception, "Could not serialize key info element for this signature method.",
+                      write(written));
+        EXPECT_RAISES(opc::Exception, "Could not determine key info element for this signature method.",
+                      written.setKeyValue({}));
     }
     written.m_signatureParams = SignatureParams();
     EXPECT_THROW(written.setKeyValue({1, 2, 3}), opc::Exception);
@@ -253,8 +253,7 @@ TEST_F(SignatureWriter, aFailedTextLeavesNothingBehind) {
     XercesHelper::setElementText(XercesHelper::appendElementNS(root, space, XercesString(u"Reference")),
                                  u"\u0001");
     std::u16string text = u"before";
-    EXPECT_TRUE(throws<InvalidPartContent>("invalid or illegal XML character",
-                                           [&] { serializer.toText(root, text); }));
+    EXPECT_RAISES(InvalidPartContent, "invalid or illegal XML character", serializer.toText(root, text));
     EXPECT_EQ(text, u"before");
     EXPECT_EQ(read(USUAL_SIGNATURE).m_content.signedInfoXML, signedInfo) << "its namespace is declared again";
 }

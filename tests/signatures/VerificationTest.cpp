@@ -32,8 +32,8 @@ TEST_F(Verification, whatIsLoadedStaysAsItWasWhileThePackageIsOpen) {
     package->deletePart(PartName(u"/b.xml"));
     EXPECT_EQ(verify(signature), 104);
     package->close(true);
-    EXPECT_TRUE(throws<InvalidSignature>("Signature is invalid: 104",
-                                         [&] { manager->verifySignature(signature, publicKey); }));
+    EXPECT_RAISES(InvalidSignature, "Signature is invalid: 104",
+                  manager->verifySignature(signature, publicKey));
 }
 
 /// What is left out of the core properties is searched as bytes: the first opening and the first closing tag.
@@ -117,9 +117,8 @@ TEST_F(Verification, aSignatureWithoutCertificateHoldsByItsOwnKeyOnlyIfThatIsAsk
     const DigitalSignature keyed = signPart(u"/a.xml");
     EXPECT_EQ(manager->verifyAllSignatures(fingerprints, options, TrustStore()).getErrorCode().value(), 9);
     fingerprints.setSkippingVerification(true);
-    EXPECT_TRUE(throws<InvalidSignature>("Signature is invalid: 103", [&] {
-        manager->verifySignature(bare, fingerprints, options, TrustStore());
-    }));
+    EXPECT_RAISES(InvalidSignature, "Signature is invalid: 103",
+                  manager->verifySignature(bare, fingerprints, options, TrustStore()));
     EXPECT_TRUE(manager->verifySignature(keyed, fingerprints, options, TrustStore()).isProperlyCodesigned());
 }
 
@@ -192,8 +191,8 @@ TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
         {"-nokeys -in certificate", "No private key found."},
         {"-nocerts -inkey key", "No certificate found."}};
     for (const auto& [content, what] : halves)
-        EXPECT_TRUE(throws<CouldNotGenerateSignature>(
-            std::string("The given PKCS12 bundle is invalid. ") + what, [&] { countersign(content); }));
+        EXPECT_RAISES(CouldNotGenerateSignature, std::string("The given PKCS12 bundle is invalid. ") + what,
+                      countersign(content));
     EXPECT_THROW(countersign("-inkey key -in certificate",
                              SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096)),
                  CouldNotGenerateSignature);
