@@ -35,6 +35,10 @@ class DOMDocument;
 class DOMElement;
 XERCES_CPP_NAMESPACE_END
 
+namespace opc {
+class InputStream;
+}
+
 namespace opc::model {
 
 class DigitalSignatureVerificationStatus;
@@ -94,7 +98,7 @@ public:
     /// @name Digests by the signature's own method
     /// @throws opc::Exception  if the digest can't be computed
     /// @{
-    Bytes computeDigest(const Bytes& bytes) const;
+    Bytes computeDigest(InputStream& bytes) const;
 
     /// The one digest of all relationships of a signature, in Base64.
     std::u16string computeRelationshipsDigest(const std::vector<Relationship>& relationships) const;

@@ -30,16 +30,15 @@ std::shared_ptr<bedrock::crypto::DigestEngine> DigitalSignatureData::createDiges
     return model::createDigestEngine(*m_cryptoEngine, m_signatureParams.getDigestMethod());
 }
 
-DigitalSignatureData::Bytes DigitalSignatureData::computeDigest(const Bytes& bytes) const {
-    return translateDigestFailures([&] { return digestBytes(createDigestEngine().get(), bytes); });
+DigitalSignatureData::Bytes DigitalSignatureData::computeDigest(InputStream& bytes) const {
+    return translateDigestFailures([&] { return digestStream(createDigestEngine().get(), bytes); });
 }
 
 std::u16string
 DigitalSignatureData::computeRelationshipsDigest(const std::vector<Relationship>& relationships) const {
     try {
         RelationshipsText text(relationships);
-        return bedrock::crypto::utils::base64Encode(
-            translateDigestFailures([&] { return digestStream(createDigestEngine().get(), text); }));
+        return bedrock::crypto::utils::base64Encode(computeDigest(text));
     } catch (const InvalidXMLDocument& e) {
         throw Exception(e.what());
     }

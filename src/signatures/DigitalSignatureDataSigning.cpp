@@ -6,7 +6,7 @@
 #include "signatures/RsaKeys.hpp"
 #include "signatures/SignatureComposer.hpp"
 #include "signatures/SignatureVocabulary.hpp"
-#include "signatures/SignedBytes.hpp"
+#include "signatures/SignedText.hpp"
 
 #include <bedrock/crypto/RSASigner.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
@@ -128,9 +128,10 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
     reference.referenceURI = URI(u"#" + object.objectID);
     reference.referenceType = vocabulary::OBJECT_TYPE;
     reference.digestMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod());
-    reference.digestValue = base64Encode(computeDigest(toSignedBytes(object.XMLBytes)));
+    SignedText signedText(object.XMLBytes);
+    reference.digestValue = base64Encode(computeDigest(signedText));
     m_content.signedInfoReferences.push_back(std::move(reference));
-    m_objects.emplace(object.objectID, object);
+    m_objects.emplace(vocabulary::PACKAGE_OBJECT_ID, std::move(object));
 
     m_content.signedInfoXML = signedInfoText();
 }

@@ -2,7 +2,7 @@
 
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/RsaKeys.hpp"
-#include "signatures/SignedBytes.hpp"
+#include "signatures/SignedText.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/Exceptions.hpp>

@@ -4,7 +4,7 @@
 #include "signatures/PartDigester.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/SignatureVocabulary.hpp"
-#include "signatures/SignedBytes.hpp"
+#include "signatures/SignedText.hpp"
 
 #include <bedrock/certificates/CertificateValidationResults.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
@@ -36,17 +36,13 @@ DigitalSignatureVerificationStatus makeStatus(const ErrorCode& code) {
 
 /// What was digested of an object's text: all but the namespace declaration that it gains from its parent when
 /// it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
-std::vector<unsigned char> toDigestedBytes(std::u16string_view text) {
+SignedText digestedText(std::u16string_view text) {
     const std::u16string declaration =
         std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";
     const std::size_t found = text.find(declaration);
     if (found == std::u16string_view::npos)
-        return toSignedBytes(text);
-    std::vector<unsigned char> bytes;
-    bytes.reserve(text.size() * 2);
-    appendSignedBytes(text.substr(0, found), bytes);
-    appendSignedBytes(text.substr(found + declaration.size()), bytes);
-    return bytes;
+        return SignedText(text);
+    return SignedText(text.substr(0, found), text.substr(found + declaration.size()));
 }
 
 std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
@@ -55,7 +51,8 @@ std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
     if (object == data.m_objects.end())
         throw InvalidSignature("XML signature: Could not find referenced object " + toUDEString(id),
                                ErrorMap<104>());
-    return base64Encode(data.computeDigest(toDigestedBytes(object->second.XMLBytes)));
+    SignedText text = digestedText(object->second.XMLBytes);
+    return base64Encode(data.computeDigest(text));
 }
 
 } // namespace
@@ -136,29 +133,29 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
         std::optional<std::u16string> relationshipsDigest;
         std::map<DigestMethod, PartDigester> partDigesters;
         std::map<std::u16string, std::u16string> objectDigests; // by identifier
-        const auto compute = [&](const Reference& reference) {
+        const auto agrees = [&](const Reference& reference) {
             if (isSameDocumentReference(reference.referenceURI)) {
                 std::u16string& digest = objectDigests[reference.referenceURI.getFragment()];
                 if (digest.empty())
                     digest = digestObject(data, reference.referenceURI);
-                return digest;
+                return digest == reference.digestValue;
             }
             if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
                 const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
                 const PartName name(reference.referenceURI.getPath());
                 PartDigester& digester =
                     partDigesters.try_emplace(method, getPackage(), method).first->second;
-                return base64Encode(digester.digest(name));
+                return base64Encode(digester.digest(name)) == reference.digestValue;
             }
             if (!relationshipsDigest)
                 relationshipsDigest = digestSignedRelationships(data);
-            return *relationshipsDigest;
+            return *relationshipsDigest == reference.digestValue;
         };
         bool allAgree = true;
         for (const auto* references :
              {&data.m_content.signedInfoReferences, &data.m_content.manifestReferences})
             for (const Reference& reference : *references)
-                allAgree = compute(reference) == reference.digestValue && allAgree;
+                allAgree = agrees(reference) && allAgree;
         return allAgree ? makeStatus(ErrorMap<0>()) : makeStatus(ErrorMap<101>());
     } catch (const Exception& e) {
         throw InvalidSignature(e.what(), ErrorMap<104>());

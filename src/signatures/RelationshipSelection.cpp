@@ -33,7 +33,8 @@ void RelationshipSelection::addByID(const RelationshipSource& source, const std:
 
 bool RelationshipSelection::addByType(const RelationshipSource& source, const std::u16string& name,
                                       const std::u16string& type) {
-    Source& known = sources[name];
+    recent = sources.try_emplace(recent, name);
+    Source& known = recent->second;
     if (known.timesAsked < FEW) {
         ++known.timesAsked;
         return add(source.getRelationshipsByType(type));

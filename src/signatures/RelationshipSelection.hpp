@@ -17,6 +17,8 @@ class RelationshipSelection {
 public:
     /// @param before  how many the other signatures of the package cover
     explicit RelationshipSelection(std::size_t before = 0) : count(before) {}
+    RelationshipSelection(const RelationshipSelection&) = delete;
+    RelationshipSelection& operator=(const RelationshipSelection&) = delete;
 
     /// @throws RelationshipNotFound
     /// @throws opc::Exception  if there are more than the signatures of a package can cover
@@ -44,6 +46,7 @@ private:
     bool add(const Relationships& relationships);
 
     std::map<std::u16string, Source> sources;
+    std::map<std::u16string, Source>::iterator recent = sources.end(); // the next one is it or follows it, mostly
     std::vector<Relationship> selected;
     std::size_t count; // with those before
 };

@@ -4,7 +4,7 @@
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
 #include "signatures/RsaKeys.hpp"
-#include "signatures/SignedBytes.hpp"
+#include "signatures/SignedText.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Texts.hpp"
 

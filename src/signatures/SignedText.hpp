@@ -1,0 +1,35 @@
+#pragma once
+
+#include <opc/core/InputStream.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace opc::model {
+
+/// A stream over the bytes that stand for a text where it is digested or signed: its code units, low byte
+/// first. They are made as they are read, since the text of a package object can be large.
+class SignedText final : public InputStream {
+public:
+    /// @param beginning  of the text
+    /// @param remainder  of the text. The characters of both must outlive this object
+    explicit SignedText(std::u16string_view beginning, std::u16string_view remainder = {})
+        : piece(beginning), next(remainder) {}
+
+    void open() override;
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
+    bool isDone() const override;
+    void close() override;
+
+private:
+    std::u16string_view piece; // what isn't read whole yet
+    std::u16string_view next;
+    bool isInsideUnit = false; // of the first unit in the piece, the low byte has been read
+};
+
+/// The bytes of a text at once.
+std::vector<unsigned char> toSignedBytes(std::u16string_view text);
+
+} // namespace opc::model
