@@ -1,6 +1,7 @@
 #include "FuzzTarget.hpp"
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
+#include "support/CorePropertiesComparison.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Time.hpp>
@@ -23,6 +24,10 @@ Bytes write(CorePropertiesSerializer& serializer, const CoreProperties& properti
     Bytes bytes;
     ByteArrayOutAdaptor stream(bytes);
     serializer.write(properties, stream);
+    Bytes byXerces;
+    ByteArrayOutAdaptor other(byXerces);
+    serializer.writeByXerces(properties, other);
+    require(bytes == byXerces, "properties are written as Xerces writes them");
     return bytes;
 }
 
@@ -62,8 +67,12 @@ void checkSame(const CoreProperties& left, const CoreProperties& right) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static CorePropertiesSerializer serializer; // compiling its schemas takes longer than reading
+    static opc::test::CorePropertiesComparison comparison;
+    const Bytes document(data, data + size);
+    const std::string difference = comparison.findDifference(document);
+    require(difference.empty(), ("scanner and parser find the same: " + difference).c_str());
     CoreProperties properties;
-    if (!attempt<InvalidPartContent>([&] { properties = read(serializer, Bytes(data, data + size)); }))
+    if (!attempt<InvalidPartContent>([&] { properties = read(serializer, document); }))
         return 0;
     const Bytes written = write(serializer, properties);
     const CoreProperties again = read(serializer, written);

@@ -1,12 +1,19 @@
 #include "coreproperties/CorePropertiesSerializer.hpp"
 
+#include "coreproperties/CorePropertiesComposer.hpp"
 #include "coreproperties/CorePropertiesRules.hpp"
+#include "coreproperties/CorePropertiesScanner.hpp"
+#include "coreproperties/CorePropertiesVocabulary.hpp"
+#include "xml/DocumentOutput.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/ReplayedStream.hpp"
 
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/XercesDeleter.hpp>
+#include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOM.hpp>
@@ -18,6 +25,9 @@ namespace {
 using boost::posix_time::ptime;
 using xercesc::DOMElement;
 using Name = CorePropertiesVocabulary::Name;
+
+/// A part beyond this size goes to the parser at once, without being held whole.
+constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 
 const DOMElement* find(const DOMElement* root, const Name& name) {
     return XercesHelper::getElementNS(root, name.namespaceURI, name.local);
@@ -100,55 +110,12 @@ private:
     const CorePropertiesVocabulary& names;
 };
 
-} // namespace
-
-CorePropertiesSerializer::CorePropertiesSerializer() : writer(XercesHelper::createPrettyPrintingWriter()) {
-}
-
-CorePropertiesSerializer::~CorePropertiesSerializer() = default;
-
-void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
-    if (!parser) {
-        auto made = XercesHelper::createParser();
-        loadGrammars(made.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
-                                  &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
-        parser = std::move(made);
-    }
-    const DocumentPoolReset reset(parser.get());
-    const xercesc::DOMDocument* document = nullptr;
-    try {
-        document = XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
-    } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
-    }
-    properties.clear();
-    const DOMElement* root = document->getDocumentElement();
-    throwIfCorePropertiesBreakRules(root, names);
-
-    const FieldReader fields(root, properties);
-    fields.read(names.category, &CoreProperties::setCategory);
-    fields.read(names.contentStatus, &CoreProperties::setContentStatus);
-    fields.read(names.created, &CoreProperties::setCreated);
-    fields.read(names.creator, &CoreProperties::setCreator);
-    fields.read(names.description, &CoreProperties::setDescription);
-    fields.read(names.identifier, &CoreProperties::setIdentifier);
-    readKeywords(root, properties);
-    fields.read(names.language, &CoreProperties::setLanguage);
-    fields.read(names.lastModifiedBy, &CoreProperties::setLastModifiedBy);
-    fields.read(names.lastPrinted, &CoreProperties::setLastPrinted);
-    fields.read(names.modified, &CoreProperties::setModified);
-    fields.read(names.revision, &CoreProperties::setRevision);
-    fields.read(names.subject, &CoreProperties::setSubject);
-    fields.read(names.title, &CoreProperties::setTitle);
-    fields.read(names.version, &CoreProperties::setVersion);
-}
-
-void CorePropertiesSerializer::readKeywords(const DOMElement* root, CoreProperties& properties) const {
+void readKeywords(const DOMElement* root, const CorePropertiesVocabulary& names, CoreProperties& properties) {
     const DOMElement* const element = find(root, names.keywords);
     if (element == nullptr)
         return;
     CoreProperties::KeywordList keywords;
-    const auto add = [this, &keywords](const DOMElement* keyword) {
+    const auto add = [&](const DOMElement* keyword) {
         auto& [text, language] = keywords.emplace_back();
         XercesHelper::getTrimmedElementText(keyword, text);
         XercesHelper::getElementAttributeNS(keyword, names.lang.namespaceURI, names.lang.local, language);
@@ -161,7 +128,92 @@ void CorePropertiesSerializer::readKeywords(const DOMElement* root, CoreProperti
     properties.setKeywords(keywords);
 }
 
+} // namespace
+
+/// What Xerces works with.
+struct CorePropertiesSerializer::Xml {
+    XercesGuard guard;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made by the first reading
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer{
+        XercesHelper::createPrettyPrintingWriter()};
+    CorePropertiesVocabulary names;
+};
+
+CorePropertiesSerializer::CorePropertiesSerializer(std::function<void()> onXerces)
+    : beforeXerces(std::move(onXerces)) {
+}
+
+CorePropertiesSerializer::~CorePropertiesSerializer() = default;
+
+CorePropertiesSerializer::Xml& CorePropertiesSerializer::xml() {
+    if (!made) {
+        if (beforeXerces)
+            beforeXerces();
+        made = std::make_unique<Xml>();
+    }
+    return *made;
+}
+
+void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
+    ReadAheadBuffer buffer;
+    ReplayedStream replayed(stream);
+    CoreProperties scanned;
+    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
+    if (document && scanCoreProperties(*document, scanned))
+        properties = std::move(scanned);
+    else
+        parse(replayed, properties);
+}
+
+void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties) {
+    Xml& with = xml();
+    if (!with.parser) {
+        auto loaded = XercesHelper::createParser();
+        loadGrammars(loaded.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
+                                    &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
+        with.parser = std::move(loaded);
+    }
+    const DocumentPoolReset reset(with.parser.get());
+    const xercesc::DOMDocument* document = nullptr;
+    try {
+        document = XercesHelper::readDocumentFromStream(with.parser.get(), stream, true, {}, {});
+    } catch (const InvalidXMLDocument& e) {
+        throw InvalidPartContent(e.what());
+    }
+    properties.clear();
+    const DOMElement* root = document->getDocumentElement();
+    const CorePropertiesVocabulary& names = with.names;
+    throwIfCorePropertiesBreakRules(root, names);
+
+    const FieldReader fields(root, properties);
+    fields.read(names.category, &CoreProperties::setCategory);
+    fields.read(names.contentStatus, &CoreProperties::setContentStatus);
+    fields.read(names.created, &CoreProperties::setCreated);
+    fields.read(names.creator, &CoreProperties::setCreator);
+    fields.read(names.description, &CoreProperties::setDescription);
+    fields.read(names.identifier, &CoreProperties::setIdentifier);
+    readKeywords(root, names, properties);
+    fields.read(names.language, &CoreProperties::setLanguage);
+    fields.read(names.lastModifiedBy, &CoreProperties::setLastModifiedBy);
+    fields.read(names.lastPrinted, &CoreProperties::setLastPrinted);
+    fields.read(names.modified, &CoreProperties::setModified);
+    fields.read(names.revision, &CoreProperties::setRevision);
+    fields.read(names.subject, &CoreProperties::setSubject);
+    fields.read(names.title, &CoreProperties::setTitle);
+    fields.read(names.version, &CoreProperties::setVersion);
+}
+
 void CorePropertiesSerializer::write(const CoreProperties& properties, OutputStream& stream) {
+    std::string composed;
+    if (composePlainCoreProperties(properties, composed))
+        writeDocument(composed, stream);
+    else
+        writeByXerces(properties, stream);
+}
+
+void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, OutputStream& stream) {
+    const Xml& with = xml();
+    const CorePropertiesVocabulary& names = with.names;
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
     DOMElement* root =
@@ -188,7 +240,7 @@ void CorePropertiesSerializer::write(const CoreProperties& properties, OutputStr
     fields.write(names.title, properties.getTitle());
     fields.write(names.version, properties.getVersion());
     try {
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }

@@ -1,28 +1,21 @@
 #pragma once
 
-#include "coreproperties/CorePropertiesVocabulary.hpp"
-
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 #include <opc/model/CoreProperties.hpp>
-#include <opc/model/XercesDeleter.hpp>
-#include <opc/model/XercesGuard.hpp>
 
+#include <functional>
 #include <memory>
-
-XERCES_CPP_NAMESPACE_BEGIN
-class DOMElement;
-class DOMLSParser;
-class DOMLSSerializer;
-XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
 /// Reads and writes the XML document in the core properties part. Made for one operation and dropped after
-/// it: the first reading compiles five schemas, which takes most of a millisecond.
+/// it. A document in the form that most programs write is scanned; any other goes to a validating parser, which
+/// compiles five schemas first, and takes most of a millisecond for it. Xerces isn't woken before that.
 class CorePropertiesSerializer {
 public:
-    CorePropertiesSerializer();
+    /// @param onXerces  called before Xerces is needed: may keep it initialised for longer than this object does
+    explicit CorePropertiesSerializer(std::function<void()> onXerces = {});
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
     ~CorePropertiesSerializer();
@@ -34,17 +27,23 @@ public:
     ///                             one of the rules [M4.2] to [M4.5], and they are empty
     void read(InputStream& stream, CoreProperties& properties);
 
+    /// The same by the validating parser alone, whatever the form.
+    void parse(InputStream& stream, CoreProperties& properties);
+
     /// Doesn't close the stream.
     /// @throws InvalidPartContent  a text that XML can't hold; nothing has been written by then
     void write(const CoreProperties& properties, OutputStream& stream);
 
-private:
-    void readKeywords(const xercesc::DOMElement* root, CoreProperties& properties) const;
+    /// The same by Xerces alone, whatever the values.
+    void writeByXerces(const CoreProperties& properties, OutputStream& stream);
 
-    XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made by the first reading
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer;
-    CorePropertiesVocabulary names;
+private:
+    struct Xml;
+
+    Xml& xml();
+
+    std::function<void()> beforeXerces;
+    std::unique_ptr<Xml> made;
 };
 
 } // namespace opc::model

@@ -45,8 +45,7 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
     if (relationships.empty())
         return properties;
     const Part part = getTarget(package, relationships);
-    package.getPackage().keepXerces();
-    CorePropertiesSerializer serializer;
+    CorePropertiesSerializer serializer([&package] { package.getPackage().keepXerces(); });
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     serializer.read(stream, properties);
@@ -57,8 +56,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     const Relationships relationships = findCoreProperties(package);
     const Part part =
         relationships.empty() ? createCoreProperties(package) : getTarget(package, relationships);
-    package.keepXerces();
-    CorePropertiesSerializer serializer;
+    CorePropertiesSerializer serializer([&package] { package.keepXerces(); });
     serializer.write(properties, part.getOutputStream());
 }
 

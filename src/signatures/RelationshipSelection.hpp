@@ -46,7 +46,7 @@ private:
     bool add(const Relationships& relationships);
 
     std::map<std::u16string, Source> sources;
-    std::map<std::u16string, Source>::iterator recent = sources.end(); // the next one is it or follows it, mostly
+    std::map<std::u16string, Source>::iterator recent = sources.end(); // the next is it or behind it
     std::vector<Relationship> selected;
     std::size_t count; // with those before
 };

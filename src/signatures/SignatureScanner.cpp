@@ -42,20 +42,6 @@ bool isPlainAlgorithm(std::string_view text) {
     return isPlainURI(text.substr(0, path)) && (path == text.size() || isPlainID(text.substr(path + 1)));
 }
 
-/// Whether a text is a time in whole seconds of UTC, within the pattern of the schema.
-bool isPlainTime(std::string_view text) {
-    constexpr std::string_view FORM = "0000-00-00T00:00:00Z";
-    if (!std::equal(text.begin(), text.end(), FORM.begin(), FORM.end(),
-                    [](char c, char form) { return form == '0' ? isDigit(c) : c == form; }))
-        return false;
-    const auto isWithin = [text](std::size_t place, std::string_view least, std::string_view most) {
-        const std::string_view field = text.substr(place, 2);
-        return field >= least && field <= most;
-    };
-    return isWithin(5, "01", "12") && isWithin(8, "01", "31") && isWithin(11, "00", "23") &&
-           isWithin(14, "00", "59") && isWithin(17, "00", "59");
-}
-
 /// The value of a digit of Base64; 64 for any other character.
 constexpr unsigned base64Value(char c) {
     if (c >= 'A' && c <= 'Z')

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include "xml/PlainReader.hpp"
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,27 +14,6 @@
 /// plain, and every doubt and error.
 
 namespace opc::model {
-
-struct PlainAttribute {
-    std::string_view name;
-    std::string_view value;
-};
-
-/// The attributes of one element: no more than an element of these documents can have.
-class PlainAttributes {
-public:
-    const PlainAttribute* begin() const { return attributes.data(); }
-    const PlainAttribute* end() const { return attributes.data() + count; }
-    std::size_t size() const { return count; }
-    void clear() { count = 0; }
-
-    /// @return false, and nothing has been added, if there is one of that name or no room
-    bool add(const PlainAttribute& attribute);
-
-private:
-    std::array<PlainAttribute, 4> attributes;
-    std::size_t count = 0;
-};
 
 /// Called for each child; gives whether it is plain as well.
 using PlainChildVisitor = std::function<bool(std::string_view name, const PlainAttributes& attributes)>;
@@ -53,6 +32,9 @@ bool isPlainID(std::string_view text);
 /// Whether a text is a valid and not empty xs:anyURI of a usual form: a path of letters, digits and
 /// `-._~/`, alone or behind http or https and the name of a host.
 bool isPlainURI(std::string_view text);
+
+/// Whether a text is a valid xs:dateTime of the usual form: a second of UTC, in a year from 1400 on.
+bool isPlainTime(std::string_view text);
 
 /// The text of a plain value.
 std::u16string widen(std::string_view value);

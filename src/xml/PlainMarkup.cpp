@@ -1,5 +1,9 @@
 #include "xml/PlainMarkup.hpp"
 
+#include "xml/PlainCharacters.hpp"
+
+#include <opc/core/Text.hpp>
+
 #include <algorithm>
 
 namespace opc::model {
@@ -23,6 +27,21 @@ void PlainMarkup::addText(std::u16string_view value) {
     hasOnlyPlainValues = hasOnlyPlainValues && !value.empty();
     add(value,
         [](char16_t unit) { return isPrintable(unit) && unit != u'&' && unit != u'<' && unit != u'>'; });
+}
+
+void PlainMarkup::addUnicodeText(std::u16string_view value) {
+    const bool isBlank = !value.empty() && value.find_first_not_of(u" \t\n") == std::u16string_view::npos;
+    hasOnlyPlainValues =
+        hasOnlyPlainValues && !isBlank && std::all_of(value.begin(), value.end(), plain::isText);
+    while (!value.empty()) {
+        const std::u16string run(value.substr(0, value.find_first_of(u"&<>")));
+        *this << detail::toUTF8String(run, false);
+        value.remove_prefix(run.size());
+        if (value.empty())
+            return;
+        addReference(value.front());
+        value.remove_prefix(1);
+    }
 }
 
 template <typename StandsAsItIs>

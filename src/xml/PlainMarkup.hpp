@@ -25,6 +25,10 @@ public:
     /// The text of an element. An empty one isn't plain: its element stands as one tag.
     void addText(std::u16string_view value);
 
+    /// The text of an element in a document of UTF-8: all usual letters are plain here, and lines. A text of white
+    /// space alone isn't: the next element may stand in the same line.
+    void addUnicodeText(std::u16string_view value);
+
     /// Whether all values were plain. If not, the bytes mean nothing.
     bool isPlain() const { return hasOnlyPlainValues; }
 

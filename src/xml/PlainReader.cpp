@@ -1,0 +1,72 @@
+#include "xml/PlainReader.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace opc::model {
+
+bool PlainAttributes::add(const PlainAttribute& attribute) {
+    const auto isSame = [&](const PlainAttribute& other) { return other.name == attribute.name; };
+    if (count == attributes.size() || std::any_of(begin(), end(), isSame))
+        return false;
+    attributes[count++] = attribute;
+    return true;
+}
+
+bool PlainReader::skipProlog() {
+    take("\xEF\xBB\xBF");
+    if (!skipDeclaration())
+        return false;
+    skipSpace();
+    return true;
+}
+
+bool PlainReader::skipDeclaration() {
+    if (!take("<?xml"))
+        return true;
+    constexpr std::string_view NAMES[] = {"version", "encoding", "standalone"};
+    std::size_t next = 0; // they stand in this order, and the first one must be there
+    while (skipSpace()) {
+        const std::string_view name = takeName();
+        if (name.empty())
+            break;
+        const auto* const found = std::find(std::begin(NAMES) + next, std::end(NAMES), name);
+        if (found == std::end(NAMES) || (next == 0 && name != "version"))
+            return false;
+        next = static_cast<std::size_t>(found - std::begin(NAMES)) + 1;
+        std::string_view value;
+        if (!takeValue(value))
+            return false;
+        const bool isUsual = name == "version"    ? value == "1.0"
+                             : name == "encoding" ? value == "UTF-8" || value == "utf-8"
+                                                  : value == "yes" || value == "no";
+        if (!isUsual)
+            return false;
+    }
+    return next != 0 && take("?>");
+}
+
+bool PlainReader::takeAttributes(PlainAttributes& attributes, bool& isEmpty) {
+    attributes.clear();
+    for (;;) {
+        const bool spaced = skipSpace();
+        isEmpty = take("/>");
+        if (isEmpty || take(">"))
+            return true;
+        PlainAttribute attribute;
+        attribute.name = takeName();
+        if (!spaced || attribute.name.empty() || !takeValue(attribute.value))
+            return false;
+        if (!attributes.add(attribute))
+            return false;
+    }
+}
+
+bool PlainReader::takeEndTag(std::string_view name) {
+    if (!take("</") || takeName() != name)
+        return false;
+    skipSpace();
+    return take(">");
+}
+
+} // namespace opc::model

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "xml/PlainCharacters.hpp"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace opc::model {
+
+struct PlainAttribute {
+    std::string_view name;
+    std::string_view value;
+};
+
+/// The attributes of one element: no more than an element of these documents can have.
+class PlainAttributes {
+public:
+    const PlainAttribute* begin() const { return attributes.data(); }
+    const PlainAttribute* end() const { return attributes.data() + count; }
+    std::size_t size() const { return count; }
+    void clear() { count = 0; }
+
+    /// @return false, and nothing has been added, if there is one of that name or no room
+    bool add(const PlainAttribute& attribute);
+
+private:
+    std::array<PlainAttribute, 5> attributes;
+    std::size_t count = 0;
+};
+
+/// Goes through a document in the plain form (`xml/PlainDocument.hpp`). Each operation takes a piece, if it stands
+/// there and is plain. After one that didn't take what it should, the document isn't plain.
+class PlainReader {
+public:
+    explicit PlainReader(std::string_view document) : rest(document) {}
+
+    bool atEnd() const { return rest.empty(); }
+
+    bool isAt(std::string_view expected) const { return rest.substr(0, expected.size()) == expected; }
+
+    bool take(std::string_view expected) {
+        if (!isAt(expected))
+            return false;
+        rest.remove_prefix(expected.size());
+        return true;
+    }
+
+    /// @return whether there was any
+    bool skipSpace() { return !takeAll(plain::Space).empty(); }
+
+    /// What may stand in front of the root: a byte order mark, the XML declaration, white space.
+    bool skipProlog();
+
+    /// A name of ASCII letters, with a prefix or without; empty if there is none.
+    std::string_view takeName() { return takeAll(plain::Letter | plain::Colon); }
+
+    /// The attributes of a start tag, up to its end.
+    /// @param isEmpty  set to whether the tag ends the element too
+    bool takeAttributes(PlainAttributes& attributes, bool& isEmpty);
+
+    /// Everything up to the next tag, or whatever begins like one.
+    std::string_view takeText() {
+        const std::string_view taken = rest.substr(0, rest.find('<'));
+        rest.remove_prefix(taken.size());
+        return taken;
+    }
+
+    bool takeEndTag(std::string_view name);
+
+private:
+    bool skipDeclaration();
+
+    /// An equals sign and a value between quotes.
+    bool takeValue(std::string_view& value) {
+        skipSpace();
+        if (!take("="))
+            return false;
+        skipSpace();
+        if (take("\"")) {
+            value = takeAll(plain::DoubleQuoted);
+            return take("\"");
+        }
+        if (!take("'"))
+            return false;
+        value = takeAll(plain::SingleQuoted);
+        return take("'");
+    }
+
+    /// The longest run of characters of these kinds.
+    std::string_view takeAll(unsigned kinds) {
+        std::size_t end = 0;
+        while (end < rest.size() && plain::is(rest[end], kinds))
+            ++end;
+        const std::string_view taken = rest.substr(0, end);
+        rest.remove_prefix(end);
+        return taken;
+    }
+
+    std::string_view rest;
+};
+
+} // namespace opc::model

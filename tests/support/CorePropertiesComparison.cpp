@@ -1,0 +1,38 @@
+#include "support/CorePropertiesComparison.hpp"
+
+#include "coreproperties/CorePropertiesScanner.hpp"
+#include "support/Outcome.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+
+namespace opc::test {
+
+using namespace model;
+
+bool CorePropertiesComparison::isRecognised(const Bytes& document) {
+    CoreProperties properties;
+    return scanCoreProperties(toText(document), properties);
+}
+
+std::string CorePropertiesComparison::findDifference(const Bytes& document) {
+    if (!isRecognised(document))
+        return {};
+    const std::string withScanner = read(document, true);
+    const std::string withParser = read(document, false);
+    return withScanner == withParser ? std::string() : withScanner + "\nagainst\n" + withParser;
+}
+
+std::string CorePropertiesComparison::read(const Bytes& document, bool scanning) {
+    CoreProperties properties;
+    ByteArrayInAdaptor stream(document);
+    const std::string failure = outcomeOf(
+        [&] { scanning ? serializer.read(stream, properties) : serializer.parse(stream, properties); });
+    if (!failure.empty())
+        return failure;
+    Bytes written;
+    ByteArrayOutAdaptor target(written);
+    serializer.writeByXerces(properties, target);
+    return toText(written);
+}
+
+} // namespace opc::test
