@@ -160,7 +160,7 @@ void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& propert
     CoreProperties scanned;
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
     if (document && scanCoreProperties(*document, scanned))
-        properties = std::move(scanned);
+        properties = scanned;
     else
         parse(replayed, properties);
 }

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 
 /// @file
@@ -84,8 +85,18 @@ DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprint
                                              const CertificateValidationOptions& options,
                                              const TrustStore& trustStore) {
     ensureLoaded();
+    // Each part is digested once, however many signatures cover it, and each signature is verified once, however
+    // many relationships lead to it: in a small package there can be very many of both.
+    PartDigesters digesters(getPackage());
+    std::set<const DigitalSignatureData*> verified;
     for (const DigitalSignature& signature : m_signatures) {
-        auto status = verifySignature(signature, fingerprints, options, trustStore);
+        const DigitalSignatureData& data = *signature.getImpl();
+        if (!verified.insert(&data).second)
+            continue;
+        const auto checkValue = [&](const DigitalSignatureData& checked) {
+            return checked.verifyWithFingerprints(fingerprints, trustStore, options);
+        };
+        auto status = verify(data, checkValue, digesters);
         if (!status.isProperlyCodesigned())
             return status;
     }
@@ -95,9 +106,15 @@ DigitalSignatureManager::verifyAllSignatures(const FingerprintStore& fingerprint
 DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const DigitalSignature& signature,
                                                                    const ValueCheck& checkValue) {
     ensureLoaded();
-    const DigitalSignatureData& data = *signature.getImpl();
+    PartDigesters digesters(getPackage());
+    return verify(*signature.getImpl(), checkValue, digesters);
+}
+
+DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const DigitalSignatureData& data,
+                                                                   const ValueCheck& checkValue,
+                                                                   PartDigesters& digesters) const {
     try {
-        return verifySignatureHelper(data, checkValue(data));
+        return verifySignatureHelper(data, checkValue(data), digesters);
     } catch (const InvalidSignature& e) {
         throw stripInvalidSignatureExceptionMessage(e);
     } catch (const Exception& e) {
@@ -112,10 +129,11 @@ InvalidSignature DigitalSignatureManager::stripInvalidSignatureExceptionMessage(
 
 DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
-                                               const DigitalSignatureVerificationStatus& status) const {
+                                               const DigitalSignatureVerificationStatus& status,
+                                               PartDigesters& digesters) const {
     if (!status.isProperlyCodesigned() && status.isErrorFromSignature())
         return status;
-    DigitalSignatureVerificationStatus references = verifyReferencesAfterLoad(data);
+    DigitalSignatureVerificationStatus references = verifyReferencesAfterLoad(data, digesters);
     if (!references.isProperlyCodesigned())
         return references;
     if (status.isProperlyCodesigned() || status.isErrorFromCertificateChain())
@@ -127,11 +145,11 @@ DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
 }
 
 DigitalSignatureVerificationStatus
-DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data) const {
+DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data,
+                                                   PartDigesters& digesters) const {
     try {
         // Each digest is computed once, however many references there are to it.
         std::optional<std::u16string> relationshipsDigest;
-        std::map<DigestMethod, PartDigester> partDigesters;
         std::map<std::u16string, std::u16string> objectDigests; // by identifier
         const auto agrees = [&](const Reference& reference) {
             if (isSameDocumentReference(reference.referenceURI)) {
@@ -143,9 +161,7 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
             if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
                 const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
                 const PartName name(reference.referenceURI.getPath());
-                PartDigester& digester =
-                    partDigesters.try_emplace(method, getPackage(), method).first->second;
-                return base64Encode(digester.digest(name)) == reference.digestValue;
+                return base64Encode(digesters.digest(name, method)) == reference.digestValue;
             }
             if (!relationshipsDigest)
                 relationshipsDigest = digestSignedRelationships(data);

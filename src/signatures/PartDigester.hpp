@@ -3,6 +3,7 @@
 #include <opc/model/PartName.hpp>
 #include <opc/model/SignatureParams.hpp>
 
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -38,6 +39,22 @@ private:
     const Package& package;
     std::shared_ptr<bedrock::crypto::DigestEngine> engine;
     std::unordered_map<const InputStream*, std::vector<unsigned char>> computed; // by the part's stream
+};
+
+/// Digesters of one package, made for each method when it is asked for.
+class PartDigesters {
+public:
+    /// @param containing  must outlive this object
+    explicit PartDigesters(const Package& containing) : package(containing) {}
+
+    /// As `PartDigester::digest`.
+    const std::vector<unsigned char>& digest(const PartName& name, DigestMethod method) {
+        return digesters.try_emplace(method, package, method).first->second.digest(name);
+    }
+
+private:
+    const Package& package;
+    std::map<DigestMethod, PartDigester> digesters;
 };
 
 } // namespace opc::model

@@ -87,6 +87,26 @@ TEST_F(EditedSignature, aPartIsReadOnceHoweverManyReferencesAreToIt) {
     close(true);
 }
 
+TEST_F(EditedSignature, aPartIsReadOnceForAllSignaturesTogether) {
+    open();
+    for (int i = 0; i < 3; ++i)
+        manager->sign({PartName(u"/a.xml")}, {}, privateKey, publicKey, params);
+    close(false);
+    ScriptedPackage watched(store);
+    package = std::make_unique<Package>(watched);
+    manager = std::make_unique<DigitalSignatureManager>(*package);
+    package->open(opc::interfaces::OpenMode::ReadOnly);
+    bedrock::codesigning_verifier::FingerprintStore anyKey;
+    anyKey.setSkippingVerification(true);
+    int reads = 0;
+    watched.beforeEach = [&reads](const std::string& call) { reads += call == "read /a.xml" ? 1 : 0; };
+    for (int i = 1; i <= 2; ++i) {
+        EXPECT_TRUE(manager->verifyAllSignatures(anyKey, {}, {}).isProperlyCodesigned());
+        EXPECT_EQ(reads, i) << "and anew in each verification";
+    }
+    close(true);
+}
+
 TEST_F(EditedSignature, isReadOnceHoweverManyRelationshipsLeadToIt) {
     std::string relationships;
     for (int i = 0; i < 50; ++i)

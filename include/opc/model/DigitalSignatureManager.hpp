@@ -37,6 +37,7 @@ class DigitalSignatureData;
 class DigitalSignatureSerializer;
 class InvalidSignature;
 struct DataToSign;
+class PartDigesters;
 class RelationshipSelection;
 struct Reference;
 
@@ -288,10 +289,13 @@ private:
 
     DigitalSignatureVerificationStatus verify(const DigitalSignature& signature,
                                               const ValueCheck& checkValue);
-    DigitalSignatureVerificationStatus
-    verifySignatureHelper(const DigitalSignatureData& data,
-                          const DigitalSignatureVerificationStatus& status) const;
-    DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data) const;
+    DigitalSignatureVerificationStatus verify(const DigitalSignatureData& data, const ValueCheck& checkValue,
+                                              PartDigesters& digesters) const;
+    DigitalSignatureVerificationStatus verifySignatureHelper(const DigitalSignatureData& data,
+                                                             const DigitalSignatureVerificationStatus& status,
+                                                             PartDigesters& digesters) const;
+    DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data,
+                                                                 PartDigesters& digesters) const;
     std::u16string digestSignedRelationships(const DigitalSignatureData& data) const;
     static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
 
