@@ -56,6 +56,19 @@ std::string describeParts(const Package& package, const Add& add) {
     return text;
 }
 
+/// A title that is written and read by Xerces.
+constexpr char16_t LEFT_TO_XERCES[] = u"\U0001F600";
+
+void setTitle(Package& package, const char16_t* title) {
+    CoreProperties properties;
+    properties.setTitle(title);
+    PackageHelper::createOrUpdateCoreProperties(package, properties);
+}
+
+void requireTitle(const Package& package, const char16_t* title) {
+    require(PackageHelper::getCoreProperties(package).getTitle() == std::u16string(title), "title");
+}
+
 } // namespace
 
 const std::vector<Workload::Step>& Workload::steps() {
@@ -78,17 +91,8 @@ const std::vector<Workload::Step>& Workload::steps() {
          }},
         {"relate package", true,
          [](Workload& w) { w.package.createExternalRelationship(u"urn:new", u"http://e/new", u"new"); }},
-        {"set properties", false,
-         [](Workload& w) {
-             CoreProperties properties;
-             properties.setTitle(u"title");
-             PackageHelper::createOrUpdateCoreProperties(w.package, properties);
-         }},
-        {"get properties", true,
-         [](Workload& w) {
-             require(PackageHelper::getCoreProperties(w.package).getTitle() == std::u16string(u"title"),
-                     "title");
-         }},
+        {"set properties", false, [](Workload& w) { setTitle(w.package, LEFT_TO_XERCES); }},
+        {"get properties", true, [](Workload& w) { requireTitle(w.package, LEFT_TO_XERCES); }},
         {"sign", false,
          [](Workload& w) {
              w.signature = w.signatures.sign(
@@ -120,6 +124,8 @@ const std::vector<Workload::Step>& Workload::steps() {
          }},
         {"remove countersignature", false, [](Workload& w) { w.signatures.removeCountersignature(); }},
         {"remove signature", false, [](Workload& w) { w.signatures.removeSignature(*w.signature); }},
+        {"set plain properties", false, [](Workload& w) { setTitle(w.package, u"plain"); }},
+        {"get plain properties", true, [](Workload& w) { requireTitle(w.package, u"plain"); }},
         {"delete relationship", false,
          [](Workload& w) { w.package.getPart(PartName(u"/a.xml")).deleteRelationship(u"next"); }},
         {"delete part", true,
