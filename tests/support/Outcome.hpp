@@ -19,4 +19,10 @@ std::string outcomeOf(const Action& action) {
     return {};
 }
 
+/// Holds what a scanner makes of a document against what the parser does.
+/// @return both, if they differ
+inline std::string differenceOf(const std::string& byScanner, const std::string& byParser) {
+    return byScanner == byParser ? std::string() : byScanner + "\nagainst\n" + byParser;
+}
+
 } // namespace opc::test

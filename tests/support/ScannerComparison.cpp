@@ -146,9 +146,7 @@ std::string ScannerComparison::findDifference(const Bytes& document) {
     if (scanned != parsed)
         return "other elements or attributes";
     const auto read = isRelationships() ? readRelationships : readContentTypes;
-    const std::string withScanner = read(document, true);
-    const std::string withParser = read(document, false);
-    return withScanner == withParser ? std::string() : withScanner + "against\n" + withParser;
+    return differenceOf(read(document, true), read(document, false));
 }
 
 } // namespace opc::test

@@ -18,11 +18,7 @@ bool SignatureComparison::isRecognised(const Bytes& document) {
 }
 
 std::string SignatureComparison::findDifference(const Bytes& document) {
-    if (!isRecognised(document))
-        return {};
-    const std::string withScanner = read(document, true);
-    const std::string withParser = read(document, false);
-    return withScanner == withParser ? std::string() : withScanner + "\nagainst\n" + withParser;
+    return isRecognised(document) ? differenceOf(read(document, true), read(document, false)) : std::string();
 }
 
 std::string SignatureComparison::read(const Bytes& document, bool scanning) {
