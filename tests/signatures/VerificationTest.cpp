@@ -48,6 +48,7 @@ TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
          "<cp:keywords xml:lang=\"en\">l</cp:keywords>", 101},
         {CORE_PROPERTIES, "<cp:keywords/>", "", 101},
         {CORE_PROPERTIES, "<cp:keywords>k", "<cp:keywords>l", 101},
+        {CORE_PROPERTIES, "</cp:keywords><cp:keywords>k", "</cp:keywords><cp:keywords>l", 101},
         {u"/a.xml", k, l, 101},
     };
     close(true);
