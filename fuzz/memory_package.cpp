@@ -1,7 +1,12 @@
 #include "FuzzTarget.hpp"
 
+#include "package/ContentTypeMap.hpp"
+#include "package/ContentTypeSerializer.hpp"
+#include "relationships/RelationshipManager.hpp"
+#include "relationships/RelationshipSerializer.hpp"
 #include "support/PackageContent.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
@@ -14,6 +19,7 @@
 #include <opc/physical/MemoryPackage.hpp>
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <string_view>
 
@@ -91,6 +97,39 @@ Lines contentOf(const Package& package) {
     return lines;
 }
 
+using Documents = std::map<std::u16string, Bytes>;
+
+/// The documents of the model that hold elements which it doesn't read. The content types stream has no name.
+Documents unreadDocuments(const physical::MemoryPackage& store) {
+    static RelationshipSerializer serializer;
+    Documents documents;
+    ContentTypeMap types;
+    const Bytes stream = store.contentTypes();
+    ByteArrayInAdaptor typesStream(stream);
+    ContentTypeSerializer().read(types, typesStream);
+    if (types.countUnread() > 0)
+        documents.emplace(u"", stream);
+    for (const std::u16string& name : store.partNames()) {
+        if (!PartName(name).isRelationshipName())
+            continue;
+        const Bytes bytes = store.partBytes(name);
+        ByteArrayInAdaptor part(bytes);
+        RelationshipManager relationships(URI(u"/source"));
+        relationships.read(part, serializer);
+        if (relationships.countUnread() > 0)
+            documents.emplace(name, bytes);
+    }
+    return documents;
+}
+
+/// They stay as they were, or go with their sources.
+void checkUnread(const physical::MemoryPackage& store, const Documents& documents) {
+    for (const auto& [name, bytes] : documents)
+        require(name.empty() ? store.contentTypes() == bytes
+                             : !store.hasPart(name) || store.partBytes(name) == bytes,
+                "what wasn't read isn't written over");
+}
+
 void lookAtSignatures(Package& package, DigitalSignatureManager& signatures) {
     attempt<InvalidSignature, std::invalid_argument, std::out_of_range>([&] {
         for (const DigitalSignature& signature : signatures.getSignatures()) {
@@ -102,13 +141,14 @@ void lookAtSignatures(Package& package, DigitalSignatureManager& signatures) {
 }
 
 void change(Package& package, RelationshipSource& source) {
-    attempt<RelationshipAlreadyExists>(
+    attempt<RelationshipAlreadyExists, InvalidRelationshipContent, InvalidContentTypeStream>(
         [&] { source.createExternalRelationship(u"urn:fuzz", u"http://example.com/a b", u"fuzzed"); });
-    attempt<InvalidRelationshipTarget, UnsupportedRelativize>(
-        [&] { source.createInternalRelationship(u"urn:fuzz", URI(NEW_PART)); });
+    attempt<InvalidRelationshipTarget, UnsupportedRelativize, InvalidRelationshipContent,
+            InvalidContentTypeStream>([&] { source.createInternalRelationship(u"urn:fuzz", URI(NEW_PART)); });
     const auto relationships = source.getRelationships();
     if (relationships.size() > 2 && package.getParts().size() % 2 == 0)
-        source.deleteRelationship(relationships.begin()->getID());
+        attempt<InvalidRelationshipContent, InvalidContentTypeStream>(
+            [&] { source.deleteRelationship(relationships.begin()->getID()); });
 }
 
 /// Compiling the schemas takes longer than all the rest: only where there are core properties, or few parts.
@@ -121,12 +161,13 @@ void changeCoreProperties(Package& package) {
     attempt<InvalidPartContent, PartNotFound, InvalidPartName, InvalidURI>(
         [&] { properties = PackageHelper::getCoreProperties(package); });
     properties.setTitle(u"title");
-    attempt<PartAlreadyExists, PartIsDerivedFromExistingPartName, PartNotFound, InvalidPartName, InvalidURI>(
+    attempt<PartAlreadyExists, PartIsDerivedFromExistingPartName, PartNotFound, InvalidPartName, InvalidURI,
+            InvalidRelationshipContent, InvalidContentTypeStream>(
         [&] { PackageHelper::createOrUpdateCoreProperties(package, properties); });
 }
 
 void change(Package& package) {
-    attempt<PartAlreadyExists, PartIsDerivedFromExistingPartName>([&] {
+    attempt<PartAlreadyExists, PartIsDerivedFromExistingPartName, InvalidContentTypeStream>([&] {
         const Part part = package.createPart(PartName(NEW_PART), ContentType(u"a/b;c=d"), StandardPartInfo());
         opc::test::writeAll(part, "content");
     });
@@ -136,7 +177,7 @@ void change(Package& package) {
     changeCoreProperties(package);
     const auto parts = package.getParts();
     if (parts.size() > 3)
-        package.deletePart(parts.begin()->getName());
+        attempt<InvalidContentTypeStream>([&] { package.deletePart(parts.begin()->getName()); });
 }
 
 } // namespace
@@ -157,10 +198,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Lines found = contentOf(package);
     if (signatures)
         lookAtSignatures(package, *signatures);
+    package.close(true);
+    const Documents unread = isNamed("xmlns:", data, size) ? unreadDocuments(store) : Documents();
+    require(open(package, OpenMode::ReadWrite), "what was opened can be opened again");
     change(package);
     const Lines changed = contentOf(package);
     const bool abandoned = size % 4 == 0;
     package.close(abandoned);
+    checkUnread(store, unread);
     require(open(package, OpenMode::ReadOnly), "what was written can be opened");
     const Lines again = contentOf(package);
     const Lines& expected = abandoned ? found : changed;

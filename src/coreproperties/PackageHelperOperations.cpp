@@ -30,13 +30,6 @@ Part createCoreProperties(Package& package) {
     return part;
 }
 
-void deleteWithTargets(Package& package, RelationshipSource& source, const std::u16string& type) {
-    for (const Relationship& relationship : source.getRelationshipsByType(type)) {
-        source.deleteRelationship(relationship.getID());
-        package.deletePart(PartName(relationship.getTargetURI()));
-    }
-}
-
 } // namespace
 
 CoreProperties PackageHelper::getCoreProperties(const Package& package) {
@@ -54,6 +47,10 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
 
 void PackageHelper::createOrUpdateCoreProperties(Package& package, const CoreProperties& properties) {
     const Relationships relationships = findCoreProperties(package);
+    if (relationships.empty()) { // the relationship comes behind the part: it must not fail
+        package.throwIfReadOnly();
+        package.throwIfRelationshipsFixed();
+    }
     const Part part =
         relationships.empty() ? createCoreProperties(package) : getTarget(package, relationships);
     CorePropertiesSerializer serializer([&package] { package.keepXerces(); });
@@ -62,6 +59,20 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
 
 void PackageHelper::deleteCoreProperties(Package& package) {
     deleteRelationshipsAndTargets(package, getCorePropertiesRelationshipType());
+}
+
+void PackageHelper::deleteWithTargets(Package& package, RelationshipSource& source,
+                                      const std::u16string& type) {
+    const Relationships relationships = source.getRelationshipsByType(type);
+    if (relationships.empty())
+        return;
+    package.throwIfReadOnly();
+    package.throwIfCreateOnly();
+    package.throwIfContentTypesFixed(); // before the first relationship goes without its target
+    for (const Relationship& relationship : relationships) {
+        source.deleteRelationship(relationship.getID());
+        package.deletePart(PartName(relationship.getTargetURI()));
+    }
 }
 
 void PackageHelper::deleteRelationshipsAndTargets(Package& package, const std::u16string& type) {

@@ -5,6 +5,7 @@ namespace opc::model {
 void ContentTypeMap::clear() {
     defaults.clear();
     overrides.clear();
+    unread = 0;
     dirty = true;
 }
 

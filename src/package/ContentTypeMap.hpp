@@ -3,6 +3,7 @@
 #include <opc/model/ContentType.hpp>
 #include <opc/model/PartName.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -26,6 +27,10 @@ public:
     bool isDirty() const noexcept { return dirty; }
     void setDirty(bool value) noexcept { dirty = value; }
     void clear();
+
+    /// How many elements of the stream aren't among these entries.
+    std::size_t countUnread() const noexcept { return unread; }
+    void setUnread(std::size_t count) noexcept { unread = count; }
 
     /// An entry that is there already stays as it is.
     void addDefault(const std::u16string& extension, const ContentType& contentType);
@@ -54,6 +59,7 @@ public:
 
 private:
     bool dirty = true;
+    std::size_t unread = 0;
     Defaults defaults;
     Overrides overrides;
 };

@@ -8,6 +8,7 @@
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
+#include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -112,12 +113,15 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) cons
     }
     ContentTypeReader types;
     const xercesc::DOMElement* root = document->getDocumentElement();
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, names.defaultName))
+    const auto defaults = XercesHelper::getElements(root, names.defaultName);
+    for (const xercesc::DOMElement* element : defaults)
         addDefault(map, readAttribute(element, names.extensionName),
                    readAttribute(element, names.contentTypeName), types);
-    for (const xercesc::DOMElement* element : XercesHelper::getElements(root, names.overrideName))
+    const auto overrides = XercesHelper::getElements(root, names.overrideName);
+    for (const xercesc::DOMElement* element : overrides)
         addOverride(map, readAttribute(element, names.partNameName),
                     readAttribute(element, names.contentTypeName), types);
+    map.setUnread(countUnread(root, names.namespaceURI, names.typesName, defaults.size() + overrides.size()));
 }
 
 void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {

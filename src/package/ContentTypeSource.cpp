@@ -2,6 +2,7 @@
 
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypeSerializer.hpp"
+#include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
@@ -12,6 +13,8 @@
 namespace opc::model {
 
 namespace {
+
+constexpr char IN_STREAM[] = "In content type stream: ";
 
 [[noreturn]] void throwNotFound(const PartName& name) {
     throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
@@ -38,6 +41,11 @@ void ContentTypeSource::read() {
     } catch (const InvalidPartContent& e) {
         throw InvalidContentTypeStream(e.what());
     }
+}
+
+void ContentTypeSource::throwIfFixed() const {
+    if (hasStream && contentTypes->countUnread() > 0)
+        throw InvalidContentTypeStream(IN_STREAM + describeUnread(contentTypes->countUnread()));
 }
 
 std::u16string ContentTypeSource::extensionKey(const PartName& name) {
@@ -92,7 +100,7 @@ void ContentTypeSource::flush() {
         contentTypes->setDirty(false);
         stream.close();
     } catch (const InvalidPartContent& e) {
-        throw InvalidContentTypeStream(std::string("In content type stream: ") + e.what());
+        throw InvalidContentTypeStream(std::string(IN_STREAM) + e.what());
     }
 }
 

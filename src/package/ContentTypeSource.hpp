@@ -29,6 +29,10 @@ public:
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;
     ~ContentTypeSource();
 
+    /// Asked before anything is changed that the stream would have to be written for.
+    /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
+    void throwIfFixed() const;
+
     /// Enters a new part: the first part of an extension sets its `Default`, and one of another type gets an
     /// `Override`.
     void addContentType(const PartName& name, const ContentType& contentType);

@@ -49,6 +49,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
 
 interfaces::IPhysicalPart* Package::createPartInternal(const PartName& name, const ContentType& contentType,
                                                        const interfaces::IPhysicalPartInfo& partInfo) {
+    throwIfContentTypesFixed();
     interfaces::IPhysicalPart* physicalPart = nullptr;
     try {
         physicalPart = physicalPackage.createPart(name.toString(), contentType.toString(), partInfo);
@@ -67,6 +68,7 @@ void Package::deletePart(const PartName& name) {
     const auto entry = parts.find(name);
     if (entry == parts.end())
         throwPartNotFound(name);
+    throwIfContentTypesFixed();
     Part part = entry->second;
     std::u16string key = prefixKey(name);
 
@@ -142,6 +144,10 @@ Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
             kept.push_back(part);
     }
     return Enumerator<std::vector<Part>>(std::move(kept));
+}
+
+void Package::throwIfContentTypesFixed() const {
+    contentTypeSource->throwIfFixed();
 }
 
 void Package::throwIfRelationshipName(const PartName& name) const {

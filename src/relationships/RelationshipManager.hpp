@@ -36,7 +36,12 @@ public:
     void clear() noexcept {
         group.reset();
         relationships.clear();
+        unread = 0;
     }
+
+    /// How many elements of the relationships part aren't among these relationships.
+    std::size_t countUnread() const noexcept { return unread; }
+    void setUnread(std::size_t count) noexcept { unread = count; }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }
@@ -101,6 +106,7 @@ private:
     void unpack();
 
     bool dirty = true;
+    std::size_t unread = 0;
     URI sourceURI;
     std::shared_ptr<const RelationshipGroup> group; // if it isn't null, it has all relationships
     std::set<SharedValues, ByID> relationships;

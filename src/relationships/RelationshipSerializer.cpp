@@ -9,6 +9,7 @@
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
+#include "xml/UnreadElements.hpp"
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesDeleter.hpp>
@@ -137,10 +138,12 @@ void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& man
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
-    for (const xercesc::DOMElement* element :
-         XercesHelper::getElements(document->getDocumentElement(), names.relationshipName))
+    const xercesc::DOMElement* root = document->getDocumentElement();
+    const auto elements = XercesHelper::getElements(root, names.relationshipName);
+    for (const xercesc::DOMElement* element : elements)
         add(readAttribute(element, names.idName), readAttribute(element, names.typeName),
             readAttribute(element, names.targetName), readAttribute(element, names.targetModeName), manager);
+    manager.setUnread(countUnread(root, names.namespaceURI, names.relationshipsName, elements.size()));
 }
 
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {

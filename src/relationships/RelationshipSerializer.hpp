@@ -28,7 +28,7 @@ public:
     ~RelationshipSerializer();
 
     /// Fills `manager`, which is empty, with the relationships of the document; those in front of a bad one are
-    /// there by then.
+    /// there by then. Tells it as well how many elements weren't read.
     /// @throws InvalidPartContent
     void read(InputStream& stream, RelationshipManager& manager);
 

@@ -3,6 +3,7 @@
 #include "relationships/RelationshipID.hpp"
 #include "relationships/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipTarget.hpp"
+#include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
@@ -29,6 +30,7 @@ RelationshipSource::~RelationshipSource() = default;
 Relationship RelationshipSource::createInternalRelationship(const std::u16string& type, const URI& target,
                                                             const std::u16string& id) {
     throwIfNotWritable();
+    throwIfRelationshipsFixed();
     if (target.isAbsolute())
         throw InvalidRelationshipTarget(
             "Relationship target cannot be an absolute URI for an internal relationship");
@@ -54,6 +56,7 @@ Relationship RelationshipSource::createExternalRelationship(const std::u16string
                                                             const std::u16string& target,
                                                             const std::u16string& id) {
     throwIfNotWritable();
+    throwIfRelationshipsFixed();
     if (!isValidTarget(target))
         throw InvalidRelationshipTarget("External relationship target is not a valid xsd::anyURI. See "
                                         "http://www.w3.org/TR/leiri/.");
@@ -120,8 +123,11 @@ void RelationshipSource::createRelationshipPart() {
 void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfNotWritable();
     throwIfCreateOnly();
-    impl->manager.deleteRelationship(id);
+    throwIfRelationshipsFixed();
     const interfaces::IPhysicalPart* part = impl->relationshipsPart;
+    if (part != nullptr && impl->manager.hasOne() && impl->manager.hasRelationship(id))
+        getPackage().throwIfContentTypesFixed(); // the part goes with its last relationship
+    impl->manager.deleteRelationship(id);
     if (!impl->manager.isEmpty() || part == nullptr)
         return;
     setPhysicalRelationshipPart(nullptr, false);
@@ -202,8 +208,21 @@ void RelationshipSource::forgetPhysicalRelationshipPart() {
 }
 
 void RelationshipSource::restoreRelationshipPart() {
-    if (impl->relationshipsPart == nullptr && !impl->manager.isEmpty())
+    if (impl->relationshipsPart != nullptr)
+        return;
+    throwIfRelationshipsFixed(); // what wasn't read can't be made anew
+    if (!impl->manager.isEmpty())
         createRelationshipPart();
+}
+
+void RelationshipSource::throwIfRelationshipsFixed() const {
+    const std::size_t unread = impl->manager.countUnread();
+    if (unread == 0)
+        return;
+    const interfaces::IPhysicalPart* part = impl->relationshipsPart;
+    const std::u16string name =
+        part != nullptr ? part->getName() : PartName(impl->manager.getSourceURI()).getRelationshipPartName();
+    throw InvalidRelationshipContent("In " + toASCIIString(name) + ": " + describeUnread(unread));
 }
 
 void RelationshipSource::throwIfInvalid() const {

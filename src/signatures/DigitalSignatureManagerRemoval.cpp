@@ -47,8 +47,11 @@ void DigitalSignatureManager::deleteSignaturePart(const PartName& partName) {
         URI originURI;
         std::u16string originRelationshipID;
         Part origin = getSignatureOriginPart(originURI, originRelationshipID);
-        for (const Relationship& relationship :
-             origin.getRelationshipsByType(getSignatureRelationshipType())) {
+        const auto signatures = origin.getRelationshipsByType(getSignatureRelationshipType());
+        getPackage().throwIfContentTypesFixed();
+        if (signatures.size() == 1) // the origin part goes as well
+            getPackage().throwIfRelationshipsFixed();
+        for (const Relationship& relationship : signatures) {
             if (relationship.getTargetURI() != partName.getURI())
                 continue;
             origin.deleteRelationship(relationship.getID());

@@ -202,7 +202,15 @@ std::u16string DigitalSignatureManager::takeSignatureID(bool countersign) {
 DigitalSignature DigitalSignatureManager::addSignature(std::shared_ptr<DigitalSignatureData> data) {
     const DigitalSignature signature(std::move(data));
     m_signatures.push_back(signature);
-    saveSignaturePart(signature);
+    try {
+        saveSignaturePart(signature);
+    } catch (const InvalidRelationshipContent&) { // the package refuses it: nothing has been made
+        m_signatures.pop_back();
+        throw;
+    } catch (const InvalidContentTypeStream&) { // the same
+        m_signatures.pop_back();
+        throw;
+    }
     return signature;
 }
 
@@ -212,6 +220,7 @@ void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signatur
         throw CouldNotGenerateSignature(
             "Internal Error: New signature should not have the same name as an existing one.");
     Part origin = createOrFetchOriginPart();
+    origin.throwIfRelationshipsFixed();
     try {
         const Part part = getPackage().createPart(name, getSignaturePartContentType(), StandardPartInfo());
         const DigitalSignatureData& data = *signature.getImpl();
@@ -228,6 +237,7 @@ Part DigitalSignatureManager::createOrFetchOriginPart() {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (!origins.empty())
             return getPackage().getPart(PartName(origins.begin()->getTargetURI()));
+        getPackage().throwIfRelationshipsFixed();
         const URI uri = getOriginPartURI();
         Part origin = getPackage().createPart(PartName(uri), getOriginPartContentType(), StandardPartInfo());
         getPackage().createInternalRelationship(getOriginRelationshipType(), uri);

@@ -112,10 +112,35 @@ TEST_F(RelationshipsDocument, readsWhatCreationWouldRefuse) {
     EXPECT_FALSE(manager.isDirty());
 }
 
-TEST_F(RelationshipsDocument, aNamespacePrefixHidesTheElements) {
-    read(toBytes(R"(<r:Relationships xmlns:r="http://schemas.openxmlformats.org/package/2006/relationships">)"
-                 R"(<r:Relationship Id="r" Type="t:t" Target="x"/></r:Relationships>)"));
-    EXPECT_TRUE(manager.isEmpty());
+TEST_F(RelationshipsDocument, elementsThatAreNotReadAreCounted) {
+    const std::string uri = R"("http://schemas.openxmlformats.org/package/2006/relationships")";
+    const std::string attributes = R"( Type="t:t" Target="x")";
+    const std::string prefixed = "<r:Relationship Id='p'" + attributes + "/>";
+    const std::string unprefixed = "<Relationship Id='u'" + attributes + "/>";
+    const std::string own = "<o:Relationship xmlns:o=" + uri + " Id='o'" + attributes + "/>";
+    const std::string both = "<Relationships xmlns=" + uri + " xmlns:r=" + uri + ">";
+    const std::string onRoot = "<r:Relationships xmlns:r=" + uri + ">";
+    struct Case {
+        std::string document;
+        std::size_t read;
+        std::size_t unread;
+    };
+    const Case cases[] = {
+        {onRoot + "</r:Relationships>", 0, 0},
+        {onRoot + prefixed + own + "</r:Relationships>", 0, 2},
+        {onRoot + "<Relationship xmlns=" + uri + " Id='u'" + attributes + "/></r:Relationships>", 1, 0},
+        {both + unprefixed + "<!-- c -->" + prefixed + "</Relationships>", 1, 1},
+        {both + unprefixed + own + "</Relationships>", 1, 1},
+        {"<Relationship xmlns=" + uri + " Id='u'" + attributes + "/>", 0, 1},
+        {toText(relationships(unprefixed + "<Relationship Id='v'" + attributes + ">text</Relationship>")), 2,
+         0},
+        {toText(relationships(unprefixed)), 1, 0},
+    };
+    for (const Case& each : cases) {
+        read(toBytes(each.document));
+        EXPECT_EQ(manager.getRelationships({}).size(), each.read) << each.document;
+        EXPECT_EQ(manager.countUnread(), each.unread) << each.document;
+    }
 }
 
 TEST_F(RelationshipsDocument, isWrittenInTheOrderOfIDs) {

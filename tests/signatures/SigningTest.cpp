@@ -209,4 +209,47 @@ TEST_F(Signing, removalCleansUpBehindTheLastSignature) {
     EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig1");
 }
 
+TEST_F(Signing, changesNothingWhereADocumentWouldLoseElements) {
+    const std::string relationship =
+        "<p:Relationship Id='x' Type='urn:x' Target='/a.xml' "
+        "xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships'/></Relationships>";
+    const std::string entry =
+        "<p:Override PartName='/b.xml' ContentType='a/b' "
+        "xmlns:p='http://schemas.openxmlformats.org/package/2006/content-types'/></Types>";
+    signPart(u"/a.xml");
+    close(false);
+    struct Case {
+        const char16_t* name; ///< of the document; empty for the content types stream
+        std::string end;
+        bool allowsMoreSignatures;
+    };
+    const Case cases[] = {{u"/_rels/.rels", relationship, true},
+                          {u"/_xmlsignatures/_rels/origin.sigs.rels", relationship, false},
+                          {u"", entry, false}};
+    for (const auto& [name, end, allowsMoreSignatures] : cases) {
+        const bool isStream = name[0] == 0;
+        const Bytes before = isStream ? store.contentTypes() : store.partBytes(name);
+        const Bytes unread = toBytes(replaced(toText(before), end.substr(end.find("</")), end));
+        isStream ? store.setContentTypes(unread) : store.setPart(name, unread);
+        open();
+        const std::size_t parts = package->getParts().size();
+        EXPECT_THROW(manager->removeAllSignatures(), CouldNotRemoveSignature) << end;
+        if (!allowsMoreSignatures) {
+            EXPECT_THROW(signPart(u"/b.xml"), CouldNotGenerateSignature) << end;
+        }
+        EXPECT_EQ(manager->getSignatures().size(), 1U);
+        EXPECT_EQ(package->getParts().size(), parts);
+        close(false);
+        EXPECT_EQ(isStream ? store.contentTypes() : store.partBytes(name), unread);
+        isStream ? store.setContentTypes(before) : store.setPart(name, before);
+    }
+    removeSignatureParts();
+    store.setPart(u"/_rels/.rels",
+                  toBytes(replaced(toText(relationships("")), "</Relationships>", relationship)));
+    open();
+    EXPECT_THROW(signPart(u"/b.xml"), CouldNotGenerateSignature) << "the origin part needs a relationship";
+    EXPECT_FALSE(package->hasPart(PartName(ORIGIN)));
+    EXPECT_FALSE(manager->isPackageSigned());
+}
+
 } // namespace

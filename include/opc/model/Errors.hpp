@@ -77,7 +77,7 @@ public:
     ~InvalidContentTypeParameter() override;
 };
 
-/// The content types stream can't be read or written.
+/// The content types stream can't be read or written, or would lose elements that weren't read.
 class OPC_MODEL_EXPORT InvalidContentTypeStream : public Exception {
 public:
     explicit InvalidContentTypeStream(const std::string& message) : Exception(message) {}
@@ -131,7 +131,7 @@ public:
     ~InvalidPartStream() override;
 };
 
-/// A relationships part can't be read.
+/// A relationships part can't be read, or would lose elements that weren't read.
 class OPC_MODEL_EXPORT InvalidRelationshipContent : public Exception {
 public:
     explicit InvalidRelationshipContent(const std::string& message) : Exception(message) {}

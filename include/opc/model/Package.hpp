@@ -79,6 +79,8 @@ public:
     /// @throws PackagePermissionDenied  the physical layer is denied permission
     /// @throws PackageCloseFailed       the physical layer fails otherwise; `code()` tells the cause
     /// @throws InvalidContentTypeStream, InvalidPartContent  a document can't be written
+    /// @throws InvalidRelationshipContent  a part that couldn't be deleted has lost relationships that
+    ///                                     weren't read: delete it again, or abandon the package
     /// @throws opc::Exception       a stream fails; or whatever a data manager raises
     void close(bool abandon);
 
@@ -89,11 +91,14 @@ public:
     /// @param partInfo     for the physical layer; `StandardPartInfo` in the ordinary case
     /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
     ///         PartIsDerivedFromExistingPartName, PartCreateFailed
+    /// @throws InvalidContentTypeStream  the content types stream holds elements that weren't read, as they
+    ///                                   have a namespace prefix, and would lose them. Nothing has changed
     Part createPart(const PartName& name, const ContentType& contentType,
                     const interfaces::IPhysicalPartInfo& partInfo);
 
     /// Deletes a part with its relationships. Relationships of others that lead to it stay.
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly, PartNotFound
+    /// @throws InvalidContentTypeStream  as `createPart`
     /// @throws PartDeleteFailed  the physical layer fails. The part stays, even if its content or its
     ///                           relationships part has gone: delete it again, or abandon the package
     void deletePart(const PartName& name);
@@ -126,6 +131,7 @@ protected:
 
 private:
     friend class DataManager;
+    friend class DigitalSignatureManager;
     friend class PackageHelper;
     friend class RelationshipSource;
 
@@ -170,6 +176,9 @@ private:
     RelationshipSerializer& getRelationshipSerializer() const { return *relationshipSerializer; }
     interfaces::IPhysicalPackage& getPackageImpl() const { return physicalPackage; }
 
+    /// Asked before the first of changes that belong together.
+    /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
+    void throwIfContentTypesFixed() const;
     void throwIfRelationshipName(const PartName& name) const;
     void throwIfDerivedFromExistingPartName(const PartName& name) const;
     void throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const;

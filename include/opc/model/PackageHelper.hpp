@@ -11,6 +11,7 @@ namespace opc::model {
 class CoreProperties;
 class Package;
 class Part;
+class RelationshipSource;
 
 /// What the Open Packaging Conventions fix for every package, and operations on packages that rest on it.
 ///
@@ -60,6 +61,8 @@ public:
     /// Call it once while the package is open. The part's output stream is asked for once and never closed,
     /// so that a second document lands behind the first one.
     /// @throws PackageNotOpen, PackageReadOnly
+    /// @throws InvalidRelationshipContent, InvalidContentTypeStream  a document that would have to take up the
+    ///                             new part holds elements that weren't read. Nothing has changed
     /// @throws PartAlreadyExists   a part of that name exists, but no relationship leads to it
     /// @throws InvalidPartContent  a text holds what XML can't hold. The part is empty by then: abandon the
     ///                             package, or write again
@@ -76,6 +79,8 @@ public:
     /// Deletes each relationship of `type` that the package has, and the part that it leads to. A failure
     /// stops there: what stood before it is gone, and so is the relationship whose target fails.
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
+    /// @throws InvalidRelationshipContent, InvalidContentTypeStream  the relationships part or the content types
+    ///                       stream holds elements that weren't read. Nothing has changed
     /// @throws PartNotFound  a target is no part of the package, or another relationship led to it as well
     /// @throws InvalidPartName, and what `Relationship::getTargetURI` raises: a target lies outside
     static void deleteRelationshipsAndTargets(Package& package, const std::u16string& type);
@@ -83,6 +88,9 @@ public:
     /// The same for the relationships of `part`.
     /// @throws InvalidObject  the part has gone
     static void deleteRelationshipsAndTargets(Package& package, Part& part, const std::u16string& type);
+
+private:
+    static void deleteWithTargets(Package& package, RelationshipSource& source, const std::u16string& type);
 };
 
 } // namespace opc::model

@@ -46,6 +46,7 @@ public:
     OutputStream& getOutputStream() const;
 
 private:
+    friend class DigitalSignatureManager;
     friend class Package;
     struct Impl;
 

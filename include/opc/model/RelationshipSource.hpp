@@ -24,6 +24,12 @@ class Package;
 /// writes it when it is closed. Copies of a `Part` share one set of relationships. All handles of one package
 /// belong to one thread at a time.
 ///
+/// Relationships are found by the names of their elements without a namespace prefix. A relationships part with
+/// other elements keeps them: the operations that change relationships then raise `InvalidRelationshipContent`,
+/// and so does what changes the content types, a first and a last relationship included, with
+/// `InvalidContentTypeStream` where it is the content types stream that has such elements. Nothing has changed
+/// then. `opc::physical::LenientPackage` makes these elements readable.
+///
 /// Each operation below raises `InvalidObject` if the part has gone, and then `PackageNotOpen` if the package
 /// isn't open; what changes relationships then raises `PackageReadOnly` in a package opened to read.
 class OPC_MODEL_EXPORT RelationshipSource {
@@ -111,7 +117,12 @@ protected:
     void forgetPhysicalRelationshipPart();
 
     /// Makes a new relationships part if the one that these relationships had has been deleted.
+    /// @throws InvalidRelationshipContent  that one held elements that weren't read
     void restoreRelationshipPart();
+
+    /// @throws InvalidRelationshipContent  the relationships part holds elements that weren't read: it would
+    ///                                     lose them if it were written anew
+    void throwIfRelationshipsFixed() const;
 
     void throwIfInvalid() const;
     void throwIfNotOpen() const;
