@@ -1,5 +1,6 @@
 #include "TestCertificates.hpp"
 
+#include <openssl/conf.h>
 #include <openssl/core_names.h>
 #include <openssl/params.h>
 #include <openssl/rsa.h>
@@ -37,14 +38,16 @@ std::shared_ptr<ASN1_TIME> timeOf(const std::string& text) {
     return time;
 }
 
-void addExtension(X509& certificate, X509& issuer, int name, const std::string& value) {
+/// @tparam Add  adds an extension to a certificate or to a list
+template <auto Add, typename T>
+void addExtension(T& target, X509V3_CTX& context, const std::string& name, const std::string& value) {
     if (value.empty())
         return;
-    X509V3_CTX context;
-    X509V3_set_ctx(&context, &issuer, &certificate, nullptr, nullptr, 0);
+    const std::shared_ptr<CONF> none(require(NCONF_new(nullptr)), NCONF_free); // some kinds look into one
+    X509V3_set_nconf(&context, none.get());
     const std::shared_ptr<X509_EXTENSION> extension(
-        require(X509V3_EXT_conf_nid(nullptr, &context, name, value.c_str())), X509_EXTENSION_free);
-    require(X509_add_ext(&certificate, extension.get(), -1));
+        require(X509V3_EXT_nconf(none.get(), &context, name.c_str(), value.c_str())), X509_EXTENSION_free);
+    require(Add(&target, extension.get(), -1));
 }
 
 template <auto Encode, typename T>
@@ -80,9 +83,14 @@ Identity makeIdentity(const CertificateRecipe& recipe) {
                                        0));
     X509& issuer = recipe.issuer ? *recipe.issuer->content : content;
     require(X509_set_issuer_name(&content, X509_get_subject_name(&issuer)));
-    addExtension(content, issuer, NID_basic_constraints, recipe.basicConstraints);
-    addExtension(content, issuer, NID_key_usage, recipe.keyUsage);
-    addExtension(content, issuer, NID_ext_key_usage, recipe.extendedKeyUsage);
+    X509V3_CTX context;
+    X509V3_set_ctx(&context, &issuer, &content, nullptr, nullptr, 0);
+    Extensions extensions{{"basicConstraints", recipe.basicConstraints},
+                          {"keyUsage", recipe.keyUsage},
+                          {"extendedKeyUsage", recipe.extendedKeyUsage}};
+    extensions.insert(extensions.end(), recipe.furtherExtensions.begin(), recipe.furtherExtensions.end());
+    for (const auto& [extension, value] : extensions)
+        addExtension<X509_add_ext>(content, context, extension, value);
     require(X509_sign(&content, recipe.issuer ? recipe.issuer->key.get() : made.key.get(), recipe.digest));
     made.certificate = bedrock::certificates::X509Certificate(toDer<i2d_X509>(content));
     return made;
@@ -120,8 +128,19 @@ std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, Bytes exponent)
     return {key, EVP_PKEY_free};
 }
 
+std::shared_ptr<EVP_PKEY> makePssKey() {
+    const std::shared_ptr<EVP_PKEY_CTX> context(
+        require(EVP_PKEY_CTX_new_from_name(nullptr, "RSA-PSS", nullptr)), EVP_PKEY_CTX_free);
+    EVP_PKEY* key = nullptr;
+    require(EVP_PKEY_keygen_init(context.get()) == 1);
+    require(EVP_PKEY_CTX_set_rsa_keygen_bits(context.get(), 2048) == 1);
+    require(EVP_PKEY_generate(context.get(), &key) == 1);
+    return {key, EVP_PKEY_free};
+}
+
 Bytes makeRevocationList(const Identity& issuer, const std::vector<const Identity*>& revoked,
-                         const std::string& lastUpdate, const std::string& nextUpdate) {
+                         const std::string& lastUpdate, const std::string& nextUpdate,
+                         const Extensions& extensions, const EVP_MD* digest) {
     const std::shared_ptr<X509_CRL> list(require(X509_CRL_new()), X509_CRL_free);
     require(X509_CRL_set_version(list.get(), X509_CRL_VERSION_2));
     require(X509_CRL_set_issuer_name(list.get(), X509_get_subject_name(issuer.content.get())));
@@ -133,8 +152,12 @@ Bytes makeRevocationList(const Identity& issuer, const std::vector<const Identit
         require(X509_REVOKED_set_revocationDate(entry, timeOf(lastUpdate).get()));
         require(X509_CRL_add0_revoked(list.get(), entry));
     }
+    X509V3_CTX context;
+    X509V3_set_ctx(&context, issuer.content.get(), nullptr, nullptr, list.get(), 0);
+    for (const auto& [name, value] : extensions)
+        addExtension<X509_CRL_add_ext>(*list, context, name, value);
     require(X509_CRL_sort(list.get()));
-    require(X509_CRL_sign(list.get(), issuer.key.get(), EVP_sha256()));
+    require(X509_CRL_sign(list.get(), issuer.key.get(), digest));
     return toDer<i2d_X509_CRL>(*list);
 }
 

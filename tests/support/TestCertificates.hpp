@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace opc::test {
@@ -32,6 +33,9 @@ struct Identity {
     std::vector<unsigned char> getPrivateKey() const;
 };
 
+/// Names and values of extensions in the syntax of OpenSSL's configuration.
+using Extensions = std::vector<std::pair<std::string, std::string>>;
+
 /// What a certificate is made of. Its validity is fixed, so that no test depends on today's date; the default
 /// reaches past every day on which a test might run.
 struct CertificateRecipe {
@@ -41,12 +45,13 @@ struct CertificateRecipe {
     std::shared_ptr<EVP_PKEY> key;    ///< taken as it is, if there
     std::string notBefore = "20000101000000Z";
     std::string notAfter = "99991231235959Z";
-    /// The extensions in the syntax of OpenSSL's configuration; an empty text leaves one out.
+    /// The extensions as in `Extensions`; an empty text leaves one out.
     /// @{
     std::string basicConstraints;
     std::string keyUsage;
     std::string extendedKeyUsage;
     /// @}
+    Extensions furtherExtensions;
     const EVP_MD* digest = EVP_sha256();
 };
 
@@ -63,9 +68,14 @@ Identity makeIssuer(const std::string& subject, const Identity* issuer = nullptr
 /// @param exponent  in the order of bytes of the machine
 std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, std::vector<unsigned char> exponent);
 
+/// A key of 2048 bits that is kept to RSA-PSS.
+std::shared_ptr<EVP_PKEY> makePssKey();
+
 /// A revocation list in DER, which names these certificates.
 std::vector<unsigned char> makeRevocationList(const Identity& issuer,
                                               const std::vector<const Identity*>& revoked,
-                                              const std::string& lastUpdate, const std::string& nextUpdate);
+                                              const std::string& lastUpdate, const std::string& nextUpdate,
+                                              const Extensions& extensions = {},
+                                              const EVP_MD* digest = EVP_sha256());
 
 } // namespace opc::test

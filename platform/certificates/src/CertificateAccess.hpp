@@ -40,6 +40,9 @@ struct RevocationList {
     openssl::CrlPtr list;
 };
 
+/// A name as one line of UTF-8, in the manner of RFC 2253.
+std::string toText(const X509_NAME& name);
+
 } // namespace detail
 
 } // namespace bedrock::certificates

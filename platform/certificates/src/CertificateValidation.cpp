@@ -1,4 +1,7 @@
 #include "CertificateAccess.hpp"
+#include "KeyUsages.hpp"
+#include "Revocation.hpp"
+#include "Strength.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
@@ -12,15 +15,10 @@ namespace bedrock::certificates {
 namespace {
 
 using detail::CertificateAccess;
+using detail::CoveringLists;
 using Status = CertificateChainStatus;
 
-constexpr int MinimalSecurityBits = 112; // NIST SP 800-57 part 1: what is less is for old documents only
-
-struct UsagesDeleter {
-    void operator()(EXTENDED_KEY_USAGE* usages) const noexcept {
-        sk_ASN1_OBJECT_pop_free(usages, ASN1_OBJECT_free);
-    }
-};
+constexpr int MaximalAlternatives = 20; // each costs as much as the first attempt
 
 Status statusOf(int error) {
     switch (error) {
@@ -62,24 +60,8 @@ Status statusOf(int error) {
     }
 }
 
-/// A list that is newer than the time of the check knows more, not less; and only the validated certificate
-/// itself must be covered, by a list that hasn't run out.
-int judgeRevocation(int ok, X509_STORE_CTX* context) {
-    if (ok)
-        return ok;
-    const int error = X509_STORE_CTX_get_error(context);
-    const bool isUncovered = error == X509_V_ERR_UNABLE_TO_GET_CRL ||
-                             error == X509_V_ERR_UNABLE_TO_GET_CRL_ISSUER ||
-                             error == X509_V_ERR_CRL_HAS_EXPIRED;
-    if (error == X509_V_ERR_CRL_NOT_YET_VALID ||
-        (isUncovered && X509_STORE_CTX_get_error_depth(context) > 0)) {
-        X509_STORE_CTX_set_error(context, X509_V_OK);
-        return 1;
-    }
-    return 0;
-}
-
-openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValidationOptions& options) {
+openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValidationOptions& options,
+                            CoveringLists lists) {
     openssl::StorePtr store = openssl::made(openssl::StorePtr(X509_STORE_new()));
     for (const X509Certificate& certificate : trustStore.getCertificates()) {
         if (!X509_STORE_add_cert(store.get(), &CertificateAccess::get(certificate)))
@@ -87,19 +69,19 @@ openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValid
     }
     if (trustStore.getSystemUsage() && !X509_STORE_set_default_paths(store.get()))
         openssl::fail<CertificateException>("The system's certificates can't be used.");
-    for (const auto& list : options.getRevocationLists()) {
-        if (!X509_STORE_add_crl(store.get(), list->list.get()))
-            openssl::fail<CertificateException>("A revocation list can't be used.");
-    }
+    addRevocationLists(*store, options, lists);
     return store;
 }
 
 void setParameters(X509_VERIFY_PARAM& parameters, const TrustStore& trustStore,
                    const CertificateValidationOptions& options) {
-    unsigned long flags = X509_V_FLAG_PARTIAL_CHAIN;
+    unsigned long flags = X509_V_FLAG_PARTIAL_CHAIN | X509_V_FLAG_POLICY_CHECK;
     if (options.isUsingRevocationLists())
         flags |= X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
     X509_VERIFY_PARAM_set_flags(&parameters, flags);
+    // Without an initial set OpenSSL takes an empty one for it, not any policy.
+    if (!X509_VERIFY_PARAM_add0_policy(&parameters, OBJ_nid2obj(NID_any_policy)))
+        throw std::bad_alloc();
     X509_VERIFY_PARAM_set_auth_level(&parameters, 0); // strength is judged here, key and digest apart
     if (trustStore.getSystemUsage() == TrustStore::Usage::Signing)
         X509_VERIFY_PARAM_set_trust(&parameters, X509_TRUST_OBJECT_SIGN);
@@ -107,87 +89,136 @@ void setParameters(X509_VERIFY_PARAM& parameters, const TrustStore& trustStore,
         X509_VERIFY_PARAM_set_time(&parameters, std::chrono::system_clock::to_time_t(*time));
 }
 
-bool isIrrelevantForSigning(int usage) {
-    constexpr int irrelevant[] = {NID_server_auth, NID_client_auth, NID_time_stamp, NID_OCSP_sign};
-    return std::find(std::begin(irrelevant), std::end(irrelevant), usage) != std::end(irrelevant);
-}
-
-bool isThereForSigning(const X509Certificate& certificate) {
-    if (!certificate.isValidForDigitalSigning())
-        return false;
-    X509& content = CertificateAccess::get(certificate);
-    const std::unique_ptr<EXTENDED_KEY_USAGE, UsagesDeleter> usages(
-        static_cast<EXTENDED_KEY_USAGE*>(X509_get_ext_d2i(&content, NID_ext_key_usage, nullptr, nullptr)));
-    if (!usages) // not there; what can't be read has failed already
-        return true;
-    for (int index = 0; index < sk_ASN1_OBJECT_num(usages.get()); ++index) {
-        if (!isIrrelevantForSigning(OBJ_obj2nid(sk_ASN1_OBJECT_value(usages.get(), index))))
-            return true;
-    }
-    return false;
-}
-
-bool isKeyWeak(const X509& certificate) {
-    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
-    return !key || EVP_PKEY_get_security_bits(key) < MinimalSecurityBits;
-}
-
-bool isDigestWeak(X509& certificate) {
-    int securityBits = 0;
-    return !X509_get_signature_info(&certificate, nullptr, nullptr, &securityBits, nullptr) ||
-           securityBits < MinimalSecurityBits;
-}
-
 CertificateValidationResults refusal(Status status, const std::string& reason, X509* certificate) {
-    std::string text = reason;
-    if (certificate && X509_up_ref(certificate))
-        text += ": " + CertificateAccess::make(openssl::X509Ptr(certificate)).getSubject();
-    return {status, text};
+    return {status,
+            certificate ? reason + ": " + detail::toText(*X509_get_subject_name(certificate)) : reason};
 }
 
-/// Whether a list that the issuer signed names the certificate.
-bool isNamed(X509* certificate, X509* issuer, const CertificateValidationOptions& options) {
-    for (const auto& entry : options.getRevocationLists()) {
-        X509_CRL* list = entry->list.get();
-        X509_REVOKED* found = nullptr;
-        if (X509_NAME_cmp(X509_CRL_get_issuer(list), X509_get_issuer_name(certificate)) == 0 &&
-            X509_CRL_get0_by_cert(list, &found, certificate) == 1 &&
-            X509_CRL_verify(list, X509_get0_pubkey(issuer)) == 1)
-            return true;
-    }
-    return false;
+/// What came of one way to build a chain.
+struct Attempt {
+    CertificateValidationResults results;
+    X509* culprit = nullptr; ///< the certificate to do without for another way; null if there is none
+};
+
+/// The certificate that a chain failed at. One that no issuer's key fits may be in order, and its issuer in
+/// another's name.
+X509* findCulprit(X509_STORE_CTX& context) {
+    const int depth = X509_STORE_CTX_get_error_depth(&context);
+    const bool isIssuerUntrusted = depth + 1 < X509_STORE_CTX_get_num_untrusted(&context);
+    const bool isIssuerInQuestion =
+        X509_STORE_CTX_get_error(&context) == X509_V_ERR_CERT_SIGNATURE_FAILURE && isIssuerUntrusted;
+    const int index = isIssuerInQuestion ? depth + 1 : depth;
+    return index > 0 ? sk_X509_value(X509_STORE_CTX_get0_chain(&context), index) : nullptr;
 }
 
-/// OpenSSL looks into one list of each issuer, the one that fits the time of the check best. A certificate is
-/// revoked by any of them.
-/// @param chain  the verified chain; only by itself can its last certificate have been issued as far as is known
-CertificateValidationResults judgeAllLists(STACK_OF(X509) * chain,
-                                           const CertificateValidationOptions& options) {
-    const int count = sk_X509_num(chain);
-    for (int index = 0; index < count; ++index) {
-        X509* certificate = sk_X509_value(chain, index);
-        if (isNamed(certificate, sk_X509_value(chain, std::min(index + 1, count - 1)), options))
-            return refusal(Status::Revoked, X509_verify_cert_error_string(X509_V_ERR_CERT_REVOKED),
-                           certificate);
-    }
-    return {Status::Good, std::string()};
+Attempt judgeFailure(X509_STORE_CTX& context) {
+    const int error = X509_STORE_CTX_get_error(&context);
+    if (error == X509_V_ERR_OUT_OF_MEM)
+        throw std::bad_alloc();
+    const Status status = statusOf(error);
+    const bool isFinal = status == Status::Revoked || status == Status::RevocationUnknown;
+    return {refusal(status, X509_verify_cert_error_string(error), X509_STORE_CTX_get_current_cert(&context)),
+            isFinal ? nullptr : findCulprit(context)};
 }
 
-/// @param chain  the verified chain; the last certificate is that of the store, whose own signature doesn't
-/// count
-CertificateValidationResults judgeStrength(STACK_OF(X509) * chain,
-                                           const CertificateValidationOptions& options) {
-    const int count = sk_X509_num(chain);
-    for (int index = 0; index < count; ++index) {
-        X509* certificate = sk_X509_value(chain, index);
-        if (!options.isAcceptingWeakKeys() && isKeyWeak(*certificate))
-            return refusal(Status::WeakAlgorithm, "the key is too weak", certificate);
-        if (!options.isAcceptingWeakDigests() && index + 1 < count && isDigestWeak(*certificate))
-            return refusal(Status::WeakAlgorithm, "the digest of the certificate's signature is too weak",
-                           certificate);
-    }
-    return {Status::Good, std::string()};
+bool isAccepted(const WeakAlgorithm& weak, const CertificateValidationOptions& options) {
+    return weak.place == WeakAlgorithm::Place::Key ? options.isAcceptingWeakKeys()
+                                                   : options.isAcceptingWeakDigests();
 }
+
+Attempt judgeStrength(STACK_OF(X509) * chain, const CertificateValidationOptions& options,
+                      const std::vector<WeakAlgorithm>& weakLists) {
+    const std::vector<detail::WeakCertificate> found = detail::findWeakCertificates(chain);
+    const auto refused = std::find_if(found.begin(), found.end(), [&options](const auto& weak) {
+        return !isAccepted(weak.algorithm, options);
+    });
+    std::vector<WeakAlgorithm> all;
+    std::transform(found.begin(), found.end(), std::back_inserter(all),
+                   [](const detail::WeakCertificate& weak) { return weak.algorithm; });
+    all.insert(all.end(), weakLists.begin(), weakLists.end());
+    if (refused == found.end())
+        return {{Status::Good, std::string(), std::move(all)}};
+    const std::string what = refused->algorithm.place == WeakAlgorithm::Place::Key
+                                 ? "the key is too weak: "
+                                 : "the digest of the certificate's signature is too weak: ";
+    return {{Status::WeakAlgorithm, what + refused->algorithm.name, std::move(all)},
+            refused->depth > 0 ? sk_X509_value(chain, refused->depth) : nullptr};
+}
+
+/// Judges a chain that leads to a certificate of the store.
+Attempt judgeChain(STACK_OF(X509) * chain, const CertificateValidationOptions& options, CoveringLists lists) {
+    if (options.isUsingRevocationLists()) {
+        if (X509* revoked = detail::findRevoked(chain, options))
+            return {
+                refusal(Status::Revoked, X509_verify_cert_error_string(X509_V_ERR_CERT_REVOKED), revoked)};
+    }
+    const detail::UsageObjection objection = detail::findUsageObjection(chain);
+    if (!objection.reason.empty()) {
+        X509* certificate = sk_X509_value(chain, objection.depth);
+        return {refusal(Status::WrongPurpose, objection.reason, certificate),
+                objection.depth > 0 ? certificate : nullptr};
+    }
+    const bool weakListsCount = options.isUsingRevocationLists() && lists == CoveringLists::All;
+    return judgeStrength(chain, options,
+                         weakListsCount ? detail::findWeakLists(chain, options)
+                                        : std::vector<WeakAlgorithm>());
+}
+
+/// A certificate to validate, and what to build its chain with.
+class Validation {
+public:
+    Validation(X509& signer, const X509CertificateChain& chain,
+               const CertificateValidationOptions& validation, const TrustStore& trusted)
+        : certificate(signer), others(chain.getCertificates()), options(validation), trustStore(trusted) {}
+
+    /// OpenSSL follows one way through the certificates. Where that fails, the others are tried without the
+    /// certificate that it failed at. What is reported is the first failure.
+    CertificateValidationResults run(CoveringLists lists) const {
+        const openssl::StorePtr store = makeStore(trustStore, options, lists);
+        const openssl::X509StackPtr untrusted = copyOthers();
+        const Attempt first = attempt(*store, untrusted.get(), lists);
+        X509* culprit = first.culprit;
+        for (int count = 0; count < MaximalAlternatives && drop(culprit, untrusted.get()); ++count) {
+            const Attempt next = attempt(*store, untrusted.get(), lists);
+            if (next.results.getCertificateChainStatus() == Status::Good)
+                return next.results;
+            culprit = next.culprit;
+        }
+        return first.results;
+    }
+
+private:
+    openssl::X509StackPtr copyOthers() const {
+        openssl::X509StackPtr copies = openssl::made(openssl::X509StackPtr(sk_X509_new_null()));
+        for (const X509Certificate& other : others) {
+            if (!X509_add_cert(copies.get(), &CertificateAccess::get(other), X509_ADD_FLAG_UP_REF))
+                throw std::bad_alloc();
+        }
+        return copies;
+    }
+
+    static bool drop(X509* culprit, STACK_OF(X509) * untrusted) {
+        const openssl::X509Ptr dropped(culprit ? sk_X509_delete_ptr(untrusted, culprit) : nullptr);
+        return dropped != nullptr;
+    }
+
+    Attempt attempt(X509_STORE& store, STACK_OF(X509) * untrusted, CoveringLists lists) const {
+        const openssl::ErrorScope scope;
+        const openssl::StoreCtxPtr context = openssl::made(openssl::StoreCtxPtr(X509_STORE_CTX_new()));
+        if (!X509_STORE_CTX_init(context.get(), &store, &certificate, untrusted))
+            openssl::fail<X509CertificateException>("The certificate can't be validated.");
+        setParameters(*X509_STORE_CTX_get0_param(context.get()), trustStore, options);
+        X509_STORE_CTX_set_verify_cb(context.get(), detail::judgeRevocation);
+        if (X509_verify_cert(context.get()) != 1)
+            return judgeFailure(*context);
+        return judgeChain(X509_STORE_CTX_get0_chain(context.get()), options, lists);
+    }
+
+    X509& certificate;
+    const std::vector<X509Certificate>& others;
+    const CertificateValidationOptions& options;
+    const TrustStore& trustStore;
+};
 
 } // namespace
 
@@ -195,35 +226,11 @@ CertificateValidationResults X509Certificate::validateCertificate(const X509Cert
                                                                   const CertificateValidationOptions& options,
                                                                   const TrustStore& trustStore) const {
     const openssl::ErrorScope scope;
-    X509& certificate = CertificateAccess::get(*this);
-    const openssl::StorePtr store = makeStore(trustStore, options);
-    const openssl::X509StackPtr others = openssl::made(openssl::X509StackPtr(sk_X509_new_null()));
-    for (const X509Certificate& other : chain.getCertificates()) {
-        if (!X509_add_cert(others.get(), &CertificateAccess::get(other), X509_ADD_FLAG_UP_REF))
-            throw std::bad_alloc();
-    }
-    const openssl::StoreCtxPtr context = openssl::made(openssl::StoreCtxPtr(X509_STORE_CTX_new()));
-    if (!X509_STORE_CTX_init(context.get(), store.get(), &certificate, others.get()))
-        openssl::fail<X509CertificateException>("The certificate can't be validated.");
-    setParameters(*X509_STORE_CTX_get0_param(context.get()), trustStore, options);
-    X509_STORE_CTX_set_verify_cb(context.get(), judgeRevocation);
-
-    if (X509_verify_cert(context.get()) != 1) {
-        const int error = X509_STORE_CTX_get_error(context.get());
-        if (error == X509_V_ERR_OUT_OF_MEM)
-            throw std::bad_alloc();
-        return refusal(statusOf(error), X509_verify_cert_error_string(error),
-                       X509_STORE_CTX_get_current_cert(context.get()));
-    }
-    STACK_OF(X509)* verified = X509_STORE_CTX_get0_chain(context.get());
-    if (options.isUsingRevocationLists()) {
-        CertificateValidationResults results = judgeAllLists(verified, options);
-        if (results.getCertificateChainStatus() != Status::Good)
-            return results;
-    }
-    if (!isThereForSigning(*this))
-        return refusal(Status::WrongPurpose, "the certificate isn't there for signing", &certificate);
-    return judgeStrength(verified, options);
+    const Validation validation(CertificateAccess::get(*this), chain, options, trustStore);
+    CertificateValidationResults results = validation.run(CoveringLists::Strong);
+    if (results.getCertificateChainStatus() == Status::RevocationUnknown && options.isAcceptingWeakDigests())
+        return validation.run(CoveringLists::All); // so that a weak list counts only where it is needed
+    return results;
 }
 
 } // namespace bedrock::certificates

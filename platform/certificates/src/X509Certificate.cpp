@@ -49,6 +49,15 @@ openssl::X509Ptr detail::readPemCertificate(BIO& source, decltype(PEM_read_bio_X
     return certificate;
 }
 
+std::string detail::toText(const X509_NAME& name) {
+    const openssl::BioPtr target = openssl::made(openssl::BioPtr(BIO_new(BIO_s_mem())));
+    if (X509_NAME_print_ex(target.get(), &name, 0, XN_FLAG_RFC2253 & ~ASN1_STRFLGS_ESC_MSB) < 0)
+        openssl::fail<X509CertificateException>("The name in a certificate can't be read.");
+    const char* text = nullptr;
+    const long size = BIO_get_mem_data(target.get(), &text);
+    return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
+}
+
 X509Certificate detail::CertificateAccess::make(openssl::X509Ptr certificate) {
     X509Certificate made;
     made.content =
@@ -124,13 +133,7 @@ std::string X509Certificate::getSHA256Fingerprint() const {
 
 std::string X509Certificate::getSubject() const {
     const openssl::ErrorScope scope;
-    const openssl::BioPtr target = openssl::made(openssl::BioPtr(BIO_new(BIO_s_mem())));
-    const X509_NAME* name = X509_get_subject_name(&CertificateAccess::get(*this));
-    if (X509_NAME_print_ex(target.get(), name, 0, XN_FLAG_RFC2253 & ~ASN1_STRFLGS_ESC_MSB) < 0)
-        openssl::fail<X509CertificateException>("The subject can't be read.");
-    const char* text = nullptr;
-    const long size = BIO_get_mem_data(target.get(), &text);
-    return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
+    return detail::toText(*X509_get_subject_name(&CertificateAccess::get(*this)));
 }
 
 } // namespace bedrock::certificates

@@ -9,12 +9,14 @@ namespace {
 using namespace bedrock::certificates;
 using namespace bedrock::test;
 using opc::test::CertificateRecipe;
+using opc::test::Extensions;
 using opc::test::Identity;
 using opc::test::makeIssuer;
 using opc::test::makePublicKey;
 using opc::test::makeRevocationList;
 using opc::test::makeSigner;
 using Status = CertificateChainStatus;
+constexpr Status Unknown = Status::RevocationUnknown;
 
 // 2030-06-01 00:00 UTC
 const auto CheckTime = std::chrono::system_clock::from_time_t(1906502400);
@@ -59,6 +61,16 @@ Status validate(const Identity& identity, const std::vector<const Identity*>& ch
     return results.getCertificateChainStatus();
 }
 
+/// The weak algorithms, each as "place algorithm name;".
+std::string weakIn(const Identity& identity, const std::vector<const Identity*>& chain,
+                   const std::vector<const Identity*>& trusted, const CertificateValidationOptions& options) {
+    const auto results = identity.certificate.validateCertificate(chainOf(chain), options, storeOf(trusted));
+    std::string text;
+    for (const WeakAlgorithm& weak : results.getWeakAlgorithms())
+        text += std::to_string(int(weak.place)) + " " + weak.algorithm + " " + weak.name + ";";
+    return text;
+}
+
 TEST(Validation, theChainDecides) {
     const Authorities a;
     const Identity good = a.signer();
@@ -74,6 +86,27 @@ TEST(Validation, theChainDecides) {
     // A certificate in the issuer's name, made with another key.
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
     const Identity forged = makeSigner(&impostor);
+    const auto issuerWith = [&a](const Extensions& extensions) {
+        return makeSigner(&a.root, [&extensions](CertificateRecipe& r) {
+            r.subject = "Issuer with more";
+            r.rsaBits = 0;
+            r.basicConstraints = "critical,CA:TRUE";
+            r.furtherExtensions = extensions;
+        });
+    };
+    const auto signerWith = [](const Identity& issuer, const Extensions& extensions) {
+        return makeSigner(&issuer, [&](CertificateRecipe& r) { r.furtherExtensions = extensions; });
+    };
+    const Identity constrained = issuerWith({{"nameConstraints", "critical,permitted;email:good.example"}});
+    const Identity inSubtree = signerWith(constrained, {{"subjectAltName", "email:a@good.example"}});
+    const Identity outsideSubtree = signerWith(constrained, {{"subjectAltName", "email:a@evil.example"}});
+    const Identity strict = issuerWith(
+        {{"policyConstraints", "critical,requireExplicitPolicy:0"}, {"certificatePolicies", "1.2.3.4"}});
+    const Identity withPolicy = signerWith(strict, {{"certificatePolicies", "1.2.3.4"}});
+    const Identity withoutPolicy = signerWith(strict, {{"certificatePolicies", "1.2.3.5"}});
+    const Identity critical = a.signer([](CertificateRecipe& r) {
+        r.furtherExtensions = {{"1.2.3.4", "critical,ASN1:NULL"}};
+    });
     struct Case {
         const char* name;
         const Identity& signer;
@@ -95,9 +128,56 @@ TEST(Validation, theChainDecides) {
         {"issued by a signer", belowSigner, {&good, &a.issuer}, {&a.root}, Status::InvalidChain},
         {"one issuer too many", belowTooDeep, {&tooDeep, &last}, {&a.root}, Status::InvalidChain},
         {"signed by another key", forged, {&a.issuer}, {&a.root}, Status::BadSignature},
+        {"name of a constrained subtree", inSubtree, {&constrained}, {&a.root}, Status::Good},
+        {"name outside", outsideSubtree, {&constrained}, {&a.root}, Status::InvalidChain},
+        {"policy required and there", withPolicy, {&strict}, {&a.root}, Status::Good},
+        {"policy required, not there", withoutPolicy, {&strict}, {&a.root}, Status::InvalidChain},
+        {"critical and unknown", critical, {&a.issuer}, {&a.root}, Status::InvalidChain},
     };
     for (const Case& c : cases)
         EXPECT_EQ(validate(c.signer, c.chain, c.trusted, optionsAtCheckTime()), c.status) << c.name;
+}
+
+TEST(Validation, certificatesThatLeadNowhereDontStandInTheWay) {
+    const Authorities a;
+    const Identity good = a.signer();
+    const auto again = [](const Identity& original, const char* name, const Identity& issuer,
+                          const std::function<void(CertificateRecipe&)>& change = {}) {
+        return makeSigner(&issuer, [&](CertificateRecipe& r) {
+            r.subject = name;
+            r.key = original.key;
+            r.basicConstraints = "critical,CA:TRUE";
+            if (change)
+                change(r);
+        });
+    };
+    const Identity unknown = makeIssuer("Unknown root");
+    const Identity crossed = again(a.root, "Root", a.otherRoot);
+    const Identity crossedInVain = again(a.root, "Root", unknown);
+    const Identity belowUnknown = again(a.issuer, "Issuer", unknown);
+    const Identity otherKey = makeIssuer("Issuer", &a.root);
+    const Identity expired =
+        again(a.issuer, "Issuer", a.root, [](auto& r) { r.notAfter = "20100101000000Z"; });
+    const Identity limited =
+        again(a.issuer, "Issuer", a.root, [](auto& r) { r.extendedKeyUsage = "serverAuth"; });
+    const Identity old = again(a.issuer, "Issuer", a.root, [](auto& r) { r.digest = EVP_sha1(); });
+    const Identity signer = again(a.issuer, "Issuer", a.root, [](auto& r) { r.basicConstraints.clear(); });
+    const std::tuple<const char*, std::vector<const Identity*>, const Identity&> cases[] = {
+        {"self-signed beside a cross certificate", {&a.issuer, &a.root, &crossed}, a.otherRoot},
+        {"cross certificate of an unknown root", {&a.issuer, &crossedInVain, &crossed}, a.otherRoot},
+        {"both", {&a.issuer, &unknown, &crossedInVain, &a.root, &crossed}, a.otherRoot},
+        {"a way that ends further up", {&belowUnknown, &unknown, &a.issuer}, a.root},
+        {"issuer's name, other key", {&otherKey, &a.issuer}, a.root},
+        {"expired", {&expired, &a.issuer}, a.root},
+        {"limited", {&limited, &a.issuer}, a.root},
+        {"weak", {&old, &a.issuer}, a.root},
+        {"not an issuer", {&signer, &a.issuer}, a.root},
+    };
+    for (const auto& [name, chain, trusted] : cases) {
+        EXPECT_EQ(validate(good, chain, {&trusted}, optionsAtCheckTime()), Status::Good) << name;
+        const std::vector<const Identity*> reversed(chain.rbegin(), chain.rend());
+        EXPECT_EQ(validate(good, reversed, {&trusted}, optionsAtCheckTime()), Status::Good) << name;
+    }
 }
 
 TEST(Validation, timeAndPurposeDecide) {
@@ -129,6 +209,15 @@ TEST(Validation, timeAndPurposeDecide) {
         {usage("digitalSignature", "serverAuth,clientAuth"), Status::WrongPurpose},
         {usage("", "timeStamping"), Status::WrongPurpose},
         {usage("", "OCSPSigning"), Status::WrongPurpose},
+        {usage("", "ipsecIKE"), Status::WrongPurpose},
+        {usage("", "clientAuth,1.3.6.1.4.1.311.20.2.2"), Status::WrongPurpose},
+        {usage("", "critical,1.3.6.1.4.1.99999.1"), Status::WrongPurpose},
+        {a.signer([](CertificateRecipe& r) {
+             r.furtherExtensions = {{"2.5.29.37", "ASN1:NULL"}}; // can't be read
+         }),
+         Status::UnknownIssuer},
+        {a.signer([](CertificateRecipe& r) { r.rsaBits = 0; }), Status::WrongPurpose},
+        {a.signer([](CertificateRecipe& r) { r.key = opc::test::makePssKey(); }), Status::WrongPurpose},
     };
     for (const auto& [signer, status] : cases)
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), status)
@@ -142,6 +231,37 @@ TEST(Validation, timeAndPurposeDecide) {
               Status::NotYetValid);
 }
 
+TEST(Validation, issuersLimitTheUsagesBelowThem) {
+    const Identity root = makeIssuer("Root");
+    struct Case {
+        const char *issuer, *signer;
+        Status status;
+    };
+    const Case cases[] = {
+        {"codeSigning", "", Status::Good},
+        {"codeSigning", "codeSigning,serverAuth", Status::Good},
+        {"anyExtendedKeyUsage", "emailProtection", Status::Good},
+        {"serverAuth,emailProtection", "anyExtendedKeyUsage", Status::Good},
+        {"1.3.6.1.5.5.7.3.36", "1.3.6.1.5.5.7.3.36", Status::Good},
+        {"codeSigning", "emailProtection", Status::WrongPurpose},
+        {"serverAuth", "codeSigning", Status::WrongPurpose},
+        {"serverAuth,clientAuth", "", Status::WrongPurpose},
+        {"timeStamping", "anyExtendedKeyUsage", Status::WrongPurpose},
+    };
+    for (const Case& c : cases) {
+        const Identity issuer = makeSigner(&root, [&c](CertificateRecipe& r) {
+            r.subject = "Limited";
+            r.basicConstraints = "critical,CA:TRUE";
+            r.extendedKeyUsage = c.issuer;
+        });
+        const Identity signer =
+            makeSigner(&issuer, [&c](CertificateRecipe& r) { r.extendedKeyUsage = c.signer; });
+        EXPECT_EQ(validate(signer, {&issuer}, {&root}, optionsAtCheckTime()), c.status)
+            << c.issuer << c.signer;
+        EXPECT_EQ(validate(signer, {}, {&issuer}, optionsAtCheckTime()), c.status) << c.issuer << c.signer;
+    }
+}
+
 TEST(Validation, weakAlgorithmsPassOnRequestAlone) {
     const Authorities a;
     const Identity shortKey = a.signer([](CertificateRecipe& r) { r.rsaBits = 1024; });
@@ -151,12 +271,26 @@ TEST(Validation, weakAlgorithmsPassOnRequestAlone) {
     keys.setAcceptingWeakKeys(true);
     digests.setAcceptingWeakDigests(true);
     const auto none = optionsAtCheckTime();
-    for (const auto& [signer, accepting, other] :
-         {std::tie(shortKey, keys, digests), {oldDigest, digests, keys}}) {
+    const std::string weakKey = "0 RSA 1024 CN=Signer;", weakDigest = "1 SHA-1 CN=Signer;";
+    for (const auto& [signer, accepting, other, weak] :
+         {std::tie(shortKey, keys, digests, weakKey), {oldDigest, digests, keys, weakDigest}}) {
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, none), Status::WeakAlgorithm);
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, other), Status::WeakAlgorithm);
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, accepting), Status::Good);
+        for (const auto& options : {none, accepting})
+            EXPECT_EQ(weakIn(signer, {&a.issuer}, {&a.root}, options), weak);
     }
+    const Identity oldIssuer = makeSigner(&a.root, [](CertificateRecipe& r) {
+        r.subject = "Old issuer";
+        r.rsaBits = 1024;
+        r.basicConstraints = "critical,CA:TRUE";
+        r.digest = EVP_sha1();
+    });
+    const Identity below = makeSigner(&oldIssuer, [](CertificateRecipe& r) { r.digest = EVP_md5(); });
+    const std::string weakBelow = "1 MD5 CN=Signer;0 RSA 1024 CN=Old issuer;";
+    EXPECT_EQ(weakIn(below, {&oldIssuer}, {&a.root}, none), weakBelow + "1 SHA-1 CN=Old issuer;");
+    EXPECT_EQ(weakIn(below, {}, {&oldIssuer}, none), weakBelow);
+    EXPECT_EQ(weakIn(a.signer(), {&a.issuer}, {&a.root}, none), "");
     EXPECT_EQ(validate(older, {}, {&older}, none), Status::Good)
         << "the store vouches for it, not its digest";
 }
@@ -168,6 +302,17 @@ TEST(Validation, revocationListsDecide) {
                          const char* from = "20300101000000Z", const char* to = "20310101000000Z") {
         return makeRevocationList(issuer, revoked, from, to);
     };
+    const auto with = [](const char* extension, const char* value, const Identity& issuer,
+                         const std::vector<const Identity*>& revoked = {}) {
+        return makeRevocationList(issuer, revoked, "20300101000000Z", "20310101000000Z",
+                                  {{extension, value}});
+    };
+    const char* const scope = "issuingDistributionPoint";
+    const char* const delta = "2.5.29.27";
+    const Identity elsewhere = a.signer([](CertificateRecipe& r) {
+        r.furtherExtensions = {{"crlDistributionPoints", "URI:http://lists.example/1"}};
+    });
+    const Identity ofRoot = makeSigner(&a.root);
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
     const auto runOut = [&list](const Identity& issuer, const std::vector<const Identity*>& revoked) {
         return list(issuer, revoked, "20290101000000Z", "20300101000000Z");
@@ -179,8 +324,8 @@ TEST(Validation, revocationListsDecide) {
         {"revoked", bad, {list(a.issuer, {&bad})}, Status::Revoked},
         {"issuer revoked", good, {list(a.issuer, {}), list(a.root, {&a.issuer})}, Status::Revoked},
         {"issuer covered", good, {list(a.issuer, {}), list(a.root, {&bad})}, Status::Good},
-        {"not covered", good, {list(a.root, {})}, Status::RevocationUnknown},
-        {"run out", good, {runOut(a.issuer, {})}, Status::RevocationUnknown},
+        {"not covered", good, {list(a.root, {})}, Unknown},
+        {"run out", good, {runOut(a.issuer, {})}, Unknown},
         {"run out above", good, {clean, runOut(a.root, {&bad})}, Status::Good},
         {"run out above, issuer revoked", good, {clean, runOut(a.root, {&a.issuer})}, Status::Revoked},
         {"newer", good, {list(a.issuer, {}, "20320101000000Z", "20330101000000Z")}, Status::Good},
@@ -193,7 +338,41 @@ TEST(Validation, revocationListsDecide) {
          {clean, list(a.root, {}), runOut(a.root, {&a.issuer})},
          Status::Revoked},
         {"named by another key", bad, {clean, runOut(impostor, {&bad})}, Status::Good},
-        {"signed by another key", bad, {list(impostor, {})}, Status::RevocationUnknown},
+        {"signed by another key", bad, {list(impostor, {})}, Unknown},
+        {"delta", good, {with(delta, "critical,ASN1:INTEGER:1", a.issuer)}, Unknown},
+        {"delta, not critical", good, {with(delta, "ASN1:INTEGER:1", a.issuer)}, Unknown},
+        {"delta beside a complete list",
+         good,
+         {with(delta, "critical,ASN1:INTEGER:1", a.issuer), clean},
+         Status::Good},
+        {"revoked by a delta",
+         bad,
+         {clean, with(delta, "critical,ASN1:INTEGER:1", a.issuer, {&bad})},
+         Status::Revoked},
+        {"critical and unknown", good, {with("1.2.3.4", "critical,ASN1:NULL", a.issuer)}, Unknown},
+        {"the same above", good, {clean, with("1.2.3.4", "critical,ASN1:NULL", a.root)}, Status::Good},
+        {"revoked by it",
+         bad,
+         {clean, with("1.2.3.4", "critical,ASN1:NULL", a.issuer, {&bad})},
+         Status::Revoked},
+        {"for users", good, {with(scope, "critical,onlyuser:TRUE", a.issuer)}, Status::Good},
+        {"for users of the root", ofRoot, {with(scope, "critical,onlyuser:TRUE", a.root)}, Status::Good},
+        {"for issuers", good, {with(scope, "critical,onlyCA:TRUE", a.issuer)}, Unknown},
+        {"for attributes", good, {with(scope, "critical,onlyAA:TRUE", a.issuer)}, Unknown},
+        {"for some reasons",
+         good,
+         {with(scope, "critical,onlysomereasons:keyCompromise", a.issuer)},
+         Unknown},
+        {"indirect", good, {with(scope, "critical,indirectCRL:TRUE", a.issuer)}, Unknown},
+        {"of a place",
+         good,
+         {with(scope, "critical,fullname:URI:http://lists.example/1", a.issuer)},
+         Unknown},
+        {"of the place",
+         elsewhere,
+         {with(scope, "fullname:URI:http://lists.example/1", a.issuer)},
+         Status::Good},
+        {"of another", elsewhere, {with(scope, "fullname:URI:http://lists.example/2", a.issuer)}, Unknown},
     };
     for (const auto& [name, signer, lists, status] : cases) {
         CertificateValidationOptions options = optionsAtCheckTime();
@@ -210,6 +389,47 @@ TEST(Validation, revocationListsDecide) {
     cut.pop_back();
     for (const Bytes& bytes : {cut, Bytes(), a.root.certificate.getAsByteArray()})
         EXPECT_TRUE(fails<CertificateException>([&] { required.addRevocationList(bytes); }));
+}
+
+TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
+    const Authorities a;
+    const Identity pssIssuer = makeSigner(&a.root, [](CertificateRecipe& r) {
+        r.subject = "PSS issuer";
+        r.key = opc::test::makePssKey();
+        r.basicConstraints = "critical,CA:TRUE";
+    });
+    const auto signedBy = [](const Identity& issuer, const EVP_MD* digest,
+                             const std::vector<const Identity*>& revoked = {}) {
+        return makeRevocationList(issuer, revoked, "20300101000000Z", "20310101000000Z", {}, digest);
+    };
+    struct Case {
+        const Identity& issuer;
+        const EVP_MD* digest;
+        std::string weak; ///< empty for none
+    };
+    const Case cases[] = {
+        {a.issuer, EVP_sha1(), "2 SHA-1 CN=Issuer;"},
+        {a.issuer, EVP_sha224(), ""},
+        {a.issuer, EVP_sha512(), ""},
+        {pssIssuer, EVP_sha1(), "2 SHA-1 CN=PSS issuer;"},
+        {pssIssuer, EVP_sha256(), ""},
+    };
+    for (const auto& [issuer, digest, weak] : cases) {
+        const Identity good = makeSigner(&issuer), bad = makeSigner(&issuer);
+        CertificateValidationOptions options = optionsAtCheckTime();
+        options.addRevocationList(signedBy(issuer, digest, {&bad}));
+        EXPECT_EQ(validate(good, {&issuer}, {&a.root}, options), weak.empty() ? Status::Good : Unknown)
+            << weak;
+        options.setAcceptingWeakDigests(true);
+        EXPECT_EQ(validate(good, {&issuer}, {&a.root}, options), Status::Good) << weak;
+        EXPECT_EQ(weakIn(good, {&issuer}, {&a.root}, options), weak);
+        EXPECT_EQ(validate(bad, {&issuer}, {&a.root}, options), Status::Revoked) << weak;
+        options.setAcceptingWeakDigests(false);
+        options.addRevocationList(signedBy(issuer, EVP_sha256()));
+        EXPECT_EQ(validate(bad, {&issuer}, {&a.root}, options), Status::Revoked) << weak;
+        options.setAcceptingWeakDigests(true);
+        EXPECT_EQ(weakIn(good, {&issuer}, {&a.root}, options), "") << "the strong list suffices";
+    }
 }
 
 TEST(Validation, hugeKeysEndSoon) {

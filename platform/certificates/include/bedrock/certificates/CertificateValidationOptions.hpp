@@ -27,8 +27,10 @@ public:
     void setAcceptingWeakKeys(bool accepting) { acceptingWeakKeys = accepting; }
     bool isAcceptingWeakKeys() const { return acceptingWeakKeys; }
 
-    /// Whether certificates signed over a digest of less than 112 bits of security pass, such as MD5 and
-    /// SHA-1. The signatures on certificates of the trust store don't matter.
+    /// Whether certificates and revocation lists signed over a digest of less than 112 bits of security pass,
+    /// such as MD5 and SHA-1. The signatures on certificates of the trust store don't matter. A list that is
+    /// signed over such a digest revokes what it names in any case; this is about whether it covers a
+    /// certificate.
     void setAcceptingWeakDigests(bool accepting) { acceptingWeakDigests = accepting; }
     bool isAcceptingWeakDigests() const { return acceptingWeakDigests; }
 
@@ -41,6 +43,10 @@ public:
     /// not run out at the time of the check; the certificates above it are looked up in the lists that there
     /// are. What any list of its issuer names is revoked, whenever that was: a claimed time of signing is no
     /// proof.
+    ///
+    /// A list covers what its issuer issued, within its issuing distribution point. These cover nothing (RFC
+    /// 5280 section 5.2): delta lists, indirect ones, ones for some reasons of revocation only, and ones with a
+    /// critical extension that isn't known.
     void setUsingRevocationLists(bool use) { usingRevocationLists = use; }
     bool isUsingRevocationLists() const { return usingRevocationLists; }
 

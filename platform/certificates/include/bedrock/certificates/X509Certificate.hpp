@@ -61,12 +61,18 @@ public:
     std::string getSubject() const;
 
     /// Checks, in this order: whether a chain leads through certificates of `chain` to one of `trustStore`,
-    /// with all that RFC 5280 section 6 asks, at the time that `options` says; whether the certificate is
-    /// there for signing; whether the chain is strong enough. Any certificate of the store ends a chain, be
-    /// it self-signed or not.
+    /// with all that RFC 5280 section 6 asks, name constraints and policies included, at the time that
+    /// `options` says; whether the certificate is there for signing; whether the chain is strong enough. Any
+    /// certificate of the store ends a chain, be it self-signed or not. Certificates of `chain` that lead
+    /// nowhere don't stand in the way of others: up to 20 of them are passed over.
     ///
-    /// There for signing means `isValidForDigitalSigning`, and an extended key usage, if there is one, that
-    /// names more than TLS, time stamping and OCSP.
+    /// There for signing means: an RSA key, which isn't kept to RSA-PSS; `isValidForDigitalSigning`; and at
+    /// least one of code signing, e-mail protection and document signing (RFC 9336) that every extended key
+    /// usage of the chain allows. A certificate without that extension allows all of them, as does one with
+    /// anyExtendedKeyUsage; the usages of an issuer limit those of the certificates below it.
+    ///
+    /// Policies are checked from any policy on: a chain fails by them only if a certificate in it requires an
+    /// explicit policy that the others don't share.
     CertificateValidationResults validateCertificate(const X509CertificateChain& chain,
                                                      const CertificateValidationOptions& options,
                                                      const TrustStore& trustStore) const;

@@ -50,7 +50,7 @@ std::vector<unsigned char> asBytes(const Bytes& bytes) {
 /// | 4    | a certificate of the chain wasn't valid yet                                       |
 /// | 5    | the chain doesn't reach a trusted certificate                                     |
 /// | 6    | the chain ends in a self-signed certificate that isn't trusted                    |
-/// | 7    | the certificate isn't there for signing                                           |
+/// | 7    | the certificate, by its usages or an issuer's, isn't there for signing            |
 /// | 8    | an issuer wasn't allowed to issue, or another rule of chains is broken            |
 /// | 10   | a certificate of the chain is revoked                                             |
 /// | 11   | a key or a digest of the chain is too weak                                        |

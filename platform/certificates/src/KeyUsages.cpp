@@ -1,0 +1,73 @@
+#include "KeyUsages.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace bedrock::certificates::detail {
+
+namespace {
+
+struct UsagesDeleter {
+    void operator()(EXTENDED_KEY_USAGE* usages) const noexcept {
+        sk_ASN1_OBJECT_pop_free(usages, ASN1_OBJECT_free);
+    }
+};
+
+/// The extended key usages that allow signing documents, one bit each; OpenSSL has no number for the last,
+/// document signing (RFC 9336).
+constexpr const char* SigningUsages[] = {"1.3.6.1.5.5.7.3.3", "1.3.6.1.5.5.7.3.4", "1.3.6.1.5.5.7.3.36"};
+constexpr unsigned AllSigningUsages = 7;
+
+unsigned signingUsageOf(const ASN1_OBJECT& usage) {
+    if (OBJ_obj2nid(&usage) == NID_anyExtendedKeyUsage)
+        return AllSigningUsages;
+    char text[32]; // too short for others means that they are others
+    OBJ_obj2txt(text, sizeof text, &usage, 1);
+    const auto* const found =
+        std::find(std::begin(SigningUsages), std::end(SigningUsages), std::string(text));
+    return found == std::end(SigningUsages) ? 0 : 1U << (found - std::begin(SigningUsages));
+}
+
+/// The ways of signing that a certificate allows, itself and below it.
+unsigned signingUsagesOf(const X509& certificate) {
+    int critical = 0;
+    const std::unique_ptr<EXTENDED_KEY_USAGE, UsagesDeleter> usages(static_cast<EXTENDED_KEY_USAGE*>(
+        X509_get_ext_d2i(&certificate, NID_ext_key_usage, &critical, nullptr)));
+    if (!usages)
+        return critical == -1 ? AllSigningUsages : 0; // -1: it isn't there; else it can't be read
+    unsigned allowed = 0;
+    for (int index = 0; index < sk_ASN1_OBJECT_num(usages.get()); ++index)
+        allowed |= signingUsageOf(*sk_ASN1_OBJECT_value(usages.get(), index));
+    return allowed;
+}
+
+/// What speaks against the certificate itself.
+std::string objectionTo(X509& certificate) {
+    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+    if (key && EVP_PKEY_is_a(key, "RSA-PSS"))
+        return "the certificate's key is for RSA-PSS, which isn't supported";
+    if (!key || !EVP_PKEY_is_a(key, "RSA"))
+        return "the certificate's key isn't an RSA key";
+    // All bits are set if the extension isn't there, none if the extensions can't be read.
+    if ((X509_get_key_usage(&certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
+        return "the certificate isn't there for signing";
+    return {};
+}
+
+} // namespace
+
+UsageObjection findUsageObjection(STACK_OF(X509) * chain) {
+    std::string reason = objectionTo(*sk_X509_value(chain, 0));
+    if (!reason.empty())
+        return {0, std::move(reason)};
+    unsigned allowed = AllSigningUsages;
+    for (int depth = 0; depth < sk_X509_num(chain); ++depth) {
+        allowed &= signingUsagesOf(*sk_X509_value(chain, depth));
+        if (allowed == 0)
+            return {depth, depth == 0 ? "the certificate isn't there for signing"
+                                      : "an issuer is limited to other usages than signing"};
+    }
+    return {};
+}
+
+} // namespace bedrock::certificates::detail
