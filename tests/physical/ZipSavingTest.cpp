@@ -1,6 +1,10 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
+#include "SystemCalls.hpp"
 
+#include "support/Texts.hpp"
+
+#include <opc/core/Text.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <fcntl.h>
@@ -147,20 +151,80 @@ TEST_F(ZipSaving, keepsPermissionsAndFollowsLinks) {
 }
 
 TEST_F(ZipSaving, removesWhatADeadProcessHasLeftButNotWhatALivingOneHolds) {
-    const auto temporary = folder / ".a.zip.opcmodel-new";
+    const std::string names[] = {"a.zip",
+                                 std::string(241, 'n'),
+                                 std::string(242, 'n'),
+                                 std::string(255, 'n'),
+                                 "\u20AC" + std::string(252, 'n'),
+                                 "n" + repeated(std::string("\u20AC"), 84) + "n"};
+    std::vector<std::string> temporaries;
+    for (const std::string& name : names) {
+        const fs::path archive = folder / name;
+        writeFile(archive, makeZip({stored("a", "alpha")}));
+        ZipPackage package(archive);
+        package.open(OpenMode::ReadWrite);
+        create(package, u"/b", "beta");
+        SystemCalls::before = [&](const std::string& call, int) {
+            for (const fs::directory_entry& entry : fs::directory_iterator(folder.path()))
+                if (call == "fsync" && entry.path() != archive)
+                    temporaries.push_back(entry.path().filename());
+            return call == "renameat" ? EIO : 0;
+        };
+        EXPECT_FAILS(EIO, "can't replace the archive", package.close(false));
+        SystemCalls::before = nullptr;
+        EXPECT_EQ(folder.count(), 1U) << "nothing is left";
+        ASSERT_FALSE(temporaries.empty());
+        const fs::path temporary = folder / temporaries.back();
+        EXPECT_EQ(opc::toUDEString(opc::toString(temporaries.back(), true)), temporaries.back()) << "UTF-8";
+
+        writeFile(temporary, Bytes(100, 'x'));
+        const int other = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::flock(other, LOCK_EX), 0);
+        EXPECT_FAILS(EBUSY, name + ": is being saved by another process", package.close(false));
+        EXPECT_TRUE(fs::exists(temporary));
+        ::close(other);
+        package.close(false);
+        EXPECT_EQ(folder.count(), 1U);
+        EXPECT_EQ(readZip(readFile(archive)).size(), 2U);
+        fs::remove(archive);
+    }
+    std::sort(temporaries.begin(), temporaries.end());
+    EXPECT_EQ(std::unique(temporaries.begin(), temporaries.end()), temporaries.end()) << "each has its own";
+}
+
+TEST_F(ZipSaving, goesOnWhereThereAreNoLocks) {
     writeFile(path, makeZip({stored("a", "alpha")}));
-    writeFile(temporary, Bytes(100, 'x'));
+    writeFile(folder / ".a.zip.opcmodel-new", Bytes(100, 'x'));
+    for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
+        ZipPackage package(path);
+        package.open(OpenMode::ReadWrite);
+        create(package, u"/b", std::to_string(error));
+        SystemCalls::before = [error](const std::string& call, int) { return call == "flock" ? error : 0; };
+        package.close(false);
+        SystemCalls::before = nullptr;
+        EXPECT_EQ(folder.count(), 2U) << "what may be another's stays";
+        EXPECT_EQ(readZip(readFile(path)).size(), 2U);
+    }
+}
+
+TEST_F(ZipSaving, neverPutsInPlaceWhatAnotherOneIsWriting) {
+    const Bytes old = makeZip({stored("a", "alpha")});
+    writeFile(path, old);
     ZipPackage package(path);
     package.open(OpenMode::ReadWrite);
     create(package, u"/b", "beta");
-    const int other = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(::flock(other, LOCK_EX), 0);
-    EXPECT_FAILS(EBUSY, "a.zip: is being saved by another process", package.close(false));
-    EXPECT_TRUE(fs::exists(temporary));
-    ::close(other);
+    const fs::path temporary = folder / ".a.zip.opcmodel-new";
+    SystemCalls::before = [&](const std::string& call, int) {
+        if (call == "fsync" && fs::remove(temporary))
+            writeFile(temporary, Bytes(100, 'x'));
+        return 0;
+    };
+    EXPECT_FAILS(ESTALE, "somebody has taken the new one away", package.close(false));
+    SystemCalls::before = nullptr;
+    EXPECT_EQ(readFile(path), old);
+    EXPECT_TRUE(fs::exists(temporary)) << "it is theirs";
     package.close(false);
     EXPECT_EQ(folder.count(), 1U);
-    EXPECT_EQ(readZip(readFile(path)).size(), 2U);
 }
 
 TEST_F(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {

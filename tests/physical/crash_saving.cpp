@@ -1,5 +1,6 @@
-// Kills itself, with SIGKILL, while it saves over an existing package, again and again: each time the file
-// must be wholly the old one or wholly the new one, and the next save must leave nothing else in the folder.
+// Kills itself while it saves over an existing package, again and again: each time the file must be wholly the
+// old one or wholly the new one, and the next save must leave nothing else in the folder. It does so by SIGKILL
+// and, in turn, by a SIGTERM whose handler removes the temporary file: then nothing else may be left at once.
 //
 //   crash_saving [TIMES]     default: 100
 //
@@ -8,6 +9,7 @@
 #include "PhysicalSupport.hpp"
 #include "support/TemporaryFolder.hpp"
 
+#include <opc/physical/UnfinishedFiles.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <sys/wait.h>
@@ -51,15 +53,25 @@ void save(const std::filesystem::path& path) {
     package.close(false);
 }
 
+void endBySignal(int signal) {
+    opc::physical::removeUnfinishedFiles();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
 /// Saves in a process of its own.
 /// @param lifetime  after which it is killed
 /// @return whether it was killed before it was done
-bool saveAndDie(const std::filesystem::path& path, std::chrono::nanoseconds lifetime) {
+bool saveAndDie(const std::filesystem::path& path, std::chrono::nanoseconds lifetime, int signal) {
     const pid_t child = ::fork();
     if (child == 0) {
-        std::thread([lifetime] {
+        std::signal(SIGTERM, endBySignal);
+        std::thread([lifetime, signal, saver = ::pthread_self()] {
             std::this_thread::sleep_for(lifetime);
-            ::kill(::getpid(), SIGKILL);
+            if (signal == SIGTERM)
+                ::pthread_kill(saver, signal);
+            else
+                ::kill(::getpid(), signal);
         }).detach();
         save(path);
         ::_exit(0);
@@ -86,7 +98,12 @@ int crash(int times) {
     int foundTemporary = 0;
     for (int i = 0; i < times; ++i) {
         writeFile(path, oldBytes);
-        killed += saveAndDie(path, std::chrono::nanoseconds(instant(random))) ? 1 : 0;
+        const int signal = i % 2 == 0 ? SIGKILL : SIGTERM;
+        killed += saveAndDie(path, std::chrono::nanoseconds(instant(random)), signal) ? 1 : 0;
+        if (signal == SIGTERM && folder.count() > 1) {
+            std::cerr << "crash " << i << " has left its temporary file\n";
+            return 1;
+        }
         const Bytes found = readFile(path);
         if (found != oldBytes && found != newBytes) {
             std::cerr << "crash " << i << " has left a file that is neither the old nor the new one\n";

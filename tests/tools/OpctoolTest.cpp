@@ -141,4 +141,24 @@ TEST_F(Opctool, changesWhatOfficeProgramsWrote) {
     }
 }
 
+TEST_F(Opctool, endedByASignalLeavesNothingBehind) {
+    ASSERT_EQ(run("new a.zip").status, 0);
+    const auto before = readFile(folder / "a.zip");
+    write("saving.py", R"(import glob, os, signal, subprocess
+with open('big', 'wb') as big:
+    big.write(os.urandom(1 << 25))
+for name in 'SIGHUP', 'SIGINT', 'SIGTERM':
+    number = getattr(signal, name)
+    tool = subprocess.Popen([')" OPCTOOL R"(', 'add', 'a.zip', '/big', 'big', '--type', 'a/b'],
+                            preexec_fn=lambda: signal.signal(number, signal.SIG_DFL))
+    while tool.poll() is None and not glob.glob('.a.zip*'):
+        pass
+    tool.send_signal(number)
+    print(tool.wait() == -number, sorted(os.listdir()))
+)");
+    const std::string line = "True ['a.zip', 'big', 'saving.py', 'stderr']\n";
+    EXPECT_EQ(folder.run("python3 saving.py 2>stderr").output, line + line + line);
+    EXPECT_EQ(readFile(folder / "a.zip"), before);
+}
+
 } // namespace

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Signals.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -48,6 +49,7 @@ int run(CLI::App& app, int argc, char** argv) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): without memory for its commands the tool can't even say so
 int main(int argc, char** argv) {
+    opctool::leaveNothingBehindOnSignals();
     CLI::App app(
         "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …),\n"
         "changes and signs them. Exit status: 0 done, 1 the answer is no, 2 wrong usage, 3 a failure.",

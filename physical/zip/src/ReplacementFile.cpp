@@ -1,6 +1,9 @@
 #include "ReplacementFile.hpp"
 
 #include "Failure.hpp"
+#include "FileAttributes.hpp"
+#include "SignalsHeld.hpp"
+#include "TemporaryName.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -8,6 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <utility>
 
 namespace opc::physical::zip {
@@ -16,36 +20,53 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// So many names are tried: others can take one in a folder in which everybody may make files.
+constexpr unsigned NAMES = 100;
+
 fs::path resolve(const fs::path& path) {
     std::error_code error;
     fs::path real = fs::canonical(path, error);
     return error ? path : real;
 }
 
-/// Whether `path` still leads to the file of `fd`.
-bool isSameFile(int fd, const fs::path& path) {
-    struct stat open {};
-    struct stat named {};
-    return ::fstat(fd, &open) == 0 && ::lstat(path.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
-           open.st_ino == named.st_ino;
+/// Many file systems know no locks.
+enum class Lock { Taken, HeldByOther, Unsupported };
+
+Lock tryToLock(const FileDescriptor& file) {
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+        return Lock::Taken;
+    return errno == EWOULDBLOCK ? Lock::HeldByOther : Lock::Unsupported;
 }
 
 } // namespace
 
 ReplacementFile::ReplacementFile(const fs::path& path, std::string archive)
-    : target(resolve(path)), temporary(folder() / ("." + target.filename().string() + ".opcmodel-new")),
-      place(std::move(archive)) {
-    while (!create())
-        removeAbandoned();
+    : target(resolve(path)), place(std::move(archive)),
+      folder(::open(target.has_parent_path() ? target.parent_path().c_str() : ".",
+                    O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+    if (!folder.isOpen())
+        failSystem(place, "can't make a file in its folder", errno);
+    make();
 }
 
 ReplacementFile::~ReplacementFile() {
-    if (file.isOpen() && !inPlace)
-        ::unlink(temporary.c_str());
+    const SignalsHeld held;
+    if (!inPlace && isNamed(file))
+        ::unlinkat(folder.get(), name.c_str(), 0);
+    unfinished.forget();
 }
 
-fs::path ReplacementFile::folder() const {
-    return target.has_parent_path() ? target.parent_path() : fs::path(".");
+void ReplacementFile::make() {
+    const long most = ::fpathconf(folder.get(), _PC_NAME_MAX);
+    for (unsigned number = 0; number < NAMES; ++number) {
+        name = temporaryName(target.filename().string(), number,
+                             most > 0 ? static_cast<std::size_t>(most) : std::size_t{NAME_MAX});
+        do {
+            if (create())
+                return;
+        } while (removeAbandoned());
+    }
+    failSystem(place, "can't make a file in its folder", EEXIST);
 }
 
 /// @return false if another file stands in the way
@@ -53,55 +74,74 @@ bool ReplacementFile::create() {
     // A file that replaces another one is nobody else's to read before it has that one's permissions.
     struct stat old {};
     const mode_t mode = ::stat(target.c_str(), &old) == 0 ? 0600 : 0666;
-    const int fd = ::open(temporary.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
-    if (fd < 0) {
+    const SignalsHeld held;
+    FileDescriptor made(::openat(folder.get(), name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode));
+    if (!made.isOpen()) {
         if (errno == EEXIST)
             return false;
         failSystem(place, "can't make a file in its folder", errno);
     }
-    FileDescriptor made(fd);
     // Between its creation and its lock somebody may have taken the file for an abandoned one.
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0 || !isSameFile(fd, temporary))
+    if (tryToLock(made) == Lock::HeldByOther || !isNamed(made))
         return false;
     file = std::move(made);
+    unfinished.remember(folder.get(), name);
     return true;
 }
 
-void ReplacementFile::removeAbandoned() {
-    const FileDescriptor found(::open(temporary.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!found.isOpen() && errno == ENOENT)
-        return;
-    if (found.isOpen()) {
-        if (::flock(found.get(), LOCK_EX | LOCK_NB) != 0)
-            failSystem(place, "is being saved by another process", EBUSY);
-        if (!isSameFile(found.get(), temporary))
-            return;
-    }
-    if (::unlink(temporary.c_str()) != 0 && errno != ENOENT)
-        failSystem(place, "can't remove an abandoned temporary file", errno);
+/// @return false if it stays, since it can't be removed or perhaps isn't abandoned
+bool ReplacementFile::removeAbandoned() {
+    const FileDescriptor found = openAbandoned();
+    if (!found.isOpen())
+        return errno == ENOENT;
+    const Lock lock = tryToLock(found);
+    if (lock == Lock::HeldByOther && !isStrangers(found))
+        failSystem(place, "is being saved by another process", EBUSY);
+    if (lock != Lock::Taken)
+        return false;
+    return !isNamed(found) || ::unlinkat(folder.get(), name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+FileDescriptor ReplacementFile::openAbandoned() const {
+    constexpr int FLAGS = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    // To write if that is possible: over a network, no other file can be locked.
+    FileDescriptor found(::openat(folder.get(), name.c_str(), O_RDWR | FLAGS));
+    if (!found.isOpen() && errno == EACCES)
+        found = FileDescriptor(::openat(folder.get(), name.c_str(), O_RDONLY | FLAGS));
+    return found;
+}
+
+/// Whether the name still leads to that file.
+bool ReplacementFile::isNamed(const FileDescriptor& opened) const {
+    struct stat open {};
+    struct stat named {};
+    return opened.isOpen() && ::fstat(opened.get(), &open) == 0 &&
+           ::fstatat(folder.get(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+/// Whether somebody else has put the file into a folder that is everybody's, where anybody may lock it.
+bool ReplacementFile::isStrangers(const FileDescriptor& opened) const {
+    struct stat status {};
+    struct stat around {};
+    return ::fstat(opened.get(), &status) == 0 && ::fstat(folder.get(), &around) == 0 &&
+           (around.st_mode & S_ISVTX) != 0 && status.st_uid != ::geteuid();
 }
 
 int ReplacementFile::writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept {
     return file.writeAt(offset, buffer, count);
 }
 
-void ReplacementFile::takeAttributes() {
-    struct stat old {};
-    if (::stat(target.c_str(), &old) != 0)
-        return;
-    // Only root may give a file away: for others the new file is their own, as with every editor.
-    if (::fchown(file.get(), old.st_uid, old.st_gid) != 0 && errno != EPERM)
-        failSystem(place, "can't keep the owner", errno);
-    if (::fchmod(file.get(), old.st_mode & 07777U) != 0)
-        failSystem(place, "can't keep the permissions", errno);
-}
-
 void ReplacementFile::putInPlace() {
-    takeAttributes();
+    takeAttributes(target, file.get(), place);
     if (::fsync(file.get()) != 0)
         failSystem(place, "can't sync the new archive", errno);
-    if (::rename(temporary.c_str(), target.c_str()) != 0)
+    const SignalsHeld held;
+    if (!isNamed(file))
+        fail(place, "can't replace the archive: somebody has taken the new one away", ESTALE);
+    if (::renameat(folder.get(), name.c_str(), folder.get(), target.filename().c_str()) != 0)
         failSystem(place, "can't replace the archive", errno);
+    unfinished.forget();
     inPlace = true;
 }
 
@@ -111,9 +151,11 @@ FileIdentity ReplacementFile::identity() const {
 }
 
 void ReplacementFile::syncFolder() {
-    const FileDescriptor opened(::open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor opened(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A folder that may be written and not read is synced with all else.
+    const bool unreadable = !opened.isOpen() && errno == EACCES;
     // Some file systems can't sync a folder, and say so with EINVAL.
-    if (!opened.isOpen() || (::fsync(opened.get()) != 0 && errno != EINVAL))
+    if ((unreadable ? ::syncfs(file.get()) : ::fsync(opened.get())) != 0 && errno != EINVAL)
         failSystem(place, "can't sync its folder", errno);
 }
 

@@ -3,6 +3,7 @@
 #include "BufferedTarget.hpp"
 #include "FileDescriptor.hpp"
 #include "FileIdentity.hpp"
+#include "UnfinishedFile.hpp"
 
 #include <filesystem>
 #include <string>
@@ -11,9 +12,11 @@ namespace opc::physical::zip {
 
 /// A file in the making that takes the place of another one, all or nothing.
 ///
-/// It lies beside its target under the target's name with a dot in front and ".opcmodel-new" behind, and is
-/// locked while it lives: one that nobody holds is the rest of a process that has died, and the next saving
-/// removes it. Destroyed without `putInPlace`, it is gone and the target is as it was.
+/// It lies beside its target, under the target's name with a dot in front and ".opcmodel-new" behind, or under
+/// a further name if a file stands there that can't be removed. It is locked while it lives, where the file
+/// system has locks: one that nobody holds is the rest of a process that has died, and the next saving removes
+/// it. Destroyed without `putInPlace`, or ended by a signal whose handler calls `removeUnfinishedFiles`, it is
+/// gone and the target is as it was.
 class ReplacementFile : public ByteTarget {
 public:
     /// @param path     the target; a symbolic link is followed
@@ -29,7 +32,7 @@ public:
         return file.copyAt(offset, source, sourceOffset, count);
     }
 
-    /// Gives the file the permissions of its target, syncs it and puts it in the target's place.
+    /// Gives the file the attributes of its target, syncs it and puts it in the target's place.
     void putInPlace();
 
     /// Makes sure that the folder keeps the file under its new name.
@@ -39,15 +42,19 @@ public:
     FileIdentity identity() const;
 
 private:
+    void make();
     bool create();
-    void removeAbandoned();
-    void takeAttributes();
-    std::filesystem::path folder() const;
+    bool removeAbandoned();
+    FileDescriptor openAbandoned() const;
+    bool isNamed(const FileDescriptor& opened) const;
+    bool isStrangers(const FileDescriptor& opened) const;
 
     std::filesystem::path target;
-    std::filesystem::path temporary;
     std::string place;
+    FileDescriptor folder; ///< to find names in, not to read
+    std::string name;      ///< in the folder
     FileDescriptor file;
+    UnfinishedFile unfinished;
     bool inPlace = false;
 };
 

@@ -1,6 +1,7 @@
 #include "Spool.hpp"
 
 #include "Failure.hpp"
+#include "SignalsHeld.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -42,6 +43,7 @@ void SpoolStore::makeFile() {
     if (fd < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
         // A file system that knows no files without a name.
         std::string name = (place / ".opcmodel-XXXXXX").string();
+        const SignalsHeld held;
         fd = ::mkostemp(name.data(), O_CLOEXEC);
         if (fd >= 0)
             ::unlink(name.c_str());

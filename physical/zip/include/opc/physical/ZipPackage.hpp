@@ -15,10 +15,12 @@ namespace opc::physical {
 /// A package in a ZIP archive (ECMA-376 Part 2, mapping to ZIP), in a file, in memory or from a stream.
 ///
 /// **Saving.** `close(false)` writes a new archive beside the old one, syncs it and renames it over the old
-/// one, so that a file is always wholly old or wholly new. Permissions stay; a symbolic link is followed. A
-/// file that another program has changed since `open` isn't replaced: its changes would be lost. Items that
-/// haven't changed are copied as they are compressed. Nothing is written before, and nothing at all if nothing
-/// has changed. After a failure the package is still open, and `close` may be called again.
+/// one, so that a file is always wholly old or wholly new. Mode, owner, group, access control list and extended
+/// attributes stay as far as the system lets this process set them, and otherwise nobody gains by the change; a
+/// symbolic link is followed. A file that another program has changed since `open` isn't replaced: its changes
+/// would be lost. Items that haven't changed are copied as they are compressed. Nothing is written before, and
+/// nothing at all if nothing has changed. After a failure the package is still open, and `close` may be called
+/// again. See `removeUnfinishedFiles` for what a signal that ends the process would leave.
 ///
 /// **Names.** An item becomes a part by a slash in front of its name; what a part name can't hold is
 /// percent-encoded, and a backslash counts as a slash. Names without the UTF-8 flag are taken for UTF-8 if

@@ -1,0 +1,252 @@
+#include "PhysicalSupport.hpp"
+#include "RawZip.hpp"
+#include "SystemCalls.hpp"
+
+#include <opc/physical/ZipPackage.hpp>
+
+#include <grp.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <iostream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using namespace opc::test;
+using opc::physical::ZipPackage;
+
+const char* const ACCESS = "system.posix_acl_access";
+const char* const DEFAULT = "system.posix_acl_default";
+const char* const CAPABILITY = "security.capability";
+const char* const NOTE = "user.note";
+
+constexpr uid_t ROOT = 0;
+constexpr uid_t ALICE = 65531;
+constexpr uid_t BOB = 65532;
+
+std::string attribute(const fs::path& path, const char* name) {
+    std::string value(1000, '\0');
+    const ssize_t size = ::getxattr(path.c_str(), name, value.data(), value.size());
+    value.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    return value;
+}
+
+bool set(const fs::path& path, const char* name, const std::string& value) {
+    return ::setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
+}
+
+/// An access control list as the system takes it: the permissions of the owner, of Alice, of the group, of the
+/// mask and of all others.
+std::string accessList(const std::string& permissions) {
+    const unsigned char tags[] = {0x01, 0x02, 0x04, 0x10, 0x20};
+    std::string list{'\2', '\0', '\0', '\0'};
+    for (std::size_t i = 0; i < std::size(tags); ++i) {
+        const uid_t id = i == 1 ? ALICE : 0xFFFFFFFF;
+        list += static_cast<char>(tags[i]);
+        list += '\0';
+        list += static_cast<char>(permissions[i] - '0');
+        list += '\0';
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            list += static_cast<char>(id >> shift & 0xFFU);
+    }
+    return list;
+}
+
+struct Attributes {
+    uid_t owner = ROOT;
+    gid_t group = ROOT;
+    mode_t mode = 0; ///< with a list, its group's permissions are the mask's
+    std::string list;
+
+    static Attributes of(const fs::path& path) {
+        struct stat status {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0);
+        return {status.st_uid, status.st_gid, status.st_mode & 07777U, attribute(path, ACCESS)};
+    }
+};
+
+class ZipAttributes : public FileTest {
+protected:
+    ~ZipAttributes() override { SystemCalls::before = nullptr; }
+
+    void save() const {
+        ZipPackage package(path);
+        package.open(OpenMode::ReadWrite);
+        create(package, u"/b", "beta");
+        package.close(false);
+    }
+
+    /// @return whether `action` raised nothing in a process of that user, who has no other groups
+    static bool asUser(uid_t user, const std::function<void()>& action) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            try {
+                if (user != ::geteuid() &&
+                    (::setgroups(0, nullptr) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0))
+                    ::_exit(2);
+                action();
+                ::_exit(0);
+            } catch (const std::exception& e) {
+                std::cerr << e.what() << '\n';
+                ::_exit(1);
+            }
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+
+    void makeFile(const Attributes& attributes) const {
+        fs::remove(path);
+        writeFile(path, makeZip({stored("a", "alpha")}));
+        ::removexattr(path.c_str(), ACCESS); // what the folder has given it
+        if (isRoot) {
+            ASSERT_EQ(::chown(path.c_str(), attributes.owner, attributes.group), 0);
+        }
+        if (!attributes.list.empty()) {
+            ASSERT_TRUE(set(path, ACCESS, attributes.list));
+        }
+        ASSERT_EQ(::chmod(path.c_str(), attributes.mode), 0);
+    }
+
+    /// Whether the file system knows access control lists; those that don't can't lose any.
+    bool knowsLists() const {
+        writeFile(folder / "probe", std::string());
+        const std::string list = accessList("64040");
+        const bool knows = ::setxattr((folder / "probe").c_str(), ACCESS, list.data(), list.size(), 0) == 0;
+        fs::remove(folder / "probe");
+        if (!knows)
+            std::cerr << "No access control lists in " << folder.path() << ": tested without them\n";
+        return knows;
+    }
+
+    const bool isRoot = ::geteuid() == ROOT;
+};
+
+TEST_F(ZipAttributes, surviveASaveOrNarrow) {
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+    struct Case {
+        const char* what;
+        uid_t saver;
+        Attributes old;
+        Attributes kept;
+    };
+    const auto list = accessList;
+    const Case cases[] = {
+        {"a mode", ROOT, {ROOT, ROOT, 0640, ""}, {ROOT, ROOT, 0640, ""}},
+        {"a list whose mask is wider than its group",
+         ROOT,
+         {ROOT, ROOT, 0660, list("66060")},
+         {ROOT, ROOT, 0660, list("66060")}},
+        {"a list whose group is wider than its mask",
+         ROOT,
+         {ROOT, ROOT, 0604, list("60704")},
+         {ROOT, ROOT, 0604, list("60704")}},
+        {"an owner", ROOT, {ALICE, BOB, 06754, ""}, {ALICE, BOB, 06754, ""}},
+        {"an owner that may only read", ROOT, {ALICE, BOB, 0440, ""}, {ALICE, BOB, 0440, ""}},
+        {"an owner and a list", ROOT, {ALICE, BOB, 0640, list("64040")}, {ALICE, BOB, 0640, list("64040")}},
+        {"only the group", BOB, {ALICE, BOB, 06664, ""}, {BOB, BOB, 02664, ""}},
+        {"neither owner nor group", BOB, {ALICE, ALICE, 06676, ""}, {BOB, BOB, 0666, ""}},
+        {"a group that may less than others", BOB, {ALICE, ALICE, 0606, ""}, {BOB, BOB, 0600, ""}},
+        {"a list without its group",
+         BOB,
+         {ALICE, ALICE, 0666, list("66566")},
+         {BOB, BOB, 0664, list("66464")}},
+        {"a list without its group that masks",
+         BOB,
+         {ALICE, ALICE, 0626, list("66626")},
+         {BOB, BOB, 0622, list("66222")}},
+    };
+    const bool lists = knowsLists();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        if ((!isRoot && (c.saver != ROOT || c.old.owner != ROOT)) || (!lists && !c.old.list.empty()))
+            continue;
+        makeFile(c.old);
+        ASSERT_EQ(attribute(path, ACCESS), c.old.list);
+        EXPECT_TRUE(asUser(isRoot ? c.saver : ::geteuid(), [this] { save(); }));
+        const Attributes now = Attributes::of(path);
+        EXPECT_EQ(now.owner, isRoot ? c.kept.owner : ::geteuid());
+        EXPECT_EQ(now.group, isRoot ? c.kept.group : ::getegid());
+        EXPECT_EQ(now.mode, c.kept.mode) << std::oct << now.mode;
+        EXPECT_EQ(now.list, c.kept.list);
+        EXPECT_EQ(readZip(readFile(path)).size(), 2U);
+    }
+}
+
+TEST_F(ZipAttributes, areNeverWiderThanThoseOfTheOldFile) {
+    const bool lists = knowsLists();
+    if (lists) {
+        ASSERT_TRUE(set(folder.path(), DEFAULT, accessList("77777")));
+    }
+    const Attributes olds[] = {{ROOT, ROOT, 0644, ""},
+                               {isRoot ? ALICE : ROOT, isRoot ? BOB : ROOT, isRoot ? 0440U : 0600U, ""},
+                               {ROOT, ROOT, 0660, lists ? accessList("66060") : ""}};
+    for (const Attributes& wanted : olds) {
+        for (const std::string refused : {"", "fsetxattr", "fchown", "fchmod"}) {
+            makeFile(wanted);
+            const Attributes old = Attributes::of(path);
+            const auto check = [&](const Attributes& now, const std::string& when) {
+                const bool isOwners = now.owner == old.owner;
+                const bool isSame = isOwners && now.group == old.group && now.list == old.list;
+                const mode_t own = refused == "fchmod" ? 0600U : 0U; // its owner may do what it likes
+                const mode_t allowed = own | (isSame ? old.mode : isOwners ? old.mode & 0700U : 0600U);
+                EXPECT_EQ(now.mode & ~allowed, 0U) << std::oct << now.mode << " for " << old.mode << " at "
+                                                   << when << ", refused: " << refused;
+            };
+            const fs::path temporary = folder / ".a.zip.opcmodel-new";
+            SystemCalls::before = [&](const std::string& call, int) {
+                if (call != "flock" && fs::exists(temporary))
+                    check(Attributes::of(temporary), call);
+                return call == refused ? EPERM : 0;
+            };
+            save();
+            SystemCalls::before = nullptr;
+            check(Attributes::of(path), "the end");
+        }
+    }
+}
+
+TEST_F(ZipAttributes, includeExtendedOnes) {
+    makeFile({ROOT, ROOT, 0644, ""});
+    if (!set(path, NOTE, "note")) {
+        std::cerr << "No extended attributes in " << folder.path() << '\n';
+        return;
+    }
+    EXPECT_EQ(set(path, "trusted.note", "note"), isRoot);
+    const std::string capability("\1\0\0\2\0\4\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 20);
+    set(path, CAPABILITY, capability); // to bind to any port
+    save();
+    EXPECT_EQ(attribute(path, NOTE), "note");
+    EXPECT_EQ(attribute(path, "trusted.note"), isRoot ? "note" : "");
+    EXPECT_EQ(attribute(path, CAPABILITY), "") << "the new content hasn't been given it";
+    SystemCalls::before = [](const std::string& call, int) { return call == "fsetxattr" ? ENOSPC : 0; };
+    EXPECT_FAILS(ENOSPC, "a.zip: can't keep the extended attributes", save());
+    EXPECT_EQ(attribute(path, NOTE), "note");
+    SystemCalls::before = [](const std::string& call, int) { return call == "fsetxattr" ? ENOTSUP : 0; };
+    save();
+    EXPECT_EQ(attribute(path, NOTE), "");
+}
+
+TEST_F(ZipAttributes, ofAFolderThatIsEverybodysStopNoSave) {
+    const fs::path temporary = folder / ".a.zip.opcmodel-new";
+    makeFile({BOB, BOB, 0644, ""});
+    const std::function<void()> strangers[] = {
+        [&] { fs::create_directories(temporary / "full"); },
+        [&] { writeFile(temporary, std::string("x")); },
+        [&] { fs::create_symlink("/", temporary); },
+    };
+    for (const auto& make : strangers) {
+        ASSERT_EQ(::chmod(folder.path().c_str(), 01777), 0);
+        ASSERT_TRUE(asUser(isRoot ? ALICE : ::geteuid(), make));
+        EXPECT_TRUE(asUser(isRoot ? BOB : ::geteuid(), [this] { save(); }));
+        fs::remove_all(temporary);
+        EXPECT_EQ(folder.count(), 1U);
+    }
+}
+
+} // namespace

@@ -1,0 +1,33 @@
+#include "Signals.hpp"
+
+#include <opc/physical/UnfinishedFiles.hpp>
+
+#include <csignal>
+
+namespace opctool {
+
+namespace {
+
+extern "C" void endBySignal(int signal) {
+    opc::physical::removeUnfinishedFiles();
+    // Its usual effect is back by SA_RESETHAND, and comes when the handler returns.
+    std::raise(signal);
+}
+
+} // namespace
+
+void leaveNothingBehindOnSignals() {
+    constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ};
+    for (const int signal : SIGNALS) {
+        struct sigaction action {};
+        ::sigaction(signal, nullptr, &action);
+        if (action.sa_handler != SIG_DFL)
+            continue; // the caller wants it ignored, as nohup does
+        action.sa_handler = endBySignal;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigfillset(&action.sa_mask);
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+} // namespace opctool
