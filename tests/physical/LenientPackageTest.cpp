@@ -1,5 +1,6 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
+#include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -96,22 +97,172 @@ TEST(LenientPackage, carriesWhatItHidesThroughASave) {
     EXPECT_EQ(lenient.hiddenItems().size(), 3U);
 }
 
-TEST(LenientPackage, givesHiddenNamesToNewParts) {
-    ZipPackage store(archive({"image1.jpg", "word/_rels/comments.xml.rels"}));
+TEST(LenientPackage, replacesNothingThatItHides) {
+    const Bytes before = archive({"image1.jpg", "word/_rels/comments.xml.rels"});
+    ZipPackage store(before);
     LenientPackage lenient(store);
     Package package(lenient);
     package.open(OpenMode::ReadWrite);
-    addPart(package, u"/IMAGE1.jpg", u"image/jpeg");
-    addPart(package, u"/word/comments.xml");
-    EXPECT_TRUE(lenient.hiddenItems().empty());
-    EXPECT_EQ(lenient.getParts().size(), 3U);
+    EXPECT_RAISES(opc::model::PartCreateFailed,
+                  "/IMAGE1.jpg: what is hidden under this name would be replaced",
+                  addPart(package, u"/IMAGE1.jpg", u"image/jpeg"));
+    EXPECT_RAISES(
+        opc::model::PartCreateFailed,
+        "/Word/_rels/comments.xml.rels: this hidden relationships part would become that of the new part",
+        addPart(package, u"/Word/comments.xml"));
     package.close(false);
-    EXPECT_EQ(itemOf(readZip(store.bytes()), "image1.jpg").size, 0U);
+    EXPECT_EQ(store.bytes(), before);
+}
 
-    Package strict(store);
-    strict.open(OpenMode::ReadOnly);
-    EXPECT_TRUE(strict.getPart(PartName(u"/word/comments.xml")).getRelationships().empty())
-        << "those that were left behind aren't its own";
+/// What the model says of a source, behind a lenient package: each relationship as "ID target".
+std::vector<std::string> relationshipsOf(const opc::model::RelationshipSource& source) {
+    std::vector<std::string> list;
+    for (const auto& relationship : source.getRelationships())
+        list.push_back(opc::toUDEString(relationship.getID() + u" " + relationship.getTarget()));
+    return list;
+}
+
+TEST(LenientPackage, readsRelationshipsThatNoContentTypeCovers) {
+    const std::string types = "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'>"
+                              "<Default Extension='xml' ContentType='text/xml'/></Types>";
+    const std::string relationships =
+        "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
+        "<Relationship Id='a' Type='urn:t' Target='a.xml'/></Relationships>";
+    ZipPackage store(makeZip({stored("[Content_Types].xml", types), stored("a.xml", ""),
+                              stored("_rels/.rels", relationships), stored("_rels/a.xml.rels", relationships),
+                              stored("_rels/none.xml.rels", relationships), stored("x.rels", "?")}));
+    const std::vector<std::pair<std::string, std::string>> hidden = {{"/_rels/none.xml.rels", NO_SOURCE},
+                                                                     {"/x.rels", NO_TYPE}};
+    LenientPackage lenient(store);
+    Package package(lenient);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(hiddenOf(lenient), hidden);
+    EXPECT_EQ(relationshipsOf(package.getPart(PartName(u"/a.xml"))), std::vector<std::string>{"a a.xml"});
+    package.createExternalRelationship(u"urn:t", u"u:v", u"b");
+    package.close(false);
+    EXPECT_EQ(itemOf(readZip(store.bytes()), "[Content_Types].xml").data, types) << "it needn't change";
+
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(relationshipsOf(package), (std::vector<std::string>{"a a.xml", "b u:v"}));
+    addPart(package, u"/b.xml");
+    addPart(package, u"/c.bin");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(relationshipsOf(package), (std::vector<std::string>{"a a.xml", "b u:v"}));
+    EXPECT_EQ(itemOf(readZip(store.bytes()), "_rels/none.xml.rels").data, relationships);
+    EXPECT_EQ(itemOf(readZip(store.bytes()), "x.rels").data, "?");
+}
+
+/// A document in UTF-16 with its byte order mark.
+std::string inUTF16(const std::string& text, bool isBigEndian) {
+    std::string wide;
+    for (const char16_t unit : u'\uFEFF' + opc::toString(text, true)) {
+        const char bytes[] = {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+        wide += {bytes[isBigEndian ? 1 : 0], bytes[isBigEndian ? 0 : 1]};
+    }
+    return wide;
+}
+
+class PrefixedDocuments : public testing::Test {
+protected:
+    static constexpr char URI[] = "'http://schemas.openxmlformats.org/package/2006/relationships'";
+
+    /// Opens a package with this relationships part, and gives what is read of it.
+    /// @param change  makes one more relationship, saves and opens the package strictly
+    static std::string read(const std::string& relationships, bool isLenient, bool change) {
+        ZipPackage store(makeZip({stored("[Content_Types].xml", TYPES), stored("a.xml", ""),
+                                  stored("_rels/.rels", relationships)}));
+        LenientPackage lenient(store);
+        Package package(isLenient ? static_cast<opc::interfaces::IPhysicalPackage&>(lenient) : store);
+        Package strict(store);
+        std::string found;
+        const std::string outcome = outcomeOf([&] {
+            package.open(OpenMode::ReadWrite);
+            if (change)
+                package.createExternalRelationship(u"urn:t", u"u:v", u"z");
+            package.close(false);
+            strict.open(OpenMode::ReadOnly);
+            for (const std::string& each : relationshipsOf(strict))
+                found += each + ";";
+        });
+        return outcome.empty() ? found : outcome.substr(0, outcome.find(": "));
+    }
+};
+
+TEST_F(PrefixedDocuments, areReadWholeAndCanBeChanged) {
+    const std::string uri = URI;
+    const std::string root = "<p:Relationships xmlns:p=" + uri + ">";
+    const std::string end = "</p:Relationships>";
+    const std::string one = "<p:Relationship Id='a' Type='urn:t' Target='a.xml'/>";
+    const std::string two = "<q:Relationship xmlns:q=" + uri +
+                            " Id='b' Type='urn:t&#10;' Target='b&amp;c' TargetMode='External'/>";
+    const std::string three =
+        "<Relationship xmlns=" + uri + " Id='c' Type='urn:t' Target='c.xml'> </Relationship>";
+    const std::string mixed = "<Relationships xmlns=" + uri + " xmlns:p=" + uri + ">" + one + two +
+                              "<Relationship Id='c' Type='urn:t' Target='c.xml'/></Relationships>";
+    const std::string elsewhere = "<p:Relationships xmlns:p=" + uri + " xmlns='urn:other'><!-- c -->" + one +
+                                  "<?i?>" + two + three + end;
+    const std::string declared = "<?xml version='1.0' encoding='UTF-16'?>" + mixed;
+    const std::string all = "a a.xml;b b&c;c c.xml;z u:v;";
+    for (const std::string& document :
+         {root + one + two + three + end, mixed, elsewhere, "\xEF\xBB\xBF" + root + three + two + one + end,
+          inUTF16(declared, true), inUTF16(declared, false), inUTF16(elsewhere, false)})
+        EXPECT_EQ(read(document, true, true), all) << document;
+    EXPECT_EQ(read(root + end, true, true), "z u:v;");
+    EXPECT_EQ(read(mixed, false, true), "opc::model::InvalidRelationshipContent");
+}
+
+TEST_F(PrefixedDocuments, areCheckedAsOthersAre) {
+    const std::string uri = URI;
+    const std::string root = "<p:Relationships xmlns:p=" + uri + ">";
+    const std::string one = "p:Relationship Id='a' Type='urn:t' Target='a.xml'";
+    const std::string end = "</p:Relationships>";
+    for (const std::string& document : {
+             root + "<" + one + "><" + one + "/></p:Relationship>" + end,
+             root + "<Relationship Id='a' Type='urn:t' Target='a.xml'/>" + end,
+             root + "<" + one + "/><Relationship xmlns='' Id='b' Type='urn:t' Target='a.xml'/>" + end,
+             root + "<" + one + " p:Other=''/>" + end,
+             root + "<p:Other/>" + end,
+             root + "<" + one + "/>" + "<q:Relationship xmlns:q='urn:q'/>" + end,
+             "<!DOCTYPE p>" + root + end,
+             "<?xml version='1.0' encoding='ISO-8859-1'?>" + root + "<" + one + "/>" + end,
+             root + "<" + one + "/>",
+         }) {
+        EXPECT_EQ(read(document, true, false), "opc::model::InvalidRelationshipContent") << document;
+        EXPECT_EQ(read(document, false, false), "opc::model::InvalidRelationshipContent") << document;
+    }
+    const std::string alone = "<" + one + " xmlns:p=" + uri + "/>";
+    EXPECT_EQ(read(alone, true, true), "opc::model::InvalidRelationshipContent")
+        << "a root that isn't the usual one";
+}
+
+TEST_F(PrefixedDocuments, ofContentTypesAreReadWhole) {
+    const std::string uri = "'http://schemas.openxmlformats.org/package/2006/content-types'";
+    const std::string types = "<t:Types xmlns:t=" + uri +
+                              "><t:Default Extension='xml' ContentType='text/xml'/>"
+                              "<Override xmlns=" +
+                              uri +
+                              " PartName='/a.bin' ContentType='a/b'/>"
+                              "<t:Override PartName='/_rels/.rels' ContentType='"
+                              "application/vnd.openxmlformats-package.relationships+xml'/></t:Types>";
+    ZipPackage store(makeZip({stored("[Content_Types].xml", types), stored("a.xml", ""), stored("a.bin", ""),
+                              stored("b.jpg", ""), stored("_rels/.rels", NO_RELATIONSHIPS)}));
+    LenientPackage lenient(store);
+    Package package(lenient);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(hiddenOf(lenient), (decltype(hiddenOf(lenient)){{"/b.jpg", NO_TYPE}}));
+    EXPECT_EQ(package.getPart(PartName(u"/a.bin")).getContentType().toString(), u"a/b");
+    package.getPart(PartName(u"/a.xml")).getOutputStream();
+    package.close(false);
+    EXPECT_EQ(itemOf(readZip(store.bytes()), "[Content_Types].xml").data, types) << "it needn't change";
+
+    package.open(OpenMode::ReadWrite);
+    addPart(package, u"/c.png");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getPart(PartName(u"/a.xml")).getContentType().toString(), u"text/xml");
+    EXPECT_EQ(package.getParts().size(), 3U);
+    EXPECT_EQ(hiddenOf(lenient).size(), 1U);
 }
 
 TEST(LenientPackage, leavesItToTheModelToRefuseTheRest) {
@@ -135,10 +286,12 @@ TEST(LenientPackage, asksPartsForTheirTypesWhereThereIsNoStream) {
     store.open(OpenMode::CreateOnly);
     store.createPart(u"/a", u"a/b", PartInfo());
     store.createPart(u"/b", u"", PartInfo());
+    put(*store.createPart(u"/_rels/.rels", u"", PartInfo())->getOutputStream(), NO_RELATIONSHIPS);
     store.close(false);
     LenientPackage lenient(store);
-    lenient.open(OpenMode::ReadOnly);
-    EXPECT_EQ(names(lenient), u"/a ");
+    Package package(lenient);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(names(lenient), u"/a /_rels/.rels ");
     EXPECT_EQ(hiddenOf(lenient), (decltype(hiddenOf(lenient)){{"/b", NO_TYPE}}));
 }
 

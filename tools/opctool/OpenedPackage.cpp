@@ -15,7 +15,7 @@ using opc::interfaces::OpenMode;
 namespace {
 
 const char* wayOut(const PackageToRead& toRead) {
-    return toRead.lenient ? "" : "; --lenient opens the package without it";
+    return toRead.lenient ? "" : "; --lenient opens the package all the same";
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include <opc/physical/LenientPackage.hpp>
 
-#include "ContentTypeCover.hpp"
+#include "BytesStream.hpp"
+#include "ContentTypes.hpp"
+#include "RelationshipsPart.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
@@ -11,11 +13,12 @@
 #include <algorithm>
 #include <optional>
 #include <set>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace opc::physical {
 
 using interfaces::IPhysicalPart;
+using lenient::RelationshipsPart;
 using model::PartName;
 
 namespace {
@@ -41,22 +44,29 @@ std::optional<std::u16string> sourceOf(const std::u16string& name) {
     return std::nullopt;
 }
 
+[[noreturn]] void refuse(const std::u16string& name, const std::string& reason) {
+    throw Exception(toASCIIString(name) + reason, make_error_code(boost::system::errc::file_exists));
+}
+
 } // namespace
 
 class LenientPackage::Impl {
 public:
     explicit Impl(interfaces::IPhysicalPackage& inner) : package(inner) {}
 
-    void findHidden();
+    /// Looks at what the package, just opened, holds.
+    void look();
     void forget();
+
     bool hides(const std::u16string& name) const {
         return !hidden.empty() && hiddenNames.count(toLowerASCIIString(name)) > 0;
     }
-    void reveal(const std::u16string& name);
-    void dropRelationshipsOf(const std::u16string& name);
+    IPhysicalPart* mend(IPhysicalPart* part);
+    void throwIfHidden(const std::u16string& name) const;
 
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
+    std::unique_ptr<lenient::BytesStream> contentTypes; ///< null where the package's own are read
 
 private:
     void hide(const std::u16string& name, const std::string& reason) {
@@ -65,51 +75,57 @@ private:
     }
 
     std::set<std::u16string> hiddenNames; ///< in lower case
+    lenient::MendingBudget budget;
+    std::unordered_map<const IPhysicalPart*, RelationshipsPart> relationshipsParts;
 };
 
 void LenientPackage::Impl::forget() {
     hidden.clear();
     hiddenNames.clear();
+    relationshipsParts.clear();
+    contentTypes.reset();
+    budget = {};
 }
 
-void LenientPackage::Impl::findHidden() {
-    const lenient::ContentTypeCover cover(package);
+void LenientPackage::Impl::look() {
+    lenient::ContentTypes types(package);
     std::set<std::u16string> sources = {PACKAGE_ROOT}; // in lower case
     const std::vector<IPhysicalPart*> parts = package.getParts();
-    std::unordered_set<const IPhysicalPart*> uncovered;
     for (IPhysicalPart* part : parts) {
         const std::u16string name = part->getName();
-        if (!cover.covers(*part))
-            uncovered.insert(part);
-        else if (!sourceOf(name))
+        if (!sourceOf(name) && types.covers(*part))
             sources.insert(toLowerASCIIString(name));
     }
-    for (const IPhysicalPart* part : parts) {
+    bool coversRelationships = true;
+    for (IPhysicalPart* part : parts) {
         const std::u16string name = part->getName();
         const std::optional<std::u16string> source = sourceOf(name);
-        if (uncovered.count(part) > 0)
-            hide(name, "no content type covers it");
-        else if (source && sources.count(toLowerASCIIString(*source)) == 0)
+        if (source && sources.count(toLowerASCIIString(*source)) == 0)
             hide(name, "a relationships part without a source");
+        else if (source)
+            coversRelationships = coversRelationships && types.covers(*part);
+        else if (sources.count(toLowerASCIIString(name)) == 0)
+            hide(name, "no content type covers it");
     }
+    if (!coversRelationships)
+        types.coverRelationships();
+    if (auto changed = types.changedStream())
+        contentTypes = std::make_unique<lenient::BytesStream>(std::move(*changed));
 }
 
-void LenientPackage::Impl::reveal(const std::u16string& name) {
-    const std::u16string key = toLowerASCIIString(name);
-    if (hiddenNames.erase(key) > 0)
-        hidden.erase(std::find_if(hidden.begin(), hidden.end(), [&key](const HiddenItem& item) {
-            return toLowerASCIIString(item.name) == key;
-        }));
+IPhysicalPart* LenientPackage::Impl::mend(IPhysicalPart* part) {
+    return sourceOf(part->getName()) ? &relationshipsParts.try_emplace(part, *part, budget).first->second
+                                     : part;
 }
 
-void LenientPackage::Impl::dropRelationshipsOf(const std::u16string& name) {
+void LenientPackage::Impl::throwIfHidden(const std::u16string& name) const {
+    if (hides(name))
+        refuse(name, ": what is hidden under this name would be replaced");
     if (hidden.empty() || sourceOf(name))
         return;
     const std::u16string relationships = PartName(name).getRelationshipPartName();
-    if (!hides(relationships))
-        return;
-    package.deletePart(relationships);
-    reveal(relationships);
+    if (hides(relationships))
+        refuse(relationships, ": this hidden relationships part would become that of the new part");
 }
 
 LenientPackage::LenientPackage(interfaces::IPhysicalPackage& package)
@@ -127,10 +143,14 @@ bool LenientPackage::usesContentTypeStream() {
 }
 
 interfaces::IPhysicalInputStream* LenientPackage::getContentTypeInputStream() {
-    return impl->package.getContentTypeInputStream();
+    if (!impl->contentTypes)
+        return impl->package.getContentTypeInputStream();
+    impl->contentTypes->open();
+    return impl->contentTypes.get();
 }
 
 interfaces::IPhysicalOutputStream* LenientPackage::getContentTypeOutputStream() {
+    impl->contentTypes.reset();
     return impl->package.getContentTypeOutputStream();
 }
 
@@ -139,6 +159,8 @@ std::vector<IPhysicalPart*> LenientPackage::getParts() {
     parts.erase(std::remove_if(parts.begin(), parts.end(),
                                [this](IPhysicalPart* part) { return impl->hides(part->getName()); }),
                 parts.end());
+    std::transform(parts.begin(), parts.end(), parts.begin(),
+                   [this](IPhysicalPart* part) { return impl->mend(part); });
     return parts;
 }
 
@@ -148,7 +170,7 @@ void LenientPackage::open(const interfaces::OpenMode& mode) {
     if (mode == interfaces::OpenMode::CreateOnly)
         return;
     try {
-        impl->findHidden();
+        impl->look();
     } catch (...) {
         impl->package.close(true);
         throw;
@@ -161,10 +183,8 @@ void LenientPackage::close(bool abandon) {
 
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) {
-    IPhysicalPart* part = impl->package.createPart(name, contentType, info);
-    impl->reveal(name);
-    impl->dropRelationshipsOf(name);
-    return part;
+    impl->throwIfHidden(name);
+    return impl->package.createPart(name, contentType, info);
 }
 
 void LenientPackage::deletePart(const std::u16string& name) {

@@ -9,20 +9,27 @@
 
 namespace opc::physical {
 
-/// Stands in front of another physical package and hides from the model what real programs leave in packages
-/// against the standard, so that the rest can be opened:
+/// Stands in front of another physical package and gives to the model what real programs write, although the
+/// standard or the model asks for another form, so that it can be opened. It hides
 ///
 /// - items that no content type covers [M2.9], such as `.DS_Store` or the signature files of other systems;
-/// - relationships parts without a source, which stay where a program has deleted a part but not these.
+/// - relationships parts without a source, which stay where a program has deleted a part but not these;
 ///
-/// What is hidden stays in the package through every save, unchanged. Two things that an application does end
-/// that: creating a part under a hidden name replaces what is there, and creating a part drops a hidden
-/// relationships part that would become its own. A content type stream that can't be read hides nothing: the
-/// model says what is wrong with it.
+/// and it gives in the form that the model reads
+///
+/// - relationships and content types whose elements have a namespace prefix, without the prefix;
+/// - relationships parts with a source that no content type covers, with the content type of their kind.
+///
+/// What is hidden stays in the package through every save, unchanged: a part under a hidden name, or one that a
+/// hidden relationships part would become attached to, isn't created. The other documents stay as they are until
+/// the model writes them anew, with everything that it has read. A document that can't be read, or is longer
+/// than 4 MiB, is given as it is, and a content types stream then hides nothing: the model says what is wrong
+/// with it, or that it can't be changed. So are relationships beyond 32 MiB of documents with prefixes in all.
 ///
 /// The other package isn't owned and must outlive this one; while this one is open, it is to be used through
-/// this one alone. All parts and streams are the other's. One thread at a time. Failures are those of the
-/// other package.
+/// this one alone. All streams are the other's but those of documents in another form, and so are all parts but
+/// relationships parts; what isn't the other's is good until this package is opened again or destroyed. One
+/// thread at a time. Failures are those of the other package.
 class OPC_LENIENT_EXPORT LenientPackage : public interfaces::IPhysicalPackage {
 public:
     struct HiddenItem {
@@ -40,12 +47,15 @@ public:
     interfaces::IPhysicalInputStream* getContentTypeInputStream() override;
     interfaces::IPhysicalOutputStream* getContentTypeOutputStream() override;
 
-    /// Without what is hidden.
+    /// Without what is hidden, and with relationships parts of its own in front of the other's.
     std::vector<interfaces::IPhysicalPart*> getParts() override;
 
     /// Opens the other package and looks for what is to be hidden. If that fails, both are closed.
     void open(const interfaces::OpenMode& mode) override;
     void close(bool abandon) override;
+
+    /// @throws opc::Exception  something hidden has the name, or would become the relationships of the new part;
+    ///                         the code is file_exists
     interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
