@@ -1,5 +1,6 @@
 #include "relationships/RelationshipsScanner.hpp"
 
+#include "xml/CollidingIDs.hpp"
 #include "xml/PlainDocument.hpp"
 
 #include <algorithm>
@@ -41,6 +42,13 @@ bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
     return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
 }
 
+/// Whether the parser's table of IDs takes them.
+bool areTakenTogether(const std::vector<ScannedRelationship>& relationships) {
+    CollidingIDs ids;
+    return std::none_of(relationships.begin(), relationships.end(),
+                        [&ids](const ScannedRelationship& relationship) { return ids.add(relationship.id); });
+}
+
 } // namespace
 
 bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found) {
@@ -50,7 +58,7 @@ bool scanRelationships(std::string_view document, std::vector<ScannedRelationshi
                                   return name == "Relationship" &&
                                          takeRelationship(attributes, found.emplace_back());
                               }) &&
-           haveDifferentIDs(found);
+           haveDifferentIDs(found) && (found.size() <= CollidingIDs::MAXIMUM || areTakenTogether(found));
 }
 
 } // namespace opc::model

@@ -2,10 +2,11 @@
 
 #include <opc/model/Errors.hpp>
 
-#include <xercesc/dom/DOMLSParser.hpp>
+#include <xercesc/framework/ValidationContext.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLRefInfo.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
-#include <xercesc/parsers/AbstractDOMParser.hpp>
+#include <xercesc/util/RefHashTableOf.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 namespace opc::model {
@@ -21,15 +22,12 @@ constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 /// Xerces keeps names in a table of fixed size. The first ones aren't told apart: small documents pay nothing.
 constexpr XMLSize_t MAXIMUM_NAMES = 2000;
 
-/// IDs stand in a hash table, where those of one hash value are searched one after the other.
-constexpr XMLSize_t MAXIMUM_COLLIDING_IDS = 1000;
-constexpr XMLSize_t HASH_MODULUS = 2147483647;
-
-/// Reaches the scanner of a parser, which Xerces keeps for derived classes.
-class ScannerOf : public xercesc::AbstractDOMParser {
+/// Reaches what a scanner keeps for derived classes.
+class StateOf : public xercesc::XMLScanner {
 public:
-    static xercesc::XMLScanner& get(xercesc::DOMLSParser& parser) {
-        return *(dynamic_cast<AbstractDOMParser&>(parser).*&ScannerOf::getScanner)();
+    static xercesc::ReaderMgr& readers(XMLScanner& scanner) { return scanner.*&StateOf::fReaderMgr; }
+    static xercesc::XMLReader::XMLVersion& version(XMLScanner& scanner) {
+        return scanner.*&StateOf::fXMLVersion;
     }
 };
 
@@ -40,13 +38,18 @@ void refuseIf(bool exceeded, const char* message) {
 
 } // namespace
 
-DocumentLimits::DocumentLimits(xercesc::DOMLSParser* parser)
-    : scanner(ScannerOf::get(*parser)), next(*scanner.getDocHandler()) {
-    scanner.setDocHandler(this);
-}
-
-DocumentLimits::~DocumentLimits() {
-    scanner.setDocHandler(&next);
+/// A document begins by the rules of XML 1.0 and with an empty table of IDs. Xerces would keep the version of the
+/// document before, and as large a table as that has needed, which then takes time to empty and has other
+/// collisions than `CollidingIDs` knows.
+void DocumentLimits::startDocument() {
+    StateOf::version(scanner()) = xercesc::XMLReader::XMLV1_0;
+    StateOf::readers(scanner()).setXMLVersion(xercesc::XMLReader::XMLV1_0);
+    using IDs = xercesc::RefHashTableOf<xercesc::XMLRefInfo>;
+    if (scanner().getIDRefList()->getHashModulus() != CollidingIDs::FIRST_SIZE) {
+        auto* const memory = scanner().getMemoryManager();
+        scanner().getValidationContext()->setIdRefList(new (memory) IDs(CollidingIDs::FIRST_SIZE, memory));
+    }
+    DocumentHandlerLink::startDocument();
 }
 
 void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
@@ -65,14 +68,15 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
         openElements.push_back(attributeCount);
         openAttributes += attributeCount;
     }
-    next.startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty, isRoot);
+    DocumentHandlerLink::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
+                                      isRoot);
 }
 
 void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
                                 const XMLCh* prefix) {
     openAttributes -= openElements.back();
     openElements.pop_back();
-    next.endElement(declaration, uriId, isRoot, prefix);
+    DocumentHandlerLink::endElement(declaration, uriId, isRoot, prefix);
 }
 
 void DocumentLimits::countName(const XMLCh* name) {
@@ -93,51 +97,18 @@ void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
         refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
     }
     if (attribute.getType() == xercesc::XMLAttDef::ID)
-        refuseIf(++ids[xercesc::XMLString::hash(attribute.getValue(), HASH_MODULUS)] > MAXIMUM_COLLIDING_IDS,
+        refuseIf(ids.add(std::u16string_view(attribute.getValue())),
                  "XML content can not have more than 1000 colliding IDs");
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {
     refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments");
-    next.docComment(comment);
-}
-
-void DocumentLimits::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
-    next.docCharacters(text, length, isCData);
+    DocumentHandlerLink::docComment(comment);
 }
 
 void DocumentLimits::docPI(const XMLCh* target, const XMLCh* data) {
     countName(target);
-    next.docPI(target, data);
-}
-
-void DocumentLimits::startDocument() {
-    next.startDocument();
-}
-
-void DocumentLimits::endDocument() {
-    next.endDocument();
-}
-
-void DocumentLimits::resetDocument() {
-    next.resetDocument();
-}
-
-void DocumentLimits::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
-    next.startEntityReference(declaration);
-}
-
-void DocumentLimits::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
-    next.endEntityReference(declaration);
-}
-
-void DocumentLimits::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
-    next.ignorableWhitespace(text, length, isCData);
-}
-
-void DocumentLimits::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
-                             const XMLCh* actualEncoding) {
-    next.XMLDecl(version, encoding, standalone, actualEncoding);
+    DocumentHandlerLink::docPI(target, data);
 }
 
 } // namespace opc::model

@@ -1,9 +1,12 @@
 #include "SchemaParser.hpp"
+#include "relationships/RelationshipsScanner.hpp"
+#include "support/Outcome.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
 
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include <algorithm>
@@ -36,7 +39,7 @@ std::string swapped(std::string bytes) {
 }
 
 class Reading : public testing::Test {
-protected:
+public:
     /// The text of the root element.
     std::u16string read(opc::InputStream& stream) {
         return textOf(XercesHelper::readDocumentFromStream(parser.get(), stream, false, u"", u""));
@@ -50,6 +53,7 @@ protected:
         return textOf(XercesHelper::readDocumentFromString(parser.get(), document, false, u"", u""));
     }
 
+protected:
     SchemaParser parser;
 
 private:
@@ -185,20 +189,97 @@ TEST_F(Reading, countsAnewForEachDocument) {
     }
 }
 
-TEST_F(Reading, stopsIDsThatCollide) {
-    SchemaParser relationships{&schemas::RELATIONSHIPS};
-    std::string document =
-        "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
-    for (unsigned i = 0; i < 65536; ++i) {
-        document += "<Relationship Target='x' Type='t' Id='a";
-        for (unsigned bit = 0; bit < 16; ++bit)
-            document += (i >> bit & 1) != 0 ? "Az" : "BT"; // alike to the hash function
-        document += "'/>";
+constexpr char RELATIONSHIPS[] =
+    "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
+
+/// A relationships part, that is in a plain form, with these IDs.
+std::string withIDs(const std::vector<std::string>& ids) {
+    std::string document = RELATIONSHIPS;
+    for (const std::string& id : ids)
+        document += "<Relationship Target='x' Type='t' Id='" + id + "'/>";
+    return document + "</Relationships>";
+}
+
+/// The first IDs that fall into the first bucket of a table of that size.
+std::vector<std::string> inOneBucket(std::size_t count, std::size_t size) {
+    std::vector<std::string> ids;
+    for (std::size_t number = 0; ids.size() < count; ++number) {
+        const std::string id = "a" + std::to_string(number);
+        if (xercesc::XMLString::hash(id.c_str(), size) == 0)
+            ids.push_back(id);
     }
+    return ids;
+}
+
+/// IDs of one hash value.
+std::vector<std::string> alike(std::size_t count) {
+    std::vector<std::string> ids(count, "a");
+    for (std::size_t i = 0; i < count; ++i)
+        for (unsigned bit = 0; bit < 16; ++bit)
+            ids[i] += (i >> bit & 1) != 0 ? "Az" : "BT";
+    return ids;
+}
+
+std::vector<std::string> numbered(std::size_t count, const char* prefix) {
+    std::vector<std::string> ids;
+    for (std::size_t i = 0; i < count; ++i)
+        ids.push_back(prefix + std::to_string(i));
+    return ids;
+}
+
+// What is scanned has the limit of what is parsed.
+TEST_F(Reading, stopsIDsThatFallTogether) {
+    const std::pair<std::vector<std::string>, bool> cases[] = {
+        {alike(1000), true},
+        {alike(1001), false},
+        {alike(65536), false},
+        {inOneBucket(1500, 3519), false}, // the size of the table for 1320 to 2639 IDs
+        {numbered(100000, "rId"), true},
+        {inOneBucket(1500, 3519), false}, // whatever was read before
+        {numbered(20000, "R000000"), true},
+    };
+    SchemaParser relationships{&schemas::RELATIONSHIPS};
     const std::clock_t start = std::clock();
-    EXPECT_EQ(relationships.refusal(document + "</Relationships>", true),
-              "XML content can not have more than 1000 colliding IDs");
-    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
+    for (const auto& [ids, isTaken] : cases) {
+        const std::string document = withIDs(ids);
+        EXPECT_EQ(relationships.refusal(document, true),
+                  isTaken ? "" : "XML content can not have more than 1000 colliding IDs")
+            << ids.front() << ' ' << ids.size();
+        std::vector<ScannedRelationship> found;
+        EXPECT_EQ(scanRelationships(document, found), isTaken) << ids.front() << ' ' << ids.size();
+    }
+    EXPECT_LT(std::clock() - start, 8 * CLOCKS_PER_SEC);
+}
+
+struct FreshReading : Reading {
+    void TestBody() override {}
+};
+
+// The same bytes give the same result, whatever the parser has read before.
+TEST_F(Reading, startsAfreshWithEachDocument) {
+    const std::string before[] = {
+        "<?xml version='1.1'?><a>&#1;</a>",
+        "<?xml version='1.1' standalone='yes'?><a",
+        manyNames(1900, "b xmlns='u:", "'"),
+        "<a xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:schemaLocation='u:1 x'/>",
+        "<!DOCTYPE a [<!ENTITY e 'x'>]><a/>",
+    };
+    const std::string documents[] = {
+        "<a>&#1;</a>", "<a>\xC2\x85|\xE2\x80\xA8|\xC2\x80</a>", "<a\xC2\x85/>",
+        "<a>&e;</a>",  "<?xml version='1.0'?><a>\xC2\x85</a>",  "<?xml version='1.1'?><a>\xC2\x85&#1;</a>"};
+    for (const std::string& document : documents) {
+        const auto outcome = [&document](Reading& reading) {
+            std::u16string text;
+            const std::string failure = outcomeOf([&] { text = reading.read(document); });
+            return failure + opc::toUDEString(text);
+        };
+        FreshReading fresh;
+        const std::string expected = outcome(fresh);
+        for (const std::string& read : before) {
+            parser.refusal(read, false);
+            EXPECT_EQ(outcome(*this), expected) << document << " behind " << read.substr(0, 60);
+        }
+    }
 }
 
 /// Gives bytes as a bad stream may: few at once, claiming more than it was asked for, or failing.
@@ -268,8 +349,7 @@ TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
 
 TEST(ReadingWithGrammar, worksAfterEachKindOfFailure) {
     SchemaParser parser({&schemas::RELATIONSHIPS});
-    const std::string head =
-        "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
+    const std::string head = RELATIONSHIPS;
     const std::string good = head + "<Relationship Id='a' Type='t' Target='a'/></Relationships>";
     const std::string documents[] = {
         // of any kind

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace opc::model {
+
+/// Finds IDs that are made to fall together in the hash table of Xerces, where an ID is sought among all those of
+/// its bucket. Follows that table: its hash values, its size at first, its growth.
+class CollidingIDs {
+public:
+    static constexpr std::size_t FIRST_SIZE = 109; ///< of the table
+    static constexpr std::uint16_t MAXIMUM = 1000;
+
+    /// @param id  in UTF-16 or in ASCII
+    /// @return whether more than MAXIMUM fall together by now
+    template <typename Text>
+    bool add(const Text& id) {
+        std::size_t hash = 0;
+        for (const auto unit : id)
+            hash = hash * 38 + (hash >> 24) + static_cast<std::size_t>(unit);
+        return addHash(hash);
+    }
+
+private:
+    bool addHash(std::size_t hash);
+    void grow();
+
+    std::vector<std::size_t> hashes;
+    std::vector<std::uint16_t> buckets; ///< how many IDs each has
+};
+
+} // namespace opc::model
