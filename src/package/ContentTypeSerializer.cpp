@@ -4,11 +4,11 @@
 #include "package/ContentTypesScanner.hpp"
 #include "package/ContentTypesWriter.hpp"
 #include "xml/DocumentOutput.hpp"
+#include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
-#include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -18,7 +18,9 @@
 
 #include <xercesc/dom/DOM.hpp>
 
+#include <deque>
 #include <map>
+#include <set>
 
 namespace opc::model {
 
@@ -27,11 +29,11 @@ namespace {
 /// A stream beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 16 << 20;
 
-std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
-    std::u16string value;
-    XercesHelper::getElementAttribute(element, name, value);
-    return value;
-}
+/// An entry that waits for the end of the document, which must be valid as a whole. There are few content types.
+struct FoundEntry {
+    std::u16string key;
+    const std::u16string* contentType;
+};
 
 /// The content types of one stream, which has few different ones: each is parsed once. They stand in a tree,
 /// since nobody can choose texts that make it slow.
@@ -69,10 +71,12 @@ void addOverride(ContentTypeMap& map, const std::u16string& partName, const std:
     map.addOverride(name, types.read(contentType));
 }
 
+constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
+
 /// The names in the document, as Xerces takes them.
 struct Names {
     XercesGuard guard;
-    XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/content-types"};
+    XercesString namespaceURI{NAMESPACE};
     XercesString typesName{u"Types"};
     XercesString defaultName{u"Default"};
     XercesString extensionName{u"Extension"};
@@ -102,26 +106,39 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
 }
 
 void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
-    const Names names;
-    const auto parser = XercesHelper::createParser();
-    loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
-    const xercesc::DOMDocument* document = nullptr;
+    const XercesGuard guard;
+    std::set<std::u16string> contentTypes;
+    std::deque<FoundEntry> defaults;
+    std::deque<FoundEntry> overrides;
+    std::size_t unread = 0;
+    const auto keep = [&](std::deque<FoundEntry>& entries, const VisitedElement& element,
+                          std::u16string_view key) {
+        const auto contentType = contentTypes.emplace(element.attribute(u"ContentType")).first;
+        entries.push_back({std::u16string(element.attribute(key)), &*contentType});
+    };
     try {
-        document = XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
+        const auto parser = XercesHelper::createParser();
+        loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
+        const ElementVisits visits(parser.get(), [&](const VisitedElement& element) {
+            if (element.isRoot())
+                unread += element.is(NAMESPACE, u"Types") ? 0 : 1;
+            else if (element.isNamed(u"Default"))
+                keep(defaults, element, u"Extension");
+            else if (element.isNamed(u"Override"))
+                keep(overrides, element, u"PartName");
+            else
+                ++unread;
+        });
+        XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
     ContentTypeReader types;
-    const xercesc::DOMElement* root = document->getDocumentElement();
-    const auto defaults = XercesHelper::getElements(root, names.defaultName);
-    for (const xercesc::DOMElement* element : defaults)
-        addDefault(map, readAttribute(element, names.extensionName),
-                   readAttribute(element, names.contentTypeName), types);
-    const auto overrides = XercesHelper::getElements(root, names.overrideName);
-    for (const xercesc::DOMElement* element : overrides)
-        addOverride(map, readAttribute(element, names.partNameName),
-                    readAttribute(element, names.contentTypeName), types);
-    map.setUnread(countUnread(root, names.namespaceURI, names.typesName, defaults.size() + overrides.size()));
+    for (; !defaults.empty(); defaults.pop_front())
+        addDefault(map, defaults.front().key, *defaults.front().contentType, types);
+    for (; !overrides.empty(); overrides.pop_front())
+        addOverride(map, overrides.front().key, *overrides.front().contentType, types);
+    map.setUnread(unread);
 }
 
 void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {

@@ -16,9 +16,30 @@
 
 namespace opc::model {
 
-/// The types of relationships that were scanned, by their text in ASCII. A package has few: its relationships
-/// share them.
-using RelationshipTypes = std::map<std::string, std::u16string, std::less<>>;
+/// The types of relationships that were read. A package has few: its relationships share them.
+class RelationshipTypes {
+public:
+    /// @param type  in ASCII
+    /// @return good as long as this object
+    std::u16string_view share(std::string_view type) {
+        const auto found = types.lower_bound(type);
+        if (found != types.end() && found->first == type)
+            return found->second;
+        const std::string_view key = keep<char>(type);
+        return types.emplace_hint(found, key, keep<char16_t>(type))->second;
+    }
+
+private:
+    template <typename Unit>
+    std::basic_string_view<Unit> keep(std::string_view text) {
+        auto* const kept = static_cast<Unit*>(memory.allocate(text.size() * sizeof(Unit), alignof(Unit)));
+        std::copy(text.begin(), text.end(), kept);
+        return {kept, text.size()};
+    }
+
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::map<std::string_view, std::u16string_view> types{&memory};
+};
 
 /// The values of all relationships of one source. Their texts lie elsewhere.
 class RelationshipGroup {
@@ -51,8 +72,8 @@ private:
     std::pmr::vector<Values> entries;
 };
 
-/// Relationships of some sources with their texts, in one piece of memory. They go together: whoever has one of
-/// them shares the block.
+/// Relationships of some sources with their texts, in one piece of memory where the room was known before. They go
+/// together: whoever has one of them shares the block.
 class RelationshipBlock {
 public:
     /// How much room a group takes at most.
@@ -68,15 +89,17 @@ public:
     RelationshipBlock(const RelationshipBlock&) = delete;
     RelationshipBlock& operator=(const RelationshipBlock&) = delete;
 
+    /// What is left of the first piece; beyond it the block grows.
     std::size_t room() const noexcept { return left; }
 
-    RelationshipGroup& addGroup(const URI& source, std::size_t count, std::size_t textLength) {
-        left -= std::min(left, roomFor(count, textLength));
+    RelationshipGroup& addGroup(const URI& source, std::size_t count) {
+        use(roomFor(count, 0));
         return groups.emplace_front(source, count, &memory);
     }
 
     template <typename Text>
     std::u16string_view keep(const Text& text) {
+        use(text.size() * sizeof(char16_t));
         auto* const kept =
             static_cast<char16_t*>(memory.allocate(text.size() * sizeof(char16_t), alignof(char16_t)));
         std::copy(text.begin(), text.end(), kept);
@@ -84,6 +107,8 @@ public:
     }
 
 private:
+    void use(std::size_t size) { left -= std::min(left, size); }
+
     const std::shared_ptr<const RelationshipTypes> types;
     std::size_t left;
     std::pmr::monotonic_buffer_resource memory;

@@ -4,13 +4,14 @@
 #include "relationships/RelationshipTarget.hpp"
 #include "relationships/RelationshipsWriter.hpp"
 #include "xml/DocumentOutput.hpp"
-#include "xml/DocumentPoolReset.hpp"
+#include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
-#include "xml/UnreadElements.hpp"
+#include "xml/ReusedParser.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
@@ -20,6 +21,8 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
+#include <deque>
+#include <exception>
 
 namespace opc::model {
 
@@ -31,12 +34,6 @@ constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 /// Of memory for relationships. A single one that outlives its package keeps as much.
 constexpr std::size_t BLOCK_SIZE = 8 << 10;
 
-std::u16string readAttribute(const xercesc::DOMElement* element, const XercesString& name) {
-    std::u16string value;
-    XercesHelper::getElementAttribute(element, name, value);
-    return value;
-}
-
 /// The text as a URI; what it is no URI for is said by `message`.
 URI readURI(const std::u16string& text, const char* message) {
     try {
@@ -47,9 +44,11 @@ URI readURI(const std::u16string& text, const char* message) {
 }
 
 constexpr char16_t EXTERNAL[] = u"External";
+constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/relationships";
 
-void add(const std::u16string& id, const std::u16string& type, const std::u16string& target,
-         const std::u16string& targetMode, RelationshipManager& manager) {
+/// Checks the values of a relationship in this order.
+/// @return its target mode
+TargetMode check(const std::u16string& type, const std::u16string& target, std::u16string_view targetMode) {
     if (type.empty())
         throw InvalidPartContent("Type is empty");
     readURI(type, "Type is not a valid URI");
@@ -59,23 +58,80 @@ void add(const std::u16string& id, const std::u16string& type, const std::u16str
     if (targetMode == EXTERNAL) {
         if (!isIRITarget(target))
             throw InvalidPartContent("Target is not a valid IRI for an external relationship");
-        manager.addExternalRelationship(id, type, target);
-        return;
+        return TargetMode::External;
     }
     const URI uri = readURI(target, "Target is not a valid URI for an internal relationship");
     if (uri.isOpaque())
         throw InvalidPartContent("Target of an internal relationship cannot be an opaque URI");
-    manager.addInternalRelationship(id, type, uri);
+    return TargetMode::Internal;
 }
+
+ReusedParser::Owned createRelationshipsParser() {
+    auto parser = XercesHelper::createParser();
+    loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
+    return parser;
+}
+
+/// What the parser finds in a document, until that is known to be valid.
+class ParsedRelationships {
+public:
+    /// @param block  takes the texts
+    ParsedRelationships(RelationshipBlock& block, RelationshipTypes& shared, const URI& source)
+        : memory(block), types(shared), sourceURI(source) {}
+
+    void add(const VisitedElement& element) {
+        if (element.isRoot())
+            unread += element.is(NAMESPACE, u"Relationships") ? 0 : 1;
+        else if (!element.isNamed(u"Relationship"))
+            ++unread;
+        else if (!failure)
+            addRelationship(element);
+    }
+
+    RelationshipGroup& makeGroup() const {
+        RelationshipGroup& group = memory.addGroup(sourceURI, found.size());
+        for (const RelationshipGroup::Values& values : found)
+            group.add(values.id, values.type, values.target, values.targetMode);
+        group.sortByID();
+        return group;
+    }
+
+    void throwIfOneIsBad() const {
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
+    std::size_t countUnread() const { return unread; }
+
+private:
+    void addRelationship(const VisitedElement& element) {
+        try {
+            const std::u16string type(element.attribute(u"Type"));
+            const std::u16string target(element.attribute(u"Target"));
+            const TargetMode mode = check(type, target, element.attribute(u"TargetMode"));
+            found.push_back({memory.keep(element.attribute(u"Id")), types.share(toASCIIString(type)),
+                             memory.keep(target), &sourceURI, mode});
+        } catch (const InvalidPartContent&) {
+            failure = std::current_exception();
+        }
+    }
+
+    RelationshipBlock& memory;
+    RelationshipTypes& types;
+    const URI& sourceURI;
+    std::deque<RelationshipGroup::Values> found; // in front of the first bad one
+    std::exception_ptr failure;                  // of that one, which is told if the document is valid
+    std::size_t unread = 0;
+};
 
 } // namespace
 
 /// What Xerces works with.
 struct RelationshipSerializer::Xml {
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser;     // made when a part needs it
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // the same
-    XercesString namespaceURI{u"http://schemas.openxmlformats.org/package/2006/relationships"};
+    ReusedParser parser{createRelationshipsParser};
+    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // made when a part needs it
+    XercesString namespaceURI{NAMESPACE};
     XercesString relationshipsName{u"Relationships"};
     XercesString relationshipName{u"Relationship"};
     XercesString idName{u"Id"};
@@ -105,45 +161,37 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
         length += relationship.id.size() + relationship.target.size();
-    const std::size_t room = RelationshipBlock::roomFor(scanned.size(), length);
-    if (!block || block->room() < room)
-        block = std::make_shared<RelationshipBlock>(std::max(room, BLOCK_SIZE), types);
-    RelationshipGroup& group = block->addGroup(manager.getSourceURI(), scanned.size(), length);
+    RelationshipBlock& memory = blockWithRoom(RelationshipBlock::roomFor(scanned.size(), length));
+    RelationshipGroup& group = memory.addGroup(manager.getSourceURI(), scanned.size());
     for (const ScannedRelationship& relationship : scanned)
-        group.add(block->keep(relationship.id), shareType(relationship.type),
-                  block->keep(relationship.target),
+        group.add(memory.keep(relationship.id), types->share(relationship.type),
+                  memory.keep(relationship.target),
                   relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
     group.sortByID();
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &group));
 }
 
-std::u16string_view RelationshipSerializer::shareType(std::string_view type) {
-    auto found = types->find(type);
-    if (found == types->end())
-        found = types->emplace(type, widen(type)).first;
-    return found->second;
+RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
+    if (!block || block->room() < room)
+        block = std::make_shared<RelationshipBlock>(std::max(room, BLOCK_SIZE), types);
+    return *block;
 }
 
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
-    Xml& names = xml();
-    if (!names.parser) {
-        auto parser = XercesHelper::createParser();
-        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
-        names.parser = std::move(parser);
-    }
-    const DocumentPoolReset reset(names.parser.get());
-    const xercesc::DOMDocument* document = nullptr;
+    RelationshipBlock& memory = blockWithRoom(1);
+    ParsedRelationships found(memory, *types, manager.getSourceURI());
     try {
-        document = XercesHelper::readDocumentFromStream(names.parser.get(), stream, true, {}, {});
+        xml().parser.use([&](xercesc::DOMLSParser* parser) {
+            const ElementVisits visits(parser,
+                                       [&found](const VisitedElement& element) { found.add(element); });
+            XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
+        });
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
-    const xercesc::DOMElement* root = document->getDocumentElement();
-    const auto elements = XercesHelper::getElements(root, names.relationshipName);
-    for (const xercesc::DOMElement* element : elements)
-        add(readAttribute(element, names.idName), readAttribute(element, names.typeName),
-            readAttribute(element, names.targetName), readAttribute(element, names.targetModeName), manager);
-    manager.setUnread(countUnread(root, names.namespaceURI, names.relationshipsName, elements.size()));
+    manager.take(std::shared_ptr<const RelationshipGroup>(block, &found.makeGroup()));
+    found.throwIfOneIsBad();
+    manager.setUnread(found.countUnread());
 }
 
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {

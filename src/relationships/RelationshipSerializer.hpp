@@ -46,7 +46,7 @@ private:
     struct Xml;
 
     Xml& xml();
-    std::u16string_view shareType(std::string_view type);
+    RelationshipBlock& blockWithRoom(std::size_t room);
 
     std::unique_ptr<Xml> made;
     ReadAheadBuffer buffer;                   // holds the part in hand

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "signatures/SignatureVocabulary.hpp"
+#include "xml/ReusedParser.hpp"
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
@@ -95,7 +96,7 @@ private:
     void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
 
     XercesGuard m_guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> m_parser;     ///< made when a part needs it
+    ReusedParser m_parser;
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer; ///< null when it has failed
     SignatureNames m_names;
     PackageSignatureNames m_packageNames;

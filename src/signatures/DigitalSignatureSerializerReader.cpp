@@ -4,12 +4,12 @@
 #include "signatures/DocumentErrors.hpp"
 #include "signatures/SignatureLimits.hpp"
 #include "signatures/SignatureScanner.hpp"
-#include "xml/DocumentPoolReset.hpp"
 #include "xml/ElementIndex.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
+#include "xml/XercesFailures.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
@@ -19,17 +19,18 @@
 #include <algorithm>
 
 #include <xercesc/dom/DOM.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 namespace opc::model {
 
 namespace {
 
-std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createSignatureParser() {
+ReusedParser::Owned createSignatureParser() {
     auto parser = XercesHelper::createParser();
-    parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
-    parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesSchemaFullChecking, true);
+    translateXercesFailures([&parser] {
+        parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
+        parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesSchemaFullChecking, true);
+    });
     loadGrammars(parser.get(), {&schemas::PACKAGE_SIGNATURE, &schemas::XML_SIGNATURE});
     return parser;
 }
@@ -75,7 +76,7 @@ SignatureParams settleParameters(const DigitalSignatureData& data) {
 } // namespace
 
 DigitalSignatureSerializer::DigitalSignatureSerializer()
-    : m_writer(XercesHelper::createWriter()), m_packageNames(u""),
+    : m_parser(createSignatureParser), m_writer(XercesHelper::createWriter()), m_packageNames(u""),
       m_packageNamespace(vocabulary::PACKAGE_SIGNATURE_NAMESPACE) {
 }
 
@@ -112,21 +113,14 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
 }
 
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSignatureData& data) {
-    if (!m_parser)
-        m_parser = createSignatureParser();
-    try {
-        const DocumentPoolReset reset(m_parser.get());
+    m_parser.use([&](xercesc::DOMLSParser* parser) {
         translateDocumentFailures([&] {
             const ElementIndex index(
-                XercesHelper::readDocumentFromStream(m_parser.get(), stream, true, {}, {})
-                    ->getDocumentElement());
+                XercesHelper::readDocumentFromStream(parser, stream, true, {}, {})->getDocumentElement());
             SignatureLimits(m_names).check(index);
             readDocument(index.at(0), data);
         });
-    } catch (const xercesc::OutOfMemoryException&) {
-        m_parser.reset(); // it can't be used again, and holds on to its memory
-        throw;
-    }
+    });
 }
 
 void DigitalSignatureSerializer::readDocument(const IndexedElement& root, DigitalSignatureData& data) {

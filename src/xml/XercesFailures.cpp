@@ -15,7 +15,8 @@ struct NarrowStringDeleter {
 } // namespace
 
 std::string toNarrowMessage(const char16_t* message) {
-    const std::unique_ptr<char, NarrowStringDeleter> narrow(xercesc::XMLString::transcode(message));
+    const std::unique_ptr<char, NarrowStringDeleter> narrow(
+        translateLackOfMemory([message] { return xercesc::XMLString::transcode(message); }));
     return narrow ? narrow.get() : "The XML is invalid, without a message";
 }
 

@@ -1,5 +1,7 @@
 #include <opc/model/XercesGuard.hpp>
 
+#include "xml/XercesFailures.hpp"
+
 #include <boost/thread/mutex.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -19,7 +21,10 @@ boost::mutex& platformMutex() {
 
 XercesGuard::XercesGuard() {
     const boost::unique_lock<boost::mutex> lock(platformMutex());
-    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
+    translateLackOfMemory([] {
+        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
+                                              nullptr);
+    });
 }
 
 XercesGuard::~XercesGuard() { // NOLINT(bugprone-exception-escape): see the header

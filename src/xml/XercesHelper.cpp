@@ -15,15 +15,6 @@ using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::XMLString;
 
-template <typename Change>
-auto translateDOMExceptions(Change&& change) {
-    try {
-        return std::forward<Change>(change)();
-    } catch (const xercesc::DOMException& failure) {
-        throw InvalidXMLDocument(toNarrowMessage(failure.getMessage()));
-    }
-}
-
 DOMElement* append(DOMNode* parent, DOMElement* element) {
     parent->appendChild(element);
     return element;
@@ -109,7 +100,7 @@ std::vector<DOMElement*> findAll(const DOMElement* root, const Test& matches) {
 bool takeValue(const DOMAttr* attribute, std::u16string& value) {
     if (!attribute)
         return false;
-    value = attribute->getValue();
+    value = translateLackOfMemory([attribute] { return attribute->getValue(); });
     return true;
 }
 
@@ -121,24 +112,24 @@ constexpr bool isSpace(char16_t unit) noexcept {
 } // namespace
 
 DOMElement* XercesHelper::appendElement(DOMDocument* document, const XercesString& name) {
-    return translateDOMExceptions([&] { return append(document, document->createElement(name.toXMLCh())); });
+    return translateXercesFailures([&] { return append(document, document->createElement(name.toXMLCh())); });
 }
 
 DOMElement* XercesHelper::appendElement(DOMElement* parent, const XercesString& name) {
-    return translateDOMExceptions(
+    return translateXercesFailures(
         [&] { return append(parent, parent->getOwnerDocument()->createElement(name.toXMLCh())); });
 }
 
 DOMElement* XercesHelper::appendElementNS(DOMDocument* document, const XercesString& namespaceURI,
                                           const XercesString& qualifiedName) {
-    return translateDOMExceptions([&] {
+    return translateXercesFailures([&] {
         return append(document, document->createElementNS(namespaceURI.toXMLCh(), qualifiedName.toXMLCh()));
     });
 }
 
 DOMElement* XercesHelper::appendElementNS(DOMElement* parent, const XercesString& namespaceURI,
                                           const XercesString& qualifiedName) {
-    return translateDOMExceptions([&] {
+    return translateXercesFailures([&] {
         return append(parent, parent->getOwnerDocument()->createElementNS(namespaceURI.toXMLCh(),
                                                                           qualifiedName.toXMLCh()));
     });
@@ -146,17 +137,17 @@ DOMElement* XercesHelper::appendElementNS(DOMElement* parent, const XercesString
 
 void XercesHelper::setElementAttribute(DOMElement* element, const XercesString& name,
                                        const std::u16string& value) {
-    translateDOMExceptions([&] { element->setAttribute(name.toXMLCh(), value.c_str()); });
+    translateXercesFailures([&] { element->setAttribute(name.toXMLCh(), value.c_str()); });
 }
 
 void XercesHelper::setElementAttributeNS(DOMElement* element, const XercesString& namespaceURI,
                                          const XercesString& qualifiedName, const std::u16string& value) {
-    translateDOMExceptions(
+    translateXercesFailures(
         [&] { element->setAttributeNS(namespaceURI.toXMLCh(), qualifiedName.toXMLCh(), value.c_str()); });
 }
 
 void XercesHelper::setElementText(DOMElement* element, const std::u16string& text) {
-    translateDOMExceptions([&] { element->setTextContent(text.c_str()); });
+    translateXercesFailures([&] { element->setTextContent(text.c_str()); });
 }
 
 DOMElement* XercesHelper::getElement(const DOMElement* element, const XercesString& name) {

@@ -152,27 +152,36 @@ void configureParser(DOMConfiguration* configuration, bool validate, bool loadSc
 
 std::unique_ptr<DOMDocument, XercesDeleter> XercesHelper::createDocument() {
     const XercesGuard guard;
-    return std::unique_ptr<DOMDocument, XercesDeleter>(
-        implementation()->createDocument(XMLPlatformUtils::fgMemoryManager));
+    return translateLackOfMemory([] {
+        return std::unique_ptr<DOMDocument, XercesDeleter>(
+            implementation()->createDocument(XMLPlatformUtils::fgMemoryManager));
+    });
 }
 
 std::unique_ptr<DOMLSParser, XercesDeleter> XercesHelper::createParser() {
     const XercesGuard guard;
-    return std::unique_ptr<DOMLSParser, XercesDeleter>(implementation()->createLSParser(
-        xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr, XMLPlatformUtils::fgMemoryManager, nullptr));
+    return translateLackOfMemory([] {
+        return std::unique_ptr<DOMLSParser, XercesDeleter>(
+            implementation()->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr,
+                                             XMLPlatformUtils::fgMemoryManager, nullptr));
+    });
 }
 
 std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createWriter() {
     const XercesGuard guard;
-    return std::unique_ptr<DOMLSSerializer, XercesDeleter>(
-        implementation()->createLSSerializer(XMLPlatformUtils::fgMemoryManager));
+    return translateLackOfMemory([] {
+        return std::unique_ptr<DOMLSSerializer, XercesDeleter>(
+            implementation()->createLSSerializer(XMLPlatformUtils::fgMemoryManager));
+    });
 }
 
 std::unique_ptr<DOMLSSerializer, XercesDeleter> XercesHelper::createPrettyPrintingWriter() {
     const XercesGuard guard;
     auto writer = createWriter();
-    writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
-    writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTXercesPrettyPrint, false);
+    translateLackOfMemory([&writer] {
+        writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
+        writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTXercesPrettyPrint, false);
+    });
     return writer;
 }
 

@@ -1,5 +1,7 @@
 #include <opc/model/XercesString.hpp>
 
+#include "xml/XercesFailures.hpp"
+
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -9,7 +11,8 @@ XercesString::XercesString(const std::u16string& text) : XercesString(text.c_str
 }
 
 XercesString::XercesString(const char16_t* text)
-    : xmlString(xercesc::XMLString::replicate(text ? text : xercesc::XMLUni::fgZeroLenString)) {
+    : xmlString(translateLackOfMemory(
+          [text] { return xercesc::XMLString::replicate(text ? text : xercesc::XMLUni::fgZeroLenString); })) {
 }
 
 XercesString::~XercesString() {

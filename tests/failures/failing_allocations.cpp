@@ -12,7 +12,6 @@
 #include <opc/core/Text.hpp>
 
 #include <boost/core/demangle.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 
 #include <dlfcn.h>
 #include <execinfo.h>
@@ -132,8 +131,6 @@ std::string outcomeOf(const Action& action) {
         put(report.fault, std::string("wrong result: ") + e.what());
     } catch (const std::exception& e) {
         return boost::core::demangle(typeid(e).name());
-    } catch (const xercesc::OutOfMemoryException&) {
-        return "xercesc::OutOfMemoryException";
     }
     return {};
 }

@@ -12,7 +12,8 @@ namespace opc::model {
 class OPC_MODEL_EXPORT XercesGuard {
 public:
     /// Initialises Xerces if this is the only guard.
-    /// A failure of Xerces or of the lock passes unchanged, and then there is no guard.
+    /// A failure of Xerces or of the lock passes unchanged, but for lack of memory, which is `std::bad_alloc`;
+    /// then there is no guard.
     XercesGuard();
     XercesGuard(const XercesGuard&) : XercesGuard() {}
 

@@ -24,8 +24,8 @@ namespace opc::model {
 ///
 /// Xerces objects are passed by pointer, never null unless said so. Elements belong to their document, and a
 /// document that was read to its parser. A parser, a serialiser or a document serves one thread at a time.
-/// A failure of Xerces leaves as `InvalidXMLDocument` with the message of Xerces; only
-/// `xercesc::OutOfMemoryException` passes as it is, and a parser that raised it can't be used again.
+/// A failure of Xerces leaves as `InvalidXMLDocument` with the message of Xerces, or as `std::bad_alloc` if it
+/// got no memory: the parser or serialiser in hand can't be used again then.
 class OPC_MODEL_EXPORT XercesHelper {
 public:
     XercesHelper() = delete;

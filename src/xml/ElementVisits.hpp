@@ -1,0 +1,66 @@
+#pragma once
+
+#include "xml/DocumentHandlerLink.hpp"
+
+#include <functional>
+#include <string_view>
+
+namespace opc::model {
+
+/// An element as the scanner tells of it, and no longer than it does so.
+class VisitedElement {
+public:
+    VisitedElement(const xercesc::XMLElementDecl& itsDeclaration, const XMLCh* itsPrefix,
+                   const XMLCh* itsNamespace, const xercesc::RefVectorOf<xercesc::XMLAttr>& itsAttributes,
+                   XMLSize_t count, bool isTheRoot)
+        : declaration(itsDeclaration), prefix(itsPrefix), namespaceURI(itsNamespace),
+          attributes(itsAttributes), attributeCount(count), root(isTheRoot) {}
+
+    bool isRoot() const { return root; }
+
+    /// Whether it has this tag name, which is one without a prefix.
+    bool isNamed(std::u16string_view tagName) const { return !(prefix && *prefix) && localName() == tagName; }
+
+    /// Whether it has this name in this namespace, whatever its prefix.
+    bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
+        return localName() == name && itsNamespace == namespaceURI;
+    }
+
+    /// The value of an attribute without a prefix; empty if there is none. Good until the element has been visited.
+    std::u16string_view attribute(std::u16string_view name) const;
+
+private:
+    std::u16string_view localName() const;
+
+    const xercesc::XMLElementDecl& declaration;
+    const XMLCh* prefix;
+    const XMLCh* namespaceURI;
+    const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes;
+    XMLSize_t attributeCount;
+    bool root;
+};
+
+/// Has the elements of a document visited while the parser reads it, in document order, in place
+/// of building a tree of them. What was visited counts only if the reading succeeds.
+class ElementVisits final : public DocumentHandlerLink {
+public:
+    using Visitor = std::function<void(const VisitedElement&)>;
+
+    ElementVisits(xercesc::DOMLSParser* parser, Visitor toCall)
+        : DocumentHandlerLink(parser), visitor(std::move(toCall)) {}
+
+    void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
+                      const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,
+                      bool isEmpty, bool isRoot) override;
+    void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
+                    const XMLCh* prefix) override;
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void docComment(const XMLCh* comment) override;
+    void docPI(const XMLCh* target, const XMLCh* data) override;
+    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) override;
+
+private:
+    Visitor visitor;
+};
+
+} // namespace opc::model
