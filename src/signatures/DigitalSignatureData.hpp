@@ -91,7 +91,7 @@ public:
     /// @throws InvalidURI, InvalidPartName  if the identifier makes no part name
     PartName computeSignaturePartName();
 
-    /// Makes the key value of a signature from a public key in its encoded form.
+    /// Makes the key value of a signature from a public key in any form that `bedrock::crypto` reads.
     /// @throws opc::Exception  if the bytes are no key of the size that the signature's parameters say
     void setKeyValue(const Bytes& publicKey);
 
@@ -108,6 +108,9 @@ public:
     /// @throws InvalidSignature  if the material is unusable or doesn't fit the signature
     /// @{
     DigitalSignatureVerificationStatus verifyWithKey(const Bytes& publicKey) const;
+
+    /// By the key that the signature itself carries.
+    DigitalSignatureVerificationStatus verifyWithKeyValue() const;
 
     /// By the certificate in the signature or, if there is none and the store lets it pass, by the key in it.
     DigitalSignatureVerificationStatus

@@ -129,6 +129,10 @@ DigitalSignatureData::verifyWithFingerprints(const FingerprintStore& fingerprint
     if (!fingerprints.isSkippingVerification() && !fingerprints.usingFingerprintEscapeHatch())
         return DigitalSignatureVerificationStatus(CodesigningVerificationStatus(
             ErrorMap<9>(), CertificateValidationResults(CertificateChainStatus::Good, "")));
+    return verifyWithKeyValue();
+}
+
+DigitalSignatureVerificationStatus DigitalSignatureData::verifyWithKeyValue() const {
     if (!m_keyValue)
         throw InvalidSignature(
             "Signature does not contain a default key or certificate. Please use a verify method "

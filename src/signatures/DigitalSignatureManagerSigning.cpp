@@ -136,7 +136,7 @@ DigitalSignature DigitalSignatureManager::signHelper(const Bytes& privateKey, co
         const DataToSign data = computeDataToSign(parts, selectors, params);
         const DigitalSignature signature = addSignature(std::make_shared<DigitalSignatureData>(
             takeSignatureID(countersign), privateKey, publicKey, params, data));
-        if (!publicKey.empty() && !signature.getImpl()->verifyWithKey(publicKey).isProperlyCodesigned())
+        if (!publicKey.empty() && !signature.getImpl()->verifyWithKeyValue().isProperlyCodesigned())
             throw CouldNotGenerateSignature(
                 "The verification key is invalid since the signature doesn't verify "
                 "correctly after signing.");

@@ -1,5 +1,7 @@
 #include "SignedPackage.hpp"
 
+#include "support/OpenSslCommand.hpp"
+
 namespace {
 
 using namespace opc::model;
@@ -53,6 +55,23 @@ TEST_F(Signing, worksWithEveryDigestAndKeySize) {
     reopen(OpenMode::ReadOnly);
     for (const DigitalSignature& signature : manager->getSignatures())
         EXPECT_EQ(verify(signature, keysOf(signature.getSignatureValue().size() * 8).getPublicKey()), 0);
+}
+
+/// Its length is that of no key in DER, which must not matter once the signature is written.
+TEST_F(Signing, worksWithKeysInPem) {
+    const opc::test::OpenSslCommand openssl;
+    for (const std::size_t bits : {2048U, 4096U}) {
+        openssl.write("key", keysOf(bits).getPrivateKey());
+        openssl.run("pkey -inform DER -in key -out private");
+        openssl.run("rsa -inform DER -in key -pubout -out public");
+        openssl.run("rsa -inform DER -in key -RSAPublicKey_out -out pkcs1");
+        for (const char* file : {"public", "pkcs1"}) {
+            const auto signature =
+                manager->sign({PartName(u"/a.xml")}, {}, openssl.read("private"), openssl.read(file),
+                              SignatureParams(DigestMethod::SHA256, keySizeToSignatureMethod(bits)));
+            EXPECT_EQ(verify(signature, keysOf(bits).getPublicKey()), 0);
+        }
+    }
 }
 
 TEST_F(Signing, refusesInTheOrderOfItsChecks) {

@@ -94,7 +94,7 @@ public:
                           const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
                           const Bytes& publicKey, const SignatureParams& params);
 
-    /// With a key alone: the signature tells nothing of who made it, and isn't checked.
+    /// With a key alone: the signature tells nothing of who made it.
     DigitalSignature sign(const std::vector<PartName>& parts,
                           const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
                           const SignatureParams& params);
