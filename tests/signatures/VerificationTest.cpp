@@ -239,7 +239,14 @@ TEST_F(CertificateSignatures, areRefusedWithBadMaterial) {
           "4096 \n",
           signer.certificate, SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096), trusted);
     fails("The verification certificate is invalid.", signer.certificate, SignatureParams(), other);
+    const Identity forPss = makeSigner(&root, [](CertificateRecipe& r) { r.key = opc::test::makePssKey(); });
+    fails(
+        "The verification certificate is invalid.the certificate's key is for RSA-PSS, which isn't supported",
+        forPss.certificate, SignatureParams(), trusted);
+    key[key.size() / 2] ^= 1;
+    fails("The key's numbers don't belong together.", signer.certificate, SignatureParams(), trusted);
     EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_FALSE(package->hasPart(PartName(ORIGIN)));
     key = bedrock::crypto::generateRsaKeyPair(2048).getPrivateKey();
     fails("The signature doesn't verify correctly with the given certificate.", signer.certificate,
           SignatureParams(), trusted);

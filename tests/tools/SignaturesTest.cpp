@@ -294,12 +294,19 @@ TEST_F(OpctoolSignatures, revocationListsAndWeakKeysCount) {
 
 TEST_F(OpctoolSignatures, failuresPrintOneLineAndLeaveTheFileAsItWas) {
     write("key.txt", "no key");
+    folder.run("openssl pkcs8 -topk8 -nocrypt -in k.key -outform DER -out damaged.key");
+    folder.run("openssl genpkey -algorithm RSA-PSS -pkeyopt rsa_keygen_bits:1024 -out pss.key 2> log");
+    auto key = readFile<std::string>(folder / "damaged.key");
+    key[key.size() / 2] ^= 1;
+    write("damaged.key", key);
     const std::pair<const char*, const char*> cases[] = {
         {"sign p.docx --key key.txt",
          "Exception: key.txt holds no RSA private key of 1024, 2048 or 4096 bits"},
         {"sign p.docx --key k.pub", "Exception: k.pub holds no RSA private key of 1024, 2048 or 4096 bits"},
         {"sign p.docx --key k.key --public key.txt",
          "Exception: key.txt holds no RSA public key of 1024, 2048 or 4096 bits"},
+        {"sign p.docx --key damaged.key", "Exception: damaged.key: The key's numbers don't belong together."},
+        {"sign p.docx --key pss.key", "Exception: pss.key: The key is for RSA-PSS, which isn't supported."},
         {"sign p.docx --key k.key --public other.pub",
          "CouldNotGenerateSignature: The verification key is invalid since the signature doesn't verify "
          "correctly after signing."},

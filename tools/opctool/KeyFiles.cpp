@@ -24,12 +24,14 @@ using Bytes = std::vector<unsigned char>;
 
 constexpr std::size_t KEY_SIZES[] = {1024, 2048, 4096};
 
-/// What `read` makes of the bytes for the first size that they are a key of; null if there is none.
+/// What `read` makes of the file's bytes for the first size that they are a key of; null if there is none.
 template <typename Read>
-auto tryAllSizes(Read read) -> decltype(read(KEY_SIZES[0])) {
+auto tryAllSizes(const std::string& path, Read read) -> decltype(read(KEY_SIZES[0])) {
     for (const std::size_t bits : KEY_SIZES) {
         try {
             return read(bits);
+        } catch (const bedrock::crypto::utils::UnusableKey& e) {
+            throw opc::Exception(path + ": " + e.what());
         } catch (const bedrock::crypto::utils::InvalidKey&) {
             continue;
         }
@@ -40,6 +42,13 @@ auto tryAllSizes(Read read) -> decltype(read(KEY_SIZES[0])) {
 [[noreturn]] void failWithoutKey(const std::string& path, const char* kind) {
     throw opc::Exception(path + " holds no RSA " + kind + " key of 1024, 2048 or 4096 bits");
 }
+
+/// Bytes that are overwritten when they go.
+struct SecretBytes {
+    Bytes bytes;
+
+    ~SecretBytes() { bedrock::crypto::utils::cleanse(bytes); }
+};
 
 Bytes toPem(const std::string& label, const Bytes& der) {
     constexpr std::size_t LINE = 64;
@@ -115,9 +124,9 @@ Bytes readFile(const std::string& path) {
 
 std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string& path) {
     bedrock::crypto::cryptopp::CryptoProvider provider;
-    Bytes bytes = readFile(path);
-    auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPrivateKey(bits, bytes); });
-    bedrock::crypto::utils::cleanse(bytes);
+    const SecretBytes secret{readFile(path)};
+    auto key =
+        tryAllSizes(path, [&](std::size_t bits) { return provider.createRSAPrivateKey(bits, secret.bytes); });
     if (!key)
         failWithoutKey(path, "private");
     return key;
@@ -126,7 +135,7 @@ std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string
 std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& path) {
     bedrock::crypto::cryptopp::CryptoProvider provider;
     const Bytes bytes = readFile(path);
-    auto key = tryAllSizes([&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
+    auto key = tryAllSizes(path, [&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
     if (!key)
         failWithoutKey(path, "public");
     return key;

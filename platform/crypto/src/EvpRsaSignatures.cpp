@@ -30,8 +30,14 @@ openssl::PkeyCtxPtr prepare(EVP_PKEY& key, int (*start)(EVP_PKEY_CTX*), DigestAl
     return context;
 }
 
+bool holds(EVP_PKEY& key, const Bytes& value, const Bytes& digest, DigestAlgorithm algorithm) {
+    const openssl::PkeyCtxPtr context = prepare(key, EVP_PKEY_verify_init, algorithm);
+    return EVP_PKEY_verify(context.get(), value.data(), value.size(), digest.data(), digest.size()) == 1;
+}
+
 } // namespace
 
+// A wrong value, by a damaged key or a fault of the machine, isn't only useless: it can lay the primes open.
 Bytes EvpRsaSigner::sign(const Bytes& bytes, const std::shared_ptr<DigestEngine>& engine) {
     const Bytes digest = require(engine).computeDigest(bytes);
     const openssl::ErrorScope scope;
@@ -41,6 +47,8 @@ Bytes EvpRsaSigner::sign(const Bytes& bytes, const std::shared_ptr<DigestEngine>
     if (EVP_PKEY_sign(context.get(), value.data(), &size, digest.data(), digest.size()) != 1)
         openssl::fail<utils::Exception>("The key can't sign.");
     value.resize(size);
+    if (!holds(*key, value, digest, engine->getAlgorithm()))
+        openssl::fail<utils::Exception>("What the key signs doesn't hold by its public half.");
     return value;
 }
 
@@ -48,12 +56,11 @@ utils::SignatureVerificationStatus EvpRsaVerifier::verify(const Bytes& bytes, co
                                                           const std::shared_ptr<DigestEngine>& engine) {
     const Bytes digest = require(engine).computeDigest(bytes);
     const openssl::ErrorScope scope;
-    const openssl::PkeyCtxPtr context = prepare(*key, EVP_PKEY_verify_init, engine->getAlgorithm());
     if (signatureValue.size() != static_cast<std::size_t>(EVP_PKEY_get_size(key.get())))
         return utils::SignatureVerificationStatus::WrongLength;
-    const bool isValid = EVP_PKEY_verify(context.get(), signatureValue.data(), signatureValue.size(),
-                                         digest.data(), digest.size()) == 1;
-    return isValid ? utils::SignatureVerificationStatus::Valid : utils::SignatureVerificationStatus::Invalid;
+    return holds(*key, signatureValue, digest, engine->getAlgorithm())
+               ? utils::SignatureVerificationStatus::Valid
+               : utils::SignatureVerificationStatus::Invalid;
 }
 
 } // namespace bedrock::crypto

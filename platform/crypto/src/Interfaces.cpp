@@ -23,6 +23,7 @@ namespace utils {
 
 Exception::~Exception() = default;
 InvalidKey::~InvalidKey() = default;
+UnusableKey::~UnusableKey() = default;
 CouldNotComputeDigest::~CouldNotComputeDigest() = default;
 
 } // namespace utils

@@ -1,5 +1,6 @@
 #include "RsaKeyCodec.hpp"
 
+#include "RsaNumbers.hpp"
 #include "RsaPrimes.hpp"
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
@@ -8,6 +9,7 @@
 #include <openssl/pem.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -19,6 +21,7 @@ using Bytes = std::vector<unsigned char>;
 using openssl::BnPtr;
 using openssl::PkeyPtr;
 using utils::InvalidKey;
+using utils::UnusableKey;
 
 // The PEM form of a key of 4096 bits has about 3,300 characters; text may stand before it.
 constexpr std::size_t MaximalEncodedSize = std::size_t{16} * 1024;
@@ -80,11 +83,13 @@ PkeyPtr readKey(const Bytes& encoded, PkeyPtr (*read)(const unsigned char*, std:
                           &block.size))
             openssl::fail<InvalidKey>(failure);
         if (*block.header || std::string_view(block.name).find("ENCRYPTED") != std::string_view::npos)
-            throw InvalidKey("The key is encrypted with a password.");
+            throw UnusableKey("The key is encrypted with a password.");
         key = read(block.data, static_cast<std::size_t>(block.size));
     } else {
         key = read(encoded.data(), encoded.size());
     }
+    if (key && EVP_PKEY_is_a(key.get(), "RSA-PSS"))
+        throw UnusableKey("The key is for RSA-PSS, which isn't supported.");
     if (!key || !EVP_PKEY_is_a(key.get(), "RSA"))
         openssl::fail<InvalidKey>(failure);
     return key;
@@ -117,9 +122,20 @@ void checkPrivateNumbers(std::size_t bits, const BIGNUM& modulus, const BIGNUM& 
 PkeyPtr completePrivateKey(const BIGNUM& modulus, const BIGNUM& privateExponent,
                            const BIGNUM& publicExponent) {
     PkeyPtr key = makePrivateKey(modulus, publicExponent, privateExponent);
-    if (!key)
-        openssl::fail<InvalidKey>("The key's modulus and exponents don't belong together.");
+    if (!key || !belongTogether(*key))
+        openssl::fail<UnusableKey>("The key's modulus and exponents don't belong together.");
     return key;
+}
+
+/// Whether a key is written as by writers that know no primes, or leave to others what follows from them.
+bool isIncomplete(const EVP_PKEY& key) {
+    const char* const names[] = {OSSL_PKEY_PARAM_RSA_FACTOR1, OSSL_PKEY_PARAM_RSA_FACTOR2,
+                                 OSSL_PKEY_PARAM_RSA_EXPONENT1, OSSL_PKEY_PARAM_RSA_EXPONENT2,
+                                 OSSL_PKEY_PARAM_RSA_COEFFICIENT1};
+    return std::any_of(std::begin(names), std::end(names), [&key](const char* name) {
+        const BnPtr number = openssl::getNumber(key, name);
+        return !number || BN_is_zero(number.get());
+    });
 }
 
 PkeyPtr buildPublicKey(const BIGNUM& modulus, const BIGNUM& exponent) {
@@ -158,10 +174,11 @@ PkeyPtr decodePrivateKey(std::size_t bits, const Bytes& encoded) {
     if (!modulus || !publicExponent || !privateExponent)
         openssl::fail<InvalidKey>("The bytes are no RSA private key.");
     checkPrivateNumbers(bits, *modulus, *privateExponent, *publicExponent);
-    const BnPtr prime = openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_FACTOR1);
-    if (prime && !BN_is_zero(prime.get()))
-        return key;
-    return completePrivateKey(*modulus, *privateExponent, *publicExponent);
+    if (isIncomplete(*key))
+        return completePrivateKey(*modulus, *privateExponent, *publicExponent);
+    if (!belongTogether(*key))
+        throw UnusableKey("The key's numbers don't belong together.");
+    return key;
 }
 
 PkeyPtr composePrivateKey(std::size_t bits, const Bytes& modulus, const Bytes& privateExponent,

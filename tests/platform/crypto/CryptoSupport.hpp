@@ -2,6 +2,7 @@
 
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <support/OpenSslCommand.hpp>
 #include <support/TestCertificates.hpp>
 
 #include <gtest/gtest.h>
@@ -26,6 +27,16 @@ inline std::string hex(const Bytes& bytes) {
         text += "0123456789abcdef"[byte & 15];
     }
     return text;
+}
+
+/// The encoded form of a private key of these numbers, in hexadecimal: n, e, d, p, q, dp, dq and qi.
+inline Bytes encode(const opc::test::OpenSslCommand& openssl, const std::vector<std::string>& numbers) {
+    std::string text = "asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\n";
+    for (std::size_t index = 0; index < numbers.size(); ++index)
+        text += std::string("n") + std::to_string(index) + "=INTEGER:0x" + numbers[index] + "\n";
+    openssl.write("key.cnf", bytesOf(text));
+    openssl.run("asn1parse -genconf key.cnf -noout -out encoded");
+    return openssl.read("encoded");
 }
 
 inline crypto::CryptoEngine makeEngine() {

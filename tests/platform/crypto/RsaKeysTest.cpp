@@ -12,13 +12,14 @@ namespace {
 using namespace bedrock::test;
 using bedrock::crypto::CryptoEngine;
 using bedrock::crypto::utils::InvalidKey;
+using bedrock::crypto::utils::UnusableKey;
 using opc::test::OpenSslCommand;
 
 const std::size_t Sizes[] = {1024, 2048, 4096};
 
 /// The numbers of a private key, as the command line prints them.
 struct Numbers {
-    Bytes modulus, publicExponent, privateExponent;
+    Bytes modulus, publicExponent, privateExponent, p, q;
 };
 
 Numbers numbersOf(const OpenSslCommand& openssl, const std::string& file) {
@@ -35,17 +36,14 @@ Numbers numbersOf(const OpenSslCommand& openssl, const std::string& file) {
     };
     Bytes modulus = after("modulus:");
     modulus.erase(modulus.begin()); // printed with its leading zero
-    return {modulus, {1, 0, 1}, after("privateExponent:")};
+    return {modulus, {1, 0, 1}, after("privateExponent:"), after("prime1:"), after("prime2:")};
 }
 
-/// The encoded form of writers that know no primes.
-Bytes withoutPrimes(const OpenSslCommand& openssl, const Numbers& numbers) {
-    openssl.write("bare.cnf",
-                  bytesOf("asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\nn=INTEGER:0x" + hex(numbers.modulus) +
-                          "\ne=INTEGER:0x10001\nd=INTEGER:0x" + hex(numbers.privateExponent) +
-                          "\np=INTEGER:0\nq=INTEGER:0\ndp=INTEGER:0\ndq=INTEGER:0\nqi=INTEGER:0\n"));
-    openssl.run("asn1parse -genconf bare.cnf -noout -out bare");
-    return openssl.read("bare");
+/// The encoded form of writers that know no primes, or, given some, none of what follows from them.
+Bytes withoutPrimes(const OpenSslCommand& openssl, const Numbers& numbers, const std::string& p = "0",
+                    const std::string& q = "0") {
+    return encode(openssl,
+                  {hex(numbers.modulus), "10001", hex(numbers.privateExponent), p, q, "0", "0", "0"});
 }
 
 Bytes product(const Bytes& left, const Bytes& right) {
@@ -95,6 +93,7 @@ TEST(RsaKeys, eachFormOfTheCommandLineIsRead) {
     openssl.run(from + "spki.pem -pubout");
     openssl.run(from + "pkcs1pub.der -RSAPublicKey_out -outform DER");
     openssl.run(from + "pkcs1pub.pem -RSAPublicKey_out");
+    openssl.run("genrsa -primes 3 -out three.pem 2048");
     openssl.run("pkey -inform DER -in pkcs8.der -aes128 -passout pass:x -out encrypted8.pem");
     openssl.run(from + "encrypted1.pem -traditional -aes128 -passout pass:x");
     const CryptoEngine engine = makeEngine();
@@ -111,7 +110,8 @@ TEST(RsaKeys, eachFormOfTheCommandLineIsRead) {
         EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(openssl.read(file)); })) << file;
     }
     for (const char* file : {"encrypted8.pem", "encrypted1.pem"})
-        EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(openssl.read(file)); })) << file;
+        EXPECT_TRUE(fails<UnusableKey>([&] { engine.createRSA2048PrivateKey(openssl.read(file)); })) << file;
+    EXPECT_NO_THROW(engine.createRSA2048PrivateKey(openssl.read("three.pem")));
 }
 
 TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
@@ -120,7 +120,7 @@ TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
     for (const std::size_t bits : Sizes) {
         openssl.write("key", keysOf(bits).getPrivateKey());
         const Numbers numbers = numbersOf(openssl, "key");
-        const auto& [modulus, publicExponent, privateExponent] = numbers;
+        const auto& [modulus, publicExponent, privateExponent, p, q] = numbers;
         const auto key =
             bits == 1024   ? engine.createRSA1024PrivateKey(modulus, privateExponent, publicExponent)
             : bits == 2048 ? engine.createRSA2048PrivateKey(modulus, privateExponent, publicExponent)
@@ -131,9 +131,9 @@ TEST(RsaKeys, primesAreRecoveredFromTheExponents) {
                                          : engine.createRSA4096PublicKey(modulus, publicExponent);
         EXPECT_EQ(open->getAsByteArray(), keysOf(bits).getPublicKey()) << bits;
 
-        EXPECT_EQ(privateKey(bits, withoutPrimes(openssl, numbers))->getAsByteArray(),
-                  keysOf(bits).getPrivateKey())
-            << bits;
+        for (const Bytes& encoded :
+             {withoutPrimes(openssl, numbers), withoutPrimes(openssl, numbers, hex(p), hex(q))})
+            EXPECT_EQ(privateKey(bits, encoded)->getAsByteArray(), keysOf(bits).getPrivateKey()) << bits;
 
         openssl.write("recovered", key->getAsByteArray());
         EXPECT_NE(openssl.run("rsa -check -noout -inform DER -in recovered").find("RSA key ok"),
@@ -158,15 +158,48 @@ TEST(RsaKeys, keysCutShortOrContinuedAreRefused) {
                      [&](const Bytes& key) { engine.createRSA1024PublicKey(key); });
 }
 
+/// Of a key with any byte changed, each number is caught, or the key signs as before.
+TEST(RsaKeys, damagedKeysAreRefusedOrSignRightly) {
+    const OpenSslCommand openssl;
+    openssl.run("genrsa -primes 3 -out three.pem 1024");
+    openssl.run("pkcs8 -topk8 -nocrypt -in three.pem -outform DER -out three.der");
+    bedrock::crypto::cryptopp::CryptoProvider provider;
+    const auto digest = provider.createDigestEngine(bedrock::crypto::DigestAlgorithm::SHA256);
+    for (const Bytes& good : {keysOf(1024).getPrivateKey(), openssl.read("three.der")}) {
+        const auto sign = [&](const Bytes& key) {
+            return provider
+                .createRSASigner(1024, provider.createRSAPrivateKey(1024, key),
+                                 provider.getDefaultRSAPaddingModeSigning(), provider.getDefaultCryptoPRNG())
+                ->sign({'x'}, digest);
+        };
+        const Bytes value = sign(good);
+        std::size_t refused = 0;
+        for (std::size_t position = 0; position < good.size(); ++position) {
+            Bytes damaged = good;
+            damaged[position] ^= position % 2 ? 1 : 0x80;
+            try {
+                provider.createRSAPrivateKey(1024, damaged);
+            } catch (const InvalidKey&) {
+                ++refused;
+                continue;
+            }
+            EXPECT_EQ(sign(damaged), value) << position;
+        }
+        EXPECT_GT(refused, good.size() - 20) << "no number depends on a few bytes";
+    }
+}
+
 TEST(RsaKeys, otherKeysAndSizesAreRefused) {
     const OpenSslCommand openssl;
     openssl.run("genpkey -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -outform DER -out ec.der");
     openssl.run("pkey -inform DER -in ec.der -pubout -outform DER -out ecpub.der");
     openssl.run("genpkey -algorithm RSA-PSS -pkeyopt rsa_keygen_bits:1024 -outform DER -out pss.der");
+    openssl.run("pkey -inform DER -in pss.der -pubout -outform DER -out psspub.der");
     const CryptoEngine engine = makeEngine();
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("ec.der")); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(openssl.read("ecpub.der")); }));
-    EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PrivateKey(openssl.read("pss.der")); }));
+    EXPECT_TRUE(fails<UnusableKey>([&] { engine.createRSA1024PrivateKey(openssl.read("pss.der")); }));
+    EXPECT_TRUE(fails<UnusableKey>([&] { engine.createRSA1024PublicKey(openssl.read("psspub.der")); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA2048PrivateKey(keysOf(1024).getPrivateKey()); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA1024PublicKey(keysOf(2048).getPublicKey()); }));
     EXPECT_TRUE(fails<InvalidKey>([] { bedrock::crypto::generateRsaKeyPair(1536); }));

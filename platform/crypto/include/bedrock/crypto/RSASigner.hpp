@@ -16,9 +16,9 @@ public:
 
     /// @param bytes   what is signed: the signer has it digested
     /// @param engine  computes the digest, and thereby chooses its algorithm
-    /// @return the signature value, as long as the modulus
+    /// @return the signature value, as long as the modulus; it has been checked by the key's public half
     /// @throws utils::CouldNotComputeDigest  also if there is no engine
-    /// @throws utils::Exception  if the key can't sign
+    /// @throws utils::Exception  if the key can't sign, or what it signs doesn't hold
     virtual std::vector<unsigned char> sign(const std::vector<unsigned char>& bytes,
                                             const std::shared_ptr<DigestEngine>& engine) = 0;
 

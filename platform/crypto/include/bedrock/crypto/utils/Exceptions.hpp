@@ -26,6 +26,16 @@ public:
     ~InvalidKey() override;
 };
 
+/// An RSA key that nothing can be done with, whatever size is asked for: it is encrypted, kept to RSA-PSS, or
+/// its numbers don't belong together.
+class BEDROCK_CRYPTO_EXPORT UnusableKey : public InvalidKey {
+public:
+    explicit UnusableKey(const std::string& message) : InvalidKey(message) {}
+    UnusableKey(const UnusableKey&) = default;
+    UnusableKey(UnusableKey&&) = default;
+    ~UnusableKey() override;
+};
+
 /// A digest can't be computed: its algorithm isn't there, or its input can't be read.
 class BEDROCK_CRYPTO_EXPORT CouldNotComputeDigest : public Exception {
 public:
