@@ -1,5 +1,7 @@
 #include "KeyUsages.hpp"
 
+#include <openssl/core_names.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -41,6 +43,13 @@ unsigned signingUsagesOf(const X509& certificate) {
     return allowed;
 }
 
+/// Whether anybody can sign with an RSA key, or nobody.
+bool isExponentTrivial(const EVP_PKEY* key) {
+    const openssl::BnPtr exponent =
+        key && EVP_PKEY_is_a(key, "RSA") ? openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_E) : nullptr;
+    return exponent && (BN_is_one(exponent.get()) || !BN_is_odd(exponent.get()));
+}
+
 /// What speaks against the certificate itself.
 std::string objectionTo(X509& certificate) {
     const EVP_PKEY* key = X509_get0_pubkey(&certificate);
@@ -62,6 +71,8 @@ UsageObjection findUsageObjection(STACK_OF(X509) * chain) {
         return {0, std::move(reason)};
     unsigned allowed = AllSigningUsages;
     for (int depth = 0; depth < sk_X509_num(chain); ++depth) {
+        if (isExponentTrivial(X509_get0_pubkey(sk_X509_value(chain, depth))))
+            return {depth, "the key's public exponent is 1 or even"};
         allowed &= signingUsagesOf(*sk_X509_value(chain, depth));
         if (allowed == 0)
             return {depth, depth == 0 ? "the certificate isn't there for signing"

@@ -84,6 +84,8 @@ X509Certificate copyOf(X509& certificate) {
 }
 
 Bytes exponentOf(const EVP_PKEY& key) {
+    if (EVP_PKEY_is_a(&key, "RSA-PSS"))
+        throw CertificateException("The private key of the bundle is for RSA-PSS, which isn't supported.");
     const openssl::BnPtr exponent =
         EVP_PKEY_is_a(&key, "RSA") ? openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_D) : nullptr;
     if (!exponent)

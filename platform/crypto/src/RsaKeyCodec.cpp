@@ -106,9 +106,9 @@ void checkPublicNumbers(std::size_t bits, const BIGNUM& modulus, const BIGNUM& e
     if (size != bits)
         throw InvalidKey("The key has " + std::to_string(size) + " bits, not " + std::to_string(bits) + ".");
     if (!BN_is_odd(&modulus))
-        throw InvalidKey("The key's modulus is even.");
+        throw UnusableKey("The key's modulus is even.");
     if (!BN_is_odd(&exponent) || BN_is_one(&exponent) || BN_num_bits(&exponent) > MaximalExponentBits)
-        throw InvalidKey("The key's public exponent isn't odd, above 1 and of 64 bits at most.");
+        throw UnusableKey("The key's public exponent isn't odd, above 1 and of 64 bits at most.");
 }
 
 void checkPrivateNumbers(std::size_t bits, const BIGNUM& modulus, const BIGNUM& privateExponent,
@@ -116,7 +116,7 @@ void checkPrivateNumbers(std::size_t bits, const BIGNUM& modulus, const BIGNUM& 
     checkPublicNumbers(bits, modulus, publicExponent);
     if (BN_is_zero(&privateExponent) || BN_is_one(&privateExponent) ||
         BN_cmp(&privateExponent, &modulus) >= 0)
-        throw InvalidKey("The key's private exponent isn't between 1 and the modulus.");
+        throw UnusableKey("The key's private exponent isn't between 1 and the modulus.");
 }
 
 PkeyPtr completePrivateKey(const BIGNUM& modulus, const BIGNUM& privateExponent,

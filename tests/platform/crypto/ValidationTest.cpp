@@ -218,6 +218,8 @@ TEST(Validation, timeAndPurposeDecide) {
          Status::UnknownIssuer},
         {a.signer([](CertificateRecipe& r) { r.rsaBits = 0; }), Status::WrongPurpose},
         {a.signer([](CertificateRecipe& r) { r.key = opc::test::makePssKey(); }), Status::WrongPurpose},
+        {a.signer([](CertificateRecipe& r) { r.key = makePublicKey(256, {1}); }), Status::WrongPurpose},
+        {a.signer([](CertificateRecipe& r) { r.key = makePublicKey(256, {2}); }), Status::WrongPurpose},
     };
     for (const auto& [signer, status] : cases)
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), status)

@@ -26,8 +26,8 @@ public:
     ~InvalidKey() override;
 };
 
-/// An RSA key that nothing can be done with, whatever size is asked for: it is encrypted, kept to RSA-PSS, or
-/// its numbers don't belong together.
+/// An RSA key that nothing can be done with, whatever size is asked for: it is encrypted or kept to RSA-PSS, or
+/// its numbers are out of bounds or don't belong together.
 class BEDROCK_CRYPTO_EXPORT UnusableKey : public InvalidKey {
 public:
     explicit UnusableKey(const std::string& message) : InvalidKey(message) {}
