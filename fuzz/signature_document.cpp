@@ -54,8 +54,7 @@ void verify(const DigitalSignatureData& data) {
 }
 
 void use(DigitalSignatureData& data) {
-    require(data.m_content.digestedManifestReferences <= data.m_content.manifestReferences.size(),
-            "what is digested was read");
+    require(data.m_objects.count(u"idPackageObject") == 1, "the package object was read");
     std::ostringstream text;
     data.prettyPrint(text);
     attempt<InvalidURI, InvalidPartName>([&] { data.computeSignaturePartName(); });

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "signatures/SignedRelationships.hpp"
+
 #include <opc/model/ContentType.hpp>
 #include <opc/model/PartName.hpp>
-#include <opc/model/Relationship.hpp>
 #include <opc/model/RelationshipSelector.hpp>
 
+#include <memory>
 #include <vector>
 
 namespace opc::model {
@@ -15,8 +17,8 @@ struct DataToSign {
     std::vector<std::vector<unsigned char>> digests;
     std::vector<ContentType> contentTypes;
     std::vector<RelationshipSelector> selectors;
-    std::vector<Relationship>
-        relationships; ///< those that the selectors chose, each as often as it was chosen
+    std::shared_ptr<const SignedRelationships> relationships =
+        std::make_shared<SignedRelationships>(); ///< those that the selectors chose
 };
 
 } // namespace opc::model

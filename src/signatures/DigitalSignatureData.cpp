@@ -20,7 +20,8 @@ std::shared_ptr<bedrock::crypto::CryptoEngine> createCryptoEngine() {
 } // namespace
 
 DigitalSignatureData::DigitalSignatureData()
-    : m_cryptoEngine(createCryptoEngine()), m_signedTime(boost::posix_time::not_a_date_time) {
+    : m_cryptoEngine(createCryptoEngine()), m_signedRelationships(std::make_shared<SignedRelationships>()),
+      m_signedTime(boost::posix_time::not_a_date_time) {
 }
 
 DigitalSignatureData::~DigitalSignatureData() = default;
@@ -30,7 +31,7 @@ Enumerator<std::vector<PartName>> DigitalSignatureData::getSignedPartNames() con
 }
 
 Enumerator<std::vector<Relationship>> DigitalSignatureData::getSignedRelationships() const {
-    return Enumerator<std::vector<Relationship>>(m_signedRelationships);
+    return Enumerator<std::vector<Relationship>>(m_signedRelationships->toVector());
 }
 
 bedrock::certificates::X509Certificate DigitalSignatureData::getCertificate() const {

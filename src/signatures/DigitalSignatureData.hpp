@@ -1,6 +1,7 @@
 #pragma once
 
 #include "signatures/SignatureRecords.hpp"
+#include "signatures/SignedRelationships.hpp"
 
 #include <bedrock/certificates/X509Certificate.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
@@ -79,6 +80,7 @@ public:
     SignatureParams getSignatureParams() const { return m_signatureParams; }
     Bytes getSignatureValue() const { return m_signatureValue; }
     Enumerator<std::vector<PartName>> getSignedPartNames() const;
+    /// @throws opc::Exception  if there are more than 10,000,000
     Enumerator<std::vector<Relationship>> getSignedRelationships() const;
     boost::posix_time::ptime getSignedTime() const { return m_signedTime; }
     /// An empty certificate if the signature has none.
@@ -100,8 +102,9 @@ public:
     /// @{
     Bytes computeDigest(InputStream& bytes) const;
 
-    /// The one digest of all relationships of a signature, in Base64.
-    std::u16string computeRelationshipsDigest(const std::vector<Relationship>& relationships) const;
+    /// The one digest of all relationships of the signature, in Base64. Signatures that share their
+    /// relationships share what is computed.
+    std::u16string computeRelationshipsDigest() const;
     /// @}
 
     /// @name Checking the signature value
@@ -147,7 +150,7 @@ public:
 
     std::shared_ptr<bedrock::crypto::CryptoEngine> m_cryptoEngine;
     std::vector<PartName> m_signedPartNames;
-    std::vector<Relationship> m_signedRelationships;
+    std::shared_ptr<const SignedRelationships> m_signedRelationships; ///< never null
     SignatureParams m_signatureParams;
     boost::posix_time::ptime m_signedTime; ///< UTC; not-a-date-time until known
     std::u16string m_signatureId;

@@ -45,8 +45,7 @@ public:
 
 private:
     void appendTransforms(DOMElement* parent, const Reference& reference) const {
-        const bool ofRelationships =
-            !reference.relationshipReferences.empty() || !reference.relationshipGroupReferences.empty();
+        const bool ofRelationships = reference.selectsRelationships();
         if (reference.transforms.empty() && !ofRelationships)
             return;
         DOMElement* const element = XercesHelper::appendElement(parent, names.transforms);

@@ -46,8 +46,8 @@ void print(std::ostream& stream, const SignatureContent& content) {
     print(stream, "SignedInfo", content.signedInfoXML);
 }
 
-void print(std::ostream& stream, const Relationship& relationship) {
-    stream << "Signed relationship\n";
+void print(std::ostream& stream, const Relationship& relationship, std::uint64_t times) {
+    stream << "Signed relationship, " << times << " times\n";
     print(stream, "  ID", relationship.getID());
     print(stream, "  Type", relationship.getType());
     print(stream, "  Source", relationship.getSourceURI().toString());
@@ -88,8 +88,9 @@ void DigitalSignatureData::prettyPrint(std::ostream& stream) const {
     print(stream, "Signature value", m_signatureValueInXML);
     for (const PartName& name : m_signedPartNames)
         print(stream, "Signed part", name.toString());
-    for (const Relationship& relationship : m_signedRelationships)
-        print(stream, relationship);
+    for (const auto& [group, times] : m_signedRelationships->groups())
+        for (const Relationship& relationship : group->relationships)
+            print(stream, relationship, times);
     print(stream, m_content);
     for (const auto& [id, object] : m_objects) {
         print(stream, "Object", id);

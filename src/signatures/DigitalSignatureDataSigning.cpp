@@ -48,7 +48,7 @@ std::u16string toText(const xercesc::DOMDocument* document) {
 }
 
 void checkDataToSign(const std::u16string& signatureID, const DataToSign& data) {
-    if (data.partNames.empty() && data.relationships.empty() && data.selectors.empty())
+    if (data.partNames.empty() && data.relationships->empty() && data.selectors.empty())
         throw CouldNotGenerateSignature("Nothing to sign.");
     if (signatureID.empty())
         throw CouldNotGenerateSignature("Internal error: Empty signature ID received.");
@@ -118,7 +118,6 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
                                                          m_signatureParams.getSignatureMethod());
     addPartReferences(data);
     addRelationshipReferences(data);
-    m_content.digestedManifestReferences = m_content.manifestReferences.size();
     addSignatureTime();
 
     SignatureObject object;
@@ -176,7 +175,7 @@ void DigitalSignatureData::addRelationshipReferences(const DataToSign& data) {
     }
     const ContentType contentType = PackageHelper::getRelationshipContentType();
     const std::u16string digestMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod());
-    const std::u16string digestValue = computeRelationshipsDigest(data.relationships);
+    const std::u16string digestValue = computeRelationshipsDigest();
     for (auto& [source, reference] : references) {
         reference.referenceURI = toReferenceURI(PartName(source).getRelationshipPartName(), contentType);
         reference.digestMethod = digestMethod;

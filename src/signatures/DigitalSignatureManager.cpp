@@ -57,6 +57,14 @@ Part DigitalSignatureManager::getSignatureOriginPart(URI& uri, std::u16string& r
     return getPackage().getPart(PartName(uri));
 }
 
+/// The name of the origin part, where there is one.
+std::optional<URI> DigitalSignatureManager::findOriginURI() const {
+    const auto relationships = getPackage().getRelationshipsByType(getOriginRelationshipType());
+    if (relationships.empty())
+        return std::nullopt;
+    return relationships.begin()->getTargetURI();
+}
+
 void DigitalSignatureManager::throwIfPackageNotOpen() const {
     if (!getPackage().isOpen())
         throw PackageNotOpen("Package is not open");

@@ -2,11 +2,17 @@
 
 #include "signatures/CryptoErrors.hpp"
 #include "signatures/DataToSign.hpp"
+#include "signatures/DigitalSignatureData.hpp"
 #include "signatures/PartDigester.hpp"
-#include "signatures/RelationshipSelection.hpp"
+#include "signatures/SelectableRelationships.hpp"
+#include "signatures/SignatureWork.hpp"
 
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
+
+#include <algorithm>
+#include <set>
+#include <utility>
 
 /// @file
 /// What a signature covers of the package: the digests of parts, and the relationships that selectors choose.
@@ -15,13 +21,13 @@ namespace opc::model {
 
 namespace {
 
+/// @return null if there are none
 /// @throws RelationshipNotFound
-void select(const RelationshipSource& source, const std::u16string& name,
-            const RelationshipSelector& selector, RelationshipSelection& selection) {
-    if (selector.getSelectorType() == RelationshipSelectorType::SourceId)
-        selection.addByID(source, selector.getSelectionCriteria());
-    else
-        selection.addByType(source, name, selector.getSelectionCriteria());
+SignedRelationships::Group select(const RelationshipSource& source, const std::u16string& name,
+                                  const RelationshipSelector& selector, SelectableRelationships& selectable) {
+    return selector.getSelectorType() == RelationshipSelectorType::SourceId
+               ? selectable.byID(source, name, selector.getSelectionCriteria())
+               : selectable.byType(source, name, selector.getSelectionCriteria());
 }
 
 } // namespace
@@ -49,26 +55,60 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
         for (const PartName& name : partNames)
             data.contentTypes.push_back(getPackage().getPart(name).getContentType());
         data.relationships = selectRelationships(selectors);
-        if (!selectors.empty() && data.relationships.empty())
+        if (!selectors.empty() && data.relationships->empty())
             throw RelationshipNotFound(
                 "No relationships in the package matched the provided relationship selectors.");
+        throwIfTooMuchWork(data, params);
         return data;
     });
 }
 
-std::vector<Relationship>
+/// What an earlier signature has selected as well is shared with it.
+std::shared_ptr<const SignedRelationships>
 DigitalSignatureManager::selectRelationships(const std::vector<RelationshipSelector>& selectors) const {
-    RelationshipSelection selection;
+    const auto selected = std::make_shared<SignedRelationships>();
+    SelectableRelationships selectable(findOriginURI());
     for (const RelationshipSelector& selector : selectors) {
         const URI uri = selector.getSourceURI();
+        SignedRelationships::Group group;
         if (uri == PackageHelper::getPackageRootURI()) {
-            select(getPackage(), u"/", selector, selection);
+            group = select(getPackage(), u"/", selector, selectable);
         } else {
             const Part part = getPackage().getPart(PartName(uri));
-            select(part, part.getName().toString(), selector, selection);
+            group = select(part, part.getName().toString(), selector, selectable);
         }
+        if (group)
+            selected->add(group);
     }
-    return selection.take();
+    for (const DigitalSignature& signature : m_signatures)
+        if (*signature.getImpl()->m_signedRelationships == *selected)
+            return signature.getImpl()->m_signedRelationships;
+    return selected;
+}
+
+/// What it takes to digest the relationships of all signatures: what they share is digested once for each method.
+std::uint64_t DigitalSignatureManager::measureWork() const {
+    std::set<std::pair<const SignedRelationships*, DigestMethod>> different;
+    std::uint64_t work = 0;
+    for (const DigitalSignature& signature : m_signatures) {
+        const DigitalSignatureData& data = *signature.getImpl();
+        const SignedRelationships* const relationships = data.m_signedRelationships.get();
+        if (different.emplace(relationships, data.m_signatureParams.getDigestMethod()).second)
+            work = std::min(work + relationships->work(), MAXIMUM_WORK + 1);
+    }
+    return work;
+}
+
+/// Refuses to sign what couldn't be verified.
+void DigitalSignatureManager::throwIfTooMuchWork(const DataToSign& data,
+                                                 const SignatureParams& params) const {
+    const auto isLike = [&](const DigitalSignature& signature) {
+        return signature.getImpl()->m_signedRelationships == data.relationships &&
+               signature.getSignatureParams().getDigestMethod() == params.getDigestMethod();
+    };
+    const bool isDigested = std::any_of(m_signatures.begin(), m_signatures.end(), isLike);
+    if (measureWork() + (isDigested ? 0 : data.relationships->work()) > MAXIMUM_WORK)
+        throw Exception(TOO_MUCH_WORK);
 }
 
 } // namespace opc::model

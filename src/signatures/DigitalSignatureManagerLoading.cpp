@@ -3,7 +3,7 @@
 #include "package/StreamRewinder.hpp"
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
-#include "signatures/RelationshipSelection.hpp"
+#include "signatures/SelectableRelationships.hpp"
 #include "signatures/SignatureLayout.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -14,10 +14,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iostream>
 #include <map>
 #include <memory>
-#include <stdexcept>
 
 /// @file
 /// How the manager comes to know the signatures that stand in the package, and finds them.
@@ -32,24 +30,23 @@ using bedrock::codesigning_verifier::ErrorMap;
     throw InvalidSignature(message, ErrorMap<102>());
 }
 
-[[noreturn]] void failConversion(const char* reason, const std::string& id) {
-    std::cerr << "Internal exception: " << reason << ". Trying to get numeric ID from " << id << std::endl;
-    if (id.empty())
-        throw std::invalid_argument("The signature identifier has no digits.");
-    throw std::out_of_range("The signature identifier has more than 32 bits.");
-}
-
 /// The number in a text of digits. Identifiers count in 32 bits.
 std::uint32_t toNumber(const std::string& digits) {
-    if (digits.empty())
-        failConversion("Invalid argument", digits);
     std::uint64_t number = 0;
     for (const char digit : digits) {
         number = number * 10 + static_cast<std::uint64_t>(digit - '0');
         if (number > UINT32_MAX)
-            failConversion("Out of range", digits);
+            throwUnreadable("The identifier of the signature is a number of more than 32 bits: " + digits);
     }
     return static_cast<std::uint32_t>(number);
+}
+
+/// The part that a relationship of signatures leads to.
+PartName getTargetName(const Relationship& relationship) {
+    if (relationship.getTargetMode() == TargetMode::External)
+        throwUnreadable("A relationship of signatures leads out of the package: " +
+                        toUDEString(relationship.getTarget()));
+    return PartName(relationship.getTargetURI());
 }
 
 } // namespace
@@ -66,24 +63,26 @@ void DigitalSignatureManager::ensureLoaded() const {
 void DigitalSignatureManager::doLoad() {
     m_signatures.clear();
     m_nextSignatureID = 1;
-    m_loadedRelationships = 0;
+    m_work = 0;
     try {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (origins.empty())
             return;
-        const Part origin = getPackage().getPart(PartName(origins.begin()->getTargetURI()));
+        if (origins.size() > 1)
+            throwUnreadable("The package has more than one relationship to a signature origin part.");
+        const Part origin = getPackage().getPart(getTargetName(*origins.begin()));
+        SelectableRelationships selectable(origins.begin()->getTargetURI());
         // Each part is read once, however many relationships lead to it: a small package could fill all memory.
         std::map<const InputStream*, std::shared_ptr<DigitalSignatureData>> known;
         for (const Relationship& relationship :
              origin.getRelationshipsByType(getSignatureRelationshipType())) {
-            const Part part = getPackage().getPart(PartName(relationship.getTargetURI()));
+            const Part part = getPackage().getPart(getTargetName(relationship));
             std::shared_ptr<DigitalSignatureData>& data = known[&part.getInputStream()];
-            if (!data) {
-                data = readSignature(part);
-                m_loadedRelationships += data->m_signedRelationships.size();
-            }
+            if (!data)
+                data = readSignature(part, selectable);
             addLoadedSignature(data, part);
         }
+        m_work = measureWork();
     } catch (const Exception& e) {
         throwUnreadable(e.what());
     } catch (const bedrock::crypto::utils::Exception& e) {
@@ -93,17 +92,22 @@ void DigitalSignatureManager::doLoad() {
     }
 }
 
-std::shared_ptr<DigitalSignatureData> DigitalSignatureManager::readSignature(const Part& part) const {
+std::shared_ptr<DigitalSignatureData>
+DigitalSignatureManager::readSignature(const Part& part, SelectableRelationships& selectable) const {
+    if (part.getContentType() != getSignaturePartContentType())
+        throwUnreadable("The part " + toUDEString(part.getName().toString()) +
+                        " doesn't have the content type of signatures.");
     auto data = std::make_shared<DigitalSignatureData>();
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     m_serializer->readSignature(stream, *data);
-    fillUpSignedEntities(*data);
+    fillUpSignedEntities(*data, selectable);
     return data;
 }
 
 void DigitalSignatureManager::addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data,
                                                  const Part& part) {
+    getSignaturePartName(data->getName()); // which others than this manager ask for later
     m_signatures.push_back(DigitalSignature(data));
     if (data->m_signatureId == COUNTERSIGNATURE_ID)
         return;
@@ -112,6 +116,8 @@ void DigitalSignatureManager::addLoadedSignature(const std::shared_ptr<DigitalSi
 }
 
 void DigitalSignatureManager::updateNextSignatureID(std::u16string id, const Part& /*part*/) {
+    if (id.empty())
+        throwUnreadable("The signature has no identifier.");
     const bool isNumber =
         std::all_of(id.begin(), id.end(), [](char16_t c) { return c >= u'0' && c <= u'9'; });
     if (!isNumber) {
@@ -127,8 +133,9 @@ void DigitalSignatureManager::assertSignatureCorrectnessAfterLoad(
     const DigitalSignatureData& /*data*/) const {
 }
 
-void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) const {
-    RelationshipSelection selection(m_loadedRelationships);
+void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data,
+                                                   SelectableRelationships& selectable) const {
+    SignedRelationships selected;
     for (const Reference& reference : data.m_content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))
@@ -136,20 +143,26 @@ void DigitalSignatureManager::fillUpSignedEntities(DigitalSignatureData& data) c
                 "URI referenced to in the manifest reference should not be an external reference or a "
                 "same-document reference.");
         const PartName name(uri.getPath());
-        if (name.isRelationshipName())
-            fillUpSignedRelationships(reference, name, selection);
-        else if (getPackage().hasPart(name))
-            data.m_signedPartNames.push_back(name);
-        else
+        if (name.isRelationshipName()) {
+            fillUpSignedRelationships(reference, name, selectable, selected);
+            continue;
+        }
+        if (!getPackage().hasPart(name))
             throwUnreadable("Part referenced to by the signature is not present in the package." +
                             toUDEString(uri.getPath()));
+        // It would be digested as relationships, and not at all as a part.
+        if (reference.selectsRelationships())
+            throwUnreadable("The signature selects relationships from a part that holds none: " +
+                            toUDEString(uri.getPath()));
+        data.m_signedPartNames.push_back(name);
     }
-    data.m_signedRelationships = selection.take();
+    data.m_signedRelationships = selectable.share(std::move(selected));
 }
 
 void DigitalSignatureManager::fillUpSignedRelationships(const Reference& reference,
                                                         const PartName& relationshipsPart,
-                                                        RelationshipSelection& selection) const {
+                                                        SelectableRelationships& selectable,
+                                                        SignedRelationships& selected) const {
     const auto fillUp = [&](const RelationshipSource& source, const std::u16string& name,
                             const std::string& label) {
         const auto throwMissing = [&label](const std::string& what, const std::u16string& criteria) {
@@ -159,11 +172,14 @@ void DigitalSignatureManager::fillUpSignedRelationships(const Reference& referen
         for (const std::u16string& id : reference.relationshipReferences) {
             if (!source.hasRelationship(id))
                 throwMissing("ID", id);
-            selection.addByID(source, id);
+            selected.add(selectable.byID(source, name, id));
         }
-        for (const std::u16string& type : reference.relationshipGroupReferences)
-            if (!selection.addByType(source, name, type))
+        for (const std::u16string& type : reference.relationshipGroupReferences) {
+            const SignedRelationships::Group group = selectable.byType(source, name, type);
+            if (!group)
                 throwMissing("Type", type);
+            selected.add(group);
+        }
     };
     if (relationshipsPart == u"/_rels/.rels")
         return fillUp(getPackage(), u"/", "package");

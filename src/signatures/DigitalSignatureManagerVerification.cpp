@@ -4,6 +4,7 @@
 #include "signatures/PartDigester.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/SignatureVocabulary.hpp"
+#include "signatures/SignatureWork.hpp"
 #include "signatures/SignedText.hpp"
 
 #include <bedrock/certificates/CertificateValidationResults.hpp>
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <set>
 #include <string_view>
 
@@ -35,12 +35,12 @@ DigitalSignatureVerificationStatus makeStatus(const ErrorCode& code) {
                   bedrock::certificates::CertificateChainStatus::Good, "")));
 }
 
-/// What was digested of an object's text: all but the namespace declaration that it gains from its parent when
-/// it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
+/// What was digested of an object's text: all but the namespace declaration that its tag gains from its parent
+/// when it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
 SignedText digestedText(std::u16string_view text) {
     const std::u16string declaration =
         std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";
-    const std::size_t found = text.find(declaration);
+    const std::size_t found = text.substr(0, text.find(u'>')).find(declaration);
     if (found == std::u16string_view::npos)
         return SignedText(text);
     return SignedText(text.substr(0, found), text.substr(found + declaration.size()));
@@ -113,6 +113,8 @@ DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const Digital
 DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const DigitalSignatureData& data,
                                                                    const ValueCheck& checkValue,
                                                                    PartDigesters& digesters) const {
+    if (m_work > MAXIMUM_WORK)
+        throw InvalidSignature(TOO_MUCH_WORK, ErrorMap<102>());
     try {
         return verifySignatureHelper(data, checkValue(data), digesters);
     } catch (const InvalidSignature& e) {
@@ -149,7 +151,6 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
                                                    PartDigesters& digesters) const {
     try {
         // Each digest is computed once, however many references there are to it.
-        std::optional<std::u16string> relationshipsDigest;
         std::map<std::u16string, std::u16string> objectDigests; // by identifier
         const auto agrees = [&](const Reference& reference) {
             if (isSameDocumentReference(reference.referenceURI)) {
@@ -158,14 +159,11 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
                     digest = digestObject(data, reference.referenceURI);
                 return digest == reference.digestValue;
             }
-            if (reference.relationshipReferences.empty() && reference.relationshipGroupReferences.empty()) {
-                const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
-                const PartName name(reference.referenceURI.getPath());
-                return base64Encode(digesters.digest(name, method)) == reference.digestValue;
-            }
-            if (!relationshipsDigest)
-                relationshipsDigest = digestSignedRelationships(data);
-            return *relationshipsDigest == reference.digestValue;
+            if (reference.selectsRelationships())
+                return data.computeRelationshipsDigest() == reference.digestValue;
+            const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
+            const PartName name(reference.referenceURI.getPath());
+            return base64Encode(digesters.digest(name, method)) == reference.digestValue;
         };
         bool allAgree = true;
         for (const auto* references :
@@ -176,19 +174,6 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
     } catch (const Exception& e) {
         throw InvalidSignature(e.what(), ErrorMap<104>());
     }
-}
-
-/// The countersignature's own relationship has joined those that it signed, and doesn't count.
-std::u16string DigitalSignatureManager::digestSignedRelationships(const DigitalSignatureData& data) const {
-    if (!isPackageCountersigned())
-        return data.computeRelationshipsDigest(data.m_signedRelationships);
-    std::vector<Relationship> relationships = data.m_signedRelationships;
-    const std::u16string id = getSignatureRelationshipID(COUNTERSIGNATURE_ID);
-    const auto own = std::find_if(relationships.begin(), relationships.end(),
-                                  [&id](const Relationship& entry) { return entry.getID() == id; });
-    if (own != relationships.end())
-        relationships.erase(own);
-    return data.computeRelationshipsDigest(relationships);
 }
 
 } // namespace opc::model

@@ -2,6 +2,7 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
+#include "signatures/SignatureForm.hpp"
 #include "signatures/SignatureLimits.hpp"
 #include "signatures/SignatureScanner.hpp"
 #include "xml/ElementIndex.hpp"
@@ -101,7 +102,6 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
         vocabulary::PACKAGE_OBJECT_ID,
         SignatureObject{vocabulary::PACKAGE_OBJECT_ID, withNamespaceDeclaration(scanned.object)});
     data.m_content.manifestReferences = std::move(scanned.manifestReferences);
-    data.m_content.digestedManifestReferences = data.m_content.manifestReferences.size();
     data.m_content.signatureProperties.push_back(
         {u"#" + widen(scanned.propertyTarget), vocabulary::SIGNATURE_TIME_ID, {}, {}});
     data.m_signedTime = convertStringToTime(widen(scanned.time));
@@ -119,6 +119,7 @@ void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSign
                 XercesHelper::readDocumentFromStream(parser, stream, true, {}, {})->getDocumentElement());
             SignatureLimits(m_names).check(index);
             readDocument(index.at(0), data);
+            checkSignatureForm(index, data.m_content);
         });
     });
 }
@@ -167,13 +168,9 @@ void DigitalSignatureSerializer::readObjects(const IndexedElement& root, Digital
             getRequiredAttribute(element, m_names.id, "XML signature: Object missing Id attribute.");
         SignatureObject object{id, {}};
         toText(element, object.XMLBytes);
-        const bool isFirst =
-            data.m_objects.emplace(id, std::move(object)).second; // of one Id, the first stays
-        if (id != vocabulary::PACKAGE_OBJECT_ID)
-            continue;
-        readPackageObject(element, data);
-        if (isFirst)
-            data.m_content.digestedManifestReferences = data.m_content.manifestReferences.size();
+        data.m_objects.emplace(id, std::move(object));
+        if (id == vocabulary::PACKAGE_OBJECT_ID)
+            readPackageObject(element, data);
     }
 }
 

@@ -3,12 +3,10 @@
 #include "xml/PlainMarkup.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Exception.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <tuple>
 
@@ -18,21 +16,28 @@ namespace opc::model {
 
 namespace {
 
-/// A small document can select a long relationship as often as it likes.
-constexpr std::uint64_t MAXIMUM_LENGTH = std::uint64_t{4} << 30;
+/// How many bytes a text takes at most in UTF-8, with characters escaped.
+std::uint64_t measureText(std::u16string_view text) {
+    std::uint64_t length = 0;
+    for (const char16_t c : text)
+        length += c > 0x7F ? 3 : c < u' ' || c == u'&' || c == u'<' || c == u'>' || c == u'"' ? 6 : 1;
+    return length;
+}
 
 } // namespace
 
-RelationshipsText::RelationshipsText(const std::vector<Relationship>& relationships) {
+RelationshipsText::RelationshipsText(const SignedRelationships& relationships) {
     const std::vector<Entry> entries = collect(relationships);
     text = serialise(entries);
     findRuns(entries);
-    std::uint64_t length = 0;
-    for (const Run& part : runs)
-        length += (part.end - part.begin) * part.count;
-    if (length > MAXIMUM_LENGTH)
-        throw Exception("The selected relationships of a signature can't have more than 4 GiB.");
     open();
+}
+
+std::uint64_t RelationshipsText::measure(const Relationship& relationship) {
+    constexpr std::uint64_t MARKUP =
+        sizeof R"(<Relationship Id="" Target="" TargetMode="External" Type=""/>)";
+    const Relationship::Values& values = *relationship.values;
+    return MARKUP + measureText(values.id) + measureText(values.target) + measureText(values.type);
 }
 
 /// All that an element says of a relationship, in the order that decides which stands first.
@@ -40,26 +45,16 @@ auto RelationshipsText::keys(const Relationship::Values& values) {
     return std::tie(values.id, values.target, values.type, values.targetMode);
 }
 
-/// Copies of one relationship share their values, so the address tells most of the repetitions; relationships
-/// of different sources are often alike too.
-std::vector<RelationshipsText::Entry>
-RelationshipsText::collect(const std::vector<Relationship>& relationships) {
-    std::vector<const Relationship::Values*> selected;
-    selected.reserve(relationships.size());
-    for (const Relationship& relationship : relationships)
-        selected.push_back(relationship.values.get());
-    std::sort(selected.begin(), selected.end(), std::less<>());
-
+/// Relationships of different sources are often alike.
+std::vector<RelationshipsText::Entry> RelationshipsText::collect(const SignedRelationships& relationships) {
     // A tree, since many are alike as a rule and nobody can choose texts that make it slow.
     const auto precedes = [](const Relationship::Values* left, const Relationship::Values* right) {
         return keys(*left) < keys(*right);
     };
     std::map<const Relationship::Values*, std::uint64_t, decltype(precedes)> counts(precedes);
-    for (auto first = selected.begin(); first != selected.end();) {
-        const auto last = std::upper_bound(first, selected.end(), *first, std::less<>());
-        counts[*first] += static_cast<std::uint64_t>(last - first);
-        first = last;
-    }
+    for (const auto& [group, times] : relationships.groups())
+        for (const Relationship& relationship : group->relationships)
+            counts[relationship.values.get()] += times;
 
     std::vector<Entry> entries;
     entries.reserve(counts.size());

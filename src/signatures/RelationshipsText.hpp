@@ -1,5 +1,7 @@
 #pragma once
 
+#include "signatures/SignedRelationships.hpp"
+
 #include <opc/core/InputStream.hpp>
 #include <opc/model/Relationship.hpp>
 
@@ -21,8 +23,10 @@ namespace opc::model {
 class RelationshipsText final : public InputStream {
 public:
     /// @throws InvalidXMLDocument
-    /// @throws opc::Exception  if the document has more than 4 GiB
-    explicit RelationshipsText(const std::vector<Relationship>& relationships);
+    explicit RelationshipsText(const SignedRelationships& relationships);
+
+    /// How long the element of a relationship is at most, in bytes.
+    static std::uint64_t measure(const Relationship& relationship);
 
     void open() override;
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
@@ -42,7 +46,7 @@ private:
         std::uint64_t count;
     };
 
-    static std::vector<Entry> collect(const std::vector<Relationship>& relationships);
+    static std::vector<Entry> collect(const SignedRelationships& relationships);
     static auto keys(const Relationship::Values& values);
     static std::string serialise(const std::vector<Entry>& entries);
     static bool composePlain(const std::vector<Entry>& entries, std::string& document);

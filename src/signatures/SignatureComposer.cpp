@@ -93,8 +93,7 @@ private:
     }
 
     void addTransforms(const Reference& reference) {
-        const bool ofRelationships =
-            !reference.relationshipReferences.empty() || !reference.relationshipGroupReferences.empty();
+        const bool ofRelationships = reference.selectsRelationships();
         if (reference.transforms.empty() && !ofRelationships)
             return;
         xml << "<Transforms>";

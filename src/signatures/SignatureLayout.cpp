@@ -47,4 +47,12 @@ std::u16string getSignatureRelationshipID(const std::u16string& signatureID) {
     return u"DSRel" + signatureID;
 }
 
+bool leadsToCountersignature(const Relationship& relationship, const URI& originURI) {
+    return relationship.getID() == getSignatureRelationshipID(COUNTERSIGNATURE_ID) &&
+           relationship.getType() == getSignatureRelationshipType() &&
+           relationship.getTargetMode() == TargetMode::Internal && relationship.getSourceURI() == originURI &&
+           relationship.getTargetURI() ==
+               getSignaturePartName(getSignatureName(COUNTERSIGNATURE_ID)).getURI();
+}
+
 } // namespace opc::model

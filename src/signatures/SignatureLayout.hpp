@@ -2,6 +2,7 @@
 
 #include <opc/model/ContentType.hpp>
 #include <opc/model/PartName.hpp>
+#include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
 #include <string>
@@ -30,5 +31,9 @@ PartName getSignaturePartName(const std::u16string& name);
 
 /// "DSRel" and the identifier.
 std::u16string getSignatureRelationshipID(const std::u16string& signatureID);
+
+/// Whether it is the relationship from the origin part to the countersignature. No signature covers it: it comes
+/// when the others have been signed.
+bool leadsToCountersignature(const Relationship& relationship, const URI& originURI);
 
 } // namespace opc::model

@@ -23,6 +23,11 @@ struct Reference {
     std::vector<std::u16string> relationshipGroupReferences; ///< types of relationships
     std::u16string digestMethod;                             ///< an identifier
     std::u16string digestValue;                              ///< Base64
+
+    /// Whether it is digested as relationships, and not as a part.
+    bool selectsRelationships() const {
+        return !relationshipReferences.empty() || !relationshipGroupReferences.empty();
+    }
 };
 
 /// Whether a reference leads to something within its document: it has a fragment and nothing else.
@@ -51,13 +56,10 @@ struct RSAKeyValue {
     std::u16string exponent;
 };
 
-/// What a signature covers.
+/// What a signature covers, all of it protected by the signature value.
 struct SignatureContent {
     std::vector<Reference> signedInfoReferences; ///< those in `SignedInfo`: to objects of the signature
     std::vector<Reference> manifestReferences;   ///< those in the package object: to parts and relationships
-    /// How many of them, the first ones, stand in the object that is digested. The others stand in further
-    /// objects of the same `Id`, and nothing protects them.
-    std::size_t digestedManifestReferences = 0;
     std::vector<SignatureProperty> signatureProperties;
     std::u16string signedInfoXML; ///< the text of `SignedInfo`, which the signature value is made over
 };

@@ -1,6 +1,10 @@
 #include "Resigning.hpp"
 #include "SignedPackage.hpp"
+#include "signatures/SignatureDocuments.hpp"
 #include "support/ScriptedPackage.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/SignatureCoverage.hpp>
 
 #include <ctime>
 
@@ -26,9 +30,16 @@ protected:
 };
 
 TEST_F(EditedSignature, failsToLoadWithCode102) {
+    const std::string form = "XML signature: ";
     const std::string local =
         "URI referenced to in the manifest reference should not be an external reference "
         "or a same-document reference.";
+    const auto misplaced = [&](const std::string& name) {
+        return form + name + " stands in the wrong place.";
+    };
+    const auto twice = [&](const std::string& id) {
+        return form + "The identifier " + id + " stands more than once.";
+    };
     const auto withURI = [&](const std::string& uri) {
         return replaced(document, "/a.xml?ContentType=application/xml", uri);
     };
@@ -38,6 +49,35 @@ TEST_F(EditedSignature, failsToLoadWithCode102) {
                         R"(xmlns="http://www.w3.org/2000/09/xmldsig#">)" +
                             text + "</X509Certificate></any></X509Data>");
     };
+    const std::string object = piece(document, "<Object", "</Signature>");
+    const std::string signedInfo = piece(document, "<SignedInfo", "<SignatureValue");
+    const std::string toObject = piece(signedInfo, "<Reference", "</SignedInfo>");
+    const std::string property = piece(document, "<SignatureProperty ", "</SignatureProperties>");
+    const std::string manifest = piece(document, "<Manifest", "<SignatureProperties>");
+    const auto any = [](const std::string& content) { return "<any xmlns='urn:any'>" + content + "</any>"; };
+    const auto signatureSpace = [](const std::string& element) {
+        return replaced(element, ">", " xmlns='http://www.w3.org/2000/09/xmldsig#'>");
+    };
+    const auto inOther = [&](const std::string& content) { // an object that nothing protects
+        return replaced(document, "</Signature>", "<Object Id='other'>" + content + "</Object></Signature>");
+    };
+    const auto inTransform = [&](const std::string& content) {
+        return replaced(document, reference,
+                        replaced(reference, "><DigestMethod",
+                                 "><Transforms><Transform Algorithm='a'>" + content +
+                                     "</Transform></Transforms><DigestMethod"));
+    };
+    const std::string selection =
+        "<Transforms><Transform "
+        "Algorithm='http://schemas.openxmlformats.org/package/2006/RelationshipTransform'>"
+        "<pds:RelationshipReference SourceId='rId1'/></Transform></Transforms><DigestMethod";
+    const auto inSignedInfo = [&](const std::string& what, const std::string& with) {
+        return replaced(document, signedInfo, replaced(signedInfo, what, with));
+    };
+    const auto inProperty = [&](const std::string& what, const std::string& with) {
+        return replaced(document, property, replaced(property, what, with));
+    };
+    const std::string content = piece(document, "<SignedInfo", "</Signature>");
     const std::pair<std::string, std::string> cases[] = {
         {withURI("http://e/a.xml?q"), local},
         {withURI("#f"), local},
@@ -46,16 +86,104 @@ TEST_F(EditedSignature, failsToLoadWithCode102) {
          "Part referenced to by the signature is not present in the package./none.xml"},
         {withCertificate("!!"), "The text isn't Base64: it holds a character outside the alphabet."},
         {withCertificate("AQID"), "*"},
+        {withCertificate(certificate("rsa:1024")), misplaced("X509Certificate")},
+        // a second package object, in front and behind, nested and not, or another element of its Id
+        {replaced(document, "<Object", "<Object Id='o'>" + any(object) + "</Object><Object"),
+         form + "The identifier idPackageObject stands in the wrong place."},
+        {inOther(any(object)), twice("idPackageObject")},
+        {replaced(document, "</Signature>", object + "</Signature>"), "*"},
+        {inOther("<x:b xmlns:x='urn:x' ID=' idPackageObject '/>"), twice("idPackageObject")},
+        {inOther("<x:b xmlns:x='urn:x' x:id='idPackageObject'/>"), twice("idPackageObject")},
+        {replaced(document, object, "<Object Id='other'>" + any(object) + "</Object>"),
+         form + "The identifier idPackageObject stands in the wrong place."},
+        // what SignedInfo references
+        {inSignedInfo(toObject, ""), "*"},
+        {replaced(inSignedInfo("#idPackageObject", "#other"), "</Signature>",
+                  "<Object Id='other'>x</Object></Signature>"),
+         form + "SignedInfo doesn't reference the package object."},
+        {inSignedInfo(toObject, toObject + toObject),
+         form + "SignedInfo references idPackageObject more than once."},
+        {inSignedInfo("#idPackageObject", "/a.xml#idPackageObject"),
+         form + "SignedInfo references something outside of the document."},
+        {inSignedInfo("#idPackageObject", "a.xml#idPackageObject"),
+         form + "SignedInfo references something outside of the document."},
+        {inSignedInfo("<DigestMethod",
+                      "<Transforms><Transform Algorithm='http://www.w3.org/TR/1999/REC-xslt-19991116'/>"
+                      "</Transforms><DigestMethod"),
+         form + "SignedInfo references an object through a transform that isn't supported."},
+        // a second SignedInfo, value or signature
+        {inOther(any(signedInfo)), misplaced("SignedInfo")},
+        {inOther("<ds:SignedInfo xmlns:ds='http://www.w3.org/2000/09/xmldsig#'>" +
+                 piece(signedInfo, "<Canon", "</SignedInfo>") + "</ds:SignedInfo>"),
+         misplaced("SignedInfo")},
+        {inOther(any("<SignatureValue>AA==</SignatureValue>")), misplaced("SignatureValue")},
+        {inOther(any("<Signature/>")), misplaced("Signature")},
+        {replaced(replaced(document, content, "<x:any xmlns:x='urn:any'>" + content + "</x:any></Object>"),
+                  "</Object></Signature>", "</Object>"),
+         "*"},
+        // manifests and times elsewhere
+        {inOther(manifest), form + "A Manifest lies outside of what SignedInfo references."},
+        {inOther("<SignatureProperties>" + replaced(property, "idSignatureTime", "t") +
+                 "</SignatureProperties>"),
+         "*"},
+        {inOther(any("<p:SignatureTime xmlns:p='http://schemas.openxmlformats.org/package/"
+                     "2006/digital-signature'><p:Format>YYYY</p:Format><p:Value>2001</p:Value>"
+                     "</p:SignatureTime>")),
+         form + "A SignatureTime lies outside of the package object."},
+        {inProperty("<SignatureProperty ",
+                    replaced(property, "idSignatureTime", "t") + "<SignatureProperty "),
+         form + "There is more than one SignatureTime."},
+        {inProperty("<SignatureProperty Id=\"idSignatureTime\"",
+                    "<SignatureProperty Target='#x'>" + any("<x Id='idSignatureTime'/>") +
+                        "</SignatureProperty><SignatureProperty"),
+         form + "The identifier idSignatureTime stands in the wrong place."},
+        // elements where they are read and don't belong
+        {inTransform(any(signatureSpace(reference))), misplaced("Reference")},
+        {inTransform(any("<DigestValue>AAAA</DigestValue>")), misplaced("DigestValue")},
+        {inTransform(any("<pds:RelationshipReference SourceId='r'/>")), misplaced("RelationshipReference")},
+        {replaced(document, "</Manifest>",
+                  "<ds:Reference xmlns:ds='http://www.w3.org/2000/09/xmldsig#' URI='/b.xml'>"
+                  "<ds:DigestMethod "
+                  "Algorithm='a'/><ds:DigestValue>AA==</ds:DigestValue></ds:Reference></Manifest>"),
+         misplaced("Reference")},
+        {inProperty("<pds:SignatureTime>", "<x:any xmlns:x='urn:any'><pds:SignatureTime>"), "*"},
+        // values that aren't texts alone
+        {inProperty("<pds:Value>", "<pds:Value><!--2001-01-01T00:00Z-->"),
+         form + "Value holds more than a text."},
+        {inSignedInfo("</DigestValue>", "<!--x--></DigestValue>"),
+         form + "DigestValue holds more than a text."},
+        // a part that would be digested as relationships
+        {replaced(document, reference, replaced(reference, "<DigestMethod", selection)),
+         "The signature selects relationships from a part that holds none: /a.xml"},
     };
     for (const auto& [text, message] : cases) {
         openWith(text);
         try {
             manager->getSignatures();
-            ADD_FAILURE() << "loaded: " << message;
+            ADD_FAILURE() << "loaded: " << message << text;
         } catch (const InvalidSignature& e) {
             EXPECT_EQ(e.getErrorCode().value(), 102);
-            EXPECT_TRUE(message == "*" || message == e.what()) << e.what();
+            EXPECT_TRUE(message == "*" || message == e.what()) << e.what() << "\n" << message;
         }
+    }
+}
+
+/// What else a document may hold, and what is signed in another form.
+TEST_F(EditedSignature, holdsWithWhatDoesNotPassForSigned) {
+    const std::string canonicalized =
+        "<Transforms><Transform Algorithm='http://www.w3.org/TR/2001/REC-xml-c14n-20010315'/></Transforms>"
+        "<DigestMethod";
+    const std::string forms[] = {
+        replaced(document, "<Manifest>", R"(<Manifest Id="m">)"),
+        replaced(document, "<DigestMethod", canonicalized),
+        replaced(document, "</Signature>",
+                 "<Object Id='o'><SignatureProperties><SignatureProperty Target='#x'><x xmlns='urn:any' "
+                 "Id='other'>"
+                 "<DigestValue/></x></SignatureProperty></SignatureProperties></Object></Signature>"),
+    };
+    for (const std::string& form : forms) {
+        openResigned(form);
+        EXPECT_EQ(verify(u"sig1"), 0) << form;
     }
 }
 
@@ -149,11 +277,6 @@ TEST_F(EditedSignature, loadsInTimeForAsManyReferencesAsThereAreRelationships) {
     EXPECT_LT(std::clock() - begin, 5 * CLOCKS_PER_SEC);
 }
 
-TEST_F(EditedSignature, holdsWithAnotherPackageObject) {
-    openResigned(replaced(document, "<Manifest>", R"(<Manifest Id="m">)"));
-    EXPECT_EQ(verify(u"sig1"), 0);
-}
-
 /// The serialiser puts a declaration first, wherever it stands in the document: one of the object's own is taken
 /// out like one that reading adds.
 TEST_F(EditedSignature, holdsWithADeclarationOfTheObjectsOwn) {
@@ -164,30 +287,50 @@ TEST_F(EditedSignature, holdsWithADeclarationOfTheObjectsOwn) {
     EXPECT_EQ(verify(u"sig1"), 0);
 }
 
-/// An object that lies in another one isn't what was signed, but what it references is read with the rest.
-TEST_F(EditedSignature, makesPartsLookSignedByASecondPackageObject) {
-    store.setPart(u"/b.xml", toBytes("<a>content</a>")); // as /a.xml, and so its digest
-    const std::string first = piece(document, "<Object", "</Signature>");
-    const std::string second = R"(<Object Id="other"><any xmlns="urn:any">)" +
-                               replaced(first, "/a.xml", "/b.xml") + "</any></Object>";
-    openWith(replaced(document, first, second + first));
-    EXPECT_EQ(verify(u"sig1"), 101) << "in front it takes the place of the first";
-    openWith(replaced(document, first, first + second));
-    EXPECT_EQ(verify(u"sig1"), 0) << "the signed object is as it was";
-    EXPECT_EQ(manager->getSignature(u"sig1").getSignedPartNames().size(), 2U);
-    EXPECT_TRUE(manager->isSigned(PartName(u"/b.xml"))) << "though the signer never signed it";
-    writeAll(part(u"/b.xml"), "changed");
-    EXPECT_EQ(verify(u"sig1"), 101) << "and its digest is compared with the rest";
+/// Only the origin part's own relationship to the countersignature counts with none of those that are signed.
+TEST_F(SignedPackage, noOtherRelationshipPassesForTheCountersignatures) {
+    signPart(u"/a.xml");
+    manager->countersignAllSignatures(privateKey, params);
+    const std::u16string ofSignature = part(ORIGIN).getRelationships().begin()->getType();
+    const auto create = [&](const std::u16string& source, const std::u16string& type,
+                            const char16_t* target) {
+        const auto createIn = [&](RelationshipSource& from) {
+            if (from.hasRelationship(u"DSRelcountersig"))
+                from.deleteRelationship(u"DSRelcountersig");
+            return from.createInternalRelationship(type, URI(target), u"DSRelcountersig");
+        };
+        if (source == u"/")
+            return createIn(*package);
+        Part from(part(source.c_str()));
+        return createIn(from);
+    };
+    const std::pair<const char16_t*, std::u16string> cases[] = {
+        {u"/", u"urn:other"}, {u"/", ofSignature}, {u"/b.xml", ofSignature}};
+    for (const auto& [source, type] : cases) {
+        const Relationship relationship = create(source, type, u"/_xmlsignatures/sigcountersig.xml");
+        const DigitalSignature signature = sign({}, {byType(source, type.c_str())});
+        EXPECT_EQ(verify(signature), 0);
+        EXPECT_TRUE(SignatureCoverage(*manager, signature).covers(relationship));
+        create(source, type, u"/a.xml");
+        reopen();
+        EXPECT_EQ(verify(signature.getName().c_str()), 101) << opc::toUDEString(type);
+        manager->removeSignature(signature.getName());
+    }
 }
 
-/// A countersignature leaves its own relationship out; without one, the ID is like any other.
-TEST_F(SignedPackage, aRelationshipNamedLikeTheCountersignaturesIsProtectedWithoutOne) {
-    package->createExternalRelationship(u"urn:other", u"http://e/", u"DSRelcountersig");
-    EXPECT_EQ(verify(signAll()), 0);
-    package->deleteRelationship(u"DSRelcountersig");
-    package->createExternalRelationship(u"urn:other", u"http://f/", u"DSRelcountersig");
+/// It is left out of what a signature covers that is made when it is there, as of what was signed before.
+TEST_F(SignedPackage, theRelationshipToTheCountersignatureIsNeverSigned) {
+    signPart(u"/a.xml");
+    const std::u16string type = part(ORIGIN).getRelationships().begin()->getType();
+    sign({}, {byType(ORIGIN, type.c_str()), byType(ORIGIN, type.c_str())}); // before there is itself
+    manager->countersignAllSignatures(privateKey, params);
     reopen();
-    EXPECT_EQ(verify(u"sig1"), 101);
+    EXPECT_EQ(verify(u"sig2"), 101) << "its own relationship has joined those of the type";
+    EXPECT_EQ(verify(u"sigcountersig"), 0);
+    const DigitalSignature later = sign({}, {byId(ORIGIN, u"DSRel1"), byId(ORIGIN, u"DSRelcountersig")});
+    EXPECT_EQ(later.getSignedRelationships().size(), 1U);
+    reopen();
+    EXPECT_EQ(verify(later.getName().c_str()), 0);
 }
 
 } // namespace

@@ -78,7 +78,7 @@ private:
 
 /// How often each kind of end came.
 struct Ends {
-    int held = 0, failed = 0, unchecked = 0, unreadable = 0, badNumber = 0;
+    int held = 0, failed = 0, unchecked = 0, unreadable = 0;
 };
 
 class Mutation : public SignedPackage {
@@ -92,10 +92,6 @@ protected:
         } catch (const InvalidSignature& e) {
             EXPECT_EQ(e.getErrorCode().value(), 102) << e.what();
             ++ends.unreadable;
-        } catch (const std::invalid_argument&) {
-            ++ends.badNumber;
-        } catch (const std::out_of_range&) {
-            ++ends.badNumber;
         }
         package->close(true);
     }
@@ -121,7 +117,7 @@ TEST_F(Mutation, aThousandChangedSignaturePartsEndAsPromised) {
         store.setPart(SIGNATURE, toBytes(mutator.mutate(document)));
         run(ends);
     }
-    EXPECT_EQ(ends.held + ends.failed + ends.unchecked + ends.unreadable + ends.badNumber, 1000);
+    EXPECT_EQ(ends.held + ends.failed + ends.unchecked + ends.unreadable, 1000);
     EXPECT_GT(ends.failed, 60) << "many are still read";
     EXPECT_GT(ends.unchecked, 20);
     EXPECT_LT(ends.held, 200) << "what holds differs outside of what is signed";

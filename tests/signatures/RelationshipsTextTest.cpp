@@ -18,8 +18,24 @@ namespace {
 
 using namespace opc::model;
 
+/// Each for itself; copies of one relationship belong to one group.
+SignedRelationships select(const std::vector<Relationship>& relationships) {
+    SignedRelationships selected;
+    std::vector<SignedRelationships::Group> groups;
+    for (const Relationship& relationship : relationships) {
+        auto known = std::find_if(groups.begin(), groups.end(), [&](const SignedRelationships::Group& group) {
+            return group->relationships.front() == relationship;
+        });
+        if (known == groups.end())
+            known =
+                groups.insert(groups.end(), std::make_shared<SelectedGroup>(SelectedGroup{{relationship}}));
+        selected.add(*known);
+    }
+    return selected;
+}
+
 std::string readText(const std::vector<Relationship>& relationships, std::uint64_t blockSize) {
-    RelationshipsText text(relationships);
+    RelationshipsText text(select(relationships));
     std::string result;
     std::vector<unsigned char> block(blockSize);
     while (!text.isDone()) {
@@ -89,18 +105,30 @@ TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {
     EXPECT_EQ(readText({first, second, first}, 99), readText({second, first, first}, 99));
 }
 
-TEST(RelationshipsText, hasALimitForALongRelationshipThatIsSelectedOften) {
+TEST(RelationshipsText, isNeverLongerThanItIsMeasured) {
     RelationshipManager source(URI(u"/a.xml"));
-    const Relationship relationship =
-        source.addExternalRelationship(u"r", u"t:t", std::u16string(1U << 20, u'a'));
-    const RelationshipsText most(std::vector<Relationship>(4095, relationship));
-    EXPECT_RAISES(opc::Exception, "The selected relationships of a signature can't have more than 4 GiB.",
-                  RelationshipsText(std::vector<Relationship>(4096, relationship)));
+    const std::u16string odd = u"<>&\"'\u00E9\u4E2D\U0001F600 %20";
+    const Relationship relationship = source.addExternalRelationship(u"r", u"t:" + odd, odd);
+    const std::size_t document = readText({}, 99).size();
+    EXPECT_LE(readText({relationship}, 99).size(), document + 2 + RelationshipsText::measure(relationship));
+}
+
+TEST(SignedRelationships, haveALimitForTheirListAlone) {
+    RelationshipManager source(URI(u"/a.xml"));
+    const Relationship relationship = source.addInternalRelationship(u"r", u"t:t", URI(u"x.xml"));
+    const auto group = std::make_shared<SelectedGroup>();
+    group->relationships.assign(1000, relationship);
+    SignedRelationships selected;
+    for (int i = 0; i < 10001; ++i)
+        selected.add(group);
+    EXPECT_RAISES(opc::Exception,
+                  "No more than 10000000 selected relationships of a signature can be listed.",
+                  selected.toVector());
 }
 
 TEST(RelationshipsText, startsAnewWhenItIsOpenedAgain) {
     RelationshipManager one(URI(u"/a.xml"));
-    RelationshipsText text({one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"))});
+    RelationshipsText text(select({one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"))}));
     unsigned char block[4096];
     const auto first = text.read(block, sizeof block);
     EXPECT_TRUE(text.isDone());

@@ -106,19 +106,6 @@ TEST_F(Signing, refusesInTheOrderOfItsChecks) {
     EXPECT_RAISES(PackageNotOpen, "Package is not open", manager->getSignatures());
 }
 
-TEST_F(Signing, hasALimitForRepeatedSelections) {
-    for (int i = 0; i < 100; ++i)
-        package->createExternalRelationship(u"urn:many", u"x");
-    std::vector<RelationshipSelector> oneTooMany(100000, byType(u"/", u"urn:many"));
-    oneTooMany.push_back(byId(u"/", u"rId1"));
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_RAISES(CouldNotGenerateSignature,
-                      "The signatures of a package can't cover more than 10000000 selected relationships.",
-                      sign({}, oneTooMany));
-        oneTooMany.back() = oneTooMany.front();
-    }
-}
-
 TEST_F(Signing, aPackageBeingCreatedCanNotBeSigned) {
     close(true);
     open(OpenMode::CreateOnly);

@@ -63,8 +63,6 @@ protected:
         } catch (const InvalidSignature& e) {
             code = e.getErrorCode().value();
         } catch (const opc::Exception&) {
-        } catch (const std::invalid_argument&) {
-        } catch (const std::out_of_range&) {
         }
         if (package->isOpen())
             package->close(true);
@@ -170,6 +168,12 @@ TEST_F(Tampering, changesOfWhatIsSignedAreFoundByTheirCode) {
     for (const auto& [code, name, what, with] : changes)
         EXPECT_EQ(outcomeOf(name, what, with), code) << what << " -> " << with;
     EXPECT_EQ(outcomeOf([this] {
+                  store.setPart(u"/_xmlsignatures/sigcountersig.xml", {});
+                  edit(u"/_rels/.rels", "</R",
+                       R"(<Relationship Id="DSRelcountersig" Type="urn:link" Target="b.xml"/></R)");
+              }),
+              101);
+    EXPECT_EQ(outcomeOf([this] {
                   store.removePart(u"/b.xml");
                   store.removePart(u"/_rels/b.xml.rels");
               }),
@@ -210,11 +214,6 @@ TEST_F(Tampering, whatIsNotProtected) {
          [this] {
              store.setPart(u"/_rels/a.xml.rels", before.at(u"/_rels/b.xml.rels"));
              store.setPart(u"/_rels/b.xml.rels", before.at(u"/_rels/a.xml.rels"));
-         }},
-        {"a relationship with the ID of the countersignature's, beside a part of its name",
-         [&] {
-             store.setPart(u"/_xmlsignatures/sigcountersig.xml", {});
-             addRelationship(R"(Id="DSRelcountersig" Type="urn:link")");
          }},
         {"the key in the signature, by another key", [this] { edit(SIGNATURE, ">AQAB<", ">AQAD<"); }},
         {"no key in the signature", [this] { edit(SIGNATURE, piece(text(), "<KeyInfo>", "<Object"), ""); }},

@@ -30,7 +30,7 @@ std::string SignatureComparison::read(const Bytes& document, bool scanning) {
         return failure;
     std::ostringstream text;
     data.prettyPrint(text);
-    text << data.m_content.digestedManifestReferences << ' ' << data.m_certificateChain.has_value() << '\n';
+    text << data.m_certificateChain.has_value() << '\n';
     for (const unsigned char byte : data.m_signatureValue)
         text << static_cast<unsigned>(byte) << ' ';
     for (const auto& [id, object] : data.m_objects)

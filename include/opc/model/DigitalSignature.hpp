@@ -35,11 +35,11 @@ public:
     SignatureParams getSignatureParams() const;
     std::vector<unsigned char> getSignatureValue() const;
 
-    /// What the references lead to. Not all of it needs to be protected: `SignatureCoverage` tells what is.
-    /// @{
     Enumerator<std::vector<PartName>> getSignedPartNames() const;
+
+    /// Each as often as it was selected (`DigitalSignatureManager::sign`).
+    /// @throws opc::Exception  if there are more than 10,000,000, which the list would hold one by one
     Enumerator<std::vector<Relationship>> getSignedRelationships() const;
-    /// @}
 
     /// When it was made, in UTC, as the signer says; not-a-date-time if it doesn't say.
     boost::posix_time::ptime getSignedTime() const;

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,7 +39,8 @@ class DigitalSignatureSerializer;
 class InvalidSignature;
 struct DataToSign;
 class PartDigesters;
-class RelationshipSelection;
+class SelectableRelationships;
+class SignedRelationships;
 struct Reference;
 
 /// The digital signatures of one package (ECMA-376 Part 2, digital signatures): signs, verifies,
@@ -51,11 +53,13 @@ struct Reference;
 ///
 /// Keys are bytes in the encoded forms of `bedrock::crypto`. An empty trust store stands for the system's
 /// certificates. A signature names the content types of its parts but doesn't protect them, nor the first
-/// `<cp:keywords>` element of the core properties, nor which source a relationship belongs to.
+/// `<cp:keywords>` element of the core properties, nor which of the covered sources a relationship belongs to.
 ///
 /// Every operation that reads signatures raises `InvalidSignature` with code 102 if a signature part can't
-/// be read, or if something that it signed is missing; the next operation tries again. Signatures that hang
-/// on relationships of other types, such as office programs make, aren't seen.
+/// be read, if something that it signed is missing, or if something could pass for signed that its signature
+/// value doesn't protect; the next operation tries again. So do `Package`'s operations that leave out what
+/// managers keep. Signatures that hang on relationships of other types, such as office programs make, aren't
+/// seen.
 class OPC_MODEL_EXPORT DigitalSignatureManager : public DataManager {
 public:
     using Bytes = std::vector<unsigned char>;
@@ -76,9 +80,10 @@ public:
     /// behind the writing leaves the signature in place: `removeSignature` takes it out.
     ///
     /// A selector by type takes every relationship of that type, once for each time it is named: n
-    /// relationships of one type and source, each with a selector of its own, count n² times. The memory
-    /// for them is 32 bytes each, and each different one is written once. More than 10,000,000 are refused,
-    /// and more in all signatures that are loaded.
+    /// relationships of one type and source, each with a selector of its own, count n² times. Each is held
+    /// once, but digested as often as it counts: what all different selections of a package's signatures
+    /// take to digest ends at 2 GiB, in signing as in verifying. The relationship from the origin part to
+    /// the countersignature is never signed.
     ///
     /// @param parts      the parts to sign; not relationships parts, which are signed through selectors
     /// @param selectors  the relationships to sign
@@ -170,6 +175,11 @@ public:
     ///
     /// Checks the signature value and then every digest that the signature references. Changes nothing.
     ///
+    /// `verifyAllSignatures` reads each part once, however many signatures cover it; `verifySignature` reads
+    /// them anew each time.
+    ///
+    /// @throws InvalidSignature  with code 102 and its reason, if the signatures of the package together take
+    ///                           too much to digest
     /// @throws InvalidSignature  the signature can't be checked. The text is "Signature is invalid: " and
     ///                           the code
     /// @{
@@ -229,6 +239,8 @@ public:
     /// @}
 
 private:
+    friend class SignatureCoverage;
+
     using Signatures = std::vector<DigitalSignature>;
 
     /// The first half of a verification: whether the signature value holds.
@@ -247,24 +259,29 @@ private:
     void throwIfNotValidSignaturePart(const PartName& partName) const;
 
     void ensureLoaded() const;
-    std::shared_ptr<DigitalSignatureData> readSignature(const Part& part) const;
+    std::shared_ptr<DigitalSignatureData> readSignature(const Part& part,
+                                                        SelectableRelationships& selectable) const;
     void addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data, const Part& part);
     void updateNextSignatureID(std::u16string id, const Part& part);
-    void fillUpSignedEntities(DigitalSignatureData& data) const;
+    void fillUpSignedEntities(DigitalSignatureData& data, SelectableRelationships& selectable) const;
     void fillUpSignedRelationships(const Reference& reference, const PartName& relationshipsPart,
-                                   RelationshipSelection& selection) const;
+                                   SelectableRelationships& selectable, SignedRelationships& selected) const;
     void assertSignatureCorrectnessAfterLoad(const DigitalSignatureData& data) const;
     Signatures::iterator findSignature(const std::u16string& name);
 
     std::u16string getNextSignatureID();
     Part getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const;
+    std::optional<URI> findOriginURI() const;
 
     std::vector<Bytes> computePartDigests(const std::vector<PartName>& partNames,
                                           DigestMethod digestMethod) const;
     DataToSign computeDataToSign(const std::vector<PartName>& partNames,
                                  const std::vector<RelationshipSelector>& selectors,
                                  const SignatureParams& params) const;
-    std::vector<Relationship> selectRelationships(const std::vector<RelationshipSelector>& selectors) const;
+    std::shared_ptr<const SignedRelationships>
+    selectRelationships(const std::vector<RelationshipSelector>& selectors) const;
+    std::uint64_t measureWork() const;
+    void throwIfTooMuchWork(const DataToSign& data, const SignatureParams& params) const;
 
     static void throwIfNoVerificationKey(const Bytes& publicKey);
     DigitalSignature signHelper(const Bytes& privateKey, const Bytes& publicKey,
@@ -296,14 +313,13 @@ private:
                                                              PartDigesters& digesters) const;
     DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data,
                                                                  PartDigesters& digesters) const;
-    std::u16string digestSignedRelationships(const DigitalSignatureData& data) const;
     static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
 
     void deleteSignaturePart(const PartName& partName);
 
     Signatures m_signatures;
     std::uint64_t m_nextSignatureID = 1;
-    std::size_t m_loadedRelationships = 0; ///< how many the loaded signatures cover together
+    std::uint64_t m_work = 0; ///< what it takes to digest the relationships of all loaded signatures
     std::unique_ptr<DigitalSignatureSerializer> m_serializer;
 };
 

@@ -14,6 +14,7 @@ namespace opc::model {
 class RelationshipGroup;
 class RelationshipManager;
 class RelationshipsText;
+class SignedRelationships;
 
 /// One relationship of a package or a part, as it was when it was asked for (ECMA-376 Part 2, relationships).
 ///
@@ -55,6 +56,7 @@ private:
     friend class RelationshipGroup;
     friend class RelationshipManager;
     friend class RelationshipsText;
+    friend class SignedRelationships;
 
     /// What never changes, shared by all copies. Texts and source lie in a block that the values keep.
     struct Values {
@@ -66,6 +68,9 @@ private:
     };
 
     explicit Relationship(std::shared_ptr<const Values> shared) : values(std::move(shared)) {}
+
+    /// Whether it comes from the same relationship of the same source, in the same state.
+    bool isCopyOf(const Relationship& other) const { return values == other.values; }
 
     URI resolveTarget() const;
 

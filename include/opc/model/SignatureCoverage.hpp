@@ -3,7 +3,9 @@
 #include <opc/model/Export.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/Relationship.hpp>
+#include <opc/model/URI.hpp>
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -13,8 +15,7 @@ namespace opc::model {
 class DigitalSignature;
 class DigitalSignatureManager;
 
-/// What one signature covers, by the references in the object that its signature value protects, and by no
-/// others: a signature part can hold more references than are protected. A value, which doesn't follow later
+/// What one signature covers, all of it protected by its signature value. A value, which doesn't follow later
 /// changes of the package.
 ///
 /// Whether the signature holds isn't asked here: only if it does, what is covered is as it was signed. Of
@@ -39,7 +40,7 @@ private:
     std::set<PartName> parts;
     Criteria relationshipIDs;
     Criteria relationshipTypes;
-    std::u16string exceptedID; ///< empty: no relationship is excepted
+    std::optional<URI> originURI; ///< whose relationship to the countersignature isn't covered
 };
 
 } // namespace opc::model

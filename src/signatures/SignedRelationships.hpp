@@ -1,0 +1,56 @@
+#pragma once
+
+#include <opc/model/Relationship.hpp>
+#include <opc/model/SignatureParams.hpp>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opc::model {
+
+/// Relationships that are selected together: one by its ID, or all of one type that a source has.
+struct SelectedGroup {
+    std::vector<Relationship> relationships;
+    std::uint64_t length = 0; ///< how long they are at most where they are digested, in bytes
+};
+
+/// The relationships that a signature covers, each as often as it is selected. Every group is held once, however
+/// often it is selected: n relationships of one type, each named by a selector of its own, make n² entries.
+class SignedRelationships {
+public:
+    using Group = std::shared_ptr<const SelectedGroup>;
+
+    void add(const Group& group);
+
+    /// The groups that were added, in that order, which outlive this object only so far as others hold them.
+    const std::vector<const SelectedGroup*>& selections() const { return order; }
+
+    /// How often each group was added.
+    const std::map<Group, std::uint64_t>& groups() const { return times; }
+
+    bool empty() const { return entries == 0; }
+
+    /// What it takes to digest them, in bytes: the length of their text, and 500 for each different one.
+    std::uint64_t work() const { return digestWork; }
+
+    /// Every entry, in the order of the selections.
+    /// @throws opc::Exception  if there are more than 10,000,000
+    std::vector<Relationship> toVector() const;
+
+    /// Whether the same relationships were selected in the same order, from the same state of the package.
+    bool operator==(const SignedRelationships& other) const;
+
+    /// By method, in Base64: what has been digested once isn't digested again.
+    mutable std::map<DigestMethod, std::u16string> digests;
+
+private:
+    std::vector<const SelectedGroup*> order;
+    std::map<Group, std::uint64_t> times;
+    std::uint64_t entries = 0;
+    std::uint64_t digestWork = 0;
+};
+
+} // namespace opc::model
