@@ -23,7 +23,11 @@ TEST(ZipItemNames, becomeNamesOfParts) {
         "t/[1] {x}|^`\"<>#?.png | /t/%5B1%5D%20%7Bx%7D%7C%5E%60%22%3C%3E%23%3F.png",
         "caf\xC3\xA9.xml | /caf%C3%A9.xml", "\xE6\x97\xA5.xml | /%E6%97%A5.xml", "tab\tname | /tab%09name",
         "[trash] | /%5Btrash%5D", "a/[content_types].xml | /a/%5Bcontent_types%5D.xml",
-        "a/[01].piece | /a/%5B01%5D.piece"};
+        "a/[01].piece | /a/%5B01%5D.piece",
+        // in the letter case of the standard
+        "_Rels/.RELS | /_rels/.rels", "a/_RELS/B.xml.Rels | /a/_rels/B.xml.rels",
+        "A\\_Rels\\b.rels | /A/_rels/b.rels", "a_RELS/b.RELS | /a_RELS/b.RELS",
+        "_RELS/a/b.RELS | /_RELS/a/b.RELS", "_RELS/b.xml | /_RELS/b.xml"};
     for (const std::string& row : names) {
         const auto [item, name] = columns<2>(row);
         ZipPackage package(makeZip({stored(item, "content")}));
@@ -83,7 +87,7 @@ TEST(ZipItemNames, ofNewPartsMustBePartNames) {
     const std::u16string tooLong = u'/' + std::u16string(0x10000, u'a');
     for (const std::u16string name :
          {u"", u"/", u"a", u"/a/", u"/a//b", u"/a.", u"/a b", u"/\u00e9", u"/a%2Fb", u"/[Content_Types].xml",
-          u"/a/[0].piece", u"/C:/a", u"/__MacOSX/a", tooLong.c_str()}) {
+          u"/a/[0].piece", u"/C:/a", u"/__MacOSX/a", u"/_Rels/.rels", u"/a/_rels/b.RELS", tooLong.c_str()}) {
         EXPECT_FAILS(EINVAL, "no part name: ", create(package, name, ""))
             << opc::toUDEString(name.substr(0, 80));
     }

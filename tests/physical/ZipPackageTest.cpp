@@ -106,6 +106,18 @@ TEST_F(ZipPackages, readsAndKeepsItemsWhoseSizesStandBehindThem) {
     }
 }
 
+TEST_F(ZipPackages, keepsTheLetterCaseOfARelationshipsPart) {
+    ZipPackage package(makeZip({stored("_Rels/.Rels", "old"), stored("a", "")}));
+    for (const char16_t* changed : {u"/a", u"/_rels/.rels"}) {
+        package.open(OpenMode::ReadWrite);
+        create(package, changed, "newer");
+        package.close(false);
+        const auto items = readZip(package.bytes());
+        EXPECT_EQ(items.size(), 2U);
+        EXPECT_EQ(itemOf(items, "_Rels/.Rels").size, changed == std::u16string(u"/a") ? 3U : 5U);
+    }
+}
+
 /// Letters that compress to about three fifths.
 std::string letters(std::size_t count) {
     std::minstd_rand random;

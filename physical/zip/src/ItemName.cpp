@@ -128,7 +128,24 @@ std::optional<ItemName::Piece> removePiece(string_view& name) {
     return ItemName::Piece{static_cast<std::uint32_t>(std::stoul(std::string(digits))), last};
 }
 
-std::string encode(string_view item) {
+/// Gives `_rels` and `.rels` in the name of a relationships part the letter case that the standard writes.
+void standardizeRelationships(std::string& name) {
+    constexpr string_view FOLDER = "_rels/";
+    constexpr string_view EXTENSION = ".rels";
+    string_view source = name;
+    if (!removeEndCaseless(source, EXTENSION))
+        return;
+    const std::size_t file = source.rfind('/') + 1; // 0 without a slash
+    const std::size_t folder = file < FOLDER.size() ? 0 : file - FOLDER.size();
+    if (!equalsCaseless(source.substr(folder, file - folder), FOLDER) ||
+        (folder > 0 && source[folder - 1] != '/'))
+        return;
+    name.replace(folder, FOLDER.size(), FOLDER).replace(source.size(), EXTENSION.size(), EXTENSION);
+}
+
+} // namespace
+
+std::string encodeItemName(string_view item) {
     static const char* const HEX = "0123456789ABCDEF";
     const auto stays = [](char c) { return c == '/' || c == '%' || isPlain(c); };
     const auto* next = std::find_if_not(item.begin(), item.end(), stays); // nearly always the end
@@ -142,6 +159,8 @@ std::string encode(string_view item) {
     }
     return name;
 }
+
+namespace {
 
 const char* reasonToRefuse(string_view item) {
     if (item.substr(0, 1) == "/")
@@ -191,7 +210,8 @@ ItemName readItemName(string_view item) {
         result.kind = ItemName::Kind::ContentTypes;
         return result;
     }
-    result.partName = encode(item);
+    result.partName = encodeItemName(item);
+    standardizeRelationships(result.partName);
     if (const char* defect = defectOf(result.partName)) {
         result.reason = std::string("no part name: ") + defect;
         return result;
@@ -206,8 +226,12 @@ const char* partNameDefect(string_view name) {
     name.remove_prefix(1);
     if (name.size() > LONGEST_NAME)
         return "longer than an archive can hold";
-    const char* defect = defectOf(name);
-    return defect ? defect : reasonToIgnore(name);
+    if (const char* defect = defectOf(name))
+        return defect;
+    std::string standardized(name);
+    standardizeRelationships(standardized);
+    return standardized == name ? reasonToIgnore(name)
+                                : "the name of a relationships part in another letter case";
 }
 
 } // namespace opc::physical::zip

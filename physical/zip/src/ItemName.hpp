@@ -22,7 +22,8 @@ struct ItemName {
     };
 
     Kind kind = Kind::Ignored;
-    std::string partName;       ///< of a part, without the slash that it begins with
+    /// Of a part, without the slash that it begins with. `_rels` and `.rels` have standard letter case.
+    std::string partName;
     std::optional<Piece> piece; ///< of a part or the content types stream: it is a piece of that
     std::string reason;         ///< why it is ignored or refused
 };
@@ -30,6 +31,9 @@ struct ItemName {
 /// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part
 /// names, widened to names that real programs write: see `ZipPackage`).
 ItemName readItemName(std::string_view item);
+
+/// @return an item name, in UTF-8, with everything percent-encoded that a part name can't hold
+std::string encodeItemName(std::string_view item);
 
 /// @return what breaks the rules for part names in `name`, or keeps an archive from holding a part of that name,
 ///     as words for a message; null if nothing does
