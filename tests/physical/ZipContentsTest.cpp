@@ -144,12 +144,12 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
     struct Case {
         const char* defect;
         void (*make)(RawItem&);
-        const char* message; ///< none: it is no defect
+        const char* message;
     };
     const char* const DAMAGED = "a: can't read: its compressed data is damaged";
     const Case cases[] = {
-        {"nothing", [](RawItem&) {}, nullptr},
-        {"bytes behind the data", [](RawItem& i) { i.data += "behind"; }, nullptr},
+        {"bytes behind the data", [](RawItem& i) { i.data += "behind"; },
+         "a: can't read: something stands behind its compressed data"},
         {"wrong checksum", [](RawItem& i) { ++i.crc; }, "a: can't read: its checksum is wrong"},
         {"longer than said", [](RawItem& i) { --i.size; }, "a: can't read: longer than the directory says"},
         {"shorter than said", [](RawItem& i) { ++i.size; }, "a: can't read: shorter than the directory says"},
@@ -176,11 +176,6 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
                 const auto read = [&] { readInPieces(stream, piece, got); };
                 const std::string where =
                     c.defect + (", " + std::to_string(size)) + " in pieces of " + std::to_string(piece);
-                if (!c.message) {
-                    read();
-                    EXPECT_TRUE(got == text) << where;
-                    return;
-                }
                 EXPECT_FAILS(EBADMSG, c.message, read()) << where;
                 EXPECT_FALSE(stream.isDone()) << where;
                 EXPECT_FAILS(EBADMSG, "behind a damaged place", read()) << where;
@@ -198,9 +193,7 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
 TEST(ZipContents, mayBeEmptyAndDeflated) {
     RawItem nothing = stored("a", "");
     nothing.method = 8;
-    RawItem withBytesBehind = deflated("");
-    withBytesBehind.data += "behind";
-    for (const RawItem& item : {nothing, deflated("", 0), deflated(""), withBytesBehind})
+    for (const RawItem& item : {nothing, deflated("", 0), deflated("")})
         inEveryWay(item, 1, [](ZipPackage& package, std::size_t) {
             EXPECT_TRUE(package.getParts()[0]->getInputStream()->isDone());
         });

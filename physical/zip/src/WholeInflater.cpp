@@ -10,8 +10,11 @@ bool WholeInflater::expand(const unsigned char* data, std::size_t count, unsigne
         decompressor.reset(::libdeflate_alloc_decompressor());
     if (!decompressor)
         throw std::bad_alloc();
-    return ::libdeflate_deflate_decompress(decompressor.get(), data, count, output, size, nullptr) ==
-           LIBDEFLATE_SUCCESS;
+    std::size_t taken = 0;
+    std::size_t got = 0;
+    return ::libdeflate_deflate_decompress_ex(decompressor.get(), data, count, output, size, &taken, &got) ==
+               LIBDEFLATE_SUCCESS &&
+           taken == count && got == size;
 }
 
 } // namespace opc::physical::zip

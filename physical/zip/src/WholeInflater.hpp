@@ -12,8 +12,8 @@ namespace opc::physical::zip {
 /// so that the checksum alone tells whether the content is the right one.
 class WholeInflater {
 public:
-    /// @return whether `size` bytes are in `output` now, neither more nor fewer than the data holds. What else
-    ///     is wrong with it isn't told: `Inflater` finds that out. What stands behind the data isn't looked at.
+    /// @return whether `size` bytes are in `output` now, neither more nor fewer than the data holds, and nothing
+    ///     stands behind the data. What is wrong otherwise isn't told: `Inflater` finds that out.
     bool expand(const unsigned char* data, std::size_t count, unsigned char* output, std::size_t size);
 
 private:

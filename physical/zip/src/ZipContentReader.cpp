@@ -67,6 +67,8 @@ void ItemReader::endItem() {
     unsigned char more = 0;
     if (isDeflated && !ended && expand(&more, 1) > 0)
         archive.failItem(item(), "longer than the directory says");
+    if (isDeflated && (compressedOffset < compressedEnd || !inflater->needsInput()))
+        archive.failItem(item(), "something stands behind its compressed data");
     archive.giveInflater(std::move(inflater));
     if (checksum != archive.item(item()).crc)
         archive.failItem(item(), "its checksum is wrong");
