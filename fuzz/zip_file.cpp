@@ -78,8 +78,10 @@ Contents readParts(ZipPackage& package) {
 
 std::vector<std::string> ignoredNames(const ZipPackage& package) {
     std::vector<std::string> names;
-    for (const ZipPackage::IgnoredItem& item : package.ignoredItems())
-        names.push_back(item.name);
+    for (const ZipPackage::IgnoredItem& item : package.ignoredItems()) {
+        if (item.isItem)
+            names.push_back(item.name);
+    }
     return names;
 }
 
@@ -87,16 +89,29 @@ void write(interfaces::IPhysicalOutputStream& stream, const Bytes& content) {
     require(stream.write(content.data(), content.size()) == content.size(), "everything is written");
 }
 
+/// Whether no item is in the way of a part of that name.
+bool isFree(ZipPackage& package, const std::u16string& name) {
+    try {
+        package.createPart(name, u"", model::StandardPartInfo());
+        return true;
+    } catch (const Exception& e) {
+        require(e.code().value() == EINVAL, "it is the name that is refused");
+        return false;
+    }
+}
+
 /// Adds a part, gives another one new content and deletes a third.
 /// @return what the package then holds
 Contents change(ZipPackage& package, Contents contents) {
     const Bytes content = {'n', 'e', 'w'};
     const std::u16string name = u"/fuzzed.xml";
-    if (contents.count(name) == 0) {
+    if (contents.count(name) == 0 && isFree(package, name)) {
         write(*package.createPart(name, u"", model::StandardPartInfo())->getOutputStream(), content);
         contents[name] = content;
     }
     const auto parts = package.getParts();
+    if (parts.empty())
+        return contents;
     write(*parts.front()->getOutputStream(), content);
     contents[keyOf(*parts.front())] = content;
     if (parts.size() > 2) {

@@ -27,10 +27,11 @@ void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) 
 }
 
 void appendDescriptor(std::string& out, const RawItem& item) {
-    append(out, 0x08074b50, 4);
+    if (item.descriptorIsSigned)
+        append(out, 0x08074b50, 4);
     append(out, item.crc, 4);
-    append(out, item.data.size(), 4);
-    append(out, item.size, 4);
+    append(out, item.data.size(), item.descriptorWidth);
+    append(out, item.size, item.descriptorWidth);
 }
 
 std::string zip64Field(const std::vector<std::uint64_t>& numbers) {
@@ -116,6 +117,7 @@ Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment, boo
     std::string archive;
     std::string directory;
     for (const RawItem& item : items) {
+        archive += item.inFront;
         std::string extra = item.extra;
         std::string localExtra = item.localExtra;
         if (item.zip64) {
@@ -126,10 +128,11 @@ Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment, boo
         append(directory, 0x0314, 2); // made by version 2.0 on Unix
         append(directory, 20, 2);
         appendCommon(directory, item, extra.size());
-        append(directory, 0, 6); // comment, disk, internal attributes
+        append(directory, item.comment.size(), 2);
+        append(directory, 0, 4); // disk, internal attributes
         append(directory, item.attributes, 4);
         append(directory, item.zip64 ? 0xFFFFFFFF : archive.size(), 4);
-        directory += item.name + extra;
+        directory += item.name + extra + item.comment;
 
         append(archive, 0x04034b50, 4);
         append(archive, 20, 2);

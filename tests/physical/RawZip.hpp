@@ -22,7 +22,11 @@ struct RawItem {
     std::string extra;                 ///< extra fields of the directory
     std::string localExtra;            ///< extra fields of the local header
     bool zip64 = false;                ///< sizes and offset stand in ZIP64 fields
-    bool streamed = false; ///< the local header knows neither sizes nor checksum; a descriptor follows
+    bool streamed = false;   ///< the local header knows neither sizes nor checksum; a descriptor follows
+    int descriptorWidth = 4; ///< bytes for each size there
+    bool descriptorIsSigned = true;
+    std::string comment;
+    std::string inFront; ///< bytes in front of the local header that belong to no item
 };
 
 RawItem stored(const std::string& name, const std::string& content);

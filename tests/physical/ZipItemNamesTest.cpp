@@ -94,6 +94,28 @@ TEST(ZipItemNames, ofNewPartsMustBePartNames) {
     EXPECT_TRUE(package.getParts().empty());
 }
 
+TEST(ZipItemNames, ofNewPartsMayNotLeadOtherProgramsToOtherItems) {
+    const std::string cases[] = {"a  | /a | a%20",    "a | /a;1 | a",     "b/A | /C:B/a | b/A",
+                                 "./a | /a | ./a",    "%61/ | /a | %61/", "b//a!.. | /b/a%21 | b//a!..",
+                                 "a./a | /a/A | a./a"};
+    for (const std::string& row : cases) {
+        const std::size_t end = row.find(" | /");
+        const auto [name, other] = columns<2>(row.substr(end + 3));
+        ZipPackage package(makeZip({stored(row.substr(0, end), ""), stored("same;1", "")}));
+        package.open(OpenMode::ReadWrite);
+        const std::u16string partName(name.begin(), name.end());
+        EXPECT_FAILS(EINVAL, "no part name here: other programs may extract it over " + other,
+                     create(package, partName, ""))
+            << row;
+        EXPECT_EQ(package.getParts().size(), package.ignoredItems().empty() ? 2U : 1U) << row;
+        create(package, u"/same;1", "");
+        package.deletePart(u"/same;1");
+        create(package, u"/same", "");
+        package.close(false);
+        package.open(OpenMode::ReadOnly);
+    }
+}
+
 TEST(ZipItemNames, ofPiecesAreJoinedAndWrittenBackWhole) {
     const std::vector<RawItem> items = {
         stored("b/[1].piece", "two, "),           stored("[Content_Types].xml/[0].last.piece", "types"),

@@ -3,7 +3,9 @@
 
 #include <opc/physical/ZipPackage.hpp>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <random>
 #include <sstream>
 #include <tuple>
@@ -89,21 +91,79 @@ TEST_F(ZipPackages, copiesWhatHasNotChangedAsItIsCompressed) {
 
 TEST_F(ZipPackages, readsAndKeepsItemsWhoseSizesStandBehindThem) {
     std::vector<RawItem> items = {stored("stored", PROSE), oddlyDeflated("deflated", PROSE),
-                                  stored("last", "x")};
+                                  stored("wide", PROSE), stored("last", "x")};
     for (RawItem& item : items) {
         item.flags = 8;
         item.streamed = true;
+        item.descriptorIsSigned = item.method == 0;
+        item.descriptorWidth = item.name == "wide" || item.method == 8 ? 8 : 4;
     }
+    items[2].descriptorIsSigned = true;
+    items.push_back(items[1]);
+    items.back().name = "narrow";
+    items.back().descriptorWidth = 4;
     writeFile(path, makeZip(items));
     ZipPackage package(path);
     for (int round = 0; round < 2; ++round) {
         package.open(OpenMode::ReadWrite);
         EXPECT_EQ(content(*find(package, u"/stored")), PROSE);
-        EXPECT_EQ(content(*find(package, u"/deflated")), PROSE);
+        for (const auto* name : {u"/deflated", u"/wide", u"/narrow"})
+            EXPECT_EQ(content(*find(package, name)), PROSE);
+        EXPECT_TRUE(package.ignoredItems().empty());
         create(package, u"/last", "changed");
         package.close(false);
         EXPECT_TRUE(othersAccept(path));
     }
+}
+
+std::string field(const std::string& kind, const std::string& data) {
+    return kind + static_cast<char>(data.size()) + '\0' + data;
+}
+
+TEST_F(ZipPackages, listsHiddenBytesAndDropsThoseOfNoItem) {
+    RawItem inFront = stored("a", "");
+    inFront.inFront = "#!/bin/sh";
+    RawItem usual = stored("b", "");
+    usual.inFront = "between";
+    usual.extra = field("UT", "\1four") + field("\x35\xD9", std::string(2, '\0'));
+    usual.localExtra = field("\x20\xA2", std::string("\x28\xA0\2\0\0\0", 6)) + field("up", "\1....b") + '\0';
+    RawItem odd = stored("c", "");
+    odd.extra = field("UT", std::string(14, 'x'));
+    odd.localExtra = field("\x20\xA2", std::string("\x28\xA0\2\0\0x", 6));
+    odd.comment = "comment";
+    RawItem named = stored("d", "");
+    named.localExtra = field("up", "\1....e") + "xyz";
+    ZipPackage package(makeZip({inFront, usual, odd, named, stored("last", "")}, "comment"));
+    const std::string DATA = " holds data in extra fields of unknown kind";
+    const std::vector<std::string> ofItems = {
+        "c: its record in the directory" + DATA,
+        "c: a comment of 7 bytes",
+        ": a comment of 7 bytes on the archive",
+        "c: its local header" + DATA,
+        "d: its local header gives it another name in a Unicode Path field",
+        "d: its local header" + DATA};
+    const auto expectListed = [&](std::vector<std::string> expected) {
+        std::vector<std::string> listed;
+        for (const auto& item : package.ignoredItems()) {
+            listed.push_back(item.name + ": " + item.reason);
+            EXPECT_FALSE(item.isItem);
+        }
+        std::sort(listed.begin(), listed.end());
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(listed, expected);
+    };
+    package.open(OpenMode::ReadWrite);
+    std::vector<std::string> all = ofItems;
+    all.insert(all.end(), {": 9 bytes in front of a that belong to no item",
+                           ": 7 bytes in front of b that belong to no item"});
+    expectListed(all);
+    create(package, u"/last", "changed");
+    package.close(false);
+    const std::string text(package.bytes().begin(), package.bytes().end());
+    EXPECT_EQ(text.find("#!"), std::string::npos);
+    EXPECT_EQ(text.find("between"), std::string::npos);
+    package.open(OpenMode::ReadOnly);
+    expectListed(ofItems);
 }
 
 TEST_F(ZipPackages, keepsTheLetterCaseOfARelationshipsPart) {

@@ -144,7 +144,7 @@ TEST_F(Opctool, infoGivesAnOverview) {
     for (const char* line :
          {"\n    2  2,469,134  a/b\n", "\nRelationships: 4, 1 of them external\n",
           "\n    2         1  urn:t\n", "\nThumbnails: 1\n/thumb.png\n", "\nCore properties: 1\n",
-          "\ntitle     t\n", "\nItems of the container that are no parts: 1\n", "\n[trash]/0000.dat  "})
+          "\ntitle     t\n", "\nIn the container beside parts: 1\n", "\n[trash]/0000.dat  "})
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
 }
 

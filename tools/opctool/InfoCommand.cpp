@@ -88,7 +88,7 @@ ordered_json findThumbnails(const opc::model::Package& package) {
 ordered_json listIgnored(const OpenedPackage& package) {
     ordered_json list = ordered_json::array();
     for (const auto& item : package.ignoredItems())
-        list.push_back({{"name", item.name}, {"reason", item.reason}});
+        list.push_back({{"name", item.name}, {"reason", item.reason}, {"item", item.isItem}});
     return list;
 }
 
@@ -146,7 +146,7 @@ void printCoreProperties(const ordered_json& description) {
 }
 
 void printIgnored(const ordered_json& ignored) {
-    std::cout << "\nItems of the container that are no parts: " << ignored.size() << '\n';
+    std::cout << "\nIn the container beside parts: " << ignored.size() << '\n';
     Table table({{"NAME"}, {"REASON"}});
     for (const auto& item : ignored)
         table.addRow({item["name"], item["reason"]});

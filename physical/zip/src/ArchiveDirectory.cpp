@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <numeric>
 
 namespace opc::physical::zip {
 
@@ -18,6 +17,10 @@ namespace {
 
 bool isSlash(char c) {
     return c == '/' || c == '\\';
+}
+
+std::string commentOf(std::size_t size) {
+    return "a comment of " + std::to_string(size) + " bytes";
 }
 
 class DirectoryReader {
@@ -28,10 +31,10 @@ public:
           end(readDirectoryEnd(bytes, archivePlace)), position(end.offset) {}
 
     void read();
-    std::uint64_t offset() const { return end.offset; }
 
 private:
-    DirectoryEntry readEntry();
+    void readEntry();
+    void inspect(const unsigned char* record);
     const unsigned char* lookAt(std::size_t count);
     void readName(std::string_view stored, DirectoryEntry& entry);
     void readNumbers(const unsigned char* record, DirectoryEntry& entry) const;
@@ -60,14 +63,17 @@ void DirectoryReader::read() {
         failDirectory(place, "too short for its number of items");
     directory.entries.reserve(static_cast<std::size_t>(end.itemCount));
     for (entryNumber = 1; entryNumber <= end.itemCount; ++entryNumber)
-        directory.entries.push_back(readEntry());
+        readEntry();
     if (position != end.offset + end.size)
         failDirectory(place, "longer than its items");
+    directory.start = end.offset;
     directory.end = position;
+    if (!end.comment.empty())
+        directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive"});
     directory.comment = std::move(end.comment);
 }
 
-DirectoryEntry DirectoryReader::readEntry() {
+void DirectoryReader::readEntry() {
     const unsigned char* record = lookAt(DIRECTORY_ENTRY_SIZE);
     if (read32(record) != DIRECTORY_ENTRY)
         failDirectory(place, "no entry where item " + std::to_string(entryNumber) + " should have one");
@@ -88,8 +94,18 @@ DirectoryEntry DirectoryReader::readEntry() {
     readName({reinterpret_cast<const char*>(record) + DIRECTORY_ENTRY_SIZE, nameSize}, entry);
     readNumbers(record, entry);
     checkNumbers(entry);
+    directory.entries.push_back(entry);
+    inspect(record);
     position += size;
-    return entry;
+}
+
+/// Looks for what the record of the last entry holds beside what is needed to read the item.
+void DirectoryReader::inspect(const unsigned char* record) {
+    const auto item = static_cast<ItemIndex>(directory.entries.size() - 1);
+    inspectFields(record + DIRECTORY_ENTRY_SIZE + read16(record + 28), read16(record + 30), item,
+                  "its record in the directory", place, directory);
+    if (const std::size_t size = read16(record + 32))
+        directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size)});
 }
 
 /// @return the next `count` bytes of the directory, good until the next call
@@ -147,23 +163,6 @@ void DirectoryReader::checkNumbers(const DirectoryEntry& entry) const {
         fail(itemPlace(place, entry.name), "is stored, but its two sizes differ", EBADMSG);
 }
 
-/// Finds where each item ends, and raises if that is in the bytes of another one. How long extra fields of
-/// local headers are isn't known here: reading an item finds those that are too long.
-void findEnds(std::vector<DirectoryEntry>& entries, std::uint64_t directory, const std::string& place) {
-    std::vector<ItemIndex> order(entries.size());
-    std::iota(order.begin(), order.end(), 0U);
-    const auto before = [&](ItemIndex a, ItemIndex b) { return entries[a].offset < entries[b].offset; };
-    if (!std::is_sorted(order.begin(), order.end(), before))
-        std::sort(order.begin(), order.end(), before);
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        DirectoryEntry& entry = entries[order[i]];
-        const DirectoryEntry* next = i + 1 < order.size() ? &entries[order[i + 1]] : nullptr;
-        entry.end = next ? next->offset : directory;
-        if (entry.end - entry.offset < LOCAL_HEADER_SIZE + entry.storedName().size() + entry.compressedSize)
-            fail(itemPlace(place, entry.name), "overlaps with " + std::string(next->name), EBADMSG);
-    }
-}
-
 } // namespace
 
 bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
@@ -171,11 +170,30 @@ bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
            entry.size / std::max<std::uint64_t>(limits.maxRatio, 1) > entry.compressedSize;
 }
 
+void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item, const char* record,
+                   const std::string& place, ArchiveDirectory& directory) {
+    if (size == 0)
+        return;
+    const DirectoryEntry& entry = directory.entries[item];
+    const auto note = [&](const char* what) {
+        directory.unread.push_back({std::string(entry.name), record + std::string(what)});
+    };
+    ExtraFieldWalk walk(extra, size);
+    for (ExtraField field; walk.next(field);) {
+        if (field.kind == STRONG_ENCRYPTION_FIELD)
+            fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
+        if (field.kind == UNICODE_PATH_FIELD && unicodePath(field) != entry.name) {
+            directory.otherNames.push_back({item, std::string(unicodePath(field))});
+            note(" gives it another name in a Unicode Path field");
+        }
+    }
+    if (holdsUnknownData(extra, size))
+        note(" holds data in extra fields of unknown kind");
+}
+
 void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
                    ArchiveDirectory& directory) {
-    DirectoryReader reader(archive, place, limits, directory);
-    reader.read();
-    findEnds(directory.entries, reader.offset(), place);
+    DirectoryReader(archive, place, limits, directory).read();
 }
 
 } // namespace opc::physical::zip

@@ -24,7 +24,7 @@ struct DirectoryEntry {
     std::uint64_t size = 0;
     std::uint64_t compressedSize = 0;
     std::uint64_t offset = 0; ///< of its local header
-    std::uint64_t end = 0;    ///< what belongs to the item ends here: the next item or the directory begins
+    std::uint64_t end = 0;    ///< of its content, or of the data descriptor behind that
     std::uint64_t record = 0; ///< offset of this entry
     std::uint32_t crc = 0;
     std::uint16_t method = 0;
@@ -33,18 +33,40 @@ struct DirectoryEntry {
     std::string_view storedName() const { return rawName.empty() ? name : rawName; }
 };
 
+/// A second name of an item, by which some programs call it.
+struct OtherName {
+    ItemIndex item = 0;
+    std::string name; ///< may be no UTF-8
+};
+
+/// What an archive holds beside the contents of its items.
+struct UnreadData {
+    std::string item; ///< that it belongs to; empty if to none
+    std::string what;
+};
+
 struct ArchiveDirectory {
     std::pmr::monotonic_buffer_resource names; ///< what the names of `entries` stand in
     std::vector<DirectoryEntry> entries;
-    std::uint64_t end = 0; ///< behind the last entry
-    std::string comment;   ///< of the archive
+    std::uint64_t start = 0; ///< offset of the first entry
+    std::uint64_t end = 0;   ///< behind the last entry
+    std::string comment;     ///< of the archive
+    std::vector<OtherName> otherNames;
+    std::vector<UnreadData> unread;
 };
 
 /// Whether an item expands more than the limits let it.
 bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits);
 
+/// Notes what extra fields of an item say beside numbers: other names, and data of unknown kinds. Raises if they
+/// say that it is encrypted.
+/// @param record  how messages name the record that they stand in
+/// @param place   the archive's name for messages
+void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item, const char* record,
+                   const std::string& place, ArchiveDirectory& directory);
+
 /// Reads the directory at the end of an archive, once it is certain that it is within the limits, and checks
-/// that the items lie in front of it, none in the bytes of another.
+/// that the items lie in front of it. Where each one ends isn't known then.
 /// @param place      the archive's name for messages
 /// @param directory  empty before
 void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,

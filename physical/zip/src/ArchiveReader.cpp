@@ -1,40 +1,20 @@
 #include "ArchiveReader.hpp"
 
-#include "ExtraFields.hpp"
+#include "ArchiveLayout.hpp"
 #include "Failure.hpp"
+#include "LocalHeader.hpp"
 #include "Records.hpp"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <vector>
 
 namespace opc::physical::zip {
-
-namespace {
-
-/// Whether a local header's numbers are those of the directory. One that was written before the content may
-/// have nothing there yet.
-bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, const unsigned char* extra) {
-    const bool early = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
-    std::uint64_t compressedSize = read32(header + 18);
-    std::uint64_t size = read32(header + 22);
-    Zip64Field field(extra, read16(header + 28));
-    if (!field.resolve(size) || !field.resolve(compressedSize))
-        return early;
-    const auto agrees = [early](std::uint64_t local, std::uint64_t directory) {
-        return local == directory || (early && local == 0);
-    };
-    return agrees(read32(header + 14), entry.crc) && agrees(size, entry.size) &&
-           agrees(compressedSize, entry.compressedSize);
-}
-
-} // namespace
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& limits)
     : source(std::move(archive)), where(std::move(archivePlace)) {
     readDirectory(*source, where, limits, directory);
+    checkLayout(*source, where, directory);
 }
 
 std::size_t ArchiveReader::recordSize(ItemIndex index) const {
@@ -57,23 +37,11 @@ ArchiveReader::ItemStart ArchiveReader::lookAtStart(ItemIndex index, unsigned ch
         const unsigned char* whole = look(index, entry.offset, header.data(), headerSize);
         if (localHeaderSizeOf(whole) != headerSize) // another program may be writing to the file
             failItem(index, "its local header has just been changed");
-        checkHeader(index, whole);
+        checkLocalHeader(entry, whole, where);
     } else {
-        checkHeader(index, bytes);
+        checkLocalHeader(entry, bytes, where);
     }
     return {bytes, size, headerSize};
-}
-
-void ArchiveReader::checkHeader(ItemIndex index, const unsigned char* header) const {
-    const DirectoryEntry& entry = item(index);
-    const unsigned char* name = header + LOCAL_HEADER_SIZE;
-    const std::size_t nameSize = read16(header + 26);
-    const std::string_view expected = entry.storedName();
-    if (nameSize != expected.size() || std::memcmp(name, expected.data(), nameSize) != 0)
-        failItem(index, "its local header has another name");
-    if (read16(header + 8) != entry.method || ((read16(header + 6) ^ entry.flags) & ENCRYPTED) != 0 ||
-        !hasNumbersOf(entry, header, name + nameSize))
-        failItem(index, "its local header differs from the directory");
 }
 
 void ArchiveReader::read(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
@@ -125,7 +93,7 @@ std::vector<unsigned char> ArchiveReader::takeMemory(std::size_t size) {
 }
 
 void ArchiveReader::failItem(ItemIndex index, const std::string& what) const {
-    fail(itemPlace(index), "can't read: " + what, EBADMSG);
+    zip::failItem(item(index), where, what);
 }
 
 std::string ArchiveReader::itemPlace(ItemIndex index) const {

@@ -17,12 +17,14 @@ public:
     /// The most that is taken into memory to expand an item as a whole: of the item, and of its content.
     static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
 
-    /// Reads the directory.
+    /// Reads the directory, and checks all local headers against it.
     ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& limits);
 
     ItemIndex itemCount() const { return static_cast<ItemIndex>(directory.entries.size()); }
     const DirectoryEntry& item(ItemIndex index) const { return directory.entries[index]; }
     const std::string& comment() const { return directory.comment; }
+    const std::vector<OtherName>& otherNames() const { return directory.otherNames; }
+    const std::vector<UnreadData>& unread() const { return directory.unread; }
     ByteSource& bytes() const { return *source; }
 
     /// The size of an item's entry in the directory.
@@ -69,8 +71,6 @@ public:
     std::string itemPlace(ItemIndex index) const;
 
 private:
-    void checkHeader(ItemIndex index, const unsigned char* header) const;
-
     std::shared_ptr<ByteSource> source;
     std::string where;
     ArchiveDirectory directory;

@@ -1,6 +1,7 @@
 #include "ArchiveWriter.hpp"
 
 #include "Failure.hpp"
+#include "NameText.hpp"
 #include "RecordWriting.hpp"
 #include "Records.hpp"
 #include "ZipContent.hpp"
@@ -15,11 +16,6 @@ namespace opc::physical::zip {
 namespace {
 
 constexpr std::size_t BLOCK = 1U << 20;
-
-bool isASCII(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
-}
 
 } // namespace
 

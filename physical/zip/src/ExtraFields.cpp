@@ -2,54 +2,105 @@
 
 #include "Records.hpp"
 
+#include <algorithm>
+
 namespace opc::physical::zip {
 
 namespace {
 
 constexpr std::size_t FIELD_HEADER = 4; ///< kind and size
 
-/// The size of the field at `field` with its header; 0 if there is none.
-std::size_t fieldSize(const unsigned char* field, std::size_t left) {
-    if (left < FIELD_HEADER)
-        return 0;
-    const std::size_t size = FIELD_HEADER + read16(field + 2);
-    return size <= left ? size : 0;
+/// The fields whose content is known, and how much of it there can be.
+constexpr struct {
+    std::uint16_t kind;
+    std::size_t mostBytes;
+} KNOWN_FIELDS[] = {
+    {ZIP64_FIELD, 28},           // two sizes, an offset, a disk
+    {0x000A, 32},                // times of NTFS
+    {0x5455, 13},                // times of Unix
+    {0x5855, 12},                // times and owner of Unix
+    {0x7855, 4},                 // owner
+    {0x7875, 11},                // owner, with larger numbers
+    {UNICODE_PATH_FIELD, 65535}, // compared with the names of all items
+};
+
+constexpr std::uint16_t GROWTH_HINT_FIELD = 0xA220;
+constexpr std::uint16_t GROWTH_HINT_SIGNATURE = 0xA028;
+constexpr std::size_t GROWTH_HINT_HEADER = 4; ///< its signature, and how much room there is at first
+
+bool areZeros(const unsigned char* bytes, std::size_t count) {
+    return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte == 0; });
+}
+
+bool isKnown(const ExtraField& field) {
+    for (const auto& known : KNOWN_FIELDS) {
+        if (known.kind == field.kind)
+            return field.size <= known.mostBytes;
+    }
+    const bool isHint = field.kind == GROWTH_HINT_FIELD && field.size >= GROWTH_HINT_HEADER &&
+                        read16(field.data) == GROWTH_HINT_SIGNATURE;
+    const std::size_t header = isHint ? GROWTH_HINT_HEADER : 0;
+    return areZeros(field.data + header, field.size - header);
 }
 
 } // namespace
 
-Zip64Field::Zip64Field(const unsigned char* extra, std::size_t size) {
-    while (const std::size_t step = fieldSize(extra, size)) {
-        if (read16(extra) == ZIP64_FIELD) {
-            next = extra + FIELD_HEADER;
-            left = step - FIELD_HEADER;
-            return;
-        }
-        extra += step;
-        size -= step;
+bool ExtraFieldWalk::next(ExtraField& field) {
+    if (left < FIELD_HEADER)
+        return false;
+    const std::size_t size = read16(rest + 2);
+    if (left - FIELD_HEADER < size)
+        return false;
+    field = {read16(rest), rest + FIELD_HEADER, size};
+    rest += FIELD_HEADER + size;
+    left -= FIELD_HEADER + size;
+    return true;
+}
+
+std::string_view unicodePath(const ExtraField& field) {
+    constexpr std::size_t HEADER = 5; // version and checksum
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
+    const std::string_view text(reinterpret_cast<const char*>(field.data), field.size);
+    return text.substr(std::min(HEADER, text.size()));
+}
+
+bool holdsUnknownData(const unsigned char* extra, std::size_t size) {
+    ExtraFieldWalk walk(extra, size);
+    for (ExtraField field; walk.next(field);) {
+        if (!isKnown(field))
+            return true;
     }
+    return !areZeros(extra + (size - walk.restSize()), walk.restSize());
+}
+
+Zip64Field::Zip64Field(const unsigned char* extra, std::size_t size) {
+    ExtraFieldWalk walk(extra, size);
+    while (walk.next(field)) {
+        if (field.kind == ZIP64_FIELD)
+            return;
+    }
+    field = {};
 }
 
 bool Zip64Field::resolve(std::uint64_t& value) {
     if (value != NO_ROOM_32)
         return true;
-    if (left < 8)
+    if (field.size < 8)
         return false;
-    value = read64(next);
-    next += 8;
-    left -= 8;
+    value = read64(field.data);
+    field.data += 8;
+    field.size -= 8;
     return true;
 }
 
 std::string withoutZip64Field(std::string_view extra) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
-    const auto* bytes = reinterpret_cast<const unsigned char*>(extra.data());
+    ExtraFieldWalk walk(reinterpret_cast<const unsigned char*>(extra.data()), extra.size());
     std::string others(extra);
-    std::size_t place = 0;
-    while (const std::size_t step = fieldSize(bytes + place, extra.size() - place)) {
-        if (read16(bytes + place) == ZIP64_FIELD)
-            return others.erase(place, step);
-        place += step;
+    ExtraField field;
+    for (std::size_t place = 0; walk.next(field); place = extra.size() - walk.restSize()) {
+        if (field.kind == ZIP64_FIELD)
+            return others.erase(place, FIELD_HEADER + field.size);
     }
     return others;
 }

@@ -7,6 +7,40 @@
 
 namespace opc::physical::zip {
 
+struct ExtraField {
+    std::uint16_t kind = 0;
+    const unsigned char* data = nullptr;
+    std::size_t size = 0;
+};
+
+/// Walks over the extra fields of a record.
+class ExtraFieldWalk {
+public:
+    ExtraFieldWalk(const unsigned char* extra, std::size_t size) : rest(extra), left(size) {}
+
+    /// @return whether there is one more, which is in `field` then
+    bool next(ExtraField& field);
+
+    /// How many bytes haven't been walked over; at the end, those that are no field.
+    std::size_t restSize() const { return left; }
+
+private:
+    const unsigned char* rest;
+    std::size_t left;
+};
+
+/// Kinds of extra fields.
+constexpr std::uint16_t STRONG_ENCRYPTION_FIELD = 0x0017;
+constexpr std::uint16_t UNICODE_PATH_FIELD = 0x7075;
+
+/// The name in a Unicode Path field, by which many programs call the item. Whether the checksum in front of it is
+/// that of the item's name, as not all programs demand, isn't looked at.
+std::string_view unicodePath(const ExtraField& field);
+
+/// Whether extra fields hold anything but what is known to stand there: numbers of ZIP64, times, owners,
+/// a Unicode Path, and room for growth (ECMA-376 Part 2) that is filled with zeros.
+bool holdsUnknownData(const unsigned char* extra, std::size_t size);
+
 /// The numbers of a ZIP64 field: sizes and an offset that have no room in their record. They stand in it
 /// one behind the other, without those that had room.
 class Zip64Field {
@@ -19,8 +53,7 @@ public:
     bool resolve(std::uint64_t& value);
 
 private:
-    const unsigned char* next = nullptr;
-    std::size_t left = 0;
+    ExtraField field;
 };
 
 /// @return `extra` without its ZIP64 field

@@ -2,6 +2,7 @@
 
 #include <opc/core/Exception.hpp>
 
+#include <algorithm>
 #include <system_error>
 
 namespace opc::physical::zip {
@@ -23,11 +24,14 @@ void failSystem(const std::string& place, const std::string& what, int code) {
     fail(place, what + ": " + std::generic_category().message(code), code);
 }
 
+std::string printable(std::string_view name) {
+    std::string text(name);
+    std::replace_if(text.begin(), text.end(), isControl, '?');
+    return text;
+}
+
 std::string itemPlace(const std::string& archive, std::string_view item) {
-    std::string place = archive + ": ";
-    for (const char c : item)
-        place += isControl(c) ? '?' : c;
-    return place;
+    return archive + ": " + printable(item);
 }
 
 } // namespace opc::physical::zip

@@ -14,7 +14,10 @@ namespace opc::physical::zip {
 /// The same for a system call that has failed with the error number `code`, which is put in words.
 [[noreturn]] void failSystem(const std::string& place, const std::string& what, int code);
 
-/// @param item  a name from an archive: control characters in it become question marks
+/// @return a name from an archive for messages: control characters in it become question marks
+std::string printable(std::string_view name);
+
+/// @param item  a name from an archive
 std::string itemPlace(const std::string& archive, std::string_view item);
 
 } // namespace opc::physical::zip

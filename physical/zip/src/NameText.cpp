@@ -2,6 +2,7 @@
 
 #include <opc/core/Text.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -55,6 +56,11 @@ bool areASCII(const char* text) {
 
 } // namespace
 
+bool isASCII(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
+}
+
 bool isUTF8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         if (i + 8 <= text.size() && areASCII(text.data() + i)) {
@@ -75,6 +81,13 @@ std::string fromCodePage437(std::string_view text) {
         const auto byte = static_cast<unsigned char>(c);
         decoded += byte < 0x80 ? static_cast<char16_t>(byte) : UPPER_HALF[byte - 0x80U];
     }
+    return detail::toUTF8String(decoded, true);
+}
+
+std::string fromLatin1(std::string_view text) {
+    std::u16string decoded;
+    for (const char c : text)
+        decoded += static_cast<char16_t>(static_cast<unsigned char>(c));
     return detail::toUTF8String(decoded, true);
 }
 

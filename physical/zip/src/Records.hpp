@@ -11,6 +11,7 @@ namespace opc::physical::zip {
 
 /// What each record begins with.
 constexpr std::uint32_t LOCAL_HEADER = 0x04034B50;
+constexpr std::uint32_t DESCRIPTOR = 0x08074B50;
 constexpr std::uint32_t DIRECTORY_ENTRY = 0x02014B50;
 constexpr std::uint32_t DIRECTORY_END = 0x06054B50;
 constexpr std::uint32_t ZIP64_DIRECTORY_END = 0x06064B50;
@@ -33,6 +34,7 @@ constexpr std::uint16_t ENCRYPTED = 1U << 0;
 constexpr std::uint16_t DATA_DESCRIPTOR = 1U << 3; ///< the local header was written before the content
 constexpr std::uint16_t STRONGLY_ENCRYPTED = 1U << 6;
 constexpr std::uint16_t NAME_IS_UTF8 = 1U << 11;
+constexpr std::uint16_t ENCRYPTED_HEADER = 1U << 13; ///< numbers in the local header are hidden
 
 /// Compression methods.
 constexpr std::uint16_t STORE = 0;

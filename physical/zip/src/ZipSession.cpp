@@ -4,6 +4,7 @@
 #include "ArchiveWriter.hpp"
 #include "DirectoryEnd.hpp"
 #include "Failure.hpp"
+#include "NameText.hpp"
 #include "Records.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -24,7 +25,7 @@ std::string toLowerCase(std::string text) {
 }
 
 void requireReadable(const std::string& archive, const DirectoryEntry& entry) {
-    if (entry.flags & (ENCRYPTED | STRONGLY_ENCRYPTED))
+    if (entry.flags & (ENCRYPTED | STRONGLY_ENCRYPTED | ENCRYPTED_HEADER))
         fail(itemPlace(archive, entry.name), "is encrypted", ENOTSUP);
     if (entry.method != STORE && entry.method != DEFLATE)
         fail(itemPlace(archive, entry.name),
@@ -58,6 +59,9 @@ void ZipSession::load() {
     for (ItemIndex item = 0; item < context.archive->itemCount(); ++item)
         take(item, context.archive->item(item), pieces);
     joinPieces(pieces);
+    checkNames();
+    for (const UnreadData& data : context.archive->unread())
+        ignored.push_back({data.item, data.what, false});
 }
 
 void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
@@ -65,9 +69,11 @@ void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pi
     const ItemName name = readItemName(entry.name);
     if (name.kind == ItemName::Kind::Refused)
         fail(itemPlace(context.place, entry.name), name.reason, EBADMSG);
+    requireReadable(context.place, entry);
+    if (name.kind != ItemName::Kind::Part || name.partName != entry.name || !isPlainPartName(entry.name))
+        unusual.push_back(item);
     if (name.kind == ItemName::Kind::Ignored)
         return ignore(item, name.reason);
-    requireReadable(context.place, entry);
     if (name.piece)
         takePiece(item, name, pieces);
     else
@@ -130,6 +136,56 @@ void ZipSession::ignore(ItemIndex item, const std::string& reason) {
     ignored.push_back({std::string(context.archive->item(item).name), reason});
 }
 
+/// Raises if an item could be taken for another one, which belongs to the package.
+void ZipSession::checkNames() {
+    const ArchiveReader& archive = *context.archive;
+    for (const ItemIndex item : unusual) {
+        const DirectoryEntry& entry = archive.item(item);
+        checkName(item, entry.name, "");
+        if (isASCII(entry.name))
+            continue;
+        checkName(item, fromCodePage437(entry.storedName()), "by its name in code page 437 ");
+        checkName(item, fromLatin1(entry.storedName()), "by its name in Latin-1 ");
+    }
+    for (const OtherName& other : archive.otherNames()) {
+        const std::string name = other.name.substr(0, other.name.find('\0'));
+        const ItemName meaning = readItemName(name);
+        if (meaning.kind == ItemName::Kind::Refused)
+            fail(archive.itemPlace(other.item), meaning.reason + " in its Unicode Path field", EBADMSG);
+        checkName(other.item, name, "by its Unicode Path field ");
+    }
+}
+
+/// @param name  one of those of the item
+/// @param how   in front of the message
+void ZipSession::checkName(ItemIndex item, std::string_view name, const std::string& how) {
+    const ItemName own = readItemName(context.archive->item(item).name);
+    const bool isPart = own.kind == ItemName::Kind::Part;
+    std::optional<std::string> other;
+    if (belongsToPackage(item, own))
+        other = extractionNames.addOwned(isPart ? own.partName : CONTENT_TYPES_ITEM, name);
+    else if (!(other = extractionNames.addIgnored(name)) && isPart) // a piece without the others
+        other = extractionNames.addIgnored(own.partName);
+    if (other)
+        fail(context.archive->itemPlace(item),
+             how + "other programs may extract it over " + printable(*other), EBADMSG);
+}
+
+bool ZipSession::belongsToPackage(ItemIndex item, const ItemName& name) {
+    const ZipContent* content = nullptr;
+    if (name.kind == ItemName::Kind::ContentTypes) {
+        content = contentTypes ? &*contentTypes : nullptr;
+    } else if (name.kind == ItemName::Kind::Part) {
+        const ZipPart* part = parts.find(name.partName);
+        content = part ? &part->content : nullptr;
+    }
+    if (!content)
+        return false;
+    const ItemRange items = content->oldItems();
+    const std::size_t number = name.piece ? name.piece->number : 0;
+    return number < items.size() && items.first[number] == item;
+}
+
 void ZipSession::checkLimits(const DirectoryEntry& entry) {
     const auto exceeds = [&](const std::string& what, std::uint64_t limit) {
         fail(itemPlace(context.place, entry.name), what + " " + std::to_string(limit), EFBIG);
@@ -154,6 +210,9 @@ ZipPart& ZipSession::create(const std::u16string& partName, interfaces::Compress
     if (const char* defect = partNameDefect(name))
         fail(itemPlace(context.place, name), std::string("no part name: ") + defect, EINVAL);
     name.erase(0, 1);
+    if (const auto other = extractionNames.addOwned(name, name))
+        fail(itemPlace(context.place, name),
+             "no part name here: other programs may extract it over " + printable(*other), EINVAL);
     ZipPart* part = parts.add(name, context, name, std::vector<ItemIndex>());
     if (!part)
         part = parts.find(name);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ArchiveStore.hpp"
+#include "ExtractionNames.hpp"
 #include "ItemName.hpp"
 #include "ZipContent.hpp"
 
@@ -50,6 +51,9 @@ private:
     void requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const;
     void joinPieces(AllPieces& pieces);
     void ignore(ItemIndex item, const std::string& reason);
+    bool belongsToPackage(ItemIndex item, const ItemName& name);
+    void checkNames();
+    void checkName(ItemIndex item, std::string_view name, const std::string& how);
     void checkLimits(const DirectoryEntry& entry);
     void requireWritable(const std::string& name) const;
     void write(ByteTarget& target);
@@ -62,6 +66,8 @@ private:
     ZipContext context;
     std::optional<ZipContent> contentTypes;
     NamedList<ZipPart> parts;
+    ExtractionNames extractionNames{parts};
+    std::vector<ItemIndex> unusual; ///< items that aren't called like parts of plain names
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
 };

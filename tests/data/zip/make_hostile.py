@@ -23,10 +23,12 @@ def deflated(data):
 
 
 class Item:
-    """An item. `local` and `central` replace fields in the local header or in the directory alone."""
+    """An item. `local` and `central` replace fields in the local header or in the directory alone; `behind` stands
+    behind the content."""
 
-    def __init__(self, name, data=b"content", method=STORE, flags=0, local=None, central=None, **fields):
+    def __init__(self, name, data=b"content", method=STORE, flags=0, local=None, central=None, behind=b"", **fields):
         self.name = name if isinstance(name, bytes) else name.encode()
+        self.behind = behind
         self.data = deflated(data) if method == DEFLATE else data
         self.fields = dict(name=self.name, method=method, flags=flags, crc=zlib.crc32(data), packed=len(self.data),
                            size=len(data), extra=b"", offset=None, signature=None, name_size=None)
@@ -38,7 +40,7 @@ class Item:
         f = self.local
         name_size = len(f["name"]) if f["name_size"] is None else f["name_size"]
         return struct.pack("<4s5H3I2H", f["signature"] or b"PK\3\4", 20, f["flags"], f["method"], 0, 0x21, f["crc"],
-                           f["packed"], f["size"], name_size, len(f["extra"])) + f["name"] + f["extra"] + self.data
+                           f["packed"], f["size"], name_size, len(f["extra"])) + f["name"] + f["extra"] + self.data + self.behind
 
     def central_bytes(self, offset):
         f = self.central
@@ -58,19 +60,19 @@ def zip64_records(count, size, offset, place=None):
     return record + struct.pack("<4sIQI", b"PK\6\7", 0, offset + size if place is None else place, 1)
 
 
-def parts(items):
+def parts(items, front=b""):
     """The items and their directory."""
-    body, directory = b"", b""
+    body, directory = front, b""
     for item in items:
         directory += item.central_bytes(len(body))
         body += item.local_bytes()
     return body, directory
 
 
-def archive(*items, content_types=True, zip64=None, shift=0, **end):
+def archive(*items, content_types=True, zip64=None, shift=0, front=b"", **end):
     """A sound archive but for what the arguments change."""
     items = ([Item(TYPES, b"<Types/>")] if content_types else []) + list(items)
-    body, directory = parts(items)
+    body, directory = parts(items, front)
     size, offset = len(directory), len(body) + shift
     count = end.pop("count", len(items))
     records = zip64_records(*zip64(count, size, offset)) if zip64 else b""
@@ -79,6 +81,24 @@ def archive(*items, content_types=True, zip64=None, shift=0, **end):
 
 def zip64_field(*numbers):
     return struct.pack("<2H%dQ" % len(numbers), 1, 8 * len(numbers), *numbers)
+
+
+def field(kind, data):
+    return struct.pack("<2H", kind, len(data)) + data
+
+
+def unicode_path(name, checksum_of=b""):
+    return field(0x7075, b"\1" + struct.pack("<I", zlib.crc32(checksum_of)) + name.encode())
+
+
+def descriptor(data, crc=None, packed=None, size=None, width="I", signature=b"PK\7\x08"):
+    """What stands behind a stored item whose local header knows nothing of it."""
+    return signature + struct.pack("<I2" + width, zlib.crc32(data) if crc is None else crc,
+                                   len(data) if packed is None else packed, len(data) if size is None else size)
+
+
+def streamed(behind, **fields):
+    return Item("a", flags=8, local=dict(crc=0, packed=0, size=0), behind=behind, **fields)
 
 
 def said_to_be(size, data):
@@ -177,12 +197,51 @@ ARCHIVES = {
     "local-extra-field-too-long": archive(Item("a", local=dict(extra=b"xx\x20\0" + bytes(32))),
                                           Item("b", central=dict(offset=len(Item(TYPES, b"<Types/>").local_bytes()) + 40))),
 
+    "ignored-item-with-other-local-name": archive(Item("[trash]/0", local=dict(name=b"[trash]/1"))),
+    "ignored-item-with-other-local-size": archive(Item("folder/", local=dict(size=3))),
+    "local-header-encrypted-strongly": archive(Item("a", local=dict(flags=0x2000))),
+    "local-header-in-other-encoding": archive(Item("\u00e9", local=dict(flags=0x800))),
+    "item-between-items": archive(Item("b", behind=A.local_bytes()), Item("c")),
+    "item-in-front": archive(A, front=b"#!" + Item("b").local_bytes()),
+    "item-in-front-of-directory": archive(Item("b", behind=bytes(9) + A.local_bytes())),
+    "descriptor-missing": archive(streamed(b""), Item("b")),
+    "descriptor-with-other-checksum": archive(streamed(descriptor(b"content", crc=1))),
+    "descriptor-with-other-size": archive(streamed(descriptor(b"content", size=8, signature=b""))),
+    "descriptor-with-other-packed-size": archive(streamed(descriptor(b"content", packed=8, width="Q"))),
+    "descriptor-differs-behind-complete-header": archive(Item("a", flags=8, behind=descriptor(b"content", crc=1))),
+    "unused-17-MB": archive(Item("a", behind=bytes(17_000_000))),
+
+    "shadow-by-dot-segment": archive(A, Item("./a")),
+    "shadow-by-folders-of-nothing": archive(Item("f/a"), Item("f//.//a")),
+    "shadow-by-backslashes": archive(A, Item(".\\\\a")),
+    "shadow-by-encoding": archive(A, Item("%61")),
+    "shadow-by-encoded-dot-segments": archive(Item("f/a"), Item("b/%2E%2e/F/%2e/A")),
+    "shadow-by-dots-behind": archive(Item("f/a"), Item("f./a...")),
+    "shadow-by-blank-behind": archive(A, Item("a ")),
+    "shadow-by-control-character": archive(A, Item("a\1")),
+    "shadow-by-version": archive(A, Item("a;12")),
+    "shadow-by-drive": archive(A, Item("c:a")),
+    "shadow-by-folder": archive(A, Item("a/")),
+    "shadow-by-piece-without-others": archive(A, Item("a/[1].piece")),
+    "shadow-of-piece": archive(Item("a/[0].last.piece"), Item("a//[0].last.piece")),
+    "shadow-of-content-types": archive(Item("./[content_types].xml")),
+    "shadow-of-odd-item": archive(Item("a "), Item("a.")),
+    "shadow-by-code-page": archive(Item("\u251c\u2310", flags=0x800), Item("\u00e9")),
+    "shadow-by-latin-1": archive(Item("\u00e9", flags=0x800), Item(b"\xE9")),
+    "shadow-by-unicode-path": archive(A, Item("b", extra=unicode_path("a", b"b"))),
+    "shadow-by-unicode-path-of-ignored": archive(A, Item("[trash]/0", extra=unicode_path(".//%61"))),
+    "shadow-by-unicode-path-in-directory": archive(A, Item("b", central=dict(extra=unicode_path("A")))),
+    "shadow-by-unicode-path-in-local-header": archive(A, Item("b", local=dict(extra=b"xx\0\0" + unicode_path("a\0b")))),
+    "shadow-of-content-types-by-unicode-path": archive(Item("b", extra=unicode_path(TYPES))),
+    "folder-above-by-unicode-path": archive(Item("b", extra=unicode_path("../a"))),
+
     "two-content-types-streams": archive(Item(TYPES, b"<Types/>")),
     "two-content-types-streams-in-other-case": archive(Item("[content_types].XML", b"<Types/>")),
     "content-types-stream-and-pieces-of-one": archive(Item(TYPES + "/[0].last.piece", b"<Types/>")),
     "name-twice": archive(A, A),
     "name-twice-in-other-case": archive(A, Item("A")),
     "name-twice-encoded": archive(Item("a b"), Item("a%20b")),
+    "relationships-twice": archive(Item("_rels/.rels"), Item("_Rels/.RELS")),
     "piece-twice": archive(Item("a/[0].piece"), Item("a/[0].last.piece")),
     "folder-above": archive(Item("../a")),
     "folder-above-in-the-middle": archive(Item("a/b/../../../c")),
@@ -202,11 +261,19 @@ ARCHIVES = {
     "size-zero": archive(Item("a", NOISE, DEFLATE, size=0)),
     "packed-size-too-small": archive(Item("a", NOISE, DEFLATE, packed=10)),
     "deflate-without-data": archive(Item("a", b"", DEFLATE, size=9, packed=0)),
+    "bytes-behind-empty-deflate": archive(Item("a", deflated(b"") + b"hidden", local=dict(method=DEFLATE),
+                                               central=dict(method=DEFLATE), size=0, crc=0)),
     "checksum-wrong": archive(Item("a", crc=0)),
     "deflate-damaged": archive(Item("a", b"\x07 is no block type", method=STORE, local=dict(method=DEFLATE),
                                     central=dict(method=DEFLATE))),
     "encrypted": archive(Item("a", flags=1)),
+    "encrypted-strongly": archive(Item("a", flags=0x40)),
+    "encrypted-with-header": archive(Item("a", flags=0x2000)),
+    "encrypted-by-field": archive(Item("a", central=dict(extra=field(0x17, bytes(8))))),
+    "encrypted-by-local-field": archive(Item("a", local=dict(extra=field(0x17, bytes(8))))),
+    "encrypted-ignored": archive(Item("[trash]/0", flags=1)),
     "method-lzma": archive(Item("a", method=14)),
+    "method-lzma-of-folder": archive(Item("f/", method=14)),
     "bomb-by-its-own-account": archive(said_to_be(10 << 30, bytes(43_000_000))),
     "part-of-17-GiB": archive(said_to_be(17 << 30, b"x")),
 }

@@ -26,15 +26,20 @@ namespace opc::physical {
 /// percent-encoded, and a backslash counts as a slash. Names without the UTF-8 flag are taken for UTF-8 if
 /// they are well-formed UTF-8, else for code page 437. Items that can be no part are kept through every save:
 /// see `ignoredItems`. Names that lead out of a folder (`..`, absolute, with a drive) are refused. Pieces of an
-/// interleaved part are joined. Names are compared without regard to the case of ASCII letters. A part that is
-/// written again keeps the spelling of its item. A part can't be created if an archive can't hold its name: more
-/// than 65,535 bytes, a drive in front, the folder `__MACOSX`.
+/// interleaved part are joined. Names are compared without regard to the case of ASCII letters; `_rels` and `.rels` in
+/// names of relationships parts get the case that the standard gives them. A part that is written again keeps the
+/// spelling of its item. An item that another program would extract over a part, or over the content types stream, is
+/// refused: its name, once simplified (`./a`, `a;1`, `%61`), or a Unicode Path field leads there. A part can't be
+/// created if an archive can't hold its name: more than 65,535 bytes, a drive in front, the folder `__MACOSX`,
+/// a relationships part in another case, or a name that leads to another item in such a way.
+///
+/// **Headers.** `open` checks the local header and the data descriptor of each item against the directory, and that no
+/// local header stands between the items. Bytes there that belong to no item are dropped by the next save.
 ///
 /// **Streams.** A part, and each stream got from it, lives until the part is deleted or the package closed.
-/// Reading inflates as it goes, parts up to 256 KiB at once. It checks the item's local header with the first
-/// byte, size and checksum with the last: a damaged item never ends without an exception. An input stream reads
-/// the content that the part had when the stream was last opened; `close` and then `open` take it to what has
-/// been written since. Asking for an output stream replaces the content at once; an older output stream of the
+/// Reading inflates as it goes, parts up to 256 KiB at once. It checks size and checksum with the last byte: a
+/// damaged item never ends without an exception. An input stream reads the content that the part had when the
+/// stream was last opened; `close` and then `open` take it to what has been written since. Asking for an output stream replaces the content at once; an older output stream of the
 /// same part then raises on `write`. A part whose writing has failed must be written again or deleted before
 /// `close(false)` can succeed.
 ///
@@ -48,10 +53,11 @@ class OPC_ZIP_EXPORT ZipPackage : public interfaces::IPhysicalPackage {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// An item of the archive that is no part.
+    /// An item of the archive that is no part, or other bytes in the archive that no part shows.
     struct IgnoredItem {
-        std::string name; ///< as the archive has it, in UTF-8
+        std::string name; ///< of the item, in UTF-8 as the archive has it; empty for bytes of no item
         std::string reason;
+        bool isItem = true; ///< false: a comment, data in extra fields, or bytes between the items
     };
 
     /// On the file at `path`, which needn't exist before it is opened `CreateOnly`. A relative path counts from
@@ -83,7 +89,9 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
-    /// The items of the open package that are no parts, with the reason for each.
+    /// What the archive of the open package holds beside parts and the content types stream: items first, then other
+    /// bytes. All of it stays through a save, but for bytes that belong to no item, and for extra fields and comments
+    /// of parts that are written again.
     const std::vector<IgnoredItem>& ignoredItems() const;
 
     /// Writes the archive as it was last saved to a stream, which needn't be able to seek.

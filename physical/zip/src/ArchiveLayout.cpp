@@ -1,0 +1,153 @@
+#include "ArchiveLayout.hpp"
+
+#include "Failure.hpp"
+#include "LocalHeader.hpp"
+#include "Records.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <numeric>
+
+namespace opc::physical::zip {
+
+namespace {
+
+/// What most local headers don't exceed beside their names.
+constexpr std::size_t USUAL_HEADER = LOCAL_HEADER_SIZE + 64;
+
+/// How many bytes may belong to no item. They are searched, and none is expected.
+constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
+
+class LayoutCheck {
+public:
+    LayoutCheck(ByteSource& bytes, const std::string& archivePlace, ArchiveDirectory& target)
+        : archive(bytes), place(archivePlace), directory(target) {}
+
+    void run();
+
+private:
+    void findEnds(const std::vector<ItemIndex>& order);
+    void checkItem(ItemIndex index);
+    const unsigned char* readHeader(const DirectoryEntry& entry);
+    const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
+                              std::vector<unsigned char>& target, std::size_t count);
+    void searchUnused(std::uint64_t start, std::uint64_t end, std::string_view next);
+
+    ByteSource& archive;
+    const std::string& place;
+    ArchiveDirectory& directory;
+    std::vector<unsigned char> headerBuffer;
+    std::vector<unsigned char> descriptorBuffer;
+    std::uint64_t unused = 0; ///< bytes that belong to no item
+};
+
+void LayoutCheck::run() {
+    std::vector<ItemIndex> order(directory.entries.size());
+    std::iota(order.begin(), order.end(), 0U);
+    const auto before = [&](ItemIndex a, ItemIndex b) {
+        return directory.entries[a].offset < directory.entries[b].offset;
+    };
+    if (!std::is_sorted(order.begin(), order.end(), before))
+        std::sort(order.begin(), order.end(), before);
+    findEnds(order);
+    std::uint64_t end = 0; // of what has been looked at
+    for (const ItemIndex index : order) {
+        const DirectoryEntry& entry = directory.entries[index];
+        searchUnused(end, entry.offset, entry.name);
+        checkItem(index);
+        end = entry.end;
+    }
+    searchUnused(end, directory.start, "the directory");
+}
+
+/// Raises if an item reaches into the next one by what the directory says alone: so nothing is read in vain.
+void LayoutCheck::findEnds(const std::vector<ItemIndex>& order) {
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        DirectoryEntry& entry = directory.entries[order[i]];
+        const DirectoryEntry* next = i + 1 < order.size() ? &directory.entries[order[i + 1]] : nullptr;
+        entry.end = next ? next->offset : directory.start;
+        if (entry.end - entry.offset < LOCAL_HEADER_SIZE + entry.storedName().size() + entry.compressedSize)
+            fail(itemPlace(place, entry.name), "overlaps with " + printable(next->name), EBADMSG);
+    }
+}
+
+void LayoutCheck::checkItem(ItemIndex index) {
+    DirectoryEntry& entry = directory.entries[index];
+    const unsigned char* header = readHeader(entry);
+    checkLocalHeader(entry, header, place);
+    const std::size_t extraSize = read16(header + 28);
+    const std::size_t headerSize = localHeaderSizeOf(header);
+    inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
+    const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
+    const unsigned char* behind = count > 0 ? read(entry, contentEnd, descriptorBuffer, count) : nullptr;
+    entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
+}
+
+/// @return the whole local header, good until the next call
+const unsigned char* LayoutCheck::readHeader(const DirectoryEntry& entry) {
+    const std::uint64_t room = entry.end - entry.offset - entry.compressedSize;
+    const auto first =
+        static_cast<std::size_t>(std::min<std::uint64_t>(room, USUAL_HEADER + entry.storedName().size()));
+    const unsigned char* header = read(entry, entry.offset, headerBuffer, first);
+    if (read32(header) != LOCAL_HEADER)
+        failItem(entry, place, "no local header where the directory says");
+    const std::size_t size = localHeaderSizeOf(header);
+    if (size > room)
+        failItem(entry, place, "it reaches into what lies behind it");
+    if (size <= first)
+        return header;
+    header = read(entry, entry.offset, headerBuffer, size);
+    if (localHeaderSizeOf(header) != size) // another program may be writing to the file
+        failItem(entry, place, "its local header has just been changed");
+    return header;
+}
+
+/// @return `count` bytes that belong to an item: where they lie in memory, else in `target`
+const unsigned char* LayoutCheck::read(const DirectoryEntry& entry, std::uint64_t offset,
+                                       std::vector<unsigned char>& target, std::size_t count) {
+    if (const unsigned char* bytes = archive.inMemory())
+        return bytes + offset;
+    if (target.size() < count)
+        target.resize(count);
+    std::size_t got = 0;
+    if (const int error = archive.readAt(offset, target.data(), count, got))
+        failSystem(itemPlace(place, entry.name), "can't read", error);
+    if (got != count)
+        failItem(entry, place, "the archive has been cut off");
+    return target.data();
+}
+
+/// Bytes that belong to no item are passed over, and the next save drops them; but to programs that don't go by
+/// the directory a local header among them is an item.
+/// @param next  what stands behind them
+void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, std::string_view next) {
+    static constexpr std::array<unsigned char, 4> HEADER = {'P', 'K', 3, 4};
+    if (start == end)
+        return;
+    unused += end - start;
+    if (unused > MOST_UNUSED_BYTES)
+        fail(place, "more than " + std::to_string(MOST_UNUSED_BYTES) + " bytes belong to no item", EFBIG);
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(end - start));
+    std::size_t got = 0;
+    if (const int error = archive.readAt(start, bytes.data(), bytes.size(), got))
+        failSystem(place, "can't read", error);
+    if (got != bytes.size())
+        fail(place, "can't read: the archive has been cut off", EBADMSG);
+    if (std::search(bytes.begin(), bytes.end(), HEADER.begin(), HEADER.end()) != bytes.end())
+        fail(itemPlace(place, "in front of " + std::string(next)), "an item that the directory doesn't list",
+             EBADMSG);
+    directory.unread.push_back(
+        {{},
+         std::to_string(bytes.size()) + " bytes in front of " + printable(next) + " that belong to no item"});
+}
+
+} // namespace
+
+void checkLayout(ByteSource& archive, const std::string& place, ArchiveDirectory& directory) {
+    LayoutCheck(archive, place, directory).run();
+}
+
+} // namespace opc::physical::zip

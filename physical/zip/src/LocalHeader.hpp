@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ArchiveDirectory.hpp"
+
+#include <string>
+
+namespace opc::physical::zip {
+
+/// Raises if the local header of an item says anything else than the directory.
+/// @param header   all of it
+/// @param archive  the archive's name for messages
+void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, const std::string& archive);
+
+/// Finds the data descriptor of an item, which repeats sizes and checksum behind the content: with or without a
+/// signature, sizes in 32 or 64 bits. Raises if there is none although the local header needs it, or if it says
+/// anything else than the directory.
+/// @param header  the local header, which has been checked
+/// @param behind  what stands behind the content
+/// @return its size, 0 if there is none
+std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* header,
+                           const unsigned char* behind, std::size_t count, const std::string& archive);
+constexpr std::size_t LONGEST_DESCRIPTOR = 24;
+
+/// Raises for an item that can't be read.
+[[noreturn]] void failItem(const DirectoryEntry& entry, const std::string& archive, const std::string& what);
+
+} // namespace opc::physical::zip
