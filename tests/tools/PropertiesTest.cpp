@@ -153,21 +153,29 @@ TEST_F(Opctool, noCommandToTheTerminalComesOutOfAPackage) {
                         "package/2006/metadata/core-properties'><cp:lastPrinted>&#x1b;[2J&#x9b;2J&#xa;"
                         "</cp:lastPrinted></cp:coreProperties>");
     const std::string type = "http://schemas.openxmlformats.org/package/2006/relationships/metadata/";
+    const std::string unseen = "\u202E\u061C\u2028\u200B\uFEFF\u00AD\U000E0041";
     for (const std::string& command :
          {std::string("new p.zip"), std::string("add p.zip /p.xml properties --type application/xml"),
           "relate p.zip / " + type + "core-properties /p.xml",
           "relate p.zip / " + type +
               "thumbnail 'a\x7f\xC2\x9B"
-              "2Jb\nc' --external"})
+              "2Jb\nc" +
+              unseen + "\u00E9' --external"})
         ASSERT_EQ(run(command).status, 0) << command;
     const Outcome failure = run("props p.zip");
     EXPECT_EQ(failure.status, 3);
     EXPECT_EQ(std::count(failure.errors.begin(), failure.errors.end(), '\n'), 1) << failure.errors;
     const Outcome overview = run("info p.zip");
     EXPECT_EQ(overview.status, 0);
-    EXPECT_NE(overview.output.find("\na  2Jb c\n"), std::string::npos) << overview.output;
-    for (const std::string& text : {failure.errors, overview.output})
-        for (const char* command : {"\x1b", "\x7f", "\xC2\x9B"})
+    EXPECT_NE(overview.output.find("\na  2Jb c       \u00E9\n"), std::string::npos) << overview.output;
+    const Outcome document = run("rels p.zip --json");
+    EXPECT_EQ(nlohmann::json::parse(document.output)[1]["target"], "a\x7f\u009B2Jb c" + unseen + "\u00E9");
+    const Outcome usage = run("ls p.zip '\x1b[2J\x7f\u009B" + unseen + "'");
+    EXPECT_EQ(usage.status, 2);
+    EXPECT_GT(std::count(usage.errors.begin(), usage.errors.end(), '\n'), 1) << usage.errors;
+    for (const std::string& text : {failure.errors, overview.output, document.output, usage.errors})
+        for (const char* command : {"\x1b", "\x7f", "\u009B", "\u202E", "\u061C", "\u2028", "\u200B",
+                                    "\uFEFF", "\u00AD", "\U000E0041"})
             EXPECT_EQ(text.find(command), std::string::npos) << text;
 }
 

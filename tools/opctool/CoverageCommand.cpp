@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "SignedPackage.hpp"
 #include "Table.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -164,7 +165,7 @@ void addCoverageCommand(CLI::App& app) {
         SignedPackage package(arguments->package, opc::interfaces::OpenMode::ReadOnly);
         const ordered_json report = Report(package).toJSON();
         if (arguments->json)
-            std::cout << report.dump(2) << '\n';
+            std::cout << escapedJSON(report.dump(2)) << '\n';
         else
             print(report);
     });

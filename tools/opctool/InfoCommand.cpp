@@ -156,10 +156,10 @@ void printIgnored(const ordered_json& ignored) {
 void info(const PackageToRead& toRead, bool asJSON) {
     const ordered_json description = describePackage(toRead);
     if (asJSON) {
-        std::cout << description.dump(2) << '\n';
+        std::cout << escapedJSON(description.dump(2)) << '\n';
         return;
     }
-    std::cout << toRead.path << ": " << grouped(description["size"]) << " bytes\n";
+    std::cout << withoutControlCharacters(toRead.path) << ": " << grouped(description["size"]) << " bytes\n";
     printParts(description["parts"]);
     printRelationships(description["relationships"]);
     std::cout << "\nThumbnails: " << description["thumbnails"].size() << '\n';

@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "OpenedPackage.hpp"
 #include "Table.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
@@ -25,7 +26,7 @@ using opc::model::RelationshipSource;
 using opc::model::TargetMode;
 
 void printJSON(const ordered_json& list) {
-    std::cout << list.dump(2) << '\n';
+    std::cout << escapedJSON(list.dump(2)) << '\n';
 }
 
 struct LsArguments {

@@ -1,5 +1,7 @@
 #include "OpenedPackage.hpp"
 
+#include "TerminalText.hpp"
+
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 
@@ -44,7 +46,8 @@ OpenedPackage::OpenedPackage(const PackageToRead& toRead)
         throw opc::model::InconsistentPackage(e.what() + std::string(wayOut(toRead)));
     }
     for (const auto& item : lenientArchive.hiddenItems())
-        std::cerr << "opctool: hidden: " << opc::toUDEString(item.name) << ": " << item.reason << '\n';
+        std::cerr << "opctool: hidden: "
+                  << withoutControlCharacters(opc::toUDEString(item.name) + ": " + item.reason) << '\n';
 }
 
 void OpenedPackage::save() {

@@ -2,6 +2,7 @@
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -59,7 +60,7 @@ void print(const Arguments& arguments) {
     warnOfCorePropertiesOutOfReach(*package);
     const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
     if (arguments.json)
-        std::cout << description.dump(2) << '\n';
+        std::cout << escapedJSON(description.dump(2)) << '\n';
     else
         printProperties(description);
 }

@@ -5,6 +5,7 @@
 #include "SignedPackage.hpp"
 #include "SigningMaterial.hpp"
 #include "Table.hpp"
+#include "TerminalText.hpp"
 #include "Trust.hpp"
 
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
@@ -195,9 +196,9 @@ Outcome verifyAll(const Arguments& arguments) {
 void verify(const Arguments& arguments) {
     const Outcome outcome = verifyAll(arguments);
     if (arguments.json)
-        std::cout << outcome.list.dump(2) << '\n';
+        std::cout << escapedJSON(outcome.list.dump(2)) << '\n';
     else if (outcome.list.empty() && !outcome.failure)
-        std::cout << arguments.package << " has no signatures\n";
+        std::cout << withoutControlCharacters(arguments.package) << " has no signatures\n";
     else if (!outcome.list.empty())
         print(outcome.list);
     if (outcome.failure)

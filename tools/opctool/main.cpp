@@ -10,6 +10,7 @@
 
 #include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <typeinfo>
 
@@ -30,6 +31,16 @@ int fail(const std::exception& failure) {
     std::cerr << "opctool: " << className(failure) << ": "
               << opctool::withoutControlCharacters(failure.what()) << '\n';
     return FAILURE;
+}
+
+/// Prints help, the version, or what is wrong with the arguments, which the message repeats.
+int answer(const CLI::App& app, const CLI::ParseError& outcome) {
+    std::ostringstream output;
+    std::ostringstream errors;
+    const int status = app.exit(outcome, output, errors);
+    std::cout << opctool::linesWithoutControlCharacters(output.str());
+    std::cerr << opctool::linesWithoutControlCharacters(errors.str());
+    return status == 0 ? DONE : WRONG_USAGE;
 }
 
 int run(CLI::App& app, int argc, char** argv) {
@@ -67,7 +78,7 @@ int main(int argc, char** argv) {
     try {
         return run(app, argc, argv);
     } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? DONE : WRONG_USAGE;
+        return answer(app, e);
     } catch (const std::exception& e) {
         return fail(e);
     }
