@@ -153,6 +153,9 @@ void Package::initializeParts() {
         throw PackageOpenFailed(e.what(), e.code());
     }
 
+    if (std::find(physicalParts.begin(), physicalParts.end(), nullptr) != physicalParts.end())
+        throw PackageOpenFailed("The physical layer lists a part that it doesn't give", {});
+
     Keys keys;
     std::vector<PartName> names;
     names.reserve(physicalParts.size()); // they stay where they are

@@ -56,6 +56,8 @@ interfaces::IPhysicalPart* Package::createPartInternal(const PartName& name, con
     } catch (const Exception& e) {
         throw PartCreateFailed(e.what());
     }
+    if (physicalPart == nullptr)
+        throw PartCreateFailed("The physical layer gives no part");
     contentTypeSource->addContentType(name, contentType);
     return physicalPart;
 }

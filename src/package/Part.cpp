@@ -30,9 +30,22 @@ struct Part::Impl : RelationshipSource::Impl {
     PartName name;
     ContentType contentType;
     interfaces::OpenMode openMode;
-    std::unique_ptr<InputStream> inputStream;
-    std::unique_ptr<OutputStream> outputStream;
+    std::unique_ptr<PhysicalInputStream> inputStream;
+    std::unique_ptr<PhysicalOutputStream> outputStream;
     bool valid = true;
+
+    /// The adapter in its place, which is made when it is asked for first.
+    template <typename Adapter, typename GetStream>
+    Adapter& connect(std::unique_ptr<Adapter>& adapter, GetStream getStream) const {
+        try {
+            throwIfGone(physicalPart);
+            if (!adapter)
+                adapter = std::make_unique<Adapter>(getStream());
+        } catch (const Exception& e) {
+            throw InvalidPartStream(e.what());
+        }
+        return *adapter;
+    }
 };
 
 Part::Part(Package* package, interfaces::IPhysicalPart* physicalPart, const PartName& name,
@@ -59,32 +72,14 @@ ContentType Part::getContentType() const {
 InputStream& Part::getInputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
-    if (!state().inputStream) {
-        try {
-            throwIfGone(state().physicalPart);
-            state().inputStream =
-                std::make_unique<PhysicalInputStream>(state().physicalPart->getInputStream());
-        } catch (const Exception& e) {
-            throw InvalidPartStream(e.what());
-        }
-    }
-    return *state().inputStream;
+    return state().connect(state().inputStream, [this] { return state().physicalPart->getInputStream(); });
 }
 
 OutputStream& Part::getOutputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
     throwIfReadOnly();
-    if (!state().outputStream) {
-        try {
-            throwIfGone(state().physicalPart);
-            state().outputStream =
-                std::make_unique<PhysicalOutputStream>(state().physicalPart->getOutputStream());
-        } catch (const Exception& e) {
-            throw InvalidPartStream(e.what());
-        }
-    }
-    return *state().outputStream;
+    return state().connect(state().outputStream, [this] { return state().physicalPart->getOutputStream(); });
 }
 
 bool Part::isValid() const {
@@ -122,9 +117,12 @@ void Part::setPhysicalPart(interfaces::IPhysicalPart* physicalPart) {
     state().physicalPart = physicalPart;
 }
 
+// The adapters stay, since the caller may hold references to them.
 void Part::forgetPhysicalPart() {
-    state().inputStream.reset();
-    state().outputStream.reset();
+    if (state().inputStream)
+        state().inputStream->disconnect();
+    if (state().outputStream)
+        state().outputStream->disconnect();
     state().physicalPart = nullptr;
 }
 

@@ -80,6 +80,8 @@ TEST_F(PackageParts, namesMustNotConflict) {
     EXPECT_EQ(existing, u"untouched");
     EXPECT_TRUE(package.isPartDerivedFromExistingPartName(PartName(u"/A/B/C"), existing));
     EXPECT_EQ(existing, u"/a/b");
+    EXPECT_TRUE(package.isPartDerivedFromExistingPartName(PartName(u"/C/d"), existing));
+    EXPECT_EQ(existing, u"/c/d") << "of names below, what they have in common";
 
     package.deletePart(PartName(u"/c/d/E.XML"));
     package.deletePart(PartName(u"/c/d/e"));
@@ -136,13 +138,71 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
 
     failAndReopen("/_rels/a.xml.rels", "second");
     part = package.getPart(name);
+    opc::InputStream& input = part.getInputStream();
+    opc::OutputStream& output = part.getOutputStream();
     EXPECT_RAISES(PartDeleteFailed, "second", attempt());
     EXPECT_TRUE(package.hasPart(name));
-    EXPECT_RAISES(InvalidPartStream, "The part's content has been deleted", part.getInputStream());
+    unsigned char byte = 0;
+    const std::function<void()> operations[] = {
+        [&] { part.getInputStream(); },  [&] { part.getOutputStream(); }, [&] { input.open(); },
+        [&] { input.read(&byte, 1); },   [&] { input.isDone(); },         [&] { input.close(); },
+        [&] { output.write(&byte, 1); }, [&] { output.isDone(); },        [&] { output.flush(); },
+        [&] { output.close(); },
+    };
+    for (const auto& operation : operations)
+        EXPECT_RAISES(InvalidPartStream, "The part's content has been deleted", operation());
     physical.forgetScript();
     attempt();
+    EXPECT_THROW(input.isDone(), InvalidPartStream);
     package.close(false);
     EXPECT_TRUE(store.partNames().empty());
+}
+
+TEST_F(PackageParts, aStoreThatBreaksItsPromisesIsFoundOut) {
+    const std::string noStream = "InvalidPartStream: The physical layer gives no stream";
+    const std::string relationship = R"(<Relationship Id="r" Type="t:t" Target="a"/>)";
+    const std::pair<const char*, std::string> nulls[] = {
+        {"getParts", "PackageOpenFailed: The physical layer lists a part that it doesn't give"},
+        {"getContentTypeInputStream", noStream},
+        {"getInputStream /_rels/a.xml.rels", noStream},
+        {"getInputStream /_rels/.rels", noStream},
+        {"createPart", "PartCreateFailed: The physical layer gives no part"},
+        {"getInputStream /a.xml", noStream},
+        {"getOutputStream /a.xml", noStream},
+        {"getContentTypeOutputStream", noStream},
+        {"getOutputStream /_rels/a.xml.rels", noStream},
+        {"getOutputStream /_rels/.rels", noStream},
+    };
+    const auto live = [this] {
+        package.open(OpenMode::ReadWrite);
+        create(u"/b.new");
+        Part part = package.getPart(PartName(u"/a.xml"));
+        part.getInputStream();
+        part.getOutputStream();
+        part.createExternalRelationship(u"t:t", u"x");
+        package.createExternalRelationship(u"t:t", u"x");
+        package.close(false);
+    };
+    fill(store, {u"/a.xml"});
+    for (const char16_t* name : {u"/_rels/a.xml.rels", u"/_rels/.rels"})
+        store.setPart(name, relationships(relationship));
+    for (const auto& [call, outcome] : nulls) {
+        physical.nullAt = call;
+        EXPECT_EQ(outcomeOf(live), "opc::model::" + outcome) << call;
+        package.close(true);
+    }
+    physical.nullAt.clear();
+
+    physical.unwritten = 1;
+    EXPECT_EQ(outcomeOf(live).substr(0, 41), "opc::Exception: The physical layer has wr")
+        << "in content types";
+    physical.unwritten = 0;
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    opc::OutputStream& stream = package.getPart(PartName(u"/a.xml")).getOutputStream();
+    physical.unwritten = 2;
+    const std::string message = "The physical layer has written 3 of 5 bytes";
+    EXPECT_RAISES(opc::Exception, message, stream.write(toBytes("bytes").data(), 5));
 }
 
 TEST_F(PackageParts, aPartWhoseContentTypeIsMissingGoesWithoutHarm) {
@@ -198,6 +258,9 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
     readOnly.getInputStream().close();
     readOnly.getInputStream().open();
     EXPECT_EQ(readAll(readOnly), "old");
+    package.close(true);
+    EXPECT_RAISES(InvalidObject, "Object is no longer valid", readOnly.getOutputStream())
+        << "what has gone isn't read-only";
 }
 
 TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
@@ -238,7 +301,9 @@ TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
     Package merged(both);
     merged.open(OpenMode::ReadOnly);
     ASSERT_EQ(merged.getParts().size(), 1U);
-    EXPECT_EQ(readAll(*merged.getParts().begin()), "second");
+    const Part part = *merged.getParts().begin();
+    EXPECT_EQ(readAll(part), "second");
+    EXPECT_EQ(part.getName().toString(), u"/a.xml") << "the first spelling stays";
 }
 
 } // namespace

@@ -47,7 +47,7 @@ public:
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         owner.record("write " + name);
-        return inner.write(buffer, count);
+        return inner.write(buffer, count - std::min(count, owner.unwritten));
     }
     bool isDone() const override {
         owner.announce("isDone " + name);
@@ -77,11 +77,11 @@ public:
     }
     interfaces::IPhysicalInputStream* getInputStream() override {
         owner.record("getInputStream " + name);
-        return owner.wrap(inner.getInputStream(), name);
+        return owner.unlessNull("getInputStream " + name, owner.wrap(inner.getInputStream(), name));
     }
     interfaces::IPhysicalOutputStream* getOutputStream() override {
         owner.record("getOutputStream " + name);
-        return owner.wrap(inner.getOutputStream(), name);
+        return owner.unlessNull("getOutputStream " + name, owner.wrap(inner.getOutputStream(), name));
     }
 };
 
@@ -140,18 +140,19 @@ bool ScriptedPackage::usesContentTypeStream() {
 
 interfaces::IPhysicalInputStream* ScriptedPackage::getContentTypeInputStream() {
     record("getContentTypeInputStream");
-    return wrap(inner.getContentTypeInputStream(), "types");
+    return unlessNull("getContentTypeInputStream", wrap(inner.getContentTypeInputStream(), "types"));
 }
 
 interfaces::IPhysicalOutputStream* ScriptedPackage::getContentTypeOutputStream() {
     record("getContentTypeOutputStream");
-    return wrap(inner.getContentTypeOutputStream(), "types");
+    return unlessNull("getContentTypeOutputStream", wrap(inner.getContentTypeOutputStream(), "types"));
 }
 
 std::vector<interfaces::IPhysicalPart*> ScriptedPackage::getParts() {
     record("getParts");
     auto parts = inner.getParts();
-    std::transform(parts.begin(), parts.end(), parts.begin(), [this](auto* part) { return wrap(part); });
+    std::transform(parts.begin(), parts.end(), parts.begin(),
+                   [this](auto* part) { return unlessNull("getParts", wrap(part)); });
     return parts;
 }
 
@@ -170,7 +171,7 @@ interfaces::IPhysicalPart* ScriptedPackage::createPart(const std::u16string& nam
                                                        const std::u16string& contentType,
                                                        const interfaces::IPhysicalPartInfo& info) {
     record("createPart " + toUDEString(name) + " " + toUDEString(contentType));
-    return wrap(inner.createPart(name, contentType, info));
+    return unlessNull("createPart", wrap(inner.createPart(name, contentType, info)));
 }
 
 void ScriptedPackage::deletePart(const std::u16string& name) {

@@ -27,6 +27,12 @@ public:
                 boost::system::errc::errc_t code = boost::system::errc::io_error);
     void forgetScript() { actions.clear(); }
 
+    /// The call that gives null: "getInputStream /a.xml", "createPart", "getParts" (for each part) …
+    std::string nullAt;
+
+    /// How many bytes each write leaves out.
+    std::uint64_t unwritten = 0;
+
     /// Runs in front of every call to the package, its parts and its streams, of those too that aren't written
     /// down ("read /a.xml", "isDone /a.xml", "getName /a.xml" …).
     std::function<void(const std::string&)> beforeEach;
@@ -56,6 +62,10 @@ private:
 
     void announce(const std::string& call) const;
     void record(const std::string& call);
+    template <typename Given>
+    Given* unlessNull(const std::string& call, Given* given) const {
+        return call == nullAt ? nullptr : given;
+    }
     interfaces::IPhysicalPart* wrap(interfaces::IPhysicalPart* part);
     interfaces::IPhysicalInputStream* wrap(interfaces::IPhysicalInputStream* stream, const std::string& name);
     interfaces::IPhysicalOutputStream* wrap(interfaces::IPhysicalOutputStream* stream,

@@ -31,15 +31,16 @@ public:
     ContentType getContentType() const;
 
     /// The content, to read. Every call on every copy gives the same stream, in whatever position it stands:
-    /// ready to read at first; `close` and then `open` restart it. It lives as long as the handles; don't use
-    /// it once the part has gone or `Package::deletePart` has failed on it.
+    /// ready to read at first; `close` and then `open` restart it. It lives as long as the handles; once
+    /// `Package::deletePart` has deleted the content, even if it fails then, all its operations raise
+    /// `InvalidPartStream`. Don't use it once the package is closed.
     /// @throws InvalidObject      the part has gone
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
     InputStream& getInputStream() const;
 
     /// Where new content is written to, replacing the old. The same stream at every call, so that a second
     /// content lands behind the first until the package has been closed and opened again. It need not be
-    /// closed, and may take nothing more once it is.
+    /// closed, and may take nothing more once it is. It lives as the input stream does.
     /// @throws InvalidObject      the part has gone
     /// @throws PackageReadOnly    the package is opened to read
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again

@@ -10,13 +10,14 @@ class IPhysicalInputStream;
 namespace opc::model {
 
 /// A stream of the physical layer in the form of the core library: each operation forwards to the one of the
-/// same name, without a buffer or a test of its own.
+/// same name, without a buffer of its own.
 ///
-/// The physical stream isn't owned, and must outlive the adapter. Belongs to the thread that uses the part.
+/// The physical stream isn't owned, and must outlive the adapter; those that a `Part` hands out raise
+/// `InvalidPartStream` once its content has been deleted. Belongs to the thread that uses the part.
 class OPC_MODEL_EXPORT PhysicalInputStream : public InputStream {
 public:
-    explicit PhysicalInputStream(interfaces::IPhysicalInputStream* stream) noexcept
-        : physicalStream(stream) {}
+    /// @throws InvalidPartStream  `stream` is null
+    explicit PhysicalInputStream(interfaces::IPhysicalInputStream* stream);
 
     void open() override;
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
@@ -25,6 +26,12 @@ public:
     ~PhysicalInputStream() override;
 
 private:
+    friend class Part;
+
+    /// The physical stream is there no longer.
+    void disconnect() noexcept { physicalStream = nullptr; }
+    interfaces::IPhysicalInputStream& connected() const;
+
     interfaces::IPhysicalInputStream* physicalStream;
 };
 
