@@ -107,6 +107,18 @@ TEST_F(DataManagers, failuresPassAndLeaveThingsToBeTriedAgain) {
     EXPECT_EQ(physical.calls.back(), "close true");
 }
 
+TEST_F(DataManagers, hearNothingOfAPackageThatIsRefused) {
+    const std::string core =
+        "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+    std::string twice;
+    for (const std::string id : {"r1", "r2"})
+        twice += "<Relationship Id=\"" + id + "\" Type=\"" + core + "\" Target=\"a.xml\"/>";
+    store.setPart(u"/_rels/.rels", relationships(twice));
+    const CountingManager manager(package, true);
+    EXPECT_THROW(package.open(OpenMode::ReadWrite), InvalidCorePropertiesRelationships);
+    EXPECT_EQ(manager.loads, 0);
+}
+
 TEST_F(DataManagers, areMadeForAClosedPackageAndForgottenWhenDestroyed) {
     auto gone = std::make_unique<CountingManager>(package, true);
     CountingManager stays(package, false);

@@ -65,6 +65,29 @@ TEST_F(PackageOpen, translatesFailuresOfThePhysicalLayerAndKeepsTheirCode) {
         << "a failure while cleaning up takes the place of the first one";
 }
 
+TEST_F(PackageOpen, andCloseKnowTheSystemsOwnCodesToo) {
+    const auto failWith = [this](const std::string& call, int code) {
+        physical.before(call, [code] {
+            throw opc::Exception("failed", {code, boost::system::system_category()});
+        });
+    };
+    const auto open = [this] { package.open(OpenMode::ReadOnly); };
+    EXPECT_FALSE(package.isReadOnly());
+    failWith("open", ENOENT);
+    EXPECT_RAISES(PackageNotFound, "failed", open());
+    EXPECT_TRUE(package.isReadOnly()) << "the mode of the last attempt";
+    failWith("open", EIO);
+    EXPECT_EQ(codeOf(open), boost::system::error_code(EIO, boost::system::system_category()));
+    physical.forgetScript();
+    open();
+    failWith("close", EACCES);
+    EXPECT_RAISES(PackagePermissionDenied, "failed", package.close(true));
+    failWith("close", ENOSPC);
+    EXPECT_EQ(codeOf([this] { package.close(true); }),
+              boost::system::error_code(ENOSPC, boost::system::system_category()));
+    physical.forgetScript();
+}
+
 TEST_F(PackageOpen, readsAndWritesInAnyOtherMode) {
     package.open(static_cast<OpenMode>(7));
     package.createExternalRelationship(u"t:t", u"x");
@@ -218,6 +241,23 @@ TEST_F(PackageClose, failingLeavesThePackageOpenAndTheNextOneSucceeds) {
 
     package.open(OpenMode::ReadOnly);
     EXPECT_EQ(readAll(package.getPart(PartName(u"/a.xml"))), "content");
+}
+
+TEST_F(PackageClose, writesContentTypesAgainUnlessTheyWereWhole) {
+    const auto fail = [] { throw InvalidPartContent("broken"); };
+    for (const auto& [call, times] : {std::pair("getContentTypeOutputStream", 1U),
+                                      std::pair("write types", 1U), std::pair("closeStream types", 0U)}) {
+        package.open(OpenMode::CreateOnly);
+        physical.before(call, fail);
+        EXPECT_RAISES(InvalidContentTypeStream, "In content type stream: broken", package.close(false))
+            << call;
+        physical.forgetScript();
+        physical.calls.clear();
+        package.close(false);
+        EXPECT_EQ(physical.countCalls("getContentTypeOutputStream"), times) << call;
+        package.open(OpenMode::ReadOnly);
+        package.close(false);
+    }
 }
 
 TEST_F(PackageClose, writesInItsFixedOrder) {
