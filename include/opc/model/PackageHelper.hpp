@@ -43,8 +43,8 @@ public:
     static URI getThumbnailURI(const std::u16string& extension);
 
     /// @name Core properties
-    /// Reading and writing compile the schemas of the part anew at each call, which takes about a
-    /// millisecond: read once and keep the value.
+    /// A document of the usual form is read and written within microseconds. For any other one the schemas of
+    /// the part are compiled anew at each call, which takes about a millisecond: read once and keep the value.
     /// @{
 
     /// Reads the core properties part, which the package's first relationship of that type leads to.
