@@ -52,6 +52,17 @@ struct Authorities {
     }
 };
 
+/// An issuer of any kind of key.
+Identity makeIssuerBelow(const Identity& above, const std::string& subject,
+                         const std::function<void(CertificateRecipe&)>& change = {}) {
+    return makeSigner(&above, [&](CertificateRecipe& r) {
+        r.subject = subject;
+        r.basicConstraints = "critical,CA:TRUE";
+        if (change)
+            change(r);
+    });
+}
+
 Status validate(const Identity& identity, const std::vector<const Identity*>& chain,
                 const std::vector<const Identity*>& trusted, const CertificateValidationOptions& options) {
     const auto results = identity.certificate.validateCertificate(chainOf(chain), options, storeOf(trusted));
@@ -76,23 +87,16 @@ TEST(Validation, theChainDecides) {
     const Identity good = a.signer();
     const Identity alone = makeSigner(nullptr);
     const Identity belowSigner = makeSigner(&good, [](CertificateRecipe& r) { r.subject = "Below signer"; });
-    const Identity last = makeSigner(&a.root, [](CertificateRecipe& r) {
-        r.subject = "No further";
-        r.basicConstraints = "critical,CA:TRUE,pathlen:0";
-        r.rsaBits = 0;
-    });
+    const Identity last = makeIssuerBelow(a.root, "No further",
+                                          [](CertificateRecipe& r) { r.basicConstraints += ",pathlen:0"; });
     const Identity tooDeep = makeIssuer("Too deep", &last);
     const Identity belowTooDeep = makeSigner(&tooDeep);
     // A certificate in the issuer's name, made with another key.
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
     const Identity forged = makeSigner(&impostor);
     const auto issuerWith = [&a](const Extensions& extensions) {
-        return makeSigner(&a.root, [&extensions](CertificateRecipe& r) {
-            r.subject = "Issuer with more";
-            r.rsaBits = 0;
-            r.basicConstraints = "critical,CA:TRUE";
-            r.furtherExtensions = extensions;
-        });
+        return makeIssuerBelow(a.root, "Issuer with more",
+                               [&extensions](CertificateRecipe& r) { r.furtherExtensions = extensions; });
     };
     const auto signerWith = [](const Identity& issuer, const Extensions& extensions) {
         return makeSigner(&issuer, [&](CertificateRecipe& r) { r.furtherExtensions = extensions; });
@@ -141,27 +145,27 @@ TEST(Validation, theChainDecides) {
 TEST(Validation, certificatesThatLeadNowhereDontStandInTheWay) {
     const Authorities a;
     const Identity good = a.signer();
-    const auto again = [](const Identity& original, const char* name, const Identity& issuer,
-                          const std::function<void(CertificateRecipe&)>& change = {}) {
-        return makeSigner(&issuer, [&](CertificateRecipe& r) {
-            r.subject = name;
-            r.key = original.key;
-            r.basicConstraints = "critical,CA:TRUE";
+    // The same name and key, by another issuer or in another way.
+    const auto again = [&a](const Identity& above,
+                            const std::function<void(CertificateRecipe&)>& change = {}) {
+        return makeIssuerBelow(above, "Issuer", [&](CertificateRecipe& r) {
+            r.key = a.issuer.key;
             if (change)
                 change(r);
         });
     };
+    const auto crossedBy = [&a](const Identity& above) {
+        return makeIssuerBelow(above, "Root", [&a](CertificateRecipe& r) { r.key = a.root.key; });
+    };
     const Identity unknown = makeIssuer("Unknown root");
-    const Identity crossed = again(a.root, "Root", a.otherRoot);
-    const Identity crossedInVain = again(a.root, "Root", unknown);
-    const Identity belowUnknown = again(a.issuer, "Issuer", unknown);
+    const Identity crossed = crossedBy(a.otherRoot);
+    const Identity crossedInVain = crossedBy(unknown);
+    const Identity belowUnknown = again(unknown);
     const Identity otherKey = makeIssuer("Issuer", &a.root);
-    const Identity expired =
-        again(a.issuer, "Issuer", a.root, [](auto& r) { r.notAfter = "20100101000000Z"; });
-    const Identity limited =
-        again(a.issuer, "Issuer", a.root, [](auto& r) { r.extendedKeyUsage = "serverAuth"; });
-    const Identity old = again(a.issuer, "Issuer", a.root, [](auto& r) { r.digest = EVP_sha1(); });
-    const Identity signer = again(a.issuer, "Issuer", a.root, [](auto& r) { r.basicConstraints.clear(); });
+    const Identity expired = again(a.root, [](auto& r) { r.notAfter = "20100101000000Z"; });
+    const Identity limited = again(a.root, [](auto& r) { r.extendedKeyUsage = "serverAuth"; });
+    const Identity old = again(a.root, [](auto& r) { r.digest = EVP_sha1(); });
+    const Identity signer = again(a.root, [](auto& r) { r.basicConstraints.clear(); });
     const std::tuple<const char*, std::vector<const Identity*>, const Identity&> cases[] = {
         {"self-signed beside a cross certificate", {&a.issuer, &a.root, &crossed}, a.otherRoot},
         {"cross certificate of an unknown root", {&a.issuer, &crossedInVain, &crossed}, a.otherRoot},
@@ -251,11 +255,8 @@ TEST(Validation, issuersLimitTheUsagesBelowThem) {
         {"timeStamping", "anyExtendedKeyUsage", Status::WrongPurpose},
     };
     for (const Case& c : cases) {
-        const Identity issuer = makeSigner(&root, [&c](CertificateRecipe& r) {
-            r.subject = "Limited";
-            r.basicConstraints = "critical,CA:TRUE";
-            r.extendedKeyUsage = c.issuer;
-        });
+        const Identity issuer =
+            makeIssuerBelow(root, "Limited", [&c](CertificateRecipe& r) { r.extendedKeyUsage = c.issuer; });
         const Identity signer =
             makeSigner(&issuer, [&c](CertificateRecipe& r) { r.extendedKeyUsage = c.signer; });
         EXPECT_EQ(validate(signer, {&issuer}, {&root}, optionsAtCheckTime()), c.status)
@@ -282,10 +283,8 @@ TEST(Validation, weakAlgorithmsPassOnRequestAlone) {
         for (const auto& options : {none, accepting})
             EXPECT_EQ(weakIn(signer, {&a.issuer}, {&a.root}, options), weak);
     }
-    const Identity oldIssuer = makeSigner(&a.root, [](CertificateRecipe& r) {
-        r.subject = "Old issuer";
+    const Identity oldIssuer = makeIssuerBelow(a.root, "Old issuer", [](CertificateRecipe& r) {
         r.rsaBits = 1024;
-        r.basicConstraints = "critical,CA:TRUE";
         r.digest = EVP_sha1();
     });
     const Identity below = makeSigner(&oldIssuer, [](CertificateRecipe& r) { r.digest = EVP_md5(); });
@@ -304,15 +303,22 @@ TEST(Validation, revocationListsDecide) {
                          const char* from = "20300101000000Z", const char* to = "20310101000000Z") {
         return makeRevocationList(issuer, revoked, from, to);
     };
-    const auto with = [](const char* extension, const char* value, const Identity& issuer,
+    const auto with = [](const char* extension, const std::string& value, const Identity& issuer,
                          const std::vector<const Identity*>& revoked = {}) {
         return makeRevocationList(issuer, revoked, "20300101000000Z", "20310101000000Z",
                                   {{extension, value}});
     };
-    const char* const scope = "issuingDistributionPoint";
-    const char* const delta = "2.5.29.27";
+    const auto delta = [&](const std::vector<const Identity*>& revoked = {}) {
+        return with("2.5.29.27", "critical,ASN1:INTEGER:1", a.issuer, revoked);
+    };
+    const auto unknown = [&](const Identity& issuer, const std::vector<const Identity*>& revoked = {}) {
+        return with("1.2.3.4", "critical,ASN1:NULL", issuer, revoked);
+    };
+    const auto within = [&](const char* scope, const Identity& issuer) {
+        return with("issuingDistributionPoint", std::string("critical,") + scope, issuer);
+    };
     const Identity elsewhere = a.signer([](CertificateRecipe& r) {
-        r.furtherExtensions = {{"crlDistributionPoints", "URI:http://lists.example/1"}};
+        r.furtherExtensions = {{"crlDistributionPoints", "URI:http://e/1"}};
     });
     const Identity ofRoot = makeSigner(&a.root);
     const Identity impostor = makeIssuer("Issuer", &a.otherRoot);
@@ -341,40 +347,22 @@ TEST(Validation, revocationListsDecide) {
          Status::Revoked},
         {"named by another key", bad, {clean, runOut(impostor, {&bad})}, Status::Good},
         {"signed by another key", bad, {list(impostor, {})}, Unknown},
-        {"delta", good, {with(delta, "critical,ASN1:INTEGER:1", a.issuer)}, Unknown},
-        {"delta, not critical", good, {with(delta, "ASN1:INTEGER:1", a.issuer)}, Unknown},
-        {"delta beside a complete list",
-         good,
-         {with(delta, "critical,ASN1:INTEGER:1", a.issuer), clean},
-         Status::Good},
-        {"revoked by a delta",
-         bad,
-         {clean, with(delta, "critical,ASN1:INTEGER:1", a.issuer, {&bad})},
-         Status::Revoked},
-        {"critical and unknown", good, {with("1.2.3.4", "critical,ASN1:NULL", a.issuer)}, Unknown},
-        {"the same above", good, {clean, with("1.2.3.4", "critical,ASN1:NULL", a.root)}, Status::Good},
-        {"revoked by it",
-         bad,
-         {clean, with("1.2.3.4", "critical,ASN1:NULL", a.issuer, {&bad})},
-         Status::Revoked},
-        {"for users", good, {with(scope, "critical,onlyuser:TRUE", a.issuer)}, Status::Good},
-        {"for users of the root", ofRoot, {with(scope, "critical,onlyuser:TRUE", a.root)}, Status::Good},
-        {"for issuers", good, {with(scope, "critical,onlyCA:TRUE", a.issuer)}, Unknown},
-        {"for attributes", good, {with(scope, "critical,onlyAA:TRUE", a.issuer)}, Unknown},
-        {"for some reasons",
-         good,
-         {with(scope, "critical,onlysomereasons:keyCompromise", a.issuer)},
-         Unknown},
-        {"indirect", good, {with(scope, "critical,indirectCRL:TRUE", a.issuer)}, Unknown},
-        {"of a place",
-         good,
-         {with(scope, "critical,fullname:URI:http://lists.example/1", a.issuer)},
-         Unknown},
-        {"of the place",
-         elsewhere,
-         {with(scope, "fullname:URI:http://lists.example/1", a.issuer)},
-         Status::Good},
-        {"of another", elsewhere, {with(scope, "fullname:URI:http://lists.example/2", a.issuer)}, Unknown},
+        {"delta", good, {delta()}, Unknown},
+        {"delta, not critical", good, {with("2.5.29.27", "ASN1:INTEGER:1", a.issuer)}, Unknown},
+        {"delta beside a complete list", good, {delta(), clean}, Status::Good},
+        {"revoked by a delta", bad, {clean, delta({&bad})}, Status::Revoked},
+        {"critical and unknown", good, {unknown(a.issuer)}, Unknown},
+        {"the same above", good, {clean, unknown(a.root)}, Status::Good},
+        {"revoked by it", bad, {clean, unknown(a.issuer, {&bad})}, Status::Revoked},
+        {"for users", good, {within("onlyuser:TRUE", a.issuer)}, Status::Good},
+        {"for users of the root", ofRoot, {within("onlyuser:TRUE", a.root)}, Status::Good},
+        {"for issuers", good, {within("onlyCA:TRUE", a.issuer)}, Unknown},
+        {"for attributes", good, {within("onlyAA:TRUE", a.issuer)}, Unknown},
+        {"for some reasons", good, {within("onlysomereasons:keyCompromise", a.issuer)}, Unknown},
+        {"indirect", good, {within("indirectCRL:TRUE", a.issuer)}, Unknown},
+        {"of a place", good, {within("fullname:URI:http://e/1", a.issuer)}, Unknown},
+        {"of the place", elsewhere, {within("fullname:URI:http://e/1", a.issuer)}, Status::Good},
+        {"of another", elsewhere, {within("fullname:URI:http://e/2", a.issuer)}, Unknown},
     };
     for (const auto& [name, signer, lists, status] : cases) {
         CertificateValidationOptions options = optionsAtCheckTime();
@@ -384,6 +372,13 @@ TEST(Validation, revocationListsDecide) {
         options.setUsingRevocationLists(false);
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, options), Status::Good) << name;
     }
+    const Identity again =
+        makeIssuerBelow(a.root, "Issuer", [&a](CertificateRecipe& r) { r.key = a.issuer.key; });
+    CertificateValidationOptions revoking = optionsAtCheckTime();
+    revoking.addRevocationList(clean);
+    revoking.addRevocationList(list(a.root, {&a.issuer}));
+    EXPECT_EQ(validate(good, {&a.issuer, &again}, {&a.root}, revoking), Status::Revoked)
+        << "no other way is tried";
     CertificateValidationOptions required = optionsAtCheckTime();
     required.setUsingRevocationLists(true);
     EXPECT_EQ(validate(good, {&a.issuer}, {&a.root}, required), Status::RevocationUnknown);
@@ -395,10 +390,10 @@ TEST(Validation, revocationListsDecide) {
 
 TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
     const Authorities a;
-    const Identity pssIssuer = makeSigner(&a.root, [](CertificateRecipe& r) {
-        r.subject = "PSS issuer";
-        r.key = opc::test::makePssKey();
-        r.basicConstraints = "critical,CA:TRUE";
+    const Identity pssIssuer =
+        makeIssuerBelow(a.root, "PSS issuer", [](CertificateRecipe& r) { r.key = opc::test::makePssKey(); });
+    const Identity edIssuer = makeIssuerBelow(a.root, "Ed25519 issuer", [](CertificateRecipe& r) {
+        r.key.reset(EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519"), EVP_PKEY_free);
     });
     const auto signedBy = [](const Identity& issuer, const EVP_MD* digest,
                              const std::vector<const Identity*>& revoked = {}) {
@@ -406,8 +401,8 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
     };
     struct Case {
         const Identity& issuer;
-        const EVP_MD* digest;
-        std::string weak; ///< empty for none
+        const EVP_MD* digest; ///< null where the key has one of its own
+        std::string weak;     ///< empty for none
     };
     const Case cases[] = {
         {a.issuer, EVP_sha1(), "2 SHA-1 CN=Issuer;"},
@@ -415,11 +410,15 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
         {a.issuer, EVP_sha512(), ""},
         {pssIssuer, EVP_sha1(), "2 SHA-1 CN=PSS issuer;"},
         {pssIssuer, EVP_sha256(), ""},
+        {edIssuer, nullptr, ""},
     };
     for (const auto& [issuer, digest, weak] : cases) {
-        const Identity good = makeSigner(&issuer), bad = makeSigner(&issuer);
+        const EVP_MD* const strong = digest ? EVP_sha256() : nullptr;
+        const auto useStrong = [strong](CertificateRecipe& r) { r.digest = strong; };
+        const Identity good = makeSigner(&issuer, useStrong), bad = makeSigner(&issuer, useStrong);
         CertificateValidationOptions options = optionsAtCheckTime();
         options.addRevocationList(signedBy(issuer, digest, {&bad}));
+        options.addRevocationList(signedBy(a.otherRoot, EVP_sha1())); // not one of the chain
         EXPECT_EQ(validate(good, {&issuer}, {&a.root}, options), weak.empty() ? Status::Good : Unknown)
             << weak;
         options.setAcceptingWeakDigests(true);
@@ -427,7 +426,7 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
         EXPECT_EQ(weakIn(good, {&issuer}, {&a.root}, options), weak);
         EXPECT_EQ(validate(bad, {&issuer}, {&a.root}, options), Status::Revoked) << weak;
         options.setAcceptingWeakDigests(false);
-        options.addRevocationList(signedBy(issuer, EVP_sha256()));
+        options.addRevocationList(signedBy(issuer, strong));
         EXPECT_EQ(validate(bad, {&issuer}, {&a.root}, options), Status::Revoked) << weak;
         options.setAcceptingWeakDigests(true);
         EXPECT_EQ(weakIn(good, {&issuer}, {&a.root}, options), "") << "the strong list suffices";
@@ -441,15 +440,10 @@ TEST(Validation, hugeKeysEndSoon) {
     EXPECT_EQ(signer.certificate.getKeySize(), std::size_t{8} << 20);
     EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
 
-    const auto makeRsaIssuer = [&a](const std::shared_ptr<EVP_PKEY>& key) {
-        return makeSigner(&a.root, [&key](CertificateRecipe& r) {
-            r.subject = "RSA issuer";
-            r.basicConstraints = "critical,CA:TRUE";
-            r.key = key;
-        });
-    };
-    const Identity issuer = makeRsaIssuer(nullptr);
-    const Identity inItsName = makeRsaIssuer(makePublicKey(1 << 20, {1, 0, 1}));
+    const Identity issuer = makeIssuerBelow(a.root, "RSA issuer");
+    const Identity inItsName = makeIssuerBelow(a.root, "RSA issuer", [](CertificateRecipe& r) {
+        r.key = makePublicKey(1 << 20, {1, 0, 1});
+    });
     const Identity below = makeSigner(&issuer);
     EXPECT_EQ(validate(below, {&issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
     EXPECT_EQ(validate(below, {&inItsName}, {&a.root}, optionsAtCheckTime()), Status::BadSignature);
