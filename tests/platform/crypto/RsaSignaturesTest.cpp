@@ -3,8 +3,6 @@
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <support/OpenSslCommand.hpp>
 
-#include <openssl/bn.h>
-
 namespace {
 
 using namespace bedrock::test;
@@ -89,34 +87,23 @@ TEST(RsaSignatures, whatDoesntHoldIsAStatus) {
               SignatureVerificationStatus::Invalid);
 }
 
-/// The numbers of this key belong together, but no prime stands at the place of the first.
+/// The numbers of this key belong together, but 2^512 - 1, a multiple of 3, stands at the place of a prime.
 TEST(RsaSignatures, wrongValuesDontLeaveTheSigner) {
-    const std::shared_ptr<BN_CTX> context(BN_CTX_new(), BN_CTX_free);
-    const auto number = [](const std::string& digits) {
-        BIGNUM* made = nullptr;
-        BN_hex2bn(&made, digits.c_str());
-        return std::shared_ptr<BIGNUM>(made, BN_free);
+    const auto times = [](int count, const std::string& digits) {
+        std::string text;
+        for (int index = 0; index < count; ++index)
+            text += digits;
+        return text;
     };
-    const std::string threefold(128, 'F');
-    const auto p = number(threefold), q = number(threefold.substr(1) + "D"), e = number("10001");
-    const auto n = number("0"), pLess = number("0"), qLess = number("0"), d = number("0");
-    BN_mul(n.get(), p.get(), q.get(), context.get());
-    BN_sub(pLess.get(), p.get(), BN_value_one());
-    BN_sub(qLess.get(), q.get(), BN_value_one());
-    BN_mul(d.get(), pLess.get(), qLess.get(), context.get());
-    const std::shared_ptr<BIGNUM> exponent(BN_mod_inverse(nullptr, e.get(), d.get(), context.get()), BN_free);
-    const auto modulo = [&](const auto& base) {
-        const auto rest = number("0");
-        BN_div(nullptr, rest.get(), exponent.get(), base.get(), context.get());
-        return rest;
-    };
-    const std::shared_ptr<BIGNUM> coefficient(BN_mod_inverse(nullptr, q.get(), p.get(), context.get()),
-                                              BN_free);
-    std::vector<std::string> numbers;
-    for (const auto& each : {n, e, exponent, p, q, modulo(pLess), modulo(qLess), coefficient}) {
-        const std::shared_ptr<char> digits(BN_bn2hex(each.get()), [](char* text) { OPENSSL_free(text); });
-        numbers.emplace_back(digits.get());
-    }
+    const std::vector<std::string> numbers{times(127, "F") + "C" + times(127, "0") + "3",
+                                           "10001",
+                                           "2AAA5555" + times(14, "AAAA5555") + "AAAA5554" +
+                                               times(15, "AAAC5553") + "AAAC5555",
+                                           times(128, "F"),
+                                           times(127, "F") + "D",
+                                           times(15, "FFFF0000") + "FFFF",
+                                           times(15, "5555AAAA") + "5555AAA9",
+                                           "7" + times(127, "F")};
     const auto signer = makeSigner(1024, encode(opc::test::OpenSslCommand(), numbers));
     const auto sha256 = CryptoProvider().createDigestEngine(DigestAlgorithm::SHA256);
     EXPECT_TRUE(fails<bedrock::crypto::utils::Exception>([&] { signer->sign(Message, sha256); }));
