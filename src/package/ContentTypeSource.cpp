@@ -43,8 +43,12 @@ void ContentTypeSource::read() {
     }
 }
 
+bool ContentTypeSource::hasUnread() const {
+    return hasStream && contentTypes->countUnread() > 0;
+}
+
 void ContentTypeSource::throwIfFixed() const {
-    if (hasStream && contentTypes->countUnread() > 0)
+    if (hasUnread())
         throw InvalidContentTypeStream(IN_STREAM + describeUnread(contentTypes->countUnread()));
 }
 

@@ -29,6 +29,9 @@ public:
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;
     ~ContentTypeSource();
 
+    /// Whether the stream holds elements that weren't read.
+    bool hasUnread() const;
+
     /// Asked before anything is changed that the stream would have to be written for.
     /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
     void throwIfFixed() const;

@@ -148,6 +148,11 @@ Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
     return Enumerator<std::vector<Part>>(std::move(kept));
 }
 
+bool Package::hasUnreadContentTypes() const {
+    throwIfNotOpen();
+    return contentTypeSource->hasUnread();
+}
+
 void Package::throwIfContentTypesFixed() const {
     contentTypeSource->throwIfFixed();
 }

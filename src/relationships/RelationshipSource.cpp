@@ -158,6 +158,11 @@ RelationshipSource::getRelationshipsByType(const std::u16string& type) const {
     return Enumerator<std::vector<Relationship>>(impl->manager.getRelationshipsByType(type));
 }
 
+bool RelationshipSource::hasUnreadRelationships() const {
+    throwIfNotReadable();
+    return impl->manager.countUnread() > 0;
+}
+
 bool RelationshipSource::isValidID(const std::u16string& id) {
     return isRelationshipID(id);
 }

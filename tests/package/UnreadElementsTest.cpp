@@ -131,6 +131,9 @@ TEST(UnreadElements, areNeverWrittenOver) {
             fillStore(store, before);
             Package package(store);
             package.open(OpenMode::ReadWrite);
+            EXPECT_EQ(package.hasUnreadContentTypes(), hasUnreadTypes);
+            EXPECT_TRUE(package.hasUnreadRelationships());
+            EXPECT_FALSE(partOf(package, u"/b.xml").hasUnreadRelationships());
             EXPECT_EQ(outcomeOf([&] { each.action(package); }), outcome) << label;
             package.close(false);
             const Content after = contentOf(store);

@@ -120,6 +120,11 @@ public:
     ///                  if it lies above others, otherwise the part above it
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
+    /// Whether the content types stream holds elements that weren't read, as they have a namespace prefix or stand
+    /// in the wrong place. Other programs may find content types there.
+    /// @throws PackageNotOpen
+    bool hasUnreadContentTypes() const;
+
     bool isOpen() const override;
     bool isReadOnly() const override;
 

@@ -74,6 +74,10 @@ public:
     /// Those of one type, letter case counting, in the order of their IDs; managed ones included.
     Enumerator<std::vector<Relationship>> getRelationshipsByType(const std::u16string& type) const;
 
+    /// Whether the relationships part holds elements that weren't read, as they have a namespace prefix or stand in
+    /// the wrong place. Other programs may take them for relationships.
+    bool hasUnreadRelationships() const;
+
     /// Whether `id` is an `xsd:ID`, by the names of XML 1.0 (Fifth Edition) up to U+FFFF and without the
     /// colon.
     static bool isValidID(const std::u16string& id);
