@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -73,28 +74,49 @@ ordered_json describe(const Relationship& relationship) {
             {"resolved", resolved}};
 }
 
+/// Prints a JSON array element by element: there may be very many.
+class JSONArray {
+public:
+    void add(const ordered_json& element) {
+        std::string text = element.dump(2);
+        for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1))
+            text.insert(end + 1, "  ");
+        std::cout << (isEmpty ? "[\n  " : ",\n  ") << text;
+        isEmpty = false;
+    }
+
+    void end() const { std::cout << (isEmpty ? "[]\n" : "\n]\n"); }
+
+private:
+    bool isEmpty = true;
+};
+
 void rels(const RelsArguments& arguments) {
     OpenedPackage package(arguments.package);
-    ordered_json list = ordered_json::array();
-    const auto add = [&list](const RelationshipSource& source) {
-        for (const Relationship& relationship : source.getRelationships())
-            list.push_back(describe(relationship));
+    const auto forEach = [&](const std::function<void(const ordered_json&)>& visit) {
+        const auto visitAll = [&visit](const RelationshipSource& source) {
+            for (const Relationship& relationship : source.getRelationships())
+                visit(describe(relationship));
+        };
+        package.withSource(arguments.source, visitAll);
+        if (arguments.all)
+            for (const Part& part : package->getParts())
+                visitAll(part);
     };
-    package.withSource(arguments.source, add);
-    if (arguments.all)
-        for (const Part& part : package->getParts())
-            add(part);
-
     if (arguments.json) {
-        printJSON(list);
+        JSONArray list;
+        forEach([&list](const ordered_json& row) { list.add(row); });
+        list.end();
         return;
     }
-    Table table({{"SOURCE"}, {"ID"}, {"MODE"}, {"TARGET"}, {"RESOLVED"}, {"TYPE"}});
-    for (const auto& row : list)
-        table.addRow({row["source"], row["id"], row["mode"], row["target"],
-                      row["resolved"].is_null() ? std::string("-") : row["resolved"].get<std::string>(),
-                      row["type"]});
-    table.print(std::cout, outputIsTerminal());
+    const Table table({{"SOURCE"}, {"ID"}, {"MODE"}, {"TARGET"}, {"RESOLVED"}, {"TYPE"}});
+    table.print(std::cout, outputIsTerminal(), [&forEach](const std::function<void(Table::Cells)>& print) {
+        forEach([&print](const ordered_json& row) {
+            print({row["source"], row["id"], row["mode"], row["target"],
+                   row["resolved"].is_null() ? std::string("-") : row["resolved"].get<std::string>(),
+                   row["type"]});
+        });
+    });
 }
 
 struct CatArguments {

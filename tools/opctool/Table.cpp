@@ -33,29 +33,41 @@ void printCells(std::ostream& stream, const std::vector<std::string>& cells,
 } // namespace
 
 void Table::addRow(std::vector<std::string> cells) {
-    std::transform(cells.begin(), cells.end(), cells.begin(), withoutControlCharacters);
     rows.push_back(std::move(cells));
 }
 
 void Table::print(std::ostream& stream, bool isTerminal) const {
-    if (rows.empty())
-        return;
-    std::vector<std::string> headings;
+    print(stream, isTerminal, [this](const auto& visit) { std::for_each(rows.begin(), rows.end(), visit); });
+}
+
+void Table::print(std::ostream& stream, bool isTerminal, const Rows& forEachRow) const {
+    const auto forEachShown = [&forEachRow](const auto& visit) {
+        forEachRow([&visit](Cells cells) {
+            std::transform(cells.begin(), cells.end(), cells.begin(), withoutControlCharacters);
+            visit(cells);
+        });
+    };
+    Cells headings;
     std::vector<std::size_t> widths;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        headings.push_back(columns[i].heading);
-        std::size_t widest = width(columns[i].heading);
-        for (const auto& row : rows)
-            widest = std::max(widest, width(row[i]));
-        widths.push_back(widest);
+    for (const Column& column : columns) {
+        headings.push_back(column.heading);
+        widths.push_back(width(column.heading));
     }
+    bool isEmpty = true;
+    forEachShown([&](const Cells& cells) {
+        isEmpty = false;
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            widths[i] = std::max(widths[i], width(cells[i]));
+    });
+    if (isEmpty)
+        return;
     stream << (isTerminal ? "\033[1m" : "");
     printCells(stream, headings, columns, widths);
     stream << (isTerminal ? "\033[0m\n" : "\n");
-    for (const auto& row : rows) {
-        printCells(stream, row, columns, widths);
+    forEachShown([&](const Cells& cells) {
+        printCells(stream, cells, columns, widths);
         stream << '\n';
-    }
+    });
 }
 
 bool outputIsTerminal() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -23,6 +24,13 @@ public:
 
     /// Writes nothing if there is no row.
     void print(std::ostream& stream, bool isTerminal) const;
+
+    using Cells = std::vector<std::string>;
+    using Rows = std::function<void(const std::function<void(Cells)>&)>;
+
+    /// The same of rows that aren't kept, as they may be very many.
+    /// @param forEachRow  gives all rows to what it is given; called twice
+    void print(std::ostream& stream, bool isTerminal, const Rows& forEachRow) const;
 
 private:
     std::vector<Column> columns;
