@@ -6,6 +6,7 @@
 #include "coreproperties/CorePropertiesVocabulary.hpp"
 #include "xml/DocumentOutput.hpp"
 #include "xml/DocumentPoolReset.hpp"
+#include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/ReplayedStream.hpp"
@@ -139,8 +140,9 @@ struct CorePropertiesSerializer::Xml {
     CorePropertiesVocabulary names;
 };
 
-CorePropertiesSerializer::CorePropertiesSerializer(std::function<void()> onXerces)
-    : beforeXerces(std::move(onXerces)) {
+CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage,
+                                                   std::function<void()> onXerces)
+    : budget(std::move(ofPackage)), beforeXerces(std::move(onXerces)) {
 }
 
 CorePropertiesSerializer::~CorePropertiesSerializer() = default;
@@ -156,16 +158,25 @@ CorePropertiesSerializer::Xml& CorePropertiesSerializer::xml() {
 
 void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
     ReadAheadBuffer buffer;
-    ReplayedStream replayed(stream);
+    DocumentShare share(budget, &XmlLimits::coreProperties);
+    MeteredStream metered(stream, share);
+    ReplayedStream replayed(metered);
     CoreProperties scanned;
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
     if (document && scanCoreProperties(*document, scanned))
         properties = scanned;
     else
-        parse(replayed, properties);
+        parseCounted(replayed, properties, share);
 }
 
 void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties) {
+    DocumentShare share(budget, &XmlLimits::coreProperties);
+    MeteredStream metered(stream, share);
+    parseCounted(metered, properties, share);
+}
+
+void CorePropertiesSerializer::parseCounted(InputStream& stream, CoreProperties& properties,
+                                            DocumentShare& share) {
     Xml& with = xml();
     if (!with.parser) {
         auto loaded = XercesHelper::createParser();
@@ -176,6 +187,7 @@ void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& proper
     const DocumentPoolReset reset(with.parser.get());
     const xercesc::DOMDocument* document = nullptr;
     try {
+        const ElementMeter meter(with.parser.get(), share);
         document = XercesHelper::readDocumentFromStream(with.parser.get(), stream, true, {}, {});
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
@@ -206,9 +218,15 @@ void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& proper
 void CorePropertiesSerializer::write(const CoreProperties& properties, OutputStream& stream) {
     std::string composed;
     if (composePlainCoreProperties(properties, composed))
-        writeDocument(composed, stream);
+        writeCounted(composed, stream);
     else
         writeByXerces(properties, stream);
+}
+
+/// What couldn't be read again isn't written.
+void CorePropertiesSerializer::writeCounted(const std::string& document, OutputStream& stream) const {
+    DocumentShare(budget, &XmlLimits::coreProperties).addBytes(document.size());
+    writeDocument(document, stream);
 }
 
 void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, OutputStream& stream) {
@@ -239,11 +257,14 @@ void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, O
     fields.write(names.subject, properties.getSubject());
     fields.write(names.title, properties.getTitle());
     fields.write(names.version, properties.getVersion());
+    std::string written;
     try {
-        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), stream);
+        StringOutput composed(written);
+        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), composed);
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
+    writeCounted(written, stream);
 }
 
 } // namespace opc::model

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 #include <opc/model/CoreProperties.hpp>
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace opc::model {
 
@@ -14,8 +17,11 @@ namespace opc::model {
 /// compiles five schemas first, and takes most of a millisecond for it. Xerces isn't woken before that.
 class CorePropertiesSerializer {
 public:
+    /// @param ofPackage what the documents of the package may take, together
     /// @param onXerces  called before Xerces is needed: may keep it initialised for longer than this object does
-    explicit CorePropertiesSerializer(std::function<void()> onXerces = {});
+    explicit CorePropertiesSerializer(
+        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>(),
+        std::function<void()> onXerces = {});
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
     ~CorePropertiesSerializer();
@@ -41,7 +47,10 @@ private:
     struct Xml;
 
     Xml& xml();
+    void parseCounted(InputStream& stream, CoreProperties& properties, DocumentShare& share);
+    void writeCounted(const std::string& document, OutputStream& stream) const;
 
+    std::shared_ptr<DocumentBudget> budget;
     std::function<void()> beforeXerces;
     std::unique_ptr<Xml> made;
 };

@@ -38,7 +38,8 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
     if (relationships.empty())
         return properties;
     const Part part = getTarget(package, relationships);
-    CorePropertiesSerializer serializer([&package] { package.getPackage().keepXerces(); });
+    CorePropertiesSerializer serializer(package.getDocumentBudget(),
+                                        [&package] { package.getPackage().keepXerces(); });
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     serializer.read(stream, properties);
@@ -53,7 +54,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     }
     const Part part =
         relationships.empty() ? createCoreProperties(package) : getTarget(package, relationships);
-    CorePropertiesSerializer serializer([&package] { package.keepXerces(); });
+    CorePropertiesSerializer serializer(package.getDocumentBudget(), [&package] { package.keepXerces(); });
     serializer.write(properties, part.getOutputStream());
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/model/ContentType.hpp>
 #include <opc/model/PartName.hpp>
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace opc::model {
@@ -27,6 +30,9 @@ public:
     bool isDirty() const noexcept { return dirty; }
     void setDirty(bool value) noexcept { dirty = value; }
     void clear();
+
+    /// What the stream takes of the limits of the package.
+    void keepShare(std::optional<DocumentShare> ofStream) const { share = std::move(ofStream); }
 
     /// How many elements of the stream aren't among these entries.
     std::size_t countUnread() const noexcept { return unread; }
@@ -58,6 +64,7 @@ public:
     const Overrides& getOverrides() const noexcept { return overrides; }
 
 private:
+    mutable std::optional<DocumentShare> share;
     bool dirty = true;
     std::size_t unread = 0;
     Defaults defaults;

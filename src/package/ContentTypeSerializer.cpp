@@ -91,21 +91,33 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     map.clear();
     ReadAheadBuffer buffer;
     ScannedContentTypes scanned;
-    ReplayedStream replayed(stream);
+    DocumentShare share(budget, &XmlLimits::contentTypes);
+    MeteredStream metered(stream, share);
+    ReplayedStream replayed(metered);
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
     if (document && scanContentTypes(*document, scanned)) {
+        share.addElements(scanned.defaults.size() + scanned.overrides.size() + 1);
         ContentTypeReader types;
         for (const ScannedContentType& entry : scanned.defaults)
             addDefault(map, widen(entry.key), widen(entry.contentType), types);
         for (const ScannedContentType& entry : scanned.overrides)
             addOverride(map, widen(entry.key), widen(entry.contentType), types);
     } else {
-        parse(map, replayed);
+        parseCounted(map, replayed, share);
     }
+    map.keepShare(std::move(share));
     map.setDirty(false);
 }
 
 void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
+    DocumentShare share(budget, &XmlLimits::contentTypes);
+    MeteredStream metered(stream, share);
+    parseCounted(map, metered, share);
+    map.keepShare(std::move(share));
+}
+
+void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& stream,
+                                         DocumentShare& share) const {
     const XercesGuard guard;
     std::set<std::u16string> contentTypes;
     std::deque<FoundEntry> defaults;
@@ -120,6 +132,7 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) cons
         const auto parser = XercesHelper::createParser();
         loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
         const ElementVisits visits(parser.get(), [&](const VisitedElement& element) {
+            share.addElements(1);
             if (element.isRoot())
                 unread += element.is(NAMESPACE, u"Types") ? 0 : 1;
             else if (element.isNamed(u"Default"))
@@ -144,9 +157,20 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) cons
 void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {
     std::string document;
     if (composePlainContentTypes(map, document))
-        writeDocument(document, stream);
+        writeCounted(document, map, stream);
     else
         writeByXerces(map, stream);
+}
+
+/// What couldn't be read again isn't written.
+void ContentTypeSerializer::writeCounted(const std::string& document, const ContentTypeMap& map,
+                                         OutputStream& stream) const {
+    map.keepShare({}); // the old document goes
+    DocumentShare share(budget, &XmlLimits::contentTypes);
+    share.addBytes(document.size());
+    share.addElements(map.getDefaults().size() + map.getOverrides().size() + 1);
+    writeDocument(document, stream);
+    map.keepShare(std::move(share));
 }
 
 void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStream& stream) const {
@@ -169,12 +193,15 @@ void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStrea
         XercesHelper::setElementAttribute(element, names.partNameName, name.toString());
         XercesHelper::setElementAttribute(element, names.contentTypeName, contentType.toString());
     }
+    std::string written;
     try {
         const auto writer = XercesHelper::createPrettyPrintingWriter();
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        StringOutput composed(written);
+        XercesHelper::writeDocumentToStream(writer.get(), document.get(), composed);
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
+    writeCounted(written, map, stream);
 }
 
 } // namespace opc::model

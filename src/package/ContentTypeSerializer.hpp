@@ -1,7 +1,12 @@
 #pragma once
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
+
+#include <memory>
+#include <string>
 
 namespace opc::model {
 
@@ -11,6 +16,11 @@ class ContentTypeMap;
 /// scanned, and Xerces not woken for it; any other goes to a validating parser.
 class ContentTypeSerializer {
 public:
+    /// @param ofPackage  what the documents of the package may take, together
+    explicit ContentTypeSerializer(
+        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>())
+        : budget(std::move(ofPackage)) {}
+
     /// Replaces what `map` holds. Of entries with the same key the first counts.
     /// @throws InvalidPartContent  the document isn't valid
     /// @throws InvalidContentType, InvalidURI
@@ -25,6 +35,12 @@ public:
 
     /// The same by Xerces alone, whatever the values.
     void writeByXerces(const ContentTypeMap& map, OutputStream& stream) const;
+
+private:
+    void parseCounted(ContentTypeMap& map, InputStream& stream, DocumentShare& share) const;
+    void writeCounted(const std::string& document, const ContentTypeMap& map, OutputStream& stream) const;
+
+    std::shared_ptr<DocumentBudget> budget;
 };
 
 } // namespace opc::model

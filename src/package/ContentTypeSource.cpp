@@ -22,12 +22,13 @@ constexpr char IN_STREAM[] = "In content type stream: ";
 
 } // namespace
 
-ContentTypeSource::ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly)
+ContentTypeSource::ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly,
+                                     std::shared_ptr<DocumentBudget> budget)
     : physicalPackage(&package), hasStream(package.usesContentTypeStream()) {
     if (!hasStream)
         return;
     contentTypes = std::make_unique<ContentTypeMap>();
-    serializer = std::make_unique<ContentTypeSerializer>();
+    serializer = std::make_unique<ContentTypeSerializer>(std::move(budget));
     if (!createOnly)
         read();
 }

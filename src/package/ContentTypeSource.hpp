@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/model/ContentType.hpp>
 #include <opc/model/PartName.hpp>
 
@@ -23,8 +25,10 @@ class ContentTypeSource {
 public:
     /// @param package     not owned
     /// @param createOnly  whether the package is new, so that there is nothing to read
+    /// @param budget      what the documents of the package may take, together
     /// @throws InvalidContentTypeStream, InvalidContentType, InvalidURI
-    ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly);
+    ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly,
+                      std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     ContentTypeSource(const ContentTypeSource&) = delete;
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;
     ~ContentTypeSource();

@@ -2,6 +2,7 @@
 
 #include "package/ContentTypeSource.hpp"
 #include "relationships/RelationshipSerializer.hpp"
+#include "xml/DocumentBudget.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
@@ -23,8 +24,8 @@ bool hasCondition(const Exception& failure, boost::system::errc::errc_t conditio
 
 } // namespace
 
-Package::Package(interfaces::IPhysicalPackage& physical)
-    : RelationshipSource(PackageHelper::getPackageRootURI()), physicalPackage(physical) {
+Package::Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits)
+    : RelationshipSource(PackageHelper::getPackageRootURI()), physicalPackage(physical), xmlLimits(limits) {
 }
 
 Package::~Package() {
@@ -71,8 +72,10 @@ void Package::open(interfaces::OpenMode mode) {
     try {
         if (mode != interfaces::OpenMode::ReadOnly && !dataManagers.empty())
             keepXerces();
-        relationshipSerializer = std::make_unique<RelationshipSerializer>();
-        contentTypeSource = std::make_unique<ContentTypeSource>(physicalPackage, isCreateOnly());
+        documentBudget = std::make_shared<DocumentBudget>(xmlLimits);
+        relationshipSerializer = std::make_unique<RelationshipSerializer>(documentBudget);
+        contentTypeSource =
+            std::make_unique<ContentTypeSource>(physicalPackage, isCreateOnly(), documentBudget);
         initializeParts();
     } catch (...) {
         forgetContent();
@@ -111,6 +114,7 @@ void Package::forgetContent() {
     RelationshipSource::reset();
     contentTypeSource.reset();
     relationshipSerializer.reset();
+    documentBudget.reset();
     xercesGuard.reset();
 }
 
@@ -144,7 +148,6 @@ void Package::clearParts() {
         entry.second.markAsInvalid();
     parts.clear();
     partMemory.release();
-    prefixes.reset();
 }
 
 void Package::addDataManager(DataManager* manager) {

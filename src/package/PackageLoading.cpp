@@ -189,7 +189,6 @@ void Package::initializeParts() {
         setPhysicalRelationshipPart(match, false);
 
     parts.swap(found);
-    prefixes.reset(); // somebody may have asked while there were no parts
     if (!relationships.areTaken())
         throw InconsistentPackage("Not all relationship parts were matched with regular parts");
 }

@@ -35,14 +35,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     Part part(this, nullptr, name, contentType, openMode);
     PartMap entry(parts.get_allocator());
     entry.emplace(name, part);
-    std::u16string key = prefixKey(name);
-    populatePrefixes(name);
-    try {
-        part.setPhysicalPart(createPartInternal(name, contentType, partInfo));
-    } catch (...) {
-        removePrefixes(std::move(key));
-        throw;
-    }
+    part.setPhysicalPart(createPartInternal(name, contentType, partInfo));
     parts.insert(place, entry.extract(entry.begin()));
     return part;
 }
@@ -72,7 +65,6 @@ void Package::deletePart(const PartName& name) {
         throwPartNotFound(name);
     throwIfContentTypesFixed();
     Part part = entry->second;
-    std::u16string key = prefixKey(name);
 
     std::string errors;
     bool failed = false;
@@ -101,7 +93,6 @@ void Package::deletePart(const PartName& name) {
 
     part.markAsInvalid();
     parts.erase(entry);
-    removePrefixes(std::move(key));
 }
 
 void Package::deletePartInternal(const PartName& name) {

@@ -2,12 +2,15 @@
 
 #include "relationships/RelationshipBlock.hpp"
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,6 +35,7 @@ public:
 
     const URI& getSourceURI() const noexcept { return sourceURI; }
     bool isEmpty() const noexcept { return size() == 0; }
+    std::size_t size() const noexcept { return group ? group->values().size() : relationships.size(); }
     bool hasOne() const noexcept { return size() == 1; }
     void clear() noexcept {
         group.reset();
@@ -42,6 +46,9 @@ public:
     /// How many elements of the relationships part aren't among these relationships.
     std::size_t countUnread() const noexcept { return unread; }
     void setUnread(std::size_t count) noexcept { unread = count; }
+
+    /// What the relationships part takes of the limits of the package.
+    void keepShare(std::optional<DocumentShare> ofPart) const { share = std::move(ofPart); }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }
@@ -91,8 +98,6 @@ private:
         bool operator()(std::u16string_view id, const SharedValues& right) const { return id < right->id; }
     };
 
-    std::size_t size() const noexcept { return group ? group->values().size() : relationships.size(); }
-
     /// Null if there is none.
     SharedValues find(std::u16string_view id) const;
 
@@ -105,6 +110,7 @@ private:
     /// Takes the relationships out of the group, so that they can be changed one by one.
     void unpack();
 
+    mutable std::optional<DocumentShare> share;
     bool dirty = true;
     std::size_t unread = 0;
     URI sourceURI;

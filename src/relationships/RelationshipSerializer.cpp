@@ -140,7 +140,8 @@ struct RelationshipSerializer::Xml {
     XercesString targetModeName{u"TargetMode"};
 };
 
-RelationshipSerializer::RelationshipSerializer() : types(std::make_shared<RelationshipTypes>()) {
+RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> ofPackage)
+    : budget(std::move(ofPackage)), types(std::make_shared<RelationshipTypes>()) {
 }
 RelationshipSerializer::~RelationshipSerializer() = default;
 
@@ -151,12 +152,16 @@ RelationshipSerializer::Xml& RelationshipSerializer::xml() {
 }
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
-    ReplayedStream replayed(stream);
+    DocumentShare share(budget, &XmlLimits::relationships);
+    MeteredStream metered(stream, share);
+    ReplayedStream replayed(metered);
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
     if (!document || !scanRelationships(*document, scanned)) {
-        parse(replayed, manager);
+        parseCounted(replayed, manager, share);
+        manager.keepShare(std::move(share));
         return;
     }
+    share.addElements(scanned.size() + 1);
     // Plain values need no further check: a plain type or target is a URI, and not opaque.
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
@@ -169,6 +174,7 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
                   relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
     group.sortByID();
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &group));
+    manager.keepShare(std::move(share));
 }
 
 RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
@@ -178,12 +184,22 @@ RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
 }
 
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
+    DocumentShare share(budget, &XmlLimits::relationships);
+    MeteredStream metered(stream, share);
+    parseCounted(metered, manager, share);
+    manager.keepShare(std::move(share));
+}
+
+void RelationshipSerializer::parseCounted(InputStream& stream, RelationshipManager& manager,
+                                          DocumentShare& share) {
     RelationshipBlock& memory = blockWithRoom(1);
     ParsedRelationships found(memory, *types, manager.getSourceURI());
     try {
         xml().parser.use([&](xercesc::DOMLSParser* parser) {
-            const ElementVisits visits(parser,
-                                       [&found](const VisitedElement& element) { found.add(element); });
+            const ElementVisits visits(parser, [&](const VisitedElement& element) {
+                share.addElements(1);
+                found.add(element);
+            });
             XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
         });
     } catch (const InvalidXMLDocument& e) {
@@ -196,9 +212,20 @@ void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& man
 
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
     if (composePlainRelationships(manager, composed))
-        writeDocument(composed, stream);
+        writeCounted(composed, manager, stream);
     else
         writeByXerces(manager, stream);
+}
+
+/// What couldn't be read again isn't written.
+void RelationshipSerializer::writeCounted(std::string_view document, const RelationshipManager& manager,
+                                          OutputStream& stream) {
+    manager.keepShare({}); // the old document goes
+    DocumentShare share(budget, &XmlLimits::relationships);
+    share.addBytes(document.size());
+    share.addElements(manager.size() + 1);
+    writeDocument(document, stream);
+    manager.keepShare(std::move(share));
 }
 
 void RelationshipSerializer::writeByXerces(const RelationshipManager& manager, OutputStream& stream) {
@@ -219,11 +246,14 @@ void RelationshipSerializer::writeByXerces(const RelationshipManager& manager, O
     // One that fails is dropped: it would take the namespace for declared from then on, and leave it out.
     auto writer = names.writer ? std::move(names.writer) : XercesHelper::createPrettyPrintingWriter();
     try {
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        composed.clear();
+        StringOutput written(composed);
+        XercesHelper::writeDocumentToStream(writer.get(), document.get(), written);
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
     names.writer = std::move(writer);
+    writeCounted(composed, manager, stream);
 }
 
 } // namespace opc::model

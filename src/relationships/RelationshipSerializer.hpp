@@ -2,6 +2,7 @@
 
 #include "relationships/RelationshipBlock.hpp"
 #include "relationships/RelationshipsScanner.hpp"
+#include "xml/DocumentBudget.hpp"
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -22,7 +23,9 @@ class RelationshipManager;
 /// application creates.
 class RelationshipSerializer {
 public:
-    RelationshipSerializer();
+    /// @param ofPackage  what the documents of the package may take, together
+    explicit RelationshipSerializer(
+        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>());
     RelationshipSerializer(const RelationshipSerializer&) = delete;
     RelationshipSerializer& operator=(const RelationshipSerializer&) = delete;
     ~RelationshipSerializer();
@@ -47,7 +50,10 @@ private:
 
     Xml& xml();
     RelationshipBlock& blockWithRoom(std::size_t room);
+    void parseCounted(InputStream& stream, RelationshipManager& manager, DocumentShare& share);
+    void writeCounted(std::string_view document, const RelationshipManager& manager, OutputStream& stream);
 
+    std::shared_ptr<DocumentBudget> budget;
     std::unique_ptr<Xml> made;
     ReadAheadBuffer buffer;                   // holds the part in hand
     std::vector<ScannedRelationship> scanned; // in the buffer

@@ -2,6 +2,7 @@
 
 #include "signatures/SignatureRecords.hpp"
 #include "signatures/SignedRelationships.hpp"
+#include "xml/DocumentBudget.hpp"
 
 #include <bedrock/certificates/X509Certificate.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
@@ -152,6 +153,7 @@ public:
     std::vector<PartName> m_signedPartNames;
     std::shared_ptr<const SignedRelationships> m_signedRelationships; ///< never null
     SignatureParams m_signatureParams;
+    std::optional<DocumentShare> m_share;  ///< of the limits of the package, if it is read from one
     boost::posix_time::ptime m_signedTime; ///< UTC; not-a-date-time until known
     std::u16string m_signatureId;
     std::optional<PartName> m_signaturePartName;

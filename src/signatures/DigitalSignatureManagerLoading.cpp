@@ -100,7 +100,9 @@ DigitalSignatureManager::readSignature(const Part& part, SelectableRelationships
     auto data = std::make_shared<DigitalSignatureData>();
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
-    m_serializer->readSignature(stream, *data);
+    DocumentShare& share = data->m_share.emplace(getPackage().getDocumentBudget(), &XmlLimits::signature);
+    MeteredStream metered(stream, share);
+    m_serializer->readSignature(metered, *data);
     fillUpSignedEntities(*data, selectable);
     return data;
 }

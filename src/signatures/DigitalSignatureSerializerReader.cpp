@@ -6,6 +6,7 @@
 #include "signatures/SignatureLimits.hpp"
 #include "signatures/SignatureScanner.hpp"
 #include "xml/ElementIndex.hpp"
+#include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
@@ -18,6 +19,7 @@
 #include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
+#include <optional>
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -96,6 +98,9 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
 
 /// What can fail here fails in the order in which the parser's document is read.
 void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalSignatureData& data) {
+    constexpr std::size_t OF_REFERENCE = 3; // elements at least: itself, its method and its value
+    if (data.m_share)
+        data.m_share->addElements(scanned.manifestReferences.size() * OF_REFERENCE);
     data.m_signatureId = withoutPrefix(widen(scanned.id));
     takeScannedValueAndKey(scanned, data);
     data.m_objects.emplace(
@@ -114,6 +119,9 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
 
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSignatureData& data) {
     m_parser.use([&](xercesc::DOMLSParser* parser) {
+        std::optional<ElementMeter> meter;
+        if (data.m_share)
+            meter.emplace(parser, *data.m_share);
         translateDocumentFailures([&] {
             const ElementIndex index(
                 XercesHelper::readDocumentFromStream(parser, stream, true, {}, {})->getDocumentElement());

@@ -56,6 +56,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
                                   const XMLCh* prefix,
                                   const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                   XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    pending = 0;
     refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements");
     refuseIf(attributeCount > MAXIMUM_ATTRIBUTES,
              "XML content can not have more than 1000 attributes on an element");
@@ -74,6 +75,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
 
 void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
                                 const XMLCh* prefix) {
+    pending = 0;
     openAttributes -= openElements.back();
     openElements.pop_back();
     DocumentHandlerLink::endElement(declaration, uriId, isRoot, prefix);
@@ -102,13 +104,25 @@ void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {
+    pending = 0;
     refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments");
     DocumentHandlerLink::docComment(comment);
 }
 
 void DocumentLimits::docPI(const XMLCh* target, const XMLCh* data) {
+    pending = 0;
     countName(target);
     DocumentHandlerLink::docPI(target, data);
+}
+
+void DocumentLimits::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+    pending = 0;
+    DocumentHandlerLink::docCharacters(text, length, isCData);
+}
+
+void DocumentLimits::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
+    pending = 0;
+    DocumentHandlerLink::ignorableWhitespace(text, length, isCData);
 }
 
 } // namespace opc::model

@@ -3,6 +3,7 @@
 #include "xml/CollidingIDs.hpp"
 #include "xml/DocumentHandlerLink.hpp"
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -20,7 +21,12 @@ namespace opc::model {
 /// its attributes has been spent.
 class DocumentLimits final : public DocumentHandlerLink {
 public:
-    using DocumentHandlerLink::DocumentHandlerLink;
+    /// @param bytesSinceLastToken  set back to 0 when the parser tells something; must outlive this object
+    DocumentLimits(xercesc::DOMLSParser* parser, std::uint64_t& bytesSinceLastToken)
+        : DocumentHandlerLink(parser), pending(bytesSinceLastToken) {}
+
+    /// Of a tag, a comment or an instruction, with what the parser reads ahead. Text is told in pieces.
+    static constexpr std::uint64_t MAXIMUM_TOKEN = 4U << 20;
 
     void startDocument() override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
@@ -30,11 +36,14 @@ public:
                     const XMLCh* prefix) override;
     void docComment(const XMLCh* comment) override;
     void docPI(const XMLCh* target, const XMLCh* data) override;
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) override;
 
 private:
     void countName(const XMLCh* name);
     void countAttribute(const xercesc::XMLAttr& attribute);
 
+    std::uint64_t& pending;
     std::vector<XMLSize_t> openElements; ///< how many attributes each has
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;

@@ -31,29 +31,37 @@ using xercesc::DOMLSSerializer;
 using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
 
+/// What is known of a stream while Xerces reads from it.
+struct SourceState {
+    std::exception_ptr failure;
+    std::uint64_t bytesSinceLastToken = 0;
+};
+
 /// Lets Xerces read from a stream.
 ///
 /// Xerces leaks when a stranger's exception runs through it: a stream that fails looks ended to Xerces, and
 /// the exception is kept for the one who started the parse.
 class InputStreamBinInputStream final : public xercesc::BinInputStream {
 public:
-    InputStreamBinInputStream(InputStream& source, std::exception_ptr& failureOfSource)
-        : stream(source), failure(failureOfSource) {}
+    InputStreamBinInputStream(InputStream& source, SourceState& itsState) : stream(source), state(itsState) {}
 
     XMLFilePos curPos() const override { return position; }
 
     XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override {
-        if (failure)
+        if (state.failure)
             return 0;
         try {
+            if (state.bytesSinceLastToken > DocumentLimits::MAXIMUM_TOKEN)
+                throw InvalidXMLDocument("XML content can not have tags or comments of more than 4 MiB");
             if (stream.isDone())
                 return 0;
             // Xerces trusts the count: more than there is room for would make it read behind its buffer.
             const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
             position += count;
+            state.bytesSinceLastToken += count;
             return static_cast<XMLSize_t>(count);
         } catch (...) {
-            failure = std::current_exception();
+            state.failure = std::current_exception();
             return 0;
         }
     }
@@ -62,24 +70,23 @@ public:
 
 private:
     InputStream& stream;
-    std::exception_ptr& failure;
+    SourceState& state;
     XMLFilePos position = 0;
 };
 
 /// Gives Xerces a stream to parse.
 class InputStreamXercesSource final : public xercesc::InputSource {
 public:
-    InputStreamXercesSource(InputStream& source, std::exception_ptr& failureOfSource)
-        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source),
-          failure(failureOfSource) {}
+    InputStreamXercesSource(InputStream& source, SourceState& itsState)
+        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source), state(itsState) {}
 
     xercesc::BinInputStream* makeStream() const override {
-        return new InputStreamBinInputStream(stream, failure);
+        return new InputStreamBinInputStream(stream, state);
     }
 
 private:
     InputStream& stream;
-    std::exception_ptr& failure;
+    SourceState& state;
 };
 
 /// Takes what Xerces writes, which comes in many small pieces.
@@ -208,26 +215,26 @@ DOMDocument* XercesHelper::readDocumentHelper(DOMLSParser* parser, InputStream& 
                                               const XercesEncoding& encoding) {
     const XercesGuard guard;
     XercesErrorHandler handler;
-    std::exception_ptr streamFailure;
+    SourceState source;
     DOMDocument* document = nullptr;
     try {
         document = translateXercesFailures([&] {
-            xercesc::Wrapper4InputSource source(new InputStreamXercesSource(stream, streamFailure));
+            xercesc::Wrapper4InputSource input(new InputStreamXercesSource(stream, source));
             if (encoding == XercesEncoding::UTF16)
-                source.setEncoding(XMLUni::fgUTF16EncodingString);
+                input.setEncoding(XMLUni::fgUTF16EncodingString);
             DOMConfiguration* const configuration = parser->getDomConfig();
             configureParser(configuration, validate, !schemaLocation.empty());
             const ErrorHandlerAttachment attachment(configuration, handler);
             const SchemaLocation location(configuration, schemaLocation, schemaNamespace);
-            const DocumentLimits limits(parser);
-            return parser->parse(&source);
+            const DocumentLimits limits(parser, source.bytesSinceLastToken);
+            return parser->parse(&input);
         });
     } catch (const InvalidXMLDocument&) {
-        if (!streamFailure)
+        if (!source.failure)
             throw;
     }
-    if (streamFailure)
-        std::rethrow_exception(streamFailure);
+    if (source.failure)
+        std::rethrow_exception(source.failure);
     handler.throwIfError();
     throwIfUnsupportedEncoding(document);
     throwIfDTDIsPresent(document);

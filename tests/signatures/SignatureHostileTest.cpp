@@ -25,6 +25,7 @@ std::string withObject(const std::string& content) {
 
 class HostileSignature : public SignatureDocument {};
 
+constexpr char LONG_TOKEN[] = "XML content can not have tags or comments of more than 4 MiB";
 constexpr char TOO_MANY_ASIDES[] =
     "XML signature: There are more than 2000 comments, CDATA sections and processing instructions.";
 
@@ -72,8 +73,9 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
         {"many properties",
          inserted(USUAL_SIGNATURE, "<SignatureProperties>",
                   repeated("<SignatureProperty Target=''><a xmlns='urn:a'/></SignatureProperty>", 50000))},
-        {"a long URI", replaced(USUAL_SIGNATURE, "/a.xml", "/" + big)},
-        {"a long identifier", replaced(USUAL_SIGNATURE, "Signature7", "Signature" + big)},
+        {"a long URI", replaced(USUAL_SIGNATURE, "/a.xml", "/" + big), LONG_TOKEN},
+        {"a long identifier", replaced(USUAL_SIGNATURE, "Signature7", "Signature" + big), LONG_TOKEN},
+        {"a long comment", replaced(USUAL_SIGNATURE, "<!--part-->", "<!--" + big + "-->"), LONG_TOKEN},
         {"a long value", replaced(USUAL_SIGNATURE, "BAUG", big)},
         {"a long modulus",
          withKeyInfo(USUAL_SIGNATURE, "<KeyValue><RSAKeyValue><Modulus>" + big +

@@ -8,6 +8,7 @@
 #include <opc/model/Part.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/RelationshipSource.hpp>
+#include <opc/model/XmlLimits.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -15,9 +16,7 @@
 #include <map>
 #include <memory>
 #include <memory_resource>
-#include <optional>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -31,6 +30,7 @@ namespace opc::model {
 
 class ContentTypeSource;
 class DataManager;
+class DocumentBudget;
 class RelationshipSerializer;
 class XercesGuard;
 
@@ -46,7 +46,8 @@ class OPC_MODEL_EXPORT Package : public RelationshipSource {
 public:
     /// Touches the physical package in no way.
     /// @param physical  not owned; must outlive this object
-    explicit Package(interfaces::IPhysicalPackage& physical);
+    /// @param limits    of the XML that the library itself reads from this package, and writes into it
+    explicit Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits = {});
     Package(const Package&) = delete;
     Package& operator=(const Package&) = delete;
 
@@ -140,8 +141,7 @@ private:
     friend class PackageHelper;
     friend class RelationshipSource;
 
-    using PartMap = std::pmr::map<PartName, Part>;
-    using PrefixMap = std::unordered_map<std::u16string, std::uint64_t>;
+    using PartMap = std::pmr::map<PartName, Part, std::less<>>; // compares with texts too
 
     bool isValid() const override;
     Package& getPackage() const override;
@@ -166,11 +166,6 @@ private:
     void deletePartInternal(const PartName& name);
     void deletePhysicalPart(const PartName& name);
 
-    static std::u16string prefixKey(const PartName& name);
-    PrefixMap& knownPrefixes() const;
-    void populatePrefixes(const PartName& name);
-    void removePrefixes(std::u16string key);
-
     void addDataManager(DataManager* manager);
     void removeDataManager(DataManager* manager);
     void forEachDataManager(const std::function<void(DataManager&)>& action);
@@ -178,6 +173,7 @@ private:
     std::unordered_set<std::u16string> getManagedRelationshipTypes() const;
 
     ContentTypeSource& getContentTypeSource() const { return *contentTypeSource; }
+    const std::shared_ptr<DocumentBudget>& getDocumentBudget() const { return documentBudget; }
     RelationshipSerializer& getRelationshipSerializer() const { return *relationshipSerializer; }
     interfaces::IPhysicalPackage& getPackageImpl() const { return physicalPackage; }
 
@@ -189,14 +185,13 @@ private:
     void throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const;
 
     interfaces::IPhysicalPackage& physicalPackage;
+    XmlLimits xmlLimits;
     bool opened = false;
     interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
     std::pmr::unsynchronized_pool_resource partMemory;
     PartMap parts{&partMemory};
-    // Every whole part name, and every folder above one with its slash at the end, in lower case: how many
-    // parts each comes from. Made when somebody asks, which nobody may in a package that is only read.
-    mutable std::optional<PrefixMap> prefixes;
     std::unique_ptr<XercesGuard> xercesGuard;
+    std::shared_ptr<DocumentBudget> documentBudget; // while it is open
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;
     std::list<DataManager*> dataManagers;

@@ -113,8 +113,9 @@ public:
     ///
     /// A DTD in any form, another encoding than UTF-8 and UTF-16, and documents built to exhaust the reader
     /// are refused: elements nested deeper than 1000, more than 10000 comments, more than 2000 different names
-    /// or namespaces, more than 1000 attributes on an element or 4000 on elements nested in each other, and
-    /// more than 1000 IDs that fall together in the parser's table. Nothing outside the stream is opened,
+    /// or namespaces, more than 1000 attributes on an element or 4000 on elements nested in each other, more
+    /// than 1000 IDs that fall together in the parser's table, and tags and comments of more than 4 MiB. Each
+    /// document is read as by a new parser. Nothing outside the stream is opened,
     /// whatever the document asks for, unless the caller passes a schema location.
     ///
     /// The document stays the parser's and lives until its `resetDocumentPool()` or release: the caller

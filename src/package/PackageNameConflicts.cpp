@@ -1,0 +1,46 @@
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+
+#include <string>
+
+/// @file
+/// How a new name is held against those of all parts [M1.11]: by a search for its folder among them, and one for
+/// each folder above it.
+
+namespace opc::model {
+
+bool Package::isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const {
+    std::u16string text = toLowerASCIIString(name.toString());
+    // In the order of names, all that lie below a folder follow one another.
+    const std::u16string folder = text + URI::getSlash();
+    const auto behind = parts.lower_bound(folder);
+    if (behind != parts.end() &&
+        toLowerASCIIString(behind->first.toString()).compare(0, folder.size(), folder) == 0) {
+        existing = text;
+        return true;
+    }
+    for (auto slash = text.rfind(URI::getSlash()); slash != std::u16string::npos;
+         slash = text.rfind(URI::getSlash())) {
+        text.resize(slash);
+        if (parts.find(text) != parts.end()) {
+            existing = text;
+            return true;
+        }
+    }
+    return false;
+}
+
+void Package::throwIfDerivedFromExistingPartName(const PartName& name) const {
+    std::u16string existing;
+    if (!isPartDerivedFromExistingPartName(name, existing))
+        return;
+    const std::u16string text = name.toString();
+    if (text.size() <= existing.size())
+        throw PartIsDerivedFromExistingPartName(
+            "Cannot use a part name that is a subset of an existing name: " + toASCIIString(text));
+    throw PartIsDerivedFromExistingPartName(
+        "Cannot use a part name that is a superset of an existing name: " + toASCIIString(existing));
+}
+
+} // namespace opc::model

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <opc/core/InputStream.hpp>
+#include <opc/model/XmlLimits.hpp>
+
+#include <cstdint>
+#include <memory>
+
+namespace opc::model {
+
+/// What the XML documents of an open package take of its limits, together. Their shares keep it.
+class DocumentBudget {
+public:
+    explicit DocumentBudget(const XmlLimits& allowed = {}) : limits(allowed) {}
+
+    const XmlLimits limits;
+
+private:
+    friend class DocumentShare;
+
+    XmlLimits::Size taken{0, 0};
+};
+
+/// What one document takes, for as long as this object lives.
+class DocumentShare {
+public:
+    using Kind = XmlLimits::Size XmlLimits::*;
+
+    /// @param itsKind  the limit of the document alone
+    DocumentShare(std::shared_ptr<DocumentBudget> ofPackage, Kind itsKind)
+        : budget(std::move(ofPackage)), kind(itsKind) {}
+    DocumentShare(DocumentShare&& other) noexcept = default; // which leaves one without a budget
+    DocumentShare& operator=(DocumentShare&& other) noexcept;
+    ~DocumentShare() { giveBack(); }
+
+    /// Both count what has come.
+    /// @throws InvalidPartContent  it is more than a limit lets pass
+    void addBytes(std::uint64_t count) { add(&XmlLimits::Size::bytes, count); }
+    void addElements(std::uint64_t count) { add(&XmlLimits::Size::elements, count); }
+
+private:
+    void add(std::uint64_t XmlLimits::Size::*number, std::uint64_t count);
+    void giveBack() noexcept;
+
+    std::shared_ptr<DocumentBudget> budget;
+    Kind kind;
+    XmlLimits::Size taken{0, 0};
+};
+
+/// A stream whose bytes are counted as they are read.
+class MeteredStream : public InputStream {
+public:
+    /// @param source, share  must outlive this object
+    MeteredStream(InputStream& source, DocumentShare& share) : stream(source), counted(share) {}
+
+    void open() override { stream.open(); }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
+    bool isDone() const override { return stream.isDone(); }
+    void close() override { stream.close(); }
+
+private:
+    InputStream& stream;
+    DocumentShare& counted;
+};
+
+} // namespace opc::model

@@ -1,0 +1,154 @@
+#include "support/Outcome.hpp"
+#include "support/PackageContent.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+
+/// @file
+/// What a package may take of XML: at its limits it opens and is saved, and one below them it is refused.
+
+namespace {
+
+using namespace opc::model;
+using namespace opc::test;
+using opc::interfaces::OpenMode;
+using opc::physical::MemoryPackage;
+
+struct Documents {
+    Bytes types, ofPackage, ofPart, properties;
+};
+
+/// Documents of a package, of 5, 3, 2 and 3 elements; in the plain form, or one that the parser reads.
+Documents makeDocuments(bool isPlain) {
+    const std::string aside = isPlain ? "" : "<!---->";
+    const std::string core = "http://schemas.openxmlformats.org/package/2006/metadata/core-properties";
+    return {contentTypes(USUAL_CONTENT_TYPES + aside + "<Override PartName='/a.xml' ContentType='a/b'/>" +
+                         "<Override PartName='/x.xml' ContentType='a/b'/>"),
+            relationships(aside +
+                          "<Relationship Id='r' Type='urn:t' Target='a.xml'/><Relationship Id='c' Type='" +
+                          opc::toASCIIString(PackageHelper::getCorePropertiesRelationshipType()) +
+                          "' Target='c.xml'/>"),
+            relationships(aside + "<Relationship Id='r' Type='urn:t' Target='c.xml'/>"),
+            toBytes("<cp:coreProperties xmlns:cp='" + core + "'>" + aside +
+                    "<cp:category>x</cp:category><cp:version>y</cp:version></cp:coreProperties>")};
+}
+
+/// Opens the package, reads its core properties, changes all and saves it.
+void use(const Documents& documents, const XmlLimits& limits, bool saves) {
+    MemoryPackage store;
+    store.setContentTypes(documents.types);
+    store.setPart(u"/a.xml", {});
+    store.setPart(u"/c.xml", documents.properties);
+    store.setPart(u"/_rels/.rels", documents.ofPackage);
+    store.setPart(u"/_rels/a.xml.rels", documents.ofPart);
+    Package package(store, limits);
+    package.open(OpenMode::ReadWrite);
+    CoreProperties properties = PackageHelper::getCoreProperties(package);
+    if (!saves)
+        return;
+    properties.setTitle(std::u16string(500, u't'));
+    PackageHelper::createOrUpdateCoreProperties(package, properties);
+}
+
+TEST(LimitsOfXml, arePassedByNoDocument) {
+    const std::string ofTypes = "opc::model::InvalidContentTypeStream: ";
+    const std::string ofPackage = "opc::model::InvalidRelationshipContent: In /_rels/.rels: ";
+    const std::string ofPart = "opc::model::InvalidRelationshipContent: In /_rels/a.xml.rels: ";
+    const std::string ofProperties = "opc::model::InvalidPartContent: ";
+    struct Case {
+        XmlLimits::Size XmlLimits::*kind;
+        const char* name;
+        std::uint64_t elements;
+        std::size_t bytes;
+        std::string place;
+    };
+    for (const bool isPlain : {true, false}) {
+        const Documents documents = makeDocuments(isPlain);
+        const Case cases[] = {
+            {&XmlLimits::contentTypes, "contentTypes", 5, documents.types.size(), ofTypes},
+            {&XmlLimits::relationships, "relationships", 3, documents.ofPackage.size(), ofPackage},
+            {&XmlLimits::coreProperties, "coreProperties", 3, documents.properties.size(), ofProperties},
+            {&XmlLimits::package, "package", 13,
+             documents.types.size() + documents.ofPackage.size() + documents.ofPart.size() +
+                 documents.properties.size(),
+             ofProperties},
+        };
+        for (const auto& [kind, name, elements, bytes, place] : cases) {
+            const auto outcome = [&, limited = kind](std::uint64_t someBytes, std::uint64_t someElements) {
+                XmlLimits limits;
+                limits.*limited = {someBytes, someElements};
+                return outcomeOf([&] { use(documents, limits, false); });
+            };
+            const auto refusal = [&, kindName = name, where = place](std::uint64_t limit,
+                                                                     const std::string& unit) {
+                return where +
+                       (std::string(kindName) == "package"
+                            ? "The XML documents of a package can not have more than "
+                            : "XML content can not have more than ") +
+                       std::to_string(limit) + " " + unit + " (limit " + kindName + "." + unit + ")";
+            };
+            EXPECT_EQ(outcome(bytes, elements), "") << name << isPlain;
+            EXPECT_EQ(outcome(bytes - 1, elements), refusal(bytes - 1, "bytes")) << isPlain;
+            if (kind == &XmlLimits::package || (isPlain && kind == &XmlLimits::coreProperties))
+                continue; // another document's share comes last; what is scanned has few elements
+            EXPECT_EQ(outcome(bytes, elements - 1), refusal(elements - 1, "elements")) << isPlain;
+        }
+        XmlLimits limits;
+        limits.coreProperties.bytes = documents.properties.size() + 200;
+        EXPECT_EQ(outcomeOf([&] { use(documents, limits, true); }),
+                  ofProperties + "XML content can not have more than " +
+                      std::to_string(limits.coreProperties.bytes) + " bytes (limit coreProperties.bytes)")
+            << "what couldn't be read again isn't written";
+    }
+}
+
+// What is given up makes room, and what has no room isn't written.
+TEST(LimitsOfXml, countWhatIsWritten) {
+    XmlLimits limits;
+    limits.relationships.elements = 4;
+    limits.package.elements = 10;
+    MemoryPackage store;
+    Package package(store, limits);
+    package.open(OpenMode::CreateOnly);
+    const auto relate = [](RelationshipSource& source, const char16_t* id) {
+        source.createExternalRelationship(u"urn:t", u"x", id);
+    };
+    Part part = package.createPart(PartName(u"/a.xml"), ContentType(u"a/b"), StandardPartInfo());
+    for (const char16_t* id : {u"a", u"b", u"c"}) {
+        relate(package, id);
+        relate(part, id);
+    }
+    const auto save = [&] { return outcomeOf([&] { package.close(false); }); };
+    EXPECT_EQ(save(),
+              "opc::model::InvalidPartContent: The XML documents of a package can not have more than 10 "
+              "elements (limit package.elements)");
+    package.close(true);
+
+    limits.package.elements = 11;
+    Package larger(store, limits);
+    larger.open(OpenMode::CreateOnly);
+    Part other = larger.createPart(PartName(u"/a.xml"), ContentType(u"a/b"), StandardPartInfo());
+    for (const char16_t* id : {u"a", u"b", u"c"}) {
+        relate(larger, id);
+        relate(other, id);
+    }
+    larger.close(false);
+    larger.open(OpenMode::ReadWrite);
+    larger.deleteRelationship(u"a");
+    relate(larger, u"d");
+    larger.close(false);
+    larger.open(OpenMode::ReadWrite);
+    relate(larger, u"a");
+    EXPECT_EQ(outcomeOf([&] { larger.close(false); }),
+              "opc::model::InvalidPartContent: XML content can not have more than 4 elements (limit "
+              "relationships.elements)");
+    larger.deleteRelationship(u"a");
+    larger.close(false);
+}
+
+} // namespace
