@@ -72,6 +72,7 @@ TEST(ZipDamage, isRefusedAboveTheLimits) {
     bomb.size = 5000;
     const std::pair<void (*)(ZipOptions&), const char*> cases[] = {
         {[](ZipOptions& o) { o.maxItems = 1; }, "more than 1 items"},
+        {[](ZipOptions& o) { o.maxDirectorySize = 90; }, "a directory of more than 90 bytes"},
         {[](ZipOptions& o) { o.maxItemSize = 4999; }, "a: its size in bytes is above the limit of 4999"},
         {[](ZipOptions& o) { o.maxTotalSize = 5000; },
          "b: the size in bytes of all items together is above the limit of 5000"},

@@ -59,6 +59,8 @@ private:
 void DirectoryReader::read() {
     if (end.itemCount > limits.maxItems)
         fail(place, "more than " + std::to_string(limits.maxItems) + " items", EFBIG);
+    if (end.size > limits.maxDirectorySize)
+        fail(place, "a directory of more than " + std::to_string(limits.maxDirectorySize) + " bytes", EFBIG);
     if (end.itemCount > end.size / DIRECTORY_ENTRY_SIZE)
         failDirectory(place, "too short for its number of items");
     directory.entries.reserve(static_cast<std::size_t>(end.itemCount));

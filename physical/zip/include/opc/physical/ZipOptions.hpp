@@ -23,11 +23,12 @@ struct ZipOptions {
     /// @{
 
     std::uint64_t maxItems = 100000;
-    std::uint64_t maxNameLength = 4096;       ///< of an item's name
-    std::uint64_t maxDepth = 256;             ///< how many folders an item's name may lead through
-    std::uint64_t maxItemSize = 16ULL << 30;  ///< of one item, not compressed
-    std::uint64_t maxTotalSize = 64ULL << 30; ///< of all items, not compressed
-    std::uint64_t maxRatio = 1000;            ///< size to compressed size above `ratioFloor`; 0 counts as 1
+    std::uint64_t maxDirectorySize = 64ULL << 20; ///< of the directory, which holds all names
+    std::uint64_t maxNameLength = 4096;           ///< of an item's name
+    std::uint64_t maxDepth = 256;                 ///< how many folders an item's name may lead through
+    std::uint64_t maxItemSize = 16ULL << 30;      ///< of one item, not compressed
+    std::uint64_t maxTotalSize = 64ULL << 30;     ///< of all items, not compressed
+    std::uint64_t maxRatio = 1000; ///< size to compressed size above `ratioFloor`; 0 counts as 1
     std::uint64_t ratioFloor = 100ULL << 20;
 
     /// @}
