@@ -153,8 +153,8 @@ public:
     std::vector<PartName> m_signedPartNames;
     std::shared_ptr<const SignedRelationships> m_signedRelationships; ///< never null
     SignatureParams m_signatureParams;
-    std::optional<DocumentShare> m_share;  ///< of the limits of the package, if it is read from one
-    boost::posix_time::ptime m_signedTime; ///< UTC; not-a-date-time until known
+    std::shared_ptr<DocumentShare> m_share; ///< of the limits of the package, if it is read from one
+    boost::posix_time::ptime m_signedTime;  ///< UTC; not-a-date-time until known
     std::u16string m_signatureId;
     std::optional<PartName> m_signaturePartName;
     Bytes m_signatureValue;

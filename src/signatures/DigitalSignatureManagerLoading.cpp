@@ -100,8 +100,8 @@ DigitalSignatureManager::readSignature(const Part& part, SelectableRelationships
     auto data = std::make_shared<DigitalSignatureData>();
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
-    DocumentShare& share = data->m_share.emplace(getPackage().getDocumentBudget(), &XmlLimits::signature);
-    MeteredStream metered(stream, share);
+    data->m_share = std::make_shared<DocumentShare>(getPackage().getDocumentBudget(), &XmlLimits::signature);
+    MeteredStream metered(stream, *data->m_share);
     m_serializer->readSignature(metered, *data);
     fillUpSignedEntities(*data, selectable);
     return data;

@@ -90,15 +90,17 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
     ReplayedStream replayed(stream);
     ScannedSignature scanned;
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (document && scanSignature(*document, scanned))
+    if (document && scanSignature(*document, scanned)) {
         takeScanned(scanned, data);
-    else
-        parseSignature(replayed, data);
+        return;
+    }
+    scanned = ScannedSignature(); // it may have come far
+    parseSignature(replayed, data);
 }
 
 /// What can fail here fails in the order in which the parser's document is read.
 void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalSignatureData& data) {
-    constexpr std::size_t OF_REFERENCE = 3; // elements at least: itself, its method and its value
+    constexpr std::size_t OF_REFERENCE = 2; // elements: there is no tree of its three or more
     if (data.m_share)
         data.m_share->addElements(scanned.manifestReferences.size() * OF_REFERENCE);
     data.m_signatureId = withoutPrefix(widen(scanned.id));

@@ -19,8 +19,9 @@ struct XmlLimits {
     Size contentTypes{32U << 20, 250000};  ///< the content types stream
     Size relationships{32U << 20, 250000}; ///< the relationships part of one source
     Size coreProperties{1U << 20, 10000};  ///< the core properties part
-    Size signature{32U << 20, 400000};     ///< a signature part
-    Size package{96U << 20, 1000000};      ///< all that are open together, in one package
+    /// A signature part. In the form in which this library writes it a reference counts as two elements.
+    Size signature{32U << 20, 210000};
+    Size package{96U << 20, 1000000}; ///< all that are open together, in one package
 };
 
 } // namespace opc::model
