@@ -1,4 +1,4 @@
-// Signs a package with a new key, and checks the signature by the key's public half.
+// Signs a package with a new key, and has its signatures judged by the key's public half.
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <opc/core/Text.hpp>
@@ -10,26 +10,26 @@
 
 using namespace opc::model;
 
-static std::u16string sign(const std::filesystem::path& path, const bedrock::crypto::RsaKeyPair& keys) {
+static void sign(const std::filesystem::path& path, const bedrock::crypto::RsaKeyPair& keys) {
     opc::physical::ZipPackage archive(path);
     Package package(archive);
     DigitalSignatureManager signatures(package); // before the package is opened
     package.open(opc::interfaces::OpenMode::ReadWrite);
-    const DigitalSignature signature =
-        signatures.signPackage(keys.getPrivateKey(), SignatureParams()); // SHA-512, RSA of 2048 bits
+    signatures.signPackage(keys.getPrivateKey(), SignatureParams()); // SHA-512, RSA of 2048 bits
     package.close(false);
-    return signature.getName();
 }
 
-static bool verify(const std::filesystem::path& path, const std::u16string& name,
-                   const std::vector<unsigned char>& publicKey) {
+static bool verify(const std::filesystem::path& path, const std::vector<unsigned char>& publicKey) {
     opc::physical::ZipPackage archive(path);
     Package package(archive);
     DigitalSignatureManager signatures(package);
     package.open(opc::interfaces::OpenMode::ReadOnly);
-    const auto status = signatures.verifySignature(signatures.getSignature(name), publicKey);
-    std::cout << opc::toUDEString(name) << (status.isProperlyCodesigned() ? " holds\n" : " doesn't hold\n");
-    return status.isProperlyCodesigned();
+    const SignatureVerdict verdict = signatures.judge(SignaturePolicy::byPublicKey(publicKey));
+    for (const JudgedSignature& judged : verdict.getSignatures())
+        std::cout << opc::toUDEString(judged.signature.getName()) << ' ' << judged.status << '\n';
+    for (const VerdictReason& reason : verdict.getReasons())
+        std::cout << reason.text << '\n';
+    return verdict.isYes();
 }
 
 int main(int argc, char** argv) {
@@ -39,9 +39,9 @@ int main(int argc, char** argv) {
     }
     try {
         const bedrock::crypto::RsaKeyPair keys = bedrock::crypto::generateRsaKeyPair(2048);
-        const std::u16string name = sign(argv[1], keys);
-        return verify(argv[1], name, keys.getPublicKey()) ? 0 : 1;
-    } catch (const std::exception& e) { // InvalidSignature, if a signature can't be checked at all
+        sign(argv[1], keys);
+        return verify(argv[1], keys.getPublicKey()) ? 0 : 1;
+    } catch (const std::exception& e) {
         std::cerr << e.what() << '\n';
         return 3;
     }

@@ -53,6 +53,11 @@ bool Package::isCreateOnly() const {
     return openMode == interfaces::OpenMode::CreateOnly;
 }
 
+std::vector<interfaces::IgnoredItem> Package::getIgnoredItems() const {
+    throwIfNotOpen();
+    return physicalPackage.getIgnoredItems();
+}
+
 Package& Package::getPackage() const {
     return const_cast<Package&>(*this);
 } // relationships parts are made through it

@@ -7,6 +7,8 @@
 #include "signatures/SelectableRelationships.hpp"
 #include "signatures/SignatureWork.hpp"
 
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 
@@ -28,6 +30,17 @@ SignedRelationships::Group select(const RelationshipSource& source, const std::u
     return selector.getSelectorType() == RelationshipSelectorType::SourceId
                ? selectable.byID(source, name, selector.getSelectionCriteria())
                : selectable.byType(source, name, selector.getSelectionCriteria());
+}
+
+/// A signature that names a type of which there is none can't be read again.
+void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
+    if (selector == nullptr)
+        return;
+    if (isAlone)
+        throw RelationshipNotFound(
+            "No relationships in the package matched the provided relationship selectors.");
+    throw RelationshipNotFound("No relationship of " + toUDEString(selector->getSourceURI().toString()) +
+                               " has the type " + toUDEString(selector->getSelectionCriteria()) + ".");
 }
 
 } // namespace
@@ -55,9 +68,6 @@ DataToSign DigitalSignatureManager::computeDataToSign(const std::vector<PartName
         for (const PartName& name : partNames)
             data.contentTypes.push_back(getPackage().getPart(name).getContentType());
         data.relationships = selectRelationships(selectors);
-        if (!selectors.empty() && data.relationships->empty())
-            throw RelationshipNotFound(
-                "No relationships in the package matched the provided relationship selectors.");
         throwIfTooMuchWork(data, params);
         return data;
     });
@@ -68,6 +78,7 @@ std::shared_ptr<const SignedRelationships>
 DigitalSignatureManager::selectRelationships(const std::vector<RelationshipSelector>& selectors) const {
     const auto selected = std::make_shared<SignedRelationships>();
     SelectableRelationships selectable(findOriginURI());
+    const RelationshipSelector* unmatched = nullptr; // the first one
     for (const RelationshipSelector& selector : selectors) {
         const URI uri = selector.getSourceURI();
         SignedRelationships::Group group;
@@ -79,7 +90,10 @@ DigitalSignatureManager::selectRelationships(const std::vector<RelationshipSelec
         }
         if (group)
             selected->add(group);
+        else if (unmatched == nullptr)
+            unmatched = &selector;
     }
+    throwIfNothingMatched(unmatched, selected->empty());
     for (const DigitalSignature& signature : m_signatures)
         if (*signature.getImpl()->m_signedRelationships == *selected)
             return signature.getImpl()->m_signedRelationships;

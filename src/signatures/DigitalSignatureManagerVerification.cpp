@@ -149,6 +149,12 @@ DigitalSignatureManager::verifySignatureHelper(const DigitalSignatureData& data,
 DigitalSignatureVerificationStatus
 DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& data,
                                                    PartDigesters& digesters) const {
+    return findDifferences(data, digesters).empty() ? makeStatus(ErrorMap<0>()) : makeStatus(ErrorMap<101>());
+}
+
+/// The references whose digests aren't those of what they lead to now.
+std::vector<const Reference*> DigitalSignatureManager::findDifferences(const DigitalSignatureData& data,
+                                                                       PartDigesters& digesters) const {
     try {
         // Each digest is computed once, however many references there are to it.
         std::map<std::u16string, std::u16string> objectDigests; // by identifier
@@ -165,12 +171,13 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
             const PartName name(reference.referenceURI.getPath());
             return base64Encode(digesters.digest(name, method)) == reference.digestValue;
         };
-        bool allAgree = true;
+        std::vector<const Reference*> differences;
         for (const auto* references :
              {&data.m_content.signedInfoReferences, &data.m_content.manifestReferences})
             for (const Reference& reference : *references)
-                allAgree = agrees(reference) && allAgree;
-        return allAgree ? makeStatus(ErrorMap<0>()) : makeStatus(ErrorMap<101>());
+                if (!agrees(reference))
+                    differences.push_back(&reference);
+        return differences;
     } catch (const Exception& e) {
         throw InvalidSignature(e.what(), ErrorMap<104>());
     }

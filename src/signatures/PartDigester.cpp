@@ -2,6 +2,7 @@
 
 #include "package/StreamRewinder.hpp"
 #include "signatures/DigestEngines.hpp"
+#include "signatures/KeywordsRange.hpp"
 
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/DigestEngine.hpp>
@@ -14,17 +15,13 @@
 
 #include <sstream>
 #include <string>
-#include <string_view>
 
 namespace opc::model {
 
 namespace {
 
-/// The content of the core properties part without its first keywords element, which lies outside every
-/// signature. The search is for bytes: an opening tag of another form leaves the whole content.
+/// The content of the core properties part without what lies outside every signature.
 std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
-    constexpr std::string_view OPENING = "<cp:keywords>";
-    constexpr std::string_view CLOSING = "</cp:keywords>";
     std::string bytes;
     {
         std::ostringstream content;
@@ -32,10 +29,8 @@ std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
         StreamHelper::copyStreamToStream(stream, content);
         bytes = content.str();
     }
-    const std::size_t begin = bytes.find(OPENING);
-    const std::size_t end = bytes.find(CLOSING);
-    if (begin != std::string::npos && end != std::string::npos && begin < end)
-        bytes.erase(begin, end + CLOSING.size() - begin);
+    const KeywordsRange keywords = findKeywords(bytes);
+    bytes.erase(keywords.begin, keywords.size);
     return {bytes.begin(), bytes.end()};
 }
 

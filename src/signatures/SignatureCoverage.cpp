@@ -9,17 +9,27 @@
 namespace opc::model {
 
 SignatureCoverage::SignatureCoverage(const DigitalSignatureManager& manager,
-                                     const DigitalSignature& signature) {
+                                     const DigitalSignature& signature)
+    : SignatureCoverage(manager) {
+    add(signature);
+}
+
+SignatureCoverage::SignatureCoverage(const DigitalSignatureManager& manager) {
     if (manager.isPackageSigned())
         originURI = manager.findOriginURI();
+}
+
+void SignatureCoverage::add(const DigitalSignature& signature) {
     for (const Reference& reference : signature.getImpl()->m_content.manifestReferences) {
         const PartName name(reference.referenceURI.getPath());
-        for (const std::u16string& id : reference.relationshipReferences)
-            relationshipIDs.emplace(name, id);
-        for (const std::u16string& type : reference.relationshipGroupReferences)
-            relationshipTypes.emplace(name, type);
-        if (!reference.selectsRelationships())
-            parts.insert(name);
+        if (!reference.selectsRelationships()) {
+            parts[name].insert(reference.referenceURI.getQuery());
+            continue;
+        }
+        Selected& selected = relationships[name];
+        selected.ids.insert(reference.relationshipReferences.begin(), reference.relationshipReferences.end());
+        selected.types.insert(reference.relationshipGroupReferences.begin(),
+                              reference.relationshipGroupReferences.end());
     }
 }
 
@@ -28,11 +38,19 @@ bool SignatureCoverage::covers(const PartName& name) const {
 }
 
 bool SignatureCoverage::covers(const Relationship& relationship) const {
-    if (originURI && leadsToCountersignature(relationship, *originURI))
+    return covers(relationship, findSelected(relationship.getSourceURI()));
+}
+
+const SignatureCoverage::Selected* SignatureCoverage::findSelected(const URI& source) const {
+    const auto found = relationships.find(PartName(PartName(source).getRelationshipPartName()));
+    return found == relationships.end() ? nullptr : &found->second;
+}
+
+bool SignatureCoverage::covers(const Relationship& relationship, const Selected* selected) const {
+    if (selected == nullptr || (originURI && leadsToCountersignature(relationship, *originURI)))
         return false;
-    const PartName source(PartName(relationship.getSourceURI()).getRelationshipPartName());
-    return relationshipIDs.count({source, relationship.getID()}) != 0 ||
-           relationshipTypes.count({source, relationship.getType()}) != 0;
+    return selected->ids.count(relationship.getID()) != 0 ||
+           selected->types.count(relationship.getType()) != 0;
 }
 
 } // namespace opc::model

@@ -32,6 +32,14 @@ std::u16string getSignatureRelationshipType() {
     return u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature";
 }
 
+std::u16string getForeignOriginRelationshipType() {
+    return u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin";
+}
+
+std::u16string getForeignSignatureRelationshipType() {
+    return u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/signature";
+}
+
 std::u16string getSignatureName(const std::u16string& signatureID) {
     return u"sig" + signatureID;
 }

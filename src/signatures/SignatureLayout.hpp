@@ -21,6 +21,12 @@ std::u16string getOriginRelationshipType();
 ContentType getSignaturePartContentType();
 std::u16string getSignatureRelationshipType();
 
+/// By these relationships the signatures of office programs are found, in a form that isn't read.
+/// @{
+std::u16string getForeignOriginRelationshipType();
+std::u16string getForeignSignatureRelationshipType();
+/// @}
+
 /// "sig" and the identifier.
 std::u16string getSignatureName(const std::u16string& signatureID);
 

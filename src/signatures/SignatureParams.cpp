@@ -4,6 +4,14 @@
 
 namespace opc::model {
 
+bool isWeak(DigestMethod digest) {
+    return digest == DigestMethod::MD5 || digest == DigestMethod::SHA1;
+}
+
+bool isWeak(SignatureMethod method) {
+    return method == SignatureMethod::RSA1024;
+}
+
 std::uint64_t signatureMethodToKeySize(SignatureMethod method) {
     switch (method) {
     case SignatureMethod::RSA1024:

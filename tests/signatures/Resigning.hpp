@@ -18,8 +18,8 @@
 namespace opc::test {
 
 /// A signature document of another form, with the digest and the signature value that its package object asks
-/// for, as the owner of the key could make them: by RSA of 1024 bits and SHA-256.
-inline std::string resigned(std::string document, const Bytes& privateKey) {
+/// for, as the owner of the key could make them: by SHA-256.
+inline std::string resigned(std::string document, const Bytes& privateKey, std::size_t bits = 1024) {
     const auto read = [&document, serializer = std::make_unique<model::DigitalSignatureSerializer>()] {
         const Bytes bytes = toBytes(document);
         ByteArrayInAdaptor stream(bytes);
@@ -38,7 +38,7 @@ inline std::string resigned(std::string document, const Bytes& privateKey) {
     if (const auto found = object.find(declaration); found != std::u16string::npos)
         object.erase(found, declaration.size());
     setText("<DigestValue>", sha256->computeDigest(model::toSignedBytes(object)));
-    setText("<SignatureValue>", model::createRsaSigner(*data.m_cryptoEngine, 1024, privateKey)
+    setText("<SignatureValue>", model::createRsaSigner(*data.m_cryptoEngine, bits, privateKey)
                                     ->sign(model::toSignedBytes(read().m_content.signedInfoXML), sha256));
     return document;
 }

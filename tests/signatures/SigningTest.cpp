@@ -90,6 +90,9 @@ TEST_F(Signing, refusesInTheOrderOfItsChecks) {
     fails("Relationship ID does not exist", [&] { sign(nothing, {byId(u"/", u"none")}); });
     fails("No relationships in the package matched the provided relationship selectors.",
           [&] { sign(one, {byType(u"/", u"urn:none")}); });
+    fails("No relationship of /a.xml has the type urn:none.", [&] {
+        sign(one, {byType(u"/", u"urn:main"), byType(u"/a.xml", u"urn:none"), byId(u"/", u"rId1")});
+    });
     fails("Invalid key was provided. 2048-bit key was expected for signing",
           [&] { manager->sign(one, {}, privateKey, publicKey, SignatureParams()); });
     fails("Invalid key was provided. 1024-bit key was expected for verification ",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <opc/interfaces/IgnoredItem.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 
 #include <string>
@@ -51,6 +52,10 @@ public:
                                       const IPhysicalPartInfo& info) = 0;
 
     virtual void deletePart(const std::u16string& name) = 0;
+
+    /// What the open package holds beside its parts and another program could take for content. No signature
+    /// covers it: who judges signatures is told of it. A store without such things leaves this as it is.
+    virtual std::vector<IgnoredItem> getIgnoredItems() { return {}; }
 };
 
 } // namespace opc::interfaces

@@ -6,11 +6,14 @@
 #include <opc/model/DigitalSignatureVerificationStatus.hpp>
 #include <opc/model/Enumerator.hpp>
 #include <opc/model/Export.hpp>
+#include <opc/model/PackageCoverage.hpp>
 #include <opc/model/Part.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/Relationship.hpp>
 #include <opc/model/RelationshipSelector.hpp>
 #include <opc/model/SignatureParams.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -79,7 +82,7 @@ public:
     /// Signs parts and relationships, writes the signature part and checks the new signature. What fails
     /// behind the writing leaves the signature in place: `removeSignature` takes it out.
     ///
-    /// A selector by type takes every relationship of that type, once for each time it is named: n
+    /// Each selector must match a relationship. One by type takes every relationship of that type, once for each time it is named: n
     /// relationships of one type and source, each with a selector of its own, count n² times. Each is held
     /// once, but digested as often as it counts: what all different selections of a package's signatures
     /// take to digest ends at 2 GiB, in signing as in verifying. The relationship from the origin part to
@@ -219,6 +222,32 @@ public:
 
     /// @}
 
+    /// @name Judging
+    /// @{
+
+    /// The verdict on which a gate can rely: whether there are signatures, all of them hold by the policy,
+    /// and nothing that the policy asks for is missing. Each part is digested once for all signatures.
+    ///
+    /// Unlike `verifySignature` it raises nothing for a signature that can't be read or checked: the answer
+    /// isn't yes then, and the reasons say why.
+    /// @throws PackageNotOpen
+    SignatureVerdict judge(const SignaturePolicy& policy);
+
+    /// The same of one signature alone, as if there were no other.
+    /// @throws PackageNotOpen
+    /// @throws InvalidSignature  with code 102
+    SignatureVerdict judge(const DigitalSignature& signature, const SignaturePolicy& policy);
+
+    /// What these signatures cover, whether they hold or not.
+    /// @throws InvalidSignature  with code 102
+    PackageCoverage computeCoverage(const std::vector<DigitalSignature>& by) const;
+
+    /// Whether the package has signatures of the form that office programs make, which aren't read here.
+    /// @throws PackageNotOpen
+    bool hasForeignSignatures() const;
+
+    /// @}
+
     /// @name Removing
     ///
     /// The last signature takes the origin part with it. Handles on a removed signature stay readable.
@@ -235,6 +264,13 @@ public:
 
     /// Does nothing if there is none.
     void removeCountersignature();
+
+    /// Removes whatever hangs on the relationships of the two types by which signatures are found, also such
+    /// as can't be read: all these relationships, from whatever source, and the parts that they lead to. A
+    /// part to which a relationship of another type leads stays: it may be the document itself. That doesn't
+    /// keep a part that has the content type of the origin or of signatures, unless the relationship belongs
+    /// to signatures of the other form.
+    void discardSignatures();
 
     /// @}
 
@@ -313,9 +349,17 @@ private:
                                                              PartDigesters& digesters) const;
     DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data,
                                                                  PartDigesters& digesters) const;
+    std::vector<const Reference*> findDifferences(const DigitalSignatureData& data,
+                                                  PartDigesters& digesters) const;
+    void judgeAll(const Signatures& signatures, const SignaturePolicy& policy,
+                  SignatureVerdict& verdict) const;
+    JudgedSignature judgeOne(const DigitalSignature& signature, const SignaturePolicy& policy,
+                             PartDigesters& digesters) const;
+    void check(const SignaturePolicy& policy, PartDigesters& digesters, JudgedSignature& judged) const;
     static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
 
     void deleteSignaturePart(const PartName& partName);
+    void discardAll();
 
     Signatures m_signatures;
     std::uint64_t m_nextSignatureID = 1;

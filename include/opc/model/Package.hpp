@@ -1,5 +1,6 @@
 #pragma once
 
+#include <opc/interfaces/IgnoredItem.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Enumerator.hpp>
@@ -125,6 +126,10 @@ public:
     /// in the wrong place. Other programs may find content types there.
     /// @throws PackageNotOpen
     bool hasUnreadContentTypes() const;
+
+    /// What the store holds beside the parts and another program could take for content.
+    /// @throws PackageNotOpen
+    std::vector<interfaces::IgnoredItem> getIgnoredItems() const;
 
     bool isOpen() const override;
     bool isReadOnly() const override;

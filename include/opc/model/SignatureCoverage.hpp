@@ -5,10 +5,10 @@
 #include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 
 namespace opc::model {
 
@@ -35,11 +35,23 @@ public:
     bool covers(const Relationship& relationship) const;
 
 private:
-    using Criteria = std::set<std::pair<PartName, std::u16string>>; ///< by relationships part
+    friend class PackageCoverage;
 
-    std::set<PartName> parts;
-    Criteria relationshipIDs;
-    Criteria relationshipTypes;
+    /// Which relationships of one source are covered.
+    struct Selected {
+        std::set<std::u16string> ids;
+        std::set<std::u16string> types;
+    };
+
+    /// Nothing is covered yet.
+    explicit SignatureCoverage(const DigitalSignatureManager& manager);
+
+    void add(const DigitalSignature& signature);
+    const Selected* findSelected(const URI& source) const;
+    bool covers(const Relationship& relationship, const Selected* selected) const;
+
+    std::map<PartName, std::set<std::u16string>> parts; ///< with the queries of their references
+    std::map<PartName, Selected> relationships;         ///< by relationships part
     std::optional<URI> originURI; ///< whose relationship to the countersignature isn't covered
 };
 

@@ -39,6 +39,13 @@ private:
     SignatureMethod signatureMethod;
 };
 
+/// Whether it has less than 112 bits of security (NIST SP 800-57 part 1), so that others may be able to forge
+/// what is signed by it: MD5 and SHA-1, and keys below 2048 bits. For old documents alone.
+/// @{
+OPC_MODEL_EXPORT bool isWeak(DigestMethod digest);
+OPC_MODEL_EXPORT bool isWeak(SignatureMethod method);
+/// @}
+
 /// @return the size of the key in bits
 /// @throws opc::Exception  for `NoKey` and for any value that has no name
 OPC_MODEL_EXPORT std::uint64_t signatureMethodToKeySize(SignatureMethod method);

@@ -191,4 +191,11 @@ void LenientPackage::deletePart(const std::u16string& name) {
     impl->package.deletePart(name);
 }
 
+std::vector<interfaces::IgnoredItem> LenientPackage::getIgnoredItems() {
+    std::vector<interfaces::IgnoredItem> items = impl->package.getIgnoredItems();
+    for (const HiddenItem& item : impl->hidden)
+        items.push_back({item.name, item.reason});
+    return items;
+}
+
 } // namespace opc::physical

@@ -5,6 +5,7 @@
 #include "StreamStore.hpp"
 #include "ZipSession.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPartInfo.hpp>
 
 #include <cerrno>
@@ -89,6 +90,14 @@ void ZipPackage::deletePart(const std::u16string& name) {
 
 const std::vector<ZipPackage::IgnoredItem>& ZipPackage::ignoredItems() const {
     return impl->opened().ignoredItems();
+}
+
+std::vector<interfaces::IgnoredItem> ZipPackage::getIgnoredItems() {
+    std::vector<interfaces::IgnoredItem> items;
+    for (const IgnoredItem& item : ignoredItems())
+        if (item.isItem && (item.name.empty() || (item.name.back() != '/' && item.name.back() != '\\')))
+            items.push_back({toString(item.name, true), item.reason});
+    return items;
 }
 
 const ZipPackage::Bytes& ZipPackage::bytes() const {

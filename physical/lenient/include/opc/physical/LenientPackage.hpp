@@ -60,6 +60,9 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
+    /// Those of the other package, and what is hidden.
+    std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
+
 private:
     class Impl;
     std::unique_ptr<Impl> impl;

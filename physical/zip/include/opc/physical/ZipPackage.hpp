@@ -89,6 +89,9 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
+    /// Those of `ignoredItems` that are items, but for folders: nothing is read from these.
+    std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
+
     /// What the archive of the open package holds beside parts and the content types stream: items first, then other
     /// bytes. All of it stays through a save, but for bytes that belong to no item, and for extra fields and comments
     /// of parts that are written again.

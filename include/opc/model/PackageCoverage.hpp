@@ -1,0 +1,87 @@
+#pragma once
+
+#include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/model/Export.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/Relationship.hpp>
+#include <opc/model/SignatureCoverage.hpp>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace opc::model {
+
+class DigitalSignature;
+class DigitalSignatureManager;
+class Package;
+class Part;
+class RelationshipSource;
+
+/// A part whose content type isn't the one that its signature names.
+struct ChangedContentType {
+    PartName part;
+    std::u16string now;
+    std::u16string whenSigned; ///< empty if the signature names none
+};
+
+/// What some signatures cover of a package, taken together, and above all what they don't. A value, which
+/// doesn't follow later changes of the package.
+///
+/// As with `SignatureCoverage`, whether the signatures hold isn't asked here. What belongs to the signatures
+/// themselves doesn't count: the origin part if it is empty, the signature parts, and the relationships that
+/// lead to them.
+class OPC_MODEL_EXPORT PackageCoverage {
+public:
+    /// How many parts and relationships the package has, but for those of the signatures.
+    /// @{
+    std::size_t countParts() const { return partCount; }
+    std::size_t countRelationships() const { return relationshipCount; }
+    /// @}
+
+    /// What none of the signatures covers, in the order of the package.
+    /// @{
+    const std::vector<PartName>& getUncoveredParts() const { return uncoveredParts; }
+    const std::vector<Relationship>& getUncoveredRelationships() const { return uncoveredRelationships; }
+    /// @}
+
+    /// The covered parts whose content type differs from one that a signature names for them.
+    const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
+
+    /// What the store holds beside the parts: the model ignores it, another program may not.
+    const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
+
+    /// How many bytes of the covered core properties part lie outside every signature, since they are
+    /// keywords, and where they begin.
+    /// @{
+    std::size_t getKeywordsSize() const { return keywordsSize; }
+    std::size_t getKeywordsBegin() const { return keywordsBegin; }
+    /// @}
+
+    /// Whether nothing is uncovered, changed in content type or ignored.
+    bool isFull() const;
+
+private:
+    friend class DigitalSignatureManager;
+    friend class SignatureVerdict;
+
+    PackageCoverage() = default;
+    PackageCoverage(const DigitalSignatureManager& manager, const Package& package,
+                    const std::vector<DigitalSignature>& signatures);
+
+    void addPart(const Part& part, const SignatureCoverage& coverage);
+    void addRelationships(const RelationshipSource& source, const URI& uri, const SignatureCoverage& coverage,
+                          const std::u16string& typeOfSignatures);
+    void findKeywordsIn(const Part& part);
+
+    std::size_t partCount = 0;
+    std::size_t relationshipCount = 0;
+    std::vector<PartName> uncoveredParts;
+    std::vector<Relationship> uncoveredRelationships;
+    std::vector<ChangedContentType> changedContentTypes;
+    std::vector<interfaces::IgnoredItem> ignoredItems;
+    std::size_t keywordsBegin = 0;
+    std::size_t keywordsSize = 0;
+};
+
+} // namespace opc::model

@@ -1,0 +1,134 @@
+#include <opc/model/PackageCoverage.hpp>
+
+#include "package/StreamRewinder.hpp"
+#include "signatures/KeywordsRange.hpp"
+#include "signatures/SignatureLayout.hpp"
+#include "signatures/SignatureVocabulary.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/core/InputStream.hpp>
+#include <opc/model/DigitalSignature.hpp>
+#include <opc/model/DigitalSignatureManager.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <array>
+#include <set>
+#include <string_view>
+
+namespace opc::model {
+
+namespace {
+
+/// The content type in the query of a reference; empty if there is none.
+std::u16string_view contentTypeIn(std::u16string_view query) {
+    std::u16string_view start(vocabulary::CONTENT_TYPE_QUERY);
+    start.remove_prefix(1); // the question mark
+    return query.substr(0, start.size()) == start ? query.substr(start.size()) : std::u16string_view();
+}
+
+bool isContentType(const ContentType& type, const std::u16string& text) {
+    try {
+        return type == ContentType(text);
+    } catch (const Exception&) { // it names none
+        return false;
+    }
+}
+
+std::string readAll(const Part& part) {
+    InputStream& stream = part.getInputStream();
+    const StreamRewinder rewinder(stream);
+    std::string content;
+    std::array<unsigned char, 16384> block{};
+    while (!stream.isDone()) {
+        const std::uint64_t count = stream.read(block.data(), block.size());
+        content.append(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    return content;
+}
+
+/// The parts that make up the signatures of a package: the origin part, and those that it leads to.
+struct SignatureParts {
+    explicit SignatureParts(const Package& package) {
+        for (const Relationship& origin : package.getRelationshipsByType(getOriginRelationshipType())) {
+            const Part part = package.getPart(PartName(origin.getTargetURI()));
+            origins.insert(part.getName());
+            for (const Relationship& signature : part.getRelationshipsByType(getSignatureRelationshipType()))
+                signatures.insert(PartName(signature.getTargetURI()));
+        }
+    }
+
+    bool contain(const Part& part) const {
+        return signatures.count(part.getName()) != 0 || (isOrigin(part.getName()) && readAll(part).empty());
+    }
+    bool isOrigin(const PartName& name) const { return origins.count(name) != 0; }
+
+    std::set<PartName> origins;
+    std::set<PartName> signatures;
+};
+
+} // namespace
+
+PackageCoverage::PackageCoverage(const DigitalSignatureManager& manager, const Package& package,
+                                 const std::vector<DigitalSignature>& signatures)
+    : ignoredItems(package.getIgnoredItems()) {
+    SignatureCoverage coverage(manager);
+    for (const DigitalSignature& signature : signatures)
+        coverage.add(signature);
+    const SignatureParts own(package);
+    addRelationships(package, PackageHelper::getPackageRootURI(), coverage, getOriginRelationshipType());
+    for (const Part& part : package.getParts()) {
+        if (!own.contain(part))
+            addPart(part, coverage);
+        addRelationships(part, part.getName().getURI(), coverage,
+                         own.isOrigin(part.getName()) ? getSignatureRelationshipType() : std::u16string());
+    }
+}
+
+void PackageCoverage::addPart(const Part& part, const SignatureCoverage& coverage) {
+    ++partCount;
+    const PartName name = part.getName();
+    const auto covered = coverage.parts.find(name);
+    if (covered == coverage.parts.end()) {
+        uncoveredParts.push_back(name);
+        return;
+    }
+    const ContentType type = part.getContentType();
+    for (const std::u16string& query : covered->second) {
+        const std::u16string whenSigned(contentTypeIn(query));
+        if (!isContentType(type, whenSigned))
+            changedContentTypes.push_back({name, type.toString(), whenSigned});
+    }
+    if (name.getURI() == PackageHelper::getCorePropertiesURI())
+        findKeywordsIn(part);
+}
+
+void PackageCoverage::findKeywordsIn(const Part& part) {
+    const KeywordsRange keywords = findKeywords(readAll(part));
+    keywordsBegin = keywords.begin;
+    keywordsSize = keywords.size;
+}
+
+/// @param typeOfSignatures  the type by which the source leads to signatures; empty if it leads to none
+void PackageCoverage::addRelationships(const RelationshipSource& source, const URI& uri,
+                                       const SignatureCoverage& coverage,
+                                       const std::u16string& typeOfSignatures) {
+    const auto relationships = source.getRelationships();
+    if (relationships.empty())
+        return;
+    const auto* const selected = coverage.findSelected(uri);
+    for (const Relationship& relationship : relationships) {
+        if (relationship.getType() == typeOfSignatures)
+            continue;
+        ++relationshipCount;
+        if (!coverage.covers(relationship, selected))
+            uncoveredRelationships.push_back(relationship);
+    }
+}
+
+bool PackageCoverage::isFull() const {
+    return uncoveredParts.empty() && uncoveredRelationships.empty() && changedContentTypes.empty() &&
+           ignoredItems.empty() && keywordsSize == 0;
+}
+
+} // namespace opc::model

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <bedrock/certificates/X509Certificate.hpp>
+#include <opc/model/DigitalSignatureVerificationStatus.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
+
+#include <string>
+#include <vector>
+
+namespace opc::model {
+
+class DigitalSignatureData;
+
+/// What came of checking a signature value by a policy.
+struct SignerFinding {
+    explicit SignerFinding(DigitalSignatureVerificationStatus valueStatus) : status(std::move(valueStatus)) {}
+
+    DigitalSignatureVerificationStatus status;
+    std::string reason; ///< why the signer isn't accepted, as the certificate services say it
+    SignerEvidence evidence = SignerEvidence::None;
+    bedrock::certificates::X509Certificate certificate; ///< empty unless it was checked and accepted
+    bool restsOnClaimedTime = false;
+    std::vector<std::string> weaknesses; ///< of certificates and revocation lists
+};
+
+/// Checks signature values, and by whom they are, as a policy says. The policy must outlive it.
+class SignerCheck {
+public:
+    explicit SignerCheck(const SignaturePolicy& signerPolicy) : policy(signerPolicy) {}
+
+    /// @throws InvalidSignature  as the operations of `DigitalSignatureData` that check the value
+    SignerFinding check(const DigitalSignatureData& data) const;
+
+private:
+    using Options = bedrock::certificates::CertificateValidationOptions;
+
+    DigitalSignatureVerificationStatus verify(const DigitalSignatureData& data, const Options& options) const;
+    Options makeOptions() const;
+    bool isKnown(const bedrock::certificates::X509Certificate& certificate) const;
+
+    const SignaturePolicy& policy;
+};
+
+/// The weak algorithms of the signature itself, each with its place: of the value and of every digest.
+/// @throws opc::Exception  if a digest isn't known
+std::vector<std::string> findWeaknesses(const DigitalSignatureData& data);
+
+} // namespace opc::model

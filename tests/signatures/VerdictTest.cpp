@@ -1,0 +1,281 @@
+#include "Resigning.hpp"
+#include "SignedPackage.hpp"
+
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
+
+namespace {
+
+using namespace opc::model;
+using namespace opc::test;
+using bedrock::certificates::CertificateValidationOptions;
+using bedrock::certificates::TrustStore;
+using bedrock::certificates::X509CertificateChain;
+using bedrock::codesigning_verifier::FingerprintStore;
+using Answer = SignatureVerdict::Answer;
+using Kind = VerdictReason::Kind;
+
+/// Keys of the fixture are of 1024 bits, which the policies accept here unless that is what is tested.
+class Verdict : public SignedPackage {
+protected:
+    static constexpr char ORIGIN_TEXT[] = "/_xmlsignatures/origin.sigs";
+
+    SignaturePolicy byKey() const { return SignaturePolicy::byPublicKey(publicKey).acceptWeak(); }
+
+    /// The only reason of the verdict, which isn't yes, is of that kind, and its text holds these.
+    void expectReason(const SignatureVerdict& verdict, Kind kind, const std::vector<std::string>& texts) {
+        EXPECT_FALSE(verdict.isYes());
+        ASSERT_EQ(verdict.getReasons().size(), 1U);
+        const VerdictReason& reason = verdict.getReasons().front();
+        EXPECT_EQ(reason.kind, kind) << reason.text;
+        EXPECT_EQ(verdict.getAnswer(), reason.leavesOpen() ? Answer::CannotTell : Answer::No);
+        for (const std::string& text : texts)
+            EXPECT_NE(reason.text.find(text), std::string::npos) << text << " in: " << reason.text;
+    }
+
+    DigitalSignature signWith(const Identity& signer, const TrustStore& trusted,
+                              const CertificateValidationOptions& options = {}) {
+        return manager->sign({PartName(u"/a.xml")}, {}, signer.getPrivateKey(), signer.certificate, {},
+                             options, SignatureParams(), trusted);
+    }
+};
+
+TEST_F(Verdict, isYesOnlyIfThereAreSignaturesAndAllHold) {
+    expectReason(manager->judge(byKey()), Kind::NoSignatures, {});
+    signAll();
+    EXPECT_TRUE(manager->judge(byKey()).isYes());
+    manager->sign({PartName(u"/a.xml")}, {}, keysOf(2048).getPrivateKey(), SignatureParams());
+    const SignatureVerdict both = manager->judge(byKey());
+    ASSERT_EQ(both.getSignatures().size(), 2U);
+    EXPECT_TRUE(both.getSignatures()[0].holds);
+    EXPECT_EQ(both.getAnswer(), Answer::CannotTell) << "the key doesn't fit the second one";
+    EXPECT_TRUE(manager->judge(manager->getSignature(u"sig1"), byKey()).isYes());
+    package->close(true);
+    EXPECT_RAISES(PackageNotOpen, "Package is not open", manager->judge(byKey()));
+}
+
+TEST_F(Verdict, namesWhatIsDamagedAndWhereThatIs) {
+    sign({PartName(u"/a.xml"), PartName(u"/b.xml")}, {byType(u"/", u"urn:main"), byId(u"/a.xml", u"rId1")});
+    close(false);
+    struct Case {
+        const char16_t* part;
+        std::string what; // empty: the part goes
+        std::string with;
+        Kind kind;
+        std::vector<std::string> texts;
+    };
+    const Case cases[] = {
+        {u"/a.xml", "content", "x", Kind::DoesNotHold, {"sig1", "content", "/a.xml"}},
+        {u"/_rels/a.xml.rels", "b.xml", "c.xml", Kind::DoesNotHold, {"relationship", "/_rels/a.xml.rels"}},
+        {SIGNATURE,
+         "/a.xml?ContentType=application/xml",
+         "/a.xml?ContentType=text/xml",
+         Kind::DoesNotHold,
+         {"idPackageObject"}},
+        {SIGNATURE,
+         "<SignatureValue>",
+         "<SignatureValue>AAAA",
+         Kind::DoesNotHold,
+         {"signature value is wrong"}},
+        {u"/b.xml", "", "", Kind::Unreadable, {"/b.xml"}},
+        {u"/_rels/a.xml.rels", "rId1", "rId9", Kind::Unreadable, {"rId1", "/a.xml"}},
+    };
+    for (const Case& change : cases) {
+        const std::string before = text(change.part);
+        if (change.what.empty())
+            store.removePart(change.part);
+        else
+            store.setPart(change.part, toBytes(replaced(before, change.what, change.with)));
+        open();
+        expectReason(manager->judge(byKey()), change.kind, change.texts);
+        close(true);
+        store.setPart(change.part, toBytes(before));
+    }
+    open();
+    signPart(u"/a.xml");
+    package->deletePart(PartName(u"/a.xml"));
+    expectReason(manager->judge(manager->getSignature(u"sig2"), byKey()), Kind::NotChecked,
+                 {"sig2", "/a.xml"});
+}
+
+TEST_F(Verdict, fullCoverageIsAskedForOnlyOnDemand) {
+    const auto create = [this](const char16_t* name, const char16_t* type) {
+        package->createPart(PartName(name), ContentType(type), StandardPartInfo());
+    };
+    const std::tuple<std::function<void()>, Kind, std::string> cases[] = {
+        {[&] { create(u"/c.xml", u"application/xml"); }, Kind::NotCovered, "/c.xml"},
+        {[&] { package->createExternalRelationship(u"urn:new", u"x", u"new"); }, Kind::NotCovered,
+         "relationship new of /"},
+        {[&] { part(u"/b.xml").createExternalRelationship(u"urn:next", u"x", u"new"); }, Kind::NotCovered,
+         "relationship new of /b.xml"},
+        {[&] {
+             package->deletePart(PartName(u"/b.xml"));
+             create(u"/b.xml", u"text/xml;charset=utf-8");
+         },
+         Kind::ContentTypeChanged,
+         "/b.xml has the content type text/xml;charset=utf-8 and was signed as application/xml"},
+        {[&] { writeAll(part(ORIGIN), "x"); }, Kind::NotCovered, ORIGIN_TEXT},
+    };
+    close(true);
+    store.removePart(CORE_PROPERTIES);
+    for (const auto& [change, kind, text] : cases) {
+        open();
+        signAll();
+        EXPECT_TRUE(manager->judge(byKey().requireFull()).isYes()) << text;
+        change();
+        EXPECT_TRUE(manager->judge(byKey()).isYes()) << text;
+        EXPECT_FALSE(manager->judge(byKey()).getCoverage().isFull()) << text;
+        expectReason(manager->judge(byKey().requireFull()), kind, {text});
+        close(true);
+    }
+}
+
+TEST_F(Verdict, coverageCountsWhatSignaturesThatHoldCoverTogether) {
+    signPart(u"/a.xml");
+    sign({PartName(u"/b.xml")}, {byType(u"/", u"urn:main")});
+    const PackageCoverage both = manager->judge(byKey()).getCoverage();
+    EXPECT_EQ(both.countParts(), 3U) << "but for those of the signatures";
+    EXPECT_EQ(both.countRelationships(), 3U);
+    EXPECT_EQ(both.getUncoveredParts(), std::vector<PartName>{PartName(CORE_PROPERTIES)});
+    EXPECT_EQ(both.getUncoveredRelationships().size(), 2U);
+    EXPECT_EQ(both.getKeywordsSize(), 0U) << "they aren't the exception where nothing is covered";
+    writeAll(part(u"/b.xml"), "changed");
+    EXPECT_EQ(manager->judge(byKey()).getCoverage().getUncoveredParts().size(), 2U);
+    const auto signatures = manager->getSignatures();
+    EXPECT_EQ(manager->computeCoverage({signatures.begin(), signatures.end()}).getUncoveredParts().size(),
+              1U);
+
+    signPart(CORE_PROPERTIES);
+    const SignatureVerdict verdict = manager->judge(manager->getSignature(u"sig3"), byKey().requireFull());
+    EXPECT_EQ(verdict.getCoverage().getKeywordsBegin(), std::string("<coreProperties>").size());
+    EXPECT_EQ(verdict.getCoverage().getKeywordsSize(), std::string("<cp:keywords>old</cp:keywords>").size());
+    EXPECT_NE(verdict.getReasons().back().text.find("keywords"), std::string::npos);
+}
+
+TEST_F(Verdict, signaturesOfAnotherFormCanNotBeChecked) {
+    package->createInternalRelationship(
+        u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin",
+        URI(u"/b.xml"));
+    expectReason(manager->judge(byKey()), Kind::ForeignForm, {});
+    signAll();
+    expectReason(manager->judge(byKey()), Kind::ForeignForm, {});
+}
+
+TEST_F(Verdict, weakAlgorithmsOfValueAndAnyDigestCountUnlessAccepted) {
+    const auto& strong = keysOf(2048);
+    const auto signStrong = [&](DigestMethod digest) {
+        manager->sign({PartName(u"/a.xml")}, {}, strong.getPrivateKey(),
+                      SignatureParams(digest, SignatureMethod::RSA2048));
+    };
+    const auto weakenReference = [&] {
+        signStrong(DigestMethod::SHA256);
+        close(false);
+        const std::string reference = piece(text(), "<Reference URI=\"/a.xml", "</Reference>");
+        const std::string md5 =
+            replaced(replaced(reference, "http://www.w3.org/2001/04/xmlenc#sha256",
+                              "http://www.w3.org/2001/04/xmldsig-more#md5"),
+                     piece(reference, "<DigestValue>", "</"), "<DigestValue>0ot0T5DbUjSnSQZZ+4h+4g==");
+        openWith(resigned(replaced(text(), reference, md5), strong.getPrivateKey(), 2048));
+    };
+    const std::tuple<std::function<void()>, Bytes, std::vector<std::string>> cases[] = {
+        {[&] { signPart(u"/a.xml"); }, publicKey, {"RSA key of 1024 bits"}},
+        {[&] { signStrong(DigestMethod::MD5); },
+         strong.getPublicKey(),
+         {"MD5 digest of #idPackageObject, /a.xml, the signature value"}},
+        {[&] { signStrong(DigestMethod::SHA1); }, strong.getPublicKey(), {"SHA-1 digest of"}},
+        {weakenReference, strong.getPublicKey(), {"MD5 digest of /a.xml"}},
+    };
+    for (const auto& [make, key, texts] : cases) {
+        make();
+        expectReason(manager->judge(SignaturePolicy::byPublicKey(key)), Kind::WeakAlgorithm, texts);
+        const SignatureVerdict accepted = manager->judge(SignaturePolicy::byPublicKey(key).acceptWeak());
+        EXPECT_TRUE(accepted.isYes()) << texts[0];
+        EXPECT_EQ(accepted.getSignatures().front().weaknesses.size(), 1U) << texts[0];
+        manager->removeAllSignatures();
+    }
+    signStrong(DigestMethod::SHA224);
+    EXPECT_TRUE(manager->judge(SignaturePolicy::byPublicKey(strong.getPublicKey())).isYes());
+}
+
+TEST_F(Verdict, weakCertificatesCountUnlessAccepted) {
+    TrustStore trusted;
+    const Identity root = makeIssuer("Root");
+    trusted.addCertificate(root.certificate);
+    CertificateValidationOptions lax;
+    lax.setAcceptingWeakDigests(true);
+    signWith(makeSigner(&root, [](CertificateRecipe& recipe) { recipe.digest = EVP_sha1(); }), trusted, lax);
+    expectReason(manager->judge(SignaturePolicy::byTrust(trusted, lax)), Kind::WeakAlgorithm, {"CN=Signer"});
+    const SignatureVerdict accepted = manager->judge(SignaturePolicy::byTrust(trusted).acceptWeak());
+    EXPECT_TRUE(accepted.isYes());
+    EXPECT_EQ(accepted.getSignatures().front().weaknesses.size(), 1U);
+}
+
+TEST_F(Verdict, theSignerIsNamedOnlyIfThatWasChecked) {
+    TrustStore trusted;
+    TrustStore other;
+    const Identity root = makeIssuer("Root");
+    const Identity signer = makeSigner(&root);
+    trusted.addCertificate(root.certificate);
+    other.addCertificate(makeIssuer("Other").certificate);
+    FingerprintStore known;
+    FingerprintStore unknown;
+    known.addFingerprint(signer.certificate.getSHA256Fingerprint());
+    unknown.addFingerprint(std::string(64, 'a'));
+    unknown.setSkippingVerification(true);
+    signWith(signer, trusted);
+    const bedrock::crypto::CryptoEngine engine(std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
+    const Bytes key = encodeRsaPublicKey(engine, 2048, signer.certificate.getModulus(),
+                                         signer.certificate.getPublicExponent());
+    const std::tuple<SignaturePolicy, bool, SignerEvidence, std::string> cases[] = {
+        {SignaturePolicy::byTrust(trusted), true, SignerEvidence::Certificate, "CN=Signer"},
+        {SignaturePolicy::byTrust(other, {}, known), true, SignerEvidence::Fingerprint, "CN=Signer"},
+        {SignaturePolicy::byFingerprints(known), true, SignerEvidence::Fingerprint, "CN=Signer"},
+        {SignaturePolicy::byPublicKey(key), true, SignerEvidence::PublicKey, ""},
+        {SignaturePolicy::byTrust(other), false, SignerEvidence::None, ""},
+        {SignaturePolicy::byFingerprints(unknown), false, SignerEvidence::None, ""},
+    };
+    const auto subjectOf = [](const JudgedSignature& judged) {
+        return judged.signer.empty() ? std::string() : judged.signer.getSubject();
+    };
+    for (const auto& [policy, isYes, evidence, subject] : cases) {
+        SCOPED_TRACE(&policy - &std::get<0>(cases[0]));
+        const SignatureVerdict verdict = manager->judge(policy);
+        EXPECT_EQ(verdict.isYes(), isYes);
+        EXPECT_EQ(verdict.getSignatures().front().evidence, evidence);
+        EXPECT_EQ(subjectOf(verdict.getSignatures().front()), subject);
+    }
+    expectReason(manager->judge(SignaturePolicy::byTrust(other)), Kind::SignerNotAccepted, {"isn't trusted"});
+
+    manager->removeAllSignatures();
+    signPart(u"/a.xml");
+    expectReason(manager->judge(SignaturePolicy::byTrust(trusted, {}, unknown)), Kind::SignerNotAccepted,
+                 {"no certificate"});
+}
+
+TEST_F(Verdict, tellsWhetherAYesRestsOnTheClaimedTime) {
+    TrustStore trusted;
+    const Identity root = makeIssuer("Root");
+    trusted.addCertificate(root.certificate);
+    const Identity signer =
+        makeSigner(&root, [](CertificateRecipe& recipe) { recipe.notAfter = "20110101000000Z"; });
+    CertificateValidationOptions then;
+    then.setCheckTime(std::chrono::system_clock::from_time_t(1280000000)); // in 2010
+    manager->sign({PartName(u"/a.xml")}, {}, signer.getPrivateKey(), signer.certificate, {}, then,
+                  SignatureParams(DigestMethod::SHA256), trusted);
+    const auto policy = SignaturePolicy::byTrust(trusted);
+    expectReason(manager->judge(policy), Kind::SignerNotAccepted, {"expired"});
+    EXPECT_FALSE(
+        manager->judge(SignaturePolicy::byTrust(trusted, then)).getSignatures()[0].restsOnClaimedTime);
+    close(false);
+    const std::string old =
+        replaced(text(), piece(text(), "<pds:Value>", "</"), "<pds:Value>2010-07-25T00:00:00Z");
+    openWith(resigned(old, signer.getPrivateKey(), 2048));
+    EXPECT_TRUE(manager->judge(policy).isYes());
+    EXPECT_TRUE(manager->judge(policy).getSignatures()[0].restsOnClaimedTime);
+    openWith(old);
+    EXPECT_TRUE(manager->judge(policy).getSignatures()[0].claimedTime.is_special())
+        << "anybody could write it";
+}
+
+} // namespace
