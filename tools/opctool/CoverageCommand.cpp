@@ -1,9 +1,11 @@
 #include "Commands.hpp"
+#include "CoverageText.hpp"
 #include "SignedPackage.hpp"
 #include "Table.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
+#include <opc/model/PackageCoverage.hpp>
 #include <opc/model/PackageHelper.hpp>
 #include <opc/model/SignatureCoverage.hpp>
 
@@ -12,6 +14,7 @@
 
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -24,6 +27,7 @@ namespace {
 using nlohmann::ordered_json;
 using opc::toUDEString;
 using opc::model::DigitalSignature;
+using opc::model::PackageCoverage;
 using opc::model::Part;
 using opc::model::PartName;
 using opc::model::Relationship;
@@ -31,7 +35,8 @@ using opc::model::RelationshipSource;
 using opc::model::SignatureCoverage;
 
 constexpr const char* LIMITS =
-    "No signature protects content types, nor which of the covered sources a relationship belongs to.\n"
+    "No signature protects content types, but it names them, so that a change is seen; nor which of the\n"
+    "covered sources a relationship belongs to.\n"
     "What belongs to the signatures themselves, a countersignature alone covers.\n"
     "A countersignature covers the content through the signatures that it covers.\n"
     "Whether the signatures hold, opctool verify says.\n";
@@ -42,7 +47,9 @@ public:
     explicit Report(SignedPackage& package)
         : managedNames(toSet(package.signatures().getManagedPartNames())),
           managedTypes(toSet(package.signatures().getManagedRelationshipTypes())) {
-        for (const DigitalSignature& signature : package.signatures().getSignatures())
+        const auto signatures = package.signatures().getSignatures();
+        together = package.signatures().computeCoverage({signatures.begin(), signatures.end()});
+        for (const DigitalSignature& signature : signatures)
             coverages.emplace_back(toUDEString(signature.getName()),
                                    SignatureCoverage(package.signatures(), signature));
         addRelationships(*package);
@@ -56,14 +63,16 @@ public:
         ordered_json names = ordered_json::array();
         for (const auto& coverage : coverages)
             names.push_back(coverage.first);
-        return {{"signatures", names},
-                {"parts", parts},
-                {"relationships", relationships},
-                {"uncovered",
-                 {{"parts", uncoveredParts},
-                  {"relationships", uncoveredRelationships},
-                  {"contentTypes", "all"}}}};
+        return {
+            {"signatures", names},
+            {"parts", parts},
+            {"relationships", relationships},
+            {"uncovered",
+             {{"parts", uncoveredParts}, {"relationships", uncoveredRelationships}, {"contentTypes", "all"}}},
+            {"content", opctool::toJSON(*together)}};
     }
+
+    std::string summary() const { return summarize(*together); }
 
 private:
     static std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
@@ -111,6 +120,7 @@ private:
 
     std::set<std::string> managedNames;
     std::set<std::string> managedTypes;
+    std::optional<PackageCoverage> together; ///< of all signatures
     std::vector<std::pair<std::string, SignatureCoverage>> coverages;
     ordered_json parts = ordered_json::array();
     ordered_json relationships = ordered_json::array();
@@ -130,7 +140,7 @@ std::string describe(const ordered_json& row) {
     return text + (row["ofSignatures"].get<bool>() ? " (belongs to the signatures)" : "");
 }
 
-void print(const ordered_json& report) {
+void print(const ordered_json& report, const std::string& summary) {
     Table parts({{"PART"}, {"SIGNATURES"}});
     for (const auto& row : report["parts"])
         parts.addRow({row["name"], describe(row)});
@@ -140,11 +150,7 @@ void print(const ordered_json& report) {
     for (const auto& row : report["relationships"])
         relationships.addRow({row["source"], row["id"], describe(row), row["type"]});
     relationships.print(std::cout, outputIsTerminal());
-    const ordered_json& uncovered = report["uncovered"];
-    std::cout << "\nNot covered: " << uncovered["parts"].size() << " of " << report["parts"].size()
-              << " parts, " << uncovered["relationships"].size() << " of " << report["relationships"].size()
-              << " relationships, all content types\n"
-              << LIMITS;
+    std::cout << '\n' << summary << LIMITS;
 }
 
 } // namespace
@@ -163,11 +169,11 @@ void addCoverageCommand(CLI::App& app) {
     command->add_flag("--json", arguments->json, "Print a JSON object");
     command->callback([arguments] {
         SignedPackage package(arguments->package, opc::interfaces::OpenMode::ReadOnly);
-        const ordered_json report = Report(package).toJSON();
+        const Report report(package);
         if (arguments->json)
-            std::cout << escapedJSON(report.dump(2)) << '\n';
+            std::cout << escapedJSON(report.toJSON().dump(2)) << '\n';
         else
-            print(report);
+            print(report.toJSON(), report.summary());
     });
 }
 

@@ -1,8 +1,11 @@
 #include "Commands.hpp"
 #include "KeyFiles.hpp"
 
+#include <opc/model/SignatureParams.hpp>
+
 #include <CLI/CLI.hpp>
 
+#include <iostream>
 #include <memory>
 #include <string>
 
@@ -24,6 +27,9 @@ void addKeyCommand(CLI::App& app) {
     command->add_flag("--force", arguments->force, "Replace files that exist");
     command->callback([arguments] {
         writeKeyPair(bedrock::crypto::generateRsaKeyPair(arguments->bits), arguments->base, arguments->force);
+        if (opc::model::isWeak(opc::model::keySizeToSignatureMethod(arguments->bits)))
+            std::cerr << "opctool: warning: a key of " << arguments->bits
+                      << " bits is weak: sign and verify take it with --accept-weak alone\n";
     });
 }
 

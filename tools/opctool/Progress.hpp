@@ -50,6 +50,7 @@ public:
     opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                                const opc::interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override { package.deletePart(name); }
+    std::vector<opc::interfaces::IgnoredItem> getIgnoredItems() override { return package.getIgnoredItems(); }
 
 private:
     class WatchedPart;

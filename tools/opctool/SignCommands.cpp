@@ -6,8 +6,6 @@
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/PackageHelper.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -27,7 +25,6 @@ using opc::model::DigitalSignature;
 using opc::model::DigitalSignatureManager;
 using opc::model::ExcludeMode;
 using opc::model::Package;
-using opc::model::PackageHelper;
 using opc::model::Part;
 using opc::model::PartName;
 using opc::model::Relationship;
@@ -35,11 +32,6 @@ using opc::model::RelationshipSelector;
 using opc::model::RelationshipSelectorType;
 using opc::model::RelationshipSource;
 using opc::model::URI;
-
-constexpr const char16_t* ORIGIN =
-    u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin";
-constexpr const char16_t* SIGNATURE =
-    u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature";
 
 /// What is to be signed.
 struct Selection {
@@ -128,9 +120,14 @@ void sign(const SignArguments& arguments) {
         return signatures.sign(selection.parts, selection.selectors, signer...);
     });
     const bool breaksCountersignature = signatures.isPackageCountersigned();
+    const bool carriesForeign = signatures.hasForeignSignatures();
     package.save();
     if (breaksCountersignature)
         std::cerr << "opctool: warning: the countersignature doesn't hold any longer\n";
+    if (carriesForeign)
+        std::cerr
+            << "opctool: warning: the package carries signatures in another form, which aren't read: they "
+               "may not hold any longer\n";
     print(signature);
 }
 
@@ -150,28 +147,11 @@ struct UnsignArguments {
     bool countersignature = false;
 };
 
-/// Goes by the relationships alone: signatures can't be read, for instance, when a part that they sign has gone.
-void removeUnread(Package& package) {
-    for (const Relationship& relationship : package.getRelationshipsByType(ORIGIN)) {
-        Part origin = package.getPart(PartName(relationship.getTargetURI()));
-        PackageHelper::deleteRelationshipsAndTargets(package, origin, SIGNATURE);
-    }
-    PackageHelper::deleteRelationshipsAndTargets(package, ORIGIN);
-}
-
-void removeAll(SignedPackage& package) {
-    try {
-        package.signatures().removeAllSignatures();
-    } catch (const opc::model::InvalidSignature&) { // nothing has been removed
-        removeUnread(*package);
-    }
-}
-
 void unsign(const UnsignArguments& arguments) {
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
     if (arguments.all) {
-        removeAll(package);
+        signatures.discardSignatures();
     } else if (arguments.countersignature) {
         signatures.removeCountersignature();
     } else {

@@ -3,6 +3,8 @@
 #include "KeyFiles.hpp"
 #include "Password.hpp"
 
+#include <opc/core/Exception.hpp>
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -32,11 +34,20 @@ std::vector<std::string> digestNames() {
     return names;
 }
 
+/// @throws opc::Exception  if they are weak and that isn't accepted
 SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySize) {
     const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS), [&](const Digest& entry) {
         return entry.name == arguments.digest;
     });
-    return SignatureParams(digest->method, opc::model::keySizeToSignatureMethod(keySize));
+    const SignatureParams params(digest->method, opc::model::keySizeToSignatureMethod(keySize));
+    const auto refuse = [](const std::string& what) {
+        throw opc::Exception(what + " is too weak to sign with; --accept-weak does it all the same");
+    };
+    if (!arguments.trust.acceptWeak && isWeak(params.getSignatureMethod()))
+        refuse("An RSA key of " + std::to_string(keySize) + " bits");
+    if (!arguments.trust.acceptWeak && isWeak(params.getDigestMethod()))
+        refuse("The digest " + arguments.digest);
+    return params;
 }
 
 } // namespace

@@ -20,7 +20,7 @@ struct Trust {
     bool acceptWeak = false;
 };
 
-/// @return the options that fill `trust`
+/// @return the options that are about certificates alone
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust);
 
 /// Empty if no file was given, which stands for the system's certificates.

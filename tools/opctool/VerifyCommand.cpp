@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "CoverageText.hpp"
 #include "KeyFiles.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
@@ -9,19 +10,18 @@
 #include "Trust.hpp"
 
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
-#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <exception>
 #include <iostream>
-#include <iterator>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -32,44 +32,13 @@ namespace {
 using bedrock::codesigning_verifier::FingerprintStore;
 using nlohmann::ordered_json;
 using opc::toUDEString;
-using opc::model::DigitalSignature;
-using opc::model::DigitalSignatureManager;
+using opc::model::JudgedSignature;
+using opc::model::PackageCoverage;
 using opc::model::SignatureMethod;
-
-/// The type of the relationship by which office programs' signatures are found, in a form that isn't read.
-constexpr const char16_t* FOREIGN_ORIGIN =
-    u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin";
-
-constexpr int HOLDS = 0;
-constexpr int NOT_TRUSTED = 5;
-
-/// The codes of a verification in words; docs/errors.md says more of each.
-std::string inWords(int code) {
-    struct Meaning {
-        int code;
-        const char* words;
-    };
-    static constexpr Meaning MEANINGS[] = {
-        {HOLDS, "holds"},
-        {1, "signature value is wrong"},
-        {2, "signature value is wrong"},
-        {3, "certificate has expired"},
-        {4, "certificate isn't valid yet"},
-        {NOT_TRUSTED, "signer isn't trusted"},
-        {6, "signer isn't trusted"},
-        {7, "certificate isn't for signing"},
-        {8, "certificate chain is wrong"},
-        {9, "signer is unknown: no certificate"},
-        {10, "certificate is revoked"},
-        {11, "certificate is too weak"},
-        {16, "certificate is forged"},
-        {19, "no revocation list covers the certificate"},
-        {101, "content changed"},
-    };
-    const auto* const found = std::find_if(std::begin(MEANINGS), std::end(MEANINGS),
-                                           [code](const Meaning& meaning) { return meaning.code == code; });
-    return found == std::end(MEANINGS) ? "doesn't hold" : found->words;
-}
+using opc::model::SignaturePolicy;
+using opc::model::SignatureVerdict;
+using opc::model::SignerEvidence;
+using opc::model::VerdictReason;
 
 struct Arguments {
     std::string package;
@@ -77,6 +46,7 @@ struct Arguments {
     Trust trust;
     std::vector<std::string> fingerprints;
     std::string signature;
+    bool requireFull = false;
     bool json = false;
 };
 
@@ -89,121 +59,131 @@ std::string checkFingerprint(const std::string& fingerprint) {
     }
 }
 
-/// What signatures are checked by.
-class Verifier {
-public:
-    explicit Verifier(const Arguments& arguments)
-        : options(makeValidationOptions(arguments.trust)), trustStore(makeTrustStore(arguments.trust)),
-          byFingerprintAlone(arguments.trust.files.empty() && !arguments.fingerprints.empty()) {
-        if (!arguments.publicKey.empty())
-            publicKey = readPublicKey(arguments.publicKey)->getAsByteArray();
-        for (const std::string& fingerprint : arguments.fingerprints)
-            fingerprints.addFingerprint(fingerprint);
-    }
-
-    /// @return the code of the verification
-    int verify(DigitalSignatureManager& signatures, const DigitalSignature& signature) const {
-        if (!publicKey.empty())
-            return signatures.verifySignature(signature, publicKey).getErrorCode().value();
-        const int code =
-            signatures.verifySignature(signature, fingerprints, options, trustStore).getErrorCode().value();
-        // An empty trust store stands for the system's, and whoever names fingerprints means them alone.
-        if (code == HOLDS && byFingerprintAlone &&
-            !fingerprints.hasFingerprint(signature.getCertificate().getSHA256Fingerprint()))
-            return NOT_TRUSTED;
-        return code;
-    }
-
-private:
-    std::vector<unsigned char> publicKey;
+SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
+    if (!arguments.publicKey.empty())
+        return SignaturePolicy::byPublicKey(readPublicKey(arguments.publicKey)->getAsByteArray());
     FingerprintStore fingerprints;
-    bedrock::certificates::CertificateValidationOptions options;
-    bedrock::certificates::TrustStore trustStore;
-    bool byFingerprintAlone;
-};
+    for (const std::string& fingerprint : arguments.fingerprints)
+        fingerprints.addFingerprint(fingerprint);
+    if (arguments.trust.files.empty() && !arguments.fingerprints.empty())
+        return SignaturePolicy::byFingerprints(fingerprints);
+    return SignaturePolicy::byTrust(makeTrustStore(arguments.trust), makeValidationOptions(arguments.trust),
+                                    fingerprints);
+}
 
-ordered_json describe(const DigitalSignature& signature) {
-    ordered_json row{{"name", toUDEString(signature.getName())},
-                     {"time", nullptr},
-                     {"digest", nameOf(signature.getSignatureParams().getDigestMethod())},
+SignatureVerdict judge(const Arguments& arguments) {
+    const SignaturePolicy policy =
+        makeSignerPolicy(arguments).acceptWeak(arguments.trust.acceptWeak).requireFull(arguments.requireFull);
+    SignedPackage package(arguments.package, opc::interfaces::OpenMode::ReadOnly);
+    if (arguments.signature.empty())
+        return package.signatures().judge(policy);
+    return package.signatures().judge(package.signatures().getSignature(fromArgument(arguments.signature)),
+                                      policy);
+}
+
+ordered_json describe(const JudgedSignature& judged) {
+    const auto params = judged.signature.getSignatureParams();
+    ordered_json row{{"name", toUDEString(judged.signature.getName())},
+                     {"time", nullptr}, // as the signer claims
+                     {"digest", nameOf(params.getDigestMethod())},
                      {"keySize", nullptr},
-                     {"signer", "key"},
-                     {"fingerprint", nullptr}};
-    if (!signature.getSignedTime().is_special())
-        row["time"] = toUDEString(opc::convertTimeToString(signature.getSignedTime()));
-    const SignatureMethod method = signature.getSignatureParams().getSignatureMethod();
-    if (method != SignatureMethod::NoKey)
-        row["keySize"] = opc::model::signatureMethodToKeySize(method);
-    const auto certificate = signature.getCertificate();
-    if (!certificate.empty()) {
-        row["signer"] = certificate.getSubject();
-        row["fingerprint"] = certificate.getSHA256Fingerprint();
+                     {"signer", nullptr},
+                     {"fingerprint", nullptr},
+                     {"status", judged.status},
+                     {"code", judged.code.value()},
+                     {"holds", judged.holds},
+                     {"reason", judged.reason},
+                     {"weak", judged.weaknesses},
+                     {"restsOnClaimedTime", judged.restsOnClaimedTime}};
+    if (!judged.claimedTime.is_special())
+        row["time"] = toUDEString(opc::convertTimeToString(judged.claimedTime));
+    if (params.getSignatureMethod() != SignatureMethod::NoKey)
+        row["keySize"] = opc::model::signatureMethodToKeySize(params.getSignatureMethod());
+    if (judged.evidence == SignerEvidence::PublicKey)
+        row["signer"] = "key";
+    if (!judged.signer.empty()) {
+        row["signer"] = judged.signer.getSubject();
+        row["fingerprint"] = judged.signer.getSHA256Fingerprint();
     }
     return row;
 }
 
-void print(const ordered_json& list) {
+std::string orDash(const ordered_json& text) {
+    return text.is_null() ? "-" : text.get<std::string>();
+}
+
+void printTable(const ordered_json& list) {
     Table table({{"NAME"}, {"TIME"}, {"ALGORITHMS"}, {"SIGNER"}, {"STATUS"}});
     for (const auto& row : list)
-        table.addRow({row["name"], row["time"].is_null() ? std::string("-") : row["time"].get<std::string>(),
+        table.addRow({row["name"], orDash(row["time"]),
                       "RSA" + (row["keySize"].is_null() ? std::string() : " " + row["keySize"].dump()) +
                           ", " + row["digest"].get<std::string>(),
-                      row["signer"], row["status"].get<std::string>() + " (" + row["code"].dump() + ")"});
+                      orDash(row["signer"]),
+                      row["status"].get<std::string>() + " (" + row["code"].dump() + ")"});
     table.print(std::cout, outputIsTerminal());
 }
 
-/// What comes of the signatures: all are tried, also if one of them can't be checked.
-struct Outcome {
-    ordered_json list = ordered_json::array();
-    bool allHold = true;
-    std::exception_ptr failure; ///< of the first that couldn't be checked
-};
-
-void verifyOne(const Verifier& verifier, DigitalSignatureManager& signatures,
-               const DigitalSignature& signature, Outcome& outcome) {
-    ordered_json row = describe(signature);
-    try {
-        const int code = verifier.verify(signatures, signature);
-        outcome.allHold = outcome.allHold && code == HOLDS;
-        row["status"] = inWords(code);
-        row["code"] = code;
-    } catch (const opc::model::InvalidSignature& e) {
-        if (!outcome.failure)
-            outcome.failure = std::current_exception();
-        row["status"] = "can't be checked";
-        row["code"] = e.getErrorCode().value();
-    }
-    outcome.list.push_back(std::move(row));
+/// What a yes doesn't say.
+void printReservations(const JudgedSignature& judged) {
+    const std::string name = withoutControlCharacters(toUDEString(judged.signature.getName()));
+    if (judged.restsOnClaimedTime)
+        std::cout << name
+                  << ": the certificate is accepted for the time that the signer claims, not for now\n";
+    if (judged.holds)
+        for (const std::string& weakness : judged.weaknesses)
+            std::cout << name << ": weak: " << withoutControlCharacters(weakness) << '\n';
 }
 
-Outcome verifyAll(const Arguments& arguments) {
-    const Verifier verifier(arguments);
-    SignedPackage package(arguments.package, opc::interfaces::OpenMode::ReadOnly);
-    DigitalSignatureManager& signatures = package.signatures();
-    Outcome outcome;
-    if (!arguments.signature.empty())
-        verifyOne(verifier, signatures, signatures.getSignature(fromArgument(arguments.signature)), outcome);
-    else
-        for (const DigitalSignature& signature : signatures.getSignatures())
-            verifyOne(verifier, signatures, signature, outcome);
-    if (arguments.signature.empty() && !outcome.failure &&
-        !package->getRelationshipsByType(FOREIGN_ORIGIN).empty())
-        outcome.failure = std::make_exception_ptr(opc::Exception(
-            arguments.package + " has signatures in a form that isn't read: they can't be checked"));
-    return outcome;
+void print(const std::string& package, const SignatureVerdict& verdict, const ordered_json& list) {
+    printTable(list);
+    if (!list.empty()) {
+        std::cout << '\n' << summarize(verdict.getCoverage());
+        for (const JudgedSignature& judged : verdict.getSignatures())
+            printReservations(judged);
+    }
+    for (const VerdictReason& reason : verdict.getReasons())
+        if (reason.kind == VerdictReason::Kind::NoSignatures)
+            std::cout << withoutControlCharacters(package) << " has no signatures\n";
+        else if (!reason.leavesOpen())
+            std::cout << "No: " << withoutControlCharacters(reason.text) << '\n';
+}
+
+/// The reasons that no row of the list holds.
+void printReasonsOfPackage(const SignatureVerdict& verdict) {
+    for (const VerdictReason& reason : verdict.getReasons())
+        if (reason.signature.empty() && !reason.leavesOpen())
+            std::cerr << "opctool: no: " << withoutControlCharacters(reason.text) << '\n';
+}
+
+bool isUnreadable(const SignatureVerdict& verdict) {
+    return !verdict.isYes() && verdict.getReasons().front().kind == VerdictReason::Kind::Unreadable;
+}
+
+/// Fails with all that couldn't be read or checked.
+[[noreturn]] void failOpen(const std::string& package, const SignatureVerdict& verdict) {
+    std::string text;
+    for (const VerdictReason& reason : verdict.getReasons())
+        if (reason.leavesOpen())
+            text += (text.empty() ? "" : "; ") + reason.text;
+    throw opc::model::InvalidSignature(package + ": " + text, verdict.getReasons().front().code);
 }
 
 void verify(const Arguments& arguments) {
-    const Outcome outcome = verifyAll(arguments);
-    if (arguments.json)
-        std::cout << escapedJSON(outcome.list.dump(2)) << '\n';
-    else if (outcome.list.empty() && !outcome.failure)
-        std::cout << withoutControlCharacters(arguments.package) << " has no signatures\n";
-    else if (!outcome.list.empty())
-        print(outcome.list);
-    if (outcome.failure)
-        std::rethrow_exception(outcome.failure);
-    if (outcome.list.empty() || !outcome.allHold)
+    const SignatureVerdict verdict = judge(arguments);
+    if (isUnreadable(verdict))
+        failOpen(arguments.package, verdict);
+    ordered_json list = ordered_json::array();
+    for (const JudgedSignature& judged : verdict.getSignatures())
+        list.push_back(describe(judged));
+    if (arguments.json) {
+        std::cout << escapedJSON(list.dump(2)) << '\n';
+        printReasonsOfPackage(verdict);
+    } else {
+        print(arguments.package, verdict, list);
+    }
+    if (verdict.getAnswer() == SignatureVerdict::Answer::CannotTell)
+        failOpen(arguments.package, verdict);
+    if (!verdict.isYes())
         throw AnswerIsNo();
 }
 
@@ -212,8 +192,10 @@ void verify(const Arguments& arguments) {
 void addVerifyCommand(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand(
-        "verify", "Check the signatures of a package. Exit status: 0 all hold, 1 one doesn't or there are\n"
-                  "none, 3 one can't be checked. What they protect, opctool coverage says");
+        "verify",
+        "Check the signatures of a package, and tell what none that holds covers. Exit status: 0 all\n"
+        "hold, 1 one doesn't or there are none, 3 one can't be checked. Which signature covers what,\n"
+        "opctool coverage says");
     command->add_option("PACKAGE", arguments->package, "The package's file")->required();
     CLI::Option* publicKey =
         command
@@ -228,6 +210,8 @@ void addVerifyCommand(CLI::App& app) {
         ->check(checkFingerprint)
         ->excludes(publicKey);
     command->add_option("--signature", arguments->signature, "Check that one alone, such as sig1");
+    command->add_flag("--require-full", arguments->requireFull,
+                      "Accept nothing uncovered, changed in content type, or ignored beside the parts");
     command->add_flag("--json", arguments->json, "Print a JSON array");
     command->callback([arguments] { verify(*arguments); });
 }
