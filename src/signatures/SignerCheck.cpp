@@ -1,8 +1,10 @@
 #include "signatures/SignerCheck.hpp"
 
 #include "signatures/DigitalSignatureData.hpp"
+#include "signatures/RsaKeys.hpp"
 
-#include <opc/core/Text.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/Exception.hpp>
 
 #include <chrono>
 
@@ -46,13 +48,42 @@ std::vector<std::string> weaknessesOf(const DigitalSignatureVerificationStatus& 
     return texts;
 }
 
+/// Whether the key that made the value is that of the certificate beside it, if there is one: who reads the
+/// certificate must not take somebody else for the signer.
+bool fitsItsCertificate(const DigitalSignatureData& data) {
+    if (!data.m_certificate)
+        return true;
+    try {
+        const X509Certificate& certificate = *data.m_certificate;
+        return data
+            .verifyWithKey(encodeRsaPublicKey(*data.m_cryptoEngine, data.m_signatureValue.size() * 8,
+                                              certificate.getModulus(), certificate.getPublicExponent()))
+            .isProperlyCodesigned();
+    } catch (const Exception&) { // its key is of another kind or size
+        return false;
+    } catch (const bedrock::crypto::utils::Exception&) {
+        return false;
+    }
+}
+
 } // namespace
+
+SignerFinding SignerFinding::refuse(const bedrock::codesigning_verifier::ErrorCode& code,
+                                    const std::string& reason) {
+    SignerFinding finding(DigitalSignatureVerificationStatus(
+        CodesigningVerificationStatus(code, CertificateValidationResults(CertificateChainStatus::Good, ""))));
+    finding.reason = reason;
+    return finding;
+}
 
 SignerFinding SignerCheck::check(const DigitalSignatureData& data) const {
     if (policy.means == SignaturePolicy::Means::PublicKey) {
         SignerFinding finding(data.verifyWithKey(policy.publicKey));
-        if (finding.status.isProperlyCodesigned())
-            finding.evidence = SignerEvidence::PublicKey;
+        if (!finding.status.isProperlyCodesigned())
+            return finding;
+        if (!fitsItsCertificate(data))
+            return SignerFinding::refuse(ErrorMap<16>(), "it carries a certificate of another key");
+        finding.evidence = SignerEvidence::PublicKey;
         return finding;
     }
     SignerFinding finding(verify(data, makeOptions()));

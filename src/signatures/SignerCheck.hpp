@@ -16,6 +16,10 @@ class DigitalSignatureData;
 struct SignerFinding {
     explicit SignerFinding(DigitalSignatureVerificationStatus valueStatus) : status(std::move(valueStatus)) {}
 
+    /// That the signer isn't accepted.
+    static SignerFinding refuse(const bedrock::codesigning_verifier::ErrorCode& code,
+                                const std::string& reason);
+
     DigitalSignatureVerificationStatus status;
     std::string reason; ///< why the signer isn't accepted, as the certificate services say it
     SignerEvidence evidence = SignerEvidence::None;

@@ -253,6 +253,19 @@ TEST_F(Verdict, theSignerIsNamedOnlyIfThatWasChecked) {
                  {"no certificate"});
 }
 
+TEST_F(Verdict, aCertificateOfAnotherKeyIsNoYes) {
+    const auto& pair = keysOf(2048);
+    const auto policy = SignaturePolicy::byPublicKey(pair.getPublicKey());
+    manager->sign({PartName(u"/a.xml")}, {}, pair.getPrivateKey(), pair.getPublicKey(), SignatureParams());
+    EXPECT_TRUE(manager->judge(policy).isYes());
+    close(false);
+    const std::string certificate = makeSigner(nullptr).certificate.getAsString();
+    openWith(
+        replaced(text(), piece(text(), "<KeyInfo>", "</KeyInfo>"),
+                 "<KeyInfo><X509Data><X509Certificate>" + certificate + "</X509Certificate></X509Data>"));
+    expectReason(manager->judge(policy), Kind::SignerNotAccepted, {"a certificate of another key"});
+}
+
 TEST_F(Verdict, tellsWhetherAYesRestsOnTheClaimedTime) {
     TrustStore trusted;
     const Identity root = makeIssuer("Root");
