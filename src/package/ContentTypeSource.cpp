@@ -16,6 +16,17 @@ namespace {
 
 constexpr char IN_STREAM[] = "In content type stream: ";
 
+bool isHexDigit(char16_t unit) {
+    return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+}
+
+/// A pchar without the full stop, the semicolon and the percent sign.
+bool isExtensionCharacter(char16_t unit) {
+    constexpr std::u16string_view OTHERS = u"-_~!$&'()*+,=:@";
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+           (unit >= u'0' && unit <= u'9') || OTHERS.find(unit) != std::u16string_view::npos;
+}
+
 [[noreturn]] void throwNotFound(const PartName& name) {
     throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
 }
@@ -57,11 +68,27 @@ std::u16string ContentTypeSource::extensionKey(const PartName& name) {
     return toLowerASCIIString(name.getExtension());
 }
 
+bool ContentTypeSource::canHaveDefault(std::u16string_view extension) {
+    if (extension.empty())
+        return false;
+    while (!extension.empty()) {
+        const bool isEscape = extension.size() > 2 && extension[0] == u'%' && isHexDigit(extension[1]) &&
+                              isHexDigit(extension[2]);
+        if (!isEscape && !isExtensionCharacter(extension[0]))
+            return false;
+        extension.remove_prefix(isEscape ? 3 : 1);
+    }
+    return true;
+}
+
 void ContentTypeSource::addContentType(const PartName& name, const ContentType& contentType) {
     if (!hasStream)
         return;
+    if (contentTypes->hasOverride(name)) // of a part that isn't there, or is being replaced
+        contentTypes->removeOverride(name);
     const std::u16string extension = extensionKey(name);
-    if (extension.empty()) { // NOLINT(bugprone-branch-clone): the questions stand in the order of the rule
+    if (!canHaveDefault(
+            extension)) { // NOLINT(bugprone-branch-clone): the questions stand in the order of the rule
         contentTypes->addOverride(name, contentType);
     } else if (!contentTypes->hasDefault(extension)) {
         contentTypes->addDefault(extension, contentType);

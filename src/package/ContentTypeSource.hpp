@@ -6,6 +6,8 @@
 #include <opc/model/PartName.hpp>
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace opc::interfaces {
 class IPhysicalPackage;
@@ -40,9 +42,13 @@ public:
     /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
     void throwIfFixed() const;
 
-    /// Enters a new part: the first part of an extension sets its `Default`, and one of another type gets an
-    /// `Override`.
+    /// Enters a new part: the first part of an extension sets its `Default`. One of another type gets an
+    /// `Override`, and so does one whose extension can't have a `Default`. An `Override` that stood there without a
+    /// part gives way.
     void addContentType(const PartName& name, const ContentType& contentType);
+
+    /// Whether the schema of content types takes an extension (ST_Extension): a part name can have others.
+    static bool canHaveDefault(std::u16string_view extension);
 
     /// What `removeContentType` needs to know of a name, made while nothing has been deleted yet.
     static std::u16string extensionKey(const PartName& name);

@@ -1,7 +1,12 @@
+#include "package/ContentTypeSource.hpp"
+#include "package/ContentTypeMap.hpp"
+#include "package/ContentTypeSerializer.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
@@ -120,7 +125,35 @@ TEST_F(ContentTypesStream, readsEveryEntryWhateverItsOrder) {
                          R"(<Override ContentType="a/b" PartName="/c"/></Types>)");
 }
 
-TEST_F(ContentTypesStream, unusedEntriesCountForPartsToCome) {
+TEST_F(ContentTypesStream, extensionsThatTheSchemaRefusesGetAnOverride) {
+    std::vector<std::u16string> extensions = {u"", u"%", u"%4", u"%4g", u"%20a", u"a%2F", u"%%20"};
+    for (char16_t letter = u'!'; letter <= u'~'; ++letter)
+        extensions.push_back(std::u16string(u"x") + letter + u'y');
+    const ContentTypeSerializer serializer;
+    for (const std::u16string& extension : extensions) {
+        ContentTypeMap written;
+        ContentTypeMap read;
+        written.addDefault(extension, ContentType(u"a/b"));
+        written.addReference(extension);
+        Bytes document;
+        opc::ByteArrayOutAdaptor output(document);
+        serializer.writeByXerces(written, output);
+        opc::ByteArrayInAdaptor input(document);
+        EXPECT_EQ(ContentTypeSource::canHaveDefault(extension),
+                  outcomeOf([&] { serializer.parse(read, input); }).empty())
+            << opc::toUDEString(extension);
+    }
+
+    package.open(OpenMode::CreateOnly);
+    create(u"/a.x;y", u"a/b");
+    EXPECT_EQ(written(), R"(<Override ContentType="a/b" PartName="/a.x;y"/></Types>)");
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(PartName(u"/a.x;y"));
+    package.close(false);
+    EXPECT_EQ(toText(store.contentTypes()), EMPTY);
+}
+
+TEST_F(ContentTypesStream, unusedDefaultsCountForPartsToComeAndOverridesDoNot) {
     store.setContentTypes(contentTypes(R"(<Default Extension="png" ContentType="image/png"/>)"
                                        R"(<Override PartName="/stale.png" ContentType="image/stale"/>)"));
     package.open(OpenMode::ReadWrite);
@@ -128,8 +161,7 @@ TEST_F(ContentTypesStream, unusedEntriesCountForPartsToCome) {
     create(u"/b.png", u"image/other");
     create(u"/stale.png", u"image/png");
     EXPECT_EQ(written(), R"(<Default ContentType="image/png" Extension="png"/>)"
-                         R"(<Override ContentType="image/other" PartName="/b.png"/>)"
-                         R"(<Override ContentType="image/stale" PartName="/stale.png"/></Types>)");
+                         R"(<Override ContentType="image/other" PartName="/b.png"/></Types>)");
 }
 
 TEST_F(ContentTypesStream, documentsThatBreakTheFormatAreRefused) {
