@@ -3,6 +3,7 @@
 #include "relationships/RelationshipID.hpp"
 #include "relationships/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipTarget.hpp"
+#include "xml/AttributeValues.hpp"
 #include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
@@ -17,6 +18,14 @@
 #include <utility>
 
 namespace opc::model {
+
+namespace {
+
+constexpr char INVALID_TYPE[] = "Relationship type is not a valid xsd::anyURI";
+constexpr char INVALID_EXTERNAL_TARGET[] = "External relationship target is not a valid xsd::anyURI. See "
+                                           "http://www.w3.org/TR/leiri/.";
+
+} // namespace
 
 RelationshipSource::RelationshipSource(const URI& sourceURI)
     : RelationshipSource(std::make_shared<Impl>(sourceURI)) {
@@ -48,7 +57,8 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
     if (absoluteForm == sourceURI)
         throw InvalidRelationshipTarget("Relationship target cannot be the same as the source.");
 
-    const std::u16string verifiedID = verifyRelationship(id, type, relativeForm.toString());
+    const std::u16string verifiedID =
+        verifyRelationship(id, type, relativeForm.toString(), TargetMode::Internal);
     return withRelationshipPart(impl->manager.addInternalRelationship(verifiedID, type, relativeForm));
 }
 
@@ -58,20 +68,19 @@ Relationship RelationshipSource::createExternalRelationship(const std::u16string
     throwIfNotWritable();
     throwIfRelationshipsFixed();
     if (!isValidTarget(target))
-        throw InvalidRelationshipTarget("External relationship target is not a valid xsd::anyURI. See "
-                                        "http://www.w3.org/TR/leiri/.");
-    const std::u16string verifiedID = verifyRelationship(id, type, target);
+        throw InvalidRelationshipTarget(INVALID_EXTERNAL_TARGET);
+    const std::u16string verifiedID = verifyRelationship(id, type, target, TargetMode::External);
     return withRelationshipPart(impl->manager.addExternalRelationship(verifiedID, type, target));
 }
 
 std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, const std::u16string& type,
-                                                      const std::u16string& target) {
+                                                      const std::u16string& target, TargetMode targetMode) {
     if (type.empty())
         throw InvalidRelationshipType("Relationship type must not be empty.");
     try {
         const URI uri(type);
     } catch (const InvalidURI&) {
-        throw InvalidRelationshipType("Relationship type is not a valid xsd::anyURI");
+        throw InvalidRelationshipType(INVALID_TYPE);
     }
     if (!id.empty()) {
         if (!isValidID(id))
@@ -79,9 +88,24 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
         if (impl->manager.hasRelationship(id))
             throw RelationshipAlreadyExists("Relationship ID already exists");
     }
+    throwIfPartCanNotHold(type, target, targetMode);
     std::u16string verifiedID = id.empty() ? generateID() : id;
     doVerifyRelationship(verifiedID, type, target);
     return verifiedID;
+}
+
+/// What follows are the checks of reading: a relationships part that breaks one takes all its relationships with it.
+void RelationshipSource::throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
+                                               TargetMode targetMode) const {
+    const auto keepXerces = [this] { getPackage().keepXerces(); };
+    if (!canHoldURI(type, keepXerces))
+        throw InvalidRelationshipType(INVALID_TYPE);
+    if (target.empty())
+        throw InvalidRelationshipTarget("Relationship target must not be empty.");
+    if (!canHoldURI(target, keepXerces))
+        throw InvalidRelationshipTarget(targetMode == TargetMode::External
+                                            ? INVALID_EXTERNAL_TARGET
+                                            : "Relationship target is not a valid xsd::anyURI");
 }
 
 std::u16string RelationshipSource::generateID() {
@@ -115,6 +139,7 @@ Relationship RelationshipSource::withRelationshipPart(const Relationship& added)
 
 void RelationshipSource::createRelationshipPart() {
     const PartName name(PartName(impl->manager.getSourceURI()).getRelationshipPartName());
+    getPackage().findPlaceOfNewPart(name); // a part that was opened may have it, in another letter case
     setPhysicalRelationshipPart(getPackage().createPartInternal(
                                     name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
                                 true);

@@ -189,11 +189,34 @@ TEST_F(RelationshipSources, aPartWithoutRelationshipsIsReplacedByTheFirst) {
     EXPECT_EQ(open().getRelationshipByID(u"rId1").getTarget(), u"dir\\x");
 }
 
-TEST_F(RelationshipSources, anEmptyExternalTargetCanBeWrittenButNotRead) {
+TEST_F(RelationshipSources, whatReadingRefusesIsNotCreated) {
     Part part = open();
-    part.createExternalRelationship(u"t:t", u"");
-    package.close(false);
-    EXPECT_RAISES(InvalidRelationshipContent, "In /a/_rels/b.xml.rels: Target is empty", open());
+    const auto create = [&](const char16_t* type, const char16_t* target, const char16_t* id) {
+        part.createExternalRelationship(type, target, id);
+    };
+    const char* const badTarget =
+        "External relationship target is not a valid xsd::anyURI. See http://www.w3.org/TR/leiri/.";
+    for (const char16_t* target :
+         {u"mailto:", u"http:", u"C:", u"dir\\a:b", u" ", u"a ", u"a  b", u"a\tb", u"http://h:x"})
+        EXPECT_RAISES(InvalidRelationshipTarget, badTarget, create(u"t:t", target, u"a"));
+    EXPECT_RAISES(InvalidRelationshipTarget, "Relationship target must not be empty.",
+                  create(u"t:t", u"", u"a"));
+    EXPECT_RAISES(InvalidRelationshipTarget, "Relationship target is not a valid xsd::anyURI",
+                  part.createInternalRelationship(u"t:t", URI(u"a  b")));
+    for (const char16_t* type : {u" ", u"t ", u"t:", u"a\nb"})
+        EXPECT_RAISES(InvalidRelationshipType, "Relationship type is not a valid xsd::anyURI",
+                      create(type, u"C:", u"a"));
+    EXPECT_EQ(physical.countCalls("createPart"), 0U);
+    EXPECT_EQ(part.createExternalRelationship(u"t:t", u"x").getID(), u"rId1") << "no number has been spent";
+}
+
+TEST_F(RelationshipSources, aPartThatWasOpenedIsNotReplacedByARelationshipsPart) {
+    store.setPart(u"/_Rels/.Rels", toBytes("content"));
+    package.open(OpenMode::ReadWrite);
+    EXPECT_RAISES(PartAlreadyExists, "Cannot use a part name that already exists: /_rels/.rels",
+                  package.createExternalRelationship(u"t:t", u"x"));
+    EXPECT_TRUE(package.getRelationships().empty());
+    EXPECT_EQ(readAll(package.getPart(PartName(u"/_Rels/.Rels"))), "content");
 }
 
 } // namespace

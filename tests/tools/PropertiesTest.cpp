@@ -159,7 +159,7 @@ TEST_F(Opctool, noCommandToTheTerminalComesOutOfAPackage) {
           "relate p.zip / " + type + "core-properties /p.xml",
           "relate p.zip / " + type +
               "thumbnail 'a\x7f\xC2\x9B"
-              "2Jb\nc" +
+              "2Jb c" +
               unseen + "\u00E9' --external"})
         ASSERT_EQ(run(command).status, 0) << command;
     const Outcome failure = run("props p.zip");

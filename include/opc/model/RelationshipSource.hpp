@@ -4,6 +4,7 @@
 #include <opc/model/ExcludeMode.hpp>
 #include <opc/model/Export.hpp>
 #include <opc/model/Relationship.hpp>
+#include <opc/model/TargetMode.hpp>
 #include <opc/model/URI.hpp>
 
 #include <memory>
@@ -35,24 +36,27 @@ class Package;
 class OPC_MODEL_EXPORT RelationshipSource {
 public:
     /// Adds a relationship to a part of this package; the part need not exist.
-    /// @param type    what the relationship means; not empty, and a URI. It must not be blank: the package
-    ///                couldn't be read back
+    ///
+    /// What a relationships part can't hold is refused, since the part couldn't be read again: type and target must be
+    /// values of `xsd:anyURI` by the very check of reading, and blanks, which reading folds, stand one by one between
+    /// other characters.
+    /// @param type    what the relationship means; not empty, and a URI
     /// @param target  a part name, or a reference relative to this source; kept and written in relative form
     /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)
-    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], this source, or a
-    ///                                    relationships part [M1.25]
+    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], this source, a
+    ///                                    relationships part [M1.25], or can't be held
     /// @throws UnsupportedRelativize      the target has the very path of this source
     /// @throws InvalidRelationshipType, InvalidRelationshipID, RelationshipAlreadyExists
     /// @throws InvalidCorePropertiesRelationships  the package has a core properties relationship [M4.1]
-    /// @throws PartCreateFailed  the physical layer can't make the relationships part
+    /// @throws PartAlreadyExists  another part has the relationships part's name, in another letter case
+    /// @throws PartCreateFailed   the physical layer can't make the relationships part
     Relationship createInternalRelationship(const std::u16string& type, const URI& target,
                                             const std::u16string& id = std::u16string());
 
     /// Adds a relationship to something outside the package. Raises what `createInternalRelationship` does.
-    /// @param target  any IRI, backslashes allowed in place of slashes; stored and written as it is. It
-    ///                must not be empty or blank: the package couldn't be read back. Reading folds white
-    ///                space in it
-    /// @throws InvalidRelationshipTarget  the target is no IRI
+    /// @param target  any IRI but the empty one, backslashes allowed in place of slashes; stored and written as it
+    ///                is
+    /// @throws InvalidRelationshipTarget  the target is no IRI, or can't be held
     Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
                                             const std::u16string& id = std::u16string());
 
@@ -82,7 +86,8 @@ public:
     /// colon.
     static bool isValidID(const std::u16string& id);
 
-    /// Whether `target` is an IRI once its backslashes are slashes. The empty text is one.
+    /// Whether `target` is an IRI once its backslashes are slashes. The empty text is one. Creating a relationship
+    /// asks for more.
     static bool isValidTarget(const std::u16string& target);
 
 protected:
@@ -139,7 +144,9 @@ private:
     void throwIfNotReadable() const;
     void throwIfNotWritable() const;
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
-                                      const std::u16string& target);
+                                      const std::u16string& target, TargetMode targetMode);
+    void throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
+                               TargetMode targetMode) const;
     std::u16string generateID();
     Relationship withRelationshipPart(const Relationship& added);
     void createRelationshipPart();

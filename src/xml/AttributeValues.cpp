@@ -1,0 +1,72 @@
+#include "xml/AttributeValues.hpp"
+
+#include "xml/PlainDocument.hpp"
+#include "xml/XercesFailures.hpp"
+
+#include <opc/model/XercesGuard.hpp>
+
+#include <xercesc/validators/datatype/DatatypeValidatorFactory.hpp>
+#include <xercesc/validators/schema/SchemaSymbols.hpp>
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+constexpr bool isHighSurrogate(char16_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+constexpr bool isLowSurrogate(char16_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+/// Whether a document can hold a text (XML 1.0 section 2.2), and in a type with collapsed white space it stays as
+/// it is: blanks stand inside only, one by one, and there is no other white space.
+bool standsCollapsed(const std::u16string& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        const char16_t next = i + 1 < text.size() ? text[i + 1] : u' '; // as if blanks stood around the text
+        if (unit < u' ' || unit > 0xFFFD || isLowSurrogate(unit))
+            return false;
+        if (unit == u' ' && (i == 0 || next == u' '))
+            return false;
+        if (isHighSurrogate(unit)) {
+            if (!isLowSurrogate(next))
+                return false;
+            ++i;
+        }
+    }
+    return true;
+}
+
+bool isPlain(const std::u16string& value) {
+    return std::all_of(value.begin(), value.end(), [](char16_t unit) { return unit < 128; }) &&
+           isPlainURI(std::string(value.begin(), value.end()));
+}
+
+bool isValid(const std::u16string& value) {
+    const XercesGuard guard;
+    auto* const types = xercesc::DatatypeValidatorFactory::getBuiltInRegistry();
+    try {
+        translateXercesFailures(
+            [&] { types->get(xercesc::SchemaSymbols::fgDT_ANYURI)->validate(value.c_str()); });
+        return true;
+    } catch (const InvalidXMLDocument&) {
+        return false;
+    }
+}
+
+} // namespace
+
+bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
+    if (isPlain(value))
+        return true;
+    if (!standsCollapsed(value))
+        return false;
+    wakeXerces();
+    return isValid(value);
+}
+
+} // namespace opc::model
