@@ -107,6 +107,12 @@ void ContentType::removeParameter(const std::u16string& attribute) {
     body = changed;
 }
 
+bool ContentType::canBeReadAgain() const {
+    return std::all_of(body->parameters.begin(), body->parameters.end(), [](const auto& parameter) {
+        return parameter.second.find(u'"') == std::u16string::npos;
+    });
+}
+
 bool ContentType::operator==(const ContentType& other) const {
     return caselessCompare(body->text, other.body->text) == 0;
 }

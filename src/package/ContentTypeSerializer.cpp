@@ -10,6 +10,7 @@
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesGuard.hpp>
@@ -171,6 +172,27 @@ void ContentTypeSerializer::writeCounted(const std::string& document, const Cont
     share.addElements(map.getDefaults().size() + map.getOverrides().size() + 1);
     writeDocument(document, stream);
     map.keepShare(std::move(share));
+}
+
+bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
+    if (!contentType.canBeReadAgain())
+        return false;
+    // The pattern in the schema takes a backslash in front of a quote for an escape, wherever it can.
+    if (contentType.toString().find(u"\\\"") == std::u16string::npos)
+        return true;
+    ContentTypeMap written;
+    ContentTypeMap read;
+    written.addOverride(PartName(u"/a"), contentType);
+    std::vector<unsigned char> document;
+    try {
+        ByteArrayOutAdaptor output(document);
+        writeByXerces(written, output);
+        ByteArrayInAdaptor input(document);
+        parse(read, input);
+    } catch (const InvalidPartContent&) {
+        return false;
+    }
+    return read.getOverrides().begin()->second.toString() == contentType.toString();
 }
 
 void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStream& stream) const {

@@ -10,6 +10,7 @@
 
 namespace opc::model {
 
+class ContentType;
 class ContentTypeMap;
 
 /// Reads and writes the XML document in the content types stream. One in the plain form that nearly all have is
@@ -28,6 +29,9 @@ public:
 
     /// The same by the validating parser alone, whatever the form, into a map that is empty.
     void parse(ContentTypeMap& map, InputStream& stream) const;
+
+    /// Whether a content type comes back from a document as it is, parameter by parameter.
+    bool canHold(const ContentType& contentType) const;
 
     /// Writes the entries that count: all `Override`, and each `Default` that a part rests on.
     /// @throws InvalidPartContent

@@ -1,5 +1,7 @@
 #include <opc/model/Package.hpp>
 
+#include "names/PartNameGrammar.hpp"
+#include "package/ContentTypeSerializer.hpp"
 #include "package/ContentTypeSource.hpp"
 
 #include <opc/core/Text.hpp>
@@ -30,6 +32,9 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     throwIfRelationshipName(name);
     const auto place = findPlaceOfNewPart(name);
     throwIfDerivedFromExistingPartName(name);
+    throwIfNoNameForNewPart(name);
+    if (!ContentTypeSerializer().canHold(contentType))
+        throw InvalidContentType("Could not successfully parse content type string");
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
     Part part(this, nullptr, name, contentType, openMode);

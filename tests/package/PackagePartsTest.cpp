@@ -90,6 +90,65 @@ TEST_F(PackageParts, namesMustNotConflict) {
     create(u"/c/D");
 }
 
+TEST_F(PackageParts, namesOfNewPartsComeBackFromAnyStore) {
+    package.open(OpenMode::ReadWrite);
+    const std::string noPChar =
+        "InvalidPartName: A segment shall not hold any characters other than pchar characters. [M1.6]";
+    const std::pair<std::string, std::vector<const char16_t*>> refused[] = {
+        {"InvalidPartName: The package root is no part: ", {u"/", u"/?a", u"http://h/"}},
+        {noPChar,
+         {u"/a b", u"/ a", u"/a|b", u"/a\tb", u"/a?b", u"/a#b", u"/a\\b", u"/a\"", u"/<a>", u"/{a}^`"}},
+        {"PartHasRelationshipName: Cannot use a part name that is a relationship name: ",
+         {u"/_Rels/.Rels", u"/a/_RELS/b.RELS"}},
+    };
+    for (const auto& [outcome, names] : refused)
+        for (const std::u16string name : names)
+            EXPECT_EQ(outcomeOf([&] { create(name.c_str()); }),
+                      "opc::model::" + outcome + (outcome.back() == ' ' ? opc::toUDEString(name) : ""));
+    EXPECT_EQ(physical.countCalls("createPart"), 0U);
+    create(u"/-._~!$&'()*+,;=:@%25");
+}
+
+TEST_F(PackageParts, partsThatWereOpenedKeepTheirNames) {
+    fill(store, {u"/a b.xml", u"/c|d.xml"});
+    package.open(OpenMode::ReadWrite);
+    for (Part part : package.getParts()) {
+        part.createExternalRelationship(u"t:t", u"x");
+        writeAll(part, "new");
+    }
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getParts().size(), 2U);
+    for (const Part& part : package.getParts()) {
+        EXPECT_EQ(part.getRelationships().size(), 1U);
+        EXPECT_EQ(readAll(part), "new");
+    }
+}
+
+TEST_F(PackageParts, contentTypesOfNewPartsCanBeReadAgain) {
+    const std::tuple<const char16_t*, const char16_t*, bool> cases[] = {
+        {u"a\"b", u"x", false}, {u"x y\";d=\"z w", u"x", false}, {u"\\", u"x y", false},
+        {u"\\", u"x", true},    {u"x\\y", u"x y", true},         {u"\\\\", u"\\", false},
+    };
+    for (const auto& [value, other, isAccepted] : cases) {
+        ContentType type(u"a/b");
+        type.addParameter(u"c", value);
+        type.addParameter(u"e", other);
+        package.open(OpenMode::CreateOnly);
+        const auto outcome =
+            outcomeOf([&] { package.createPart(PartName(u"/a"), type, StandardPartInfo()); });
+        package.close(false);
+        EXPECT_EQ(outcome,
+                  isAccepted
+                      ? ""
+                      : "opc::model::InvalidContentType: Could not successfully parse content type string");
+        package.open(OpenMode::ReadOnly);
+        for (const Part& part : package.getParts())
+            EXPECT_EQ(part.getContentType().getParameterValue(u"c"), value);
+        package.close(false);
+    }
+}
+
 TEST_F(PackageParts, namesThatWereReadCountWheneverTheyAreAskedFor) {
     fill(store, {u"/a/b.xml", u"/a/c.xml"});
     std::u16string existing;

@@ -48,6 +48,14 @@ public:
     virtual void close(bool abandon) = 0;
 
     /// A new part, empty. If a part of that name exists already, its content is replaced.
+    ///
+    /// The model hands in names that keep the grammar of part names (ECMA-376 Part 2): a slash and a segment, once or
+    /// more, and each segment one or more pchar of RFC 3986, so in US-ASCII and without blanks. None differs from
+    /// another part's in letter case alone, and none but those of relationships parts has their form, in whatever
+    /// case. Only the relationships part of a part that the store itself named otherwise has other characters. The
+    /// content type is text in printable US-ASCII. A store that can't keep a name refuses it here: it must come back
+    /// from the next `open` as it is.
+    /// @param contentType  for a store without a content types stream: what its part gives from then on
     virtual IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                       const IPhysicalPartInfo& info) = 0;
 

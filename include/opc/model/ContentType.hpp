@@ -53,6 +53,9 @@ public:
     /// @throws ContentTypeParameterNotFound  without such a parameter
     void removeParameter(const std::u16string& attribute);
 
+    /// Whether a constructor makes the same of the canonical text: no value of a parameter has a double quote.
+    bool canBeReadAgain() const;
+
     bool operator==(const ContentType& other) const;
     bool operator!=(const ContentType& other) const;
     bool operator<(const ContentType& other) const;

@@ -87,12 +87,16 @@ public:
     void close(bool abandon);
 
     /// Adds a part, empty at first.
-    /// @param name         not in use, not the root, not a relationships part, and neither above nor below
-    ///                     another part [M1.11]
+    /// @param name         not in use, not the root, not a relationships part in any letter case, and neither above
+    ///                     nor below another part [M1.11]
     /// @param contentType  what the part holds
     /// @param partInfo     for the physical layer; `StandardPartInfo` in the ordinary case
     /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
     ///         PartIsDerivedFromExistingPartName, PartCreateFailed
+    /// @throws InvalidPartName     the root, or a name with characters that no part name may hold [M1.6]: parts
+    ///                             that were opened may have such names, and go on to work
+    /// @throws InvalidContentType  a parameter's value has a double quote or, in front of another one in quotes, ends
+    ///                             in a backslash: the type couldn't be read again
     /// @throws InvalidContentTypeStream  the content types stream holds elements that weren't read, as they
     ///                                   have a namespace prefix, and would lose them. Nothing has changed
     Part createPart(const PartName& name, const ContentType& contentType,
