@@ -21,9 +21,8 @@ CoreProperties read(CorePropertiesSerializer& serializer, const Bytes& bytes) {
 }
 
 Bytes write(CorePropertiesSerializer& serializer, const CoreProperties& properties) {
-    Bytes bytes;
-    ByteArrayOutAdaptor stream(bytes);
-    serializer.write(properties, stream);
+    const std::string document = serializer.compose(properties);
+    Bytes bytes(document.begin(), document.end());
     Bytes byXerces;
     ByteArrayOutAdaptor other(byXerces);
     serializer.writeByXerces(properties, other);

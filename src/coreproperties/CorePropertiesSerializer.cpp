@@ -1,21 +1,24 @@
 #include "coreproperties/CorePropertiesSerializer.hpp"
 
 #include "coreproperties/CorePropertiesComposer.hpp"
+#include "coreproperties/CorePropertiesLoss.hpp"
 #include "coreproperties/CorePropertiesRules.hpp"
 #include "coreproperties/CorePropertiesScanner.hpp"
 #include "coreproperties/CorePropertiesVocabulary.hpp"
-#include "xml/DocumentOutput.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/ReplayedStream.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
+
+#include <stdexcept>
 
 #include <xercesc/dom/DOM.hpp>
 
@@ -129,6 +132,19 @@ void readKeywords(const DOMElement* root, const CorePropertiesVocabulary& names,
     properties.setKeywords(keywords);
 }
 
+/// Arithmetic leads a ptime out of the years that it can say.
+void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
+    for (const CoreProperties::Time& time :
+         {properties.getCreated(), properties.getLastPrinted(), properties.getModified()}) {
+        try {
+            if (time)
+                convertTimeToString(*time);
+        } catch (const std::out_of_range&) {
+            throw InvalidPartContent("A time lies outside the years 1400 to 9999");
+        }
+    }
+}
+
 } // namespace
 
 /// What Xerces works with.
@@ -215,18 +231,23 @@ void CorePropertiesSerializer::parseCounted(InputStream& stream, CoreProperties&
     fields.read(names.version, &CoreProperties::setVersion);
 }
 
-void CorePropertiesSerializer::write(const CoreProperties& properties, OutputStream& stream) {
-    std::string composed;
-    if (composePlainCoreProperties(properties, composed))
-        writeCounted(composed, stream);
-    else
+std::string CorePropertiesSerializer::compose(const CoreProperties& properties) {
+    throwIfTimesAreOutOfRange(properties);
+    std::string plain;
+    std::vector<unsigned char> document;
+    if (composePlainCoreProperties(properties, plain)) {
+        document.assign(plain.begin(), plain.end());
+    } else {
+        ByteArrayOutAdaptor stream(document);
         writeByXerces(properties, stream);
-}
-
-/// What couldn't be read again isn't written.
-void CorePropertiesSerializer::writeCounted(const std::string& document, OutputStream& stream) const {
-    DocumentShare(budget, &XmlLimits::coreProperties).addBytes(document.size());
-    writeDocument(document, stream);
+    }
+    CoreProperties found;
+    ByteArrayInAdaptor stream(document);
+    read(stream, found);
+    if (const char* lost = findLostCoreProperty(properties, found))
+        throw InvalidPartContent("The core property \"" + std::string(lost) +
+                                 "\" has a value that doesn't come back from a document as it is");
+    return std::string(document.begin(), document.end());
 }
 
 void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, OutputStream& stream) {
@@ -257,14 +278,11 @@ void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, O
     fields.write(names.subject, properties.getSubject());
     fields.write(names.title, properties.getTitle());
     fields.write(names.version, properties.getVersion());
-    std::string written;
     try {
-        StringOutput composed(written);
-        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), composed);
+        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
         throw InvalidPartContent(e.what());
     }
-    writeCounted(written, stream);
 }
 
 } // namespace opc::model

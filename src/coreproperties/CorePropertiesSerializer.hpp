@@ -36,11 +36,12 @@ public:
     /// The same by the validating parser alone, whatever the form.
     void parse(InputStream& stream, CoreProperties& properties);
 
-    /// Doesn't close the stream.
-    /// @throws InvalidPartContent  a text that XML can't hold; nothing has been written by then
-    void write(const CoreProperties& properties, OutputStream& stream);
+    /// The document that holds the properties, which has been read again to see that it does.
+    /// @throws InvalidPartContent  a value that a document can't hold, or that doesn't come back as it is
+    std::string compose(const CoreProperties& properties);
 
-    /// The same by Xerces alone, whatever the values.
+    /// Writes the document by Xerces alone, whatever the values, without a further look. Doesn't close the stream.
+    /// @throws InvalidPartContent  a text that XML can't hold; nothing has been written by then
     void writeByXerces(const CoreProperties& properties, OutputStream& stream);
 
 private:
@@ -48,7 +49,6 @@ private:
 
     Xml& xml();
     void parseCounted(InputStream& stream, CoreProperties& properties, DocumentShare& share);
-    void writeCounted(const std::string& document, OutputStream& stream) const;
 
     std::shared_ptr<DocumentBudget> budget;
     std::function<void()> beforeXerces;

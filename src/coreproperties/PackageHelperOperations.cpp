@@ -2,10 +2,13 @@
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
 #include "package/StreamRewinder.hpp"
+#include "xml/DocumentOutput.hpp"
 
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
+
+#include <optional>
 
 namespace opc::model {
 
@@ -48,14 +51,17 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
 
 void PackageHelper::createOrUpdateCoreProperties(Package& package, const CoreProperties& properties) {
     const Relationships relationships = findCoreProperties(package);
-    if (relationships.empty()) { // the relationship comes behind the part: it must not fail
-        package.throwIfReadOnly();
-        package.throwIfRelationshipsFixed();
-    }
-    const Part part =
-        relationships.empty() ? createCoreProperties(package) : getTarget(package, relationships);
+    std::optional<Part> part;
+    if (!relationships.empty())
+        part = getTarget(package, relationships);
+    package.throwIfReadOnly();
+    if (!part)
+        package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
     CorePropertiesSerializer serializer(package.getDocumentBudget(), [&package] { package.keepXerces(); });
-    serializer.write(properties, part.getOutputStream());
+    const std::string document = serializer.compose(properties); // before anything changes
+    if (!part)
+        part = createCoreProperties(package);
+    writeDocument(document, part->getOutputStream());
 }
 
 void PackageHelper::deleteCoreProperties(Package& package) {

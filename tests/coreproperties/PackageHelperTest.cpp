@@ -162,10 +162,14 @@ TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
     check("a/%2F", InvalidPartName(""));
 }
 
-TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenCanBeMended) {
+TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenChangesNothing) {
     package.open(OpenMode::CreateOnly);
     EXPECT_THROW(update(u"\u0001"), InvalidPartContent);
+    EXPECT_TRUE(package.getParts().empty());
     update(u"t");
+    package.close(false);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_THROW(update(u"\uFFFE"), InvalidPartContent);
     package.close(false);
     package.open(OpenMode::ReadOnly);
     EXPECT_EQ(title(), u"t");

@@ -17,9 +17,8 @@ namespace opc::model {
 /// a value. There is no way back to absent for one field alone: `clear` takes them all. `PackageHelper` reads
 /// it from a package and writes it into one.
 ///
-/// Nothing is checked here: a text with characters that XML can't hold fails in writing, and what stands
-/// behind a zero is left out. White space at the end of a keyword doesn't survive a file. Every getter gives
-/// a copy: keep it in a variable to walk through the keywords.
+/// Nothing is checked here: what a file can't hold is refused in writing. White space at the end of a keyword doesn't
+/// survive a file. Every getter gives a copy: keep it in a variable to walk through the keywords.
 class OPC_MODEL_EXPORT CoreProperties {
 public:
     using Text = boost::optional<std::u16string>;
@@ -27,8 +26,7 @@ public:
     /// In UTC. A file keeps whole seconds; a special value such as not-a-date-time isn't written.
     using Time = boost::optional<boost::posix_time::ptime>;
 
-    /// Each keyword with its language, such as "en-GB", which is empty for none. What is no language tag is
-    /// written, but can't be read back.
+    /// Each keyword with its language, such as "en-GB", which is empty for none.
     using KeywordList = std::vector<std::pair<std::u16string, std::u16string>>;
     using Keywords = boost::optional<KeywordList>;
 

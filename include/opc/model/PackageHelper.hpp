@@ -64,8 +64,9 @@ public:
     /// @throws InvalidRelationshipContent, InvalidContentTypeStream  a document that would have to take up the
     ///                             new part holds elements that weren't read. Nothing has changed
     /// @throws PartAlreadyExists   a part of that name exists, but no relationship leads to it
-    /// @throws InvalidPartContent  a text holds what XML can't hold. The part is empty by then: abandon the
-    ///                             package, or write again
+    /// @throws InvalidPartContent  a value that XML can't hold, or that wouldn't come back as it is: control
+    ///                             characters in a text, a language that is none, a time outside the years 1400 to
+    ///                             9999. Nothing has changed then
     /// @throws PartNotFound, InvalidPartName, and what `Relationship::getTargetURI` raises: the relationship
     ///         leads to no part
     static void createOrUpdateCoreProperties(Package& package, const CoreProperties& properties);
