@@ -89,4 +89,24 @@ TEST(ZipDamage, isRefusedAboveTheLimits) {
     }
 }
 
+TEST(ZipDamage, isNotCreatedAboveTheLimits) {
+    ZipOptions options;
+    options.maxNameLength = 19;
+    options.maxDepth = 2;
+    options.maxItems = 3;
+    ZipPackage package(ZipPackage::Bytes{}, options);
+    package.open(OpenMode::CreateOnly);
+    create(package, u"/1234567890123456789", "");
+    EXPECT_FAILS(EFBIG, "its name has more bytes than the limit of 19",
+                 create(package, u"/12345678901234567890", ""));
+    create(package, u"/a/b/c", "");
+    EXPECT_FAILS(EFBIG, "deeper in folders than the limit of 2", create(package, u"/d/e/f/g", ""));
+    EXPECT_FAILS(EFBIG, "too many items for the limit of 3", create(package, u"/h", ""));
+    create(package, u"/A/B/C", "again");
+    putContentTypes(package, "types");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(names(package), u"/1234567890123456789 /a/b/c ");
+}
+
 } // namespace

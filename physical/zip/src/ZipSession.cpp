@@ -204,12 +204,27 @@ void ZipSession::requireWritable(const std::string& name) const {
         fail(itemPlace(context.place, name), "the archive is opened to read", EACCES);
 }
 
+/// What is saved must be opened again, by the same limits.
+void ZipSession::requireRoomFor(const std::string& item) {
+    const auto refuse = [&](const std::string& what, std::uint64_t limit) {
+        fail(itemPlace(context.place, item), what + std::to_string(limit), EFBIG);
+    };
+    if (item.size() > options.maxNameLength)
+        refuse("its name has more bytes than the limit of ", options.maxNameLength);
+    if (static_cast<std::uint64_t>(std::count(item.begin(), item.end(), '/')) > options.maxDepth)
+        refuse("deeper in folders than the limit of ", options.maxDepth);
+    constexpr std::uint64_t CONTENT_TYPES_AND_THIS = 2;
+    if (!parts.find(item) && parts.all().size() + ignored.size() + CONTENT_TYPES_AND_THIS > options.maxItems)
+        refuse("too many items for the limit of ", options.maxItems);
+}
+
 ZipPart& ZipSession::create(const std::u16string& partName, interfaces::CompressionType compression) {
     std::string name = detail::toUTF8String(partName, true);
     requireWritable(name);
     if (const char* defect = partNameDefect(name))
         fail(itemPlace(context.place, name), std::string("no part name: ") + defect, EINVAL);
     name.erase(0, 1);
+    requireRoomFor(name);
     if (const auto other = extractionNames.addOwned(name, name))
         fail(itemPlace(context.place, name),
              "no part name here: other programs may extract it over " + printable(*other), EINVAL);

@@ -56,6 +56,7 @@ private:
     void checkName(ItemIndex item, std::string_view name, const std::string& how);
     void checkLimits(const DirectoryEntry& entry);
     void requireWritable(const std::string& name) const;
+    void requireRoomFor(const std::string& item);
     void write(ByteTarget& target);
 
     ArchiveStore& store;

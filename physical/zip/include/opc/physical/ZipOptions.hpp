@@ -18,8 +18,8 @@ struct ZipOptions {
     /// The same operations give the same bytes: what is written gets a fixed time stamp.
     bool deterministic = false;
 
-    /// @name Limits on what is opened, for hostile files. Exceeding one fails the `open`. What would exceed the
-    /// ratio when it is written is stored instead.
+    /// @name Limits on what is opened, for hostile files. Exceeding one fails the `open`. A part can't be created whose
+    /// name or number would. What would exceed the ratio when it is written is stored instead.
     /// @{
 
     std::uint64_t maxItems = 100000;

@@ -30,8 +30,8 @@ namespace opc::physical {
 /// names of relationships parts get the case that the standard gives them. A part that is written again keeps the
 /// spelling of its item. An item that another program would extract over a part, or over the content types stream, is
 /// refused: its name, once simplified (`./a`, `a;1`, `%61`), or a Unicode Path field leads there. A part can't be
-/// created if an archive can't hold its name: more than 65,535 bytes, a drive in front, the folder `__MACOSX`,
-/// a relationships part in another case, or a name that leads to another item in such a way.
+/// created if the limits forbid it, or an archive can't hold its name: more than 65,535 bytes, a drive in front, the
+/// folder `__MACOSX`, a relationships part in another case, or a name that leads to another item in such a way.
 ///
 /// **Headers.** `open` checks the local header and the data descriptor of each item against the directory, and that no
 /// local header stands between the items. Bytes there that belong to no item are dropped by the next save.
