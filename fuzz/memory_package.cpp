@@ -77,11 +77,6 @@ void addRelationships(const RelationshipSource& source, Lines& lines) {
     }
 }
 
-/// Whether `change` makes a part of that name.
-bool isMadeHere(const PartName& name) {
-    return name == NEW_PART || name == PackageHelper::getCorePropertiesURI().toString();
-}
-
 /// All that the model says of a package.
 Lines contentOf(const Package& package) {
     Lines lines;
@@ -89,9 +84,7 @@ Lines contentOf(const Package& package) {
     for (const Part& part : package.getParts()) {
         require(package.hasPart(part.getName()), "a part is found by its name");
         lines.push_back(part.getName().toString());
-        // An Override that stands there without a part wins over the type of a new part.
-        if (!isMadeHere(part.getName()))
-            lines.push_back(part.getContentType().toString());
+        lines.push_back(part.getContentType().toString());
         lines.push_back(opc::toString(readFromStart(part), false));
         addRelationships(part, lines);
     }
