@@ -78,7 +78,7 @@ ordered_json describe(const Relationship& relationship) {
 class JSONArray {
 public:
     void add(const ordered_json& element) {
-        std::string text = element.dump(2);
+        std::string text = escapedJSON(element.dump(2));
         for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1))
             text.insert(end + 1, "  ");
         std::cout << (isEmpty ? "[\n  " : ",\n  ") << text;
