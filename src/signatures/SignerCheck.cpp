@@ -104,7 +104,7 @@ SignerFinding SignerCheck::check(const DigitalSignatureData& data) const {
 
 DigitalSignatureVerificationStatus SignerCheck::verify(const DigitalSignatureData& data,
                                                        const Options& options) const {
-    const auto status = data.verifyWithFingerprints(policy.fingerprints, policy.trustStore, options);
+    auto status = data.verifyWithFingerprints(policy.fingerprints, policy.trustStore, options);
     if (!status.isProperlyCodesigned() || policy.means == SignaturePolicy::Means::Trust ||
         isKnown(data.getCertificate()))
         return status;

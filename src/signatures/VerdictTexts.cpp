@@ -12,27 +12,27 @@ namespace {
 constexpr std::size_t LISTED = 5;
 
 struct Meaning {
-    int code;
     const char* words;
+    int code;
     bool isAboutSigner;
 };
 
 constexpr Meaning MEANINGS[] = {
-    {0, "holds", false},
-    {1, "signature value is wrong", false},
-    {2, "signature value is wrong", false},
-    {3, "certificate has expired", true},
-    {4, "certificate isn't valid yet", true},
-    {5, "signer isn't trusted", true},
-    {6, "signer isn't trusted", true},
-    {7, "certificate isn't for signing", true},
-    {8, "certificate chain is wrong", true},
-    {9, "signer is unknown: no certificate", true},
-    {10, "certificate is revoked", true},
-    {11, "algorithm is too weak", true},
-    {16, "certificate is forged", true},
-    {19, "no revocation list covers the certificate", true},
-    {101, "content changed", false},
+    {"holds", 0, false},
+    {"signature value is wrong", 1, false},
+    {"signature value is wrong", 2, false},
+    {"certificate has expired", 3, true},
+    {"certificate isn't valid yet", 4, true},
+    {"signer isn't trusted", 5, true},
+    {"signer isn't trusted", 6, true},
+    {"certificate isn't for signing", 7, true},
+    {"certificate chain is wrong", 8, true},
+    {"signer is unknown: no certificate", 9, true},
+    {"certificate is revoked", 10, true},
+    {"algorithm is too weak", 11, true},
+    {"certificate is forged", 16, true},
+    {"no revocation list covers the certificate", 19, true},
+    {"content changed", 101, false},
 };
 
 const Meaning* find(int code) {

@@ -161,10 +161,14 @@ bool isUnreadable(const SignatureVerdict& verdict) {
 
 /// Fails with all that couldn't be read or checked.
 [[noreturn]] void failOpen(const std::string& package, const SignatureVerdict& verdict) {
+    constexpr std::size_t TOLD = 5; // a small package can have very many bad signatures
     std::string text;
+    std::size_t count = 0;
     for (const VerdictReason& reason : verdict.getReasons())
-        if (reason.leavesOpen())
-            text += (text.empty() ? "" : "; ") + reason.text;
+        if (reason.leavesOpen() && ++count <= TOLD)
+            text += (count == 1 ? "" : "; ") + reason.text;
+    if (count > TOLD)
+        text += "; and " + std::to_string(count - TOLD) + " more";
     throw opc::model::InvalidSignature(package + ": " + text, verdict.getReasons().front().code);
 }
 

@@ -9,7 +9,6 @@
 #include <boost/date_time/posix_time/ptime.hpp>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace opc::model {
@@ -26,7 +25,7 @@ enum class SignerEvidence {
 
 /// What `DigitalSignatureManager::judge` found out about one signature. All texts are in English.
 struct JudgedSignature {
-    explicit JudgedSignature(DigitalSignature judged) : signature(std::move(judged)) {}
+    explicit JudgedSignature(const DigitalSignature& judged) : signature(judged) {}
 
     DigitalSignature signature;
 
