@@ -20,6 +20,8 @@ namespace opc::model {
 
 namespace {
 
+constexpr const char* UNREAD = "holds elements that weren't read";
+
 /// The content type in the query of a reference; empty if there is none.
 std::u16string_view contentTypeIn(std::u16string_view query) {
     std::u16string_view start(vocabulary::CONTENT_TYPE_QUERY);
@@ -72,6 +74,8 @@ struct SignatureParts {
 PackageCoverage::PackageCoverage(const DigitalSignatureManager& manager, const Package& package,
                                  const std::vector<DigitalSignature>& signatures)
     : ignoredItems(package.getIgnoredItems()) {
+    if (package.hasUnreadContentTypes())
+        ignoredItems.push_back({u"/[Content_Types].xml", UNREAD});
     SignatureCoverage coverage(manager);
     for (const DigitalSignature& signature : signatures)
         coverage.add(signature);
@@ -113,6 +117,8 @@ void PackageCoverage::findKeywordsIn(const Part& part) {
 void PackageCoverage::addRelationships(const RelationshipSource& source, const URI& uri,
                                        const SignatureCoverage& coverage,
                                        const std::u16string& typeOfSignatures) {
+    if (source.hasUnreadRelationships())
+        ignoredItems.push_back({PartName(uri).getRelationshipPartName(), UNREAD});
     const auto relationships = source.getRelationships();
     if (relationships.empty())
         return;

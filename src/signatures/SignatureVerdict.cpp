@@ -61,7 +61,7 @@ void SignatureVerdict::requireFullCoverage() {
     for (const interfaces::IgnoredItem& item : coverage.getIgnoredItems())
         ignored.add(verdict::describe(item));
     if (!ignored.empty())
-        addReason(Kind::IgnoredItem, "beside the parts there are: " + ignored.toText());
+        addReason(Kind::IgnoredItem, "ignored, but not by other programs: " + ignored.toText());
 }
 
 } // namespace opc::model

@@ -162,6 +162,21 @@ TEST_F(Verdict, signaturesOfAnotherFormCanNotBeChecked) {
     expectReason(manager->judge(byKey()), Kind::ForeignForm, {});
 }
 
+TEST_F(Verdict, elementsThatWereNotReadCountAmongTheIgnored) {
+    close(true);
+    store.removePart(CORE_PROPERTIES);
+    open();
+    signAll();
+    close(false);
+    const std::string unread = "<p:Relationship xmlns:p=\"http://schemas.openxmlformats.org/package/2006/"
+                               "relationships\" Id=\"p\" Type=\"urn:p\" Target=\"a.xml\"/>";
+    store.setPart(u"/_rels/a.xml.rels", toBytes(replaced(text(u"/_rels/a.xml.rels"), "</Relationships>",
+                                                         unread + "</Relationships>")));
+    open(opc::interfaces::OpenMode::ReadOnly);
+    EXPECT_TRUE(manager->judge(byKey()).isYes());
+    expectReason(manager->judge(byKey().requireFull()), Kind::IgnoredItem, {"/_rels/a.xml.rels"});
+}
+
 TEST_F(Verdict, weakAlgorithmsOfValueAndAnyDigestCountUnlessAccepted) {
     const auto& strong = keysOf(2048);
     const auto signStrong = [&](DigestMethod digest) {

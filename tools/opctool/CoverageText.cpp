@@ -37,7 +37,7 @@ std::string summarize(const PackageCoverage& coverage) {
     for (const ChangedContentType& changed : coverage.getChangedContentTypes())
         text += "Changed content type: " + describe(changed) + '\n';
     for (const auto& item : coverage.getIgnoredItems())
-        text += "Ignored beside the parts: " + clean(item.name) + ": " +
+        text += "Ignored, but not by other programs: " + clean(item.name) + ": " +
                 withoutControlCharacters(item.reason) + '\n';
     return text;
 }

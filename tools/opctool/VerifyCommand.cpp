@@ -214,8 +214,9 @@ void addVerifyCommand(CLI::App& app) {
         ->check(checkFingerprint)
         ->excludes(publicKey);
     command->add_option("--signature", arguments->signature, "Check that one alone, such as sig1");
-    command->add_flag("--require-full", arguments->requireFull,
-                      "Accept nothing uncovered, changed in content type, or ignored beside the parts");
+    command->add_flag(
+        "--require-full", arguments->requireFull,
+        "Accept nothing uncovered, changed in content type, or ignored that other programs may read");
     command->add_flag("--json", arguments->json, "Print a JSON array");
     command->callback([arguments] { verify(*arguments); });
 }

@@ -48,7 +48,8 @@ public:
     /// The covered parts whose content type differs from one that a signature names for them.
     const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
 
-    /// What the store holds beside the parts: the model ignores it, another program may not.
+    /// What the store holds beside the parts, and the documents that hold elements which weren't read: the
+    /// model ignores it, another program may not.
     const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
 
     /// How many bytes of the covered core properties part lie outside every signature, since they are

@@ -69,7 +69,7 @@ struct VerdictReason {
         WeakAlgorithm,      ///< a signature, a certificate or a revocation list is too weak
         NotCovered,         ///< full coverage is asked for, and no signature that holds covers this
         ContentTypeChanged, ///< full coverage is asked for, and the content type isn't as signed
-        IgnoredItem,        ///< full coverage is asked for, and the store holds something beside the parts
+        IgnoredItem, ///< full coverage is asked for, and there is something that only other programs read
     };
 
     /// Whether it is only known that something can't be known.
