@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,8 +21,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// So many names are tried: others can take one in a folder in which everybody may make files.
-constexpr unsigned NAMES = 100;
+/// So many names are tried. Others can take the first ones in a folder in which everybody may make files; the
+/// rest can't be foretold.
+constexpr unsigned NAMES = 20;
+constexpr unsigned FORETOLD_NAMES = 10;
+
+unsigned randomNumber() {
+    unsigned number = 0; // stays if the system has none
+    return ::getrandom(&number, sizeof number, 0) < 0 ? 0 : number;
+}
 
 fs::path resolve(const fs::path& path) {
     std::error_code error;
@@ -58,8 +66,8 @@ ReplacementFile::~ReplacementFile() {
 
 void ReplacementFile::make() {
     const long most = ::fpathconf(folder.get(), _PC_NAME_MAX);
-    for (unsigned number = 0; number < NAMES; ++number) {
-        name = temporaryName(target.filename().string(), number,
+    for (unsigned tried = 0; tried < NAMES; ++tried) {
+        name = temporaryName(target.filename().string(), tried < FORETOLD_NAMES ? tried : randomNumber(),
                              most > 0 ? static_cast<std::size_t>(most) : std::size_t{NAME_MAX});
         do {
             if (create())
