@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace opc::physical::zip {
 
@@ -180,11 +181,16 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     const auto note = [&](const char* what) {
         directory.unread.push_back({std::string(entry.name), record + std::string(what)});
     };
+    bool hasPath = false;
     ExtraFieldWalk walk(extra, size);
     for (ExtraField field; walk.next(field);) {
         if (field.kind == STRONG_ENCRYPTION_FIELD)
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
-        if (field.kind == UNICODE_PATH_FIELD && unicodePath(field) != entry.name) {
+        if (field.kind != UNICODE_PATH_FIELD)
+            continue;
+        if (std::exchange(hasPath, true)) // thousands would take memory a thousandfold
+            fail(itemPlace(place, entry.name), "two Unicode Path fields", EBADMSG);
+        if (unicodePath(field) != entry.name) {
             directory.otherNames.push_back({item, std::string(unicodePath(field))});
             note(" gives it another name in a Unicode Path field");
         }

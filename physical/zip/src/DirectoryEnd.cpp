@@ -35,9 +35,9 @@ bool standsBehindItsDirectory(const EndRecord& end) {
     return end.directory.offset + end.directory.size == end.offset;
 }
 
-/// The one end record that reaches to the end of the archive. Were there two, one in the comment of the
-/// other, some programs would take the one and some the other; likewise one in the content of an item, with
-/// all that it needs to be taken for the end.
+/// The one end record that reaches to the end of the archive. Some programs take the last one, whatever its
+/// numbers say: so there may be none in the comment. One in the content of an item is only refused with all that
+/// it needs to be taken for the end: an archive that is an item has one.
 EndRecord findEndRecord(ByteSource& archive, const std::string& place) {
     const std::uint64_t size = archive.size();
     const auto tailSize =
@@ -52,7 +52,7 @@ EndRecord findEndRecord(ByteSource& archive, const std::string& place) {
             continue;
         EndRecord end = readEndRecord(record, size - left);
         if (DIRECTORY_END_SIZE + read16(record + 20) != left) {
-            isAmbiguous = isAmbiguous || standsBehindItsDirectory(end);
+            isAmbiguous = isAmbiguous || !found || standsBehindItsDirectory(end);
             continue;
         }
         if (found)
@@ -92,6 +92,9 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
     constexpr std::uint64_t UNCOUNTED = 12; // signature and size don't count in the record's size
     if (read32(record) != ZIP64_DIRECTORY_END || read64(record + 4) != end - offset - UNCOUNTED)
         failDirectory(place, "the ZIP64 locator leads nowhere");
+    // Programs that don't go by the locator read the last bytes in front of it, which could be another record.
+    if (end - offset != ZIP64_DIRECTORY_END_SIZE)
+        failDirectory(place, "something stands behind the numbers of the ZIP64 end record");
     return {offset,
             read32(record + 16),
             read32(record + 20),

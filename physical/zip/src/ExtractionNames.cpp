@@ -23,6 +23,12 @@ bool isControl(char c) {
     return (c >= '\0' && c < ' ') || c == '\x7F';
 }
 
+std::string toLowerCase(std::string text) {
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return text;
+}
+
 /// "a;12" is version 12 of "a" on some systems.
 void dropVersion(std::string& segment) {
     const std::size_t semicolon = segment.rfind(';');
@@ -31,10 +37,25 @@ void dropVersion(std::string& segment) {
         segment.resize(semicolon);
 }
 
+/// "a::$DATA" is the file "a" on some systems, and with the other endings it is the folder.
+void dropStream(std::string& segment) {
+    for (const string_view stream : {"::$data", "::$index_allocation", ":$i30:$index_allocation"}) {
+        const std::size_t start = segment.size() - std::min(segment.size(), stream.size());
+        if (toLowerCase(segment.substr(start)) == stream)
+            return segment.resize(start);
+    }
+}
+
+void dropDrive(std::string& segment) {
+    if (segment.size() > 1 && isLetter(segment[0]) && segment[1] == ':')
+        segment.erase(0, 2);
+}
+
 std::string simplifySegment(string_view segment) {
     std::string simple;
     std::remove_copy_if(segment.begin(), segment.end(), std::back_inserter(simple), isControl);
     dropVersion(simple);
+    dropStream(simple);
     simple.resize(simple.find_last_not_of(". ") + 1); // 0 if there is nothing else
     return simple;
 }
@@ -47,13 +68,13 @@ void dropLastSegment(std::string& folder) {
 
 /// Puts the segments of a name together, as far as they count.
 std::string simplify(string_view name) {
-    if (name.size() > 1 && isLetter(name[0]) && name[1] == ':')
-        name.remove_prefix(2);
     std::string simple;
     while (!name.empty()) {
         const string_view segment = name.substr(0, name.find_first_of("/\\"));
         name.remove_prefix(std::min(segment.size() + 1, name.size()));
-        const std::string kept = simplifySegment(segment);
+        std::string kept = simplifySegment(segment);
+        if (simple.empty())
+            dropDrive(kept);
         if (segment == "..") // of a decoded name alone; others that have it are refused
             dropLastSegment(simple);
         else if (!kept.empty())
@@ -78,10 +99,7 @@ std::string decode(string_view name) {
 
 /// As a part would be called, in lower case.
 std::string keyOf(string_view itemName) {
-    std::string key = encodeItemName(itemName);
-    for (char& c : key)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return key;
+    return toLowerCase(encodeItemName(itemName));
 }
 
 std::string simpleKey(string_view itemName) {
@@ -114,6 +132,8 @@ std::optional<std::string> ExtractionNames::addOwned(string_view partName, strin
     if (isUsual && ignored.empty() && owned.empty())
         return std::nullopt;
     const std::string own = keyOf(partName);
+    if (own == keyOf(CONTENT_TYPES_ITEM) && partName != CONTENT_TYPES_ITEM)
+        return CONTENT_TYPES_ITEM;
     const std::string simple = isUsual ? own : simpleKey(itemName);
     const std::string bare = isUsual ? own : decodedKey(itemName);
     for (const std::string& key : {own, simple, bare}) {
@@ -136,8 +156,7 @@ std::optional<std::string> ExtractionNames::addOwned(string_view partName, strin
 std::optional<std::string> ExtractionNames::findPart(const std::string& key) const {
     if (const ZipPart* part = parts.find(key))
         return std::string(part->name);
-    static const std::string CONTENT_TYPES = keyOf(CONTENT_TYPES_ITEM);
-    if (key == CONTENT_TYPES)
+    if (key == keyOf(CONTENT_TYPES_ITEM))
         return CONTENT_TYPES_ITEM;
     const auto found = owned.find(key);
     if (found == owned.end() || (found->second != CONTENT_TYPES_ITEM && !parts.find(found->second)))

@@ -19,9 +19,10 @@ bool isPlainPartName(std::string_view name);
 /// names, to keep within a folder or to suit a file system, arrive at one name for two items.
 ///
 /// A name is simplified as far as any program is known to do it: backslashes are slashes; a drive, `.` and empty
-/// segments, control characters, dots and blanks at the end of a segment and version numbers (`;1`) are dropped;
-/// letter case doesn't count. Names of items that are no part are also compared with percent-encoded characters
-/// decoded. Parts whose names stay as they are, nearly all, are found in the list of parts alone.
+/// segments, control characters, dots and blanks at the end of a segment, version numbers (`;1`) and what names
+/// the content itself (`::$DATA`) are dropped; letter case doesn't count. Names of items that are no part are also
+/// compared with percent-encoded characters decoded. Parts whose names stay as they are, nearly all, are found in
+/// the list of parts alone.
 class ExtractionNames {
 public:
     /// @param allParts  of the package; must outlive this

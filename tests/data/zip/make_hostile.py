@@ -55,9 +55,9 @@ def end_record(count, size, offset, comment=b"", comment_size=None, disk=0):
                        len(comment) if comment_size is None else comment_size) + comment
 
 
-def zip64_records(count, size, offset, place=None):
-    record = struct.pack("<4sQ2H2I4Q", b"PK\6\6", 44, 45, 45, 0, 0, count, count, size, offset)
-    return record + struct.pack("<4sIQI", b"PK\6\7", 0, offset + size if place is None else place, 1)
+def zip64_records(count, size, offset, place=None, more=b""):
+    record = struct.pack("<4sQ2H2I4Q", b"PK\6\6", 44 + len(more), 45, 45, 0, 0, count, count, size, offset)
+    return record + more + struct.pack("<4sIQI", b"PK\6\7", 0, offset + size if place is None else place, 1)
 
 
 def parts(items, front=b""):
@@ -167,6 +167,7 @@ ARCHIVES = {
     "comment-longer-than-archive": archive(A, comment=b"abc", comment_size=40),
     "directory-within-content": directory_within_content(),
     "second-end-record-in-comment": second_end_record(),
+    "end-record-in-comment-with-bytes-behind": archive(A, comment=end_record(0, 0, 7) + b"x"),
     "several-disks": archive(A, disk=1),
     "more-items-than-directory": archive(A, count=5),
     "fewer-items-than-directory": archive(A, count=1),
@@ -176,6 +177,7 @@ ARCHIVES = {
     "zip64-locator-leads-nowhere": archive(A, zip64=lambda c, s, o: (c, s, o, 7)),
     "zip64-locator-beyond-archive": archive(A, zip64=lambda c, s, o: (c, s, o, 1 << 60)),
     "zip64-record-differs": archive(A, zip64=lambda c, s, o: (c, s, o - 1, o + s)),
+    "zip64-record-within-another": archive(A, zip64=lambda c, s, o: (c, s, o, None, zip64_records(0, 0, 0)[:56])),
     "zip64-million-millions-of-items": archive(A, count=0xFFFF, zip64=lambda c, s, o: (1 << 40, s, o)),
     "zip64-field-missing": archive(Item("a", size=NO_ROOM, packed=NO_ROOM)),
     "zip64-field-short": archive(Item("a", size=NO_ROOM, packed=NO_ROOM, extra=zip64_field(7))),
@@ -220,15 +222,19 @@ ARCHIVES = {
     "shadow-by-blank-behind": archive(A, Item("a ")),
     "shadow-by-control-character": archive(A, Item("a\1")),
     "shadow-by-version": archive(A, Item("a;12")),
+    "shadow-by-stream": archive(A, Item("a::$DATA")),
+    "shadow-by-stream-of-folder": archive(Item("f/a"), Item("F:$I30:$Index_Allocation/a")),
     "shadow-by-drive": archive(A, Item("c:a")),
     "shadow-by-folder": archive(A, Item("a/")),
     "shadow-by-piece-without-others": archive(A, Item("a/[1].piece")),
     "shadow-of-piece": archive(Item("a/[0].last.piece"), Item("a//[0].last.piece")),
     "shadow-of-content-types": archive(Item("./[content_types].xml")),
+    "shadow-of-content-types-by-encoding": archive(Item("%5BContent_Types%5d.xml")),
     "shadow-of-odd-item": archive(Item("a "), Item("a.")),
     "shadow-by-code-page": archive(Item("\u251c\u2310", flags=0x800), Item("\u00e9")),
     "shadow-by-latin-1": archive(Item("\u00e9", flags=0x800), Item(b"\xE9")),
     "shadow-by-unicode-path": archive(A, Item("b", extra=unicode_path("a", b"b"))),
+    "unicode-path-twice": archive(Item("b", extra=2 * unicode_path("b"))),
     "shadow-by-unicode-path-of-ignored": archive(A, Item("[trash]/0", extra=unicode_path(".//%61"))),
     "shadow-by-unicode-path-in-directory": archive(A, Item("b", central=dict(extra=unicode_path("A")))),
     "shadow-by-unicode-path-in-local-header": archive(A, Item("b", local=dict(extra=b"xx\0\0" + unicode_path("a\0b")))),
