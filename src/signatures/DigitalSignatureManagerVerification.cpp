@@ -56,6 +56,17 @@ std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
     return base64Encode(data.computeDigest(text));
 }
 
+/// A countersignature is known by its identifier, which isn't signed: anybody could give it to another signature. The
+/// signed property of the time names the identifier, too.
+void throwIfNotMadeAsCountersignature(const DigitalSignatureData& data) {
+    const std::u16string target = u'#' + (vocabulary::SIGNATURE_ID_PREFIX + COUNTERSIGNATURE_ID);
+    const auto& properties = data.m_content.signatureProperties;
+    if (std::none_of(properties.begin(), properties.end(), [&target](const SignatureProperty& property) {
+            return property.id == vocabulary::SIGNATURE_TIME_ID && property.target == target;
+        }))
+        throw InvalidSignature("The signature wasn't made as a countersignature.", ErrorMap<104>());
+}
+
 } // namespace
 
 DigitalSignatureVerificationStatus DigitalSignatureManager::verifySignature(const DigitalSignature& signature,
@@ -155,6 +166,8 @@ DigitalSignatureManager::verifyReferencesAfterLoad(const DigitalSignatureData& d
 /// The references whose digests aren't those of what they lead to now.
 std::vector<const Reference*> DigitalSignatureManager::findDifferences(const DigitalSignatureData& data,
                                                                        PartDigesters& digesters) const {
+    if (data.m_signatureId == COUNTERSIGNATURE_ID)
+        throwIfNotMadeAsCountersignature(data);
     try {
         // Each digest is computed once, however many references there are to it.
         std::map<std::u16string, std::u16string> objectDigests; // by identifier

@@ -287,6 +287,20 @@ TEST_F(EditedSignature, holdsWithADeclarationOfTheObjectsOwn) {
     EXPECT_EQ(verify(u"sig1"), 0);
 }
 
+/// Nobody can name another signature of the same signer a countersignature, to remove signatures or add some.
+TEST_F(EditedSignature, holdsAsACountersignatureOnlyIfItWasMadeAsOne) {
+    constexpr char16_t COUNTERSIGNATURE[] = u"/_xmlsignatures/sigcountersig.xml";
+    open();
+    manager->countersignAllSignatures(privateKey, params);
+    reopen();
+    EXPECT_EQ(verify(u"sigcountersig"), 0);
+    close(true);
+    store.setPart(COUNTERSIGNATURE, toBytes(replaced(document, "Signature1", "Signaturecountersig")));
+    open();
+    EXPECT_EQ(verify(u"sigcountersig"), 104);
+    EXPECT_EQ(verify(u"sig1"), 0);
+}
+
 /// Only the origin part's own relationship to the countersignature counts with none of those that are signed.
 TEST_F(SignedPackage, noOtherRelationshipPassesForTheCountersignatures) {
     signPart(u"/a.xml");
