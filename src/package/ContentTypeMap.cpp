@@ -6,16 +6,20 @@ void ContentTypeMap::clear() {
     defaults.clear();
     overrides.clear();
     unread = 0;
+    contradicted = false;
     dirty = true;
 }
 
 void ContentTypeMap::addDefault(const std::u16string& extension, const ContentType& contentType) {
-    defaults.try_emplace(extension, DefaultEntry{contentType});
+    const auto [entry, isNew] = defaults.try_emplace(extension, DefaultEntry{contentType});
+    contradicted = contradicted || (!isNew && entry->second.contentType != contentType);
     dirty = true;
 }
 
 void ContentTypeMap::addOverride(const PartName& name, const ContentType& contentType) {
-    overrides.emplace_hint(overrides.end(), name, contentType);
+    const std::size_t before = overrides.size();
+    const auto entry = overrides.emplace_hint(overrides.end(), name, contentType);
+    contradicted = contradicted || (overrides.size() == before && entry->second != contentType);
     dirty = true;
 }
 

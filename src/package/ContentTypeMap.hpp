@@ -38,6 +38,9 @@ public:
     std::size_t countUnread() const noexcept { return unread; }
     void setUnread(std::size_t count) noexcept { unread = count; }
 
+    /// Whether an entry was to be added that says something else than the one that was there.
+    bool isContradicted() const noexcept { return contradicted; }
+
     /// An entry that is there already stays as it is.
     void addDefault(const std::u16string& extension, const ContentType& contentType);
     void addOverride(const PartName& name, const ContentType& contentType);
@@ -67,6 +70,7 @@ private:
     mutable std::optional<DocumentShare> share;
     bool dirty = true;
     std::size_t unread = 0;
+    bool contradicted = false;
     Defaults defaults;
     Overrides overrides;
 };

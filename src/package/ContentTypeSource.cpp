@@ -7,8 +7,11 @@
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/PackageHelper.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
 #include <opc/model/PhysicalOutputStream.hpp>
+
+#include <algorithm>
 
 namespace opc::model {
 
@@ -29,6 +32,16 @@ bool isExtensionCharacter(char16_t unit) {
 
 [[noreturn]] void throwNotFound(const PartName& name) {
     throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
+}
+
+/// Relationships parts are known by their names; their content types aren't looked at.
+bool givesRelationshipsAnotherType(const ContentTypeMap& map) {
+    const ContentType expected = PackageHelper::getRelationshipContentType();
+    const auto standard = map.getDefaults().find(u"rels");
+    return (standard != map.getDefaults().end() && standard->second.contentType != expected) ||
+           std::any_of(map.getOverrides().begin(), map.getOverrides().end(), [&expected](const auto& entry) {
+               return entry.first.isRelationshipName() && entry.second != expected;
+           });
 }
 
 } // namespace
@@ -56,11 +69,12 @@ void ContentTypeSource::read() {
 }
 
 bool ContentTypeSource::hasUnread() const {
-    return hasStream && contentTypes->countUnread() > 0;
+    return hasStream && (contentTypes->countUnread() > 0 || contentTypes->isContradicted() ||
+                         givesRelationshipsAnotherType(*contentTypes));
 }
 
 void ContentTypeSource::throwIfFixed() const {
-    if (hasUnread())
+    if (hasStream && contentTypes->countUnread() > 0)
         throw InvalidContentTypeStream(IN_STREAM + describeUnread(contentTypes->countUnread()));
 }
 

@@ -35,7 +35,8 @@ public:
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;
     ~ContentTypeSource();
 
-    /// Whether the stream holds elements that weren't read.
+    /// Whether the stream holds elements that weren't read, or were passed over: another content type for what has
+    /// one, or for a relationships part.
     bool hasUnread() const;
 
     /// Asked before anything is changed that the stream would have to be written for.

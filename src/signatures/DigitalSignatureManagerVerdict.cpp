@@ -2,6 +2,7 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/PartDigester.hpp"
+#include "signatures/SelectableRelationships.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/SignatureWork.hpp"
 #include "signatures/SignerCheck.hpp"
@@ -80,26 +81,28 @@ SignatureVerdict DigitalSignatureManager::judge(const DigitalSignature& signatur
 void DigitalSignatureManager::judgeAll(const Signatures& signatures, const SignaturePolicy& policy,
                                        SignatureVerdict& verdict) const {
     PartDigesters digesters(getPackage());
+    SelectableRelationships selectable(findOriginURI());
     std::set<const DigitalSignatureData*> judged;
     Signatures holding;
     for (const DigitalSignature& signature : signatures) {
         if (!judged.insert(signature.getImpl().get()).second)
             continue;
-        verdict.addSignature(judgeOne(signature, policy, digesters));
+        verdict.addSignature(judgeOne(signature, policy, digesters, selectable));
         if (verdict.getSignatures().back().holds)
             holding.push_back(signature);
     }
     verdict.coverage = computeCoverage(holding);
+    verdict.refuseIgnored(policy.isRequiringFull());
     if (policy.isRequiringFull())
         verdict.requireFullCoverage();
 }
 
 JudgedSignature DigitalSignatureManager::judgeOne(const DigitalSignature& signature,
-                                                  const SignaturePolicy& policy,
-                                                  PartDigesters& digesters) const {
+                                                  const SignaturePolicy& policy, PartDigesters& digesters,
+                                                  SelectableRelationships& selectable) const {
     JudgedSignature judged(signature);
     try {
-        check(policy, digesters, judged);
+        check(policy, digesters, selectable, judged);
         judged.isChecked = true;
         judged.holds = judged.code == ErrorMap<0>();
         judged.status = verdict::inWords(judged.code.value());
@@ -114,7 +117,7 @@ JudgedSignature DigitalSignatureManager::judgeOne(const DigitalSignature& signat
 }
 
 void DigitalSignatureManager::check(const SignaturePolicy& policy, PartDigesters& digesters,
-                                    JudgedSignature& judged) const {
+                                    SelectableRelationships& selectable, JudgedSignature& judged) const {
     if (m_work > MAXIMUM_WORK)
         throw InvalidSignature(TOO_MUCH_WORK, ErrorMap<102>());
     const DigitalSignatureData& data = *judged.signature.getImpl();
@@ -123,7 +126,11 @@ void DigitalSignatureManager::check(const SignaturePolicy& policy, PartDigesters
     judged.weaknesses = findWeaknesses(data);
     if (!status.isProperlyCodesigned() && !status.isErrorFromCertificateChain())
         return refuse(judged, status.getErrorCode(), "it wasn't made by that key, or has been changed");
-    const auto differences = findDifferences(data, digesters);
+    // The package may have been changed since it was loaded or signed, and is judged as it stands.
+    DigitalSignatureData current(data);
+    current.m_signedPartNames.clear();
+    fillUpSignedEntities(current, selectable);
+    const auto differences = findDifferences(current, digesters);
     // The time and all else that the signature says stand in its objects.
     const std::string whySignerIsRefused = signer.reason;
     if (std::none_of(differences.begin(), differences.end(), isOfObject))

@@ -21,6 +21,7 @@ namespace opc::model {
 namespace {
 
 constexpr const char* UNREAD = "holds elements that weren't read";
+constexpr const char* PASSED_OVER = "holds elements that weren't read or were passed over";
 
 /// The content type in the query of a reference; empty if there is none.
 std::u16string_view contentTypeIn(std::u16string_view query) {
@@ -75,7 +76,7 @@ PackageCoverage::PackageCoverage(const DigitalSignatureManager& manager, const P
                                  const std::vector<DigitalSignature>& signatures)
     : ignoredItems(package.getIgnoredItems()) {
     if (package.hasUnreadContentTypes())
-        ignoredItems.push_back({u"/[Content_Types].xml", UNREAD});
+        ignoredItems.push_back({u"/[Content_Types].xml", PASSED_OVER});
     SignatureCoverage coverage(manager);
     for (const DigitalSignature& signature : signatures)
         coverage.add(signature);
@@ -117,9 +118,13 @@ void PackageCoverage::findKeywordsIn(const Part& part) {
 void PackageCoverage::addRelationships(const RelationshipSource& source, const URI& uri,
                                        const SignatureCoverage& coverage,
                                        const std::u16string& typeOfSignatures) {
-    if (source.hasUnreadRelationships())
-        ignoredItems.push_back({PartName(uri).getRelationshipPartName(), UNREAD});
     const auto relationships = source.getRelationships();
+    if (source.hasUnreadRelationships()) {
+        const std::u16string name = PartName(uri).getRelationshipPartName();
+        ignoredItems.push_back({name, UNREAD});
+        if (coverage.findSelected(uri) != nullptr) // there may be one more of a signed type
+            unreadWhereSigned.insert(name);
+    }
     if (relationships.empty())
         return;
     const auto* const selected = coverage.findSelected(uri);

@@ -42,6 +42,15 @@ void SignatureVerdict::addSignature(JudgedSignature signature) {
     signatures.push_back(std::move(signature));
 }
 
+void SignatureVerdict::refuseIgnored(bool isAllRefused) {
+    verdict::Places ignored;
+    for (const interfaces::IgnoredItem& item : coverage.getIgnoredItems())
+        if (isAllRefused || coverage.unreadWhereSigned.count(item.name) != 0)
+            ignored.add(verdict::describe(item));
+    if (!ignored.empty())
+        addReason(Kind::IgnoredItem, "ignored, but not by other programs: " + ignored.toText());
+}
+
 void SignatureVerdict::requireFullCoverage() {
     verdict::Places uncovered;
     for (const PartName& name : coverage.getUncoveredParts())
@@ -57,11 +66,6 @@ void SignatureVerdict::requireFullCoverage() {
         changed.add(verdict::describe(change));
     if (!changed.empty())
         addReason(Kind::ContentTypeChanged, changed.toText());
-    verdict::Places ignored;
-    for (const interfaces::IgnoredItem& item : coverage.getIgnoredItems())
-        ignored.add(verdict::describe(item));
-    if (!ignored.empty())
-        addReason(Kind::IgnoredItem, "ignored, but not by other programs: " + ignored.toText());
 }
 
 } // namespace opc::model

@@ -2,6 +2,7 @@
 #include "SignedPackage.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/SignaturePolicy.hpp>
 #include <opc/model/SignatureVerdict.hpp>
 
@@ -162,19 +163,54 @@ TEST_F(Verdict, signaturesOfAnotherFormCanNotBeChecked) {
     expectReason(manager->judge(byKey()), Kind::ForeignForm, {});
 }
 
+TEST_F(Verdict, judgesThePackageAsItStands) {
+    signAll();
+    package->createExternalRelationship(u"urn:main", u"x", u"new");
+    expectReason(manager->judge(byKey()), Kind::DoesNotHold, {"/_rels/.rels"});
+    package->deleteRelationship(u"new");
+    EXPECT_TRUE(manager->judge(byKey()).isYes());
+    package->deleteRelationship(u"rId1");
+    expectReason(manager->judge(byKey()), Kind::NotChecked, {"urn:main"});
+}
+
+/// Where relationships are signed, other programs could read one more of a signed type. Elsewhere, what isn't read is
+/// uncovered like all else.
 TEST_F(Verdict, elementsThatWereNotReadCountAmongTheIgnored) {
     close(true);
     store.removePart(CORE_PROPERTIES);
+    store.setPart(u"/_rels/b.xml.rels", relationships(""));
     open();
     signAll();
     close(false);
-    const std::string unread = "<p:Relationship xmlns:p=\"http://schemas.openxmlformats.org/package/2006/"
-                               "relationships\" Id=\"p\" Type=\"urn:p\" Target=\"a.xml\"/>";
-    store.setPart(u"/_rels/a.xml.rels", toBytes(replaced(text(u"/_rels/a.xml.rels"), "</Relationships>",
-                                                         unread + "</Relationships>")));
-    open(opc::interfaces::OpenMode::ReadOnly);
-    EXPECT_TRUE(manager->judge(byKey()).isYes());
-    expectReason(manager->judge(byKey().requireFull()), Kind::IgnoredItem, {"/_rels/a.xml.rels"});
+    const auto expectUnread = [this](const std::string& document, bool isSignedFrom) {
+        SCOPED_TRACE(document);
+        open();
+        if (isSignedFrom)
+            expectReason(manager->judge(byKey()), Kind::IgnoredItem, {document});
+        EXPECT_EQ(manager->judge(byKey()).isYes(), !isSignedFrom);
+        expectReason(manager->judge(byKey().requireFull()), Kind::IgnoredItem, {document});
+        close(true);
+    };
+    const std::pair<const char16_t*, bool> documents[] = {
+        {u"/_rels/.rels", true}, {u"/_rels/a.xml.rels", true}, {u"/_rels/b.xml.rels", false}};
+    for (const auto& [name, isSignedFrom] : documents) {
+        const Bytes before = store.partBytes(name);
+        store.setPart(name, toBytes(replaced(
+                                toText(before), "</Relationships>",
+                                "<r:Relationship Id='r' Type='urn:main' Target='/b.xml' xmlns:r='http://"
+                                "schemas.openxmlformats.org/package/2006/relationships'/></Relationships>")));
+        expectUnread(opc::toUDEString(name), isSignedFrom);
+        store.setPart(name, before);
+    }
+    const Bytes before = store.contentTypes();
+    for (const std::string entry :
+         {"<t:Override PartName='/b.xml' ContentType='text/html' "
+          "xmlns:t='http://schemas.openxmlformats.org/package/2006/content-types'/>",
+          "<Default Extension='XML' ContentType='text/html'/>",
+          "<Override PartName='/_rels/a.xml.rels' ContentType='text/html'/>"}) {
+        store.setContentTypes(toBytes(replaced(toText(before), "</Types>", entry + "</Types>")));
+        expectUnread("/[Content_Types].xml", false);
+    }
 }
 
 TEST_F(Verdict, weakAlgorithmsOfValueAndAnyDigestCountUnlessAccepted) {

@@ -226,7 +226,8 @@ public:
     /// @{
 
     /// The verdict on which a gate can rely: whether there are signatures, all of them hold by the policy,
-    /// and nothing that the policy asks for is missing. Each part is digested once for all signatures.
+    /// and nothing that the policy asks for is missing. Each part is digested once for all signatures. The
+    /// package is judged as it stands, changes that aren't saved yet included.
     ///
     /// Unlike `verifySignature` it raises nothing for a signature that can't be read or checked: the answer
     /// isn't yes then, and the reasons say why.
@@ -354,8 +355,9 @@ private:
     void judgeAll(const Signatures& signatures, const SignaturePolicy& policy,
                   SignatureVerdict& verdict) const;
     JudgedSignature judgeOne(const DigitalSignature& signature, const SignaturePolicy& policy,
-                             PartDigesters& digesters) const;
-    void check(const SignaturePolicy& policy, PartDigesters& digesters, JudgedSignature& judged) const;
+                             PartDigesters& digesters, SelectableRelationships& selectable) const;
+    void check(const SignaturePolicy& policy, PartDigesters& digesters, SelectableRelationships& selectable,
+               JudgedSignature& judged) const;
     static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
 
     void deleteSignaturePart(const PartName& partName);

@@ -119,6 +119,7 @@ public:
     /// All parts in the order of their names, without regard to letter case. Relationships parts are never
     /// among them.
     /// @throws PackageNotOpen
+    /// @throws InvalidSignature  managed parts are left out, and the signatures can't be read
     Enumerator<std::vector<Part>> getParts(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
     /// Whether `name` lies above or below the name of a part [M1.11]. An equal name doesn't count.
@@ -126,8 +127,9 @@ public:
     ///                  if it lies above others, otherwise the part above it
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
-    /// Whether the content types stream holds elements that weren't read, as they have a namespace prefix or stand
-    /// in the wrong place. Other programs may find content types there.
+    /// Whether the content types stream holds elements that the model doesn't go by, and other programs may: they
+    /// weren't read, as they have a namespace prefix or stand in the wrong place, or they give another content type
+    /// to what already has one, or to a relationships part.
     /// @throws PackageNotOpen
     bool hasUnreadContentTypes() const;
 

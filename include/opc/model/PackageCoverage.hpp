@@ -7,6 +7,7 @@
 #include <opc/model/SignatureCoverage.hpp>
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -81,6 +82,8 @@ private:
     std::vector<Relationship> uncoveredRelationships;
     std::vector<ChangedContentType> changedContentTypes;
     std::vector<interfaces::IgnoredItem> ignoredItems;
+    std::set<std::u16string>
+        unreadWhereSigned; ///< relationships parts among the ignored from which some are signed
     std::size_t keywordsBegin = 0;
     std::size_t keywordsSize = 0;
 };

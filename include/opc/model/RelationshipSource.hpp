@@ -73,6 +73,7 @@ public:
     bool hasRelationship(const std::u16string& id) const;
 
     /// All relationships in the order of their IDs, code unit by code unit (rId10 stands before rId2).
+    /// @throws InvalidSignature  managed relationships are left out, and the signatures can't be read
     Enumerator<std::vector<Relationship>> getRelationships(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
     /// Those of one type, letter case counting, in the order of their IDs; managed ones included.

@@ -69,7 +69,8 @@ struct VerdictReason {
         WeakAlgorithm,      ///< a signature, a certificate or a revocation list is too weak
         NotCovered,         ///< full coverage is asked for, and no signature that holds covers this
         ContentTypeChanged, ///< full coverage is asked for, and the content type isn't as signed
-        IgnoredItem, ///< full coverage is asked for, and there is something that only other programs read
+        IgnoredItem, ///< only other programs read something: among signed relationships, or, if full coverage
+                     ///< is asked for, anywhere
     };
 
     /// Whether it is only known that something can't be known.
@@ -111,6 +112,7 @@ private:
 
     void addReason(VerdictReason::Kind kind, std::string text);
     void addSignature(JudgedSignature signature);
+    void refuseIgnored(bool isAllRefused);
     void requireFullCoverage();
 
     std::vector<VerdictReason> reasons;
