@@ -14,13 +14,23 @@ constexpr std::uint64_t MAXIMUM_LISTED = 10000000;
 /// What it costs to compose a relationship, as against digesting a byte of it.
 constexpr std::uint64_t COMPOSING = 500;
 
+/// Honest signatures select short relationships, some of them very often. Long ones are a way to keep a verifier busy
+/// with a small package.
+constexpr std::uint64_t LONG = 1024;
+constexpr std::uint64_t WORK_OF_LONG = 4;
+
+std::uint64_t workOf(const SelectedGroup& group) {
+    const bool isLong = group.length > LONG * group.relationships.size();
+    return group.length * (isLong ? WORK_OF_LONG : 1);
+}
+
 } // namespace
 
 void SignedRelationships::add(const Group& group) {
     const bool isNew = times[group]++ == 0;
     order.push_back(group.get());
     entries += group->relationships.size();
-    digestWork += group->length + (isNew ? COMPOSING * group->relationships.size() : 0);
+    digestWork += workOf(*group) + (isNew ? COMPOSING * group->relationships.size() : 0);
 }
 
 std::vector<Relationship> SignedRelationships::toVector() const {

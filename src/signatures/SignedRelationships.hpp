@@ -33,7 +33,8 @@ public:
 
     bool empty() const { return entries == 0; }
 
-    /// What it takes to digest them, in bytes: the length of their text, and 500 for each different one.
+    /// What it takes to digest them, in bytes: the length of their text, and 500 for each different one. A group
+    /// whose relationships have more than 1 KiB on average counts four times.
     std::uint64_t work() const { return digestWork; }
 
     /// Every entry, in the order of the selections.
