@@ -176,7 +176,8 @@ TEST(RsaKeys, damagedKeysAreRefusedOrSignRightly) {
         std::size_t refused = 0;
         for (std::size_t position = 0; position < good.size(); ++position) {
             Bytes damaged = good;
-            damaged[position] ^= position % 2 ? 1 : 0x80;
+            const unsigned char flipped = position % 2 != 0 ? 1 : 0x80;
+            damaged[position] ^= flipped;
             try {
                 provider.createRSAPrivateKey(1024, damaged);
             } catch (const InvalidKey&) {
