@@ -156,6 +156,18 @@ for name in 'SIGHUP', 'SIGINT', 'SIGTERM':
     tool.send_signal(number)
     print(tool.wait() == -number, sorted(os.listdir()))
 )");
+    write("asking.py", R"(import os, pty, signal, subprocess, termios
+terminal = pty.openpty()[1]
+echoes = lambda: bool(termios.tcgetattr(terminal)[3] & termios.ECHO)
+tool = subprocess.Popen([')" OPCTOOL R"(', 'sign', 'a.zip', '--p12', 'a.zip'], stdin=terminal,
+                        preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+while tool.poll() is None and echoes():
+    pass
+tool.send_signal(signal.SIGINT)
+print(tool.wait() == -signal.SIGINT, echoes())
+)");
+    EXPECT_EQ(folder.run("python3 asking.py 2>stderr").output, "True True\n");
+    std::filesystem::remove(folder / "asking.py");
     const std::string line = "True ['a.zip', 'big', 'saving.py', 'stderr']\n";
     EXPECT_EQ(folder.run("python3 saving.py 2>stderr").output, line + line + line);
     EXPECT_EQ(readFile(folder / "a.zip"), before);

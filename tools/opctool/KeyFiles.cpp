@@ -1,5 +1,7 @@
 #include "KeyFiles.hpp"
 
+#include "Signals.hpp"
+
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <bedrock/crypto/utils/Cleanse.hpp>
@@ -8,7 +10,7 @@
 #include <opc/core/Text.hpp>
 
 #include <cerrno>
-#include <filesystem>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -76,13 +78,14 @@ Bytes toPem(const std::string& label, const Bytes& der) {
                          {error, boost::system::generic_category()});
 }
 
-/// A file that isn't there yet; it goes again unless it is kept.
+/// A file that is written under another name first if it may replace one. It goes again unless it is kept.
 class NewFile {
 public:
-    NewFile(const std::string& name, mode_t mode)
-        : path(name), descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
+    NewFile(const std::string& name, mode_t mode, bool replace)
+        : finalPath(name), path(replace ? name + "." + std::to_string(::getpid()) : name),
+          descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
         if (descriptor < 0)
-            failWriting(path);
+            failWriting(finalPath);
     }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
@@ -96,15 +99,20 @@ public:
         for (std::size_t done = 0; done < bytes.size();) {
             const ssize_t count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
             if (count < 0)
-                failWriting(path);
+                failWriting(finalPath);
             done += static_cast<std::size_t>(count);
         }
         if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: nothing that could be synchronised
-            failWriting(path);
+            failWriting(finalPath);
     }
-    void keep() noexcept { kept = true; }
+    void keep() {
+        if (path != finalPath && ::rename(path.c_str(), finalPath.c_str()) != 0)
+            failWriting(finalPath);
+        kept = true;
+    }
 
 private:
+    std::string finalPath;
     std::string path;
     int descriptor;
     bool kept = false;
@@ -144,17 +152,15 @@ std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& 
 void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& base, bool replace) {
     const std::string privatePath = base + ".key";
     const std::string publicPath = base + ".pub";
-    if (replace)
-        for (const std::string& path : {privatePath, publicPath})
-            std::filesystem::remove(path);
-    NewFile privateFile(privatePath, S_IRUSR | S_IWUSR);
-    NewFile publicFile(publicPath, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+    const WithoutSignals whole;
+    NewFile privateFile(privatePath, S_IRUSR | S_IWUSR, replace);
+    NewFile publicFile(publicPath, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH, replace);
     Bytes pem = toPem("PRIVATE KEY", pair.getPrivateKey());
     privateFile.write(pem);
     bedrock::crypto::utils::cleanse(pem);
     publicFile.write(toPem("PUBLIC KEY", pair.getPublicKey()));
-    privateFile.keep();
     publicFile.keep();
+    privateFile.keep(); // last: it can't be made anew
 }
 
 } // namespace opctool

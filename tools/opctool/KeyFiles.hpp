@@ -21,7 +21,7 @@ std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& 
 /// @}
 
 /// Writes BASE.key, which its owner alone can read, and BASE.pub, both PEM. If one of them can't be written,
-/// what was written of them goes again.
+/// what was written of them goes again, and what they were to replace stays.
 /// @param replace  whether files of these names may be replaced
 /// @throws opc::Exception
 void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& base, bool replace);

@@ -3,6 +3,7 @@
 #include <opc/core/Exception.hpp>
 
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <iostream>
 
@@ -13,24 +14,34 @@ namespace opctool {
 
 namespace {
 
-/// While it lives, the terminal doesn't show what is typed.
+// Where the handler of a signal finds it.
+termios shown{}; ///< how the terminal shows what is typed
+volatile std::sig_atomic_t isQuiet = 0;
+
+/// While it lives, the terminal doesn't show what is typed. One at a time.
 class WithoutEcho {
 public:
     WithoutEcho() {
-        tcgetattr(STDIN_FILENO, &before);
-        termios quiet = before;
+        if (tcgetattr(STDIN_FILENO, &shown) != 0)
+            return;
+        isQuiet = 1;
+        termios quiet = shown;
         quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
     }
     WithoutEcho(const WithoutEcho&) = delete;
     WithoutEcho& operator=(const WithoutEcho&) = delete;
-    ~WithoutEcho() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &before); }
-
-private:
-    termios before{};
+    ~WithoutEcho() { showTyping(); }
 };
 
 } // namespace
+
+void showTyping() noexcept {
+    if (isQuiet == 0)
+        return;
+    isQuiet = 0;
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+}
 
 Password::Password(const std::string& file) {
     constexpr std::size_t USUAL = 256;

@@ -1,8 +1,8 @@
 #include "Signals.hpp"
 
-#include <opc/physical/UnfinishedFiles.hpp>
+#include "Password.hpp"
 
-#include <csignal>
+#include <opc/physical/UnfinishedFiles.hpp>
 
 namespace opctool {
 
@@ -10,6 +10,7 @@ namespace {
 
 extern "C" void endBySignal(int signal) {
     opc::physical::removeUnfinishedFiles();
+    showTyping();
     // Its usual effect is back by SA_RESETHAND, and comes when the handler returns.
     std::raise(signal);
 }
@@ -28,6 +29,16 @@ void leaveNothingBehindOnSignals() {
         sigfillset(&action.sa_mask);
         ::sigaction(signal, &action, nullptr);
     }
+}
+
+WithoutSignals::WithoutSignals() noexcept : before() {
+    sigset_t all;
+    sigfillset(&all);
+    ::sigprocmask(SIG_BLOCK, &all, &before);
+}
+
+WithoutSignals::~WithoutSignals() {
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
 } // namespace opctool
