@@ -49,7 +49,15 @@ TEST_F(OpctoolSignatures, keygenKeepsThePrivateKeyPrivate) {
     std::filesystem::remove(folder / "k.key");
     EXPECT_EQ(run("keygen k").errors, "opctool: Exception: k.pub exists already; --force replaces it\n");
     EXPECT_FALSE(std::filesystem::exists(folder / "k.key")) << "no half of a pair";
+    // Where the file may not become so long, a signal comes as well.
+    EXPECT_NE(folder.run("exec 2>&1; (ulimit -f 1; '" OPCTOOL "' keygen long --bits 4096)").status, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder / "long.key"));
     write("k.key", "readable");
+    std::filesystem::remove(folder / "k.pub");
+    std::filesystem::create_directory(folder / "k.pub");
+    EXPECT_EQ(run("keygen k --force").errors, "opctool: Exception: k.pub can't be written\n");
+    EXPECT_EQ(readFile<std::string>(folder / "k.key"), "readable");
+    std::filesystem::remove(folder / "k.pub");
     const Outcome weak = run("keygen k --bits 1024 --force");
     EXPECT_EQ(weak.status, 0);
     EXPECT_NE(weak.errors.find("--accept-weak"), std::string::npos);
@@ -75,6 +83,11 @@ TEST_F(OpctoolSignatures, signVerifyCountersignUnsign) {
     EXPECT_NE(run("verify p.docx --public k.pub").output.find("RSA 2048, sha256  key     holds (0)"),
               std::string::npos);
 
+    expectFailure("sign p.docx --key k.key --relationship-type /_xmlsignatures/origin.sigs:"
+                  "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature",
+                  "Exception: The relationships of signatures can't be signed by their type; countersign "
+                  "signs them",
+                  "p.docx");
     EXPECT_EQ(run("sign p.docx --key other.key").output, "sig2\n");
     EXPECT_EQ(run("countersign p.docx --key k.key").output, "sigcountersig\n");
     EXPECT_EQ(run("countersign p.docx --key k.key").status, 3);

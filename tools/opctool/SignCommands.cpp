@@ -92,7 +92,16 @@ RelationshipSelector makeSelector(const std::string& argument, std::size_t colon
                                 fromArgument(argument.substr(colon + 1)));
 }
 
-Selection select(const SignArguments& arguments, const Package& package) {
+/// Signing adds a relationship of such a type, and a signature over all of that type wouldn't hold.
+void throwIfOfSignatures(const RelationshipSelector& selector, const DigitalSignatureManager& signatures) {
+    const auto types = signatures.getManagedRelationshipTypes();
+    if (std::find(types.begin(), types.end(), selector.getSelectionCriteria()) != types.end())
+        throw opc::Exception("The relationships of signatures can't be signed by their type; countersign "
+                             "signs them");
+}
+
+Selection select(const SignArguments& arguments, const Package& package,
+                 const DigitalSignatureManager& signatures) {
     if (arguments.selectsAll())
         return selectAll(package);
     Selection selection;
@@ -101,9 +110,11 @@ Selection select(const SignArguments& arguments, const Package& package) {
     for (const std::string& argument : arguments.relationships) // IDs hold no colon
         selection.selectors.push_back(
             makeSelector(argument, argument.rfind(':'), RelationshipSelectorType::SourceId));
-    for (const std::string& argument : arguments.relationshipTypes)
+    for (const std::string& argument : arguments.relationshipTypes) {
         selection.selectors.push_back(
             makeSelector(argument, findEndOfSource(package, argument), RelationshipSelectorType::SourceType));
+        throwIfOfSignatures(selection.selectors.back(), signatures);
+    }
     return selection;
 }
 
@@ -115,7 +126,7 @@ void sign(const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
-    const Selection selection = select(arguments, *package);
+    const Selection selection = select(arguments, *package, signatures);
     const DigitalSignature signature = material.apply([&](const auto&... signer) {
         return signatures.sign(selection.parts, selection.selectors, signer...);
     });
