@@ -5,6 +5,7 @@
 #include "signatures/DigitalSignatureSerializer.hpp"
 #include "signatures/SelectableRelationships.hpp"
 #include "signatures/SignatureLayout.hpp"
+#include "signatures/VerdictTexts.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
@@ -41,12 +42,10 @@ std::uint32_t toNumber(const std::string& digits) {
     return static_cast<std::uint32_t>(number);
 }
 
-/// The part that a relationship of signatures leads to.
-PartName getTargetName(const Relationship& relationship) {
-    if (relationship.getTargetMode() == TargetMode::External)
-        throwUnreadable("A relationship of signatures leads out of the package: " +
-                        toUDEString(relationship.getTarget()));
-    return PartName(relationship.getTargetURI());
+void throwIfNoSignature(const Part& part) {
+    if (part.getContentType() != getSignaturePartContentType())
+        throwUnreadable("The part " + toUDEString(part.getName().toString()) +
+                        " doesn't have the content type of signatures.");
 }
 
 } // namespace
@@ -64,24 +63,28 @@ void DigitalSignatureManager::doLoad() {
     m_signatures.clear();
     m_nextSignatureID = 1;
     m_work = 0;
+    m_placeOfFailure.clear();
     try {
         const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
         if (origins.empty())
             return;
         if (origins.size() > 1)
             throwUnreadable("The package has more than one relationship to a signature origin part.");
-        const Part origin = getPackage().getPart(getTargetName(*origins.begin()));
+        const Part origin = getTarget(*origins.begin());
         SelectableRelationships selectable(origins.begin()->getTargetURI());
         // Each part is read once, however many relationships lead to it: a small package could fill all memory.
         std::map<const InputStream*, std::shared_ptr<DigitalSignatureData>> known;
         for (const Relationship& relationship :
              origin.getRelationshipsByType(getSignatureRelationshipType())) {
-            const Part part = getPackage().getPart(getTargetName(relationship));
+            const Part part = getTarget(relationship);
+            throwIfNoSignature(part);
+            m_placeOfFailure = toUDEString(part.getName().toString());
             std::shared_ptr<DigitalSignatureData>& data = known[&part.getInputStream()];
             if (!data)
                 data = readSignature(part, selectable);
             addLoadedSignature(data, part);
         }
+        m_placeOfFailure.clear();
         m_work = measureWork();
     } catch (const Exception& e) {
         throwUnreadable(e.what());
@@ -92,11 +95,17 @@ void DigitalSignatureManager::doLoad() {
     }
 }
 
+/// The part that a relationship of signatures leads to.
+Part DigitalSignatureManager::getTarget(const Relationship& relationship) {
+    m_placeOfFailure = verdict::describe(relationship);
+    if (relationship.getTargetMode() == TargetMode::External)
+        throwUnreadable("A relationship of signatures leads out of the package: " +
+                        toUDEString(relationship.getTarget()));
+    return getPackage().getPart(PartName(relationship.getTargetURI()));
+}
+
 std::shared_ptr<DigitalSignatureData>
 DigitalSignatureManager::readSignature(const Part& part, SelectableRelationships& selectable) const {
-    if (part.getContentType() != getSignaturePartContentType())
-        throwUnreadable("The part " + toUDEString(part.getName().toString()) +
-                        " doesn't have the content type of signatures.");
     auto data = std::make_shared<DigitalSignatureData>();
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);

@@ -57,7 +57,8 @@ SignatureVerdict DigitalSignatureManager::judge(const SignaturePolicy& policy) {
     try {
         ensureLoaded();
     } catch (const InvalidSignature& e) {
-        verdict.reasons.push_back({Kind::Unreadable, {}, e.getErrorCode(), e.what()});
+        const std::string place = m_placeOfFailure.empty() ? "" : m_placeOfFailure + ": ";
+        verdict.reasons.push_back({Kind::Unreadable, {}, e.getErrorCode(), place + e.what()});
         return verdict;
     }
     judgeAll(m_signatures, policy, verdict);

@@ -63,6 +63,11 @@ std::string describe(const interfaces::IgnoredItem& item) {
     return toUDEString(item.name) + " (" + item.reason + ")";
 }
 
+std::string describe(const Relationship& relationship) {
+    return "relationship " + toUDEString(relationship.getID()) + " of " +
+           toUDEString(relationship.getSourceURI().toString());
+}
+
 void Places::add(const std::string& place) {
     places.insert(place);
 }
@@ -72,8 +77,7 @@ void Places::add(const PartName& name) {
 }
 
 void Places::add(const Relationship& relationship) {
-    add("relationship " + toUDEString(relationship.getID()) + " of " +
-        toUDEString(relationship.getSourceURI().toString()));
+    add(describe(relationship));
 }
 
 std::string Places::toText() const {

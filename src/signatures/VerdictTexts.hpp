@@ -19,6 +19,7 @@ bool isAboutSigner(int code);
 
 std::string describe(const ChangedContentType& changed);
 std::string describe(const interfaces::IgnoredItem& item);
+std::string describe(const Relationship& relationship);
 
 /// A list for people to read: the first few, each once, and how many there are besides.
 class Places {

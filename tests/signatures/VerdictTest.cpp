@@ -79,6 +79,12 @@ TEST_F(Verdict, namesWhatIsDamagedAndWhereThatIs) {
          "<SignatureValue>AAAA",
          Kind::DoesNotHold,
          {"signature value is wrong"}},
+        {SIGNATURE, "<SignatureValue>", "<Value>", Kind::Unreadable, {"/_xmlsignatures/sig1.xml: "}},
+        {u"/_xmlsignatures/_rels/origin.sigs.rels",
+         "sig1.xml",
+         "//sig1.xml",
+         Kind::Unreadable,
+         {"relationship DSRel1 of /_xmlsignatures/origin.sigs: "}},
         {u"/b.xml", "", "", Kind::Unreadable, {"/b.xml"}},
         {u"/_rels/a.xml.rels", "rId1", "rId9", Kind::Unreadable, {"rId1", "/a.xml"}},
     };

@@ -296,6 +296,7 @@ private:
     void throwIfNotValidSignaturePart(const PartName& partName) const;
 
     void ensureLoaded() const;
+    Part getTarget(const Relationship& relationship);
     std::shared_ptr<DigitalSignatureData> readSignature(const Part& part,
                                                         SelectableRelationships& selectable) const;
     void addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data, const Part& part);
@@ -365,7 +366,8 @@ private:
 
     Signatures m_signatures;
     std::uint64_t m_nextSignatureID = 1;
-    std::uint64_t m_work = 0; ///< what it takes to digest the relationships of all loaded signatures
+    std::string m_placeOfFailure; ///< of the last loading: a relationship or a part; empty if there is none
+    std::uint64_t m_work = 0;     ///< what it takes to digest the relationships of all loaded signatures
     std::unique_ptr<DigitalSignatureSerializer> m_serializer;
 };
 
