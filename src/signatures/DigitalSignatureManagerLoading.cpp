@@ -4,6 +4,7 @@
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DigitalSignatureSerializer.hpp"
 #include "signatures/SelectableRelationships.hpp"
+#include "signatures/SignatureCost.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/VerdictTexts.hpp"
 
@@ -110,7 +111,7 @@ DigitalSignatureManager::readSignature(const Part& part, SelectableRelationships
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     data->m_share = std::make_shared<DocumentShare>(getPackage().getDocumentBudget(), &XmlLimits::signature);
-    MeteredStream metered(stream, *data->m_share);
+    MeteredStream metered(stream, *data->m_share, cost::BYTES_PER_ELEMENT);
     m_serializer->readSignature(metered, *data);
     fillUpSignedEntities(*data, selectable);
     return data;

@@ -6,6 +6,7 @@
 #include "signatures/DigitalSignatureSerializer.hpp"
 #include "signatures/RsaKeys.hpp"
 #include "signatures/SecretBytes.hpp"
+#include "signatures/SignatureCost.hpp"
 #include "signatures/SignatureLayout.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -14,6 +15,7 @@
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
@@ -201,9 +203,10 @@ std::u16string DigitalSignatureManager::takeSignatureID(bool countersign) {
 
 DigitalSignature DigitalSignatureManager::addSignature(std::shared_ptr<DigitalSignatureData> data) {
     const DigitalSignature signature(std::move(data));
+    const Bytes document = composeSignaturePart(*signature.getImpl());
     m_signatures.push_back(signature);
     try {
-        saveSignaturePart(signature);
+        saveSignaturePart(signature, document);
     } catch (const InvalidRelationshipContent&) { // the package refuses it: nothing has been made
         m_signatures.pop_back();
         throw;
@@ -214,7 +217,26 @@ DigitalSignature DigitalSignatureManager::addSignature(std::shared_ptr<DigitalSi
     return signature;
 }
 
-void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signature) {
+/// The content of the part, which has been read again: what couldn't be, for a limit, isn't written.
+DigitalSignatureManager::Bytes
+DigitalSignatureManager::composeSignaturePart(DigitalSignatureData& data) const {
+    Bytes document;
+    ByteArrayOutAdaptor output(document);
+    m_serializer->writeSignature(data, output);
+    DigitalSignatureData again;
+    again.m_share = std::make_shared<DocumentShare>(getPackage().getDocumentBudget(), &XmlLimits::signature);
+    ByteArrayInAdaptor input(document);
+    MeteredStream metered(input, *again.m_share, cost::BYTES_PER_ELEMENT);
+    try {
+        m_serializer->readSignature(metered, again);
+    } catch (const InvalidPartContent& e) {
+        throw CouldNotGenerateSignature(std::string("The signature couldn't be loaded again: ") + e.what());
+    }
+    data.m_share = std::move(again.m_share);
+    return document;
+}
+
+void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signature, const Bytes& document) {
     const PartName name = getSignaturePartName(signature.getName());
     if (getPackage().hasPart(name))
         throw CouldNotGenerateSignature(
@@ -226,7 +248,7 @@ void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signatur
         const DigitalSignatureData& data = *signature.getImpl();
         origin.createInternalRelationship(getSignatureRelationshipType(), name.getURI(),
                                           getSignatureRelationshipID(data.m_signatureId));
-        m_serializer->writeSignature(data, part.getOutputStream());
+        part.getOutputStream().write(document.data(), document.size());
     } catch (const InvalidPartName& e) {
         throw CouldNotGenerateSignature(std::string("Unable to create signature part. ") + e.what());
     }

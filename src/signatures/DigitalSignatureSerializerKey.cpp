@@ -1,6 +1,7 @@
 #include "signatures/DigitalSignatureSerializer.hpp"
 
 #include "signatures/DigitalSignatureData.hpp"
+#include "signatures/SignatureCost.hpp"
 #include "signatures/SignatureScanner.hpp"
 #include "xml/ElementIndex.hpp"
 #include "xml/PlainDocument.hpp"
@@ -34,6 +35,8 @@ void setKeyValue(RSAKeyValue key, DigitalSignatureData& data) {
 
 /// The first certificate is the signer's.
 void addCertificate(const std::u16string& text, DigitalSignatureData& data, X509CertificateChain& chain) {
+    if (data.m_share)
+        data.m_share->addElements(cost::CERTIFICATE);
     X509Certificate certificate(base64Decode(text));
     if (data.m_certificate)
         chain.addCertificate(std::move(certificate));

@@ -2,6 +2,7 @@
 
 #include "signatures/DigitalSignatureData.hpp"
 #include "signatures/DocumentErrors.hpp"
+#include "signatures/SignatureCost.hpp"
 #include "signatures/SignatureForm.hpp"
 #include "signatures/SignatureLimits.hpp"
 #include "signatures/SignatureScanner.hpp"
@@ -90,6 +91,10 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
     ReplayedStream replayed(stream);
     ScannedSignature scanned;
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
+    if (document && data.m_share) { // before anything is made of it
+        const auto tags = std::count(document->begin(), document->end(), '<');
+        data.m_share->addElements(static_cast<std::uint64_t>(tags) / cost::TAGS_PER_ELEMENT);
+    }
     if (document && scanSignature(*document, scanned)) {
         takeScanned(scanned, data);
         return;
@@ -100,9 +105,6 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSigna
 
 /// What can fail here fails in the order in which the parser's document is read.
 void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalSignatureData& data) {
-    constexpr std::size_t OF_REFERENCE = 2; // elements: there is no tree of its three or more
-    if (data.m_share)
-        data.m_share->addElements(scanned.manifestReferences.size() * OF_REFERENCE);
     data.m_signatureId = withoutPrefix(widen(scanned.id));
     takeScannedValueAndKey(scanned, data);
     data.m_objects.emplace(
@@ -122,11 +124,15 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSignatureData& data) {
     m_parser.use([&](xercesc::DOMLSParser* parser) {
         std::optional<ElementMeter> meter;
-        if (data.m_share)
-            meter.emplace(parser, *data.m_share);
+        std::optional<MeteredStream> counted; // again, for the tree
+        if (data.m_share) {
+            meter.emplace(parser, *data.m_share, cost::NODE, cost::NODE);
+            counted.emplace(stream, *data.m_share, cost::BYTES_PER_ELEMENT);
+        }
+        InputStream& source = counted ? *counted : stream;
         translateDocumentFailures([&] {
             const ElementIndex index(
-                XercesHelper::readDocumentFromStream(parser, stream, true, {}, {})->getDocumentElement());
+                XercesHelper::readDocumentFromStream(parser, source, true, {}, {})->getDocumentElement());
             SignatureLimits(m_names).check(index);
             readDocument(index.at(0), data);
             checkSignatureForm(index, data.m_content);

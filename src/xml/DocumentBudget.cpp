@@ -61,6 +61,11 @@ void DocumentShare::giveBack() noexcept {
 std::uint64_t MeteredStream::read(unsigned char* buffer, std::uint64_t count) {
     const std::uint64_t got = stream.read(buffer, count);
     counted.addBytes(std::min(got, count));
+    if (ofElement != 0) {
+        pending += std::min(got, count);
+        counted.addElements(pending / ofElement);
+        pending %= ofElement;
+    }
     return got;
 }
 

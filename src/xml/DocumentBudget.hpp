@@ -50,8 +50,10 @@ private:
 /// A stream whose bytes are counted as they are read.
 class MeteredStream : public InputStream {
 public:
-    /// @param source, share  must outlive this object
-    MeteredStream(InputStream& source, DocumentShare& share) : stream(source), counted(share) {}
+    /// @param source, share    must outlive this object
+    /// @param bytesPerElement  so many bytes count as an element too; 0 if none do
+    MeteredStream(InputStream& source, DocumentShare& share, std::uint64_t bytesPerElement = 0)
+        : stream(source), counted(share), ofElement(bytesPerElement) {}
 
     void open() override { stream.open(); }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
@@ -61,6 +63,8 @@ public:
 private:
     InputStream& stream;
     DocumentShare& counted;
+    const std::uint64_t ofElement;
+    std::uint64_t pending = 0; ///< bytes that don't make an element yet
 };
 
 } // namespace opc::model

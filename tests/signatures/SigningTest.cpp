@@ -2,6 +2,8 @@
 
 #include "support/OpenSslCommand.hpp"
 
+#include <algorithm>
+
 namespace {
 
 using namespace opc::model;
@@ -72,6 +74,54 @@ TEST_F(Signing, worksWithKeysInPem) {
             EXPECT_EQ(verify(signature, keysOf(bits).getPublicKey()), 0);
         }
     }
+}
+
+// What a signature takes of the limits is counted as loading counts it, before anything is made.
+TEST_F(Signing, writesNothingThatLoadingRefuses) {
+    signPart(u"/a.xml");
+    const std::string document = opc::test::readAll(part(SIGNATURE));
+    const auto tags = static_cast<std::size_t>(std::count(document.begin(), document.end(), '<'));
+    const std::uint64_t elements = document.size() / 40 + tags / 2;
+    const auto use = [&](const XmlLimits& limits, OpenMode mode) {
+        close(true);
+        package = std::make_unique<Package>(store, limits);
+        manager = std::make_unique<DigitalSignatureManager>(*package);
+        package->open(mode);
+    };
+    const auto limited = [](std::uint64_t bytes, std::uint64_t ofElements) {
+        XmlLimits limits;
+        limits.signature = {bytes, ofElements};
+        return limits;
+    };
+    const std::string message = "The signature couldn't be loaded again: XML content can not have more than ";
+    use(limited(document.size() - 1, elements), OpenMode::ReadWrite);
+    EXPECT_RAISES(CouldNotGenerateSignature,
+                  message + std::to_string(document.size() - 1) + " bytes (limit signature.bytes)",
+                  signPart(u"/a.xml"));
+    EXPECT_FALSE(manager->isPackageSigned());
+    EXPECT_FALSE(package->hasPart(PartName(ORIGIN)));
+    use(limited(document.size(), elements - 1), OpenMode::ReadWrite);
+    EXPECT_RAISES(CouldNotGenerateSignature,
+                  message + std::to_string(elements - 1) + " elements (limit signature.elements)",
+                  signPart(u"/a.xml"));
+
+    use(limited(document.size(), elements), OpenMode::ReadWrite);
+    signPart(u"/a.xml");
+    close(false);
+    use(limited(document.size(), elements), OpenMode::ReadOnly);
+    EXPECT_EQ(verify(u"sig1"), 0);
+
+    // The form that takes a tree counts more.
+    close(true);
+    std::string other = text();
+    other.insert(other.find("<Signature"), "<!---->");
+    store.setPart(SIGNATURE, toBytes(other));
+    use(limited(other.size() * 2, 2 * elements), OpenMode::ReadOnly);
+    EXPECT_THROW(manager->getSignatures(), InvalidSignature);
+    use(limited(other.size() * 2 - 1, 10 * elements), OpenMode::ReadOnly);
+    EXPECT_THROW(manager->getSignatures(), InvalidSignature);
+    use(limited(other.size() * 2, 10 * elements), OpenMode::ReadOnly);
+    EXPECT_EQ(verify(u"sig1"), 0);
 }
 
 TEST_F(Signing, refusesInTheOrderOfItsChecks) {

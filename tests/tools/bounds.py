@@ -8,6 +8,7 @@ than 256 MiB for an archive below 1 MiB, and 1 GiB for any other; and it does wh
 """
 import os
 import resource
+import subprocess
 import sys
 import tempfile
 import zipfile
@@ -22,7 +23,11 @@ TYPES = (f'<Types xmlns="{NAMESPACE}content-types"><Default Extension="xml" Cont
          f'Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>')
 PROPERTIES = (f'<cp:coreProperties xmlns:cp="{NAMESPACE}metadata/core-properties" '
               'xmlns:dc="http://purl.org/dc/elements/1.1/">')
-ORIGIN = '/package/services/digital-signature/origin.psdor'
+SIGNATURE_NAMESPACE = 'http://www.w3.org/2000/09/xmldsig#'
+SIGNATURE_TYPE = 'application/vnd.openxmlformats-package.digital-signaturexmlsignature+xml'
+FOLDER = tempfile.TemporaryDirectory()
+KEY, PUBLIC_KEY, ARCHIVE = (os.path.join(FOLDER.name, name) for name in ('key', 'public', 'archive.zip'))
+ARGUMENTS = {'add': ['/new.xml', '/dev/null', '--type', 'a/b'], 'verify': ['--public', PUBLIC_KEY]}
 
 
 def types(elements=''):
@@ -79,6 +84,61 @@ def behind_a_large_one(parts):
         yield f'_rels/a{i}.xml.rels', not_plain(relationships(relate(1)))
 
 
+def reference(uri='/a.xml?ContentType=a/b', transforms='', value='AAAA'):
+    return (f'<Reference URI="{uri}">{transforms}<DigestMethod Algorithm="{SIGNATURE_NAMESPACE}sha1"/>'
+            f'<DigestValue>{value}</DigestValue></Reference>')
+
+
+def signature(references, number=1, key='', objects=''):
+    """In the form in which the library writes it, but for what stands in `objects`."""
+    return (f'<?xml version="1.0" encoding="UTF-8" standalone="yes" ?><Signature Id="Signature{number}" '
+            f'xmlns="{SIGNATURE_NAMESPACE}"><SignedInfo xmlns="{SIGNATURE_NAMESPACE}"><CanonicalizationMethod Algorithm='
+            '"http://www.w3.org/TR/2001/REC-xml-c14n-20010315"/><SignatureMethod '
+            'Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"/><Reference '
+            f'Type="{SIGNATURE_NAMESPACE}Object" URI="#idPackageObject"><DigestMethod '
+            f'Algorithm="{SIGNATURE_NAMESPACE}sha1"/><DigestValue>AAAA</DigestValue></Reference></SignedInfo>'
+            f'<SignatureValue>AAAA</SignatureValue>{key}<Object Id="idPackageObject" xmlns:pds='
+            f'"{NAMESPACE}digital-signature"><Manifest>{references}</Manifest><SignatureProperties><SignatureProperty '
+            f'Id="idSignatureTime" Target="#Signature{number}"><pds:SignatureTime><pds:Format>YYYY-MM-DDThh:mmTZD'
+            '</pds:Format><pds:Value>2026-01-01T00:00:00Z</pds:Value></pds:SignatureTime></SignatureProperty>'
+            f'</SignatureProperties></Object>{objects}</Signature>')
+
+
+def other_form(document):
+    return document.replace('standalone="yes" ?>', 'standalone="yes" ?><!--x-->')
+
+
+def signed(signatures, entries=''):
+    to_origin, to_signature = (f'{NAMESPACE}relationships/digitalsignature/{end}' for end in ('origin', 'signature'))
+    names = [f'_xmlsignatures/sig{i + 1}.xml' for i in range(len(signatures))]
+    return archive([
+        ('a.xml', ''), ('_xmlsignatures/origin.sigs', ''), ('_rels/.rels', relationships(
+            entries + f'<Relationship Id="o" Type="{to_origin}" Target="/_xmlsignatures/origin.sigs"/>')),
+        ('_xmlsignatures/_rels/origin.sigs.rels', relationships(''.join(
+            f'<Relationship Id="DSRel{i + 1}" Type="{to_signature}" Target="/{name}"/>' for i, name in enumerate(names)))),
+        *zip(names, signatures)], types(
+            f'<Default Extension="sigs" ContentType="application/vnd.openxmlformats-package.digital-signature-origin"/>'
+            + ''.join(f'<Override PartName="/{name}" ContentType="{SIGNATURE_TYPE}"/>' for name in names)))
+
+
+def over_a_long_relationship(count):
+    """Signatures that hold, all over the same relationship."""
+    entries = relate(1, 'http://a/' + 'a' * 60000)
+    archive([('_rels/.rels', relationships(entries)), ('a.xml', '')])(ARCHIVE)
+    subprocess.run(['openssl', 'genrsa', '-out', KEY, '2048'], check=True, capture_output=True)
+    subprocess.run(['openssl', 'rsa', '-in', KEY, '-pubout', '-out', PUBLIC_KEY], check=True, capture_output=True)
+    subprocess.run([TOOL, 'sign', ARCHIVE, '--key', KEY, '--public', PUBLIC_KEY, '--relationship-type', '/:t'],
+                   check=True, capture_output=True)
+    with zipfile.ZipFile(ARCHIVE) as package:
+        document = package.read('_xmlsignatures/sig1.xml').decode()
+    return signed([document.replace('Id="Signature1"', f'Id="Signature{i + 1}"', 1) for i in range(count)], entries)
+
+
+TRANSFORMS = '<Transforms>' + f'<Transform Algorithm="{SIGNATURE_NAMESPACE}t"/>' * 200 + '</Transforms>'
+SELECTORS = ('<Transforms><Transform Algorithm="http://schemas.openxmlformats.org/package/2006/RelationshipTransform">'
+             + '<pds:RelationshipReference SourceId="o"/>' * 100 + '</Transform></Transforms>')
+SELECTION = reference('/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml', SELECTORS)
+
 LADDERS = {  # what makes an archive of a size, the smallest size, the command
     'overrides': (lambda n: archive([], types(''.join(
         f'<Override PartName="/a{i}" ContentType="a/b"/>' for i in range(n)))), 20000, 'ls'),
@@ -97,6 +157,15 @@ LADDERS = {  # what makes an archive of a size, the smallest size, the command
         '<cp:keywords><!--x-->' + '<cp:value>x</cp:value>' * n + '</cp:keywords>'), 2000, 'props'),
     'a long title': (lambda n: core_properties(f'<dc:title><!--x-->{"a" * n}</dc:title>'), 100000, 'props'),
     'parts': (lambda n: archive([(f'a{i}.xml', '') for i in range(n)], method=zipfile.ZIP_STORED), 5000, 'ls'),
+    'references': (lambda n: signed([signature(reference() * n)]), 25000, 'coverage'),
+    'references, parsed': (lambda n: signed([other_form(signature(reference() * n))]), 8000, 'coverage'),
+    'references of many signatures': (lambda n: signed(
+        [signature(reference() * 1000, i + 1) for i in range(n)]), 10, 'coverage'),
+    'transforms': (lambda n: signed([signature(reference(transforms=TRANSFORMS) * n)]), 200, 'coverage'),
+    'selectors': (lambda n: signed([signature(SELECTION * n)]), 500, 'coverage'),
+    'objects': (lambda n: signed([signature(reference(), objects=''.join(
+        f'<Object Id="a{i}"/>' for i in range(n)))]), 10000, 'coverage'),
+    'signatures over a long relationship': (over_a_long_relationship, 100, 'verify'),
     'deep names': (lambda n: archive([(f'{"a/" * 200}{i}.xml', '') for i in range(n)],
                                      method=zipfile.ZIP_STORED), 1000, 'add'),
 }
@@ -110,6 +179,21 @@ BOMBS = {  # documents beyond the limits, and their commands
     'relationships': (lambda: of_package(not_plain(relationships(relate(249990)))), 'rels'),
     'relationships of many parts': (lambda: archive([item for i in range(40) for item in (
         (f'a{i}.xml', ''), (f'_rels/a{i}.xml.rels', relationships(relate(20000, 'a' * 80))))]), 'ls'),
+    'references of a signature': (lambda: signed([signature(reference(value='A' * 40) * 170000)]), 'coverage'),
+    'references of many signatures': (lambda: signed(
+        [signature(reference() * 40000, i + 1) for i in range(20)]), 'coverage'),
+    'references, parsed': (lambda: signed([other_form(signature(reference() * 100000))]), 'coverage'),
+    'a text in a signature': (lambda: signed([signature(reference(), objects=f'<Object Id="a">{"a" * (30 * MIB)}</Object>')]),
+                              'coverage'),
+    'attributes in a signature': (lambda: signed([signature(reference(), objects='<Object Id="a">' + (
+        '<a' + ''.join(f' a{i}="x"' for i in range(800)) + '/>') * 3000 + '</Object>')]), 'coverage'),
+    'values in signatures': (lambda: signed(
+        [signature(reference(value='A' * (30 * MIB)), i + 1) for i in range(5)]), 'coverage'),
+    'elements with prefixes': (lambda: of_package(
+        f'{HEAD}<r:Relationships xmlns:r="{NAMESPACE}relationships">{"<a/>" * 990000}</r:Relationships>'), 'rels --lenient'),
+    'relationships with prefixes': (lambda: archive([item for i in range(7) for item in (
+        (f'a{i}.xml', ''), (f'_rels/a{i}.xml.rels', HEAD + f'<r:Relationships xmlns:r="{NAMESPACE}relationships">' + relate(
+            52000).replace('<R', '<r:R') + '</r:Relationships>'))]), 'ls --lenient'),
     'keywords': (lambda: core_properties('<cp:keywords>' + '<cp:value>x</cp:value>' * 4000000 + '</cp:keywords>'), 'props'),
 }
 
@@ -120,12 +204,13 @@ def write(path, make, *arguments):
     if child == 0:
         make(*arguments)(path)
         os._exit(0)
-    os.waitpid(child, 0)
+    if os.waitpid(child, 0)[1] != 0:
+        sys.exit(f'{path} could not be made')
 
 
 def run(command, path, errors):
     """Gives the exit status, the seconds of the processor and the peak of memory in bytes."""
-    arguments = [TOOL, command, path] + (['/new.xml', '/dev/null', '--type', 'a/b'] if command == 'add' else [])
+    arguments = [TOOL, *command.split(), path, *ARGUMENTS.get(command, [])]
     errors.seek(0)
     errors.truncate()
     child = os.fork()
@@ -167,8 +252,8 @@ def climb(make, size, command, path, errors):
 
 def main():
     failed = False
-    with tempfile.TemporaryDirectory() as folder, tempfile.TemporaryFile() as errors:
-        path = os.path.join(folder, 'archive.zip')
+    path = ARCHIVE
+    with FOLDER, tempfile.TemporaryFile() as errors:
         for name, (make, size, command) in LADDERS.items():
             print(name)
             for fault in climb(make, size, command, path, errors):

@@ -336,7 +336,8 @@ private:
                                 const std::vector<RelationshipSelector>& selectors, bool countersign);
     std::u16string takeSignatureID(bool countersign);
     DigitalSignature addSignature(std::shared_ptr<DigitalSignatureData> data);
-    void saveSignaturePart(const DigitalSignature& signature);
+    Bytes composeSignaturePart(DigitalSignatureData& data) const;
+    void saveSignaturePart(const DigitalSignature& signature, const Bytes& document);
     Part createOrFetchOriginPart();
 
     std::pair<std::vector<PartName>, std::vector<RelationshipSelector>> getAllPartsAndRels() const;

@@ -1,6 +1,7 @@
 #include "MendedDocument.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -22,8 +23,11 @@ using model::XercesString;
 using xercesc::DOMElement;
 using xercesc::XMLString;
 
-/// A tree of a document takes some thirty times its size.
+/// Of a document that a tree is made of, which takes some 330 bytes for each tag and attribute.
+/// @{
 constexpr std::size_t LARGEST_MENDED = 4 << 20;
+constexpr std::ptrdiff_t MOST_MARKUP = 300000;
+/// @}
 
 bool hasPrefix(const DOMElement* element) {
     return element->getPrefix() != nullptr && *element->getPrefix() != 0;
@@ -70,6 +74,9 @@ bool mayHavePrefixes(const Bytes& document) {
 }
 
 MendedDocument::MendedDocument(const Bytes& text) : parser(XercesHelper::createParser()) {
+    const auto isMarkup = [](unsigned char byte) { return byte == '<' || byte == '='; };
+    if (std::count_if(text.begin(), text.end(), isMarkup) > MOST_MARKUP)
+        throw Exception("The document has too many elements and attributes to be mended.");
     ByteArrayInAdaptor stream(text);
     document = XercesHelper::readDocumentFromStream(parser.get(), stream, false, {}, {});
 }

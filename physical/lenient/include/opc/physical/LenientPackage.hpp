@@ -23,7 +23,7 @@ namespace opc::physical {
 /// What is hidden stays in the package through every save, unchanged: a part under a hidden name, or one that a
 /// hidden relationships part would become attached to, isn't created. The other documents stay as they are until
 /// the model writes them anew, with everything that it has read. A document that can't be read, or is longer
-/// than 4 MiB, is given as it is, and a content types stream then hides nothing: the model says what is wrong
+/// than 4 MiB or 300,000 characters `<` and `=`, is given as it is, and a content types stream then hides nothing: the model says what is wrong
 /// with it, or that it can't be changed. So are relationships beyond 32 MiB of documents with prefixes in all.
 ///
 /// The other package isn't owned and must outlive this one; while this one is open, it is to be used through
