@@ -185,6 +185,14 @@ TEST_F(OpctoolSignatures, verifySaysThatItCannotReadSignaturesOfOfficePrograms) 
     EXPECT_NE(outcome.output.find("holds (0)"), std::string::npos) << outcome.output;
     EXPECT_EQ(outcome.errors, error);
     EXPECT_EQ(verify("--public k.pub --signature sig1", 0)["code"], 0);
+
+    run("unsign p.docx --all");
+    run("add p.docx /_xmlsignatures/sig1.xml k.pub --type application/xml");
+    expectFailure(
+        "sign p.docx --key k.key",
+        "CouldNotGenerateSignature: Internal Error: New signature should not have the same name as "
+        "an existing one. (the package carries signatures in another form, whose parts may be in the way)",
+        "p.docx");
 }
 
 TEST_F(OpctoolSignatures, coverageTellsWhatNoSignatureCovers) {

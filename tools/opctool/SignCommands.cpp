@@ -6,6 +6,7 @@
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -122,14 +123,27 @@ void print(const DigitalSignature& signature) {
     std::cout << opc::toUDEString(signature.getName()) << '\n';
 }
 
+/// Signs, and tells of signatures in another form if that fails: a part of theirs may have the new one's name.
+DigitalSignature sign(const SigningMaterial& material, const Selection& selection,
+                      DigitalSignatureManager& signatures) {
+    try {
+        return material.apply([&](const auto&... signer) {
+            return signatures.sign(selection.parts, selection.selectors, signer...);
+        });
+    } catch (const opc::model::CouldNotGenerateSignature& e) {
+        if (!signatures.hasForeignSignatures())
+            throw;
+        throw opc::model::CouldNotGenerateSignature(
+            std::string(e.what()) +
+            " (the package carries signatures in another form, whose parts may be in the way)");
+    }
+}
+
 void sign(const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
-    const Selection selection = select(arguments, *package, signatures);
-    const DigitalSignature signature = material.apply([&](const auto&... signer) {
-        return signatures.sign(selection.parts, selection.selectors, signer...);
-    });
+    const DigitalSignature signature = sign(material, select(arguments, *package, signatures), signatures);
     const bool breaksCountersignature = signatures.isPackageCountersigned();
     const bool carriesForeign = signatures.hasForeignSignatures();
     package.save();
