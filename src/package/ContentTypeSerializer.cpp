@@ -7,6 +7,7 @@
 #include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
 
@@ -166,6 +167,8 @@ void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& strea
 /// What couldn't be read again isn't written.
 void ContentTypeSerializer::writeCounted(const std::string& document, const ContentTypeMap& map,
                                          OutputStream& stream) const {
+    if (hasLongTag(document))
+        throw InvalidPartContent(TAG_IS_TOO_LONG);
     map.keepShare({}); // the old document goes
     DocumentShare share(budget, &XmlLimits::contentTypes);
     share.addBytes(document.size());
@@ -175,7 +178,7 @@ void ContentTypeSerializer::writeCounted(const std::string& document, const Cont
 }
 
 bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
-    if (!contentType.canBeReadAgain())
+    if (!contentType.canBeReadAgain() || !fitsIntoTag(contentType.toString()))
         return false;
     // The pattern in the schema takes a backslash in front of a quote for an escape, wherever it can.
     if (contentType.toString().find(u"\\\"") == std::u16string::npos)

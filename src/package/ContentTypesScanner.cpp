@@ -1,5 +1,6 @@
 #include "package/ContentTypesScanner.hpp"
 
+#include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
 
 #include <algorithm>
@@ -50,6 +51,8 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
 
 bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found = {};
+    if (hasLongTag(document))
+        return false; // for the parser to refuse
     return visitPlainDocument(
         document, "Types", NAMESPACE, [&found](std::string_view name, const PlainAttributes& attributes) {
             if (name == "Default") {

@@ -3,6 +3,7 @@
 #include "names/PartNameGrammar.hpp"
 #include "package/ContentTypeSerializer.hpp"
 #include "package/ContentTypeSource.hpp"
+#include "xml/LongTags.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
@@ -33,6 +34,8 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     const auto place = findPlaceOfNewPart(name);
     throwIfDerivedFromExistingPartName(name);
     throwIfNoNameForNewPart(name);
+    if (!fitsIntoTag(name.toString()))
+        throw InvalidPartName("A part name shall not be longer than 1 MiB.");
     if (!ContentTypeSerializer().canHold(contentType))
         throw InvalidContentType("Could not successfully parse content type string");
 

@@ -3,10 +3,12 @@
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipTarget.hpp"
 #include "relationships/RelationshipsWriter.hpp"
+#include "xml/CollidingIDs.hpp"
 #include "xml/DocumentOutput.hpp"
 #include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
+#include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/ReplayedStream.hpp"
 #include "xml/ReusedParser.hpp"
@@ -64,6 +66,16 @@ TargetMode check(const std::u16string& type, const std::u16string& target, std::
     if (uri.isOpaque())
         throw InvalidPartContent("Target of an internal relationship cannot be an opaque URI");
     return TargetMode::Internal;
+}
+
+void throwIfIDsCollide(const RelationshipManager& manager) {
+    if (manager.size() <= CollidingIDs::MAXIMUM)
+        return;
+    CollidingIDs ids;
+    manager.visit([&ids](const RelationshipGroup::Values& relationship) {
+        if (ids.add(relationship.id))
+            throw InvalidPartContent(CollidingIDs::TOO_MANY);
+    });
 }
 
 ReusedParser::Owned createRelationshipsParser() {
@@ -220,6 +232,9 @@ void RelationshipSerializer::write(const RelationshipManager& manager, OutputStr
 /// What couldn't be read again isn't written.
 void RelationshipSerializer::writeCounted(std::string_view document, const RelationshipManager& manager,
                                           OutputStream& stream) {
+    if (hasLongTag(document))
+        throw InvalidPartContent(TAG_IS_TOO_LONG);
+    throwIfIDsCollide(manager);
     manager.keepShare({}); // the old document goes
     DocumentShare share(budget, &XmlLimits::relationships);
     share.addBytes(document.size());

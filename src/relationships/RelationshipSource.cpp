@@ -4,6 +4,7 @@
 #include "relationships/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipTarget.hpp"
 #include "xml/AttributeValues.hpp"
+#include "xml/LongTags.hpp"
 #include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
@@ -83,7 +84,7 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
         throw InvalidRelationshipType(INVALID_TYPE);
     }
     if (!id.empty()) {
-        if (!isValidID(id))
+        if (!isValidID(id) || !fitsIntoTag(id))
             throw InvalidRelationshipID("Relationship ID is not a valid xsd::ID");
         if (impl->manager.hasRelationship(id))
             throw RelationshipAlreadyExists("Relationship ID already exists");

@@ -1,5 +1,6 @@
 #include "xml/AttributeValues.hpp"
 
+#include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/XercesFailures.hpp"
 
@@ -61,6 +62,8 @@ bool isValid(const std::u16string& value) {
 } // namespace
 
 bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
+    if (!fitsIntoTag(value))
+        return false;
     if (isPlain(value))
         return true;
     if (!standsCollapsed(value))

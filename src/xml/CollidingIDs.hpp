@@ -13,6 +13,7 @@ class CollidingIDs {
 public:
     static constexpr std::size_t FIRST_SIZE = 109; ///< of the table
     static constexpr std::uint16_t MAXIMUM = 1000;
+    static constexpr char TOO_MANY[] = "XML content can not have more than 1000 colliding IDs";
 
     /// @param id  in UTF-16 or in ASCII
     /// @return whether more than MAXIMUM fall together by now

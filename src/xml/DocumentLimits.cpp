@@ -99,8 +99,7 @@ void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
         refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
     }
     if (attribute.getType() == xercesc::XMLAttDef::ID)
-        refuseIf(ids.add(std::u16string_view(attribute.getValue())),
-                 "XML content can not have more than 1000 colliding IDs");
+        refuseIf(ids.add(std::u16string_view(attribute.getValue())), CollidingIDs::TOO_MANY);
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {

@@ -25,9 +25,6 @@ public:
     DocumentLimits(xercesc::DOMLSParser* parser, std::uint64_t& bytesSinceLastToken)
         : DocumentHandlerLink(parser), pending(bytesSinceLastToken) {}
 
-    /// Of a tag, a comment or an instruction, with what the parser reads ahead. Text is told in pieces.
-    static constexpr std::uint64_t MAXIMUM_TOKEN = 4U << 20;
-
     void startDocument() override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,

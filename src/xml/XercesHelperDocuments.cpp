@@ -3,6 +3,7 @@
 #include "xml/DocumentLimits.hpp"
 #include "xml/DocumentOutput.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
+#include "xml/LongTags.hpp"
 #include "xml/XercesFailures.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
@@ -51,8 +52,8 @@ public:
         if (state.failure)
             return 0;
         try {
-            if (state.bytesSinceLastToken > DocumentLimits::MAXIMUM_TOKEN)
-                throw InvalidXMLDocument("XML content can not have tags or comments of more than 4 MiB");
+            if (state.bytesSinceLastToken > LONGEST_TAG) // text is told in pieces
+                throw InvalidXMLDocument(TAG_IS_TOO_LONG);
             if (stream.isDone())
                 return 0;
             // Xerces trusts the count: more than there is room for would make it read behind its buffer.

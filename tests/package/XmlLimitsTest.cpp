@@ -9,6 +9,8 @@
 #include <opc/model/PackageHelper.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
+#include <functional>
+
 /// @file
 /// What a package may take of XML: at its limits it opens and is saved, and one below them it is refused.
 
@@ -149,6 +151,102 @@ TEST(LimitsOfXml, countWhatIsWritten) {
               "relationships.elements)");
     larger.deleteRelationship(u"a");
     larger.close(false);
+}
+
+// A tag of 4 MiB holds three values of a quarter of that, as they are written.
+TEST(LimitsOfXml, areHeldByWhatIsCreated) {
+    struct Case {
+        const char* refusal;
+        std::function<void(Package&, const std::u16string&)> create;
+    };
+    const Case cases[] = {
+        {"InvalidPartName: A part name shall not be longer than 1 MiB.",
+         [](Package& package, const std::u16string& text) {
+             package.createPart(PartName(u"/" + text.substr(1)), ContentType(u"a/b"), StandardPartInfo());
+         }},
+        {"InvalidContentType: Could not successfully parse content type string",
+         [](Package& package, const std::u16string& text) {
+             package.createPart(PartName(u"/x"), ContentType(u"a/" + text.substr(2)), StandardPartInfo());
+         }},
+        {"InvalidRelationshipTarget: Relationship target is not a valid xsd::anyURI",
+         [](Package& package, const std::u16string& text) {
+             package.createInternalRelationship(u"t", URI(text));
+         }},
+        {"InvalidRelationshipTarget: External relationship target is not a valid xsd::anyURI. See "
+         "http://www.w3.org/TR/leiri/.",
+         [](Package& package, const std::u16string& text) {
+             package.createExternalRelationship(u"t", text.substr(12) + u"&&"); // which are escaped
+         }},
+        {"InvalidRelationshipType: Relationship type is not a valid xsd::anyURI",
+         [](Package& package, const std::u16string& text) {
+             package.createExternalRelationship(text, u"x");
+         }},
+        {"InvalidRelationshipID: Relationship ID is not a valid xsd::ID",
+         [](Package& package, const std::u16string& text) {
+             package.createExternalRelationship(u"t", u"x", text);
+         }},
+    };
+    const std::u16string longest(1 << 20, u'a');
+    MemoryPackage store;
+    Package package(store);
+    package.open(OpenMode::CreateOnly);
+    for (const auto& [refusal, create] : cases) {
+        EXPECT_EQ(outcomeOf([&, make = create] { make(package, longest + u'a'); }),
+                  std::string("opc::model::") + refusal);
+        create(package, longest);
+    }
+    package.createExternalRelationship(longest, longest, u"b" + longest.substr(1));
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getRelationships().size(), 5U);
+    EXPECT_EQ(package.getParts().size(), 2U);
+}
+
+/// A document in UTF-16, which takes less than in UTF-8, with one relationship whose target is this long.
+Bytes relationshipsInUTF16(std::size_t length) {
+    Bytes bytes{0xFF, 0xFE};
+    std::u16string text =
+        u"<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
+        u"<Relationship Id='r' Type='t' TargetMode='External' Target='";
+    text += std::u16string(length, u'\u4E00') + u"'/></Relationships>";
+    for (const char16_t unit : text)
+        bytes.insert(bytes.end(), {static_cast<unsigned char>(unit), static_cast<unsigned char>(unit >> 8)});
+    return bytes;
+}
+
+// What couldn't be read again takes no place of what can.
+TEST(LimitsOfXml, stopWritingWhatGrowsBeyondThem) {
+    const auto relateAlike = [](Package& package) {
+        for (unsigned i = 0; i < 1001; ++i) { // IDs that fall together
+            std::u16string id;
+            for (unsigned bit = 0; bit < 10; ++bit)
+                id += (i >> bit & 1) != 0 ? u"Az" : u"BT";
+            package.createExternalRelationship(u"t", u"x", id);
+        }
+    };
+    struct Case {
+        Bytes before;
+        std::function<void(Package&)> change;
+        const char* refusal;
+    };
+    const Case cases[] = {
+        {relationshipsInUTF16(1500000),
+         [](Package& package) { package.createExternalRelationship(u"t", u"x"); },
+         "XML content can not have tags or comments of more than 4 MiB"},
+        {relationships(""), relateAlike, "XML content can not have more than 1000 colliding IDs"},
+    };
+    for (const auto& [before, change, refusal] : cases) {
+        MemoryPackage store;
+        fill(store, {});
+        store.setPart(u"/_rels/.rels", before);
+        Package package(store);
+        package.open(OpenMode::ReadWrite);
+        change(package);
+        EXPECT_EQ(outcomeOf([&] { package.close(false); }),
+                  std::string("opc::model::InvalidPartContent: ") + refusal);
+        package.close(true);
+        EXPECT_EQ(store.partBytes(u"/_rels/.rels"), before);
+    }
 }
 
 } // namespace

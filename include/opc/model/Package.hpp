@@ -94,8 +94,8 @@ public:
     /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
     ///         PartIsDerivedFromExistingPartName, PartCreateFailed
     /// @throws InvalidPartName     the root, or a name with characters that no part name may hold [M1.6]: parts
-    ///                             that were opened may have such names, and go on to work
-    /// @throws InvalidContentType  a parameter's value has a double quote or, in front of another one in quotes, ends
+    ///                             that were opened may have such names, and go on to work; or one beyond 1 MiB
+    /// @throws InvalidContentType  it takes more than 1 MiB as it is written; or a parameter's value has a double quote or, in front of another one in quotes, ends
     ///                             in a backslash: the type couldn't be read again
     /// @throws InvalidContentTypeStream  the content types stream holds elements that weren't read, as they
     ///                                   have a namespace prefix, and would lose them. Nothing has changed

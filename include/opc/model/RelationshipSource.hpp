@@ -39,7 +39,7 @@ public:
     ///
     /// What a relationships part can't hold is refused, since the part couldn't be read again: type and target must be
     /// values of `xsd:anyURI` by the very check of reading, and blanks, which reading folds, stand one by one between
-    /// other characters.
+    /// other characters. Nor may they or the ID take more than 1 MiB as they are written.
     /// @param type    what the relationship means; not empty, and a URI
     /// @param target  a part name, or a reference relative to this source; kept and written in relative form
     /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace opc::model {
+
+/// Of a tag, a comment or an instruction, in bytes: the parser refuses a longer one.
+constexpr std::size_t LONGEST_TAG = 4U << 20;
+
+constexpr char TAG_IS_TOO_LONG[] = "XML content can not have tags or comments of more than 4 MiB";
+
+/// Whether a document may have a longer tag than `LONGEST_TAG`: text behind a tag counts with it.
+bool hasLongTag(std::string_view document);
+
+/// Whether a value is short enough for a tag that holds three of its length, escaped and in UTF-8.
+bool fitsIntoTag(std::u16string_view value);
+
+} // namespace opc::model
