@@ -173,7 +173,10 @@ TEST_F(Opctool, noCommandToTheTerminalComesOutOfAPackage) {
     const Outcome usage = run("ls p.zip '\x1b[2J\x7f\u009B" + unseen + "'");
     EXPECT_EQ(usage.status, 2);
     EXPECT_GT(std::count(usage.errors.begin(), usage.errors.end(), '\n'), 1) << usage.errors;
-    for (const std::string& text : {failure.errors, overview.output, document.output, usage.errors})
+    const Outcome id = run("relate p.zip / t x --external --id a\u061C\uFEFF");
+    EXPECT_EQ(id.output, "a  \n");
+    for (const std::string& text :
+         {failure.errors, overview.output, document.output, usage.errors, id.output})
         for (const char* command : {"\x1b", "\x7f", "\u009B", "\u202E", "\u061C", "\u2028", "\u200B",
                                     "\uFEFF", "\u00AD", "\U000E0041"})
             EXPECT_EQ(text.find(command), std::string::npos) << text;

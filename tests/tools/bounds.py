@@ -177,6 +177,7 @@ BOMBS = {  # documents beyond the limits, and their commands
     'a comment': (lambda: archive([], types('<!--' + ' ' * (60 * MIB) + '-->')), 'ls'),
     'a target': (lambda: of_package(relationships(relate(1, 'a' * (99 * MIB)))), 'rels'),
     'relationships': (lambda: of_package(not_plain(relationships(relate(249990)))), 'rels'),
+    'relationships, and what covers them': (lambda: of_package(relationships(relate(249990))), 'coverage'),
     'relationships of many parts': (lambda: archive([item for i in range(40) for item in (
         (f'a{i}.xml', ''), (f'_rels/a{i}.xml.rels', relationships(relate(20000, 'a' * 80))))]), 'ls'),
     'references of a signature': (lambda: signed([signature(reference(value='A' * 40) * 170000)]), 'coverage'),

@@ -1,5 +1,6 @@
 #include "Commands.hpp"
 #include "OpenedPackage.hpp"
+#include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -100,7 +101,7 @@ void relate(const Arguments& arguments) {
         created = relationship.getID();
     });
     package.save();
-    std::cout << opc::toUDEString(created) << '\n';
+    std::cout << withoutControlCharacters(opc::toUDEString(created)) << '\n';
 }
 
 void unrelate(const Arguments& arguments) {

@@ -1,8 +1,8 @@
 #include "Commands.hpp"
 #include "CoverageText.hpp"
+#include "JSONOutput.hpp"
 #include "SignedPackage.hpp"
 #include "Table.hpp"
-#include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageCoverage.hpp>
@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -41,47 +42,54 @@ constexpr const char* LIMITS =
     "A countersignature covers the content through the signatures that it covers.\n"
     "Whether the signatures hold, opctool verify says.\n";
 
-/// Gathers the report over a package.
+std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
+    std::set<std::string> set;
+    for (const std::u16string& text : texts)
+        set.insert(toUDEString(text));
+    return set;
+}
+
+/// The report over a package, row by row: there may be very many.
 class Report {
 public:
-    explicit Report(SignedPackage& package)
-        : managedNames(toSet(package.signatures().getManagedPartNames())),
+    /// @param itsPackage  must outlive this object
+    explicit Report(SignedPackage& itsPackage)
+        : package(itsPackage), managedNames(toSet(package.signatures().getManagedPartNames())),
           managedTypes(toSet(package.signatures().getManagedRelationshipTypes())) {
         const auto signatures = package.signatures().getSignatures();
         together = package.signatures().computeCoverage({signatures.begin(), signatures.end()});
         for (const DigitalSignature& signature : signatures)
             coverages.emplace_back(toUDEString(signature.getName()),
                                    SignatureCoverage(package.signatures(), signature));
-        addRelationships(*package);
-        for (const Part& part : package->getParts()) {
-            addPart(part.getName());
-            addRelationships(part);
-        }
     }
 
-    ordered_json toJSON() const {
-        ordered_json names = ordered_json::array();
+    using Visitor = std::function<void(const ordered_json& row)>;
+
+    void forEachPart(const Visitor& visit) const {
+        for (const Part& part : package->getParts())
+            visit(describe(part.getName()));
+    }
+
+    void forEachRelationship(const Visitor& visit) const {
+        const auto visitAll = [&](const RelationshipSource& source) {
+            for (const Relationship& relationship : source.getRelationships())
+                visit(describe(relationship));
+        };
+        visitAll(*package);
+        for (const Part& part : package->getParts())
+            visitAll(part);
+    }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
         for (const auto& coverage : coverages)
             names.push_back(coverage.first);
-        return {
-            {"signatures", names},
-            {"parts", parts},
-            {"relationships", relationships},
-            {"uncovered",
-             {{"parts", uncoveredParts}, {"relationships", uncoveredRelationships}, {"contentTypes", "all"}}},
-            {"content", opctool::toJSON(*together)}};
+        return names;
     }
 
-    std::string summary() const { return summarize(*together); }
+    const PackageCoverage& ofAll() const { return *together; }
 
 private:
-    static std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
-        std::set<std::string> set;
-        for (const std::u16string& text : texts)
-            set.insert(toUDEString(text));
-        return set;
-    }
-
     template <typename Entity>
     ordered_json findSignatures(const Entity& entity) const {
         ordered_json names = ordered_json::array();
@@ -91,41 +99,30 @@ private:
         return names;
     }
 
-    void addPart(const PartName& name) {
+    ordered_json describe(const PartName& name) const {
         const std::string text = toUDEString(name.toString());
         ordered_json row{{"name", text},
                          {"signatures", findSignatures(name)},
                          {"ofSignatures", managedNames.count(text) != 0}};
-        if (row["signatures"].empty())
-            uncoveredParts.push_back(text);
-        else if (name.getURI() == opc::model::PackageHelper::getCorePropertiesURI())
+        if (!row["signatures"].empty() && name.getURI() == opc::model::PackageHelper::getCorePropertiesURI())
             row["except"] = "the first <cp:keywords> element";
-        parts.push_back(std::move(row));
+        return row;
     }
 
-    void addRelationships(const RelationshipSource& source) {
-        for (const Relationship& relationship : source.getRelationships()) {
-            ordered_json row{{"source", toUDEString(relationship.getSourceURI().toString())},
-                             {"id", toUDEString(relationship.getID())}};
-            const std::string type = toUDEString(relationship.getType());
-            const ordered_json signatures = findSignatures(relationship);
-            if (signatures.empty())
-                uncoveredRelationships.push_back(row);
-            row["type"] = type;
-            row["signatures"] = signatures;
-            row["ofSignatures"] = managedTypes.count(type) != 0;
-            relationships.push_back(std::move(row));
-        }
+    ordered_json describe(const Relationship& relationship) const {
+        const std::string type = toUDEString(relationship.getType());
+        return {{"source", toUDEString(relationship.getSourceURI().toString())},
+                {"id", toUDEString(relationship.getID())},
+                {"type", type},
+                {"signatures", findSignatures(relationship)},
+                {"ofSignatures", managedTypes.count(type) != 0}};
     }
 
+    SignedPackage& package;
     std::set<std::string> managedNames;
     std::set<std::string> managedTypes;
     std::optional<PackageCoverage> together; ///< of all signatures
     std::vector<std::pair<std::string, SignatureCoverage>> coverages;
-    ordered_json parts = ordered_json::array();
-    ordered_json relationships = ordered_json::array();
-    ordered_json uncoveredParts = ordered_json::array();
-    ordered_json uncoveredRelationships = ordered_json::array();
 };
 
 /// The signatures of a part or relationship, and what else is to be said.
@@ -140,17 +137,55 @@ std::string describe(const ordered_json& row) {
     return text + (row["ofSignatures"].get<bool>() ? " (belongs to the signatures)" : "");
 }
 
-void print(const ordered_json& report, const std::string& summary) {
-    Table parts({{"PART"}, {"SIGNATURES"}});
-    for (const auto& row : report["parts"])
-        parts.addRow({row["name"], describe(row)});
-    parts.print(std::cout, outputIsTerminal());
+void printTables(const Report& report) {
+    const Table parts({{"PART"}, {"SIGNATURES"}});
+    parts.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
+        report.forEachPart([&print](const ordered_json& row) { print({row["name"], describe(row)}); });
+    });
     std::cout << '\n';
-    Table relationships({{"SOURCE"}, {"ID"}, {"SIGNATURES"}, {"TYPE"}});
-    for (const auto& row : report["relationships"])
-        relationships.addRow({row["source"], row["id"], describe(row), row["type"]});
-    relationships.print(std::cout, outputIsTerminal());
-    std::cout << '\n' << summary << LIMITS;
+    const Table relationships({{"SOURCE"}, {"ID"}, {"SIGNATURES"}, {"TYPE"}});
+    relationships.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
+        report.forEachRelationship([&print](const ordered_json& row) {
+            print({row["source"], row["id"], describe(row), row["type"]});
+        });
+    });
+    std::cout << '\n' << summarize(report.ofAll()) << LIMITS;
+}
+
+void printUncovered(JSONOutput& output, const Report& report) {
+    const auto ifUncovered = [&output](const ordered_json& row, const ordered_json& shown) {
+        if (row["signatures"].empty())
+            output.add(shown);
+    };
+    output.beginObject("uncovered");
+    output.beginArray("parts");
+    report.forEachPart([&](const ordered_json& row) { ifUncovered(row, row["name"]); });
+    output.end();
+    output.beginArray("relationships");
+    report.forEachRelationship([&](const ordered_json& row) {
+        ifUncovered(row, {{"source", row["source"]}, {"id", row["id"]}});
+    });
+    output.end();
+    output.add("all", "contentTypes");
+    output.end();
+}
+
+void printJSON(const Report& report) {
+    JSONOutput output(std::cout);
+    const auto add = [&output](const ordered_json& row) { output.add(row); };
+    output.beginObject();
+    output.add(report.names(), "signatures");
+    output.beginArray("parts");
+    report.forEachPart(add);
+    output.end();
+    output.beginArray("relationships");
+    report.forEachRelationship(add);
+    output.end();
+    printUncovered(output, report);
+    output.beginObject("content");
+    print(output, report.ofAll());
+    output.end();
+    output.end();
 }
 
 } // namespace
@@ -171,9 +206,9 @@ void addCoverageCommand(CLI::App& app) {
         SignedPackage package(arguments->package, opc::interfaces::OpenMode::ReadOnly);
         const Report report(package);
         if (arguments->json)
-            std::cout << escapedJSON(report.toJSON().dump(2)) << '\n';
+            printJSON(report);
         else
-            print(report.toJSON(), report.summary());
+            printTables(report);
     });
 }
 

@@ -1,5 +1,6 @@
 #include "CoverageText.hpp"
 
+#include "JSONOutput.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
@@ -10,7 +11,6 @@ namespace opctool {
 
 namespace {
 
-using nlohmann::ordered_json;
 using opc::toUDEString;
 using opc::model::ChangedContentType;
 using opc::model::PackageCoverage;
@@ -42,28 +42,28 @@ std::string summarize(const PackageCoverage& coverage) {
     return text;
 }
 
-ordered_json toJSON(const PackageCoverage& coverage) {
-    ordered_json parts = ordered_json::array();
+void print(JSONOutput& output, const PackageCoverage& coverage) {
+    output.beginArray("uncoveredParts");
     for (const auto& name : coverage.getUncoveredParts())
-        parts.push_back(toUDEString(name.toString()));
-    ordered_json relationships = ordered_json::array();
+        output.add(toUDEString(name.toString()));
+    output.end();
+    output.beginArray("uncoveredRelationships");
     for (const auto& relationship : coverage.getUncoveredRelationships())
-        relationships.push_back({{"source", toUDEString(relationship.getSourceURI().toString())},
-                                 {"id", toUDEString(relationship.getID())}});
-    ordered_json changed = ordered_json::array();
+        output.add({{"source", toUDEString(relationship.getSourceURI().toString())},
+                    {"id", toUDEString(relationship.getID())}});
+    output.end();
+    output.beginArray("changedContentTypes");
     for (const ChangedContentType& change : coverage.getChangedContentTypes())
-        changed.push_back({{"part", toUDEString(change.part.toString())},
-                           {"contentType", toUDEString(change.now)},
-                           {"signedAs", toUDEString(change.whenSigned)}});
-    ordered_json ignored = ordered_json::array();
+        output.add({{"part", toUDEString(change.part.toString())},
+                    {"contentType", toUDEString(change.now)},
+                    {"signedAs", toUDEString(change.whenSigned)}});
+    output.end();
+    output.beginArray("ignored");
     for (const auto& item : coverage.getIgnoredItems())
-        ignored.push_back({{"name", toUDEString(item.name)}, {"reason", item.reason}});
-    return {{"uncoveredParts", parts},
-            {"uncoveredRelationships", relationships},
-            {"changedContentTypes", changed},
-            {"ignored", ignored},
-            {"keywords", {{"begin", coverage.getKeywordsBegin()}, {"size", coverage.getKeywordsSize()}}},
-            {"full", coverage.isFull()}};
+        output.add({{"name", toUDEString(item.name)}, {"reason", item.reason}});
+    output.end();
+    output.add({{"begin", coverage.getKeywordsBegin()}, {"size", coverage.getKeywordsSize()}}, "keywords");
+    output.add(coverage.isFull(), "full");
 }
 
 } // namespace opctool

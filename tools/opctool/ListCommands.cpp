@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "JSONOutput.hpp"
 #include "OpenedPackage.hpp"
 #include "Table.hpp"
 #include "TerminalText.hpp"
@@ -74,23 +75,6 @@ ordered_json describe(const Relationship& relationship) {
             {"resolved", resolved}};
 }
 
-/// Prints a JSON array element by element: there may be very many.
-class JSONArray {
-public:
-    void add(const ordered_json& element) {
-        std::string text = escapedJSON(element.dump(2));
-        for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1))
-            text.insert(end + 1, "  ");
-        std::cout << (isEmpty ? "[\n  " : ",\n  ") << text;
-        isEmpty = false;
-    }
-
-    void end() const { std::cout << (isEmpty ? "[]\n" : "\n]\n"); }
-
-private:
-    bool isEmpty = true;
-};
-
 void rels(const RelsArguments& arguments) {
     OpenedPackage package(arguments.package);
     const auto forEach = [&](const std::function<void(const ordered_json&)>& visit) {
@@ -104,9 +88,10 @@ void rels(const RelsArguments& arguments) {
                 visitAll(part);
     };
     if (arguments.json) {
-        JSONArray list;
-        forEach([&list](const ordered_json& row) { list.add(row); });
-        list.end();
+        JSONOutput output(std::cout);
+        output.beginArray();
+        forEach([&output](const ordered_json& row) { output.add(row); });
+        output.end();
         return;
     }
     const Table table({{"SOURCE"}, {"ID"}, {"MODE"}, {"TARGET"}, {"RESOLVED"}, {"TYPE"}});

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace opctool {
+
+/// Prints a JSON document piece by piece: lists may be longer than memory should be.
+class JSONOutput {
+public:
+    /// @param target  must outlive this object
+    explicit JSONOutput(std::ostream& target) : stream(target) {}
+
+    /// Begins an array or object. In an object, what is begun or added has a name.
+    void beginArray(const std::string& name = {}) { begin(name, "[", ']'); }
+    void beginObject(const std::string& name = {}) { begin(name, "{", '}'); }
+
+    void add(const nlohmann::ordered_json& value, const std::string& name = {});
+
+    /// Ends the array or object that was begun last.
+    void end();
+
+private:
+    struct Level {
+        char closing;
+        bool isEmpty;
+    };
+
+    void begin(const std::string& name, const char* opening, char closing);
+    void goToNext(const std::string& name);
+    void indent();
+
+    std::ostream& stream;
+    std::vector<Level> levels;
+};
+
+} // namespace opctool
