@@ -100,6 +100,12 @@ TEST(LimitsOfXml, arePassedByNoDocument) {
                 continue; // another document's share comes last; what is scanned has few elements
             EXPECT_EQ(outcome(bytes, elements - 1), refusal(elements - 1, "elements")) << isPlain;
         }
+        Documents longTag = documents;
+        longTag.types =
+            contentTypes(USUAL_CONTENT_TYPES + (isPlain ? "" : "<!---->") +
+                         "<Default Extension='x' ContentType='a/" + std::string(5 << 20, 'b') + "'/>");
+        EXPECT_EQ(outcomeOf([&] { use(longTag, {}, false); }),
+                  ofTypes + "XML content can not have tags or comments of more than 4 MiB");
         XmlLimits limits;
         limits.coreProperties.bytes = documents.properties.size() + 200;
         EXPECT_EQ(outcomeOf([&] { use(documents, limits, true); }),
