@@ -81,7 +81,7 @@ TEST_F(Signing, writesNothingThatLoadingRefuses) {
     signPart(u"/a.xml");
     const std::string document = opc::test::readAll(part(SIGNATURE));
     const auto tags = static_cast<std::size_t>(std::count(document.begin(), document.end(), '<'));
-    const std::uint64_t elements = document.size() / 40 + tags / 2;
+    const std::uint64_t elements = document.size() / 50 + tags / 2;
     const auto use = [&](const XmlLimits& limits, OpenMode mode) {
         close(true);
         package = std::make_unique<Package>(store, limits);

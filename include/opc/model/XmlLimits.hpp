@@ -19,7 +19,7 @@ struct XmlLimits {
     Size contentTypes{32U << 20, 250000};  ///< the content types stream
     Size relationships{32U << 20, 250000}; ///< the relationships part of one source
     Size coreProperties{1U << 20, 10000};  ///< the core properties part
-    /// A signature part. Its elements are counted by the memory that it takes: every 40 bytes count as one and a
+    /// A signature part. Its elements are counted by the memory that it takes: every 50 bytes count as one and a
     /// certificate as 500. In the form in which this library writes it, so do every two tags; in any other, which
     /// takes a tree, all bytes count twice, and each element and attribute as two.
     Size signature{32U << 20, 1000000};
