@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 
 namespace opc::model {
@@ -32,7 +31,7 @@ public:
     void clear();
 
     /// What the stream takes of the limits of the package.
-    void keepShare(std::optional<DocumentShare> ofStream) const { share = std::move(ofStream); }
+    void keepShare(DocumentShare ofStream) const { share = std::move(ofStream); }
 
     /// How many elements of the stream aren't among these entries.
     std::size_t countUnread() const noexcept { return unread; }
@@ -67,7 +66,7 @@ public:
     const Overrides& getOverrides() const noexcept { return overrides; }
 
 private:
-    mutable std::optional<DocumentShare> share;
+    mutable DocumentShare share;
     bool dirty = true;
     std::size_t unread = 0;
     bool contradicted = false;

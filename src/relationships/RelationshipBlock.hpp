@@ -33,6 +33,7 @@ private:
     template <typename Unit>
     std::basic_string_view<Unit> keep(std::string_view text) {
         auto* const kept = static_cast<Unit*>(memory.allocate(text.size() * sizeof(Unit), alignof(Unit)));
+        // cppcheck-suppress danglingTemporaryLifetime ; no text outlives its caller
         std::copy(text.begin(), text.end(), kept);
         return {kept, text.size()};
     }

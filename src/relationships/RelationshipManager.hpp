@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -48,7 +47,7 @@ public:
     void setUnread(std::size_t count) noexcept { unread = count; }
 
     /// What the relationships part takes of the limits of the package.
-    void keepShare(std::optional<DocumentShare> ofPart) const { share = std::move(ofPart); }
+    void keepShare(DocumentShare ofPart) const { share = std::move(ofPart); }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }
@@ -110,7 +109,7 @@ private:
     /// Takes the relationships out of the group, so that they can be changed one by one.
     void unpack();
 
-    mutable std::optional<DocumentShare> share;
+    mutable DocumentShare share;
     bool dirty = true;
     std::size_t unread = 0;
     URI sourceURI;

@@ -26,6 +26,9 @@ class DocumentShare {
 public:
     using Kind = XmlLimits::Size XmlLimits::*;
 
+    /// Of no document: nothing can be added.
+    DocumentShare() noexcept = default;
+
     /// @param itsKind  the limit of the document alone
     DocumentShare(std::shared_ptr<DocumentBudget> ofPackage, Kind itsKind)
         : budget(std::move(ofPackage)), kind(itsKind) {}
@@ -43,7 +46,7 @@ private:
     void giveBack() noexcept;
 
     std::shared_ptr<DocumentBudget> budget;
-    Kind kind;
+    Kind kind = nullptr;
     XmlLimits::Size taken{0, 0};
 };
 
