@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/interfaces/Oddity.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 
 #include <string>
@@ -64,6 +65,9 @@ public:
     /// What the open package holds beside its parts and another program could take for content. No signature
     /// covers it: who judges signatures is told of it. A store without such things leaves this as it is.
     virtual std::vector<IgnoredItem> getIgnoredItems() { return {}; }
+
+    /// What the open package has that breaks the standard and was taken all the same. A strict store has none.
+    virtual std::vector<Oddity> getOddities() { return {}; }
 };
 
 } // namespace opc::interfaces
