@@ -5,7 +5,6 @@
 #include "relationships/RelationshipTarget.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"
-#include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
@@ -86,7 +85,7 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
     if (!id.empty()) {
         if (!isValidID(id) || !fitsIntoTag(id))
             throw InvalidRelationshipID("Relationship ID is not a valid xsd::ID");
-        if (impl->manager.hasRelationship(id))
+        if (impl->usesID(id))
             throw RelationshipAlreadyExists("Relationship ID already exists");
     }
     throwIfPartCanNotHold(type, target, targetMode);
@@ -113,7 +112,7 @@ std::u16string RelationshipSource::generateID() {
     std::uint64_t number = impl->nextIdNumber;
     const auto candidate = [&number] { return u"rId" + toString(std::to_string(number), true); };
     std::u16string id = candidate();
-    while (impl->manager.hasRelationship(id)) {
+    while (impl->usesID(id)) {
         ++number;
         id = candidate();
     }
@@ -127,7 +126,7 @@ void RelationshipSource::doVerifyRelationship(const std::u16string& /*id*/, cons
 
 /// Makes the relationships part for the first relationship, which goes again if that fails.
 Relationship RelationshipSource::withRelationshipPart(const Relationship& added) {
-    if (!impl->manager.hasOne())
+    if (!impl->manager.hasOne() || impl->keepsMore())
         return added;
     try {
         createRelationshipPart();
@@ -150,7 +149,7 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfNotWritable();
     throwIfCreateOnly();
     throwIfRelationshipsFixed();
-    const interfaces::IPhysicalPart* part = impl->relationshipsPart;
+    const interfaces::IPhysicalPart* part = impl->keepsMore() ? nullptr : impl->relationshipsPart;
     if (part != nullptr && impl->manager.hasOne() && impl->manager.hasRelationship(id))
         getPackage().throwIfContentTypesFixed(); // the part goes with its last relationship
     impl->manager.deleteRelationship(id);
@@ -186,7 +185,7 @@ RelationshipSource::getRelationshipsByType(const std::u16string& type) const {
 
 bool RelationshipSource::hasUnreadRelationships() const {
     throwIfNotReadable();
-    return impl->manager.countUnread() > 0;
+    return impl->manager.countUnread() > 0 || impl->keepsMore();
 }
 
 bool RelationshipSource::isValidID(const std::u16string& id) {
@@ -198,7 +197,7 @@ bool RelationshipSource::isValidTarget(const std::u16string& target) {
 }
 
 void RelationshipSource::flush() {
-    if (impl->manager.isEmpty() || !impl->manager.isDirty())
+    if (!impl->manager.isDirty() || (impl->manager.isEmpty() && !impl->keepsMore()))
         return;
     PhysicalOutputStream stream(impl->relationshipsPart->getOutputStream());
     impl->manager.flush(stream, getPackage().getRelationshipSerializer());
@@ -213,14 +212,18 @@ void RelationshipSource::flush() {
 // In place, so that nothing can fail: no copy of a source that is reset shares its state.
 void RelationshipSource::reset() {
     impl->relationshipsPart = nullptr;
+    impl->kept = nullptr;
+    impl->hasLostKept = false;
     impl->manager = RelationshipManager(impl->manager.getSourceURI());
     impl->nextIdNumber = 1;
 }
 
 void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew) {
     impl->relationshipsPart = part;
+    impl->kept = nullptr;
     if (part == nullptr || isNew)
         return;
+    impl->kept = dynamic_cast<const interfaces::IKeptRelationships*>(part);
     try {
         PhysicalInputStream stream(part->getInputStream());
         impl->manager.read(stream, getPackage().getRelationshipSerializer());
@@ -234,7 +237,9 @@ interfaces::IPhysicalPart* RelationshipSource::getPhysicalRelationshipPart() con
 }
 
 void RelationshipSource::forgetPhysicalRelationshipPart() {
+    impl->hasLostKept = impl->hasLostKept || impl->keepsMore();
     impl->relationshipsPart = nullptr;
+    impl->kept = nullptr;
     impl->manager.markAsDirty();
 }
 
@@ -247,13 +252,13 @@ void RelationshipSource::restoreRelationshipPart() {
 }
 
 void RelationshipSource::throwIfRelationshipsFixed() const {
-    const std::size_t unread = impl->manager.countUnread();
-    if (unread == 0)
+    const std::string reason = impl->whyFixed();
+    if (reason.empty())
         return;
     const interfaces::IPhysicalPart* part = impl->relationshipsPart;
     const std::u16string name =
         part != nullptr ? part->getName() : PartName(impl->manager.getSourceURI()).getRelationshipPartName();
-    throw InvalidRelationshipContent("In " + toASCIIString(name) + ": " + describeUnread(unread));
+    throw InvalidRelationshipContent("In " + toASCIIString(name) + ": " + reason);
 }
 
 void RelationshipSource::throwIfInvalid() const {

@@ -3,6 +3,7 @@
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>
+#include <opc/interfaces/IKeptRelationships.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -217,6 +218,107 @@ TEST_F(RelationshipSources, aPartThatWasOpenedIsNotReplacedByARelationshipsPart)
                   package.createExternalRelationship(u"t:t", u"x"));
     EXPECT_TRUE(package.getRelationships().empty());
     EXPECT_EQ(readAll(package.getPart(PartName(u"/_Rels/.Rels"))), "content");
+}
+
+/// Gives the relationships part of /c.xml as one that keeps something to itself.
+class KeepingPackage : public ScriptedPackage {
+public:
+    using ScriptedPackage::ScriptedPackage;
+
+    std::vector<opc::interfaces::IPhysicalPart*> getParts() override {
+        auto parts = ScriptedPackage::getParts();
+        for (auto*& part : parts)
+            if (part->getName() == u"/_rels/c.xml.rels")
+                part = &keeping.emplace(*part, *this);
+        return parts;
+    }
+
+    bool keepsMore = true;
+    std::string reason;
+
+private:
+    class KeepingPart : public opc::interfaces::IPhysicalPart, public opc::interfaces::IKeptRelationships {
+    public:
+        KeepingPart(opc::interfaces::IPhysicalPart& other, const KeepingPackage& keepingPackage)
+            : part(other), package(keepingPackage) {}
+
+        std::u16string getName() const override { return part.getName(); }
+        std::u16string getContentType() const override { return part.getContentType(); }
+        opc::interfaces::IPhysicalInputStream* getInputStream() override { return part.getInputStream(); }
+        opc::interfaces::IPhysicalOutputStream* getOutputStream() override { return part.getOutputStream(); }
+        bool hasKeptID(const std::u16string& id) const override { return id == u"rId1" || id == u"kept"; }
+        bool keepsMore() const override { return package.keepsMore; }
+        std::string whyFixed() const override { return package.reason; }
+
+    private:
+        opc::interfaces::IPhysicalPart& part;
+        const KeepingPackage& package;
+    };
+
+    std::optional<KeepingPart> keeping;
+};
+
+class KeptRelationships : public testing::Test {
+protected:
+    KeptRelationships() : physical(store), package(physical) {
+        fill(store, {u"/c.xml"});
+        store.setPart(NAME, relationships(R"(<Relationship Id="r" Type="t:t" Target="x"/>)"));
+    }
+
+    Part open() {
+        package.open(OpenMode::ReadWrite);
+        return package.getPart(PartName(u"/c.xml"));
+    }
+
+    static constexpr char16_t NAME[] = u"/_rels/c.xml.rels";
+    opc::physical::MemoryPackage store;
+    KeepingPackage physical;
+    Package package;
+};
+
+TEST_F(KeptRelationships, useTheirIDsAndHoldThePart) {
+    Part part = open();
+    EXPECT_TRUE(part.hasUnreadRelationships());
+    EXPECT_RAISES(RelationshipAlreadyExists, "Relationship ID already exists",
+                  part.createExternalRelationship(u"t:t", u"x", u"kept"));
+    EXPECT_EQ(part.createExternalRelationship(u"t:t", u"x").getID(), u"rId2");
+    part.deleteRelationship(u"rId2");
+    part.deleteRelationship(u"r");
+    package.close(false);
+    EXPECT_EQ(physical.countCalls("deletePart"), 0U);
+
+    part = open();
+    EXPECT_TRUE(part.getRelationships().empty()) << "written without any";
+    part.createExternalRelationship(u"t:t", u"x", u"new");
+    package.close(false);
+    EXPECT_EQ(physical.countCalls("createPart"), 0U) << "a new part would replace it";
+    package.open(OpenMode::ReadWrite);
+    package.deletePart(PartName(u"/c.xml"));
+    EXPECT_EQ(physical.countCalls("deletePart /_rels/c.xml.rels"), 1U) << "it goes with its source";
+}
+
+TEST_F(KeptRelationships, canForbidChanges) {
+    physical.reason = "no XML";
+    Part part = open();
+    const char* const message = "In /_rels/c.xml.rels: no XML";
+    EXPECT_RAISES(InvalidRelationshipContent, message, part.createExternalRelationship(u"t:t", u"%"));
+    EXPECT_RAISES(InvalidRelationshipContent, message, part.createInternalRelationship(u"t:t", URI(u"h:")));
+    EXPECT_RAISES(InvalidRelationshipContent, message, part.deleteRelationship(u"r"));
+    package.deletePart(PartName(u"/c.xml"));
+    package.close(false);
+    EXPECT_FALSE(store.hasPart(NAME));
+}
+
+TEST_F(KeptRelationships, areNotLostWithAPartWhoseDeletionHalfFails) {
+    open();
+    physical.failAt("deletePart /c.xml", "stuck");
+    EXPECT_RAISES(PartDeleteFailed, "stuck", package.deletePart(PartName(u"/c.xml")));
+    EXPECT_RAISES(InvalidRelationshipContent,
+                  "In /_rels/c.xml.rels: its relationships that couldn't be read have been deleted with it",
+                  package.close(false));
+    package.close(true);
+    physical.forgetScript();
+    open().deleteRelationship(u"r");
 }
 
 } // namespace

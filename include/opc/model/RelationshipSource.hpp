@@ -31,6 +31,10 @@ class Package;
 /// `InvalidContentTypeStream` where it is the content types stream that has such elements. Nothing has changed
 /// then. `opc::physical::LenientPackage` makes these elements readable.
 ///
+/// What a store keeps of a relationships part without giving it to read (`interfaces::IKeptRelationships`) counts in
+/// four ways: its IDs are used, the part stays when the last relationship that was read goes, `hasUnreadRelationships`
+/// tells of it, and the store may say why nothing can be changed, which `InvalidRelationshipContent` repeats.
+///
 /// Each operation below raises `InvalidObject` if the part has gone, and then `PackageNotOpen` if the package
 /// isn't open; what changes relationships then raises `PackageReadOnly` in a package opened to read.
 class OPC_MODEL_EXPORT RelationshipSource {
@@ -80,7 +84,7 @@ public:
     Enumerator<std::vector<Relationship>> getRelationshipsByType(const std::u16string& type) const;
 
     /// Whether the relationships part holds elements that weren't read, as they have a namespace prefix or stand in
-    /// the wrong place. Other programs may take them for relationships.
+    /// the wrong place, or as the store doesn't give them. Other programs may take them for relationships.
     bool hasUnreadRelationships() const;
 
     /// Whether `id` is an `xsd:ID`, by the names of XML 1.0 (Fifth Edition) up to U+FFFF and without the
@@ -131,7 +135,8 @@ protected:
     void restoreRelationshipPart();
 
     /// @throws InvalidRelationshipContent  the relationships part holds elements that weren't read: it would
-    ///                                     lose them if it were written anew
+    ///                                     lose them if it were written anew. Or the store says that it can't be
+    ///                                     changed
     void throwIfRelationshipsFixed() const;
 
     void throwIfInvalid() const;
