@@ -1,7 +1,7 @@
 #include "relationships/RelationshipSerializer.hpp"
 
+#include "relationships/RelationshipCheck.hpp"
 #include "relationships/RelationshipManager.hpp"
-#include "relationships/RelationshipTarget.hpp"
 #include "relationships/RelationshipsWriter.hpp"
 #include "xml/CollidingIDs.hpp"
 #include "xml/DocumentOutput.hpp"
@@ -36,37 +36,8 @@ constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 /// Of memory for relationships. A single one that outlives its package keeps as much.
 constexpr std::size_t BLOCK_SIZE = 8 << 10;
 
-/// The text as a URI; what it is no URI for is said by `message`.
-URI readURI(const std::u16string& text, const char* message) {
-    try {
-        return URI(text);
-    } catch (const InvalidURI&) {
-        throw InvalidPartContent(message);
-    }
-}
-
 constexpr char16_t EXTERNAL[] = u"External";
 constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/relationships";
-
-/// Checks the values of a relationship in this order.
-/// @return its target mode
-TargetMode check(const std::u16string& type, const std::u16string& target, std::u16string_view targetMode) {
-    if (type.empty())
-        throw InvalidPartContent("Type is empty");
-    readURI(type, "Type is not a valid URI");
-    if (target.empty())
-        throw InvalidPartContent("Target is empty");
-
-    if (targetMode == EXTERNAL) {
-        if (!isIRITarget(target))
-            throw InvalidPartContent("Target is not a valid IRI for an external relationship");
-        return TargetMode::External;
-    }
-    const URI uri = readURI(target, "Target is not a valid URI for an internal relationship");
-    if (uri.isOpaque())
-        throw InvalidPartContent("Target of an internal relationship cannot be an opaque URI");
-    return TargetMode::Internal;
-}
 
 void throwIfIDsCollide(const RelationshipManager& manager) {
     if (manager.size() <= CollidingIDs::MAXIMUM)
@@ -120,7 +91,7 @@ private:
         try {
             const std::u16string type(element.attribute(u"Type"));
             const std::u16string target(element.attribute(u"Target"));
-            const TargetMode mode = check(type, target, element.attribute(u"TargetMode"));
+            const TargetMode mode = checkRelationship(type, target, element.attribute(u"TargetMode"));
             found.push_back({memory.keep(element.attribute(u"Id")), types.share(toASCIIString(type)),
                              memory.keep(target), &sourceURI, mode});
         } catch (const InvalidPartContent&) {

@@ -6,6 +6,7 @@
 
 #include <opc/model/XercesGuard.hpp>
 
+#include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/datatype/DatatypeValidatorFactory.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
@@ -42,34 +43,61 @@ bool standsCollapsed(const std::u16string& text) {
     return true;
 }
 
-bool isPlain(const std::u16string& value) {
-    return std::all_of(value.begin(), value.end(), [](char16_t unit) { return unit < 128; }) &&
-           isPlainURI(std::string(value.begin(), value.end()));
+using IsPlain = bool (*)(std::string_view);
+
+bool isASCII(const std::u16string& value) {
+    return std::all_of(value.begin(), value.end(), [](char16_t unit) { return unit < 128; });
 }
 
-bool isValid(const std::u16string& value) {
+/// @param type  the name of a built-in type
+bool isValid(const std::u16string& value, const XMLCh* type) {
     const XercesGuard guard;
     auto* const types = xercesc::DatatypeValidatorFactory::getBuiltInRegistry();
     try {
-        translateXercesFailures(
-            [&] { types->get(xercesc::SchemaSymbols::fgDT_ANYURI)->validate(value.c_str()); });
+        translateXercesFailures([&] { types->get(type)->validate(value.c_str()); });
         return true;
     } catch (const InvalidXMLDocument&) {
         return false;
     }
 }
 
-} // namespace
-
-bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
-    if (!fitsIntoTag(value))
-        return false;
-    if (isPlain(value))
+bool isHeld(const std::u16string& value, IsPlain isPlain, const XMLCh* type,
+            const std::function<void()>& wakeXerces) {
+    if (isASCII(value) && isPlain(std::string(value.begin(), value.end())))
         return true;
     if (!standsCollapsed(value))
         return false;
     wakeXerces();
-    return isValid(value);
+    return isValid(value, type);
+}
+
+} // namespace
+
+bool isHeldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
+    return isHeld(value, isPlainURI, xercesc::SchemaSymbols::fgDT_ANYURI, wakeXerces);
+}
+
+bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
+    return fitsIntoTag(value) && isHeldURI(value, wakeXerces);
+}
+
+bool isHeldID(const std::u16string& value, const std::function<void()>& wakeXerces) {
+    return isHeld(value, isPlainID, xercesc::XMLUni::fgIDString, wakeXerces);
+}
+
+std::u16string collapse(std::u16string_view value) {
+    std::u16string collapsed;
+    bool isBehindBlank = false;
+    for (const char16_t unit : value) {
+        const bool isBlank = unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r';
+        if (!isBlank) {
+            if (isBehindBlank && !collapsed.empty())
+                collapsed += u' ';
+            collapsed += unit;
+        }
+        isBehindBlank = isBlank;
+    }
+    return collapsed;
 }
 
 } // namespace opc::model

@@ -28,11 +28,15 @@ bool hasLongTag(std::string_view document) {
     return false;
 }
 
-bool fitsIntoTag(std::u16string_view value) {
+std::size_t sizeInTag(std::u16string_view value) {
     std::size_t size = 0;
     for (const char16_t unit : value)
         size += writtenSize(unit);
-    return size <= LONGEST_VALUE;
+    return size;
+}
+
+bool fitsIntoTag(std::u16string_view value) {
+    return sizeInTag(value) <= LONGEST_VALUE;
 }
 
 } // namespace opc::model

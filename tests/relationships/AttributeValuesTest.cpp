@@ -3,10 +3,13 @@
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipTarget.hpp"
+#include "support/Outcome.hpp"
+#include "support/PackageContent.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/RelationshipRules.hpp>
 #include <opc/model/XercesGuard.hpp>
 
 #include <gtest/gtest.h>
@@ -45,9 +48,98 @@ protected:
         EXPECT_EQ(isRelationshipID(value), comeBack(value, u"x")) << opc::toUDEString(value);
     }
 
+    /// Holds what the rules say of attributes against what reading makes of an element that has them.
+    void compareWithReading(const RelationshipRules::Attributes& attributes) {
+        std::string element = "<Relationship";
+        const auto add = [&element](const char* name, const std::optional<std::u16string_view>& value) {
+            if (!value)
+                return;
+            element.append(" ").append(name).append("='");
+            for (std::size_t i = 0; i < value->size(); ++i) {
+                const char16_t unit = (*value)[i];
+                const bool isPair = unit >= 0xD800 && unit <= 0xDBFF;
+                const unsigned character =
+                    isPair ? 0x10000U + ((unit - 0xD800U) << 10U) + ((*value)[++i] - 0xDC00U) : unit;
+                element.append("&#" + std::to_string(character) + ";");
+            }
+            element += "'";
+        };
+        add("Id", attributes.id);
+        add("Type", attributes.type);
+        add("Target", attributes.target);
+        add("TargetMode", attributes.targetMode);
+        const opc::test::Bytes document = opc::test::relationships(element + "/>");
+        std::string id;
+        RelationshipManager read(URI(u"/"));
+        const std::string refusal = opc::test::outcomeOf([&] {
+            opc::ByteArrayInAdaptor input(document);
+            read.read(input, serializer);
+        });
+        const std::string defect = rules.findDefect(attributes);
+        EXPECT_EQ(defect.empty(), refusal.empty()) << element << "\n" << refusal << "\n" << defect;
+        if (refusal.empty()) {
+            EXPECT_TRUE(read.hasRelationship(RelationshipRules::read(*attributes.id))) << element;
+        }
+    }
+
     const XercesGuard guard;
     RelationshipSerializer serializer;
+    RelationshipRules rules;
 };
+
+TEST_F(AttributeValues, areRefusedByTheRulesIfReadingRefusesThem) {
+    const std::u16string_view values[] = {u"",
+                                          u" ",
+                                          u"a",
+                                          u" a\t\n",
+                                          u"a  b",
+                                          u"1",
+                                          u"a:b",
+                                          u"a:",
+                                          u":",
+                                          u"_.-1",
+                                          u"\u00E9",
+                                          u"/a\\b",
+                                          u"C:\\a",
+                                          u"%",
+                                          u"a%20b#c",
+                                          u"#a#b",
+                                          u"mailto:#@_#",
+                                          u"mailto:a@b",
+                                          u"http://",
+                                          u"http://h/x",
+                                          u"http://h:port",
+                                          u"http://[1::x]/",
+                                          u"file:///c:/x y",
+                                          u"//h",
+                                          u"\U0001F600",
+                                          u"External",
+                                          u"Internal",
+                                          u"internal",
+                                          u" External",
+                                          u"\u2028",
+                                          u"a\u0085",
+                                          u"<&'\">"};
+    const auto compareAll = [&](const std::optional<std::u16string_view>& value) {
+        compareWithReading({value, u"t", u"x", {}});
+        compareWithReading({u"a", value, u"x", {}});
+        compareWithReading({u"a", u"t", u"x", value});
+        for (const auto& mode :
+             {std::optional<std::u16string_view>(), std::optional<std::u16string_view>(u"External")})
+            compareWithReading({u"a", u"t", value, mode});
+    };
+    compareAll(std::nullopt);
+    for (const std::u16string_view value : values)
+        compareAll(value);
+    for (unsigned unit = 0x20; unit < 0xD800; unit += unit < 0x180 ? 1 : 0x199) {
+        const char16_t letters[] = {u'a', static_cast<char16_t>(unit)};
+        compareAll(std::u16string_view(letters, 2));
+        compareAll(std::u16string_view(letters + 1, 1));
+    }
+    const std::u16string longest(4U << 20, u'a');
+    EXPECT_EQ(rules.findDefect({u"a", u"t", longest, {}}),
+              "XML content can not have tags or comments of more than 4 MiB");
+}
 
 TEST_F(AttributeValues, areHeldIfTheyComeBackFromADocument) {
     const std::u16string alphabet = u"a1:/\\?#@%.-| \t\r\"<&\u00E9\uFFFF\xD800\xDC00";

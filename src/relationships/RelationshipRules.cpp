@@ -1,0 +1,73 @@
+#include <opc/model/RelationshipRules.hpp>
+
+#include "relationships/RelationshipCheck.hpp"
+#include "xml/AttributeValues.hpp"
+#include "xml/LongTags.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/XercesGuard.hpp>
+
+namespace opc::model {
+
+namespace {
+
+/// What a tag has beside the values of a relationship.
+constexpr std::size_t LONGEST_FRAME = 128;
+
+bool isTooLong(const RelationshipRules::Attributes& attributes) {
+    const std::size_t size =
+        sizeInTag(*attributes.id) + sizeInTag(*attributes.type) + sizeInTag(*attributes.target);
+    return size > LONGEST_TAG - LONGEST_FRAME;
+}
+
+} // namespace
+
+RelationshipRules::RelationshipRules() = default;
+RelationshipRules::~RelationshipRules() = default;
+
+std::string RelationshipRules::findDefect(const Attributes& attributes) {
+    std::string defect = findDefectBySchema(attributes);
+    if (!defect.empty())
+        return defect;
+    try {
+        checkRelationship(read(*attributes.type), read(*attributes.target),
+                          attributes.targetMode.value_or(u""));
+    } catch (const InvalidPartContent& e) {
+        return e.what();
+    }
+    return {};
+}
+
+std::string RelationshipRules::findDefectBySchema(const Attributes& attributes) {
+    const auto wakeXerces = [this] {
+        if (!guard)
+            guard = std::make_unique<XercesGuard>();
+    };
+    if (!attributes.id)
+        return "Id is missing";
+    if (!attributes.type)
+        return "Type is missing";
+    if (!attributes.target)
+        return "Target is missing";
+    if (isTooLong(attributes))
+        return TAG_IS_TOO_LONG;
+    if (!isHeldID(read(*attributes.id), wakeXerces))
+        return "Id is not a valid xsd:ID";
+    const auto isURI = [&wakeXerces](const std::u16string& value) {
+        return value.empty() || isHeldURI(value, wakeXerces); // that it is empty is said behind
+    };
+    if (!isURI(read(*attributes.type)))
+        return "Type is not a valid xsd:anyURI";
+    if (!isURI(read(*attributes.target)))
+        return "Target is not a valid xsd:anyURI";
+    if (attributes.targetMode && *attributes.targetMode != u"External" &&
+        *attributes.targetMode != u"Internal")
+        return "TargetMode is neither External nor Internal";
+    return {};
+}
+
+std::u16string RelationshipRules::read(std::u16string_view value) {
+    return collapse(value);
+}
+
+} // namespace opc::model
