@@ -3,7 +3,6 @@
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
-#include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOM.hpp>
@@ -22,12 +21,6 @@ using model::XercesHelper;
 using model::XercesString;
 using xercesc::DOMElement;
 using xercesc::XMLString;
-
-/// Of a document that a tree is made of, which takes some 330 bytes for each tag and attribute.
-/// @{
-constexpr std::size_t LARGEST_MENDED = 4 << 20;
-constexpr std::ptrdiff_t MOST_MARKUP = 300000;
-/// @}
 
 bool hasPrefix(const DOMElement* element) {
     return element->getPrefix() != nullptr && *element->getPrefix() != 0;
@@ -48,20 +41,6 @@ void declareDefault(DOMElement* element) {
 
 } // namespace
 
-std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream) {
-    Bytes bytes;
-    std::array<unsigned char, 4096> block; // most documents are no longer
-    while (!stream.isDone()) {
-        const auto got = std::min<std::uint64_t>(stream.read(block.data(), block.size()), block.size());
-        if (got == 0) // to a parser the document ends here
-            break;
-        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
-        if (bytes.size() > LARGEST_MENDED)
-            return std::nullopt;
-    }
-    return bytes;
-}
-
 bool mayHavePrefixes(const Bytes& document) {
     constexpr std::string_view DECLARATION = "xmlns:";
     std::array<unsigned char, 2 * DECLARATION.size() - 1> wide{}; // in UTF-16 of either byte order
@@ -74,8 +53,7 @@ bool mayHavePrefixes(const Bytes& document) {
 }
 
 MendedDocument::MendedDocument(const Bytes& text) : parser(XercesHelper::createParser()) {
-    const auto isMarkup = [](unsigned char byte) { return byte == '<' || byte == '='; };
-    if (std::count_if(text.begin(), text.end(), isMarkup) > MOST_MARKUP)
+    if (hasTooMuchMarkup(text))
         throw Exception("The document has too many elements and attributes to be mended.");
     ByteArrayInAdaptor stream(text);
     document = XercesHelper::readDocumentFromStream(parser.get(), stream, false, {}, {});

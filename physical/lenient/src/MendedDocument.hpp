@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Document.hpp"
+
 #include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesString.hpp>
@@ -7,9 +9,7 @@
 #include <xercesc/util/XercesDefs.hpp>
 
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMDocument;
@@ -17,17 +17,7 @@ class DOMElement;
 class DOMLSParser;
 XERCES_CPP_NAMESPACE_END
 
-namespace opc::interfaces {
-class IPhysicalInputStream;
-}
-
 namespace opc::physical::lenient {
-
-using Bytes = std::vector<unsigned char>;
-
-/// All bytes of a stream, which is open at its start; nothing if they are more than can be mended in bounded
-/// memory.
-std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream);
 
 /// Whether a document could have elements with a namespace prefix: whether it declares one. Asked first, since
 /// nearly no document does, and parsing takes long.

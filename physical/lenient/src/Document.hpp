@@ -1,0 +1,37 @@
+#pragma once
+
+#include "DocumentText.hpp"
+#include "Markup.hpp"
+
+#include <optional>
+
+namespace opc::interfaces {
+class IPhysicalInputStream;
+}
+
+namespace opc::physical::lenient {
+
+/// All bytes of a stream, which is open at its start; nothing if they are more than can be held in bounded memory.
+std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream);
+
+/// Whether a document has so many elements and attributes that their list would take too much memory.
+bool hasTooMuchMarkup(const Bytes& document);
+
+/// Whether a document begins with a document type, in whatever encoding that has ASCII in it.
+bool hasDocumentType(const Bytes& document);
+
+/// A document that has been found to be well-formed, by the model's own rules, with its text and its elements.
+class Document {
+public:
+    /// @throws Exception  the document can't be read, or has a document type or too much markup
+    explicit Document(const Bytes& bytes);
+
+    const DocumentText& text() const { return decoded; }
+    const Markup& markup() const { return found; }
+
+private:
+    const DocumentText decoded;
+    const Markup found;
+};
+
+} // namespace opc::physical::lenient

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Document.hpp"
+#include "TextEdits.hpp"
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace opc::physical::lenient {
+
+/// Changes to a document that are made in its own text: all that doesn't change keeps its bytes.
+class DocumentEdits {
+public:
+    using NewAttributes = std::vector<std::pair<std::u16string_view, std::u16string_view>>;
+
+    /// @param document  must outlive this object
+    explicit DocumentEdits(const Document& document);
+
+    bool areNone() const { return edits.areNone() && added.empty(); }
+
+    /// Removes an element with all that is in it, and with its lines if nothing else stands on them.
+    void remove(const Element& element);
+
+    void setValue(const Attribute& attribute, std::u16string_view value);
+
+    /// Adds an empty element as the last one in the root, whose namespace and prefix it has. It stands as the one in
+    /// front of it does: on a line of its own, as far from the margin, or in the same line.
+    void append(std::u16string_view localName, const NewAttributes& attributes);
+
+    /// The changed document, in the encoding of the old one.
+    Bytes apply();
+
+private:
+    std::u16string separator() const;
+    void insertAdded();
+
+    const Document& edited;
+    const std::u16string& text;
+    TextEdits edits;
+    std::u16string added; ///< new elements, to be inserted together
+    std::u16string beforeAdded;
+};
+
+} // namespace opc::physical::lenient

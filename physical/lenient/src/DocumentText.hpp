@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace opc::physical::lenient {
+
+using Bytes = std::vector<unsigned char>;
+
+/// The text of a document, and how it was encoded: in UTF-8 or UTF-16, with a byte order mark or without.
+class DocumentText {
+public:
+    /// @return nothing if the bytes aren't well-formed in the encoding that their beginning shows
+    static std::optional<DocumentText> decode(const Bytes& bytes);
+
+    /// Without the byte order mark.
+    const std::u16string& text() const { return decoded; }
+
+    /// Another text, encoded as this one was. What both have in common keeps its bytes.
+    Bytes encode(std::u16string_view other) const;
+
+private:
+    enum class Encoding { UTF8, UTF16LittleEndian, UTF16BigEndian };
+
+    void findEncoding(const Bytes& bytes);
+    bool decodeUTF8(const Bytes& bytes, std::size_t begin);
+    bool decodeUTF16(const Bytes& bytes, std::size_t begin);
+
+    Encoding encoding = Encoding::UTF8;
+    bool hasMark = false;
+    std::u16string decoded;
+};
+
+} // namespace opc::physical::lenient

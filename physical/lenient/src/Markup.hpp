@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace opc::physical::lenient {
+
+/// A piece of a text.
+struct Span {
+    std::size_t begin;
+    std::size_t end; ///< behind the last code unit
+};
+
+/// An attribute of an element; those that declare namespaces too.
+struct Attribute {
+    Span span;                  ///< from its name to the closing quote
+    std::u16string_view prefix; ///< empty if there is none
+    std::u16string_view localName;
+    std::u16string_view namespaceURI; ///< empty without a prefix, and for a declaration
+    std::u16string_view rawValue;     ///< as it stands between the quotes
+
+    /// Without references, and with blanks in place of line breaks and tabs (XML 1.0 section 3.3.3).
+    std::u16string value() const;
+
+    bool isDeclaration() const { return prefix.empty() ? localName == u"xmlns" : prefix == u"xmlns"; }
+    bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
+        return localName == name && namespaceURI == itsNamespace && !isDeclaration();
+    }
+};
+
+struct Element {
+    static constexpr std::size_t NO_PARENT = static_cast<std::size_t>(-1);
+
+    std::size_t parent; ///< its place among the elements; `NO_PARENT` of the root
+    std::size_t depth;  ///< 0 of the root
+    std::size_t line;   ///< where it begins, from 1
+    Span span;          ///< from its start tag to its end tag
+    Span startTag;
+    std::size_t contentEnd; ///< where its end tag begins; the end of the start tag if there is none
+    std::u16string_view prefix;
+    std::u16string_view localName;
+    std::u16string_view namespaceURI;
+    std::size_t firstAttribute;
+    std::size_t attributeCount;
+    bool hasText; ///< whether anything but white space, comments and elements stands directly in it
+
+    bool isEmptyTag() const { return startTag.end == span.end; }
+    bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
+        return localName == name && namespaceURI == itsNamespace;
+    }
+};
+
+/// Whether a code unit is white space between attributes; the last two are so in XML 1.1.
+inline bool isMarkupSpace(char16_t unit) {
+    return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r' || unit == u'\u0085' ||
+           unit == u'\u2028';
+}
+
+/// The elements of a document, with their places in its text.
+class Markup {
+public:
+    /// The attributes of one element.
+    struct Attributes {
+        const Attribute* first;
+        const Attribute* last;
+        const Attribute* begin() const { return first; }
+        const Attribute* end() const { return last; }
+    };
+
+    /// @param text  a document that a parser has found to be well-formed, without a document type; must outlive
+    ///              this object, and stay where it is
+    /// @throws Exception  it isn't such a document after all
+    explicit Markup(const std::u16string& text);
+    Markup(const Markup&) = delete;
+    Markup& operator=(const Markup&) = delete;
+
+    /// In the order of their start tags; the root stands first.
+    const std::vector<Element>& elements() const { return found; }
+    const Element& root() const { return found.front(); }
+
+    Attributes attributes(const Element& element) const {
+        const Attribute* const first = values.data() + element.firstAttribute;
+        return {first, first + element.attributeCount};
+    }
+
+    /// @return null if the element has no such attribute
+    const Attribute* findAttribute(const Element& element, std::u16string_view namespaceURI,
+                                   std::u16string_view name) const;
+
+private:
+    friend class MarkupScanner;
+
+    std::vector<Element> found;
+    std::vector<Attribute> values;
+    std::set<std::u16string, std::less<>> namespaces;
+};
+
+} // namespace opc::physical::lenient
