@@ -3,6 +3,7 @@
 #include "relationships/RelationshipSourceImpl.hpp"
 
 #include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/interfaces/IPhysicalPartSize.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
@@ -34,17 +35,25 @@ struct Part::Impl : RelationshipSource::Impl {
     std::unique_ptr<PhysicalOutputStream> outputStream;
     bool valid = true;
 
-    /// The adapter in its place, which is made when it is asked for first.
-    template <typename Adapter, typename GetStream>
-    Adapter& connect(std::unique_ptr<Adapter>& adapter, GetStream getStream) const {
+    /// What `ask` gets from the content.
+    template <typename Ask>
+    auto askContent(Ask ask) const {
         try {
             throwIfGone(physicalPart);
-            if (!adapter)
-                adapter = std::make_unique<Adapter>(getStream());
+            return ask(*physicalPart);
         } catch (const Exception& e) {
             throw InvalidPartStream(e.what());
         }
-        return *adapter;
+    }
+
+    /// The adapter in its place, which is made when it is asked for first.
+    template <typename Adapter, typename GetStream>
+    Adapter& connect(std::unique_ptr<Adapter>& adapter, GetStream getStream) const {
+        return *askContent([&](interfaces::IPhysicalPart& content) {
+            if (!adapter)
+                adapter = std::make_unique<Adapter>(getStream(content));
+            return adapter.get();
+        });
     }
 };
 
@@ -72,14 +81,23 @@ ContentType Part::getContentType() const {
 InputStream& Part::getInputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
-    return state().connect(state().inputStream, [this] { return state().physicalPart->getInputStream(); });
+    return state().connect(state().inputStream, [](auto& content) { return content.getInputStream(); });
 }
 
 OutputStream& Part::getOutputStream() const {
     throwIfInvalid();
     throwIfNotOpen();
     throwIfReadOnly();
-    return state().connect(state().outputStream, [this] { return state().physicalPart->getOutputStream(); });
+    return state().connect(state().outputStream, [](auto& content) { return content.getOutputStream(); });
+}
+
+std::optional<std::uint64_t> Part::getSize() const {
+    throwIfInvalid();
+    throwIfNotOpen();
+    return state().askContent([](const interfaces::IPhysicalPart& content) {
+        const auto* sized = dynamic_cast<const interfaces::IPhysicalPartSize*>(&content);
+        return sized ? std::optional(sized->getSize()) : std::nullopt;
+    });
 }
 
 bool Part::isValid() const {

@@ -199,7 +199,7 @@ const std::vector<Group>& groups() {
           OPERATION(h.coverage->covers(*h.relationship))}},
         {{GONE, GONE, GONE, DONE, GONE, DONE},
          {OPERATION(h.part->getInputStream()), OPERATION(h.part->getOutputStream()),
-          OPERATION(h.part->createInternalRelationship(u"t:t", URI(u"/b.xml"))),
+          OPERATION(h.part->getSize()), OPERATION(h.part->createInternalRelationship(u"t:t", URI(u"/b.xml"))),
           OPERATION(h.part->createExternalRelationship(u"t:t", u"http://e/")),
           OPERATION(h.part->deleteRelationship(u"r")), OPERATION(h.part->getRelationshipByID(u"r")),
           OPERATION(h.part->hasRelationship(u"r")), OPERATION(h.part->getRelationships()),

@@ -206,7 +206,7 @@ TEST_F(PackageParts, aDeletionThatHalfFailedCanBeTriedAgain) {
         [&] { part.getInputStream(); },  [&] { part.getOutputStream(); }, [&] { input.open(); },
         [&] { input.read(&byte, 1); },   [&] { input.isDone(); },         [&] { input.close(); },
         [&] { output.write(&byte, 1); }, [&] { output.isDone(); },        [&] { output.flush(); },
-        [&] { output.close(); },
+        [&] { output.close(); },         [&] { part.getSize(); },
     };
     for (const auto& operation : operations)
         EXPECT_RAISES(InvalidPartStream, "The part's content has been deleted", operation());
@@ -320,6 +320,21 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
     package.close(true);
     EXPECT_RAISES(InvalidObject, "Object is no longer valid", readOnly.getOutputStream())
         << "what has gone isn't read-only";
+}
+
+TEST_F(PackageParts, sizesAreTheStoresAndNothingIsReadForThem) {
+    store.setPart(u"/a.xml", toBytes("old"));
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(package.getPart(PartName(u"/a.xml")).getSize(), std::nullopt) << "a store that tells none";
+    EXPECT_EQ(physical.countCalls("getInputStream /a.xml"), 0U);
+    package.close(true);
+
+    Package sized(store);
+    sized.open(OpenMode::ReadWrite);
+    Part part = sized.getPart(PartName(u"/a.xml"));
+    EXPECT_EQ(part.getSize(), 3U);
+    writeAll(part, "newer");
+    EXPECT_EQ(part.getSize(), 5U);
 }
 
 TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {

@@ -88,6 +88,7 @@ TEST_P(PhysicalLayers, giveOldContentToOldStreamsAndNewToNew) {
     put(*output, "and more");
     EXPECT_FALSE(late->isDone());
     EXPECT_EQ(rest(*late), "and more");
+    EXPECT_EQ(dynamic_cast<opc::interfaces::IPhysicalPartSize&>(*part).getSize(), 12U);
     EXPECT_EQ(rest(*early), "lpha");
     early->close();
     early->open();

@@ -8,6 +8,7 @@
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/IPhysicalPartInfo.hpp>
+#include <opc/interfaces/IPhysicalPartSize.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 
 #include <gtest/gtest.h>
@@ -69,8 +70,13 @@ inline std::string noise(std::size_t size) {
     return text;
 }
 
+/// The content, which has the size that the part tells, if it does.
 inline std::string content(interfaces::IPhysicalPart& part) {
-    return rest(*part.getInputStream());
+    std::string text = rest(*part.getInputStream());
+    if (const auto* sized = dynamic_cast<const interfaces::IPhysicalPartSize*>(&part)) {
+        EXPECT_EQ(sized->getSize(), text.size());
+    }
+    return text;
 }
 
 inline interfaces::IPhysicalPart* create(interfaces::IPhysicalPackage& package, const std::u16string& name,

@@ -1,5 +1,7 @@
 #include "tools/OpctoolFixture.hpp"
 
+#include <numeric>
+
 namespace {
 
 using namespace opc::test;
@@ -115,6 +117,32 @@ TEST_F(Opctool, opensLenientlyWhatItNamesTheOptionFor) {
         EXPECT_EQ(lenient.errors, hidden) << command;
     }
     EXPECT_EQ(run("props p.zip --lenient --clear").status, 2) << "it is for reading";
+}
+
+TEST_F(Opctool, readsNoMoreThanItNeedsOfADamagedPackage) {
+    std::string text(256, '\0');
+    std::iota(text.begin(), text.end(), '\0'); // which doesn't compress
+    write("text", text);
+    run("new p.zip");
+    run("add p.zip /a text --type a/b");
+    run("add p.zip /b text --type a/b");
+    run("keygen k");
+    for (const char* part : {"/a", "/b"})
+        run("sign p.zip --key k.key --part " + std::string(part));
+    std::string archive = readFile<std::string>(folder / "p.zip");
+    ++archive[archive.rfind(text)];
+    write("p.zip", archive);
+    EXPECT_EQ(run("cat p.zip /b").errors,
+              "opctool: Exception: p.zip: b: can't read: its checksum is wrong\n");
+    EXPECT_EQ(run("cat p.zip /a").output, text);
+    EXPECT_EQ(list("ls p.zip").back()["size"], text.size());
+    for (const char* command : {"info", "rels", "props"})
+        EXPECT_EQ(run(command + std::string(" p.zip")).status, 0) << command;
+    const Outcome verified = run("verify p.zip --public k.pub --json");
+    EXPECT_EQ(verified.status, 3);
+    const json signatures = json::parse(verified.output);
+    EXPECT_TRUE(signatures[0]["holds"]);
+    EXPECT_EQ(signatures[1]["reason"], "p.zip: b: can't read: its checksum is wrong");
 }
 
 TEST_F(Opctool, failsIfItsOutputCanNotBeWritten) {

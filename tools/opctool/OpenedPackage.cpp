@@ -55,6 +55,8 @@ void OpenedPackage::save() {
 }
 
 std::uint64_t measure(const opc::model::Part& part) {
+    if (const auto known = part.getSize())
+        return *known;
     std::vector<unsigned char> block(std::size_t{64} * 1024);
     opc::InputStream& stream = part.getInputStream();
     std::uint64_t size = 0;

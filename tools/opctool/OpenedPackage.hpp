@@ -57,7 +57,7 @@ private:
     opc::model::Package package;
 };
 
-/// @return the size in bytes: the physical layer tells none, so the content is read
+/// @return the size in bytes; the content is read only if the physical layer tells none
 std::uint64_t measure(const opc::model::Part& part);
 
 /// A text from the command line, which is UTF-8.

@@ -10,7 +10,7 @@ class IPhysicalOutputStream;
 /// One part as the physical layer stores it, relationships parts included.
 ///
 /// The physical layer owns it, and keeps it valid until it is deleted or the package is closed. Failures are
-/// `opc::Exception`.
+/// `opc::Exception`. A part whose store knows sizes can tell its own: see `IPhysicalPartSize`.
 class IPhysicalPart {
 public:
     /// The part name, by the rules of ECMA-376 Part 2.

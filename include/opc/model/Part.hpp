@@ -8,6 +8,9 @@
 #include <opc/model/PartName.hpp>
 #include <opc/model/RelationshipSource.hpp>
 
+#include <cstdint>
+#include <optional>
+
 namespace opc::interfaces {
 class IPhysicalPart;
 }
@@ -45,6 +48,14 @@ public:
     /// @throws PackageReadOnly    the package is opened to read
     /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
     OutputStream& getOutputStream() const;
+
+    /// The bytes that a new reading of the content gives, where the physical layer knows without reading: those in the
+    /// package or, once the part has been written, what has been written so far. It is the size that the store has
+    /// noted: a damaged content is found when it is read.
+    /// @return nothing if the store tells no sizes
+    /// @throws InvalidObject      the part has gone
+    /// @throws InvalidPartStream  the physical layer can't tell
+    std::optional<std::uint64_t> getSize() const;
 
 private:
     friend class DigitalSignatureManager;

@@ -5,6 +5,7 @@
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/interfaces/IPhysicalPartSize.hpp>
 
 namespace opc::physical::memory {
 
@@ -34,7 +35,7 @@ private:
 };
 
 /// A part of an open package.
-class MemoryPart : public interfaces::IPhysicalPart {
+class MemoryPart : public interfaces::IPhysicalPart, public interfaces::IPhysicalPartSize {
 public:
     MemoryPart(std::u16string partName, std::u16string type, SharedBytes bytes, bool readOnly)
         : name(std::move(partName)), contentType(std::move(type)), content(std::move(bytes), readOnly) {}
@@ -43,6 +44,7 @@ public:
     std::u16string getContentType() const override { return contentType; }
     interfaces::IPhysicalInputStream* getInputStream() override { return content.read(); }
     interfaces::IPhysicalOutputStream* getOutputStream() override { return content.write(name); }
+    std::uint64_t getSize() const override { return content.get()->size(); }
 
     const std::u16string name;
     std::u16string contentType;

@@ -120,6 +120,15 @@ std::unique_ptr<ZipContentReader> ZipContent::makeReader() const {
     return std::make_unique<ItemReader>(*context.archive, oldItems());
 }
 
+std::uint64_t ZipContent::size() const {
+    if (spool)
+        return spool->size();
+    std::uint64_t sum = 0; // within the limit on all items together
+    for (const ItemIndex piece : oldItems())
+        sum += context.archive->item(piece).size;
+    return sum;
+}
+
 ItemRange ZipContent::oldItems() const {
     if (own)
         return {own->items.data(), own->items.data() + own->items.size()};

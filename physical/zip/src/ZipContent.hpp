@@ -8,6 +8,7 @@
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/interfaces/IPhysicalPartSize.hpp>
 
 #include <forward_list>
 #include <memory>
@@ -57,6 +58,9 @@ public:
 
     std::unique_ptr<ZipContentReader> makeReader() const;
 
+    /// By what the directory says, or what has been written.
+    std::uint64_t size() const;
+
     /// What has been written; null if nothing has.
     const std::shared_ptr<Spool>& written() const { return spool; }
     ItemRange oldItems() const;
@@ -93,7 +97,7 @@ private:
 };
 
 /// A part of an open package.
-class ZipPart : public interfaces::IPhysicalPart {
+class ZipPart : public interfaces::IPhysicalPart, public interfaces::IPhysicalPartSize {
 public:
     template <typename... Arguments>
     explicit ZipPart(ZipContext& context, Arguments&&... arguments)
@@ -103,6 +107,7 @@ public:
     std::u16string getContentType() const override { return {}; }
     interfaces::IPhysicalInputStream* getInputStream() override { return content.read(); }
     interfaces::IPhysicalOutputStream* getOutputStream() override { return content.write(); }
+    std::uint64_t getSize() const override { return content.size(); }
 
     ZipContent content;
     const std::string_view name; ///< without the slash that a part name begins with
