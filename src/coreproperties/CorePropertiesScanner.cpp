@@ -79,7 +79,7 @@ bool isPlainLanguage(std::string_view text) {
 
 class Scan {
 public:
-    Scan(std::string_view document, CoreProperties& result) : reader(document), properties(result) {}
+    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {}
 
     bool takeDocument() {
         bool isEmpty = false;
@@ -201,6 +201,7 @@ private:
         return true;
     }
 
+    PlainTexts texts; // of attributes
     PlainReader reader;
     CoreProperties& properties;
     PlainAttributes declarations;        // of the root

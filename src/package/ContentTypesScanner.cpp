@@ -2,6 +2,7 @@
 
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/PlainURI.hpp"
 
 #include <algorithm>
 
@@ -53,17 +54,18 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found = {};
     if (hasLongTag(document))
         return false; // for the parser to refuse
-    return visitPlainDocument(
-        document, "Types", NAMESPACE, [&found](std::string_view name, const PlainAttributes& attributes) {
-            if (name == "Default") {
-                ScannedContentType& entry = found.defaults.emplace_back();
-                return takeEntry(attributes, "Extension", entry) && isPlainExtension(entry.key);
-            }
-            if (name != "Override")
-                return false;
-            ScannedContentType& entry = found.overrides.emplace_back();
-            return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
-        });
+    return visitPlainDocument(document, "Types", NAMESPACE, found.texts,
+                              [&found](std::string_view name, const PlainAttributes& attributes) {
+                                  if (name == "Default") {
+                                      ScannedContentType& entry = found.defaults.emplace_back();
+                                      return takeEntry(attributes, "Extension", entry) &&
+                                             isPlainExtension(entry.key);
+                                  }
+                                  if (name != "Override")
+                                      return false;
+                                  ScannedContentType& entry = found.overrides.emplace_back();
+                                  return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
+                              });
 }
 
 } // namespace opc::model

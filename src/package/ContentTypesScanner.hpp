@@ -1,11 +1,13 @@
 #pragma once
 
+#include "xml/PlainReferences.hpp"
+
 #include <string_view>
 #include <vector>
 
 namespace opc::model {
 
-/// The attributes of one element of a content types stream, which lie in the bytes that were scanned.
+/// The attributes of one element of a content types stream.
 struct ScannedContentType {
     std::string_view key; ///< an extension or a part name
     std::string_view contentType;
@@ -14,6 +16,7 @@ struct ScannedContentType {
 struct ScannedContentTypes {
     std::vector<ScannedContentType> defaults;
     std::vector<ScannedContentType> overrides;
+    PlainTexts texts; ///< attributes with references in them: all others lie in the bytes that were scanned
 };
 
 /// Reads a content types stream that is written in a plain form, as nearly all are: what it gives is what the

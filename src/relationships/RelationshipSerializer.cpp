@@ -139,13 +139,15 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     MeteredStream metered(stream, share);
     ReplayedStream replayed(metered);
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (!document || !scanRelationships(*document, scanned)) {
+    PlainTexts texts; // that `scanned` looks into
+    if (!document || !scanRelationships(*document, scanned, texts)) {
         parseCounted(replayed, manager, share);
         manager.keepShare(std::move(share));
         return;
     }
     share.addElements(scanned.size() + 1);
-    // Plain values need no further check: a plain type or target is a URI, and not opaque.
+    // Plain values need no further check: a type is a URI, an internal target one that isn't opaque, and an
+    // external one an IRI.
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
         length += relationship.id.size() + relationship.target.size();
@@ -153,7 +155,8 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     RelationshipGroup& group = memory.addGroup(manager.getSourceURI(), scanned.size());
     for (const ScannedRelationship& relationship : scanned)
         group.add(memory.keep(relationship.id), types->share(relationship.type),
-                  memory.keep(relationship.target),
+                  relationship.hasASCIITarget ? memory.keep(relationship.target)
+                                              : memory.keep(toString(std::string(relationship.target), true)),
                   relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
     group.sortByID();
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &group));

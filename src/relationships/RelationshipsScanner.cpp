@@ -2,6 +2,7 @@
 
 #include "xml/CollidingIDs.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/PlainURI.hpp"
 
 #include <algorithm>
 
@@ -25,7 +26,10 @@ bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& re
         else
             return false;
     }
-    return isPlainID(relationship.id) && isPlainURI(relationship.type) && isPlainURI(relationship.target);
+    const PlainURI target = recognisePlainURI(relationship.target);
+    relationship.hasASCIITarget = target != PlainURI::IRI;
+    return isPlainID(relationship.id) && recognisePlainURI(relationship.type) >= PlainURI::OtherScheme &&
+           target >= (relationship.targetMode == "External" ? PlainURI::IRI : PlainURI::Reference);
 }
 
 bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
@@ -51,9 +55,10 @@ bool areTakenTogether(const std::vector<ScannedRelationship>& relationships) {
 
 } // namespace
 
-bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found) {
+bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found,
+                       PlainTexts& texts) {
     found.clear();
-    return visitPlainDocument(document, "Relationships", NAMESPACE,
+    return visitPlainDocument(document, "Relationships", NAMESPACE, texts,
                               [&found](std::string_view name, const PlainAttributes& attributes) {
                                   return name == "Relationship" &&
                                          takeRelationship(attributes, found.emplace_back());

@@ -2,6 +2,7 @@
 
 #include "signatures/SignatureVocabulary.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/PlainURI.hpp"
 
 #include <algorithm>
 
@@ -27,11 +28,16 @@ bool isPlainContentType(std::string_view text) {
     });
 }
 
+/// Whether an attribute, as it is written, is a URI without references and blanks.
+bool isPlainReference(std::string_view written) {
+    return isPlainURI(written) && written.find_first_of("& ") == std::string_view::npos;
+}
+
 /// Whether a text is the URI of a signed part: its name and its content type.
 bool isPlainPartReference(std::string_view text) {
     constexpr std::string_view QUERY = "?ContentType=";
     const std::size_t path = std::min(text.find('?'), text.size());
-    return path > 0 && text.front() == '/' && isPlainURI(text.substr(0, path)) &&
+    return path > 0 && text.front() == '/' && isPlainReference(text.substr(0, path)) &&
            text.compare(path, QUERY.size(), QUERY) == 0 &&
            isPlainContentType(text.substr(path + QUERY.size()));
 }
@@ -39,7 +45,8 @@ bool isPlainPartReference(std::string_view text) {
 /// Whether a text is the identifier of an algorithm in a usual form.
 bool isPlainAlgorithm(std::string_view text) {
     const std::size_t path = std::min(text.find('#'), text.size());
-    return isPlainURI(text.substr(0, path)) && (path == text.size() || isPlainID(text.substr(path + 1)));
+    return isPlainReference(text.substr(0, path)) &&
+           (path == text.size() || isPlainID(text.substr(path + 1)));
 }
 
 /// The value of a digit of Base64; 64 for any other character.

@@ -2,6 +2,7 @@
 
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/PlainURI.hpp"
 #include "xml/XercesFailures.hpp"
 
 #include <opc/model/XercesGuard.hpp>
@@ -74,7 +75,8 @@ bool isHeld(const std::u16string& value, IsPlain isPlain, const XMLCh* type,
 } // namespace
 
 bool isHeldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
-    return isHeld(value, isPlainURI, xercesc::SchemaSymbols::fgDT_ANYURI, wakeXerces);
+    const auto isPlain = [](std::string_view text) { return recognisePlainURI(text) != PlainURI::No; };
+    return isHeld(value, isPlain, xercesc::SchemaSymbols::fgDT_ANYURI, wakeXerces);
 }
 
 bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -11,36 +12,46 @@
 namespace opc::model::plain {
 
 /// What a character may be part of: bits, so that a set of them is a mask.
-enum Kind : std::uint8_t {
+enum Kind : std::uint16_t {
     Space = 1,
     Letter = 2,
     Digit = 4,
-    Path = 8,          // of a URI, without escapes
+    HexDigit = 8,
     DoubleQuoted = 16, // an attribute value as it is: printable ASCII without `<`, `&` and the quote
     SingleQuoted = 32,
-    Colon = 64,
+    Ampersand = 64,
+    Colon = 128,
+    Delimiter = 256,    // what ends an authority or a segment of a URI: `/`, `?`, `#`
+    URIPlain = 512,     // stands anywhere in a path, a query or a fragment of a URI; so does a backslash here
+    BeyondASCII = 1024, // a byte of UTF-8
 };
 
-constexpr std::array<std::uint8_t, 256> classify() {
-    std::array<std::uint8_t, 256> kinds{};
-    for (const char c : std::string_view(" \t\r\n"))
-        kinds[static_cast<unsigned char>(c)] = Space;
+constexpr std::array<std::uint16_t, 256> classify() {
+    std::array<std::uint16_t, 256> kinds{};
+    const auto add = [&kinds](std::string_view characters, Kind kind) {
+        for (const char c : characters)
+            kinds[static_cast<unsigned char>(c)] |= kind;
+    };
     for (unsigned char c = ' '; c <= '~'; ++c)
         if (c != '<' && c != '&')
             kinds[c] |= (c != '"' ? DoubleQuoted : 0) | (c != '\'' ? SingleQuoted : 0);
     for (unsigned char c = 'a'; c <= 'z'; ++c) {
-        kinds[c] |= Letter | Path;
-        kinds[c - 'a' + 'A'] |= Letter | Path;
+        kinds[c] |= Letter | URIPlain;
+        kinds[c - 'a' + 'A'] |= Letter | URIPlain;
     }
-    for (unsigned char c = '0'; c <= '9'; ++c)
-        kinds[c] |= Digit | Path;
-    for (const char c : std::string_view("-._~/"))
-        kinds[static_cast<unsigned char>(c)] |= Path;
-    kinds[':'] |= Colon;
+    for (std::size_t c = 0x80; c < kinds.size(); ++c)
+        kinds[c] = BeyondASCII;
+    add(" \t\r\n", Space);
+    add("0123456789", Digit);
+    add("0123456789abcdefABCDEF", HexDigit);
+    add("&", Ampersand);
+    add(":", Colon);
+    add("/?#", Delimiter);
+    add("0123456789-._~!$&'()*+,;=:@/?\\", URIPlain);
     return kinds;
 }
 
-inline constexpr std::array<std::uint8_t, 256> KINDS = classify();
+inline constexpr std::array<std::uint16_t, 256> KINDS = classify();
 
 constexpr bool is(char c, unsigned kinds) {
     return (KINDS[static_cast<unsigned char>(c)] & kinds) != 0;

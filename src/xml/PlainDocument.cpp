@@ -11,7 +11,6 @@ namespace opc::model {
 
 namespace {
 
-using plain::areAll;
 using plain::is;
 
 bool takeChildren(PlainReader& reader, std::string_view root, const PlainChildVisitor& visitChild) {
@@ -30,28 +29,11 @@ bool takeChildren(PlainReader& reader, std::string_view root, const PlainChildVi
     }
 }
 
-/// Whether a text is a host's name: labels of letters and digits, with hyphens inside, and the last one
-/// beginning with a letter (RFC 2396 section 3.2.2).
-bool isHostName(std::string_view text) {
-    for (;;) {
-        const std::size_t dot = text.find('.');
-        const std::string_view label = text.substr(0, dot);
-        if (label.empty() || label.front() == '-' || label.back() == '-')
-            return false;
-        if (!std::all_of(label.begin(), label.end(),
-                         [](char c) { return is(c, plain::Letter | plain::Digit) || c == '-'; }))
-            return false;
-        if (dot == std::string_view::npos)
-            return is(label.front(), plain::Letter);
-        text.remove_prefix(dot + 1);
-    }
-}
-
 } // namespace
 
 bool visitPlainDocument(std::string_view document, std::string_view root, std::string_view namespaceURI,
-                        const PlainChildVisitor& visitChild) {
-    PlainReader reader(document);
+                        PlainTexts& texts, const PlainChildVisitor& visitChild) {
+    PlainReader reader(document, texts);
     if (!reader.skipProlog())
         return false;
     PlainAttributes attributes;
@@ -77,22 +59,6 @@ bool isPlainID(std::string_view text) {
     };
     return !text.empty() && (is(text.front(), plain::Letter) || text.front() == '_') &&
            std::all_of(text.begin(), text.end(), isNameChar);
-}
-
-bool isPlainURI(std::string_view text) {
-    if (text.empty())
-        return false;
-    for (const std::string_view scheme : {std::string_view("http://"), std::string_view("https://")}) {
-        if (text.compare(0, scheme.size(), scheme) != 0)
-            continue;
-        text.remove_prefix(scheme.size());
-        const std::size_t end = std::min(text.find('/'), text.size());
-        if (!isHostName(text.substr(0, end)))
-            return false;
-        text.remove_prefix(end);
-        return areAll(text, plain::Path);
-    }
-    return text.compare(0, 2, "//") != 0 && areAll(text, plain::Path);
 }
 
 bool isPlainTime(std::string_view text) {

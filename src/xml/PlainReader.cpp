@@ -62,6 +62,15 @@ bool PlainReader::takeAttributes(PlainAttributes& attributes, bool& isEmpty) {
     }
 }
 
+bool PlainReader::takeReferences(std::string_view quote, unsigned kinds, std::string_view& value) {
+    const std::size_t length = value.size() + takeAll(kinds | plain::Ampersand).size();
+    const std::string_view written(value.data(), length);
+    if (!take(quote) || !resolveReferences(written, texts.emplace_front()))
+        return false;
+    value = texts.front();
+    return true;
+}
+
 bool PlainReader::takeEndTag(std::string_view name) {
     if (!take("</") || takeName() != name)
         return false;

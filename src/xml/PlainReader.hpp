@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/PlainCharacters.hpp"
+#include "xml/PlainReferences.hpp"
 
 #include <array>
 #include <cstddef>
@@ -33,7 +34,8 @@ private:
 /// there and is plain. After one that didn't take what it should, the document isn't plain.
 class PlainReader {
 public:
-    explicit PlainReader(std::string_view document) : rest(document) {}
+    /// @param resolved  takes the values of attributes that have references in them; must outlive this object
+    PlainReader(std::string_view document, PlainTexts& resolved) : rest(document), texts(resolved) {}
 
     bool atEnd() const { return rest.empty(); }
 
@@ -77,15 +79,18 @@ private:
         if (!take("="))
             return false;
         skipSpace();
-        if (take("\"")) {
-            value = takeAll(plain::DoubleQuoted);
-            return take("\"");
-        }
-        if (!take("'"))
-            return false;
-        value = takeAll(plain::SingleQuoted);
-        return take("'");
+        if (take("\""))
+            return takeUpTo("\"", plain::DoubleQuoted | plain::BeyondASCII, value);
+        return take("'") && takeUpTo("'", plain::SingleQuoted | plain::BeyondASCII, value);
     }
+
+    bool takeUpTo(std::string_view quote, unsigned kinds, std::string_view& value) {
+        value = takeAll(kinds);
+        return take(quote) || takeReferences(quote, kinds, value);
+    }
+
+    /// The rest of a value, whose first reference stands there.
+    bool takeReferences(std::string_view quote, unsigned kinds, std::string_view& value);
 
     /// The longest run of characters of these kinds.
     std::string_view takeAll(unsigned kinds) {
@@ -98,6 +103,7 @@ private:
     }
 
     std::string_view rest;
+    PlainTexts& texts;
 };
 
 } // namespace opc::model

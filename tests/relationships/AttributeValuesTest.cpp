@@ -5,11 +5,13 @@
 #include "relationships/RelationshipTarget.hpp"
 #include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
+#include "xml/PlainURI.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/RelationshipRules.hpp>
+#include <opc/model/URI.hpp>
 #include <opc/model/XercesGuard.hpp>
 
 #include <gtest/gtest.h>
@@ -42,6 +44,13 @@ protected:
     void compareAsTarget(const std::u16string& value) {
         const bool isAccepted = !value.empty() && isIRITarget(value) && canHoldURI(value, [] {});
         EXPECT_EQ(isAccepted, comeBack(u"a", value)) << opc::toUDEString(value);
+        const PlainURI kind = recognisePlainURI(opc::toUDEString(value));
+        if (kind != PlainURI::No) {
+            EXPECT_TRUE(isAccepted) << opc::toUDEString(value);
+        }
+        if (kind >= PlainURI::OtherScheme) {
+            EXPECT_FALSE(kind == PlainURI::Reference && URI(value).isOpaque()) << opc::toUDEString(value);
+        }
     }
 
     void compareAsID(const std::u16string& value) {
@@ -162,6 +171,30 @@ TEST_F(AttributeValues, areHeldIfTheyComeBackFromADocument) {
         compareAsTarget(opc::toString(value, true));
     for (const char16_t* value : {u"a  b", u"a b", u"file:///c:/x y", u"http://\u4E2D.com/\U0001F600"})
         compareAsTarget(value);
+}
+
+TEST_F(AttributeValues, plainOnesAreOfTheKindThatTheyAreTakenFor) {
+    const std::pair<PlainURI, std::string> kinds[] = {
+        {PlainURI::Reference, "a/b:c\n../a?b:c#d/e\n#a\n?\n/a%2Fb\\c d\n\\a\na@b;c=!$&'()*+,~\nhttp://a\n"
+                              "https://a-1.b2:8080?c#\nhttp://a." +
+                                  std::string(300, 'b')},
+        {PlainURI::OtherScheme,
+         "mailto:a@b.c?subject=d e\nurn:a:b\nC:\\a b\\c\nfile:/a\nfile:///\\\\a\\b#c\nhttp:a"},
+        {PlainURI::IRI, "\xC3\xA4\nhttp://a/\xE4\xB8\xAD\xF0\x9F\x98\x80\ntel:\xEF\xBC\x91"},
+        {PlainURI::No,
+         ":\n1:a\na b:c\na\\b:c\na%2\na%g0\na#b#c\n a\na \na  b\na\tb\n//a\n\\\\a\n/\\a\n\\/a\na:\na:#b\n"
+         "a://b\na:\\/b\nhttp://\nhttp:///a\nhttp://-a\nhttp://a-.b\nhttp://1.2\nhttp://a@b\n"
+         "http://a:\nhttp://a:b\nhttp://a:1:2\nhttp://a:123456\nhttp://\xC3\xA4\n[a]\na|b\na\x7F\na\xC3\n"
+         "\xED\xA0\x80\n\xEF\xBF\xBE\n\xEF\xBF\xBD\n\xC2\x85\n"},
+    };
+    for (const auto& [kind, values] : kinds) {
+        std::istringstream lines(values);
+        for (std::string value; std::getline(lines, value);) {
+            EXPECT_EQ(recognisePlainURI(value), kind) << value;
+            compareAsTarget(opc::toString(value, true));
+        }
+    }
+    EXPECT_EQ(recognisePlainURI(""), PlainURI::No);
 }
 
 TEST_F(AttributeValues, idsAreHeldLetterByLetter) {

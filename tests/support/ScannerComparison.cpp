@@ -35,7 +35,8 @@ std::string text(std::string_view view) {
 bool scanRelationshipElements(const Bytes& document, Elements& elements) {
     const std::string content = toText(document);
     std::vector<ScannedRelationship> found;
-    if (!scanRelationships(content, found))
+    PlainTexts texts;
+    if (!scanRelationships(content, found, texts))
         return false;
     for (const ScannedRelationship& entry : found) {
         Attributes attributes{{"Id", text(entry.id)}, {"Target", text(entry.target)}};

@@ -246,7 +246,8 @@ TEST_F(Reading, stopsIDsThatFallTogether) {
                   isTaken ? "" : "XML content can not have more than 1000 colliding IDs")
             << ids.front() << ' ' << ids.size();
         std::vector<ScannedRelationship> found;
-        EXPECT_EQ(scanRelationships(document, found), isTaken) << ids.front() << ' ' << ids.size();
+        PlainTexts texts;
+        EXPECT_EQ(scanRelationships(document, found, texts), isTaken) << ids.front() << ' ' << ids.size();
     }
     EXPECT_LT(std::clock() - start, 8 * CLOCKS_PER_SEC);
 }
