@@ -1,6 +1,7 @@
 #include "xml/PlainDocument.hpp"
 
 #include "xml/PlainCharacters.hpp"
+#include "xml/PlainURI.hpp"
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 
@@ -11,12 +12,13 @@ namespace opc::model {
 
 namespace {
 
+using plain::areAll;
 using plain::is;
 
 bool takeChildren(PlainReader& reader, std::string_view root, const PlainChildVisitor& visitChild) {
     PlainAttributes attributes;
     for (;;) {
-        reader.skipSpace();
+        reader.skipMisc();
         if (reader.isAt("</"))
             return reader.takeEndTag(root);
         if (!reader.take("<"))
@@ -27,6 +29,18 @@ bool takeChildren(PlainReader& reader, std::string_view root, const PlainChildVi
             (!isEmpty && !reader.takeEndTag(name)) || !visitChild(name, attributes))
             return false;
     }
+}
+
+/// Whether the attributes of a root declare this namespace for names without a prefix, and else prefixes alone.
+bool declareNamespace(const PlainAttributes& attributes, std::string_view namespaceURI) {
+    bool isDeclared = false;
+    for (const PlainAttribute& attribute : attributes) {
+        if (attribute.name == "xmlns" && attribute.value == namespaceURI)
+            isDeclared = true;
+        else if (!declaresPrefix(attribute))
+            return false;
+    }
+    return isDeclared;
 }
 
 } // namespace
@@ -40,17 +54,26 @@ bool visitPlainDocument(std::string_view document, std::string_view root, std::s
     bool isEmpty = false;
     if (!reader.take("<") || reader.takeName() != root || !reader.takeAttributes(attributes, isEmpty))
         return false;
-    if (attributes.size() != 1 || attributes.begin()->name != "xmlns" ||
-        attributes.begin()->value != namespaceURI)
+    if (!declareNamespace(attributes, namespaceURI))
         return false;
     if (!isEmpty && !takeChildren(reader, root, visitChild))
         return false;
-    reader.skipSpace();
+    reader.skipMisc();
     return reader.atEnd();
 }
 
 std::u16string widen(std::string_view value) {
     return std::u16string(value.begin(), value.end());
+}
+
+bool declaresPrefix(const PlainAttribute& attribute) {
+    constexpr std::string_view DECLARING = "xmlns:";
+    if (attribute.name.substr(0, DECLARING.size()) != DECLARING)
+        return false;
+    const std::string_view prefix = attribute.name.substr(DECLARING.size());
+    return !prefix.empty() && areAll(prefix, plain::Letter) && prefix.substr(0, 3) != "xml" &&
+           isPlainURI(attribute.value) && attribute.value != "http://www.w3.org/XML/1998/namespace" &&
+           attribute.value != "http://www.w3.org/2000/xmlns/";
 }
 
 bool isPlainID(std::string_view text) {
@@ -77,6 +100,21 @@ bool isPlainTime(std::string_view text) {
     return year >= 1400 && month >= 1 && month <= 12 && day >= 1 &&
            day <= boost::gregorian::gregorian_calendar::end_of_month_day(year, month) && number(11, 2) < 24 &&
            number(14, 2) < 60 && number(17, 2) < 60;
+}
+
+bool isPlainDateTime(std::string_view text) {
+    constexpr std::size_t WHOLE = 19; // up to the seconds
+    constexpr std::size_t MOST_DIGITS = 9;
+    const std::string whole(text.substr(0, WHOLE));
+    text.remove_prefix(whole.size());
+    if (text.substr(0, 1) == ".") {
+        const std::size_t end = std::min(text.find('Z'), text.size());
+        const std::string_view digits = text.substr(1, end - 1);
+        if (digits.empty() || digits.size() > MOST_DIGITS || !areAll(digits, plain::Digit))
+            return false;
+        text.remove_prefix(end);
+    }
+    return (text.empty() || text == "Z") && isPlainTime(whole + "Z");
 }
 
 } // namespace opc::model

@@ -17,7 +17,27 @@ bool PlainReader::skipProlog() {
     take("\xEF\xBB\xBF");
     if (!skipDeclaration())
         return false;
-    skipSpace();
+    skipMisc();
+    return true;
+}
+
+void PlainReader::skipComments() {
+    while (takeComment())
+        skipSpace();
+}
+
+bool PlainReader::takeComment() {
+    constexpr std::string_view BEGIN = "<!--";
+    constexpr std::string_view END = "-->";
+    constexpr std::size_t MAXIMUM = 100; // the parser refuses documents with far more
+    if (!isAt(BEGIN) || ++comments > MAXIMUM)
+        return false;
+    const std::size_t end = std::min(rest.find("--", BEGIN.size()), rest.size());
+    if (rest.compare(end, END.size(), END) != 0 ||
+        !plain::areAll(rest.substr(BEGIN.size(), end - BEGIN.size()),
+                       plain::DoubleQuoted | plain::SingleQuoted | plain::Space))
+        return false;
+    rest.remove_prefix(end + END.size());
     return true;
 }
 

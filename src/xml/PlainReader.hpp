@@ -14,7 +14,7 @@ struct PlainAttribute {
     std::string_view value;
 };
 
-/// The attributes of one element: no more than an element of these documents can have.
+/// The attributes of one element: no more than elements of these documents usually have.
 class PlainAttributes {
 public:
     const PlainAttribute* begin() const { return attributes.data(); }
@@ -26,7 +26,7 @@ public:
     bool add(const PlainAttribute& attribute);
 
 private:
-    std::array<PlainAttribute, 5> attributes;
+    std::array<PlainAttribute, 8> attributes;
     std::size_t count = 0;
 };
 
@@ -51,7 +51,14 @@ public:
     /// @return whether there was any
     bool skipSpace() { return !takeAll(plain::Space).empty(); }
 
-    /// What may stand in front of the root: a byte order mark, the XML declaration, white space.
+    /// White space and comments. A comment that isn't plain, or is one too many, is left to stand there.
+    void skipMisc() {
+        skipSpace();
+        if (isAt("<!--"))
+            skipComments();
+    }
+
+    /// What may stand in front of the root: a byte order mark, the XML declaration, white space and comments.
     bool skipProlog();
 
     /// A name of ASCII letters, with a prefix or without; empty if there is none.
@@ -72,6 +79,8 @@ public:
 
 private:
     bool skipDeclaration();
+    void skipComments();
+    bool takeComment();
 
     /// An equals sign and a value between quotes.
     bool takeValue(std::string_view& value) {
@@ -104,6 +113,7 @@ private:
 
     std::string_view rest;
     PlainTexts& texts;
+    std::size_t comments = 0;
 };
 
 } // namespace opc::model

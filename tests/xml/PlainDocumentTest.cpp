@@ -17,8 +17,9 @@ using namespace opc::model;
 using namespace opc::test;
 
 const std::string RELATIONSHIPS =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n"
-    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+    "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n<!---->"
+    "<Relationships xmlns:a='urn' xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+    "<!-- - > -->\n"
     "<Relationship Id=\"rId1\" Type=\"http://schemas.example.org/a/2006/main\" "
     "Target=\"word/document.xml\"/>\n"
     "<Relationship Target='https://example.com/x_y~z/' TargetMode='External' Type='a/b' "
@@ -26,7 +27,7 @@ const std::string RELATIONSHIPS =
     "<Relationship Id=\"r3\" Type=\"http://a.b/c\" Target=\"/../a.xml\" TargetMode=\"Internal\" "
     "/><Relationship Id='&#x72;4' Type='urn:a' Target='http://a.b:80/c?d=%20&amp;e=&apos;#f' "
     "TargetMode='&#69;xternal'/><Relationship Id=\"r5\" Type=\"a\" Target=\"mailto:&#xE4;\xC3\xA4\\ a\" "
-    "TargetMode=\"External\"/></Relationships>\n";
+    "TargetMode=\"External\"/></Relationships>\n<!-- \r\n\t\"' -->";
 
 const std::string CONTENT_TYPES =
     "\xEF\xBB\xBF<?xml version='1.0' encoding='utf-8' ?>"
@@ -54,16 +55,19 @@ TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
         {"yes", {"maybe"}},
         {"?>", {"? >"}},
         {"<Relationship ",
-         {"<!-- --><Relationship ", "text<Relationship ", "<Relationship Id=\"x\" ", "<r:Relationship ",
-          "<Other ", "<Relationship", "</Rela<Relationship "}},
+         {"<!-- -- --><Relationship ", "<!-- \xC3\xA4 --><Relationship ", "text<Relationship ",
+          "<Relationship Id=\"x\" ", "<r:Relationship ", "<Other ", "<Relationship", "</Rela<Relationship "}},
         {"rId1", {"r&#49d1", "r&#;d1", "r&#xFFFFF;", "r&d;", "r&amp;", "1", "r3", "a:b", "", "r\xC3\xA9"}},
         {"Target=", {"target="}},
         {"word/document.xml",
          {"", "//host/x", "a:b", "a%zz", "\xC3\xA4", "a&#9;b", "a&#10;b", "&#32;a", "a&lt;b"}},
         {"External", {"external"}},
         {"\xC3\xA4", {"\xC3", "&#133;", "&#x1F600;"}},
-        {"relationships\">", {"relationships\" xmlns:a=\"b\">"}},
-        {"</Relationships>\n", {"</Relationships>\n<a/>", ""}},
+        {"xmlns:a='urn'",
+         {"a='b'", "xmlns:a=''", "xmlns:='b'", "xmlns:xml='http://www.w3.org/XML/1998/namespace'",
+          "xmlns:a='http://www.w3.org/XML/1998/namespace'", "xmlns:a='http://www.w3.org/2000/xmlns/'",
+          "xmlns:xmlns='b'", "xmlns:a:b='c'"}},
+        {"</Relationships>\n", {"</Relationships>\n<a/>", "", "</Relationships><!-- "}},
         {"<?xml", {" <?xml"}},
         {" Type=", {"Type="}},
         {"package/2006", {"package/2007"}},
@@ -75,6 +79,10 @@ TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
             EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, from, to)), elements))
                 << from << " -> " << to;
     EXPECT_FALSE(comparison.scan({}, elements));
+    std::string comments;
+    for (int i = 0; i < 100; ++i)
+        comments += "<!---->";
+    EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, "<!---->", comments)), elements));
 }
 
 TEST(PlainDocument, whatIsRecognisedTheParserFindsToo) {
