@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 #include <vector>
 
 namespace opc::model {
@@ -61,11 +62,15 @@ const auto* find(const Fields& fields, std::string_view name) {
     return found == std::end(fields) ? nullptr : found;
 }
 
-/// Whether an attribute declares one of the usual prefixes, for the usual namespace.
-bool isUsualDeclaration(const PlainAttribute& attribute) {
-    return std::any_of(std::begin(NAMESPACES), std::end(NAMESPACES), [&](const PlainAttribute& usual) {
-        return usual.name == attribute.name && usual.value == attribute.value;
-    });
+/// Whether an attribute of the root declares a usual namespace, or one that core properties may have besides.
+bool isPlainDeclaration(const PlainAttribute& attribute) {
+    if (attribute.name == "xmlns")
+        return attribute.value == NAMESPACES[0].value;
+    const PlainAttribute* const usual = find(NAMESPACES, attribute.name);
+    if (usual != nullptr)
+        return usual->value == attribute.value;
+    return declaresPrefix(attribute) &&
+           attribute.value != "http://schemas.openxmlformats.org/markup-compatibility/2006"; // [M4.2]
 }
 
 /// Whether a text is a language in its usual form: that of the country behind it at most.
@@ -77,55 +82,86 @@ bool isPlainLanguage(std::string_view text) {
     return isSubtag(text.substr(0, end)) && (end == text.size() || isSubtag(text.substr(end + 1)));
 }
 
+/// Makes one line feed of each end of a line (XML 1.0 section 2.11).
+std::u16string withLineFeeds(const std::u16string& text) {
+    std::u16string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] != u'\r')
+            result += text[i];
+        else if (text[i + 1] != u'\n') // the text ends in a zero
+            result += u'\n';
+    return result;
+}
+
 class Scan {
 public:
     Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {}
 
     bool takeDocument() {
         bool isEmpty = false;
-        if (!reader.skipProlog() || !reader.take("<") || reader.takeName() != ROOT ||
-            !reader.takeAttributes(declarations, isEmpty) ||
-            !std::all_of(declarations.begin(), declarations.end(), isUsualDeclaration) || !isDeclared("cp") ||
-            !(isEmpty || takeElements()))
+        if (!reader.skipProlog() || !reader.take("<"))
             return false;
-        reader.skipSpace();
+        const std::string_view root = reader.takeName();
+        if (!reader.takeAttributes(declarations, isEmpty) ||
+            !std::all_of(declarations.begin(), declarations.end(), isPlainDeclaration) ||
+            !isNamed(root, "cp:coreProperties") || !(isEmpty || takeElements(root)))
+            return false;
+        reader.skipMisc();
         return reader.atEnd();
     }
 
-private:
-    static constexpr std::string_view ROOT = "cp:coreProperties";
-    static constexpr std::string_view DECLARING = "xmlns:";
-    static constexpr std::string_view KEYWORDS = "cp:keywords";
-    static constexpr std::string_view VALUE = "cp:value";
+    std::size_t countElements() const { return 1 + names.size() + values; }
 
-    bool isDeclared(std::string_view prefix) const {
-        return std::any_of(declarations.begin(), declarations.end(), [prefix](const auto& declaration) {
-            return declaration.name.substr(DECLARING.size()) == prefix;
-        });
+private:
+    static constexpr std::string_view KEYWORDS = "cp:keywords";
+
+    /// @param name  of an attribute of the root
+    bool isDeclared(std::string_view name) const {
+        return std::any_of(declarations.begin(), declarations.end(),
+                           [name](const PlainAttribute& declaration) { return declaration.name == name; });
     }
 
-    bool takeElements() {
+    /// Whether a name means what it does with its usual prefix.
+    bool isNamed(std::string_view name, std::string_view usual) const {
+        const std::size_t colon = usual.find(':');
+        const std::string_view prefix = usual.substr(0, colon);
+        if (name == usual)
+            return isDeclared("xmlns:" + std::string(prefix));
+        return prefix == "cp" && name == usual.substr(colon + 1) && isDeclared("xmlns");
+    }
+
+    bool takeElements(std::string_view root) {
         for (;;) {
-            reader.skipSpace();
+            reader.skipMisc();
             if (reader.isAt("</"))
-                return reader.takeEndTag(ROOT);
-            if (!reader.take("<"))
+                return reader.takeEndTag(root);
+            if (!reader.take("<") || !takeElement(reader.takeName()))
                 return false;
-            const std::string_view name = reader.takeName();
-            if (std::find(names.begin(), names.end(), name) != names.end() || !takeElement(name))
-                return false;
-            names.push_back(name);
         }
     }
 
+    template <typename Fields>
+    const auto* findField(const Fields& fields, std::string_view name) const {
+        const auto* const found = std::find_if(std::begin(fields), std::end(fields),
+                                               [&](const auto& field) { return isNamed(name, field.name); });
+        return found == std::end(fields) ? nullptr : found;
+    }
+
     bool takeElement(std::string_view name) {
-        if (!isDeclared(name.substr(0, name.find(':'))))
+        if (const auto* const field = findField(TEXT_FIELDS, name))
+            return isFirst(field->name) && takeTextField(name, *field);
+        if (const auto* const field = findField(TIME_FIELDS, name))
+            return isFirst(field->name) && takeTimeField(name, *field);
+        return isNamed(name, KEYWORDS) && isFirst(KEYWORDS) && takeKeywords(name);
+    }
+
+    /// Whether no element of this usual name has been taken yet.
+    bool isFirst(std::string_view name) {
+        if (std::find(names.begin(), names.end(), name) != names.end())
             return false;
-        if (const TextField* const field = find(TEXT_FIELDS, name))
-            return takeTextField(*field);
-        if (const TimeField* const field = find(TIME_FIELDS, name))
-            return takeTimeField(*field);
-        return name == KEYWORDS && takeKeywords();
+        names.push_back(name);
+        return true;
     }
 
     /// The rest of an element whose name has been taken.
@@ -138,47 +174,53 @@ private:
         return takeText(text) && reader.takeEndTag(name);
     }
 
-    /// What stands in front of the next tag, if the parser takes every character as itself.
+    /// What stands in front of the next tag, as the parser gives it.
     bool takeText(std::u16string& text) {
-        text = toString(std::string(reader.takeText()), true);
-        return std::all_of(text.begin(), text.end(),
-                           [](char16_t unit) { return plain::isText(unit) && unit != u'>' && unit != u'&'; });
+        const std::string_view written = reader.takeText();
+        std::string resolved;
+        if (written.find('>') != std::string_view::npos || !resolveReferences(written, resolved))
+            return false;
+        text = withLineFeeds(toString(resolved, true)); // references stand for none
+        return std::all_of(text.begin(), text.end(), plain::isText);
     }
 
-    bool takeTextField(const TextField& field) {
+    bool takeTextField(std::string_view name, const TextField& field) {
         std::u16string text;
-        if (!takeContent(field.name, text) || attributes.size() != 0)
+        if (!takeContent(name, text) || attributes.size() != 0)
             return false;
         if (field.set)
             (properties.*field.set)(text);
         return true;
     }
 
-    bool takeTimeField(const TimeField& field) {
+    bool takeTimeField(std::string_view name, const TimeField& field) {
         std::u16string text;
-        if (!takeContent(field.name, text) || attributes.size() != (field.isTyped ? 1 : 0) ||
-            !isPlainTime(toASCIIString(text)))
+        if (!takeContent(name, text) || attributes.size() != (field.isTyped ? 1 : 0) ||
+            !isPlainDateTime(toASCIIString(text)))
             return false;
-        if (field.isTyped && (!isDeclared("xsi") || attributes.begin()->name != "xsi:type" ||
+        if (field.isTyped && (!isDeclared("xmlns:xsi") || attributes.begin()->name != "xsi:type" ||
                               attributes.begin()->value != "dcterms:W3CDTF"))
             return false;
         (properties.*field.set)(convertStringToTime(text));
         return true;
     }
 
-    bool takeKeywords() {
+    bool takeKeywords(std::string_view name) {
         CoreProperties::KeywordList keywords;
         bool isEmpty = false;
         if (!takeKeyword(keywords, isEmpty))
             return false;
-        while (!isEmpty && reader.take("<cp:value")) {
+        while (!isEmpty && !reader.isAt("</")) {
+            const std::string_view value = reader.take("<") ? reader.takeName() : std::string_view();
             bool isEmptyValue = false;
-            if (!takeKeyword(keywords, isEmptyValue) || !(isEmptyValue || reader.takeEndTag(VALUE)))
+            if (!isNamed(value, "cp:value") || !takeKeyword(keywords, isEmptyValue) ||
+                !(isEmptyValue || reader.takeEndTag(value)))
                 return false;
+            ++values;
             reader.skipSpace();
         }
         properties.setKeywords(keywords);
-        return isEmpty || reader.takeEndTag(KEYWORDS);
+        return isEmpty || reader.takeEndTag(name);
     }
 
     /// What stands behind the name of an element with a keyword: its language, and its text, which loses white
@@ -207,13 +249,17 @@ private:
     PlainAttributes declarations;        // of the root
     PlainAttributes attributes;          // of the element in hand
     std::vector<std::string_view> names; // of the elements so far: each may stand once
+    std::size_t values = 0;              // elements in that of the keywords
 };
 
 } // namespace
 
-bool scanCoreProperties(std::string_view document, CoreProperties& found) {
+bool scanCoreProperties(std::string_view document, CoreProperties& found, std::size_t& elements) {
     found.clear();
-    return Scan(document, found).takeDocument();
+    Scan scan(document, found);
+    const bool isTaken = scan.takeDocument();
+    elements = scan.countElements();
+    return isTaken;
 }
 
 } // namespace opc::model

@@ -178,11 +178,14 @@ void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& propert
     MeteredStream metered(stream, share);
     ReplayedStream replayed(metered);
     CoreProperties scanned;
+    std::size_t elements = 0;
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (document && scanCoreProperties(*document, scanned))
+    if (document && scanCoreProperties(*document, scanned, elements)) {
+        share.addElements(elements);
         properties = scanned;
-    else
+    } else {
         parseCounted(replayed, properties, share);
+    }
 }
 
 void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties) {

@@ -11,7 +11,8 @@ using namespace model;
 
 bool CorePropertiesComparison::isRecognised(const Bytes& document) {
     CoreProperties properties;
-    return scanCoreProperties(toText(document), properties);
+    std::size_t elements = 0;
+    return scanCoreProperties(toText(document), properties, elements);
 }
 
 std::string CorePropertiesComparison::findDifference(const Bytes& document) {
