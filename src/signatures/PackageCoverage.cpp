@@ -1,6 +1,7 @@
 #include <opc/model/PackageCoverage.hpp>
 
 #include "package/StreamRewinder.hpp"
+#include "signatures/CoverageIndex.hpp"
 #include "signatures/KeywordsRange.hpp"
 #include "signatures/SignatureLayout.hpp"
 #include "signatures/SignatureVocabulary.hpp"
@@ -77,29 +78,30 @@ PackageCoverage::PackageCoverage(const DigitalSignatureManager& manager, const P
     : ignoredItems(package.getIgnoredItems()) {
     if (package.hasUnreadContentTypes())
         ignoredItems.push_back({u"/[Content_Types].xml", PASSED_OVER});
-    SignatureCoverage coverage(manager);
+    const auto made = std::make_shared<CoverageIndex>(manager);
     for (const DigitalSignature& signature : signatures)
-        coverage.add(signature);
+        made->add(signature);
+    index = made;
     const SignatureParts own(package);
-    addRelationships(package, PackageHelper::getPackageRootURI(), coverage, getOriginRelationshipType());
+    addRelationships(package, PackageHelper::getPackageRootURI(), getOriginRelationshipType());
     for (const Part& part : package.getParts()) {
         if (!own.contain(part))
-            addPart(part, coverage);
-        addRelationships(part, part.getName().getURI(), coverage,
+            addPart(part);
+        addRelationships(part, part.getName().getURI(),
                          own.isOrigin(part.getName()) ? getSignatureRelationshipType() : std::u16string());
     }
 }
 
-void PackageCoverage::addPart(const Part& part, const SignatureCoverage& coverage) {
+void PackageCoverage::addPart(const Part& part) {
     ++partCount;
     const PartName name = part.getName();
-    const auto covered = coverage.parts.find(name);
-    if (covered == coverage.parts.end()) {
+    const CoverageIndex::CoveredPart* const covered = index->find(name);
+    if (covered == nullptr) {
         uncoveredParts.push_back(name);
         return;
     }
     const ContentType type = part.getContentType();
-    for (const std::u16string& query : covered->second) {
+    for (const std::u16string& query : covered->queries) {
         const std::u16string whenSigned(contentTypeIn(query));
         if (!isContentType(type, whenSigned))
             changedContentTypes.push_back({name, type.toString(), whenSigned});
@@ -116,25 +118,32 @@ void PackageCoverage::findKeywordsIn(const Part& part) {
 
 /// @param typeOfSignatures  the type by which the source leads to signatures; empty if it leads to none
 void PackageCoverage::addRelationships(const RelationshipSource& source, const URI& uri,
-                                       const SignatureCoverage& coverage,
                                        const std::u16string& typeOfSignatures) {
     const auto relationships = source.getRelationships();
     if (source.hasUnreadRelationships()) {
         const std::u16string name = PartName(uri).getRelationshipPartName();
         ignoredItems.push_back({name, UNREAD});
-        if (coverage.findSelected(uri) != nullptr) // there may be one more of a signed type
+        if (index->findSelected(uri) != nullptr) // there may be one more of a signed type
             unreadWhereSigned.insert(name);
     }
     if (relationships.empty())
         return;
-    const auto* const selected = coverage.findSelected(uri);
+    const auto* const selected = index->findSelected(uri);
     for (const Relationship& relationship : relationships) {
         if (relationship.getType() == typeOfSignatures)
             continue;
         ++relationshipCount;
-        if (!coverage.covers(relationship, selected))
+        if (!index->covers(relationship, selected))
             uncoveredRelationships.push_back(relationship);
     }
+}
+
+std::vector<std::size_t> PackageCoverage::findSignatures(const PartName& name) const {
+    return index == nullptr ? std::vector<std::size_t>() : index->findCovering(name);
+}
+
+std::vector<std::size_t> PackageCoverage::findSignatures(const Relationship& relationship) const {
+    return index == nullptr ? std::vector<std::size_t>() : index->findCovering(relationship);
 }
 
 bool PackageCoverage::isFull() const {

@@ -4,7 +4,8 @@
   bounds.py OPCTOOL
 
 Each kind of archive comes in sizes that double. What the tool takes may grow with them and no faster; it takes no more
-than 256 MiB for an archive below 1 MiB, and 1 GiB for any other; and it does what it is asked to, or fails with one line.
+than 256 MiB for an archive below 1 MiB, and 1 GiB for any other; it prints no more than 512 MiB; and it does what it is
+asked to, or fails with one line.
 """
 import os
 import resource
@@ -16,6 +17,7 @@ import zipfile
 TOOL = sys.argv[1]
 MIB = 1 << 20
 TIMEOUT = 40  # seconds of the processor
+LONGEST = 512 * MIB  # of files and of what is printed
 
 HEAD = '<?xml version="1.0" encoding="UTF-8"?>'
 NAMESPACE = "http://schemas.openxmlformats.org/package/2006/"
@@ -26,7 +28,7 @@ PROPERTIES = (f'<cp:coreProperties xmlns:cp="{NAMESPACE}metadata/core-properties
 SIGNATURE_NAMESPACE = 'http://www.w3.org/2000/09/xmldsig#'
 SIGNATURE_TYPE = 'application/vnd.openxmlformats-package.digital-signaturexmlsignature+xml'
 FOLDER = tempfile.TemporaryDirectory()
-KEY, PUBLIC_KEY, ARCHIVE = (os.path.join(FOLDER.name, name) for name in ('key', 'public', 'archive.zip'))
+KEY, PUBLIC_KEY, ARCHIVE, OUTPUT = (os.path.join(FOLDER.name, name) for name in ('key', 'public', 'archive.zip', 'output'))
 ARGUMENTS = {'add': ['/new.xml', '/dev/null', '--type', 'a/b'], 'verify': ['--public', PUBLIC_KEY]}
 
 
@@ -135,9 +137,15 @@ def over_a_long_relationship(count):
 
 
 TRANSFORMS = '<Transforms>' + f'<Transform Algorithm="{SIGNATURE_NAMESPACE}t"/>' * 200 + '</Transforms>'
-SELECTORS = ('<Transforms><Transform Algorithm="http://schemas.openxmlformats.org/package/2006/RelationshipTransform">'
-             + '<pds:RelationshipReference SourceId="o"/>' * 100 + '</Transform></Transforms>')
-SELECTION = reference('/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml', SELECTORS)
+def select(selectors):
+    transform = 'http://schemas.openxmlformats.org/package/2006/RelationshipTransform'
+    return reference('/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml',
+                     f'<Transforms><Transform Algorithm="{transform}">{selectors}</Transform></Transforms>')
+
+
+SELECTION = select('<pds:RelationshipReference SourceId="o"/>' * 100)
+SELECTION_BY_TYPE = select('<pds:RelationshipGroupReference SourceType="t"/>')
+FOLDERS = ('a' * 190 + '/') * 20
 
 LADDERS = {  # what makes an archive of a size, the smallest size, the command
     'overrides': (lambda n: archive([], types(''.join(
@@ -165,6 +173,9 @@ LADDERS = {  # what makes an archive of a size, the smallest size, the command
     'selectors': (lambda n: signed([signature(SELECTION * n)]), 500, 'coverage'),
     'objects': (lambda n: signed([signature(reference(), objects=''.join(
         f'<Object Id="a{i}"/>' for i in range(n)))]), 10000, 'coverage'),
+    'signatures beside relationships': (lambda n: signed(
+        [signature(select('<pds:RelationshipReference SourceId="o"/>'), i + 1) for i in range(n)],
+        relate(100 * n)), 250, 'coverage --json'),
     'signatures over a long relationship': (over_a_long_relationship, 100, 'verify'),
     'deep names': (lambda n: archive([(f'{"a/" * 200}{i}.xml', '') for i in range(n)],
                                      method=zipfile.ZIP_STORED), 1000, 'add'),
@@ -180,6 +191,11 @@ BOMBS = {  # documents beyond the limits, and their commands
     'relationships, and what covers them': (lambda: of_package(relationships(relate(249990))), 'coverage'),
     'relationships of many parts': (lambda: archive([item for i in range(40) for item in (
         (f'a{i}.xml', ''), (f'_rels/a{i}.xml.rels', relationships(relate(20000, 'a' * 80))))]), 'ls'),
+    'relationships of a part with a long name': (lambda: archive([(FOLDERS + 'a.xml', ''), (
+        FOLDERS + '_rels/a.xml.rels', relationships(relate(80000).replace('TargetMode="External"', '')))]), 'rels --all'),
+    'a long ID among many': (lambda: of_package(relationships(relate(10000) + relate(1).replace('r0', 'r' * 300000))), 'rels'),
+    'signatures of many relationships': (lambda: signed(
+        [signature(SELECTION_BY_TYPE, i + 1) for i in range(1000)], relate(100000)), 'coverage'),
     'references of a signature': (lambda: signed([signature(reference(value='A' * 40) * 170000)]), 'coverage'),
     'references of many signatures': (lambda: signed(
         [signature(reference() * 40000, i + 1) for i in range(20)]), 'coverage'),
@@ -217,7 +233,8 @@ def run(command, path, errors):
     child = os.fork()
     if child == 0:
         resource.setrlimit(resource.RLIMIT_CPU, (TIMEOUT, TIMEOUT))
-        os.dup2(os.open(os.devnull, os.O_WRONLY), 1)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (LONGEST, LONGEST))
+        os.dup2(os.open(OUTPUT, os.O_WRONLY | os.O_CREAT | os.O_TRUNC), 1)
         os.dup2(errors.fileno(), 2)
         os.execv(TOOL, arguments)
     _, status, usage = os.wait4(child, 0)

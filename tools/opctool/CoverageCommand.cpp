@@ -2,23 +2,22 @@
 #include "CoverageText.hpp"
 #include "JSONOutput.hpp"
 #include "SignedPackage.hpp"
+#include "SourceNames.hpp"
 #include "Table.hpp"
 
+#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageCoverage.hpp>
 #include <opc/model/PackageHelper.hpp>
-#include <opc/model/SignatureCoverage.hpp>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace opctool {
@@ -33,7 +32,6 @@ using opc::model::Part;
 using opc::model::PartName;
 using opc::model::Relationship;
 using opc::model::RelationshipSource;
-using opc::model::SignatureCoverage;
 
 constexpr const char* LIMITS =
     "No signature protects content types, but it names them, so that a change is seen; nor which of the\n"
@@ -49,6 +47,9 @@ std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
     return set;
 }
 
+/// A small package can have very many signatures over very many relationships. The report names no more.
+constexpr std::size_t MAXIMUM_NAMES = 2000000;
+
 /// The report over a package, row by row: there may be very many.
 class Report {
 public:
@@ -59,44 +60,28 @@ public:
         const auto signatures = package.signatures().getSignatures();
         together = package.signatures().computeCoverage({signatures.begin(), signatures.end()});
         for (const DigitalSignature& signature : signatures)
-            coverages.emplace_back(toUDEString(signature.getName()),
-                                   SignatureCoverage(package.signatures(), signature));
+            signatureNames.push_back(toUDEString(signature.getName()));
+        refuseTooLongNames();
+        refuseTooManyNames();
     }
 
-    using Visitor = std::function<void(const ordered_json& row)>;
-
+    template <typename Visitor>
     void forEachPart(const Visitor& visit) const {
         for (const Part& part : package->getParts())
-            visit(describe(part.getName()));
+            visit(part.getName());
     }
 
+    template <typename Visitor>
     void forEachRelationship(const Visitor& visit) const {
-        const auto visitAll = [&](const RelationshipSource& source) {
+        forEachSource([&visit](const RelationshipSource& source) {
             for (const Relationship& relationship : source.getRelationships())
-                visit(describe(relationship));
-        };
-        visitAll(*package);
-        for (const Part& part : package->getParts())
-            visitAll(part);
+                visit(relationship);
+        });
     }
 
-    std::vector<std::string> names() const {
-        std::vector<std::string> names;
-        for (const auto& coverage : coverages)
-            names.push_back(coverage.first);
-        return names;
-    }
-
-    const PackageCoverage& ofAll() const { return *together; }
-
-private:
     template <typename Entity>
-    ordered_json findSignatures(const Entity& entity) const {
-        ordered_json names = ordered_json::array();
-        for (const auto& [name, coverage] : coverages)
-            if (coverage.covers(entity))
-                names.push_back(name);
-        return names;
+    bool isCovered(const Entity& entity) const {
+        return !together->findSignatures(entity).empty();
     }
 
     ordered_json describe(const PartName& name) const {
@@ -118,11 +103,48 @@ private:
                 {"ofSignatures", managedTypes.count(type) != 0}};
     }
 
+    const std::vector<std::string>& names() const { return signatureNames; }
+
+    const PackageCoverage& ofAll() const { return *together; }
+
+private:
+    template <typename Visitor>
+    void forEachSource(const Visitor& visit) const {
+        visit(*package);
+        for (const Part& part : package->getParts())
+            visit(part);
+    }
+
+    void refuseTooLongNames() const {
+        SourceNames sources;
+        forEachSource([&sources](const RelationshipSource& source) { sources.add(source); });
+    }
+
+    void refuseTooManyNames() const {
+        std::size_t count = 0;
+        const auto add = [&](const auto& entity) {
+            count += together->findSignatures(entity).size();
+            if (count > MAXIMUM_NAMES)
+                throw opc::Exception("The report would name signatures more than 2000000 times. What none "
+                                     "covers, opctool verify says.");
+        };
+        forEachPart(add);
+        forEachRelationship(add);
+    }
+
+    template <typename Entity>
+    ordered_json findSignatures(const Entity& entity) const {
+        ordered_json names = ordered_json::array();
+        for (const std::size_t place : together->findSignatures(entity))
+            names.push_back(signatureNames[place]);
+        return names;
+    }
+
     SignedPackage& package;
     std::set<std::string> managedNames;
     std::set<std::string> managedTypes;
     std::optional<PackageCoverage> together; ///< of all signatures
-    std::vector<std::pair<std::string, SignatureCoverage>> coverages;
+    std::vector<std::string> signatureNames;
 };
 
 /// The signatures of a part or relationship, and what else is to be said.
@@ -140,12 +162,16 @@ std::string describe(const ordered_json& row) {
 void printTables(const Report& report) {
     const Table parts({{"PART"}, {"SIGNATURES"}});
     parts.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
-        report.forEachPart([&print](const ordered_json& row) { print({row["name"], describe(row)}); });
+        report.forEachPart([&](const PartName& name) {
+            const ordered_json row = report.describe(name);
+            print({row["name"], describe(row)});
+        });
     });
     std::cout << '\n';
     const Table relationships({{"SOURCE"}, {"ID"}, {"SIGNATURES"}, {"TYPE"}});
     relationships.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
-        report.forEachRelationship([&print](const ordered_json& row) {
+        report.forEachRelationship([&](const Relationship& relationship) {
+            const ordered_json row = report.describe(relationship);
             print({row["source"], row["id"], describe(row), row["type"]});
         });
     });
@@ -153,17 +179,18 @@ void printTables(const Report& report) {
 }
 
 void printUncovered(JSONOutput& output, const Report& report) {
-    const auto ifUncovered = [&output](const ordered_json& row, const ordered_json& shown) {
-        if (row["signatures"].empty())
-            output.add(shown);
-    };
     output.beginObject("uncovered");
     output.beginArray("parts");
-    report.forEachPart([&](const ordered_json& row) { ifUncovered(row, row["name"]); });
+    report.forEachPart([&](const PartName& name) {
+        if (!report.isCovered(name))
+            output.add(toUDEString(name.toString()));
+    });
     output.end();
     output.beginArray("relationships");
-    report.forEachRelationship([&](const ordered_json& row) {
-        ifUncovered(row, {{"source", row["source"]}, {"id", row["id"]}});
+    report.forEachRelationship([&](const Relationship& relationship) {
+        if (!report.isCovered(relationship))
+            output.add({{"source", toUDEString(relationship.getSourceURI().toString())},
+                        {"id", toUDEString(relationship.getID())}});
     });
     output.end();
     output.add("all", "contentTypes");
@@ -172,7 +199,7 @@ void printUncovered(JSONOutput& output, const Report& report) {
 
 void printJSON(const Report& report) {
     JSONOutput output(std::cout);
-    const auto add = [&output](const ordered_json& row) { output.add(row); };
+    const auto add = [&](const auto& entity) { output.add(report.describe(entity)); };
     output.beginObject();
     output.add(report.names(), "signatures");
     output.beginArray("parts");

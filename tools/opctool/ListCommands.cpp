@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "JSONOutput.hpp"
 #include "OpenedPackage.hpp"
+#include "SourceNames.hpp"
 #include "Table.hpp"
 #include "TerminalText.hpp"
 
@@ -77,15 +78,19 @@ ordered_json describe(const Relationship& relationship) {
 
 void rels(const RelsArguments& arguments) {
     OpenedPackage package(arguments.package);
-    const auto forEach = [&](const std::function<void(const ordered_json&)>& visit) {
-        const auto visitAll = [&visit](const RelationshipSource& source) {
-            for (const Relationship& relationship : source.getRelationships())
-                visit(describe(relationship));
-        };
-        package.withSource(arguments.source, visitAll);
+    const auto forEachSource = [&](const auto& visit) {
+        package.withSource(arguments.source, visit);
         if (arguments.all)
             for (const Part& part : package->getParts())
-                visitAll(part);
+                visit(part);
+    };
+    SourceNames names;
+    forEachSource([&names](const RelationshipSource& source) { names.add(source); });
+    const auto forEach = [&](const std::function<void(const ordered_json&)>& visit) {
+        forEachSource([&visit](const RelationshipSource& source) {
+            for (const Relationship& relationship : source.getRelationships())
+                visit(describe(relationship));
+        });
     };
     if (arguments.json) {
         JSONOutput output(std::cout);

@@ -11,6 +11,10 @@ namespace opctool {
 
 namespace {
 
+/// How many characters the cells of a column may take together, padding included. One long cell among very many
+/// rows would make each as long: beyond this, it isn't padded to.
+constexpr std::size_t MAXIMUM_OF_COLUMN = std::size_t{64} << 20;
+
 /// How many characters a UTF-8 text has.
 std::size_t width(const std::string& text) {
     return static_cast<std::size_t>(std::count_if(
@@ -20,7 +24,8 @@ std::size_t width(const std::string& text) {
 void printCells(std::ostream& stream, const std::vector<std::string>& cells,
                 const std::vector<Table::Column>& columns, const std::vector<std::size_t>& widths) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::string padding(widths[i] - width(cells[i]), ' ');
+        const std::size_t taken = width(cells[i]);
+        const std::string padding(widths[i] > taken ? widths[i] - taken : 0, ' ');
         const bool isLast = i + 1 == cells.size();
         if (columns[i].align == Table::Align::Right)
             stream << padding << cells[i];
@@ -53,14 +58,16 @@ void Table::print(std::ostream& stream, bool isTerminal, const Rows& forEachRow)
         headings.push_back(column.heading);
         widths.push_back(width(column.heading));
     }
-    bool isEmpty = true;
+    std::size_t rowCount = 0;
     forEachShown([&](const Cells& cells) {
-        isEmpty = false;
+        ++rowCount;
         for (std::size_t i = 0; i < cells.size(); ++i)
             widths[i] = std::max(widths[i], width(cells[i]));
     });
-    if (isEmpty)
+    if (rowCount == 0)
         return;
+    for (std::size_t& columnWidth : widths)
+        columnWidth = std::min(columnWidth, MAXIMUM_OF_COLUMN / rowCount);
     stream << (isTerminal ? "\033[1m" : "");
     printCells(stream, headings, columns, widths);
     stream << (isTerminal ? "\033[0m\n" : "\n");

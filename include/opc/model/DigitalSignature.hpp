@@ -52,7 +52,7 @@ public:
 
 private:
     friend class DigitalSignatureManager;
-    friend class SignatureCoverage;
+    friend class CoverageIndex;
 
     explicit DigitalSignature(std::shared_ptr<DigitalSignatureData> data);
     std::shared_ptr<DigitalSignatureData> getImpl() const { return m_impl; }

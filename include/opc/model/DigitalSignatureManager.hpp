@@ -276,7 +276,7 @@ public:
     /// @}
 
 private:
-    friend class SignatureCoverage;
+    friend class CoverageIndex;
 
     using Signatures = std::vector<DigitalSignature>;
 

@@ -3,15 +3,12 @@
 #include <opc/model/Export.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/Relationship.hpp>
-#include <opc/model/URI.hpp>
 
-#include <map>
-#include <optional>
-#include <set>
-#include <string>
+#include <memory>
 
 namespace opc::model {
 
+class CoverageIndex;
 class DigitalSignature;
 class DigitalSignatureManager;
 
@@ -35,24 +32,7 @@ public:
     bool covers(const Relationship& relationship) const;
 
 private:
-    friend class PackageCoverage;
-
-    /// Which relationships of one source are covered.
-    struct Selected {
-        std::set<std::u16string> ids;
-        std::set<std::u16string> types;
-    };
-
-    /// Nothing is covered yet.
-    explicit SignatureCoverage(const DigitalSignatureManager& manager);
-
-    void add(const DigitalSignature& signature);
-    const Selected* findSelected(const URI& source) const;
-    bool covers(const Relationship& relationship, const Selected* selected) const;
-
-    std::map<PartName, std::set<std::u16string>> parts; ///< with the queries of their references
-    std::map<PartName, Selected> relationships;         ///< by relationships part
-    std::optional<URI> originURI; ///< whose relationship to the countersignature isn't covered
+    std::shared_ptr<const CoverageIndex> index;
 };
 
 } // namespace opc::model
