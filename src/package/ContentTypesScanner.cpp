@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
 
-constexpr bool isAlphanumeric(char c) {
+template <typename Unit>
+constexpr bool isAlphanumeric(Unit c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
@@ -22,14 +23,16 @@ bool isPlainExtension(std::string_view text) {
     });
 }
 
-bool isPlainToken(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+template <typename Unit>
+bool isPlainToken(std::basic_string_view<Unit> text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](Unit c) {
         return isAlphanumeric(c) || c == '-' || c == '.' || c == '+' || c == '_';
     });
 }
 
 /// Whether a text is a media type without parameters.
-bool isPlainContentType(std::string_view text) {
+template <typename Unit>
+bool isPlainMediaType(std::basic_string_view<Unit> text) {
     const std::size_t slash = text.find('/');
     return slash != std::string_view::npos && isPlainToken(text.substr(0, slash)) &&
            isPlainToken(text.substr(slash + 1));
@@ -45,7 +48,7 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
         else
             return false;
     }
-    return isPlainContentType(entry.contentType);
+    return isPlainMediaType(entry.contentType);
 }
 
 } // namespace
@@ -66,6 +69,10 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
                                   ScannedContentType& entry = found.overrides.emplace_back();
                                   return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
                               });
+}
+
+bool isPlainContentType(std::u16string_view text) {
+    return isPlainMediaType(text);
 }
 
 } // namespace opc::model

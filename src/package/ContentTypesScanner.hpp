@@ -25,4 +25,7 @@ struct ScannedContentTypes {
 /// @return whether the stream is of that form. If not, the parser must read it, and `found` means nothing
 bool scanContentTypes(std::string_view document, ScannedContentTypes& found);
 
+/// Whether a text is a media type of a usual form, without parameters: the parser takes it.
+bool isPlainContentType(std::u16string_view text);
+
 } // namespace opc::model

@@ -16,10 +16,10 @@ void useCachedGrammars(xercesc::DOMLSParser* parser) {
     parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
 }
 
-void loadGrammar(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema) {
+xercesc::Grammar* loadGrammar(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema) {
     const xercesc::Wrapper4InputSource source(
         new xercesc::MemBufInputSource(schema.text, schema.size, schema.bufferName));
-    parser->loadGrammar(&source, xercesc::Grammar::SchemaGrammarType, true);
+    return parser->loadGrammar(&source, xercesc::Grammar::SchemaGrammarType, true);
 }
 
 } // namespace
@@ -39,10 +39,10 @@ void loadGrammars(xercesc::DOMLSParser* parser, std::initializer_list<const Embe
     }
 }
 
-void loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema) {
-    translateXercesFailures([&] {
+xercesc::Grammar* loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema) {
+    return translateXercesFailures([&] {
         useCachedGrammars(parser);
-        loadGrammar(parser, schema);
+        return loadGrammar(parser, schema);
     });
 }
 

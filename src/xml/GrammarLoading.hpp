@@ -8,6 +8,7 @@
 
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMLSParser;
+class Grammar;
 XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
@@ -18,6 +19,7 @@ namespace opc::model {
 void loadGrammars(xercesc::DOMLSParser* parser, std::initializer_list<const EmbeddedSchema*> schemas);
 
 /// The same for one schema that imports nothing, without a look at errors.
-void loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema);
+/// @return the grammar, which belongs to the parser; null after an error
+xercesc::Grammar* loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema);
 
 } // namespace opc::model

@@ -1,10 +1,12 @@
 #include "package/ContentTypeSerializer.hpp"
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypesWriter.hpp"
+#include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/model/ContentTypeRules.hpp>
 #include <opc/model/XercesGuard.hpp>
 
 #include <gtest/gtest.h>
@@ -44,6 +46,86 @@ TEST(ContentTypeSerializer, writesWhatXercesWrites) {
     for (int i = 0; i < 2000; ++i) // more than is handed on at once
         map.addOverride(PartName(opc::toString("/part" + std::to_string(i), true)), ContentType(u"a/b"));
     expectSame(true);
+}
+
+TEST(ContentTypeSerializer, refusesWhatTheRulesRefuse) {
+    const XercesGuard guard;
+    ContentTypeRules rules;
+    const auto compare = [&rules](std::u16string_view extension, std::u16string_view name,
+                                  std::u16string_view type) {
+        std::string entry = name.empty() ? "<Default" : "<Override";
+        const auto add = [&entry](const char* attribute, std::u16string_view value) {
+            entry.append(" ").append(attribute).append("='");
+            for (const char16_t unit : value)
+                entry.append("&#" + std::to_string(static_cast<unsigned>(unit)) + ";");
+            entry += "'";
+        };
+        name.empty() ? add("Extension", extension) : add("PartName", name);
+        add("ContentType", type);
+        const Bytes document = opc::test::contentTypes(entry + "/>");
+        ContentTypeMap map;
+        const std::string refusal = opc::test::outcomeOf([&] {
+            opc::ByteArrayInAdaptor input(document);
+            ContentTypeSerializer().read(map, input);
+        });
+        const std::string defect =
+            rules.findDefectOfContentType(type) +
+            (name.empty() ? rules.findDefectOfExtension(extension) : rules.findDefectOfPartName(name));
+        EXPECT_EQ(defect.empty(), refusal.empty()) << entry << "\n" << refusal << "\n" << defect;
+        if (refusal.empty() && !name.empty()) {
+            EXPECT_EQ(map.getOverrides().count(PartName(ContentTypeRules::readPartName(name))), 1U) << entry;
+        }
+    };
+    const std::u16string_view values[] = {u"",
+                                          u" ",
+                                          u"png",
+                                          u".png",
+                                          u"p.ng",
+                                          u"a%41",
+                                          u"a%4",
+                                          u"a/b",
+                                          u" a/b",
+                                          u"a/b ; c=d",
+                                          u"a/b;c=\"d\\\"e\"",
+                                          u"a/b;c=\"d\t\"",
+                                          u"a/b;",
+                                          u"a /b",
+                                          u"http://h/x",
+                                          u"a/b;c",
+                                          u"a/b (c)",
+                                          u"\u00E9",
+                                          u"a/\u00E9",
+                                          u"a/b;c=\"\u00E9\"",
+                                          u"/a.xml",
+                                          u" /a.xml\n",
+                                          u"a.xml",
+                                          u"/a.",
+                                          u"/a//b",
+                                          u"/",
+                                          u"/..",
+                                          u"/a%2Fb",
+                                          u"/a b",
+                                          u"/a?b",
+                                          u"/a#b",
+                                          u"//a",
+                                          u"/[a]",
+                                          u"\\a"};
+    for (const std::u16string_view value : values) {
+        compare(value, u"", u"a/b");
+        compare(u"png", u"", value);
+        compare(u"", value.empty() ? u" " : value, u"a/b");
+        compare(u"", u"/a.xml", value);
+    }
+    for (char16_t unit = 0x20; unit < 0x100; ++unit) {
+        const std::u16string around = {u'/', u'a', unit, u'b'};
+        compare(std::u16string_view(around).substr(1), u"", u"a" + around);
+        compare(u"", around, u"a/b;c=\"" + around + u"\"");
+    }
+    const std::u16string longest(1U << 20, u'/');
+    for (const std::string& defect :
+         {rules.findDefectOfExtension(longest), rules.findDefectOfPartName(longest + u'a'),
+          rules.findDefectOfContentType(longest + u'a')})
+        EXPECT_NE(defect, "");
 }
 
 } // namespace
