@@ -1,83 +1,200 @@
 #include "ContentTypes.hpp"
 
-#include "RelationshipsPart.hpp"
-
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
+#include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
-#include <opc/model/XercesHelper.hpp>
+#include <opc/model/ContentTypeRules.hpp>
+
+#include <algorithm>
+#include <utility>
 
 namespace opc::physical::lenient {
 
 namespace {
 
-using model::XercesHelper;
-using model::XercesString;
+using Kind = ContentTypeEntry::Kind;
+using Standing = ContentTypeEntry::Standing;
 
-constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
 constexpr char16_t RELATIONSHIPS_EXTENSION[] = u"rels";
+constexpr char RELATIONSHIPS_ENTRY[] =
+    R"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)";
 
-void addAttributes(const xercesc::DOMElement* root, const char16_t* element, const char16_t* attribute,
-                   std::set<std::u16string>& values) {
-    const XercesString name(attribute);
-    for (const xercesc::DOMElement* found : XercesHelper::getElements(root, XercesString(element))) {
-        std::u16string value;
-        XercesHelper::getElementAttribute(found, name, value);
-        values.insert(toLowerASCIIString(value));
-    }
+Bytes toBytes(const std::string& text) {
+    return Bytes(text.begin(), text.end());
+}
+
+std::u16string extensionOf(const std::u16string& name) {
+    return toLowerASCIIString(detail::getExtension(name));
 }
 
 } // namespace
 
-ContentTypes::ContentTypes(interfaces::IPhysicalPackage& package)
-    : usesStream(package.usesContentTypeStream()) {
+/// The document while the package is being opened.
+struct ContentTypes::Reading {
+    explicit Reading(const DocumentText& decoded)
+        : text(decoded), markup(text.text()), entries(markup, rules) {}
+
+    model::ContentTypeRules rules;
+    const DocumentText text;
+    const Markup markup;
+    const ContentTypeEntries entries;
+};
+
+/// Gathers what the model writes, and has it carried into the document when it is closed.
+class ContentTypes::Output : public interfaces::IPhysicalOutputStream {
+public:
+    Output(ContentTypes& types, std::function<std::vector<std::u16string>()> names)
+        : owner(types), parts(std::move(names)) {}
+
+    std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
+        bytes.insert(bytes.end(), buffer, buffer + count);
+        return count;
+    }
+    bool isDone() const override { return false; }
+    void flush() override {}
+    void close() override {
+        owner.wanted = std::move(bytes);
+        owner.isDue = true; // until it is done: the model doesn't write it again
+        owner.write(parts);
+    }
+
+private:
+    ContentTypes& owner;
+    const std::function<std::vector<std::u16string>()> parts;
+    Bytes bytes;
+};
+
+ContentTypes::ContentTypes(interfaces::IPhysicalPackage& inner)
+    : package(inner), usesStream(package.usesContentTypeStream()) {
     if (!usesStream)
         return;
     try {
-        read(package);
+        read();
     } catch (const Exception&) {
-        isReadable = false;
+        original.reset();
+        reading.reset();
     }
 }
 
-void ContentTypes::read(interfaces::IPhysicalPackage& package) {
+ContentTypes::~ContentTypes() = default;
+
+void ContentTypes::read() {
     interfaces::IPhysicalInputStream* const stream = package.getContentTypeInputStream();
-    const auto bytes = stream != nullptr ? readDocument(*stream) : std::nullopt;
-    if (!bytes) {
-        isReadable = false;
+    original = stream != nullptr ? readDocument(*stream) : std::nullopt;
+    if (!original || hasTooMuchMarkup(*original) || hasDocumentType(*original)) {
+        original.reset();
         return;
     }
-    document = std::make_unique<MendedDocument>(*bytes);
-    isChanged = document->removePrefixes(XercesString(NAMESPACE));
-    addAttributes(document->root(), u"Default", u"Extension", extensions);
-    addAttributes(document->root(), u"Override", u"PartName", names);
+    const auto text = DocumentText::decode(*original);
+    if (!text)
+        throw Exception("The document is neither in UTF-8 nor in UTF-16.");
+    reading = std::make_unique<Reading>(*text);
+    // What the model reads itself it finds to be well-formed, or refuses.
+    if (!reading->entries.areReadAsTheyAre())
+        const Document wellFormed(*original);
+    found = reading->entries.oddities();
 }
 
 bool ContentTypes::covers(interfaces::IPhysicalPart& part) const {
     if (!usesStream)
         return !part.getContentType().empty();
-    if (!isReadable)
+    if (!reading)
         return true;
-    const std::u16string name = toLowerASCIIString(part.getName());
-    return names.count(name) > 0 || extensions.count(detail::getExtension(name)) > 0;
+    const std::u16string name = part.getName();
+    return reading->entries.find(Kind::Override, toLowerASCIIString(name)) != nullptr ||
+           reading->entries.find(Kind::Default, extensionOf(name)) != nullptr;
+}
+
+std::string ContentTypes::hide(const std::u16string& name) {
+    std::string reason = "no content type covers it";
+    if (!reading)
+        return reason;
+    const std::u16string extension = extensionOf(name);
+    context.withheld.insert(extension);
+    const ContentTypeEntry* const own = reading->entries.findFirst(Kind::Override, toLowerASCIIString(name));
+    const ContentTypeEntry* const entry =
+        own != nullptr ? own : reading->entries.findFirst(Kind::Default, extension);
+    if (entry == nullptr)
+        return reason;
+    const std::size_t line = reading->markup.elements()[entry->element].line;
+    return reason + ": the " + (own != nullptr ? "Override" : "Default") + " for it in line " +
+           std::to_string(line) + " was left out, " + entry->defect;
 }
 
 void ContentTypes::coverRelationships() {
-    if (!document || !extensions.insert(RELATIONSHIPS_EXTENSION).second)
-        return;
-    xercesc::DOMElement* const entry =
-        XercesHelper::appendElementNS(document->root(), XercesString(NAMESPACE), XercesString(u"Default"));
-    XercesHelper::setElementAttribute(entry, XercesString(u"Extension"), RELATIONSHIPS_EXTENSION);
-    XercesHelper::setElementAttribute(entry, XercesString(u"ContentType"), RelationshipsPart::CONTENT_TYPE);
-    isChanged = true;
+    coversRelationships = reading && reading->entries.find(Kind::Default, RELATIONSHIPS_EXTENSION) == nullptr;
 }
 
-std::optional<Bytes> ContentTypes::changedStream() const {
-    if (!isReadable || !isChanged)
+void ContentTypes::settle() {
+    if (!reading)
+        return;
+    const ContentTypeEntries& entries = reading->entries;
+    for (const ContentTypeEntry& entry : entries.all()) {
+        if (entry.lacksSlash)
+            context.withheld.insert(extensionOf(entry.key));
+        leftOut += entry.standing == Standing::LeftOut ? 1 : 0;
+        if (entry.kind == Kind::Override && (entry.lacksSlash || entry.standing != Standing::Counts))
+            disputed.insert(entry.key);
+    }
+    if (coversRelationships || !entries.areReadAsTheyAre()) {
+        wanted = toBytes(entries.toDocument(coversRelationships ? RELATIONSHIPS_ENTRY : ""));
+        view = std::make_unique<BytesStream>(wanted);
+    }
+    reading.reset();
+}
+
+std::optional<interfaces::IgnoredItem> ContentTypes::ignoredItem() const {
+    if (leftOut == 0)
         return std::nullopt;
-    return document->toBytes();
+    return interfaces::IgnoredItem{u"/[Content_Types].xml",
+                                   "entries that can't be read were left out: " + std::to_string(leftOut)};
+}
+
+interfaces::IPhysicalInputStream* ContentTypes::inputStream() {
+    if (view)
+        view->open();
+    return view.get();
+}
+
+interfaces::IPhysicalOutputStream*
+ContentTypes::outputStream(std::function<std::vector<std::u16string>()> parts) {
+    if (!original)
+        return package.getContentTypeOutputStream();
+    output = std::make_unique<Output>(*this, std::move(parts));
+    return output.get();
+}
+
+void ContentTypes::renew(const std::u16string& name) {
+    if (!original)
+        return;
+    const std::u16string key = toLowerASCIIString(name);
+    const bool isDisputed = disputed.count(key) > 0;
+    if (isDisputed)
+        context.renewed.insert(key);
+    const std::u16string extension = extensionOf(name);
+    isDue = isDue || isDisputed || context.withheld.count(extension) > 0 ||
+            (coversRelationships && extension == RELATIONSHIPS_EXTENSION);
+}
+
+void ContentTypes::save(const std::function<std::vector<std::u16string>()>& parts) {
+    if (isDue)
+        write(parts);
+}
+
+void ContentTypes::write(const std::function<std::vector<std::u16string>()>& parts) {
+    const auto changed = carryContentTypes(*original, wanted.empty() ? *original : wanted, context, parts);
+    if (changed || isWritten) {
+        const Bytes& bytes = changed ? *changed : *original;
+        interfaces::IPhysicalOutputStream* const stream = package.getContentTypeOutputStream();
+        isWritten = true;
+        if (stream->write(bytes.data(), bytes.size()) != bytes.size())
+            throw Exception("The content types could not be written.");
+        stream->close();
+    }
+    isDue = false;
 }
 
 } // namespace opc::physical::lenient

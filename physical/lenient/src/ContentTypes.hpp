@@ -1,44 +1,96 @@
 #pragma once
 
-#include "MendedDocument.hpp"
+#include "BytesStream.hpp"
+#include "ContentTypeChanges.hpp"
 
+#include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/interfaces/Oddity.hpp>
+
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace opc::interfaces {
+class IPhysicalOutputStream;
 class IPhysicalPackage;
 class IPhysicalPart;
 } // namespace opc::interfaces
 
 namespace opc::physical::lenient {
 
-/// The content types of an open package, as they are to be read by the model.
+/// The content types of an open package: as the model is to read them, and how the document changes with what the
+/// model writes.
+///
+/// A document that can't be read, or is too long, is given and written as it is; then every part is taken to be
+/// covered, and the model says what is wrong.
 class ContentTypes {
 public:
-    /// Reads the content types stream, if the package uses one. If that can't be read, or is too long, every
-    /// part is taken to be covered, and the stream stays as it is.
-    explicit ContentTypes(interfaces::IPhysicalPackage& package);
+    /// Reads the content types stream, if the package uses one.
+    explicit ContentTypes(interfaces::IPhysicalPackage& inner);
+    ContentTypes(const ContentTypes&) = delete;
+    ContentTypes& operator=(const ContentTypes&) = delete;
+    ~ContentTypes();
+
+    /// @name While the package is being opened
+    /// @{
 
     bool covers(interfaces::IPhysicalPart& part) const;
 
-    /// Adds the content type of relationships parts, for those that aren't covered.
+    /// Takes note that a part is hidden, since no content type covers it.
+    /// @return the reason, which names an entry for it that was left out
+    std::string hide(const std::u16string& name);
+
+    /// Gives the model the content type of relationships parts, for those that aren't covered.
     void coverRelationships();
 
-    /// The stream that the model is to read; nothing if that is the package's own.
-    std::optional<Bytes> changedStream() const;
+    /// Ends this: makes what the model is to read, and forgets what it was made from.
+    void settle();
+
+    /// @}
+
+    const std::vector<interfaces::Oddity>& oddities() const { return found; }
+
+    /// What a signature can't cover: the entries that were left out.
+    std::optional<interfaces::IgnoredItem> ignoredItem() const;
+
+    /// The stream that the model is to read; null if that is the package's own.
+    interfaces::IPhysicalInputStream* inputStream();
+
+    /// The stream that the model is to write to.
+    /// @param parts  gives the names of all parts that aren't hidden
+    interfaces::IPhysicalOutputStream* outputStream(std::function<std::vector<std::u16string>()> parts);
+
+    /// A part has been created or deleted: what was left out for its name doesn't count for it.
+    void renew(const std::u16string& name);
+
+    /// Writes what has to change although the model writes nothing.
+    void save(const std::function<std::vector<std::u16string>()>& parts);
 
 private:
-    void read(interfaces::IPhysicalPackage& package);
+    class Output;
+    struct Reading;
 
+    void read();
+    void write(const std::function<std::vector<std::u16string>()>& parts);
+
+    interfaces::IPhysicalPackage& package;
     bool usesStream;
-    bool isReadable = true;
-    bool isChanged = false;
-    std::unique_ptr<MendedDocument> document;
-    // Trees, since nobody can choose texts that make them slow.
-    std::set<std::u16string> extensions; ///< in lower case
-    std::set<std::u16string> names;      ///< of parts, in lower case
+    std::optional<Bytes> original;    ///< nothing if it can't be read
+    std::unique_ptr<Reading> reading; ///< null once the package is open
+    bool coversRelationships = false; ///< by an entry that isn't in the document
+    std::vector<interfaces::Oddity> found;
+    std::size_t leftOut = 0;
+
+    std::unique_ptr<BytesStream> view; ///< null where the model reads the document itself
+    Bytes wanted; ///< what the model has read or written last, but for the document itself
+    ContentTypesContext context;
+    std::set<std::u16string> disputed; ///< names with an entry that is odd or doesn't count, in lower case
+    bool isDue = false;                ///< whether the document has to be written
+    bool isWritten = false;            ///< whether it has been before
+    std::unique_ptr<Output> output;
 };
 
 } // namespace opc::physical::lenient

@@ -66,7 +66,10 @@ public:
 
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
-    std::unique_ptr<lenient::BytesStream> contentTypes; ///< null where the package's own are read
+    std::unique_ptr<lenient::ContentTypes> types; ///< null in a package that is being created
+
+    /// The names of all parts that the model sees, relationships parts included.
+    std::vector<std::u16string> partNames() const;
 
 private:
     void hide(const std::u16string& name, const std::string& reason) {
@@ -83,17 +86,17 @@ void LenientPackage::Impl::forget() {
     hidden.clear();
     hiddenNames.clear();
     relationshipsParts.clear();
-    contentTypes.reset();
+    types.reset();
     budget = {};
 }
 
 void LenientPackage::Impl::look() {
-    lenient::ContentTypes types(package);
+    types = std::make_unique<lenient::ContentTypes>(package);
     std::set<std::u16string> sources = {PACKAGE_ROOT}; // in lower case
     const std::vector<IPhysicalPart*> parts = package.getParts();
     for (IPhysicalPart* part : parts) {
         const std::u16string name = part->getName();
-        if (!sourceOf(name) && types.covers(*part))
+        if (!sourceOf(name) && types->covers(*part))
             sources.insert(toLowerASCIIString(name));
     }
     bool coversRelationships = true;
@@ -103,14 +106,23 @@ void LenientPackage::Impl::look() {
         if (source && sources.count(toLowerASCIIString(*source)) == 0)
             hide(name, "a relationships part without a source");
         else if (source)
-            coversRelationships = coversRelationships && types.covers(*part);
+            coversRelationships = coversRelationships && types->covers(*part);
         else if (sources.count(toLowerASCIIString(name)) == 0)
-            hide(name, "no content type covers it");
+            hide(name, types->hide(name));
     }
     if (!coversRelationships)
-        types.coverRelationships();
-    if (auto changed = types.changedStream())
-        contentTypes = std::make_unique<lenient::BytesStream>(std::move(*changed));
+        types->coverRelationships();
+    types->settle();
+}
+
+std::vector<std::u16string> LenientPackage::Impl::partNames() const {
+    std::vector<std::u16string> names;
+    for (const IPhysicalPart* part : package.getParts()) {
+        std::u16string name = part->getName();
+        if (!hides(name))
+            names.push_back(std::move(name));
+    }
+    return names;
 }
 
 IPhysicalPart* LenientPackage::Impl::mend(IPhysicalPart* part) {
@@ -143,15 +155,14 @@ bool LenientPackage::usesContentTypeStream() {
 }
 
 interfaces::IPhysicalInputStream* LenientPackage::getContentTypeInputStream() {
-    if (!impl->contentTypes)
-        return impl->package.getContentTypeInputStream();
-    impl->contentTypes->open();
-    return impl->contentTypes.get();
+    interfaces::IPhysicalInputStream* const view = impl->types ? impl->types->inputStream() : nullptr;
+    return view != nullptr ? view : impl->package.getContentTypeInputStream();
 }
 
 interfaces::IPhysicalOutputStream* LenientPackage::getContentTypeOutputStream() {
-    impl->contentTypes.reset();
-    return impl->package.getContentTypeOutputStream();
+    if (!impl->types)
+        return impl->package.getContentTypeOutputStream();
+    return impl->types->outputStream([this] { return impl->partNames(); });
 }
 
 std::vector<IPhysicalPart*> LenientPackage::getParts() {
@@ -178,24 +189,41 @@ void LenientPackage::open(const interfaces::OpenMode& mode) {
 }
 
 void LenientPackage::close(bool abandon) {
+    if (!abandon && impl->types)
+        impl->types->save([this] { return impl->partNames(); });
     impl->package.close(abandon);
 }
 
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) {
     impl->throwIfHidden(name);
-    return impl->package.createPart(name, contentType, info);
+    IPhysicalPart* const part = impl->package.createPart(name, contentType, info);
+    if (impl->types)
+        impl->types->renew(name);
+    return part;
 }
 
 void LenientPackage::deletePart(const std::u16string& name) {
     impl->package.deletePart(name);
+    if (impl->types)
+        impl->types->renew(name);
 }
 
 std::vector<interfaces::IgnoredItem> LenientPackage::getIgnoredItems() {
     std::vector<interfaces::IgnoredItem> items = impl->package.getIgnoredItems();
     for (const HiddenItem& item : impl->hidden)
         items.push_back({item.name, item.reason});
+    if (impl->types)
+        if (auto leftOut = impl->types->ignoredItem())
+            items.push_back(std::move(*leftOut));
     return items;
+}
+
+std::vector<interfaces::Oddity> LenientPackage::getOddities() {
+    std::vector<interfaces::Oddity> oddities = impl->package.getOddities();
+    if (impl->types)
+        oddities.insert(oddities.end(), impl->types->oddities().begin(), impl->types->oddities().end());
+    return oddities;
 }
 
 } // namespace opc::physical

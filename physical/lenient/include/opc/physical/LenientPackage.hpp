@@ -18,10 +18,18 @@ namespace opc::physical {
 /// and it gives in the form that the model reads
 ///
 /// - relationships and content types whose elements have a namespace prefix, without the prefix;
-/// - relationships parts with a source that no content type covers, with the content type of their kind.
+/// - relationships parts with a source that no content type covers, with the content type of their kind;
+/// - content types whose stream holds something that the standard doesn't allow, each entry by itself: those that can't
+///   be read are left out, an `Override` whose part name lacks the slash in front is read as if it had it, attributes
+///   and elements that don't belong there are passed over, and the namespace of 2005 means the one of 2006.
+///
+/// `getOddities` says what of this it has met. A change of the content types is made in the text of the stream: what
+/// doesn't change keeps its bytes, what was left out included, and a `Default` that no part rests on any more stays. An
+/// entry that was left out goes when a part of its name is created or deleted. Where a new `Default` would cover
+/// something hidden as well, the new parts get an `Override` each.
 ///
 /// What is hidden stays in the package through every save, unchanged: a part under a hidden name, or one that a
-/// hidden relationships part would become attached to, isn't created. The other documents stay as they are until
+/// hidden relationships part would become attached to, isn't created. Relationships parts stay as they are until
 /// the model writes them anew, with everything that it has read. A document that can't be read, or is longer
 /// than 4 MiB or 300,000 characters `<` and `=`, is given as it is, and a content types stream then hides nothing: the model says what is wrong
 /// with it, or that it can't be changed. So are relationships beyond 32 MiB of documents with prefixes in all.
@@ -62,6 +70,9 @@ public:
 
     /// Those of the other package, and what is hidden.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
+
+    /// Those of the other package, and its own.
+    std::vector<interfaces::Oddity> getOddities() override;
 
 private:
     class Impl;

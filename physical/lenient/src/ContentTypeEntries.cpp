@@ -1,0 +1,259 @@
+#include "ContentTypeEntries.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/ContentType.hpp>
+#include <opc/model/ContentTypeRules.hpp>
+
+#include <algorithm>
+#include <tuple>
+
+namespace opc::physical::lenient {
+
+namespace {
+
+constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
+/// Of the form in which office programs wrote packages before the standard; it means the same.
+constexpr std::u16string_view BETA_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/content-types";
+constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
+constexpr std::u16string_view COMPATIBILITY = u"http://schemas.openxmlformats.org/markup-compatibility/2006";
+
+bool isOurs(const Element& element, std::u16string_view name) {
+    return element.is(NAMESPACE, name) || element.is(BETA_NAMESPACE, name);
+}
+
+bool precedes(const ContentTypeEntry& left, const ContentTypeEntry& right) {
+    const auto isLeftOut = [](const ContentTypeEntry& entry) {
+        return entry.standing == ContentTypeEntry::Standing::LeftOut;
+    };
+    return std::make_tuple(left.kind, std::u16string_view(left.key), isLeftOut(left), left.lacksSlash) <
+           std::make_tuple(right.kind, std::u16string_view(right.key), isLeftOut(right), right.lacksSlash);
+}
+
+/// A value for a message, which mustn't grow with the file.
+std::string quote(const std::u16string& value) {
+    constexpr std::size_t LONGEST = 200;
+    return value.size() <= LONGEST ? toUDEString(value) : toUDEString(value.substr(0, LONGEST)) + "...";
+}
+
+void appendAttribute(std::string& document, const char* name, const std::u16string& value) {
+    document.append(" ").append(name).append("=\"");
+    for (const char16_t unit : value) {
+        const bool isPlain = unit >= u' ' && unit <= u'~' && unit != u'&' && unit != u'<' && unit != u'"';
+        if (isPlain)
+            document += static_cast<char>(unit);
+        else
+            document.append("&#").append(std::to_string(static_cast<unsigned>(unit))).append(";");
+    }
+    document += "\"";
+}
+
+} // namespace
+
+/// Goes through the elements of a document once.
+class ContentTypesReader {
+public:
+    ContentTypesReader(const Markup& document, model::ContentTypeRules& itsRules,
+                       ContentTypeEntries& itsEntries)
+        : markup(document), rules(itsRules), result(itsEntries) {}
+
+    void read() {
+        const Element& root = markup.root();
+        if (!isOurs(root, u"Types"))
+            throw Exception("The root isn't that of content types.");
+        checkRoot(root);
+        const auto& elements = markup.elements();
+        for (std::size_t i = 1; i < elements.size(); ++i) {
+            const Element& element = elements[i];
+            if (element.depth == 1 && isOurs(element, u"Default"))
+                takeEntry(i, ContentTypeEntry::Kind::Default, u"Extension");
+            else if (element.depth == 1 && isOurs(element, u"Override"))
+                takeEntry(i, ContentTypeEntry::Kind::Override, u"PartName");
+            else if (element.depth == 1)
+                add("M1.20", element.line,
+                    "an element that is no entry: " + quote(std::u16string(element.localName)),
+                    "it was left out and stays in the file");
+        }
+        settle();
+        std::stable_sort(result.found.begin(), result.found.end(),
+                         [](const auto& left, const auto& right) { return left.line < right.line; });
+    }
+
+private:
+    void add(const char* rule, std::size_t line, std::string what, const char* done) {
+        result.readAsTheyAre = false;
+        result.found.push_back({rule, u"/[Content_Types].xml", line, std::move(what), done});
+    }
+
+    std::string describe(const ContentTypeEntry& entry) const {
+        const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
+        const Attribute* const key = markup.findAttribute(markup.elements()[entry.element], {},
+                                                          isDefault ? u"Extension" : u"PartName");
+        const std::string name = key == nullptr ? std::string() : " for \"" + quote(key->value()) + "\"";
+        return (isDefault ? "the Default" : "the Override") + name;
+    }
+
+    void noteForm(const Element& element) {
+        if (!element.prefix.empty() || element.namespaceURI != NAMESPACE)
+            result.readAsTheyAre = false;
+    }
+
+    void checkRoot(const Element& root) {
+        noteForm(root);
+        if (root.namespaceURI == BETA_NAMESPACE)
+            add("M1.20", root.line, "the namespace is the one of 2005, from before the standard",
+                "it was read as its successor of 2006");
+        if (root.hasText)
+            add("M1.20", root.line, "there is text between the entries",
+                "it was left out and stays in the file");
+        checkAttributes(root, {}, "the root");
+    }
+
+    void checkAttributes(const Element& element, std::u16string_view keyName, const std::string& name) {
+        for (const Attribute& attribute : markup.attributes(element)) {
+            const bool isKnown = attribute.isDeclaration() ||
+                                 attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
+                                 attribute.is(SCHEMA_INSTANCE, u"noNamespaceSchemaLocation") ||
+                                 (!keyName.empty() && attribute.prefix.empty() &&
+                                  (attribute.localName == keyName || attribute.localName == u"ContentType"));
+            if (!isKnown)
+                add(attribute.namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
+                    name + " has the attribute " + quote(std::u16string(attribute.localName)) +
+                        ", which it can't have",
+                    "it was read without it");
+        }
+    }
+
+    void takeEntry(std::size_t index, ContentTypeEntry::Kind kind, std::u16string_view keyName) {
+        const Element& element = markup.elements()[index];
+        ContentTypeEntry entry{kind, ContentTypeEntry::Standing::LeftOut, false, {}, {}, index, {}};
+        noteForm(element);
+        const char* const rule = takeValues(entry, element, keyName);
+        if (rule != nullptr) {
+            add(rule, element.line, describe(entry) + ": " + entry.defect,
+                "the entry was left out and stays in the file");
+        } else {
+            entry.standing = ContentTypeEntry::Standing::Repeats;
+            checkAttributes(element, keyName, describe(entry));
+            if (element.contentEnd != element.startTag.end)
+                checkContent(element, entry);
+        }
+        result.entries.push_back(std::move(entry));
+    }
+
+    /// @return the rule that is broken; null if there is none
+    const char* takeValues(ContentTypeEntry& entry, const Element& element, std::u16string_view keyName) {
+        const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
+        const char* const rule = isDefault ? "M2.6" : "M2.7";
+        const Attribute* const key = markup.findAttribute(element, {}, keyName);
+        const Attribute* const contentType = markup.findAttribute(element, {}, u"ContentType");
+        if (key != nullptr)
+            takeKey(entry, key->value());
+        else
+            entry.defect = isDefault ? "Extension is missing" : "PartName is missing";
+        if (contentType != nullptr)
+            entry.contentType = contentType->value();
+        if (!entry.defect.empty())
+            return rule;
+        if (contentType == nullptr) {
+            entry.defect = "ContentType is missing";
+            return rule;
+        }
+        entry.defect = rules.findDefectOfContentType(entry.contentType);
+        return entry.defect.empty() ? nullptr : "M1.13";
+    }
+
+    void takeKey(ContentTypeEntry& entry, const std::u16string& value) {
+        if (entry.kind == ContentTypeEntry::Kind::Default) {
+            entry.key = toLowerASCIIString(value);
+            entry.defect = rules.findDefectOfExtension(value);
+            return;
+        }
+        std::u16string name = model::ContentTypeRules::readPartName(value);
+        entry.lacksSlash = !name.empty() && name.front() != u'/';
+        if (entry.lacksSlash)
+            name.insert(name.begin(), u'/');
+        entry.key = toLowerASCIIString(name);
+        entry.defect = rules.findDefectOfPartName(name);
+    }
+
+    /// Of an element that should be empty.
+    void checkContent(const Element& element, const ContentTypeEntry& entry) {
+        result.readAsTheyAre = false;
+        const auto& elements = markup.elements();
+        const std::size_t next = entry.element + 1;
+        if (element.hasText || (next < elements.size() && elements[next].depth > element.depth))
+            add("M1.20", element.line, describe(entry) + " isn't empty", "it was read without what is in it");
+    }
+
+    /// Finds which of several entries for the same counts.
+    void settle() {
+        auto& entries = result.entries;
+        std::stable_sort(entries.begin(), entries.end(), precedes);
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (entries[i].standing == ContentTypeEntry::Standing::LeftOut)
+                continue;
+            const bool isFirst =
+                i == 0 || entries[i - 1].kind != entries[i].kind || entries[i - 1].key != entries[i].key;
+            if (isFirst)
+                counting = i;
+            settle(entries[i], entries[counting]);
+        }
+    }
+
+    void settle(ContentTypeEntry& entry, const ContentTypeEntry& first) {
+        const std::size_t line = markup.elements()[entry.element].line;
+        if (&entry == &first)
+            entry.standing = ContentTypeEntry::Standing::Counts;
+        if (entry.lacksSlash)
+            add("M1.4", line, describe(entry) + " has no slash in front of the name",
+                &entry == &first ? "it was read as if it had one" : "the other Override for the part counts");
+        if (&entry == &first || entry.contentType == first.contentType ||
+            model::ContentType(entry.contentType) == model::ContentType(first.contentType))
+            return;
+        const bool wasReadAsItIs = result.readAsTheyAre; // the model passes it over as well
+        add("M2.5", line, describe(entry) + " contradicts another one", "the first one counts");
+        result.readAsTheyAre = wasReadAsItIs;
+    }
+
+    const Markup& markup;
+    model::ContentTypeRules& rules;
+    ContentTypeEntries& result;
+    std::size_t counting = 0;
+};
+
+ContentTypeEntries::ContentTypeEntries(const Markup& markup, model::ContentTypeRules& rules) {
+    ContentTypesReader(markup, rules, *this).read();
+}
+
+const ContentTypeEntry* ContentTypeEntries::findFirst(Kind kind, std::u16string_view key) const {
+    const auto precedesKey = [kind](const ContentTypeEntry& entry, std::u16string_view sought) {
+        return std::make_tuple(entry.kind, std::u16string_view(entry.key)) < std::make_tuple(kind, sought);
+    };
+    const auto place = std::lower_bound(entries.begin(), entries.end(), key, precedesKey);
+    return place == entries.end() || place->kind != kind || place->key != key ? nullptr : &*place;
+}
+
+ContentTypeEntries::Group ContentTypeEntries::groupOf(const ContentTypeEntry& first) const {
+    const ContentTypeEntry* const end = entries.data() + entries.size();
+    const ContentTypeEntry* const last = std::find_if(&first, end, [&first](const ContentTypeEntry& other) {
+        return other.kind != first.kind || other.key != first.key;
+    });
+    return {&first, last};
+}
+
+std::string ContentTypeEntries::toDocument(std::string_view additions) const {
+    std::string document = "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
+    for (const ContentTypeEntry& entry : entries) {
+        if (entry.standing == Standing::LeftOut)
+            continue;
+        const bool isDefault = entry.kind == Kind::Default;
+        document += isDefault ? "<Default" : "<Override";
+        appendAttribute(document, isDefault ? "Extension" : "PartName", entry.key);
+        appendAttribute(document, "ContentType", entry.contentType);
+        document += "/>";
+    }
+    return document.append(additions).append("</Types>");
+}
+
+} // namespace opc::physical::lenient
