@@ -1,6 +1,7 @@
 #include <opc/model/RelationshipRules.hpp>
 
 #include "relationships/RelationshipCheck.hpp"
+#include "relationships/RelationshipsScanner.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"
 
@@ -64,6 +65,12 @@ std::string RelationshipRules::findDefectBySchema(const Attributes& attributes) 
         *attributes.targetMode != u"Internal")
         return "TargetMode is neither External nor Internal";
     return {};
+}
+
+bool RelationshipRules::isPlain(std::string_view document) {
+    std::vector<ScannedRelationship> found;
+    PlainTexts texts;
+    return scanRelationships(document, found, texts);
 }
 
 std::u16string RelationshipRules::read(std::u16string_view value) {

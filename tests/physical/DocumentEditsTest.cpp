@@ -1,6 +1,6 @@
 #include "lenient/src/DocumentEdits.hpp"
 
-#include "PhysicalSupport.hpp"
+#include "support/Encodings.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -10,29 +10,7 @@
 namespace {
 
 using namespace opc::physical::lenient;
-
-/// A document in each encoding that is read: one in UTF-16 without a byte order mark begins with a declaration.
-std::vector<Bytes> inAllEncodings(const std::string& text) {
-    std::vector<Bytes> all = {Bytes(text.begin(), text.end())};
-    all.push_back({0xEF, 0xBB, 0xBF});
-    all.back().insert(all.back().end(), text.begin(), text.end());
-    std::vector<std::u16string> texts = {u'\uFEFF' + opc::toString(text, true)};
-    if (text.compare(0, 2, "<?") == 0)
-        texts.push_back(opc::toString(text, true));
-    for (const std::u16string& wide : texts) {
-        Bytes little;
-        Bytes big;
-        for (const char16_t unit : wide) {
-            const auto high = static_cast<unsigned char>(unit >> 8);
-            const auto low = static_cast<unsigned char>(unit & 0xFF);
-            little.insert(little.end(), {low, high});
-            big.insert(big.end(), {high, low});
-        }
-        all.push_back(little);
-        all.push_back(big);
-    }
-    return all;
-}
+using opc::test::inAllEncodings;
 
 /// Removes the elements of a root that have the attribute `go`, gives those with `set` a new value for it, and adds
 /// as many as the root's attribute `add` says.

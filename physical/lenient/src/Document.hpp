@@ -3,6 +3,7 @@
 #include "DocumentText.hpp"
 #include "Markup.hpp"
 
+#include <memory>
 #include <optional>
 
 namespace opc::interfaces {
@@ -20,10 +21,30 @@ bool hasTooMuchMarkup(const Bytes& document);
 /// Whether a document begins with a document type, in whatever encoding that has ASCII in it.
 bool hasDocumentType(const Bytes& document);
 
-/// A document that has been found to be well-formed, by the model's own rules, with its text and its elements.
+/// Says which documents are well-formed by the model's own rules, one after the other.
+class WellFormedness {
+public:
+    WellFormedness();
+    WellFormedness(const WellFormedness&) = delete;
+    WellFormedness& operator=(const WellFormedness&) = delete;
+    ~WellFormedness();
+
+    /// @throws Exception  the document isn't well-formed, or has a document type or too much markup
+    void check(const Bytes& document);
+
+private:
+    struct Xml;
+
+    std::unique_ptr<Xml> xml; ///< null until it is needed, which wakes Xerces
+};
+
+/// A well-formed document, with its text and its elements.
 class Document {
 public:
-    /// @throws Exception  the document can't be read, or has a document type or too much markup
+    /// @throws Exception  the document can't be read
+    Document(const Bytes& bytes, WellFormedness& wellFormedness);
+
+    /// The same, for a document that is read alone.
     explicit Document(const Bytes& bytes);
 
     const DocumentText& text() const { return decoded; }

@@ -1,5 +1,7 @@
 #include "DocumentEdits.hpp"
 
+#include "AttributeText.hpp"
+
 #include <algorithm>
 
 namespace opc::physical::lenient {
@@ -31,26 +33,6 @@ Span leadOf(const std::u16string& text, const Element& element) {
     return {beforeLineBreak(text, begin), end};
 }
 
-std::u16string escape(std::u16string_view value) {
-    static constexpr char16_t DIGITS[] = u"0123456789ABCDEF";
-    std::u16string escaped;
-    for (const char16_t unit : value) {
-        if (unit == u'&')
-            escaped += u"&amp;";
-        else if (unit == u'<')
-            escaped += u"&lt;";
-        else if (unit == u'"')
-            escaped += u"&quot;";
-        else if (unit == u'\'')
-            escaped += u"&apos;";
-        else if (unit < u' ')
-            escaped.append(u"&#x").append({DIGITS[unit >> 4], DIGITS[unit & 15]}).append(u";");
-        else
-            escaped.push_back(unit);
-    }
-    return escaped;
-}
-
 } // namespace
 
 DocumentEdits::DocumentEdits(const Document& document)
@@ -70,7 +52,7 @@ void DocumentEdits::remove(const Element& element) {
 
 void DocumentEdits::setValue(const Attribute& attribute, std::u16string_view value) {
     const std::size_t end = attribute.span.end - 1;
-    edits.replace({end - attribute.rawValue.size(), end}, escape(value));
+    edits.replace({end - attribute.rawValue.size(), end}, escapeValue(value));
 }
 
 /// What stands between the last element in the root and what stands in front of it, if it is white space.
@@ -84,15 +66,26 @@ std::u16string DocumentEdits::separator() const {
     return text.substr(lead.begin, lead.end - lead.begin);
 }
 
-void DocumentEdits::append(std::u16string_view localName, const NewAttributes& attributes) {
+std::u16string DocumentEdits::compose(std::u16string_view localName, const NewAttributes& attributes) const {
     const std::u16string_view prefix = edited.markup().root().prefix;
-    added.append(beforeAdded).append(u"<");
+    std::u16string element = u"<";
     if (!prefix.empty())
-        added.append(prefix).append(u":");
-    added.append(localName);
+        element.append(prefix).append(u":");
+    element.append(localName);
     for (const auto& [name, value] : attributes)
-        added.append(u" ").append(name).append(u"=\"").append(escape(value)).append(u"\"");
-    added.append(u"/>");
+        element.append(u" ").append(name).append(u"=\"").append(escapeValue(value)).append(u"\"");
+    return element.append(u"/>");
+}
+
+void DocumentEdits::append(std::u16string_view localName, const NewAttributes& attributes) {
+    added.append(beforeAdded).append(compose(localName, attributes));
+}
+
+void DocumentEdits::insert(const Element& next, std::u16string_view localName,
+                           const NewAttributes& attributes) {
+    const Span lead = leadOf(text, next);
+    edits.replace({lead.end, lead.end},
+                  compose(localName, attributes).append(text, lead.begin, lead.end - lead.begin));
 }
 
 void DocumentEdits::insertAdded() {

@@ -29,10 +29,14 @@ public:
     /// front of it does: on a line of its own, as far from the margin, or in the same line.
     void append(std::u16string_view localName, const NewAttributes& attributes);
 
+    /// Adds an empty element of the root's namespace and prefix in front of another one, and in the way that it stands.
+    void insert(const Element& next, std::u16string_view localName, const NewAttributes& attributes);
+
     /// The changed document, in the encoding of the old one.
     Bytes apply();
 
 private:
+    std::u16string compose(std::u16string_view localName, const NewAttributes& attributes) const;
     std::u16string separator() const;
     void insertAdded();
 

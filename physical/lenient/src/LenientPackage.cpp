@@ -5,19 +5,22 @@
 #include "RelationshipsPart.hpp"
 
 #include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PartName.hpp>
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 
 namespace opc::physical {
 
 using interfaces::IPhysicalPart;
+using lenient::RelationshipsDocument;
+using lenient::RelationshipsFinding;
 using lenient::RelationshipsPart;
 using model::PartName;
 
@@ -44,6 +47,18 @@ std::optional<std::u16string> sourceOf(const std::u16string& name) {
     return std::nullopt;
 }
 
+/// A document type is refused wherever it stands, so that nobody has to ask what it would do.
+void throwIfHasDocumentType(IPhysicalPart& part) {
+    std::optional<lenient::Bytes> document;
+    try {
+        document = lenient::readDocument(*part.getInputStream());
+    } catch (const Exception&) {
+        return; // it can't be read, and is hidden
+    }
+    if (document && lenient::hasDocumentType(*document))
+        throw Exception("In " + toASCIIString(part.getName()) + ": a relationships part has a document type");
+}
+
 [[noreturn]] void refuse(const std::u16string& name, const std::string& reason) {
     throw Exception(toASCIIString(name) + reason, make_error_code(boost::system::errc::file_exists));
 }
@@ -61,8 +76,15 @@ public:
     bool hides(const std::u16string& name) const {
         return !hidden.empty() && hiddenNames.count(toLowerASCIIString(name)) > 0;
     }
-    IPhysicalPart* mend(IPhysicalPart* part);
+
+    /// @return null if there is no such relationships part, or it is hidden
+    RelationshipsPart* findRelationshipsPart(const std::u16string& name);
+    void forgetPart(const std::u16string& name) { relationshipsParts.erase(toLowerASCIIString(name)); }
     void throwIfHidden(const std::u16string& name) const;
+
+    /// Calls `visit` with the name of a relationships part and each finding in it.
+    template <typename Visit>
+    void visitFindings(const Visit& visit);
 
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
@@ -78,8 +100,8 @@ private:
     }
 
     std::set<std::u16string> hiddenNames; ///< in lower case
-    lenient::MendingBudget budget;
-    std::unordered_map<const IPhysicalPart*, RelationshipsPart> relationshipsParts;
+    lenient::RelationshipsReading reading;
+    std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 };
 
 void LenientPackage::Impl::forget() {
@@ -87,7 +109,7 @@ void LenientPackage::Impl::forget() {
     hiddenNames.clear();
     relationshipsParts.clear();
     types.reset();
-    budget = {};
+    reading.bytesLeft = lenient::RelationshipsReading::MOST_BYTES;
 }
 
 void LenientPackage::Impl::look() {
@@ -103,12 +125,18 @@ void LenientPackage::Impl::look() {
     for (IPhysicalPart* part : parts) {
         const std::u16string name = part->getName();
         const std::optional<std::u16string> source = sourceOf(name);
-        if (source && sources.count(toLowerASCIIString(*source)) == 0)
+        if (source && sources.count(toLowerASCIIString(*source)) == 0) {
+            throwIfHasDocumentType(*part);
             hide(name, "a relationships part without a source");
-        else if (source)
+        } else if (source) {
             coversRelationships = coversRelationships && types->covers(*part);
-        else if (sources.count(toLowerASCIIString(name)) == 0)
+            const bool isPackages = *source == PACKAGE_ROOT;
+            relationshipsParts.try_emplace(toLowerASCIIString(name), *part, reading,
+                                           isPackages ? RelationshipsDocument::Source::Package
+                                                      : RelationshipsDocument::Source::Part);
+        } else if (sources.count(toLowerASCIIString(name)) == 0) {
             hide(name, types->hide(name));
+        }
     }
     if (!coversRelationships)
         types->coverRelationships();
@@ -125,9 +153,16 @@ std::vector<std::u16string> LenientPackage::Impl::partNames() const {
     return names;
 }
 
-IPhysicalPart* LenientPackage::Impl::mend(IPhysicalPart* part) {
-    return sourceOf(part->getName()) ? &relationshipsParts.try_emplace(part, *part, budget).first->second
-                                     : part;
+RelationshipsPart* LenientPackage::Impl::findRelationshipsPart(const std::u16string& name) {
+    const auto entry = relationshipsParts.find(toLowerASCIIString(name));
+    return entry == relationshipsParts.end() ? nullptr : &entry->second;
+}
+
+template <typename Visit>
+void LenientPackage::Impl::visitFindings(const Visit& visit) {
+    for (auto& [key, part] : relationshipsParts)
+        for (const RelationshipsFinding& finding : part.findings())
+            visit(part.getName() + (finding.id.empty() ? u"" : u"#" + finding.id), finding);
 }
 
 void LenientPackage::Impl::throwIfHidden(const std::u16string& name) const {
@@ -170,8 +205,10 @@ std::vector<IPhysicalPart*> LenientPackage::getParts() {
     parts.erase(std::remove_if(parts.begin(), parts.end(),
                                [this](IPhysicalPart* part) { return impl->hides(part->getName()); }),
                 parts.end());
-    std::transform(parts.begin(), parts.end(), parts.begin(),
-                   [this](IPhysicalPart* part) { return impl->mend(part); });
+    std::transform(parts.begin(), parts.end(), parts.begin(), [this](IPhysicalPart* part) -> IPhysicalPart* {
+        RelationshipsPart* const found = impl->findRelationshipsPart(part->getName());
+        return found != nullptr ? found : part;
+    });
     return parts;
 }
 
@@ -197,6 +234,8 @@ void LenientPackage::close(bool abandon) {
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) {
     impl->throwIfHidden(name);
+    if (RelationshipsPart* const existing = impl->findRelationshipsPart(name))
+        return existing; // what the model writes to it changes its document
     IPhysicalPart* const part = impl->package.createPart(name, contentType, info);
     if (impl->types)
         impl->types->renew(name);
@@ -205,6 +244,7 @@ IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std:
 
 void LenientPackage::deletePart(const std::u16string& name) {
     impl->package.deletePart(name);
+    impl->forgetPart(name);
     if (impl->types)
         impl->types->renew(name);
 }
@@ -213,6 +253,10 @@ std::vector<interfaces::IgnoredItem> LenientPackage::getIgnoredItems() {
     std::vector<interfaces::IgnoredItem> items = impl->package.getIgnoredItems();
     for (const HiddenItem& item : impl->hidden)
         items.push_back({item.name, item.reason});
+    impl->visitFindings([&items](const std::u16string& place, const RelationshipsFinding& finding) {
+        if (finding.isIgnored)
+            items.push_back({place, finding.what});
+    });
     if (impl->types)
         if (auto leftOut = impl->types->ignoredItem())
             items.push_back(std::move(*leftOut));
@@ -221,6 +265,12 @@ std::vector<interfaces::IgnoredItem> LenientPackage::getIgnoredItems() {
 
 std::vector<interfaces::Oddity> LenientPackage::getOddities() {
     std::vector<interfaces::Oddity> oddities = impl->package.getOddities();
+    for (const HiddenItem& item : impl->hidden)
+        oddities.push_back(
+            {sourceOf(item.name) ? "" : "M2.4", item.name, 0, item.reason, "hidden, and kept in the file"});
+    impl->visitFindings([&oddities](const std::u16string& place, const RelationshipsFinding& finding) {
+        oddities.push_back({finding.rule, place, finding.line, finding.what, finding.done});
+    });
     if (impl->types)
         oddities.insert(oddities.end(), impl->types->oddities().begin(), impl->types->oddities().end());
     return oddities;

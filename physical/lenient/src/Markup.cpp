@@ -1,6 +1,6 @@
 #include "Markup.hpp"
 
-#include "NamespaceScope.hpp"
+#include "ScopedMap.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -214,14 +214,23 @@ private:
     void resolve(Element& element) {
         scope.enter();
         const auto begin = markup.values.begin() + static_cast<std::ptrdiff_t>(element.firstAttribute);
-        for (auto attribute = begin; attribute != markup.values.end(); ++attribute)
-            if (attribute->isDeclaration())
-                scope.declare(attribute->prefix.empty() ? attribute->prefix : attribute->localName,
-                              *markup.namespaces.insert(attribute->value()).first);
-        element.namespaceURI = scope.find(element.prefix);
+        for (auto attribute = begin; attribute != markup.values.end(); ++attribute) {
+            if (!attribute->isDeclaration())
+                continue;
+            attribute->namespaceURI = *markup.namespaces.insert(attribute->value()).first;
+            scope.add(attribute->declaredPrefix(), attribute->namespaceURI);
+        }
+        element.namespaceURI = namespaceOf(element.prefix);
         for (auto attribute = begin; attribute != markup.values.end(); ++attribute)
             if (!attribute->prefix.empty() && !attribute->isDeclaration())
-                attribute->namespaceURI = scope.find(attribute->prefix);
+                attribute->namespaceURI = namespaceOf(attribute->prefix);
+    }
+
+    std::u16string_view namespaceOf(std::u16string_view prefix) const {
+        if (prefix == u"xml")
+            return u"http://www.w3.org/XML/1998/namespace";
+        const auto* const found = scope.find(prefix);
+        return found != nullptr ? *found : std::u16string_view();
     }
 
     void close() {
@@ -239,8 +248,8 @@ private:
 
     const std::u16string& text;
     Markup& markup;
-    NamespaceScope scope;
-    std::vector<std::size_t> open; // elements
+    ScopedMap<std::u16string_view, std::u16string_view> scope; // of prefixes
+    std::vector<std::size_t> open;                             // elements
     std::size_t at = 0;
     std::size_t line = 1;
     std::size_t counted = 0; // up to here, for its lines

@@ -19,13 +19,17 @@ struct Attribute {
     Span span;                  ///< from its name to the closing quote
     std::u16string_view prefix; ///< empty if there is none
     std::u16string_view localName;
-    std::u16string_view namespaceURI; ///< empty without a prefix, and for a declaration
+    std::u16string_view namespaceURI; ///< of a declaration what it declares; else empty without a prefix
     std::u16string_view rawValue;     ///< as it stands between the quotes
 
     /// Without references, and with blanks in place of line breaks and tabs (XML 1.0 section 3.3.3).
     std::u16string value() const;
 
     bool isDeclaration() const { return prefix.empty() ? localName == u"xmlns" : prefix == u"xmlns"; }
+
+    /// The prefix that a declaration is for; empty if it is for the default namespace.
+    std::u16string_view declaredPrefix() const { return prefix.empty() ? prefix : localName; }
+
     bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
         return localName == name && namespaceURI == itsNamespace && !isDeclaration();
     }
@@ -80,6 +84,9 @@ public:
     /// In the order of their start tags; the root stands first.
     const std::vector<Element>& elements() const { return found; }
     const Element& root() const { return found.front(); }
+
+    /// Those of the elements in their order.
+    const std::vector<Attribute>& allAttributes() const { return values; }
 
     Attributes attributes(const Element& element) const {
         const Attribute* const first = values.data() + element.firstAttribute;

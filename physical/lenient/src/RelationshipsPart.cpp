@@ -1,27 +1,18 @@
 #include "RelationshipsPart.hpp"
 
 #include "BytesStream.hpp"
-#include "MendedDocument.hpp"
 
 #include <opc/core/Exception.hpp>
+
+#include <string_view>
+#include <utility>
 
 namespace opc::physical::lenient {
 
 namespace {
 
-/// A document without its prefixes. Nothing if it has none, or can't be read: that is for the model to say.
-std::optional<Bytes> removePrefixes(const Bytes& document) {
-    try {
-        MendedDocument mended(document);
-        const model::XercesString namespaceURI(
-            u"http://schemas.openxmlformats.org/package/2006/relationships");
-        if (mended.removePrefixes(namespaceURI))
-            return mended.toBytes();
-    } catch (const Exception&) {
-        return std::nullopt;
-    }
-    return std::nullopt;
-}
+constexpr std::string_view NO_RELATIONSHIPS =
+    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"/>";
 
 } // namespace
 
@@ -31,20 +22,75 @@ std::u16string RelationshipsPart::getContentType() const {
 }
 
 interfaces::IPhysicalInputStream* RelationshipsPart::getInputStream() {
+    found.clear();
+    keptIDs.clear();
+    hasMore = false;
+    defect.clear();
+    wasRead = true;
+    try {
+        return giveReadable();
+    } catch (const Exception& e) {
+        hasMore = true;
+        defect = std::string("a change would lose what is in the document, which can't be read: ") + e.what();
+        found.push_back({"M1.20",
+                         {},
+                         0,
+                         std::string("can't be read: ") + e.what(),
+                         "taken to have no relationships, and kept in the file",
+                         true});
+        return give(Bytes(NO_RELATIONSHIPS.begin(), NO_RELATIONSHIPS.end()));
+    }
+}
+
+interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
     interfaces::IPhysicalInputStream* const stream = part.getInputStream();
     if (stream == nullptr)
         return nullptr; // for the model to refuse
-    const auto document = readDocument(*stream);
-    if (document && mayHavePrefixes(*document)) {
-        std::optional<Bytes> text = removePrefixes(*document);
-        if (text && text->size() <= budget.left) {
-            budget.left -= text->size();
-            return mended.emplace_back(std::make_unique<BytesStream>(std::move(*text))).get();
+    const auto bytes = readDocument(*stream);
+    if (bytes && !isForModel(*bytes)) {
+        const RelationshipsDocument document(*bytes, shared.tools, source);
+        Bytes view = document.view();
+        if (view.size() <= shared.bytesLeft) {
+            shared.bytesLeft -= view.size();
+            found = document.findings();
+            keptIDs = document.keptIDs();
+            hasMore = document.keepsMore();
+            return give(std::move(view));
         }
     }
     stream->close();
     stream->open();
     return stream;
+}
+
+/// Whether the model reads a document as it is to be read, or is to refuse it.
+bool RelationshipsPart::isForModel(const Bytes& document) const {
+    const std::string_view text(reinterpret_cast<const char*>(document.data()), document.size());
+    if (model::RelationshipRules::isPlain(text))
+        return source == RelationshipsDocument::Source::Part || !mayRepeatCoreProperties(text);
+    return hasTooMuchMarkup(document) || hasDocumentType(document);
+}
+
+interfaces::IPhysicalInputStream* RelationshipsPart::give(Bytes document) {
+    return given.emplace_back(std::make_unique<BytesStream>(std::move(document))).get();
+}
+
+interfaces::IPhysicalOutputStream* RelationshipsPart::getOutputStream() {
+    if (output && output->hasFailed()) {
+        output->restart();
+        return output.get();
+    }
+    const auto old = readDocument(*part.getInputStream());
+    if (!old || hasTooMuchMarkup(*old))
+        return part.getOutputStream(); // the model has read all of it
+    output = std::make_unique<RelationshipsOutput>(part, *old, shared.tools, source);
+    return output.get();
+}
+
+const std::vector<RelationshipsFinding>& RelationshipsPart::findings() {
+    if (!wasRead)
+        getInputStream();
+    return found;
 }
 
 } // namespace opc::physical::lenient

@@ -1,41 +1,72 @@
 #pragma once
 
+#include "RelationshipsDocument.hpp"
+#include "RelationshipsOutput.hpp"
+
+#include <opc/interfaces/IKeptRelationships.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
+#include <opc/interfaces/IPhysicalOutputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 
 #include <cstddef>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace opc::physical::lenient {
 
-/// How many bytes of mended documents an open package may still hold.
-struct MendingBudget {
-    std::size_t left = std::size_t{32} << 20;
+/// What the relationships parts of an open package share.
+struct RelationshipsReading {
+    static constexpr std::size_t MOST_BYTES = std::size_t{32} << 20;
+
+    RelationshipsTools tools;
+    std::size_t bytesLeft = MOST_BYTES; ///< for documents that are given in another form
 };
 
-/// A relationships part of another package, as the model is to see it: with the content type of its kind, and
-/// without prefixes in the names of its elements.
-class RelationshipsPart : public interfaces::IPhysicalPart {
+/// A relationships part of another package, as the model is to see it: with the content type of its kind, and with the
+/// relationships that the model can read, in the form that it reads. What the model writes becomes a change to the
+/// part's own document, in which everything else stays.
+class RelationshipsPart : public interfaces::IPhysicalPart, public interfaces::IKeptRelationships {
 public:
     static constexpr char16_t CONTENT_TYPE[] = u"application/vnd.openxmlformats-package.relationships+xml";
 
     /// Neither is owned.
-    RelationshipsPart(interfaces::IPhysicalPart& other, MendingBudget& mending)
-        : part(other), budget(mending) {}
+    RelationshipsPart(interfaces::IPhysicalPart& other, RelationshipsReading& common,
+                      RelationshipsDocument::Source itsSource)
+        : part(other), shared(common), source(itsSource) {}
 
     std::u16string getName() const override { return part.getName(); }
     std::u16string getContentType() const override;
 
-    /// The other's stream, unless its content has prefixes. One that is too long keeps them.
+    /// The other's stream if it is to be read as it is, or refused, or is too long to be looked at.
     interfaces::IPhysicalInputStream* getInputStream() override;
-    interfaces::IPhysicalOutputStream* getOutputStream() override { return part.getOutputStream(); }
+
+    /// @throws Exception  the document can't be read any more
+    interfaces::IPhysicalOutputStream* getOutputStream() override;
+
+    bool hasKeptID(const std::u16string& id) const override { return keptIDs.count(id) > 0; }
+    bool keepsMore() const override { return hasMore; }
+    std::string whyFixed() const override { return defect; }
+
+    /// What is odd in the document, as it was when it was read last. Reads it if it hasn't been read.
+    const std::vector<RelationshipsFinding>& findings();
 
 private:
+    interfaces::IPhysicalInputStream* giveReadable();
+    interfaces::IPhysicalInputStream* give(Bytes document);
+    bool isForModel(const Bytes& document) const;
+
     interfaces::IPhysicalPart& part;
-    MendingBudget& budget;
-    std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> mended;
+    RelationshipsReading& shared;
+    const RelationshipsDocument::Source source;
+    std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> given;
+    std::unique_ptr<RelationshipsOutput> output; ///< null before the first
+    bool wasRead = false;
+    std::vector<RelationshipsFinding> found;
+    std::set<std::u16string> keptIDs;
+    bool hasMore = false;
+    std::string defect; ///< why the document can't be read; empty if it can
 };
 
 } // namespace opc::physical::lenient

@@ -18,6 +18,11 @@ namespace opc::physical {
 /// and it gives in the form that the model reads
 ///
 /// - relationships and content types whose elements have a namespace prefix, without the prefix;
+/// - relationships in the namespace of 2005/06, in its successor;
+/// - relationships parts with markup compatibility [M1.31], without what is to be ignored;
+/// - relationships parts in which some relationships break the schema, without these; of relationships with one ID, and of
+///   those from the package to core properties, with the first;
+/// - relationships parts that are no XML or can't be read, as if they had no relationships;
 /// - relationships parts with a source that no content type covers, with the content type of their kind;
 /// - content types whose stream holds something that the standard doesn't allow, each entry by itself: those that can't
 ///   be read are left out, an `Override` whose part name lacks the slash in front is read as if it had it, attributes
@@ -29,15 +34,21 @@ namespace opc::physical {
 /// something hidden as well, the new parts get an `Override` each.
 ///
 /// What is hidden stays in the package through every save, unchanged: a part under a hidden name, or one that a
-/// hidden relationships part would become attached to, isn't created. Relationships parts stay as they are until
-/// the model writes them anew, with everything that it has read. A document that can't be read, or is longer
-/// than 4 MiB or 300,000 characters `<` and `=`, is given as it is, and a content types stream then hides nothing: the model says what is wrong
-/// with it, or that it can't be changed. So are relationships beyond 32 MiB of documents with prefixes in all.
+/// hidden relationships part would become attached to, isn't created. What the model changes in relationships is
+/// changed in their own document, in which everything else keeps its bytes: prefixes, encoding, comments, white space, and
+/// the elements that are left out. Their IDs aren't given to others, and the part stays when the last other relationship
+/// goes; the model can't change the relationships of a part that can't be read. When the first one of an ID is deleted, the
+/// next one counts from the next `open` on.
+///
+/// A relationships part with a document type is always refused, be it hidden. One that is longer than 4 MiB or has more than
+/// 300,000 characters `<` and `=` is given as it is, and so are those beyond 32 MiB of documents in another form in all:
+/// the model then refuses what breaks the schema, and writes the part anew. A content types stream that can't be
+/// read or is as long is given as it is, and hides nothing.
 ///
 /// The other package isn't owned and must outlive this one; while this one is open, it is to be used through
 /// this one alone. All streams are the other's but those of documents in another form, and so are all parts but
 /// relationships parts; what isn't the other's is good until this package is opened again or destroyed. One
-/// thread at a time. Failures are those of the other package.
+/// thread at a time. Keeps Xerces initialised once it has needed it. Failures are those of the other package.
 class OPC_LENIENT_EXPORT LenientPackage : public interfaces::IPhysicalPackage {
 public:
     struct HiddenItem {
@@ -68,10 +79,10 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
-    /// Those of the other package, and what is hidden.
+    /// Those of the other package, what is hidden, and relationships that are left out.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
-    /// Those of the other package, and its own.
+    /// Those of the other package, and all that this one has met.
     std::vector<interfaces::Oddity> getOddities() override;
 
 private:

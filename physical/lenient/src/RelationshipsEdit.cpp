@@ -1,0 +1,62 @@
+#include "RelationshipsEdit.hpp"
+
+#include "DocumentEdits.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <map>
+#include <string_view>
+#include <vector>
+
+namespace opc::physical::lenient {
+
+namespace {
+
+std::vector<ReadRelationship> readWritten(const Bytes& written) {
+    const auto text = DocumentText::decode(written);
+    if (!text)
+        throw Exception("The document is not in UTF-8.");
+    const Markup markup(text->text());
+    std::vector<ReadRelationship> relationships;
+    for (std::size_t i = 1; i < markup.elements().size(); ++i)
+        relationships.push_back(readRelationship(markup, i));
+    return relationships;
+}
+
+/// In front of what would count before it, or else behind all others.
+void add(DocumentEdits& edits, const ReadRelationship& relationship, const Element* next) {
+    DocumentEdits::NewAttributes attributes = {
+        {u"Id", relationship.id}, {u"Type", relationship.type}, {u"Target", relationship.target}};
+    if (relationship.isExternal)
+        attributes.emplace_back(u"TargetMode", u"External");
+    if (next != nullptr)
+        edits.insert(*next, u"Relationship", attributes);
+    else
+        edits.append(u"Relationship", attributes);
+}
+
+} // namespace
+
+std::optional<Bytes> editRelationships(const RelationshipsDocument& document, const Bytes& written) {
+    const std::vector<ReadRelationship> wanted = readWritten(written);
+    std::map<std::u16string_view, std::size_t> places;
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        places.emplace(wanted[i].id, i);
+    std::vector<bool> isThere(wanted.size());
+    DocumentEdits edits(document.document());
+    for (const ReadRelationship& relationship : document.relationships()) {
+        const auto place = places.find(relationship.id);
+        if (place != places.end() && wanted[place->second].isEqual(relationship))
+            isThere[place->second] = true;
+        else
+            edits.remove(document.document().markup().elements()[relationship.element]);
+    }
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        if (!isThere[i])
+            add(edits, wanted[i], wanted[i].isOfCoreProperties() ? document.secondCoreProperties() : nullptr);
+    if (edits.areNone())
+        return std::nullopt;
+    return edits.apply();
+}
+
+} // namespace opc::physical::lenient
