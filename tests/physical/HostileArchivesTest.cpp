@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <map>
 #include <set>
 
 namespace {
@@ -24,13 +25,21 @@ const std::string OVER = "other programs may extract it over ";
 const std::string BY_PATH = "by its Unicode Path field " + OVER;
 
 const Case CASES[] = {
-    {DIRECTORY + "no end record: not a ZIP archive, cut off, or something behind it",
-     {"nothing", "no-archive", "end-record-cut-off", "bytes-behind", "comment-longer-than-archive"}},
+    {"an empty file, no package", {"nothing"}},
+    {DIRECTORY + "no end record: cut off, or not a ZIP archive",
+     {"no-archive", "end-record-cut-off", "bytes-behind-beyond-reach"}},
+    {DIRECTORY + "cut off within its comment", {"comment-longer-than-archive"}},
+    {DIRECTORY + "1 byte stands behind the end of the archive",
+     {"bytes-behind", "archive-within-bytes-around", "zip64-archive-within-bytes-behind",
+      "directory-within-content-with-bytes-behind"}},
+    {DIRECTORY + "9 bytes stand behind the end of the archive", {"end-record-behind-cut-off"}},
+    {DIRECTORY + "76 bytes stand behind the end of the archive", {"zip64-records-behind"}},
+    {DIRECTORY + "38 bytes stand behind the end of the archive", {"item-behind"}},
     {DIRECTORY + "it doesn't lie where the end record says",
      {"directory-cut-off", "beginning-cut-off", "bytes-in-front", "directory-beyond-archive"}},
     {DIRECTORY + "two end records", {"second-end-record-in-comment"}},
     {DIRECTORY + "it can be understood in two ways",
-     {"directory-within-content", "end-record-in-comment-with-bytes-behind"}},
+     {"directory-within-content", "archive-behind", "end-record-in-comment-with-bytes-behind"}},
     {"is one of several files that make up an archive", {"several-disks"}, ENOTSUP},
     {DIRECTORY + "too short for its number of items", {"more-items-than-directory"}},
     {DIRECTORY + "longer than its items", {"fewer-items-than-directory"}},
@@ -116,7 +125,7 @@ const Case CASES[] = {
     {"a: can't read: longer than the directory says", {"size-too-small", "size-zero"}},
     {"a: can't read: shorter than the directory says", {"size-too-large"}},
     {"a: can't read: its compressed data is damaged",
-     {"packed-size-too-small", "deflate-without-data", "deflate-damaged"}},
+     {"packed-size-too-small", "deflate-without-data", "deflate-damaged", "deflate-unfinished"}},
     {"a: can't read: something stands behind its compressed data", {"bytes-behind-empty-deflate"}},
     {"a: can't read: its checksum is wrong", {"checksum-wrong"}},
     {"a: is encrypted",
@@ -132,12 +141,28 @@ const Case CASES[] = {
     {"a: its size in bytes is above the limit of 17179869184", {"part-of-17-GiB"}, EFBIG},
 };
 
-void readAll(const std::filesystem::path& path) {
-    ZipPackage package(path);
+/// What is said of archives leniently, if it is something else; nothing if they are taken.
+const std::map<std::string, std::string> LENIENTLY = {
+    {"bytes-behind", ""},
+    {"deflate-unfinished", ""},
+    {"encrypted-ignored", ""},
+    {"method-lzma-of-folder", ""},
+    {"end-record-behind-cut-off", DIRECTORY + "another record stands behind the end record"},
+    {"zip64-records-behind", DIRECTORY + "another record stands behind the end record"},
+    {"directory-within-content-with-bytes-behind", DIRECTORY + "it can be understood in two ways"},
+    {"item-behind", "behind the end record: an item that the directory doesn't list"},
+};
+
+/// @return how many oddities there are
+std::size_t readAll(const std::filesystem::path& path, bool lenient) {
+    opc::physical::ZipOptions options;
+    options.lenient = lenient;
+    ZipPackage package(path, options);
     package.open(OpenMode::ReadOnly);
     rest(*package.getContentTypeInputStream());
     for (auto* part : package.getParts())
         content(*part);
+    return package.getOddities().size();
 }
 
 /// A line of /proc/self/status, in KiB.
@@ -167,7 +192,14 @@ TEST(HostileArchives, areRefusedSoonAndWithoutSpendingMemory) {
             std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
             const long memoryBefore = memory("VmRSS:");
             const std::clock_t start = std::clock(); // of the processor, which other processes don't lengthen
-            EXPECT_FAILS(c.code, path.string() + ": " + c.message, readAll(path)) << archive;
+            EXPECT_FAILS(c.code, path.string() + ": " + c.message, readAll(path, false)) << archive;
+            const auto otherwise = LENIENTLY.find(archive);
+            const std::string& message = otherwise == LENIENTLY.end() ? c.message : otherwise->second;
+            if (message.empty()) {
+                EXPECT_EQ(readAll(path, true), 1U) << archive;
+            } else {
+                EXPECT_FAILS(c.code, path.string() + ": " + message, readAll(path, true)) << archive;
+            }
             EXPECT_LT((std::clock() - start) * 1000 / CLOCKS_PER_SEC, MOST_TIME) << archive;
             EXPECT_LT(memory("VmHWM:") - memoryBefore, MOST_MEMORY) << archive;
             tested.insert(path.filename());

@@ -46,6 +46,22 @@ TEST(ZipDamage, isFoundWhereverAnArchiveIsCutOff) {
     EXPECT_FAILS(EBADMSG, "archive", readAll(Bytes(5000, 'P')));
 }
 
+TEST(ZipDamage, ofWhatIsNoArchiveIsCalledByItsFormat) {
+    const std::string ole2 = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+    const Bytes archive = makeZip({stored("a", "x")});
+    const std::pair<std::string, const char*> cases[] = {
+        {ole2 + std::string(5000, '\0'), "an encrypted or older Office file (OLE2), no package"},
+        {ole2 + std::string(archive.begin(), archive.end()),
+         "an encrypted or older Office file (OLE2), no package"},
+        {"%PDF-1.7\n", "a PDF file, no package"},
+        {"\xEF\xBB\xBF\r\n <!DOCTYPE HTML>", "an HTML page, no package"},
+        {"\x1F\x8B\x08", "a gzip file, no package"},
+        {"PK\3\4 and no more", "no end record: cut off, or not a ZIP archive"},
+    };
+    for (const auto& [text, message] : cases)
+        EXPECT_FAILS(EBADMSG, message, readAll(Bytes(text.begin(), text.end())));
+}
+
 TEST(ZipDamage, ofAnyByteEndsInAnExceptionOrInTheRightContent) {
     const Bytes sound = makeZip({oddlyDeflated("b", "some text"), stored("c", "more text")});
     for (std::size_t i = 0; i < sound.size(); ++i) {

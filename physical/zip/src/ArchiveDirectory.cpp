@@ -29,7 +29,7 @@ public:
     DirectoryReader(ByteSource& bytes, const std::string& archivePlace, const ZipOptions& options,
                     ArchiveDirectory& target)
         : archive(bytes), place(archivePlace), limits(options), directory(target),
-          end(readDirectoryEnd(bytes, archivePlace)), position(end.offset) {}
+          end(readDirectoryEnd(bytes, archivePlace, options.lenient)), position(end.offset) {}
 
     void read();
 
@@ -71,6 +71,7 @@ void DirectoryReader::read() {
         failDirectory(place, "longer than its items");
     directory.start = end.offset;
     directory.end = position;
+    directory.archiveEnd = end.archiveEnd;
     if (!end.comment.empty())
         directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive"});
     directory.comment = std::move(end.comment);
@@ -168,6 +169,15 @@ void DirectoryReader::checkNumbers(const DirectoryEntry& entry) const {
 
 } // namespace
 
+std::string whyUnreadable(const DirectoryEntry& entry) {
+    if (entry.flags & ENCRYPTION_FLAGS)
+        return "is encrypted";
+    if (entry.method != STORE && entry.method != DEFLATE)
+        return "has compression method " + std::to_string(entry.method) +
+               "; Store and Deflate alone are read";
+    return {};
+}
+
 bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
     return entry.size > limits.ratioFloor &&
            entry.size / std::max<std::uint64_t>(limits.maxRatio, 1) > entry.compressedSize;
@@ -184,7 +194,7 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     bool hasPath = false;
     ExtraFieldWalk walk(extra, size);
     for (ExtraField field; walk.next(field);) {
-        if (field.kind == STRONG_ENCRYPTION_FIELD)
+        if (field.kind == STRONG_ENCRYPTION_FIELD && !(entry.flags & ENCRYPTION_FLAGS))
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
         if (field.kind != UNICODE_PATH_FIELD)
             continue;

@@ -48,18 +48,22 @@ struct UnreadData {
 struct ArchiveDirectory {
     std::pmr::monotonic_buffer_resource names; ///< what the names of `entries` stand in
     std::vector<DirectoryEntry> entries;
-    std::uint64_t start = 0; ///< offset of the first entry
-    std::uint64_t end = 0;   ///< behind the last entry
-    std::string comment;     ///< of the archive
+    std::uint64_t start = 0;      ///< offset of the first entry
+    std::uint64_t end = 0;        ///< behind the last entry
+    std::uint64_t archiveEnd = 0; ///< behind the end record and its comment: what follows belongs to nothing
+    std::string comment;          ///< of the archive
     std::vector<OtherName> otherNames;
     std::vector<UnreadData> unread;
 };
+
+/// @return why the content of an item can't be read, as words for a message; empty if it can
+std::string whyUnreadable(const DirectoryEntry& entry);
 
 /// Whether an item expands more than the limits let it.
 bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits);
 
 /// Notes what extra fields of an item say beside numbers: other names, and data of unknown kinds. Raises if they
-/// say that it is encrypted.
+/// alone say that it is encrypted.
 /// @param record  how messages name the record that they stand in
 /// @param place   the archive's name for messages
 void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item, const char* record,

@@ -32,7 +32,7 @@ private:
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
-    void searchUnused(std::uint64_t start, std::uint64_t end, std::string_view next);
+    void searchUnused(std::uint64_t start, std::uint64_t end, const char* side, std::string_view neighbour);
 
     ByteSource& archive;
     const std::string& place;
@@ -54,11 +54,12 @@ void LayoutCheck::run() {
     std::uint64_t end = 0; // of what has been looked at
     for (const ItemIndex index : order) {
         const DirectoryEntry& entry = directory.entries[index];
-        searchUnused(end, entry.offset, entry.name);
+        searchUnused(end, entry.offset, "in front of ", entry.name);
         checkItem(index);
         end = entry.end;
     }
-    searchUnused(end, directory.start, "the directory");
+    searchUnused(end, directory.start, "in front of ", "the directory");
+    searchUnused(directory.archiveEnd, archive.size(), "behind ", "the end record");
 }
 
 /// Raises if an item reaches into the next one by what the directory says alone: so nothing is read in vain.
@@ -122,8 +123,9 @@ const unsigned char* LayoutCheck::read(const DirectoryEntry& entry, std::uint64_
 
 /// Bytes that belong to no item are passed over, and the next save drops them; but to programs that don't go by
 /// the directory a local header among them is an item.
-/// @param next  what stands behind them
-void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, std::string_view next) {
+/// @param side  of the neighbour, on which they stand
+void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, const char* side,
+                               std::string_view neighbour) {
     static constexpr std::array<unsigned char, 4> HEADER = {'P', 'K', 3, 4};
     if (start == end)
         return;
@@ -137,11 +139,11 @@ void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, std::stri
     if (got != bytes.size())
         fail(place, "can't read: the archive has been cut off", EBADMSG);
     if (std::search(bytes.begin(), bytes.end(), HEADER.begin(), HEADER.end()) != bytes.end())
-        fail(itemPlace(place, "in front of " + std::string(next)), "an item that the directory doesn't list",
+        fail(itemPlace(place, side + std::string(neighbour)), "an item that the directory doesn't list",
              EBADMSG);
     directory.unread.push_back(
         {{},
-         std::to_string(bytes.size()) + " bytes in front of " + printable(next) + " that belong to no item"});
+         std::to_string(bytes.size()) + " bytes " + side + printable(neighbour) + " that belong to no item"});
 }
 
 } // namespace

@@ -5,14 +5,17 @@
 #include "LocalHeader.hpp"
 #include "Records.hpp"
 
+#include <opc/physical/ZipOptions.hpp>
+
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
 namespace opc::physical::zip {
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& limits)
-    : source(std::move(archive)), where(std::move(archivePlace)) {
+    : source(std::move(archive)), where(std::move(archivePlace)), lenient(limits.lenient) {
     readDirectory(*source, where, limits, directory);
     checkLayout(*source, where, directory);
 }
@@ -76,6 +79,11 @@ bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
     return wholeInflater.expand(start.bytes + start.headerSize,
                                 static_cast<std::size_t>(entry.compressedSize), content, size) &&
            ::libdeflate_crc32(0, content, size) == entry.crc;
+}
+
+void ArchiveReader::requireReadable(ItemIndex index) const {
+    if (const std::string why = whyUnreadable(item(index)); !why.empty())
+        fail(itemPlace(index), why, ENOTSUP);
 }
 
 std::unique_ptr<Inflater> ArchiveReader::takeInflater() {

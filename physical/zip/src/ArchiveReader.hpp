@@ -5,6 +5,7 @@
 #include "WholeInflater.hpp"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,9 @@ public:
     const std::string& comment() const { return directory.comment; }
     const std::vector<OtherName>& otherNames() const { return directory.otherNames; }
     const std::vector<UnreadData>& unread() const { return directory.unread; }
+
+    /// How many bytes stand behind all records.
+    std::uint64_t bytesBehind() const { return source->size() - directory.archiveEnd; }
     ByteSource& bytes() const { return *source; }
 
     /// The size of an item's entry in the directory.
@@ -50,6 +54,15 @@ public:
     /// Reads all of `count` bytes that belong to an item.
     void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
 
+    /// Raises for an item that is encrypted or compressed by an unknown method.
+    void requireReadable(ItemIndex index) const;
+
+    /// Whether a deflated item may lack the last block, if its content is the right one. If so, who reads such an
+    /// item notes it.
+    bool takesUnfinished() const { return lenient; }
+    void noteUnfinished(ItemIndex index) { unfinished.insert(index); }
+    const std::set<ItemIndex>& unfinishedItems() const { return unfinished; }
+
     /// Expands a deflated item with one call, if it can be had in memory as a whole. Raises as `lookAtStart`
     /// does, and for nothing else.
     /// @param content  has room for all of it
@@ -73,7 +86,9 @@ public:
 private:
     std::shared_ptr<ByteSource> source;
     std::string where;
+    bool lenient;
     ArchiveDirectory directory;
+    std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;
     std::vector<unsigned char> spareMemory;
     WholeInflater wholeInflater;

@@ -1,11 +1,13 @@
 #include "DirectoryEnd.hpp"
 
 #include "Failure.hpp"
+#include "ForeignFormat.hpp"
 #include "Records.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -28,43 +30,98 @@ EndRecord readEndRecord(const unsigned char* record, std::uint64_t offset) {
             read16(record + 4),
             read16(record + 6),
             read16(record + 8),
-            {read16(record + 10), read32(record + 16), read32(record + 12), {}}};
+            {read16(record + 10),
+             read32(record + 16),
+             read32(record + 12),
+             {},
+             offset + DIRECTORY_END_SIZE + read16(record + 20)}};
 }
 
 bool standsBehindItsDirectory(const EndRecord& end) {
     return end.directory.offset + end.directory.size == end.offset;
 }
 
+/// The last bytes of an archive, as far as an end record can stand in front of its end.
+struct Tail {
+    std::uint64_t start = 0;
+    std::vector<unsigned char> bytes;
+
+    std::uint64_t end() const { return start + bytes.size(); }
+    const unsigned char* at(std::uint64_t offset) const { return bytes.data() + (offset - start); }
+};
+
+Tail readTail(ByteSource& archive, const std::string& place) {
+    const std::uint64_t size = std::min<std::uint64_t>(archive.size(), DIRECTORY_END_SIZE + LONGEST_COMMENT);
+    Tail tail{archive.size() - size, std::vector<unsigned char>(static_cast<std::size_t>(size))};
+    readRecord(archive, place, tail.start, tail.bytes.data(), tail.bytes.size());
+    return tail;
+}
+
+/// All end records, from the last one to the first.
+std::vector<EndRecord> findEndRecords(const Tail& tail) {
+    std::vector<EndRecord> records;
+    for (std::size_t left = DIRECTORY_END_SIZE; left <= tail.bytes.size(); ++left) {
+        const std::uint64_t offset = tail.end() - left;
+        if (read32(tail.at(offset)) == DIRECTORY_END)
+            records.push_back(readEndRecord(tail.at(offset), offset));
+    }
+    return records;
+}
+
+/// Raises for an archive in which no end record reaches to the end.
+[[noreturn]] void failWithoutEnd(ByteSource& archive, const std::string& place,
+                                 const std::vector<EndRecord>& records) {
+    requireNoForeignFormat(archive, place);
+    if (records.empty())
+        failDirectory(place, "no end record: cut off, or not a ZIP archive");
+    const std::uint64_t end = records.front().directory.archiveEnd;
+    if (end > archive.size())
+        failDirectory(place, "cut off within its comment");
+    failDirectory(place, describeBytesBehind(archive.size() - end));
+}
+
+/// Whether all programs take `record` for the end of the archive although bytes stand behind it. Some do only if it
+/// stands behind its directory and an item begins the archive, and otherwise take one in the content of an item.
+bool canBeFollowed(const EndRecord& record, ByteSource& archive, const std::string& place) {
+    if (!standsBehindItsDirectory(record))
+        return false;
+    std::array<unsigned char, sizeof LOCAL_HEADER> start{};
+    readRecord(archive, place, 0, start.data(), start.size());
+    return read32(start.data()) == LOCAL_HEADER;
+}
+
+void requireNoRecordBehind(const Tail& tail, std::uint64_t offset, const std::string& place) {
+    for (; offset + sizeof DIRECTORY_END <= tail.end(); ++offset) {
+        const std::uint32_t signature = read32(tail.at(offset));
+        if (signature == DIRECTORY_END || signature == ZIP64_DIRECTORY_END || signature == ZIP64_LOCATOR)
+            failDirectory(place, "another record stands behind the end record");
+    }
+}
+
 /// The one end record that reaches to the end of the archive. Some programs take the last one, whatever its
 /// numbers say: so there may be none in the comment. One in the content of an item is only refused with all that
 /// it needs to be taken for the end: an archive that is an item has one.
-EndRecord findEndRecord(ByteSource& archive, const std::string& place) {
-    const std::uint64_t size = archive.size();
-    const auto tailSize =
-        static_cast<std::size_t>(std::min<std::uint64_t>(size, DIRECTORY_END_SIZE + LONGEST_COMMENT));
-    std::vector<unsigned char> tail(tailSize);
-    readRecord(archive, place, size - tailSize, tail.data(), tailSize);
-    std::optional<EndRecord> found;
-    bool isAmbiguous = false;
-    for (std::size_t left = DIRECTORY_END_SIZE; left <= tailSize; ++left) {
-        const unsigned char* record = tail.data() + (tailSize - left);
-        if (read32(record) != DIRECTORY_END)
-            continue;
-        EndRecord end = readEndRecord(record, size - left);
-        if (DIRECTORY_END_SIZE + read16(record + 20) != left) {
-            isAmbiguous = isAmbiguous || !found || standsBehindItsDirectory(end);
-            continue;
-        }
-        if (found)
-            failDirectory(place, "two end records");
-        end.directory.comment.assign(record + DIRECTORY_END_SIZE, record + left);
-        found = std::move(end);
-    }
-    if (!found)
-        failDirectory(place, "no end record: not a ZIP archive, cut off, or something behind it");
-    if (isAmbiguous)
+/// @param lenient  whether the last one, if none reaches to the end, may end before
+EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool lenient) {
+    const Tail tail = readTail(archive, place);
+    std::vector<EndRecord> records = findEndRecords(tail);
+    const auto reachesEnd = [&](const EndRecord& record) {
+        return record.directory.archiveEnd == tail.end();
+    };
+    const auto count = std::count_if(records.begin(), records.end(), reachesEnd);
+    if (count > 1)
+        failDirectory(place, "two end records");
+    if (count == 0 && (!lenient || records.empty() || records.front().directory.archiveEnd > tail.end() ||
+                       !canBeFollowed(records.front(), archive, place)))
+        failWithoutEnd(archive, place, records);
+    EndRecord& last = records.front();
+    if ((count == 1 && !reachesEnd(last)) ||
+        std::any_of(std::next(records.begin()), records.end(), standsBehindItsDirectory))
         failDirectory(place, "it can be understood in two ways");
-    return *found;
+    requireNoRecordBehind(tail, last.directory.archiveEnd, place);
+    last.directory.comment.assign(tail.at(last.offset + DIRECTORY_END_SIZE),
+                                  tail.at(last.directory.archiveEnd));
+    return std::move(last);
 }
 
 /// The offset of the ZIP64 end record, which stands in front of its locator and says more than `end` has room
@@ -99,7 +156,7 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
             read32(record + 16),
             read32(record + 20),
             read64(record + 24),
-            {read64(record + 32), read64(record + 48), read64(record + 40), {}}};
+            {read64(record + 32), read64(record + 48), read64(record + 40), {}, 0}};
 }
 
 /// Whether a number of the old record says the same as that of the ZIP64 record, or that it has no room.
@@ -116,20 +173,28 @@ void requireAgreement(const std::string& place, const EndRecord& old, const EndR
 
 } // namespace
 
-DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place) {
-    EndRecord end = findEndRecord(archive, place);
+DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place, bool lenient) {
+    EndRecord end = findEndRecord(archive, place, lenient);
     if (const auto zip64 = locateZip64(archive, place, end)) {
         EndRecord large = readZip64EndRecord(archive, place, *zip64, end.offset - ZIP64_LOCATOR_SIZE);
         requireAgreement(place, end, large);
         large.directory.comment = std::move(end.directory.comment);
+        large.directory.archiveEnd = end.directory.archiveEnd;
         end = std::move(large);
     }
     const DirectoryEnd& directory = end.directory;
     if (end.disk != 0 || end.directoryDisk != 0 || end.itemCountOnDisk != directory.itemCount)
         fail(place, "is one of several files that make up an archive", ENOTSUP);
-    if (directory.size > end.offset || directory.offset != end.offset - directory.size)
+    if (directory.size > end.offset || directory.offset != end.offset - directory.size) {
+        requireNoForeignFormat(archive, place);
         failDirectory(place, "it doesn't lie where the end record says");
+    }
     return end.directory;
+}
+
+std::string describeBytesBehind(std::uint64_t count) {
+    return (count == 1 ? "1 byte stands" : std::to_string(count) + " bytes stand") +
+           " behind the end of the archive";
 }
 
 void failDirectory(const std::string& place, const std::string& what) {

@@ -13,11 +13,17 @@ struct DirectoryEnd {
     std::uint64_t offset = 0; ///< of the directory
     std::uint64_t size = 0;   ///< of the directory, in bytes
     std::string comment;
+    std::uint64_t archiveEnd = 0; ///< offset behind the last record and its comment
 };
 
 /// Finds the end of the directory. The records must stand without a gap between the directory and the end of
 /// the archive: where else they might be looked for, programs would differ on what the archive holds.
-DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place);
+/// @param lenient  whether bytes may stand behind them that hold no other record of this kind
+DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place, bool lenient);
+
+/// @param count  of the bytes behind `DirectoryEnd::archiveEnd`
+/// @return words for a message
+std::string describeBytesBehind(std::uint64_t count);
 
 /// Raises for a directory that can't be read.
 [[noreturn]] void failDirectory(const std::string& place, const std::string& what);

@@ -12,9 +12,6 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// What counts of the flags.
-constexpr std::uint16_t ENCRYPTION_FLAGS = ENCRYPTED | STRONGLY_ENCRYPTED | ENCRYPTED_HEADER;
-
 bool isWrittenEarly(const unsigned char* header) {
     return (read16(header + 6) & DATA_DESCRIPTOR) != 0;
 }

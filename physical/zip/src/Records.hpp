@@ -36,6 +36,8 @@ constexpr std::uint16_t STRONGLY_ENCRYPTED = 1U << 6;
 constexpr std::uint16_t NAME_IS_UTF8 = 1U << 11;
 constexpr std::uint16_t ENCRYPTED_HEADER = 1U << 13; ///< numbers in the local header are hidden
 
+constexpr std::uint16_t ENCRYPTION_FLAGS = ENCRYPTED | STRONGLY_ENCRYPTED | ENCRYPTED_HEADER;
+
 /// Compression methods.
 constexpr std::uint16_t STORE = 0;
 constexpr std::uint16_t DEFLATE = 8;

@@ -139,7 +139,8 @@ std::uint16_t ZipContent::method() const {
     if (chosenMethod)
         return *chosenMethod;
     const ItemRange items = oldItems();
-    return items.size() == 0 ? DEFLATE : context.archive->item(*items.first).method;
+    const bool wasStored = items.size() > 0 && context.archive->item(*items.first).method == STORE;
+    return wasStored ? STORE : DEFLATE;
 }
 
 std::string_view ZipContent::itemName() const {

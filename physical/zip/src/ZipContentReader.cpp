@@ -32,6 +32,7 @@ ItemReader::~ItemReader() {
 /// Passes over items without content, but not without having tested that they have none.
 void ItemReader::enterItem() {
     for (; !isDone(); ++items.first) {
+        archive.requireReadable(item());
         left = archive.item(item()).size;
         started = false;
         if (left > 0)
@@ -45,7 +46,7 @@ void ItemReader::enterItem() {
 void ItemReader::startItem() {
     const DirectoryEntry& entry = archive.item(item());
     checksum = 0;
-    ended = false;
+    ended = unfinished = false;
     // Some programs call an empty item deflated and write no compressed data at all.
     isDeflated = entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0);
     inflater = archive.takeInflater();
@@ -64,14 +65,23 @@ void ItemReader::startItem() {
 
 /// The checksum is tested where the last byte has been read, which must really be the last one.
 void ItemReader::endItem() {
-    unsigned char more = 0;
-    if (isDeflated && !ended && expand(&more, 1) > 0)
-        archive.failItem(item(), "longer than the directory says");
+    if (isDeflated && !ended)
+        endStream();
     if (isDeflated && (compressedOffset < compressedEnd || !inflater->needsInput()))
         archive.failItem(item(), "something stands behind its compressed data");
     archive.giveInflater(std::move(inflater));
     if (checksum != archive.item(item()).crc)
         archive.failItem(item(), "its checksum is wrong");
+    if (unfinished)
+        archive.noteUnfinished(item());
+}
+
+void ItemReader::endStream() {
+    unfinished = archive.takesUnfinished();
+    unsigned char more = 0;
+    if (expand(&more, 1) > 0)
+        archive.failItem(item(), "longer than the directory says");
+    unfinished = unfinished && !ended;
 }
 
 std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
@@ -146,7 +156,7 @@ std::size_t ItemReader::copy(unsigned char* buffer, std::size_t count) {
 
 /// Takes all the room that there is, though no more than what is left should come: more is an error, and with
 /// room behind it zlib is faster.
-/// @return 0 at the end of the compressed stream alone
+/// @return 0 at the end of the compressed stream, or of all data that may be unfinished, alone
 std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
     std::size_t got = 0;
     while (got == 0 && !ended) {
@@ -156,6 +166,8 @@ std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
         const Inflater::Result result = inflater->expand(buffer, count, got);
         ended = result == Inflater::Result::End;
         const bool stuck = !ended && got == 0 && lastInput && inflater->needsInput();
+        if (stuck && unfinished)
+            return 0;
         if (result == Inflater::Result::Damaged || stuck)
             archive.failItem(item(), "its compressed data is damaged");
     }

@@ -51,6 +51,7 @@ private:
     void enterItem();
     void startItem();
     void endItem();
+    void endStream();
     std::size_t readFirst(unsigned char* buffer, std::size_t room);
     std::size_t readOn(unsigned char* buffer, std::size_t room);
     std::size_t readKept(unsigned char* buffer, std::size_t room);
@@ -68,7 +69,8 @@ private:
     std::uint32_t checksum = 0;
     bool isDeflated = false;
     bool started = false;
-    bool ended = false; ///< the compressed stream has said that it ends
+    bool ended = false;      ///< the compressed stream has said that it ends
+    bool unfinished = false; ///< it doesn't, or needn't, although all of the content has come out
     bool damaged = false;
 };
 

@@ -100,6 +100,10 @@ std::vector<interfaces::IgnoredItem> ZipPackage::getIgnoredItems() {
     return items;
 }
 
+std::vector<interfaces::Oddity> ZipPackage::getOddities() {
+    return impl->opened().oddities();
+}
+
 const ZipPackage::Bytes& ZipPackage::bytes() const {
     const auto* memory = dynamic_cast<const zip::MemoryStore*>(impl->store.get());
     if (!memory)

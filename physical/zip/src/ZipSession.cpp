@@ -24,15 +24,6 @@ std::string toLowerCase(std::string text) {
     return text;
 }
 
-void requireReadable(const std::string& archive, const DirectoryEntry& entry) {
-    if (entry.flags & (ENCRYPTED | STRONGLY_ENCRYPTED | ENCRYPTED_HEADER))
-        fail(itemPlace(archive, entry.name), "is encrypted", ENOTSUP);
-    if (entry.method != STORE && entry.method != DEFLATE)
-        fail(itemPlace(archive, entry.name),
-             "has compression method " + std::to_string(entry.method) + "; Store and Deflate alone are read",
-             ENOTSUP);
-}
-
 } // namespace
 
 ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, OpenMode openMode)
@@ -62,6 +53,9 @@ void ZipSession::load() {
     checkNames();
     for (const UnreadData& data : context.archive->unread())
         ignored.push_back({data.item, data.what, false});
+    if (const std::uint64_t count = context.archive->bytesBehind())
+        odd.push_back(
+            {"", {}, 0, describeBytesBehind(count), "they aren't read, and the next save drops them"});
 }
 
 void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
@@ -69,7 +63,7 @@ void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pi
     const ItemName name = readItemName(entry.name);
     if (name.kind == ItemName::Kind::Refused)
         fail(itemPlace(context.place, entry.name), name.reason, EBADMSG);
-    requireReadable(context.place, entry);
+    checkReadable(entry);
     if (name.kind != ItemName::Kind::Part || name.partName != entry.name || !isPlainPartName(entry.name))
         unusual.push_back(item);
     if (name.kind == ItemName::Kind::Ignored)
@@ -78,6 +72,16 @@ void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pi
         takePiece(item, name, pieces);
     else
         takeWhole(item, name);
+}
+
+void ZipSession::checkReadable(const DirectoryEntry& entry) {
+    const std::string why = whyUnreadable(entry);
+    if (why.empty())
+        return;
+    if (!options.lenient)
+        fail(itemPlace(context.place, entry.name), why, ENOTSUP);
+    odd.push_back({entry.flags & ENCRYPTION_FLAGS ? "M3.9" : "", toString(std::string(entry.name), true), 0,
+                   why, "it can't be read, and stays as it is"});
 }
 
 void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces) {
@@ -199,6 +203,16 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
+std::vector<interfaces::Oddity> ZipSession::oddities() const {
+    std::vector<interfaces::Oddity> all = odd;
+    if (context.archive)
+        for (const ItemIndex item : context.archive->unfinishedItems())
+            all.push_back({"", toString(std::string(context.archive->item(item).name), true), 0,
+                           "its compressed data ends without the last block",
+                           "it is read: size and checksum are right"});
+    return all;
+}
+
 void ZipSession::requireWritable(const std::string& name) const {
     if (context.readOnly)
         fail(itemPlace(context.place, name), "the archive is opened to read", EACCES);
@@ -268,7 +282,7 @@ void ZipSession::write(ByteTarget& target) {
     }
     writer.finish();
     try {
-        readDirectoryEnd(tail, context.place);
+        readDirectoryEnd(tail, context.place, false);
     } catch (const Exception&) {
         fail(context.place, "can't save: the content of an item looks like the end of the archive", EBADMSG);
     }

@@ -30,6 +30,9 @@ public:
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
+    /// What has been let pass so far, with the items that have been read until now.
+    std::vector<interfaces::Oddity> oddities() const;
+
 private:
     struct FoundPiece {
         ItemIndex item;
@@ -45,6 +48,7 @@ private:
 
     void load();
     void take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
+    void checkReadable(const DirectoryEntry& entry);
     void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
     void takeWhole(ItemIndex item, const ItemName& name);
     void takeJoined(std::vector<ItemIndex> items, const ItemName& name);
@@ -71,6 +75,7 @@ private:
     std::vector<ItemIndex> unusual; ///< items that aren't called like parts of plain names
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
+    std::vector<interfaces::Oddity> odd; ///< found at opening
 };
 
 } // namespace opc::physical::zip

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes archives that must be refused, each named by what is wrong with it.
+"""Writes archives that must be refused, but for a few by `ZipOptions::lenient`, each named by what is wrong with it.
 
     make_hostile.py FOLDER
 
@@ -20,6 +20,12 @@ TYPES = "[Content_Types].xml"
 def deflated(data):
     packer = zlib.compressobj(9, zlib.DEFLATED, -15)
     return packer.compress(data) + packer.flush()
+
+
+def unfinished(data):
+    """Without the last block."""
+    packer = zlib.compressobj(9, zlib.DEFLATED, -15)
+    return packer.compress(data) + packer.flush(zlib.Z_SYNC_FLUSH)
 
 
 class Item:
@@ -154,6 +160,7 @@ def second_end_record():
 
 A = Item("a")
 SOUND = archive(A)
+SECOND_END = end_record(0, 0, 0)
 NOISE = bytes(range(256)) * 8
 
 ARCHIVES = {
@@ -164,6 +171,14 @@ ARCHIVES = {
     "beginning-cut-off": cut(SOUND, start=20),
     "bytes-in-front": b"#!/bin/sh\n" + SOUND,
     "bytes-behind": SOUND + b"\0",
+    "bytes-behind-beyond-reach": SOUND + bytes(70_000),
+    "end-record-behind-cut-off": SOUND + b"\0" + SECOND_END[:8],
+    "zip64-records-behind": SOUND + zip64_records(0, 0, 0),
+    "item-behind": SOUND + A.local_bytes(),
+    "archive-behind": SOUND + b"\0" + archive(A, shift=len(SOUND) + 1),
+    "directory-within-content-with-bytes-behind": directory_within_content() + b"\0",
+    "archive-within-bytes-around": archive(Item("a", archive(Item("b"))), front=b"#!/bin/sh\n") + b"\n",
+    "zip64-archive-within-bytes-behind": archive(Item("a", archive(Item("b"))), zip64=lambda c, s, o: (c, s, o)) + b"\n",
     "comment-longer-than-archive": archive(A, comment=b"abc", comment_size=40),
     "directory-within-content": directory_within_content(),
     "second-end-record-in-comment": second_end_record(),
@@ -270,6 +285,8 @@ ARCHIVES = {
     "bytes-behind-empty-deflate": archive(Item("a", deflated(b"") + b"hidden", local=dict(method=DEFLATE),
                                                central=dict(method=DEFLATE), size=0, crc=0)),
     "checksum-wrong": archive(Item("a", crc=0)),
+    "deflate-unfinished": archive(Item("a", unfinished(b"content"), size=7, crc=zlib.crc32(b"content"),
+                                       local=dict(method=DEFLATE), central=dict(method=DEFLATE))),
     "deflate-damaged": archive(Item("a", b"\x07 is no block type", method=STORE, local=dict(method=DEFLATE),
                                     central=dict(method=DEFLATE))),
     "encrypted": archive(Item("a", flags=1)),

@@ -18,6 +18,20 @@ struct ZipOptions {
     /// The same operations give the same bytes: what is written gets a fixed time stamp.
     bool deterministic = false;
 
+    /// Takes these archives too, which break the standard but which all programs read alike, and tells of each by
+    /// `ZipPackage::getOddities`:
+    ///
+    /// - Up to 64 KiB, less the comment of the archive, stand behind the end record. They aren't read, and the next
+    ///   save drops them. A record among them refuses the archive, and so do bytes in front of the items or records
+    ///   of ZIP64 besides: which end record counts isn't certain then.
+    /// - The compressed data of an item ends without the last block of Deflate. The content is read if it has the
+    ///   size and the checksum that the directory says. A save that keeps the item copies it as it is.
+    /// - An item is encrypted, or compressed by another method than Store and Deflate. It stays through every save;
+    ///   reading it fails, with the code 95.
+    ///
+    /// All else that `ZipPackage` refuses is refused here too.
+    bool lenient = false;
+
     /// @name Limits on what is opened, for hostile files. Exceeding one fails the `open`. A part can't be created whose
     /// name or number would. What would exceed the ratio when it is written is stored instead.
     /// @{

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/interfaces/Oddity.hpp>
 #include <opc/physical/ZipExport.hpp>
 #include <opc/physical/ZipOptions.hpp>
 
@@ -91,6 +92,9 @@ public:
 
     /// Those of `ignoredItems` that are items, but for folders: nothing is read from these.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
+
+    /// What `ZipOptions::lenient` has let pass so far, with the items that have been read until now.
+    std::vector<interfaces::Oddity> getOddities() override;
 
     /// What the archive of the open package holds beside parts and the content types stream: items first, then other
     /// bytes. All of it stays through a save, but for bytes that belong to no item, and for extra fields and comments
