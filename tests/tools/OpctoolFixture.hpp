@@ -39,12 +39,12 @@ protected:
 
     void write(const char* name, const std::string& text) const { writeFile(folder / name, text); }
 
-    /// The command fails with this one line, and leaves the file as it is.
+    /// The command fails with this one line about the package, and leaves its file as it is.
     void expectFailure(const std::string& arguments, const std::string& line, const char* file) const {
         const auto before = readFile(folder / file);
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 3) << arguments;
-        EXPECT_EQ(outcome.errors, "opctool: " + line + "\n") << arguments;
+        EXPECT_EQ(outcome.errors, "opctool: " + std::string(file) + ": " + line + "\n") << arguments;
         EXPECT_EQ(outcome.output, "") << arguments;
         EXPECT_EQ(readFile(folder / file), before) << arguments;
     }

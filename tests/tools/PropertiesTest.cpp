@@ -88,7 +88,7 @@ TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
         {"--clear --unset none", 2, "--unset: none is no property"},
         {"--clear --json", 2, "--json excludes --clear"},
         {"--set title=u extra", 2, ""},
-        {"--set \"title=$(printf '\\001')\"", 3, "opctool: InvalidPartContent: "},
+        {"--set \"title=$(printf '\\001')\"", 3, "opctool: p.zip: InvalidPartContent: "},
     };
     for (const auto& [arguments, status, errors] : cases) {
         const Outcome outcome = run(std::string("props p.zip ") + arguments);
@@ -189,8 +189,10 @@ TEST_F(Opctool, propsOfOfficeDocumentsAreAFixedPoint) {
         const json before = list("props " + name);
         // A program that gives the relationship a type of its own: the package counts as having none.
         const std::size_t added = before.empty() ? 1 : 0;
-        EXPECT_EQ(run("props " + name).errors.rfind("opctool: warning: /docProps/core.xml has ", 0) == 0,
-                  before.empty());
+        EXPECT_EQ(
+            run("props " + name).errors.rfind("opctool: " + name + ": warning: /docProps/core.xml has ", 0) ==
+                0,
+            before.empty());
         const std::size_t relationships = list("rels " + name).size();
         const std::size_t parts = list("ls " + name).size();
         EXPECT_EQ(run("props " + name + " --set title='A new title'").status, 0);

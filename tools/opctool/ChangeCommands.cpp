@@ -28,7 +28,7 @@ using opc::model::RelationshipSource;
 using opc::model::URI;
 
 struct Arguments {
-    std::string package;
+    PackageArgument package;
     std::string part;
     std::string file;
     std::string contentType;
@@ -41,8 +41,8 @@ struct Arguments {
 };
 
 void create(const Arguments& arguments) {
-    if (!arguments.force && std::filesystem::exists(arguments.package))
-        throw opc::Exception(arguments.package + " exists already; --force replaces it",
+    if (!arguments.force && std::filesystem::exists(arguments.package.path))
+        throw opc::Exception("The file exists already; --force replaces it",
                              make_error_code(boost::system::errc::file_exists));
     OpenedPackage package(arguments.package, OpenMode::CreateOnly);
     package.save();
@@ -112,11 +112,11 @@ void unrelate(const Arguments& arguments) {
     package.save();
 }
 
-/// Declares a command that works on a package.
+/// Declares a command that changes a package.
 CLI::App* addCommand(CLI::App& app, const char* name, const char* what, void (*run)(const Arguments&),
                      const std::shared_ptr<Arguments>& arguments) {
     CLI::App* command = app.add_subcommand(name, what);
-    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    addPackage(*command, arguments->package);
     command->callback([run, arguments] { run(*arguments); });
     return command;
 }
@@ -127,8 +127,10 @@ void addChangeCommands(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
     const char* const sourceHelp = "A part name; \"/\" is the package itself";
 
-    CLI::App* command = addCommand(app, "new", "Make a package without parts", create, arguments);
+    CLI::App* command = app.add_subcommand("new", "Make a package without parts");
+    command->add_option("PACKAGE", arguments->package.path, "The package's file")->required();
     command->add_flag("--force", arguments->force, "Replace a file that exists");
+    command->callback([arguments] { create(*arguments); });
 
     command = addCommand(app, "add", "Add a part with the content of a file", add, arguments);
     command->add_option("PART", arguments->part, "The new part's name, such as /doc/image.png")->required();

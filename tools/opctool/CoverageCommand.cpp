@@ -219,7 +219,7 @@ void printJSON(const Report& report) {
 
 void addCoverageCommand(CLI::App& app) {
     struct Arguments {
-        std::string package;
+        PackageArgument package;
         bool json = false;
     };
     const auto arguments = std::make_shared<Arguments>();
@@ -227,7 +227,7 @@ void addCoverageCommand(CLI::App& app) {
         "coverage", "Tell for every part and relationship which signatures cover it, and what none covers.\n"
                     "A part is covered if its digest stands in what the signature value protects.\n" +
                         std::string(LIMITS) + "Exit status: 0 whatever the report says");
-    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    addPackage(*command, arguments->package);
     command->add_flag("--json", arguments->json, "Print a JSON object");
     command->callback([arguments] {
         SignedPackage package(arguments->package, opc::interfaces::OpenMode::ReadOnly);

@@ -92,10 +92,10 @@ ordered_json listIgnored(const OpenedPackage& package) {
     return list;
 }
 
-ordered_json describePackage(const PackageToRead& toRead) {
-    OpenedPackage package(toRead);
-    ordered_json description = {{"file", toRead.path},
-                                {"size", std::filesystem::file_size(toRead.path)},
+ordered_json describePackage(const PackageArgument& argument) {
+    OpenedPackage package(argument, opc::interfaces::OpenMode::ReadOnly);
+    ordered_json description = {{"file", argument.path},
+                                {"size", std::filesystem::file_size(argument.path)},
                                 {"parts", countParts(*package)},
                                 {"relationships", countRelationships(*package)}};
     // An overview of a package whose properties are bad is worth more than none.
@@ -153,13 +153,14 @@ void printIgnored(const ordered_json& ignored) {
     table.print(std::cout, outputIsTerminal());
 }
 
-void info(const PackageToRead& toRead, bool asJSON) {
-    const ordered_json description = describePackage(toRead);
+void info(const PackageArgument& argument, bool asJSON) {
+    const ordered_json description = describePackage(argument);
     if (asJSON) {
         std::cout << escapedJSON(description.dump(2)) << '\n';
         return;
     }
-    std::cout << withoutControlCharacters(toRead.path) << ": " << grouped(description["size"]) << " bytes\n";
+    std::cout << withoutControlCharacters(argument.path) << ": " << grouped(description["size"])
+              << " bytes\n";
     printParts(description["parts"]);
     printRelationships(description["relationships"]);
     std::cout << "\nThumbnails: " << description["thumbnails"].size() << '\n';
@@ -173,12 +174,12 @@ void info(const PackageToRead& toRead, bool asJSON) {
 
 void addInfoCommand(CLI::App& app) {
     struct Arguments {
-        PackageToRead package;
+        PackageArgument package;
         bool json = false;
     };
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand("info", "Give an overview of a package");
-    addPackageToRead(*command, arguments->package);
+    addPackage(*command, arguments->package);
     command->add_flag("--json", arguments->json, "Print a JSON object");
     command->callback([arguments] { info(arguments->package, arguments->json); });
 }

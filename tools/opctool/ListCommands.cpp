@@ -23,6 +23,7 @@ namespace {
 
 using nlohmann::ordered_json;
 using opc::toUDEString;
+using opc::interfaces::OpenMode;
 using opc::model::Part;
 using opc::model::Relationship;
 using opc::model::RelationshipSource;
@@ -33,12 +34,12 @@ void printJSON(const ordered_json& list) {
 }
 
 struct LsArguments {
-    PackageToRead package;
+    PackageArgument package;
     bool json = false;
 };
 
 void ls(const LsArguments& arguments) {
-    OpenedPackage package(arguments.package);
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
     ordered_json list = ordered_json::array();
     for (const Part& part : package->getParts())
         list.push_back({{"name", toUDEString(part.getName().toString())},
@@ -57,7 +58,7 @@ void ls(const LsArguments& arguments) {
 }
 
 struct RelsArguments {
-    PackageToRead package;
+    PackageArgument package;
     std::string source = "/";
     bool all = false;
     bool json = false;
@@ -77,7 +78,7 @@ ordered_json describe(const Relationship& relationship) {
 }
 
 void rels(const RelsArguments& arguments) {
-    OpenedPackage package(arguments.package);
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
     const auto forEachSource = [&](const auto& visit) {
         package.withSource(arguments.source, visit);
         if (arguments.all)
@@ -110,12 +111,12 @@ void rels(const RelsArguments& arguments) {
 }
 
 struct CatArguments {
-    PackageToRead package;
+    PackageArgument package;
     std::string part;
 };
 
 void cat(const CatArguments& arguments) {
-    OpenedPackage package(arguments.package);
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
     const Part part = package->getPart(opc::model::PartName(fromArgument(arguments.part)));
     opc::StreamHelper::copyStreamToStream(part.getInputStream(), std::cout);
 }
@@ -125,13 +126,13 @@ void cat(const CatArguments& arguments) {
 void addListCommands(CLI::App& app) {
     auto lsArguments = std::make_shared<LsArguments>();
     CLI::App* lsCommand = app.add_subcommand("ls", "List the parts: name, content type, size, relationships");
-    addPackageToRead(*lsCommand, lsArguments->package);
+    addPackage(*lsCommand, lsArguments->package);
     lsCommand->add_flag("--json", lsArguments->json, "Print a JSON array");
     lsCommand->callback([lsArguments] { ls(*lsArguments); });
 
     auto relsArguments = std::make_shared<RelsArguments>();
     CLI::App* relsCommand = app.add_subcommand("rels", "List the relationships of the package or of a part");
-    addPackageToRead(*relsCommand, relsArguments->package);
+    addPackage(*relsCommand, relsArguments->package);
     CLI::Option* source =
         relsCommand->add_option("SOURCE", relsArguments->source, "A part name; \"/\" is the package itself");
     relsCommand->add_flag("--all", relsArguments->all, "The package and every part")->excludes(source);
@@ -140,7 +141,7 @@ void addListCommands(CLI::App& app) {
 
     auto catArguments = std::make_shared<CatArguments>();
     CLI::App* catCommand = app.add_subcommand("cat", "Write the content of a part to standard output");
-    addPackageToRead(*catCommand, catArguments->package);
+    addPackage(*catCommand, catArguments->package);
     catCommand->add_option("PART", catArguments->part, "A part name")->required();
     catCommand->callback([catArguments] { cat(*catArguments); });
 }

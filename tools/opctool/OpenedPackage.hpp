@@ -1,46 +1,26 @@
 #pragma once
 
+#include "PackageFile.hpp"
+
 #include <opc/model/Package.hpp>
-#include <opc/physical/LenientPackage.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
-
 namespace opctool {
-
-/// The package of a command that changes nothing, as it is given on the command line.
-struct PackageToRead {
-    std::string path;
-    bool lenient = false;
-};
-
-/// Declares the arguments of such a command for its package.
-/// @return the option `--lenient`
-CLI::Option* addPackageToRead(CLI::App& command, PackageToRead& package);
 
 /// The package of one command: opened when it is made. Unless `save` was called, it is left as it was.
 class OpenedPackage {
 public:
-    /// @param path  as it came from the command line
-    OpenedPackage(const std::string& path, opc::interfaces::OpenMode mode);
-
-    /// Leniently, it prints a line on standard error for each item that is hidden. Otherwise the failure that
-    /// leniency would have avoided names the option.
-    explicit OpenedPackage(const PackageToRead& toRead);
+    OpenedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode);
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
 
     /// What the container holds beside the parts.
     const std::vector<opc::physical::ZipPackage::IgnoredItem>& ignoredItems() const {
-        return archive.ignoredItems();
+        return file.ignoredItems();
     }
 
     /// Closes the package and writes what has changed.
@@ -52,8 +32,7 @@ public:
     void withSource(const std::string& name, Use use);
 
 private:
-    opc::physical::ZipPackage archive;
-    opc::physical::LenientPackage lenientArchive;
+    PackageFile file;
     opc::model::Package package;
 };
 

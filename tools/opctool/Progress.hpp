@@ -46,11 +46,15 @@ public:
     }
     std::vector<opc::interfaces::IPhysicalPart*> getParts() override;
     void open(const opc::interfaces::OpenMode& mode) override { package.open(mode); }
-    void close(bool abandon) override { package.close(abandon); }
+    void close(bool abandon) override {
+        progress.hide(); // the other may print
+        package.close(abandon);
+    }
     opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                                const opc::interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override { package.deletePart(name); }
     std::vector<opc::interfaces::IgnoredItem> getIgnoredItems() override { return package.getIgnoredItems(); }
+    std::vector<opc::interfaces::Oddity> getOddities() override { return package.getOddities(); }
 
 private:
     class WatchedPart;

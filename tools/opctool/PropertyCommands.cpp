@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Messages.hpp"
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
@@ -28,7 +29,7 @@ using opc::model::PackageHelper;
 using opc::model::Part;
 
 struct Arguments {
-    PackageToRead package;
+    PackageArgument package;
     bool json = false;
     bool clear = false;
     std::vector<std::string> unset;
@@ -44,20 +45,20 @@ bool hasCoreProperties(const Package& package) {
 
 /// Some programs lead to their core properties by a relationship of another type than the standard's: the
 /// package has none then, and new ones stand beside those.
-void warnOfCorePropertiesOutOfReach(const Package& package) {
+void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& package) {
     if (hasCoreProperties(package))
         return;
     for (const Part& part : package.getParts())
         if (part.getContentType() == PackageHelper::getCorePropertiesContentType())
-            std::cerr
-                << "opctool: warning: " << opc::toUDEString(part.getName().toString())
-                << " has the content type of core properties, but no relationship of their type leads to "
-                   "it; it is left alone\n";
+            tell(path,
+                 "warning: " + opc::toUDEString(part.getName().toString()) +
+                     " has the content type of core properties, but no relationship of their type leads "
+                     "to it; it is left alone");
 }
 
 void print(const Arguments& arguments) {
-    OpenedPackage package(arguments.package);
-    warnOfCorePropertiesOutOfReach(*package);
+    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
+    warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
     const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
     if (arguments.json)
         std::cout << escapedJSON(description.dump(2)) << '\n';
@@ -66,8 +67,8 @@ void print(const Arguments& arguments) {
 }
 
 void change(const Arguments& arguments) {
-    OpenedPackage package(arguments.package.path, OpenMode::ReadWrite);
-    warnOfCorePropertiesOutOfReach(*package);
+    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+    warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
     CoreProperties properties;
     if (!arguments.clear) // what is to be dropped needn't be readable
         properties = PackageHelper::getCoreProperties(*package);
@@ -92,26 +93,22 @@ void change(const Arguments& arguments) {
 void addPropertyCommands(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand("props", "Print the core properties, or change them");
-    CLI::Option* lenient = addPackageToRead(*command, arguments->package);
+    addPackage(*command, arguments->package);
     CLI::Option* json = command->add_flag("--json", arguments->json, "Print a JSON object");
     command->add_flag("--clear", arguments->clear, "Drop all properties, before anything else is done")
-        ->excludes(json)
-        ->excludes(lenient);
+        ->excludes(json);
     addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property, before any is set")
         ->check(checkProperty)
-        ->excludes(json)
-        ->excludes(lenient);
+        ->excludes(json);
     addRepeatable(command, "--set", arguments->set,
                   "NAME=VALUE: set one property. A time is any W3CDTF (2024, 2024-02-29, "
                   "2024-02-29T13:45:59+01:00 …) or now")
         ->check(checkAssignment)
-        ->excludes(json)
-        ->excludes(lenient);
+        ->excludes(json);
     addRepeatable(command, "--keyword", arguments->keywords,
                   "TEXT or TEXT:LANGUAGE: a keyword; all that are given take the place of the old ones. "
                   "A colon at the end says that there is no language")
-        ->excludes(json)
-        ->excludes(lenient);
+        ->excludes(json);
     command->callback([arguments] { arguments->changes() ? change(*arguments) : print(*arguments); });
 }
 

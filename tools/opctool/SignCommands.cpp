@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Messages.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
@@ -41,7 +42,7 @@ struct Selection {
 };
 
 struct SignArguments {
-    std::string package;
+    PackageArgument package;
     SigningArguments signing;
     std::vector<std::string> parts;
     std::vector<std::string> relationships;
@@ -148,11 +149,11 @@ void sign(const SignArguments& arguments) {
     const bool carriesForeign = signatures.hasForeignSignatures();
     package.save();
     if (breaksCountersignature)
-        std::cerr << "opctool: warning: the countersignature doesn't hold any longer\n";
+        tell(arguments.package.path, "warning: the countersignature doesn't hold any longer");
     if (carriesForeign)
-        std::cerr
-            << "opctool: warning: the package carries signatures in another form, which aren't read: they "
-               "may not hold any longer\n";
+        tell(arguments.package.path,
+             "warning: the package carries signatures in another form, which aren't read: they may not hold "
+             "any longer");
     print(signature);
 }
 
@@ -166,7 +167,7 @@ void countersign(const SignArguments& arguments) {
 }
 
 struct UnsignArguments {
-    std::string package;
+    PackageArgument package;
     std::string name;
     bool all = false;
     bool countersignature = false;
@@ -190,9 +191,9 @@ void unsign(const UnsignArguments& arguments) {
     package.save();
 }
 
-CLI::App* addCommand(CLI::App& app, const char* name, const char* what, std::string& package) {
+CLI::App* addCommand(CLI::App& app, const char* name, const char* what, PackageArgument& package) {
     CLI::App* command = app.add_subcommand(name, what);
-    command->add_option("PACKAGE", package, "The package's file")->required();
+    addPackage(*command, package);
     return command;
 }
 

@@ -2,14 +2,13 @@
 
 namespace opctool {
 
-SignedPackage::SignedPackage(const std::string& path, opc::interfaces::OpenMode mode)
-    : archive(path), watched(archive, progress), package(watched), manager(package) {
-    package.open(mode);
+SignedPackage::SignedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode)
+    : file(argument), watched(file, progress), package(watched), manager(package) {
+    file.open(package, mode);
 }
 
 void SignedPackage::save() {
     package.close(false);
-    progress.hide();
 }
 
 } // namespace opctool

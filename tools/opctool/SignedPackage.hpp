@@ -1,12 +1,10 @@
 #pragma once
 
+#include "PackageFile.hpp"
 #include "Progress.hpp"
 
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
-#include <opc/physical/ZipPackage.hpp>
-
-#include <string>
 
 namespace opctool {
 
@@ -14,8 +12,7 @@ namespace opctool {
 /// left as it was. What takes long shows its progress on a terminal.
 class SignedPackage {
 public:
-    /// @param path  as it came from the command line
-    SignedPackage(const std::string& path, opc::interfaces::OpenMode mode);
+    SignedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode);
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
@@ -25,7 +22,7 @@ public:
     void save();
 
 private:
-    opc::physical::ZipPackage archive;
+    PackageFile file;
     Progress progress;
     WatchedPackage watched;
     opc::model::Package package;

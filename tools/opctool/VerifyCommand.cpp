@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "CoverageText.hpp"
 #include "KeyFiles.hpp"
+#include "Messages.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
@@ -41,7 +42,7 @@ using opc::model::SignerEvidence;
 using opc::model::VerdictReason;
 
 struct Arguments {
-    std::string package;
+    PackageArgument package;
     std::string publicKey;
     Trust trust;
     std::vector<std::string> fingerprints;
@@ -149,10 +150,10 @@ void print(const std::string& package, const SignatureVerdict& verdict, const or
 }
 
 /// The reasons that no row of the list holds.
-void printReasonsOfPackage(const SignatureVerdict& verdict) {
+void tellReasonsOfPackage(const std::string& package, const SignatureVerdict& verdict) {
     for (const VerdictReason& reason : verdict.getReasons())
         if (reason.signature.empty() && !reason.leavesOpen())
-            std::cerr << "opctool: no: " << withoutControlCharacters(reason.text) << '\n';
+            tell(package, "no: " + reason.text);
 }
 
 bool isUnreadable(const SignatureVerdict& verdict) {
@@ -160,7 +161,7 @@ bool isUnreadable(const SignatureVerdict& verdict) {
 }
 
 /// Fails with all that couldn't be read or checked.
-[[noreturn]] void failOpen(const std::string& package, const SignatureVerdict& verdict) {
+[[noreturn]] void failOpen(const SignatureVerdict& verdict) {
     constexpr std::size_t TOLD = 5; // a small package can have very many bad signatures
     std::string text;
     std::size_t count = 0;
@@ -169,24 +170,24 @@ bool isUnreadable(const SignatureVerdict& verdict) {
             text += (count == 1 ? "" : "; ") + reason.text;
     if (count > TOLD)
         text += "; and " + std::to_string(count - TOLD) + " more";
-    throw opc::model::InvalidSignature(package + ": " + text, verdict.getReasons().front().code);
+    throw opc::model::InvalidSignature(text, verdict.getReasons().front().code);
 }
 
 void verify(const Arguments& arguments) {
     const SignatureVerdict verdict = judge(arguments);
     if (isUnreadable(verdict))
-        failOpen(arguments.package, verdict);
+        failOpen(verdict);
     ordered_json list = ordered_json::array();
     for (const JudgedSignature& judged : verdict.getSignatures())
         list.push_back(describe(judged));
     if (arguments.json) {
         std::cout << escapedJSON(list.dump(2)) << '\n';
-        printReasonsOfPackage(verdict);
+        tellReasonsOfPackage(arguments.package.path, verdict);
     } else {
-        print(arguments.package, verdict, list);
+        print(arguments.package.path, verdict, list);
     }
     if (verdict.getAnswer() == SignatureVerdict::Answer::CannotTell)
-        failOpen(arguments.package, verdict);
+        failOpen(verdict);
     if (!verdict.isYes())
         throw AnswerIsNo();
 }
@@ -200,7 +201,7 @@ void addVerifyCommand(CLI::App& app) {
         "Check the signatures of a package, and tell what none that holds covers. Exit status: 0 all\n"
         "hold, 1 one doesn't or there are none, 3 one can't be checked. Which signature covers what,\n"
         "opctool coverage says");
-    command->add_option("PACKAGE", arguments->package, "The package's file")->required();
+    addPackage(*command, arguments->package);
     CLI::Option* publicKey =
         command
             ->add_option("--public", arguments->publicKey,

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Messages.hpp"
 #include "Signals.hpp"
 #include "TerminalText.hpp"
 
@@ -27,9 +28,28 @@ std::string className(const std::exception& failure) {
     return name.substr(name.rfind(':') + 1);
 }
 
-int fail(const std::exception& failure) {
-    std::cerr << "opctool: " << className(failure) << ": "
-              << opctool::withoutControlCharacters(failure.what()) << '\n';
+/// The package's file that the command was given; empty if it takes none.
+std::string packageOf(const CLI::App& app) {
+    for (const CLI::App* command : app.get_subcommands())
+        if (const CLI::Option* package = command->get_option_no_throw("PACKAGE"))
+            return package->as<std::string>();
+    return {};
+}
+
+/// The message without the name of the package's file in front, which what reads files puts there.
+std::string messageOf(const std::exception& failure, const std::string& package) {
+    std::string message = failure.what();
+    const std::string place = package + ": ";
+    if (message.compare(0, place.size(), place) == 0)
+        message.erase(0, place.size());
+    const auto* const own = dynamic_cast<const opc::Exception*>(&failure);
+    if (own != nullptr && *own->details() != '\0')
+        message += std::string("; ") + own->details();
+    return message;
+}
+
+int fail(const std::exception& failure, const std::string& package) {
+    opctool::tell(package, className(failure) + ": " + messageOf(failure, package));
     return FAILURE;
 }
 
@@ -80,6 +100,6 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return answer(app, e);
     } catch (const std::exception& e) {
-        return fail(e);
+        return fail(e, packageOf(app));
     }
 }

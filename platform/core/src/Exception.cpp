@@ -6,6 +6,11 @@ Exception::Exception(const std::string& message, boost::system::error_code code)
     : std::runtime_error(message), errorCode(code) {
 }
 
+void Exception::addDetails(const std::string& phrase) {
+    if (!phrase.empty())
+        detailText = std::make_shared<const std::string>(detailText ? *detailText + "; " + phrase : phrase);
+}
+
 // Here, so that there is one type information of the class in the program.
 Exception::~Exception() = default;
 

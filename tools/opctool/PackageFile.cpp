@@ -1,0 +1,76 @@
+#include "PackageFile.hpp"
+
+#include "Messages.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/model/Package.hpp>
+
+#include <CLI/CLI.hpp>
+
+#include <utility>
+
+namespace opctool {
+
+using opc::interfaces::IPhysicalPackage;
+using opc::interfaces::Oddity;
+using opc::interfaces::OpenMode;
+
+namespace {
+
+bool opensLeniently(const std::string& path) {
+    opc::physical::ZipPackage archive(path);
+    opc::physical::LenientPackage lenient(archive);
+    opc::model::Package package(lenient);
+    try {
+        package.open(OpenMode::ReadOnly);
+        return true;
+    } catch (const opc::Exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
+void addPackage(CLI::App& command, PackageArgument& package) {
+    command.add_option("PACKAGE", package.path, "The package's file")->required();
+    CLI::Option* strict = command.add_flag(
+        "--strict", package.strict, "Refuse what breaks the standard, also where its meaning is plain");
+    command.add_flag("--lenient", "The opposite, as without either: take it, with a line on standard error")
+        ->excludes(strict);
+}
+
+PackageFile::PackageFile(PackageArgument itsArgument)
+    : argument(std::move(itsArgument)), archive(argument.path), lenient(archive),
+      store(argument.strict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
+}
+
+void PackageFile::open(opc::model::Package& package, OpenMode mode) const {
+    try {
+        package.open(mode);
+    } catch (opc::Exception& e) {
+        if (argument.strict && opensLeniently(argument.path))
+            e.addDetails("--lenient opens the package all the same");
+        throw;
+    }
+}
+
+void PackageFile::open(const OpenMode& mode) {
+    hasToldOddities = false;
+    store.open(mode);
+}
+
+void PackageFile::close(bool abandon) {
+    if (!std::exchange(hasToldOddities, true))
+        tellOddities(argument.path, getOddities());
+    store.close(abandon);
+}
+
+std::vector<Oddity> PackageFile::getOddities() {
+    std::vector<Oddity> oddities = store.getOddities();
+    if (!argument.strict)
+        for (const auto& item : lenient.hiddenItems())
+            oddities.push_back({{}, item.name, 0, item.reason, "hidden"});
+    return oddities;
+}
+
+} // namespace opctool
