@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -21,10 +22,20 @@ Number numberAt(const unsigned char* place) {
 constexpr std::size_t END_SIZE = 22;
 constexpr std::size_t ENTRY_SIZE = 46;
 constexpr std::size_t HEADER_SIZE = 30;
+constexpr std::size_t TAIL_SIZE = END_SIZE + 20 + 56; // with the ZIP64 records, if they are there
 
 void require(bool success, const char* what) {
     if (!success)
         throw std::runtime_error(what);
+}
+
+/// The last end record, with whatever comment.
+const unsigned char* findEnd(const std::vector<unsigned char>& tail) {
+    constexpr std::string_view SIGNATURE = "PK\5\6";
+    const std::string_view text(reinterpret_cast<const char*>(tail.data()), tail.size());
+    const std::size_t place = text.rfind(SIGNATURE);
+    require(place != std::string_view::npos && text.size() - place >= END_SIZE, "no end record");
+    return tail.data() + place;
 }
 
 } // namespace
@@ -36,14 +47,14 @@ RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_s
     ::fstat(file, &status);
     std::vector<unsigned char> bytes;
     const auto size = static_cast<std::uint64_t>(status.st_size);
-    constexpr std::size_t TAIL_SIZE = END_SIZE + 20 + 56; // with the ZIP64 records, if they are there
-    read(size - TAIL_SIZE, TAIL_SIZE, bytes);
-    const unsigned char* end = bytes.data() + TAIL_SIZE - END_SIZE;
+    const auto tailSize = static_cast<std::size_t>(std::min<std::uint64_t>(size, TAIL_SIZE));
+    read(size - tailSize, tailSize, bytes);
+    const unsigned char* end = findEnd(bytes);
     auto count = static_cast<std::uint64_t>(numberAt<std::uint16_t>(end + 10));
     const auto length = numberAt<std::uint32_t>(end + 12);
     const auto offset = numberAt<std::uint32_t>(end + 16);
     if (count == 0xFFFF)
-        count = numberAt<std::uint64_t>(bytes.data() + 32);
+        count = numberAt<std::uint64_t>(end - 20 - 56 + 32);
     read(offset, length, bytes);
     items.reserve(count);
     for (const unsigned char* entry = bytes.data(); items.size() < count;) {
@@ -70,9 +81,13 @@ void RawArchive::read(std::uint64_t offset, std::size_t count, std::vector<unsig
 std::string_view RawArchive::content(const Item& item) {
     // The extra fields of a local header may be longer than those of the directory: there is room for some.
     constexpr std::size_t ROOM = 64;
-    read(item.offset, HEADER_SIZE + item.name.size() + ROOM + item.compressedSize, compressed);
-    const unsigned char* data = compressed.data() + HEADER_SIZE + numberAt<std::uint16_t>(&compressed[26]) +
-                                numberAt<std::uint16_t>(&compressed[28]);
+    const std::size_t longest = HEADER_SIZE + item.name.size() + ROOM;
+    read(item.offset, longest + item.compressedSize, compressed);
+    const std::size_t header =
+        HEADER_SIZE + numberAt<std::uint16_t>(&compressed[26]) + numberAt<std::uint16_t>(&compressed[28]);
+    if (header > longest)
+        read(item.offset, header + item.compressedSize, compressed);
+    const unsigned char* data = compressed.data() + header;
     if (item.method == 0)
         return {reinterpret_cast<const char*>(data), item.size};
     plain.resize(item.size);
