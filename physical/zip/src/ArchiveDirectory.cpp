@@ -52,7 +52,8 @@ private:
     DirectoryEnd end;
     std::uint64_t position; ///< of the entry to read
     std::uint64_t entryNumber = 0;
-    std::vector<unsigned char> block; ///< of the directory, which is read in pieces of this size
+    std::vector<unsigned char> buffer;
+    const unsigned char* block = nullptr; ///< of the directory, which is read in pieces of this size
     std::uint64_t blockStart = 0;
     std::size_t blockSize = 0;
 };
@@ -120,12 +121,10 @@ const unsigned char* DirectoryReader::lookAt(std::size_t count) {
         failDirectory(place, "shorter than its items");
     if (position + count > blockStart + blockSize) {
         blockSize = static_cast<std::size_t>(std::min<std::uint64_t>(left, BLOCK));
-        if (block.size() < blockSize)
-            block.resize(blockSize);
         blockStart = position;
-        readRecord(archive, place, blockStart, block.data(), blockSize);
+        block = lookAtRecord(archive, place, blockStart, buffer, blockSize);
     }
-    return block.data() + (position - blockStart);
+    return block + (position - blockStart);
 }
 
 void DirectoryReader::readName(std::string_view stored, DirectoryEntry& entry) {

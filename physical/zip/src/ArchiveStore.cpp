@@ -25,6 +25,20 @@ void requireRegular(const std::string& place, const struct stat& status) {
         fail(place, "can't open: not a regular file", EINVAL);
 }
 
+/// What is no longer than this is read at once: nearly every document is, and it costs less than reading pieces.
+constexpr off_t LARGEST_READ_WHOLE = 128L << 10;
+
+/// Null if the file can't be read as a whole.
+std::shared_ptr<ByteSource> readWhole(const FileDescriptor& file, const FileIdentity& identity) {
+    const auto size = static_cast<std::size_t>(identity.size);
+    const std::shared_ptr<unsigned char> bytes(new unsigned char[size],
+                                               std::default_delete<unsigned char[]>());
+    std::size_t got = 0;
+    if (file.readAt(0, bytes.get(), size, got) != 0 || got != size)
+        return nullptr;
+    return std::make_shared<MemoryBytes>(bytes, size, identity);
+}
+
 class MemoryTarget : public ByteTarget {
 public:
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override {
@@ -57,7 +71,11 @@ std::shared_ptr<ByteSource> FileStore::read() {
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         failSystem(place(), "can't open", errno);
     requireRegular(place(), status);
-    return std::make_shared<FileBytes>(std::move(file), FileIdentity(status));
+    const FileIdentity identity(status);
+    if (status.st_size <= LARGEST_READ_WHOLE)
+        if (auto whole = readWhole(file, identity))
+            return whole;
+    return std::make_shared<FileBytes>(std::move(file), identity);
 }
 
 void FileStore::checkWritable() const {
@@ -89,9 +107,8 @@ void FileStore::requireUnchanged(const ByteSource& old) const {
     if (::stat(path.c_str(), &status) != 0)
         return; // nothing there that could be lost
     const FileIdentity now(status);
-    const auto* file = dynamic_cast<const FileBytes*>(&old);
     // What this package wrote itself stands there if no more than the sync of the folder has failed.
-    if (!(file && file->identity() == now) && !(lastWritten == now))
+    if (!(old.identity() == now) && !(lastWritten == now))
         fail(place(), "has been changed by another program since it was opened", ESTALE);
 }
 
@@ -102,7 +119,8 @@ fs::path FileStore::temporaryFolder() const {
 std::shared_ptr<ByteSource> MemoryStore::read() {
     if (archive->empty())
         failSystem(place(), "can't open", ENOENT);
-    return std::make_shared<MemoryBytes>(archive);
+    return std::make_shared<MemoryBytes>(std::shared_ptr<const unsigned char>(archive, archive->data()),
+                                         archive->size());
 }
 
 void MemoryStore::replace(const ByteSource* /*old*/, const std::function<void(ByteTarget&)>& write) {

@@ -6,27 +6,32 @@ namespace opc::physical::zip {
 
 int FileBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                       std::size_t& got) noexcept {
-    const bool goesOn = offset >= lastEnd && offset - lastEnd < window.size();
+    const bool goesOn = offset >= lastEnd && offset - lastEnd < READ_AHEAD;
     lastEnd = offset + count;
     if (offset < windowStart || offset + count > windowStart + windowSize) {
-        if (!goesOn || count >= window.size())
+        const bool isEnd = offset + count == size() && count <= LARGEST_WINDOW;
+        if (!isEnd && (!goesOn || count >= READ_AHEAD))
             return file.readAt(offset, buffer, count, got);
-        windowSize = 0;
-        windowStart = offset;
-        if (const int error = file.readAt(offset, window.data(), window.size(), windowSize))
+        if (const int error = moveWindow(offset, isEnd ? count : READ_AHEAD))
             return error;
     }
     const auto start = static_cast<std::size_t>(offset - windowStart);
     got = std::min(count, windowSize - start);
-    std::copy_n(window.data() + start, got, buffer);
+    std::copy_n(window.get() + start, got, buffer);
     return 0;
+}
+
+int FileBytes::moveWindow(std::uint64_t offset, std::size_t count) noexcept {
+    windowSize = 0;
+    windowStart = offset;
+    return file.readAt(offset, window.get(), count, windowSize);
 }
 
 int MemoryBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                         std::size_t& got) noexcept {
-    const std::uint64_t left = bytes->size() - std::min<std::uint64_t>(offset, bytes->size());
+    const std::uint64_t left = length - std::min<std::uint64_t>(offset, length);
     got = static_cast<std::size_t>(std::min<std::uint64_t>(count, left));
-    std::copy_n(bytes->data() + (bytes->size() - left), got, buffer);
+    std::copy_n(bytes.get() + (length - left), got, buffer);
     return 0;
 }
 

@@ -3,11 +3,10 @@
 #include "FileDescriptor.hpp"
 #include "FileIdentity.hpp"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <utility>
 
 namespace opc::physical::zip {
 
@@ -26,19 +25,21 @@ public:
     /// The bytes in memory, good until they change; null if they don't lie there as a whole.
     virtual const unsigned char* inMemory() const noexcept { return nullptr; }
 
+    /// Of the file that the bytes come from, as it was when it was opened; of no file if there is none.
+    virtual FileIdentity identity() const noexcept { return {}; }
+
     /// The file that holds these bytes and no others; null if there is none.
     virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
 };
 
 /// The bytes of a file. Small reads that go on where the last one has ended, or a little behind, are served
-/// from a window.
+/// from a window, and so are those in the last read of the end, where the directory mostly lies.
 class FileBytes : public ByteSource {
 public:
-    FileBytes(FileDescriptor descriptor, const FileIdentity& fileIdentity) noexcept
-        : file(std::move(descriptor)), whenOpened(fileIdentity) {}
+    FileBytes(FileDescriptor descriptor, const FileIdentity& fileIdentity)
+        : file(std::move(descriptor)), whenOpened(fileIdentity), window(new unsigned char[LARGEST_WINDOW]) {}
 
-    /// Of the file when it was opened.
-    const FileIdentity& identity() const noexcept { return whenOpened; }
+    FileIdentity identity() const noexcept override { return whenOpened; }
 
     std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
@@ -46,9 +47,14 @@ public:
     const FileDescriptor* asFile() const noexcept override { return &file; }
 
 private:
+    static constexpr std::size_t LARGEST_WINDOW = 66 << 10; ///< holds an end record with the longest comment
+    static constexpr std::size_t READ_AHEAD = 16 << 10;
+
+    int moveWindow(std::uint64_t offset, std::size_t count) noexcept;
+
     FileDescriptor file;
     FileIdentity whenOpened;
-    std::array<unsigned char, 16384> window{};
+    std::unique_ptr<unsigned char[]> window;
     std::uint64_t windowStart = 0;
     std::size_t windowSize = 0;
     std::uint64_t lastEnd = 0; ///< of the last read
@@ -56,16 +62,21 @@ private:
 
 class MemoryBytes : public ByteSource {
 public:
-    explicit MemoryBytes(std::shared_ptr<const std::vector<unsigned char>> content) noexcept
-        : bytes(std::move(content)) {}
+    /// @param fileIdentity  of the file that they have been read from, if any
+    MemoryBytes(std::shared_ptr<const unsigned char> content, std::size_t count,
+                const FileIdentity& fileIdentity = {}) noexcept
+        : bytes(std::move(content)), length(count), whenRead(fileIdentity) {}
 
-    std::uint64_t size() const noexcept override { return bytes->size(); }
+    FileIdentity identity() const noexcept override { return whenRead; }
+    std::uint64_t size() const noexcept override { return length; }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
-    const unsigned char* inMemory() const noexcept override { return bytes->data(); }
+    const unsigned char* inMemory() const noexcept override { return bytes.get(); }
 
 private:
-    std::shared_ptr<const std::vector<unsigned char>> bytes;
+    std::shared_ptr<const unsigned char> bytes;
+    std::size_t length;
+    FileIdentity whenRead;
 };
 
 } // namespace opc::physical::zip

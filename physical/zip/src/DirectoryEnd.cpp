@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <iterator>
 #include <optional>
 #include <vector>
@@ -42,29 +43,53 @@ bool standsBehindItsDirectory(const EndRecord& end) {
 }
 
 /// The last bytes of an archive, as far as an end record can stand in front of its end.
-struct Tail {
-    std::uint64_t start = 0;
-    std::vector<unsigned char> bytes;
+class Tail {
+public:
+    Tail(ByteSource& archive, const std::string& place)
+        : size(static_cast<std::size_t>(
+              std::min<std::uint64_t>(archive.size(), DIRECTORY_END_SIZE + LONGEST_COMMENT))),
+          archiveSize(archive.size()), first(lookAtRecord(archive, place, archiveSize - size, buffer, size)) {
+    }
+    Tail(const Tail&) = delete;
+    Tail& operator=(const Tail&) = delete;
 
-    std::uint64_t end() const { return start + bytes.size(); }
-    const unsigned char* at(std::uint64_t offset) const { return bytes.data() + (offset - start); }
+    std::uint64_t archiveEnd() const { return archiveSize; }
+    const unsigned char* begin() const { return first; }
+    const unsigned char* end() const { return first + size; }
+    const unsigned char* at(std::uint64_t offset) const { return end() - (archiveSize - offset); }
+    std::uint64_t offsetOf(const unsigned char* byte) const {
+        return archiveSize - static_cast<std::uint64_t>(end() - byte);
+    }
+
+private:
+    std::vector<unsigned char> buffer; // for what isn't in memory already
+    std::size_t size;
+    std::uint64_t archiveSize;
+    const unsigned char* first;
 };
 
-Tail readTail(ByteSource& archive, const std::string& place) {
-    const std::uint64_t size = std::min<std::uint64_t>(archive.size(), DIRECTORY_END_SIZE + LONGEST_COMMENT);
-    Tail tail{archive.size() - size, std::vector<unsigned char>(static_cast<std::size_t>(size))};
-    readRecord(archive, place, tail.start, tail.bytes.data(), tail.bytes.size());
-    return tail;
+/// The last end record in front of another one, or of the end, to go by its signature alone; null if there is none.
+const unsigned char* findLastRecord(const unsigned char* begin, const unsigned char* end) {
+    constexpr std::ptrdiff_t LAST = 3; // of the bytes of the signature; rare in texts
+    while (end - begin > LAST) {
+        const auto room = static_cast<std::size_t>(end - begin - LAST);
+        const auto* last =
+            static_cast<const unsigned char*>(::memrchr(begin + LAST, DIRECTORY_END >> 24, room));
+        if (!last || read32(last - LAST) == DIRECTORY_END)
+            return last ? last - LAST : nullptr;
+        end = last;
+    }
+    return nullptr;
 }
 
 /// All end records, from the last one to the first.
 std::vector<EndRecord> findEndRecords(const Tail& tail) {
+    constexpr std::size_t BEHIND_SIGNATURE = DIRECTORY_END_SIZE - sizeof DIRECTORY_END;
     std::vector<EndRecord> records;
-    for (std::size_t left = DIRECTORY_END_SIZE; left <= tail.bytes.size(); ++left) {
-        const std::uint64_t offset = tail.end() - left;
-        if (read32(tail.at(offset)) == DIRECTORY_END)
-            records.push_back(readEndRecord(tail.at(offset), offset));
-    }
+    const unsigned char* record =
+        tail.end() - std::min<std::ptrdiff_t>(tail.end() - tail.begin(), BEHIND_SIGNATURE);
+    while ((record = findLastRecord(tail.begin(), record)) != nullptr)
+        records.push_back(readEndRecord(record, tail.offsetOf(record)));
     return records;
 }
 
@@ -91,7 +116,7 @@ bool canBeFollowed(const EndRecord& record, ByteSource& archive, const std::stri
 }
 
 void requireNoRecordBehind(const Tail& tail, std::uint64_t offset, const std::string& place) {
-    for (; offset + sizeof DIRECTORY_END <= tail.end(); ++offset) {
+    for (; offset + sizeof DIRECTORY_END <= tail.archiveEnd(); ++offset) {
         const std::uint32_t signature = read32(tail.at(offset));
         if (signature == DIRECTORY_END || signature == ZIP64_DIRECTORY_END || signature == ZIP64_LOCATOR)
             failDirectory(place, "another record stands behind the end record");
@@ -103,16 +128,17 @@ void requireNoRecordBehind(const Tail& tail, std::uint64_t offset, const std::st
 /// it needs to be taken for the end: an archive that is an item has one.
 /// @param lenient  whether the last one, if none reaches to the end, may end before
 EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool lenient) {
-    const Tail tail = readTail(archive, place);
+    const Tail tail(archive, place);
     std::vector<EndRecord> records = findEndRecords(tail);
     const auto reachesEnd = [&](const EndRecord& record) {
-        return record.directory.archiveEnd == tail.end();
+        return record.directory.archiveEnd == tail.archiveEnd();
     };
     const auto count = std::count_if(records.begin(), records.end(), reachesEnd);
     if (count > 1)
         failDirectory(place, "two end records");
-    if (count == 0 && (!lenient || records.empty() || records.front().directory.archiveEnd > tail.end() ||
-                       !canBeFollowed(records.front(), archive, place)))
+    if (count == 0 &&
+        (!lenient || records.empty() || records.front().directory.archiveEnd > tail.archiveEnd() ||
+         !canBeFollowed(records.front(), archive, place)))
         failWithoutEnd(archive, place, records);
     EndRecord& last = records.front();
     if ((count == 1 && !reachesEnd(last)) ||
@@ -199,6 +225,16 @@ std::string describeBytesBehind(std::uint64_t count) {
 
 void failDirectory(const std::string& place, const std::string& what) {
     fail(place, "can't read the directory of the archive: " + what, EBADMSG);
+}
+
+const unsigned char* lookAtRecord(ByteSource& archive, const std::string& place, std::uint64_t offset,
+                                  std::vector<unsigned char>& buffer, std::size_t count) {
+    if (const unsigned char* bytes = archive.inMemory())
+        return bytes + offset;
+    if (buffer.size() < count)
+        buffer.resize(count);
+    readRecord(archive, place, offset, buffer.data(), count);
+    return buffer.data();
 }
 
 void readRecord(ByteSource& archive, const std::string& place, std::uint64_t offset, unsigned char* buffer,

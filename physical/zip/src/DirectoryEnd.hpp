@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace opc::physical::zip {
 
@@ -27,6 +28,11 @@ std::string describeBytesBehind(std::uint64_t count);
 
 /// Raises for a directory that can't be read.
 [[noreturn]] void failDirectory(const std::string& place, const std::string& what);
+
+/// @return `count` bytes of the directory or the records behind it, which the archive has: where they lie in memory,
+/// else in `buffer`
+const unsigned char* lookAtRecord(ByteSource& archive, const std::string& place, std::uint64_t offset,
+                                  std::vector<unsigned char>& buffer, std::size_t count);
 
 /// Reads all of `count` bytes of a record of the directory.
 void readRecord(ByteSource& archive, const std::string& place, std::uint64_t offset, unsigned char* buffer,
