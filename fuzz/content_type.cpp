@@ -1,5 +1,7 @@
 #include "FuzzTarget.hpp"
 
+#include "names/ContentTypeGrammar.hpp"
+
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Errors.hpp>
 
@@ -30,12 +32,25 @@ void checkParameter(ContentType type, const std::u16string& attribute, const std
     checkSame(type, ContentType(type.toString()));
 }
 
+/// What is parsed without the grammar is what the grammar makes of it.
+void checkPlain(const std::u16string& text) {
+    ParsedContentType plain;
+    ParsedContentType byGrammar;
+    if (!contenttype::parsePlain(text, plain))
+        return;
+    require(contenttype::parseByGrammar(text, byGrammar), "the grammar takes what is plain");
+    requireEqual(plain.type, byGrammar.type, "the grammar gives the same type");
+    requireEqual(plain.subType, byGrammar.subType, "the grammar gives the same subtype");
+    require(plain.parameters == byGrammar.parameters, "the grammar gives the same parameters");
+}
+
 } // namespace
 
 /// The lines of the input: a content type, and the attribute and value of a parameter for it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::vector<Bytes> lines = split(data, size, '\n');
     lines.resize(3);
+    checkPlain(toText(lines[0]));
     std::optional<ContentType> type;
     if (!attempt<InvalidContentType>([&] { type = ContentType(toText(lines[0])); }))
         return 0;

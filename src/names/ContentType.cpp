@@ -42,13 +42,13 @@ ContentType::ContentType(const char16_t* contentType) {
 
 void ContentType::init(const std::u16string& contentType) {
     ParsedContentType parsed;
-    if (!contenttype::parse(toWideString(contentType), parsed))
+    if (!contenttype::parse(contentType, parsed))
         throw InvalidContentType("Could not successfully parse content type string");
     const auto made = std::make_shared<Body>();
-    made->type = opc::toString(parsed.type);
-    made->subType = opc::toString(parsed.subType);
-    for (const auto& [attribute, value] : parsed.parameters)
-        made->parameters[opc::toString(attribute)] = opc::toString(value);
+    made->type = std::move(parsed.type);
+    made->subType = std::move(parsed.subType);
+    for (auto& [attribute, value] : parsed.parameters)
+        made->parameters[std::move(attribute)] = std::move(value);
     resetStringFromParts(*made);
     body = made;
 }
