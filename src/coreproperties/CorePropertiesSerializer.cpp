@@ -156,19 +156,15 @@ struct CorePropertiesSerializer::Xml {
     CorePropertiesVocabulary names;
 };
 
-CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage,
-                                                   std::function<void()> onXerces)
-    : budget(std::move(ofPackage)), beforeXerces(std::move(onXerces)) {
+CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage)
+    : budget(std::move(ofPackage)) {
 }
 
 CorePropertiesSerializer::~CorePropertiesSerializer() = default;
 
 CorePropertiesSerializer::Xml& CorePropertiesSerializer::xml() {
-    if (!made) {
-        if (beforeXerces)
-            beforeXerces();
+    if (!made)
         made = std::make_unique<Xml>();
-    }
     return *made;
 }
 

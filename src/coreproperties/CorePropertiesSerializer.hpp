@@ -6,7 +6,6 @@
 #include <opc/core/OutputStream.hpp>
 #include <opc/model/CoreProperties.hpp>
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -18,10 +17,8 @@ namespace opc::model {
 class CorePropertiesSerializer {
 public:
     /// @param ofPackage what the documents of the package may take, together
-    /// @param onXerces  called before Xerces is needed: may keep it initialised for longer than this object does
     explicit CorePropertiesSerializer(
-        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>(),
-        std::function<void()> onXerces = {});
+        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>());
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
     ~CorePropertiesSerializer();
@@ -51,7 +48,6 @@ private:
     void parseCounted(InputStream& stream, CoreProperties& properties, DocumentShare& share);
 
     std::shared_ptr<DocumentBudget> budget;
-    std::function<void()> beforeXerces;
     std::unique_ptr<Xml> made;
 };
 

@@ -41,8 +41,7 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
     if (relationships.empty())
         return properties;
     const Part part = getTarget(package, relationships);
-    CorePropertiesSerializer serializer(package.getDocumentBudget(),
-                                        [&package] { package.getPackage().keepXerces(); });
+    CorePropertiesSerializer serializer(package.getDocumentBudget());
     InputStream& stream = part.getInputStream();
     const StreamRewinder rewinder(stream);
     serializer.read(stream, properties);
@@ -57,7 +56,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     package.throwIfReadOnly();
     if (!part)
         package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
-    CorePropertiesSerializer serializer(package.getDocumentBudget(), [&package] { package.keepXerces(); });
+    CorePropertiesSerializer serializer(package.getDocumentBudget());
     const std::string document = serializer.compose(properties); // before anything changes
     if (!part)
         part = createCoreProperties(package);

@@ -36,11 +36,7 @@ std::string ContentTypeRules::findDefectOfPartName(std::u16string_view partName)
     const std::u16string name = readPartName(partName);
     if (!fitsIntoTag(name))
         return TAG_IS_TOO_LONG;
-    const auto wakeXerces = [this] {
-        if (!guard)
-            guard = std::make_unique<XercesGuard>();
-    };
-    if (!isHeldURI(name, wakeXerces))
+    if (!isHeldURI(name))
         return INVALID;
     try {
         const PartName valid(name);

@@ -10,7 +10,6 @@
 #include <opc/model/DataManager.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PackageHelper.hpp>
-#include <opc/model/XercesGuard.hpp>
 
 #include <algorithm>
 
@@ -75,8 +74,6 @@ void Package::open(interfaces::OpenMode mode) {
     }
 
     try {
-        if (mode != interfaces::OpenMode::ReadOnly && !dataManagers.empty())
-            keepXerces();
         documentBudget = std::make_shared<DocumentBudget>(xmlLimits);
         relationshipSerializer = std::make_unique<RelationshipSerializer>(documentBudget);
         contentTypeSource =
@@ -120,12 +117,6 @@ void Package::forgetContent() {
     contentTypeSource.reset();
     relationshipSerializer.reset();
     documentBudget.reset();
-    xercesGuard.reset();
-}
-
-void Package::keepXerces() {
-    if (!xercesGuard)
-        xercesGuard = std::make_unique<XercesGuard>();
 }
 
 void Package::flush() {

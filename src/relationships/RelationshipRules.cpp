@@ -6,7 +6,6 @@
 #include "xml/LongTags.hpp"
 
 #include <opc/model/Errors.hpp>
-#include <opc/model/XercesGuard.hpp>
 
 namespace opc::model {
 
@@ -21,10 +20,31 @@ bool isTooLong(const RelationshipRules::Attributes& attributes) {
     return size > LONGEST_TAG - LONGEST_FRAME;
 }
 
-} // namespace
+std::string findDefectBySchema(const RelationshipRules::Attributes& attributes) {
+    if (!attributes.id)
+        return "Id is missing";
+    if (!attributes.type)
+        return "Type is missing";
+    if (!attributes.target)
+        return "Target is missing";
+    if (isTooLong(attributes))
+        return TAG_IS_TOO_LONG;
+    if (!isHeldID(RelationshipRules::read(*attributes.id)))
+        return "Id is not a valid xsd:ID";
+    const auto isURI = [](const std::u16string& value) {
+        return value.empty() || isHeldURI(value); // that it is empty is said behind
+    };
+    if (!isURI(RelationshipRules::read(*attributes.type)))
+        return "Type is not a valid xsd:anyURI";
+    if (!isURI(RelationshipRules::read(*attributes.target)))
+        return "Target is not a valid xsd:anyURI";
+    if (attributes.targetMode && *attributes.targetMode != u"External" &&
+        *attributes.targetMode != u"Internal")
+        return "TargetMode is neither External nor Internal";
+    return {};
+}
 
-RelationshipRules::RelationshipRules() = default;
-RelationshipRules::~RelationshipRules() = default;
+} // namespace
 
 std::string RelationshipRules::findDefect(const Attributes& attributes) {
     std::string defect = findDefectBySchema(attributes);
@@ -36,34 +56,6 @@ std::string RelationshipRules::findDefect(const Attributes& attributes) {
     } catch (const InvalidPartContent& e) {
         return e.what();
     }
-    return {};
-}
-
-std::string RelationshipRules::findDefectBySchema(const Attributes& attributes) {
-    const auto wakeXerces = [this] {
-        if (!guard)
-            guard = std::make_unique<XercesGuard>();
-    };
-    if (!attributes.id)
-        return "Id is missing";
-    if (!attributes.type)
-        return "Type is missing";
-    if (!attributes.target)
-        return "Target is missing";
-    if (isTooLong(attributes))
-        return TAG_IS_TOO_LONG;
-    if (!isHeldID(read(*attributes.id), wakeXerces))
-        return "Id is not a valid xsd:ID";
-    const auto isURI = [&wakeXerces](const std::u16string& value) {
-        return value.empty() || isHeldURI(value, wakeXerces); // that it is empty is said behind
-    };
-    if (!isURI(read(*attributes.type)))
-        return "Type is not a valid xsd:anyURI";
-    if (!isURI(read(*attributes.target)))
-        return "Target is not a valid xsd:anyURI";
-    if (attributes.targetMode && *attributes.targetMode != u"External" &&
-        *attributes.targetMode != u"Internal")
-        return "TargetMode is neither External nor Internal";
     return {};
 }
 

@@ -97,12 +97,11 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
 /// What follows are the checks of reading: a relationships part that breaks one takes all its relationships with it.
 void RelationshipSource::throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
                                                TargetMode targetMode) const {
-    const auto keepXerces = [this] { getPackage().keepXerces(); };
-    if (!canHoldURI(type, keepXerces))
+    if (!canHoldURI(type))
         throw InvalidRelationshipType(INVALID_TYPE);
     if (target.empty())
         throw InvalidRelationshipTarget("Relationship target must not be empty.");
-    if (!canHoldURI(target, keepXerces))
+    if (!canHoldURI(target))
         throw InvalidRelationshipTarget(targetMode == TargetMode::External
                                             ? INVALID_EXTERNAL_TARGET
                                             : "Relationship target is not a valid xsd::anyURI");

@@ -25,7 +25,8 @@ struct Reference;
 struct ScannedSignature;
 
 /// Reads and writes signature parts, one after the other, for one thread at a time. A part in the form in which
-/// this class writes it is scanned; any other goes to a validating parser, whose schemas are compiled once.
+/// this class writes it is scanned; any other goes to a validating parser, whose schemas are compiled once. Xerces
+/// isn't woken before that.
 ///
 /// The form is the XML Signature profile of ECMA-376 Part 2. Whether a signature holds isn't asked here.
 class DigitalSignatureSerializer {
@@ -95,12 +96,21 @@ private:
 
     void writeKeyInfo(xercesc::DOMElement* root, const DigitalSignatureData& data) const;
 
-    XercesGuard m_guard;
-    ReusedParser m_parser;
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> m_writer; ///< null when it has failed
-    SignatureNames m_names;
-    PackageSignatureNames m_packageNames;
-    XercesString m_packageNamespace;
+    /// What documents in another form than ours take.
+    struct Xerces {
+        Xerces();
+
+        XercesGuard guard;
+        ReusedParser parser;
+        std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; ///< made when it is needed
+        SignatureNames names;
+        PackageSignatureNames packageNames{u""};
+        XercesString packageNamespace{vocabulary::PACKAGE_SIGNATURE_NAMESPACE};
+    };
+
+    Xerces& wakeXerces();
+
+    std::unique_ptr<Xerces> m_xerces; ///< null until it is needed
 };
 
 } // namespace opc::model

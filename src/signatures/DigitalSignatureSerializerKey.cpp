@@ -48,34 +48,35 @@ void addCertificate(const std::u16string& text, DigitalSignatureData& data, X509
 
 void DigitalSignatureSerializer::readValueAndKey(const IndexedElement& root,
                                                  DigitalSignatureData& data) const {
-    getRequiredElementText(root, m_names.signatureValue, data.m_signatureValueInXML, m_names.noNamespace);
+    getRequiredElementText(root, m_xerces->names.signatureValue, data.m_signatureValueInXML,
+                           m_xerces->names.noNamespace);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
     data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
-    XercesHelper::getElementAttribute(root, m_names.xmlns, data.m_namespace);
+    XercesHelper::getElementAttribute(root, m_xerces->names.xmlns, data.m_namespace);
 
-    const auto keyInfo = root.getElement(m_names.keyInfo);
+    const auto keyInfo = root.getElement(m_xerces->names.keyInfo);
     if (!keyInfo)
         return;
-    if (const auto keyValue = keyInfo->getElement(m_names.keyValue))
+    if (const auto keyValue = keyInfo->getElement(m_xerces->names.keyValue))
         readKeyValue(*keyValue, data);
-    else if (const auto x509Data = keyInfo->getElement(m_names.x509Data))
+    else if (const auto x509Data = keyInfo->getElement(m_xerces->names.x509Data))
         readCertificates(*x509Data, data);
 }
 
 void DigitalSignatureSerializer::readKeyValue(const IndexedElement& keyValue,
                                               DigitalSignatureData& data) const {
-    const auto element = keyValue.getElement(m_names.rsaKeyValue);
+    const auto element = keyValue.getElement(m_xerces->names.rsaKeyValue);
     if (!element)
         throw InvalidPartContent("RSA Key Value is missing. DSA for signatures is not supported yet.");
     RSAKeyValue key;
-    getRequiredElementText(*element, m_names.modulus, key.modulus, m_names.noNamespace);
-    getRequiredElementText(*element, m_names.exponent, key.exponent, m_names.noNamespace);
+    getRequiredElementText(*element, m_xerces->names.modulus, key.modulus, m_xerces->names.noNamespace);
+    getRequiredElementText(*element, m_xerces->names.exponent, key.exponent, m_xerces->names.noNamespace);
     setKeyValue(std::move(key), data);
 }
 
 void DigitalSignatureSerializer::readCertificates(const IndexedElement& x509Data,
                                                   DigitalSignatureData& data) const {
-    const std::vector<IndexedElement> elements = x509Data.getElements(m_names.x509Certificate);
+    const std::vector<IndexedElement> elements = x509Data.getElements(m_xerces->names.x509Certificate);
     if (elements.empty())
         throw InvalidPartContent("Supported key management mechanisms in signatures are KeyValue using RSA "
                                  "or X509 certificates. Others are not supported.");

@@ -79,12 +79,18 @@ SignatureParams settleParameters(const DigitalSignatureData& data) {
 
 } // namespace
 
-DigitalSignatureSerializer::DigitalSignatureSerializer()
-    : m_parser(createSignatureParser), m_writer(XercesHelper::createWriter()), m_packageNames(u""),
-      m_packageNamespace(vocabulary::PACKAGE_SIGNATURE_NAMESPACE) {
+DigitalSignatureSerializer::Xerces::Xerces() : parser(createSignatureParser) {
 }
 
+DigitalSignatureSerializer::DigitalSignatureSerializer() = default;
+
 DigitalSignatureSerializer::~DigitalSignatureSerializer() = default;
+
+DigitalSignatureSerializer::Xerces& DigitalSignatureSerializer::wakeXerces() {
+    if (!m_xerces)
+        m_xerces = std::make_unique<Xerces>();
+    return *m_xerces;
+}
 
 void DigitalSignatureSerializer::readSignature(InputStream& stream, DigitalSignatureData& data) {
     ReadAheadBuffer buffer;
@@ -122,7 +128,7 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, DigitalS
 }
 
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSignatureData& data) {
-    m_parser.use([&](xercesc::DOMLSParser* parser) {
+    wakeXerces().parser.use([&](xercesc::DOMLSParser* parser) {
         std::optional<ElementMeter> meter;
         std::optional<MeteredStream> counted; // again, for the tree
         if (data.m_share) {
@@ -133,7 +139,7 @@ void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSign
         translateDocumentFailures([&] {
             const ElementIndex index(
                 XercesHelper::readDocumentFromStream(parser, source, true, {}, {})->getDocumentElement());
-            SignatureLimits(m_names).check(index);
+            SignatureLimits(m_xerces->names).check(index);
             readDocument(index.at(0), data);
             checkSignatureForm(index, data.m_content);
         });
@@ -142,7 +148,7 @@ void DigitalSignatureSerializer::parseSignature(InputStream& stream, DigitalSign
 
 void DigitalSignatureSerializer::readDocument(const IndexedElement& root, DigitalSignatureData& data) {
     std::u16string id;
-    if (XercesHelper::getElementAttribute(root, m_names.id, id))
+    if (XercesHelper::getElementAttribute(root, m_xerces->names.id, id))
         data.m_signatureId = withoutPrefix(id);
     readValueAndKey(root, data);
     readObjects(root, data);
@@ -179,9 +185,9 @@ std::u16string DigitalSignatureSerializer::getRequiredAttribute(const IndexedEle
 }
 
 void DigitalSignatureSerializer::readObjects(const IndexedElement& root, DigitalSignatureData& data) {
-    for (const IndexedElement& element : root.getElements(m_names.object)) {
+    for (const IndexedElement& element : root.getElements(m_xerces->names.object)) {
         const std::u16string id =
-            getRequiredAttribute(element, m_names.id, "XML signature: Object missing Id attribute.");
+            getRequiredAttribute(element, m_xerces->names.id, "XML signature: Object missing Id attribute.");
         SignatureObject object{id, {}};
         toText(element, object.XMLBytes);
         data.m_objects.emplace(id, std::move(object));
@@ -192,11 +198,11 @@ void DigitalSignatureSerializer::readObjects(const IndexedElement& root, Digital
 
 void DigitalSignatureSerializer::readPackageObject(const IndexedElement& object,
                                                    DigitalSignatureData& data) const {
-    readManifest(getOnlyElement(object, m_names.manifest,
+    readManifest(getOnlyElement(object, m_xerces->names.manifest,
                                 "XML signature: There must exist only one Manifest element in package "
                                 "specific Object element."),
                  data);
-    readSignatureProperties(getOnlyElement(object, m_names.signatureProperties,
+    readSignatureProperties(getOnlyElement(object, m_xerces->names.signatureProperties,
                                            "XML signature: There must exist only one SignatureProperties "
                                            "element in package specific Object element."),
                             data);
@@ -204,11 +210,11 @@ void DigitalSignatureSerializer::readPackageObject(const IndexedElement& object,
 
 void DigitalSignatureSerializer::readSignatureProperties(const IndexedElement& properties,
                                                          DigitalSignatureData& data) const {
-    for (const IndexedElement& element : properties.getElements(m_names.signatureProperty)) {
+    for (const IndexedElement& element : properties.getElements(m_xerces->names.signatureProperty)) {
         SignatureProperty property;
-        property.target = getRequiredAttribute(element, m_names.target,
+        property.target = getRequiredAttribute(element, m_xerces->names.target,
                                                "XML signature: SignatureProperty does not have a target.");
-        XercesHelper::getElementAttribute(element, m_names.id, property.id);
+        XercesHelper::getElementAttribute(element, m_xerces->names.id, property.id);
         data.m_content.signatureProperties.push_back(property);
         if (property.id == vocabulary::SIGNATURE_TIME_ID)
             readSignatureTime(element, data);
@@ -219,22 +225,23 @@ void DigitalSignatureSerializer::readSignatureProperties(const IndexedElement& p
 void DigitalSignatureSerializer::readSignatureTime(const IndexedElement& property,
                                                    DigitalSignatureData& data) const {
     const IndexedElement time =
-        getRequiredElement(property, m_packageNames.signatureTime, m_packageNamespace);
+        getRequiredElement(property, m_xerces->packageNames.signatureTime, m_xerces->packageNamespace);
     std::u16string text;
-    getRequiredElementText(time, m_packageNames.format, text, m_packageNamespace);
-    getRequiredElementText(time, m_packageNames.value, text, m_packageNamespace);
+    getRequiredElementText(time, m_xerces->packageNames.format, text, m_xerces->packageNamespace);
+    getRequiredElementText(time, m_xerces->packageNames.value, text, m_xerces->packageNamespace);
     data.m_signedTime = convertStringToTime(text);
 }
 
 void DigitalSignatureSerializer::readSignedInfoMethods(const IndexedElement& root,
                                                        DigitalSignatureData& data) const {
-    const IndexedElement signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
+    const IndexedElement signedInfo =
+        getRequiredElement(root, m_xerces->names.signedInfo, m_xerces->names.noNamespace);
     data.m_canonicalizationMethod = getRequiredAttribute(
-        getRequiredElement(signedInfo, m_names.canonicalizationMethod, m_names.noNamespace),
-        m_names.algorithm, "XML signature: CanonicalizationMethod is empty.");
-    data.m_signatureMethod =
-        getRequiredAttribute(getRequiredElement(signedInfo, m_names.signatureMethod, m_names.noNamespace),
-                             m_names.algorithm, "XML signature: SignatureMethod is empty.");
+        getRequiredElement(signedInfo, m_xerces->names.canonicalizationMethod, m_xerces->names.noNamespace),
+        m_xerces->names.algorithm, "XML signature: CanonicalizationMethod is empty.");
+    data.m_signatureMethod = getRequiredAttribute(
+        getRequiredElement(signedInfo, m_xerces->names.signatureMethod, m_xerces->names.noNamespace),
+        m_xerces->names.algorithm, "XML signature: SignatureMethod is empty.");
 }
 
 } // namespace opc::model

@@ -27,9 +27,9 @@ void throwIfTypeIsNotObject(const std::u16string& type) {
 
 void DigitalSignatureSerializer::readManifest(const IndexedElement& manifest,
                                               DigitalSignatureData& data) const {
-    if (!manifest.isNamed(m_names.manifest))
+    if (!manifest.isNamed(m_xerces->names.manifest))
         throw Exception("Internal Exception: Did not get Manifest Element as expected.");
-    for (const IndexedElement& element : manifest.getElements(m_names.reference)) {
+    for (const IndexedElement& element : manifest.getElements(m_xerces->names.reference)) {
         Reference reference;
         readReference(element, reference);
         data.m_content.manifestReferences.push_back(std::move(reference));
@@ -38,9 +38,10 @@ void DigitalSignatureSerializer::readManifest(const IndexedElement& manifest,
 
 void DigitalSignatureSerializer::readSignedInfoReferences(const IndexedElement& root,
                                                           DigitalSignatureData& data) {
-    const IndexedElement signedInfo = getRequiredElement(root, m_names.signedInfo, m_names.noNamespace);
+    const IndexedElement signedInfo =
+        getRequiredElement(root, m_xerces->names.signedInfo, m_xerces->names.noNamespace);
     toText(signedInfo, data.m_content.signedInfoXML);
-    for (const IndexedElement& element : signedInfo.getElements(m_names.reference)) {
+    for (const IndexedElement& element : signedInfo.getElements(m_xerces->names.reference)) {
         Reference reference;
         readReference(element, reference);
         throwIfTypeIsNotObject(reference.referenceType);
@@ -53,10 +54,10 @@ void DigitalSignatureSerializer::readSignedInfoReferences(const IndexedElement& 
 }
 
 void DigitalSignatureSerializer::readReference(const IndexedElement& element, Reference& reference) const {
-    if (!element.isNamed(m_names.reference))
+    if (!element.isNamed(m_xerces->names.reference))
         throw Exception("Internal Exception: Did not get Reference Element as expected.");
     const std::u16string uri = getRequiredAttribute(
-        element, m_names.uri, "XML signature: Manifest reference missing URI attribute.");
+        element, m_xerces->names.uri, "XML signature: Manifest reference missing URI attribute.");
     if (uri.empty())
         throw InvalidPartContent("XML Signature: Reference does not have a URI. It is not supported.");
     try {
@@ -64,36 +65,37 @@ void DigitalSignatureSerializer::readReference(const IndexedElement& element, Re
     } catch (const InvalidURI&) {
         throw InvalidPartContent("XML signature: Reference URI is not valid");
     }
-    XercesHelper::getElementAttribute(element, m_names.type, reference.referenceType);
-    XercesHelper::getElementAttribute(element, m_names.id, reference.referenceID);
-    reference.digestMethod =
-        getRequiredAttribute(getRequiredElement(element, m_names.digestMethod, m_names.noNamespace),
-                             m_names.algorithm, "XML signature: DigestMethod is empty.");
-    getRequiredElementText(element, m_names.digestValue, reference.digestValue, m_names.noNamespace);
+    XercesHelper::getElementAttribute(element, m_xerces->names.type, reference.referenceType);
+    XercesHelper::getElementAttribute(element, m_xerces->names.id, reference.referenceID);
+    reference.digestMethod = getRequiredAttribute(
+        getRequiredElement(element, m_xerces->names.digestMethod, m_xerces->names.noNamespace),
+        m_xerces->names.algorithm, "XML signature: DigestMethod is empty.");
+    getRequiredElementText(element, m_xerces->names.digestValue, reference.digestValue,
+                           m_xerces->names.noNamespace);
 
-    const auto transforms = element.getElement(m_names.transforms);
+    const auto transforms = element.getElement(m_xerces->names.transforms);
     if (!transforms)
         return;
-    for (const IndexedElement& transform : transforms->getElements(m_names.transform))
+    for (const IndexedElement& transform : transforms->getElements(m_xerces->names.transform))
         readTransform(transform, reference);
 }
 
 void DigitalSignatureSerializer::readTransform(const IndexedElement& element, Reference& reference) const {
     std::u16string algorithm =
-        getRequiredAttribute(element, m_names.algorithm, "XML signature: TransformMethod is empty.");
+        getRequiredAttribute(element, m_xerces->names.algorithm, "XML signature: TransformMethod is empty.");
     if (!vocabulary::isRelationshipTransform(algorithm)) {
         reference.transforms.push_back(std::move(algorithm));
         return;
     }
     for (const IndexedElement& selected :
-         element.getElementsNS(m_packageNamespace, m_packageNames.relationshipReference))
+         element.getElementsNS(m_xerces->packageNamespace, m_xerces->packageNames.relationshipReference))
         reference.relationshipReferences.push_back(
-            getRequiredAttribute(selected, m_packageNames.sourceId,
+            getRequiredAttribute(selected, m_xerces->packageNames.sourceId,
                                  "XML signature: SourceID of a relationship transform is empty."));
     for (const IndexedElement& selected :
-         element.getElementsNS(m_packageNamespace, m_packageNames.relationshipGroupReference))
+         element.getElementsNS(m_xerces->packageNamespace, m_xerces->packageNames.relationshipGroupReference))
         reference.relationshipGroupReferences.push_back(
-            getRequiredAttribute(selected, m_packageNames.sourceType,
+            getRequiredAttribute(selected, m_xerces->packageNames.sourceType,
                                  "XML signature: Source type of a relationship group transform is empty."));
 }
 

@@ -48,13 +48,14 @@ struct XercesTextDeleter {
 
 template <typename Operation>
 auto DigitalSignatureSerializer::withWriter(Operation&& operation) {
-    if (!m_writer)
-        m_writer = XercesHelper::createWriter();
+    auto& writer = wakeXerces().writer;
+    if (!writer)
+        writer = XercesHelper::createWriter();
     try {
-        return operation(*m_writer);
+        return operation(*writer);
     } catch (...) {
         // It takes the namespaces for declared from now on, and would leave them out.
-        m_writer.reset();
+        writer.reset();
         throw;
     }
 }
@@ -67,16 +68,17 @@ void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data
                 throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
             return writeDocument(plain, stream);
         }
+        wakeXerces();
         const auto document = XercesHelper::createDocument();
         document->setXmlStandalone(true);
-        DOMElement* const root = XercesHelper::appendElement(document.get(), m_names.signature);
-        XercesHelper::setElementAttribute(root, m_names.id,
+        DOMElement* const root = XercesHelper::appendElement(document.get(), m_xerces->names.signature);
+        XercesHelper::setElementAttribute(root, m_xerces->names.id,
                                           vocabulary::SIGNATURE_ID_PREFIX + data.m_signatureId);
-        XercesHelper::setElementAttribute(root, m_names.xmlns, vocabulary::XML_SIGNATURE_NAMESPACE);
+        XercesHelper::setElementAttribute(root, m_xerces->names.xmlns, vocabulary::XML_SIGNATURE_NAMESPACE);
         appendCopy(root, *data.buildSignedInfo());
-        appendTextElement(root, m_names.signatureValue, data.m_signatureValueInXML);
+        appendTextElement(root, m_xerces->names.signatureValue, data.m_signatureValueInXML);
         if (data.m_keyValue || data.m_certificate)
-            writeKeyInfo(XercesHelper::appendElement(root, m_names.keyInfo), data);
+            writeKeyInfo(XercesHelper::appendElement(root, m_xerces->names.keyInfo), data);
         appendCopy(root, *data.buildPackageObject());
         withWriter([&](xercesc::DOMLSSerializer& writer) {
             XercesHelper::writeDocumentToStream(&writer, document.get(), stream);
@@ -87,15 +89,16 @@ void DigitalSignatureSerializer::writeSignature(const DigitalSignatureData& data
 void DigitalSignatureSerializer::writeKeyInfo(DOMElement* keyInfo, const DigitalSignatureData& data) const {
     if (data.m_keyValue) {
         throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
-        DOMElement* const keyValue = XercesHelper::appendElement(keyInfo, m_names.keyValue);
-        DOMElement* const rsaKeyValue = XercesHelper::appendElement(keyValue, m_names.rsaKeyValue);
-        appendTextElement(rsaKeyValue, m_names.modulus, data.m_keyValue->modulus);
-        appendTextElement(rsaKeyValue, m_names.exponent, data.m_keyValue->exponent);
+        DOMElement* const keyValue = XercesHelper::appendElement(keyInfo, m_xerces->names.keyValue);
+        DOMElement* const rsaKeyValue = XercesHelper::appendElement(keyValue, m_xerces->names.rsaKeyValue);
+        appendTextElement(rsaKeyValue, m_xerces->names.modulus, data.m_keyValue->modulus);
+        appendTextElement(rsaKeyValue, m_xerces->names.exponent, data.m_keyValue->exponent);
     }
     if (data.m_certificate) {
-        DOMElement* const x509Data = XercesHelper::appendElement(keyInfo, m_names.x509Data);
+        DOMElement* const x509Data = XercesHelper::appendElement(keyInfo, m_xerces->names.x509Data);
         const auto append = [&](const bedrock::certificates::X509Certificate& certificate) {
-            appendTextElement(x509Data, m_names.x509Certificate, toString(certificate.getAsString(), false));
+            appendTextElement(x509Data, m_xerces->names.x509Certificate,
+                              toString(certificate.getAsString(), false));
         };
         append(*data.m_certificate);
         const bedrock::certificates::X509CertificateChain chain = data.getCertificateChain();

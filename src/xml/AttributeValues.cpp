@@ -62,29 +62,25 @@ bool isValid(const std::u16string& value, const XMLCh* type) {
     }
 }
 
-bool isHeld(const std::u16string& value, IsPlain isPlain, const XMLCh* type,
-            const std::function<void()>& wakeXerces) {
+bool isHeld(const std::u16string& value, IsPlain isPlain, const XMLCh* type) {
     if (isASCII(value) && isPlain(std::string(value.begin(), value.end())))
         return true;
-    if (!standsCollapsed(value))
-        return false;
-    wakeXerces();
-    return isValid(value, type);
+    return standsCollapsed(value) && isValid(value, type);
 }
 
 } // namespace
 
-bool isHeldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
+bool isHeldURI(const std::u16string& value) {
     const auto isPlain = [](std::string_view text) { return recognisePlainURI(text) != PlainURI::No; };
-    return isHeld(value, isPlain, xercesc::SchemaSymbols::fgDT_ANYURI, wakeXerces);
+    return isHeld(value, isPlain, xercesc::SchemaSymbols::fgDT_ANYURI);
 }
 
-bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces) {
-    return fitsIntoTag(value) && isHeldURI(value, wakeXerces);
+bool canHoldURI(const std::u16string& value) {
+    return fitsIntoTag(value) && isHeldURI(value);
 }
 
-bool isHeldID(const std::u16string& value, const std::function<void()>& wakeXerces) {
-    return isHeld(value, isPlainID, xercesc::XMLUni::fgIDString, wakeXerces);
+bool isHeldID(const std::u16string& value) {
+    return isHeld(value, isPlainID, xercesc::XMLUni::fgIDString);
 }
 
 std::u16string collapse(std::u16string_view value) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,14 +10,13 @@ namespace opc::model {
 ///
 /// A plain value (`xml/PlainURI.hpp`) is known to. Any other is put to Xerces' own validator of the type, which
 /// is the check that reading makes.
-/// @param wakeXerces  called before Xerces is needed, to keep it initialised
-bool isHeldURI(const std::u16string& value, const std::function<void()>& wakeXerces);
+bool isHeldURI(const std::u16string& value);
 
 /// The same, and the value is short enough for a tag.
-bool canHoldURI(const std::u16string& value, const std::function<void()>& wakeXerces);
+bool canHoldURI(const std::u16string& value);
 
 /// The same for an attribute of type xs:ID, but for the length.
-bool isHeldID(const std::u16string& value, const std::function<void()>& wakeXerces);
+bool isHeldID(const std::u16string& value);
 
 /// A value as validation makes it where white space collapses: runs of it are one blank each, and none stands at the ends.
 std::u16string collapse(std::u16string_view value);

@@ -17,13 +17,18 @@ boost::mutex& platformMutex() {
     return mutex;
 }
 
+void initialize() {
+    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
+}
+
 } // namespace
 
 XercesGuard::XercesGuard() {
     const boost::unique_lock<boost::mutex> lock(platformMutex());
     translateLackOfMemory([] {
-        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
-                                              nullptr);
+        if (!xercesc::XMLPlatformUtils::fgMemoryManager)
+            initialize(); // never terminated: it takes longer than reading most packages
+        initialize();
     });
 }
 

@@ -8,7 +8,9 @@
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/dom/impl/DOMErrorImpl.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
 
+#include <cstdlib>
 #include <memory>
 #include <random>
 
@@ -18,15 +20,32 @@ using namespace opc::model;
 using opc::test::throws;
 using xercesc::DOMElement;
 
-TEST(XercesGuard, keepsXercesUsableUntilTheLastOneDies) {
+bool isXercesUp() {
+    return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
+}
+
+/// Guards before, between and behind the application's own calls, in a process in which Xerces hasn't been up.
+int countFaultsOfGuards() {
+    xercesc::XMLPlatformUtils::Initialize();
     auto first = std::make_unique<XercesGuard>();
     auto second = std::make_unique<XercesGuard>(*first);
     *second = *first;
+    xercesc::XMLPlatformUtils::Terminate();
     first.reset();
-    EXPECT_EQ(XercesString(u"a").toString(), u"a");
+    int faults = isXercesUp() ? 0 : 1;
     second.reset();
-    const XercesGuard again;
-    EXPECT_EQ(XercesString(u"a").toString(), u"a");
+    faults += isXercesUp() ? 1 : 0; // the application has torn it down
+    XercesGuard();
+    XercesGuard();
+    faults += XercesString(u"a").toString() == u"a" ? 0 : 1; // up without a guard
+    xercesc::XMLPlatformUtils::Initialize();
+    xercesc::XMLPlatformUtils::Terminate();
+    return faults + (isXercesUp() ? 0 : 1);
+}
+
+TEST(XercesGuardDeathTest, keepsXercesUpUnlessTheApplicationHasInitialisedIt) {
+    EXPECT_FALSE(isXercesUp());
+    EXPECT_EXIT(std::exit(countFaultsOfGuards()), testing::ExitedWithCode(0), "");
 }
 
 TEST(XercesString, holdsTheTextUpToItsFirstZero) {

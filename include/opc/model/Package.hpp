@@ -33,7 +33,6 @@ class ContentTypeSource;
 class DataManager;
 class DocumentBudget;
 class RelationshipSerializer;
-class XercesGuard;
 
 /// A package in the Open Packaging Conventions: the root of the object model.
 ///
@@ -166,9 +165,6 @@ private:
     void clearParts();
     void forgetContent();
 
-    /// For what is likely to need Xerces more than once: keeps it initialised until the package is closed.
-    void keepXerces();
-
     /// @return the first part behind a new one of that name
     /// @throws PartAlreadyExists
     PartMap::const_iterator findPlaceOfNewPart(const PartName& name) const;
@@ -201,7 +197,6 @@ private:
     interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
     std::pmr::unsynchronized_pool_resource partMemory;
     PartMap parts{&partMemory};
-    std::unique_ptr<XercesGuard> xercesGuard;
     std::shared_ptr<DocumentBudget> documentBudget; // while it is open
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;

@@ -2,21 +2,17 @@
 
 #include <opc/model/Export.hpp>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace opc::model {
 
-class XercesGuard;
-
 /// Tells of single relationships whether a relationships part that has them can be read. For stores that leave out
 /// what can't, so that the other relationships of the part can be read.
 ///
 /// The checks are those of reading itself, by the schema of relationships parts and beyond it. That IDs differ within
-/// one part is for the caller to see to. Keeps Xerces initialised once it has needed it. One object serves one thread
-/// at a time.
+/// one part is for the caller to see to.
 class OPC_MODEL_EXPORT RelationshipRules {
 public:
     /// The attributes of a `Relationship` element, with their entities and character references replaced; nothing
@@ -28,13 +24,8 @@ public:
         std::optional<std::u16string_view> targetMode;
     };
 
-    RelationshipRules();
-    RelationshipRules(const RelationshipRules&) = delete;
-    RelationshipRules& operator=(const RelationshipRules&) = delete;
-    ~RelationshipRules();
-
     /// @return what is wrong, in English ("Target is empty"); empty if the relationship can be read
-    std::string findDefect(const Attributes& attributes);
+    static std::string findDefect(const Attributes& attributes);
 
     /// Whether a whole document is in the plain form that nearly all have, and can be read: all its relationships can, and
     /// it has nothing else. Takes a small part of the time that parsing takes.
@@ -42,11 +33,6 @@ public:
 
     /// An ID, type or target as reading gives it: runs of white space are one blank each, and none stands at the ends.
     static std::u16string read(std::u16string_view value);
-
-private:
-    std::string findDefectBySchema(const Attributes& attributes);
-
-    std::unique_ptr<XercesGuard> guard; ///< null until Xerces is needed
 };
 
 } // namespace opc::model

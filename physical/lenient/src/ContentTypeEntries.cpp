@@ -166,7 +166,7 @@ private:
     void takeKey(ContentTypeEntry& entry, const std::u16string& value) {
         if (entry.kind == ContentTypeEntry::Kind::Default) {
             entry.key = toLowerASCIIString(value);
-            entry.defect = rules.findDefectOfExtension(value);
+            entry.defect = model::ContentTypeRules::findDefectOfExtension(value);
             return;
         }
         std::u16string name = model::ContentTypeRules::readPartName(value);
@@ -174,7 +174,7 @@ private:
         if (entry.lacksSlash)
             name.insert(name.begin(), u'/');
         entry.key = toLowerASCIIString(name);
-        entry.defect = rules.findDefectOfPartName(name);
+        entry.defect = model::ContentTypeRules::findDefectOfPartName(name);
     }
 
     /// Of an element that should be empty.

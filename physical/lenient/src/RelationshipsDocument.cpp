@@ -78,8 +78,8 @@ void addAttribute(std::u16string& text, std::u16string_view name, std::u16string
 /// Takes what counts out of the markup.
 class RelationshipsDocument::Reader {
 public:
-    Reader(RelationshipsDocument& toFill, RelationshipRules& itsRules, Source itsSource)
-        : document(toFill), markup(toFill.text.markup()), rules(itsRules), source(itsSource),
+    Reader(RelationshipsDocument& toFill, Source itsSource)
+        : document(toFill), markup(toFill.text.markup()), source(itsSource),
           compatibility(markup, {NAMESPACE, OLD_NAMESPACE}) {}
 
     void read() {
@@ -163,7 +163,7 @@ private:
         };
         const RelationshipRules::Attributes attributes{value(u"Id"), value(u"Type"), value(u"Target"),
                                                        value(u"TargetMode")};
-        defect = rules.findDefect(attributes);
+        defect = RelationshipRules::findDefect(attributes);
         if (defect.empty() && std::any_of(values.begin(), values.end(), hasControls))
             return "has a control character";
         return defect;
@@ -208,7 +208,6 @@ private:
 
     RelationshipsDocument& document;
     const Markup& markup;
-    RelationshipRules& rules;
     const Source source;
     const MarkupCompatibility compatibility;
     std::vector<bool> parents;    // whether an element has elements in it
@@ -220,9 +219,10 @@ bool ReadRelationship::isOfCoreProperties() const {
     return type == CORE_PROPERTIES;
 }
 
-RelationshipsDocument::RelationshipsDocument(const Bytes& bytes, RelationshipsTools& tools, Source source)
-    : text(bytes, tools.wellFormedness) {
-    Reader(*this, tools.rules, source).read();
+RelationshipsDocument::RelationshipsDocument(const Bytes& bytes, WellFormedness& wellFormedness,
+                                             Source source)
+    : text(bytes, wellFormedness) {
+    Reader(*this, source).read();
 }
 
 Bytes RelationshipsDocument::view() const {

@@ -39,19 +39,13 @@ struct RelationshipsFinding {
     bool isIgnored; ///< whether other programs may read what isn't read here
 };
 
-/// What reading takes, for all relationships parts of a package. Keeps Xerces initialised once it has needed it.
-struct RelationshipsTools {
-    WellFormedness wellFormedness;
-    model::RelationshipRules rules; ///< say which relationships the model can read
-};
-
 /// A relationships part in whatever form, and the relationships in it that the model can read.
 class RelationshipsDocument {
 public:
     enum class Source { Package, Part };
 
     /// @throws Exception  there is no such document in the bytes
-    RelationshipsDocument(const Bytes& bytes, RelationshipsTools& tools, Source source);
+    RelationshipsDocument(const Bytes& bytes, WellFormedness& wellFormedness, Source source);
 
     const Document& document() const { return text; }
 

@@ -17,7 +17,7 @@ public:
     /// @param itsPart  must outlive this object
     /// @param old      the part's own document
     /// @throws Exception  it can't be read
-    RelationshipsOutput(interfaces::IPhysicalPart& itsPart, const Bytes& old, RelationshipsTools& tools,
+    RelationshipsOutput(interfaces::IPhysicalPart& itsPart, const Bytes& old, WellFormedness& wellFormedness,
                         RelationshipsDocument::Source source)
         : part(itsPart), document(old, tools, source) {}
 

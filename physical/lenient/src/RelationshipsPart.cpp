@@ -48,7 +48,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
         return nullptr; // for the model to refuse
     const auto bytes = readDocument(*stream);
     if (bytes && !isForModel(*bytes)) {
-        const RelationshipsDocument document(*bytes, shared.tools, source);
+        const RelationshipsDocument document(*bytes, shared.wellFormedness, source);
         Bytes view = document.view();
         if (view.size() <= shared.bytesLeft) {
             shared.bytesLeft -= view.size();
@@ -83,7 +83,7 @@ interfaces::IPhysicalOutputStream* RelationshipsPart::getOutputStream() {
     const auto old = readDocument(*part.getInputStream());
     if (!old || hasTooMuchMarkup(*old))
         return part.getOutputStream(); // the model has read all of it
-    output = std::make_unique<RelationshipsOutput>(part, *old, shared.tools, source);
+    output = std::make_unique<RelationshipsOutput>(part, *old, shared.wellFormedness, source);
     return output.get();
 }
 

@@ -20,7 +20,7 @@ namespace opc::physical::lenient {
 struct RelationshipsReading {
     static constexpr std::size_t MOST_BYTES = std::size_t{32} << 20;
 
-    RelationshipsTools tools;
+    WellFormedness wellFormedness;      ///< for all relationships parts of a package
     std::size_t bytesLeft = MOST_BYTES; ///< for documents that are given in another form
 };
 
