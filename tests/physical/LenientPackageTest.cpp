@@ -153,8 +153,6 @@ TEST(LenientPackage, readsRelationshipsThatNoContentTypeCovers) {
     EXPECT_EQ(itemOf(readZip(store.bytes()), "x.rels").data, "?");
 }
 
-}
-
 TEST(LenientPackage, leavesItToTheModelToRefuseTheRest) {
     const auto open = [](const Bytes& bytes) {
         ZipPackage store(bytes);

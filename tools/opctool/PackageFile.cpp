@@ -66,11 +66,7 @@ void PackageFile::close(bool abandon) {
 }
 
 std::vector<Oddity> PackageFile::getOddities() {
-    std::vector<Oddity> oddities = store.getOddities();
-    if (!argument.strict)
-        for (const auto& item : lenient.hiddenItems())
-            oddities.push_back({{}, item.name, 0, item.reason, "hidden"});
-    return oddities;
+    return store.getOddities();
 }
 
 } // namespace opctool

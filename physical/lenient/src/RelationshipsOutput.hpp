@@ -19,7 +19,7 @@ public:
     /// @throws Exception  it can't be read
     RelationshipsOutput(interfaces::IPhysicalPart& itsPart, const Bytes& old, WellFormedness& wellFormedness,
                         RelationshipsDocument::Source source)
-        : part(itsPart), document(old, tools, source) {}
+        : part(itsPart), document(old, wellFormedness, source) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         written.insert(written.end(), buffer, buffer + count);
