@@ -205,7 +205,7 @@ void CorePropertiesSerializer::parseCounted(InputStream& stream, CoreProperties&
         const ElementMeter meter(with.parser.get(), share);
         document = XercesHelper::readDocumentFromStream(with.parser.get(), stream, true, {}, {});
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
     properties.clear();
     const DOMElement* root = document->getDocumentElement();
@@ -280,7 +280,7 @@ void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, O
     try {
         XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), stream);
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
 }
 

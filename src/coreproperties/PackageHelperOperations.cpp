@@ -4,7 +4,9 @@
 #include "package/StreamRewinder.hpp"
 #include "xml/DocumentOutput.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/CoreProperties.hpp>
+#include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
@@ -20,16 +22,46 @@ Relationships findCoreProperties(const Package& package) {
     return package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
 }
 
-/// The part that the first of `relationships` leads to.
+/// The part that the first of `relationships` leads to; the failure names the relationship.
 Part getTarget(const Package& package, const Relationships& relationships) {
-    return package.getPart(PartName(relationships.begin()->getTargetURI()));
+    const Relationship first = *relationships.begin();
+    try {
+        return package.getPart(PartName(first.getTargetURI()));
+    } catch (Exception& e) {
+        e.addDetails("the core properties relationship " + toUDEString(first.getID()) + " leads to " +
+                     toUDEString(first.getTarget()));
+        throw;
+    }
 }
 
-Part createCoreProperties(Package& package) {
-    const URI uri = PackageHelper::getCorePropertiesURI();
-    Part part =
-        package.createPart(PartName(uri), PackageHelper::getCorePropertiesContentType(), StandardPartInfo());
-    package.createInternalRelationship(PackageHelper::getCorePropertiesRelationshipType(), uri);
+Part createPart(Package& package, const URI& name) {
+    return package.createPart(PartName(name), PackageHelper::getCorePropertiesContentType(),
+                              StandardPartInfo());
+}
+
+void relate(Package& package) {
+    package.createInternalRelationship(PackageHelper::getCorePropertiesRelationshipType(),
+                                       PackageHelper::getCorePropertiesURI());
+}
+
+/// The part that a relationship leads to, made anew; nothing if there can be none.
+std::optional<Part> createTarget(Package& package, const Relationship& relationship) {
+    if (relationship.getTargetMode() == TargetMode::External)
+        return std::nullopt;
+    try {
+        return createPart(package, relationship.getTargetURI());
+    } catch (const Exception&) { // another name may do
+        return std::nullopt;
+    }
+}
+
+/// Makes a part for a relationship that leads to none, or both anew.
+Part mend(Package& package, const Relationship& dangling) {
+    if (std::optional<Part> target = createTarget(package, dangling))
+        return *target;
+    Part part = createPart(package, PackageHelper::getCorePropertiesURI());
+    package.deleteRelationship(dangling.getID());
+    relate(package);
     return part;
 }
 
@@ -42,10 +74,27 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
         return properties;
     const Part part = getTarget(package, relationships);
     CorePropertiesSerializer serializer(package.getDocumentBudget());
-    InputStream& stream = part.getInputStream();
-    const StreamRewinder rewinder(stream);
-    serializer.read(stream, properties);
-    return properties;
+    try {
+        InputStream& stream = part.getInputStream();
+        const StreamRewinder rewinder(stream);
+        serializer.read(stream, properties);
+        return properties;
+    } catch (Exception& e) {
+        e.addDetails(toUDEString(part.getName().toString()));
+        throw;
+    }
+}
+
+bool PackageHelper::hasDanglingCoreProperties(const Package& package) {
+    const Relationships relationships = findCoreProperties(package);
+    if (relationships.empty())
+        return false;
+    try {
+        getTarget(package, relationships);
+        return false;
+    } catch (const Exception&) {
+        return true;
+    }
 }
 
 void PackageHelper::createOrUpdateCoreProperties(Package& package, const CoreProperties& properties) {
@@ -58,9 +107,24 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
         package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
     CorePropertiesSerializer serializer(package.getDocumentBudget());
     const std::string document = serializer.compose(properties); // before anything changes
-    if (!part)
-        part = createCoreProperties(package);
+    if (!part) {
+        part = createPart(package, getCorePropertiesURI());
+        relate(package);
+    }
     writeDocument(document, part->getOutputStream());
+}
+
+void PackageHelper::mendCoreProperties(Package& package, const CoreProperties& properties) {
+    if (!hasDanglingCoreProperties(package)) {
+        createOrUpdateCoreProperties(package, properties);
+        return;
+    }
+    package.throwIfReadOnly();
+    package.throwIfCreateOnly();
+    package.throwIfRelationshipsFixed(); // the relationship may be replaced behind the part: it must not fail
+    CorePropertiesSerializer serializer(package.getDocumentBudget());
+    const std::string document = serializer.compose(properties); // before anything changes
+    writeDocument(document, mend(package, *findCoreProperties(package).begin()).getOutputStream());
 }
 
 void PackageHelper::deleteCoreProperties(Package& package) {

@@ -20,6 +20,7 @@
 
 #include <xercesc/dom/DOM.hpp>
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <set>
@@ -35,7 +36,13 @@ constexpr std::size_t LARGEST_SCANNED = 16 << 20;
 struct FoundEntry {
     std::u16string key;
     const std::u16string* contentType;
+    XMLFileLoc line;
 };
+
+/// The line in which a piece of a document begins.
+XMLFileLoc lineOf(std::string_view document, std::string_view piece) {
+    return static_cast<XMLFileLoc>(1 + std::count(document.data(), piece.data(), '\n'));
+}
 
 /// The content types of one stream, which has few different ones: each is parsed once. They stand in a tree,
 /// since nobody can choose texts that make it slow.
@@ -62,8 +69,10 @@ void addDefault(ContentTypeMap& map, const std::u16string& extension, const std:
 PartName toPartName(const std::u16string& text) {
     try {
         return PartName(text);
-    } catch (const InvalidPartName&) {
-        throw InvalidPartContent("PartName is not a valid part name");
+    } catch (const InvalidPartName& e) {
+        InvalidPartContent failure("PartName is not a valid part name");
+        failure.addDetails(e.what());
+        throw failure;
     }
 }
 
@@ -71,6 +80,29 @@ void addOverride(ContentTypeMap& map, const std::u16string& partName, const std:
                  ContentTypeReader& types) {
     const PartName name = toPartName(partName);
     map.addOverride(name, types.read(contentType));
+}
+
+struct EntryKind {
+    const char* name;
+    void (*add)(ContentTypeMap&, const std::u16string& key, const std::u16string& contentType,
+                ContentTypeReader&);
+};
+
+constexpr EntryKind DEFAULT{"Default", addDefault};
+constexpr EntryKind OVERRIDE{"Override", addOverride};
+
+/// Adds an entry to the map; its failure tells which one it is.
+/// @param line  called for the entry's line if that is needed
+template <typename Line>
+void addEntry(const EntryKind& kind, ContentTypeMap& map, const std::u16string& key,
+              const std::u16string& contentType, ContentTypeReader& types, const Line& line) {
+    try {
+        kind.add(map, key, contentType, types);
+    } catch (Exception& e) {
+        e.addDetails(std::string(kind.name) + " \"" + toUDEString(key) + "\" in line " +
+                     std::to_string(line()) + " of the content types stream");
+        throw;
+    }
 }
 
 constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
@@ -100,10 +132,14 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     if (document && scanContentTypes(*document, scanned)) {
         share.addElements(scanned.defaults.size() + scanned.overrides.size() + 1);
         ContentTypeReader types;
+        const auto add = [&](const EntryKind& kind, const ScannedContentType& entry) {
+            addEntry(kind, map, widen(entry.key), widen(entry.contentType), types,
+                     [&] { return lineOf(*document, entry.key); });
+        };
         for (const ScannedContentType& entry : scanned.defaults)
-            addDefault(map, widen(entry.key), widen(entry.contentType), types);
+            add(DEFAULT, entry);
         for (const ScannedContentType& entry : scanned.overrides)
-            addOverride(map, widen(entry.key), widen(entry.contentType), types);
+            add(OVERRIDE, entry);
     } else {
         parseCounted(map, replayed, share);
     }
@@ -128,7 +164,7 @@ void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& strea
     const auto keep = [&](std::deque<FoundEntry>& entries, const VisitedElement& element,
                           std::u16string_view key) {
         const auto contentType = contentTypes.emplace(element.attribute(u"ContentType")).first;
-        entries.push_back({std::u16string(element.attribute(key)), &*contentType});
+        entries.push_back({std::u16string(element.attribute(key)), &*contentType, element.line()});
     };
     try {
         const auto parser = XercesHelper::createParser();
@@ -146,13 +182,17 @@ void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& strea
         });
         XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
     ContentTypeReader types;
-    for (; !defaults.empty(); defaults.pop_front())
-        addDefault(map, defaults.front().key, *defaults.front().contentType, types);
-    for (; !overrides.empty(); overrides.pop_front())
-        addOverride(map, overrides.front().key, *overrides.front().contentType, types);
+    const auto addAll = [&](const EntryKind& kind, std::deque<FoundEntry>& entries) {
+        for (; !entries.empty(); entries.pop_front()) {
+            const FoundEntry& entry = entries.front();
+            addEntry(kind, map, entry.key, *entry.contentType, types, [&entry] { return entry.line; });
+        }
+    };
+    addAll(DEFAULT, defaults);
+    addAll(OVERRIDE, overrides);
     map.setUnread(unread);
 }
 
@@ -224,7 +264,7 @@ void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStrea
         StringOutput composed(written);
         XercesHelper::writeDocumentToStream(writer.get(), document.get(), composed);
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
     writeCounted(written, map, stream);
 }

@@ -64,7 +64,7 @@ void ContentTypeSource::read() {
         PhysicalInputStream stream(physicalPackage->getContentTypeInputStream());
         serializer->read(*contentTypes, stream);
     } catch (const InvalidPartContent& e) {
-        throw InvalidContentTypeStream(e.what());
+        throw translated<InvalidContentTypeStream>(e, e.what());
     }
 }
 
@@ -146,7 +146,7 @@ void ContentTypeSource::flush() {
         contentTypes->setDirty(false);
         stream.close();
     } catch (const InvalidPartContent& e) {
-        throw InvalidContentTypeStream(std::string(IN_STREAM) + e.what());
+        throw translated<InvalidContentTypeStream>(e, std::string(IN_STREAM) + e.what());
     }
 }
 

@@ -69,8 +69,8 @@ void Package::open(interfaces::OpenMode mode) {
         physicalPackage.open(mode);
     } catch (const Exception& e) {
         if (hasCondition(e, boost::system::errc::no_such_file_or_directory))
-            throw PackageNotFound(e.what());
-        throw PackageOpenFailed(e.what(), e.code());
+            throw translated<PackageNotFound>(e, e.what());
+        throw translated<PackageOpenFailed>(e, e.what(), e.code());
     }
 
     try {
@@ -104,8 +104,8 @@ void Package::close(bool abandon) {
         physicalPackage.close(abandon);
     } catch (const Exception& e) {
         if (hasCondition(e, boost::system::errc::permission_denied))
-            throw PackagePermissionDenied(e.what());
-        throw PackageCloseFailed(e.what(), e.code());
+            throw translated<PackagePermissionDenied>(e, e.what());
+        throw translated<PackageCloseFailed>(e, e.what(), e.code());
     }
     forgetContent();
     opened = false;
@@ -186,9 +186,13 @@ void Package::doVerifyRelationship(const std::u16string& /*id*/, const std::u16s
 }
 
 void Package::throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const {
-    if (getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).size() > limit)
-        throw InvalidCorePropertiesRelationships(
-            "No more than one core properties relationship can exist in a package");
+    const auto found = getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
+    if (found.size() <= limit)
+        return;
+    InvalidCorePropertiesRelationships failure(
+        "No more than one core properties relationship can exist in a package");
+    failure.addDetails("one is " + toUDEString(found.begin()->getID()) + " in /_rels/.rels");
+    throw failure;
 }
 
 } // namespace opc::model

@@ -2,6 +2,7 @@
 
 #include "package/ContentTypeSource.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
@@ -100,7 +101,7 @@ public:
             key.size() - file >= EXTENSION.size() &&
             key.compare(key.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) == 0;
         if (!isNextToSource) {
-            orphaned = true; // "_rels" may stand further up, where no source leads
+            orphan = physicalPart; // "_rels" may stand further up, where no source leads
             return;
         }
         key.resize(key.size() - EXTENSION.size());
@@ -125,18 +126,30 @@ public:
         return std::exchange((next++)->physicalPart, nullptr);
     }
 
-    bool areTaken() const {
-        return !orphaned && std::all_of(parts.begin(), parts.end(), [](const RelationshipsPart& part) {
-            return part.physicalPart == nullptr;
+    /// One that no source has taken; null if there is none.
+    const interfaces::IPhysicalPart* findOrphan() const {
+        const auto left = std::find_if(parts.begin(), parts.end(), [](const RelationshipsPart& part) {
+            return part.physicalPart != nullptr;
         });
+        return left != parts.end() ? left->physicalPart : orphan;
     }
 
 private:
     Keys& keys;
     std::vector<RelationshipsPart> parts;
     std::vector<RelationshipsPart>::iterator next = parts.end();
-    bool orphaned = false;
+    const interfaces::IPhysicalPart* orphan = nullptr; // one that no source can take
 };
+
+/// The name that the physical layer gives; the failure tells it.
+PartName readName(const std::u16string& text) {
+    try {
+        return PartName(text);
+    } catch (Exception& e) {
+        e.addDetails(toUDEString(text));
+        throw;
+    }
+}
 
 } // namespace
 
@@ -150,7 +163,7 @@ void Package::initializeParts() {
     try {
         physicalParts = physicalPackage.getParts();
     } catch (const Exception& e) {
-        throw PackageOpenFailed(e.what(), e.code());
+        throw translated<PackageOpenFailed>(e, e.what(), e.code());
     }
 
     if (std::find(physicalParts.begin(), physicalParts.end(), nullptr) != physicalParts.end())
@@ -164,7 +177,7 @@ void Package::initializeParts() {
     RelationshipsParts relationships(physicalParts.size(), keys);
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
         const std::u16string text = physicalPart->getName();
-        const PartName name(text);
+        const PartName name = readName(text);
         if (name.isRelationshipName()) {
             // For its effects: it must have a content type, and keeps the `Default` of its extension in use.
             findContentType(name, *physicalPart);
@@ -189,8 +202,11 @@ void Package::initializeParts() {
         setPhysicalRelationshipPart(match, false);
 
     parts.swap(found);
-    if (!relationships.areTaken())
-        throw InconsistentPackage("Not all relationship parts were matched with regular parts");
+    if (const auto* orphan = relationships.findOrphan()) {
+        InconsistentPackage failure("Not all relationship parts were matched with regular parts");
+        failure.addDetails(toUDEString(orphan->getName()) + " has no source");
+        throw failure;
+    }
 }
 
 } // namespace opc::model

@@ -55,7 +55,7 @@ interfaces::IPhysicalPart* Package::createPartInternal(const PartName& name, con
     try {
         physicalPart = physicalPackage.createPart(name.toString(), contentType.toString(), partInfo);
     } catch (const Exception& e) {
-        throw PartCreateFailed(e.what());
+        throw translated<PartCreateFailed>(e, e.what());
     }
     if (physicalPart == nullptr)
         throw PartCreateFailed("The physical layer gives no part");
@@ -113,7 +113,7 @@ void Package::deletePhysicalPart(const PartName& name) {
     try {
         physicalPackage.deletePart(name.toString());
     } catch (const Exception& e) {
-        throw PartDeleteFailed(e.what());
+        throw translated<PartDeleteFailed>(e, e.what());
     }
 }
 

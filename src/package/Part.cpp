@@ -42,7 +42,7 @@ struct Part::Impl : RelationshipSource::Impl {
             throwIfGone(physicalPart);
             return ask(*physicalPart);
         } catch (const Exception& e) {
-            throw InvalidPartStream(e.what());
+            throw translated<InvalidPartStream>(e, e.what());
         }
     }
 

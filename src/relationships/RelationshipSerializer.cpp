@@ -94,7 +94,9 @@ private:
             const TargetMode mode = checkRelationship(type, target, element.attribute(u"TargetMode"));
             found.push_back({memory.keep(element.attribute(u"Id")), types.share(toASCIIString(type)),
                              memory.keep(target), &sourceURI, mode});
-        } catch (const InvalidPartContent&) {
+        } catch (InvalidPartContent& e) {
+            e.addDetails("relationship " + toUDEString(std::u16string(element.attribute(u"Id"))) +
+                         " in line " + std::to_string(element.line()));
             failure = std::current_exception();
         }
     }
@@ -189,7 +191,7 @@ void RelationshipSerializer::parseCounted(InputStream& stream, RelationshipManag
             XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
         });
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &found.makeGroup()));
     found.throwIfOneIsBad();
@@ -239,7 +241,7 @@ void RelationshipSerializer::writeByXerces(const RelationshipManager& manager, O
         StringOutput written(composed);
         XercesHelper::writeDocumentToStream(writer.get(), document.get(), written);
     } catch (const InvalidXMLDocument& e) {
-        throw InvalidPartContent(e.what());
+        throw translated<InvalidPartContent>(e, e.what());
     }
     names.writer = std::move(writer);
     writeCounted(composed, manager, stream);

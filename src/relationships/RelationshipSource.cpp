@@ -52,7 +52,7 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
         if (PartName(absoluteForm).isRelationshipName())
             throw InvalidRelationshipTarget("Relationship target cannot be a relationship part name.");
     } catch (const InvalidPartName& e) {
-        throw InvalidRelationshipTarget(e.what());
+        throw translated<InvalidRelationshipTarget>(e, e.what());
     }
     if (absoluteForm == sourceURI)
         throw InvalidRelationshipTarget("Relationship target cannot be the same as the source.");
@@ -227,7 +227,8 @@ void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* 
         PhysicalInputStream stream(part->getInputStream());
         impl->manager.read(stream, getPackage().getRelationshipSerializer());
     } catch (const InvalidPartContent& e) {
-        throw InvalidRelationshipContent("In " + toASCIIString(part->getName()) + ": " + e.what());
+        throw translated<InvalidRelationshipContent>(e, "In " + toASCIIString(part->getName()) + ": " +
+                                                            e.what());
     }
 }
 

@@ -30,7 +30,7 @@ auto translateSigningFailures(Action&& action) {
     } catch (const bedrock::crypto::utils::Exception& e) {
         throw CouldNotGenerateSignature(e.what());
     } catch (const Exception& e) {
-        throw CouldNotGenerateSignature(e.what());
+        throw translated<CouldNotGenerateSignature>(e, e.what());
     }
 }
 

@@ -81,7 +81,7 @@ void DigitalSignatureManager::discardSignatures() {
     try {
         discardAll();
     } catch (const Exception& e) {
-        throw CouldNotRemoveSignature(e.what());
+        throw translated<CouldNotRemoveSignature>(e, e.what());
     }
     m_signatures.clear();
     m_nextSignatureID = 1;

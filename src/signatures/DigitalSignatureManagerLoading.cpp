@@ -28,8 +28,12 @@ namespace {
 
 using bedrock::codesigning_verifier::ErrorMap;
 
-[[noreturn]] void throwUnreadable(const std::string& message) {
-    throw InvalidSignature(message, ErrorMap<102>());
+[[noreturn]] void throwUnreadable(const std::string& message,
+                                  std::initializer_list<std::string> details = {}) {
+    InvalidSignature failure(message, ErrorMap<102>());
+    for (const std::string& phrase : details)
+        failure.addDetails(phrase);
+    throw failure;
 }
 
 /// The number in a text of digits. Identifiers count in 32 bits.
@@ -88,11 +92,11 @@ void DigitalSignatureManager::doLoad() {
         m_placeOfFailure.clear();
         m_work = measureWork();
     } catch (const Exception& e) {
-        throwUnreadable(e.what());
+        throwUnreadable(e.what(), {e.details(), m_placeOfFailure});
     } catch (const bedrock::crypto::utils::Exception& e) {
-        throwUnreadable(e.what());
+        throwUnreadable(e.what(), {m_placeOfFailure});
     } catch (const bedrock::certificates::CertificateException& e) {
-        throwUnreadable(e.what());
+        throwUnreadable(e.what(), {m_placeOfFailure});
     }
 }
 

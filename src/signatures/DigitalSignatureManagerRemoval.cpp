@@ -67,7 +67,7 @@ void DigitalSignatureManager::deleteSignaturePart(const PartName& partName) {
     } catch (const RelationshipNotFound& e) {
         throw CouldNotRemoveSignature("Unable to delete relationship" + ADVICE + e.what());
     } catch (const Exception& e) {
-        throw CouldNotRemoveSignature(e.what());
+        throw translated<CouldNotRemoveSignature>(e, e.what());
     }
 }
 

@@ -230,7 +230,8 @@ DigitalSignatureManager::composeSignaturePart(DigitalSignatureData& data) const 
     try {
         m_serializer->readSignature(metered, again);
     } catch (const InvalidPartContent& e) {
-        throw CouldNotGenerateSignature(std::string("The signature couldn't be loaded again: ") + e.what());
+        throw translated<CouldNotGenerateSignature>(
+            e, std::string("The signature couldn't be loaded again: ") + e.what());
     }
     data.m_share = std::move(again.m_share);
     return document;

@@ -45,6 +45,11 @@ void takeOver(SignerFinding&& signer, JudgedSignature& judged) {
     judged.weaknesses.insert(judged.weaknesses.end(), signer.weaknesses.begin(), signer.weaknesses.end());
 }
 
+std::string withDetails(const Exception& failure) {
+    return *failure.details() == '\0' ? failure.what()
+                                      : std::string(failure.what()) + "; " + failure.details();
+}
+
 bool isOfObject(const Reference* reference) {
     return isSameDocumentReference(reference->referenceURI);
 }
@@ -57,8 +62,7 @@ SignatureVerdict DigitalSignatureManager::judge(const SignaturePolicy& policy) {
     try {
         ensureLoaded();
     } catch (const InvalidSignature& e) {
-        const std::string place = m_placeOfFailure.empty() ? "" : m_placeOfFailure + ": ";
-        verdict.reasons.push_back({Kind::Unreadable, {}, e.getErrorCode(), place + e.what()});
+        verdict.reasons.push_back({Kind::Unreadable, {}, e.getErrorCode(), withDetails(e)});
         return verdict;
     }
     judgeAll(m_signatures, policy, verdict);
@@ -108,9 +112,9 @@ JudgedSignature DigitalSignatureManager::judgeOne(const DigitalSignature& signat
         judged.holds = judged.code == ErrorMap<0>();
         judged.status = verdict::inWords(judged.code.value());
     } catch (const InvalidSignature& e) {
-        refuse(judged, e.getErrorCode(), e.what());
+        refuse(judged, e.getErrorCode(), withDetails(e));
     } catch (const Exception& e) {
-        refuse(judged, ErrorMap<-1>(), e.what());
+        refuse(judged, ErrorMap<-1>(), withDetails(e));
     }
     if (!judged.isChecked)
         judged.status = "can't be checked";

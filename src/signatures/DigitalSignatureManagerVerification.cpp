@@ -131,7 +131,7 @@ DigitalSignatureVerificationStatus DigitalSignatureManager::verify(const Digital
     } catch (const InvalidSignature& e) {
         throw stripInvalidSignatureExceptionMessage(e);
     } catch (const Exception& e) {
-        throw InvalidSignature(e.what(), ErrorMap<-1>());
+        throw translated<InvalidSignature>(e, e.what(), ErrorMap<-1>());
     }
 }
 
@@ -192,7 +192,7 @@ std::vector<const Reference*> DigitalSignatureManager::findDifferences(const Dig
                     differences.push_back(&reference);
         return differences;
     } catch (const Exception& e) {
-        throw InvalidSignature(e.what(), ErrorMap<104>());
+        throw translated<InvalidSignature>(e, e.what(), ErrorMap<104>());
     }
 }
 

@@ -118,7 +118,7 @@ DigitalSignatureManager::countersignHelper() const {
                                getSignatureRelationshipType());
         return {std::move(parts), std::move(selectors)};
     } catch (const Exception& e) {
-        throw CouldNotGenerateSignature(e.what());
+        throw translated<CouldNotGenerateSignature>(e, e.what());
     }
 }
 

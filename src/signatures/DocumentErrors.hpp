@@ -12,7 +12,7 @@ auto translateDocumentFailures(Operation&& operation) {
     try {
         return std::forward<Operation>(operation)();
     } catch (const InvalidXMLDocument& failure) {
-        throw InvalidPartContent(failure.what());
+        throw translated<InvalidPartContent>(failure, failure.what());
     }
 }
 

@@ -31,9 +31,12 @@ public:
     }
 };
 
-void refuseIf(bool exceeded, const char* message) {
-    if (exceeded)
-        throw InvalidXMLDocument(message);
+void refuseIf(bool exceeded, const char* message, const xercesc::XMLScanner& scanner) {
+    if (!exceeded)
+        return;
+    InvalidXMLDocument failure(message);
+    failure.addDetails("line " + std::to_string(scanner.getLocator()->getLineNumber()));
+    throw failure;
 }
 
 } // namespace
@@ -57,11 +60,12 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
                                   const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                   XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     pending = 0;
-    refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements");
+    refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements",
+             scanner());
     refuseIf(attributeCount > MAXIMUM_ATTRIBUTES,
-             "XML content can not have more than 1000 attributes on an element");
+             "XML content can not have more than 1000 attributes on an element", scanner());
     refuseIf(openAttributes + attributeCount > MAXIMUM_OPEN_ATTRIBUTES,
-             "XML content can not have more than 4000 attributes on nested elements");
+             "XML content can not have more than 4000 attributes on nested elements", scanner());
     countName(declaration.getBaseName());
     for (XMLSize_t i = 0; i < attributeCount; ++i)
         countAttribute(*attributes.elementAt(i));
@@ -87,7 +91,8 @@ void DocumentLimits::countName(const XMLCh* name) {
     if (laterNames.count(name) != 0)
         return;
     laterNames.insert(nameTexts.emplace_back(name));
-    refuseIf(laterNames.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 different names");
+    refuseIf(laterNames.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 different names",
+             scanner());
 }
 
 void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
@@ -96,15 +101,17 @@ void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
     if (xercesc::XMLString::equals(attribute.getPrefix(), u"xmlns") ||
         xercesc::XMLString::equals(name, u"xmlns")) {
         namespaces.insert(attribute.getValue());
-        refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces");
+        refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces",
+                 scanner());
     }
     if (attribute.getType() == xercesc::XMLAttDef::ID)
-        refuseIf(ids.add(std::u16string_view(attribute.getValue())), CollidingIDs::TOO_MANY);
+        refuseIf(ids.add(std::u16string_view(attribute.getValue())), CollidingIDs::TOO_MANY, scanner());
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {
     pending = 0;
-    refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments");
+    refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments",
+             scanner());
     DocumentHandlerLink::docComment(comment);
 }
 

@@ -23,7 +23,8 @@ void ElementVisits::startElement(const xercesc::XMLElementDecl& declaration, uns
                                  const XMLCh* prefix,
                                  const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                  XMLSize_t attributeCount, bool /*isEmpty*/, bool isRoot) {
-    visitor({declaration, prefix, scanner().getURIText(uriId), attributes, attributeCount, isRoot});
+    visitor({declaration, prefix, scanner().getURIText(uriId), attributes, attributeCount, isRoot,
+             scanner().getLocator()->getLineNumber()});
 }
 
 void ElementVisits::endElement(const xercesc::XMLElementDecl& /*declaration*/, unsigned int /*uriId*/,

@@ -12,11 +12,14 @@ class VisitedElement {
 public:
     VisitedElement(const xercesc::XMLElementDecl& itsDeclaration, const XMLCh* itsPrefix,
                    const XMLCh* itsNamespace, const xercesc::RefVectorOf<xercesc::XMLAttr>& itsAttributes,
-                   XMLSize_t count, bool isTheRoot)
+                   XMLSize_t count, bool isTheRoot, XMLFileLoc itsLine)
         : declaration(itsDeclaration), prefix(itsPrefix), namespaceURI(itsNamespace),
-          attributes(itsAttributes), attributeCount(count), root(isTheRoot) {}
+          attributes(itsAttributes), attributeCount(count), root(isTheRoot), lineNumber(itsLine) {}
 
     bool isRoot() const { return root; }
+
+    /// Where its start tag ends.
+    XMLFileLoc line() const { return lineNumber; }
 
     /// Whether it has this tag name, which is one without a prefix.
     bool isNamed(std::u16string_view tagName) const { return !(prefix && *prefix) && localName() == tagName; }
@@ -38,6 +41,7 @@ private:
     const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes;
     XMLSize_t attributeCount;
     bool root;
+    XMLFileLoc lineNumber;
 };
 
 /// Has the elements of a document visited while the parser reads it, in document order, in place

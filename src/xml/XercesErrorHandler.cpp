@@ -3,9 +3,16 @@
 #include "xml/XercesFailures.hpp"
 
 #include <xercesc/dom/DOMError.hpp>
+#include <xercesc/dom/DOMLocator.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 namespace opc::model {
+
+namespace {
+
+constexpr XMLFileLoc UNKNOWN = ~XMLFileLoc{0}; // Xerces' -1
+
+} // namespace
 
 XercesErrorHandler::~XercesErrorHandler() {
     xercesc::XMLString::release(&errorMessage);
@@ -17,6 +24,9 @@ bool XercesErrorHandler::handleError(const xercesc::DOMError& error) {
     // Xerces swallows what is thrown here and takes the document as valid: the error counts even if there is
     // no memory for its message.
     recorded = true;
+    const xercesc::DOMLocator* const place = error.getLocation();
+    line = place != nullptr ? place->getLineNumber() : 0;
+    column = place != nullptr ? place->getColumnNumber() : 0;
     try {
         char16_t* const copy = xercesc::XMLString::replicate(error.getMessage());
         xercesc::XMLString::release(&errorMessage);
@@ -28,8 +38,12 @@ bool XercesErrorHandler::handleError(const xercesc::DOMError& error) {
 }
 
 void XercesErrorHandler::throwIfError() const {
-    if (recorded)
-        throw InvalidXMLDocument(toNarrowMessage(errorMessage));
+    if (!recorded)
+        return;
+    InvalidXMLDocument failure(toNarrowMessage(errorMessage));
+    if (line != 0 && line != UNKNOWN)
+        failure.addDetails("line " + std::to_string(line) + ", column " + std::to_string(column));
+    throw failure;
 }
 
 } // namespace opc::model

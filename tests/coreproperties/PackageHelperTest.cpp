@@ -145,21 +145,53 @@ TEST_F(CorePropertiesOfPackage, failuresOfTheCalleesPass) {
 }
 
 TEST_F(CorePropertiesOfPackage, whereTheRelationshipLeadsToNoPart) {
-    const auto check = [this](const std::string& target, auto failure) {
+    const auto check = [this](const std::string& target, auto failure, const std::u16string& mended) {
         using E = decltype(failure);
         SCOPED_TRACE(target);
         makeStore("", target);
         package.open(OpenMode::ReadWrite);
+        EXPECT_TRUE(PackageHelper::hasDanglingCoreProperties(package));
+        EXPECT_EQ(detailsOf([this] {
+                      PackageHelper::getCoreProperties(package);
+                  }).rfind("the core properties relationship core leads to ", 0),
+                  0U);
         EXPECT_THROW(PackageHelper::getCoreProperties(package), E);
         EXPECT_THROW(PackageHelper::createOrUpdateCoreProperties(package, {}), E);
         EXPECT_EQ(package.getRelationships().size(), 1U);
         EXPECT_THROW(remove(), E);
         EXPECT_EQ(package.getRelationships().size(), 0U) << "the relationship goes before its target";
         package.close(true);
+
+        package.open(OpenMode::ReadOnly);
+        EXPECT_THROW(PackageHelper::mendCoreProperties(package, {}), PackageReadOnly);
+        package.close(false);
+        package.open(OpenMode::ReadWrite);
+        CoreProperties properties;
+        properties.setTitle(u"\u0001");
+        EXPECT_THROW(PackageHelper::mendCoreProperties(package, properties), InvalidPartContent);
+        EXPECT_EQ(package.getParts().size(), 2U);
+        properties.setTitle(u"t");
+        PackageHelper::mendCoreProperties(package, properties);
+        package.close(false);
+
+        package.open(OpenMode::ReadWrite);
+        EXPECT_FALSE(PackageHelper::hasDanglingCoreProperties(package));
+        EXPECT_EQ(title(), u"t");
+        const Relationship relationship = *package.getRelationships().begin();
+        EXPECT_EQ(relationship.getTargetURI().toString(), mended);
+        EXPECT_EQ(relationship.getID() == u"core", target == "none.xml") << "it stays if it can";
+        properties.setTitle(u"u");
+        PackageHelper::mendCoreProperties(package, properties);
+        EXPECT_EQ(title(), u"u");
+        package.close(true);
+        store.removePart(mended);
     };
-    check("none.xml", PartNotFound(""));
-    check(R"(http://example.com/core.xml" TargetMode="External)", InvalidPartName(""));
-    check("a/%2F", InvalidPartName(""));
+    const std::u16string fixed = u"/metadata/coreProperties.xml";
+    check("none.xml", PartNotFound(""), u"/none.xml");
+    check("docProps/core.xml/below.xml", PartNotFound(""), fixed);
+    check("none.xml#there", PartNotFound(""), fixed);
+    check(R"(http://example.com/core.xml" TargetMode="External)", InvalidPartName(""), fixed);
+    check("a/%2F", InvalidPartName(""), fixed);
 }
 
 TEST_F(CorePropertiesOfPackage, aTextThatCanNotBeWrittenChangesNothing) {

@@ -120,27 +120,43 @@ TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
         "InconsistentPackage: Not all relationship parts were matched with regular parts";
     const std::string notASCII =
         "InvalidURI: Could not successfully parse URI string. URI must contain only US-ASCII.";
-    const std::pair<Spoil, std::string> cases[] = {
-        {withPart(u"/_rels/x.xml.rels"), unmatched},
-        {withPart(u"/_rels/_rels/.rels.rels"), unmatched},
-        {withPart(u"/x./y.xml"),
-         "InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]"},
-        {withPart(u"/é.xml"), notASCII},
-        {withPart(u"/b/c.png"), "ContentTypeNotFound: No content type was found for part:/b/c.png"},
+    struct Case {
+        Spoil spoil;
+        std::string outcome;
+        std::string details;
+    };
+    const Case cases[] = {
+        {withPart(u"/_rels/x.xml.rels"), unmatched, "/_rels/x.xml.rels has no source"},
+        {withPart(u"/_rels/_rels/.rels.rels"), unmatched, "/_rels/_rels/.rels.rels has no source"},
+        {withPart(u"/x./y.xml"), "InvalidPartName: A segment shall not end with a dot ('.') character [M1.9]",
+         "/x./y.xml"},
+        {withPart(u"/é.xml"), notASCII, "/é.xml"},
+        {withPart(u"/b/c.png"), "ContentTypeNotFound: No content type was found for part:/b/c.png", ""},
         {withTypes(R"(<Default Extension="xml" ContentType="application/xml"/>)"),
-         "ContentTypeNotFound: No content type was found for part:/_rels/.rels"},
-        {withPart(u"/_rels/a.xml.rels", R"(<Relationship Id="r" Type="t:t" Target=""/>)"),
-         "InvalidRelationshipContent: In /_rels/a.xml.rels: Target is empty"},
+         "ContentTypeNotFound: No content type was found for part:/_rels/.rels", ""},
+        {withPart(
+             u"/_rels/a.xml.rels",
+             "<!-- -->\n"
+             R"(<Relationship Id="r" Type="t:t" Target="a"/><Relationship Id="s" Type="t:t" Target=""/>)"),
+         "InvalidRelationshipContent: In /_rels/a.xml.rels: Target is empty", "relationship s in line 2"},
+        {withPart(u"/_rels/a.xml.rels", "\n\n<Relationship></Relationships>"),
+         "InvalidRelationshipContent: In /_rels/a.xml.rels: missing required attribute 'Target'",
+         "line 3, column 15"},
         {withPart(u"/_rels/.rels", coreRelationship("r1") + coreRelationship("r2")),
          "InvalidCorePropertiesRelationships: No more than one core properties relationship can exist in a "
-         "package"},
+         "package",
+         "one is r1 in /_rels/.rels"},
         {withOverride(R"(PartName="a/b" ContentType="a/b")"),
-         "InvalidContentTypeStream: PartName is not a valid part name"},
-        {withOverride(R"(PartName="/é" ContentType="a/b")"), notASCII},
-        {withOverride(R"(PartName="/a" ContentType="a/b;c=&quot;&quot;")"),
-         "InvalidContentType: Could not successfully parse content type string"},
+         "InvalidContentTypeStream: PartName is not a valid part name",
+         "A part name shall start with a forward slash ('/') character [M1.4]; Override \"a/b\" in line 1 of "
+         "the content types stream"},
+        {withOverride(R"(PartName="/é" ContentType="a/b")"), notASCII,
+         "Override \"/é\" in line 1 of the content types stream"},
+        {withOverride("\nPartName=\"/a\" ContentType=\"a/b;c=&quot;&quot;\""),
+         "InvalidContentType: Could not successfully parse content type string",
+         "Override \"/a\" in line 2 of the content types stream"},
     };
-    for (const auto& [spoil, outcome] : cases) {
+    for (const auto& [spoil, outcome, details] : cases) {
         SCOPED_TRACE(outcome);
         MemoryPackage store;
         fill(store, {u"/a.xml", u"/b/c.xml"});
@@ -149,6 +165,7 @@ TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
         ScriptedPackage physical(store);
         Package package(physical);
         EXPECT_EQ(outcomeOf([&] { package.open(OpenMode::ReadWrite); }), "opc::model::" + outcome);
+        EXPECT_EQ(detailsOf([&] { package.open(OpenMode::ReadWrite); }), details);
         EXPECT_FALSE(package.isOpen());
         EXPECT_EQ(physical.calls.back(), "close true");
         EXPECT_RAISES(PackageNotOpen, "Package is not open", package.getParts());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/core/Exception.hpp>
+
 #include <boost/core/demangle.hpp>
 
 #include <exception>
@@ -15,6 +17,17 @@ std::string outcomeOf(const Action& action) {
         action();
     } catch (const std::exception& e) {
         return boost::core::demangle(typeid(e).name()) + ": " + e.what();
+    }
+    return {};
+}
+
+/// The details of what comes out of an action; empty if it raises nothing.
+template <typename Action>
+std::string detailsOf(const Action& action) {
+    try {
+        action();
+    } catch (const Exception& e) {
+        return e.details();
     }
     return {};
 }

@@ -70,6 +70,28 @@ TEST_F(Opctool, propsNowIsTheCurrentTime) {
     EXPECT_LE(created, currentTime());
 }
 
+TEST_F(Opctool, propsMendsARelationshipThatLeadsToNoPart) {
+    const std::string core =
+        "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+    run("new p.zip");
+    run("relate p.zip / " + core + " docProps/core.xml --id core");
+    const std::string line =
+        "opctool: p.zip: /_rels/.rels#core: the core properties relationship leads to no part: "
+        "docProps/core.xml; there are no core properties\n";
+    const Outcome read = run("props p.zip --json");
+    EXPECT_EQ(read.status, 0);
+    EXPECT_EQ(read.output, "{}\n");
+    EXPECT_EQ(read.errors, line);
+    for (const char* command : {"props p.zip --strict", "props p.zip --set title=t --strict"})
+        expectFailure(command,
+                      "PartNotFound: No part found with the name:/docProps/core.xml; the core properties "
+                      "relationship core leads to docProps/core.xml",
+                      "p.zip");
+    EXPECT_EQ(run("props p.zip --set title=t").errors, line);
+    EXPECT_EQ(list("props p.zip"), nlohmann::json({{"title", "t"}}));
+    EXPECT_EQ(list("rels p.zip").at(0)["target"], "docProps/core.xml");
+}
+
 TEST_F(Opctool, propsLeavesTheFileAloneIfItCanNotDoAllItIsTold) {
     run("new p.zip");
     run("props p.zip --clear");

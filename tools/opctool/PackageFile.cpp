@@ -17,8 +17,14 @@ using opc::interfaces::OpenMode;
 
 namespace {
 
+opc::physical::ZipOptions zipOptions(bool strict) {
+    opc::physical::ZipOptions options;
+    options.lenient = !strict;
+    return options;
+}
+
 bool opensLeniently(const std::string& path) {
-    opc::physical::ZipPackage archive(path);
+    opc::physical::ZipPackage archive(path, zipOptions(false));
     opc::physical::LenientPackage lenient(archive);
     opc::model::Package package(lenient);
     try {
@@ -40,7 +46,7 @@ void addPackage(CLI::App& command, PackageArgument& package) {
 }
 
 PackageFile::PackageFile(PackageArgument itsArgument)
-    : argument(std::move(itsArgument)), archive(argument.path), lenient(archive),
+    : argument(std::move(itsArgument)), archive(argument.path, zipOptions(argument.strict)), lenient(archive),
       store(argument.strict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
 }
 

@@ -1,5 +1,6 @@
 #include "Progress.hpp"
 
+#include <opc/interfaces/IKeptRelationships.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 
@@ -99,8 +100,9 @@ IPhysicalPart* WatchedPackage::createPart(const std::u16string& name, const std:
 }
 
 IPhysicalPart* WatchedPackage::watch(IPhysicalPart* part) {
-    if (part == nullptr)
-        return nullptr;
+    // What has more than the interface of a part keeps it.
+    if (part == nullptr || dynamic_cast<opc::interfaces::IKeptRelationships*>(part) != nullptr)
+        return part;
     parts.push_back(std::make_unique<WatchedPart>(*part, progress));
     return parts.back().get();
 }

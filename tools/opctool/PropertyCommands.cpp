@@ -56,10 +56,29 @@ void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& pack
                      "to it; it is left alone");
 }
 
+/// None, with a word about it, if their relationship leads to no part. Strictly that is a failure.
+CoreProperties read(const PackageArgument& argument, const Package& package) {
+    if (argument.strict || !PackageHelper::hasDanglingCoreProperties(package))
+        return PackageHelper::getCoreProperties(package);
+    const auto dangling =
+        *package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).begin();
+    tell(argument.path, "/_rels/.rels#" + opc::toUDEString(dangling.getID()) +
+                            ": the core properties relationship leads to no part: " +
+                            opc::toUDEString(dangling.getTarget()) + "; there are no core properties");
+    return {};
+}
+
+void write(const PackageArgument& argument, Package& package, const CoreProperties& properties) {
+    if (argument.strict)
+        PackageHelper::createOrUpdateCoreProperties(package, properties);
+    else
+        PackageHelper::mendCoreProperties(package, properties);
+}
+
 void print(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadOnly);
     warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
-    const nlohmann::json description = describe(PackageHelper::getCoreProperties(*package));
+    const nlohmann::json description = describe(read(arguments.package, *package));
     if (arguments.json)
         std::cout << escapedJSON(description.dump(2)) << '\n';
     else
@@ -71,7 +90,7 @@ void change(const Arguments& arguments) {
     warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
     CoreProperties properties;
     if (!arguments.clear) // what is to be dropped needn't be readable
-        properties = PackageHelper::getCoreProperties(*package);
+        properties = read(arguments.package, *package);
     for (const std::string& name : arguments.unset)
         unset(properties, name);
     for (const std::string& assignment : arguments.set)
@@ -84,7 +103,7 @@ void change(const Arguments& arguments) {
     }
     if (properties.isEmpty() && !hasCoreProperties(*package))
         return;
-    PackageHelper::createOrUpdateCoreProperties(*package, properties);
+    write(arguments.package, *package, properties);
     package.save();
 }
 

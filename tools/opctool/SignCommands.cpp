@@ -140,6 +140,18 @@ DigitalSignature sign(const SigningMaterial& material, const Selection& selectio
     }
 }
 
+/// What no signature can cover, in one line; empty if there is nothing.
+std::string describeIgnored(const Package& package) {
+    constexpr std::size_t TOLD = 5; // a small package can hold very many
+    const auto items = package.getIgnoredItems();
+    std::string text;
+    for (std::size_t i = 0; i < std::min(items.size(), TOLD); ++i)
+        text += (i == 0 ? "" : "; ") + opc::toUDEString(items[i].name) + ": " + items[i].reason;
+    if (items.size() > TOLD)
+        text += "; and " + std::to_string(items.size() - TOLD) + " more";
+    return text;
+}
+
 void sign(const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
@@ -147,7 +159,10 @@ void sign(const SignArguments& arguments) {
     const DigitalSignature signature = sign(material, select(arguments, *package, signatures), signatures);
     const bool breaksCountersignature = signatures.isPackageCountersigned();
     const bool carriesForeign = signatures.hasForeignSignatures();
+    const std::string ignored = describeIgnored(*package);
     package.save();
+    if (!ignored.empty())
+        tell(arguments.package.path, "warning: no signature covers what other programs may read: " + ignored);
     if (breaksCountersignature)
         tell(arguments.package.path, "warning: the countersignature doesn't hold any longer");
     if (carriesForeign)

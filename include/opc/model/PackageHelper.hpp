@@ -71,6 +71,18 @@ public:
     ///         leads to no part
     static void createOrUpdateCoreProperties(Package& package, const CoreProperties& properties);
 
+    /// Whether the package has a core properties relationship that leads to no part of it: to one that has gone,
+    /// out of the package, or to what is no part name. Its core properties can't be read then.
+    /// @throws PackageNotOpen
+    static bool hasDanglingCoreProperties(const Package& package);
+
+    /// Does what `createOrUpdateCoreProperties` does, also where the core properties relationship leads to no
+    /// part. Then the part is created under the name that the relationship leads to. Where no part can have it,
+    /// the part is created at `getCorePropertiesURI`, and a new relationship takes the place of the old one.
+    /// @throws PackageCreateOnly  the relationship leads to no part, and the package is being created
+    /// @throws as `createOrUpdateCoreProperties` but for the last three
+    static void mendCoreProperties(Package& package, const CoreProperties& properties);
+
     /// Deletes the core properties part and its relationship; does nothing if there is none.
     /// @throws as `deleteRelationshipsAndTargets`
     static void deleteCoreProperties(Package& package);

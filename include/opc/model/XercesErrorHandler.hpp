@@ -3,6 +3,7 @@
 #include <opc/model/Export.hpp>
 
 #include <xercesc/dom/DOMErrorHandler.hpp>
+#include <xercesc/util/XercesDefs.hpp>
 
 namespace opc::model {
 
@@ -22,12 +23,15 @@ public:
     /// @return whether Xerces goes on
     bool handleError(const xercesc::DOMError& error) override;
 
-    /// @throws InvalidXMLDocument  with the recorded message, if there is one
+    /// @throws InvalidXMLDocument  with the recorded message, if there is one; its details tell the line and the
+    ///                             column, if they are known
     void throwIfError() const;
 
 private:
     bool recorded = false; ///< apart from the message, which may be absent or fail to be copied
     char16_t* errorMessage = nullptr;
+    XMLFileLoc line = 0; ///< 0 if it isn't known
+    XMLFileLoc column = 0;
 };
 
 } // namespace opc::model

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace opc {
 
@@ -40,5 +41,14 @@ private:
     boost::system::error_code errorCode;
     std::shared_ptr<const std::string> detailText; ///< null if empty; shared, since copying must not fail
 };
+
+/// A failure of the class `Raised` that stands for `cause` and keeps its details.
+/// @param arguments  of the constructor
+template <typename Raised, typename... Arguments>
+Raised translated(const Exception& cause, Arguments&&... arguments) {
+    Raised raised(std::forward<Arguments>(arguments)...);
+    raised.addDetails(cause.details());
+    return raised;
+}
 
 } // namespace opc
