@@ -85,10 +85,13 @@ private:
         result.found.push_back({rule, u"/[Content_Types].xml", line, std::move(what), done});
     }
 
-    std::string describe(const ContentTypeEntry& entry) const {
-        const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
-        const Attribute* const key = markup.findAttribute(markup.elements()[entry.element], {},
-                                                          isDefault ? u"Extension" : u"PartName");
+    /// The root or an entry, for a message.
+    std::string describe(const Element& element) const {
+        if (element.depth == 0)
+            return "the root";
+        const bool isDefault = element.localName == u"Default";
+        const Attribute* const key =
+            markup.findAttribute(element, {}, isDefault ? u"Extension" : u"PartName");
         const std::string name = key == nullptr ? std::string() : " for \"" + quote(key->value()) + "\"";
         return (isDefault ? "the Default" : "the Override") + name;
     }
@@ -106,10 +109,10 @@ private:
         if (root.hasText)
             add("M1.20", root.line, "there is text between the entries",
                 "it was left out and stays in the file");
-        checkAttributes(root, {}, "the root");
+        checkAttributes(root, {});
     }
 
-    void checkAttributes(const Element& element, std::u16string_view keyName, const std::string& name) {
+    void checkAttributes(const Element& element, std::u16string_view keyName) {
         for (const Attribute& attribute : markup.attributes(element)) {
             const bool isKnown = attribute.isDeclaration() ||
                                  attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
@@ -118,7 +121,7 @@ private:
                                   (attribute.localName == keyName || attribute.localName == u"ContentType"));
             if (!isKnown)
                 add(attribute.namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
-                    name + " has the attribute " + quote(std::u16string(attribute.localName)) +
+                    describe(element) + " has the attribute " + quote(std::u16string(attribute.localName)) +
                         ", which it can't have",
                     "it was read without it");
         }
@@ -130,11 +133,11 @@ private:
         noteForm(element);
         const char* const rule = takeValues(entry, element, keyName);
         if (rule != nullptr) {
-            add(rule, element.line, describe(entry) + ": " + entry.defect,
+            add(rule, element.line, describe(element) + ": " + entry.defect,
                 "the entry was left out and stays in the file");
         } else {
             entry.standing = ContentTypeEntry::Standing::Repeats;
-            checkAttributes(element, keyName, describe(entry));
+            checkAttributes(element, keyName);
             if (element.contentEnd != element.startTag.end)
                 checkContent(element, entry);
         }
@@ -183,7 +186,8 @@ private:
         const auto& elements = markup.elements();
         const std::size_t next = entry.element + 1;
         if (element.hasText || (next < elements.size() && elements[next].depth > element.depth))
-            add("M1.20", element.line, describe(entry) + " isn't empty", "it was read without what is in it");
+            add("M1.20", element.line, describe(element) + " isn't empty",
+                "it was read without what is in it");
     }
 
     /// Finds which of several entries for the same counts.
@@ -202,17 +206,17 @@ private:
     }
 
     void settle(ContentTypeEntry& entry, const ContentTypeEntry& first) {
-        const std::size_t line = markup.elements()[entry.element].line;
+        const Element& element = markup.elements()[entry.element];
         if (&entry == &first)
             entry.standing = ContentTypeEntry::Standing::Counts;
         if (entry.lacksSlash)
-            add("M1.4", line, describe(entry) + " has no slash in front of the name",
+            add("M1.4", element.line, describe(element) + " has no slash in front of the name",
                 &entry == &first ? "it was read as if it had one" : "the other Override for the part counts");
         if (&entry == &first || entry.contentType == first.contentType ||
             model::ContentType(entry.contentType) == model::ContentType(first.contentType))
             return;
         const bool wasReadAsItIs = result.readAsTheyAre; // the model passes it over as well
-        add("M2.5", line, describe(entry) + " contradicts another one", "the first one counts");
+        add("M2.5", element.line, describe(element) + " contradicts another one", "the first one counts");
         result.readAsTheyAre = wasReadAsItIs;
     }
 
