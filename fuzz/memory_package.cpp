@@ -215,9 +215,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Lines found = contentOf(package);
     if (signatures)
         lookAtSignatures(package, *signatures);
+    const bool isWhole = package.getIgnoredItems().empty();
     package.close(true);
     const Documents hidden = hiddenDocuments(store, lenient);
-    const bool isWhole = !isLenient || lenient.getIgnoredItems().empty();
     const Documents unread =
         !isLenient && isNamed("xmlns:", data, size) ? unreadDocuments(store) : Documents();
     require(open(package, OpenMode::ReadWrite), "what was opened can be opened again");

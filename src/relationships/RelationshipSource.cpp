@@ -212,6 +212,7 @@ void RelationshipSource::flush() {
 void RelationshipSource::reset() {
     impl->relationshipsPart = nullptr;
     impl->kept = nullptr;
+    impl->keptMore = false;
     impl->hasLostKept = false;
     impl->manager = RelationshipManager(impl->manager.getSourceURI());
     impl->nextIdNumber = 1;
@@ -220,12 +221,14 @@ void RelationshipSource::reset() {
 void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew) {
     impl->relationshipsPart = part;
     impl->kept = nullptr;
+    impl->keptMore = false;
     if (part == nullptr || isNew)
         return;
     impl->kept = dynamic_cast<const interfaces::IKeptRelationships*>(part);
     try {
         PhysicalInputStream stream(part->getInputStream());
         impl->manager.read(stream, getPackage().getRelationshipSerializer());
+        impl->keptMore = impl->kept != nullptr && impl->kept->keepsMore();
     } catch (const InvalidPartContent& e) {
         throw translated<InvalidRelationshipContent>(e, "In " + toASCIIString(part->getName()) + ": " +
                                                             e.what());
@@ -240,6 +243,7 @@ void RelationshipSource::forgetPhysicalRelationshipPart() {
     impl->hasLostKept = impl->hasLostKept || impl->keepsMore();
     impl->relationshipsPart = nullptr;
     impl->kept = nullptr;
+    impl->keptMore = false;
     impl->manager.markAsDirty();
 }
 

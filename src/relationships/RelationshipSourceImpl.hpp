@@ -23,7 +23,7 @@ struct RelationshipSource::Impl {
     }
 
     /// Whether the part outlives its last relationship.
-    bool keepsMore() const { return kept != nullptr && kept->keepsMore(); }
+    bool keepsMore() const { return keptMore; }
 
     /// Why the relationships can't be changed; empty if they can.
     std::string whyFixed() const {
@@ -36,6 +36,7 @@ struct RelationshipSource::Impl {
 
     interfaces::IPhysicalPart* relationshipsPart = nullptr;
     const interfaces::IKeptRelationships* kept = nullptr; // of that part, if it has any
+    bool keptMore = false;    // what that says, which can't be asked any more when the part has been deleted
     bool hasLostKept = false; // whether a part that kept more has been deleted, but not the source
     RelationshipManager manager;
     std::uint64_t nextIdNumber = 1;

@@ -278,6 +278,16 @@ TEST(LenientRelationships, giveNoIDAwayThatIsKept) {
     ASSERT_EQ(ignored.size(), 2U);
     EXPECT_EQ(ignored[0].name, u"/_rels/.rels#rId1");
     EXPECT_EQ(ignored[0].reason, "Target is empty");
+    opened.package.close(true);
+    EXPECT_EQ(opened.oddities(), "") << "the parts have gone";
+}
+
+TEST(LenientRelationships, goWithTheirSource) {
+    Leniently opened(toBytes(ROOT + GOOD + "<o/>" + END), u"/_rels/a.xml.rels");
+    opened.open();
+    opened.package.deletePart(PartName(u"/a.xml"));
+    opened.package.close(false);
+    EXPECT_EQ(opened.store.partNames().size(), 0U);
 }
 
 TEST(LenientRelationships, ofOneIDCountOnce) {

@@ -14,7 +14,7 @@ public:
     /// Whether a relationship that isn't given has an ID: no other one gets it.
     virtual bool hasKeptID(const std::u16string& id) const = 0;
 
-    /// Whether there is anything that isn't given. Then the part stays when its last given relationship goes, and is
+    /// Whether there is anything that isn't given; asked once, when the stream has been read. Then the part stays when its last given relationship goes, and is
     /// written without any.
     virtual bool keepsMore() const = 0;
 

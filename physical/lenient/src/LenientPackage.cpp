@@ -89,6 +89,7 @@ public:
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
     std::unique_ptr<lenient::ContentTypes> types; ///< null in a package that is being created
+    std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 
     /// The names of all parts that the model sees, relationships parts included.
     std::vector<std::u16string> partNames() const;
@@ -101,7 +102,6 @@ private:
 
     std::set<std::u16string> hiddenNames; ///< in lower case
     lenient::RelationshipsReading reading;
-    std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 };
 
 void LenientPackage::Impl::forget() {
@@ -229,6 +229,7 @@ void LenientPackage::close(bool abandon) {
     if (!abandon && impl->types)
         impl->types->save([this] { return impl->partNames(); });
     impl->package.close(abandon);
+    impl->relationshipsParts.clear(); // what they stand on has gone
 }
 
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,

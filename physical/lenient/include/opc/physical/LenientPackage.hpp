@@ -47,7 +47,7 @@ namespace opc::physical {
 ///
 /// The other package isn't owned and must outlive this one; while this one is open, it is to be used through
 /// this one alone. All streams are the other's but those of documents in another form, and so are all parts but
-/// relationships parts; what isn't the other's is good until this package is opened again or destroyed. One
+/// relationships parts; what isn't the other's is good until this package is closed. One
 /// thread at a time. Keeps Xerces initialised once it has needed it. Failures are those of the other package.
 class OPC_LENIENT_EXPORT LenientPackage : public interfaces::IPhysicalPackage {
 public:
