@@ -23,42 +23,54 @@ constexpr PlainAttribute NAMESPACES[] = {
     {"xmlns:xsi", "http://www.w3.org/2001/XMLSchema-instance"},
 };
 
+/// The name of an element, with its usual prefix.
+struct Name {
+    std::string_view prefix;
+    std::string_view local;
+
+    bool operator==(const Name& other) const { return local == other.local && prefix == other.prefix; }
+};
+
 struct TextField {
-    std::string_view name;
+    Name name;
     void (CoreProperties::*set)(const std::u16string&); // null: valid, and ignored
 };
 
 constexpr TextField TEXT_FIELDS[] = {
-    {"cp:category", &CoreProperties::setCategory},
-    {"cp:contentStatus", &CoreProperties::setContentStatus},
-    {"cp:contentType", nullptr},
-    {"dc:creator", &CoreProperties::setCreator},
-    {"dc:description", &CoreProperties::setDescription},
-    {"dc:identifier", &CoreProperties::setIdentifier},
-    {"dc:language", &CoreProperties::setLanguage},
-    {"cp:lastModifiedBy", &CoreProperties::setLastModifiedBy},
-    {"cp:revision", &CoreProperties::setRevision},
-    {"dc:subject", &CoreProperties::setSubject},
-    {"dc:title", &CoreProperties::setTitle},
-    {"cp:version", &CoreProperties::setVersion},
+    {{"cp", "category"}, &CoreProperties::setCategory},
+    {{"cp", "contentStatus"}, &CoreProperties::setContentStatus},
+    {{"cp", "contentType"}, nullptr},
+    {{"dc", "creator"}, &CoreProperties::setCreator},
+    {{"dc", "description"}, &CoreProperties::setDescription},
+    {{"dc", "identifier"}, &CoreProperties::setIdentifier},
+    {{"dc", "language"}, &CoreProperties::setLanguage},
+    {{"cp", "lastModifiedBy"}, &CoreProperties::setLastModifiedBy},
+    {{"cp", "revision"}, &CoreProperties::setRevision},
+    {{"dc", "subject"}, &CoreProperties::setSubject},
+    {{"dc", "title"}, &CoreProperties::setTitle},
+    {{"cp", "version"}, &CoreProperties::setVersion},
 };
 
 struct TimeField {
-    std::string_view name;
+    Name name;
     void (CoreProperties::*set)(boost::posix_time::ptime);
     bool isTyped;
 };
 
 constexpr TimeField TIME_FIELDS[] = {
-    {"dcterms:created", &CoreProperties::setCreated, true},
-    {"cp:lastPrinted", &CoreProperties::setLastPrinted, false},
-    {"dcterms:modified", &CoreProperties::setModified, true},
+    {{"dcterms", "created"}, &CoreProperties::setCreated, true},
+    {{"cp", "lastPrinted"}, &CoreProperties::setLastPrinted, false},
+    {{"dcterms", "modified"}, &CoreProperties::setModified, true},
 };
 
-template <typename Fields>
-const auto* find(const Fields& fields, std::string_view name) {
+constexpr Name ROOT = {"cp", "coreProperties"};
+constexpr Name KEYWORDS = {"cp", "keywords"};
+constexpr Name KEYWORD = {"cp", "value"};
+
+template <typename Fields, typename Key>
+const auto* find(const Fields& fields, const Key& name) {
     const auto* const found = std::find_if(std::begin(fields), std::end(fields),
-                                           [name](const auto& field) { return field.name == name; });
+                                           [&](const auto& field) { return field.name == name; });
     return found == std::end(fields) ? nullptr : found;
 }
 
@@ -83,20 +95,23 @@ bool isPlainLanguage(std::string_view text) {
 }
 
 /// Makes one line feed of each end of a line (XML 1.0 section 2.11).
-std::u16string withLineFeeds(const std::u16string& text) {
-    std::u16string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (text[i] != u'\r')
-            result += text[i];
-        else if (text[i + 1] != u'\n') // the text ends in a zero
-            result += u'\n';
-    return result;
+void normaliseLineEnds(std::string& text) {
+    std::size_t length = text.find('\r');
+    if (length == std::string::npos)
+        return;
+    for (std::size_t i = length; i < text.size(); ++i)
+        if (text[i] != '\r')
+            text[length++] = text[i];
+        else if (text[i + 1] != '\n') // the text ends in a zero
+            text[length++] = '\n';
+    text.resize(length);
 }
 
 class Scan {
 public:
-    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {}
+    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {
+        names.reserve(std::size(TEXT_FIELDS) + std::size(TIME_FIELDS) + 1);
+    }
 
     bool takeDocument() {
         bool isEmpty = false;
@@ -105,7 +120,7 @@ public:
         const std::string_view root = reader.takeName();
         if (!reader.takeAttributes(declarations, isEmpty) ||
             !std::all_of(declarations.begin(), declarations.end(), isPlainDeclaration) ||
-            !isNamed(root, "cp:coreProperties") || !(isEmpty || takeElements(root)))
+            !(nameOf(root) == ROOT) || !(isEmpty || takeElements(root)))
             return false;
         reader.skipMisc();
         return reader.atEnd();
@@ -114,21 +129,23 @@ public:
     std::size_t countElements() const { return 1 + names.size() + values; }
 
 private:
-    static constexpr std::string_view KEYWORDS = "cp:keywords";
+    static constexpr std::string_view DECLARING = "xmlns";
 
-    /// @param name  of an attribute of the root
-    bool isDeclared(std::string_view name) const {
-        return std::any_of(declarations.begin(), declarations.end(),
-                           [name](const PlainAttribute& declaration) { return declaration.name == name; });
+    /// Whether the root declares a prefix, or the namespace of names without one.
+    bool isDeclared(std::string_view prefix) const {
+        return std::any_of(declarations.begin(), declarations.end(), [prefix](const auto& declaration) {
+            const std::string_view declared = declaration.name.substr(DECLARING.size());
+            return prefix.empty() ? declared.empty() : !declared.empty() && declared.substr(1) == prefix;
+        });
     }
 
-    /// Whether a name means what it does with its usual prefix.
-    bool isNamed(std::string_view name, std::string_view usual) const {
-        const std::size_t colon = usual.find(':');
-        const std::string_view prefix = usual.substr(0, colon);
-        if (name == usual)
-            return isDeclared("xmlns:" + std::string(prefix));
-        return prefix == "cp" && name == usual.substr(colon + 1) && isDeclared("xmlns");
+    /// What a name in the document means; no usual name if its prefix isn't declared.
+    Name nameOf(std::string_view written) const {
+        const std::size_t colon = written.find(':');
+        if (colon == std::string_view::npos)
+            return {isDeclared({}) ? ROOT.prefix : std::string_view(), written};
+        const std::string_view prefix = written.substr(0, colon);
+        return {isDeclared(prefix) ? prefix : std::string_view(), written.substr(colon + 1)};
     }
 
     bool takeElements(std::string_view root) {
@@ -141,27 +158,16 @@ private:
         }
     }
 
-    template <typename Fields>
-    const auto* findField(const Fields& fields, std::string_view name) const {
-        const auto* const found = std::find_if(std::begin(fields), std::end(fields),
-                                               [&](const auto& field) { return isNamed(name, field.name); });
-        return found == std::end(fields) ? nullptr : found;
-    }
-
-    bool takeElement(std::string_view name) {
-        if (const auto* const field = findField(TEXT_FIELDS, name))
-            return isFirst(field->name) && takeTextField(name, *field);
-        if (const auto* const field = findField(TIME_FIELDS, name))
-            return isFirst(field->name) && takeTimeField(name, *field);
-        return isNamed(name, KEYWORDS) && isFirst(KEYWORDS) && takeKeywords(name);
-    }
-
-    /// Whether no element of this usual name has been taken yet.
-    bool isFirst(std::string_view name) {
+    bool takeElement(std::string_view written) {
+        const Name name = nameOf(written);
         if (std::find(names.begin(), names.end(), name) != names.end())
             return false;
         names.push_back(name);
-        return true;
+        if (const TextField* const field = find(TEXT_FIELDS, name))
+            return takeTextField(written, *field);
+        if (const TimeField* const field = find(TIME_FIELDS, name))
+            return takeTimeField(written, *field);
+        return name == KEYWORDS && takeKeywords(written);
     }
 
     /// The rest of an element whose name has been taken.
@@ -180,8 +186,9 @@ private:
         std::string resolved;
         if (written.find('>') != std::string_view::npos || !resolveReferences(written, resolved))
             return false;
-        text = withLineFeeds(toString(resolved, true)); // references stand for none
-        return std::all_of(text.begin(), text.end(), plain::isText);
+        normaliseLineEnds(resolved); // references stand for none
+        text = toString(resolved, true);
+        return std::all_of(text.begin(), text.end(), [](char16_t unit) { return plain::isText(unit); });
     }
 
     bool takeTextField(std::string_view name, const TextField& field) {
@@ -198,7 +205,7 @@ private:
         if (!takeContent(name, text) || attributes.size() != (field.isTyped ? 1 : 0) ||
             !isPlainDateTime(toASCIIString(text)))
             return false;
-        if (field.isTyped && (!isDeclared("xmlns:xsi") || attributes.begin()->name != "xsi:type" ||
+        if (field.isTyped && (!isDeclared("xsi") || attributes.begin()->name != "xsi:type" ||
                               attributes.begin()->value != "dcterms:W3CDTF"))
             return false;
         (properties.*field.set)(convertStringToTime(text));
@@ -213,7 +220,7 @@ private:
         while (!isEmpty && !reader.isAt("</")) {
             const std::string_view value = reader.take("<") ? reader.takeName() : std::string_view();
             bool isEmptyValue = false;
-            if (!isNamed(value, "cp:value") || !takeKeyword(keywords, isEmptyValue) ||
+            if (!(nameOf(value) == KEYWORD) || !takeKeyword(keywords, isEmptyValue) ||
                 !(isEmptyValue || reader.takeEndTag(value)))
                 return false;
             ++values;
@@ -246,10 +253,10 @@ private:
     PlainTexts texts; // of attributes
     PlainReader reader;
     CoreProperties& properties;
-    PlainAttributes declarations;        // of the root
-    PlainAttributes attributes;          // of the element in hand
-    std::vector<std::string_view> names; // of the elements so far: each may stand once
-    std::size_t values = 0;              // elements in that of the keywords
+    PlainAttributes declarations; // of the root
+    PlainAttributes attributes;   // of the element in hand
+    std::vector<Name> names;      // of the elements so far: each may stand once
+    std::size_t values = 0;       // elements in that of the keywords
 };
 
 } // namespace

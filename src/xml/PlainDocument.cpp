@@ -43,6 +43,27 @@ bool declareNamespace(const PlainAttributes& attributes, std::string_view namesp
     return isDeclared;
 }
 
+constexpr std::string_view SECOND_FORM = "0000-00-00T00:00:00";
+constexpr std::size_t SECONDS = SECOND_FORM.size(); // up to them
+
+/// Whether a text is a second of a day, in a year from 1400 on.
+bool isPlainSecond(std::string_view text) {
+    if (!std::equal(text.begin(), text.end(), SECOND_FORM.begin(), SECOND_FORM.end(),
+                    [](char c, char form) { return form == '0' ? is(c, plain::Digit) : c == form; }))
+        return false;
+    const auto number = [text](std::size_t place, std::size_t digits) {
+        unsigned short value = 0;
+        std::from_chars(text.data() + place, text.data() + place + digits, value);
+        return value;
+    };
+    const unsigned short year = number(0, 4);
+    const unsigned short month = number(5, 2);
+    const unsigned short day = number(8, 2);
+    return year >= 1400 && month >= 1 && month <= 12 && day >= 1 &&
+           day <= boost::gregorian::gregorian_calendar::end_of_month_day(year, month) && number(11, 2) < 24 &&
+           number(14, 2) < 60 && number(17, 2) < 60;
+}
+
 } // namespace
 
 bool visitPlainDocument(std::string_view document, std::string_view root, std::string_view namespaceURI,
@@ -85,28 +106,14 @@ bool isPlainID(std::string_view text) {
 }
 
 bool isPlainTime(std::string_view text) {
-    constexpr std::string_view FORM = "0000-00-00T00:00:00Z";
-    if (!std::equal(text.begin(), text.end(), FORM.begin(), FORM.end(),
-                    [](char c, char form) { return form == '0' ? is(c, plain::Digit) : c == form; }))
-        return false;
-    const auto number = [text](std::size_t place, std::size_t digits) {
-        unsigned short value = 0;
-        std::from_chars(text.data() + place, text.data() + place + digits, value);
-        return value;
-    };
-    const unsigned short year = number(0, 4);
-    const unsigned short month = number(5, 2);
-    const unsigned short day = number(8, 2);
-    return year >= 1400 && month >= 1 && month <= 12 && day >= 1 &&
-           day <= boost::gregorian::gregorian_calendar::end_of_month_day(year, month) && number(11, 2) < 24 &&
-           number(14, 2) < 60 && number(17, 2) < 60;
+    return text.substr(std::min(SECONDS, text.size())) == "Z" && isPlainSecond(text.substr(0, SECONDS));
 }
 
 bool isPlainDateTime(std::string_view text) {
-    constexpr std::size_t WHOLE = 19; // up to the seconds
     constexpr std::size_t MOST_DIGITS = 9;
-    const std::string whole(text.substr(0, WHOLE));
-    text.remove_prefix(whole.size());
+    if (!isPlainSecond(text.substr(0, SECONDS)))
+        return false;
+    text.remove_prefix(SECONDS);
     if (text.substr(0, 1) == ".") {
         const std::size_t end = std::min(text.find('Z'), text.size());
         const std::string_view digits = text.substr(1, end - 1);
@@ -114,7 +121,7 @@ bool isPlainDateTime(std::string_view text) {
             return false;
         text.remove_prefix(end);
     }
-    return (text.empty() || text == "Z") && isPlainTime(whole + "Z");
+    return text.empty() || text == "Z";
 }
 
 } // namespace opc::model
