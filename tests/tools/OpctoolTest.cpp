@@ -134,6 +134,19 @@ TEST_F(Opctool, takesWhatIsOddUnlessItIsToldToBeStrict) {
     EXPECT_EQ(run("ls odd.zip --lenient --strict").status, 2);
 }
 
+TEST_F(Opctool, takesBytesBehindTheArchiveUnlessItIsToldToBeStrict) {
+    write("note.txt", "hello");
+    run("new p.zip");
+    write("p.zip", readFile<std::string>(folder / "p.zip") + "\n");
+    const std::string behind = "1 byte stands behind the end of the archive";
+    EXPECT_NE(run("ls p.zip --strict").errors.find(behind + "; --lenient opens"), std::string::npos);
+    const std::string line =
+        "opctool: p.zip: " + behind + "; they aren't read, and the next save drops them\n";
+    EXPECT_EQ(run("ls p.zip").errors, line);
+    EXPECT_EQ(run("add p.zip /a.txt note.txt --type text/plain").errors, line);
+    EXPECT_EQ(run("ls p.zip --strict").errors, "");
+}
+
 TEST_F(Opctool, tellsOfVeryManyOdditiesWithFewLines) {
     write("make.py", R"(import zipfile
 with zipfile.ZipFile('p.zip', 'a') as archive:
