@@ -57,8 +57,7 @@ std::string oddities(ZipPackage& package) {
 }
 
 TEST(ZipLenient, takesWhatAllProgramsReadAlikeAndTellsOfIt) {
-    const std::string end =
-        " behind the end of the archive; they aren't read, and the next save drops them\n";
+    const std::string end = " behind the end of the archive; not read, and dropped by the next save\n";
     const std::string unread = "; it can't be read, and stays as it is";
     const struct {
         Bytes archive;

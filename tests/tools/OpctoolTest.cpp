@@ -140,8 +140,7 @@ TEST_F(Opctool, takesBytesBehindTheArchiveUnlessItIsToldToBeStrict) {
     write("p.zip", readFile<std::string>(folder / "p.zip") + "\n");
     const std::string behind = "1 byte stands behind the end of the archive";
     EXPECT_NE(run("ls p.zip --strict").errors.find(behind + "; --lenient opens"), std::string::npos);
-    const std::string line =
-        "opctool: p.zip: " + behind + "; they aren't read, and the next save drops them\n";
+    const std::string line = "opctool: p.zip: " + behind + "; not read, and dropped by the next save\n";
     EXPECT_EQ(run("ls p.zip").errors, line);
     EXPECT_EQ(run("add p.zip /a.txt note.txt --type text/plain").errors, line);
     EXPECT_EQ(run("ls p.zip --strict").errors, "");

@@ -54,8 +54,7 @@ void ZipSession::load() {
     for (const UnreadData& data : context.archive->unread())
         ignored.push_back({data.item, data.what, false});
     if (const std::uint64_t count = context.archive->bytesBehind())
-        odd.push_back(
-            {"", {}, 0, describeBytesBehind(count), "they aren't read, and the next save drops them"});
+        odd.push_back({"", {}, 0, describeBytesBehind(count), "not read, and dropped by the next save"});
 }
 
 void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
