@@ -134,7 +134,7 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
         ContentTypeReader types;
         const auto add = [&](const EntryKind& kind, const ScannedContentType& entry) {
             addEntry(kind, map, widen(entry.key), widen(entry.contentType), types,
-                     [&] { return lineOf(*document, entry.key); });
+                     [&] { return lineOf(*document, entry.element); });
         };
         for (const ScannedContentType& entry : scanned.defaults)
             add(DEFAULT, entry);

@@ -57,18 +57,18 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found = {};
     if (hasLongTag(document))
         return false; // for the parser to refuse
-    return visitPlainDocument(document, "Types", NAMESPACE, found.texts,
-                              [&found](std::string_view name, const PlainAttributes& attributes) {
-                                  if (name == "Default") {
-                                      ScannedContentType& entry = found.defaults.emplace_back();
-                                      return takeEntry(attributes, "Extension", entry) &&
-                                             isPlainExtension(entry.key);
-                                  }
-                                  if (name != "Override")
-                                      return false;
-                                  ScannedContentType& entry = found.overrides.emplace_back();
-                                  return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
-                              });
+    return visitPlainDocument(
+        document, "Types", NAMESPACE, found.texts,
+        [&found](std::string_view name, const PlainAttributes& attributes) {
+            if (name == "Default") {
+                ScannedContentType& entry = found.defaults.emplace_back(ScannedContentType{name, {}, {}});
+                return takeEntry(attributes, "Extension", entry) && isPlainExtension(entry.key);
+            }
+            if (name != "Override")
+                return false;
+            ScannedContentType& entry = found.overrides.emplace_back(ScannedContentType{name, {}, {}});
+            return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
+        });
 }
 
 bool isPlainContentType(std::u16string_view text) {

@@ -9,7 +9,8 @@ namespace opc::model {
 
 /// The attributes of one element of a content types stream.
 struct ScannedContentType {
-    std::string_view key; ///< an extension or a part name
+    std::string_view element; ///< its name, in the bytes that were scanned
+    std::string_view key;     ///< an extension or a part name
     std::string_view contentType;
 };
 
