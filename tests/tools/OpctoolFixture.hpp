@@ -56,9 +56,12 @@ protected:
     }
 
     /// Puts an item that has no content type, or is none of the package's, into the container.
-    void addItem(const std::string& archive, const std::string& name) const {
+    void addItem(const std::string& archive, const std::string& name,
+                 const std::string& content = "x") const {
+        write("item", content);
         const auto added = folder.run("python3 -c \"import zipfile; zipfile.ZipFile('" + archive +
-                                      "', 'a').writestr('" + name + "', 'x')\"");
+                                      "', 'a').write('item', '" + name + "')\"");
+        std::filesystem::remove(folder / "item");
         ASSERT_EQ(added.status, 0);
     }
 

@@ -197,6 +197,30 @@ TEST_F(OpctoolSignatures, verifySaysThatItCannotReadSignaturesOfOfficePrograms) 
         "p.docx");
 }
 
+TEST_F(OpctoolSignatures, neverCoverARelationshipThatIsLeftOut) {
+    addItem("p.docx", "word/_rels/styles.xml.rels",
+            "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
+            "<Relationship Id='r' Type='urn:t' Target=''/></Relationships>");
+    const std::string place = "/word/_rels/styles.xml.rels#r";
+    const Outcome signature = run("sign p.docx --key k.key --public k.pub");
+    EXPECT_EQ(signature.status, 0);
+    EXPECT_NE(
+        signature.errors.find("p.docx: warning: no signature covers what other programs may read: " + place),
+        std::string::npos)
+        << signature.errors;
+    EXPECT_EQ(run("verify p.docx --public k.pub").status, 0);
+    const Outcome full = run("verify p.docx --public k.pub --require-full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.output.find(place + " (Target is empty)"), std::string::npos) << full.output;
+    EXPECT_EQ(list("coverage p.docx")["content"]["full"], false);
+    EXPECT_EQ(run("verify p.docx --public k.pub --strict").status, 3);
+
+    EXPECT_EQ(run("relate p.docx /word/styles.xml urn:t http://h/ --external").status, 0);
+    EXPECT_EQ(run("sign p.docx --key k.key --public k.pub").status, 0);
+    EXPECT_EQ(run("verify p.docx --public k.pub").status, 1)
+        << "it may be one more of a type that is signed there";
+}
+
 TEST_F(OpctoolSignatures, coverageTellsWhatNoSignatureCovers) {
     const std::string document = "/word/document.xml", styles = "/word/styles.xml";
     const std::string type = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles";

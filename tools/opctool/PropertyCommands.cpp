@@ -5,6 +5,7 @@
 #include "RepeatableOption.hpp"
 #include "TerminalText.hpp"
 
+#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/PackageHelper.hpp>
 
@@ -56,10 +57,20 @@ void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& pack
                      "to it; it is left alone");
 }
 
+CoreProperties readStrictly(const Package& package) {
+    try {
+        return PackageHelper::getCoreProperties(package);
+    } catch (opc::Exception& e) {
+        if (PackageHelper::hasDanglingCoreProperties(package))
+            e.addDetails("--lenient takes the package as one without them");
+        throw;
+    }
+}
+
 /// None, with a word about it, if their relationship leads to no part. Strictly that is a failure.
 CoreProperties read(const PackageArgument& argument, const Package& package) {
     if (argument.strict || !PackageHelper::hasDanglingCoreProperties(package))
-        return PackageHelper::getCoreProperties(package);
+        return readStrictly(package);
     const auto dangling =
         *package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).begin();
     tell(argument.path, "/_rels/.rels#" + opc::toUDEString(dangling.getID()) +

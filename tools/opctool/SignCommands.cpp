@@ -8,6 +8,7 @@
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/PackageCoverage.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -27,6 +28,7 @@ using opc::model::DigitalSignature;
 using opc::model::DigitalSignatureManager;
 using opc::model::ExcludeMode;
 using opc::model::Package;
+using opc::model::PackageCoverage;
 using opc::model::Part;
 using opc::model::PartName;
 using opc::model::Relationship;
@@ -141,9 +143,9 @@ DigitalSignature sign(const SigningMaterial& material, const Selection& selectio
 }
 
 /// What no signature can cover, in one line; empty if there is nothing.
-std::string describeIgnored(const Package& package) {
+std::string describeIgnored(const PackageCoverage& coverage) {
     constexpr std::size_t TOLD = 5; // a small package can hold very many
-    const auto items = package.getIgnoredItems();
+    const auto& items = coverage.getIgnoredItems();
     std::string text;
     for (std::size_t i = 0; i < std::min(items.size(), TOLD); ++i)
         text += (i == 0 ? "" : "; ") + opc::toUDEString(items[i].name) + ": " + items[i].reason;
@@ -159,7 +161,7 @@ void sign(const SignArguments& arguments) {
     const DigitalSignature signature = sign(material, select(arguments, *package, signatures), signatures);
     const bool breaksCountersignature = signatures.isPackageCountersigned();
     const bool carriesForeign = signatures.hasForeignSignatures();
-    const std::string ignored = describeIgnored(*package);
+    const std::string ignored = describeIgnored(signatures.computeCoverage({signature}));
     package.save();
     if (!ignored.empty())
         tell(arguments.package.path, "warning: no signature covers what other programs may read: " + ignored);
