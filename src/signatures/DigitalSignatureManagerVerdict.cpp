@@ -8,6 +8,7 @@
 #include "signatures/SignerCheck.hpp"
 #include "signatures/VerdictTexts.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 
@@ -48,6 +49,28 @@ void takeOver(SignerFinding&& signer, JudgedSignature& judged) {
 std::string withDetails(const Exception& failure) {
     return *failure.details() == '\0' ? failure.what()
                                       : std::string(failure.what()) + "; " + failure.details();
+}
+
+bool hasUnread(const Package& package, const PartName& relationshipsPart) {
+    const std::u16string source = relationshipsPart.getSourcePartName();
+    if (source == u"/")
+        return package.hasUnreadRelationships();
+    return package.hasPart(PartName(source)) && package.getPart(PartName(source)).hasUnreadRelationships();
+}
+
+/// Elements that weren't read may be what differs, if relationships alone do: who reads them may find that the
+/// signature holds.
+void throwIfUnreadMayDiffer(const Package& package, const std::vector<const Reference*>& differences) {
+    const auto isOther = [](const Reference* reference) { return !reference->selectsRelationships(); };
+    if (std::any_of(differences.begin(), differences.end(), isOther))
+        return;
+    for (const Reference* reference : differences) {
+        const std::u16string part(reference->referenceURI.getPath());
+        if (hasUnread(package, PartName(part)))
+            throw InvalidSignature("signed relationships may be among what wasn't read in " +
+                                       toUDEString(part),
+                                   ErrorMap<104>());
+    }
 }
 
 bool isOfObject(const Reference* reference) {
@@ -140,6 +163,7 @@ void DigitalSignatureManager::check(const SignaturePolicy& policy, PartDigesters
     const std::string whySignerIsRefused = signer.reason;
     if (std::none_of(differences.begin(), differences.end(), isOfObject))
         takeOver(std::move(signer), judged);
+    throwIfUnreadMayDiffer(getPackage(), differences);
     if (!differences.empty())
         return refuse(judged, ErrorMap<101>(), verdict::describeDifferences(differences));
     if (!status.isProperlyCodesigned())

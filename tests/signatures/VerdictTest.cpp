@@ -223,6 +223,25 @@ TEST_F(Verdict, elementsThatWereNotReadCountAmongTheIgnored) {
     }
 }
 
+TEST_F(Verdict, relationshipsThatWereNotReadMayBeTheSignedOnes) {
+    const std::string signedOnes = "<Relationship Id='r' Type='urn:t' Target='/a.xml'/>"
+                                   "<Relationship Id='s' Type='urn:t' Target='/a.xml'/>";
+    const std::string prefixed =
+        "<r:Relationship xmlns:r='http://schemas.openxmlformats.org/package/2006/relationships' ";
+    close(true);
+    store.setPart(u"/_rels/b.xml.rels", relationships(signedOnes));
+    open();
+    signAll();
+    close(false);
+    store.setPart(u"/_rels/b.xml.rels", relationships(replaced(signedOnes, "<Relationship ", prefixed)));
+    open();
+    expectReason(manager->judge(byKey()), Kind::NotChecked, {"what wasn't read in /_rels/b.xml.rels"});
+    close(true);
+    store.setPart(u"/a.xml", {});
+    open();
+    expectReason(manager->judge(byKey()), Kind::DoesNotHold, {"/a.xml"});
+}
+
 TEST_F(Verdict, weakAlgorithmsOfValueAndAnyDigestCountUnlessAccepted) {
     const auto& strong = keysOf(2048);
     const auto signStrong = [&](DigestMethod digest) {
