@@ -200,8 +200,8 @@ TEST(LenientContentTypes, changeInTheirOwnText) {
              t.create("/c.png", "t/other");
              t.create("/d.bin", "a/b");
          },
-         lines.substr(0, lines.size() - 2) + "\r\n\t" + newDefault("bin", "a/b") + "\r\n\t" +
-             newOverride("/c.png", "t/other") + "\r\n" + end,
+         lines.substr(0, lines.size() - 2) + newDefault("bin", "a/b") + newOverride("/c.png", "t/other") +
+             "\r\n" + end,
          {}},
         {"<p:Types xmlns:p='" + BETA + "'><p:Default ContentType='t/xml' Extension='xml'/></p:Types>",
          [](auto& t) { t.create("/c.jpg", "t/jpg"); },
@@ -230,7 +230,7 @@ TEST(LenientContentTypes, changeInTheirOwnText) {
              "ContentType='t/2'/>\n" +
              leftOut + end,
          [](auto& t) { t.remove("/b.png"); },
-         lines.substr(0, lines.size() - 2) + "\n" + end,
+         lines + "\n\n" + end,
          {}},
         // The model has nothing to write where a Default covers a part, but what was left out would count for others.
         {lines + leftOut + end, [](auto& t) { t.remove("/b.png"); }, lines + end, {}},
@@ -240,7 +240,7 @@ TEST(LenientContentTypes, changeInTheirOwnText) {
          {}},
         {lines + "<Override PartName='/c.png' ContentType='x'/>" + end,
          [](auto& t) { t.create("/c.jpg", "t/jpg"); },
-         lines + "<Override PartName='/c.png' ContentType='x'/>\r\n" + newDefault("jpg", "t/jpg") + end,
+         lines + "<Override PartName='/c.png' ContentType='x'/>" + newDefault("jpg", "t/jpg") + end,
          {}},
         // A new Default would cover what is hidden, or change the type of what others don't see as we do.
         {ROOT + XML + leftOut + end,

@@ -10,7 +10,8 @@
 
 namespace opc::physical::lenient {
 
-/// Changes to a document that are made in its own text: all that doesn't change keeps its bytes.
+/// Changes to a document that are made in its own text: all that doesn't change keeps its bytes, white space around it
+/// included. So an element that is added and removed again leaves no trace.
 class DocumentEdits {
 public:
     using NewAttributes = std::vector<std::pair<std::u16string_view, std::u16string_view>>;
@@ -20,16 +21,15 @@ public:
 
     bool areNone() const { return edits.areNone() && added.empty(); }
 
-    /// Removes an element with all that is in it, and with its lines if nothing else stands on them.
+    /// Removes an element with all that is in it.
     void remove(const Element& element);
 
     void setValue(const Attribute& attribute, std::u16string_view value);
 
-    /// Adds an empty element as the last one in the root, whose namespace and prefix it has. It stands as the one in
-    /// front of it does: on a line of its own, as far from the margin, or in the same line.
+    /// Adds an empty element as the last one in the root, whose namespace and prefix it has.
     void append(std::u16string_view localName, const NewAttributes& attributes);
 
-    /// Adds an empty element of the root's namespace and prefix in front of another one, and in the way that it stands.
+    /// Adds an empty element of the root's namespace and prefix in front of another one.
     void insert(const Element& next, std::u16string_view localName, const NewAttributes& attributes);
 
     /// The changed document, in the encoding of the old one.
@@ -37,14 +37,12 @@ public:
 
 private:
     std::u16string compose(std::u16string_view localName, const NewAttributes& attributes) const;
-    std::u16string separator() const;
     void insertAdded();
 
     const Document& edited;
     const std::u16string& text;
     TextEdits edits;
     std::u16string added; ///< new elements, to be inserted together
-    std::u16string beforeAdded;
 };
 
 } // namespace opc::physical::lenient
