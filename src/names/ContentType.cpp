@@ -54,7 +54,9 @@ void ContentType::init(const std::u16string& contentType) {
 }
 
 void ContentType::resetStringFromParts(Body& body) {
-    std::u16string canonical = body.type + u'/' + body.subType;
+    std::u16string canonical;
+    canonical.reserve(body.type.size() + 1 + body.subType.size());
+    canonical.append(body.type).append(1, u'/').append(body.subType);
     for (const auto& [attribute, value] : body.parameters) {
         canonical.append(u";").append(attribute).append(u"=");
         if (hasSeparator(value))

@@ -7,6 +7,7 @@
 #include <boost/spirit/include/qi.hpp>
 
 #include <algorithm>
+#include <array>
 
 namespace opc::model::contenttype {
 
@@ -56,9 +57,15 @@ struct Grammar : qi::grammar<Iterator, Matched()> {
     qi::rule<Iterator> whitespace;
 };
 
-constexpr bool isTokenCharacter(char16_t unit) {
-    return unit > u' ' && unit < 127 &&
-           std::string_view(SEPARATORS).find(static_cast<char>(unit)) == std::string_view::npos;
+bool isTokenCharacter(char16_t unit) {
+    static constexpr auto TABLE = [] {
+        std::array<bool, 127> table{};
+        for (std::size_t character = ' '; character < table.size(); ++character)
+            table[character] =
+                std::string_view(SEPARATORS).find(static_cast<char>(character)) == std::string_view::npos;
+        return table;
+    }();
+    return unit < TABLE.size() && TABLE[unit];
 }
 
 /// What stands in front of a text, and is taken from it.

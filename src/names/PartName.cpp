@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace opc::model {
 
@@ -29,7 +30,7 @@ int hexValue(char16_t unit) {
 
 } // namespace
 
-PartName::PartName(const std::u16string& name) : uri(name) {
+PartName::PartName(std::u16string name) : uri(std::move(name)) {
     init();
 }
 

@@ -30,7 +30,11 @@ URI::URI(const char16_t* text) {
 }
 
 void URI::init(std::u16string reference) {
-    if (std::any_of(reference.begin(), reference.end(), [](char16_t unit) { return unit > 127; }))
+    char16_t bits =
+        0; // of all units: nearly always none is beyond ASCII, and a loop without a way out takes many at once
+    for (const char16_t unit : reference)
+        bits |= unit;
+    if (bits > 127)
         throw InvalidURI("Could not successfully parse URI string. URI must contain only US-ASCII.");
     try {
         static const auto EMPTY = std::make_shared<const Impl>(std::u16string()); // one body for all of these

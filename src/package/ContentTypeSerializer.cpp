@@ -24,6 +24,8 @@
 #include <deque>
 #include <map>
 #include <set>
+#include <string_view>
+#include <utility>
 
 namespace opc::model {
 
@@ -46,29 +48,37 @@ XMLFileLoc lineOf(std::string_view document, std::string_view piece) {
 
 /// The content types of one stream, which has few different ones: each is parsed once. They stand in a tree,
 /// since nobody can choose texts that make it slow.
+/// @tparam Unit  of the texts, which must outlive this object
+template <typename Unit>
 class ContentTypeReader {
 public:
-    const ContentType& read(const std::u16string& text) {
+    using Text = std::basic_string_view<Unit>;
+
+    const ContentType& read(Text text) {
         if (text.empty())
             throw InvalidPartContent("ContentType is empty");
-        const auto found = parsed.find(text);
-        return (found != parsed.end() ? found : parsed.emplace(text, ContentType(text)).first)->second;
+        const auto found = parsed.lower_bound(text);
+        if (found != parsed.end() && found->first == text)
+            return found->second;
+        return parsed.emplace_hint(found, text, ContentType(std::u16string(text.begin(), text.end())))
+            ->second;
     }
 
 private:
-    std::map<std::u16string, ContentType> parsed;
+    std::map<Text, ContentType> parsed;
 };
 
-void addDefault(ContentTypeMap& map, const std::u16string& extension, const std::u16string& contentType,
-                ContentTypeReader& types) {
+template <typename Types>
+void addDefault(ContentTypeMap& map, const std::u16string& extension, typename Types::Text contentType,
+                Types& types) {
     if (extension.empty())
         throw InvalidPartContent("Extension is empty");
     map.addDefault(toLowerASCIIString(extension), types.read(contentType));
 }
 
-PartName toPartName(const std::u16string& text) {
+PartName toPartName(std::u16string text) {
     try {
-        return PartName(text);
+        return PartName(std::move(text));
     } catch (const InvalidPartName& e) {
         InvalidPartContent failure("PartName is not a valid part name");
         failure.addDetails(e.what());
@@ -76,31 +86,29 @@ PartName toPartName(const std::u16string& text) {
     }
 }
 
-void addOverride(ContentTypeMap& map, const std::u16string& partName, const std::u16string& contentType,
-                 ContentTypeReader& types) {
-    const PartName name = toPartName(partName);
+template <typename Types>
+void addOverride(ContentTypeMap& map, std::u16string partName, typename Types::Text contentType,
+                 Types& types) {
+    const PartName name = toPartName(std::move(partName));
     map.addOverride(name, types.read(contentType));
 }
 
-struct EntryKind {
-    const char* name;
-    void (*add)(ContentTypeMap&, const std::u16string& key, const std::u16string& contentType,
-                ContentTypeReader&);
-};
+std::string narrow(const std::u16string& key) {
+    return toUDEString(key);
+}
+std::string narrow(std::string_view key) {
+    return std::string(key);
+}
 
-constexpr EntryKind DEFAULT{"Default", addDefault};
-constexpr EntryKind OVERRIDE{"Override", addOverride};
-
-/// Adds an entry to the map; its failure tells which one it is.
+/// Adds an entry by `add`, whose failure then tells which one it is.
 /// @param line  called for the entry's line if that is needed
-template <typename Line>
-void addEntry(const EntryKind& kind, ContentTypeMap& map, const std::u16string& key,
-              const std::u16string& contentType, ContentTypeReader& types, const Line& line) {
+template <typename Key, typename Line, typename Add>
+void telling(const char* element, const Key& key, const Line& line, const Add& add) {
     try {
-        kind.add(map, key, contentType, types);
+        add();
     } catch (Exception& e) {
-        e.addDetails(std::string(kind.name) + " \"" + toUDEString(key) + "\" in line " +
-                     std::to_string(line()) + " of the content types stream");
+        e.addDetails(std::string(element) + " \"" + narrow(key) + "\" in line " + std::to_string(line()) +
+                     " of the content types stream");
         throw;
     }
 }
@@ -131,15 +139,15 @@ void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const
     const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
     if (document && scanContentTypes(*document, scanned)) {
         share.addElements(scanned.defaults.size() + scanned.overrides.size() + 1);
-        ContentTypeReader types;
-        const auto add = [&](const EntryKind& kind, const ScannedContentType& entry) {
-            addEntry(kind, map, widen(entry.key), widen(entry.contentType), types,
-                     [&] { return lineOf(*document, entry.element); });
-        };
+        ContentTypeReader<char> types;
         for (const ScannedContentType& entry : scanned.defaults)
-            add(DEFAULT, entry);
+            telling(
+                "Default", entry.key, [&] { return lineOf(*document, entry.element); },
+                [&] { addDefault(map, widen(entry.key), entry.contentType, types); });
         for (const ScannedContentType& entry : scanned.overrides)
-            add(OVERRIDE, entry);
+            telling(
+                "Override", entry.key, [&] { return lineOf(*document, entry.element); },
+                [&] { addOverride(map, widen(entry.key), entry.contentType, types); });
     } else {
         parseCounted(map, replayed, share);
     }
@@ -184,15 +192,19 @@ void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& strea
     } catch (const InvalidXMLDocument& e) {
         throw translated<InvalidPartContent>(e, e.what());
     }
-    ContentTypeReader types;
-    const auto addAll = [&](const EntryKind& kind, std::deque<FoundEntry>& entries) {
-        for (; !entries.empty(); entries.pop_front()) {
-            const FoundEntry& entry = entries.front();
-            addEntry(kind, map, entry.key, *entry.contentType, types, [&entry] { return entry.line; });
-        }
-    };
-    addAll(DEFAULT, defaults);
-    addAll(OVERRIDE, overrides);
+    ContentTypeReader<char16_t> types;
+    for (; !defaults.empty(); defaults.pop_front()) {
+        const FoundEntry& entry = defaults.front();
+        telling(
+            "Default", entry.key, [&entry] { return entry.line; },
+            [&] { addDefault(map, entry.key, *entry.contentType, types); });
+    }
+    for (; !overrides.empty(); overrides.pop_front()) {
+        const FoundEntry& entry = overrides.front();
+        telling(
+            "Override", entry.key, [&entry] { return entry.line; },
+            [&] { addOverride(map, entry.key, *entry.contentType, types); });
+    }
     map.setUnread(unread);
 }
 

@@ -177,13 +177,14 @@ void Package::initializeParts() {
     RelationshipsParts relationships(physicalParts.size(), keys);
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
         const std::u16string text = physicalPart->getName();
+        std::string key = caselessKey(text);
         const PartName name = readName(text);
         if (name.isRelationshipName()) {
             // For its effects: it must have a content type, and keeps the `Default` of its extension in use.
             findContentType(name, *physicalPart);
-            relationships.add(caselessKey(text), physicalPart);
+            relationships.add(std::move(key), physicalPart);
         } else {
-            regular.push_back({keys.keep(caselessKey(text)), &names.emplace_back(name), physicalPart});
+            regular.push_back({keys.keep(key), &names.emplace_back(name), physicalPart});
         }
     }
     sortByKey(regular);

@@ -21,7 +21,7 @@ public:
     /// Any URI whose path is a single slash is the package root, to which no rule applies.
     /// @throws InvalidURI       if `name` is no URI
     /// @throws InvalidPartName  if it breaks a rule; the message names the first
-    explicit PartName(const std::u16string& name);
+    explicit PartName(std::u16string name);
     /// @throws InvalidPartName  as above
     explicit PartName(const URI& name);
     /// @param name  ends in a zero; null counts as the empty text, which breaks [M1.1]

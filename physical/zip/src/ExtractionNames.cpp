@@ -113,7 +113,7 @@ std::string decodedKey(string_view itemName) {
 } // namespace
 
 bool isPlainPartName(string_view name) {
-    return name.find_first_of("%:;") == string_view::npos;
+    return std::none_of(name.begin(), name.end(), [](char c) { return c == '%' || c == ':' || c == ';'; });
 }
 
 std::optional<std::string> ExtractionNames::addIgnored(string_view itemName) {
