@@ -38,6 +38,20 @@ const unsigned char* findEnd(const std::vector<unsigned char>& tail) {
     return tail.data() + place;
 }
 
+RawArchive::Item readEntry(const unsigned char* entry, std::size_t nameSize) {
+    RawArchive::Item item{std::string(reinterpret_cast<const char*>(entry) + ENTRY_SIZE, nameSize),
+                          numberAt<std::uint16_t>(entry + 10), numberAt<std::uint32_t>(entry + 20),
+                          numberAt<std::uint32_t>(entry + 24), numberAt<std::uint32_t>(entry + 42)};
+    const unsigned char* large =
+        entry + ENTRY_SIZE + nameSize + 4; // the ZIP64 field, if there is one, stands first
+    for (std::uint64_t* number : {&item.size, &item.compressedSize, &item.offset})
+        if (*number == 0xFFFFFFFF) {
+            *number = numberAt<std::uint64_t>(large);
+            large += sizeof *number;
+        }
+    return item;
+}
+
 } // namespace
 
 RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_str(), O_RDONLY)) {
@@ -51,17 +65,19 @@ RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_s
     read(size - tailSize, tailSize, bytes);
     const unsigned char* end = findEnd(bytes);
     auto count = static_cast<std::uint64_t>(numberAt<std::uint16_t>(end + 10));
-    const auto length = numberAt<std::uint32_t>(end + 12);
-    const auto offset = numberAt<std::uint32_t>(end + 16);
-    if (count == 0xFFFF)
-        count = numberAt<std::uint64_t>(end - 20 - 56 + 32);
+    std::uint64_t length = numberAt<std::uint32_t>(end + 12);
+    std::uint64_t offset = numberAt<std::uint32_t>(end + 16);
+    if (count == 0xFFFF || length == 0xFFFFFFFF || offset == 0xFFFFFFFF) {
+        const unsigned char* large = end - 20 - 56;
+        count = numberAt<std::uint64_t>(large + 32);
+        length = numberAt<std::uint64_t>(large + 40);
+        offset = numberAt<std::uint64_t>(large + 48);
+    }
     read(offset, length, bytes);
     items.reserve(count);
     for (const unsigned char* entry = bytes.data(); items.size() < count;) {
         const auto nameSize = numberAt<std::uint16_t>(entry + 28);
-        items.push_back({std::string(reinterpret_cast<const char*>(entry) + ENTRY_SIZE, nameSize),
-                         numberAt<std::uint16_t>(entry + 10), numberAt<std::uint32_t>(entry + 20),
-                         numberAt<std::uint32_t>(entry + 24), numberAt<std::uint32_t>(entry + 42)});
+        items.push_back(readEntry(entry, nameSize));
         entry +=
             ENTRY_SIZE + nameSize + numberAt<std::uint16_t>(entry + 30) + numberAt<std::uint16_t>(entry + 32);
     }
@@ -93,9 +109,9 @@ std::string_view RawArchive::content(const Item& item) {
     plain.resize(item.size);
     inflateReset(&inflater);
     inflater.next_in = const_cast<unsigned char*>(data);
-    inflater.avail_in = item.compressedSize;
+    inflater.avail_in = static_cast<unsigned>(item.compressedSize);
     inflater.next_out = plain.data();
-    inflater.avail_out = item.size;
+    inflater.avail_out = static_cast<unsigned>(item.size);
     require(::inflate(&inflater, Z_FINISH) == Z_STREAM_END, "not deflated");
     return {reinterpret_cast<const char*>(plain.data()), item.size};
 }

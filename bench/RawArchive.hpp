@@ -18,9 +18,9 @@ public:
     struct Item {
         std::string name;
         std::uint16_t method;
-        std::uint32_t compressedSize;
-        std::uint32_t size;
-        std::uint32_t offset;
+        std::uint64_t compressedSize;
+        std::uint64_t size;
+        std::uint64_t offset;
     };
 
     explicit RawArchive(const std::filesystem::path& path);

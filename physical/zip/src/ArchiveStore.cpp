@@ -58,6 +58,8 @@ public:
 } // namespace
 
 FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file)) {
+    if (path.is_absolute())
+        return;
     std::error_code error;
     fs::path absolute = fs::absolute(path, error);
     if (!error)
