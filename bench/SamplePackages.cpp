@@ -32,18 +32,22 @@ std::vector<std::string> partContents(int parts) {
     return contents;
 }
 
-void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents) {
+void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents,
+                   int contentTypes) {
     Package package(store);
     package.open(opc::interfaces::OpenMode::CreateOnly);
-    const ContentType type(u"application/xml");
     int number = 0;
     for (const std::string& content : contents) {
-        Part part = package.createPart(partName(number++), type, StandardPartInfo());
+        const std::string type =
+            "application/vnd.example.document.part" + std::to_string(number % contentTypes) + "+xml";
+        const std::string link = "http://example.com/documents?id=" + std::to_string(number);
+        Part part = package.createPart(
+            partName(number++), ContentType(std::u16string(type.begin(), type.end())), StandardPartInfo());
         part.getOutputStream().write(reinterpret_cast<const unsigned char*>(content.data()), content.size());
         part.createInternalRelationship(u"http://example.com/relationships/next", URI(u"next.xml"));
         part.createInternalRelationship(u"http://example.com/relationships/top", URI(u"/top.xml"));
         part.createExternalRelationship(u"http://example.com/relationships/link",
-                                        u"http://example.com/target");
+                                        std::u16string(link.begin(), link.end()));
     }
     package.close(false);
 }

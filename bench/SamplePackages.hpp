@@ -17,7 +17,10 @@ std::string partContent(int number);
 /// That of the first parts.
 std::vector<std::string> partContents(int parts);
 
-/// Fills an empty store with a part for each of the contents, each with 3 relationships, and saves it.
-void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents);
+/// Fills an empty store with a part for each of the contents, each with 3 relationships, one of them to an external
+/// target with a query, and saves it.
+/// @param contentTypes  how many different ones the parts have
+void createPackage(opc::interfaces::IPhysicalPackage& store, const std::vector<std::string>& contents,
+                   int contentTypes = 1);
 
 } // namespace bench
