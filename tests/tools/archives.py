@@ -84,7 +84,7 @@ def attribute(entry, name):
 
 def open_root(text):
     """The same document, its root written with an end tag."""
-    return re.sub(r'<((?:[^\s/>!?]+:)?(?:Relationships|Types))\b((?:[^>"\']|"[^"]*"|\'[^\']*\')*?)\s*/>', r'<\1\2></\1>', text)
+    return re.sub(r'<((?:[^\s/>!?]+:)?(?:Relationships|Types))\b((?:[^>"\']|"[^"]*"|\'[^\']*\')*?)/>', r'<\1\2></\1>', text)
 
 
 def without(text, unwanted):

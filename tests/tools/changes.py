@@ -81,7 +81,7 @@ def changes_of(listing, rng, count, files):
     for part in some(parts, rng, count):
         yield Change('put', [part, content], part)
         yield Change('rm', [part], part)
-    for source in dict.fromkeys(['/'] + some(bearing, rng, count) + some(parts, rng, 1)):
+    for source in dict.fromkeys(['/'] + some(bearing, rng, count) + some(parts, rng, count)):
         yield Change('relate', [source, 'urn:example:type', 'http://example.org/', '--external'], source, source)
     for source, id in some(removable, rng, 2 * count):
         yield Change('unrelate', [source, id], source, source, id)
@@ -276,7 +276,7 @@ def check_own(run):
         path = os.path.join(run.folder, name.replace(' ', '-').replace('/', '-') + '.zip')
         with open(path, 'wb') as file:
             file.write(package.content)
-        if run.check(path, random.Random(name), 2, package.refuses) != package.opens:
+        if run.check(path, random.Random(name), 3, package.refuses) != package.opens:
             run.tell(name, 'opens' if not package.opens else run.tool.run('info', path).errors.strip())
 
 
