@@ -138,6 +138,13 @@ TEST(LenientPackage, readsRelationshipsThatNoContentTypeCovers) {
     package.open(OpenMode::ReadWrite);
     EXPECT_EQ(hiddenOf(lenient), hidden);
     EXPECT_EQ(relationshipsOf(package.getPart(PartName(u"/a.xml"))), std::vector<std::string>{"a a.xml"});
+    std::string said;
+    for (const auto& oddity : lenient.getOddities())
+        said += opc::toUDEString(oddity.place) + ": " + oddity.done + "\n";
+    EXPECT_EQ(said, "/_rels/none.xml.rels: hidden, and kept in the file\n"
+                    "/x.rels: hidden, and kept in the file\n"
+                    "/_rels/.rels: read as a relationships part\n"
+                    "/_rels/a.xml.rels: read as a relationships part\n");
     package.createExternalRelationship(u"urn:t", u"u:v", u"b");
     package.close(false);
     EXPECT_EQ(itemOf(readZip(store.bytes()), "[Content_Types].xml").data, types) << "it needn't change";

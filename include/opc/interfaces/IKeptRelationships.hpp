@@ -14,8 +14,8 @@ public:
     /// Whether a relationship that isn't given has an ID: no other one gets it.
     virtual bool hasKeptID(const std::u16string& id) const = 0;
 
-    /// Whether there is anything that isn't given; asked once, when the stream has been read. Then the part stays when its last given relationship goes, and is
-    /// written without any.
+    /// Whether there is anything that isn't given; asked once, when the stream has been read. If there is, the part
+    /// stays when its last given relationship goes, and is written without any.
     virtual bool keepsMore() const = 0;
 
     /// Why the relationships can't be changed, in English; empty if they can.

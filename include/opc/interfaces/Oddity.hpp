@@ -7,7 +7,7 @@ namespace opc::interfaces {
 
 /// Something in a package that breaks the standard, and that a store takes all the same.
 struct Oddity {
-    std::string rule; ///< the number in ECMA-376 Part 2, such as "M2.9"; empty if the rule has none
+    std::string rule; ///< the number in ECMA-376 Part 2, such as "M2.4"; empty if the rule has none
 
     /// The part or the item; for a single relationship its part, "#" and its ID. Empty for the store as a whole.
     std::u16string place;

@@ -17,6 +17,7 @@ constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/pa
 constexpr std::u16string_view BETA_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/content-types";
 constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view COMPATIBILITY = u"http://schemas.openxmlformats.org/markup-compatibility/2006";
+constexpr char LEFT_OUT[] = "left out, and kept in the file";
 
 bool isOurs(const Element& element, std::u16string_view name) {
     return element.is(NAMESPACE, name) || element.is(BETA_NAMESPACE, name);
@@ -71,8 +72,7 @@ public:
                 takeEntry(i, ContentTypeEntry::Kind::Override, u"PartName");
             else if (element.depth == 1)
                 add("M1.20", element.line,
-                    "an element that is no entry: " + quote(std::u16string(element.localName)),
-                    "it was left out and stays in the file");
+                    "an element that is no entry: " + quote(std::u16string(element.localName)), LEFT_OUT);
         }
         settle();
         std::stable_sort(result.found.begin(), result.found.end(),
@@ -104,11 +104,9 @@ private:
     void checkRoot(const Element& root) {
         noteForm(root);
         if (root.namespaceURI == BETA_NAMESPACE)
-            add("M1.20", root.line, "the namespace is the one of 2005, from before the standard",
-                "it was read as its successor of 2006");
+            add("M1.20", root.line, "has the namespace of 2005/06", "read as its successor");
         if (root.hasText)
-            add("M1.20", root.line, "there is text between the entries",
-                "it was left out and stays in the file");
+            add("M1.20", root.line, "there is text between the entries", LEFT_OUT);
         checkAttributes(root, {});
     }
 
@@ -123,7 +121,7 @@ private:
                 add(attribute.namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
                     describe(element) + " has the attribute " + quote(std::u16string(attribute.localName)) +
                         ", which it can't have",
-                    "it was read without it");
+                    "passed over, and kept in the file");
         }
     }
 
@@ -133,8 +131,7 @@ private:
         noteForm(element);
         const char* const rule = takeValues(entry, element, keyName);
         if (rule != nullptr) {
-            add(rule, element.line, describe(element) + ": " + entry.defect,
-                "the entry was left out and stays in the file");
+            add(rule, element.line, describe(element) + ": " + entry.defect, LEFT_OUT);
         } else {
             entry.standing = ContentTypeEntry::Standing::Repeats;
             checkAttributes(element, keyName);
@@ -211,7 +208,7 @@ private:
             entry.standing = ContentTypeEntry::Standing::Counts;
         if (entry.lacksSlash)
             add("M1.4", element.line, describe(element) + " has no slash in front of the name",
-                &entry == &first ? "it was read as if it had one" : "the other Override for the part counts");
+                &entry == &first ? "read as if it had one" : "the other Override for the part counts");
         if (&entry == &first || entry.contentType == first.contentType ||
             model::ContentType(entry.contentType) == model::ContentType(first.contentType))
             return;

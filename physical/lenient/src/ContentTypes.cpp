@@ -109,7 +109,7 @@ bool ContentTypes::covers(interfaces::IPhysicalPart& part) const {
 }
 
 std::string ContentTypes::hide(const std::u16string& name) {
-    std::string reason = "no content type covers it";
+    std::string reason = NO_CONTENT_TYPE;
     if (!reading)
         return reason;
     const std::u16string extension = extensionOf(name);

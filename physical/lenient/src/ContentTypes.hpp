@@ -21,6 +21,8 @@ class IPhysicalPart;
 
 namespace opc::physical::lenient {
 
+constexpr char NO_CONTENT_TYPE[] = "no content type covers it"; ///< said of a part
+
 /// The content types of an open package: as the model is to read them, and how the document changes with what the
 /// model writes.
 ///

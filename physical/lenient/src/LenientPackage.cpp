@@ -88,6 +88,7 @@ public:
 
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
+    std::vector<std::u16string> withoutType;      ///< names of relationships parts that are read all the same
     std::unique_ptr<lenient::ContentTypes> types; ///< null in a package that is being created
     std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 
@@ -107,6 +108,7 @@ private:
 void LenientPackage::Impl::forget() {
     hidden.clear();
     hiddenNames.clear();
+    withoutType.clear();
     relationshipsParts.clear();
     types.reset();
     reading.bytesLeft = lenient::RelationshipsReading::MOST_BYTES;
@@ -121,7 +123,6 @@ void LenientPackage::Impl::look() {
         if (!sourceOf(name) && types->covers(*part))
             sources.insert(toLowerASCIIString(name));
     }
-    bool coversRelationships = true;
     for (IPhysicalPart* part : parts) {
         const std::u16string name = part->getName();
         const std::optional<std::u16string> source = sourceOf(name);
@@ -129,7 +130,8 @@ void LenientPackage::Impl::look() {
             throwIfHasDocumentType(*part);
             hide(name, "a relationships part without a source");
         } else if (source) {
-            coversRelationships = coversRelationships && types->covers(*part);
+            if (!types->covers(*part))
+                withoutType.push_back(name);
             const bool isPackages = *source == PACKAGE_ROOT;
             relationshipsParts.try_emplace(toLowerASCIIString(name), *part, reading,
                                            isPackages ? RelationshipsDocument::Source::Package
@@ -138,7 +140,7 @@ void LenientPackage::Impl::look() {
             hide(name, types->hide(name));
         }
     }
-    if (!coversRelationships)
+    if (!withoutType.empty())
         types->coverRelationships();
     types->settle();
 }
@@ -269,6 +271,8 @@ std::vector<interfaces::Oddity> LenientPackage::getOddities() {
     for (const HiddenItem& item : impl->hidden)
         oddities.push_back(
             {sourceOf(item.name) ? "" : "M2.4", item.name, 0, item.reason, "hidden, and kept in the file"});
+    for (const std::u16string& name : impl->withoutType)
+        oddities.push_back({"M2.4", name, 0, lenient::NO_CONTENT_TYPE, "read as a relationships part"});
     impl->visitFindings([&oddities](const std::u16string& place, const RelationshipsFinding& finding) {
         oddities.push_back({finding.rule, place, finding.line, finding.what, finding.done});
     });

@@ -12,7 +12,7 @@ namespace opc::physical {
 /// Stands in front of another physical package and gives to the model what real programs write, although the
 /// standard or the model asks for another form, so that it can be opened. It hides
 ///
-/// - items that no content type covers [M2.9], such as `.DS_Store` or the signature files of other systems;
+/// - items that no content type covers [M2.4], such as `.DS_Store` or the signature files of other systems;
 /// - relationships parts without a source, which stay where a program has deleted a part but not these;
 ///
 /// and it gives in the form that the model reads
@@ -26,7 +26,7 @@ namespace opc::physical {
 /// - relationships parts with a source that no content type covers, with the content type of their kind;
 /// - content types whose stream holds something that the standard doesn't allow, each entry by itself: those that can't
 ///   be read are left out, an `Override` whose part name lacks the slash in front is read as if it had it, attributes
-///   and elements that don't belong there are passed over, and the namespace of 2005 means the one of 2006.
+///   and elements that don't belong there are passed over, and the namespace of 2005/06 is read as its successor.
 ///
 /// `getOddities` says what of this it has met. A change of the content types is made in the text of the stream: what
 /// doesn't change keeps its bytes, what was left out included, and a `Default` that no part rests on any more stays. An
