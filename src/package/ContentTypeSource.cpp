@@ -30,8 +30,12 @@ bool isExtensionCharacter(char16_t unit) {
            (unit >= u'0' && unit <= u'9') || OTHERS.find(unit) != std::u16string_view::npos;
 }
 
-[[noreturn]] void throwNotFound(const PartName& name) {
-    throw ContentTypeNotFound("No content type was found for part:" + toASCIIString(name.toString()));
+/// @param unread  how many elements of the stream weren't read: one of them may be the content type
+[[noreturn]] void throwNotFound(const PartName& name, std::size_t unread = 0) {
+    ContentTypeNotFound failure("No content type was found for part:" + toASCIIString(name.toString()));
+    if (unread > 0)
+        failure.addDetails("the content types stream has " + describeElements(unread));
+    throw failure;
 }
 
 /// Relationships parts are known by their names; their content types aren't looked at.
@@ -133,7 +137,7 @@ ContentType ContentTypeSource::getContentType(const PartName& name) {
         return *own;
     const ContentType* common = contentTypes->useDefault(extensionKey(name));
     if (common == nullptr)
-        throwNotFound(name);
+        throwNotFound(name, contentTypes->countUnread());
     return *common;
 }
 

@@ -134,6 +134,11 @@ TEST(BadPackages, areRefusedAndTheNextOneStartsClean) {
         {withPart(u"/b/c.png"), "ContentTypeNotFound: No content type was found for part:/b/c.png", ""},
         {withTypes(R"(<Default Extension="xml" ContentType="application/xml"/>)"),
          "ContentTypeNotFound: No content type was found for part:/_rels/.rels", ""},
+        {withTypes("<p:Default xmlns:p='http://schemas.openxmlformats.org/package/2006/content-types' "
+                   "Extension='rels' ContentType='a/b'/>"),
+         "ContentTypeNotFound: No content type was found for part:/_rels/.rels",
+         "the content types stream has elements that weren't read, as they have a namespace prefix or "
+         "stand in the wrong place: 1"},
         {withPart(
              u"/_rels/a.xml.rels",
              "<!-- -->\n"
