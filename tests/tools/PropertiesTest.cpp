@@ -77,11 +77,11 @@ TEST_F(Opctool, propsMendsARelationshipThatLeadsToNoPart) {
     run("relate p.zip / " + core + " docProps/core.xml --id core");
     const std::string line =
         "opctool: p.zip: /_rels/.rels#core: the core properties relationship leads to no part: "
-        "docProps/core.xml; there are no core properties\n";
+        "docProps/core.xml; ";
     const Outcome read = run("props p.zip --json");
     EXPECT_EQ(read.status, 0);
     EXPECT_EQ(read.output, "{}\n");
-    EXPECT_EQ(read.errors, line);
+    EXPECT_EQ(read.errors, line + "there are none\n");
     for (const char* command : {"props p.zip --strict", "props p.zip --set title=t --strict"})
         expectFailure(
             command,
@@ -89,7 +89,7 @@ TEST_F(Opctool, propsMendsARelationshipThatLeadsToNoPart) {
             "relationship core leads to docProps/core.xml; --lenient takes the package as one without "
             "them",
             "p.zip");
-    EXPECT_EQ(run("props p.zip --set title=t").errors, line);
+    EXPECT_EQ(run("props p.zip --set title=t").errors, line + "new ones are written\n");
     EXPECT_EQ(list("props p.zip"), nlohmann::json({{"title", "t"}}));
     EXPECT_EQ(list("rels p.zip").at(0)["target"], "docProps/core.xml");
 }

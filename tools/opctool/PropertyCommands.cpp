@@ -67,15 +67,15 @@ CoreProperties readStrictly(const Package& package) {
     }
 }
 
-/// None, with a word about it, if their relationship leads to no part. Strictly that is a failure.
-CoreProperties read(const PackageArgument& argument, const Package& package) {
+/// None, with a word about it and about what is done, if their relationship leads to no part. Strictly that is a failure.
+CoreProperties read(const PackageArgument& argument, const Package& package, const std::string& done) {
     if (argument.strict || !PackageHelper::hasDanglingCoreProperties(package))
         return readStrictly(package);
     const auto dangling =
         *package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).begin();
     tell(argument.path, "/_rels/.rels#" + opc::toUDEString(dangling.getID()) +
                             ": the core properties relationship leads to no part: " +
-                            opc::toUDEString(dangling.getTarget()) + "; there are no core properties");
+                            opc::toUDEString(dangling.getTarget()) + "; " + done);
     return {};
 }
 
@@ -89,7 +89,7 @@ void write(const PackageArgument& argument, Package& package, const CoreProperti
 void print(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadOnly);
     warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
-    const nlohmann::json description = describe(read(arguments.package, *package));
+    const nlohmann::json description = describe(read(arguments.package, *package, "there are none"));
     if (arguments.json)
         std::cout << escapedJSON(description.dump(2)) << '\n';
     else
@@ -101,7 +101,7 @@ void change(const Arguments& arguments) {
     warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
     CoreProperties properties;
     if (!arguments.clear) // what is to be dropped needn't be readable
-        properties = read(arguments.package, *package);
+        properties = read(arguments.package, *package, "new ones are written");
     for (const std::string& name : arguments.unset)
         unset(properties, name);
     for (const std::string& assignment : arguments.set)
