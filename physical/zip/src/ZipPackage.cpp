@@ -49,7 +49,11 @@ bool ZipPackage::usesContentTypeStream() {
 }
 
 interfaces::IPhysicalInputStream* ZipPackage::getContentTypeInputStream() {
-    return impl->opened().contentTypesStream().read();
+    zip::ZipContent& stream = impl->opened().contentTypesStream();
+    if (!stream.exists())
+        zip::fail(zip::itemPlace(impl->store->place(), "[Content_Types].xml"),
+                  "doesn't exist; the archive is no package", ENOENT);
+    return stream.read();
 }
 
 interfaces::IPhysicalOutputStream* ZipPackage::getContentTypeOutputStream() {
