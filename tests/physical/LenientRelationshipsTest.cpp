@@ -218,6 +218,9 @@ TEST(LenientRelationships, followMarkupCompatibility) {
         {"<mc:AlternateContent><mc:Choice Requires='n r'/><mc:Fallback>" + relationship("d") +
              "</mc:Fallback></mc:AlternateContent>",
          "d"},
+        {"<mc:AlternateContent><mc:Fallback>" + relationship("a") + "</mc:Fallback></mc:AlternateContent>",
+         "a"},
+        {"<n:x mc:ProcessContent='n:*'>" + relationship("a") + "</n:x>", "a"},
         {"<n:x mc:MustUnderstand='n'/>" + relationship("a"), "a"},
     };
     for (const auto& [content, id] : cases)

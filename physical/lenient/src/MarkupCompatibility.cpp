@@ -69,7 +69,7 @@ private:
                 prefixes.add(attribute.declaredPrefix(), attribute.namespaceURI);
         const std::size_t parent = open.empty() ? Element::NO_PARENT : open.back().childrensParent;
         const Role role = roleOf(element);
-        result.anyIgnored = result.anyIgnored || role == Role::Ignored;
+        result.anyIgnored = result.anyIgnored || role != Role::Content;
         open.push_back({role, role == Role::Content ? result.found.size() : parent});
         open.back().isAlternate = role == Role::Wrapper && element.is(NAMESPACE, u"AlternateContent");
         result.found.push_back({parent, role});

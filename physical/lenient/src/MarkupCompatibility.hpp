@@ -34,7 +34,8 @@ public:
         return !ignoredAttributes.empty() && ignoredAttributes[element.firstAttribute + attribute];
     }
 
-    /// Whether there is anything to ignore.
+    /// Whether there is anything that another program may read otherwise: to ignore, or to read in place of what it
+    /// stands in.
     bool ignoresAny() const { return anyIgnored; }
 
 private:
