@@ -67,8 +67,14 @@ bool hasTooMuchMarkup(const Bytes& document) {
 
 bool hasDocumentType(const Bytes& document) {
     std::string ascii;
-    std::copy_if(document.begin(), document.end(), std::back_inserter(ascii),
-                 [](unsigned char byte) { return byte > 0 && byte < 0x80; });
+    const auto take = [&ascii](char16_t unit) {
+        if (unit > 0 && unit < 0x80)
+            ascii.push_back(static_cast<char>(unit));
+    };
+    if (const auto text = DocumentText::decode(document))
+        std::for_each(text->text().begin(), text->text().end(), take);
+    else
+        std::for_each(document.begin(), document.end(), take);
     std::string_view rest = ascii;
     skipProlog(rest);
     constexpr std::string_view DOCUMENT_TYPE = "<!DOCTYPE";
