@@ -143,6 +143,7 @@ TEST(LenientRelationships, areReadWholeWhateverTheirForm) {
              "x:schemaLocation='a b'>" +
              GOOD + "$" + END,
          "a urn:t a.xml;", ""},
+        {"<?xml version='1.1'?>" + prefixed + "\xC2\x85\xE2\x80\xA8$</p:Relationships>", "", ""},
     };
     for (const Case& each : cases)
         check(each, 5);

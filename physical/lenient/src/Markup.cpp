@@ -62,6 +62,11 @@ bool isSpace(char16_t unit) {
     return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r';
 }
 
+/// Whether a document is in XML 1.1, which has more characters that end lines.
+bool isOfVersion11(std::u16string_view text) {
+    return text.substr(0, 5) == u"<?xml" && text.substr(0, text.find(u"?>")).find(u"1.1") != text.npos;
+}
+
 /// Splits a name at its colon.
 void split(std::u16string_view name, std::u16string_view& prefix, std::u16string_view& localName) {
     const std::size_t colon = name.find(u':');
@@ -94,7 +99,8 @@ std::u16string Attribute::value() const {
 /// Goes through a text from its first code unit to its last.
 class MarkupScanner {
 public:
-    MarkupScanner(const std::u16string& itsText, Markup& result) : text(itsText), markup(result) {}
+    MarkupScanner(const std::u16string& itsText, Markup& result)
+        : text(itsText), markup(result), isBlank(isOfVersion11(itsText) ? isMarkupSpace : isSpace) {}
 
     void scan() {
         while (at < text.size()) {
@@ -136,7 +142,7 @@ private:
         const auto place = [this](std::size_t offset) {
             return text.begin() + static_cast<std::ptrdiff_t>(offset);
         };
-        if (!open.empty() && !std::all_of(place(begin), place(at), isSpace))
+        if (!open.empty() && !std::all_of(place(begin), place(at), isBlank))
             markup.found[open.back()].hasText = true;
     }
 
@@ -248,6 +254,7 @@ private:
 
     const std::u16string& text;
     Markup& markup;
+    bool (*const isBlank)(char16_t);                           // of the text between tags
     ScopedMap<std::u16string_view, std::u16string_view> scope; // of prefixes
     std::vector<std::size_t> open;                             // elements
     std::size_t at = 0;
