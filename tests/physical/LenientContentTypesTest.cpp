@@ -126,7 +126,7 @@ TEST(LenientContentTypes, areReadEachEntryByItself) {
          both, "M2.7:2 M2.7:2 "},
         {root(
              "<Default Extension='png' ContentType='t/png' Other='1' xml:space='default'>text<x/></Default>"),
-         both, "M1.20:2 M1.20:2 M1.20:2 "},
+         both, "M1.20:2 M1.20:2 "},
         {root("text<o:Default xmlns:o='urn:o' Extension='png' ContentType='t/o'><Default Extension='png' "
               "ContentType='t/o'/></o:Default>" +
               png),
@@ -144,11 +144,9 @@ TEST(LenientContentTypes, areReadEachEntryByItself) {
         types.package.open(OpenMode::ReadWrite);
         EXPECT_EQ(types.look(), each.seen) << label;
         EXPECT_EQ(types.oddities(), each.oddities) << label;
-        EXPECT_EQ(types.package.getIgnoredItems().empty(),
-                  types.oddities().find("M1.13") == std::string::npos &&
-                      types.oddities().find("M2.6") == std::string::npos &&
-                      types.oddities().find("M2.7") == std::string::npos)
-            << label;
+        const bool isReadAlike =
+            each.oddities.empty() || each.oddities.find("M2.5") == 0 || label.find(BETA) != std::string::npos;
+        EXPECT_EQ(types.package.getIgnoredItems().empty(), isReadAlike) << label;
         types.package.close(false);
         EXPECT_EQ(types.scripted.countCalls("getContentTypeOutputStream"), 0U) << label;
     }

@@ -154,6 +154,8 @@ LADDERS = {  # what makes an archive of a size, the smallest size, the command
         f'<Override PartName="/a{i}" ContentType="a/b"/>' for i in range(n))))), 20000, 'ls'),
     'defaults of one extension, parsed': (lambda n: archive([], not_plain(types(
         '<Default Extension="a" ContentType="a/b"/>' * n))), 20000, 'ls'),
+    'attributes of an entry with a long name': (lambda n: archive([], types(
+        f'<Default Extension="{"a" * 10 * n}" ContentType="a/b"' + ''.join(f' a{i}=""' for i in range(n)) + '/>')), 10000, 'ls'),
     'relationships': (lambda n: of_package(relationships(relate(n))), 10000, 'rels'),
     'relationships, parsed': (lambda n: of_package(relationships(relate(n, 'http://a/?b=c&amp;d'))), 10000, 'rels'),
     'relationship types': (lambda n: of_package(relationships(''.join(

@@ -37,6 +37,11 @@ std::string quote(const std::u16string& value) {
     return value.size() <= LONGEST ? toUDEString(value) : toUDEString(value.substr(0, LONGEST)) + "...";
 }
 
+/// Speaks of several by the first: there may be as many as the document has room for.
+std::string andMore(std::size_t count) {
+    return count == 1 ? "" : " and " + std::to_string(count - 1) + " more";
+}
+
 void appendAttribute(std::string& document, const char* name, const std::u16string& value) {
     document.append(" ").append(name).append("=\"");
     for (const char16_t unit : value) {
@@ -64,22 +69,34 @@ public:
             throw Exception("The root isn't that of content types.");
         checkRoot(root);
         const auto& elements = markup.elements();
+        const Element* firstOther = nullptr;
+        std::size_t others = 0;
         for (std::size_t i = 1; i < elements.size(); ++i) {
             const Element& element = elements[i];
             if (element.depth == 1 && isOurs(element, u"Default"))
                 takeEntry(i, ContentTypeEntry::Kind::Default, u"Extension");
             else if (element.depth == 1 && isOurs(element, u"Override"))
                 takeEntry(i, ContentTypeEntry::Kind::Override, u"PartName");
-            else if (element.depth == 1)
-                add("M1.20", element.line,
-                    "an element that is no entry: " + quote(std::u16string(element.localName)), LEFT_OUT);
+            else if (element.depth == 1 && others++ == 0)
+                firstOther = &element;
         }
+        if (firstOther != nullptr)
+            addDisputed("M1.20", firstOther->line,
+                        "an element that is no entry: " + quote(std::u16string(firstOther->localName)) +
+                            andMore(others),
+                        LEFT_OUT);
         settle();
         std::stable_sort(result.found.begin(), result.found.end(),
                          [](const auto& left, const auto& right) { return left.line < right.line; });
     }
 
 private:
+    /// Adds what other programs may read otherwise.
+    void addDisputed(const char* rule, std::size_t line, std::string what, const char* done) {
+        add(rule, line, std::move(what), done);
+        ++result.disputed;
+    }
+
     void add(const char* rule, std::size_t line, std::string what, const char* done) {
         result.readAsTheyAre = false;
         result.found.push_back({rule, u"/[Content_Types].xml", line, std::move(what), done});
@@ -106,23 +123,28 @@ private:
         if (root.namespaceURI == BETA_NAMESPACE)
             add("M1.20", root.line, "has the namespace of 2005/06", "read as its successor");
         if (root.hasText)
-            add("M1.20", root.line, "there is text between the entries", LEFT_OUT);
+            addDisputed("M1.20", root.line, "there is text between the entries", LEFT_OUT);
         checkAttributes(root, {});
     }
 
     void checkAttributes(const Element& element, std::u16string_view keyName) {
+        const Attribute* first = nullptr;
+        std::size_t count = 0;
         for (const Attribute& attribute : markup.attributes(element)) {
             const bool isKnown = attribute.isDeclaration() ||
                                  attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
                                  attribute.is(SCHEMA_INSTANCE, u"noNamespaceSchemaLocation") ||
                                  (!keyName.empty() && attribute.prefix.empty() &&
                                   (attribute.localName == keyName || attribute.localName == u"ContentType"));
-            if (!isKnown)
-                add(attribute.namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
-                    describe(element) + " has the attribute " + quote(std::u16string(attribute.localName)) +
-                        ", which it can't have",
-                    "passed over, and kept in the file");
+            if (!isKnown && count++ == 0)
+                first = &attribute;
         }
+        if (first == nullptr)
+            return;
+        addDisputed(first->namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
+                    describe(element) + " has the attribute " + quote(std::u16string(first->localName)) +
+                        andMore(count) + ", which it can't have",
+                    "passed over, and kept in the file");
     }
 
     void takeEntry(std::size_t index, ContentTypeEntry::Kind kind, std::u16string_view keyName) {
@@ -131,7 +153,7 @@ private:
         noteForm(element);
         const char* const rule = takeValues(entry, element, keyName);
         if (rule != nullptr) {
-            add(rule, element.line, describe(element) + ": " + entry.defect, LEFT_OUT);
+            addDisputed(rule, element.line, describe(element) + ": " + entry.defect, LEFT_OUT);
         } else {
             entry.standing = ContentTypeEntry::Standing::Repeats;
             checkAttributes(element, keyName);
@@ -183,8 +205,8 @@ private:
         const auto& elements = markup.elements();
         const std::size_t next = entry.element + 1;
         if (element.hasText || (next < elements.size() && elements[next].depth > element.depth))
-            add("M1.20", element.line, describe(element) + " isn't empty",
-                "it was read without what is in it");
+            addDisputed("M1.20", element.line, describe(element) + " isn't empty",
+                        "it was read without what is in it");
     }
 
     /// Finds which of several entries for the same counts.
@@ -207,8 +229,9 @@ private:
         if (&entry == &first)
             entry.standing = ContentTypeEntry::Standing::Counts;
         if (entry.lacksSlash)
-            add("M1.4", element.line, describe(element) + " has no slash in front of the name",
-                &entry == &first ? "read as if it had one" : "the other Override for the part counts");
+            addDisputed("M1.4", element.line, describe(element) + " has no slash in front of the name",
+                        &entry == &first ? "read as if it had one"
+                                         : "the other Override for the part counts");
         if (&entry == &first || entry.contentType == first.contentType ||
             model::ContentType(entry.contentType) == model::ContentType(first.contentType))
             return;

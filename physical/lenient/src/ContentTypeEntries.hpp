@@ -70,6 +70,9 @@ public:
     /// What breaks the standard, in the order of lines.
     const std::vector<interfaces::Oddity>& oddities() const { return found; }
 
+    /// How many of the oddities other programs may read otherwise.
+    std::size_t countDisputed() const { return disputed; }
+
     /// Whether the model reads the same from the document itself.
     bool areReadAsTheyAre() const { return readAsTheyAre; }
 
@@ -82,6 +85,7 @@ private:
 
     std::vector<ContentTypeEntry> entries;
     std::vector<interfaces::Oddity> found;
+    std::size_t disputed = 0;
     bool readAsTheyAre = true;
 };
 

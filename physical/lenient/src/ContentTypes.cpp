@@ -96,6 +96,7 @@ void ContentTypes::read() {
     if (!reading->entries.areReadAsTheyAre())
         const Document wellFormed(*original);
     found = reading->entries.oddities();
+    readOtherwise = reading->entries.countDisputed();
 }
 
 bool ContentTypes::covers(interfaces::IPhysicalPart& part) const {
@@ -135,7 +136,6 @@ void ContentTypes::settle() {
     for (const ContentTypeEntry& entry : entries.all()) {
         if (entry.lacksSlash)
             context.withheld.insert(extensionOf(entry.key));
-        leftOut += entry.standing == Standing::LeftOut ? 1 : 0;
         if (entry.kind == Kind::Override && (entry.lacksSlash || entry.standing != Standing::Counts))
             disputed.insert(entry.key);
     }
@@ -147,10 +147,10 @@ void ContentTypes::settle() {
 }
 
 std::optional<interfaces::IgnoredItem> ContentTypes::ignoredItem() const {
-    if (leftOut == 0)
+    if (readOtherwise == 0)
         return std::nullopt;
-    return interfaces::IgnoredItem{u"/[Content_Types].xml",
-                                   "entries that can't be read were left out: " + std::to_string(leftOut)};
+    return interfaces::IgnoredItem{u"/[Content_Types].xml", "what other programs may read otherwise: " +
+                                                                std::to_string(readOtherwise)};
 }
 
 interfaces::IPhysicalInputStream* ContentTypes::inputStream() {

@@ -55,7 +55,7 @@ public:
 
     const std::vector<interfaces::Oddity>& oddities() const { return found; }
 
-    /// What a signature can't cover: the entries that were left out.
+    /// What a signature can't cover: what was left out, passed over or mended.
     std::optional<interfaces::IgnoredItem> ignoredItem() const;
 
     /// The stream that the model is to read; null if that is the package's own.
@@ -84,7 +84,7 @@ private:
     std::unique_ptr<Reading> reading; ///< null once the package is open
     bool coversRelationships = false; ///< by an entry that isn't in the document
     std::vector<interfaces::Oddity> found;
-    std::size_t leftOut = 0;
+    std::size_t readOtherwise = 0; ///< how many of these
 
     std::unique_ptr<BytesStream> view; ///< null where the model reads the document itself
     Bytes wanted; ///< what the model has read or written last, but for the document itself
