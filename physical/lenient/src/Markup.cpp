@@ -64,7 +64,8 @@ bool isSpace(char16_t unit) {
 
 /// Whether a document is in XML 1.1, which has more characters that end lines.
 bool isOfVersion11(std::u16string_view text) {
-    return text.substr(0, 5) == u"<?xml" && text.substr(0, text.find(u"?>")).find(u"1.1") != text.npos;
+    return text.substr(0, 5) == u"<?xml" &&
+           text.substr(0, text.find(u"?>")).find(u"1.1") != std::u16string_view::npos;
 }
 
 /// Splits a name at its colon.
