@@ -148,9 +148,10 @@ void lookAtSignatures(Package& package, DigitalSignatureManager& signatures) {
 }
 
 void change(Package& package, RelationshipSource& source) {
-    attempt<RelationshipAlreadyExists, InvalidRelationshipContent, InvalidContentTypeStream>(
+    attempt<RelationshipAlreadyExists, PartAlreadyExists, InvalidRelationshipContent,
+            InvalidContentTypeStream>(
         [&] { source.createExternalRelationship(u"urn:fuzz", u"http://example.com/a b", u"fuzzed"); });
-    attempt<InvalidRelationshipTarget, UnsupportedRelativize, InvalidRelationshipContent,
+    attempt<InvalidRelationshipTarget, UnsupportedRelativize, PartAlreadyExists, InvalidRelationshipContent,
             InvalidContentTypeStream>([&] { source.createInternalRelationship(u"urn:fuzz", URI(NEW_PART)); });
     const auto relationships = source.getRelationships();
     if (relationships.size() > 2 && package.getParts().size() % 2 == 0)
