@@ -10,6 +10,7 @@
 #include <cstring>
 #include <iterator>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace opc::physical::zip {
@@ -140,14 +141,14 @@ EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool leni
         (!lenient || records.empty() || records.front().directory.archiveEnd > tail.archiveEnd() ||
          !canBeFollowed(records.front(), archive, place)))
         failWithoutEnd(archive, place, records);
-    EndRecord& last = records.front();
+    EndRecord last = std::move(records.front());
     if ((count == 1 && !reachesEnd(last)) ||
         std::any_of(std::next(records.begin()), records.end(), standsBehindItsDirectory))
         failDirectory(place, "it can be understood in two ways");
     requireNoRecordBehind(tail, last.directory.archiveEnd, place);
     last.directory.comment.assign(tail.at(last.offset + DIRECTORY_END_SIZE),
                                   tail.at(last.directory.archiveEnd));
-    return std::move(last);
+    return last;
 }
 
 /// The offset of the ZIP64 end record, which stands in front of its locator and says more than `end` has room
