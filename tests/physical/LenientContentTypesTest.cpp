@@ -326,6 +326,10 @@ TEST(LenientContentTypes, areLeftToTheModelWhereTheyCanNotBeRead) {
             << document;
         EXPECT_TRUE(types.lenient.getOddities().empty());
     }
+    // The model is given another document where relationships parts aren't covered.
+    LenientContentTypes types("<?xml wrong='' version='1.0'?>" + ROOT + XML + "</Types>",
+                              {u"/_rels/a.xml.rels"});
+    EXPECT_THROW(types.package.open(OpenMode::ReadOnly), opc::model::InvalidContentTypeStream);
 }
 
 } // namespace

@@ -126,7 +126,15 @@ std::string ContentTypes::hide(const std::u16string& name) {
 }
 
 void ContentTypes::coverRelationships() {
-    coversRelationships = reading && reading->entries.find(Kind::Default, RELATIONSHIPS_EXTENSION) == nullptr;
+    if (!reading || reading->entries.find(Kind::Default, RELATIONSHIPS_EXTENSION) != nullptr)
+        return;
+    try {
+        const Document wellFormed(*original); // the model won't see it
+        coversRelationships = true;
+    } catch (const Exception&) { // for the model to refuse
+        original.reset();
+        reading.reset();
+    }
 }
 
 void ContentTypes::settle() {
