@@ -148,11 +148,12 @@ void lookAtSignatures(Package& package, DigitalSignatureManager& signatures) {
 }
 
 void change(Package& package, RelationshipSource& source) {
-    attempt<RelationshipAlreadyExists, PartAlreadyExists, InvalidRelationshipContent,
+    attempt<RelationshipAlreadyExists, PartAlreadyExists, PartCreateFailed, InvalidRelationshipContent,
             InvalidContentTypeStream>(
         [&] { source.createExternalRelationship(u"urn:fuzz", u"http://example.com/a b", u"fuzzed"); });
-    attempt<InvalidRelationshipTarget, UnsupportedRelativize, PartAlreadyExists, InvalidRelationshipContent,
-            InvalidContentTypeStream>([&] { source.createInternalRelationship(u"urn:fuzz", URI(NEW_PART)); });
+    attempt<InvalidRelationshipTarget, UnsupportedRelativize, PartAlreadyExists, PartCreateFailed,
+            InvalidRelationshipContent, InvalidContentTypeStream>(
+        [&] { source.createInternalRelationship(u"urn:fuzz", URI(NEW_PART)); });
     const auto relationships = source.getRelationships();
     if (relationships.size() > 2 && package.getParts().size() % 2 == 0)
         attempt<InvalidRelationshipContent, InvalidContentTypeStream>(
