@@ -22,4 +22,8 @@ std::u16string escapeValue(std::u16string_view value) {
     return escaped;
 }
 
+void addAttribute(std::u16string& tag, std::u16string_view name, std::u16string_view value) {
+    tag.append(u" ").append(name).append(u"=\"").append(escapeValue(value)).append(u"\"");
+}
+
 } // namespace opc::physical::lenient

@@ -1,5 +1,7 @@
 #include "ContentTypeEntries.hpp"
 
+#include "AttributeText.hpp"
+
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/ContentType.hpp>
@@ -40,18 +42,6 @@ std::string quote(const std::u16string& value) {
 /// Speaks of several by the first: there may be as many as the document has room for.
 std::string andMore(std::size_t count) {
     return count == 1 ? "" : " and " + std::to_string(count - 1) + " more";
-}
-
-void appendAttribute(std::string& document, const char* name, const std::u16string& value) {
-    document.append(" ").append(name).append("=\"");
-    for (const char16_t unit : value) {
-        const bool isPlain = unit >= u' ' && unit <= u'~' && unit != u'&' && unit != u'<' && unit != u'"';
-        if (isPlain)
-            document += static_cast<char>(unit);
-        else
-            document.append("&#").append(std::to_string(static_cast<unsigned>(unit))).append(";");
-    }
-    document += "\"";
 }
 
 } // namespace
@@ -266,18 +256,19 @@ ContentTypeEntries::Group ContentTypeEntries::groupOf(const ContentTypeEntry& fi
     return {&first, last};
 }
 
-std::string ContentTypeEntries::toDocument(std::string_view additions) const {
-    std::string document = "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
+std::string ContentTypeEntries::toDocument(std::u16string_view additions) const {
+    std::u16string document =
+        u"<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
     for (const ContentTypeEntry& entry : entries) {
         if (entry.standing == Standing::LeftOut)
             continue;
         const bool isDefault = entry.kind == Kind::Default;
-        document += isDefault ? "<Default" : "<Override";
-        appendAttribute(document, isDefault ? "Extension" : "PartName", entry.key);
-        appendAttribute(document, "ContentType", entry.contentType);
-        document += "/>";
+        document += isDefault ? u"<Default" : u"<Override";
+        addAttribute(document, isDefault ? u"Extension" : u"PartName", entry.key);
+        addAttribute(document, u"ContentType", entry.contentType);
+        document += u"/>";
     }
-    return document.append(additions).append("</Types>");
+    return detail::toUTF8String(document.append(additions).append(u"</Types>"), true);
 }
 
 } // namespace opc::physical::lenient

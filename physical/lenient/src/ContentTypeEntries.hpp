@@ -78,7 +78,7 @@ public:
 
     /// What the model is to read in place of the document: a plain one with all entries that aren't left out.
     /// @param additions  elements to be added
-    std::string toDocument(std::string_view additions) const;
+    std::string toDocument(std::u16string_view additions) const;
 
 private:
     friend class ContentTypesReader;

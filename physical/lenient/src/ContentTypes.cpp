@@ -19,8 +19,8 @@ using Kind = ContentTypeEntry::Kind;
 using Standing = ContentTypeEntry::Standing;
 
 constexpr char16_t RELATIONSHIPS_EXTENSION[] = u"rels";
-constexpr char RELATIONSHIPS_ENTRY[] =
-    R"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)";
+constexpr char16_t RELATIONSHIPS_ENTRY[] =
+    uR"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)";
 
 Bytes toBytes(const std::string& text) {
     return Bytes(text.begin(), text.end());
@@ -148,7 +148,7 @@ void ContentTypes::settle() {
             disputed.insert(entry.key);
     }
     if (coversRelationships || !entries.areReadAsTheyAre()) {
-        wanted = toBytes(entries.toDocument(coversRelationships ? RELATIONSHIPS_ENTRY : ""));
+        wanted = toBytes(entries.toDocument(coversRelationships ? RELATIONSHIPS_ENTRY : u""));
         view = std::make_unique<BytesStream>(wanted);
     }
     reading.reset();

@@ -31,7 +31,7 @@ std::u16string DocumentEdits::compose(std::u16string_view localName, const NewAt
         element.append(prefix).append(u":");
     element.append(localName);
     for (const auto& [name, value] : attributes)
-        element.append(u" ").append(name).append(u"=\"").append(escapeValue(value)).append(u"\"");
+        addAttribute(element, name, value);
     return element.append(u"/>");
 }
 

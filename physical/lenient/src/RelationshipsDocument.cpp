@@ -69,10 +69,6 @@ bool hasControls(std::u16string_view text) {
     });
 }
 
-void addAttribute(std::u16string& text, std::u16string_view name, std::u16string_view value) {
-    text.append(u" ").append(name).append(u"=\"").append(escapeValue(value)).append(u"\"");
-}
-
 } // namespace
 
 /// Takes what counts out of the markup.
