@@ -40,8 +40,11 @@ const unsigned char* findEnd(const std::vector<unsigned char>& tail) {
 
 RawArchive::Item readEntry(const unsigned char* entry, std::size_t nameSize) {
     RawArchive::Item item{std::string(reinterpret_cast<const char*>(entry) + ENTRY_SIZE, nameSize),
-                          numberAt<std::uint16_t>(entry + 10), numberAt<std::uint32_t>(entry + 20),
-                          numberAt<std::uint32_t>(entry + 24), numberAt<std::uint32_t>(entry + 42)};
+                          numberAt<std::uint16_t>(entry + 10),
+                          numberAt<std::uint32_t>(entry + 16),
+                          numberAt<std::uint32_t>(entry + 20),
+                          numberAt<std::uint32_t>(entry + 24),
+                          numberAt<std::uint32_t>(entry + 42)};
     const unsigned char* large =
         entry + ENTRY_SIZE + nameSize + 4; // the ZIP64 field, if there is one, stands first
     for (std::uint64_t* number : {&item.size, &item.compressedSize, &item.offset})
@@ -56,7 +59,6 @@ RawArchive::Item readEntry(const unsigned char* entry, std::size_t nameSize) {
 
 RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_str(), O_RDONLY)) {
     require(file >= 0, "no archive");
-    require(inflateInit2(&inflater, -MAX_WBITS) == Z_OK, "no inflater");
     struct stat status {};
     ::fstat(file, &status);
     std::vector<unsigned char> bytes;
@@ -84,7 +86,6 @@ RawArchive::RawArchive(const std::filesystem::path& path) : file(::open(path.c_s
 }
 
 RawArchive::~RawArchive() {
-    inflateEnd(&inflater);
     ::close(file);
 }
 
@@ -94,7 +95,7 @@ void RawArchive::read(std::uint64_t offset, std::size_t count, std::vector<unsig
             "cut off");
 }
 
-std::string_view RawArchive::content(const Item& item) {
+std::string_view RawArchive::compressedContent(const Item& item) {
     // The extra fields of a local header may be longer than those of the directory: there is room for some.
     constexpr std::size_t ROOM = 64;
     const std::size_t longest = HEADER_SIZE + item.name.size() + ROOM;
@@ -103,17 +104,35 @@ std::string_view RawArchive::content(const Item& item) {
         HEADER_SIZE + numberAt<std::uint16_t>(&compressed[26]) + numberAt<std::uint16_t>(&compressed[28]);
     if (header > longest)
         read(item.offset, header + item.compressedSize, compressed);
-    const unsigned char* data = compressed.data() + header;
-    if (item.method == 0)
-        return {reinterpret_cast<const char*>(data), item.size};
+    return {reinterpret_cast<const char*>(compressed.data()) + header, item.compressedSize};
+}
+
+std::string_view RawArchive::content(const Item& item) {
+    const std::string_view data = compressedContent(item);
+    if (item.method == 0 || item.size == 0)
+        return data.substr(0, item.size);
+    if (!inflater)
+        inflater.emplace();
     plain.resize(item.size);
+    inflater->inflate(data, plain);
+    return {reinterpret_cast<const char*>(plain.data()), plain.size()};
+}
+
+RawInflater::RawInflater() {
+    require(inflateInit2(&inflater, -MAX_WBITS) == Z_OK, "no inflater");
+}
+
+RawInflater::~RawInflater() {
+    inflateEnd(&inflater);
+}
+
+void RawInflater::inflate(std::string_view compressed, std::vector<unsigned char>& plain) {
     inflateReset(&inflater);
-    inflater.next_in = const_cast<unsigned char*>(data);
-    inflater.avail_in = static_cast<unsigned>(item.compressedSize);
+    inflater.next_in = reinterpret_cast<unsigned char*>(const_cast<char*>(compressed.data()));
+    inflater.avail_in = static_cast<unsigned>(compressed.size());
     inflater.next_out = plain.data();
-    inflater.avail_out = static_cast<unsigned>(item.size);
+    inflater.avail_out = static_cast<unsigned>(plain.size());
     require(::inflate(&inflater, Z_FINISH) == Z_STREAM_END, "not deflated");
-    return {reinterpret_cast<const char*>(plain.data()), item.size};
 }
 
 RawDeflater::RawDeflater() {

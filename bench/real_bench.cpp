@@ -1,43 +1,47 @@
-// Opening and listing packages as people have them, beside the least that it can cost: the directory, and zlib and
-// expat over the content types and the relationships parts, collected and not checked.
+// Opening and listing packages as people have them, beside the same by zlib and expat.
 //
-//   real_bench [FOLDER] [ROUNDS] [THREADS]
+//   real_bench [FOLDER [ROUNDS [THREADS]]]   ratios, and files a second
+//   real_bench --paced [FOLDER]              lists all files once for each line that it reads: see python_listing.py
 //
-// Without a folder it takes the documents of office programs among the tests. Both sides take each file in turn, and
-// the shortest of their working times counts; so what else the machine does mostly falls out of the ratio. The cold
-// row is the first package that a process opens.
+// Without a folder it takes the documents of office programs among the tests, and packages that it makes in such
+// shapes. `least` is `listRawPackage`, `straight` is `listStraightforwardly`; `lenient` is the listing as `opctool` does
+// it. The first of a process is in a process of its own.
 
+#include "Child.hpp"
+#include "FileTimes.hpp"
 #include "RawListing.hpp"
-#include "WorkTime.hpp"
+#include "RealShapes.hpp"
+#include "StraightListing.hpp"
+#include "TemporaryFolder.hpp"
 
 #include <opc/model/Package.hpp>
+#include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
-#include <iterator>
+#include <iostream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace opc::model;
-
-using Work = std::size_t (*)(const fs::path&);
+using bench::Seconds;
+using Files = std::vector<fs::path>;
 
 /// @return how many characters the names, content types and relationships of the package have
-std::size_t listPackage(const fs::path& path) {
-    opc::physical::ZipPackage archive(path);
-    Package package(archive);
+std::size_t listPackage(opc::interfaces::IPhysicalPackage& store) {
+    Package package(store);
     package.open(opc::interfaces::OpenMode::ReadOnly);
     std::size_t size = 0;
     const auto add = [&](const RelationshipSource& source) {
@@ -53,158 +57,165 @@ std::size_t listPackage(const fs::path& path) {
     return size;
 }
 
-struct Times {
-    std::vector<double> ours;
-    std::vector<double> raw;
+std::size_t listStrictly(const fs::path& path) {
+    opc::physical::ZipPackage archive(path);
+    return listPackage(archive);
+}
 
-    void add(double our, double other) {
-        ours.push_back(our);
-        raw.push_back(other);
-    }
+/// As `opctool` does.
+std::size_t listLeniently(const fs::path& path) {
+    opc::physical::ZipOptions options;
+    options.lenient = true;
+    opc::physical::ZipPackage archive(path, options);
+    opc::physical::LenientPackage lenient(archive);
+    return listPackage(lenient);
+}
+
+enum Side : std::size_t { Strict, Lenient, Least, Straight };
+const std::vector<bench::FileWork> WORKS{listStrictly, listLeniently, bench::listRawPackage,
+                                         bench::listStraightforwardly};
+
+Files packagesIn(const fs::path& folder) {
+    return bench::filesFor(folder, [](const fs::path& file) {
+        for (const bench::FileWork& work : WORKS)
+            work(file);
+    });
+}
+
+void printRows(const std::string& title, const std::vector<bench::FileTimes>& times) {
+    bench::printRatios((title + ", least").c_str(), times[Strict], times[Least]);
+    bench::printRatios((title + ", straight").c_str(), times[Strict], times[Straight]);
+    bench::printRatios((title + ", lenient, least").c_str(), times[Lenient], times[Least]);
+}
+
+void printFiles(const Files& files, const std::vector<bench::FileTimes>& times) {
+    std::printf("%-36s %8s %8s %8s %8s %8s\n", "warm, us", "bytes", "ours", "least", "straight", "ratio");
+    for (std::size_t i = 0; i < files.size(); ++i)
+        std::printf("%-36s %8ju %8.1f %8.1f %8.1f %8.2f\n", files[i].filename().c_str(),
+                    static_cast<std::uintmax_t>(fs::file_size(files[i])), times[Strict][i].count() * 1e6,
+                    times[Least][i].count() * 1e6, times[Straight][i].count() * 1e6,
+                    times[Strict][i] / times[Least][i]);
+}
+
+/// Packages of one origin.
+struct Group {
+    const char* title;
+    Files files;
 };
 
-double sumOf(const std::vector<double>& times) {
-    double sum = 0;
-    for (const double time : times)
-        sum += time;
-    return sum;
+std::vector<Group> makeGroups(const char* folder, const fs::path& made) {
+    if (folder != nullptr)
+        return {{"of the folder", packagesIn(folder)}};
+    // In a process of its own, as everything before the first times: nothing is warm in this one then.
+    bench::inChild([&] {
+        bench::writeRealShapes(made);
+        return 0;
+    });
+    return {{"of office programs", packagesIn(OPCMODEL_OFFICE_FILES)}, {"made", packagesIn(made)}};
 }
 
-void printRow(const char* title, const Times& times) {
-    std::vector<double> ratios;
-    double logarithms = 0;
-    for (std::size_t i = 0; i < times.ours.size(); ++i) {
-        ratios.push_back(times.ours[i] / times.raw[i]);
-        logarithms += std::log(ratios.back());
-    }
-    std::sort(ratios.begin(), ratios.end());
-    const auto percentile = [&](std::size_t share) { return ratios[(ratios.size() - 1) * share / 100]; };
-    const auto count = static_cast<double>(ratios.size());
-    std::printf("%-22s %7.2f %6.2f %6.2f %6.2f %6.2f %6.2f %10.1f %8.1f\n", title,
-                std::exp(logarithms / count), sumOf(times.ours) / sumOf(times.raw), percentile(50),
-                percentile(90), percentile(99), ratios.back(), sumOf(times.ours) / count * 1e6,
-                sumOf(times.raw) / count * 1e6);
-}
-
-bool canBeOpened(const fs::path& path) {
-    try {
-        return listPackage(path) + bench::listRawPackage(path) != 0;
-    } catch (const std::exception& failure) {
-        std::printf("left out: %s: %s\n", path.filename().c_str(), failure.what());
-        return false;
+void compare(const std::vector<Group>& groups, int rounds) {
+    std::vector<std::vector<bench::FileTimes>> first;
+    first.reserve(groups.size());
+    for (const Group& group : groups)
+        first.push_back(bench::measureFirst(group.files, WORKS, std::min(rounds, 3)));
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const auto& [title, files] = groups[i];
+        const auto warm = bench::measure(files, WORKS, rounds);
+        bench::printHeading((std::to_string(files.size()) + " packages " + title).c_str());
+        printRows("first of a process", first[i]);
+        printRows("warm", warm);
+        constexpr std::size_t FEW = 20;
+        if (files.size() <= FEW)
+            printFiles(files, warm);
     }
 }
 
-/// Runs `action`, which gives a number, in a process of its own.
-template <typename Action>
-double inChild(Action&& action) {
-    int ends[2];
-    double result = -1;
-    if (::pipe(ends) != 0)
-        return result;
-    const pid_t child = ::fork();
-    if (child == 0) {
-        try {
-            result = action();
-        } catch (const std::exception&) {
-        }
-        ::_exit(::write(ends[1], &result, sizeof result) == sizeof result ? 0 : 1);
-    }
-    ::close(ends[1]);
-    if (child < 0 || ::read(ends[0], &result, sizeof result) != sizeof result)
-        result = -1;
-    ::close(ends[0]);
-    ::waitpid(child, nullptr, 0);
-    return result;
-}
+/// What several threads do in about a second.
+struct Rate {
+    double filesPerSecond = 0;
+    Seconds workPerFile = Seconds::max();
+};
 
-double firstTime(Work work, const fs::path& path) {
-    return inChild([&] { return bench::workTime([&] { work(path); }).count(); });
-}
-
-Times measureCold(const std::vector<fs::path>& files, int rounds) {
-    Times times;
-    for (const fs::path& file : files) {
-        double ours = firstTime(listPackage, file);
-        double raw = firstTime(bench::listRawPackage, file);
-        for (int round = 1; round < rounds; ++round) {
-            ours = std::min(ours, firstTime(listPackage, file));
-            raw = std::min(raw, firstTime(bench::listRawPackage, file));
-        }
-        times.add(ours, raw);
-    }
-    return times;
-}
-
-Times measureWarm(const std::vector<fs::path>& files, int rounds) {
-    std::vector<bench::BestTime> ours(files.size());
-    std::vector<bench::BestTime> raw(files.size());
-    for (int round = 0; round < rounds;
-         ++round) // not a file's rounds at once: its memory would lie in the cache
-        for (std::size_t i = 0; i < files.size(); ++i) {
-            ours[i].take([&] { listPackage(files[i]); });
-            raw[i].take([&] { bench::listRawPackage(files[i]); });
-        }
-    Times times;
-    for (std::size_t i = 0; i < files.size(); ++i)
-        times.add(ours[i].milliseconds() / 1000, raw[i].milliseconds() / 1000);
-    return times;
-}
-
-/// By the clock, all files `rounds` times, as many at once as there are threads.
-double filesPerSecond(Work work, const std::vector<fs::path>& files, int rounds, unsigned threads) {
+/// Lists the files again and again, as many at once as there are threads.
+Rate measureRate(const bench::FileWork& work, const Files& files, unsigned threads) {
+    using Clock = std::chrono::steady_clock;
     std::atomic<std::size_t> next{0};
-    const auto start = std::chrono::steady_clock::now();
+    std::vector<Seconds> worked(threads);
     std::vector<std::thread> running;
-    for (unsigned i = 0; i < threads; ++i)
+    running.reserve(threads);
+    const auto start = Clock::now();
+    for (Seconds& time : worked)
         running.emplace_back([&] {
-            for (std::size_t taken; (taken = next++) < files.size() * static_cast<std::size_t>(rounds);)
-                work(files[taken % files.size()]);
+            time = bench::workTime([&] {
+                while (Clock::now() - start < std::chrono::seconds(1))
+                    work(files[next++ % files.size()]);
+            });
         });
     for (std::thread& thread : running)
         thread.join();
-    const bench::Seconds time = std::chrono::steady_clock::now() - start;
-    return static_cast<double>(files.size()) * rounds / time.count();
+    const Seconds passed = Clock::now() - start;
+    const auto count = static_cast<double>(next);
+    Seconds sum{0};
+    for (const Seconds& time : worked)
+        sum += time;
+    return {count / passed.count(), sum / count};
 }
 
-std::vector<fs::path> filesIn(const fs::path& folder) {
-    std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(folder))
-        if (entry.is_regular_file())
-            files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
-    // In a process of its own, so that none is opened in this one before the cold ones are measured.
-    files.erase(std::remove_if(files.begin(), files.end(),
-                               [](const fs::path& path) {
-                                   return inChild([&] {
-                                              const bool can = canBeOpened(path);
-                                              std::fflush(stdout);
-                                              return can ? 1.0 : -1.0;
-                                          }) < 0;
-                               }),
-                files.end());
-    return files;
+/// By the clock; the working time tells whether the threads hinder each other, also on a machine that isn't idle.
+void compareThreads(const Files& files, unsigned threads) {
+    for (const Side side : {Strict, Least}) {
+        Rate one;
+        Rate all;
+        for (int round = 0; round < 3; ++round)
+            for (auto [rate, count] : {std::pair(&one, 1U), std::pair(&all, threads)}) {
+                const Rate now = measureRate(WORKS[side], files, count);
+                rate->filesPerSecond = std::max(rate->filesPerSecond, now.filesPerSecond);
+                rate->workPerFile = std::min(rate->workPerFile, now.workPerFile);
+            }
+        std::printf(
+            "%-6s 1 thread: %6.0f files a second, %5.1f us of work each; %u threads: %6.0f, %5.1f us; "
+            "%.2f times the files\n",
+            side == Strict ? "ours," : "least,", one.filesPerSecond, one.workPerFile.count() * 1e6, threads,
+            all.filesPerSecond, all.workPerFile.count() * 1e6, all.filesPerSecond / one.filesPerSecond);
+    }
+}
+
+/// Names the files, and an empty line; for each line read then, lists all and prints the working time in seconds.
+void listPaced(const Files& files) {
+    for (const fs::path& file : files)
+        std::cout << file.string() << '\n';
+    std::cout << std::endl;
+    for (std::string line; std::getline(std::cin, line);) {
+        const Seconds time = bench::workTime([&] {
+            for (const fs::path& file : files)
+                listStrictly(file);
+        });
+        std::cout << time.count() << std::endl;
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const fs::path folder = argc > 1 ? argv[1] : OPCMODEL_OFFICE_FILES;
-    const int rounds = argc > 2 ? std::atoi(argv[2]) : 10;
+    const bool isPaced = argc > 1 && std::strcmp(argv[1], "--paced") == 0;
+    const int first = isPaced ? 2 : 1;
+    const int rounds = argc > 2 && !isPaced ? std::atoi(argv[2]) : 10;
     const unsigned threads =
         argc > 3 ? static_cast<unsigned>(std::atoi(argv[3])) : std::thread::hardware_concurrency();
-    const std::vector<fs::path> files = filesIn(folder);
-    if (files.empty() || rounds < 1)
+
+    const bench::TemporaryFolder made;
+    const std::vector<Group> groups = makeGroups(argc > first ? argv[first] : nullptr, made.path());
+    Files all;
+    for (const Group& group : groups)
+        all.insert(all.end(), group.files.begin(), group.files.end());
+    if (all.empty() || rounds < 1 || threads < 1)
         return 1;
-    const Times cold = measureCold(files, std::min(rounds, 3));
-    std::printf("%zu files, working time beside the raw work, and its mean in microseconds\n"
-                "%-22s %7s %6s %6s %6s %6s %6s %10s %8s\n",
-                files.size(), "", "geomean", "sum", "50 %", "90 %", "99 %", "most", "ours", "raw");
-    printRow("first of a process", cold);
-    printRow("warm", measureWarm(files, rounds));
-    for (const unsigned count : {1U, threads})
-        std::printf("%u threads: %.0f files a second, raw %.0f\n", count,
-                    filesPerSecond(listPackage, files, rounds, count),
-                    filesPerSecond(bench::listRawPackage, files, rounds, count));
+    if (isPaced) {
+        listPaced(all);
+        return 0;
+    }
+    compare(groups, rounds);
+    compareThreads(all, threads);
     return 0;
 }
