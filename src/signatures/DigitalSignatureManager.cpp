@@ -43,10 +43,6 @@ bool DigitalSignatureManager::isPackageCountersigned() const {
     return getPackage().hasPart(getSignaturePartName(getSignatureName(COUNTERSIGNATURE_ID)));
 }
 
-std::u16string DigitalSignatureManager::getNextSignatureID() {
-    return toString(std::to_string(m_nextSignatureID++), true);
-}
-
 Part DigitalSignatureManager::getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const {
     const auto relationships = getPackage().getRelationshipsByType(getOriginRelationshipType());
     if (relationships.empty())
@@ -63,6 +59,18 @@ std::optional<URI> DigitalSignatureManager::findOriginURI() const {
     if (relationships.empty())
         return std::nullopt;
     return relationships.begin()->getTargetURI();
+}
+
+/// The origin part that new signatures hang on, where there is one. A package has one origin part [M6.1], so one that
+/// signatures of another form hang on is theirs too.
+std::optional<Part> DigitalSignatureManager::findOriginPart() const {
+    if (const auto uri = findOriginURI())
+        return getPackage().getPart(PartName(*uri));
+    const PartName name(getOriginPartURI());
+    if (!getPackage().hasPart(name))
+        return std::nullopt;
+    const Part part = getPackage().getPart(name);
+    return part.getContentType() == getOriginPartContentType() ? std::optional(part) : std::nullopt;
 }
 
 void DigitalSignatureManager::throwIfPackageNotOpen() const {

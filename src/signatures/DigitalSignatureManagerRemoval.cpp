@@ -5,10 +5,26 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 
+#include <algorithm>
+
 /// @file
-/// Removal of signatures. The origin part goes with the last one.
+/// Removal of signatures. The origin part goes with the last one, unless signatures of another form hang on it.
 
 namespace opc::model {
+
+namespace {
+
+/// Whether signatures of another form hang on the origin part as well.
+bool isShared(const Part& origin, const Package& package) {
+    const auto leadsThere = [uri = origin.getName().getURI()](const Relationship& relationship) {
+        return relationship.getTargetMode() == TargetMode::Internal && relationship.getTargetURI() == uri;
+    };
+    const auto others = package.getRelationshipsByType(getForeignOriginRelationshipType());
+    return origin.hasUnreadRelationships() || !origin.getRelationships().empty() ||
+           std::any_of(others.begin(), others.end(), leadsThere);
+}
+
+} // namespace
 
 void DigitalSignatureManager::removeSignature(const std::u16string& name) {
     throwIfPackageNotOpenForModify();
@@ -59,7 +75,8 @@ void DigitalSignatureManager::deleteSignaturePart(const PartName& partName) {
         }
         getPackage().deletePart(partName);
         if (origin.getRelationshipsByType(getSignatureRelationshipType()).empty()) {
-            getPackage().deletePart(PartName(originURI));
+            if (!isShared(origin, getPackage()))
+                getPackage().deletePart(PartName(originURI));
             getPackage().deleteRelationship(originRelationshipID);
         }
     } catch (const PartNotFound& e) {

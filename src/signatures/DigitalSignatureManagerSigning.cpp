@@ -243,7 +243,6 @@ void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signatur
         throw CouldNotGenerateSignature(
             "Internal Error: New signature should not have the same name as an existing one.");
     Part origin = createOrFetchOriginPart();
-    origin.throwIfRelationshipsFixed();
     try {
         const Part part = getPackage().createPart(name, getSignaturePartContentType(), StandardPartInfo());
         const DigitalSignatureData& data = *signature.getImpl();
@@ -257,14 +256,17 @@ void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signatur
 
 Part DigitalSignatureManager::createOrFetchOriginPart() {
     try {
-        const auto origins = getPackage().getRelationshipsByType(getOriginRelationshipType());
-        if (!origins.empty())
-            return getPackage().getPart(PartName(origins.begin()->getTargetURI()));
+        std::optional<Part> origin = findOriginPart();
+        if (origin)
+            origin->throwIfRelationshipsFixed();
+        if (findOriginURI())
+            return *origin;
         getPackage().throwIfRelationshipsFixed();
-        const URI uri = getOriginPartURI();
-        Part origin = getPackage().createPart(PartName(uri), getOriginPartContentType(), StandardPartInfo());
-        getPackage().createInternalRelationship(getOriginRelationshipType(), uri);
-        return origin;
+        if (!origin)
+            origin = getPackage().createPart(PartName(getOriginPartURI()), getOriginPartContentType(),
+                                             StandardPartInfo());
+        getPackage().createInternalRelationship(getOriginRelationshipType(), origin->getName().getURI());
+        return *origin;
     } catch (const InvalidPartName& e) {
         throw CouldNotGenerateSignature(std::string("Could not create/fetch signature origin part. ") +
                                         e.what());

@@ -7,6 +7,7 @@
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 
+#include <set>
 #include <unordered_set>
 
 /// @file
@@ -41,7 +42,9 @@ DigitalSignature DigitalSignatureManager::signPackage(const PKCS12Certificate& b
 /// One selector for each relationship, by its type: equal ones aren't joined.
 std::pair<std::vector<PartName>, std::vector<RelationshipSelector>>
 DigitalSignatureManager::getAllPartsAndRels() const {
-    const auto managedNames = toSet(getManagedPartNames());
+    std::set<PartName> managedNames; // letter case doesn't count
+    for (const std::u16string& name : getManagedPartNames())
+        managedNames.emplace(name);
     const auto managedTypes = toSet(getManagedRelationshipTypes());
     std::vector<PartName> parts;
     std::vector<RelationshipSelector> selectors;
@@ -50,7 +53,7 @@ DigitalSignatureManager::getAllPartsAndRels() const {
                                relationship.getType());
     };
     for (const Part& part : getPackage().getParts(ExcludeMode::ExcludeNone)) {
-        if (managedNames.count(part.getName().toString()) != 0)
+        if (managedNames.count(part.getName()) != 0)
             continue;
         parts.push_back(part.getName());
         for (const Relationship& relationship : part.getRelationships(ExcludeMode::ExcludeNone))

@@ -2,6 +2,8 @@
 
 #include "support/OpenSslCommand.hpp"
 
+#include <opc/physical/LenientPackage.hpp>
+
 #include <algorithm>
 
 namespace {
@@ -157,6 +159,111 @@ TEST_F(Signing, refusesInTheOrderOfItsChecks) {
     EXPECT_RAISES(PackageReadOnly, "Package is read-only", manager->removeSignature(u"none"));
     package->close(false);
     EXPECT_RAISES(PackageNotOpen, "Package is not open", manager->getSignatures());
+}
+
+/// The origin of signatures in another form, in another letter case.
+constexpr char16_t FOREIGN_ORIGIN[] = u"/_XMLSignatures/Origin.sigs";
+const std::string FOREIGN_ORIGIN_TYPE =
+    R"(<Default Extension="sigs" ContentType="application/vnd.openxmlformats-package.digital-signature-origin"/>)";
+
+TEST_F(Signing, takesTheNextNumberWhoseNamesAreFree) {
+    struct Case {
+        std::vector<std::u16string> parts;
+        std::string contentTypes, ofOrigin;
+        const char16_t* name;
+    };
+    const Case cases[] = {
+        {{u"/_XMLSignatures/SIG1.Xml", u"/_xmlsignatures/sig3.xml"}, "", "", u"sig2"},
+        {{SIGNATURE, u"/_xmlsignatures/sig2.xml", u"/_xmlsignatures/sig3.xml"}, "", "", u"sig4"},
+        {{u"/_xmlsignatures/sig1.xml/below/it.xml"}, "", "", u"sig2"},
+        {{u"/_xmlsignatures/sig1.xml.xml", u"/_xmlsignatures/sig.xml", u"/sig1.xml"}, "", "", u"sig1"},
+        {{u"/_XMLSignatures/_rels/Sig1.xml.rels"}, "", "", u"sig2"},      // hidden: it has no source
+        {{u"/_XMLSignatures/Sig1.xml/[0].piece"}, "", "", u"sig2"},       // hidden: it has no content type
+        {{u"/sig1.xml.none", u"/x_xmlsignatures.none"}, "", "", u"sig1"}, // hidden, but in nobody's way
+        {{}, R"(<Override PartName="/_xmlsignatures/SIG1.xml" ContentType="a/b"/>)", "", u"sig1"},
+        {{FOREIGN_ORIGIN},
+         FOREIGN_ORIGIN_TYPE,
+         R"(<Relationship Id="DSRel1" Type="urn:x" Target="/a.xml"/>)",
+         u"sig2"},
+        {{FOREIGN_ORIGIN},
+         FOREIGN_ORIGIN_TYPE,
+         R"(<Relationship Id="DSRel1" Type="urn:x" Target=""/>)",
+         u"sig2"},
+    };
+    int number = 0;
+    for (const auto& [parts, types, ofOrigin, name] : cases) {
+        SCOPED_TRACE(number++);
+        opc::physical::MemoryPackage content;
+        fill(content, parts);
+        content.setPart(u"/a.xml", {});
+        content.setContentTypes(contentTypes(USUAL_CONTENT_TYPES + types));
+        if (!ofOrigin.empty())
+            content.setPart(u"/_XMLSignatures/_rels/Origin.sigs.rels", relationships(ofOrigin));
+        opc::physical::LenientPackage lenient(content);
+        Package odd(lenient);
+        DigitalSignatureManager signatures(odd);
+        odd.open(OpenMode::ReadWrite);
+        EXPECT_EQ(signatures.sign({PartName(u"/a.xml")}, {}, privateKey, publicKey, params).getName(), name);
+        odd.close(false);
+        odd.open(OpenMode::ReadOnly);
+        EXPECT_TRUE(
+            signatures.verifySignature(signatures.getSignature(name), publicKey).isProperlyCodesigned());
+    }
+}
+
+TEST_F(Signing, failsWhereNoNumberHelps) {
+    const std::tuple<const char16_t*, std::string, std::string> cases[] = {
+        {FOREIGN_ORIGIN, R"(<Default Extension="sigs" ContentType="a/b"/>)",
+         "Cannot use a part name that already exists: /_xmlsignatures/origin.sigs"},
+        {u"/_xmlsignatures", R"(<Override PartName="/_xmlsignatures" ContentType="a/b"/>)",
+         "Cannot use a part name that is a superset of an existing name: /_xmlsignatures"},
+    };
+    for (const auto& [name, type, message] : cases) {
+        close(true);
+        store.setPart(name, {});
+        store.setContentTypes(contentTypes(USUAL_CONTENT_TYPES + type));
+        open();
+        EXPECT_RAISES(CouldNotGenerateSignature, message, signPart(u"/a.xml"));
+        close(true);
+        store.removePart(name);
+    }
+}
+
+// A package has one origin [M6.1].
+TEST_F(Signing, sharesTheOriginWithSignaturesOfAnotherForm) {
+    const std::string ofPackage =
+        R"(<Relationship Id="rId1" Target="_XMLSignatures/Origin.sigs" )"
+        R"(Type="http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin"/>)";
+    const Bytes ofOrigin = relationships(
+        R"(<Relationship Id="rId1" Target="sig1.xml" )"
+        R"(Type="http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/signature"/>)");
+    for (const bool hasSignature : {true, false}) {
+        close(true);
+        store.setContentTypes(contentTypes(USUAL_CONTENT_TYPES + FOREIGN_ORIGIN_TYPE));
+        store.setPart(u"/_rels/.rels", relationships(ofPackage));
+        store.setPart(FOREIGN_ORIGIN, {});
+        if (hasSignature) {
+            store.setPart(u"/_XMLSignatures/sig1.xml", {});
+            store.setPart(u"/_XMLSignatures/_rels/Origin.sigs.rels", ofOrigin);
+        }
+        open();
+        const std::u16string first = hasSignature ? u"sig2" : u"sig1";
+        EXPECT_EQ(signAll().getName(), first);
+        signAll();
+        manager->countersignAllSignatures(privateKey, params);
+        reopen();
+        for (const DigitalSignature& signature : manager->getSignatures())
+            EXPECT_EQ(verify(signature), 0);
+        manager->removeAllSignatures();
+        reopen();
+        EXPECT_EQ(package->getRelationships().size(), 1U);
+        EXPECT_EQ(part(FOREIGN_ORIGIN).getRelationships().size(), hasSignature ? 1U : 0U);
+        if (hasSignature) {
+            close(true);
+            store.removePart(u"/_XMLSignatures/sig1.xml");
+            store.removePart(u"/_XMLSignatures/_rels/Origin.sigs.rels");
+        }
+    }
 }
 
 TEST_F(Signing, aPackageBeingCreatedCanNotBeSigned) {

@@ -126,22 +126,6 @@ void print(const DigitalSignature& signature) {
     std::cout << opc::toUDEString(signature.getName()) << '\n';
 }
 
-/// Signs, and tells of signatures in another form if that fails: a part of theirs may have the new one's name.
-DigitalSignature sign(const SigningMaterial& material, const Selection& selection,
-                      DigitalSignatureManager& signatures) {
-    try {
-        return material.apply([&](const auto&... signer) {
-            return signatures.sign(selection.parts, selection.selectors, signer...);
-        });
-    } catch (const opc::model::CouldNotGenerateSignature& e) {
-        if (!signatures.hasForeignSignatures())
-            throw;
-        throw opc::model::CouldNotGenerateSignature(
-            std::string(e.what()) +
-            " (the package carries signatures in another form, whose parts may be in the way)");
-    }
-}
-
 /// What no signature can cover, in one line; empty if there is nothing.
 std::string describeIgnored(const PackageCoverage& coverage) {
     constexpr std::size_t TOLD = 5; // a small package can hold very many
@@ -158,7 +142,10 @@ void sign(const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
     SignedPackage package(arguments.package, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
-    const DigitalSignature signature = sign(material, select(arguments, *package, signatures), signatures);
+    const Selection selection = select(arguments, *package, signatures);
+    const DigitalSignature signature = material.apply([&](const auto&... signer) {
+        return signatures.sign(selection.parts, selection.selectors, signer...);
+    });
     const bool breaksCountersignature = signatures.isPackageCountersigned();
     const bool carriesForeign = signatures.hasForeignSignatures();
     const std::string ignored = describeIgnored(signatures.computeCoverage({signature}));

@@ -80,7 +80,8 @@ public:
     /// @name Signing
     ///
     /// Signs parts and relationships, writes the signature part and checks the new signature. What fails
-    /// behind the writing leaves the signature in place: `removeSignature` takes it out.
+    /// behind the writing leaves the signature in place: `removeSignature` takes it out. The signature has the next
+    /// number whose names nothing else in the package has.
     ///
     /// Each selector must match a relationship. One by type takes every relationship of that type, once for each time it is named: n
     /// relationships of one type and source, each with a selector of its own, count n² times. Each is held
@@ -251,7 +252,8 @@ public:
 
     /// @name Removing
     ///
-    /// The last signature takes the origin part with it. Handles on a removed signature stay readable.
+    /// The last signature takes the origin part with it, unless signatures in another form hang on it. Handles on
+    /// a removed signature stay readable.
     ///
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
     /// @throws CouldNotRemoveSignature  nothing that had been done by then is undone
@@ -310,6 +312,7 @@ private:
     std::u16string getNextSignatureID();
     Part getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const;
     std::optional<URI> findOriginURI() const;
+    std::optional<Part> findOriginPart() const;
 
     std::vector<Bytes> computePartDigests(const std::vector<PartName>& partNames,
                                           DigestMethod digestMethod) const;
