@@ -25,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <string>
@@ -197,7 +198,7 @@ void listPaced(const Files& files) {
 
 } // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     const bool isPaced = argc > 1 && std::strcmp(argv[1], "--paced") == 0;
     const int first = isPaced ? 2 : 1;
     const int rounds = argc > 2 && !isPaced ? std::atoi(argv[2]) : 10;
@@ -218,4 +219,7 @@ int main(int argc, char** argv) {
     compare(groups, rounds);
     compareThreads(all, threads);
     return 0;
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return 1;
 }

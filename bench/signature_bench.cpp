@@ -6,6 +6,7 @@
 
 #include "PeakMemory.hpp"
 #include "RawArchive.hpp"
+#include "RawVerification.hpp"
 #include "SamplePackages.hpp"
 #include "WorkTime.hpp"
 
@@ -21,7 +22,6 @@
 #include <opc/physical/ZipPackage.hpp>
 
 #include <benchmark/benchmark.h>
-#include <expat.h>
 #include <openssl/evp.h>
 
 #include <algorithm>
@@ -156,25 +156,6 @@ void readEverything(const Package& package) {
     }
 }
 
-void XMLCALL countElement(void* count, const XML_Char* /*name*/, const XML_Char** /*attributes*/) {
-    ++*static_cast<std::size_t*>(count);
-}
-
-void XMLCALL countText(void* count, const XML_Char* /*text*/, int length) {
-    *static_cast<std::size_t*>(count) += static_cast<std::size_t>(length);
-}
-
-void parse(std::string_view text) {
-    std::size_t count = 0;
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
-                                                                              XML_ParserFree);
-    XML_SetUserData(parser.get(), &count);
-    XML_SetStartElementHandler(parser.get(), countElement);
-    XML_SetCharacterDataHandler(parser.get(), countText);
-    XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), 1);
-    benchmark::DoNotOptimize(count);
-}
-
 bool endsWith(const std::string& name, const std::string& end) {
     return name.size() >= end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
 }
@@ -182,18 +163,13 @@ bool endsWith(const std::string& name, const std::string& end) {
 /// What no verification can do without: all parts inflated and digested, and the signature part parsed.
 void digestAndParse(const std::filesystem::path& path, const EVP_MD* digest) {
     bench::RawArchive archive(path);
-    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    bench::RawDigest digestContent(digest);
     for (const auto& item : archive.directory()) {
         const std::string_view content = archive.content(item);
-        if (item.name == "_xmlsignatures/sig1.xml") {
-            parse(content);
-        } else if (!endsWith(item.name, ".rels")) {
-            unsigned char value[EVP_MAX_MD_SIZE];
-            EVP_DigestInit_ex2(context.get(), digest, nullptr);
-            EVP_DigestUpdate(context.get(), content.data(), content.size());
-            EVP_DigestFinal_ex(context.get(), value, nullptr);
-            benchmark::DoNotOptimize(value);
-        }
+        if (item.name == "_xmlsignatures/sig1.xml")
+            bench::parseByExpat(content);
+        else if (!endsWith(item.name, ".rels"))
+            digestContent(content);
     }
 }
 
