@@ -1,0 +1,19 @@
+#pragma once
+
+#include <opc/model/Errors.hpp>
+
+#include <utility>
+
+namespace opc::model {
+
+/// Runs `operation`; a document that Xerces refuses in it leaves as `InvalidPartContent` with the same text.
+template <typename Operation>
+auto translateDocumentFailures(Operation&& operation) {
+    try {
+        return std::forward<Operation>(operation)();
+    } catch (const InvalidXMLDocument& failure) {
+        throw translated<InvalidPartContent>(failure, failure.what());
+    }
+}
+
+} // namespace opc::model

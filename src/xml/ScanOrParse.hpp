@@ -1,0 +1,28 @@
+#pragma once
+
+#include "xml/DocumentFailures.hpp"
+#include "xml/ReplayedStream.hpp"
+
+#include <cstddef>
+#include <string_view>
+
+namespace opc::model {
+
+/// Reads a document of any kind: scans it if it is in the kind's plain form, and has Xerces parse it if not.
+/// @param stream          open, at the first byte
+/// @param buffer          holds the document for `scan`
+/// @param largestScanned  in bytes: a larger document is parsed at once, without being held whole; 0 if any is
+/// @param scan            called with the bytes of the document; gives whether they are in the plain form. If not, it
+///                        has changed nothing that counts
+/// @param parse           called with a stream of the same bytes, from the first on
+/// @throws InvalidPartContent  for an `InvalidXMLDocument`
+template <typename Scan, typename Parse>
+void scanOrParse(InputStream& stream, ReadAheadBuffer& buffer, std::size_t largestScanned, const Scan& scan,
+                 const Parse& parse) {
+    ReplayedStream replayed(stream);
+    const auto document = replayed.readAhead(buffer, largestScanned);
+    if (!document || !scan(std::string_view(*document)))
+        translateDocumentFailures([&] { parse(replayed); });
+}
+
+} // namespace opc::model
