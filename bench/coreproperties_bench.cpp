@@ -46,14 +46,14 @@ void WriteDocument(benchmark::State& state, const char16_t* title) {
     CorePropertiesSerializer serializer;
     const CoreProperties properties = everyField(title);
     for (auto _ : state) {
-        const std::string document = serializer.compose(properties);
+        const std::string document = serializer.write(properties);
         benchmark::DoNotOptimize(document.data());
     }
 }
 
 void ReadDocument(benchmark::State& state, const char16_t* title) {
     CorePropertiesSerializer serializer;
-    const std::string composed = serializer.compose(everyField(title));
+    const std::string composed = serializer.write(everyField(title));
     const Bytes document(composed.begin(), composed.end());
     for (auto _ : state) {
         CoreProperties properties;

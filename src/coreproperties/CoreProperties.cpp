@@ -1,5 +1,9 @@
 #include <opc/model/CoreProperties.hpp>
 
+#include <opc/model/CorePropertyField.hpp>
+
+#include <algorithm>
+
 namespace opc::model {
 
 CoreProperties::CoreProperties() = default;
@@ -12,9 +16,10 @@ void CoreProperties::clear() {
 }
 
 bool CoreProperties::isEmpty() const {
-    return !category && !contentStatus && !created && !creator && !description && !identifier && !keywords &&
-           !language && !lastModifiedBy && !lastPrinted && !modified && !revision && !subject && !title &&
-           !version;
+    const auto& fields = CorePropertyField::all();
+    return std::all_of(fields.begin(), fields.end(), [this](const CorePropertyField& field) {
+        return field.visit(*this, [](const auto& value) { return !value; });
+    });
 }
 
 } // namespace opc::model

@@ -1,43 +1,31 @@
 #include "coreproperties/CorePropertiesComposer.hpp"
 
+#include "coreproperties/CorePropertiesVocabulary.hpp"
 #include "xml/PlainMarkup.hpp"
 
 #include <opc/core/Time.hpp>
-#include <opc/model/CoreProperties.hpp>
+#include <opc/model/CorePropertyField.hpp>
 
 namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::core_properties;
+
 class Composer {
 public:
-    Composer(const CoreProperties& source, std::string& document) : properties(source), markup(document) {}
+    explicit Composer(std::string& document) : markup(document) {}
 
-    bool compose() {
-        markup
-            << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)"
-               "\n"
-               R"(<cp:coreProperties )"
-               R"(xmlns:cp="http://schemas.openxmlformats.org/package/2006/metadata/core-properties" )"
-               R"(xmlns:dc="http://purl.org/dc/elements/1.1/" xmlns:dcmitype="http://purl.org/dc/dcmitype/" )"
-               R"(xmlns:dcterms="http://purl.org/dc/terms/" )"
-               R"(xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance")";
-        add("cp:category", properties.getCategory());
-        add("cp:contentStatus", properties.getContentStatus());
-        add("dcterms:created", properties.getCreated(), u"dcterms:W3CDTF");
-        add("dc:creator", properties.getCreator());
-        add("dc:description", properties.getDescription());
-        add("dc:identifier", properties.getIdentifier());
-        addKeywords();
-        add("dc:language", properties.getLanguage());
-        add("cp:lastModifiedBy", properties.getLastModifiedBy());
-        add("cp:lastPrinted", properties.getLastPrinted());
-        add("dcterms:modified", properties.getModified(), u"dcterms:W3CDTF");
-        add("cp:revision", properties.getRevision());
-        add("dc:subject", properties.getSubject());
-        add("dc:title", properties.getTitle());
-        add("cp:version", properties.getVersion());
-        markup << (hasElements ? "</cp:coreProperties>\n" : "/>\n");
+    bool compose(const CoreProperties& properties) {
+        markup << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<" << ROOT;
+        for (const Namespace& declared : NAMESPACES)
+            markup << " xmlns:" << declared.prefix << "=\"" << declared.uri << "\"";
+        for (const CorePropertyField& field : CorePropertyField::all())
+            field.visit(properties, [&](const auto& value) { add(field, value); });
+        if (hasElements)
+            endElement(ROOT);
+        else
+            markup << "/>\n";
         return markup.isPlain();
     }
 
@@ -55,50 +43,48 @@ private:
 
     void endElement(std::string_view name) { markup << "</" << name << ">\n"; }
 
-    void add(std::string_view name, const CoreProperties::Text& text) {
+    void add(const CorePropertyField& field, const CoreProperties::Text& text) {
         if (!text)
             return;
-        beginElement(name);
+        beginElement(field.element);
         addText(*text);
-        endElement(name);
+        endElement(field.element);
     }
 
-    void add(std::string_view name, const CoreProperties::Time& time, std::u16string_view type = {}) {
+    void add(const CorePropertyField& field, const CoreProperties::Time& time) {
         const std::u16string text = time ? convertTimeToString(*time) : std::u16string();
         if (text.empty())
             return;
-        beginElement(name);
-        if (!type.empty())
-            markup.addAttribute("xsi:type", type);
+        beginElement(field.element);
+        if (field.attribute == CorePropertyField::Attribute::Type)
+            markup << " " << TYPE << "=\"" << W3CDTF << "\"";
         addText(text);
-        endElement(name);
+        endElement(field.element);
     }
 
     /// The first keyword is the element's own text, and each other one a child.
-    void addKeywords() {
-        const CoreProperties::Keywords keywords = properties.getKeywords();
+    void add(const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
         if (!keywords || keywords->empty())
             return;
-        beginElement("cp:keywords");
+        beginElement(field.element);
         addKeyword(keywords->front());
         for (auto next = keywords->begin() + 1; next != keywords->end(); ++next) {
-            markup << "\n    <cp:value";
+            markup << "\n    <" << KEYWORD;
             addKeyword(*next);
-            markup << "</cp:value>";
+            markup << "</" << KEYWORD << ">";
         }
         if (keywords->size() > 1)
             markup << "\n  ";
-        endElement("cp:keywords");
+        endElement(field.element);
     }
 
     void addKeyword(const CoreProperties::KeywordList::value_type& keyword) {
         const auto& [text, language] = keyword;
         if (!language.empty())
-            markup.addAttribute("xml:lang", language);
+            markup.addAttribute(LANGUAGE, language);
         addText(text);
     }
 
-    const CoreProperties& properties;
     PlainMarkup markup;
     bool hasElements = false;
 };
@@ -107,7 +93,7 @@ private:
 
 bool composePlainCoreProperties(const CoreProperties& properties, std::string& document) {
     document.clear();
-    return Composer(properties, document).compose();
+    return Composer(document).compose(properties);
 }
 
 } // namespace opc::model

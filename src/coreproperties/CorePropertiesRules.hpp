@@ -8,12 +8,9 @@ XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-struct CorePropertiesVocabulary;
-
 /// Holds a core properties document that the schema has passed against the rules [M4.2] to [M4.5].
 /// @param root  its document element
 /// @throws InvalidPartContent
-void throwIfCorePropertiesBreakRules(const xercesc::DOMElement* root,
-                                     const CorePropertiesVocabulary& vocabulary);
+void throwIfCorePropertiesBreakRules(const xercesc::DOMElement* root);
 
 } // namespace opc::model

@@ -1,88 +1,44 @@
 #include "coreproperties/CorePropertiesScanner.hpp"
 
+#include "coreproperties/CorePropertiesVocabulary.hpp"
 #include "xml/PlainDocument.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
+#include <opc/model/CorePropertyField.hpp>
 
 #include <algorithm>
-#include <iterator>
+#include <bitset>
 #include <string>
-#include <vector>
 
 namespace opc::model {
 
 namespace {
 
-/// What a root may declare.
-constexpr PlainAttribute NAMESPACES[] = {
-    {"xmlns:cp", "http://schemas.openxmlformats.org/package/2006/metadata/core-properties"},
-    {"xmlns:dc", "http://purl.org/dc/elements/1.1/"},
-    {"xmlns:dcmitype", "http://purl.org/dc/dcmitype/"},
-    {"xmlns:dcterms", "http://purl.org/dc/terms/"},
-    {"xmlns:xsi", "http://www.w3.org/2001/XMLSchema-instance"},
-};
+using namespace vocabulary::core_properties;
 
-/// The name of an element, with its usual prefix.
+/// What a name in a document means: a usual prefix, or none if it isn't usual, and the rest.
 struct Name {
     std::string_view prefix;
     std::string_view local;
 
-    bool operator==(const Name& other) const { return local == other.local && prefix == other.prefix; }
+    bool operator==(std::string_view qualified) const {
+        const std::size_t colon = prefix.size();
+        return qualified.size() == colon + 1 + local.size() && qualified[colon] == ':' &&
+               qualified.substr(colon + 1) == local && qualified.substr(0, colon) == prefix;
+    }
 };
 
-struct TextField {
-    Name name;
-    void (CoreProperties::*set)(const std::u16string&); // null: valid, and ignored
-};
-
-constexpr TextField TEXT_FIELDS[] = {
-    {{"cp", "category"}, &CoreProperties::setCategory},
-    {{"cp", "contentStatus"}, &CoreProperties::setContentStatus},
-    {{"cp", "contentType"}, nullptr},
-    {{"dc", "creator"}, &CoreProperties::setCreator},
-    {{"dc", "description"}, &CoreProperties::setDescription},
-    {{"dc", "identifier"}, &CoreProperties::setIdentifier},
-    {{"dc", "language"}, &CoreProperties::setLanguage},
-    {{"cp", "lastModifiedBy"}, &CoreProperties::setLastModifiedBy},
-    {{"cp", "revision"}, &CoreProperties::setRevision},
-    {{"dc", "subject"}, &CoreProperties::setSubject},
-    {{"dc", "title"}, &CoreProperties::setTitle},
-    {{"cp", "version"}, &CoreProperties::setVersion},
-};
-
-struct TimeField {
-    Name name;
-    void (CoreProperties::*set)(boost::posix_time::ptime);
-    bool isTyped;
-};
-
-constexpr TimeField TIME_FIELDS[] = {
-    {{"dcterms", "created"}, &CoreProperties::setCreated, true},
-    {{"cp", "lastPrinted"}, &CoreProperties::setLastPrinted, false},
-    {{"dcterms", "modified"}, &CoreProperties::setModified, true},
-};
-
-constexpr Name ROOT = {"cp", "coreProperties"};
-constexpr Name KEYWORDS = {"cp", "keywords"};
-constexpr Name KEYWORD = {"cp", "value"};
-
-template <typename Fields, typename Key>
-const auto* find(const Fields& fields, const Key& name) {
-    const auto* const found = std::find_if(std::begin(fields), std::end(fields),
-                                           [&](const auto& field) { return field.name == name; });
-    return found == std::end(fields) ? nullptr : found;
-}
+constexpr std::string_view DECLARING = "xmlns";
 
 /// Whether an attribute of the root declares a usual namespace, or one that core properties may have besides.
 bool isPlainDeclaration(const PlainAttribute& attribute) {
-    if (attribute.name == "xmlns")
-        return attribute.value == NAMESPACES[0].value;
-    const PlainAttribute* const usual = find(NAMESPACES, attribute.name);
-    if (usual != nullptr)
-        return usual->value == attribute.value;
-    return declaresPrefix(attribute) &&
-           attribute.value != "http://schemas.openxmlformats.org/markup-compatibility/2006"; // [M4.2]
+    if (attribute.name == DECLARING)
+        return attribute.value == NAMESPACES[0].uri;
+    for (const auto& [prefix, uri] : NAMESPACES)
+        if (Name{DECLARING, prefix} == attribute.name)
+            return attribute.value == uri;
+    return declaresPrefix(attribute) && attribute.value != MARKUP_COMPATIBILITY; // [M4.2]
 }
 
 /// Whether a text is a language in its usual form: that of the country behind it at most.
@@ -109,9 +65,7 @@ void normaliseLineEnds(std::string& text) {
 
 class Scan {
 public:
-    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {
-        names.reserve(std::size(TEXT_FIELDS) + std::size(TIME_FIELDS) + 1);
-    }
+    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {}
 
     bool takeDocument() {
         bool isEmpty = false;
@@ -126,11 +80,9 @@ public:
         return reader.atEnd();
     }
 
-    std::size_t countElements() const { return 1 + names.size() + values; }
+    std::size_t countElements() const { return 1 + seen.count() + values; }
 
 private:
-    static constexpr std::string_view DECLARING = "xmlns";
-
     /// Whether the root declares a prefix, or the namespace of names without one.
     bool isDeclared(std::string_view prefix) const {
         return std::any_of(declarations.begin(), declarations.end(), [prefix](const auto& declaration) {
@@ -143,7 +95,7 @@ private:
     Name nameOf(std::string_view written) const {
         const std::size_t colon = written.find(':');
         if (colon == std::string_view::npos)
-            return {isDeclared({}) ? ROOT.prefix : std::string_view(), written};
+            return {isDeclared({}) ? prefixOf(ROOT) : std::string_view(), written};
         const std::string_view prefix = written.substr(0, colon);
         return {isDeclared(prefix) ? prefix : std::string_view(), written.substr(colon + 1)};
     }
@@ -160,14 +112,18 @@ private:
 
     bool takeElement(std::string_view written) {
         const Name name = nameOf(written);
-        if (std::find(names.begin(), names.end(), name) != names.end())
+        const auto& fields = CorePropertyField::all();
+        const auto* const field =
+            std::find_if(fields.begin(), fields.end(),
+                         [&](const CorePropertyField& each) { return name == each.element; });
+        const auto place = static_cast<std::size_t>(field - fields.begin());
+        if (seen.test(place)) // each may stand once
             return false;
-        names.push_back(name);
-        if (const TextField* const field = find(TEXT_FIELDS, name))
-            return takeTextField(written, *field);
-        if (const TimeField* const field = find(TIME_FIELDS, name))
-            return takeTimeField(written, *field);
-        return name == KEYWORDS && takeKeywords(written);
+        seen.set(place);
+        if (field != fields.end())
+            return field->visit(properties, [&](auto& value) { return takeValue(written, *field, value); });
+        std::u16string ignored;
+        return name == CONTENT_TYPE && takeContent(written, ignored) && attributes.size() == 0;
     }
 
     /// The rest of an element whose name has been taken.
@@ -191,44 +147,45 @@ private:
         return std::all_of(text.begin(), text.end(), [](char16_t unit) { return plain::isText(unit); });
     }
 
-    bool takeTextField(std::string_view name, const TextField& field) {
-        std::u16string text;
-        if (!takeContent(name, text) || attributes.size() != 0)
-            return false;
-        if (field.set)
-            (properties.*field.set)(text);
-        return true;
+    /// The rest of a field's element.
+    /// @param name  as it is written
+    /// @{
+    bool takeValue(std::string_view name, const CorePropertyField& /*field*/, CoreProperties::Text& text) {
+        text.emplace();
+        return takeContent(name, *text) && attributes.size() == 0;
     }
 
-    bool takeTimeField(std::string_view name, const TimeField& field) {
+    bool takeValue(std::string_view name, const CorePropertyField& field, CoreProperties::Time& time) {
+        const bool isTyped = field.attribute == CorePropertyField::Attribute::Type;
         std::u16string text;
-        if (!takeContent(name, text) || attributes.size() != (field.isTyped ? 1 : 0) ||
+        if (!takeContent(name, text) || attributes.size() != (isTyped ? 1 : 0) ||
             !isPlainDateTime(toASCIIString(text)))
             return false;
-        if (field.isTyped && (!isDeclared("xsi") || attributes.begin()->name != "xsi:type" ||
-                              attributes.begin()->value != "dcterms:W3CDTF"))
+        if (isTyped &&
+            !(isDeclared("xsi") && attributes.begin()->name == TYPE && attributes.begin()->value == W3CDTF))
             return false;
-        (properties.*field.set)(convertStringToTime(text));
+        time = convertStringToTime(text);
         return true;
     }
 
-    bool takeKeywords(std::string_view name) {
-        CoreProperties::KeywordList keywords;
+    bool takeValue(std::string_view name, const CorePropertyField& /*field*/,
+                   CoreProperties::Keywords& keywords) {
         bool isEmpty = false;
-        if (!takeKeyword(keywords, isEmpty))
+        keywords.emplace();
+        if (!takeKeyword(*keywords, isEmpty))
             return false;
         while (!isEmpty && !reader.isAt("</")) {
             const std::string_view value = reader.take("<") ? reader.takeName() : std::string_view();
             bool isEmptyValue = false;
-            if (!(nameOf(value) == KEYWORD) || !takeKeyword(keywords, isEmptyValue) ||
+            if (!(nameOf(value) == KEYWORD) || !takeKeyword(*keywords, isEmptyValue) ||
                 !(isEmptyValue || reader.takeEndTag(value)))
                 return false;
             ++values;
             reader.skipSpace();
         }
-        properties.setKeywords(keywords);
         return isEmpty || reader.takeEndTag(name);
     }
+    /// @}
 
     /// What stands behind the name of an element with a keyword: its language, and its text, which loses white
     /// space at its end.
@@ -238,7 +195,7 @@ private:
         auto& [keyword, language] = keywords.emplace_back();
         if (attributes.size() == 1) {
             const auto& [name, value] = *attributes.begin();
-            if (name != "xml:lang" || !isPlainLanguage(value))
+            if (name != LANGUAGE || !isPlainLanguage(value))
                 return false;
             language = widen(value);
         }
@@ -255,8 +212,10 @@ private:
     CoreProperties& properties;
     PlainAttributes declarations; // of the root
     PlainAttributes attributes;   // of the element in hand
-    std::vector<Name> names;      // of the elements so far: each may stand once
     std::size_t values = 0;       // elements in that of the keywords
+
+    /// The fields so far, and behind them the one that is ignored.
+    std::bitset<std::tuple_size_v<std::decay_t<decltype(CorePropertyField::all())>> + 1> seen;
 };
 
 } // namespace

@@ -2,18 +2,21 @@
 
 #include "coreproperties/CorePropertiesComposer.hpp"
 #include "coreproperties/CorePropertiesLoss.hpp"
+#include "coreproperties/CorePropertiesNames.hpp"
 #include "coreproperties/CorePropertiesRules.hpp"
 #include "coreproperties/CorePropertiesScanner.hpp"
 #include "coreproperties/CorePropertiesVocabulary.hpp"
+#include "xml/ComposeOrSerialize.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
-#include "xml/ReplayedStream.hpp"
+#include "xml/PlainDocument.hpp"
+#include "xml/ScanOrParse.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Time.hpp>
-#include <opc/model/Errors.hpp>
+#include <opc/model/CorePropertyField.hpp>
 #include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -26,119 +29,96 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::core_properties;
 using boost::posix_time::ptime;
 using xercesc::DOMElement;
-using Name = CorePropertiesVocabulary::Name;
 
 /// A part beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 
-const DOMElement* find(const DOMElement* root, const Name& name) {
-    return XercesHelper::getElementNS(root, name.namespaceURI, name.local);
+/// Takes what an element says into a field.
+/// @{
+void readValue(const DOMElement* element, CoreProperties::Text& text) {
+    text.emplace();
+    XercesHelper::getElementText(element, *text);
 }
 
-/// Takes the text of one element into a field, by the field's setter.
-class FieldReader {
-public:
-    FieldReader(const DOMElement* documentRoot, CoreProperties& target)
-        : root(documentRoot), properties(target) {}
+void readValue(const DOMElement* element, CoreProperties::Time& time) {
+    std::u16string text;
+    XercesHelper::getElementText(element, text);
+    const ptime read = convertStringToTime(text);
+    if (!read.is_not_a_date_time())
+        time = read;
+}
 
-    void read(const Name& name, void (CoreProperties::*set)(const std::u16string&)) const {
-        std::u16string text;
-        if (XercesHelper::getElementText(find(root, name), text))
-            (properties.*set)(text);
-    }
-
-    void read(const Name& name, void (CoreProperties::*set)(ptime)) const {
-        std::u16string text;
-        if (!XercesHelper::getElementText(find(root, name), text))
-            return;
-        const ptime time = convertStringToTime(text);
-        if (!time.is_not_a_date_time())
-            (properties.*set)(time);
-    }
-
-private:
-    const DOMElement* root;
-    CoreProperties& properties;
-};
-
-/// Appends an element for each field that is present.
-class FieldWriter {
-public:
-    FieldWriter(DOMElement* documentRoot, const CorePropertiesVocabulary& vocabulary)
-        : root(documentRoot), names(vocabulary) {}
-
-    void write(const Name& name, const CoreProperties::Text& value) const {
-        if (value)
-            append(root, name, *value);
-    }
-
-    /// @param isTyped  whether the element says that its type is W3CDTF
-    void write(const Name& name, const CoreProperties::Time& value, bool isTyped) const {
-        const std::u16string text = value ? convertTimeToString(*value) : std::u16string();
-        if (text.empty())
-            return;
-        DOMElement* const element = append(root, name, text);
-        if (isTyped)
-            setAttribute(element, names.type, names.w3cdtf);
-    }
-
-    /// The first keyword is the element's own text, and each other one a child.
-    void write(const Name& name, const CoreProperties::Keywords& keywords) const {
-        if (!keywords)
-            return;
-        DOMElement* element = nullptr;
-        for (const auto& [text, language] : *keywords) {
-            DOMElement* const keyword =
-                element != nullptr ? append(element, names.value, text) : append(root, name, text);
-            if (!language.empty())
-                setAttribute(keyword, names.lang, language);
-            if (element == nullptr)
-                element = keyword;
-        }
-    }
-
-    static void setAttribute(DOMElement* element, const Name& name, const std::u16string& value) {
-        XercesHelper::setElementAttributeNS(element, name.namespaceURI, name.qualified, value);
-    }
-
-private:
-    static DOMElement* append(DOMElement* parent, const Name& name, const std::u16string& text) {
-        DOMElement* const element = XercesHelper::appendElementNS(parent, name.namespaceURI, name.qualified);
-        XercesHelper::setElementText(element, text);
-        return element;
-    }
-
-    DOMElement* root;
-    const CorePropertiesVocabulary& names;
-};
-
-void readKeywords(const DOMElement* root, const CorePropertiesVocabulary& names, CoreProperties& properties) {
-    const DOMElement* const element = find(root, names.keywords);
-    if (element == nullptr)
-        return;
-    CoreProperties::KeywordList keywords;
+void readValue(const DOMElement* element, CoreProperties::Keywords& keywords) {
+    const CorePropertiesName keywordName(KEYWORD);
+    const CorePropertiesName languageName(LANGUAGE);
+    keywords.emplace();
     const auto add = [&](const DOMElement* keyword) {
-        auto& [text, language] = keywords.emplace_back();
+        auto& [text, language] = keywords->emplace_back();
         XercesHelper::getTrimmedElementText(keyword, text);
-        XercesHelper::getElementAttributeNS(keyword, names.lang.namespaceURI, names.lang.local, language);
+        XercesHelper::getElementAttributeNS(keyword, languageName.namespaceURI, languageName.local, language);
     };
     // The element's own text is the first keyword, even if it is empty.
     add(element);
-    for (const DOMElement* value :
-         XercesHelper::getElementsNS(element, names.value.namespaceURI, names.value.local))
-        add(value);
-    properties.setKeywords(keywords);
+    for (const DOMElement* keyword :
+         XercesHelper::getElementsNS(element, keywordName.namespaceURI, keywordName.local))
+        add(keyword);
 }
+/// @}
+
+void setAttribute(DOMElement* element, const CorePropertiesName& name, std::u16string_view value) {
+    XercesHelper::setElementAttributeNS(element, name.namespaceURI, name.qualified, std::u16string(value));
+}
+
+DOMElement* append(DOMElement* parent, std::string_view name, const std::u16string& text) {
+    const CorePropertiesName with(name);
+    DOMElement* const element = XercesHelper::appendElementNS(parent, with.namespaceURI, with.qualified);
+    XercesHelper::setElementText(element, text);
+    return element;
+}
+
+/// Appends the element of a field, if it is present.
+/// @{
+void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Text& value) {
+    if (value)
+        append(root, field.element, *value);
+}
+
+void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Time& value) {
+    const std::u16string text = value ? convertTimeToString(*value) : std::u16string();
+    if (text.empty())
+        return;
+    DOMElement* const element = append(root, field.element, text);
+    if (field.attribute == CorePropertyField::Attribute::Type)
+        setAttribute(element, CorePropertiesName(TYPE), widen(W3CDTF));
+}
+
+/// The first keyword is the element's own text, and each other one a child.
+void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
+    if (!keywords)
+        return;
+    const CorePropertiesName languageName(LANGUAGE);
+    DOMElement* element = nullptr;
+    for (const auto& [text, language] : *keywords) {
+        DOMElement* const keyword =
+            element != nullptr ? append(element, KEYWORD, text) : append(root, field.element, text);
+        if (!language.empty())
+            setAttribute(keyword, languageName, language);
+        if (element == nullptr)
+            element = keyword;
+    }
+}
+/// @}
 
 /// Arithmetic leads a ptime out of the years that it can say.
 void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
-    for (const CoreProperties::Time& time :
-         {properties.getCreated(), properties.getLastPrinted(), properties.getModified()}) {
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        const auto* const time = std::get_if<CoreProperties::Time CoreProperties::*>(&field.member);
         try {
-            if (time)
-                convertTimeToString(*time);
+            if (time && properties.**time)
+                convertTimeToString(*(properties.**time));
         } catch (const std::out_of_range&) {
             throw InvalidPartContent("A time lies outside the years 1400 to 9999");
         }
@@ -147,13 +127,15 @@ void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
 
 } // namespace
 
-/// What Xerces works with.
-struct CorePropertiesSerializer::Xml {
+/// Of Xerces, with the schemas.
+struct CorePropertiesSerializer::Parser {
+    Parser() {
+        loadGrammars(loaded.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
+                                    &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
+    }
+
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // made by the first reading
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer{
-        XercesHelper::createPrettyPrintingWriter()};
-    CorePropertiesVocabulary names;
+    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> loaded = XercesHelper::createParser();
 };
 
 CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage)
@@ -162,126 +144,85 @@ CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudge
 
 CorePropertiesSerializer::~CorePropertiesSerializer() = default;
 
-CorePropertiesSerializer::Xml& CorePropertiesSerializer::xml() {
-    if (!made)
-        made = std::make_unique<Xml>();
-    return *made;
-}
-
 void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
-    ReadAheadBuffer buffer;
-    DocumentShare share(budget, &XmlLimits::coreProperties);
-    MeteredStream metered(stream, share);
-    ReplayedStream replayed(metered);
-    CoreProperties scanned;
-    std::size_t elements = 0;
-    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (document && scanCoreProperties(*document, scanned, elements)) {
-        share.addElements(elements);
-        properties = scanned;
-    } else {
-        parseCounted(replayed, properties, share);
-    }
+    read(stream, properties, LARGEST_SCANNED);
 }
 
 void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties) {
+    read(stream, properties, 0);
+}
+
+void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties,
+                                    std::size_t largestScanned) {
+    ReadAheadBuffer buffer;
     DocumentShare share(budget, &XmlLimits::coreProperties);
     MeteredStream metered(stream, share);
-    parseCounted(metered, properties, share);
+    const auto scan = [&](std::string_view document) {
+        CoreProperties scanned;
+        std::size_t elements = 0;
+        if (!scanCoreProperties(document, scanned, elements))
+            return false;
+        share.addElements(elements);
+        properties = scanned;
+        return true;
+    };
+    scanOrParse(metered, buffer, largestScanned, scan,
+                [&](InputStream& document) { parse(document, properties, share); });
 }
 
-void CorePropertiesSerializer::parseCounted(InputStream& stream, CoreProperties& properties,
-                                            DocumentShare& share) {
-    Xml& with = xml();
-    if (!with.parser) {
-        auto loaded = XercesHelper::createParser();
-        loadGrammars(loaded.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
-                                    &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
-        with.parser = std::move(loaded);
-    }
-    const DocumentPoolReset reset(with.parser.get());
-    const xercesc::DOMDocument* document = nullptr;
-    try {
-        const ElementMeter meter(with.parser.get(), share);
-        document = XercesHelper::readDocumentFromStream(with.parser.get(), stream, true, {}, {});
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
-    }
+void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties, DocumentShare& share) {
+    if (!parser)
+        parser = std::make_unique<Parser>();
+    xercesc::DOMLSParser* const with = parser->loaded.get();
+    const DocumentPoolReset reset(with);
+    const ElementMeter meter(with, share);
+    const DOMElement* const root =
+        XercesHelper::readDocumentFromStream(with, stream, true, {}, {})->getDocumentElement();
     properties.clear();
-    const DOMElement* root = document->getDocumentElement();
-    const CorePropertiesVocabulary& names = with.names;
-    throwIfCorePropertiesBreakRules(root, names);
-
-    const FieldReader fields(root, properties);
-    fields.read(names.category, &CoreProperties::setCategory);
-    fields.read(names.contentStatus, &CoreProperties::setContentStatus);
-    fields.read(names.created, &CoreProperties::setCreated);
-    fields.read(names.creator, &CoreProperties::setCreator);
-    fields.read(names.description, &CoreProperties::setDescription);
-    fields.read(names.identifier, &CoreProperties::setIdentifier);
-    readKeywords(root, names, properties);
-    fields.read(names.language, &CoreProperties::setLanguage);
-    fields.read(names.lastModifiedBy, &CoreProperties::setLastModifiedBy);
-    fields.read(names.lastPrinted, &CoreProperties::setLastPrinted);
-    fields.read(names.modified, &CoreProperties::setModified);
-    fields.read(names.revision, &CoreProperties::setRevision);
-    fields.read(names.subject, &CoreProperties::setSubject);
-    fields.read(names.title, &CoreProperties::setTitle);
-    fields.read(names.version, &CoreProperties::setVersion);
-}
-
-std::string CorePropertiesSerializer::compose(const CoreProperties& properties) {
-    throwIfTimesAreOutOfRange(properties);
-    std::string plain;
-    std::vector<unsigned char> document;
-    if (composePlainCoreProperties(properties, plain)) {
-        document.assign(plain.begin(), plain.end());
-    } else {
-        ByteArrayOutAdaptor stream(document);
-        writeByXerces(properties, stream);
+    throwIfCorePropertiesBreakRules(root);
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        const CorePropertiesName name(field.element);
+        if (const DOMElement* const element = XercesHelper::getElementNS(root, name.namespaceURI, name.local))
+            field.visit(properties, [element](auto& value) { readValue(element, value); });
     }
-    CoreProperties found;
-    ByteArrayInAdaptor stream(document);
-    read(stream, found);
-    if (const char* lost = findLostCoreProperty(properties, found))
-        throw InvalidPartContent("The core property \"" + std::string(lost) +
-                                 "\" has a value that doesn't come back from a document as it is");
-    return std::string(document.begin(), document.end());
 }
 
-void CorePropertiesSerializer::writeByXerces(const CoreProperties& properties, OutputStream& stream) {
-    const Xml& with = xml();
-    const CorePropertiesVocabulary& names = with.names;
+std::string CorePropertiesSerializer::write(const CoreProperties& properties) {
+    throwIfTimesAreOutOfRange(properties);
+    std::string document;
+    composeOrSerialize(
+        document, [&](std::string& composed) { return composePlainCoreProperties(properties, composed); },
+        [&](OutputStream& stream) { serialize(properties, stream); });
+    CoreProperties found;
+    const std::vector<unsigned char> written(document.begin(), document.end());
+    ByteArrayInAdaptor stream(written);
+    read(stream, found);
+    if (const CorePropertyField* const lost = findLostCoreProperty(properties, found))
+        throw InvalidPartContent("The core property \"" + std::string(lost->name()) +
+                                 "\" has a value that doesn't come back from a document as it is");
+    return document;
+}
+
+std::string CorePropertiesSerializer::serialize(const CoreProperties& properties) {
+    std::string document;
+    serializeDocument(document, [&](OutputStream& stream) { serialize(properties, stream); });
+    return document;
+}
+
+void CorePropertiesSerializer::serialize(const CoreProperties& properties, OutputStream& stream) {
+    const XercesGuard guard;
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
-    DOMElement* root =
-        XercesHelper::appendElementNS(document.get(), names.root.namespaceURI, names.root.qualified);
-    FieldWriter::setAttribute(root, names.dcPrefix, names.dublinCoreElements.toString());
-    FieldWriter::setAttribute(root, names.dcmitypePrefix, names.dcmiTypes.toString());
-    FieldWriter::setAttribute(root, names.dctermsPrefix, names.dublinCoreTerms.toString());
-    FieldWriter::setAttribute(root, names.xsiPrefix, names.xmlSchemaInstance.toString());
-
-    const FieldWriter fields(root, names);
-    fields.write(names.category, properties.getCategory());
-    fields.write(names.contentStatus, properties.getContentStatus());
-    fields.write(names.created, properties.getCreated(), true);
-    fields.write(names.creator, properties.getCreator());
-    fields.write(names.description, properties.getDescription());
-    fields.write(names.identifier, properties.getIdentifier());
-    fields.write(names.keywords, properties.getKeywords());
-    fields.write(names.language, properties.getLanguage());
-    fields.write(names.lastModifiedBy, properties.getLastModifiedBy());
-    fields.write(names.lastPrinted, properties.getLastPrinted(), false);
-    fields.write(names.modified, properties.getModified(), true);
-    fields.write(names.revision, properties.getRevision());
-    fields.write(names.subject, properties.getSubject());
-    fields.write(names.title, properties.getTitle());
-    fields.write(names.version, properties.getVersion());
-    try {
-        XercesHelper::writeDocumentToStream(with.writer.get(), document.get(), stream);
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
-    }
+    const CorePropertiesName rootName(ROOT);
+    DOMElement* const root =
+        XercesHelper::appendElementNS(document.get(), rootName.namespaceURI, rootName.qualified);
+    for (const auto& [prefix, uri] : NAMESPACES)
+        if (prefix != prefixOf(ROOT)) // which Xerces declares
+            setAttribute(root, CorePropertiesName("xmlns:" + std::string(prefix)), widen(uri));
+    for (const CorePropertyField& field : CorePropertyField::all())
+        field.visit(properties, [&](const auto& value) { append(root, field, value); });
+    const auto writer = XercesHelper::createPrettyPrintingWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
 }
 
 } // namespace opc::model

@@ -6,6 +6,7 @@
 #include <opc/core/OutputStream.hpp>
 #include <opc/model/CoreProperties.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -35,20 +36,21 @@ public:
 
     /// The document that holds the properties, which has been read again to see that it does.
     /// @throws InvalidPartContent  a value that a document can't hold, or that doesn't come back as it is
-    std::string compose(const CoreProperties& properties);
+    std::string write(const CoreProperties& properties);
 
-    /// Writes the document by Xerces alone, whatever the values, without a further look. Doesn't close the stream.
-    /// @throws InvalidPartContent  a text that XML can't hold; nothing has been written by then
-    void writeByXerces(const CoreProperties& properties, OutputStream& stream);
+    /// The document as Xerces writes it, whatever the values, without a further look.
+    /// @throws InvalidPartContent  a text that XML can't hold
+    static std::string serialize(const CoreProperties& properties);
 
 private:
-    struct Xml;
+    struct Parser;
 
-    Xml& xml();
-    void parseCounted(InputStream& stream, CoreProperties& properties, DocumentShare& share);
+    void read(InputStream& stream, CoreProperties& properties, std::size_t largestScanned);
+    void parse(InputStream& stream, CoreProperties& properties, DocumentShare& share);
+    static void serialize(const CoreProperties& properties, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
-    std::unique_ptr<Xml> made;
+    std::unique_ptr<Parser> parser; // made by the first document that isn't scanned
 };
 
 } // namespace opc::model

@@ -1,64 +1,44 @@
 #pragma once
 
-#include <opc/model/XercesString.hpp>
+#include <string_view>
 
-#include <string>
+/// @file
+/// The namespaces of core properties parts, and the names in them that aren't those of a `CorePropertyField`.
 
-namespace opc::model {
+namespace opc::model::vocabulary::core_properties {
 
-/// The namespaces and names of the core properties part, for as long as a `XercesGuard` lives.
-struct CorePropertiesVocabulary {
-    /// The name of an element or an attribute: with its prefix in writing, and without in reading.
-    struct Name {
-        Name(const XercesString& uri, const std::u16string& qualifiedName)
-            : namespaceURI(uri), qualified(qualifiedName),
-              local(qualifiedName.substr(qualifiedName.find(u':') + 1)) {}
-
-        const XercesString& namespaceURI;
-        const XercesString qualified;
-        const XercesString local;
-    };
-
-    CorePropertiesVocabulary() = default;
-    CorePropertiesVocabulary(const CorePropertiesVocabulary&) = delete;
-    CorePropertiesVocabulary& operator=(const CorePropertiesVocabulary&) = delete;
-
-    const XercesString xmlns{u"http://www.w3.org/2000/xmlns/"};
-    const XercesString xml{u"http://www.w3.org/XML/1998/namespace"};
-    const XercesString coreProperties{
-        u"http://schemas.openxmlformats.org/package/2006/metadata/core-properties"};
-    const XercesString dublinCoreElements{u"http://purl.org/dc/elements/1.1/"};
-    const XercesString dublinCoreTerms{u"http://purl.org/dc/terms/"};
-    const XercesString dcmiTypes{u"http://purl.org/dc/dcmitype/"};
-    const XercesString xmlSchemaInstance{u"http://www.w3.org/2001/XMLSchema-instance"};
-    const XercesString markupCompatibility{u"http://schemas.openxmlformats.org/markup-compatibility/2006"};
-
-    const Name root{coreProperties, u"cp:coreProperties"};
-    const Name dcPrefix{xmlns, u"xmlns:dc"};
-    const Name dctermsPrefix{xmlns, u"xmlns:dcterms"};
-    const Name dcmitypePrefix{xmlns, u"xmlns:dcmitype"};
-    const Name xsiPrefix{xmlns, u"xmlns:xsi"};
-    const Name type{xmlSchemaInstance, u"xsi:type"};
-    const Name lang{xml, u"xml:lang"};
-
-    const Name category{coreProperties, u"cp:category"};
-    const Name contentStatus{coreProperties, u"cp:contentStatus"};
-    const Name created{dublinCoreTerms, u"dcterms:created"};
-    const Name creator{dublinCoreElements, u"dc:creator"};
-    const Name description{dublinCoreElements, u"dc:description"};
-    const Name identifier{dublinCoreElements, u"dc:identifier"};
-    const Name keywords{coreProperties, u"cp:keywords"};
-    const Name value{coreProperties, u"cp:value"};
-    const Name language{dublinCoreElements, u"dc:language"};
-    const Name lastModifiedBy{coreProperties, u"cp:lastModifiedBy"};
-    const Name lastPrinted{coreProperties, u"cp:lastPrinted"};
-    const Name modified{dublinCoreTerms, u"dcterms:modified"};
-    const Name revision{coreProperties, u"cp:revision"};
-    const Name subject{dublinCoreElements, u"dc:subject"};
-    const Name title{dublinCoreElements, u"dc:title"};
-    const Name version{coreProperties, u"cp:version"};
-
-    const std::u16string w3cdtf = u"dcterms:W3CDTF";
+struct Namespace {
+    std::string_view prefix; ///< the usual one
+    std::string_view uri;
 };
 
-} // namespace opc::model
+/// What the root declares, in this order.
+inline constexpr Namespace NAMESPACES[] = {
+    {"cp", "http://schemas.openxmlformats.org/package/2006/metadata/core-properties"},
+    {"dc", "http://purl.org/dc/elements/1.1/"},
+    {"dcmitype", "http://purl.org/dc/dcmitype/"},
+    {"dcterms", "http://purl.org/dc/terms/"},
+    {"xsi", "http://www.w3.org/2001/XMLSchema-instance"},
+};
+inline constexpr std::string_view MARKUP_COMPATIBILITY =
+    "http://schemas.openxmlformats.org/markup-compatibility/2006";
+
+inline constexpr std::string_view ROOT = "cp:coreProperties";
+inline constexpr std::string_view KEYWORD = "cp:value";            ///< each but the first
+inline constexpr std::string_view CONTENT_TYPE = "cp:contentType"; ///< valid, and ignored
+inline constexpr std::string_view TYPE = "xsi:type";
+inline constexpr std::string_view LANGUAGE = "xml:lang";
+
+constexpr std::string_view prefixOf(std::string_view name) {
+    return name.substr(0, name.find(':'));
+}
+
+/// A name without its prefix.
+constexpr std::string_view localPart(std::string_view name) {
+    return name.substr(name.find(':') + 1);
+}
+
+/// What stands in `TYPE`.
+inline constexpr std::string_view W3CDTF = "dcterms:W3CDTF";
+
+} // namespace opc::model::vocabulary::core_properties

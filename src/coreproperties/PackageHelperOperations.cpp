@@ -106,7 +106,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     if (!part)
         package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
     CorePropertiesSerializer serializer(package.getDocumentBudget());
-    const std::string document = serializer.compose(properties); // before anything changes
+    const std::string document = serializer.write(properties); // before anything changes
     if (!part) {
         part = createPart(package, getCorePropertiesURI());
         relate(package);
@@ -123,7 +123,7 @@ void PackageHelper::mendCoreProperties(Package& package, const CoreProperties& p
     package.throwIfCreateOnly();
     package.throwIfRelationshipsFixed(); // the relationship may be replaced behind the part: it must not fail
     CorePropertiesSerializer serializer(package.getDocumentBudget());
-    const std::string document = serializer.compose(properties); // before anything changes
+    const std::string document = serializer.write(properties); // before anything changes
     writeDocument(document, mend(package, *findCoreProperties(package).begin()).getOutputStream());
 }
 

@@ -7,6 +7,7 @@
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
+#include <opc/model/CorePropertyField.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
@@ -58,7 +59,7 @@ protected:
         return readDocument(corePropertiesDocument(elements, attributes));
     }
 
-    std::string write(const CoreProperties& properties) { return serializer.compose(properties); }
+    std::string write(const CoreProperties& properties) { return serializer.write(properties); }
 
     CorePropertiesSerializer serializer;
 };
@@ -269,7 +270,7 @@ TEST_F(CorePropertiesPart, valuesComeBackOrAreRefused) {
     const auto compose = [](const std::function<void(P&)>& set) {
         P properties;
         set(properties);
-        return outcomeOf([&] { CorePropertiesSerializer().compose(properties); });
+        return outcomeOf([&] { CorePropertiesSerializer().write(properties); });
     };
     for (const char16_t unit : std::u16string(u"\u0001\u0008\u000B\u001F\uFFFE\uFFFF\xD800\xDC00") + u'\0')
         for (const std::u16string& text : {std::u16string{unit}, std::u16string{u'a', unit, u'b'}}) {
@@ -300,21 +301,13 @@ TEST_F(CorePropertiesPart, valuesComeBackOrAreRefused) {
               "document as it is");
 }
 
-TEST(CorePropertiesValue, eachFieldAloneMakesItNotEmpty) {
-    using P = CoreProperties;
-    std::vector<std::function<void(P&)>> setters = {[](P& properties) { properties.setKeywords({}); }};
-    for (const auto set : {&P::setCategory, &P::setContentStatus, &P::setCreator, &P::setDescription,
-                           &P::setIdentifier, &P::setLanguage, &P::setLastModifiedBy, &P::setRevision,
-                           &P::setSubject, &P::setTitle, &P::setVersion})
-        setters.emplace_back([set](P& properties) { (properties.*set)(u""); });
-    for (const auto set : {&P::setCreated, &P::setLastPrinted, &P::setModified})
-        setters.emplace_back([set](P& properties) { (properties.*set)({}); });
-    P properties;
-    for (const auto& set : setters) {
-        set(properties);
-        EXPECT_FALSE(properties.isEmpty());
-        properties.clear();
-        EXPECT_TRUE(properties.isEmpty());
+TEST(CorePropertyField, isAbsentUntilItIsSetAndAgainByNone) {
+    CoreProperties properties;
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        field.visit(properties, [](auto& value) { value.emplace(); });
+        EXPECT_FALSE(properties.isEmpty()) << field.name();
+        field.visit(properties, [](auto& value) { value = boost::none; });
+        EXPECT_TRUE(properties.isEmpty()) << field.name();
     }
 }
 

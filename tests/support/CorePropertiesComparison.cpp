@@ -26,10 +26,7 @@ std::string CorePropertiesComparison::read(const Bytes& document, bool scanning)
         [&] { scanning ? serializer.read(stream, properties) : serializer.parse(stream, properties); });
     if (!failure.empty())
         return failure;
-    Bytes written;
-    ByteArrayOutAdaptor target(written);
-    serializer.writeByXerces(properties, target);
-    return toText(written);
+    return model::CorePropertiesSerializer::serialize(properties);
 }
 
 } // namespace opc::test

@@ -7,6 +7,7 @@
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/CoreProperties.hpp>
+#include <opc/model/CorePropertyField.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 #include <opc/model/StandardPartInfo.hpp>
@@ -212,9 +213,9 @@ private:
             loss += "\nread: " + toUDEString(*differing.second);
         if (loss.empty() && coreProperties)
             loss = outcomeOf([this] {
-                if (const char* lost =
+                if (const CorePropertyField* const lost =
                         findLostCoreProperty(*coreProperties, PackageHelper::getCoreProperties(package)))
-                    throw std::logic_error(lost);
+                    throw std::logic_error(std::string(lost->name()));
             });
         return loss;
     }

@@ -5,13 +5,14 @@
 
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
+#include <opc/model/CorePropertyField.hpp>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <iostream>
-#include <iterator>
+#include <variant>
 
 namespace opctool {
 
@@ -22,46 +23,38 @@ using nlohmann::json;
 using opc::toUDEString;
 using opc::model::CoreProperties;
 
-struct TextField {
-    const char* name;
-    CoreProperties::Text (CoreProperties::*get)() const;
-    void (CoreProperties::*set)(const std::u16string&);
-};
+using opc::model::CorePropertyField;
+using Text = CoreProperties::Text CoreProperties::*;
+using Time = CoreProperties::Time CoreProperties::*;
+using Keywords = CoreProperties::Keywords CoreProperties::*;
 
-constexpr TextField TEXT_FIELDS[] = {
-    {"category", &CoreProperties::getCategory, &CoreProperties::setCategory},
-    {"contentStatus", &CoreProperties::getContentStatus, &CoreProperties::setContentStatus},
-    {"creator", &CoreProperties::getCreator, &CoreProperties::setCreator},
-    {"description", &CoreProperties::getDescription, &CoreProperties::setDescription},
-    {"identifier", &CoreProperties::getIdentifier, &CoreProperties::setIdentifier},
-    {"language", &CoreProperties::getLanguage, &CoreProperties::setLanguage},
-    {"lastModifiedBy", &CoreProperties::getLastModifiedBy, &CoreProperties::setLastModifiedBy},
-    {"revision", &CoreProperties::getRevision, &CoreProperties::setRevision},
-    {"subject", &CoreProperties::getSubject, &CoreProperties::setSubject},
-    {"title", &CoreProperties::getTitle, &CoreProperties::setTitle},
-    {"version", &CoreProperties::getVersion, &CoreProperties::setVersion},
-};
-
-struct TimeField {
-    const char* name;
-    CoreProperties::Time (CoreProperties::*get)() const;
-    void (CoreProperties::*set)(ptime);
-};
-
-constexpr TimeField TIME_FIELDS[] = {
-    {"created", &CoreProperties::getCreated, &CoreProperties::setCreated},
-    {"lastPrinted", &CoreProperties::getLastPrinted, &CoreProperties::setLastPrinted},
-    {"modified", &CoreProperties::getModified, &CoreProperties::setModified},
-};
-
-const char* const KEYWORDS = "keywords";
-
-template <typename Fields>
-auto findField(const Fields& fields, const std::string& name) {
-    const auto* const found = std::find_if(std::begin(fields), std::end(fields),
-                                           [&name](const auto& field) { return field.name == name; });
-    return found == std::end(fields) ? nullptr : found;
+const CorePropertyField* findField(const std::string& name) {
+    for (const CorePropertyField& field : CorePropertyField::all())
+        if (field.name() == name)
+            return &field;
+    return nullptr;
 }
+
+/// What a field holds, as JSON.
+/// @{
+json describeValue(const std::u16string& text) {
+    return toUDEString(text);
+}
+
+json describeValue(const ptime& time) {
+    return toUDEString(opc::convertTimeToString(time));
+}
+
+json describeValue(const CoreProperties::KeywordList& keywords) {
+    json list = json::array();
+    for (const auto& [text, language] : keywords) {
+        json& keyword = list.emplace_back(json{{"text", toUDEString(text)}});
+        if (!language.empty())
+            keyword["language"] = toUDEString(language);
+    }
+    return list;
+}
+/// @}
 
 ptime parseTime(const std::string& text) {
     return text == "now" ? boost::posix_time::second_clock::universal_time()
@@ -98,20 +91,11 @@ bool isLanguageTag(const std::string& text) {
 
 json describe(const CoreProperties& properties) {
     json description = json::object();
-    for (const TextField& field : TEXT_FIELDS)
-        if (const CoreProperties::Text text = (properties.*field.get)())
-            description[field.name] = toUDEString(*text);
-    for (const TimeField& field : TIME_FIELDS)
-        if (const CoreProperties::Time time = (properties.*field.get)())
-            description[field.name] = toUDEString(opc::convertTimeToString(*time));
-    if (const CoreProperties::Keywords keywords = properties.getKeywords()) {
-        json& list = description[KEYWORDS] = json::array();
-        for (const auto& [text, language] : *keywords) {
-            json& keyword = list.emplace_back(json{{"text", toUDEString(text)}});
-            if (!language.empty())
-                keyword["language"] = toUDEString(language);
-        }
-    }
+    for (const CorePropertyField& field : CorePropertyField::all())
+        field.visit(properties, [&](const auto& value) {
+            if (value)
+                description[std::string(field.name())] = describeValue(*value);
+        });
     return description;
 }
 
@@ -132,46 +116,40 @@ void printProperties(const json& description) {
 }
 
 std::string checkProperty(const std::string& name) {
-    if (findField(TEXT_FIELDS, name) || findField(TIME_FIELDS, name) || name == KEYWORDS)
+    if (findField(name))
         return {};
-    std::string problem = name + " is no property; these are: ";
-    for (const TextField& field : TEXT_FIELDS)
-        problem += std::string(field.name) + ", ";
-    for (const TimeField& field : TIME_FIELDS)
-        problem += std::string(field.name) + ", ";
-    return problem + KEYWORDS;
+    std::string problem = name + " is no property; these are";
+    const char* separator = ": ";
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        problem.append(separator).append(field.name());
+        separator = ", ";
+    }
+    return problem;
 }
 
 std::string checkAssignment(const std::string& assignment) {
     if (assignment.find('=') == std::string::npos)
         return assignment + " isn't NAME=VALUE";
     const auto [name, value] = Assignment(assignment);
-    if (name == KEYWORDS)
+    const CorePropertyField* const field = findField(name);
+    if (field && std::holds_alternative<Keywords>(field->member))
         return "keywords are set by --keyword";
-    if (findField(TIME_FIELDS, name) && parseTime(value).is_not_a_date_time())
+    if (field && std::holds_alternative<Time>(field->member) && parseTime(value).is_not_a_date_time())
         return value + " is no time; write 2024-02-29, 2024-02-29T13:45Z, 2024-02-29T13:45:59+01:00 or now";
     return checkProperty(name);
 }
 
 void assign(CoreProperties& properties, const std::string& assignment) {
     const auto [name, value] = Assignment(assignment);
-    if (const TimeField* const field = findField(TIME_FIELDS, name))
-        (properties.*field->set)(parseTime(value));
-    else if (const TextField* const textField = findField(TEXT_FIELDS, name))
-        (properties.*textField->set)(fromArgument(value));
+    const CorePropertyField& field = *findField(name);
+    if (const auto* const time = std::get_if<Time>(&field.member))
+        properties.** time = parseTime(value);
+    else if (const auto* const text = std::get_if<Text>(&field.member))
+        properties.** text = fromArgument(value);
 }
 
 void unset(CoreProperties& properties, const std::string& name) {
-    const CoreProperties before = properties;
-    properties.clear();
-    for (const TextField& field : TEXT_FIELDS)
-        if (const auto text = (before.*field.get)(); text && field.name != name)
-            (properties.*field.set)(*text);
-    for (const TimeField& field : TIME_FIELDS)
-        if (const auto time = (before.*field.get)(); time && field.name != name)
-            (properties.*field.set)(*time);
-    if (const auto keywords = before.getKeywords(); keywords && name != KEYWORDS)
-        properties.setKeywords(*keywords);
+    findField(name)->visit(properties, [](auto& value) { value = boost::none; });
 }
 
 CoreProperties::KeywordList::value_type parseKeyword(const std::string& keyword) {

@@ -14,7 +14,7 @@ namespace opc::model {
 /// The metadata of a package: its title, creator, dates and so on.
 ///
 /// A plain value, free to be copied to another thread. Each field is absent until it is set; an empty text is
-/// a value. There is no way back to absent for one field alone: `clear` takes them all. `PackageHelper` reads
+/// a value. `clear` makes all fields absent, and `CorePropertyField` a single one. `PackageHelper` reads
 /// it from a package and writes it into one.
 ///
 /// Nothing is checked here: what a file can't hold is refused in writing. White space at the end of a keyword doesn't
@@ -87,6 +87,8 @@ public:
     void setVersion(const std::u16string& value) { version = value; }
 
 private:
+    friend struct CorePropertyField; // whose members they are too
+
     Text category;
     Text contentStatus;
     Time created;
