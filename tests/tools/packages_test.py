@@ -64,7 +64,7 @@ class Packages(OpctoolCase):
                 ('unrelate p.zip / rId1', 'RelationshipNotFound: Relationship ID does not exist'),
                 ('relate p.zip / urn:t http://h/', 'InvalidRelationshipTarget: Relationship target cannot be an '
                                                    'absolute URI for an internal relationship'),
-                ('new p.zip', 'Exception: The file exists already; --force replaces it')):
+                ('new p.zip', 'Exception: The file exists already; use --force to replace it')):
             self.assert_failure(arguments, line, 'p.zip')
         for file, failure in ('none.zip', 'PackageNotFound'), ('bad.zip', 'PackageOpenFailed'):
             self.assertRegex(self.run_tool('ls ' + file).errors, f'^opctool: {file}: {failure}: can')

@@ -73,15 +73,15 @@ class Properties(OpctoolCase):
         self.do('props p.zip --set title=t')
         before = self.read('p.zip')
         for arguments, status, errors in (
-                ('--set title=u --set titel=u', 2, '--set: titel is no property'),
+                ('--set title=u --set titel=u', 2, '--set: titel isn\'t a property'),
                 ('--set title', 2, "--set: title isn't NAME=VALUE"),
-                ('--set Title=u', 2, '--set: Title is no property'),
-                ('--set =u', 2, '--set:  is no property'),
-                ('--set keywords=u', 2, '--set: keywords are set by --keyword'),
-                ('--set title=u --set created=2024-02-30', 2, '--set: 2024-02-30 is no time'),
-                ('--set modified=1399', 2, '--set: 1399 is no time'),
-                ('--set lastPrinted=', 2, '--set:  is no time'),
-                ('--clear --unset none', 2, '--unset: none is no property'),
+                ('--set Title=u', 2, '--set: Title isn\'t a property'),
+                ('--set =u', 2, '--set:  isn\'t a property'),
+                ('--set keywords=u', 2, '--set: set keywords with --keyword'),
+                ('--set title=u --set created=2024-02-30', 2, '--set: 2024-02-30 isn\'t a time'),
+                ('--set modified=1399', 2, '--set: 1399 isn\'t a time'),
+                ('--set lastPrinted=', 2, '--set:  isn\'t a time'),
+                ('--clear --unset none', 2, '--unset: none isn\'t a property'),
                 ('--clear --json', 2, '--json excludes --clear'),
                 ('--set title=u extra', 2, ''),
                 ("--set 'title=\1'", 3, 'opctool: p.zip: InvalidPartContent: ')):

@@ -43,7 +43,7 @@ class Signatures(OpctoolCase):
                            "openssl rsa -in k.key -noout -text 2>/dev/null | grep -q '2048 bit'")
         self.assertEqual(check.status, 0, check.output)
 
-        exists = 'opctool: Exception: k.{} exists already; --force replaces it\n'
+        exists = 'opctool: Exception: k.{} exists already; use --force to replace it\n'
         self.assertEqual(self.run_tool('keygen k').errors, exists.format('key'))
         os.remove(self.folder / 'k.key')
         self.assertEqual(self.run_tool('keygen k').errors, exists.format('pub'))
@@ -79,7 +79,7 @@ class Signatures(OpctoolCase):
         self.assert_failure(
             'sign p.docx --key k.key --relationship-type /_xmlsignatures/origin.sigs:'
             'http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature',
-            "Exception: The relationships of signatures can't be signed by their type; countersign signs them", 'p.docx')
+            "Exception: The relationships of signatures can't be signed by type; use countersign to sign them", 'p.docx')
         self.assertEqual(self.do('sign p.docx --key other.key'), 'sig2\n')
         self.assertEqual(self.do('countersign p.docx --key k.key'), 'sigcountersig\n')
         self.assertEqual(self.run_tool('countersign p.docx --key k.key').status, 3)
@@ -88,9 +88,9 @@ class Signatures(OpctoolCase):
         self.assertEqual(self.verify('--public other.pub --signature sig2', 0)['code'], 0)
 
         self.assert_failure('unsign p.docx sig1',
-                            'Exception: A countersignature needs sig1; --countersignature removes it first', 'p.docx')
+                            'Exception: A countersignature needs sig1; remove it first with --countersignature', 'p.docx')
         self.assertEqual(self.run_tool('sign p.docx --key k.key').errors,
-                         "opctool: p.docx: warning: the countersignature doesn't hold any longer\n")
+                         "opctool: p.docx: warning: the countersignature doesn't hold any more\n")
         self.do('unsign p.docx --countersignature', 'unsign p.docx sig1')
         self.assertEqual(len(self.verify('--public k.pub', 1)), 2)
         self.do('unsign p.docx --all')
@@ -149,8 +149,8 @@ class Signatures(OpctoolCase):
         self.assertEqual(self.verify('', 3), [])
 
         self.assertEqual(self.run_tool('sign p.docx --key k.key --public k.pub'),
-                         (0, 'sig1\n', "opctool: p.docx: warning: the package carries signatures in another form, which "
-                                       "aren't read: they may not hold any longer\n"))
+                         (0, 'sig1\n', "opctool: p.docx: warning: the package has signatures in another form, which "
+                                       "aren't read: they may not hold any more\n"))
         outcome = self.run_tool('verify p.docx --public k.pub')
         self.assertEqual((outcome.status, outcome.errors), (3, error))
         self.assertIn('holds (0)', outcome.output)
@@ -270,8 +270,8 @@ class Signatures(OpctoolCase):
                 ('--key weak.key', '--public weak.pub', 'An RSA key of 1024 bits'),
                 ('--key k.key --public k.pub --digest md5', '--public k.pub', 'The digest md5'),
                 ('--key k.key --digest sha1', '--public k.pub', 'The digest sha1')):
-            self.assert_failure('sign p.docx ' + signer, f'Exception: {refusal} is too weak to sign with; --accept-weak does '
-                                                         'it all the same', 'p.docx')
+            self.assert_failure('sign p.docx ' + signer, f'Exception: {refusal} is too weak; use --accept-weak to sign '
+                                                         'with it', 'p.docx')
             self.do('sign p.docx --accept-weak ' + signer)
             self.assertEqual(self.verify(key, 1)['code'], 11)
             self.assertEqual(len(self.verify(key + ' --accept-weak', 0)['weak']), 1)
@@ -284,7 +284,7 @@ class Signatures(OpctoolCase):
         key = bytearray(self.read('damaged.key'))
         key[len(key) // 2] ^= 1
         self.write('damaged.key', bytes(key))
-        no_key = 'Exception: {} holds no RSA {} key of 1024, 2048 or 4096 bits'
+        no_key = 'Exception: {} contains no RSA {} key of 1024, 2048 or 4096 bits'
         failed = 'CouldNotGenerateSignature: '
         for options, line in (
                 ('--key key.txt', no_key.format('key.txt', 'private')),
@@ -299,7 +299,7 @@ class Signatures(OpctoolCase):
                 ('--key k.key --relationship-type /:urn:none --relationship /:rId1',
                  failed + 'No relationship of / has the type urn:none.'),
                 ('--key k.key --relationship-type /none.xml:http://t',
-                 'Exception: No part of the package is the source in /none.xml:http://t')):
+                 'Exception: The package has no part for the source in /none.xml:http://t')):
             self.assert_failure('sign p.docx ' + options, line, 'p.docx')
         self.assert_failure('countersign p.docx --key k.key', failed + 'Package has no signatures present, and so cannot be '
                                                                        'countersigned.', 'p.docx')

@@ -42,7 +42,7 @@ struct Arguments {
 
 void create(const Arguments& arguments) {
     if (!arguments.force && std::filesystem::exists(arguments.package.path))
-        throw opc::Exception("The file exists already; --force replaces it",
+        throw opc::Exception("The file exists already; use --force to replace it",
                              make_error_code(boost::system::errc::file_exists));
     OpenedPackage package(arguments.package, OpenMode::CreateOnly);
     package.save();
@@ -125,23 +125,25 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* what, void (*r
 
 void addChangeCommands(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
-    const char* const sourceHelp = "A part name; \"/\" is the package itself";
+    const char* const sourceHelp = "A part name, or \"/\" for the package itself";
 
-    CLI::App* command = app.add_subcommand("new", "Make a package without parts");
+    CLI::App* command = app.add_subcommand("new", "Create a package without parts");
     command->add_option("PACKAGE", arguments->package.path, "The package's file")->required();
-    command->add_flag("--force", arguments->force, "Replace a file that exists");
+    command->add_flag("--force", arguments->force, "Replace an existing file");
     command->callback([arguments] { create(*arguments); });
 
-    command = addCommand(app, "add", "Add a part with the content of a file", add, arguments);
-    command->add_option("PART", arguments->part, "The new part's name, such as /doc/image.png")->required();
-    command->add_option("FILE", arguments->file, "Where its content comes from")
+    command = addCommand(app, "add", "Add a part, with content from a file", add, arguments);
+    command->add_option("PART", arguments->part, "The name of the new part, such as /doc/image.png")
+        ->required();
+    command->add_option("FILE", arguments->file, "The file with its content")
         ->required()
         ->check(CLI::ExistingFile);
     command->add_option("--type", arguments->contentType, "Its content type, such as image/png")->required();
 
-    command = addCommand(app, "put", "Give a part the content of a file", put, arguments);
+    command =
+        addCommand(app, "put", "Replace the content of a part with the content of a file", put, arguments);
     command->add_option("PART", arguments->part, "The part's name")->required();
-    command->add_option("FILE", arguments->file, "Where its new content comes from")
+    command->add_option("FILE", arguments->file, "The file with its new content")
         ->required()
         ->check(CLI::ExistingFile);
 
@@ -150,16 +152,16 @@ void addChangeCommands(CLI::App& app) {
 
     command = addCommand(app, "relate", "Add a relationship and print its ID", relate, arguments);
     command->add_option("SOURCE", arguments->source, sourceHelp)->required();
-    command->add_option("TYPE", arguments->type, "The relationship type, a URI")
+    command->add_option("TYPE", arguments->type, "The type of the relationship, a URI")
         ->required()
         ->check(checkNotBlank);
     command
         ->add_option("TARGET", arguments->target,
-                     "A part name, or a reference relative to the source; with --external, any reference")
+                     "A part name, or a reference relative to the source; with --external any reference")
         ->required()
         ->check(checkNotBlank);
-    command->add_flag("--external", arguments->external, "The target lies outside the package");
-    command->add_option("--id", arguments->id, "The ID, instead of a generated one");
+    command->add_flag("--external", arguments->external, "The target is outside the package");
+    command->add_option("--id", arguments->id, "The ID; without it, one is generated");
 
     command = addCommand(app, "unrelate", "Delete a relationship", unrelate, arguments);
     command->add_option("SOURCE", arguments->source, sourceHelp)->required();

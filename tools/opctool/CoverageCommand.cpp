@@ -34,11 +34,11 @@ using opc::model::Relationship;
 using opc::model::RelationshipSource;
 
 constexpr const char* LIMITS =
-    "No signature protects content types, but it names them, so that a change is seen; nor which of the\n"
-    "covered sources a relationship belongs to.\n"
-    "What belongs to the signatures themselves, a countersignature alone covers.\n"
-    "A countersignature covers the content through the signatures that it covers.\n"
-    "Whether the signatures hold, opctool verify says.\n";
+    "No signature protects content types, but it names them, so a change is reported. Nor does a signature\n"
+    "protect which of the covered sources a relationship belongs to.\n"
+    "Only a countersignature covers the parts and relationships of the signatures themselves. It covers\n"
+    "the content through the signatures that it covers.\n"
+    "opctool verify says whether the signatures hold.\n";
 
 std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
     std::set<std::string> set;
@@ -125,8 +125,9 @@ private:
         const auto add = [&](const auto& entity) {
             count += together->findSignatures(entity).size();
             if (count > MAXIMUM_NAMES)
-                throw opc::Exception("The report would name signatures more than 2000000 times. What none "
-                                     "covers, opctool verify says.");
+                throw opc::Exception(
+                    "The report would name signatures more than 2000000 times. opctool verify "
+                    "lists what no signature covers.");
         };
         forEachPart(add);
         forEachRelationship(add);
@@ -155,7 +156,7 @@ std::string describe(const ordered_json& row) {
     if (text.empty())
         text = "none";
     if (row.contains("except"))
-        text += ", but for " + row["except"].get<std::string>();
+        text += ", except " + row["except"].get<std::string>();
     return text + (row["ofSignatures"].get<bool>() ? " (belongs to the signatures)" : "");
 }
 
@@ -224,9 +225,10 @@ void addCoverageCommand(CLI::App& app) {
     };
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand(
-        "coverage", "Tell for every part and relationship which signatures cover it, and what none covers.\n"
-                    "A part is covered if its digest stands in what the signature value protects.\n" +
-                        std::string(LIMITS) + "Exit status: 0 whatever the report says");
+        "coverage",
+        "List the signatures that cover each part and relationship, and list what no signature covers.\n"
+        "A part is covered if the signature value protects its digest.\n" +
+            std::string(LIMITS) + "The exit status is 0 whatever the report says");
     addPackage(*command, arguments->package);
     command->add_flag("--json", arguments->json, "Print a JSON object");
     command->callback([arguments] {

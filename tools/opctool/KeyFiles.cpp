@@ -42,7 +42,7 @@ auto tryAllSizes(const std::string& path, Read read) -> decltype(read(KEY_SIZES[
 }
 
 [[noreturn]] void failWithoutKey(const std::string& path, const char* kind) {
-    throw opc::Exception(path + " holds no RSA " + kind + " key of 1024, 2048 or 4096 bits");
+    throw opc::Exception(path + " contains no RSA " + kind + " key of 1024, 2048 or 4096 bits");
 }
 
 /// Bytes that are overwritten when they go.
@@ -73,9 +73,9 @@ Bytes toPem(const std::string& label, const Bytes& der) {
 
 [[noreturn]] void failWriting(const std::string& path) {
     const int error = errno;
-    throw opc::Exception(path +
-                             (error == EEXIST ? " exists already; --force replaces it" : " can't be written"),
-                         {error, boost::system::generic_category()});
+    throw opc::Exception(
+        path + (error == EEXIST ? " exists already; use --force to replace it" : " can't be written"),
+        {error, boost::system::generic_category()});
 }
 
 /// A file that is written under another name first if it may replace one. It goes again unless it is kept.

@@ -131,11 +131,13 @@ void addListCommands(CLI::App& app) {
     lsCommand->callback([lsArguments] { ls(*lsArguments); });
 
     auto relsArguments = std::make_shared<RelsArguments>();
-    CLI::App* relsCommand = app.add_subcommand("rels", "List the relationships of the package or of a part");
+    CLI::App* relsCommand =
+        app.add_subcommand("rels", "List the relationships of the package, of a part, or of all");
     addPackage(*relsCommand, relsArguments->package);
-    CLI::Option* source =
-        relsCommand->add_option("SOURCE", relsArguments->source, "A part name; \"/\" is the package itself");
-    relsCommand->add_flag("--all", relsArguments->all, "The package and every part")->excludes(source);
+    CLI::Option* source = relsCommand->add_option("SOURCE", relsArguments->source,
+                                                  "A part name, or \"/\" for the package itself");
+    relsCommand->add_flag("--all", relsArguments->all, "List those of the package and of every part")
+        ->excludes(source);
     relsCommand->add_flag("--json", relsArguments->json, "Print a JSON array");
     relsCommand->callback([relsArguments] { rels(*relsArguments); });
 

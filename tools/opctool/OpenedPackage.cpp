@@ -29,7 +29,7 @@ std::uint64_t measure(const opc::model::Part& part) {
 std::u16string fromArgument(const std::string& argument) {
     std::u16string text = opc::toString(argument, true);
     if (opc::toUDEString(text) != argument)
-        throw CLI::ValidationError(argument, "is no UTF-8");
+        throw CLI::ValidationError(argument, "isn't UTF-8");
     return text;
 }
 

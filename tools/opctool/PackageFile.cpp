@@ -39,9 +39,11 @@ bool opensLeniently(const std::string& path) {
 
 void addPackage(CLI::App& command, PackageArgument& package) {
     command.add_option("PACKAGE", package.path, "The package's file")->required();
-    CLI::Option* strict = command.add_flag(
-        "--strict", package.strict, "Refuse what breaks the standard, also where its meaning is plain");
-    command.add_flag("--lenient", "The opposite, as without either: take it, with a line on standard error")
+    CLI::Option* strict =
+        command.add_flag("--strict", package.strict, "Refuse a package that breaks the standard");
+    command
+        .add_flag("--lenient",
+                  "Read it as other programs do, and report on standard error what is wrong; the default")
         ->excludes(strict);
 }
 

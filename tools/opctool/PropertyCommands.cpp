@@ -54,7 +54,7 @@ void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& pack
             tell(path,
                  "warning: " + opc::toUDEString(part.getName().toString()) +
                      " has the content type of core properties, but no relationship of their type leads "
-                     "to it; it is left alone");
+                     "to it; it stays unchanged");
 }
 
 CoreProperties readStrictly(const Package& package) {
@@ -125,19 +125,18 @@ void addPropertyCommands(CLI::App& app) {
     CLI::App* command = app.add_subcommand("props", "Print the core properties, or change them");
     addPackage(*command, arguments->package);
     CLI::Option* json = command->add_flag("--json", arguments->json, "Print a JSON object");
-    command->add_flag("--clear", arguments->clear, "Drop all properties, before anything else is done")
-        ->excludes(json);
-    addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property, before any is set")
+    command->add_flag("--clear", arguments->clear, "First drop all properties")->excludes(json);
+    addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property; done before --set")
         ->check(checkProperty)
         ->excludes(json);
     addRepeatable(command, "--set", arguments->set,
-                  "NAME=VALUE: set one property. A time is any W3CDTF (2024, 2024-02-29, "
-                  "2024-02-29T13:45:59+01:00 …) or now")
+                  "NAME=VALUE: set one property. A time is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
+                  "2024-02-29T13:45:59+01:00 …)")
         ->check(checkAssignment)
         ->excludes(json);
     addRepeatable(command, "--keyword", arguments->keywords,
-                  "TEXT or TEXT:LANGUAGE: a keyword; all that are given take the place of the old ones. "
-                  "A colon at the end says that there is no language")
+                  "TEXT or TEXT:LANGUAGE: a keyword. The given keywords replace all old ones. "
+                  "Write a colon at the end if TEXT has a colon and no language")
         ->excludes(json);
     command->callback([arguments] { arguments->changes() ? change(*arguments) : print(*arguments); });
 }

@@ -118,7 +118,7 @@ void printProperties(const json& description) {
 std::string checkProperty(const std::string& name) {
     if (findField(name))
         return {};
-    std::string problem = name + " is no property; these are";
+    std::string problem = name + " isn't a property; the properties are";
     const char* separator = ": ";
     for (const CorePropertyField& field : CorePropertyField::all()) {
         problem.append(separator).append(field.name());
@@ -133,9 +133,9 @@ std::string checkAssignment(const std::string& assignment) {
     const auto [name, value] = Assignment(assignment);
     const CorePropertyField* const field = findField(name);
     if (field && std::holds_alternative<Keywords>(field->member))
-        return "keywords are set by --keyword";
+        return "set keywords with --keyword";
     if (field && std::holds_alternative<Time>(field->member) && parseTime(value).is_not_a_date_time())
-        return value + " is no time; write 2024-02-29, 2024-02-29T13:45Z, 2024-02-29T13:45:59+01:00 or now";
+        return value + " isn't a time; write 2024-02-29, 2024-02-29T13:45Z, 2024-02-29T13:45:59+01:00 or now";
     return checkProperty(name);
 }
 

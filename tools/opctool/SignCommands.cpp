@@ -78,7 +78,7 @@ Selection selectAll(const Package& package) {
 std::string checkSelector(const std::string& argument) {
     const bool isSound = !argument.empty() && argument.front() == '/' &&
                          argument.find(':') != std::string::npos && argument.back() != ':';
-    return isSound ? "" : "SOURCE begins with a slash, and a colon and a value follow it";
+    return isSound ? "" : "Write SOURCE:VALUE; SOURCE begins with a slash";
 }
 
 /// Where SOURCE ends in SOURCE:TYPE. Both can hold colons: SOURCE is the shortest that is in the package.
@@ -87,7 +87,7 @@ std::size_t findEndOfSource(const Package& package, const std::string& argument)
     for (std::size_t colon = names.find(':'); colon != std::string::npos; colon = names.find(':', colon + 1))
         if (colon == 1 || package.hasPart(PartName(fromArgument(names.substr(0, colon)))))
             return colon;
-    throw opc::Exception("No part of the package is the source in " + argument);
+    throw opc::Exception("The package has no part for the source in " + argument);
 }
 
 RelationshipSelector makeSelector(const std::string& argument, std::size_t colon,
@@ -100,8 +100,8 @@ RelationshipSelector makeSelector(const std::string& argument, std::size_t colon
 void throwIfOfSignatures(const RelationshipSelector& selector, const DigitalSignatureManager& signatures) {
     const auto types = signatures.getManagedRelationshipTypes();
     if (std::find(types.begin(), types.end(), selector.getSelectionCriteria()) != types.end())
-        throw opc::Exception("The relationships of signatures can't be signed by their type; countersign "
-                             "signs them");
+        throw opc::Exception("The relationships of signatures can't be signed by type; use countersign to "
+                             "sign them");
 }
 
 Selection select(const SignArguments& arguments, const Package& package,
@@ -153,11 +153,11 @@ void sign(const SignArguments& arguments) {
     if (!ignored.empty())
         tell(arguments.package.path, "warning: no signature covers what other programs may read: " + ignored);
     if (breaksCountersignature)
-        tell(arguments.package.path, "warning: the countersignature doesn't hold any longer");
+        tell(arguments.package.path, "warning: the countersignature doesn't hold any more");
     if (carriesForeign)
         tell(arguments.package.path,
-             "warning: the package carries signatures in another form, which aren't read: they may not hold "
-             "any longer");
+             "warning: the package has signatures in another form, which aren't read: they may not hold "
+             "any more");
     print(signature);
 }
 
@@ -189,7 +189,7 @@ void unsign(const UnsignArguments& arguments) {
         if (signatures.isPackageCountersigned() &&
             signature.getName() != signatures.getCountersignature().getName())
             throw opc::Exception("A countersignature needs " + arguments.name +
-                                 "; --countersignature removes it first");
+                                 "; remove it first with --countersignature");
         signatures.removeSignature(signature);
     }
     package.save();
@@ -204,18 +204,18 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* what, PackageA
 void addSign(CLI::App& app) {
     const auto arguments = std::make_shared<SignArguments>();
     CLI::App* command = addCommand(app, "sign",
-                                   "Sign a package, or parts and relationships of it, and print the "
-                                   "signature's name.\nWhat a signature protects, opctool coverage says",
+                                   "Sign a package, or parts and relationships of it, and print the name of "
+                                   "the signature.\nopctool coverage says what a signature protects",
                                    arguments->package);
     addSigningOptions(*command, arguments->signing);
-    const char* const group = "What is signed; everything if none is given";
+    const char* const group = "What is signed; without these options, everything";
     addRepeatable(command, "--part", arguments->parts, "A part's name")->group(group);
     addRepeatable(command, "--relationship", arguments->relationships,
-                  "SOURCE:ID: a relationship of a part, or of the package, which is \"/\"")
+                  "SOURCE:ID: one relationship; SOURCE is a part name, or \"/\" for the package")
         ->check(checkSelector)
         ->group(group);
     addRepeatable(command, "--relationship-type", arguments->relationshipTypes,
-                  "SOURCE:TYPE: all relationships of that type")
+                  "SOURCE:TYPE: all relationships of this type")
         ->check(checkSelector)
         ->group(group);
     command->callback([arguments] { sign(*arguments); });
@@ -225,8 +225,8 @@ void addCountersign(CLI::App& app) {
     const auto arguments = std::make_shared<SignArguments>();
     CLI::App* command =
         addCommand(app, "countersign",
-                   "Sign all signatures of a package, and print the countersignature's name.\n"
-                   "A signature that is added later breaks it",
+                   "Sign all signatures of a package, and print the name of the countersignature.\n"
+                   "Adding a signature later breaks it",
                    arguments->package);
     addSigningOptions(*command, arguments->signing);
     command->callback([arguments] { countersign(*arguments); });
@@ -235,11 +235,11 @@ void addCountersign(CLI::App& app) {
 void addUnsign(CLI::App& app) {
     const auto arguments = std::make_shared<UnsignArguments>();
     CLI::App* command = addCommand(app, "unsign", "Remove signatures", arguments->package);
-    CLI::App* which = command->add_option_group("Which", "One of these is removed");
-    which->add_option("NAME", arguments->name, "A signature's name, such as sig1");
-    which->add_flag("--all", arguments->all, "All signatures, also such as can't be read");
+    CLI::App* which = command->add_option_group("Which", "What is removed");
+    which->add_option("NAME", arguments->name, "The name of a signature, such as sig1");
+    which->add_flag("--all", arguments->all, "All signatures, also those that can't be read");
     which->add_flag("--countersignature", arguments->countersignature,
-                    "The countersignature, if there is one");
+                    "The countersignature, if the package has one");
     which->require_option(1);
     command->callback([arguments] { unsign(*arguments); });
 }

@@ -41,7 +41,7 @@ SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySiz
     });
     const SignatureParams params(digest->method, opc::model::keySizeToSignatureMethod(keySize));
     const auto refuse = [](const std::string& what) {
-        throw opc::Exception(what + " is too weak to sign with; --accept-weak does it all the same");
+        throw opc::Exception(what + " is too weak; use --accept-weak to sign with it");
     };
     if (!arguments.trust.acceptWeak && isWeak(params.getSignatureMethod()))
         refuse("An RSA key of " + std::to_string(keySize) + " bits");
@@ -59,7 +59,7 @@ std::string nameOf(DigestMethod method) {
 }
 
 void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
-    CLI::App* signer = command.add_option_group("Signer", "One of these signs");
+    CLI::App* signer = command.add_option_group("Signer", "Who signs");
     CLI::Option* key =
         signer->add_option("--key", arguments.key, "A private RSA key, PEM or DER, without a password")
             ->check(CLI::ExistingFile);
@@ -67,18 +67,19 @@ void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
         signer->add_option("--p12", arguments.bundle, "A PKCS#12 bundle of a key and its certificates")
             ->check(CLI::ExistingFile);
     signer->require_option(1);
-    CLI::Option* certificate = command
-                                   .add_option("--cert", arguments.certificate,
-                                               "The certificate of --key, PEM or DER; further ones that its "
-                                               "file holds join the chain")
-                                   ->check(CLI::ExistingFile)
-                                   ->needs(key);
+    CLI::Option* certificate =
+        command
+            .add_option("--cert", arguments.certificate,
+                        "The certificate of --key, PEM or DER; further certificates in "
+                        "the file are added to the chain")
+            ->check(CLI::ExistingFile)
+            ->needs(key);
     CLI::Option* publicKey =
         command
             .add_option(
                 "--public", arguments.publicKey,
-                "The public half of --key, which goes into the signature; without it and without --cert "
-                "the signature tells nothing of who made it")
+                "The public half of --key, for the signature; without it and without --cert the signature "
+                "says nothing about the signer")
             ->check(CLI::ExistingFile)
             ->needs(key)
             ->excludes(certificate);
@@ -87,10 +88,10 @@ void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
         ->needs(certificate);
     command
         .add_option("--password-file", arguments.passwordFile,
-                    "Its first line is the bundle's password; without it the terminal is asked")
+                    "A file with the password of the bundle in its first line; without it, opctool asks")
         ->check(CLI::ExistingFile)
         ->needs(bundle);
-    command.add_option("--digest", arguments.digest, "The digest")
+    command.add_option("--digest", arguments.digest, "The digest algorithm")
         ->check(CLI::IsMember(digestNames()))
         ->capture_default_str();
     for (CLI::Option* option : addTrustOptions(command, arguments.trust))

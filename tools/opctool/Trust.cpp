@@ -13,13 +13,14 @@ using bedrock::certificates::TrustStore;
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
     command.add_flag(
         "--accept-weak", trust.acceptWeak,
-        "Accept MD5, SHA-1 and RSA keys of 1024 bits, in certificates and revocation lists, too");
-    return {addRepeatable(&command, "--trust", trust.files,
-                          "A file of trusted certificates, PEM or DER; without it the system's")
-                ->check(CLI::ExistingFile),
-            addRepeatable(&command, "--crl", trust.revocationLists,
-                          "A revocation list, PEM or DER; a current one must then cover the signer")
-                ->check(CLI::ExistingFile)};
+        "Accept MD5, SHA-1 and RSA keys of 1024 bits, also in certificates and revocation lists");
+    return {
+        addRepeatable(&command, "--trust", trust.files,
+                      "A file of trusted certificates, PEM or DER; the default is the system's certificates")
+            ->check(CLI::ExistingFile),
+        addRepeatable(&command, "--crl", trust.revocationLists,
+                      "A revocation list, PEM or DER; with this option a current list must cover the signer")
+            ->check(CLI::ExistingFile)};
 }
 
 TrustStore makeTrustStore(const Trust& trust) {

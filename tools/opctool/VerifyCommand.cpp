@@ -198,26 +198,28 @@ void addVerifyCommand(CLI::App& app) {
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* command = app.add_subcommand(
         "verify",
-        "Check the signatures of a package, and tell what none that holds covers. Exit status: 0 all\n"
-        "hold, 1 one doesn't or there are none, 3 one can't be checked. Which signature covers what,\n"
-        "opctool coverage says");
+        "Check the signatures of a package, and list what no valid signature covers. Exit status:\n"
+        "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked. opctool coverage\n"
+        "says which signature covers what");
     addPackage(*command, arguments->package);
     CLI::Option* publicKey =
         command
             ->add_option("--public", arguments->publicKey,
-                         "The signer's public RSA key, PEM or DER; no certificate is looked at then")
+                         "The signer's public RSA key, PEM or DER; certificates are ignored then")
             ->check(CLI::ExistingFile);
     for (CLI::Option* option : addTrustOptions(*command, arguments->trust))
         option->excludes(publicKey);
-    addRepeatable(command, "--fingerprint", arguments->fingerprints,
-                  "SHA-256, hexadecimal: the certificate with it is accepted as it is; without --trust it "
-                  "alone is")
+    addRepeatable(
+        command, "--fingerprint", arguments->fingerprints,
+        "The SHA-256 fingerprint of a certificate, in hexadecimal digits: this certificate is accepted "
+        "unchecked. Without --trust no other certificate is accepted")
         ->check(checkFingerprint)
         ->excludes(publicKey);
-    command->add_option("--signature", arguments->signature, "Check that one alone, such as sig1");
+    command->add_option("--signature", arguments->signature, "Check only this signature, such as sig1");
     command->add_flag(
         "--require-full", arguments->requireFull,
-        "Accept nothing uncovered, changed in content type, or ignored that other programs may read");
+        "Say no if anything is uncovered, has another content type than when it was signed, or is "
+        "ignored although other programs may read it");
     command->add_flag("--json", arguments->json, "Print a JSON array");
     command->callback([arguments] { verify(*arguments); });
 }

@@ -82,8 +82,8 @@ int run(CLI::App& app, int argc, char** argv) {
 int main(int argc, char** argv) {
     opctool::leaveNothingBehindOnSignals();
     CLI::App app(
-        "Looks into packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps, nupkg …),\n"
-        "changes and signs them. Exit status: 0 done, 1 the answer is no, 2 wrong usage, 3 a failure.",
+        "Shows, changes and signs packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps,\n"
+        "nupkg …). Exit status: 0 success, 1 the answer is no, 2 wrong usage, 3 failure.",
         "opctool");
     app.set_version_flag("--version", OPCMODEL_VERSION);
     app.require_subcommand(1);
