@@ -5,12 +5,18 @@
 #include <opc/model/Export.hpp>
 
 /// @file
-/// The error family: one class for each kind of failure, told apart by class.
+/// The exceptions of the library: one class for each kind of failure.
 ///
-/// Every class derives from `opc::Exception` directly, so that a handler for one catches that one alone, and
-/// a handler for `opc::Exception` all of them. They are values, free to be copied to another thread. Where a
-/// failure has a cause in the system, `code()` of `PackageOpenFailed` and `PackageCloseFailed` holds it;
-/// elsewhere it is 0.
+/// Each class derives directly from `opc::Exception`. A handler for one class catches only this class, and a handler
+/// for `opc::Exception` catches all of them. Exceptions are values: copy them freely, also to another thread. Copying
+/// never fails.
+///
+/// `what()` gives a message that is fixed for each kind of failure, and `details()` says where in the document the
+/// failure is. `code()` of `PackageOpenFailed` and `PackageCloseFailed` gives the cause that the system reported; in
+/// all other classes it is 0.
+///
+/// The destructor of each class is defined in the library. So a program has one type information of the class, and
+/// an application catches by class what a shared library throws.
 
 namespace opc::model {
 
@@ -18,26 +24,20 @@ namespace opc::model {
 class OPC_MODEL_EXPORT ContentTypeNotFound : public Exception {
 public:
     explicit ContentTypeNotFound(const std::string& message) : Exception(message) {}
-    ContentTypeNotFound(const ContentTypeNotFound&) = default;
-    ContentTypeNotFound(ContentTypeNotFound&&) = default;
     ~ContentTypeNotFound() override;
 };
 
-/// A content type has no parameter of that attribute.
+/// A content type has no parameter with this attribute.
 class OPC_MODEL_EXPORT ContentTypeParameterNotFound : public Exception {
 public:
     explicit ContentTypeParameterNotFound(const std::string& message) : Exception(message) {}
-    ContentTypeParameterNotFound(const ContentTypeParameterNotFound&) = default;
-    ContentTypeParameterNotFound(ContentTypeParameterNotFound&&) = default;
     ~ContentTypeParameterNotFound() override;
 };
 
-/// Signing or countersigning can't be done.
+/// The package can't be signed or countersigned.
 class OPC_MODEL_EXPORT CouldNotGenerateSignature : public Exception {
 public:
     explicit CouldNotGenerateSignature(const std::string& message) : Exception(message) {}
-    CouldNotGenerateSignature(const CouldNotGenerateSignature&) = default;
-    CouldNotGenerateSignature(CouldNotGenerateSignature&&) = default;
     ~CouldNotGenerateSignature() override;
 };
 
@@ -45,8 +45,6 @@ public:
 class OPC_MODEL_EXPORT CouldNotRemoveSignature : public Exception {
 public:
     explicit CouldNotRemoveSignature(const std::string& message) : Exception(message) {}
-    CouldNotRemoveSignature(const CouldNotRemoveSignature&) = default;
-    CouldNotRemoveSignature(CouldNotRemoveSignature&&) = default;
     ~CouldNotRemoveSignature() override;
 };
 
@@ -54,35 +52,27 @@ public:
 class OPC_MODEL_EXPORT InconsistentPackage : public Exception {
 public:
     explicit InconsistentPackage(const std::string& message) : Exception(message) {}
-    InconsistentPackage(const InconsistentPackage&) = default;
-    InconsistentPackage(InconsistentPackage&&) = default;
     ~InconsistentPackage() override;
 };
 
-/// A text is no content type.
+/// A text isn't a content type.
 class OPC_MODEL_EXPORT InvalidContentType : public Exception {
 public:
     explicit InvalidContentType(const std::string& message) : Exception(message) {}
-    InvalidContentType(const InvalidContentType&) = default;
-    InvalidContentType(InvalidContentType&&) = default;
     ~InvalidContentType() override;
 };
 
-/// A content type's parameter has a bad attribute or value.
+/// A parameter of a content type has an invalid attribute or value.
 class OPC_MODEL_EXPORT InvalidContentTypeParameter : public Exception {
 public:
     explicit InvalidContentTypeParameter(const std::string& message) : Exception(message) {}
-    InvalidContentTypeParameter(const InvalidContentTypeParameter&) = default;
-    InvalidContentTypeParameter(InvalidContentTypeParameter&&) = default;
     ~InvalidContentTypeParameter() override;
 };
 
-/// The content types stream can't be read or written, or would lose elements that weren't read.
+/// The content types stream can't be read or written, or writing it would lose elements that weren't read.
 class OPC_MODEL_EXPORT InvalidContentTypeStream : public Exception {
 public:
     explicit InvalidContentTypeStream(const std::string& message) : Exception(message) {}
-    InvalidContentTypeStream(const InvalidContentTypeStream&) = default;
-    InvalidContentTypeStream(InvalidContentTypeStream&&) = default;
     ~InvalidContentTypeStream() override;
 };
 
@@ -90,26 +80,20 @@ public:
 class OPC_MODEL_EXPORT InvalidCorePropertiesRelationships : public Exception {
 public:
     explicit InvalidCorePropertiesRelationships(const std::string& message) : Exception(message) {}
-    InvalidCorePropertiesRelationships(const InvalidCorePropertiesRelationships&) = default;
-    InvalidCorePropertiesRelationships(InvalidCorePropertiesRelationships&&) = default;
     ~InvalidCorePropertiesRelationships() override;
 };
 
-/// A handle is used whose part or package has gone.
+/// The part of a handle was deleted, or its package was closed.
 class OPC_MODEL_EXPORT InvalidObject : public Exception {
 public:
     explicit InvalidObject(const std::string& message) : Exception(message) {}
-    InvalidObject(const InvalidObject&) = default;
-    InvalidObject(InvalidObject&&) = default;
     ~InvalidObject() override;
 };
 
-/// The XML of a part breaks its format.
+/// The XML of a part isn't valid, or a value can't be written to it.
 class OPC_MODEL_EXPORT InvalidPartContent : public Exception {
 public:
     explicit InvalidPartContent(const std::string& message) : Exception(message) {}
-    InvalidPartContent(const InvalidPartContent&) = default;
-    InvalidPartContent(InvalidPartContent&&) = default;
     ~InvalidPartContent() override;
 };
 
@@ -117,63 +101,49 @@ public:
 class OPC_MODEL_EXPORT InvalidPartName : public Exception {
 public:
     explicit InvalidPartName(const std::string& message) : Exception(message) {}
-    InvalidPartName(const InvalidPartName&) = default;
-    InvalidPartName(InvalidPartName&&) = default;
     ~InvalidPartName() override;
 };
 
-/// The physical layer gives no stream for a part.
+/// The store gives no stream for a part, or the content of the part was deleted.
 class OPC_MODEL_EXPORT InvalidPartStream : public Exception {
 public:
     explicit InvalidPartStream(const std::string& message) : Exception(message) {}
-    InvalidPartStream(const InvalidPartStream&) = default;
-    InvalidPartStream(InvalidPartStream&&) = default;
     ~InvalidPartStream() override;
 };
 
-/// A relationships part can't be read, or would lose elements that weren't read.
+/// A relationships part can't be read or changed, or writing it would lose elements that weren't read.
 class OPC_MODEL_EXPORT InvalidRelationshipContent : public Exception {
 public:
     explicit InvalidRelationshipContent(const std::string& message) : Exception(message) {}
-    InvalidRelationshipContent(const InvalidRelationshipContent&) = default;
-    InvalidRelationshipContent(InvalidRelationshipContent&&) = default;
     ~InvalidRelationshipContent() override;
 };
 
-/// A relationship ID is no `xsd:ID`.
+/// A relationship ID isn't an `xsd:ID`.
 class OPC_MODEL_EXPORT InvalidRelationshipID : public Exception {
 public:
     explicit InvalidRelationshipID(const std::string& message) : Exception(message) {}
-    InvalidRelationshipID(const InvalidRelationshipID&) = default;
-    InvalidRelationshipID(InvalidRelationshipID&&) = default;
     ~InvalidRelationshipID() override;
 };
 
-/// A relationship target breaks the rules.
+/// A relationship target breaks the rules of the standard, or can't be written.
 class OPC_MODEL_EXPORT InvalidRelationshipTarget : public Exception {
 public:
     explicit InvalidRelationshipTarget(const std::string& message) : Exception(message) {}
-    InvalidRelationshipTarget(const InvalidRelationshipTarget&) = default;
-    InvalidRelationshipTarget(InvalidRelationshipTarget&&) = default;
     ~InvalidRelationshipTarget() override;
 };
 
-/// A relationship type is empty, or no `xsd:anyURI`.
+/// A relationship type is empty, or isn't an `xsd:anyURI`.
 class OPC_MODEL_EXPORT InvalidRelationshipType : public Exception {
 public:
     explicit InvalidRelationshipType(const std::string& message) : Exception(message) {}
-    InvalidRelationshipType(const InvalidRelationshipType&) = default;
-    InvalidRelationshipType(InvalidRelationshipType&&) = default;
     ~InvalidRelationshipType() override;
 };
 
-/// A signature is malformed or doesn't verify; the code says why.
+/// A signature is malformed or can't be verified. `getErrorCode` says why.
 class OPC_MODEL_EXPORT InvalidSignature : public Exception {
 public:
     InvalidSignature(const std::string& message, const bedrock::codesigning_verifier::ErrorCode& error)
         : Exception(message), errorCode(error) {}
-    InvalidSignature(const InvalidSignature&) = default;
-    InvalidSignature(InvalidSignature&&) = default;
     ~InvalidSignature() override;
 
     bedrock::codesigning_verifier::ErrorCode getErrorCode() const { return errorCode; }
@@ -182,12 +152,10 @@ private:
     bedrock::codesigning_verifier::ErrorCode errorCode;
 };
 
-/// A text is no URI.
+/// A text isn't a URI.
 class OPC_MODEL_EXPORT InvalidURI : public Exception {
 public:
     explicit InvalidURI(const std::string& message) : Exception(message) {}
-    InvalidURI(const InvalidURI&) = default;
-    InvalidURI(InvalidURI&&) = default;
     ~InvalidURI() override;
 };
 
@@ -195,54 +163,42 @@ public:
 class OPC_MODEL_EXPORT InvalidXMLDocument : public Exception {
 public:
     explicit InvalidXMLDocument(const std::string& message) : Exception(message) {}
-    InvalidXMLDocument(const InvalidXMLDocument&) = default;
-    InvalidXMLDocument(InvalidXMLDocument&&) = default;
     ~InvalidXMLDocument() override;
 };
 
-/// A schema of the library doesn't load.
+/// A schema of the library can't be loaded.
 class OPC_MODEL_EXPORT InvalidXMLSchema : public Exception {
 public:
     explicit InvalidXMLSchema(const std::string& message) : Exception(message) {}
-    InvalidXMLSchema(const InvalidXMLSchema&) = default;
-    InvalidXMLSchema(InvalidXMLSchema&&) = default;
     ~InvalidXMLSchema() override;
 };
 
-/// A signature has an element that isn't supported.
+/// A signature has an element that the library doesn't support.
 class OPC_MODEL_EXPORT NotImplemented : public Exception {
 public:
     explicit NotImplemented(const std::string& message) : Exception(message) {}
-    NotImplemented(const NotImplemented&) = default;
-    NotImplemented(NotImplemented&&) = default;
     ~NotImplemented() override;
 };
 
-/// An open package is opened again, or given a new data manager.
+/// The operation needs a closed package: opening it, or adding a data manager.
 class OPC_MODEL_EXPORT PackageAlreadyOpen : public Exception {
 public:
     explicit PackageAlreadyOpen(const std::string& message) : Exception(message) {}
-    PackageAlreadyOpen(const PackageAlreadyOpen&) = default;
-    PackageAlreadyOpen(PackageAlreadyOpen&&) = default;
     ~PackageAlreadyOpen() override;
 };
 
-/// The physical layer fails to close.
+/// The store can't be closed.
 class OPC_MODEL_EXPORT PackageCloseFailed : public Exception {
 public:
     PackageCloseFailed(const std::string& message, boost::system::error_code code)
         : Exception(message, code) {}
-    PackageCloseFailed(const PackageCloseFailed&) = default;
-    PackageCloseFailed(PackageCloseFailed&&) = default;
     ~PackageCloseFailed() override;
 };
 
-/// The operation is refused while a package is being created.
+/// The operation isn't possible in a package that was opened `CreateOnly`.
 class OPC_MODEL_EXPORT PackageCreateOnly : public Exception {
 public:
     explicit PackageCreateOnly(const std::string& message) : Exception(message) {}
-    PackageCreateOnly(const PackageCreateOnly&) = default;
-    PackageCreateOnly(PackageCreateOnly&&) = default;
     ~PackageCreateOnly() override;
 };
 
@@ -250,8 +206,6 @@ public:
 class OPC_MODEL_EXPORT PackageNotFound : public Exception {
 public:
     explicit PackageNotFound(const std::string& message) : Exception(message) {}
-    PackageNotFound(const PackageNotFound&) = default;
-    PackageNotFound(PackageNotFound&&) = default;
     ~PackageNotFound() override;
 };
 
@@ -259,135 +213,105 @@ public:
 class OPC_MODEL_EXPORT PackageNotOpen : public Exception {
 public:
     explicit PackageNotOpen(const std::string& message) : Exception(message) {}
-    PackageNotOpen(const PackageNotOpen&) = default;
-    PackageNotOpen(PackageNotOpen&&) = default;
     ~PackageNotOpen() override;
 };
 
-/// The physical layer fails to open or to list its parts.
+/// The store can't be opened, or can't list its parts.
 class OPC_MODEL_EXPORT PackageOpenFailed : public Exception {
 public:
     PackageOpenFailed(const std::string& message, boost::system::error_code code)
         : Exception(message, code) {}
-    PackageOpenFailed(const PackageOpenFailed&) = default;
-    PackageOpenFailed(PackageOpenFailed&&) = default;
     ~PackageOpenFailed() override;
 };
 
-/// The physical layer is denied permission when it closes.
+/// The store has no permission to write the package when it is closed.
 class OPC_MODEL_EXPORT PackagePermissionDenied : public Exception {
 public:
     explicit PackagePermissionDenied(const std::string& message) : Exception(message) {}
-    PackagePermissionDenied(const PackagePermissionDenied&) = default;
-    PackagePermissionDenied(PackagePermissionDenied&&) = default;
     ~PackagePermissionDenied() override;
 };
 
-/// The operation is refused on a package opened to read.
+/// The operation isn't possible in a package that was opened `ReadOnly`.
 class OPC_MODEL_EXPORT PackageReadOnly : public Exception {
 public:
     explicit PackageReadOnly(const std::string& message) : Exception(message) {}
-    PackageReadOnly(const PackageReadOnly&) = default;
-    PackageReadOnly(PackageReadOnly&&) = default;
     ~PackageReadOnly() override;
 };
 
-/// A part of that name exists.
+/// A part with this name exists already.
 class OPC_MODEL_EXPORT PartAlreadyExists : public Exception {
 public:
     explicit PartAlreadyExists(const std::string& message) : Exception(message) {}
-    PartAlreadyExists(const PartAlreadyExists&) = default;
-    PartAlreadyExists(PartAlreadyExists&&) = default;
     ~PartAlreadyExists() override;
 };
 
-/// The physical layer fails to create a part.
+/// The store can't create a part.
 class OPC_MODEL_EXPORT PartCreateFailed : public Exception {
 public:
     explicit PartCreateFailed(const std::string& message) : Exception(message) {}
-    PartCreateFailed(const PartCreateFailed&) = default;
-    PartCreateFailed(PartCreateFailed&&) = default;
     ~PartCreateFailed() override;
 };
 
-/// The physical layer fails to delete a part.
+/// The store can't delete a part.
 class OPC_MODEL_EXPORT PartDeleteFailed : public Exception {
 public:
     explicit PartDeleteFailed(const std::string& message) : Exception(message) {}
-    PartDeleteFailed(const PartDeleteFailed&) = default;
-    PartDeleteFailed(PartDeleteFailed&&) = default;
     ~PartDeleteFailed() override;
 };
 
-/// A part can't be given the name of a relationships part.
+/// The name of a new part is that of a relationships part.
 class OPC_MODEL_EXPORT PartHasRelationshipName : public Exception {
 public:
     explicit PartHasRelationshipName(const std::string& message) : Exception(message) {}
-    PartHasRelationshipName(const PartHasRelationshipName&) = default;
-    PartHasRelationshipName(PartHasRelationshipName&&) = default;
     ~PartHasRelationshipName() override;
 };
 
-/// A name lies above or below the name of another part [M1.11].
+/// A part name is derived from the name of another part, or the other way round [M1.11]: `/a` and `/a/b`.
 class OPC_MODEL_EXPORT PartIsDerivedFromExistingPartName : public Exception {
 public:
     explicit PartIsDerivedFromExistingPartName(const std::string& message) : Exception(message) {}
-    PartIsDerivedFromExistingPartName(const PartIsDerivedFromExistingPartName&) = default;
-    PartIsDerivedFromExistingPartName(PartIsDerivedFromExistingPartName&&) = default;
     ~PartIsDerivedFromExistingPartName() override;
 };
 
-/// There is no part of that name.
+/// There is no part with this name.
 class OPC_MODEL_EXPORT PartNotFound : public Exception {
 public:
     explicit PartNotFound(const std::string& message) : Exception(message) {}
-    PartNotFound(const PartNotFound&) = default;
-    PartNotFound(PartNotFound&&) = default;
     ~PartNotFound() override;
 };
 
-/// A relationship ID is in use.
+/// The source has a relationship with this ID already.
 class OPC_MODEL_EXPORT RelationshipAlreadyExists : public Exception {
 public:
     explicit RelationshipAlreadyExists(const std::string& message) : Exception(message) {}
-    RelationshipAlreadyExists(const RelationshipAlreadyExists&) = default;
-    RelationshipAlreadyExists(RelationshipAlreadyExists&&) = default;
     ~RelationshipAlreadyExists() override;
 };
 
-/// There is no relationship of that ID.
+/// The source has no relationship with this ID.
 class OPC_MODEL_EXPORT RelationshipNotFound : public Exception {
 public:
     explicit RelationshipNotFound(const std::string& message) : Exception(message) {}
-    RelationshipNotFound(const RelationshipNotFound&) = default;
-    RelationshipNotFound(RelationshipNotFound&&) = default;
     ~RelationshipNotFound() override;
 };
 
-/// There is no such signature, origin or countersignature.
+/// The package has no such signature, origin part or countersignature.
 class OPC_MODEL_EXPORT SignatureNotFound : public Exception {
 public:
     explicit SignatureNotFound(const std::string& message) : Exception(message) {}
-    SignatureNotFound(const SignatureNotFound&) = default;
-    SignatureNotFound(SignatureNotFound&&) = default;
     ~SignatureNotFound() override;
 };
 
-/// `relativize` can't be done on these URIs.
+/// `relativize` doesn't support these URIs.
 class OPC_MODEL_EXPORT UnsupportedRelativize : public Exception {
 public:
     explicit UnsupportedRelativize(const std::string& message) : Exception(message) {}
-    UnsupportedRelativize(const UnsupportedRelativize&) = default;
-    UnsupportedRelativize(UnsupportedRelativize&&) = default;
     ~UnsupportedRelativize() override;
 };
 
-/// `resolve` can't be done on these URIs.
+/// `resolve` doesn't support these URIs.
 class OPC_MODEL_EXPORT UnsupportedResolve : public Exception {
 public:
     explicit UnsupportedResolve(const std::string& message) : Exception(message) {}
-    UnsupportedResolve(const UnsupportedResolve&) = default;
-    UnsupportedResolve(UnsupportedResolve&&) = default;
     ~UnsupportedResolve() override;
 };
 
