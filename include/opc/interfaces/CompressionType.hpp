@@ -4,14 +4,14 @@
 
 namespace opc::interfaces {
 
-/// How the content of a part should be compressed: advice to the physical layer (ECMA-376 Part 2, growth and
-/// compression hints). Stores that don't compress take no notice.
+/// How a store should compress the content of a part (ECMA-376 Part 2, growth and compression hints). This is a hint:
+/// stores that don't compress ignore it.
 enum class CompressionType : std::uint32_t {
-    None = 0,      ///< stored as it is
-    Normal = 1,    ///< the usual balance; what the library uses for the parts that it makes itself
-    Maximum = 2,   ///< smallest size
+    None = 0,      ///< not compressed
+    Normal = 1,    ///< balances size and time; used for the parts that the library creates itself
+    Maximum = 2,   ///< the smallest size
     Fast = 3,      ///< less time
-    SuperFast = 4, ///< least time
+    SuperFast = 4, ///< the least time
 };
 
 } // namespace opc::interfaces

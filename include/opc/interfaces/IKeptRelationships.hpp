@@ -4,21 +4,24 @@
 
 namespace opc::interfaces {
 
-/// What a relationships part keeps beside the relationships that its input stream gives.
+/// Relationships that a relationships part keeps although its input stream doesn't contain them.
 ///
-/// A store that takes damaged packages may leave single relationships out of what it gives to read, and keep them when
-/// the part is written. Its relationships part then has this interface beside `IPhysicalPart`; all others do without.
-/// Asked from when the input stream has been read until the part is deleted. Raises nothing but `std::bad_alloc`.
+/// A store that opens damaged packages can leave single relationships out of the input stream and keep them when the
+/// part is written. The class of such a relationships part implements this interface in addition to `IPhysicalPart`;
+/// the library finds it with `dynamic_cast`. Other stores don't need it.
+///
+/// The library calls these functions after it has read the input stream, until the part is deleted. They throw
+/// nothing but `std::bad_alloc`.
 class IKeptRelationships {
 public:
-    /// Whether a relationship that isn't given has an ID: no other one gets it.
+    /// Whether a relationship outside the input stream has this ID. The ID is then in use.
     virtual bool hasKeptID(const std::u16string& id) const = 0;
 
-    /// Whether there is anything that isn't given; asked once, when the stream has been read. If there is, the part
-    /// stays when its last given relationship goes, and is written without any.
+    /// Whether the part keeps anything outside the input stream; called once, when the stream has been read. If so,
+    /// the part stays when its last other relationship is deleted, and is then written without relationships.
     virtual bool keepsMore() const = 0;
 
-    /// Why the relationships can't be changed, in English; empty if they can.
+    /// @return why the relationships can't be changed, in English; empty if they can be changed
     virtual std::string whyFixed() const = 0;
 
     virtual ~IKeptRelationships() = default;

@@ -14,59 +14,64 @@ class IPhysicalOutputStream;
 class IPhysicalPart;
 class IPhysicalPartInfo;
 
-/// The store under a package: a ZIP container, a database, memory, whatever the application brings.
+/// The store of a package: a ZIP archive, a database, memory, or whatever the application implements.
 ///
-/// The application owns it and keeps it alive longer than the `opc::model::Package` on it. All pointers that
-/// it hands out stay its own, and none of them, nor of those that its parts hand out, is ever null: what can't
-/// be given is a failure. It is used by one thread at a time. Every failure is an `opc::Exception`, with the
-/// cause as a code of the generic category where there is one.
+/// The application owns the store and keeps it alive longer than the `opc::model::Package` that uses it. The store owns
+/// every object that it returns by pointer, and so do its parts. It never returns a null pointer: it throws instead. One
+/// thread uses it at a time. Every failure is an `opc::Exception`; if the system reported a cause, its code is in the
+/// generic category.
 class IPhysicalPackage {
 public:
     virtual ~IPhysicalPackage() = default;
 
-    /// Whether the package has one content types stream. If not, each part knows its own content type.
-    /// Asked after `open`.
+    /// Whether the package has one content types stream. If not, each part has its own content type.
+    /// Called after `open`.
     virtual bool usesContentTypeStream() = 0;
 
-    /// The content types stream. Asked once at open, unless the package is being created.
+    /// Gives the content types stream. Called once while the package is opened, unless it is opened `CreateOnly`.
     virtual IPhysicalInputStream* getContentTypeInputStream() = 0;
 
-    /// Replaces the content types stream; the library closes it when it has written it. Not asked for when the
-    /// content types haven't changed: the old stream stays.
+    /// Replaces the content types stream. The library writes it completely and closes it. If the content types haven't
+    /// changed, this isn't called and the old stream stays.
     virtual IPhysicalOutputStream* getContentTypeOutputStream() = 0;
 
-    /// Every part, relationships parts included.
+    /// Gives all parts, including relationships parts.
     virtual std::vector<IPhysicalPart*> getParts() = 0;
 
-    /// Called first of all. A package that doesn't exist raises a code equivalent to
-    /// no_such_file_or_directory, unless it is opened `CreateOnly`: then it starts empty, and takes the place
-    /// of one that exists when it is closed.
+    /// Opens the package; called before all other functions. With `CreateOnly` the package is empty, and replaces an
+    /// existing one when it is closed.
+    /// @throws opc::Exception  the package can't be opened. If it doesn't exist, the code is equivalent to
+    ///                         no_such_file_or_directory
     virtual void open(const OpenMode& mode) = 0;
 
-    /// Makes the package final or, with `abandon`, drops every change since `open`.
-    /// A denied permission raises a code equivalent to permission_denied. After a failure the package is
-    /// still open.
+    /// Makes all changes final and closes the package. After a failure the package is still open.
+    /// @param abandon  true to drop all changes since `open` instead
+    /// @throws opc::Exception  the package can't be written. If the permission is denied, the code is equivalent to
+    ///                         permission_denied
     virtual void close(bool abandon) = 0;
 
-    /// A new part, empty. If a part of that name exists already, its content is replaced.
+    /// Creates an empty part. If a part with this name exists, its content is replaced.
     ///
-    /// The model hands in names that keep the grammar of part names (ECMA-376 Part 2): a slash and a segment, once or
-    /// more, and each segment one or more pchar of RFC 3986, so in US-ASCII and without blanks. None differs from
-    /// another part's in letter case alone, and none but those of relationships parts has their form, in whatever
-    /// case. Only the relationships part of a part that the store itself named otherwise has other characters. The
-    /// content type is text in printable US-ASCII. A store that can't keep a name refuses it here: it must come back
-    /// from the next `open` as it is.
-    /// @param contentType  for a store without a content types stream: what its part gives from then on
+    /// The name follows the grammar of part names (ECMA-376 Part 2): one or more segments, each after a slash, and each
+    /// of one or more pchar of RFC 3986. So it is in US-ASCII and has no blanks. It differs from the names of all other
+    /// parts in more than letter case. Only relationships parts have a name of the form of relationships parts, in any
+    /// letter case. If the store itself has given a part another kind of name, the name of its relationships part has
+    /// the same characters. A store that can't keep a name throws here: after the next `open` the name must be the same.
+    /// @param contentType  in printable US-ASCII. A store without a content types stream keeps it with the part
+    /// @param info         hints of the creator; valid during the call
+    /// @throws opc::Exception  the part can't be created
     virtual IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                       const IPhysicalPartInfo& info) = 0;
 
+    /// Deletes a part and its content.
+    /// @throws opc::Exception  the part can't be deleted
     virtual void deletePart(const std::u16string& name) = 0;
 
-    /// What the open package holds beside its parts and another program could take for content. No signature
-    /// covers it: who judges signatures is told of it. A store without such things leaves this as it is.
+    /// Lists what the open package contains beside its parts and another program could take for content. No signature
+    /// covers it, so the verdict on the signatures mentions it. Stores without such things don't override this.
     virtual std::vector<IgnoredItem> getIgnoredItems() { return {}; }
 
-    /// What the open package has that breaks the standard and was taken all the same. A strict store has none.
+    /// Lists what breaks the standard in the open package and was accepted. A strict store has none.
     virtual std::vector<Oddity> getOddities() { return {}; }
 };
 

@@ -7,16 +7,16 @@
 
 namespace opc::interfaces {
 
-/// What the creator of a part tells the physical layer about it. Read within `IPhysicalPackage::createPart`
-/// alone.
+/// Hints that the creator of a part gives to the store. The store reads them only during
+/// `IPhysicalPackage::createPart`.
 class IPhysicalPartInfo {
 public:
     virtual CompressionType getCompressionType() const = 0;
 
-    /// Bytes to reserve for the part to grow into.
+    /// How many bytes to reserve for the growth of the part.
     virtual std::uint64_t getGrowthHint() const = 0;
 
-    /// Whatever the application and its physical layer have agreed on under `key`; null if nothing.
+    /// @return what application and store have agreed on for `key`; null for nothing
     virtual void* getExtraInfo(const std::u16string& key) const = 0;
 
     virtual ~IPhysicalPartInfo() = default;

@@ -4,13 +4,14 @@
 
 namespace opc::interfaces {
 
-/// What a part of a store that knows sizes without reading implements beside `IPhysicalPart`, as a second base of
-/// the same class: the library looks for it by `dynamic_cast`. Stores without it need nothing.
+/// The size of a part, for stores that know it without reading the content. The class of the part implements this
+/// interface in addition to `IPhysicalPart`; the library finds it with `dynamic_cast`. Other stores don't need it.
 class IPhysicalPartSize {
 public:
-    /// The bytes that an input stream gives which is got now: the content as the package was opened with it or, once
-    /// it has been written, what has been written so far. The size that the store has noted counts; whether the
-    /// content has it, reading finds out. Failures are `opc::Exception`.
+    /// How many bytes a new input stream gives: those of the stored content or, if the part has been written, those
+    /// written so far. The store gives the size that it has recorded, without reading the content: if the recorded size
+    /// is wrong, reading fails.
+    /// @throws opc::Exception
     virtual std::uint64_t getSize() const = 0;
 
     virtual ~IPhysicalPartSize() = default;

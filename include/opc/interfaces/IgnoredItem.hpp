@@ -4,10 +4,10 @@
 
 namespace opc::interfaces {
 
-/// Something that a store holds beside the parts of a package.
+/// Something that a package contains beside its parts.
 struct IgnoredItem {
-    std::u16string name; ///< as the store calls it
-    std::string reason;  ///< why it is no part, in English
+    std::u16string name; ///< the name in the store
+    std::string reason;  ///< why it isn't a part, in English
 };
 
 } // namespace opc::interfaces

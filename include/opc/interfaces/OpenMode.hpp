@@ -6,9 +6,9 @@ namespace opc::interfaces {
 
 /// How a package is opened.
 enum class OpenMode : std::uint32_t {
-    ReadOnly = 0,   ///< an existing package, to read
-    CreateOnly = 1, ///< a new package: nothing to read, and nothing can be deleted
-    ReadWrite = 2,  ///< an existing package, to read and change
+    ReadOnly = 0,   ///< an existing package, for reading
+    CreateOnly = 1, ///< a new, empty package; nothing can be deleted from it
+    ReadWrite = 2,  ///< an existing package, for reading and changing
 };
 
 } // namespace opc::interfaces

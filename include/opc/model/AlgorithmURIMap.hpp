@@ -10,8 +10,8 @@
 
 namespace opc::model {
 
-/// The algorithms that have an identifier in a signature part. A digest and the RSA signature with that
-/// digest stand 6 apart, in the order of `DigestMethod`.
+/// The algorithms that have an identifier in a signature part. The digests are in the order of `DigestMethod`. The RSA
+/// signature with a digest has the number of the digest plus 6.
 enum class AlgorithmTag : std::uint32_t {
     TagMD5 = 0,
     TagSHA1 = 1,
@@ -28,26 +28,29 @@ enum class AlgorithmTag : std::uint32_t {
     TagC14N = 12,
 };
 
-/// Maps algorithms to the identifiers that XML Signature, XML Encryption, RFC 6931 and Canonical XML 1.0
-/// give them, and back. Identifiers are compared code unit by code unit.
+/// Maps algorithms to their identifiers in XML Signature, XML Encryption, RFC 6931 and Canonical XML 1.0, and back.
+/// Identifiers are compared code unit by code unit.
 ///
-/// Static operations on a constant table, free for any thread. All failures are `opc::Exception`.
+/// All functions are static and can be called from any thread. All failures are `opc::Exception`.
 class OPC_MODEL_EXPORT AlgorithmURIMap {
 public:
+    /// @return the identifier of an algorithm
     static std::u16string getAlgorithmURI(AlgorithmTag tag);
 
-    /// @throws opc::Exception  for a value that has no name
+    /// @return the identifier of a digest
+    /// @throws opc::Exception  `digest` isn't a value of the enumeration
     static std::u16string getAlgorithmURI(DigestMethod digest);
 
-    /// The identifier of RSA signatures with that digest, which says nothing about the size of the key.
-    /// @throws opc::Exception  for `NoKey`, and for values that have no name
+    /// @return the identifier of RSA signatures with this digest; it doesn't contain the size of the key
+    /// @throws opc::Exception  `signature` is `NoKey`, or an argument isn't a value of its enumeration
     static std::u16string getAlgorithmURI(DigestMethod digest, SignatureMethod signature);
 
-    /// @throws opc::Exception  if `uri` isn't the identifier of a digest
+    /// @return the digest with this identifier
+    /// @throws opc::Exception  `uri` isn't the identifier of a digest
     static DigestMethod getDigestMethod(const std::u16string& uri);
 
-    /// The digest of a signature, and `RSA2048` always: only a key tells its size.
-    /// @throws opc::Exception  if `uri` isn't the identifier of a signature
+    /// @return the digest of a signature method, and always `RSA2048`: the identifier doesn't contain the size of the key
+    /// @throws opc::Exception  `uri` isn't the identifier of a signature method
     static std::pair<DigestMethod, SignatureMethod> getSigningParameters(const std::u16string& uri);
 
 private:

@@ -8,52 +8,54 @@
 
 namespace opc::model {
 
-/// The media type of a part: a type, a subtype and parameters, as "text/xml;charset=utf-8".
+/// The media type of a part: a type, a subtype and parameters, such as "text/xml;charset=utf-8".
 ///
-/// It always holds the canonical text made from these: parameters sorted by name, values in quotes only where
-/// they need them, no blanks outside quotes. Comparisons look at that text without regard to the case of
-/// ASCII letters, parameter values included. Names of parameters are unique without regard to case; the first
-/// spelling stays.
+/// The canonical text has its parameters sorted by name, quotes only around values that need them, and no blanks outside
+/// quotes. Comparisons use the canonical text and ignore the case of ASCII letters, also in the values of parameters.
+/// Parameter names are unique, ignoring case; the first spelling stays.
 ///
-/// A value: copies share one body until one of them changes, and may be used on different threads. One object
-/// serves one thread at a time.
+/// A value type. Copies share their data until one of them changes, and different threads can use different copies. Use
+/// one object from one thread at a time.
 class OPC_MODEL_EXPORT ContentType {
 public:
-    /// @param contentType  type "/" subtype and any number of ";" attribute "=" value. Blanks may stand round a
-    ///                     semicolon only. The last value of a repeated attribute counts
-    /// @throws InvalidContentType  if it is anything else
+    /// @param contentType  type "/" subtype, and any number of ";" attribute "=" value. Blanks are allowed only around
+    ///                     semicolons. If an attribute is repeated, its last value counts
+    /// @throws InvalidContentType  `contentType` has another form
     explicit ContentType(const std::u16string& contentType);
 
-    /// @param contentType  ends in a zero; null counts as the empty text, which is no content type
-    /// @throws InvalidContentType  as above
+    /// @param contentType  a zero-terminated text, as above
+    /// @throws InvalidContentType  `contentType` is null or has another form
     explicit ContentType(const char16_t* contentType);
 
-    // No move: every value holds a canonical text, one that was moved from too.
+    // There is no move: a moved-from value would have no canonical text.
     ContentType(const ContentType&) = default;
     ContentType& operator=(const ContentType&) = default;
     ~ContentType() = default;
 
     /// The canonical text.
     std::u16string toString() const;
-    /// Type and subtype, in the letter case in which they were given.
+
+    /// The type and the subtype in their original letter case.
     std::u16string getType() const;
     std::u16string getSubType() const;
 
     bool hasParameter(const std::u16string& attribute) const;
-    /// @throws ContentTypeParameterNotFound  without such a parameter
+
+    /// @return the value without quotes
+    /// @throws ContentTypeParameterNotFound
     std::u16string getParameterValue(const std::u16string& attribute) const;
 
-    /// Adds a parameter, or gives the one of that attribute another value.
-    /// @param attribute  one or more printable ASCII characters, but no blank and none of ()<>@,;:\"/[]?={}
-    /// @param value      one or more printable ASCII characters. With a double quote among them, a constructor
-    ///                   refuses the canonical text, or reads it as other parameters
-    /// @throws InvalidContentTypeParameter  if either is anything else; nothing has changed then
+    /// Adds a parameter, or changes the value of an existing one.
+    /// @param attribute  one or more printable ASCII characters except the blank and ()<>@,;:\"/[]?={}
+    /// @param value      one or more printable ASCII characters. If there is a double quote among them, the canonical
+    ///                   text can't be read again: see `canBeReadAgain`
+    /// @throws InvalidContentTypeParameter  an argument has another form; the object doesn't change
     void addParameter(const std::u16string& attribute, const std::u16string& value);
 
-    /// @throws ContentTypeParameterNotFound  without such a parameter
+    /// @throws ContentTypeParameterNotFound
     void removeParameter(const std::u16string& attribute);
 
-    /// Whether a constructor makes the same of the canonical text: no value of a parameter has a double quote.
+    /// Whether the constructor makes an equal value from the canonical text: no parameter value has a double quote.
     bool canBeReadAgain() const;
 
     bool operator==(const ContentType& other) const;

@@ -10,12 +10,12 @@ namespace opc::model {
 
 class SchemaType;
 
-/// Tells of single values whether a content types stream that has them can be read. For stores that leave out entries
-/// that can't, so that the other entries can be read.
+/// Checks single values of a content types stream. A store can use it to leave out the entries that make a stream
+/// unreadable, so that the other entries can be read.
 ///
-/// The checks are those of reading itself, by the schema of the stream and beyond it. Values come with their entities
-/// and character references replaced; what is returned says what is wrong, in English ("Extension is empty"), and is
-/// empty if the value can be read. One object serves one thread at a time.
+/// The checks are the same as when the stream is read: the schema, and the rules beyond the schema. Pass values with
+/// entities and character references replaced. Each function returns what is wrong, in English ("Extension is empty"),
+/// or an empty text if the value can be read. Use one object from one thread at a time.
 class OPC_MODEL_EXPORT ContentTypeRules {
 public:
     ContentTypeRules();
@@ -27,11 +27,12 @@ public:
     static std::string findDefectOfPartName(std::u16string_view partName);
     std::string findDefectOfContentType(std::u16string_view contentType);
 
-    /// A part name as reading gives it: runs of white space are one blank each, and none stands at the ends.
+    /// @return the part name as it is read: each run of white space becomes one blank, and white space at both ends is
+    ///         removed
     static std::u16string readPartName(std::u16string_view partName);
 
 private:
-    std::unique_ptr<SchemaType> contentTypePattern; ///< null until it is needed
+    std::unique_ptr<SchemaType> contentTypePattern; ///< null until first used
 };
 
 } // namespace opc::model

@@ -11,22 +11,22 @@
 
 namespace opc::model {
 
-/// The metadata of a package: its title, creator, dates and so on.
+/// The metadata of a package: its title, creator, dates and so on. `PackageHelper` reads it from a package and writes it
+/// into one.
 ///
-/// A plain value, free to be copied to another thread. Each field is absent until it is set; an empty text is
-/// a value. `clear` makes all fields absent, and `CorePropertyField` a single one. `PackageHelper` reads
-/// it from a package and writes it into one.
+/// A value type; copies can go to other threads. Each field is absent until it is set; an empty text is a value. `clear`
+/// makes all fields absent, and `CorePropertyField` a single one.
 ///
-/// Nothing is checked here: what a file can't hold is refused in writing. White space at the end of a keyword doesn't
-/// survive a file. Every getter gives a copy: keep it in a variable to walk through the keywords.
+/// Setters check nothing: a value that a file can't hold is refused when it is written. A file drops white space at the
+/// end of a keyword. Every getter returns a copy: store it in a variable before you iterate over the keywords.
 class OPC_MODEL_EXPORT CoreProperties {
 public:
     using Text = boost::optional<std::u16string>;
 
-    /// In UTC. A file keeps whole seconds; a special value such as not-a-date-time isn't written.
+    /// In UTC. A file keeps whole seconds. Special values such as not-a-date-time aren't written.
     using Time = boost::optional<boost::posix_time::ptime>;
 
-    /// Each keyword with its language, such as "en-GB", which is empty for none.
+    /// Each keyword with its language, such as "en-GB"; empty for no language.
     using KeywordList = std::vector<std::pair<std::u16string, std::u16string>>;
     using Keywords = boost::optional<KeywordList>;
 
@@ -41,25 +41,25 @@ public:
     /// Whether all fields are absent.
     bool isEmpty() const;
 
-    /// A sort of thing, such as "Letter" or "Resume".
+    /// The kind of document, such as "Letter" or "Resume".
     Text getCategory() const { return category; }
 
-    /// Such as "Draft" or "Final".
+    /// The status, such as "Draft" or "Final".
     Text getContentStatus() const { return contentStatus; }
 
     Time getCreated() const { return created; }
     Text getCreator() const { return creator; }
 
-    /// An abstract, a table of contents and the like.
+    /// An abstract, a table of contents or the like.
     Text getDescription() const { return description; }
 
     /// An unambiguous name of the content.
     Text getIdentifier() const { return identifier; }
 
-    /// In a file an empty list is the same as none.
+    /// A file doesn't distinguish an empty list from an absent one.
     Keywords getKeywords() const { return keywords; }
 
-    /// The language of the content, as RFC 3066 writes it.
+    /// The language of the content, as a tag of RFC 3066.
     Text getLanguage() const { return language; }
 
     Text getLastModifiedBy() const { return lastModifiedBy; }

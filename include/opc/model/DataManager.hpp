@@ -9,41 +9,39 @@ namespace opc::model {
 
 class Package;
 
-/// The base of what looks after data of a package that stand in parts and relationships of their own.
+/// The base of classes that manage data which have their own parts and relationships in a package, such as signatures.
 ///
-/// Made between the construction of its package and `Package::open` (or after a `close`), and destroyed
-/// before the package: the package keeps a plain pointer to it and there is no check. Used by the package's
-/// thread.
+/// Create a data manager while its package is closed, and destroy it before the package: the package keeps a plain
+/// pointer to it, and nothing checks this. Use it in the thread of the package.
 ///
-/// A derived class calls `load` at the head of each operation that needs its data, and `markAsDirty` after
-/// each that changes them. The package then has it save when the package is closed, before anything else is
-/// written.
+/// A derived class calls `load` at the start of each operation that needs the data, and `markAsDirty` after each
+/// operation that changes them. When the package is closed, it calls `doSave` before it writes anything else.
 class OPC_MODEL_EXPORT DataManager {
 public:
     DataManager(const DataManager&) = delete;
     DataManager& operator=(const DataManager&) = delete;
 
-    /// The part names that this manager keeps for itself; `ExcludeManaged` leaves them out.
+    /// The names of the parts that this manager manages. `ExcludeManaged` leaves them out of lists.
     std::vector<std::u16string> getManagedPartNames() const { return doGetManagedPartNames(); }
 
-    /// The relationship types that this manager keeps for itself; `ExcludeManaged` leaves them out.
+    /// The types of the relationships that this manager manages. `ExcludeManaged` leaves them out of lists.
     std::vector<std::u16string> getManagedRelationshipTypes() const {
         return doGetManagedRelationshipTypes();
     }
 
 protected:
-    /// Registers with `package`, which isn't owned.
-    /// @param loadOnOpen  whether the data are read when the package is opened, not when they are first
-    /// needed
-    /// @throws PackageAlreadyOpen
+    /// Registers with `package`, without owning it.
+    /// @param loadOnOpen  true to read the data when the package is opened; false to read them when they are first
+    ///                    needed
+    /// @throws PackageAlreadyOpen  the package is open
     DataManager(Package& package, bool loadOnOpen);
     virtual ~DataManager();
 
-    /// Reads the data, unless that has been done since the package was opened. If it fails, the next call
-    /// tries again.
+    /// Reads the data, unless they have been read since the package was opened. After a failure the next call tries
+    /// again.
     void load();
 
-    /// From now on the data here count, not those in the package.
+    /// Says that the data have changed: the next `close` of the package saves them.
     void markAsDirty() noexcept;
 
     Package& getPackage() const noexcept { return *package; }

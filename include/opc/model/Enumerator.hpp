@@ -4,12 +4,12 @@
 
 namespace opc::model {
 
-/// A snapshot of parts, relationships or names, to be walked from the first element to the last.
+/// A snapshot of parts, relationships or names, for iteration.
 ///
-/// A value that owns its elements: later changes of the package don't reach it. Elements that are handles, as
-/// `Part` is, still learn that what they stand for has gone.
+/// It owns its elements, so later changes of the package don't change it. Elements that are handles, such as `Part`, still
+/// become invalid when their part is deleted.
 ///
-/// @tparam Container  what holds the elements, such as `std::vector<Part>`
+/// @tparam Container  the container of the elements, such as `std::vector<Part>`
 template <typename Container>
 class Enumerator {
 public:

@@ -36,110 +36,112 @@ class RelationshipSerializer;
 
 /// A package in the Open Packaging Conventions: the root of the object model.
 ///
-/// Stands for what one physical package holds, which the application makes, keeps and hands in. Its parts are
-/// found here; its own relationships come with the base class, their source being the package root "/".
-/// Nothing is written before `close(false)`, and the destructor writes nothing. A closed package may be
-/// opened again.
+/// The application creates a store, which holds the bytes, and passes it to the package. The package gives access to its
+/// parts and, through the base class, to its own relationships, whose source is the package root "/". Nothing is written
+/// before `close(false)`, and the destructor writes nothing. A closed package can be opened again.
 ///
-/// A package, all handles on it and its data managers serve one thread at a time.
+/// Use a package, all handles from it and its data managers from one thread at a time.
 class OPC_MODEL_EXPORT Package : public RelationshipSource {
 public:
-    /// Touches the physical package in no way.
-    /// @param physical  not owned; must outlive this object
-    /// @param limits    of the XML that the library itself reads from this package, and writes into it
+    /// Creates a closed package. It doesn't access the store yet.
+    /// @param physical  the store; not owned, must outlive this object
+    /// @param limits    limits on the XML that the library itself reads from the package and writes into it
     explicit Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits = {});
     Package(const Package&) = delete;
     Package& operator=(const Package&) = delete;
 
-    /// Closes the package and drops every change. Lets no exception out.
+    /// Closes the package and drops all changes. Throws nothing.
     ~Package() override;
 
-    /// Opens the physical package and reads its content types, parts and relationships.
+    /// Opens the store and reads content types, parts and relationships.
     ///
-    /// After a failure the package is closed and empty. If closing it fails as well, that failure takes the
-    /// place of the first; the package then stays open if its parts had been read.
+    /// After a failure the package is closed and empty. If closing it fails too, the exception is that of the second
+    /// failure, and the package stays open if its parts had been read.
     ///
     /// @throws PackageAlreadyOpen
-    /// @throws PackageNotFound      there is no such package
-    /// @throws PackageOpenFailed    the physical layer fails otherwise; `code()` tells the cause
-    /// @throws InvalidContentTypeStream, InvalidContentType, ContentTypeNotFound  bad content types [M1.2]
-    /// @throws InvalidPartName, InvalidURI    a name that breaks the rules [M1.1] to [M1.10]
-    /// @throws InvalidRelationshipContent     a bad relationships part
-    /// @throws InconsistentPackage            a relationships part without a source
-    /// @throws InvalidCorePropertiesRelationships  more than one core properties relationship [M4.1]
-    /// @throws opc::Exception       the physical layer gives no stream; or whatever a data manager raises
+    /// @throws PackageNotFound      the package doesn't exist
+    /// @throws PackageOpenFailed    the store fails in another way; `code()` gives the cause
+    /// @throws InvalidContentTypeStream, InvalidContentType, ContentTypeNotFound  the content types are invalid [M1.2]
+    /// @throws InvalidPartName, InvalidURI    a part name breaks the rules [M1.1] to [M1.10]
+    /// @throws InvalidRelationshipContent     a relationships part is invalid
+    /// @throws InconsistentPackage            a relationships part has no source
+    /// @throws InvalidCorePropertiesRelationships  there is more than one core properties relationship [M4.1]
+    /// @throws opc::Exception       the store gives no stream, or a data manager throws
     void open(interfaces::OpenMode mode);
 
-    /// Writes what has changed, unless the package was opened to read, and closes it; all handles become
-    /// invalid. Does nothing if the package isn't open.
+    /// Writes all changes, unless the package was opened `ReadOnly`, and closes the package. All handles become invalid.
+    /// Does nothing if the package isn't open.
     ///
-    /// After a failure the package is still open, with all its parts: mend the cause and close it again, or
-    /// abandon it. Only a content types stream that failed while it was being closed isn't written again.
+    /// After a failure the package is still open, with all its parts. Remove the cause and close it again, or abandon it.
+    /// One thing isn't repeated then: a content types stream whose own `close` failed isn't written again.
     ///
-    /// @param abandon  true to drop every change instead
-    /// @throws PackagePermissionDenied  the physical layer is denied permission
-    /// @throws PackageCloseFailed       the physical layer fails otherwise; `code()` tells the cause
+    /// @param abandon  true to drop all changes instead
+    /// @throws PackagePermissionDenied  the store has no permission to write
+    /// @throws PackageCloseFailed       the store fails in another way; `code()` gives the cause
     /// @throws InvalidContentTypeStream, InvalidPartContent  a document can't be written
-    /// @throws InvalidRelationshipContent  a part that couldn't be deleted has lost relationships that
-    ///                                     weren't read: delete it again, or abandon the package
-    /// @throws opc::Exception       a stream fails; or whatever a data manager raises
+    /// @throws InvalidRelationshipContent  deleting a part failed, and its relationships part with elements that weren't
+    ///                                     read is lost: delete the part again, or abandon the package
+    /// @throws opc::Exception       a stream fails, or a data manager throws
     void close(bool abandon);
 
-    /// Adds a part, empty at first.
-    /// @param name         not in use, not the root, not a relationships part in any letter case, and neither above
-    ///                     nor below another part [M1.11]
-    /// @param contentType  what the part holds
-    /// @param partInfo     for the physical layer; `StandardPartInfo` in the ordinary case
+    /// Creates an empty part.
+    /// @param name         the name of the new part. It must not be in use, derived from the name of another part or the
+    ///                     other way round [M1.11], the root, or the name of a relationships part in any letter case
+    /// @param contentType  the media type of the content
+    /// @param partInfo     hints for the store; usually `StandardPartInfo()`
+    /// @return a handle on the new part
     /// @throws PackageNotOpen, PackageReadOnly, PartHasRelationshipName, PartAlreadyExists,
     ///         PartIsDerivedFromExistingPartName, PartCreateFailed
-    /// @throws InvalidPartName     the root, or a name with characters that no part name may hold [M1.6]: parts
-    ///                             that were opened may have such names, and go on to work; or one beyond 1 MiB
-    /// @throws InvalidContentType  it takes more than 1 MiB as it is written; or a parameter's value has a double quote or, in front of another one in quotes, ends
-    ///                             in a backslash: the type couldn't be read again
-    /// @throws InvalidContentTypeStream  the content types stream holds elements that weren't read, as they
-    ///                                   have a namespace prefix, and would lose them. Nothing has changed
+    /// @throws InvalidPartName     the name is the root, is longer than 1 MiB, or has characters that a part name can't
+    ///                             have [M1.6]. Parts from a file may have such characters, and work
+    /// @throws InvalidContentType  the content type couldn't be read again: its written form is longer than 1 MiB, or the
+    ///                             value of a parameter has a double quote or ends in a backslash before another value
+    ///                             in quotes
+    /// @throws InvalidContentTypeStream  the content types stream has elements that weren't read, because they have a
+    ///                                   namespace prefix, and would lose them. Nothing has changed
     Part createPart(const PartName& name, const ContentType& contentType,
                     const interfaces::IPhysicalPartInfo& partInfo);
 
-    /// Deletes a part with its relationships. Relationships of others that lead to it stay.
+    /// Deletes a part and its relationships. Relationships of other sources that lead to it stay.
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly, PartNotFound
     /// @throws InvalidContentTypeStream  as `createPart`
-    /// @throws PartDeleteFailed  the physical layer fails. The part stays, even if its content or its
-    ///                           relationships part has gone: delete it again, or abandon the package
+    /// @throws PartDeleteFailed  the store fails. The part stays in the package, even if its content or its relationships
+    ///                           part is already deleted: delete it again, or abandon the package
     void deletePart(const PartName& name);
 
+    /// @return a handle on the part with this name
     /// @throws PackageNotOpen, PartNotFound
     Part getPart(const PartName& name) const;
 
-    /// False for relationships parts: they are no parts of their own.
+    /// Whether there is a part with this name. False for relationships parts: they belong to their source.
     /// @throws PackageNotOpen
     bool hasPart(const PartName& name) const;
 
-    /// All parts in the order of their names, without regard to letter case. Relationships parts are never
-    /// among them.
+    /// @param mode  `ExcludeManaged` leaves out the parts of data managers
+    /// @return all parts except relationships parts, sorted by name, ignoring letter case
     /// @throws PackageNotOpen
-    /// @throws InvalidSignature  managed parts are left out, and the signatures can't be read
+    /// @throws InvalidSignature  `mode` is `ExcludeManaged`, and the signatures can't be read
     Enumerator<std::vector<Part>> getParts(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
-    /// Whether `name` lies above or below the name of a part [M1.11]. An equal name doesn't count.
-    /// @param existing  set, if the answer is yes, to the name that conflicts, in lower case: `name` itself
-    ///                  if it lies above others, otherwise the part above it
+    /// Whether `name` is derived from the name of a part, or the other way round [M1.11]: `/a` and `/a/b`. An equal name
+    /// doesn't count.
+    /// @param existing  if the result is true, receives the shorter one of the two names in lower case
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
-    /// Whether the content types stream holds elements that the model doesn't go by, and other programs may: they
-    /// weren't read, as they have a namespace prefix or stand in the wrong place, or they give another content type
-    /// to what already has one, or to a relationships part.
+    /// Whether the content types stream has elements that the model ignores and other programs may use. Such elements
+    /// have a namespace prefix, stand in the wrong place, or give a second content type to something, or a content type
+    /// of another kind to a relationships part.
     /// @throws PackageNotOpen
     bool hasUnreadContentTypes() const;
 
-    /// What the store holds beside the parts and another program could take for content.
+    /// @return what the store contains beside the parts and another program could take for content
     /// @throws PackageNotOpen
     std::vector<interfaces::IgnoredItem> getIgnoredItems() const;
 
     bool isOpen() const override;
     bool isReadOnly() const override;
 
-    /// True also before the first `open`.
+    /// Whether the package was opened `CreateOnly`; true also before the first `open`.
     bool isCreateOnly() const override;
 
 protected:

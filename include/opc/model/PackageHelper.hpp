@@ -13,12 +13,11 @@ class Package;
 class Part;
 class RelationshipSource;
 
-/// What the Open Packaging Conventions fix for every package, and operations on packages that rest on it.
+/// The constants of the Open Packaging Conventions, and operations on packages that use them.
 ///
-/// Static, without state. The constants are free for any thread, and each call builds a new value. The
-/// operations on packages stand on the public ones of `Package`, let their exceptions pass, and run in the
-/// package's thread. Whoever calls those also includes `<opc/model/CoreProperties.hpp>` and
-/// `<opc/model/Package.hpp>`.
+/// All functions are static. The constants can be used from any thread; each call makes a new value. The operations on
+/// packages use the public functions of `Package`, pass on their exceptions, and belong to the thread of the package. To
+/// call them, also include `<opc/model/CoreProperties.hpp>` and `<opc/model/Package.hpp>`.
 class OPC_MODEL_EXPORT PackageHelper {
 public:
     PackageHelper() = delete;
@@ -26,7 +25,7 @@ public:
     /// "/", the source of the package's own relationships.
     static URI getPackageRootURI();
 
-    /// Where the core properties stand unless an application chooses another name.
+    /// The name of the core properties part, unless an application chooses another one.
     static URI getCorePropertiesURI();
 
     static ContentType getCorePropertiesContentType();
@@ -38,68 +37,69 @@ public:
     static std::u16string getThumbnailRelationshipType();
 
     /// "/metadata/thumbnail" with an extension.
-    /// @param extension  with or without its dot; empty for none
-    /// @throws InvalidURI  if the extension makes no URI
+    /// @param extension  with or without the dot; empty for no extension
+    /// @throws InvalidURI  the result isn't a URI
     static URI getThumbnailURI(const std::u16string& extension);
 
     /// @name Core properties
-    /// A document of the usual form is read and written within microseconds. For any other one the schemas of
-    /// the part are compiled anew at each call, which takes about a millisecond: read once and keep the value.
+    /// Reading and writing a document of the usual form takes microseconds. For other documents each call compiles the
+    /// schemas again, which takes about a millisecond: read once and keep the value.
     /// @{
 
-    /// Reads the core properties part, which the package's first relationship of that type leads to.
-    /// @return empty if there is no such relationship
+    /// Reads the core properties part. The package's first relationship of type `getCorePropertiesRelationshipType`
+    /// leads to it.
+    /// @return the core properties; empty if there is no such relationship
     /// @throws PackageNotOpen
     /// @throws InvalidPartContent  the part isn't valid, or breaks one of the rules [M4.2] to [M4.5]
-    /// @throws PartNotFound, InvalidPartName, and what `Relationship::getTargetURI` raises: the relationship
-    ///         leads to no part
+    /// @throws PartNotFound, InvalidPartName, and the exceptions of `Relationship::getTargetURI`: the relationship
+    ///         doesn't lead to a part
     static CoreProperties getCoreProperties(const Package& package);
 
-    /// Writes the core properties part, whole: to keep fields, read them before and change what was read.
-    /// A package without one gets it at `getCorePropertiesURI`, with its relationship.
+    /// Writes all core properties: fields that are absent in `properties` are dropped. To keep fields, read the core
+    /// properties, change them and write them. If the package has no core properties part, it is created at
+    /// `getCorePropertiesURI` with its relationship.
     ///
-    /// Call it once while the package is open. The part's output stream is asked for once and never closed,
-    /// so that a second document lands behind the first one.
+    /// Call this once while the package is open: a second call would append a second document to the part.
     /// @throws PackageNotOpen, PackageReadOnly
-    /// @throws InvalidRelationshipContent, InvalidContentTypeStream  a document that would have to take up the
-    ///                             new part holds elements that weren't read. Nothing has changed
-    /// @throws PartAlreadyExists   a part of that name exists, but no relationship leads to it
-    /// @throws InvalidPartContent  a value that XML can't hold, or that wouldn't come back as it is: control
-    ///                             characters in a text, a language that is none, a time outside the years 1400 to
-    ///                             9999. Nothing has changed then
-    /// @throws PartNotFound, InvalidPartName, and what `Relationship::getTargetURI` raises: the relationship
-    ///         leads to no part
+    /// @throws InvalidRelationshipContent, InvalidContentTypeStream  the part must be created, and the relationships
+    ///                             part or the content types stream has elements that weren't read. Nothing has changed
+    /// @throws PartAlreadyExists   a part with this name exists, but no relationship leads to it
+    /// @throws InvalidPartContent  a value can't be written, or wouldn't be read back unchanged: control characters in a
+    ///                             text, a text that isn't a language tag, a time outside the years 1400 to 9999.
+    ///                             Nothing has changed
+    /// @throws PartNotFound, InvalidPartName, and the exceptions of `Relationship::getTargetURI`: the relationship
+    ///         doesn't lead to a part
     static void createOrUpdateCoreProperties(Package& package, const CoreProperties& properties);
 
-    /// Whether the package has a core properties relationship that leads to no part of it: to one that has gone,
-    /// out of the package, or to what is no part name. Its core properties can't be read then.
+    /// Whether the package has a core properties relationship that doesn't lead to a part: the part doesn't exist, the
+    /// target is outside the package, or the target isn't a part name. Then the core properties can't be read.
     /// @throws PackageNotOpen
     static bool hasDanglingCoreProperties(const Package& package);
 
-    /// Does what `createOrUpdateCoreProperties` does, also where the core properties relationship leads to no
-    /// part. Then the part is created under the name that the relationship leads to. Where no part can have it,
-    /// the part is created at `getCorePropertiesURI`, and a new relationship takes the place of the old one.
-    /// @throws PackageCreateOnly  the relationship leads to no part, and the package is being created
-    /// @throws as `createOrUpdateCoreProperties` but for the last three
+    /// Does the same as `createOrUpdateCoreProperties`, also if the core properties relationship doesn't lead to a part.
+    /// Then it creates the part that the relationship names. If a part can't have this name, it creates the part at
+    /// `getCorePropertiesURI` and replaces the relationship.
+    /// @throws PackageCreateOnly  the relationship doesn't lead to a part, and the package was opened `CreateOnly`
+    /// @throws as `createOrUpdateCoreProperties`, except the exceptions for a relationship that doesn't lead to a part
     static void mendCoreProperties(Package& package, const CoreProperties& properties);
 
-    /// Deletes the core properties part and its relationship; does nothing if there is none.
+    /// Deletes the core properties part and its relationship. Does nothing if there is no relationship.
     /// @throws as `deleteRelationshipsAndTargets`
     static void deleteCoreProperties(Package& package);
 
     /// @}
 
-    /// Deletes each relationship of `type` that the package has, and the part that it leads to. A failure
-    /// stops there: what stood before it is gone, and so is the relationship whose target fails.
+    /// Deletes each relationship of the package that has this type, and the part that it leads to. At the first failure
+    /// it stops: the relationships before and their targets are deleted, and also the relationship whose target fails.
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
     /// @throws InvalidRelationshipContent, InvalidContentTypeStream  the relationships part or the content types
-    ///                       stream holds elements that weren't read. Nothing has changed
-    /// @throws PartNotFound  a target is no part of the package, or another relationship led to it as well
-    /// @throws InvalidPartName, and what `Relationship::getTargetURI` raises: a target lies outside
+    ///                       stream has elements that weren't read. Nothing has changed
+    /// @throws PartNotFound  a target isn't a part of the package, or was deleted already with another relationship
+    /// @throws InvalidPartName, and the exceptions of `Relationship::getTargetURI`: a target is outside the package
     static void deleteRelationshipsAndTargets(Package& package, const std::u16string& type);
 
-    /// The same for the relationships of `part`.
-    /// @throws InvalidObject  the part has gone
+    /// Does the same for the relationships of `part`.
+    /// @throws InvalidObject  the part was deleted, or the package was closed
     static void deleteRelationshipsAndTargets(Package& package, Part& part, const std::u16string& type);
 
 private:

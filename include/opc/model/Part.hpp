@@ -21,9 +21,9 @@ class Package;
 
 /// A handle on one part of a package: its name, content type, content and relationships.
 ///
-/// Cheap to copy: all copies share one state. A handle is valid until its part is deleted or the package is
-/// closed, and then never again; its name and content type can still be asked for. Got from `Package`; one
-/// thread at a time.
+/// `Package` returns handles. They are cheap to copy: all copies share one state. A handle is valid until its part is
+/// deleted or the package is closed; after that only its name and content type can be used. Use the handles of a package
+/// from one thread at a time.
 class OPC_MODEL_EXPORT Part : public RelationshipSource {
 public:
     Part(const Part&);
@@ -33,28 +33,31 @@ public:
     PartName getName() const;
     ContentType getContentType() const;
 
-    /// The content, to read. Every call on every copy gives the same stream, in whatever position it stands:
-    /// ready to read at first; `close` and then `open` restart it. It lives as long as the handles; once
-    /// `Package::deletePart` has deleted the content, even if it fails then, all its operations raise
-    /// `InvalidPartStream`. Don't use it once the package is closed.
-    /// @throws InvalidObject      the part has gone
-    /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
+    /// Gives the stream that reads the content.
+    ///
+    /// Every call on every copy of the handle returns the same stream, at its present position. At first it is ready to
+    /// read; `close` followed by `open` restarts it. It lives as long as the handles. After `Package::deletePart` has
+    /// deleted the content, even if it then fails, all operations of the stream throw `InvalidPartStream`. Don't use the
+    /// stream after the package is closed.
+    /// @throws InvalidObject      the part was deleted, or the package was closed
+    /// @throws InvalidPartStream  the store gives no stream; the next call tries again
     InputStream& getInputStream() const;
 
-    /// Where new content is written to, replacing the old. The same stream at every call, so that a second
-    /// content lands behind the first until the package has been closed and opened again. It need not be
-    /// closed, and may take nothing more once it is. It lives as the input stream does.
-    /// @throws InvalidObject      the part has gone
-    /// @throws PackageReadOnly    the package is opened to read
-    /// @throws InvalidPartStream  the physical layer gives no stream; the next call asks it again
+    /// Gives the stream that replaces the content.
+    ///
+    /// The first call empties the part. Every further call returns the same stream: what you write then is appended,
+    /// until the package is closed and opened again. You don't have to close the stream; a closed stream may accept no
+    /// more bytes. It lives as long as the input stream.
+    /// @throws InvalidObject      the part was deleted, or the package was closed
+    /// @throws PackageReadOnly    the package was opened `ReadOnly`
+    /// @throws InvalidPartStream  the store gives no stream; the next call tries again
     OutputStream& getOutputStream() const;
 
-    /// The bytes that a new reading of the content gives, where the physical layer knows without reading: those in the
-    /// package or, once the part has been written, what has been written so far. It is the size that the store has
-    /// noted: a damaged content is found when it is read.
-    /// @return nothing if the store tells no sizes
-    /// @throws InvalidObject      the part has gone
-    /// @throws InvalidPartStream  the physical layer can't tell
+    /// Gives the size of the content without reading it. After the part has been written, this is the size written so
+    /// far. The store gives the size that it has recorded; a damaged content is only found when it is read.
+    /// @return the size in bytes; nothing if the store doesn't know sizes
+    /// @throws InvalidObject      the part was deleted, or the package was closed
+    /// @throws InvalidPartStream  the store can't give the size
     std::optional<std::uint64_t> getSize() const;
 
 private:

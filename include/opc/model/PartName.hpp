@@ -8,43 +8,42 @@
 
 namespace opc::model {
 
-/// The name of a part: a URI that keeps the part name rules [M1.1] to [M1.10], or that names the package
-/// root, "/". Rule [M1.6], which characters a segment may hold, is kept as far as `URI` keeps it.
+/// The name of a part: a URI that follows the part name rules [M1.1] to [M1.10], or the package root, "/". Rule [M1.6]
+/// about the characters in a segment is checked only as far as `URI` checks it; `Package::createPart` checks it fully.
 ///
-/// Tells the names of relationships parts from others, and leads from a part to its relationships part and
-/// back. It knows no package: a part of that name need not exist. Compared without regard to case, as URIs
-/// are.
+/// It distinguishes the names of relationships parts from others, and converts the name of a part to the name of its
+/// relationships part and back. It doesn't belong to a package: a part with this name need not exist. Comparisons ignore
+/// letter case, as those of URIs do.
 ///
-/// An immutable value; copies share the URI's body.
+/// An immutable value type.
 class OPC_MODEL_EXPORT PartName {
 public:
-    /// Any URI whose path is a single slash is the package root, to which no rule applies.
-    /// @throws InvalidURI       if `name` is no URI
-    /// @throws InvalidPartName  if it breaks a rule; the message names the first
+    /// A URI whose path is a single slash is the package root. No rule applies to it.
+    /// @throws InvalidURI       `name` isn't a URI
+    /// @throws InvalidPartName  `name` breaks a rule; the message contains the first one
     explicit PartName(std::u16string name);
     /// @throws InvalidPartName  as above
     explicit PartName(const URI& name);
-    /// @param name  ends in a zero; null counts as the empty text, which breaks [M1.1]
+    /// @param name  zero-terminated; null counts as the empty text, which breaks [M1.1]
     /// @throws InvalidURI, InvalidPartName  as above
     explicit PartName(const char16_t* name);
 
     URI getURI() const;
     /// The text as it was given.
     std::u16string toString() const;
-    /// What follows the last dot of the last segment, without the dot; empty if there is none.
+    /// The text after the last dot of the last segment, without the dot; empty if there is no dot.
     std::u16string getExtension() const;
 
-    /// Whether this is the name of a relationships part: a segment "_rels" stands before the last one, which
-    /// ends in ".rels". Case counts. Never so for the package root.
+    /// Whether this is the name of a relationships part: its last segment ends in ".rels" and the segment before is
+    /// "_rels". Letter case matters. The package root isn't such a name.
     bool isRelationshipName() const;
 
-    /// The name of the relationships part of this part or of the package: "/a/_rels/b.xml.rels" for
-    /// "/a/b.xml".
-    /// @throws InvalidPartName  if this is the name of a relationships part
+    /// The name of the relationships part of this part or of the package: "/a/_rels/b.xml.rels" for "/a/b.xml".
+    /// @throws InvalidPartName  this is the name of a relationships part itself
     std::u16string getRelationshipPartName() const;
 
     /// The name of the part that this relationships part belongs to, or "/" for the package.
-    /// @throws InvalidPartName  if this isn't the name of a relationships part
+    /// @throws InvalidPartName  this isn't the name of a relationships part
     std::u16string getSourcePartName() const;
 
     bool operator==(const PartName& other) const;
@@ -75,7 +74,7 @@ private:
     bool isRelationship = false;
 };
 
-/// These compare the name with a string, which may be anything: it isn't checked.
+/// These compare the name with any string; the string need not be a part name.
 OPC_MODEL_EXPORT bool operator==(const PartName& left, const std::u16string& right);
 OPC_MODEL_EXPORT bool operator!=(const PartName& left, const std::u16string& right);
 OPC_MODEL_EXPORT bool operator<(const PartName& left, const std::u16string& right);

@@ -9,11 +9,11 @@ class IPhysicalInputStream;
 
 namespace opc::model {
 
-/// A stream of the physical layer in the form of the core library: each operation forwards to the one of the
-/// same name, without a buffer of its own.
+/// Adapts a stream of a store to the interface `opc::InputStream`. Each operation calls the operation with the same name,
+/// without a buffer.
 ///
-/// The physical stream isn't owned, and must outlive the adapter; those that a `Part` hands out raise
-/// `InvalidPartStream` once its content has been deleted. Belongs to the thread that uses the part.
+/// It doesn't own the stream of the store, which must outlive it. The adapters that a `Part` returns throw
+/// `InvalidPartStream` after the content of the part was deleted. Use them in the thread of the package.
 class OPC_MODEL_EXPORT PhysicalInputStream : public InputStream {
 public:
     /// @throws InvalidPartStream  `stream` is null
@@ -28,7 +28,7 @@ public:
 private:
     friend class Part;
 
-    /// The physical stream is there no longer.
+    /// Says that the stream of the store no longer exists.
     void disconnect() noexcept { physicalStream = nullptr; }
     interfaces::IPhysicalInputStream& connected() const;
 

@@ -9,18 +9,18 @@ class IPhysicalOutputStream;
 
 namespace opc::model {
 
-/// A stream of the physical layer in the form of the core library: each operation forwards to the one of the
-/// same name, without a buffer of its own.
+/// Adapts a stream of a store to the interface `opc::OutputStream`. Each operation calls the operation with the same name,
+/// without a buffer.
 ///
-/// The physical stream isn't owned, and must outlive the adapter; those that a `Part` hands out raise
-/// `InvalidPartStream` once its content has been deleted. Belongs to the thread that uses the part.
+/// It doesn't own the stream of the store, which must outlive it. The adapters that a `Part` returns throw
+/// `InvalidPartStream` after the content of the part was deleted. Use them in the thread of the package.
 class OPC_MODEL_EXPORT PhysicalOutputStream : public OutputStream {
 public:
     /// @throws InvalidPartStream  `stream` is null
     explicit PhysicalOutputStream(interfaces::IPhysicalOutputStream* stream);
 
-    /// @throws opc::Exception  with the code 5 (input/output error): the physical stream has written fewer
-    ///                         bytes without raising
+    /// @throws opc::Exception  with the code 5 (input/output error): the stream of the store has written another number
+    ///                         of bytes and hasn't thrown
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override;
     void flush() override;
@@ -30,7 +30,7 @@ public:
 private:
     friend class Part;
 
-    /// The physical stream is there no longer.
+    /// Says that the stream of the store no longer exists.
     void disconnect() noexcept { physicalStream = nullptr; }
     interfaces::IPhysicalOutputStream& connected() const;
 

@@ -16,40 +16,39 @@ class RelationshipManager;
 class RelationshipsText;
 class SignedRelationships;
 
-/// One relationship of a package or a part, as it was when it was asked for (ECMA-376 Part 2, relationships).
+/// One relationship of a package or a part (ECMA-376 Part 2, relationships), as it was when it was returned.
 ///
-/// A small value, cheap to copy, without a link to its package: it stays readable when the relationship is
-/// deleted or the package closed. `getTargetURI` keeps what it has worked out, so one object must not be used
-/// by two threads at once; copies may.
+/// A small value type without a link to its package: it stays readable when the relationship is deleted or the package is
+/// closed. `getTargetURI` caches its result, so use one object from one thread at a time; different threads can use
+/// different copies.
 class OPC_MODEL_EXPORT Relationship {
 public:
-    /// Unique among the relationships of one source, letter case counting.
+    /// Unique among the relationships of one source. Letter case matters.
     std::u16string getID() const { return std::u16string(values->id); }
 
-    /// A URI in text form that says what the relationship means.
+    /// A URI that says what the relationship means.
     std::u16string getType() const { return std::u16string(values->type); }
 
     /// The URI of the source: a part name, or "/" for the package.
     URI getSourceURI() const { return *values->sourceURI; }
 
-    /// The target exactly as the relationships part holds it, in most cases relative to the source.
+    /// The target exactly as it is in the relationships part, usually relative to the source.
     std::u16string getTarget() const { return std::u16string(values->target); }
 
     TargetMode getTargetMode() const { return values->targetMode; }
 
-    /// The target as a URI. An internal one is resolved against the source, which gives a part name. An
-    /// external one is put in ASCII by percent-encoding, backslashes taken as slashes.
-    /// @throws InvalidURI          an external target can't be converted: `getTarget` still gives its text
-    /// @throws UnsupportedResolve  an internal target is opaque; can't come from a package that has been read
+    /// The target as a URI. An internal target is resolved against the source, which gives a part name. In an external
+    /// target backslashes become slashes, and characters outside ASCII are percent-encoded.
+    /// @throws InvalidURI          an external target can't be converted; `getTarget` still gives its text
+    /// @throws UnsupportedResolve  an internal target is opaque. A package that was read has no such target
     URI getTargetURI() const;
 
-    /// All that `getID` to `getTargetMode` give, and the target URI so far as it has been worked out: a
-    /// relationship is unlike its own copy once `getTargetURI` has resolved a relative target in one of the
-    /// two.
+    /// Compares the results of `getID` to `getTargetMode`, and also the cached target URI. So a relationship differs from
+    /// its own copy if `getTargetURI` has resolved a relative target in only one of the two.
     bool operator==(const Relationship& other) const;
     bool operator!=(const Relationship& other) const { return !(*this == other); }
 
-    /// By ID alone, code unit by code unit: the order in which a source keeps and writes its relationships.
+    /// Compares the IDs, code unit by code unit. A source keeps and writes its relationships in this order.
     bool operator<(const Relationship& other) const { return values->id < other.values->id; }
 
 private:

@@ -8,15 +8,15 @@
 
 namespace opc::model {
 
-/// Tells of single relationships whether a relationships part that has them can be read. For stores that leave out
-/// what can't, so that the other relationships of the part can be read.
+/// Checks single relationships of a relationships part. A store can use it to leave out those that make a part
+/// unreadable, so that the other relationships can be read.
 ///
-/// The checks are those of reading itself, by the schema of relationships parts and beyond it. That IDs differ within
-/// one part is for the caller to see to.
+/// The checks are the same as when the part is read: the schema, and the rules beyond the schema. The caller must check
+/// that the IDs of one part differ.
 class OPC_MODEL_EXPORT RelationshipRules {
 public:
-    /// The attributes of a `Relationship` element, with their entities and character references replaced; nothing
-    /// where it has none.
+    /// The attributes of a `Relationship` element, with entities and character references replaced. An attribute that
+    /// the element doesn't have is empty.
     struct Attributes {
         std::optional<std::u16string_view> id;
         std::optional<std::u16string_view> type;
@@ -27,11 +27,12 @@ public:
     /// @return what is wrong, in English ("Target is empty"); empty if the relationship can be read
     static std::string findDefect(const Attributes& attributes);
 
-    /// Whether a whole document is in the plain form that nearly all have, and can be read: all its relationships can, and
-    /// it has nothing else. Takes a small part of the time that parsing takes.
+    /// Whether a whole document has the plain form that nearly all documents have, contains only relationships, and can be
+    /// read. This takes much less time than parsing.
     static bool isPlain(std::string_view document);
 
-    /// An ID, type or target as reading gives it: runs of white space are one blank each, and none stands at the ends.
+    /// @return an ID, type or target as it is read: each run of white space becomes one blank, and white space at both
+    ///         ends is removed
     static std::u16string read(std::u16string_view value);
 };
 

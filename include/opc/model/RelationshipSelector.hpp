@@ -8,19 +8,19 @@
 
 namespace opc::model {
 
-/// What the criteria of a `RelationshipSelector` are.
+/// How a `RelationshipSelector` selects relationships.
 enum class RelationshipSelectorType : std::uint32_t {
-    SourceId = 0,   ///< a relationship ID
-    SourceType = 1, ///< a relationship type
+    SourceId = 0,   ///< by relationship ID
+    SourceType = 1, ///< by relationship type
 };
 
-/// Names relationships of one source for a digital signature: the one with an ID, or all of a type. A value.
+/// Selects relationships of one source for a digital signature: the one with an ID, or all with a type. A value type.
 class OPC_MODEL_EXPORT RelationshipSelector {
 public:
     /// @param source    a part name, or "/" for the package
-    /// @param type      what the criteria are
-    /// @param criteria  the ID or the type sought, compared with letter case counting
-    /// @throws InvalidURI      the source is no part name
+    /// @param type      whether `criteria` is an ID or a type
+    /// @param criteria  the ID or the type; letter case matters
+    /// @throws InvalidURI      the source isn't a part name
     /// @throws opc::Exception  the criteria are empty
     RelationshipSelector(const URI& source, RelationshipSelectorType type, std::u16string criteria);
 

@@ -19,56 +19,61 @@ namespace opc::model {
 
 class Package;
 
-/// Everything that has relationships: the base of `Package` and of `Part`.
+/// The base of everything that has relationships: `Package` and `Part`.
 ///
-/// The relationships part of a source comes with its first relationship and goes with the last; the package
-/// writes it when it is closed. Copies of a `Part` share one set of relationships. All handles of one package
-/// belong to one thread at a time.
+/// The relationships part of a source is created with its first relationship and deleted with its last one. The package
+/// writes it when it is closed. Copies of a `Part` share their relationships. Use all handles of a package from one
+/// thread at a time.
 ///
-/// Relationships are found by the names of their elements without a namespace prefix. A relationships part with
-/// other elements keeps them: the operations that change relationships then raise `InvalidRelationshipContent`,
-/// and so does what changes the content types, a first and a last relationship included, with
-/// `InvalidContentTypeStream` where it is the content types stream that has such elements. Nothing has changed
-/// then. `opc::physical::LenientPackage` makes these elements readable.
+/// Only elements without a namespace prefix are read as relationships. A relationships part with other elements keeps
+/// them, and the operations that change its relationships throw `InvalidRelationshipContent`. If the content types
+/// stream has such elements, creating a first relationship and deleting a last one throw `InvalidContentTypeStream`. In
+/// both cases nothing has changed. `opc::physical::LenientPackage` makes these elements readable.
 ///
-/// What a store keeps of a relationships part without giving it to read (`interfaces::IKeptRelationships`) counts in
-/// four ways: its IDs are used, the part stays when the last relationship that was read goes, `hasUnreadRelationships`
-/// tells of it, and the store may say why nothing can be changed, which `InvalidRelationshipContent` repeats.
+/// A store can keep relationships that the input stream doesn't contain (`interfaces::IKeptRelationships`). Their IDs are
+/// in use, their part stays when the last other relationship is deleted, and `hasUnreadRelationships` is true. The store
+/// can also forbid changes; then the message of `InvalidRelationshipContent` contains its reason.
 ///
-/// Each operation below raises `InvalidObject` if the part has gone, and then `PackageNotOpen` if the package
-/// isn't open; what changes relationships then raises `PackageReadOnly` in a package opened to read.
+/// Each operation below throws `InvalidObject` if the part was deleted or the package closed, and then `PackageNotOpen`
+/// if the package isn't open. An operation that changes relationships then throws `PackageReadOnly` if the package was
+/// opened `ReadOnly`.
 class OPC_MODEL_EXPORT RelationshipSource {
 public:
-    /// Adds a relationship to a part of this package; the part need not exist.
+    /// Creates a relationship to a part of this package. The part need not exist.
     ///
-    /// What a relationships part can't hold is refused, since the part couldn't be read again: type and target must be
-    /// values of `xsd:anyURI` by the very check of reading, and blanks, which reading folds, stand one by one between
-    /// other characters. Nor may they or the ID take more than 1 MiB as they are written.
-    /// @param type    what the relationship means; not empty, and a URI
-    /// @param target  a part name, or a reference relative to this source; kept and written in relative form
-    /// @param id      an `xsd:ID` not yet used by this source; empty to have one made (rId1, rId2, …)
-    /// @throws InvalidRelationshipTarget  the target is absolute, no part name [M1.*], this source, a
-    ///                                    relationships part [M1.25], or can't be held
-    /// @throws UnsupportedRelativize      the target has the very path of this source
+    /// A value that a relationships part can't represent is refused, because the part couldn't be read again. Type and
+    /// target must be values of `xsd:anyURI`, checked as when they are read. They can have single blanks between other
+    /// characters, but no blank at an end and no two blanks together, because reading folds white space. The written
+    /// form of type, target and ID must not be longer than 1 MiB.
+    /// @param type    a URI that says what the relationship means; not empty
+    /// @param target  a part name, or a reference relative to this source; stored and written in relative form
+    /// @param id      an `xsd:ID` that this source doesn't use yet; empty to generate one (rId1, rId2, …)
+    /// @return the new relationship
+    /// @throws InvalidRelationshipTarget  the target is absolute, isn't a part name [M1.*], is this source, is a
+    ///                                    relationships part [M1.25], or can't be represented
+    /// @throws UnsupportedRelativize      the target has the same path as this source
     /// @throws InvalidRelationshipType, InvalidRelationshipID, RelationshipAlreadyExists
-    /// @throws InvalidCorePropertiesRelationships  the package has a core properties relationship [M4.1]
-    /// @throws PartAlreadyExists  another part has the relationships part's name, in another letter case
-    /// @throws PartCreateFailed   the physical layer can't make the relationships part
+    /// @throws InvalidCorePropertiesRelationships  the package already has a core properties relationship [M4.1]
+    /// @throws PartAlreadyExists  another part has the name of the relationships part, in another letter case
+    /// @throws PartCreateFailed   the store can't create the relationships part
     Relationship createInternalRelationship(const std::u16string& type, const URI& target,
                                             const std::u16string& id = std::u16string());
 
-    /// Adds a relationship to something outside the package. Raises what `createInternalRelationship` does.
-    /// @param target  any IRI but the empty one, backslashes allowed in place of slashes; stored and written as it
-    ///                is
-    /// @throws InvalidRelationshipTarget  the target is no IRI, or can't be held
+    /// Creates a relationship to something outside the package.
+    /// @param type    as in `createInternalRelationship`
+    /// @param target  an IRI; not empty. Backslashes are allowed instead of slashes. Stored and written unchanged
+    /// @param id      as in `createInternalRelationship`
+    /// @return the new relationship
+    /// @throws InvalidRelationshipTarget  the target isn't an IRI, or can't be represented
+    /// @throws as `createInternalRelationship` otherwise
     Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
                                             const std::u16string& id = std::u16string());
 
-    /// Also deletes the relationships part, if this was the last one.
-    /// @throws PackageCreateOnly     the package is being created
+    /// Deletes a relationship, and the relationships part with the last relationship.
+    /// @throws PackageCreateOnly     the package was opened `CreateOnly`
     /// @throws RelationshipNotFound
-    /// @throws PartDeleteFailed      the relationships part can't be deleted. The relationship has gone
-    ///                               from here, but stands in the package when it is opened again
+    /// @throws PartDeleteFailed      the relationships part can't be deleted. This source no longer has the relationship,
+    ///                               but it is there again when the package is opened again
     void deleteRelationship(const std::u16string& id);
 
     /// @throws RelationshipNotFound
@@ -76,30 +81,31 @@ public:
 
     bool hasRelationship(const std::u16string& id) const;
 
-    /// All relationships in the order of their IDs, code unit by code unit (rId10 stands before rId2).
-    /// @throws InvalidSignature  managed relationships are left out, and the signatures can't be read
+    /// @param mode  `ExcludeManaged` leaves out the relationships of data managers
+    /// @return all relationships, sorted by ID, code unit by code unit (rId10 comes before rId2)
+    /// @throws InvalidSignature  `mode` is `ExcludeManaged`, and the signatures can't be read
     Enumerator<std::vector<Relationship>> getRelationships(ExcludeMode mode = ExcludeMode::ExcludeNone) const;
 
-    /// Those of one type, letter case counting, in the order of their IDs; managed ones included.
+    /// @param type  letter case matters
+    /// @return the relationships of one type, sorted by ID; includes those of data managers
     Enumerator<std::vector<Relationship>> getRelationshipsByType(const std::u16string& type) const;
 
-    /// Whether the relationships part holds elements that weren't read, as they have a namespace prefix or stand in
-    /// the wrong place, or as the store doesn't give them. Other programs may take them for relationships.
+    /// Whether the relationships part has elements that weren't read: they have a namespace prefix, stand in the wrong
+    /// place, or the store leaves them out of the input stream. Other programs may read them as relationships.
     bool hasUnreadRelationships() const;
 
-    /// Whether `id` is an `xsd:ID`, by the names of XML 1.0 (Fifth Edition) up to U+FFFF and without the
-    /// colon.
+    /// Whether `id` is an `xsd:ID`: a name of XML 1.0 (Fifth Edition) with characters up to U+FFFF and without a colon.
     static bool isValidID(const std::u16string& id);
 
-    /// Whether `target` is an IRI once its backslashes are slashes. The empty text is one. Creating a relationship
-    /// asks for more.
+    /// Whether `target` is an IRI after its backslashes are replaced by slashes. The empty text is one. Creating a
+    /// relationship requires more.
     static bool isValidTarget(const std::u16string& target);
 
 protected:
     struct Impl;
 
     explicit RelationshipSource(const URI& sourceURI);
-    /// @param state  which may be that of a derived class
+    /// @param state  the shared state; a derived class can pass an extended one
     explicit RelationshipSource(std::shared_ptr<Impl> state);
     RelationshipSource(const RelationshipSource&) = default;
     RelationshipSource& operator=(const RelationshipSource&) = default;
@@ -111,32 +117,31 @@ protected:
     virtual bool isCreateOnly() const = 0;
     virtual Package& getPackage() const = 0;
 
-    /// The last check of a relationship that is to be created. Raises to refuse it.
+    /// Makes the last check of a new relationship. Throws to refuse it.
     virtual void doVerifyRelationship(const std::u16string& id, const std::u16string& type,
                                       const std::u16string& target);
 
-    /// Writes the relationships part, if there are relationships that it doesn't hold yet.
+    /// Writes the relationships part if it has changed.
     void flush();
 
-    /// Starts anew: no relationships, no relationships part, and generated IDs from rId1 on.
+    /// Drops all relationships and the relationships part. Generated IDs start at rId1 again.
     void reset();
 
     /// @param part   the relationships part of this source, or null
-    /// @param isNew  if false, the relationships are read from the part
+    /// @param isNew  false to read the relationships from the part
     /// @throws InvalidRelationshipContent
     void setPhysicalRelationshipPart(interfaces::IPhysicalPart* part, bool isNew);
     interfaces::IPhysicalPart* getPhysicalRelationshipPart() const;
 
-    /// The relationships part has been deleted, but the relationships stay.
+    /// Says that the store has deleted the relationships part. The relationships stay.
     void forgetPhysicalRelationshipPart();
 
-    /// Makes a new relationships part if the one that these relationships had has been deleted.
-    /// @throws InvalidRelationshipContent  that one held elements that weren't read
+    /// Creates a new relationships part if the old one was deleted and relationships are left.
+    /// @throws InvalidRelationshipContent  the old one had elements that weren't read
     void restoreRelationshipPart();
 
-    /// @throws InvalidRelationshipContent  the relationships part holds elements that weren't read: it would
-    ///                                     lose them if it were written anew. Or the store says that it can't be
-    ///                                     changed
+    /// @throws InvalidRelationshipContent  the relationships part has elements that weren't read, and writing it would
+    ///                                     lose them; or the store says that it can't be changed
     void throwIfRelationshipsFixed() const;
 
     void throwIfInvalid() const;

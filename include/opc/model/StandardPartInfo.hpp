@@ -5,12 +5,11 @@
 
 namespace opc::model {
 
-/// What `Package::createPart` tells the physical layer in the ordinary case: how to compress, how far the
-/// part may grow, and nothing else. A value.
+/// The usual hints for `Package::createPart`: compression and growth. A value type.
 class OPC_MODEL_EXPORT StandardPartInfo : public interfaces::IPhysicalPartInfo {
 public:
     /// @param compression  see `CompressionType`
-    /// @param growth       bytes to reserve for the part to grow into
+    /// @param growth       how many bytes to reserve for the growth of the part
     explicit StandardPartInfo(interfaces::CompressionType compression = interfaces::CompressionType::Normal,
                               std::uint64_t growth = 0) noexcept
         : compressionType(compression), growthHint(growth) {}

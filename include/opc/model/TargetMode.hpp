@@ -4,10 +4,10 @@
 
 namespace opc::model {
 
-/// Where the target of a relationship lies.
+/// Where the target of a relationship is.
 enum class TargetMode : std::uint32_t {
-    Internal = 0, ///< it is a part of the same package
-    External = 1, ///< it lies outside the package
+    Internal = 0, ///< in the same package: a part
+    External = 1, ///< outside the package
 };
 
 } // namespace opc::model

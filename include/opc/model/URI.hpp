@@ -8,34 +8,33 @@
 
 namespace opc::model {
 
-/// A reference by RFC 3986, absolute or relative, in US-ASCII: a part name, a relationship's target or type.
-/// Blanks, quotes, `< > { } | \ ^` and the backtick pass as well, since real packages hold them.
+/// A URI reference by RFC 3986, absolute or relative, in US-ASCII: a part name, or the target or type of a relationship.
+/// Blanks, quotes, `< > { } | \ ^` and the backtick are accepted too, because real packages contain them.
 ///
-/// The text is kept as written and never normalised. Comparisons look at the whole text without regard to the
-/// case of ASCII letters [M1.12], so `/A.xml` equals `/a.xml`, while `/%41` and `/A` differ.
+/// The text is kept as it is and never normalised. Comparisons use the whole text and ignore the case of ASCII letters
+/// [M1.12]: `/A.xml` equals `/a.xml`, but `/%41` and `/A` differ.
 ///
-/// An immutable value: copies share one body, and may be read and copied on different threads. One object
-/// must not be assigned to while another thread reads it.
+/// An immutable value type: different threads can read and copy it. Don't assign to an object while another thread reads
+/// it.
 class OPC_MODEL_EXPORT URI {
 public:
-    /// @throws InvalidURI  if `text` has a character beyond US-ASCII, or is no reference
+    /// @throws InvalidURI  `text` has a character outside US-ASCII, or isn't a reference
     explicit URI(std::u16string text = std::u16string());
 
-    /// @param text  ends in a zero; null counts as the empty text
+    /// @param text  zero-terminated; null counts as the empty text
     /// @throws InvalidURI  as above
     explicit URI(const char16_t* text);
 
-    /// Shares the body. There is no move, so that no URI is ever left without one.
+    /// There is no move: a moved-from URI would have no text.
     URI(const URI& other) = default;
     URI& operator=(const URI& other) = default;
 
     /// The text as it was given.
     std::u16string toString() const;
 
-    /// Whether there is a scheme and behind it no slash, as in `mailto:a@b`. An opaque URI has neither
-    /// authority, path nor query.
+    /// Whether there is a scheme that no slash follows, as in `mailto:a@b`. An opaque URI has no authority, path or query.
     bool isOpaque() const;
-    /// Whether there is a scheme.
+    /// Whether there is a scheme; the same as `hasScheme`.
     bool isAbsolute() const;
     bool hasScheme() const;
     bool hasFragment() const;
@@ -44,9 +43,9 @@ public:
     /// Whether the path begins with a slash.
     bool hasAbsolutePath() const;
 
-    /// Each gives the component without its delimiters, as written, escapes and all; empty if there is none.
+    /// Each gives one component without its delimiters, with percent-encoding unchanged; empty if there is none.
     std::u16string getScheme() const;
-    /// All between the scheme's colon, or the beginning, and the fragment.
+    /// Everything after the scheme and before the fragment.
     std::u16string getSchemeSpecificPart() const;
     std::u16string getAuthority() const;
     std::u16string getPath() const;
@@ -61,11 +60,11 @@ public:
     bool operator!=(const URI& other) const;
     bool operator<(const URI& other) const;
 
-    /// `text` with every character percent-encoded, as UTF-8, but the unreserved ones of RFC 3986 section 2.3
-    /// and those of `extra`. A percent sign is encoded too, also in what looks like an escape.
+    /// Percent-encodes `text` as UTF-8, except the unreserved characters of RFC 3986 section 2.3 and the characters in
+    /// `extra`. A percent sign is always encoded, even if two hexadecimal digits follow it.
     static std::u16string encodeComponent(const std::u16string& text, std::string extra);
 
-    /// Likewise, but leaves the reserved characters of RFC 3986 section 2.2 alone too.
+    /// The same, but the reserved characters of RFC 3986 section 2.2 also stay unchanged.
     static std::u16string encodeIRI(const std::u16string& text);
 
 private:
@@ -90,7 +89,7 @@ private:
     std::shared_ptr<const Impl> impl;
 };
 
-/// These compare the text of the URI with a string, which may be anything: it isn't parsed.
+/// These compare the text of the URI with any string; the string isn't parsed.
 OPC_MODEL_EXPORT bool operator==(const URI& left, const std::u16string& right);
 OPC_MODEL_EXPORT bool operator!=(const URI& left, const std::u16string& right);
 OPC_MODEL_EXPORT bool operator<(const URI& left, const std::u16string& right);
@@ -98,13 +97,13 @@ OPC_MODEL_EXPORT bool operator==(const std::u16string& left, const URI& right);
 OPC_MODEL_EXPORT bool operator!=(const std::u16string& left, const URI& right);
 OPC_MODEL_EXPORT bool operator<(const std::u16string& left, const URI& right);
 
-/// The relative reference that leads from `source` to `target`. Both must have an absolute path and no
-/// scheme.
-/// @throws UnsupportedRelativize  if they haven't, or if their paths are the same, case counting
+/// Makes the relative reference that leads from `source` to `target`.
+/// @param source, target  each with an absolute path and without a scheme
+/// @throws UnsupportedRelativize  an argument has another form, or both have the same path (letter case matters)
 OPC_MODEL_EXPORT URI relativize(const URI& source, const URI& target);
 
-/// `reference` resolved against `base` by RFC 3986 section 5.2.
-/// @throws UnsupportedResolve  if either is opaque
+/// Resolves `reference` against `base` by RFC 3986 section 5.2.
+/// @throws UnsupportedResolve  an argument is opaque
 OPC_MODEL_EXPORT URI resolve(const URI& base, const URI& reference);
 
 } // namespace opc::model

@@ -2,7 +2,7 @@
 
 namespace opc::model {
 
-/// Deletes what Xerces wants released, for `std::unique_ptr`: documents, parsers and serialisers.
+/// Releases documents, parsers and serialisers of Xerces, for `std::unique_ptr`.
 struct XercesDeleter {
     template <typename Object>
     void operator()(Object* object) const {

@@ -9,8 +9,8 @@ namespace opc::model {
 
 /// Records the last error that a parser or a serialiser reports.
 ///
-/// Attached for one operation, under `xercesc::XMLUni::fgDOMErrorHandler`, and detached before that ends; it
-/// must outlive the attachment. It serves one thread at a time.
+/// Attach it to a parser or serialiser as `xercesc::XMLUni::fgDOMErrorHandler` for one operation, and detach it after
+/// that. It must exist while it is attached. Use it from one thread at a time.
 class OPC_MODEL_EXPORT XercesErrorHandler : public xercesc::DOMErrorHandler {
 public:
     XercesErrorHandler() = default;
@@ -18,19 +18,18 @@ public:
     XercesErrorHandler& operator=(const XercesErrorHandler&) = delete;
     ~XercesErrorHandler() override;
 
-    /// Records an error, in place of an earlier one, and stops Xerces. A warning is passed over. Never
-    /// throws.
-    /// @return whether Xerces goes on
+    /// Records an error, which replaces an earlier one, and stops Xerces. Ignores warnings. Throws nothing.
+    /// @return whether Xerces continues
     bool handleError(const xercesc::DOMError& error) override;
 
-    /// @throws InvalidXMLDocument  with the recorded message, if there is one; its details tell the line and the
-    ///                             column, if they are known
+    /// Throws the recorded error. Does nothing if there is none.
+    /// @throws InvalidXMLDocument  with the recorded message; its details contain line and column, if they are known
     void throwIfError() const;
 
 private:
-    bool recorded = false; ///< apart from the message, which may be absent or fail to be copied
+    bool recorded = false; ///< the message alone can't say it: it can be absent, or copying it can fail
     char16_t* errorMessage = nullptr;
-    XMLFileLoc line = 0; ///< 0 if it isn't known
+    XMLFileLoc line = 0; ///< 0 if unknown
     XMLFileLoc column = 0;
 };
 

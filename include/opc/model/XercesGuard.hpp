@@ -4,33 +4,31 @@
 
 namespace opc::model {
 
-/// Keeps the Xerces platform alive: Xerces may be used only while at least one guard lives.
+/// Keeps Xerces initialised: use Xerces only while at least one guard exists.
 ///
-/// Guards nest, and any number of threads may make and destroy them at the same time. A class that keeps
-/// parsers, serialisers, documents or `XercesString`s holds a guard as its first member, so that it is
-/// destroyed last.
+/// Any number of guards can exist, and any number of threads can create and destroy them at the same time. A class with
+/// parsers, serialisers, documents or `XercesString`s has a guard as its first member, which is destroyed last.
 ///
-/// The first guard of a process initialises Xerces, and then it stays up until the process ends, guards or not: to
-/// start it takes longer than to read most packages. What it holds then, some 400 KiB, can be reached from its static
-/// objects: checkers of leaks don't report it. The library makes no guard before it needs Xerces, and reading packages
-/// of the usual form needs none.
+/// The first guard of a process initialises Xerces. After that Xerces stays initialised until the process ends, also
+/// without guards, because initialising it takes longer than reading most packages. It keeps about 400 KiB, which leak
+/// checkers don't report, because static objects refer to it. The library creates no guard before it needs Xerces, and
+/// doesn't need Xerces for packages of the usual form.
 ///
-/// An application may call `XMLPlatformUtils::Initialize` and `Terminate` itself, in pairs, and not at the same time
-/// as another thread uses this library. If it has initialised Xerces before the first guard, with a memory manager
-/// of its own perhaps, its last `Terminate` tears Xerces down once no guard lives. A guard that comes later
-/// initialises it anew.
+/// An application can call `XMLPlatformUtils::Initialize` and `Terminate` itself, in pairs, but not while another thread
+/// uses this library. If it has initialised Xerces before the first guard (for example with its own memory manager), its
+/// last `Terminate` terminates Xerces when no guard exists. A later guard initialises Xerces again.
 class OPC_MODEL_EXPORT XercesGuard {
 public:
-    /// Initialises Xerces if it isn't up.
-    /// A failure of Xerces or of the lock passes unchanged, but for lack of memory, which is `std::bad_alloc`;
-    /// then there is no guard.
+    /// Initialises Xerces if necessary.
+    /// @throws std::bad_alloc  Xerces gets no memory
+    /// @throws the exceptions of Xerces and of the lock, unchanged
     XercesGuard();
     XercesGuard(const XercesGuard&) : XercesGuard() {}
 
-    /// Does nothing: each guard stands for itself.
+    /// Does nothing: each guard counts by itself.
     XercesGuard& operator=(const XercesGuard&) = default;
 
-    /// Leaves Xerces up if a guard has initialised it.
+    /// Leaves Xerces initialised if a guard has initialised it.
     ~XercesGuard(); // NOLINT(bugprone-exception-escape): its mutex is never destroyed, so locking it works
 };
 

@@ -20,19 +20,19 @@ XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// What the library does with Xerces: build and search a DOM, read and write whole documents.
+/// The operations of the library on Xerces: building and searching a DOM, reading and writing documents.
 ///
-/// Xerces objects are passed by pointer, never null unless said so. Elements belong to their document, and a
-/// document that was read to its parser. A parser, a serialiser or a document serves one thread at a time.
-/// A failure of Xerces leaves as `InvalidXMLDocument` with the message of Xerces, or as `std::bad_alloc` if it
-/// got no memory: the parser or serialiser in hand can't be used again then.
+/// Pointers to Xerces objects are never null, except where the documentation says so. A document owns its elements, and a
+/// parser owns the documents that it has read. Use a parser, a serialiser or a document from one thread at a time.
+/// Failures of Xerces become `InvalidXMLDocument` with the message of Xerces. If Xerces gets no memory, `std::bad_alloc`
+/// is thrown; don't use that parser or serialiser again.
 class OPC_MODEL_EXPORT XercesHelper {
 public:
     XercesHelper() = delete;
 
     /// @name Building
-    /// Each gives the new element, which stands last in its parent.
-    /// @throws InvalidXMLDocument  if the name isn't valid or may not stand there
+    /// Each returns the new element, which is the last child of its parent.
+    /// @throws InvalidXMLDocument  the name isn't valid or isn't allowed there
     /// @{
 
     static xercesc::DOMElement* appendElement(xercesc::DOMDocument* document, const XercesString& name);
@@ -53,16 +53,16 @@ public:
     /// @}
 
     /// @name Searching
-    /// They look at all descendants of `element`, at any depth and in document order, and not at the element
-    /// itself. A tag name counts with its prefix; "*" stands for any.
+    /// These search all descendants of `element` in document order, but not the element itself. A name includes its
+    /// prefix; "*" matches every name.
     /// @{
 
-    /// The first match, or null.
+    /// @return the first match, or null
     static xercesc::DOMElement* getElement(const xercesc::DOMElement* element, const XercesString& name);
     static xercesc::DOMElement* getElementNS(const xercesc::DOMElement* element,
                                              const XercesString& namespaceURI, const XercesString& localName);
 
-    /// All matches.
+    /// @return all matches
     static std::vector<xercesc::DOMElement*> getElements(const xercesc::DOMElement* element,
                                                          const XercesString& name);
     static std::vector<xercesc::DOMElement*> getElementsNS(const xercesc::DOMElement* element,
@@ -74,25 +74,25 @@ public:
     /// @name Reading values
     /// @{
 
-    /// @return whether the attribute is there; if not, `value` stays as it was
+    /// @return whether the element has the attribute; if not, `value` doesn't change
     static bool getElementAttribute(const xercesc::DOMElement* element, const XercesString& name,
                                     std::u16string& value);
     static bool getElementAttributeNS(const xercesc::DOMElement* element, const XercesString& namespaceURI,
                                       const XercesString& localName, std::u16string& value);
 
-    /// The value of the first child alone: text behind a comment or a CDATA section isn't part of it, and a
-    /// comment or an instruction that stands first gives its own.
-    /// @param element  may be null
-    /// @return false if `element` is null; `text` is emptied in any case
+    /// Gives the value of the first child only: text after a comment or a CDATA section isn't part of it. If the first
+    /// child is a comment or a processing instruction, this is its text.
+    /// @param element  can be null
+    /// @return false if `element` is null; then `text` is empty
     static bool getElementText(const xercesc::DOMElement* element, std::u16string& text);
 
-    /// As `getElementText`, without ASCII white space at the end. White space in front stays.
+    /// As `getElementText`, without ASCII white space at the end. White space at the start stays.
     static bool getTrimmedElementText(const xercesc::DOMElement* element, std::u16string& text);
 
     /// @}
 
     /// @name Making
-    /// What they give may be kept only while the caller holds a `XercesGuard`.
+    /// Keep the results only while a `XercesGuard` exists.
     /// @{
 
     /// An empty document: no root element and no doctype.
@@ -101,8 +101,7 @@ public:
     /// A parser with a grammar pool of its own.
     static std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> createParser();
 
-    /// A serialiser with all parameters at their defaults. The form that signatures are made over rests on
-    /// it.
+    /// A serialiser with the default parameters. Signatures are made over the form that it writes.
     static std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> createWriter();
 
     static std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> createPrettyPrintingWriter();
@@ -111,30 +110,29 @@ public:
 
     /// @name Reading documents
     ///
-    /// A DTD in any form, another encoding than UTF-8 and UTF-16, and documents built to exhaust the reader
-    /// are refused: elements nested deeper than 1000, more than 10000 comments, more than 2000 different names
-    /// or namespaces, more than 1000 attributes on an element or 4000 on elements nested in each other, more
-    /// than 1000 IDs that fall together in the parser's table, and tags and comments of more than 4 MiB. Each
-    /// document is read as by a new parser. Nothing outside the stream is opened,
-    /// whatever the document asks for, unless the caller passes a schema location.
+    /// These refuse a DTD in any form, encodings other than UTF-8 and UTF-16, and documents made to exhaust the reader:
+    /// elements nested deeper than 1000, more than 10000 comments, more than 2000 different names or namespaces, more
+    /// than 1000 attributes on an element or 4000 on elements nested in each other, more than 1000 IDs with the same
+    /// place in the parser's hash table, and tags or comments longer than 4 MiB. Each document is read as if by a new
+    /// parser. Nothing outside the stream is opened, unless the caller passes a schema location.
     ///
-    /// The document stays the parser's and lives until its `resetDocumentPool()` or release: the caller
-    /// doesn't release it. A parser reads any number of documents, one after the other, also after a failure.
+    /// The parser owns the document, which lives until `resetDocumentPool()` or the release of the parser; the caller
+    /// doesn't release it. A parser can read any number of documents one after the other, also after a failure.
     /// Exceptions of the stream pass unchanged.
     ///
-    /// @param validate         whether the document must match the grammars that the parser has cached; once
-    ///                         on, validation stays on for this parser
-    /// @param schemaLocation   where a further schema stands; empty for none
-    /// @param schemaNamespace  the namespace of that schema; empty for a schema without one
+    /// @param validate         whether the document must match the grammars that the parser has cached. Once switched on,
+    ///                         validation stays on for this parser
+    /// @param schemaLocation   the location of a further schema; empty for none
+    /// @param schemaNamespace  the namespace of that schema; empty for a schema without a namespace
     /// @throws InvalidXMLDocument
     /// @{
 
-    /// @param stream  open, at the first byte. It is read to its end, and not closed.
+    /// @param stream  open, at its first byte. It is read to its end and not closed
     static xercesc::DOMDocument* readDocumentFromStream(xercesc::DOMLSParser* parser, InputStream& stream,
                                                         bool validate, const std::u16string& schemaLocation,
                                                         const std::u16string& schemaNamespace);
 
-    /// Reads `text` as UTF-16, whatever its own XML declaration says of the encoding.
+    /// Reads `text` as UTF-16, whatever encoding its XML declaration names.
     static xercesc::DOMDocument* readDocumentFromString(xercesc::DOMLSParser* parser,
                                                         const std::u16string& text, bool validate,
                                                         const std::u16string& schemaLocation,
@@ -143,20 +141,19 @@ public:
     /// @}
 
     /// @name Writing documents
-    /// A document with a doctype, or with characters that XML can't hold, is refused before a byte goes out.
-    /// A serialiser that failed can't be used again: it leaves out the namespace declarations that the failed
-    /// document had open.
+    /// These refuse a document with a DTD, or with characters that XML doesn't allow, before they write a byte. Don't use
+    /// a serialiser again after a failure: it would omit the namespace declarations that the failed document had open.
     /// @throws InvalidXMLDocument
     /// @{
 
-    /// Writes with an XML declaration, a new document in UTF-8. The stream isn't closed. Once it says that it
-    /// is done it is given no more bytes, which isn't an error.
+    /// Writes the document with an XML declaration; a new document in UTF-8. The stream isn't closed. When the stream is
+    /// done, the remaining bytes are dropped; this isn't an error.
     static void writeDocumentToStream(xercesc::DOMLSSerializer* serializer,
                                       const xercesc::DOMDocument* document, OutputStream& stream);
 
-    /// Writes in UTF-16.
-    /// @param result       takes the text in place of what it held
-    /// @param declaration  a serialiser that was once told `Omit` goes on omitting it
+    /// Writes the document in UTF-16.
+    /// @param result       receives the text
+    /// @param declaration  after a call with `Omit` this serialiser always omits the declaration
     static void writeDocumentToString(xercesc::DOMLSSerializer* serializer,
                                       const xercesc::DOMDocument* document, std::u16string& result,
                                       const XmlDeclaration& declaration);

@@ -11,13 +11,13 @@ namespace opc::model {
 
 static_assert(std::is_same_v<XMLCh, char16_t>, "Xerces must be built with char16_t as its character");
 
-/// A zero-terminated text in memory of Xerces, as Xerces takes names.
+/// A zero-terminated text in memory of Xerces, which Xerces expects for names.
 ///
-/// Owns its buffer and isn't copied: pass it by reference, and build a name that is used often once. A
-/// `XercesGuard` must live as long as it does.
+/// It owns its buffer and can't be copied: pass it by reference, and create it once for a name that is used often. A
+/// `XercesGuard` must exist while it exists.
 class OPC_MODEL_EXPORT XercesString {
 public:
-    /// Takes `text` up to its first zero.
+    /// Copies `text` up to its first zero.
     explicit XercesString(const std::u16string& text);
 
     /// @param text  zero-terminated; null counts as empty
@@ -36,7 +36,7 @@ public:
     operator std::u16string() const { return toString(); }
     std::u16string toString() const { return xmlString; }
 
-    /// The buffer itself, which stays this object's.
+    /// The buffer, which this object owns.
     operator char16_t*() { return xmlString; }
     const char16_t* toXMLCh() const { return xmlString; }
 
