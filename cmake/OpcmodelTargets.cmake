@@ -50,6 +50,6 @@ function(opcmodel_test name)
   target_include_directories(test_${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/src")
   target_compile_definitions(test_${name} PRIVATE
     OPCMODEL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
-  target_link_libraries(test_${name} PRIVATE opcmodel_flags ${TEST_LIBRARIES} GTest::gtest_main)
+  target_link_libraries(test_${name} PRIVATE opcmodel_flags ${TEST_LIBRARIES} opcmodel_cases GTest::gtest_main)
   gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

@@ -1,0 +1,82 @@
+#include "support/Cases.hpp"
+
+#include <fstream>
+#include <map>
+#include <stdexcept>
+
+namespace opc::test {
+
+namespace {
+
+std::string unescaped(const std::string& column) {
+    static const std::map<char, std::string> BY_LETTER = {{'n', "\n"}, {'r', "\r"},  {'t', "\t"},
+                                                          {'s', " "},  {'\\', "\\"}, {'e', ""}};
+    std::string text;
+    std::size_t start = 0;
+    for (std::size_t at = 0; (at = column.find('\\', start)) != std::string::npos;) {
+        text.append(column, start, at - start);
+        const char letter = column.at(at + 1);
+        const std::size_t digits = letter == 'x' ? 2 : letter == 'u' ? 4 : 0;
+        start = at + 2 + digits;
+        if (digits == 0 && BY_LETTER.count(letter) == 0)
+            throw std::runtime_error("there is no such escape: " + column);
+        const auto number = [&] { return std::stoul(column.substr(at + 2, digits), nullptr, 16); };
+        if (letter == 'x')
+            text += static_cast<char>(number());
+        else
+            text += letter == 'u' ? toUDEString(std::u16string(1, static_cast<char16_t>(number())))
+                                  : BY_LETTER.at(letter);
+    }
+    return text.append(column, start);
+}
+
+/// The columns of a line behind those of its heading.
+std::vector<std::string> split(const std::string& line, std::vector<std::string> columns) {
+    const std::string padded = " " + line + " ";
+    for (std::size_t start = 0, end = 0; end != std::string::npos; start = end + 2) {
+        end = padded.find(" | ", start);
+        const std::string column = padded.substr(start, end - start);
+        const std::size_t first = std::min(column.find_first_not_of(' '), column.size());
+        columns.push_back(unescaped(column.substr(first, column.find_last_not_of(' ') + 1 - first)));
+    }
+    return columns;
+}
+
+} // namespace
+
+std::vector<FileCase> readCases(const std::string& file, std::size_t columns) {
+    std::vector<FileCase> lines;
+    std::ifstream stream(OPCMODEL_TEST_DATA "/" + file);
+    std::size_t number = 0;
+    for (std::string line; std::getline(stream, line);) {
+        ++number;
+        if (line.empty() || line == "#" || line.rfind("# ", 0) == 0)
+            continue;
+        if (line.front() == ' ' && !lines.empty())
+            lines.back().columns[0] += line.substr(line.find_first_not_of(' ') - 1);
+        else
+            lines.push_back({file + ":" + std::to_string(number), {line}});
+    }
+    std::vector<FileCase> cases;
+    std::vector<std::string> heading;
+    std::string unused = file; // the place of what has no cases as yet
+    for (const auto& [place, texts] : lines) {
+        const std::string& line = texts[0];
+        if (line.front() == '[' && line.back() == ']') {
+            if (!heading.empty() && !unused.empty())
+                break;
+            heading = split(line.substr(1, line.size() - 2), {});
+            unused = place;
+            continue;
+        }
+        cases.push_back({place, split(line, heading)});
+        if (cases.back().columns.size() != columns)
+            throw std::runtime_error(place + ": there should be " + std::to_string(columns) + " columns");
+        unused.clear();
+    }
+    if (!unused.empty())
+        throw std::runtime_error(unused + ": no cases");
+    return cases;
+}
+
+} // namespace opc::test
