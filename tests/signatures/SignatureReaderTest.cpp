@@ -1,8 +1,10 @@
 #include "signatures/SignatureDocuments.hpp"
+#include "support/Cases.hpp"
 #include "support/Throws.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 
@@ -23,21 +25,15 @@ protected:
 
 constexpr char VALUE[] = "</SignatureValue>";
 constexpr char PART[] = "<!--part-->";
-constexpr char SIGNED_TYPE[] = R"(Type="http://www.w3.org/2000/09/xmldsig#Object")";
-constexpr char SHA256_ALGORITHM[] = R"( Algorithm="http://www.w3.org/2001/04/xmlenc#sha256")";
-constexpr char RELATIONSHIP_TRANSFORM[] =
-    R"(<Transform Algorithm="http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform">)";
 
-/// In place of every `what`, the usual content has `replacement`.
+/// In place of every `what`, the usual content has `replacement`; of the first one, if that holds it too.
 struct Change {
     std::string what, replacement;
 
     std::string apply(std::string document = USUAL_SIGNATURE) const {
         document = replaced(document, what, replacement);
-        for (auto at = document.find(what);
-             at != std::string::npos && replacement.find(what) > replacement.size(); at = document.find(what))
-            document.replace(at, what.size(), replacement);
-        return document;
+        return replacement.find(what) == std::string::npos ? replacedAll(document, what, replacement)
+                                                           : document;
     }
 };
 
@@ -49,126 +45,22 @@ Change withCertificate(const std::string& text) {
     return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
 }
 
-Change withRelationshipTransform(const std::string& content) {
-    return {PART,
-            std::string("<Transforms>") + RELATIONSHIP_TRANSFORM + content + "</Transform></Transforms>"};
-}
-
-struct Failure {
-    Change change;
-    std::string message;
-};
-
-const char* const SIGNATURE_VALUE = "<SignatureValue>BAUG</SignatureValue>";
-const char* const PART_URI = R"("/a.xml?ContentType=text/xml")";
-const char* const C14N = R"( Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315")";
-const char* const RSA_SHA256 = R"( Algorithm="http://www.w3.org/2001/04/xmldsig-more#rsa-sha256")";
-const char* const FORMAT = "<pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format>";
-const char* const TIME = "<pds:Value>2024-02-29T12:30Z</pds:Value>";
-Change withRsaKey(const std::string& content) {
-    return withKeyInfo("<KeyValue><RSAKeyValue>" + content + "</RSAKeyValue></KeyValue>");
-}
-
-std::string onlyOne(const std::string& element) {
-    return "There must exist only one " + element + " element in package specific Object element.";
-}
-
-const char* const NO_RSA = "RSA Key Value is missing. DSA for signatures is not supported yet.";
-
-/// The messages go on behind "XML signature: ".
-const Failure MALFORMED[] = {
-    // the value and the key
-    {{SIGNATURE_VALUE, ""}, "SignatureValue is not present."},
-    {{SIGNATURE_VALUE, "<SignatureValue/>"}, "SignatureValue is empty."},
-    {withRsaKey(""), "Modulus is not present."},
-    {withRsaKey("<Modulus/>"), "Modulus is empty."},
-    {withRsaKey("<Modulus>AQ==</Modulus>"), "Exponent is not present."},
-    {withRsaKey("<Modulus>AQ==</Modulus><Exponent/>"), "Exponent is empty."},
-    {withKeyInfo("<X509Data><X509Certificate/></X509Data>"), "x509CertificateElement is empty."},
-    // the objects
-    {{"</Object>", "</Object><Object>text</Object>"}, "Object missing Id attribute."},
-    {{"<Manifest>", "<Manifest/><Manifest>"}, onlyOne("Manifest")},
-    {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-     onlyOne("SignatureProperties")},
-    {{"</Object>", "</Object><Object Id='idPackageObject'/>"}, onlyOne("Manifest")},
-    {{"</Object>", "</Object><Object Id='idPackageObject'><Manifest/></Object>"},
-     onlyOne("SignatureProperties")},
-    // references, whose checks have an order
-    {{R"( URI="/a.xml?ContentType=text/xml")", ""}, "Manifest reference missing URI attribute."},
-    {{R"( URI="#idPackageObject")", ""}, "Manifest reference missing URI attribute."},
-    {{PART_URI, R"("/é.xml")"}, "Reference URI is not valid"},
-    {{PART_URI, R"("/%zz")"}, "Reference URI is not valid"},
-    {{std::string("<DigestMethod") + SHA256_ALGORITHM + "/>", ""}, "DigestMethod is not present."},
-    {{std::string("<DigestMethod") + SHA256_ALGORITHM, "<DigestMethod"}, "DigestMethod is empty."},
-    {{"<DigestValue>AQID</DigestValue>", ""}, "DigestValue is not present."},
-    {{"<DigestValue>AQID</DigestValue>", "<DigestValue/>"}, "DigestValue is empty."},
-    {{PART, "<Transforms><Transform/></Transforms>"}, "TransformMethod is empty."},
-    {withRelationshipTransform("<pds:RelationshipGroupReference/><pds:RelationshipReference/>"),
-     "SourceID of a relationship transform is empty."},
-    {withRelationshipTransform("<pds:RelationshipGroupReference/><pds:RelationshipReference SourceId=''/>"),
-     "Source type of a relationship group transform is empty."},
-    // the properties
-    {{R"( Target="#Signature7")", ""}, "SignatureProperty does not have a target."},
-    {{"pds:SignatureTime>", "pds:Other>"}, "SignatureTime is not present."},
-    {{"pds:SignatureTime>", "SignatureTime>"}, "SignatureTime is not present."},
-    {{FORMAT, ""}, "Format is not present."},
-    {{FORMAT, "<pds:Format/>"}, "Format is empty."},
-    {{TIME, "<Value>2024</Value>"}, "Value is not present."},
-    {{TIME, "<pds:Value/>"}, "Value is empty."},
-    // SignedInfo
-    {{"SignedInfo>", "Other>"}, "SignedInfo is not present."},
-    {{std::string("<CanonicalizationMethod") + C14N + "/>", ""}, "CanonicalizationMethod is not present."},
-    {{C14N, ""}, "CanonicalizationMethod is empty."},
-    {{std::string("<SignatureMethod") + RSA_SHA256 + "/>", ""}, "SignatureMethod is not present."},
-    {{RSA_SHA256, ""}, "SignatureMethod is empty."},
-    {{SIGNED_TYPE, ""}, "referenceType is empty."},
-    {{SIGNED_TYPE, "Type=''"}, "referenceType is empty."},
-    {{R"("#idPackageObject")", R"("#idOther")"}, "Could not find referenced object idOther"},
-    {{R"("#idPackageObject")", R"("/a.xml")"}, "Could not find referenced object "},
-};
-
-const Failure UNSUPPORTED[] = {
-    {withKeyInfo("<KeyValue><DSAKeyValue/></KeyValue>"), NO_RSA},
-    {withKeyInfo("<X509Data><X509Certificate/></X509Data><KeyValue/>"), NO_RSA},
-    {withKeyInfo("<X509Data><X509SKI>AQ==</X509SKI></X509Data>"),
-     "Supported key management mechanisms in signatures are KeyValue using RSA or X509 certificates. Others "
-     "are not supported."},
-    {{R"("/a.xml?ContentType=text/xml"><!--part-->)", R"(""><Transforms><Transform/></Transforms>)"},
-     "XML Signature: Reference does not have a URI. It is not supported."},
-    {{SIGNED_TYPE, R"(Type="http://www.w3.org/2000/09/xmldsig#object")"},
-     "XML Signature: referenceType not supported yet."},
-};
-
 TEST_F(SignatureReader, refusesWhatBreaksTheForm) {
-    for (const Failure& f : MALFORMED)
-        expectRefusal<InvalidPartContent>(unknownToSchema(f.change.apply()), "XML signature: " + f.message);
-    for (const Failure& f : UNSUPPORTED)
-        expectRefusal<InvalidPartContent>(unknownToSchema(f.change.apply()), f.message);
+    forEachCase("signatures/malformed.txt", [this](const std::string& message, const std::string& what,
+                                                   const std::string& replacement) {
+        expectRefusal<InvalidPartContent>(unknownToSchema(Change{what, replacement}.apply()), message);
+    });
     EXPECT_EQ(read(USUAL_SIGNATURE).m_signatureId, u"7") << "the reader is fit for the next document";
 }
 
 TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
     // All is wrong; each repair brings the next failure to light.
-    const std::vector<Failure> failures = {
-        {{"BAUG", ""}, "XML signature: SignatureValue is empty."},
-        {withKeyInfo("<KeyValue/>"), NO_RSA},
-        {{R"(Id="idPackageObject")", ""}, "XML signature: Object missing Id attribute."},
-        {{"<Manifest>", "<Manifest/><Manifest>"}, "XML signature: " + onlyOne("Manifest")},
-        {{R"( URI="/a.xml?ContentType=text/xml")", ""},
-         "XML signature: Manifest reference missing URI attribute."},
-        {{"<SignatureProperties>", "<SignatureProperties/><SignatureProperties>"},
-         "XML signature: " + onlyOne("SignatureProperties")},
-        {{R"( Target="#Signature7")", ""}, "XML signature: SignatureProperty does not have a target."},
-        {{C14N, ""}, "XML signature: CanonicalizationMethod is empty."},
-        {{RSA_SHA256, ""}, "XML signature: SignatureMethod is empty."},
-        {{"<DigestValue>AQID</DigestValue>", ""}, "XML signature: DigestValue is not present."},
-        {{SIGNED_TYPE, ""}, "XML signature: referenceType is empty."},
-    };
+    const auto failures = readCases("signatures/steps.txt", 3);
     for (auto first = failures.begin(); first != failures.end(); ++first) {
         std::string document = USUAL_SIGNATURE;
         for (auto failure = first; failure != failures.end(); ++failure)
-            document = failure->change.apply(document);
-        expectRefusal<InvalidPartContent>(unknownToSchema(document), first->message);
+            document = Change{failure->columns[1], failure->columns[2]}.apply(document);
+        expectRefusal<InvalidPartContent>(unknownToSchema(document), first->columns[0]);
     }
 }
 
@@ -194,21 +86,9 @@ TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
 }
 
 TEST_F(SignatureReader, theSchemaAndTheParserRefuseTheRest) {
-    const Change changes[] = {
-        {"</Signature>", ""},
-        {"<SignedInfo>", "<SignedInfo><Other/>"},
-        {"BAUG", "not Base64!"},
-        {" Algorithm=\"http://www.w3.org/2000/09/xmldsig#sha1\"", ""},
-        {"YYYY-MM-DDThh:mmTZD", "YYYY/MM"},
-        {"2024-02-29T12:30Z", "yesterday"},
-        {R"(Id="Signature7")", R"(Id="7")"},
-        {PART,
-         R"(<Transforms><Transform Algorithm="a"><pds:RelationshipReference/></Transform></Transforms>)"},
-        {"<Signature ", "<!DOCTYPE Signature><Signature "},
-        {"<Signature ", "<?xml version='1.0' encoding='ISO-8859-1'?><Signature "},
-    };
-    for (const Change& change : changes)
-        EXPECT_THROW(read(change.apply()), InvalidPartContent) << change.replacement;
+    forEachCase("signatures/invalid.txt", [this](const std::string& what, const std::string& replacement) {
+        EXPECT_THROW(read(Change{what, replacement}.apply()), InvalidPartContent);
+    });
 }
 
 TEST_F(SignatureReader, badKeyMaterialKeepsItsOwnClass) {
@@ -253,24 +133,14 @@ TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
 }
 
 TEST_F(SignatureReader, namesAndTimesOfOthers) {
-    const std::tuple<Change, const char16_t*, const char16_t*> cases[] = {
-        {{R"(Id="Signature7")", R"(Id="Sig7")"}, u"Sig7", u"2024-02-29T12:30:00Z"},
-        {{R"(Id="Signature7")", R"(Id="Signature")"}, u"", u"2024-02-29T12:30:00Z"},
-        {{R"(Id="Signature7")", R"(Id="signature7")"}, u"signature7", u"2024-02-29T12:30:00Z"},
-        {{R"(Id="Signature7")", ""}, u"", u"2024-02-29T12:30:00Z"},
-        {{"2024-02-29T12:30Z", "2023"}, u"7", u"2023-01-01T00:00:00Z"},
-        {{"2024-02-29T12:30Z", "2024-02-29T12:30:45.5+01:00"}, u"7", u"2024-02-29T11:30:45Z"},
-        {{"YYYY-MM-DDThh:mmTZD", "YYYY"}, u"7", u"2024-02-29T12:30:00Z"},
-        {{"2024-02-29T12:30Z", "2023-02-29T12:30Z"}, u"7", u""},
-        {{R"(Id="idSignatureTime" )", ""}, u"7", u""},
-        {{"idSignatureTime", "idsignaturetime"}, u"7", u""},
-    };
-    for (const auto& [change, id, time] : cases) {
-        const DigitalSignatureData& other = read(change.apply());
-        EXPECT_EQ(other.m_signatureId, id) << change.replacement;
-        EXPECT_EQ(opc::convertTimeToString(other.m_signedTime), time) << change.replacement;
-        EXPECT_EQ(other.m_content.signatureProperties.size(), 1U);
-    }
+    forEachCase("signatures/names-and-times.txt",
+                [this](const std::string& what, const std::string& replacement, const std::u16string& id,
+                       const std::string& time) {
+                    const DigitalSignatureData& other = read(Change{what, replacement}.apply());
+                    EXPECT_EQ(other.m_signatureId, id);
+                    EXPECT_EQ(opc::toUDEString(opc::convertTimeToString(other.m_signedTime)), time);
+                    EXPECT_EQ(other.m_content.signatureProperties.size(), 1U);
+                });
     read(inserted(USUAL_SIGNATURE, "<SignatureProperties>",
                   "<SignatureProperty Target='' Id='other'><any xmlns='urn:any'/></SignatureProperty>"));
     EXPECT_EQ(data->m_content.signatureProperties.size(), 2U) << "of another property anything goes";

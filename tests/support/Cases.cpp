@@ -1,8 +1,8 @@
 #include "support/Cases.hpp"
+#include "support/Texts.hpp"
 
 #include <fstream>
 #include <map>
-#include <stdexcept>
 
 namespace opc::test {
 
@@ -52,16 +52,27 @@ std::vector<FileCase> readCases(const std::string& file, std::size_t columns) {
         ++number;
         if (line.empty() || line == "#" || line.rfind("# ", 0) == 0)
             continue;
-        if (line.front() == ' ' && !lines.empty())
-            lines.back().columns[0] += line.substr(line.find_first_not_of(' ') - 1);
+        const std::size_t first = line.find_first_not_of(' ');
+        if (first > 0 && !lines.empty())
+            lines.back().columns[0] += line.substr(line[first] == '<' ? first : first - 1);
         else
             lines.push_back({file + ":" + std::to_string(number), {line}});
     }
     std::vector<FileCase> cases;
     std::vector<std::string> heading;
+    std::vector<std::pair<std::string, std::string>> definitions;
     std::string unused = file; // the place of what has no cases as yet
     for (const auto& [place, texts] : lines) {
-        const std::string& line = texts[0];
+        std::string line = texts[0];
+        const std::size_t equals = line.front() == '{' ? line.find("} = ") : std::string::npos;
+        for (const auto& [name, text] : definitions)
+            line = replacedAll(line, name, text);
+        if (equals != std::string::npos) {
+            definitions.emplace_back(texts[0].substr(0, equals + 1), line.substr(line.find("} = ") + 4));
+            continue;
+        }
+        if (!definitions.empty() && line.find('{') != std::string::npos)
+            throw std::runtime_error(place + ": this name isn't defined");
         if (line.front() == '[' && line.back() == ']') {
             if (!heading.empty() && !unused.empty())
                 break;
@@ -77,6 +88,10 @@ std::vector<FileCase> readCases(const std::string& file, std::size_t columns) {
     if (!unused.empty())
         throw std::runtime_error(unused + ": no cases");
     return cases;
+}
+
+std::string readCase(const std::string& file) {
+    return readCases(file, 1).at(0).columns[0];
 }
 
 } // namespace opc::test

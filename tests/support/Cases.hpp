@@ -24,6 +24,9 @@ struct FileCase {
 /// @throws std::runtime_error  that names the place, if there are no cases or a line breaks the format
 std::vector<FileCase> readCases(const std::string& file, std::size_t columns);
 
+/// The text in a file of one case.
+std::string readCase(const std::string& file);
+
 /// Calls `check` with the columns of each case of the file: texts in UTF-8 or UTF-16, as its parameters are. A
 /// failure in it names the file and the line of the case.
 template <typename... Texts, std::size_t... Index>

@@ -41,6 +41,13 @@ inline std::string replaced(std::string text, const std::string& what, const std
     return text.replace(position, what.size(), replacement);
 }
 
+/// `text` with `replacement` in place of every `what`.
+inline std::string replacedAll(std::string text, const std::string& what, const std::string& replacement) {
+    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += replacement.size())
+        text.replace(at, what.size(), replacement);
+    return text;
+}
+
 /// `text` with `addition` behind the first `what`.
 inline std::string inserted(const std::string& text, const std::string& what, const std::string& addition) {
     return replaced(text, what, what + addition);

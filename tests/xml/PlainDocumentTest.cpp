@@ -1,4 +1,5 @@
 #include "xml/PlainDocument.hpp"
+#include "support/Cases.hpp"
 #include "support/MutatedDocument.hpp"
 #include "support/PackageContent.hpp"
 #include "support/ScannerComparison.hpp"
@@ -16,26 +17,8 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-const std::string RELATIONSHIPS =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n<!---->"
-    "<Relationships xmlns:a='urn' xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
-    "<!-- - > -->\n"
-    "<Relationship Id=\"rId1\" Type=\"http://schemas.example.org/a/2006/main\" "
-    "Target=\"word/document.xml\"/>\n"
-    "<Relationship Target='https://example.com/x_y~z/' TargetMode='External' Type='a/b' "
-    "Id='_2.3-'></Relationship >"
-    "<Relationship Id=\"r3\" Type=\"http://a.b/c\" Target=\"/../a.xml\" TargetMode=\"Internal\" "
-    "/><Relationship Id='&#x72;4' Type='urn:a' Target='http://a.b:80/c?d=%20&amp;e=&apos;#f' "
-    "TargetMode='&#69;xternal'/><Relationship Id=\"r5\" Type=\"a\" Target=\"mailto:&#xE4;\xC3\xA4\\ a\" "
-    "TargetMode=\"External\"/></Relationships>\n<!-- \r\n\t\"' -->";
-
-const std::string CONTENT_TYPES =
-    "\xEF\xBB\xBF<?xml version='1.0' encoding='utf-8' ?>"
-    "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">\n"
-    "  <Default Extension=\"rels\" "
-    "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>\n"
-    "  <Default ContentType=\"image/x_y\" Extension=\"P-N~g_\"/>\n"
-    "  <Override PartName=\"/word/document.xml\" ContentType=\"a/b.c+d-e\"/></Types>";
+const std::string RELATIONSHIPS = readCase("relationships/plain.txt");
+const std::string CONTENT_TYPES = readCase("content-types/plain-stream.txt");
 
 TEST(PlainDocument, theUsualFormIsRecognised) {
     for (const auto& [schema, document] : {std::pair(&schemas::RELATIONSHIPS, RELATIONSHIPS),
@@ -49,39 +32,13 @@ TEST(PlainDocument, theUsualFormIsRecognised) {
 }
 
 TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
-    const std::pair<const char*, std::vector<const char*>> doubts[] = {
-        {"encoding=\"UTF-8\"", {"encoding=\"UTF-16\""}},
-        {"1.0", {"1.1"}},
-        {"yes", {"maybe"}},
-        {"?>", {"? >"}},
-        {"<Relationship ",
-         {"<!-- -- --><Relationship ", "<!-- \xC3\xA4 --><Relationship ", "text<Relationship ",
-          "<Relationship Id=\"x\" ", "<r:Relationship ", "<Other ", "<Relationship", "</Rela<Relationship "}},
-        {"rId1", {"r&#49d1", "r&#;d1", "r&#xFFFFF;", "r&d;", "r&amp;", "1", "r3", "a:b", "", "r\xC3\xA9"}},
-        {"Target=", {"target="}},
-        {"word/document.xml",
-         {"", "//host/x", "a:b", "a%zz", "\xC3\xA4", "a&#9;b", "a&#10;b", "&#32;a", "a&lt;b"}},
-        {"External", {"external"}},
-        {"\xC3\xA4", {"\xC3", "&#133;", "&#x1F600;"}},
-        {"xmlns:a='urn'",
-         {"a='b'", "xmlns:a=''", "xmlns:='b'", "xmlns:xml='http://www.w3.org/XML/1998/namespace'",
-          "xmlns:a='http://www.w3.org/XML/1998/namespace'", "xmlns:a='http://www.w3.org/2000/xmlns/'",
-          "xmlns:xmlns='b'", "xmlns:a:b='c'"}},
-        {"</Relationships>\n", {"</Relationships>\n<a/>", "", "</Relationships><!-- "}},
-        {"<?xml", {" <?xml"}},
-        {" Type=", {"Type="}},
-        {"package/2006", {"package/2007"}},
-    };
     const ScannerComparison comparison(schemas::RELATIONSHIPS);
     ScannerComparison::Elements elements;
-    for (const auto& [from, replacements] : doubts)
-        for (const char* to : replacements)
-            EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, from, to)), elements))
-                << from << " -> " << to;
+    forEachCase("relationships/not-plain.txt", [&](const std::string& from, const std::string& to) {
+        EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, from, to)), elements));
+    });
     EXPECT_FALSE(comparison.scan({}, elements));
-    std::string comments;
-    for (int i = 0; i < 100; ++i)
-        comments += "<!---->";
+    const std::string comments = repeated("<!---->", 100);
     EXPECT_FALSE(comparison.scan(toBytes(replaced(RELATIONSHIPS, "<!---->", comments)), elements));
 }
 
