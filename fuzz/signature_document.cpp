@@ -1,7 +1,7 @@
 #include "FuzzTarget.hpp"
 
-#include "signatures/DigitalSignatureData.hpp"
-#include "signatures/DigitalSignatureSerializer.hpp"
+#include "signatures/document/DigitalSignatureSerializer.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/Exceptions.hpp>

@@ -1,4 +1,4 @@
-#include "signatures/RelationshipsText.hpp"
+#include "signatures/digests/RelationshipsText.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Throws.hpp"

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "signatures/DigestEngines.hpp"
-#include "signatures/DigitalSignatureData.hpp"
-#include "signatures/DigitalSignatureSerializer.hpp"
-#include "signatures/RsaKeys.hpp"
-#include "signatures/SignedText.hpp"
+#include "signatures/algorithms/DigestEngines.hpp"
+#include "signatures/algorithms/RsaKeys.hpp"
+#include "signatures/digests/SignedText.hpp"
+#include "signatures/document/DigitalSignatureSerializer.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Texts.hpp"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "signatures/DigitalSignatureData.hpp"
-#include "signatures/DigitalSignatureSerializer.hpp"
+#include "signatures/document/DigitalSignatureSerializer.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 #include "support/Texts.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "signatures/SignedText.hpp"
+#include "signatures/digests/SignedText.hpp"
 
 #include <gtest/gtest.h>
 

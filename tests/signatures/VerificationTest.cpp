@@ -1,7 +1,7 @@
 #include "SignedPackage.hpp"
-#include "signatures/CryptoErrors.hpp"
-#include "signatures/DataToSign.hpp"
-#include "signatures/DigitalSignatureData.hpp"
+#include "signatures/algorithms/CryptoErrors.hpp"
+#include "signatures/signature/DataToSign.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 #include "support/OpenSslCommand.hpp"
 
 #include <bedrock/certificates/PKCS12Certificate.hpp>

@@ -1,7 +1,7 @@
 #include "support/SignatureComparison.hpp"
 
-#include "signatures/DigitalSignatureData.hpp"
-#include "signatures/SignatureScanner.hpp"
+#include "signatures/document/SignatureScanner.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 #include "support/Outcome.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>

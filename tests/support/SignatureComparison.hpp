@@ -1,6 +1,6 @@
 #pragma once
 
-#include "signatures/DigitalSignatureSerializer.hpp"
+#include "signatures/document/DigitalSignatureSerializer.hpp"
 #include "support/PackageContent.hpp"
 
 #include <string>

@@ -278,7 +278,7 @@ public:
     /// @}
 
 private:
-    friend class CoverageIndex;
+    friend class SignatureCoverage;
 
     using Signatures = std::vector<DigitalSignature>;
 
@@ -311,7 +311,7 @@ private:
 
     std::u16string getNextSignatureID();
     Part getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const;
-    std::optional<URI> findOriginURI() const;
+    std::optional<URI> findOriginOfSignatures() const;
     std::optional<Part> findOriginPart() const;
 
     std::vector<Bytes> computePartDigests(const std::vector<PartName>& partNames,

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -77,8 +78,8 @@ private:
     friend class SignatureVerdict;
 
     PackageCoverage() = default;
-    PackageCoverage(const DigitalSignatureManager& manager, const Package& package,
-                    const std::vector<DigitalSignature>& signatures);
+    PackageCoverage(const Package& package, const std::vector<DigitalSignature>& signatures,
+                    std::optional<URI> originURI);
 
     void addPart(const Part& part);
     void addRelationships(const RelationshipSource& source, const URI& uri,

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "signatures/digests/SignedRelationships.hpp"
+
+#include <opc/model/RelationshipSource.hpp>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace opc::model {
+
+/// The relationships of a package as selectors choose them, for any number of signatures, as long as the package
+/// stays as it is. Takes time for as many relationships and selectors as there are, however often and in whatever
+/// order the sources are named.
+///
+/// The relationship that leads to the countersignature is never selected: it joins those that are signed only
+/// when they have been.
+class SelectableRelationships {
+public:
+    using Group = SignedRelationships::Group;
+
+    /// @param originURI  the name of the signature origin part, if there is one
+    explicit SelectableRelationships(std::optional<URI> originURI) : origin(std::move(originURI)) {}
+    SelectableRelationships(const SelectableRelationships&) = delete;
+    SelectableRelationships& operator=(const SelectableRelationships&) = delete;
+
+    /// @param name  the source's: one for each source, in one spelling
+    /// @throws RelationshipNotFound
+    Group byID(const RelationshipSource& source, const std::u16string& name, const std::u16string& id);
+
+    /// All of a type, in the order of `RelationshipSource::getRelationshipsByType`.
+    /// @param name  the source's: one for each source, in one spelling
+    /// @return null if there are none
+    Group byType(const RelationshipSource& source, const std::u16string& name, const std::u16string& type);
+
+    /// What a signature selects. Signatures that select the same get the same.
+    std::shared_ptr<const SignedRelationships> share(SignedRelationships selected);
+
+private:
+    // Trees, since nobody can choose texts that make them slow.
+    using Groups = std::map<std::u16string, Group>;
+
+    struct Source {
+        Groups byID, byType;
+        bool isGathered = false; // by type, once a few types have been asked for
+    };
+
+    Source& find(const std::u16string& name);
+    void gather(const RelationshipSource& source, Source& known) const;
+    template <typename Relationships>
+    Group makeGroup(const Relationships& relationships) const;
+
+    std::optional<URI> origin;
+    std::map<std::vector<const SelectedGroup*>, std::shared_ptr<const SignedRelationships>> shared;
+    std::map<std::u16string, Source> sources;
+    std::map<std::u16string, Source>::iterator recent = sources.end(); // the next is it or behind it
+};
+
+} // namespace opc::model

@@ -1,0 +1,71 @@
+#include "signatures/digests/PartDigester.hpp"
+
+#include "package/StreamRewinder.hpp"
+#include "signatures/algorithms/DigestEngines.hpp"
+#include "signatures/digests/KeywordsRange.hpp"
+
+#include <bedrock/crypto/CryptoEngine.hpp>
+#include <bedrock/crypto/DigestEngine.hpp>
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+#include <opc/core/StreamHelper.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <sstream>
+#include <string>
+
+namespace opc::model {
+
+namespace {
+
+/// The content of the core properties part without what lies outside every signature.
+std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
+    std::string bytes;
+    {
+        std::ostringstream content;
+        content.exceptions(std::ios_base::badbit); // without memory it would end early, in silence
+        StreamHelper::copyStreamToStream(stream, content);
+        bytes = content.str();
+    }
+    const KeywordsRange keywords = findKeywords(bytes);
+    bytes.erase(keywords.begin, keywords.size);
+    return {bytes.begin(), bytes.end()};
+}
+
+template <typename Action>
+auto translateDigestFailures(const Action& action) {
+    try {
+        return action();
+    } catch (const bedrock::crypto::utils::Exception& e) {
+        throw CouldNotGenerateSignature(std::string("Unable to compute digest. ") + e.what());
+    }
+}
+
+} // namespace
+
+PartDigester::PartDigester(const Package& containing, DigestMethod method)
+    : package(containing), engine(translateDigestFailures([method] {
+          const bedrock::crypto::CryptoEngine cryptoEngine(
+              std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
+          return createDigestEngine(cryptoEngine, method);
+      })) {
+}
+
+const std::vector<unsigned char>& PartDigester::digest(const PartName& name) {
+    InputStream& stream = package.getPart(name).getInputStream();
+    std::vector<unsigned char>& digest = computed[&stream];
+    if (digest.empty())
+        digest = translateDigestFailures([&] { return compute(stream, name); });
+    return digest;
+}
+
+std::vector<unsigned char> PartDigester::compute(InputStream& stream, const PartName& name) const {
+    const StreamRewinder rewinder(stream);
+    if (name.getURI() != PackageHelper::getCorePropertiesURI())
+        return digestStream(engine.get(), stream);
+    return digestBytes(engine.get(), readWithoutKeywords(stream));
+}
+
+} // namespace opc::model

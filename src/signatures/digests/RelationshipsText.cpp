@@ -1,0 +1,159 @@
+#include "signatures/digests/RelationshipsText.hpp"
+
+#include "xml/PlainMarkup.hpp"
+
+#include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/XercesGuard.hpp>
+#include <opc/model/XercesHelper.hpp>
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include <xercesc/dom/DOM.hpp>
+
+namespace opc::model {
+
+namespace {
+
+/// How many bytes a text takes at most in UTF-8, with characters escaped.
+std::uint64_t measureText(std::u16string_view text) {
+    std::uint64_t length = 0;
+    for (const char16_t c : text)
+        length += c > 0x7F ? 3 : c < u' ' || c == u'&' || c == u'<' || c == u'>' || c == u'"' ? 6 : 1;
+    return length;
+}
+
+} // namespace
+
+RelationshipsText::RelationshipsText(const SignedRelationships& relationships) {
+    const std::vector<Entry> entries = collect(relationships);
+    text = serialise(entries);
+    findRuns(entries);
+    open();
+}
+
+std::uint64_t RelationshipsText::measure(const Relationship& relationship) {
+    constexpr std::uint64_t MARKUP =
+        sizeof R"(<Relationship Id="" Target="" TargetMode="External" Type=""/>)";
+    const Relationship::Values& values = *relationship.values;
+    return MARKUP + measureText(values.id) + measureText(values.target) + measureText(values.type);
+}
+
+/// All that an element says of a relationship, in the order that decides which stands first.
+auto RelationshipsText::keys(const Relationship::Values& values) {
+    return std::tie(values.id, values.target, values.type, values.targetMode);
+}
+
+/// Relationships of different sources are often alike.
+std::vector<RelationshipsText::Entry> RelationshipsText::collect(const SignedRelationships& relationships) {
+    // A tree, since many are alike as a rule and nobody can choose texts that make it slow.
+    const auto precedes = [](const Relationship::Values* left, const Relationship::Values* right) {
+        return keys(*left) < keys(*right);
+    };
+    std::map<const Relationship::Values*, std::uint64_t, decltype(precedes)> counts(precedes);
+    for (const auto& [group, times] : relationships.groups())
+        for (const Relationship& relationship : group->relationships)
+            counts[relationship.values.get()] += times;
+
+    std::vector<Entry> entries;
+    entries.reserve(counts.size());
+    for (const auto& [values, count] : counts)
+        entries.push_back({values, count});
+    return entries;
+}
+
+std::string RelationshipsText::serialise(const std::vector<Entry>& entries) {
+    std::string plain;
+    return composePlain(entries, plain) ? plain : writeByXerces(entries);
+}
+
+/// @return whether the document is plain: byte for byte what Xerces writes
+bool RelationshipsText::composePlain(const std::vector<Entry>& entries, std::string& document) {
+    PlainMarkup xml(document);
+    xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?><Relationships>)";
+    for (const Entry& entry : entries) {
+        xml << "<Relationship";
+        xml.addAttribute("Id", entry.values->id);
+        xml.addAttribute("Target", entry.values->target);
+        if (entry.values->targetMode == TargetMode::External)
+            xml.addAttribute("TargetMode", u"External");
+        xml.addAttribute("Type", entry.values->type);
+        xml << "/>";
+    }
+    xml << "</Relationships>";
+    return xml.isPlain() && !entries.empty();
+}
+
+std::string RelationshipsText::writeByXerces(const std::vector<Entry>& entries) {
+    const XercesGuard guard;
+    const XercesString idName(u"Id");
+    const XercesString typeName(u"Type");
+    const XercesString targetName(u"Target");
+    const XercesString targetModeName(u"TargetMode");
+    const XercesString relationshipName(u"Relationship");
+    const auto document = XercesHelper::createDocument();
+    xercesc::DOMElement* const root =
+        XercesHelper::appendElement(document.get(), XercesString(u"Relationships"));
+    for (const Entry& entry : entries) {
+        xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
+        XercesHelper::setElementAttribute(element, idName, std::u16string(entry.values->id));
+        XercesHelper::setElementAttribute(element, typeName, std::u16string(entry.values->type));
+        XercesHelper::setElementAttribute(element, targetName, std::u16string(entry.values->target));
+        if (entry.values->targetMode == TargetMode::External)
+            XercesHelper::setElementAttribute(element, targetModeName, u"External");
+    }
+    std::vector<unsigned char> bytes;
+    ByteArrayOutAdaptor stream(bytes);
+    const auto writer = XercesHelper::createWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    return {bytes.begin(), bytes.end()};
+}
+
+/// An element ends where the next tag begins: the serialiser escapes every `<` in a value.
+void RelationshipsText::findRuns(const std::vector<Entry>& entries) {
+    std::size_t end = std::min(text.find("<Relationship "), text.size());
+    runs.push_back({0, end, 1});
+    for (const Entry& entry : entries) {
+        const std::size_t begin = end;
+        end = text.find('<', begin + 1);
+        runs.push_back({begin, end, entry.count});
+    }
+    if (end < text.size())
+        runs.push_back({end, text.size(), 1});
+}
+
+void RelationshipsText::open() {
+    run = 0;
+    repetition = 0;
+    position = 0;
+}
+
+std::uint64_t RelationshipsText::read(unsigned char* buffer, std::uint64_t count) {
+    std::uint64_t done = 0;
+    while (done < count && !isDone()) {
+        const Run& current = runs[run];
+        const std::size_t length = current.end - current.begin;
+        const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, length - position));
+        std::copy_n(text.data() + current.begin + position, taken, buffer + done);
+        done += taken;
+        position += taken;
+        if (position < length)
+            continue;
+        position = 0;
+        if (++repetition == current.count) {
+            repetition = 0;
+            ++run;
+        }
+    }
+    return done;
+}
+
+bool RelationshipsText::isDone() const {
+    return run == runs.size();
+}
+
+void RelationshipsText::close() {
+}
+
+} // namespace opc::model

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "signatures/digests/SignedRelationships.hpp"
+
+#include <opc/core/InputStream.hpp>
+#include <opc/model/Relationship.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace opc::model {
+
+/// The document that stands for all relationships of a signature where they are digested (the relationship
+/// transform): sorted by ID and target, each as often as it was selected.
+///
+/// A stream over the document's bytes. A relationship that was selected n times is serialised and held once
+/// and read n times, so that many selections of few relationships cost little: n relationships of one type,
+/// each named by a selector of its own, make n² entries. Relationships with the same ID and target, from
+/// different sources, are sorted by type and mode as well, so that signing and verifying come to the same
+/// order.
+class RelationshipsText final : public InputStream {
+public:
+    /// @throws InvalidXMLDocument
+    explicit RelationshipsText(const SignedRelationships& relationships);
+
+    /// How long the element of a relationship is at most, in bytes.
+    static std::uint64_t measure(const Relationship& relationship);
+
+    void open() override;
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
+    bool isDone() const override;
+    void close() override;
+
+private:
+    /// A relationship, and how often it was selected.
+    struct Entry {
+        const Relationship::Values* values;
+        std::uint64_t count;
+    };
+
+    /// Bytes of `text` that stand in the document a number of times, one behind the other.
+    struct Run {
+        std::size_t begin, end;
+        std::uint64_t count;
+    };
+
+    static std::vector<Entry> collect(const SignedRelationships& relationships);
+    static auto keys(const Relationship::Values& values);
+    static std::string serialise(const std::vector<Entry>& entries);
+    static bool composePlain(const std::vector<Entry>& entries, std::string& document);
+    static std::string writeByXerces(const std::vector<Entry>& entries);
+    void findRuns(const std::vector<Entry>& entries);
+
+    std::string text;      // the document with each relationship once
+    std::vector<Run> runs; // in the order of the document, none empty
+    std::size_t run = 0;
+    std::uint64_t repetition = 0;
+    std::size_t position = 0; // in the run
+};
+
+} // namespace opc::model

@@ -1,0 +1,62 @@
+#include "signatures/digests/SignedRelationships.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+/// A list of them takes 32 bytes for each.
+constexpr std::uint64_t MAXIMUM_LISTED = 10000000;
+
+/// What it costs to compose a relationship, as against digesting a byte of it.
+constexpr std::uint64_t COMPOSING = 500;
+
+/// Honest signatures select short relationships, some of them very often. Long ones are a way to keep a verifier busy
+/// with a small package.
+constexpr std::uint64_t LONG = 1024;
+constexpr std::uint64_t WORK_OF_LONG = 4;
+
+std::uint64_t workOf(const SelectedGroup& group) {
+    const bool isLong = group.length > LONG * group.relationships.size();
+    return group.length * (isLong ? WORK_OF_LONG : 1);
+}
+
+} // namespace
+
+void SignedRelationships::add(const Group& group) {
+    const bool isNew = times[group]++ == 0;
+    order.push_back(group.get());
+    entries += group->relationships.size();
+    digestWork += workOf(*group) + (isNew ? COMPOSING * group->relationships.size() : 0);
+}
+
+std::vector<Relationship> SignedRelationships::toVector() const {
+    if (entries > MAXIMUM_LISTED)
+        throw Exception("No more than " + std::to_string(MAXIMUM_LISTED) +
+                        " selected relationships of a signature can be listed.");
+    std::vector<Relationship> all;
+    all.reserve(entries);
+    for (const SelectedGroup* const group : order)
+        all.insert(all.end(), group->relationships.begin(), group->relationships.end());
+    return all;
+}
+
+bool SignedRelationships::operator==(const SignedRelationships& other) const {
+    std::map<const SelectedGroup*, const SelectedGroup*> alike;
+    return std::equal(order.begin(), order.end(), other.order.begin(), other.order.end(),
+                      [&alike](const SelectedGroup* left, const SelectedGroup* right) {
+                          const auto [known, isNew] = alike.try_emplace(left, right);
+                          const auto& ours = left->relationships;
+                          const auto& theirs = right->relationships;
+                          return known->second == right &&
+                                 (!isNew || std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
+                                                       [](const Relationship& a, const Relationship& b) {
+                                                           return a.isCopyOf(b);
+                                                       }));
+                      });
+}
+
+} // namespace opc::model

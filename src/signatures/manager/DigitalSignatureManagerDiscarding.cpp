@@ -1,0 +1,105 @@
+#include <opc/model/DigitalSignatureManager.hpp>
+
+#include "signatures/coverage/SignatureLayout.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+
+#include <optional>
+#include <set>
+
+/// @file
+/// Removal of everything that is taken for a signature, without reading it.
+
+namespace opc::model {
+
+namespace {
+
+bool belongsToSignatures(const Relationship& relationship) {
+    const std::u16string type = relationship.getType();
+    return type == getOriginRelationshipType() || type == getSignatureRelationshipType();
+}
+
+bool belongsToForeignSignatures(const Relationship& relationship) {
+    const std::u16string type = relationship.getType();
+    return type == getForeignOriginRelationshipType() || type == getForeignSignatureRelationshipType();
+}
+
+bool hasContentTypeOfSignatures(const Part& part) {
+    const ContentType type = part.getContentType();
+    return type == getOriginPartContentType() || type == getSignaturePartContentType();
+}
+
+std::optional<PartName> findTarget(const Relationship& relationship) {
+    if (relationship.getTargetMode() == TargetMode::External)
+        return std::nullopt;
+    try {
+        return PartName(relationship.getTargetURI());
+    } catch (const Exception&) { // it leads to no part
+        return std::nullopt;
+    }
+}
+
+/// Where relationships lead, by what they are for.
+class Targets {
+public:
+    void add(const RelationshipSource& source) {
+        for (const Relationship& relationship : source.getRelationships()) {
+            if (const auto target = findTarget(relationship)) {
+                if (belongsToSignatures(relationship))
+                    ofSignatures.insert(*target);
+                else if (belongsToForeignSignatures(relationship))
+                    ofForeignSignatures.insert(*target);
+                else
+                    ofOthers.insert(*target);
+            }
+        }
+    }
+
+    bool isToGo(const Part& part) const {
+        const PartName name = part.getName();
+        return ofSignatures.count(name) != 0 && ofForeignSignatures.count(name) == 0 &&
+               (ofOthers.count(name) == 0 || hasContentTypeOfSignatures(part));
+    }
+
+private:
+    std::set<PartName> ofSignatures;
+    std::set<PartName> ofForeignSignatures;
+    std::set<PartName> ofOthers;
+};
+
+void deleteRelationships(RelationshipSource& source) {
+    for (const Relationship& relationship : source.getRelationships())
+        if (belongsToSignatures(relationship))
+            source.deleteRelationship(relationship.getID());
+}
+
+} // namespace
+
+void DigitalSignatureManager::discardSignatures() {
+    throwIfPackageNotOpenForModify();
+    try {
+        discardAll();
+    } catch (const Exception& e) {
+        throw translated<CouldNotRemoveSignature>(e, e.what());
+    }
+    m_signatures.clear();
+    m_nextSignatureID = 1;
+}
+
+void DigitalSignatureManager::discardAll() {
+    Targets targets;
+    targets.add(getPackage());
+    const auto parts = getPackage().getParts();
+    for (const Part& part : parts)
+        targets.add(part);
+    for (Part part : parts) {
+        if (targets.isToGo(part))
+            getPackage().deletePart(part.getName());
+        else
+            deleteRelationships(part);
+    }
+    deleteRelationships(getPackage());
+}
+
+} // namespace opc::model

@@ -1,0 +1,62 @@
+#include <opc/model/DigitalSignatureManager.hpp>
+
+#include "relationships/RelationshipSourceImpl.hpp"
+#include "signatures/coverage/SignatureLayout.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Package.hpp>
+
+#include <set>
+
+/// @file
+/// Which number a new signature gets: the next one whose names are free.
+
+namespace opc::model {
+
+namespace {
+
+/// The names of signatures in the name of an item that is no part. Other programs, or a later version of this one, may
+/// take the item for such a part, for a piece of it or for its relationships, however the name is spelt.
+void addSignatureNames(const std::u16string& item, std::set<std::u16string>& names) {
+    constexpr std::u16string_view FOLDER = u"_xmlsignatures";
+    constexpr std::u16string_view PREFIX = u"sig";
+    constexpr std::u16string_view EXTENSION = u".xml";
+    const std::u16string text = toLowerASCIIString(item);
+    const std::size_t folder = text.find(FOLDER);
+    if (folder == std::u16string::npos)
+        return;
+    for (std::size_t start = text.find(PREFIX, folder + FOLDER.size()); start != std::u16string::npos;
+         start = text.find(PREFIX, start + 1)) {
+        const std::size_t end = text.find_first_not_of(u"0123456789", start + PREFIX.size());
+        if (end != std::u16string::npos && text.compare(end, EXTENSION.size(), EXTENSION) == 0)
+            names.insert(text.substr(start, end - start));
+    }
+}
+
+} // namespace
+
+std::u16string DigitalSignatureManager::getNextSignatureID() {
+    std::set<std::u16string> taken;
+    for (const DigitalSignature& signature : m_signatures) // whose part may have another name
+        taken.insert(signature.getName());
+    for (const interfaces::IgnoredItem& item : getPackage().getIgnoredItems())
+        addSignatureNames(item.name, taken);
+
+    const std::optional<Part> origin = findOriginPart();
+    const auto isTaken = [&](const std::u16string& id) {
+        const std::u16string name = getSignatureName(id);
+        const PartName partName = getSignaturePartName(name);
+        std::u16string existing;
+        return taken.count(name) > 0 || getPackage().hasPart(partName) ||
+               (getPackage().isPartDerivedFromExistingPartName(partName, existing) &&
+                existing == partName.toString()) || // one further up would be above every number's
+               (origin && origin->getState().usesID(getSignatureRelationshipID(id)));
+    };
+    std::u16string id;
+    do
+        id = toString(std::to_string(m_nextSignatureID++), true);
+    while (isTaken(id));
+    return id;
+}
+
+} // namespace opc::model
