@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""Writes a C++ file with the C++ code of Markdown documents, a function for each block.
+
+  snippets.py OUTPUT DOCUMENT...
+
+A block uses names that it doesn't declare, such as `package` or `path`: these are declared in front of it.
+"""
+import pathlib
+import re
+import sys
+
+HEAD = """#include <opc/core/StreamHelper.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/DigitalSignatureManager.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+#include <opc/model/SignatureCoverage.hpp>
+#include <opc/model/StandardPartInfo.hpp>
+#include <opc/physical/LenientPackage.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+#include <iostream>
+
+using namespace opc::model;
+
+struct Request { std::istream& body(); };
+struct Response { std::ostream& body(); };
+"""
+NAMES = {
+    "package": "Package",
+    "story": "Part",
+    "part": "Part",
+    "signatures": "DigitalSignatureManager",
+    "officeDocument": "const std::u16string",
+    "bytes": "std::vector<unsigned char>",
+    "path": "const std::filesystem::path",
+    "privateKey": "const std::vector<unsigned char>",
+    "publicKey": "const std::vector<unsigned char>",
+    "trustStore": "bedrock::certificates::TrustStore",
+    "request": "Request",
+    "response": "Response",
+}
+
+output, *documents = sys.argv[1:]
+code = [HEAD]
+for document in map(pathlib.Path, documents):
+    text = document.read_text(encoding="utf-8")
+    for number, block in enumerate(re.finditer(r"^```cpp\n(.*?)^```", text, re.DOTALL | re.MULTILINE)):
+        line = text.count("\n", 0, block.start(1)) + 1
+        body = block.group(1)
+        declared = [f"extern {kind} {name};" for name, kind in NAMES.items()
+                    if re.search(rf"\b{name}\b", body) and not re.search(rf"[\w>] {name}(\(|\b *=)", body)]
+        code.append(f'bool {document.stem.lower()}{number}() {{\n{" ".join(declared)}\n'
+                    f'#line {line} "{document}"\n{body}return false;\n}}\n')
+pathlib.Path(output).write_text("\n".join(code), encoding="utf-8")
