@@ -18,18 +18,18 @@ namespace opc::model {
 
 class DigitalSignatureData;
 
-/// A handle on one signature of a package, as `DigitalSignatureManager` gives it.
+/// A handle on one signature of a package. `DigitalSignatureManager` returns handles.
 ///
-/// Copies share the signature, which doesn't change: they may live on different threads, and stay readable
-/// when the signature has been removed or the package closed. What was signed is as it was when the signature
-/// was loaded or made.
+/// Copies share the signature, which doesn't change: different threads can use them, and they stay readable after the
+/// signature was removed or the package closed. The signed parts and relationships are those of the time when the
+/// signature was loaded or made.
 class OPC_MODEL_EXPORT DigitalSignature {
 public:
     DigitalSignature(const DigitalSignature& other) = default;
     DigitalSignature& operator=(const DigitalSignature& other) = default;
     virtual ~DigitalSignature();
 
-    /// By which the manager finds it again: "sig1" for the first signature of a package.
+    /// The name by which the manager finds the signature, such as "sig1" for the first one of a package.
     std::u16string getName() const;
 
     SignatureParams getSignatureParams() const;
@@ -37,17 +37,17 @@ public:
 
     Enumerator<std::vector<PartName>> getSignedPartNames() const;
 
-    /// Each as often as it was selected (`DigitalSignatureManager::sign`).
-    /// @throws opc::Exception  if there are more than 10,000,000, which the list would hold one by one
+    /// @return the signed relationships, each as often as it was selected (see `DigitalSignatureManager::sign`)
+    /// @throws opc::Exception  there are more than 10,000,000
     Enumerator<std::vector<Relationship>> getSignedRelationships() const;
 
-    /// When it was made, in UTC, as the signer says; not-a-date-time if it doesn't say.
+    /// The time of signing in UTC, as the signer claims it; not-a-date-time without a claim.
     boost::posix_time::ptime getSignedTime() const;
 
-    /// The signer's certificate as the signature carries it; empty if it carries none.
+    /// The signer's certificate in the signature; empty if it contains none.
     bedrock::certificates::X509Certificate getCertificate() const;
 
-    /// The further certificates that the signature carries; empty if it carries none.
+    /// The further certificates in the signature; empty if it contains none.
     bedrock::certificates::X509CertificateChain getCertificateChain() const;
 
 private:

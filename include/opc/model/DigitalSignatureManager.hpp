@@ -46,23 +46,21 @@ class SelectableRelationships;
 class SignedRelationships;
 struct Reference;
 
-/// The digital signatures of one package (ECMA-376 Part 2, digital signatures): signs, verifies,
-/// countersigns, removes.
+/// Signs, verifies, countersigns and removes the digital signatures of one package (ECMA-376 Part 2, digital
+/// signatures).
 ///
-/// Made on a package that isn't open yet, and destroyed before it. Signatures are read at the first
-/// operation that needs them, and every operation that changes something writes to the package at once;
-/// `Package::close(false)` then makes it final. A package can be signed when it is open for reading and
-/// writing. One thread at a time, with the package.
+/// Create it before the package is opened, and destroy it before the package. It reads the signatures when an operation
+/// first needs them. Every operation that changes something writes into the package at once, and `Package::close(false)`
+/// writes the file. To sign, open the package `ReadWrite`. Use it in the thread of the package.
 ///
-/// Keys are bytes in the encoded forms of `bedrock::crypto`. An empty trust store stands for the system's
-/// certificates. A signature names the content types of its parts but doesn't protect them, nor the first
-/// `<cp:keywords>` element of the core properties, nor which of the covered sources a relationship belongs to.
+/// Keys are bytes in the encoded forms of `bedrock::crypto`. An empty trust store means the system's certificates. A
+/// signature names the content types of its parts but doesn't protect them. Nor does it protect the first `<cp:keywords>`
+/// element of the core properties, and which of the covered sources a relationship belongs to.
 ///
-/// Every operation that reads signatures raises `InvalidSignature` with code 102 if a signature part can't
-/// be read, if something that it signed is missing, or if something could pass for signed that its signature
-/// value doesn't protect; the next operation tries again. So do `Package`'s operations that leave out what
-/// managers keep. Signatures that hang on relationships of other types, such as office programs make, aren't
-/// seen.
+/// Every operation that reads signatures throws `InvalidSignature` with code 102 if a signature part can't be read, if
+/// something that it signed is missing, or if its document has something that could pass for signed although the
+/// signature value doesn't protect it. The next operation tries again. The functions of `Package` with `ExcludeManaged`
+/// do the same. Signatures with relationships of other types, which office programs make, aren't read.
 class OPC_MODEL_EXPORT DigitalSignatureManager : public DataManager {
 public:
     using Bytes = std::vector<unsigned char>;
@@ -79,49 +77,50 @@ public:
 
     /// @name Signing
     ///
-    /// Signs parts and relationships, writes the signature part and checks the new signature. What fails
-    /// behind the writing leaves the signature in place: `removeSignature` takes it out. The signature has the next
-    /// number whose names nothing else in the package has.
+    /// These sign parts and relationships, write the signature part and check the new signature. If a step after the
+    /// writing fails, the signature stays in the package: remove it with `removeSignature`. The signature gets the next
+    /// number whose names are free.
     ///
-    /// Each selector must match a relationship. One by type takes every relationship of that type, once for each time it is named: n
-    /// relationships of one type and source, each with a selector of its own, count n² times. Each is held
-    /// once, but digested as often as it counts: what all different selections of a package's signatures
-    /// take to digest ends at 2 GiB, in signing as in verifying. The relationship from the origin part to
-    /// the countersignature is never signed.
+    /// Each selector must match a relationship. A selector by type selects all relationships of that type, as often as the
+    /// type is named: n selectors of one type and source that has n such relationships select n² relationships. Each is
+    /// kept once, but digested as often as it was selected. All different selections of the signatures of a package
+    /// together may digest at most 2 GiB, for signing and for verifying. The relationship from the origin part to the
+    /// countersignature is never signed.
     ///
     /// @param parts      the parts to sign; not relationships parts, which are signed through selectors
     /// @param selectors  the relationships to sign
-    /// @param params     digest and signature method, the latter of the key's size
-    /// @throws CouldNotGenerateSignature  whatever fails; the text says what
-    /// @throws opc::Exception  with a certificate or a bundle, if `params` have no size of key
-    /// @throws bedrock::certificates::CertificateException  if a revocation list of the options can't be read
+    /// @param params     the digest, and the signature method for the size of the key
+    /// @return a handle on the new signature
+    /// @throws CouldNotGenerateSignature  signing fails; the text says why
+    /// @throws opc::Exception  `params` has no key size, and a certificate or a bundle is given
+    /// @throws bedrock::certificates::CertificateException  a revocation list in the options can't be read
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
     /// @{
 
-    /// With a key, whose public half goes into the signature.
+    /// Signs with a key, and writes its public half into the signature.
     DigitalSignature sign(const std::vector<PartName>& parts,
                           const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
                           const Bytes& publicKey, const SignatureParams& params);
 
-    /// With a key alone: the signature tells nothing of who made it.
+    /// Signs with a key. The signature says nothing about the signer.
     DigitalSignature sign(const std::vector<PartName>& parts,
                           const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
                           const SignatureParams& params);
 
-    /// With a certificate, which is checked against the trust store first.
+    /// Signs with the key of a certificate, which is validated against the trust store first.
     DigitalSignature sign(const std::vector<PartName>& parts,
                           const std::vector<RelationshipSelector>& selectors, const Bytes& privateKey,
                           const X509Certificate& certificate, const X509CertificateChain& chain,
                           const CertificateValidationOptions& options, const SignatureParams& params,
                           const TrustStore& trustStore);
 
-    /// With the key and the certificates of a bundle.
+    /// Signs with the key and the certificates of a bundle.
     DigitalSignature sign(const std::vector<PartName>& parts,
                           const std::vector<RelationshipSelector>& selectors, const PKCS12Certificate& bundle,
                           const CertificateValidationOptions& options, const SignatureParams& params,
                           const TrustStore& trustStore);
 
-    /// All parts and relationships of the package but those of signatures.
+    /// Signs all parts and relationships of the package, except those of signatures.
     DigitalSignature signPackage(const Bytes& privateKey, const SignatureParams& params);
     DigitalSignature signPackage(const PKCS12Certificate& bundle, const CertificateValidationOptions& options,
                                  const SignatureParams& params, const TrustStore& trustStore);
@@ -130,11 +129,12 @@ public:
 
     /// @name Countersigning
     ///
-    /// A package can have one countersignature. It covers all signatures that stand when it is made, and
-    /// the content through them. A signature added later breaks it; a covered one that is removed makes the
-    /// package's signatures unreadable at the next open: remove the countersignature first.
+    /// A package can have one countersignature. It covers all signatures that exist when it is made, and the content
+    /// through them. Adding a signature later breaks it. If a covered signature is removed, the signatures of the package
+    /// can't be read after the next `open`: remove the countersignature first.
     ///
-    /// @throws CouldNotGenerateSignature  also if there is no signature, or a countersignature already
+    /// @throws CouldNotGenerateSignature  signing fails, the package has no signature, or it has a countersignature
+    ///                                    already
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
     /// @{
 
@@ -155,11 +155,11 @@ public:
     /// @throws PackageNotOpen
     /// @{
 
-    /// All signatures, the countersignature among them, in the order of their relationships and then of
-    /// signing.
+    /// @return all signatures, including the countersignature: first those of the file in the order of their
+    ///         relationships, then the new ones
     Enumerator<std::vector<DigitalSignature>> getSignatures();
 
-    /// @param name  as `DigitalSignature::getName` gives it, such as sig1
+    /// @param name  the name that `DigitalSignature::getName` returns, such as sig1
     /// @throws SignatureNotFound
     DigitalSignature getSignature(const std::u16string& name);
 
@@ -177,39 +177,41 @@ public:
 
     /// @name Verifying
     ///
-    /// Checks the signature value and then every digest that the signature references. Changes nothing.
+    /// These check the signature value, then every digest that the signature references, and then the certificate. They
+    /// change nothing. A signature that doesn't hold gives a status that says why.
     ///
-    /// `verifyAllSignatures` reads each part once, however many signatures cover it; `verifySignature` reads
-    /// them anew each time.
+    /// `verifyAllSignatures` reads each part once, however many signatures cover it; `verifySignature` reads the parts at
+    /// each call.
     ///
-    /// @throws InvalidSignature  with code 102 and its reason, if the signatures of the package together take
-    ///                           too much to digest
-    /// @throws InvalidSignature  the signature can't be checked. The text is "Signature is invalid: " and
-    ///                           the code
+    /// @throws InvalidSignature  with code 102 and the reason: the signatures of the package together need too much
+    ///                           digesting
+    /// @throws InvalidSignature  with another code: the signature can't be checked. The text is "Signature is invalid: "
+    ///                           and the code
     /// @{
 
-    /// By a public key; no certificate is looked at.
+    /// Verifies by a public key; ignores certificates.
     DigitalSignatureVerificationStatus verifySignature(const DigitalSignature& signature,
                                                        const Bytes& publicKey);
 
-    /// By the certificate in the signature, which `fingerprints` or `trustStore` must vouch for.
+    /// Verifies by the certificate in the signature. Its fingerprint must be in `fingerprints`, or `trustStore` must
+    /// trust it.
     DigitalSignatureVerificationStatus verifySignature(const DigitalSignature& signature,
                                                        const FingerprintStore& fingerprints,
                                                        const CertificateValidationOptions& options,
                                                        const TrustStore& trustStore);
 
-    /// By a certificate of the caller's.
+    /// Verifies by a certificate that the caller provides.
     DigitalSignatureVerificationStatus
     verifySignature(const DigitalSignature& signature, const X509Certificate& certificate,
                     const FingerprintStore& fingerprints, const X509CertificateChain& chain,
                     const CertificateValidationOptions& options, const TrustStore& trustStore);
 
-    /// Each signature by its own certificate, until one doesn't hold. A package without signatures passes.
+    /// Verifies each signature by its own certificate, until one doesn't hold. A package without signatures passes.
     DigitalSignatureVerificationStatus verifyAllSignatures(const FingerprintStore& fingerprints,
                                                            const CertificateValidationOptions& options,
                                                            const TrustStore& trustStore);
 
-    /// As `verifySignature` on the countersignature.
+    /// Verifies the countersignature as `verifySignature` does.
     /// @throws SignatureNotFound
     DigitalSignatureVerificationStatus verifyCountersignature(const Bytes& publicKey);
     DigitalSignatureVerificationStatus verifyCountersignature(const FingerprintStore& fingerprints,
@@ -226,25 +228,25 @@ public:
     /// @name Judging
     /// @{
 
-    /// The verdict on which a gate can rely: whether there are signatures, all of them hold by the policy,
-    /// and nothing that the policy asks for is missing. Each part is digested once for all signatures. The
-    /// package is judged as it stands, changes that aren't saved yet included.
+    /// Decides whether the package passes by its signatures: whether it has signatures, all of them hold by the policy,
+    /// and everything else that the policy requires is true. Each part is digested once for all signatures. Changes that
+    /// aren't saved yet count.
     ///
-    /// Unlike `verifySignature` it raises nothing for a signature that can't be read or checked: the answer
-    /// isn't yes then, and the reasons say why.
+    /// Unlike `verifySignature`, it doesn't throw for a signature that can't be read or checked: then the answer isn't
+    /// yes, and the reasons say why.
     /// @throws PackageNotOpen
     SignatureVerdict judge(const SignaturePolicy& policy);
 
-    /// The same of one signature alone, as if there were no other.
+    /// Decides the same for one signature, as if the package had no other.
     /// @throws PackageNotOpen
     /// @throws InvalidSignature  with code 102
     SignatureVerdict judge(const DigitalSignature& signature, const SignaturePolicy& policy);
 
-    /// What these signatures cover, whether they hold or not.
+    /// @return what these signatures cover, whether they hold or not
     /// @throws InvalidSignature  with code 102
     PackageCoverage computeCoverage(const std::vector<DigitalSignature>& by) const;
 
-    /// Whether the package has signatures of the form that office programs make, which aren't read here.
+    /// Whether the package has signatures in the form of office programs, which the library doesn't read.
     /// @throws PackageNotOpen
     bool hasForeignSignatures() const;
 
@@ -252,11 +254,11 @@ public:
 
     /// @name Removing
     ///
-    /// The last signature takes the origin part with it, unless signatures in another form hang on it. Handles on
-    /// a removed signature stay readable.
+    /// Removing the last signature also removes the origin part, unless signatures in another form use it. Handles on a
+    /// removed signature stay readable.
     ///
     /// @throws PackageNotOpen, PackageReadOnly, PackageCreateOnly
-    /// @throws CouldNotRemoveSignature  nothing that had been done by then is undone
+    /// @throws CouldNotRemoveSignature  the store fails; what is removed by then stays removed
     /// @{
 
     /// @throws SignatureNotFound
@@ -265,14 +267,13 @@ public:
 
     void removeAllSignatures();
 
-    /// Does nothing if there is none.
+    /// Does nothing if the package has no countersignature.
     void removeCountersignature();
 
-    /// Removes whatever hangs on the relationships of the two types by which signatures are found, also such
-    /// as can't be read: all these relationships, from whatever source, and the parts that they lead to. A
-    /// part to which a relationship of another type leads stays: it may be the document itself. That doesn't
-    /// keep a part that has the content type of the origin or of signatures, unless the relationship belongs
-    /// to signatures of the other form.
+    /// Removes all signatures, also those that can't be read: all relationships of the two types that lead to signatures,
+    /// from every source, and the parts that they lead to. A part stays if a relationship of another type leads to it,
+    /// since it can be the document itself. But a part with the content type of the origin part or of signature parts
+    /// stays only if that relationship belongs to signatures in the other form.
     void discardSignatures();
 
     /// @}

@@ -5,10 +5,9 @@
 
 namespace opc::model {
 
-/// Whether a signature holds, and if not, why. A value.
+/// Whether a signature holds, and why not. A value type.
 ///
-/// A signature that doesn't hold is told here; one that can't be checked at all raises `InvalidSignature`
-/// instead.
+/// If a signature can't be checked, there is no status: `InvalidSignature` is thrown instead.
 class OPC_MODEL_EXPORT DigitalSignatureVerificationStatus {
 public:
     explicit DigitalSignatureVerificationStatus(
@@ -16,16 +15,16 @@ public:
 
     bedrock::codesigning_verifier::CodesigningVerificationStatus getCodesigningVerificationStatus() const;
 
-    /// 0 if the signature holds; 101 if something that was signed has changed. docs/errors.md has all codes.
+    /// 0 if the signature holds; 101 if something signed has changed. docs/errors.md lists all codes.
     bedrock::codesigning_verifier::ErrorCode getErrorCode() const;
 
     /// Whether the signature holds.
     bool isProperlyCodesigned() const;
 
-    /// Whether the signature value or a digest is wrong: what was signed isn't what stands here.
+    /// Whether the signature value or a digest is wrong: the package isn't as it was signed.
     bool isErrorFromSignature() const;
 
-    /// Whether the signer isn't trusted. The signature value and all digests are right then.
+    /// Whether the signer isn't trusted. Then the signature value and all digests are right.
     bool isErrorFromCertificateChain() const;
 
 private:

@@ -22,55 +22,55 @@ class Package;
 class Part;
 class RelationshipSource;
 
-/// A part whose content type isn't the one that its signature names.
+/// A part whose content type differs from the one that a signature names.
 struct ChangedContentType {
     PartName part;
     std::u16string now;
-    std::u16string whenSigned; ///< empty if the signature names none
+    std::u16string whenSigned; ///< empty if the signature names no content type
 };
 
-/// What some signatures cover of a package, taken together, and above all what they don't. A value, which
-/// doesn't follow later changes of the package.
+/// What several signatures together cover of a package, and what they don't cover. A value type: later changes of the
+/// package don't change it.
 ///
-/// As with `SignatureCoverage`, whether the signatures hold isn't asked here. What belongs to the signatures
-/// themselves doesn't count: the origin part if it is empty, the signature parts, and the relationships that
-/// lead to them.
+/// Like `SignatureCoverage`, it doesn't say whether the signatures hold. The parts and relationships of the signatures
+/// themselves don't count: an empty origin part, the signature parts, and the relationships that lead to them.
 class OPC_MODEL_EXPORT PackageCoverage {
 public:
-    /// How many parts and relationships the package has, but for those of the signatures.
+    /// How many parts and relationships the package has, without those of the signatures.
     /// @{
     std::size_t countParts() const { return partCount; }
     std::size_t countRelationships() const { return relationshipCount; }
     /// @}
 
-    /// What none of the signatures covers, in the order of the package.
+    /// The parts and relationships that none of the signatures covers, in the order of the package.
     /// @{
     const std::vector<PartName>& getUncoveredParts() const { return uncoveredParts; }
     const std::vector<Relationship>& getUncoveredRelationships() const { return uncoveredRelationships; }
     /// @}
 
-    /// Which of the signatures cover the part or the relationship, in the sense of `SignatureCoverage`: their
-    /// places in the list that was asked about, ascending. Takes no longer for those that don't.
+    /// @return the indices of the signatures that cover the part or relationship (see `SignatureCoverage`), ascending.
+    ///         The index counts in the list that the coverage was computed for. The time doesn't depend on the number of
+    ///         the other signatures
     /// @{
     std::vector<std::size_t> findSignatures(const PartName& name) const;
     std::vector<std::size_t> findSignatures(const Relationship& relationship) const;
     /// @}
 
-    /// The covered parts whose content type differs from one that a signature names for them.
+    /// The covered parts whose content type differs from the one in a signature.
     const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
 
-    /// What the store holds beside the parts, and the documents that hold elements which weren't read: the
-    /// model ignores it, another program may not.
+    /// What the model ignores and another program may read: items of the store that aren't parts, and documents with
+    /// elements that weren't read.
     const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
 
-    /// How many bytes of the covered core properties part lie outside every signature, since they are
-    /// keywords, and where they begin.
+    /// The bytes of the covered core properties part that no signature covers, because they are the keywords: how many
+    /// they are, and where they begin.
     /// @{
     std::size_t getKeywordsSize() const { return keywordsSize; }
     std::size_t getKeywordsBegin() const { return keywordsBegin; }
     /// @}
 
-    /// Whether nothing is uncovered, changed in content type or ignored.
+    /// Whether the signatures cover everything, no content type has changed, and nothing is ignored.
     bool isFull() const;
 
 private:

@@ -12,23 +12,23 @@ class CoverageIndex;
 class DigitalSignature;
 class DigitalSignatureManager;
 
-/// What one signature covers, all of it protected by its signature value. A value, which doesn't follow later
-/// changes of the package.
+/// What one signature covers: the parts and relationships that its signature value protects. A value type: later changes
+/// of the package don't change it.
 ///
-/// Whether the signature holds isn't asked here: only if it does, what is covered is as it was signed. Of
-/// what is covered, the content types aren't protected, nor the first `<cp:keywords>` element of the core
-/// properties part, nor which of the covered sources a relationship belongs to.
+/// It doesn't say whether the signature holds. Only if it holds, the covered parts and relationships are as they were
+/// signed. The signature doesn't protect their content types, the first `<cp:keywords>` element of the core properties
+/// part, and which of the covered sources a relationship belongs to.
 class OPC_MODEL_EXPORT SignatureCoverage {
 public:
-    /// @param manager    the one that gave `signature`
+    /// @param manager    the manager that returned `signature`
     /// @throws PackageNotOpen, InvalidSignature
     SignatureCoverage(const DigitalSignatureManager& manager, const DigitalSignature& signature);
 
-    /// Whether the content of the part is covered. Relationships parts never are: ask about relationships.
+    /// Whether the content of the part is covered. Always false for relationships parts: ask for their relationships.
     bool covers(const PartName& name) const;
 
-    /// Whether the relationship is covered: its ID, its type, its target and its mode. Never so for the one
-    /// that leads to the countersignature.
+    /// Whether the ID, type, target and mode of the relationship are covered. Always false for the relationship to the
+    /// countersignature.
     bool covers(const Relationship& relationship) const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace opc::model {
 
-/// The digest of a signature and of what it refers to.
+/// The digest algorithm of a signature, and of the parts and relationships that it covers.
 enum class DigestMethod : std::uint32_t {
     MD5 = 0,
     SHA1 = 1,
@@ -16,15 +16,15 @@ enum class DigestMethod : std::uint32_t {
     SHA512 = 5,
 };
 
-/// The key that a signature is made with: RSA, with a modulus of that many bits.
+/// The key of a signature: RSA with a modulus of this many bits.
 enum class SignatureMethod : std::uint32_t {
     RSA1024 = 0,
     RSA2048 = 1,
     RSA4096 = 2,
-    NoKey = 3, ///< a signature was read that holds no key; can't be signed with
+    NoKey = 3, ///< only for signatures that were read and contain no key
 };
 
-/// How a signature is made: a plain value, copied freely.
+/// The algorithms of a signature. A value type.
 class OPC_MODEL_EXPORT SignatureParams {
 public:
     explicit SignatureParams(DigestMethod digest = DigestMethod::SHA512,
@@ -39,19 +39,19 @@ private:
     SignatureMethod signatureMethod;
 };
 
-/// Whether it has less than 112 bits of security (NIST SP 800-57 part 1), so that others may be able to forge
-/// what is signed by it: MD5 and SHA-1, and keys below 2048 bits. For old documents alone.
+/// Whether the algorithm has less than 112 bits of security (NIST SP 800-57 part 1), so that others may be able to forge
+/// signatures: MD5, SHA-1, and keys below 2048 bits. Use these only for old documents.
 /// @{
 OPC_MODEL_EXPORT bool isWeak(DigestMethod digest);
 OPC_MODEL_EXPORT bool isWeak(SignatureMethod method);
 /// @}
 
 /// @return the size of the key in bits
-/// @throws opc::Exception  for `NoKey` and for any value that has no name
+/// @throws opc::Exception  `method` is `NoKey`, or isn't a value of the enumeration
 OPC_MODEL_EXPORT std::uint64_t signatureMethodToKeySize(SignatureMethod method);
 
 /// @param keySize  in bits
-/// @throws opc::Exception  unless it is 1024, 2048 or 4096
+/// @throws opc::Exception  `keySize` isn't 1024, 2048 or 4096
 OPC_MODEL_EXPORT SignatureMethod keySizeToSignatureMethod(std::uint64_t keySize);
 
 } // namespace opc::model

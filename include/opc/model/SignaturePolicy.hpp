@@ -10,11 +10,10 @@
 
 namespace opc::model {
 
-/// By what `DigitalSignatureManager::judge` judges: who may sign, and how much is asked of a signature. A
-/// value.
+/// The conditions of `DigitalSignatureManager::judge`: who may sign, and what a signature must fulfil. A value type.
 ///
-/// What the validation options say about weak algorithms doesn't count: `acceptWeak` alone does. Nor does it
-/// count that a fingerprint store lets signatures pass by the key that they carry: that names nobody.
+/// Only `acceptWeak` decides about weak algorithms; the validation options don't. A fingerprint store that accepts
+/// signatures by the key that they contain has no effect here, because such a key doesn't identify anybody.
 class OPC_MODEL_EXPORT SignaturePolicy {
 public:
     using Bytes = std::vector<unsigned char>;
@@ -22,22 +21,22 @@ public:
     using FingerprintStore = bedrock::codesigning_verifier::FingerprintStore;
     using TrustStore = bedrock::certificates::TrustStore;
 
-    /// The owner of this key may sign; no certificate is looked at.
+    /// Accepts the owner of this key; ignores certificates.
     static SignaturePolicy byPublicKey(Bytes key);
 
-    /// Whoever has a certificate that leads to one of the store may sign, and whoever has one of these
-    /// fingerprints. An empty store stands for the system's certificates.
+    /// Accepts everyone whose certificate leads to a certificate of the store or has one of these fingerprints. An empty
+    /// store means the system's certificates.
     static SignaturePolicy byTrust(TrustStore trusted, CertificateValidationOptions options = {},
                                    FingerprintStore known = {});
 
-    /// The owners of the certificates with these fingerprints alone may sign.
+    /// Accepts only the owners of the certificates with these fingerprints.
     static SignaturePolicy byFingerprints(FingerprintStore known);
 
     /// Accepts MD5, SHA-1 and RSA keys below 2048 bits, in signatures, certificates and revocation lists.
     SignaturePolicy& acceptWeak(bool accept = true);
 
-    /// Asks that nothing of the package is uncovered, changed in content type or ignored by its store: see
-    /// `PackageCoverage::isFull`.
+    /// Requires that nothing in the package is uncovered, has another content type than when it was signed, or is ignored
+    /// by its store: see `PackageCoverage::isFull`.
     SignaturePolicy& requireFull(bool require = true);
 
     bool isAcceptingWeak() const { return acceptingWeak; }

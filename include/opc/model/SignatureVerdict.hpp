@@ -15,15 +15,15 @@ namespace opc::model {
 
 class SignaturePolicy;
 
-/// By what somebody was found to have made a signature.
+/// How the signer of a signature was identified.
 enum class SignerEvidence {
-    None,        ///< nobody was: the signature doesn't hold, or its signer isn't accepted
-    PublicKey,   ///< the key of the policy; whatever else the signature says of its signer was not checked
-    Certificate, ///< a certificate that leads to a trusted one
-    Fingerprint, ///< a certificate whose fingerprint the policy knows
+    None,        ///< not at all: the signature doesn't hold, or its signer isn't accepted
+    PublicKey,   ///< by the key of the policy; other data about the signer wasn't checked
+    Certificate, ///< by a certificate that leads to a trusted one
+    Fingerprint, ///< by a certificate whose fingerprint the policy knows
 };
 
-/// What `DigitalSignatureManager::judge` found out about one signature. All texts are in English.
+/// The findings of `DigitalSignatureManager::judge` about one signature. All texts are in English.
 struct JudgedSignature {
     explicit JudgedSignature(const DigitalSignature& judged) : signature(judged) {}
 
@@ -31,26 +31,27 @@ struct JudgedSignature {
 
     bool isChecked = false; ///< false if it can't be checked
 
-    /// Whether it is as it was signed, by somebody whom the policy accepts and with algorithms that it accepts.
+    /// Whether nothing has changed since it was signed, and the policy accepts its signer and its algorithms.
     bool holds = false;
 
-    /// 0 if it holds; otherwise as docs/errors.md has it. 11 stands for weak algorithms of the signature, too.
+    /// 0 if it holds; otherwise a code of docs/errors.md. 11 also means weak algorithms of the signature itself.
     bedrock::codesigning_verifier::ErrorCode code = bedrock::codesigning_verifier::ErrorMap<-1>();
 
-    std::string status; ///< what the code means, in a few words: "holds", "content changed"
-    std::string reason; ///< why it doesn't hold, with the part, relationship or certificate; else empty
+    std::string status; ///< the meaning of the code in a few words: "holds", "content changed"
+    std::string
+        reason; ///< why it doesn't hold, with the part, relationship or certificate; empty if it holds
 
     SignerEvidence evidence = SignerEvidence::None;
 
-    /// Whose it is, as far as that was checked: empty without a certificate, and with `None` and `PublicKey`.
+    /// The certificate of the signer, if it was checked: empty without a certificate, and for `None` and `PublicKey`.
     bedrock::certificates::X509Certificate signer;
 
-    /// When it was made, as the signer claims: nobody else vouches for it. Not-a-date-time if nothing is
-    /// claimed, or if the claim isn't protected since the signature value is wrong.
+    /// The time of signing, which only the signer claims. Not-a-date-time without a claim, and if the signature value is
+    /// wrong, because then nothing protects the claim.
     boost::posix_time::ptime claimedTime;
 
-    /// Whether the certificate is accepted for the claimed time and wouldn't be now, since it has expired, for
-    /// instance: who got hold of its key could claim that time, too.
+    /// Whether the certificate is valid at the claimed time and isn't valid now, for example because it has expired.
+    /// Someone else who got its key could claim that time too.
     bool restsOnClaimedTime = false;
 
     /// Each weak algorithm with its place: "RSA key of 1024 bits", "MD5 digest of /a.xml".
@@ -60,49 +61,49 @@ struct JudgedSignature {
 /// Why the answer of a verdict isn't yes.
 struct VerdictReason {
     enum class Kind {
-        NoSignatures,       ///< there is none
+        NoSignatures,       ///< the package has no signatures
         Unreadable,         ///< the signatures can't be read
         NotChecked,         ///< a signature can't be checked
-        ForeignForm,        ///< the package has signatures of another form, which aren't read
-        DoesNotHold,        ///< what was signed has changed, or it wasn't signed by that key
-        SignerNotAccepted,  ///< the certificate isn't trusted, has expired, is revoked …
+        ForeignForm,        ///< the package has signatures in another form, which aren't read
+        DoesNotHold,        ///< something signed has changed, or it wasn't signed by that key
+        SignerNotAccepted,  ///< the certificate isn't trusted, has expired, or was revoked …
         WeakAlgorithm,      ///< a signature, a certificate or a revocation list is too weak
-        NotCovered,         ///< full coverage is asked for, and no signature that holds covers this
-        ContentTypeChanged, ///< full coverage is asked for, and the content type isn't as signed
-        IgnoredItem, ///< only other programs read something: among signed relationships, or, if full coverage
-                     ///< is asked for, anywhere
+        NotCovered,         ///< full coverage is required, and no signature that holds covers this
+        ContentTypeChanged, ///< full coverage is required, and the content type isn't as signed
+        IgnoredItem,        ///< the library ignores something that other programs may read: among signed
+                            ///< relationships or, if full coverage is required, anywhere
     };
 
-    /// Whether it is only known that something can't be known.
+    /// Whether the reason only says that something couldn't be checked.
     bool leavesOpen() const {
         return kind == Kind::Unreadable || kind == Kind::NotChecked || kind == Kind::ForeignForm;
     }
 
     Kind kind;
     std::u16string signature;                      ///< its name; empty if the reason is about the package
-    bedrock::codesigning_verifier::ErrorCode code; ///< of the signature, or of what failed to read; else 0
+    bedrock::codesigning_verifier::ErrorCode code; ///< of the signature, or of the failure to read; else 0
     std::string text;                              ///< in English, with the signature's name
 };
 
-/// The answer to "may this package pass by its signatures?", with all that it rests on. A value.
+/// The answer to "may this package pass by its signatures?", with its reasons. A value type.
 class OPC_MODEL_EXPORT SignatureVerdict {
 public:
     enum class Answer {
-        Yes,       ///< there are signatures, and all that the policy asks for is so
-        No,        ///< it is known not to be so
+        Yes,       ///< the package has signatures, and everything that the policy requires is true
+        No,        ///< something that the policy requires is false
         CannotTell ///< a signature can't be read or checked
     };
 
     Answer getAnswer() const;
     bool isYes() const { return getAnswer() == Answer::Yes; }
 
-    /// Empty exactly if the answer is yes. All reasons, not the first alone.
+    /// All reasons why the answer isn't yes; empty if it is yes.
     const std::vector<VerdictReason>& getReasons() const { return reasons; }
 
     /// Each signature that was judged.
     const std::vector<JudgedSignature>& getSignatures() const { return signatures; }
 
-    /// What the signatures that hold cover.
+    /// The coverage of the signatures that hold.
     const PackageCoverage& getCoverage() const { return coverage; }
 
 private:
