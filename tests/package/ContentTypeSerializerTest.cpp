@@ -1,6 +1,7 @@
 #include "package/ContentTypeSerializer.hpp"
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypesWriter.hpp"
+#include "support/Cases.hpp"
 #include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 
@@ -15,6 +16,7 @@ namespace {
 
 using namespace opc::model;
 using opc::test::Bytes;
+using opc::test::forEachCase;
 
 using Write = void (ContentTypeSerializer::*)(const ContentTypeMap&, opc::OutputStream&) const;
 
@@ -76,46 +78,12 @@ TEST(ContentTypeSerializer, refusesWhatTheRulesRefuse) {
             EXPECT_EQ(map.getOverrides().count(PartName(ContentTypeRules::readPartName(name))), 1U) << entry;
         }
     };
-    const std::u16string_view values[] = {u"",
-                                          u" ",
-                                          u"png",
-                                          u".png",
-                                          u"p.ng",
-                                          u"a%41",
-                                          u"a%4",
-                                          u"a/b",
-                                          u" a/b",
-                                          u"a/b ; c=d",
-                                          u"a/b;c=\"d\\\"e\"",
-                                          u"a/b;c=\"d\t\"",
-                                          u"a/b;",
-                                          u"a /b",
-                                          u"http://h/x",
-                                          u"a/b;c",
-                                          u"a/b (c)",
-                                          u"\u00E9",
-                                          u"a/\u00E9",
-                                          u"a/b;c=\"\u00E9\"",
-                                          u"/a.xml",
-                                          u" /a.xml\n",
-                                          u"a.xml",
-                                          u"/a.",
-                                          u"/a//b",
-                                          u"/",
-                                          u"/..",
-                                          u"/a%2Fb",
-                                          u"/a b",
-                                          u"/a?b",
-                                          u"/a#b",
-                                          u"//a",
-                                          u"/[a]",
-                                          u"\\a"};
-    for (const std::u16string_view value : values) {
+    forEachCase("content-types/attribute-values.txt", [&](const std::u16string& value) {
         compare(value, u"", u"a/b");
         compare(u"png", u"", value);
         compare(u"", value.empty() ? u" " : value, u"a/b");
         compare(u"", u"/a.xml", value);
-    }
+    });
     for (char16_t unit = 0x20; unit < 0x100; ++unit) {
         const std::u16string around = {u'/', u'a', unit, u'b'};
         compare(std::u16string_view(around).substr(1), u"", u"a" + around);

@@ -3,6 +3,7 @@
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipTarget.hpp"
+#include "support/Cases.hpp"
 #include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 #include "xml/PlainURI.hpp"
@@ -16,11 +17,12 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <map>
 
 namespace {
 
 using namespace opc::model;
+using opc::test::forEachCase;
 
 /// Holds what is said of values against what becomes of them in a relationships part.
 class AttributeValues : public testing::Test {
@@ -96,38 +98,6 @@ protected:
 };
 
 TEST_F(AttributeValues, areRefusedByTheRulesIfReadingRefusesThem) {
-    const std::u16string_view values[] = {u"",
-                                          u" ",
-                                          u"a",
-                                          u" a\t\n",
-                                          u"a  b",
-                                          u"1",
-                                          u"a:b",
-                                          u"a:",
-                                          u":",
-                                          u"_.-1",
-                                          u"\u00E9",
-                                          u"/a\\b",
-                                          u"C:\\a",
-                                          u"%",
-                                          u"a%20b#c",
-                                          u"#a#b",
-                                          u"mailto:#@_#",
-                                          u"mailto:a@b",
-                                          u"http://",
-                                          u"http://h/x",
-                                          u"http://h:port",
-                                          u"http://[1::x]/",
-                                          u"file:///c:/x y",
-                                          u"//h",
-                                          u"\U0001F600",
-                                          u"External",
-                                          u"Internal",
-                                          u"internal",
-                                          u" External",
-                                          u"\u2028",
-                                          u"a\u0085",
-                                          u"<&'\">"};
     const auto compareAll = [&](const std::optional<std::u16string_view>& value) {
         compareWithReading({value, u"t", u"x", {}});
         compareWithReading({u"a", value, u"x", {}});
@@ -137,8 +107,8 @@ TEST_F(AttributeValues, areRefusedByTheRulesIfReadingRefusesThem) {
             compareWithReading({u"a", u"t", value, mode});
     };
     compareAll(std::nullopt);
-    for (const std::u16string_view value : values)
-        compareAll(value);
+    forEachCase("relationships/attribute-values.txt",
+                [&](const std::u16string& value) { compareAll(value); });
     for (unsigned unit = 0x20; unit < 0xD800; unit += unit < 0x180 ? 1 : 0x199) {
         const char16_t letters[] = {u'a', static_cast<char16_t>(unit)};
         compareAll(std::u16string_view(letters, 2));
@@ -163,36 +133,20 @@ TEST_F(AttributeValues, areHeldIfTheyComeBackFromADocument) {
                 compareAsTarget({first, second, third});
         }
     }
-    std::istringstream values(
-        "mailto:a@b mailto: http: http:// http://h:port http://h:80 // //- C:\\a dir\\a:b "
-        "http://[::1]/ http://[1::x]/ a%20b #a#b a?b?c urn:a:b");
-    for (std::string value; values >> value;)
-        compareAsTarget(opc::toString(value, true));
-    for (const char16_t* value : {u"a  b", u"a b", u"file:///c:/x y", u"http://\u4E2D.com/\U0001F600"})
-        compareAsTarget(value);
+    forEachCase("relationships/targets.txt", [this](const std::u16string& value) { compareAsTarget(value); });
 }
 
 TEST_F(AttributeValues, plainOnesAreOfTheKindThatTheyAreTakenFor) {
-    const std::pair<PlainURI, std::string> kinds[] = {
-        {PlainURI::Reference, "a/b:c\n../a?b:c#d/e\n#a\n?\n/a%2Fb\\c d\n\\a\na@b;c=!$&'()*+,~\nhttp://a\n"
-                              "https://a-1.b2:8080?c#\nhttp://a." +
-                                  std::string(300, 'b')},
-        {PlainURI::OtherScheme,
-         "mailto:a@b.c?subject=d e\nurn:a:b\nC:\\a b\\c\nfile:/a\nfile:///\\\\a\\b#c\nhttp:a"},
-        {PlainURI::IRI, "\xC3\xA4\nhttp://a/\xE4\xB8\xAD\xF0\x9F\x98\x80\ntel:\xEF\xBC\x91"},
-        {PlainURI::No,
-         ":\n1:a\na b:c\na\\b:c\na%2\na%g0\na#b#c\n a\na \na  b\na\tb\n//a\n\\\\a\n/\\a\n\\/a\na:\na:#b\n"
-         "a://b\na:\\/b\nhttp://\nhttp:///a\nhttp://-a\nhttp://a-.b\nhttp://1.2\nhttp://a@b\n"
-         "http://a:\nhttp://a:b\nhttp://a:1:2\nhttp://a:123456\nhttp://\xC3\xA4\n[a]\na|b\na\x7F\na\xC3\n"
-         "\xED\xA0\x80\n\xEF\xBF\xBE\n\xEF\xBF\xBD\n\xC2\x85\n"},
+    const std::map<std::string, PlainURI> kinds = {{"Reference", PlainURI::Reference},
+                                                   {"OtherScheme", PlainURI::OtherScheme},
+                                                   {"IRI", PlainURI::IRI},
+                                                   {"No", PlainURI::No}};
+    const auto check = [&](const std::string& kind, const std::string& value) {
+        EXPECT_EQ(recognisePlainURI(value), kinds.at(kind)) << value;
+        compareAsTarget(opc::toString(value, true));
     };
-    for (const auto& [kind, values] : kinds) {
-        std::istringstream lines(values);
-        for (std::string value; std::getline(lines, value);) {
-            EXPECT_EQ(recognisePlainURI(value), kind) << value;
-            compareAsTarget(opc::toString(value, true));
-        }
-    }
+    forEachCase("relationships/plain-uris.txt", check);
+    check("Reference", "http://a." + std::string(300, 'b'));
     EXPECT_EQ(recognisePlainURI(""), PlainURI::No);
 }
 

@@ -1,6 +1,7 @@
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipsWriter.hpp"
+#include "support/Cases.hpp"
 #include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Throws.hpp"
@@ -39,20 +40,12 @@ protected:
 };
 
 TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
-    const std::pair<const char*, const char*> cases[] = {
-        {R"(Type="" Target="")", "Type is empty"},
-        {R"(Type="t:é" Target="")", "Type is not a valid URI"},
-        {R"(Type="t:t" Target="")", "Target is empty"},
-        {R"(Type="t:t" Target="" TargetMode="External")", "Target is empty"},
-        {R"(Type="t:t" Target="é")", "Target is not a valid URI for an internal relationship"},
-        {R"(Type="t:t" Target="mailto:a@b" TargetMode="Internal")",
-         "Target of an internal relationship cannot be an opaque URI"},
-    };
-    for (const auto& [attributes, message] : cases) {
-        const Bytes document = relationships(std::string(R"(<Relationship Id="r" )") + attributes + "/>");
-        EXPECT_RAISES(InvalidPartContent, message, read(document));
-        EXPECT_TRUE(manager.isDirty());
-    }
+    forEachCase("relationships/refused.txt",
+                [this](const std::string& message, const std::string& attributes) {
+                    const Bytes document = relationships(R"(<Relationship Id="r" )" + attributes + "/>");
+                    EXPECT_RAISES(InvalidPartContent, message, read(document));
+                    EXPECT_TRUE(manager.isDirty());
+                });
     // What stands in front of a bad element has been taken by then.
     EXPECT_THROW(
         read(relationships(
@@ -113,47 +106,20 @@ TEST_F(RelationshipsDocument, readsWhatCreationWouldRefuse) {
 }
 
 TEST_F(RelationshipsDocument, elementsThatAreNotReadAreCounted) {
-    const std::string uri = R"("http://schemas.openxmlformats.org/package/2006/relationships")";
-    const std::string attributes = R"( Type="t:t" Target="x")";
-    const std::string prefixed = "<r:Relationship Id='p'" + attributes + "/>";
-    const std::string unprefixed = "<Relationship Id='u'" + attributes + "/>";
-    const std::string own = "<o:Relationship xmlns:o=" + uri + " Id='o'" + attributes + "/>";
-    const std::string both = "<Relationships xmlns=" + uri + " xmlns:r=" + uri + ">";
-    const std::string onRoot = "<r:Relationships xmlns:r=" + uri + ">";
-    struct Case {
-        std::string document;
-        std::size_t read;
-        std::size_t unread;
+    const auto check = [this](const std::string& document, const std::string& count,
+                              const std::string& unreadCount) {
+        read(toBytes(document));
+        EXPECT_EQ(std::to_string(manager.getRelationships({}).size()), count);
+        EXPECT_EQ(std::to_string(manager.countUnread()), unreadCount);
     };
-    const Case cases[] = {
-        {onRoot + "</r:Relationships>", 0, 0},
-        {onRoot + prefixed + own + "</r:Relationships>", 0, 2},
-        {onRoot + "<Relationship xmlns=" + uri + " Id='u'" + attributes + "/></r:Relationships>", 1, 0},
-        {both + unprefixed + "<!-- c -->" + prefixed + "</Relationships>", 1, 1},
-        {both + unprefixed + own + "</Relationships>", 1, 1},
-        {"<Relationship xmlns=" + uri + " Id='u'" + attributes + "/>", 0, 1},
-        {toText(relationships(unprefixed + "<Relationship Id='v'" + attributes + ">text</Relationship>")), 2,
-         0},
-        {toText(relationships(unprefixed)), 1, 0},
-    };
-    for (const Case& each : cases) {
-        read(toBytes(each.document));
-        EXPECT_EQ(manager.getRelationships({}).size(), each.read) << each.document;
-        EXPECT_EQ(manager.countUnread(), each.unread) << each.document;
-    }
+    forEachCase("relationships/unread.txt", check);
 }
 
 TEST_F(RelationshipsDocument, isWrittenInTheOrderOfIDs) {
     manager.addInternalRelationship(u"rId2", u"t:2", URI(u"x.xml"));
     manager.addExternalRelationship(u"rId10", u"t:10", u"a&b\"<é");
     const std::string document = write();
-    EXPECT_EQ(document,
-              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
-              "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">\n"
-              "  <Relationship Id=\"rId10\" Target=\"a&amp;b&quot;&lt;\xC3\xA9\" TargetMode=\"External\" "
-              "Type=\"t:10\"/>\n"
-              "  <Relationship Id=\"rId2\" Target=\"x.xml\" Type=\"t:2\"/>\n"
-              "</Relationships>\n");
+    EXPECT_EQ(document, readCase("relationships/written.txt"));
     read(toBytes(document));
     EXPECT_EQ(write(), document) << "what was written reads back";
 }
