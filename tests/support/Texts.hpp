@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace opc::test {
 
@@ -18,6 +19,18 @@ std::array<Text, Count> columns(const Text& row) {
             throw std::logic_error("a row with another number of columns");
         result[i] = row.substr(start, end - start);
         start = end + 3;
+    }
+    return result;
+}
+
+/// What stands between the blanks of a text.
+template <typename Text>
+std::vector<Text> words(const Text& text) {
+    std::vector<Text> result;
+    for (std::size_t start = 0, end = 0; end != Text::npos; start = end + 1) {
+        end = text.find(' ', start);
+        if (end != start && start < text.size())
+            result.push_back(text.substr(start, end - start));
     }
     return result;
 }

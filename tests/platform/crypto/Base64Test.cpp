@@ -1,4 +1,5 @@
 #include "CryptoSupport.hpp"
+#include "support/Cases.hpp"
 
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
@@ -8,22 +9,13 @@ namespace {
 using namespace bedrock::test;
 using bedrock::crypto::utils::base64Decode;
 using bedrock::crypto::utils::base64Encode;
+using opc::test::forEachCase;
 
 TEST(Base64, publishedVectors) {
-    const std::pair<std::string, std::u16string> vectors[] = {
-        {"", u""},
-        {"f", u"Zg=="},
-        {"fo", u"Zm8="},
-        {"foo", u"Zm9v"},
-        {"foob", u"Zm9vYg=="},
-        {"fooba", u"Zm9vYmE="},
-        {"foobar", u"Zm9vYmFy"},
-        {"\xFF\xEF\xBF\xFB\xFF", u"/++/+/8="},
-    };
-    for (const auto& [text, encoded] : vectors) {
+    forEachCase("base64/vectors.txt", [](const std::string& text, const std::u16string& encoded) {
         EXPECT_EQ(base64Encode(bytesOf(text)), encoded);
         EXPECT_EQ(base64Decode(encoded), bytesOf(text));
-    }
+    });
 }
 
 TEST(Base64, everyByteComesBack) {
@@ -42,16 +34,9 @@ TEST(Base64, blanksAndLineEndsAreSkipped) {
 }
 
 TEST(Base64, whatIsntBase64IsRefused) {
-    const std::u16string texts[] = {
-        // padding that is missing, cut short, or out of place; no whole byte
-        u"Z", u"Zg", u"Zg=", u"Zm9v=", u"Zg===", u"=", u"====", u"Zg==Zg==",
-        // bits behind the last byte
-        u"Zh==", u"Zm9=",
-        // another alphabet, a blank that isn't one of XML, like "v" in its low byte, a zero
-        u"Zm9v-_", u"Zm9\u00A0v", u"Zm9\u0176", std::u16string(u"Zm9v\0", 5)};
-    for (const std::u16string& text : texts)
-        EXPECT_TRUE(fails<bedrock::crypto::utils::Exception>([&] { base64Decode(text); }))
-            << std::string(text.begin(), text.end());
+    forEachCase("base64/refused.txt", [](const std::u16string& text) {
+        EXPECT_TRUE(fails<bedrock::crypto::utils::Exception>([&] { base64Decode(text); }));
+    });
 }
 
 } // namespace
