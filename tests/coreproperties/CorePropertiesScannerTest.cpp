@@ -6,8 +6,6 @@
 #include "support/MutatedDocument.hpp"
 #include "support/Texts.hpp"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace opc::model;

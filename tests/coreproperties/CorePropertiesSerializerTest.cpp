@@ -6,7 +6,6 @@
 #include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/CorePropertyField.hpp>
 #include <opc/model/Errors.hpp>

@@ -1,19 +1,10 @@
 #include "coreproperties/CorePropertiesDocument.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
-
-#include <opc/model/CoreProperties.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
+#include "support/PackageTest.hpp"
 
 namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 
 const std::u16string TYPE =
     u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";

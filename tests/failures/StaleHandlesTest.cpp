@@ -1,6 +1,4 @@
-#include "support/Outcome.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
+#include "support/PackageTest.hpp"
 #include "support/TestCertificates.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
@@ -8,16 +6,10 @@
 #include <bedrock/certificates/TrustStore.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
-#include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
 #include <opc/model/SignatureCoverage.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 #include <opc/model/XercesGuard.hpp>
 
-#include <gtest/gtest.h>
 #include <openssl/pkcs12.h>
 
 #include <array>

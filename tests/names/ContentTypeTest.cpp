@@ -2,7 +2,6 @@
 #include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Errors.hpp>
 

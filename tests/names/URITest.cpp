@@ -1,7 +1,6 @@
 #include "support/Cases.hpp"
 #include "support/Throws.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/URI.hpp>
 

@@ -6,11 +6,8 @@
 #include "support/PackageContent.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/model/ContentTypeRules.hpp>
 #include <opc/model/XercesGuard.hpp>
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,15 +1,10 @@
 #include "package/ContentTypeSource.hpp"
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypeSerializer.hpp"
-#include "support/PackageContent.hpp"
+#include "support/PackageTest.hpp"
 #include "support/Texts.hpp"
-#include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 
 #include <sstream>
 
@@ -17,8 +12,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 
 const std::string HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
                          "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";

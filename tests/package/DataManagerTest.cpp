@@ -1,17 +1,11 @@
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
+#include "support/PackageTest.hpp"
 
 #include <opc/model/DataManager.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 
 namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 class CountingManager : public DataManager {
 public:

@@ -1,21 +1,11 @@
 #include "support/Cases.hpp"
-#include "support/Outcome.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
+#include "support/PackageTest.hpp"
 #include "support/Texts.hpp"
-#include "support/Throws.hpp"
-
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 
 namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 namespace errc = boost::system::errc;
 
 const char* const CORE_PROPERTIES =

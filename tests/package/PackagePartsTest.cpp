@@ -1,12 +1,4 @@
-#include "support/Outcome.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
-
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
+#include "support/PackageTest.hpp"
 
 #include <algorithm>
 
@@ -14,8 +6,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 
 class PackageParts : public testing::Test {
 protected:

@@ -1,13 +1,4 @@
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
-
-#include <opc/core/Text.hpp>
-#include <opc/model/CoreProperties.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
-#include <opc/model/StandardPartInfo.hpp>
+#include "support/PackageTest.hpp"
 
 /// @file
 /// Documents with elements that the model doesn't find, and what may be changed all the same.
@@ -16,8 +7,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 
 /// An element that is read unless it has a prefix.
 std::string relationship(const std::string& prefix, const std::string& id, const std::string& target) {

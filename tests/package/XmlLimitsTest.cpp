@@ -1,13 +1,4 @@
-#include "support/Outcome.hpp"
-#include "support/PackageContent.hpp"
-#include "support/Throws.hpp"
-
-#include <opc/core/Text.hpp>
-#include <opc/model/CoreProperties.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
-#include <opc/model/StandardPartInfo.hpp>
+#include "support/PackageTest.hpp"
 
 #include <functional>
 
@@ -18,8 +9,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
-using opc::physical::MemoryPackage;
 
 struct Documents {
     Bytes types, ofPackage, ofPart, properties;

@@ -3,7 +3,6 @@
 #include "support/Encodings.hpp"
 
 #include <opc/core/Exception.hpp>
-#include <opc/core/Text.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "support/Cases.hpp"
-#include "support/TemporaryFolder.hpp"
-
-#include <opc/physical/ZipPackage.hpp>
 
 #include <cstdlib>
 #include <ctime>
@@ -12,7 +9,6 @@
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 /// @return how many oddities there are
 std::size_t readAll(const std::filesystem::path& path, bool lenient) {

@@ -1,12 +1,6 @@
 #include "PhysicalSupport.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
+#include "support/PackageTest.hpp"
 
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
 
 /// @file

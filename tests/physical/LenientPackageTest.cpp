@@ -1,14 +1,8 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/Throws.hpp"
+#include "support/PackageTest.hpp"
 
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
-#include <opc/physical/MemoryPackage.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 namespace {
 
@@ -16,7 +10,6 @@ using namespace opc::test;
 using opc::model::Package;
 using opc::model::PartName;
 using opc::physical::LenientPackage;
-using opc::physical::ZipPackage;
 
 const char* const NO_TYPE = "no content type covers it";
 const char* const NO_SOURCE = "a relationships part without a source";

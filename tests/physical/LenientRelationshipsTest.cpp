@@ -1,15 +1,10 @@
 #include "PhysicalSupport.hpp"
+#include "support/Cases.hpp"
 #include "support/Encodings.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
+#include "support/PackageTest.hpp"
 #include "support/Texts.hpp"
-#include "support/Throws.hpp"
 
-#include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 #include <opc/physical/LenientPackage.hpp>
-#include <opc/physical/MemoryPackage.hpp>
 
 namespace {
 
@@ -19,7 +14,6 @@ using opc::model::InvalidRelationshipContent;
 using opc::model::Package;
 using opc::model::PartName;
 using opc::physical::LenientPackage;
-using opc::physical::MemoryPackage;
 
 const std::string URI = "'http://schemas.openxmlformats.org/package/2006/relationships'";
 const std::string CORE =
@@ -64,12 +58,6 @@ public:
     Package package{lenient};
 };
 
-struct Case {
-    std::string document;      ///< with a $ where a new relationship comes to stand
-    std::string relationships; ///< as `Leniently` gives them
-    std::string oddities;
-};
-
 /// What is odd with one relationship of the package.
 std::string oddity(const std::string& rule, const std::string& idAndLine, const std::string& what) {
     return rule + " /_rels/.rels" + idAndLine + " " + what + ";";
@@ -77,18 +65,19 @@ std::string oddity(const std::string& rule, const std::string& idAndLine, const 
 
 /// That a document is read so, and that whatever is changed, all else in it stays.
 /// @param changed  the document with one relationship more
-void check(const Case& expected, const Bytes& document, const Bytes& changed) {
+void check(const Bytes& document, const Bytes& changed, const std::string& relationships,
+           const std::string& oddities) {
     Leniently opened(document);
     opened.open();
-    EXPECT_EQ(opened.relationships(), expected.relationships);
-    EXPECT_EQ(opened.oddities(), expected.oddities);
+    EXPECT_EQ(opened.relationships(), relationships);
+    EXPECT_EQ(opened.oddities(), oddities);
     opened.package.createExternalRelationship(u"urn:t", u"http://b/?c&d", u"new");
     opened.package.close(false);
     EXPECT_EQ(opened.document(), toText(changed));
 
     opened.open();
-    EXPECT_EQ(opened.relationships(), expected.relationships + "new urn:t http://b/?c&d ext;");
-    EXPECT_EQ(opened.oddities(), expected.oddities);
+    EXPECT_EQ(opened.relationships(), relationships + "new urn:t http://b/?c&d ext;");
+    EXPECT_EQ(opened.oddities(), oddities);
     for (const auto& each : opened.package.getRelationships())
         if (each.getID() != u"new")
             opened.package.deleteRelationship(each.getID());
@@ -104,147 +93,22 @@ void check(const Case& expected, const Bytes& document, const Bytes& changed) {
     EXPECT_EQ(opened.store.hasPart(ROOT_PART), keepsMore);
 }
 
-/// The same in one encoding, or in as many as there are.
-void check(const Case& expected, std::size_t encodings = 1) {
-    const std::string added =
-        "Relationship Id=\"new\" Type=\"urn:t\" Target=\"http://b/?c&amp;d\" TargetMode=\"External\"/>";
-    const bool isPrefixed = expected.document.find("<p:Relationships") != std::string::npos;
-    const std::string after = replaced(expected.document, "$", (isPrefixed ? "<p:" : "<") + added);
-    SCOPED_TRACE(after);
-    const auto given = inAllEncodings(replaced(expected.document, "$", ""));
-    const auto changed = inAllEncodings(after);
-    for (std::size_t i = 0; i < std::min(given.size(), encodings); ++i)
-        check(expected, given[i], changed[i]);
-}
-
-TEST(LenientRelationships, areReadWholeWhateverTheirForm) {
-    const std::string prefixed = "<p:Relationships xmlns:p=" + URI + ">";
-    const std::string one = "<p:Relationship Id='a' Type='urn:t' Target='a.xml'/>";
-    const std::string two = "<q:Relationship xmlns:q=" + URI +
-                            " Id=' b' Type='urn:t&#10;' Target='b&amp;c' TargetMode='External'/>";
-    const std::string three =
-        "<Relationship xmlns=" + URI + " Id='c' Type='urn:t' Target='c.xml'> </Relationship>";
-    const std::string all = "a urn:t a.xml;b urn:t b&c ext;c urn:t c.xml;";
-    const std::string old = "http://schemas.microsoft.com/package/2005/06/relationships";
-    const Case cases[] = {
-        {prefixed + one + two + three + "$</p:Relationships>", all, ""},
-        {"<?xml version='1.0'?>\n<Relationships xmlns=" + URI + " xmlns:p=" + URI + ">" + one + two +
-             "<Relationship Id='c' Type='urn:t' Target='c.xml'/>$" + END,
-         all, ""},
-        {replaced(prefixed, ">", " xmlns='urn:other'><!-- c -->") + one + "<?i?>" + two + three +
-             "<!-- d -->$</p:Relationships>\n",
-         all, ""},
-        {prefixed + "$</p:Relationships>", "", ""},
-        {"<Relationships xmlns='" + old + "'><Relationship Id='a' Type='" + old +
-             "/metadata/core-properties' Target='a.xml'/>$" + END,
-         "a " + CORE + " a.xml;", oddity("M1.20", ":1", "has the namespace of 2005/06")},
-        {"<Relationships xmlns=" + URI +
-             " xmlns:x='http://www.w3.org/2001/XMLSchema-instance' "
-             "x:schemaLocation='a b'>" +
-             GOOD + "$" + END,
-         "a urn:t a.xml;", ""},
-        {"<?xml version='1.1'?>" + prefixed + "\xC2\x85\xE2\x80\xA8$</p:Relationships>", "", ""},
+TEST(LenientRelationships, areReadOneByOneWhateverTheirForm) {
+    const auto checkAll = [](const std::string& document, const std::string& relationships,
+                             const std::string& oddities) {
+        const std::string added =
+            "Relationship Id=\"new\" Type=\"urn:t\" Target=\"http://b/?c&amp;d\" TargetMode=\"External\"/>";
+        const bool isPrefixed = document.find("<p:Relationships") != std::string::npos;
+        const auto given = inAllEncodings(replaced(document, "$", ""));
+        const auto changed = inAllEncodings(replaced(document, "$", (isPrefixed ? "<p:" : "<") + added));
+        for (std::size_t i = 0; i < given.size(); ++i)
+            check(given[i], changed[i], relationships, oddities);
     };
-    for (const Case& each : cases)
-        check(each, 5);
-}
-
-TEST(LenientRelationships, areLeftOutOneByOne) {
-    const auto relationship = [](const std::string& attributes) {
-        return "\n<Relationship " + attributes + "/>";
-    };
-    const std::string nested =
-        "<Relationship Id='x' Type='urn:t' Target='b.xml'><Relationship Id='y' Type='urn:t' "
-        "Target='c.xml'/></Relationship>";
-    const std::tuple<std::string, std::string, std::string> cases[] = {
-        {relationship("Id='x' Type='urn:t' Target=''"), "M1.28", "#x:2 Target is empty"},
-        {relationship("Id='x' Type='urn:t'"), "M1.28", "#x:2 Target is missing"},
-        {relationship("Id='x' Type='urn:t' Target='mailto:#@_#' TargetMode='External'"), "M1.28",
-         "#x:2 Target is not a valid xsd:anyURI"},
-        {relationship("Id='x' Type='urn:t' Target='\xC3\xA4.xml'"), "M1.28",
-         "#x:2 Target is not a valid URI for an internal relationship"},
-        {relationship("Id='x' Type='urn:t' Target='mailto:b'"), "M1.29",
-         "#x:2 Target of an internal relationship cannot be an opaque URI"},
-        {relationship("Id='x' Type='' Target='b'"), "M1.27", "#x:2 Type is empty"},
-        {relationship("Id='x' Target='b'"), "M1.27", "#x:2 Type is missing"},
-        {relationship("Id='1 x' Type='urn:t' Target='b'"), "M1.26", "#1 x:2 Id is not a valid xsd:ID"},
-        {relationship("Type='urn:t' Target='b'"), "M1.26", ":2 Id is missing"},
-        {relationship("Id='x' Type='urn:t' Target='b' TargetMode='internal'"), "M1.20",
-         "#x:2 TargetMode is neither External nor Internal"},
-        {relationship("Id='x' Type='urn:t' Target='b' New='c'"), "M1.20",
-         "#x:2 has an attribute that isn't declared: New"},
-        {relationship("Id='x' Type='urn:t' Target='b' xml:base='c'"), "M1.20",
-         "#x:2 has an attribute that isn't declared: base"},
-        {relationship("Id='x' xmlns:x='u' x:Id='y' Type='urn:t' Target='b'"), "M1.20",
-         "#x:2 has an attribute that isn't declared: Id"},
-        {"\n" + nested, "M1.20", "#x:2 has elements in it"},
-        {"\r<Other Id='x'/>", "M1.20", ":2 has an element that is no relationship: Other"},
-        {"\r\n<o:Relationship xmlns:o='urn:o' Id='x' Type='urn:t' Target='b'/>", "M1.20",
-         ":2 has an element that is no relationship: Relationship"},
-        {" text", "M1.20", ":1 has text between its relationships"},
-    };
-    const std::string last = "<Relationship Id='b' Type='urn:t' Target='b.xml'/>";
-    for (const auto& [bad, rule, what] : cases) {
-        const std::size_t blank = what.find(' ', what.find(':'));
-        check({ROOT + GOOD + bad + last + "$" + END, "a urn:t a.xml;b urn:t b.xml;",
-               oddity(rule, what.substr(0, blank), what.substr(blank + 1))});
-    }
-    check({replaced(ROOT, ">", " xml:space='preserve'>") + GOOD + "$" + END, "a urn:t a.xml;",
-           oddity("M1.20", ":1", "has an attribute that isn't declared: space")});
-}
-
-TEST(LenientRelationships, followMarkupCompatibility) {
-    const std::string begin =
-        "<Relationships xmlns=" + URI +
-        " xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' xmlns:r=" + URI +
-        " xmlns:n='urn:n' mc:Ignorable='n'>";
-    const auto relationship = [](const std::string& id, const std::string& more = {}) {
-        return "<Relationship Id='" + id + "' Type='urn:t' Target='a.xml'" + more + "/>";
-    };
-    const auto alternatives = [&](const std::string& required) {
-        return "<mc:AlternateContent><mc:Choice Requires='" + required + "'>" + relationship("b") +
-               "</mc:Choice><mc:Choice Requires='r'>" + relationship("c") + "</mc:Choice><mc:Fallback>" +
-               relationship("d") + "</mc:Fallback></mc:AlternateContent>";
-    };
-    const std::string ignored =
-        oddity("O1.7", ":1", "has content that programs may ignore (markup compatibility)");
-    const std::pair<std::string, std::string> cases[] = {
-        {relationship("a", " n:x='y'"), "a"},
-        {"<n:x Id='x'><Relationship Id='y'/></n:x>" + relationship("a"), "a"},
-        {"<n:x mc:ProcessContent='n:x'>" + relationship("a") + "</n:x><n:y>" + relationship("b") + "</n:y>",
-         "a"},
-        {"<n:x mc:ProcessContent='n:*'>" + relationship("a") + "</n:x><n:y/>", "a"},
-        {alternatives("n"), "c"},
-        {alternatives("r"), "b"},
-        {"<mc:AlternateContent><mc:Choice Requires='n r'/><mc:Fallback>" + relationship("d") +
-             "</mc:Fallback></mc:AlternateContent>",
-         "d"},
-        {"<mc:AlternateContent><mc:Fallback>" + relationship("a") + "</mc:Fallback></mc:AlternateContent>",
-         "a"},
-        {"<n:x mc:ProcessContent='n:*'>" + relationship("a") + "</n:x>", "a"},
-        {"<n:x mc:MustUnderstand='n'/>" + relationship("a"), "a"},
-    };
-    for (const auto& [content, id] : cases)
-        check({begin + content + "$" + END, id + " urn:t a.xml;", ignored});
-    check({begin + relationship("a") + "$" + END, "a urn:t a.xml;", ""});
+    forEachCase("lenient/relationships.txt", checkAll);
 }
 
 TEST(LenientRelationships, thatAreNoDocumentAreKept) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"", "invalid document structure"},
-        {"text", "invalid document structure"},
-        {ROOT + GOOD, "input ended before all started tags were ended; last tag started is 'Relationships'"},
-        {"<other/>", "The root isn't a Relationships element."},
-        {"<Relationships/>", "The root isn't a Relationships element."},
-        {"<?xml version='1.0' encoding='ISO-8859-1'?>" + ROOT + END, ""},
-        {replaced(ROOT, ">",
-                  " xmlns:n='urn:n' xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
-                  "mc:MustUnderstand='n'>") +
-             END,
-         "The document has content that a program must understand to read it: n"},
-    };
-    for (const auto& [document, reason] : cases) {
-        SCOPED_TRACE(document);
+    forEachCase("lenient/no-relationships.txt", [](const std::string& document, const std::string& reason) {
         Leniently opened(document);
         opened.open();
         EXPECT_EQ(opened.relationships(), "");
@@ -258,7 +122,7 @@ TEST(LenientRelationships, thatAreNoDocumentAreKept) {
         opened.package.getPart(PartName(u"/a.xml")).createExternalRelationship(u"urn:t", u"u:v");
         opened.package.close(false);
         EXPECT_EQ(opened.document(), document);
-    }
+    });
 }
 
 TEST(LenientRelationships, withADocumentTypeAreRefused) {

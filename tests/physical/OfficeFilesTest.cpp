@@ -1,14 +1,11 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 TEST(OfficeFiles, keepEveryItemButTheChangedOnes) {
     const std::pair<const char*, std::size_t> cases[] = {

@@ -2,7 +2,6 @@
 
 #include <opc/core/Text.hpp>
 #include <opc/physical/MemoryPackage.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 #include <cerrno>
 #include <memory>
@@ -14,7 +13,6 @@ namespace {
 
 using namespace opc::test;
 using opc::physical::MemoryPackage;
-using opc::physical::ZipPackage;
 
 using Layer = std::unique_ptr<opc::interfaces::IPhysicalPackage> (*)();
 

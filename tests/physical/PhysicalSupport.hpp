@@ -10,6 +10,7 @@
 #include <opc/interfaces/IPhysicalPartInfo.hpp>
 #include <opc/interfaces/IPhysicalPartSize.hpp>
 #include <opc/interfaces/OpenMode.hpp>
+#include <opc/physical/ZipPackage.hpp>
 
 #include <gtest/gtest.h>
 
@@ -23,16 +24,18 @@
 /// What the tests of both physical layers share.
 namespace opc::test {
 
+using interfaces::CompressionType;
 using interfaces::OpenMode;
+using physical::ZipOptions;
+using physical::ZipPackage;
 
 struct PartInfo : interfaces::IPhysicalPartInfo {
-    explicit PartInfo(interfaces::CompressionType kind = interfaces::CompressionType::Normal)
-        : compression(kind) {}
-    interfaces::CompressionType getCompressionType() const override { return compression; }
+    explicit PartInfo(CompressionType kind = CompressionType::Normal) : compression(kind) {}
+    CompressionType getCompressionType() const override { return compression; }
     std::uint64_t getGrowthHint() const override { return 0; }
     void* getExtraInfo(const std::u16string&) const override { return nullptr; }
 
-    interfaces::CompressionType compression;
+    CompressionType compression;
 };
 
 /// For tests with a file in a folder of its own.

@@ -1,12 +1,9 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
 
-#include <opc/physical/ZipPackage.hpp>
-
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 class Zip64 : public FileTest {};
 

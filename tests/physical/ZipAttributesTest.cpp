@@ -2,8 +2,6 @@
 #include "RawZip.hpp"
 #include "SystemCalls.hpp"
 
-#include <opc/physical/ZipPackage.hpp>
-
 #include <fcntl.h>
 #include <grp.h>
 #include <sys/file.h>
@@ -19,7 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 const char* const ACCESS = "system.posix_acl_access";
 const char* const DEFAULT = "system.posix_acl_default";

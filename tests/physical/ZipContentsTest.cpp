@@ -1,8 +1,5 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
-#include "support/TemporaryFolder.hpp"
-
-#include <opc/physical/ZipPackage.hpp>
 
 #include <zlib.h>
 
@@ -14,10 +11,7 @@
 namespace {
 
 using namespace opc::test;
-using opc::interfaces::CompressionType;
 using opc::interfaces::IPhysicalInputStream;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 /// Text of few words, which compresses as XML does.
 std::string prose(std::size_t size) {

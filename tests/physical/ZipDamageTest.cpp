@@ -1,15 +1,11 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
 
-#include <opc/physical/ZipPackage.hpp>
-
 #include <cerrno>
 
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 void readAll(const Bytes& archive, const ZipOptions& options = {}) {
     ZipPackage package(archive, options);

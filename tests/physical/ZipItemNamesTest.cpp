@@ -2,15 +2,11 @@
 #include "RawZip.hpp"
 #include "support/Cases.hpp"
 
-#include <opc/core/Text.hpp>
-#include <opc/physical/ZipPackage.hpp>
-
 #include <cerrno>
 
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 TEST(ZipItemNames, becomeNamesOfParts) {
     forEachCase("zip/item-names.txt", [](const std::string& item, const std::string& name) {

@@ -2,7 +2,6 @@
 #include "RawZip.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 #include <cerrno>
 
@@ -12,8 +11,6 @@
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 ZipOptions lenient() {
     ZipOptions options;

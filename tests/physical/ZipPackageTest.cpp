@@ -13,9 +13,6 @@
 namespace {
 
 using namespace opc::test;
-using opc::interfaces::CompressionType;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 class ZipPackages : public FileTest {};
 

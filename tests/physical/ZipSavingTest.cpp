@@ -5,7 +5,6 @@
 #include "support/Texts.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -24,9 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using namespace opc::test;
-using opc::interfaces::CompressionType;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 class ZipSaving : public FileTest {};
 

@@ -1,8 +1,6 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
 
-#include <opc/physical/ZipPackage.hpp>
-
 #include <algorithm>
 #include <istream>
 #include <ostream>
@@ -13,8 +11,6 @@
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 
 class ZipStreams : public FileTest {};
 

@@ -2,12 +2,9 @@
 #include "RawZip.hpp"
 #include "SystemCalls.hpp"
 
-#include <opc/physical/ZipPackage.hpp>
-
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipPackage;
 
 class ZipSystemFailure : public FileTest {};
 

@@ -7,10 +7,8 @@
 // The instants come from a fixed seed, and are spread over the time that a save takes here and now.
 
 #include "PhysicalSupport.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/UnfinishedFiles.hpp>
-#include <opc/physical/ZipPackage.hpp>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,8 +22,6 @@
 namespace {
 
 using namespace opc::test;
-using opc::physical::ZipOptions;
-using opc::physical::ZipPackage;
 using Bytes = std::vector<unsigned char>;
 using Clock = std::chrono::steady_clock;
 

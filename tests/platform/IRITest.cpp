@@ -1,9 +1,6 @@
 #include "support/Cases.hpp"
 
 #include <bedrock/network/IRI.hpp>
-#include <opc/core/Text.hpp>
-
-#include <gtest/gtest.h>
 
 #include <array>
 #include <random>

@@ -1,10 +1,8 @@
 #include "support/Cases.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
 #include <boost/date_time/posix_time/posix_time.hpp>
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -9,13 +9,10 @@
 #include "xml/PlainURI.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/RelationshipRules.hpp>
 #include <opc/model/URI.hpp>
 #include <opc/model/XercesGuard.hpp>
-
-#include <gtest/gtest.h>
 
 #include <map>
 

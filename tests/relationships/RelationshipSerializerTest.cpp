@@ -2,12 +2,10 @@
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipsWriter.hpp"
 #include "support/Cases.hpp"
-#include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <malloc.h>

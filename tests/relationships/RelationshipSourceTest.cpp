@@ -1,20 +1,12 @@
 #include "support/Cases.hpp"
-#include "support/PackageContent.hpp"
-#include "support/ScriptedPackage.hpp"
-#include "support/Throws.hpp"
+#include "support/PackageTest.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/interfaces/IKeptRelationships.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 
 namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 class RelationshipSources : public testing::Test {
 protected:

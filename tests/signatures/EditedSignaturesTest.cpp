@@ -2,9 +2,7 @@
 #include "SignedPackage.hpp"
 #include "signatures/SignatureDocuments.hpp"
 #include "support/Cases.hpp"
-#include "support/ScriptedPackage.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/SignatureCoverage.hpp>
 
 #include <ctime>

@@ -9,7 +9,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 using opc::physical::ZipPackage;
 
 /// Signed ZIP packages, taken apart by a script that shares nothing with this library.

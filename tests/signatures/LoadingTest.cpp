@@ -6,7 +6,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 class Loading : public SignedPackage {
 protected:

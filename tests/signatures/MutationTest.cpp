@@ -1,7 +1,5 @@
 #include "SignedPackage.hpp"
 
-#include <opc/core/Exception.hpp>
-
 #include <algorithm>
 #include <random>
 
@@ -9,7 +7,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 /// Changes documents at random, by a fixed series.
 class Mutator {

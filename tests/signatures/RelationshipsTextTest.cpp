@@ -8,8 +8,6 @@
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include <xercesc/dom/DOM.hpp>

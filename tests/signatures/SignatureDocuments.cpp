@@ -6,7 +6,6 @@
 
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/core/Text.hpp>
 
 #include <map>
 

@@ -4,7 +4,6 @@
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "support/PackageContent.hpp"
+#include "support/PackageTest.hpp"
 #include "support/TestCertificates.hpp"
 #include "support/Texts.hpp"
-#include "support/Throws.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
@@ -11,17 +10,16 @@
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
-#include <opc/model/StandardPartInfo.hpp>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <optional>
 
 namespace opc::test {
+
+using bedrock::certificates::CertificateValidationOptions;
+using bedrock::certificates::TrustStore;
+using bedrock::certificates::X509CertificateChain;
+using bedrock::codesigning_verifier::FingerprintStore;
 
 constexpr model::DigestMethod ALL_DIGESTS[] = {model::DigestMethod::MD5,    model::DigestMethod::SHA1,
                                                model::DigestMethod::SHA224, model::DigestMethod::SHA256,

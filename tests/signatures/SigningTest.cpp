@@ -10,7 +10,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 class Signing : public SignedPackage {};
 

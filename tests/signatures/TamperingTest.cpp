@@ -8,7 +8,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using opc::interfaces::OpenMode;
 
 /// What a change leads to: the code of the status or of `InvalidSignature`; or that the package, or the
 /// signature's number, can't be read; or that no signature is found any more.

@@ -2,7 +2,6 @@
 #include "SignedPackage.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/model/SignaturePolicy.hpp>
 #include <opc/model/SignatureVerdict.hpp>
 
@@ -10,10 +9,6 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using bedrock::certificates::CertificateValidationOptions;
-using bedrock::certificates::TrustStore;
-using bedrock::certificates::X509CertificateChain;
-using bedrock::codesigning_verifier::FingerprintStore;
 using Answer = SignatureVerdict::Answer;
 using Kind = VerdictReason::Kind;
 

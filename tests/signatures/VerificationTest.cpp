@@ -5,21 +5,14 @@
 #include "support/OpenSslCommand.hpp"
 
 #include <bedrock/certificates/PKCS12Certificate.hpp>
-#include <bedrock/certificates/X509Certificate.hpp>
-#include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
 namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-using bedrock::certificates::CertificateValidationOptions;
 using bedrock::certificates::PKCS12Certificate;
-using bedrock::certificates::TrustStore;
 using bedrock::certificates::X509Certificate;
-using bedrock::certificates::X509CertificateChain;
-using bedrock::codesigning_verifier::FingerprintStore;
-using opc::interfaces::OpenMode;
 
 class Verification : public SignedPackage {};
 

@@ -4,7 +4,6 @@
 #include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 
-#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/CorePropertyField.hpp>

@@ -1,18 +1,11 @@
-#include "support/PackageContent.hpp"
+#include "support/PackageTest.hpp"
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <opc/model/AlgorithmURIMap.hpp>
-#include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
-#include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/PackageHelper.hpp>
 #include <opc/model/SignatureCoverage.hpp>
-#include <opc/model/StandardPartInfo.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/physical/ZipPackage.hpp>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <future>

@@ -1,6 +1,5 @@
 #include "SchemaParser.hpp"
 #include "relationships/RelationshipsScanner.hpp"
-#include "support/Outcome.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/Text.hpp>

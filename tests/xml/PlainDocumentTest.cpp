@@ -1,7 +1,6 @@
 #include "xml/PlainDocument.hpp"
 #include "support/Cases.hpp"
 #include "support/MutatedDocument.hpp"
-#include "support/PackageContent.hpp"
 #include "support/ScannerComparison.hpp"
 #include "support/Texts.hpp"
 #include "xml/EmbeddedSchemas.hpp"
@@ -9,8 +8,6 @@
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Exception.hpp>
-
-#include <gtest/gtest.h>
 
 namespace {
 

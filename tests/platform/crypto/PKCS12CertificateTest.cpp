@@ -2,7 +2,6 @@
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/PKCS12Certificate.hpp>
-#include <support/OpenSslCommand.hpp>
 
 #include <cstdlib>
 

@@ -1,7 +1,6 @@
 #include "CryptoSupport.hpp"
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
-#include <support/OpenSslCommand.hpp>
 
 #include <openssl/bn.h>
 

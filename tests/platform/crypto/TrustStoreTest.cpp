@@ -3,7 +3,6 @@
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
-#include <support/OpenSslCommand.hpp>
 
 #include <cstdlib>
 

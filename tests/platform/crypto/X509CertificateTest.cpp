@@ -4,7 +4,6 @@
 #include <bedrock/certificates/TrustStore.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
-#include <support/OpenSslCommand.hpp>
 
 #include <algorithm>
 
