@@ -45,18 +45,20 @@ void ContentType::init(const std::u16string& contentType) {
     if (!contenttype::parse(contentType, parsed))
         throw InvalidContentType("Could not successfully parse content type string");
     const auto made = std::make_shared<Body>();
-    made->type = std::move(parsed.type);
-    made->subType = std::move(parsed.subType);
+    made->text = parsed.name;
     for (auto& [attribute, value] : parsed.parameters)
         made->parameters[std::move(attribute)] = std::move(value);
-    resetStringFromParts(*made);
+    appendParameters(*made);
     body = made;
 }
 
 void ContentType::resetStringFromParts(Body& body) {
-    std::u16string canonical;
-    canonical.reserve(body.type.size() + 1 + body.subType.size());
-    canonical.append(body.type).append(1, u'/').append(body.subType);
+    body.text.resize(std::min(body.text.find(u';'), body.text.size()));
+    appendParameters(body);
+}
+
+void ContentType::appendParameters(Body& body) {
+    std::u16string& canonical = body.text;
     for (const auto& [attribute, value] : body.parameters) {
         canonical.append(u";").append(attribute).append(u"=");
         if (hasSeparator(value))
@@ -64,19 +66,21 @@ void ContentType::resetStringFromParts(Body& body) {
         else
             canonical.append(value);
     }
-    body.text = std::move(canonical);
 }
 
 std::u16string ContentType::toString() const {
     return body->text;
 }
 
+// A token holds neither a slash nor a semicolon.
+
 std::u16string ContentType::getType() const {
-    return body->type;
+    return body->text.substr(0, body->text.find(u'/'));
 }
 
 std::u16string ContentType::getSubType() const {
-    return body->subType;
+    const std::size_t begin = body->text.find(u'/') + 1;
+    return body->text.substr(begin, body->text.find(u';', begin) - begin);
 }
 
 bool ContentType::hasParameter(const std::u16string& attribute) const {

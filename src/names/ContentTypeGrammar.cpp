@@ -4,6 +4,7 @@
 
 #include <boost/fusion/include/adapt_struct.hpp>
 #include <boost/fusion/include/std_pair.hpp>
+#include <boost/range/iterator_range.hpp>
 #include <boost/spirit/include/qi.hpp>
 
 #include <algorithm>
@@ -13,18 +14,20 @@ namespace opc::model::contenttype {
 
 namespace {
 
-/// What the grammar makes of a text.
+using Iterator = std::wstring::const_iterator;
+using Parameter = std::pair<std::wstring, std::wstring>;
+
+/// What the grammar finds in a text.
 struct Matched {
-    std::wstring type;
-    std::wstring subType;
-    std::vector<std::pair<std::wstring, std::wstring>> parameters;
+    boost::iterator_range<Iterator> name;
+    std::vector<Parameter> parameters;
 };
 
 } // namespace
 
 } // namespace opc::model::contenttype
 
-BOOST_FUSION_ADAPT_STRUCT(opc::model::contenttype::Matched, type, subType, parameters)
+BOOST_FUSION_ADAPT_STRUCT(opc::model::contenttype::Matched, name, parameters)
 
 namespace opc::model::contenttype {
 
@@ -34,9 +37,6 @@ namespace qi = boost::spirit::qi;
 using boost::spirit::standard_wide::char_;
 using std::u16string_view;
 
-using Iterator = std::wstring::const_iterator;
-using Parameter = std::pair<std::wstring, std::wstring>;
-
 /// RFC 2616 section 3.7, without skipper: blanks stand only where the rules name them.
 struct Grammar : qi::grammar<Iterator, Matched()> {
     Grammar() : Grammar::base_type(mediaType) {
@@ -44,37 +44,31 @@ struct Grammar : qi::grammar<Iterator, Matched()> {
         token = +(char_(L" -~") - char_(SEPARATORS));
         quotedString = L'"' >> +(char_(L" -~") - char_(L'"')) >> L'"';
         value = token | quotedString;
-        type = token;
-        subtype = token;
-        attribute = token;
-        parameter = *whitespace >> L';' >> *whitespace >> attribute >> L'=' >> value;
-        mediaType = type >> L'/' >> subtype >> *parameter;
+        parameter = *whitespace >> L';' >> *whitespace >> token >> L'=' >> value;
+        mediaType = qi::raw[token >> L'/' >> token] >> *parameter;
     }
 
     qi::rule<Iterator, Matched()> mediaType;
     qi::rule<Iterator, Parameter()> parameter;
-    qi::rule<Iterator, std::wstring()> type, subtype, attribute, value, token, quotedString;
+    qi::rule<Iterator, std::wstring()> token, quotedString, value;
     qi::rule<Iterator> whitespace;
 };
 
-bool isTokenCharacter(char16_t unit) {
-    static constexpr auto TABLE = [] {
-        std::array<bool, 127> table{};
-        for (std::size_t character = ' '; character < table.size(); ++character)
-            table[character] =
-                std::string_view(SEPARATORS).find(static_cast<char>(character)) == std::string_view::npos;
-        return table;
-    }();
-    return unit < TABLE.size() && TABLE[unit];
-}
+constexpr auto IS_IN_TOKEN = [] {
+    std::array<bool, 128> table{};
+    for (std::size_t character = '!'; character <= '~'; ++character)
+        table[character] =
+            std::string_view(SEPARATORS).find(static_cast<char>(character)) == std::string_view::npos;
+    return table;
+}();
 
 /// What stands in front of a text, and is taken from it.
 u16string_view takeToken(u16string_view& text) {
-    std::size_t size = 0;
-    while (size < text.size() && isTokenCharacter(text[size]))
-        ++size;
-    const u16string_view token = text.substr(0, size);
-    text.remove_prefix(size);
+    const auto* const end = std::find_if_not(text.begin(), text.end(), [](char16_t unit) {
+        return unit < IS_IN_TOKEN.size() && IS_IN_TOKEN[unit];
+    });
+    const u16string_view token = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+    text.remove_prefix(token.size());
     return token;
 }
 
@@ -91,16 +85,18 @@ void skipBlanks(u16string_view& text) {
 
 } // namespace
 
-bool parse(const std::u16string& text, ParsedContentType& parsed) {
+bool parse(u16string_view text, ParsedContentType& parsed) {
     return parsePlain(text, parsed) || parseByGrammar(text, parsed);
 }
 
 bool parsePlain(u16string_view text, ParsedContentType& parsed) {
-    parsed.type = takeToken(text);
+    const u16string_view whole = text;
+    const bool hasType = !takeToken(text).empty();
     const bool hasSlash = take(u'/', text);
-    parsed.subType = takeToken(text);
+    const bool hasSubType = !takeToken(text).empty();
+    parsed.name = whole.substr(0, whole.size() - text.size());
     parsed.parameters.clear();
-    if (parsed.type.empty() || !hasSlash || parsed.subType.empty())
+    if (!hasType || !hasSlash || !hasSubType)
         return false;
     while (!text.empty()) {
         skipBlanks(text);
@@ -117,15 +113,15 @@ bool parsePlain(u16string_view text, ParsedContentType& parsed) {
     return true;
 }
 
-bool parseByGrammar(const std::u16string& text, ParsedContentType& parsed) {
+bool parseByGrammar(u16string_view text, ParsedContentType& parsed) {
     static const Grammar& grammar =
         *new Grammar; // never destroyed: it works at any time of the program's end
-    const std::wstring wide = toWideString(text);
+    const std::wstring wide(text.begin(), text.end()); // what matches is ASCII
     Matched matched;
     Iterator position = wide.begin();
     if (!qi::parse(position, wide.end(), grammar, matched) || position != wide.end())
         return false;
-    parsed = {opc::toString(matched.type), opc::toString(matched.subType), {}};
+    parsed = {text.substr(0, matched.name.size()), {}};
     for (const auto& [attribute, value] : matched.parameters)
         parsed.parameters.emplace_back(opc::toString(attribute), opc::toString(value));
     return true;

@@ -9,8 +9,7 @@ namespace opc::model {
 
 /// A media type as it stands in a text, before names that repeat are joined.
 struct ParsedContentType {
-    std::u16string type;
-    std::u16string subType;
+    std::u16string_view name;                                          ///< type "/" subtype, in that text
     std::vector<std::pair<std::u16string, std::u16string>> parameters; ///< values without their quotes
 };
 
@@ -22,14 +21,14 @@ constexpr char SEPARATORS[] = "()<>@,;:\\\"/[]?={} \t";
 /// Parses `text` as a whole: type "/" subtype *( *blank ";" *blank attribute "=" value ), where a value is a
 /// token or one or more printable characters in quotes, which know no escapes.
 /// @return whether it matches; if not, `parsed` holds nothing of use
-bool parse(const std::u16string& text, ParsedContentType& parsed);
+bool parse(std::u16string_view text, ParsedContentType& parsed);
 
 /// Does so, without the grammar, for a text in which nothing stands in quotes: so for nearly every one.
 /// @return whether it is in this form; if not, it may match all the same
 bool parsePlain(std::u16string_view text, ParsedContentType& parsed);
 
 /// Does so by the grammar alone.
-bool parseByGrammar(const std::u16string& text, ParsedContentType& parsed);
+bool parseByGrammar(std::u16string_view text, ParsedContentType& parsed);
 
 } // namespace contenttype
 

@@ -6,6 +6,7 @@
 #include <boost/regex.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -28,6 +29,20 @@ int hexValue(char16_t unit) {
     return unit >= u'A' && unit <= u'F' ? unit - u'A' + 10 : -1;
 }
 
+/// Whether a URI begins with a slash and keeps the rules for segments at a glance: it has no escapes, and in front of
+/// each other slash and of the end stands neither a slash nor a dot.
+bool hasPlainSegments(u16string_view text) {
+    if (text.size() < 2 || text.front() != u'/' || text.back() == u'/' || text.back() == u'.')
+        return false;
+    std::uint16_t isOdd = 0; // a number, in a loop without a way out: that takes many characters at once
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        const bool endsSegment = text[i] == u'/';
+        const bool isNoEnd = (text[i - 1] == u'/') | (text[i - 1] == u'.');
+        isOdd |= static_cast<std::uint16_t>((text[i] == u'%') | (endsSegment & isNoEnd));
+    }
+    return isOdd == 0;
+}
+
 } // namespace
 
 PartName::PartName(std::u16string name) : uri(std::move(name)) {
@@ -43,11 +58,13 @@ PartName::PartName(const char16_t* name) : uri(name) {
 }
 
 void PartName::init() {
-    isPackageRoot = isPackageRootUri(uri);
+    const u16string_view path = uri.path();
+    isPackageRoot = path.size() == 1 && path.front() == URI::getSlash();
     if (isPackageRoot)
         return;
-    throwExceptionIfInvalidPartUri(uri);
-    isRelationship = isRelationshipUri(uri);
+    if (!hasPlainSegments(uri.text()))
+        throwExceptionIfInvalidPartUri(uri);
+    isRelationship = isRelationshipPath(path);
 }
 
 URI PartName::getURI() const {
@@ -56,6 +73,10 @@ URI PartName::getURI() const {
 
 std::u16string PartName::toString() const {
     return uri.toString();
+}
+
+bool PartName::hasText(u16string_view text) const noexcept {
+    return uri.text() == text;
 }
 
 std::u16string PartName::getExtension() const {
@@ -106,13 +127,7 @@ bool PartName::operator<(const PartName& other) const {
     return uri < other.uri;
 }
 
-bool PartName::isPackageRootUri(const URI& uri) {
-    const u16string_view path = uri.path();
-    return path.size() == 1 && path.front() == URI::getSlash();
-}
-
-bool PartName::isRelationshipUri(const URI& uri) {
-    const u16string_view path = uri.path();
+bool PartName::isRelationshipPath(u16string_view path) {
     // The expression takes linear time on a path that ends so. On others it may try every pair of positions,
     // and on long ones it gives up with an exception of its own.
     if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
@@ -189,27 +204,27 @@ void PartName::checkPCharCompliance(u16string_view segment) {
 }
 
 bool operator==(const PartName& left, const std::u16string& right) {
-    return left.getURI() == right;
+    return left.uri == right;
 }
 
 bool operator!=(const PartName& left, const std::u16string& right) {
-    return left.getURI() != right;
+    return !(left == right);
 }
 
 bool operator<(const PartName& left, const std::u16string& right) {
-    return left.getURI() < right;
+    return left.uri < right;
 }
 
 bool operator==(const std::u16string& left, const PartName& right) {
-    return left == right.getURI();
+    return right == left;
 }
 
 bool operator!=(const std::u16string& left, const PartName& right) {
-    return left != right.getURI();
+    return !(right == left);
 }
 
 bool operator<(const std::u16string& left, const PartName& right) {
-    return left < right.getURI();
+    return left < right.uri;
 }
 
 } // namespace opc::model

@@ -68,14 +68,13 @@ private:
     };
 
     struct Body {
-        std::u16string text;
-        std::u16string type;
-        std::u16string subType;
+        std::u16string text; ///< the canonical one
         std::map<std::u16string, std::u16string, CaselessLess> parameters;
     };
 
     void init(const std::u16string& contentType);
     static void resetStringFromParts(Body& body);
+    static void appendParameters(Body& body);
 
     std::shared_ptr<const Body> body;
 };

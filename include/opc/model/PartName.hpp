@@ -31,6 +31,8 @@ public:
     URI getURI() const;
     /// The text as it was given.
     std::u16string toString() const;
+    /// Whether that is this text: here letter case counts.
+    bool hasText(std::u16string_view text) const noexcept;
     /// The text after the last dot of the last segment, without the dot; empty if there is no dot.
     std::u16string getExtension() const;
 
@@ -51,6 +53,10 @@ public:
     bool operator<(const PartName& other) const;
 
 private:
+    friend OPC_MODEL_EXPORT bool operator==(const PartName& left, const std::u16string& right);
+    friend OPC_MODEL_EXPORT bool operator<(const PartName& left, const std::u16string& right);
+    friend OPC_MODEL_EXPORT bool operator<(const std::u16string& left, const PartName& right);
+
     static constexpr char16_t FORWARD_SLASH_STRING[] = u"/";
     static constexpr char16_t PACKAGE_RELATIONSHIPS_ROOT_NAME[] = u"/_rels/.rels";
     static constexpr char16_t RELATIONSHIP_PART_SEGMENT_NAME[] = u"_rels";
@@ -58,8 +64,7 @@ private:
 
     void init();
 
-    static bool isPackageRootUri(const URI& uri);
-    static bool isRelationshipUri(const URI& uri);
+    static bool isRelationshipPath(std::u16string_view path);
 
     static void throwExceptionIfInvalidPartUri(const URI& uri);
     static void throwExceptionIfEmptyURI(const URI& uri);

@@ -194,10 +194,23 @@ void checkAuthority(u16string_view authority) {
         throw IRIException("a port isn't made of digits");
 }
 
+/// Whether a text is a path of usual characters and nothing else, as nearly every part name and target is.
+bool isPlainPath(u16string_view text) {
+    std::uint16_t isOther = 0; // a number, in a loop without a way out: that takes many characters at once
+    for (const std::uint16_t unit : text) {
+        const auto isNoLetter = static_cast<std::uint16_t>((unit | 0x20) - u'a') > 25;
+        const auto isNoneOfPaths = static_cast<std::uint16_t>(unit - u'-') > 12; // '-', '.', '/' and digits
+        isOther |= static_cast<std::uint16_t>(isNoLetter & isNoneOfPaths & (unit != u'_'));
+    }
+    return isOther == 0 && text.substr(0, 2) != u"//";
+}
+
 } // namespace
 
 Components parse(const std::u16string& text) {
     const u16string_view view = text;
+    if (isPlainPath(view))
+        return {0, false, 0, view.size(), view.size()};
     Components found;
     std::size_t position = scan(text, 0, Colon | Slash | Question | Number, Control | Bracket);
     if (position < text.size() && text[position] == u':') {
