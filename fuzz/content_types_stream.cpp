@@ -43,7 +43,7 @@ void checkSame(const ContentTypeMap& left, const ContentTypeMap& right) {
             "as many Override are read as written");
     for (const auto& [name, contentType] : left.getOverrides()) {
         require(right.hasOverride(name), "an Override that was written is read");
-        requireEqual(contentType.toString(), right.findOverride(name)->toString(), "with its type");
+        requireEqual(contentType.toString(), right.findOverride(name)->second.toString(), "with its type");
     }
 }
 

@@ -39,11 +39,6 @@ const ContentType* ContentTypeMap::useDefault(const std::u16string& extension) {
     return &entry->second.contentType;
 }
 
-const ContentType* ContentTypeMap::findOverride(const PartName& name) const {
-    const auto entry = overrides.find(name);
-    return entry == overrides.end() ? nullptr : &entry->second;
-}
-
 void ContentTypeMap::releaseDefault(const std::u16string& extension) {
     const auto entry = defaults.find(extension);
     if (entry->second.references > 1) {

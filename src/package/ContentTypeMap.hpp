@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -23,7 +24,7 @@ public:
         std::uint64_t references = 0;
     };
     using Defaults = std::map<std::u16string, DefaultEntry>;
-    using Overrides = std::map<PartName, ContentType>;
+    using Overrides = std::map<PartName, ContentType, std::less<>>; // compares with texts too
 
     /// Whether there is anything that the stream doesn't hold yet. True at first.
     bool isDirty() const noexcept { return dirty; }
@@ -54,8 +55,13 @@ public:
     void addReference(const std::u16string& extension);
 
     /// Both give null if there is no entry. The first one counts one more part that rests on it.
+    /// @param Name  a part name, or the text of one
     const ContentType* useDefault(const std::u16string& extension);
-    const ContentType* findOverride(const PartName& name) const;
+    template <typename Name>
+    const Overrides::value_type* findOverride(const Name& name) const {
+        const auto entry = overrides.find(name);
+        return entry == overrides.end() ? nullptr : &*entry;
+    }
 
     /// Counts one part less; the entry, which must be there, goes with its last part.
     void releaseDefault(const std::u16string& extension);

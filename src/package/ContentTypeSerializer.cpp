@@ -21,8 +21,11 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <deque>
 #include <map>
+#include <memory_resource>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -65,7 +68,9 @@ public:
     }
 
 private:
-    std::map<Text, ContentType> parsed;
+    std::array<std::byte, 2048> first; // enough for most streams
+    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
+    std::pmr::map<Text, ContentType> parsed{&memory};
 };
 
 template <typename Types>

@@ -130,11 +130,13 @@ void ContentTypeSource::removeContentType(const PartName& name, const std::u16st
     contentTypes->releaseDefault(extension);
 }
 
-ContentType ContentTypeSource::getContentType(const PartName& name) {
+const ContentTypeSource::Override* ContentTypeSource::findOverride(const std::u16string& name) const {
+    return hasStream ? contentTypes->findOverride(name) : nullptr;
+}
+
+ContentType ContentTypeSource::useDefault(const PartName& name) {
     if (!hasStream)
         throw ContentTypeNotFound("No content type stream.");
-    if (const ContentType* own = contentTypes->findOverride(name))
-        return *own;
     const ContentType* common = contentTypes->useDefault(extensionKey(name));
     if (common == nullptr)
         throwNotFound(name, contentTypes->countUnread());

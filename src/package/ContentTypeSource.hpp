@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace opc::interfaces {
 class IPhysicalPackage;
@@ -58,10 +59,20 @@ public:
     /// @throws ContentTypeNotFound
     void removeContentType(const PartName& name, const std::u16string& extension);
 
-    /// The content type of a part found in the package, whose `Default` counts it from now on. An `Override`
-    /// wins.
+    /// The content type of a part found in the package: that of its `Override`, and else of the `Default` of its
+    /// extension, which counts it from now on.
+    /// @{
+
+    using Override = std::pair<const PartName, ContentType>;
+
+    /// Null if there is none.
+    /// @param name  as the store gives it: it may be no part name
+    const Override* findOverride(const std::u16string& name) const;
+
     /// @throws ContentTypeNotFound
-    ContentType getContentType(const PartName& name);
+    ContentType useDefault(const PartName& name);
+
+    /// @}
 
     /// Writes the stream if it has changed.
     /// @throws InvalidContentTypeStream

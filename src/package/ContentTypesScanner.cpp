@@ -56,7 +56,10 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
 bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found = {};
     if (hasLongTag(document))
-        return false; // for the parser to refuse
+        return false;                 // for the parser to refuse
+    constexpr std::size_t USUAL = 16; // of each
+    found.defaults.reserve(USUAL);
+    found.overrides.reserve(USUAL);
     return visitPlainDocument(
         document, "Types", NAMESPACE, found.texts,
         [&found](std::string_view name, const PlainAttributes& attributes) {

@@ -8,6 +8,8 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <memory_resource>
 #include <string>
 #include <string_view>
@@ -22,31 +24,35 @@ namespace opc::model {
 
 namespace {
 
-/// What tells a part name from all others: letter case doesn't count, and a URI is US-ASCII.
-std::string caselessKey(const std::u16string& name) {
-    std::string key(name.size(), '\0');
-    std::transform(name.begin(), name.end(), key.begin(), [](char16_t unit) {
-        return static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit);
-    });
-    return key;
-}
-
-/// Keys, one behind the other: there are many, which are compared in the order in which they came.
+/// What tells part names from one another, one behind the other: there are many, which are compared in the order in
+/// which they came. Letter case doesn't count, and a URI is US-ASCII.
 class Keys {
 public:
-    std::string_view keep(std::string_view key) {
-        auto* const kept = static_cast<char*>(memory.allocate(key.size(), 1));
-        std::copy(key.begin(), key.end(), kept);
-        return {kept, key.size()};
+    std::string_view keep(std::u16string_view name) {
+        char* const kept = allocate(name.size());
+        std::transform(name.begin(), name.end(), kept, [](char16_t unit) {
+            return static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit);
+        });
+        return {kept, name.size()};
+    }
+
+    std::string_view join(std::string_view left, std::string_view right) {
+        char* const kept = allocate(left.size() + right.size());
+        std::copy(right.begin(), right.end(), std::copy(left.begin(), left.end(), kept));
+        return {kept, left.size() + right.size()};
     }
 
 private:
-    std::pmr::monotonic_buffer_resource memory;
+    char* allocate(std::size_t size) { return static_cast<char*>(memory.allocate(size, 1)); }
+
+    std::array<std::byte, 2048> first; // enough for most packages
+    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
 };
 
 struct RegularPart {
     std::string_view key;
     const PartName* name;
+    const ContentType* contentType; ///< of its `Override`; null if there is none
     interfaces::IPhysicalPart* physicalPart;
 };
 
@@ -92,7 +98,7 @@ public:
     RelationshipsParts(std::size_t count, Keys& memory) : keys(memory) { parts.reserve(count); }
 
     /// @param key  of its own name
-    void add(std::string key, interfaces::IPhysicalPart* physicalPart) {
+    void add(std::string_view key, interfaces::IPhysicalPart* physicalPart) {
         constexpr std::string_view FOLDER = "/_rels/";
         constexpr std::string_view EXTENSION = ".rels";
         const std::size_t file = key.rfind('/') + 1;
@@ -104,9 +110,9 @@ public:
             orphan = physicalPart; // "_rels" may stand further up, where no source leads
             return;
         }
-        key.resize(key.size() - EXTENSION.size());
-        key.erase(file - FOLDER.size() + 1, FOLDER.size() - 1);
-        parts.push_back({keys.keep(key), physicalPart});
+        const std::string_view folder = key.substr(0, file - FOLDER.size() + 1);
+        parts.push_back(
+            {keys.join(folder, key.substr(file, key.size() - file - EXTENSION.size())), physicalPart});
     }
 
     void sort() {
@@ -142,19 +148,22 @@ private:
 };
 
 /// The name that the physical layer gives; the failure tells it.
-PartName readName(const std::u16string& text) {
+PartName readName(std::u16string text, const interfaces::IPhysicalPart& physicalPart) {
     try {
-        return PartName(text);
+        return PartName(std::move(text));
     } catch (Exception& e) {
-        e.addDetails(toUDEString(text));
+        e.addDetails(toUDEString(physicalPart.getName()));
         throw;
     }
 }
 
 } // namespace
 
-ContentType Package::findContentType(const PartName& name, interfaces::IPhysicalPart& physicalPart) {
-    return physicalPackage.usesContentTypeStream() ? contentTypeSource->getContentType(name)
+ContentType Package::findContentType(const PartName& name, const ContentType* own,
+                                     const interfaces::IPhysicalPart& physicalPart) {
+    if (own != nullptr)
+        return *own;
+    return physicalPackage.usesContentTypeStream() ? contentTypeSource->useDefault(name)
                                                    : ContentType(physicalPart.getContentType());
 }
 
@@ -176,26 +185,31 @@ void Package::initializeParts() {
     regular.reserve(physicalParts.size());
     RelationshipsParts relationships(physicalParts.size(), keys);
     for (interfaces::IPhysicalPart* physicalPart : physicalParts) {
-        const std::u16string text = physicalPart->getName();
-        std::string key = caselessKey(text);
-        const PartName name = readName(text);
+        std::u16string text = physicalPart->getName();
+        const std::string_view key = keys.keep(text);
+        const auto* const entry = contentTypeSource->findOverride(text);
+        const ContentType* const own = entry == nullptr ? nullptr : &entry->second;
+        // Nearly always the two say the same, and the part shares the name.
+        const PartName& name = names.emplace_back(entry != nullptr && entry->first.hasText(text)
+                                                      ? entry->first
+                                                      : readName(std::move(text), *physicalPart));
         if (name.isRelationshipName()) {
             // For its effects: it must have a content type, and keeps the `Default` of its extension in use.
-            findContentType(name, *physicalPart);
-            relationships.add(std::move(key), physicalPart);
+            findContentType(name, own, *physicalPart);
+            relationships.add(key, physicalPart);
         } else {
-            regular.push_back({keys.keep(key), &names.emplace_back(name), physicalPart});
+            regular.push_back({key, &name, own, physicalPart});
         }
     }
     sortByKey(regular);
     relationships.sort();
 
     PartMap found(parts.get_allocator());
-    for (const auto& [key, name, physicalPart] : regular) {
-        Part part(this, physicalPart, *name, findContentType(*name, *physicalPart), openMode);
-        const URI uri = name->getURI();
-        const bool isPath = !uri.isAbsolute() && !uri.hasQuery() && !uri.hasFragment();
-        if (auto* match = isPath ? relationships.take(key) : relationships.take(caselessKey(uri.getPath())))
+    for (const auto& [key, name, own, physicalPart] : regular) {
+        Part part(this, physicalPart, *name, findContentType(*name, own, *physicalPart), openMode);
+        const bool isPath = key.front() == '/' && key.find('?') == std::string_view::npos &&
+                            key.find('#') == std::string_view::npos;
+        if (auto* match = relationships.take(isPath ? key : keys.keep(name->getURI().getPath())))
             part.setPhysicalRelationshipPart(match, false);
         found.emplace_hint(found.end(), *name, part);
     }

@@ -161,7 +161,9 @@ private:
                               const std::u16string& target) override;
 
     void initializeParts();
-    ContentType findContentType(const PartName& name, interfaces::IPhysicalPart& physicalPart);
+    /// @param own  of its `Override`; null if there is none
+    ContentType findContentType(const PartName& name, const ContentType* own,
+                                const interfaces::IPhysicalPart& physicalPart);
     void flushPackage();
     void flushParts();
     void clearParts();
