@@ -1,10 +1,12 @@
 #include "package/ContentTypesScanner.hpp"
 
 #include "xml/LongTags.hpp"
+#include "xml/PlainCharacters.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/PlainURI.hpp"
 
 #include <algorithm>
+#include <string>
 
 namespace opc::model {
 
@@ -12,27 +14,18 @@ namespace {
 
 constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
 
-template <typename Unit>
-constexpr bool isAlphanumeric(Unit c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
 bool isPlainExtension(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        return isAlphanumeric(c) || c == '-' || c == '_' || c == '~';
+        return plain::is(c, plain::Letter | plain::Digit) || c == '-' || c == '_' || c == '~';
     });
 }
 
-template <typename Unit>
-bool isPlainToken(std::basic_string_view<Unit> text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](Unit c) {
-        return isAlphanumeric(c) || c == '-' || c == '.' || c == '+' || c == '_';
-    });
+bool isPlainToken(std::string_view text) {
+    return !text.empty() && plain::areAll(text, plain::Token);
 }
 
 /// Whether a text is a media type without parameters.
-template <typename Unit>
-bool isPlainMediaType(std::basic_string_view<Unit> text) {
+bool isPlainMediaType(std::string_view text) {
     const std::size_t slash = text.find('/');
     return slash != std::string_view::npos && isPlainToken(text.substr(0, slash)) &&
            isPlainToken(text.substr(slash + 1));
@@ -75,7 +68,8 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
 }
 
 bool isPlainContentType(std::u16string_view text) {
-    return isPlainMediaType(text);
+    return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 128; }) &&
+           isPlainMediaType(std::string(text.begin(), text.end()));
 }
 
 } // namespace opc::model

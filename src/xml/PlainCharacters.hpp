@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 /// @file
@@ -24,6 +25,7 @@ enum Kind : std::uint16_t {
     Delimiter = 256,    // what ends an authority or a segment of a URI: `/`, `?`, `#`
     URIPlain = 512,     // stands anywhere in a path, a query or a fragment of a URI; so does a backslash here
     BeyondASCII = 1024, // a byte of UTF-8
+    Token = 2048,       // what type and subtype of a media type are made of, usually
 };
 
 constexpr std::array<std::uint16_t, 256> classify() {
@@ -36,8 +38,8 @@ constexpr std::array<std::uint16_t, 256> classify() {
         if (c != '<' && c != '&')
             kinds[c] |= (c != '"' ? DoubleQuoted : 0) | (c != '\'' ? SingleQuoted : 0);
     for (unsigned char c = 'a'; c <= 'z'; ++c) {
-        kinds[c] |= Letter | URIPlain;
-        kinds[c - 'a' + 'A'] |= Letter | URIPlain;
+        kinds[c] |= Letter | URIPlain | Token;
+        kinds[c - 'a' + 'A'] |= Letter | URIPlain | Token;
     }
     for (std::size_t c = 0x80; c < kinds.size(); ++c)
         kinds[c] = BeyondASCII;
@@ -47,6 +49,7 @@ constexpr std::array<std::uint16_t, 256> classify() {
     add("&", Ampersand);
     add(":", Colon);
     add("/?#", Delimiter);
+    add("0123456789-.+_", Token);
     add("0123456789-._~!$&'()*+,;=:@/?\\", URIPlain);
     return kinds;
 }
@@ -55,6 +58,23 @@ inline constexpr std::array<std::uint16_t, 256> KINDS = classify();
 
 constexpr bool is(char c, unsigned kinds) {
     return (KINDS[static_cast<unsigned char>(c)] & kinds) != 0;
+}
+
+/// Whether the eight characters from `text` on are printable ASCII without `<`, `&` and both quotes: they stand in
+/// each attribute value as they are. Looks at all of them at once.
+inline bool areEightInValue(const char* text) {
+    constexpr std::uint64_t EACH = 0x0101010101010101;
+    constexpr std::uint64_t TOP_BITS = 0x80 * EACH;
+    std::uint64_t all = 0;
+    std::memcpy(&all, text, sizeof all);
+    // A term has a top bit, in characters of ASCII, only if one of them is what the term looks for. The second one
+    // looks for DEL, the third one for controls; `'` is `&` with the lowest bit.
+    const auto has = [](std::uint64_t characters, char sought) {
+        return (characters ^ (static_cast<unsigned char>(sought) * EACH)) - EACH;
+    };
+    const std::uint64_t found =
+        all | (all + EACH) | (all - ' ' * EACH) | has(all, '"') | has(all, '<') | has(all | EACH, '\'');
+    return (found & TOP_BITS) == 0;
 }
 
 /// Whether a code unit is a character of text: but for the characters of markup, it stands in a document as itself.

@@ -42,7 +42,8 @@ bool PlainReader::takeComment() {
 }
 
 bool PlainReader::skipDeclaration() {
-    if (!take("<?xml"))
+    constexpr std::string_view USUAL = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
+    if (take(USUAL) || !take("<?xml"))
         return true;
     constexpr std::string_view NAMES[] = {"version", "encoding", "standalone"};
     std::size_t next = 0; // they stand in this order, and the first one must be there

@@ -94,7 +94,10 @@ private:
     }
 
     bool takeUpTo(std::string_view quote, unsigned kinds, std::string_view& value) {
-        value = takeAll(kinds);
+        std::size_t plainSize = 0;
+        while (rest.size() - plainSize >= 8 && plain::areEightInValue(rest.data() + plainSize))
+            plainSize += 8;
+        value = takeAll(kinds, plainSize);
         return take(quote) || takeReferences(quote, kinds, value);
     }
 
@@ -102,8 +105,9 @@ private:
     bool takeReferences(std::string_view quote, unsigned kinds, std::string_view& value);
 
     /// The longest run of characters of these kinds.
-    std::string_view takeAll(unsigned kinds) {
-        std::size_t end = 0;
+    /// @param known  so many are
+    std::string_view takeAll(unsigned kinds, std::size_t known = 0) {
+        std::size_t end = known;
         while (end < rest.size() && plain::is(rest[end], kinds))
             ++end;
         const std::string_view taken = rest.substr(0, end);

@@ -4,6 +4,7 @@
 #include "support/ScannerComparison.hpp"
 #include "support/Texts.hpp"
 #include "xml/EmbeddedSchemas.hpp"
+#include "xml/PlainCharacters.hpp"
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
@@ -53,6 +54,18 @@ TEST(PlainDocument, whatIsRecognisedTheParserFindsToo) {
         }
         EXPECT_GT(recognised, 500);
     }
+}
+
+TEST(PlainCharacters, eightInAValueAreTakenAsEachAlone) {
+    for (int byte = 0; byte < 256; ++byte)
+        for (const char filler : {' ', 'a', '~', '\0', '&', '\x7F', '\x80', '\xFF'})
+            for (std::size_t place = 0; place < 8; ++place) {
+                std::string text(8, filler);
+                text[place] = static_cast<char>(byte);
+                const bool expected =
+                    plain::areAll(text, plain::DoubleQuoted) && plain::areAll(text, plain::SingleQuoted);
+                ASSERT_EQ(plain::areEightInValue(text.data()), expected) << byte << " at " << place;
+            }
 }
 
 TEST(ReplayedStream, givesWhatWasReadAheadAndThenTheRest) {
