@@ -143,7 +143,6 @@ void Package::clearParts() {
     for (auto& entry : parts)
         entry.second.markAsInvalid();
     parts.clear();
-    partMemory.release();
 }
 
 void Package::addDataManager(DataManager* manager) {

@@ -204,7 +204,7 @@ void Package::initializeParts() {
     sortByKey(regular);
     relationships.sort();
 
-    PartMap found(parts.get_allocator());
+    PartMap found;
     for (const auto& [key, name, own, physicalPart] : regular) {
         Part part(this, physicalPart, *name, findContentType(*name, own, *physicalPart), openMode);
         const bool isPath = key.front() == '/' && key.find('?') == std::string_view::npos &&

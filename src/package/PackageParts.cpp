@@ -41,7 +41,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
     Part part(this, nullptr, name, contentType, openMode);
-    PartMap entry(parts.get_allocator());
+    PartMap entry;
     entry.emplace(name, part);
     part.setPhysicalPart(createPartInternal(name, contentType, partInfo));
     parts.insert(place, entry.extract(entry.begin()));

@@ -16,7 +16,6 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -153,7 +152,7 @@ private:
     friend class PackageHelper;
     friend class RelationshipSource;
 
-    using PartMap = std::pmr::map<PartName, Part, std::less<>>; // compares with texts too
+    using PartMap = std::map<PartName, Part, std::less<>>; // compares with texts too
 
     bool isValid() const override;
     Package& getPackage() const override;
@@ -199,8 +198,7 @@ private:
     XmlLimits xmlLimits;
     bool opened = false;
     interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
-    std::pmr::unsynchronized_pool_resource partMemory;
-    PartMap parts{&partMemory};
+    PartMap parts;
     std::shared_ptr<DocumentBudget> documentBudget; // while it is open
     std::unique_ptr<ContentTypeSource> contentTypeSource;
     std::unique_ptr<RelationshipSerializer> relationshipSerializer;
