@@ -40,7 +40,7 @@ public:
 
 private:
     z_stream stream{};
-    std::array<unsigned char, 16384> buffer{};
+    std::array<unsigned char, 16384> buffer; ///< not filled before it is needed
 };
 
 } // namespace opc::physical::zip
