@@ -13,6 +13,7 @@ namespace {
 
 using std::string_view;
 
+constexpr string_view SYSTEM_FOLDER = "__macosx/";
 constexpr std::size_t LONGEST_NAME = 0xFFFF; // its length is a field of 16 bits
 
 constexpr char lower(char c) {
@@ -128,19 +129,34 @@ std::optional<ItemName::Piece> removePiece(string_view& name) {
     return ItemName::Piece{static_cast<std::uint32_t>(std::stoul(std::string(digits))), last};
 }
 
+constexpr string_view RELATIONSHIPS_FOLDER = "_rels/";
+constexpr string_view RELATIONSHIPS_EXTENSION = ".rels";
+
+/// Where the folder in the name of a relationships part begins, in whatever letter case the name is; nothing if it is
+/// no such name.
+std::optional<std::size_t> findRelationshipsFolder(string_view name) {
+    if (!removeEndCaseless(name, RELATIONSHIPS_EXTENSION))
+        return std::nullopt;
+    const std::size_t file = name.rfind('/') + 1; // 0 without a slash
+    const std::size_t folder = file - std::min(file, RELATIONSHIPS_FOLDER.size());
+    if (!equalsCaseless(name.substr(folder, file - folder), RELATIONSHIPS_FOLDER) ||
+        (folder > 0 && name[folder - 1] != '/'))
+        return std::nullopt;
+    return folder;
+}
+
 /// Gives `_rels` and `.rels` in the name of a relationships part the letter case that the standard writes.
 void standardizeRelationships(std::string& name) {
-    constexpr string_view FOLDER = "_rels/";
-    constexpr string_view EXTENSION = ".rels";
-    string_view source = name;
-    if (!removeEndCaseless(source, EXTENSION))
-        return;
-    const std::size_t file = source.rfind('/') + 1; // 0 without a slash
-    const std::size_t folder = file < FOLDER.size() ? 0 : file - FOLDER.size();
-    if (!equalsCaseless(source.substr(folder, file - folder), FOLDER) ||
-        (folder > 0 && source[folder - 1] != '/'))
-        return;
-    name.replace(folder, FOLDER.size(), FOLDER).replace(source.size(), EXTENSION.size(), EXTENSION);
+    if (const auto folder = findRelationshipsFolder(name))
+        name.replace(*folder, RELATIONSHIPS_FOLDER.size(), RELATIONSHIPS_FOLDER)
+            .replace(name.size() - RELATIONSHIPS_EXTENSION.size(), RELATIONSHIPS_EXTENSION.size(),
+                     RELATIONSHIPS_EXTENSION);
+}
+
+bool hasStandardCase(string_view name) {
+    const auto folder = findRelationshipsFolder(name);
+    return !folder || (name.compare(*folder, RELATIONSHIPS_FOLDER.size(), RELATIONSHIPS_FOLDER) == 0 &&
+                       name.substr(name.size() - RELATIONSHIPS_EXTENSION.size()) == RELATIONSHIPS_EXTENSION);
 }
 
 } // namespace
@@ -181,7 +197,7 @@ const char* reasonToIgnore(string_view item) {
         return "an empty name";
     if (startsCaseless(item, "[trash]/"))
         return "a trash item";
-    if (startsCaseless(item, "__macosx/"))
+    if (startsCaseless(item, SYSTEM_FOLDER))
         return "metadata of the system that wrote the archive";
     return item.back() == '/' ? "a folder" : nullptr;
 }
@@ -220,6 +236,16 @@ ItemName readItemName(string_view item) {
     return result;
 }
 
+bool isUsualItemName(string_view item) {
+    char last = '/';
+    for (const char c : item) {
+        if (c == '/' ? last == '/' || last == '.' : !isPlain(c) || c == ':' || c == ';')
+            return false;
+        last = c;
+    }
+    return last != '/' && last != '.' && !startsCaseless(item, SYSTEM_FOLDER) && hasStandardCase(item);
+}
+
 const char* partNameDefect(string_view name) {
     if (name.substr(0, 1) != "/")
         return "no slash in front";
@@ -228,10 +254,8 @@ const char* partNameDefect(string_view name) {
         return "longer than an archive can hold";
     if (const char* defect = defectOf(name))
         return defect;
-    std::string standardized(name);
-    standardizeRelationships(standardized);
-    return standardized == name ? reasonToIgnore(name)
-                                : "the name of a relationships part in another letter case";
+    return hasStandardCase(name) ? reasonToIgnore(name)
+                                 : "the name of a relationships part in another letter case";
 }
 
 } // namespace opc::physical::zip

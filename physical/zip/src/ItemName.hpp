@@ -32,6 +32,10 @@ struct ItemName {
 /// names, widened to names that real programs write: see `ZipPackage`).
 ItemName readItemName(std::string_view item);
 
+/// Whether `readItemName` and `isPlainPartName` leave nothing to do: the item is a part that has the item's name as it
+/// stands. Nearly all items are, and one look at the name tells so.
+bool isUsualItemName(std::string_view item);
+
 /// @return an item name, in UTF-8, with everything percent-encoded that a part name can't hold
 std::string encodeItemName(std::string_view item);
 

@@ -25,8 +25,8 @@ struct ZipContext {
     std::string place;
     bool readOnly = false;
     bool changed = false;
-    std::unique_ptr<ArchiveReader> archive; ///< null while a package is being created
-    std::shared_ptr<SpoolStore> spools;
+    std::unique_ptr<ArchiveReader> archive;         ///< null while a package is being created
+    std::shared_ptr<SpoolStore> spools;             ///< null if nothing can be written
     std::pmr::unsynchronized_pool_resource streams; ///< what the input streams stand in
 };
 

@@ -31,15 +31,19 @@ ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, O
     context.place = store.place();
     context.readOnly = mode == OpenMode::ReadOnly;
     context.changed = mode == OpenMode::CreateOnly;
-    const auto& folder = options.temporaryFolder;
-    context.spools = std::make_shared<SpoolStore>(folder.empty() ? store.temporaryFolder() : folder,
-                                                  options.memoryForWrittenParts);
     if (mode != OpenMode::CreateOnly)
         load();
     if (mode != OpenMode::ReadOnly)
-        store.checkWritable();
+        prepareToWrite();
     if (!contentTypes)
         contentTypes.emplace(context, CONTENT_TYPES_ITEM, std::vector<ItemIndex>());
+}
+
+void ZipSession::prepareToWrite() {
+    const auto& folder = options.temporaryFolder;
+    context.spools = std::make_shared<SpoolStore>(folder.empty() ? store.temporaryFolder() : folder,
+                                                  options.memoryForWrittenParts);
+    store.checkWritable();
 }
 
 void ZipSession::load() {
@@ -59,6 +63,13 @@ void ZipSession::load() {
 
 void ZipSession::take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
     checkLimits(entry);
+    if (!isUsualItemName(entry.name))
+        return takeUnusual(item, entry, pieces);
+    checkReadable(entry);
+    requireFirst(parts.add(entry.name, context, item), item, ItemName::Kind::Part);
+}
+
+void ZipSession::takeUnusual(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces) {
     const ItemName name = readItemName(entry.name);
     if (name.kind == ItemName::Kind::Refused)
         fail(itemPlace(context.place, entry.name), name.reason, EBADMSG);
@@ -93,7 +104,7 @@ void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& piec
 void ZipSession::takeWhole(ItemIndex item, const ItemName& name) {
     const std::string_view itemName = context.archive->item(item).name;
     if (name.kind == ItemName::Kind::Part && name.partName == itemName)
-        requireFirst(parts.add(itemName, context, item), item, name);
+        requireFirst(parts.add(itemName, context, item), item, name.kind);
     else
         takeJoined({item}, name);
 }
@@ -101,18 +112,18 @@ void ZipSession::takeWhole(ItemIndex item, const ItemName& name) {
 void ZipSession::takeJoined(std::vector<ItemIndex> items, const ItemName& name) {
     const ItemIndex first = items.front();
     if (name.kind == ItemName::Kind::ContentTypes) {
-        requireFirst(!contentTypes, first, name);
+        requireFirst(!contentTypes, first, name.kind);
         contentTypes.emplace(context, CONTENT_TYPES_ITEM, std::move(items));
     } else {
-        requireFirst(parts.add(name.partName, context, name.partName, std::move(items)), first, name);
+        requireFirst(parts.add(name.partName, context, name.partName, std::move(items)), first, name.kind);
     }
 }
 
-void ZipSession::requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const {
+void ZipSession::requireFirst(bool isFirst, ItemIndex item, ItemName::Kind kind) const {
     if (!isFirst)
         fail(context.archive->itemPlace(item),
-             name.kind == ItemName::Kind::ContentTypes ? "a second content types stream"
-                                                       : "another item has the same part name",
+             kind == ItemName::Kind::ContentTypes ? "a second content types stream"
+                                                  : "another item has the same part name",
              EBADMSG);
 }
 

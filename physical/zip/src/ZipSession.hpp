@@ -47,12 +47,14 @@ private:
     using AllPieces = std::map<std::string, Pieces>;
 
     void load();
+    void prepareToWrite();
     void take(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
+    void takeUnusual(ItemIndex item, const DirectoryEntry& entry, AllPieces& pieces);
     void checkReadable(const DirectoryEntry& entry);
     void takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces);
     void takeWhole(ItemIndex item, const ItemName& name);
     void takeJoined(std::vector<ItemIndex> items, const ItemName& name);
-    void requireFirst(bool isFirst, ItemIndex item, const ItemName& name) const;
+    void requireFirst(bool isFirst, ItemIndex item, ItemName::Kind kind) const;
     void joinPieces(AllPieces& pieces);
     void ignore(ItemIndex item, const std::string& reason);
     bool belongsToPackage(ItemIndex item, const ItemName& name);
