@@ -8,6 +8,7 @@
 #include <memory_resource>
 #include <random>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -104,13 +105,17 @@ private:
                           [](Character a, Character b) { return lower(a) == lower(b); });
     }
 
-    /// The characters in lower case as the digits of a number in a base that nobody knows, modulo the prime
-    /// 2^61 - 1: so nobody can choose names that fall together.
+    /// The length, and the characters in lower case, as the digits of a number in a base that nobody knows, modulo the
+    /// prime 2^61 - 1: so nobody can choose names that fall together. As many characters as have room are one digit.
     static Hash hash(Name name) {
         static const std::uint64_t BASE = chooseBase();
-        std::uint64_t value = 0;
-        for (const Character c : name) {
-            const Wide next = static_cast<Wide>(value) * BASE + static_cast<std::uint64_t>(lower(c)) + 1;
+        constexpr std::size_t IN_DIGIT = 7 / sizeof(Character);
+        std::uint64_t value = name.size();
+        for (; !name.empty(); name.remove_prefix(std::min(IN_DIGIT, name.size()))) {
+            std::uint64_t digit = 0;
+            for (const Character c : name.substr(0, IN_DIGIT))
+                digit = digit << (8 * sizeof c) | static_cast<std::make_unsigned_t<Character>>(lower(c));
+            const Wide next = static_cast<Wide>(value) * BASE + digit;
             value = static_cast<std::uint64_t>(next & PRIME) + static_cast<std::uint64_t>(next >> 61);
             value = value >= PRIME ? value - PRIME : value;
         }

@@ -33,8 +33,9 @@ bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, bool
 
 /// Whether the flags mean the same: the one for the encoding of names counts where a name isn't ASCII.
 bool agreeOnFlags(const DirectoryEntry& entry, const unsigned char* header) {
-    const unsigned counts = ENCRYPTION_FLAGS | (isASCII(entry.storedName()) ? 0U : NAME_IS_UTF8);
-    return ((read16(header + 6) ^ entry.flags) & counts) == 0;
+    const unsigned differing = read16(header + 6) ^ entry.flags;
+    return (differing & ENCRYPTION_FLAGS) == 0 &&
+           ((differing & NAME_IS_UTF8) == 0 || isASCII(entry.storedName()));
 }
 
 bool isDescriptor(const DirectoryEntry& entry, const unsigned char* numbers, unsigned width) {
