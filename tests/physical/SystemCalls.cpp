@@ -25,6 +25,8 @@ WRAP(int, flock, file, (int file, int operation), (file, operation))
 WRAP(int, fsetxattr, file, (int file, const char* name, const void* value, size_t size, int flags),
      (file, name, value, size, flags))
 WRAP(int, fsync, file, (int file), (file))
+WRAP(ssize_t, pread, file, (int file, void* buffer, size_t count, off_t offset),
+     (file, buffer, count, offset))
 WRAP(ssize_t, pwrite, file, (int file, const void* buffer, size_t count, off_t offset),
      (file, buffer, count, offset))
 WRAP(int, renameat, from, (int from, const char* name, int to, const char* newName),

@@ -5,7 +5,7 @@
 
 namespace opc::test {
 
-/// The calls of the system that saving makes: fchmod, fchown, flock, fsetxattr, fsync, pwrite, renameat.
+/// Calls of the system: pread, and those that saving makes: fchmod, fchown, flock, fsetxattr, fsync, pwrite, renameat.
 struct SystemCalls {
     /// Runs in front of each, with its name and its descriptor. The call fails with what this gives, unless
     /// that is 0.

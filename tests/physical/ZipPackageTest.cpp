@@ -1,5 +1,6 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
+#include "SystemCalls.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
 
@@ -244,6 +245,23 @@ TEST_F(ZipPackages, readsSeveralPartsAtATime) {
         const std::size_t sizes[] = {50000, 40000, 60000, 0, 30000};
         for (std::size_t i = 0; i < texts.size(); ++i)
             EXPECT_TRUE(texts[i] == letters(sizes[i])) << i << ": " << texts[i].size();
+    }
+}
+
+TEST_F(ZipPackages, readsASmallFileWithOneCall) {
+    for (const std::size_t size : {1000, 120000, 140000}) {
+        writeFile(path, makeZip({stored("stored", letters(size)), oddlyDeflated("deflated", PROSE)}));
+        ZipPackage package(path);
+        int reads = 0;
+        SystemCalls::before = [&](const std::string& call, int) {
+            reads += call == "pread" ? 1 : 0;
+            return 0;
+        };
+        package.open(OpenMode::ReadOnly);
+        for (auto* part : package.getParts())
+            content(*part);
+        SystemCalls::before = nullptr;
+        EXPECT_EQ(reads == 1, size < 130000) << size << " bytes by " << reads << " reads";
     }
 }
 
