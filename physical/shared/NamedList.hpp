@@ -1,13 +1,16 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <list>
 #include <memory_resource>
-#include <random>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -123,9 +126,10 @@ private:
     }
 
     static std::uint64_t chooseBase() {
-        std::random_device random;
-        const std::uint64_t high = random();
-        return (high << 32 | random()) % (PRIME - 0x10000) + 0x10000;
+        std::uint64_t random = 0;
+        if (::getentropy(&random, sizeof random) != 0)
+            throw std::system_error(errno, std::generic_category(), "no random number");
+        return random % (PRIME - 0x10000) + 0x10000;
     }
 
     Number& chainOf(Hash key) {

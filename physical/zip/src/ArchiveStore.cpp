@@ -58,7 +58,7 @@ public:
 } // namespace
 
 FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file)) {
-    if (path.is_absolute())
+    if (name.compare(0, 1, "/") == 0) // absolute
         return;
     std::error_code error;
     fs::path absolute = fs::absolute(path, error);

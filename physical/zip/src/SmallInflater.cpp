@@ -29,6 +29,12 @@ constexpr std::array<Range, 30> DISTANCES = {
      {257, 7},   {385, 7},   {513, 8},   {769, 8},    {1025, 9},   {1537, 9},  {2049, 10}, {3073, 10},
      {4097, 11}, {6145, 11}, {8193, 12}, {12289, 12}, {16385, 13}, {24577, 13}}};
 
+/// The code of the lengths of codes: symbols up to 15 are lengths, and the others repeat one.
+using LengthCode = PrefixCode<7, 19>;
+constexpr unsigned LAST_AGAIN = 16;
+constexpr unsigned SOME_ZEROS = 17;
+constexpr unsigned MANY_ZEROS = 18;
+
 struct Codes {
     PrefixCode<9, 288> literals; ///< and lengths
     PrefixCode<5, 32> distances;
@@ -59,7 +65,9 @@ private:
     bool expandBlock(unsigned kind);
     bool copyStored();
     bool readCodes();
-    bool readLengths(unsigned literalCount, unsigned distanceCount);
+    bool readLengthCode(unsigned count, LengthCode& code);
+    bool readLengths(const LengthCode& code, unsigned literalCount, unsigned distanceCount);
+    unsigned takeLength(const LengthCode& code, unsigned& length);
     bool expandSymbols(const Codes& codes);
     bool repeat(std::size_t distance, std::size_t length);
 
@@ -115,54 +123,45 @@ bool Expansion::copyStored() {
 bool Expansion::readCodes() {
     const unsigned literalCount = input.take(5) + 257;
     const unsigned distanceCount = input.take(5) + 1;
-    return literalCount <= 286 && distanceCount <= 30 && readLengths(literalCount, distanceCount) &&
-           ownCodes.literals.build(true) && ownCodes.distances.build(true);
+    const unsigned lengthCount = input.take(4) + 4;
+    LengthCode lengths;
+    return literalCount <= 286 && distanceCount <= 30 && readLengthCode(lengthCount, lengths) &&
+           readLengths(lengths, literalCount, distanceCount) && ownCodes.literals.build(true) &&
+           ownCodes.distances.build(true);
 }
 
-/// Reads the lengths of both codes, in a code of their own, whose symbols up to 15 are lengths.
-bool Expansion::readLengths(unsigned literalCount, unsigned distanceCount) {
-    constexpr unsigned LAST_AGAIN = 16;
-    constexpr unsigned SOME_ZEROS = 17;
+/// Reads the code that the lengths of the other two are in.
+bool Expansion::readLengthCode(unsigned count, LengthCode& code) {
     constexpr std::array<std::uint8_t, 19> ORDER = {16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
                                                     11, 4,  12, 3, 13, 2, 14, 1, 15};
     std::array<std::uint8_t, ORDER.size()> lengths{};
-    const unsigned lengthCount = input.take(4) + 4;
-    for (unsigned i = 0; i < lengthCount; ++i) {
+    for (unsigned i = 0; i < count; ++i) {
         input.refill();
         lengths[ORDER[i]] = static_cast<std::uint8_t>(input.take(3));
     }
-    PrefixCode<7, ORDER.size()> code;
     code.clear();
     for (unsigned symbol = 0; symbol < lengths.size(); ++symbol)
         if (lengths[symbol] > 0)
             code.add(symbol, lengths[symbol]);
-    if (input.isOverdrawn() || !code.build(false))
-        return false;
+    return !input.isOverdrawn() && code.build(false);
+}
 
+/// Reads the lengths of both codes, one behind the other.
+bool Expansion::readLengths(const LengthCode& code, unsigned literalCount, unsigned distanceCount) {
     ownCodes.literals.clear();
     ownCodes.distances.clear();
     const unsigned all = literalCount + distanceCount;
     bool hasEnd = false;
-    unsigned last = LAST_AGAIN; // none yet
+    unsigned length = LAST_AGAIN; // there is no last one yet
     for (unsigned i = 0; i < all;) {
-        input.refill();
-        unsigned length = code.take(input);
-        unsigned times = 1;
-        if (length == LAST_AGAIN) {
-            times = 3 + input.take(2);
-            length = last;
-        } else if (length > LAST_AGAIN) {
-            times = length == SOME_ZEROS ? 3 + input.take(3) : 11 + input.take(7);
-            length = 0;
-        }
+        const unsigned times = takeLength(code, length);
         if (length >= LAST_AGAIN || input.isOverdrawn() || times > all - i)
             return false;
-        last = length;
         if (length == 0) {
             i += times;
             continue;
         }
-        for (; times > 0; --times, ++i) {
+        for (const unsigned behind = i + times; i < behind; ++i) {
             hasEnd = hasEnd || i == END_OF_BLOCK;
             if (i < literalCount)
                 ownCodes.literals.add(i, length);
@@ -171,6 +170,19 @@ bool Expansion::readLengths(unsigned literalCount, unsigned distanceCount) {
         }
     }
     return hasEnd;
+}
+
+/// @param length  the last one; gets the next one
+/// @return how many times it stands there
+unsigned Expansion::takeLength(const LengthCode& code, unsigned& length) {
+    input.refill();
+    const unsigned symbol = code.take(input);
+    if (symbol == LAST_AGAIN)
+        return 3 + input.take(2);
+    length = symbol < LAST_AGAIN || symbol == LengthCode::NO_SYMBOL ? symbol : 0;
+    if (symbol == SOME_ZEROS)
+        return 3 + input.take(3);
+    return symbol == MANY_ZEROS ? 11 + input.take(7) : 1;
 }
 
 bool Expansion::expandSymbols(const Codes& codes) {

@@ -66,12 +66,12 @@ private:
 };
 
 ZipContent::ZipContent(ZipContext& owner, ItemIndex whole)
-    : context(owner), item(whole), inputs(&owner.streams) {
+    : context(owner), item(whole), inputs(owner.streams) {
 }
 
 ZipContent::ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces)
     : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
-      inputs(&owner.streams) {
+      inputs(owner.streams) {
 }
 
 ZipContent::~ZipContent() = default;

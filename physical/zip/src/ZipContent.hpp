@@ -25,9 +25,9 @@ struct ZipContext {
     std::string place;
     bool readOnly = false;
     bool changed = false;
-    std::unique_ptr<ArchiveReader> archive;         ///< null while a package is being created
-    std::shared_ptr<SpoolStore> spools;             ///< null if nothing can be written
-    std::pmr::unsynchronized_pool_resource streams; ///< what the input streams stand in
+    std::unique_ptr<ArchiveReader> archive;       ///< null while a package is being created
+    std::shared_ptr<SpoolStore> spools;           ///< null if nothing can be written
+    std::pmr::memory_resource* streams = nullptr; ///< what the input streams stand in
 };
 
 /// What can be read and replaced in an open package: the content of a part, or the content types stream. It

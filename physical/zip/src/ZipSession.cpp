@@ -31,6 +31,7 @@ ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, O
     context.place = store.place();
     context.readOnly = mode == OpenMode::ReadOnly;
     context.changed = mode == OpenMode::CreateOnly;
+    context.streams = parts.all().get_allocator().resource();
     if (mode != OpenMode::CreateOnly)
         load();
     if (mode != OpenMode::ReadOnly)

@@ -71,8 +71,8 @@ private:
     std::shared_ptr<ByteSource> source; ///< null while a package is being created
     std::uint64_t totalSize = 0;
     ZipContext context;
-    std::optional<ZipContent> contentTypes;
     NamedList<ZipPart> parts;
+    std::optional<ZipContent> contentTypes; ///< whose streams lie beside the parts
     ExtractionNames extractionNames{parts};
     std::vector<ItemIndex> unusual; ///< items that aren't called like parts of plain names
     std::vector<ItemIndex> removedItems;
