@@ -1,6 +1,8 @@
 #include "PhysicalSupport.hpp"
 #include "RawZip.hpp"
 #include "SystemCalls.hpp"
+#include "support/Cases.hpp"
+#include "support/Texts.hpp"
 
 #include <fcntl.h>
 #include <grp.h>
@@ -11,6 +13,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <map>
 
 namespace {
 
@@ -27,6 +30,7 @@ constexpr uid_t ROOT = 0;
 constexpr uid_t ALICE = 65531;
 constexpr uid_t BOB = 65532;
 constexpr gid_t STAFF = 65533;
+const std::map<std::string, uid_t> IDS = {{"root", ROOT}, {"alice", ALICE}, {"bob", BOB}, {"staff", STAFF}};
 
 std::string attribute(const fs::path& path, const char* name) {
     std::string value(1000, '\0');
@@ -62,6 +66,13 @@ struct Attributes {
     mode_t mode = 0; ///< with a list, its group's permissions are the mask's
     std::string list;
 
+    /// @param text  such as "alice staff 0640 64040"
+    static Attributes read(const std::string& text) {
+        const auto parts = words(text);
+        return {IDS.at(parts.at(0)), IDS.at(parts.at(1)),
+                static_cast<mode_t>(std::stoul(parts.at(2), nullptr, 8)),
+                parts.size() > 3 ? accessList(parts[3]) : ""};
+    }
     static Attributes of(const fs::path& path) {
         struct stat status {};
         EXPECT_EQ(::stat(path.c_str(), &status), 0);
@@ -129,53 +140,22 @@ protected:
 
 TEST_F(ZipAttributes, surviveASaveOrNarrow) {
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
-    struct Case {
-        const char* what;
-        uid_t saver;
-        Attributes old;
-        Attributes kept;
-    };
-    const auto list = accessList;
-    const Case cases[] = {
-        {"a mode", ROOT, {ROOT, ROOT, 0640, ""}, {ROOT, ROOT, 0640, ""}},
-        {"a list whose mask is wider than its group",
-         ROOT,
-         {ROOT, ROOT, 0660, list("66060")},
-         {ROOT, ROOT, 0660, list("66060")}},
-        {"a list whose group is wider than its mask",
-         ROOT,
-         {ROOT, ROOT, 0604, list("60704")},
-         {ROOT, ROOT, 0604, list("60704")}},
-        {"an owner", ROOT, {ALICE, BOB, 06754, ""}, {ALICE, BOB, 06754, ""}},
-        {"an owner that may only read", ROOT, {ALICE, BOB, 0440, ""}, {ALICE, BOB, 0440, ""}},
-        {"an owner and a list", ROOT, {ALICE, BOB, 0640, list("64040")}, {ALICE, BOB, 0640, list("64040")}},
-        {"only the group", BOB, {ALICE, STAFF, 06664, ""}, {BOB, STAFF, 02664, ""}},
-        {"neither owner nor group", BOB, {ALICE, ALICE, 06676, ""}, {BOB, BOB, 0666, ""}},
-        {"a group that may less than others", BOB, {ALICE, ALICE, 0606, ""}, {BOB, BOB, 0600, ""}},
-        {"a list without its group",
-         BOB,
-         {ALICE, ALICE, 0666, list("66566")},
-         {BOB, BOB, 0664, list("66464")}},
-        {"a list without its group that masks",
-         BOB,
-         {ALICE, ALICE, 0626, list("66626")},
-         {BOB, BOB, 0622, list("66222")}},
-    };
     const bool lists = knowsLists();
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        if ((!isRoot && (c.saver != ROOT || c.old.owner != ROOT)) || (!lists && !c.old.list.empty()))
-            continue;
-        makeFile(c.old);
-        ASSERT_EQ(attribute(path, ACCESS), c.old.list);
-        EXPECT_TRUE(asUser(isRoot ? c.saver : ::geteuid(), [this] { save(); }));
+    const auto check = [&](const std::string& saver, const std::string& before, const std::string& after) {
+        const Attributes old = Attributes::read(before), kept = Attributes::read(after);
+        if ((!isRoot && (saver != "root" || old.owner != ROOT)) || (!lists && !old.list.empty()))
+            return;
+        makeFile(old);
+        ASSERT_EQ(attribute(path, ACCESS), old.list);
+        EXPECT_TRUE(asUser(isRoot ? IDS.at(saver) : ::geteuid(), [this] { save(); }));
         const Attributes now = Attributes::of(path);
-        EXPECT_EQ(now.owner, isRoot ? c.kept.owner : ::geteuid());
-        EXPECT_EQ(now.group, isRoot ? c.kept.group : ::getegid());
-        EXPECT_EQ(now.mode, c.kept.mode) << std::oct << now.mode;
-        EXPECT_EQ(now.list, c.kept.list);
+        EXPECT_EQ(now.owner, isRoot ? kept.owner : ::geteuid());
+        EXPECT_EQ(now.group, isRoot ? kept.group : ::getegid());
+        EXPECT_EQ(now.mode, kept.mode) << std::oct << now.mode;
+        EXPECT_EQ(now.list, kept.list);
         EXPECT_EQ(readZip(readFile(path)).size(), 2U);
-    }
+    };
+    forEachCase("zip/attributes.txt", check);
 }
 
 TEST_F(ZipAttributes, areNeverWiderThanThoseOfTheOldFile) {

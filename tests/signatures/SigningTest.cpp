@@ -1,5 +1,6 @@
 #include "SignedPackage.hpp"
 
+#include "support/Cases.hpp"
 #include "support/OpenSslCommand.hpp"
 
 #include <opc/physical/LenientPackage.hpp>
@@ -166,34 +167,10 @@ const std::string FOREIGN_ORIGIN_TYPE =
     R"(<Default Extension="sigs" ContentType="application/vnd.openxmlformats-package.digital-signature-origin"/>)";
 
 TEST_F(Signing, takesTheNextNumberWhoseNamesAreFree) {
-    struct Case {
-        std::vector<std::u16string> parts;
-        std::string contentTypes, ofOrigin;
-        const char16_t* name;
-    };
-    const Case cases[] = {
-        {{u"/_XMLSignatures/SIG1.Xml", u"/_xmlsignatures/sig3.xml"}, "", "", u"sig2"},
-        {{SIGNATURE, u"/_xmlsignatures/sig2.xml", u"/_xmlsignatures/sig3.xml"}, "", "", u"sig4"},
-        {{u"/_xmlsignatures/sig1.xml/below/it.xml"}, "", "", u"sig2"},
-        {{u"/_xmlsignatures/sig1.xml.xml", u"/_xmlsignatures/sig.xml", u"/sig1.xml"}, "", "", u"sig1"},
-        {{u"/_XMLSignatures/_rels/Sig1.xml.rels"}, "", "", u"sig2"},      // hidden: it has no source
-        {{u"/_XMLSignatures/Sig1.xml/[0].piece"}, "", "", u"sig2"},       // hidden: it has no content type
-        {{u"/sig1.xml.none", u"/x_xmlsignatures.none"}, "", "", u"sig1"}, // hidden, but in nobody's way
-        {{}, R"(<Override PartName="/_xmlsignatures/SIG1.xml" ContentType="a/b"/>)", "", u"sig1"},
-        {{FOREIGN_ORIGIN},
-         FOREIGN_ORIGIN_TYPE,
-         R"(<Relationship Id="DSRel1" Type="urn:x" Target="/a.xml"/>)",
-         u"sig2"},
-        {{FOREIGN_ORIGIN},
-         FOREIGN_ORIGIN_TYPE,
-         R"(<Relationship Id="DSRel1" Type="urn:x" Target=""/>)",
-         u"sig2"},
-    };
-    int number = 0;
-    for (const auto& [parts, types, ofOrigin, name] : cases) {
-        SCOPED_TRACE(number++);
-        opc::physical::MemoryPackage content;
-        fill(content, parts);
+    const auto check = [this](const std::u16string& parts, const std::string& types,
+                              const std::string& ofOrigin, const std::u16string& name) {
+        MemoryPackage content;
+        fill(content, words(parts));
         content.setPart(u"/a.xml", {});
         content.setContentTypes(contentTypes(USUAL_CONTENT_TYPES + types));
         if (!ofOrigin.empty())
@@ -207,7 +184,8 @@ TEST_F(Signing, takesTheNextNumberWhoseNamesAreFree) {
         odd.open(OpenMode::ReadOnly);
         EXPECT_TRUE(
             signatures.verifySignature(signatures.getSignature(name), publicKey).isProperlyCodesigned());
-    }
+    };
+    forEachCase("signatures/numbers.txt", check);
 }
 
 TEST_F(Signing, failsWhereNoNumberHelps) {

@@ -1,4 +1,5 @@
 #include "SignedPackage.hpp"
+#include "support/Cases.hpp"
 
 #include <functional>
 #include <map>
@@ -84,9 +85,6 @@ protected:
     void edit(const char16_t* name, const std::string& what, const std::string& with) {
         store.setPart(name, toBytes(replaced(text(name), what, with)));
     }
-    int outcomeOf(const char16_t* name, const std::string& what, const std::string& with) {
-        return outcomeOf([&] { edit(name, what, with); });
-    }
 
     /// Turns one bit, by a fixed series, in each of these places, and gives those where `isExpected` says no.
     std::vector<std::size_t> turnBits(const char16_t* name, const std::vector<std::size_t>& places,
@@ -152,20 +150,16 @@ TEST_F(Tampering, everyValueOfTheSignaturePartCounts) {
     EXPECT_EQ(outcome(), HOLDS);
 }
 
-/// 101: what is covered has changed. 102: something covered is missing.
-TEST_F(Tampering, changesOfWhatIsSignedAreFoundByTheirCode) {
-    const char16_t *const ofPackage = u"/_rels/.rels", *const ofA = u"/_rels/a.xml.rels";
-    const std::tuple<int, const char16_t*, const char*, const char*> changes[] = {
-        {101, u"/a.xml", "content", "Content"},
-        {101, CORE_PROPERTIES, ">t<", ">T<"},
-        {101, ofPackage, "http://e/", "http://f/"},
-        {101, ofPackage, R"(TargetMode="External")", ""},
-        {101, ofA, "rId1", "rId7"},
-        {101, ofPackage, "</R", R"(<Relationship Id="x" Type="urn:link" Target="b.xml"/></R)"},
-        {102, ofPackage, "urn:link", "urn:else"},
+TEST_F(Tampering, countsByWhatIsChanged) {
+    const auto check = [this](const std::string& expected, const std::u16string& name,
+                              const std::string& what, const std::string& with) {
+        const int code = outcomeOf([&] { edit(name.c_str(), what, with); });
+        EXPECT_TRUE(expected == "found" ? isFound(code) : std::to_string(code) == expected) << code;
     };
-    for (const auto& [code, name, what, with] : changes)
-        EXPECT_EQ(outcomeOf(name, what, with), code) << what << " -> " << with;
+    forEachCase("signatures/changed.txt", check);
+}
+
+TEST_F(Tampering, ofSeveralPartsIsFoundByItsCode) {
     EXPECT_EQ(outcomeOf([this] {
                   store.setPart(u"/_xmlsignatures/sigcountersig.xml", {});
                   edit(u"/_rels/.rels", "</R",
@@ -179,67 +173,27 @@ TEST_F(Tampering, changesOfWhatIsSignedAreFoundByTheirCode) {
               102);
 }
 
-TEST_F(Tampering, changesOfFormWithinWhatIsSignedAreFound) {
-    const std::pair<const char*, const char*> changes[] = {
-        {"<CanonicalizationMethod", " <CanonicalizationMethod"},
-        {"</SignedInfo>", "<!--x--></SignedInfo>"},
-        {"<SignedInfo ", "<SignedInfo Id=\"i\" "},
-        {"<Manifest>", "<Manifest>\n"},
-        {"<Manifest>", "<Manifest Id=\"m\">"},
-        {"<SignatureProperties>", "<SignatureProperties><!--x-->"},
-        {"<pds:RelationshipGroupReference SourceType=\"urn:link\"/>", ""},
-    };
-    for (const auto& [what, with] : changes)
-        EXPECT_TRUE(isFound(outcomeOf(SIGNATURE, what, with))) << what << " -> " << with;
-}
-
-/// What no signature of this format protects: who must rely on one of these checks it himself.
+/// More that no signature of this format protects.
 TEST_F(Tampering, whatIsNotProtected) {
-    const auto addRelationship = [this](const std::string& attributes) {
-        edit(u"/_rels/.rels", "</R", "<Relationship " + attributes + R"( Target="b.xml"/></R)");
-    };
     const std::pair<const char*, std::function<void()>> changes[] = {
         {"a content type",
          [this] {
              store.setContentTypes(
                  toBytes(replaced(toText(store.contentTypes()), "application/xml", "text/other")));
          }},
-        {"the first keywords element", [this] { edit(CORE_PROPERTIES, ">old<", ">new<"); }},
-        {"a keywords element that was taken out",
-         [this] { edit(CORE_PROPERTIES, "<cp:keywords>old</cp:keywords>", ""); }},
         {"a part that was added", [this] { store.setPart(u"/new.xml", {}); }},
-        {"a relationship of a type that isn't signed", [&] { addRelationship(R"(Id="x" Type="urn:else")"); }},
         {"which source has which of the signed relationships",
          [this] {
              store.setPart(u"/_rels/a.xml.rels", before.at(u"/_rels/b.xml.rels"));
              store.setPart(u"/_rels/b.xml.rels", before.at(u"/_rels/a.xml.rels"));
          }},
-        {"the key in the signature, by another key", [this] { edit(SIGNATURE, ">AQAB<", ">AQAD<"); }},
         {"no key in the signature", [this] { edit(SIGNATURE, piece(text(), "<KeyInfo>", "<Object"), ""); }},
-        {"the identifier of the signature",
-         [this] { edit(SIGNATURE, R"(Id="Signature1")", R"(Id="Signature5")"); }},
     };
     for (const auto& [what, change] : changes)
         EXPECT_EQ(outcomeOf(change), HOLDS) << what;
 }
 
-/// The same XML, written otherwise: what is digested is written anew from what was read.
-TEST_F(Tampering, otherSpellingsOfTheSameDocumentHold) {
-    const std::string pds = R"(xmlns:pds="http://schemas.openxmlformats.org/package/2006/digital-signature")";
-    const std::pair<std::string, std::string> spellings[] = {
-        {R"(URI="#idPackageObject")", "URI='#idPackageObject'"},
-        {R"(URI="#idPackageObject")", "URI=\"&#x23;idPackageObject\""},
-        {"<SignedInfo ", "<SignedInfo \n "},
-        {"</Manifest>", "</Manifest >"},
-        {"\"/><DigestValue>", "\"></DigestMethod><DigestValue>"},
-        {R"(<Object Id="idPackageObject" )" + pds, "<Object " + pds + R"( Id="idPackageObject")"},
-        {"</SignedInfo>", "</SignedInfo>\r\n<!-- not signed -->"},
-        {"</SignatureValue>", "\n</SignatureValue>"},
-        {"<SignatureProperties>", "<SignatureProperties  >"},
-    };
-    for (const auto& [what, with] : spellings)
-        EXPECT_EQ(outcomeOf(SIGNATURE, what, with), HOLDS) << what << " -> " << with;
-
+TEST_F(Tampering, anotherEncodingOfTheSameDocumentHolds) {
     const std::string document = text();
     std::string inUtf16 = "\xFF\xFE";
     for (const char c : document.substr(document.find("?>") + 2))

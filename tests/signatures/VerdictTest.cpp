@@ -1,5 +1,6 @@
 #include "Resigning.hpp"
 #include "SignedPackage.hpp"
+#include "support/Cases.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <opc/model/SignaturePolicy.hpp>
@@ -54,50 +55,21 @@ TEST_F(Verdict, isYesOnlyIfThereAreSignaturesAndAllHold) {
 TEST_F(Verdict, namesWhatIsDamagedAndWhereThatIs) {
     sign({PartName(u"/a.xml"), PartName(u"/b.xml")}, {byType(u"/", u"urn:main"), byId(u"/a.xml", u"rId1")});
     close(false);
-    struct Case {
-        const char16_t* part;
-        std::string what; // empty: the part goes
-        std::string with;
-        Kind kind;
-        std::vector<std::string> texts;
-    };
-    const Case cases[] = {
-        {u"/a.xml", "content", "x", Kind::DoesNotHold, {"sig1", "content", "/a.xml"}},
-        {u"/_rels/a.xml.rels", "b.xml", "c.xml", Kind::DoesNotHold, {"relationship", "/_rels/a.xml.rels"}},
-        {SIGNATURE,
-         "/a.xml?ContentType=application/xml",
-         "/a.xml?ContentType=text/xml",
-         Kind::DoesNotHold,
-         {"idPackageObject"}},
-        {SIGNATURE,
-         "<SignatureValue>",
-         "<SignatureValue>AAAA",
-         Kind::DoesNotHold,
-         {"signature value is wrong"}},
-        {SIGNATURE,
-         "<SignatureValue>",
-         "<Value>",
-         Kind::Unreadable,
-         {"; line 1, column ", "; /_xmlsignatures/sig1.xml"}},
-        {u"/_xmlsignatures/_rels/origin.sigs.rels",
-         "sig1.xml",
-         "//sig1.xml",
-         Kind::Unreadable,
-         {"; relationship DSRel1 of /_xmlsignatures/origin.sigs"}},
-        {u"/b.xml", "", "", Kind::Unreadable, {"/b.xml"}},
-        {u"/_rels/a.xml.rels", "rId1", "rId9", Kind::Unreadable, {"rId1", "/a.xml"}},
-    };
-    for (const Case& change : cases) {
-        const std::string before = text(change.part);
-        if (change.what.empty())
-            store.removePart(change.part);
+    const auto check = [this](const std::string& kind, const std::u16string& name, const std::string& what,
+                              const std::string& with, const std::string& one, const std::string& two,
+                              const std::string& three) {
+        const std::string before = text(name.c_str());
+        if (what == "gone")
+            store.removePart(name);
         else
-            store.setPart(change.part, toBytes(replaced(before, change.what, change.with)));
+            store.setPart(name, toBytes(replaced(before, what, with)));
         open();
-        expectReason(manager->judge(byKey()), change.kind, change.texts);
+        expectReason(manager->judge(byKey()), kind == "Unreadable" ? Kind::Unreadable : Kind::DoesNotHold,
+                     {one, two, three});
         close(true);
-        store.setPart(change.part, toBytes(before));
-    }
+        store.setPart(name, toBytes(before));
+    };
+    forEachCase("signatures/damaged.txt", check);
     open();
     signPart(u"/a.xml");
     package->deletePart(PartName(u"/a.xml"));
