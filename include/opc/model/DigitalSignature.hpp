@@ -51,11 +51,9 @@ public:
     bedrock::certificates::X509CertificateChain getCertificateChain() const;
 
 private:
-    friend class DigitalSignatureManager;
-    friend class CoverageIndex;
+    friend class DigitalSignatureData;
 
     explicit DigitalSignature(std::shared_ptr<DigitalSignatureData> data);
-    std::shared_ptr<DigitalSignatureData> getImpl() const { return m_impl; }
 
     std::shared_ptr<DigitalSignatureData> m_impl;
 };

@@ -280,100 +280,17 @@ public:
 
 private:
     friend class SignatureCoverage;
-
-    using Signatures = std::vector<DigitalSignature>;
-
-    /// The first half of a verification: whether the signature value holds.
-    using ValueCheck = std::function<DigitalSignatureVerificationStatus(const DigitalSignatureData&)>;
+    struct Impl;
 
     void doLoad() override;
     void doSave() override;
     std::vector<std::u16string> doGetManagedPartNames() const override;
     std::vector<std::u16string> doGetManagedRelationshipTypes() const override;
 
-    void throwIfPackageNotOpen() const;
-    void throwIfPackageReadOnly() const;
-    void throwIfPackageCreateOnly() const;
-    void throwIfPackageNotOpenForModify() const;
-    void throwIfPackageNotCountersigned() const;
-    void throwIfNotValidSignaturePart(const PartName& partName) const;
+    /// What the operations work on, with the signatures loaded.
+    Impl& loaded() const;
 
-    void ensureLoaded() const;
-    Part getTarget(const Relationship& relationship);
-    std::shared_ptr<DigitalSignatureData> readSignature(const Part& part,
-                                                        SelectableRelationships& selectable) const;
-    void addLoadedSignature(const std::shared_ptr<DigitalSignatureData>& data, const Part& part);
-    void updateNextSignatureID(std::u16string id, const Part& part);
-    void fillUpSignedEntities(DigitalSignatureData& data, SelectableRelationships& selectable) const;
-    void fillUpSignedRelationships(const Reference& reference, const PartName& relationshipsPart,
-                                   SelectableRelationships& selectable, SignedRelationships& selected) const;
-    void assertSignatureCorrectnessAfterLoad(const DigitalSignatureData& data) const;
-    Signatures::iterator findSignature(const std::u16string& name);
-
-    std::u16string getNextSignatureID();
-    Part getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const;
-    std::optional<URI> findOriginOfSignatures() const;
-    std::optional<Part> findOriginPart() const;
-
-    std::vector<Bytes> computePartDigests(const std::vector<PartName>& partNames,
-                                          DigestMethod digestMethod) const;
-    DataToSign computeDataToSign(const std::vector<PartName>& partNames,
-                                 const std::vector<RelationshipSelector>& selectors,
-                                 const SignatureParams& params) const;
-    std::shared_ptr<const SignedRelationships>
-    selectRelationships(const std::vector<RelationshipSelector>& selectors) const;
-    std::uint64_t measureWork() const;
-    void throwIfTooMuchWork(const DataToSign& data, const SignatureParams& params) const;
-
-    static void throwIfNoVerificationKey(const Bytes& publicKey);
-    DigitalSignature signHelper(const Bytes& privateKey, const Bytes& publicKey,
-                                const SignatureParams& params, const std::vector<PartName>& parts,
-                                const std::vector<RelationshipSelector>& selectors, bool countersign);
-    DigitalSignature signHelper(const Bytes& privateKey, const X509Certificate& certificate,
-                                const X509CertificateChain& chain, const TrustStore& trustStore,
-                                const CertificateValidationOptions& options, const SignatureParams& params,
-                                const std::vector<PartName>& parts,
-                                const std::vector<RelationshipSelector>& selectors, bool countersign);
-    DigitalSignature signHelper(const PKCS12Certificate& bundle, const TrustStore& trustStore,
-                                const CertificateValidationOptions& options, const SignatureParams& params,
-                                const std::vector<PartName>& parts,
-                                const std::vector<RelationshipSelector>& selectors, bool countersign);
-    std::u16string takeSignatureID(bool countersign);
-    DigitalSignature addSignature(std::shared_ptr<DigitalSignatureData> data);
-    Bytes composeSignaturePart(DigitalSignatureData& data) const;
-    void saveSignaturePart(const DigitalSignature& signature, const Bytes& document);
-    Part createOrFetchOriginPart();
-
-    std::pair<std::vector<PartName>, std::vector<RelationshipSelector>> getAllPartsAndRels() const;
-    std::pair<std::vector<PartName>, std::vector<RelationshipSelector>> countersignHelper() const;
-
-    DigitalSignatureVerificationStatus verify(const DigitalSignature& signature,
-                                              const ValueCheck& checkValue);
-    DigitalSignatureVerificationStatus verify(const DigitalSignatureData& data, const ValueCheck& checkValue,
-                                              PartDigesters& digesters) const;
-    DigitalSignatureVerificationStatus verifySignatureHelper(const DigitalSignatureData& data,
-                                                             const DigitalSignatureVerificationStatus& status,
-                                                             PartDigesters& digesters) const;
-    DigitalSignatureVerificationStatus verifyReferencesAfterLoad(const DigitalSignatureData& data,
-                                                                 PartDigesters& digesters) const;
-    std::vector<const Reference*> findDifferences(const DigitalSignatureData& data,
-                                                  PartDigesters& digesters) const;
-    void judgeAll(const Signatures& signatures, const SignaturePolicy& policy,
-                  SignatureVerdict& verdict) const;
-    JudgedSignature judgeOne(const DigitalSignature& signature, const SignaturePolicy& policy,
-                             PartDigesters& digesters, SelectableRelationships& selectable) const;
-    void check(const SignaturePolicy& policy, PartDigesters& digesters, SelectableRelationships& selectable,
-               JudgedSignature& judged) const;
-    static InvalidSignature stripInvalidSignatureExceptionMessage(const InvalidSignature& e);
-
-    void deleteSignaturePart(const PartName& partName);
-    void discardAll();
-
-    Signatures m_signatures;
-    std::uint64_t m_nextSignatureID = 1;
-    std::string m_placeOfFailure; ///< of the last loading: a relationship or a part; empty if there is none
-    std::uint64_t m_work = 0;     ///< what it takes to digest the relationships of all loaded signatures
-    std::unique_ptr<DigitalSignatureSerializer> m_serializer;
+    std::unique_ptr<Impl> m_impl;
 };
 
 } // namespace opc::model

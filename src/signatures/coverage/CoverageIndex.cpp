@@ -29,7 +29,7 @@ const Places& findOrNone(const std::map<std::u16string, Places>& index, const st
 
 void CoverageIndex::add(const DigitalSignature& signature) {
     const std::size_t place = count++;
-    for (const Reference& reference : signature.getImpl()->m_content.manifestReferences) {
+    for (const Reference& reference : DigitalSignatureData::of(signature).m_content.manifestReferences) {
         const PartName name(reference.referenceURI.getPath());
         if (!reference.selectsRelationships()) {
             CoveredPart& part = parts[name];

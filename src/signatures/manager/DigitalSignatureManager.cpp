@@ -1,22 +1,35 @@
-#include <opc/model/DigitalSignatureManager.hpp>
-
 #include "signatures/coverage/SignatureLayout.hpp"
-#include "signatures/document/DigitalSignatureSerializer.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 
+#include <algorithm>
+
 /// @file
-/// The frame of the manager: guards, numbering, and what it keeps for itself in the package.
+/// The frame of the manager: what it keeps for itself in the package, its guards, and how signatures are found.
 
 namespace opc::model {
 
 DigitalSignatureManager::DigitalSignatureManager(Package& managed)
-    : DataManager(managed, false), m_serializer(std::make_unique<DigitalSignatureSerializer>()) {
+    : DataManager(managed, false), m_impl(std::make_unique<Impl>(managed)) {
 }
 
 DigitalSignatureManager::~DigitalSignatureManager() = default;
+
+DigitalSignatureManager::Impl& DigitalSignatureManager::loaded() const {
+    if (m_impl->package
+            .isCreateOnly()) // there is nothing to load, but the list may be that of an earlier package
+        m_impl->list.signatures.clear();
+    // Loading fills what the operations answer from; it changes nothing that a caller can see.
+    const_cast<DigitalSignatureManager*>(this)->load();
+    return *m_impl;
+}
+
+void DigitalSignatureManager::doLoad() {
+    m_impl->load();
+}
 
 /// Every change has been written to the package when it was made.
 void DigitalSignatureManager::doSave() {
@@ -26,7 +39,7 @@ std::vector<std::u16string> DigitalSignatureManager::doGetManagedPartNames() con
     if (!isPackageSigned())
         return {};
     std::vector<std::u16string> names{getOriginPartURI().toString()};
-    for (const DigitalSignature& signature : m_signatures)
+    for (const DigitalSignature& signature : m_impl->list.signatures)
         names.push_back(getSignaturePartName(signature.getName()).toString());
     return names;
 }
@@ -37,67 +50,88 @@ std::vector<std::u16string> DigitalSignatureManager::doGetManagedRelationshipTyp
     return {getOriginRelationshipType(), getSignatureRelationshipType()};
 }
 
+Enumerator<std::vector<DigitalSignature>> DigitalSignatureManager::getSignatures() {
+    m_impl->throwIfNotOpen();
+    return Enumerator<std::vector<DigitalSignature>>(loaded().list.signatures);
+}
+
+DigitalSignature DigitalSignatureManager::getSignature(const std::u16string& name) {
+    m_impl->throwIfNotOpen();
+    return *loaded().find(name);
+}
+
+DigitalSignature DigitalSignatureManager::getCountersignature() {
+    loaded();
+    return getSignature(getSignatureName(COUNTERSIGNATURE_ID));
+}
+
+bool DigitalSignatureManager::isPackageSigned() const {
+    m_impl->throwIfNotOpen();
+    return !loaded().list.signatures.empty();
+}
+
 bool DigitalSignatureManager::isPackageCountersigned() const {
-    throwIfPackageNotOpen();
-    ensureLoaded();
-    return getPackage().hasPart(getSignaturePartName(getSignatureName(COUNTERSIGNATURE_ID)));
+    m_impl->throwIfNotOpen();
+    return loaded().isCountersigned();
 }
 
-Part DigitalSignatureManager::getSignatureOriginPart(URI& uri, std::u16string& relationshipID) const {
-    const auto relationships = getPackage().getRelationshipsByType(getOriginRelationshipType());
-    if (relationships.empty())
-        throw SignatureNotFound("Internal Error: No signature origin present.");
-    const Relationship& first = *relationships.begin();
-    uri = first.getTargetURI();
-    relationshipID = first.getID();
-    return getPackage().getPart(PartName(uri));
+bool DigitalSignatureManager::isSigned(const PartName& name) const {
+    m_impl->throwIfNotOpen();
+    const auto& signatures = loaded().list.signatures;
+    return std::any_of(signatures.begin(), signatures.end(), [&name](const DigitalSignature& signature) {
+        const auto& names = DigitalSignatureData::of(signature).m_signedPartNames;
+        return std::find(names.begin(), names.end(), name) != names.end();
+    });
 }
 
-/// The name of the origin part, where there are signatures.
-std::optional<URI> DigitalSignatureManager::findOriginOfSignatures() const {
-    return isPackageSigned() ? findOriginURI(getPackage()) : std::nullopt;
+bool DigitalSignatureManager::hasForeignSignatures() const {
+    return !m_impl->package.getRelationshipsByType(getForeignOriginRelationshipType()).empty();
 }
 
-/// The origin part that new signatures hang on, where there is one. A package has one origin part [M6.1], so one that
-/// signatures of another form hang on is theirs too.
-std::optional<Part> DigitalSignatureManager::findOriginPart() const {
-    if (const auto uri = findOriginURI(getPackage()))
-        return getPackage().getPart(PartName(*uri));
-    const PartName name(getOriginPartURI());
-    if (!getPackage().hasPart(name))
-        return std::nullopt;
-    const Part part = getPackage().getPart(name);
-    return part.getContentType() == getOriginPartContentType() ? std::optional(part) : std::nullopt;
-}
-
-void DigitalSignatureManager::throwIfPackageNotOpen() const {
-    if (!getPackage().isOpen())
+void DigitalSignatureManager::Impl::throwIfNotOpen() const {
+    if (!package.isOpen())
         throw PackageNotOpen("Package is not open");
 }
 
-void DigitalSignatureManager::throwIfPackageReadOnly() const {
-    if (getPackage().isReadOnly())
+void DigitalSignatureManager::Impl::throwIfNotOpenForModify() const {
+    throwIfNotOpen();
+    if (package.isReadOnly())
         throw PackageReadOnly("Package is read-only");
-}
-
-void DigitalSignatureManager::throwIfPackageCreateOnly() const {
-    if (getPackage().isCreateOnly())
+    if (package.isCreateOnly())
         throw PackageCreateOnly("Package is open only for create");
 }
 
-void DigitalSignatureManager::throwIfPackageNotOpenForModify() const {
-    throwIfPackageNotOpen();
-    throwIfPackageReadOnly();
-    throwIfPackageCreateOnly();
+std::vector<DigitalSignature>::iterator DigitalSignatureManager::Impl::find(const std::u16string& name) {
+    throwIfNotSignaturePart(getSignaturePartName(name));
+    const auto found =
+        std::find_if(list.signatures.begin(), list.signatures.end(),
+                     [&name](const DigitalSignature& entry) { return entry.getName() == name; });
+    if (found == list.signatures.end())
+        throw SignatureNotFound("Could not find the given signature by the given name.");
+    return found;
 }
 
-void DigitalSignatureManager::throwIfNotValidSignaturePart(const PartName& partName) const {
-    if (!getPackage().hasPart(partName))
+bool DigitalSignatureManager::Impl::isCountersigned() const {
+    return package.hasPart(getSignaturePartName(getSignatureName(COUNTERSIGNATURE_ID)));
+}
+
+DigitalSignatureManager::Impl::Origin DigitalSignatureManager::Impl::getOrigin() const {
+    const auto relationships = package.getRelationshipsByType(getOriginRelationshipType());
+    if (relationships.empty())
+        throw SignatureNotFound("Internal Error: No signature origin present.");
+    const Relationship& first = *relationships.begin();
+    return {package.getPart(PartName(first.getTargetURI())), first};
+}
+
+std::optional<URI> DigitalSignatureManager::Impl::findOriginOfSignatures() const {
+    return list.signatures.empty() ? std::nullopt : findOriginURI(package);
+}
+
+void DigitalSignatureManager::Impl::throwIfNotSignaturePart(const PartName& partName) const {
+    if (!package.hasPart(partName))
         throw SignatureNotFound("The provided signature part name is invalid or does not exist.");
-    URI originURI;
-    std::u16string originRelationshipID;
-    const Part origin = getSignatureOriginPart(originURI, originRelationshipID);
-    for (const Relationship& relationship : origin.getRelationshipsByType(getSignatureRelationshipType()))
+    for (const Relationship& relationship :
+         getOrigin().part.getRelationshipsByType(getSignatureRelationshipType()))
         if (relationship.getTargetURI() == partName.getURI())
             return;
     throw SignatureNotFound("The provided part name is not a signature part.");

@@ -1,6 +1,5 @@
-#include <opc/model/DigitalSignatureManager.hpp>
-
 #include "signatures/coverage/SignatureLayout.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
@@ -74,32 +73,32 @@ void deleteRelationships(RelationshipSource& source) {
             source.deleteRelationship(relationship.getID());
 }
 
-} // namespace
-
-void DigitalSignatureManager::discardSignatures() {
-    throwIfPackageNotOpenForModify();
-    try {
-        discardAll();
-    } catch (const Exception& e) {
-        throw translated<CouldNotRemoveSignature>(e, e.what());
-    }
-    m_signatures.clear();
-    m_nextSignatureID = 1;
-}
-
-void DigitalSignatureManager::discardAll() {
+void discardAll(Package& package) {
     Targets targets;
-    targets.add(getPackage());
-    const auto parts = getPackage().getParts();
+    targets.add(package);
+    const auto parts = package.getParts();
     for (const Part& part : parts)
         targets.add(part);
     for (Part part : parts) {
         if (targets.isToGo(part))
-            getPackage().deletePart(part.getName());
+            package.deletePart(part.getName());
         else
             deleteRelationships(part);
     }
-    deleteRelationships(getPackage());
+    deleteRelationships(package);
+}
+
+} // namespace
+
+void DigitalSignatureManager::discardSignatures() {
+    m_impl->throwIfNotOpenForModify();
+    try {
+        discardAll(m_impl->package);
+    } catch (const Exception& e) {
+        throw translated<CouldNotRemoveSignature>(e, e.what());
+    }
+    m_impl->list.signatures.clear();
+    m_impl->list.nextNumber = 1;
 }
 
 } // namespace opc::model

@@ -1,7 +1,6 @@
-#include <opc/model/DigitalSignatureManager.hpp>
-
 #include "relationships/RelationshipSourceImpl.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Package.hpp>
@@ -35,26 +34,28 @@ void addSignatureNames(const std::u16string& item, std::set<std::u16string>& nam
 
 } // namespace
 
-std::u16string DigitalSignatureManager::getNextSignatureID() {
+std::u16string DigitalSignatureManager::Impl::takeID(const Selection& selection) {
+    if (selection.isForCountersignature)
+        return COUNTERSIGNATURE_ID;
     std::set<std::u16string> taken;
-    for (const DigitalSignature& signature : m_signatures) // whose part may have another name
+    for (const DigitalSignature& signature : list.signatures) // whose part may have another name
         taken.insert(signature.getName());
-    for (const interfaces::IgnoredItem& item : getPackage().getIgnoredItems())
+    for (const interfaces::IgnoredItem& item : package.getIgnoredItems())
         addSignatureNames(item.name, taken);
 
-    const std::optional<Part> origin = findOriginPart();
+    const std::optional<Part> origin = findOriginForNew();
     const auto isTaken = [&](const std::u16string& id) {
         const std::u16string name = getSignatureName(id);
         const PartName partName = getSignaturePartName(name);
         std::u16string existing;
-        return taken.count(name) > 0 || getPackage().hasPart(partName) ||
-               (getPackage().isPartDerivedFromExistingPartName(partName, existing) &&
+        return taken.count(name) > 0 || package.hasPart(partName) ||
+               (package.isPartDerivedFromExistingPartName(partName, existing) &&
                 existing == partName.toString()) || // one further up would be above every number's
                (origin && origin->getState().usesID(getSignatureRelationshipID(id)));
     };
     std::u16string id;
     do
-        id = toString(std::to_string(m_nextSignatureID++), true);
+        id = toString(std::to_string(list.nextNumber++), true);
     while (isTaken(id));
     return id;
 }

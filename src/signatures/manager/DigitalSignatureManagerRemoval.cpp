@@ -1,6 +1,5 @@
-#include <opc/model/DigitalSignatureManager.hpp>
-
 #include "signatures/coverage/SignatureLayout.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
@@ -27,57 +26,54 @@ bool isShared(const Part& origin, const Package& package) {
 } // namespace
 
 void DigitalSignatureManager::removeSignature(const std::u16string& name) {
-    throwIfPackageNotOpenForModify();
-    ensureLoaded();
-    const auto entry = findSignature(name);
-    deleteSignaturePart(getSignaturePartName(name));
-    m_signatures.erase(entry);
+    m_impl->throwIfNotOpenForModify();
+    Impl& impl = loaded();
+    const auto entry = impl.find(name);
+    impl.deletePart(getSignaturePartName(name));
+    impl.list.signatures.erase(entry);
 }
 
 void DigitalSignatureManager::removeSignature(const DigitalSignature& signature) {
-    ensureLoaded();
+    loaded();
     removeSignature(signature.getName());
 }
 
 void DigitalSignatureManager::removeAllSignatures() {
-    throwIfPackageNotOpenForModify();
-    ensureLoaded();
-    for (const DigitalSignature& signature : m_signatures)
-        deleteSignaturePart(getSignaturePartName(signature.getName()));
-    m_signatures.clear();
-    m_nextSignatureID = 1;
+    m_impl->throwIfNotOpenForModify();
+    Impl& impl = loaded();
+    for (const DigitalSignature& signature : impl.list.signatures)
+        impl.deletePart(getSignaturePartName(signature.getName()));
+    impl.list.signatures.clear();
+    impl.list.nextNumber = 1;
 }
 
 void DigitalSignatureManager::removeCountersignature() {
-    throwIfPackageNotOpenForModify();
-    ensureLoaded();
-    if (isPackageCountersigned())
+    m_impl->throwIfNotOpenForModify();
+    if (loaded().isCountersigned())
         removeSignature(getSignatureName(COUNTERSIGNATURE_ID));
 }
 
-void DigitalSignatureManager::deleteSignaturePart(const PartName& partName) {
-    throwIfNotValidSignaturePart(partName);
+void DigitalSignatureManager::Impl::deletePart(const PartName& partName) {
+    throwIfNotSignaturePart(partName);
     const std::string ADVICE =
         ". Please try closing and reopening the package before trying to remove signature.";
     try {
-        URI originURI;
-        std::u16string originRelationshipID;
-        Part origin = getSignatureOriginPart(originURI, originRelationshipID);
+        auto [origin, toOrigin] = getOrigin();
         const auto signatures = origin.getRelationshipsByType(getSignatureRelationshipType());
-        getPackage().throwIfContentTypesFixed();
+        package.throwIfContentTypesFixed();
         if (signatures.size() == 1) // the origin part goes as well
-            getPackage().throwIfRelationshipsFixed();
+            package.throwIfRelationshipsFixed();
         for (const Relationship& relationship : signatures) {
             if (relationship.getTargetURI() != partName.getURI())
                 continue;
             origin.deleteRelationship(relationship.getID());
             break;
         }
-        getPackage().deletePart(partName);
+        package.deletePart(partName);
         if (origin.getRelationshipsByType(getSignatureRelationshipType()).empty()) {
-            if (!isShared(origin, getPackage()))
-                getPackage().deletePart(PartName(originURI));
-            getPackage().deleteRelationship(originRelationshipID);
+            if (!isShared(origin, package))
+                package.deletePart(PartName(toOrigin.getTargetURI()));
+            package.deleteRelationship(toOrigin.getID());
         }
     } catch (const PartNotFound& e) {
         throw CouldNotRemoveSignature("Unable to delete part" + ADVICE + e.what());

@@ -1,14 +1,8 @@
-#include <opc/model/DigitalSignatureManager.hpp>
-
 #include "signatures/algorithms/CryptoErrors.hpp"
 #include "signatures/algorithms/RsaKeys.hpp"
 #include "signatures/algorithms/SecretBytes.hpp"
-#include "signatures/coverage/SignatureLayout.hpp"
-#include "signatures/document/DigitalSignatureSerializer.hpp"
-#include "signatures/document/SignatureCost.hpp"
-#include "signatures/signature/DataToSign.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 #include "signatures/signature/DigitalSignatureData.hpp"
-#include "xml/DocumentBudget.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/PKCS12Certificate.hpp>
@@ -16,9 +10,7 @@
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
-#include <opc/core/ByteArrayAdaptors.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/model/StandardPartInfo.hpp>
+#include <opc/model/Errors.hpp>
 
 /// @file
 /// Signing with keys, a certificate or a bundle: the new signature is written at once and then checked.
@@ -30,10 +22,11 @@ namespace {
 using bedrock::certificates::CertificateChainStatus;
 using bedrock::certificates::TrustStore;
 
-void throwIfNothingToSign(const std::vector<PartName>& parts,
-                          const std::vector<RelationshipSelector>& selectors) {
+Selection requireSelection(const std::vector<PartName>& parts,
+                           const std::vector<RelationshipSelector>& selectors) {
     if (parts.empty() && selectors.empty())
         throw CouldNotGenerateSignature("No parts or relationships provided for signing.");
+    return {parts, selectors};
 }
 
 void throwIfNoSigningKey(const std::vector<unsigned char>& privateKey) {
@@ -84,22 +77,26 @@ void throwIfNotVerified(const DigitalSignatureVerificationStatus& status) {
 
 } // namespace
 
+void throwIfNoVerificationKey(const std::vector<unsigned char>& publicKey) {
+    if (publicKey.empty())
+        throw CouldNotGenerateSignature("The verification key is empty.");
+}
+
 DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& parts,
                                                const std::vector<RelationshipSelector>& selectors,
                                                const Bytes& privateKey, const Bytes& publicKey,
                                                const SignatureParams& params) {
-    ensureLoaded();
-    throwIfNothingToSign(parts, selectors);
+    Impl& impl = loaded();
+    const Selection selection = requireSelection(parts, selectors);
     throwIfNoVerificationKey(publicKey);
-    return signHelper(privateKey, publicKey, params, parts, selectors, false);
+    return impl.sign(selection, privateKey, publicKey, params);
 }
 
 DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& parts,
                                                const std::vector<RelationshipSelector>& selectors,
                                                const Bytes& privateKey, const SignatureParams& params) {
-    ensureLoaded();
-    throwIfNothingToSign(parts, selectors);
-    return signHelper(privateKey, Bytes(), params, parts, selectors, false);
+    Impl& impl = loaded();
+    return impl.sign(requireSelection(parts, selectors), privateKey, Bytes(), params);
 }
 
 DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& parts,
@@ -108,9 +105,9 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
                                                const X509CertificateChain& chain,
                                                const CertificateValidationOptions& options,
                                                const SignatureParams& params, const TrustStore& trustStore) {
-    ensureLoaded();
-    throwIfNothingToSign(parts, selectors);
-    return signHelper(privateKey, certificate, chain, trustStore, options, params, parts, selectors, false);
+    Impl& impl = loaded();
+    return impl.sign(requireSelection(parts, selectors), privateKey, certificate, chain, options, params,
+                     trustStore);
 }
 
 DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& parts,
@@ -118,64 +115,57 @@ DigitalSignature DigitalSignatureManager::sign(const std::vector<PartName>& part
                                                const PKCS12Certificate& bundle,
                                                const CertificateValidationOptions& options,
                                                const SignatureParams& params, const TrustStore& trustStore) {
-    ensureLoaded();
-    throwIfNothingToSign(parts, selectors);
-    return signHelper(bundle, trustStore, options, params, parts, selectors, false);
+    Impl& impl = loaded();
+    return impl.sign(requireSelection(parts, selectors), bundle, options, params, trustStore);
 }
 
-void DigitalSignatureManager::throwIfNoVerificationKey(const Bytes& publicKey) {
-    if (publicKey.empty())
-        throw CouldNotGenerateSignature("The verification key is empty.");
-}
-
-DigitalSignature DigitalSignatureManager::signHelper(const Bytes& privateKey, const Bytes& publicKey,
-                                                     const SignatureParams& params,
-                                                     const std::vector<PartName>& parts,
-                                                     const std::vector<RelationshipSelector>& selectors,
-                                                     bool countersign) {
-    throwIfPackageNotOpenForModify();
+DigitalSignature DigitalSignatureManager::Impl::sign(const Selection& selection, const Bytes& privateKey,
+                                                     const Bytes& publicKey, const SignatureParams& params) {
+    throwIfNotOpenForModify();
     throwIfNoSigningKey(privateKey);
     return translateSigningFailures([&] {
-        const DataToSign data = computeDataToSign(parts, selectors, params);
-        const DigitalSignature signature = addSignature(std::make_shared<DigitalSignatureData>(
-            takeSignatureID(countersign), privateKey, publicKey, params, data));
-        if (!publicKey.empty() && !signature.getImpl()->verifyWithKeyValue().isProperlyCodesigned())
+        const DataToSign data = gather(selection, params);
+        const auto signature =
+            std::make_shared<DigitalSignatureData>(takeID(selection), privateKey, publicKey, params, data);
+        add(signature);
+        if (!publicKey.empty() && !signature->verifyWithKeyValue().isProperlyCodesigned())
             throw CouldNotGenerateSignature(
                 "The verification key is invalid since the signature doesn't verify "
                 "correctly after signing.");
-        return signature;
+        return DigitalSignatureData::makeHandle(signature);
     });
 }
 
-DigitalSignature
-DigitalSignatureManager::signHelper(const Bytes& privateKey, const X509Certificate& certificate,
-                                    const X509CertificateChain& chain, const TrustStore& trustStore,
-                                    const CertificateValidationOptions& options,
-                                    const SignatureParams& params, const std::vector<PartName>& parts,
-                                    const std::vector<RelationshipSelector>& selectors, bool countersign) {
-    throwIfPackageNotOpenForModify();
+DigitalSignature DigitalSignatureManager::Impl::sign(const Selection& selection, const Bytes& privateKey,
+                                                     const X509Certificate& certificate,
+                                                     const X509CertificateChain& chain,
+                                                     const CertificateValidationOptions& options,
+                                                     const SignatureParams& params,
+                                                     const TrustStore& trustStore) {
+    throwIfNotOpenForModify();
     throwIfNoSigningKey(privateKey);
     if (certificate.empty())
         throw CouldNotGenerateSignature("The verification certificate is empty.");
     const TrustStore store = requireValidCertificate(certificate, chain, options, params, trustStore);
     return translateSigningFailures([&] {
-        const DataToSign data = computeDataToSign(parts, selectors, params);
-        const DigitalSignature signature = addSignature(std::make_shared<DigitalSignatureData>(
-            takeSignatureID(countersign), privateKey, certificate, chain, params, data));
+        const DataToSign data = gather(selection, params);
+        const auto signature = std::make_shared<DigitalSignatureData>(takeID(selection), privateKey,
+                                                                      certificate, chain, params, data);
+        add(signature);
         FingerprintStore fingerprints; // the signer's own certificate counts as known
         fingerprints.addFingerprint(certificate.getSHA256Fingerprint());
         throwIfNotVerified(
-            signature.getImpl()->verifyWithCertificate(certificate, fingerprints, chain, store, options));
-        return signature;
+            signature->verifyWithCertificate(certificate, fingerprints, chain, store, options));
+        return DigitalSignatureData::makeHandle(signature);
     });
 }
 
-DigitalSignature
-DigitalSignatureManager::signHelper(const PKCS12Certificate& bundle, const TrustStore& trustStore,
-                                    const CertificateValidationOptions& options,
-                                    const SignatureParams& params, const std::vector<PartName>& parts,
-                                    const std::vector<RelationshipSelector>& selectors, bool countersign) {
-    throwIfPackageNotOpenForModify();
+DigitalSignature DigitalSignatureManager::Impl::sign(const Selection& selection,
+                                                     const PKCS12Certificate& bundle,
+                                                     const CertificateValidationOptions& options,
+                                                     const SignatureParams& params,
+                                                     const TrustStore& trustStore) {
+    throwIfNotOpenForModify();
     try {
         const X509Certificate& certificate = bundle.getCertificate();
         const SecretBytes privateExponent(bundle.getPrivateExponent());
@@ -188,8 +178,7 @@ DigitalSignatureManager::signHelper(const PKCS12Certificate& bundle, const Trust
         const SecretBytes privateKey(
             encodeRsaPrivateKey(engine, signatureMethodToKeySize(params.getSignatureMethod()),
                                 certificate.getModulus(), *privateExponent, certificate.getPublicExponent()));
-        return signHelper(*privateKey, certificate, bundle.getCAChain(), trustStore, options, params, parts,
-                          selectors, countersign);
+        return sign(selection, *privateKey, certificate, bundle.getCAChain(), options, params, trustStore);
     } catch (const bedrock::certificates::CertificateException& e) {
         throw CouldNotGenerateSignature(std::string("The given PKCS12 bundle is invalid.") + e.what());
     } catch (const bedrock::crypto::utils::Exception& e) {
@@ -198,80 +187,9 @@ DigitalSignatureManager::signHelper(const PKCS12Certificate& bundle, const Trust
     }
 }
 
-std::u16string DigitalSignatureManager::takeSignatureID(bool countersign) {
-    return countersign ? COUNTERSIGNATURE_ID : getNextSignatureID();
-}
-
-DigitalSignature DigitalSignatureManager::addSignature(std::shared_ptr<DigitalSignatureData> data) {
-    const DigitalSignature signature(std::move(data));
-    const Bytes document = composeSignaturePart(*signature.getImpl());
-    m_signatures.push_back(signature);
-    try {
-        saveSignaturePart(signature, document);
-    } catch (const InvalidRelationshipContent&) { // the package refuses it: nothing has been made
-        m_signatures.pop_back();
-        throw;
-    } catch (const InvalidContentTypeStream&) { // the same
-        m_signatures.pop_back();
-        throw;
-    }
-    return signature;
-}
-
-/// The content of the part, which has been read again: what couldn't be, for a limit, isn't written.
-DigitalSignatureManager::Bytes
-DigitalSignatureManager::composeSignaturePart(DigitalSignatureData& data) const {
-    Bytes document;
-    ByteArrayOutAdaptor output(document);
-    m_serializer->writeSignature(data, output);
-    DigitalSignatureData again;
-    again.m_share = std::make_shared<DocumentShare>(getPackage().getDocumentBudget(), &XmlLimits::signature);
-    ByteArrayInAdaptor input(document);
-    MeteredStream metered(input, *again.m_share, cost::BYTES_PER_ELEMENT);
-    try {
-        m_serializer->readSignature(metered, again);
-    } catch (const InvalidPartContent& e) {
-        throw translated<CouldNotGenerateSignature>(
-            e, std::string("The signature couldn't be loaded again: ") + e.what());
-    }
-    data.m_share = std::move(again.m_share);
-    return document;
-}
-
-void DigitalSignatureManager::saveSignaturePart(const DigitalSignature& signature, const Bytes& document) {
-    const PartName name = getSignaturePartName(signature.getName());
-    if (getPackage().hasPart(name))
-        throw CouldNotGenerateSignature(
-            "Internal Error: New signature should not have the same name as an existing one.");
-    Part origin = createOrFetchOriginPart();
-    try {
-        const Part part = getPackage().createPart(name, getSignaturePartContentType(), StandardPartInfo());
-        const DigitalSignatureData& data = *signature.getImpl();
-        origin.createInternalRelationship(getSignatureRelationshipType(), name.getURI(),
-                                          getSignatureRelationshipID(data.m_signatureId));
-        part.getOutputStream().write(document.data(), document.size());
-    } catch (const InvalidPartName& e) {
-        throw CouldNotGenerateSignature(std::string("Unable to create signature part. ") + e.what());
-    }
-}
-
-Part DigitalSignatureManager::createOrFetchOriginPart() {
-    try {
-        std::optional<Part> origin = findOriginPart();
-        if (origin)
-            origin->throwIfRelationshipsFixed();
-        if (findOriginURI(getPackage()))
-            return *origin;
-        getPackage().throwIfRelationshipsFixed();
-        if (!origin)
-            origin = getPackage().createPart(PartName(getOriginPartURI()), getOriginPartContentType(),
-                                             StandardPartInfo());
-        getPackage().createInternalRelationship(getOriginRelationshipType(), origin->getName().getURI());
-        return *origin;
-    } catch (const InvalidPartName& e) {
-        throw CouldNotGenerateSignature(std::string("Could not create/fetch signature origin part. ") +
-                                        e.what());
-    }
+DataToSign DigitalSignatureManager::Impl::gather(const Selection& selection,
+                                                 const SignatureParams& params) const {
+    return gatherDataToSign(package, selection, params.getDigestMethod(), list.signatures);
 }
 
 } // namespace opc::model

@@ -1,15 +1,16 @@
 #include <opc/model/SignatureCoverage.hpp>
 
 #include "signatures/coverage/CoverageIndex.hpp"
+#include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/model/DigitalSignature.hpp>
-#include <opc/model/DigitalSignatureManager.hpp>
 
 namespace opc::model {
 
 SignatureCoverage::SignatureCoverage(const DigitalSignatureManager& manager,
                                      const DigitalSignature& signature) {
-    const auto made = std::make_shared<CoverageIndex>(manager.findOriginOfSignatures());
+    manager.m_impl->throwIfNotOpen();
+    const auto made = std::make_shared<CoverageIndex>(manager.loaded().findOriginOfSignatures());
     made->add(signature);
     index = made;
 }

@@ -6,6 +6,7 @@
 #include <bedrock/certificates/X509Certificate.hpp>
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <bedrock/crypto/CryptoEngine.hpp>
+#include <opc/model/DigitalSignature.hpp>
 #include <opc/model/Enumerator.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/Relationship.hpp>
@@ -17,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bedrock::certificates {
@@ -65,6 +67,13 @@ public:
     DigitalSignatureData(const DigitalSignatureData& other) = default;
     DigitalSignatureData& operator=(const DigitalSignatureData&) = delete;
     virtual ~DigitalSignatureData();
+
+    /// What a handle stands for.
+    static const DigitalSignatureData& of(const DigitalSignature& signature) { return *signature.m_impl; }
+
+    static DigitalSignature makeHandle(std::shared_ptr<DigitalSignatureData> data) {
+        return DigitalSignature(std::move(data));
+    }
 
     /// "sig" and the signature's identifier.
     std::u16string getName() const { return u"sig" + m_signatureId; }

@@ -3,6 +3,7 @@
 #include "signatures/algorithms/CryptoErrors.hpp"
 #include "signatures/algorithms/RsaKeys.hpp"
 #include "signatures/digests/SignedText.hpp"
+#include "signatures/signature/VerificationStatus.hpp"
 
 #include <bedrock/certificates/CertificateValidationOptions.hpp>
 #include <bedrock/certificates/Exceptions.hpp>
@@ -11,7 +12,6 @@
 #include <bedrock/codesigning_verifier/Verify.hpp>
 #include <bedrock/crypto/RSAVerifier.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
-#include <opc/model/DigitalSignatureVerificationStatus.hpp>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
@@ -26,9 +26,7 @@ namespace opc::model {
 
 namespace {
 
-using bedrock::certificates::CertificateChainStatus;
 using bedrock::certificates::CertificateValidationOptions;
-using bedrock::certificates::CertificateValidationResults;
 using bedrock::certificates::TrustStore;
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
@@ -127,8 +125,7 @@ DigitalSignatureData::verifyWithFingerprints(const FingerprintStore& fingerprint
         return verifyWithCertificate(*m_certificate, fingerprints, getCertificateChain(), trustStore,
                                      options);
     if (!fingerprints.isSkippingVerification() && !fingerprints.usingFingerprintEscapeHatch())
-        return DigitalSignatureVerificationStatus(CodesigningVerificationStatus(
-            ErrorMap<9>(), CertificateValidationResults(CertificateChainStatus::Good, "")));
+        return makeVerificationStatus(ErrorMap<9>());
     return verifyWithKeyValue();
 }
 

@@ -2,6 +2,7 @@
 
 #include "signatures/algorithms/RsaKeys.hpp"
 #include "signatures/signature/DigitalSignatureData.hpp"
+#include "signatures/signature/VerificationStatus.hpp"
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <opc/core/Exception.hpp>
@@ -70,8 +71,7 @@ bool fitsItsCertificate(const DigitalSignatureData& data) {
 
 SignerFinding SignerFinding::refuse(const bedrock::codesigning_verifier::ErrorCode& code,
                                     const std::string& reason) {
-    SignerFinding finding(DigitalSignatureVerificationStatus(
-        CodesigningVerificationStatus(code, CertificateValidationResults(CertificateChainStatus::Good, ""))));
+    SignerFinding finding(makeVerificationStatus(code));
     finding.reason = reason;
     return finding;
 }

@@ -68,6 +68,11 @@ std::string describe(const Relationship& relationship) {
            toUDEString(relationship.getSourceURI().toString());
 }
 
+std::string describe(const Exception& failure) {
+    return *failure.details() == '\0' ? failure.what()
+                                      : std::string(failure.what()) + "; " + failure.details();
+}
+
 void Places::add(const std::string& place) {
     places.insert(place);
 }

@@ -2,6 +2,7 @@
 
 #include "signatures/document/SignatureRecords.hpp"
 
+#include <opc/core/Exception.hpp>
 #include <opc/model/PackageCoverage.hpp>
 
 #include <set>
@@ -20,6 +21,9 @@ bool isAboutSigner(int code);
 std::string describe(const ChangedContentType& changed);
 std::string describe(const interfaces::IgnoredItem& item);
 std::string describe(const Relationship& relationship);
+
+/// What a failure says, and its details.
+std::string describe(const Exception& failure);
 
 /// A list for people to read: the first few, each once, and how many there are besides.
 class Places {

@@ -1,0 +1,103 @@
+#include "signatures/manager/DataGathering.hpp"
+
+#include "signatures/algorithms/CryptoErrors.hpp"
+#include "signatures/coverage/SelectableRelationships.hpp"
+#include "signatures/coverage/SignatureLayout.hpp"
+#include "signatures/digests/PartDigester.hpp"
+#include "signatures/signature/DigitalSignatureData.hpp"
+#include "signatures/signature/SignatureWork.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+/// @return null if there are none
+/// @throws RelationshipNotFound
+SignedRelationships::Group select(const RelationshipSource& source, const std::u16string& name,
+                                  const RelationshipSelector& selector, SelectableRelationships& selectable) {
+    return selector.getSelectorType() == RelationshipSelectorType::SourceId
+               ? selectable.byID(source, name, selector.getSelectionCriteria())
+               : selectable.byType(source, name, selector.getSelectionCriteria());
+}
+
+/// A signature that names a type of which there is none can't be read again.
+void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
+    if (selector == nullptr)
+        return;
+    if (isAlone)
+        throw RelationshipNotFound(
+            "No relationships in the package matched the provided relationship selectors.");
+    throw RelationshipNotFound("No relationship of " + toUDEString(selector->getSourceURI().toString()) +
+                               " has the type " + toUDEString(selector->getSelectionCriteria()) + ".");
+}
+
+/// What an earlier signature has selected as well is shared with it.
+std::shared_ptr<const SignedRelationships>
+selectRelationships(const Package& package, const std::vector<RelationshipSelector>& selectors,
+                    const std::vector<DigitalSignature>& existing) {
+    const auto selected = std::make_shared<SignedRelationships>();
+    SelectableRelationships selectable(findOriginURI(package));
+    const RelationshipSelector* unmatched = nullptr; // the first one
+    for (const RelationshipSelector& selector : selectors) {
+        const URI uri = selector.getSourceURI();
+        SignedRelationships::Group group;
+        if (uri == PackageHelper::getPackageRootURI()) {
+            group = select(package, u"/", selector, selectable);
+        } else {
+            const Part part = package.getPart(PartName(uri));
+            group = select(part, part.getName().toString(), selector, selectable);
+        }
+        if (group)
+            selected->add(group);
+        else if (unmatched == nullptr)
+            unmatched = &selector;
+    }
+    throwIfNothingMatched(unmatched, selected->empty());
+    for (const DigitalSignature& signature : existing)
+        if (*DigitalSignatureData::of(signature).m_signedRelationships == *selected)
+            return DigitalSignatureData::of(signature).m_signedRelationships;
+    return selected;
+}
+
+/// Refuses to sign what couldn't be verified.
+void throwIfTooMuchWork(const SignedRelationships& selected, DigestMethod method,
+                        const std::vector<DigitalSignature>& existing) {
+    const auto isLike = [&](const DigitalSignature& signature) {
+        return DigitalSignatureData::of(signature).m_signedRelationships.get() == &selected &&
+               signature.getSignatureParams().getDigestMethod() == method;
+    };
+    const bool isDigested = std::any_of(existing.begin(), existing.end(), isLike);
+    if (measureWork(existing) + (isDigested ? 0 : selected.work()) > MAXIMUM_WORK)
+        throw Exception(TOO_MUCH_WORK);
+}
+
+} // namespace
+
+DataToSign gatherDataToSign(const Package& package, const Selection& selection, DigestMethod method,
+                            const std::vector<DigitalSignature>& existing) {
+    return translateSigningFailures([&] {
+        DataToSign data;
+        data.partNames = selection.parts;
+        data.selectors = selection.selectors;
+        if (!selection.parts.empty()) {
+            PartDigester digester(package, method);
+            data.digests.reserve(selection.parts.size());
+            for (const PartName& name : selection.parts)
+                data.digests.push_back(digester.digest(name));
+        }
+        for (const PartName& name : selection.parts)
+            data.contentTypes.push_back(package.getPart(name).getContentType());
+        data.relationships = selectRelationships(package, selection.selectors, existing);
+        throwIfTooMuchWork(*data.relationships, method, existing);
+        return data;
+    });
+}
+
+} // namespace opc::model

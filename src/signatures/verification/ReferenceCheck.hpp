@@ -1,0 +1,18 @@
+#pragma once
+
+#include <vector>
+
+namespace opc::model {
+
+class DigitalSignatureData;
+class PartDigesters;
+struct Reference;
+
+/// Computes every digest that a signature references anew: those of its objects, of parts and of relationships.
+/// @param data  with the signed parts and relationships of the package filled in
+/// @return the references whose digests differ
+/// @throws InvalidSignature  with code 104, if a digest can't be computed, or if the signature has the identifier of a
+///                           countersignature and wasn't made as one
+std::vector<const Reference*> findDifferences(const DigitalSignatureData& data, PartDigesters& digesters);
+
+} // namespace opc::model
