@@ -4,6 +4,8 @@
 #include <opc/core/Text.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <iostream>

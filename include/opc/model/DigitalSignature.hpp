@@ -1,18 +1,23 @@
 #pragma once
 
-#include <bedrock/certificates/X509Certificate.hpp>
-#include <bedrock/certificates/X509CertificateChain.hpp>
 #include <opc/model/Enumerator.hpp>
 #include <opc/model/Export.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/Relationship.hpp>
 #include <opc/model/SignatureParams.hpp>
 
-#include <boost/date_time/posix_time/ptime.hpp>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace bedrock::certificates {
+class X509Certificate;
+class X509CertificateChain;
+} // namespace bedrock::certificates
+
+namespace boost::posix_time {
+class ptime;
+}
 
 namespace opc::model {
 

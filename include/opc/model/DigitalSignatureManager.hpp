@@ -1,26 +1,16 @@
 #pragma once
 
-#include <opc/model/ContentType.hpp>
 #include <opc/model/DataManager.hpp>
 #include <opc/model/DigitalSignature.hpp>
 #include <opc/model/DigitalSignatureVerificationStatus.hpp>
 #include <opc/model/Enumerator.hpp>
 #include <opc/model/Export.hpp>
-#include <opc/model/PackageCoverage.hpp>
-#include <opc/model/Part.hpp>
 #include <opc/model/PartName.hpp>
-#include <opc/model/Relationship.hpp>
 #include <opc/model/RelationshipSelector.hpp>
 #include <opc/model/SignatureParams.hpp>
-#include <opc/model/SignaturePolicy.hpp>
-#include <opc/model/SignatureVerdict.hpp>
 
-#include <cstdint>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace bedrock::certificates {
@@ -37,14 +27,9 @@ class FingerprintStore;
 
 namespace opc::model {
 
-class DigitalSignatureData;
-class DigitalSignatureSerializer;
-class InvalidSignature;
-struct DataToSign;
-class PartDigesters;
-class SelectableRelationships;
-class SignedRelationships;
-struct Reference;
+class PackageCoverage;
+class SignaturePolicy;
+class SignatureVerdict;
 
 /// Signs, verifies, countersigns and removes the digital signatures of one package (ECMA-376 Part 2, digital
 /// signatures).
