@@ -26,10 +26,8 @@ Bytes write(const ContentTypeSerializer& serializer, const ContentTypeMap& map) 
     Bytes bytes;
     ByteArrayOutAdaptor stream(bytes);
     serializer.write(map, stream);
-    Bytes byXerces;
-    ByteArrayOutAdaptor other(byXerces);
-    serializer.writeByXerces(map, other);
-    require(bytes == byXerces, "a stream is written as Xerces writes it");
+    require(std::string(bytes.begin(), bytes.end()) == ContentTypeSerializer::serialize(map),
+            "a stream is written as Xerces writes it");
     return bytes;
 }
 

@@ -1,18 +1,19 @@
 #include "package/ContentTypeSerializer.hpp"
 
 #include "package/ContentTypeMap.hpp"
+#include "package/ContentTypesComposer.hpp"
 #include "package/ContentTypesScanner.hpp"
-#include "package/ContentTypesWriter.hpp"
-#include "xml/DocumentOutput.hpp"
+#include "xml/ComposeOrSerialize.hpp"
 #include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReplayedStream.hpp"
+#include "xml/ScanOrParse.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/model/ContentTypesVocabulary.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -33,6 +34,8 @@
 namespace opc::model {
 
 namespace {
+
+using namespace vocabulary::content_types;
 
 /// A stream beyond this size goes to the parser at once, without being held whole.
 constexpr std::size_t LARGEST_SCANNED = 16 << 20;
@@ -108,7 +111,7 @@ std::string narrow(std::string_view key) {
 /// Adds an entry by `add`, whose failure then tells which one it is.
 /// @param line  called for the entry's line if that is needed
 template <typename Key, typename Line, typename Add>
-void telling(const char* element, const Key& key, const Line& line, const Add& add) {
+void telling(std::string_view element, const Key& key, const Line& line, const Add& add) {
     try {
         add();
     } catch (Exception& e) {
@@ -118,57 +121,49 @@ void telling(const char* element, const Key& key, const Line& line, const Add& a
     }
 }
 
-constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
-
-/// The names in the document, as Xerces takes them.
-struct Names {
-    XercesGuard guard;
-    XercesString namespaceURI{NAMESPACE};
-    XercesString typesName{u"Types"};
-    XercesString defaultName{u"Default"};
-    XercesString extensionName{u"Extension"};
-    XercesString contentTypeName{u"ContentType"};
-    XercesString overrideName{u"Override"};
-    XercesString partNameName{u"PartName"};
-};
-
 } // namespace
 
 void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const {
+    read(map, stream, LARGEST_SCANNED);
+}
+
+void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
+    read(map, stream, 0);
+}
+
+void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream, std::size_t largestScanned) const {
     map.clear();
     ReadAheadBuffer buffer;
-    ScannedContentTypes scanned;
     DocumentShare share(budget, &XmlLimits::contentTypes);
     MeteredStream metered(stream, share);
-    ReplayedStream replayed(metered);
-    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (document && scanContentTypes(*document, scanned)) {
+    const auto scan = [&](std::string_view document) {
+        ScannedContentTypes scanned;
+        if (!scanContentTypes(document, scanned))
+            return false;
         share.addElements(scanned.defaults.size() + scanned.overrides.size() + 1);
-        ContentTypeReader<char> types;
-        for (const ScannedContentType& entry : scanned.defaults)
-            telling(
-                "Default", entry.key, [&] { return lineOf(*document, entry.element); },
-                [&] { addDefault(map, widen(entry.key), entry.contentType, types); });
-        for (const ScannedContentType& entry : scanned.overrides)
-            telling(
-                "Override", entry.key, [&] { return lineOf(*document, entry.element); },
-                [&] { addOverride(map, widen(entry.key), entry.contentType, types); });
-    } else {
-        parseCounted(map, replayed, share);
-    }
+        takeScanned(map, scanned, document);
+        return true;
+    };
+    scanOrParse(metered, buffer, largestScanned, scan,
+                [&](InputStream& document) { parse(map, document, share); });
     map.keepShare(std::move(share));
     map.setDirty(false);
 }
 
-void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
-    DocumentShare share(budget, &XmlLimits::contentTypes);
-    MeteredStream metered(stream, share);
-    parseCounted(map, metered, share);
-    map.keepShare(std::move(share));
+void ContentTypeSerializer::takeScanned(ContentTypeMap& map, const ScannedContentTypes& scanned,
+                                        std::string_view document) {
+    ContentTypeReader<char> types;
+    for (const ScannedContentType& entry : scanned.defaults)
+        telling(
+            DEFAULT, entry.key, [&] { return lineOf(document, entry.element); },
+            [&] { addDefault(map, widen(entry.key), entry.contentType, types); });
+    for (const ScannedContentType& entry : scanned.overrides)
+        telling(
+            OVERRIDE, entry.key, [&] { return lineOf(document, entry.element); },
+            [&] { addOverride(map, widen(entry.key), entry.contentType, types); });
 }
 
-void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& stream,
-                                         DocumentShare& share) const {
+void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, DocumentShare& share) {
     const XercesGuard guard;
     std::set<std::u16string> contentTypes;
     std::deque<FoundEntry> defaults;
@@ -176,62 +171,39 @@ void ContentTypeSerializer::parseCounted(ContentTypeMap& map, InputStream& strea
     std::size_t unread = 0;
     const auto keep = [&](std::deque<FoundEntry>& entries, const VisitedElement& element,
                           std::u16string_view key) {
-        const auto contentType = contentTypes.emplace(element.attribute(u"ContentType")).first;
+        const auto contentType = contentTypes.emplace(element.attribute(CONTENT_TYPE)).first;
         entries.push_back({std::u16string(element.attribute(key)), &*contentType, element.line()});
     };
-    try {
+    {
         const auto parser = XercesHelper::createParser();
         loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
         const ElementVisits visits(parser.get(), [&](const VisitedElement& element) {
             share.addElements(1);
             if (element.isRoot())
-                unread += element.is(NAMESPACE, u"Types") ? 0 : 1;
-            else if (element.isNamed(u"Default"))
-                keep(defaults, element, u"Extension");
-            else if (element.isNamed(u"Override"))
-                keep(overrides, element, u"PartName");
+                unread += element.is(NAMESPACE, TYPES) ? 0 : 1;
+            else if (element.isNamed(DEFAULT))
+                keep(defaults, element, EXTENSION);
+            else if (element.isNamed(OVERRIDE))
+                keep(overrides, element, PART_NAME);
             else
                 ++unread;
         });
         XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
     }
     ContentTypeReader<char16_t> types;
     for (; !defaults.empty(); defaults.pop_front()) {
         const FoundEntry& entry = defaults.front();
         telling(
-            "Default", entry.key, [&entry] { return entry.line; },
+            DEFAULT, entry.key, [&entry] { return entry.line; },
             [&] { addDefault(map, entry.key, *entry.contentType, types); });
     }
     for (; !overrides.empty(); overrides.pop_front()) {
         const FoundEntry& entry = overrides.front();
         telling(
-            "Override", entry.key, [&entry] { return entry.line; },
+            OVERRIDE, entry.key, [&entry] { return entry.line; },
             [&] { addOverride(map, entry.key, *entry.contentType, types); });
     }
     map.setUnread(unread);
-}
-
-void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {
-    std::string document;
-    if (composePlainContentTypes(map, document))
-        writeCounted(document, map, stream);
-    else
-        writeByXerces(map, stream);
-}
-
-/// What couldn't be read again isn't written.
-void ContentTypeSerializer::writeCounted(const std::string& document, const ContentTypeMap& map,
-                                         OutputStream& stream) const {
-    if (hasLongTag(document))
-        throw InvalidPartContent(TAG_IS_TOO_LONG);
-    map.keepShare({}); // the old document goes
-    DocumentShare share(budget, &XmlLimits::contentTypes);
-    share.addBytes(document.size());
-    share.addElements(map.getDefaults().size() + map.getOverrides().size() + 1);
-    writeDocument(document, stream);
-    map.keepShare(std::move(share));
 }
 
 bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
@@ -243,11 +215,10 @@ bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
     ContentTypeMap written;
     ContentTypeMap read;
     written.addOverride(PartName(u"/a"), contentType);
-    std::vector<unsigned char> document;
     try {
-        ByteArrayOutAdaptor output(document);
-        writeByXerces(written, output);
-        ByteArrayInAdaptor input(document);
+        const std::string document = serialize(written);
+        const std::vector<unsigned char> bytes(document.begin(), document.end());
+        ByteArrayInAdaptor input(bytes);
         parse(read, input);
     } catch (const InvalidPartContent&) {
         return false;
@@ -255,35 +226,48 @@ bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
     return read.getOverrides().begin()->second.toString() == contentType.toString();
 }
 
-void ContentTypeSerializer::writeByXerces(const ContentTypeMap& map, OutputStream& stream) const {
-    const Names names;
+/// What couldn't be read again isn't written.
+void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {
+    std::string document;
+    composeOrSerialize(
+        document, [&](std::string& composed) { return composePlainContentTypes(map, composed); },
+        [&](OutputStream& serialized) { serialize(map, serialized); });
+    throwIfTagIsTooLong(document);
+    writeInPlaceOfOld(document, map.getDefaults().size() + map.getOverrides().size() + 1,
+                      DocumentShare(budget, &XmlLimits::contentTypes), map, stream);
+}
+
+std::string ContentTypeSerializer::serialize(const ContentTypeMap& map) {
+    std::string document;
+    serializeDocument(document, [&](OutputStream& stream) { serialize(map, stream); });
+    return document;
+}
+
+void ContentTypeSerializer::serialize(const ContentTypeMap& map, OutputStream& stream) {
+    const XercesGuard guard;
+    const XercesString namespaceURI(NAMESPACE.wide());
+    const XercesString contentTypeName(CONTENT_TYPE.wide());
+    const XercesString extensionName(EXTENSION.wide());
+    const XercesString partNameName(PART_NAME.wide());
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
-    xercesc::DOMElement* root =
-        XercesHelper::appendElementNS(document.get(), names.namespaceURI, names.typesName);
-    for (const auto& [extension, entry] : map.getDefaults()) {
-        if (entry.references == 0)
-            continue;
-        xercesc::DOMElement* element =
-            XercesHelper::appendElementNS(root, names.namespaceURI, names.defaultName);
-        XercesHelper::setElementAttribute(element, names.extensionName, extension);
-        XercesHelper::setElementAttribute(element, names.contentTypeName, entry.contentType.toString());
-    }
-    for (const auto& [name, contentType] : map.getOverrides()) {
-        xercesc::DOMElement* element =
-            XercesHelper::appendElementNS(root, names.namespaceURI, names.overrideName);
-        XercesHelper::setElementAttribute(element, names.partNameName, name.toString());
-        XercesHelper::setElementAttribute(element, names.contentTypeName, contentType.toString());
-    }
-    std::string written;
-    try {
-        const auto writer = XercesHelper::createPrettyPrintingWriter();
-        StringOutput composed(written);
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), composed);
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
-    }
-    writeCounted(written, map, stream);
+    xercesc::DOMElement* const root =
+        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(TYPES.wide()));
+    const auto append = [&](const XercesString& element, const XercesString& keyName,
+                            const std::u16string& key, const ContentType& contentType) {
+        xercesc::DOMElement* const entry = XercesHelper::appendElementNS(root, namespaceURI, element);
+        XercesHelper::setElementAttribute(entry, keyName, key);
+        XercesHelper::setElementAttribute(entry, contentTypeName, contentType.toString());
+    };
+    const XercesString defaultName(DEFAULT.wide());
+    for (const auto& [extension, entry] : map.getDefaults())
+        if (entry.references != 0)
+            append(defaultName, extensionName, extension, entry.contentType);
+    const XercesString overrideName(OVERRIDE.wide());
+    for (const auto& [name, contentType] : map.getOverrides())
+        append(overrideName, partNameName, name.toString(), contentType);
+    const auto writer = XercesHelper::createPrettyPrintingWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
 }
 
 } // namespace opc::model

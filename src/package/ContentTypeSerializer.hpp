@@ -5,13 +5,16 @@
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace opc::model {
 
 class ContentType;
 class ContentTypeMap;
+struct ScannedContentTypes;
 
 /// Reads and writes the XML document in the content types stream. One in the plain form that nearly all have is
 /// scanned, and Xerces not woken for it; any other goes to a validating parser.
@@ -27,7 +30,7 @@ public:
     /// @throws InvalidContentType, InvalidURI
     void read(ContentTypeMap& map, InputStream& stream) const;
 
-    /// The same by the validating parser alone, whatever the form, into a map that is empty.
+    /// The same by the validating parser alone, whatever the form.
     void parse(ContentTypeMap& map, InputStream& stream) const;
 
     /// Whether a content type comes back from a document as it is, parameter by parameter.
@@ -37,12 +40,16 @@ public:
     /// @throws InvalidPartContent
     void write(const ContentTypeMap& map, OutputStream& stream) const;
 
-    /// The same by Xerces alone, whatever the values.
-    void writeByXerces(const ContentTypeMap& map, OutputStream& stream) const;
+    /// The document as Xerces writes it, whatever the values, without a further check.
+    /// @throws InvalidPartContent  a text that XML can't hold
+    static std::string serialize(const ContentTypeMap& map);
 
 private:
-    void parseCounted(ContentTypeMap& map, InputStream& stream, DocumentShare& share) const;
-    void writeCounted(const std::string& document, const ContentTypeMap& map, OutputStream& stream) const;
+    void read(ContentTypeMap& map, InputStream& stream, std::size_t largestScanned) const;
+    static void takeScanned(ContentTypeMap& map, const ScannedContentTypes& scanned,
+                            std::string_view document);
+    static void parse(ContentTypeMap& map, InputStream& stream, DocumentShare& share);
+    static void serialize(const ContentTypeMap& map, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
 };

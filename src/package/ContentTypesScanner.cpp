@@ -5,6 +5,8 @@
 #include "xml/PlainDocument.hpp"
 #include "xml/PlainURI.hpp"
 
+#include <opc/model/ContentTypesVocabulary.hpp>
+
 #include <algorithm>
 #include <string>
 
@@ -12,7 +14,7 @@ namespace opc::model {
 
 namespace {
 
-constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
+using namespace vocabulary::content_types;
 
 bool isPlainExtension(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
@@ -36,7 +38,7 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
     for (const auto& [name, value] : attributes) {
         if (name == keyName)
             entry.key = value;
-        else if (name == "ContentType")
+        else if (name == CONTENT_TYPE)
             entry.contentType = value;
         else
             return false;
@@ -54,16 +56,16 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found.defaults.reserve(USUAL);
     found.overrides.reserve(USUAL);
     return visitPlainDocument(
-        document, "Types", NAMESPACE, found.texts,
+        document, TYPES, NAMESPACE, found.texts,
         [&found](std::string_view name, const PlainAttributes& attributes) {
-            if (name == "Default") {
+            if (name == DEFAULT) {
                 ScannedContentType& entry = found.defaults.emplace_back(ScannedContentType{name, {}, {}});
-                return takeEntry(attributes, "Extension", entry) && isPlainExtension(entry.key);
+                return takeEntry(attributes, EXTENSION, entry) && isPlainExtension(entry.key);
             }
-            if (name != "Override")
+            if (name != OVERRIDE)
                 return false;
             ScannedContentType& entry = found.overrides.emplace_back(ScannedContentType{name, {}, {}});
-            return takeEntry(attributes, "PartName", entry) && isPlainURI(entry.key);
+            return takeEntry(attributes, PART_NAME, entry) && isPlainURI(entry.key);
         });
 }
 

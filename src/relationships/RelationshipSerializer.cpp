@@ -2,19 +2,20 @@
 
 #include "relationships/RelationshipCheck.hpp"
 #include "relationships/RelationshipManager.hpp"
-#include "relationships/RelationshipsWriter.hpp"
+#include "relationships/RelationshipsComposer.hpp"
 #include "xml/CollidingIDs.hpp"
-#include "xml/DocumentOutput.hpp"
+#include "xml/ComposeOrSerialize.hpp"
 #include "xml/ElementVisits.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReplayedStream.hpp"
 #include "xml/ReusedParser.hpp"
+#include "xml/ScanOrParse.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/RelationshipsVocabulary.hpp>
 #include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -36,8 +37,7 @@ constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 /// Of memory for relationships. A single one that outlives its package keeps as much.
 constexpr std::size_t BLOCK_SIZE = 8 << 10;
 
-constexpr char16_t EXTERNAL[] = u"External";
-constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/relationships";
+using namespace vocabulary::relationships;
 
 void throwIfIDsCollide(const RelationshipManager& manager) {
     if (manager.size() <= CollidingIDs::MAXIMUM)
@@ -64,8 +64,8 @@ public:
 
     void add(const VisitedElement& element) {
         if (element.isRoot())
-            unread += element.is(NAMESPACE, u"Relationships") ? 0 : 1;
-        else if (!element.isNamed(u"Relationship"))
+            unread += element.is(NAMESPACE, RELATIONSHIPS) ? 0 : 1;
+        else if (!element.isNamed(RELATIONSHIP))
             ++unread;
         else if (!failure)
             addRelationship(element);
@@ -89,14 +89,14 @@ public:
 private:
     void addRelationship(const VisitedElement& element) {
         try {
-            const std::u16string type(element.attribute(u"Type"));
-            const std::u16string target(element.attribute(u"Target"));
-            const TargetMode mode = checkRelationship(type, target, element.attribute(u"TargetMode"));
-            found.push_back({memory.keep(element.attribute(u"Id")), types.share(toASCIIString(type)),
+            const std::u16string type(element.attribute(TYPE));
+            const std::u16string target(element.attribute(TARGET));
+            const TargetMode mode = checkRelationship(type, target, element.attribute(TARGET_MODE));
+            found.push_back({memory.keep(element.attribute(ID)), types.share(toASCIIString(type)),
                              memory.keep(target), &sourceURI, mode});
         } catch (InvalidPartContent& e) {
-            e.addDetails("relationship " + toUDEString(std::u16string(element.attribute(u"Id"))) +
-                         " in line " + std::to_string(element.line()));
+            e.addDetails("relationship " + toUDEString(std::u16string(element.attribute(ID))) + " in line " +
+                         std::to_string(element.line()));
             failure = std::current_exception();
         }
     }
@@ -116,13 +116,6 @@ struct RelationshipSerializer::Xml {
     XercesGuard guard;
     ReusedParser parser{createRelationshipsParser};
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // made when a part needs it
-    XercesString namespaceURI{NAMESPACE};
-    XercesString relationshipsName{u"Relationships"};
-    XercesString relationshipName{u"Relationship"};
-    XercesString idName{u"Id"};
-    XercesString typeName{u"Type"};
-    XercesString targetName{u"Target"};
-    XercesString targetModeName{u"TargetMode"};
 };
 
 RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> ofPackage)
@@ -137,19 +130,33 @@ RelationshipSerializer::Xml& RelationshipSerializer::xml() {
 }
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
+    read(stream, manager, LARGEST_SCANNED);
+}
+
+void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
+    read(stream, manager, 0);
+}
+
+void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager,
+                                  std::size_t largestScanned) {
     DocumentShare share(budget, &XmlLimits::relationships);
     MeteredStream metered(stream, share);
-    ReplayedStream replayed(metered);
-    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    PlainTexts texts; // that `scanned` looks into
-    if (!document || !scanRelationships(*document, scanned, texts)) {
-        parseCounted(replayed, manager, share);
-        manager.keepShare(std::move(share));
-        return;
-    }
-    share.addElements(scanned.size() + 1);
-    // Plain values need no further check: a type is a URI, an internal target one that isn't opaque, and an
-    // external one an IRI.
+    const auto scan = [&](std::string_view document) {
+        PlainTexts texts; // that `scanned` looks into
+        if (!scanRelationships(document, scanned, texts))
+            return false;
+        share.addElements(scanned.size() + 1);
+        takeScanned(manager);
+        return true;
+    };
+    scanOrParse(metered, buffer, largestScanned, scan,
+                [&](InputStream& document) { parse(document, manager, share); });
+    manager.keepShare(std::move(share));
+}
+
+/// Plain values need no further check: a type is a URI, an internal target one that isn't opaque, and an external one
+/// an IRI.
+void RelationshipSerializer::takeScanned(RelationshipManager& manager) {
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
         length += relationship.id.size() + relationship.target.size();
@@ -159,10 +166,9 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
         group.add(memory.keep(relationship.id), types->share(relationship.type),
                   relationship.hasASCIITarget ? memory.keep(relationship.target)
                                               : memory.keep(toString(std::string(relationship.target), true)),
-                  relationship.targetMode == "External" ? TargetMode::External : TargetMode::Internal);
+                  relationship.targetMode == EXTERNAL ? TargetMode::External : TargetMode::Internal);
     group.sortByID();
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &group));
-    manager.keepShare(std::move(share));
 }
 
 RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
@@ -171,80 +177,63 @@ RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
     return *block;
 }
 
-void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
-    DocumentShare share(budget, &XmlLimits::relationships);
-    MeteredStream metered(stream, share);
-    parseCounted(metered, manager, share);
-    manager.keepShare(std::move(share));
-}
-
-void RelationshipSerializer::parseCounted(InputStream& stream, RelationshipManager& manager,
-                                          DocumentShare& share) {
+void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager, DocumentShare& share) {
     RelationshipBlock& memory = blockWithRoom(1);
     ParsedRelationships found(memory, *types, manager.getSourceURI());
-    try {
-        xml().parser.use([&](xercesc::DOMLSParser* parser) {
-            const ElementVisits visits(parser, [&](const VisitedElement& element) {
-                share.addElements(1);
-                found.add(element);
-            });
-            XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
+    xml().parser.use([&](xercesc::DOMLSParser* parser) {
+        const ElementVisits visits(parser, [&](const VisitedElement& element) {
+            share.addElements(1);
+            found.add(element);
         });
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
-    }
+        XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
+    });
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &found.makeGroup()));
     found.throwIfOneIsBad();
     manager.setUnread(found.countUnread());
 }
 
-void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
-    if (composePlainRelationships(manager, composed))
-        writeCounted(composed, manager, stream);
-    else
-        writeByXerces(manager, stream);
-}
-
 /// What couldn't be read again isn't written.
-void RelationshipSerializer::writeCounted(std::string_view document, const RelationshipManager& manager,
-                                          OutputStream& stream) {
-    if (hasLongTag(document))
-        throw InvalidPartContent(TAG_IS_TOO_LONG);
+void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
+    composeOrSerialize(
+        composed, [&](std::string& document) { return composePlainRelationships(manager, document); },
+        [&](OutputStream& document) { serialize(manager, document); });
+    throwIfTagIsTooLong(composed);
     throwIfIDsCollide(manager);
-    manager.keepShare({}); // the old document goes
-    DocumentShare share(budget, &XmlLimits::relationships);
-    share.addBytes(document.size());
-    share.addElements(manager.size() + 1);
-    writeDocument(document, stream);
-    manager.keepShare(std::move(share));
+    writeInPlaceOfOld(composed, manager.size() + 1, DocumentShare(budget, &XmlLimits::relationships), manager,
+                      stream);
 }
 
-void RelationshipSerializer::writeByXerces(const RelationshipManager& manager, OutputStream& stream) {
-    Xml& names = xml();
+std::string RelationshipSerializer::serialize(const RelationshipManager& manager) {
+    std::string document;
+    serializeDocument(document, [&](OutputStream& stream) { serialize(manager, stream); });
+    return document;
+}
+
+void RelationshipSerializer::serialize(const RelationshipManager& manager, OutputStream& stream) {
+    Xml& with = xml();
+    const XercesString namespaceURI(NAMESPACE.wide());
+    const XercesString relationshipName(RELATIONSHIP.wide());
+    const XercesString idName(ID.wide());
+    const XercesString typeName(TYPE.wide());
+    const XercesString targetName(TARGET.wide());
+    const XercesString targetModeName(TARGET_MODE.wide());
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
-    xercesc::DOMElement* root =
-        XercesHelper::appendElementNS(document.get(), names.namespaceURI, names.relationshipsName);
+    xercesc::DOMElement* const root =
+        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(RELATIONSHIPS.wide()));
     for (const Relationship& relationship : manager.getRelationships({})) {
-        xercesc::DOMElement* element =
-            XercesHelper::appendElementNS(root, names.namespaceURI, names.relationshipName);
-        XercesHelper::setElementAttribute(element, names.idName, relationship.getID());
-        XercesHelper::setElementAttribute(element, names.typeName, relationship.getType());
-        XercesHelper::setElementAttribute(element, names.targetName, relationship.getTarget());
+        xercesc::DOMElement* const element =
+            XercesHelper::appendElementNS(root, namespaceURI, relationshipName);
+        XercesHelper::setElementAttribute(element, idName, relationship.getID());
+        XercesHelper::setElementAttribute(element, typeName, relationship.getType());
+        XercesHelper::setElementAttribute(element, targetName, relationship.getTarget());
         if (relationship.getTargetMode() == TargetMode::External)
-            XercesHelper::setElementAttribute(element, names.targetModeName, EXTERNAL);
+            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide());
     }
     // One that fails is dropped: it would take the namespace for declared from then on, and leave it out.
-    auto writer = names.writer ? std::move(names.writer) : XercesHelper::createPrettyPrintingWriter();
-    try {
-        composed.clear();
-        StringOutput written(composed);
-        XercesHelper::writeDocumentToStream(writer.get(), document.get(), written);
-    } catch (const InvalidXMLDocument& e) {
-        throw translated<InvalidPartContent>(e, e.what());
-    }
-    names.writer = std::move(writer);
-    writeCounted(composed, manager, stream);
+    auto writer = with.writer ? std::move(with.writer) : XercesHelper::createPrettyPrintingWriter();
+    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    with.writer = std::move(writer);
 }
 
 } // namespace opc::model

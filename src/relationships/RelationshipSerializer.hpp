@@ -8,9 +8,9 @@
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace opc::model {
@@ -42,16 +42,19 @@ public:
     /// @throws InvalidPartContent
     void write(const RelationshipManager& manager, OutputStream& stream);
 
-    /// The same by Xerces alone, whatever the values.
-    void writeByXerces(const RelationshipManager& manager, OutputStream& stream);
+    /// The document as Xerces writes it, whatever the values, without a further check.
+    /// @throws InvalidPartContent  a text that XML can't hold
+    std::string serialize(const RelationshipManager& manager);
 
 private:
     struct Xml;
 
     Xml& xml();
     RelationshipBlock& blockWithRoom(std::size_t room);
-    void parseCounted(InputStream& stream, RelationshipManager& manager, DocumentShare& share);
-    void writeCounted(std::string_view document, const RelationshipManager& manager, OutputStream& stream);
+    void read(InputStream& stream, RelationshipManager& manager, std::size_t largestScanned);
+    void takeScanned(RelationshipManager& manager);
+    void parse(InputStream& stream, RelationshipManager& manager, DocumentShare& share);
+    void serialize(const RelationshipManager& manager, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
     std::unique_ptr<Xml> made;

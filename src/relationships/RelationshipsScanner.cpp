@@ -4,24 +4,26 @@
 #include "xml/PlainDocument.hpp"
 #include "xml/PlainURI.hpp"
 
+#include <opc/model/RelationshipsVocabulary.hpp>
+
 #include <algorithm>
 
 namespace opc::model {
 
 namespace {
 
-constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/relationships";
+using namespace vocabulary::relationships;
 
 /// Fills a relationship from its element, if that is as the schema asks and its values are plain.
 bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& relationship) {
     for (const auto& [name, value] : attributes) {
-        if (name == "Id")
+        if (name == ID)
             relationship.id = value;
-        else if (name == "Type")
+        else if (name == TYPE)
             relationship.type = value;
-        else if (name == "Target")
+        else if (name == TARGET)
             relationship.target = value;
-        else if (name == "TargetMode" && (value == "External" || value == "Internal"))
+        else if (name == TARGET_MODE && (value == EXTERNAL || value == INTERNAL))
             relationship.targetMode = value;
         else
             return false;
@@ -29,7 +31,7 @@ bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& re
     const PlainURI target = recognisePlainURI(relationship.target);
     relationship.hasASCIITarget = target != PlainURI::IRI;
     return isPlainID(relationship.id) && recognisePlainURI(relationship.type) >= PlainURI::OtherScheme &&
-           target >= (relationship.targetMode == "External" ? PlainURI::IRI : PlainURI::Reference);
+           target >= (relationship.targetMode == EXTERNAL ? PlainURI::IRI : PlainURI::Reference);
 }
 
 bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
@@ -58,9 +60,9 @@ bool areTakenTogether(const std::vector<ScannedRelationship>& relationships) {
 bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found,
                        PlainTexts& texts) {
     found.clear();
-    return visitPlainDocument(document, "Relationships", NAMESPACE, texts,
+    return visitPlainDocument(document, RELATIONSHIPS, NAMESPACE, texts,
                               [&found](std::string_view name, const PlainAttributes& attributes) {
-                                  return name == "Relationship" &&
+                                  return name == RELATIONSHIP &&
                                          takeRelationship(attributes, found.emplace_back());
                               }) &&
            haveDifferentIDs(found) && (found.size() <= CollidingIDs::MAXIMUM || areTakenTogether(found));

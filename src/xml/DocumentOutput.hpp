@@ -1,10 +1,13 @@
 #pragma once
 
+#include "xml/DocumentBudget.hpp"
+
 #include <opc/core/OutputStream.hpp>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace opc::model {
 
@@ -27,5 +30,20 @@ private:
 
 /// Writes the bytes of a whole document, and flushes. The rest is dropped once the stream says that it is done.
 void writeDocument(std::string_view document, OutputStream& stream);
+
+/// Writes a document that takes the place of one that was read or written, and counts it against the limits in its
+/// place.
+/// @param share   of no document yet
+/// @param holder  keeps the share of the document
+/// @throws InvalidPartContent  it has more than a limit lets pass; the share of the old one is given back by then
+template <typename Holder>
+void writeInPlaceOfOld(std::string_view document, std::uint64_t elements, DocumentShare share,
+                       const Holder& holder, OutputStream& stream) {
+    holder.keepShare({});
+    share.addBytes(document.size());
+    share.addElements(elements);
+    writeDocument(document, stream);
+    holder.keepShare(std::move(share));
+}
 
 } // namespace opc::model

@@ -1,5 +1,7 @@
 #include "xml/LongTags.hpp"
 
+#include <opc/model/Errors.hpp>
+
 #include <algorithm>
 
 namespace opc::model {
@@ -26,6 +28,11 @@ bool hasLongTag(std::string_view document) {
         begin = next;
     }
     return false;
+}
+
+void throwIfTagIsTooLong(std::string_view document) {
+    if (hasLongTag(document))
+        throw InvalidPartContent(TAG_IS_TOO_LONG);
 }
 
 std::size_t sizeInTag(std::u16string_view value) {

@@ -13,6 +13,9 @@ constexpr char TAG_IS_TOO_LONG[] = "XML content can not have tags or comments of
 /// Whether a document may have a longer tag than `LONGEST_TAG`: text behind a tag counts with it.
 bool hasLongTag(std::string_view document);
 
+/// @throws InvalidPartContent  for a document that `hasLongTag`
+void throwIfTagIsTooLong(std::string_view document);
+
 /// How many bytes a value takes in a tag at most, escaped and in UTF-8.
 std::size_t sizeInTag(std::u16string_view value);
 

@@ -28,10 +28,8 @@ protected:
         RelationshipManager written(URI(u"/"));
         RelationshipManager read(URI(u"/"));
         written.addExternalRelationship(id, u"t", target);
-        std::vector<unsigned char> document;
-        opc::ByteArrayOutAdaptor output(document);
         try {
-            serializer.writeByXerces(written, output);
+            const opc::test::Bytes document = opc::test::toBytes(serializer.serialize(written));
             opc::ByteArrayInAdaptor input(document);
             serializer.parse(input, read);
         } catch (const InvalidPartContent&) {

@@ -1,7 +1,8 @@
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipManager.hpp"
-#include "relationships/RelationshipsWriter.hpp"
+#include "relationships/RelationshipsComposer.hpp"
 #include "support/Cases.hpp"
+#include "support/Outcome.hpp"
 #include "support/PackageContent.hpp"
 #include "support/Throws.hpp"
 
@@ -24,12 +25,10 @@ protected:
         manager.read(stream, serializer);
     }
 
-    using Write = void (RelationshipSerializer::*)(const RelationshipManager&, opc::OutputStream&);
-
-    std::string write(Write way = &RelationshipSerializer::write) {
+    std::string write() {
         Bytes document;
         opc::ByteArrayOutAdaptor stream(document);
-        (serializer.*way)(manager, stream);
+        serializer.write(manager, stream);
         return toText(document);
     }
 
@@ -127,8 +126,7 @@ TEST_F(RelationshipsDocument, isWrittenAsXercesWritesIt) {
     const auto expectSame = [&](bool isPlain, const std::u16string& about) {
         EXPECT_EQ(composePlainRelationships(manager, document), isPlain) << opc::toUDEString(about);
         std::string byXerces;
-        const std::string failure =
-            outcomeOf([&] { byXerces = write(&RelationshipSerializer::writeByXerces); });
+        const std::string failure = outcomeOf([&] { byXerces = serializer.serialize(manager); });
         std::string asEver;
         EXPECT_EQ(outcomeOf([&] { asEver = write(); }), failure) << opc::toUDEString(about);
         EXPECT_EQ(asEver, byXerces);

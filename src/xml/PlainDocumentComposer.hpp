@@ -11,10 +11,10 @@ namespace opc::model {
 /// such a document, at a small part of its cost.
 ///
 /// A document with a value that isn't plain is left to Xerces, and so is one without children.
-class PlainDocumentWriter {
+class PlainDocumentComposer {
 public:
     /// @param composed  takes the bytes; must outlive this object, as must `rootName`
-    PlainDocumentWriter(std::string& composed, std::string_view rootName, std::string_view namespaceURI);
+    PlainDocumentComposer(std::string& composed, std::string_view rootName, std::string_view namespaceURI);
 
     void beginChild(std::string_view name);
 
