@@ -21,7 +21,7 @@ void scanOrParse(InputStream& stream, ReadAheadBuffer& buffer, std::size_t large
                  const Parse& parse) {
     ReplayedStream replayed(stream);
     const auto document = replayed.readAhead(buffer, largestScanned);
-    if (!document || !scan(std::string_view(*document)))
+    if (!document || !scan(*document))
         translateDocumentFailures([&] { parse(replayed); });
 }
 
