@@ -9,80 +9,79 @@
 
 namespace opc::physical {
 
-/// Stands in front of another physical package and gives to the model what real programs write, although the
-/// standard or the model asks for another form, so that it can be opened. It hides
+/// Wraps a store, and opens packages that real programs write although they break the standard. It hides
 ///
-/// - items that no content type covers [M2.4], such as `.DS_Store` or the signature files of other systems;
-/// - relationships parts without a source, which stay where a program has deleted a part but not these;
+/// - items without a content type [M2.4], such as `.DS_Store` or the signature files of other systems;
+/// - relationships parts without a source, which some programs leave behind when they delete a part.
 ///
-/// and it gives in the form that the model reads
+/// It converts these for the model:
 ///
-/// - relationships and content types whose elements have a namespace prefix, without the prefix;
-/// - relationships in the namespace of 2005/06, in its successor;
-/// - relationships parts with markup compatibility [M1.31], without what is to be ignored;
-/// - relationships parts in which some relationships break the schema, without these; of relationships with one ID, and of
-///   those from the package to core properties, with the first;
-/// - relationships parts that are no XML or can't be read, as if they had no relationships;
-/// - relationships parts with a source that no content type covers, with the content type of their kind;
-/// - content types whose stream holds something that the standard doesn't allow, each entry by itself: those that can't
-///   be read are left out, an `Override` whose part name lacks the slash in front is read as if it had it, attributes
-///   and elements that don't belong there are passed over, and the namespace of 2005/06 is read as its successor.
+/// - Relationships and content types whose elements have a namespace prefix lose the prefix.
+/// - Relationships in the namespace of 2005/06 are converted to the standard's namespace.
+/// - In relationships parts with markup compatibility [M1.31], ignorable content is left out.
+/// - Relationships that break the schema are left out. Of several relationships with one ID, and of several from the package
+///   to core properties, the first counts.
+/// - A relationships part that isn't XML or can't be read counts as empty.
+/// - A relationships part that has a source but no content type gets the content type of relationships parts.
+/// - In a content types stream that breaks the standard, each entry is read by itself. Entries that can't be read are left
+///   out. An `Override` whose part name lacks the slash at its start is read as if it had one. Attributes and elements that
+///   don't belong there are ignored. The namespace of 2005/06 is read as the standard's namespace.
 ///
-/// `getOddities` says what of this it has met. A change of the content types is made in the text of the stream: what
-/// doesn't change keeps its bytes, what was left out included, and a `Default` that no part rests on any more stays. An
-/// entry that was left out goes when a part of its name is created or deleted. Where a new `Default` would cover
-/// something hidden as well, the new parts get an `Override` each.
+/// `getOddities` reports what of this it has found. A change of the content types is made in the text of the stream: every
+/// other byte stays, also entries that are left out, and a `Default` that no part uses any more. An entry that is left out
+/// is removed when a part with its name is created or deleted. If a new `Default` would also cover something hidden, each
+/// of the new parts gets an `Override` instead.
 ///
-/// What is hidden stays in the package through every save, unchanged: a part under a hidden name, or one that a
-/// hidden relationships part would become attached to, isn't created. What the model changes in relationships is
-/// changed in their own document, in which everything else keeps its bytes: prefixes, encoding, comments, white space, and
-/// the elements that are left out. Their IDs aren't given to others, and the part stays when the last other relationship
-/// goes; the model can't change the relationships of a part that can't be read. When the first one of an ID is deleted, the
-/// next one counts from the next `open` on.
+/// Hidden items stay in the package unchanged, through every save. A part can't be created if its name, or the name of its
+/// relationships part, is hidden. Changes of relationships are made in their own document: every other byte stays, such as
+/// prefixes, encoding, comments, white space, and the elements that are left out. IDs of relationships that are left out
+/// are in use, and their part stays when its last other relationship is deleted. The relationships of a part that can't be
+/// read can't be changed. When the first relationship with an ID is deleted, the next one with this ID counts after the
+/// next `open`.
 ///
-/// A relationships part with a document type is always refused, be it hidden. One that is longer than 4 MiB or has more than
-/// 300,000 characters `<` and `=` is given as it is, and so are those beyond 32 MiB of documents in another form in all:
-/// the model then refuses what breaks the schema, and writes the part anew. A content types stream that can't be
-/// read or is as long is given as it is, and hides nothing.
+/// A relationships part with a document type is always refused, also a hidden one. A relationships part is passed on
+/// unchanged if it is longer than 4 MiB, has more than 300,000 characters `<` and `=`, or if the converted documents are
+/// longer than 32 MiB together. Then the model refuses what breaks the schema, and writes the part anew. A content types
+/// stream that can't be read, or is as long, is passed on unchanged too and hides nothing.
 ///
-/// The other package isn't owned and must outlive this one; while this one is open, it is to be used through
-/// this one alone. All streams are the other's but those of documents in another form, and so are all parts but
-/// relationships parts; what isn't the other's is good until this package is closed. One
-/// thread at a time. Keeps Xerces initialised once it has needed it. Failures are those of the other package.
+/// It doesn't own the other store, which must outlive it. While it is open, use the other store only through it. It returns
+/// the streams and parts of the other store, except relationships parts and the streams of converted documents; its own
+/// objects exist until it is closed. Use it from one thread at a time. It keeps Xerces initialised once it has needed it.
+/// Failures are those of the other store.
 class OPC_LENIENT_EXPORT LenientPackage : public interfaces::IPhysicalPackage {
 public:
     struct HiddenItem {
-        std::u16string name; ///< as the part would be called
-        std::string reason;  ///< in English, to follow the name
+        std::u16string name; ///< the name that the part would have
+        std::string reason;  ///< why it is hidden, in English; continues the text of the name
     };
 
     explicit LenientPackage(interfaces::IPhysicalPackage& package);
     ~LenientPackage() override;
 
-    /// What the open package hides now, in the order of the other package's parts.
+    /// The items that are hidden in the open package, in the order of the other store's parts.
     const std::vector<HiddenItem>& hiddenItems() const;
 
     bool usesContentTypeStream() override;
     interfaces::IPhysicalInputStream* getContentTypeInputStream() override;
     interfaces::IPhysicalOutputStream* getContentTypeOutputStream() override;
 
-    /// Without what is hidden, and with relationships parts of its own in front of the other's.
+    /// Gives the parts of the other store without the hidden ones, and with its own objects for relationships parts.
     std::vector<interfaces::IPhysicalPart*> getParts() override;
 
-    /// Opens the other package and looks for what is to be hidden. If that fails, both are closed.
+    /// Opens the other store and looks for what must be hidden or converted. After a failure both are closed.
     void open(const interfaces::OpenMode& mode) override;
     void close(bool abandon) override;
 
-    /// @throws opc::Exception  something hidden has the name, or would become the relationships of the new part;
-    ///                         the code is file_exists
+    /// @throws opc::Exception  something hidden has this name, or the name of the new part's relationships part; the code
+    ///                         is file_exists
     interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
-    /// Those of the other package, what is hidden, and relationships that are left out.
+    /// Gives those of the other store, the hidden items, and the relationships that are left out.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
-    /// Those of the other package, and all that this one has met.
+    /// Gives those of the other store, and everything that this one has found.
     std::vector<interfaces::Oddity> getOddities() override;
 
 private:

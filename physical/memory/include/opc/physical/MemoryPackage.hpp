@@ -9,29 +9,27 @@
 
 namespace opc::physical {
 
-/// A package kept in memory. Its content outlives `close`: what one `open` has written, the next one reads.
+/// A package in memory. Its content stays after `close`: the next `open` reads what was written.
 ///
-/// Changes are a transaction: `close(false)` puts all of them in the place of the old content, `close(true)`
-/// and the destructor drop them. Names are compared without regard to the case of ASCII letters, and are
-/// otherwise taken as they come: checking them is the business of the layer above. Parts keep the order in
-/// which they were made.
+/// `close(false)` makes all changes at once, `close(true)` and the destructor drop them. Comparisons of names ignore the
+/// case of ASCII letters. Names aren't checked: the layer above does this. Parts keep the order in which they were created.
 ///
-/// A part, and each stream got from it, lives until the part is deleted or the package is closed. An input
-/// stream reads the content that the part had when the stream was last opened: it goes on with that after a
-/// write has begun, and `close` and then `open` take it to the new content. Asking for an output stream
-/// replaces the content at once; an older output stream of the same part then raises on `write`.
+/// A part and its streams exist until the part is deleted or the package is closed. An input stream reads the content that
+/// the part had when the stream was last opened, also while new content is written; `close` followed by `open` continues
+/// with the new content. Getting an output stream empties the part; `write` on an older output stream of the part then
+/// throws.
 ///
-/// One thread at a time. Failures are `opc::Exception` with a code of the generic category: 2 where a package
-/// or part doesn't exist, 13 for changes in a package opened to read, 9 and 16 for a package that must be
-/// open or closed and isn't.
+/// Use it from one thread at a time. Failures are `opc::Exception` with a code of the generic category: 2 if a package or
+/// part doesn't exist, 13 for changes in a package opened `ReadOnly`, 9 and 16 for a package that must be open or closed
+/// and isn't.
 class OPC_MEMORY_EXPORT MemoryPackage : public interfaces::IPhysicalPackage {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// Where the content types stand: in one stream, as in a ZIP container, or with each part.
+    /// Where the content types are: in one stream, as in a ZIP archive, or with each part.
     enum class ContentTypes { InStream, InParts };
 
-    /// A package that doesn't exist yet: it comes to be by `CreateOnly`, `setPart` or `setContentTypes`.
+    /// A package that doesn't exist yet. `CreateOnly`, `setPart` and `setContentTypes` create it.
     explicit MemoryPackage(ContentTypes contentTypes = ContentTypes::InStream);
     ~MemoryPackage() override;
 
@@ -45,14 +43,14 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
-    /// @name The content, to be looked at and changed from outside while the package is closed
+    /// @name Reading and changing the content while the package is closed
     /// @{
 
     std::vector<std::u16string> partNames() const;
     bool hasPart(const std::u16string& name) const;
     Bytes partBytes(const std::u16string& name) const;
 
-    /// Adds a part, or gives the one of that name new content, type and spelling in its old place.
+    /// Adds a part, or replaces the content, the type and the spelling of an existing one.
     void setPart(const std::u16string& name, Bytes bytes, const std::u16string& contentType = {});
     void removePart(const std::u16string& name);
 

@@ -4,11 +4,11 @@
 
 namespace opc::physical {
 
-/// Removes the temporary files of all `ZipPackage`s that this process is saving at this moment.
+/// Removes the temporary files of all `ZipPackage`s that this process is saving now.
 ///
-/// For the handler of a signal that ends the process: async-signal-safe, and unaware of threads. The library
-/// installs no handler itself. The files that are to be replaced stay as they are; what is being saved can't
-/// be finished any more and fails, so let the process end behind it.
+/// Call it in the handler of a signal that ends the process. It is async-signal-safe; the library installs no handler
+/// itself. The files that were to be replaced stay unchanged. The running saves can't be completed and fail, so let the
+/// process end after the call.
 OPC_ZIP_EXPORT void removeUnfinishedFiles() noexcept;
 
 } // namespace opc::physical

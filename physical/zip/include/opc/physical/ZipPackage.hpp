@@ -15,73 +15,73 @@ namespace opc::physical {
 
 /// A package in a ZIP archive (ECMA-376 Part 2, mapping to ZIP), in a file, in memory or from a stream.
 ///
-/// **Saving.** `close(false)` writes a new archive beside the old one, syncs it and renames it over the old
-/// one, so that a file is always wholly old or wholly new. Mode, owner, group, access control list and extended
-/// attributes stay as far as the system lets this process set them, and otherwise nobody gains by the change; a
-/// symbolic link is followed. A file that another program has changed since `open` isn't replaced: its changes
-/// would be lost. Items that haven't changed are copied as they are compressed. Nothing is written before, and
-/// nothing at all if nothing has changed. After a failure the package is still open, and `close` may be called
-/// again. See `removeUnfinishedFiles` for what a signal that ends the process would leave.
+/// **Saving.** `close(false)` writes a new archive into the same folder, syncs it and renames it, so that the file is always
+/// the complete old one or the complete new one. Mode, owner, group, access control list and extended attributes stay if
+/// the system lets this process set them; otherwise the new file has narrower permissions. Symbolic links are followed. A
+/// file that another program has changed since `open` isn't replaced, since its changes would be lost. Unchanged items
+/// are copied in compressed form. Nothing is written before, and nothing at all if nothing has changed. After a failure
+/// the package is still open, and `close` can be called again. A signal that ends the process can leave a temporary file:
+/// see `removeUnfinishedFiles`.
 ///
-/// **Names.** An item becomes a part by a slash in front of its name; what a part name can't hold is
-/// percent-encoded, and a backslash counts as a slash. Names without the UTF-8 flag are taken for UTF-8 if
-/// they are well-formed UTF-8, else for code page 437. Items that can be no part are kept through every save:
-/// see `ignoredItems`. Names that lead out of a folder (`..`, absolute, with a drive) are refused. Pieces of an
-/// interleaved part are joined. Names are compared without regard to the case of ASCII letters; `_rels` and `.rels` in
-/// names of relationships parts get the case that the standard gives them. A part that is written again keeps the
-/// spelling of its item. An item that another program would extract over a part, or over the content types stream, is
-/// refused: its name, once simplified (`./a`, `a;1`, `%61`), or a Unicode Path field leads there. A part can't be
-/// created if the limits forbid it, or an archive can't hold its name: more than 65,535 bytes, a drive in front, the
-/// folder `__MACOSX`, a relationships part in another case, or a name that leads to another item in such a way.
+/// **Names.** The part name is the name of the item with a slash at the start. A backslash counts as a slash, and characters
+/// that a part name can't have are percent-encoded. Names without the UTF-8 flag are read as UTF-8 if they are well-formed
+/// UTF-8, otherwise in code page 437. Items that can't be parts are kept through every save: see `ignoredItems`. Names that
+/// lead out of a folder (`..`, absolute paths, drives) are refused. Pieces of an interleaved part are joined. Comparisons
+/// ignore the case of ASCII letters; `_rels` and `.rels` in names of relationships parts are converted to the case of the
+/// standard. A part that is written again keeps the spelling of its item.
 ///
-/// **Headers.** `open` checks the local header and the data descriptor of each item against the directory, and that no
-/// local header stands between the items. Bytes there that belong to no item are dropped by the next save.
+/// An item is refused if another program would extract it over a part or over the content types stream, because its
+/// simplified name (`./a`, `a;1`, `%61`) or a Unicode Path field leads there. A part can't be created if a limit forbids
+/// it, or if an archive can't keep its name: it has more than 65,535 bytes, begins with a drive, is in the folder
+/// `__MACOSX`, is the name of a relationships part in another case, or leads to another item as above.
 ///
-/// **Streams.** A part, and each stream got from it, lives until the part is deleted or the package closed.
-/// Reading inflates as it goes, parts up to 256 KiB at once. It checks size and checksum with the last byte: a
-/// damaged item never ends without an exception. An input stream reads the content that the part had when the
-/// stream was last opened; `close` and then `open` take it to what has been written since. Asking for an output stream replaces the content at once; an older output stream of the
-/// same part then raises on `write`. A part whose writing has failed must be written again or deleted before
-/// `close(false)` can succeed.
+/// **Headers.** `open` compares the local header and the data descriptor of each item with the directory, and checks that
+/// there is no local header between the items. The next save drops bytes that belong to no item.
 ///
-/// One thread at a time. Failures are `opc::Exception` with a message that names archive and item, and a code
-/// of the generic category: that of the system call that failed; 2 where a package, part or content types
-/// stream doesn't exist; 13 for changes in a package opened to read; 22 for a bad part name; 27 for a limit;
-/// 74 (bad message) for a damaged archive; 95 for encryption and compression methods other than Store and
-/// Deflate; 116 for a file that another program has changed; 9 and 16 for a package that must be open or closed
-/// and isn't.
+/// **Streams.** A part and its streams exist until the part is deleted or the package is closed. Reading expands as it goes;
+/// parts up to 256 KiB are expanded at once. The last byte comes only if size and checksum are right: reading a damaged item
+/// always ends with an exception. An input stream reads the content that the part had when the stream was last opened;
+/// `close` followed by `open` continues with newly written content. Getting an output stream empties the part; `write` on
+/// an older output stream of the part then throws. If writing a part has failed, write it again or delete it: until then
+/// `close(false)` fails.
+///
+/// Use it from one thread at a time. Failures are `opc::Exception` with a message that names archive and item, and with a
+/// code of the generic category: the code of the failed system call; 2 if a package, part or content types stream doesn't
+/// exist; 13 for changes in a package opened `ReadOnly`; 22 for an invalid part name; 27 for a limit; 74 for a damaged
+/// archive; 95 for encryption and for compression methods other than Store and Deflate; 116 for a file that another program
+/// has changed; 9 and 16 for a package that must be open or closed and isn't.
 class OPC_ZIP_EXPORT ZipPackage : public interfaces::IPhysicalPackage {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// An item of the archive that is no part, or other bytes in the archive that no part shows.
+    /// An item of the archive that isn't a part, or other bytes of the archive that no part shows.
     struct IgnoredItem {
-        std::string name; ///< of the item, in UTF-8 as the archive has it; empty for bytes of no item
+        std::string name; ///< of the item in the archive, in UTF-8; empty for bytes that belong to no item
         std::string reason;
         bool isItem = true; ///< false: a comment, data in extra fields, or bytes between the items
     };
 
-    /// On the file at `path`, which needn't exist before it is opened `CreateOnly`. A relative path counts from
-    /// the folder that the process is in now.
+    /// A package in the file at `path`. For `CreateOnly` the file need not exist. A relative path starts from the current
+    /// folder of the process at the time of this call.
     explicit ZipPackage(std::filesystem::path path, ZipOptions options = {});
 
-    /// On an archive in memory. Empty bytes are a package that doesn't exist yet.
+    /// A package in memory. Empty bytes are a package that doesn't exist yet.
     explicit ZipPackage(Bytes archive, ZipOptions options = {});
 
-    /// On an archive that comes from a stream, which needn't be able to seek. It is read from where it stands
-    /// to its end when the package is opened first, to read or to change, and must live until then. What is
-    /// read or saved is kept in memory or a temporary file, as written parts are; `writeTo` passes it on. An
-    /// empty stream is a package that doesn't exist yet.
+    /// A package from a stream, which need not be able to seek. When the package is first opened `ReadOnly` or `ReadWrite`,
+    /// the stream is read from its position to its end; it must exist until then. The archive is kept in memory or in a
+    /// temporary file, as written parts are; `writeTo` writes it to another stream. An empty stream is a package that
+    /// doesn't exist yet.
     explicit ZipPackage(std::istream& archive, ZipOptions options = {});
 
-    /// Drops what hasn't been saved.
+    /// Drops all unsaved changes.
     ~ZipPackage() override;
 
     bool usesContentTypeStream() override;
     interfaces::IPhysicalInputStream* getContentTypeInputStream() override;
     interfaces::IPhysicalOutputStream* getContentTypeOutputStream() override;
 
-    /// In the order of the archive; joined parts and then created ones stand behind the others.
+    /// Gives the parts in the order of the archive, then the joined ones, then the created ones.
     std::vector<interfaces::IPhysicalPart*> getParts() override;
 
     void open(const interfaces::OpenMode& mode) override;
@@ -90,21 +90,21 @@ public:
                                           const interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
-    /// Those of `ignoredItems` that are items, but for folders: nothing is read from these.
+    /// Gives those of `ignoredItems` that are items, without folders, which have no content.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
-    /// What `ZipOptions::lenient` has let pass so far, with the items that have been read until now.
+    /// Lists what `ZipOptions::lenient` has accepted so far, including findings in the items that were read.
     std::vector<interfaces::Oddity> getOddities() override;
 
-    /// What the archive of the open package holds beside parts and the content types stream: items first, then other
-    /// bytes. All of it stays through a save, but for bytes that belong to no item, and for extra fields and comments
-    /// of parts that are written again.
+    /// Lists what the archive of the open package contains beside parts and the content types stream: first items, then
+    /// other bytes. A save keeps all of it, except bytes that belong to no item, and extra fields and comments of parts that
+    /// are written again.
     const std::vector<IgnoredItem>& ignoredItems() const;
 
-    /// Writes the archive as it was last saved to a stream, which needn't be able to seek.
+    /// Writes the archive, as it was last saved, to a stream, which need not be able to seek.
     void writeTo(std::ostream& stream) const;
 
-    /// The archive of a package in memory, as it was last saved. Valid until the next `close`.
+    /// The archive of a package in memory, as it was last saved. The reference is valid until the next `close`.
     const Bytes& bytes() const;
 
 private:

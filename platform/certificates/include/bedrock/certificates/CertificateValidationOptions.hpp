@@ -13,44 +13,42 @@ namespace detail {
 struct RevocationList;
 }
 
-/// How a certificate is validated; a value. By default: now, no weak algorithms, no revocation lists.
+/// How a certificate is validated. A value type. The defaults: the present time, no weak algorithms, no revocation lists.
 class BEDROCK_CRYPTO_EXPORT CertificateValidationOptions {
 public:
     using Time = std::chrono::system_clock::time_point;
 
-    /// The time at which the chain must be valid. Without one it is the time that a signature claims for
-    /// itself, where there is such a time, and else the time of the check.
+    /// The time at which the chain must be valid. Without one it is the time that a signature claims and, without such a
+    /// claim, the present time.
     void setCheckTime(std::optional<Time> time) { checkTime = time; }
     std::optional<Time> getCheckTime() const { return checkTime; }
 
-    /// Whether keys of less than 112 bits of security pass, such as RSA keys of 1024 bits.
+    /// Whether keys with less than 112 bits of security are accepted, such as RSA keys of 1024 bits.
     void setAcceptingWeakKeys(bool accepting) { acceptingWeakKeys = accepting; }
     bool isAcceptingWeakKeys() const { return acceptingWeakKeys; }
 
-    /// Whether certificates and revocation lists signed over a digest of less than 112 bits of security pass,
-    /// such as MD5 and SHA-1. The signatures on certificates of the trust store don't matter. A list that is
-    /// signed over such a digest revokes what it names in any case; this is about whether it covers a
-    /// certificate.
+    /// Whether certificates and revocation lists are accepted that are signed over a digest with less than 112 bits of
+    /// security, such as MD5 and SHA-1. The signatures on certificates of the trust store don't matter. A revocation list
+    /// over such a digest always revokes the certificates that it names; this option decides whether it covers others.
     void setAcceptingWeakDigests(bool accepting) { acceptingWeakDigests = accepting; }
     bool isAcceptingWeakDigests() const { return acceptingWeakDigests; }
 
-    /// Adds a revocation list, and has the lists used from now on.
+    /// Adds a revocation list, and switches the use of revocation lists on.
     /// @param bytes  one list in DER or PEM
-    /// @throws CertificateException  if the bytes are no revocation list
+    /// @throws CertificateException  the bytes aren't a revocation list
     void addRevocationList(const std::vector<unsigned char>& bytes);
 
-    /// Whether revocation lists are used. If so, the validated certificate must be covered by a list that had
-    /// not run out at the time of the check; the certificates above it are looked up in the lists that there
-    /// are. What any list of its issuer names is revoked, whenever that was: a claimed time of signing is no
-    /// proof.
+    /// Whether revocation lists are used. If so, a list that hasn't expired at the time of the check must cover the
+    /// validated certificate. The certificates above it are looked up in the available lists. A certificate that a list of
+    /// its issuer names is revoked, whatever the date of the revocation: a claimed time of signing is no proof.
     ///
-    /// A list covers what its issuer issued, within its issuing distribution point. These cover nothing (RFC
-    /// 5280 section 5.2): delta lists, indirect ones, ones for some reasons of revocation only, and ones with a
-    /// critical extension that isn't known.
+    /// A list covers the certificates of its issuer, within its issuing distribution point. These lists cover nothing (RFC
+    /// 5280 section 5.2): delta lists, indirect lists, lists for only some reasons of revocation, and lists with an unknown
+    /// critical extension.
     void setUsingRevocationLists(bool use) { usingRevocationLists = use; }
     bool isUsingRevocationLists() const { return usingRevocationLists; }
 
-    /// The lists in the order they were added; internal.
+    /// The lists in the order in which they were added; internal.
     const std::vector<std::shared_ptr<const detail::RevocationList>>& getRevocationLists() const {
         return lists;
     }

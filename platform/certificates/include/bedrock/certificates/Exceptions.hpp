@@ -7,8 +7,8 @@
 
 namespace bedrock::certificates {
 
-/// A bundle, a trust store or a revocation list can't be read. `what()` says what failed and, in parentheses,
-/// what OpenSSL told about it.
+/// A bundle, a trust store or a revocation list can't be read. `what()` says what failed and, in parentheses, the message
+/// of OpenSSL.
 class BEDROCK_CRYPTO_EXPORT CertificateException : public std::runtime_error {
 public:
     explicit CertificateException(const std::string& message) : std::runtime_error(message) {}
@@ -17,7 +17,7 @@ public:
     ~CertificateException() override;
 };
 
-/// Bytes are no certificate, or an empty certificate is asked about its content.
+/// Bytes aren't a certificate, or an empty certificate is asked for its content.
 class BEDROCK_CRYPTO_EXPORT X509CertificateException : public CertificateException {
 public:
     explicit X509CertificateException(const std::string& message) : CertificateException(message) {}

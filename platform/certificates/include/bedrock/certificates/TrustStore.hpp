@@ -9,40 +9,39 @@
 
 namespace bedrock::certificates {
 
-/// The certificates that a validation trusts; a value. Each of them ends a chain, so a store that holds a
-/// signer's own certificate trusts that signer.
+/// The certificates that a validation trusts. A value type. A chain can end in any of them, so a store with a signer's own
+/// certificate trusts that signer.
 class BEDROCK_CRYPTO_EXPORT TrustStore {
 public:
-    /// What certificates are trusted for, where they carry settings of their own about that.
+    /// What certificates are trusted for, if they have their own settings for that.
     enum class Usage {
-        Any = 0,     ///< whatever it is
+        Any = 0,     ///< every use
         Signing = 1, ///< signing of documents and code
     };
 
-    /// Whether it holds no certificate and wasn't given those of the system.
+    /// Whether the store has no certificates, not even those of the system.
     bool empty() const noexcept { return certificates.empty() && !systemUsage; }
 
-    /// @throws X509CertificateException  if the certificate is empty
+    /// @throws X509CertificateException  the certificate is empty
     void addCertificate(const X509Certificate& certificate);
 
     /// Adds the certificates of a file: one in DER, or any number in PEM.
-    /// @throws CertificateException  if the file can't be read or holds no certificate; nothing is added then
+    /// @throws CertificateException  the file can't be read or contains no certificate; nothing is added
     void addFile(const std::filesystem::path& file);
 
-    /// Adds the certificates of all files of a folder, but not of folders in it.
-    /// @throws CertificateException  as `addFile`; nothing is added then
+    /// Adds the certificates of all files in a folder, without its subfolders.
+    /// @throws CertificateException  as `addFile`; nothing is added
     void addFolder(const std::filesystem::path& folder);
 
-    /// Takes in the certificates of the system, from the places that OpenSSL was built with or that the
-    /// variables SSL_CERT_FILE and SSL_CERT_DIR name. They are read at each validation, as far as it needs
-    /// them.
+    /// Adds the certificates of the system: from the default places of OpenSSL, or from those that the environment
+    /// variables SSL_CERT_FILE and SSL_CERT_DIR name. Each validation reads those that it needs.
     /// @param usage    what they are trusted for
-    /// @param replace  whether the certificates that the store holds are dropped
+    /// @param replace  true to drop the other certificates of the store
     void addSystemCertificates(Usage usage, bool replace);
 
     const std::vector<X509Certificate>& getCertificates() const noexcept { return certificates; }
 
-    /// What the certificates of the system are trusted for; nothing if they weren't taken in.
+    /// What the certificates of the system are trusted for; empty if they weren't added.
     std::optional<Usage> getSystemUsage() const noexcept { return systemUsage; }
 
 private:

@@ -18,24 +18,24 @@ namespace detail {
 class CertificateAccess;
 }
 
-/// An X.509 certificate, or none: a default-constructed one is empty. Copies share what they hold, which
-/// never changes; any number of threads may use them.
+/// An X.509 certificate, or an empty value, which the default constructor makes. Copies share their data, which never
+/// changes; any number of threads can use them.
 ///
-/// An empty certificate has no key and is valid for nothing; asked for its content or its validation it
-/// raises `X509CertificateException`.
+/// An empty certificate has no key and can't be used for anything. Its functions for content and validation throw
+/// `X509CertificateException`.
 class BEDROCK_CRYPTO_EXPORT X509Certificate {
 public:
     X509Certificate() = default;
 
-    /// @param bytes  one certificate in DER and nothing else, or a text with one block CERTIFICATE of PEM: what
-    ///               stands round it doesn't matter (RFC 7468 section 2)
-    /// @throws X509CertificateException  if they are no certificate
+    /// @param bytes  exactly one certificate in DER, or a text with one CERTIFICATE block in PEM; text around the block is
+    ///               ignored (RFC 7468 section 2)
+    /// @throws X509CertificateException  the bytes aren't a certificate
     explicit X509Certificate(const std::vector<unsigned char>& bytes);
 
     bool empty() const noexcept { return !content; }
 
-    /// The size of the key in bits; of an RSA key, 8 times the length of its modulus. 0 if there is
-    /// none, or one of a kind that OpenSSL doesn't know.
+    /// The size of the key in bits; for an RSA key, 8 times the length of its modulus. 0 without a key, or for a kind of key
+    /// that OpenSSL doesn't know.
     std::size_t getKeySize() const;
 
     /// Big-endian, without leading zeros; empty if there is no RSA key.
@@ -44,8 +44,8 @@ public:
     /// Big-endian, without leading zeros; empty if there is no RSA key.
     std::vector<unsigned char> getPublicExponent() const;
 
-    /// Whether its key usage allows signing documents: there is no such extension, or it names
-    /// digitalSignature or nonRepudiation (RFC 5280 section 4.2.1.3).
+    /// Whether the key usage allows signing documents: the extension is absent, or names digitalSignature or nonRepudiation
+    /// (RFC 5280 section 4.2.1.3).
     bool isValidForDigitalSigning() const;
 
     /// The Base64 form of the certificate on one line.
@@ -57,22 +57,22 @@ public:
     /// SHA-256 over the DER form, as 64 lower-case hexadecimal digits.
     std::string getSHA256Fingerprint() const;
 
-    /// The subject as one line of UTF-8, in the manner of RFC 2253.
+    /// The subject as one line in UTF-8, in the form of RFC 2253.
     std::string getSubject() const;
 
-    /// Checks, in this order: whether a chain leads through certificates of `chain` to one of `trustStore`,
-    /// with all that RFC 5280 section 6 asks, name constraints and policies included, at the time that
-    /// `options` says; whether the certificate is there for signing; whether the chain is strong enough. Any
-    /// certificate of the store ends a chain, be it self-signed or not. Certificates of `chain` that lead
-    /// nowhere don't stand in the way of others: up to 20 of them are passed over.
+    /// Validates the certificate. It checks in this order:
     ///
-    /// There for signing means: an RSA key, which isn't kept to RSA-PSS; `isValidForDigitalSigning`; and at
-    /// least one of code signing, e-mail protection and document signing (RFC 9336) that every extended key
-    /// usage of the chain allows. A certificate without that extension allows all of them, as does one with
-    /// anyExtendedKeyUsage; the usages of an issuer limit those of the certificates below it.
+    /// 1. A chain leads through certificates of `chain` to a certificate of `trustStore` and is valid by RFC 5280 section 6,
+    ///    with name constraints and policies, at the time in `options`. A chain can end in any certificate of the store,
+    ///    self-signed or not. Up to 20 certificates of `chain` that don't lead to the store are ignored.
+    /// 2. The certificate may sign: it has an RSA key that isn't limited to RSA-PSS, `isValidForDigitalSigning` is true,
+    ///    and at least one of code signing, e-mail protection and document signing (RFC 9336) is allowed by every extended
+    ///    key usage of the chain. A certificate without this extension, or with anyExtendedKeyUsage, allows all of them.
+    ///    The usages of an issuer limit those of the certificates below it.
+    /// 3. The algorithms of the chain are strong enough.
     ///
-    /// Policies are checked from any policy on: a chain fails by them only if a certificate in it requires an
-    /// explicit policy that the others don't share.
+    /// Every policy is acceptable at first: the policies refuse a chain only if one of its certificates requires an explicit
+    /// policy that the others don't share.
     CertificateValidationResults validateCertificate(const X509CertificateChain& chain,
                                                      const CertificateValidationOptions& options,
                                                      const TrustStore& trustStore) const;

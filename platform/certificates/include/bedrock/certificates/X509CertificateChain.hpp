@@ -7,7 +7,7 @@
 
 namespace bedrock::certificates {
 
-/// Certificates in order, none of them trusted for being here.
+/// Certificates in order. Being in a chain doesn't make a certificate trusted.
 class X509CertificateChain {
 public:
     void addCertificate(X509Certificate certificate) { certificates.push_back(std::move(certificate)); }

@@ -8,7 +8,7 @@
 
 namespace bedrock::codesigning_verifier {
 
-/// A signature can't be checked at all, as the code says; what was checked and doesn't hold is a status.
+/// A signature can't be checked; the code says why. A signature that was checked and doesn't hold gives a status instead.
 class BEDROCK_CRYPTO_EXPORT CodesigningException : public std::runtime_error {
 public:
     CodesigningException(const std::string& message, const ErrorCode& errorCode)

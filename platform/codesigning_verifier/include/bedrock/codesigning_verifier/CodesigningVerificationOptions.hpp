@@ -6,10 +6,10 @@
 
 namespace bedrock::codesigning_verifier {
 
-/// How a signature is to have been made, and how its certificate is validated; a value.
+/// The algorithms that a signature must have, and how its certificate is validated. A value type.
 class CodesigningVerificationOptions {
 public:
-    /// RSA with a key of that many bits.
+    /// RSA with a key of this many bits.
     enum class SignatureMethod { RSA1024 = 0, RSA2048 = 1, RSA4096 = 2 };
 
     enum class SignatureDigestMethod { MD5 = 0, SHA1 = 1, SHA224 = 2, SHA384 = 3, SHA256 = 4, SHA512 = 5 };

@@ -2,7 +2,7 @@
 
 namespace bedrock::codesigning_verifier {
 
-/// The outcome of checking a signature, as a number; 0 is success.
+/// The result of checking a signature as a number; 0 is success.
 class ErrorCode {
 public:
     int value() const noexcept { return code; }
@@ -21,7 +21,7 @@ inline bool operator!=(const ErrorCode& left, const ErrorCode& right) noexcept {
     return !(left == right);
 }
 
-/// The code `N`: the way to make an `ErrorCode`, and to name one in code.
+/// The code `N`. Use it to make an `ErrorCode`, and to compare with one.
 template <int N>
 class ErrorMap : public ErrorCode {
 public:

@@ -8,7 +8,7 @@
 
 namespace opc {
 
-/// Reads a byte vector. The vector isn't copied: it must outlive the adaptor and stay as it is.
+/// Reads a byte vector. The vector isn't copied: it must outlive the adaptor and must not change.
 class OPC_CORE_EXPORT ByteArrayInAdaptor : public InputStream {
 public:
     explicit ByteArrayInAdaptor(const std::vector<unsigned char>& bytes) noexcept : source(bytes) {}
@@ -23,7 +23,7 @@ private:
     std::size_t position = 0;
 };
 
-/// Appends what is written to a byte vector, which must outlive the adaptor.
+/// Appends the written bytes to a byte vector, which must outlive the adaptor.
 class OPC_CORE_EXPORT ByteArrayOutAdaptor : public OutputStream {
 public:
     explicit ByteArrayOutAdaptor(std::vector<unsigned char>& bytes) noexcept : target(bytes) {}

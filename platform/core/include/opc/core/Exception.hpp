@@ -11,14 +11,14 @@
 
 namespace opc {
 
-/// The base of every failure that the library, and a physical layer under it, reports.
+/// The base of the exceptions of the library and of stores.
 ///
-/// A value: it may be copied, also to another thread; copying never fails. `what()` gives the message, which is
-/// fixed for each kind of failure. What differs from one document to the next stands in `details()`.
+/// A value type: copy it freely, also to another thread; copying never fails. `what()` gives the message, which is fixed
+/// for each kind of failure. `details()` gives what differs from one document to the next.
 class OPC_CORE_EXPORT Exception : public std::runtime_error {
 public:
     /// @param message  what went wrong, for a person to read
-    /// @param code     the cause as the system tells it; the default is value 0 of the system category
+    /// @param code     the cause that the system reported; the default is value 0 of the system category
     explicit Exception(const std::string& message,
                        boost::system::error_code code = boost::system::error_code());
     Exception(const Exception&) = default;
@@ -29,21 +29,21 @@ public:
 
     const boost::system::error_code& code() const noexcept { return errorCode; }
 
-    /// What is known beside the message, in UTF-8 and in English: where in its document the failure lies, which
-    /// relationship or entry it is about, what helps. Phrases with "; " between them, from the inside outwards,
-    /// to follow the message; empty if nothing is known. Valid until details are added, or this object dies.
+    /// More about the failure, in English and in UTF-8: where in its document it is, the relationship or entry, what
+    /// helps. These are phrases separated by "; ", the innermost place first, which continue the message; empty if there
+    /// are none. The pointer is valid until details are added or this object is destroyed.
     const char* details() const noexcept { return detailText ? detailText->c_str() : ""; }
 
-    /// Adds a phrase at the end. An empty one adds nothing. Copies that were made before don't change.
+    /// Adds a phrase at the end; an empty phrase adds nothing. Existing copies don't change.
     void addDetails(const std::string& phrase);
 
 private:
     boost::system::error_code errorCode;
-    std::shared_ptr<const std::string> detailText; ///< null if empty; shared, since copying must not fail
+    std::shared_ptr<const std::string> detailText; ///< null if empty; shared, because copying must not fail
 };
 
-/// A failure of the class `Raised` that stands for `cause` and keeps its details.
-/// @param arguments  of the constructor
+/// Makes an exception of the class `Raised` for the failure `cause`, with its details.
+/// @param arguments  the arguments of the constructor
 template <typename Raised, typename... Arguments>
 Raised translated(const Exception& cause, Arguments&&... arguments) {
     Raised raised(std::forward<Arguments>(arguments)...);

@@ -6,9 +6,9 @@
 
 namespace opc {
 
-/// A source of bytes that can be read once from its beginning to its end, and again after `close` and `open`.
+/// A source of bytes. It can be read once from its first byte to its end, and again after `close` and `open`.
 ///
-/// Whoever hands one out says who owns it. It serves one thread at a time.
+/// The function that returns a stream documents who owns it. Use a stream from one thread at a time.
 class OPC_CORE_EXPORT InputStream {
 public:
     InputStream(const InputStream&) = delete;
@@ -17,8 +17,8 @@ public:
     /// Makes the stream ready to read at its first byte.
     virtual void open() = 0;
 
-    /// Reads up to `count` bytes into `buffer`. To be called only while `isDone` is false.
-    /// @return how many bytes were read; never more than `count`
+    /// Reads up to `count` bytes into `buffer`. Call it only while `isDone` is false.
+    /// @return the number of bytes read, at most `count`
     virtual std::uint64_t read(unsigned char* buffer, std::uint64_t count) = 0;
 
     /// Whether all bytes have been read.

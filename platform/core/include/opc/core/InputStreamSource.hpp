@@ -8,9 +8,9 @@
 
 namespace opc {
 
-/// A source for a stream of Boost.Iostreams over an `InputStream`, which must outlive it.
+/// A source for Boost.Iostreams that reads an `InputStream`, which must outlive it.
 ///
-/// Cheap to copy, as Boost.Iostreams asks of its devices: all copies read the same stream.
+/// Cheap to copy, as Boost.Iostreams requires. All copies read the same stream.
 class OPC_CORE_EXPORT InputStreamSource {
 public:
     using char_type = char;
@@ -19,7 +19,7 @@ public:
     explicit InputStreamSource(InputStream& stream) noexcept : source(&stream) {}
 
     /// Reads up to `count` bytes into `buffer`.
-    /// @return how many were read, or -1 at the end of the stream
+    /// @return the number of bytes read, or -1 at the end of the stream
     std::streamsize read(char* buffer, std::streamsize count);
 
 private:

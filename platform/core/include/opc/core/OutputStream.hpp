@@ -8,17 +8,17 @@ namespace opc {
 
 /// A sink of bytes.
 ///
-/// Whoever hands one out says who owns it. It serves one thread at a time.
+/// The function that returns a stream documents who owns it. Use a stream from one thread at a time.
 class OPC_CORE_EXPORT OutputStream {
 public:
     OutputStream(const OutputStream&) = delete;
     OutputStream& operator=(const OutputStream&) = delete;
 
-    /// Writes `count` bytes from `buffer`. To be called only while `isDone` is false.
-    /// @return how many bytes were written
+    /// Writes `count` bytes from `buffer`. Call it only while `isDone` is false.
+    /// @return the number of bytes written
     virtual std::uint64_t write(const unsigned char* buffer, std::uint64_t count) = 0;
 
-    /// Whether the stream takes no more bytes.
+    /// Whether the stream accepts no more bytes.
     virtual bool isDone() const = 0;
 
     virtual void flush() = 0;

@@ -10,8 +10,8 @@ class OPC_CORE_EXPORT StreamHelper {
 public:
     StreamHelper() = delete;
 
-    /// Copies all bytes that are left in `source` to `target`.
-    /// @return whether `target` took them all
+    /// Copies the remaining bytes of `source` to `target`.
+    /// @return whether `target` accepted all of them
     static bool copyStreamToStream(InputStream& source, std::ostream& target);
 };
 

@@ -7,24 +7,23 @@
 #include <string_view>
 
 /// @file
-/// Text of the model is UTF-16; narrow text stands in messages and in the tool alone. No operation here
-/// raises anything but `std::bad_alloc`: what isn't well-formed becomes U+FFFD where it must be decoded.
+/// The model uses UTF-16; only messages and the tool use narrow text. The functions here throw nothing but
+/// `std::bad_alloc`: when they decode text that isn't well-formed, the wrong characters become U+FFFD.
 
 namespace opc {
 
-/// Compares without regard to the case of ASCII letters: A to Z are taken as a to z, and then code units
-/// count.
-/// @return negative, zero or positive, as `left` stands before, with or behind `right`
+/// Compares two texts code unit by code unit, ignoring the case of ASCII letters: A to Z count as a to z.
+/// @return negative, zero or positive if `left` sorts before, equal to or after `right`
 OPC_CORE_EXPORT std::int32_t caselessCompare(const std::u16string& left,
                                              const std::u16string& right) noexcept;
 
-/// `text` with A to Z turned into a to z, and nothing else changed.
+/// Converts A to Z into a to z, and changes nothing else.
 OPC_CORE_EXPORT std::u16string toLowerASCIIString(const std::u16string& text);
 
-/// `text` for a message in ASCII: each character beyond it becomes a question mark.
+/// Converts `text` to ASCII for a message: every other character becomes a question mark.
 OPC_CORE_EXPORT std::string toASCIIString(const std::u16string& text);
 
-/// `text` for a message in the encoding that people read here, UTF-8.
+/// Converts `text` to the encoding of text for people, which is UTF-8.
 OPC_CORE_EXPORT std::string toUDEString(const std::u16string& text);
 
 OPC_CORE_EXPORT std::u16string toString(const std::wstring& text);
@@ -32,15 +31,15 @@ OPC_CORE_EXPORT std::u16string toString(const std::wstring& text);
 /// @param text    UTF-8 if `isUTF8`, otherwise Latin-1
 OPC_CORE_EXPORT std::u16string toString(const std::string& text, bool isUTF8);
 
-/// A character beyond U+FFFF becomes one wide character.
+/// Each character becomes one wide character, also those beyond U+FFFF.
 OPC_CORE_EXPORT std::wstring toWideString(const std::u16string& text);
 
 namespace detail {
 
-/// @param replaceMalformed  whether a lone surrogate becomes U+FFFD; otherwise it is left out
+/// @param replaceMalformed  true to replace lone surrogates by U+FFFD, false to drop them
 OPC_CORE_EXPORT std::string toUTF8String(const std::u16string& text, bool replaceMalformed);
 
-/// The text behind the last dot of the last segment of `path`, without the dot; empty if there is no dot.
+/// The text after the last dot of the last segment of `path`, without the dot; empty if there is no dot.
 OPC_CORE_EXPORT std::u16string getExtension(std::u16string_view path);
 
 } // namespace detail

@@ -8,14 +8,14 @@
 
 namespace opc {
 
-/// `time`, which is UTC, as `YYYY-MM-DDThh:mm:ssZ`: what is finer than a second is cut off.
-/// A time that isn't a time (not-a-date-time, the infinities) gives the empty text.
+/// Formats a time in UTC as `YYYY-MM-DDThh:mm:ssZ`, without fractions of a second. A special value (not-a-date-time, an
+/// infinity) gives the empty text.
 OPC_CORE_EXPORT std::u16string convertTimeToString(const boost::posix_time::ptime& time);
 
-/// Reads every form of W3CDTF: a year, a year and month, a date, or a date and a time to the minute, the
-/// second or any fraction of it; the time with Z or an offset, or with none, which counts as UTC.
-/// @return the time in UTC, to the microsecond. Not-a-date-time for any other text, for fields out of
-///         their range, and for times before the year 1400 or after 9999. Raises nothing.
+/// Reads every form of W3CDTF: a year, a month, a date, or a date with a time to the minute, the second or a fraction of
+/// it. The time can have Z or an offset; without them it is UTC. Throws nothing.
+/// @return the time in UTC, to the microsecond. Not-a-date-time for every other text, for fields out of range, and for
+///         times before the year 1400 or after 9999
 OPC_CORE_EXPORT boost::posix_time::ptime convertStringToTime(const std::u16string& text);
 
 } // namespace opc

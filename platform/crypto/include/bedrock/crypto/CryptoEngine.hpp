@@ -7,19 +7,19 @@
 
 namespace bedrock::crypto {
 
-/// Makes digest engines, RSA keys, signers and verifiers, by name.
+/// Makes digest engines, RSA keys, signers and verifiers.
 ///
-/// A handle on a provider that it shares; any number of threads may use one. What it makes lives on its own.
-/// Keys, signers and verifiers exist for 1024, 2048 and 4096 bits, and each operation takes its own size
-/// alone: bytes of a key of another size, or of no key, raise `utils::InvalidKey`.
+/// It shares its provider; any number of threads can use it. The objects that it makes are independent of it. Keys, signers
+/// and verifiers have 1024, 2048 or 4096 bits. Each operation accepts only its own size: for bytes that aren't a key of this
+/// size it throws `utils::InvalidKey`.
 class BEDROCK_CRYPTO_EXPORT CryptoEngine {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// @throws utils::Exception  if `provider` is null
+    /// @throws utils::Exception  `provider` is null
     explicit CryptoEngine(std::shared_ptr<interfaces::ICryptoProvider> provider);
 
-    /// @throws utils::CouldNotComputeDigest  if the algorithm isn't there
+    /// @throws utils::CouldNotComputeDigest  the algorithm isn't available
     /// @{
     std::shared_ptr<DigestEngine> createMD5DigestEngine() const;
     std::shared_ptr<DigestEngine> createSHA1DigestEngine() const;
@@ -37,7 +37,7 @@ public:
     std::shared_ptr<RSAPrivateKey> createRSA4096PrivateKey(const Bytes& encoded) const;
     /// @}
 
-    /// A private key from big-endian numbers; its primes are recovered.
+    /// A private key from big-endian numbers; its primes are computed.
     /// @throws utils::InvalidKey
     /// @{
     std::shared_ptr<RSAPrivateKey> createRSA1024PrivateKey(const Bytes& modulus, const Bytes& privateExponent,
@@ -59,10 +59,10 @@ public:
     std::shared_ptr<RSAPublicKey> createRSA4096PublicKey(const Bytes& modulus, const Bytes& exponent) const;
     /// @}
 
-    /// A signer or verifier with a key that this engine's provider made.
+    /// A signer or verifier with a key of the same provider.
     /// @param padding    `getDefaultRSAPaddingModeSigning()`
     /// @param generator  `getDefaultCryptoPRNG()`
-    /// @throws utils::InvalidKey  if the key is null or of another size
+    /// @throws utils::InvalidKey  the key is null or has another size
     /// @{
     std::shared_ptr<RSASigner> createRSA1024Signer(const std::shared_ptr<RSAPrivateKey>& key,
                                                    RSAPaddingMode padding,

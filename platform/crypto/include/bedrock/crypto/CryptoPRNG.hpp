@@ -7,12 +7,12 @@
 
 namespace bedrock::crypto {
 
-/// A generator of random bytes that are fit for keys. Any number of threads may use one.
+/// A generator of random bytes that are good enough for keys. Any number of threads can use it.
 class BEDROCK_CRYPTO_EXPORT CryptoPRNG {
 public:
     virtual ~CryptoPRNG();
 
-    /// @throws utils::Exception  if the system gives no randomness
+    /// @throws utils::Exception  the system gives no random bytes
     virtual std::vector<unsigned char> generate(std::size_t count) = 0;
 
 protected:

@@ -9,9 +9,9 @@ namespace bedrock::crypto {
 
 enum class DigestAlgorithm { MD5, SHA1, SHA224, SHA256, SHA384, SHA512 };
 
-/// Computes digests of one algorithm, one after another: each call starts anew.
+/// Computes digests with one algorithm. Each call computes a new digest.
 ///
-/// An engine serves one thread at a time. It isn't tied to the `CryptoEngine` that made it.
+/// Use an engine from one thread at a time. It doesn't depend on the `CryptoEngine` that made it.
 class BEDROCK_CRYPTO_EXPORT DigestEngine {
 public:
     virtual ~DigestEngine();
@@ -21,9 +21,9 @@ public:
     /// @throws utils::CouldNotComputeDigest
     virtual std::vector<unsigned char> computeDigest(const std::vector<unsigned char>& bytes) = 0;
 
-    /// The digest of everything from the stream's position to its end, read block by block through its
-    /// buffer. The stream is left with `eofbit`. What the buffer throws passes unchanged.
-    /// @throws utils::CouldNotComputeDigest  also if the stream has failed already
+    /// Digests the stream from its position to its end, block by block through its buffer. After that the stream has
+    /// `eofbit`. Exceptions of the buffer pass unchanged.
+    /// @throws utils::CouldNotComputeDigest  the digest can't be computed, or the stream has failed already
     virtual std::vector<unsigned char> computeDigest(std::istream& stream) = 0;
 
 protected:

@@ -2,7 +2,7 @@
 
 namespace bedrock::crypto {
 
-/// How a digest fills a signature value of RSA.
+/// How a digest is padded to a signature value of RSA.
 enum class RSAPaddingMode {
     PKCS1v15, ///< EMSA-PKCS1-v1_5 of RFC 8017 section 9.2
 };

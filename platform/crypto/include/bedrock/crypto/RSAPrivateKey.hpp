@@ -7,8 +7,8 @@
 
 namespace bedrock::crypto {
 
-/// An RSA private key. It doesn't change once made, so any number of threads may use it; its secret numbers
-/// are overwritten when it goes.
+/// An RSA private key. It never changes, so any number of threads can use it. Its secret numbers are overwritten when it is
+/// destroyed.
 class BEDROCK_CRYPTO_EXPORT RSAPrivateKey {
 public:
     virtual ~RSAPrivateKey();
@@ -16,8 +16,8 @@ public:
     /// The size of the modulus in bits, counted in whole bytes.
     virtual std::size_t getKeySize() const = 0;
 
-    /// The encoded form, a PKCS#8 structure in DER: between N / 2 and N bytes for a key of N bits. The caller
-    /// owns this copy of the secret and overwrites it in time.
+    /// The encoded form, a PKCS#8 structure in DER: between N / 2 and N bytes for a key of N bits. The caller owns this copy
+    /// of the secret: overwrite it after use.
     virtual std::vector<unsigned char> getAsByteArray() const = 0;
 
 protected:

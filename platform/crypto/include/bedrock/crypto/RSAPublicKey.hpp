@@ -7,7 +7,7 @@
 
 namespace bedrock::crypto {
 
-/// An RSA public key. It doesn't change once made, so any number of threads may use it.
+/// An RSA public key. It never changes, so any number of threads can use it.
 class BEDROCK_CRYPTO_EXPORT RSAPublicKey {
 public:
     virtual ~RSAPublicKey();

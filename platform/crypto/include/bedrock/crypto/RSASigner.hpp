@@ -9,16 +9,16 @@ namespace bedrock::crypto {
 
 class DigestEngine;
 
-/// Signs with one private key, which it shares. It serves one thread at a time.
+/// Signs with one private key, which it shares. Use it from one thread at a time.
 class BEDROCK_CRYPTO_EXPORT RSASigner {
 public:
     virtual ~RSASigner();
 
-    /// @param bytes   what is signed: the signer has it digested
-    /// @param engine  computes the digest, and thereby chooses its algorithm
-    /// @return the signature value, as long as the modulus; it has been checked by the key's public half
-    /// @throws utils::CouldNotComputeDigest  also if there is no engine
-    /// @throws utils::Exception  if the key can't sign, or what it signs doesn't hold
+    /// @param bytes   the bytes to sign, not their digest
+    /// @param engine  computes the digest, and so decides the algorithm
+    /// @return the signature value, with the length of the modulus; it was checked with the public half of the key
+    /// @throws utils::CouldNotComputeDigest  the digest can't be computed, or `engine` is null
+    /// @throws utils::Exception  the key can't sign, or its signature value is wrong
     virtual std::vector<unsigned char> sign(const std::vector<unsigned char>& bytes,
                                             const std::shared_ptr<DigestEngine>& engine) = 0;
 

@@ -10,15 +10,15 @@ namespace bedrock::crypto {
 
 class DigestEngine;
 
-/// Checks signature values with one public key, which it shares. It serves one thread at a time.
+/// Checks signature values with one public key, which it shares. Use it from one thread at a time.
 class BEDROCK_CRYPTO_EXPORT RSAVerifier {
 public:
     virtual ~RSAVerifier();
 
-    /// @param bytes           what was signed: the verifier has it digested
-    /// @param signatureValue  any bytes; what can't be a signature value is a status, no failure
-    /// @param engine          computes the digest, and thereby chooses its algorithm
-    /// @throws utils::CouldNotComputeDigest  also if there is no engine
+    /// @param bytes           the bytes that were signed, not their digest
+    /// @param signatureValue  any bytes; if they can't be a signature value, the status says so
+    /// @param engine          computes the digest, and so decides the algorithm
+    /// @throws utils::CouldNotComputeDigest  the digest can't be computed, or `engine` is null
     virtual utils::SignatureVerificationStatus verify(const std::vector<unsigned char>& bytes,
                                                       const std::vector<unsigned char>& signatureValue,
                                                       const std::shared_ptr<DigestEngine>& engine) = 0;

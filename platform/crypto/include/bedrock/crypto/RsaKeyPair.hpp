@@ -7,8 +7,8 @@
 
 namespace bedrock::crypto {
 
-/// Both halves of an RSA key in their encoded forms (see `RSAPrivateKey` and `RSAPublicKey`). The private
-/// bytes are overwritten when the pair goes; it is moved, not copied.
+/// Both halves of an RSA key in their encoded forms (see `RSAPrivateKey` and `RSAPublicKey`). It can be moved but not
+/// copied, and the private bytes are overwritten when it is destroyed.
 class BEDROCK_CRYPTO_EXPORT RsaKeyPair {
 public:
     RsaKeyPair(std::vector<unsigned char> privateKeyBytes,
@@ -25,10 +25,10 @@ private:
     std::vector<unsigned char> publicKey;
 };
 
-/// A new key with the public exponent 65537.
+/// Makes a new key with the public exponent 65537.
 /// @param bits  1024, 2048 or 4096
-/// @throws utils::InvalidKey  for another size
-/// @throws utils::Exception   if the key can't be made
+/// @throws utils::InvalidKey  `bits` is another size
+/// @throws utils::Exception   the key can't be made
 BEDROCK_CRYPTO_EXPORT RsaKeyPair generateRsaKeyPair(std::size_t bits);
 
 } // namespace bedrock::crypto

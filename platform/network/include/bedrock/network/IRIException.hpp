@@ -6,7 +6,7 @@
 
 namespace bedrock::network {
 
-/// A text is no reference by the grammar that `IRI` reads.
+/// A text isn't a reference by the grammar of `IRI`.
 class BEDROCK_NETWORK_EXPORT IRIException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

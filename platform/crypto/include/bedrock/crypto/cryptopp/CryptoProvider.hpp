@@ -4,12 +4,12 @@
 
 namespace bedrock::crypto::cryptopp {
 
-/// The provider of the algorithms here, on OpenSSL. It has no state.
+/// The provider of all algorithms, on OpenSSL. It has no state.
 ///
 /// Private keys are read from PKCS#8 or PKCS#1, public keys from SubjectPublicKeyInfo or PKCS#1, each in DER
-/// or PEM without a password. Public exponents are odd, from 3 up, and have at most 64 bits. Signing with
-/// `RSAPaddingMode::PKCS1v15` draws no random bytes from the generator given to a signer; OpenSSL blinds the
-/// private operation with its own.
+/// or PEM without a password. Public exponents must be odd, at least 3, and have at most 64 bits. Signing with
+/// `RSAPaddingMode::PKCS1v15` doesn't use the generator of the signer; OpenSSL blinds the private operation with its own
+/// random numbers.
 class BEDROCK_CRYPTO_EXPORT CryptoProvider : public interfaces::ICryptoProvider {
 public:
     CryptoProvider() = default;

@@ -14,21 +14,21 @@
 
 namespace bedrock::crypto::interfaces {
 
-/// What carries out the algorithms behind a `CryptoEngine`. Key sizes are in bits.
+/// Implements the algorithms of a `CryptoEngine`. Key sizes are in bits.
 ///
-/// Signers and verifiers take keys of the same provider only. Any number of threads may use one provider.
+/// Signers and verifiers accept only keys of the same provider. Any number of threads can use a provider.
 class BEDROCK_CRYPTO_EXPORT ICryptoProvider {
 public:
     using Bytes = std::vector<unsigned char>;
 
     virtual ~ICryptoProvider();
 
-    /// @throws utils::CouldNotComputeDigest  if the algorithm isn't there
+    /// @throws utils::CouldNotComputeDigest  the algorithm isn't available
     virtual std::shared_ptr<DigestEngine> createDigestEngine(DigestAlgorithm algorithm) = 0;
 
     /// @throws utils::InvalidKey
     virtual std::shared_ptr<RSAPrivateKey> createRSAPrivateKey(std::size_t bits, const Bytes& encoded) = 0;
-    /// Numbers are big-endian; leading zeros don't count. The primes are recovered from the three numbers.
+    /// Numbers are big-endian; leading zeros are ignored. The primes are computed from the three numbers.
     /// @throws utils::InvalidKey
     virtual std::shared_ptr<RSAPrivateKey> createRSAPrivateKey(std::size_t bits, const Bytes& modulus,
                                                                const Bytes& privateExponent,
@@ -36,18 +36,18 @@ public:
 
     /// @throws utils::InvalidKey
     virtual std::shared_ptr<RSAPublicKey> createRSAPublicKey(std::size_t bits, const Bytes& encoded) = 0;
-    /// Numbers are big-endian; leading zeros don't count.
+    /// Numbers are big-endian; leading zeros are ignored.
     /// @throws utils::InvalidKey
     virtual std::shared_ptr<RSAPublicKey> createRSAPublicKey(std::size_t bits, const Bytes& modulus,
                                                              const Bytes& exponent) = 0;
 
-    /// @throws utils::InvalidKey  if the key is missing, of another size or of another provider
+    /// @throws utils::InvalidKey  the key is null, has another size, or comes from another provider
     virtual std::shared_ptr<RSASigner> createRSASigner(std::size_t bits,
                                                        const std::shared_ptr<RSAPrivateKey>& key,
                                                        RSAPaddingMode padding,
                                                        const std::shared_ptr<CryptoPRNG>& generator) = 0;
 
-    /// @throws utils::InvalidKey  if the key is missing, of another size or of another provider
+    /// @throws utils::InvalidKey  the key is null, has another size, or comes from another provider
     virtual std::shared_ptr<RSAVerifier> createRSAVerifier(std::size_t bits,
                                                            const std::shared_ptr<RSAPublicKey>& key,
                                                            RSAPaddingMode padding,

@@ -6,7 +6,7 @@
 
 namespace bedrock::crypto::utils {
 
-/// Overwrites bytes that were secret, in a way that no compiler leaves out. Their number stays.
+/// Overwrites secret bytes, in a way that compilers don't optimise away. The size of the vector stays.
 BEDROCK_CRYPTO_EXPORT void cleanse(std::vector<unsigned char>& bytes) noexcept;
 
 } // namespace bedrock::crypto::utils

@@ -7,8 +7,8 @@
 
 namespace bedrock::crypto::utils {
 
-/// The base of every failure of the cryptographic services. `what()` says what failed and, in parentheses,
-/// what OpenSSL told about it.
+/// The base of the exceptions of the cryptographic services. `what()` says what failed and, in parentheses, the message of
+/// OpenSSL.
 class BEDROCK_CRYPTO_EXPORT Exception : public std::runtime_error {
 public:
     explicit Exception(const std::string& message) : std::runtime_error(message) {}
@@ -17,7 +17,7 @@ public:
     ~Exception() override;
 };
 
-/// Bytes, or numbers, that make no key of the kind and size asked for.
+/// Bytes or numbers aren't a key of the requested kind and size.
 class BEDROCK_CRYPTO_EXPORT InvalidKey : public Exception {
 public:
     explicit InvalidKey(const std::string& message) : Exception(message) {}
@@ -26,8 +26,8 @@ public:
     ~InvalidKey() override;
 };
 
-/// An RSA key that nothing can be done with, whatever size is asked for: it is encrypted or kept to RSA-PSS, or
-/// its numbers are out of bounds or don't belong together.
+/// An RSA key can't be used with any size: it is encrypted or limited to RSA-PSS, or its numbers are out of bounds or
+/// don't belong together.
 class BEDROCK_CRYPTO_EXPORT UnusableKey : public InvalidKey {
 public:
     explicit UnusableKey(const std::string& message) : InvalidKey(message) {}
@@ -36,7 +36,7 @@ public:
     ~UnusableKey() override;
 };
 
-/// A digest can't be computed: its algorithm isn't there, or its input can't be read.
+/// A digest can't be computed: its algorithm isn't available, or its input can't be read.
 class BEDROCK_CRYPTO_EXPORT CouldNotComputeDigest : public Exception {
 public:
     explicit CouldNotComputeDigest(const std::string& message) : Exception(message) {}
