@@ -2,6 +2,7 @@
 
 #include "RsaNumbers.hpp"
 #include "RsaPrimes.hpp"
+#include "RsaPublicKeyScanner.hpp"
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
@@ -93,6 +94,16 @@ PkeyPtr readKey(const Bytes& encoded, PkeyPtr (*read)(const unsigned char*, std:
     if (!key || !EVP_PKEY_is_a(key.get(), "RSA"))
         openssl::fail<InvalidKey>(failure);
     return key;
+}
+
+/// The numbers of a public key in any form.
+RsaPublicNumbers decodePublicNumbers(const Bytes& encoded) {
+    const PkeyPtr key = readKey(encoded, readPublic, "public");
+    RsaPublicNumbers numbers{openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_N),
+                             openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_E)};
+    if (!numbers.modulus || !numbers.exponent)
+        openssl::fail<InvalidKey>("The bytes are no RSA public key.");
+    return numbers;
 }
 
 /// Without leading zeros, which some writers put before a number whose first bit is set.
@@ -196,14 +207,12 @@ PkeyPtr composePrivateKey(std::size_t bits, const Bytes& modulus, const Bytes& p
 }
 
 PkeyPtr decodePublicKey(std::size_t bits, const Bytes& encoded) {
-    const PkeyPtr key = readKey(encoded, readPublic, "public");
-    const BnPtr modulus = openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_N);
-    const BnPtr exponent = openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_E);
-    if (!modulus || !exponent)
-        openssl::fail<InvalidKey>("The bytes are no RSA public key.");
-    checkPublicNumbers(bits, *modulus, *exponent);
+    auto numbers = scanRsaPublicKey(encoded);
+    if (!numbers)
+        numbers = decodePublicNumbers(encoded);
+    checkPublicNumbers(bits, *numbers->modulus, *numbers->exponent);
     // Whatever form it was read from, it is encoded in one.
-    return buildPublicKey(*modulus, *exponent);
+    return buildPublicKey(*numbers->modulus, *numbers->exponent);
 }
 
 PkeyPtr composePublicKey(std::size_t bits, const Bytes& modulus, const Bytes& exponent) {

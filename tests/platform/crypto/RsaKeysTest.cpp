@@ -3,6 +3,7 @@
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
 #include <openssl/bn.h>
+#include <openssl/pem.h>
 
 #include <chrono>
 
@@ -186,6 +187,42 @@ TEST(RsaKeys, damagedKeysAreRefusedOrSignRightly) {
             EXPECT_EQ(sign(damaged), value) << position;
         }
         EXPECT_GT(refused, good.size() - 20) << "no number depends on a few bytes";
+    }
+}
+
+/// What is read from a public key of 1024 bits, or why it isn't.
+std::string outcomeOf(const Bytes& encoded) {
+    try {
+        const auto key = publicKey(1024, encoded);
+        return hex(key->getModulus()) + ' ' + hex(key->getPublicExponent());
+    } catch (const InvalidKey& failure) {
+        return failure.what();
+    }
+}
+
+/// In PEM, which OpenSSL reads in every case.
+Bytes pemOf(const Bytes& der) {
+    const std::shared_ptr<BIO> stream(BIO_new(BIO_s_mem()), BIO_free);
+    PEM_write_bio(stream.get(), "PUBLIC KEY", "", der.data(), static_cast<long>(der.size()));
+    char* text = nullptr;
+    const long size = BIO_get_mem_data(stream.get(), &text);
+    return Bytes(text, text + size);
+}
+
+TEST(RsaKeys, publicKeysInDerAreReadAsOpenSslReadsThem) {
+    const Bytes good = keysOf(1024).getPublicKey();
+    for (std::size_t position = 0; position < good.size(); ++position) {
+        using Byte = Bytes::value_type;
+        const auto at = static_cast<std::ptrdiff_t>(position);
+        std::vector<Bytes> damaged(2, good);
+        damaged[0].erase(damaged[0].begin() + at);
+        damaged[1].insert(damaged[1].begin() + at, 0);
+        for (const Byte flipped : {Byte{1}, Byte{2}, Byte{3}, Byte{0x80}, Byte{0xFF}}) {
+            damaged.push_back(good);
+            damaged.back()[position] ^= flipped;
+        }
+        for (std::size_t kind = 0; kind < damaged.size(); ++kind)
+            EXPECT_EQ(outcomeOf(damaged[kind]), outcomeOf(pemOf(damaged[kind]))) << position << ' ' << kind;
     }
 }
 
