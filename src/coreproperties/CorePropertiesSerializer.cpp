@@ -7,11 +7,11 @@
 #include "coreproperties/CorePropertiesScanner.hpp"
 #include "coreproperties/CorePropertiesVocabulary.hpp"
 #include "xml/ComposeOrSerialize.hpp"
-#include "xml/DocumentPoolReset.hpp"
 #include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/ReusedParser.hpp"
 #include "xml/ScanOrParse.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
@@ -112,6 +112,16 @@ void append(DOMElement* root, const CorePropertyField& field, const CoreProperti
 }
 /// @}
 
+IdleParsers& corePropertiesParsers() {
+    static IdleParsers& parsers = *new IdleParsers([] {
+        auto created = XercesHelper::createParser();
+        loadGrammars(created.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
+                                     &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
+        return created;
+    });
+    return parsers;
+}
+
 /// Arithmetic leads a ptime out of the years that it can say.
 void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
     for (const CorePropertyField& field : CorePropertyField::all()) {
@@ -129,13 +139,8 @@ void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
 
 /// Of Xerces, with the schemas.
 struct CorePropertiesSerializer::Parser {
-    Parser() {
-        loadGrammars(loaded.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
-                                    &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
-    }
-
     XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> loaded = XercesHelper::createParser();
+    ReusedParser reused{corePropertiesParsers()};
 };
 
 CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage)
@@ -173,18 +178,20 @@ void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& propert
 void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties, DocumentShare& share) {
     if (!parser)
         parser = std::make_unique<Parser>();
-    xercesc::DOMLSParser* const with = parser->loaded.get();
-    const DocumentPoolReset reset(with);
-    const ElementMeter meter(with, share);
-    const DOMElement* const root =
-        XercesHelper::readDocumentFromStream(with, stream, true, {}, {})->getDocumentElement();
-    properties.clear();
-    throwIfCorePropertiesBreakRules(root);
-    for (const CorePropertyField& field : CorePropertyField::all()) {
-        const CorePropertiesName name(field.element);
-        if (const DOMElement* const element = XercesHelper::getElementNS(root, name.namespaceURI, name.local))
-            field.visit(properties, [element](auto& value) { readValue(element, value); });
-    }
+    parser->reused.use(stream, [&](xercesc::DOMLSParser* with, InputStream& document) {
+        const ElementMeter meter(with, share);
+        const DOMElement* const root =
+            XercesHelper::readDocumentFromStream(with, document, true, {}, {})->getDocumentElement();
+        properties.clear();
+        throwIfCorePropertiesBreakRules(root);
+        for (const CorePropertyField& field : CorePropertyField::all()) {
+            const CorePropertiesName name(field.element);
+            const DOMElement* const element =
+                XercesHelper::getElementNS(root, name.namespaceURI, name.local);
+            if (element != nullptr)
+                field.visit(properties, [element](auto& value) { readValue(element, value); });
+        }
+    });
 }
 
 std::string CorePropertiesSerializer::write(const CoreProperties& properties) {

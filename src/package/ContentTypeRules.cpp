@@ -1,9 +1,9 @@
 #include <opc/model/ContentTypeRules.hpp>
 
 #include "package/ContentTypeSource.hpp"
+#include "package/ContentTypesParsers.hpp"
 #include "package/ContentTypesScanner.hpp"
 #include "xml/AttributeValues.hpp"
-#include "xml/EmbeddedSchemas.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/SchemaType.hpp"
 
@@ -15,6 +15,7 @@ namespace opc::model {
 
 namespace {
 
+constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
 constexpr char16_t CONTENT_TYPE[] =
     u"http://schemas.openxmlformats.org/package/2006/content-types,ST_ContentType";
 
@@ -57,7 +58,7 @@ std::string ContentTypeRules::findDefectOfContentType(std::u16string_view conten
     if (isPlainContentType(contentType))
         return {};
     if (!contentTypePattern)
-        contentTypePattern = std::make_unique<SchemaType>(schemas::CONTENT_TYPES, CONTENT_TYPE);
+        contentTypePattern = std::make_unique<SchemaType>(contentTypesParsers(), NAMESPACE, CONTENT_TYPE);
     const std::u16string text(contentType);
     if (!contentTypePattern->accepts(text))
         return INVALID;

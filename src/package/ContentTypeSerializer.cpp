@@ -2,13 +2,13 @@
 
 #include "package/ContentTypeMap.hpp"
 #include "package/ContentTypesComposer.hpp"
+#include "package/ContentTypesParsers.hpp"
 #include "package/ContentTypesScanner.hpp"
 #include "xml/ComposeOrSerialize.hpp"
 #include "xml/ElementVisits.hpp"
-#include "xml/EmbeddedSchemas.hpp"
-#include "xml/GrammarLoading.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/ReusedParser.hpp"
 #include "xml/ScanOrParse.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
@@ -174,22 +174,22 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, Docu
         const auto contentType = contentTypes.emplace(element.attribute(CONTENT_TYPE)).first;
         entries.push_back({std::u16string(element.attribute(key)), &*contentType, element.line()});
     };
-    {
-        const auto parser = XercesHelper::createParser();
-        loadGrammarUnchecked(parser.get(), schemas::CONTENT_TYPES);
-        const ElementVisits visits(parser.get(), [&](const VisitedElement& element) {
-            share.addElements(1);
-            if (element.isRoot())
-                unread += element.is(NAMESPACE, TYPES) ? 0 : 1;
-            else if (element.isNamed(DEFAULT))
-                keep(defaults, element, EXTENSION);
-            else if (element.isNamed(OVERRIDE))
-                keep(overrides, element, PART_NAME);
-            else
-                ++unread;
+    const auto visit = [&](const VisitedElement& element) {
+        share.addElements(1);
+        if (element.isRoot())
+            unread += element.is(NAMESPACE, TYPES) ? 0 : 1;
+        else if (element.isNamed(DEFAULT))
+            keep(defaults, element, EXTENSION);
+        else if (element.isNamed(OVERRIDE))
+            keep(overrides, element, PART_NAME);
+        else
+            ++unread;
+    };
+    ReusedParser(contentTypesParsers())
+        .use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
+            const ElementVisits visits(parser, visit);
+            XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
         });
-        XercesHelper::readDocumentFromStream(parser.get(), stream, true, {}, {});
-    }
     ContentTypeReader<char16_t> types;
     for (; !defaults.empty(); defaults.pop_front()) {
         const FoundEntry& entry = defaults.front();

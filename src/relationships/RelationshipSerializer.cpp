@@ -49,10 +49,13 @@ void throwIfIDsCollide(const RelationshipManager& manager) {
     });
 }
 
-ReusedParser::Owned createRelationshipsParser() {
-    auto parser = XercesHelper::createParser();
-    loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
-    return parser;
+IdleParsers& relationshipsParsers() {
+    static IdleParsers& parsers = *new IdleParsers([] {
+        auto parser = XercesHelper::createParser();
+        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
+        return parser;
+    });
+    return parsers;
 }
 
 /// What the parser finds in a document, until that is known to be valid.
@@ -114,7 +117,7 @@ private:
 /// What Xerces works with.
 struct RelationshipSerializer::Xml {
     XercesGuard guard;
-    ReusedParser parser{createRelationshipsParser};
+    ReusedParser parser{relationshipsParsers()};
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // made when a part needs it
 };
 
@@ -180,12 +183,12 @@ RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager, DocumentShare& share) {
     RelationshipBlock& memory = blockWithRoom(1);
     ParsedRelationships found(memory, *types, manager.getSourceURI());
-    xml().parser.use([&](xercesc::DOMLSParser* parser) {
+    xml().parser.use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
         const ElementVisits visits(parser, [&](const VisitedElement& element) {
             share.addElements(1);
             found.add(element);
         });
-        XercesHelper::readDocumentFromStream(parser, stream, true, {}, {});
+        XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
     });
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &found.makeGroup()));
     found.throwIfOneIsBad();

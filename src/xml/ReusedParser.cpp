@@ -6,9 +6,10 @@
 
 namespace opc::model {
 
-bool ReusedParser::isWorn(xercesc::DOMLSParser& parser) {
+bool ReusedParser::isWorn(xercesc::DOMLSParser& parser, std::uint64_t length) {
+    constexpr std::uint64_t LONG = 256 << 10; // it keeps the room for the longest values
     constexpr unsigned int MANY = 500; // of all namespaces so far, which stand in a table of fixed size
-    return scannerOf(parser).getURIStringPool()->getStringCount() > MANY;
+    return length > LONG || scannerOf(parser).getURIStringPool()->getStringCount() > MANY;
 }
 
 } // namespace opc::model

@@ -1,39 +1,68 @@
 #pragma once
 
 #include "xml/DocumentPoolReset.hpp"
+#include "xml/IdleParsers.hpp"
 
-#include <opc/model/XercesDeleter.hpp>
+#include <opc/core/InputStream.hpp>
 
-#include <memory>
+#include <cstdint>
 #include <utility>
 
 namespace opc::model {
 
-/// A parser that reads many documents, one after the other. It is made when the first one comes, and made anew
-/// when it has failed, which it may not survive, or when it keeps much of what it has read.
+/// A parser that reads many documents, one after the other. It is taken from the idle ones when the first document
+/// comes, and given back in the end. It is dropped when it has failed, which it may not survive, or when it keeps much
+/// of what it has read.
+///
+/// The owner holds a `XercesGuard` that outlives it.
 class ReusedParser {
 public:
-    using Owned = std::unique_ptr<xercesc::DOMLSParser, XercesDeleter>;
+    /// @param itsKind  must outlive this object
+    explicit ReusedParser(IdleParsers& itsKind) : kind(itsKind) {}
+    ReusedParser(const ReusedParser&) = delete;
+    ReusedParser& operator=(const ReusedParser&) = delete;
+    ~ReusedParser() { kind.giveBack(std::move(kept)); }
 
-    explicit ReusedParser(Owned (*maker)()) : make(maker) {}
-
-    /// Calls `operation` with the parser; the documents that it reads go when it ends.
+    /// Calls `operation` with the parser and with the stream that it is to read in place of `stream`. The documents
+    /// that it reads go when it ends.
     template <typename Operation>
-    void use(Operation&& operation) {
-        Owned parser = kept ? std::move(kept) : make();
+    void use(InputStream& stream, Operation&& operation) {
+        IdleParsers::Owned parser = kept ? std::move(kept) : kind.take();
+        CountedStream counted(stream);
         {
             const DocumentPoolReset reset(parser.get());
-            std::forward<Operation>(operation)(parser.get());
+            std::forward<Operation>(operation)(parser.get(), counted);
         }
-        if (!isWorn(*parser))
+        if (!isWorn(*parser, counted.count()))
             kept = std::move(parser);
     }
 
 private:
-    static bool isWorn(xercesc::DOMLSParser& parser);
+    class CountedStream : public InputStream {
+    public:
+        explicit CountedStream(InputStream& source) : stream(source) {}
 
-    Owned (*make)();
-    Owned kept;
+        void open() override { stream.open(); }
+        std::uint64_t read(unsigned char* buffer, std::uint64_t most) override {
+            const std::uint64_t got = stream.read(buffer, most);
+            bytes += got;
+            return got;
+        }
+        bool isDone() const override { return stream.isDone(); }
+        void close() override { stream.close(); }
+
+        std::uint64_t count() const { return bytes; }
+
+    private:
+        InputStream& stream;
+        std::uint64_t bytes = 0;
+    };
+
+    /// @param length  of what it has read, in bytes
+    static bool isWorn(xercesc::DOMLSParser& parser, std::uint64_t length);
+
+    IdleParsers& kind;
+    IdleParsers::Owned kept;
 };
 
 } // namespace opc::model

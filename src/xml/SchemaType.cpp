@@ -1,22 +1,23 @@
 #include "xml/SchemaType.hpp"
 
-#include "xml/GrammarLoading.hpp"
 #include "xml/XercesFailures.hpp"
-
-#include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOMLSParser.hpp>
 #include <xercesc/validators/schema/SchemaGrammar.hpp>
 
+#include <utility>
+
 namespace opc::model {
 
-SchemaType::SchemaType(const EmbeddedSchema& schema, const char16_t* name)
-    : parser(XercesHelper::createParser()) {
-    auto* const grammar = static_cast<xercesc::SchemaGrammar*>(loadGrammarUnchecked(parser.get(), schema));
+SchemaType::SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* name)
+    : kind(parsers), parser(kind.take()) {
+    auto* const grammar = static_cast<xercesc::SchemaGrammar*>(parser->getGrammar(namespaceURI));
     validator = grammar->getDatatypeRegistry()->getDatatypeValidator(name);
 }
 
-SchemaType::~SchemaType() = default;
+SchemaType::~SchemaType() {
+    kind.giveBack(std::move(parser));
+}
 
 bool SchemaType::accepts(const std::u16string& value) const {
     try {

@@ -1,17 +1,14 @@
 #pragma once
 
-#include "xml/EmbeddedSchemas.hpp"
+#include "xml/IdleParsers.hpp"
 
-#include <opc/model/XercesDeleter.hpp>
 #include <opc/model/XercesGuard.hpp>
 
 #include <xercesc/util/XercesDefs.hpp>
 
-#include <memory>
 #include <string>
 
 XERCES_CPP_NAMESPACE_BEGIN
-class DOMLSParser;
 class DatatypeValidator;
 XERCES_CPP_NAMESPACE_END
 
@@ -20,9 +17,10 @@ namespace opc::model {
 /// A simple type of a schema, which single values are put to: the check that validation makes.
 class SchemaType {
 public:
-    /// @param schema  one that imports nothing
-    /// @param name    of the type: its namespace, a comma and its local name
-    SchemaType(const EmbeddedSchema& schema, const char16_t* name);
+    /// @param parsers       with the schema; must outlive this object
+    /// @param namespaceURI  of the schema
+    /// @param name          of the type: its namespace, a comma and its local name
+    SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* name);
     SchemaType(const SchemaType&) = delete;
     SchemaType& operator=(const SchemaType&) = delete;
     ~SchemaType();
@@ -31,7 +29,8 @@ public:
 
 private:
     const XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, XercesDeleter> parser; // has the grammar, which has the type
+    IdleParsers& kind;
+    IdleParsers::Owned parser; // has the grammar, which has the type
     xercesc::DatatypeValidator* validator;
 };
 

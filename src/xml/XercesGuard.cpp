@@ -1,10 +1,13 @@
 #include <opc/model/XercesGuard.hpp>
 
 #include "xml/XercesFailures.hpp"
+#include "xml/XercesLife.hpp"
 
 #include <boost/thread/mutex.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
+
+#include <atomic>
 
 namespace opc::model {
 
@@ -17,6 +20,8 @@ boost::mutex& platformMutex() {
     return mutex;
 }
 
+std::atomic<bool> staysUp{false};
+
 void initialize() {
     xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
 }
@@ -26,10 +31,16 @@ void initialize() {
 XercesGuard::XercesGuard() {
     const boost::unique_lock<boost::mutex> lock(platformMutex());
     translateLackOfMemory([] {
-        if (!xercesc::XMLPlatformUtils::fgMemoryManager)
+        if (!xercesc::XMLPlatformUtils::fgMemoryManager) {
             initialize(); // never terminated: it takes longer than reading most packages
+            staysUp = true;
+        }
         initialize();
     });
+}
+
+bool xercesStaysUp() noexcept {
+    return staysUp;
 }
 
 XercesGuard::~XercesGuard() { // NOLINT(bugprone-exception-escape): see the header

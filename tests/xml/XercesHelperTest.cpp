@@ -1,6 +1,8 @@
 #include "support/Texts.hpp"
 #include "support/Throws.hpp"
+#include "xml/ReusedParser.hpp"
 
+#include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XercesErrorHandler.hpp>
 #include <opc/model/XercesGuard.hpp>
@@ -24,15 +26,47 @@ bool isXercesUp() {
     return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
 }
 
+int madeParsers = 0;
+
+/// Of a kind that counts how many have been made.
+IdleParsers& countedParsers() {
+    static IdleParsers& parsers = *new IdleParsers([] {
+        ++madeParsers;
+        return XercesHelper::createParser();
+    });
+    return parsers;
+}
+
+/// How many parsers it takes to read a document twice, as two packages do.
+int countParsersFor(const std::string& document) {
+    countedParsers().take(); // an idle one
+    madeParsers = 0;
+    for (int i = 0; i < 2; ++i) {
+        const XercesGuard guard;
+        ReusedParser reused(countedParsers());
+        const std::vector<unsigned char> bytes(document.begin(), document.end());
+        opc::ByteArrayInAdaptor stream(bytes);
+        try {
+            reused.use(stream, [](xercesc::DOMLSParser* parser, opc::InputStream& source) {
+                XercesHelper::readDocumentFromStream(parser, source, false, {}, {});
+            });
+        } catch (const InvalidXMLDocument&) {
+            // It isn't kept.
+        }
+    }
+    return madeParsers;
+}
+
 /// Guards before, between and behind the application's own calls, in a process in which Xerces hasn't been up.
 int countFaultsOfGuards() {
     xercesc::XMLPlatformUtils::Initialize();
     auto first = std::make_unique<XercesGuard>();
     auto second = std::make_unique<XercesGuard>(*first);
+    int faults = countParsersFor("<a/>") == 2 ? 0 : 1; // none may outlive this
     *second = *first;
     xercesc::XMLPlatformUtils::Terminate();
     first.reset();
-    int faults = isXercesUp() ? 0 : 1;
+    faults += isXercesUp() ? 0 : 1;
     second.reset();
     faults += isXercesUp() ? 1 : 0; // the application has torn it down
     XercesGuard();
@@ -46,6 +80,17 @@ int countFaultsOfGuards() {
 TEST(XercesGuardDeathTest, keepsXercesUpUnlessTheApplicationHasInitialisedIt) {
     EXPECT_FALSE(isXercesUp());
     EXPECT_EXIT(std::exit(countFaultsOfGuards()), testing::ExitedWithCode(0), "");
+}
+
+TEST(ReusedParser, servesTheNextPackageUnlessItKeepsMuchOrHasFailed) {
+    const XercesGuard guard;
+    std::string namespaces = "<a";
+    for (int i = 0; i < 600; ++i)
+        namespaces += " xmlns:p" + std::to_string(i) + "='urn:" + std::to_string(i) + "'";
+    EXPECT_EQ(countParsersFor("<a/>"), 1);
+    EXPECT_EQ(countParsersFor("<a b='" + std::string(300000, 'x') + "'/>"), 2);
+    EXPECT_EQ(countParsersFor(namespaces + "/>"), 2);
+    EXPECT_EQ(countParsersFor("<a>"), 2);
 }
 
 TEST(XercesString, holdsTheTextUpToItsFirstZero) {

@@ -29,14 +29,17 @@ namespace opc::model {
 
 namespace {
 
-ReusedParser::Owned createSignatureParser() {
-    auto parser = XercesHelper::createParser();
-    translateXercesFailures([&parser] {
-        parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
-        parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesSchemaFullChecking, true);
+IdleParsers& signatureParsers() {
+    static IdleParsers& parsers = *new IdleParsers([] {
+        auto parser = XercesHelper::createParser();
+        translateXercesFailures([&parser] {
+            parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesUseCachedGrammarInParse, true);
+            parser->getDomConfig()->setParameter(xercesc::XMLUni::fgXercesSchemaFullChecking, true);
+        });
+        loadGrammars(parser.get(), {&schemas::PACKAGE_SIGNATURE, &schemas::XML_SIGNATURE});
+        return parser;
     });
-    loadGrammars(parser.get(), {&schemas::PACKAGE_SIGNATURE, &schemas::XML_SIGNATURE});
-    return parser;
+    return parsers;
 }
 
 /// A document beyond this size goes to the parser at once, without being held whole.
@@ -79,7 +82,7 @@ SignatureParams settleParameters(const SignatureRecord& data) {
 
 } // namespace
 
-DigitalSignatureSerializer::Xerces::Xerces() : parser(createSignatureParser) {
+DigitalSignatureSerializer::Xerces::Xerces() : parser(signatureParsers()) {
 }
 
 DigitalSignatureSerializer::DigitalSignatureSerializer() = default;
@@ -128,14 +131,14 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, Signatur
 }
 
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, SignatureRecord& data) {
-    wakeXerces().parser.use([&](xercesc::DOMLSParser* parser) {
+    wakeXerces().parser.use(stream, [&](xercesc::DOMLSParser* parser, InputStream& document) {
         std::optional<ElementMeter> meter;
         std::optional<MeteredStream> counted; // again, for the tree
         if (data.m_share) {
             meter.emplace(parser, *data.m_share, cost::NODE, cost::NODE);
-            counted.emplace(stream, *data.m_share, cost::BYTES_PER_ELEMENT);
+            counted.emplace(document, *data.m_share, cost::BYTES_PER_ELEMENT);
         }
-        InputStream& source = counted ? *counted : stream;
+        InputStream& source = counted ? *counted : document;
         translateDocumentFailures([&] {
             const ElementIndex index(
                 XercesHelper::readDocumentFromStream(parser, source, true, {}, {})->getDocumentElement());
