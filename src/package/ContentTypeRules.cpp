@@ -11,6 +11,8 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/PartName.hpp>
 
+#include <algorithm>
+
 namespace opc::model {
 
 namespace {
@@ -18,6 +20,43 @@ namespace {
 constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
 constexpr char16_t CONTENT_TYPE[] =
     u"http://schemas.openxmlformats.org/package/2006/content-types,ST_ContentType";
+
+bool isLetterOrDigit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+/// Whether a text is a part name of a usual form, in which no rule but those for slashes and dots can be broken.
+bool isUsualPartName(std::string_view text) {
+    char before = 0;
+    for (const char c : text) {
+        if (c == '/' ? before == '/' || before == '.' : before == 0)
+            return false;
+        if (!isLetterOrDigit(c) && std::string_view("/.-_").find(c) == std::string_view::npos)
+            return false;
+        before = c;
+    }
+    return before != 0 && before != '/' && before != '.';
+}
+
+/// @param partName  of a plain document
+bool isReadAsItIs(std::string_view partName) {
+    return isUsualPartName(partName) ||
+           (partName.front() == '/' &&
+            ContentTypeRules::findDefectOfPartName(std::u16string(partName.begin(), partName.end())).empty());
+}
+
+std::string toLowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return lower;
+}
+
+/// @return whether all differ
+bool sortUnlessOneRepeats(std::vector<std::string>& keys) {
+    std::sort(keys.begin(), keys.end());
+    return std::adjacent_find(keys.begin(), keys.end()) == keys.end();
+}
 
 } // namespace
 
@@ -68,6 +107,25 @@ std::string ContentTypeRules::findDefectOfContentType(std::u16string_view conten
     } catch (const InvalidContentType&) {
         return INVALID;
     }
+}
+
+std::optional<ContentTypeRules::PlainEntries> ContentTypeRules::readPlain(std::string_view document) {
+    ScannedContentTypes scanned;
+    if (!scanContentTypes(document, scanned))
+        return std::nullopt;
+    PlainEntries entries;
+    entries.extensions.reserve(scanned.defaults.size());
+    for (const ScannedContentType& entry : scanned.defaults)
+        entries.extensions.push_back(toLowerCase(entry.key));
+    entries.partNames.reserve(scanned.overrides.size());
+    for (const ScannedContentType& entry : scanned.overrides) {
+        if (!isReadAsItIs(entry.key))
+            return std::nullopt;
+        entries.partNames.push_back(toLowerCase(entry.key));
+    }
+    if (!sortUnlessOneRepeats(entries.extensions) || !sortUnlessOneRepeats(entries.partNames))
+        return std::nullopt;
+    return entries;
 }
 
 std::u16string ContentTypeRules::readPartName(std::u16string_view partName) {

@@ -75,6 +75,18 @@ public:
     Package package;
 };
 
+TEST(LenientContentTypes, areReadOnceAsRelationshipsAreIfNothingIsOdd) {
+    LenientContentTypes opened(ROOT + XML + "<Default Extension='rels' ContentType='" + RELS +
+                                   "'/><Override PartName='/B.png' ContentType='t/png'/></Types>",
+                               {u"/_rels/a.xml.rels"});
+    opened.store.setPart(u"/_rels/a.xml.rels", relationships(""));
+    opened.package.open(opc::interfaces::OpenMode::ReadOnly);
+    EXPECT_EQ(opened.look(), "/a.xml=t/xml /b.png=t/png ");
+    EXPECT_EQ(opened.scripted.countCalls("getInputStream"), 1U);
+    EXPECT_EQ(opened.scripted.countCalls("getContentTypeInputStream"), 1U);
+    EXPECT_EQ(opened.scripted.countCalls("openStream"), 0U);
+}
+
 TEST(LenientContentTypes, areReadEachEntryByItself) {
     const auto check = [](const Bytes& document, const std::string& seen, const std::string& oddities) {
         LenientContentTypes types(document);

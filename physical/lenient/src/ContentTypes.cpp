@@ -22,6 +22,20 @@ constexpr char16_t RELATIONSHIPS_EXTENSION[] = u"rels";
 constexpr char16_t RELATIONSHIPS_ENTRY[] =
     uR"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)";
 
+std::string_view textOf(const Bytes& document) {
+    return {reinterpret_cast<const char*>(document.data()), document.size()};
+}
+
+/// @param keys  sorted, in US-ASCII and in lower case
+bool isAmong(const std::vector<std::string>& keys, std::u16string_view text) {
+    std::string key;
+    key.reserve(text.size());
+    for (const char16_t unit : text)
+        key.push_back(static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit - u'A' + u'a'
+                                                                     : std::min<char16_t>(unit, 0x7F)));
+    return std::binary_search(keys.begin(), keys.end(), key);
+}
+
 Bytes toBytes(const std::string& text) {
     return Bytes(text.begin(), text.end());
 }
@@ -75,6 +89,7 @@ ContentTypes::ContentTypes(interfaces::IPhysicalPackage& inner)
         read();
     } catch (const Exception&) {
         original.reset();
+        plain.reset();
         reading.reset();
     }
 }
@@ -84,14 +99,18 @@ ContentTypes::~ContentTypes() = default;
 void ContentTypes::read() {
     interfaces::IPhysicalInputStream* const stream = package.getContentTypeInputStream();
     original = stream != nullptr ? readDocument(*stream) : std::nullopt;
-    if (!original || hasTooMuchMarkup(*original) || hasDocumentType(*original)) {
+    if (!original || hasTooMuchMarkup(*original)) {
         original.reset();
         return;
     }
-    const auto text = DocumentText::decode(*original);
-    if (!text)
-        throw Exception("The document is neither in UTF-8 nor in UTF-16.");
-    reading = std::make_unique<Reading>(*text);
+    plain = model::ContentTypeRules::readPlain(textOf(*original));
+    if (plain)
+        return;
+    if (hasDocumentType(*original)) {
+        original.reset();
+        return;
+    }
+    readEntries();
     // What the model reads itself it finds to be well-formed, or refuses.
     if (!reading->entries.areReadAsTheyAre())
         const Document wellFormed(*original);
@@ -99,22 +118,32 @@ void ContentTypes::read() {
     readOtherwise = reading->entries.countDisputed();
 }
 
-bool ContentTypes::covers(interfaces::IPhysicalPart& part) const {
+void ContentTypes::readEntries() {
+    const auto text = DocumentText::decode(*original);
+    if (!text)
+        throw Exception("The document is neither in UTF-8 nor in UTF-16.");
+    reading = std::make_unique<Reading>(*text);
+}
+
+bool ContentTypes::covers(interfaces::IPhysicalPart& part, const std::u16string& name) const {
     if (!usesStream)
         return !part.getContentType().empty();
+    if (plain)
+        return isAmong(plain->extensions, detail::getExtension(name)) || isAmong(plain->partNames, name);
     if (!reading)
         return true;
-    const std::u16string name = part.getName();
     return reading->entries.find(Kind::Override, toLowerASCIIString(name)) != nullptr ||
            reading->entries.find(Kind::Default, extensionOf(name)) != nullptr;
 }
 
 std::string ContentTypes::hide(const std::u16string& name) {
     std::string reason = NO_CONTENT_TYPE;
-    if (!reading)
+    if (!plain && !reading)
         return reason;
     const std::u16string extension = extensionOf(name);
     context.withheld.insert(extension);
+    if (plain)
+        return reason;
     const ContentTypeEntry* const own = reading->entries.findFirst(Kind::Override, toLowerASCIIString(name));
     const ContentTypeEntry* const entry =
         own != nullptr ? own : reading->entries.findFirst(Kind::Default, extension);
@@ -126,20 +155,33 @@ std::string ContentTypes::hide(const std::u16string& name) {
 }
 
 void ContentTypes::coverRelationships() {
-    if (!reading || reading->entries.find(Kind::Default, RELATIONSHIPS_EXTENSION) != nullptr)
+    const bool isCovered =
+        plain ? isAmong(plain->extensions, RELATIONSHIPS_EXTENSION)
+              : !reading || reading->entries.find(Kind::Default, RELATIONSHIPS_EXTENSION) != nullptr;
+    if (isCovered)
         return;
     try {
+        if (plain)
+            readEntries();
         const Document wellFormed(*original); // the model won't see it
         coversRelationships = true;
     } catch (const Exception&) { // for the model to refuse
         original.reset();
         reading.reset();
     }
+    plain.reset();
 }
 
 void ContentTypes::settle() {
-    if (!reading)
-        return;
+    if (reading)
+        settleEntries();
+    plain.reset();
+    reading.reset();
+    if (original && wanted.empty())
+        view = std::make_unique<BytesStream>(*original);
+}
+
+void ContentTypes::settleEntries() {
     const ContentTypeEntries& entries = reading->entries;
     for (const ContentTypeEntry& entry : entries.all()) {
         if (entry.lacksSlash)
@@ -151,7 +193,6 @@ void ContentTypes::settle() {
         wanted = toBytes(entries.toDocument(coversRelationships ? RELATIONSHIPS_ENTRY : u""));
         view = std::make_unique<BytesStream>(wanted);
     }
-    reading.reset();
 }
 
 std::optional<interfaces::IgnoredItem> ContentTypes::ignoredItem() const {
@@ -162,8 +203,9 @@ std::optional<interfaces::IgnoredItem> ContentTypes::ignoredItem() const {
 }
 
 interfaces::IPhysicalInputStream* ContentTypes::inputStream() {
-    if (view)
-        view->open();
+    if (!view)
+        return package.getContentTypeInputStream();
+    view->open();
     return view.get();
 }
 

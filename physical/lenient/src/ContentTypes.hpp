@@ -5,6 +5,7 @@
 
 #include <opc/interfaces/IgnoredItem.hpp>
 #include <opc/interfaces/Oddity.hpp>
+#include <opc/model/ContentTypeRules.hpp>
 
 #include <functional>
 #include <memory>
@@ -39,7 +40,8 @@ public:
     /// @name While the package is being opened
     /// @{
 
-    bool covers(interfaces::IPhysicalPart& part) const;
+    /// @param name  of the part
+    bool covers(interfaces::IPhysicalPart& part, const std::u16string& name) const;
 
     /// Takes note that a part is hidden, since no content type covers it.
     /// @return the reason, which names an entry for it that was left out
@@ -58,7 +60,7 @@ public:
     /// What a signature can't cover: what was left out, passed over or mended.
     std::optional<interfaces::IgnoredItem> ignoredItem() const;
 
-    /// The stream that the model is to read; null if that is the package's own.
+    /// The stream that the model is to read.
     interfaces::IPhysicalInputStream* inputStream();
 
     /// The stream that the model is to write to.
@@ -76,17 +78,23 @@ private:
     struct Reading;
 
     void read();
+    void readEntries();
+    void settleEntries();
     void write(const std::function<std::vector<std::u16string>()>& parts);
 
     interfaces::IPhysicalPackage& package;
     bool usesStream;
-    std::optional<Bytes> original;    ///< nothing if it can't be read
-    std::unique_ptr<Reading> reading; ///< null once the package is open
+    std::optional<Bytes> original; ///< nothing if it can't be read
+    /// While the package is being opened. Of a document with nothing odd, what its entries are for is enough.
+    /// @{
+    std::optional<model::ContentTypeRules::PlainEntries> plain;
+    std::unique_ptr<Reading> reading;
+    /// @}
     bool coversRelationships = false; ///< by an entry that isn't in the document
     std::vector<interfaces::Oddity> found;
     std::size_t readOtherwise = 0; ///< how many of these
 
-    std::unique_ptr<BytesStream> view; ///< null where the model reads the document itself
+    std::unique_ptr<BytesStream> view; ///< what the model reads; null where that is the package's own stream
     Bytes wanted; ///< what the model has read or written last, but for the document itself
     ContentTypesContext context;
     std::set<std::u16string> disputed; ///< names with an entry that is odd or doesn't count, in lower case

@@ -20,7 +20,7 @@ namespace {
 /// Of a document that is held with a list of its elements: the parser takes some 330 bytes for each tag and attribute.
 /// @{
 constexpr std::size_t LARGEST = 4 << 20;
-constexpr std::ptrdiff_t MOST_MARKUP = 300000;
+constexpr std::size_t MOST_MARKUP = 300000;
 /// @}
 
 DocumentText readText(const Bytes& bytes, WellFormedness& wellFormedness) {
@@ -62,7 +62,8 @@ std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream) {
 
 bool hasTooMuchMarkup(const Bytes& document) {
     const auto isMarkup = [](unsigned char byte) { return byte == '<' || byte == '='; };
-    return std::count_if(document.begin(), document.end(), isMarkup) > MOST_MARKUP;
+    return document.size() > MOST_MARKUP &&
+           static_cast<std::size_t>(std::count_if(document.begin(), document.end(), isMarkup)) > MOST_MARKUP;
 }
 
 bool hasDocumentType(const Bytes& document) {

@@ -15,6 +15,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace opc::physical {
 
@@ -92,6 +93,8 @@ public:
     std::unique_ptr<lenient::ContentTypes> types; ///< null in a package that is being created
     std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 
+    std::vector<IPhysicalPart*> shown; ///< what the model sees; empty once it has got them
+
     /// The names of all parts that the model sees, relationships parts included.
     std::vector<std::u16string> partNames() const;
 
@@ -110,34 +113,47 @@ void LenientPackage::Impl::forget() {
     hiddenNames.clear();
     withoutType.clear();
     relationshipsParts.clear();
+    shown.clear();
     types.reset();
     reading.bytesLeft = lenient::RelationshipsReading::MOST_BYTES;
 }
 
 void LenientPackage::Impl::look() {
     types = std::make_unique<lenient::ContentTypes>(package);
-    std::set<std::u16string> sources = {PACKAGE_ROOT}; // in lower case
-    const std::vector<IPhysicalPart*> parts = package.getParts();
-    for (IPhysicalPart* part : parts) {
-        const std::u16string name = part->getName();
-        if (!sourceOf(name) && types->covers(*part))
-            sources.insert(toLowerASCIIString(name));
+    struct Found {
+        IPhysicalPart* part;
+        std::u16string name;
+        std::optional<std::u16string> source;
+        bool isCovered;
+    };
+    std::vector<Found> all;
+    std::vector<std::u16string> sources{PACKAGE_ROOT}; // in lower case
+    for (IPhysicalPart* part : package.getParts()) {
+        std::u16string name = part->getName();
+        std::optional<std::u16string> source = sourceOf(name);
+        const bool isCovered = types->covers(*part, name);
+        if (!source && isCovered)
+            sources.push_back(toLowerASCIIString(name));
+        all.push_back({part, std::move(name), std::move(source), isCovered});
     }
-    for (IPhysicalPart* part : parts) {
-        const std::u16string name = part->getName();
-        const std::optional<std::u16string> source = sourceOf(name);
-        if (source && sources.count(toLowerASCIIString(*source)) == 0) {
+    std::sort(sources.begin(), sources.end());
+    for (const auto& [part, name, source, isCovered] : all) {
+        if (source && !std::binary_search(sources.begin(), sources.end(), toLowerASCIIString(*source))) {
             throwIfHasDocumentType(*part);
             hide(name, "a relationships part without a source");
         } else if (source) {
-            if (!types->covers(*part))
+            if (!isCovered)
                 withoutType.push_back(name);
             const bool isPackages = *source == PACKAGE_ROOT;
-            relationshipsParts.try_emplace(toLowerASCIIString(name), *part, reading,
-                                           isPackages ? RelationshipsDocument::Source::Package
-                                                      : RelationshipsDocument::Source::Part);
-        } else if (sources.count(toLowerASCIIString(name)) == 0) {
+            const auto entry = relationshipsParts.try_emplace(
+                toLowerASCIIString(name), *part, reading,
+                isPackages ? RelationshipsDocument::Source::Package : RelationshipsDocument::Source::Part);
+            shown.push_back(&entry.first->second);
+        } else if (!isCovered &&
+                   !std::binary_search(sources.begin(), sources.end(), toLowerASCIIString(name))) {
             hide(name, types->hide(name));
+        } else {
+            shown.push_back(part);
         }
     }
     if (!withoutType.empty())
@@ -192,8 +208,7 @@ bool LenientPackage::usesContentTypeStream() {
 }
 
 interfaces::IPhysicalInputStream* LenientPackage::getContentTypeInputStream() {
-    interfaces::IPhysicalInputStream* const view = impl->types ? impl->types->inputStream() : nullptr;
-    return view != nullptr ? view : impl->package.getContentTypeInputStream();
+    return impl->types ? impl->types->inputStream() : impl->package.getContentTypeInputStream();
 }
 
 interfaces::IPhysicalOutputStream* LenientPackage::getContentTypeOutputStream() {
@@ -203,12 +218,16 @@ interfaces::IPhysicalOutputStream* LenientPackage::getContentTypeOutputStream() 
 }
 
 std::vector<IPhysicalPart*> LenientPackage::getParts() {
+    if (!impl->shown.empty())
+        return std::exchange(impl->shown, {});
     std::vector<IPhysicalPart*> parts = impl->package.getParts();
     parts.erase(std::remove_if(parts.begin(), parts.end(),
                                [this](IPhysicalPart* part) { return impl->hides(part->getName()); }),
                 parts.end());
     std::transform(parts.begin(), parts.end(), parts.begin(), [this](IPhysicalPart* part) -> IPhysicalPart* {
-        RelationshipsPart* const found = impl->findRelationshipsPart(part->getName());
+        const std::u16string name = part->getName();
+        RelationshipsPart* const found =
+            endsLikeRelationshipsPart(name) ? impl->findRelationshipsPart(name) : nullptr;
         return found != nullptr ? found : part;
     });
     return parts;
@@ -231,12 +250,14 @@ void LenientPackage::close(bool abandon) {
     if (!abandon && impl->types)
         impl->types->save([this] { return impl->partNames(); });
     impl->package.close(abandon);
+    impl->shown.clear();
     impl->relationshipsParts.clear(); // what they stand on has gone
 }
 
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,
                                           const interfaces::IPhysicalPartInfo& info) {
     impl->throwIfHidden(name);
+    impl->shown.clear();
     if (RelationshipsPart* const existing = impl->findRelationshipsPart(name))
         return existing; // what the model writes to it changes its document
     IPhysicalPart* const part = impl->package.createPart(name, contentType, info);
@@ -247,6 +268,7 @@ IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std:
 
 void LenientPackage::deletePart(const std::u16string& name) {
     impl->package.deletePart(name);
+    impl->shown.clear();
     impl->forgetPart(name);
     if (impl->types)
         impl->types->renew(name);

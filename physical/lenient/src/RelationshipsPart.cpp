@@ -1,6 +1,7 @@
 #include "RelationshipsPart.hpp"
 
 #include "BytesStream.hpp"
+#include "ReadStream.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -46,8 +47,13 @@ interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
     interfaces::IPhysicalInputStream* const stream = part.getInputStream();
     if (stream == nullptr)
         return nullptr; // for the model to refuse
-    const auto bytes = readDocument(*stream);
-    if (bytes && !isForModel(*bytes)) {
+    auto bytes = readDocument(*stream);
+    if (!bytes) {
+        stream->close();
+        stream->open();
+        return stream;
+    }
+    if (!isForModel(*bytes)) {
         const RelationshipsDocument document(*bytes, shared.wellFormedness, source);
         Bytes view = document.view();
         if (view.size() <= shared.bytesLeft) {
@@ -58,9 +64,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
             return give(std::move(view));
         }
     }
-    stream->close();
-    stream->open();
-    return stream;
+    return given.emplace_back(std::make_unique<ReadStream>(*stream, std::move(*bytes))).get();
 }
 
 /// Whether the model reads a document as it is to be read, or is to refuse it.

@@ -45,9 +45,9 @@ namespace opc::physical {
 /// stream that can't be read, or is as long, is passed on unchanged too and hides nothing.
 ///
 /// It doesn't own the other store, which must outlive it. While it is open, use the other store only through it. It returns
-/// the streams and parts of the other store, except relationships parts and the streams of converted documents; its own
-/// objects exist until it is closed. Use it from one thread at a time. It keeps Xerces initialised once it has needed it.
-/// Failures are those of the other store.
+/// the streams and parts of the other store, except relationships parts and the streams of relationships and content types;
+/// its own objects exist until it is closed. It reads a document with nothing odd from the other store once. Use it from one
+/// thread at a time. It keeps Xerces initialised once it has needed it. Failures are those of the other store.
 class OPC_LENIENT_EXPORT LenientPackage : public interfaces::IPhysicalPackage {
 public:
     struct HiddenItem {

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "BytesStream.hpp"
+
+#include <optional>
+
+namespace opc::physical::lenient {
+
+/// A stream that has been read to its end: gives the same bytes, and then lets them go. Opened again, it is read again.
+class ReadStream : public interfaces::IPhysicalInputStream {
+public:
+    /// @param source   open; must outlive this object
+    /// @param content  what it has given
+    ReadStream(interfaces::IPhysicalInputStream& source, std::vector<unsigned char> content)
+        : stream(source), bytes(std::move(content)) {}
+
+    void open() override {
+        if (!isAgain)
+            stream.close();
+        isAgain = true;
+        stream.open();
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        if (isAgain)
+            return stream.read(buffer, count);
+        const std::uint64_t got = bytes ? bytes->read(buffer, count) : 0;
+        if (bytes && bytes->isDone())
+            bytes.reset();
+        return got;
+    }
+    bool isDone() const override { return isAgain ? stream.isDone() : !bytes || bytes->isDone(); }
+    void close() override {
+        isAgain = true;
+        bytes.reset();
+        stream.close();
+    }
+
+private:
+    interfaces::IPhysicalInputStream& stream;
+    std::optional<BytesStream> bytes; ///< nothing when all have been given
+    bool isAgain = false;
+};
+
+} // namespace opc::physical::lenient
