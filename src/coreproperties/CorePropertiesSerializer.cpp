@@ -186,8 +186,7 @@ void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& proper
         throwIfCorePropertiesBreakRules(root);
         for (const CorePropertyField& field : CorePropertyField::all()) {
             const CorePropertiesName name(field.element);
-            const DOMElement* const element =
-                XercesHelper::getElementNS(root, name.namespaceURI, name.local);
+            const DOMElement* const element = XercesHelper::getElementNS(root, name.namespaceURI, name.local);
             if (element != nullptr)
                 field.visit(properties, [element](auto& value) { readValue(element, value); });
         }
