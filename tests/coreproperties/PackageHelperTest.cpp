@@ -10,7 +10,7 @@ const std::u16string TYPE =
     u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
 const char16_t* const CORE = u"/docProps/core.xml";
 
-class CorePropertiesOfPackage : public testing::Test {
+class CorePropertiesOfPackage : public PackageTest {
 protected:
     /// A package whose core properties have this content.
     void makeStore(const std::string& content, const std::string& target = "docProps/core.xml") {
@@ -31,10 +31,6 @@ protected:
     void addRelationships(const std::string& elements) {
         store.setPart(u"/_rels/.rels", relationships(elements));
     }
-
-    MemoryPackage store;
-    ScriptedPackage physical{store};
-    Package package{physical};
 };
 
 TEST_F(CorePropertiesOfPackage, aNewPackageGetsThemAtTheFixedPlace) {

@@ -18,10 +18,8 @@ const std::string HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"
 
 const std::string EMPTY = HEAD.substr(0, HEAD.size() - 1) + "/>\n";
 
-class ContentTypesStream : public testing::Test {
+class ContentTypesStream : public PackageTest {
 protected:
-    ContentTypesStream() : package(store) {}
-
     void create(const char16_t* name, const char16_t* type) {
         package.createPart(PartName(name), ContentType(type), StandardPartInfo());
     }
@@ -38,9 +36,6 @@ protected:
             entries += line;
         return entries;
     }
-
-    MemoryPackage store;
-    Package package;
 };
 
 TEST_F(ContentTypesStream, holdsTheRootAloneForAPackageWithoutParts) {

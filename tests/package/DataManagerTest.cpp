@@ -33,13 +33,9 @@ private:
     std::vector<std::u16string> doGetManagedRelationshipTypes() const override { return {u"urn:managed"}; }
 };
 
-class DataManagers : public testing::Test {
+class DataManagers : public PackageTest {
 protected:
-    DataManagers() : physical(store), package(physical) { fill(store, {u"/a.xml", u"/managed.xml"}); }
-
-    opc::physical::MemoryPackage store;
-    ScriptedPackage physical;
-    Package package;
+    DataManagers() : PackageTest({u"/a.xml", u"/managed.xml"}) {}
 };
 
 TEST_F(DataManagers, loadOnceAndSaveWhenDirty) {

@@ -15,17 +15,8 @@ std::string coreRelationship(const std::string& id) {
     return R"(<Relationship Id=")" + id + R"(" Type=")" + CORE_PROPERTIES + R"(" Target="a.xml"/>)";
 }
 
-/// A package on an empty store with a content types stream, whose calls can be made to fail.
-class LifecycleTest : public testing::Test {
-protected:
-    LifecycleTest() { fill(store, {}); }
-
-    MemoryPackage store;
-    ScriptedPackage physical{store};
-    Package package{physical};
-};
-class PackageOpen : public LifecycleTest {};
-class PackageClose : public LifecycleTest {};
+class PackageOpen : public PackageTest {};
+class PackageClose : public PackageTest {};
 
 template <typename Action>
 boost::system::error_code codeOf(const Action& action) {

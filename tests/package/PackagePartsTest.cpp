@@ -8,17 +8,11 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-class PackageParts : public testing::Test {
+class PackageParts : public PackageTest {
 protected:
-    PackageParts() : physical(store), package(physical) { fill(store, {}); }
-
     Part create(const char16_t* name) {
         return package.createPart(PartName(name), ContentType(u"application/xml"), StandardPartInfo());
     }
-
-    MemoryPackage store;
-    ScriptedPackage physical;
-    Package package;
 };
 
 TEST_F(PackageParts, guardsStandInFrontOfTheArguments) {

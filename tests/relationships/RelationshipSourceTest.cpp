@@ -8,9 +8,9 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-class RelationshipSources : public testing::Test {
+class RelationshipSources : public PackageTest {
 protected:
-    RelationshipSources() : physical(store), package(physical) { fill(store, {u"/a/b.xml", u"/c.xml"}); }
+    RelationshipSources() : PackageTest({u"/a/b.xml", u"/c.xml"}) {}
 
     Part open(OpenMode mode = OpenMode::ReadWrite) {
         package.open(mode);
@@ -23,10 +23,6 @@ protected:
             result.push_back(relationship.getID());
         return result;
     }
-
-    opc::physical::MemoryPackage store;
-    ScriptedPackage physical;
-    Package package;
 };
 
 TEST_F(RelationshipSources, storeTheRelativeFormOfInternalTargets) {

@@ -14,6 +14,16 @@
 
 namespace bedrock::test {
 
+using opc::test::CertificateRecipe;
+using opc::test::Extensions;
+using opc::test::Identity;
+using opc::test::keysOf;
+using opc::test::makeIssuer;
+using opc::test::makePublicKey;
+using opc::test::makeRevocationList;
+using opc::test::makeSigner;
+using opc::test::OpenSslCommand;
+
 using Bytes = std::vector<unsigned char>;
 
 inline Bytes bytesOf(const std::string& text) {
@@ -30,7 +40,7 @@ inline std::string hex(const Bytes& bytes) {
 }
 
 /// The encoded form of a private key of these numbers, in hexadecimal: n, e, d, p, q, dp, dq and qi.
-inline Bytes encode(const opc::test::OpenSslCommand& openssl, const std::vector<std::string>& numbers) {
+inline Bytes encode(const OpenSslCommand& openssl, const std::vector<std::string>& numbers) {
     std::string text = "asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\n";
     for (std::size_t index = 0; index < numbers.size(); ++index)
         text += std::string("n") + std::to_string(index) + "=INTEGER:0x" + numbers[index] + "\n";
@@ -42,8 +52,6 @@ inline Bytes encode(const opc::test::OpenSslCommand& openssl, const std::vector<
 inline crypto::CryptoEngine makeEngine() {
     return crypto::CryptoEngine(std::make_shared<crypto::cryptopp::CryptoProvider>());
 }
-
-using opc::test::keysOf;
 
 inline std::shared_ptr<crypto::RSAPrivateKey> privateKey(std::size_t bits, const Bytes& encoded) {
     return crypto::cryptopp::CryptoProvider().createRSAPrivateKey(bits, encoded);

@@ -9,7 +9,6 @@ namespace {
 
 using namespace bedrock::certificates;
 using namespace bedrock::test;
-using opc::test::Identity;
 
 /// Bundles that the command line makes of a root, an issuer and a signer.
 class PKCS12CertificateTest : public testing::Test {

@@ -13,7 +13,6 @@ using namespace bedrock::test;
 using bedrock::crypto::CryptoEngine;
 using bedrock::crypto::utils::InvalidKey;
 using bedrock::crypto::utils::UnusableKey;
-using opc::test::OpenSslCommand;
 
 const std::size_t Sizes[] = {1024, 2048, 4096};
 

@@ -10,8 +10,6 @@ namespace {
 
 using namespace bedrock::certificates;
 using namespace bedrock::test;
-using opc::test::Identity;
-using opc::test::makeIssuer;
 
 class TrustStoreTest : public testing::Test {
 protected:

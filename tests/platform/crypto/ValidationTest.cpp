@@ -8,13 +8,6 @@ namespace {
 
 using namespace bedrock::certificates;
 using namespace bedrock::test;
-using opc::test::CertificateRecipe;
-using opc::test::Extensions;
-using opc::test::Identity;
-using opc::test::makeIssuer;
-using opc::test::makePublicKey;
-using opc::test::makeRevocationList;
-using opc::test::makeSigner;
 using Status = CertificateChainStatus;
 constexpr Status Unknown = Status::RevocationUnknown;
 

@@ -9,9 +9,6 @@ using namespace bedrock::certificates;
 using namespace bedrock::codesigning_verifier;
 using namespace bedrock::test;
 using bedrock::crypto::DigestAlgorithm;
-using opc::test::CertificateRecipe;
-using opc::test::Identity;
-using opc::test::makeIssuer;
 using Options = CodesigningVerificationOptions;
 using Time = std::chrono::system_clock::time_point;
 

@@ -11,8 +11,6 @@ namespace {
 
 using namespace bedrock::certificates;
 using namespace bedrock::test;
-using opc::test::CertificateRecipe;
-using opc::test::makeSigner;
 
 std::string upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
