@@ -3,8 +3,6 @@
 #include "support/Cases.hpp"
 #include "support/Throws.hpp"
 
-#include <opc/core/Text.hpp>
-
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
