@@ -16,6 +16,8 @@ HEAD = """#include <opc/core/StreamHelper.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 #include <opc/model/SignatureCoverage.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
