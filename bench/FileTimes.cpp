@@ -39,8 +39,10 @@ std::vector<FileTimes> shortestTimes(const std::vector<fs::path>& files, const s
     std::vector<FileTimes> times(works.size(), FileTimes(files.size(), Seconds::max()));
     for (int round = 0; round < rounds; ++round)
         for (std::size_t file = 0; file < files.size(); ++file)
-            for (std::size_t work = 0; work < works.size(); ++work)
+            for (std::size_t turn = 0; turn < works.size(); ++turn) {
+                const std::size_t work = (turn + static_cast<std::size_t>(round)) % works.size();
                 times[work][file] = std::min(times[work][file], timeOf(works[work], files[file]));
+            }
     return times;
 }
 

@@ -19,8 +19,8 @@ using FileTimes = std::vector<Seconds>;
 std::vector<std::filesystem::path> filesFor(const std::filesystem::path& folder, const FileWork& work);
 
 /// The shortest working time of each work with each file. All works take a file in turn, so that what else the machine
-/// does mostly falls out of their ratios; and all files are taken before the next round, so that the memory of one
-/// doesn't lie in the cache.
+/// does mostly falls out of their ratios; another one each round comes first, and brings the file into the cache of the
+/// processor. All files are taken before the next round, so that they don't lie there already.
 /// @return for each of the works, the times of all files
 std::vector<FileTimes> measure(const std::vector<std::filesystem::path>& files,
                                const std::vector<FileWork>& works, int rounds);

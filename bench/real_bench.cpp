@@ -201,7 +201,7 @@ void listPaced(const Files& files) {
 int main(int argc, char** argv) try {
     const bool isPaced = argc > 1 && std::strcmp(argv[1], "--paced") == 0;
     const int first = isPaced ? 2 : 1;
-    const int rounds = argc > 2 && !isPaced ? std::atoi(argv[2]) : 10;
+    const int rounds = argc > 2 && !isPaced ? std::atoi(argv[2]) : 12;
     const unsigned threads =
         argc > 3 ? static_cast<unsigned>(std::atoi(argv[3])) : std::thread::hardware_concurrency();
 

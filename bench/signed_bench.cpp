@@ -190,7 +190,7 @@ void compare(const char* title, const std::vector<fs::path>& files, int rounds) 
 } // namespace
 
 int main(int argc, char** argv) try {
-    const int rounds = argc > 2 ? std::atoi(argv[2]) : 10;
+    const int rounds = argc > 2 ? std::atoi(argv[2]) : 12;
     keys(); // here, as packages are signed in processes of their own
     bareRsa();
     const bench::TemporaryFolder copies;
