@@ -40,7 +40,7 @@ public:
 
 private:
     z_stream stream{};
-    std::array<unsigned char, 16384> buffer; ///< not filled before it is needed
+    std::array<unsigned char, 16384> buffer{};
 };
 
 } // namespace opc::physical::zip

@@ -1,22 +1,11 @@
 #include "WholeInflater.hpp"
 
-#include "SmallInflater.hpp"
-
 #include <new>
 
 namespace opc::physical::zip {
 
-namespace {
-
-/// From this size on, the time for larger tables is well spent.
-constexpr std::size_t SMALLEST_LARGE = 400;
-
-} // namespace
-
 bool WholeInflater::expand(const unsigned char* data, std::size_t count, unsigned char* output,
                            std::size_t size) {
-    if (count < SMALLEST_LARGE)
-        return expandSmall(data, count, output, size);
     if (!decompressor)
         decompressor.reset(::libdeflate_alloc_decompressor());
     if (!decompressor)

@@ -7,8 +7,8 @@
 
 namespace opc::physical::zip {
 
-/// Expands Deflate data that lies in memory, each with one call, in less time than `Inflater`. All that `Inflater` takes
-/// comes out alike; of data that isn't small a few codes that make no sense, which `Inflater` refuses, are taken as well,
+/// Expands Deflate data that lies in memory, each with one call: larger data in less time than `Inflater`. All that
+/// `Inflater` takes comes out alike; a few codes that make no sense, which `Inflater` refuses, are taken as well,
 /// so that the checksum alone tells whether the content is the right one.
 class WholeInflater {
 public:

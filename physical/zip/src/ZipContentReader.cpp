@@ -11,6 +11,13 @@
 
 namespace opc::physical::zip {
 
+namespace {
+
+/// What is smaller takes zlib less time to inflate: its tables are smaller. It goes by the compressed size.
+constexpr std::uint64_t SMALLEST_WHOLE = 400;
+
+} // namespace
+
 ItemReader::ItemReader(ArchiveReader& reader, ItemRange pieces) : archive(reader), items(pieces) {
     enterItem();
 }
@@ -99,7 +106,7 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
 /// inflater starts anew, comes as far as it can and says what.
 std::size_t ItemReader::readFirst(unsigned char* buffer, std::size_t room) {
     const DirectoryEntry& entry = archive.item(item());
-    if (entry.method == DEFLATE) {
+    if (entry.method == DEFLATE && entry.compressedSize >= SMALLEST_WHOLE) {
         if (entry.size <= room) {
             if (archive.expandWhole(item(), buffer))
                 return static_cast<std::size_t>(entry.size);
