@@ -5,6 +5,7 @@
 #include <opc/core/Text.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/ContentTypeRules.hpp>
+#include <opc/model/ContentTypesVocabulary.hpp>
 
 #include <map>
 
@@ -12,6 +13,7 @@ namespace opc::physical::lenient {
 
 namespace {
 
+using namespace model::vocabulary::content_types;
 using Kind = ContentTypeEntry::Kind;
 
 bool areSame(const std::u16string& left, const std::u16string& right) {
@@ -68,8 +70,8 @@ private:
     }
 
     std::u16string spelling(const ContentTypeEntry& entry) const {
-        const char16_t* const attribute = entry.kind == Kind::Default ? u"Extension" : u"PartName";
-        return changed.markup.findAttribute(changed.markup.elements()[entry.element], {}, attribute)->value();
+        const Element& element = changed.markup.elements()[entry.element];
+        return changed.markup.findAttribute(element, {}, ContentTypeEntry::keyName(entry.kind))->value();
     }
 
     /// Gives a part an entry of its own in place of the Default that it rests on.
@@ -87,18 +89,17 @@ private:
         const ContentTypeEntry* const first = old.entries.findFirst(kind, key);
         const ContentTypeEntry* const counting = old.entries.find(kind, key);
         if (counting == nullptr) {
-            const bool isDefault = kind == Kind::Default;
-            edits.append(isDefault ? u"Default" : u"Override",
-                         {{isDefault ? u"Extension" : u"PartName", name}, {u"ContentType", contentType}});
+            edits.append(ContentTypeEntry::elementName(kind),
+                         {{ContentTypeEntry::keyName(kind), name}, {CONTENT_TYPE, contentType}});
         } else {
             const bool isSame = areSame(counting->contentType, contentType);
             const bool isRenewed = kind == Kind::Override && context.renewed.count(key) > 0;
             if (isSame && !isRenewed)
                 return;
             if (!isSame)
-                setValue(*counting, u"ContentType", contentType);
+                setValue(*counting, CONTENT_TYPE, contentType);
             if (counting->lacksSlash)
-                setValue(*counting, u"PartName", name);
+                setValue(*counting, PART_NAME, name);
         }
         if (first == nullptr)
             return;

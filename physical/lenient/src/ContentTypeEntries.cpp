@@ -1,11 +1,13 @@
 #include "ContentTypeEntries.hpp"
 
 #include "AttributeText.hpp"
+#include "MarkupCompatibility.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/ContentTypeRules.hpp>
+#include <opc/model/ContentTypesVocabulary.hpp>
 
 #include <algorithm>
 #include <tuple>
@@ -14,11 +16,11 @@ namespace opc::physical::lenient {
 
 namespace {
 
-constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
+using namespace model::vocabulary::content_types;
+
 /// Of the form in which office programs wrote packages before the standard; it means the same.
 constexpr std::u16string_view BETA_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/content-types";
 constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
-constexpr std::u16string_view COMPATIBILITY = u"http://schemas.openxmlformats.org/markup-compatibility/2006";
 constexpr char LEFT_OUT[] = "left out, and kept in the file";
 
 bool isOurs(const Element& element, std::u16string_view name) {
@@ -46,6 +48,14 @@ std::string andMore(std::size_t count) {
 
 } // namespace
 
+std::u16string_view ContentTypeEntry::elementName(Kind kind) {
+    return kind == Kind::Default ? std::u16string_view(DEFAULT) : OVERRIDE;
+}
+
+std::u16string_view ContentTypeEntry::keyName(Kind kind) {
+    return kind == Kind::Default ? std::u16string_view(EXTENSION) : PART_NAME;
+}
+
 /// Goes through the elements of a document once.
 class ContentTypesReader {
 public:
@@ -55,7 +65,7 @@ public:
 
     void read() {
         const Element& root = markup.root();
-        if (!isOurs(root, u"Types"))
+        if (!isOurs(root, TYPES))
             throw Exception("The root isn't that of content types.");
         checkRoot(root);
         const auto& elements = markup.elements();
@@ -63,10 +73,10 @@ public:
         std::size_t others = 0;
         for (std::size_t i = 1; i < elements.size(); ++i) {
             const Element& element = elements[i];
-            if (element.depth == 1 && isOurs(element, u"Default"))
-                takeEntry(i, ContentTypeEntry::Kind::Default, u"Extension");
-            else if (element.depth == 1 && isOurs(element, u"Override"))
-                takeEntry(i, ContentTypeEntry::Kind::Override, u"PartName");
+            if (element.depth == 1 && isOurs(element, DEFAULT))
+                takeEntry(i, ContentTypeEntry::Kind::Default);
+            else if (element.depth == 1 && isOurs(element, OVERRIDE))
+                takeEntry(i, ContentTypeEntry::Kind::Override);
             else if (element.depth == 1 && others++ == 0)
                 firstOther = &element;
         }
@@ -96,9 +106,9 @@ private:
     std::string describe(const Element& element) const {
         if (element.depth == 0)
             return "the root";
-        const bool isDefault = element.localName == u"Default";
-        const Attribute* const key =
-            markup.findAttribute(element, {}, isDefault ? u"Extension" : u"PartName");
+        const bool isDefault = element.localName == DEFAULT;
+        const auto kind = isDefault ? ContentTypeEntry::Kind::Default : ContentTypeEntry::Kind::Override;
+        const Attribute* const key = markup.findAttribute(element, {}, ContentTypeEntry::keyName(kind));
         const std::string name = key == nullptr ? std::string() : " for \"" + quote(key->value()) + "\"";
         return (isDefault ? "the Default" : "the Override") + name;
     }
@@ -125,19 +135,20 @@ private:
                                  attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
                                  attribute.is(SCHEMA_INSTANCE, u"noNamespaceSchemaLocation") ||
                                  (!keyName.empty() && attribute.prefix.empty() &&
-                                  (attribute.localName == keyName || attribute.localName == u"ContentType"));
+                                  (attribute.localName == keyName || attribute.localName == CONTENT_TYPE));
             if (!isKnown && count++ == 0)
                 first = &attribute;
         }
         if (first == nullptr)
             return;
-        addDisputed(first->namespaceURI == COMPATIBILITY ? "M2.10" : "M1.20", element.line,
+        addDisputed(first->namespaceURI == COMPATIBILITY_NAMESPACE ? "M2.10" : "M1.20", element.line,
                     describe(element) + " has the attribute " + quote(std::u16string(first->localName)) +
                         andMore(count) + ", which it can't have",
                     "passed over, and kept in the file");
     }
 
-    void takeEntry(std::size_t index, ContentTypeEntry::Kind kind, std::u16string_view keyName) {
+    void takeEntry(std::size_t index, ContentTypeEntry::Kind kind) {
+        const std::u16string_view keyName = ContentTypeEntry::keyName(kind);
         const Element& element = markup.elements()[index];
         ContentTypeEntry entry{kind, ContentTypeEntry::Standing::LeftOut, false, {}, {}, index, {}};
         noteForm(element);
@@ -158,7 +169,7 @@ private:
         const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
         const char* const rule = isDefault ? "M2.6" : "M2.7";
         const Attribute* const key = markup.findAttribute(element, {}, keyName);
-        const Attribute* const contentType = markup.findAttribute(element, {}, u"ContentType");
+        const Attribute* const contentType = markup.findAttribute(element, {}, CONTENT_TYPE);
         if (key != nullptr)
             takeKey(entry, key->value());
         else
@@ -257,15 +268,15 @@ ContentTypeEntries::Group ContentTypeEntries::groupOf(const ContentTypeEntry& fi
 }
 
 std::string ContentTypeEntries::toDocument(std::u16string_view additions) const {
-    std::u16string document =
-        u"<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">";
+    std::u16string document = u"<Types";
+    addAttribute(document, u"xmlns", NAMESPACE);
+    document += u">";
     for (const ContentTypeEntry& entry : entries) {
         if (entry.standing == Standing::LeftOut)
             continue;
-        const bool isDefault = entry.kind == Kind::Default;
-        document += isDefault ? u"<Default" : u"<Override";
-        addAttribute(document, isDefault ? u"Extension" : u"PartName", entry.key);
-        addAttribute(document, u"ContentType", entry.contentType);
+        document.append(u"<").append(ContentTypeEntry::elementName(entry.kind));
+        addAttribute(document, ContentTypeEntry::keyName(entry.kind), entry.key);
+        addAttribute(document, CONTENT_TYPE, entry.contentType);
         document += u"/>";
     }
     return detail::toUTF8String(document.append(additions).append(u"</Types>"), true);

@@ -24,6 +24,11 @@ struct ContentTypeEntry {
         LeftOut, ///< what can't be read
     };
 
+    static std::u16string_view elementName(Kind kind);
+
+    /// Of the attribute that says what the entry is for.
+    static std::u16string_view keyName(Kind kind);
+
     Kind kind;
     Standing standing;
     bool lacksSlash;            ///< in front of its part name

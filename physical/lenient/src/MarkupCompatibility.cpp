@@ -13,8 +13,6 @@ namespace opc::physical::lenient {
 
 namespace {
 
-constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/markup-compatibility/2006";
-
 /// Takes the next word off a list, whose words stand between white space; empty at the end.
 std::u16string_view takeWord(std::u16string_view& list) {
     list.remove_prefix(std::min(list.find_first_not_of(u" \t\r\n"), list.size()));
@@ -71,13 +69,16 @@ private:
         const Role role = roleOf(element);
         result.anyIgnored = result.anyIgnored || role != Role::Content;
         open.push_back({role, role == Role::Content ? result.found.size() : parent});
-        open.back().isAlternate = role == Role::Wrapper && element.is(NAMESPACE, u"AlternateContent");
+        open.back().isAlternate =
+            role == Role::Wrapper && element.is(COMPATIBILITY_NAMESPACE, u"AlternateContent");
         result.found.push_back({parent, role});
         for (const Attribute& attribute : markup.attributes(element)) {
-            const bool isIgnored = !attribute.isDeclaration() && (attribute.namespaceURI == NAMESPACE ||
-                                                                  isIgnorable(attribute.namespaceURI));
+            const bool isIgnored =
+                !attribute.isDeclaration() &&
+                (attribute.namespaceURI == COMPATIBILITY_NAMESPACE || isIgnorable(attribute.namespaceURI));
             result.ignoredAttributes.push_back(isIgnored);
-            result.anyIgnored = result.anyIgnored || (isIgnored && attribute.namespaceURI != NAMESPACE);
+            result.anyIgnored =
+                result.anyIgnored || (isIgnored && attribute.namespaceURI != COMPATIBILITY_NAMESPACE);
         }
     }
 
@@ -93,7 +94,7 @@ private:
     }
 
     Role ownRoleOf(const Element& element) const {
-        if (element.is(NAMESPACE, u"AlternateContent"))
+        if (element.is(COMPATIBILITY_NAMESPACE, u"AlternateContent"))
             return Role::Wrapper;
         if (!isIgnorable(element.namespaceURI))
             return Role::Content;
@@ -107,11 +108,11 @@ private:
     Role choose(const Element& element, Open& alternatives) {
         if (alternatives.hasChosen)
             return Role::Ignored;
-        if (element.is(NAMESPACE, u"Choice")) {
+        if (element.is(COMPATIBILITY_NAMESPACE, u"Choice")) {
             const Attribute* const required = markup.findAttribute(element, u"", u"Requires");
             alternatives.hasChosen = required != nullptr && areUnderstood(required->rawValue);
         } else {
-            alternatives.hasChosen = element.is(NAMESPACE, u"Fallback");
+            alternatives.hasChosen = element.is(COMPATIBILITY_NAMESPACE, u"Fallback");
         }
         return alternatives.hasChosen ? Role::Wrapper : Role::Ignored;
     }
@@ -119,17 +120,18 @@ private:
     void takeIgnorable(const Element& element) {
         for (const Attribute& attribute : markup.attributes(element)) {
             std::u16string_view list = attribute.rawValue;
-            if (attribute.is(NAMESPACE, u"Ignorable"))
+            if (attribute.is(COMPATIBILITY_NAMESPACE, u"Ignorable"))
                 for (std::u16string_view word = takeWord(list); !word.empty(); word = takeWord(list))
                     ignorable.add(namespaceOf(word).data(), {});
-            if (attribute.is(NAMESPACE, u"ProcessContent"))
+            if (attribute.is(COMPATIBILITY_NAMESPACE, u"ProcessContent"))
                 for (std::u16string_view word = takeWord(list); !word.empty(); word = takeWord(list))
                     addProcessed(word);
         }
     }
 
     void throwIfMoreMustBeUnderstood(const Element& element) const {
-        const Attribute* const attribute = markup.findAttribute(element, NAMESPACE, u"MustUnderstand");
+        const Attribute* const attribute =
+            markup.findAttribute(element, COMPATIBILITY_NAMESPACE, u"MustUnderstand");
         if (attribute != nullptr && !areUnderstood(attribute->rawValue))
             throw Exception("The document has content that a program must understand to read it: " +
                             toUDEString(std::u16string(attribute->rawValue.substr(0, 80))));
@@ -148,7 +150,7 @@ private:
     }
 
     bool isUnderstood(std::u16string_view namespaceURI) const {
-        return namespaceURI == NAMESPACE ||
+        return namespaceURI == COMPATIBILITY_NAMESPACE ||
                std::find(understood.begin(), understood.end(), namespaceURI) != understood.end();
     }
 
@@ -177,7 +179,7 @@ private:
 
 MarkupCompatibility::MarkupCompatibility(const Markup& markup,
                                          const std::vector<std::u16string_view>& understood) {
-    const auto isUsed = [](const auto& named) { return named.namespaceURI == NAMESPACE; };
+    const auto isUsed = [](const auto& named) { return named.namespaceURI == COMPATIBILITY_NAMESPACE; };
     const auto& elements = markup.elements();
     if (std::any_of(markup.allAttributes().begin(), markup.allAttributes().end(), isUsed)) {
         CompatibilityWalk(markup, understood, *this).go();

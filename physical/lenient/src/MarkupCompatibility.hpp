@@ -7,6 +7,9 @@
 
 namespace opc::physical::lenient {
 
+inline constexpr std::u16string_view COMPATIBILITY_NAMESPACE =
+    u"http://schemas.openxmlformats.org/markup-compatibility/2006";
+
 /// What a document is for a program that processes markup compatibility (ECMA-376 Part 3), as one that reads relationships
 /// does [M1.31].
 class MarkupCompatibility {

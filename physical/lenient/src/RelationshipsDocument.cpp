@@ -6,6 +6,7 @@
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/RelationshipRules.hpp>
+#include <opc/model/RelationshipsVocabulary.hpp>
 
 #include <algorithm>
 #include <array>
@@ -17,8 +18,8 @@ namespace opc::physical::lenient {
 namespace {
 
 using model::RelationshipRules;
+using namespace model::vocabulary::relationships;
 
-constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/relationships";
 /// Of the format as it was before the standard.
 constexpr std::u16string_view OLD_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/relationships";
 constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
@@ -33,13 +34,13 @@ bool isOurs(std::u16string_view namespaceURI) {
 }
 
 bool isRelationship(const Element& element) {
-    return isOurs(element.namespaceURI) && element.localName == u"Relationship";
+    return isOurs(element.namespaceURI) && element.localName == RELATIONSHIP;
 }
 
 /// Turns a type of the format as it was before the standard into that of today.
 void makeTypeOfToday(std::u16string& type) {
     if (type.compare(0, OLD_NAMESPACE.size(), OLD_NAMESPACE) == 0)
-        type.replace(0, OLD_NAMESPACE.size(), NAMESPACE);
+        type.replace(0, OLD_NAMESPACE.size(), NAMESPACE.wide());
 }
 
 /// The rule that a relationship breaks by a defect.
@@ -97,7 +98,7 @@ private:
     void takeRoot() {
         const Element& root = markup.root();
         if (compatibility.role(0) != MarkupCompatibility::Role::Content || !isOurs(root.namespaceURI) ||
-            root.localName != u"Relationships")
+            root.localName != RELATIONSHIPS)
             throw Exception("The root isn't a Relationships element.");
         if (root.namespaceURI == OLD_NAMESPACE)
             document.found.push_back(
@@ -144,7 +145,7 @@ private:
     /// @return empty if there is none
     std::string findDefect(std::size_t place) const {
         const Element& element = markup.elements()[place];
-        std::string defect = findUndeclared(element, {u"Id", u"Type", u"Target", u"TargetMode"});
+        std::string defect = findUndeclared(element, {ID, TYPE, TARGET, TARGET_MODE});
         if (!defect.empty())
             return defect;
         if (parents[place])
@@ -157,8 +158,8 @@ private:
                 return std::nullopt;
             return values.emplace_back(attribute->value());
         };
-        const RelationshipRules::Attributes attributes{value(u"Id"), value(u"Type"), value(u"Target"),
-                                                       value(u"TargetMode")};
+        const RelationshipRules::Attributes attributes{value(ID), value(TYPE), value(TARGET),
+                                                       value(TARGET_MODE)};
         defect = RelationshipRules::findDefect(attributes);
         if (defect.empty() && std::any_of(values.begin(), values.end(), hasControls))
             return "has a control character";
@@ -198,7 +199,7 @@ private:
     }
 
     void keepID(const Element& element) {
-        if (const Attribute* attribute = markup.findAttribute(element, u"", u"Id"))
+        if (const Attribute* attribute = markup.findAttribute(element, u"", ID))
             document.otherIDs.insert(RelationshipRules::read(attribute->value()));
     }
 
@@ -227,11 +228,11 @@ Bytes RelationshipsDocument::view() const {
     composed += u">";
     for (const ReadRelationship& relationship : taken) {
         composed += u"<Relationship";
-        addAttribute(composed, u"Id", relationship.id);
-        addAttribute(composed, u"Type", relationship.type);
-        addAttribute(composed, u"Target", relationship.target);
+        addAttribute(composed, ID, relationship.id);
+        addAttribute(composed, TYPE, relationship.type);
+        addAttribute(composed, TARGET, relationship.target);
         if (relationship.isExternal)
-            addAttribute(composed, u"TargetMode", u"External");
+            addAttribute(composed, TARGET_MODE, EXTERNAL);
         composed += u"/>";
     }
     const std::string narrow = detail::toUTF8String(composed += u"</Relationships>", true);
@@ -243,8 +244,8 @@ ReadRelationship readRelationship(const Markup& markup, std::size_t element) {
         const Attribute* const attribute = markup.findAttribute(markup.elements()[element], u"", name);
         return attribute != nullptr ? attribute->value() : std::u16string();
     };
-    return {element, RelationshipRules::read(value(u"Id")), RelationshipRules::read(value(u"Type")),
-            RelationshipRules::read(value(u"Target")), value(u"TargetMode") == u"External"};
+    return {element, RelationshipRules::read(value(ID)), RelationshipRules::read(value(TYPE)),
+            RelationshipRules::read(value(TARGET)), value(TARGET_MODE) == EXTERNAL.wide()};
 }
 
 bool mayRepeatCoreProperties(std::string_view document) {

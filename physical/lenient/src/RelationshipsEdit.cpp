@@ -3,6 +3,7 @@
 #include "DocumentEdits.hpp"
 
 #include <opc/core/Exception.hpp>
+#include <opc/model/RelationshipsVocabulary.hpp>
 
 #include <map>
 #include <string_view>
@@ -11,6 +12,8 @@
 namespace opc::physical::lenient {
 
 namespace {
+
+using namespace model::vocabulary::relationships;
 
 std::vector<ReadRelationship> readWritten(const Bytes& written) {
     const auto text = DocumentText::decode(written);
@@ -26,13 +29,13 @@ std::vector<ReadRelationship> readWritten(const Bytes& written) {
 /// In front of what would count before it, or else behind all others.
 void add(DocumentEdits& edits, const ReadRelationship& relationship, const Element* next) {
     DocumentEdits::NewAttributes attributes = {
-        {u"Id", relationship.id}, {u"Type", relationship.type}, {u"Target", relationship.target}};
+        {ID, relationship.id}, {TYPE, relationship.type}, {TARGET, relationship.target}};
     if (relationship.isExternal)
-        attributes.emplace_back(u"TargetMode", u"External");
+        attributes.emplace_back(TARGET_MODE, EXTERNAL);
     if (next != nullptr)
-        edits.insert(*next, u"Relationship", attributes);
+        edits.insert(*next, RELATIONSHIP, attributes);
     else
-        edits.append(u"Relationship", attributes);
+        edits.append(RELATIONSHIP, attributes);
 }
 
 } // namespace

@@ -4,16 +4,21 @@
 #include "ReadStream.hpp"
 
 #include <opc/core/Exception.hpp>
+#include <opc/model/RelationshipsVocabulary.hpp>
 
-#include <string_view>
+#include <string>
 #include <utility>
 
 namespace opc::physical::lenient {
 
 namespace {
 
-constexpr std::string_view NO_RELATIONSHIPS =
-    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"/>";
+Bytes noRelationships() {
+    using namespace model::vocabulary::relationships;
+    std::string document;
+    document.append("<").append(RELATIONSHIPS).append(" xmlns=\"").append(NAMESPACE).append("\"/>");
+    return Bytes(document.begin(), document.end());
+}
 
 } // namespace
 
@@ -39,7 +44,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::getInputStream() {
                          std::string("can't be read: ") + e.what(),
                          "taken to have no relationships, and kept in the file",
                          true});
-        return give(Bytes(NO_RELATIONSHIPS.begin(), NO_RELATIONSHIPS.end()));
+        return give(noRelationships());
     }
 }
 
