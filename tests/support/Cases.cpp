@@ -1,8 +1,10 @@
 #include "support/Cases.hpp"
 #include "support/Texts.hpp"
 
+#include <algorithm>
 #include <fstream>
 #include <map>
+#include <stdexcept>
 
 namespace opc::test {
 
@@ -42,51 +44,70 @@ std::vector<std::string> split(const std::string& line, std::vector<std::string>
     return columns;
 }
 
-} // namespace
+struct Line {
+    std::string place, text;
+};
 
-std::vector<FileCase> readCases(const std::string& file, std::size_t columns) {
-    std::vector<FileCase> lines;
+/// The lines of a file but for comments, each with those that continue it.
+std::vector<Line> readLines(const std::string& file) {
+    std::vector<Line> lines;
     std::ifstream stream(OPCMODEL_TEST_DATA "/" + file);
     std::size_t number = 0;
     for (std::string line; std::getline(stream, line);) {
         ++number;
-        if (line.empty() || line == "#" || line.rfind("# ", 0) == 0)
-            continue;
         const std::size_t first = line.find_first_not_of(' ');
+        if (first == std::string::npos || line == "#" || line.rfind("# ", 0) == 0)
+            continue;
         if (first > 0 && !lines.empty())
-            lines.back().columns[0] += line.substr(line[first] == '<' ? first : first - 1);
+            lines.back().text += line.substr(line[first] == '<' ? first : first - 1);
         else
-            lines.push_back({file + ":" + std::to_string(number), {line}});
+            lines.push_back({file + ":" + std::to_string(number), line});
     }
+    return lines;
+}
+
+/// The names of a file with their texts.
+using Definitions = std::vector<std::pair<std::string, std::string>>;
+
+std::string expanded(std::string line, const Definitions& definitions) {
+    for (const auto& [name, text] : definitions)
+        line = replacedAll(line, name, text);
+    return line;
+}
+
+} // namespace
+
+std::vector<FileCase> readCases(const std::string& file, std::size_t columns) {
+    const auto require = [](bool holds, const std::string& place, const std::string& fault) {
+        if (!holds)
+            throw std::runtime_error(place + ": " + fault);
+    };
     std::vector<FileCase> cases;
+    Definitions definitions;
     std::vector<std::string> heading;
-    std::vector<std::pair<std::string, std::string>> definitions;
-    std::string unused = file; // the place of what has no cases as yet
-    for (const auto& [place, texts] : lines) {
-        std::string line = texts[0];
-        const std::size_t equals = line.front() == '{' ? line.find("} = ") : std::string::npos;
-        for (const auto& [name, text] : definitions)
-            line = replacedAll(line, name, text);
+    std::string unusedHeading; // its place
+    for (const auto& [place, text] : readLines(file)) {
+        const std::size_t equals = text.front() == '{' ? text.find("} = ") : std::string::npos;
         if (equals != std::string::npos) {
-            definitions.emplace_back(texts[0].substr(0, equals + 1), line.substr(line.find("} = ") + 4));
+            definitions.emplace_back(text.substr(0, equals + 1),
+                                     expanded(text.substr(equals + 4), definitions));
             continue;
         }
-        if (!definitions.empty() && line.find('{') != std::string::npos)
-            throw std::runtime_error(place + ": this name isn't defined");
+        const std::string line = expanded(text, definitions);
+        require(definitions.empty() || line.find('{') == std::string::npos, place, "this name isn't defined");
         if (line.front() == '[' && line.back() == ']') {
-            if (!heading.empty() && !unused.empty())
-                break;
+            require(unusedHeading.empty(), unusedHeading, "no cases");
             heading = split(line.substr(1, line.size() - 2), {});
-            unused = place;
+            unusedHeading = place;
             continue;
         }
         cases.push_back({place, split(line, heading)});
-        if (cases.back().columns.size() != columns)
-            throw std::runtime_error(place + ": there should be " + std::to_string(columns) + " columns");
-        unused.clear();
+        require(cases.back().columns.size() == columns, place,
+                "there should be " + std::to_string(columns) + " columns");
+        unusedHeading.clear();
     }
-    if (!unused.empty())
-        throw std::runtime_error(unused + ": no cases");
+    require(!cases.empty(), file, "no cases");
+    require(unusedHeading.empty(), unusedHeading, "no cases");
     return cases;
 }
 

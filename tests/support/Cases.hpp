@@ -27,11 +27,10 @@ std::vector<FileCase> readCases(const std::string& file, std::size_t columns);
 /// The text in a file of one case.
 std::string readCase(const std::string& file);
 
-/// Calls `check` with the columns of each case of the file: texts in UTF-8 or UTF-16, as its parameters are. A
-/// failure in it names the file and the line of the case.
+/// What `forEachCase` does once it knows the parameters of `check`.
 template <typename... Texts, std::size_t... Index>
-void forEachCase(const std::string& file, const std::function<void(Texts...)>& check,
-                 std::index_sequence<Index...> /*columns*/) {
+void checkCases(const std::string& file, const std::function<void(Texts...)>& check,
+                std::index_sequence<Index...> /*columns*/) {
     const auto convert = [](const std::string& column, auto* type) {
         if constexpr (std::is_same_v<decltype(type), std::u16string*>)
             return toString(column, true);
@@ -48,12 +47,15 @@ void forEachCase(const std::string& file, const std::function<void(Texts...)>& c
     }
 }
 template <typename... Texts>
-void forEachCase(const std::string& file, const std::function<void(Texts...)>& check) {
-    forEachCase(file, check, std::index_sequence_for<Texts...>());
+void checkCases(const std::string& file, const std::function<void(Texts...)>& check) {
+    checkCases(file, check, std::index_sequence_for<Texts...>());
 }
+
+/// Calls `check` with the columns of each case of the file: texts in UTF-8 or UTF-16, as its parameters are. A
+/// failure in it names the file and the line of the case.
 template <typename Check>
 void forEachCase(const std::string& file, const Check& check) {
-    forEachCase(file, std::function(check));
+    checkCases(file, std::function(check));
 }
 
 } // namespace opc::test
