@@ -52,7 +52,8 @@ TEST(URI, opaqueOnesHaveSchemeAndFragmentAlone) {
 TEST(URI, comparesTheWholeTextWithoutCase) {
     const auto check = [](const std::u16string& leftText, const std::string& sign,
                           const std::u16string& rightText) {
-        const URI left(leftText), right(rightText);
+        const URI left(leftText);
+        const URI right(rightText);
         const bool isEqual = sign == "=", isLess = sign == "<", isGreater = sign == ">";
         EXPECT_TRUE((left == right) == isEqual && (left != right) == !isEqual);
         EXPECT_TRUE((left < right) == isLess && (right < left) == isGreater);

@@ -142,7 +142,8 @@ TEST_F(ZipAttributes, surviveASaveOrNarrow) {
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
     const bool lists = knowsLists();
     const auto check = [&](const std::string& saver, const std::string& before, const std::string& after) {
-        const Attributes old = Attributes::read(before), kept = Attributes::read(after);
+        const Attributes old = Attributes::read(before);
+        const Attributes kept = Attributes::read(after);
         if ((!isRoot && (saver != "root" || old.owner != ROOT)) || (!lists && !old.list.empty()))
             return;
         makeFile(old);
