@@ -1,7 +1,7 @@
 #include "FuzzTarget.hpp"
 
-#include "package/ContentTypeMap.hpp"
-#include "package/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeSerializer.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "support/PackageContent.hpp"

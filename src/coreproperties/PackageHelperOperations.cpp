@@ -1,7 +1,7 @@
 #include <opc/model/PackageHelper.hpp>
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
-#include "package/StreamRewinder.hpp"
+#include "values/StreamRewinder.hpp"
 #include "xml/DocumentOutput.hpp"
 
 #include <opc/core/Text.hpp>

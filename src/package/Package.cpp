@@ -1,6 +1,6 @@
 #include <opc/model/Package.hpp>
 
-#include "package/ContentTypeSource.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "xml/DocumentBudget.hpp"
 

@@ -1,6 +1,6 @@
 #include <opc/model/Package.hpp>
 
-#include "package/ContentTypeSource.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>

@@ -1,8 +1,8 @@
 #include <opc/model/Package.hpp>
 
+#include "contenttypes/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
 #include "names/PartNameGrammar.hpp"
-#include "package/ContentTypeSerializer.hpp"
-#include "package/ContentTypeSource.hpp"
 #include "xml/LongTags.hpp"
 
 #include <opc/core/Text.hpp>

@@ -1,6 +1,6 @@
 #include <opc/model/Part.hpp>
 
-#include "relationships/RelationshipSourceImpl.hpp"
+#include "package/RelationshipSourceImpl.hpp"
 
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/IPhysicalPartSize.hpp>

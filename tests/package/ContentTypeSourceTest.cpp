@@ -1,6 +1,6 @@
-#include "package/ContentTypeSource.hpp"
-#include "package/ContentTypeMap.hpp"
-#include "package/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeSerializer.hpp"
 #include "support/PackageTest.hpp"
 #include "support/Texts.hpp"
 

@@ -1,8 +1,8 @@
 #include "support/ScannerComparison.hpp"
 
-#include "package/ContentTypeMap.hpp"
-#include "package/ContentTypeSerializer.hpp"
-#include "package/ContentTypesScanner.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypesScanner.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "relationships/RelationshipsScanner.hpp"

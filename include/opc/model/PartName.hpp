@@ -36,7 +36,7 @@ public:
     /// The text after the last dot of the last segment, without the dot; empty if there is no dot.
     std::u16string getExtension() const;
 
-    /// Whether this is the name of a relationships part: its last segment ends in ".rels" and the segment before is
+    /// Whether this is the name of a relationships part: its last segment ends in ".rels", and a segment before is
     /// "_rels". Letter case matters. The package root isn't such a name.
     bool isRelationshipName() const;
 

@@ -1,10 +1,10 @@
 #include <opc/model/PackageCoverage.hpp>
 
-#include "package/StreamRewinder.hpp"
 #include "signatures/coverage/CoverageIndex.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/digests/KeywordsRange.hpp"
 #include "signatures/document/SignatureVocabulary.hpp"
+#include "values/StreamRewinder.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/InputStream.hpp>

@@ -1,8 +1,8 @@
 #include "signatures/digests/PartDigester.hpp"
 
-#include "package/StreamRewinder.hpp"
 #include "signatures/algorithms/DigestEngines.hpp"
 #include "signatures/digests/KeywordsRange.hpp"
+#include "values/StreamRewinder.hpp"
 
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/DigestEngine.hpp>

@@ -1,4 +1,3 @@
-#include "package/StreamRewinder.hpp"
 #include "signatures/coverage/SelectableRelationships.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/coverage/SignedEntities.hpp"
@@ -7,6 +6,7 @@
 #include "signatures/signature/DigitalSignatureData.hpp"
 #include "signatures/signature/SignatureWork.hpp"
 #include "signatures/verification/VerdictTexts.hpp"
+#include "values/StreamRewinder.hpp"
 #include "xml/DocumentBudget.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>

@@ -1,4 +1,4 @@
-#include "relationships/RelationshipSourceImpl.hpp"
+#include "package/RelationshipSourceImpl.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 

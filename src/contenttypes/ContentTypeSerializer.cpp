@@ -1,9 +1,9 @@
-#include "package/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypeSerializer.hpp"
 
-#include "package/ContentTypeMap.hpp"
-#include "package/ContentTypesComposer.hpp"
-#include "package/ContentTypesParsers.hpp"
-#include "package/ContentTypesScanner.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypesComposer.hpp"
+#include "contenttypes/ContentTypesParsers.hpp"
+#include "contenttypes/ContentTypesScanner.hpp"
 #include "xml/ComposeOrSerialize.hpp"
 #include "xml/ElementVisits.hpp"
 #include "xml/LongTags.hpp"
@@ -185,11 +185,10 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, Docu
         else
             ++unread;
     };
-    ReusedParser(contentTypesParsers())
-        .use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
-            const ElementVisits visits(parser, visit);
-            XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
-        });
+    ReusedParser(contentTypesParsers()).use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
+        const ElementVisits visits(parser, visit);
+        XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
+    });
     ContentTypeReader<char16_t> types;
     for (; !defaults.empty(); defaults.pop_front()) {
         const FoundEntry& entry = defaults.front();

@@ -1,6 +1,6 @@
-#include "package/ContentTypesComposer.hpp"
+#include "contenttypes/ContentTypesComposer.hpp"
 
-#include "package/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
 #include "xml/PlainDocumentComposer.hpp"
 
 #include <opc/model/ContentTypesVocabulary.hpp>

@@ -1,4 +1,4 @@
-#include "package/ContentTypesParsers.hpp"
+#include "contenttypes/ContentTypesParsers.hpp"
 
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"

@@ -1,7 +1,7 @@
-#include "package/ContentTypeSource.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
 
-#include "package/ContentTypeMap.hpp"
-#include "package/ContentTypeSerializer.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeSerializer.hpp"
 #include "xml/UnreadElements.hpp"
 
 #include <opc/core/Text.hpp>

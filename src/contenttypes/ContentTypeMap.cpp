@@ -1,4 +1,4 @@
-#include "package/ContentTypeMap.hpp"
+#include "contenttypes/ContentTypeMap.hpp"
 
 namespace opc::model {
 

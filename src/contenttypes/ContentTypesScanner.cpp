@@ -1,4 +1,4 @@
-#include "package/ContentTypesScanner.hpp"
+#include "contenttypes/ContentTypesScanner.hpp"
 
 #include "xml/LongTags.hpp"
 #include "xml/PlainCharacters.hpp"

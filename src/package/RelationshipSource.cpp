@@ -1,7 +1,7 @@
 #include <opc/model/RelationshipSource.hpp>
 
+#include "package/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipID.hpp"
-#include "relationships/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipTarget.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"

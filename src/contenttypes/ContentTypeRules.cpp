@@ -1,8 +1,8 @@
 #include <opc/model/ContentTypeRules.hpp>
 
-#include "package/ContentTypeSource.hpp"
-#include "package/ContentTypesParsers.hpp"
-#include "package/ContentTypesScanner.hpp"
+#include "contenttypes/ContentTypeSource.hpp"
+#include "contenttypes/ContentTypesParsers.hpp"
+#include "contenttypes/ContentTypesScanner.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/SchemaType.hpp"
