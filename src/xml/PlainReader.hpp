@@ -30,12 +30,10 @@ private:
     std::size_t count = 0;
 };
 
-/// Goes through a document in the plain form (`xml/PlainDocument.hpp`). Each operation takes a piece, if it stands
-/// there and is plain. After one that didn't take what it should, the document isn't plain.
-class PlainReader {
+/// Goes through a document piece by piece. Each operation takes a piece, if it stands there.
+class PlainCursor {
 public:
-    /// @param resolved  takes the values of attributes that have references in them; must outlive this object
-    PlainReader(std::string_view document, PlainTexts& resolved) : rest(document), texts(resolved) {}
+    explicit PlainCursor(std::string_view document) : rest(document) {}
 
     bool atEnd() const { return rest.empty(); }
 
@@ -47,6 +45,42 @@ public:
         rest.remove_prefix(expected.size());
         return true;
     }
+
+    /// Everything up to the next tag, or whatever begins like one.
+    std::string_view takeText() {
+        const std::string_view taken = rest.substr(0, rest.find('<'));
+        rest.remove_prefix(taken.size());
+        return taken;
+    }
+
+    /// Everything up to a character, which is taken too.
+    /// @return false if there is no such character; then `text` is the rest of the document
+    bool takeThrough(char end, std::string_view& text) {
+        text = rest.substr(0, rest.find(end));
+        rest.remove_prefix(text.size());
+        if (atEnd())
+            return false;
+        rest.remove_prefix(1);
+        return true;
+    }
+
+    /// What was taken from a place on.
+    /// @param begin  what `position` gave there
+    std::string_view takenSince(const char* begin) const {
+        return {begin, static_cast<std::size_t>(position() - begin)};
+    }
+    const char* position() const { return rest.data(); }
+
+protected:
+    std::string_view rest;
+};
+
+/// Goes through a document in the plain form (`xml/PlainDocument.hpp`). Each operation takes a piece, if it stands
+/// there and is plain. After one that didn't take what it should, the document isn't plain.
+class PlainReader : public PlainCursor {
+public:
+    /// @param resolved  takes the values of attributes that have references in them; must outlive this object
+    PlainReader(std::string_view document, PlainTexts& resolved) : PlainCursor(document), texts(resolved) {}
 
     /// @return whether there was any
     bool skipSpace() { return !takeAll(plain::Space).empty(); }
@@ -67,13 +101,6 @@ public:
     /// The attributes of a start tag, up to its end.
     /// @param isEmpty  set to whether the tag ends the element too
     bool takeAttributes(PlainAttributes& attributes, bool& isEmpty);
-
-    /// Everything up to the next tag, or whatever begins like one.
-    std::string_view takeText() {
-        const std::string_view taken = rest.substr(0, rest.find('<'));
-        rest.remove_prefix(taken.size());
-        return taken;
-    }
 
     bool takeEndTag(std::string_view name);
 
@@ -115,7 +142,6 @@ private:
         return taken;
     }
 
-    std::string_view rest;
     PlainTexts& texts;
     std::size_t comments = 0;
 };

@@ -21,12 +21,14 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
+
 constexpr const char* UNREAD = "holds elements that weren't read";
 constexpr const char* PASSED_OVER = "holds elements that weren't read or were passed over";
 
 /// The content type in the query of a reference; empty if there is none.
 std::u16string_view contentTypeIn(std::u16string_view query) {
-    std::u16string_view start(vocabulary::CONTENT_TYPE_QUERY);
+    std::u16string_view start = CONTENT_TYPE_QUERY;
     start.remove_prefix(1); // the question mark
     return query.substr(0, start.size()) == start ? query.substr(start.size()) : std::u16string_view();
 }

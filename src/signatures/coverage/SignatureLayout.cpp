@@ -1,20 +1,18 @@
 #include "signatures/coverage/SignatureLayout.hpp"
 
+#include "signatures/document/SignatureVocabulary.hpp"
+
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 
 namespace opc::model {
 
-namespace {
-
-const std::u16string SIGNATURES_FOLDER = u"/_xmlsignatures/";
-
-} // namespace
+using namespace vocabulary::signatures;
 
 const std::u16string COUNTERSIGNATURE_ID = u"countersig";
 
 URI getOriginPartURI() {
-    return URI(SIGNATURES_FOLDER + u"origin.sigs");
+    return URI(PARTS_FOLDER.text() + u"origin.sigs");
 }
 
 ContentType getOriginPartContentType() {
@@ -42,14 +40,14 @@ std::u16string getForeignSignatureRelationshipType() {
 }
 
 std::u16string getSignatureName(const std::u16string& signatureID) {
-    return u"sig" + signatureID;
+    return NAME_PREFIX.text() + signatureID;
 }
 
 PartName getSignaturePartName(const std::u16string& name) {
     if (!name.empty() && name.front() == URI::getSlash())
         throw SignatureNotFound(
             "Incorrect signature name provided. It should not start with backslash like a part name.");
-    return PartName(SIGNATURES_FOLDER + name + u".xml");
+    return PartName(PARTS_FOLDER.text() + name + PART_EXTENSION.text());
 }
 
 std::u16string getSignatureRelationshipID(const std::u16string& signatureID) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "signatures/document/SignatureVocabulary.hpp"
+#include "signatures/document/SignatureNames.hpp"
 #include "xml/ReusedParser.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -105,7 +105,7 @@ private:
         std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; ///< made when it is needed
         SignatureNames names;
         PackageSignatureNames packageNames{u""};
-        XercesString packageNamespace{vocabulary::PACKAGE_SIGNATURE_NAMESPACE};
+        XercesString packageNamespace{vocabulary::signatures::PACKAGE_NAMESPACE.text()};
     };
 
     Xerces& wakeXerces();

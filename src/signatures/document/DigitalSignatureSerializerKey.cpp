@@ -18,6 +18,7 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
 using bedrock::crypto::utils::base64Decode;
@@ -51,7 +52,7 @@ void DigitalSignatureSerializer::readValueAndKey(const IndexedElement& root, Sig
     getRequiredElementText(root, m_xerces->names.signatureValue, data.m_signatureValueInXML,
                            m_xerces->names.noNamespace);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
-    data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
+    data.m_namespace = NAMESPACE.text();
     XercesHelper::getElementAttribute(root, m_xerces->names.xmlns, data.m_namespace);
 
     const auto keyInfo = root.getElement(m_xerces->names.keyInfo);
@@ -94,7 +95,7 @@ void DigitalSignatureSerializer::takeScannedValueAndKey(const ScannedSignature& 
                                                         SignatureRecord& data) {
     data.m_signatureValueInXML = widen(scanned.signatureValue);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
-    data.m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
+    data.m_namespace = NAMESPACE.text();
     if (!scanned.modulus.empty())
         setKeyValue({0, widen(scanned.modulus), widen(scanned.exponent)}, data);
     if (scanned.certificates.empty())

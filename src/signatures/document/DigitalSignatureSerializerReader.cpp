@@ -1,11 +1,11 @@
 #include "signatures/document/DigitalSignatureSerializer.hpp"
 
-#include "signatures/document/DocumentErrors.hpp"
 #include "signatures/document/SignatureCost.hpp"
 #include "signatures/document/SignatureForm.hpp"
 #include "signatures/document/SignatureLimits.hpp"
 #include "signatures/document/SignatureRecords.hpp"
 #include "signatures/document/SignatureScanner.hpp"
+#include "xml/DocumentFailures.hpp"
 #include "xml/ElementIndex.hpp"
 #include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
@@ -28,6 +28,8 @@
 namespace opc::model {
 
 namespace {
+
+using namespace vocabulary::signatures;
 
 IdleParsers& signatureParsers() {
     static IdleParsers& parsers = *new IdleParsers([] {
@@ -54,14 +56,14 @@ IndexedElement getOnlyElement(const IndexedElement& parent, const XercesString& 
 
 /// The signature's identifier in the `Id` of the root.
 std::u16string withoutPrefix(const std::u16string& id) {
-    const std::u16string prefix = vocabulary::SIGNATURE_ID_PREFIX;
-    return id.compare(0, prefix.size(), prefix) == 0 ? id.substr(prefix.size()) : id;
+    constexpr std::u16string_view PREFIX = SIGNATURE_ID_PREFIX.wide();
+    return id.compare(0, PREFIX.size(), PREFIX) == 0 ? id.substr(PREFIX.size()) : id;
 }
 
 /// The text of an object as the parser's document gives it: declaring the namespace that it has from its parent.
 std::u16string withNamespaceDeclaration(std::string_view object) {
-    const std::u16string declaration =
-        std::u16string(u" xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u'"';
+    static constexpr auto DECLARATION = " " + attribute::XMLNS + "=\"" + NAMESPACE + "\"";
+    constexpr std::u16string_view declaration = DECLARATION.wide();
     const auto* const place = object.begin() + object.find(' ');
     std::u16string text(object.size() + declaration.size(), u'\0');
     auto end = std::copy(object.begin(), place, text.begin());
@@ -117,11 +119,11 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, Signatur
     data.m_signatureId = withoutPrefix(widen(scanned.id));
     takeScannedValueAndKey(scanned, data);
     data.m_objects.emplace(
-        vocabulary::PACKAGE_OBJECT_ID,
-        SignatureObject{vocabulary::PACKAGE_OBJECT_ID, withNamespaceDeclaration(scanned.object)});
+        PACKAGE_OBJECT_ID.text(),
+        SignatureObject{PACKAGE_OBJECT_ID.text(), withNamespaceDeclaration(scanned.object)});
     data.m_content.manifestReferences = std::move(scanned.manifestReferences);
     data.m_content.signatureProperties.push_back(
-        {u"#" + widen(scanned.propertyTarget), vocabulary::SIGNATURE_TIME_ID, {}, {}});
+        {u"#" + widen(scanned.propertyTarget), SIGNATURE_TIME_ID.text(), {}, {}});
     data.m_signedTime = convertStringToTime(widen(scanned.time));
     data.m_canonicalizationMethod = widen(scanned.canonicalizationMethod);
     data.m_signatureMethod = widen(scanned.signatureMethod);
@@ -194,7 +196,7 @@ void DigitalSignatureSerializer::readObjects(const IndexedElement& root, Signatu
         SignatureObject object{id, {}};
         toText(element, object.XMLBytes);
         data.m_objects.emplace(id, std::move(object));
-        if (id == vocabulary::PACKAGE_OBJECT_ID)
+        if (id == PACKAGE_OBJECT_ID)
             readPackageObject(element, data);
     }
 }
@@ -219,7 +221,7 @@ void DigitalSignatureSerializer::readSignatureProperties(const IndexedElement& p
                                                "XML signature: SignatureProperty does not have a target.");
         XercesHelper::getElementAttribute(element, m_xerces->names.id, property.id);
         data.m_content.signatureProperties.push_back(property);
-        if (property.id == vocabulary::SIGNATURE_TIME_ID)
+        if (property.id == SIGNATURE_TIME_ID)
             readSignatureTime(element, data);
     }
 }

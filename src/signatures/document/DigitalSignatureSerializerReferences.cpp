@@ -11,14 +11,16 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
+
 void throwIfTypeIsNotObject(const std::u16string& type) {
     if (type.empty())
         throw InvalidPartContent("XML signature: referenceType is empty.");
-    if (type == vocabulary::OBJECT_TYPE)
+    if (type == OBJECT_TYPE)
         return;
-    if (type == vocabulary::SIGNATURE_PROPERTIES_TYPE)
+    if (type == SIGNATURE_PROPERTIES_TYPE)
         throw NotImplemented("XMLDSig SignatureProperties element is not supported yet.");
-    if (type == vocabulary::SIGNED_PROPERTIES_TYPE)
+    if (type == SIGNED_PROPERTIES_TYPE)
         throw NotImplemented("XAsES SignedProperties element is not supported yet.");
     throw InvalidPartContent("XML Signature: referenceType not supported yet.");
 }
@@ -81,7 +83,7 @@ void DigitalSignatureSerializer::readReference(const IndexedElement& element, Re
 void DigitalSignatureSerializer::readTransform(const IndexedElement& element, Reference& reference) const {
     std::u16string algorithm =
         getRequiredAttribute(element, m_xerces->names.algorithm, "XML signature: TransformMethod is empty.");
-    if (!vocabulary::isRelationshipTransform(algorithm)) {
+    if (!isRelationshipTransform(algorithm)) {
         reference.transforms.push_back(std::move(algorithm));
         return;
     }

@@ -1,10 +1,10 @@
 #include "signatures/document/DigitalSignatureSerializer.hpp"
 
-#include "signatures/document/DocumentErrors.hpp"
 #include "signatures/document/SignatureComposer.hpp"
 #include "signatures/document/SignatureElements.hpp"
 #include "signatures/document/SignatureRecords.hpp"
 #include "signatures/document/TextElement.hpp"
+#include "xml/DocumentFailures.hpp"
 #include "xml/DocumentOutput.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/XercesFailures.hpp"
@@ -19,6 +19,7 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
@@ -74,8 +75,8 @@ void DigitalSignatureSerializer::writeSignature(const SignatureRecord& data, Out
         document->setXmlStandalone(true);
         DOMElement* const root = XercesHelper::appendElement(document.get(), m_xerces->names.signature);
         XercesHelper::setElementAttribute(root, m_xerces->names.id,
-                                          vocabulary::SIGNATURE_ID_PREFIX + data.m_signatureId);
-        XercesHelper::setElementAttribute(root, m_xerces->names.xmlns, vocabulary::XML_SIGNATURE_NAMESPACE);
+                                          SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
+        XercesHelper::setElementAttribute(root, m_xerces->names.xmlns, NAMESPACE.text());
         appendCopy(root, *buildSignedInfo(data));
         appendTextElement(root, m_xerces->names.signatureValue, data.m_signatureValueInXML);
         if (data.m_keyValue || data.m_certificate)

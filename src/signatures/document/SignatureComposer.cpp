@@ -12,44 +12,58 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
+
+constexpr auto PREFIX = package_element::PREFIX + ":";
+constexpr auto SIGNATURE_TIME = PREFIX + package_element::SIGNATURE_TIME;
+constexpr auto FORMAT = PREFIX + package_element::FORMAT;
+constexpr auto VALUE = PREFIX + package_element::VALUE;
+constexpr auto RELATIONSHIP_REFERENCE = PREFIX + package_element::RELATIONSHIP_REFERENCE;
+constexpr auto RELATIONSHIP_GROUP_REFERENCE = PREFIX + package_element::RELATIONSHIP_GROUP_REFERENCE;
+constexpr auto PREFIX_DECLARATION = attribute::XMLNS + ":" + package_element::PREFIX;
+
 /// Composes the elements of a signature, each from its record.
 class SignatureComposer {
 public:
     explicit SignatureComposer(std::string& text) : xml(text) { text.clear(); }
 
     void addSignature(const SignatureRecord& data) {
-        xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?><Signature)";
-        xml.addAttribute("Id", vocabulary::SIGNATURE_ID_PREFIX + data.m_signatureId);
-        xml.addAttribute("xmlns", vocabulary::XML_SIGNATURE_NAMESPACE);
+        xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)";
+        begin(element::SIGNATURE);
+        xml.addAttribute(attribute::ID, SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
+        xml.addAttribute(attribute::XMLNS, NAMESPACE);
         xml << ">";
         addSignedInfo(data);
-        addTextElement("SignatureValue", data.m_signatureValueInXML);
+        addTextElement(element::SIGNATURE_VALUE, data.m_signatureValueInXML);
         if (data.m_keyValue || data.m_certificate)
             addKeyInfo(data);
         addPackageObject(data.m_content);
-        xml << "</Signature>";
+        end(element::SIGNATURE);
     }
 
     void addSignedInfo(const SignatureRecord& data) {
-        xml << "<SignedInfo";
-        xml.addAttribute("xmlns", vocabulary::XML_SIGNATURE_NAMESPACE);
+        begin(element::SIGNED_INFO);
+        xml.addAttribute(attribute::XMLNS, NAMESPACE);
         xml << ">";
-        addAlgorithm("CanonicalizationMethod", data.m_canonicalizationMethod);
-        addAlgorithm("SignatureMethod", data.m_signatureMethod);
+        addAlgorithm(element::CANONICALIZATION_METHOD, data.m_canonicalizationMethod);
+        addAlgorithm(element::SIGNATURE_METHOD, data.m_signatureMethod);
         addReferences(data.m_content.signedInfoReferences);
-        xml << "</SignedInfo>";
+        end(element::SIGNED_INFO);
     }
 
     void addPackageObject(const SignatureContent& content) {
-        xml << "<Object";
-        xml.addAttribute("Id", vocabulary::PACKAGE_OBJECT_ID);
-        xml.addAttribute("xmlns:pds", vocabulary::PACKAGE_SIGNATURE_NAMESPACE);
-        xml << "><Manifest>";
+        begin(element::OBJECT);
+        xml.addAttribute(attribute::ID, PACKAGE_OBJECT_ID);
+        xml.addAttribute(PREFIX_DECLARATION, PACKAGE_NAMESPACE);
+        xml << ">";
+        beginContent(element::MANIFEST);
         addReferences(content.manifestReferences);
-        xml << "</Manifest><SignatureProperties>";
+        end(element::MANIFEST);
+        beginContent(element::SIGNATURE_PROPERTIES);
         for (const SignatureProperty& property : content.signatureProperties)
             addProperty(property);
-        xml << "</SignatureProperties></Object>";
+        end(element::SIGNATURE_PROPERTIES);
+        end(element::OBJECT);
         hasEmptyList =
             hasEmptyList || content.manifestReferences.empty() || content.signatureProperties.empty();
     }
@@ -57,20 +71,27 @@ public:
     bool isPlain() const { return xml.isPlain() && !hasEmptyList; }
 
 private:
+    /// The start of a tag that has attributes.
+    void begin(std::string_view name) { xml << "<" << name; }
+
+    /// The start tag of an element without attributes.
+    void beginContent(std::string_view name) { xml << "<" << name << ">"; }
+    void end(std::string_view name) { xml << "</" << name << ">"; }
+
     void addTextElement(std::string_view name, std::u16string_view text) {
-        xml << "<" << name << ">";
+        beginContent(name);
         xml.addText(text);
-        xml << "</" << name << ">";
+        end(name);
     }
 
     void addEmptyElement(std::string_view name, std::string_view attribute, std::u16string_view value) {
-        xml << "<" << name;
+        begin(name);
         xml.addAttribute(attribute, value);
         xml << "/>";
     }
 
     void addAlgorithm(std::string_view name, std::u16string_view identifier) {
-        addEmptyElement(name, "Algorithm", identifier);
+        addEmptyElement(name, attribute::ALGORITHM, identifier);
     }
 
     void addAttributeIfNotEmpty(std::string_view name, std::u16string_view value) {
@@ -80,15 +101,15 @@ private:
 
     void addReferences(const std::vector<Reference>& references) {
         for (const Reference& reference : references) {
-            xml << "<Reference";
-            addAttributeIfNotEmpty("Id", reference.referenceID);
-            addAttributeIfNotEmpty("Type", reference.referenceType);
-            addAttributeIfNotEmpty("URI", reference.referenceURI.toString());
+            begin(element::REFERENCE);
+            addAttributeIfNotEmpty(attribute::ID, reference.referenceID);
+            addAttributeIfNotEmpty(attribute::TYPE, reference.referenceType);
+            addAttributeIfNotEmpty(attribute::URI, reference.referenceURI.toString());
             xml << ">";
             addTransforms(reference);
-            addAlgorithm("DigestMethod", reference.digestMethod);
-            addTextElement("DigestValue", reference.digestValue);
-            xml << "</Reference>";
+            addAlgorithm(element::DIGEST_METHOD, reference.digestMethod);
+            addTextElement(element::DIGEST_VALUE, reference.digestValue);
+            end(element::REFERENCE);
         }
     }
 
@@ -96,56 +117,60 @@ private:
         const bool ofRelationships = reference.selectsRelationships();
         if (reference.transforms.empty() && !ofRelationships)
             return;
-        xml << "<Transforms>";
+        beginContent(element::TRANSFORMS);
         for (const std::u16string& algorithm : reference.transforms)
-            addAlgorithm("Transform", algorithm);
+            addAlgorithm(element::TRANSFORM, algorithm);
         if (ofRelationships)
             addRelationshipTransform(reference);
-        xml << "</Transforms>";
+        end(element::TRANSFORMS);
     }
 
     void addRelationshipTransform(const Reference& reference) {
-        xml << "<Transform";
-        xml.addAttribute("Algorithm", vocabulary::RELATIONSHIP_TRANSFORM);
+        begin(element::TRANSFORM);
+        xml.addAttribute(attribute::ALGORITHM, RELATIONSHIP_TRANSFORM);
         xml << ">";
         for (const std::u16string& id : reference.relationshipReferences)
-            addEmptyElement("pds:RelationshipReference", "SourceId", id);
+            addEmptyElement(RELATIONSHIP_REFERENCE, attribute::SOURCE_ID, id);
         for (const std::u16string& type : reference.relationshipGroupReferences)
-            addEmptyElement("pds:RelationshipGroupReference", "SourceType", type);
-        xml << "</Transform>";
+            addEmptyElement(RELATIONSHIP_GROUP_REFERENCE, attribute::SOURCE_TYPE, type);
+        end(element::TRANSFORM);
     }
 
     void addProperty(const SignatureProperty& property) {
-        xml << "<SignatureProperty";
-        addAttributeIfNotEmpty("Id", property.id);
-        xml.addAttribute("Target", property.target);
-        xml << "><pds:SignatureTime>";
-        addTextElement("pds:Format", property.format);
-        addTextElement("pds:Value", property.value);
-        xml << "</pds:SignatureTime></SignatureProperty>";
+        begin(element::SIGNATURE_PROPERTY);
+        addAttributeIfNotEmpty(attribute::ID, property.id);
+        xml.addAttribute(attribute::TARGET, property.target);
+        xml << ">";
+        beginContent(SIGNATURE_TIME);
+        addTextElement(FORMAT, property.format);
+        addTextElement(VALUE, property.value);
+        end(SIGNATURE_TIME);
+        end(element::SIGNATURE_PROPERTY);
     }
 
     void addKeyInfo(const SignatureRecord& data) {
-        xml << "<KeyInfo>";
+        beginContent(element::KEY_INFO);
         if (data.m_keyValue) {
-            xml << "<KeyValue><RSAKeyValue>";
-            addTextElement("Modulus", data.m_keyValue->modulus);
-            addTextElement("Exponent", data.m_keyValue->exponent);
-            xml << "</RSAKeyValue></KeyValue>";
+            beginContent(element::KEY_VALUE);
+            beginContent(element::RSA_KEY_VALUE);
+            addTextElement(element::MODULUS, data.m_keyValue->modulus);
+            addTextElement(element::EXPONENT, data.m_keyValue->exponent);
+            end(element::RSA_KEY_VALUE);
+            end(element::KEY_VALUE);
         }
         if (data.m_certificate) {
-            xml << "<X509Data>";
+            beginContent(element::X509_DATA);
             addCertificate(*data.m_certificate);
             if (data.m_certificateChain)
                 for (const auto& certificate : data.m_certificateChain->getCertificates())
                     addCertificate(certificate);
-            xml << "</X509Data>";
+            end(element::X509_DATA);
         }
-        xml << "</KeyInfo>";
+        end(element::KEY_INFO);
     }
 
     void addCertificate(const bedrock::certificates::X509Certificate& certificate) {
-        addTextElement("X509Certificate", toString(certificate.getAsString(), false));
+        addTextElement(element::X509_CERTIFICATE, toString(certificate.getAsString(), false));
     }
 
     PlainMarkup xml;

@@ -1,10 +1,10 @@
 #include "signatures/document/SignatureElements.hpp"
 
-#include "signatures/document/DocumentErrors.hpp"
 #include "signatures/document/SignatureComposer.hpp"
+#include "signatures/document/SignatureNames.hpp"
 #include "signatures/document/SignatureRecords.hpp"
-#include "signatures/document/SignatureVocabulary.hpp"
 #include "signatures/document/TextElement.hpp"
+#include "xml/DocumentFailures.hpp"
 
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
@@ -15,11 +15,14 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using xercesc::DOMElement;
 
 /// Elements and attributes are built without namespaces: the prefix belongs to the name, and declarations are
 /// attributes like any other. What is digested rests on that form.
-constexpr char16_t PREFIX[] = u"pds:";
+struct WrittenNames : PackageSignatureNames {
+    WrittenNames() : PackageSignatureNames((package_element::PREFIX + ":").text()) {}
+};
 
 DOMElement* appendElementWithAttribute(DOMElement* parent, const XercesString& name,
                                        const XercesString& attribute, const std::u16string& value) {
@@ -60,7 +63,7 @@ private:
 
     void appendRelationshipTransform(DOMElement* parent, const Reference& reference) const {
         DOMElement* const element = appendElementWithAttribute(parent, names.transform, names.algorithm,
-                                                               vocabulary::RELATIONSHIP_TRANSFORM);
+                                                               RELATIONSHIP_TRANSFORM.text());
         for (const std::u16string& id : reference.relationshipReferences)
             appendElementWithAttribute(element, packageNames.relationshipReference, packageNames.sourceId,
                                        id);
@@ -70,7 +73,7 @@ private:
     }
 
     SignatureNames names;
-    PackageSignatureNames packageNames{PREFIX};
+    WrittenNames packageNames;
 };
 
 void appendProperty(DOMElement* parent, const SignatureProperty& property, const SignatureNames& names,
@@ -110,7 +113,7 @@ OwnedDocument buildSignedInfo(const SignatureRecord& record) {
                                    record.m_canonicalizationMethod);
         appendElementWithAttribute(signedInfo, names.signatureMethod, names.algorithm,
                                    record.m_signatureMethod);
-        XercesHelper::setElementAttribute(signedInfo, names.xmlns, vocabulary::XML_SIGNATURE_NAMESPACE);
+        XercesHelper::setElementAttribute(signedInfo, names.xmlns, NAMESPACE.text());
         appendReferences(signedInfo, record.m_content.signedInfoReferences);
         return document;
     });
@@ -119,12 +122,13 @@ OwnedDocument buildSignedInfo(const SignatureRecord& record) {
 OwnedDocument buildPackageObject(const SignatureContent& content) {
     return translateDocumentFailures([&content] {
         const SignatureNames names;
-        const PackageSignatureNames packageNames(PREFIX);
+        const WrittenNames packageNames;
         auto document = XercesHelper::createDocument();
         DOMElement* const object = XercesHelper::appendElement(document.get(), names.object);
-        XercesHelper::setElementAttribute(object, names.id, vocabulary::PACKAGE_OBJECT_ID);
-        XercesHelper::setElementAttribute(object, XercesString(u"xmlns:pds"),
-                                          vocabulary::PACKAGE_SIGNATURE_NAMESPACE);
+        XercesHelper::setElementAttribute(object, names.id, PACKAGE_OBJECT_ID.text());
+        XercesHelper::setElementAttribute(
+            object, XercesString((attribute::XMLNS + ":" + package_element::PREFIX).text()),
+            PACKAGE_NAMESPACE.text());
         appendReferences(XercesHelper::appendElement(object, names.manifest), content.manifestReferences);
         DOMElement* const properties = XercesHelper::appendElement(object, names.signatureProperties);
         for (const SignatureProperty& property : content.signatureProperties)

@@ -21,6 +21,7 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 using Text = std::u16string_view;
@@ -41,44 +42,45 @@ struct Rule {
 
 /// These hold in the whole document. The root is the only one without a parent.
 constexpr Rule OF_DOCUMENT[] = {
-    {u"Signature"},
-    {u"SignedInfo", {u"Signature"}},
-    {u"SignatureValue", {u"Signature"}},
-    {u"KeyInfo", {u"Signature"}},
+    {element::SIGNATURE},
+    {element::SIGNED_INFO, {element::SIGNATURE}},
+    {element::SIGNATURE_VALUE, {element::SIGNATURE}},
+    {element::KEY_INFO, {element::SIGNATURE}},
 };
 
 /// These hold in `SignedInfo`, in the package object and in `KeyInfo`.
 constexpr Rule OF_CONTENT[] = {
-    {u"Object", {u"Signature"}},
-    {u"CanonicalizationMethod", {u"SignedInfo"}},
-    {u"SignatureMethod", {u"SignedInfo"}},
-    {u"Manifest", {u"Object"}},
-    {u"Reference", {u"SignedInfo", u"Manifest"}},
-    {u"Transforms", {u"Reference", u"RetrievalMethod"}},
-    {u"Transform", {u"Transforms"}},
-    {u"DigestMethod", {u"Reference"}},
-    {u"DigestValue", {u"Reference"}},
-    {u"SignatureProperties", {u"Object"}},
-    {u"SignatureProperty", {u"SignatureProperties"}},
-    {u"KeyValue", {u"KeyInfo"}},
-    {u"RSAKeyValue", {u"KeyValue"}},
-    {u"Modulus", {u"RSAKeyValue"}},
-    {u"Exponent", {u"RSAKeyValue"}},
-    {u"X509Data", {u"KeyInfo"}},
-    {u"X509Certificate", {u"X509Data"}},
+    {element::OBJECT, {element::SIGNATURE}},
+    {element::CANONICALIZATION_METHOD, {element::SIGNED_INFO}},
+    {element::SIGNATURE_METHOD, {element::SIGNED_INFO}},
+    {element::MANIFEST, {element::OBJECT}},
+    {element::REFERENCE, {element::SIGNED_INFO, element::MANIFEST}},
+    {element::TRANSFORMS, {element::REFERENCE, element::RETRIEVAL_METHOD}},
+    {element::TRANSFORM, {element::TRANSFORMS}},
+    {element::DIGEST_METHOD, {element::REFERENCE}},
+    {element::DIGEST_VALUE, {element::REFERENCE}},
+    {element::SIGNATURE_PROPERTIES, {element::OBJECT}},
+    {element::SIGNATURE_PROPERTY, {element::SIGNATURE_PROPERTIES}},
+    {element::KEY_VALUE, {element::KEY_INFO}},
+    {element::RSA_KEY_VALUE, {element::KEY_VALUE}},
+    {element::MODULUS, {element::RSA_KEY_VALUE}},
+    {element::EXPONENT, {element::RSA_KEY_VALUE}},
+    {element::X509_DATA, {element::KEY_INFO}},
+    {element::X509_CERTIFICATE, {element::X509_DATA}},
 };
 
 /// The same for the elements of the package signature namespace, which bear any prefix.
 constexpr Rule OF_PACKAGE[] = {
-    {u"SignatureTime", {u"SignatureProperty"}},
-    {u"Format", {u"SignatureTime"}},
-    {u"Value", {u"SignatureTime"}},
-    {u"RelationshipReference", {u"Transform"}},
-    {u"RelationshipGroupReference", {u"Transform"}},
+    {package_element::SIGNATURE_TIME, {element::SIGNATURE_PROPERTY}},
+    {package_element::FORMAT, {package_element::SIGNATURE_TIME}},
+    {package_element::VALUE, {package_element::SIGNATURE_TIME}},
+    {package_element::RELATIONSHIP_REFERENCE, {element::TRANSFORM}},
+    {package_element::RELATIONSHIP_GROUP_REFERENCE, {element::TRANSFORM}},
 };
 
-constexpr Text VALUES[] = {u"DigestValue",     u"SignatureValue", u"Modulus", u"Exponent",
-                           u"X509Certificate", u"Format",         u"Value"};
+constexpr Text VALUES[] = {element::DIGEST_VALUE, element::SIGNATURE_VALUE,  element::MODULUS,
+                           element::EXPONENT,     element::X509_CERTIFICATE, package_element::FORMAT,
+                           package_element::VALUE};
 
 constexpr Text CANONICALIZATIONS[] = {
     u"http://www.w3.org/TR/2001/REC-xml-c14n-20010315",
@@ -118,9 +120,9 @@ public:
     explicit FormCheck(const SignatureContent& content) {
         for (const Reference& reference : content.signedInfoReferences)
             addReference(reference);
-        if (identifiers.count(vocabulary::PACKAGE_OBJECT_ID) == 0)
+        if (identifiers.count(PACKAGE_OBJECT_ID.wide()) == 0)
             refuse("SignedInfo doesn't reference the package object.");
-        identifiers.emplace(vocabulary::SIGNATURE_TIME_ID, 0);
+        identifiers.emplace(SIGNATURE_TIME_ID.text(), 0);
     }
 
     void check(const ElementIndex& document) {
@@ -161,22 +163,21 @@ private:
         const Text space = toText(element->getNamespaceURI());
         return {element,
                 toText(element->getLocalName()),
-                space == vocabulary::XML_SIGNATURE_NAMESPACE,
-                space == vocabulary::PACKAGE_SIGNATURE_NAMESPACE,
+                space == NAMESPACE,
+                space == PACKAGE_NAMESPACE,
                 !toText(element->getPrefix()).empty(),
                 indexed.end()};
     }
 
     Section sectionOf(const Entry& entry) const {
-        if (entry.name == u"SignedInfo")
+        if (entry.name == element::SIGNED_INFO)
             return Section::SignedInfo;
-        if (entry.name == u"KeyInfo")
+        if (entry.name == element::KEY_INFO)
             return Section::KeyInfo;
-        const auto id = identifiers.find(toText(entry.element->getAttribute(u"Id")));
-        if (entry.name != u"Object" || id == identifiers.end())
+        const auto id = identifiers.find(toText(entry.element->getAttribute(attribute::ID.wide().data())));
+        if (entry.name != element::OBJECT || id == identifiers.end())
             return Section::Other;
-        return id->first == vocabulary::PACKAGE_OBJECT_ID ? Section::PackageObject
-                                                          : Section::ReferencedObject;
+        return id->first == PACKAGE_OBJECT_ID ? Section::PackageObject : Section::ReferencedObject;
     }
 
     void checkIdentifiers(const Entry& entry) {
@@ -191,15 +192,15 @@ private:
             const std::string id = toUDEString(std::u16string(found->first));
             if (++found->second > 1)
                 refuse("The identifier " + id + " stands more than once.");
-            if (found->first == vocabulary::SIGNATURE_TIME_ID
-                    ? section != Section::PackageObject || entry.name != u"SignatureProperty"
-                    : around.size() != 1 || entry.name != u"Object")
+            if (found->first == SIGNATURE_TIME_ID
+                    ? section != Section::PackageObject || entry.name != element::SIGNATURE_PROPERTY
+                    : around.size() != 1 || entry.name != element::OBJECT)
                 refuse("The identifier " + id + " stands in the wrong place.");
         }
     }
 
     void checkPlace(const Entry& entry) {
-        if (around.empty() && !(entry.isOfSignature && entry.name == u"Signature"))
+        if (around.empty() && !(entry.isOfSignature && entry.name == element::SIGNATURE))
             refuse("The root isn't a Signature.");
         if (entry.isOfPackage)
             checkPlaceOfPackage(entry);
@@ -207,21 +208,22 @@ private:
             return;
         if (const Rule* const rule = findRule(OF_DOCUMENT, entry.name))
             requirePlace(entry, *rule, entry.isOfSignature);
-        if (entry.name == u"Manifest" && (section == Section::Other || section == Section::KeyInfo))
+        if (entry.name == element::MANIFEST && (section == Section::Other || section == Section::KeyInfo))
             refuse("A Manifest lies outside of what SignedInfo references.");
         const Rule* const rule = findRule(OF_CONTENT, entry.name);
         if (rule == nullptr || !isRead())
             return;
         requirePlace(entry, *rule, entry.isOfSignature && !entry.hasPrefix);
-        if (entry.name == u"Transform" && section == Section::SignedInfo &&
-            !isAmong(CANONICALIZATIONS, toText(entry.element->getAttribute(u"Algorithm"))))
+        if (entry.name == element::TRANSFORM && section == Section::SignedInfo &&
+            !isAmong(CANONICALIZATIONS,
+                     toText(entry.element->getAttribute(attribute::ALGORITHM.wide().data()))))
             refuse("SignedInfo references an object through a transform that isn't supported.");
     }
 
     void checkPlaceOfPackage(const Entry& entry) {
-        if (entry.name == u"SignatureTime" && section != Section::PackageObject)
+        if (entry.name == package_element::SIGNATURE_TIME && section != Section::PackageObject)
             refuse("A SignatureTime lies outside of the package object.");
-        if (entry.name == u"SignatureTime" && std::exchange(hasTime, true))
+        if (entry.name == package_element::SIGNATURE_TIME && std::exchange(hasTime, true))
             refuse("There is more than one SignatureTime.");
         const Rule* const rule = findRule(OF_PACKAGE, entry.name);
         if (rule != nullptr && isRead())
@@ -232,7 +234,7 @@ private:
 
     static bool isParent(const Entry& parent, const Rule& rule) {
         return isAmong(rule.parents, parent.name) &&
-               (parent.name == u"SignatureTime" ? parent.isOfPackage : parent.isOfSignature);
+               (parent.name == package_element::SIGNATURE_TIME ? parent.isOfPackage : parent.isOfSignature);
     }
 
     void requirePlace(const Entry& entry, const Rule& rule, bool isNamedRight) const {

@@ -58,7 +58,7 @@ bool SignatureLimits::isContent(const IndexedElement& element) const {
     std::u16string id;
     return element.isNamed(names.signedInfo) ||
            (element.isNamed(names.object) && XercesHelper::getElementAttribute(element, names.id, id) &&
-            id == vocabulary::PACKAGE_OBJECT_ID);
+            id == vocabulary::signatures::PACKAGE_OBJECT_ID);
 }
 
 } // namespace opc::model

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "signatures/document/SignatureVocabulary.hpp"
+#include "signatures/document/SignatureNames.hpp"
 
 namespace opc::model {
 

@@ -2,6 +2,7 @@
 
 #include "signatures/document/SignatureVocabulary.hpp"
 #include "xml/PlainDocument.hpp"
+#include "xml/PlainReader.hpp"
 #include "xml/PlainURI.hpp"
 
 #include <algorithm>
@@ -10,21 +11,19 @@ namespace opc::model {
 
 namespace {
 
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-constexpr bool isAlphanumeric(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || isDigit(c);
-}
+using namespace vocabulary::signatures;
+using plain::is;
 
 /// What is written into an attribute as it is.
 constexpr bool isPlainValueChar(char c) {
-    return c >= ' ' && c <= '~' && c != '<' && c != '>' && c != '&' && c != '"';
+    return is(c, plain::DoubleQuoted) && c != '>';
 }
 
-bool isPlainContentType(std::string_view text) {
+/// Whether a text can stand behind `CONTENT_TYPE_QUERY` as it is.
+bool isPlainQueryValue(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        return isAlphanumeric(c) || c == '-' || c == '.' || c == '_' || c == '+' || c == '/';
+        return is(c, plain::Letter | plain::Digit) || c == '-' || c == '.' || c == '_' || c == '+' ||
+               c == '/';
     });
 }
 
@@ -35,11 +34,11 @@ bool isPlainReference(std::string_view written) {
 
 /// Whether a text is the URI of a signed part: its name and its content type.
 bool isPlainPartReference(std::string_view text) {
-    constexpr std::string_view QUERY = "?ContentType=";
+    constexpr std::string_view QUERY = CONTENT_TYPE_QUERY;
     const std::size_t path = std::min(text.find('?'), text.size());
     return path > 0 && text.front() == '/' && isPlainReference(text.substr(0, path)) &&
            text.compare(path, QUERY.size(), QUERY) == 0 &&
-           isPlainContentType(text.substr(path + QUERY.size()));
+           isPlainQueryValue(text.substr(path + QUERY.size()));
 }
 
 /// Whether a text is the identifier of an algorithm in a usual form.
@@ -55,7 +54,7 @@ constexpr unsigned base64Value(char c) {
         return static_cast<unsigned>(c - 'A');
     if (c >= 'a' && c <= 'z')
         return static_cast<unsigned>(c - 'a') + 26;
-    if (isDigit(c))
+    if (c >= '0' && c <= '9')
         return static_cast<unsigned>(c - '0') + 52;
     return c == '+' ? 62 : c == '/' ? 63 : 64;
 }
@@ -72,67 +71,131 @@ bool isPlainBase64(std::string_view text) {
            (base64Value(text.back()) & unusedBits) == 0;
 }
 
-/// Goes through the document once. Each operation takes a piece, if it stands there and is plain; after one
-/// that doesn't the document isn't recognised.
+template <std::size_t Size>
+constexpr auto startOf(const AsciiLiteral<Size>& element) {
+    return "<" + element + ">";
+}
+
+template <std::size_t Size>
+constexpr auto endOf(const AsciiLiteral<Size>& element) {
+    return "</" + element + ">";
+}
+
+template <std::size_t Size>
+constexpr auto startOfValue(const AsciiLiteral<Size>& attribute) {
+    return " " + attribute + "=\"";
+}
+
+template <std::size_t Size>
+constexpr auto startOfAlgorithm(const AsciiLiteral<Size>& element) {
+    return "<" + element + startOfValue(attribute::ALGORITHM);
+}
+
+template <std::size_t Size>
+constexpr auto prefixed(const AsciiLiteral<Size>& name) {
+    return package_element::PREFIX + ":" + name;
+}
+
+/// The tags around the content of an element without attributes.
+template <std::size_t Size>
+struct Tags {
+    explicit constexpr Tags(const AsciiLiteral<Size>& element)
+        : start(startOf(element)), end(endOf(element)) {}
+
+    AsciiLiteral<Size + 2> start;
+    AsciiLiteral<Size + 3> end;
+};
+
+constexpr Tags SIGNATURE_VALUE(element::SIGNATURE_VALUE);
+constexpr Tags KEY_INFO(element::KEY_INFO);
+constexpr Tags MODULUS(element::MODULUS);
+constexpr Tags EXPONENT(element::EXPONENT);
+constexpr Tags X509_DATA(element::X509_DATA);
+constexpr Tags X509_CERTIFICATE(element::X509_CERTIFICATE);
+constexpr Tags TRANSFORMS(element::TRANSFORMS);
+constexpr Tags DIGEST_VALUE(element::DIGEST_VALUE);
+
+constexpr auto DECLARATION = AsciiLiteral(R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)");
+constexpr auto NAMESPACE_DECLARATION = startOfValue(attribute::XMLNS) + NAMESPACE + "\">";
+constexpr auto SIGNATURE_START = "<" + element::SIGNATURE;
+constexpr auto SIGNATURE_END = endOf(element::SIGNATURE);
+constexpr auto ID_VALUE = startOfValue(attribute::ID);
+
+constexpr auto SIGNED_INFO_START = "<" + element::SIGNED_INFO + NAMESPACE_DECLARATION;
+constexpr auto CANONICALIZATION_METHOD = startOfAlgorithm(element::CANONICALIZATION_METHOD);
+constexpr auto SIGNATURE_METHOD = "/>" + startOfAlgorithm(element::SIGNATURE_METHOD);
+constexpr auto OBJECT_REFERENCE = "/><" + element::REFERENCE + startOfValue(attribute::TYPE) + OBJECT_TYPE +
+                                  "\"" + startOfValue(attribute::URI) + "#" + PACKAGE_OBJECT_ID + "\">";
+constexpr auto SIGNED_INFO_END = endOf(element::SIGNED_INFO);
+
+constexpr auto RSA_KEY_START = startOf(element::KEY_VALUE) + startOf(element::RSA_KEY_VALUE);
+constexpr auto RSA_KEY_END = endOf(element::RSA_KEY_VALUE) + endOf(element::KEY_VALUE);
+
+constexpr auto MANIFEST_START = "<" + element::OBJECT + startOfValue(attribute::ID) + PACKAGE_OBJECT_ID +
+                                "\" " + attribute::XMLNS + ":" + package_element::PREFIX + "=\"" +
+                                PACKAGE_NAMESPACE + "\">" + startOf(element::MANIFEST);
+constexpr auto REFERENCE_START = "<" + element::REFERENCE + startOfValue(attribute::URI);
+constexpr auto TRANSFORM = startOfAlgorithm(element::TRANSFORM);
+constexpr auto TRANSFORM_END = endOf(element::TRANSFORM);
+constexpr auto SELECTION_BY_ID =
+    "<" + prefixed(package_element::RELATIONSHIP_REFERENCE) + startOfValue(attribute::SOURCE_ID);
+constexpr auto SELECTION_BY_TYPE =
+    "<" + prefixed(package_element::RELATIONSHIP_GROUP_REFERENCE) + startOfValue(attribute::SOURCE_TYPE);
+constexpr auto DIGEST_METHOD = startOfAlgorithm(element::DIGEST_METHOD);
+constexpr auto REFERENCE_END = endOf(element::REFERENCE);
+constexpr auto TIME_START = endOf(element::MANIFEST) + startOf(element::SIGNATURE_PROPERTIES) + "<" +
+                            element::SIGNATURE_PROPERTY + startOfValue(attribute::ID) + SIGNATURE_TIME_ID +
+                            "\"" + startOfValue(attribute::TARGET) + "#";
+constexpr auto TIME_VALUE = ">" + startOf(prefixed(package_element::SIGNATURE_TIME)) +
+                            startOf(prefixed(package_element::FORMAT)) + SIGNATURE_TIME_FORMAT +
+                            endOf(prefixed(package_element::FORMAT)) +
+                            startOf(prefixed(package_element::VALUE));
+constexpr auto OBJECT_END =
+    endOf(prefixed(package_element::VALUE)) + endOf(prefixed(package_element::SIGNATURE_TIME)) +
+    endOf(element::SIGNATURE_PROPERTY) + endOf(element::SIGNATURE_PROPERTIES) + endOf(element::OBJECT);
+
+/// Goes through the document once. After an operation that didn't take what it should, the document isn't recognised.
 class Scan {
 public:
-    Scan(std::string_view document, ScannedSignature& result) : text(document), found(result) {}
+    Scan(std::string_view document, ScannedSignature& result) : reader(document), found(result) {}
 
-    bool takeDocument() {
-        return take(R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)") && takeSignature() &&
-               position == text.size();
-    }
+    bool takeDocument() { return reader.take(DECLARATION) && takeSignature() && reader.atEnd(); }
 
 private:
-    bool isAt(std::string_view expected) const {
-        return text.compare(position, expected.size(), expected) == 0;
-    }
-
-    bool take(std::string_view expected) {
-        if (!isAt(expected))
+    template <std::size_t Size>
+    bool takeBase64(const Tags<Size>& tags, std::string_view& value) {
+        if (!reader.take(tags.start))
             return false;
-        position += expected.size();
-        return true;
-    }
-
-    /// Everything up to a character, which is taken too.
-    bool takeUpTo(char end, std::string_view& taken) {
-        const std::size_t length = std::min(text.find(end, position), text.size()) - position;
-        taken = text.substr(position, length);
-        position += length;
-        return position++ < text.size();
-    }
-
-    bool takeBase64(std::string_view start, std::string_view& value, std::string_view end) {
-        return take(start) && takeUpTo('<', value) && isPlainBase64(value) && take(end);
+        value = reader.takeText();
+        return isPlainBase64(value) && reader.take(tags.end);
     }
 
     bool takeAlgorithm(std::string_view start, std::string_view& value) {
-        return take(start) && takeUpTo('"', value) && isPlainAlgorithm(value);
+        return reader.take(start) && reader.takeThrough('"', value) && isPlainAlgorithm(value);
     }
 
     bool takeSignature() {
-        return take("<Signature") && takeID() && take(R"( xmlns="http://www.w3.org/2000/09/xmldsig#">)") &&
-               takeSignedInfo() && takeBase64("<SignatureValue>", found.signatureValue, "/SignatureValue>") &&
-               (!take("<KeyInfo>") || takeKey()) && takeObject() && take("</Signature>");
+        return reader.take(SIGNATURE_START) && takeID() && reader.take(NAMESPACE_DECLARATION) &&
+               takeSignedInfo() && takeBase64(SIGNATURE_VALUE, found.signatureValue) &&
+               (!reader.take(KEY_INFO.start) || takeKey()) && takeObject() && reader.take(SIGNATURE_END);
     }
 
     bool takeID() {
-        return !take(R"( Id=")") || (takeUpTo('"', found.id) && isPlainID(found.id) &&
-                                     found.id != "idPackageObject" && found.id != "idSignatureTime");
+        return !reader.take(ID_VALUE) || (reader.takeThrough('"', found.id) && isPlainID(found.id) &&
+                                          found.id != std::string_view(PACKAGE_OBJECT_ID) &&
+                                          found.id != std::string_view(SIGNATURE_TIME_ID));
     }
 
     bool takeSignedInfo() {
-        const std::size_t begin = position;
-        const bool taken =
-            take(R"(<SignedInfo xmlns="http://www.w3.org/2000/09/xmldsig#">)") &&
-            takeAlgorithm(R"(<CanonicalizationMethod Algorithm=")", found.canonicalizationMethod) &&
-            takeAlgorithm(R"(/><SignatureMethod Algorithm=")", found.signatureMethod) &&
-            take(R"(/><Reference Type="http://www.w3.org/2000/09/xmldsig#Object" URI="#idPackageObject">)") &&
-            takeDigest(found.objectReference) && take("</SignedInfo>");
-        found.objectReference.referenceURI = URI(u"#idPackageObject");
-        found.objectReference.referenceType = vocabulary::OBJECT_TYPE;
-        found.signedInfo = text.substr(begin, position - begin);
+        const char* const begin = reader.position();
+        const bool taken = reader.take(SIGNED_INFO_START) &&
+                           takeAlgorithm(CANONICALIZATION_METHOD, found.canonicalizationMethod) &&
+                           takeAlgorithm(SIGNATURE_METHOD, found.signatureMethod) &&
+                           reader.take(OBJECT_REFERENCE) && takeDigest(found.objectReference) &&
+                           reader.take(SIGNED_INFO_END);
+        found.objectReference.referenceURI = URI(u"#" + PACKAGE_OBJECT_ID.text());
+        found.objectReference.referenceType = OBJECT_TYPE.text();
+        found.signedInfo = reader.takenSince(begin);
         return taken;
     }
 
@@ -140,8 +203,8 @@ private:
     bool takeDigest(Reference& reference) {
         std::string_view method;
         std::string_view value;
-        if (!takeAlgorithm(R"(<DigestMethod Algorithm=")", method) ||
-            !takeBase64("/><DigestValue>", value, "/DigestValue></Reference>"))
+        if (!takeAlgorithm(DIGEST_METHOD, method) || !reader.take("/>") || !takeBase64(DIGEST_VALUE, value) ||
+            !reader.take(REFERENCE_END))
             return false;
         reference.digestMethod = widen(method);
         reference.digestValue = widen(value);
@@ -149,27 +212,28 @@ private:
     }
 
     bool takeKey() {
-        if (take("<X509Data>"))
-            return takeCertificates() && take("</X509Data></KeyInfo>");
-        return takeBase64("<KeyValue><RSAKeyValue><Modulus>", found.modulus, "/Modulus>") &&
-               takeBase64("<Exponent>", found.exponent, "/Exponent></RSAKeyValue></KeyValue></KeyInfo>");
+        const bool taken =
+            reader.take(X509_DATA.start) ? takeCertificates() && reader.take(X509_DATA.end) : takeRSAKey();
+        return taken && reader.take(KEY_INFO.end);
+    }
+
+    bool takeRSAKey() {
+        return reader.take(RSA_KEY_START) && takeBase64(MODULUS, found.modulus) &&
+               takeBase64(EXPONENT, found.exponent) && reader.take(RSA_KEY_END);
     }
 
     bool takeCertificates() {
         do {
-            if (!takeBase64("<X509Certificate>", found.certificates.emplace_back(), "/X509Certificate>"))
+            if (!takeBase64(X509_CERTIFICATE, found.certificates.emplace_back()))
                 return false;
-        } while (isAt("<X509Certificate>"));
+        } while (!reader.isAt("</"));
         return true;
     }
 
     bool takeObject() {
-        const std::size_t begin = position;
-        const bool taken =
-            take(R"(<Object Id="idPackageObject" xmlns:pds="http://schemas.openxmlformats.org/)"
-                 R"(package/2006/digital-signature"><Manifest>)") &&
-            takeReferences() && take("</Manifest>") && takeTime() && take("</Object>");
-        found.object = text.substr(begin, position - begin);
+        const char* const begin = reader.position();
+        const bool taken = reader.take(MANIFEST_START) && takeReferences() && takeTime();
+        found.object = reader.takenSince(begin);
         return taken;
     }
 
@@ -177,62 +241,63 @@ private:
         do {
             if (!takeReference(found.manifestReferences.emplace_back()))
                 return false;
-        } while (isAt("<Reference"));
+        } while (!reader.isAt("</"));
         return true;
     }
 
     bool takeReference(Reference& reference) {
         std::string_view uri;
-        if (!take(R"(<Reference URI=")") || !takeUpTo('"', uri) || !isPlainPartReference(uri) || !take(">"))
+        if (!reader.take(REFERENCE_START) || !reader.takeThrough('"', uri) || !isPlainPartReference(uri) ||
+            !reader.take(">"))
             return false;
         reference.referenceURI = URI(widen(uri));
-        return (!take("<Transforms>") || takeTransforms(reference)) && takeDigest(reference);
+        return (!reader.take(TRANSFORMS.start) || takeTransforms(reference)) && takeDigest(reference);
     }
 
     bool takeTransforms(Reference& reference) {
         do {
             if (!takeTransform(reference))
                 return false;
-        } while (isAt("<Transform "));
-        return take("</Transforms>");
+        } while (!reader.isAt("</"));
+        return reader.take(TRANSFORMS.end);
     }
 
     bool takeTransform(Reference& reference) {
         std::string_view algorithm;
-        if (!takeAlgorithm(R"(<Transform Algorithm=")", algorithm))
+        if (!takeAlgorithm(TRANSFORM, algorithm))
             return false;
         std::u16string transform = widen(algorithm);
-        const bool isOfRelationships = vocabulary::isRelationshipTransform(transform);
+        const bool isOfRelationships = isRelationshipTransform(transform);
         if (!isOfRelationships)
             reference.transforms.push_back(std::move(transform));
-        return take("/>") ||
-               (isOfRelationships && take(">") && takeSelection(reference) && take("</Transform>"));
+        return reader.take("/>") || (isOfRelationships && reader.take(">") && takeSelection(reference) &&
+                                     reader.take(TRANSFORM_END));
     }
 
     bool takeSelection(Reference& reference) {
         do {
-            const bool isByID = take(R"(<pds:RelationshipReference SourceId=")");
+            const bool isByID = reader.take(SELECTION_BY_ID);
             std::string_view value;
-            if (!(isByID || take(R"(<pds:RelationshipGroupReference SourceType=")")) ||
-                !takeUpTo('"', value) || value.empty() ||
-                !std::all_of(value.begin(), value.end(), isPlainValueChar) || !take("/>"))
+            if (!(isByID || reader.take(SELECTION_BY_TYPE)) || !reader.takeThrough('"', value) ||
+                value.empty() || !std::all_of(value.begin(), value.end(), isPlainValueChar) ||
+                !reader.take("/>"))
                 return false;
             (isByID ? reference.relationshipReferences : reference.relationshipGroupReferences)
                 .push_back(widen(value));
-        } while (isAt("<pds:"));
+        } while (!reader.isAt("</"));
         return true;
     }
 
+    /// The end of the manifest, and all behind it in the object.
     bool takeTime() {
-        return take(R"(<SignatureProperties><SignatureProperty Id="idSignatureTime" Target="#)") &&
-               takeUpTo('"', found.propertyTarget) && isPlainID(found.propertyTarget) &&
-               take("><pds:SignatureTime><pds:Format>YYYY-MM-DDThh:mmTZD</pds:Format><pds:Value>") &&
-               takeUpTo('<', found.time) && isPlainTime(found.time) &&
-               take("/pds:Value></pds:SignatureTime></SignatureProperty></SignatureProperties>");
+        if (!reader.take(TIME_START) || !reader.takeThrough('"', found.propertyTarget) ||
+            !isPlainID(found.propertyTarget) || !reader.take(TIME_VALUE))
+            return false;
+        found.time = reader.takeText();
+        return isPlainTime(found.time) && reader.take(OBJECT_END);
     }
 
-    std::string_view text;
-    std::size_t position = 0;
+    PlainCursor reader;
     ScannedSignature& found;
 };
 

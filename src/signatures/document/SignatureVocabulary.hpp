@@ -1,97 +1,104 @@
 #pragma once
 
-#include <opc/model/XercesString.hpp>
+#include "xml/AsciiLiteral.hpp"
 
-#include <string>
+#include <string_view>
 
-namespace opc::model {
+/// The names and fixed texts of signature parts (ECMA-376 Part 2, digital signatures), and how the parts are called.
+namespace opc::model::vocabulary::signatures {
 
-/// Identifiers and fixed texts of signature parts.
-namespace vocabulary {
+inline constexpr AsciiLiteral NAMESPACE = "http://www.w3.org/2000/09/xmldsig#";
+inline constexpr AsciiLiteral PACKAGE_NAMESPACE =
+    "http://schemas.openxmlformats.org/package/2006/digital-signature";
 
-inline constexpr char16_t XML_SIGNATURE_NAMESPACE[] = u"http://www.w3.org/2000/09/xmldsig#";
-inline constexpr char16_t PACKAGE_SIGNATURE_NAMESPACE[] =
-    u"http://schemas.openxmlformats.org/package/2006/digital-signature";
+namespace element {
+
+inline constexpr AsciiLiteral SIGNATURE = "Signature";
+inline constexpr AsciiLiteral SIGNED_INFO = "SignedInfo";
+inline constexpr AsciiLiteral CANONICALIZATION_METHOD = "CanonicalizationMethod";
+inline constexpr AsciiLiteral SIGNATURE_METHOD = "SignatureMethod";
+inline constexpr AsciiLiteral SIGNATURE_VALUE = "SignatureValue";
+
+inline constexpr AsciiLiteral KEY_INFO = "KeyInfo";
+inline constexpr AsciiLiteral KEY_VALUE = "KeyValue";
+inline constexpr AsciiLiteral RSA_KEY_VALUE = "RSAKeyValue";
+inline constexpr AsciiLiteral MODULUS = "Modulus";
+inline constexpr AsciiLiteral EXPONENT = "Exponent";
+inline constexpr AsciiLiteral X509_DATA = "X509Data";
+inline constexpr AsciiLiteral X509_CERTIFICATE = "X509Certificate";
+inline constexpr AsciiLiteral RETRIEVAL_METHOD = "RetrievalMethod"; ///< isn't read
+
+inline constexpr AsciiLiteral OBJECT = "Object";
+inline constexpr AsciiLiteral MANIFEST = "Manifest";
+inline constexpr AsciiLiteral SIGNATURE_PROPERTIES = "SignatureProperties";
+inline constexpr AsciiLiteral SIGNATURE_PROPERTY = "SignatureProperty";
+
+inline constexpr AsciiLiteral REFERENCE = "Reference";
+inline constexpr AsciiLiteral TRANSFORMS = "Transforms";
+inline constexpr AsciiLiteral TRANSFORM = "Transform";
+inline constexpr AsciiLiteral DIGEST_METHOD = "DigestMethod";
+inline constexpr AsciiLiteral DIGEST_VALUE = "DigestValue";
+
+} // namespace element
+
+/// The elements in the package signature namespace. They are read under any prefix.
+namespace package_element {
+
+inline constexpr AsciiLiteral PREFIX = "pds"; ///< that is written
+inline constexpr AsciiLiteral SIGNATURE_TIME = "SignatureTime";
+inline constexpr AsciiLiteral FORMAT = "Format";
+inline constexpr AsciiLiteral VALUE = "Value";
+inline constexpr AsciiLiteral RELATIONSHIP_REFERENCE = "RelationshipReference";
+
+/// The published schema has `RelationshipsGroupReference`.
+inline constexpr AsciiLiteral RELATIONSHIP_GROUP_REFERENCE = "RelationshipGroupReference";
+
+} // namespace package_element
+
+namespace attribute {
+
+inline constexpr AsciiLiteral XMLNS = "xmlns";
+inline constexpr AsciiLiteral ID = "Id";
+inline constexpr AsciiLiteral ALGORITHM = "Algorithm";
+inline constexpr AsciiLiteral TYPE = "Type";
+inline constexpr AsciiLiteral URI = "URI";
+inline constexpr AsciiLiteral TARGET = "Target";
+inline constexpr AsciiLiteral SOURCE_ID = "SourceId";
+inline constexpr AsciiLiteral SOURCE_TYPE = "SourceType";
+
+} // namespace attribute
 
 /// Both name the same transform; the first is written.
-inline constexpr char16_t RELATIONSHIP_TRANSFORM[] =
-    u"http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform";
-inline constexpr char16_t RELATIONSHIP_TRANSFORM_2006[] =
-    u"http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
+inline constexpr AsciiLiteral RELATIONSHIP_TRANSFORM =
+    "http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform";
+inline constexpr AsciiLiteral RELATIONSHIP_TRANSFORM_2006 =
+    "http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
 
-inline bool isRelationshipTransform(const std::u16string& algorithm) {
+inline bool isRelationshipTransform(std::u16string_view algorithm) {
     return algorithm == RELATIONSHIP_TRANSFORM || algorithm == RELATIONSHIP_TRANSFORM_2006;
 }
 
 /// Types of references.
-inline constexpr char16_t OBJECT_TYPE[] = u"http://www.w3.org/2000/09/xmldsig#Object";
-inline constexpr char16_t SIGNATURE_PROPERTIES_TYPE[] =
-    u"http://www.w3.org/2000/09/xmldsig#SignatureProperties";
-inline constexpr char16_t SIGNED_PROPERTIES_TYPE[] = u"http://uri.etsi.org/01903#SignedProperties";
+inline constexpr AsciiLiteral OBJECT_TYPE = NAMESPACE + "Object";
+inline constexpr AsciiLiteral SIGNATURE_PROPERTIES_TYPE = NAMESPACE + "SignatureProperties";
+inline constexpr AsciiLiteral SIGNED_PROPERTIES_TYPE = "http://uri.etsi.org/01903#SignedProperties";
 
-inline constexpr char16_t PACKAGE_OBJECT_ID[] = u"idPackageObject";
-inline constexpr char16_t SIGNATURE_TIME_ID[] = u"idSignatureTime";
+inline constexpr AsciiLiteral PACKAGE_OBJECT_ID = "idPackageObject";
+inline constexpr AsciiLiteral SIGNATURE_TIME_ID = "idSignatureTime";
+
 /// Written whatever the form of the time beside it.
-inline constexpr char16_t SIGNATURE_TIME_FORMAT[] = u"YYYY-MM-DDThh:mmTZD";
+inline constexpr AsciiLiteral SIGNATURE_TIME_FORMAT = "YYYY-MM-DDThh:mmTZD";
+
 /// Stands in front of the signature's identifier in the `Id` of the root.
-inline constexpr char16_t SIGNATURE_ID_PREFIX[] = u"Signature";
+inline constexpr AsciiLiteral SIGNATURE_ID_PREFIX = "Signature";
+
 /// Stands between a part name and its content type in the URI of a reference.
-inline constexpr char16_t CONTENT_TYPE_QUERY[] = u"?ContentType=";
+inline constexpr AsciiLiteral CONTENT_TYPE_QUERY = "?ContentType=";
 
-} // namespace vocabulary
+/// The part of a signature is called by this folder, the signature's name and the extension; its name is the prefix and
+/// the signature's identifier.
+inline constexpr AsciiLiteral PARTS_FOLDER = "/_xmlsignatures/";
+inline constexpr AsciiLiteral NAME_PREFIX = "sig";
+inline constexpr AsciiLiteral PART_EXTENSION = ".xml";
 
-/// The names of elements and attributes as Xerces takes them, built once for many uses.
-struct SignatureNames {
-    const XercesString signature{u"Signature"};
-    const XercesString signedInfo{u"SignedInfo"};
-    const XercesString canonicalizationMethod{u"CanonicalizationMethod"};
-    const XercesString signatureMethod{u"SignatureMethod"};
-    const XercesString signatureValue{u"SignatureValue"};
-
-    const XercesString keyInfo{u"KeyInfo"};
-    const XercesString keyValue{u"KeyValue"};
-    const XercesString rsaKeyValue{u"RSAKeyValue"};
-    const XercesString modulus{u"Modulus"};
-    const XercesString exponent{u"Exponent"};
-    const XercesString x509Data{u"X509Data"};
-    const XercesString x509Certificate{u"X509Certificate"};
-
-    const XercesString object{u"Object"};
-    const XercesString manifest{u"Manifest"};
-    const XercesString signatureProperties{u"SignatureProperties"};
-    const XercesString signatureProperty{u"SignatureProperty"};
-
-    const XercesString reference{u"Reference"};
-    const XercesString transforms{u"Transforms"};
-    const XercesString transform{u"Transform"};
-    const XercesString digestMethod{u"DigestMethod"};
-    const XercesString digestValue{u"DigestValue"};
-
-    const XercesString noNamespace{u""}; ///< for look-ups by the name as it is written
-    const XercesString id{u"Id"};
-    const XercesString xmlns{u"xmlns"};
-    const XercesString algorithm{u"Algorithm"};
-    const XercesString type{u"Type"};
-    const XercesString uri{u"URI"};
-    const XercesString target{u"Target"};
-};
-
-/// The names in the package signature namespace. They are read under any prefix and written with "pds".
-struct PackageSignatureNames {
-    /// @param prefix  empty, or with its colon
-    explicit PackageSignatureNames(const std::u16string& prefix)
-        : signatureTime(prefix + u"SignatureTime"), format(prefix + u"Format"), value(prefix + u"Value"),
-          relationshipReference(prefix + u"RelationshipReference"),
-          relationshipGroupReference(prefix + u"RelationshipGroupReference") {}
-
-    const XercesString signatureTime;
-    const XercesString format;
-    const XercesString value;
-    const XercesString relationshipReference;
-    const XercesString relationshipGroupReference; ///< the published schema has `RelationshipsGroupReference`
-
-    const XercesString sourceId{u"SourceId"};
-    const XercesString sourceType{u"SourceType"};
-};
-
-} // namespace opc::model
+} // namespace opc::model::vocabulary::signatures

@@ -1,5 +1,6 @@
 #include "package/RelationshipSourceImpl.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
+#include "signatures/document/SignatureVocabulary.hpp"
 #include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/core/Text.hpp>
@@ -17,9 +18,10 @@ namespace {
 /// The names of signatures in the name of an item that is no part. Other programs, or a later version of this one, may
 /// take the item for such a part, for a piece of it or for its relationships, however the name is spelt.
 void addSignatureNames(const std::u16string& item, std::set<std::u16string>& names) {
-    constexpr std::u16string_view FOLDER = u"_xmlsignatures";
-    constexpr std::u16string_view PREFIX = u"sig";
-    constexpr std::u16string_view EXTENSION = u".xml";
+    using namespace vocabulary::signatures;
+    constexpr std::u16string_view FOLDER = PARTS_FOLDER.wide().substr(1, PARTS_FOLDER.wide().size() - 2);
+    constexpr std::u16string_view PREFIX = NAME_PREFIX;
+    constexpr std::u16string_view EXTENSION = PART_EXTENSION;
     const std::u16string text = toLowerASCIIString(item);
     const std::size_t folder = text.find(FOLDER);
     if (folder == std::u16string::npos)

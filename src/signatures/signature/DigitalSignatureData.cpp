@@ -2,6 +2,7 @@
 
 #include "signatures/algorithms/CryptoErrors.hpp"
 #include "signatures/algorithms/RsaKeys.hpp"
+#include "signatures/document/SignatureVocabulary.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
@@ -41,9 +42,14 @@ bedrock::certificates::X509CertificateChain DigitalSignatureData::getCertificate
     return m_certificateChain.value_or(bedrock::certificates::X509CertificateChain());
 }
 
+std::u16string DigitalSignatureData::getName() const {
+    return vocabulary::signatures::NAME_PREFIX.text() + m_signatureId;
+}
+
 PartName DigitalSignatureData::computeSignaturePartName() {
     if (!m_signaturePartName)
-        m_signaturePartName = PartName(u"/_xmlsignatures/sig" + m_signatureId + u".xml");
+        m_signaturePartName = PartName(vocabulary::signatures::PARTS_FOLDER.text() + getName() +
+                                       vocabulary::signatures::PART_EXTENSION.text());
     return *m_signaturePartName;
 }
 

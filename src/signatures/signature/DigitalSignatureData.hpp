@@ -76,7 +76,7 @@ public:
     }
 
     /// "sig" and the signature's identifier.
-    std::u16string getName() const { return u"sig" + m_signatureId; }
+    std::u16string getName() const;
     SignatureParams getSignatureParams() const { return m_signatureParams; }
     Bytes getSignatureValue() const { return m_signatureValue; }
     Enumerator<std::vector<PartName>> getSignedPartNames() const;

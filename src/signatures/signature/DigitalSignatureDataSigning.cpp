@@ -25,11 +25,12 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using bedrock::crypto::utils::base64Encode;
 
 /// The URI of a reference to a part: its name, and its content type as a query.
 URI toReferenceURI(const std::u16string& partName, const ContentType& contentType) {
-    return URI(partName + vocabulary::CONTENT_TYPE_QUERY + contentType.toString());
+    return URI(partName + CONTENT_TYPE_QUERY.text() + contentType.toString());
 }
 
 void checkDataToSign(const std::u16string& signatureID, const DataToSign& data) {
@@ -97,7 +98,7 @@ void DigitalSignatureData::checkKeys(const Bytes& privateKey, const Bytes& publi
 }
 
 void DigitalSignatureData::buildContent(const DataToSign& data) {
-    m_namespace = vocabulary::XML_SIGNATURE_NAMESPACE;
+    m_namespace = NAMESPACE.text();
     m_canonicalizationMethod = AlgorithmURIMap::getAlgorithmURI(AlgorithmTag::TagC14N);
     m_signatureMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod(),
                                                          m_signatureParams.getSignatureMethod());
@@ -106,16 +107,16 @@ void DigitalSignatureData::buildContent(const DataToSign& data) {
     addSignatureTime();
 
     SignatureObject object;
-    object.objectID = vocabulary::PACKAGE_OBJECT_ID;
+    object.objectID = PACKAGE_OBJECT_ID.text();
     object.XMLBytes = writePackageObject(m_content);
     Reference reference;
     reference.referenceURI = URI(u"#" + object.objectID);
-    reference.referenceType = vocabulary::OBJECT_TYPE;
+    reference.referenceType = OBJECT_TYPE.text();
     reference.digestMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod());
     SignedText signedText(object.XMLBytes);
     reference.digestValue = base64Encode(computeDigest(signedText));
     m_content.signedInfoReferences.push_back(std::move(reference));
-    m_objects.emplace(vocabulary::PACKAGE_OBJECT_ID, std::move(object));
+    m_objects.emplace(PACKAGE_OBJECT_ID.text(), std::move(object));
 
     m_content.signedInfoXML = writeSignedInfo(*this);
 }
@@ -156,9 +157,9 @@ void DigitalSignatureData::addRelationshipReferences(const DataToSign& data) {
 void DigitalSignatureData::addSignatureTime() {
     m_signedTime = boost::posix_time::microsec_clock::universal_time();
     SignatureProperty property;
-    property.target = std::u16string(u"#") + vocabulary::SIGNATURE_ID_PREFIX + m_signatureId;
-    property.id = vocabulary::SIGNATURE_TIME_ID;
-    property.format = vocabulary::SIGNATURE_TIME_FORMAT;
+    property.target = u"#" + SIGNATURE_ID_PREFIX.text() + m_signatureId;
+    property.id = SIGNATURE_TIME_ID.text();
+    property.format = SIGNATURE_TIME_FORMAT.text();
     property.value = convertTimeToString(m_signedTime);
     m_content.signatureProperties.push_back(std::move(property));
 }

@@ -19,14 +19,15 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::signatures;
 using bedrock::codesigning_verifier::ErrorMap;
 using bedrock::crypto::utils::base64Encode;
 
 /// What was digested of an object's text: all but the namespace declaration that its tag gains from its parent
 /// when it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
 SignedText digestedText(std::u16string_view text) {
-    const std::u16string declaration =
-        std::u16string(u"xmlns=\"") + vocabulary::XML_SIGNATURE_NAMESPACE + u"\" ";
+    static constexpr auto DECLARATION = attribute::XMLNS + "=\"" + NAMESPACE + "\" ";
+    constexpr std::u16string_view declaration = DECLARATION;
     const std::size_t found = text.substr(0, text.find(u'>')).find(declaration);
     if (found == std::u16string_view::npos)
         return SignedText(text);
@@ -46,10 +47,10 @@ std::u16string digestObject(const DigitalSignatureData& data, const URI& uri) {
 /// A countersignature is known by its identifier, which isn't signed: anybody could give it to another signature. The
 /// signed property of the time names the identifier, too.
 void throwIfNotMadeAsCountersignature(const DigitalSignatureData& data) {
-    const std::u16string target = u'#' + (vocabulary::SIGNATURE_ID_PREFIX + COUNTERSIGNATURE_ID);
+    const std::u16string target = u"#" + SIGNATURE_ID_PREFIX.text() + COUNTERSIGNATURE_ID;
     const auto& properties = data.m_content.signatureProperties;
     if (std::none_of(properties.begin(), properties.end(), [&target](const SignatureProperty& property) {
-            return property.id == vocabulary::SIGNATURE_TIME_ID && property.target == target;
+            return property.id == SIGNATURE_TIME_ID && property.target == target;
         }))
         throw InvalidSignature("The signature wasn't made as a countersignature.", ErrorMap<104>());
 }
