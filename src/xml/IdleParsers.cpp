@@ -17,7 +17,7 @@ IdleParsers::Owned IdleParsers::take() {
     return make();
 }
 
-void IdleParsers::giveBack(Owned parser) noexcept {
+void IdleParsers::giveBack(Owned parser) noexcept { // NOLINT(bugprone-exception-escape): see the header
     if (!parser || !xercesStaysUp())
         return;
     const boost::unique_lock<boost::mutex> lock(mutex);

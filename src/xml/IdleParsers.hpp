@@ -28,7 +28,7 @@ public:
     Owned take();
 
     /// Lets the parser go if enough are idle, or if Xerces may be torn down before the process ends.
-    void giveBack(Owned parser) noexcept;
+    void giveBack(Owned parser) noexcept; // NOLINT(bugprone-exception-escape): its mutex can always be locked
 
 private:
     static constexpr std::size_t MOST = 4;
