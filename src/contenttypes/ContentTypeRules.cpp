@@ -8,6 +8,7 @@
 #include "xml/SchemaType.hpp"
 
 #include <opc/model/ContentType.hpp>
+#include <opc/model/ContentTypesVocabulary.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PartName.hpp>
 
@@ -16,10 +17,6 @@
 namespace opc::model {
 
 namespace {
-
-constexpr char16_t NAMESPACE[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
-constexpr char16_t CONTENT_TYPE[] =
-    u"http://schemas.openxmlformats.org/package/2006/content-types,ST_ContentType";
 
 bool isLetterOrDigit(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
@@ -97,7 +94,8 @@ std::string ContentTypeRules::findDefectOfContentType(std::u16string_view conten
     if (isPlainContentType(contentType))
         return {};
     if (!contentTypePattern)
-        contentTypePattern = std::make_unique<SchemaType>(contentTypesParsers(), NAMESPACE, CONTENT_TYPE);
+        contentTypePattern = std::make_unique<SchemaType>(
+            contentTypesParsers(), vocabulary::content_types::NAMESPACE.wide(), u"ST_ContentType");
     const std::u16string text(contentType);
     if (!contentTypePattern->accepts(text))
         return INVALID;

@@ -9,10 +9,11 @@
 
 namespace opc::model {
 
-SchemaType::SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* name)
+SchemaType::SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* localName)
     : kind(parsers), parser(kind.take()) {
     auto* const grammar = static_cast<xercesc::SchemaGrammar*>(parser->getGrammar(namespaceURI));
-    validator = grammar->getDatatypeRegistry()->getDatatypeValidator(name);
+    const std::u16string name = std::u16string(namespaceURI) + u',' + localName; // as the registry has it
+    validator = grammar->getDatatypeRegistry()->getDatatypeValidator(name.c_str());
 }
 
 SchemaType::~SchemaType() {

@@ -19,8 +19,8 @@ class SchemaType {
 public:
     /// @param parsers       with the schema; must outlive this object
     /// @param namespaceURI  of the schema
-    /// @param name          of the type: its namespace, a comma and its local name
-    SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* name);
+    /// @param localName     of the type
+    SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* localName);
     SchemaType(const SchemaType&) = delete;
     SchemaType& operator=(const SchemaType&) = delete;
     ~SchemaType();
