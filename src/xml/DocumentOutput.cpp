@@ -5,7 +5,6 @@
 namespace opc::model {
 
 void writeDocument(std::string_view document, OutputStream& stream) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the document is bytes, whatever its characters
     const auto* const bytes = reinterpret_cast<const unsigned char*>(document.data());
     constexpr std::size_t PIECE = 65536;
     for (std::size_t begin = 0; begin < document.size() && !stream.isDone(); begin += PIECE)

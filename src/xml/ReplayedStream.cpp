@@ -34,7 +34,6 @@ std::optional<std::string_view> ReplayedStream::readAhead(ReadAheadBuffer& buffe
         }
         if (!stream.isDone())
             return std::nullopt;
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes of a text in ASCII, or not plain
         return std::string_view(reinterpret_cast<const char*>(ahead), filled);
     } catch (...) {
         failure = std::current_exception();

@@ -177,7 +177,7 @@ void expectSame(const List* expected, const std::vector<DOMElement*>& all, const
 }
 
 TEST_F(XercesHelperTest, findsWhatTheNodeListsOfTheDOMFind) {
-    std::mt19937 random(20); // NOLINT: the same trees each time
+    std::mt19937 random(20); // the same trees each time
     DOMElement* const root = makeRoot();
     for (int tree = 0; tree < 40; ++tree) {
         DOMElement* const top = XercesHelper::appendElement(root, XercesString(u"a"));

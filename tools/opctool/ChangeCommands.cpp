@@ -53,7 +53,6 @@ void copyFile(const std::string& path, opc::OutputStream& target) {
     std::vector<char> block(std::size_t{64} * 1024);
     while (file) {
         file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::istream
         target.write(reinterpret_cast<const unsigned char*>(block.data()),
                      static_cast<std::uint64_t>(file.gcount()));
     }

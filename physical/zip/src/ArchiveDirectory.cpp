@@ -95,7 +95,6 @@ void DirectoryReader::readEntry() {
     entry.flags = read16(record + 8);
     entry.method = read16(record + 10);
     entry.crc = read32(record + 16);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
     readName({reinterpret_cast<const char*>(record) + DIRECTORY_ENTRY_SIZE, nameSize}, entry);
     readNumbers(record, entry);
     checkNumbers(entry);

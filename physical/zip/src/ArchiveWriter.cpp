@@ -66,7 +66,6 @@ void ArchiveWriter::keep(ItemIndex item) {
     if (directoryEntrySizeOf(bytes) != size)
         fail(where, "can't save: the archive has been changed by another program since it was opened",
              ESTALE);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
     const auto* record = reinterpret_cast<const char*>(bytes);
     appendMovedRecord(directory, {record, size}, out.tell() + (entry.offset - runStart));
     ++itemCount;
@@ -101,7 +100,6 @@ void ArchiveWriter::write(const ZipContent& content, const DirectoryEntry* repla
     out.advance(headerSize);
     writeContent(content, entry);
     const std::string header = localHeader(entry, time);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     require(out.patch(entry.offset, reinterpret_cast<const unsigned char*>(header.data()), headerSize));
     appendRecord(directory, entry, time);
     ++itemCount;
@@ -194,7 +192,6 @@ void ArchiveWriter::finishDirectory() {
 }
 
 void ArchiveWriter::emit(const std::string& bytes) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     emit(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 

@@ -61,7 +61,6 @@ bool ExtraFieldWalk::next(ExtraField& field) {
 
 std::string_view unicodePath(const ExtraField& field) {
     constexpr std::size_t HEADER = 5; // version and checksum
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters here
     const std::string_view text(reinterpret_cast<const char*>(field.data), field.size);
     return text.substr(std::min(HEADER, text.size()));
 }
@@ -96,7 +95,6 @@ bool Zip64Field::resolve(std::uint64_t& value) {
 }
 
 std::string withoutZip64Field(std::string_view extra) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     ExtraFieldWalk walk(reinterpret_cast<const unsigned char*>(extra.data()), extra.size());
     std::string others(extra);
     ExtraField field;

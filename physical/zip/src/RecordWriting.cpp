@@ -103,7 +103,6 @@ void appendRecord(std::string& directory, const DirectoryEntry& entry, std::uint
 }
 
 void appendMovedRecord(std::string& directory, std::string_view record, std::uint64_t offset) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes here
     const auto* bytes = reinterpret_cast<const unsigned char*>(record.data());
     const std::size_t extraStart = DIRECTORY_ENTRY_SIZE + read16(bytes + 28);
     const std::size_t extraSize = read16(bytes + 30);

@@ -53,7 +53,6 @@ void StreamStore::readStream() {
     std::vector<char> block(std::size_t{64} * 1024);
     while (*input) {
         input->read(block.data(), static_cast<std::streamsize>(block.size()));
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::istream
         spool->write(reinterpret_cast<const unsigned char*>(block.data()),
                      static_cast<std::size_t>(input->gcount()));
         if (spool->size() > sizeLimit)

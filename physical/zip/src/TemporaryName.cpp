@@ -12,7 +12,6 @@ namespace {
 
 /// Tells a name from others with the same beginning.
 std::string checksum(const std::string& name) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::string
     const uLong sum = ::crc32(0, reinterpret_cast<const Bytef*>(name.data()), static_cast<uInt>(name.size()));
     std::array<char, 10> text{};
     std::snprintf(text.data(), text.size(), "~%08lx", sum);

@@ -124,7 +124,6 @@ void ZipPackage::writeTo(std::ostream& stream) const {
             zip::failSystem(impl->store->place(), "can't read", error);
         if (got == 0)
             zip::fail(impl->store->place(), "can't read: cut off", EIO);
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::ostream
         stream.write(reinterpret_cast<const char*>(block.data()), static_cast<std::streamsize>(got));
         offset += got;
     }

@@ -3,7 +3,6 @@
 namespace opc {
 
 std::streamsize InputStreamSource::read(char* buffer, std::streamsize count) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to Boost.Iostreams
     auto* bytes = reinterpret_cast<unsigned char*>(buffer);
     // No bytes are no end yet, but Boost.Iostreams would take them for it.
     while (!source->isDone()) {

@@ -14,7 +14,6 @@ constexpr std::size_t BLOCK_SIZE = std::size_t{64} * 1024;
 bool StreamHelper::copyStreamToStream(InputStream& source, std::ostream& target) {
     std::vector<char> block(BLOCK_SIZE);
     while (!source.isDone() && target) {
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are characters to std::ostream
         const auto got = source.read(reinterpret_cast<unsigned char*>(block.data()), block.size());
         target.write(block.data(), static_cast<std::streamsize>(got));
     }
