@@ -24,7 +24,7 @@ void require(bool success, const char* what) {
 
 } // namespace
 
-RawDigest::RawDigest(const EVP_MD* digest) : method(digest), context(EVP_MD_CTX_new(), EVP_MD_CTX_free) {
+RawDigest::RawDigest(const EVP_MD* method) : method(method), context(EVP_MD_CTX_new(), EVP_MD_CTX_free) {
 }
 
 void RawDigest::operator()(std::string_view content) {

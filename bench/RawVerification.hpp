@@ -10,7 +10,7 @@ namespace bench {
 /// OpenSSL's digest, with one context for all contents.
 class RawDigest {
 public:
-    explicit RawDigest(const EVP_MD* digest);
+    explicit RawDigest(const EVP_MD* method);
 
     void operator()(std::string_view content);
 

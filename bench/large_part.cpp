@@ -27,7 +27,7 @@ using opc::interfaces::CompressionType;
 using opc::interfaces::OpenMode;
 
 struct PartInfo : opc::interfaces::IPhysicalPartInfo {
-    explicit PartInfo(CompressionType type) : compression(type) {}
+    explicit PartInfo(CompressionType compression) : compression(compression) {}
     CompressionType getCompressionType() const override { return compression; }
     std::uint64_t getGrowthHint() const override { return 0; }
     void* getExtraInfo(const std::u16string&) const override { return nullptr; }

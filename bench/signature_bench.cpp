@@ -49,7 +49,7 @@ const bedrock::crypto::RsaKeyPair& keys() {
 /// Bytes made as they are read, which nobody stores.
 class MadeStream : public opc::interfaces::IPhysicalInputStream {
 public:
-    explicit MadeStream(std::uint64_t length) : size(length) {}
+    explicit MadeStream(std::uint64_t size) : size(size) {}
 
     void open() override { position = 0; }
     void close() override {}

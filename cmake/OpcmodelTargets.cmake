@@ -1,7 +1,9 @@
 # The flags that every target of the project shares, and the helpers that declare libraries and tests.
 
 add_library(opcmodel_flags INTERFACE)
-target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+# A parameter of a constructor has the name of the member that it initialises. Clang's -Wshadow lets it, GCC's doesn't.
+target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
+  $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>)
 if(OPCMODEL_DEVELOPER)
   target_compile_options(opcmodel_flags INTERFACE -Werror)
 endif()

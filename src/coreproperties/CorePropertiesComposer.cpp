@@ -14,7 +14,7 @@ using namespace vocabulary::core_properties;
 
 class Composer {
 public:
-    explicit Composer(std::string& document) : markup(document) {}
+    explicit Composer(std::string& markup) : markup(markup) {}
 
     bool compose(const CoreProperties& properties) {
         markup << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<" << ROOT;

@@ -65,7 +65,8 @@ void normaliseLineEnds(std::string& text) {
 
 class Scan {
 public:
-    Scan(std::string_view document, CoreProperties& result) : reader(document, texts), properties(result) {}
+    Scan(std::string_view document, CoreProperties& properties)
+        : reader(document, texts), properties(properties) {}
 
     bool takeDocument() {
         bool isEmpty = false;

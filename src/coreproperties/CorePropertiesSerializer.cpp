@@ -143,8 +143,8 @@ struct CorePropertiesSerializer::Parser {
     ReusedParser reused{corePropertiesParsers()};
 };
 
-CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> ofPackage)
-    : budget(std::move(ofPackage)) {
+CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> budget)
+    : budget(std::move(budget)) {
 }
 
 CorePropertiesSerializer::~CorePropertiesSerializer() = default;

@@ -17,9 +17,9 @@ namespace opc::model {
 /// compiles five schemas first, and takes most of a millisecond for it. Xerces isn't woken before that.
 class CorePropertiesSerializer {
 public:
-    /// @param ofPackage what the documents of the package may take, together
+    /// @param budget what the documents of the package may take, together
     explicit CorePropertiesSerializer(
-        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>());
+        std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
     ~CorePropertiesSerializer();

@@ -60,11 +60,11 @@ void DocumentShare::giveBack() noexcept {
 
 std::uint64_t MeteredStream::read(unsigned char* buffer, std::uint64_t count) {
     const std::uint64_t got = stream.read(buffer, count);
-    counted.addBytes(std::min(got, count));
-    if (ofElement != 0) {
+    share.addBytes(std::min(got, count));
+    if (bytesPerElement != 0) {
         pending += std::min(got, count);
-        counted.addElements(pending / ofElement);
-        pending %= ofElement;
+        share.addElements(pending / bytesPerElement);
+        pending %= bytesPerElement;
     }
     return got;
 }

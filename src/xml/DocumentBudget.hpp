@@ -11,7 +11,7 @@ namespace opc::model {
 /// What the XML documents of an open package take of its limits, together. Their shares keep it.
 class DocumentBudget {
 public:
-    explicit DocumentBudget(const XmlLimits& allowed = {}) : limits(allowed) {}
+    explicit DocumentBudget(const XmlLimits& limits = {}) : limits(limits) {}
 
     const XmlLimits limits;
 
@@ -29,9 +29,9 @@ public:
     /// Of no document: nothing can be added.
     DocumentShare() noexcept = default;
 
-    /// @param itsKind  the limit of the document alone
-    DocumentShare(std::shared_ptr<DocumentBudget> ofPackage, Kind itsKind)
-        : budget(std::move(ofPackage)), kind(itsKind) {}
+    /// @param kind  the limit of the document alone
+    DocumentShare(std::shared_ptr<DocumentBudget> budget, Kind kind)
+        : budget(std::move(budget)), kind(kind) {}
     DocumentShare(DocumentShare&& other) noexcept = default; // which leaves one without a budget
     DocumentShare& operator=(DocumentShare&& other) noexcept;
     ~DocumentShare() { giveBack(); }
@@ -53,10 +53,10 @@ private:
 /// A stream whose bytes are counted as they are read.
 class MeteredStream : public InputStream {
 public:
-    /// @param source, share    must outlive this object
+    /// @param stream, share    must outlive this object
     /// @param bytesPerElement  so many bytes count as an element too; 0 if none do
-    MeteredStream(InputStream& source, DocumentShare& share, std::uint64_t bytesPerElement = 0)
-        : stream(source), counted(share), ofElement(bytesPerElement) {}
+    MeteredStream(InputStream& stream, DocumentShare& share, std::uint64_t bytesPerElement = 0)
+        : stream(stream), share(share), bytesPerElement(bytesPerElement) {}
 
     void open() override { stream.open(); }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
@@ -65,8 +65,8 @@ public:
 
 private:
     InputStream& stream;
-    DocumentShare& counted;
-    const std::uint64_t ofElement;
+    DocumentShare& share;
+    const std::uint64_t bytesPerElement;
     std::uint64_t pending = 0; ///< bytes that don't make an element yet
 };
 

@@ -59,7 +59,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
                                   const XMLCh* prefix,
                                   const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                   XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements",
              scanner());
     refuseIf(attributeCount > MAXIMUM_ATTRIBUTES,
@@ -79,7 +79,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
 
 void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
                                 const XMLCh* prefix) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     openAttributes -= openElements.back();
     openElements.pop_back();
     DocumentHandlerLink::endElement(declaration, uriId, isRoot, prefix);
@@ -109,25 +109,25 @@ void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     refuseIf(++comments > MAXIMUM_COMMENTS, "XML content can not contain more than 10000 comments",
              scanner());
     DocumentHandlerLink::docComment(comment);
 }
 
 void DocumentLimits::docPI(const XMLCh* target, const XMLCh* data) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     countName(target);
     DocumentHandlerLink::docPI(target, data);
 }
 
 void DocumentLimits::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     DocumentHandlerLink::docCharacters(text, length, isCData);
 }
 
 void DocumentLimits::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
-    pending = 0;
+    bytesSinceLastToken = 0;
     DocumentHandlerLink::ignorableWhitespace(text, length, isCData);
 }
 

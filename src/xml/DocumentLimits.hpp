@@ -23,7 +23,7 @@ class DocumentLimits final : public DocumentHandlerLink {
 public:
     /// @param bytesSinceLastToken  set back to 0 when the parser tells something; must outlive this object
     DocumentLimits(xercesc::DOMLSParser* parser, std::uint64_t& bytesSinceLastToken)
-        : DocumentHandlerLink(parser), pending(bytesSinceLastToken) {}
+        : DocumentHandlerLink(parser), bytesSinceLastToken(bytesSinceLastToken) {}
 
     void startDocument() override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
@@ -40,7 +40,7 @@ private:
     void countName(const XMLCh* name);
     void countAttribute(const xercesc::XMLAttr& attribute);
 
-    std::uint64_t& pending;
+    std::uint64_t& bytesSinceLastToken;
     std::vector<XMLSize_t> openElements; ///< how many attributes each has
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;

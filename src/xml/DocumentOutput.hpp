@@ -14,7 +14,7 @@ namespace opc::model {
 /// Appends what is written to a text.
 class StringOutput : public OutputStream {
 public:
-    explicit StringOutput(std::string& target) : text(target) {}
+    explicit StringOutput(std::string& text) : text(text) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         text.append(buffer, buffer + count);

@@ -8,7 +8,7 @@ namespace opc::model {
 /// Without it a parser that lives long keeps every document that it has read.
 class DocumentPoolReset {
 public:
-    explicit DocumentPoolReset(xercesc::DOMLSParser* owner) : parser(owner) {}
+    explicit DocumentPoolReset(xercesc::DOMLSParser* parser) : parser(parser) {}
     DocumentPoolReset(const DocumentPoolReset&) = delete;
     DocumentPoolReset& operator=(const DocumentPoolReset&) = delete;
     ~DocumentPoolReset() {

@@ -50,7 +50,8 @@ private:
 /// An element of an index. Its look-ups give what those of `XercesHelper` give: all descendants count.
 class IndexedElement {
 public:
-    IndexedElement(const ElementIndex& elements, std::size_t place) : index(&elements), position(place) {}
+    IndexedElement(const ElementIndex& elements, std::size_t position)
+        : index(&elements), position(position) {}
 
     const xercesc::DOMElement* element() const { return entry().element; }
     operator const xercesc::DOMElement*() const { return element(); }

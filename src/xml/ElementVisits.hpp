@@ -10,11 +10,11 @@ namespace opc::model {
 /// An element as the scanner tells of it, and no longer than it does so.
 class VisitedElement {
 public:
-    VisitedElement(const xercesc::XMLElementDecl& itsDeclaration, const XMLCh* itsPrefix,
-                   const XMLCh* itsNamespace, const xercesc::RefVectorOf<xercesc::XMLAttr>& itsAttributes,
-                   XMLSize_t count, bool isTheRoot, XMLFileLoc itsLine)
-        : declaration(itsDeclaration), prefix(itsPrefix), namespaceURI(itsNamespace),
-          attributes(itsAttributes), attributeCount(count), root(isTheRoot), lineNumber(itsLine) {}
+    VisitedElement(const xercesc::XMLElementDecl& declaration, const XMLCh* prefix, const XMLCh* namespaceURI,
+                   const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,
+                   bool root, XMLFileLoc lineNumber)
+        : declaration(declaration), prefix(prefix), namespaceURI(namespaceURI), attributes(attributes),
+          attributeCount(attributeCount), root(root), lineNumber(lineNumber) {}
 
     bool isRoot() const { return root; }
 
@@ -50,8 +50,8 @@ class ElementVisits final : public DocumentHandlerLink {
 public:
     using Visitor = std::function<void(const VisitedElement&)>;
 
-    ElementVisits(xercesc::DOMLSParser* parser, Visitor toCall)
-        : DocumentHandlerLink(parser), visitor(std::move(toCall)) {}
+    ElementVisits(xercesc::DOMLSParser* parser, Visitor visitor)
+        : DocumentHandlerLink(parser), visitor(std::move(visitor)) {}
 
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,

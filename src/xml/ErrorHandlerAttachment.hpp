@@ -11,8 +11,8 @@ namespace opc::model {
 /// the handler's.
 class ErrorHandlerAttachment {
 public:
-    ErrorHandlerAttachment(xercesc::DOMConfiguration* target, XercesErrorHandler& handler)
-        : configuration(target) {
+    ErrorHandlerAttachment(xercesc::DOMConfiguration* configuration, XercesErrorHandler& handler)
+        : configuration(configuration) {
         set(&handler);
     }
     ErrorHandlerAttachment(const ErrorHandlerAttachment&) = delete;

@@ -19,8 +19,8 @@ class IdleParsers {
 public:
     using Owned = std::unique_ptr<xercesc::DOMLSParser, XercesDeleter>;
 
-    /// @param maker  of a parser that has its schemas
-    explicit IdleParsers(Owned (*maker)()) : make(maker) {}
+    /// @param make  of a parser that has its schemas
+    explicit IdleParsers(Owned (*make)()) : make(make) {}
     IdleParsers(const IdleParsers&) = delete;
     IdleParsers& operator=(const IdleParsers&) = delete;
 

@@ -2,9 +2,9 @@
 
 namespace opc::model {
 
-PlainDocumentComposer::PlainDocumentComposer(std::string& composed, std::string_view rootName,
+PlainDocumentComposer::PlainDocumentComposer(std::string& composed, std::string_view root,
                                              std::string_view namespaceURI)
-    : document(composed), root(rootName) {
+    : document(composed), root(root) {
     composed.clear();
     document << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<" << root << " xmlns=\""
              << namespaceURI << "\">\n";

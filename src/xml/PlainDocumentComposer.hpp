@@ -13,8 +13,8 @@ namespace opc::model {
 /// A document with a value that isn't plain is left to Xerces, and so is one without children.
 class PlainDocumentComposer {
 public:
-    /// @param composed  takes the bytes; must outlive this object, as must `rootName`
-    PlainDocumentComposer(std::string& composed, std::string_view rootName, std::string_view namespaceURI);
+    /// @param composed  takes the bytes; must outlive this object, as must `root`
+    PlainDocumentComposer(std::string& composed, std::string_view root, std::string_view namespaceURI);
 
     void beginChild(std::string_view name);
 

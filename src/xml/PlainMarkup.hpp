@@ -10,8 +10,8 @@ namespace opc::model {
 /// Values in printable ASCII are plain. What holds any other value is left to Xerces.
 class PlainMarkup {
 public:
-    /// @param text  the markup is appended to it; must outlive this object
-    explicit PlainMarkup(std::string& text) : composed(text) {}
+    /// @param composed  the markup is appended to it; must outlive this object
+    explicit PlainMarkup(std::string& composed) : composed(composed) {}
 
     /// Appends what is markup already.
     PlainMarkup& operator<<(std::string_view markup) {

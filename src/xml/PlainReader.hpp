@@ -79,8 +79,8 @@ protected:
 /// there and is plain. After one that didn't take what it should, the document isn't plain.
 class PlainReader : public PlainCursor {
 public:
-    /// @param resolved  takes the values of attributes that have references in them; must outlive this object
-    PlainReader(std::string_view document, PlainTexts& resolved) : PlainCursor(document), texts(resolved) {}
+    /// @param texts  takes the values of attributes that have references in them; must outlive this object
+    PlainReader(std::string_view document, PlainTexts& texts) : PlainCursor(document), texts(texts) {}
 
     /// @return whether there was any
     bool skipSpace() { return !takeAll(plain::Space).empty(); }

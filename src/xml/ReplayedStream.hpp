@@ -38,8 +38,8 @@ private:
 /// gives, as if nobody had looked. A failure in reading ahead is kept for whoever reads that far.
 class ReplayedStream : public InputStream {
 public:
-    /// @param source  open; must outlive this object
-    explicit ReplayedStream(InputStream& source) : stream(source) {}
+    /// @param stream  open; must outlive this object
+    explicit ReplayedStream(InputStream& stream) : stream(stream) {}
 
     /// Reads ahead to the end of the stream, but not much beyond `limit` bytes.
     /// @param buffer  grows as needed; must outlive this object and be left alone meanwhile

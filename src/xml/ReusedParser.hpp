@@ -17,8 +17,8 @@ namespace opc::model {
 /// The owner holds a `XercesGuard` that outlives it.
 class ReusedParser {
 public:
-    /// @param itsKind  must outlive this object
-    explicit ReusedParser(IdleParsers& itsKind) : kind(itsKind) {}
+    /// @param kind  must outlive this object
+    explicit ReusedParser(IdleParsers& kind) : kind(kind) {}
     ReusedParser(const ReusedParser&) = delete;
     ReusedParser& operator=(const ReusedParser&) = delete;
     ~ReusedParser() { kind.giveBack(std::move(kept)); }
@@ -40,7 +40,7 @@ public:
 private:
     class CountedStream : public InputStream {
     public:
-        explicit CountedStream(InputStream& source) : stream(source) {}
+        explicit CountedStream(InputStream& stream) : stream(stream) {}
 
         void open() override { stream.open(); }
         std::uint64_t read(unsigned char* buffer, std::uint64_t most) override {

@@ -17,10 +17,10 @@ namespace opc::model {
 /// A simple type of a schema, which single values are put to: the check that validation makes.
 class SchemaType {
 public:
-    /// @param parsers       with the schema; must outlive this object
+    /// @param kind          with the schema; must outlive this object
     /// @param namespaceURI  of the schema
     /// @param localName     of the type
-    SchemaType(IdleParsers& parsers, const char16_t* namespaceURI, const char16_t* localName);
+    SchemaType(IdleParsers& kind, const char16_t* namespaceURI, const char16_t* localName);
     SchemaType(const SchemaType&) = delete;
     SchemaType& operator=(const SchemaType&) = delete;
     ~SchemaType();

@@ -44,7 +44,7 @@ struct SourceState {
 /// the exception is kept for the one who started the parse.
 class InputStreamBinInputStream final : public xercesc::BinInputStream {
 public:
-    InputStreamBinInputStream(InputStream& source, SourceState& itsState) : stream(source), state(itsState) {}
+    InputStreamBinInputStream(InputStream& stream, SourceState& state) : stream(stream), state(state) {}
 
     XMLFilePos curPos() const override { return position; }
 
@@ -78,8 +78,8 @@ private:
 /// Gives Xerces a stream to parse.
 class InputStreamXercesSource final : public xercesc::InputSource {
 public:
-    InputStreamXercesSource(InputStream& source, SourceState& itsState)
-        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(source), state(itsState) {}
+    InputStreamXercesSource(InputStream& stream, SourceState& state)
+        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(stream), state(state) {}
 
     xercesc::BinInputStream* makeStream() const override {
         return new InputStreamBinInputStream(stream, state);
@@ -106,9 +106,9 @@ private:
 /// Sets the place of a further schema on a parser for the life of this object.
 class SchemaLocation {
 public:
-    SchemaLocation(DOMConfiguration* target, const std::u16string& location,
+    SchemaLocation(DOMConfiguration* configuration, const std::u16string& location,
                    const std::u16string& namespaceURI)
-        : configuration(target) {
+        : configuration(configuration) {
         const bool inNamespace = !namespaceURI.empty();
         const char16_t* const name = inNamespace ? XMLUni::fgXercesSchemaExternalSchemaLocation
                                                  : XMLUni::fgXercesSchemaExternalNoNameSpaceSchemaLocation;

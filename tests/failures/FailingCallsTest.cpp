@@ -92,13 +92,13 @@ std::string readBack(Package& package, DigitalSignatureManager& signatures) {
 class FailingLife {
 public:
     /// @param number  of the call, from 1
-    FailingLife(const Failure& kind, std::size_t number) : failure(kind) {
+    FailingLife(const Failure& failure, std::size_t number) : failure(failure) {
         Workload::fill(store);
         physical.beforeEach = [this, number](const std::string& call) {
             if (++calls != number)
                 return;
             failedCall = call;
-            failure.raise();
+            this->failure.raise();
         };
     }
 

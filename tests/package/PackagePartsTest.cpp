@@ -332,7 +332,7 @@ TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
 
     class TwoStores : public ScriptedPackage {
     public:
-        TwoStores(MemoryPackage& one, MemoryPackage& two) : ScriptedPackage(one), second(two) {}
+        TwoStores(MemoryPackage& one, MemoryPackage& second) : ScriptedPackage(one), second(second) {}
         std::vector<opc::interfaces::IPhysicalPart*> getParts() override {
             auto parts = ScriptedPackage::getParts();
             parts.push_back(second.getParts().front());

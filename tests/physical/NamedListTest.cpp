@@ -10,7 +10,7 @@
 namespace {
 
 struct Named {
-    Named(std::string text, int number) : name(std::move(text)), value(number) {}
+    Named(std::string name, int value) : name(std::move(name)), value(value) {}
 
     std::string name;
     int value;

@@ -30,7 +30,7 @@ using physical::ZipOptions;
 using physical::ZipPackage;
 
 struct PartInfo : interfaces::IPhysicalPartInfo {
-    explicit PartInfo(CompressionType kind = CompressionType::Normal) : compression(kind) {}
+    explicit PartInfo(CompressionType compression = CompressionType::Normal) : compression(compression) {}
     CompressionType getCompressionType() const override { return compression; }
     std::uint64_t getGrowthHint() const override { return 0; }
     void* getExtraInfo(const std::u16string&) const override { return nullptr; }

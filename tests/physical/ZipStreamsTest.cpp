@@ -17,8 +17,8 @@ class ZipStreams : public FileTest {};
 /// A pipe of a kind: bytes come a few at a time, there is no way back, and it may break.
 class Pipe : public std::streambuf {
 public:
-    explicit Pipe(const Bytes& content, std::size_t breakingPoint = SIZE_MAX)
-        : text(content.begin(), content.end()), breaksAt(breakingPoint) {}
+    explicit Pipe(const Bytes& content, std::size_t breaksAt = SIZE_MAX)
+        : text(content.begin(), content.end()), breaksAt(breaksAt) {}
 
 protected:
     int_type underflow() override {
@@ -39,7 +39,7 @@ private:
 /// Takes bytes one way until it is full.
 class Drain : public std::streambuf {
 public:
-    explicit Drain(std::size_t capacity = SIZE_MAX) : room(capacity) {}
+    explicit Drain(std::size_t room = SIZE_MAX) : room(room) {}
     Bytes bytes;
 
 protected:

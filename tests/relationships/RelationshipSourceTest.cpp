@@ -212,8 +212,8 @@ public:
 private:
     class KeepingPart : public opc::interfaces::IPhysicalPart, public opc::interfaces::IKeptRelationships {
     public:
-        KeepingPart(opc::interfaces::IPhysicalPart& other, const KeepingPackage& keepingPackage)
-            : part(other), package(keepingPackage) {}
+        KeepingPart(opc::interfaces::IPhysicalPart& part, const KeepingPackage& package)
+            : part(part), package(package) {}
 
         std::u16string getName() const override { return part.getName(); }
         std::u16string getContentType() const override { return part.getContentType(); }

@@ -10,8 +10,8 @@ namespace opc::test {
 template <typename Interface>
 class ScriptedPackage::Scripted : public Interface {
 public:
-    Scripted(ScriptedPackage& package, Interface& forwarded, std::string partName)
-        : owner(package), inner(forwarded), name(std::move(partName)) {}
+    Scripted(ScriptedPackage& owner, Interface& inner, std::string name)
+        : owner(owner), inner(inner), name(std::move(name)) {}
 
 protected:
     ScriptedPackage& owner;

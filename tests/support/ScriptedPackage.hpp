@@ -19,7 +19,7 @@ namespace opc::test {
 /// such as to fail. The content types stream goes by the name "types".
 class ScriptedPackage : public interfaces::IPhysicalPackage {
 public:
-    explicit ScriptedPackage(interfaces::IPhysicalPackage& package) : inner(package) {}
+    explicit ScriptedPackage(interfaces::IPhysicalPackage& inner) : inner(inner) {}
 
     /// Runs `action` in front of each call with that text, or at its first word.
     void before(const std::string& call, std::function<void()> action) { actions[call] = std::move(action); }

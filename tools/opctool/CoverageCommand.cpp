@@ -53,9 +53,9 @@ constexpr std::size_t MAXIMUM_NAMES = 2000000;
 /// The report over a package, row by row: there may be very many.
 class Report {
 public:
-    /// @param itsPackage  must outlive this object
-    explicit Report(SignedPackage& itsPackage)
-        : package(itsPackage), managedNames(toSet(package.signatures().getManagedPartNames())),
+    /// @param package  must outlive this object
+    explicit Report(SignedPackage& package)
+        : package(package), managedNames(toSet(package.signatures().getManagedPartNames())),
           managedTypes(toSet(package.signatures().getManagedRelationshipTypes())) {
         const auto signatures = package.signatures().getSignatures();
         together = package.signatures().computeCoverage({signatures.begin(), signatures.end()});

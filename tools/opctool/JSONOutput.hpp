@@ -11,8 +11,8 @@ namespace opctool {
 /// Prints a JSON document piece by piece: lists may be longer than memory should be.
 class JSONOutput {
 public:
-    /// @param target  must outlive this object
-    explicit JSONOutput(std::ostream& target) : stream(target) {}
+    /// @param stream  must outlive this object
+    explicit JSONOutput(std::ostream& stream) : stream(stream) {}
 
     /// Begins an array or object. In an object, what is begun or added has a name.
     void beginArray(const std::string& name = {}) { begin(name, "[", ']'); }

@@ -47,8 +47,8 @@ void addPackage(CLI::App& command, PackageArgument& package) {
         ->excludes(strict);
 }
 
-PackageFile::PackageFile(PackageArgument itsArgument)
-    : argument(std::move(itsArgument)), archive(argument.path, zipOptions(argument.strict)), lenient(archive),
+PackageFile::PackageFile(const PackageArgument& argument)
+    : argument(argument), archive(argument.path, zipOptions(argument.strict)), lenient(archive),
       store(argument.strict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
 }
 

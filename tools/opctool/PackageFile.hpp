@@ -29,7 +29,7 @@ void addPackage(CLI::App& command, PackageArgument& package);
 /// and prints a line on standard error for each oddity before it closes.
 class PackageFile : public opc::interfaces::IPhysicalPackage {
 public:
-    explicit PackageFile(PackageArgument itsArgument);
+    explicit PackageFile(const PackageArgument& argument);
 
     /// Opens the model on this store. The failure of a strict one tells if leniency would avoid it.
     void open(opc::model::Package& package, opc::interfaces::OpenMode mode) const;

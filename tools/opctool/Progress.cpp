@@ -22,7 +22,7 @@ constexpr std::chrono::milliseconds INTERVAL(200);
 
 class WatchedStream : public IPhysicalInputStream {
 public:
-    WatchedStream(IPhysicalInputStream& watched, Progress& observer) : stream(watched), progress(observer) {}
+    WatchedStream(IPhysicalInputStream& stream, Progress& progress) : stream(stream), progress(progress) {}
 
     void open() override { stream.open(); }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
@@ -65,7 +65,7 @@ void Progress::add(std::uint64_t bytes) {
 
 class WatchedPackage::WatchedPart : public IPhysicalPart {
 public:
-    WatchedPart(IPhysicalPart& watched, Progress& observer) : part(watched), progress(observer) {}
+    WatchedPart(IPhysicalPart& part, Progress& progress) : part(part), progress(progress) {}
 
     std::u16string getName() const override { return part.getName(); }
     std::u16string getContentType() const override { return part.getContentType(); }
@@ -81,8 +81,8 @@ private:
     std::vector<std::unique_ptr<WatchedStream>> streams;
 };
 
-WatchedPackage::WatchedPackage(IPhysicalPackage& watched, Progress& observer)
-    : package(watched), progress(observer) {
+WatchedPackage::WatchedPackage(IPhysicalPackage& package, Progress& progress)
+    : package(package), progress(progress) {
 }
 
 WatchedPackage::~WatchedPackage() = default;

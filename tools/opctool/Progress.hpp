@@ -34,7 +34,7 @@ private:
 /// A package over another one, which it doesn't own, that reports what is read of the parts.
 class WatchedPackage : public opc::interfaces::IPhysicalPackage {
 public:
-    WatchedPackage(opc::interfaces::IPhysicalPackage& watched, Progress& observer);
+    WatchedPackage(opc::interfaces::IPhysicalPackage& package, Progress& progress);
     ~WatchedPackage() override;
 
     bool usesContentTypeStream() override { return package.usesContentTypeStream(); }

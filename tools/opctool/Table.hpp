@@ -17,7 +17,7 @@ public:
         Align align = Align::Left;
     };
 
-    explicit Table(std::vector<Column> headings) : columns(std::move(headings)) {}
+    explicit Table(std::vector<Column> columns) : columns(std::move(columns)) {}
 
     /// @param cells  one for each column, in UTF-8; control characters become blanks
     void addRow(std::vector<std::string> cells);

@@ -17,15 +17,15 @@ public:
     using size_type = typename Container::size_type;
     using const_iterator = typename Container::const_iterator;
 
-    explicit Enumerator(Container elements) : snapshot(std::move(elements)) {}
+    explicit Enumerator(Container elements) : elements(std::move(elements)) {}
 
-    const_iterator begin() const { return snapshot.begin(); }
-    const_iterator end() const { return snapshot.end(); }
-    size_type size() const { return snapshot.size(); }
-    bool empty() const { return snapshot.empty(); }
+    const_iterator begin() const { return elements.begin(); }
+    const_iterator end() const { return elements.end(); }
+    size_type size() const { return elements.size(); }
+    bool empty() const { return elements.empty(); }
 
 private:
-    Container snapshot;
+    Container elements;
 };
 
 } // namespace opc::model

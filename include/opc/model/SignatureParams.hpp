@@ -27,9 +27,9 @@ enum class SignatureMethod : std::uint32_t {
 /// The algorithms of a signature. A value type.
 class OPC_MODEL_EXPORT SignatureParams {
 public:
-    explicit SignatureParams(DigestMethod digest = DigestMethod::SHA512,
-                             SignatureMethod signature = SignatureMethod::RSA2048)
-        : digestMethod(digest), signatureMethod(signature) {}
+    explicit SignatureParams(DigestMethod digestMethod = DigestMethod::SHA512,
+                             SignatureMethod signatureMethod = SignatureMethod::RSA2048)
+        : digestMethod(digestMethod), signatureMethod(signatureMethod) {}
 
     DigestMethod getDigestMethod() const { return digestMethod; }
     SignatureMethod getSignatureMethod() const { return signatureMethod; }

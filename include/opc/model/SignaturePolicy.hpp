@@ -47,7 +47,7 @@ private:
 
     enum class Means { PublicKey, Trust, Fingerprints };
 
-    explicit SignaturePolicy(Means signerMeans) : means(signerMeans) {}
+    explicit SignaturePolicy(Means means) : means(means) {}
 
     Means means;
     Bytes publicKey;

@@ -25,7 +25,7 @@ enum class SignerEvidence {
 
 /// The findings of `DigitalSignatureManager::judge` about one signature. All texts are in English.
 struct JudgedSignature {
-    explicit JudgedSignature(const DigitalSignature& judged) : signature(judged) {}
+    explicit JudgedSignature(const DigitalSignature& signature) : signature(signature) {}
 
     DigitalSignature signature;
 

@@ -8,11 +8,12 @@ namespace opc::model {
 /// The usual hints for `Package::createPart`: compression and growth. A value type.
 class OPC_MODEL_EXPORT StandardPartInfo : public interfaces::IPhysicalPartInfo {
 public:
-    /// @param compression  see `CompressionType`
-    /// @param growth       how many bytes to reserve for the growth of the part
-    explicit StandardPartInfo(interfaces::CompressionType compression = interfaces::CompressionType::Normal,
-                              std::uint64_t growth = 0) noexcept
-        : compressionType(compression), growthHint(growth) {}
+    /// @param compressionType  see `CompressionType`
+    /// @param growthHint       how many bytes to reserve for the growth of the part
+    explicit StandardPartInfo(
+        interfaces::CompressionType compressionType = interfaces::CompressionType::Normal,
+        std::uint64_t growthHint = 0) noexcept
+        : compressionType(compressionType), growthHint(growthHint) {}
     StandardPartInfo(const StandardPartInfo&) = default;
     StandardPartInfo& operator=(const StandardPartInfo&) = default;
     ~StandardPartInfo() override;

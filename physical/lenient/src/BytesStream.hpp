@@ -12,7 +12,7 @@ namespace opc::physical::lenient {
 /// Gives bytes of its own.
 class BytesStream : public interfaces::IPhysicalInputStream {
 public:
-    explicit BytesStream(std::vector<unsigned char> content) : bytes(std::move(content)) {}
+    explicit BytesStream(std::vector<unsigned char> bytes) : bytes(std::move(bytes)) {}
 
     void open() override { position = 0; }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {

@@ -42,8 +42,8 @@ struct Wanted {
 
 class ContentTypeChanges {
 public:
-    ContentTypeChanges(const Original& original, const Wanted& wanted, const ContentTypesContext& itsContext)
-        : old(original), changed(wanted), context(itsContext), edits(original.document) {}
+    ContentTypeChanges(const Original& old, const Wanted& changed, const ContentTypesContext& context)
+        : old(old), changed(changed), context(context), edits(old.document) {}
 
     /// @param parts  gives the parts that aren't hidden
     std::optional<Bytes> carry(const std::function<std::vector<std::u16string>()>& parts) {

@@ -59,9 +59,8 @@ std::u16string_view ContentTypeEntry::keyName(Kind kind) {
 /// Goes through the elements of a document once.
 class ContentTypesReader {
 public:
-    ContentTypesReader(const Markup& document, model::ContentTypeRules& itsRules,
-                       ContentTypeEntries& itsEntries)
-        : markup(document), rules(itsRules), result(itsEntries) {}
+    ContentTypesReader(const Markup& markup, model::ContentTypeRules& rules, ContentTypeEntries& result)
+        : markup(markup), rules(rules), result(result) {}
 
     void read() {
         const Element& root = markup.root();

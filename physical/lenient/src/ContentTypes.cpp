@@ -60,8 +60,8 @@ struct ContentTypes::Reading {
 /// Gathers what the model writes, and has it carried into the document when it is closed.
 class ContentTypes::Output : public interfaces::IPhysicalOutputStream {
 public:
-    Output(ContentTypes& types, std::function<std::vector<std::u16string>()> names)
-        : owner(types), parts(std::move(names)) {}
+    Output(ContentTypes& owner, std::function<std::vector<std::u16string>()> parts)
+        : owner(owner), parts(std::move(parts)) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         bytes.insert(bytes.end(), buffer, buffer + count);
@@ -81,8 +81,8 @@ private:
     Bytes bytes;
 };
 
-ContentTypes::ContentTypes(interfaces::IPhysicalPackage& inner)
-    : package(inner), usesStream(package.usesContentTypeStream()) {
+ContentTypes::ContentTypes(interfaces::IPhysicalPackage& package)
+    : package(package), usesStream(package.usesContentTypeStream()) {
     if (!usesStream)
         return;
     try {

@@ -32,7 +32,7 @@ constexpr char NO_CONTENT_TYPE[] = "no content type covers it"; ///< said of a p
 class ContentTypes {
 public:
     /// Reads the content types stream, if the package uses one.
-    explicit ContentTypes(interfaces::IPhysicalPackage& inner);
+    explicit ContentTypes(interfaces::IPhysicalPackage& package);
     ContentTypes(const ContentTypes&) = delete;
     ContentTypes& operator=(const ContentTypes&) = delete;
     ~ContentTypes();

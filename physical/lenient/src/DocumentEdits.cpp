@@ -12,7 +12,7 @@ bool isBlank(char16_t unit) {
 
 } // namespace
 
-DocumentEdits::DocumentEdits(const Document& document) : edited(document), text(document.text().text()) {
+DocumentEdits::DocumentEdits(const Document& edited) : edited(edited), text(edited.text().text()) {
 }
 
 void DocumentEdits::remove(const Element& element) {

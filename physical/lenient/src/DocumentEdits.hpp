@@ -16,8 +16,8 @@ class DocumentEdits {
 public:
     using NewAttributes = std::vector<std::pair<std::u16string_view, std::u16string_view>>;
 
-    /// @param document  must outlive this object
-    explicit DocumentEdits(const Document& document);
+    /// @param edited  must outlive this object
+    explicit DocumentEdits(const Document& edited);
 
     bool areNone() const { return edits.areNone() && added.empty(); }
 

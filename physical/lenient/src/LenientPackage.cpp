@@ -68,7 +68,7 @@ void throwIfHasDocumentType(IPhysicalPart& part) {
 
 class LenientPackage::Impl {
 public:
-    explicit Impl(interfaces::IPhysicalPackage& inner) : package(inner) {}
+    explicit Impl(interfaces::IPhysicalPackage& package) : package(package) {}
 
     /// Looks at what the package, just opened, holds.
     void look();

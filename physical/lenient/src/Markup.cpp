@@ -100,8 +100,8 @@ std::u16string Attribute::value() const {
 /// Goes through a text from its first code unit to its last.
 class MarkupScanner {
 public:
-    MarkupScanner(const std::u16string& itsText, Markup& result)
-        : text(itsText), markup(result), isBlank(isOfVersion11(itsText) ? isMarkupSpace : isSpace) {}
+    MarkupScanner(const std::u16string& text, Markup& markup)
+        : text(text), markup(markup), isBlank(isOfVersion11(text) ? isMarkupSpace : isSpace) {}
 
     void scan() {
         while (at < text.size()) {

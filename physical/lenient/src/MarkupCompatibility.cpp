@@ -28,9 +28,9 @@ class CompatibilityWalk {
 public:
     using Role = MarkupCompatibility::Role;
 
-    CompatibilityWalk(const Markup& itsMarkup, const std::vector<std::u16string_view>& understoodNamespaces,
-                      MarkupCompatibility& toFill)
-        : markup(itsMarkup), understood(understoodNamespaces), result(toFill) {}
+    CompatibilityWalk(const Markup& markup, const std::vector<std::u16string_view>& understood,
+                      MarkupCompatibility& result)
+        : markup(markup), understood(understood), result(result) {}
 
     void go() {
         for (const Element& element : markup.elements()) {

@@ -9,10 +9,10 @@ namespace opc::physical::lenient {
 /// A stream that has been read to its end: gives the same bytes, and then lets them go. Opened again, it is read again.
 class ReadStream : public interfaces::IPhysicalInputStream {
 public:
-    /// @param source   open; must outlive this object
-    /// @param content  what it has given
-    ReadStream(interfaces::IPhysicalInputStream& source, std::vector<unsigned char> content)
-        : stream(source), bytes(std::move(content)) {}
+    /// @param stream  open; must outlive this object
+    /// @param bytes   what it has given
+    ReadStream(interfaces::IPhysicalInputStream& stream, std::vector<unsigned char> bytes)
+        : stream(stream), bytes(std::move(bytes)) {}
 
     void open() override {
         if (!isAgain)

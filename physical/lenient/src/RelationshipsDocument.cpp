@@ -75,8 +75,8 @@ bool hasControls(std::u16string_view text) {
 /// Takes what counts out of the markup.
 class RelationshipsDocument::Reader {
 public:
-    Reader(RelationshipsDocument& toFill, Source itsSource)
-        : document(toFill), markup(toFill.text.markup()), source(itsSource),
+    Reader(RelationshipsDocument& document, Source source)
+        : document(document), markup(document.text.markup()), source(source),
           compatibility(markup, {NAMESPACE, OLD_NAMESPACE}) {}
 
     void read() {

@@ -14,12 +14,12 @@ namespace opc::physical::lenient {
 /// changed, when it is closed. If nothing has, the part isn't written.
 class RelationshipsOutput : public interfaces::IPhysicalOutputStream {
 public:
-    /// @param itsPart  must outlive this object
-    /// @param old      the part's own document
+    /// @param part  must outlive this object
+    /// @param old   the part's own document
     /// @throws Exception  it can't be read
-    RelationshipsOutput(interfaces::IPhysicalPart& itsPart, const Bytes& old, WellFormedness& wellFormedness,
+    RelationshipsOutput(interfaces::IPhysicalPart& part, const Bytes& old, WellFormedness& wellFormedness,
                         RelationshipsDocument::Source source)
-        : part(itsPart), document(old, wellFormedness, source) {}
+        : part(part), document(old, wellFormedness, source) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         written.insert(written.end(), buffer, buffer + count);

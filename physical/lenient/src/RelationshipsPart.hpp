@@ -32,9 +32,9 @@ public:
     static constexpr char16_t CONTENT_TYPE[] = u"application/vnd.openxmlformats-package.relationships+xml";
 
     /// Neither is owned.
-    RelationshipsPart(interfaces::IPhysicalPart& other, RelationshipsReading& common,
-                      RelationshipsDocument::Source itsSource)
-        : part(other), shared(common), source(itsSource) {}
+    RelationshipsPart(interfaces::IPhysicalPart& part, RelationshipsReading& shared,
+                      RelationshipsDocument::Source source)
+        : part(part), shared(shared), source(source) {}
 
     std::u16string getName() const override { return part.getName(); }
     std::u16string getContentType() const override;

@@ -18,8 +18,8 @@ const std::u16string CONTENT_TYPES_STREAM = u"[Content_Types].xml";
 
 /// What an open package works on; the store behind it stays as it is until `close(false)`.
 struct Session {
-    Session(OpenMode openMode, SharedBytes types)
-        : mode(openMode), contentTypes(std::move(types), openMode == OpenMode::ReadOnly) {}
+    Session(OpenMode mode, SharedBytes types)
+        : mode(mode), contentTypes(std::move(types), mode == OpenMode::ReadOnly) {}
 
     bool readOnly() const { return mode == OpenMode::ReadOnly; }
 
@@ -32,7 +32,7 @@ struct Session {
 
 class MemoryPackage::Impl {
 public:
-    explicit Impl(ContentTypes where) : contentTypes(where) {}
+    explicit Impl(ContentTypes contentTypes) : contentTypes(contentTypes) {}
 
     Session& opened() {
         if (!session)

@@ -9,7 +9,7 @@ namespace {
 
 class MemoryInputStream : public interfaces::IPhysicalInputStream {
 public:
-    explicit MemoryInputStream(const MemoryContent& source) : content(source), bytes(source.get()) {}
+    explicit MemoryInputStream(const MemoryContent& content) : content(content), bytes(content.get()) {}
 
     void open() override {
         bytes = content.get();
@@ -34,8 +34,8 @@ private:
 
 class MemoryOutputStream : public interfaces::IPhysicalOutputStream {
 public:
-    MemoryOutputStream(const MemoryContent& target, const std::u16string& name)
-        : content(target), bytes(target.get()), owner(name) {}
+    MemoryOutputStream(const MemoryContent& content, const std::u16string& owner)
+        : content(content), bytes(content.get()), owner(owner) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         if (closed)

@@ -13,7 +13,7 @@ namespace opc::physical::memory {
 /// Owns the streams that it hands out.
 class MemoryContent {
 public:
-    MemoryContent(SharedBytes content, bool isReadOnly) : bytes(std::move(content)), readOnly(isReadOnly) {}
+    MemoryContent(SharedBytes bytes, bool readOnly) : bytes(std::move(bytes)), readOnly(readOnly) {}
     MemoryContent(const MemoryContent&) = delete;
     MemoryContent& operator=(const MemoryContent&) = delete;
 
@@ -37,8 +37,8 @@ private:
 /// A part of an open package.
 class MemoryPart : public interfaces::IPhysicalPart, public interfaces::IPhysicalPartSize {
 public:
-    MemoryPart(std::u16string partName, std::u16string type, SharedBytes bytes, bool readOnly)
-        : name(std::move(partName)), contentType(std::move(type)), content(std::move(bytes), readOnly) {}
+    MemoryPart(std::u16string name, std::u16string contentType, SharedBytes bytes, bool readOnly)
+        : name(std::move(name)), contentType(std::move(contentType)), content(std::move(bytes), readOnly) {}
 
     std::u16string getName() const override { return name; }
     std::u16string getContentType() const override { return contentType; }

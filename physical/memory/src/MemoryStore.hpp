@@ -12,8 +12,8 @@ using SharedBytes = std::shared_ptr<std::vector<unsigned char>>;
 
 /// The lasting content of one part.
 struct StoredPart {
-    StoredPart(std::u16string partName, std::u16string type, SharedBytes content)
-        : name(std::move(partName)), contentType(std::move(type)), bytes(std::move(content)) {}
+    StoredPart(std::u16string name, std::u16string contentType, SharedBytes bytes)
+        : name(std::move(name)), contentType(std::move(contentType)), bytes(std::move(bytes)) {}
 
     std::u16string name;
     std::u16string contentType;

@@ -26,10 +26,10 @@ std::string commentOf(std::size_t size) {
 
 class DirectoryReader {
 public:
-    DirectoryReader(ByteSource& bytes, const std::string& archivePlace, const ZipOptions& options,
-                    ArchiveDirectory& target)
-        : archive(bytes), place(archivePlace), limits(options), directory(target),
-          end(readDirectoryEnd(bytes, archivePlace, options.lenient)), position(end.offset) {}
+    DirectoryReader(ByteSource& archive, const std::string& place, const ZipOptions& options,
+                    ArchiveDirectory& directory)
+        : archive(archive), place(place), options(options), directory(directory),
+          end(readDirectoryEnd(archive, place, options.lenient)), position(end.offset) {}
 
     void read();
 
@@ -47,7 +47,7 @@ private:
 
     ByteSource& archive;
     const std::string& place;
-    const ZipOptions& limits;
+    const ZipOptions& options;
     ArchiveDirectory& directory;
     DirectoryEnd end;
     std::uint64_t position; ///< of the entry to read
@@ -59,10 +59,10 @@ private:
 };
 
 void DirectoryReader::read() {
-    if (end.itemCount > limits.maxItems)
-        fail(place, "more than " + std::to_string(limits.maxItems) + " items", EFBIG);
-    if (end.size > limits.maxDirectorySize)
-        fail(place, "a directory of more than " + std::to_string(limits.maxDirectorySize) + " bytes", EFBIG);
+    if (end.itemCount > options.maxItems)
+        fail(place, "more than " + std::to_string(options.maxItems) + " items", EFBIG);
+    if (end.size > options.maxDirectorySize)
+        fail(place, "a directory of more than " + std::to_string(options.maxDirectorySize) + " bytes", EFBIG);
     if (end.itemCount > end.size / DIRECTORY_ENTRY_SIZE)
         failDirectory(place, "too short for its number of items");
     directory.entries.reserve(static_cast<std::size_t>(end.itemCount));
@@ -87,9 +87,9 @@ void DirectoryReader::readEntry() {
     if (directoryEntrySizeOf(record) != size) // another program may be writing to the file
         failDirectory(place, "it has just been changed");
     const std::size_t nameSize = read16(record + 28);
-    if (nameSize > limits.maxNameLength)
+    if (nameSize > options.maxNameLength)
         fail(entryPlace(),
-             "its name has more bytes than the limit of " + std::to_string(limits.maxNameLength), EFBIG);
+             "its name has more bytes than the limit of " + std::to_string(options.maxNameLength), EFBIG);
     DirectoryEntry entry;
     entry.record = position;
     entry.flags = read16(record + 8);
@@ -130,8 +130,8 @@ void DirectoryReader::readName(std::string_view stored, DirectoryEntry& entry) {
     if (stored.find('\0') != std::string_view::npos)
         fail(entryPlace(), "a zero byte in its name", EBADMSG);
     const auto folders = std::count_if(stored.begin(), stored.end(), isSlash);
-    if (static_cast<std::uint64_t>(folders) > limits.maxDepth)
-        fail(entryPlace(), "deeper in folders than the limit of " + std::to_string(limits.maxDepth), EFBIG);
+    if (static_cast<std::uint64_t>(folders) > options.maxDepth)
+        fail(entryPlace(), "deeper in folders than the limit of " + std::to_string(options.maxDepth), EFBIG);
     entry.name = keep(stored);
     if (isUTF8(stored))
         return;
@@ -176,9 +176,9 @@ std::string whyUnreadable(const DirectoryEntry& entry) {
     return {};
 }
 
-bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits) {
-    return entry.size > limits.ratioFloor &&
-           entry.size / std::max<std::uint64_t>(limits.maxRatio, 1) > entry.compressedSize;
+bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options) {
+    return entry.size > options.ratioFloor &&
+           entry.size / std::max<std::uint64_t>(options.maxRatio, 1) > entry.compressedSize;
 }
 
 void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item, const char* record,
@@ -207,9 +207,9 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
         note(" holds data in extra fields of unknown kind");
 }
 
-void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
+void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& options,
                    ArchiveDirectory& directory) {
-    DirectoryReader(archive, place, limits, directory).read();
+    DirectoryReader(archive, place, options, directory).read();
 }
 
 } // namespace opc::physical::zip

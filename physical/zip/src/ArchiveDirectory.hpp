@@ -60,7 +60,7 @@ struct ArchiveDirectory {
 std::string whyUnreadable(const DirectoryEntry& entry);
 
 /// Whether an item expands more than the limits let it.
-bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& limits);
+bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options);
 
 /// Notes what extra fields of an item say beside numbers: other names, and data of unknown kinds. Raises if they
 /// alone say that it is encrypted.
@@ -73,7 +73,7 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
 /// that the items lie in front of it. Where each one ends isn't known then.
 /// @param place      the archive's name for messages
 /// @param directory  empty before
-void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& limits,
+void readDirectory(ByteSource& archive, const std::string& place, const ZipOptions& options,
                    ArchiveDirectory& directory);
 
 } // namespace opc::physical::zip

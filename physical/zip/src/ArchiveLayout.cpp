@@ -21,8 +21,8 @@ constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
 
 class LayoutCheck {
 public:
-    LayoutCheck(ByteSource& bytes, const std::string& archivePlace, ArchiveDirectory& target)
-        : archive(bytes), place(archivePlace), directory(target) {}
+    LayoutCheck(ByteSource& archive, const std::string& place, ArchiveDirectory& directory)
+        : archive(archive), place(place), directory(directory) {}
 
     void run();
 

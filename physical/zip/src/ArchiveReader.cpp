@@ -14,9 +14,9 @@
 namespace opc::physical::zip {
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
-                             const ZipOptions& limits)
-    : source(std::move(archive)), where(std::move(archivePlace)), lenient(limits.lenient) {
-    readDirectory(*source, where, limits, directory);
+                             const ZipOptions& options)
+    : source(std::move(archive)), where(std::move(archivePlace)), lenient(options.lenient) {
+    readDirectory(*source, where, options, directory);
     checkLayout(*source, where, directory);
 }
 

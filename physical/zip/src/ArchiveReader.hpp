@@ -19,7 +19,7 @@ public:
     static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
 
     /// Reads the directory, and checks all local headers against it.
-    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& limits);
+    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& options);
 
     ItemIndex itemCount() const { return static_cast<ItemIndex>(directory.entries.size()); }
     const DirectoryEntry& item(ItemIndex index) const { return directory.entries[index]; }

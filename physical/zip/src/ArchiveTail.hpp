@@ -9,7 +9,7 @@ namespace opc::physical::zip {
 /// the directory can take. What lies in front of that reads as if it weren't there.
 class ArchiveTail : public ByteTarget, public ByteSource {
 public:
-    explicit ArchiveTail(ByteTarget& target) : out(target) {}
+    explicit ArchiveTail(ByteTarget& out) : out(out) {}
 
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override;
 

@@ -19,10 +19,10 @@ constexpr std::size_t BLOCK = 1U << 20;
 
 } // namespace
 
-ArchiveWriter::ArchiveWriter(const ArchiveReader* oldArchive, ByteTarget& target, std::string archivePlace,
-                             const ZipOptions& settings)
-    : old(oldArchive), out(target), where(std::move(archivePlace)), options(settings),
-      time(settings.deterministic ? DOS_TIME_ORIGIN : dosTimeNow()), changes(old ? old->itemCount() : 0) {
+ArchiveWriter::ArchiveWriter(const ArchiveReader* old, ByteTarget& out, std::string where,
+                             const ZipOptions& options)
+    : old(old), out(out), where(std::move(where)), options(options),
+      time(options.deterministic ? DOS_TIME_ORIGIN : dosTimeNow()), changes(old ? old->itemCount() : 0) {
 }
 
 void ArchiveWriter::put(const ZipContent& content) {

@@ -16,10 +16,9 @@ class ZipContent;
 /// many items at a time.
 class ArchiveWriter {
 public:
-    /// @param oldArchive  the old archive; null if there is none
-    /// @param target      gets the new one; must outlive the writer
-    ArchiveWriter(const ArchiveReader* oldArchive, ByteTarget& target, std::string archivePlace,
-                  const ZipOptions& settings);
+    /// @param old  the old archive; null if there is none
+    /// @param out  gets the new one; must outlive the writer
+    ArchiveWriter(const ArchiveReader* old, ByteTarget& out, std::string where, const ZipOptions& options);
 
     void remove(ItemIndex item) { changes[item].removed = true; }
 

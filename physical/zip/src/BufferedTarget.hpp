@@ -30,7 +30,7 @@ class BufferedTarget {
 public:
     static constexpr std::size_t CAPACITY = std::size_t{256} * 1024;
 
-    explicit BufferedTarget(ByteTarget& target) : out(target), buffer(CAPACITY) {}
+    explicit BufferedTarget(ByteTarget& out) : out(out), buffer(CAPACITY) {}
 
     int write(const unsigned char* bytes, std::size_t count) noexcept;
     int flush() noexcept;

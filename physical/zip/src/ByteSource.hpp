@@ -36,8 +36,8 @@ public:
 /// from a window, and so are those in the last read of the end, where the directory mostly lies.
 class FileBytes : public ByteSource {
 public:
-    FileBytes(FileDescriptor descriptor, const FileIdentity& fileIdentity)
-        : file(std::move(descriptor)), whenOpened(fileIdentity), window(new unsigned char[LARGEST_WINDOW]) {}
+    FileBytes(FileDescriptor file, const FileIdentity& whenOpened)
+        : file(std::move(file)), whenOpened(whenOpened), window(new unsigned char[LARGEST_WINDOW]) {}
 
     FileIdentity identity() const noexcept override { return whenOpened; }
 
@@ -62,10 +62,10 @@ private:
 
 class MemoryBytes : public ByteSource {
 public:
-    /// @param fileIdentity  of the file that they have been read from, if any
-    MemoryBytes(std::shared_ptr<const unsigned char> content, std::size_t count,
-                const FileIdentity& fileIdentity = {}) noexcept
-        : bytes(std::move(content)), length(count), whenRead(fileIdentity) {}
+    /// @param whenRead  of the file that they have been read from, if any
+    MemoryBytes(std::shared_ptr<const unsigned char> bytes, std::size_t length,
+                const FileIdentity& whenRead = {}) noexcept
+        : bytes(std::move(bytes)), length(length), whenRead(whenRead) {}
 
     FileIdentity identity() const noexcept override { return whenRead; }
     std::uint64_t size() const noexcept override { return length; }

@@ -25,8 +25,8 @@ bool isPlainPartName(std::string_view name);
 /// the list of parts alone.
 class ExtractionNames {
 public:
-    /// @param allParts  of the package; must outlive this
-    explicit ExtractionNames(NamedList<ZipPart>& allParts) : parts(allParts) {}
+    /// @param parts  of the package; must outlive this
+    explicit ExtractionNames(NamedList<ZipPart>& parts) : parts(parts) {}
 
     /// Takes a name of an item that is no part.
     /// @return what would be overwritten, as words for a message; nothing if nothing would

@@ -9,7 +9,7 @@ namespace opc::physical::zip {
 /// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing.
 class FileDescriptor {
 public:
-    explicit FileDescriptor(int descriptor = -1) noexcept : fd(descriptor) {}
+    explicit FileDescriptor(int fd = -1) noexcept : fd(fd) {}
     FileDescriptor(FileDescriptor&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
     FileDescriptor& operator=(FileDescriptor&& other) noexcept {
         std::swap(fd, other.fd);

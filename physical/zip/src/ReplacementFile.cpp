@@ -48,8 +48,8 @@ Lock tryToLock(const FileDescriptor& file) {
 
 } // namespace
 
-ReplacementFile::ReplacementFile(const fs::path& path, std::string archive)
-    : target(resolve(path)), place(std::move(archive)),
+ReplacementFile::ReplacementFile(const fs::path& path, const std::string& place)
+    : target(resolve(path)), place(place),
       folder(::open(target.has_parent_path() ? target.parent_path().c_str() : ".",
                     O_PATH | O_DIRECTORY | O_CLOEXEC)) {
     if (!folder.isOpen())

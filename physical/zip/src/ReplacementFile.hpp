@@ -19,9 +19,9 @@ namespace opc::physical::zip {
 /// gone and the target is as it was.
 class ReplacementFile : public ByteTarget {
 public:
-    /// @param path     the target; a symbolic link is followed
-    /// @param archive  how messages name it
-    ReplacementFile(const std::filesystem::path& path, std::string archive);
+    /// @param path   the target; a symbolic link is followed
+    /// @param place  how messages name it
+    ReplacementFile(const std::filesystem::path& path, const std::string& place);
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
     ~ReplacementFile() override;

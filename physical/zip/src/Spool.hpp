@@ -16,8 +16,8 @@ class SpoolStore {
 public:
     static constexpr std::size_t CHUNK = 1U << 20;
 
-    SpoolStore(std::filesystem::path folder, std::uint64_t memoryLimit)
-        : place(std::move(folder)), memoryLeft(memoryLimit) {}
+    SpoolStore(std::filesystem::path place, std::uint64_t memoryLimit)
+        : place(std::move(place)), memoryLeft(memoryLimit) {}
 
     /// @return whether there is so much memory left; then it is taken
     bool takeMemory(std::uint64_t count) noexcept;
@@ -43,7 +43,7 @@ private:
 /// The content of one part as it is written: in memory while it is small, then in the store's file.
 class Spool : public ByteSource {
 public:
-    explicit Spool(std::shared_ptr<SpoolStore> spoolStore) noexcept : store(std::move(spoolStore)) {}
+    explicit Spool(std::shared_ptr<SpoolStore> store) noexcept : store(std::move(store)) {}
     Spool(const Spool&) = delete;
     Spool& operator=(const Spool&) = delete;
     ~Spool() override;

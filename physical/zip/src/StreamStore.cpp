@@ -14,7 +14,7 @@ namespace {
 
 class SpoolTarget : public ByteTarget {
 public:
-    explicit SpoolTarget(Spool& target) noexcept : spool(target) {}
+    explicit SpoolTarget(Spool& spool) noexcept : spool(spool) {}
 
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override {
         try {

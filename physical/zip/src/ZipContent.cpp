@@ -11,7 +11,7 @@ using interfaces::CompressionType;
 
 class ZipContent::Input : public interfaces::IPhysicalInputStream {
 public:
-    explicit Input(const ZipContent& source) : content(source), reader(source.makeReader()) {}
+    explicit Input(const ZipContent& content) : content(content), reader(content.makeReader()) {}
 
     void open() override {
         reader = content.makeReader();
@@ -44,7 +44,7 @@ private:
 
 class ZipContent::Output : public interfaces::IPhysicalOutputStream {
 public:
-    explicit Output(const ZipContent& target) : content(target), spool(target.written()) {}
+    explicit Output(const ZipContent& content) : content(content), spool(content.written()) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         if (!spool)
@@ -65,13 +65,13 @@ private:
     std::shared_ptr<Spool> spool;
 };
 
-ZipContent::ZipContent(ZipContext& owner, ItemIndex whole)
-    : context(owner), item(whole), inputs(owner.streams) {
+ZipContent::ZipContent(ZipContext& context, ItemIndex item)
+    : context(context), item(item), inputs(context.streams) {
 }
 
-ZipContent::ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces)
-    : context(owner), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
-      inputs(owner.streams) {
+ZipContent::ZipContent(ZipContext& context, std::string contentName, std::vector<ItemIndex> pieces)
+    : context(context), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
+      inputs(context.streams) {
 }
 
 ZipContent::~ZipContent() = default;

@@ -38,11 +38,11 @@ struct ZipContext {
 class ZipContent {
 public:
     /// The content of one item under the item's own name.
-    ZipContent(ZipContext& owner, ItemIndex whole);
+    ZipContent(ZipContext& context, ItemIndex item);
 
     /// @param contentName  the name of an item for it
     /// @param pieces       the items of the archive that hold the content, in order; none for a new content
-    ZipContent(ZipContext& owner, std::string contentName, std::vector<ItemIndex> pieces);
+    ZipContent(ZipContext& context, std::string contentName, std::vector<ItemIndex> pieces);
     ZipContent(const ZipContent&) = delete;
     ZipContent& operator=(const ZipContent&) = delete;
     ~ZipContent();

@@ -18,7 +18,7 @@ constexpr std::uint64_t SMALLEST_WHOLE = 400;
 
 } // namespace
 
-ItemReader::ItemReader(ArchiveReader& reader, ItemRange pieces) : archive(reader), items(pieces) {
+ItemReader::ItemReader(ArchiveReader& archive, ItemRange items) : archive(archive), items(items) {
     enterItem();
 }
 

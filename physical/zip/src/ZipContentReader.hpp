@@ -36,8 +36,8 @@ public:
 /// content as a whole, only while it stands within an item.
 class ItemReader : public ZipContentReader {
 public:
-    /// @param pieces  must outlive the reader
-    ItemReader(ArchiveReader& reader, ItemRange pieces);
+    /// @param items  must outlive the reader
+    ItemReader(ArchiveReader& archive, ItemRange items);
     ItemReader(const ItemReader&) = delete;
     ItemReader& operator=(const ItemReader&) = delete;
     ~ItemReader() override;
@@ -77,9 +77,9 @@ private:
 /// Reads what has been written; more may be written meanwhile.
 class SpoolReader : public ZipContentReader {
 public:
-    /// @param contentOwner  whose content `written` is; must outlive the reader
-    SpoolReader(std::shared_ptr<Spool> written, const ZipContent& contentOwner)
-        : spool(std::move(written)), owner(contentOwner) {}
+    /// @param owner  whose content `spool` is; must outlive the reader
+    SpoolReader(std::shared_ptr<Spool> spool, const ZipContent& owner)
+        : spool(std::move(spool)), owner(owner) {}
 
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override { return position >= spool->size(); }

@@ -15,8 +15,8 @@ namespace opc::physical {
 
 class ZipPackage::Impl {
 public:
-    Impl(std::unique_ptr<zip::ArchiveStore> archiveStore, ZipOptions settings)
-        : store(std::move(archiveStore)), options(std::move(settings)) {}
+    Impl(std::unique_ptr<zip::ArchiveStore> store, ZipOptions options)
+        : store(std::move(store)), options(std::move(options)) {}
 
     zip::ZipSession& opened() {
         if (!session)

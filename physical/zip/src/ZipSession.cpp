@@ -26,8 +26,8 @@ std::string toLowerCase(std::string text) {
 
 } // namespace
 
-ZipSession::ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, OpenMode openMode)
-    : store(archiveStore), options(settings), mode(openMode) {
+ZipSession::ZipSession(ArchiveStore& store, const ZipOptions& options, OpenMode mode)
+    : store(store), options(options), mode(mode) {
     context.place = store.place();
     context.readOnly = mode == OpenMode::ReadOnly;
     context.changed = mode == OpenMode::CreateOnly;

@@ -18,7 +18,7 @@ namespace opc::physical::zip {
 /// A package while it is open: what its archive holds and what has changed since.
 class ZipSession {
 public:
-    ZipSession(ArchiveStore& archiveStore, const ZipOptions& settings, interfaces::OpenMode openMode);
+    ZipSession(ArchiveStore& store, const ZipOptions& options, interfaces::OpenMode mode);
 
     /// Writes the changes, if there are any. After a failure everything is as it was.
     void save();

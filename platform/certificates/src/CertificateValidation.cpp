@@ -167,9 +167,10 @@ Attempt judgeChain(STACK_OF(X509) * chain, const CertificateValidationOptions& o
 /// A certificate to validate, and what to build its chain with.
 class Validation {
 public:
-    Validation(X509& signer, const X509CertificateChain& chain,
-               const CertificateValidationOptions& validation, const TrustStore& trusted)
-        : certificate(signer), others(chain.getCertificates()), options(validation), trustStore(trusted) {}
+    Validation(X509& certificate, const X509CertificateChain& chain,
+               const CertificateValidationOptions& options, const TrustStore& trustStore)
+        : certificate(certificate), others(chain.getCertificates()), options(options),
+          trustStore(trustStore) {}
 
     /// OpenSSL follows one way through the certificates. Where that fails, the others are tried without the
     /// certificate that it failed at. What is reported is the first failure.

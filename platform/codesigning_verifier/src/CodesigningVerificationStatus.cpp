@@ -22,8 +22,8 @@ ErrorCode codeOf(crypto::utils::SignatureVerificationStatus status) {
 } // namespace
 
 CodesigningVerificationStatus::CodesigningVerificationStatus(
-    const ErrorCode& errorCode, certificates::CertificateValidationResults results)
-    : code(errorCode), validation(std::move(results)) {
+    const ErrorCode& code, certificates::CertificateValidationResults validation)
+    : code(code), validation(std::move(validation)) {
 }
 
 CodesigningVerificationStatus::CodesigningVerificationStatus(

@@ -2,8 +2,8 @@
 
 namespace opc {
 
-Exception::Exception(const std::string& message, boost::system::error_code code)
-    : std::runtime_error(message), errorCode(code) {
+Exception::Exception(const std::string& message, boost::system::error_code errorCode)
+    : std::runtime_error(message), errorCode(errorCode) {
 }
 
 void Exception::addDetails(const std::string& phrase) {

@@ -20,7 +20,7 @@ constexpr int LAST_YEAR = 9999;
 /// Reads fields of digits one after the other from a text.
 class FieldReader {
 public:
-    explicit FieldReader(const std::u16string& text) noexcept : source(text) {}
+    explicit FieldReader(const std::u16string& source) noexcept : source(source) {}
 
     bool atEnd() const noexcept { return position == source.size(); }
 

@@ -8,9 +8,9 @@ namespace bedrock::crypto {
 
 using Bytes = CryptoEngine::Bytes;
 
-CryptoEngine::CryptoEngine(std::shared_ptr<interfaces::ICryptoProvider> algorithms)
-    : provider(std::move(algorithms)) {
-    if (!provider)
+CryptoEngine::CryptoEngine(std::shared_ptr<interfaces::ICryptoProvider> provider)
+    : provider(std::move(provider)) {
+    if (!this->provider)
         throw utils::Exception("A crypto engine needs a provider.");
 }
 

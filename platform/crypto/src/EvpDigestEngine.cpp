@@ -46,9 +46,9 @@ const char* getOpenSslName(DigestAlgorithm algorithm) {
     throw utils::CouldNotComputeDigest("There is no such digest algorithm.");
 }
 
-EvpDigestEngine::EvpDigestEngine(DigestAlgorithm chosen) : algorithm(chosen) {
+EvpDigestEngine::EvpDigestEngine(DigestAlgorithm algorithm) : algorithm(algorithm) {
     const openssl::ErrorScope scope;
-    const char* name = getOpenSslName(chosen);
+    const char* name = getOpenSslName(algorithm);
     digest.reset(EVP_MD_fetch(nullptr, name, nullptr));
     if (!digest)
         openssl::fail<utils::CouldNotComputeDigest>(std::string("OpenSSL doesn't offer the digest ") + name +

@@ -14,7 +14,7 @@ const char* getOpenSslName(DigestAlgorithm algorithm);
 class EvpDigestEngine final : public DigestEngine {
 public:
     /// @throws utils::CouldNotComputeDigest  if OpenSSL doesn't offer the algorithm
-    explicit EvpDigestEngine(DigestAlgorithm chosen);
+    explicit EvpDigestEngine(DigestAlgorithm algorithm);
 
     DigestAlgorithm getAlgorithm() const override { return algorithm; }
     std::vector<unsigned char> computeDigest(const std::vector<unsigned char>& bytes) override;

@@ -13,7 +13,7 @@ namespace bedrock::crypto {
 /// frees.
 class EvpRsaPrivateKey final : public RSAPrivateKey {
 public:
-    explicit EvpRsaPrivateKey(openssl::PkeyPtr ownKey) : key(std::move(ownKey)) {}
+    explicit EvpRsaPrivateKey(openssl::PkeyPtr key) : key(std::move(key)) {}
 
     std::size_t getKeySize() const override;
     std::vector<unsigned char> getAsByteArray() const override;
@@ -26,7 +26,7 @@ private:
 /// Shares OpenSSL's key with the verifiers made from it.
 class EvpRsaPublicKey final : public RSAPublicKey {
 public:
-    explicit EvpRsaPublicKey(openssl::PkeyPtr ownKey) : key(std::move(ownKey)) {}
+    explicit EvpRsaPublicKey(openssl::PkeyPtr key) : key(std::move(key)) {}
 
     std::size_t getKeySize() const override;
     std::vector<unsigned char> getModulus() const override;

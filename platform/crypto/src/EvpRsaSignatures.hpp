@@ -11,7 +11,7 @@ namespace bedrock::crypto {
 
 class EvpRsaSigner final : public RSASigner {
 public:
-    explicit EvpRsaSigner(std::shared_ptr<EVP_PKEY> ownKey) : key(std::move(ownKey)) {}
+    explicit EvpRsaSigner(std::shared_ptr<EVP_PKEY> key) : key(std::move(key)) {}
 
     std::vector<unsigned char> sign(const std::vector<unsigned char>& bytes,
                                     const std::shared_ptr<DigestEngine>& engine) override;
@@ -22,7 +22,7 @@ private:
 
 class EvpRsaVerifier final : public RSAVerifier {
 public:
-    explicit EvpRsaVerifier(std::shared_ptr<EVP_PKEY> ownKey) : key(std::move(ownKey)) {}
+    explicit EvpRsaVerifier(std::shared_ptr<EVP_PKEY> key) : key(std::move(key)) {}
 
     utils::SignatureVerificationStatus verify(const std::vector<unsigned char>& bytes,
                                               const std::vector<unsigned char>& signatureValue,

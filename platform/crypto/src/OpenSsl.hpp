@@ -85,7 +85,7 @@ Owner made(Owner owner) {
 class Secret {
 public:
     Secret() = default;
-    explicit Secret(std::vector<unsigned char> content) noexcept : bytes(std::move(content)) {}
+    explicit Secret(std::vector<unsigned char> bytes) noexcept : bytes(std::move(bytes)) {}
     Secret(const Secret&) = delete;
     Secret& operator=(const Secret&) = delete;
     ~Secret() { OPENSSL_cleanse(bytes.data(), bytes.size()); }

@@ -8,9 +8,8 @@
 
 namespace bedrock::crypto {
 
-RsaKeyPair::RsaKeyPair(std::vector<unsigned char> privateKeyBytes,
-                       std::vector<unsigned char> publicKeyBytes) noexcept
-    : privateKey(std::move(privateKeyBytes)), publicKey(std::move(publicKeyBytes)) {
+RsaKeyPair::RsaKeyPair(std::vector<unsigned char> privateKey, std::vector<unsigned char> publicKey) noexcept
+    : privateKey(std::move(privateKey)), publicKey(std::move(publicKey)) {
 }
 
 RsaKeyPair::RsaKeyPair(RsaKeyPair&& other) noexcept = default;

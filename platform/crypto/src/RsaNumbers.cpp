@@ -25,8 +25,8 @@ BnPtr secretNumber() {
 
 class NumbersCheck {
 public:
-    explicit NumbersCheck(const EVP_PKEY& ownKey)
-        : key(ownKey), context(openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()))),
+    explicit NumbersCheck(const EVP_PKEY& key)
+        : key(key), context(openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()))),
           modulus(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_N)),
           publicExponent(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_E)),
           privateExponent(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_D)), product(secretNumber()) {

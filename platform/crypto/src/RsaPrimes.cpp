@@ -25,8 +25,8 @@ void require(bool done) {
 
 class PrimeFinder {
 public:
-    PrimeFinder(const BIGNUM& product, const BIGNUM& publicExponent, const BIGNUM& privateExponent)
-        : modulus(product), context(openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()))),
+    PrimeFinder(const BIGNUM& modulus, const BIGNUM& publicExponent, const BIGNUM& privateExponent)
+        : modulus(modulus), context(openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()))),
           montgomery(openssl::made(openssl::MontgomeryPtr(BN_MONT_CTX_new()))), oddPart(secretNumber()) {
         require(BN_MONT_CTX_set(montgomery.get(), &modulus, context.get()));
         require(BN_mul(oddPart.get(), &publicExponent, &privateExponent, context.get()));

@@ -10,7 +10,7 @@ namespace opc::model {
 /// Bytes of a private key, overwritten when they go out of scope.
 class SecretBytes {
 public:
-    explicit SecretBytes(std::vector<unsigned char> secret) noexcept : bytes(std::move(secret)) {}
+    explicit SecretBytes(std::vector<unsigned char> bytes) noexcept : bytes(std::move(bytes)) {}
     SecretBytes(const SecretBytes&) = delete;
     SecretBytes& operator=(const SecretBytes&) = delete;
     ~SecretBytes() { bedrock::crypto::utils::cleanse(bytes); }

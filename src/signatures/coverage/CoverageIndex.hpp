@@ -34,8 +34,8 @@ public:
         std::map<std::u16string, Places> types;
     };
 
-    /// @param origin  the name of the signature origin part, if there are signatures
-    explicit CoverageIndex(std::optional<URI> origin) : originURI(std::move(origin)) {}
+    /// @param originURI  the name of the signature origin part, if there are signatures
+    explicit CoverageIndex(std::optional<URI> originURI) : originURI(std::move(originURI)) {}
 
     void add(const DigitalSignature& signature);
 

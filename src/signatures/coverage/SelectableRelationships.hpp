@@ -21,8 +21,8 @@ class SelectableRelationships {
 public:
     using Group = SignedRelationships::Group;
 
-    /// @param originURI  the name of the signature origin part, if there is one
-    explicit SelectableRelationships(std::optional<URI> originURI) : origin(std::move(originURI)) {}
+    /// @param origin  the name of the signature origin part, if there is one
+    explicit SelectableRelationships(std::optional<URI> origin) : origin(std::move(origin)) {}
     SelectableRelationships(const SelectableRelationships&) = delete;
     SelectableRelationships& operator=(const SelectableRelationships&) = delete;
 

@@ -45,8 +45,8 @@ auto translateDigestFailures(const Action& action) {
 
 } // namespace
 
-PartDigester::PartDigester(const Package& containing, DigestMethod method)
-    : package(containing), engine(translateDigestFailures([method] {
+PartDigester::PartDigester(const Package& package, DigestMethod method)
+    : package(package), engine(translateDigestFailures([method] {
           const bedrock::crypto::CryptoEngine cryptoEngine(
               std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
           return createDigestEngine(cryptoEngine, method);

@@ -25,9 +25,9 @@ class Package;
 /// often its digest is asked for: a small signature could name a large part many times.
 class PartDigester {
 public:
-    /// @param containing  must outlive this object
+    /// @param package  must outlive this object
     /// @throws CouldNotGenerateSignature  if the method isn't to be had
-    PartDigester(const Package& containing, DigestMethod method);
+    PartDigester(const Package& package, DigestMethod method);
 
     /// @throws CouldNotGenerateSignature  if the services fail
     /// @throws PartNotFound, and whatever reading the part raises
@@ -44,8 +44,8 @@ private:
 /// Digesters of one package, made for each method when it is asked for.
 class PartDigesters {
 public:
-    /// @param containing  must outlive this object
-    explicit PartDigesters(const Package& containing) : package(containing) {}
+    /// @param package  must outlive this object
+    explicit PartDigesters(const Package& package) : package(package) {}
 
     /// As `PartDigester::digest`.
     const std::vector<unsigned char>& digest(const PartName& name, DigestMethod method) {

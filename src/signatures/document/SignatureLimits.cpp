@@ -16,7 +16,7 @@ constexpr std::size_t MAXIMUM_ASIDES = 2000;
 
 } // namespace
 
-SignatureLimits::SignatureLimits(const SignatureNames& signatureNames) : names(signatureNames) {
+SignatureLimits::SignatureLimits(const SignatureNames& names) : names(names) {
 }
 
 void SignatureLimits::check(const ElementIndex& document) const {

@@ -157,7 +157,7 @@ constexpr auto OBJECT_END =
 /// Goes through the document once. After an operation that didn't take what it should, the document isn't recognised.
 class Scan {
 public:
-    Scan(std::string_view document, ScannedSignature& result) : reader(document), found(result) {}
+    Scan(std::string_view document, ScannedSignature& found) : reader(document), found(found) {}
 
     bool takeDocument() { return reader.take(DECLARATION) && takeSignature() && reader.atEnd(); }
 

@@ -70,10 +70,9 @@ bool isOfObject(const Reference* reference) {
 
 } // namespace
 
-SignatureJudge::SignatureJudge(const Package& judgedPackage, const SignaturePolicy& signerPolicy,
-                               std::uint64_t workOfAll)
-    : package(judgedPackage), policy(signerPolicy), work(workOfAll), digesters(judgedPackage),
-      selectable(findOriginURI(judgedPackage)) {
+SignatureJudge::SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t workOfAll)
+    : package(package), policy(policy), work(workOfAll), digesters(package),
+      selectable(findOriginURI(package)) {
 }
 
 JudgedSignature SignatureJudge::judge(const DigitalSignature& signature) {

@@ -16,10 +16,9 @@ class Package;
 /// all of them.
 class SignatureJudge {
 public:
-    /// @param judgedPackage  doesn't change as long as this object lives, and outlives it as the policy does
-    /// @param workOfAll      what `measureWork` gives for all signatures of the package
-    SignatureJudge(const Package& judgedPackage, const SignaturePolicy& signerPolicy,
-                   std::uint64_t workOfAll);
+    /// @param package    doesn't change as long as this object lives, and outlives it as the policy does
+    /// @param workOfAll  what `measureWork` gives for all signatures of the package
+    SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t workOfAll);
 
     /// Whatever stands in the way of a check is told in the answer.
     JudgedSignature judge(const DigitalSignature& signature);

@@ -14,7 +14,7 @@ class DigitalSignatureData;
 
 /// What came of checking a signature value by a policy.
 struct SignerFinding {
-    explicit SignerFinding(DigitalSignatureVerificationStatus valueStatus) : status(std::move(valueStatus)) {}
+    explicit SignerFinding(DigitalSignatureVerificationStatus status) : status(std::move(status)) {}
 
     /// That the signer isn't accepted.
     static SignerFinding refuse(const bedrock::codesigning_verifier::ErrorCode& code,
@@ -31,7 +31,7 @@ struct SignerFinding {
 /// Checks signature values, and by whom they are, as a policy says. The policy must outlive it.
 class SignerCheck {
 public:
-    explicit SignerCheck(const SignaturePolicy& signerPolicy) : policy(signerPolicy) {}
+    explicit SignerCheck(const SignaturePolicy& policy) : policy(policy) {}
 
     /// @throws InvalidSignature  as the operations of `DigitalSignatureData` that check the value
     SignerFinding check(const DigitalSignatureData& data) const;

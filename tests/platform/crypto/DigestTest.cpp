@@ -39,7 +39,7 @@ const Algorithm Algorithms[] = {
 /// Hands out its text in pieces of an odd size, and then throws if it is told to.
 class PiecewiseBuffer : public std::streambuf {
 public:
-    PiecewiseBuffer(std::string content, bool breaks) : text(std::move(content)), throwsAtEnd(breaks) {}
+    PiecewiseBuffer(std::string text, bool throwsAtEnd) : text(std::move(text)), throwsAtEnd(throwsAtEnd) {}
 
 protected:
     int_type underflow() override {

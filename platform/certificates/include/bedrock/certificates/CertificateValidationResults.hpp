@@ -38,9 +38,9 @@ struct WeakAlgorithm {
 /// The result of validating a certificate: a status and, unless it is good, a text that says why.
 class CertificateValidationResults {
 public:
-    CertificateValidationResults(CertificateChainStatus chainStatus, std::string errorText,
-                                 std::vector<WeakAlgorithm> weak = {})
-        : status(chainStatus), text(std::move(errorText)), weakAlgorithms(std::move(weak)) {}
+    CertificateValidationResults(CertificateChainStatus status, std::string text,
+                                 std::vector<WeakAlgorithm> weakAlgorithms = {})
+        : status(status), text(std::move(text)), weakAlgorithms(std::move(weakAlgorithms)) {}
 
     CertificateChainStatus getCertificateChainStatus() const noexcept { return status; }
     const std::string& getValidationErrorString() const noexcept { return text; }

@@ -11,8 +11,8 @@ namespace bedrock::codesigning_verifier {
 /// A signature can't be checked; the code says why. A signature that was checked and doesn't hold gives a status instead.
 class BEDROCK_CRYPTO_EXPORT CodesigningException : public std::runtime_error {
 public:
-    CodesigningException(const std::string& message, const ErrorCode& errorCode)
-        : std::runtime_error(message), code(errorCode) {}
+    CodesigningException(const std::string& message, const ErrorCode& code)
+        : std::runtime_error(message), code(code) {}
     CodesigningException(const CodesigningException&) = default;
     CodesigningException(CodesigningException&&) = default;
     ~CodesigningException() override;

@@ -16,11 +16,10 @@ public:
 
     enum class SignaturePaddingMode { PKCS1v15 = 4 };
 
-    CodesigningVerificationOptions(SignatureMethod signatureMethod, SignatureDigestMethod digestMethod,
-                                   SignaturePaddingMode paddingMode,
-                                   certificates::CertificateValidationOptions validationOptions)
-        : signature(signatureMethod), digest(digestMethod), padding(paddingMode),
-          validation(std::move(validationOptions)) {}
+    CodesigningVerificationOptions(SignatureMethod signature, SignatureDigestMethod digest,
+                                   SignaturePaddingMode padding,
+                                   certificates::CertificateValidationOptions validation)
+        : signature(signature), digest(digest), padding(padding), validation(std::move(validation)) {}
 
     SignatureMethod getSignatureMethod() const noexcept { return signature; }
     SignatureDigestMethod getSignatureDigestMethod() const noexcept { return digest; }

@@ -10,8 +10,8 @@ namespace bedrock::codesigning_verifier {
 /// The result of a verification: a code, and the result of validating the certificate if it was validated. A value type.
 class BEDROCK_CRYPTO_EXPORT CodesigningVerificationStatus {
 public:
-    CodesigningVerificationStatus(const ErrorCode& errorCode,
-                                  certificates::CertificateValidationResults results);
+    CodesigningVerificationStatus(const ErrorCode& code,
+                                  certificates::CertificateValidationResults validation);
 
     /// The result of checking only a signature value: code 0, 1 or 2 (see Verify.hpp).
     explicit CodesigningVerificationStatus(crypto::utils::SignatureVerificationStatus status);

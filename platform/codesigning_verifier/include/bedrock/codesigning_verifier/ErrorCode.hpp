@@ -8,7 +8,7 @@ public:
     int value() const noexcept { return code; }
 
 protected:
-    explicit ErrorCode(int number) noexcept : code(number) {}
+    explicit ErrorCode(int code) noexcept : code(code) {}
 
 private:
     int code;

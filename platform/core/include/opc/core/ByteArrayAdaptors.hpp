@@ -11,7 +11,7 @@ namespace opc {
 /// Reads a byte vector. The vector isn't copied: it must outlive the adaptor and must not change.
 class OPC_CORE_EXPORT ByteArrayInAdaptor : public InputStream {
 public:
-    explicit ByteArrayInAdaptor(const std::vector<unsigned char>& bytes) noexcept : source(bytes) {}
+    explicit ByteArrayInAdaptor(const std::vector<unsigned char>& source) noexcept : source(source) {}
 
     void open() override;
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;
@@ -26,7 +26,7 @@ private:
 /// Appends the written bytes to a byte vector, which must outlive the adaptor.
 class OPC_CORE_EXPORT ByteArrayOutAdaptor : public OutputStream {
 public:
-    explicit ByteArrayOutAdaptor(std::vector<unsigned char>& bytes) noexcept : target(bytes) {}
+    explicit ByteArrayOutAdaptor(std::vector<unsigned char>& target) noexcept : target(target) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override;
     bool isDone() const override;

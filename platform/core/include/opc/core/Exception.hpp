@@ -17,10 +17,10 @@ namespace opc {
 /// for each kind of failure. `details()` gives what differs from one document to the next.
 class OPC_CORE_EXPORT Exception : public std::runtime_error {
 public:
-    /// @param message  what went wrong, for a person to read
-    /// @param code     the cause that the system reported; the default is value 0 of the system category
+    /// @param message    what went wrong, for a person to read
+    /// @param errorCode  the cause that the system reported; the default is value 0 of the system category
     explicit Exception(const std::string& message,
-                       boost::system::error_code code = boost::system::error_code());
+                       boost::system::error_code errorCode = boost::system::error_code());
     Exception(const Exception&) = default;
     Exception(Exception&&) = default;
     Exception& operator=(const Exception&) = default;

@@ -11,8 +11,7 @@ namespace bedrock::crypto {
 /// copied, and the private bytes are overwritten when it is destroyed.
 class BEDROCK_CRYPTO_EXPORT RsaKeyPair {
 public:
-    RsaKeyPair(std::vector<unsigned char> privateKeyBytes,
-               std::vector<unsigned char> publicKeyBytes) noexcept;
+    RsaKeyPair(std::vector<unsigned char> privateKey, std::vector<unsigned char> publicKey) noexcept;
     RsaKeyPair(RsaKeyPair&& other) noexcept;
     RsaKeyPair& operator=(RsaKeyPair&& other) noexcept;
     ~RsaKeyPair();
