@@ -36,9 +36,9 @@ bool hasPlainSegments(u16string_view text) {
         return false;
     std::uint16_t isOdd = 0; // a number, in a loop without a way out: that takes many characters at once
     for (std::size_t i = 1; i < text.size(); ++i) {
-        const bool endsSegment = text[i] == u'/';
-        const bool isNoEnd = (text[i - 1] == u'/') | (text[i - 1] == u'.');
-        isOdd |= static_cast<std::uint16_t>((text[i] == u'%') | (endsSegment & isNoEnd));
+        const int endsSegment{text[i] == u'/'};
+        const int isNoEnd = int{text[i - 1] == u'/'} | int{text[i - 1] == u'.'};
+        isOdd |= static_cast<std::uint16_t>(int{text[i] == u'%'} | (endsSegment & isNoEnd));
     }
     return isOdd == 0;
 }
