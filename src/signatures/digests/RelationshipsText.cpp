@@ -3,6 +3,7 @@
 #include "xml/PlainMarkup.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/model/RelationshipsVocabulary.hpp>
 #include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
@@ -16,6 +17,8 @@ namespace opc::model {
 
 namespace {
 
+using namespace vocabulary::relationships;
+
 /// How many bytes a text takes at most in UTF-8, with characters escaped.
 std::uint64_t measureText(std::u16string_view text) {
     std::uint64_t length = 0;
@@ -28,7 +31,7 @@ std::uint64_t measureText(std::u16string_view text) {
 
 RelationshipsText::RelationshipsText(const SignedRelationships& relationships) {
     const std::vector<Entry> entries = collect(relationships);
-    text = serialise(entries);
+    text = write(entries);
     findRuns(entries);
     open();
 }
@@ -63,45 +66,46 @@ std::vector<RelationshipsText::Entry> RelationshipsText::collect(const SignedRel
     return entries;
 }
 
-std::string RelationshipsText::serialise(const std::vector<Entry>& entries) {
+std::string RelationshipsText::write(const std::vector<Entry>& entries) {
     std::string plain;
-    return composePlain(entries, plain) ? plain : writeByXerces(entries);
+    return compose(entries, plain) ? plain : serialize(entries);
 }
 
 /// @return whether the document is plain: byte for byte what Xerces writes
-bool RelationshipsText::composePlain(const std::vector<Entry>& entries, std::string& document) {
+bool RelationshipsText::compose(const std::vector<Entry>& entries, std::string& document) {
     PlainMarkup xml(document);
-    xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?><Relationships>)";
+    xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)"
+        << "<" << RELATIONSHIPS << ">";
     for (const Entry& entry : entries) {
-        xml << "<Relationship";
-        xml.addAttribute("Id", entry.values->id);
-        xml.addAttribute("Target", entry.values->target);
+        xml << "<" << RELATIONSHIP;
+        xml.addAttribute(ID, entry.values->id);
+        xml.addAttribute(TARGET, entry.values->target);
         if (entry.values->targetMode == TargetMode::External)
-            xml.addAttribute("TargetMode", u"External");
-        xml.addAttribute("Type", entry.values->type);
+            xml.addAttribute(TARGET_MODE, EXTERNAL);
+        xml.addAttribute(TYPE, entry.values->type);
         xml << "/>";
     }
-    xml << "</Relationships>";
+    xml << "</" << RELATIONSHIPS << ">";
     return xml.isPlain() && !entries.empty();
 }
 
-std::string RelationshipsText::writeByXerces(const std::vector<Entry>& entries) {
+std::string RelationshipsText::serialize(const std::vector<Entry>& entries) {
     const XercesGuard guard;
-    const XercesString idName(u"Id");
-    const XercesString typeName(u"Type");
-    const XercesString targetName(u"Target");
-    const XercesString targetModeName(u"TargetMode");
-    const XercesString relationshipName(u"Relationship");
+    const XercesString idName(ID.wide());
+    const XercesString typeName(TYPE.wide());
+    const XercesString targetName(TARGET.wide());
+    const XercesString targetModeName(TARGET_MODE.wide());
+    const XercesString relationshipName(RELATIONSHIP.wide());
     const auto document = XercesHelper::createDocument();
     xercesc::DOMElement* const root =
-        XercesHelper::appendElement(document.get(), XercesString(u"Relationships"));
+        XercesHelper::appendElement(document.get(), XercesString(RELATIONSHIPS.wide()));
     for (const Entry& entry : entries) {
         xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
         XercesHelper::setElementAttribute(element, idName, std::u16string(entry.values->id));
         XercesHelper::setElementAttribute(element, typeName, std::u16string(entry.values->type));
         XercesHelper::setElementAttribute(element, targetName, std::u16string(entry.values->target));
         if (entry.values->targetMode == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, u"External");
+            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide());
     }
     std::vector<unsigned char> bytes;
     ByteArrayOutAdaptor stream(bytes);

@@ -48,9 +48,9 @@ private:
 
     static std::vector<Entry> collect(const SignedRelationships& relationships);
     static auto keys(const Relationship::Values& values);
-    static std::string serialise(const std::vector<Entry>& entries);
-    static bool composePlain(const std::vector<Entry>& entries, std::string& document);
-    static std::string writeByXerces(const std::vector<Entry>& entries);
+    static std::string write(const std::vector<Entry>& entries);
+    static bool compose(const std::vector<Entry>& entries, std::string& document);
+    static std::string serialize(const std::vector<Entry>& entries);
     void findRuns(const std::vector<Entry>& entries);
 
     std::string text;      // the document with each relationship once
