@@ -24,11 +24,10 @@ struct Reference;
 struct SignatureRecord;
 struct ScannedSignature;
 
-/// Reads and writes signature parts, one after the other, for one thread at a time. A part in the form in which
-/// this class writes it is scanned; any other goes to a validating parser, whose schemas are compiled once. Xerces
-/// isn't woken before that.
+/// Reads and writes signature parts, one after the other, for one thread at a time. It scans a part in the form in which
+/// it writes them itself, and has a validating parser read any other. Xerces is initialised for the first of these.
 ///
-/// The form is the XML Signature profile of ECMA-376 Part 2. Whether a signature holds isn't asked here.
+/// The form is the XML Signature profile of ECMA-376 Part 2. This class doesn't check whether a signature holds.
 class DigitalSignatureSerializer {
 public:
     DigitalSignatureSerializer();
@@ -41,11 +40,10 @@ public:
     /// @throws opc::Exception      if there is a key value, but the parameters of `data` say no size of key
     void writeSignature(const SignatureRecord& data, OutputStream& stream);
 
-    /// Fills `data`, which must be as its default constructor made it. After a failure it is half filled and
-    /// of no use; this object stays usable.
+    /// Fills `data`, which must be new. After a failure `data` is of no use, but this object is.
     ///
-    /// Time and memory grow in proportion to the document, whatever stands in it, so far as they do in parsing
-    /// and as `SignatureLimits` lets it pass. Measured on one core, with the parser: 1,000,000 references
+    /// Time and memory grow in proportion to the document, whatever it holds, as long as they do so in parsing;
+    /// `SignatureLimits` refuses other documents. Measured on one core, with the parser: 1,000,000 references
     /// (154 MB) 8 s and 2.5 GB, an attribute of 100 MB 2.5 s and 1.9 GB; at most 70 bytes for a byte, where all
     /// elements are empty and have short names.
     ///
@@ -54,14 +52,14 @@ public:
     /// @throws NotImplemented      if it refers to signed properties in the way of XML Signature or XAdES
     /// @throws opc::Exception      for a signature algorithm or a size of key that isn't supported
     /// @throws bedrock::crypto::utils::Exception, bedrock::certificates::X509CertificateException
-    ///         for what is no Base64 and no certificate
+    ///         for texts that aren't Base64 and bytes that aren't a certificate
     void readSignature(InputStream& stream, SignatureRecord& data);
 
-    /// The same by the validating parser alone, whatever the form.
+    /// Does the same with the validating parser alone.
     void parseSignature(InputStream& stream, SignatureRecord& data);
 
     /// The XML of an element as text, with the namespace declarations that it needs to stand alone.
-    /// @param result  takes the text in place of what it held
+    /// @param result  is replaced by the text
     /// @throws InvalidPartContent
     void toText(const xercesc::DOMElement* element, std::u16string& result);
 
@@ -76,6 +74,7 @@ private:
     static void takeScanned(ScannedSignature& scanned, SignatureRecord& data);
     static void takeScannedValueAndKey(const ScannedSignature& scanned, SignatureRecord& data);
 
+    void parse(InputStream& stream, SignatureRecord& data);
     void readDocument(const IndexedElement& root, SignatureRecord& data);
     void readValueAndKey(const IndexedElement& root, SignatureRecord& data) const;
     void readKeyValue(const IndexedElement& keyValue, SignatureRecord& data) const;
@@ -94,9 +93,10 @@ private:
     template <typename Operation>
     auto withWriter(Operation&& operation);
 
+    void serialize(const SignatureRecord& data, OutputStream& stream);
     void writeKeyInfo(xercesc::DOMElement* root, const SignatureRecord& data) const;
 
-    /// What documents in another form than ours take.
+    /// What it takes to read and write documents of another form.
     struct Xerces {
         Xerces();
 

@@ -5,13 +5,12 @@
 #include "signatures/document/SignatureLimits.hpp"
 #include "signatures/document/SignatureRecords.hpp"
 #include "signatures/document/SignatureScanner.hpp"
-#include "xml/DocumentFailures.hpp"
 #include "xml/ElementIndex.hpp"
 #include "xml/ElementMeter.hpp"
 #include "xml/EmbeddedSchemas.hpp"
 #include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReplayedStream.hpp"
+#include "xml/ScanOrParse.hpp"
 #include "xml/XercesFailures.hpp"
 
 #include <opc/core/Text.hpp>
@@ -99,19 +98,18 @@ DigitalSignatureSerializer::Xerces& DigitalSignatureSerializer::wakeXerces() {
 
 void DigitalSignatureSerializer::readSignature(InputStream& stream, SignatureRecord& data) {
     ReadAheadBuffer buffer;
-    ReplayedStream replayed(stream);
-    ScannedSignature scanned;
-    const auto document = replayed.readAhead(buffer, LARGEST_SCANNED);
-    if (document && data.m_share) { // before anything is made of it
-        const auto tags = std::count(document->begin(), document->end(), '<');
-        data.m_share->addElements(static_cast<std::uint64_t>(tags) / cost::TAGS_PER_ELEMENT);
-    }
-    if (document && scanSignature(*document, scanned)) {
+    const auto scan = [&data](std::string_view document) {
+        if (data.m_share) { // before anything is made of it
+            const auto tags = std::count(document.begin(), document.end(), '<');
+            data.m_share->addElements(static_cast<std::uint64_t>(tags) / cost::TAGS_PER_ELEMENT);
+        }
+        ScannedSignature scanned;
+        if (!scanSignature(document, scanned))
+            return false;
         takeScanned(scanned, data);
-        return;
-    }
-    scanned = ScannedSignature(); // it may have come far
-    parseSignature(replayed, data);
+        return true;
+    };
+    scanOrParse(stream, buffer, LARGEST_SCANNED, scan, [&](InputStream& document) { parse(document, data); });
 }
 
 /// What can fail here fails in the order in which the parser's document is read.
@@ -133,6 +131,10 @@ void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, Signatur
 }
 
 void DigitalSignatureSerializer::parseSignature(InputStream& stream, SignatureRecord& data) {
+    translateDocumentFailures([&] { parse(stream, data); });
+}
+
+void DigitalSignatureSerializer::parse(InputStream& stream, SignatureRecord& data) {
     wakeXerces().parser.use(stream, [&](xercesc::DOMLSParser* parser, InputStream& document) {
         std::optional<ElementMeter> meter;
         std::optional<MeteredStream> counted; // again, for the tree
@@ -141,13 +143,11 @@ void DigitalSignatureSerializer::parseSignature(InputStream& stream, SignatureRe
             counted.emplace(document, *data.m_share, cost::BYTES_PER_ELEMENT);
         }
         InputStream& source = counted ? *counted : document;
-        translateDocumentFailures([&] {
-            const ElementIndex index(
-                XercesHelper::readDocumentFromStream(parser, source, true, {}, {})->getDocumentElement());
-            SignatureLimits(m_xerces->names).check(index);
-            readDocument(index.at(0), data);
-            checkSignatureForm(index, data.m_content);
-        });
+        const ElementIndex index(
+            XercesHelper::readDocumentFromStream(parser, source, true, {}, {})->getDocumentElement());
+        SignatureLimits(m_xerces->names).check(index);
+        readDocument(index.at(0), data);
+        checkSignatureForm(index, data.m_content);
     });
 }
 

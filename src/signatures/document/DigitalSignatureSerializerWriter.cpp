@@ -4,8 +4,7 @@
 #include "signatures/document/SignatureElements.hpp"
 #include "signatures/document/SignatureRecords.hpp"
 #include "signatures/document/TextElement.hpp"
-#include "xml/DocumentFailures.hpp"
-#include "xml/DocumentOutput.hpp"
+#include "xml/ComposeOrSerialize.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/XercesFailures.hpp"
 
@@ -63,28 +62,33 @@ auto DigitalSignatureSerializer::withWriter(Operation&& operation) {
 }
 
 void DigitalSignatureSerializer::writeSignature(const SignatureRecord& data, OutputStream& stream) {
-    translateDocumentFailures([&] {
-        std::string plain;
-        if (composePlainSignature(data, plain)) {
-            if (data.m_keyValue)
-                throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
-            return writeDocument(plain, stream);
-        }
-        wakeXerces();
-        const auto document = XercesHelper::createDocument();
-        document->setXmlStandalone(true);
-        DOMElement* const root = XercesHelper::appendElement(document.get(), m_xerces->names.signature);
-        XercesHelper::setElementAttribute(root, m_xerces->names.id,
-                                          SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
-        XercesHelper::setElementAttribute(root, m_xerces->names.xmlns, NAMESPACE.text());
-        appendCopy(root, *buildSignedInfo(data));
-        appendTextElement(root, m_xerces->names.signatureValue, data.m_signatureValueInXML);
-        if (data.m_keyValue || data.m_certificate)
-            writeKeyInfo(XercesHelper::appendElement(root, m_xerces->names.keyInfo), data);
-        appendCopy(root, *buildPackageObject(data.m_content));
-        withWriter([&](xercesc::DOMLSSerializer& writer) {
-            XercesHelper::writeDocumentToStream(&writer, document.get(), stream);
-        });
+    std::string document;
+    const auto compose = [&data](std::string& composed) {
+        if (!composePlainSignature(data, composed))
+            return false;
+        if (data.m_keyValue)
+            throwIfNoKeySize(data.m_signatureParams.getSignatureMethod());
+        return true;
+    };
+    composeOrSerialize(document, compose, [&](OutputStream& output) { serialize(data, output); });
+    writeDocument(document, stream);
+}
+
+void DigitalSignatureSerializer::serialize(const SignatureRecord& data, OutputStream& stream) {
+    wakeXerces();
+    const auto document = XercesHelper::createDocument();
+    document->setXmlStandalone(true);
+    DOMElement* const root = XercesHelper::appendElement(document.get(), m_xerces->names.signature);
+    XercesHelper::setElementAttribute(root, m_xerces->names.id,
+                                      SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
+    XercesHelper::setElementAttribute(root, m_xerces->names.xmlns, NAMESPACE.text());
+    appendCopy(root, *buildSignedInfo(data));
+    appendTextElement(root, m_xerces->names.signatureValue, data.m_signatureValueInXML);
+    if (data.m_keyValue || data.m_certificate)
+        writeKeyInfo(XercesHelper::appendElement(root, m_xerces->names.keyInfo), data);
+    appendCopy(root, *buildPackageObject(data.m_content));
+    withWriter([&](xercesc::DOMLSSerializer& writer) {
+        XercesHelper::writeDocumentToStream(&writer, document.get(), stream);
     });
 }
 
