@@ -7,8 +7,7 @@
 #include <utility>
 
 /// @file
-/// The translations of failures of the cryptographic services, each written once. Every one runs an action
-/// and gives its result.
+/// The translations of failures of the cryptographic services. Each runs an action and returns its result.
 
 namespace opc::model {
 

@@ -16,8 +16,8 @@ namespace opc::model {
 
 class DigitalSignature;
 
-/// What some signatures cover, by part and by source of relationships: a package can have as many signatures as
-/// parts, and asking each about each would take the product. A value, which doesn't follow later changes.
+/// What some signatures cover, by part and by source of relationships. A package can have as many signatures as parts:
+/// with the index, nobody need ask each signature about each part. A value that doesn't follow later changes.
 class CoverageIndex {
 public:
     /// Signatures by their places in the order in which they were added, from 0, each once and ascending.
@@ -56,7 +56,7 @@ private:
     std::size_t count = 0; ///< of signatures
     std::map<PartName, CoveredPart> parts;
     std::map<PartName, Selected> relationships; ///< by relationships part
-    std::optional<URI> originURI;               ///< whose relationship to the countersignature isn't covered
+    std::optional<URI> originURI;               ///< its relationship to the countersignature isn't covered
 };
 
 } // namespace opc::model

@@ -11,17 +11,15 @@
 
 namespace opc::model {
 
-/// The relationships of a package as selectors choose them, for any number of signatures, as long as the package
-/// stays as it is. Takes time for as many relationships and selectors as there are, however often and in whatever
-/// order the sources are named.
+/// Selects relationships of a package for any number of signatures, as long as the package doesn't change. The time is
+/// linear in the number of relationships and selectors, however often and in whatever order the sources are named.
 ///
-/// The relationship that leads to the countersignature is never selected: it joins those that are signed only
-/// when they have been.
+/// The relationship to the countersignature is never selected: it is made after the others have been signed.
 class SelectableRelationships {
 public:
     using Group = SignedRelationships::Group;
 
-    /// @param origin  the name of the signature origin part, if there is one
+    /// @param origin  the name of the origin part, if there is one
     explicit SelectableRelationships(std::optional<URI> origin) : origin(std::move(origin)) {}
     SelectableRelationships(const SelectableRelationships&) = delete;
     SelectableRelationships& operator=(const SelectableRelationships&) = delete;
@@ -39,12 +37,12 @@ public:
     std::shared_ptr<const SignedRelationships> share(SignedRelationships selected);
 
 private:
-    // Trees, since nobody can choose texts that make them slow.
+    // Maps are trees: nobody can choose texts that make them slow.
     using Groups = std::map<std::u16string, Group>;
 
     struct Source {
         Groups byID, byType;
-        bool isGathered = false; // by type, once a few types have been asked for
+        bool isGathered = false; // by type, after the first few types
     };
 
     Source& find(const std::u16string& name);

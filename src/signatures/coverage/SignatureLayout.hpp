@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-/// How signatures stand in a package: an origin part, which a relationship of the package leads to and
-/// which holds nothing, and from it a relationship to each signature part.
+/// The parts and relationships of signatures: a relationship of the package leads to the origin part, which is empty, and
+/// from there a relationship leads to each signature part.
 
 namespace opc::model {
 
@@ -24,7 +24,7 @@ std::u16string getOriginRelationshipType();
 ContentType getSignaturePartContentType();
 std::u16string getSignatureRelationshipType();
 
-/// By these relationships the signatures of office programs are found, in a form that isn't read.
+/// These relationships lead to signatures as office programs make them, in a form that isn't read.
 /// @{
 std::u16string getForeignOriginRelationshipType();
 std::u16string getForeignSignatureRelationshipType();
@@ -41,11 +41,11 @@ PartName getSignaturePartName(const std::u16string& name);
 /// "DSRel" and the identifier.
 std::u16string getSignatureRelationshipID(const std::u16string& signatureID);
 
-/// The name of the origin part, where there is one.
+/// The name of the origin part, if there is one.
 std::optional<URI> findOriginURI(const Package& package);
 
-/// Whether it is the relationship from the origin part to the countersignature. No signature covers it: it comes
-/// when the others have been signed.
+/// Whether it is the relationship from the origin part to the countersignature. No signature covers it, since it is made
+/// after the others have been signed.
 bool leadsToCountersignature(const Relationship& relationship, const URI& originURI);
 
 } // namespace opc::model

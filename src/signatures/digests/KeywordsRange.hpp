@@ -5,7 +5,7 @@
 
 namespace opc::model {
 
-/// Bytes of a core properties part that lie outside every signature.
+/// Bytes of a core properties part that no signature covers.
 struct KeywordsRange {
     std::size_t begin = 0;
     std::size_t size = 0; ///< 0 if there are none

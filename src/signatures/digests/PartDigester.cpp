@@ -20,7 +20,7 @@ namespace opc::model {
 
 namespace {
 
-/// The content of the core properties part without what lies outside every signature.
+/// The content of the core properties part without the bytes that no signature covers.
 std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
     std::string bytes;
     {

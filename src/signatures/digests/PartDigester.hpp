@@ -20,13 +20,13 @@ namespace opc::model {
 
 class Package;
 
-/// Computes the digests of parts by one method, as signatures hold them: of the content, but of the core
-/// properties without their keywords. A part's stream is at its start then. Each part is read once, however
-/// often its digest is asked for: a small signature could name a large part many times.
+/// Computes the digests of parts by one method, as signatures hold them: of the whole content, but for core properties
+/// without their keywords. Afterwards the part's stream is at its start. Each part is read once, however often its
+/// digest is asked for: a small signature could name a large part many times.
 class PartDigester {
 public:
     /// @param package  must outlive this object
-    /// @throws CouldNotGenerateSignature  if the method isn't to be had
+    /// @throws CouldNotGenerateSignature  if the method isn't available
     PartDigester(const Package& package, DigestMethod method);
 
     /// @throws CouldNotGenerateSignature  if the services fail

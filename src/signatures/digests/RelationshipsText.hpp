@@ -12,8 +12,8 @@
 
 namespace opc::model {
 
-/// The document that stands for all relationships of a signature where they are digested (the relationship
-/// transform): sorted by ID and target, each as often as it was selected.
+/// The document that is digested for the relationships of a signature (the relationship transform): sorted by ID and
+/// target, each as often as it was selected.
 ///
 /// A stream over the document's bytes. A relationship that was selected n times is serialised and held once
 /// and read n times, so that many selections of few relationships cost little: n relationships of one type,
@@ -25,7 +25,7 @@ public:
     /// @throws InvalidXMLDocument
     explicit RelationshipsText(const SignedRelationships& relationships);
 
-    /// How long the element of a relationship is at most, in bytes.
+    /// The greatest length of the element of a relationship, in bytes.
     static std::uint64_t measure(const Relationship& relationship);
 
     void open() override;
@@ -40,7 +40,7 @@ private:
         std::uint64_t count;
     };
 
-    /// Bytes of `text` that stand in the document a number of times, one behind the other.
+    /// Bytes of `text` that the document repeats a number of times in a row.
     struct Run {
         std::size_t begin, end;
         std::uint64_t count;

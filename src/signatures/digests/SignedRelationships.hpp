@@ -11,10 +11,10 @@
 
 namespace opc::model {
 
-/// Relationships that are selected together: one by its ID, or all of one type that a source has.
+/// Relationships that are selected together: one by its ID, or all relationships of a source that have one type.
 struct SelectedGroup {
     std::vector<Relationship> relationships;
-    std::uint64_t length = 0; ///< how long they are at most where they are digested, in bytes
+    std::uint64_t length = 0; ///< at most, in bytes of the text that is digested
 };
 
 /// The relationships that a signature covers, each as often as it is selected. Every group is held once, however
@@ -25,7 +25,7 @@ public:
 
     void add(const Group& group);
 
-    /// The groups that were added, in that order, which outlive this object only so far as others hold them.
+    /// The groups in the order in which they were added. This object and other owners keep them alive.
     const std::vector<const SelectedGroup*>& selections() const { return order; }
 
     /// How often each group was added.
@@ -33,8 +33,8 @@ public:
 
     bool empty() const { return entries == 0; }
 
-    /// What it takes to digest them, in bytes: the length of their text, and 500 for each different one. A group
-    /// whose relationships have more than 1 KiB on average counts four times.
+    /// The work of digesting them, in bytes: the length of their text, and 500 for each different relationship. A group
+    /// whose relationships are longer than 1 KiB on average counts four times.
     std::uint64_t work() const { return digestWork; }
 
     /// Every entry, in the order of the selections.
@@ -44,7 +44,7 @@ public:
     /// Whether the same relationships were selected in the same order, from the same state of the package.
     bool operator==(const SignedRelationships& other) const;
 
-    /// By method, in Base64: what has been digested once isn't digested again.
+    /// The digest for each method, in Base64. It is computed once.
     mutable std::map<DigestMethod, std::u16string> digests;
 
 private:

@@ -9,8 +9,8 @@
 
 namespace opc::model {
 
-/// A stream over the bytes that stand for a text where it is digested or signed: its code units, low byte
-/// first. They are made as they are read, since the text of a package object can be large.
+/// A stream over the bytes of a text that are digested or signed: its code units, low byte first. The stream makes them
+/// as they are read, since the text of a package object can be large.
 class SignedText final : public InputStream {
 public:
     /// @param beginning  of the text
@@ -24,7 +24,7 @@ public:
     void close() override;
 
 private:
-    std::u16string_view piece; // what isn't read whole yet
+    std::u16string_view piece; // the text that hasn't been read to its end
     std::u16string_view next;
     bool isInsideUnit = false; // of the first unit in the piece, the low byte has been read
 };

@@ -3,17 +3,17 @@
 #include <string>
 
 /// @file
-/// Composes the documents of signatures byte for byte as Xerces writes them, at a small part of its cost. Each is
-/// left to Xerces if a value in it isn't plain (`xml/PlainMarkup.hpp`) or a list is empty.
+/// Composes the documents of signatures byte for byte as Xerces writes them, at a small part of its cost. Xerces writes
+/// those with a value that isn't plain (`xml/PlainMarkup.hpp`) or with an empty list.
 
 namespace opc::model {
 
 struct SignatureContent;
 struct SignatureRecord;
 
-/// The text of `SignedInfo`, as `buildSignedInfo` has it.
-/// @param text  takes the document in place of what it held
-/// @return whether it is plain. If not, `text` doesn't count
+/// Composes `SignedInfo` as `buildSignedInfo` builds it.
+/// @param text  is replaced by the document
+/// @return whether the document is plain. If not, `text` means nothing
 bool composePlainSignedInfo(const SignatureRecord& data, std::string& text);
 
 /// The same for the package object: `buildPackageObject`.

@@ -140,7 +140,7 @@ public:
     }
 
 private:
-    /// Where the element of the root lies that is looked through.
+    /// What the child of the root is whose content is being checked.
     enum class Section { SignedInfo, KeyInfo, PackageObject, ReferencedObject, Other };
 
     struct Entry {
@@ -247,7 +247,7 @@ private:
             refuse(toUDEString(std::u16string(entry.name)) + " holds more than a text.");
     }
 
-    std::map<std::u16string, int, std::less<>> identifiers; // those that count, and how often they stand
+    std::map<std::u16string, int, std::less<>> identifiers; // the ones that matter, and how often each occurs
     std::vector<Entry> around;
     Section section = Section::Other;
     bool hasTime = false;

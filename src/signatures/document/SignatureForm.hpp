@@ -5,15 +5,15 @@ namespace opc::model {
 class ElementIndex;
 struct SignatureContent;
 
-/// Refuses a signature document in which something could pass for signed that isn't. Of a document that passes,
-/// all that is read but the key and the signature's identifier is protected by the signature value:
+/// Refuses a signature document in which something could pass for signed that isn't. In a document that passes, the
+/// signature value protects everything that is read, except the key and the signature's identifier:
 ///
 /// - `SignedInfo` references the package object once, and nothing twice, nothing outside of the document, and
 ///   nothing through a transform other than a canonicalization;
 /// - what it references is an `Object` of the root, and no other element has its `Id`;
-/// - every element that is read stands where XML Signature has it, has its namespace, and no prefix;
-/// - no manifest and no time lies outside of what `SignedInfo` references, and there is one time at most;
-/// - values are texts alone, without comments in them.
+/// - every element that is read is in the place and the namespace that XML Signature gives it, without a prefix;
+/// - no manifest and no time is outside of what `SignedInfo` references, and there is at most one time;
+/// - values are texts without comments in them.
 ///
 /// @param content  what was read from the document
 /// @throws InvalidPartContent

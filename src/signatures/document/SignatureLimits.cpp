@@ -28,8 +28,8 @@ void SignatureLimits::check(const ElementIndex& document) const {
         bool isRepeated, isContent;
     };
     std::vector<Around> around;
-    int depth = 0;    // how many of the elements in question lie around
-    int contents = 0; // how many package objects and `SignedInfo` do
+    int depth = 0;    // how many elements that are read repeatedly are around
+    int contents = 0; // how many package objects and `SignedInfo` are
     for (std::size_t position = 0; position < document.size(); ++position) {
         for (; !around.empty() && around.back().end == position; around.pop_back()) {
             depth -= around.back().isRepeated ? 1 : 0;
@@ -53,7 +53,7 @@ bool SignatureLimits::isReadRepeatedly(const IndexedElement& element, int conten
                              element.isNamed(names.signatureProperty)));
 }
 
-/// Whether it is what the references and the properties are read from.
+/// Whether references or properties are read from the element.
 bool SignatureLimits::isContent(const IndexedElement& element) const {
     std::u16string id;
     return element.isNamed(names.signedInfo) ||

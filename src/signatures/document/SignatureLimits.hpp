@@ -7,12 +7,12 @@ namespace opc::model {
 class ElementIndex;
 class IndexedElement;
 
-/// Refuses a signature document of which a small one could ask for any amount of time and memory. Lives as
-/// long as the names.
+/// Refuses signature documents of a kind that takes far more time and memory than its size suggests. The names must
+/// outlive this object.
 ///
-/// Objects, and references, transforms and properties in the package object and in `SignedInfo`, are read once
-/// for each of them that they lie in, so that their nesting multiplies the work. And Xerces, which writes the
-/// objects as text, looks at all siblings of each comment.
+/// An object, and a reference, transform or property in the package object or in `SignedInfo`, is read again for each
+/// such element around it: nesting multiplies the work. And Xerces, which writes the objects as text, looks at all
+/// siblings of each comment.
 class SignatureLimits {
 public:
     explicit SignatureLimits(const SignatureNames& names);

@@ -16,8 +16,8 @@
 #include <vector>
 
 /// @file
-/// What the elements of a signature part hold, as plain records. Texts are as they stand in the document;
-/// identifiers are those of `AlgorithmURIMap` where they are known.
+/// What the elements of a signature part hold, as plain records. Texts are as in the document; known algorithms have the
+/// identifiers of `AlgorithmURIMap`.
 
 namespace opc::model {
 
@@ -66,12 +66,12 @@ struct RSAKeyValue {
     std::u16string exponent;
 };
 
-/// What a signature covers, all of it protected by the signature value.
+/// What a signature covers. The signature value protects all of it.
 struct SignatureContent {
     std::vector<Reference> signedInfoReferences; ///< those in `SignedInfo`: to objects of the signature
     std::vector<Reference> manifestReferences;   ///< those in the package object: to parts and relationships
     std::vector<SignatureProperty> signatureProperties;
-    std::u16string signedInfoXML; ///< the text of `SignedInfo`, which the signature value is made over
+    std::u16string signedInfoXML; ///< the text of `SignedInfo`, over which the signature value is made
 };
 
 /// All that one signature part says. A new one is empty: reading fills it, and writing takes all but `m_share`.

@@ -9,15 +9,15 @@
 /// Recognises signature documents in the form in which this library writes them, at a small part of the
 /// parser's cost.
 ///
-/// As with plain documents (`xml/PlainDocument.hpp`), what is recognised must be valid, and mean the same to
-/// the parser: every other form is left to it, and every doubt and error. In this form all elements stand as
-/// Xerces writes them, so that the text of an element is what the document holds.
+/// As with plain documents (`xml/PlainDocument.hpp`), what is recognised is valid and means the same to the parser. The
+/// parser gets every other form, and whatever is doubtful or wrong. In this form all elements are as Xerces writes
+/// them, so the text of an element is what the document holds.
 
 namespace opc::model {
 
-/// What a recognised document says. The views are into the bytes that were scanned.
+/// What a recognised document says. The views point into the bytes that were scanned.
 struct ScannedSignature {
-    std::string_view id;         ///< of the root, as it stands; empty if there is none
+    std::string_view id;         ///< of the root, with its prefix; empty if there is none
     std::string_view signedInfo; ///< the whole element
     std::string_view canonicalizationMethod;
     std::string_view signatureMethod;
@@ -37,8 +37,8 @@ struct ScannedSignature {
     std::string_view time;
 };
 
-/// @param found  takes what the document says in place of what it held
-/// @return whether the document is recognised. If not, `found` doesn't count
+/// @param found  is replaced by what the document says
+/// @return whether the document is recognised. If not, `found` means nothing
 bool scanSignature(std::string_view document, ScannedSignature& found);
 
 } // namespace opc::model

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-/// The names and fixed texts of signature parts (ECMA-376 Part 2, digital signatures), and how the parts are called.
+/// The names and fixed texts in signature parts (ECMA-376 Part 2, digital signatures), and the names of the parts.
 namespace opc::model::vocabulary::signatures {
 
 inline constexpr AsciiLiteral NAMESPACE = "http://www.w3.org/2000/09/xmldsig#";
@@ -86,17 +86,17 @@ inline constexpr AsciiLiteral SIGNED_PROPERTIES_TYPE = "http://uri.etsi.org/0190
 inline constexpr AsciiLiteral PACKAGE_OBJECT_ID = "idPackageObject";
 inline constexpr AsciiLiteral SIGNATURE_TIME_ID = "idSignatureTime";
 
-/// Written whatever the form of the time beside it.
+/// Is written for every time, although the times have another form.
 inline constexpr AsciiLiteral SIGNATURE_TIME_FORMAT = "YYYY-MM-DDThh:mmTZD";
 
-/// Stands in front of the signature's identifier in the `Id` of the root.
+/// Precedes the signature's identifier in the `Id` of the root.
 inline constexpr AsciiLiteral SIGNATURE_ID_PREFIX = "Signature";
 
 /// Stands between a part name and its content type in the URI of a reference.
 inline constexpr AsciiLiteral CONTENT_TYPE_QUERY = "?ContentType=";
 
-/// The part of a signature is called by this folder, the signature's name and the extension; its name is the prefix and
-/// the signature's identifier.
+/// The name of a signature is the prefix and the identifier; the name of its part is the folder, the signature's name and
+/// the extension.
 inline constexpr AsciiLiteral PARTS_FOLDER = "/_xmlsignatures/";
 inline constexpr AsciiLiteral NAME_PREFIX = "sig";
 inline constexpr AsciiLiteral PART_EXTENSION = ".xml";

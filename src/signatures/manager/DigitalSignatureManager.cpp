@@ -8,7 +8,7 @@
 #include <algorithm>
 
 /// @file
-/// The frame of the manager: what it keeps for itself in the package, its guards, and how signatures are found.
+/// What the manager keeps for itself in the package, its guards, and how it finds signatures.
 
 namespace opc::model {
 
@@ -20,9 +20,9 @@ DigitalSignatureManager::~DigitalSignatureManager() = default;
 
 DigitalSignatureManager::Impl& DigitalSignatureManager::loaded() const {
     if (m_impl->package
-            .isCreateOnly()) // there is nothing to load, but the list may be that of an earlier package
+            .isCreateOnly()) // nothing is loaded, but the list may still be that of an earlier package
         m_impl->list.signatures.clear();
-    // Loading fills what the operations answer from; it changes nothing that a caller can see.
+    // Loading changes nothing that a caller can see.
     const_cast<DigitalSignatureManager*>(this)->load();
     return *m_impl;
 }
@@ -31,7 +31,7 @@ void DigitalSignatureManager::doLoad() {
     m_impl->load();
 }
 
-/// Every change has been written to the package when it was made.
+/// There is nothing to save: each operation writes its changes to the package at once.
 void DigitalSignatureManager::doSave() {
 }
 

@@ -8,7 +8,7 @@
 #include <set>
 
 /// @file
-/// Removal of everything that is taken for a signature, without reading it.
+/// Removal of everything that belongs to signatures by its relationships, without reading it.
 
 namespace opc::model {
 
@@ -34,12 +34,12 @@ std::optional<PartName> findTarget(const Relationship& relationship) {
         return std::nullopt;
     try {
         return PartName(relationship.getTargetURI());
-    } catch (const Exception&) { // it leads to no part
+    } catch (const Exception&) { // the target isn't a part
         return std::nullopt;
     }
 }
 
-/// Where relationships lead, by what they are for.
+/// The targets of relationships, by their purpose.
 class Targets {
 public:
     void add(const RelationshipSource& source) {
@@ -55,7 +55,7 @@ public:
         }
     }
 
-    bool isToGo(const Part& part) const {
+    bool isToBeDeleted(const Part& part) const {
         const PartName name = part.getName();
         return ofSignatures.count(name) != 0 && ofForeignSignatures.count(name) == 0 &&
                (ofOthers.count(name) == 0 || hasContentTypeOfSignatures(part));
@@ -80,7 +80,7 @@ void discardAll(Package& package) {
     for (const Part& part : parts)
         targets.add(part);
     for (Part part : parts) {
-        if (targets.isToGo(part))
+        if (targets.isToBeDeleted(part))
             package.deletePart(part.getName());
         else
             deleteRelationships(part);

@@ -48,10 +48,10 @@ struct DigitalSignatureManager::Impl {
     /// @throws SignatureNotFound
     Origin getOrigin() const;
 
-    /// The name of the origin part, where there are signatures.
+    /// The name of the origin part, if there are signatures.
     std::optional<URI> findOriginOfSignatures() const;
 
-    /// The origin part that new signatures hang on, where there is one.
+    /// The origin part that a new signature uses, if there is one.
     std::optional<Part> findOriginForNew() const;
 
     /// @throws SignatureNotFound  if no relationship of the origin part leads to the part

@@ -127,7 +127,7 @@ private:
     }
 
     void add(const std::shared_ptr<DigitalSignatureData>& data) {
-        getSignaturePartName(data->getName()); // which others than this manager ask for later
+        getSignaturePartName(data->getName()); // fails now, not in a later operation
         list.signatures.push_back(DigitalSignatureData::makeHandle(data));
         if (data->m_signatureId != COUNTERSIGNATURE_ID)
             list.nextNumber = findNextNumber(data->m_signatureId, list.nextNumber);
@@ -137,7 +137,7 @@ private:
     const std::shared_ptr<DocumentBudget>& budget;
     DigitalSignatureSerializer& serializer;
     SignatureList list;
-    std::string place; // of what is read: a relationship or a part; empty if it is nothing of these
+    std::string place; // the relationship or part that is being read; empty if there is none
 };
 
 } // namespace

@@ -9,14 +9,14 @@
 #include <set>
 
 /// @file
-/// Which number a new signature gets: the next one whose names are free.
+/// The number of a new signature: the next one whose names are free.
 
 namespace opc::model {
 
 namespace {
 
-/// The names of signatures in the name of an item that is no part. Other programs, or a later version of this one, may
-/// take the item for such a part, for a piece of it or for its relationships, however the name is spelt.
+/// Adds the names of signatures that occur in the name of an item which isn't a part. Other programs, or a later version
+/// of this one, may take the item for such a part, for a piece of it or for its relationships, in any spelling.
 void addSignatureNames(const std::u16string& item, std::set<std::u16string>& names) {
     using namespace vocabulary::signatures;
     constexpr std::u16string_view FOLDER = PARTS_FOLDER.wide().substr(1, PARTS_FOLDER.wide().size() - 2);

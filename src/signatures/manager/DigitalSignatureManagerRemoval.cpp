@@ -7,13 +7,13 @@
 #include <algorithm>
 
 /// @file
-/// Removal of signatures. The origin part goes with the last one, unless signatures of another form hang on it.
+/// Removal of signatures. The last one takes the origin part with it, unless signatures of another form use it too.
 
 namespace opc::model {
 
 namespace {
 
-/// Whether signatures of another form hang on the origin part as well.
+/// Whether signatures of another form use the origin part, too.
 bool isShared(const Part& origin, const Package& package) {
     const auto leadsThere = [uri = origin.getName().getURI()](const Relationship& relationship) {
         return relationship.getTargetMode() == TargetMode::Internal && relationship.getTargetURI() == uri;

@@ -10,7 +10,7 @@
 #include <opc/model/StandardPartInfo.hpp>
 
 /// @file
-/// How a new signature comes into the package: its part, and the origin part that leads to it.
+/// How a new signature is written: its part, and the origin part with the relationship to it.
 
 namespace opc::model {
 
@@ -81,7 +81,7 @@ Part DigitalSignatureManager::Impl::getOrCreateOrigin() {
     }
 }
 
-/// A package has one origin part [M6.1], so one that signatures of another form hang on is theirs too.
+/// A package has at most one origin part [M6.1], so signatures of another form may share it.
 std::optional<Part> DigitalSignatureManager::Impl::findOriginForNew() const {
     if (const auto uri = findOriginURI(package))
         return package.getPart(PartName(*uri));

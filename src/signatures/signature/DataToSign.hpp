@@ -11,7 +11,7 @@
 
 namespace opc::model {
 
-/// What one signature covers, as it was gathered from the package. The first three vectors are parallel.
+/// What a new signature covers, gathered from the package. The first three vectors are parallel.
 struct DataToSign {
     std::vector<PartName> partNames;
     std::vector<std::vector<unsigned char>> digests;

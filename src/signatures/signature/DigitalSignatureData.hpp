@@ -41,18 +41,18 @@ struct DataToSign;
 
 /// One signature in memory: what was signed, how, when, with which key, and the content of its XML.
 ///
-/// Made empty, then filled by `DigitalSignatureSerializer::readSignature`. Its fields are open to the classes
-/// of signatures, which alone see it; once the manager keeps it, it doesn't change any more. It is shared by
-/// the manager and all `DigitalSignature` handles, and stays readable when the signature has been removed.
+/// A new one is empty, and `DigitalSignatureSerializer::readSignature` fills it; or a signing constructor makes it whole.
+/// It doesn't change any more once the manager keeps it. The manager and all `DigitalSignature` handles share it, so it
+/// stays readable after the signature has been removed.
 class DigitalSignatureData : public SignatureRecord {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// @throws opc::Exception  if the cryptographic services can't be had
+    /// @throws opc::Exception  if there are no cryptographic services
     DigitalSignatureData();
 
     /// @name Signing
-    /// Make a new signature over `data`, complete but for its place in the package.
+    /// Make a new signature over `data`. Only its part in the package is missing then.
     /// @throws CouldNotGenerateSignature, opc::Exception, bedrock::crypto::utils::Exception
     /// @{
     DigitalSignatureData(const std::u16string& signatureID, const Bytes& privateKey, const Bytes& publicKey,
@@ -68,7 +68,7 @@ public:
     DigitalSignatureData& operator=(const DigitalSignatureData&) = delete;
     virtual ~DigitalSignatureData();
 
-    /// What a handle stands for.
+    /// The signature of a handle.
     static const DigitalSignatureData& of(const DigitalSignature& signature) { return *signature.m_impl; }
 
     static DigitalSignature makeHandle(std::shared_ptr<DigitalSignatureData> data) {
@@ -88,13 +88,13 @@ public:
     /// An empty chain if the signature has none.
     bedrock::certificates::X509CertificateChain getCertificateChain() const;
 
-    /// The name of the signature part: "/_xmlsignatures/sig1.xml" for the identifier "1". Worked out at the
+    /// The name of the signature part: "/_xmlsignatures/sig1.xml" for the identifier "1". Computed at the
     /// first call.
     /// @throws InvalidURI, InvalidPartName  if the identifier makes no part name
     PartName computeSignaturePartName();
 
     /// Makes the key value of a signature from a public key in any form that `bedrock::crypto` reads.
-    /// @throws opc::Exception  if the bytes are no key of the size that the signature's parameters say
+    /// @throws opc::Exception  if the bytes aren't a key of the size in the signature's parameters
     void setKeyValue(const Bytes& publicKey);
 
     /// @name Digests by the signature's own method

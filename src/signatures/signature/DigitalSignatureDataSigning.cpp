@@ -19,7 +19,7 @@
 #include <map>
 
 /// @file
-/// How a new signature comes to be: its content is built from what it covers, and signed.
+/// How a new signature is made: its content is built from what it covers, and signed.
 
 namespace opc::model {
 

@@ -49,8 +49,8 @@ bool hasUnread(const Package& package, const PartName& relationshipsPart) {
     return package.hasPart(PartName(source)) && package.getPart(PartName(source)).hasUnreadRelationships();
 }
 
-/// Elements that weren't read may be what differs, if relationships alone do: who reads them may find that the
-/// signature holds.
+/// If only relationships differ, elements that weren't read may be the reason: a program that reads them may find that
+/// the signature holds.
 void throwIfUnreadMayDiffer(const Package& package, const std::vector<const Reference*>& differences) {
     const auto isOther = [](const Reference* reference) { return !reference->selectsRelationships(); };
     if (std::any_of(differences.begin(), differences.end(), isOther))
@@ -101,12 +101,12 @@ void SignatureJudge::check(JudgedSignature& judged) {
     judged.weaknesses = findWeaknesses(data);
     if (!status.isProperlyCodesigned() && !status.isErrorFromCertificateChain())
         return refuse(judged, status.getErrorCode(), "it wasn't made by that key, or has been changed");
-    // The package may have been changed since it was loaded or signed, and is judged as it stands.
+    // The package may have changed since it was loaded or signed. It is judged in its present state.
     DigitalSignatureData current(data);
     current.m_signedPartNames.clear();
     fillUpSignedEntities(package, current, selectable);
     const auto differences = findDifferences(current, digesters);
-    // The time and all else that the signature says stand in its objects.
+    // The objects of the signature hold the time and everything else that it says.
     const std::string whySignerIsRefused = signer.reason;
     if (std::none_of(differences.begin(), differences.end(), isOfObject))
         takeOver(std::move(signer), judged);

@@ -16,11 +16,11 @@ class Package;
 /// all of them.
 class SignatureJudge {
 public:
-    /// @param package    doesn't change as long as this object lives, and outlives it as the policy does
+    /// @param package    must outlive this object, as the policy must, and not change until then
     /// @param workOfAll  what `measureWork` gives for all signatures of the package
     SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t workOfAll);
 
-    /// Whatever stands in the way of a check is told in the answer.
+    /// If the signature can't be checked, the answer says why.
     JudgedSignature judge(const DigitalSignature& signature);
 
 private:

@@ -20,7 +20,7 @@ public:
     /// The first half of a verification: whether the signature value holds.
     using ValueCheck = std::function<DigitalSignatureVerificationStatus(const DigitalSignatureData&)>;
 
-    /// @param verifiedPackage  doesn't change as long as this object lives, and outlives it
+    /// @param verifiedPackage  must outlive this object and not change until then
     /// @param workOfAll        what `measureWork` gives for all signatures of the package
     SignatureVerifier(const Package& verifiedPackage, std::uint64_t workOfAll)
         : digesters(verifiedPackage), work(workOfAll) {}

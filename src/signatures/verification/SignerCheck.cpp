@@ -49,7 +49,7 @@ std::vector<std::string> weaknessesOf(const DigitalSignatureVerificationStatus& 
     return texts;
 }
 
-/// Whether the key that made the value is that of the certificate beside it, if there is one: who reads the
+/// Whether the key that made the value is the key of the signature's certificate, if it has one: a reader of the
 /// certificate must not take somebody else for the signer.
 bool fitsItsCertificate(const DigitalSignatureData& data) {
     if (!data.m_certificate)
@@ -108,7 +108,7 @@ DigitalSignatureVerificationStatus SignerCheck::verify(const DigitalSignatureDat
     if (!status.isProperlyCodesigned() || policy.means == SignaturePolicy::Means::Trust ||
         isKnown(data.getCertificate()))
         return status;
-    // An empty trust store stands for the system's, and whoever names fingerprints alone means these alone.
+    // An empty trust store means the system's certificates, but this policy accepts its fingerprints alone.
     return DigitalSignatureVerificationStatus(CodesigningVerificationStatus(
         ErrorMap<5>(), CertificateValidationResults(CertificateChainStatus::UnknownIssuer,
                                                     "the certificate's fingerprint isn't a known one")));

@@ -12,23 +12,23 @@ namespace opc::model {
 
 class DigitalSignatureData;
 
-/// What came of checking a signature value by a policy.
+/// What the check of a signature value by a policy found.
 struct SignerFinding {
     explicit SignerFinding(DigitalSignatureVerificationStatus status) : status(std::move(status)) {}
 
-    /// That the signer isn't accepted.
+    /// A finding that the signer isn't accepted.
     static SignerFinding refuse(const bedrock::codesigning_verifier::ErrorCode& code,
                                 const std::string& reason);
 
     DigitalSignatureVerificationStatus status;
-    std::string reason; ///< why the signer isn't accepted, as the certificate services say it
+    std::string reason; ///< why the signer isn't accepted, in the words of the certificate services
     SignerEvidence evidence = SignerEvidence::None;
     bedrock::certificates::X509Certificate certificate; ///< empty unless it was checked and accepted
     bool restsOnClaimedTime = false;
     std::vector<std::string> weaknesses; ///< of certificates and revocation lists
 };
 
-/// Checks signature values, and by whom they are, as a policy says. The policy must outlive it.
+/// Checks signature values and their signers by a policy, which must outlive this object.
 class SignerCheck {
 public:
     explicit SignerCheck(const SignaturePolicy& policy) : policy(policy) {}

@@ -15,7 +15,7 @@ namespace opc::model::verdict {
 /// What a code of a verification means, in a few words; docs/errors.md says more of each.
 std::string inWords(int code);
 
-/// Whether the code speaks against the signer alone: what was signed is as it was.
+/// Whether the code is about the signer alone: what was signed hasn't changed.
 bool isAboutSigner(int code);
 
 std::string describe(const ChangedContentType& changed);
@@ -25,7 +25,7 @@ std::string describe(const Relationship& relationship);
 /// What a failure says, and its details.
 std::string describe(const Exception& failure);
 
-/// A list for people to read: the first few, each once, and how many there are besides.
+/// A list for people to read: the first few, each once, and the number of the others.
 class Places {
 public:
     void add(const std::string& place);
@@ -39,7 +39,7 @@ private:
     std::set<std::string> places;
 };
 
-/// What isn't as it was signed.
+/// Names what has changed since it was signed.
 /// @param references  those whose digests differ; not empty
 std::string describeDifferences(const std::vector<const Reference*>& references);
 

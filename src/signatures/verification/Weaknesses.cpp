@@ -28,7 +28,7 @@ std::string placeOf(const Reference& reference) {
 
 std::vector<std::string> findWeaknesses(const DigitalSignatureData& data) {
     std::vector<std::string> weaknesses;
-    // The value is as long as the key's modulus, whatever the signature says of its key.
+    // The value is as long as the key's modulus, whatever key the signature names.
     const std::size_t keySize = data.m_signatureValue.size() * 8;
     if (keySize < MINIMAL_KEY_SIZE)
         weaknesses.push_back("RSA key of " + std::to_string(keySize) + " bits");
