@@ -27,7 +27,7 @@ std::string toLowerCase(std::string text) {
 } // namespace
 
 ZipSession::ZipSession(ArchiveStore& store, const ZipOptions& options, OpenMode mode)
-    : store(store), options(options), mode(mode) {
+    : store(store), options(options) {
     context.place = store.place();
     context.readOnly = mode == OpenMode::ReadOnly;
     context.changed = mode == OpenMode::CreateOnly;

@@ -67,7 +67,6 @@ private:
 
     ArchiveStore& store;
     const ZipOptions& options;
-    const interfaces::OpenMode mode;
     std::shared_ptr<ByteSource> source; ///< null while a package is being created
     std::uint64_t totalSize = 0;
     ZipContext context;
