@@ -95,7 +95,7 @@ std::string ContentTypeRules::findDefectOfContentType(std::u16string_view conten
         return {};
     if (!contentTypePattern)
         contentTypePattern = std::make_unique<SchemaType>(
-            contentTypesParsers(), vocabulary::content_types::NAMESPACE.wide(), u"ST_ContentType");
+            contentTypesParsers(), vocabulary::content_types::NAMESPACE.wide().data(), u"ST_ContentType");
     const std::u16string text(contentType);
     if (!contentTypePattern->accepts(text))
         return INVALID;

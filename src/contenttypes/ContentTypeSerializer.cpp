@@ -244,25 +244,25 @@ std::string ContentTypeSerializer::serialize(const ContentTypeMap& map) {
 
 void ContentTypeSerializer::serialize(const ContentTypeMap& map, OutputStream& stream) {
     const XercesGuard guard;
-    const XercesString namespaceURI(NAMESPACE.wide());
-    const XercesString contentTypeName(CONTENT_TYPE.wide());
-    const XercesString extensionName(EXTENSION.wide());
-    const XercesString partNameName(PART_NAME.wide());
+    const XercesString namespaceURI(NAMESPACE.wide().data());
+    const XercesString contentTypeName(CONTENT_TYPE.wide().data());
+    const XercesString extensionName(EXTENSION.wide().data());
+    const XercesString partNameName(PART_NAME.wide().data());
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
     xercesc::DOMElement* const root =
-        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(TYPES.wide()));
+        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(TYPES.wide().data()));
     const auto append = [&](const XercesString& element, const XercesString& keyName,
                             const std::u16string& key, const ContentType& contentType) {
         xercesc::DOMElement* const entry = XercesHelper::appendElementNS(root, namespaceURI, element);
         XercesHelper::setElementAttribute(entry, keyName, key);
         XercesHelper::setElementAttribute(entry, contentTypeName, contentType.toString());
     };
-    const XercesString defaultName(DEFAULT.wide());
+    const XercesString defaultName(DEFAULT.wide().data());
     for (const auto& [extension, entry] : map.getDefaults())
         if (entry.references != 0)
             append(defaultName, extensionName, extension, entry.contentType);
-    const XercesString overrideName(OVERRIDE.wide());
+    const XercesString overrideName(OVERRIDE.wide().data());
     for (const auto& [name, contentType] : map.getOverrides())
         append(overrideName, partNameName, name.toString(), contentType);
     const auto writer = XercesHelper::createPrettyPrintingWriter();

@@ -214,16 +214,16 @@ std::string RelationshipSerializer::serialize(const RelationshipManager& manager
 
 void RelationshipSerializer::serialize(const RelationshipManager& manager, OutputStream& stream) {
     Xml& with = xml();
-    const XercesString namespaceURI(NAMESPACE.wide());
-    const XercesString relationshipName(RELATIONSHIP.wide());
-    const XercesString idName(ID.wide());
-    const XercesString typeName(TYPE.wide());
-    const XercesString targetName(TARGET.wide());
-    const XercesString targetModeName(TARGET_MODE.wide());
+    const XercesString namespaceURI(NAMESPACE.wide().data());
+    const XercesString relationshipName(RELATIONSHIP.wide().data());
+    const XercesString idName(ID.wide().data());
+    const XercesString typeName(TYPE.wide().data());
+    const XercesString targetName(TARGET.wide().data());
+    const XercesString targetModeName(TARGET_MODE.wide().data());
     const auto document = XercesHelper::createDocument();
     document->setXmlStandalone(true);
-    xercesc::DOMElement* const root =
-        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(RELATIONSHIPS.wide()));
+    xercesc::DOMElement* const root = XercesHelper::appendElementNS(
+        document.get(), namespaceURI, XercesString(RELATIONSHIPS.wide().data()));
     for (const Relationship& relationship : manager.getRelationships({})) {
         xercesc::DOMElement* const element =
             XercesHelper::appendElementNS(root, namespaceURI, relationshipName);
@@ -231,7 +231,7 @@ void RelationshipSerializer::serialize(const RelationshipManager& manager, Outpu
         XercesHelper::setElementAttribute(element, typeName, relationship.getType());
         XercesHelper::setElementAttribute(element, targetName, relationship.getTarget());
         if (relationship.getTargetMode() == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide());
+            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide().data());
     }
     // One that fails is dropped: it would take the namespace for declared from then on, and leave it out.
     auto writer = with.writer ? std::move(with.writer) : XercesHelper::createPrettyPrintingWriter();

@@ -1,33 +1,72 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace opc::model {
 
-/// A name, a namespace or another fixed text of XML documents. It has two forms: the bytes that stand in a document,
-/// and the characters that Xerces takes.
-/// @tparam Size  with the zero at the end. The text is ASCII
+/// A name, a namespace or another fixed text of XML documents, in ASCII. It has two forms: the bytes in a document, which
+/// are scanned and composed, and the UTF-16 that Xerces and the model take.
+/// @tparam Size  with the terminating zero
 template <std::size_t Size>
 class XmlText {
 public:
-    constexpr explicit XmlText(const char (&text)[Size]) {
-        for (std::size_t i = 0; i < Size; ++i) {
-            bytes[i] = text[i];
-            characters[i] = static_cast<unsigned char>(text[i]);
-        }
+    constexpr XmlText(const char (&text)[Size]) { // a literal stands for itself
+        for (std::size_t i = 0; i < Size; ++i)
+            put(i, text[i]);
     }
 
-    constexpr operator std::string_view() const { return {bytes.data(), Size - 1}; }
-    constexpr operator std::u16string_view() const { return {characters.data(), Size - 1}; }
+    /// `right` behind `left`.
+    template <std::size_t Left, std::size_t Right>
+    constexpr XmlText(const XmlText<Left>& left, const XmlText<Right>& right) {
+        static_assert(Left + Right == Size + 1);
+        for (std::size_t i = 0; i < Left - 1; ++i)
+            put(i, std::string_view(left)[i]);
+        for (std::size_t i = 0; i < Right - 1; ++i)
+            put(Left - 1 + i, std::string_view(right)[i]);
+    }
 
-    /// Ends with a zero, and lives as long as this object.
-    constexpr const char16_t* wide() const { return characters.data(); }
+    constexpr operator std::string_view() const { return {bytes, Size - 1}; }
+    constexpr operator std::u16string_view() const { return wide(); }
+
+    /// A zero stands behind it. It lives as long as this object.
+    constexpr std::u16string_view wide() const { return {units, Size - 1}; }
+    std::u16string text() const { return std::u16string(wide()); }
 
 private:
-    std::array<char, Size> bytes{};
-    std::array<char16_t, Size> characters{};
+    constexpr void put(std::size_t place, char character) {
+        bytes[place] = character;
+        units[place] = static_cast<unsigned char>(character);
+    }
+
+    char bytes[Size] = {};
+    char16_t units[Size] = {};
 };
+
+template <std::size_t Left, std::size_t Right>
+constexpr auto operator+(const XmlText<Left>& left, const XmlText<Right>& right) {
+    return XmlText<Left + Right - 1>(left, right);
+}
+
+template <std::size_t Left, std::size_t Right>
+constexpr auto operator+(const char (&left)[Left], const XmlText<Right>& right) {
+    return XmlText<Left>(left) + right;
+}
+
+template <std::size_t Left, std::size_t Right>
+constexpr auto operator+(const XmlText<Left>& left, const char (&right)[Right]) {
+    return left + XmlText<Right>(right);
+}
+
+template <std::size_t Size>
+constexpr bool operator==(std::u16string_view left, const XmlText<Size>& right) {
+    return left == right.wide();
+}
+
+template <std::size_t Size>
+constexpr bool operator!=(std::u16string_view left, const XmlText<Size>& right) {
+    return left != right.wide();
+}
 
 } // namespace opc::model

@@ -91,21 +91,21 @@ bool RelationshipsText::compose(const std::vector<Entry>& entries, std::string& 
 
 std::string RelationshipsText::serialize(const std::vector<Entry>& entries) {
     const XercesGuard guard;
-    const XercesString idName(ID.wide());
-    const XercesString typeName(TYPE.wide());
-    const XercesString targetName(TARGET.wide());
-    const XercesString targetModeName(TARGET_MODE.wide());
-    const XercesString relationshipName(RELATIONSHIP.wide());
+    const XercesString idName(ID.wide().data());
+    const XercesString typeName(TYPE.wide().data());
+    const XercesString targetName(TARGET.wide().data());
+    const XercesString targetModeName(TARGET_MODE.wide().data());
+    const XercesString relationshipName(RELATIONSHIP.wide().data());
     const auto document = XercesHelper::createDocument();
     xercesc::DOMElement* const root =
-        XercesHelper::appendElement(document.get(), XercesString(RELATIONSHIPS.wide()));
+        XercesHelper::appendElement(document.get(), XercesString(RELATIONSHIPS.wide().data()));
     for (const Entry& entry : entries) {
         xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
         XercesHelper::setElementAttribute(element, idName, std::u16string(entry.values->id));
         XercesHelper::setElementAttribute(element, typeName, std::u16string(entry.values->type));
         XercesHelper::setElementAttribute(element, targetName, std::u16string(entry.values->target));
         if (entry.values->targetMode == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide());
+            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide().data());
     }
     std::vector<unsigned char> bytes;
     ByteArrayOutAdaptor stream(bytes);

@@ -72,38 +72,37 @@ bool isPlainBase64(std::string_view text) {
 }
 
 template <std::size_t Size>
-constexpr auto startOf(const AsciiLiteral<Size>& element) {
+constexpr auto startOf(const XmlText<Size>& element) {
     return "<" + element + ">";
 }
 
 template <std::size_t Size>
-constexpr auto endOf(const AsciiLiteral<Size>& element) {
+constexpr auto endOf(const XmlText<Size>& element) {
     return "</" + element + ">";
 }
 
 template <std::size_t Size>
-constexpr auto startOfValue(const AsciiLiteral<Size>& attribute) {
+constexpr auto startOfValue(const XmlText<Size>& attribute) {
     return " " + attribute + "=\"";
 }
 
 template <std::size_t Size>
-constexpr auto startOfAlgorithm(const AsciiLiteral<Size>& element) {
+constexpr auto startOfAlgorithm(const XmlText<Size>& element) {
     return "<" + element + startOfValue(attribute::ALGORITHM);
 }
 
 template <std::size_t Size>
-constexpr auto prefixed(const AsciiLiteral<Size>& name) {
+constexpr auto prefixed(const XmlText<Size>& name) {
     return package_element::PREFIX + ":" + name;
 }
 
 /// The tags around the content of an element without attributes.
 template <std::size_t Size>
 struct Tags {
-    explicit constexpr Tags(const AsciiLiteral<Size>& element)
-        : start(startOf(element)), end(endOf(element)) {}
+    explicit constexpr Tags(const XmlText<Size>& element) : start(startOf(element)), end(endOf(element)) {}
 
-    AsciiLiteral<Size + 2> start;
-    AsciiLiteral<Size + 3> end;
+    XmlText<Size + 2> start;
+    XmlText<Size + 3> end;
 };
 
 constexpr Tags SIGNATURE_VALUE(element::SIGNATURE_VALUE);
@@ -115,7 +114,7 @@ constexpr Tags X509_CERTIFICATE(element::X509_CERTIFICATE);
 constexpr Tags TRANSFORMS(element::TRANSFORMS);
 constexpr Tags DIGEST_VALUE(element::DIGEST_VALUE);
 
-constexpr auto DECLARATION = AsciiLiteral(R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)");
+constexpr auto DECLARATION = XmlText(R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)");
 constexpr auto NAMESPACE_DECLARATION = startOfValue(attribute::XMLNS) + NAMESPACE + "\">";
 constexpr auto SIGNATURE_START = "<" + element::SIGNATURE;
 constexpr auto SIGNATURE_END = endOf(element::SIGNATURE);

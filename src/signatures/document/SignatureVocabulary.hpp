@@ -1,77 +1,77 @@
 #pragma once
 
-#include "xml/AsciiLiteral.hpp"
+#include <opc/model/XmlText.hpp>
 
 #include <string_view>
 
 /// The names and fixed texts in signature parts (ECMA-376 Part 2, digital signatures), and the names of the parts.
 namespace opc::model::vocabulary::signatures {
 
-inline constexpr AsciiLiteral NAMESPACE = "http://www.w3.org/2000/09/xmldsig#";
-inline constexpr AsciiLiteral PACKAGE_NAMESPACE =
+inline constexpr XmlText NAMESPACE = "http://www.w3.org/2000/09/xmldsig#";
+inline constexpr XmlText PACKAGE_NAMESPACE =
     "http://schemas.openxmlformats.org/package/2006/digital-signature";
 
 namespace element {
 
-inline constexpr AsciiLiteral SIGNATURE = "Signature";
-inline constexpr AsciiLiteral SIGNED_INFO = "SignedInfo";
-inline constexpr AsciiLiteral CANONICALIZATION_METHOD = "CanonicalizationMethod";
-inline constexpr AsciiLiteral SIGNATURE_METHOD = "SignatureMethod";
-inline constexpr AsciiLiteral SIGNATURE_VALUE = "SignatureValue";
+inline constexpr XmlText SIGNATURE = "Signature";
+inline constexpr XmlText SIGNED_INFO = "SignedInfo";
+inline constexpr XmlText CANONICALIZATION_METHOD = "CanonicalizationMethod";
+inline constexpr XmlText SIGNATURE_METHOD = "SignatureMethod";
+inline constexpr XmlText SIGNATURE_VALUE = "SignatureValue";
 
-inline constexpr AsciiLiteral KEY_INFO = "KeyInfo";
-inline constexpr AsciiLiteral KEY_VALUE = "KeyValue";
-inline constexpr AsciiLiteral RSA_KEY_VALUE = "RSAKeyValue";
-inline constexpr AsciiLiteral MODULUS = "Modulus";
-inline constexpr AsciiLiteral EXPONENT = "Exponent";
-inline constexpr AsciiLiteral X509_DATA = "X509Data";
-inline constexpr AsciiLiteral X509_CERTIFICATE = "X509Certificate";
-inline constexpr AsciiLiteral RETRIEVAL_METHOD = "RetrievalMethod"; ///< isn't read
+inline constexpr XmlText KEY_INFO = "KeyInfo";
+inline constexpr XmlText KEY_VALUE = "KeyValue";
+inline constexpr XmlText RSA_KEY_VALUE = "RSAKeyValue";
+inline constexpr XmlText MODULUS = "Modulus";
+inline constexpr XmlText EXPONENT = "Exponent";
+inline constexpr XmlText X509_DATA = "X509Data";
+inline constexpr XmlText X509_CERTIFICATE = "X509Certificate";
+inline constexpr XmlText RETRIEVAL_METHOD = "RetrievalMethod"; ///< isn't read
 
-inline constexpr AsciiLiteral OBJECT = "Object";
-inline constexpr AsciiLiteral MANIFEST = "Manifest";
-inline constexpr AsciiLiteral SIGNATURE_PROPERTIES = "SignatureProperties";
-inline constexpr AsciiLiteral SIGNATURE_PROPERTY = "SignatureProperty";
+inline constexpr XmlText OBJECT = "Object";
+inline constexpr XmlText MANIFEST = "Manifest";
+inline constexpr XmlText SIGNATURE_PROPERTIES = "SignatureProperties";
+inline constexpr XmlText SIGNATURE_PROPERTY = "SignatureProperty";
 
-inline constexpr AsciiLiteral REFERENCE = "Reference";
-inline constexpr AsciiLiteral TRANSFORMS = "Transforms";
-inline constexpr AsciiLiteral TRANSFORM = "Transform";
-inline constexpr AsciiLiteral DIGEST_METHOD = "DigestMethod";
-inline constexpr AsciiLiteral DIGEST_VALUE = "DigestValue";
+inline constexpr XmlText REFERENCE = "Reference";
+inline constexpr XmlText TRANSFORMS = "Transforms";
+inline constexpr XmlText TRANSFORM = "Transform";
+inline constexpr XmlText DIGEST_METHOD = "DigestMethod";
+inline constexpr XmlText DIGEST_VALUE = "DigestValue";
 
 } // namespace element
 
 /// The elements in the package signature namespace. They are read under any prefix.
 namespace package_element {
 
-inline constexpr AsciiLiteral PREFIX = "pds"; ///< that is written
-inline constexpr AsciiLiteral SIGNATURE_TIME = "SignatureTime";
-inline constexpr AsciiLiteral FORMAT = "Format";
-inline constexpr AsciiLiteral VALUE = "Value";
-inline constexpr AsciiLiteral RELATIONSHIP_REFERENCE = "RelationshipReference";
+inline constexpr XmlText PREFIX = "pds"; ///< that is written
+inline constexpr XmlText SIGNATURE_TIME = "SignatureTime";
+inline constexpr XmlText FORMAT = "Format";
+inline constexpr XmlText VALUE = "Value";
+inline constexpr XmlText RELATIONSHIP_REFERENCE = "RelationshipReference";
 
 /// The published schema has `RelationshipsGroupReference`.
-inline constexpr AsciiLiteral RELATIONSHIP_GROUP_REFERENCE = "RelationshipGroupReference";
+inline constexpr XmlText RELATIONSHIP_GROUP_REFERENCE = "RelationshipGroupReference";
 
 } // namespace package_element
 
 namespace attribute {
 
-inline constexpr AsciiLiteral XMLNS = "xmlns";
-inline constexpr AsciiLiteral ID = "Id";
-inline constexpr AsciiLiteral ALGORITHM = "Algorithm";
-inline constexpr AsciiLiteral TYPE = "Type";
-inline constexpr AsciiLiteral URI = "URI";
-inline constexpr AsciiLiteral TARGET = "Target";
-inline constexpr AsciiLiteral SOURCE_ID = "SourceId";
-inline constexpr AsciiLiteral SOURCE_TYPE = "SourceType";
+inline constexpr XmlText XMLNS = "xmlns";
+inline constexpr XmlText ID = "Id";
+inline constexpr XmlText ALGORITHM = "Algorithm";
+inline constexpr XmlText TYPE = "Type";
+inline constexpr XmlText URI = "URI";
+inline constexpr XmlText TARGET = "Target";
+inline constexpr XmlText SOURCE_ID = "SourceId";
+inline constexpr XmlText SOURCE_TYPE = "SourceType";
 
 } // namespace attribute
 
 /// Both name the same transform; the first is written.
-inline constexpr AsciiLiteral RELATIONSHIP_TRANSFORM =
+inline constexpr XmlText RELATIONSHIP_TRANSFORM =
     "http://schemas.openxmlformats.org/package/2005/06/RelationshipTransform";
-inline constexpr AsciiLiteral RELATIONSHIP_TRANSFORM_2006 =
+inline constexpr XmlText RELATIONSHIP_TRANSFORM_2006 =
     "http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
 
 inline bool isRelationshipTransform(std::u16string_view algorithm) {
@@ -79,26 +79,26 @@ inline bool isRelationshipTransform(std::u16string_view algorithm) {
 }
 
 /// Types of references.
-inline constexpr AsciiLiteral OBJECT_TYPE = NAMESPACE + "Object";
-inline constexpr AsciiLiteral SIGNATURE_PROPERTIES_TYPE = NAMESPACE + "SignatureProperties";
-inline constexpr AsciiLiteral SIGNED_PROPERTIES_TYPE = "http://uri.etsi.org/01903#SignedProperties";
+inline constexpr XmlText OBJECT_TYPE = NAMESPACE + "Object";
+inline constexpr XmlText SIGNATURE_PROPERTIES_TYPE = NAMESPACE + "SignatureProperties";
+inline constexpr XmlText SIGNED_PROPERTIES_TYPE = "http://uri.etsi.org/01903#SignedProperties";
 
-inline constexpr AsciiLiteral PACKAGE_OBJECT_ID = "idPackageObject";
-inline constexpr AsciiLiteral SIGNATURE_TIME_ID = "idSignatureTime";
+inline constexpr XmlText PACKAGE_OBJECT_ID = "idPackageObject";
+inline constexpr XmlText SIGNATURE_TIME_ID = "idSignatureTime";
 
 /// Is written for every time, although the times have another form.
-inline constexpr AsciiLiteral SIGNATURE_TIME_FORMAT = "YYYY-MM-DDThh:mmTZD";
+inline constexpr XmlText SIGNATURE_TIME_FORMAT = "YYYY-MM-DDThh:mmTZD";
 
 /// Precedes the signature's identifier in the `Id` of the root.
-inline constexpr AsciiLiteral SIGNATURE_ID_PREFIX = "Signature";
+inline constexpr XmlText SIGNATURE_ID_PREFIX = "Signature";
 
 /// Stands between a part name and its content type in the URI of a reference.
-inline constexpr AsciiLiteral CONTENT_TYPE_QUERY = "?ContentType=";
+inline constexpr XmlText CONTENT_TYPE_QUERY = "?ContentType=";
 
 /// The name of a signature is the prefix and the identifier; the name of its part is the folder, the signature's name and
 /// the extension.
-inline constexpr AsciiLiteral PARTS_FOLDER = "/_xmlsignatures/";
-inline constexpr AsciiLiteral NAME_PREFIX = "sig";
-inline constexpr AsciiLiteral PART_EXTENSION = ".xml";
+inline constexpr XmlText PARTS_FOLDER = "/_xmlsignatures/";
+inline constexpr XmlText NAME_PREFIX = "sig";
+inline constexpr XmlText PART_EXTENSION = ".xml";
 
 } // namespace opc::model::vocabulary::signatures
