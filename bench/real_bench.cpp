@@ -92,8 +92,8 @@ void printRows(const std::string& title, const std::vector<bench::FileTimes>& ti
 void printFiles(const Files& files, const std::vector<bench::FileTimes>& times) {
     std::printf("%-36s %8s %8s %8s %8s %8s\n", "warm, us", "bytes", "ours", "least", "straight", "ratio");
     for (std::size_t i = 0; i < files.size(); ++i)
-        std::printf("%-36s %8ju %8.1f %8.1f %8.1f %8.2f\n", files[i].filename().c_str(),
-                    static_cast<std::uintmax_t>(fs::file_size(files[i])), times[Strict][i].count() * 1e6,
+        std::printf("%-36s %8zu %8.1f %8.1f %8.1f %8.2f\n", files[i].filename().c_str(),
+                    static_cast<std::size_t>(fs::file_size(files[i])), times[Strict][i].count() * 1e6,
                     times[Least][i].count() * 1e6, times[Straight][i].count() * 1e6,
                     times[Strict][i] / times[Least][i]);
 }
