@@ -1,6 +1,7 @@
 #include <opc/model/PackageHelper.hpp>
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
+#include "package/PackageImpl.hpp"
 #include "values/StreamRewinder.hpp"
 #include "xml/DocumentOutput.hpp"
 
@@ -73,7 +74,7 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
     if (relationships.empty())
         return properties;
     const Part part = getTarget(package, relationships);
-    CorePropertiesSerializer serializer(package.getDocumentBudget());
+    CorePropertiesSerializer serializer(package.state().documentBudget);
     try {
         InputStream& stream = part.getInputStream();
         const StreamRewinder rewinder(stream);
@@ -105,7 +106,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
     package.throwIfReadOnly();
     if (!part)
         package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
-    CorePropertiesSerializer serializer(package.getDocumentBudget());
+    CorePropertiesSerializer serializer(package.state().documentBudget);
     const std::string document = serializer.write(properties); // before anything changes
     if (!part) {
         part = createPart(package, getCorePropertiesURI());
@@ -122,7 +123,7 @@ void PackageHelper::mendCoreProperties(Package& package, const CoreProperties& p
     package.throwIfReadOnly();
     package.throwIfCreateOnly();
     package.throwIfRelationshipsFixed(); // the relationship may be replaced behind the part: it must not fail
-    CorePropertiesSerializer serializer(package.getDocumentBudget());
+    CorePropertiesSerializer serializer(package.state().documentBudget);
     const std::string document = serializer.write(properties); // before anything changes
     writeDocument(document, mend(package, *findCoreProperties(package).begin()).getOutputStream());
 }
@@ -138,7 +139,7 @@ void PackageHelper::deleteWithTargets(Package& package, RelationshipSource& sour
         return;
     package.throwIfReadOnly();
     package.throwIfCreateOnly();
-    package.throwIfContentTypesFixed(); // before the first relationship goes without its target
+    package.state().contentTypeSource->throwIfFixed(); // before a relationship is deleted without its target
     for (const Relationship& relationship : relationships) {
         source.deleteRelationship(relationship.getID());
         package.deletePart(PartName(relationship.getTargetURI()));

@@ -1,15 +1,15 @@
 #include <opc/model/DataManager.hpp>
 
-#include <opc/model/Package.hpp>
+#include "package/PackageImpl.hpp"
 
 namespace opc::model {
 
 DataManager::DataManager(Package& managed, bool loadsOnOpen) : package(&managed), loadOnOpen(loadsOnOpen) {
-    package->addDataManager(this);
+    package->state().addDataManager(this);
 }
 
 DataManager::~DataManager() {
-    package->removeDataManager(this);
+    package->state().removeDataManager(this);
 }
 
 void DataManager::open(bool createOnly) {

@@ -1,12 +1,8 @@
 #include <opc/model/Package.hpp>
 
-#include "contenttypes/ContentTypeSource.hpp"
-#include "relationships/RelationshipSerializer.hpp"
-#include "xml/DocumentBudget.hpp"
+#include "package/PackageImpl.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/interfaces/IPhysicalPackage.hpp>
-#include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/DataManager.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PackageHelper.hpp>
@@ -21,10 +17,26 @@ bool hasCondition(const Exception& failure, boost::system::errc::errc_t conditio
     return failure.code() == boost::system::errc::make_error_condition(condition);
 }
 
+/// @throws InvalidCorePropertiesRelationships  [M4.1]
+void throwIfTooManyCorePropertiesRelationships(const Package& package, std::size_t limit) {
+    const auto found = package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
+    if (found.size() <= limit)
+        return;
+    InvalidCorePropertiesRelationships failure(
+        "No more than one core properties relationship can exist in a package");
+    failure.addDetails("one is " + toUDEString(found.begin()->getID()) + " in /_rels/.rels");
+    throw failure;
+}
+
 } // namespace
 
+Package::Impl::Impl(Package& owner, interfaces::IPhysicalPackage& physical, const XmlLimits& limits)
+    : RelationshipSource::Impl(PackageHelper::getPackageRootURI()), package(owner), physicalPackage(physical),
+      xmlLimits(limits) {
+}
+
 Package::Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits)
-    : RelationshipSource(PackageHelper::getPackageRootURI()), physicalPackage(physical), xmlLimits(limits) {
+    : RelationshipSource(std::make_shared<Impl>(*this, physical, limits)) {
 }
 
 Package::~Package() {
@@ -33,7 +45,11 @@ Package::~Package() {
     } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
     }
     // Handles must learn of it also when the physical layer failed to close.
-    clearParts();
+    state().clearParts();
+}
+
+Package::Impl& Package::state() const noexcept {
+    return static_cast<Impl&>(getState());
 }
 
 bool Package::isValid() const {
@@ -41,20 +57,20 @@ bool Package::isValid() const {
 }
 
 bool Package::isOpen() const {
-    return opened;
+    return state().opened;
 }
 
 bool Package::isReadOnly() const {
-    return openMode == interfaces::OpenMode::ReadOnly;
+    return state().openMode == interfaces::OpenMode::ReadOnly;
 }
 
 bool Package::isCreateOnly() const {
-    return openMode == interfaces::OpenMode::CreateOnly;
+    return state().openMode == interfaces::OpenMode::CreateOnly;
 }
 
 std::vector<interfaces::IgnoredItem> Package::getIgnoredItems() const {
     throwIfNotOpen();
-    return physicalPackage.getIgnoredItems();
+    return state().physicalPackage.getIgnoredItems();
 }
 
 Package& Package::getPackage() const {
@@ -64,9 +80,9 @@ Package& Package::getPackage() const {
 void Package::open(interfaces::OpenMode mode) {
     if (isOpen())
         throw PackageAlreadyOpen("Package is already open");
-    openMode = mode;
+    state().openMode = mode;
     try {
-        physicalPackage.open(mode);
+        state().physicalPackage.open(mode);
     } catch (const Exception& e) {
         if (hasCondition(e, boost::system::errc::no_such_file_or_directory))
             throw translated<PackageNotFound>(e, e.what());
@@ -74,21 +90,17 @@ void Package::open(interfaces::OpenMode mode) {
     }
 
     try {
-        documentBudget = std::make_shared<DocumentBudget>(xmlLimits);
-        relationshipSerializer = std::make_unique<RelationshipSerializer>(documentBudget);
-        contentTypeSource =
-            std::make_unique<ContentTypeSource>(physicalPackage, isCreateOnly(), documentBudget);
-        initializeParts();
+        state().load();
     } catch (...) {
-        forgetContent();
-        physicalPackage.close(true);
+        state().forgetContent();
+        state().physicalPackage.close(true);
         throw;
     }
 
-    opened = true;
+    state().opened = true;
     try {
-        throwIfTooManyCorePropertiesRelationships(1);
-        forEachDataManager([this](DataManager& manager) { manager.open(isCreateOnly()); });
+        throwIfTooManyCorePropertiesRelationships(*this, 1);
+        state().forEachDataManager([this](DataManager& manager) { manager.open(isCreateOnly()); });
     } catch (...) {
         close(true);
         throw;
@@ -101,19 +113,19 @@ void Package::close(bool abandon) {
     if (!isReadOnly() && !abandon)
         flush();
     try {
-        physicalPackage.close(abandon);
+        state().physicalPackage.close(abandon);
     } catch (const Exception& e) {
         if (hasCondition(e, boost::system::errc::permission_denied))
             throw translated<PackagePermissionDenied>(e, e.what());
         throw translated<PackageCloseFailed>(e, e.what(), e.code());
     }
-    forgetContent();
-    opened = false;
+    state().forgetContent();
+    state().opened = false;
 }
 
-void Package::forgetContent() {
+void Package::Impl::forgetContent() {
     clearParts();
-    RelationshipSource::reset();
+    package.reset();
     contentTypeSource.reset();
     relationshipSerializer.reset();
     documentBudget.reset();
@@ -122,58 +134,58 @@ void Package::forgetContent() {
 void Package::flush() {
     throwIfNotOpen();
     throwIfReadOnly();
-    flushPackage();
-    flushParts();
+    state().flushPackage();
+    state().flushParts();
 }
 
-void Package::flushPackage() {
-    forEachDataManager([](DataManager& manager) { manager.flush(); });
+void Package::Impl::flushPackage() {
+    forEachDataManager([](DataManager& each) { each.flush(); });
     for (auto& entry : parts)
         entry.second.restoreRelationshipPart(); // while the content types stream can still take it up
     contentTypeSource->flush();
-    RelationshipSource::flush();
+    package.RelationshipSource::flush();
 }
 
-void Package::flushParts() {
+void Package::Impl::flushParts() {
     for (auto& entry : parts)
         entry.second.flush();
 }
 
-void Package::clearParts() {
+void Package::Impl::clearParts() {
     for (auto& entry : parts)
         entry.second.markAsInvalid();
     parts.clear();
 }
 
-void Package::addDataManager(DataManager* manager) {
-    if (isOpen())
+void Package::Impl::addDataManager(DataManager* added) {
+    if (opened)
         throw PackageAlreadyOpen("Can't add a data manager when package is already open");
-    dataManagers.push_back(manager);
+    dataManagers.push_back(added);
 }
 
-void Package::removeDataManager(DataManager* manager) {
-    dataManagers.remove(manager);
+void Package::Impl::removeDataManager(DataManager* removed) {
+    dataManagers.remove(removed);
 }
 
-void Package::forEachDataManager(const std::function<void(DataManager&)>& action) {
+void Package::Impl::forEachDataManager(const std::function<void(DataManager&)>& action) {
     const auto managers = dataManagers; // a manager at work may make or destroy others
-    for (DataManager* manager : managers)
-        if (std::find(dataManagers.begin(), dataManagers.end(), manager) != dataManagers.end())
-            action(*manager);
+    for (DataManager* each : managers)
+        if (std::find(dataManagers.begin(), dataManagers.end(), each) != dataManagers.end())
+            action(*each);
 }
 
-std::unordered_set<std::u16string> Package::getManagedPartNames() const {
+std::unordered_set<std::u16string> Package::Impl::getManagedPartNames() const {
     std::unordered_set<std::u16string> names;
-    for (const DataManager* manager : dataManagers)
-        for (std::u16string& name : manager->getManagedPartNames())
+    for (const DataManager* each : dataManagers)
+        for (std::u16string& name : each->getManagedPartNames())
             names.insert(std::move(name));
     return names;
 }
 
-std::unordered_set<std::u16string> Package::getManagedRelationshipTypes() const {
+std::unordered_set<std::u16string> Package::Impl::getManagedRelationshipTypes() const {
     std::unordered_set<std::u16string> types;
-    for (const DataManager* manager : dataManagers)
-        for (std::u16string& type : manager->getManagedRelationshipTypes())
+    for (const DataManager* each : dataManagers)
+        for (std::u16string& type : each->getManagedRelationshipTypes())
             types.insert(std::move(type));
     return types;
 }
@@ -181,17 +193,7 @@ std::unordered_set<std::u16string> Package::getManagedRelationshipTypes() const 
 void Package::doVerifyRelationship(const std::u16string& /*id*/, const std::u16string& type,
                                    const std::u16string& /*target*/) {
     if (type == PackageHelper::getCorePropertiesRelationshipType())
-        throwIfTooManyCorePropertiesRelationships(0);
-}
-
-void Package::throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const {
-    const auto found = getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
-    if (found.size() <= limit)
-        return;
-    InvalidCorePropertiesRelationships failure(
-        "No more than one core properties relationship can exist in a package");
-    failure.addDetails("one is " + toUDEString(found.begin()->getID()) + " in /_rels/.rels");
-    throw failure;
+        throwIfTooManyCorePropertiesRelationships(*this, 0);
 }
 
 } // namespace opc::model

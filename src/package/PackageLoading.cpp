@@ -1,10 +1,6 @@
-#include <opc/model/Package.hpp>
-
-#include "contenttypes/ContentTypeSource.hpp"
+#include "package/PackageImpl.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/interfaces/IPhysicalPackage.hpp>
-#include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
@@ -159,15 +155,23 @@ PartName readName(std::u16string text, const interfaces::IPhysicalPart& physical
 
 } // namespace
 
-ContentType Package::findContentType(const PartName& name, const ContentType* own,
-                                     const interfaces::IPhysicalPart& physicalPart) {
+void Package::Impl::load() {
+    documentBudget = std::make_shared<DocumentBudget>(xmlLimits);
+    relationshipSerializer = std::make_unique<RelationshipSerializer>(documentBudget);
+    contentTypeSource =
+        std::make_unique<ContentTypeSource>(physicalPackage, package.isCreateOnly(), documentBudget);
+    initializeParts();
+}
+
+ContentType Package::Impl::findContentType(const PartName& name, const ContentType* own,
+                                           const interfaces::IPhysicalPart& physicalPart) {
     if (own != nullptr)
         return *own;
     return physicalPackage.usesContentTypeStream() ? contentTypeSource->useDefault(name)
                                                    : ContentType(physicalPart.getContentType());
 }
 
-void Package::initializeParts() {
+void Package::Impl::initializeParts() {
     std::vector<interfaces::IPhysicalPart*> physicalParts;
     try {
         physicalParts = physicalPackage.getParts();
@@ -206,7 +210,7 @@ void Package::initializeParts() {
 
     PartMap found;
     for (const auto& [key, name, own, physicalPart] : regular) {
-        Part part(this, physicalPart, *name, findContentType(*name, own, *physicalPart), openMode);
+        Part part(&package, physicalPart, *name, findContentType(*name, own, *physicalPart), openMode);
         const bool isPath = key.front() == '/' && key.find('?') == std::string_view::npos &&
                             key.find('#') == std::string_view::npos;
         if (auto* match = relationships.take(isPath ? key : keys.keep(name->getURI().getPath())))
@@ -214,7 +218,7 @@ void Package::initializeParts() {
         found.emplace_hint(found.end(), *name, part);
     }
     if (auto* match = relationships.take("/"))
-        setPhysicalRelationshipPart(match, false);
+        package.setPhysicalRelationshipPart(match, false);
 
     parts.swap(found);
     if (const auto* orphan = relationships.findOrphan()) {

@@ -1,6 +1,7 @@
+#include "package/PackageImpl.hpp"
+
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 
 #include <string>
 
@@ -11,6 +12,7 @@
 namespace opc::model {
 
 bool Package::isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const {
+    const Impl::PartMap& parts = state().parts;
     std::u16string text = toLowerASCIIString(name.toString());
     // In the order of names, all that lie below a folder follow one another.
     const std::u16string folder = text + URI::getSlash();
@@ -31,9 +33,9 @@ bool Package::isPartDerivedFromExistingPartName(const PartName& name, std::u16st
     return false;
 }
 
-void Package::throwIfDerivedFromExistingPartName(const PartName& name) const {
+void Package::Impl::throwIfDerivedFromExistingPartName(const PartName& name) const {
     std::u16string existing;
-    if (!isPartDerivedFromExistingPartName(name, existing))
+    if (!package.isPartDerivedFromExistingPartName(name, existing))
         return;
     const std::u16string text = name.toString();
     if (text.size() <= existing.size())

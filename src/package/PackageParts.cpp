@@ -1,14 +1,9 @@
-#include <opc/model/Package.hpp>
-
 #include "contenttypes/ContentTypeSerializer.hpp"
-#include "contenttypes/ContentTypeSource.hpp"
 #include "names/PartNameGrammar.hpp"
+#include "package/PackageImpl.hpp"
 #include "xml/LongTags.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/interfaces/IPhysicalPackage.hpp>
-#include <opc/interfaces/IPhysicalPart.hpp>
-#include <opc/interfaces/IPhysicalPartInfo.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
@@ -24,6 +19,12 @@ namespace {
     throw PartNotFound("No part found with the name:" + toASCIIString(name.toString()));
 }
 
+void throwIfRelationshipName(const PartName& name) {
+    if (name.isRelationshipName())
+        throw PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
+                                      toASCIIString(name.toString()));
+}
+
 } // namespace
 
 Part Package::createPart(const PartName& name, const ContentType& contentType,
@@ -31,8 +32,8 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     throwIfNotOpen();
     throwIfReadOnly();
     throwIfRelationshipName(name);
-    const auto place = findPlaceOfNewPart(name);
-    throwIfDerivedFromExistingPartName(name);
+    const auto place = state().findPlaceOfNewPart(name);
+    state().throwIfDerivedFromExistingPartName(name);
     throwIfNoNameForNewPart(name);
     if (!fitsIntoTag(name.toString()))
         throw InvalidPartName("A part name shall not be longer than 1 MiB.");
@@ -40,26 +41,26 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
         throw InvalidContentType("Could not successfully parse content type string");
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
-    Part part(this, nullptr, name, contentType, openMode);
-    PartMap entry;
+    Part part(this, nullptr, name, contentType, state().openMode);
+    Impl::PartMap entry;
     entry.emplace(name, part);
-    part.setPhysicalPart(createPartInternal(name, contentType, partInfo));
-    parts.insert(place, entry.extract(entry.begin()));
+    part.setPhysicalPart(state().createPartInternal(name, contentType, partInfo));
+    state().parts.insert(place, entry.extract(entry.begin()));
     return part;
 }
 
-interfaces::IPhysicalPart* Package::createPartInternal(const PartName& name, const ContentType& contentType,
-                                                       const interfaces::IPhysicalPartInfo& partInfo) {
-    throwIfContentTypesFixed();
+interfaces::IPhysicalPart* Package::Impl::createPartInternal(const PartName& name, const ContentType& type,
+                                                             const interfaces::IPhysicalPartInfo& partInfo) {
+    contentTypeSource->throwIfFixed();
     interfaces::IPhysicalPart* physicalPart = nullptr;
     try {
-        physicalPart = physicalPackage.createPart(name.toString(), contentType.toString(), partInfo);
+        physicalPart = physicalPackage.createPart(name.toString(), type.toString(), partInfo);
     } catch (const Exception& e) {
         throw translated<PartCreateFailed>(e, e.what());
     }
     if (physicalPart == nullptr)
         throw PartCreateFailed("The physical layer gives no part");
-    contentTypeSource->addContentType(name, contentType);
+    contentTypeSource->addContentType(name, type);
     return physicalPart;
 }
 
@@ -68,10 +69,11 @@ void Package::deletePart(const PartName& name) {
     throwIfReadOnly();
     throwIfCreateOnly();
 
+    Impl::PartMap& parts = state().parts;
     const auto entry = parts.find(name);
     if (entry == parts.end())
         throwPartNotFound(name);
-    throwIfContentTypesFixed();
+    state().contentTypeSource->throwIfFixed();
     Part part = entry->second;
 
     std::string errors;
@@ -85,14 +87,14 @@ void Package::deletePart(const PartName& name) {
         const PartName physicalName(physicalPart->getName());
         const std::u16string extension = ContentTypeSource::extensionKey(physicalName);
         try {
-            deletePhysicalPart(physicalName);
+            state().deletePhysicalPart(physicalName);
         } catch (const PartDeleteFailed& e) {
             failed = true;
             errors += (errors.empty() ? "" : "; ") + std::string(e.what());
             return;
         }
         forget();
-        contentTypeSource->removeContentType(physicalName, extension);
+        state().contentTypeSource->removeContentType(physicalName, extension);
     };
     deletePhysical(part.getPhysicalPart(), [&part] { part.forgetPhysicalPart(); });
     deletePhysical(part.getPhysicalRelationshipPart(), [&part] { part.forgetPhysicalRelationshipPart(); });
@@ -103,13 +105,13 @@ void Package::deletePart(const PartName& name) {
     parts.erase(entry);
 }
 
-void Package::deletePartInternal(const PartName& name) {
+void Package::Impl::deletePartInternal(const PartName& name) {
     const std::u16string extension = ContentTypeSource::extensionKey(name);
     deletePhysicalPart(name);
     contentTypeSource->removeContentType(name, extension);
 }
 
-void Package::deletePhysicalPart(const PartName& name) {
+void Package::Impl::deletePhysicalPart(const PartName& name) {
     try {
         physicalPackage.deletePart(name.toString());
     } catch (const Exception& e) {
@@ -119,26 +121,26 @@ void Package::deletePhysicalPart(const PartName& name) {
 
 Part Package::getPart(const PartName& name) const {
     throwIfNotOpen();
-    const auto entry = parts.find(name);
-    if (entry == parts.end())
+    const auto entry = state().parts.find(name);
+    if (entry == state().parts.end())
         throwPartNotFound(name);
     return entry->second;
 }
 
 bool Package::hasPart(const PartName& name) const {
     throwIfNotOpen();
-    return parts.count(name) != 0;
+    return state().parts.count(name) != 0;
 }
 
 Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
     throwIfNotOpen();
     std::unordered_set<std::u16string> managed;
     if (mode == ExcludeMode::ExcludeManaged)
-        managed = getManagedPartNames();
+        managed = state().getManagedPartNames();
 
     std::vector<Part> kept;
-    kept.reserve(parts.size());
-    for (const auto& [name, part] : parts) {
+    kept.reserve(state().parts.size());
+    for (const auto& [name, part] : state().parts) {
         // One by one, since a hash knows nothing of letter case.
         const auto isName = [&partName = name](const std::u16string& text) { return text == partName; };
         if (std::none_of(managed.begin(), managed.end(), isName))
@@ -149,20 +151,10 @@ Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
 
 bool Package::hasUnreadContentTypes() const {
     throwIfNotOpen();
-    return contentTypeSource->hasUnread();
+    return state().contentTypeSource->hasUnread();
 }
 
-void Package::throwIfContentTypesFixed() const {
-    contentTypeSource->throwIfFixed();
-}
-
-void Package::throwIfRelationshipName(const PartName& name) const {
-    if (name.isRelationshipName())
-        throw PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
-                                      toASCIIString(name.toString()));
-}
-
-Package::PartMap::const_iterator Package::findPlaceOfNewPart(const PartName& name) const {
+Package::Impl::PartMap::const_iterator Package::Impl::findPlaceOfNewPart(const PartName& name) const {
     const auto place = parts.lower_bound(name);
     if (place != parts.end() && place->first == name)
         throw PartAlreadyExists("Cannot use a part name that already exists: " +

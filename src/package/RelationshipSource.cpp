@@ -1,5 +1,6 @@
 #include <opc/model/RelationshipSource.hpp>
 
+#include "package/PackageImpl.hpp"
 #include "package/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipID.hpp"
 #include "relationships/RelationshipTarget.hpp"
@@ -7,9 +8,7 @@
 #include "xml/LongTags.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
 #include <opc/model/PhysicalOutputStream.hpp>
@@ -138,10 +137,11 @@ Relationship RelationshipSource::withRelationshipPart(const Relationship& added)
 
 void RelationshipSource::createRelationshipPart() {
     const PartName name(PartName(impl->manager.getSourceURI()).getRelationshipPartName());
-    getPackage().findPlaceOfNewPart(name); // a part that was opened may have it, in another letter case
-    setPhysicalRelationshipPart(getPackage().createPartInternal(
-                                    name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
-                                true);
+    Package::Impl& package = getPackage().state();
+    package.findPlaceOfNewPart(name); // a part that was opened may have it, in another letter case
+    setPhysicalRelationshipPart(
+        package.createPartInternal(name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
+        true);
 }
 
 void RelationshipSource::deleteRelationship(const std::u16string& id) {
@@ -150,12 +150,12 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfRelationshipsFixed();
     const interfaces::IPhysicalPart* part = impl->keepsMore() ? nullptr : impl->relationshipsPart;
     if (part != nullptr && impl->manager.hasOne() && impl->manager.hasRelationship(id))
-        getPackage().throwIfContentTypesFixed(); // the part goes with its last relationship
+        getPackage().state().contentTypeSource->throwIfFixed(); // the part goes with its last relationship
     impl->manager.deleteRelationship(id);
     if (!impl->manager.isEmpty() || part == nullptr)
         return;
     setPhysicalRelationshipPart(nullptr, false);
-    getPackage().deletePartInternal(PartName(part->getName()));
+    getPackage().state().deletePartInternal(PartName(part->getName()));
 }
 
 Relationship RelationshipSource::getRelationshipByID(const std::u16string& id) const {
@@ -172,7 +172,7 @@ Enumerator<std::vector<Relationship>> RelationshipSource::getRelationships(Exclu
     throwIfNotReadable();
     std::unordered_set<std::u16string> excludedTypes;
     if (mode == ExcludeMode::ExcludeManaged)
-        excludedTypes = getPackage().getManagedRelationshipTypes();
+        excludedTypes = getPackage().state().getManagedRelationshipTypes();
     return Enumerator<std::vector<Relationship>>(impl->manager.getRelationships(excludedTypes));
 }
 
@@ -199,7 +199,7 @@ void RelationshipSource::flush() {
     if (!impl->manager.isDirty() || (impl->manager.isEmpty() && !impl->keepsMore()))
         return;
     PhysicalOutputStream stream(impl->relationshipsPart->getOutputStream());
-    impl->manager.flush(stream, getPackage().getRelationshipSerializer());
+    impl->manager.flush(stream, *getPackage().state().relationshipSerializer);
     try {
         stream.close();
     } catch (...) {
@@ -227,7 +227,7 @@ void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* 
     impl->kept = dynamic_cast<const interfaces::IKeptRelationships*>(part);
     try {
         PhysicalInputStream stream(part->getInputStream());
-        impl->manager.read(stream, getPackage().getRelationshipSerializer());
+        impl->manager.read(stream, *getPackage().state().relationshipSerializer);
         impl->keptMore = impl->kept != nullptr && impl->kept->keepsMore();
     } catch (const InvalidPartContent& e) {
         throw translated<InvalidRelationshipContent>(e, "In " + toASCIIString(part->getName()) + ": " +

@@ -2,36 +2,26 @@
 
 #include <opc/interfaces/IgnoredItem.hpp>
 #include <opc/interfaces/OpenMode.hpp>
-#include <opc/model/ContentType.hpp>
 #include <opc/model/Enumerator.hpp>
 #include <opc/model/ExcludeMode.hpp>
 #include <opc/model/Export.hpp>
 #include <opc/model/Part.hpp>
-#include <opc/model/PartName.hpp>
 #include <opc/model/RelationshipSource.hpp>
 #include <opc/model/XmlLimits.hpp>
 
-#include <cstdint>
-#include <functional>
-#include <list>
-#include <map>
-#include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace opc::interfaces {
 class IPhysicalPackage;
-class IPhysicalPart;
 class IPhysicalPartInfo;
 } // namespace opc::interfaces
 
 namespace opc::model {
 
-class ContentTypeSource;
+class ContentType;
 class DataManager;
-class DocumentBudget;
-class RelationshipSerializer;
+class PartName;
 
 /// A package in the Open Packaging Conventions: the root of the object model.
 ///
@@ -151,58 +141,14 @@ private:
     friend class DigitalSignatureManager;
     friend class PackageHelper;
     friend class RelationshipSource;
-
-    using PartMap = std::map<PartName, Part, std::less<>>; // compares with texts too
+    struct Impl;
 
     bool isValid() const override;
     Package& getPackage() const override;
     void doVerifyRelationship(const std::u16string& id, const std::u16string& type,
                               const std::u16string& target) override;
 
-    void initializeParts();
-    /// @param own  of its `Override`; null if there is none
-    ContentType findContentType(const PartName& name, const ContentType* own,
-                                const interfaces::IPhysicalPart& physicalPart);
-    void flushPackage();
-    void flushParts();
-    void clearParts();
-    void forgetContent();
-
-    /// @return the first part behind a new one of that name
-    /// @throws PartAlreadyExists
-    PartMap::const_iterator findPlaceOfNewPart(const PartName& name) const;
-    interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& contentType,
-                                                  const interfaces::IPhysicalPartInfo& partInfo);
-    void deletePartInternal(const PartName& name);
-    void deletePhysicalPart(const PartName& name);
-
-    void addDataManager(DataManager* manager);
-    void removeDataManager(DataManager* manager);
-    void forEachDataManager(const std::function<void(DataManager&)>& action);
-    std::unordered_set<std::u16string> getManagedPartNames() const;
-    std::unordered_set<std::u16string> getManagedRelationshipTypes() const;
-
-    ContentTypeSource& getContentTypeSource() const { return *contentTypeSource; }
-    const std::shared_ptr<DocumentBudget>& getDocumentBudget() const { return documentBudget; }
-    RelationshipSerializer& getRelationshipSerializer() const { return *relationshipSerializer; }
-    interfaces::IPhysicalPackage& getPackageImpl() const { return physicalPackage; }
-
-    /// Asked before the first of changes that belong together.
-    /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
-    void throwIfContentTypesFixed() const;
-    void throwIfRelationshipName(const PartName& name) const;
-    void throwIfDerivedFromExistingPartName(const PartName& name) const;
-    void throwIfTooManyCorePropertiesRelationships(std::uint64_t limit) const;
-
-    interfaces::IPhysicalPackage& physicalPackage;
-    XmlLimits xmlLimits;
-    bool opened = false;
-    interfaces::OpenMode openMode = interfaces::OpenMode::CreateOnly;
-    PartMap parts;
-    std::shared_ptr<DocumentBudget> documentBudget; // while it is open
-    std::unique_ptr<ContentTypeSource> contentTypeSource;
-    std::unique_ptr<RelationshipSerializer> relationshipSerializer;
-    std::list<DataManager*> dataManagers;
+    Impl& state() const noexcept;
 };
 
 } // namespace opc::model

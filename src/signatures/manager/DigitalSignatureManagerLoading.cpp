@@ -1,3 +1,4 @@
+#include "package/PackageImpl.hpp"
 #include "signatures/coverage/SelectableRelationships.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/coverage/SignedEntities.hpp"
@@ -13,7 +14,6 @@
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 
 #include <algorithm>
 #include <map>
@@ -144,7 +144,7 @@ private:
 
 void DigitalSignatureManager::Impl::load() {
     list = {};
-    list = Loading(package, package.getDocumentBudget(), serializer).load();
+    list = Loading(package, package.state().documentBudget, serializer).load();
 }
 
 } // namespace opc::model

@@ -1,8 +1,8 @@
+#include "package/PackageImpl.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/manager/DigitalSignatureManagerImpl.hpp"
 
 #include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 
 #include <algorithm>
 
@@ -60,7 +60,7 @@ void DigitalSignatureManager::Impl::deletePart(const PartName& partName) {
     try {
         auto [origin, toOrigin] = getOrigin();
         const auto signatures = origin.getRelationshipsByType(getSignatureRelationshipType());
-        package.throwIfContentTypesFixed();
+        package.state().contentTypeSource->throwIfFixed();
         if (signatures.size() == 1) // the origin part goes as well
             package.throwIfRelationshipsFixed();
         for (const Relationship& relationship : signatures) {

@@ -1,3 +1,4 @@
+#include "package/PackageImpl.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/document/SignatureCost.hpp"
 #include "signatures/manager/DigitalSignatureManagerImpl.hpp"
@@ -6,7 +7,6 @@
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 
 /// @file
@@ -33,7 +33,7 @@ DigitalSignatureManager::Bytes DigitalSignatureManager::Impl::compose(DigitalSig
     ByteArrayOutAdaptor output(document);
     serializer.writeSignature(data, output);
     DigitalSignatureData again;
-    again.m_share = std::make_shared<DocumentShare>(package.getDocumentBudget(), &XmlLimits::signature);
+    again.m_share = std::make_shared<DocumentShare>(package.state().documentBudget, &XmlLimits::signature);
     ByteArrayInAdaptor input(document);
     MeteredStream metered(input, *again.m_share, cost::BYTES_PER_ELEMENT);
     try {
