@@ -60,23 +60,8 @@ struct RelationshipsPart {
 /// Sorts parts by their keys. Of parts of one key the first stays, with the content of the last.
 template <typename Found>
 void sortByKey(std::vector<Found>& parts) {
-    const auto precedes = [](const Found& left, const Found& right) { return left.key < right.key; };
-    // Programs write parts in some order of their own: runs that are in order already are merged, neighbour by
-    // neighbour.
-    std::vector<typename std::vector<Found>::iterator> ends{parts.begin()};
-    // cppcheck-suppress mismatchingContainers ; `ends` holds places in `parts`
-    while (ends.back() != parts.end())
-        ends.push_back(std::is_sorted_until(ends.back(), parts.end(), precedes));
-    while (ends.size() > 2) {
-        std::size_t kept = 1;
-        for (std::size_t i = 2; i < ends.size(); i += 2) {
-            std::inplace_merge(ends[i - 2], ends[i - 1], ends[i], precedes);
-            ends[kept++] = ends[i];
-        }
-        if (ends.size() % 2 == 0)
-            ends[kept++] = ends.back();
-        ends.resize(kept);
-    }
+    std::stable_sort(parts.begin(), parts.end(),
+                     [](const Found& left, const Found& right) { return left.key < right.key; });
 
     std::size_t kept = 0;
     for (Found& part : parts) {
