@@ -3,8 +3,9 @@
 #include "xml/DocumentLimits.hpp"
 #include "xml/DocumentOutput.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
-#include "xml/LongTags.hpp"
+#include "xml/ParserSettings.hpp"
 #include "xml/XercesFailures.hpp"
+#include "xml/XercesSource.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/XercesGuard.hpp>
@@ -12,14 +13,11 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 #include <xercesc/framework/XMLFormatter.hpp>
-#include <xercesc/sax/InputSource.hpp>
-#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include <algorithm>
-#include <exception>
 
 namespace opc::model {
 
@@ -31,64 +29,6 @@ using xercesc::DOMLSParser;
 using xercesc::DOMLSSerializer;
 using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
-
-/// What is known of a stream while Xerces reads from it.
-struct SourceState {
-    std::exception_ptr failure;
-    std::uint64_t bytesSinceLastToken = 0;
-};
-
-/// Lets Xerces read from a stream.
-///
-/// Xerces leaks when a stranger's exception runs through it: a stream that fails looks ended to Xerces, and
-/// the exception is kept for the one who started the parse.
-class InputStreamBinInputStream final : public xercesc::BinInputStream {
-public:
-    InputStreamBinInputStream(InputStream& stream, SourceState& state) : stream(stream), state(state) {}
-
-    XMLFilePos curPos() const override { return position; }
-
-    XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override {
-        if (state.failure)
-            return 0;
-        try {
-            if (state.bytesSinceLastToken > LONGEST_TAG) // text is told in pieces
-                throw InvalidXMLDocument(TAG_IS_TOO_LONG);
-            if (stream.isDone())
-                return 0;
-            // Xerces trusts the count: more than there is room for would make it read behind its buffer.
-            const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
-            position += count;
-            state.bytesSinceLastToken += count;
-            return static_cast<XMLSize_t>(count);
-        } catch (...) {
-            state.failure = std::current_exception();
-            return 0;
-        }
-    }
-
-    const XMLCh* getContentType() const override { return nullptr; }
-
-private:
-    InputStream& stream;
-    SourceState& state;
-    XMLFilePos position = 0;
-};
-
-/// Gives Xerces a stream to parse.
-class InputStreamXercesSource final : public xercesc::InputSource {
-public:
-    InputStreamXercesSource(InputStream& stream, SourceState& state)
-        : InputSource("istream", XMLPlatformUtils::fgMemoryManager), stream(stream), state(state) {}
-
-    xercesc::BinInputStream* makeStream() const override {
-        return new InputStreamBinInputStream(stream, state);
-    }
-
-private:
-    InputStream& stream;
-    SourceState& state;
-};
 
 /// Takes what Xerces writes, which comes in many small pieces.
 class StringTarget final : public xercesc::XMLFormatTarget {
@@ -132,28 +72,6 @@ private:
 
 xercesc::DOMImplementation* implementation() {
     return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-}
-
-/// Asks first: that takes half the time of setting again what is set already.
-void setIfPossible(DOMConfiguration* configuration, const char16_t* name, bool value) {
-    if ((configuration->getParameter(name) != nullptr) != value &&
-        configuration->canSetParameter(name, value))
-        configuration->setParameter(name, value);
-}
-
-/// @param loadSchemas  whether a schema may be opened that isn't among the cached grammars
-void configureParser(DOMConfiguration* configuration, bool validate, bool loadSchemas) {
-    if (validate) {
-        for (const char16_t* name : {XMLUni::fgDOMValidate, XMLUni::fgXercesSchema, XMLUni::fgDOMNamespaces,
-                                     XMLUni::fgDOMDatatypeNormalization})
-            setIfPossible(configuration, name, true);
-    }
-    setIfPossible(configuration, XMLUni::fgXercesUseCachedGrammarInParse, true);
-    configuration->setParameter(XMLUni::fgDOMDisallowDoctype, true);
-    setIfPossible(configuration, XMLUni::fgXercesLoadExternalDTD, false);
-    setIfPossible(configuration, XMLUni::fgXercesSkipDTDValidation, true);
-    // Otherwise a document's own xsi:schemaLocation opens files and connections.
-    setIfPossible(configuration, XMLUni::fgXercesLoadSchema, loadSchemas);
 }
 
 } // namespace

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "xml/LongTags.hpp"
+
+#include <opc/core/InputStream.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+
+namespace opc::model {
+
+/// What is known of a stream while Xerces reads from it.
+struct SourceState {
+    std::exception_ptr failure;
+    std::uint64_t bytesSinceLastToken = 0;
+};
+
+/// Lets Xerces read from a stream.
+///
+/// Xerces leaks when a stranger's exception runs through it: a stream that fails looks ended to Xerces, and
+/// the exception is kept for the one who started the parse.
+class InputStreamBinInputStream final : public xercesc::BinInputStream {
+public:
+    InputStreamBinInputStream(InputStream& stream, SourceState& state) : stream(stream), state(state) {}
+
+    XMLFilePos curPos() const override { return position; }
+
+    XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override {
+        if (state.failure)
+            return 0;
+        try {
+            if (state.bytesSinceLastToken > LONGEST_TAG) // text is told in pieces
+                throw InvalidXMLDocument(TAG_IS_TOO_LONG);
+            if (stream.isDone())
+                return 0;
+            // Xerces trusts the count: more than there is room for would make it read behind its buffer.
+            const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
+            position += count;
+            state.bytesSinceLastToken += count;
+            return static_cast<XMLSize_t>(count);
+        } catch (...) {
+            state.failure = std::current_exception();
+            return 0;
+        }
+    }
+
+    const XMLCh* getContentType() const override { return nullptr; }
+
+private:
+    InputStream& stream;
+    SourceState& state;
+    XMLFilePos position = 0;
+};
+
+/// Gives Xerces a stream to parse.
+class InputStreamXercesSource final : public xercesc::InputSource {
+public:
+    InputStreamXercesSource(InputStream& stream, SourceState& state)
+        : InputSource("istream", xercesc::XMLPlatformUtils::fgMemoryManager), stream(stream), state(state) {}
+
+    xercesc::BinInputStream* makeStream() const override {
+        return new InputStreamBinInputStream(stream, state);
+    }
+
+private:
+    InputStream& stream;
+    SourceState& state;
+};
+
+} // namespace opc::model
