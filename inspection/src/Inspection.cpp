@@ -1,0 +1,33 @@
+#include <opc/inspection/Inspection.hpp>
+
+#include "checks/Checks.hpp"
+#include "content/ContentPass.hpp"
+
+#include <algorithm>
+
+namespace opc::inspection {
+
+std::uint64_t Report::count(Severity severity) const {
+    return static_cast<std::uint64_t>(
+        std::count_if(findings.begin(), findings.end(),
+                      [severity](const Finding& finding) { return finding.severity == severity; }));
+}
+
+Report inspect(const Archive& archive, const InspectionOptions& options) {
+    Report report;
+    Findings findings(options, report);
+    const Subject subject(archive, options.limits);
+    report.format = subject.format();
+    checkContainer(subject, findings);
+    checkNames(subject, findings);
+    checkContentTypes(subject, findings);
+    checkRelationships(subject, findings);
+    checkProperties(subject, findings);
+    checkSignatures(subject, findings);
+    checkOffice(subject, findings);
+    checkSecurity(subject, findings, options);
+    passOverContent(subject, makeContentObservers(subject, findings));
+    return report;
+}
+
+} // namespace opc::inspection

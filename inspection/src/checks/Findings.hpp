@@ -1,0 +1,32 @@
+#pragma once
+
+#include <opc/inspection/Inspection.hpp>
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace opc::inspection {
+
+/// Collects what the checks find, as far as the options ask for it.
+class Findings {
+public:
+    /// @param options, report  must outlive this object
+    Findings(const InspectionOptions& options, Report& report);
+
+    /// Whether findings of this rule count. A check asks first where looking costs time.
+    bool wants(std::string_view rule) const { return chosen.count(rule) != 0; }
+
+    /// Adds a finding with the severity of the rule, or with a lower one. Drops it if nobody wants it.
+    void add(std::string_view rule, Place place, std::string message, std::string hint = {});
+    void add(std::string_view rule, Severity severity, Place place, std::string message,
+             std::string hint = {});
+
+private:
+    const InspectionOptions& options;
+    Report& report;
+    std::unordered_set<std::string_view> chosen;
+    std::map<std::string_view, std::size_t> counts;
+};
+
+} // namespace opc::inspection

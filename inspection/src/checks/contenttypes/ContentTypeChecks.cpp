@@ -1,0 +1,8 @@
+#include "checks/Checks.hpp"
+
+namespace opc::inspection {
+
+void checkContentTypes(const Subject&, Findings&) {
+}
+
+} // namespace opc::inspection

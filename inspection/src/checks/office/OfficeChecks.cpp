@@ -1,0 +1,8 @@
+#include "checks/Checks.hpp"
+
+namespace opc::inspection {
+
+void checkOffice(const Subject&, Findings&) {
+}
+
+} // namespace opc::inspection
