@@ -4,10 +4,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace opc::inspection {
@@ -22,9 +20,10 @@ struct PartView {
     std::string contentType;               ///< as declared, empty if none covers it
     enum class TypeFrom { Nothing, Override, Default } typeFrom = TypeFrom::Nothing;
     std::uint64_t size = 0;
+    bool hasRelationshipsName = false; ///< `/_rels/x.rels`, in any letter case
 
-    bool isRelationships() const { return !items.empty() && items.front()->kind == ItemKind::Relationships; }
-    std::string_view extension() const; ///< behind the last dot of the last segment, in lower case
+    bool isRelationships() const { return hasRelationshipsName; }
+    std::string_view extension() const; ///< behind the last dot of the last segment, as it stands
     std::string mediaType() const;      ///< the content type without parameters, in lower case
 };
 
@@ -37,17 +36,31 @@ struct ContentTypeEntry {
     std::uint64_t line, column;
 };
 
+/// Something in a document of the package's own that its schema doesn't know.
+struct DocumentFault {
+    enum class Kind { Element, Attribute, XmlAttribute, SchemaInstanceAttribute, Text } kind;
+    std::string
+        name; ///< of the element or the attribute, with its namespace in braces if that isn't the document's
+    std::uint64_t line, column;
+};
+
 /// How far a document of the package's own could be read.
 struct DocumentState {
     const ArchiveItem* item = nullptr; ///< null: there is none
     std::string failure;               ///< why it can't be read to its end; empty if it can
     std::uint64_t failureLine = 0, failureColumn = 0;
+    bool isDamaged =
+        false; ///< the archive doesn't give its bytes: `failure` is about the item, not about XML
+    bool isBeyondLimit = false; ///< it has more elements than are read; `failure` says so
     std::string declaredEncoding;
     std::string rootNamespace, rootName, rootPrefix;
-    bool hasByteOrderMark16 = false, hasDocumentType = false;
+    bool isUTF16 = false, hasDocumentType = false;
     bool usesMarkupCompatibility =
         false; ///< has a name in its namespace; `declaresMarkupCompatibility`: only a prefix
     bool declaresMarkupCompatibility = false;
+    std::vector<DocumentFault> faults; ///< in the order of the document, at most `MOST_FAULTS`
+
+    static constexpr std::size_t MOST_FAULTS = 100;
 };
 
 /// One relationship, also one that breaks rules.
@@ -64,12 +77,11 @@ struct RelationshipView {
 
 /// A relationships part and what stands in it.
 struct RelationshipsView {
-    std::string source;         ///< the name of the source part; "/" for the package
-    const PartView* sourcePart; ///< null for the package, and where the source is gone
-    const PartView* part;       ///< the relationships part
+    std::string source;                   ///< the name of the source part; "/" for the package
+    const PartView* sourcePart = nullptr; ///< null for the package, and where the source is gone
+    const PartView* part = nullptr;       ///< the relationships part
     DocumentState document;
     std::vector<RelationshipView> entries;
-    std::vector<std::string> unknownElements; ///< at most a few: names of children that are no relationships
 };
 
 /// A package as the checks see it: whatever can be made out of its archive, whether or not the model opens it.
@@ -92,7 +104,8 @@ public:
     const RelationshipsView*
     relationshipsOf(std::string_view source) const; ///< "/" for the package; null if there are none
 
-    /// Whether a path of internal relationships leads from the package to the part.
+    /// Whether a path of internal relationships leads from the package to the part. A relationships part is reached with
+    /// its source.
     bool isReached(const PartView& part) const;
 
     /// The format, as `detectFormat` names it: `docx`, `xlsx`, `opc` …
@@ -100,7 +113,7 @@ public:
     /// The part that the main relationship of the format leads to; null if there is none.
     const PartView* mainPart() const;
 
-    /// The content, with its pieces joined. Reading throws `opc::Exception` where it is damaged.
+    /// The content, with its pieces joined, ready to read. Reading throws `opc::Exception` where it is damaged.
     std::unique_ptr<InputStream> open(const PartView& part) const;
 
     /// The first bytes of the content, at most `most`; fewer too where it is damaged.

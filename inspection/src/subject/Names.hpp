@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace opc::inspection {
+
+/// The text in UTF-8; characters that aren't well-formed become U+FFFD.
+std::string narrow(std::u16string_view text);
+
+/// With A to Z as a to z, and nothing else changed.
+std::string toLowerASCII(std::string_view text);
+
+bool equalsCaseless(std::string_view left, std::string_view right);
+
+/// What names of parts are compared by, wherever they stand: two are the same part if they have the same key. Letter case
+/// doesn't count [M1.12], and a character that a part name can't hold is as good as its percent-encoding.
+std::string keyOfName(std::string_view name);
+
+/// Whether a part of this name is a relationships part, in whatever letter case it stands.
+bool isRelationshipsName(std::string_view name);
+
+/// The name of the part that a relationships part belongs to; "/" for the package.
+/// @param name  `isRelationshipsName`
+std::string sourceOfRelationships(std::string_view name);
+
+} // namespace opc::inspection

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "subject/PartTable.hpp"
+#include "subject/Subject.hpp"
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace opc::inspection {
+
+/// All relationships parts of a package, in the order of their items, and where they lead.
+class RelationshipsTable {
+public:
+    RelationshipsTable(const Archive& archive, const PartTable& parts);
+
+    const std::vector<RelationshipsView>& views() const { return all; }
+    const RelationshipsView* find(std::string_view source) const;
+    bool isReached(const PartView& part) const { return reached.count(&part) != 0; }
+
+private:
+    void add(const Archive& archive, const PartTable& parts, const PartView& part);
+    void walk();
+
+    std::vector<RelationshipsView> all;
+    std::unordered_map<std::string, std::size_t> bySource;
+    std::unordered_set<const PartView*> reached;
+    std::uint64_t entries = 0;
+};
+
+} // namespace opc::inspection
