@@ -1,7 +1,7 @@
 #include "PhysicalSupport.hpp"
-#include "RawZip.hpp"
 #include "support/Cases.hpp"
 #include "support/PackageTest.hpp"
+#include "support/RawZip.hpp"
 #include "support/Texts.hpp"
 
 #include <opc/physical/LenientPackage.hpp>

@@ -1,5 +1,5 @@
 #include "PhysicalSupport.hpp"
-#include "RawZip.hpp"
+#include "support/RawZip.hpp"
 
 namespace {
 

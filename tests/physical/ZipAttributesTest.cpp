@@ -1,7 +1,7 @@
 #include "PhysicalSupport.hpp"
-#include "RawZip.hpp"
 #include "SystemCalls.hpp"
 #include "support/Cases.hpp"
+#include "support/RawZip.hpp"
 #include "support/Texts.hpp"
 
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "PhysicalSupport.hpp"
-#include "RawZip.hpp"
 #include "support/Cases.hpp"
+#include "support/RawZip.hpp"
 
 #include <cerrno>
 

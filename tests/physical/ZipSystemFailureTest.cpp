@@ -1,6 +1,6 @@
 #include "PhysicalSupport.hpp"
-#include "RawZip.hpp"
 #include "SystemCalls.hpp"
+#include "support/RawZip.hpp"
 
 namespace {
 

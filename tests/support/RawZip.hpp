@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,28 @@ struct RawItem {
     bool descriptorIsSigned = true;
     std::string comment;
     std::string inFront; ///< bytes in front of the local header that belong to no item
+
+    std::uint16_t versionNeeded = 20;
+    std::uint16_t versionMadeBy = 0x0314;      ///< 2.0 on Unix
+    std::optional<std::uint32_t> packedSize;   ///< if not that of `data`
+    std::optional<std::uint32_t> offset;       ///< in the directory, if not where the local header is
+    std::function<void(RawItem&)> changeLocal; ///< what the local header and the descriptor say otherwise
+    bool listed = true;                        ///< in the directory
+    bool present = true;                       ///< with local header and content
+};
+
+/// An archive, with what can stand outside its items. Offsets count from its first byte.
+struct RawArchive {
+    std::vector<RawItem> items;
+    std::string comment;
+    bool zip64 = false;                          ///< the directory's numbers stand in a ZIP64 record
+    std::string inFront;                         ///< of everything
+    std::string beforeDirectory;                 ///< behind the last item
+    std::string behindDirectory;                 ///< in front of the end records
+    std::string behind;                          ///< the end record and its comment
+    std::optional<std::uint16_t> count;          ///< that the end record says, if not the number of entries
+    std::optional<std::uint32_t> directoryStart; ///< likewise
+    std::uint16_t disk = 0;
 };
 
 RawItem stored(const std::string& name, const std::string& content);
@@ -35,7 +59,7 @@ RawItem stored(const std::string& name, const std::string& content);
 /// compressed anew.
 RawItem oddlyDeflated(const std::string& name, const std::string& content);
 
-/// @param zip64  whether the directory's numbers stand in a ZIP64 record
+Bytes makeArchive(const RawArchive& archive);
 Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment = {}, bool zip64 = false);
 
 /// The items of an archive in the order of its directory, without what stands in ZIP64 fields. Asserts

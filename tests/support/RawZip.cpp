@@ -1,4 +1,4 @@
-#include "RawZip.hpp"
+#include "support/RawZip.hpp"
 
 #include <boost/crc.hpp>
 
@@ -13,6 +13,10 @@ void append(std::string& out, std::uint64_t value, int width) {
         out += static_cast<char>(value >> (8 * i));
 }
 
+std::uint32_t packedSize(const RawItem& item) {
+    return item.packedSize.value_or(static_cast<std::uint32_t>(item.data.size()));
+}
+
 /// The fields that a local header and an entry of the directory share.
 void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) {
     constexpr std::uint32_t NO_ROOM = 0xFFFFFFFF;
@@ -20,7 +24,7 @@ void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) 
     append(out, item.method, 2);
     append(out, item.time, 4);
     append(out, item.crc, 4);
-    append(out, item.zip64 ? NO_ROOM : item.data.size(), 4);
+    append(out, item.zip64 ? NO_ROOM : packedSize(item), 4);
     append(out, item.zip64 ? NO_ROOM : item.size, 4);
     append(out, item.name.size(), 2);
     append(out, extraSize, 2);
@@ -30,7 +34,7 @@ void appendDescriptor(std::string& out, const RawItem& item) {
     if (item.descriptorIsSigned)
         append(out, 0x08074b50, 4);
     append(out, item.crc, 4);
-    append(out, item.data.size(), item.descriptorWidth);
+    append(out, packedSize(item), item.descriptorWidth);
     append(out, item.size, item.descriptorWidth);
 }
 
@@ -41,6 +45,40 @@ std::string zip64Field(const std::vector<std::uint64_t>& numbers) {
     for (const std::uint64_t number : numbers)
         append(field, number, 8);
     return field;
+}
+
+void appendEntry(std::string& directory, const RawItem& item, std::size_t place) {
+    const std::size_t offset = item.offset.value_or(static_cast<std::uint32_t>(place));
+    std::string extra = item.extra;
+    if (item.zip64)
+        extra += zip64Field({item.size, packedSize(item), offset});
+    append(directory, 0x02014b50, 4);
+    append(directory, item.versionMadeBy, 2);
+    append(directory, item.versionNeeded, 2);
+    appendCommon(directory, item, extra.size());
+    append(directory, item.comment.size(), 2);
+    append(directory, 0, 4); // disk, internal attributes
+    append(directory, item.attributes, 4);
+    append(directory, item.zip64 ? 0xFFFFFFFF : offset, 4);
+    directory += item.name + extra + item.comment;
+}
+
+/// Local header, data and descriptor.
+void appendContent(std::string& archive, const RawItem& item) {
+    RawItem local = item;
+    if (item.changeLocal)
+        item.changeLocal(local);
+    RawItem header = local;
+    if (header.zip64)
+        header.localExtra += zip64Field({header.size, packedSize(header)});
+    if (header.streamed)
+        header.packedSize = header.crc = header.size = 0;
+    append(archive, 0x04034b50, 4);
+    append(archive, header.versionNeeded, 2);
+    appendCommon(archive, header, header.localExtra.size());
+    archive += header.name + header.localExtra + item.data;
+    if (local.streamed)
+        appendDescriptor(archive, local);
 }
 
 void appendZip64Records(std::string& out, std::uint64_t count, std::uint64_t size, std::uint64_t offset) {
@@ -113,52 +151,42 @@ RawItem oddlyDeflated(const std::string& name, const std::string& content) {
     return item;
 }
 
-Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment, bool zip64) {
-    std::string archive;
+Bytes makeArchive(const RawArchive& raw) {
+    std::string archive = raw.inFront;
     std::string directory;
-    for (const RawItem& item : items) {
+    std::size_t count = 0;
+    for (const RawItem& item : raw.items) {
         archive += item.inFront;
-        std::string extra = item.extra;
-        std::string localExtra = item.localExtra;
-        if (item.zip64) {
-            extra += zip64Field({item.size, item.data.size(), archive.size()});
-            localExtra += zip64Field({item.size, item.data.size()});
+        if (item.listed) {
+            appendEntry(directory, item, archive.size());
+            ++count;
         }
-        append(directory, 0x02014b50, 4);
-        append(directory, 0x0314, 2); // made by version 2.0 on Unix
-        append(directory, 20, 2);
-        appendCommon(directory, item, extra.size());
-        append(directory, item.comment.size(), 2);
-        append(directory, 0, 4); // disk, internal attributes
-        append(directory, item.attributes, 4);
-        append(directory, item.zip64 ? 0xFFFFFFFF : archive.size(), 4);
-        directory += item.name + extra + item.comment;
-
-        append(archive, 0x04034b50, 4);
-        append(archive, 20, 2);
-        RawItem local = item;
-        if (item.streamed) {
-            local.data.clear();
-            local.crc = local.size = 0;
-        }
-        appendCommon(archive, local, localExtra.size());
-        archive += item.name + localExtra + item.data;
-        if (item.streamed)
-            appendDescriptor(archive, item);
+        if (item.present)
+            appendContent(archive, item);
     }
+    archive += raw.beforeDirectory;
     const std::size_t start = archive.size();
-    archive += directory;
-    if (zip64)
-        appendZip64Records(archive, items.size(), directory.size(), start);
+    archive += directory + raw.behindDirectory;
+    if (raw.zip64)
+        appendZip64Records(archive, count, directory.size(), start);
     append(archive, 0x06054b50, 4);
-    append(archive, 0, 4);
-    append(archive, zip64 ? 0xFFFF : items.size(), 2);
-    append(archive, zip64 ? 0xFFFF : items.size(), 2);
-    append(archive, zip64 ? 0xFFFFFFFF : directory.size(), 4);
-    append(archive, zip64 ? 0xFFFFFFFF : start, 4);
-    append(archive, comment.size(), 2);
-    archive += comment;
+    append(archive, raw.disk, 2);
+    append(archive, raw.disk, 2);
+    append(archive, raw.count.value_or(raw.zip64 ? 0xFFFF : count), 2);
+    append(archive, raw.count.value_or(raw.zip64 ? 0xFFFF : count), 2);
+    append(archive, raw.zip64 ? 0xFFFFFFFF : directory.size(), 4);
+    append(archive, raw.directoryStart.value_or(raw.zip64 ? 0xFFFFFFFF : start), 4);
+    append(archive, raw.comment.size(), 2);
+    archive += raw.comment + raw.behind;
     return {archive.begin(), archive.end()};
+}
+
+Bytes makeZip(const std::vector<RawItem>& items, const std::string& comment, bool zip64) {
+    RawArchive archive;
+    archive.items = items;
+    archive.comment = comment;
+    archive.zip64 = zip64;
+    return makeArchive(archive);
 }
 
 std::vector<RawItem> readZip(const Bytes& archive) {
