@@ -2,6 +2,8 @@
 
 #include "ByteSource.hpp"
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <cstdint>
 #include <memory_resource>
 #include <string>
@@ -60,7 +62,7 @@ struct ArchiveDirectory {
 std::string whyUnreadable(const DirectoryEntry& entry);
 
 /// Whether an item expands more than the limits let it.
-bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options);
+OPC_ZIP_EXPORT bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options);
 
 /// Notes what extra fields of an item say beside numbers: other names, and data of unknown kinds. Raises if they
 /// alone say that it is encrypted.

@@ -4,6 +4,8 @@
 #include "Inflater.hpp"
 #include "WholeInflater.hpp"
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <memory>
 #include <set>
 #include <string>
@@ -13,13 +15,21 @@
 namespace opc::physical::zip {
 
 /// An archive open to read.
-class ArchiveReader {
+class OPC_ZIP_EXPORT ArchiveReader {
 public:
     /// The most that is taken into memory to expand an item as a whole: of the item, and of its content.
     static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
 
     /// Reads the directory, and checks all local headers against it.
     ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& options);
+
+    /// Reads items whose places are known already: their local headers aren't compared with the entries again.
+    /// @param entries  with the end of each item
+    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
+                  std::vector<DirectoryEntry> entries);
+
+    ArchiveReader(const ArchiveReader&) = delete;
+    ArchiveReader& operator=(const ArchiveReader&) = delete;
 
     ItemIndex itemCount() const { return static_cast<ItemIndex>(directory.entries.size()); }
     const DirectoryEntry& item(ItemIndex index) const { return directory.entries[index]; }
@@ -86,7 +96,8 @@ public:
 private:
     std::shared_ptr<ByteSource> source;
     std::string where;
-    bool lenient;
+    bool lenient = false;
+    bool comparesHeaders = true;
     ArchiveDirectory directory;
     std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;

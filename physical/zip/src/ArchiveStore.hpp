@@ -12,7 +12,7 @@
 namespace opc::physical::zip {
 
 /// Where an archive lies: what is read there, and how a new one takes its place.
-class ArchiveStore {
+class OPC_ZIP_EXPORT ArchiveStore {
 public:
     virtual ~ArchiveStore() = default;
 
@@ -37,7 +37,7 @@ public:
 /// The system's folder for temporary files.
 std::filesystem::path systemTemporaryFolder();
 
-class FileStore : public ArchiveStore {
+class OPC_ZIP_EXPORT FileStore : public ArchiveStore {
 public:
     explicit FileStore(std::filesystem::path file);
 

@@ -11,7 +11,7 @@
 namespace opc::physical::zip {
 
 /// Bytes that can be read at any place.
-class ByteSource {
+class OPC_ZIP_EXPORT ByteSource {
 public:
     virtual ~ByteSource() = default;
 
@@ -60,7 +60,7 @@ private:
     std::uint64_t lastEnd = 0; ///< of the last read
 };
 
-class MemoryBytes : public ByteSource {
+class OPC_ZIP_EXPORT MemoryBytes : public ByteSource {
 public:
     /// @param whenRead  of the file that they have been read from, if any
     MemoryBytes(std::shared_ptr<const unsigned char> bytes, std::size_t length,

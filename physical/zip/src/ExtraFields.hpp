@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -14,7 +16,7 @@ struct ExtraField {
 };
 
 /// Walks over the extra fields of a record.
-class ExtraFieldWalk {
+class OPC_ZIP_EXPORT ExtraFieldWalk {
 public:
     ExtraFieldWalk(const unsigned char* extra, std::size_t size) : rest(extra), left(size) {}
 
@@ -35,15 +37,15 @@ constexpr std::uint16_t UNICODE_PATH_FIELD = 0x7075;
 
 /// The name in a Unicode Path field, by which many programs call the item. Whether the checksum in front of it is
 /// that of the item's name, as not all programs demand, isn't looked at.
-std::string_view unicodePath(const ExtraField& field);
+OPC_ZIP_EXPORT std::string_view unicodePath(const ExtraField& field);
 
 /// Whether extra fields hold anything but what is known to stand there: numbers of ZIP64, times, owners,
 /// a Unicode Path, and room for growth (ECMA-376 Part 2) that is filled with zeros.
-bool holdsUnknownData(const unsigned char* extra, std::size_t size);
+OPC_ZIP_EXPORT bool holdsUnknownData(const unsigned char* extra, std::size_t size);
 
 /// The numbers of a ZIP64 field: sizes and an offset that have no room in their record. They stand in it
 /// one behind the other, without those that had room.
-class Zip64Field {
+class OPC_ZIP_EXPORT Zip64Field {
 public:
     /// @param extra  the extra fields of a record; what isn't well-formed in them is passed over
     Zip64Field(const unsigned char* extra, std::size_t size);

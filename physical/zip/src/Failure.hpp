@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -9,15 +11,15 @@
 namespace opc::physical::zip {
 
 /// Raises `opc::Exception` with `code`, a value of the generic category.
-[[noreturn]] void fail(const std::string& place, const std::string& what, int code);
+[[noreturn]] OPC_ZIP_EXPORT void fail(const std::string& place, const std::string& what, int code);
 
 /// The same for a system call that has failed with the error number `code`, which is put in words.
-[[noreturn]] void failSystem(const std::string& place, const std::string& what, int code);
+[[noreturn]] OPC_ZIP_EXPORT void failSystem(const std::string& place, const std::string& what, int code);
 
 /// @return a name from an archive for messages: control characters in it become question marks
-std::string printable(std::string_view name);
+OPC_ZIP_EXPORT std::string printable(std::string_view name);
 
 /// @param item  a name from an archive
-std::string itemPlace(const std::string& archive, std::string_view item);
+OPC_ZIP_EXPORT std::string itemPlace(const std::string& archive, std::string_view item);
 
 } // namespace opc::physical::zip

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -7,7 +9,7 @@
 namespace opc::physical::zip {
 
 /// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing.
-class FileDescriptor {
+class OPC_ZIP_EXPORT FileDescriptor {
 public:
     explicit FileDescriptor(int fd = -1) noexcept : fd(fd) {}
     FileDescriptor(FileDescriptor&& other) noexcept : fd(std::exchange(other.fd, -1)) {}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,11 +32,11 @@ struct ItemName {
 
 /// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part
 /// names, widened to names that real programs write: see `ZipPackage`).
-ItemName readItemName(std::string_view item);
+OPC_ZIP_EXPORT ItemName readItemName(std::string_view item);
 
 /// Whether `readItemName` and `isPlainPartName` leave nothing to do: the item is a part that has the item's name as it
 /// stands. Nearly all items are, and one look at the name tells so.
-bool isUsualItemName(std::string_view item);
+OPC_ZIP_EXPORT bool isUsualItemName(std::string_view item);
 
 /// @return an item name, in UTF-8, with everything percent-encoded that a part name can't hold
 std::string encodeItemName(std::string_view item);

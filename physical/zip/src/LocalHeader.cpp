@@ -43,6 +43,10 @@ bool isDescriptor(const DirectoryEntry& entry, const unsigned char* numbers, uns
            readNumber(numbers + 4 + width, width) == entry.size;
 }
 
+bool isSigned(const unsigned char* descriptor, std::size_t count) {
+    return count >= 4 && read32(descriptor) == DESCRIPTOR;
+}
+
 } // namespace
 
 void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, const std::string& archive) {
@@ -56,19 +60,26 @@ void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, 
         failItem(entry, archive, "its local header differs from the directory");
 }
 
+std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry, const unsigned char* behind,
+                                           std::size_t count) {
+    for (const unsigned width : {8U, 4U}) {
+        for (const std::size_t start : {std::size_t{4}, std::size_t{0}}) {
+            const std::size_t size = start + 4 + 2 * std::size_t{width};
+            if (size <= count && (start == 0 || isSigned(behind, count)) &&
+                isDescriptor(entry, behind + start, width))
+                return size;
+        }
+    }
+    return std::nullopt;
+}
+
 std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* header,
                            const unsigned char* behind, std::size_t count, const std::string& archive) {
     if (!isWrittenEarly(header))
         return 0;
-    const bool isSigned = count >= 4 && read32(behind) == DESCRIPTOR;
-    for (const unsigned width : {8U, 4U}) {
-        for (const std::size_t start : {std::size_t{4}, std::size_t{0}}) {
-            const std::size_t size = start + 4 + 2 * std::size_t{width};
-            if (size <= count && (start == 0 || isSigned) && isDescriptor(entry, behind + start, width))
-                return size;
-        }
-    }
-    if (isSigned || !hasNumbersOf(entry, header, false))
+    if (const auto size = matchDescriptor(entry, behind, count))
+        return *size;
+    if (isSigned(behind, count) || !hasNumbersOf(entry, header, false))
         failItem(entry, archive, "its data descriptor differs from the directory");
     return 0;
 }

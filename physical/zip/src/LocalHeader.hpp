@@ -2,6 +2,9 @@
 
 #include "ArchiveDirectory.hpp"
 
+#include <opc/physical/ZipExport.hpp>
+
+#include <optional>
 #include <string>
 
 namespace opc::physical::zip {
@@ -20,6 +23,10 @@ void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, 
 std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* header,
                            const unsigned char* behind, std::size_t count, const std::string& archive);
 constexpr std::size_t LONGEST_DESCRIPTOR = 24;
+
+/// The size of the data descriptor that stands at `behind` and says what the directory says; nothing if none does.
+OPC_ZIP_EXPORT std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry,
+                                                          const unsigned char* behind, std::size_t count);
 
 /// Raises for an item that can't be read.
 [[noreturn]] void failItem(const DirectoryEntry& entry, const std::string& archive, const std::string& what);

@@ -22,7 +22,7 @@ struct ItemRange {
 };
 
 /// Reads a content once, from its first byte to its last.
-class ZipContentReader {
+class OPC_ZIP_EXPORT ZipContentReader {
 public:
     virtual ~ZipContentReader() = default;
     virtual std::uint64_t read(unsigned char* buffer, std::uint64_t count) = 0;
@@ -34,7 +34,7 @@ public:
 
 /// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater, or a small
 /// content as a whole, only while it stands within an item.
-class ItemReader : public ZipContentReader {
+class OPC_ZIP_EXPORT ItemReader : public ZipContentReader {
 public:
     /// @param items  must outlive the reader
     ItemReader(ArchiveReader& archive, ItemRange items);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::inspection {
@@ -35,7 +36,7 @@ enum class ItemKind {
     ContentTypes,  ///< `[Content_Types].xml`
     Piece,         ///< of an interleaved part or content types stream
     Folder,
-    Ignored, ///< can't be a part: its name breaks the rules, `[trash]/` …
+    Ignored, ///< can't be a part: its name breaks the rules, `[trash]/`, a piece of an incomplete sequence …
     Hidden   ///< has a local header, but isn't in the directory
 };
 
@@ -55,9 +56,12 @@ struct ArchiveItem {
     std::uint64_t descriptorCompressedSize = 0, descriptorSize = 0;
     std::uint16_t versionMadeBy = 0;
     std::uint32_t externalAttributes = 0;
-    std::string comment; ///< its bytes
+    std::string comment;       ///< its bytes
+    bool hasPieceName = false; ///< `[0].piece`: also where the sequence is incomplete
     std::uint64_t pieceNumber = 0;
     bool isLastPiece = false;
+    std::string
+        unreadable; ///< why its content can't be read, as far as the records tell; `faults()` has it too
 };
 
 /// Bytes of the archive that belong to no item and no record.
@@ -65,6 +69,14 @@ struct ArchiveGap {
     std::uint64_t offset;
     std::uint64_t size;
     enum Where { BeforeItems, BetweenItems, BeforeDirectory, BehindDirectory, BehindEnd } where;
+};
+
+/// Something wrong with the records of an archive.
+struct ArchiveFault {
+    std::string_view rule; ///< the id of the rule that it breaks
+    std::string item;      ///< the name of the item that it concerns; empty if it concerns the archive
+    std::optional<std::uint64_t> offset;
+    std::string message;
 };
 
 /// A ZIP archive as it lies, readable also where it breaks the standard: reading goes on after each fault, within limits.
@@ -88,16 +100,23 @@ public:
     const std::vector<ArchiveItem>& items() const;
     const std::vector<ArchiveGap>& gaps() const;
 
+    /// What is wrong with the records, and what is beyond the limits. Gaps and hidden items aren't in it.
+    const std::vector<ArchiveFault>& faults() const;
+
     bool isZip() const; ///< whether there is a directory that can be read at all
     std::string comment() const;
 
     /// The content of an item. The reading throws `opc::Exception` where the compressed data is damaged, or the size or the
     /// checksum isn't that of the directory, as a `ZipPackage` does.
     /// @param item  one of `items()`
+    /// @return a stream that is ready to read; it must not outlive the archive
+    /// @throws opc::Exception  the item can't be read at all: see `unreadable`
     std::unique_ptr<InputStream> open(const ArchiveItem& item) const;
 
+    /// The same for the pieces of an interleaved part, as one content.
+    std::unique_ptr<InputStream> open(const std::vector<const ArchiveItem*>& pieces) const;
+
 private:
-    friend class ArchiveChecks;
     class Impl;
     std::unique_ptr<Impl> impl;
 };
