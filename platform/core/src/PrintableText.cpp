@@ -1,12 +1,11 @@
-#include "TerminalText.hpp"
-
+#include <opc/core/PrintableText.hpp>
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
-namespace opctool {
+namespace opc {
 
 namespace {
 
@@ -36,7 +35,9 @@ bool isUnprintable(char32_t character) {
 /// @param escape  gives what stands for such a character, which it gets in UTF-16
 template <typename Escape>
 std::string replaceUnprintable(const std::string& text, const Escape& escape) {
-    const std::u16string units = opc::toString(text, true);
+    if (std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; }))
+        return text;
+    const std::u16string units = toString(text, true);
     std::u16string kept;
     for (std::size_t i = 0; i < units.size();) {
         const bool isPair = (units[i] & 0xFC00U) == 0xD800U && i + 1 < units.size();
@@ -46,7 +47,7 @@ std::string replaceUnprintable(const std::string& text, const Escape& escape) {
         kept += isUnprintable(character) ? escape(own) : own;
         i += own.size();
     }
-    return opc::toUDEString(kept);
+    return toUDEString(kept);
 }
 
 } // namespace
@@ -68,11 +69,11 @@ std::string escapedJSON(const std::string& document) {
         for (const char16_t unit : own) {
             std::array<char, 7> text{};
             std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(unit));
-            escaped += opc::toString(text.data(), true);
+            escaped += toString(text.data(), true);
         }
         return escaped;
     };
     return replaceUnprintable(document, escape);
 }
 
-} // namespace opctool
+} // namespace opc
