@@ -1,6 +1,7 @@
 #include <opc/inspection/Inspection.hpp>
 
 #include "checks/Checks.hpp"
+#include "checks/Targets.hpp"
 #include "content/ContentPass.hpp"
 
 #include <algorithm>
@@ -27,6 +28,7 @@ Report inspect(const Archive& archive, const InspectionOptions& options) {
     checkOffice(subject, findings);
     checkSecurity(subject, findings, options);
     passOverContent(subject, makeContentObservers(subject, findings));
+    nameTargets(subject, report);
     return report;
 }
 
