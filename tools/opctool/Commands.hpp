@@ -20,6 +20,8 @@ void addKeyCommand(CLI::App& app);       ///< keygen
 void addSignCommands(CLI::App& app);     ///< sign, countersign, unsign
 void addVerifyCommand(CLI::App& app);    ///< verify
 void addCoverageCommand(CLI::App& app);  ///< coverage
+void addCheckCommand(CLI::App& app);     ///< check
+void addExplainCommand(CLI::App& app);   ///< explain
 
 /// @}
 

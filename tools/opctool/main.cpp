@@ -95,6 +95,8 @@ int main(int argc, char** argv) {
     opctool::addSignCommands(app);
     opctool::addVerifyCommand(app);
     opctool::addCoverageCommand(app);
+    opctool::addCheckCommand(app);
+    opctool::addExplainCommand(app);
     try {
         return run(app, argc, argv);
     } catch (const CLI::ParseError& e) {
