@@ -32,7 +32,7 @@ public:
     void clear();
 
     /// What the stream takes of the limits of the package.
-    void keepShare(DocumentShare ofStream) const { share = std::move(ofStream); }
+    void keepShare(DocumentShare value) const { share = std::move(value); }
 
     /// How many elements of the stream aren't among these entries.
     std::size_t countUnread() const noexcept { return unread; }

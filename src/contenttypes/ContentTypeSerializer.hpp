@@ -20,10 +20,10 @@ struct ScannedContentTypes;
 /// scanned, and Xerces not woken for it; any other goes to a validating parser.
 class ContentTypeSerializer {
 public:
-    /// @param ofPackage  what the documents of the package may take, together
+    /// @param budget  what the documents of the package may take, together
     explicit ContentTypeSerializer(
-        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>())
-        : budget(std::move(ofPackage)) {}
+        std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>())
+        : budget(std::move(budget)) {}
 
     /// Replaces what `map` holds. Of entries with the same key the first counts.
     /// @throws InvalidPartContent  the document isn't valid

@@ -50,9 +50,9 @@ bool givesRelationshipsAnotherType(const ContentTypeMap& map) {
 
 } // namespace
 
-ContentTypeSource::ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly,
+ContentTypeSource::ContentTypeSource(interfaces::IPhysicalPackage& physicalPackage, bool createOnly,
                                      std::shared_ptr<DocumentBudget> budget)
-    : physicalPackage(&package), hasStream(package.usesContentTypeStream()) {
+    : physicalPackage(&physicalPackage), hasStream(physicalPackage.usesContentTypeStream()) {
     if (!hasStream)
         return;
     contentTypes = std::make_unique<ContentTypeMap>();

@@ -26,11 +26,11 @@ class ContentTypeSerializer;
 /// `Package::close`.
 class ContentTypeSource {
 public:
-    /// @param package     not owned
-    /// @param createOnly  whether the package is new, so that there is nothing to read
-    /// @param budget      what the documents of the package may take, together
+    /// @param physicalPackage  not owned
+    /// @param createOnly       whether the package is new, so that there is nothing to read
+    /// @param budget           what the documents of the package may take, together
     /// @throws InvalidContentTypeStream, InvalidContentType, InvalidURI
-    ContentTypeSource(interfaces::IPhysicalPackage& package, bool createOnly,
+    ContentTypeSource(interfaces::IPhysicalPackage& physicalPackage, bool createOnly,
                       std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     ContentTypeSource(const ContentTypeSource&) = delete;
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;

@@ -4,8 +4,8 @@
 
 namespace opc::model {
 
-DataManager::DataManager(Package& managed, bool loadsOnOpen) : package(&managed), loadOnOpen(loadsOnOpen) {
-    package->state().addDataManager(this);
+DataManager::DataManager(Package& package, bool loadOnOpen) : package(&package), loadOnOpen(loadOnOpen) {
+    package.state().addDataManager(this);
 }
 
 DataManager::~DataManager() {

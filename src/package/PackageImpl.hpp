@@ -27,7 +27,7 @@ namespace opc::model {
 struct Package::Impl : RelationshipSource::Impl {
     using PartMap = std::map<PartName, Part, std::less<>>; // compares with texts too
 
-    Impl(Package& owner, interfaces::IPhysicalPackage& physical, const XmlLimits& limits);
+    Impl(Package& package, interfaces::IPhysicalPackage& physicalPackage, const XmlLimits& xmlLimits);
 
     /// Reads content types, parts and relationships from the open store.
     /// @throws as `Package::open`

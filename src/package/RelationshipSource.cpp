@@ -30,7 +30,7 @@ RelationshipSource::RelationshipSource(const URI& sourceURI)
     : RelationshipSource(std::make_shared<Impl>(sourceURI)) {
 }
 
-RelationshipSource::RelationshipSource(std::shared_ptr<Impl> state) : impl(std::move(state)) {
+RelationshipSource::RelationshipSource(std::shared_ptr<Impl> impl) : impl(std::move(impl)) {
 }
 
 RelationshipSource::~RelationshipSource() = default;

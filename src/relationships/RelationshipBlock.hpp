@@ -47,8 +47,8 @@ class RelationshipGroup {
 public:
     using Values = Relationship::Values;
 
-    RelationshipGroup(const URI& source, std::size_t count, std::pmr::memory_resource* memory)
-        : sourceURI(source), entries(memory) {
+    RelationshipGroup(const URI& sourceURI, std::size_t count, std::pmr::memory_resource* memory)
+        : sourceURI(sourceURI), entries(memory) {
         entries.reserve(count);
     }
     RelationshipGroup(const RelationshipGroup&) = delete;
@@ -84,9 +84,9 @@ public:
                textLength * sizeof(char16_t) + 2 * sizeof(void*); // the link to it, and what aligns it
     }
 
-    /// @param shared  where the types lie, if they aren't kept here
-    RelationshipBlock(std::size_t room, std::shared_ptr<const RelationshipTypes> shared)
-        : types(std::move(shared)), left(room), memory(room) {}
+    /// @param types  where the types lie, if they aren't kept here
+    RelationshipBlock(std::size_t room, std::shared_ptr<const RelationshipTypes> types)
+        : types(std::move(types)), left(room), memory(room) {}
     RelationshipBlock(const RelationshipBlock&) = delete;
     RelationshipBlock& operator=(const RelationshipBlock&) = delete;
 

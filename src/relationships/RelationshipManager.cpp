@@ -17,7 +17,7 @@ namespace {
 
 /// The values of one relationship, with their texts.
 struct Alone {
-    explicit Alone(const URI& source) : sourceURI(source) {}
+    explicit Alone(const URI& sourceURI) : sourceURI(sourceURI) {}
 
     const URI sourceURI;
     std::u16string texts;

@@ -30,7 +30,7 @@ class RelationshipSerializer;
 /// They stay together as they were read, which takes little room, until the first change.
 class RelationshipManager {
 public:
-    explicit RelationshipManager(const URI& source) : sourceURI(source) {}
+    explicit RelationshipManager(const URI& sourceURI) : sourceURI(sourceURI) {}
 
     const URI& getSourceURI() const noexcept { return sourceURI; }
     bool isEmpty() const noexcept { return size() == 0; }
@@ -47,7 +47,7 @@ public:
     void setUnread(std::size_t count) noexcept { unread = count; }
 
     /// What the relationships part takes of the limits of the package.
-    void keepShare(DocumentShare ofPart) const { share = std::move(ofPart); }
+    void keepShare(DocumentShare value) const { share = std::move(value); }
 
     /// Whether there are changes that the relationships part doesn't hold. True at first.
     bool isDirty() const noexcept { return dirty; }

@@ -7,15 +7,15 @@
 
 namespace opc::model {
 
-RelationshipSelector::RelationshipSelector(const URI& source, RelationshipSelectorType type,
-                                           std::u16string criteria)
-    : sourceURI(source), selectorType(type), selectionCriteria(std::move(criteria)) {
+RelationshipSelector::RelationshipSelector(const URI& sourceURI, RelationshipSelectorType selectorType,
+                                           std::u16string selectionCriteria)
+    : sourceURI(sourceURI), selectorType(selectorType), selectionCriteria(std::move(selectionCriteria)) {
     try {
         const PartName name(sourceURI);
     } catch (const InvalidPartName& e) {
         throw InvalidURI(std::string("Input sourceURI is incorrect:") + e.what());
     }
-    if (selectionCriteria.empty())
+    if (this->selectionCriteria.empty())
         throw Exception("SelectionCriteria cannot be empty.");
 }
 

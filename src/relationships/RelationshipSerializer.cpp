@@ -61,9 +61,9 @@ IdleParsers& relationshipsParsers() {
 /// What the parser finds in a document, until that is known to be valid.
 class ParsedRelationships {
 public:
-    /// @param block  takes the texts
-    ParsedRelationships(RelationshipBlock& block, RelationshipTypes& shared, const URI& source)
-        : memory(block), types(shared), sourceURI(source) {}
+    /// @param memory  takes the texts
+    ParsedRelationships(RelationshipBlock& memory, RelationshipTypes& types, const URI& sourceURI)
+        : memory(memory), types(types), sourceURI(sourceURI) {}
 
     void add(const VisitedElement& element) {
         if (element.isRoot())
@@ -121,8 +121,8 @@ struct RelationshipSerializer::Xml {
     std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // made when a part needs it
 };
 
-RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> ofPackage)
-    : budget(std::move(ofPackage)), types(std::make_shared<RelationshipTypes>()) {
+RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> budget)
+    : budget(std::move(budget)), types(std::make_shared<RelationshipTypes>()) {
 }
 RelationshipSerializer::~RelationshipSerializer() = default;
 

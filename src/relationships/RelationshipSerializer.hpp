@@ -23,9 +23,9 @@ class RelationshipManager;
 /// application creates.
 class RelationshipSerializer {
 public:
-    /// @param ofPackage  what the documents of the package may take, together
+    /// @param budget  what the documents of the package may take, together
     explicit RelationshipSerializer(
-        std::shared_ptr<DocumentBudget> ofPackage = std::make_shared<DocumentBudget>());
+        std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     RelationshipSerializer(const RelationshipSerializer&) = delete;
     RelationshipSerializer& operator=(const RelationshipSerializer&) = delete;
     ~RelationshipSerializer();

@@ -5,8 +5,9 @@
 
 namespace opc::model {
 
-PhysicalInputStream::PhysicalInputStream(interfaces::IPhysicalInputStream* stream) : physicalStream(stream) {
-    if (stream == nullptr)
+PhysicalInputStream::PhysicalInputStream(interfaces::IPhysicalInputStream* physicalStream)
+    : physicalStream(physicalStream) {
+    if (physicalStream == nullptr)
         throw InvalidPartStream("The physical layer gives no stream");
 }
 

@@ -7,9 +7,9 @@
 
 namespace opc::model {
 
-PhysicalOutputStream::PhysicalOutputStream(interfaces::IPhysicalOutputStream* stream)
-    : physicalStream(stream) {
-    if (stream == nullptr)
+PhysicalOutputStream::PhysicalOutputStream(interfaces::IPhysicalOutputStream* physicalStream)
+    : physicalStream(physicalStream) {
+    if (physicalStream == nullptr)
         throw InvalidPartStream("The physical layer gives no stream");
 }
 

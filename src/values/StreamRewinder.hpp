@@ -8,7 +8,7 @@ namespace opc::model {
 /// Opening it anew is also what shows it what has been written to the part meanwhile.
 class StreamRewinder {
 public:
-    explicit StreamRewinder(InputStream& partStream) : stream(partStream) { rewind(); }
+    explicit StreamRewinder(InputStream& stream) : stream(stream) { rewind(); }
     StreamRewinder(const StreamRewinder&) = delete;
     StreamRewinder& operator=(const StreamRewinder&) = delete;
     ~StreamRewinder() {

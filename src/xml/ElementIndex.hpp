@@ -50,8 +50,7 @@ private:
 /// An element of an index. Its look-ups give what those of `XercesHelper` give: all descendants count.
 class IndexedElement {
 public:
-    IndexedElement(const ElementIndex& elements, std::size_t position)
-        : index(&elements), position(position) {}
+    IndexedElement(const ElementIndex& index, std::size_t position) : index(&index), position(position) {}
 
     const xercesc::DOMElement* element() const { return entry().element; }
     operator const xercesc::DOMElement*() const { return element(); }

@@ -142,8 +142,8 @@ public:
 /// A signature is malformed or can't be verified. `getErrorCode` says why.
 class OPC_MODEL_EXPORT InvalidSignature : public Exception {
 public:
-    InvalidSignature(const std::string& message, const bedrock::codesigning_verifier::ErrorCode& error)
-        : Exception(message), errorCode(error) {}
+    InvalidSignature(const std::string& message, const bedrock::codesigning_verifier::ErrorCode& errorCode)
+        : Exception(message), errorCode(errorCode) {}
     ~InvalidSignature() override;
 
     bedrock::codesigning_verifier::ErrorCode getErrorCode() const { return errorCode; }

@@ -16,8 +16,8 @@ namespace opc::model {
 /// `InvalidPartStream` after the content of the part was deleted. Use them in the thread of the package.
 class OPC_MODEL_EXPORT PhysicalInputStream : public InputStream {
 public:
-    /// @throws InvalidPartStream  `stream` is null
-    explicit PhysicalInputStream(interfaces::IPhysicalInputStream* stream);
+    /// @throws InvalidPartStream  `physicalStream` is null
+    explicit PhysicalInputStream(interfaces::IPhysicalInputStream* physicalStream);
 
     void open() override;
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override;

@@ -16,8 +16,8 @@ namespace opc::model {
 /// `InvalidPartStream` after the content of the part was deleted. Use them in the thread of the package.
 class OPC_MODEL_EXPORT PhysicalOutputStream : public OutputStream {
 public:
-    /// @throws InvalidPartStream  `stream` is null
-    explicit PhysicalOutputStream(interfaces::IPhysicalOutputStream* stream);
+    /// @throws InvalidPartStream  `physicalStream` is null
+    explicit PhysicalOutputStream(interfaces::IPhysicalOutputStream* physicalStream);
 
     /// @throws opc::Exception  with the code 5 (input/output error): the stream of the store has written another number
     ///                         of bytes and hasn't thrown

@@ -66,7 +66,7 @@ private:
         TargetMode targetMode;
     };
 
-    explicit Relationship(std::shared_ptr<const Values> shared) : values(std::move(shared)) {}
+    explicit Relationship(std::shared_ptr<const Values> values) : values(std::move(values)) {}
 
     /// Whether it comes from the same relationship of the same source, in the same state.
     bool isCopyOf(const Relationship& other) const { return values == other.values; }

@@ -17,12 +17,13 @@ enum class RelationshipSelectorType : std::uint32_t {
 /// Selects relationships of one source for a digital signature: the one with an ID, or all with a type. A value type.
 class OPC_MODEL_EXPORT RelationshipSelector {
 public:
-    /// @param source    a part name, or "/" for the package
-    /// @param type      whether `criteria` is an ID or a type
-    /// @param criteria  the ID or the type; letter case matters
+    /// @param sourceURI          a part name, or "/" for the package
+    /// @param selectorType       whether `selectionCriteria` is an ID or a type
+    /// @param selectionCriteria  the ID or the type; letter case matters
     /// @throws InvalidURI      the source isn't a part name
     /// @throws opc::Exception  the criteria are empty
-    RelationshipSelector(const URI& source, RelationshipSelectorType type, std::u16string criteria);
+    RelationshipSelector(const URI& sourceURI, RelationshipSelectorType selectorType,
+                         std::u16string selectionCriteria);
 
     URI getSourceURI() const { return sourceURI; }
     RelationshipSelectorType getSelectorType() const { return selectorType; }

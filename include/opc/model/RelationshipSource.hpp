@@ -106,7 +106,7 @@ protected:
 
     explicit RelationshipSource(const URI& sourceURI);
     /// @param state  the shared state; a derived class can pass an extended one
-    explicit RelationshipSource(std::shared_ptr<Impl> state);
+    explicit RelationshipSource(std::shared_ptr<Impl> impl);
     RelationshipSource(const RelationshipSource&) = default;
     RelationshipSource& operator=(const RelationshipSource&) = default;
     virtual ~RelationshipSource();

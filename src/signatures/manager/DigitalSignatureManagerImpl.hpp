@@ -28,7 +28,7 @@ void throwIfNoVerificationKey(const std::vector<unsigned char>& publicKey);
 /// What the manager holds, and the operations behind those of its interface. The operations of a concern stand in the
 /// file of that concern.
 struct DigitalSignatureManager::Impl {
-    explicit Impl(Package& managed) : package(managed) {}
+    explicit Impl(Package& package) : package(package) {}
 
     void throwIfNotOpen() const;
     void throwIfNotOpenForModify() const;

@@ -64,9 +64,9 @@ void throwIfNoSignature(const Part& part) {
 /// One reading of all signatures.
 class Loading {
 public:
-    Loading(const Package& source, const std::shared_ptr<DocumentBudget>& limits,
-            DigitalSignatureSerializer& reader)
-        : package(source), budget(limits), serializer(reader) {}
+    Loading(const Package& package, const std::shared_ptr<DocumentBudget>& budget,
+            DigitalSignatureSerializer& serializer)
+        : package(package), budget(budget), serializer(serializer) {}
 
     SignatureList load() {
         try {

@@ -70,9 +70,8 @@ bool isOfObject(const Reference* reference) {
 
 } // namespace
 
-SignatureJudge::SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t workOfAll)
-    : package(package), policy(policy), work(workOfAll), digesters(package),
-      selectable(findOriginURI(package)) {
+SignatureJudge::SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t work)
+    : package(package), policy(policy), work(work), digesters(package), selectable(findOriginURI(package)) {
 }
 
 JudgedSignature SignatureJudge::judge(const DigitalSignature& signature) {

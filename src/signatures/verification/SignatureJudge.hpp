@@ -16,9 +16,9 @@ class Package;
 /// all of them.
 class SignatureJudge {
 public:
-    /// @param package    must outlive this object, as the policy must, and not change until then
-    /// @param workOfAll  what `measureWork` gives for all signatures of the package
-    SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t workOfAll);
+    /// @param package  must outlive this object, as the policy must, and not change until then
+    /// @param work     what `measureWork` gives for all signatures of the package
+    SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t work);
 
     /// If the signature can't be checked, the answer says why.
     JudgedSignature judge(const DigitalSignature& signature);

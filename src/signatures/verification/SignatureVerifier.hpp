@@ -20,10 +20,9 @@ public:
     /// The first half of a verification: whether the signature value holds.
     using ValueCheck = std::function<DigitalSignatureVerificationStatus(const DigitalSignatureData&)>;
 
-    /// @param verifiedPackage  must outlive this object and not change until then
-    /// @param workOfAll        what `measureWork` gives for all signatures of the package
-    SignatureVerifier(const Package& verifiedPackage, std::uint64_t workOfAll)
-        : digesters(verifiedPackage), work(workOfAll) {}
+    /// @param package  must outlive this object and not change until then
+    /// @param work     what `measureWork` gives for all signatures of the package
+    SignatureVerifier(const Package& package, std::uint64_t work) : digesters(package), work(work) {}
 
     /// @throws InvalidSignature  with code 102 and its reason, if there is too much work; with the code alone, if the
     ///                           signature can't be checked
