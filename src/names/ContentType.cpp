@@ -6,6 +6,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -30,7 +31,30 @@ bool hasSeparator(const std::u16string& text) {
     return std::any_of(text.begin(), text.end(), isSeparator);
 }
 
+struct CaselessLess {
+    bool operator()(const std::u16string& left, const std::u16string& right) const {
+        return caselessCompare(left, right) < 0;
+    }
+};
+
 } // namespace
+
+struct ContentType::Body {
+    std::u16string text; // the canonical one
+    std::map<std::u16string, std::u16string, CaselessLess> parameters;
+
+    /// Writes the parameters into the text anew.
+    void renewParameters() {
+        text.resize(std::min(text.find(u';'), text.size()));
+        for (const auto& [attribute, value] : parameters) {
+            text.append(u";").append(attribute).append(u"=");
+            if (hasSeparator(value))
+                text.append(u"\"").append(value).append(u"\"");
+            else
+                text.append(value);
+        }
+    }
+};
 
 ContentType::ContentType(const std::u16string& contentType) {
     init(contentType);
@@ -48,24 +72,8 @@ void ContentType::init(const std::u16string& contentType) {
     made->text = parsed.name;
     for (auto& [attribute, value] : parsed.parameters)
         made->parameters[std::move(attribute)] = std::move(value);
-    appendParameters(*made);
+    made->renewParameters();
     body = made;
-}
-
-void ContentType::resetStringFromParts(Body& body) {
-    body.text.resize(std::min(body.text.find(u';'), body.text.size()));
-    appendParameters(body);
-}
-
-void ContentType::appendParameters(Body& body) {
-    std::u16string& canonical = body.text;
-    for (const auto& [attribute, value] : body.parameters) {
-        canonical.append(u";").append(attribute).append(u"=");
-        if (hasSeparator(value))
-            canonical.append(u"\"").append(value).append(u"\"");
-        else
-            canonical.append(value);
-    }
 }
 
 std::u16string ContentType::toString() const {
@@ -101,7 +109,7 @@ void ContentType::addParameter(const std::u16string& attribute, const std::u16st
         throw InvalidContentTypeParameter("Invalid parameter attribute value");
     const auto changed = std::make_shared<Body>(*body);
     changed->parameters[attribute] = value;
-    resetStringFromParts(*changed);
+    changed->renewParameters();
     body = changed;
 }
 
@@ -109,7 +117,7 @@ void ContentType::removeParameter(const std::u16string& attribute) {
     const auto changed = std::make_shared<Body>(*body);
     if (changed->parameters.erase(attribute) == 0)
         throw ContentTypeParameterNotFound("No parameter exists for the given attribute");
-    resetStringFromParts(*changed);
+    changed->renewParameters();
     body = changed;
 }
 
@@ -129,10 +137,6 @@ bool ContentType::operator!=(const ContentType& other) const {
 
 bool ContentType::operator<(const ContentType& other) const {
     return caselessCompare(body->text, other.body->text) < 0;
-}
-
-bool ContentType::CaselessLess::operator()(const std::u16string& left, const std::u16string& right) const {
-    return caselessCompare(left, right) < 0;
 }
 
 } // namespace opc::model

@@ -1,6 +1,7 @@
 #include <opc/model/Package.hpp>
 
 #include "package/PackageImpl.hpp"
+#include "package/PartImpl.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/DataManager.hpp>
@@ -30,9 +31,10 @@ void throwIfTooManyCorePropertiesRelationships(const Package& package, std::size
 
 } // namespace
 
-Package::Impl::Impl(Package& owner, interfaces::IPhysicalPackage& physical, const XmlLimits& limits)
-    : RelationshipSource::Impl(PackageHelper::getPackageRootURI()), package(owner), physicalPackage(physical),
-      xmlLimits(limits) {
+Package::Impl::Impl(Package& package, interfaces::IPhysicalPackage& physicalPackage,
+                    const XmlLimits& xmlLimits)
+    : RelationshipSource::Impl(PackageHelper::getPackageRootURI()), package(package),
+      physicalPackage(physicalPackage), xmlLimits(xmlLimits) {
 }
 
 Package::Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits)
@@ -153,7 +155,7 @@ void Package::Impl::flushParts() {
 
 void Package::Impl::clearParts() {
     for (auto& entry : parts)
-        entry.second.markAsInvalid();
+        entry.second.state().valid = false;
     parts.clear();
 }
 

@@ -1,4 +1,5 @@
 #include "package/PackageImpl.hpp"
+#include "package/PartImpl.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -76,7 +77,7 @@ void sortByKey(std::vector<Found>& parts) {
 /// The relationships parts that a physical package gives, to be taken by their sources.
 class RelationshipsParts {
 public:
-    RelationshipsParts(std::size_t count, Keys& memory) : keys(memory) { parts.reserve(count); }
+    RelationshipsParts(std::size_t count, Keys& keys) : keys(keys) { parts.reserve(count); }
 
     /// @param key  of its own name
     void add(std::string_view key, interfaces::IPhysicalPart* physicalPart) {
@@ -195,7 +196,8 @@ void Package::Impl::initializeParts() {
 
     PartMap found;
     for (const auto& [key, name, own, physicalPart] : regular) {
-        Part part(&package, physicalPart, *name, findContentType(*name, own, *physicalPart), openMode);
+        Part part(std::make_shared<Part::Impl>(&package, physicalPart, *name,
+                                               findContentType(*name, own, *physicalPart), openMode));
         const bool isPath = key.front() == '/' && key.find('?') == std::string_view::npos &&
                             key.find('#') == std::string_view::npos;
         if (auto* match = relationships.take(isPath ? key : keys.keep(name->getURI().getPath())))

@@ -1,6 +1,7 @@
 #include "contenttypes/ContentTypeSerializer.hpp"
 #include "names/PartNameGrammar.hpp"
 #include "package/PackageImpl.hpp"
+#include "package/PartImpl.hpp"
 #include "xml/LongTags.hpp"
 
 #include <opc/core/Text.hpp>
@@ -41,10 +42,10 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
         throw InvalidContentType("Could not successfully parse content type string");
 
     // What needs memory comes first: the registry takes up the part wholly or not at all.
-    Part part(this, nullptr, name, contentType, state().openMode);
+    Part part(std::make_shared<Part::Impl>(this, nullptr, name, contentType, state().openMode));
     Impl::PartMap entry;
     entry.emplace(name, part);
-    part.setPhysicalPart(state().createPartInternal(name, contentType, partInfo));
+    part.state().physicalPart = state().createPartInternal(name, contentType, partInfo);
     state().parts.insert(place, entry.extract(entry.begin()));
     return part;
 }
@@ -78,8 +79,7 @@ void Package::deletePart(const PartName& name) {
 
     std::string errors;
     bool failed = false;
-    // What has gone is forgotten at once: if the other deletion fails the part stays, and a second attempt
-    // begins there.
+    // Forgets at once what is deleted. If the second deletion fails, the part stays, and the next attempt begins there.
     const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart, const auto& forget) {
         if (physicalPart == nullptr)
             return;
@@ -96,12 +96,12 @@ void Package::deletePart(const PartName& name) {
         forget();
         state().contentTypeSource->removeContentType(physicalName, extension);
     };
-    deletePhysical(part.getPhysicalPart(), [&part] { part.forgetPhysicalPart(); });
+    deletePhysical(part.state().physicalPart, [&part] { part.state().forgetPhysicalPart(); });
     deletePhysical(part.getPhysicalRelationshipPart(), [&part] { part.forgetPhysicalRelationshipPart(); });
     if (failed)
         throw PartDeleteFailed(errors);
 
-    part.markAsInvalid();
+    part.state().valid = false;
     parts.erase(entry);
 }
 

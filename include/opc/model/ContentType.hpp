@@ -2,7 +2,6 @@
 
 #include <opc/model/Export.hpp>
 
-#include <map>
 #include <memory>
 #include <string>
 
@@ -63,18 +62,9 @@ public:
     bool operator<(const ContentType& other) const;
 
 private:
-    struct CaselessLess {
-        bool operator()(const std::u16string& left, const std::u16string& right) const;
-    };
-
-    struct Body {
-        std::u16string text; ///< the canonical one
-        std::map<std::u16string, std::u16string, CaselessLess> parameters;
-    };
+    struct Body;
 
     void init(const std::u16string& contentType);
-    static void resetStringFromParts(Body& body);
-    static void appendParameters(Body& body);
 
     std::shared_ptr<const Body> body;
 };

@@ -2,18 +2,14 @@
 
 #include <opc/core/InputStream.hpp>
 #include <opc/core/OutputStream.hpp>
-#include <opc/interfaces/OpenMode.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Export.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/RelationshipSource.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
-
-namespace opc::interfaces {
-class IPhysicalPart;
-}
 
 namespace opc::model {
 
@@ -65,23 +61,13 @@ private:
     friend class Package;
     struct Impl;
 
-    Part(Package* package, interfaces::IPhysicalPart* physicalPart, const PartName& name,
-         const ContentType& contentType, interfaces::OpenMode openMode);
+    explicit Part(std::shared_ptr<Impl> impl);
 
     bool isValid() const override;
     bool isOpen() const override;
     bool isReadOnly() const override;
     bool isCreateOnly() const override;
     Package& getPackage() const override;
-
-    void flush();
-    interfaces::IPhysicalPart* getPhysicalPart() const;
-    void setPhysicalPart(interfaces::IPhysicalPart* physicalPart);
-
-    /// The physical part has been deleted, but the part itself stays: there is no content to get any more.
-    void forgetPhysicalPart();
-
-    void markAsInvalid();
 
     Impl& state() const noexcept;
 };
