@@ -15,8 +15,8 @@ namespace opc::model {
 
 /// The entries of a content types stream: `Default` by extension and `Override` by part name.
 ///
-/// A `Default` counts the parts of the open package that rest on it: one without any isn't written. An
-/// extension is given in ASCII lower case and without its dot.
+/// A `Default` counts the parts of the open package that use it. One that no part uses isn't written. Extensions are
+/// in ASCII lower case and without the dot.
 class ContentTypeMap {
 public:
     struct DefaultEntry {
@@ -26,22 +26,22 @@ public:
     using Defaults = std::map<std::u16string, DefaultEntry>;
     using Overrides = std::map<PartName, ContentType, std::less<>>; // compares with texts too
 
-    /// Whether there is anything that the stream doesn't hold yet. True at first.
+    /// Whether the stream lacks changes of these entries. True at first.
     bool isDirty() const noexcept { return dirty; }
     void setDirty(bool value) noexcept { dirty = value; }
     void clear();
 
-    /// What the stream takes of the limits of the package.
+    /// Keeps what the stream counts towards the limits of the package.
     void keepShare(DocumentShare value) const { share = std::move(value); }
 
-    /// How many elements of the stream aren't among these entries.
+    /// How many elements of the stream were ignored.
     std::size_t countUnread() const noexcept { return unread; }
     void setUnread(std::size_t count) noexcept { unread = count; }
 
-    /// Whether an entry was to be added that says something else than the one that was there.
+    /// Whether an element was ignored because it contradicts an earlier entry.
     bool isContradicted() const noexcept { return contradicted; }
 
-    /// An entry that is there already stays as it is.
+    /// An existing entry doesn't change.
     void addDefault(const std::u16string& extension, const ContentType& contentType);
     void addOverride(const PartName& name, const ContentType& contentType);
 
@@ -51,10 +51,10 @@ public:
     /// The entry must be there.
     const ContentType& getDefault(const std::u16string& extension) const;
 
-    /// Counts one more part that rests on the entry, which must be there.
+    /// Counts one more part that uses the entry, which must be there.
     void addReference(const std::u16string& extension);
 
-    /// Both give null if there is no entry. The first one counts one more part that rests on it.
+    /// Both return null if there is no entry. The first one counts one more part that uses the entry.
     /// @param Name  a part name, or the text of one
     const ContentType* useDefault(const std::u16string& extension);
     template <typename Name>
@@ -63,7 +63,7 @@ public:
         return entry == overrides.end() ? nullptr : &*entry;
     }
 
-    /// Counts one part less; the entry, which must be there, goes with its last part.
+    /// Counts one part less. Removes the entry, which must be there, with its last part.
     void releaseDefault(const std::u16string& extension);
 
     void removeOverride(const PartName& name);

@@ -22,7 +22,7 @@ bool isLetterOrDigit(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-/// Whether a text is a part name of a usual form, in which no rule but those for slashes and dots can be broken.
+/// Whether a text is a part name in a usual form. Such a name can break only the rules for slashes and dots.
 bool isUsualPartName(std::string_view text) {
     char before = 0;
     for (const char c : text) {

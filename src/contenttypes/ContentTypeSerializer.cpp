@@ -37,10 +37,11 @@ namespace {
 
 using namespace vocabulary::content_types;
 
-/// A stream beyond this size goes to the parser at once, without being held whole.
+/// A larger stream goes to the parser at once, so that it isn't kept in memory as a whole.
 constexpr std::size_t LARGEST_SCANNED = 16 << 20;
 
-/// An entry that waits for the end of the document, which must be valid as a whole. There are few content types.
+/// An entry that waits for the end of the document, because the whole document must be valid. There are few content
+/// types.
 struct FoundEntry {
     std::u16string key;
     const std::u16string* contentType;
@@ -52,8 +53,8 @@ XMLFileLoc lineOf(std::string_view document, std::string_view piece) {
     return static_cast<XMLFileLoc>(1 + std::count(document.data(), piece.data(), '\n'));
 }
 
-/// The content types of one stream, which has few different ones: each is parsed once. They stand in a tree,
-/// since nobody can choose texts that make it slow.
+/// The content types of one stream. It has few different ones, so each is parsed once. They are in a tree, because no
+/// choice of texts makes a tree slow.
 /// @tparam Unit  of the texts, which must outlive this object
 template <typename Unit>
 class ContentTypeReader {
@@ -108,7 +109,7 @@ std::string narrow(std::string_view key) {
     return std::string(key);
 }
 
-/// Adds an entry by `add`, whose failure then tells which one it is.
+/// Calls `add` to add an entry. If it fails, the failure names the entry.
 /// @param line  called for the entry's line if that is needed
 template <typename Key, typename Line, typename Add>
 void telling(std::string_view element, const Key& key, const Line& line, const Add& add) {
@@ -208,7 +209,7 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, Docu
 bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
     if (!contentType.canBeReadAgain() || !fitsIntoTag(contentType.toString()))
         return false;
-    // The pattern in the schema takes a backslash in front of a quote for an escape, wherever it can.
+    // The pattern in the schema takes a backslash before a quote for an escape wherever it can.
     if (contentType.toString().find(u"\\\"") == std::u16string::npos)
         return true;
     ContentTypeMap written;
@@ -225,7 +226,7 @@ bool ContentTypeSerializer::canHold(const ContentType& contentType) const {
     return read.getOverrides().begin()->second.toString() == contentType.toString();
 }
 
-/// What couldn't be read again isn't written.
+/// Refuses to write what couldn't be read again.
 void ContentTypeSerializer::write(const ContentTypeMap& map, OutputStream& stream) const {
     std::string document;
     composeOrSerialize(

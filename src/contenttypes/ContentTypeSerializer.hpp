@@ -16,31 +16,31 @@ class ContentType;
 class ContentTypeMap;
 struct ScannedContentTypes;
 
-/// Reads and writes the XML document in the content types stream. One in the plain form that nearly all have is
-/// scanned, and Xerces not woken for it; any other goes to a validating parser.
+/// Reads and writes the XML document in the content types stream. A document in the plain form, which nearly all
+/// packages have, is scanned without Xerces. All others go to a validating parser.
 class ContentTypeSerializer {
 public:
-    /// @param budget  what the documents of the package may take, together
+    /// @param budget  what the documents of the package may use together
     explicit ContentTypeSerializer(
         std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>())
         : budget(std::move(budget)) {}
 
-    /// Replaces what `map` holds. Of entries with the same key the first counts.
+    /// Replaces the entries of `map`. If several entries have the same key, the first one counts.
     /// @throws InvalidPartContent  the document isn't valid
     /// @throws InvalidContentType, InvalidURI
     void read(ContentTypeMap& map, InputStream& stream) const;
 
-    /// The same by the validating parser alone, whatever the form.
+    /// Reads with the validating parser alone.
     void parse(ContentTypeMap& map, InputStream& stream) const;
 
-    /// Whether a content type comes back from a document as it is, parameter by parameter.
+    /// Whether a content type is read from a document exactly as it was written, with all its parameters.
     bool canHold(const ContentType& contentType) const;
 
-    /// Writes the entries that count: all `Override`, and each `Default` that a part rests on.
+    /// Writes all `Override` entries, and each `Default` that a part uses.
     /// @throws InvalidPartContent
     void write(const ContentTypeMap& map, OutputStream& stream) const;
 
-    /// The document as Xerces writes it, whatever the values, without a further check.
+    /// The document as Xerces writes it, without further checks.
     /// @throws InvalidPartContent  a text that XML can't hold
     static std::string serialize(const ContentTypeMap& map);
 

@@ -30,7 +30,7 @@ bool isExtensionCharacter(char16_t unit) {
            (unit >= u'0' && unit <= u'9') || OTHERS.find(unit) != std::u16string_view::npos;
 }
 
-/// @param unread  how many elements of the stream weren't read: one of them may be the content type
+/// @param unread  how many elements of the stream weren't read; one of them may have the content type
 [[noreturn]] void throwNotFound(const PartName& name, std::size_t unread = 0) {
     ContentTypeNotFound failure("No content type was found for part:" + toASCIIString(name.toString()));
     if (unread > 0)
@@ -38,7 +38,7 @@ bool isExtensionCharacter(char16_t unit) {
     throw failure;
 }
 
-/// Relationships parts are known by their names; their content types aren't looked at.
+/// Relationships parts are recognised by their names, not by their content types.
 bool givesRelationshipsAnotherType(const ContentTypeMap& map) {
     const ContentType expected = PackageHelper::getRelationshipContentType();
     const auto standard = map.getDefaults().find(u"rels");
@@ -102,11 +102,11 @@ bool ContentTypeSource::canHaveDefault(std::u16string_view extension) {
 void ContentTypeSource::addContentType(const PartName& name, const ContentType& contentType) {
     if (!hasStream)
         return;
-    if (contentTypes->hasOverride(name)) // of a part that isn't there, or is being replaced
+    if (contentTypes->hasOverride(name)) // of a part that doesn't exist, or is being replaced
         contentTypes->removeOverride(name);
     const std::u16string extension = extensionKey(name);
     if (!canHaveDefault(
-            extension)) { // NOLINT(bugprone-branch-clone): the questions stand in the order of the rule
+            extension)) { // NOLINT(bugprone-branch-clone): the questions are in the order of the rule
         contentTypes->addOverride(name, contentType);
     } else if (!contentTypes->hasDefault(extension)) {
         contentTypes->addDefault(extension, contentType);

@@ -21,14 +21,14 @@ class ContentTypeSerializer;
 
 /// The content types stream of an open package (ECMA-376 Part 2, mapping content types).
 ///
-/// Reads the stream when it is made, keeps its entries in step with the parts, and writes it when it has
-/// changed. Does nothing if the physical package has no such stream. Lives from `Package::open` to
+/// The constructor reads the stream. The object keeps the entries in step with the parts, and writes the stream if it
+/// has changed. Does nothing if the physical package has no such stream. Lives from `Package::open` to
 /// `Package::close`.
 class ContentTypeSource {
 public:
     /// @param physicalPackage  not owned
     /// @param createOnly       whether the package is new, so that there is nothing to read
-    /// @param budget           what the documents of the package may take, together
+    /// @param budget           what the documents of the package may use together
     /// @throws InvalidContentTypeStream, InvalidContentType, InvalidURI
     ContentTypeSource(interfaces::IPhysicalPackage& physicalPackage, bool createOnly,
                       std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
@@ -36,37 +36,37 @@ public:
     ContentTypeSource& operator=(const ContentTypeSource&) = delete;
     ~ContentTypeSource();
 
-    /// Whether the stream holds elements that weren't read, or were passed over: another content type for what has
-    /// one, or for a relationships part.
+    /// Whether the stream has elements that were ignored: they weren't read, or give a second content type to
+    /// something, or a content type to a relationships part.
     bool hasUnread() const;
 
-    /// Asked before anything is changed that the stream would have to be written for.
+    /// Call it before any change that would have to be written into the stream.
     /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
     void throwIfFixed() const;
 
-    /// Enters a new part: the first part of an extension sets its `Default`. One of another type gets an
-    /// `Override`, and so does one whose extension can't have a `Default`. An `Override` that stood there without a
-    /// part gives way.
+    /// Adds a new part. The first part with an extension sets its `Default`. A part with another content type gets an
+    /// `Override`, and so does one whose extension can't have a `Default`. An `Override` of this name that no part
+    /// uses is replaced.
     void addContentType(const PartName& name, const ContentType& contentType);
 
-    /// Whether the schema of content types takes an extension (ST_Extension): a part name can have others.
+    /// Whether the schema allows a `Default` for an extension (ST_Extension). Part names can have other extensions.
     static bool canHaveDefault(std::u16string_view extension);
 
-    /// What `removeContentType` needs to know of a name, made while nothing has been deleted yet.
+    /// What `removeContentType` needs to know about a name. Make it before anything is deleted.
     static std::u16string extensionKey(const PartName& name);
 
-    /// Forgets a part that is entered. Takes no memory.
+    /// Forgets a part that was added. Allocates no memory.
     /// @throws ContentTypeNotFound
     void removeContentType(const PartName& name, const std::u16string& extension);
 
-    /// The content type of a part found in the package: that of its `Override`, and else of the `Default` of its
-    /// extension, which counts it from now on.
+    /// The content type of a part that the package has: that of its `Override`, otherwise that of the `Default` of
+    /// its extension, which then counts one more part.
     /// @{
 
     using Override = std::pair<const PartName, ContentType>;
 
-    /// Null if there is none.
-    /// @param name  as the store gives it: it may be no part name
+    /// @return null if there is none
+    /// @param name  as the store gives it; possibly not a part name
     const Override* findOverride(const std::u16string& name) const;
 
     /// @throws ContentTypeNotFound

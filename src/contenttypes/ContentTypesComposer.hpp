@@ -6,9 +6,9 @@ namespace opc::model {
 
 class ContentTypeMap;
 
-/// Composes the document in the content types stream: the very bytes that Xerces would write. It holds all
-/// `Override`, and each `Default` that a part rests on.
-/// @return whether the document is plain. If not, Xerces must write it, and `document` means nothing
+/// Composes the document in the content types stream, byte for byte as Xerces would write it. It has all `Override`
+/// entries, and each `Default` that a part uses.
+/// @return whether the document is plain. If not, ignore `document` and let Xerces write
 bool composePlainContentTypes(const ContentTypeMap& map, std::string& document);
 
 } // namespace opc::model

@@ -4,7 +4,7 @@
 
 namespace opc::model {
 
-/// Those that have the schema of content types streams.
+/// The parsers that have the schema of content types streams.
 IdleParsers& contentTypesParsers();
 
 } // namespace opc::model

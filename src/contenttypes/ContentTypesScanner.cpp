@@ -33,7 +33,7 @@ bool isPlainMediaType(std::string_view text) {
            isPlainToken(text.substr(slash + 1));
 }
 
-/// Fills an entry from an element with these two attributes and no other.
+/// Fills an entry from an element that has exactly these two attributes.
 bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, ScannedContentType& entry) {
     for (const auto& [name, value] : attributes) {
         if (name == keyName)

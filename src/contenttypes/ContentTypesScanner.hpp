@@ -17,16 +17,16 @@ struct ScannedContentType {
 struct ScannedContentTypes {
     std::vector<ScannedContentType> defaults;
     std::vector<ScannedContentType> overrides;
-    PlainTexts texts; ///< attributes with references in them: all others lie in the bytes that were scanned
+    PlainTexts texts; ///< attributes that contain references; all others are in the scanned bytes
 };
 
-/// Reads a content types stream that is written in a plain form, as nearly all are: what it gives is what the
-/// validating parser would find in the same bytes.
+/// Reads a content types stream in the plain form, which nearly all have. The result is what the validating parser
+/// would find in the same bytes.
 /// @param found  takes the entries of each kind in the order of the document
-/// @return whether the stream is of that form. If not, the parser must read it, and `found` means nothing
+/// @return whether the stream has that form. If not, ignore `found` and use the parser
 bool scanContentTypes(std::string_view document, ScannedContentTypes& found);
 
-/// Whether a text is a media type of a usual form, without parameters: the parser takes it.
+/// Whether a text is a media type in a usual form, without parameters. The parser accepts it too.
 bool isPlainContentType(std::u16string_view text);
 
 } // namespace opc::model

@@ -35,7 +35,7 @@ private:
         hasElements = true;
     }
 
-    /// What an element holds. An empty text is one as well.
+    /// The content of an element. An empty text is content too.
     void addText(std::u16string_view text) {
         markup << ">";
         markup.addUnicodeText(text);
@@ -62,7 +62,7 @@ private:
         endElement(field.element);
     }
 
-    /// The first keyword is the element's own text, and each other one a child.
+    /// The first keyword is the element's own text. Each further keyword is a child.
     void add(const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
         if (!keywords || keywords->empty())
             return;

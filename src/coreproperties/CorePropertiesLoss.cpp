@@ -7,13 +7,13 @@ namespace opc::model {
 
 namespace {
 
-/// As a file keeps it.
+/// Values as a file keeps them.
 /// @{
 const CoreProperties::Text& kept(const CoreProperties::Text& text) {
     return text;
 }
 
-/// Empty for none.
+/// Empty if there is none.
 std::u16string kept(const CoreProperties::Time& time) {
     return time ? convertTimeToString(*time) : std::u16string();
 }

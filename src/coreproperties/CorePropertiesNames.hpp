@@ -6,10 +6,10 @@
 
 namespace opc::model {
 
-/// A name in core properties as Xerces takes it: qualified in writing, and local in reading. A `XercesGuard` must
-/// live as long as it does.
+/// A name in core properties in the form that Xerces takes: qualified for writing, local for reading. A `XercesGuard`
+/// must outlive it.
 struct CorePropertiesName {
-    /// @param written  with a usual prefix (`CorePropertiesVocabulary.hpp`), or one that XML itself has
+    /// @param written  with a usual prefix (`CorePropertiesVocabulary.hpp`), or with a prefix of XML itself
     explicit CorePropertiesName(std::string_view written);
 
     const XercesString namespaceURI;

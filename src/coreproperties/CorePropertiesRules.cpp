@@ -19,7 +19,7 @@ namespace {
 using namespace vocabulary::core_properties;
 using Attribute = CorePropertyField::Attribute;
 
-/// The attribute that an element has, by its name in whatever namespace: the rules speak of the local names alone.
+/// The attribute of an element with this local name, in any namespace: the rules mention only local names.
 Attribute attributeOf(const xercesc::DOMElement* element) {
     const std::u16string_view name = element->getLocalName();
     const auto isNamed = [name](std::string_view local) {
@@ -49,10 +49,10 @@ void throwIfRefinesDublinCore(const xercesc::DOMElement* root) {
     }
 }
 
-/// Checks the attributes of elements, whose names it keeps.
+/// Checks the attributes of elements. It keeps their names.
 class AttributeRules {
 public:
-    /// Looks at `element` and all below it, in document order.
+    /// Checks `element` and all its descendants, in document order.
     void check(const xercesc::DOMElement* element) const {
         const Attribute allowed = attributeOf(element);
         throwIfHasForbiddenLanguage(element, allowed);
@@ -73,7 +73,7 @@ private:
     void throwIfHasWrongType(const xercesc::DOMElement* element, Attribute allowed) const {
         std::u16string value;
         if (read(element, type, value)) {
-            // The very text: another prefix for the same type isn't allowed.
+            // Exactly this text: another prefix for the same type isn't allowed.
             if (allowed != Attribute::Type || value != w3cdtf)
                 throw InvalidPartContent("Core properties shall not use the xsi:type attribute except on the "
                                          "\"created\" and \"modified\" elements. [M4.5]");

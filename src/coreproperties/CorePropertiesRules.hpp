@@ -8,7 +8,7 @@ XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// Holds a core properties document that the schema has passed against the rules [M4.2] to [M4.5].
+/// Checks a core properties document, which is valid by the schema, against the rules [M4.2] to [M4.5].
 /// @param root  its document element
 /// @throws InvalidPartContent
 void throwIfCorePropertiesBreakRules(const xercesc::DOMElement* root);

@@ -17,7 +17,7 @@ namespace {
 
 using namespace vocabulary::core_properties;
 
-/// What a name in a document means: a usual prefix, or none if it isn't usual, and the rest.
+/// What a name in a document means: a usual prefix, or none if it isn't usual, and the local name.
 struct Name {
     std::string_view prefix;
     std::string_view local;
@@ -31,7 +31,7 @@ struct Name {
 
 constexpr std::string_view DECLARING = "xmlns";
 
-/// Whether an attribute of the root declares a usual namespace, or one that core properties may have besides.
+/// Whether an attribute of the root declares a usual namespace, or another one that core properties may have.
 bool isPlainDeclaration(const PlainAttribute& attribute) {
     if (attribute.name == DECLARING)
         return attribute.value == NAMESPACES[0].uri;
@@ -41,7 +41,7 @@ bool isPlainDeclaration(const PlainAttribute& attribute) {
     return declaresPrefix(attribute) && attribute.value != MARKUP_COMPATIBILITY; // [M4.2]
 }
 
-/// Whether a text is a language in its usual form: that of the country behind it at most.
+/// Whether a text is a language in its usual form: a language code, perhaps with a country code.
 bool isPlainLanguage(std::string_view text) {
     const auto isSubtag = [](std::string_view subtag) {
         return !subtag.empty() && subtag.size() <= 8 && plain::areAll(subtag, plain::Letter);
@@ -50,7 +50,7 @@ bool isPlainLanguage(std::string_view text) {
     return isSubtag(text.substr(0, end)) && (end == text.size() || isSubtag(text.substr(end + 1)));
 }
 
-/// Makes one line feed of each end of a line (XML 1.0 section 2.11).
+/// Replaces each line end by a line feed (XML 1.0 section 2.11).
 void normaliseLineEnds(std::string& text) {
     std::size_t length = text.find('\r');
     if (length == std::string::npos)
@@ -58,7 +58,7 @@ void normaliseLineEnds(std::string& text) {
     for (std::size_t i = length; i < text.size(); ++i)
         if (text[i] != '\r')
             text[length++] = text[i];
-        else if (text[i + 1] != '\n') // the text ends in a zero
+        else if (text[i + 1] != '\n') // a null character follows the last one
             text[length++] = '\n';
     text.resize(length);
 }
@@ -84,7 +84,7 @@ public:
     std::size_t countElements() const { return 1 + seen.count() + values; }
 
 private:
-    /// Whether the root declares a prefix, or the namespace of names without one.
+    /// Whether the root declares a prefix, or the namespace of names without a prefix.
     bool isDeclared(std::string_view prefix) const {
         return std::any_of(declarations.begin(), declarations.end(), [prefix](const auto& declaration) {
             const std::string_view declared = declaration.name.substr(DECLARING.size());
@@ -92,7 +92,7 @@ private:
         });
     }
 
-    /// What a name in the document means; no usual name if its prefix isn't declared.
+    /// The meaning of a name in the document. The name isn't usual if its prefix isn't declared.
     Name nameOf(std::string_view written) const {
         const std::size_t colon = written.find(':');
         if (colon == std::string_view::npos)
@@ -118,7 +118,7 @@ private:
             std::find_if(fields.begin(), fields.end(),
                          [&](const CorePropertyField& each) { return name == each.element; });
         const auto place = static_cast<std::size_t>(field - fields.begin());
-        if (seen.test(place)) // each may stand once
+        if (seen.test(place)) // each may occur once
             return false;
         seen.set(place);
         if (field != fields.end())
@@ -127,7 +127,7 @@ private:
         return name == CONTENT_TYPE && takeContent(written, ignored) && attributes.size() == 0;
     }
 
-    /// The rest of an element whose name has been taken.
+    /// The rest of an element whose name was already taken.
     bool takeContent(std::string_view name, std::u16string& text) {
         bool isEmpty = false;
         if (!reader.takeAttributes(attributes, isEmpty))
@@ -137,19 +137,19 @@ private:
         return takeText(text) && reader.takeEndTag(name);
     }
 
-    /// What stands in front of the next tag, as the parser gives it.
+    /// The text before the next tag, as the parser would give it.
     bool takeText(std::u16string& text) {
         const std::string_view written = reader.takeText();
         std::string resolved;
         if (written.find('>') != std::string_view::npos || !resolveReferences(written, resolved))
             return false;
-        normaliseLineEnds(resolved); // references stand for none
+        normaliseLineEnds(resolved); // references don't produce line ends here
         text = toString(resolved, true);
         return std::all_of(text.begin(), text.end(), [](char16_t unit) { return plain::isText(unit); });
     }
 
-    /// The rest of a field's element.
-    /// @param name  as it is written
+    /// Takes the rest of a field's element.
+    /// @param name  the name in the document
     /// @{
     bool takeValue(std::string_view name, const CorePropertyField& /*field*/, CoreProperties::Text& text) {
         text.emplace();
@@ -188,8 +188,8 @@ private:
     }
     /// @}
 
-    /// What stands behind the name of an element with a keyword: its language, and its text, which loses white
-    /// space at its end.
+    /// Takes what follows the name of an element with a keyword: its language and its text, without white space at
+    /// its end.
     bool takeKeyword(CoreProperties::KeywordList& keywords, bool& isEmpty) {
         if (!reader.takeAttributes(attributes, isEmpty) || attributes.size() > 1)
             return false;
@@ -212,10 +212,10 @@ private:
     PlainReader reader;
     CoreProperties& properties;
     PlainAttributes declarations; // of the root
-    PlainAttributes attributes;   // of the element in hand
-    std::size_t values = 0;       // elements in that of the keywords
+    PlainAttributes attributes;   // of the current element
+    std::size_t values = 0;       // elements in the element of keywords
 
-    /// The fields so far, and behind them the one that is ignored.
+    /// The fields found so far, and then the ignored one.
     std::bitset<std::tuple_size_v<std::decay_t<decltype(CorePropertyField::all())>> + 1> seen;
 };
 

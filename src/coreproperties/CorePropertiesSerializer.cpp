@@ -33,10 +33,10 @@ using namespace vocabulary::core_properties;
 using boost::posix_time::ptime;
 using xercesc::DOMElement;
 
-/// A part beyond this size goes to the parser at once, without being held whole.
+/// A larger part goes to the parser at once, so that it isn't kept in memory as a whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 
-/// Takes what an element says into a field.
+/// Stores the value of an element in a field.
 /// @{
 void readValue(const DOMElement* element, CoreProperties::Text& text) {
     text.emplace();
@@ -95,7 +95,7 @@ void append(DOMElement* root, const CorePropertyField& field, const CoreProperti
         setAttribute(element, CorePropertiesName(TYPE), widen(W3CDTF));
 }
 
-/// The first keyword is the element's own text, and each other one a child.
+/// The first keyword is the element's own text. Each further keyword is a child.
 void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
     if (!keywords)
         return;
@@ -122,7 +122,7 @@ IdleParsers& corePropertiesParsers() {
     return parsers;
 }
 
-/// Arithmetic leads a ptime out of the years that it can say.
+/// Arithmetic can lead a ptime out of the years that it can represent.
 void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
     for (const CorePropertyField& field : CorePropertyField::all()) {
         const auto* const time = std::get_if<CoreProperties::Time CoreProperties::*>(&field.member);
@@ -137,7 +137,7 @@ void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
 
 } // namespace
 
-/// Of Xerces, with the schemas.
+/// The parsers of Xerces that have the schemas.
 struct CorePropertiesSerializer::Parser {
     XercesGuard guard;
     ReusedParser reused{corePropertiesParsers()};
@@ -223,7 +223,7 @@ void CorePropertiesSerializer::serialize(const CoreProperties& properties, Outpu
     DOMElement* const root =
         XercesHelper::appendElementNS(document.get(), rootName.namespaceURI, rootName.qualified);
     for (const auto& [prefix, uri] : NAMESPACES)
-        if (prefix != prefixOf(ROOT)) // which Xerces declares
+        if (prefix != prefixOf(ROOT)) // Xerces declares that one
             setAttribute(root, CorePropertiesName("xmlns:" + std::string(prefix)), widen(uri));
     for (const CorePropertyField& field : CorePropertyField::all())
         field.visit(properties, [&](const auto& value) { append(root, field, value); });

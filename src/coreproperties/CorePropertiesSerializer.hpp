@@ -12,33 +12,32 @@
 
 namespace opc::model {
 
-/// Reads and writes the XML document in the core properties part. Made for one operation and dropped after
-/// it. A document in the form that most programs write is scanned; any other goes to a validating parser, which
-/// compiles five schemas first, and takes most of a millisecond for it. Xerces isn't woken before that.
+/// Reads and writes the XML document in the core properties part. Each object serves one operation. A document in the
+/// form that most programs write is scanned without Xerces. All others go to a validating parser, which compiles five
+/// schemas first and needs most of a millisecond for that.
 class CorePropertiesSerializer {
 public:
-    /// @param budget what the documents of the package may take, together
+    /// @param budget what the documents of the package may use together
     explicit CorePropertiesSerializer(
         std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
     ~CorePropertiesSerializer();
 
-    /// Puts what the document says in the place of what `properties` hold. A time that `ptime` can't hold
-    /// leaves its field absent.
+    /// Replaces `properties` by the values of the document. A time that `ptime` can't hold leaves its field absent.
     /// @throws InvalidXMLSchema    a schema of the library doesn't load
-    /// @throws InvalidPartContent  the document isn't valid, and `properties` are as they were; or it breaks
-    ///                             one of the rules [M4.2] to [M4.5], and they are empty
+    /// @throws InvalidPartContent  the document isn't valid, and `properties` haven't changed; or it breaks one of
+    ///                             the rules [M4.2] to [M4.5], and they are empty
     void read(InputStream& stream, CoreProperties& properties);
 
-    /// The same by the validating parser alone, whatever the form.
+    /// Reads with the validating parser alone.
     void parse(InputStream& stream, CoreProperties& properties);
 
-    /// The document that holds the properties, which has been read again to see that it does.
-    /// @throws InvalidPartContent  a value that a document can't hold, or that doesn't come back as it is
+    /// Makes the document that holds the properties, and reads it again to check that it does.
+    /// @throws InvalidPartContent  a document can't hold a value, or the value read again differs
     std::string write(const CoreProperties& properties);
 
-    /// The document as Xerces writes it, whatever the values, without a further look.
+    /// The document as Xerces writes it, without further checks.
     /// @throws InvalidPartContent  a text that XML can't hold
     static std::string serialize(const CoreProperties& properties);
 
@@ -50,7 +49,7 @@ private:
     static void serialize(const CoreProperties& properties, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
-    std::unique_ptr<Parser> parser; // made by the first document that isn't scanned
+    std::unique_ptr<Parser> parser; // made for the first document that isn't scanned
 };
 
 } // namespace opc::model

@@ -12,7 +12,7 @@ struct Namespace {
     std::string_view uri;
 };
 
-/// What the root declares, in this order.
+/// The declarations of the root, in this order.
 inline constexpr Namespace NAMESPACES[] = {
     {"cp", "http://schemas.openxmlformats.org/package/2006/metadata/core-properties"},
     {"dc", "http://purl.org/dc/elements/1.1/"},
@@ -24,7 +24,7 @@ inline constexpr std::string_view MARKUP_COMPATIBILITY =
     "http://schemas.openxmlformats.org/markup-compatibility/2006";
 
 inline constexpr std::string_view ROOT = "cp:coreProperties";
-inline constexpr std::string_view KEYWORD = "cp:value";            ///< each but the first
+inline constexpr std::string_view KEYWORD = "cp:value";            ///< each but the first one
 inline constexpr std::string_view CONTENT_TYPE = "cp:contentType"; ///< valid, and ignored
 inline constexpr std::string_view TYPE = "xsi:type";
 inline constexpr std::string_view LANGUAGE = "xml:lang";
@@ -38,7 +38,7 @@ constexpr std::string_view localPart(std::string_view name) {
     return name.substr(name.find(':') + 1);
 }
 
-/// What stands in `TYPE`.
+/// The value of `TYPE`.
 inline constexpr std::string_view W3CDTF = "dcterms:W3CDTF";
 
 } // namespace opc::model::vocabulary::core_properties

@@ -23,7 +23,7 @@ Relationships findCoreProperties(const Package& package) {
     return package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
 }
 
-/// The part that the first of `relationships` leads to; the failure names the relationship.
+/// The part that the first of `relationships` leads to. A failure names the relationship.
 Part getTarget(const Package& package, const Relationships& relationships) {
     const Relationship first = *relationships.begin();
     try {
@@ -45,18 +45,18 @@ void relate(Package& package) {
                                        PackageHelper::getCorePropertiesURI());
 }
 
-/// The part that a relationship leads to, made anew; nothing if there can be none.
+/// Creates the part that a relationship leads to. Returns nothing if that isn't possible.
 std::optional<Part> createTarget(Package& package, const Relationship& relationship) {
     if (relationship.getTargetMode() == TargetMode::External)
         return std::nullopt;
     try {
         return createPart(package, relationship.getTargetURI());
-    } catch (const Exception&) { // another name may do
+    } catch (const Exception&) { // try another name
         return std::nullopt;
     }
 }
 
-/// Makes a part for a relationship that leads to none, or both anew.
+/// Creates a part for a relationship that leads to no part, or creates both.
 Part mend(Package& package, const Relationship& dangling) {
     if (std::optional<Part> target = createTarget(package, dangling))
         return *target;
@@ -105,7 +105,7 @@ void PackageHelper::createOrUpdateCoreProperties(Package& package, const CorePro
         part = getTarget(package, relationships);
     package.throwIfReadOnly();
     if (!part)
-        package.throwIfRelationshipsFixed(); // the relationship comes behind the part: it must not fail
+        package.throwIfRelationshipsFixed(); // the relationship is created after the part, and must not fail
     CorePropertiesSerializer serializer(package.state().documentBudget);
     const std::string document = serializer.write(properties); // before anything changes
     if (!part) {
@@ -122,7 +122,7 @@ void PackageHelper::mendCoreProperties(Package& package, const CoreProperties& p
     }
     package.throwIfReadOnly();
     package.throwIfCreateOnly();
-    package.throwIfRelationshipsFixed(); // the relationship may be replaced behind the part: it must not fail
+    package.throwIfRelationshipsFixed(); // the relationship may be replaced after the part, and must not fail
     CorePropertiesSerializer serializer(package.state().documentBudget);
     const std::string document = serializer.write(properties); // before anything changes
     writeDocument(document, mend(package, *findCoreProperties(package).begin()).getOutputStream());

@@ -1,7 +1,7 @@
 #include <opc/model/Errors.hpp>
 
-// Each destructor is the key function of its class: the compiler emits virtual table and type information in this file
-// alone. Handlers in the application then recognise what the library throws, across shared libraries too.
+// Each destructor is the key function of its class: the compiler emits the virtual table and the type information
+// only in this file. So handlers in an application recognise exceptions that a shared library throws.
 
 namespace opc::model {
 

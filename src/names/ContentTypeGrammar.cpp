@@ -37,7 +37,7 @@ namespace qi = boost::spirit::qi;
 using boost::spirit::standard_wide::char_;
 using std::u16string_view;
 
-/// RFC 2616 section 3.7, without skipper: blanks stand only where the rules name them.
+/// RFC 2616 section 3.7. Without a skipper: blanks are allowed only where the rules name them.
 struct Grammar : qi::grammar<Iterator, Matched()> {
     Grammar() : Grammar::base_type(mediaType) {
         whitespace = char_(L' ');
@@ -62,7 +62,7 @@ constexpr auto IS_IN_TOKEN = [] {
     return table;
 }();
 
-/// What stands in front of a text, and is taken from it.
+/// Removes a token from the beginning of a text, and returns it.
 u16string_view takeToken(u16string_view& text) {
     const auto* const end = std::find_if_not(text.begin(), text.end(), [](char16_t unit) {
         return unit < IS_IN_TOKEN.size() && IS_IN_TOKEN[unit];
@@ -114,9 +114,8 @@ bool parsePlain(u16string_view text, ParsedContentType& parsed) {
 }
 
 bool parseByGrammar(u16string_view text, ParsedContentType& parsed) {
-    static const Grammar& grammar =
-        *new Grammar; // never destroyed: it works at any time of the program's end
-    const std::wstring wide(text.begin(), text.end()); // what matches is ASCII
+    static const Grammar& grammar = *new Grammar; // never destroyed, so that it works until the program ends
+    const std::wstring wide(text.begin(), text.end()); // any text that matches is ASCII
     Matched matched;
     Iterator position = wide.begin();
     if (!qi::parse(position, wide.end(), grammar, matched) || position != wide.end())

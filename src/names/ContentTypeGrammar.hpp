@@ -7,7 +7,7 @@
 
 namespace opc::model {
 
-/// A media type as it stands in a text, before names that repeat are joined.
+/// A media type as it is written, before repeated names are joined.
 struct ParsedContentType {
     std::u16string_view name;                                          ///< type "/" subtype, in that text
     std::vector<std::pair<std::u16string, std::u16string>> parameters; ///< values without their quotes
@@ -15,19 +15,19 @@ struct ParsedContentType {
 
 namespace contenttype {
 
-/// The characters that can't stand in a token, and make a value stand in quotes (RFC 2616 section 2.2).
+/// The characters that a token can't have, so that a value with one must be in quotes (RFC 2616 section 2.2).
 constexpr char SEPARATORS[] = "()<>@,;:\\\"/[]?={} \t";
 
-/// Parses `text` as a whole: type "/" subtype *( *blank ";" *blank attribute "=" value ), where a value is a
-/// token or one or more printable characters in quotes, which know no escapes.
-/// @return whether it matches; if not, `parsed` holds nothing of use
+/// Parses the whole of `text`: type "/" subtype *( *blank ";" *blank attribute "=" value ), where a value is a token,
+/// or one or more printable characters in quotes, without escapes.
+/// @return whether it matches; if not, ignore `parsed`
 bool parse(std::u16string_view text, ParsedContentType& parsed);
 
-/// Does so, without the grammar, for a text in which nothing stands in quotes: so for nearly every one.
-/// @return whether it is in this form; if not, it may match all the same
+/// Parses nearly every text, without the grammar: those without quotes.
+/// @return whether the text has this form; if not, the grammar may still accept it
 bool parsePlain(std::u16string_view text, ParsedContentType& parsed);
 
-/// Does so by the grammar alone.
+/// Parses any text, with the grammar.
 bool parseByGrammar(std::u16string_view text, ParsedContentType& parsed);
 
 } // namespace contenttype

@@ -20,7 +20,7 @@ bool endsWith(u16string_view text, u16string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// The value of a hexadecimal digit, -1 if it is none.
+/// The value of a hexadecimal digit; -1 for other characters.
 int hexValue(char16_t unit) {
     if (unit >= u'0' && unit <= u'9')
         return unit - u'0';
@@ -29,12 +29,13 @@ int hexValue(char16_t unit) {
     return unit >= u'A' && unit <= u'F' ? unit - u'A' + 10 : -1;
 }
 
-/// Whether a URI begins with a slash and keeps the rules for segments at a glance: it has no escapes, and in front of
-/// each other slash and of the end stands neither a slash nor a dot.
+/// Whether a quick look shows that a URI begins with a slash and follows the rules for segments: it has no escapes,
+/// and no slash or dot comes before another slash or the end.
 bool hasPlainSegments(u16string_view text) {
     if (text.size() < 2 || text.front() != u'/' || text.back() == u'/' || text.back() == u'.')
         return false;
-    std::uint16_t isOdd = 0; // a number, in a loop without a way out: that takes many characters at once
+    std::uint16_t isOdd =
+        0; // a number, in a loop without an exit: so the compiler handles many characters at once
     for (std::size_t i = 1; i < text.size(); ++i) {
         const int endsSegment{text[i] == u'/'};
         const int isNoEnd = int{text[i - 1] == u'/'} | int{text[i - 1] == u'.'};
@@ -105,7 +106,7 @@ std::u16string PartName::getSourcePartName() const {
         throw InvalidPartName("Part name is not a relationship part name.");
     if (uri.text() == PACKAGE_RELATIONSHIPS_ROOT_NAME)
         return FORWARD_SLASH_STRING;
-    // The path has at least the two slashes round "_rels", and ends in the extension.
+    // The path has at least the two slashes around "_rels", and ends in the extension.
     const u16string_view path = uri.path();
     const std::size_t slash = path.rfind(URI::getSlash());
     const std::size_t extension = u16string_view(RELATIONSHIP_PART_EXTENSION_NAME).size();
@@ -128,15 +129,15 @@ bool PartName::operator<(const PartName& other) const {
 }
 
 bool PartName::isRelationshipPath(u16string_view path) {
-    // The expression takes linear time on a path that ends so. On others it may try every pair of positions,
-    // and on long ones it gives up with an exception of its own.
+    // The expression takes linear time on a path that ends so. On others it may try every pair of positions, and on
+    // long ones it gives up with an exception of its own.
     if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
         return false;
     if (endsWith(path.substr(0, path.rfind(URI::getSlash())), u"/_rels"))
-        return true; // as nearly always, and it needs no expression
+        return true; // nearly always true, without the expression
     static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
     return boost::regex_match(std::wstring(path.begin(), path.end()),
-                              expression); // in US-ASCII, as all URIs are
+                              expression); // all URIs are in US-ASCII
 }
 
 void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
@@ -168,7 +169,7 @@ void PartName::throwExceptionIfPartNameEndsWithForwardSlash(const URI& uri) {
 }
 
 void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
-    // The whole text counts, with a query and a fragment. Without a slash, it is one segment.
+    // The whole text counts, including a query and a fragment. A text without a slash is one segment.
     u16string_view rest = uri.text();
     rest.remove_prefix(rest.find(URI::getSlash()) + 1);
     for (bool last = false; !last;) {
@@ -188,7 +189,7 @@ void PartName::throwExceptionIfPartNameHasInvalidSegments(const URI& uri) {
 }
 
 void PartName::checkPCharCompliance(u16string_view segment) {
-    // A URI has two hexadecimal digits behind each percent sign.
+    // In a URI, two hexadecimal digits follow each percent sign.
     for (std::size_t at = segment.find(u'%'); at != u16string_view::npos && segment.size() - at > 2;
          at = segment.find(u'%', at + 3)) {
         const int value = 16 * hexValue(segment[at + 1]) + hexValue(segment[at + 2]);

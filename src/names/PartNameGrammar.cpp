@@ -10,7 +10,7 @@ namespace opc::model {
 
 namespace {
 
-/// Whether a URI's character may stand in a part name: a pchar, or the slash between segments.
+/// Whether a part name may have this character of a URI: a pchar, or the slash between segments.
 bool isNameCharacter(char16_t unit) {
     constexpr std::u16string_view OTHERS = u"/-._~%!$&'()*+,;=:@";
     return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||

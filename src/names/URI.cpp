@@ -30,14 +30,14 @@ URI::URI(const char16_t* text) {
 }
 
 void URI::init(std::u16string reference) {
-    char16_t bits =
-        0; // of all units: nearly always none is beyond ASCII, and a loop without a way out takes many at once
+    // Whether all code units are ASCII, as nearly always. The loop has no exit, so the compiler handles many at once.
+    char16_t bits = 0;
     for (const char16_t unit : reference)
         bits |= unit;
     if (bits > 127)
         throw InvalidURI("Could not successfully parse URI string. URI must contain only US-ASCII.");
     try {
-        static const auto EMPTY = std::make_shared<const Impl>(std::u16string()); // one body for all of these
+        static const auto EMPTY = std::make_shared<const Impl>(std::u16string()); // all empty URIs share it
         impl = reference.empty() ? EMPTY : std::make_shared<const Impl>(std::move(reference));
     } catch (...) {
         throw InvalidURI("Could not successfully parse URI string.");
@@ -55,7 +55,7 @@ std::u16string_view URI::path() const noexcept {
     std::size_t begin = hasScheme() ? reference.find(getColon()) + 1 : 0;
     if (hasAuthority())
         begin = std::min(reference.find_first_of(u"/?#", begin + 2), reference.size());
-    const bool atEnd = !hasQuery() && !hasFragment(); // as nearly always, and it needs no search
+    const bool atEnd = !hasQuery() && !hasFragment(); // nearly always true, without a search
     return reference.substr(begin, atEnd ? std::u16string_view::npos
                                          : reference.find_first_of(u"?#", begin) - begin);
 }

@@ -44,9 +44,9 @@ Package::Package(interfaces::IPhysicalPackage& physical, const XmlLimits& limits
 Package::~Package() {
     try {
         close(true);
-    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+    } catch (...) { // NOLINT(bugprone-empty-catch): a destructor can't report it
     }
-    // Handles must learn of it also when the physical layer failed to close.
+    // Handles must know that their part is gone, even if the store failed to close.
     state().clearParts();
 }
 
@@ -75,9 +75,10 @@ std::vector<interfaces::IgnoredItem> Package::getIgnoredItems() const {
     return state().physicalPackage.getIgnoredItems();
 }
 
+// The result serves to create relationships parts.
 Package& Package::getPackage() const {
     return const_cast<Package&>(*this);
-} // relationships parts are made through it
+}
 
 void Package::open(interfaces::OpenMode mode) {
     if (isOpen())
@@ -143,7 +144,7 @@ void Package::flush() {
 void Package::Impl::flushPackage() {
     forEachDataManager([](DataManager& each) { each.flush(); });
     for (auto& entry : parts)
-        entry.second.restoreRelationshipPart(); // while the content types stream can still take it up
+        entry.second.restoreRelationshipPart(); // before the content types stream is written
     contentTypeSource->flush();
     package.RelationshipSource::flush();
 }
@@ -170,7 +171,7 @@ void Package::Impl::removeDataManager(DataManager* removed) {
 }
 
 void Package::Impl::forEachDataManager(const std::function<void(DataManager&)>& action) {
-    const auto managers = dataManagers; // a manager at work may make or destroy others
+    const auto managers = dataManagers; // a manager may create or destroy others meanwhile
     for (DataManager* each : managers)
         if (std::find(dataManagers.begin(), dataManagers.end(), each) != dataManagers.end())
             action(*each);

@@ -22,8 +22,7 @@
 
 namespace opc::model {
 
-/// What a package holds, and the operations behind those of its interface. The operations of a concern stand in the file
-/// of that concern.
+/// The state of a package, and the operations behind its interface. Each file defines the operations of one concern.
 struct Package::Impl : RelationshipSource::Impl {
     using PartMap = std::map<PartName, Part, std::less<>>; // compares with texts too
 
@@ -41,14 +40,14 @@ struct Package::Impl : RelationshipSource::Impl {
     /// @name Parts
     /// @{
 
-    /// @return the first part behind a new one of that name
+    /// @return the first part after a new one with that name
     /// @throws PartAlreadyExists
     PartMap::const_iterator findPlaceOfNewPart(const PartName& name) const;
 
     /// @throws PartIsDerivedFromExistingPartName
     void throwIfDerivedFromExistingPartName(const PartName& name) const;
 
-    /// Creates a part in the store and enters its content type.
+    /// Creates a part in the store and adds its content type.
     /// @throws InvalidContentTypeStream  the stream holds elements that weren't read
     /// @throws PartCreateFailed
     interfaces::IPhysicalPart* createPartInternal(const PartName& name, const ContentType& type,
@@ -94,7 +93,7 @@ struct Package::Impl : RelationshipSource::Impl {
 private:
     void initializeParts();
 
-    /// @param own  of its `Override`; null if there is none
+    /// @param own  the content type of its `Override`; null if there is none
     ContentType findContentType(const PartName& name, const ContentType* own,
                                 const interfaces::IPhysicalPart& physicalPart);
 };

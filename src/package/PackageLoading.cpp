@@ -13,16 +13,14 @@
 #include <utility>
 #include <vector>
 
-/// @file
-/// How the registry of parts is built from what the physical package holds, and each relationships part is
-/// matched with its source.
+/// Builds the registry of parts from the parts of the store, and finds the source of each relationships part.
 
 namespace opc::model {
 
 namespace {
 
-/// What tells part names from one another, one behind the other: there are many, which are compared in the order in
-/// which they came. Letter case doesn't count, and a URI is US-ASCII.
+/// The keys of part names, which decide whether two names are equal: in lower case, in UTF-8, because a URI is
+/// US-ASCII. They are in one block of memory in the order of arrival, which is the order in which they are compared.
 class Keys {
 public:
     std::string_view keep(std::u16string_view name) {
@@ -58,7 +56,7 @@ struct RelationshipsPart {
     interfaces::IPhysicalPart* physicalPart;
 };
 
-/// Sorts parts by their keys. Of parts of one key the first stays, with the content of the last.
+/// Sorts parts by their keys. Of parts with the same key, the first one stays, with the content of the last one.
 template <typename Found>
 void sortByKey(std::vector<Found>& parts) {
     std::stable_sort(parts.begin(), parts.end(),
@@ -74,12 +72,12 @@ void sortByKey(std::vector<Found>& parts) {
     parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(kept), parts.end());
 }
 
-/// The relationships parts that a physical package gives, to be taken by their sources.
+/// The relationships parts of the store, until their sources take them.
 class RelationshipsParts {
 public:
     RelationshipsParts(std::size_t count, Keys& keys) : keys(keys) { parts.reserve(count); }
 
-    /// @param key  of its own name
+    /// @param key  the key of its own name
     void add(std::string_view key, interfaces::IPhysicalPart* physicalPart) {
         constexpr std::string_view FOLDER = "/_rels/";
         constexpr std::string_view EXTENSION = ".rels";
@@ -89,7 +87,7 @@ public:
             key.size() - file >= EXTENSION.size() &&
             key.compare(key.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) == 0;
         if (!isNextToSource) {
-            orphan = physicalPart; // "_rels" may stand further up, where no source leads
+            orphan = physicalPart; // "_rels" may be further up in the path: then it has no source
             return;
         }
         const std::string_view folder = key.substr(0, file - FOLDER.size() + 1);
@@ -102,9 +100,9 @@ public:
         next = parts.begin();
     }
 
-    /// The relationships part of a source, which is then taken; null if there is none.
+    /// Takes the relationships part of a source; null if there is none.
     interfaces::IPhysicalPart* take(std::string_view path) {
-        // In the order of names it is the next one or none, but for what stands behind the path.
+        // In the order of names it is the next one or none, apart from what follows the path.
         if (next == parts.end() || next->key != path)
             next = std::lower_bound(
                 parts.begin(), parts.end(), path,
@@ -114,7 +112,7 @@ public:
         return std::exchange((next++)->physicalPart, nullptr);
     }
 
-    /// One that no source has taken; null if there is none.
+    /// A relationships part that no source has taken; null if there is none.
     const interfaces::IPhysicalPart* findOrphan() const {
         const auto left = std::find_if(parts.begin(), parts.end(), [](const RelationshipsPart& part) {
             return part.physicalPart != nullptr;
@@ -126,10 +124,10 @@ private:
     Keys& keys;
     std::vector<RelationshipsPart> parts;
     std::vector<RelationshipsPart>::iterator next = parts.end();
-    const interfaces::IPhysicalPart* orphan = nullptr; // one that no source can take
+    const interfaces::IPhysicalPart* orphan = nullptr; // one that can't have a source
 };
 
-/// The name that the physical layer gives; the failure tells it.
+/// The name that the store gives. A failure names it.
 PartName readName(std::u16string text, const interfaces::IPhysicalPart& physicalPart) {
     try {
         return PartName(std::move(text));
@@ -170,7 +168,7 @@ void Package::Impl::initializeParts() {
 
     Keys keys;
     std::vector<PartName> names;
-    names.reserve(physicalParts.size()); // they stay where they are
+    names.reserve(physicalParts.size()); // references to them stay good
     std::vector<RegularPart> regular;
     regular.reserve(physicalParts.size());
     RelationshipsParts relationships(physicalParts.size(), keys);
@@ -179,12 +177,13 @@ void Package::Impl::initializeParts() {
         const std::string_view key = keys.keep(text);
         const auto* const entry = contentTypeSource->findOverride(text);
         const ContentType* const own = entry == nullptr ? nullptr : &entry->second;
-        // Nearly always the two say the same, and the part shares the name.
+        // Nearly always both texts are the same, and the part shares the name of its entry.
         const PartName& name = names.emplace_back(entry != nullptr && entry->first.hasText(text)
                                                       ? entry->first
                                                       : readName(std::move(text), *physicalPart));
         if (name.isRelationshipName()) {
-            // For its effects: it must have a content type, and keeps the `Default` of its extension in use.
+            // Only for the effects: a relationships part must have a content type, and it uses the `Default` of its
+            // extension.
             findContentType(name, own, *physicalPart);
             relationships.add(key, physicalPart);
         } else {

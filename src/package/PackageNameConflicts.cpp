@@ -5,16 +5,15 @@
 
 #include <string>
 
-/// @file
-/// How a new name is held against those of all parts [M1.11]: by a search for its folder among them, and one for
-/// each folder above it.
+/// Compares a new name with the names of all parts [M1.11]: searches for names in its folder, and for each folder
+/// above it.
 
 namespace opc::model {
 
 bool Package::isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const {
     const Impl::PartMap& parts = state().parts;
     std::u16string text = toLowerASCIIString(name.toString());
-    // In the order of names, all that lie below a folder follow one another.
+    // In the order of names, all names below a folder are neighbours.
     const std::u16string folder = text + URI::getSlash();
     const auto behind = parts.lower_bound(folder);
     if (behind != parts.end() &&

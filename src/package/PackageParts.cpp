@@ -41,7 +41,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     if (!ContentTypeSerializer().canHold(contentType))
         throw InvalidContentType("Could not successfully parse content type string");
 
-    // What needs memory comes first: the registry takes up the part wholly or not at all.
+    // Allocates memory first: the part is added completely or not at all.
     Part part(std::make_shared<Part::Impl>(this, nullptr, name, contentType, state().openMode));
     Impl::PartMap entry;
     entry.emplace(name, part);
@@ -83,7 +83,7 @@ void Package::deletePart(const PartName& name) {
     const auto deletePhysical = [&](const interfaces::IPhysicalPart* physicalPart, const auto& forget) {
         if (physicalPart == nullptr)
             return;
-        // The physical layer's own spelling: the caller's may differ from it in letter case.
+        // The spelling of the store: the caller's may have another letter case.
         const PartName physicalName(physicalPart->getName());
         const std::u16string extension = ContentTypeSource::extensionKey(physicalName);
         try {
@@ -141,7 +141,7 @@ Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
     std::vector<Part> kept;
     kept.reserve(state().parts.size());
     for (const auto& [name, part] : state().parts) {
-        // One by one, since a hash knows nothing of letter case.
+        // One by one, because a hash can't ignore letter case.
         const auto isName = [&partName = name](const std::u16string& text) { return text == partName; };
         if (std::none_of(managed.begin(), managed.end(), isName))
             kept.push_back(part);

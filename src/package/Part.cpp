@@ -81,7 +81,7 @@ bool Part::isValid() const {
     return state().valid;
 }
 
-// A part of a closed package is invalid, and that is what its handles answer with.
+// A part of a closed package is invalid: its handles report that first.
 bool Part::isOpen() const {
     return true;
 }

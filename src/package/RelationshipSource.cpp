@@ -93,7 +93,7 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
     return verifiedID;
 }
 
-/// What follows are the checks of reading: a relationships part that breaks one takes all its relationships with it.
+/// The checks of reading follow: a relationship that broke one would make the whole relationships part unreadable.
 void RelationshipSource::throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
                                                TargetMode targetMode) const {
     if (!canHoldURI(type))
@@ -122,7 +122,7 @@ void RelationshipSource::doVerifyRelationship(const std::u16string& /*id*/, cons
                                               const std::u16string& /*target*/) {
 }
 
-/// Makes the relationships part for the first relationship, which goes again if that fails.
+/// Creates the relationships part for the first relationship. If that fails, removes the relationship again.
 Relationship RelationshipSource::withRelationshipPart(const Relationship& added) {
     if (!impl->manager.hasOne() || impl->keepsMore())
         return added;
@@ -138,7 +138,7 @@ Relationship RelationshipSource::withRelationshipPart(const Relationship& added)
 void RelationshipSource::createRelationshipPart() {
     const PartName name(PartName(impl->manager.getSourceURI()).getRelationshipPartName());
     Package::Impl& package = getPackage().state();
-    package.findPlaceOfNewPart(name); // a part that was opened may have it, in another letter case
+    package.findPlaceOfNewPart(name); // a part from the file may have this name in another letter case
     setPhysicalRelationshipPart(
         package.createPartInternal(name, PackageHelper::getRelationshipContentType(), StandardPartInfo()),
         true);
@@ -150,7 +150,9 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfRelationshipsFixed();
     const interfaces::IPhysicalPart* part = impl->keepsMore() ? nullptr : impl->relationshipsPart;
     if (part != nullptr && impl->manager.hasOne() && impl->manager.hasRelationship(id))
-        getPackage().state().contentTypeSource->throwIfFixed(); // the part goes with its last relationship
+        getPackage()
+            .state()
+            .contentTypeSource->throwIfFixed(); // deleting the last relationship deletes the part
     impl->manager.deleteRelationship(id);
     if (!impl->manager.isEmpty() || part == nullptr)
         return;
@@ -203,12 +205,12 @@ void RelationshipSource::flush() {
     try {
         stream.close();
     } catch (...) {
-        impl->manager.markAsDirty(); // what a stream doesn't close over may be lost
+        impl->manager.markAsDirty(); // bytes may be lost if the stream can't be closed
         throw;
     }
 }
 
-// In place, so that nothing can fail: no copy of a source that is reset shares its state.
+// In place, so that nothing can fail. No copy of this source shares its state.
 void RelationshipSource::reset() {
     impl->relationshipsPart = nullptr;
     impl->kept = nullptr;
@@ -250,7 +252,7 @@ void RelationshipSource::forgetPhysicalRelationshipPart() {
 void RelationshipSource::restoreRelationshipPart() {
     if (impl->relationshipsPart != nullptr)
         return;
-    throwIfRelationshipsFixed(); // what wasn't read can't be made anew
+    throwIfRelationshipsFixed(); // elements that weren't read can't be written again
     if (!impl->manager.isEmpty())
         createRelationshipPart();
 }

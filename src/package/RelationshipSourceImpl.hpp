@@ -13,16 +13,16 @@
 
 namespace opc::model {
 
-/// What all copies of a source share. A derived class adds its own to it.
+/// The state that all copies of a source share. Derived classes extend it.
 struct RelationshipSource::Impl {
     explicit Impl(const URI& source) : manager(source) {}
 
-    /// Whether a relationship has an ID, be it one that the part keeps to itself.
+    /// Whether a relationship has this ID, including those that the part keeps without showing them.
     bool usesID(const std::u16string& id) const {
         return manager.hasRelationship(id) || (kept != nullptr && kept->hasKeptID(id));
     }
 
-    /// Whether the part outlives its last relationship.
+    /// Whether the part must stay when its last relationship is deleted.
     bool keepsMore() const { return keptMore; }
 
     /// Why the relationships can't be changed; empty if they can.
@@ -35,9 +35,9 @@ struct RelationshipSource::Impl {
     }
 
     interfaces::IPhysicalPart* relationshipsPart = nullptr;
-    const interfaces::IKeptRelationships* kept = nullptr; // of that part, if it has any
-    bool keptMore = false;    // what that says, which can't be asked any more when the part has been deleted
-    bool hasLostKept = false; // whether a part that kept more has been deleted, but not the source
+    const interfaces::IKeptRelationships* kept = nullptr; // of the relationships part, if it keeps any
+    bool keptMore = false;    // its last answer, for the time after the part was deleted
+    bool hasLostKept = false; // whether a part that kept more was deleted, but not its source
     RelationshipManager manager;
     std::uint64_t nextIdNumber = 1;
 };

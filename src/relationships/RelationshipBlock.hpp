@@ -16,11 +16,11 @@
 
 namespace opc::model {
 
-/// The types of relationships that were read. A package has few: its relationships share them.
+/// The types of relationships. A package has few different ones, which its relationships share.
 class RelationshipTypes {
 public:
     /// @param type  in ASCII
-    /// @return good as long as this object
+    /// @return good while this object lives
     std::u16string_view share(std::string_view type) {
         const auto found = types.lower_bound(type);
         if (found != types.end() && found->first == type)
@@ -42,7 +42,7 @@ private:
     std::pmr::map<std::string_view, std::u16string_view> types{&memory};
 };
 
-/// The values of all relationships of one source. Their texts lie elsewhere.
+/// The values of all relationships of one source. Their texts are stored elsewhere.
 class RelationshipGroup {
 public:
     using Values = Relationship::Values;
@@ -54,7 +54,7 @@ public:
     RelationshipGroup(const RelationshipGroup&) = delete;
     RelationshipGroup& operator=(const RelationshipGroup&) = delete;
 
-    /// @return good until the next one is added, beyond the number that was announced
+    /// @return good until more relationships are added than were announced
     const Values& add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
                       TargetMode mode) {
         return entries.emplace_back(Values{id, type, target, &sourceURI, mode});
@@ -73,24 +73,25 @@ private:
     std::pmr::vector<Values> entries;
 };
 
-/// Relationships of some sources with their texts, in one piece of memory where the room was known before. They go
-/// together: whoever has one of them shares the block.
+/// Relationships of one or more sources, with their texts, in one piece of memory if its size is known beforehand.
+/// Everyone who has one of them shares the block, which is freed as a whole.
 class RelationshipBlock {
 public:
-    /// How much room a group takes at most.
-    /// @param textLength  of the texts that are kept for it
+    /// The most room that a group takes.
+    /// @param textLength  the length of all texts that are kept for it
     static constexpr std::size_t roomFor(std::size_t count, std::size_t textLength) {
         return sizeof(RelationshipGroup) + count * sizeof(RelationshipGroup::Values) +
-               textLength * sizeof(char16_t) + 2 * sizeof(void*); // the link to it, and what aligns it
+               textLength * sizeof(char16_t) +
+               2 * sizeof(void*); // for the link to the next group, and for alignment
     }
 
-    /// @param types  where the types lie, if they aren't kept here
+    /// @param types  owns the types, if they aren't kept here
     RelationshipBlock(std::size_t room, std::shared_ptr<const RelationshipTypes> types)
         : types(std::move(types)), left(room), memory(room) {}
     RelationshipBlock(const RelationshipBlock&) = delete;
     RelationshipBlock& operator=(const RelationshipBlock&) = delete;
 
-    /// What is left of the first piece; beyond it the block grows.
+    /// The free room in the first piece. Beyond it the block grows.
     std::size_t room() const noexcept { return left; }
 
     RelationshipGroup& addGroup(const URI& source, std::size_t count) {

@@ -9,7 +9,7 @@ namespace opc::model {
 
 namespace {
 
-/// The text as a URI; what it is no URI for is said by `message`.
+/// Parses `text` as a URI. Throws `InvalidPartContent(message)` if it isn't one.
 URI readURI(const std::u16string& text, const char* message) {
     try {
         return URI(text);

@@ -7,7 +7,7 @@
 
 namespace opc::model {
 
-/// What reading checks of a relationship that the schema takes. Checks the values in this order.
+/// Checks a relationship that is valid by the schema, in the order of its values.
 /// @return its target mode
 /// @throws InvalidPartContent
 TargetMode checkRelationship(const std::u16string& type, const std::u16string& target,

@@ -17,7 +17,7 @@ constexpr Range NAME_START_CHARS[] = {
     {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD},
 };
 
-/// What a name may hold behind its first character, besides the above.
+/// The further characters that a name may have after its first one.
 constexpr Range MORE_NAME_CHARS[] = {
     {u'-', u'.'}, {u'0', u'9'}, {0x00B7, 0x00B7}, {0x0300, 0x036F}, {0x203F, 0x2040},
 };

@@ -25,9 +25,9 @@ namespace opc::model {
 
 class RelationshipSerializer;
 
-/// The relationships of one source, in the order of their IDs: code unit by code unit, letter case counting.
+/// The relationships of one source, ordered by ID: code unit by code unit, with regard to letter case.
 ///
-/// They stay together as they were read, which takes little room, until the first change.
+/// Relationships that were read stay together in one group, which needs little room, until the first change.
 class RelationshipManager {
 public:
     explicit RelationshipManager(const URI& sourceURI) : sourceURI(sourceURI) {}
@@ -42,14 +42,14 @@ public:
         unread = 0;
     }
 
-    /// How many elements of the relationships part aren't among these relationships.
+    /// How many elements of the relationships part were ignored.
     std::size_t countUnread() const noexcept { return unread; }
     void setUnread(std::size_t count) noexcept { unread = count; }
 
-    /// What the relationships part takes of the limits of the package.
+    /// Keeps what the relationships part counts towards the limits of the package.
     void keepShare(DocumentShare value) const { share = std::move(value); }
 
-    /// Whether there are changes that the relationships part doesn't hold. True at first.
+    /// Whether the relationships part lacks changes. True at first.
     bool isDirty() const noexcept { return dirty; }
     void markAsDirty() noexcept { dirty = true; }
 
@@ -64,24 +64,24 @@ public:
     std::vector<Relationship> getRelationshipsByType(const std::u16string& type) const;
     std::vector<Relationship> getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const;
 
-    /// Both keep an older relationship of the same ID, and give the one that was asked for all the same.
+    /// Both keep an existing relationship with this ID, and still return the one that was asked for.
     Relationship addExternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const std::u16string& target);
     Relationship addInternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const URI& target);
 
-    /// For a source that has no relationships yet: takes a group, whose relationships are known to be right,
-    /// stand in order and differ in their IDs.
+    /// Sets the relationships of a source that has none yet. The relationships of the group must be valid, sorted,
+    /// and have different IDs.
     void take(std::shared_ptr<const RelationshipGroup> read);
 
     /// @throws RelationshipNotFound
     void deleteRelationship(const std::u16string& id);
 
-    /// Replaces all relationships by those of a relationships part. A failure leaves what had been read by
-    /// then.
+    /// Replaces all relationships by those of a relationships part. After a failure, the relationships that were read
+    /// before it stay.
     void read(InputStream& stream, RelationshipSerializer& serializer);
 
-    /// Writes the relationships part if there are changes.
+    /// Writes the relationships part if it has changed.
     void flush(OutputStream& stream, RelationshipSerializer& serializer);
 
 private:
@@ -106,14 +106,14 @@ private:
     Relationship add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
                      TargetMode targetMode);
 
-    /// Takes the relationships out of the group, so that they can be changed one by one.
+    /// Moves the relationships out of the group, so that they can be changed one by one.
     void unpack();
 
     mutable DocumentShare share;
     bool dirty = true;
     std::size_t unread = 0;
     URI sourceURI;
-    std::shared_ptr<const RelationshipGroup> group; // if it isn't null, it has all relationships
+    std::shared_ptr<const RelationshipGroup> group; // if it isn't null, it holds all relationships
     std::set<SharedValues, ByID> relationships;
 };
 

@@ -11,7 +11,7 @@ namespace opc::model {
 
 namespace {
 
-/// What a tag has beside the values of a relationship.
+/// The room that a tag needs beside the values of a relationship.
 constexpr std::size_t LONGEST_FRAME = 128;
 
 bool isTooLong(const RelationshipRules::Attributes& attributes) {
@@ -32,7 +32,7 @@ std::string findDefectBySchema(const RelationshipRules::Attributes& attributes) 
     if (!isHeldID(RelationshipRules::read(*attributes.id)))
         return "Id is not a valid xsd:ID";
     const auto isURI = [](const std::u16string& value) {
-        return value.empty() || isHeldURI(value); // that it is empty is said behind
+        return value.empty() || isHeldURI(value); // an empty value is reported later
     };
     if (!isURI(RelationshipRules::read(*attributes.type)))
         return "Type is not a valid xsd:anyURI";

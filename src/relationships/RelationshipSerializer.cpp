@@ -31,10 +31,10 @@ namespace opc::model {
 
 namespace {
 
-/// A part beyond this size goes to the parser at once, without being held whole.
+/// A larger part goes to the parser at once, so that it isn't kept in memory as a whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 
-/// Of memory for relationships. A single one that outlives its package keeps as much.
+/// The size of blocks. A single relationship that outlives its package keeps a whole block.
 constexpr std::size_t BLOCK_SIZE = 8 << 10;
 
 using namespace vocabulary::relationships;
@@ -58,10 +58,10 @@ IdleParsers& relationshipsParsers() {
     return parsers;
 }
 
-/// What the parser finds in a document, until that is known to be valid.
+/// The relationships that the parser finds, until the document is known to be valid.
 class ParsedRelationships {
 public:
-    /// @param memory  takes the texts
+    /// @param memory  stores the texts
     ParsedRelationships(RelationshipBlock& memory, RelationshipTypes& types, const URI& sourceURI)
         : memory(memory), types(types), sourceURI(sourceURI) {}
 
@@ -107,14 +107,14 @@ private:
     RelationshipBlock& memory;
     RelationshipTypes& types;
     const URI& sourceURI;
-    std::deque<RelationshipGroup::Values> found; // in front of the first bad one
-    std::exception_ptr failure;                  // of that one, which is told if the document is valid
+    std::deque<RelationshipGroup::Values> found; // before the first bad one
+    std::exception_ptr failure;                  // about that one; thrown only if the document is valid
     std::size_t unread = 0;
 };
 
 } // namespace
 
-/// What Xerces works with.
+/// The objects of Xerces that this class uses.
 struct RelationshipSerializer::Xml {
     XercesGuard guard;
     ReusedParser parser{relationshipsParsers()};
@@ -145,7 +145,7 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     DocumentShare share(budget, &XmlLimits::relationships);
     MeteredStream metered(stream, share);
     const auto scan = [&](std::string_view document) {
-        PlainTexts texts; // that `scanned` looks into
+        PlainTexts texts; // `scanned` points into them
         if (!scanRelationships(document, scanned, texts))
             return false;
         share.addElements(scanned.size() + 1);
@@ -157,8 +157,8 @@ void RelationshipSerializer::read(InputStream& stream, RelationshipManager& mana
     manager.keepShare(std::move(share));
 }
 
-/// Plain values need no further check: a type is a URI, an internal target one that isn't opaque, and an external one
-/// an IRI.
+/// Plain values need no further check: a type is a URI, an internal target a URI that isn't opaque, and an external
+/// target an IRI.
 void RelationshipSerializer::takeScanned(RelationshipManager& manager) {
     std::size_t length = 0;
     for (const ScannedRelationship& relationship : scanned)
@@ -195,7 +195,7 @@ void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& man
     manager.setUnread(found.countUnread());
 }
 
-/// What couldn't be read again isn't written.
+/// Refuses to write what couldn't be read again.
 void RelationshipSerializer::write(const RelationshipManager& manager, OutputStream& stream) {
     composeOrSerialize(
         composed, [&](std::string& document) { return composePlainRelationships(manager, document); },
@@ -233,7 +233,7 @@ void RelationshipSerializer::serialize(const RelationshipManager& manager, Outpu
         if (relationship.getTargetMode() == TargetMode::External)
             XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide().data());
     }
-    // One that fails is dropped: it would take the namespace for declared from then on, and leave it out.
+    // Drops a writer that failed: it would omit the namespace declaration from then on.
     auto writer = with.writer ? std::move(with.writer) : XercesHelper::createPrettyPrintingWriter();
     XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
     with.writer = std::move(writer);

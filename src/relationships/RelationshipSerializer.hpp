@@ -17,32 +17,31 @@ namespace opc::model {
 
 class RelationshipManager;
 
-/// Reads and writes relationships parts, for all sources of an open package one after the other. A part in the
-/// plain form that nearly all have is scanned; any other goes to a validating parser, whose schema is compiled
-/// once. Xerces isn't woken before a part needs it. What a document brings is checked more mildly than what an
-/// application creates.
+/// Reads and writes relationships parts, for all sources of an open package one after the other. A part in the plain
+/// form, which nearly all have, is scanned without Xerces. All others go to a validating parser, whose schema is
+/// compiled once. Reading checks relationships less strictly than creating them.
 class RelationshipSerializer {
 public:
-    /// @param budget  what the documents of the package may take, together
+    /// @param budget  what the documents of the package may use together
     explicit RelationshipSerializer(
         std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     RelationshipSerializer(const RelationshipSerializer&) = delete;
     RelationshipSerializer& operator=(const RelationshipSerializer&) = delete;
     ~RelationshipSerializer();
 
-    /// Fills `manager`, which is empty, with the relationships of the document; those in front of a bad one are
-    /// there by then. Tells it as well how many elements weren't read.
+    /// Fills `manager`, which is empty, with the relationships of the document, and tells it how many elements were
+    /// ignored. After a failure it has the relationships before the bad one.
     /// @throws InvalidPartContent
     void read(InputStream& stream, RelationshipManager& manager);
 
-    /// The same by the validating parser alone, whatever the form.
+    /// Reads with the validating parser alone.
     void parse(InputStream& stream, RelationshipManager& manager);
 
-    /// Doesn't close the stream, which may hold part of a document after a failure.
+    /// Doesn't close the stream. After a failure the stream may have part of a document.
     /// @throws InvalidPartContent
     void write(const RelationshipManager& manager, OutputStream& stream);
 
-    /// The document as Xerces writes it, whatever the values, without a further check.
+    /// The document as Xerces writes it, without further checks.
     /// @throws InvalidPartContent  a text that XML can't hold
     std::string serialize(const RelationshipManager& manager);
 
@@ -58,11 +57,11 @@ private:
 
     std::shared_ptr<DocumentBudget> budget;
     std::unique_ptr<Xml> made;
-    ReadAheadBuffer buffer;                   // holds the part in hand
-    std::vector<ScannedRelationship> scanned; // in the buffer
-    std::string composed;                     // the part in hand, as it is written
-    std::shared_ptr<RelationshipTypes> types; // that were scanned
-    std::shared_ptr<RelationshipBlock> block; // which the next ones have room in; null at first
+    ReadAheadBuffer buffer;                   // holds the current part
+    std::vector<ScannedRelationship> scanned; // points into the buffer
+    std::string composed;                     // the current part in written form
+    std::shared_ptr<RelationshipTypes> types; // of the scanned relationships
+    std::shared_ptr<RelationshipBlock> block; // has room for the next ones; null at first
 };
 
 } // namespace opc::model

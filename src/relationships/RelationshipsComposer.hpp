@@ -6,9 +6,8 @@ namespace opc::model {
 
 class RelationshipManager;
 
-/// Composes a relationships part whose values are plain, as nearly all are: the very bytes that Xerces would
-/// write.
-/// @return whether the values are. If not, Xerces must write the part, and `document` means nothing
+/// Composes a relationships part whose values are plain, as nearly always, byte for byte as Xerces would write it.
+/// @return whether the values are plain. If not, ignore `document` and let Xerces write
 bool composePlainRelationships(const RelationshipManager& manager, std::string& document);
 
 } // namespace opc::model

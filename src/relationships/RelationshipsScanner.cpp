@@ -14,7 +14,7 @@ namespace {
 
 using namespace vocabulary::relationships;
 
-/// Fills a relationship from its element, if that is as the schema asks and its values are plain.
+/// Fills a relationship from its element, if it is valid by the schema and its values are plain.
 bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& relationship) {
     for (const auto& [name, value] : attributes) {
         if (name == ID)
@@ -39,7 +39,7 @@ bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
         return left.id >= right.id;
     };
     if (std::adjacent_find(relationships.begin(), relationships.end(), doesNotPrecede) == relationships.end())
-        return true; // in order, as most documents have them
+        return true; // nearly always: most documents have them in order
     std::vector<std::string_view> ids;
     ids.reserve(relationships.size());
     for (const ScannedRelationship& relationship : relationships)
@@ -48,7 +48,7 @@ bool haveDifferentIDs(const std::vector<ScannedRelationship>& relationships) {
     return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
 }
 
-/// Whether the parser's table of IDs takes them.
+/// Whether the parser's table of IDs can take these IDs.
 bool areTakenTogether(const std::vector<ScannedRelationship>& relationships) {
     CollidingIDs ids;
     return std::none_of(relationships.begin(), relationships.end(),

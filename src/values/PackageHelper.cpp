@@ -20,7 +20,7 @@ std::u16string PackageHelper::getCorePropertiesRelationshipType() {
 
 ContentType PackageHelper::getRelationshipContentType() {
     static const ContentType type(u"application/vnd.openxmlformats-package.relationships+xml");
-    return type; // parsed once: every relationships part that is made asks for it
+    return type; // parsed only once, because each new relationships part asks for it
 }
 
 std::u16string PackageHelper::getThumbnailRelationshipType() {

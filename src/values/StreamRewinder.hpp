@@ -4,8 +4,8 @@
 
 namespace opc::model {
 
-/// Takes a part's stream, which all its handles share, to its start, and again when it goes out of scope.
-/// Opening it anew is also what shows it what has been written to the part meanwhile.
+/// Rewinds a part's stream, which all its handles share, now and again at the end of the scope. Opening it again also
+/// shows it what was written to the part meanwhile.
 class StreamRewinder {
 public:
     explicit StreamRewinder(InputStream& stream) : stream(stream) { rewind(); }
@@ -14,7 +14,7 @@ public:
     ~StreamRewinder() {
         try {
             rewind();
-        } catch (...) { // NOLINT(bugprone-empty-catch): the next reader meets the same failure
+        } catch (...) { // NOLINT(bugprone-empty-catch): the next reader gets the same failure
         }
     }
 

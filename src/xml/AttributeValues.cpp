@@ -25,12 +25,13 @@ constexpr bool isLowSurrogate(char16_t unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// Whether a document can hold a text (XML 1.0 section 2.2), and in a type with collapsed white space it stays as
-/// it is: blanks stand inside only, one by one, and there is no other white space.
+/// Whether a document can hold a text (XML 1.0 section 2.2), and a type with collapsed white space doesn't change it:
+/// its only white space is single blanks inside.
 bool standsCollapsed(const std::u16string& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
-        const char16_t next = i + 1 < text.size() ? text[i + 1] : u' '; // as if blanks stood around the text
+        const char16_t next =
+            i + 1 < text.size() ? text[i + 1] : u' '; // as if there were blanks around the text
         if (unit < u' ' || unit > 0xFFFD || isLowSurrogate(unit))
             return false;
         if (unit == u' ' && (i == 0 || next == u' '))

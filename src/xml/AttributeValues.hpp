@@ -5,20 +5,20 @@
 
 namespace opc::model {
 
-/// Whether an attribute of type xs:anyURI holds a value: it is valid there and comes back from a document as it is, code
-/// unit by code unit.
+/// Whether an attribute of type xs:anyURI can hold a value: it is valid there and is read again unchanged, code unit
+/// by code unit.
 ///
-/// A plain value (`xml/PlainURI.hpp`) is known to. Any other is put to Xerces' own validator of the type, which
-/// is the check that reading makes.
+/// Plain values (`xml/PlainURI.hpp`) are accepted at once. All others are checked by the validator of Xerces for the
+/// type, as in reading.
 bool isHeldURI(const std::u16string& value);
 
 /// The same, and the value is short enough for a tag.
 bool canHoldURI(const std::u16string& value);
 
-/// The same for an attribute of type xs:ID, but for the length.
+/// The same for an attribute of type xs:ID, without a check of the length.
 bool isHeldID(const std::u16string& value);
 
-/// A value as validation makes it where white space collapses: runs of it are one blank each, and none stands at the ends.
+/// Collapses white space as validation does: each run becomes one blank, and both ends are trimmed.
 std::u16string collapse(std::u16string_view value);
 
 } // namespace opc::model

@@ -7,8 +7,8 @@
 
 namespace opc::model {
 
-/// Finds IDs that are made to fall together in the hash table of Xerces, where an ID is sought among all those of
-/// its bucket. Follows that table: its hash values, its size at first, its growth.
+/// Detects IDs that were chosen to collide in the hash table of Xerces, which searches all IDs of a bucket. Simulates
+/// that table: its hash values, its first size, its growth.
 class CollidingIDs {
 public:
     static constexpr std::size_t FIRST_SIZE = 109; ///< of the table
@@ -16,7 +16,7 @@ public:
     static constexpr char TOO_MANY[] = "XML content can not have more than 1000 colliding IDs";
 
     /// @param id  in UTF-16 or in ASCII
-    /// @return whether more than MAXIMUM fall together by now
+    /// @return whether more than MAXIMUM collide now
     template <typename Text>
     bool add(const Text& id) {
         std::size_t hash = 0;

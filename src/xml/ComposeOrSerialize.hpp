@@ -7,8 +7,8 @@
 
 namespace opc::model {
 
-/// Has Xerces write a document.
-/// @param document   takes the bytes in place of what it held
+/// Makes a document with Xerces.
+/// @param document   receives the bytes; its old content is lost
 /// @param serialize  called with a stream for the bytes
 /// @throws InvalidPartContent  for an `InvalidXMLDocument`
 template <typename Serialize>
@@ -18,10 +18,10 @@ void serializeDocument(std::string& document, const Serialize& serialize) {
     translateDocumentFailures([&] { serialize(output); });
 }
 
-/// Makes a document of any kind: composes it if all its values are plain, and has Xerces write it if not. Both write
+/// Makes a document of any kind: composes it if all its values are plain; otherwise Xerces writes it. Both ways write
 /// the same bytes.
-/// @param document  takes the bytes in place of what it held
-/// @param compose   called with `document`; gives whether all values are plain. If not, what it wrote is dropped
+/// @param document  receives the bytes; its old content is lost
+/// @param compose   called with `document`; returns whether all values are plain. If not, what it wrote is dropped
 /// @param serialize, exceptions  as for `serializeDocument`
 template <typename Compose, typename Serialize>
 void composeOrSerialize(std::string& document, const Compose& compose, const Serialize& serialize) {

@@ -8,7 +8,7 @@
 
 namespace opc::model {
 
-/// What the XML documents of an open package take of its limits, together. Their shares keep it.
+/// Counts the XML documents of an open package towards its limits. Their shares keep it alive.
 class DocumentBudget {
 public:
     explicit DocumentBudget(const XmlLimits& limits = {}) : limits(limits) {}
@@ -21,23 +21,23 @@ private:
     XmlLimits::Size taken{0, 0};
 };
 
-/// What one document takes, for as long as this object lives.
+/// What one document counts towards the limits, while this object lives.
 class DocumentShare {
 public:
     using Kind = XmlLimits::Size XmlLimits::*;
 
-    /// Of no document: nothing can be added.
+    /// The share of no document: nothing can be added.
     DocumentShare() noexcept = default;
 
-    /// @param kind  the limit of the document alone
+    /// @param kind  the limit for a single document
     DocumentShare(std::shared_ptr<DocumentBudget> budget, Kind kind)
         : budget(std::move(budget)), kind(kind) {}
-    DocumentShare(DocumentShare&& other) noexcept = default; // which leaves one without a budget
+    DocumentShare(DocumentShare&& other) noexcept = default; // `other` has no budget then
     DocumentShare& operator=(DocumentShare&& other) noexcept;
     ~DocumentShare() { giveBack(); }
 
-    /// Both count what has come.
-    /// @throws InvalidPartContent  it is more than a limit lets pass
+    /// Both count what was read or written.
+    /// @throws InvalidPartContent  a limit is exceeded
     void addBytes(std::uint64_t count) { add(&XmlLimits::Size::bytes, count); }
     void addElements(std::uint64_t count) { add(&XmlLimits::Size::elements, count); }
 
@@ -54,7 +54,7 @@ private:
 class MeteredStream : public InputStream {
 public:
     /// @param stream, share    must outlive this object
-    /// @param bytesPerElement  so many bytes count as an element too; 0 if none do
+    /// @param bytesPerElement  this number of bytes counts as an element too; 0 if bytes don't count
     MeteredStream(InputStream& stream, DocumentShare& share, std::uint64_t bytesPerElement = 0)
         : stream(stream), share(share), bytesPerElement(bytesPerElement) {}
 

@@ -6,7 +6,7 @@
 
 namespace opc::model {
 
-/// Runs `operation`; a document that Xerces refuses in it leaves as `InvalidPartContent` with the same text.
+/// Runs `operation`. If Xerces refuses a document in it, throws `InvalidPartContent` with the same text.
 template <typename Operation>
 auto translateDocumentFailures(Operation&& operation) {
     try {

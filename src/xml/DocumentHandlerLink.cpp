@@ -8,7 +8,7 @@ namespace opc::model {
 
 namespace {
 
-/// Reaches the scanner of a parser, which Xerces keeps for derived classes.
+/// Reaches the scanner of a parser, which only derived classes of the parser can reach.
 class ScannerOf : public xercesc::AbstractDOMParser {
 public:
     static xercesc::XMLScanner& get(xercesc::DOMLSParser& parser) {

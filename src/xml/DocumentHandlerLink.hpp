@@ -11,8 +11,8 @@ namespace opc::model {
 
 xercesc::XMLScanner& scannerOf(xercesc::DOMLSParser& parser);
 
-/// Stands between the scanner of a parser and whoever it tells of what it finds, for as long as this object
-/// lives, and passes everything on. Links nest: the one made last hears first, and goes first.
+/// Stands between the scanner of a parser and its handler while this object lives, and passes everything on. Links
+/// nest: the newest one is called first, and is destroyed first.
 class DocumentHandlerLink : public xercesc::XMLDocumentHandler {
 public:
     explicit DocumentHandlerLink(xercesc::DOMLSParser* parser);

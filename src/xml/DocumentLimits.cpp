@@ -16,13 +16,13 @@ namespace {
 constexpr std::size_t MAXIMUM_DEPTH = 1000;
 constexpr XMLSize_t MAXIMUM_COMMENTS = 10000;
 constexpr XMLSize_t MAXIMUM_ATTRIBUTES = 1000;
-/// Each of them may declare a prefix, and Xerces looks for a prefix among all that are declared.
+/// Each of them may declare a prefix, and Xerces searches all declared prefixes for each prefix.
 constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
-/// Xerces keeps names in a table of fixed size. The first ones aren't told apart: small documents pay nothing.
+/// Xerces keeps names in a table of fixed size. The first ones aren't compared, so that small documents cost nothing.
 constexpr XMLSize_t MAXIMUM_NAMES = 2000;
 
-/// Reaches what a scanner keeps for derived classes.
+/// Reaches members of a scanner that only derived classes can reach.
 class StateOf : public xercesc::XMLScanner {
 public:
     static xercesc::ReaderMgr& readers(XMLScanner& scanner) { return scanner.*&StateOf::fReaderMgr; }
@@ -42,8 +42,8 @@ void refuseIf(bool exceeded, const char* message, const xercesc::XMLScanner& sca
 } // namespace
 
 /// A document begins by the rules of XML 1.0 and with an empty table of IDs. Xerces would keep the version of the
-/// document before, and as large a table as that has needed, which then takes time to empty and has other
-/// collisions than `CollidingIDs` knows.
+/// last document, and a table as large as that document needed. Such a table takes time to empty, and has other
+/// collisions than `CollidingIDs` computes.
 void DocumentLimits::startDocument() {
     StateOf::version(scanner()) = xercesc::XMLReader::XMLV1_0;
     StateOf::readers(scanner()).setXMLVersion(xercesc::XMLReader::XMLV1_0);
@@ -69,7 +69,7 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
     countName(declaration.getBaseName());
     for (XMLSize_t i = 0; i < attributeCount; ++i)
         countAttribute(*attributes.elementAt(i));
-    if (!isEmpty) { // the end of an empty element isn't told
+    if (!isEmpty) { // the end of an empty element isn't reported
         openElements.push_back(attributeCount);
         openAttributes += attributeCount;
     }

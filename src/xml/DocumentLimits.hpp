@@ -12,16 +12,16 @@
 
 namespace opc::model {
 
-/// Stops a parse with `InvalidXMLDocument` when the document is built to exhaust its reader: nested too deep,
-/// or with too many comments, attributes, different names or colliding IDs. Made anew for each read, which then
-/// depends on no document that the parser has read before.
+/// Stops a parse with `InvalidXMLDocument` if the document is built to exhaust its reader: nested too deeply, or with
+/// too many comments, attributes, different names or colliding IDs. Each read makes a new object, so it doesn't
+/// depend on earlier documents.
 ///
-/// Xerces takes quadratic time for all of these, in parsing or in writing, and recurses to write. The limits
-/// lie far beyond any document of a package. A `DOMLSParserFilter` would see an element only when the time for
-/// its attributes has been spent.
+/// Xerces takes quadratic time for all of these, in parsing or in writing, and its writer recurses. The limits are
+/// far beyond any document of a package. A `DOMLSParserFilter` would be too late: it sees an element after its
+/// attributes have taken their time.
 class DocumentLimits final : public DocumentHandlerLink {
 public:
-    /// @param bytesSinceLastToken  set back to 0 when the parser tells something; must outlive this object
+    /// @param bytesSinceLastToken  reset to 0 when the parser reports something; must outlive this object
     DocumentLimits(xercesc::DOMLSParser* parser, std::uint64_t& bytesSinceLastToken)
         : DocumentHandlerLink(parser), bytesSinceLastToken(bytesSinceLastToken) {}
 
@@ -41,13 +41,13 @@ private:
     void countAttribute(const xercesc::XMLAttr& attribute);
 
     std::uint64_t& bytesSinceLastToken;
-    std::vector<XMLSize_t> openElements; ///< how many attributes each has
+    std::vector<XMLSize_t> openElements; ///< the number of attributes of each
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;
     XMLSize_t names = 0;                                ///< of elements, attributes and instructions
     std::unordered_set<std::u16string_view> laterNames; ///< the different ones, once there are many
-    std::deque<std::u16string> nameTexts;               ///< what they look into
-    std::unordered_set<std::u16string> namespaces;      ///< that are declared
+    std::deque<std::u16string> nameTexts;               ///< the texts that they point into
+    std::unordered_set<std::u16string> namespaces;      ///< the declared ones
     CollidingIDs ids;
 };
 

@@ -28,14 +28,14 @@ private:
     std::string& text;
 };
 
-/// Writes the bytes of a whole document, and flushes. The rest is dropped once the stream says that it is done.
+/// Writes a whole document, and flushes the stream. Stops when the stream says that it is done.
 void writeDocument(std::string_view document, OutputStream& stream);
 
-/// Writes a document that takes the place of one that was read or written, and counts it against the limits in its
+/// Writes a document that replaces the one that was read or written before, and counts it towards the limits in its
 /// place.
-/// @param share   of no document yet
+/// @param share   a share of no document
 /// @param holder  keeps the share of the document
-/// @throws InvalidPartContent  it has more than a limit lets pass; the share of the old one is given back by then
+/// @throws InvalidPartContent  a limit is exceeded; the share of the old document has been returned
 template <typename Holder>
 void writeInPlaceOfOld(std::string_view document, std::uint64_t elements, DocumentShare share,
                        const Holder& holder, OutputStream& stream) {

@@ -4,8 +4,8 @@
 
 namespace opc::model {
 
-/// Frees the documents of a parser when it goes out of scope, so that none outlives the read that made it.
-/// Without it a parser that lives long keeps every document that it has read.
+/// Frees the documents of a parser at the end of the scope. Otherwise a parser would keep all documents that it has
+/// read.
 class DocumentPoolReset {
 public:
     explicit DocumentPoolReset(xercesc::DOMLSParser* parser) : parser(parser) {}
@@ -15,7 +15,7 @@ public:
         try {
             parser->resetDocumentPool();
         } catch (...) {
-            // A parser that ran out of memory refuses. It frees its documents when it is released.
+            // A parser that ran out of memory throws here. It frees its documents when it is released.
         }
     }
 

@@ -11,7 +11,7 @@ using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::XMLString;
 
-/// Whether it is markup that no element is made of.
+/// Whether a node is markup other than elements and text.
 bool isAside(const DOMNode* node) {
     switch (node->getNodeType()) {
     case DOMNode::COMMENT_NODE:
@@ -31,7 +31,7 @@ bool hasName(const DOMElement* element, const XercesString& namespaceURI, const 
 } // namespace
 
 ElementIndex::ElementIndex(const DOMElement* root) {
-    // A stack, since asking a node for its parent costs much more than for anything else.
+    // A stack, because asking a node for its parent costs much more than everything else.
     struct Ancestor {
         const DOMNode* node;
         std::size_t position;

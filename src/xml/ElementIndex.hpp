@@ -17,21 +17,21 @@ namespace opc::model {
 
 class IndexedElement;
 
-/// The elements of a document that is looked through often, in document order, and where each of them ends. One
-/// walk through the document makes it; a look-up passes over numbers then, and not through the tree.
+/// The elements of a document that is searched often, in document order, with the end of each. It is made in one walk
+/// through the document. A search then passes over numbers instead of walking through the tree.
 ///
-/// Lives no longer than the document, which must not change.
+/// Must not outlive the document, which must not change.
 class ElementIndex {
 public:
     explicit ElementIndex(const xercesc::DOMElement* root);
     ElementIndex(const ElementIndex&) = delete;
     ElementIndex& operator=(const ElementIndex&) = delete;
 
-    /// Elements stand at consecutive positions from 0 on, that of the root.
+    /// Elements have consecutive positions from 0, the position of the root.
     std::size_t size() const { return entries.size(); }
     IndexedElement at(std::size_t position) const;
 
-    /// How many comments, CDATA sections and processing instructions stand in the root.
+    /// The number of comments, CDATA sections and processing instructions in the root.
     std::size_t countAsides() const { return asides; }
 
 private:
@@ -40,14 +40,14 @@ private:
     struct Entry {
         const xercesc::DOMElement* element;
         std::u16string_view tagName;
-        std::size_t end; ///< behind its last descendant
+        std::size_t end; ///< after its last descendant
     };
 
     std::vector<Entry> entries;
     std::size_t asides = 0;
 };
 
-/// An element of an index. Its look-ups give what those of `XercesHelper` give: all descendants count.
+/// An element of an index. Its searches find the same as those of `XercesHelper`: all descendants count.
 class IndexedElement {
 public:
     IndexedElement(const ElementIndex& index, std::size_t position) : index(&index), position(position) {}
@@ -55,7 +55,7 @@ public:
     const xercesc::DOMElement* element() const { return entry().element; }
     operator const xercesc::DOMElement*() const { return element(); }
 
-    /// The position behind its last descendant.
+    /// The position after its last descendant.
     std::size_t end() const { return entry().end; }
 
     bool isNamed(const XercesString& tagName) const { return entry().tagName == tagName.toXMLCh(); }

@@ -11,7 +11,7 @@ namespace opc::model {
 class ElementMeter final : public DocumentHandlerLink {
 public:
     /// @param share                   must outlive this object
-    /// @param ofElement, ofAttribute  what each of them counts
+    /// @param ofElement, ofAttribute  how much an element and an attribute count
     ElementMeter(xercesc::DOMLSParser* parser, DocumentShare& share, std::uint64_t ofElement = 1,
                  std::uint64_t ofAttribute = 0)
         : DocumentHandlerLink(parser), share(share), ofElement(ofElement), ofAttribute(ofAttribute) {}

@@ -7,7 +7,7 @@
 
 namespace opc::model {
 
-/// An element as the scanner tells of it, and no longer than it does so.
+/// An element while the scanner reports it. Don't keep it.
 class VisitedElement {
 public:
     VisitedElement(const xercesc::XMLElementDecl& declaration, const XMLCh* prefix, const XMLCh* namespaceURI,
@@ -18,18 +18,18 @@ public:
 
     bool isRoot() const { return root; }
 
-    /// Where its start tag ends.
+    /// The line in which its start tag ends.
     XMLFileLoc line() const { return lineNumber; }
 
-    /// Whether it has this tag name, which is one without a prefix.
+    /// Whether it has this tag name, which has no prefix.
     bool isNamed(std::u16string_view tagName) const { return !(prefix && *prefix) && localName() == tagName; }
 
-    /// Whether it has this name in this namespace, whatever its prefix.
+    /// Whether it has this name in this namespace, with any prefix.
     bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
         return localName() == name && itsNamespace == namespaceURI;
     }
 
-    /// The value of an attribute without a prefix; empty if there is none. Good until the element has been visited.
+    /// The value of an attribute without a prefix; empty if there is none. Good only during the visit.
     std::u16string_view attribute(std::u16string_view name) const;
 
 private:
@@ -44,8 +44,8 @@ private:
     XMLFileLoc lineNumber;
 };
 
-/// Has the elements of a document visited while the parser reads it, in document order, in place
-/// of building a tree of them. What was visited counts only if the reading succeeds.
+/// Visits the elements of a document in document order while the parser reads it, without building a tree. If the
+/// reading fails, ignore the results of the visits.
 class ElementVisits final : public DocumentHandlerLink {
 public:
     using Visitor = std::function<void(const VisitedElement&)>;

@@ -7,8 +7,7 @@
 
 namespace opc::model {
 
-/// Attaches an error handler to a parser or a serialiser for the life of this object, which must end before
-/// the handler's.
+/// Attaches an error handler to a parser or a serialiser while this object lives. The handler must outlive it.
 class ErrorHandlerAttachment {
 public:
     ErrorHandlerAttachment(xercesc::DOMConfiguration* configuration, XercesErrorHandler& handler)
@@ -20,8 +19,8 @@ public:
     ~ErrorHandlerAttachment() { set(nullptr); }
 
 private:
-    /// Xerces takes the handler as an untyped pointer to this very base class. Setting one that it knows
-    /// never fails.
+    /// Xerces takes the handler as an untyped pointer to exactly this base class. Setting a known parameter never
+    /// fails.
     void set(xercesc::DOMErrorHandler* handler) {
         configuration->setParameter(xercesc::XMLUni::fgDOMErrorHandler, static_cast<const void*>(handler));
     }

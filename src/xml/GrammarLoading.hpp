@@ -13,12 +13,12 @@ XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// Caches the grammars of `schemas`, in their order, in `parser` and makes it use them. For a parser just
-/// made, whose other parameters are set already.
-/// @throws InvalidXMLSchema  if a schema doesn't load
+/// Caches the grammars of `schemas` in `parser`, in their order, and makes the parser use them. The parser must be
+/// new, with all other parameters already set.
+/// @throws InvalidXMLSchema  a schema doesn't load
 void loadGrammars(xercesc::DOMLSParser* parser, std::initializer_list<const EmbeddedSchema*> schemas);
 
-/// The same for one schema that imports nothing, without a look at errors.
+/// The same for one schema that imports nothing, without a check for errors.
 /// @return the grammar, which belongs to the parser; null after an error
 xercesc::Grammar* loadGrammarUnchecked(xercesc::DOMLSParser* parser, const EmbeddedSchema& schema);
 

@@ -11,7 +11,7 @@ using xercesc::XMLUni;
 
 namespace {
 
-/// Asks first: that takes half the time of setting again what is set already.
+/// Asks first: that takes half the time of setting a value that is already set.
 void setIfPossible(DOMConfiguration* configuration, const char16_t* name, bool value) {
     if ((configuration->getParameter(name) != nullptr) != value &&
         configuration->canSetParameter(name, value))
@@ -30,7 +30,7 @@ void configureParser(DOMConfiguration* configuration, bool validate, bool loadSc
     configuration->setParameter(XMLUni::fgDOMDisallowDoctype, true);
     setIfPossible(configuration, XMLUni::fgXercesLoadExternalDTD, false);
     setIfPossible(configuration, XMLUni::fgXercesSkipDTDValidation, true);
-    // Otherwise a document's own xsi:schemaLocation opens files and connections.
+    // Otherwise the xsi:schemaLocation of a document opens files and connections.
     setIfPossible(configuration, XMLUni::fgXercesLoadSchema, loadSchemas);
 }
 

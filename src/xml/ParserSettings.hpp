@@ -5,7 +5,7 @@
 namespace opc::model {
 
 /// Sets what every parser of this library has: no document type, and nothing from outside.
-/// @param loadSchemas  whether a schema may be opened that isn't among the cached grammars
+/// @param loadSchemas  whether schemas outside the cached grammars may be opened
 void configureParser(xercesc::DOMConfiguration* configuration, bool validate, bool loadSchemas);
 
 } // namespace opc::model

@@ -12,20 +12,20 @@
 
 namespace opc::model::plain {
 
-/// What a character may be part of: bits, so that a set of them is a mask.
+/// The places that allow a character, as bits, so that a mask is a set of them.
 enum Kind : std::uint16_t {
     Space = 1,
     Letter = 2,
     Digit = 4,
     HexDigit = 8,
-    DoubleQuoted = 16, // an attribute value as it is: printable ASCII without `<`, `&` and the quote
+    DoubleQuoted = 16, // an attribute value without escapes: printable ASCII without `<`, `&` and the quote
     SingleQuoted = 32,
     Ampersand = 64,
     Colon = 128,
-    Delimiter = 256,    // what ends an authority or a segment of a URI: `/`, `?`, `#`
-    URIPlain = 512,     // stands anywhere in a path, a query or a fragment of a URI; so does a backslash here
+    Delimiter = 256,    // the end of an authority or of a segment of a URI: `/`, `?`, `#`
+    URIPlain = 512,     // anywhere in a path, a query or a fragment of a URI, including the backslash
     BeyondASCII = 1024, // a byte of UTF-8
-    Token = 2048,       // what type and subtype of a media type are made of, usually
+    Token = 2048,       // type and subtype of a usual media type
 };
 
 constexpr std::array<std::uint16_t, 256> classify() {
@@ -60,15 +60,15 @@ constexpr bool is(char c, unsigned kinds) {
     return (KINDS[static_cast<unsigned char>(c)] & kinds) != 0;
 }
 
-/// Whether the eight characters from `text` on are printable ASCII without `<`, `&` and both quotes: they stand in
-/// each attribute value as they are. Looks at all of them at once.
+/// Whether the eight characters from `text` on are printable ASCII without `<`, `&` and both quotes, so that an
+/// attribute value can have them without escapes. Examines all of them at once.
 inline bool areEightInValue(const char* text) {
     constexpr std::uint64_t EACH = 0x0101010101010101;
     constexpr std::uint64_t TOP_BITS = 0x80 * EACH;
     std::uint64_t all = 0;
     std::memcpy(&all, text, sizeof all);
-    // A term has a top bit, in characters of ASCII, only if one of them is what the term looks for. The second one
-    // looks for DEL, the third one for controls; `'` is `&` with the lowest bit.
+    // If all are ASCII, a term has a top bit only if one of them is a character that the term looks for. The second
+    // term looks for DEL, the third one for control characters. `'` differs from `&` only in the lowest bit.
     const auto has = [](std::uint64_t characters, char sought) {
         return (characters ^ (static_cast<unsigned char>(sought) * EACH)) - EACH;
     };
@@ -77,13 +77,13 @@ inline bool areEightInValue(const char* text) {
     return (found & TOP_BITS) == 0;
 }
 
-/// Whether a code unit is a character of text: but for the characters of markup, it stands in a document as itself.
+/// Whether a code unit is a character of text that needs no escape, apart from the characters of markup.
 constexpr bool isText(char16_t unit) {
     return (unit >= u' ' && unit <= u'~') || unit == u'\n' || unit == u'\t' ||
            (unit >= u'\u00A0' && unit < 0xD800);
 }
 
-/// Whether all characters are of these kinds.
+/// Whether all characters belong to these kinds.
 inline bool areAll(std::string_view text, unsigned kinds) {
     return std::all_of(text.begin(), text.end(), [kinds](char c) { return is(c, kinds); });
 }

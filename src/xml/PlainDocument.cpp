@@ -31,7 +31,7 @@ bool takeChildren(PlainReader& reader, std::string_view root, const PlainChildVi
     }
 }
 
-/// Whether the attributes of a root declare this namespace for names without a prefix, and else prefixes alone.
+/// Whether the attributes of a root declare this namespace for names without a prefix, and otherwise only prefixes.
 bool declareNamespace(const PlainAttributes& attributes, std::string_view namespaceURI) {
     bool isDeclared = false;
     for (const PlainAttribute& attribute : attributes) {
@@ -44,9 +44,9 @@ bool declareNamespace(const PlainAttributes& attributes, std::string_view namesp
 }
 
 constexpr std::string_view SECOND_FORM = "0000-00-00T00:00:00";
-constexpr std::size_t SECONDS = SECOND_FORM.size(); // up to them
+constexpr std::size_t SECONDS = SECOND_FORM.size(); // the length up to the seconds
 
-/// Whether a text is a second of a day, in a year from 1400 on.
+/// Whether a text is a time of whole seconds, in a year from 1400 on.
 bool isPlainSecond(std::string_view text) {
     if (!std::equal(text.begin(), text.end(), SECOND_FORM.begin(), SECOND_FORM.end(),
                     [](char c, char form) { return form == '0' ? is(c, plain::Digit) : c == form; }))

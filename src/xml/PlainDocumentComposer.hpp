@@ -7,23 +7,23 @@
 
 namespace opc::model {
 
-/// Composes a document of one root with empty children: the very bytes that the pretty-printing writer makes of
-/// such a document, at a small part of its cost.
+/// Composes a document of a root with empty children, byte for byte as the pretty-printing writer would write it, in
+/// a fraction of the time.
 ///
-/// A document with a value that isn't plain is left to Xerces, and so is one without children.
+/// Xerces must write documents with a value that isn't plain, and documents without children.
 class PlainDocumentComposer {
 public:
-    /// @param composed  takes the bytes; must outlive this object, as must `root`
+    /// @param composed  receives the bytes; must outlive this object, and so must `root`
     PlainDocumentComposer(std::string& composed, std::string_view root, std::string_view namespaceURI);
 
     void beginChild(std::string_view name);
 
-    /// The attributes of an element come in the order of their names: Xerces keeps them so.
+    /// Add the attributes of an element in the order of their names, as Xerces does.
     void addAttribute(std::string_view name, std::u16string_view value);
 
     void endChild();
 
-    /// @return whether the document is plain. If not, its bytes mean nothing
+    /// @return whether the document is plain. If not, ignore the bytes
     bool end();
 
 private:

@@ -46,7 +46,7 @@ bool PlainReader::skipDeclaration() {
     if (take(USUAL) || !take("<?xml"))
         return true;
     constexpr std::string_view NAMES[] = {"version", "encoding", "standalone"};
-    std::size_t next = 0; // they stand in this order, and the first one must be there
+    std::size_t next = 0; // they must be in this order, and the first one is required
     while (skipSpace()) {
         const std::string_view name = takeName();
         if (name.empty())

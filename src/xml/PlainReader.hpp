@@ -14,7 +14,7 @@ struct PlainAttribute {
     std::string_view value;
 };
 
-/// The attributes of one element: no more than elements of these documents usually have.
+/// The attributes of one element, at most as many as elements of these documents usually have.
 class PlainAttributes {
 public:
     const PlainAttribute* begin() const { return attributes.data(); }
@@ -22,7 +22,7 @@ public:
     std::size_t size() const { return count; }
     void clear() { count = 0; }
 
-    /// @return false, and nothing has been added, if there is one of that name or no room
+    /// @return false if an attribute has this name already, or there is no room; nothing is added then
     bool add(const PlainAttribute& attribute);
 
 private:
@@ -30,7 +30,7 @@ private:
     std::size_t count = 0;
 };
 
-/// Goes through a document piece by piece. Each operation takes a piece, if it stands there.
+/// Reads a document piece by piece. Each operation takes a piece, if it comes next.
 class PlainCursor {
 public:
     explicit PlainCursor(std::string_view document) : rest(document) {}
@@ -46,14 +46,14 @@ public:
         return true;
     }
 
-    /// Everything up to the next tag, or whatever begins like one.
+    /// Everything up to the next `<`, or up to the end.
     std::string_view takeText() {
         const std::string_view taken = rest.substr(0, rest.find('<'));
         rest.remove_prefix(taken.size());
         return taken;
     }
 
-    /// Everything up to a character, which is taken too.
+    /// Takes everything up to a character, and the character.
     /// @return false if there is no such character; then `text` is the rest of the document
     bool takeThrough(char end, std::string_view& text) {
         text = rest.substr(0, rest.find(end));
@@ -64,8 +64,8 @@ public:
         return true;
     }
 
-    /// What was taken from a place on.
-    /// @param begin  what `position` gave there
+    /// The text that was taken from a position on.
+    /// @param begin  the result of `position` at that place
     std::string_view takenSince(const char* begin) const {
         return {begin, static_cast<std::size_t>(position() - begin)};
     }
@@ -75,24 +75,24 @@ protected:
     std::string_view rest;
 };
 
-/// Goes through a document in the plain form (`xml/PlainDocument.hpp`). Each operation takes a piece, if it stands
-/// there and is plain. After one that didn't take what it should, the document isn't plain.
+/// Reads a document in the plain form (`xml/PlainDocument.hpp`). Each operation takes a piece, if it comes next and
+/// is plain. If an operation didn't take a required piece, the document isn't plain.
 class PlainReader : public PlainCursor {
 public:
-    /// @param texts  takes the values of attributes that have references in them; must outlive this object
+    /// @param texts  receives the values of attributes that contain references; must outlive this object
     PlainReader(std::string_view document, PlainTexts& texts) : PlainCursor(document), texts(texts) {}
 
     /// @return whether there was any
     bool skipSpace() { return !takeAll(plain::Space).empty(); }
 
-    /// White space and comments. A comment that isn't plain, or is one too many, is left to stand there.
+    /// White space and comments. Stops before a comment that isn't plain, and before one too many.
     void skipMisc() {
         skipSpace();
         if (isAt("<!--"))
             skipComments();
     }
 
-    /// What may stand in front of the root: a byte order mark, the XML declaration, white space and comments.
+    /// Everything that can come before the root: a byte order mark, the XML declaration, white space and comments.
     bool skipProlog();
 
     /// A name of ASCII letters, with a prefix or without; empty if there is none.
@@ -128,11 +128,11 @@ private:
         return take(quote) || takeReferences(quote, kinds, value);
     }
 
-    /// The rest of a value, whose first reference stands there.
+    /// The rest of a value, which begins with the value's first reference.
     bool takeReferences(std::string_view quote, unsigned kinds, std::string_view& value);
 
     /// The longest run of characters of these kinds.
-    /// @param known  so many are
+    /// @param known  the number of characters that are already known to belong to it
     std::string_view takeAll(unsigned kinds, std::size_t known = 0) {
         std::size_t end = known;
         while (end < rest.size() && plain::is(rest[end], kinds))

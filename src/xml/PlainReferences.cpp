@@ -19,7 +19,7 @@ struct Entity {
 
 constexpr Entity ENTITIES[] = {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
 
-/// @param number  as it stands behind the number sign: in hexadecimal digits if it begins with an x
+/// @param number  what follows the number sign: hexadecimal digits if it begins with an x
 bool appendCharacter(std::string_view number, std::string& text) {
     const bool isHexadecimal = number.substr(0, 1) == "x";
     if (isHexadecimal)
@@ -33,7 +33,7 @@ bool appendCharacter(std::string_view number, std::string& text) {
     return true;
 }
 
-/// @param reference  what stands between the ampersand and the semicolon
+/// @param reference  what is between the ampersand and the semicolon
 bool appendReference(std::string_view reference, std::string& text) {
     if (reference.substr(0, 1) == "#")
         return appendCharacter(reference.substr(1), text);

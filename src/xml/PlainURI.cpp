@@ -14,7 +14,7 @@ namespace {
 using plain::areAll;
 using plain::is;
 
-/// Where the first character of these kinds stands; the end of the text if there is none.
+/// The position of the first character of these kinds; the end of the text if there is none.
 std::size_t findKind(std::string_view text, unsigned kinds) {
     const auto* const found =
         std::find_if(text.begin(), text.end(), [kinds](char c) { return is(c, kinds); });
@@ -28,8 +28,8 @@ bool isScheme(std::string_view text) {
            });
 }
 
-/// Whether a text is a host's name: labels of letters and digits, with hyphens inside, and the last one
-/// beginning with a letter (RFC 2396 section 3.2.2).
+/// Whether a text is a host name: labels of letters and digits, with hyphens inside. The last label begins with a
+/// letter (RFC 2396 section 3.2.2).
 bool isHostName(std::string_view text) {
     for (;;) {
         const std::size_t dot = text.find('.');
@@ -45,7 +45,7 @@ bool isHostName(std::string_view text) {
     }
 }
 
-/// Whether a text is the name of a host, and a port behind it if there is a colon.
+/// Whether a text is a host name, and a port if there is a colon.
 bool isPlainAuthority(std::string_view text) {
     constexpr std::size_t MOST_DIGITS = 5;
     const std::size_t colon = std::min(text.find(':'), text.size());
@@ -57,28 +57,28 @@ bool isPlainAuthority(std::string_view text) {
     return isHostName(text.substr(0, colon));
 }
 
-/// Whether an authority stands there, or would do so if backslashes were slashes.
+/// Whether the text begins with an authority, or would do so if backslashes were slashes.
 bool beginsLikeAuthority(std::string_view text) {
     return text.size() > 1 && (text[0] == '/' || text[0] == '\\') && (text[1] == '/' || text[1] == '\\');
 }
 
-/// Whether a text holds nothing in UTF-8 but characters that a reference may have beyond ASCII.
+/// Whether all characters of a text in UTF-8 that are beyond ASCII are allowed in a reference.
 bool isPlainUnicode(std::string_view text) {
-    constexpr char16_t REPLACEMENT = 0xFFFD; // which stands for what isn't UTF-8, too
+    constexpr char16_t REPLACEMENT = 0xFFFD; // also the replacement for invalid UTF-8
     const std::u16string units = toString(std::string(text), true);
     return std::all_of(units.begin(), units.end(),
                        [](char16_t unit) { return unit < 0x80 || (unit >= 0xA0 && unit < REPLACEMENT); });
 }
 
-/// Where the next character stands that isn't plain anywhere.
+/// The position of the next character that is plain nowhere.
 std::size_t findOther(std::string_view text, std::size_t position) {
     const auto* const found =
         std::find_if_not(text.begin() + position, text.end(), [](char c) { return is(c, plain::URIPlain); });
     return static_cast<std::size_t>(found - text.begin());
 }
 
-/// Checks path, query and fragment, whose characters are nearly the same.
-/// @param kind  of a text in ASCII
+/// Checks path, query and fragment, which allow nearly the same characters.
+/// @param kind  the result for a text in ASCII
 PlainURI recogniseRest(std::string_view text, PlainURI kind) {
     bool hasFragment = false;
     bool isASCII = true;
@@ -87,7 +87,7 @@ PlainURI recogniseRest(std::string_view text, PlainURI kind) {
         if (c == '%' && text.size() - at >= 2 && areAll(text.substr(at, 2), plain::HexDigit))
             at += 2;
         else if (c == ' ' && at > 1 && at < text.size() && text[at] != ' ')
-            continue; // a blank that stays when white space is collapsed
+            continue; // a single blank isn't changed when white space is collapsed
         else if (c == '#' && !hasFragment)
             hasFragment = true;
         else if (is(c, plain::BeyondASCII))
@@ -100,7 +100,7 @@ PlainURI recogniseRest(std::string_view text, PlainURI kind) {
     return isPlainUnicode(text) ? PlainURI::IRI : PlainURI::No;
 }
 
-/// Checks what stands behind any other scheme and its colon.
+/// Checks what follows any other scheme and its colon.
 PlainURI recogniseOtherScheme(std::string_view text) {
     if (text.substr(0, 3) == "///") // an authority, which is empty
         return recogniseRest(text.substr(2), PlainURI::OtherScheme);

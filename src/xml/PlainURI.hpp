@@ -4,16 +4,16 @@
 
 namespace opc::model {
 
-/// What a text is, if it has a usual form. Each kind is good for all that the ones before it are good for: the test
-/// of external targets, which takes backslashes for slashes, lets all of them pass.
+/// What a text is, if it has a usual form. Each kind can do everything that the kinds before it can: all of them pass
+/// the test of external targets, which treats backslashes as slashes.
 enum class PlainURI {
-    No,          ///< of no usual form: it may be valid, or not
+    No,          ///< no usual form; it may be valid or not
     IRI,         ///< a valid xs:anyURI, and an IRI with characters beyond ASCII
-    OtherScheme, ///< a URI as well. It may be opaque
+    OtherScheme, ///< also a URI, possibly an opaque one
     Reference,   ///< a relative reference, or a URI of http or https: not opaque
 };
 
-/// Recognises the usual forms, none of them empty.
+/// Recognises the usual forms. None of them is empty.
 PlainURI recognisePlainURI(std::string_view text);
 
 /// Whether a text is a valid URI of a usual form that isn't opaque.

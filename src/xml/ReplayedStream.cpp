@@ -26,7 +26,7 @@ std::optional<std::string_view> ReplayedStream::readAhead(ReadAheadBuffer& buffe
             const std::size_t room = buffer.size() - filled;
             const std::uint64_t got =
                 std::min<std::uint64_t>(stream.read(buffer.data() + filled, room), room);
-            if (got == 0 && !stream.isDone()) { // to a parser the document ends here
+            if (got == 0 && !stream.isDone()) { // the document ends here for a parser
                 gaveNothing = true;
                 return std::nullopt;
             }

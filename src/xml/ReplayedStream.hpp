@@ -11,7 +11,7 @@
 
 namespace opc::model {
 
-/// Room for the bytes of a stream, which isn't set to zero first, and grows in place where the system can.
+/// A buffer for the bytes of a stream. It isn't set to zero first, and grows in place where the system can do that.
 class ReadAheadBuffer {
 public:
     ReadAheadBuffer() = default;
@@ -21,8 +21,8 @@ public:
     unsigned char* data() const { return bytes.get(); }
     std::size_t size() const { return room; }
 
-    /// @param larger  in bytes; what the room holds stays
-    /// @throws std::bad_alloc  and the room is as it was
+    /// @param larger  the new size in bytes; the content stays
+    /// @throws std::bad_alloc  and the buffer doesn't change
     void grow(std::size_t larger);
 
 private:
@@ -34,16 +34,16 @@ private:
     std::size_t room = 0;
 };
 
-/// A stream whose first bytes have been read ahead: gives those first and then what the stream itself
-/// gives, as if nobody had looked. A failure in reading ahead is kept for whoever reads that far.
+/// A stream whose first bytes were read ahead. It gives those first, and then what the stream itself gives. If
+/// reading ahead failed, the reader gets the failure when it comes to that point.
 class ReplayedStream : public InputStream {
 public:
     /// @param stream  open; must outlive this object
     explicit ReplayedStream(InputStream& stream) : stream(stream) {}
 
     /// Reads ahead to the end of the stream, but not much beyond `limit` bytes.
-    /// @param buffer  grows as needed; must outlive this object and be left alone meanwhile
-    /// @return the bytes, in the buffer, if the end was reached
+    /// @param buffer  grows as needed; must outlive this object, and nobody else may change it meanwhile
+    /// @return all bytes of the stream, in the buffer; nothing if the stream is longer
     std::optional<std::string_view> readAhead(ReadAheadBuffer& buffer, std::size_t limit);
 
     void open() override;
@@ -54,10 +54,10 @@ public:
 private:
     InputStream& stream;
     const unsigned char* ahead = nullptr;
-    std::size_t filled = 0; // of what is read ahead
+    std::size_t filled = 0; // the number of bytes that were read ahead
     std::size_t position = 0;
     std::exception_ptr failure;
-    bool gaveNothing = false; // behind what is read ahead, without being done
+    bool gaveNothing = false; // the stream gave no bytes after those, without being done
 };
 
 } // namespace opc::model

@@ -10,9 +10,9 @@
 
 namespace opc::model {
 
-/// A parser that reads many documents, one after the other. It is taken from the idle ones when the first document
-/// comes, and given back in the end. It is dropped when it has failed, which it may not survive, or when it keeps much
-/// of what it has read.
+/// A parser that reads many documents, one after the other. It is taken from the idle parsers for the first document,
+/// and given back in the end. It is dropped if it has failed, because it may be broken, or if it keeps much of what
+/// it has read.
 ///
 /// The owner holds a `XercesGuard` that outlives it.
 class ReusedParser {
@@ -23,8 +23,8 @@ public:
     ReusedParser& operator=(const ReusedParser&) = delete;
     ~ReusedParser() { kind.giveBack(std::move(kept)); }
 
-    /// Calls `operation` with the parser and with the stream that it is to read in place of `stream`. The documents
-    /// that it reads go when it ends.
+    /// Calls `operation` with the parser and with a stream to read instead of `stream`. The documents that the parser
+    /// reads are freed at the end.
     template <typename Operation>
     void use(InputStream& stream, Operation&& operation) {
         IdleParsers::Owned parser = kept ? std::move(kept) : kind.take();
@@ -58,7 +58,7 @@ private:
         std::uint64_t bytes = 0;
     };
 
-    /// @param length  of what it has read, in bytes
+    /// @param length  the number of bytes that it has read
     static bool isWorn(xercesc::DOMLSParser& parser, std::uint64_t length);
 
     IdleParsers& kind;

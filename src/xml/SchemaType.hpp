@@ -14,7 +14,7 @@ XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// A simple type of a schema, which single values are put to: the check that validation makes.
+/// A simple type of a schema. It checks single values as validation does.
 class SchemaType {
 public:
     /// @param kind          with the schema; must outlive this object
@@ -30,7 +30,7 @@ public:
 private:
     const XercesGuard guard;
     IdleParsers& kind;
-    IdleParsers::Owned parser; // has the grammar, which has the type
+    IdleParsers::Owned parser; // has the grammar of the type
     xercesc::DatatypeValidator* validator;
 };
 

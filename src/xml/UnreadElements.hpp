@@ -5,11 +5,11 @@
 
 namespace opc::model {
 
-/// How many elements weren't read, and why.
+/// How many elements were ignored, and why.
 std::string describeElements(std::size_t count);
 
-/// Why a document with unread elements can't be written anew. Elements are found by their names without a prefix, so
-/// that those with a prefix aren't read; nor is a root that isn't the usual one.
+/// Why a document with ignored elements can't be written again. Elements are found by their names without a prefix,
+/// so elements with a prefix are ignored, and so is an unusual root.
 std::string describeUnread(std::size_t count);
 
 } // namespace opc::model

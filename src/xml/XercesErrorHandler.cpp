@@ -21,8 +21,8 @@ XercesErrorHandler::~XercesErrorHandler() {
 bool XercesErrorHandler::handleError(const xercesc::DOMError& error) {
     if (error.getSeverity() == xercesc::DOMError::DOM_SEVERITY_WARNING)
         return true;
-    // Xerces swallows what is thrown here and takes the document as valid: the error counts even if there is
-    // no memory for its message.
+    // Xerces swallows exceptions from here and takes the document for valid. So the error counts even if there is no
+    // memory for its message.
     recorded = true;
     const xercesc::DOMLocator* const place = error.getLocation();
     line = place != nullptr ? place->getLineNumber() : 0;

@@ -13,12 +13,12 @@
 
 namespace opc::model {
 
-/// A message of Xerces as exceptions hold it, in the narrow encoding of Xerces. Null gives a text that says
-/// that there is none.
+/// A message of Xerces in the narrow encoding of Xerces, as exceptions hold it. Null gives a text that says that
+/// there is no message.
 std::string toNarrowMessage(const char16_t* message);
 
-/// Runs `operation`; if Xerces gets no memory in it, that leaves as `std::bad_alloc`. What Xerces throws then
-/// belongs to no family of exceptions.
+/// Runs `operation`. If Xerces runs out of memory in it, throws `std::bad_alloc`: Xerces itself throws a class
+/// outside all families of exceptions.
 template <typename Operation>
 auto translateLackOfMemory(Operation&& operation) {
     try {
@@ -28,7 +28,7 @@ auto translateLackOfMemory(Operation&& operation) {
     }
 }
 
-/// The same, and any other failure of Xerces leaves as `InvalidXMLDocument` with the message of Xerces.
+/// The same. All other failures of Xerces become `InvalidXMLDocument` with the message of Xerces.
 template <typename Operation>
 auto translateXercesFailures(Operation&& operation) {
     try {

@@ -20,7 +20,7 @@ DOMElement* append(DOMNode* parent, DOMElement* element) {
     return element;
 }
 
-/// Says whether an element has a tag name, as `getElementsByTagName` does.
+/// Whether an element has a tag name, as for `getElementsByTagName`.
 class TagNameTest {
 public:
     explicit TagNameTest(const XercesString& tagName) : name(tagName.toXMLCh()), any(tagName == u"*") {}
@@ -34,7 +34,7 @@ private:
     bool any;
 };
 
-/// Says whether an element has a namespace and a local name, as `getElementsByTagNameNS` does.
+/// Whether an element has a namespace and a local name, as for `getElementsByTagNameNS`.
 class ExpandedNameTest {
 public:
     ExpandedNameTest(const XercesString& namespaceURI, const XercesString& localName)
@@ -64,8 +64,8 @@ DOMNode* nextBelow(const DOMElement* root, DOMNode* node) {
     return nullptr;
 }
 
-/// Gives each descendant element that matches to `visit`, until that returns false. The node lists of the DOM
-/// walk from the start for each use, which is quadratic.
+/// Calls `visit` with each descendant element that matches, until it returns false. The node lists of the DOM walk
+/// from the start at each use, which is quadratic.
 template <typename Test, typename Visit>
 void visitMatches(const DOMElement* root, const Test& matches, Visit&& visit) {
     for (DOMNode* node = root->getFirstChild(); node; node = nextBelow(root, node)) {
@@ -104,7 +104,7 @@ bool takeValue(const DOMAttr* attribute, std::u16string& value) {
     return true;
 }
 
-/// White space in the "C" locale, whatever locale the program has set.
+/// White space in the "C" locale, independent of the locale of the program.
 constexpr bool isSpace(char16_t unit) noexcept {
     return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
 }

@@ -30,7 +30,7 @@ using xercesc::DOMLSSerializer;
 using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
 
-/// Takes what Xerces writes, which comes in many small pieces.
+/// Receives what Xerces writes, in many small pieces.
 class StringTarget final : public xercesc::XMLFormatTarget {
 public:
     void writeChars(const XMLByte* toWrite, XMLSize_t count, xercesc::XMLFormatter*) override {
@@ -43,7 +43,7 @@ private:
     std::string bytes;
 };
 
-/// Sets the place of a further schema on a parser for the life of this object.
+/// Sets the place of a further schema in a parser while this object lives.
 class SchemaLocation {
 public:
     SchemaLocation(DOMConfiguration* configuration, const std::u16string& location,
@@ -195,11 +195,11 @@ void XercesHelper::writeDocumentHelper(DOMLSSerializer* serializer, const DOMDoc
             serializer->write(document, output.get());
         });
     } catch (const InvalidXMLDocument&) {
-        handler.throwIfError(); // what the handler was told is more exact than what was thrown behind it
+        handler.throwIfError(); // the handler's error is more exact than a later exception
         throw;
     }
     handler.throwIfError();
-    writeDocument(target.written(), stream); // now that the writing has succeeded
+    writeDocument(target.written(), stream); // only now: the writing has succeeded
 }
 
 void XercesHelper::throwIfUnsupportedEncoding(const DOMDocument* document) {

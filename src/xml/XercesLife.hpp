@@ -2,7 +2,8 @@
 
 namespace opc::model {
 
-/// Whether Xerces stays up until the process ends, as a `XercesGuard` has initialised it and not the application.
+/// Whether Xerces stays initialised until the process ends, because a `XercesGuard` initialised it and not the
+/// application.
 bool xercesStaysUp() noexcept;
 
 } // namespace opc::model

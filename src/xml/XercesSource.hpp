@@ -15,7 +15,7 @@
 
 namespace opc::model {
 
-/// What is known of a stream while Xerces reads from it.
+/// What is known about a stream while Xerces reads from it.
 struct SourceState {
     std::exception_ptr failure;
     std::uint64_t bytesSinceLastToken = 0;
@@ -23,8 +23,8 @@ struct SourceState {
 
 /// Lets Xerces read from a stream.
 ///
-/// Xerces leaks when a stranger's exception runs through it: a stream that fails looks ended to Xerces, and
-/// the exception is kept for the one who started the parse.
+/// Xerces leaks memory when a foreign exception passes through it. So a failed stream looks ended to Xerces, and the
+/// exception is kept for the caller of the parse.
 class InputStreamBinInputStream final : public xercesc::BinInputStream {
 public:
     InputStreamBinInputStream(InputStream& stream, SourceState& state) : stream(stream), state(state) {}
@@ -35,11 +35,11 @@ public:
         if (state.failure)
             return 0;
         try {
-            if (state.bytesSinceLastToken > LONGEST_TAG) // text is told in pieces
+            if (state.bytesSinceLastToken > LONGEST_TAG) // text is reported in pieces
                 throw InvalidXMLDocument(TAG_IS_TOO_LONG);
             if (stream.isDone())
                 return 0;
-            // Xerces trusts the count: more than there is room for would make it read behind its buffer.
+            // Xerces trusts the count: a larger one would make it read beyond its buffer.
             const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
             position += count;
             state.bytesSinceLastToken += count;
