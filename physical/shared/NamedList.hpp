@@ -17,10 +17,10 @@
 
 namespace opc::physical {
 
-/// Items in the order in which they were added, found by name without regard to the case of ASCII letters.
-/// Items don't move. `Item` has a member `name`, a string or a view of one, which may change in case alone.
+/// Items in the order in which they were added, found by name without regard to the case of ASCII letters. Items
+/// don't move. `Item` has a member `name`, a string or a view of one. Only its letter case may change.
 ///
-/// There may be a million of them: items come in blocks of memory, and finding one looks at few places.
+/// There may be a million of them: items are allocated in blocks, and a search looks at few places.
 template <typename Item>
 class NamedList {
 public:
@@ -37,8 +37,8 @@ public:
         return number == NONE ? nullptr : &*entries[number].item;
     }
 
-    /// @param arguments  of the new item, which is to have the name `name`
-    /// @return null if there is an item of this name already
+    /// @param arguments  for the constructor of the new item, which must have the name `name`
+    /// @return null if an item with this name exists
     template <typename... Arguments>
     Item* add(Name name, Arguments&&... arguments) {
         const Hash key = hash(name);
@@ -61,7 +61,7 @@ public:
             return false;
         items.erase(entries[number].item);
         *link = entries[number].next;
-        // The last entry takes the number that is free now.
+        // The last entry takes the free number.
         const auto last = static_cast<Number>(entries.size() - 1);
         if (number != last) {
             Number* linkToLast = &chainOf(entries[last].key);
@@ -74,7 +74,7 @@ public:
         return true;
     }
 
-    /// Makes room in the index for so many items.
+    /// Reserves room in the index for this many items.
     void reserve(std::size_t count) {
         if (count <= chains.size())
             return;
@@ -88,14 +88,14 @@ public:
 
 private:
     using Hash = std::uint32_t;
-    using Number = std::uint32_t; ///< of an entry
+    using Number = std::uint32_t; ///< the number of an entry
     static constexpr Number NONE = ~Number{0};
     static constexpr std::uint64_t PRIME = (std::uint64_t{1} << 61) - 1;
     __extension__ using Wide = unsigned __int128;
 
     struct Entry {
         Hash key;
-        Number next; ///< in the chain of entries whose keys fall together
+        Number next; ///< the next one in the chain of entries with the same hash value
         typename Items::iterator item;
     };
 
@@ -108,8 +108,8 @@ private:
                           [](Character a, Character b) { return lower(a) == lower(b); });
     }
 
-    /// The length, and the characters in lower case, as the digits of a number in a base that nobody knows, modulo the
-    /// prime 2^61 - 1: so nobody can choose names that fall together. As many characters as have room are one digit.
+    /// Hashes the length and the characters in lower case: they are the digits of a number in a secret base, modulo
+    /// the prime 2^61 - 1. So nobody can choose names that collide. One digit holds as many characters as fit.
     static Hash hash(Name name) {
         static const std::uint64_t BASE = chooseBase();
         constexpr std::size_t IN_DIGIT = 7 / sizeof(Character);
@@ -136,7 +136,7 @@ private:
         return chains[static_cast<std::size_t>(std::uint64_t{key} * chains.size() >> 32)];
     }
 
-    /// @return the link to the entry of this name, or to none at the end of its chain
+    /// @return the link to the entry with this name, or the empty link at the end of its chain
     Number* locate(Hash key, Name name) {
         const auto isIt = [&](const Entry& entry) {
             return entry.key == key && isSame(entry.item->name, name);
@@ -150,7 +150,7 @@ private:
     std::pmr::unsynchronized_pool_resource memory;
     Items items{&memory};
     std::vector<Entry> entries;
-    std::vector<Number> chains; ///< where each begins
+    std::vector<Number> chains; ///< the first entry of each chain
 };
 
 } // namespace opc::physical

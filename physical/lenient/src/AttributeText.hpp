@@ -5,10 +5,10 @@
 
 namespace opc::physical::lenient {
 
-/// The value of an attribute as it stands between quotes of either kind, so that it is read as it is.
+/// An attribute value in the form that both kinds of quotes can hold, so that it is read unchanged.
 std::u16string escapeValue(std::u16string_view value);
 
-/// Adds an attribute to a start tag, behind a blank.
+/// Adds a blank and an attribute to a start tag.
 void addAttribute(std::u16string& tag, std::u16string_view name, std::u16string_view value);
 
 } // namespace opc::physical::lenient

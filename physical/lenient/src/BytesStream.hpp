@@ -9,7 +9,7 @@
 
 namespace opc::physical::lenient {
 
-/// Gives bytes of its own.
+/// A stream of bytes that it owns.
 class BytesStream : public interfaces::IPhysicalInputStream {
 public:
     explicit BytesStream(std::vector<unsigned char> bytes) : bytes(std::move(bytes)) {}

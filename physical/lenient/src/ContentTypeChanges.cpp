@@ -20,7 +20,7 @@ bool areSame(const std::u16string& left, const std::u16string& right) {
     return left == right || model::ContentType(left).toString() == model::ContentType(right).toString();
 }
 
-/// The document that is to change.
+/// The document that must change.
 struct Original {
     explicit Original(const Bytes& bytes) : document(bytes), entries(document.markup(), rules) {}
 
@@ -29,7 +29,7 @@ struct Original {
     const ContentTypeEntries entries;
 };
 
-/// A document that the model has written: it need not be checked.
+/// A document that the model has written, so it need not be checked.
 struct Wanted {
     explicit Wanted(const Bytes& bytes)
         : text(*DocumentText::decode(bytes)), markup(text.text()), entries(markup, rules) {}
@@ -74,7 +74,7 @@ private:
         return changed.markup.findAttribute(element, {}, ContentTypeEntry::keyName(entry.kind))->value();
     }
 
-    /// Gives a part an entry of its own in place of the Default that it rests on.
+    /// Gives a part its own entry instead of the Default that it uses.
     void carryWithheld(const std::u16string& name) {
         const auto common = withheld.find(toLowerASCIIString(detail::getExtension(name)));
         const std::u16string key = toLowerASCIIString(name);
@@ -108,7 +108,8 @@ private:
                 edits.remove(elementOf(entry));
     }
 
-    /// Removes all for parts whose entry the model has removed, and what was left out for parts that are new or gone.
+    /// Removes all entries of parts whose entry the model has removed, and entries that were left out if their part
+    /// is new or deleted.
     void removeGone() {
         const std::vector<ContentTypeEntry>& all = old.entries.all();
         for (std::size_t i = 0; i < all.size();) {
@@ -136,8 +137,8 @@ private:
     const Wanted& changed;
     const ContentTypesContext& context;
     DocumentEdits edits;
-    std::map<std::u16string, std::u16string> withheld; ///< content types of Defaults that aren't written
-    std::set<std::u16string> onTheirOwn;               ///< names of parts that would rest on these
+    std::map<std::u16string, std::u16string> withheld; ///< content types of the Defaults that aren't written
+    std::set<std::u16string> onTheirOwn;               ///< names of the parts that would use those Defaults
 };
 
 } // namespace

@@ -18,7 +18,7 @@ namespace {
 
 using namespace model::vocabulary::content_types;
 
-/// Of the form in which office programs wrote packages before the standard; it means the same.
+/// The namespace in which office programs wrote packages before the standard. It means the same.
 constexpr std::u16string_view BETA_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/content-types";
 constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr char LEFT_OUT[] = "left out, and kept in the file";
@@ -41,7 +41,7 @@ std::string quote(const std::u16string& value) {
     return value.size() <= LONGEST ? toUDEString(value) : toUDEString(value.substr(0, LONGEST)) + "...";
 }
 
-/// Speaks of several by the first: there may be as many as the document has room for.
+/// Describes several findings by the first one, because a document can have very many.
 std::string andMore(std::size_t count) {
     return count == 1 ? "" : " and " + std::to_string(count - 1) + " more";
 }
@@ -56,7 +56,7 @@ std::u16string_view ContentTypeEntry::keyName(Kind kind) {
     return kind == Kind::Default ? std::u16string_view(EXTENSION) : PART_NAME;
 }
 
-/// Goes through the elements of a document once.
+/// Visits the elements of a document once.
 class ContentTypesReader {
 public:
     ContentTypesReader(const Markup& markup, model::ContentTypeRules& rules, ContentTypeEntries& result)
@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    /// Adds what other programs may read otherwise.
+    /// Adds something that other programs may read in another way.
     void addDisputed(const char* rule, std::size_t line, std::string what, const char* done) {
         add(rule, line, std::move(what), done);
         ++result.disputed;
@@ -101,7 +101,7 @@ private:
         result.found.push_back({rule, u"/[Content_Types].xml", line, std::move(what), done});
     }
 
-    /// The root or an entry, for a message.
+    /// How a message names the root or an entry.
     std::string describe(const Element& element) const {
         if (element.depth == 0)
             return "the root";
@@ -163,7 +163,7 @@ private:
         result.entries.push_back(std::move(entry));
     }
 
-    /// @return the rule that is broken; null if there is none
+    /// @return the broken rule; null if none is
     const char* takeValues(ContentTypeEntry& entry, const Element& element, std::u16string_view keyName) {
         const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
         const char* const rule = isDefault ? "M2.6" : "M2.7";
@@ -199,7 +199,7 @@ private:
         entry.defect = model::ContentTypeRules::findDefectOfPartName(name);
     }
 
-    /// Of an element that should be empty.
+    /// Checks an element that should be empty.
     void checkContent(const Element& element, const ContentTypeEntry& entry) {
         result.readAsTheyAre = false;
         const auto& elements = markup.elements();
@@ -209,7 +209,7 @@ private:
                         "it was read without what is in it");
     }
 
-    /// Finds which of several entries for the same counts.
+    /// Finds the entry that counts among several with the same key.
     void settle() {
         auto& entries = result.entries;
         std::stable_sort(entries.begin(), entries.end(), precedes);
@@ -235,7 +235,7 @@ private:
         if (&entry == &first || entry.contentType == first.contentType ||
             model::ContentType(entry.contentType) == model::ContentType(first.contentType))
             return;
-        const bool wasReadAsItIs = result.readAsTheyAre; // the model passes it over as well
+        const bool wasReadAsItIs = result.readAsTheyAre; // the model ignores it too
         add("M2.5", element.line, describe(element) + " contradicts another one", "the first one counts");
         result.readAsTheyAre = wasReadAsItIs;
     }

@@ -15,26 +15,26 @@ class ContentTypeRules;
 
 namespace opc::physical::lenient {
 
-/// An entry of a content types stream: an element `Default` or `Override`, good or not.
+/// An entry of a content types stream: an element `Default` or `Override`, valid or not.
 struct ContentTypeEntry {
     enum class Kind { Default, Override };
     enum class Standing {
-        Counts,  ///< the first good one for its extension or part name
-        Repeats, ///< one more for the same
-        LeftOut, ///< what can't be read
+        Counts,  ///< the first valid one with its extension or part name
+        Repeats, ///< a further one with that key
+        LeftOut, ///< can't be read
     };
 
     static std::u16string_view elementName(Kind kind);
 
-    /// Of the attribute that says what the entry is for.
+    /// Where the attribute with the key is.
     static std::u16string_view keyName(Kind kind);
 
     Kind kind;
     Standing standing;
-    bool lacksSlash;            ///< in front of its part name
+    bool lacksSlash;            ///< at the start of its part name
     std::u16string key;         ///< the extension, or the part name with its slash, in lower case
-    std::u16string contentType; ///< as it is written
-    std::size_t element;        ///< its place in the markup
+    std::u16string contentType; ///< as in the document
+    std::size_t element;        ///< its index in the markup
     std::string defect;         ///< why it is left out, in English
 };
 
@@ -44,7 +44,7 @@ public:
     using Kind = ContentTypeEntry::Kind;
     using Standing = ContentTypeEntry::Standing;
 
-    /// The entries of one kind and key. That which counts stands first, then those that repeat it.
+    /// The entries with one kind and key. The first one counts, the others repeat it.
     struct Group {
         const ContentTypeEntry* first;
         const ContentTypeEntry* last;
@@ -52,7 +52,7 @@ public:
         const ContentTypeEntry* end() const { return last; }
     };
 
-    /// @param markup  is needed no longer than this takes
+    /// @param markup  needed only during this call
     /// @throws Exception  the root isn't that of a content types stream
     ContentTypeEntries(const Markup& markup, model::ContentTypeRules& rules);
 
@@ -63,26 +63,26 @@ public:
     /// @param key  in lower case
     const ContentTypeEntry* findFirst(Kind kind, std::u16string_view key) const;
 
-    /// The one that counts; null if all have been left out, or there are none.
+    /// The entry that counts; null if all were left out, or there are none.
     const ContentTypeEntry* find(Kind kind, std::u16string_view key) const {
         const ContentTypeEntry* const first = findFirst(kind, key);
         return first != nullptr && first->standing == Standing::Counts ? first : nullptr;
     }
 
-    /// The group that begins with an entry.
+    /// The end of the group that begins with an entry.
     Group groupOf(const ContentTypeEntry& first) const;
 
-    /// What breaks the standard, in the order of lines.
+    /// What breaks the standard, ordered by line.
     const std::vector<interfaces::Oddity>& oddities() const { return found; }
 
-    /// How many of the oddities other programs may read otherwise.
+    /// How many of the oddities other programs may read in another way.
     std::size_t countDisputed() const { return disputed; }
 
     /// Whether the model reads the same from the document itself.
     bool areReadAsTheyAre() const { return readAsTheyAre; }
 
-    /// What the model is to read in place of the document: a plain one with all entries that aren't left out.
-    /// @param additions  elements to be added
+    /// The document for the model: a plain one with all entries except those that were left out.
+    /// @param additions  more elements
     std::string toDocument(std::u16string_view additions) const;
 
 private:

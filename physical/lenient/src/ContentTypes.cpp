@@ -46,7 +46,7 @@ std::u16string extensionOf(const std::u16string& name) {
 
 } // namespace
 
-/// The document while the package is being opened.
+/// The document during the opening of the package.
 struct ContentTypes::Reading {
     explicit Reading(const DocumentText& decoded)
         : text(decoded), markup(text.text()), entries(markup, rules) {}
@@ -57,7 +57,7 @@ struct ContentTypes::Reading {
     const ContentTypeEntries entries;
 };
 
-/// Gathers what the model writes, and has it carried into the document when it is closed.
+/// Collects what the model writes, and applies it to the document at `close`.
 class ContentTypes::Output : public interfaces::IPhysicalOutputStream {
 public:
     Output(ContentTypes& owner, std::function<std::vector<std::u16string>()> parts)
@@ -71,7 +71,7 @@ public:
     void flush() override {}
     void close() override {
         owner.wanted = std::move(bytes);
-        owner.isDue = true; // until it is done: the model doesn't write it again
+        owner.isDue = true; // until it succeeds, because the model doesn't write it again
         owner.write(parts);
     }
 
@@ -111,7 +111,7 @@ void ContentTypes::read() {
         return;
     }
     readEntries();
-    // What the model reads itself it finds to be well-formed, or refuses.
+    // If the model reads the document itself, it checks that it is well-formed.
     if (!reading->entries.areReadAsTheyAre())
         const Document wellFormed(*original);
     found = reading->entries.oddities();
@@ -163,9 +163,9 @@ void ContentTypes::coverRelationships() {
     try {
         if (plain)
             readEntries();
-        const Document wellFormed(*original); // the model won't see it
+        const Document wellFormed(*original); // the model won't check it
         coversRelationships = true;
-    } catch (const Exception&) { // for the model to refuse
+    } catch (const Exception&) { // the model refuses it
         original.reset();
         reading.reset();
     }

@@ -17,7 +17,8 @@ namespace opc::physical::lenient {
 
 namespace {
 
-/// Of a document that is held with a list of its elements: the parser takes some 330 bytes for each tag and attribute.
+/// The limits of a document that is kept with a list of its elements. The parser takes some 330 bytes for each tag
+/// and attribute.
 /// @{
 constexpr std::size_t LARGEST = 4 << 20;
 constexpr std::size_t MOST_MARKUP = 300000;
@@ -31,7 +32,7 @@ DocumentText readText(const Bytes& bytes, WellFormedness& wellFormedness) {
     return std::move(*text);
 }
 
-/// Takes what may stand in front of a document type: white space, comments and processing instructions.
+/// Takes what can come before a document type: white space, comments and processing instructions.
 void skipProlog(std::string_view& text) {
     for (;;) {
         text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
@@ -48,10 +49,10 @@ void skipProlog(std::string_view& text) {
 
 std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream) {
     Bytes bytes;
-    std::array<unsigned char, 4096> block; // most documents are no longer
+    std::array<unsigned char, 4096> block; // most documents aren't longer
     while (!stream.isDone()) {
         const auto got = std::min<std::uint64_t>(stream.read(block.data(), block.size()), block.size());
-        if (got == 0) // to a parser the document ends here
+        if (got == 0) // the document ends here for a parser
             break;
         bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
         if (bytes.size() > LARGEST)

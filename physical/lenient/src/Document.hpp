@@ -12,16 +12,16 @@ class IPhysicalInputStream;
 
 namespace opc::physical::lenient {
 
-/// All bytes of a stream, which is open at its start; nothing if they are more than can be held in bounded memory.
+/// All bytes of a stream, which is open at its start; nothing if there are more than the memory limit allows.
 std::optional<Bytes> readDocument(interfaces::IPhysicalInputStream& stream);
 
 /// Whether a document has so many elements and attributes that their list would take too much memory.
 bool hasTooMuchMarkup(const Bytes& document);
 
-/// Whether a document begins with a document type, in whatever encoding that has ASCII in it.
+/// Whether a document begins with a document type, in any encoding that extends ASCII.
 bool hasDocumentType(const Bytes& document);
 
-/// Says which documents are well-formed by the model's own rules, one after the other.
+/// Checks whether documents are well-formed by the model's own rules, one after the other.
 class WellFormedness {
 public:
     WellFormedness();
@@ -35,7 +35,7 @@ public:
 private:
     struct Xml;
 
-    std::unique_ptr<Xml> xml; ///< null until it is needed, which wakes Xerces
+    std::unique_ptr<Xml> xml; ///< null until it is needed, because it starts Xerces
 };
 
 /// A well-formed document, with its text and its elements.
@@ -44,7 +44,7 @@ public:
     /// @throws Exception  the document can't be read
     Document(const Bytes& bytes, WellFormedness& wellFormedness);
 
-    /// The same, for a document that is read alone.
+    /// The same for a single document.
     explicit Document(const Bytes& bytes);
 
     const DocumentText& text() const { return decoded; }

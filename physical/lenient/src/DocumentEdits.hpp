@@ -10,8 +10,8 @@
 
 namespace opc::physical::lenient {
 
-/// Changes to a document that are made in its own text: all that doesn't change keeps its bytes, white space around it
-/// included. So an element that is added and removed again leaves no trace.
+/// Changes a document in its own text: whatever doesn't change keeps its bytes, including white space. So an element
+/// that is added and removed again leaves no trace.
 class DocumentEdits {
 public:
     using NewAttributes = std::vector<std::pair<std::u16string_view, std::u16string_view>>;
@@ -21,15 +21,15 @@ public:
 
     bool areNone() const { return edits.areNone() && added.empty(); }
 
-    /// Removes an element with all that is in it.
+    /// Removes an element with its content.
     void remove(const Element& element);
 
     void setValue(const Attribute& attribute, std::u16string_view value);
 
-    /// Adds an empty element as the last one in the root, whose namespace and prefix it has.
+    /// Adds an empty element at the end of the root, with the namespace and prefix of the root.
     void append(std::u16string_view localName, const NewAttributes& attributes);
 
-    /// Adds an empty element of the root's namespace and prefix in front of another one.
+    /// Adds such an element before another one.
     void insert(const Element& next, std::u16string_view localName, const NewAttributes& attributes);
 
     /// The changed document, in the encoding of the old one.
@@ -42,7 +42,7 @@ private:
     const Document& edited;
     const std::u16string& text;
     TextEdits edits;
-    std::u16string added; ///< new elements, to be inserted together
+    std::u16string added; ///< new elements to be inserted together
 };
 
 } // namespace opc::physical::lenient

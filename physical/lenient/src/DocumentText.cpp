@@ -19,9 +19,9 @@ bool beginsWith(const Bytes& bytes, std::string_view beginning) {
            });
 }
 
-/// A character in UTF-8 (RFC 3629), at most so many bytes long as are left.
+/// A character in UTF-8 (RFC 3629), with at most as many bytes as are left.
 struct UTF8Character {
-    std::size_t length = 0; ///< 0 if the bytes are no character
+    std::size_t length = 0; ///< 0 if the bytes aren't a character
     std::uint32_t value = 0;
 };
 

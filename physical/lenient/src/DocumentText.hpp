@@ -9,16 +9,16 @@ namespace opc::physical::lenient {
 
 using Bytes = std::vector<unsigned char>;
 
-/// The text of a document, and how it was encoded: in UTF-8 or UTF-16, with a byte order mark or without.
+/// The text of a document, and its encoding: UTF-8 or UTF-16, with or without a byte order mark.
 class DocumentText {
 public:
-    /// @return nothing if the bytes aren't well-formed in the encoding that their beginning shows
+    /// @return nothing if the bytes aren't well-formed in the encoding that their beginning indicates
     static std::optional<DocumentText> decode(const Bytes& bytes);
 
     /// Without the byte order mark.
     const std::u16string& text() const { return decoded; }
 
-    /// Another text, encoded as this one was. What both have in common keeps its bytes.
+    /// Encodes another text in the same way. What both texts have in common keeps its bytes.
     Bytes encode(std::u16string_view other) const;
 
 private:

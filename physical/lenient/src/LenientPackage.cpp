@@ -34,7 +34,7 @@ bool endsLikeRelationshipsPart(const std::u16string& name) {
     return name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
 }
 
-/// The name of the part that `name`, of a relationships part, belongs to. Nothing for other names.
+/// The name of the part to which the relationships part `name` belongs. Nothing for other names.
 std::optional<std::u16string> sourceOf(const std::u16string& name) {
     if (!endsLikeRelationshipsPart(name))
         return std::nullopt;
@@ -43,12 +43,12 @@ std::optional<std::u16string> sourceOf(const std::u16string& name) {
         if (partName.isRelationshipName())
             return partName.getSourcePartName();
     } catch (const Exception&) {
-        // No part name: that is for the model to say.
+        // not a part name: the model reports that
     }
     return std::nullopt;
 }
 
-/// A document type is refused wherever it stands, so that nobody has to ask what it would do.
+/// A document type is refused everywhere, so that nobody has to ask what it would do.
 void throwIfHasDocumentType(IPhysicalPart& part) {
     std::optional<lenient::Bytes> document;
     try {
@@ -70,7 +70,7 @@ class LenientPackage::Impl {
 public:
     explicit Impl(interfaces::IPhysicalPackage& package) : package(package) {}
 
-    /// Looks at what the package, just opened, holds.
+    /// Examines the content of the package, which was just opened.
     void look();
     void forget();
 
@@ -89,13 +89,13 @@ public:
 
     interfaces::IPhysicalPackage& package;
     std::vector<HiddenItem> hidden;
-    std::vector<std::u16string> withoutType;      ///< names of relationships parts that are read all the same
+    std::vector<std::u16string> withoutType;      ///< names of relationships parts that are read nevertheless
     std::unique_ptr<lenient::ContentTypes> types; ///< null in a package that is being created
     std::map<std::u16string, RelationshipsPart> relationshipsParts; ///< by their names in lower case
 
-    std::vector<IPhysicalPart*> shown; ///< what the model sees; empty once it has got them
+    std::vector<IPhysicalPart*> shown; ///< what the model sees; empty after the model has got them
 
-    /// The names of all parts that the model sees, relationships parts included.
+    /// The names of all parts that the model sees, including relationships parts.
     std::vector<std::u16string> partNames() const;
 
 private:
@@ -251,7 +251,7 @@ void LenientPackage::close(bool abandon) {
         impl->types->save([this] { return impl->partNames(); });
     impl->package.close(abandon);
     impl->shown.clear();
-    impl->relationshipsParts.clear(); // what they stand on has gone
+    impl->relationshipsParts.clear(); // what they refer to no longer exists
 }
 
 IPhysicalPart* LenientPackage::createPart(const std::u16string& name, const std::u16string& contentType,

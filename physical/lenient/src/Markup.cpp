@@ -24,7 +24,7 @@ std::uint32_t digitOf(char16_t unit) {
     refuse();
 }
 
-/// @param digits  of a reference to a character, between `&#` and the semicolon
+/// @param digits  the part of a character reference between `&#` and the semicolon
 void appendCharacter(std::u16string& text, std::u16string_view digits) {
     const bool isHexadecimal = !digits.empty() && digits.front() == u'x';
     std::uint32_t value = 0;
@@ -40,7 +40,7 @@ void appendCharacter(std::u16string& text, std::u16string_view digits) {
     text.push_back(static_cast<char16_t>(value));
 }
 
-/// @param name  of a reference, between `&` and the semicolon
+/// @param name  the part of a reference between `&` and the semicolon
 void appendReference(std::u16string& text, std::u16string_view name) {
     if (!name.empty() && name.front() == u'#')
         appendCharacter(text, name.substr(1));
@@ -62,7 +62,7 @@ bool isSpace(char16_t unit) {
     return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r';
 }
 
-/// Whether a document is in XML 1.1, which has more characters that end lines.
+/// Whether a document is in XML 1.1, which has more line end characters.
 bool isOfVersion11(std::u16string_view text) {
     return text.substr(0, 5) == u"<?xml" &&
            text.substr(0, text.find(u"?>")).find(u"1.1") != std::u16string_view::npos;
@@ -97,7 +97,7 @@ std::u16string Attribute::value() const {
     return decoded;
 }
 
-/// Goes through a text from its first code unit to its last.
+/// Scans a text from its first code unit to its last.
 class MarkupScanner {
 public:
     MarkupScanner(const std::u16string& text, Markup& markup)
@@ -217,7 +217,7 @@ private:
         markup.values.push_back(attribute);
     }
 
-    /// Finds the namespaces of an element and its attributes, which the element itself may declare.
+    /// Finds the namespaces of an element and its attributes. The element itself can declare them.
     void resolve(Element& element) {
         scope.enter();
         const auto begin = markup.values.begin() + static_cast<std::ptrdiff_t>(element.firstAttribute);
@@ -245,7 +245,7 @@ private:
         scope.leave();
     }
 
-    /// @param place  not in front of the last one
+    /// @param place  not before that of the last call
     std::size_t lineOf(std::size_t place) {
         for (; counted < place; ++counted)
             if (text[counted] == u'\n' || (text[counted] == u'\r' && text[counted + 1] != u'\n'))
@@ -260,7 +260,7 @@ private:
     std::vector<std::size_t> open;                             // elements
     std::size_t at = 0;
     std::size_t line = 1;
-    std::size_t counted = 0; // up to here, for its lines
+    std::size_t counted = 0; // the position up to which lines were counted
 };
 
 Markup::Markup(const std::u16string& text) {

@@ -11,23 +11,24 @@ namespace opc::physical::lenient {
 /// A piece of a text.
 struct Span {
     std::size_t begin;
-    std::size_t end; ///< behind the last code unit
+    std::size_t end; ///< after the last code unit
 };
 
-/// An attribute of an element; those that declare namespaces too.
+/// An attribute of an element, including namespace declarations.
 struct Attribute {
     Span span;                  ///< from its name to the closing quote
     std::u16string_view prefix; ///< empty if there is none
     std::u16string_view localName;
-    std::u16string_view namespaceURI; ///< of a declaration what it declares; else empty without a prefix
-    std::u16string_view rawValue;     ///< as it stands between the quotes
+    std::u16string_view
+        namespaceURI;             ///< for a declaration, what it declares; otherwise empty without a prefix
+    std::u16string_view rawValue; ///< as it is between the quotes
 
-    /// Without references, and with blanks in place of line breaks and tabs (XML 1.0 section 3.3.3).
+    /// With references resolved, and with blanks instead of line breaks and tabs (XML 1.0 section 3.3.3).
     std::u16string value() const;
 
     bool isDeclaration() const { return prefix.empty() ? localName == u"xmlns" : prefix == u"xmlns"; }
 
-    /// The prefix that a declaration is for; empty if it is for the default namespace.
+    /// The prefix that a declaration declares; empty for the default namespace.
     std::u16string_view declaredPrefix() const { return prefix.empty() ? prefix : localName; }
 
     bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
@@ -38,18 +39,18 @@ struct Attribute {
 struct Element {
     static constexpr std::size_t NO_PARENT = static_cast<std::size_t>(-1);
 
-    std::size_t parent; ///< its place among the elements; `NO_PARENT` of the root
-    std::size_t depth;  ///< 0 of the root
-    std::size_t line;   ///< where it begins, from 1
+    std::size_t parent; ///< its index among the elements; `NO_PARENT` for the root
+    std::size_t depth;  ///< 0 for the root
+    std::size_t line;   ///< the line where it begins, from 1
     Span span;          ///< from its start tag to its end tag
     Span startTag;
-    std::size_t contentEnd; ///< where its end tag begins; the end of the start tag if there is none
+    std::size_t contentEnd; ///< the start of its end tag; the end of the start tag if there is none
     std::u16string_view prefix;
     std::u16string_view localName;
     std::u16string_view namespaceURI;
     std::size_t firstAttribute;
     std::size_t attributeCount;
-    bool hasText; ///< whether anything but white space, comments and elements stands directly in it
+    bool hasText; ///< whether it directly contains anything but white space, comments and elements
 
     bool isEmptyTag() const { return startTag.end == span.end; }
     bool is(std::u16string_view itsNamespace, std::u16string_view name) const {
@@ -57,13 +58,13 @@ struct Element {
     }
 };
 
-/// Whether a code unit is white space between attributes; the last two are so in XML 1.1.
+/// Whether a code unit is white space between attributes. The last two are white space only in XML 1.1.
 inline bool isMarkupSpace(char16_t unit) {
     return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r' || unit == u'\u0085' ||
            unit == u'\u2028';
 }
 
-/// The elements of a document, with their places in its text.
+/// The elements of a document, with their positions in its text.
 class Markup {
 public:
     /// The attributes of one element.
@@ -74,18 +75,18 @@ public:
         const Attribute* end() const { return last; }
     };
 
-    /// @param text  a document that a parser has found to be well-formed, without a document type; must outlive
-    ///              this object, and stay where it is
+    /// @param text  a well-formed document by a parser's judgement, without a document type; must outlive this object
+    ///              and not move
     /// @throws Exception  it isn't such a document after all
     explicit Markup(const std::u16string& text);
     Markup(const Markup&) = delete;
     Markup& operator=(const Markup&) = delete;
 
-    /// In the order of their start tags; the root stands first.
+    /// In the order of their start tags, beginning with the root.
     const std::vector<Element>& elements() const { return found; }
     const Element& root() const { return found.front(); }
 
-    /// Those of the elements in their order.
+    /// In the order of the elements.
     const std::vector<Attribute>& allAttributes() const { return values; }
 
     Attributes attributes(const Element& element) const {

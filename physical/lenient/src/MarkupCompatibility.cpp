@@ -13,7 +13,7 @@ namespace opc::physical::lenient {
 
 namespace {
 
-/// Takes the next word off a list, whose words stand between white space; empty at the end.
+/// Takes the next word from a list, whose words are separated by white space; empty at the end.
 std::u16string_view takeWord(std::u16string_view& list) {
     list.remove_prefix(std::min(list.find_first_not_of(u" \t\r\n"), list.size()));
     const std::u16string_view word = list.substr(0, list.find_first_of(u" \t\r\n"));
@@ -23,7 +23,7 @@ std::u16string_view takeWord(std::u16string_view& list) {
 
 } // namespace
 
-/// Goes through the elements in their order.
+/// Processes the elements in their order.
 class CompatibilityWalk {
 public:
     using Role = MarkupCompatibility::Role;
@@ -47,7 +47,7 @@ private:
         bool isAlternate = false; ///< whether it is an AlternateContent
         bool hasChosen = false;   ///< whether one of its alternatives counts
     };
-    /// Markup keeps each namespace once: they are told apart by their places, since they may be long.
+    /// Markup stores each namespace once. They are compared by address, because they can be long.
     using Namespace = const char16_t*;
     struct Mark {};
 
@@ -104,7 +104,7 @@ private:
         return isProcessed ? Role::Wrapper : Role::Ignored;
     }
 
-    /// The first alternative counts whose requirements are met.
+    /// Of the alternatives whose requirements are met, the first one counts.
     Role choose(const Element& element, Open& alternatives) {
         if (alternatives.hasChosen)
             return Role::Ignored;

@@ -10,35 +10,34 @@ namespace opc::physical::lenient {
 inline constexpr std::u16string_view COMPATIBILITY_NAMESPACE =
     u"http://schemas.openxmlformats.org/markup-compatibility/2006";
 
-/// What a document is for a program that processes markup compatibility (ECMA-376 Part 3), as one that reads relationships
-/// does [M1.31].
+/// What a document means to a program that processes markup compatibility (ECMA-376 Part 3), as readers of
+/// relationships do [M1.31].
 class MarkupCompatibility {
 public:
-    /// What becomes of an element.
+    /// How an element is treated.
     enum class Role {
         Content, ///< it counts
-        Wrapper, ///< what is in it counts, in its place
-        Ignored, ///< neither counts
+        Wrapper, ///< its content counts in its place
+        Ignored, ///< neither the element nor its content counts
     };
 
     /// @param markup      must outlive this object
     /// @param understood  the namespaces that the program knows
-    /// @throws Exception  the document says that a program must understand more than that, or uses markup compatibility
+    /// @throws Exception  the document requires a program to understand more than that, or uses markup compatibility
     ///                    wrongly
     MarkupCompatibility(const Markup& markup, const std::vector<std::u16string_view>& understood);
 
     Role role(std::size_t element) const { return found[element].role; }
 
-    /// The element that one that counts stands in, among those that count; `Element::NO_PARENT` for the root.
+    /// The parent of an element that counts, among those that count; `Element::NO_PARENT` for the root.
     std::size_t parent(std::size_t element) const { return found[element].parent; }
 
-    /// Whether an attribute of an element that counts is one to ignore.
+    /// Whether an attribute of an element that counts is ignored.
     bool isIgnored(const Element& element, std::size_t attribute) const {
         return !ignoredAttributes.empty() && ignoredAttributes[element.firstAttribute + attribute];
     }
 
-    /// Whether there is anything that another program may read otherwise: to ignore, or to read in place of what it
-    /// stands in.
+    /// Whether another program may read something else: something that is ignored here, or another alternative.
     bool ignoresAny() const { return anyIgnored; }
 
 private:

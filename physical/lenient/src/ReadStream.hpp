@@ -6,11 +6,12 @@
 
 namespace opc::physical::lenient {
 
-/// A stream that has been read to its end: gives the same bytes, and then lets them go. Opened again, it is read again.
+/// A stream that was read to its end. It gives the same bytes, and frees them afterwards. If it is opened again, it
+/// is read again.
 class ReadStream : public interfaces::IPhysicalInputStream {
 public:
     /// @param stream  open; must outlive this object
-    /// @param bytes   what it has given
+    /// @param bytes   all its bytes
     ReadStream(interfaces::IPhysicalInputStream& stream, std::vector<unsigned char> bytes)
         : stream(stream), bytes(std::move(bytes)) {}
 
@@ -37,7 +38,7 @@ public:
 
 private:
     interfaces::IPhysicalInputStream& stream;
-    std::optional<BytesStream> bytes; ///< nothing when all have been given
+    std::optional<BytesStream> bytes; ///< empty after all were given
     bool isAgain = false;
 };
 

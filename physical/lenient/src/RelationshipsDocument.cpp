@@ -20,7 +20,7 @@ namespace {
 using model::RelationshipRules;
 using namespace model::vocabulary::relationships;
 
-/// Of the format as it was before the standard.
+/// The namespaces of the format before the standard.
 constexpr std::u16string_view OLD_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/relationships";
 constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view CORE_PROPERTIES =
@@ -37,13 +37,13 @@ bool isRelationship(const Element& element) {
     return isOurs(element.namespaceURI) && element.localName == RELATIONSHIP;
 }
 
-/// Turns a type of the format as it was before the standard into that of today.
+/// Converts a type of the format before the standard to the type of the standard.
 void makeTypeOfToday(std::u16string& type) {
     if (type.compare(0, OLD_NAMESPACE.size(), OLD_NAMESPACE) == 0)
         type.replace(0, OLD_NAMESPACE.size(), NAMESPACE.wide());
 }
 
-/// The rule that a relationship breaks by a defect.
+/// The rule that a relationship with this defect breaks.
 const char* ruleOf(const std::string& defect) {
     constexpr std::array<std::pair<std::string_view, const char*>, 4> RULES = {{
         {"Id ", "M1.26"},
@@ -63,7 +63,7 @@ std::string shorten(std::u16string_view name) {
     return toUDEString(std::u16string(name.substr(0, LONGEST))) + (name.size() > LONGEST ? "..." : "");
 }
 
-/// Whether a document of XML 1.0 can't hold a text; one of XML 1.1 can.
+/// Whether a document of XML 1.0 can't hold a text that one of XML 1.1 can.
 bool hasControls(std::u16string_view text) {
     return std::any_of(text.begin(), text.end(), [](char16_t unit) {
         return unit < u' ' && unit != u'\t' && unit != u'\n' && unit != u'\r';
@@ -72,7 +72,7 @@ bool hasControls(std::u16string_view text) {
 
 } // namespace
 
-/// Takes what counts out of the markup.
+/// Collects the elements that count.
 class RelationshipsDocument::Reader {
 public:
     Reader(RelationshipsDocument& document, Source source)
@@ -110,7 +110,7 @@ private:
             add("M1.20", root, {}, undeclared, PASSED_OVER);
     }
 
-    /// Notes which elements have elements in them, which no relationship may.
+    /// Records which elements contain elements. A relationship must not.
     void findUsual() {
         parents.resize(markup.elements().size());
         for (std::size_t i = 1; i < parents.size(); ++i)
@@ -150,7 +150,7 @@ private:
             return defect;
         if (parents[place])
             return "has elements in it";
-        std::vector<std::u16string> values; // stay where they are
+        std::vector<std::u16string> values; // they don't move
         values.reserve(4);
         const auto value = [&](std::u16string_view name) -> std::optional<std::u16string_view> {
             const Attribute* const attribute = markup.findAttribute(element, u"", name);
@@ -166,7 +166,7 @@ private:
         return defect;
     }
 
-    /// @return empty if the element has no attributes but those of these names, and what says something of other ones
+    /// @return empty if the element has only attributes with these names; otherwise a text about another one
     std::string findUndeclared(const Element& element, const std::vector<std::u16string_view>& names) const {
         for (std::size_t i = 0; i < element.attributeCount; ++i) {
             const Attribute& attribute = markup.allAttributes()[element.firstAttribute + i];
@@ -207,7 +207,7 @@ private:
     const Markup& markup;
     const Source source;
     const MarkupCompatibility compatibility;
-    std::vector<bool> parents;    // whether an element has elements in it
+    std::vector<bool> parents;    // whether an element contains elements
     std::set<std::u16string> ids; // of the relationships
     bool hasCoreProperties = false;
 };
@@ -253,8 +253,7 @@ bool mayRepeatCoreProperties(std::string_view document) {
     const std::size_t first = document.find(type);
     const bool isRepeated =
         first != std::string_view::npos && document.find(type, first + type.size()) != std::string_view::npos;
-    return isRepeated ||
-           document.find('&') != std::string_view::npos; // which may stand for a part of the type
+    return isRepeated || document.find('&') != std::string_view::npos; // a reference may be part of the type
 }
 
 } // namespace opc::physical::lenient

@@ -14,9 +14,9 @@ namespace opc::physical::lenient {
 
 class MarkupCompatibility;
 
-/// A relationship as reading gives it.
+/// A relationship as it was read.
 struct ReadRelationship {
-    std::size_t element = 0; ///< its place in the markup
+    std::size_t element = 0; ///< its index in the markup
     std::u16string id;
     std::u16string type;
     std::u16string target;
@@ -29,22 +29,23 @@ struct ReadRelationship {
     }
 };
 
-/// Something in a relationships part that isn't as it should be.
+/// Something odd in a relationships part.
 struct RelationshipsFinding {
-    std::string rule;  ///< as of an `interfaces::Oddity`
-    std::u16string id; ///< of the relationship; empty if it has none, or the finding is of no single one
+    std::string rule; ///< as in `interfaces::Oddity`
+    std::u16string
+        id; ///< of the relationship; empty if it has none, or if the finding isn't about a single one
     std::size_t line;
     std::string what;
     std::string done;
-    bool isIgnored; ///< whether other programs may read what isn't read here
+    bool isIgnored; ///< whether other programs may read what is ignored here
 };
 
-/// A relationships part in whatever form, and the relationships in it that the model can read.
+/// A relationships part in any form, and those of its relationships that the model can read.
 class RelationshipsDocument {
 public:
     enum class Source { Package, Part };
 
-    /// @throws Exception  there is no such document in the bytes
+    /// @throws Exception  the bytes aren't such a document
     RelationshipsDocument(const Bytes& bytes, WellFormedness& wellFormedness, Source source);
 
     const Document& document() const { return text; }
@@ -54,18 +55,19 @@ public:
 
     const std::vector<RelationshipsFinding>& findings() const { return found; }
 
-    /// Of what isn't among the relationships.
+    /// About everything that isn't among the relationships.
     const std::set<std::u16string>& keptIDs() const { return otherIDs; }
 
-    /// Whether there is anything in the document that isn't among the relationships.
+    /// Whether the document has anything that isn't among the relationships.
     bool keepsMore() const { return hasMore; }
 
-    /// The first relationship to core properties that is left out because there is another one; null if there is none.
+    /// The first relationship to core properties that was left out because there is another one; null if there is
+    /// none.
     const Element* secondCoreProperties() const {
         return second == Element::NO_PARENT ? nullptr : &text.markup().elements()[second];
     }
 
-    /// The relationships alone, in the form that the model writes.
+    /// Only the relationships, in the form that the model writes.
     Bytes view() const;
 
 private:
@@ -79,10 +81,10 @@ private:
     bool hasMore = false;
 };
 
-/// The relationship of an element in a document of the model.
+/// The relationship of an element in a document that the model has written.
 ReadRelationship readRelationship(const Markup& markup, std::size_t element);
 
-/// Whether a document in UTF-8 could have more than one relationship to core properties.
+/// Whether a document in UTF-8 can have more than one relationship to core properties.
 bool mayRepeatCoreProperties(std::string_view document);
 
 } // namespace opc::physical::lenient

@@ -26,7 +26,7 @@ std::vector<ReadRelationship> readWritten(const Bytes& written) {
     return relationships;
 }
 
-/// In front of what would count before it, or else behind all others.
+/// Before an element that would otherwise count instead, or else after all others.
 void add(DocumentEdits& edits, const ReadRelationship& relationship, const Element* next) {
     DocumentEdits::NewAttributes attributes = {
         {ID, relationship.id}, {TYPE, relationship.type}, {TARGET, relationship.target}};

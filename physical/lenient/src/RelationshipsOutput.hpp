@@ -10,8 +10,8 @@ class IPhysicalPart;
 
 namespace opc::physical::lenient {
 
-/// Takes the document of a relationships part that the model writes, and carries into the part's own document what has
-/// changed, when it is closed. If nothing has, the part isn't written.
+/// Receives the relationships part that the model writes. At `close`, applies the changes to the part's own document.
+/// If nothing has changed, the part isn't written.
 class RelationshipsOutput : public interfaces::IPhysicalOutputStream {
 public:
     /// @param part  must outlive this object
@@ -29,10 +29,10 @@ public:
     void flush() override {}
     void close() override;
 
-    /// Whether a failure may have left a part of the document in the store.
+    /// Whether the store may have an incomplete document after a failure.
     bool hasFailed() const { return state == State::Writing; }
 
-    /// Forgets what the model has written, to be written again.
+    /// Drops what the model has written, so that it can be written again.
     void restart() { written.clear(); }
 
 private:

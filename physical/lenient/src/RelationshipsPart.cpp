@@ -51,7 +51,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::getInputStream() {
 interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
     interfaces::IPhysicalInputStream* const stream = part.getInputStream();
     if (stream == nullptr)
-        return nullptr; // for the model to refuse
+        return nullptr; // the model refuses it
     auto bytes = readDocument(*stream);
     if (!bytes) {
         stream->close();
@@ -72,7 +72,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
     return given.emplace_back(std::make_unique<ReadStream>(*stream, std::move(*bytes))).get();
 }
 
-/// Whether the model reads a document as it is to be read, or is to refuse it.
+/// Whether the model can read the document itself, or must refuse it.
 bool RelationshipsPart::isForModel(const Bytes& document) const {
     const std::string_view text(reinterpret_cast<const char*>(document.data()), document.size());
     if (model::RelationshipRules::isPlain(text))

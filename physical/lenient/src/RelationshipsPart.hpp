@@ -21,17 +21,17 @@ struct RelationshipsReading {
     static constexpr std::size_t MOST_BYTES = std::size_t{32} << 20;
 
     WellFormedness wellFormedness;      ///< for all relationships parts of a package
-    std::size_t bytesLeft = MOST_BYTES; ///< for documents that are given in another form
+    std::size_t bytesLeft = MOST_BYTES; ///< the limit for documents in a converted form
 };
 
-/// A relationships part of another package, as the model is to see it: with the content type of its kind, and with the
-/// relationships that the model can read, in the form that it reads. What the model writes becomes a change to the
-/// part's own document, in which everything else stays.
+/// A relationships part of another package, as the model sees it: with the content type of its kind, and with the
+/// relationships that the model can read, in the form that it reads. What the model writes becomes a change of the
+/// part's own document, where everything else stays.
 class RelationshipsPart : public interfaces::IPhysicalPart, public interfaces::IKeptRelationships {
 public:
     static constexpr char16_t CONTENT_TYPE[] = u"application/vnd.openxmlformats-package.relationships+xml";
 
-    /// Neither is owned.
+    /// Owns neither.
     RelationshipsPart(interfaces::IPhysicalPart& part, RelationshipsReading& shared,
                       RelationshipsDocument::Source source)
         : part(part), shared(shared), source(source) {}
@@ -39,17 +39,18 @@ public:
     std::u16string getName() const override { return part.getName(); }
     std::u16string getContentType() const override;
 
-    /// The other's stream if it is to be read as it is, or refused, or is too long to be looked at.
+    /// The stream of the other part, if the model reads the document unchanged or refuses it, or if it is too long to
+    /// be examined.
     interfaces::IPhysicalInputStream* getInputStream() override;
 
-    /// @throws Exception  the document can't be read any more
+    /// @throws Exception  the document can no longer be read
     interfaces::IPhysicalOutputStream* getOutputStream() override;
 
     bool hasKeptID(const std::u16string& id) const override { return keptIDs.count(id) > 0; }
     bool keepsMore() const override { return hasMore; }
     std::string whyFixed() const override { return defect; }
 
-    /// What is odd in the document, as it was when it was read last. Reads it if it hasn't been read.
+    /// What was odd in the document when it was last read. Reads it if it wasn't read yet.
     const std::vector<RelationshipsFinding>& findings();
 
 private:
@@ -61,7 +62,7 @@ private:
     RelationshipsReading& shared;
     const RelationshipsDocument::Source source;
     std::vector<std::unique_ptr<interfaces::IPhysicalInputStream>> given;
-    std::unique_ptr<RelationshipsOutput> output; ///< null before the first
+    std::unique_ptr<RelationshipsOutput> output; ///< null before the first one
     bool wasRead = false;
     std::vector<RelationshipsFinding> found;
     std::set<std::u16string> keptIDs;

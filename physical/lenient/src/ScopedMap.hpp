@@ -7,7 +7,8 @@
 
 namespace opc::physical::lenient {
 
-/// What holds within elements: an entry of an element counts up to its end, in place of what an outer one says.
+/// Entries that are valid within elements. An entry of an element is valid up to the element's end, and hides entries
+/// of outer elements.
 template <typename Key, typename Value>
 class ScopedMap {
 public:
@@ -20,7 +21,7 @@ public:
         ++counts.back();
     }
 
-    /// Ends the element, and takes its entries back.
+    /// Ends the element, and removes its entries.
     void leave() {
         for (; counts.back() > 0; --counts.back()) {
             inUse.back()->second.pop_back();
@@ -38,12 +39,12 @@ public:
     }
 
 private:
-    // A tree, since nobody can choose keys that make it slow.
+    // A tree, because no choice of keys makes a tree slow.
     using Entries = std::map<Key, std::vector<Value>>;
 
-    Entries entries;                               // of one key the innermost one last
+    Entries entries;                               // entries with the same key: the innermost one is last
     std::vector<typename Entries::iterator> inUse; // in the order in which they were added
-    std::vector<std::size_t> counts;               // of each open element
+    std::vector<std::size_t> counts;               // for each open element
 };
 
 } // namespace opc::physical::lenient

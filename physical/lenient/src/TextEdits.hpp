@@ -8,11 +8,11 @@
 
 namespace opc::physical::lenient {
 
-/// Changes to a text, which are collected and then made in one go.
+/// Changes of a text, which are collected and then made together.
 class TextEdits {
 public:
-    /// Puts `replacement` in place of a piece, or into an empty one. What is put into a place where something is
-    /// removed stays. What is put into one place stands in the order of the calls.
+    /// Replaces a piece, which may be empty, by `replacement`. An insertion stays if the text around it is removed.
+    /// Insertions at one place are in the order of the calls.
     void replace(const Span& span, std::u16string replacement) {
         edits.push_back({span, std::move(replacement)});
     }

@@ -16,7 +16,7 @@ namespace {
 
 const std::u16string CONTENT_TYPES_STREAM = u"[Content_Types].xml";
 
-/// What an open package works on; the store behind it stays as it is until `close(false)`.
+/// The content of an open package. The store doesn't change before `close(false)`.
 struct Session {
     Session(OpenMode mode, SharedBytes types)
         : mode(mode), contentTypes(std::move(types), mode == OpenMode::ReadOnly) {}

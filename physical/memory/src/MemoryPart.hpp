@@ -9,8 +9,8 @@
 
 namespace opc::physical::memory {
 
-/// What can be read and replaced in an open package: the content of a part, or the content types stream.
-/// Owns the streams that it hands out.
+/// A content that can be read and replaced in an open package: the content of a part, or the content types stream.
+/// Owns the streams that it returns.
 class MemoryContent {
 public:
     MemoryContent(SharedBytes bytes, bool readOnly) : bytes(std::move(bytes)), readOnly(readOnly) {}
@@ -19,12 +19,12 @@ public:
 
     interfaces::IPhysicalInputStream* read();
 
-    /// Puts new, empty bytes in the place of the old ones.
+    /// Replaces the bytes by new, empty ones.
     interfaces::IPhysicalOutputStream* write(const std::u16string& name);
 
     void replace(SharedBytes content) { bytes = std::move(content); }
 
-    /// Null if there is no content: a content types stream that isn't there.
+    /// Null if there is no content: the content types stream doesn't exist.
     const SharedBytes& get() const { return bytes; }
 
 private:

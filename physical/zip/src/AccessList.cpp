@@ -10,7 +10,7 @@ namespace opc::physical::zip {
 
 namespace {
 
-// The attribute: a version of four bytes, then entries of eight, each with tag, permissions and an ID.
+// The format of the attribute: a version of four bytes, then entries of eight bytes with tag, permissions and ID.
 constexpr std::size_t HEAD = 4;
 constexpr std::size_t ENTRY = 8;
 constexpr std::size_t PERMISSIONS = 2; ///< in an entry, low byte first
@@ -47,7 +47,7 @@ void AccessList::meanAnyGroup() {
     const unsigned char* const mask = find(MASK);
     if (group && other)
         *group = *other = *group & *other & (mask ? *mask : S_IRWXO);
-    // Without a list the bits of the group are its own, with one they are the mask.
+    // Without a list, the group bits of the mode are the group's permissions. With a list, they are the mask.
     const mode_t common = group && other ? *other : (permissions >> 3U) & permissions & S_IRWXO;
     const mode_t groupBits = mask ? permissions & S_IRWXG : common << 3U;
     permissions = (permissions & S_IRWXU) | groupBits | common;

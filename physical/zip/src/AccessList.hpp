@@ -12,25 +12,25 @@ class AccessList {
 public:
     static constexpr std::string_view ATTRIBUTE = "system.posix_acl_access";
 
-    /// Of the file at `path`, which has that mode.
+    /// Reads the list of the file at `path`, which has the mode `mode`.
     static AccessList of(const char* path, mode_t fileMode);
 
-    /// The file has got another group: neither those of the old one nor those of the new one gain by that.
+    /// Call it after the group of the file changes. Neither the old nor the new group gains permissions.
     void meanAnyGroup();
 
-    /// Gives a file the list; without one, takes from it what it has inherited from its folder.
-    /// @return false if it can't be done. Then the mode, set on it, would say something else.
+    /// Sets the list of a file. Without a list, removes the one that the file has inherited from its folder.
+    /// @return false if that fails. Then the mode of this object would mean something else if it were set
     bool setOn(int file) const;
 
-    /// The permissions of the mode that fits.
+    /// The mode that fits this list.
     mode_t mode() const;
 
 private:
-    /// The permissions in the first entry of a kind, such as the one of the file's group; null without it.
+    /// The permissions in the first entry of a kind, such as the entry of the file's group; null if there is none.
     unsigned char* find(unsigned char tag);
 
     bool readable = true;
-    std::vector<unsigned char> bytes; ///< as the attribute holds it; empty: there is no list
+    std::vector<unsigned char> bytes; ///< in the format of the attribute; empty if there is no list
     mode_t permissions = 0;
 };
 

@@ -42,7 +42,7 @@ private:
     void checkNumbers(const DirectoryEntry& entry) const;
     std::string_view keep(std::string_view name);
 
-    /// How messages name an item whose name can't be told.
+    /// How messages name an item whose name can't be shown.
     std::string entryPlace() const { return itemPlace(place, "item " + std::to_string(entryNumber)); }
 
     ByteSource& archive;
@@ -53,7 +53,7 @@ private:
     std::uint64_t position; ///< of the entry to read
     std::uint64_t entryNumber = 0;
     std::vector<unsigned char> buffer;
-    const unsigned char* block = nullptr; ///< of the directory, which is read in pieces of this size
+    const unsigned char* block = nullptr; ///< the directory is read in blocks of this size
     std::uint64_t blockStart = 0;
     std::size_t blockSize = 0;
 };
@@ -103,7 +103,7 @@ void DirectoryReader::readEntry() {
     position += size;
 }
 
-/// Looks for what the record of the last entry holds beside what is needed to read the item.
+/// Records what an entry has beside the data that reading needs.
 void DirectoryReader::inspect(const unsigned char* record) {
     const auto item = static_cast<ItemIndex>(directory.entries.size() - 1);
     inspectFields(record + DIRECTORY_ENTRY_SIZE + read16(record + 28), read16(record + 30), item,
@@ -112,9 +112,9 @@ void DirectoryReader::inspect(const unsigned char* record) {
         directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size)});
 }
 
-/// @return the next `count` bytes of the directory, good until the next call
+/// @return the next `count` bytes of the directory, valid until the next call
 const unsigned char* DirectoryReader::lookAt(std::size_t count) {
-    constexpr std::size_t BLOCK = std::size_t{256} * 1024; // holds the longest entry, of 46 + 3 * 65535 bytes
+    constexpr std::size_t BLOCK = std::size_t{256} * 1024; // room for the longest entry: 46 + 3 * 65535 bytes
     const std::uint64_t left = end.offset + end.size - position;
     if (left < count)
         failDirectory(place, "shorter than its items");
@@ -196,7 +196,7 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
         if (field.kind != UNICODE_PATH_FIELD)
             continue;
-        if (std::exchange(hasPath, true)) // thousands would take memory a thousandfold
+        if (std::exchange(hasPath, true)) // thousands of them would take too much memory
             fail(itemPlace(place, entry.name), "two Unicode Path fields", EBADMSG);
         if (unicodePath(field) != entry.name) {
             directory.otherNames.push_back({item, std::string(unicodePath(field))});

@@ -13,10 +13,10 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// What most local headers don't exceed beside their names.
+/// Most local headers aren't longer than this, apart from their names.
 constexpr std::size_t USUAL_HEADER = LOCAL_HEADER_SIZE + 64;
 
-/// How many bytes may belong to no item. They are searched, and none is expected.
+/// How many bytes may belong to no item. They are searched. Normally there are none.
 constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
 
 class LayoutCheck {
@@ -51,7 +51,7 @@ void LayoutCheck::run() {
     if (!std::is_sorted(order.begin(), order.end(), before))
         std::sort(order.begin(), order.end(), before);
     findEnds(order);
-    std::uint64_t end = 0; // of what has been looked at
+    std::uint64_t end = 0; // the end of what was checked so far
     for (const ItemIndex index : order) {
         const DirectoryEntry& entry = directory.entries[index];
         searchUnused(end, entry.offset, "in front of ", entry.name);
@@ -62,7 +62,7 @@ void LayoutCheck::run() {
     searchUnused(directory.archiveEnd, archive.size(), "behind ", "the end record");
 }
 
-/// Raises if an item reaches into the next one by what the directory says alone: so nothing is read in vain.
+/// Throws if an item overlaps the next one by the directory alone, before anything is read.
 void LayoutCheck::findEnds(const std::vector<ItemIndex>& order) {
     for (std::size_t i = 0; i < order.size(); ++i) {
         DirectoryEntry& entry = directory.entries[order[i]];
@@ -87,7 +87,7 @@ void LayoutCheck::checkItem(ItemIndex index) {
     entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
 }
 
-/// @return the whole local header, good until the next call
+/// @return the whole local header, valid until the next call
 const unsigned char* LayoutCheck::readHeader(const DirectoryEntry& entry) {
     const std::uint64_t room = entry.end - entry.offset - entry.compressedSize;
     const auto first =
@@ -106,7 +106,7 @@ const unsigned char* LayoutCheck::readHeader(const DirectoryEntry& entry) {
     return header;
 }
 
-/// @return `count` bytes that belong to an item: where they lie in memory, else in `target`
+/// @return `count` bytes that belong to an item: in memory if they are there, otherwise in `target`
 const unsigned char* LayoutCheck::read(const DirectoryEntry& entry, std::uint64_t offset,
                                        std::vector<unsigned char>& target, std::size_t count) {
     if (const unsigned char* bytes = archive.inMemory())
@@ -121,9 +121,9 @@ const unsigned char* LayoutCheck::read(const DirectoryEntry& entry, std::uint64_
     return target.data();
 }
 
-/// Bytes that belong to no item are passed over, and the next save drops them; but to programs that don't go by
-/// the directory a local header among them is an item.
-/// @param side  of the neighbour, on which they stand
+/// Skips bytes that belong to no item; the next save drops them. Throws if they contain a local header: for programs
+/// that don't use the directory, it would be an item.
+/// @param side  on which side of the neighbour they are
 void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, const char* side,
                                std::string_view neighbour) {
     static constexpr std::array<unsigned char, 4> HEADER = {'P', 'K', 3, 4};

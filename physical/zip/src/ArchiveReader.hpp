@@ -14,10 +14,10 @@
 
 namespace opc::physical::zip {
 
-/// An archive open to read.
+/// An archive that is open for reading.
 class OPC_ZIP_EXPORT ArchiveReader {
 public:
-    /// The most that is taken into memory to expand an item as a whole: of the item, and of its content.
+    /// An item is expanded as a whole if neither its compressed nor its expanded size exceeds this.
     static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
 
     /// Reads the directory, and checks all local headers against it.
@@ -37,57 +37,56 @@ public:
     const std::vector<OtherName>& otherNames() const { return directory.otherNames; }
     const std::vector<UnreadData>& unread() const { return directory.unread; }
 
-    /// How many bytes stand behind all records.
+    /// How many bytes come after all records.
     std::uint64_t bytesBehind() const { return source->size() - directory.archiveEnd; }
     ByteSource& bytes() const { return *source; }
 
     /// The size of an item's entry in the directory.
     std::size_t recordSize(ItemIndex index) const;
 
-    /// An item from its start, as far as it was read.
+    /// The first bytes of an item.
     struct ItemStart {
         const unsigned char* bytes;
         std::size_t size;
-        std::size_t headerSize; ///< of the local header, in front of the content; may be more than `size`
+        std::size_t headerSize; ///< of the local header, before the content; may be more than `size`
     };
 
-    /// Reads an item from its start, as far as it reaches and there is room. Raises if its local header says
-    /// anything else than the directory.
-    /// @param buffer  for what doesn't lie in memory
+    /// Reads an item from its start, until its end or until the buffer is full. Throws if its local header
+    /// contradicts the directory.
+    /// @param buffer  used if the bytes aren't in memory
     /// @param room    at least 30 bytes, the size of the shortest header
     ItemStart lookAtStart(ItemIndex index, unsigned char* buffer, std::size_t room) const;
 
-    /// @return `count` bytes that belong to an item: where they lie in memory, else in `buffer`
+    /// @return `count` bytes that belong to an item: in memory if they are there, otherwise in `buffer`
     const unsigned char* look(ItemIndex index, std::uint64_t offset, unsigned char* buffer,
                               std::size_t count) const;
 
-    /// Reads all of `count` bytes that belong to an item.
+    /// Reads exactly `count` bytes that belong to an item.
     void read(ItemIndex index, std::uint64_t offset, unsigned char* buffer, std::size_t count) const;
 
-    /// Raises for an item that is encrypted or compressed by an unknown method.
+    /// Throws if an item is encrypted or compressed by an unknown method.
     void requireReadable(ItemIndex index) const;
 
-    /// Whether a deflated item may lack the last block, if its content is the right one. If so, who reads such an
-    /// item notes it.
+    /// Whether a deflated item may lack the last block if its content is right. The reader of such an item must
+    /// report it.
     bool takesUnfinished() const { return lenient; }
     void noteUnfinished(ItemIndex index) { unfinished.insert(index); }
     const std::set<ItemIndex>& unfinishedItems() const { return unfinished; }
 
-    /// Expands a deflated item with one call, if it can be had in memory as a whole. Raises as `lookAtStart`
-    /// does, and for nothing else.
+    /// Expands a deflated item with one call, if it fits into memory as a whole. Throws only as `lookAtStart` does.
     /// @param content  has room for all of it
-    /// @return whether the whole content is there, and is the right one
+    /// @return whether the content is complete and right
     bool expandWhole(ItemIndex index, unsigned char* content);
 
-    /// An inflater at its start: one given back, or a new one.
+    /// An inflater at its start: one that was given back, or a new one.
     std::unique_ptr<Inflater> takeInflater();
     void giveInflater(std::unique_ptr<Inflater> inflater) noexcept { spare = std::move(inflater); }
 
-    /// Memory for a content of that size at least: what was given back, or new one.
+    /// Memory for a content of at least that size: some that was given back, or new memory.
     std::vector<unsigned char> takeMemory(std::size_t size);
     void giveMemory(std::vector<unsigned char>& memory) noexcept { spareMemory = std::exchange(memory, {}); }
 
-    /// Raises for an item whose content can't be read.
+    /// Throws if the content of an item can't be read.
     [[noreturn]] void failItem(ItemIndex index, const std::string& what) const;
 
     const std::string& place() const { return where; }
@@ -103,7 +102,7 @@ private:
     std::unique_ptr<Inflater> spare;
     std::vector<unsigned char> spareMemory;
     WholeInflater wholeInflater;
-    std::vector<unsigned char> compressed; ///< of an item that is expanded as a whole
+    std::vector<unsigned char> compressed; ///< for an item that is expanded as a whole
 };
 
 } // namespace opc::physical::zip

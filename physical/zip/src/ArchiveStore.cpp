@@ -25,7 +25,7 @@ void requireRegular(const std::string& place, const struct stat& status) {
         fail(place, "can't open: not a regular file", EINVAL);
 }
 
-/// What is no longer than this is read at once: nearly every document is, and it costs less than reading pieces.
+/// Files up to this size are read at once: that covers nearly every document, and costs less than reading pieces.
 constexpr off_t LARGEST_READ_WHOLE = 128L << 10;
 
 /// Null if the file can't be read as a whole.
@@ -58,7 +58,7 @@ public:
 } // namespace
 
 FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file)) {
-    if (name.compare(0, 1, "/") == 0) // absolute
+    if (name.compare(0, 1, "/") == 0) // an absolute path
         return;
     std::error_code error;
     fs::path absolute = fs::absolute(path, error);
@@ -67,7 +67,7 @@ FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file))
 }
 
 std::shared_ptr<ByteSource> FileStore::read() {
-    // Without blocking: somebody may have put a pipe there.
+    // Without blocking, because somebody may have put a pipe there.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
@@ -84,7 +84,7 @@ void FileStore::checkWritable() const {
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0) {
         requireRegular(place(), status);
-        // The folder decides on renaming; a file that says read-only is still not ours to replace.
+        // Renaming needs only permissions of the folder, but a read-only file mustn't be replaced either.
         if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
             failSystem(place(), "can't write", errno);
     } else if (errno != ENOENT) {
@@ -107,9 +107,9 @@ void FileStore::replace(const ByteSource* old, const std::function<void(ByteTarg
 void FileStore::requireUnchanged(const ByteSource& old) const {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
-        return; // nothing there that could be lost
+        return; // nothing there can be lost
     const FileIdentity now(status);
-    // What this package wrote itself stands there if no more than the sync of the folder has failed.
+    // If only the sync of the folder failed, the file there is the one that this package has written.
     if (!(old.identity() == now) && !(lastWritten == now))
         fail(place(), "has been changed by another program since it was opened", ESTALE);
 }

@@ -11,7 +11,7 @@
 
 namespace opc::physical::zip {
 
-/// Where an archive lies: what is read there, and how a new one takes its place.
+/// The place of an archive: where it is read, and where a new one replaces it.
 class OPC_ZIP_EXPORT ArchiveStore {
 public:
     virtual ~ArchiveStore() = default;
@@ -22,12 +22,12 @@ public:
     /// The archive as it is now.
     virtual std::shared_ptr<ByteSource> read() = 0;
 
-    /// Raises if it is certain already that `replace` can't succeed.
+    /// Throws if it is already certain that `replace` can't succeed.
     virtual void checkWritable() const = 0;
 
-    /// Puts what `write` writes in the place of the archive, all or nothing.
-    /// @param old  what `read` gave, if the new archive rests on that: raises if the archive has been changed
-    ///     since by somebody else, whose changes would be lost
+    /// Replaces the archive with what `write` writes, all or nothing.
+    /// @param old  the result of `read`, if the new archive builds on that. Throws if somebody else has changed the
+    ///             archive since: those changes would be lost
     virtual void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) = 0;
 
     /// A folder for temporary files.
@@ -51,7 +51,7 @@ private:
     void requireUnchanged(const ByteSource& old) const;
 
     std::string name;
-    std::filesystem::path path; // absolute: the process may go to another folder before it saves
+    std::filesystem::path path; // absolute, because the process may change its folder before it saves
     FileIdentity lastWritten;
 };
 

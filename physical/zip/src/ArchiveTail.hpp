@@ -5,8 +5,8 @@
 
 namespace opc::physical::zip {
 
-/// Passes a new archive on to a target, and keeps the end of it to be looked at: as much as the records behind
-/// the directory can take. What lies in front of that reads as if it weren't there.
+/// Passes a new archive on to a target, and keeps its end for reading: as much as the records after the directory can
+/// take. Earlier bytes can't be read.
 class ArchiveTail : public ByteTarget, public ByteSource {
 public:
     explicit ArchiveTail(ByteTarget& out) : out(out) {}
@@ -22,7 +22,7 @@ private:
 
     ByteTarget& out;
     std::vector<unsigned char> kept;
-    std::uint64_t start = 0; ///< where in the archive the first byte that is kept stands
+    std::uint64_t start = 0; ///< the offset of the first byte that is kept
 };
 
 } // namespace opc::physical::zip

@@ -53,7 +53,7 @@ void ArchiveWriter::finish() {
     require(out.flush());
 }
 
-/// Items that stand one behind the other are copied together.
+/// Neighbouring items are copied together.
 void ArchiveWriter::keep(ItemIndex item) {
     const DirectoryEntry& entry = old->item(item);
     if (entry.offset != runEnd) {
@@ -105,7 +105,7 @@ void ArchiveWriter::write(const ZipContent& content, const DirectoryEntry* repla
     ++itemCount;
 }
 
-/// What would expand more than a reader lets it is better stored.
+/// Stores a content that readers would refuse because of its ratio.
 void ArchiveWriter::writeContent(const ZipContent& content, DirectoryEntry& entry) {
     const std::uint64_t start = out.tell();
     entry.method = entry.size > 0 ? content.method() : STORE;
@@ -135,7 +135,8 @@ void ArchiveWriter::store(ByteSource& content, DirectoryEntry& entry) {
     }
 }
 
-/// What fits in a block, wherever it lies: so the bytes that are written don't depend on how much memory there is.
+/// Contents that fit into one block. Their place in memory doesn't matter, so the same bytes are written whatever the
+/// memory.
 void ArchiveWriter::deflateWhole(ByteSource& content, int level, DirectoryEntry& entry) {
     const auto count = static_cast<std::size_t>(entry.size);
     const unsigned char* bytes = look(content, 0, count);
@@ -170,7 +171,7 @@ void ArchiveWriter::deflateStream(ByteSource& content, int level, DirectoryEntry
     }
 }
 
-/// @return `count` bytes of `source`, good until the next call
+/// @return `count` bytes of `source`, valid until the next call
 const unsigned char* ArchiveWriter::look(ByteSource& source, std::uint64_t offset, std::size_t count) {
     if (const unsigned char* bytes = source.inMemory())
         return bytes + offset;

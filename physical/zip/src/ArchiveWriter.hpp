@@ -12,27 +12,26 @@ namespace opc::physical::zip {
 
 class ZipContent;
 
-/// Writes a new archive: what the old one has, with changes. What hasn't changed is copied as it stands,
-/// many items at a time.
+/// Writes a new archive: the old one with changes. Unchanged items are copied as they are, many at a time.
 class ArchiveWriter {
 public:
     /// @param old  the old archive; null if there is none
-    /// @param out  gets the new one; must outlive the writer
+    /// @param out  receives the new archive; must outlive the writer
     ArchiveWriter(const ArchiveReader* old, ByteTarget& out, std::string where, const ZipOptions& options);
 
     void remove(ItemIndex item) { changes[item].removed = true; }
 
-    /// Writes a content that has changed, in the place of its old item if there is one such.
+    /// Writes a changed content, in the place of its old item if there is one.
     /// @param content  must outlive the writer
     void put(const ZipContent& content);
 
-    /// Does the work. Raises if anything fails; then the target is to be thrown away.
+    /// Writes the archive. If it throws, discard the target.
     void finish();
 
 private:
     struct Change {
         bool removed = false;
-        const ZipContent* content = nullptr; ///< what takes the item's place
+        const ZipContent* content = nullptr; ///< the content that replaces the item; null if none does
     };
 
     void keep(ItemIndex item);
@@ -52,15 +51,15 @@ private:
     BufferedTarget out;
     std::string where;
     const ZipOptions& options;
-    std::uint32_t time; ///< date and time of what is written
+    std::uint32_t time; ///< date and time of new items
     std::vector<Change> changes;
     std::vector<const ZipContent*> added;
     std::string directory;       ///< of the new archive
     std::uint64_t itemCount = 0; ///< of the new archive, so far
-    std::uint64_t runStart = 0;  ///< bytes of the old archive that are to be copied
+    std::uint64_t runStart = 0;  ///< the start of the bytes of the old archive that are still to be copied
     std::uint64_t runEnd = 0;
-    std::vector<unsigned char> block;      ///< for what isn't in memory
-    std::vector<unsigned char> compressed; ///< for what has no room in `out`
+    std::vector<unsigned char> block;      ///< for bytes that aren't in memory
+    std::vector<unsigned char> compressed; ///< for bytes that don't fit into `out`
     Deflater deflater;
     WholeDeflater wholeDeflater;
 };

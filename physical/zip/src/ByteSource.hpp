@@ -10,7 +10,7 @@
 
 namespace opc::physical::zip {
 
-/// Bytes that can be read at any place.
+/// Bytes with random access.
 class OPC_ZIP_EXPORT ByteSource {
 public:
     virtual ~ByteSource() = default;
@@ -22,18 +22,18 @@ public:
     virtual int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                        std::size_t& got) noexcept = 0;
 
-    /// The bytes in memory, good until they change; null if they don't lie there as a whole.
+    /// The bytes in memory, valid until they change; null if memory doesn't have all of them.
     virtual const unsigned char* inMemory() const noexcept { return nullptr; }
 
-    /// Of the file that the bytes come from, as it was when it was opened; of no file if there is none.
+    /// The identity of the file that the bytes come from, as it was when it was opened; of no file if there is none.
     virtual FileIdentity identity() const noexcept { return {}; }
 
-    /// The file that holds these bytes and no others; null if there is none.
+    /// The file that holds exactly these bytes; null if there is none.
     virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
 };
 
-/// The bytes of a file. Small reads that go on where the last one has ended, or a little behind, are served
-/// from a window, and so are those in the last read of the end, where the directory mostly lies.
+/// The bytes of a file. A window serves small reads that continue after the last one, and those at the end of the
+/// file, where the directory usually is.
 class FileBytes : public ByteSource {
 public:
     FileBytes(FileDescriptor file, const FileIdentity& whenOpened)
@@ -47,7 +47,8 @@ public:
     const FileDescriptor* asFile() const noexcept override { return &file; }
 
 private:
-    static constexpr std::size_t LARGEST_WINDOW = 66 << 10; ///< holds an end record with the longest comment
+    static constexpr std::size_t LARGEST_WINDOW = 66
+                                                  << 10; ///< room for an end record with the longest comment
     static constexpr std::size_t READ_AHEAD = 16 << 10;
 
     int moveWindow(std::uint64_t offset, std::size_t count) noexcept;
@@ -57,12 +58,12 @@ private:
     std::unique_ptr<unsigned char[]> window;
     std::uint64_t windowStart = 0;
     std::size_t windowSize = 0;
-    std::uint64_t lastEnd = 0; ///< of the last read
+    std::uint64_t lastEnd = 0; ///< the end of the last read
 };
 
 class OPC_ZIP_EXPORT MemoryBytes : public ByteSource {
 public:
-    /// @param whenRead  of the file that they have been read from, if any
+    /// @param whenRead  the identity of the file that they were read from, if any
     MemoryBytes(std::shared_ptr<const unsigned char> bytes, std::size_t length,
                 const FileIdentity& whenRead = {}) noexcept
         : bytes(std::move(bytes)), length(length), whenRead(whenRead) {}

@@ -26,7 +26,7 @@ void Deflater::start(int level) {
 }
 
 void Deflater::setInput(const unsigned char* bytes, std::size_t count, bool isLast) noexcept {
-    stream.next_in = const_cast<unsigned char*>(bytes); // zlib doesn't write there
+    stream.next_in = const_cast<unsigned char*>(bytes); // zlib doesn't write to it
     stream.avail_in = static_cast<uInt>(count);
     last = isLast;
 }

@@ -7,7 +7,7 @@
 
 namespace opc::physical::zip {
 
-/// Compresses contents of any size to Deflate data, piece by piece, one after another. It takes 256 KiB to make.
+/// Compresses contents of any size to Deflate data, piece by piece, one after another. It allocates 256 KiB.
 class Deflater {
 public:
     Deflater() = default;
@@ -18,16 +18,16 @@ public:
     /// Begins a new stream.
     void start(int level);
 
-    /// The next bytes to compress, which stay in place until they are used up.
+    /// Sets the next bytes to compress. They must stay in place until they are used up.
     void setInput(const unsigned char* bytes, std::size_t count, bool isLast) noexcept;
 
-    /// @return how many bytes there are now in `output`; less than `count` if it needs more input, and after
-    ///     the last input at the end
+    /// @return how many bytes are in `output`; less than `count` if it needs more input or, after the last input, at
+    ///         the end
     std::size_t compress(unsigned char* output, std::size_t count) noexcept;
 
 private:
     z_stream stream{};
-    std::optional<int> currentLevel; ///< none: `stream` hasn't been made
+    std::optional<int> currentLevel; ///< empty before `stream` is made
     bool last = false;
 };
 

@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t LONGEST_COMMENT = 0xFFFF;
 
 struct EndRecord {
-    std::uint64_t offset = 0; ///< of the record itself
+    std::uint64_t offset = 0; ///< the offset of the record itself
     std::uint64_t disk = 0;
     std::uint64_t directoryDisk = 0;
     std::uint64_t itemCountOnDisk = 0;
@@ -43,7 +43,7 @@ bool standsBehindItsDirectory(const EndRecord& end) {
     return end.directory.offset + end.directory.size == end.offset;
 }
 
-/// The last bytes of an archive, as far as an end record can stand in front of its end.
+/// The last bytes of an archive, as many as can have an end record.
 class Tail {
 public:
     Tail(ByteSource& archive, const std::string& place)
@@ -63,15 +63,15 @@ public:
     }
 
 private:
-    std::vector<unsigned char> buffer; // for what isn't in memory already
+    std::vector<unsigned char> buffer; // for bytes that aren't in memory already
     std::size_t size;
     std::uint64_t archiveSize;
     const unsigned char* first;
 };
 
-/// The last end record in front of another one, or of the end, to go by its signature alone; null if there is none.
+/// The last end record before another one or before the end, recognised only by its signature; null if there is none.
 const unsigned char* findLastRecord(const unsigned char* begin, const unsigned char* end) {
-    constexpr std::ptrdiff_t LAST = 3; // of the bytes of the signature; rare in texts
+    constexpr std::ptrdiff_t LAST = 3; // the last byte of the signature: it is rare in texts
     while (end - begin > LAST) {
         const auto room = static_cast<std::size_t>(end - begin - LAST);
         const auto* last =
@@ -94,7 +94,7 @@ std::vector<EndRecord> findEndRecords(const Tail& tail) {
     return records;
 }
 
-/// Raises for an archive in which no end record reaches to the end.
+/// Throws if no end record of an archive reaches to its end.
 [[noreturn]] void failWithoutEnd(ByteSource& archive, const std::string& place,
                                  const std::vector<EndRecord>& records) {
     requireNoForeignFormat(archive, place);
@@ -106,8 +106,9 @@ std::vector<EndRecord> findEndRecords(const Tail& tail) {
     failDirectory(place, describeBytesBehind(archive.size() - end));
 }
 
-/// Whether all programs take `record` for the end of the archive although bytes stand behind it. Some do only if it
-/// stands behind its directory and an item begins the archive, and otherwise take one in the content of an item.
+/// Whether all programs take `record` for the end of the archive although bytes follow it. Some do so only if it
+/// follows its directory and the archive begins with an item; otherwise they take an end record in the content of an
+/// item.
 bool canBeFollowed(const EndRecord& record, ByteSource& archive, const std::string& place) {
     if (!standsBehindItsDirectory(record))
         return false;
@@ -124,10 +125,10 @@ void requireNoRecordBehind(const Tail& tail, std::uint64_t offset, const std::st
     }
 }
 
-/// The one end record that reaches to the end of the archive. Some programs take the last one, whatever its
-/// numbers say: so there may be none in the comment. One in the content of an item is only refused with all that
-/// it needs to be taken for the end: an archive that is an item has one.
-/// @param lenient  whether the last one, if none reaches to the end, may end before
+/// The only end record that reaches to the end of the archive. Some programs take the last one whatever its numbers
+/// say, so the comment must not have one. One in the content of an item is refused only if it has everything that an
+/// end needs, because an item can be an archive.
+/// @param lenient  whether the last one may end earlier, if none reaches to the end
 EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool lenient) {
     const Tail tail(archive, place);
     std::vector<EndRecord> records = findEndRecords(tail);
@@ -151,8 +152,8 @@ EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool leni
     return last;
 }
 
-/// The offset of the ZIP64 end record, which stands in front of its locator and says more than `end` has room
-/// for; nothing if there is none.
+/// The offset of the ZIP64 end record, which comes before its locator and has the numbers that don't fit into `end`;
+/// nothing if there is none.
 std::optional<std::uint64_t> locateZip64(ByteSource& archive, const std::string& place,
                                          const EndRecord& end) {
     if (end.offset < ZIP64_LOCATOR_SIZE + ZIP64_DIRECTORY_END_SIZE)
@@ -173,10 +174,10 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
     std::array<unsigned char, ZIP64_DIRECTORY_END_SIZE> bytes{};
     readRecord(archive, place, offset, bytes.data(), bytes.size());
     const unsigned char* record = bytes.data();
-    constexpr std::uint64_t UNCOUNTED = 12; // signature and size don't count in the record's size
+    constexpr std::uint64_t UNCOUNTED = 12; // the record's own size doesn't count signature and size
     if (read32(record) != ZIP64_DIRECTORY_END || read64(record + 4) != end - offset - UNCOUNTED)
         failDirectory(place, "the ZIP64 locator leads nowhere");
-    // Programs that don't go by the locator read the last bytes in front of it, which could be another record.
+    // Programs that ignore the locator read the last bytes before it, which could be another record.
     if (end - offset != ZIP64_DIRECTORY_END_SIZE)
         failDirectory(place, "something stands behind the numbers of the ZIP64 end record");
     return {offset,
@@ -186,7 +187,7 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
             {read64(record + 32), read64(record + 48), read64(record + 40), {}, 0}};
 }
 
-/// Whether a number of the old record says the same as that of the ZIP64 record, or that it has no room.
+/// Whether a number of the old record is the same as in the ZIP64 record, or refers to it.
 bool agrees(std::uint64_t old, std::uint64_t noRoom, std::uint64_t value) {
     return old == noRoom || old == value;
 }

@@ -8,33 +8,33 @@
 
 namespace opc::physical::zip {
 
-/// What the records behind the directory of an archive say of it.
+/// What the records after the directory of an archive say about it.
 struct DirectoryEnd {
     std::uint64_t itemCount = 0;
     std::uint64_t offset = 0; ///< of the directory
     std::uint64_t size = 0;   ///< of the directory, in bytes
     std::string comment;
-    std::uint64_t archiveEnd = 0; ///< offset behind the last record and its comment
+    std::uint64_t archiveEnd = 0; ///< the offset after the last record and its comment
 };
 
-/// Finds the end of the directory. The records must stand without a gap between the directory and the end of
-/// the archive: where else they might be looked for, programs would differ on what the archive holds.
-/// @param lenient  whether bytes may stand behind them that hold no other record of this kind
+/// Finds the end of the directory. There must be no gap between the directory, the records and the end of the
+/// archive: programs that look elsewhere would find another content.
+/// @param lenient  whether bytes without another record of this kind may follow them
 DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place, bool lenient);
 
-/// @param count  of the bytes behind `DirectoryEnd::archiveEnd`
+/// @param count  the number of bytes after `DirectoryEnd::archiveEnd`
 /// @return words for a message
 std::string describeBytesBehind(std::uint64_t count);
 
-/// Raises for a directory that can't be read.
+/// Throws if a directory can't be read.
 [[noreturn]] void failDirectory(const std::string& place, const std::string& what);
 
-/// @return `count` bytes of the directory or the records behind it, which the archive has: where they lie in memory,
-/// else in `buffer`
+/// @return `count` bytes of the directory or of the records after it: in memory if they are there, otherwise in
+///         `buffer`
 const unsigned char* lookAtRecord(ByteSource& archive, const std::string& place, std::uint64_t offset,
                                   std::vector<unsigned char>& buffer, std::size_t count);
 
-/// Reads all of `count` bytes of a record of the directory.
+/// Reads exactly `count` bytes of a record of the directory.
 void readRecord(ByteSource& archive, const std::string& place, std::uint64_t offset, unsigned char* buffer,
                 std::size_t count);
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t FIELD_HEADER = 4; ///< kind and size
 
-/// The fields whose content is known, and how much of it there can be.
+/// The known fields, and the most bytes that each can have.
 constexpr struct {
     std::uint16_t kind;
     std::size_t mostBytes;
@@ -27,10 +27,10 @@ constexpr struct {
 
 constexpr std::uint16_t GROWTH_HINT_FIELD = 0xA220;
 constexpr std::uint16_t GROWTH_HINT_SIGNATURE = 0xA028;
-constexpr std::size_t GROWTH_HINT_HEADER = 4; ///< its signature, and how much room there is at first
+constexpr std::size_t GROWTH_HINT_HEADER = 4; ///< its signature, and the room at first
 
 bool areZeros(const unsigned char* bytes, std::size_t count) {
-    // Each byte is like the one behind it: the C library compares many at once.
+    // Each byte equals the next one. The C library compares many bytes at once.
     return count == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, count - 1) == 0);
 }
 

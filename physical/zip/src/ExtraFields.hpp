@@ -15,15 +15,15 @@ struct ExtraField {
     std::size_t size = 0;
 };
 
-/// Walks over the extra fields of a record.
+/// Iterates over the extra fields of a record.
 class OPC_ZIP_EXPORT ExtraFieldWalk {
 public:
     ExtraFieldWalk(const unsigned char* extra, std::size_t size) : rest(extra), left(size) {}
 
-    /// @return whether there is one more, which is in `field` then
+    /// @return whether there is one more, which `field` receives
     bool next(ExtraField& field);
 
-    /// How many bytes haven't been walked over; at the end, those that are no field.
+    /// The number of bytes that remain; at the end, those that are no field.
     std::size_t restSize() const { return left; }
 
 private:
@@ -35,22 +35,22 @@ private:
 constexpr std::uint16_t STRONG_ENCRYPTION_FIELD = 0x0017;
 constexpr std::uint16_t UNICODE_PATH_FIELD = 0x7075;
 
-/// The name in a Unicode Path field, by which many programs call the item. Whether the checksum in front of it is
-/// that of the item's name, as not all programs demand, isn't looked at.
+/// The name in a Unicode Path field, which many programs use as the name of the item. Not all programs check the
+/// checksum before it, so it isn't checked here.
 OPC_ZIP_EXPORT std::string_view unicodePath(const ExtraField& field);
 
-/// Whether extra fields hold anything but what is known to stand there: numbers of ZIP64, times, owners,
-/// a Unicode Path, and room for growth (ECMA-376 Part 2) that is filled with zeros.
+/// Whether extra fields have anything unknown. Known are numbers of ZIP64, times, owners, a Unicode Path, and room
+/// for growth (ECMA-376 Part 2) that is filled with zeros.
 OPC_ZIP_EXPORT bool holdsUnknownData(const unsigned char* extra, std::size_t size);
 
-/// The numbers of a ZIP64 field: sizes and an offset that have no room in their record. They stand in it
-/// one behind the other, without those that had room.
+/// The numbers of a ZIP64 field: sizes and an offset that don't fit into their record. The field has only those, one
+/// after the other.
 class OPC_ZIP_EXPORT Zip64Field {
 public:
-    /// @param extra  the extra fields of a record; what isn't well-formed in them is passed over
+    /// @param extra  the extra fields of a record; malformed ones are skipped
     Zip64Field(const unsigned char* extra, std::size_t size);
 
-    /// Replaces `value` by the field's next number, if `value` says that it has no room.
+    /// Replaces `value` with the next number of the field, if `value` says that the number is there.
     /// @return whether there was a number
     bool resolve(std::uint64_t& value);
 

@@ -29,7 +29,7 @@ std::string toLowerCase(std::string text) {
     return text;
 }
 
-/// "a;12" is version 12 of "a" on some systems.
+/// On some systems "a;12" is version 12 of "a".
 void dropVersion(std::string& segment) {
     const std::size_t semicolon = segment.rfind(';');
     if (semicolon != std::string::npos &&
@@ -37,7 +37,7 @@ void dropVersion(std::string& segment) {
         segment.resize(semicolon);
 }
 
-/// "a::$DATA" is the file "a" on some systems, and with the other endings it is the folder.
+/// On some systems "a::$DATA" is the file "a"; with the other endings it is the folder.
 void dropStream(std::string& segment) {
     for (const string_view stream : {"::$data", "::$index_allocation", ":$i30:$index_allocation"}) {
         const std::size_t start = segment.size() - std::min(segment.size(), stream.size());
@@ -56,7 +56,7 @@ std::string simplifySegment(string_view segment) {
     std::remove_copy_if(segment.begin(), segment.end(), std::back_inserter(simple), isControl);
     dropVersion(simple);
     dropStream(simple);
-    simple.resize(simple.find_last_not_of(". ") + 1); // 0 if there is nothing else
+    simple.resize(simple.find_last_not_of(". ") + 1); // 0 if nothing else is left
     return simple;
 }
 
@@ -66,7 +66,7 @@ void dropLastSegment(std::string& folder) {
     folder.resize(folder.rfind('/') + 1);
 }
 
-/// Puts the segments of a name together, as far as they count.
+/// Joins the segments of a name that count.
 std::string simplify(string_view name) {
     std::string simple;
     while (!name.empty()) {
@@ -75,7 +75,7 @@ std::string simplify(string_view name) {
         std::string kept = simplifySegment(segment);
         if (simple.empty())
             dropDrive(kept);
-        if (segment == "..") // of a decoded name alone; others that have it are refused
+        if (segment == "..") // only in a decoded name: others with it are refused
             dropLastSegment(simple);
         else if (!kept.empty())
             simple += kept + '/';
@@ -97,7 +97,7 @@ std::string decode(string_view name) {
     return decoded;
 }
 
-/// As a part would be called, in lower case.
+/// The name of a part, in lower case.
 std::string keyOf(string_view itemName) {
     return toLowerCase(encodeItemName(itemName));
 }
@@ -160,7 +160,7 @@ std::optional<std::string> ExtractionNames::findPart(const std::string& key) con
         return CONTENT_TYPES_ITEM;
     const auto found = owned.find(key);
     if (found == owned.end() || (found->second != CONTENT_TYPES_ITEM && !parts.find(found->second)))
-        return std::nullopt; // the part has been deleted since
+        return std::nullopt; // the part has been deleted meanwhile
     return found->second;
 }
 

@@ -6,17 +6,17 @@
 #include <string_view>
 
 /// @file
-/// The one form of all messages: "place: what", with the place an archive, or an archive and an item.
+/// The form of all messages: "place: what". The place is an archive, or an archive and an item.
 
 namespace opc::physical::zip {
 
-/// Raises `opc::Exception` with `code`, a value of the generic category.
+/// Throws `opc::Exception` with `code`, a value of the generic category.
 [[noreturn]] OPC_ZIP_EXPORT void fail(const std::string& place, const std::string& what, int code);
 
-/// The same for a system call that has failed with the error number `code`, which is put in words.
+/// The same for a system call that failed with the error number `code`, which is explained in words.
 [[noreturn]] OPC_ZIP_EXPORT void failSystem(const std::string& place, const std::string& what, int code);
 
-/// @return a name from an archive for messages: control characters in it become question marks
+/// @return a name from an archive for messages, with question marks instead of control characters
 OPC_ZIP_EXPORT std::string printable(std::string_view name);
 
 /// @param item  a name from an archive

@@ -18,13 +18,13 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// Whether the system can't or won't set what it was asked for, rather than having failed to.
+/// Whether the system can't or won't set an attribute; false for a real failure.
 bool isRefusal(int error) {
     constexpr int REFUSALS[] = {EPERM, EACCES, EINVAL, ENOTSUP, ENOSYS, E2BIG};
     return std::find(std::begin(REFUSALS), std::end(REFUSALS), error) != std::end(REFUSALS);
 }
 
-/// Raises unless a call has succeeded or was refused.
+/// Throws unless a call has succeeded or was refused.
 /// @return whether it has succeeded
 bool succeeded(int result, const std::string& place, const char* what) {
     if (result == 0)
@@ -34,7 +34,7 @@ bool succeeded(int result, const std::string& place, const char* what) {
     return false;
 }
 
-/// What speaks of the old content isn't true of the new one: hashes, and what a program may do.
+/// These aren't true for the new content: hashes, and what a program may do.
 bool concernsContent(std::string_view attribute) {
     constexpr std::string_view NAMES[] = {"security.capability", "security.evm", "security.ima"};
     return std::find(std::begin(NAMES), std::end(NAMES), attribute) != std::end(NAMES);
@@ -54,11 +54,11 @@ void takeExtendedAttributes(const char* old, int file, const std::string& place)
     }
 }
 
-/// @return what the file has got of them
+/// @return which of them the file has got
 struct stat takeOwnership(const struct stat& old, int file, const std::string& place) {
-    // The new owner must not be able to do more with it than with the old file, not even for a moment.
+    // The new owner must never be able to do more with it than with the old file.
     succeeded(::fchmod(file, old.st_mode & S_IRWXU), place, "can't keep the permissions");
-    // Only root may give a file away; others may still give it to a group of theirs.
+    // Only root may give a file away. Others may still give it to one of their groups.
     if (!succeeded(::fchown(file, old.st_uid, old.st_gid), place, "can't keep the owner"))
         succeeded(::fchown(file, static_cast<uid_t>(-1), old.st_gid), place, "can't keep the group");
     struct stat now {};
@@ -79,7 +79,7 @@ void takePermissions(const char* path, const struct stat& old, int file, const s
     AccessList list = AccessList::of(path, old.st_mode);
     if (!sameGroup)
         list.meanAnyGroup();
-    // A list that isn't kept held people back too: then the owner alone keeps access.
+    // The list also kept people out. If it can't be set, only the owner keeps access.
     const bool kept = list.setOn(file);
     const mode_t mode = list.mode() & (kept ? ACCESSPERMS : S_IRWXU);
     succeeded(::fchmod(file, mode | special), place, "can't keep the permissions");

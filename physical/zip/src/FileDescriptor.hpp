@@ -8,7 +8,7 @@
 
 namespace opc::physical::zip {
 
-/// Owns a file descriptor. Reading and writing give an error number, 0 for success, and raise nothing.
+/// Owns a file descriptor. Reading and writing return an error number, 0 for success, and throw nothing.
 class OPC_ZIP_EXPORT FileDescriptor {
 public:
     explicit FileDescriptor(int fd = -1) noexcept : fd(fd) {}
@@ -26,11 +26,11 @@ public:
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) const noexcept;
 
-    /// Writes all of `count` bytes.
+    /// Writes exactly `count` bytes.
     int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) const noexcept;
 
     /// Copies up to `count` bytes of another file within the system.
-    /// @return how many; fewer at its end and where the system can't, for whatever reason
+    /// @return how many; fewer at the end of that file, and if the system can't copy
     std::uint64_t copyAt(std::uint64_t offset, const FileDescriptor& source, std::uint64_t sourceOffset,
                          std::uint64_t count) const noexcept;
 

@@ -4,7 +4,7 @@
 
 namespace opc::physical::zip {
 
-/// Tells a file from another one, and from itself after it has been written to.
+/// Distinguishes a file from other files, and from itself before a change.
 struct FileIdentity {
     FileIdentity() = default;
     explicit FileIdentity(const struct stat& status)

@@ -42,7 +42,7 @@ void requireNoForeignFormat(ByteSource& archive, const std::string& place) {
     std::array<unsigned char, 64> bytes{};
     std::size_t got = 0;
     if (archive.readAt(0, bytes.data(), std::min<std::uint64_t>(bytes.size(), archive.size()), got) != 0)
-        return; // what reads the rest says it
+        return; // the next reader reports the failure
     std::string start(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got));
     std::transform(start.begin(), start.end(), start.begin(), lower);
     const bool hasMark = start.compare(0, 3, "\xEF\xBB\xBF") == 0;

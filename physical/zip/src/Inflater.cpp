@@ -16,7 +16,7 @@ void Inflater::restart() noexcept {
 }
 
 void Inflater::setInput(const unsigned char* bytes, std::size_t count) noexcept {
-    stream.next_in = const_cast<unsigned char*>(bytes); // zlib doesn't write there
+    stream.next_in = const_cast<unsigned char*>(bytes); // zlib doesn't write to it
     stream.avail_in = static_cast<uInt>(count);
 }
 
@@ -25,7 +25,7 @@ Inflater::Result Inflater::expand(unsigned char* output, std::size_t count, std:
     const auto room = static_cast<uInt>(std::min(count, AT_MOST));
     stream.next_out = output;
     stream.avail_out = room;
-    // What ends within this output needn't be kept for what might refer to it.
+    // The stream ends within this output, so zlib needs no copy of it for later references.
     const int result = ::inflate(&stream, Z_FINISH);
     got = room - stream.avail_out;
     if (result == Z_STREAM_END)

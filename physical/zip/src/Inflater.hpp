@@ -7,7 +7,8 @@
 
 namespace opc::physical::zip {
 
-/// Expands Deflate data, one stream after another. It takes 55 KiB with its input, and so serves many items.
+/// Expands Deflate data, one stream after another. It allocates 55 KiB with its input buffer, so it is used for many
+/// items.
 class Inflater {
 public:
     enum class Result { More, End, Damaged };
@@ -17,25 +18,25 @@ public:
     Inflater& operator=(const Inflater&) = delete;
     ~Inflater() { ::inflateEnd(&stream); }
 
-    /// Forgets the stream that it is in.
+    /// Forgets the current stream.
     void restart() noexcept;
 
-    /// Whether the input has been used up.
+    /// Whether the input is used up.
     bool needsInput() const noexcept { return stream.avail_in == 0; }
 
-    /// Room for input that doesn't lie in memory otherwise.
+    /// Room for input that isn't in memory.
     std::array<unsigned char, 16384>& input() noexcept { return buffer; }
 
-    /// The next bytes to expand, which stay in place until they are used up.
+    /// Sets the next bytes to expand. They must stay in place until they are used up.
     void setInput(const unsigned char* bytes, std::size_t count) noexcept;
 
-    /// Expands what it can.
-    /// @param got  gets how many bytes there are now in `output`
-    /// @return End where the compressed stream says that it ends
+    /// Expands as much as possible.
+    /// @param got  receives the number of bytes in `output`
+    /// @return End if the compressed stream says that it ends
     Result expand(unsigned char* output, std::size_t count, std::size_t& got) noexcept;
 
-    /// Hands input on as it is: that of an item that isn't compressed.
-    /// @return how many bytes there are now in `output`
+    /// Copies input unchanged, for an item that isn't compressed.
+    /// @return the number of bytes in `output`
     std::size_t pass(unsigned char* output, std::size_t count) noexcept;
 
 private:

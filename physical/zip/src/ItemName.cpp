@@ -91,14 +91,14 @@ const char* segmentDefect(string_view segment) {
     return segment.back() == '.' ? "a segment that ends in a dot" : nullptr;
 }
 
-/// "C:/a" and the like; a part could be called so, but an archive of it would be dangerous to unpack.
+/// "C:/a" and the like. A part could have this name, but unpacking such an archive would be dangerous.
 bool isDrivePath(string_view path) {
     const char letter = path.empty() ? '\0' : lower(path[0]);
     return letter >= 'a' && letter <= 'z' && path.substr(1, 2) == ":/";
 }
 
-/// The rules [M1.1] to [M1.10] as far as they concern one name alone, and what no archive can hold safely.
-/// @param name  without the slash in front
+/// The rules [M1.1] to [M1.10] that concern a single name, and what an archive can't hold safely.
+/// @param name  without its first slash
 const char* defectOf(string_view name) {
     if (isDrivePath(name))
         return "a drive in front";
@@ -112,7 +112,7 @@ const char* defectOf(string_view name) {
     }
 }
 
-/// Takes "/[3].piece" or "/[3].last.piece" off the end of `name`.
+/// Removes "/[3].piece" or "/[3].last.piece" from the end of `name`.
 std::optional<ItemName::Piece> removePiece(string_view& name) {
     string_view left = name;
     if (!removeEndCaseless(left, "].piece") && !removeEndCaseless(left, "].last.piece"))
@@ -132,12 +132,11 @@ std::optional<ItemName::Piece> removePiece(string_view& name) {
 constexpr string_view RELATIONSHIPS_FOLDER = "_rels/";
 constexpr string_view RELATIONSHIPS_EXTENSION = ".rels";
 
-/// Where the folder in the name of a relationships part begins, in whatever letter case the name is; nothing if it is
-/// no such name.
+/// The position of the folder in the name of a relationships part, in any letter case; nothing if it is no such name.
 std::optional<std::size_t> findRelationshipsFolder(string_view name) {
     if (!removeEndCaseless(name, RELATIONSHIPS_EXTENSION))
         return std::nullopt;
-    const std::size_t file = name.rfind('/') + 1; // 0 without a slash
+    const std::size_t file = name.rfind('/') + 1; // 0 if there is no slash
     const std::size_t folder = file - std::min(file, RELATIONSHIPS_FOLDER.size());
     if (!equalsCaseless(name.substr(folder, file - folder), RELATIONSHIPS_FOLDER) ||
         (folder > 0 && name[folder - 1] != '/'))
@@ -145,7 +144,7 @@ std::optional<std::size_t> findRelationshipsFolder(string_view name) {
     return folder;
 }
 
-/// Gives `_rels` and `.rels` in the name of a relationships part the letter case that the standard writes.
+/// Changes `_rels` and `.rels` in the name of a relationships part to the letter case of the standard.
 void standardizeRelationships(std::string& name) {
     if (const auto folder = findRelationshipsFolder(name))
         name.replace(*folder, RELATIONSHIPS_FOLDER.size(), RELATIONSHIPS_FOLDER)

@@ -9,40 +9,40 @@
 
 namespace opc::physical::zip {
 
-/// The item name of the content types stream when it is new.
+/// The item name of a new content types stream.
 extern const char* const CONTENT_TYPES_ITEM;
 
-/// What the name of a ZIP item says that the item is.
+/// What an item is by its name.
 struct ItemName {
-    /// A refused name leads out of the folder that an archive is unpacked to.
+    /// A refused name leads out of the folder into which an archive is unpacked.
     enum class Kind { Part, ContentTypes, Ignored, Refused };
 
-    /// An interleaved part is cut into items [0].piece, [1].piece and so on, the last one [n].last.piece.
+    /// An interleaved part consists of the items [0].piece, [1].piece and so on; the last one is [n].last.piece.
     struct Piece {
         std::uint32_t number;
         bool last;
     };
 
     Kind kind = Kind::Ignored;
-    /// Of a part, without the slash that it begins with. `_rels` and `.rels` have standard letter case.
+    /// the name of a part without its first slash; `_rels` and `.rels` have standard letter case
     std::string partName;
-    std::optional<Piece> piece; ///< of a part or the content types stream: it is a piece of that
+    std::optional<Piece> piece; ///< if the item is a piece of a part or of the content types stream
     std::string reason;         ///< why it is ignored or refused
 };
 
-/// Maps an item name, in UTF-8, to what it stands for (ECMA-376 Part 2, mapping of ZIP item names to part
-/// names, widened to names that real programs write: see `ZipPackage`).
+/// Decides what an item is by its name, in UTF-8 (ECMA-376 Part 2, mapping of ZIP item names to part names). Also
+/// accepts names that real programs write: see `ZipPackage`.
 OPC_ZIP_EXPORT ItemName readItemName(std::string_view item);
 
-/// Whether `readItemName` and `isPlainPartName` leave nothing to do: the item is a part that has the item's name as it
-/// stands. Nearly all items are, and one look at the name tells so.
+/// Whether one look at the name tells that `readItemName` and `isPlainPartName` aren't needed: the item is a part
+/// with exactly this name. Nearly all items are.
 OPC_ZIP_EXPORT bool isUsualItemName(std::string_view item);
 
-/// @return an item name, in UTF-8, with everything percent-encoded that a part name can't hold
+/// @return an item name, in UTF-8, with all characters percent-encoded that a part name can't have
 std::string encodeItemName(std::string_view item);
 
-/// @return what breaks the rules for part names in `name`, or keeps an archive from holding a part of that name,
-///     as words for a message; null if nothing does
+/// @return why `name` isn't a part name, or why an archive can't hold such a part, as words for a message; null if
+///         there is no reason
 const char* partNameDefect(std::string_view name);
 
 } // namespace opc::physical::zip

@@ -16,8 +16,8 @@ bool isWrittenEarly(const unsigned char* header) {
     return (read16(header + 6) & DATA_DESCRIPTOR) != 0;
 }
 
-/// Whether a local header's numbers are those of the directory.
-/// @param early  nothing may stand there yet
+/// Whether the numbers in a local header are those of the directory.
+/// @param early  whether the numbers may still be missing
 bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, bool early) {
     std::uint64_t compressedSize = read32(header + 18);
     std::uint64_t size = read32(header + 22);
@@ -31,7 +31,7 @@ bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, bool
            agrees(compressedSize, entry.compressedSize);
 }
 
-/// Whether the flags mean the same: the one for the encoding of names counts where a name isn't ASCII.
+/// Whether the flags mean the same. The flag for the encoding of names counts only if the name isn't ASCII.
 bool agreeOnFlags(const DirectoryEntry& entry, const unsigned char* header) {
     const unsigned differing = read16(header + 6) ^ entry.flags;
     return (differing & ENCRYPTION_FLAGS) == 0 &&

@@ -9,16 +9,16 @@
 
 namespace opc::physical::zip {
 
-/// Raises if the local header of an item says anything else than the directory.
-/// @param header   all of it
+/// Throws if the local header of an item contradicts the directory.
+/// @param header   the whole header
 /// @param archive  the archive's name for messages
 void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, const std::string& archive);
 
-/// Finds the data descriptor of an item, which repeats sizes and checksum behind the content: with or without a
-/// signature, sizes in 32 or 64 bits. Raises if there is none although the local header needs it, or if it says
-/// anything else than the directory.
+/// Finds the data descriptor of an item, which repeats sizes and checksum after the content: with or without a
+/// signature, with sizes in 32 or 64 bits. Throws if the local header needs one and there is none, or if it
+/// contradicts the directory.
 /// @param header  the local header, which has been checked
-/// @param behind  what stands behind the content
+/// @param behind  the bytes after the content
 /// @return its size, 0 if there is none
 std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* header,
                            const unsigned char* behind, std::size_t count, const std::string& archive);
@@ -28,7 +28,7 @@ constexpr std::size_t LONGEST_DESCRIPTOR = 24;
 OPC_ZIP_EXPORT std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry,
                                                           const unsigned char* behind, std::size_t count);
 
-/// Raises for an item that can't be read.
+/// Throws if an item can't be read.
 [[noreturn]] void failItem(const DirectoryEntry& entry, const std::string& archive, const std::string& what);
 
 } // namespace opc::physical::zip

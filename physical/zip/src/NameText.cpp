@@ -26,7 +26,7 @@ constexpr std::array<char16_t, 128> UPPER_HALF = {
     0x2321, 0x00F7, 0x2248, 0x00B0, 0x2219, 0x00B7, 0x221A, 0x207F, 0x00B2, 0x25A0, 0x00A0,
 };
 
-/// How many bytes the character at `text[i]` has; 0 if it isn't well-formed.
+/// The number of bytes of the character at `text[i]`; 0 if it isn't well-formed.
 std::size_t sequenceSize(std::string_view text, std::size_t i) {
     const auto byte = [&text](std::size_t place) {
         return place < text.size() ? static_cast<unsigned char>(text[place]) : 0U;
@@ -34,7 +34,7 @@ std::size_t sequenceSize(std::string_view text, std::size_t i) {
     const unsigned first = byte(i);
     if (first < 0x80)
         return 1;
-    // What the second byte may be keeps out overlong forms, surrogates and what is beyond U+10FFFF.
+    // The range of the second byte excludes overlong forms, surrogates and everything beyond U+10FFFF.
     const unsigned low = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
     const unsigned high = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
     if (first < 0xC2 || first > 0xF4 || byte(i + 1) < low || byte(i + 1) > high)
@@ -47,7 +47,7 @@ std::size_t sequenceSize(std::string_view text, std::size_t i) {
     return size;
 }
 
-/// Whether the eight bytes at `text` are ASCII, as nearly all are in nearly all names.
+/// Whether the eight bytes at `text` are ASCII, as nearly always.
 bool areASCII(const char* text) {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, text, sizeof bytes);

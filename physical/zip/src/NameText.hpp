@@ -10,12 +10,12 @@ namespace opc::physical::zip {
 OPC_ZIP_EXPORT bool isASCII(std::string_view text);
 OPC_ZIP_EXPORT bool isUTF8(std::string_view text);
 
-/// @param text  in code page 437, the encoding of ZIP names that don't say another one
-/// @return it in UTF-8
+/// @param text  in code page 437, the default encoding of ZIP names
+/// @return the text in UTF-8
 OPC_ZIP_EXPORT std::string fromCodePage437(std::string_view text);
 
-/// @param text  in Latin-1, as some programs take such names
-/// @return it in UTF-8
+/// @param text  in Latin-1: some programs read such names so
+/// @return the text in UTF-8
 OPC_ZIP_EXPORT std::string fromLatin1(std::string_view text);
 
 } // namespace opc::physical::zip

@@ -15,8 +15,8 @@ constexpr unsigned ZIP64_VERSION = 45; ///< 4.5
 constexpr unsigned MADE_ON_UNIX = 3U << 8;
 constexpr std::uint32_t READABLE_FILE = 0100644U << 16; ///< the permissions of an unpacked file
 
-/// Contents this large get room for 64-bit sizes before they are written. Some room is left above: Deflate
-/// makes what it can't compress a little larger.
+/// Contents of this size or more get room for 64-bit sizes before they are written. The limit leaves some room,
+/// because Deflate makes incompressible data a little larger.
 constexpr std::uint64_t LARGE = 0xF0000000;
 
 bool isLarge(const DirectoryEntry& entry) {
@@ -37,7 +37,7 @@ std::string zip64Field(const std::string& numbers) {
     return field + numbers;
 }
 
-/// What local header and directory have in common, from the version that is needed to the size of the name.
+/// What a local header and a directory entry have in common, from the needed version to the size of the name.
 void appendCommon(std::string& record, const DirectoryEntry& entry, std::uint32_t time, bool zip64) {
     appendNumber(record, zip64 ? ZIP64_VERSION : VERSION, 2);
     appendNumber(record, entry.flags, 2);
@@ -108,7 +108,7 @@ void appendMovedRecord(std::string& directory, std::string_view record, std::uin
     const std::size_t extraSize = read16(bytes + 30);
     std::uint64_t size = read32(bytes + 24);
     std::uint64_t compressedSize = read32(bytes + 20);
-    // Numbers that stood in the ZIP64 field stay there: the local header has them in the same way.
+    // Numbers that were in the ZIP64 field stay there, because the local header has them in the same way.
     std::string numbers;
     Zip64Field field(bytes + extraStart, extraSize);
     for (std::uint64_t* number : {&size, &compressedSize}) {
@@ -131,7 +131,7 @@ std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, s
                        const std::string& comment) {
     std::string records;
     if (itemCount >= NO_ROOM_16 || directoryOffset >= NO_ROOM_32 || directorySize >= NO_ROOM_32) {
-        constexpr std::uint64_t UNCOUNTED = 12; // signature and size don't count in the record's size
+        constexpr std::uint64_t UNCOUNTED = 12; // the record's own size doesn't count signature and size
         appendNumber(records, ZIP64_DIRECTORY_END, 4);
         appendNumber(records, ZIP64_DIRECTORY_END_SIZE - UNCOUNTED, 8);
         appendNumber(records, MADE_ON_UNIX | ZIP64_VERSION, 2);

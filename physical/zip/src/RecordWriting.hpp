@@ -6,28 +6,28 @@
 #include <string_view>
 
 /// @file
-/// The records of an archive in the making.
+/// The records of an archive that is being written.
 
 namespace opc::physical::zip {
 
-/// Date and time as a ZIP archive has them: of now, or the origin of time there.
+/// The current date and time in the format of ZIP archives, or the earliest time of that format.
 std::uint32_t dosTimeNow();
 constexpr std::uint32_t DOS_TIME_ORIGIN = 0x0021'0000; ///< the first of January 1980, midnight
 
 /// The local header of a new item.
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time);
 
-/// Its size, which rests on the name and the size of the content alone.
+/// The size of that header, which depends only on the name and on the size of the content.
 std::size_t localHeaderSize(const DirectoryEntry& entry);
 
-/// Appends the directory's record of a new item.
+/// Appends the directory entry of a new item.
 void appendRecord(std::string& directory, const DirectoryEntry& entry, std::uint32_t time);
 
-/// Appends the directory's record of an item that now lies at `offset`.
-/// @param record  as it was
+/// Appends the directory entry of an item that is now at `offset`.
+/// @param record  the old entry
 void appendMovedRecord(std::string& directory, std::string_view record, std::uint64_t offset);
 
-/// What stands behind the directory.
+/// The records after the directory.
 std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, std::uint64_t directorySize,
                        const std::string& comment);
 

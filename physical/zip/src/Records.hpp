@@ -9,7 +9,7 @@
 
 namespace opc::physical::zip {
 
-/// What each record begins with.
+/// The signatures at the beginning of records.
 constexpr std::uint32_t LOCAL_HEADER = 0x04034B50;
 constexpr std::uint32_t DESCRIPTOR = 0x08074B50;
 constexpr std::uint32_t DIRECTORY_ENTRY = 0x02014B50;
@@ -17,14 +17,14 @@ constexpr std::uint32_t DIRECTORY_END = 0x06054B50;
 constexpr std::uint32_t ZIP64_DIRECTORY_END = 0x06064B50;
 constexpr std::uint32_t ZIP64_LOCATOR = 0x07064B50;
 
-/// Sizes without what varies: names, extra fields, comments.
+/// The fixed sizes, without names, extra fields and comments.
 constexpr std::size_t LOCAL_HEADER_SIZE = 30;
 constexpr std::size_t DIRECTORY_ENTRY_SIZE = 46;
 constexpr std::size_t DIRECTORY_END_SIZE = 22;
 constexpr std::size_t ZIP64_DIRECTORY_END_SIZE = 56;
 constexpr std::size_t ZIP64_LOCATOR_SIZE = 20;
 
-/// Stands where a number has no room and is found in a ZIP64 record or field instead.
+/// Takes the place of a number that doesn't fit. The number is in a ZIP64 record or field instead.
 constexpr std::uint16_t NO_ROOM_16 = 0xFFFF;
 constexpr std::uint32_t NO_ROOM_32 = 0xFFFFFFFF;
 constexpr std::uint16_t ZIP64_FIELD = 1;
@@ -42,7 +42,7 @@ constexpr std::uint16_t ENCRYPTION_FLAGS = ENCRYPTED | STRONGLY_ENCRYPTED | ENCR
 constexpr std::uint16_t STORE = 0;
 constexpr std::uint16_t DEFLATE = 8;
 
-/// The number of `width` bytes at `bytes`.
+/// The number in the `width` bytes at `bytes`.
 inline std::uint64_t readNumber(const unsigned char* bytes, unsigned width) {
     std::uint64_t value = 0;
     for (unsigned i = width; i-- > 0;)
@@ -59,7 +59,7 @@ inline std::uint64_t read64(const unsigned char* bytes) {
     return readNumber(bytes, 8);
 }
 
-/// The sizes of records by their own account, with all that varies.
+/// The whole sizes of records, including the variable parts.
 inline std::size_t localHeaderSizeOf(const unsigned char* header) {
     return LOCAL_HEADER_SIZE + read16(header + 26) + read16(header + 28);
 }
@@ -67,7 +67,7 @@ inline std::size_t directoryEntrySizeOf(const unsigned char* entry) {
     return DIRECTORY_ENTRY_SIZE + read16(entry + 28) + read16(entry + 30) + read16(entry + 32);
 }
 
-/// Appends `value` in `width` bytes to a record in the making.
+/// Appends `value` in `width` bytes to a record that is being written.
 inline void appendNumber(std::string& record, std::uint64_t value, unsigned width) {
     std::array<char, 8> bytes{};
     for (unsigned i = 0; i < width; ++i)

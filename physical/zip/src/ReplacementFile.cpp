@@ -21,13 +21,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// So many names are tried. Others can take the first ones in a folder in which everybody may make files; the
-/// rest can't be foretold.
+/// The number of names that are tried. In a folder where everybody may create files, others can take the first ones;
+/// the rest can't be guessed.
 constexpr unsigned NAMES = 20;
 constexpr unsigned FORETOLD_NAMES = 10;
 
 unsigned randomNumber() {
-    unsigned number = 0; // stays if the system has none
+    unsigned number = 0; // used if the system has none
     return ::getrandom(&number, sizeof number, 0) < 0 ? 0 : number;
 }
 
@@ -37,7 +37,7 @@ fs::path resolve(const fs::path& path) {
     return error ? path : real;
 }
 
-/// Many file systems know no locks.
+/// Many file systems don't have locks.
 enum class Lock { Taken, HeldByOther, Unsupported };
 
 Lock tryToLock(const FileDescriptor& file) {
@@ -77,9 +77,9 @@ void ReplacementFile::make() {
     failSystem(place, "can't make a file in its folder", EEXIST);
 }
 
-/// @return false if another file stands in the way
+/// @return false if another file has this name
 bool ReplacementFile::create() {
-    // A file that replaces another one is nobody else's to read before it has that one's permissions.
+    // Before a replacement has the permissions of the file that it replaces, nobody else may read it.
     struct stat old {};
     const mode_t mode = ::stat(target.c_str(), &old) == 0 ? 0600 : 0666;
     const SignalsHeld held;
@@ -89,7 +89,7 @@ bool ReplacementFile::create() {
             return false;
         failSystem(place, "can't make a file in its folder", errno);
     }
-    // Between its creation and its lock somebody may have taken the file for an abandoned one.
+    // Between creation and lock, somebody may have taken the file for an abandoned one.
     if (tryToLock(made) == Lock::HeldByOther || !isNamed(made))
         return false;
     file = std::move(made);
@@ -97,7 +97,7 @@ bool ReplacementFile::create() {
     return true;
 }
 
-/// @return false if it stays, since it can't be removed or perhaps isn't abandoned
+/// @return false if it stays, because it can't be removed or perhaps isn't abandoned
 bool ReplacementFile::removeAbandoned() {
     const FileDescriptor found = openAbandoned();
     if (!found.isOpen())
@@ -112,14 +112,14 @@ bool ReplacementFile::removeAbandoned() {
 
 FileDescriptor ReplacementFile::openAbandoned() const {
     constexpr int FLAGS = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    // To write if that is possible: over a network, no other file can be locked.
+    // For writing if possible: over a network, other files can't be locked.
     FileDescriptor found(::openat(folder.get(), name.c_str(), O_RDWR | FLAGS));
     if (!found.isOpen() && errno == EACCES)
         found = FileDescriptor(::openat(folder.get(), name.c_str(), O_RDONLY | FLAGS));
     return found;
 }
 
-/// Whether the name still leads to that file.
+/// Whether the name still belongs to that file.
 bool ReplacementFile::isNamed(const FileDescriptor& opened) const {
     struct stat open {};
     struct stat named {};
@@ -128,7 +128,7 @@ bool ReplacementFile::isNamed(const FileDescriptor& opened) const {
            open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
-/// Whether somebody else has put the file into a folder that is everybody's, where anybody may lock it.
+/// Whether somebody else has created the file in a folder that everybody may write to. Everybody could lock it there.
 bool ReplacementFile::isStrangers(const FileDescriptor& opened) const {
     struct stat status {};
     struct stat around {};
@@ -160,9 +160,9 @@ FileIdentity ReplacementFile::identity() const {
 
 void ReplacementFile::syncFolder() {
     const FileDescriptor opened(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // A folder that may be written and not read is synced with all else.
+    // A folder that may be written but not read: `sync` covers it.
     const bool unreadable = !opened.isOpen() && errno == EACCES;
-    // Some file systems can't sync a folder, and say so with EINVAL.
+    // Some file systems can't sync a folder, and report EINVAL.
     if ((unreadable ? ::syncfs(file.get()) : ::fsync(opened.get())) != 0 && errno != EINVAL)
         failSystem(place, "can't sync its folder", errno);
 }

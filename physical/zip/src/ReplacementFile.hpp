@@ -10,13 +10,13 @@
 
 namespace opc::physical::zip {
 
-/// A file in the making that takes the place of another one, all or nothing.
+/// A new file that will replace another one, all or nothing.
 ///
-/// It lies beside its target, under the target's name with a dot in front and ".opcmodel-new" behind, or under
-/// a further name if a file stands there that can't be removed. It is locked while it lives, where the file
-/// system has locks: one that nobody holds is the rest of a process that has died, and the next saving removes
-/// it. Destroyed without `putInPlace`, or ended by a signal whose handler calls `removeUnfinishedFiles`, it is
-/// gone and the target is as it was.
+/// It is next to its target. Its name is the target's name with a dot before it and ".opcmodel-new" after it, or a
+/// further name if a file that can't be removed has that name. It is locked while it exists, if the file system has
+/// locks. An unlocked one is left over from a dead process, and the next save removes it. If it is destroyed without
+/// `putInPlace`, or a signal ends the process and its handler calls `removeUnfinishedFiles`, the file is removed and
+/// the target doesn't change.
 class ReplacementFile : public ByteTarget {
 public:
     /// @param path   the target; a symbolic link is followed
@@ -32,13 +32,13 @@ public:
         return file.copyAt(offset, source, sourceOffset, count);
     }
 
-    /// Gives the file the attributes of its target, syncs it and puts it in the target's place.
+    /// Gives the file the attributes of its target, syncs it, and renames it to the target's name.
     void putInPlace();
 
-    /// Makes sure that the folder keeps the file under its new name.
+    /// Makes sure that the folder keeps the new name after a crash.
     void syncFolder();
 
-    /// Of the file as it is now.
+    /// The identity of the file as it is now.
     FileIdentity identity() const;
 
 private:
@@ -51,7 +51,7 @@ private:
 
     std::filesystem::path target;
     std::string place;
-    FileDescriptor folder; ///< to find names in, not to read
+    FileDescriptor folder; ///< serves to find names, not to read
     std::string name;      ///< in the folder
     FileDescriptor file;
     UnfinishedFile unfinished;

@@ -4,7 +4,7 @@
 
 namespace opc::physical::zip {
 
-/// While it lives, signals to this thread wait: what it does is done wholly before a signal ends the process.
+/// Holds back signals to this thread while it lives, so that no signal ends the process in between.
 class SignalsHeld {
 public:
     SignalsHeld() noexcept {

@@ -22,7 +22,7 @@ bool SpoolStore::takeMemory(std::uint64_t count) noexcept {
 std::uint64_t SpoolStore::takeChunk() {
     if (!descriptor.isOpen())
         makeFile();
-    // Room for the chunk's return: giving it back must not fail.
+    // Reserves room for the chunk's return, because giving it back must not fail.
     if (freeChunks.capacity() <= fileEnd / CHUNK)
         freeChunks.reserve(2 * (fileEnd / CHUNK + 1));
     if (freeChunks.empty()) {
@@ -41,7 +41,7 @@ void SpoolStore::giveChunk(std::uint64_t offset) noexcept {
 void SpoolStore::makeFile() {
     int fd = ::open(place.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (fd < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
-        // A file system that knows no files without a name.
+        // The file system can't create a file without a name.
         std::string name = (place / ".opcmodel-XXXXXX").string();
         const SignalsHeld held;
         fd = ::mkostemp(name.data(), O_CLOEXEC);

@@ -9,9 +9,9 @@
 
 namespace opc::physical::zip {
 
-/// What the parts written to one open package share: how much memory they may take, and the temporary file
-/// for the rest. The file has no name, so that nothing of it stays, however the process ends. It is handed
-/// out in chunks, so that many parts may grow at the same time with one descriptor.
+/// What all parts share that are written to one open package: the allowed memory, and the temporary file for the
+/// rest. The file has no name, so it never outlives the process. It is divided into chunks, so that many parts can
+/// grow at the same time with one descriptor.
 class SpoolStore {
 public:
     static constexpr std::size_t CHUNK = 1U << 20;
@@ -19,7 +19,7 @@ public:
     SpoolStore(std::filesystem::path place, std::uint64_t memoryLimit)
         : place(std::move(place)), memoryLeft(memoryLimit) {}
 
-    /// @return whether there is so much memory left; then it is taken
+    /// @return whether that much memory is left; then it is taken
     bool takeMemory(std::uint64_t count) noexcept;
     void giveMemory(std::uint64_t count) noexcept { memoryLeft += count; }
 
@@ -40,7 +40,7 @@ private:
     std::vector<std::uint64_t> freeChunks;
 };
 
-/// The content of one part as it is written: in memory while it is small, then in the store's file.
+/// The content of one part while it is written: in memory while it is small, then in the store's file.
 class Spool : public ByteSource {
 public:
     explicit Spool(std::shared_ptr<SpoolStore> store) noexcept : store(std::move(store)) {}
@@ -48,14 +48,14 @@ public:
     Spool& operator=(const Spool&) = delete;
     ~Spool() override;
 
-    /// Appends. Raises `opc::Exception` if the bytes find no room.
+    /// Appends. Throws `opc::Exception` if there is no room for the bytes.
     void write(const unsigned char* buffer, std::size_t count);
 
-    /// Writes over what is there, and appends what reaches beyond. Raises as `write` does.
+    /// Overwrites bytes, and appends those beyond the end. Throws as `write` does.
     /// @param offset  at most the size
     void writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count);
 
-    /// False after a failed `write`: then the content is only a part of what was to be written.
+    /// False after a failed `write`: then the content is incomplete.
     bool isWhole() const noexcept { return whole; }
 
     std::uint64_t size() const noexcept override { return length; }

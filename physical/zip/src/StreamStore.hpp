@@ -11,9 +11,9 @@ struct ZipOptions;
 
 namespace opc::physical::zip {
 
-/// An archive that comes from a stream. The stream is read once, from where it stands to its end, when the
-/// archive is asked for; what is read, and what replaces it, is kept in memory while it is small and in a
-/// temporary file without a name otherwise.
+/// An archive that comes from a stream. The stream is read once, from its position to its end, when the archive is
+/// first needed. Its bytes, and those of a new archive, are kept in memory while they are few, otherwise in a
+/// temporary file without a name.
 class StreamStore : public ArchiveStore {
 public:
     StreamStore(std::istream& stream, const ZipOptions& options);
@@ -27,7 +27,7 @@ public:
 private:
     void readStream();
 
-    std::istream* input; ///< null once it has been read
+    std::istream* input; ///< null after it was read
     std::filesystem::path folder;
     std::uint64_t sizeLimit;
     std::shared_ptr<SpoolStore> spools;

@@ -10,7 +10,7 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// Tells a name from others with the same beginning.
+/// Distinguishes a name from others with the same beginning.
 std::string checksum(const std::string& name) {
     const uLong sum = ::crc32(0, reinterpret_cast<const Bytef*>(name.data()), static_cast<uInt>(name.size()));
     std::array<char, 10> text{};
@@ -29,7 +29,7 @@ std::string temporaryName(const std::string& target, unsigned number, std::size_
     ending = checksum(target) + ending;
     std::size_t kept = std::min(target.size(), std::max(longest, 1 + ending.size()) - 1 - ending.size());
     const auto cutsCharacter = [&] { return (static_cast<unsigned char>(target[kept]) & 0xC0) == 0x80; };
-    while (kept > 0 && cutsCharacter()) // of UTF-8, which some file systems insist on
+    while (kept > 0 && cutsCharacter()) // some file systems require complete characters of UTF-8
         --kept;
     return "." + target.substr(0, kept) + ending;
 }

@@ -4,11 +4,11 @@
 
 namespace opc::physical::zip {
 
-/// The name of the file in the making that is to replace another one. It follows from that one's name, so
-/// that a later saving finds what a process that died has left.
+/// The name of the new file that will replace another one. It depends only on that file's name, so that a later save
+/// finds what a dead process has left.
 /// @param target   the other file's name
-/// @param number   0, and more for further names if that one is taken
-/// @param longest  how many bytes the folder's file system lets a name have; what is too long is shortened
+/// @param number   0, or a higher number if the earlier names are taken
+/// @param longest  how many bytes the file system allows in a name; longer names are shortened
 std::string temporaryName(const std::string& target, unsigned number, std::size_t longest);
 
 } // namespace opc::physical::zip

@@ -11,17 +11,18 @@
 
 namespace opc::physical::zip {
 
-// A signal may come at any moment: entries are never freed, and each is read only while it has a process.
+// A signal can come at any moment. So entries are never freed, and each is read only while it has a process.
 struct UnfinishedFile::Entry {
     std::atomic<bool> used{true};
-    std::atomic<pid_t> process{0}; ///< that makes the file, 0: nobody. A forked one leaves it alone.
+    std::atomic<pid_t> process{
+        0}; ///< the process that makes the file; 0: none. A forked process leaves it alone
     std::atomic<int> folder{-1};
     std::array<char, 256> name{};
     Entry* next = nullptr;
 
     static std::atomic<Entry*> first;
 
-    /// One that nobody uses any longer, or a new one.
+    /// An entry that is no longer used, or a new one.
     static Entry* take() {
         for (Entry* entry = first; entry; entry = entry->next)
             if (bool used = false; entry->used.compare_exchange_strong(used, true))

@@ -4,7 +4,7 @@
 
 namespace opc::physical::zip {
 
-/// A file that `removeUnfinishedFiles` removes for as long as it is remembered.
+/// A file that `removeUnfinishedFiles` removes while it is registered.
 class UnfinishedFile {
 public:
     UnfinishedFile();
@@ -12,8 +12,8 @@ public:
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
     ~UnfinishedFile();
 
-    /// @param folder  a descriptor, to be open until the file is forgotten
-    /// @param name    in that folder, at most 255 bytes
+    /// @param folder  a descriptor; must stay open until the file is forgotten
+    /// @param name    its name in that folder, at most 255 bytes
     void remember(int folder, const std::string& name) noexcept;
     void forget() noexcept;
 

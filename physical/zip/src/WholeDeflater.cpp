@@ -6,8 +6,8 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// Up to here the larger tables of the levels up to the usual one take more time to clear, a third of all, than they
-/// save in size, less than 2 %.
+/// For smaller contents, the larger tables of the levels up to the usual one take more time to clear, a third of all,
+/// than they are worth: they save less than 2 % in size.
 constexpr std::size_t SMALL = 1536;
 constexpr int USUAL_LEVEL = 6;
 

@@ -8,15 +8,15 @@
 
 namespace opc::physical::zip {
 
-/// Compresses contents that lie in memory to Deflate data, each with one call: in less time than `Deflater`.
+/// Compresses contents that are in memory to Deflate data, each with one call, faster than `Deflater`.
 class WholeDeflater {
 public:
-    /// The most that `count` bytes may come to.
+    /// The largest size of the result for `count` bytes.
     static std::size_t bound(std::size_t count) noexcept;
 
-    /// @param level   from 1 to 9; for small contents the lowest stands for the usual ones too
+    /// @param level   from 1 to 9; small contents use the lowest instead of the usual ones
     /// @param output  has room for `bound(count)` bytes
-    /// @return how many bytes there are now in `output`
+    /// @return the number of bytes in `output`
     std::size_t compress(int level, const unsigned char* bytes, std::size_t count, unsigned char* output);
 
 private:

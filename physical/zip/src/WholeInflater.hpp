@@ -7,13 +7,13 @@
 
 namespace opc::physical::zip {
 
-/// Expands Deflate data that lies in memory, each with one call: larger data in less time than `Inflater`. All that
-/// `Inflater` takes comes out alike; a few codes that make no sense, which `Inflater` refuses, are taken as well,
-/// so that the checksum alone tells whether the content is the right one.
+/// Expands Deflate data that is in memory, each with one call; larger data faster than `Inflater`. The results are
+/// the same, except that it accepts a few senseless codes that `Inflater` refuses. So only the checksum decides
+/// whether the content is right.
 class WholeInflater {
 public:
-    /// @return whether `size` bytes are in `output` now, neither more nor fewer than the data holds, and nothing
-    ///     stands behind the data. What is wrong otherwise isn't told: `Inflater` finds that out.
+    /// @return whether the data expands to exactly `size` bytes, which are in `output` now, and ends there.
+    ///         `Inflater` finds out the cause of other failures
     bool expand(const unsigned char* data, std::size_t count, unsigned char* output, std::size_t size);
 
 private:

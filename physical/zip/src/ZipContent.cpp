@@ -38,7 +38,7 @@ public:
 
 private:
     const ZipContent& content;
-    std::unique_ptr<ZipContentReader> reader; ///< null if closed, and at the end of what can't grow
+    std::unique_ptr<ZipContentReader> reader; ///< null if closed, and at the end of a content that can't grow
     bool isClosed = false;
 };
 
@@ -123,7 +123,7 @@ std::unique_ptr<ZipContentReader> ZipContent::makeReader() const {
 std::uint64_t ZipContent::size() const {
     if (spool)
         return spool->size();
-    std::uint64_t sum = 0; // within the limit on all items together
+    std::uint64_t sum = 0; // within the limit for all items together
     for (const ItemIndex piece : oldItems())
         sum += context.archive->item(piece).size;
     return sum;

@@ -20,27 +20,27 @@
 
 namespace opc::physical::zip {
 
-/// What every content of an open package needs to know of it. Outlives them.
+/// What all contents of an open package share. Outlives them.
 struct ZipContext {
     std::string place;
     bool readOnly = false;
     bool changed = false;
     std::unique_ptr<ArchiveReader> archive;       ///< null while a package is being created
     std::shared_ptr<SpoolStore> spools;           ///< null if nothing can be written
-    std::pmr::memory_resource* streams = nullptr; ///< what the input streams stand in
+    std::pmr::memory_resource* streams = nullptr; ///< memory for the input streams
 };
 
-/// What can be read and replaced in an open package: the content of a part, or the content types stream. It
-/// is the content of items of the archive until it is written. Owns the streams that it hands out.
+/// A content of an open package that can be read and replaced: the content of a part, or the content types stream.
+/// Until it is written, items of the archive hold it. Owns the streams that it returns.
 ///
-/// There may be a million of them: nearly all are one item of the archive, which has their name, and are never
+/// There may be a million of them. Nearly all belong to one item of the archive that has their name, and are never
 /// written.
 class ZipContent {
 public:
     /// The content of one item under the item's own name.
     ZipContent(ZipContext& context, ItemIndex item);
 
-    /// @param contentName  the name of an item for it
+    /// @param contentName  the item name for it
     /// @param pieces       the items of the archive that hold the content, in order; none for a new content
     ZipContent(ZipContext& context, std::string contentName, std::vector<ItemIndex> pieces);
     ZipContent(const ZipContent&) = delete;
@@ -52,25 +52,25 @@ public:
     interfaces::IPhysicalInputStream* read();
     interfaces::IPhysicalOutputStream* write();
 
-    /// Puts an empty content in the place of the old one.
+    /// Replaces the old content with an empty one.
     void clear();
     void setCompression(interfaces::CompressionType type);
 
     std::unique_ptr<ZipContentReader> makeReader() const;
 
-    /// By what the directory says, or what has been written.
+    /// The size in the directory, or of what was written.
     std::uint64_t size() const;
 
-    /// What has been written; null if nothing has.
+    /// The written content; null if nothing was written.
     const std::shared_ptr<Spool>& written() const { return spool; }
     ItemRange oldItems() const;
     std::uint16_t method() const;
     int level() const { return deflateLevel; }
 
-    /// Good for as long as the content lives.
+    /// Valid while the content lives.
     std::string_view name() const { return own ? own->name : context.archive->item(item).name; }
 
-    /// The name of the item that it is saved in: the old one's if there is one such.
+    /// The name of the item for saving: the name of the old item if there is one.
     std::string_view itemName() const;
 
     /// How messages name the archive and the content.
@@ -88,8 +88,9 @@ private:
 
     ZipContext& context;
     std::unique_ptr<const Own> own;
-    ItemIndex item = 0;                        ///< without `own`
-    std::optional<std::uint16_t> chosenMethod; ///< none: as the old item has it, and Deflate for a new one
+    ItemIndex item = 0; ///< used if `own` is null
+    std::optional<std::uint16_t>
+        chosenMethod; ///< empty: the method of the old item, or Deflate for a new one
     std::int8_t deflateLevel = USUAL_LEVEL;
     std::shared_ptr<Spool> spool;
     std::pmr::forward_list<Input> inputs;
@@ -110,7 +111,7 @@ public:
     std::uint64_t getSize() const override { return content.size(); }
 
     ZipContent content;
-    const std::string_view name; ///< without the slash that a part name begins with
+    const std::string_view name; ///< without the first slash of the part name
 };
 
 } // namespace opc::physical::zip

@@ -13,7 +13,7 @@ namespace opc::physical::zip {
 
 namespace {
 
-/// What is smaller takes zlib less time to inflate: its tables are smaller. It goes by the compressed size.
+/// For smaller contents zlib is faster, because its tables are smaller. Compares the compressed size.
 constexpr std::uint64_t SMALLEST_WHOLE = 400;
 
 } // namespace
@@ -29,7 +29,7 @@ ItemReader::~ItemReader() {
         archive.giveMemory(kept);
 }
 
-/// Passes over items without content, but not without having tested that they have none.
+/// Skips items without content, after checking that they have none.
 void ItemReader::enterItem() {
     for (; !isDone(); ++items.first) {
         archive.requireReadable(item());
@@ -42,12 +42,12 @@ void ItemReader::enterItem() {
     }
 }
 
-/// Header and content of a small item come in one read.
+/// One read fetches the header and the content of a small item.
 void ItemReader::startItem() {
     const DirectoryEntry& entry = archive.item(item());
     checksum = 0;
     ended = unfinished = false;
-    // Some programs call an empty item deflated and write no compressed data at all.
+    // Some programs mark an empty item as deflated and write no compressed data at all.
     isDeflated = entry.method == DEFLATE && (entry.size > 0 || entry.compressedSize > 0);
     inflater = archive.takeInflater();
     const ArchiveReader::ItemStart start =
@@ -63,7 +63,7 @@ void ItemReader::startItem() {
     started = true;
 }
 
-/// The checksum is tested where the last byte has been read, which must really be the last one.
+/// Checks the checksum after the last byte, and that it is the last one.
 void ItemReader::endItem() {
     if (isDeflated && !ended)
         endStream();
@@ -102,8 +102,8 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
     return got;
 }
 
-/// Expands a deflated item as a whole, into `buffer` if it has room for all of it. Where anything is wrong, the
-/// inflater starts anew, comes as far as it can and says what.
+/// Expands a deflated item as a whole, into `buffer` if it has room for all of it. If anything is wrong, the inflater
+/// starts again, comes as far as it can and reports the failure.
 std::size_t ItemReader::readFirst(unsigned char* buffer, std::size_t room) {
     const DirectoryEntry& entry = archive.item(item());
     if (entry.method == DEFLATE && entry.compressedSize >= SMALLEST_WHOLE) {
@@ -154,9 +154,9 @@ std::size_t ItemReader::copy(unsigned char* buffer, std::size_t count) {
     return size;
 }
 
-/// Takes all the room that there is, though no more than what is left should come: more is an error, and with
-/// room behind it zlib is faster.
-/// @return 0 at the end of the compressed stream, or of all data that may be unfinished, alone
+/// Uses all the room, although no more than the rest should come: more is an error, and zlib is faster with extra
+/// room.
+/// @return 0 only at the end of the compressed stream, or of all data if it may be unfinished
 std::size_t ItemReader::expand(unsigned char* buffer, std::size_t count) {
     std::size_t got = 0;
     while (got == 0 && !ended) {

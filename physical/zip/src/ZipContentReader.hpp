@@ -11,10 +11,10 @@ namespace opc::physical::zip {
 
 class ZipContent;
 
-/// Items of an archive that are the pieces of one content, in order; or the one item that is a content.
+/// The items of an archive that are the pieces of one content, in order; or the only item of a content.
 struct ItemRange {
     const ItemIndex* first;
-    const ItemIndex* last; ///< behind the last one
+    const ItemIndex* last; ///< after the last one
 
     const ItemIndex* begin() const { return first; }
     const ItemIndex* end() const { return last; }
@@ -28,12 +28,12 @@ public:
     virtual std::uint64_t read(unsigned char* buffer, std::uint64_t count) = 0;
     virtual bool isDone() const = 0;
 
-    /// Done, and nothing more can come: the reader is of no use any longer.
+    /// Ended for good: nothing more can come, and the reader can be dropped.
     virtual bool isAtEnd() const = 0;
 };
 
-/// Reads one item of an archive, or several that are the pieces of one content. Holds an inflater, or a small
-/// content as a whole, only while it stands within an item.
+/// Reads one item of an archive, or several that are the pieces of one content. It has an inflater, or a small
+/// content as a whole, only while it is within an item.
 class OPC_ZIP_EXPORT ItemReader : public ZipContentReader {
 public:
     /// @param items  must outlive the reader
@@ -60,24 +60,25 @@ private:
     std::size_t expand(unsigned char* buffer, std::size_t count);
 
     ArchiveReader& archive;
-    ItemRange items;                    ///< that haven't been read to their end
-    std::uint64_t left = 0;             ///< bytes of the first one that haven't been read
-    std::uint64_t compressedOffset = 0; ///< of what hasn't been read or given to the inflater
+    ItemRange items;                    ///< those that weren't read to their end
+    std::uint64_t left = 0;             ///< the unread bytes of the first one
+    std::uint64_t compressedOffset = 0; ///< the offset of what wasn't read or passed to the inflater yet
     std::uint64_t compressedEnd = 0;
     std::unique_ptr<Inflater> inflater;
-    std::vector<unsigned char> kept; ///< the content as a whole; empty if it is inflated as it is read
+    std::vector<unsigned char> kept; ///< the content as a whole; empty if it is inflated while it is read
     std::uint32_t checksum = 0;
     bool isDeflated = false;
     bool started = false;
-    bool ended = false;      ///< the compressed stream has said that it ends
-    bool unfinished = false; ///< it doesn't, or needn't, although all of the content has come out
+    bool ended = false; ///< the compressed stream has ended
+    bool unfinished =
+        false; ///< the stream doesn't end, or need not end, although all of the content is there
     bool damaged = false;
 };
 
-/// Reads what has been written; more may be written meanwhile.
+/// Reads what was written. More may be written meanwhile.
 class SpoolReader : public ZipContentReader {
 public:
-    /// @param owner  whose content `spool` is; must outlive the reader
+    /// @param owner  the content of `spool`; must outlive the reader
     SpoolReader(std::shared_ptr<Spool> spool, const ZipContent& owner)
         : spool(std::move(spool)), owner(owner) {}
 

@@ -128,7 +128,7 @@ void ZipSession::requireFirst(bool isFirst, ItemIndex item, ItemName::Kind kind)
              EBADMSG);
 }
 
-/// A content is there if all pieces from 0 to the one called last are, and no other.
+/// A content exists if it has all pieces from 0 to the one called last, and no others.
 void ZipSession::joinPieces(AllPieces& pieces) {
     for (auto& [key, siblings] : pieces) {
         std::vector<ItemIndex> items;
@@ -151,7 +151,7 @@ void ZipSession::ignore(ItemIndex item, const std::string& reason) {
     ignored.push_back({std::string(context.archive->item(item).name), reason});
 }
 
-/// Raises if an item could be taken for another one, which belongs to the package.
+/// Throws if an item could be taken for another one that belongs to the package.
 void ZipSession::checkNames() {
     const ArchiveReader& archive = *context.archive;
     for (const ItemIndex item : unusual) {
@@ -171,15 +171,15 @@ void ZipSession::checkNames() {
     }
 }
 
-/// @param name  one of those of the item
-/// @param how   in front of the message
+/// @param name  one of the item's names
+/// @param how   comes before the message
 void ZipSession::checkName(ItemIndex item, std::string_view name, const std::string& how) {
     const ItemName own = readItemName(context.archive->item(item).name);
     const bool isPart = own.kind == ItemName::Kind::Part;
     std::optional<std::string> other;
     if (belongsToPackage(item, own))
         other = extractionNames.addOwned(isPart ? own.partName : CONTENT_TYPES_ITEM, name);
-    else if (!(other = extractionNames.addIgnored(name)) && isPart) // a piece without the others
+    else if (!(other = extractionNames.addIgnored(name)) && isPart) // pieces that aren't complete
         other = extractionNames.addIgnored(own.partName);
     if (other)
         fail(context.archive->itemPlace(item),
@@ -229,7 +229,7 @@ void ZipSession::requireWritable(const std::string& name) const {
         fail(itemPlace(context.place, name), "the archive is opened to read", EACCES);
 }
 
-/// What is saved must be opened again, by the same limits.
+/// What is saved must be readable again under the same limits.
 void ZipSession::requireRoomFor(const std::string& item) {
     const auto refuse = [&](const std::string& what, std::uint64_t limit) {
         fail(itemPlace(context.place, item), what + std::to_string(limit), EFBIG);
@@ -284,7 +284,7 @@ void ZipSession::write(ByteTarget& target) {
     ArchiveWriter writer(context.archive.get(), tail, context.place, options);
     for (const ItemIndex item : removedItems)
         writer.remove(item);
-    // Readers that look at the first item alone to tell what a file is expect the content types there.
+    // Some readers recognise a file by its first item, and expect the content types there.
     if (contentTypes->written())
         writer.put(*contentTypes);
     for (const ZipPart& part : parts.all()) {

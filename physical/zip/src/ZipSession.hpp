@@ -15,12 +15,12 @@
 
 namespace opc::physical::zip {
 
-/// A package while it is open: what its archive holds and what has changed since.
+/// An open package: what its archive holds, and what has changed since.
 class ZipSession {
 public:
     ZipSession(ArchiveStore& store, const ZipOptions& options, interfaces::OpenMode mode);
 
-    /// Writes the changes, if there are any. After a failure everything is as it was.
+    /// Writes the changes, if there are any. A failure changes nothing.
     void save();
 
     ZipPart& create(const std::u16string& partName, interfaces::CompressionType compression);
@@ -30,7 +30,7 @@ public:
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
-    /// What has been let pass so far, with the items that have been read until now.
+    /// What was accepted so far although it breaks the standard, including findings in the items that were read.
     std::vector<interfaces::Oddity> oddities() const;
 
 private:
@@ -43,7 +43,7 @@ private:
         ItemName name;
         std::map<std::uint32_t, FoundPiece> found;
     };
-    /// By part name in lower case; the content types stream has the empty name.
+    /// By part name in lower case. The content types stream has the empty name.
     using AllPieces = std::map<std::string, Pieces>;
 
     void load();
@@ -71,9 +71,9 @@ private:
     std::uint64_t totalSize = 0;
     ZipContext context;
     NamedList<ZipPart> parts;
-    std::optional<ZipContent> contentTypes; ///< whose streams lie beside the parts
+    std::optional<ZipContent> contentTypes; ///< its streams lie beside the parts
     ExtractionNames extractionNames{parts};
-    std::vector<ItemIndex> unusual; ///< items that aren't called like parts of plain names
+    std::vector<ItemIndex> unusual; ///< items that don't have the plain name of a part
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
     std::vector<interfaces::Oddity> odd; ///< found at opening
