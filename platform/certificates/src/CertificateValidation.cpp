@@ -79,10 +79,10 @@ void setParameters(X509_VERIFY_PARAM& parameters, const TrustStore& trustStore,
     if (options.isUsingRevocationLists())
         flags |= X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
     X509_VERIFY_PARAM_set_flags(&parameters, flags);
-    // Without an initial set OpenSSL takes an empty one for it, not any policy.
+    // Without an initial set of policies, OpenSSL uses an empty one and not any policy.
     if (!X509_VERIFY_PARAM_add0_policy(&parameters, OBJ_nid2obj(NID_any_policy)))
         throw std::bad_alloc();
-    X509_VERIFY_PARAM_set_auth_level(&parameters, 0); // strength is judged here, key and digest apart
+    X509_VERIFY_PARAM_set_auth_level(&parameters, 0); // strength is checked here, key and digest separately
     if (trustStore.getSystemUsage() == TrustStore::Usage::Signing)
         X509_VERIFY_PARAM_set_trust(&parameters, X509_TRUST_OBJECT_SIGN);
     if (const auto time = options.getCheckTime())
@@ -94,14 +94,14 @@ CertificateValidationResults refusal(Status status, const std::string& reason, X
             certificate ? reason + ": " + detail::toText(*X509_get_subject_name(certificate)) : reason};
 }
 
-/// What came of one way to build a chain.
+/// The result of one way to build a chain.
 struct Attempt {
     CertificateValidationResults results;
-    X509* culprit = nullptr; ///< the certificate to do without for another way; null if there is none
+    X509* culprit = nullptr; ///< the certificate that another way must leave out; null if there is none
 };
 
-/// The certificate that a chain failed at. One that no issuer's key fits may be in order, and its issuer in
-/// another's name.
+/// The certificate to blame if a chain fails. If a signature doesn't fit the key of its issuer, that is the issuer:
+/// it may only have the name of the right one.
 X509* findCulprit(X509_STORE_CTX& context) {
     const int depth = X509_STORE_CTX_get_error_depth(&context);
     const bool isIssuerUntrusted = depth + 1 < X509_STORE_CTX_get_num_untrusted(&context);
@@ -145,7 +145,7 @@ Attempt judgeStrength(STACK_OF(X509) * chain, const CertificateValidationOptions
             refused->depth > 0 ? sk_X509_value(chain, refused->depth) : nullptr};
 }
 
-/// Judges a chain that leads to a certificate of the store.
+/// Checks a chain that leads to a certificate of the store.
 Attempt judgeChain(STACK_OF(X509) * chain, const CertificateValidationOptions& options, CoveringLists lists) {
     if (options.isUsingRevocationLists()) {
         if (X509* revoked = detail::findRevoked(chain, options))
@@ -164,7 +164,7 @@ Attempt judgeChain(STACK_OF(X509) * chain, const CertificateValidationOptions& o
                                         : std::vector<WeakAlgorithm>());
 }
 
-/// A certificate to validate, and what to build its chain with.
+/// A certificate to validate, and the certificates to build its chain with.
 class Validation {
 public:
     Validation(X509& certificate, const X509CertificateChain& chain,
@@ -172,8 +172,8 @@ public:
         : certificate(certificate), others(chain.getCertificates()), options(options),
           trustStore(trustStore) {}
 
-    /// OpenSSL follows one way through the certificates. Where that fails, the others are tried without the
-    /// certificate that it failed at. What is reported is the first failure.
+    /// OpenSSL follows only one way through the certificates. If that fails, the others are tried without the
+    /// certificate that made it fail. The first failure is the one that is reported.
     CertificateValidationResults run(CoveringLists lists) const {
         const openssl::StorePtr store = makeStore(trustStore, options, lists);
         const openssl::X509StackPtr untrusted = copyOthers();
@@ -230,7 +230,7 @@ CertificateValidationResults X509Certificate::validateCertificate(const X509Cert
     const Validation validation(CertificateAccess::get(*this), chain, options, trustStore);
     CertificateValidationResults results = validation.run(CoveringLists::Strong);
     if (results.getCertificateChainStatus() == Status::RevocationUnknown && options.isAcceptingWeakDigests())
-        return validation.run(CoveringLists::All); // so that a weak list counts only where it is needed
+        return validation.run(CoveringLists::All); // so a weak list counts only if it is needed
     return results;
 }
 

@@ -2,7 +2,7 @@
 
 namespace bedrock::certificates {
 
-// Here, so that there is one type information of each class in the program.
+// Defined here, so that the program has one type information of each class.
 CertificateException::~CertificateException() = default;
 X509CertificateException::~X509CertificateException() = default;
 

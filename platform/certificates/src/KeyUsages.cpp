@@ -15,7 +15,7 @@ struct UsagesDeleter {
     }
 };
 
-/// The extended key usages that allow signing documents, one bit each; OpenSSL has no number for the last,
+/// The extended key usages that allow signing documents, one bit each. OpenSSL has no number for the last one,
 /// document signing (RFC 9336).
 constexpr const char* SigningUsages[] = {"1.3.6.1.5.5.7.3.3", "1.3.6.1.5.5.7.3.4", "1.3.6.1.5.5.7.3.36"};
 constexpr unsigned AllSigningUsages = 7;
@@ -23,41 +23,42 @@ constexpr unsigned AllSigningUsages = 7;
 unsigned signingUsageOf(const ASN1_OBJECT& usage) {
     if (OBJ_obj2nid(&usage) == NID_anyExtendedKeyUsage)
         return AllSigningUsages;
-    char text[32]; // too short for others means that they are others
+    char text[32]; // a usage that doesn't fit isn't one of these
     OBJ_obj2txt(text, sizeof text, &usage, 1);
     const auto* const found =
         std::find(std::begin(SigningUsages), std::end(SigningUsages), std::string(text));
     return found == std::end(SigningUsages) ? 0 : 1U << (found - std::begin(SigningUsages));
 }
 
-/// The ways of signing that a certificate allows, itself and below it.
+/// The kinds of signing that a certificate allows to itself and to those below it.
 unsigned signingUsagesOf(const X509& certificate) {
     int critical = 0;
     const std::unique_ptr<EXTENDED_KEY_USAGE, UsagesDeleter> usages(static_cast<EXTENDED_KEY_USAGE*>(
         X509_get_ext_d2i(&certificate, NID_ext_key_usage, &critical, nullptr)));
     if (!usages)
-        return critical == -1 ? AllSigningUsages : 0; // -1: it isn't there; else it can't be read
+        return critical == -1 ? AllSigningUsages
+                              : 0; // -1: the extension is absent; otherwise it can't be read
     unsigned allowed = 0;
     for (int index = 0; index < sk_ASN1_OBJECT_num(usages.get()); ++index)
         allowed |= signingUsageOf(*sk_ASN1_OBJECT_value(usages.get(), index));
     return allowed;
 }
 
-/// Whether anybody can sign with an RSA key, or nobody.
+/// Whether the exponent makes a key useless: everybody can sign with it, or nobody.
 bool isExponentTrivial(const EVP_PKEY* key) {
     const openssl::BnPtr exponent =
         key && EVP_PKEY_is_a(key, "RSA") ? openssl::getNumber(*key, OSSL_PKEY_PARAM_RSA_E) : nullptr;
     return exponent && (BN_is_one(exponent.get()) || !BN_is_odd(exponent.get()));
 }
 
-/// What speaks against the certificate itself.
+/// Why the certificate itself can't sign.
 std::string objectionTo(X509& certificate) {
     const EVP_PKEY* key = X509_get0_pubkey(&certificate);
     if (key && EVP_PKEY_is_a(key, "RSA-PSS"))
         return "the certificate's key is for RSA-PSS, which isn't supported";
     if (!key || !EVP_PKEY_is_a(key, "RSA"))
         return "the certificate's key isn't an RSA key";
-    // All bits are set if the extension isn't there, none if the extensions can't be read.
+    // All bits are set if the extension is absent, none if the extensions can't be read.
     if ((X509_get_key_usage(&certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
         return "the certificate isn't there for signing";
     return {};

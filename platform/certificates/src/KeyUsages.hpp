@@ -6,13 +6,13 @@
 
 namespace bedrock::certificates::detail {
 
-/// What speaks against signing documents with the first certificate of a chain.
+/// Why the first certificate of a chain can't sign documents.
 struct UsageObjection {
     int depth = 0;      ///< of the certificate at fault
-    std::string reason; ///< empty if nothing speaks against it
+    std::string reason; ///< empty if it can sign
 };
 
-/// Looks at the kind of the signer's key, at its key usage, and at the extended key usages of the whole chain.
+/// Checks the kind of the signer's key, its key usage, and the extended key usages of the whole chain.
 UsageObjection findUsageObjection(STACK_OF(X509) * chain);
 
 } // namespace bedrock::certificates::detail

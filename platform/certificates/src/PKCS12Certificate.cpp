@@ -27,7 +27,7 @@ struct Content {
     openssl::X509StackPtr others;
 };
 
-/// Algorithms of old, in a context of their own so that the application's stays as it is.
+/// Provides old algorithms, in a context of its own, so that the application's context doesn't change.
 struct LegacyContext {
     LegacyContext() : library(openssl::made(openssl::LibraryPtr(OSSL_LIB_CTX_new()))) {
         ordinary.reset(OSSL_PROVIDER_load(library.get(), "default"));
@@ -43,7 +43,7 @@ openssl::Pkcs12Ptr decode(const Bytes& bytes, OSSL_LIB_CTX* library) {
     PKCS12* bundle =
         openssl::made(openssl::Pkcs12Ptr(PKCS12_init_ex(NID_pkcs7_data, library, nullptr))).release();
     const unsigned char* position = bytes.data();
-    // Failing, it frees the bundle and sets the pointer to null.
+    // If it fails, it frees the bundle and sets the pointer to null.
     if (bytes.size() > static_cast<std::size_t>(INT32_MAX) ||
         !d2i_PKCS12(&bundle, &position, static_cast<long>(bytes.size())))
         openssl::fail<CertificateException>("The bytes are no PKCS#12 bundle.");
@@ -62,7 +62,7 @@ bool open(PKCS12& bundle, const std::string& password, Content& content) {
     return done == 1;
 }
 
-/// Whether the error queue tells of an algorithm that no provider offers.
+/// Whether the error queue reports an algorithm that no provider has.
 bool isAlgorithmMissing() {
     return ERR_GET_REASON(ERR_peek_error()) == ERR_R_UNSUPPORTED;
 }
@@ -78,7 +78,7 @@ bool isAlgorithmMissing() {
     openssl::fail<CertificateException>("The bundle can't be opened.");
 }
 
-/// By its DER form: OpenSSL's own object belongs to the context that the bundle was opened in.
+/// Through its DER form, because OpenSSL's own object belongs to the context in which the bundle was opened.
 X509Certificate copyOf(X509& certificate) {
     return X509Certificate(openssl::toDer<i2d_X509>(certificate));
 }
@@ -97,7 +97,7 @@ Bytes exponentOf(const EVP_PKEY& key) {
 
 PKCS12Certificate::PKCS12Certificate(const Bytes& bytes, const std::string& password) {
     const openssl::ErrorScope scope;
-    std::unique_ptr<LegacyContext> legacy; // outlives what is read in it
+    std::unique_ptr<LegacyContext> legacy; // must outlive what is read in it
     Content content;
     if (!open(*decode(bytes, nullptr), password, content)) {
         if (!isAlgorithmMissing())

@@ -33,7 +33,7 @@ bool isOfIssuerOf(X509* certificate, const X509_CRL& list) {
     return X509_NAME_cmp(X509_CRL_get_issuer(&list), X509_get_issuer_name(certificate)) == 0;
 }
 
-/// Whether a list that the issuer signed names the certificate.
+/// Whether a list that the issuer has signed names the certificate.
 bool isNamed(X509* certificate, X509* issuer, const CertificateValidationOptions& options) {
     const auto& lists = options.getRevocationLists();
     return std::any_of(lists.begin(), lists.end(), [&](const auto& entry) {
@@ -57,8 +57,8 @@ void addRevocationLists(X509_STORE& store, const CertificateValidationOptions& o
     }
 }
 
-/// A list that is newer than the time of the check knows more, not less; and only the validated certificate
-/// itself must be covered.
+/// A list that is newer than the time of the check knows more, not less. Only the validated certificate itself must
+/// be covered.
 int judgeRevocation(int ok, X509_STORE_CTX* context) {
     if (ok)
         return ok;
@@ -71,8 +71,8 @@ int judgeRevocation(int ok, X509_STORE_CTX* context) {
     return 0;
 }
 
-/// OpenSSL looks into one list of each issuer, the one that fits the time of the check best. A certificate is
-/// revoked by any of them. Only by itself can the chain's last certificate have been issued as far as is known.
+/// OpenSSL looks into one list of each issuer, the one that fits the time of the check best. But any list revokes a
+/// certificate. As far as is known, the last certificate of the chain can only have been issued by itself.
 X509* findRevoked(STACK_OF(X509) * chain, const CertificateValidationOptions& options) {
     const int count = sk_X509_num(chain);
     for (int index = 0; index < count; ++index) {

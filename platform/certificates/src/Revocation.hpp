@@ -9,24 +9,24 @@
 
 namespace bedrock::certificates::detail {
 
-/// Which revocation lists may cover certificates.
+/// Which revocation lists can cover certificates.
 enum class CoveringLists {
     Strong, ///< those signed over a strong digest
-    All,    ///< the others as well
+    All,    ///< also the others
 };
 
-/// Gives the store the lists that can cover certificates, which delta lists never do.
-/// @throws CertificateException  if it can't take one
+/// Adds the lists to the store that can cover certificates. Delta lists never do.
+/// @throws CertificateException  the store can't take one
 void addRevocationLists(X509_STORE& store, const CertificateValidationOptions& options, CoveringLists lists);
 
-/// OpenSSL's callback, for what it finds about lists: see `setUsingRevocationLists`.
+/// The callback through which OpenSSL reports on lists: see `setUsingRevocationLists`.
 int judgeRevocation(int ok, X509_STORE_CTX* context);
 
-/// The first certificate of a verified chain that any list of its issuer names, also one that covers nothing;
+/// The first certificate of a verified chain that any list of its issuer names, including lists that cover nothing;
 /// null if there is none.
 X509* findRevoked(STACK_OF(X509) * chain, const CertificateValidationOptions& options);
 
-/// The weakly signed lists of the chain's issuers.
+/// The lists of the chain's issuers with weak signatures.
 std::vector<WeakAlgorithm> findWeakLists(STACK_OF(X509) * chain, const CertificateValidationOptions& options);
 
 } // namespace bedrock::certificates::detail

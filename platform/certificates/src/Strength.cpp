@@ -10,7 +10,8 @@ namespace bedrock::certificates::detail {
 
 namespace {
 
-constexpr int MinimalSecurityBits = 112; // NIST SP 800-57 part 1: what is less is for old documents only
+constexpr int MinimalSecurityBits =
+    112; // NIST SP 800-57 part 1: anything below is acceptable only for old documents
 
 using Place = WeakAlgorithm::Place;
 
@@ -28,8 +29,8 @@ bool isKeyWeak(const EVP_PKEY* key) {
     return !key || EVP_PKEY_get_security_bits(key) < MinimalSecurityBits;
 }
 
-/// The digest of a signature by RSA-PSS stands in the parameters; it is SHA-1 where they are silent (RFC 4055
-/// section 3.1).
+/// For RSA-PSS the digest is in the parameters of the signature; it is SHA-1 if they don't name one (RFC 4055 section
+/// 3.1).
 int digestOfPss(const X509_ALGOR& algorithm) {
     int type = 0;
     const void* value = nullptr;
@@ -46,7 +47,7 @@ int digestOfPss(const X509_ALGOR& algorithm) {
     return parameters->hashAlgorithm ? OBJ_obj2nid(parameters->hashAlgorithm->algorithm) : NID_sha1;
 }
 
-/// The digest that a list was signed over; `NID_undef` if it isn't known or the algorithm has one of its own.
+/// The digest of a list's signature; `NID_undef` if it is unknown or belongs to the algorithm.
 int digestOf(const X509_CRL& list) {
     const X509_ALGOR* algorithm = nullptr;
     X509_CRL_get0_signature(&list, nullptr, &algorithm);
@@ -84,7 +85,7 @@ bool isWeak(const X509_CRL& list) {
     if (method == NID_ED25519 || method == NID_ED448)
         return false;
     const EVP_MD* digest = EVP_get_digestbynid(digestOf(list));
-    return !digest || EVP_MD_get_size(digest) * 8 / 2 < MinimalSecurityBits; // found by collisions
+    return !digest || EVP_MD_get_size(digest) * 8 / 2 < MinimalSecurityBits; // collisions break it
 }
 
 WeakAlgorithm weaknessOf(const X509_CRL& list) {

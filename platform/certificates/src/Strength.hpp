@@ -14,11 +14,10 @@ struct WeakCertificate {
     int depth;
 };
 
-/// What is weak in a verified chain. Its last certificate is that of the store, whose own signature doesn't
-/// count.
+/// The weaknesses of a verified chain. Its last certificate is in the store, so its own signature doesn't count.
 std::vector<WeakCertificate> findWeakCertificates(STACK_OF(X509) * chain);
 
-/// Whether a list was signed over a weak digest, or one that OpenSSL doesn't know.
+/// Whether the signature of a list uses a weak digest, or one that OpenSSL doesn't know.
 bool isWeak(const X509_CRL& list);
 
 WeakAlgorithm weaknessOf(const X509_CRL& list);

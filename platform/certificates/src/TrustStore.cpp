@@ -15,7 +15,7 @@ std::vector<X509Certificate> readFile(const std::filesystem::path& file) {
     const std::string failure = "The certificates of " + file.string() + " can't be read.";
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream content;
-    content << stream.rdbuf(); // fails, without throwing, on a folder, an error and an empty file
+    content << stream.rdbuf(); // sets the fail bit for a folder, an error and an empty file; throws nothing
     if (!stream || !content)
         throw CertificateException(failure);
     const std::string text = content.str();
@@ -38,7 +38,7 @@ std::vector<X509Certificate> readFile(const std::filesystem::path& file) {
 bool isFile(const std::filesystem::directory_entry& entry, std::error_code& error) {
     const bool answer = entry.is_regular_file(error);
     if (error == std::errc::no_such_file_or_directory)
-        error.clear(); // a link that leads nowhere
+        error.clear(); // a broken link
     return answer;
 }
 

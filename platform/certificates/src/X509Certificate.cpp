@@ -43,7 +43,7 @@ openssl::X509Ptr readCertificate(const Bytes& bytes) {
 
 openssl::X509Ptr detail::readPemCertificate(BIO& source, decltype(PEM_read_bio_X509)& read) {
     openssl::X509Ptr certificate(read(&source, nullptr, noPassword, nullptr));
-    // That no further block starts is the ordinary end.
+    // A missing further block is the normal end.
     if (!certificate && ERR_GET_REASON(ERR_peek_last_error()) != PEM_R_NO_START_LINE)
         openssl::fail<X509CertificateException>("A certificate can't be read.");
     return certificate;
@@ -99,7 +99,7 @@ bool X509Certificate::isValidForDigitalSigning() const {
     if (empty())
         return false;
     const openssl::ErrorScope scope;
-    // All bits are set if the extension isn't there, none if the extensions can't be read.
+    // All bits are set if the extension is absent, none if the extensions can't be read.
     const auto usage = X509_get_key_usage(&CertificateAccess::get(*this));
     return (usage & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) != 0;
 }

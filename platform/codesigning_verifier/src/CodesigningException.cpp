@@ -2,7 +2,7 @@
 
 namespace bedrock::codesigning_verifier {
 
-// Here, so that there is one type information of the class in the program.
+// Defined here, so that the program has one type information of the class.
 CodesigningException::~CodesigningException() = default;
 
 } // namespace bedrock::codesigning_verifier

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t DigitCount = 64;
 
-/// The digits in lower case; empty if the text is no fingerprint.
+/// The digits in lower case; empty if the text isn't a fingerprint.
 std::string digitsOf(const std::string& fingerprint) {
     std::string digits;
     for (const char c : fingerprint) {

@@ -52,7 +52,7 @@ SignatureVerificationStatus checkValue(const Bytes& signedBytes, const Bytes& si
     const DigestAlgorithm algorithm = algorithmOf(options.getSignatureDigestMethod());
     if (options.getSignaturePaddingMode() != Options::SignaturePaddingMode::PKCS1v15)
         throw CodesigningException("The padding mode is unknown.", ErrorMap<15>());
-    const Bytes modulus = certificate.getModulus(); // none if the key isn't an RSA key
+    const Bytes modulus = certificate.getModulus(); // empty if the key isn't an RSA key
     if (modulus.size() * 8 != bits)
         throw CodesigningException("The certificate's key doesn't fit the signature method.", ErrorMap<15>());
 

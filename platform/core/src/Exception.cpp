@@ -11,7 +11,7 @@ void Exception::addDetails(const std::string& phrase) {
         detailText = std::make_shared<const std::string>(detailText ? *detailText + "; " + phrase : phrase);
 }
 
-// Here, so that there is one type information of the class in the program.
+// Defined here, so that the program has one type information of the class.
 Exception::~Exception() = default;
 
 } // namespace opc

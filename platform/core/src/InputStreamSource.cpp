@@ -4,7 +4,7 @@ namespace opc {
 
 std::streamsize InputStreamSource::read(char* buffer, std::streamsize count) {
     auto* bytes = reinterpret_cast<unsigned char*>(buffer);
-    // No bytes are no end yet, but Boost.Iostreams would take them for it.
+    // Boost.Iostreams would take 0 bytes for the end, so this reads until there are some.
     while (!source->isDone()) {
         const auto got = source->read(bytes, static_cast<std::uint64_t>(count));
         if (got != 0)

@@ -23,7 +23,7 @@ constexpr bool isSurrogate(char32_t unit) noexcept {
     return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-/// Takes the code point at `position` and moves behind it. A lone surrogate is given as it is.
+/// Takes the code point at `position` and moves past it. A lone surrogate is returned as it is.
 char32_t decodeUTF16(const std::u16string& text, std::size_t& position) {
     const char32_t first = text[position++];
     if (!isHighSurrogate(first) || position == text.size() || !isLowSurrogate(text[position]))
@@ -63,8 +63,8 @@ void appendUTF8(std::string& text, char32_t point) {
     }
 }
 
-/// Takes the code point at `position` and moves behind it; for a malformed sequence moves by one byte and
-/// gives U+FFFD. Overlong forms, surrogates and values above U+10FFFF are malformed (RFC 3629 section 3).
+/// Takes the code point at `position` and moves past it. For a malformed sequence, moves by one byte and returns
+/// U+FFFD. Overlong forms, surrogates and values above U+10FFFF are malformed (RFC 3629 section 3).
 char32_t decodeUTF8(const std::string& text, std::size_t& position) {
     const auto byteAt = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const unsigned char first = byteAt(position++);
@@ -97,7 +97,7 @@ char32_t decodeUTF8(const std::string& text, std::size_t& position) {
     return point;
 }
 
-/// A lower bound of how many units two texts have in common at their start: names of parts share long ones.
+/// A lower bound of the length of the common beginning of two texts. Part names often have long ones.
 std::size_t countEqualUnits(const char16_t* left, const char16_t* right, std::size_t length) noexcept {
     constexpr std::size_t STEP = 8;
     std::size_t i = 0;

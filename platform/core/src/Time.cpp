@@ -17,7 +17,7 @@ using boost::posix_time::time_duration;
 constexpr int FIRST_YEAR = 1400;
 constexpr int LAST_YEAR = 9999;
 
-/// Reads fields of digits one after the other from a text.
+/// Reads fields of digits from a text, one after the other.
 class FieldReader {
 public:
     explicit FieldReader(const std::u16string& source) noexcept : source(source) {}
@@ -82,7 +82,7 @@ std::optional<date> readDate(FieldReader& reader) {
                 static_cast<unsigned short>(day));
 }
 
-/// The fraction behind the point of the seconds: one digit or more, those behind the sixth without weight.
+/// The fraction after the decimal point of the seconds: one digit or more. Digits after the sixth don't count.
 std::optional<time_duration> readFraction(FieldReader& reader) {
     std::int64_t micros = 0;
     std::int64_t weight = 100000;
@@ -119,7 +119,7 @@ std::optional<time_duration> readTimeOfDay(FieldReader& reader) {
     return result + *fraction;
 }
 
-/// How far the zone of the text is ahead of UTC.
+/// The offset of the text's time zone from UTC, positive if it is ahead.
 std::optional<time_duration> readOffset(FieldReader& reader) {
     if (reader.atEnd() || reader.take(u'Z'))
         return time_duration();
@@ -182,7 +182,7 @@ ptime convertStringToTime(const std::u16string& text) {
     if (!offset || !reader.atEnd())
         return not_a_date_time;
 
-    // The offset may lead out of the years that a ptime can hold.
+    // The offset can lead out of the years that a ptime can hold.
     const time_duration clockInUTC = *clock - *offset;
     const bool dayBefore = clockInUTC.is_negative();
     const bool dayAfter = clockInUTC >= boost::posix_time::hours(24);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char16_t Alphabet[] = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// What a code unit stands for, beside 0 to 63.
+// What a code unit means if it isn't a digit from 0 to 63.
 constexpr unsigned char Blank = 64;
 constexpr unsigned char Padding = 65;
 constexpr unsigned char Foreign = 66;
@@ -54,8 +54,8 @@ std::vector<unsigned char> base64Decode(const std::u16string& text) {
     std::vector<unsigned char> bytes;
     bytes.reserve(text.size() / 4 * 3);
     std::uint32_t group = 0;
-    unsigned digits = 0;  // of the group of four in hand
-    unsigned padding = 0; // seen so far
+    unsigned digits = 0;  // in the current group of four
+    unsigned padding = 0; // so far
     for (const char16_t unit : text) {
         const unsigned char meaning = unit < Meanings.size() ? Meanings[unit] : Foreign;
         if (meaning == Blank)

@@ -24,7 +24,7 @@ public:
     }
 };
 
-/// The key as this provider made it.
+/// The key as an object of this provider.
 template <typename Own, typename Key>
 const Own& require(std::size_t bits, const std::shared_ptr<Key>& key, RSAPaddingMode padding) {
     const auto* own = dynamic_cast<const Own*>(key.get());

@@ -12,10 +12,10 @@ namespace {
 
 constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
-/// What a stream buffer holds ready, read in place: a stream over memory costs no copy.
+/// The bytes that a stream buffer has ready. They are read in place, so a stream over memory needs no copy.
 class Window : public std::streambuf {
 public:
-    /// Makes the buffer read if it holds nothing.
+    /// Makes the buffer read if it is empty.
     static bool fill(std::streambuf& buffer) { return buffer.sgetc() != std::streambuf::traits_type::eof(); }
     static std::size_t size(const std::streambuf& buffer) {
         return static_cast<std::size_t>((buffer.*&Window::egptr)() - (buffer.*&Window::gptr)());
@@ -68,14 +68,14 @@ std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) 
     if (stream.fail())
         throw utils::CouldNotComputeDigest("The stream to digest has failed.");
     start();
-    // Past the stream's own functions: those would swallow what a physical layer throws.
+    // Bypasses the stream's own functions: those would swallow exceptions of a physical layer.
     std::streambuf& source = *stream.rdbuf();
     while (Window::fill(source)) {
         const std::size_t count = std::min(Window::size(source), BlockSize);
         update(Window::start(source), count);
         Window::skip(source, count);
         if (Window::size(source) == 0 &&
-            source.in_avail() >= std::streamsize{BlockSize}) // more than its buffer, as of a file
+            source.in_avail() >= std::streamsize{BlockSize}) // more than the buffer of a file stream
             updateInBlocks(source);
     }
     std::vector<unsigned char> value = finish();

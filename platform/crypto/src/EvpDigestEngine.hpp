@@ -13,7 +13,7 @@ const char* getOpenSslName(DigestAlgorithm algorithm);
 
 class EvpDigestEngine final : public DigestEngine {
 public:
-    /// @throws utils::CouldNotComputeDigest  if OpenSSL doesn't offer the algorithm
+    /// @throws utils::CouldNotComputeDigest  OpenSSL doesn't have the algorithm
     explicit EvpDigestEngine(DigestAlgorithm algorithm);
 
     DigestAlgorithm getAlgorithm() const override { return algorithm; }

@@ -9,8 +9,8 @@
 
 namespace bedrock::crypto {
 
-/// Shares OpenSSL's key with the signers made from it; OpenSSL overwrites the numbers of a private key it
-/// frees.
+/// Shares OpenSSL's key with the signers made from it. OpenSSL overwrites the numbers of a private key when it frees
+/// the key.
 class EvpRsaPrivateKey final : public RSAPrivateKey {
 public:
     explicit EvpRsaPrivateKey(openssl::PkeyPtr key) : key(std::move(key)) {}

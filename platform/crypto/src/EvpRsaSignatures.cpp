@@ -18,7 +18,7 @@ DigestEngine& require(const std::shared_ptr<DigestEngine>& engine) {
     return *engine;
 }
 
-/// A context set to `start`, with PKCS#1 v1.5 padding and the digest of `algorithm`.
+/// A context that `start` has initialised, with PKCS#1 v1.5 padding and the digest of `algorithm`.
 openssl::PkeyCtxPtr prepare(EVP_PKEY& key, int (*start)(EVP_PKEY_CTX*), DigestAlgorithm algorithm) {
     openssl::PkeyCtxPtr context =
         openssl::made(openssl::PkeyCtxPtr(EVP_PKEY_CTX_new_from_pkey(nullptr, &key, nullptr)));
@@ -37,7 +37,7 @@ bool holds(EVP_PKEY& key, const Bytes& value, const Bytes& digest, DigestAlgorit
 
 } // namespace
 
-// A wrong value, by a damaged key or a fault of the machine, isn't only useless: it can lay the primes open.
+// A wrong value, from a damaged key or a hardware fault, is dangerous: it can reveal the primes.
 Bytes EvpRsaSigner::sign(const Bytes& bytes, const std::shared_ptr<DigestEngine>& engine) {
     const Bytes digest = require(engine).computeDigest(bytes);
     const openssl::ErrorScope scope;

@@ -1,5 +1,5 @@
-// The destructors of the abstract classes and exceptions stand here, so that there is one type information of
-// each in the program, also across shared libraries.
+// Defines the destructors of the abstract classes and exceptions, so that the program has one type information of
+// each, also across shared libraries.
 
 #include <bedrock/crypto/interfaces/ICryptoProvider.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>

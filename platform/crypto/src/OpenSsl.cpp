@@ -9,7 +9,7 @@ namespace bedrock::openssl {
 namespace {
 
 void clearErrors() noexcept {
-    if (ERR_peek_error() != 0) // to look is cheaper
+    if (ERR_peek_error() != 0) // checking is cheaper
         ERR_clear_error();
 }
 
@@ -43,7 +43,7 @@ std::string withErrors(const std::string& sentence) {
 BioPtr readingBio(const std::vector<unsigned char>& bytes) {
     if (bytes.size() > static_cast<std::size_t>(INT_MAX))
         throw std::bad_alloc();
-    // OpenSSL takes a null pointer for an error, even of no bytes.
+    // OpenSSL takes a null pointer for an error, even with no bytes.
     const void* start = bytes.empty() ? static_cast<const void*>("") : bytes.data();
     return made(BioPtr(BIO_new_mem_buf(start, static_cast<int>(bytes.size()))));
 }

@@ -53,8 +53,8 @@ using StoreCtxPtr = std::unique_ptr<X509_STORE_CTX, Deleter<X509_STORE_CTX_free>
 using X509Ptr = std::unique_ptr<X509, Deleter<X509_free>>;
 using X509StackPtr = std::unique_ptr<STACK_OF(X509), StackDeleter>;
 
-/// Keeps the error queue of this thread to one operation: empty at its start and at its end, whichever way it
-/// ends.
+/// Limits the error queue of this thread to one operation: the queue is empty at its start and at its end, even after
+/// an exception.
 class ErrorScope {
 public:
     ErrorScope() noexcept;
@@ -63,17 +63,17 @@ public:
     ErrorScope& operator=(const ErrorScope&) = delete;
 };
 
-/// The sentence with what the error queue holds, oldest first: "It failed." becomes "It failed (one; two)."
+/// The sentence with the content of the error queue, oldest first: "It failed." becomes "It failed (one; two)."
 /// Empties the queue.
 std::string withErrors(const std::string& sentence);
 
-/// Raises `E` with `message` and what the error queue holds.
+/// Throws `E` with `message` and the content of the error queue.
 template <typename E>
 [[noreturn]] void fail(const std::string& message) {
     throw E(withErrors(message));
 }
 
-/// Passes on what one of OpenSSL's constructors gave; null means that memory ran out.
+/// Passes on the result of one of OpenSSL's constructors. Null means that memory ran out.
 template <typename Owner>
 Owner made(Owner owner) {
     if (!owner)
@@ -81,7 +81,7 @@ Owner made(Owner owner) {
     return owner;
 }
 
-/// Secret bytes, overwritten when they go.
+/// Secret bytes, overwritten on destruction.
 class Secret {
 public:
     Secret() = default;
@@ -102,13 +102,13 @@ BioPtr readingBio(const std::vector<unsigned char>& bytes);
 /// Big-endian, without leading zeros.
 std::vector<unsigned char> toBytes(const BIGNUM& number);
 
-/// Big-endian; in memory that is overwritten when it goes.
+/// Big-endian, in memory that is overwritten on destruction.
 BnPtr toNumber(const std::vector<unsigned char>& bytes);
 
-/// A number of a key, such as OSSL_PKEY_PARAM_RSA_N; null if the key holds none of that name.
+/// A number of a key, such as OSSL_PKEY_PARAM_RSA_N; null if the key has no number with this name.
 BnPtr getNumber(const EVP_PKEY& key, const char* name);
 
-/// The DER form of an object, by one of the i2d functions.
+/// The DER form of an object, from one of the i2d functions.
 template <auto Encode, typename T>
 std::vector<unsigned char> toDer(T& object) {
     const int length = Encode(&object, nullptr);
@@ -119,8 +119,8 @@ std::vector<unsigned char> toDer(T& object) {
     return der;
 }
 
-/// An object from its DER form, by one of the d2i functions; null if the bytes are no such form or more than
-/// that.
+/// An object from its DER form, by one of the d2i functions; null if the bytes have another form, or more bytes
+/// follow.
 template <typename Owner, auto Decode>
 Owner fromDer(const unsigned char* bytes, std::size_t size) {
     const unsigned char* position = bytes;

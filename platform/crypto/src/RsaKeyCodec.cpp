@@ -24,7 +24,7 @@ using openssl::PkeyPtr;
 using utils::InvalidKey;
 using utils::UnusableKey;
 
-// The PEM form of a key of 4096 bits has about 3,300 characters; text may stand before it.
+// The PEM form of a key of 4096 bits has about 3,300 characters. Text may precede it.
 constexpr std::size_t MaximalEncodedSize = std::size_t{16} * 1024;
 constexpr int MaximalExponentBits = 64;
 
@@ -72,7 +72,7 @@ PkeyPtr readPublic(const unsigned char* der, std::size_t size) {
     return key ? std::move(key) : openssl::fromDer<PkeyPtr, readPkcs1Public>(der, size);
 }
 
-/// Reads the key out of DER, or out of the first block of PEM.
+/// Reads the key from DER, or from the first block of PEM.
 PkeyPtr readKey(const Bytes& encoded, PkeyPtr (*read)(const unsigned char*, std::size_t), const char* kind) {
     const std::string failure = std::string("The bytes are no RSA ") + kind + " key.";
     if (encoded.size() > MaximalEncodedSize)
@@ -138,7 +138,7 @@ PkeyPtr completePrivateKey(const BIGNUM& modulus, const BIGNUM& privateExponent,
     return key;
 }
 
-/// Whether a key is written as by writers that know no primes, or leave to others what follows from them.
+/// Whether a key lacks its primes, or the numbers that follow from them, as some writers leave them out.
 bool isIncomplete(const EVP_PKEY& key) {
     const char* const names[] = {OSSL_PKEY_PARAM_RSA_FACTOR1, OSSL_PKEY_PARAM_RSA_FACTOR2,
                                  OSSL_PKEY_PARAM_RSA_EXPONENT1, OSSL_PKEY_PARAM_RSA_EXPONENT2,
@@ -165,7 +165,7 @@ PkeyPtr buildPublicKey(const BIGNUM& modulus, const BIGNUM& exponent) {
     return PkeyPtr(key);
 }
 
-/// Refuses numbers by their length alone, so that none of any length costs more than a look at its bytes.
+/// Refuses numbers by their length alone, so that long numbers cost no more than a look at their bytes.
 void checkLengths(std::size_t bits, const Bytes& modulus, const Bytes& exponent,
                   std::size_t maximalExponentSize) {
     if (modulus.size() * 8 != bits)
@@ -211,7 +211,7 @@ PkeyPtr decodePublicKey(std::size_t bits, const Bytes& encoded) {
     if (!numbers)
         numbers = decodePublicNumbers(encoded);
     checkPublicNumbers(bits, *numbers->modulus, *numbers->exponent);
-    // Whatever form it was read from, it is encoded in one.
+    // Always encodes the same form, whatever form was read.
     return buildPublicKey(*numbers->modulus, *numbers->exponent);
 }
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 /// @file
-/// RSA keys from bytes and numbers, checked, and back to bytes. Sizes are in bits. Every operation that makes
-/// a key raises utils::InvalidKey, before any costly work, unless the key is an RSA key of that size.
+/// Makes RSA keys from bytes and numbers, checks them, and encodes them. Sizes are in bits. Every operation that
+/// makes a key throws utils::InvalidKey, before any costly work, if the key isn't an RSA key of that size.
 
 namespace bedrock::crypto {
 

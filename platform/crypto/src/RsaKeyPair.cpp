@@ -14,7 +14,7 @@ RsaKeyPair::RsaKeyPair(std::vector<unsigned char> privateKey, std::vector<unsign
 
 RsaKeyPair::RsaKeyPair(RsaKeyPair&& other) noexcept = default;
 
-// The other pair takes what this one held, and overwrites it.
+// The other pair gets the bytes of this one, and overwrites them.
 RsaKeyPair& RsaKeyPair::operator=(RsaKeyPair&& other) noexcept {
     privateKey.swap(other.privateKey);
     publicKey.swap(other.publicKey);

@@ -11,9 +11,9 @@ namespace {
 
 using openssl::BnPtr;
 
-constexpr int MaximalPrimes = 10; // that OpenSSL knows
+constexpr int MaximalPrimes = 10; // the most that OpenSSL supports
 
-// Memory is all that the arithmetic here can run out of.
+// The arithmetic here can only fail by running out of memory.
 void require(bool done) {
     if (!done)
         throw std::bad_alloc();
@@ -63,7 +63,7 @@ private:
                isInverse(*publicExponent, *privateExponent, *less) && isRightCoefficient(prime, index);
     }
 
-    /// The coefficient of the second prime belongs to the first, each further one to its own prime.
+    /// The coefficient of the second prime belongs to the first. Each further one belongs to its own prime.
     bool isRightCoefficient(const BIGNUM& prime, int index) const {
         if (index == 1)
             return true;
@@ -71,7 +71,7 @@ private:
         const BIGNUM* base = &prime;
         const BIGNUM* other = product.get();
         if (index == 2)
-            std::swap(base, other); // the product is the first prime then
+            std::swap(base, other); // then the product is the first prime
         return coefficient && BN_cmp(coefficient.get(), base) < 0 && isInverse(*other, *coefficient, *base);
     }
 
@@ -84,7 +84,7 @@ private:
     const EVP_PKEY& key;
     openssl::BnCtxPtr context;
     BnPtr modulus, publicExponent, privateExponent;
-    BnPtr product; // of the primes so far
+    BnPtr product; // the product of the primes so far
 };
 
 } // namespace

@@ -17,7 +17,7 @@ BnPtr secretNumber() {
     return number;
 }
 
-// Memory is all that the arithmetic here can run out of.
+// The arithmetic here can only fail by running out of memory.
 void require(bool done) {
     if (!done)
         throw std::bad_alloc();
@@ -36,7 +36,7 @@ public:
         require(BN_rshift(oddPart.get(), oddPart.get(), halvings));
     }
 
-    /// One prime factor; null if the exponents don't belong together.
+    /// Finds one prime factor; null if the exponents don't belong together.
     BnPtr find() {
         if (halvings == 0)
             return nullptr;
@@ -49,8 +49,8 @@ public:
     }
 
 private:
-    // Takes a random base to the power of the odd part and squares until 1 comes out. A square root of 1
-    // other than 1 and -1 shares a factor with the modulus. No 1 at all: the exponents are wrong.
+    // Raises a random base to the power of the odd part, and squares the result until it is 1. A square root of 1
+    // other than 1 and -1 shares a factor with the modulus. If 1 doesn't come out, the exponents are wrong.
     BnPtr tryOnce(bool& wrong) {
         BnPtr root = secretNumber();
         BnPtr square = secretNumber();
@@ -76,7 +76,7 @@ private:
         BnPtr factor = secretNumber();
         require(BN_sub_word(&root, 1));
         require(BN_gcd(factor.get(), &root, &modulus, context.get()));
-        // -1 less 1 shares nothing with an odd modulus.
+        // -1 less 1 shares no factor with an odd modulus.
         return BN_is_one(factor.get()) ? nullptr : std::move(factor);
     }
 
@@ -84,7 +84,7 @@ private:
     openssl::BnCtxPtr context;
     openssl::MontgomeryPtr montgomery;
     BnPtr oddPart;    // of the product of the exponents less 1
-    int halvings = 0; // that lead to the odd part
+    int halvings = 0; // the number of halvings that lead to the odd part
 };
 
 /// The remaining numbers of a key whose larger prime is known.

@@ -20,8 +20,8 @@ unsigned char byteAt(std::string_view bytes, std::size_t index) {
     return index < bytes.size() ? static_cast<unsigned char>(bytes[index]) : 0;
 }
 
-/// Takes an element off the front of `bytes`.
-/// @return its content; nothing if another element stands there, or a longer one than any key has
+/// Takes an element from the beginning of `bytes`.
+/// @return its content; nothing if another element comes next, or one that is too long for a key
 std::optional<std::string_view> take(std::string_view& bytes, Tag tag) {
     if (byteAt(bytes, 0) != tag)
         return std::nullopt;
@@ -56,7 +56,7 @@ bool takePrefix(std::string_view& bytes, std::string_view prefix) {
     return true;
 }
 
-/// Takes a number, which counts as positive, as it does to OpenSSL; null if none stands there.
+/// Takes a number, which counts as positive, as in OpenSSL; null if no number comes next.
 openssl::BnPtr takeNumber(std::string_view& bytes) {
     const auto content = take(bytes, Integer);
     return content ? openssl::toNumber({content->begin(), content->end()}) : nullptr;

@@ -18,15 +18,15 @@ bool startsWith(u16string_view text, u16string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-/// The path up to its last slash and with it.
+/// The path up to and including its last slash.
 u16string_view folderOf(u16string_view path) {
     return path.substr(0, path.rfind(u'/') + 1);
 }
 
-/// RFC 3986 section 5.2.4. The output loses a segment only once, so the time is linear.
+/// RFC 3986 section 5.2.4. Each segment is removed from the output at most once, so the time is linear.
 std::u16string removeDotSegments(u16string_view input) {
     if (!startsWith(input, u".") && input.find(u"/.") == u16string_view::npos)
-        return std::u16string(input); // as nearly always
+        return std::u16string(input); // nearly always
     std::u16string output;
     output.reserve(input.size());
     const auto dropSegment = [&output] {
@@ -63,8 +63,8 @@ bool beginsLikeScheme(u16string_view path) {
     return mark != u16string_view::npos && path[mark] == u':';
 }
 
-/// The path from `folder`, which is empty or ends in a slash, to `target`, both without dot segments; empty
-/// if there is none.
+/// The path from `folder`, which is empty or ends in a slash, to `target`; both have no dot segments. Empty if there
+/// is none.
 std::u16string relativePath(u16string_view folder, u16string_view target) {
     const auto differing = std::mismatch(folder.begin(), folder.end(), target.begin(), target.end());
     const auto same = static_cast<std::size_t>(differing.first - folder.begin());
@@ -80,7 +80,7 @@ std::u16string relativePath(u16string_view folder, u16string_view target) {
             return std::u16string(u"./").append(rest);
         return std::u16string(rest);
     }
-    // Without a common folder, stepping up leads to a path that begins with a slash.
+    // Without a common folder, going up leads to a path that begins with a slash.
     if (common == 0)
         return {};
     std::u16string result;
@@ -92,7 +92,7 @@ std::u16string relativePath(u16string_view folder, u16string_view target) {
     return result;
 }
 
-/// Whether RFC 3986 lets the character stand in a URI at all; where it may, the grammar has seen to.
+/// Whether RFC 3986 allows the character in a URI. The grammar has already checked its place.
 bool isURICharacter(char16_t unit) {
     static constexpr auto TABLE = [] {
         std::array<bool, 128> table{};
@@ -112,7 +112,7 @@ IRI::IRI(std::u16string reference) : text(std::move(reference)), components(iri:
 }
 
 bool IRI::isOpaque() const noexcept {
-    // Behind the colon stands a path or an authority, or nothing.
+    // A path or an authority follows the colon, or nothing.
     return hasScheme() && text[components.schemeLength + 1] != u'/';
 }
 
@@ -199,7 +199,7 @@ IRI IRI::makeRelativeTo(const IRI& base) const {
     const std::u16string folder =
         hasAuthority() && base.path().empty() ? u"/" : removeDotSegments(folderOf(base.path()));
     const std::u16string target = removeDotSegments(path());
-    // The path as written: ".//b" is relative, though it begins with a slash without its dot segments.
+    // The path as written: ".//b" is relative, but without its dot segments it begins with a slash.
     if (startsWith(folder, u"/") != startsWith(path(), u"/"))
         return *this;
     std::u16string result = relativePath(folder, target);

@@ -9,16 +9,16 @@ namespace {
 
 using std::u16string_view;
 
-/// What an ASCII character is to the grammar: bits, so that a set of them is a mask.
+/// The meaning of an ASCII character in the grammar, as bits, so that a mask is a set of meanings.
 enum Kind : std::uint8_t {
-    Plain = 0, // may stand in every component
+    Plain = 0, // allowed in every component
     Colon = 1,
     Slash = 2,
     Question = 4,
     Number = 8,
     Percent = 16,
     Bracket = 32,
-    Control = 64, // can't stand in XML 1.0
+    Control = 64, // not allowed in XML 1.0
 };
 
 constexpr std::array<std::uint8_t, 128> classify() {
@@ -58,8 +58,8 @@ bool all(u16string_view text, Predicate predicate) {
     return std::all_of(text.begin(), text.end(), predicate);
 }
 
-/// The position behind the character beyond ASCII at `position`. The text ends in a zero, so the unit behind
-/// one may always be read.
+/// The position after the non-ASCII character at `position`. A null character follows the text, so the next unit can
+/// always be read.
 std::size_t skipBeyondASCII(const std::u16string& text, std::size_t position) {
     const char16_t unit = text[position];
     if (isHighSurrogate(unit) && isLowSurrogate(text[position + 1]))
@@ -118,8 +118,7 @@ bool isIPv4Address(u16string_view text) {
     return true;
 }
 
-/// RFC 3986 section 3.2.2: eight groups, or fewer round one double colon; the last two may be an IPv4
-/// address.
+/// RFC 3986 section 3.2.2: eight groups, or fewer around one double colon. The last two may be an IPv4 address.
 bool isIPv6Address(u16string_view text) {
     std::size_t groups = 0;
     bool compressed = false;
@@ -168,8 +167,8 @@ bool isIPvFuture(u16string_view text) {
            });
 }
 
-/// RFC 3986 section 3.2: an optional user before "@", a host, and an optional port behind a colon. Single
-/// characters have been checked already.
+/// RFC 3986 section 3.2: an optional user before "@", a host, and an optional port after a colon. The characters were
+/// already checked.
 void checkAuthority(u16string_view authority) {
     const std::size_t at = authority.find(u'@');
     const bool hasUser = at != u16string_view::npos;
@@ -194,9 +193,9 @@ void checkAuthority(u16string_view authority) {
         throw IRIException("a port isn't made of digits");
 }
 
-/// Whether a text is a path of usual characters and nothing else, as nearly every part name and target is.
+/// Whether a text is just a path of usual characters, as nearly every part name and target is.
 bool isPlainPath(u16string_view text) {
-    std::uint16_t isOther = 0; // a number, in a loop without a way out: that takes many characters at once
+    std::uint16_t isOther = 0; // a number, in a loop without an exit: so the compiler handles many at once
     for (const std::uint16_t unit : text) {
         const auto isNoLetter = static_cast<std::uint16_t>((unit | 0x20) - u'a') > 25;
         const auto isNoneOfPaths = static_cast<std::uint16_t>(unit - u'-') > 12; // '-', '.', '/' and digits

@@ -4,8 +4,8 @@
 
 namespace bedrock::network::iri {
 
-/// Checks `text` by the grammar that `IRI` tells and finds its components, in one pass over it.
-/// @throws IRIException  with what is wrong
+/// Checks `text` by the grammar that `IRI` describes and finds its components, in one pass.
+/// @throws IRIException  the text has another form; the message says what is wrong
 Components parse(const std::u16string& text);
 
 } // namespace bedrock::network::iri
