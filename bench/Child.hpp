@@ -7,8 +7,8 @@
 
 namespace bench {
 
-/// Runs `action`, which gives a number, in a process of its own.
-/// @return the number; -1 if the action raised
+/// Runs `action`, which returns a number, in a process of its own.
+/// @return the number; -1 if the action threw an exception
 template <typename Action>
 double inChild(Action&& action) {
     int ends[2];

@@ -32,7 +32,7 @@ bool canBeDone(const FileWork& work, const fs::path& path) {
            }) > 0;
 }
 
-/// @param timeOf  gives the time of a work with a file
+/// @param timeOf  measures a work with a file
 template <typename TimeOf>
 std::vector<FileTimes> shortestTimes(const std::vector<fs::path>& files, const std::vector<FileWork>& works,
                                      int rounds, TimeOf timeOf) {

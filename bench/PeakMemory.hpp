@@ -6,7 +6,7 @@
 
 namespace bench {
 
-/// The greatest memory that this process had since `resetPeakMemory`, in MiB, as the kernel counts it.
+/// The largest memory of this process since `resetPeakMemory`, in MiB, as the kernel counts it.
 inline double peakMemoryInMiB() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)

@@ -15,21 +15,21 @@ namespace {
 template <typename Number>
 Number numberAt(const unsigned char* place) {
     Number number = 0;
-    std::memcpy(&number, place, sizeof number); // little-endian, as this machine is
+    std::memcpy(&number, place, sizeof number); // little-endian, like this machine
     return number;
 }
 
 constexpr std::size_t END_SIZE = 22;
 constexpr std::size_t ENTRY_SIZE = 46;
 constexpr std::size_t HEADER_SIZE = 30;
-constexpr std::size_t TAIL_SIZE = END_SIZE + 20 + 56; // with the ZIP64 records, if they are there
+constexpr std::size_t TAIL_SIZE = END_SIZE + 20 + 56; // with the ZIP64 records, if there are any
 
 void require(bool success, const char* what) {
     if (!success)
         throw std::runtime_error(what);
 }
 
-/// The last end record, with whatever comment.
+/// The last end record, with any comment.
 const unsigned char* findEnd(const std::vector<unsigned char>& tail) {
     constexpr std::string_view SIGNATURE = "PK\5\6";
     const std::string_view text(reinterpret_cast<const char*>(tail.data()), tail.size());
@@ -46,7 +46,7 @@ RawArchive::Item readEntry(const unsigned char* entry, std::size_t nameSize) {
                           numberAt<std::uint32_t>(entry + 24),
                           numberAt<std::uint32_t>(entry + 42)};
     const unsigned char* large =
-        entry + ENTRY_SIZE + nameSize + 4; // the ZIP64 field, if there is one, stands first
+        entry + ENTRY_SIZE + nameSize + 4; // the ZIP64 field comes first, if there is one
     for (std::uint64_t* number : {&item.size, &item.compressedSize, &item.offset})
         if (*number == 0xFFFFFFFF) {
             *number = numberAt<std::uint64_t>(large);
@@ -96,7 +96,7 @@ void RawArchive::read(std::uint64_t offset, std::size_t count, std::vector<unsig
 }
 
 std::string_view RawArchive::compressedContent(const Item& item) {
-    // The extra fields of a local header may be longer than those of the directory: there is room for some.
+    // A local header can have longer extra fields than the directory, so this reads some bytes more.
     constexpr std::size_t ROOM = 64;
     const std::size_t longest = HEADER_SIZE + item.name.size() + ROOM;
     read(item.offset, longest + item.compressedSize, compressed);

@@ -11,7 +11,7 @@
 
 namespace bench {
 
-/// Inflates with one state.
+/// Inflates with one state of zlib.
 class RawInflater {
 public:
     RawInflater();
@@ -19,15 +19,15 @@ public:
     RawInflater& operator=(const RawInflater&) = delete;
     ~RawInflater();
 
-    /// @param plain  of the size that comes out
+    /// @param plain  has the size of the result
     void inflate(std::string_view compressed, std::vector<unsigned char>& plain);
 
 private:
     z_stream inflater{};
 };
 
-/// The least that reading an archive can cost: one read of its directory, one of each item, and zlib with one state
-/// for all of them. Nothing is checked.
+/// The least work of reading an archive: one read for its directory, one for each item, and zlib with one state for
+/// all of them. Checks nothing.
 class RawArchive {
 public:
     struct Item {
@@ -46,7 +46,7 @@ public:
 
     const std::vector<Item>& directory() const { return items; }
 
-    /// Good until the next call, as that of `content` is.
+    /// Valid until the next call, like the result of `content`.
     std::string_view compressedContent(const Item& item);
 
     std::string_view content(const Item& item);
@@ -61,7 +61,7 @@ private:
     std::optional<RawInflater> inflater; // made for the first item that needs it
 };
 
-/// Deflates texts with one state, at zlib's own level.
+/// Deflates texts with one state, at zlib's default level.
 class RawDeflater {
 public:
     RawDeflater();
@@ -69,7 +69,7 @@ public:
     RawDeflater& operator=(const RawDeflater&) = delete;
     ~RawDeflater();
 
-    /// @return how many bytes came out
+    /// @return the number of compressed bytes
     std::size_t deflate(std::string_view text);
 
 private:

@@ -15,7 +15,7 @@ namespace bench {
 
 namespace {
 
-/// What the documents say: the content types by extension or part name, and all other values.
+/// The content of the documents: the content types by extension or part name, and all other values.
 struct Found {
     std::unordered_map<std::string, std::string> contentTypes;
     std::vector<std::string> others;

@@ -5,10 +5,10 @@
 
 namespace bench {
 
-/// The least that listing a package can cost: its directory, and the content types and relationships parts inflated
-/// by zlib and parsed by expat. What they say is collected, the content type of each item is looked up, and nothing is
-/// checked.
-/// @return how many characters that is
+/// The least work of listing a package: it reads the directory, inflates the content types and relationships parts
+/// with zlib, parses them with expat, collects their values, and looks up the content type of each item. Checks
+/// nothing.
+/// @return the number of characters of the result
 std::size_t listRawPackage(const std::filesystem::path& path);
 
 } // namespace bench

@@ -19,7 +19,7 @@ private:
     std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context;
 };
 
-/// One parse by expat, whose elements and characters are counted.
+/// Parses with expat, and counts elements and characters.
 void parseByExpat(std::string_view document);
 
 } // namespace bench

@@ -24,11 +24,10 @@ const std::string OFFICE_TYPES = "http://schemas.openxmlformats.org/officeDocume
 const std::string OFFICE_CONTENT = "application/vnd.openxmlformats-officedocument.";
 const std::string PACKAGE_CONTENT = "application/vnd.openxmlformats-package.";
 
-/// A package as text, which the model has no part in: it has entities, comments and white space where its program
-/// writes them.
+/// A package as text, made without the model: it has entities, comments and white space as its program writes them.
 class Shape {
 public:
-    /// @param lineStart  what stands in front of each element
+    /// @param lineStart  comes before each element
     explicit Shape(std::string lineStart = {}) : elementStart(std::move(lineStart)) {
         addDefault("rels", PACKAGE_CONTENT + "relationships+xml");
     }
@@ -38,7 +37,7 @@ public:
             elementStart + "<Default Extension=\"" + extension + "\" ContentType=\"" + type + "\"/>";
     }
 
-    /// @param type  empty: that of the extension
+    /// @param type  empty for the type of the extension
     void addPart(const std::string& name, const std::string& type, const std::string& content,
                  CompressionType compression = CompressionType::Normal) {
         if (!type.empty())
@@ -48,7 +47,7 @@ public:
     }
 
     /// @param source  a part, or "/" for the package
-    /// @param target  as it stands in an attribute
+    /// @param target  in the form of an attribute value
     void relate(const std::string& source, const std::string& type, const std::string& target,
                 bool isExternal = false) {
         auto& [elements, count] = relationships[source];
@@ -120,7 +119,7 @@ std::string text(int number, std::size_t size) {
     return text;
 }
 
-/// What doesn't get smaller, as pictures and fonts don't.
+/// Content that can't be compressed, like pictures and fonts.
 std::string picture(std::size_t size) {
     std::minstd_rand random(1);
     std::string bytes;
@@ -140,7 +139,7 @@ std::string coreProperties(const std::string& time) {
            time + "</dcterms:created></cp:coreProperties>";
 }
 
-/// A part of an office document: `folder`name.xml, to which the main part leads.
+/// A part of an office document, `folder`name.xml. The main part leads to it.
 void addOfficePart(Shape& shape, const std::string& main, const std::string& family, const std::string& kind,
                    const std::string& file, std::size_t size = 3000) {
     const std::size_t folderEnd = main.rfind('/') + 1;
@@ -174,7 +173,7 @@ Shape textDocument() {
     return shape;
 }
 
-/// Links as people make them, each of them several times.
+/// Links as people make them, each several times.
 Shape linkingDocument() {
     Shape shape = textDocument();
     shape.comment(DOCUMENT, "links");
@@ -200,7 +199,7 @@ Shape linkingDocument() {
     return shape;
 }
 
-/// A relationship of each three leads outside, with a query.
+/// Every third relationship leads outside, with a query.
 Shape queries(int count) {
     Shape shape = textDocument();
     for (int number = 0; number < count; ++number) {
@@ -248,7 +247,7 @@ Shape slides(int count) {
     return shape;
 }
 
-/// One part, and an element a line.
+/// One part, with one element on each line.
 Shape drawing() {
     Shape shape("\n  ");
     shape.addDefault("model", "application/vnd.example.model+xml");
@@ -257,7 +256,7 @@ Shape drawing() {
     return shape;
 }
 
-/// Files as they are, by their extensions, with absolute targets and long IDs.
+/// Plain files with the types of their extensions, absolute targets and long IDs.
 Shape library() {
     Shape shape("\n  ");
     for (const char* extension : {"nuspec", "dll", "pdb", "json", "md", "txt", "png"})

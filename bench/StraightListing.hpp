@@ -5,10 +5,10 @@
 
 namespace bench {
 
-/// Lists a package as a careful program does that writes it down straight away: an inflater for each document, whose
-/// checksum is checked, a parser for each, maps of items, content types and relationships by their sources, and
-/// extensions without regard to case. `listRawPackage` does the same with all of that left out or taken together.
-/// @return how many characters that is
+/// Lists a package like a careful but straightforward program. Each document has an inflater, a check of the
+/// checksum, and a parser. Maps hold items, content types, and relationships by their sources, and extensions ignore
+/// letter case. `listRawPackage` leaves all of that out or combines it.
+/// @return the number of characters of the result
 std::size_t listStraightforwardly(const std::filesystem::path& path);
 
 } // namespace bench

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// A new folder, which goes with everything in it.
+/// A new folder. The destructor removes it with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -7,7 +7,7 @@ namespace bench {
 
 using Seconds = std::chrono::duration<double>;
 
-/// How long this thread was at work for `action`: what else the machine does doesn't count.
+/// The CPU time of this thread for `action`, so other load on the machine hardly affects it.
 template <typename Action>
 Seconds workTime(Action&& action) {
     const auto now = [] {
@@ -20,10 +20,10 @@ Seconds workTime(Action&& action) {
     return now() - start;
 }
 
-/// The shortest of several times for the same work: the one that least else got in the way of.
+/// The shortest of several times for the same work: the least disturbed one.
 class BestTime {
 public:
-    /// @return the time of this once
+    /// @return the time of this call
     template <typename Action>
     Seconds take(Action&& action) {
         const Seconds time = workTime(action);

@@ -1,6 +1,6 @@
-// The core properties part: reading and writing the document alone, and both operations whole, on a package in
-// memory. `plain` properties are in printable ASCII, and need no Xerces; `other` ones have a title that isn't, and pay
-// for Xerces itself where no other part of the process uses it, and for compiling five schemas.
+// The core properties part: reading and writing only the document, and both whole operations on a package in memory.
+// `plain` properties are in printable ASCII, and need no Xerces. `other` properties have a title that isn't: they pay
+// for starting Xerces, if nothing else in the process uses it, and for compiling five schemas.
 
 #include "coreproperties/CorePropertiesSerializer.hpp"
 
@@ -74,7 +74,7 @@ void CreateInPackage(benchmark::State& state, const char16_t* title) {
     }
 }
 
-/// With opening the package.
+/// Including opening the package.
 void GetFromPackage(benchmark::State& state, const char16_t* title) {
     opc::physical::MemoryPackage store;
     {

@@ -1,6 +1,6 @@
-// How fast the digest of a stream is, beside OpenSSL's own digest over the same bytes in blocks of 64 KiB: taken
-// out of memory, or read from the same source where the bytes have to be read first. Both run in turn within each
-// iteration; `ratio` is their share of speed: 1 means that the stream costs nothing.
+// The speed of the digest of a stream, compared with OpenSSL's own digest over the same bytes in blocks of 64 KiB,
+// which come from memory or, if the bytes must be read first, from the same source. Both run in turn in each
+// iteration. `ratio` is the ratio of their speeds: 1 means that the stream costs nothing.
 
 #include "WorkTime.hpp"
 
@@ -32,7 +32,7 @@ using bedrock::crypto::DigestEngine;
 constexpr std::size_t BlockSize = 64 * 1024;
 constexpr std::size_t Size = 64 * 1024 * 1024;
 
-/// A block of bytes, and none at the end.
+/// A block of bytes; empty at the end.
 using NextBlock = std::function<std::string_view()>;
 
 std::vector<unsigned char> digestBlocks(const NextBlock& next, const EVP_MD* digest) {
@@ -45,7 +45,7 @@ std::vector<unsigned char> digestBlocks(const NextBlock& next, const EVP_MD* dig
     return value;
 }
 
-/// Times the engine over a stream against the blocks, by the fastest of each.
+/// Compares the engine over a stream with the blocks, by the shortest time of each.
 void compare(benchmark::State& state, DigestAlgorithm algorithm, const char* name,
              const std::function<std::vector<unsigned char>(DigestEngine&)>& digestTheStream,
              const std::function<NextBlock()>& startBlocks) {
@@ -84,7 +84,7 @@ void memoryStream(benchmark::State& state, DigestAlgorithm algorithm, const char
         });
 }
 
-/// A part's stream as the package hands it to the engine.
+/// A part's stream as the package gives it to the engine.
 void partStream(benchmark::State& state, DigestAlgorithm algorithm, const char* name) {
     const std::vector<unsigned char> bytes(Size, 'x');
     std::vector<unsigned char> block(BlockSize);

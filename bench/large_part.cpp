@@ -1,5 +1,5 @@
-// Takes one large part through a ZIP package in both directions, and says how long it took and how much
-// memory the process had at most.
+// Writes one large part into a ZIP package and reads it again, and prints the times and the largest memory of the
+// process.
 //
 //   large_part PATH [MEBIBYTES [stored]]     default: 2048, deflated
 
@@ -35,7 +35,7 @@ struct PartInfo : opc::interfaces::IPhysicalPartInfo {
     CompressionType compression;
 };
 
-/// Bytes that compress to about a half, and differ from one block to the next.
+/// Bytes that compress to about a half, and differ between blocks.
 void fill(std::vector<unsigned char>& block, std::uint64_t seed) {
     for (unsigned char& byte : block) {
         seed = seed * 6364136223846793005U + 1442695040888963407U;

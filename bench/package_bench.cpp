@@ -1,9 +1,9 @@
-// Whole packages in a file: open and list, create and save, change one part and save, each beside the least that
-// the same work can cost. Both run in turn within each iteration; `ratio` is the one to the other, by the shortest
-// working time of each. Each part has 3 relationships, one of them to an external target with a query, and so a
-// relationships part. What is opened has 20 content types, as documents have; what is created has one. `KiB_per_part` is what the
-// memory of the process grew by at most while the package was open; `size` what all contents come to compressed,
-// beside what zlib makes of them.
+// Whole packages in a file: open and list, create and save, change one part and save, each compared with the least
+// work for the same result. Both run in turn in each iteration. `ratio` is the ratio of the shortest CPU times. Each
+// part has 3 relationships, one of them to an external target with a query, and so has a relationships part. Opened
+// packages have 20 content types, as documents have; created ones have one. `KiB_per_part` is the largest growth of
+// the process's memory while the package is open. `size` is the compressed size of all contents, compared with
+// zlib's.
 
 #include "PeakMemory.hpp"
 #include "RawArchive.hpp"
@@ -36,7 +36,7 @@ opc::physical::ZipOptions manyItems() {
     return options;
 }
 
-/// As many as documents have.
+/// As many content types as documents have.
 constexpr int CONTENT_TYPES = 20;
 
 /// A package with that many parts, made once.
@@ -82,7 +82,7 @@ void OpenAndList(benchmark::State& state) {
         (bench::peakMemoryInMiB() - before) * 1024 / static_cast<double>(state.range(0));
 }
 
-/// An archive that holds a content types stream alone.
+/// An archive with only a content types stream.
 void OpenEmpty(benchmark::State& state) {
     const fs::path path = fs::temp_directory_path() / "opcmodel_bench_empty.zip";
     fs::remove(path);
@@ -96,8 +96,8 @@ void OpenEmpty(benchmark::State& state) {
     fs::remove(path);
 }
 
-/// The same bytes through zlib, and nothing else.
-/// @return how many came out
+/// Only compresses the same bytes with zlib.
+/// @return the number of compressed bytes
 std::size_t deflateAll(const std::vector<std::string>& texts) {
     bench::RawDeflater deflater;
     std::size_t size = 0;
@@ -134,7 +134,7 @@ void CreateAndSave(benchmark::State& state) {
     state.counters["size"] = static_cast<double>(size) / static_cast<double>(sizeByZlib);
 }
 
-/// What libzip alone does to replace one item.
+/// Replaces one item with libzip alone.
 void replaceByLibzip(zip_t* archive, const std::string& name, const std::string& text) {
     zip_source_t* source = zip_source_buffer(archive, text.data(), text.size(), 0);
     zip_file_replace(archive, static_cast<zip_uint64_t>(zip_name_locate(archive, name.c_str(), 0)), source,
@@ -176,7 +176,7 @@ BENCHMARK(OpenAndList)
     ->Arg(1000)
     ->Arg(10000)
     ->Arg(100000)
-    ->MinTime(2) // the largest too is opened again in memory that the process has had
+    ->MinTime(2) // so that the largest one, too, is opened in memory that the process already has
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(OpenEmpty)->Unit(benchmark::kMillisecond);

@@ -1,11 +1,11 @@
-// Opening and listing packages as people have them, beside the same by zlib and expat.
+// Opening and listing packages like those of real users, compared with zlib and expat.
 //
 //   real_bench [FOLDER [ROUNDS [THREADS]]]   ratios, and files a second
 //   real_bench --paced [FOLDER]              lists all files once for each line that it reads: see python_listing.py
 //
-// Without a folder it takes the documents of office programs among the tests, and packages that it makes in such
-// shapes. `least` is `listRawPackage`, `straight` is `listStraightforwardly`; `lenient` is the listing as `opctool` does
-// it. The first of a process is in a process of its own.
+// Without a folder it uses the documents of office programs among the tests, and packages that it makes in such
+// shapes. `least` is `listRawPackage`, `straight` is `listStraightforwardly`; `lenient` lists as `opctool` does. The
+// first work of a process is measured in a separate process.
 
 #include "Child.hpp"
 #include "FileTimes.hpp"
@@ -40,7 +40,7 @@ using namespace opc::model;
 using bench::Seconds;
 using Files = std::vector<fs::path>;
 
-/// @return how many characters the names, content types and relationships of the package have
+/// @return the number of characters of the package's names, content types and relationships
 std::size_t listPackage(opc::interfaces::IPhysicalPackage& store) {
     Package package(store);
     package.open(opc::interfaces::OpenMode::ReadOnly);
@@ -63,7 +63,7 @@ std::size_t listStrictly(const fs::path& path) {
     return listPackage(archive);
 }
 
-/// As `opctool` does.
+/// Lists as `opctool` does.
 std::size_t listLeniently(const fs::path& path) {
     opc::physical::ZipOptions options;
     options.lenient = true;
@@ -98,7 +98,7 @@ void printFiles(const Files& files, const std::vector<bench::FileTimes>& times) 
                     times[Strict][i] / times[Least][i]);
 }
 
-/// Packages of one origin.
+/// Packages from one origin.
 struct Group {
     const char* title;
     Files files;
@@ -107,7 +107,7 @@ struct Group {
 std::vector<Group> makeGroups(const char* folder, const fs::path& made) {
     if (folder != nullptr)
         return {{"of the folder", packagesIn(folder)}};
-    // In a process of its own, as everything before the first times: nothing is warm in this one then.
+    // Runs in a separate process, like everything before the first times, so that nothing is warm in this one.
     bench::inChild([&] {
         bench::writeRealShapes(made);
         return 0;
@@ -132,13 +132,13 @@ void compare(const std::vector<Group>& groups, int rounds) {
     }
 }
 
-/// What several threads do in about a second.
+/// The work of several threads in about a second.
 struct Rate {
     double filesPerSecond = 0;
     Seconds workPerFile = Seconds::max();
 };
 
-/// Lists the files again and again, as many at once as there are threads.
+/// Lists the files again and again, one file at a time in each thread.
 Rate measureRate(const bench::FileWork& work, const Files& files, unsigned threads) {
     using Clock = std::chrono::steady_clock;
     std::atomic<std::size_t> next{0};
@@ -163,7 +163,7 @@ Rate measureRate(const bench::FileWork& work, const Files& files, unsigned threa
     return {count / passed.count(), sum / count};
 }
 
-/// By the clock; the working time tells whether the threads hinder each other, also on a machine that isn't idle.
+/// In clock time. The CPU time shows whether the threads hinder each other, even on a busy machine.
 void compareThreads(const Files& files, unsigned threads) {
     for (const Side side : {Strict, Least}) {
         Rate one;
@@ -182,7 +182,8 @@ void compareThreads(const Files& files, unsigned threads) {
     }
 }
 
-/// Names the files, and an empty line; for each line read then, lists all and prints the working time in seconds.
+/// Prints the names of the files, and an empty line. For each line that it then reads, it lists all files and prints
+/// the CPU time in seconds.
 void listPaced(const Files& files) {
     for (const fs::path& file : files)
         std::cout << file.string() << '\n';

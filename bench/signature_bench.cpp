@@ -1,8 +1,8 @@
-// Signing and verifying, compared within one run by the time that this thread was at work. `sign_ratio` and
-// `verify_ratio`: the speed with a large part as a share of that of OpenSSL's own digest over the same bytes.
-// `sign_times` and `verify_times`: how many times as long as opening a package of many parts and reading every
-// byte it takes to sign or verify it; `verify_raw`: how many times as long as inflating and digesting all parts and
-// parsing the signature part once with expat. `peak_MiB` is the peak memory of the process.
+// Signing and verifying, compared within one run by the CPU time of this thread. `sign_ratio` and `verify_ratio`: the
+// speed with a large part, divided by the speed of OpenSSL's own digest over the same bytes. `sign_times` and
+// `verify_times`: the time of signing or verifying a package of many parts, divided by the time of opening it and
+// reading every byte. `verify_raw`: the same, divided by the time of inflating and digesting all parts and parsing
+// the signature part once with expat. `peak_MiB` is the peak memory of the process.
 
 #include "PeakMemory.hpp"
 #include "RawArchive.hpp"
@@ -46,7 +46,7 @@ const bedrock::crypto::RsaKeyPair& keys() {
     return made;
 }
 
-/// Bytes made as they are read, which nobody stores.
+/// Bytes that are made while they are read, so that nobody stores them.
 class MadeStream : public opc::interfaces::IPhysicalInputStream {
 public:
     explicit MadeStream(std::uint64_t size) : size(size) {}
@@ -106,7 +106,7 @@ void digestInBlocks(std::uint64_t size, const EVP_MD* digest) {
     benchmark::DoNotOptimize(value);
 }
 
-/// A package on a store, and a manager on it, open.
+/// An open package on a store, with a manager.
 struct Opened {
     Opened(opc::interfaces::IPhysicalPackage& store, OpenMode mode) : package(store), manager(package) {
         package.open(mode);
@@ -160,7 +160,7 @@ bool endsWith(const std::string& name, const std::string& end) {
     return name.size() >= end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
 }
 
-/// What no verification can do without: all parts inflated and digested, and the signature part parsed.
+/// The least work of a verification: inflates and digests all parts, and parses the signature part.
 void digestAndParse(const std::filesystem::path& path, const EVP_MD* digest) {
     bench::RawArchive archive(path);
     bench::RawDigest digestContent(digest);
@@ -173,7 +173,7 @@ void digestAndParse(const std::filesystem::path& path, const EVP_MD* digest) {
     }
 }
 
-/// The verification with the signature's loading; the package is open then.
+/// Verifies, including the loading of the signature. The package is already open.
 void ManyParts(benchmark::State& state) {
     const auto path = std::filesystem::temp_directory_path() / "opcmodel_bench_signed.zip";
     const std::unique_ptr<const void, void (*)(const void*)> cleanUp(&path, [](const void* made) {
@@ -213,7 +213,7 @@ void ManyParts(benchmark::State& state) {
     state.counters["peak_MiB"] = bench::peakMemoryInMiB();
 }
 
-/// Signatures of one part each, loaded and verified.
+/// Loads and verifies signatures of one part each.
 void ManySignatures(benchmark::State& state) {
     MemoryPackage store;
     bench::createPackage(store, bench::partContents(1));
@@ -234,8 +234,8 @@ void ManySignatures(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-/// One source with that many relationships of one type, each with a selector of its own: signed, saved,
-/// opened again and verified.
+/// One source with that many relationships of one type, each with its own selector: signs and saves the package,
+/// opens it again and verifies it.
 void ManyRelationships(benchmark::State& state) {
     bench::resetPeakMemory();
     for (auto _ : state) {

@@ -1,12 +1,12 @@
-// Verifying packages as people have them, once they are signed, beside the least that it can cost: the archive read,
-// all items inflated and digested, the signature part parsed by expat, and one bare RSA operation.
+// Verifying signed packages like those of real users, compared with the least work: reading the archive, inflating
+// and digesting all items, parsing the signature part with expat, and one RSA operation.
 //
 //   signed_bench [FOLDER [ROUNDS]]
 //
-// Without a folder it takes the documents of office programs among the tests, and packages that it makes in such
-// shapes. It signs copies of them whole, as `opctool sign` does, with RSA of 2048 bits and SHA-512, and verifies as
-// `opctool verify` does, by the public key. `alone` is verifying a package that is open already; `with listing` has the
-// least that listing the package can cost among the least.
+// Without a folder it uses the documents of office programs among the tests, and packages that it makes in such
+// shapes. It signs whole copies of them, as `opctool sign` does, with RSA of 2048 bits and SHA-512, and verifies them
+// by the public key, as `opctool verify` does. `alone` verifies a package that is already open; for `with listing`,
+// the least work includes the least work of listing the package.
 
 #include "FileTimes.hpp"
 #include "RawArchive.hpp"
@@ -101,7 +101,7 @@ void verify(const fs::path& path) {
         throw std::runtime_error(verdict.getReasons().front().text);
 }
 
-/// One signature value, and its check with a key that is loaded already.
+/// One signature value, and its check with a key that is already loaded.
 class BareRsa {
 public:
     BareRsa() : digest(SHA512_DIGEST_LENGTH, 'x') {
@@ -191,7 +191,7 @@ void compare(const char* title, const std::vector<fs::path>& files, int rounds) 
 
 int main(int argc, char** argv) try {
     const int rounds = argc > 2 ? std::atoi(argv[2]) : 12;
-    keys(); // here, as packages are signed in processes of their own
+    keys(); // before the processes that sign start, so that they share the keys
     bareRsa();
     const bench::TemporaryFolder copies;
     if (argc > 1) {

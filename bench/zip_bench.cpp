@@ -1,16 +1,15 @@
-// ZIP archives without the model above them, each time beside what can't be done without; both run in turn
-// within each iteration, and `ratio` is the one to the other, by the shortest time of each: working time, but
-// for ChangeOneOf10000, where the waits for the disk count.
+// ZIP archives without the model, compared with the least work for the same result. Both run in turn in each
+// iteration. `ratio` is the ratio of the shortest CPU times, except for ChangeOneOf10000, where waiting for the disk
+// counts too.
 //
-// - OpenAndRead: the directory is read, and each relationships part once; beside directory, `pread` and zlib.
-//   The argument is the number of parts, each with a relationships part. `bytes_per_item` is what the open
-//   package keeps for an item.
-// - ReadParts: parts of the argument's size in bytes, 10 MB together, are read in pieces of 4 KiB; beside `pread`
-//   and zlib, each part with one call. Opening counts in both.
-// - CreateAndSave: so many parts of 1 KiB are written and saved; beside zlib over the same bytes.
-// - ChangeOneOf10000: one part of 10,000 changes and the archive is saved; beside a copy of the file (written,
-//   synced, renamed, its folder synced) and the reading of its directory. The argument is the size of a part
-//   in bytes.
+// - OpenAndRead reads the directory, and each relationships part once; compared with reading the directory, `pread`
+// and zlib. The argument is the number of parts, each with a relationships part. `bytes_per_item` is the memory of
+// the open package for each item.
+// - ReadParts reads parts of the argument's size in bytes, 10 MB together, in pieces of 4 KiB; compared with `pread`
+// and zlib, which read each part with one call. Both times include opening.
+// - CreateAndSave writes and saves that many parts of 1 KiB; compared with zlib over the same bytes.
+// - ChangeOneOf10000 changes one part of 10,000 and saves the archive; compared with copying the file (written,
+// synced, renamed, its folder synced) and reading its directory. The argument is the size of a part in bytes.
 
 #include "RawArchive.hpp"
 #include "SamplePackages.hpp"

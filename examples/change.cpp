@@ -1,4 +1,4 @@
-// Replaces the content of one part of a package and deletes another; all the rest stays as it is.
+// Replaces the content of one part of a package and deletes another. Everything else stays unchanged.
 
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
 
         package.deletePart(PartName(u"/notes/first.txt"));
         for (const Relationship& relationship : story.getRelationshipsByType(u"urn:example:note"))
-            story.deleteRelationship(relationship.getID()); // deleting a part leaves what leads to it
+            story.deleteRelationship(relationship.getID()); // deleting a part leaves those to it
         package.close(false);
         return 0;
     } catch (const PartNotFound& e) {
@@ -32,5 +32,5 @@ int main(int argc, char** argv) {
     } catch (const opc::Exception& e) {
         std::cerr << e.what() << '\n';
     }
-    return 1; // the package's destructor drops what was changed
+    return 1; // the package's destructor drops the changes
 }

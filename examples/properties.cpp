@@ -1,4 +1,4 @@
-// Sets title, creator and keywords of a document, and leaves its other properties as they are.
+// Sets title, creator and keywords of a document. Its other properties don't change.
 
 #include <opc/core/Exception.hpp>
 #include <opc/model/CoreProperties.hpp>

@@ -1,4 +1,4 @@
-// Walks a package from its root along the internal relationships, and prints what it meets.
+// Walks through a package from its root along the internal relationships, and prints what it finds.
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>

@@ -1,4 +1,4 @@
-// Signs a package with a new key, and has its signatures judged by the key's public half.
+// Signs a package with a new key, and judges its signatures by the public half of the key.
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <opc/core/Text.hpp>

@@ -8,9 +8,9 @@
 #include <vector>
 
 /// @file
-/// What every fuzz target stands on. A target is one file that defines `LLVMFuzzerTestOneInput`: it states what
-/// must hold of any bytes at all. Only the exceptions that the headers name are caught; any other ends the program,
-/// and so does a failed `require`.
+/// The base of all fuzz targets. A target is one file that defines `LLVMFuzzerTestOneInput` and states what must be
+/// true for any bytes. Only the exceptions that the headers name are caught. All others end the program, and so does
+/// a failed `require`.
 
 /// Called by libFuzzer, or by replay.cpp for each file of a corpus.
 /// @return 0
@@ -20,15 +20,15 @@ namespace opc::fuzz {
 
 using Bytes = std::vector<unsigned char>;
 
-/// Ends the program with `property` unless it holds.
+/// Ends the program with the message `property` if the condition is false.
 void require(bool holds, const char* property);
 
-/// The same, and says what stands against each other.
+/// The same. The message also has both values.
 void requireEqual(const std::u16string& left, const std::u16string& right, const char* property);
 
-/// Runs `action`, which may raise any of these classes. What else it raises ends the program, be it of a class
-/// derived from them.
-/// @return whether it raised nothing
+/// Runs `action`, which may throw any of these classes. Everything else ends the program, including classes that
+/// derive from them.
+/// @return whether it threw nothing
 template <typename... Documented, typename Action>
 bool attempt(Action&& action) {
     try {
@@ -41,11 +41,11 @@ bool attempt(Action&& action) {
     }
 }
 
-/// The text of an input: UTF-8 or, behind the bytes FF FE, code units of UTF-16 with the lower byte first, so
-/// that lone surrogates come up too.
+/// Decodes an input: UTF-8 or, after the bytes FF FE, UTF-16 with the low byte first, so that lone surrogates occur
+/// too.
 std::u16string toText(const Bytes& input);
 
-/// The pieces of an input between bytes of that value. There is always one.
+/// Splits an input at each byte of that value. The result has at least one piece.
 std::vector<Bytes> split(const std::uint8_t* data, std::size_t size, unsigned char separator);
 
 } // namespace opc::fuzz

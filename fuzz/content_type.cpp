@@ -32,7 +32,7 @@ void checkParameter(ContentType type, const std::u16string& attribute, const std
     checkSame(type, ContentType(type.toString()));
 }
 
-/// What is parsed without the grammar is what the grammar makes of it.
+/// Parsing without the grammar gives the same result as the grammar.
 void checkPlain(const std::u16string& text) {
     ParsedContentType plain;
     ParsedContentType byGrammar;

@@ -16,7 +16,7 @@ namespace {
 void read(const ContentTypeSerializer& serializer, ContentTypeMap& map, const Bytes& bytes) {
     ByteArrayInAdaptor stream(bytes);
     serializer.read(map, stream);
-    // What no part rests on isn't written.
+    // An entry that no part uses isn't written.
     const ContentTypeMap::Defaults defaults = map.getDefaults();
     for (const auto& [extension, entry] : defaults)
         map.addReference(extension);

@@ -28,7 +28,7 @@ Bytes write(CorePropertiesSerializer& serializer, const CoreProperties& properti
     return Bytes(document.begin(), document.end());
 }
 
-/// As far as a file keeps it, which has whole seconds.
+/// Values as a file keeps them, in whole seconds.
 /// @{
 const CoreProperties::Text& kept(const CoreProperties::Text& text) {
     return text;

@@ -24,7 +24,7 @@ void check(opc::interfaces::IPhysicalPackage& store, const std::uint8_t* data, s
 
 } // namespace
 
-/// The first byte says which store, and whether another one stands in front of it.
+/// The first byte selects the store, and whether a lenient one wraps it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const opc::model::XercesGuard guard; // starting Xerces takes longer than reading
     if (size == 0)

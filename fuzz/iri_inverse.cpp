@@ -29,10 +29,10 @@ void checkAscii(const IRI& iri) {
 void checkIRIs(const IRI& base, const IRI& target) {
     const IRI resolved = target.resolveAgainst(base);
     const std::u16string reached = target.makeRelativeTo(base).resolveAgainst(base).toString();
-    // Against a relative base nothing resolves for good.
+    // Resolving against a relative base isn't final.
     if ((base.hasScheme() || base.hasAuthority() || base.hasAbsolutePath()) && reached != target.toString())
         requireEqual(reached, resolved.toString(), "what leads from a base to a target resolves to it");
-    // An empty path stands for the base's own, dot segments and all (RFC 3986 section 5.2.2).
+    // An empty path means the base's own path with its dot segments (RFC 3986 section 5.2.2).
     if (base.hasScheme() && !target.getPath(bedrock::network::iri::Encoding::AsWritten).empty())
         requireEqual(resolved.resolveAgainst(base).toString(), resolved.toString(),
                      "what is resolved stays as it is");

@@ -55,7 +55,7 @@ Lines relationshipsOf(const Package& package) {
     return lines;
 }
 
-/// What is odd, but for the lines where it stands.
+/// What is odd, without line numbers.
 std::vector<std::string> odditiesOf(physical::LenientPackage& package) {
     std::vector<std::string> list;
     for (const interfaces::Oddity& odd : package.getOddities())
@@ -63,7 +63,7 @@ std::vector<std::string> odditiesOf(physical::LenientPackage& package) {
     return list;
 }
 
-/// Whether what the longer document has more stands in it together, but for the end of an empty tag that was opened.
+/// Whether the longer document has one additional piece. The end of an empty tag that was opened may differ too.
 bool isInserted(const Bytes& shorter, const Bytes& longer) {
     const auto begin = std::mismatch(shorter.begin(), shorter.end(), longer.begin(), longer.end()).first;
     const auto end =
@@ -72,7 +72,7 @@ bool isInserted(const Bytes& shorter, const Bytes& longer) {
     return end.base() - begin <= 4;
 }
 
-/// One relationship more, and then none of it: nothing else changes.
+/// Adds a relationship and removes it again. Nothing else changes.
 void checkAdding(Opened& opened, const Bytes& document) {
     const Lines before = relationshipsOf(opened.package);
     const auto oddities = odditiesOf(opened.lenient);
@@ -98,8 +98,8 @@ void checkAdding(Opened& opened, const Bytes& document) {
     opened.package.close(true);
 }
 
-/// Without the relationships that are read, what isn't stays, and its relationships come to be read at most where they
-/// had given way.
+/// After the relationships that are read are deleted, the others stay. At most those relationships are read now that
+/// an earlier one with the same ID had hidden.
 void checkDeleting(Opened& opened) {
     const auto oddities = odditiesOf(opened.lenient);
     const bool hasUnread = opened.package.hasUnreadRelationships();

@@ -39,9 +39,9 @@ bool isNamed(std::string_view name, const std::uint8_t* data, std::size_t size) 
     return std::search(data, data + size, name.begin(), name.end()) != data + size;
 }
 
-/// The pieces of the input between zero bytes: the content types stream, and then the parts, each with its name
-/// in the first line. Names with a query or a fragment are left out: parts whose names differ in these alone
-/// share one relationships part.
+/// The pieces of the input between zero bytes: the content types stream, and then the parts, each with its name in
+/// the first line. Leaves out names with a query or a fragment, because parts whose names differ only in these share
+/// one relationships part.
 void fill(physical::MemoryPackage& store, const std::vector<Bytes>& pieces) {
     store.setContentTypes(pieces.front());
     for (std::size_t i = 1; i < std::min(pieces.size(), MOST_PARTS); ++i) {
@@ -77,7 +77,7 @@ void addRelationships(const RelationshipSource& source, Lines& lines) {
     }
 }
 
-/// All that the model says of a package.
+/// Everything that the model says about a package.
 Lines contentOf(const Package& package) {
     Lines lines;
     addRelationships(package, lines);
@@ -93,7 +93,7 @@ Lines contentOf(const Package& package) {
 
 using Documents = std::map<std::u16string, Bytes>;
 
-/// The documents of the model that hold elements which it doesn't read. The content types stream has no name.
+/// The documents of the model with elements that it ignores. The content types stream has no name.
 Documents unreadDocuments(const physical::MemoryPackage& store) {
     static RelationshipSerializer serializer;
     Documents documents;
@@ -116,7 +116,7 @@ Documents unreadDocuments(const physical::MemoryPackage& store) {
     return documents;
 }
 
-/// They stay as they were, or go with their sources.
+/// They haven't changed, or were deleted with their sources.
 void checkUnread(const physical::MemoryPackage& store, const Documents& documents) {
     for (const auto& [name, bytes] : documents)
         require(name.empty() ? store.contentTypes() == bytes
@@ -124,7 +124,7 @@ void checkUnread(const physical::MemoryPackage& store, const Documents& document
                 "what wasn't read isn't written over");
 }
 
-/// What a lenient package hides, which isn't open any more.
+/// What a lenient package hides. It is closed by now.
 Documents hiddenDocuments(const physical::MemoryPackage& store, const physical::LenientPackage& lenient) {
     Documents documents;
     for (const auto& item : lenient.hiddenItems())
@@ -160,7 +160,7 @@ void change(Package& package, RelationshipSource& source) {
             [&] { source.deleteRelationship(relationships.begin()->getID()); });
 }
 
-/// Compiling the schemas takes longer than all the rest: only where there are core properties, or few parts.
+/// Compiling the schemas takes longer than everything else, so this needs core properties, or few parts.
 void changeCoreProperties(Package& package) {
     const auto relationships =
         package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
@@ -206,7 +206,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isLenient = size % 2 == 1;
     physical::LenientPackage lenient(store);
     Package package(isLenient ? static_cast<interfaces::IPhysicalPackage&>(lenient) : store);
-    std::optional<DigitalSignatureManager> signatures; // its schemas are compiled for packages that have some
+    std::optional<DigitalSignatureManager> signatures; // compiles its schemas only if needed
     if (isNamed(ORIGIN_RELATIONSHIP, data, size))
         signatures.emplace(package);
     if (!open(package, OpenMode::ReadWrite)) {
@@ -230,7 +230,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkUnread(store, unread);
     checkHidden(store, hidden);
     require(open(package, OpenMode::ReadOnly), "what was written can be opened");
-    if (isWhole) // else what gave way to a relationship may be one now
+    if (isWhole) // otherwise another one may be read now that an earlier one is gone
         compare(contentOf(package), abandoned ? found : changed);
     package.close(false);
     require(hiddenDocuments(store, lenient) == hidden, "what was hidden is hidden again, and nothing else");

@@ -21,7 +21,7 @@ std::optional<URI> parse(const std::u16string& text) {
     }
 }
 
-/// The components put together again, as RFC 3986 section 5.3 does.
+/// Joins the components again, as RFC 3986 section 5.3 does.
 std::u16string recompose(const URI& uri) {
     std::u16string text;
     if (uri.hasScheme())
@@ -55,7 +55,7 @@ void checkRelationshipName(const PartName& name) {
     const std::u16string folder = path.substr(0, path.rfind(u'/'));
     const std::u16string source = name.getSourcePartName();
     require(!source.empty(), "a relationships part has a source");
-    // Further folders may stand behind "_rels"; no source leads there.
+    // More folders can follow "_rels"; then no source leads there.
     if (folder.size() < 6 || folder.compare(folder.size() - 6, 6, u"/_rels") != 0)
         return;
     try {

@@ -5,7 +5,7 @@
 
 using namespace opc::fuzz;
 
-/// Any bytes may be any kind of document.
+/// Any bytes can be any kind of document.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static opc::test::ScannerComparison comparisons[] = {
         opc::test::ScannerComparison(opc::model::schemas::RELATIONSHIPS),

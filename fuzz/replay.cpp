@@ -7,8 +7,8 @@
 #include <iterator>
 
 /// @file
-/// Runs a fuzz target on every file of a folder, where there is no libFuzzer. The last name that is printed is
-/// that of the input in hand.
+/// Runs a fuzz target on every file of a folder, without libFuzzer. It prints the name of each input first, so the
+/// last name is the input that failed.
 
 int main(int argc, char** argv) {
     if (argc != 2) {

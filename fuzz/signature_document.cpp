@@ -37,11 +37,12 @@ bool write(DigitalSignatureSerializer& serializer, const DigitalSignatureData& d
     return written;
 }
 
-/// Checks the value by what the signature brings along, which is trusted.
+/// Checks the value by the certificate in the signature, which it trusts.
 void verify(const DigitalSignatureData& data) {
     bedrock::codesigning_verifier::FingerprintStore fingerprints;
     fingerprints.setSkippingVerification(true);
-    bedrock::certificates::TrustStore trusted; // were it empty, the certificates of the system would be taken
+    bedrock::certificates::TrustStore
+        trusted; // with an empty store, the certificates of the system would be trusted
     if (data.m_certificate && !data.m_certificate->empty())
         trusted.addCertificate(*data.m_certificate);
     try {
@@ -72,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Bytes written;
     if (!write(serializer, data, written))
         return 0;
-    // Of what was read only the package object is written: the result can refer to something that isn't there.
+    // Only the package object is written of what was read, so the result can refer to something that doesn't exist.
     DigitalSignatureData again;
     if (!read(serializer, written, again))
         return 0;

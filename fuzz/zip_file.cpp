@@ -33,7 +33,7 @@ physical::ZipOptions makeOptions(bool lenient) {
 }
 
 /// Runs `action`.
-/// @return whether it succeeded; a failure must tell the archive's fault by its code
+/// @return whether it succeeded. A failure must report a fault of the archive by its code
 template <typename Action>
 bool succeeds(Action&& action) {
     try {
@@ -48,7 +48,7 @@ bool succeeds(Action&& action) {
     }
 }
 
-/// The content; none if it is damaged.
+/// The content; nothing if it is damaged.
 std::optional<Bytes> read(interfaces::IPhysicalPart& part) {
     Bytes content;
     const bool sound = succeeds([&] {
@@ -63,7 +63,7 @@ std::optional<Bytes> read(interfaces::IPhysicalPart& part) {
     return sound ? std::optional<Bytes>(content) : std::nullopt;
 }
 
-/// By part name in lower case: case doesn't count.
+/// By part name in lower case, because letter case doesn't count.
 using Contents = std::map<std::u16string, std::optional<Bytes>>;
 
 std::u16string keyOf(const interfaces::IPhysicalPart& part) {
@@ -90,7 +90,7 @@ void write(interfaces::IPhysicalOutputStream& stream, const Bytes& content) {
     require(stream.write(content.data(), content.size()) == content.size(), "everything is written");
 }
 
-/// Whether no item is in the way of a part of that name.
+/// Whether no item prevents a part with that name.
 bool isFree(ZipPackage& package, const std::u16string& name) {
     try {
         package.createPart(name, u"", model::StandardPartInfo());
@@ -101,8 +101,8 @@ bool isFree(ZipPackage& package, const std::u16string& name) {
     }
 }
 
-/// Adds a part, gives another one new content and deletes a third.
-/// @return what the package then holds
+/// Adds a part, replaces the content of another one and deletes a third one.
+/// @return the expected content of the package
 Contents change(ZipPackage& package, Contents contents) {
     const Bytes content = {'n', 'e', 'w'};
     const std::u16string name = u"/fuzzed.xml";
@@ -123,7 +123,7 @@ Contents change(ZipPackage& package, Contents contents) {
 }
 
 /// Opens, changes and saves an archive, and opens it again.
-/// @return what it held; nothing if it is refused
+/// @return its content; nothing if it is refused
 std::optional<Contents> live(const Bytes& archive, bool lenient) {
     ZipPackage package(archive, makeOptions(lenient));
     if (!succeeds([&] { package.open(OpenMode::ReadWrite); }))
@@ -133,7 +133,7 @@ std::optional<Contents> live(const Bytes& archive, bool lenient) {
     const std::vector<std::string> ignored = ignoredNames(package);
     require(lenient || package.getOddities().empty(), "nothing odd is taken unless it is asked for");
     const Contents changed = change(package, found);
-    // An item that is damaged can be kept from being copied.
+    // A damaged item can prevent its copy.
     if (!succeeds([&] { package.close(false); }))
         return found;
 

@@ -4,7 +4,7 @@
 
 namespace opc::test {
 
-/// A core properties document with these elements, and with further attributes of the root.
+/// A core properties document with these elements, and more attributes of the root.
 inline std::string corePropertiesDocument(const std::string& elements, const std::string& attributes = {}) {
     return R"(<?xml version="1.0" encoding="UTF-8"?>)"
            R"(<cp:coreProperties xmlns:dc="http://purl.org/dc/elements/1.1/")"

@@ -14,7 +14,7 @@ using namespace opc::test;
 const std::string DOCUMENT = corePropertiesDocument(readCase("core-properties/plain-elements.txt"),
                                                     "xmlns:dcmitype='http://purl.org/dc/dcmitype/'");
 
-/// The same with core properties' own names in the default namespace.
+/// The same, with the core properties' own names in the default namespace.
 std::string withoutPrefix(const std::string& document) {
     return replacedAll(replaced(document, "xmlns:cp", "xmlns"), "cp:", "");
 }

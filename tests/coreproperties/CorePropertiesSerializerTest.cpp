@@ -46,7 +46,7 @@ protected:
     CorePropertiesSerializer serializer;
 };
 
-/// All fields, each with a value of its own.
+/// All fields, with different values.
 CoreProperties everyField() {
     CoreProperties properties;
     properties.setVersion(u"v");

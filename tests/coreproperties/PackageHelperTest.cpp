@@ -12,7 +12,7 @@ const char16_t* const CORE = u"/docProps/core.xml";
 
 class CorePropertiesOfPackage : public PackageTest {
 protected:
-    /// A package whose core properties have this content.
+    /// A package with core properties of this content.
     void makeStore(const std::string& content, const std::string& target = "docProps/core.xml") {
         fill(store, {u"/docProps/core.xml", u"/other.xml"});
         store.setPart(CORE, toBytes(content));

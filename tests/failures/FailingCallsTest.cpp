@@ -13,7 +13,7 @@
 #include <stdexcept>
 
 /// @file
-/// Each call into the physical layer fails once, in turn, over the whole life of a package.
+/// Lets each call into the store fail once, in the whole life of a package.
 
 namespace {
 
@@ -23,7 +23,7 @@ using opc::test::Workload;
 
 using Steps = std::vector<Workload::Step>;
 
-/// A failure that a physical layer may raise, and how it comes out where nothing translates it.
+/// A failure of a store, and what it looks like if nothing translates it.
 struct Failure {
     const char* name;
     void (*raise)();
@@ -40,8 +40,8 @@ const Failure FAILURES[] = {
     {"noMemory", [] { throw std::bad_alloc(); }, "std::bad_alloc: std::bad_alloc"},
 };
 
-/// What comes of an `opc::Exception` by step and call: the first row whose words begin both. Where no row does,
-/// it passes.
+/// How an `opc::Exception` comes out, by step and call: the first row with words that both begin with. If there is no
+/// such row, the exception passes unchanged.
 struct Translation {
     const char* step;
     const char* call;
@@ -78,7 +78,7 @@ std::string expectedOutcome(const Failure& failure, const std::string& step, con
     return passing;
 }
 
-/// All that can be read in a closed package.
+/// Everything that can be read in a closed package.
 std::string readBack(Package& package, DigitalSignatureManager& signatures) {
     package.open(opc::interfaces::OpenMode::ReadOnly);
     std::string text = opc::test::describeWithContent(package);
@@ -102,7 +102,7 @@ public:
         };
     }
 
-    /// Goes on, until a step fails or all are done.
+    /// Continues until a step fails or all are done.
     void run() {
         outcome.clear();
         for (; step != Workload::steps().end(); ++step) {
@@ -164,7 +164,7 @@ TEST_P(FailingCalls, leaveDocumentedStatesAndTheStoreUntouched) {
         life.run();
         SCOPED_TRACE("call " + std::to_string(number) + ", " + life.failedCall);
         if (!life.hasFailed()) {
-            // What fails in taking a stream back to its start behind a reader is the next reader's business.
+            // A failure in rewinding a stream after a reader only concerns the next reader.
             EXPECT_TRUE(beginsWith(life.failedCall, "closeInput ") ||
                         beginsWith(life.failedCall, "openStream "));
             EXPECT_EQ(opc::test::contentOf(life.store), expected);

@@ -17,8 +17,8 @@
 #include <optional>
 
 /// @file
-/// Every public operation of every handle, after each event that makes handles stale. The streams of a part
-/// have no place here: they aren't to be used once their part has gone.
+/// Calls every public operation of every handle after each event that makes handles stale. The streams of a part
+/// aren't tested: nobody may use them after the part is deleted.
 
 namespace {
 
@@ -31,7 +31,7 @@ using bedrock::codesigning_verifier::FingerprintStore;
 using opc::interfaces::OpenMode;
 using opc::test::Bytes;
 
-/// What signs and verifies, made once.
+/// Keys and certificates, made only once.
 struct Signer {
     Signer() {
         trusted.addCertificate(identity.certificate);
@@ -118,7 +118,7 @@ const std::array<Event, 6> EVENTS{{
     {"package closed", [](Handles& h) { h.package->close(false); }},
     {"package destroyed",
      [](Handles& h) {
-         h.physical.failAt("close", "stuck"); // which is nobody's business then
+         h.physical.failAt("close", "stuck"); // nobody gets this failure
          h.manager.reset();
          h.package.reset();
      }},
@@ -148,7 +148,7 @@ const char* const NO_SIGNATURE =
 const char* const NO_COUNTERSIGNATURE =
     "opc::model::SignatureNotFound: No countersignatures found in package.";
 const char* const UNREADABLE = "opc::model::InvalidSignature: Signature is invalid: 104";
-const char* const NEVER = nullptr; ///< packages and managers aren't there to be asked
+const char* const NEVER = nullptr; ///< packages and managers are destroyed: there is nobody to ask
 
 struct Operation {
     const char* name;

@@ -31,7 +31,7 @@ void require(bool holds, const char* what) {
         throw std::logic_error(what);
 }
 
-/// The content from its start: a reading that failed has left the stream somewhere.
+/// The content from its start: a failed read has left the stream at any position.
 std::string readFromStart(const Part& part) {
     InputStream& stream = part.getInputStream();
     stream.close();
@@ -56,7 +56,7 @@ std::string describeParts(const Package& package, const Add& add) {
     return text;
 }
 
-/// A title that is written and read by Xerces.
+/// A title that Xerces must read and write.
 constexpr char16_t LEFT_TO_XERCES[] = u"\U0001F600";
 
 void setTitle(Package& package, const char16_t* title) {

@@ -10,14 +10,14 @@
 
 namespace opc::test {
 
-/// What an application does with a package from `open` to `close`, step by step: it reads, creates, relates,
-/// sets properties, signs, verifies, countersigns, removes and saves. Undisturbed it leaves no signature, so
-/// that the same bytes come of it each time.
+/// What an application does with a package from `open` to `close`, step by step: it reads, creates, relates, sets
+/// properties, signs, verifies, countersigns, removes and saves. Without failures it leaves no signature, so that the
+/// result has the same bytes each time.
 class Workload {
 public:
     struct Step {
         const char* name;
-        bool repeatable; ///< a failure in it changes nothing that can be seen, and it may be tried again
+        bool repeatable; ///< a failure in it changes nothing visible, and it can be repeated
         void (*run)(Workload&);
     };
 
@@ -25,7 +25,7 @@ public:
 
     static const std::vector<Step>& steps();
 
-    /// A package in the store that has something for every step.
+    /// Makes a package in the store that has something for every step.
     static void fill(physical::MemoryPackage& store);
 
     model::Package package;
@@ -35,7 +35,7 @@ private:
     std::optional<model::DigitalSignature> signature;
 };
 
-/// Names, content types and relationships of an open package, as its handles tell them.
+/// Names, content types and relationships of an open package, from its handles.
 std::string describe(const model::Package& package);
 
 /// The same with the content of each part.

@@ -1,11 +1,11 @@
-// Lets each memory allocation of a package's life fail once, in a process of its own, and looks at what is left.
+// Lets each memory allocation in the life of a package fail once, in a separate process, and checks the result.
 //
 //   failing_allocations [STRIDE]     every STRIDE-th allocation of each step; default: 1, all of them
 //
-// An allocation may end its step with an exception, or do no harm. The package must then be in a documented
-// state, give back all memory, and either save what it would have saved, or leave the store as it was. What
-// happens inside Xerces after one of its own allocations failed is listed by function: there a process may end
-// if ENDS_THE_PROCESS names the function, and memory may be lost.
+// An allocation may end its step with an exception, or do no harm. The package must then be in a documented state,
+// free all memory, and either save what it would have saved, or leave the store unchanged. Failures of Xerces after
+// one of its own allocations failed are listed by function: if ENDS_THE_PROCESS names the function, the process may
+// end there, and memory may be lost.
 
 #include "Workload.hpp"
 
@@ -33,8 +33,8 @@
 
 namespace {
 
-/// Functions of Xerces 3.2.4 that end the process when they, or what they call, get no memory: the first frees
-/// what it never made, the second raises inside a destructor.
+/// Functions of Xerces 3.2.4 that end the process when they, or the functions that they call, get no memory: the
+/// first one frees what it never allocated, the second one throws inside a destructor.
 const char* const ENDS_THE_PROCESS[] = {
     "DFAContentModel::buildDFA",
     "ContentSpecNode::deleteChildNode",
@@ -49,8 +49,8 @@ struct Report {
         void* frames[100];
     };
 
-    Stack failure; ///< where the allocation failed; empty if the step has fewer
-    Stack end;     ///< where the process ended before it was done
+    Stack failure; ///< where the allocation failed; empty if the step has fewer allocations
+    Stack end;     ///< where the process ended early
     bool done;
     char outcome[200];
     char fault[400];
@@ -59,7 +59,7 @@ struct Report {
 
 Report& report = *static_cast<Report*>(
     mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-long countdown = 0; // the allocation at which it gets to 0 fails
+long countdown = 0; // the allocation that makes it 0 fails
 long blocks = 0;
 
 void* allocate(std::size_t size) {
@@ -141,7 +141,7 @@ void require(bool holds, const char* fault) {
         put(report.fault, fault);
 }
 
-/// What an undisturbed life comes to.
+/// The result of a life without failures.
 std::string savedInTheEnd() {
     Life life;
     for (const Workload::Step& step : Workload::steps())
@@ -166,7 +166,7 @@ void abandon(Life& life, const std::string& saved) {
     require(opc::test::describeWithContent(fresh) == content, "another package is read the second time");
 }
 
-/// An allocation of a step fails, and then none does.
+/// One allocation of a step fails; all later ones succeed.
 void tryAllocation(Life& life, std::size_t index, long number, const std::string& saved,
                    const std::string& expected) {
     const Workload::Step& step = Workload::steps()[index];
@@ -203,7 +203,7 @@ std::string nameOf(void* address) {
     return text.str();
 }
 
-/// The functions of Xerces on a stack, innermost first, without those that only pass memory on.
+/// The functions of Xerces on a stack, innermost first, without those that only pass memory through.
 std::vector<std::string> functionsOfXerces(const Report::Stack& stack) {
     std::vector<std::string> functions;
     for (int i = 0; i < stack.depth; ++i) {
@@ -215,7 +215,7 @@ std::vector<std::string> functionsOfXerces(const Report::Stack& stack) {
     return functions;
 }
 
-/// The function of the list by which Xerces ended the process; empty if none did.
+/// The listed function through which Xerces ended the process; empty if it wasn't one of them.
 std::string findEnd() {
     for (const Report::Stack* stack : {&report.end, &report.failure})
         for (const std::string& function : functionsOfXerces(*stack))
@@ -230,14 +230,14 @@ void printStack(const Report::Stack& stack) {
         std::cout << "      " << nameOf(stack.frames[i]) << '\n';
 }
 
-/// Keeps the place where a process ends.
+/// Records where a process ends.
 void reportEnd(int signal) {
     report.end.take();
     _exit(signal);
 }
 
 void watchForTheEnd() {
-    static char memory[1 << 16]; // an overflown stack has no room for the handler
+    static char memory[1 << 16]; // a stack that overflowed has no room for the handler
     stack_t stack{};
     stack.ss_sp = memory;
     stack.ss_size = sizeof memory;
@@ -249,10 +249,10 @@ void watchForTheEnd() {
         sigaction(signal, &action, nullptr);
 }
 
-/// Counts what came of all allocations.
+/// Counts the results of all allocations.
 class Tally {
 public:
-    /// @param status  of the process
+    /// @param status  the status of the process
     void add(const char* step, long number, int status, long lostWithoutFailure) {
         ++total;
         std::string fault = report.fault;
@@ -310,9 +310,9 @@ private:
 
 int main(int count, char** arguments) {
     xercesc::XMLPlatformUtils::
-        Initialize(); // so that no parser is kept for later documents: they would be counted
+        Initialize(); // so that no parser is kept for later documents: it would be counted
     const long stride = count > 1 ? std::max(1L, std::atol(arguments[1])) : 1;
-    const std::string expected = savedInTheEnd(); // which also makes all that is made once
+    const std::string expected = savedInTheEnd(); // also makes everything that is made only once
     report.end.take();                            // and this too
     Tally tally;
     auto life = std::make_unique<Life>();

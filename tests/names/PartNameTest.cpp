@@ -58,7 +58,7 @@ TEST(PartName, relationshipPartNames) {
     });
 }
 
-/// Every name of up to six pieces gets the answer that the expression gives.
+/// Every name of up to six pieces gets the same answer as from the expression.
 TEST(PartName, relationshipNamesAreThoseOfTheExpression) {
     const std::u16string pieces[] = {u"/_rels", u"/_rels/x", u".rels", u"/a", u"b", u"/.rels"};
     const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");

@@ -63,7 +63,7 @@ TEST(URI, comparesTheWholeTextWithoutCase) {
         EXPECT_EQ(rightText < left, isGreater);
     };
     forEachCase("uris/compared.txt", check);
-    // The string may be something that is no URI.
+    // The string need not be a URI.
     EXPECT_TRUE(URI(u"/a") != u"/é%" && u"[" < URI(u"a"));
 }
 

@@ -39,7 +39,7 @@ TEST(ContentTypeSerializer, writesWhatXercesWrites) {
     map.addOverride(PartName(u"/a&b'c.xml"), ContentType(u"text/plain;charset=utf-8"));
     map.addOverride(PartName(u"/A/%C3%A9.xml"), ContentType(u"x/y;a=\"1 2\";b=3"));
     expectSame(true);
-    for (int i = 0; i < 2000; ++i) // more than is handed on at once
+    for (int i = 0; i < 2000; ++i) // more than one block
         map.addOverride(PartName(opc::toString("/part" + std::to_string(i), true)), ContentType(u"a/b"));
     expectSame(true);
 }

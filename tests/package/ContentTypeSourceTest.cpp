@@ -24,8 +24,7 @@ protected:
         package.createPart(PartName(name), ContentType(type), StandardPartInfo());
     }
 
-    /// Closes the package and gives the entries that the stream holds then, without the white space of pretty
-    /// printing.
+    /// Closes the package and returns the entries of the stream, without the white space of pretty printing.
     std::string written() {
         package.close(false);
         const std::string text = toText(store.contentTypes());

@@ -46,7 +46,7 @@ TEST_F(DataManagers, loadOnceAndSaveWhenDirty) {
     };
     for (const auto& [mode, loadOnOpen, loadsAfterOpen, loadsAfterLoad, savesAfterClose] : cases) {
         CountingManager manager(package, loadOnOpen);
-        for (int round = 1; round <= 2; ++round) { // the flags are set anew by each open
+        for (int round = 1; round <= 2; ++round) { // each open sets the flags again
             manager.loads = manager.saves = 0;
             package.open(mode);
             EXPECT_EQ(manager.loads, loadsAfterOpen);

@@ -126,7 +126,7 @@ TEST_F(PackageParts, namesThatWereReadCountWheneverTheyAreAskedFor) {
     };
     EXPECT_FALSE(isTaken(u"/a")) << "a package that isn't open has no parts";
     package.open(OpenMode::ReadWrite);
-    package.deletePart(PartName(u"/A/b.xml")); // before the first question
+    package.deletePart(PartName(u"/A/b.xml")); // before the first query
     EXPECT_TRUE(isTaken(u"/a"));
     EXPECT_FALSE(isTaken(u"/a/b.xml/x"));
     package.deletePart(PartName(u"/a/c.xml"));
@@ -234,7 +234,7 @@ TEST_F(PackageParts, aStoreThatBreaksItsPromisesIsFoundOut) {
 }
 
 TEST_F(PackageParts, aPartWhoseContentTypeIsMissingGoesWithoutHarm) {
-    // A store that spells a name in another way than the one it was created with.
+    // A store that spells a name in another way than it was created.
     class Respelling : public ScriptedPackage {
     public:
         using ScriptedPackage::ScriptedPackage;
@@ -322,7 +322,7 @@ TEST_F(PackageParts, theOrderInTheStoreDoesNotCount) {
 }
 
 TEST_F(PackageParts, whatTheStoreListsTwiceIsOnePart) {
-    // A store that isn't a MemoryPackage may list two parts whose names differ in letter case: the last one
+    // A store other than MemoryPackage may list two parts whose names differ only in letter case: the last one
     // counts.
     store.setPart(u"/a.xml", toBytes("first"));
     MemoryPackage other;

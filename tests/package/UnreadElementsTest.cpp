@@ -1,7 +1,7 @@
 #include "support/PackageTest.hpp"
 
 /// @file
-/// Documents with elements that the model doesn't find, and what may be changed all the same.
+/// Documents with elements that the model ignores, and the changes that are still possible.
 
 namespace {
 
@@ -20,7 +20,7 @@ const std::string TYPES = "opc::model::InvalidContentTypeStream: In content type
 const std::string OF_PACKAGE = "opc::model::InvalidRelationshipContent: In /_rels/.rels: " + LOSS + "1";
 const std::string OF_PART = "opc::model::InvalidRelationshipContent: In /_rels/a.xml.rels: " + LOSS + "2";
 
-/// A content types stream; on demand with an entry that isn't read.
+/// A content types stream, with an ignored entry on demand.
 Bytes makeTypes(bool isUnread) {
     const std::string entry = "<p:Override PartName='/c.xml' ContentType='a/b' xmlns:p="
                               "'http://schemas.openxmlformats.org/package/2006/content-types'/>";
@@ -29,8 +29,8 @@ Bytes makeTypes(bool isUnread) {
 
 using Content = std::map<std::u16string, Bytes>;
 
-/// A package of parts, one of which has relationships that are read; those of another and of the package aren't
-/// all.
+/// A package of parts. One part has relationships that are all read; some of another part and of the package are
+/// ignored.
 Content makeContent(bool hasUnreadTypes) {
     return {
         {u"types", makeTypes(hasUnreadTypes)},
@@ -62,9 +62,9 @@ Part partOf(Package& package, const char16_t* name) {
 TEST(UnreadElements, areNeverWrittenOver) {
     struct Case {
         void (*action)(Package&);
-        std::string outcome;           ///< where the content types are all read
-        std::string withUnreadTypes;   ///< where they aren't
-        std::set<std::u16string> gone; ///< what is changed or deleted if nothing refuses
+        std::string outcome;           ///< if all content types are read
+        std::string withUnreadTypes;   ///< if one is ignored
+        std::set<std::u16string> gone; ///< what is changed or deleted if nothing refuses it
     };
     const Case cases[] = {
         {[](Package& p) { p.createPart(PartName(u"/n.xml"), ContentType(u"a/b"), StandardPartInfo()); },

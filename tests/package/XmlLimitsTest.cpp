@@ -3,7 +3,7 @@
 #include <functional>
 
 /// @file
-/// What a package may take of XML: at its limits it opens and is saved, and one below them it is refused.
+/// The limits on the XML of a package: at its limits a package is opened and saved; one below, it is refused.
 
 namespace {
 
@@ -29,7 +29,7 @@ Documents makeDocuments(bool isPlain) {
                     "<cp:keywords>x<cp:value>y</cp:value></cp:keywords></cp:coreProperties>")};
 }
 
-/// Opens the package, reads its core properties, changes all and saves it.
+/// Opens the package, reads its core properties, changes everything and saves it.
 void use(const Documents& documents, const XmlLimits& limits, bool saves) {
     MemoryPackage store;
     store.setContentTypes(documents.types);
@@ -104,7 +104,7 @@ TEST(LimitsOfXml, arePassedByNoDocument) {
     }
 }
 
-// What is given up makes room, and what has no room isn't written.
+// Deleted documents free their share, and documents without room aren't written.
 TEST(LimitsOfXml, countWhatIsWritten) {
     XmlLimits limits;
     limits.relationships.elements = 4;
@@ -148,7 +148,7 @@ TEST(LimitsOfXml, countWhatIsWritten) {
     larger.close(false);
 }
 
-// A tag of 4 MiB holds three values of a quarter of that, as they are written.
+// A tag of 4 MiB can hold three values of a quarter of that, in written form.
 TEST(LimitsOfXml, areHeldByWhatIsCreated) {
     struct Case {
         const char* refusal;
@@ -170,7 +170,7 @@ TEST(LimitsOfXml, areHeldByWhatIsCreated) {
         {"InvalidRelationshipTarget: External relationship target is not a valid xsd::anyURI. See "
          "http://www.w3.org/TR/leiri/.",
          [](Package& package, const std::u16string& text) {
-             package.createExternalRelationship(u"t", text.substr(12) + u"&&"); // which are escaped
+             package.createExternalRelationship(u"t", text.substr(12) + u"&&"); // escapes count
          }},
         {"InvalidRelationshipType: Relationship type is not a valid xsd::anyURI",
          [](Package& package, const std::u16string& text) {
@@ -197,7 +197,7 @@ TEST(LimitsOfXml, areHeldByWhatIsCreated) {
     EXPECT_EQ(package.getParts().size(), 2U);
 }
 
-/// A document in UTF-16, which takes less than in UTF-8, with one relationship whose target is this long.
+/// A document in UTF-16, which is shorter than in UTF-8, with one relationship whose target has this length.
 Bytes relationshipsInUTF16(std::size_t length) {
     Bytes bytes{0xFF, 0xFE};
     std::u16string text =
@@ -209,10 +209,10 @@ Bytes relationshipsInUTF16(std::size_t length) {
     return bytes;
 }
 
-// What couldn't be read again takes no place of what can.
+// Relationships that couldn't be read again don't replace those that can.
 TEST(LimitsOfXml, stopWritingWhatGrowsBeyondThem) {
     const auto relateAlike = [](Package& package) {
-        for (unsigned i = 0; i < 1001; ++i) { // IDs that fall together
+        for (unsigned i = 0; i < 1001; ++i) { // colliding IDs
             std::u16string id;
             for (unsigned bit = 0; bit < 10; ++bit)
                 id += (i >> bit & 1) != 0 ? u"Az" : u"BT";

@@ -11,8 +11,8 @@ namespace {
 using namespace opc::physical::lenient;
 using opc::test::inAllEncodings;
 
-/// Removes the elements of a root that have the attribute `go`, gives those with `set` a new value for it, and adds
-/// as many as the root's attribute `add` says.
+/// Removes the elements of a root that have the attribute `go`, sets a new value for those with `set`, and adds as
+/// many as the root's attribute `add` says.
 Bytes edit(const Bytes& bytes) {
     const Document document(bytes);
     const Markup& markup = document.markup();

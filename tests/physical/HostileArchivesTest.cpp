@@ -10,7 +10,7 @@ namespace {
 
 using namespace opc::test;
 
-/// @return how many oddities there are
+/// @return the number of oddities
 std::size_t readAll(const std::filesystem::path& path, bool lenient) {
     opc::physical::ZipOptions options;
     options.lenient = lenient;
@@ -52,9 +52,9 @@ TEST(HostileArchives, areRefusedSoonAndWithoutSpendingMemory) {
     const auto check = [&](const std::string& message, const std::string& kind, const std::string& archive) {
         const auto path = folder / (archive + ".zip");
         const int code = codes.at(kind);
-        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+        std::ofstream("/proc/self/clear_refs") << "5"; // resets the peak
         const long memoryBefore = memory("VmRSS:");
-        const std::clock_t start = std::clock(); // of the processor, which other processes don't lengthen
+        const std::clock_t start = std::clock(); // CPU time, which other processes don't affect
         EXPECT_FAILS(code, path.string() + ": " + message, readAll(path, false));
         const std::string& otherwise = leniently.emplace(archive, message).first->second;
         if (otherwise.empty()) {

@@ -21,7 +21,7 @@ const std::string ROOT = "<Types xmlns='" + NAMESPACE + "'>";
 const std::string XML = "<Default Extension='xml' ContentType='t/xml'/>";
 const std::string RELS = "application/vnd.openxmlformats-package.relationships+xml";
 
-/// A store with the parts /a.xml and /b.png, seen by the model through a lenient package.
+/// A store with the parts /a.xml and /b.png, which the model sees through a lenient package.
 class LenientContentTypes {
 public:
     explicit LenientContentTypes(const Bytes& types, const std::vector<std::u16string>& more = {})
@@ -44,14 +44,14 @@ public:
         package.getPart(PartName(opc::toString(name, true))).createExternalRelationship(u"t:t", u"x");
     }
 
-    /// Has everything written, and the package stays open since it can't be closed.
+    /// Writes everything. The package stays open, because it can't be closed.
     void writeAndGoOn() {
         scripted.failAt("close", "busy");
         EXPECT_THROW(package.close(false), opc::model::PackageCloseFailed);
         scripted.forgetScript();
     }
 
-    /// What the model sees: each part with its content type; and behind it the rules that are broken, with their lines.
+    /// What the model sees: each part with its content type, and then the broken rules with their lines.
     std::string look() const {
         std::string found;
         for (const opc::model::Part& part : package.getParts())
@@ -59,7 +59,7 @@ public:
                 opc::toUDEString(part.getName().toString() + u"=" + part.getContentType().toString()) + " ";
         return found;
     }
-    /// Those of the stream itself: what is hidden has no line.
+    /// The rules that the stream itself breaks: hidden items have no line.
     std::string oddities() {
         std::string found;
         for (const auto& oddity : lenient.getOddities())
@@ -184,7 +184,7 @@ TEST(LenientContentTypes, areLeftToTheModelWhereTheyCanNotBeRead) {
             << document;
         EXPECT_TRUE(types.lenient.getOddities().empty());
     }
-    // The model is given another document where relationships parts aren't covered.
+    // The model gets another document if relationships parts aren't covered.
     LenientContentTypes types("<?xml wrong='' version='1.0'?>" + ROOT + XML + "</Types>",
                               {u"/_rels/a.xml.rels"});
     EXPECT_THROW(types.package.open(OpenMode::ReadOnly), opc::model::InvalidContentTypeStream);

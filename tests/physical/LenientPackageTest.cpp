@@ -24,7 +24,7 @@ const std::string TYPES =
 const std::string NO_RELATIONSHIPS =
     "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'/>";
 
-/// An archive of a sound part and of items with these names.
+/// An archive with a valid part and with items of these names.
 Bytes archive(const std::vector<std::string>& names) {
     std::vector<RawItem> items = {stored("[Content_Types].xml", TYPES), stored("a.xml", "<a/>")};
     for (const std::string& name : names)
@@ -103,7 +103,7 @@ TEST(LenientPackage, replacesNothingThatItHides) {
     EXPECT_EQ(store.bytes(), before);
 }
 
-/// What the model says of a source, behind a lenient package: each relationship as "ID target".
+/// The relationships of a source that the model sees through a lenient package, each as "ID target".
 std::vector<std::string> relationshipsOf(const opc::model::RelationshipSource& source) {
     std::vector<std::string> list;
     for (const auto& relationship : source.getRelationships())

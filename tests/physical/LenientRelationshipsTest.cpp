@@ -23,7 +23,7 @@ const std::string END = "</Relationships>";
 const std::string GOOD = "<Relationship Id='a' Type='urn:t' Target='a.xml'/>";
 constexpr char16_t ROOT_PART[] = u"/_rels/.rels";
 
-/// A package of one part, in memory, behind a lenient one.
+/// A package with one part, in memory, in a lenient one.
 class Leniently {
 public:
     explicit Leniently(const Bytes& relationships, const std::u16string& name = ROOT_PART) {
@@ -35,7 +35,7 @@ public:
     void open(OpenMode mode = OpenMode::ReadWrite) { package.open(mode); }
     std::string document() const { return toText(store.partBytes(ROOT_PART)); }
 
-    /// Of the package, each as "ID type target".
+    /// The relationships of the package, each as "ID type target".
     std::string relationships() const {
         std::u16string list;
         for (const auto& each : package.getRelationships())
@@ -58,13 +58,13 @@ public:
     Package package{lenient};
 };
 
-/// What is odd with one relationship of the package.
+/// What is odd in one relationship of the package.
 std::string oddity(const std::string& rule, const std::string& idAndLine, const std::string& what) {
     return rule + " /_rels/.rels" + idAndLine + " " + what + ";";
 }
 
-/// That a document is read so, and that whatever is changed, all else in it stays.
-/// @param changed  the document with one relationship more
+/// Checks that a document is read so, and that every change keeps everything else in it.
+/// @param changed  the document with one more relationship
 void check(const Bytes& document, const Bytes& changed, const std::string& relationships,
            const std::string& oddities) {
     Leniently opened(document);
@@ -172,7 +172,7 @@ TEST(LenientRelationships, ofOneIDCountOnce) {
     EXPECT_EQ(opened.document(), ROOT + second + END);
 }
 
-/// Other programs take the first one as well: one that is made anew must stand in front of those left out.
+/// Other programs, too, use the first one: a new one must come before those that were left out.
 TEST(LenientRelationships, toCorePropertiesCountIfTheyAreFirst) {
     const auto core = [](const std::string& id) {
         return "<Relationship Id='" + id + "' Type='" + CORE + "' Target='" + id + ".xml'/>";
@@ -205,7 +205,7 @@ TEST(LenientRelationships, beyondBoundsAreTheModelsOwn) {
     EXPECT_EQ(sound.relationships(), "a urn:t a.xml;b urn:t u:v ext;");
 }
 
-/// A change that comes to nothing, and one that fails halfway and is made again.
+/// A change that changes nothing, and a change that fails halfway and is repeated.
 TEST(LenientRelationships, areWrittenOnceAndWhole) {
     const std::string document =
         ROOT + "<!-- kept -->" + GOOD + "<Relationship Id='c' Type='urn:t' Target='c.xml'/>" + END;

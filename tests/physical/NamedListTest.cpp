@@ -16,7 +16,7 @@ struct Named {
     int value;
 };
 
-/// The names differ in letters and in length, at their ends and within; a few are there in two spellings.
+/// The names differ in letters and in length, at their ends and inside. Some occur in two spellings.
 std::string randomName(std::mt19937& random) {
     const auto number = static_cast<unsigned>(random() % 400);
     std::string name = (number % 2 == 0 ? "Folder/part" : "folder/PART") + std::to_string(number / 2);
@@ -39,7 +39,7 @@ TEST(NamedList, doesWhatAPlainListDoes) {
             return lowerCase(item.name) == key;
         });
     };
-    // It grows at first, then shrinks to little, and grows again.
+    // The list grows at first, then becomes small, and grows again.
     for (int step = 0; step < 6000; ++step) {
         const std::string name = randomName(random);
         const auto known = place(name);

@@ -7,7 +7,7 @@
 #include <memory>
 
 /// @file
-/// What every physical layer does alike.
+/// What all stores have in common.
 
 namespace {
 
@@ -33,7 +33,7 @@ protected:
         package->close(false);
     }
 
-    /// Content types and parts as the next one to open them finds them.
+    /// Content types and parts as the next `open` finds them.
     std::string stored() {
         package->open(OpenMode::ReadOnly);
         std::string text = rest(*package->getContentTypeInputStream());

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-/// What the tests of both physical layers share.
+/// What the tests of both stores share.
 namespace opc::test {
 
 using interfaces::CompressionType;
@@ -38,7 +38,7 @@ struct PartInfo : interfaces::IPhysicalPartInfo {
     CompressionType compression;
 };
 
-/// For tests with a file in a folder of its own.
+/// For tests with a file in their own folder.
 class FileTest : public testing::Test {
 protected:
     const TemporaryFolder folder;
@@ -49,7 +49,7 @@ inline void put(interfaces::IPhysicalOutputStream& stream, const std::string& te
     ASSERT_EQ(stream.write(reinterpret_cast<const unsigned char*>(text.data()), text.size()), text.size());
 }
 
-/// Reads what is left in pieces of one size; keeps what was read if that fails.
+/// Reads the rest in pieces of one size. If that fails, keeps what was read.
 inline void readInPieces(interfaces::IPhysicalInputStream& stream, std::size_t pieceSize, std::string& text) {
     std::vector<unsigned char> piece(pieceSize);
     while (!stream.isDone()) {
@@ -58,14 +58,14 @@ inline void readInPieces(interfaces::IPhysicalInputStream& stream, std::size_t p
     }
 }
 
-/// All that is left.
+/// The rest of the content.
 inline std::string rest(interfaces::IPhysicalInputStream& stream) {
     std::string text;
     readInPieces(stream, 1021, text);
     return text;
 }
 
-/// Bytes that don't compress, the same each time.
+/// Bytes that don't compress, always the same.
 inline std::string noise(std::size_t size) {
     std::mt19937 random(7);
     std::string text(size, '\0');
@@ -73,7 +73,7 @@ inline std::string noise(std::size_t size) {
     return text;
 }
 
-/// The content, which has the size that the part tells, if it does.
+/// The content. Checks its size if the part knows it.
 inline std::string content(interfaces::IPhysicalPart& part) {
     std::string text = rest(*part.getInputStream());
     if (const auto* sized = dynamic_cast<const interfaces::IPhysicalPartSize*>(&part)) {
@@ -95,7 +95,7 @@ inline void putContentTypes(interfaces::IPhysicalPackage& package, const std::st
     stream->close();
 }
 
-/// The names in the order of `getParts`, each with a blank behind it.
+/// The names in the order of `getParts`, each followed by a blank.
 inline std::u16string names(interfaces::IPhysicalPackage& package) {
     std::u16string text;
     for (interfaces::IPhysicalPart* part : package.getParts())
@@ -111,7 +111,7 @@ inline interfaces::IPhysicalPart* find(interfaces::IPhysicalPackage& package, co
     return nullptr;
 }
 
-/// Whether `action` raises `opc::Exception` with that value of the generic category and a message that holds
+/// Whether `action` throws `opc::Exception` with that value of the generic category and a message that contains
 /// `words`.
 template <typename Action>
 testing::AssertionResult fails(int code, const std::string& words, Action&& action) {
@@ -127,7 +127,7 @@ testing::AssertionResult fails(int code, const std::string& words, Action&& acti
     return testing::AssertionFailure() << "raised nothing; expected: " << words;
 }
 
-/// Whether the programs that others unpack archives with find nothing to complain of.
+/// Whether other unpacking programs accept the archive.
 inline testing::AssertionResult othersAccept(const std::filesystem::path& path) {
     const std::string commands[] = {
         "unzip -tqq '" + path.string() + "'",
@@ -143,6 +143,6 @@ inline testing::AssertionResult othersAccept(const std::filesystem::path& path) 
 
 } // namespace opc::test
 
-/// Expects that the expression raises `opc::Exception` with that code and a message that holds `words`.
+/// Expects that the expression throws `opc::Exception` with that code and a message that contains `words`.
 #define EXPECT_FAILS(code, words, ...)                                                                       \
     EXPECT_TRUE(::opc::test::fails(code, words, [&] { static_cast<void>(__VA_ARGS__); }))

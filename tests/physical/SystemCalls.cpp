@@ -6,7 +6,7 @@
 
 std::function<int(const std::string&, int)> opc::test::SystemCalls::before;
 
-// The test program is linked so that these stand before the system's own (see CMakeLists.txt).
+// The test program is linked so that these replace the system's own functions (see CMakeLists.txt).
 #define WRAP(result, call, file, parameters, arguments)                                                      \
     extern "C" result __real_##call parameters;                                                              \
     extern "C" result __wrap_##call parameters {                                                             \

@@ -5,10 +5,9 @@
 
 namespace opc::test {
 
-/// Calls of the system: pread, and those that saving makes: fchmod, fchown, flock, fsetxattr, fsync, pwrite, renameat.
+/// System calls: pread, and those that saving makes: fchmod, fchown, flock, fsetxattr, fsync, pwrite, renameat.
 struct SystemCalls {
-    /// Runs in front of each, with its name and its descriptor. The call fails with what this gives, unless
-    /// that is 0.
+    /// Runs before each call, with its name and its descriptor. If the result isn't 0, the call fails with it.
     static std::function<int(const std::string& call, int file)> before;
 };
 

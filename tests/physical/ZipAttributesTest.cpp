@@ -43,7 +43,7 @@ bool set(const fs::path& path, const char* name, const std::string& value) {
     return ::setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
 }
 
-/// An access control list as the system takes it: the permissions of the owner, of Alice, of the group, of the
+/// An access control list in the format of the system: the permissions of the owner, of Alice, of the group, of the
 /// mask and of all others.
 std::string accessList(const std::string& permissions) {
     const unsigned char tags[] = {0x01, 0x02, 0x04, 0x10, 0x20};
@@ -63,7 +63,7 @@ std::string accessList(const std::string& permissions) {
 struct Attributes {
     uid_t owner = ROOT;
     gid_t group = ROOT;
-    mode_t mode = 0; ///< with a list, its group's permissions are the mask's
+    mode_t mode = 0; ///< with a list, the group bits are the mask
     std::string list;
 
     /// @param text  such as "alice staff 0640 64040"
@@ -91,7 +91,7 @@ protected:
         package.close(false);
     }
 
-    /// @return whether `action` raised nothing in a process of that user, who also belongs to `STAFF`
+    /// @return whether `action` threw nothing in a process of that user, who is also a member of `STAFF`
     static bool asUser(uid_t user, const std::function<void()>& action) {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -114,7 +114,7 @@ protected:
     void makeFile(const Attributes& attributes) const {
         fs::remove(path);
         writeFile(path, makeZip({stored("a", "alpha")}));
-        ::removexattr(path.c_str(), ACCESS); // what the folder has given it
+        ::removexattr(path.c_str(), ACCESS); // the list that the folder has given it
         if (isRoot) {
             ASSERT_EQ(::chown(path.c_str(), attributes.owner, attributes.group), 0);
         }
@@ -124,7 +124,7 @@ protected:
         ASSERT_EQ(::chmod(path.c_str(), attributes.mode), 0);
     }
 
-    /// Whether the file system knows access control lists; those that don't can't lose any.
+    /// Whether the file system has access control lists; otherwise none can be lost.
     bool knowsLists() const {
         writeFile(folder / "probe", std::string());
         const std::string list = accessList("64040");
@@ -174,7 +174,7 @@ TEST_F(ZipAttributes, areNeverWiderThanThoseOfTheOldFile) {
             const auto check = [&](const Attributes& now, const std::string& when) {
                 const bool isOwners = now.owner == old.owner;
                 const bool isSame = isOwners && now.group == old.group && now.list == old.list;
-                const mode_t own = refused == "fchmod" ? 0600U : 0U; // its owner may do what it likes
+                const mode_t own = refused == "fchmod" ? 0600U : 0U; // its owner may do everything
                 const mode_t allowed = own | (isSame ? old.mode : isOwners ? old.mode & 0700U : 0600U);
                 EXPECT_EQ(now.mode & ~allowed, 0U) << std::oct << now.mode << " for " << old.mode << " at "
                                                    << when << ", refused: " << refused;
@@ -199,7 +199,7 @@ TEST_F(ZipAttributes, includeExtendedOnes) {
         return;
     }
     EXPECT_EQ(set(path, "trusted.note", "note"), isRoot);
-    set(path, HASH, "hash"); // which not every system lets anybody set
+    set(path, HASH, "hash"); // not every system lets everybody set it
     save();
     EXPECT_EQ(attribute(path, NOTE), "note");
     EXPECT_EQ(attribute(path, "trusted.note"), isRoot ? "note" : "");

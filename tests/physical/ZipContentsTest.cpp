@@ -13,7 +13,7 @@ namespace {
 using namespace opc::test;
 using opc::interfaces::IPhysicalInputStream;
 
-/// Text of few words, which compresses as XML does.
+/// Text of few words, which compresses like XML.
 std::string prose(std::size_t size) {
     static const char* const WORDS[] = {"<part ", "name='", "first",   "second",
                                         "42",     "' />\n", "</list>", "<list>"};
@@ -25,7 +25,7 @@ std::string prose(std::size_t size) {
     return text;
 }
 
-/// Around the sizes where a content begins to be compressed in another way.
+/// Around the sizes from which a content is compressed in another way.
 const std::size_t WRITTEN_SIZES[] = {0, 1, 10, 1536, 1537, 20000, 250000, 262144, 1048576, 1048577};
 
 TEST(ZipContents, ofEverySizeAreReadAsTheyWereWritten) {
@@ -78,7 +78,7 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     stream.next_in = reinterpret_cast<unsigned char*>(const_cast<char*>(content.data()));
     stream.next_out = output.data();
     stream.avail_out = static_cast<uInt>(output.size());
-    // With a seam in the middle, so that there are several blocks.
+    // With a flush in the middle, so that there are several blocks.
     stream.avail_in = static_cast<uInt>(content.size() / 2);
     EXPECT_EQ(::deflate(&stream, Z_FULL_FLUSH), Z_OK);
     stream.avail_in = static_cast<uInt>(content.size() - content.size() / 2);
@@ -88,8 +88,8 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     return item;
 }
 
-/// Calls `action(package, pieceSize)` with packages in memory and in a file that hold the item alone, open to read,
-/// and with pieces that are smaller than a content of `size` bytes, just as large, and larger.
+/// Calls `action(package, pieceSize)` with packages in memory and in a file that have only this item and are open for
+/// reading. The pieces are smaller than a content of `size` bytes, just as large, and larger.
 template <typename Action>
 void inEveryWay(const RawItem& item, std::size_t size, Action&& action) {
     const Bytes archive = makeZip({item});
@@ -106,7 +106,7 @@ void inEveryWay(const RawItem& item, std::size_t size, Action&& action) {
     }
 }
 
-/// Around the sizes where a content begins to be expanded as a whole, and where it ceases.
+/// Around the sizes from which, and up to which, a content is expanded as a whole.
 const std::size_t READ_SIZES[] = {2, 699, 700, 3000, 262143, 262144, 262145, 600000};
 
 TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {

@@ -32,7 +32,7 @@ TEST(ZipItemNames, ofOtherItemsAreIgnoredWithAReason) {
 }
 
 TEST(ZipItemNames, areReadInTheEncodingThatTheyAreIn) {
-    // é in code page 437, then in UTF-8 with the flag that says so.
+    // é in code page 437, and then in UTF-8 with the flag for UTF-8.
     RawItem flagged = stored("\xC3\xA9.u", "");
     flagged.flags = 0x800;
     ZipPackage package(makeZip({stored("\x82.c", ""), flagged}));

@@ -6,7 +6,7 @@
 #include <cerrno>
 
 /// @file
-/// What `ZipOptions::lenient` takes. What it refuses is among the hostile archives.
+/// What `ZipOptions::lenient` accepts. The hostile archives have what it refuses.
 
 namespace {
 
@@ -44,7 +44,7 @@ Bytes operator+(Bytes archive, const std::string& more) {
     return archive;
 }
 
-/// One line for each.
+/// One line for each oddity.
 std::string oddities(ZipPackage& package) {
     std::string text;
     for (const auto& oddity : package.getOddities())

@@ -191,7 +191,7 @@ TEST_F(ZipPackages, storesWhatItsOwnLimitsWouldRefuse) {
         {1000, std::string(1 << 20, '\0'), 8}, // not above the floor
         {1000, letters(2 << 20), 8},
         {0, letters(2 << 20), 0}, // counts as 1
-        {1, letters(2 << 20), 0}, // some of it has left the buffer before its size is known
+        {1, letters(2 << 20), 0}, // some of it has left the buffer before the size is known
     };
     for (const auto& [maxRatio, text, method] : cases) {
         ZipOptions options;
@@ -270,7 +270,7 @@ TEST_F(ZipPackages, leavesTheArchiveAsItWasUnlessItIsSaved) {
     const auto written = std::filesystem::last_write_time(path);
     for (const OpenMode mode : {OpenMode::ReadWrite, OpenMode::CreateOnly}) {
         ZipPackage package(path);
-        for (const bool abandons : {true, false}) { // or goes without a close
+        for (const bool abandons : {true, false}) { // or is destroyed without a close
             package.open(mode);
             create(package, u"/a.xml", "changed");
             if (abandons)

@@ -26,7 +26,7 @@ using namespace opc::test;
 
 class ZipSaving : public FileTest {};
 
-/// No file can grow beyond `size` meanwhile, as if the disk were full.
+/// Limits all files to `size` while it lives, as if the disk were full.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t size) : oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -258,7 +258,7 @@ TEST_F(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
 }
 
 TEST_F(ZipSaving, survivesThatOthersWriteIntoTheArchive) {
-    std::vector<RawItem> items; // their directory is longer than what is read ahead
+    std::vector<RawItem> items; // with a longer directory than is read ahead
     for (int i = 0; i < 1000; ++i)
         items.push_back(stored("item" + std::to_string(i), "alpha"));
     const Bytes old = makeZip(items);
@@ -306,7 +306,7 @@ TEST_F(ZipSaving, reportsAFolderInWhichNothingCanBeMade) {
     EXPECT_TRUE(othersAccept(folder / "gone/a.zip"));
 }
 
-/// The most memory that the process has had so far, in KiB.
+/// The largest memory of the process so far, in KiB.
 long peakMemory() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);

@@ -14,7 +14,7 @@ using namespace opc::test;
 
 class ZipStreams : public FileTest {};
 
-/// A pipe of a kind: bytes come a few at a time, there is no way back, and it may break.
+/// Like a pipe: it gives a few bytes at a time, can't seek, and may break.
 class Pipe : public std::streambuf {
 public:
     explicit Pipe(const Bytes& content, std::size_t breaksAt = SIZE_MAX)
@@ -36,7 +36,7 @@ private:
     std::size_t breaksAt;
 };
 
-/// Takes bytes one way until it is full.
+/// Accepts bytes until it is full; can't seek.
 class Drain : public std::streambuf {
 public:
     explicit Drain(std::size_t room = SIZE_MAX) : room(room) {}
@@ -55,7 +55,7 @@ private:
 };
 
 TEST_F(ZipStreams, passThroughWithoutSeeking) {
-    // Within memory, and in the temporary file.
+    // In memory, and in the temporary file.
     for (const std::size_t size : {100U, 3000000U}) {
         ZipOptions options;
         options.temporaryFolder = folder / "";

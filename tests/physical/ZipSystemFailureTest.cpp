@@ -17,7 +17,7 @@ TEST_F(ZipSystemFailure, ofAnyCallLeavesAWholeFileAndCanBeRepeated) {
         package.open(OpenMode::ReadWrite);
         create(package, u"/b", "beta");
         SystemCalls::before = [left = calls](const std::string& call, int) mutable {
-            const bool mayFail = call != "flock" && call != "fchown"; // which stop no saving
+            const bool mayFail = call != "flock" && call != "fchown"; // failures of these don't stop a save
             return mayFail && left-- == 0 ? EIO : 0;
         };
         try {
@@ -28,7 +28,7 @@ TEST_F(ZipSystemFailure, ofAnyCallLeavesAWholeFileAndCanBeRepeated) {
             SystemCalls::before = nullptr;
             ++failures;
             EXPECT_EQ(failure.code().value(), EIO) << failure.what();
-            // Once the new file stands in its place, the folder alone can still fail.
+            // After the new file has replaced the old one, only the folder can still fail.
             const bool replaced =
                 std::string(failure.what()) == path.string() + ": can't sync its folder: Input/output error";
             EXPECT_EQ(readFile(path) == old, !replaced) << failure.what();

@@ -1,10 +1,10 @@
-// Kills itself while it saves over an existing package, again and again: each time the file must be wholly the
-// old one or wholly the new one, and the next save must leave nothing else in the folder. It does so by SIGKILL
-// and, in turn, by a SIGTERM whose handler removes the temporary file: then nothing else may be left at once.
+// Kills itself while it saves over an existing package, again and again. Each time the file must be completely the
+// old one or completely the new one, and the next save must leave nothing else in the folder. It alternates SIGKILL
+// with a SIGTERM whose handler removes the temporary file: then nothing else may be left at once.
 //
 //   crash_saving [TIMES]     default: 100
 //
-// The instants come from a fixed seed, and are spread over the time that a save takes here and now.
+// The moments come from a fixed seed, and are spread over the time that a save takes on this machine.
 
 #include "PhysicalSupport.hpp"
 
@@ -55,9 +55,9 @@ void endBySignal(int signal) {
     std::raise(signal);
 }
 
-/// Saves in a process of its own.
-/// @param lifetime  after which it is killed
-/// @return whether it was killed before it was done
+/// Saves in a separate process.
+/// @param lifetime  the time after which it is killed
+/// @return whether it was killed before it had finished
 bool saveAndDie(const std::filesystem::path& path, std::chrono::nanoseconds lifetime, int signal) {
     const pid_t child = ::fork();
     if (child == 0) {

@@ -92,7 +92,7 @@ TEST(IRI, relativePathsLeadBackToTheirTarget) {
         const IRI target(generate(round % 4 < 2 ? segments : dotted));
         const IRI made = target.makeRelativeTo(base);
         const std::u16string reached = made.resolveAgainst(base).toString();
-        // With dot segments, or relative itself, a target leads elsewhere than its text says.
+        // With dot segments, or if it is relative itself, a target leads elsewhere than its text says.
         const std::u16string meant = target.resolveAgainst(base).toString();
         ASSERT_TRUE(reached == target.toString() || (meant != target.toString() && reached == meant))
             << narrow(base.toString() + u" -> " + target.toString() + u" : " + made.toString());

@@ -21,7 +21,7 @@ namespace {
 using namespace opc::model;
 using opc::test::forEachCase;
 
-/// Holds what is said of values against what becomes of them in a relationships part.
+/// Compares what is said about values with their fate in a relationships part.
 class AttributeValues : public testing::Test {
 protected:
     bool comeBack(const std::u16string& id, const std::u16string& target) {
@@ -54,7 +54,7 @@ protected:
         EXPECT_EQ(isRelationshipID(value), comeBack(value, u"x")) << opc::toUDEString(value);
     }
 
-    /// Holds what the rules say of attributes against what reading makes of an element that has them.
+    /// Compares what the rules say about attributes with the result of reading an element that has them.
     void compareWithReading(const RelationshipRules::Attributes& attributes) {
         std::string element = "<Relationship";
         const auto add = [&element](const char* name, const std::optional<std::u16string_view>& value) {

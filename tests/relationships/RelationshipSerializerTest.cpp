@@ -43,7 +43,7 @@ TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
                     EXPECT_RAISES(InvalidPartContent, message, read(document));
                     EXPECT_TRUE(manager.isDirty());
                 });
-    // What stands in front of a bad element has been taken by then.
+    // The elements before the bad one have been read.
     EXPECT_THROW(
         read(relationships(
             R"(<Relationship Id="ok" Type="t:t" Target="x"/><Relationship Id="r" Type="t:t" Target=""/>)")),
@@ -51,7 +51,7 @@ TEST_F(RelationshipsDocument, checksEachElementInItsOrder) {
     EXPECT_TRUE(manager.hasRelationship(u"ok"));
 }
 
-// Relationships of several sources lie in one piece of memory, which each of them keeps.
+// Relationships of several sources share one piece of memory, which each of them keeps alive.
 TEST_F(RelationshipsDocument, relationshipsOutliveTheirSourcesAndEachOther) {
     std::vector<Relationship> kept;
     {
@@ -86,7 +86,7 @@ TEST_F(RelationshipsDocument, theSchemaRefusesTheRest) {
          {R"(<Relationship Id="r" Type="t:t" Target="x" TargetMode="external"/>)", "<Other/>"})
         EXPECT_THROW(read(relationships(elements)), InvalidPartContent) << elements;
     EXPECT_THROW(read({}), InvalidPartContent);
-    read(relationships("")); // and the parser is fit for the next document
+    read(relationships("")); // and the parser can read the next document
     EXPECT_TRUE(manager.isEmpty());
     EXPECT_FALSE(manager.isDirty());
 }
@@ -152,7 +152,7 @@ TEST_F(RelationshipsDocument, charactersThatXMLCanNotHoldAreRefusedInWriting) {
     manager.deleteRelationship(u"r");
     manager.addExternalRelationship(u"r", u"t:t", u"b");
     const std::string document = write();
-    read(toBytes(document)); // the writer is fit for the next document, with its namespace
+    read(toBytes(document)); // the writer can write the next document, with its namespace
     EXPECT_EQ(write(), document);
 }
 

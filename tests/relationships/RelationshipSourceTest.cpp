@@ -193,7 +193,7 @@ TEST_F(RelationshipSources, aPartThatWasOpenedIsNotReplacedByARelationshipsPart)
     EXPECT_EQ(readAll(package.getPart(PartName(u"/_Rels/.Rels"))), "content");
 }
 
-/// Gives the relationships part of /c.xml as one that keeps something to itself.
+/// Makes the relationships part of /c.xml one that keeps something to itself.
 class KeepingPackage : public ScriptedPackage {
 public:
     using ScriptedPackage::ScriptedPackage;

@@ -104,7 +104,7 @@ TEST(RelationshipManager, changesWhatWasRead) {
         EXPECT_EQ(first.getTarget(), u"1.xml");
     }
 
-    // What has been handed out doesn't rest on anything but itself.
+    // Relationships that were returned depend on nothing else.
     const Relationship kept = manager->getRelationship(u"rId10");
     manager.reset();
     serializer.reset();

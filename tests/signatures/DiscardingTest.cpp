@@ -14,7 +14,7 @@ protected:
         return "<Relationship Id=\"" + id + "\" Type=\"" + type + "\" Target=\"" + target + "\"/>";
     }
 
-    /// Puts more relationships into a stored relationships part.
+    /// Adds relationships to a stored relationships part.
     void addTo(const char16_t* name, const std::string& elements) {
         store.setPart(name, toBytes(replaced(text(name), "</Relationships>", elements + "</Relationships>")));
     }

@@ -12,7 +12,7 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-/// A signature of /a.xml whose document is changed while the package is closed.
+/// A signature of /a.xml. Its document changes while the package is closed.
 class EditedSignature : public SignedPackage {
 protected:
     EditedSignature() {
@@ -22,7 +22,7 @@ protected:
         reference = piece(document, "<Reference URI=", "</Manifest>");
     }
 
-    /// Opens the package with a document of another form, signed by the owner of the key.
+    /// Opens the package with a document in another form, signed by the owner of the key.
     void openResigned(const std::string& form) { openWith(resigned(form, privateKey)); }
 
     std::string document, reference;
@@ -61,7 +61,7 @@ TEST_F(EditedSignature, failsToLoadWithCode102) {
     forEachCase("signatures/edited.txt", check);
 }
 
-/// What else a document may hold, and what is signed in another form.
+/// What else a document can have, and what is signed in another form.
 TEST_F(EditedSignature, holdsWithWhatDoesNotPassForSigned) {
     const std::string canonicalized =
         "<Transforms><Transform Algorithm='http://www.w3.org/TR/2001/REC-xml-c14n-20010315'/></Transforms>"
@@ -151,7 +151,7 @@ TEST_F(EditedSignature, isReadOnceHoweverManyRelationshipsLeadToIt) {
     close(true);
 }
 
-/// References without a digest that counts: a document needs no valid signature to be loaded.
+/// References without a digest that counts: a document is loaded without a valid signature.
 TEST_F(EditedSignature, loadsInTimeForAsManyReferencesAsThereAreRelationships) {
     constexpr int COUNT = 8000;
     std::string entries = "<Relationship Id='r' Type='urn:0' Target='x'/>";
@@ -170,8 +170,8 @@ TEST_F(EditedSignature, loadsInTimeForAsManyReferencesAsThereAreRelationships) {
     EXPECT_LT(std::clock() - begin, 5 * CLOCKS_PER_SEC);
 }
 
-/// The serialiser puts a declaration first, wherever it stands in the document: one of the object's own is taken
-/// out like one that reading adds.
+/// The serialiser puts a declaration first, wherever it is in the document. One of the object's own is removed like
+/// one that reading adds.
 TEST_F(EditedSignature, holdsWithADeclarationOfTheObjectsOwn) {
     const std::string declaration =
         R"( xmlns:pds="http://schemas.openxmlformats.org/package/2006/digital-signature")";
@@ -180,7 +180,8 @@ TEST_F(EditedSignature, holdsWithADeclarationOfTheObjectsOwn) {
     EXPECT_EQ(verify(u"sig1"), 0);
 }
 
-/// Nobody can name another signature of the same signer a countersignature, to remove signatures or add some.
+/// Nobody can declare another signature of the same signer to be a countersignature, to remove signatures or add
+/// some.
 TEST_F(EditedSignature, holdsAsACountersignatureOnlyIfItWasMadeAsOne) {
     constexpr char16_t COUNTERSIGNATURE[] = u"/_xmlsignatures/sigcountersig.xml";
     open();
@@ -194,7 +195,7 @@ TEST_F(EditedSignature, holdsAsACountersignatureOnlyIfItWasMadeAsOne) {
     EXPECT_EQ(verify(u"sig1"), 0);
 }
 
-/// Only the origin part's own relationship to the countersignature counts with none of those that are signed.
+/// Only the origin part's own relationship to the countersignature is left out of the signed ones.
 TEST_F(SignedPackage, noOtherRelationshipPassesForTheCountersignatures) {
     signPart(u"/a.xml");
     manager->countersignAllSignatures(privateKey, params);
@@ -225,11 +226,11 @@ TEST_F(SignedPackage, noOtherRelationshipPassesForTheCountersignatures) {
     }
 }
 
-/// It is left out of what a signature covers that is made when it is there, as of what was signed before.
+/// It is left out of new signatures that are made while it exists, and of older signatures.
 TEST_F(SignedPackage, theRelationshipToTheCountersignatureIsNeverSigned) {
     signPart(u"/a.xml");
     const std::u16string type = part(ORIGIN).getRelationships().begin()->getType();
-    sign({}, {byType(ORIGIN, type.c_str()), byType(ORIGIN, type.c_str())}); // before there is itself
+    sign({}, {byType(ORIGIN, type.c_str()), byType(ORIGIN, type.c_str())}); // before it exists
     manager->countersignAllSignatures(privateKey, params);
     reopen();
     EXPECT_EQ(verify(u"sig2"), 101) << "its own relationship has joined those of the type";

@@ -11,7 +11,7 @@ using namespace opc::model;
 using namespace opc::test;
 using opc::physical::ZipPackage;
 
-/// Signed ZIP packages, taken apart by a script that shares nothing with this library.
+/// A script that shares nothing with this library examines signed ZIP packages.
 class IndependentCheck : public testing::Test {
 protected:
     void change(OpenMode mode, const std::function<void(Package&, DigitalSignatureManager&)>& action) {

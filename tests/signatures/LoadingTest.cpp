@@ -9,7 +9,7 @@ using namespace opc::test;
 
 class Loading : public SignedPackage {
 protected:
-    /// Gives a stored signature, whose name ends in `number`, another identifier.
+    /// Changes the identifier of a stored signature, whose name ends in `number`.
     void setIdentifier(int number, const std::string& identifier) {
         const std::u16string name =
             u"/_xmlsignatures/sig" + std::u16string(1, char16_t(u'0' + number)) + u".xml";

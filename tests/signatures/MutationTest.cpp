@@ -44,13 +44,13 @@ private:
         case 6:
             moveElement(text, false);
             break;
-        default: // within a value, mostly
+        default: // mostly within a value
             text[std::min(text.find_first_of("0123456789+#:", place), text.size() - 1)] =
                 static_cast<char>('0' + pick(10));
         }
     }
 
-    /// From a tag to the end of an element of that name; the first tag behind a random place.
+    /// From a tag to the end of an element with that name: the first such tag after a random place.
     std::pair<std::size_t, std::size_t> pickElement(const std::string& text) {
         const std::size_t begin = text.find('<', pick(text.size()));
         if (begin == std::string::npos)
@@ -61,7 +61,7 @@ private:
         return {begin, end == std::string::npos ? text.size() : end + 1};
     }
 
-    /// Takes an element out, or leaves it, and puts it to the next tag behind a random place.
+    /// Copies or moves an element to the next tag after a random place.
     void moveElement(std::string& text, bool takesOut) {
         const auto [begin, end] = pickElement(text);
         const std::string element = text.substr(begin, end - begin);
@@ -73,14 +73,14 @@ private:
     std::mt19937 random{20};
 };
 
-/// How often each kind of end came.
+/// How often each result occurred.
 struct Ends {
     int held = 0, failed = 0, unchecked = 0, unreadable = 0;
 };
 
 class Mutation : public SignedPackage {
 protected:
-    /// Loads and verifies all that is found. Anything but the ends that are promised leaves the test.
+    /// Loads and verifies everything that is found. Results other than the documented ones make the test fail.
     void run(Ends& ends) {
         try {
             package->open(OpenMode::ReadOnly);

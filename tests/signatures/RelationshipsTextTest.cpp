@@ -43,7 +43,7 @@ std::string readText(const std::vector<Relationship>& relationships, std::uint64
     return result;
 }
 
-/// The same document, built whole with every entry in it.
+/// The same document, built as a whole with every entry in it.
 std::string writeWhole(std::vector<Relationship> relationships) {
     std::sort(relationships.begin(), relationships.end(),
               [](const Relationship& left, const Relationship& right) {

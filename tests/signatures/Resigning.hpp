@@ -17,8 +17,8 @@
 
 namespace opc::test {
 
-/// A signature document of another form, with the digest and the signature value that its package object asks
-/// for, as the owner of the key could make them: by SHA-256.
+/// A signature document in another form, with the digest and the signature value for its package object, as the owner
+/// of the key could make them with SHA-256.
 inline std::string resigned(std::string document, const Bytes& privateKey, std::size_t bits = 1024) {
     const auto read = [&document, serializer = std::make_unique<model::DigitalSignatureSerializer>()] {
         const Bytes bytes = toBytes(document);

@@ -32,7 +32,7 @@ TEST_F(Coverage, followsWhatWasSelected) {
     using Names = std::vector<std::u16string>;
     using Selectors = std::vector<RelationshipSelector>;
     const std::tuple<std::vector<PartName>, Selectors, Names> cases[] = {
-        // names differ in case
+        // the names differ in case
         {{PartName(u"/B.xml")}, {}, {u"/b.xml"}},
         {{}, {byId(u"/", u"rId1")}, {u"/:rId1"}},
         {{}, {byType(u"/", u"urn:link")}, {u"/:rId2"}},

@@ -46,7 +46,7 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
     struct Case {
         const char* what;
         std::string document;
-        const char* message = nullptr; ///< without one it is read
+        const char* message = nullptr; ///< null if it is read
     };
     const Case cases[] = {
         {"deep elements", withObject(nested("<a>", 100000, "", "</a>")),
@@ -93,7 +93,7 @@ TEST_F(HostileSignature, endsInSecondsOfWork) {
 }
 
 TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
-    // Each is read once for every one around it: here for an object, a reference and a transform at least.
+    // Each is read once for every element around it: here at least for an object, a reference and a transform.
     const auto inPart = [](const std::string& content) {
         return inserted(USUAL_SIGNATURE, "<!--part-->",
                         "<Transforms><Transform Algorithm='urn:a'><any xmlns='urn:any'>" + content +
@@ -121,7 +121,7 @@ TEST_F(HostileSignature, elementsThatMultiplyTheWorkAreNestedAFewLevelsOnly) {
     EXPECT_RAISES(InvalidPartContent, TOO_DEEP, read(inPart(mixed)));
 }
 
-/// Gives the beginning of a document, and then there is no memory left.
+/// Gives the beginning of a document, and then runs out of memory.
 class StreamOutOfMemory : public opc::ByteArrayInAdaptor {
 public:
     explicit StreamOutOfMemory(const Bytes& bytes) : ByteArrayInAdaptor(bytes) {}

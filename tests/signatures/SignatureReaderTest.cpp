@@ -25,7 +25,7 @@ protected:
 constexpr char VALUE[] = "</SignatureValue>";
 constexpr char PART[] = "<!--part-->";
 
-/// In place of every `what`, the usual content has `replacement`; of the first one, if that holds it too.
+/// Replaces every `what` in the usual content by `replacement`; only the first one if `replacement` contains it.
 struct Change {
     std::string what, replacement;
 
@@ -53,7 +53,7 @@ TEST_F(SignatureReader, refusesWhatBreaksTheForm) {
 }
 
 TEST_F(SignatureReader, checksInTheOrderOfItsSteps) {
-    // All is wrong; each repair brings the next failure to light.
+    // Everything is wrong. Each repair shows the next failure.
     const auto failures = readCases("signatures/steps.txt", 3);
     for (auto first = failures.begin(); first != failures.end(); ++first) {
         std::string document = USUAL_SIGNATURE;
@@ -77,7 +77,7 @@ TEST_F(SignatureReader, refusesWhatItDoesNotSupport) {
                                   unknown);
     expectRefusal<opc::Exception>(Change{"xmldsig-more#rsa-sha256", "xmlenc#sha256"}.apply(),
                                   "Internal error: Signature Method is not supported in algorithm map.");
-    // The digest is settled before the key.
+    // The digest is checked before the key.
     expectRefusal<opc::Exception>(key3072.apply(Change{"xmldsig-more#rsa-sha256", "xmldsig-more#x"}.apply()),
                                   unknown);
     for (const Change& key : {key3072, ellipticKey})
@@ -119,7 +119,8 @@ TEST_F(SignatureReader, takesTheRecordsFromTheDocument) {
     EXPECT_EQ(usual.m_content.signatureProperties[0].target, u"#Signature7");
     EXPECT_EQ(usual.m_content.signatureProperties[0].value, u"") << "only the time is taken from it";
 
-    // The texts that were signed: as they stand, with the namespace declarations they need to stand alone.
+    // The texts that were signed: as they are in the document, with the namespace declarations that they need on
+    // their own.
     const std::u16string& object = usual.m_objects.at(u"idPackageObject").XMLBytes;
     EXPECT_EQ(object.substr(0, object.find(u"<DigestMethod")),
               u"<Object xmlns=\"http://www.w3.org/2000/09/xmldsig#\" Id=\"idPackageObject\" "

@@ -21,7 +21,7 @@ TEST(SignatureScanner, whatThisLibraryWritesIsRecognised) {
     forEachCase("signatures/plain.txt", expectPlain);
     const std::string keys[] = {key, "", x509(signer),
                                 x509(signer + another + certificate("rsa:1024") + another + signer),
-                                // what is plain, but fails
+                                // plain documents that fail
                                 x509("AQID"), x509(signer + another + "AQID"), x509(certificate("rsa:3072"))};
     for (const std::string& other : keys)
         expectPlain(key, other);

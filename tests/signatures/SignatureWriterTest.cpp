@@ -133,7 +133,7 @@ TEST_F(SignatureWriter, whatIsComposedIsWhatXercesWrites) {
     std::string composed;
     std::string element;
     const auto isWhatXercesWrites = [&] {
-        property.value = u"\u00e9"; // which is left to Xerces
+        property.value = u"\u00e9"; // only Xerces writes it
         EXPECT_FALSE(composePlainSignature(written, composed));
         const std::string byXerces = replaced(write(written), "\xC3\xA9", "e");
         property.value = u"e";
@@ -201,7 +201,7 @@ TEST_F(SignatureWriter, whatWasReadIsWrittenAsItWas) {
     written.m_certificate = certificateOf(certificate("rsa:2048"));
     const std::string document = write(written);
     DigitalSignatureData again = read(document);
-    // The texts of the time aren't kept in reading.
+    // Reading doesn't keep the texts of the time.
     again.m_content.signatureProperties = written.m_content.signatureProperties;
     EXPECT_EQ(write(again), document);
 

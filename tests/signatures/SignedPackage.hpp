@@ -32,8 +32,8 @@ inline model::RelationshipSelector byType(const char16_t* source, const char16_t
     return {model::URI(source), model::RelationshipSelectorType::SourceType, type};
 }
 
-/// A small package with relationships and core properties, and a manager on it. Signed with keys of 1024
-/// bits, which are quick.
+/// A small package with relationships and core properties, and a manager. Signed with keys of 1024 bits, which are
+/// fast.
 class SignedPackage : public testing::Test {
 protected:
     static constexpr char16_t SIGNATURE[] = u"/_xmlsignatures/sig1.xml";
@@ -73,7 +73,7 @@ protected:
         open(mode);
     }
 
-    /// The text of a stored part, of the first signature if none is named.
+    /// The text of a stored part; by default, of the first signature.
     std::string text(const char16_t* name = SIGNATURE) const { return toText(store.partBytes(name)); }
 
     /// Opens the package with this text in the part of the first signature.
@@ -83,7 +83,7 @@ protected:
         open();
     }
 
-    /// Gives the closed package the place of one that was never signed.
+    /// Replaces the closed package by one that was never signed.
     void removeSignatureParts() {
         for (const std::u16string& name : store.partNames())
             if (name.rfind(u"/_xmlsignatures/", 0) == 0)
@@ -100,7 +100,7 @@ protected:
     model::DigitalSignature signPart(const char16_t* name) { return sign({model::PartName(name)}, {}); }
     model::DigitalSignature signAll() { return manager->signPackage(privateKey, params); }
 
-    /// The code of verifying a signature by a public key: of the status, or of what is raised.
+    /// The code of verifying a signature by a public key: from the status, or from the exception.
     int verify(const model::DigitalSignature& signature, const Bytes& key) {
         try {
             return manager->verifySignature(signature, key).getErrorCode().value();

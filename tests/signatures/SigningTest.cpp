@@ -61,7 +61,7 @@ TEST_F(Signing, worksWithEveryDigestAndKeySize) {
         EXPECT_EQ(verify(signature, keysOf(signature.getSignatureValue().size() * 8).getPublicKey()), 0);
 }
 
-/// Its length is that of no key in DER, which must not matter once the signature is written.
+/// No DER key has this length. That must not matter after the signature is written.
 TEST_F(Signing, worksWithKeysInPem) {
     const opc::test::OpenSslCommand openssl;
     for (const std::size_t bits : {2048U, 4096U}) {
@@ -78,7 +78,7 @@ TEST_F(Signing, worksWithKeysInPem) {
     }
 }
 
-// What a signature takes of the limits is counted as loading counts it, before anything is made.
+// The share of a signature in the limits is counted as in loading, before anything is made.
 TEST_F(Signing, writesNothingThatLoadingRefuses) {
     signPart(u"/a.xml");
     const std::string document = opc::test::readAll(part(SIGNATURE));
@@ -113,7 +113,7 @@ TEST_F(Signing, writesNothingThatLoadingRefuses) {
     use(limited(document.size(), elements), OpenMode::ReadOnly);
     EXPECT_EQ(verify(u"sig1"), 0);
 
-    // The form that takes a tree counts more.
+    // The form that needs a tree counts more.
     close(true);
     std::string other = text();
     other.insert(other.find("<Signature"), "<!---->");
@@ -152,7 +152,7 @@ TEST_F(Signing, refusesInTheOrderOfItsChecks) {
     EXPECT_FALSE(manager->isPackageSigned());
     EXPECT_FALSE(package->hasPart(PartName(ORIGIN)));
 
-    // The last two took a number each; what fails before the number is taken doesn't.
+    // The last two took a number each. Failures before that take none.
     EXPECT_EQ(signPart(u"/a.xml").getName(), u"sig3");
     reopen(OpenMode::ReadOnly);
     EXPECT_RAISES(PackageReadOnly, "Package is read-only", manager->sign(one, {}, Bytes(), params));

@@ -10,15 +10,15 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-/// What a change leads to: the code of the status or of `InvalidSignature`; or that the package, or the
-/// signature's number, can't be read; or that no signature is found any more.
+/// The result of a change: the code of the status or of `InvalidSignature`; or that the package, or the signature's
+/// number, can't be read; or that no signature is found any more.
 constexpr int HOLDS = 0;
 constexpr int REFUSED = -1000;
 constexpr int UNSIGNED = -1001;
 
 const std::vector<std::size_t> NONE;
 
-/// The places of a document behind its declaration that stand in attribute values or between tags.
+/// The places of a document after its declaration that are in attribute values or between tags.
 std::vector<std::size_t> placesOfValues(const std::string& document) {
     std::vector<std::size_t> places;
     bool inTag = false;
@@ -69,7 +69,7 @@ protected:
         return code;
     }
 
-    /// The outcome after a change, which is then taken back.
+    /// The outcome of a change, which is then undone.
     int outcomeOf(const std::function<void()>& change) {
         const Bytes types = store.contentTypes();
         change();
@@ -86,7 +86,7 @@ protected:
         store.setPart(name, toBytes(replaced(text(name), what, with)));
     }
 
-    /// Turns one bit, by a fixed series, in each of these places, and gives those where `isExpected` says no.
+    /// Flips one bit, by a fixed series, in each of these places, and returns the places where `isExpected` is false.
     std::vector<std::size_t> turnBits(const char16_t* name, const std::vector<std::size_t>& places,
                                       const std::function<bool(int)>& isExpected) {
         std::mt19937 random(7);
@@ -121,7 +121,7 @@ TEST_F(Tampering, everyByteOfSignedPartsCounts) {
     }
 }
 
-/// But for the relationship that leads to the signatures, which is none of those that were signed.
+/// Except for the relationship to the signatures, which wasn't signed.
 TEST_F(Tampering, everyValueOfSignedRelationshipsCounts) {
     for (const char16_t* name : {u"/_rels/.rels", u"/_rels/a.xml.rels", u"/_rels/b.xml.rels"}) {
         const std::string document = text(name);
@@ -173,7 +173,7 @@ TEST_F(Tampering, ofSeveralPartsIsFoundByItsCode) {
               102);
 }
 
-/// More that no signature of this format protects.
+/// What else no signature of this format protects.
 TEST_F(Tampering, whatIsNotProtected) {
     const std::pair<const char*, std::function<void()>> changes[] = {
         {"a content type",

@@ -13,14 +13,14 @@ using namespace opc::test;
 using Answer = SignatureVerdict::Answer;
 using Kind = VerdictReason::Kind;
 
-/// Keys of the fixture are of 1024 bits, which the policies accept here unless that is what is tested.
+/// The keys of the fixture have 1024 bits. The policies here accept that, except in the tests of weak keys.
 class Verdict : public SignedPackage {
 protected:
     static constexpr char ORIGIN_TEXT[] = "/_xmlsignatures/origin.sigs";
 
     SignaturePolicy byKey() const { return SignaturePolicy::byPublicKey(publicKey).acceptWeak(); }
 
-    /// The only reason of the verdict, which isn't yes, is of that kind, and its text holds these.
+    /// Checks that the verdict isn't yes, and that its only reason has that kind and a text with these words.
     void expectReason(const SignatureVerdict& verdict, Kind kind, const std::vector<std::string>& texts) {
         EXPECT_FALSE(verdict.isYes());
         ASSERT_EQ(verdict.getReasons().size(), 1U);
@@ -150,8 +150,8 @@ TEST_F(Verdict, judgesThePackageAsItStands) {
     expectReason(manager->judge(byKey()), Kind::NotChecked, {"urn:main"});
 }
 
-/// Where relationships are signed, other programs could read one more of a signed type. Elsewhere, what isn't read is
-/// uncovered like all else.
+/// Where relationships are signed, other programs could read one more of a signed type. Elsewhere, what is ignored is
+/// uncovered like everything else.
 TEST_F(Verdict, elementsThatWereNotReadCountAmongTheIgnored) {
     close(true);
     store.removePart(CORE_PROPERTIES);

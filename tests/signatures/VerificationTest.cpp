@@ -47,7 +47,7 @@ TEST_F(Verification, onlyTheFirstPlainKeywordsOfTheCorePropertiesAreLeftOut) {
     forEachCase("signatures/keywords.txt", check);
 }
 
-/// A signature without key holds by a key of any of the three sizes, which the length of the bytes tells.
+/// A signature without a key holds by a key of any of the three sizes. The length of the bytes tells the size.
 TEST_F(Verification, materialThatDoesNotFitIsRefusedWithItsCode) {
     const DigitalSignature made = signAll();
     EXPECT_EQ(verify(made, Bytes()), 103);

@@ -32,7 +32,7 @@ std::string unescaped(const std::string& column) {
     return text.append(column, start);
 }
 
-/// The columns of a line behind those of its heading.
+/// The columns of a line after those of its heading.
 std::vector<std::string> split(const std::string& line, std::vector<std::string> columns) {
     const std::string padded = " " + line + " ";
     for (std::size_t start = 0, end = 0; end != std::string::npos; start = end + 2) {
@@ -48,7 +48,7 @@ struct Line {
     std::string place, text;
 };
 
-/// The lines of a file but for comments, each with those that continue it.
+/// The lines of a file without comments, each joined with its continuation lines.
 std::vector<Line> readLines(const std::string& file) {
     std::vector<Line> lines;
     std::ifstream stream(OPCMODEL_TEST_DATA "/" + file);
@@ -66,7 +66,7 @@ std::vector<Line> readLines(const std::string& file) {
     return lines;
 }
 
-/// The names of a file with their texts.
+/// The names in a file with their texts.
 using Definitions = std::vector<std::pair<std::string, std::string>>;
 
 std::string expanded(std::string line, const Definitions& definitions) {

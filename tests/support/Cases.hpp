@@ -21,13 +21,13 @@ struct FileCase {
 };
 
 /// @param file  below tests/data
-/// @throws std::runtime_error  that names the place, if there are no cases or a line breaks the format
+/// @throws std::runtime_error  there are no cases, or a line breaks the format; the text names the place
 std::vector<FileCase> readCases(const std::string& file, std::size_t columns);
 
-/// The text in a file of one case.
+/// The text in a file with one case.
 std::string readCase(const std::string& file);
 
-/// What `forEachCase` does once it knows the parameters of `check`.
+/// What `forEachCase` does after it knows the parameters of `check`.
 template <typename... Texts, std::size_t... Index>
 void checkCases(const std::string& file, const std::function<void(Texts...)>& check,
                 std::index_sequence<Index...> /*columns*/) {
@@ -51,7 +51,7 @@ void checkCases(const std::string& file, const std::function<void(Texts...)>& ch
     checkCases(file, check, std::index_sequence_for<Texts...>());
 }
 
-/// Calls `check` with the columns of each case of the file: texts in UTF-8 or UTF-16, as its parameters are. A
+/// Calls `check` with the columns of each case of the file: texts in UTF-8 or UTF-16, as its parameters require. A
 /// failure in it names the file and the line of the case.
 template <typename Check>
 void forEachCase(const std::string& file, const Check& check) {

@@ -7,7 +7,7 @@
 
 namespace opc::test {
 
-/// A document in each encoding that is read: one in UTF-16 without a byte order mark begins with a declaration.
+/// A document in each encoding that can be read. In UTF-16 without a byte order mark, it begins with a declaration.
 inline std::vector<std::vector<unsigned char>> inAllEncodings(const std::string& text) {
     using Bytes = std::vector<unsigned char>;
     std::vector<Bytes> all = {Bytes(text.begin(), text.end())};

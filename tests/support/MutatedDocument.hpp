@@ -9,8 +9,7 @@
 
 namespace opc::test {
 
-/// A document changed in one to three places: bytes replaced, dropped, repeated, or taken from elsewhere in
-/// it.
+/// A document with one to three changes: bytes replaced, dropped, repeated, or copied from elsewhere in it.
 inline Bytes mutate(Bytes document, std::mt19937& random) {
     static const std::string BYTES = "<>/=\"' \n\t&;:%#?.-_~aZ0xml!\x01\x80\xC3";
     const auto below = [&random](std::size_t bound) { return bound == 0 ? 0 : random() % bound; };

@@ -52,7 +52,7 @@ const Pieces TEXT_PIECES = {u"a",      u" ",          u"  ",     u"\t",     u"\n
                             u"\u00E9", u"\U0001F600", u"\u2028", u"\uFEFF", u"\uFFFE", u"<!--a-->", u"&#10;"};
 const Pieces LANGUAGE_PIECES = {u"en", u"-", u"GB", u"x", u"1", u" ", u"abcdefghi", u"_"};
 
-/// What the bytes choose; at their end, always the first.
+/// The choices that the bytes make; after their end, always the first one.
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size) : next(data), end(data + size) {}
@@ -61,7 +61,7 @@ public:
     unsigned byte() { return atEnd() ? 0 : *next++; }
     unsigned below(std::size_t count) { return static_cast<unsigned>(byte() % count); }
 
-    /// Pieces one behind the other; now and then any code unit at all.
+    /// Joins pieces; sometimes adds any code unit.
     std::u16string text(const Pieces& pieces, std::size_t most) {
         std::u16string result;
         for (std::size_t count = below(most + 1); count > 0; --count) {
@@ -100,12 +100,12 @@ public:
 private:
     static constexpr int MOST_CHANGES = 12;
 
-    /// What the model refuses, it refuses by an exception of the family.
+    /// If the model refuses something, it throws an exception of the family.
     static void attempt(const std::function<void()>& action) {
         try {
             action();
         } catch (const Exception&) {
-            // and what it refuses isn't there
+            // and what it refuses doesn't exist
         }
     }
 
@@ -169,7 +169,7 @@ private:
         return ptime(day, hours(choices.byte()) - hours(choices.byte()) + microseconds(choices.byte()));
     }
 
-    /// Once while the package is open: more would go on in the same stream.
+    /// Once for each time that the package is open: more would continue in the same stream.
     void setCoreProperties() {
         if (wereCorePropertiesSet)
             return;
@@ -219,7 +219,7 @@ private:
         return loss;
     }
 
-    /// All that the model says but for the core properties.
+    /// Everything that the model says except the core properties.
     Pieces content() const {
         Pieces lines;
         addRelationships(package, lines);

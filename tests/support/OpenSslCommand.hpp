@@ -10,14 +10,14 @@
 
 namespace opc::test {
 
-/// A folder of its own for files that OpenSSL's command line reads and writes; it goes with the object.
+/// A folder for files that OpenSSL's command line reads and writes. The destructor removes it.
 class OpenSslCommand {
 public:
     using Bytes = std::vector<unsigned char>;
 
     /// Runs `openssl` with these arguments in the folder.
     /// @return what it wrote to both outputs
-    /// @throws std::runtime_error  with that text, if it fails
+    /// @throws std::runtime_error  the command fails; the exception has that text
     std::string run(const std::string& arguments) const {
         TemporaryFolder::Outcome outcome = folder.run("openssl " + arguments + " 2>&1");
         if (outcome.status != 0)

@@ -10,7 +10,7 @@
 
 namespace opc::test {
 
-/// What comes out of an action, as "class: message"; empty if it raises nothing.
+/// The exception of an action, as "class: message"; empty if it throws nothing.
 template <typename Action>
 std::string outcomeOf(const Action& action) {
     try {
@@ -21,7 +21,7 @@ std::string outcomeOf(const Action& action) {
     return {};
 }
 
-/// The details of what comes out of an action; empty if it raises nothing.
+/// The details of the exception of an action; empty if it throws nothing.
 template <typename Action>
 std::string detailsOf(const Action& action) {
     try {
@@ -32,7 +32,7 @@ std::string detailsOf(const Action& action) {
     return {};
 }
 
-/// Holds what a scanner makes of a document against what the parser does.
+/// Compares the results of a scanner and of the parser for a document.
 /// @return both, if they differ
 inline std::string differenceOf(const std::string& byScanner, const std::string& byParser) {
     return byScanner == byParser ? std::string() : byScanner + "\nagainst\n" + byParser;

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// @file
-/// Builds the content of packages in memory, and looks at it.
+/// Makes the content of packages in memory, and examines it.
 
 namespace opc::test {
 
@@ -28,7 +28,7 @@ extern const std::string USUAL_CONTENT_TYPES;
 /// A store with the usual content types and empty parts of these names.
 void fill(physical::MemoryPackage& store, const std::vector<std::u16string>& names);
 
-/// All that is left to read in a part's stream, and the other way round.
+/// Reads the rest of a part's stream, and converts text to bytes and back.
 std::string readAll(const model::Part& part);
 void writeAll(const model::Part& part, const std::string& content);
 

@@ -12,17 +12,17 @@
 #include <opc/model/StandardPartInfo.hpp>
 
 /// @file
-/// What most tests of packages use.
+/// What most tests of packages need.
 
 namespace opc::test {
 
 using interfaces::OpenMode;
 using physical::MemoryPackage;
 
-/// A package on a store in memory, whose calls are written down and can be made to fail.
+/// A package on a store in memory, whose calls are recorded and can be made to fail.
 class PackageTest : public testing::Test {
 protected:
-    /// @param names  of empty parts in the store
+    /// @param names  the names of empty parts in the store
     explicit PackageTest(const std::vector<std::u16string>& names = {}) { fill(store, names); }
 
     MemoryPackage store;

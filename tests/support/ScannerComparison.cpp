@@ -28,7 +28,7 @@ bool areContentTypesRecognised(const Bytes& document) {
     return scanContentTypes(toText(document), found);
 }
 
-/// What reading makes of a document, as a text, with the scanner or by the parser alone.
+/// The result of reading a document as a text, with the scanner or by the parser alone.
 /// @{
 
 std::string readRelationships(const Bytes& document, bool scanning) {

@@ -9,7 +9,7 @@
 
 namespace opc::test {
 
-/// Holds what reading plain documents gives with the scanner against what it gives by the validating parser alone.
+/// Compares reading plain documents with the scanner and by the validating parser alone.
 class ScannerComparison {
 public:
     /// @param kind  the schema of relationships parts or of content types streams
@@ -19,8 +19,8 @@ public:
     /// Whether the scanner recognises the document.
     bool isRecognised(const Bytes& document) const;
 
-    /// Compares all that was read, or the class and the message of the failure.
-    /// @return what differs; empty if nothing does, or if the scanner leaves the document to the parser
+    /// Compares everything that was read, or the class and the message of the failure.
+    /// @return the differences; empty if there are none, or if the scanner leaves the document to the parser
     std::string findDifference(const Bytes& document) const;
 
 private:

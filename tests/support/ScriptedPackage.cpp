@@ -6,7 +6,7 @@
 
 namespace opc::test {
 
-/// A part or a stream, which announces its calls by the part's name and forwards them.
+/// A part or a stream. It reports its calls under the part's name and forwards them.
 template <typename Interface>
 class ScriptedPackage::Scripted : public Interface {
 public:

@@ -14,27 +14,27 @@
 
 namespace opc::test {
 
-/// A physical package that forwards to another, writes down every call as a text ("createPart /a.xml a/b",
-/// "close true", "getInputStream /a.xml", "closeStream /a.xml" …), and can be told to do something first,
-/// such as to fail. The content types stream goes by the name "types".
+/// A physical package that forwards to another one, records every call as a text ("createPart /a.xml a/b", "close
+/// true", "getInputStream /a.xml", "closeStream /a.xml" …), and can do something before a call, such as to fail. The
+/// content types stream has the name "types".
 class ScriptedPackage : public interfaces::IPhysicalPackage {
 public:
     explicit ScriptedPackage(interfaces::IPhysicalPackage& inner) : inner(inner) {}
 
-    /// Runs `action` in front of each call with that text, or at its first word.
+    /// Runs `action` before each call with that text, or with its first word.
     void before(const std::string& call, std::function<void()> action) { actions[call] = std::move(action); }
     void failAt(const std::string& call, const std::string& message,
                 boost::system::errc::errc_t code = boost::system::errc::io_error);
     void forgetScript() { actions.clear(); }
 
-    /// The call that gives null: "getInputStream /a.xml", "createPart", "getParts" (for each part) …
+    /// The call that returns null: "getInputStream /a.xml", "createPart", "getParts" (for each part) …
     std::string nullAt;
 
     /// How many bytes each write leaves out.
     std::uint64_t unwritten = 0;
 
-    /// Runs in front of every call to the package, its parts and its streams, of those too that aren't written
-    /// down ("read /a.xml", "isDone /a.xml", "getName /a.xml" …).
+    /// Runs before every call to the package, its parts and its streams, including calls that aren't recorded ("read
+    /// /a.xml", "isDone /a.xml", "getName /a.xml" …).
     std::function<void(const std::string&)> beforeEach;
 
     /// All calls so far.

@@ -58,7 +58,7 @@ public:
         return outcome;
     }
 
-    /// How many files there are, hidden ones too.
+    /// The number of files, including hidden ones.
     std::size_t count() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
     }

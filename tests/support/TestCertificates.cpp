@@ -43,7 +43,7 @@ template <auto Add, typename T>
 void addExtension(T& target, X509V3_CTX& context, const std::string& name, const std::string& value) {
     if (value.empty())
         return;
-    const std::shared_ptr<CONF> none(require(NCONF_new(nullptr)), NCONF_free); // some kinds look into one
+    const std::shared_ptr<CONF> none(require(NCONF_new(nullptr)), NCONF_free); // some kinds need one
     X509V3_set_nconf(&context, none.get());
     const std::shared_ptr<X509_EXTENSION> extension(
         require(X509V3_EXT_nconf(none.get(), &context, name.c_str(), value.c_str())), X509_EXTENSION_free);
@@ -114,7 +114,7 @@ Identity makeIssuer(const std::string& subject, const Identity* issuer) {
 }
 
 std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, Bytes exponent) {
-    Bytes modulus(modulusSize, 0xFF); // in whichever order of bytes
+    Bytes modulus(modulusSize, 0xFF); // in any byte order
     const OSSL_PARAM parameters[] = {
         OSSL_PARAM_construct_BN(OSSL_PKEY_PARAM_RSA_N, modulus.data(), modulus.size()),
         OSSL_PARAM_construct_BN(OSSL_PKEY_PARAM_RSA_E, exponent.data(), exponent.size()),

@@ -15,7 +15,7 @@
 
 namespace opc::test {
 
-/// A pair of RSA keys of that size, made once in a program.
+/// A pair of RSA keys of that size, made once for each program.
 inline const bedrock::crypto::RsaKeyPair& keysOf(std::size_t bits) {
     static std::map<std::size_t, bedrock::crypto::RsaKeyPair> made;
     const auto found = made.find(bits);
@@ -36,16 +36,16 @@ struct Identity {
 /// Names and values of extensions in the syntax of OpenSSL's configuration.
 using Extensions = std::vector<std::pair<std::string, std::string>>;
 
-/// What a certificate is made of. Its validity is fixed, so that no test depends on today's date; the default
-/// reaches past every day on which a test might run.
+/// The input for a certificate. Its validity is fixed, so that no test depends on today's date. The default reaches
+/// past every day on which a test might run.
 struct CertificateRecipe {
     std::string subject = "Signer";
-    const Identity* issuer = nullptr; ///< signs itself without one
+    const Identity* issuer = nullptr; ///< null: it signs itself
     std::size_t rsaBits = 2048;       ///< 0 for a key on the curve P-256
-    std::shared_ptr<EVP_PKEY> key;    ///< taken as it is, if there
+    std::shared_ptr<EVP_PKEY> key;    ///< used as it is, if set
     std::string notBefore = "20000101000000Z";
     std::string notAfter = "99991231235959Z";
-    /// The extensions as in `Extensions`; an empty text leaves one out.
+    /// The extensions, as in `Extensions`; an empty text means none.
     /// @{
     std::string basicConstraints;
     std::string keyUsage;
@@ -55,20 +55,20 @@ struct CertificateRecipe {
     const EVP_MD* digest = EVP_sha256();
 };
 
-/// RSA keys are made once for each size in a program: all certificates of a size share one.
+/// RSA keys are made once for each size: all certificates of a size share one.
 Identity makeIdentity(const CertificateRecipe& recipe);
 
-/// @param change  what makes the certificate of a signer another one than the usual
+/// @param change  makes the certificate of a signer different from the usual one
 Identity makeSigner(const Identity* issuer, const std::function<void(CertificateRecipe&)>& change = {});
 
 /// An issuer of certificates, on an elliptic curve.
 Identity makeIssuer(const std::string& subject, const Identity* issuer = nullptr);
 
-/// A public RSA key with any odd modulus of that many bytes.
-/// @param exponent  in the order of bytes of the machine
+/// A public RSA key with some odd modulus of that many bytes.
+/// @param exponent  in the byte order of the machine
 std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, std::vector<unsigned char> exponent);
 
-/// A key of 2048 bits that is kept to RSA-PSS.
+/// A key of 2048 bits that is limited to RSA-PSS.
 std::shared_ptr<EVP_PKEY> makePssKey();
 
 /// A revocation list in DER, which names these certificates.

@@ -8,7 +8,7 @@
 
 namespace opc::test {
 
-/// What stands between the bars of a row of a table, as in u"base | reference | result".
+/// The texts between the bars of a table row, as in u"base | reference | result".
 template <std::size_t Count, typename Text>
 std::array<Text, Count> columns(const Text& row) {
     std::array<Text, Count> result;
@@ -23,7 +23,7 @@ std::array<Text, Count> columns(const Text& row) {
     return result;
 }
 
-/// What stands between the blanks of a text.
+/// The texts between the blanks of a text.
 template <typename Text>
 std::vector<Text> words(const Text& text) {
     std::vector<Text> result;
@@ -35,7 +35,7 @@ std::vector<Text> words(const Text& text) {
     return result;
 }
 
-/// @param text  a string or a literal, of any kind of character
+/// @param text  a string or a literal, with any character type
 template <typename Text>
 auto repeated(const Text& text, std::size_t count) {
     const std::basic_string piece(text);
@@ -46,7 +46,7 @@ auto repeated(const Text& text, std::size_t count) {
     return all;
 }
 
-/// `text` with `replacement` in place of the first `what`, which must be there.
+/// `text` with `replacement` instead of the first `what`, which must exist.
 inline std::string replaced(std::string text, const std::string& what, const std::string& replacement) {
     const std::size_t position = text.find(what);
     if (position == std::string::npos)
@@ -54,19 +54,19 @@ inline std::string replaced(std::string text, const std::string& what, const std
     return text.replace(position, what.size(), replacement);
 }
 
-/// `text` with `replacement` in place of every `what`.
+/// `text` with `replacement` instead of every `what`.
 inline std::string replacedAll(std::string text, const std::string& what, const std::string& replacement) {
     for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += replacement.size())
         text.replace(at, what.size(), replacement);
     return text;
 }
 
-/// `text` with `addition` behind the first `what`.
+/// `text` with `addition` after the first `what`.
 inline std::string inserted(const std::string& text, const std::string& what, const std::string& addition) {
     return replaced(text, what, what + addition);
 }
 
-/// What stands in `text` from the first `begin` up to the next `end`, both of which must be there.
+/// The piece of `text` from the first `begin` up to the next `end`, both of which must exist.
 inline std::string piece(const std::string& text, const std::string& begin, const std::string& end) {
     const std::size_t first = text.find(begin);
     const std::size_t last = text.find(end, first);

@@ -8,7 +8,7 @@
 
 namespace opc::test {
 
-/// Whether `action` raises exactly the class `E` (no class derived from it) with exactly `message`.
+/// Whether `action` throws exactly the class `E` (not a derived class) with exactly `message`.
 template <typename E, typename Action>
 testing::AssertionResult throws(const std::string& message, Action&& action) {
     const std::string outcome = outcomeOf(action);
@@ -20,6 +20,6 @@ testing::AssertionResult throws(const std::string& message, Action&& action) {
 
 } // namespace opc::test
 
-/// Expects that the expression raises exactly the class `E` with exactly `message`.
+/// Expects that the expression throws exactly the class `E` with exactly `message`.
 #define EXPECT_RAISES(E, message, ...)                                                                       \
     EXPECT_TRUE(::opc::test::throws<E>(message, [&] { static_cast<void>(__VA_ARGS__); }))

@@ -17,7 +17,7 @@ using opc::physical::ZipPackage;
 
 constexpr int THREADS = 4;
 
-/// Runs `work` on four threads that set off together, and lets through what one of them raises.
+/// Runs `work` on four threads that start together, and passes on an exception of any of them.
 void onFourThreads(const std::function<void(int thread)>& work) {
     std::promise<void> start;
     const std::shared_future<void> started = start.get_future().share();
@@ -72,7 +72,7 @@ TEST(Threads, eachHasPackagesOfItsOwn) {
     });
 }
 
-/// A parser that has read a document goes from thread to thread, and one that has failed goes for good.
+/// A parser that has read a document moves from thread to thread. One that has failed is destroyed.
 TEST(Threads, handParsersOn) {
     onFourThreads([](int) {
         for (int round = 0; round < 50; ++round) {
@@ -115,7 +115,7 @@ TEST(Threads, shareValues) {
     });
 }
 
-/// One error object, raised, caught, copied and read on four threads at once.
+/// One error object is thrown, caught, copied and read on four threads at once.
 TEST(Threads, shareErrors) {
     const std::function<void()> failures[] = {
         [] { PartName(u"a"); },

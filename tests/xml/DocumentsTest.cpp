@@ -60,7 +60,7 @@ private:
     }
 };
 
-/// Whether a parser or a serialiser still holds the error handler of an operation that is over.
+/// Whether a parser or a serialiser still has the error handler of a finished operation.
 template <typename Tool>
 bool hasErrorHandler(Tool* tool) {
     return tool->getDomConfig()->getParameter(xercesc::XMLUni::fgDOMErrorHandler) != nullptr;
@@ -118,7 +118,7 @@ std::string withAttributes(std::size_t count, const std::string& prefix) {
     return element;
 }
 
-/// Elements that each have a name, an attribute name or a namespace of their own.
+/// Elements that each have a different name, attribute name or namespace.
 std::string manyNames(std::size_t count, const std::string& before, const std::string& after) {
     std::string document = "<a>";
     for (std::size_t i = 0; i < count; ++i)
@@ -152,7 +152,7 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
         {"<a>" + repeated("<b c='' d=''/>", 30000) + "</a>", ""},
     };
     const std::clock_t start = std::clock(); // of the processor: other work on the machine does not count
-    for (const bool namespaces : {true, false}) { // Xerces tells of empty elements in two ways
+    for (const bool namespaces : {true, false}) { // Xerces reports empty elements in two ways
         parser.get()->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMNamespaces, namespaces);
         for (const auto& [document, refusal] : cases)
             EXPECT_EQ(parser.refusal(document, false), refusal) << document.substr(0, 40);
@@ -177,7 +177,7 @@ TEST_F(Reading, countsAnewForEachDocument) {
 constexpr char RELATIONSHIPS[] =
     "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>";
 
-/// A relationships part, that is in a plain form, with these IDs.
+/// A relationships part with these IDs, in a plain form.
 std::string withIDs(const std::vector<std::string>& ids) {
     std::string document = RELATIONSHIPS;
     for (const std::string& id : ids)
@@ -185,7 +185,7 @@ std::string withIDs(const std::vector<std::string>& ids) {
     return document + "</Relationships>";
 }
 
-/// The first IDs that fall into the first bucket of a table of that size.
+/// The first IDs that belong to the first bucket of a table of that size.
 std::vector<std::string> inOneBucket(std::size_t count, std::size_t size) {
     std::vector<std::string> ids;
     for (std::size_t number = 0; ids.size() < count; ++number) {
@@ -196,7 +196,7 @@ std::vector<std::string> inOneBucket(std::size_t count, std::size_t size) {
     return ids;
 }
 
-/// IDs of one hash value.
+/// IDs with the same hash value.
 std::vector<std::string> alike(std::size_t count) {
     std::vector<std::string> ids(count, "a");
     for (std::size_t i = 0; i < count; ++i)
@@ -212,7 +212,7 @@ std::vector<std::string> numbered(std::size_t count, const char* prefix) {
     return ids;
 }
 
-// What is scanned has the limit of what is parsed.
+// Scanning has the same limit as parsing.
 TEST_F(Reading, stopsIDsThatFallTogether) {
     const std::pair<std::vector<std::string>, bool> cases[] = {
         {alike(1000), true},
@@ -220,7 +220,7 @@ TEST_F(Reading, stopsIDsThatFallTogether) {
         {alike(65536), false},
         {inOneBucket(1500, 3519), false}, // the size of the table for 1320 to 2639 IDs
         {numbered(100000, "rId"), true},
-        {inOneBucket(1500, 3519), false}, // whatever was read before
+        {inOneBucket(1500, 3519), false}, // independent of earlier documents
         {numbered(20000, "R000000"), true},
     };
     SchemaParser relationships{&schemas::RELATIONSHIPS};
@@ -268,13 +268,13 @@ TEST_F(Reading, startsAfreshWithEachDocument) {
     }
 }
 
-/// Gives bytes as a bad stream may: few at once, claiming more than it was asked for, or failing.
+/// A bad stream: it gives few bytes at once, claims more than it was asked for, or fails.
 class FaultyInput : public opc::InputStream {
 public:
     explicit FaultyInput(const std::string& text) : bytes(text) {}
 
     std::size_t piece = 1;       ///< most bytes given at once
-    bool boasts = false;         ///< claims to have read more than the room there was
+    bool boasts = false;         ///< claims to have read more than the buffer can hold
     std::size_t failingRead = 0; ///< the read that fails, from 1
     std::function<void()> fail;
 
@@ -309,7 +309,7 @@ TEST_F(Reading, worksOnStreamsThatGiveByteByByteOrBoast) {
     }
 }
 
-/// A failure that belongs to no family.
+/// A failure outside all families of exceptions.
 struct Foreign {};
 
 TEST_F(Reading, passesExceptionsOfTheStreamAndStaysUsable) {
@@ -370,11 +370,11 @@ TEST(ReadingWithGrammar, keepsAllThatADocumentHoldsAndNormalisesValues) {
     EXPECT_EQ(written, std::u16string(expected.begin(), expected.end()));
 }
 
-/// Counts what happens to it, and fails or says that it is done where it is told to.
+/// Counts the calls. Fails, or says that it is done, when it is told to.
 class FaultyOutput : public opc::OutputStream {
 public:
     std::string bytes;
-    std::size_t limit = std::string::npos; ///< with that many bytes it is done
+    std::size_t limit = std::string::npos; ///< it is done after that many bytes
     bool fails = false;
     int flushes = 0;
 

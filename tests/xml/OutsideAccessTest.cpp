@@ -32,7 +32,7 @@ protected:
 constexpr char BEGIN[] = "/reading-begins";
 constexpr char END[] = "/reading-ends";
 
-/// A call of the system that a trace shows, and that does nothing.
+/// A system call without effect that a trace shows.
 void mark(const char* place) {
     access(place, F_OK);
 }
@@ -72,8 +72,8 @@ void readHostileDocuments(const TemporaryFolder& folder) {
     }
 }
 
-/// Between the marks in a trace of the system's calls there is none that names a file or touches the network,
-/// wherever a document would have led.
+/// In a trace of system calls, no call between the marks names a file or uses the network, whatever a document asks
+/// for.
 TEST_F(OutsideAccess, isNeverGivenToADocument) {
     if (std::getenv("OPCMODEL_TRACED")) {
         readHostileDocuments(folder);
@@ -121,7 +121,7 @@ TEST_F(OutsideAccess, isGivenToTheCallerForOneRead) {
         "<a xmlns='urn:s' " + XSI + "xsi:schemaLocation='urn:s " + (folder / "s.xsd").string() + "'>1</a>";
     EXPECT_NO_THROW(read(hint, (folder / "n.xsd").u16string(), u""));
     EXPECT_THROW(read(hint, u"", u""), InvalidXMLDocument);
-    // A schema that can't be opened is worth a warning to Xerces, and that counts for nothing.
+    // A schema that can't be opened is only a warning for Xerces, which doesn't count.
     EXPECT_NO_THROW(
         read("<a xmlns='urn:s'>1</a>", (folder / "s.xsd").u16string() + u" urn:b /missing.xsd", u"urn:s"));
 }

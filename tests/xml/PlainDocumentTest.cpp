@@ -79,7 +79,7 @@ TEST(ReplayedStream, givesWhatWasReadAheadAndThenTheRest) {
     EXPECT_EQ(all, document);
 }
 
-/// Each second read gives nothing. One fails, and then it says that it is done.
+/// Every second read gives nothing. One read fails; after it the stream says that it is done.
 class Stuttering : public opc::InputStream {
 public:
     explicit Stuttering(int most) : goodReads(most) {}

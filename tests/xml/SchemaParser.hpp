@@ -21,7 +21,7 @@ public:
 
     xercesc::DOMLSParser* get() { return parser.get(); }
 
-    /// Gives the message with which `text` is refused, or an empty one.
+    /// The message that refuses `text`; empty if it is accepted.
     std::string refusal(const std::string& text, bool validate = true) {
         const Bytes bytes = toBytes(text);
         ByteArrayInAdaptor stream(bytes);

@@ -30,7 +30,7 @@ void check(const std::string& file, std::initializer_list<const EmbeddedSchema*>
     });
 }
 
-/// Fails the test for everything that Xerces has to say, warnings too.
+/// Fails the test for every message of Xerces, including warnings.
 class Listener : public xercesc::DOMErrorHandler {
 public:
     bool handleError(const xercesc::DOMError& error) override {

@@ -28,7 +28,7 @@ bool isXercesUp() {
 
 int madeParsers = 0;
 
-/// Of a kind that counts how many have been made.
+/// A kind of parser that counts how many were made.
 IdleParsers& countedParsers() {
     static IdleParsers& parsers = *new IdleParsers([] {
         ++madeParsers;
@@ -37,7 +37,7 @@ IdleParsers& countedParsers() {
     return parsers;
 }
 
-/// How many parsers it takes to read a document twice, as two packages do.
+/// How many parsers are made to read a document twice, as for two packages.
 int countParsersFor(const std::string& document) {
     countedParsers().take(); // an idle one
     madeParsers = 0;
@@ -51,13 +51,13 @@ int countParsersFor(const std::string& document) {
                 XercesHelper::readDocumentFromStream(parser, source, false, {}, {});
             });
         } catch (const InvalidXMLDocument&) {
-            // It isn't kept.
+            // The parser isn't kept.
         }
     }
     return madeParsers;
 }
 
-/// Guards before, between and behind the application's own calls, in a process in which Xerces hasn't been up.
+/// Guards before, between and after the application's own calls, in a process that hasn't initialised Xerces.
 int countFaultsOfGuards() {
     xercesc::XMLPlatformUtils::Initialize();
     auto first = std::make_unique<XercesGuard>();
@@ -68,7 +68,7 @@ int countFaultsOfGuards() {
     first.reset();
     faults += isXercesUp() ? 0 : 1;
     second.reset();
-    faults += isXercesUp() ? 1 : 0; // the application has torn it down
+    faults += isXercesUp() ? 1 : 0; // the application has terminated it
     XercesGuard();
     XercesGuard();
     faults += XercesString(u"a").toString() == u"a" ? 0 : 1; // up without a guard
@@ -147,7 +147,7 @@ TEST_F(XercesHelperTest, changesFailWithTheMessageOfXerces) {
     EXPECT_EQ(root->getFirstChild(), nullptr);
 }
 
-/// Builds a tree in which names, namespaces and prefixes meet in all ways, text and comments between them.
+/// Builds a tree with all combinations of names, namespaces and prefixes, and with text and comments between them.
 void grow(DOMElement* parent, int depth, std::mt19937& random) {
     static const char16_t* const namespaces[] = {u"", u"urn:one", u"urn:two"};
     static const char16_t* const names[] = {u"a", u"b", u"p:a"};
@@ -177,7 +177,7 @@ void expectSame(const List* expected, const std::vector<DOMElement*>& all, const
 }
 
 TEST_F(XercesHelperTest, findsWhatTheNodeListsOfTheDOMFind) {
-    std::mt19937 random(20); // the same trees each time
+    std::mt19937 random(20); // always the same trees
     DOMElement* const root = makeRoot();
     for (int tree = 0; tree < 40; ++tree) {
         DOMElement* const top = XercesHelper::appendElement(root, XercesString(u"a"));

@@ -39,7 +39,7 @@ inline std::string hex(const Bytes& bytes) {
     return text;
 }
 
-/// The encoded form of a private key of these numbers, in hexadecimal: n, e, d, p, q, dp, dq and qi.
+/// The encoded form of a private key with these numbers in hexadecimal: n, e, d, p, q, dp, dq and qi.
 inline Bytes encode(const OpenSslCommand& openssl, const std::vector<std::string>& numbers) {
     std::string text = "asn1=SEQUENCE:key\n[key]\nversion=INTEGER:0\n";
     for (std::size_t index = 0; index < numbers.size(); ++index)
@@ -61,7 +61,7 @@ inline std::shared_ptr<crypto::RSAPublicKey> publicKey(std::size_t bits, const B
     return crypto::cryptopp::CryptoProvider().createRSAPublicKey(bits, encoded);
 }
 
-/// Whether `action` raises `E` with a text, and leaves nothing in OpenSSL's error queue.
+/// Whether `action` throws `E` with a text, and leaves nothing in OpenSSL's error queue.
 template <typename E, typename Action>
 testing::AssertionResult fails(Action&& action) {
     try {

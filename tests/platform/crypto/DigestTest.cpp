@@ -36,7 +36,7 @@ const Algorithm Algorithms[] = {
      "2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f"},
 };
 
-/// Hands out its text in pieces of an odd size, and then throws if it is told to.
+/// Gives its text in pieces of an odd size, and then throws if it is told to.
 class PiecewiseBuffer : public std::streambuf {
 public:
     PiecewiseBuffer(std::string text, bool throwsAtEnd) : text(std::move(text)), throwsAtEnd(throwsAtEnd) {}

@@ -10,7 +10,7 @@ namespace {
 using namespace bedrock::certificates;
 using namespace bedrock::test;
 
-/// Bundles that the command line makes of a root, an issuer and a signer.
+/// Bundles that the command line makes from a root, an issuer and a signer.
 class PKCS12CertificateTest : public testing::Test {
 protected:
     PKCS12CertificateTest()

@@ -38,7 +38,7 @@ Numbers numbersOf(const OpenSslCommand& openssl, const std::string& file) {
     return {modulus, {1, 0, 1}, after("privateExponent:"), after("prime1:"), after("prime2:")};
 }
 
-/// The encoded form of writers that know no primes, or, given some, none of what follows from them.
+/// The encoded form of writers that leave out the primes or, given some, the numbers that follow from them.
 Bytes withoutPrimes(const OpenSslCommand& openssl, const Numbers& numbers, const std::string& p = "0",
                     const std::string& q = "0") {
     return encode(openssl,
@@ -68,7 +68,7 @@ TEST(RsaKeys, encodedFormsStayWithinTheirBounds) {
         EXPECT_EQ(open->getAsByteArray(), pair.getPublicKey());
         EXPECT_EQ(open->getModulus().size() * 8, bits);
         EXPECT_EQ(open->getPublicExponent(), (Bytes{1, 0, 1}));
-        // A key with an exponent of the greatest length.
+        // A key with the longest exponent.
         const Bytes longest(8, 0xFF);
         const auto large =
             bedrock::crypto::cryptopp::CryptoProvider().createRSAPublicKey(bits, open->getModulus(), longest);
@@ -157,7 +157,7 @@ TEST(RsaKeys, keysCutShortOrContinuedAreRefused) {
                      [&](const Bytes& key) { engine.createRSA1024PublicKey(key); });
 }
 
-/// Of a key with any byte changed, each number is caught, or the key signs as before.
+/// If any byte of a key changes, each wrong number is detected, or the key signs as before.
 TEST(RsaKeys, damagedKeysAreRefusedOrSignRightly) {
     const OpenSslCommand openssl;
     openssl.run("genrsa -primes 3 -out three.pem 1024");
@@ -189,7 +189,7 @@ TEST(RsaKeys, damagedKeysAreRefusedOrSignRightly) {
     }
 }
 
-/// What is read from a public key of 1024 bits, or why it isn't.
+/// The result of reading a public key of 1024 bits, or of the failure.
 std::string outcomeOf(const Bytes& encoded) {
     try {
         const auto key = publicKey(1024, encoded);
@@ -199,7 +199,7 @@ std::string outcomeOf(const Bytes& encoded) {
     }
 }
 
-/// In PEM, which OpenSSL reads in every case.
+/// In PEM, which OpenSSL always reads.
 Bytes pemOf(const Bytes& der) {
     const std::shared_ptr<BIO> stream(BIO_new(BIO_s_mem()), BIO_free);
     PEM_write_bio(stream.get(), "PUBLIC KEY", "", der.data(), static_cast<long>(der.size()));
@@ -288,7 +288,7 @@ TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
         EXPECT_TRUE(fails<InvalidKey>([&] {
             engine.createRSA1024PrivateKey(c.modulus, c.privateExponent, c.publicExponent);
         })) << c.name;
-        // Of the public numbers alone, each of these is a good pair.
+        // By the public numbers alone, each of these is a good pair.
         const std::string name = c.name;
         const bool isPublicGood = name.find("private") != std::string::npos || name.find("other") == 0;
         if (isPublicGood)
@@ -298,7 +298,7 @@ TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
                 engine.createRSA1024PublicKey(c.modulus, c.publicExponent);
             })) << name;
     }
-    // Congruent to the private exponent, so it would sign; but the encoded form would exceed its bound.
+    // Congruent to the private exponent, so it would sign. But the encoded form would be too long.
     Numbers swollen = good;
     swollen.privateExponent =
         product(good.privateExponent, product(good.privateExponent, good.publicExponent));

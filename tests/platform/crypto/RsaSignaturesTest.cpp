@@ -86,7 +86,7 @@ TEST(RsaSignatures, whatDoesntHoldIsAStatus) {
               SignatureVerificationStatus::Invalid);
 }
 
-/// The numbers of this key belong together, but 2^512 - 1, a multiple of 3, stands at the place of a prime.
+/// The numbers of this key belong together, but 2^512 - 1, a multiple of 3, takes the place of a prime.
 TEST(RsaSignatures, wrongValuesDontLeaveTheSigner) {
     const auto times = [](int count, const std::string& digits) {
         std::string text;

@@ -82,7 +82,7 @@ TEST_F(TrustStoreTest, takesInTheSystem) {
     EXPECT_FALSE(store.empty());
     EXPECT_EQ(validate(second, store), CertificateChainStatus::UnknownIssuer);
 
-    // A certificate with settings of its own, which are against signing.
+    // A certificate with its own settings, which forbid signing.
     openssl.run("x509 -in first.pem -addreject codeSigning -out rejected.pem");
     setenv("SSL_CERT_FILE", openssl.path("rejected.pem").c_str(), 1);
     EXPECT_EQ(validate(first, store), CertificateChainStatus::UnknownIssuer);

@@ -34,7 +34,7 @@ X509CertificateChain chainOf(const std::vector<const Identity*>& identities) {
     return chain;
 }
 
-/// A root, an issuer below it, another root, and signers that the issuer certified.
+/// A root, an issuer below it, another root, and signers that the issuer has certified.
 struct Authorities {
     Identity root = makeIssuer("Root");
     Identity issuer = makeIssuer("Issuer", &root);
@@ -45,7 +45,7 @@ struct Authorities {
     }
 };
 
-/// An issuer of any kind of key.
+/// An issuer with any kind of key.
 Identity makeIssuerBelow(const Identity& above, const std::string& subject,
                          const std::function<void(CertificateRecipe&)>& change = {}) {
     return makeSigner(&above, [&](CertificateRecipe& r) {
@@ -138,7 +138,7 @@ TEST(Validation, theChainDecides) {
 TEST(Validation, certificatesThatLeadNowhereDontStandInTheWay) {
     const Authorities a;
     const Identity good = a.signer();
-    // The same name and key, by another issuer or in another way.
+    // The same name and key, from another issuer or in another way.
     const auto again = [&a](const Identity& above,
                             const std::function<void(CertificateRecipe&)>& change = {}) {
         return makeIssuerBelow(above, "Issuer", [&](CertificateRecipe& r) {
@@ -222,7 +222,7 @@ TEST(Validation, timeAndPurposeDecide) {
         EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), status)
             << &status - &cases[0].second;
 
-    // Without a time it is now.
+    // Without a time, the present time counts.
     EXPECT_EQ(validate(a.signer(), {&a.issuer}, {&a.root}, {}), Status::Good);
     EXPECT_EQ(validate(validity("20000101000000Z", "20010101000000Z"), {&a.issuer}, {&a.root}, {}),
               Status::Expired);
@@ -394,8 +394,8 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
     };
     struct Case {
         const Identity& issuer;
-        const EVP_MD* digest; ///< null where the key has one of its own
-        std::string weak;     ///< empty for none
+        const EVP_MD* digest; ///< null if the key has its own digest
+        std::string weak;     ///< empty if nothing is weak
     };
     const Case cases[] = {
         {a.issuer, EVP_sha1(), "2 SHA-1 CN=Issuer;"},
@@ -411,7 +411,7 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
         const Identity good = makeSigner(&issuer, useStrong), bad = makeSigner(&issuer, useStrong);
         CertificateValidationOptions options = optionsAtCheckTime();
         options.addRevocationList(signedBy(issuer, digest, {&bad}));
-        options.addRevocationList(signedBy(a.otherRoot, EVP_sha1())); // not one of the chain
+        options.addRevocationList(signedBy(a.otherRoot, EVP_sha1())); // not an issuer of the chain
         EXPECT_EQ(validate(good, {&issuer}, {&a.root}, options), weak.empty() ? Status::Good : Unknown)
             << weak;
         options.setAcceptingWeakDigests(true);

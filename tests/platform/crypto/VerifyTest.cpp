@@ -16,7 +16,7 @@ const Bytes Message = bytesOf("<SignedInfo>signed</SignedInfo>");
 const Time In2030 = std::chrono::system_clock::from_time_t(1906502400);
 const Time In2040 = std::chrono::system_clock::from_time_t(2222035200);
 
-/// A verification that succeeds, of which each case changes something.
+/// A successful verification. Each case changes something in it.
 struct Verification {
     Bytes message = Message;
     Bytes value;
@@ -77,7 +77,7 @@ protected:
     static int codeOf(const Verification& verification) {
         const auto status = verification.run();
         EXPECT_EQ(status.isProperlyCodesigned(), status.getErrorCode().value() == 0);
-        // The text is there just if the chain is at fault.
+        // The text exists only if the chain is at fault.
         const auto& results = status.getCertificateValidationResults();
         EXPECT_EQ(results.getCertificateChainStatus() == CertificateChainStatus::Good,
                   status.getErrorCode().value() <= 2);
@@ -216,7 +216,7 @@ TEST_F(VerifyTest, whatCantBeCheckedIsRaised) {
     EXPECT_EQ(raisedBy([](Verification& v) { v.digest = Options::SignatureDigestMethod(6); }), 15);
     EXPECT_EQ(raisedBy([](Verification& v) { v.padding = Options::SignaturePaddingMode(0); }), 15);
     EXPECT_EQ(raisedBy([this](Verification& v) { v.certificate = issuer.certificate; }), 15);
-    // Exponents that are even and of 72 bits.
+    // Even exponents, and exponents of 72 bits.
     for (const Bytes& exponent : {Bytes{4, 0, 0, 4}, Bytes(9, 0xFF)}) {
         const Identity unusable = makeSigner(
             [&exponent](CertificateRecipe& r) { r.key = opc::test::makePublicKey(256, exponent); });

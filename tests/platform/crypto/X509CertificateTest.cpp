@@ -77,7 +77,7 @@ TEST(X509Certificate, whatIsntOneCertificateIsRefused) {
         EXPECT_TRUE(fails<X509CertificateException>([&bytes] { X509Certificate{bytes}; }));
 }
 
-// Whatever byte is wrong: an exception, or a certificate that answers.
+// Any wrong byte gives an exception, or a certificate that can be used.
 TEST(X509Certificate, damageDoesntCrash) {
     const Bytes der = withKeyOf(1024, "digitalSignature").getAsByteArray();
     for (std::size_t position = 0; position < der.size(); ++position) {
