@@ -82,7 +82,7 @@ void remove(const Arguments& arguments) {
     package.save();
 }
 
-/// What is blank counts as empty when it is read back, and makes the package one that can't be opened.
+/// A blank type counts as empty when it is read, and would make a package that can't be opened.
 std::string checkNotBlank(const std::string& argument) {
     return argument.find_first_not_of(" \t\r\n") == std::string::npos ? "It is blank" : "";
 }

@@ -6,10 +6,10 @@ class App;
 
 namespace opctool {
 
-/// Raised by a command that has done its work and printed that the answer is no.
+/// Thrown by a command that has done its work and printed that the answer is no.
 struct AnswerIsNo {};
 
-/// Each adds a family of commands, with its arguments and what it does.
+/// Each adds a family of commands, with its arguments and its action.
 /// @{
 
 void addInfoCommand(CLI::App& app);      ///< info

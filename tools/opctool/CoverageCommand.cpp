@@ -50,7 +50,7 @@ std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
 /// A small package can have very many signatures over very many relationships. The report names no more.
 constexpr std::size_t MAXIMUM_NAMES = 2000000;
 
-/// The report over a package, row by row: there may be very many.
+/// The report on a package, row by row, because there may be very many rows.
 class Report {
 public:
     /// @param package  must outlive this object
@@ -144,11 +144,11 @@ private:
     SignedPackage& package;
     std::set<std::string> managedNames;
     std::set<std::string> managedTypes;
-    std::optional<PackageCoverage> together; ///< of all signatures
+    std::optional<PackageCoverage> together; ///< the coverage of all signatures together
     std::vector<std::string> signatureNames;
 };
 
-/// The signatures of a part or relationship, and what else is to be said.
+/// The signatures of a part or relationship, and further remarks.
 std::string describe(const ordered_json& row) {
     std::string text;
     for (const auto& name : row["signatures"])

@@ -8,10 +8,10 @@ namespace opctool {
 
 class JSONOutput;
 
-/// What isn't covered, in lines for people to read. The same for every command that speaks of it.
+/// Describes what isn't covered, in lines for people, in the same way for all commands.
 std::string summarize(const opc::model::PackageCoverage& coverage);
 
-/// The same, complete, for programs: members of the object that was begun.
+/// The same, complete, for programs: adds members to the object that was begun last.
 void print(JSONOutput& output, const opc::model::PackageCoverage& coverage);
 
 } // namespace opctool

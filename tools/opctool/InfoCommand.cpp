@@ -98,7 +98,7 @@ ordered_json describePackage(const PackageArgument& argument) {
                                 {"size", std::filesystem::file_size(argument.path)},
                                 {"parts", countParts(*package)},
                                 {"relationships", countRelationships(*package)}};
-    // An overview of a package whose properties are bad is worth more than none.
+    // An overview of a package whose properties are invalid is more useful than none.
     try {
         description["coreProperties"] = describe(PackageHelper::getCoreProperties(*package));
     } catch (const opc::Exception& e) {

@@ -8,13 +8,13 @@
 
 namespace opctool {
 
-/// Prints a JSON document piece by piece: lists may be longer than memory should be.
+/// Prints a JSON document piece by piece, because lists can be longer than memory should be.
 class JSONOutput {
 public:
     /// @param stream  must outlive this object
     explicit JSONOutput(std::ostream& stream) : stream(stream) {}
 
-    /// Begins an array or object. In an object, what is begun or added has a name.
+    /// Begins an array or object. In an object, everything that is begun or added needs a name.
     void beginArray(const std::string& name = {}) { begin(name, "[", ']'); }
     void beginObject(const std::string& name = {}) { begin(name, "{", '}'); }
 

@@ -26,7 +26,7 @@ using Bytes = std::vector<unsigned char>;
 
 constexpr std::size_t KEY_SIZES[] = {1024, 2048, 4096};
 
-/// What `read` makes of the file's bytes for the first size that they are a key of; null if there is none.
+/// The result of `read` for the first size of a key that the file's bytes fit; null if there is none.
 template <typename Read>
 auto tryAllSizes(const std::string& path, Read read) -> decltype(read(KEY_SIZES[0])) {
     for (const std::size_t bits : KEY_SIZES) {
@@ -45,7 +45,7 @@ auto tryAllSizes(const std::string& path, Read read) -> decltype(read(KEY_SIZES[
     throw opc::Exception(path + " contains no RSA " + kind + " key of 1024, 2048 or 4096 bits");
 }
 
-/// Bytes that are overwritten when they go.
+/// Bytes that are overwritten on destruction.
 struct SecretBytes {
     Bytes bytes;
 
@@ -59,7 +59,7 @@ Bytes toPem(const std::string& label, const Bytes& der) {
         bytes.insert(bytes.end(), line.begin(), line.end());
     };
     Bytes pem;
-    pem.reserve(text.size() + text.size() / LINE + 100); // so that no copy of a secret is left behind
+    pem.reserve(text.size() + text.size() / LINE + 100); // so that growing leaves no copy of a secret behind
     append(pem, "-----BEGIN " + label + "-----\n");
     for (std::size_t i = 0; i < text.size(); ++i) {
         pem.push_back(static_cast<unsigned char>(text[i]));
@@ -78,7 +78,8 @@ Bytes toPem(const std::string& label, const Bytes& der) {
         {error, boost::system::generic_category()});
 }
 
-/// A file that is written under another name first if it may replace one. It goes again unless it is kept.
+/// A new file. If it may replace another one, it is written under another name first. Unless it is kept, it is
+/// removed.
 class NewFile {
 public:
     NewFile(const std::string& name, mode_t mode, bool replace)
@@ -102,7 +103,7 @@ public:
                 failWriting(finalPath);
             done += static_cast<std::size_t>(count);
         }
-        if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: nothing that could be synchronised
+        if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: the file can't be synced
             failWriting(finalPath);
     }
     void keep() {
@@ -160,7 +161,7 @@ void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& ba
     bedrock::crypto::utils::cleanse(pem);
     publicFile.write(toPem("PUBLIC KEY", pair.getPublicKey()));
     publicFile.keep();
-    privateFile.keep(); // last: it can't be made anew
+    privateFile.keep(); // last, because it can't be made again
 }
 
 } // namespace opctool

@@ -66,7 +66,7 @@ struct RelsArguments {
 
 ordered_json describe(const Relationship& relationship) {
     const bool isInternal = relationship.getTargetMode() == TargetMode::Internal;
-    ordered_json resolved; // null: what lies outside the package isn't resolved
+    ordered_json resolved; // null: a target outside the package isn't resolved
     if (isInternal)
         resolved = toUDEString(relationship.getTargetURI().toString());
     return {{"source", toUDEString(relationship.getSourceURI().toString())},

@@ -10,7 +10,7 @@
 
 namespace opctool {
 
-/// The package of one command: opened when it is made. Unless `save` was called, it is left as it was.
+/// The package of one command. The constructor opens it. Without a call of `save`, the file doesn't change.
 class OpenedPackage {
 public:
     OpenedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode);
@@ -18,16 +18,16 @@ public:
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
 
-    /// What the container holds beside the parts.
+    /// What the container has beside the parts.
     const std::vector<opc::physical::ZipPackage::IgnoredItem>& ignoredItems() const {
         return file.ignoredItems();
     }
 
-    /// Closes the package and writes what has changed.
+    /// Writes the changes and closes the package.
     void save();
 
-    /// The package itself for "/", otherwise the part of that name.
-    /// @param use  called with what was found
+    /// Finds the package itself for "/", otherwise the part with that name.
+    /// @param use  called with the result
     template <typename Use>
     void withSource(const std::string& name, Use use);
 
@@ -36,11 +36,11 @@ private:
     opc::model::Package package;
 };
 
-/// @return the size in bytes; the content is read only if the physical layer tells none
+/// @return the size in bytes; reads the content only if the store doesn't know the size
 std::uint64_t measure(const opc::model::Part& part);
 
-/// A text from the command line, which is UTF-8.
-/// @throws CLI::ValidationError  if it isn't
+/// A text from the command line, which must be UTF-8.
+/// @throws CLI::ValidationError  it isn't
 std::u16string fromArgument(const std::string& argument);
 
 template <typename Use>

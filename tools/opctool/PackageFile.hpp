@@ -16,7 +16,7 @@ class Package;
 
 namespace opctool {
 
-/// The package of a command, as it is given on the command line.
+/// The package of a command, as given on the command line.
 struct PackageArgument {
     std::string path;
     bool strict = false;
@@ -25,16 +25,16 @@ struct PackageArgument {
 /// Declares the arguments of a command for the package that it opens.
 void addPackage(CLI::App& command, PackageArgument& package);
 
-/// The store under the package of a command. Unless it is strict, it takes packages as real programs leave them,
-/// and prints a line on standard error for each oddity before it closes.
+/// The store of a command's package. Unless it is strict, it accepts packages that real programs write although they
+/// break the standard, and prints a line on standard error for each oddity before it closes.
 class PackageFile : public opc::interfaces::IPhysicalPackage {
 public:
     explicit PackageFile(const PackageArgument& argument);
 
-    /// Opens the model on this store. The failure of a strict one tells if leniency would avoid it.
+    /// Opens the model on this store. If a strict store fails, the message says whether a lenient one would succeed.
     void open(opc::model::Package& package, opc::interfaces::OpenMode mode) const;
 
-    /// What the container holds beside the parts.
+    /// What the container has beside the parts.
     const std::vector<opc::physical::ZipPackage::IgnoredItem>& ignoredItems() const {
         return archive.ignoredItems();
     }

@@ -14,11 +14,11 @@ namespace opctool {
 
 namespace {
 
-// Where the handler of a signal finds it.
-termios shown{}; ///< how the terminal shows what is typed
+// Here the handler of a signal finds it.
+termios shown{}; ///< the terminal's settings before typing was hidden
 volatile std::sig_atomic_t isQuiet = 0;
 
-/// While it lives, the terminal doesn't show what is typed. One at a time.
+/// Hides what is typed on the terminal while it lives. Only one at a time.
 class WithoutEcho {
 public:
     WithoutEcho() {

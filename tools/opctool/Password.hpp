@@ -4,13 +4,13 @@
 
 namespace opctool {
 
-/// A password, overwritten when it goes out of scope.
+/// A password, overwritten on destruction.
 class Password {
 public:
-    /// Takes the first line of the file. Without one, asks on the terminal without echo; without a terminal
-    /// the password is empty.
+    /// Reads the first line of the file. Without a file, asks on the terminal without echo. Without a terminal, the
+    /// password is empty.
     /// @param file  a path, or empty
-    /// @throws opc::Exception  if the file can't be read
+    /// @throws opc::Exception  the file can't be read
     explicit Password(const std::string& file);
     Password(const Password&) = delete;
     Password& operator=(const Password&) = delete;
@@ -24,8 +24,8 @@ private:
     std::string text;
 };
 
-/// Lets the terminal show again what is typed, if a password is being asked for. Async-signal-safe, for the
-/// handler of a signal that ends the process.
+/// Makes the terminal show again what is typed, if a password is being asked for. Async-signal-safe, for the handler
+/// of a signal that ends the process.
 void showTyping() noexcept;
 
 } // namespace opctool

@@ -100,7 +100,7 @@ IPhysicalPart* WatchedPackage::createPart(const std::u16string& name, const std:
 }
 
 IPhysicalPart* WatchedPackage::watch(IPhysicalPart* part) {
-    // What has more than the interface of a part keeps it.
+    // A part with a further interface isn't wrapped, so that it keeps that interface.
     if (part == nullptr || dynamic_cast<opc::interfaces::IKeptRelationships*>(part) != nullptr)
         return part;
     parts.push_back(std::make_unique<WatchedPart>(*part, progress));

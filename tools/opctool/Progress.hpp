@@ -19,7 +19,7 @@ public:
 
     void add(std::uint64_t bytes);
 
-    /// Takes the line away, as the destructor does.
+    /// Removes the line, as the destructor does.
     void hide();
 
 private:
@@ -31,7 +31,7 @@ private:
     Clock::time_point nextUpdate;
 };
 
-/// A package over another one, which it doesn't own, that reports what is read of the parts.
+/// A package that wraps another one, which it doesn't own, and reports how much of the parts is read.
 class WatchedPackage : public opc::interfaces::IPhysicalPackage {
 public:
     WatchedPackage(opc::interfaces::IPhysicalPackage& package, Progress& progress);
@@ -47,7 +47,7 @@ public:
     std::vector<opc::interfaces::IPhysicalPart*> getParts() override;
     void open(const opc::interfaces::OpenMode& mode) override { package.open(mode); }
     void close(bool abandon) override {
-        progress.hide(); // the other may print
+        progress.hide(); // so that others can print
         package.close(abandon);
     }
     opc::interfaces::IPhysicalPart* createPart(const std::u16string& name, const std::u16string& contentType,

@@ -44,8 +44,8 @@ bool hasCoreProperties(const Package& package) {
     return !package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).empty();
 }
 
-/// Some programs lead to their core properties by a relationship of another type than the standard's: the
-/// package has none then, and new ones stand beside those.
+/// Some programs lead to their core properties by a relationship of another type than the standard's. Then the
+/// package has none by the standard, and new ones are added beside those.
 void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& package) {
     if (hasCoreProperties(package))
         return;
@@ -67,7 +67,8 @@ CoreProperties readStrictly(const Package& package) {
     }
 }
 
-/// None, with a word about it and about what is done, if their relationship leads to no part. Strictly that is a failure.
+/// None if their relationship leads to no part; prints what is missing and what is done about it. In strict mode that
+/// is a failure.
 CoreProperties read(const PackageArgument& argument, const Package& package, const std::string& done) {
     if (argument.strict || !PackageHelper::hasDanglingCoreProperties(package))
         return readStrictly(package);
@@ -100,7 +101,7 @@ void change(const Arguments& arguments) {
     OpenedPackage package(arguments.package, OpenMode::ReadWrite);
     warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
     CoreProperties properties;
-    if (!arguments.clear) // what is to be dropped needn't be readable
+    if (!arguments.clear) // old ones that will be dropped need not be readable
         properties = read(arguments.package, *package, "new ones are written");
     for (const std::string& name : arguments.unset)
         unset(properties, name);

@@ -35,7 +35,7 @@ const CorePropertyField* findField(const std::string& name) {
     return nullptr;
 }
 
-/// What a field holds, as JSON.
+/// The value of a field, as JSON.
 /// @{
 json describeValue(const std::u16string& text) {
     return toUDEString(text);
@@ -69,7 +69,7 @@ struct Assignment {
     std::string value;
 };
 
-/// Whether `text` has the form that RFC 3066 gives a language tag, which the schema asks for too.
+/// Whether `text` has the form of a language tag in RFC 3066, which the schema requires too.
 bool isLanguageTag(const std::string& text) {
     std::size_t length = 0;
     bool isFirst = true;

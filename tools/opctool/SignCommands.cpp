@@ -53,7 +53,7 @@ struct SignArguments {
     bool selectsAll() const { return parts.empty() && relationships.empty() && relationshipTypes.empty(); }
 };
 
-/// Everything but the signatures themselves, relationships by their types.
+/// Everything except the signatures themselves; relationships are selected by their types.
 Selection selectAll(const Package& package) {
     Selection selection;
     const auto select = [&selection](const RelationshipSource& source) {
@@ -81,9 +81,10 @@ std::string checkSelector(const std::string& argument) {
     return isSound ? "" : "Write SOURCE:VALUE; SOURCE begins with a slash";
 }
 
-/// Where SOURCE ends in SOURCE:TYPE. Both can hold colons: SOURCE is the shortest that is in the package.
+/// The end of SOURCE in SOURCE:TYPE. Both can have colons: SOURCE is the shortest one that the package has.
 std::size_t findEndOfSource(const Package& package, const std::string& argument) {
-    const std::string names = argument.substr(0, argument.find("//")); // no part name goes on behind that
+    const std::string names =
+        argument.substr(0, argument.find("//")); // two slashes end a part name
     for (std::size_t colon = names.find(':'); colon != std::string::npos; colon = names.find(':', colon + 1))
         if (colon == 1 || package.hasPart(PartName(fromArgument(names.substr(0, colon)))))
             return colon;
@@ -96,7 +97,7 @@ RelationshipSelector makeSelector(const std::string& argument, std::size_t colon
                                 fromArgument(argument.substr(colon + 1)));
 }
 
-/// Signing adds a relationship of such a type, and a signature over all of that type wouldn't hold.
+/// Signing adds a relationship of such a type, so a signature over all of that type would be broken at once.
 void throwIfOfSignatures(const RelationshipSelector& selector, const DigitalSignatureManager& signatures) {
     const auto types = signatures.getManagedRelationshipTypes();
     if (std::find(types.begin(), types.end(), selector.getSelectionCriteria()) != types.end())
@@ -111,7 +112,7 @@ Selection select(const SignArguments& arguments, const Package& package,
     Selection selection;
     for (const std::string& name : arguments.parts)
         selection.parts.emplace_back(fromArgument(name));
-    for (const std::string& argument : arguments.relationships) // IDs hold no colon
+    for (const std::string& argument : arguments.relationships) // IDs have no colon
         selection.selectors.push_back(
             makeSelector(argument, argument.rfind(':'), RelationshipSelectorType::SourceId));
     for (const std::string& argument : arguments.relationshipTypes) {
@@ -126,7 +127,7 @@ void print(const DigitalSignature& signature) {
     std::cout << opc::toUDEString(signature.getName()) << '\n';
 }
 
-/// What no signature can cover, in one line; empty if there is nothing.
+/// What no signature can cover, on one line; empty if there is nothing.
 std::string describeIgnored(const PackageCoverage& coverage) {
     constexpr std::size_t TOLD = 5; // a small package can hold very many
     const auto& items = coverage.getIgnoredItems();

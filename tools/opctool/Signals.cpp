@@ -11,7 +11,7 @@ namespace {
 extern "C" void endBySignal(int signal) {
     opc::physical::removeUnfinishedFiles();
     showTyping();
-    // Its usual effect is back by SA_RESETHAND, and comes when the handler returns.
+    // SA_RESETHAND has restored its usual effect, which comes when the handler returns.
     std::raise(signal);
 }
 
@@ -23,7 +23,7 @@ void leaveNothingBehindOnSignals() {
         struct sigaction action {};
         ::sigaction(signal, nullptr, &action);
         if (action.sa_handler != SIG_DFL)
-            continue; // the caller wants it ignored, as nohup does
+            continue; // the caller wants it ignored, like nohup
         action.sa_handler = endBySignal;
         action.sa_flags = static_cast<int>(SA_RESETHAND);
         sigfillset(&action.sa_mask);

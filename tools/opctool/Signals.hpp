@@ -4,11 +4,10 @@
 
 namespace opctool {
 
-/// From now on a signal that ends the process, such as that of Ctrl+C, leaves no temporary file behind, and
-/// no terminal that doesn't show what is typed.
+/// Makes signals that end the process, such as that of Ctrl+C, remove the temporary files and restore the terminal.
 void leaveNothingBehindOnSignals();
 
-/// While it lives, signals wait: for what is short and must not be left half done.
+/// Holds back signals while it lives, for short work that must not be left half done.
 class WithoutSignals {
 public:
     WithoutSignals() noexcept;

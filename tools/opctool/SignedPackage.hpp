@@ -8,8 +8,8 @@
 
 namespace opctool {
 
-/// The package of a command that is about signatures: opened when it is made. Unless `save` was called, it is
-/// left as it was. What takes long shows its progress on a terminal.
+/// The package of a command about signatures. The constructor opens it. Without a call of `save`, the file doesn't
+/// change. Long work shows its progress on a terminal.
 class SignedPackage {
 public:
     SignedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode);
@@ -18,7 +18,7 @@ public:
     opc::model::Package& operator*() { return package; }
     opc::model::DigitalSignatureManager& signatures() { return manager; }
 
-    /// Closes the package and writes what has changed.
+    /// Writes the changes and closes the package.
     void save();
 
 private:

@@ -34,7 +34,7 @@ std::vector<std::string> digestNames() {
     return names;
 }
 
-/// @throws opc::Exception  if they are weak and that isn't accepted
+/// @throws opc::Exception  they are weak, and that isn't accepted
 SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySize) {
     const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS), [&](const Digest& entry) {
         return entry.name == arguments.digest;
@@ -111,7 +111,7 @@ void SigningMaterial::readBundle(const SigningArguments& arguments) {
     const Password password(arguments.passwordFile);
     bundle.emplace(readFile(arguments.bundle), password.get());
     const auto& signer = bundle->getCertificate();
-    if (!signer.empty()) // otherwise signing says what is missing
+    if (!signer.empty()) // otherwise signing reports what is missing
         params = makeParams(arguments, signer.getKeySize());
 }
 

@@ -13,10 +13,10 @@
 
 namespace opctool {
 
-/// The name that a digest has on the command line and in what is printed, such as "sha512".
+/// The name of a digest on the command line and in output, such as "sha512".
 std::string nameOf(opc::model::DigestMethod method);
 
-/// What the command line says about who signs, and how. Paths are empty where they aren't given.
+/// What the command line says about who signs, and how. Paths are empty if they aren't given.
 struct SigningArguments {
     std::string key;
     std::string publicKey;
@@ -30,13 +30,13 @@ struct SigningArguments {
 
 void addSigningOptions(CLI::App& command, SigningArguments& arguments);
 
-/// What signs: a key, a key and its certificate, or a bundle of both.
+/// The material for signing: a key, a key and its certificate, or a bundle of both.
 class SigningMaterial {
 public:
-    /// Reads the files, and asks for the bundle's password where no file holds it.
+    /// Reads the files, and asks for the bundle's password if no file has it.
     explicit SigningMaterial(const SigningArguments& arguments);
 
-    /// Calls `sign` with the arguments that the operations of `DigitalSignatureManager` have for such material.
+    /// Calls `sign` with the arguments that the operations of `DigitalSignatureManager` take for such material.
     template <typename Sign>
     auto apply(Sign sign) const {
         if (bundle)

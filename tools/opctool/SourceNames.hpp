@@ -8,12 +8,12 @@ class RelationshipSource;
 
 namespace opctool {
 
-/// How long a list of relationships gets by their sources alone: each row names its source, so that a small package
-/// with one long name can make a list that has no end.
+/// Counts the length of the sources in a list of relationships. Each row names its source, so a small package with
+/// one long name can make an endless list.
 class SourceNames {
 public:
-    /// To be called with each source before anything is printed.
-    /// @throws opc::Exception  if the list would be too long
+    /// Call it with each source before anything is printed.
+    /// @throws opc::Exception  the list would be too long
     void add(const opc::model::RelationshipSource& source);
 
 private:

@@ -11,8 +11,8 @@ namespace opctool {
 
 namespace {
 
-/// How many characters the cells of a column may take together, padding included. One long cell among very many
-/// rows would make each as long: beyond this, it isn't padded to.
+/// The most characters of all cells of a column together, with padding. A single long cell among very many rows would
+/// make each row as long, so beyond this limit the column isn't padded.
 constexpr std::size_t MAXIMUM_OF_COLUMN = std::size_t{64} << 20;
 
 /// How many characters a UTF-8 text has.

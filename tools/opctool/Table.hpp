@@ -7,7 +7,7 @@
 
 namespace opctool {
 
-/// Rows for people to read: aligned columns under a heading, which is bold on a terminal.
+/// Rows for people: aligned columns under a heading, which is bold on a terminal.
 class Table {
 public:
     enum class Align { Left, Right };
@@ -22,14 +22,14 @@ public:
     /// @param cells  one for each column, in UTF-8; control characters become blanks
     void addRow(std::vector<std::string> cells);
 
-    /// Writes nothing if there is no row.
+    /// Prints nothing if there are no rows.
     void print(std::ostream& stream, bool isTerminal) const;
 
     using Cells = std::vector<std::string>;
     using Rows = std::function<void(const std::function<void(Cells)>&)>;
 
-    /// The same of rows that aren't kept, as they may be very many.
-    /// @param forEachRow  gives all rows to what it is given; called twice
+    /// The same for rows that aren't kept, because there may be very many.
+    /// @param forEachRow  calls its argument with each row; called twice
     void print(std::ostream& stream, bool isTerminal, const Rows& forEachRow) const;
 
 private:
@@ -37,7 +37,7 @@ private:
     std::vector<std::vector<std::string>> rows;
 };
 
-/// Whether standard output goes to a terminal.
+/// Whether standard output is a terminal.
 bool outputIsTerminal();
 
 } // namespace opctool

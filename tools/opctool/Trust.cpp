@@ -40,7 +40,7 @@ CertificateValidationOptions makeValidationOptions(const Trust& trust) {
 }
 
 std::vector<bedrock::certificates::X509Certificate> readCertificates(const std::string& path) {
-    TrustStore store; // reads both forms; nothing is trusted by it here
+    TrustStore store; // reads both forms; nothing trusts it here
     store.addFile(path);
     return store.getCertificates();
 }

@@ -13,23 +13,23 @@ class Option;
 
 namespace opctool {
 
-/// What the command line says about certificates that are trusted, and how they are validated.
+/// What the command line says about trusted certificates and their validation.
 struct Trust {
     std::vector<std::string> files;
     std::vector<std::string> revocationLists;
     bool acceptWeak = false;
 };
 
-/// @return the options that are about certificates alone
+/// @return the options about certificates alone
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust);
 
-/// Empty if no file was given, which stands for the system's certificates.
+/// Empty if no file was given, which means the system's certificates.
 bedrock::certificates::TrustStore makeTrustStore(const Trust& trust);
 
 bedrock::certificates::CertificateValidationOptions makeValidationOptions(const Trust& trust);
 
 /// All certificates of a file: one in DER, or any number in PEM.
-/// @throws bedrock::certificates::CertificateException  if there is none
+/// @throws bedrock::certificates::CertificateException  there is none
 std::vector<bedrock::certificates::X509Certificate> readCertificates(const std::string& path);
 
 } // namespace opctool

@@ -149,7 +149,7 @@ void print(const std::string& package, const SignatureVerdict& verdict, const or
             std::cout << "No: " << withoutControlCharacters(reason.text) << '\n';
 }
 
-/// The reasons that no row of the list holds.
+/// The reasons that no row of the list shows.
 void tellReasonsOfPackage(const std::string& package, const SignatureVerdict& verdict) {
     for (const VerdictReason& reason : verdict.getReasons())
         if (reason.signature.empty() && !reason.leavesOpen())
@@ -160,7 +160,7 @@ bool isUnreadable(const SignatureVerdict& verdict) {
     return !verdict.isYes() && verdict.getReasons().front().kind == VerdictReason::Kind::Unreadable;
 }
 
-/// Fails with all that couldn't be read or checked.
+/// Fails with everything that couldn't be read or checked.
 [[noreturn]] void failOpen(const SignatureVerdict& verdict) {
     constexpr std::size_t TOLD = 5; // a small package can have very many bad signatures
     std::string text;

@@ -28,7 +28,7 @@ std::string className(const std::exception& failure) {
     return name.substr(name.rfind(':') + 1);
 }
 
-/// The package's file that the command was given; empty if it takes none.
+/// The package's file that the command was given; empty if the command has none.
 std::string packageOf(const CLI::App& app) {
     for (const CLI::App* command : app.get_subcommands())
         if (const CLI::Option* package = command->get_option_no_throw("PACKAGE"))
@@ -36,7 +36,7 @@ std::string packageOf(const CLI::App& app) {
     return {};
 }
 
-/// The message without the name of the package's file in front, which what reads files puts there.
+/// The message without the name of the package's file, which stores put at its start.
 std::string messageOf(const std::exception& failure, const std::string& package) {
     std::string message = failure.what();
     const std::string place = package + ": ";
@@ -53,7 +53,7 @@ int fail(const std::exception& failure, const std::string& package) {
     return FAILURE;
 }
 
-/// Prints help, the version, or what is wrong with the arguments, which the message repeats.
+/// Prints help, the version, or what is wrong with the arguments; the message repeats that.
 int answer(const CLI::App& app, const CLI::ParseError& outcome) {
     std::ostringstream output;
     std::ostringstream errors;

@@ -14,7 +14,7 @@ struct Range {
     char32_t last;
 };
 
-/// Controls, separators of lines and paragraphs, format characters, and letters that nobody sees.
+/// Control characters, separators of lines and paragraphs, format characters, and invisible letters.
 constexpr Range UNPRINTABLE[] = {
     {0x0, 0x1F},        {0x7F, 0x9F},       {0xAD, 0xAD},       {0x34F, 0x34F},     {0x600, 0x605},
     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},     {0x890, 0x891},     {0x8E2, 0x8E2},
@@ -32,7 +32,7 @@ bool isUnprintable(char32_t character) {
            });
 }
 
-/// @param escape  gives what stands for such a character, which it gets in UTF-16
+/// @param escape  gives the replacement of such a character in UTF-16
 template <typename Escape>
 std::string replaceUnprintable(const std::string& text, const Escape& escape) {
     if (std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; }))
