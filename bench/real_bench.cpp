@@ -12,7 +12,7 @@
 #include "RawListing.hpp"
 #include "RealShapes.hpp"
 #include "StraightListing.hpp"
-#include "TemporaryFolder.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <opc/model/Package.hpp>
 #include <opc/physical/LenientPackage.hpp>
@@ -206,7 +206,7 @@ int main(int argc, char** argv) try {
     const unsigned threads =
         argc > 3 ? static_cast<unsigned>(std::atoi(argv[3])) : std::thread::hardware_concurrency();
 
-    const bench::TemporaryFolder made;
+    const opc::test::TemporaryFolder made;
     const std::vector<Group> groups = makeGroups(argc > first ? argv[first] : nullptr, made.path());
     Files all;
     for (const Group& group : groups)

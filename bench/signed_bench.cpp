@@ -13,7 +13,7 @@
 #include "RawListing.hpp"
 #include "RawVerification.hpp"
 #include "RealShapes.hpp"
-#include "TemporaryFolder.hpp"
+#include "support/TemporaryFolder.hpp"
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
@@ -193,12 +193,12 @@ int main(int argc, char** argv) try {
     const int rounds = argc > 2 ? std::atoi(argv[2]) : 12;
     keys(); // before the processes that sign start, so that they share the keys
     bareRsa();
-    const bench::TemporaryFolder copies;
+    const opc::test::TemporaryFolder copies;
     if (argc > 1) {
         compare("of the folder", signedCopies(argv[1], copies.path()), rounds);
         return 0;
     }
-    const bench::TemporaryFolder made;
+    const opc::test::TemporaryFolder made;
     bench::writeRealShapes(made.path());
     compare("of office programs", signedCopies(OPCMODEL_OFFICE_FILES, copies.path()), rounds);
     compare("made", signedCopies(made.path(), copies.path()), rounds);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -17,11 +16,11 @@
 
 namespace opc::test {
 
-/// A folder of its own for a test, which goes with everything in it.
+/// A new folder. The destructor removes it with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "opcmodel-test-XXXXXX").string();
+        std::string name = (std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string();
         if (!::mkdtemp(name.data()))
             throw std::filesystem::filesystem_error("mkdtemp",
                                                     std::error_code(errno, std::generic_category()));
@@ -77,7 +76,8 @@ template <typename Bytes>
 void writeFile(const std::filesystem::path& path, const Bytes& bytes) {
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    ASSERT_TRUE(file.flush()) << path;
+    if (!file.flush())
+        throw std::runtime_error("can't write " + path.string());
 }
 
 } // namespace opc::test

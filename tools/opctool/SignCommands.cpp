@@ -83,8 +83,7 @@ std::string checkSelector(const std::string& argument) {
 
 /// The end of SOURCE in SOURCE:TYPE. Both can have colons: SOURCE is the shortest one that the package has.
 std::size_t findEndOfSource(const Package& package, const std::string& argument) {
-    const std::string names =
-        argument.substr(0, argument.find("//")); // two slashes end a part name
+    const std::string names = argument.substr(0, argument.find("//")); // two slashes end a part name
     for (std::size_t colon = names.find(':'); colon != std::string::npos; colon = names.find(':', colon + 1))
         if (colon == 1 || package.hasPart(PartName(fromArgument(names.substr(0, colon)))))
             return colon;
