@@ -41,8 +41,7 @@ bool write(DigitalSignatureSerializer& serializer, const DigitalSignatureData& d
 void verify(const DigitalSignatureData& data) {
     bedrock::codesigning_verifier::FingerprintStore fingerprints;
     fingerprints.setSkippingVerification(true);
-    bedrock::certificates::TrustStore
-        trusted; // with an empty store, the certificates of the system would be trusted
+    bedrock::certificates::TrustStore trusted; // an empty one means the certificates of the system
     if (data.m_certificate && !data.m_certificate->empty())
         trusted.addCertificate(*data.m_certificate);
     try {

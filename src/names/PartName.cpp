@@ -34,8 +34,7 @@ int hexValue(char16_t unit) {
 bool hasPlainSegments(u16string_view text) {
     if (text.size() < 2 || text.front() != u'/' || text.back() == u'/' || text.back() == u'.')
         return false;
-    std::uint16_t isOdd =
-        0; // a number, in a loop without an exit: so the compiler handles many characters at once
+    std::uint16_t isOdd = 0; // a number, without an exit: so the compiler handles many at once
     for (std::size_t i = 1; i < text.size(); ++i) {
         const int endsSegment{text[i] == u'/'};
         const int isNoEnd = int{text[i - 1] == u'/'} | int{text[i - 1] == u'.'};

@@ -150,9 +150,7 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
     throwIfRelationshipsFixed();
     const interfaces::IPhysicalPart* part = impl->keepsMore() ? nullptr : impl->relationshipsPart;
     if (part != nullptr && impl->manager.hasOne() && impl->manager.hasRelationship(id))
-        getPackage()
-            .state()
-            .contentTypeSource->throwIfFixed(); // deleting the last relationship deletes the part
+        getPackage().state().contentTypeSource->throwIfFixed(); // the part is deleted with its last one
     impl->manager.deleteRelationship(id);
     if (!impl->manager.isEmpty() || part == nullptr)
         return;

@@ -81,8 +81,7 @@ public:
     /// @param textLength  the length of all texts that are kept for it
     static constexpr std::size_t roomFor(std::size_t count, std::size_t textLength) {
         return sizeof(RelationshipGroup) + count * sizeof(RelationshipGroup::Values) +
-               textLength * sizeof(char16_t) +
-               2 * sizeof(void*); // for the link to the next group, and for alignment
+               textLength * sizeof(char16_t) + 2 * sizeof(void*); // the link to the next one, and alignment
     }
 
     /// @param types  owns the types, if they aren't kept here

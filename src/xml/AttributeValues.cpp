@@ -30,8 +30,7 @@ constexpr bool isLowSurrogate(char16_t unit) {
 bool standsCollapsed(const std::u16string& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
-        const char16_t next =
-            i + 1 < text.size() ? text[i + 1] : u' '; // as if there were blanks around the text
+        const char16_t next = i + 1 < text.size() ? text[i + 1] : u' '; // as if blanks were around it
         if (unit < u' ' || unit > 0xFFFD || isLowSurrogate(unit))
             return false;
         if (unit == u' ' && (i == 0 || next == u' '))

@@ -12,8 +12,7 @@ namespace opc::model {
 SchemaType::SchemaType(IdleParsers& kind, const char16_t* namespaceURI, const char16_t* localName)
     : kind(kind), parser(kind.take()) {
     auto* const grammar = static_cast<xercesc::SchemaGrammar*>(parser->getGrammar(namespaceURI));
-    const std::u16string name =
-        std::u16string(namespaceURI) + u',' + localName; // in the form of the registry
+    const std::u16string name = std::u16string(namespaceURI) + u',' + localName; // as the registry has it
     validator = grammar->getDatatypeRegistry()->getDatatypeValidator(name.c_str());
 }
 

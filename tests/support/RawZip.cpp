@@ -17,7 +17,7 @@ std::uint32_t packedSize(const RawItem& item) {
     return item.packedSize.value_or(static_cast<std::uint32_t>(item.data.size()));
 }
 
-/// The fields that a local header and an entry of the directory share.
+/// The fields that a local header and a directory entry have in common.
 void appendCommon(std::string& out, const RawItem& item, std::size_t extraSize) {
     constexpr std::uint32_t NO_ROOM = 0xFFFFFFFF;
     append(out, item.flags, 2);

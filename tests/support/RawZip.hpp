@@ -24,9 +24,8 @@ struct RawItem {
     std::string extra;                 ///< extra fields of the directory
     std::string localExtra;            ///< extra fields of the local header
     bool zip64 = false;                ///< sizes and offset are in ZIP64 fields
-    bool streamed =
-        false; ///< the local header has no sizes and no checksum; a descriptor follows the content
-    int descriptorWidth = 4; ///< the bytes of each size in it
+    bool streamed = false;             ///< the local header lacks sizes and checksum; a descriptor follows
+    int descriptorWidth = 4;           ///< the bytes of each size in it
     bool descriptorIsSigned = true;
     std::string comment;
     std::string inFront; ///< bytes in front of the local header that belong to no item

@@ -19,9 +19,8 @@ struct Attribute {
     Span span;                  ///< from its name to the closing quote
     std::u16string_view prefix; ///< empty if there is none
     std::u16string_view localName;
-    std::u16string_view
-        namespaceURI;             ///< for a declaration, what it declares; otherwise empty without a prefix
-    std::u16string_view rawValue; ///< as it is between the quotes
+    std::u16string_view namespaceURI; ///< what a declaration declares; otherwise empty without a prefix
+    std::u16string_view rawValue;     ///< as it is between the quotes
 
     /// With references resolved, and with blanks instead of line breaks and tabs (XML 1.0 section 3.3.3).
     std::u16string value() const;

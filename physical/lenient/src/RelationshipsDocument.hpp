@@ -31,9 +31,8 @@ struct ReadRelationship {
 
 /// Something odd in a relationships part.
 struct RelationshipsFinding {
-    std::string rule; ///< as in `interfaces::Oddity`
-    std::u16string
-        id; ///< of the relationship; empty if it has none, or if the finding isn't about a single one
+    std::string rule;  ///< as in `interfaces::Oddity`
+    std::u16string id; ///< empty if the relationship has none, or there is no single one
     std::size_t line;
     std::string what;
     std::string done;

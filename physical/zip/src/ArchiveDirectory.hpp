@@ -50,11 +50,10 @@ struct UnreadData {
 struct ArchiveDirectory {
     std::pmr::monotonic_buffer_resource names; ///< holds the names of `entries`
     std::vector<DirectoryEntry> entries;
-    std::uint64_t start = 0; ///< the offset of the first entry
-    std::uint64_t end = 0;   ///< the offset after the last entry
-    std::uint64_t archiveEnd =
-        0;               ///< the offset after the end record and its comment; later bytes belong to nothing
-    std::string comment; ///< of the archive
+    std::uint64_t start = 0;      ///< the offset of the first entry
+    std::uint64_t end = 0;        ///< the offset after the last entry
+    std::uint64_t archiveEnd = 0; ///< after the end record and its comment; the rest belongs to nothing
+    std::string comment;          ///< of the archive
     std::vector<OtherName> otherNames;
     std::vector<UnreadData> unread;
 };

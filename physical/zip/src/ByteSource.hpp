@@ -47,8 +47,7 @@ public:
     const FileDescriptor* asFile() const noexcept override { return &file; }
 
 private:
-    static constexpr std::size_t LARGEST_WINDOW = 66
-                                                  << 10; ///< room for an end record with the longest comment
+    static constexpr std::size_t LARGEST_WINDOW = 66 << 10; ///< room for the longest end record
     static constexpr std::size_t READ_AHEAD = 16 << 10;
 
     int moveWindow(std::uint64_t offset, std::size_t count) noexcept;

@@ -14,8 +14,7 @@ namespace opc::physical::zip {
 // A signal can come at any moment. So entries are never freed, and each is read only while it has a process.
 struct UnfinishedFile::Entry {
     std::atomic<bool> used{true};
-    std::atomic<pid_t> process{
-        0}; ///< the process that makes the file; 0: none. A forked process leaves it alone
+    std::atomic<pid_t> process{0}; ///< that makes the file; 0: none. A forked one leaves it alone
     std::atomic<int> folder{-1};
     std::array<char, 256> name{};
     Entry* next = nullptr;

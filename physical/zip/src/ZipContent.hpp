@@ -88,9 +88,8 @@ private:
 
     ZipContext& context;
     std::unique_ptr<const Own> own;
-    ItemIndex item = 0; ///< used if `own` is null
-    std::optional<std::uint16_t>
-        chosenMethod; ///< empty: the method of the old item, or Deflate for a new one
+    ItemIndex item = 0;                        ///< used if `own` is null
+    std::optional<std::uint16_t> chosenMethod; ///< empty: as the old item, or Deflate for a new one
     std::int8_t deflateLevel = USUAL_LEVEL;
     std::shared_ptr<Spool> spool;
     std::pmr::forward_list<Input> inputs;

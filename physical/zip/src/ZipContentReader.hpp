@@ -69,9 +69,8 @@ private:
     std::uint32_t checksum = 0;
     bool isDeflated = false;
     bool started = false;
-    bool ended = false; ///< the compressed stream has ended
-    bool unfinished =
-        false; ///< the stream doesn't end, or need not end, although all of the content is there
+    bool ended = false;      ///< the compressed stream has ended
+    bool unfinished = false; ///< all content is there, and the stream doesn't end or need not end
     bool damaged = false;
 };
 

@@ -36,8 +36,7 @@ unsigned signingUsagesOf(const X509& certificate) {
     const std::unique_ptr<EXTENDED_KEY_USAGE, UsagesDeleter> usages(static_cast<EXTENDED_KEY_USAGE*>(
         X509_get_ext_d2i(&certificate, NID_ext_key_usage, &critical, nullptr)));
     if (!usages)
-        return critical == -1 ? AllSigningUsages
-                              : 0; // -1: the extension is absent; otherwise it can't be read
+        return critical == -1 ? AllSigningUsages : 0; // -1: it is absent; otherwise it can't be read
     unsigned allowed = 0;
     for (int index = 0; index < sk_ASN1_OBJECT_num(usages.get()); ++index)
         allowed |= signingUsageOf(*sk_ASN1_OBJECT_value(usages.get(), index));

@@ -10,8 +10,7 @@ namespace bedrock::certificates::detail {
 
 namespace {
 
-constexpr int MinimalSecurityBits =
-    112; // NIST SP 800-57 part 1: anything below is acceptable only for old documents
+constexpr int MinimalSecurityBits = 112; // NIST SP 800-57 part 1: less is acceptable only for old documents
 
 using Place = WeakAlgorithm::Place;
 
