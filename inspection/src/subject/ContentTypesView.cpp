@@ -2,6 +2,7 @@
 
 #include "subject/EntryList.hpp"
 #include "subject/Names.hpp"
+#include "subject/Targets.hpp"
 
 #include <opc/model/XmlLimits.hpp>
 
@@ -14,6 +15,11 @@ const EntryListKind KIND = {u"http://schemas.openxmlformats.org/package/2006/con
                             {{u"Default", {u"Extension", u"ContentType"}, false},
                              {u"Override", {u"PartName", u"ContentType"}, false}},
                             model::XmlLimits().contentTypes.elements};
+
+/// Most readers find the part of a name that lacks its slash.
+std::string withSlash(std::string_view name) {
+    return (name.substr(0, 1) == "/" ? "" : "/") + std::string(name);
+}
 
 class ContentTypesReader final : public EntryList {
 public:
@@ -47,7 +53,7 @@ void ContentTypesView::giveTypes(std::vector<PartView>& parts) const {
     std::unordered_map<std::string, const ContentTypeEntry*> defaults;
     for (const ContentTypeEntry& entry : entries) {
         if (entry.kind == ContentTypeEntry::Kind::Override)
-            overrides.emplace(keyOfName(entry.key), &entry);
+            overrides.emplace(keyOfName(withSlash(trimmed(entry.key))), &entry);
         else
             defaults.emplace(toLowerASCII(entry.key), &entry);
     }
