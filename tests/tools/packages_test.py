@@ -73,7 +73,7 @@ class Packages(OpctoolCase):
     def test_wrong_usage_has_a_status_of_its_own(self):
         self.do('new p.zip')
         for arguments in (
-                '', 'nonsense', 'ls', 'ls p.zip extra', 'ls p.zip --nonsense', 'rels p.zip / --all',
+                '', 'nonsense', 'ls', 'cat p.zip /a extra', 'ls p.zip --nonsense', 'rels p.zip / --all',
                 'add p.zip /a none.txt --type a/b', 'add p.zip /a p.zip', 'relate p.zip / urn:t',
                 "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a", 'props p.zip --set title=M\udcfcller'):
             self.assert_wrong_usage(arguments)

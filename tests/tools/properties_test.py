@@ -140,7 +140,7 @@ class Properties(OpctoolCase):
         overview = self.do('info p.zip')
         self.assertIn('\na  2Jb c       é\n', overview)
         self.assertEqual(self.list('rels p.zip')[1]['target'], f'a\x7f\x9b2Jb c{unseen}é')
-        usage = self.run_tool(f"ls p.zip '\x1b[2J\x7f\x9b{unseen}'")
+        usage = self.run_tool(f"cat p.zip /a '\x1b[2J\x7f\x9b{unseen}'")
         self.assertEqual(usage.status, 2)
         self.assertGreater(usage.errors.count('\n'), 1, usage.errors)
         identifier = self.do('relate p.zip / t x --external --id a\u061c\ufeff')

@@ -1,6 +1,6 @@
 #include "Commands.hpp"
+#include "Files.hpp"
 #include "OpenedPackage.hpp"
-#include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <memory>
 #include <vector>
 
@@ -28,7 +27,6 @@ using opc::model::RelationshipSource;
 using opc::model::URI;
 
 struct Arguments {
-    PackageArgument package;
     std::string part;
     std::string file;
     std::string contentType;
@@ -40,11 +38,11 @@ struct Arguments {
     bool force = false;
 };
 
-void create(const Arguments& arguments) {
-    if (!arguments.force && std::filesystem::exists(arguments.package.path))
+void create(FileRun& run, const Arguments& arguments) {
+    if (!arguments.force && !run.isStandardInput() && std::filesystem::exists(run.path()))
         throw opc::Exception("The file exists already; use --force to replace it",
                              make_error_code(boost::system::errc::file_exists));
-    OpenedPackage package(arguments.package, OpenMode::CreateOnly);
+    OpenedPackage package(run, OpenMode::CreateOnly);
     package.save();
 }
 
@@ -61,8 +59,8 @@ void copyFile(const std::string& path, opc::OutputStream& target) {
                              {errno != 0 ? errno : EIO, boost::system::generic_category()});
 }
 
-void add(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+void add(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
     const Part part =
         package->createPart(PartName(fromArgument(arguments.part)),
                             ContentType(fromArgument(arguments.contentType)), opc::model::StandardPartInfo());
@@ -70,14 +68,14 @@ void add(const Arguments& arguments) {
     package.save();
 }
 
-void put(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+void put(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
     copyFile(arguments.file, package->getPart(PartName(fromArgument(arguments.part))).getOutputStream());
     package.save();
 }
 
-void remove(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+void remove(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
     package->deletePart(PartName(fromArgument(arguments.part)));
     package.save();
 }
@@ -87,8 +85,8 @@ std::string checkNotBlank(const std::string& argument) {
     return argument.find_first_not_of(" \t\r\n") == std::string::npos ? "It is blank" : "";
 }
 
-void relate(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+void relate(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
     const std::u16string type = fromArgument(arguments.type);
     const std::u16string target = fromArgument(arguments.target);
     const std::u16string id = fromArgument(arguments.id);
@@ -100,71 +98,112 @@ void relate(const Arguments& arguments) {
         created = relationship.getID();
     });
     package.save();
-    std::cout << withoutControlCharacters(opc::toUDEString(created)) << '\n';
+    run.printName(opc::toUDEString(created));
 }
 
-void unrelate(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
+void unrelate(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
     package.withSource(arguments.source, [&arguments](RelationshipSource& source) {
         source.deleteRelationship(fromArgument(arguments.id));
     });
     package.save();
 }
 
-/// Declares a command that changes a package.
-CLI::App* addCommand(CLI::App& app, const char* name, const char* what, void (*run)(const Arguments&),
-                     const std::shared_ptr<Arguments>& arguments) {
-    CLI::App* command = app.add_subcommand(name, what);
-    addPackage(*command, arguments->package);
-    command->callback([run, arguments] { run(*arguments); });
-    return command;
+using Change = void (*)(FileRun&, const Arguments&);
+
+/// Declares what each command that changes a package has.
+std::shared_ptr<Arguments> declareChange(CLI::App& command, const Command& own, Change change) {
+    auto arguments = std::make_shared<Arguments>();
+    const auto files = addChangedFile(command, own);
+    command.callback(
+        [files, arguments, change] { files->run([&](FileRun& run) { change(run, *arguments); }); });
+    return arguments;
+}
+
+void addPart(CLI::App& command, Arguments& arguments, const char* what) {
+    command.add_option("PART", arguments.part, what)->required()->type_name("");
+}
+
+void addContent(CLI::App& command, Arguments& arguments, const char* what) {
+    command.add_option("FILE", arguments.file, what)->required()->check(CLI::ExistingFile)->type_name("");
+}
+
+void addSource(CLI::App& command, Arguments& arguments) {
+    command.add_option("SOURCE", arguments.source, "A part name, or \"/\" for the package itself")
+        ->required()
+        ->type_name("");
+}
+
+void declareNew(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addNewFile(command, NEW);
+    command.add_flag("--force", arguments->force, "Replace an existing file");
+    command.callback([files, arguments] { files->run([&](FileRun& run) { create(run, *arguments); }); });
+}
+
+void declareAdd(CLI::App& command) {
+    const auto arguments = declareChange(command, ADD, add);
+    addPart(command, *arguments, "The name of the new part, such as /doc/image.png");
+    addContent(command, *arguments, "The file with its content");
+    command.add_option("--type", arguments->contentType, "Its content type, such as image/png")
+        ->required()
+        ->type_name("TYPE");
+}
+
+void declarePut(CLI::App& command) {
+    const auto arguments = declareChange(command, PUT, put);
+    addPart(command, *arguments, "The part's name");
+    addContent(command, *arguments, "The file with its new content");
+}
+
+void declareRemove(CLI::App& command) {
+    const auto arguments = declareChange(command, RM, remove);
+    addPart(command, *arguments, "The part's name");
+}
+
+void declareRelate(CLI::App& command) {
+    const auto arguments = declareChange(command, RELATE, relate);
+    addSource(command, *arguments);
+    command.add_option("TYPE", arguments->type, "The type of the relationship, a URI")
+        ->required()
+        ->check(checkNotBlank)
+        ->type_name("");
+    command
+        .add_option("TARGET", arguments->target,
+                    "A part name, or a reference relative to the source; with --external any reference")
+        ->required()
+        ->check(checkNotBlank)
+        ->type_name("");
+    command.add_flag("--external", arguments->external, "The target is outside the package");
+    command.add_option("--id", arguments->id, "The ID; without it, one is generated")->type_name("ID");
+}
+
+void declareUnrelate(CLI::App& command) {
+    const auto arguments = declareChange(command, UNRELATE, unrelate);
+    addSource(command, *arguments);
+    command.add_option("ID", arguments->id, "The relationship's ID")->required()->type_name("");
 }
 
 } // namespace
 
-void addChangeCommands(CLI::App& app) {
-    const auto arguments = std::make_shared<Arguments>();
-    const char* const sourceHelp = "A part name, or \"/\" for the package itself";
+const Command NEW{"new", "Create a package without parts", declareNew, "", "opctool new report.zip"};
 
-    CLI::App* command = app.add_subcommand("new", "Create a package without parts");
-    command->add_option("PACKAGE", arguments->package.path, "The package's file")->required();
-    command->add_flag("--force", arguments->force, "Replace an existing file");
-    command->callback([arguments] { create(*arguments); });
+const Command ADD{"add", "Add a part, with content from a file", declareAdd, "",
+                  "opctool add report.docx /word/media/logo.png logo.png --type image/png"};
 
-    command = addCommand(app, "add", "Add a part, with content from a file", add, arguments);
-    command->add_option("PART", arguments->part, "The name of the new part, such as /doc/image.png")
-        ->required();
-    command->add_option("FILE", arguments->file, "The file with its content")
-        ->required()
-        ->check(CLI::ExistingFile);
-    command->add_option("--type", arguments->contentType, "Its content type, such as image/png")->required();
+const Command PUT{"put", "Replace the content of a part with the content of a file", declarePut, "",
+                  "opctool put report.docx /word/document.xml new.xml\n"
+                  "opctool put report.docx /word/document.xml new.xml -o changed.docx"};
 
-    command =
-        addCommand(app, "put", "Replace the content of a part with the content of a file", put, arguments);
-    command->add_option("PART", arguments->part, "The part's name")->required();
-    command->add_option("FILE", arguments->file, "The file with its new content")
-        ->required()
-        ->check(CLI::ExistingFile);
+const Command RM{"rm", "Delete a part and its relationships", declareRemove, "",
+                 "opctool rm report.docx /docProps/thumbnail.jpeg"};
 
-    command = addCommand(app, "rm", "Delete a part and its relationships", remove, arguments);
-    command->add_option("PART", arguments->part, "The part's name")->required();
+const Command RELATE{
+    "relate", "Add a relationship and print its ID", declareRelate, "",
+    "opctool relate report.docx / http://example.com/note /notes/note.txt\n"
+    "opctool relate report.docx /word/document.xml http://example.com/see http://example.com/ --external"};
 
-    command = addCommand(app, "relate", "Add a relationship and print its ID", relate, arguments);
-    command->add_option("SOURCE", arguments->source, sourceHelp)->required();
-    command->add_option("TYPE", arguments->type, "The type of the relationship, a URI")
-        ->required()
-        ->check(checkNotBlank);
-    command
-        ->add_option("TARGET", arguments->target,
-                     "A part name, or a reference relative to the source; with --external any reference")
-        ->required()
-        ->check(checkNotBlank);
-    command->add_flag("--external", arguments->external, "The target is outside the package");
-    command->add_option("--id", arguments->id, "The ID; without it, one is generated");
-
-    command = addCommand(app, "unrelate", "Delete a relationship", unrelate, arguments);
-    command->add_option("SOURCE", arguments->source, sourceHelp)->required();
-    command->add_option("ID", arguments->id, "The relationship's ID")->required();
-}
+const Command UNRELATE{"unrelate", "Delete a relationship", declareUnrelate, "",
+                       "opctool unrelate report.docx / rId7"};
 
 } // namespace opctool

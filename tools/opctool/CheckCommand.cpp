@@ -1,6 +1,7 @@
+#include "ArchiveFile.hpp"
 #include "BaselineFile.hpp"
 #include "Commands.hpp"
-#include "Messages.hpp"
+#include "Files.hpp"
 #include "RepeatableOption.hpp"
 #include "RuleNames.hpp"
 
@@ -8,10 +9,11 @@
 #include <opc/inspection/Reports.hpp>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
-#include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -22,7 +24,6 @@ namespace {
 using namespace opc::inspection;
 
 struct Arguments {
-    std::vector<std::string> packages;
     std::vector<std::string> profiles;
     InspectionOptions inspection;
     std::string format = "text";
@@ -53,23 +54,17 @@ unsigned profilesOf(const std::vector<std::string>& names) {
     return names.empty() ? unsigned{OPC} : profiles;
 }
 
-InspectedFile inspectFile(const Arguments& arguments, const std::optional<Baseline>& baseline,
-                          const std::string& path) {
-    InspectedFile file;
-    file.name = path;
-    try {
-        const Archive archive(std::filesystem::path(path), arguments.inspection.limits);
-        InspectionOptions options = arguments.inspection;
-        options.fileName = path;
-        file.report = inspect(archive, options);
-        if (arguments.format == "html")
-            file.picture = drawPackage(archive, options.limits);
-        if (baseline)
-            file.known = baseline->findKnown(toSARIFURI(path, arguments.sarifRoot), file.report);
-    } catch (const opc::Exception& e) {
-        file.failure = e.what();
-    }
-    return file;
+void inspectFile(FileRun& run, const Arguments& arguments, const std::optional<Baseline>& baseline,
+                 InspectedFile& file) {
+    const Archive archive = openArchive(run);
+    InspectionOptions options = arguments.inspection;
+    options.limits = run.options().reading.zip;
+    options.fileName = run.path();
+    file.report = inspect(archive, options);
+    if (arguments.format == "html")
+        file.picture = drawPackage(archive, options.limits);
+    if (baseline)
+        file.known = baseline->findKnown(toSARIFURI(run.path(), arguments.sarifRoot), file.report);
 }
 
 bool countsAsNo(const ReportSummary& summary, const std::string& failOn) {
@@ -81,45 +76,112 @@ bool countsAsNo(const ReportSummary& summary, const std::string& failOn) {
     return failOn != "never" && count != 0;
 }
 
-void check(const Arguments& arguments) {
+class Check {
+public:
+    explicit Check(const Arguments& arguments) : arguments(arguments), format(makeFormat(arguments)) {
+        if (!arguments.baseline.empty())
+            baseline = readBaseline(arguments.baseline, arguments.sarifRoot);
+    }
+
+    void run(Files& files) {
+        files.options.namesFiles = true;
+        const auto action = [this](FileRun& run) { check(run); };
+        if (files.options.output.hasEnvelope())
+            files.run(action);
+        else
+            files.run(action, {[this](std::ostream& output) { format->begin(output); }, format->separator(),
+                               [this](std::ostream& output) { format->end(output, summary); }});
+    }
+
+private:
+    void check(FileRun& run) {
+        const auto file = std::make_shared<InspectedFile>();
+        file->name = run.path();
+        run.whenDone([this, file] { summary.add(*file); });
+        try {
+            inspectFile(run, arguments, baseline, *file);
+        } catch (const opc::Exception& e) {
+            file->failure = e.what();
+            if (!run.hasEnvelope())
+                format->write(run.out(), *file);
+            throw;
+        }
+        print(run, *file);
+        ReportSummary own;
+        own.add(*file);
+        if (countsAsNo(own, arguments.failOn))
+            run.sayNo();
+    }
+
+    void print(FileRun& run, const InspectedFile& file) const {
+        if (!run.hasEnvelope()) {
+            format->write(run.out(), file);
+            return;
+        }
+        std::ostringstream text;
+        writeJSON(text, file);
+        run.json().add(nlohmann::ordered_json::parse(text.str()));
+    }
+
+    const Arguments& arguments;
+    const std::unique_ptr<ReportFormat> format;
     std::optional<Baseline> baseline;
-    if (!arguments.baseline.empty())
-        baseline = readBaseline(arguments.baseline, arguments.sarifRoot);
-    ReportWriter writer(std::cout, makeFormat(arguments));
-    for (const std::string& package : arguments.packages)
-        writer.add(inspectFile(arguments, baseline, package));
-    writer.end();
-    if (!writer.summary().failures().empty())
-        throw opc::Exception("not every file could be read");
-    if (countsAsNo(writer.summary(), arguments.failOn))
-        throw AnswerIsNo();
+    ReportSummary summary;
+};
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addFiles(command, CHECK);
+    addRepeatable(&command, "--profile", arguments->profiles,
+                  "Check by these rules: opc (the default), security, office, all")
+        ->check(CLI::IsMember({"opc", "security", "office", "all"}))
+        ->type_name("NAME");
+    addRepeatable(&command, "--rule", arguments->inspection.only, "Check by this rule alone")
+        ->check(isRule())
+        ->type_name("RULE");
+    addRepeatable(&command, "--no-rule", arguments->inspection.never, "Leave this rule out")
+        ->check(isRule())
+        ->type_name("RULE");
+    command.add_option("--format", arguments->format, "Of the report: text, json, jsonl, sarif, html")
+        ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "html"}))
+        ->type_name("NAME");
+    command
+        .add_option("--baseline", arguments->baseline,
+                    "A report of an earlier run, JSON or SARIF: what it names doesn't count")
+        ->type_name("FILE");
+    command
+        .add_option("--fail-on", arguments->failOn,
+                    "Exit with 1 from this severity on: error, warning, info, never")
+        ->check(CLI::IsMember({"error", "warning", "info", "never"}))
+        ->type_name("SEVERITY");
+    command
+        .add_option("--sarif-root", arguments->sarifRoot,
+                    "Name files relative to this folder in a SARIF report")
+        ->type_name("DIR");
+    command.callback([files, arguments] {
+        arguments->inspection.profiles = profilesOf(arguments->profiles);
+        Check(*arguments).run(*files);
+    });
 }
 
 } // namespace
 
-void addCheckCommand(CLI::App& app) {
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand("check", "Find everything in packages that breaks a rule");
-    command->add_option("PACKAGE", arguments->packages, "The packages' files")->required();
-    addRepeatable(command, "--profile", arguments->profiles,
-                  "Check by these rules: opc (the default), security, office, all")
-        ->check(CLI::IsMember({"opc", "security", "office", "all"}));
-    addRepeatable(command, "--rule", arguments->inspection.only, "Check by this rule alone")->check(isRule());
-    addRepeatable(command, "--no-rule", arguments->inspection.never, "Leave this rule out")->check(isRule());
-    command->add_option("--format", arguments->format, "Of the report: text, json, jsonl, sarif, html")
-        ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "html"}));
-    command->add_option("--baseline", arguments->baseline,
-                        "A report of an earlier run, JSON or SARIF: what it names doesn't count");
-    command
-        ->add_option("--fail-on", arguments->failOn,
-                     "Exit with 1 from this severity on: error, warning, info, never")
-        ->check(CLI::IsMember({"error", "warning", "info", "never"}));
-    command->add_option("--sarif-root", arguments->sarifRoot,
-                        "Name files relative to this folder in a SARIF report");
-    command->callback([arguments] {
-        arguments->inspection.profiles = profilesOf(arguments->profiles);
-        check(*arguments);
-    });
-}
+const Command CHECK{
+    "check",
+    "Find everything in packages that breaks a rule",
+    declare,
+    "",
+    "opctool check report.docx\n"
+    "opctool check -r folder --profile all --format html >report.html",
+    "0 nothing is found, 1 something is found from the severity of --fail-on on, 3 a file can't be read",
+    R"({
+  "type": "object",
+  "required": ["format", "findings", "unlisted"],
+  "properties": {
+    "format": {"type": "string"},
+    "findings": {"type": "array", "items": {"type": "object", "required": ["rule", "severity", "message"]}},
+    "unlisted": {"description": "findings beyond those listed, by rule", "type": "object"}
+  }
+})"};
 
 } // namespace opctool

@@ -1,28 +1,40 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "Command.hpp"
+
+#include <string>
+#include <vector>
 
 namespace opctool {
 
-/// Thrown by a command that has done its work and printed that the answer is no.
-struct AnswerIsNo {};
-
-/// Each adds a family of commands, with its arguments and its action.
 /// @{
-
-void addInfoCommand(CLI::App& app);      ///< info
-void addListCommands(CLI::App& app);     ///< ls, rels, cat
-void addPropertyCommands(CLI::App& app); ///< props
-void addChangeCommands(CLI::App& app);   ///< new, add, rm, relate, unrelate
-void addKeyCommand(CLI::App& app);       ///< keygen
-void addSignCommands(CLI::App& app);     ///< sign, countersign, unsign
-void addVerifyCommand(CLI::App& app);    ///< verify
-void addCoverageCommand(CLI::App& app);  ///< coverage
-void addCheckCommand(CLI::App& app);     ///< check
-void addExplainCommand(CLI::App& app);   ///< explain
-
+/// The commands, by the file that defines them.
+extern const Command INFO;
+extern const Command LS;
+extern const Command RELS;
+extern const Command CAT;
+extern const Command PROPS;
+extern const Command NEW;
+extern const Command ADD;
+extern const Command PUT;
+extern const Command RM;
+extern const Command RELATE;
+extern const Command UNRELATE;
+extern const Command KEYGEN;
+extern const Command SIGN;
+extern const Command COUNTERSIGN;
+extern const Command UNSIGN;
+extern const Command VERIFY;
+extern const Command COVERAGE;
+extern const Command CHECK;
+extern const Command EXPLAIN;
+extern const Command SCHEMA;
 /// @}
+
+/// All commands, in the order of help.
+const std::vector<const Command*>& allCommands();
+
+/// @return null if no command has this name
+const Command* findCommand(const std::string& name);
 
 } // namespace opctool

@@ -1,9 +1,8 @@
 #include "Commands.hpp"
 #include "CoverageText.hpp"
-#include "JSONOutput.hpp"
+#include "Files.hpp"
 #include "SignedPackage.hpp"
 #include "SourceNames.hpp"
-#include "Table.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -13,8 +12,6 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <iostream>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -160,23 +157,25 @@ std::string describe(const ordered_json& row) {
     return text + (row["ofSignatures"].get<bool>() ? " (belongs to the signatures)" : "");
 }
 
-void printTables(const Report& report) {
+void printTables(FileRun& run, const Report& report) {
     const Table parts({{"PART"}, {"SIGNATURES"}});
-    parts.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
+    parts.print(run.out(), run.tableStyle(), [&report](const auto& print) {
         report.forEachPart([&](const PartName& name) {
             const ordered_json row = report.describe(name);
             print({row["name"], describe(row)});
         });
     });
-    std::cout << '\n';
+    run.out() << '\n';
     const Table relationships({{"SOURCE"}, {"ID"}, {"SIGNATURES"}, {"TYPE"}});
-    relationships.print(std::cout, outputIsTerminal(), [&report](const auto& print) {
+    relationships.print(run.out(), run.tableStyle(), [&report](const auto& print) {
         report.forEachRelationship([&](const Relationship& relationship) {
             const ordered_json row = report.describe(relationship);
             print({row["source"], row["id"], describe(row), row["type"]});
         });
     });
-    std::cout << '\n' << summarize(report.ofAll()) << LIMITS;
+    run.out() << '\n' << summarize(report.ofAll());
+    if (!run.options().isOneOfMany) // once is enough
+        run.out() << LIMITS;
 }
 
 void printUncovered(JSONOutput& output, const Report& report) {
@@ -198,8 +197,7 @@ void printUncovered(JSONOutput& output, const Report& report) {
     output.end();
 }
 
-void printJSON(const Report& report) {
-    JSONOutput output(std::cout);
+void printJSON(JSONOutput& output, const Report& report) {
     const auto add = [&](const auto& entity) { output.add(report.describe(entity)); };
     output.beginObject();
     output.add(report.names(), "signatures");
@@ -216,29 +214,112 @@ void printJSON(const Report& report) {
     output.end();
 }
 
+void coverage(FileRun& run) {
+    SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
+    const Report report(package);
+    if (run.wantsJSON())
+        printJSON(run.json(), report);
+    else
+        printTables(run, report);
+}
+
+void declare(CLI::App& command) {
+    const auto files = addFiles(command, COVERAGE);
+    command.callback([files] { files->run(coverage); });
+}
+
 } // namespace
 
-void addCoverageCommand(CLI::App& app) {
-    struct Arguments {
-        PackageArgument package;
-        bool json = false;
-    };
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand(
-        "coverage",
-        "List the signatures that cover each part and relationship, and list what no signature covers.\n"
-        "A part is covered if the signature value protects its digest.\n" +
-            std::string(LIMITS) + "The exit status is 0 whatever the report says");
-    addPackage(*command, arguments->package);
-    command->add_flag("--json", arguments->json, "Print a JSON object");
-    command->callback([arguments] {
-        SignedPackage package(arguments->package, opc::interfaces::OpenMode::ReadOnly);
-        const Report report(package);
-        if (arguments->json)
-            printJSON(report);
-        else
-            printTables(report);
-    });
-}
+const Command COVERAGE{
+    "coverage",
+    "List the signatures that cover each part and relationship, and what none covers",
+    declare,
+    "A part is covered if the signature value protects its digest. No signature protects content "
+    "types, but it names them, so a change is reported. Nor does a signature protect which of the "
+    "covered sources a relationship belongs to. Only a countersignature covers the parts and "
+    "relationships of the signatures themselves. It covers the content through the signatures "
+    "that it covers. opctool verify says whether the signatures hold.",
+    "opctool coverage report.docx",
+    "0 whatever the report says, 3 failure",
+    R"({
+  "type": "object",
+  "required": ["signatures", "parts", "relationships", "uncovered", "content"],
+  "properties": {
+    "signatures": {"description": "their names", "type": "array", "items": {"type": "string"}},
+    "parts": {
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["name", "signatures", "ofSignatures"],
+        "properties": {
+          "name": {"type": "string"},
+          "signatures": {"type": "array", "items": {"type": "string"}},
+          "ofSignatures": {"description": "whether the part belongs to the signatures", "type": "boolean"},
+          "except": {"description": "what of it isn't covered", "type": "string"}
+        }
+      }
+    },
+    "relationships": {
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["source", "id", "type", "signatures", "ofSignatures"],
+        "properties": {
+          "source": {"type": "string"}, "id": {"type": "string"}, "type": {"type": "string"},
+          "signatures": {"type": "array", "items": {"type": "string"}}, "ofSignatures": {"type": "boolean"}
+        }
+      }
+    },
+    "uncovered": {
+      "type": "object",
+      "required": ["parts", "relationships", "contentTypes"],
+      "properties": {
+        "parts": {"type": "array", "items": {"type": "string"}},
+        "relationships": {"$ref": "#/properties/result/properties/content/properties/uncoveredRelationships"},
+        "contentTypes": {"const": "all"}
+      }
+    },
+    "content": {
+      "description": "without the parts and relationships of the signatures",
+      "type": "object",
+      "required": ["uncoveredParts", "uncoveredRelationships", "changedContentTypes", "ignored", "keywords", "full"],
+      "properties": {
+        "uncoveredParts": {"type": "array", "items": {"type": "string"}},
+        "uncoveredRelationships": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["source", "id"],
+            "properties": {"source": {"type": "string"}, "id": {"type": "string"}}
+          }
+        },
+        "changedContentTypes": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["part", "contentType", "signedAs"],
+            "properties": {
+              "part": {"type": "string"}, "contentType": {"type": "string"}, "signedAs": {"type": "string"}
+            }
+          }
+        },
+        "ignored": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["name", "reason"],
+            "properties": {"name": {"type": "string"}, "reason": {"type": "string"}}
+          }
+        },
+        "keywords": {
+          "type": "object",
+          "required": ["begin", "size"],
+          "properties": {"begin": {"type": "integer"}, "size": {"type": "integer"}}
+        },
+        "full": {"type": "boolean"}
+      }
+    }
+  }
+})"};
 
 } // namespace opctool

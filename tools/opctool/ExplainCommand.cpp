@@ -88,28 +88,33 @@ void list(bool json) {
     Table table({{"RULE"}, {"SEVERITY"}, {"TITLE"}});
     for (const Rule* rule : rules())
         table.addRow({std::string(rule->id), nameOf(rule->severity), std::string(rule->title)});
-    table.print(std::cout, outputIsTerminal());
+    table.print(std::cout, {});
+}
+
+struct Arguments {
+    std::string rule;
+    bool json = false;
+};
+
+void explain(const Arguments& arguments) {
+    if (arguments.rule.empty())
+        list(arguments.json);
+    else if (arguments.json)
+        std::cout << toJSON(*findRule(arguments.rule)).dump(2) << '\n';
+    else
+        print(*findRule(arguments.rule));
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    command.add_option("RULE", arguments->rule, "The rule's id, as M1.6")->check(isRule())->type_name("");
+    command.add_flag("--json", arguments->json, "Print a JSON object, or an array of all");
+    command.callback([arguments] { explain(*arguments); });
 }
 
 } // namespace
 
-void addExplainCommand(CLI::App& app) {
-    struct Arguments {
-        std::string rule;
-        bool json = false;
-    };
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand("explain", "Explain a rule of check, or list all rules");
-    command->add_option("RULE", arguments->rule, "The rule's id, as M1.6")->check(isRule());
-    command->add_flag("--json", arguments->json, "Print a JSON object, or an array of all");
-    command->callback([arguments] {
-        if (arguments->rule.empty())
-            list(arguments->json);
-        else if (arguments->json)
-            std::cout << toJSON(*findRule(arguments->rule)).dump(2) << '\n';
-        else
-            print(*findRule(arguments->rule));
-    });
-}
+const Command EXPLAIN{"explain", "Explain a rule of check, or list all rules", declare, "",
+                      "opctool explain M1.6"};
 
 } // namespace opctool

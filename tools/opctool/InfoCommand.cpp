@@ -1,7 +1,7 @@
 #include "Commands.hpp"
+#include "Files.hpp"
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
-#include "Table.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -11,10 +11,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
-#include <iostream>
 #include <map>
-#include <memory>
 #include <string>
 
 namespace opctool {
@@ -92,10 +89,10 @@ ordered_json listIgnored(const OpenedPackage& package) {
     return list;
 }
 
-ordered_json describePackage(const PackageArgument& argument) {
-    OpenedPackage package(argument, opc::interfaces::OpenMode::ReadOnly);
-    ordered_json description = {{"file", argument.path},
-                                {"size", std::filesystem::file_size(argument.path)},
+ordered_json describePackage(FileRun& run) {
+    OpenedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
+    ordered_json description = {{"file", run.path()},
+                                {"size", package.size()},
                                 {"parts", countParts(*package)},
                                 {"relationships", countRelationships(*package)}};
     // An overview of a package whose properties are invalid is more useful than none.
@@ -118,70 +115,132 @@ std::string grouped(const ordered_json& number) {
     return digits;
 }
 
-void printParts(const ordered_json& parts) {
-    std::cout << "\nParts: " << grouped(parts["count"]) << ", " << grouped(parts["size"]) << " bytes\n";
+void printParts(FileRun& run, const ordered_json& parts) {
+    run.out() << "\nParts: " << grouped(parts["count"]) << ", " << grouped(parts["size"]) << " bytes\n";
     Table table({{"PARTS", Table::Align::Right}, {"BYTES", Table::Align::Right}, {"CONTENT TYPE"}});
     for (const auto& row : parts["byContentType"])
         table.addRow({grouped(row["parts"]), grouped(row["size"]), row["contentType"]});
-    table.print(std::cout, outputIsTerminal());
+    table.print(run.out(), run.tableStyle());
 }
 
-void printRelationships(const ordered_json& relationships) {
-    std::cout << "\nRelationships: " << grouped(relationships["count"]) << ", "
+void printRelationships(FileRun& run, const ordered_json& relationships) {
+    run.out() << "\nRelationships: " << grouped(relationships["count"]) << ", "
               << grouped(relationships["external"]) << " of them external\n";
     Table table({{"COUNT", Table::Align::Right}, {"EXTERNAL", Table::Align::Right}, {"TYPE"}});
     for (const auto& row : relationships["byType"])
         table.addRow({grouped(row["count"]), grouped(row["external"]), row["type"]});
-    table.print(std::cout, outputIsTerminal());
+    table.print(run.out(), run.tableStyle());
 }
 
-void printCoreProperties(const ordered_json& description) {
+void printCoreProperties(FileRun& run, const ordered_json& description) {
     const ordered_json& properties = description["coreProperties"];
-    std::cout << "\nCore properties: " << properties.size() << '\n';
+    run.out() << "\nCore properties: " << properties.size() << '\n';
     if (description.contains("corePropertiesFailure"))
-        std::cout << "can't be read: " << withoutControlCharacters(description["corePropertiesFailure"])
+        run.out() << "can't be read: " << withoutControlCharacters(description["corePropertiesFailure"])
                   << '\n';
     else
-        printProperties(properties);
+        printProperties(run.out(), run.tableStyle(), properties);
 }
 
-void printIgnored(const ordered_json& ignored) {
-    std::cout << "\nIn the container beside parts: " << ignored.size() << '\n';
+void printIgnored(FileRun& run, const ordered_json& ignored) {
+    run.out() << "\nIn the container beside parts: " << ignored.size() << '\n';
     Table table({{"NAME"}, {"REASON"}});
     for (const auto& item : ignored)
         table.addRow({item["name"], item["reason"]});
-    table.print(std::cout, outputIsTerminal());
+    table.print(run.out(), run.tableStyle());
 }
 
-void info(const PackageArgument& argument, bool asJSON) {
-    const ordered_json description = describePackage(argument);
-    if (asJSON) {
-        std::cout << escapedJSON(description.dump(2)) << '\n';
+void info(FileRun& run) {
+    const ordered_json description = describePackage(run);
+    if (run.wantsJSON()) {
+        run.json().add(description);
         return;
     }
-    std::cout << withoutControlCharacters(argument.path) << ": " << grouped(description["size"])
-              << " bytes\n";
-    printParts(description["parts"]);
-    printRelationships(description["relationships"]);
-    std::cout << "\nThumbnails: " << description["thumbnails"].size() << '\n';
+    if (!run.options().isOneOfMany)
+        run.out() << withoutControlCharacters(run.path()) << ": ";
+    run.out() << grouped(description["size"]) << " bytes\n";
+    printParts(run, description["parts"]);
+    printRelationships(run, description["relationships"]);
+    run.out() << "\nThumbnails: " << description["thumbnails"].size() << '\n';
     for (const auto& name : description["thumbnails"])
-        std::cout << withoutControlCharacters(name) << '\n';
-    printCoreProperties(description);
-    printIgnored(description["ignored"]);
+        run.out() << withoutControlCharacters(name) << '\n';
+    printCoreProperties(run, description);
+    printIgnored(run, description["ignored"]);
+}
+
+void declare(CLI::App& command) {
+    const auto files = addFiles(command, INFO);
+    command.callback([files] { files->run(info); });
 }
 
 } // namespace
 
-void addInfoCommand(CLI::App& app) {
-    struct Arguments {
-        PackageArgument package;
-        bool json = false;
-    };
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand("info", "Give an overview of a package");
-    addPackage(*command, arguments->package);
-    command->add_flag("--json", arguments->json, "Print a JSON object");
-    command->callback([arguments] { info(arguments->package, arguments->json); });
-}
+const Command INFO{"info",
+                   "Give an overview of a package",
+                   declare,
+                   "",
+                   "opctool info report.docx\n"
+                   "opctool info *.docx --jsonl",
+                   "",
+                   R"({
+  "type": "object",
+  "required": ["file", "size", "parts", "relationships", "coreProperties", "thumbnails", "ignored"],
+  "properties": {
+    "file": {"type": "string"},
+    "size": {"description": "of the archive, in bytes", "type": "integer"},
+    "parts": {
+      "type": "object",
+      "required": ["count", "size", "byContentType"],
+      "properties": {
+        "count": {"type": "integer"},
+        "size": {"description": "in bytes, uncompressed", "type": "integer"},
+        "byContentType": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["contentType", "parts", "size"],
+            "properties": {
+              "contentType": {"type": "string"}, "parts": {"type": "integer"}, "size": {"type": "integer"}
+            }
+          }
+        }
+      }
+    },
+    "relationships": {
+      "type": "object",
+      "required": ["count", "external", "byType"],
+      "properties": {
+        "count": {"type": "integer"},
+        "external": {"type": "integer"},
+        "byType": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["type", "count", "external"],
+            "properties": {
+              "type": {"type": "string"}, "count": {"type": "integer"}, "external": {"type": "integer"}
+            }
+          }
+        }
+      }
+    },
+    "coreProperties": {"description": "as props gives them; null if they can't be read", "type": ["object", "null"]},
+    "corePropertiesFailure": {"description": "why they can't be read", "type": "string"},
+    "thumbnails": {"type": "array", "items": {"type": "string"}},
+    "ignored": {
+      "description": "what the container holds beside parts",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["name", "reason", "item"],
+        "properties": {
+          "name": {"type": "string"},
+          "reason": {"type": "string"},
+          "item": {"description": "false for bytes that belong to no item", "type": "boolean"}
+        }
+      }
+    }
+  }
+})"};
 
 } // namespace opctool

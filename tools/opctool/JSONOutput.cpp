@@ -5,12 +5,20 @@
 #include <nlohmann/json.hpp>
 
 #include <sstream>
+#include <utility>
 
 namespace opctool {
 
 void JSONOutput::add(const nlohmann::ordered_json& value, const std::string& name) {
     goToNext(name);
-    std::istringstream lines(escapedJSON(value.dump(2)));
+    const bool onOneLine = layout == Layout::OneLine;
+    const std::string text = escapedJSON(
+        value.dump(onOneLine ? -1 : 2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+    if (onOneLine) {
+        stream << text;
+        return;
+    }
+    std::istringstream lines(text);
     std::string line;
     std::getline(lines, line);
     stream << line;
@@ -21,8 +29,7 @@ void JSONOutput::add(const nlohmann::ordered_json& value, const std::string& nam
 }
 
 void JSONOutput::begin(const std::string& name, const char* opening, char closing) {
-    if (!levels.empty())
-        goToNext(name);
+    goToNext(name);
     stream << opening;
     levels.push_back({closing, true});
 }
@@ -33,20 +40,23 @@ void JSONOutput::end() {
     if (!ended.isEmpty)
         indent();
     stream << ended.closing;
-    if (levels.empty())
-        stream << '\n';
 }
 
 void JSONOutput::goToNext(const std::string& name) {
-    stream << (levels.back().isEmpty ? "" : ",");
-    levels.back().isEmpty = false;
-    indent();
-    if (!name.empty())
-        stream << '"' << name << "\": ";
+    const std::string& own = name.empty() ? nextName : name;
+    if (!levels.empty()) {
+        stream << (levels.back().isEmpty ? "" : ",");
+        levels.back().isEmpty = false;
+        indent();
+    }
+    if (!own.empty())
+        stream << '"' << own << (layout == Layout::OneLine ? "\":" : "\": ");
+    nextName.clear();
 }
 
 void JSONOutput::indent() {
-    stream << '\n' << std::string(2 * levels.size(), ' ');
+    if (layout == Layout::Indented)
+        stream << '\n' << std::string(2 * levels.size(), ' ');
 }
 
 } // namespace opctool

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 
 namespace opctool {
 
@@ -32,15 +33,21 @@ std::string describe(const Oddity& oddity) {
 } // namespace
 
 void tell(const std::string& package, const std::string& text) {
-    std::cerr << withoutControlCharacters("opctool: " + (package.empty() ? "" : package + ": ") + text)
-              << '\n';
+    std::cerr << messageLine(package, text);
 }
 
-void tellOddities(const std::string& package, const std::vector<Oddity>& oddities) {
-    const std::size_t told = std::min(oddities.size(), TOLD);
-    std::for_each_n(oddities.begin(), told, [&](const Oddity& oddity) { tell(package, describe(oddity)); });
+std::string messageLine(const std::string& package, const std::string& text) {
+    return withoutControlCharacters("opctool: " + (package.empty() ? "" : package + ": ") + text) + '\n';
+}
+
+std::vector<std::string> describeOddities(const std::vector<Oddity>& oddities, bool all) {
+    const std::size_t told = all ? oddities.size() : std::min(oddities.size(), TOLD);
+    std::vector<std::string> texts;
+    std::transform(oddities.begin(), oddities.begin() + static_cast<std::ptrdiff_t>(told),
+                   std::back_inserter(texts), describe);
     if (told < oddities.size())
-        tell(package, "and " + std::to_string(oddities.size() - told) + " more");
+        texts.push_back("and " + std::to_string(oddities.size() - told) + " more");
+    return texts;
 }
 
 } // namespace opctool

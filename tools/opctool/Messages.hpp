@@ -11,8 +11,11 @@ namespace opctool {
 /// @param package  the path of the package that the line is about; empty if it is about none
 void tell(const std::string& package, const std::string& text);
 
-/// Prints what breaks the standard in a package, one line each: `opctool: PACKAGE: PLACE:LINE: WHAT; DONE [RULE]`. If
-/// there are very many, prints the first ones and the number of the others.
-void tellOddities(const std::string& package, const std::vector<opc::interfaces::Oddity>& oddities);
+/// That line, with its end.
+std::string messageLine(const std::string& package, const std::string& text);
+
+/// What a package has that breaks the standard, a text each: `PLACE:LINE: WHAT; DONE [RULE]`.
+/// @param all  if not, of very many the first, and how many more there are
+std::vector<std::string> describeOddities(const std::vector<opc::interfaces::Oddity>& oddities, bool all);
 
 } // namespace opctool

@@ -6,13 +6,13 @@
 
 namespace opctool {
 
-OpenedPackage::OpenedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode)
-    : file(argument), package(file) {
+OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode) : file(run), package(file) {
     file.open(package, mode);
 }
 
 void OpenedPackage::save() {
     package.close(false);
+    file.deliver();
 }
 
 std::uint64_t measure(const opc::model::Part& part) {

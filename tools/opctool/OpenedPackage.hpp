@@ -10,10 +10,10 @@
 
 namespace opctool {
 
-/// The package of one command. The constructor opens it. Without a call of `save`, the file doesn't change.
+/// The package of one run. The constructor opens it. Without a call of `save`, the file doesn't change.
 class OpenedPackage {
 public:
-    OpenedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode);
+    OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode);
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }
@@ -23,7 +23,10 @@ public:
         return file.ignoredItems();
     }
 
-    /// Writes the changes and closes the package.
+    /// @return the size of the archive in bytes
+    std::uint64_t size() const { return file.size(); }
+
+    /// Writes the changes, into the file or into the target of the run, and closes the package.
     void save();
 
     /// Finds the package itself for "/", otherwise the part with that name.

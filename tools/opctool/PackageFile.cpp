@@ -1,12 +1,15 @@
 #include "PackageFile.hpp"
 
-#include "Messages.hpp"
+#include "FileRun.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/model/Package.hpp>
 
-#include <CLI/CLI.hpp>
-
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <streambuf>
+#include <string>
 #include <utility>
 
 namespace opctool {
@@ -15,16 +18,40 @@ using opc::interfaces::IPhysicalPackage;
 using opc::interfaces::Oddity;
 using opc::interfaces::OpenMode;
 
+/// The bytes of the package where the archive isn't to be the file itself.
+class PackageFile::InputStream : private std::streambuf, public std::istream {
+public:
+    /// @param source  must outlive this object
+    explicit InputStream(std::streambuf& source) : std::istream(this), source(source) {}
+    explicit InputStream(std::unique_ptr<std::filebuf> file) : InputStream(*file) { owned = std::move(file); }
+
+    std::uint64_t count() const { return total; }
+
+protected:
+    std::streamsize xsgetn(char* buffer, std::streamsize size) override {
+        const std::streamsize got = source.sgetn(buffer, size);
+        total += static_cast<std::uint64_t>(got);
+        return got;
+    }
+
+private:
+    std::streambuf& source;
+    std::unique_ptr<std::filebuf> owned;
+    std::uint64_t total = 0;
+};
+
 namespace {
 
-opc::physical::ZipOptions zipOptions(bool strict) {
-    opc::physical::ZipOptions options;
-    options.lenient = !strict;
+opc::physical::ZipOptions zipOptions(const FileRun& run, bool lenient) {
+    opc::physical::ZipOptions options = run.options().reading.zip;
+    options.lenient = lenient;
     return options;
 }
 
-bool opensLeniently(const std::string& path) {
-    opc::physical::ZipPackage archive(path, zipOptions(false));
+bool opensLeniently(const FileRun& run) {
+    if (run.isStandardInput())
+        return false;
+    opc::physical::ZipPackage archive(run.path(), zipOptions(run, true));
     opc::physical::LenientPackage lenient(archive);
     opc::model::Package package(lenient);
     try {
@@ -37,39 +64,57 @@ bool opensLeniently(const std::string& path) {
 
 } // namespace
 
-void addPackage(CLI::App& command, PackageArgument& package) {
-    command.add_option("PACKAGE", package.path, "The package's file")->required();
-    CLI::Option* strict =
-        command.add_flag("--strict", package.strict, "Refuse a package that breaks the standard");
-    command
-        .add_flag("--lenient",
-                  "Read it as other programs do, and report on standard error what is wrong; the default")
-        ->excludes(strict);
+/// @return null if the archive is to be the file itself
+std::unique_ptr<PackageFile::InputStream> PackageFile::makeInput(const FileRun& run) {
+    if (run.isStandardInput())
+        return std::make_unique<InputStream>(*std::cin.rdbuf());
+    if (run.target().empty() || !std::filesystem::is_regular_file(run.path()))
+        return nullptr;
+    auto file = std::make_unique<std::filebuf>();
+    if (file->open(run.path(), std::ios::in | std::ios::binary) == nullptr)
+        return nullptr; // opening the package tells why
+    return std::make_unique<InputStream>(std::move(file));
 }
 
-PackageFile::PackageFile(const PackageArgument& argument)
-    : argument(argument), archive(argument.path, zipOptions(argument.strict)), lenient(archive),
-      store(argument.strict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
+PackageFile::PackageFile(FileRun& run)
+    : run(run), isStrict(run.options().reading.strict), input(makeInput(run)),
+      archive(input ? opc::physical::ZipPackage(*input, zipOptions(run, !isStrict))
+                    : opc::physical::ZipPackage(run.path(), zipOptions(run, !isStrict))),
+      lenient(archive), store(isStrict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
 }
+
+PackageFile::~PackageFile() = default;
 
 void PackageFile::open(opc::model::Package& package, OpenMode mode) const {
     try {
         package.open(mode);
     } catch (opc::Exception& e) {
-        if (argument.strict && opensLeniently(argument.path))
+        if (isStrict && opensLeniently(run))
             e.addDetails("--lenient opens the package all the same");
         throw;
     }
 }
 
+void PackageFile::deliver() const {
+    const std::string target = run.target();
+    if (target == "-")
+        archive.writeTo(std::cout);
+    else if (!target.empty())
+        archive.writeTo(std::filesystem::path(target));
+}
+
+std::uint64_t PackageFile::size() const {
+    return input ? input->count() : std::filesystem::file_size(run.path());
+}
+
 void PackageFile::open(const OpenMode& mode) {
-    hasToldOddities = false;
+    hasReported = false;
     store.open(mode);
 }
 
 void PackageFile::close(bool abandon) {
-    if (!std::exchange(hasToldOddities, true))
-        tellOddities(argument.path, getOddities());
+    if (!std::exchange(hasReported, true))
+        run.report(getOddities());
     store.close(abandon);
 }
 

@@ -3,12 +3,9 @@
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
-#include <string>
+#include <cstdint>
+#include <memory>
 #include <vector>
-
-namespace CLI {
-class App;
-} // namespace CLI
 
 namespace opc::model {
 class Package;
@@ -16,23 +13,23 @@ class Package;
 
 namespace opctool {
 
-/// The package of a command, as given on the command line.
-struct PackageArgument {
-    std::string path;
-    bool strict = false;
-};
+class FileRun;
 
-/// Declares the arguments of a command for the package that it opens.
-void addPackage(CLI::App& command, PackageArgument& package);
-
-/// The store of a command's package. Unless it is strict, it accepts packages that real programs write although they
-/// break the standard, and prints a line on standard error for each oddity before it closes.
+/// The store of a run's package. Unless it is strict, it accepts packages that real programs write although they
+/// break the standard, and reports each oddity to the run before it closes. A changed package with a target of its own is written there, and
+/// the package itself stays as it was.
 class PackageFile : public opc::interfaces::IPhysicalPackage {
 public:
-    explicit PackageFile(const PackageArgument& argument);
+    explicit PackageFile(FileRun& run);
 
     /// Opens the model on this store. If a strict store fails, the message says whether a lenient one would succeed.
     void open(opc::model::Package& package, opc::interfaces::OpenMode mode) const;
+
+    /// Writes the package, which has been closed, to the target of the run if there is one.
+    void deliver() const;
+
+    /// @return the size of the archive in bytes
+    std::uint64_t size() const;
 
     /// What the container has beside the parts.
     const std::vector<opc::physical::ZipPackage::IgnoredItem>& ignoredItems() const {
@@ -56,13 +53,19 @@ public:
     void deletePart(const std::u16string& name) override { store.deletePart(name); }
     std::vector<opc::interfaces::IgnoredItem> getIgnoredItems() override { return store.getIgnoredItems(); }
     std::vector<opc::interfaces::Oddity> getOddities() override;
+    ~PackageFile() override;
 
 private:
-    const PackageArgument argument;
+    class InputStream;
+
+    static std::unique_ptr<InputStream> makeInput(const FileRun& run);
+    FileRun& run;
+    const bool isStrict;
+    std::unique_ptr<InputStream> input; ///< null if the archive is the file itself
     opc::physical::ZipPackage archive;
     opc::physical::LenientPackage lenient;
     opc::interfaces::IPhysicalPackage& store; ///< one of the two above
-    bool hasToldOddities = false;             ///< since it was opened
+    bool hasReported = false;                 ///< since it was opened
 };
 
 } // namespace opctool

@@ -1,9 +1,8 @@
 #include "Commands.hpp"
-#include "Messages.hpp"
+#include "Files.hpp"
 #include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
-#include "TerminalText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -13,7 +12,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -30,8 +28,6 @@ using opc::model::PackageHelper;
 using opc::model::Part;
 
 struct Arguments {
-    PackageArgument package;
-    bool json = false;
     bool clear = false;
     std::vector<std::string> unset;
     std::vector<std::string> set;
@@ -46,15 +42,14 @@ bool hasCoreProperties(const Package& package) {
 
 /// Some programs lead to their core properties by a relationship of another type than the standard's. Then the
 /// package has none by the standard, and new ones are added beside those.
-void warnOfCorePropertiesOutOfReach(const std::string& path, const Package& package) {
+void warnOfCorePropertiesOutOfReach(FileRun& run, const Package& package) {
     if (hasCoreProperties(package))
         return;
     for (const Part& part : package.getParts())
         if (part.getContentType() == PackageHelper::getCorePropertiesContentType())
-            tell(path,
-                 "warning: " + opc::toUDEString(part.getName().toString()) +
-                     " has the content type of core properties, but no relationship of their type leads "
-                     "to it; it stays unchanged");
+            run.remark("warning: " + opc::toUDEString(part.getName().toString()) +
+                       " has the content type of core properties, but no relationship of their type leads "
+                       "to it; it stays unchanged");
 }
 
 CoreProperties readStrictly(const Package& package) {
@@ -67,42 +62,43 @@ CoreProperties readStrictly(const Package& package) {
     }
 }
 
-/// None if their relationship leads to no part; prints what is missing and what is done about it. In strict mode that
+/// None if their relationship leads to no part; reports what is missing and what is done about it. In strict mode that
 /// is a failure.
-CoreProperties read(const PackageArgument& argument, const Package& package, const std::string& done) {
-    if (argument.strict || !PackageHelper::hasDanglingCoreProperties(package))
+CoreProperties read(FileRun& run, const Package& package, const std::string& done) {
+    if (run.options().reading.strict || !PackageHelper::hasDanglingCoreProperties(package))
         return readStrictly(package);
     const auto dangling =
         *package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).begin();
-    tell(argument.path, "/_rels/.rels#" + opc::toUDEString(dangling.getID()) +
-                            ": the core properties relationship leads to no part: " +
-                            opc::toUDEString(dangling.getTarget()) + "; " + done);
+    run.report(
+        {{"", u"/_rels/.rels#" + dangling.getID(), 0,
+          "the core properties relationship leads to no part: " + opc::toUDEString(dangling.getTarget()),
+          done}});
     return {};
 }
 
-void write(const PackageArgument& argument, Package& package, const CoreProperties& properties) {
-    if (argument.strict)
+void write(const FileRun& run, Package& package, const CoreProperties& properties) {
+    if (run.options().reading.strict)
         PackageHelper::createOrUpdateCoreProperties(package, properties);
     else
         PackageHelper::mendCoreProperties(package, properties);
 }
 
-void print(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadOnly);
-    warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
-    const nlohmann::json description = describe(read(arguments.package, *package, "there are none"));
-    if (arguments.json)
-        std::cout << escapedJSON(description.dump(2)) << '\n';
+void print(FileRun& run) {
+    OpenedPackage package(run, OpenMode::ReadOnly);
+    warnOfCorePropertiesOutOfReach(run, *package);
+    const nlohmann::json description = describe(read(run, *package, "there are none"));
+    if (run.wantsJSON())
+        run.json().add(description);
     else
-        printProperties(description);
+        printProperties(run.out(), run.tableStyle(), description);
 }
 
-void change(const Arguments& arguments) {
-    OpenedPackage package(arguments.package, OpenMode::ReadWrite);
-    warnOfCorePropertiesOutOfReach(arguments.package.path, *package);
+void change(FileRun& run, const Arguments& arguments) {
+    OpenedPackage package(run, OpenMode::ReadWrite);
+    warnOfCorePropertiesOutOfReach(run, *package);
     CoreProperties properties;
     if (!arguments.clear) // old ones that will be dropped need not be readable
-        properties = read(arguments.package, *package, "new ones are written");
+        properties = read(run, *package, "new ones are written");
     for (const std::string& name : arguments.unset)
         unset(properties, name);
     for (const std::string& assignment : arguments.set)
@@ -113,33 +109,70 @@ void change(const Arguments& arguments) {
                        parseKeyword);
         properties.setKeywords(keywords);
     }
-    if (properties.isEmpty() && !hasCoreProperties(*package))
-        return;
-    write(arguments.package, *package, properties);
+    if (!properties.isEmpty() || hasCoreProperties(*package))
+        write(run, *package, properties);
     package.save();
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addFiles(command, PROPS);
+    addTarget(command, files->options);
+    const char* const group = "Changes, to one package";
+    std::vector<CLI::Option*> changes{
+        command.add_flag("--clear", arguments->clear, "First drop all properties"),
+        addRepeatable(&command, "--unset", arguments->unset, "Drop one property; done before --set")
+            ->check(checkProperty)
+            ->type_name("NAME"),
+        addRepeatable(&command, "--set", arguments->set,
+                      "Set one property. A time is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
+                      "2024-02-29T13:45:59+01:00 …)")
+            ->check(checkAssignment)
+            ->type_name("NAME=VALUE"),
+        addRepeatable(&command, "--keyword", arguments->keywords,
+                      "A keyword. The given keywords replace all old ones. Write a colon at the end if TEXT "
+                      "has a colon and no language")
+            ->type_name("TEXT[:LANGUAGE]")};
+    for (CLI::Option* change : changes)
+        change->group(group)->excludes(command.get_option("--json"))->excludes(command.get_option("--jsonl"));
+    command.callback([files, arguments] {
+        if (arguments->changes())
+            files->requireOne("a change");
+        else if (!files->options.target.empty())
+            throw CLI::ValidationError("--output", "is for a change");
+        files->run(
+            [&arguments](FileRun& run) { arguments->changes() ? change(run, *arguments) : print(run); });
+    });
 }
 
 } // namespace
 
-void addPropertyCommands(CLI::App& app) {
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand("props", "Print the core properties, or change them");
-    addPackage(*command, arguments->package);
-    CLI::Option* json = command->add_flag("--json", arguments->json, "Print a JSON object");
-    command->add_flag("--clear", arguments->clear, "First drop all properties")->excludes(json);
-    addRepeatable(command, "--unset", arguments->unset, "NAME: drop one property; done before --set")
-        ->check(checkProperty)
-        ->excludes(json);
-    addRepeatable(command, "--set", arguments->set,
-                  "NAME=VALUE: set one property. A time is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
-                  "2024-02-29T13:45:59+01:00 …)")
-        ->check(checkAssignment)
-        ->excludes(json);
-    addRepeatable(command, "--keyword", arguments->keywords,
-                  "TEXT or TEXT:LANGUAGE: a keyword. The given keywords replace all old ones. "
-                  "Write a colon at the end if TEXT has a colon and no language")
-        ->excludes(json);
-    command->callback([arguments] { arguments->changes() ? change(*arguments) : print(*arguments); });
-}
+const Command PROPS{"props",
+                    "Print the core properties, or change them",
+                    declare,
+                    "",
+                    "opctool props report.docx\n"
+                    "opctool props report.docx --set title='The report' --set modified=now\n"
+                    "opctool props report.docx --clear -o clean.docx",
+                    "",
+                    R"({
+  "type": "object",
+  "description": "the properties that are present",
+  "properties": {
+    "category": {"type": "string"}, "contentStatus": {"type": "string"}, "created": {"type": "string"},
+    "creator": {"type": "string"}, "description": {"type": "string"}, "identifier": {"type": "string"},
+    "keywords": {
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["text"],
+        "properties": {"text": {"type": "string"}, "language": {"type": "string"}}
+      }
+    },
+    "language": {"type": "string"}, "lastModifiedBy": {"type": "string"}, "lastPrinted": {"type": "string"},
+    "modified": {"type": "string"}, "revision": {"type": "string"}, "subject": {"type": "string"},
+    "title": {"type": "string"}, "version": {"type": "string"}
+  }
+})"};
 
 } // namespace opctool

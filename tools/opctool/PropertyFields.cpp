@@ -99,7 +99,7 @@ json describe(const CoreProperties& properties) {
     return description;
 }
 
-void printProperties(const json& description) {
+void printProperties(std::ostream& stream, Table::Style style, const json& description) {
     Table table({{"PROPERTY"}, {"VALUE"}});
     for (const auto& [name, value] : description.items()) {
         if (value.is_string()) {
@@ -112,7 +112,7 @@ void printProperties(const json& description) {
             table.addRow({name, keyword["text"].get<std::string>() + language});
         }
     }
-    table.print(std::cout, outputIsTerminal());
+    table.print(stream, style);
 }
 
 std::string checkProperty(const std::string& name) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Table.hpp"
+
 #include <opc/model/CoreProperties.hpp>
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <iosfwd>
 #include <string>
 
 namespace opctool {
@@ -16,7 +19,7 @@ namespace opctool {
 nlohmann::json describe(const opc::model::CoreProperties& properties);
 
 /// Prints the result of `describe` for people, with a row for each field and each keyword.
-void printProperties(const nlohmann::json& description);
+void printProperties(std::ostream& stream, Table::Style style, const nlohmann::json& description);
 
 /// @return what is wrong with `name` as the name of a field; empty if nothing is
 std::string checkProperty(const std::string& name);

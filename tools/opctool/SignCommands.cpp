@@ -1,5 +1,5 @@
 #include "Commands.hpp"
-#include "Messages.hpp"
+#include "Files.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
@@ -13,7 +13,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -44,7 +43,6 @@ struct Selection {
 };
 
 struct SignArguments {
-    PackageArgument package;
     SigningArguments signing;
     std::vector<std::string> parts;
     std::vector<std::string> relationships;
@@ -122,10 +120,6 @@ Selection select(const SignArguments& arguments, const Package& package,
     return selection;
 }
 
-void print(const DigitalSignature& signature) {
-    std::cout << opc::toUDEString(signature.getName()) << '\n';
-}
-
 /// What no signature can cover, on one line; empty if there is nothing.
 std::string describeIgnored(const PackageCoverage& coverage) {
     constexpr std::size_t TOLD = 5; // a small package can hold very many
@@ -138,9 +132,9 @@ std::string describeIgnored(const PackageCoverage& coverage) {
     return text;
 }
 
-void sign(const SignArguments& arguments) {
+void sign(FileRun& run, const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
-    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+    SignedPackage package(run, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
     const Selection selection = select(arguments, *package, signatures);
     const DigitalSignature signature = material.apply([&](const auto&... signer) {
@@ -151,34 +145,32 @@ void sign(const SignArguments& arguments) {
     const std::string ignored = describeIgnored(signatures.computeCoverage({signature}));
     package.save();
     if (!ignored.empty())
-        tell(arguments.package.path, "warning: no signature covers what other programs may read: " + ignored);
+        run.tell("warning: no signature covers what other programs may read: " + ignored);
     if (breaksCountersignature)
-        tell(arguments.package.path, "warning: the countersignature doesn't hold any more");
+        run.tell("warning: the countersignature doesn't hold any more");
     if (carriesForeign)
-        tell(arguments.package.path,
-             "warning: the package has signatures in another form, which aren't read: they may not hold "
-             "any more");
-    print(signature);
+        run.tell("warning: the package has signatures in another form, which aren't read: they may not hold "
+                 "any more");
+    run.printName(opc::toUDEString(signature.getName()));
 }
 
-void countersign(const SignArguments& arguments) {
+void countersign(FileRun& run, const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
-    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+    SignedPackage package(run, OpenMode::ReadWrite);
     const DigitalSignature signature = material.apply(
         [&](const auto&... signer) { return package.signatures().countersignAllSignatures(signer...); });
     package.save();
-    print(signature);
+    run.printName(opc::toUDEString(signature.getName()));
 }
 
 struct UnsignArguments {
-    PackageArgument package;
     std::string name;
     bool all = false;
     bool countersignature = false;
 };
 
-void unsign(const UnsignArguments& arguments) {
-    SignedPackage package(arguments.package, OpenMode::ReadWrite);
+void unsign(FileRun& run, const UnsignArguments& arguments) {
+    SignedPackage package(run, OpenMode::ReadWrite);
     DigitalSignatureManager& signatures = package.signatures();
     if (arguments.all) {
         signatures.discardSignatures();
@@ -195,61 +187,58 @@ void unsign(const UnsignArguments& arguments) {
     package.save();
 }
 
-CLI::App* addCommand(CLI::App& app, const char* name, const char* what, PackageArgument& package) {
-    CLI::App* command = app.add_subcommand(name, what);
-    addPackage(*command, package);
-    return command;
-}
-
-void addSign(CLI::App& app) {
+void declareSign(CLI::App& command) {
     const auto arguments = std::make_shared<SignArguments>();
-    CLI::App* command = addCommand(app, "sign",
-                                   "Sign a package, or parts and relationships of it, and print the name of "
-                                   "the signature.\nopctool coverage says what a signature protects",
-                                   arguments->package);
-    addSigningOptions(*command, arguments->signing);
+    const auto files = addChangedFile(command, SIGN);
+    addSigningOptions(command, arguments->signing);
     const char* const group = "What is signed; without these options, everything";
-    addRepeatable(command, "--part", arguments->parts, "A part's name")->group(group);
-    addRepeatable(command, "--relationship", arguments->relationships,
-                  "SOURCE:ID: one relationship; SOURCE is a part name, or \"/\" for the package")
+    addRepeatable(&command, "--part", arguments->parts, "A part's name")->type_name("NAME")->group(group);
+    addRepeatable(&command, "--relationship", arguments->relationships,
+                  "One relationship; SOURCE is a part name, or \"/\" for the package")
         ->check(checkSelector)
+        ->type_name("SOURCE:ID")
         ->group(group);
-    addRepeatable(command, "--relationship-type", arguments->relationshipTypes,
-                  "SOURCE:TYPE: all relationships of this type")
+    addRepeatable(&command, "--relationship-type", arguments->relationshipTypes,
+                  "All relationships of this type")
         ->check(checkSelector)
+        ->type_name("SOURCE:TYPE")
         ->group(group);
-    command->callback([arguments] { sign(*arguments); });
+    command.callback([files, arguments] { files->run([&](FileRun& run) { sign(run, *arguments); }); });
 }
 
-void addCountersign(CLI::App& app) {
+void declareCountersign(CLI::App& command) {
     const auto arguments = std::make_shared<SignArguments>();
-    CLI::App* command =
-        addCommand(app, "countersign",
-                   "Sign all signatures of a package, and print the name of the countersignature.\n"
-                   "Adding a signature later breaks it",
-                   arguments->package);
-    addSigningOptions(*command, arguments->signing);
-    command->callback([arguments] { countersign(*arguments); });
+    const auto files = addChangedFile(command, COUNTERSIGN);
+    addSigningOptions(command, arguments->signing);
+    command.callback([files, arguments] { files->run([&](FileRun& run) { countersign(run, *arguments); }); });
 }
 
-void addUnsign(CLI::App& app) {
+void declareUnsign(CLI::App& command) {
     const auto arguments = std::make_shared<UnsignArguments>();
-    CLI::App* command = addCommand(app, "unsign", "Remove signatures", arguments->package);
-    CLI::App* which = command->add_option_group("Which", "What is removed");
-    which->add_option("NAME", arguments->name, "The name of a signature, such as sig1");
+    const auto files = addChangedFile(command, UNSIGN);
+    CLI::App* which = command.add_option_group("Which", "What is removed");
+    which->add_option("NAME", arguments->name, "The name of a signature, such as sig1")->type_name("");
     which->add_flag("--all", arguments->all, "All signatures, also those that can't be read");
     which->add_flag("--countersignature", arguments->countersignature,
                     "The countersignature, if the package has one");
     which->require_option(1);
-    command->callback([arguments] { unsign(*arguments); });
+    command.callback([files, arguments] { files->run([&](FileRun& run) { unsign(run, *arguments); }); });
 }
 
 } // namespace
 
-void addSignCommands(CLI::App& app) {
-    addSign(app);
-    addCountersign(app);
-    addUnsign(app);
-}
+const Command SIGN{
+    "sign", "Sign a package, or parts and relationships of it", declareSign,
+    "The name of the new signature is printed. opctool coverage says what a signature protects.",
+    "opctool sign report.docx --key signer.key --public signer.pub\n"
+    "opctool sign report.docx --p12 signer.p12 --part /word/document.xml"};
+
+const Command COUNTERSIGN{"countersign", "Sign all signatures of a package", declareCountersign,
+                          "The name of the countersignature is printed. Adding a signature later breaks it.",
+                          "opctool countersign report.docx --key other.key --public other.pub"};
+
+const Command UNSIGN{"unsign", "Remove signatures", declareUnsign, "",
+                     "opctool unsign report.docx sig1\n"
+                     "opctool unsign report.docx --all -o unsigned.docx"};
 
 } // namespace opctool

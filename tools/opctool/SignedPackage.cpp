@@ -1,14 +1,17 @@
 #include "SignedPackage.hpp"
 
+#include "FileRun.hpp"
+
 namespace opctool {
 
-SignedPackage::SignedPackage(const PackageArgument& argument, opc::interfaces::OpenMode mode)
-    : file(argument), watched(file, progress), package(watched), manager(package) {
+SignedPackage::SignedPackage(FileRun& run, opc::interfaces::OpenMode mode)
+    : file(run), watched(file, run.progress()), package(watched), manager(package) {
     file.open(package, mode);
 }
 
 void SignedPackage::save() {
     package.close(false);
+    file.deliver();
 }
 
 } // namespace opctool

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <ostream>
 
-#include <unistd.h>
-
 namespace opctool {
 
 namespace {
@@ -41,11 +39,11 @@ void Table::addRow(std::vector<std::string> cells) {
     rows.push_back(std::move(cells));
 }
 
-void Table::print(std::ostream& stream, bool isTerminal) const {
-    print(stream, isTerminal, [this](const auto& visit) { std::for_each(rows.begin(), rows.end(), visit); });
+void Table::print(std::ostream& stream, Style style) const {
+    print(stream, style, [this](const auto& visit) { std::for_each(rows.begin(), rows.end(), visit); });
 }
 
-void Table::print(std::ostream& stream, bool isTerminal, const Rows& forEachRow) const {
+void Table::print(std::ostream& stream, Style style, const Rows& forEachRow) const {
     const auto forEachShown = [&forEachRow](const auto& visit) {
         forEachRow([&visit](Cells cells) {
             std::transform(cells.begin(), cells.end(), cells.begin(), withoutControlCharacters);
@@ -56,7 +54,7 @@ void Table::print(std::ostream& stream, bool isTerminal, const Rows& forEachRow)
     std::vector<std::size_t> widths;
     for (const Column& column : columns) {
         headings.push_back(column.heading);
-        widths.push_back(width(column.heading));
+        widths.push_back(style.hasHeading ? width(column.heading) : 0);
     }
     std::size_t rowCount = 0;
     forEachShown([&](const Cells& cells) {
@@ -68,17 +66,15 @@ void Table::print(std::ostream& stream, bool isTerminal, const Rows& forEachRow)
         return;
     for (std::size_t& columnWidth : widths)
         columnWidth = std::min(columnWidth, MAXIMUM_OF_COLUMN / rowCount);
-    stream << (isTerminal ? "\033[1m" : "");
-    printCells(stream, headings, columns, widths);
-    stream << (isTerminal ? "\033[0m\n" : "\n");
+    if (style.hasHeading) {
+        stream << (style.isColored ? "\033[1m" : "");
+        printCells(stream, headings, columns, widths);
+        stream << (style.isColored ? "\033[0m\n" : "\n");
+    }
     forEachShown([&](const Cells& cells) {
         printCells(stream, cells, columns, widths);
         stream << '\n';
     });
-}
-
-bool outputIsTerminal() {
-    return isatty(STDOUT_FILENO) == 1;
 }
 
 } // namespace opctool

@@ -7,7 +7,7 @@
 
 namespace opctool {
 
-/// Rows for people: aligned columns under a heading, which is bold on a terminal.
+/// Rows for people: aligned columns under a heading.
 class Table {
 public:
     enum class Align { Left, Right };
@@ -17,27 +17,29 @@ public:
         Align align = Align::Left;
     };
 
+    struct Style {
+        bool hasHeading = true;
+        bool isColored = false; ///< the heading is bold
+    };
+
     explicit Table(std::vector<Column> columns) : columns(std::move(columns)) {}
 
     /// @param cells  one for each column, in UTF-8; control characters become blanks
     void addRow(std::vector<std::string> cells);
 
     /// Prints nothing if there are no rows.
-    void print(std::ostream& stream, bool isTerminal) const;
+    void print(std::ostream& stream, Style style) const;
 
     using Cells = std::vector<std::string>;
     using Rows = std::function<void(const std::function<void(Cells)>&)>;
 
     /// The same for rows that aren't kept, because there may be very many.
     /// @param forEachRow  calls its argument with each row; called twice
-    void print(std::ostream& stream, bool isTerminal, const Rows& forEachRow) const;
+    void print(std::ostream& stream, Style style, const Rows& forEachRow) const;
 
 private:
     std::vector<Column> columns;
     std::vector<std::vector<std::string>> rows;
 };
-
-/// Whether standard output is a terminal.
-bool outputIsTerminal();
 
 } // namespace opctool

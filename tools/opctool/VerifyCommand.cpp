@@ -1,12 +1,11 @@
 #include "Commands.hpp"
 #include "CoverageText.hpp"
+#include "Files.hpp"
 #include "KeyFiles.hpp"
-#include "Messages.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
 #include "SigningMaterial.hpp"
-#include "Table.hpp"
 #include "TerminalText.hpp"
 #include "Trust.hpp"
 
@@ -20,8 +19,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <iostream>
+#include <algorithm>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -42,13 +42,11 @@ using opc::model::SignerEvidence;
 using opc::model::VerdictReason;
 
 struct Arguments {
-    PackageArgument package;
     std::string publicKey;
     Trust trust;
     std::vector<std::string> fingerprints;
     std::string signature;
     bool requireFull = false;
-    bool json = false;
 };
 
 std::string checkFingerprint(const std::string& fingerprint) {
@@ -72,10 +70,8 @@ SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
                                     fingerprints);
 }
 
-SignatureVerdict judge(const Arguments& arguments) {
-    const SignaturePolicy policy =
-        makeSignerPolicy(arguments).acceptWeak(arguments.trust.acceptWeak).requireFull(arguments.requireFull);
-    SignedPackage package(arguments.package, opc::interfaces::OpenMode::ReadOnly);
+SignatureVerdict judge(FileRun& run, const Arguments& arguments, const SignaturePolicy& policy) {
+    SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
     if (arguments.signature.empty())
         return package.signatures().judge(policy);
     return package.signatures().judge(package.signatures().getSignature(fromArgument(arguments.signature)),
@@ -113,7 +109,7 @@ std::string orDash(const ordered_json& text) {
     return text.is_null() ? "-" : text.get<std::string>();
 }
 
-void printTable(const ordered_json& list) {
+void printTable(FileRun& run, const ordered_json& list) {
     Table table({{"NAME"}, {"TIME"}, {"ALGORITHMS"}, {"SIGNER"}, {"STATUS"}});
     for (const auto& row : list)
         table.addRow({row["name"], orDash(row["time"]),
@@ -121,39 +117,40 @@ void printTable(const ordered_json& list) {
                           ", " + row["digest"].get<std::string>(),
                       orDash(row["signer"]),
                       row["status"].get<std::string>() + " (" + row["code"].dump() + ")"});
-    table.print(std::cout, outputIsTerminal());
+    table.print(run.out(), run.tableStyle());
 }
 
 /// What a yes doesn't say.
-void printReservations(const JudgedSignature& judged) {
+void printReservations(std::ostream& out, const JudgedSignature& judged) {
     const std::string name = withoutControlCharacters(toUDEString(judged.signature.getName()));
     if (judged.restsOnClaimedTime)
-        std::cout << name
-                  << ": the certificate is accepted for the time that the signer claims, not for now\n";
+        out << name << ": the certificate is accepted for the time that the signer claims, not for now\n";
     if (judged.holds)
         for (const std::string& weakness : judged.weaknesses)
-            std::cout << name << ": weak: " << withoutControlCharacters(weakness) << '\n';
+            out << name << ": weak: " << withoutControlCharacters(weakness) << '\n';
 }
 
-void print(const std::string& package, const SignatureVerdict& verdict, const ordered_json& list) {
-    printTable(list);
+void print(FileRun& run, const SignatureVerdict& verdict, const ordered_json& list) {
+    printTable(run, list);
     if (!list.empty()) {
-        std::cout << '\n' << summarize(verdict.getCoverage());
+        run.out() << '\n' << summarize(verdict.getCoverage());
         for (const JudgedSignature& judged : verdict.getSignatures())
-            printReservations(judged);
+            printReservations(run.out(), judged);
     }
     for (const VerdictReason& reason : verdict.getReasons())
         if (reason.kind == VerdictReason::Kind::NoSignatures)
-            std::cout << withoutControlCharacters(package) << " has no signatures\n";
+            run.out() << (run.options().isOneOfMany ? std::string("it")
+                                                    : withoutControlCharacters(run.path()))
+                      << " has no signatures\n";
         else if (!reason.leavesOpen())
-            std::cout << "No: " << withoutControlCharacters(reason.text) << '\n';
+            run.out() << "No: " << withoutControlCharacters(reason.text) << '\n';
 }
 
 /// The reasons that no row of the list shows.
-void tellReasonsOfPackage(const std::string& package, const SignatureVerdict& verdict) {
+void tellReasonsOfPackage(FileRun& run, const SignatureVerdict& verdict) {
     for (const VerdictReason& reason : verdict.getReasons())
         if (reason.signature.empty() && !reason.leavesOpen())
-            tell(package, "no: " + reason.text);
+            run.tell("no: " + reason.text);
 }
 
 bool isUnreadable(const SignatureVerdict& verdict) {
@@ -173,55 +170,140 @@ bool isUnreadable(const SignatureVerdict& verdict) {
     throw opc::model::InvalidSignature(text, verdict.getReasons().front().code);
 }
 
-void verify(const Arguments& arguments) {
-    const SignatureVerdict verdict = judge(arguments);
-    if (isUnreadable(verdict))
+const char* stateOf(const SignatureVerdict& verdict) {
+    const auto& signatures = verdict.getSignatures();
+    switch (verdict.getAnswer()) {
+    case SignatureVerdict::Answer::Yes:
+        return "holds";
+    case SignatureVerdict::Answer::CannotTell:
+        return "unreadable";
+    default:
+        break;
+    }
+    if (signatures.empty())
+        return "unsigned";
+    const bool allHold = std::all_of(signatures.begin(), signatures.end(),
+                                     [](const JudgedSignature& judged) { return judged.holds; });
+    return allHold ? "holds" : "broken"; // if all hold, more was required
+}
+
+void printJSON(FileRun& run, const SignatureVerdict& verdict, const ordered_json& list) {
+    if (!run.hasEnvelope()) {
+        run.json().add(list);
+        tellReasonsOfPackage(run, verdict);
+        return;
+    }
+    ordered_json reasons = ordered_json::array();
+    for (const VerdictReason& reason : verdict.getReasons())
+        reasons.push_back(
+            {{"signature",
+              reason.signature.empty() ? ordered_json() : ordered_json(toUDEString(reason.signature))},
+             {"text", reason.text}});
+    run.json().add({{"state", stateOf(verdict)}, {"signatures", list}, {"reasons", reasons}});
+}
+
+void verify(FileRun& run, const Arguments& arguments, const SignaturePolicy& policy) {
+    const SignatureVerdict verdict = judge(run, arguments, policy);
+    if (isUnreadable(verdict) && !run.hasEnvelope())
         failOpen(verdict);
     ordered_json list = ordered_json::array();
     for (const JudgedSignature& judged : verdict.getSignatures())
         list.push_back(describe(judged));
-    if (arguments.json) {
-        std::cout << escapedJSON(list.dump(2)) << '\n';
-        tellReasonsOfPackage(arguments.package.path, verdict);
-    } else {
-        print(arguments.package.path, verdict, list);
-    }
+    if (run.wantsJSON())
+        printJSON(run, verdict, list);
+    else
+        print(run, verdict, list);
     if (verdict.getAnswer() == SignatureVerdict::Answer::CannotTell)
         failOpen(verdict);
     if (!verdict.isYes())
-        throw AnswerIsNo();
+        run.sayNo();
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addFiles(command, VERIFY);
+    CLI::Option* publicKey =
+        command
+            .add_option("--public", arguments->publicKey,
+                        "The signer's public RSA key, PEM or DER; certificates are ignored then")
+            ->check(CLI::ExistingFile)
+            ->type_name("FILE");
+    for (CLI::Option* option : addTrustOptions(command, arguments->trust))
+        option->excludes(publicKey);
+    addRepeatable(
+        &command, "--fingerprint", arguments->fingerprints,
+        "The SHA-256 fingerprint of a certificate, in hexadecimal digits: this certificate is accepted "
+        "unchecked. Without --trust no other certificate is accepted")
+        ->check(checkFingerprint)
+        ->excludes(publicKey)
+        ->type_name("HEX");
+    command.add_option("--signature", arguments->signature, "Check only this signature, such as sig1")
+        ->type_name("NAME");
+    command.add_flag(
+        "--require-full", arguments->requireFull,
+        "Say no if anything is uncovered, has another content type than when it was signed, or is "
+        "ignored although other programs may read it");
+    command.callback([files, arguments] {
+        fromArgument(arguments->signature);
+        const SignaturePolicy policy = makeSignerPolicy(*arguments)
+                                           .acceptWeak(arguments->trust.acceptWeak)
+                                           .requireFull(arguments->requireFull);
+        files->run([&](FileRun& run) { verify(run, *arguments, policy); });
+    });
 }
 
 } // namespace
 
-void addVerifyCommand(CLI::App& app) {
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* command = app.add_subcommand(
-        "verify",
-        "Check the signatures of a package, and list what no valid signature covers. Exit status:\n"
-        "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked. opctool coverage\n"
-        "says which signature covers what");
-    addPackage(*command, arguments->package);
-    CLI::Option* publicKey =
-        command
-            ->add_option("--public", arguments->publicKey,
-                         "The signer's public RSA key, PEM or DER; certificates are ignored then")
-            ->check(CLI::ExistingFile);
-    for (CLI::Option* option : addTrustOptions(*command, arguments->trust))
-        option->excludes(publicKey);
-    addRepeatable(
-        command, "--fingerprint", arguments->fingerprints,
-        "The SHA-256 fingerprint of a certificate, in hexadecimal digits: this certificate is accepted "
-        "unchecked. Without --trust no other certificate is accepted")
-        ->check(checkFingerprint)
-        ->excludes(publicKey);
-    command->add_option("--signature", arguments->signature, "Check only this signature, such as sig1");
-    command->add_flag(
-        "--require-full", arguments->requireFull,
-        "Say no if anything is uncovered, has another content type than when it was signed, or is "
-        "ignored although other programs may read it");
-    command->add_flag("--json", arguments->json, "Print a JSON array");
-    command->callback([arguments] { verify(*arguments); });
-}
+const Command VERIFY{"verify",
+                     "Check the signatures of a package, and list what no valid signature covers",
+                     declare,
+                     "opctool coverage says which signature covers what.",
+                     "opctool verify report.docx --public signer.pub --require-full\n"
+                     "opctool verify -r folder --trust roots.pem --jsonl",
+                     "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked",
+                     R"({
+  "type": "object",
+  "required": ["state", "signatures", "reasons"],
+  "properties": {
+    "state": {
+      "description": "holds: all signatures hold; the exit status is 1 all the same if more is required",
+      "enum": ["holds", "broken", "unsigned", "unreadable"]
+    },
+    "signatures": {
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["name", "time", "digest", "keySize", "signer", "fingerprint", "status", "code", "holds", "reason",
+                     "weak", "restsOnClaimedTime"],
+        "properties": {
+          "name": {"type": "string"},
+          "time": {"description": "as the signer claims", "type": ["string", "null"]},
+          "digest": {"type": "string"},
+          "keySize": {"type": ["integer", "null"]},
+          "signer": {"type": ["string", "null"]},
+          "fingerprint": {"type": ["string", "null"]},
+          "status": {"type": "string"},
+          "code": {"type": "integer"},
+          "holds": {"type": "boolean"},
+          "reason": {"type": "string"},
+          "weak": {"type": "array", "items": {"type": "string"}},
+          "restsOnClaimedTime": {"type": "boolean"}
+        }
+      }
+    },
+    "reasons": {
+      "description": "why the answer isn't yes",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["signature", "text"],
+        "properties": {
+          "signature": {"description": "null if it is about the package", "type": ["string", "null"]},
+          "text": {"type": "string"}
+        }
+      }
+    }
+  }
+})"};
 
 } // namespace opctool

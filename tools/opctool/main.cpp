@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Failures.hpp"
 #include "Messages.hpp"
 #include "Signals.hpp"
 #include "TerminalText.hpp"
@@ -7,49 +8,27 @@
 
 #include <CLI/CLI.hpp>
 
-#include <boost/core/demangle.hpp>
-
 #include <exception>
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <typeinfo>
 
 namespace {
 
-constexpr int DONE = 0;
-constexpr int ANSWER_IS_NO = 1;
-constexpr int WRONG_USAGE = 2;
-constexpr int FAILURE = 3;
+using namespace opctool;
 
-/// The class of a failure, without its namespaces.
-std::string className(const std::exception& failure) {
-    const std::string name = boost::core::demangle(typeid(failure).name());
-    return name.substr(name.rfind(':') + 1);
-}
-
-/// The package's file that the command was given; empty if the command has none.
+/// The one package's file that the command was given; empty if there is none, or more than one.
 std::string packageOf(const CLI::App& app) {
     for (const CLI::App* command : app.get_subcommands())
         if (const CLI::Option* package = command->get_option_no_throw("PACKAGE"))
-            return package->as<std::string>();
+            if (package->count() == 1)
+                return package->results().front();
     return {};
 }
 
-/// The message without the name of the package's file, which stores put at its start.
-std::string messageOf(const std::exception& failure, const std::string& package) {
-    std::string message = failure.what();
-    const std::string place = package + ": ";
-    if (message.compare(0, place.size(), place) == 0)
-        message.erase(0, place.size());
-    const auto* const own = dynamic_cast<const opc::Exception*>(&failure);
-    if (own != nullptr && *own->details() != '\0')
-        message += std::string("; ") + own->details();
-    return message;
-}
-
 int fail(const std::exception& failure, const std::string& package) {
-    opctool::tell(package, className(failure) + ": " + messageOf(failure, package));
+    const Failure described = describe(failure, package);
+    tell(package, described.className + ": " + described.message);
     return FAILURE;
 }
 
@@ -58,17 +37,27 @@ int answer(const CLI::App& app, const CLI::ParseError& outcome) {
     std::ostringstream output;
     std::ostringstream errors;
     const int status = app.exit(outcome, output, errors);
-    std::cout << opctool::linesWithoutControlCharacters(output.str());
-    std::cerr << opctool::linesWithoutControlCharacters(errors.str());
+    std::cout << linesWithoutControlCharacters(output.str());
+    std::cerr << linesWithoutControlCharacters(errors.str());
     return status == 0 ? DONE : WRONG_USAGE;
+}
+
+/// Declares the command that the command line names. Without one, only the names of all are declared, for help.
+void declareCommands(CLI::App& app, const char* name) {
+    if (const Command* const command = name == nullptr ? nullptr : findCommand(name)) {
+        command->declare(*app.add_subcommand(command->name, command->summary));
+        return;
+    }
+    for (const Command* command : allCommands())
+        app.add_subcommand(command->name, command->summary);
 }
 
 int run(CLI::App& app, int argc, char** argv) {
     int status = DONE;
     try {
         app.parse(argc, argv);
-    } catch (const opctool::AnswerIsNo&) {
-        status = ANSWER_IS_NO;
+    } catch (const EndsWith& end) {
+        status = end.status;
     }
     std::cout.flush();
     if (!std::cout)
@@ -80,23 +69,14 @@ int run(CLI::App& app, int argc, char** argv) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): without memory for its commands the tool can't even say so
 int main(int argc, char** argv) {
-    opctool::leaveNothingBehindOnSignals();
+    leaveNothingBehindOnSignals();
     CLI::App app(
         "Shows, changes and signs packages in the Open Packaging Conventions (docx, xlsx, pptx, 3mf, xps,\n"
         "nupkg …). Exit status: 0 success, 1 the answer is no, 2 wrong usage, 3 failure.",
         "opctool");
-    app.set_version_flag("--version", OPCMODEL_VERSION);
+    app.set_version_flag("--version", "opctool " OPCMODEL_VERSION);
     app.require_subcommand(1);
-    opctool::addInfoCommand(app);
-    opctool::addListCommands(app);
-    opctool::addPropertyCommands(app);
-    opctool::addChangeCommands(app);
-    opctool::addKeyCommand(app);
-    opctool::addSignCommands(app);
-    opctool::addVerifyCommand(app);
-    opctool::addCoverageCommand(app);
-    opctool::addCheckCommand(app);
-    opctool::addExplainCommand(app);
+    declareCommands(app, argc > 1 ? argv[1] : nullptr);
     try {
         return run(app, argc, argv);
     } catch (const CLI::ParseError& e) {

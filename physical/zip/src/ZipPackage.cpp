@@ -24,6 +24,22 @@ public:
         return *session;
     }
 
+    /// @param use  gets the offset of each block of the archive, its bytes and its size
+    template <typename Use>
+    void forEachBlock(Use use) const {
+        const std::shared_ptr<zip::ByteSource> archive = store->read();
+        std::vector<unsigned char> block(std::size_t{64} * 1024);
+        for (std::uint64_t offset = 0; offset < archive->size();) {
+            std::size_t got = 0;
+            if (const int error = archive->readAt(offset, block.data(), block.size(), got))
+                zip::failSystem(store->place(), "can't read", error);
+            if (got == 0)
+                zip::fail(store->place(), "can't read: cut off", EIO);
+            use(offset, block.data(), got);
+            offset += got;
+        }
+    }
+
     std::unique_ptr<zip::ArchiveStore> store;
     const ZipOptions options;
     std::unique_ptr<zip::ZipSession> session;
@@ -116,19 +132,22 @@ const ZipPackage::Bytes& ZipPackage::bytes() const {
 }
 
 void ZipPackage::writeTo(std::ostream& stream) const {
-    const std::shared_ptr<zip::ByteSource> archive = impl->store->read();
-    std::vector<unsigned char> block(std::size_t{64} * 1024);
-    for (std::uint64_t offset = 0; offset < archive->size();) {
-        std::size_t got = 0;
-        if (const int error = archive->readAt(offset, block.data(), block.size(), got))
-            zip::failSystem(impl->store->place(), "can't read", error);
-        if (got == 0)
-            zip::fail(impl->store->place(), "can't read: cut off", EIO);
-        stream.write(reinterpret_cast<const char*>(block.data()), static_cast<std::streamsize>(got));
-        offset += got;
-    }
+    impl->forEachBlock([&stream](std::uint64_t, const unsigned char* block, std::size_t size) {
+        stream.write(reinterpret_cast<const char*>(block), static_cast<std::streamsize>(size));
+    });
     if (!stream.flush())
         zip::fail(impl->store->place(), "can't write to the stream", EIO);
+}
+
+void ZipPackage::writeTo(const std::filesystem::path& path) const {
+    zip::FileStore target(path);
+    target.checkWritable();
+    target.replace(nullptr, [&](zip::ByteTarget& file) {
+        impl->forEachBlock([&](std::uint64_t offset, const unsigned char* block, std::size_t size) {
+            if (const int error = file.writeAt(offset, block, size))
+                zip::failSystem(target.place(), "can't write", error);
+        });
+    });
 }
 
 } // namespace opc::physical

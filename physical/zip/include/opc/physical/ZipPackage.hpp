@@ -104,6 +104,10 @@ public:
     /// Writes the archive, as it was last saved, to a stream, which need not be able to seek.
     void writeTo(std::ostream& stream) const;
 
+    /// Writes it to another file, as a save does: the file at `path`, if there is one, is replaced by the complete archive or
+    /// stays as it was. A package that comes from a stream is saved under a name in this way.
+    void writeTo(const std::filesystem::path& path) const;
+
     /// The archive of a package in memory, as it was last saved. The reference is valid until the next `close`.
     const Bytes& bytes() const;
 

@@ -1,0 +1,23 @@
+#include "Commands.hpp"
+
+#include <algorithm>
+
+namespace opctool {
+
+const std::vector<const Command*>& allCommands() {
+    static const std::vector<const Command*> all{
+        &INFO,   &LS,   &RELS,        &CAT,    &PROPS,  &CHECK,    &EXPLAIN, //
+        &NEW,    &ADD,  &PUT,         &RM,     &RELATE, &UNRELATE,           //
+        &KEYGEN, &SIGN, &COUNTERSIGN, &UNSIGN, &VERIFY, &COVERAGE, &SCHEMA,
+    };
+    return all;
+}
+
+const Command* findCommand(const std::string& name) {
+    const auto& all = allCommands();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&name](const Command* command) { return name == command->name; });
+    return found == all.end() ? nullptr : *found;
+}
+
+} // namespace opctool

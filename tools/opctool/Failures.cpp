@@ -1,0 +1,102 @@
+#include "Failures.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <boost/core/demangle.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <typeinfo>
+
+namespace opctool {
+
+namespace {
+
+std::string nameOfClass(const std::exception& failure) {
+    const std::string name = boost::core::demangle(typeid(failure).name());
+    return name.substr(name.rfind(':') + 1);
+}
+
+/// The kinds of classes; all others are about what a package says.
+const char* kindOfClass(const std::string& name) {
+    static const std::map<std::string, const char*> kinds{
+        {"ContentTypeParameterNotFound", "not-found"},
+        {"PackageNotFound", "not-found"},
+        {"PartNotFound", "not-found"},
+        {"RelationshipNotFound", "not-found"},
+        {"SignatureNotFound", "not-found"},
+        {"InvalidObject", "state"},
+        {"PackageAlreadyOpen", "state"},
+        {"PackageCreateOnly", "state"},
+        {"PackageNotOpen", "state"},
+        {"PackageReadOnly", "state"},
+        {"PartAlreadyExists", "state"},
+        {"RelationshipAlreadyExists", "state"},
+        {"Exception", "store"},
+        {"InvalidPartStream", "store"},
+        {"InvalidXMLSchema", "store"},
+        {"PackageCloseFailed", "store"},
+        {"PackageOpenFailed", "store"},
+        {"PackagePermissionDenied", "store"},
+        {"PartCreateFailed", "store"},
+        {"PartDeleteFailed", "store"},
+        {"CouldNotGenerateSignature", "signature"},
+        {"CouldNotRemoveSignature", "signature"},
+        {"InvalidSignature", "signature"},
+        {"bad_alloc", "limit"},
+    };
+    const auto found = kinds.find(name);
+    return found == kinds.end() ? "format" : found->second;
+}
+
+int codeOf(const std::exception& failure) {
+    if (const auto* const signature = dynamic_cast<const opc::model::InvalidSignature*>(&failure))
+        return signature->getErrorCode().value();
+    const auto* const own = dynamic_cast<const opc::Exception*>(&failure);
+    return own == nullptr ? 0 : own->code().value();
+}
+
+/// The word behind `begin` of the phrase that begins so; null if there is none.
+nlohmann::ordered_json findPlace(const std::string& details, const std::string& begin) {
+    for (std::size_t at = 0; at < details.size();) {
+        const std::size_t end = std::min(details.find("; ", at), details.size());
+        if (details.compare(at, begin.size(), begin) == 0) {
+            const std::size_t word = begin == "/" ? at : at + begin.size();
+            return details.substr(word, std::min(details.find(' ', word), end) - word);
+        }
+        at = end + 2;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Failure describe(const std::exception& failure, const std::string& package) {
+    Failure described{nameOfClass(failure), codeOf(failure), failure.what(), {}};
+    for (const std::string& place : {package + ": ", std::string("archive from a stream: ")})
+        if (described.message.compare(0, place.size(), place) == 0)
+            described.message.erase(0, place.size());
+    if (const auto* const own = dynamic_cast<const opc::Exception*>(&failure))
+        described.details = own->details();
+    if (!described.details.empty())
+        described.message += "; " + described.details;
+    return described;
+}
+
+std::string Failure::kind() const {
+    return code == EFBIG && className != "InvalidSignature" ? "limit" : kindOfClass(className);
+}
+
+nlohmann::ordered_json toJSON(const Failure& failure) {
+    return {{"class", failure.className},
+            {"code", failure.code},
+            {"kind", failure.kind()},
+            {"message", failure.message},
+            {"part", findPlace(failure.details, "/")},
+            {"relationship", findPlace(failure.details, "relationship ")}};
+}
+
+} // namespace opctool

@@ -1,0 +1,84 @@
+#include "OrderedOutput.hpp"
+
+#include "Progress.hpp"
+
+#include <ostream>
+
+namespace opctool {
+
+namespace {
+
+/// How much of a file is kept before it waits for its turn.
+constexpr std::size_t KEPT = std::size_t{64} * 1024;
+
+} // namespace
+
+void OrderedOutput::Turn::write(Stream stream, const char* text, std::size_t size) {
+    (stream == Stream::Output ? output : errors).append(text, size);
+    if (output.size() + errors.size() < KEPT)
+        return;
+    owner.waitForTurn(*this);
+    owner.flush(*this);
+}
+
+OrderedOutput::OrderedOutput(std::ostream& output, std::ostream& errors, Progress& progress,
+                             std::string between, std::size_t window)
+    : output(output), errors(errors), progress(progress), between(std::move(between)), window(window) {
+}
+
+OrderedOutput::~OrderedOutput() = default;
+
+OrderedOutput::Turn& OrderedOutput::begin() {
+    std::unique_lock<std::mutex> lock(mutex);
+    moved.wait(lock, [this] { return turns.size() < window; });
+    turns.push_back(std::unique_ptr<Turn>(new Turn(*this)));
+    return *turns.back();
+}
+
+void OrderedOutput::end(Turn& turn) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    turn.hasEnded = true;
+    if (!isFirst(turn))
+        return;
+    while (!turns.empty() && turns.front()->hasEnded) {
+        flush(*turns.front());
+        if (turns.front()->done)
+            turns.front()->done();
+        hasWritten = hasWritten || hasWrittenTurn;
+        hasWrittenTurn = false;
+        turns.pop_front();
+    }
+    moved.notify_all();
+}
+
+bool OrderedOutput::hasFailed() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return !output;
+}
+
+void OrderedOutput::waitForTurn(const Turn& turn) {
+    std::unique_lock<std::mutex> lock(mutex);
+    moved.wait(lock, [&] { return isFirst(turn); });
+}
+
+/// Only for the first of the turns: nobody else writes then.
+void OrderedOutput::flush(Turn& turn) {
+    if (turn.output.empty() && turn.errors.empty())
+        return;
+    progress.pause([&] {
+        if (!turn.output.empty()) {
+            if (hasWritten && !hasWrittenTurn)
+                output << between;
+            hasWrittenTurn = true;
+            output.write(turn.output.data(), static_cast<std::streamsize>(turn.output.size()));
+        }
+        if (!turn.errors.empty()) {
+            output.flush(); // so that a terminal shows them in this order
+            errors.write(turn.errors.data(), static_cast<std::streamsize>(turn.errors.size()));
+        }
+    });
+    turn.output.clear();
+    turn.errors.clear();
+}
+
+} // namespace opctool

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <opc/physical/ZipOptions.hpp>
+
+namespace CLI {
+class App;
+} // namespace CLI
+
+namespace opctool {
+
+/// How packages are read.
+struct ReadOptions {
+    bool strict = false;
+    opc::physical::ZipOptions zip; ///< the limits; whether it is lenient follows from `strict`
+};
+
+/// Declares --strict, --lenient and the limits.
+void addReadOptions(CLI::App& command, ReadOptions& options);
+
+} // namespace opctool
