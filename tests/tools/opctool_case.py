@@ -10,11 +10,25 @@ import tempfile
 import unittest
 import zipfile
 
+import jsonschema
+
 sys.dont_write_bytecode = True  # the folder of the sources stays as it is
 
 OFFICE_FILES = 'letter.docx', 'budget.xlsx', 'talk.pptx', 'report.docx', 'table.xlsx'
 
 Outcome = collections.namedtuple('Outcome', 'status output errors')
+
+
+def closed(schema):
+    """The same schema, but objects have no members that it doesn't know."""
+    if isinstance(schema, list):
+        return [closed(item) for item in schema]
+    if not isinstance(schema, dict):
+        return schema
+    same = {key: closed(value) for key, value in schema.items()}
+    if schema.get('type') == 'object' and 'properties' in schema:
+        same['additionalProperties'] = False
+    return same
 
 
 class OpctoolCase(unittest.TestCase):
@@ -44,6 +58,22 @@ class OpctoolCase(unittest.TestCase):
 
     def list(self, arguments):
         return json.loads(self.do(arguments + ' --json'))
+
+    def envelopes(self, arguments, option='--jsonl'):
+        """The status of a command and what it prints for each package in shape 2, which holds to the command's schema."""
+        outcome = self.run_tool(f'{arguments} {option}')
+        if option == '--jsonl':
+            documents = [json.loads(line) for line in outcome.output.splitlines()]
+        else:
+            documents = json.loads(outcome.output)
+            documents = documents if isinstance(documents, list) else [documents]
+        schemas = {}
+        for document in documents:
+            command = document['opctool']['command']
+            if command not in schemas:
+                schemas[command] = jsonschema.Draft202012Validator(closed(json.loads(self.do('schema ' + command))))
+            schemas[command].validate(document)
+        return outcome.status, documents
 
     def run_json(self, arguments):
         """The status of a command, whichever it is, and its document."""

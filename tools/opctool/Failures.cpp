@@ -6,7 +6,6 @@
 #include <boost/core/demangle.hpp>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <typeinfo>
@@ -59,17 +58,29 @@ int codeOf(const std::exception& failure) {
     return own == nullptr ? 0 : own->code().value();
 }
 
-/// The word behind `begin` of the phrase that begins so; null if there is none.
-nlohmann::ordered_json findPlace(const std::string& details, const std::string& begin) {
-    for (std::size_t at = 0; at < details.size();) {
-        const std::size_t end = std::min(details.find("; ", at), details.size());
-        if (details.compare(at, begin.size(), begin) == 0) {
-            const std::size_t word = begin == "/" ? at : at + begin.size();
-            return details.substr(word, std::min(details.find(' ', word), end) - word);
-        }
-        at = end + 2;
+/// The word in a message at `begin`, without the mark that ends its phrase.
+nlohmann::ordered_json wordAt(const std::string& message, std::size_t begin) {
+    const std::string word = message.substr(begin, message.find(' ', begin) - begin);
+    return word.substr(0, word.find_last_not_of(":;,") + 1);
+}
+
+/// The part that the message names first; null if it names none. Messages write " /a.xml" or "name:/a.xml".
+nlohmann::ordered_json findPart(const std::string& message) {
+    for (std::size_t at = message.find('/'); at != std::string::npos; at = message.find('/', at + 1)) {
+        const bool isBegin = at == 0 || message[at - 1] == ' ' || message[at - 1] == ':';
+        if (isBegin && message.compare(at, 2, "//") != 0)
+            return wordAt(message, at);
     }
     return nullptr;
+}
+
+/// The relationship that the details name; null if they name none.
+nlohmann::ordered_json findRelationship(const std::string& details) {
+    const std::string name = "relationship ";
+    const std::size_t at = details.find(name);
+    if (at == std::string::npos)
+        return nullptr;
+    return wordAt(details, at + name.size());
 }
 
 } // namespace
@@ -95,8 +106,8 @@ nlohmann::ordered_json toJSON(const Failure& failure) {
             {"code", failure.code},
             {"kind", failure.kind()},
             {"message", failure.message},
-            {"part", findPlace(failure.details, "/")},
-            {"relationship", findPlace(failure.details, "relationship ")}};
+            {"part", findPart(failure.message)},
+            {"relationship", findRelationship(failure.details)}};
 }
 
 } // namespace opctool
