@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace opc::inspection {
+
+/// What a relationship type means to office programs. They know whole types; a type whose last segment alone is known
+/// may mean the same to a reader that is less exact.
+struct RelationshipType {
+    explicit RelationshipType(std::string_view type);
+
+    std::string name;  ///< the last segment, in lower case
+    bool hasKnownBase; ///< of ECMA-376, transitional or strict, or of Microsoft
+};
+
+/// The scheme in front of a target, in lower case; empty for a relative reference and for a drive, `C:`.
+std::string schemeOf(std::string_view target);
+
+/// Without regard to the case of ASCII letters.
+/// @{
+std::string lowered(std::string_view text);
+bool startsWith(std::string_view text, std::string_view lowerCaseBeginning);
+bool endsWith(std::string_view text, std::string_view lowerCaseEnd);
+/// @}
+
+} // namespace opc::inspection
