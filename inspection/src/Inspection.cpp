@@ -27,7 +27,7 @@ Report inspect(const Archive& archive, const InspectionOptions& options) {
     checkSignatures(subject, findings);
     checkOffice(subject, findings);
     checkSecurity(subject, findings, options);
-    passOverContent(subject, makeContentObservers(subject, findings));
+    passOverContent(subject, findings, makeContentObservers(subject, findings));
     nameTargets(subject, report);
     return report;
 }

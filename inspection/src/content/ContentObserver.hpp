@@ -5,29 +5,34 @@
 #include <opc/model/XmlEvents.hpp>
 
 #include <cstddef>
+#include <string_view>
 
 namespace opc::inspection {
 
 /// A check that looks into the content of parts. All content is expanded once, for all observers together
 /// (`ContentPass`), and never held as a whole.
+///
+/// Parsing costs ten times as much as expanding. So an observer of XML first looks at the bytes, and asks for events only
+/// of a part that can matter to it; that part is then expanded again, for the parser.
 class ContentObserver {
 public:
     virtual ~ContentObserver() = default;
 
     /// Called at the start of each part.
-    /// @param head  its first bytes, up to 4,096
-    /// @return what the observer wants of this part
-    enum class Wants { Nothing, Bytes, Events };
-    virtual Wants begin(const PartView& part, std::string_view head) = 0;
+    /// @param head  its first bytes, up to 64 KiB, or fewer if the part is shorter
+    /// @return whether it wants the bytes of this part; the other functions are called only then
+    virtual bool begin(const PartView& part, std::string_view head) = 0;
 
     /// The next piece of the content, the head included.
-    virtual void bytes(const unsigned char* data, std::size_t count) { (void)data, (void)count; }
+    virtual void bytes(std::string_view piece) { (void)piece; }
 
-    /// Gets the events of an XML part: the part is parsed only if an observer wants it.
-    virtual model::XmlEvents* events() { return nullptr; }
+    /// Called behind the last byte; not called for damaged content.
+    /// @return what gets the events of the part as an XML document; null if the bytes told enough
+    virtual model::XmlEvents* end() { return nullptr; }
 
-    /// Called at the end of a part that it wanted.
-    virtual void end() {}
+    /// Called behind the last event.
+    /// @param isWhole  whether the document was read to its end
+    virtual void parsed(bool isWhole) { (void)isWhole; }
 
 protected:
     ContentObserver() = default;

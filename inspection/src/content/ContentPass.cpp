@@ -1,14 +1,128 @@
 #include "content/ContentPass.hpp"
 
-#include "checks/Checks.hpp"
+#include "content/EventFork.hpp"
+#include "external/RelationshipType.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
 
 namespace opc::inspection {
 
-void passOverContent(const Subject&, const std::vector<std::unique_ptr<ContentObserver>>&) {
+namespace {
+
+constexpr std::size_t PIECE = 65536;
+
+bool isXml(const std::string& mediaType) {
+    return endsWith(mediaType, "+xml") || endsWith(mediaType, "/xml");
 }
 
-std::vector<std::unique_ptr<ContentObserver>> makeContentObservers(const Subject&, Findings&) {
-    return {};
+class Pass {
+public:
+    Pass(const Subject& subject, Findings& findings,
+         const std::vector<std::unique_ptr<ContentObserver>>& observers)
+        : subject(subject), findings(findings), observers(observers), wantsDamage(findings.wants("M3.14")),
+          buffer(PIECE) {}
+
+    void overParts() {
+        for (const PartView& part : subject.parts())
+            try {
+                overPart(part);
+            } catch (const Exception& e) {
+                tellDamage(part.name, {}, e);
+            }
+    }
+
+    /// Those that are no parts have no observers: only their damage counts.
+    void overOtherItems() {
+        if (!wantsDamage)
+            return;
+        for (const ArchiveItem& item : subject.archive().items()) {
+            if (!item.partName.empty() || item.kind == ItemKind::Folder || item.kind == ItemKind::Hidden)
+                continue;
+            try {
+                drain(subject.archive().open(item));
+            } catch (const Exception& e) {
+                tellDamage({}, item.name, e);
+            }
+        }
+    }
+
+private:
+    void overPart(const PartView& part) {
+        if (!wantsDamage && observers.empty())
+            return;
+        const std::unique_ptr<InputStream> stream = subject.open(part);
+        if (stream == nullptr)
+            return;
+        std::string_view piece = next(*stream);
+        std::vector<ContentObserver*> interested;
+        for (const std::unique_ptr<ContentObserver>& observer : observers)
+            if (observer->begin(part, piece))
+                interested.push_back(observer.get());
+        if (!wantsDamage && interested.empty())
+            return;
+        for (; !piece.empty(); piece = next(*stream))
+            for (ContentObserver* observer : interested)
+                observer->bytes(piece);
+        parse(part, interested);
+    }
+
+    void parse(const PartView& part, const std::vector<ContentObserver*>& interested) {
+        std::vector<ContentObserver*> readers;
+        EventFork events;
+        for (ContentObserver* observer : interested)
+            if (model::XmlEvents* const wanted = observer->end()) {
+                readers.push_back(observer);
+                events.add(*wanted);
+            }
+        if (readers.empty())
+            return;
+        bool isWhole = true;
+        try {
+            const std::unique_ptr<InputStream> stream = subject.open(part);
+            model::readXmlDocument(*stream, events);
+        } catch (const model::InvalidXMLDocument& e) {
+            isWhole = false;
+            if (isXml(part.mediaType())) // other content only looks like it
+                findings.add("OFFICE-XML", {part.name}, std::string("The XML can't be read: ") + e.details());
+        }
+        for (ContentObserver* observer : readers)
+            observer->parsed(isWhole);
+    }
+
+    /// Fills the buffer, so that the first piece is the head whatever portions the stream gives.
+    std::string_view next(InputStream& stream) {
+        std::size_t filled = 0;
+        while (filled < buffer.size() && !stream.isDone())
+            filled += static_cast<std::size_t>(stream.read(buffer.data() + filled, buffer.size() - filled));
+        return {reinterpret_cast<const char*>(buffer.data()), filled};
+    }
+
+    void drain(const std::unique_ptr<InputStream>& stream) {
+        while (stream != nullptr && !next(*stream).empty()) {
+        }
+    }
+
+    void tellDamage(const std::string& part, const std::string& item, const Exception& e) {
+        findings.add("M3.14", {part, item}, std::string("The content can't be read: ") + e.what());
+    }
+
+    const Subject& subject;
+    Findings& findings;
+    const std::vector<std::unique_ptr<ContentObserver>>& observers;
+    const bool wantsDamage;
+    std::vector<unsigned char> buffer;
+};
+
+} // namespace
+
+void passOverContent(const Subject& subject, Findings& findings,
+                     const std::vector<std::unique_ptr<ContentObserver>>& observers) {
+    Pass pass(subject, findings, observers);
+    pass.overParts();
+    pass.overOtherItems();
 }
 
 } // namespace opc::inspection

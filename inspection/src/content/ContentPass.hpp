@@ -1,5 +1,6 @@
 #pragma once
 
+#include "checks/Findings.hpp"
 #include "content/ContentObserver.hpp"
 
 #include <memory>
@@ -7,8 +8,10 @@
 
 namespace opc::inspection {
 
-/// Expands the content of each part once and gives it to the observers that want it. A part that is damaged ends where the
-/// damage is.
-void passOverContent(const Subject& subject, const std::vector<std::unique_ptr<ContentObserver>>& observers);
+/// Expands the content of each part once and gives it to the observers that want it. Where damage counts (M3.14),
+/// everything is expanded, items that are no parts too. Damaged content ends where the damage is; so does a document
+/// that isn't well-formed (OFFICE-XML).
+void passOverContent(const Subject& subject, Findings& findings,
+                     const std::vector<std::unique_ptr<ContentObserver>>& observers);
 
 } // namespace opc::inspection

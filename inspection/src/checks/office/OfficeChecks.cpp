@@ -1,8 +1,104 @@
 #include "checks/Checks.hpp"
+#include "checks/DocumentChecks.hpp"
+#include "checks/security/SecurityChecks.hpp"
+#include "external/RelationshipType.hpp"
+
+#include <algorithm>
+#include <iterator>
 
 namespace opc::inspection {
 
-void checkOffice(const Subject&, Findings&) {
+namespace {
+
+void checkPieces(const Subject& subject, Findings& findings) {
+    if (!isOfficeFormat(subject.format()))
+        return;
+    for (const PartView& part : subject.parts())
+        if (!part.items.empty() && part.items.front()->kind == ItemKind::Piece)
+            findings.add("P1-1", {part.name}, "The part is stored in pieces");
+}
+
+bool isOrigin(const RelationshipType& type) {
+    return type.name == "origin" && type.hasKnownBase;
+}
+
+/// Relationships of signature parts that lead to parts of the document, and origins that hang on parts.
+void checkSignatureRelationships(const Subject& subject, Findings& findings) {
+    for (const RelationshipsView& relationships : subject.relationships()) {
+        if (relationships.sourcePart == nullptr)
+            continue;
+        const bool isSignature = relationships.sourcePart->mediaType() ==
+                                 "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
+        for (const RelationshipView& entry : relationships.entries) {
+            const Place place = placeAt({relationships.part->name, {}, entry.id}, entry.line, entry.column);
+            if (isOrigin(RelationshipType(entry.type)))
+                findings.add("P1-3", place, "A part leads to a signature origin, not the package");
+            else if (isSignature && entry.part != nullptr &&
+                     entry.part->mediaType().find("officedocument") != std::string::npos)
+                findings.add("P1-3", place, "A signature leads to the part " + entry.part->name);
+        }
+    }
+}
+
+/// Content types of main parts hold one of these words, whichever of document, template and macros they are.
+bool isMainType(const std::string& mediaType) {
+    static constexpr std::string_view WORDS[] = {".main", ".main+xml", ".themeManager+xml",
+                                                 ".document.glossary+xml"};
+    return std::any_of(std::begin(WORDS), std::end(WORDS),
+                       [&mediaType](std::string_view word) { return endsWith(mediaType, lowered(word)); });
+}
+
+bool isOfficeType(const std::string& mediaType) {
+    return mediaType.find("officedocument") != std::string::npos ||
+           startsWith(mediaType, "application/vnd.ms-");
+}
+
+/// The relationships of the package that lead to a main part of an office program.
+std::vector<const RelationshipView*> mainRelationships(const Subject& subject) {
+    std::vector<const RelationshipView*> found;
+    if (const RelationshipsView* const package = subject.relationshipsOf("/"))
+        for (const RelationshipView& entry : package->entries) {
+            const RelationshipType type(entry.type);
+            if (type.name == "officedocument" && type.hasKnownBase)
+                found.push_back(&entry);
+        }
+    return found;
+}
+
+void checkMainRelationship(const RelationshipView& entry, const std::string& package, Findings& findings) {
+    const Place place = placeAt({package, {}, entry.id}, entry.line, entry.column);
+    if (entry.isExternal) {
+        if (!findings.wants("SEC-13"))
+            findings.add("P1-4", place, "The main part lies outside the package: " + shown(entry.target));
+    } else if (entry.part == nullptr) {
+        findings.add("P1-4", place, "The main part doesn't exist: " + shown(entry.target));
+    } else if (!entry.part->contentType.empty() && !isMainType(entry.part->mediaType())) {
+        findings.add("P1-4", {entry.part->name},
+                     "The main part has the type " + shown(entry.part->contentType) +
+                         ", which is that of no document");
+    }
+}
+
+void checkMainPart(const Subject& subject, Findings& findings) {
+    const std::vector<const RelationshipView*> main = mainRelationships(subject);
+    for (const RelationshipView* entry : main)
+        checkMainRelationship(*entry, subject.relationshipsOf("/")->part->name, findings);
+    if (!main.empty())
+        return;
+    for (const PartView& part : subject.parts())
+        if (isOfficeType(part.mediaType()) && isMainType(part.mediaType()) && !subject.isReached(part)) {
+            findings.add("P1-4", {part.name},
+                         "The part is a main part by its type, but no relationship of the package says so");
+            return;
+        }
+}
+
+} // namespace
+
+void checkOffice(const Subject& subject, Findings& findings) {
+    checkPieces(subject, findings);
+    checkSignatureRelationships(subject, findings);
+    checkMainPart(subject, findings);
 }
 
 } // namespace opc::inspection

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <opc/model/XmlEvents.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace opc::inspection {
+
+/// Puts the codes of the fields of a Word document together. A code can be split over many runs, with other fields within.
+class FieldCodes {
+public:
+    /// @param tell  gets each code, with the place where it begins
+    using Tell = std::function<void(const std::string& code, const model::XmlPlace& place)>;
+    explicit FieldCodes(Tell tell) : tell(std::move(tell)) {}
+
+    void begin(const model::XmlPlace& place); ///< `w:fldChar` of type begin
+    void separate();                          ///< the code ends, the result follows
+    void end();
+    void addText(std::u16string_view text); ///< of `w:instrText`
+    void endDocument();                     ///< tells what was left open
+
+private:
+    struct Field {
+        std::u16string code;
+        model::XmlPlace place;
+        bool isTold = false;
+    };
+
+    void tellOf(Field& field);
+
+    const Tell tell;
+    std::vector<Field> open;
+    std::size_t unseen = 0; // fields that are nested too deep
+};
+
+} // namespace opc::inspection

@@ -1,0 +1,57 @@
+#include "checks/security/OleObject.hpp"
+
+#include "external/RelationshipType.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace opc::inspection {
+
+namespace {
+
+constexpr std::size_t LONGEST_PATH = 1024;
+
+bool isText(std::string_view text) {
+    return !text.empty() && text.size() <= LONGEST_PATH &&
+           std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
+}
+
+/// The text that ends in front of the zero at `end`, behind another zero.
+std::string_view textBefore(std::string_view content, std::size_t end) {
+    const std::string_view front =
+        content.substr(end - std::min(end, LONGEST_PATH + 1), std::min(end, LONGEST_PATH + 1));
+    const std::size_t zero = front.rfind('\0');
+    return zero == std::string_view::npos ? std::string_view() : front.substr(zero + 1);
+}
+
+} // namespace
+
+// The stream is: size (4 bytes), 2 (2 bytes), name, 0, path of the original, 0, 0 and 3 (2 bytes each), and then the path
+// of a temporary file and the content.
+std::string fileNameInObject(std::string_view content) {
+    static constexpr std::string_view BEHIND_PATH("\0\0\0\3\0", 5);
+    static constexpr std::string_view BEFORE_NAME("\2\0", 2);
+    for (std::size_t at = content.find(BEHIND_PATH); at != std::string_view::npos;
+         at = content.find(BEHIND_PATH, at + 1)) {
+        const std::string_view path = textBefore(content, at);
+        if (!isText(path) || path.size() + 1 > at)
+            continue;
+        const std::size_t nameEnd = at - path.size() - 1;
+        const std::string_view name = textBefore(content, nameEnd);
+        if (isText(name) && name.size() + 2 <= nameEnd &&
+            content.substr(nameEnd - name.size() - 2, 2) == BEFORE_NAME)
+            return std::string(name);
+    }
+    return {};
+}
+
+bool isRunnable(std::string_view fileName) {
+    static constexpr std::string_view EXTENSIONS[] = {
+        ".appref-ms", ".bat", ".chm", ".cmd", ".com", ".cpl", ".dll", ".exe", ".hta",
+        ".iso",       ".jar", ".js",  ".jse", ".lnk", ".msi", ".pif", ".ps1", ".reg",
+        ".scr",       ".sct", ".url", ".vbe", ".vbs", ".wsf", ".wsh"};
+    return std::any_of(std::begin(EXTENSIONS), std::end(EXTENSIONS),
+                       [fileName](std::string_view extension) { return endsWith(fileName, extension); });
+}
+
+} // namespace opc::inspection

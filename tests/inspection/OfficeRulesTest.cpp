@@ -1,0 +1,128 @@
+#include "RulesOf.hpp"
+
+#include <gtest/gtest.h>
+
+namespace opc::inspection {
+namespace {
+
+using test::itemsWithParts;
+using test::RawItem;
+using test::relationshipsWith;
+using test::stored;
+
+std::string told(const std::vector<RawItem>& items) {
+    return test::toldBy(officeRules(), items);
+}
+
+TEST(OfficeRules, markupCompatibility) {
+    const std::string choice = "<mc:Choice Requires='a'><t>1</t></mc:Choice>",
+                      fallback = "<mc:Fallback><t>1</t></mc:Fallback>";
+    const auto alternate = [](const std::string& children) {
+        return "<mc:AlternateContent>" + children + "</mc:AlternateContent>";
+    };
+    const struct {
+        std::string attributes, children, expected;
+    } cases[] = {
+        {"mc:Ignorable='a'", alternate(choice + fallback), ""},
+        {"mc:Ignorable='a b'", "", "error MCE-1"},
+        {"mc:MustUnderstand='b'", "", "error MCE-1"},
+        {"", alternate("<mc:Choice Requires='b'/>"), "error MCE-1"},
+        {"mc:ProcessContent='b:x'", "", "error MCE-1"},
+        {"", "<x xmlns:b='urn:microsoft' /><x mc:Ignorable='b'/>", "error MCE-1"},
+        {"", "<x xmlns:b='urn:b' mc:Ignorable='b'/>", ""},
+        {"", alternate(""), "error MCE-2"},
+        {"", alternate(fallback + choice), "error MCE-2"},
+        {"", alternate(choice + fallback + fallback), "error MCE-2"},
+        {"", choice, "error MCE-2"},
+        {"", alternate(choice + alternate(choice)), "error MCE-3"},
+        {"", alternate("<mc:Choice Requires='a'>" + alternate(choice) + "</mc:Choice>"), ""},
+        {"", alternate("<mc:Choice Requires=' '/>"), "warning MCE-4"},
+        {"", alternate(choice + "<mc:Fallback x='1'/>"), "error MCE-5"},
+        {"", alternate("<mc:Choice Requires='a' x='1'/>"), "warning MCE-5"},
+        {"", alternate(choice + "<mc:Fallback xml:space='preserve'/>"), "error MCE-6"},
+        {"mc:MustUnderstand='a'", "", "info MCE-7"},
+        {"", "<a:x/>", "info MCE-8"},
+        {"mc:Ignorable='a'", "<a:x a:y=''/>", ""},
+        {"", "<ext><a:x/></ext>", ""},
+        {"mc:ProcessContent='a:x'", "", "warning MCE-9"},
+        {"mc:ProcessContent='a:x' mc:Ignorable='a'", "", ""},
+        {"mc:PreserveElements='a:x'", "", "info MCE-10"},
+        {"", alternate(choice + "<mc:Fallback><t>2</t></mc:Fallback>"), "info MCE-11"},
+        {"", alternate(choice + "<mc:Fallback><p>2</p></mc:Fallback>"), ""},
+        {"", alternate(choice + "<mc:Fallback/>"), ""},
+    };
+    for (const auto& [attributes, children, expected] : cases)
+        EXPECT_EQ(
+            told(itemsWithParts({{"part.xml", "application/vnd.openxmlformats-officedocument.x+xml",
+                                  "<d xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
+                                  "xmlns:a='urn:a' " +
+                                      attributes + ">" + children + "</d>"}})),
+            expected)
+            << attributes << ' ' << children;
+}
+
+TEST(OfficeRules, relationshipIds) {
+    const std::string image =
+        "<Relationship Id='rId1' Type='http://schemas.openxmlformats.org/officeDocument/2006/"
+        "relationships/image' Target='i.png'/>";
+    const struct {
+        std::string xml, expected;
+    } cases[] = {
+        {"<a:blip r:embed='rId1'/>", ""},
+        {"<a:blip r:embed='rId2'/>", "error P1-5"},
+        {"<a:blip r:embed='RID1'/>", "error P1-5"},
+        {"<a:blip r:embed=''/>", ""},
+        {"<a:blip id='rId2'/>", ""},
+        {"<a:v o:relid='rId2'/>", "error P1-5"},
+        {"<a:headerReference r:id='rId1'/>", "warning P1-5"},
+        {"<a:other r:id='rId1'/>", ""},
+    };
+    for (const auto& [xml, expected] : cases) {
+        const std::string document =
+            "<d xmlns:a='urn:schemas-microsoft-com:a' xmlns:o='urn:schemas-microsoft-com:office:office' "
+            "xmlns:r='http://schemas.openxmlformats.org/officeDocument/2006/relationships'>" +
+            xml + "</d>";
+        std::vector<RawItem> items = itemsWithParts({}, image);
+        items.push_back(stored("word/document.xml", document));
+        EXPECT_EQ(told(items), expected) << xml;
+    }
+}
+
+TEST(OfficeRules, structure) {
+    const std::string main =
+        "application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml";
+    const std::string toMain = test::TO_DOCUMENT;
+    const auto replaced = [](std::string text, const std::string& old, const std::string& by) {
+        return text.replace(text.find(old), old.size(), by);
+    };
+    const RawItem types = test::contentTypesWith("");
+    const RawItem otherType = stored(types.name, replaced(types.data, main, "application/xml"));
+    const struct {
+        const char* what;
+        std::vector<RawItem> items;
+        std::string expected;
+    } cases[] = {
+        {"whole", {}, ""},
+        {"no relationship", {relationshipsWith("")}, "error P1-4"},
+        {"dangling", {relationshipsWith(replaced(toMain, "word/document", "word/gone"))}, "error P1-4"},
+        {"outside", {relationshipsWith(replaced(toMain, "/>", " TargetMode='External'/>"))}, "error P1-4"},
+        {"type of plain XML", {otherType}, "error P1-4"},
+        {"another format's own main part",
+         {relationshipsWith(replaced(toMain, "officeDocument\" T", "x\" T"))},
+         ""},
+        {"origin on a part",
+         itemsWithParts(
+             {}, "<Relationship Id='a' Type='http://schemas.openxmlformats.org/package/2006/relationships/"
+                 "digital-signature/origin' Target='o'/>"),
+         "warning P1-3"},
+        {"not well-formed",
+         {stored("word/document.xml", "<d xmlns:r='http://schemas.openxmlformats.org/"
+                                      "officeDocument/2006/relationships'>")},
+         "warning OFFICE-XML"},
+    };
+    for (const auto& [what, items, expected] : cases)
+        EXPECT_EQ(told(items), expected) << what;
+}
+
+} // namespace
+} // namespace opc::inspection
