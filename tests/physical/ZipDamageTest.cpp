@@ -83,14 +83,15 @@ TEST(ZipDamage, isRefusedAboveTheLimits) {
     bomb.method = 8;
     bomb.size = 5000;
     const std::pair<void (*)(ZipOptions&), const char*> cases[] = {
-        {[](ZipOptions& o) { o.maxItems = 1; }, "more than 1 items"},
-        {[](ZipOptions& o) { o.maxDirectorySize = 90; }, "a directory of more than 90 bytes"},
-        {[](ZipOptions& o) { o.maxItemSize = 4999; }, "a: its size in bytes is above the limit of 4999"},
-        {[](ZipOptions& o) { o.maxTotalSize = 5000; },
+        {[](ZipOptions& options) { options.maxItems = 1; }, "more than 1 items"},
+        {[](ZipOptions& options) { options.maxDirectorySize = 90; }, "a directory of more than 90 bytes"},
+        {[](ZipOptions& options) { options.maxItemSize = 4999; },
+         "a: its size in bytes is above the limit of 4999"},
+        {[](ZipOptions& options) { options.maxTotalSize = 5000; },
          "b: the size in bytes of all items together is above the limit of 5000"},
-        {[](ZipOptions& o) {
-             o.ratioFloor = 4999;
-             o.maxRatio = 2500;
+        {[](ZipOptions& options) {
+             options.ratioFloor = 4999;
+             options.maxRatio = 2500;
          },
          "a: the ratio of its size to its compressed size is above the limit of 2500"},
     };
