@@ -118,7 +118,7 @@ public:
     bool isPartDerivedFromExistingPartName(const PartName& name, std::u16string& existing) const;
 
     /// Whether the content types stream has elements that the model ignores and other programs may use. Such elements
-    /// have a namespace prefix, stand in the wrong place, or give a second content type to something, or a content type
+    /// have a namespace prefix, are in the wrong place, or give a second content type to something, or a content type
     /// of another kind to a relationships part.
     /// @throws PackageNotOpen
     bool hasUnreadContentTypes() const;

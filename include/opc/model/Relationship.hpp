@@ -57,7 +57,7 @@ private:
     friend class RelationshipsText;
     friend class SignedRelationships;
 
-    /// What never changes, shared by all copies. Texts and source lie in a block that the values keep.
+    /// The values, which never change. All copies share them. A block, which they keep alive, holds texts and source.
     struct Values {
         std::u16string_view id;
         std::u16string_view type;
@@ -73,11 +73,11 @@ private:
 
     URI resolveTarget() const;
 
-    /// What the target URI is before it has been worked out: an internal target as it stands.
+    /// The target URI before it is resolved: an internal target as it is in the document.
     URI unresolvedTargetURI() const;
 
     std::shared_ptr<const Values> values;
-    mutable std::shared_ptr<const URI> targetURI; // null until it is worked out
+    mutable std::shared_ptr<const URI> targetURI; // null until it is resolved
 };
 
 } // namespace opc::model

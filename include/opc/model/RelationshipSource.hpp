@@ -90,7 +90,7 @@ public:
     /// @return the relationships of one type, sorted by ID; includes those of data managers
     Enumerator<std::vector<Relationship>> getRelationshipsByType(const std::u16string& type) const;
 
-    /// Whether the relationships part has elements that weren't read: they have a namespace prefix, stand in the wrong
+    /// Whether the relationships part has elements that weren't read: they have a namespace prefix, are in the wrong
     /// place, or the store leaves them out of the input stream. Other programs may read them as relationships.
     bool hasUnreadRelationships() const;
 

@@ -12,12 +12,12 @@ namespace opc::model {
 template <std::size_t Size>
 class XmlText {
 public:
-    constexpr XmlText(const char (&text)[Size]) { // a literal stands for itself
+    constexpr XmlText(const char (&text)[Size]) { // implicit, for literals
         for (std::size_t i = 0; i < Size; ++i)
             put(i, text[i]);
     }
 
-    /// `right` behind `left`.
+    /// Appends `right` to `left`.
     template <std::size_t Left, std::size_t Right>
     constexpr XmlText(const XmlText<Left>& left, const XmlText<Right>& right) {
         static_assert(Left + Right == Size + 1);
@@ -30,7 +30,7 @@ public:
     constexpr operator std::string_view() const { return {bytes, Size - 1}; }
     constexpr operator std::u16string_view() const { return wide(); }
 
-    /// A zero stands behind it. It lives as long as this object.
+    /// A null character follows it. It lives as long as this object.
     constexpr std::u16string_view wide() const { return {units, Size - 1}; }
     std::u16string text() const { return std::u16string(wide()); }
 

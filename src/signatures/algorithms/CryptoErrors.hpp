@@ -21,7 +21,7 @@ auto translateCryptoFailures(Action&& action) {
     }
 }
 
-/// What fails in signing, here or in the services, becomes `CouldNotGenerateSignature` with the same text.
+/// Failures in signing, here or in the services, become `CouldNotGenerateSignature` with the same text.
 template <typename Action>
 auto translateSigningFailures(Action&& action) {
     try {
@@ -33,7 +33,7 @@ auto translateSigningFailures(Action&& action) {
     }
 }
 
-/// A failure of the services in verifying becomes `InvalidSignature` with the same text, and a code by its
+/// A failure of the services in verifying becomes `InvalidSignature` with the same text, and with a code for its
 /// class.
 template <typename Action>
 auto translateVerificationFailures(Action&& action) {

@@ -16,12 +16,12 @@ class InputStream;
 
 namespace opc::model {
 
-/// The engine that computes digests of a method; null for a value that has no name.
+/// The engine that computes digests of a method; null for an unknown value.
 /// @throws bedrock::crypto::utils::CouldNotComputeDigest
 std::shared_ptr<bedrock::crypto::DigestEngine>
 createDigestEngine(const bedrock::crypto::CryptoEngine& cryptoEngine, DigestMethod method);
 
-/// The digest of all that is left in the stream, which is never held whole.
+/// The digest of the rest of the stream. The content is never kept in memory as a whole.
 /// @throws bedrock::crypto::utils::CouldNotComputeDigest  also if `engine` is null
 std::vector<unsigned char> digestStream(bedrock::crypto::DigestEngine* engine, InputStream& stream);
 

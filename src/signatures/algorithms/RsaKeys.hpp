@@ -14,8 +14,8 @@ class RSAVerifier;
 } // namespace bedrock::crypto
 
 /// @file
-/// RSA keys by their size in bits: the one place that chooses among the operations for 1024, 2048 and 4096.
-/// All raise what `bedrock::crypto` raises, and give null for another size.
+/// RSA keys by their size in bits: only this file chooses between the operations for 1024, 2048 and 4096 bits. All
+/// throw what `bedrock::crypto` throws, and return null for another size.
 
 namespace opc::model {
 

@@ -16,8 +16,8 @@ namespace opc::model {
 
 class DigitalSignature;
 
-/// What some signatures cover, by part and by source of relationships. A package can have as many signatures as parts:
-/// with the index, nobody need ask each signature about each part. A value that doesn't follow later changes.
+/// What some signatures cover, by part and by source of relationships. A package can have as many signatures as
+/// parts, so the index saves asking each signature about each part. It doesn't follow later changes.
 class CoverageIndex {
 public:
     /// Signatures by their places in the order in which they were added, from 0, each once and ascending.

@@ -36,7 +36,7 @@ std::u16string_view contentTypeIn(std::u16string_view query) {
 bool isContentType(const ContentType& type, const std::u16string& text) {
     try {
         return type == ContentType(text);
-    } catch (const Exception&) { // it names none
+    } catch (const Exception&) { // the text names no content type
         return false;
     }
 }

@@ -11,7 +11,8 @@ namespace opc::model {
 
 namespace {
 
-/// Types that are looked up by walking all relationships of a source, before these are gathered by type.
+/// This many types are looked up by walking all relationships of a source. For more, the relationships are gathered
+/// by type.
 constexpr std::size_t FEW = 4;
 
 } // namespace
@@ -67,7 +68,7 @@ std::shared_ptr<const SignedRelationships> SelectableRelationships::share(Signed
     return known->second;
 }
 
-/// Groups that have been given away stay as they are.
+/// Groups that were returned don't change.
 void SelectableRelationships::gather(const RelationshipSource& source, Source& known) const {
     std::map<std::u16string, std::vector<Relationship>> byType;
     for (const Relationship& relationship : source.getRelationships(ExcludeMode::ExcludeNone))

@@ -44,8 +44,8 @@ std::u16string getSignatureRelationshipID(const std::u16string& signatureID);
 /// The name of the origin part, if there is one.
 std::optional<URI> findOriginURI(const Package& package);
 
-/// Whether it is the relationship from the origin part to the countersignature. No signature covers it, since it is made
-/// after the others have been signed.
+/// Whether it is the relationship from the origin part to the countersignature. No signature covers it, because it is
+/// created after the others are signed.
 bool leadsToCountersignature(const Relationship& relationship, const URI& originURI);
 
 } // namespace opc::model

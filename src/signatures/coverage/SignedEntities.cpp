@@ -21,7 +21,7 @@ namespace {
 struct Source {
     const RelationshipSource& relationships;
     std::u16string name;
-    std::string label; // in messages
+    std::string label; // the name in messages
 };
 
 void select(const Reference& reference, const Source& source, SelectableRelationships& selectable,
@@ -71,7 +71,7 @@ void fillUpSignedEntities(const Package& package, DigitalSignatureData& data,
         if (!package.hasPart(name))
             refuse("Part referenced to by the signature is not present in the package." +
                    toUDEString(uri.getPath()));
-        // It would be digested as relationships, and not at all as a part.
+        // It would be digested only as relationships, and not as a part.
         if (reference.selectsRelationships())
             refuse("The signature selects relationships from a part that holds none: " +
                    toUDEString(uri.getPath()));

@@ -11,8 +11,8 @@ struct KeywordsRange {
     std::size_t size = 0; ///< 0 if there are none
 };
 
-/// The bytes from the first opening tag of keywords to the first closing one. The search is for bytes: a tag
-/// of another form isn't found, and then the whole content counts.
+/// The bytes from the first opening tag of keywords to the first closing one. The search compares bytes: it doesn't
+/// find tags in another form, and then the whole content counts.
 inline KeywordsRange findKeywords(std::string_view content) {
     constexpr std::string_view OPENING = "<cp:keywords>";
     constexpr std::string_view CLOSING = "</cp:keywords>";

@@ -25,7 +25,8 @@ std::vector<unsigned char> readWithoutKeywords(InputStream& stream) {
     std::string bytes;
     {
         std::ostringstream content;
-        content.exceptions(std::ios_base::badbit); // without memory it would end early, in silence
+        content.exceptions(
+            std::ios_base::badbit); // otherwise it would end early, without an error, if memory runs out
         StreamHelper::copyStreamToStream(stream, content);
         bytes = content.str();
     }

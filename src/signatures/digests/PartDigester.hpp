@@ -20,17 +20,17 @@ namespace opc::model {
 
 class Package;
 
-/// Computes the digests of parts by one method, as signatures hold them: of the whole content, but for core properties
-/// without their keywords. Afterwards the part's stream is at its start. Each part is read once, however often its
-/// digest is asked for: a small signature could name a large part many times.
+/// Computes the digests of parts by one method, as signatures need them: of the whole content, except the keywords of
+/// core properties. Afterwards the part's stream is at its start. Each part is read only once, because a small
+/// signature could name a large part many times.
 class PartDigester {
 public:
     /// @param package  must outlive this object
-    /// @throws CouldNotGenerateSignature  if the method isn't available
+    /// @throws CouldNotGenerateSignature  the method isn't available
     PartDigester(const Package& package, DigestMethod method);
 
-    /// @throws CouldNotGenerateSignature  if the services fail
-    /// @throws PartNotFound, and whatever reading the part raises
+    /// @throws CouldNotGenerateSignature  the services fail
+    /// @throws PartNotFound, and everything that reading the part throws
     const std::vector<unsigned char>& digest(const PartName& name);
 
 private:
@@ -41,13 +41,13 @@ private:
     std::unordered_map<const InputStream*, std::vector<unsigned char>> computed; // by the part's stream
 };
 
-/// Digesters of one package, made for each method when it is asked for.
+/// The digesters of one package. Each is made when its method is first needed.
 class PartDigesters {
 public:
     /// @param package  must outlive this object
     explicit PartDigesters(const Package& package) : package(package) {}
 
-    /// As `PartDigester::digest`.
+    /// Works as `PartDigester::digest`.
     const std::vector<unsigned char>& digest(const PartName& name, DigestMethod method) {
         return digesters.try_emplace(method, package, method).first->second.digest(name);
     }

@@ -19,7 +19,7 @@ namespace {
 
 using namespace vocabulary::relationships;
 
-/// How many bytes a text takes at most in UTF-8, with characters escaped.
+/// The most bytes that a text can take in UTF-8, with characters escaped.
 std::uint64_t measureText(std::u16string_view text) {
     std::uint64_t length = 0;
     for (const char16_t c : text)
@@ -43,14 +43,14 @@ std::uint64_t RelationshipsText::measure(const Relationship& relationship) {
     return MARKUP + measureText(values.id) + measureText(values.target) + measureText(values.type);
 }
 
-/// All that an element says of a relationship, in the order that decides which stands first.
+/// Everything that an element says about a relationship, in the order of sorting.
 auto RelationshipsText::keys(const Relationship::Values& values) {
     return std::tie(values.id, values.target, values.type, values.targetMode);
 }
 
 /// Relationships of different sources are often alike.
 std::vector<RelationshipsText::Entry> RelationshipsText::collect(const SignedRelationships& relationships) {
-    // A tree, since many are alike as a rule and nobody can choose texts that make it slow.
+    // A tree, because many are alike, and no choice of texts makes a tree slow.
     const auto precedes = [](const Relationship::Values* left, const Relationship::Values* right) {
         return keys(*left) < keys(*right);
     };

@@ -15,17 +15,16 @@ namespace opc::model {
 /// The document that is digested for the relationships of a signature (the relationship transform): sorted by ID and
 /// target, each as often as it was selected.
 ///
-/// A stream over the document's bytes. A relationship that was selected n times is serialised and held once
-/// and read n times, so that many selections of few relationships cost little: n relationships of one type,
-/// each named by a selector of its own, make n² entries. Relationships with the same ID and target, from
-/// different sources, are sorted by type and mode as well, so that signing and verifying come to the same
-/// order.
+/// A stream over the document's bytes. A relationship that was selected n times is serialised and stored once and
+/// read n times, so that many selections of few relationships cost little: n relationships of one type, each named by
+/// its own selector, make n² entries. Relationships with the same ID and target, from different sources, are also
+/// sorted by type and mode, so that signing and verifying use the same order.
 class RelationshipsText final : public InputStream {
 public:
     /// @throws InvalidXMLDocument
     explicit RelationshipsText(const SignedRelationships& relationships);
 
-    /// The greatest length of the element of a relationship, in bytes.
+    /// The greatest length of a relationship's element, in bytes.
     static std::uint64_t measure(const Relationship& relationship);
 
     void open() override;
@@ -40,7 +39,7 @@ private:
         std::uint64_t count;
     };
 
-    /// Bytes of `text` that the document repeats a number of times in a row.
+    /// Bytes of `text` that the document repeats several times.
     struct Run {
         std::size_t begin, end;
         std::uint64_t count;

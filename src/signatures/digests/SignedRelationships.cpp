@@ -8,14 +8,14 @@ namespace opc::model {
 
 namespace {
 
-/// In a list, each takes 32 bytes.
+/// Each entry of a list takes 32 bytes.
 constexpr std::uint64_t MAXIMUM_LISTED = 10000000;
 
-/// What composing a relationship costs, where digesting a byte of it costs 1.
+/// The cost of composing a relationship, if digesting a byte of it costs 1.
 constexpr std::uint64_t COMPOSING = 500;
 
-/// Honest signatures select short relationships, some of them very often. With long ones, a small package could keep a
-/// verifier busy.
+/// Honest signatures select short relationships, some of them very often. With long ones, a small package could keep
+/// a verifier busy.
 constexpr std::uint64_t LONG = 1024;
 constexpr std::uint64_t WORK_OF_LONG = 4;
 

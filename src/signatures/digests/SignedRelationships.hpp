@@ -14,11 +14,11 @@ namespace opc::model {
 /// Relationships that are selected together: one by its ID, or all relationships of a source that have one type.
 struct SelectedGroup {
     std::vector<Relationship> relationships;
-    std::uint64_t length = 0; ///< at most, in bytes of the text that is digested
+    std::uint64_t length = 0; ///< the most bytes of the text that is digested
 };
 
-/// The relationships that a signature covers, each as often as it is selected. Every group is held once, however
-/// often it is selected: n relationships of one type, each named by a selector of its own, make n² entries.
+/// The relationships that a signature covers, each as often as it is selected. Every group is stored once: n
+/// relationships of one type, each named by its own selector, make n² entries.
 class SignedRelationships {
 public:
     using Group = std::shared_ptr<const SelectedGroup>;

@@ -13,8 +13,8 @@ namespace opc::model {
 /// as they are read, since the text of a package object can be large.
 class SignedText final : public InputStream {
 public:
-    /// @param beginning  of the text
-    /// @param remainder  of the text. The characters of both must outlive this object
+    /// @param beginning  the beginning of the text
+    /// @param remainder  the rest of the text. The characters of both must outlive this object
     explicit SignedText(std::u16string_view beginning, std::u16string_view remainder = {})
         : piece(beginning), next(remainder) {}
 
@@ -26,7 +26,7 @@ public:
 private:
     std::u16string_view piece; // the text that hasn't been read to its end
     std::u16string_view next;
-    bool isInsideUnit = false; // of the first unit in the piece, the low byte has been read
+    bool isInsideUnit = false; // whether the low byte of the first unit in the piece was already read
 };
 
 /// The bytes of a text at once.

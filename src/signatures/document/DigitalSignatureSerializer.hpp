@@ -24,8 +24,8 @@ struct Reference;
 struct SignatureRecord;
 struct ScannedSignature;
 
-/// Reads and writes signature parts, one after the other, for one thread at a time. It scans a part in the form in which
-/// it writes them itself, and has a validating parser read any other. Xerces is initialised for the first of these.
+/// Reads and writes signature parts, one after the other, for one thread at a time. It scans parts in the form that
+/// it writes itself. A validating parser reads all others; Xerces is initialised for the first of these.
 ///
 /// The form is the XML Signature profile of ECMA-376 Part 2. This class doesn't check whether a signature holds.
 class DigitalSignatureSerializer {
@@ -36,11 +36,11 @@ public:
     ~DigitalSignatureSerializer();
 
     /// Writes the whole document, or nothing if it can't be built. Doesn't close the stream.
-    /// @throws InvalidPartContent  if a text holds characters that XML can't hold
-    /// @throws opc::Exception      if there is a key value, but the parameters of `data` say no size of key
+    /// @throws InvalidPartContent  XML can't hold a text
+    /// @throws opc::Exception      there is a key value, but the parameters of `data` have no key size
     void writeSignature(const SignatureRecord& data, OutputStream& stream);
 
-    /// Fills `data`, which must be new. After a failure `data` is of no use, but this object is.
+    /// Fills `data`, which must be new. After a failure, drop `data`; this object can be used again.
     ///
     /// Time and memory grow in proportion to the document, whatever it holds, as long as they do so in parsing;
     /// `SignatureLimits` refuses other documents. Measured on one core, with the parser: 1,000,000 references
@@ -48,18 +48,18 @@ public:
     /// elements are empty and have short names.
     ///
     /// @param stream  open, at the first byte; read to its end and not closed
-    /// @throws InvalidPartContent  if the document breaks the schema or the form
-    /// @throws NotImplemented      if it refers to signed properties in the way of XML Signature or XAdES
-    /// @throws opc::Exception      for a signature algorithm or a size of key that isn't supported
-    /// @throws bedrock::crypto::utils::Exception, bedrock::certificates::X509CertificateException
-    ///         for texts that aren't Base64 and bytes that aren't a certificate
+    /// @throws InvalidPartContent  the document breaks the schema or the form
+    /// @throws NotImplemented      it refers to signed properties in the way of XML Signature or XAdES
+    /// @throws opc::Exception      a signature algorithm or a key size isn't supported
+    /// @throws bedrock::crypto::utils::Exception, bedrock::certificates::X509CertificateException  a text isn't
+    /// Base64, or bytes aren't a certificate
     void readSignature(InputStream& stream, SignatureRecord& data);
 
     /// Does the same with the validating parser alone.
     void parseSignature(InputStream& stream, SignatureRecord& data);
 
-    /// The XML of an element as text, with the namespace declarations that it needs to stand alone.
-    /// @param result  is replaced by the text
+    /// The XML of an element as text, with the namespace declarations that it needs on its own.
+    /// @param result  receives the text; its old content is lost
     /// @throws InvalidPartContent
     void toText(const xercesc::DOMElement* element, std::u16string& result);
 
@@ -89,20 +89,20 @@ private:
     void readReference(const IndexedElement& element, Reference& reference) const;
     void readTransform(const IndexedElement& element, Reference& reference) const;
 
-    /// Runs `operation` with the writer, which doesn't outlive a failure in it.
+    /// Runs `operation` with the writer, and drops the writer if it fails.
     template <typename Operation>
     auto withWriter(Operation&& operation);
 
     void serialize(const SignatureRecord& data, OutputStream& stream);
     void writeKeyInfo(xercesc::DOMElement* root, const SignatureRecord& data) const;
 
-    /// What it takes to read and write documents of another form.
+    /// The objects for reading and writing documents in another form.
     struct Xerces {
         Xerces();
 
         XercesGuard guard;
         ReusedParser parser;
-        std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; ///< made when it is needed
+        std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; ///< made when needed
         SignatureNames names;
         PackageSignatureNames packageNames{u""};
         XercesString packageNamespace{vocabulary::signatures::PACKAGE_NAMESPACE.text()};
@@ -110,7 +110,7 @@ private:
 
     Xerces& wakeXerces();
 
-    std::unique_ptr<Xerces> m_xerces; ///< null until it is needed
+    std::unique_ptr<Xerces> m_xerces; ///< null until needed
 };
 
 } // namespace opc::model

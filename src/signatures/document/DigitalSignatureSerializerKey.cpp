@@ -23,7 +23,7 @@ using bedrock::certificates::X509Certificate;
 using bedrock::certificates::X509CertificateChain;
 using bedrock::crypto::utils::base64Decode;
 
-/// The size of a key by the length of its modulus in Base64. What is too long for 2048 bits counts as 4096.
+/// The size of a key from the length of its modulus in Base64. Everything too long for 2048 bits counts as 4096.
 std::uint64_t getKeySize(const std::u16string& modulus) {
     if (modulus.size() <= 256)
         return 1024;

@@ -43,7 +43,7 @@ IdleParsers& signatureParsers() {
     return parsers;
 }
 
-/// A document beyond this size goes to the parser at once, without being held whole.
+/// A larger document goes to the parser at once, so that it isn't kept in memory as a whole.
 constexpr std::size_t LARGEST_SCANNED = 1U << 28;
 
 IndexedElement getOnlyElement(const IndexedElement& parent, const XercesString& name, const char* message) {
@@ -59,7 +59,7 @@ std::u16string withoutPrefix(const std::u16string& id) {
     return id.compare(0, PREFIX.size(), PREFIX) == 0 ? id.substr(PREFIX.size()) : id;
 }
 
-/// The text of an object as the parser's document gives it: declaring the namespace that it has from its parent.
+/// The text of an object as in the parser's document: it declares the namespace that it gets from its parent.
 std::u16string withNamespaceDeclaration(std::string_view object) {
     static constexpr auto DECLARATION = " " + attribute::XMLNS + "=\"" + NAMESPACE + "\"";
     constexpr std::u16string_view declaration = DECLARATION.wide();
@@ -99,7 +99,7 @@ DigitalSignatureSerializer::Xerces& DigitalSignatureSerializer::wakeXerces() {
 void DigitalSignatureSerializer::readSignature(InputStream& stream, SignatureRecord& data) {
     ReadAheadBuffer buffer;
     const auto scan = [&data](std::string_view document) {
-        if (data.m_share) { // before anything is made of it
+        if (data.m_share) { // before memory is allocated for it
             const auto tags = std::count(document.begin(), document.end(), '<');
             data.m_share->addElements(static_cast<std::uint64_t>(tags) / cost::TAGS_PER_ELEMENT);
         }
@@ -112,7 +112,7 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, SignatureRec
     scanOrParse(stream, buffer, LARGEST_SCANNED, scan, [&](InputStream& document) { parse(document, data); });
 }
 
-/// What can fail here fails in the order in which the parser's document is read.
+/// Failures come in the order in which the parser's document is read.
 void DigitalSignatureSerializer::takeScanned(ScannedSignature& scanned, SignatureRecord& data) {
     data.m_signatureId = withoutPrefix(widen(scanned.id));
     takeScannedValueAndKey(scanned, data);

@@ -55,7 +55,7 @@ auto DigitalSignatureSerializer::withWriter(Operation&& operation) {
     try {
         return operation(*writer);
     } catch (...) {
-        // It takes the namespaces for declared from now on, and would leave them out.
+        // A writer that failed would omit the namespace declarations from now on.
         writer.reset();
         throw;
     }

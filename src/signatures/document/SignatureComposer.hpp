@@ -3,8 +3,8 @@
 #include <string>
 
 /// @file
-/// Composes the documents of signatures byte for byte as Xerces writes them, at a small part of its cost. Xerces writes
-/// those with a value that isn't plain (`xml/PlainMarkup.hpp`) or with an empty list.
+/// Composes the documents of signatures byte for byte as Xerces would write them, in a fraction of the time. Xerces
+/// writes those with a value that isn't plain (`xml/PlainMarkup.hpp`) or with an empty list.
 
 namespace opc::model {
 
@@ -12,8 +12,8 @@ struct SignatureContent;
 struct SignatureRecord;
 
 /// Composes `SignedInfo` as `buildSignedInfo` builds it.
-/// @param text  is replaced by the document
-/// @return whether the document is plain. If not, `text` means nothing
+/// @param text  receives the document; its old content is lost
+/// @return whether the document is plain. If not, ignore `text`
 bool composePlainSignedInfo(const SignatureRecord& data, std::string& text);
 
 /// The same for the package object: `buildPackageObject`.

@@ -4,14 +4,14 @@
 
 /// @file
 /// How signature parts count towards the elements of a package (`XmlLimits`). The numbers come from measurements:
-/// whatever counts as one element takes at most some 200 bytes of memory, where a relationship takes 165.
+/// whatever counts as one element takes at most about 200 bytes of memory; a relationship takes 165.
 
 namespace opc::model::cost {
 
-/// So many bytes of a document count as one: the values and the text of the package object stay in memory.
+/// This many bytes of a document count as one element: the values and the text of the package object stay in memory.
 inline constexpr std::uint64_t BYTES_PER_ELEMENT = 50;
 
-/// So many tags of a scanned document count as one: a reference has five.
+/// This many tags of a scanned document count as one element: a reference has five.
 inline constexpr std::uint64_t TAGS_PER_ELEMENT = 2;
 
 /// An element or an attribute of a parsed document.

@@ -18,8 +18,8 @@ namespace {
 using namespace vocabulary::signatures;
 using xercesc::DOMElement;
 
-/// Elements and attributes are built without namespaces: the prefix belongs to the name, and declarations are
-/// attributes like any other. What is digested rests on that form.
+/// Elements and attributes are built without namespaces: the prefix is part of the name, and declarations are
+/// ordinary attributes. Digests depend on that form.
 struct WrittenNames : PackageSignatureNames {
     WrittenNames() : PackageSignatureNames((package_element::PREFIX + ":").text()) {}
 };
@@ -36,7 +36,7 @@ void setAttributeIfNotEmpty(DOMElement* element, const XercesString& name, const
         XercesHelper::setElementAttribute(element, name, value);
 }
 
-/// Appends `Reference` elements under one set of names.
+/// Appends `Reference` elements with one set of names.
 class ReferenceWriter {
 public:
     void append(DOMElement* parent, const Reference& reference) const {

@@ -13,7 +13,7 @@ XERCES_CPP_NAMESPACE_END
 
 /// @file
 /// The two elements of a signature document that are digested and signed.
-/// All operations throw `InvalidPartContent` if a text holds characters that XML can't hold.
+/// All operations throw `InvalidPartContent` if XML can't hold a text.
 
 namespace opc::model {
 
@@ -29,7 +29,7 @@ std::u16string writeSignedInfo(const SignatureRecord& record);
 std::u16string writePackageObject(const SignatureContent& content);
 
 /// @name As trees
-/// The root of each is the element in question. The caller holds a `XercesGuard`.
+/// The root of each is that element. The caller must hold a `XercesGuard`.
 /// @{
 
 /// `SignedInfo`, with a namespace declaration of its own.

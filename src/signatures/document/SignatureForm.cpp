@@ -34,7 +34,7 @@ Text toText(const char16_t* text) {
     return text == nullptr ? Text() : Text(text);
 }
 
-/// An element that is read, and those that it may stand in directly.
+/// An element that is read, and its allowed parents.
 struct Rule {
     Text name;
     Text parents[2] = {};
@@ -69,7 +69,7 @@ constexpr Rule OF_CONTENT[] = {
     {element::X509_CERTIFICATE, {element::X509_DATA}},
 };
 
-/// The same for the elements of the package signature namespace, which bear any prefix.
+/// The same for the elements of the package signature namespace, which can have any prefix.
 constexpr Rule OF_PACKAGE[] = {
     {package_element::SIGNATURE_TIME, {element::SIGNATURE_PROPERTY}},
     {package_element::FORMAT, {package_element::SIGNATURE_TIME}},
@@ -103,7 +103,7 @@ bool isAmong(const Text (&texts)[N], Text text) {
     return std::find(std::begin(texts), std::end(texts), text) != std::end(texts);
 }
 
-/// Whether an attribute is an identifier to some reader: `Id`, `ID`, `xml:id`.
+/// Whether some reader takes an attribute for an identifier: `Id`, `ID`, `xml:id`.
 bool isIdentifier(Text name) {
     return name.size() == 2 && (name[0] | 0x20) == u'i' && (name[1] | 0x20) == u'd';
 }
@@ -140,7 +140,7 @@ public:
     }
 
 private:
-    /// What the child of the root is whose content is being checked.
+    /// The child of the root whose content is being checked.
     enum class Section { SignedInfo, KeyInfo, PackageObject, ReferencedObject, Other };
 
     struct Entry {
@@ -247,7 +247,8 @@ private:
             refuse(toUDEString(std::u16string(entry.name)) + " holds more than a text.");
     }
 
-    std::map<std::u16string, int, std::less<>> identifiers; // the ones that matter, and how often each occurs
+    std::map<std::u16string, int, std::less<>>
+        identifiers; // the relevant ones, with the number of their occurrences
     std::vector<Entry> around;
     Section section = Section::Other;
     bool hasTime = false;

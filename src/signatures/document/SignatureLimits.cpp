@@ -28,8 +28,8 @@ void SignatureLimits::check(const ElementIndex& document) const {
         bool isRepeated, isContent;
     };
     std::vector<Around> around;
-    int depth = 0;    // how many elements that are read repeatedly are around
-    int contents = 0; // how many package objects and `SignedInfo` are
+    int depth = 0;    // how many elements around the current one are read repeatedly
+    int contents = 0; // how many package objects and `SignedInfo` are around the current element
     for (std::size_t position = 0; position < document.size(); ++position) {
         for (; !around.empty() && around.back().end == position; around.pop_back()) {
             depth -= around.back().isRepeated ? 1 : 0;

@@ -8,7 +8,7 @@
 
 namespace opc::model::vocabulary::signatures {
 
-/// The names of elements and attributes as Xerces takes them, built once for many uses.
+/// The names of elements and attributes in the form that Xerces takes, made once for many uses.
 struct SignatureNames {
     const XercesString signature{element::SIGNATURE.text()};
     const XercesString signedInfo{element::SIGNED_INFO.text()};
@@ -35,7 +35,7 @@ struct SignatureNames {
     const XercesString digestMethod{element::DIGEST_METHOD.text()};
     const XercesString digestValue{element::DIGEST_VALUE.text()};
 
-    const XercesString noNamespace{u""}; ///< for look-ups by the name as it is written
+    const XercesString noNamespace{u""}; ///< searches by the whole written name
     const XercesString xmlns{attribute::XMLNS.text()};
     const XercesString id{attribute::ID.text()};
     const XercesString algorithm{attribute::ALGORITHM.text()};
@@ -46,7 +46,7 @@ struct SignatureNames {
 
 /// The names in the package signature namespace.
 struct PackageSignatureNames {
-    /// @param prefix  of the elements; empty, or with its colon
+    /// @param prefix  of the elements; empty, or including its colon
     explicit PackageSignatureNames(const std::u16string& prefix)
         : signatureTime(prefix + package_element::SIGNATURE_TIME.text()),
           format(prefix + package_element::FORMAT.text()), value(prefix + package_element::VALUE.text()),

@@ -16,8 +16,8 @@
 #include <vector>
 
 /// @file
-/// What the elements of a signature part hold, as plain records. Texts are as in the document; known algorithms have the
-/// identifiers of `AlgorithmURIMap`.
+/// The content of the elements of a signature part, as plain records. Texts are as in the document; known algorithms
+/// have the identifiers of `AlgorithmURIMap`.
 
 namespace opc::model {
 
@@ -28,7 +28,7 @@ struct Reference {
     std::u16string referenceID; ///< empty if there is none
     URI referenceURI;
     std::u16string referenceType;                       ///< empty if there is none
-    std::vector<std::u16string> transforms;             ///< identifiers, but for the relationship transform
+    std::vector<std::u16string> transforms;             ///< identifiers, without the relationship transform
     std::vector<std::u16string> relationshipReferences; ///< IDs of relationships
     std::vector<std::u16string> relationshipGroupReferences; ///< types of relationships
     std::u16string digestMethod;                             ///< an identifier
@@ -74,7 +74,8 @@ struct SignatureContent {
     std::u16string signedInfoXML; ///< the text of `SignedInfo`, over which the signature value is made
 };
 
-/// All that one signature part says. A new one is empty: reading fills it, and writing takes all but `m_share`.
+/// Everything that one signature part says. A new one is empty: reading fills it, and writing writes all but
+/// `m_share`.
 struct SignatureRecord {
     SignatureParams m_signatureParams;      ///< by the signature method and the key
     std::shared_ptr<DocumentShare> m_share; ///< of the limits of the package, if it is read from one
@@ -82,7 +83,7 @@ struct SignatureRecord {
     std::u16string m_signatureId;           ///< without the prefix that it has in the document
     std::vector<unsigned char> m_signatureValue;
     std::u16string m_namespace;
-    std::u16string m_canonicalizationMethod; ///< an identifier; a label that nothing acts on
+    std::u16string m_canonicalizationMethod; ///< an identifier; nothing acts on it
     std::u16string m_signatureMethod;        ///< an identifier
     std::u16string m_signatureValueInXML;    ///< Base64
     SignatureContent m_content;

@@ -14,12 +14,12 @@ namespace {
 using namespace vocabulary::signatures;
 using plain::is;
 
-/// What is written into an attribute as it is.
+/// Whether an attribute can hold a text without escapes.
 constexpr bool isPlainValueChar(char c) {
     return is(c, plain::DoubleQuoted) && c != '>';
 }
 
-/// Whether a text can stand behind `CONTENT_TYPE_QUERY` as it is.
+/// Whether a text can follow `CONTENT_TYPE_QUERY` without escapes.
 bool isPlainQueryValue(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
         return is(c, plain::Letter | plain::Digit) || c == '-' || c == '.' || c == '_' || c == '+' ||
@@ -153,7 +153,7 @@ constexpr auto OBJECT_END =
     endOf(prefixed(package_element::VALUE)) + endOf(prefixed(package_element::SIGNATURE_TIME)) +
     endOf(element::SIGNATURE_PROPERTY) + endOf(element::SIGNATURE_PROPERTIES) + endOf(element::OBJECT);
 
-/// Goes through the document once. After an operation that didn't take what it should, the document isn't recognised.
+/// Scans the document once. If an operation didn't take a required piece, the document isn't recognised.
 class Scan {
 public:
     Scan(std::string_view document, ScannedSignature& found) : reader(document), found(found) {}
@@ -287,7 +287,7 @@ private:
         return true;
     }
 
-    /// The end of the manifest, and all behind it in the object.
+    /// The end of the manifest, and the rest of the object.
     bool takeTime() {
         if (!reader.take(TIME_START) || !reader.takeThrough('"', found.propertyTarget) ||
             !isPlainID(found.propertyTarget) || !reader.take(TIME_VALUE))

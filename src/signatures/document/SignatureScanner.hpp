@@ -6,16 +6,15 @@
 #include <vector>
 
 /// @file
-/// Recognises signature documents in the form in which this library writes them, at a small part of the
-/// parser's cost.
+/// Recognises signature documents in the form that this library writes, in a fraction of the parser's time.
 ///
-/// As with plain documents (`xml/PlainDocument.hpp`), what is recognised is valid and means the same to the parser. The
-/// parser gets every other form, and whatever is doubtful or wrong. In this form all elements are as Xerces writes
-/// them, so the text of an element is what the document holds.
+/// As with plain documents (`xml/PlainDocument.hpp`), whatever is recognised is valid and means the same to the
+/// parser. The parser gets every other form, every doubt and every error. In this form all elements are as Xerces
+/// writes them, so the text of an element is the text in the document.
 
 namespace opc::model {
 
-/// What a recognised document says. The views point into the bytes that were scanned.
+/// The content of a recognised document. The views point into the scanned bytes.
 struct ScannedSignature {
     std::string_view id;         ///< of the root, with its prefix; empty if there is none
     std::string_view signedInfo; ///< the whole element
@@ -37,8 +36,8 @@ struct ScannedSignature {
     std::string_view time;
 };
 
-/// @param found  is replaced by what the document says
-/// @return whether the document is recognised. If not, `found` means nothing
+/// @param found  receives the content; its old content is lost
+/// @return whether the document is recognised. If not, ignore `found`
 bool scanSignature(std::string_view document, ScannedSignature& found);
 
 } // namespace opc::model

@@ -26,7 +26,7 @@ inline constexpr XmlText MODULUS = "Modulus";
 inline constexpr XmlText EXPONENT = "Exponent";
 inline constexpr XmlText X509_DATA = "X509Data";
 inline constexpr XmlText X509_CERTIFICATE = "X509Certificate";
-inline constexpr XmlText RETRIEVAL_METHOD = "RetrievalMethod"; ///< isn't read
+inline constexpr XmlText RETRIEVAL_METHOD = "RetrievalMethod"; ///< not read
 
 inline constexpr XmlText OBJECT = "Object";
 inline constexpr XmlText MANIFEST = "Manifest";
@@ -44,7 +44,7 @@ inline constexpr XmlText DIGEST_VALUE = "DigestValue";
 /// The elements in the package signature namespace. They are read under any prefix.
 namespace package_element {
 
-inline constexpr XmlText PREFIX = "pds"; ///< that is written
+inline constexpr XmlText PREFIX = "pds"; ///< written by this library
 inline constexpr XmlText SIGNATURE_TIME = "SignatureTime";
 inline constexpr XmlText FORMAT = "Format";
 inline constexpr XmlText VALUE = "Value";
@@ -86,17 +86,17 @@ inline constexpr XmlText SIGNED_PROPERTIES_TYPE = "http://uri.etsi.org/01903#Sig
 inline constexpr XmlText PACKAGE_OBJECT_ID = "idPackageObject";
 inline constexpr XmlText SIGNATURE_TIME_ID = "idSignatureTime";
 
-/// Is written for every time, although the times have another form.
+/// Written for every time, although the times have another form.
 inline constexpr XmlText SIGNATURE_TIME_FORMAT = "YYYY-MM-DDThh:mmTZD";
 
 /// Precedes the signature's identifier in the `Id` of the root.
 inline constexpr XmlText SIGNATURE_ID_PREFIX = "Signature";
 
-/// Stands between a part name and its content type in the URI of a reference.
+/// Separates a part name from its content type in the URI of a reference.
 inline constexpr XmlText CONTENT_TYPE_QUERY = "?ContentType=";
 
-/// The name of a signature is the prefix and the identifier; the name of its part is the folder, the signature's name and
-/// the extension.
+/// The name of a signature is the prefix and the identifier. The name of its part is the folder, the signature's name
+/// and the extension.
 inline constexpr XmlText PARTS_FOLDER = "/_xmlsignatures/";
 inline constexpr XmlText NAME_PREFIX = "sig";
 inline constexpr XmlText PART_EXTENSION = ".xml";

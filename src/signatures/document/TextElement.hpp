@@ -4,7 +4,7 @@
 
 namespace opc::model {
 
-/// Appends an element that holds `text` alone.
+/// Appends an element that contains only `text`.
 inline void appendTextElement(xercesc::DOMElement* parent, const XercesString& name,
                               const std::u16string& text) {
     XercesHelper::setElementText(XercesHelper::appendElement(parent, name), text);

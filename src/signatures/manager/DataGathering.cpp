@@ -27,7 +27,7 @@ SignedRelationships::Group select(const RelationshipSource& source, const std::u
                : selectable.byType(source, name, selector.getSelectionCriteria());
 }
 
-/// A signature that names a type of which there is none can't be read again.
+/// A signature that names a type without relationships couldn't be read again.
 void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
     if (selector == nullptr)
         return;
@@ -38,7 +38,7 @@ void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
                                " has the type " + toUDEString(selector->getSelectionCriteria()) + ".");
 }
 
-/// What an earlier signature has selected as well is shared with it.
+/// Shares what an earlier signature has selected too.
 std::shared_ptr<const SignedRelationships>
 selectRelationships(const Package& package, const std::vector<RelationshipSelector>& selectors,
                     const std::vector<DigitalSignature>& existing) {

@@ -10,7 +10,7 @@ namespace opc::model {
 
 class Package;
 
-/// What a new signature is to cover.
+/// What a new signature will cover.
 struct Selection {
     std::vector<PartName> parts;
     std::vector<RelationshipSelector> selectors;
@@ -18,7 +18,7 @@ struct Selection {
 };
 
 /// Digests the selected parts and finds the selected relationships.
-/// @param existing  the signatures of the package, which count for the bound of the work
+/// @param existing  the signatures of the package, which count towards the limit of the work
 /// @throws CouldNotGenerateSignature
 DataToSign gatherDataToSign(const Package& package, const Selection& selection, DigestMethod method,
                             const std::vector<DigitalSignature>& existing);

@@ -8,7 +8,7 @@
 #include <algorithm>
 
 /// @file
-/// What the manager keeps for itself in the package, its guards, and how it finds signatures.
+/// What the manager shows the package, its guards, and how it finds signatures.
 
 namespace opc::model {
 
@@ -20,7 +20,7 @@ DigitalSignatureManager::~DigitalSignatureManager() = default;
 
 DigitalSignatureManager::Impl& DigitalSignatureManager::loaded() const {
     if (m_impl->package
-            .isCreateOnly()) // nothing is loaded, but the list may still be that of an earlier package
+            .isCreateOnly()) // nothing is loaded, but the list may still have the signatures of an earlier package
         m_impl->list.signatures.clear();
     // Loading changes nothing that a caller can see.
     const_cast<DigitalSignatureManager*>(this)->load();

@@ -15,18 +15,18 @@
 
 namespace opc::model {
 
-/// The signatures of a package, as they were loaded and changed since.
+/// The signatures of a package, as loaded and with later changes.
 struct SignatureList {
     std::vector<DigitalSignature> signatures;
-    std::uint64_t nextNumber = 1; ///< the first that may be the identifier of a new signature
+    std::uint64_t nextNumber = 1; ///< the first possible identifier of a new signature
     std::uint64_t work = 0;       ///< of the loaded signatures, as `measureWork` gives it
 };
 
 /// @throws CouldNotGenerateSignature
 void throwIfNoVerificationKey(const std::vector<unsigned char>& publicKey);
 
-/// What the manager holds, and the operations behind those of its interface. The operations of a concern stand in the
-/// file of that concern.
+/// The state of the manager, and the operations behind its interface. Each file defines the operations of one
+/// concern.
 struct DigitalSignatureManager::Impl {
     explicit Impl(Package& package) : package(package) {}
 
@@ -81,13 +81,13 @@ struct DigitalSignatureManager::Impl {
 
     DataToSign gather(const Selection& selection, const SignatureParams& params) const;
 
-    /// The identifier of a new signature. A number is used up.
+    /// The identifier of a new signature. Takes a number each time.
     std::u16string takeID(const Selection& selection);
 
     /// Writes the signature part and adds the signature to the list.
     void add(const std::shared_ptr<DigitalSignatureData>& data);
 
-    /// The content of the signature part. It has been read again: a signature that is beyond a limit isn't written.
+    /// The content of the signature part. It is read again, so that no signature beyond a limit is written.
     Bytes compose(DigitalSignatureData& data);
     void savePart(const DigitalSignatureData& data, const Bytes& document);
     Part getOrCreateOrigin();
@@ -95,11 +95,11 @@ struct DigitalSignatureManager::Impl {
 
     SignatureVerifier makeVerifier() const { return {package, list.work}; }
 
-    /// Judges the signatures and what they cover, and adds all of it to the verdict.
+    /// Judges the signatures and what they cover, and adds all findings to the verdict.
     void judge(const std::vector<DigitalSignature>& signatures, const SignaturePolicy& policy,
                SignatureVerdict& verdict) const;
 
-    /// Deletes a signature part, and the origin part with the last one. The list stays.
+    /// Deletes a signature part, and with the last one the origin part. The list doesn't change.
     void deletePart(const PartName& partName);
 
     Package& package;

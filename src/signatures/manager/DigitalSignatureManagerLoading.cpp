@@ -45,13 +45,13 @@ std::uint32_t toNumber(const std::string& digits) {
     return static_cast<std::uint32_t>(number);
 }
 
-/// The first number behind an identifier that a signature has.
+/// The number after the identifier of a signature.
 std::uint64_t findNextNumber(const std::u16string& id, std::uint64_t next) {
     if (id.empty())
         throwUnreadable("The signature has no identifier.");
     if (!std::all_of(id.begin(), id.end(), [](char16_t c) { return c >= u'0' && c <= u'9'; }))
         return next + 1;
-    const std::uint32_t behind = toNumber(toASCIIString(id)) + 1; // wraps, as the identifiers do
+    const std::uint32_t behind = toNumber(toASCIIString(id)) + 1; // wraps, like the identifiers
     return std::max<std::uint64_t>(next, behind);
 }
 
@@ -61,7 +61,7 @@ void throwIfNoSignature(const Part& part) {
                         " doesn't have the content type of signatures.");
 }
 
-/// One reading of all signatures.
+/// Reads all signatures once.
 class Loading {
 public:
     Loading(const Package& package, const std::shared_ptr<DocumentBudget>& budget,
@@ -127,7 +127,7 @@ private:
     }
 
     void add(const std::shared_ptr<DigitalSignatureData>& data) {
-        getSignaturePartName(data->getName()); // fails now, not in a later operation
+        getSignaturePartName(data->getName()); // so that it fails now and not in a later operation
         list.signatures.push_back(DigitalSignatureData::makeHandle(data));
         if (data->m_signatureId != COUNTERSIGNATURE_ID)
             list.nextNumber = findNextNumber(data->m_signatureId, list.nextNumber);

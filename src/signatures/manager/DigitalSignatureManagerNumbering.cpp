@@ -40,7 +40,7 @@ std::u16string DigitalSignatureManager::Impl::takeID(const Selection& selection)
     if (selection.isForCountersignature)
         return COUNTERSIGNATURE_ID;
     std::set<std::u16string> taken;
-    for (const DigitalSignature& signature : list.signatures) // whose part may have another name
+    for (const DigitalSignature& signature : list.signatures) // their parts may have other names
         taken.insert(signature.getName());
     for (const interfaces::IgnoredItem& item : package.getIgnoredItems())
         addSignatureNames(item.name, taken);
@@ -52,7 +52,7 @@ std::u16string DigitalSignatureManager::Impl::takeID(const Selection& selection)
         std::u16string existing;
         return taken.count(name) > 0 || package.hasPart(partName) ||
                (package.isPartDerivedFromExistingPartName(partName, existing) &&
-                existing == partName.toString()) || // one further up would be above every number's
+                existing == partName.toString()) || // a name further up would block every number
                (origin && origin->getState().usesID(getSignatureRelationshipID(id)));
     };
     std::u16string id;

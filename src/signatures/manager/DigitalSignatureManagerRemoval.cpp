@@ -7,13 +7,13 @@
 #include <algorithm>
 
 /// @file
-/// Removal of signatures. The last one takes the origin part with it, unless signatures of another form use it too.
+/// Removal of signatures. The last one also removes the origin part, unless signatures in another form use it.
 
 namespace opc::model {
 
 namespace {
 
-/// Whether signatures of another form use the origin part, too.
+/// Whether signatures in another form use the origin part too.
 bool isShared(const Part& origin, const Package& package) {
     const auto leadsThere = [uri = origin.getName().getURI()](const Relationship& relationship) {
         return relationship.getTargetMode() == TargetMode::Internal && relationship.getTargetURI() == uri;
@@ -61,7 +61,7 @@ void DigitalSignatureManager::Impl::deletePart(const PartName& partName) {
         auto [origin, toOrigin] = getOrigin();
         const auto signatures = origin.getRelationshipsByType(getSignatureRelationshipType());
         package.state().contentTypeSource->throwIfFixed();
-        if (signatures.size() == 1) // the origin part goes as well
+        if (signatures.size() == 1) // also removes the origin part
             package.throwIfRelationshipsFixed();
         for (const Relationship& relationship : signatures) {
             if (relationship.getTargetURI() != partName.getURI())

@@ -19,7 +19,7 @@ void DigitalSignatureManager::Impl::add(const std::shared_ptr<DigitalSignatureDa
     list.signatures.push_back(DigitalSignatureData::makeHandle(data));
     try {
         savePart(*data, document);
-    } catch (const InvalidRelationshipContent&) { // the package refuses it: nothing has been made
+    } catch (const InvalidRelationshipContent&) { // the package refuses it: nothing was created
         list.signatures.pop_back();
         throw;
     } catch (const InvalidContentTypeStream&) { // the same
@@ -81,7 +81,7 @@ Part DigitalSignatureManager::Impl::getOrCreateOrigin() {
     }
 }
 
-/// A package has at most one origin part [M6.1], so signatures of another form may share it.
+/// A package has at most one origin part [M6.1], so signatures in another form may share it.
 std::optional<Part> DigitalSignatureManager::Impl::findOriginForNew() const {
     if (const auto uri = findOriginURI(package))
         return package.getPart(PartName(*uri));

@@ -34,7 +34,7 @@ void throwIfNoSigningKey(const std::vector<unsigned char>& privateKey) {
         throw CouldNotGenerateSignature("The signing key is empty.");
 }
 
-/// Checks the signer's certificate, and gives the store to go on with: an empty one takes in the system's
+/// Checks the signer's certificate, and returns the store to continue with: an empty one becomes that of the system's
 /// certificates.
 TrustStore requireValidCertificate(const bedrock::certificates::X509Certificate& certificate,
                                    const bedrock::certificates::X509CertificateChain& chain,
@@ -60,7 +60,7 @@ TrustStore requireValidCertificate(const bedrock::certificates::X509Certificate&
     return store;
 }
 
-/// What a new signature that doesn't hold is refused with.
+/// The exception for a new signature that doesn't hold.
 void throwIfNotVerified(const DigitalSignatureVerificationStatus& status) {
     if (status.isProperlyCodesigned())
         return;

@@ -9,7 +9,7 @@
 #include <set>
 
 /// @file
-/// The verdict: what a gate asks of the signatures of a package, in one call.
+/// The verdict: everything that a gate asks about the signatures of a package, in one call.
 
 namespace opc::model {
 

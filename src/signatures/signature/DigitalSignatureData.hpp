@@ -41,18 +41,18 @@ struct DataToSign;
 
 /// One signature in memory: what was signed, how, when, with which key, and the content of its XML.
 ///
-/// A new one is empty, and `DigitalSignatureSerializer::readSignature` fills it; or a signing constructor makes it whole.
-/// It doesn't change any more once the manager keeps it. The manager and all `DigitalSignature` handles share it, so it
-/// stays readable after the signature has been removed.
+/// A new one is empty until `DigitalSignatureSerializer::readSignature` fills it, or a signing constructor makes a
+/// complete one. After the manager has taken it, it doesn't change any more. The manager and all `DigitalSignature`
+/// handles share it, so it stays readable after the signature is removed.
 class DigitalSignatureData : public SignatureRecord {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    /// @throws opc::Exception  if there are no cryptographic services
+    /// @throws opc::Exception  the cryptographic services aren't available
     DigitalSignatureData();
 
     /// @name Signing
-    /// Make a new signature over `data`. Only its part in the package is missing then.
+    /// Make a new signature over `data`, which is complete except for its part in the package.
     /// @throws CouldNotGenerateSignature, opc::Exception, bedrock::crypto::utils::Exception
     /// @{
     DigitalSignatureData(const std::u16string& signatureID, const Bytes& privateKey, const Bytes& publicKey,
@@ -63,7 +63,7 @@ public:
                          const SignatureParams& params, const DataToSign& data);
     /// @}
 
-    /// Shares the cryptographic engine and copies all the rest.
+    /// Shares the cryptographic engine and copies everything else.
     DigitalSignatureData(const DigitalSignatureData& other) = default;
     DigitalSignatureData& operator=(const DigitalSignatureData&) = delete;
     virtual ~DigitalSignatureData();
@@ -80,7 +80,7 @@ public:
     SignatureParams getSignatureParams() const { return m_signatureParams; }
     Bytes getSignatureValue() const { return m_signatureValue; }
     Enumerator<std::vector<PartName>> getSignedPartNames() const;
-    /// @throws opc::Exception  if there are more than 10,000,000
+    /// @throws opc::Exception  there are more than 10,000,000
     Enumerator<std::vector<Relationship>> getSignedRelationships() const;
     boost::posix_time::ptime getSignedTime() const { return m_signedTime; }
     /// An empty certificate if the signature has none.
@@ -88,34 +88,33 @@ public:
     /// An empty chain if the signature has none.
     bedrock::certificates::X509CertificateChain getCertificateChain() const;
 
-    /// The name of the signature part: "/_xmlsignatures/sig1.xml" for the identifier "1". Computed at the
-    /// first call.
-    /// @throws InvalidURI, InvalidPartName  if the identifier makes no part name
+    /// The name of the signature part: "/_xmlsignatures/sig1.xml" for the identifier "1". Computed once.
+    /// @throws InvalidURI, InvalidPartName  the identifier makes no part name
     PartName computeSignaturePartName();
 
     /// Makes the key value of a signature from a public key in any form that `bedrock::crypto` reads.
-    /// @throws opc::Exception  if the bytes aren't a key of the size in the signature's parameters
+    /// @throws opc::Exception  the bytes aren't a key of the size in the signature's parameters
     void setKeyValue(const Bytes& publicKey);
 
     /// @name Digests by the signature's own method
-    /// @throws opc::Exception  if the digest can't be computed
+    /// @throws opc::Exception  the digest can't be computed
     /// @{
     Bytes computeDigest(InputStream& bytes) const;
 
-    /// The one digest of all relationships of the signature, in Base64. Signatures that share their
-    /// relationships share what is computed.
+    /// The digest of all relationships of the signature together, in Base64. Signatures with the same relationships
+    /// share the result.
     std::u16string computeRelationshipsDigest() const;
     /// @}
 
     /// @name Checking the signature value
-    /// @throws InvalidSignature  if the material is unusable or doesn't fit the signature
+    /// @throws InvalidSignature  the key or certificate can't be used, or doesn't fit the signature
     /// @{
     DigitalSignatureVerificationStatus verifyWithKey(const Bytes& publicKey) const;
 
-    /// By the key that the signature itself carries.
+    /// By the key in the signature itself.
     DigitalSignatureVerificationStatus verifyWithKeyValue() const;
 
-    /// By the certificate in the signature or, if there is none and the store lets it pass, by the key in it.
+    /// By the certificate in the signature or, if there is none and the store allows it, by the key in it.
     DigitalSignatureVerificationStatus
     verifyWithFingerprints(const bedrock::codesigning_verifier::FingerprintStore& fingerprints,
                            const bedrock::certificates::TrustStore& trustStore,
@@ -129,7 +128,7 @@ public:
                           const bedrock::certificates::CertificateValidationOptions& options) const;
     /// @}
 
-    /// Writes every record with a label, for a person to read.
+    /// Prints every record with a label, for people.
     void prettyPrint(std::ostream& stream) const;
 
     std::shared_ptr<bedrock::crypto::CryptoEngine> m_cryptoEngine;

@@ -9,7 +9,7 @@
 #include <opc/model/Errors.hpp>
 
 /// @file
-/// The digests that a signature computes with its own method, in signing and in verifying alike.
+/// The digests that a signature computes with its own method, both in signing and in verifying.
 
 namespace opc::model {
 

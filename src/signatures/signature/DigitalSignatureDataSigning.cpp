@@ -19,7 +19,7 @@
 #include <map>
 
 /// @file
-/// How a new signature is made: its content is built from what it covers, and signed.
+/// How a new signature is made: builds its content from what it covers, and signs it.
 
 namespace opc::model {
 
@@ -94,7 +94,7 @@ void DigitalSignatureData::checkKeys(const Bytes& privateKey, const Bytes& publi
     if (privateKey.size() > bits || privateKey.size() < bits / 2)
         refuse("signing");
     if (publicKey.size() > bits / 4 || publicKey.size() < bits / 8)
-        refuse("verification "); // the blank at its end belongs to the message
+        refuse("verification "); // the blank at its end is part of the message
 }
 
 void DigitalSignatureData::buildContent(const DataToSign& data) {

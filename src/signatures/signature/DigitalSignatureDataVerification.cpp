@@ -72,8 +72,8 @@ CodesigningVerificationOptions::SignatureDigestMethod toDigestOption(DigestMetho
     throw InvalidSignature("Unknown digest method.", ErrorMap<103>());
 }
 
-/// The time in whole seconds; none if the signature doesn't say when it was made. The clock counts from 1677
-/// to 2262: an earlier or later time becomes the first or last that it knows.
+/// The time in whole seconds; nothing if the signature doesn't say when it was made. The clock counts from 1677 to
+/// 2262: a time beyond becomes the first or the last one.
 std::optional<std::chrono::system_clock::time_point> toTimePoint(const boost::posix_time::ptime& time) {
     using TimePoint = std::chrono::system_clock::time_point;
     using std::chrono::seconds;

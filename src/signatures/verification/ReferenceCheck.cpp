@@ -23,8 +23,8 @@ using namespace vocabulary::signatures;
 using bedrock::codesigning_verifier::ErrorMap;
 using bedrock::crypto::utils::base64Encode;
 
-/// What was digested of an object's text: all but the namespace declaration that its tag gains from its parent
-/// when it is read. The serialiser puts that first, with a blank behind it, since an object has an `Id`.
+/// The digested text of an object: everything except the namespace declaration that its tag gets from its parent in
+/// reading. The serialiser puts that first, followed by a blank, because an object has an `Id`.
 SignedText digestedText(std::u16string_view text) {
     static constexpr auto DECLARATION = attribute::XMLNS + "=\"" + NAMESPACE + "\" ";
     constexpr std::u16string_view declaration = DECLARATION;
@@ -61,7 +61,7 @@ std::vector<const Reference*> findDifferences(const DigitalSignatureData& data, 
     if (data.m_signatureId == COUNTERSIGNATURE_ID)
         throwIfNotMadeAsCountersignature(data);
     try {
-        // Each digest is computed once, however many references there are to it.
+        // Computes each digest once, however many references there are to it.
         std::map<std::u16string, std::u16string> objectDigests; // by identifier
         const auto agrees = [&](const Reference& reference) {
             if (isSameDocumentReference(reference.referenceURI)) {

@@ -8,10 +8,10 @@ class DigitalSignatureData;
 class PartDigesters;
 struct Reference;
 
-/// Computes every digest that a signature references anew: those of its objects, of parts and of relationships.
-/// @param data  with the signed parts and relationships of the package filled in
+/// Computes every digest again that a signature references: those of its objects, of parts and of relationships.
+/// @param data  includes the signed parts and relationships of the package
 /// @return the references whose digests differ
-/// @throws InvalidSignature  with code 104, if a digest can't be computed, or if the signature has the identifier of a
+/// @throws InvalidSignature  with code 104: a digest can't be computed, or the signature has the identifier of a
 ///                           countersignature and wasn't made as one
 std::vector<const Reference*> findDifferences(const DigitalSignatureData& data, PartDigesters& digesters);
 

@@ -49,8 +49,8 @@ bool hasUnread(const Package& package, const PartName& relationshipsPart) {
     return package.hasPart(PartName(source)) && package.getPart(PartName(source)).hasUnreadRelationships();
 }
 
-/// If only relationships differ, elements that weren't read may be the reason: a program that reads them may find that
-/// the signature holds.
+/// If only relationships differ, ignored elements may be the reason: for a program that reads them, the signature may
+/// hold.
 void throwIfUnreadMayDiffer(const Package& package, const std::vector<const Reference*>& differences) {
     const auto isOther = [](const Reference* reference) { return !reference->selectsRelationships(); };
     if (std::any_of(differences.begin(), differences.end(), isOther))
@@ -100,12 +100,12 @@ void SignatureJudge::check(JudgedSignature& judged) {
     judged.weaknesses = findWeaknesses(data);
     if (!status.isProperlyCodesigned() && !status.isErrorFromCertificateChain())
         return refuse(judged, status.getErrorCode(), "it wasn't made by that key, or has been changed");
-    // The package may have changed since it was loaded or signed. It is judged in its present state.
+    // The package may have changed since it was loaded or signed. Its present state counts.
     DigitalSignatureData current(data);
     current.m_signedPartNames.clear();
     fillUpSignedEntities(package, current, selectable);
     const auto differences = findDifferences(current, digesters);
-    // The objects of the signature hold the time and everything else that it says.
+    // The objects of the signature contain the time and everything else that it says.
     const std::string whySignerIsRefused = signer.reason;
     if (std::none_of(differences.begin(), differences.end(), isOfObject))
         takeOver(std::move(signer), judged);

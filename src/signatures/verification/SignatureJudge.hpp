@@ -16,7 +16,7 @@ class Package;
 /// all of them.
 class SignatureJudge {
 public:
-    /// @param package  must outlive this object, as the policy must, and not change until then
+    /// @param package  must outlive this object and not change meanwhile; the same holds for the policy
     /// @param work     what `measureWork` gives for all signatures of the package
     SignatureJudge(const Package& package, const SignaturePolicy& policy, std::uint64_t work);
 

@@ -49,8 +49,8 @@ std::vector<std::string> weaknessesOf(const DigitalSignatureVerificationStatus& 
     return texts;
 }
 
-/// Whether the key that made the value is the key of the signature's certificate, if it has one: a reader of the
-/// certificate must not take somebody else for the signer.
+/// Whether the key that made the value is the key of the signature's certificate, if it has one. Otherwise a reader
+/// of the certificate would take somebody else for the signer.
 bool fitsItsCertificate(const DigitalSignatureData& data) {
     if (!data.m_certificate)
         return true;
@@ -60,7 +60,7 @@ bool fitsItsCertificate(const DigitalSignatureData& data) {
             .verifyWithKey(encodeRsaPublicKey(*data.m_cryptoEngine, data.m_signatureValue.size() * 8,
                                               certificate.getModulus(), certificate.getPublicExponent()))
             .isProperlyCodesigned();
-    } catch (const Exception&) { // its key is of another kind or size
+    } catch (const Exception&) { // its key has another kind or size
         return false;
     } catch (const bedrock::crypto::utils::Exception&) {
         return false;
@@ -108,7 +108,7 @@ DigitalSignatureVerificationStatus SignerCheck::verify(const DigitalSignatureDat
     if (!status.isProperlyCodesigned() || policy.means == SignaturePolicy::Means::Trust ||
         isKnown(data.getCertificate()))
         return status;
-    // An empty trust store means the system's certificates, but this policy accepts its fingerprints alone.
+    // An empty trust store means the system's certificates, but this policy accepts only its fingerprints.
     return DigitalSignatureVerificationStatus(CodesigningVerificationStatus(
         ErrorMap<5>(), CertificateValidationResults(CertificateChainStatus::UnknownIssuer,
                                                     "the certificate's fingerprint isn't a known one")));

@@ -12,11 +12,11 @@ namespace opc::model {
 
 class DigitalSignatureData;
 
-/// What the check of a signature value by a policy found.
+/// The result of checking a signature value by a policy.
 struct SignerFinding {
     explicit SignerFinding(DigitalSignatureVerificationStatus status) : status(std::move(status)) {}
 
-    /// A finding that the signer isn't accepted.
+    /// The result for a signer who isn't accepted.
     static SignerFinding refuse(const bedrock::codesigning_verifier::ErrorCode& code,
                                 const std::string& reason);
 
@@ -47,7 +47,7 @@ private:
 };
 
 /// The weak algorithms of the signature itself, each with its place: of the value and of every digest.
-/// @throws opc::Exception  if a digest isn't known
+/// @throws opc::Exception  a digest is unknown
 std::vector<std::string> findWeaknesses(const DigitalSignatureData& data);
 
 } // namespace opc::model

@@ -12,20 +12,20 @@
 /// The words of a verdict on signatures, in UTF-8.
 namespace opc::model::verdict {
 
-/// What a code of a verification means, in a few words; docs/errors.md says more of each.
+/// The meaning of a verification code in a few words. docs/errors.md has more about each.
 std::string inWords(int code);
 
-/// Whether the code is about the signer alone: what was signed hasn't changed.
+/// Whether the code is only about the signer: what was signed hasn't changed.
 bool isAboutSigner(int code);
 
 std::string describe(const ChangedContentType& changed);
 std::string describe(const interfaces::IgnoredItem& item);
 std::string describe(const Relationship& relationship);
 
-/// What a failure says, and its details.
+/// The text of a failure, and its details.
 std::string describe(const Exception& failure);
 
-/// A list for people to read: the first few, each once, and the number of the others.
+/// A list for people: the first few entries, each once, and the number of the others.
 class Places {
 public:
     void add(const std::string& place);

@@ -41,7 +41,7 @@ namespace opc::physical {
 ///
 /// A relationships part with a document type is always refused, also a hidden one. A relationships part is passed on
 /// unchanged if it is longer than 4 MiB, has more than 300,000 characters `<` and `=`, or if the converted documents are
-/// longer than 32 MiB together. Then the model refuses what breaks the schema, and writes the part anew. A content types
+/// longer than 32 MiB together. Then the model refuses what breaks the schema, and rewrites the part. A content types
 /// stream that can't be read, or is as long, is passed on unchanged too and hides nothing.
 ///
 /// It doesn't own the other store, which must outlive it. While it is open, use the other store only through it. It returns
