@@ -189,6 +189,17 @@ TEST_F(PackageClose, writesContentTypesAgainUnlessTheyWereWhole) {
     }
 }
 
+TEST_F(PackageClose, writesRelationshipsAgainIfTheirStreamFailedToClose) {
+    package.open(OpenMode::CreateOnly);
+    package.createExternalRelationship(u"t:t", u"x");
+    physical.before("closeStream /_rels/.rels", [] { throw InvalidPartContent("broken"); });
+    EXPECT_RAISES(InvalidPartContent, "broken", package.close(false));
+    physical.forgetScript();
+    physical.calls.clear();
+    package.close(false);
+    EXPECT_EQ(physical.countCalls("closeStream /_rels/.rels"), 1U);
+}
+
 TEST_F(PackageClose, writesInItsFixedOrder) {
     package.open(OpenMode::CreateOnly);
     for (const char16_t* name : {u"/b.xml", u"/A.xml"})

@@ -71,12 +71,15 @@ std::string writeWhole(std::vector<Relationship> relationships) {
 TEST(RelationshipsText, isTheDocumentBuiltWhole) {
     RelationshipManager one(URI(u"/a.xml"));
     RelationshipManager two(URI(u"/b.xml"));
+    RelationshipManager three(URI(u"/c.xml"));
     const Relationship a = one.addInternalRelationship(u"rId10", u"t:t", URI(u"x.xml"));
     const Relationship b = one.addExternalRelationship(u"rId2", u"t:<&>\"'", u"a<b>\"c' d&é\u4E2D");
     const Relationship c = two.addInternalRelationship(u"rId10", u"t:t", URI(u"a.xml"));
     const Relationship d = two.addExternalRelationship(u"z", u"t:t", u"<Relationship Id=\"\"/>&>'");
+    const Relationship likeA = three.addInternalRelationship(u"rId10", u"t:t", URI(u"x.xml"));
     const std::vector<std::vector<Relationship>> cases = {
-        {}, {a}, {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a}, {d, c, b, a}, {b, b}, {a, c}, {d, c, a},
+        {},           {a},    {b, a}, {a, a, a}, {a, b, a, c, b, d, d, a},
+        {d, c, b, a}, {b, b}, {a, c}, {d, c, a}, {a, likeA, a},
     };
     for (const auto& relationships : cases)
         for (const std::uint64_t blockSize : {1U, 7U, 4096U})
@@ -101,6 +104,9 @@ TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {
     const Relationship first = one.addInternalRelationship(u"rId1", u"t:1", URI(u"x.xml"));
     const Relationship second = two.addInternalRelationship(u"rId1", u"t:2", URI(u"x.xml"));
     EXPECT_EQ(readText({first, second, first}, 99), readText({second, first, first}, 99));
+    const Relationship external = two.addExternalRelationship(u"rId2", u"t:1", u"x.xml");
+    const Relationship internal = one.addInternalRelationship(u"rId2", u"t:1", URI(u"x.xml"));
+    EXPECT_EQ(readText({internal, external}, 99), readText({external, internal}, 99));
 }
 
 TEST(RelationshipsText, isNeverLongerThanItIsMeasured) {

@@ -95,6 +95,8 @@ TEST_F(Verdict, fullCoverageIsAskedForOnlyOnDemand) {
          "/b.xml has the content type text/xml;charset=utf-8 and was signed as application/xml"},
         {[&] { writeAll(part(ORIGIN), "x"); }, Kind::NotCovered, ORIGIN_TEXT},
     };
+    signAll();
+    EXPECT_FALSE(manager->judge(byKey()).getCoverage().isFull()) << "keywords are never covered";
     close(true);
     store.removePart(CORE_PROPERTIES);
     for (const auto& [change, kind, text] : cases) {
