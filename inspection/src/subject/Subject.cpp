@@ -1,5 +1,6 @@
 #include "subject/Subject.hpp"
 
+#include "format/PackageFormats.hpp"
 #include "subject/ContentTypesView.hpp"
 #include "subject/ItemsStream.hpp"
 #include "subject/Names.hpp"
@@ -59,10 +60,11 @@ public:
     ContentTypesView contentTypes;
     RelationshipsTable relationships;
     const PartView* mainPart = nullptr;
-    std::string format = "opc";
+    Format format;
 };
 
 Subject::Subject(const Archive& archive, const physical::ZipOptions&) : impl(new Impl(archive)) {
+    impl->format = detectFormat(*this);
 }
 Subject::~Subject() = default;
 
@@ -91,6 +93,9 @@ bool Subject::isReached(const PartView& part) const {
     return impl->relationships.isReached(part);
 }
 const std::string& Subject::format() const {
+    return impl->format.name;
+}
+const Format& Subject::detectedFormat() const {
     return impl->format;
 }
 const PartView* Subject::mainPart() const {

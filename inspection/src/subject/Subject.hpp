@@ -1,6 +1,6 @@
 #pragma once
 
-#include <opc/inspection/Archive.hpp>
+#include <opc/inspection/Format.hpp>
 
 #include <cstdint>
 #include <memory>
@@ -110,6 +110,7 @@ public:
 
     /// The format, as `detectFormat` names it: `docx`, `xlsx`, `opc` …
     const std::string& format() const;
+    const Format& detectedFormat() const;
     /// The part that the main relationship of the format leads to; null if there is none.
     const PartView* mainPart() const;
 

@@ -1,0 +1,170 @@
+#include "format/ForeignFormats.hpp"
+
+#include "format/Ole2Directory.hpp"
+#include "zip/src/NameText.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace opc::inspection {
+
+namespace {
+
+using std::string_view;
+using namespace std::string_view_literals;
+
+struct KnownFormat {
+    string_view key;
+    const char* name;
+    const char* mediaType;
+    const char* description;
+};
+
+/// By the first bytes, letters in lower case.
+constexpr KnownFormat BY_BEGINNING[] = {
+    {"{\\rtf"sv, "rtf", "application/rtf", "RTF document"},
+    {"<!doctype html"sv, "html", "text/html", "HTML page"},
+    {"<html"sv, "html", "text/html", "HTML page"},
+    {"<?xml"sv, "xml", "application/xml", "XML document"},
+    {"\x1F\x8B"sv, "gzip", "application/gzip", "gzip file"},
+    {"7z\xBC\xAF\x27\x1C"sv, "7z", "application/x-7z-compressed", "7z archive"},
+    {"rar!\x1A\x07"sv, "rar", "application/vnd.rar", "RAR archive"},
+    {"mz"sv, "exe", "application/vnd.microsoft.portable-executable", "program for Windows"},
+};
+
+/// By the item `mimetype`, which begins these archives.
+constexpr KnownFormat BY_MIMETYPE[] = {
+    {"application/vnd.oasis.opendocument.text", "odt", "", "OpenDocument text"},
+    {"application/vnd.oasis.opendocument.text-template", "ott", "", "OpenDocument text template"},
+    {"application/vnd.oasis.opendocument.spreadsheet", "ods", "", "OpenDocument spreadsheet"},
+    {"application/vnd.oasis.opendocument.spreadsheet-template", "ots", "",
+     "OpenDocument spreadsheet template"},
+    {"application/vnd.oasis.opendocument.presentation", "odp", "", "OpenDocument presentation"},
+    {"application/vnd.oasis.opendocument.presentation-template", "otp", "",
+     "OpenDocument presentation template"},
+    {"application/vnd.oasis.opendocument.graphics", "odg", "", "OpenDocument drawing"},
+    {"application/epub+zip", "epub", "", "EPUB book"},
+};
+
+/// By an item that every such archive has.
+constexpr KnownFormat BY_ITEM[] = {
+    {"AndroidManifest.xml", "apk", "application/vnd.android.package-archive", "Android app"},
+    {"META-INF/MANIFEST.MF", "jar", "application/java-archive", "Java archive"},
+};
+
+/// By a stream of an OLE2 file.
+constexpr KnownFormat BY_STREAM[] = {
+    {"EncryptedPackage", "encrypted", "application/x-ole-storage",
+     "Office document encrypted with a password"},
+    {"WordDocument", "doc", "application/msword", "Word document of the older format"},
+    {"Workbook", "xls", "application/vnd.ms-excel", "Excel workbook of the older format"},
+    {"Book", "xls", "application/vnd.ms-excel", "Excel workbook of the older format"},
+    {"PowerPoint Document", "ppt", "application/vnd.ms-powerpoint",
+     "PowerPoint presentation of the older format"},
+};
+
+Format formatOf(const KnownFormat& known) {
+    Format format;
+    format.name = known.name;
+    format.mediaType = known.mediaType;
+    format.description = known.description;
+    return format;
+}
+
+std::string readStart(const Archive& file) {
+    std::array<unsigned char, 4096> bytes{};
+    const std::size_t got = file.read(0, bytes.data(), bytes.size());
+    return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got)};
+}
+
+std::string readMimetype(const Archive& archive) {
+    std::array<unsigned char, 100> bytes{};
+    const ArchiveItem& item = archive.items().front();
+    if (item.name != "mimetype" || item.kind == ItemKind::Hidden)
+        return {};
+    try {
+        const auto stream = archive.open(item);
+        const std::uint64_t got = stream->isDone() ? 0 : stream->read(bytes.data(), bytes.size());
+        return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got)};
+    } catch (const Exception&) {
+        return {};
+    }
+}
+
+Format detectArchive(const Archive& archive) {
+    if (archive.items().empty())
+        return formatOf({"", "zip", "application/zip", "empty ZIP archive"});
+    std::string type = readMimetype(archive);
+    type.erase(type.find_last_not_of(" \r\n") + 1);
+    for (const KnownFormat& known : BY_MIMETYPE)
+        if (type == known.key) {
+            Format format = formatOf(known);
+            format.mediaType = type;
+            return format;
+        }
+    for (const KnownFormat& known : BY_ITEM)
+        for (const ArchiveItem& item : archive.items())
+            if (item.name == known.key)
+                return formatOf(known);
+    return formatOf({"", "zip", "application/zip", "ZIP archive"});
+}
+
+Format detectOle2(const Archive& file) {
+    const std::vector<std::string> names = readOle2Directory(file);
+    for (const KnownFormat& known : BY_STREAM)
+        if (std::find(names.begin(), names.end(), known.key) != names.end()) {
+            Format format = formatOf(known);
+            format.isEncrypted = known.key == "EncryptedPackage";
+            return format;
+        }
+    return formatOf({"", "ole2", "application/x-ole-storage", "OLE2 file"});
+}
+
+bool isText(string_view start) {
+    start = start.substr(0, start.find_last_of(" \n\t") + 1); // not within a character
+    return !start.empty() && physical::zip::isUTF8(start) &&
+           std::none_of(start.begin(), start.end(), [](char c) {
+               return c >= '\0' && c < ' ' && c != '\n' && c != '\r' && c != '\t' && c != '\f';
+           });
+}
+
+Format detectText(const std::string& start) {
+    std::string text = start;
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    const bool hasMark = text.compare(0, 3, "\xEF\xBB\xBF") == 0;
+    text.erase(0, text.find_first_not_of(" \t\r\n", hasMark ? 3 : 0));
+    for (const KnownFormat& known : BY_BEGINNING)
+        if (text.compare(0, known.key.size(), known.key) == 0) {
+            if (known.key == "<?xml" &&
+                text.find("http://schemas.microsoft.com/office/2006/xmlpackage") != std::string::npos)
+                return formatOf(
+                    {"", "flat-opc", "application/xml", "package in one XML document (flat OPC)"});
+            return formatOf(known);
+        }
+    if (isText(start))
+        return formatOf({"", "text", "text/plain", "text"});
+    return formatOf({"", "unknown", "", "file of an unknown format"});
+}
+
+} // namespace
+
+Format detectForeignFormat(const Archive& archive) {
+    if (archive.isZip())
+        return detectArchive(archive);
+    const std::string start = readStart(archive);
+    if (start.empty())
+        return formatOf({"", "empty", "", "empty file"});
+    if (start.compare(0, 4, "PK\3\4") == 0)
+        return formatOf({"", "cut-off", "", "ZIP archive that is cut off"});
+    if (start.compare(0, 8, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1") == 0)
+        return detectOle2(archive);
+    if (start.substr(0, 1024).find("%PDF-") != std::string::npos)
+        return formatOf({"", "pdf", "application/pdf", "PDF document"});
+    return detectText(start);
+}
+
+} // namespace opc::inspection
