@@ -71,7 +71,7 @@ Bytes packageWith(const std::vector<RawItem>& items) {
 std::vector<std::string> findingsOf(const Bytes& package, const inspection::InspectionOptions& options) {
     std::vector<std::string> lines;
     for (const auto& [rule, severity, place, message, hint] :
-         inspection::inspect(inspection::Archive(package), options).findings) {
+         inspection::inspect(inspection::Archive(package, options.limits), options).findings) {
         std::string line = nameOf(severity) + (' ' + std::string(rule->id)) + ' ' + place.part + place.item;
         if (!place.relationship.empty())
             line += '#' + place.relationship;

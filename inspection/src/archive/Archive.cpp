@@ -80,6 +80,9 @@ Archive::Impl::Impl(std::shared_ptr<ByteSource> archive, std::string archivePlac
     for (std::size_t i = listed; i < contents.items.size(); ++i)
         requireRoom(contents.items[i], limits);
     tellKinds(contents.items);
+    for (const ArchiveFault& fault : contents.faults)
+        if (fault.item)
+            contents.items[*fault.item].isFaulty = true;
 }
 
 bool Archive::Impl::beginsWithItem() const {

@@ -24,9 +24,9 @@ struct ArchiveContents {
     Extent endRecords; ///< from the first one to behind the comment
     std::string comment;
 
-    void addFault(std::string_view rule, std::string item, std::optional<std::uint64_t> offset,
+    void addFault(std::string_view rule, std::optional<std::size_t> item, std::optional<std::uint64_t> offset,
                   std::string message) {
-        faults.push_back({rule, std::move(item), offset, std::move(message)});
+        faults.push_back({rule, item, offset, std::move(message)});
     }
 };
 

@@ -1,5 +1,6 @@
 #include "archive/DirectoryEntries.hpp"
 
+#include "zip/src/ArchiveDirectory.hpp"
 #include "zip/src/ExtraFields.hpp"
 #include "zip/src/NameText.hpp"
 #include "zip/src/Records.hpp"
@@ -24,8 +25,9 @@ private:
     bool readEntry();
     void readNumbers(const unsigned char* record, ArchiveItem& item);
     void checkLimits(ArchiveItem& item);
-    void fault(std::string_view rule, const ArchiveItem& item, std::string message) {
-        contents.addFault(rule, item.name, position, std::move(message));
+    /// Of the item that is being read.
+    void fault(std::string_view rule, std::string message) {
+        contents.addFault(rule, contents.items.size(), position, std::move(message));
     }
 
     RecordBytes& bytes;
@@ -39,11 +41,11 @@ private:
 void EntryReader::read() {
     std::uint64_t most = std::min(place.itemCount, limits.maxItems);
     if (place.itemCount > limits.maxItems)
-        contents.addFault("SEC-54", {}, place.start,
+        contents.addFault("SEC-54", std::nullopt, place.start,
                           "More items than the limit of " + std::to_string(limits.maxItems) +
                               ": the others aren't looked at");
     if (place.end - place.start > limits.maxDirectorySize)
-        contents.addFault("SEC-54", {}, place.start,
+        contents.addFault("SEC-54", std::nullopt, place.start,
                           "The directory has more bytes than the limit of " +
                               std::to_string(limits.maxDirectorySize));
     contents.items.reserve(
@@ -54,11 +56,12 @@ void EntryReader::read() {
     contents.hasDirectory = true;
     contents.directory = {place.start, position};
     if (most > 0 && place.itemCount <= limits.maxItems)
-        contents.addFault("M3.16", {}, position,
+        contents.addFault("M3.16", std::nullopt, position,
                           "The directory ends behind " + std::to_string(contents.items.size()) + " of " +
                               std::to_string(place.itemCount) + " items");
     else if (position != place.end && place.itemCount <= limits.maxItems)
-        contents.addFault("SEC-50", {}, position, "The directory has another size than the end record says");
+        contents.addFault("SEC-50", std::nullopt, position,
+                          "The directory has another size than the end record says");
 }
 
 /// @return whether there was one
@@ -88,7 +91,13 @@ bool EntryReader::readEntry() {
     readNumbers(record, item);
     checkLimits(item);
     if ((header.flags & NAME_IS_UTF8) != 0 && !isUTF8(header.name))
-        fault("M3.2", item, "The name of the item isn't the UTF-8 that its flag promises");
+        fault("M3.2", "The name of the item isn't the UTF-8 that its flag promises");
+    if (item.unreadable.empty()) {
+        DirectoryEntry entry;
+        entry.flags = header.flags;
+        entry.method = header.method;
+        item.unreadable = whyUnreadable(entry);
+    }
     contents.items.push_back(std::move(item));
     position += size;
     return true;
@@ -103,20 +112,20 @@ void EntryReader::readNumbers(const unsigned char* record, ArchiveItem& item) {
                      header.extraFields.size());
     if (!field.resolve(header.size) || !field.resolve(header.compressedSize) || !field.resolve(offset)) {
         item.unreadable = "its ZIP64 field is missing or too short";
-        fault("M3.16", item, "The ZIP64 field of the item is missing or too short");
+        fault("M3.16", "The ZIP64 field of the item is missing or too short");
     }
     item.headerOffset = offset + place.shift;
     if (header.method == STORE && (header.flags & ENCRYPTED) == 0 && header.size != header.compressedSize &&
         item.unreadable.empty()) {
         item.unreadable = "is stored, but its two sizes differ";
-        fault("M3.14", item, "The item is stored, but its two sizes differ");
+        fault("M3.14", "The item is stored, but its two sizes differ");
     }
 }
 
 void EntryReader::checkLimits(ArchiveItem& item) {
     const auto limit = [&](bool exceeded, const char* what, std::uint64_t most) {
         if (exceeded)
-            fault("SEC-54", item, what + (" of " + std::to_string(most)));
+            fault("SEC-54", what + (" of " + std::to_string(most)));
         return exceeded;
     };
     const ItemHeader& header = *item.central;

@@ -68,7 +68,7 @@ private:
         return record && read32(record) == DIRECTORY_ENTRY;
     }
     void fault(std::string_view rule, std::uint64_t offset, std::string message) {
-        contents.addFault(rule, {}, offset, std::move(message));
+        contents.addFault(rule, std::nullopt, offset, std::move(message));
     }
 
     RecordBytes& bytes;

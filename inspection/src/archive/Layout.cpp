@@ -46,8 +46,7 @@ void LayoutReader::read(const std::vector<std::size_t>& order, std::uint64_t arc
 void LayoutReader::takeItem(std::size_t index) {
     const std::uint64_t start = *contents.items[index].headerOffset;
     if (hasItems && start < end) {
-        contents.addFault("SEC-49", contents.items[index].name, start,
-                          "The item overlaps with " + contents.items[last].name);
+        contents.addFault("SEC-49", index, start, "The item overlaps with " + contents.items[last].name);
         for (const std::size_t overlapping : {index, last})
             if (std::string& why = contents.items[overlapping].unreadable; why.empty())
                 why = "overlaps with another item";
@@ -64,7 +63,7 @@ void LayoutReader::takeItem(std::size_t index) {
 void LayoutReader::takeDirectory() {
     if (hasItems && end > contents.directory.start) {
         ArchiveItem& item = contents.items[last];
-        contents.addFault("SEC-49", item.name, item.headerOffset, "The item overlaps with the directory");
+        contents.addFault("SEC-49", last, item.headerOffset, "The item overlaps with the directory");
         if (item.unreadable.empty())
             item.unreadable = "overlaps with the directory";
     }

@@ -48,9 +48,13 @@ private:
     void readDescriptor(ArchiveItem& item);
     void readForeignDescriptor(ArchiveItem& item, const unsigned char* behind, std::size_t count);
     void fail(ArchiveItem& item, std::string_view rule, std::string why, std::string message) {
-        contents.addFault(rule, item.name, item.headerOffset, std::move(message));
+        contents.addFault(rule, indexOf(item), item.headerOffset, std::move(message));
         if (item.unreadable.empty())
             item.unreadable = std::move(why);
+    }
+
+    std::size_t indexOf(const ArchiveItem& item) const {
+        return static_cast<std::size_t>(&item - contents.items.data());
     }
 
     RecordBytes& bytes;
@@ -65,7 +69,7 @@ void LocalReader::read(ArchiveItem& item) {
     item.local = std::move(local->header);
     item.dataOffset = local->end;
     if (const std::string difference = differenceOf(*item.local, *item.central); !difference.empty())
-        contents.addFault("M3.14", item.name, item.headerOffset,
+        contents.addFault("M3.14", indexOf(item), item.headerOffset,
                           "The local header of the item differs from the directory: " + difference);
     if (bytes.available(*item.dataOffset, item.central->compressedSize) < item.central->compressedSize)
         return fail(item, "M3.16", "reaches beyond the end of the archive",
@@ -102,7 +106,7 @@ void LocalReader::readForeignDescriptor(ArchiveItem& item, const unsigned char* 
         item.descriptorChecksum = read32(behind + 4);
         item.descriptorCompressedSize = read32(behind + 8);
         item.descriptorSize = read32(behind + 12);
-        contents.addFault("M3.14", item.name, item.endOffset,
+        contents.addFault("M3.14", indexOf(item), item.endOffset,
                           "The data descriptor of the item differs from the directory");
         *item.endOffset += USUAL;
         return;
@@ -111,7 +115,7 @@ void LocalReader::readForeignDescriptor(ArchiveItem& item, const unsigned char* 
     const ItemHeader& central = *item.central;
     if (local.checksum != central.checksum || local.size != central.size ||
         local.compressedSize != central.compressedSize)
-        contents.addFault("M3.14", item.name, item.endOffset,
+        contents.addFault("M3.14", indexOf(item), item.endOffset,
                           "The item has no data descriptor, which its local header needs");
 }
 

@@ -59,7 +59,7 @@ struct ArchiveDirectory {
 };
 
 /// @return why the content of an item can't be read, as words for a message; empty if it can
-std::string whyUnreadable(const DirectoryEntry& entry);
+OPC_ZIP_EXPORT std::string whyUnreadable(const DirectoryEntry& entry);
 
 /// Whether the expanded size of an item exceeds the limits.
 OPC_ZIP_EXPORT bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options);

@@ -112,6 +112,10 @@ std::string decodedKey(string_view itemName) {
 
 } // namespace
 
+std::string extractedName(string_view itemName, bool isPart) {
+    return isPart ? simpleKey(itemName) : decodedKey(itemName);
+}
+
 bool isPlainPartName(string_view name) {
     return std::none_of(name.begin(), name.end(), [](char c) { return c == '%' || c == ':' || c == ';'; });
 }

@@ -4,6 +4,8 @@
 
 #include "shared/NamedList.hpp"
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <map>
 #include <optional>
 #include <string>
@@ -14,6 +16,10 @@ namespace opc::physical::zip {
 /// Whether a part name, without its first slash, doesn't change when it is simplified and decoded as
 /// `ExtractionNames` does.
 bool isPlainPartName(std::string_view name);
+
+/// A name of an item as programs may simplify it when they extract the item, in lower case: see `ExtractionNames`.
+/// @param isPart  otherwise percent-encoded characters are decoded, too
+OPC_ZIP_EXPORT std::string extractedName(std::string_view itemName, bool isPart);
 
 /// Finds items that programs would extract over a part of the package, or read in its place. Programs that simplify
 /// names, for safety or for a file system, arrive at one name for two items.

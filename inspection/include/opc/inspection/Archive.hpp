@@ -60,8 +60,8 @@ struct ArchiveItem {
     bool hasPieceName = false; ///< `[0].piece`: also where the sequence is incomplete
     std::uint64_t pieceNumber = 0;
     bool isLastPiece = false;
-    std::string
-        unreadable; ///< why its content can't be read, as far as the records tell; `faults()` has it too
+    std::string unreadable; ///< why its content can't be read, as far as the records tell; else empty
+    bool isFaulty = false;  ///< `faults()` has something about it
 };
 
 /// Bytes of the archive that belong to no item and no record.
@@ -73,8 +73,8 @@ struct ArchiveGap {
 
 /// Something wrong with the records of an archive.
 struct ArchiveFault {
-    std::string_view rule; ///< the id of the rule that it breaks
-    std::string item;      ///< the name of the item that it concerns; empty if it concerns the archive
+    std::string_view rule;           ///< the id of the rule that it breaks
+    std::optional<std::size_t> item; ///< its place among the items, if it concerns one
     std::optional<std::uint64_t> offset;
     std::string message;
 };

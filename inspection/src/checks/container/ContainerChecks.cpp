@@ -1,8 +1,48 @@
+#include "checks/container/ContainerChecks.hpp"
+
 #include "checks/Checks.hpp"
+
+#include <algorithm>
 
 namespace opc::inspection {
 
-void checkContainer(const Subject&, Findings&) {
+namespace {
+
+bool hasFault(const Archive& archive, std::string_view rule) {
+    return std::any_of(archive.faults().begin(), archive.faults().end(),
+                       [rule](const ArchiveFault& fault) { return fault.rule == rule; });
+}
+
+} // namespace
+
+Place placeOf(const ArchiveItem& item) {
+    Place place;
+    (item.partName.empty() ? place.item : place.part) = item.partName.empty() ? item.name : item.partName;
+    place.offset = item.headerOffset;
+    return place;
+}
+
+void checkContainer(const Subject& subject, Findings& findings) {
+    checkKindOfFile(subject, findings);
+    if (!subject.archive().isZip() && subject.detectedFormat().name != "cut-off")
+        return;
+    checkRecords(subject, findings);
+    checkItemHeaders(subject, findings);
+    checkPieces(subject, findings);
+    tellWriter(subject, findings);
+}
+
+/// Another ZIP archive isn't named here: that it has no content types stream says it.
+void checkKindOfFile(const Subject& subject, Findings& findings) {
+    const Format& format = subject.detectedFormat();
+    if (format.isPackage || format.name == "zip")
+        return;
+    if (format.isEncrypted)
+        findings.add("SEC-45", {}, "The document is encrypted: nothing in it can be checked");
+    else if (format.name != "cut-off")
+        findings.add("SEC-57", {}, "The file is no package: " + format.description);
+    else if (!hasFault(subject.archive(), "M3.16"))
+        findings.add("M3.16", {}, "The archive has no end record: it is cut off");
 }
 
 } // namespace opc::inspection

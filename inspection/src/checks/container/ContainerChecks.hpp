@@ -1,0 +1,28 @@
+#pragma once
+
+#include "checks/Findings.hpp"
+#include "subject/Subject.hpp"
+
+#include <string_view>
+
+namespace opc::inspection {
+
+/// Where an item is: the part that it holds, or the item itself if it holds none.
+Place placeOf(const ArchiveItem& item);
+
+/// The concerns of `checkContainer`.
+/// @{
+
+void checkKindOfFile(const Subject& subject, Findings& findings); ///< what it is, if it is no package
+void checkRecords(const Subject& subject, Findings& findings); ///< headers, the directory, what lies between
+void checkItemHeaders(const Subject& subject, Findings& findings); ///< what the records of an item say
+void checkPieces(const Subject& subject, Findings& findings);
+void tellWriter(const Subject& subject, Findings& findings); ///< what the headers say of who wrote them
+
+/// @}
+
+/// Checks the extra fields of an item.
+/// @return whether there is a growth hint
+bool checkExtraFields(const ArchiveItem& item, Findings& findings);
+
+} // namespace opc::inspection

@@ -1,0 +1,96 @@
+#include "checks/names/NameChecks.hpp"
+
+#include "checks/container/ContainerChecks.hpp"
+#include "checks/names/FoldedName.hpp"
+#include "subject/Names.hpp"
+
+#include "zip/src/ExtractionNames.hpp"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace opc::inspection {
+
+namespace {
+
+bool isASCII(const std::string& name) {
+    return std::all_of(name.begin(), name.end(),
+                       [](char c) { return (static_cast<unsigned char>(c) & 0x80U) == 0; });
+}
+
+/// Items whose names most programs leave as they are can't meet each other here: other rules compare them.
+bool isPlain(const ArchiveItem& item) {
+    return !item.partName.empty() && item.name.size() + 1 == item.partName.size() &&
+           item.name.find_first_of("%:;") == std::string::npos &&
+           item.partName.compare(1, item.partName.size() - 1, item.name) == 0;
+}
+
+/// Finds items that programs extract to one file although their names differ.
+class ExtractedFiles {
+public:
+    explicit ExtractedFiles(Findings& findings) : findings(findings) {}
+
+    void add(const ArchiveItem& item) {
+        const bool isPart = !item.partName.empty();
+        const std::string name = physical::zip::extractedName(item.name, isPart);
+        const auto [found, isNew] = files.emplace(name, &item);
+        if (isNew || found->second->name == item.name || isSamePart(*found->second, item))
+            return;
+        findings.add("SEC-55", placeOf(item), "Programs may extract the item over " + found->second->name);
+    }
+
+private:
+    static bool isSamePart(const ArchiveItem& left, const ArchiveItem& right) {
+        return !left.partName.empty() && keyOfName(left.partName) == keyOfName(right.partName);
+    }
+
+    Findings& findings;
+    std::unordered_map<std::string, const ArchiveItem*> files;
+};
+
+/// Names that differ in the case or the accents of letters beyond ASCII alone.
+class FoldedFiles {
+public:
+    explicit FoldedFiles(Findings& findings) : findings(findings) {}
+
+    void add(const ArchiveItem& item) {
+        const auto [found, isNew] = files.emplace(narrow(foldedName(item.name)), &item);
+        if (!isNew && keyOfName(found->second->name) != keyOfName(item.name))
+            findings.add("SEC-56", placeOf(item),
+                         "File systems may take the item and " + found->second->name + " for one file");
+    }
+
+private:
+    Findings& findings;
+    std::unordered_map<std::string, const ArchiveItem*> files;
+};
+
+template <typename Test>
+bool anyItem(const std::vector<ArchiveItem>& items, const Test& test) {
+    return std::any_of(items.begin(), items.end(), test);
+}
+
+} // namespace
+
+void checkExtraction(const Subject& subject, Findings& findings) {
+    const std::vector<ArchiveItem>& items = subject.archive().items();
+    const auto isUnusual = [](const ArchiveItem& item) { return item.central && !isPlain(item); };
+    if (findings.wants("SEC-55") && anyItem(items, [&](const ArchiveItem& item) {
+            return isUnusual(item) && item.kind != ItemKind::ContentTypes && item.kind != ItemKind::Folder;
+        })) {
+        ExtractedFiles files(findings);
+        for (const bool plain : {true, false}) // it is the unusual one that is told
+            for (const ArchiveItem& item : items)
+                if (item.central && item.kind != ItemKind::Folder && isPlain(item) == plain)
+                    files.add(item);
+    }
+    if (findings.wants("SEC-56") &&
+        anyItem(items, [](const ArchiveItem& item) { return !isASCII(item.name); })) {
+        FoldedFiles files(findings);
+        for (const ArchiveItem& item : items)
+            if (item.central && !isASCII(item.name))
+                files.add(item);
+    }
+}
+
+} // namespace opc::inspection

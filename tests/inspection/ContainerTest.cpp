@@ -1,0 +1,222 @@
+#include "RawZip.hpp"
+
+#include "support/Throws.hpp"
+
+#include <functional>
+#include <zlib.h>
+
+namespace opc::test {
+namespace {
+
+using inspection::EVERY_PROFILE;
+using inspection::InspectionOptions;
+
+std::string field(unsigned kind, const std::string& data) {
+    const auto low = [](std::size_t number) {
+        return std::string{static_cast<char>(number), static_cast<char>(number >> 8)};
+    };
+    return low(kind) + low(data.size()) + data;
+}
+
+std::string pathField(const std::string& ofName, const std::string& name) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(ofName.data());
+    const auto crc = static_cast<std::uint32_t>(::crc32(0, bytes, static_cast<uInt>(ofName.size())));
+    std::string data = "\1";
+    for (int i = 0; i < 4; ++i)
+        data += static_cast<char>(crc >> (8 * i));
+    return field(0x7075, data + name);
+}
+
+/// The document of the small package, changed.
+Bytes withDocument(const std::function<void(RawItem&)>& change) {
+    std::vector<RawItem> items = smallItems();
+    change(items.back());
+    return makeZip(items);
+}
+
+Bytes inArchive(const std::function<void(RawArchive&)>& change) {
+    RawArchive archive;
+    archive.items = smallItems();
+    change(archive);
+    return makeArchive(archive);
+}
+
+Bytes cutOff(Bytes archive, std::size_t count) {
+    archive.resize(archive.size() - count);
+    return archive;
+}
+
+Bytes textOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+RawItem in(const std::string& front, RawItem item) {
+    item.inFront = front;
+    return item;
+}
+
+RawItem unlisted(RawItem item) {
+    item.listed = false;
+    return item;
+}
+
+/// Two parts whose local headers are one and the same, and their content.
+Bytes sharing() {
+    std::vector<RawItem> items = smallItems();
+    RawItem twin = items.back();
+    twin.name = "word/twin.xml";
+    twin.present = false;
+    std::uint32_t offset = 0;
+    for (std::size_t i = 0; i + 1 < items.size(); ++i)
+        offset += static_cast<std::uint32_t>(30 + items[i].name.size() + items[i].data.size());
+    twin.offset = offset;
+    items.push_back(twin);
+    return makeZip(items);
+}
+
+struct Case {
+    const char* breaks; ///< the rules that the package breaks, infos included where the first is one
+    Bytes package;
+};
+
+void expectEach(const std::vector<Case>& cases, bool infos = false) {
+    for (const auto& [breaks, package] : cases) {
+        SCOPED_TRACE(breaks);
+        std::string lines;
+        for (const std::string& line : findingsOf(package))
+            lines += line + '\n';
+        EXPECT_EQ(brokenRules(package, EVERY_PROFILE, infos), breaks) << lines;
+    }
+}
+
+TEST(Container, breaksOneRule) {
+    const std::vector<RawItem> small = smallItems();
+    RawItem folder = stored("word/", "");
+    const RawItem document = small.back();
+    expectEach({
+        {"", packageWith()},
+        {"", makeZip(small, "", true)}, // ZIP64 records of a small archive
+        {"", withDocument([](RawItem& item) { item.zip64 = true; })},
+        {"", withDocument([](RawItem& item) { item.streamed = true, item.flags = 8; })},
+        {"", packageWith({folder})},
+        {"SEC-57", textOf("%PDF-1.7\n")},
+        {"SEC-57", {}},
+        {"M3.16", textOf("PK\3\4 and no more")},
+        {"M3.16", cutOff(packageWith(), 40)},
+        {"M3.16", inArchive([](RawArchive& a) { a.count = 9; })},
+        {"M3.16", cutOff(makeZip(small, "comment"), 3)},
+        {"M3.17", inArchive([](RawArchive& a) { a.disk = 1; })},
+        {"M3.17", inArchive([](RawArchive& a) { a.behindDirectory = "PK\5\5 and a signature"; })},
+        {"SEC-50", inArchive([](RawArchive& a) { a.zip64 = true, a.count = 2; })},
+        {"SEC-46", inArchive([](RawArchive& a) { a.inFront = "MZ, a program"; })},
+        {"SEC-46", inArchive([](RawArchive& a) { a.behind = "\n"; })},
+        {"SEC-48",
+         inArchive([&](RawArchive& a) { a.items.push_back(unlisted(stored("word/ghost.xml", "boo"))); })},
+        {"SEC-48", inArchive([](RawArchive& a) { a.items.back() = in("data", a.items.back()); })},
+        {"", inArchive([](RawArchive& a) { a.beforeDirectory = std::string(7, '\0'); })},
+        {"M3.14 SEC-49", sharing()}, // the twin has the local header of another name, too
+        {"M3.8", withDocument([](RawItem& item) {
+             item.extra = field(0x7875, std::string(60000, '\0')), item.comment = std::string(6000, 'c');
+         })},
+        {"M3.9", withDocument([](RawItem& item) { item.flags = 1; })},
+        {"M3.9", withDocument([](RawItem& item) { item.extra = field(0x9901, std::string(7, '\0')); })},
+        {"ZIP-METHOD", withDocument([](RawItem& item) { item.method = 12; })},
+        {"ZIP-VERSION", withDocument([](RawItem& item) { item.versionNeeded = 63; })},
+        {"", withDocument([](RawItem& item) { item.versionNeeded = 45; })},
+        {"ZIP-FLAGS", withDocument([](RawItem& item) { item.flags = 1U << 5; })},
+        {"", withDocument([](RawItem& item) { item.flags = 0x0806; })},
+        {"M3.14", withDocument([](RawItem& item) {
+             item.changeLocal = [](RawItem& local) { local.name.back() = 'L'; };
+         })},
+        {"M3.14",
+         withDocument([](RawItem& item) { item.changeLocal = [](RawItem& local) { ++local.size; }; })},
+        {"M3.14", withDocument([](RawItem& item) {
+             item.streamed = true, item.flags = 8;
+             item.changeLocal = [](RawItem& local) { ++local.crc; };
+         })},
+        {"M3.14", withDocument([](RawItem& item) { ++item.size; })},
+        {"M3.14 SEC-48", withDocument([](RawItem& item) { item.offset = 7; })},
+        {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0120777U << 16; })},
+        {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0104755U << 16; })},
+        {"", withDocument([](RawItem& item) { item.attributes = 0100755U << 16; })},
+        {"", withDocument([](RawItem& item) { item.attributes = 0120777U << 16, item.versionMadeBy = 20; })},
+        {"SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, "word/other.xml"); })},
+        {"", withDocument([](RawItem& item) { item.extra = pathField(item.name, item.name); })},
+        {"SEC-53", withDocument([](RawItem& item) {
+             item.localExtra = field(0xA220, std::string("\x28\xA0\0\0", 4) + "hidden");
+         })},
+        {"", withDocument([](RawItem& item) {
+             item.localExtra = field(0xA220, std::string("\x28\xA0\0\0\0\0\0", 7));
+         })},
+    });
+}
+
+TEST(Container, findsTwinsAndPieces) {
+    const std::string types = R"(<Default Extension="xml" ContentType="application/xml"/>)";
+    const RawItem all = contentTypesWith(types);
+    const auto relationships =
+        relationshipsWith(std::string(TO_DOCUMENT) + R"(<Relationship Id="a" Type="urn:a" Target="a.xml"/>)");
+    const auto with = [&](std::vector<RawItem> items) {
+        std::vector<RawItem> base = itemsWith({all, relationships});
+        base.insert(base.end(), items.begin(), items.end());
+        return brokenRules(makeZip(base), inspection::OPC, true);
+    };
+    const RawItem first = stored("a.xml/[0].piece", "<a");
+    const RawItem last = stored("a.xml/[1].last.piece", "/>");
+    EXPECT_EQ(with({first, last}), "");
+    EXPECT_EQ(with({last, first}), "S2.5");
+    EXPECT_EQ(with({first, last, stored("a.xml", "<a/>")}), "M2.11");
+    EXPECT_EQ(with({stored("a.xml", "<a/>"), stored("a.xml", "<b/>")}), "M3.3");
+    EXPECT_EQ(with({first, last, stored("A.XML/[1].last.piece", "/>")}).substr(0, 5), "M2.15");
+    EXPECT_EQ(with({first, stored("a.xml/[2].last.piece", "/>")}).substr(0, 5), "M2.16");
+}
+
+TEST(Container, tellsWhatIsNoFault) {
+    InspectionOptions options;
+    for (const char* const rule : {"SEC-45", "SEC-51", "SEC-58", "O1.1", "S3.2"})
+        options.only.emplace_back(rule);
+    std::string ole2(1536, '\0');
+    ole2.replace(0, 8, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+    ole2[30] = 9; // sectors of 512 bytes
+    ole2[48] = 1; // the second one holds the directory
+    const std::string stream = "EncryptedPackage";
+    for (std::size_t i = 0; i < stream.size(); ++i)
+        ole2[1024 + 2 * i] = stream[i];
+    ole2[1024 + 64] = static_cast<char>(2 * stream.size() + 2);
+    std::vector<RawItem> items = smallItems();
+    items[1].comment = "a";
+    items[2].localExtra = field(0xA220, std::string("\x28\xA0\0\0", 4));
+    EXPECT_EQ(
+        findingsOf(textOf(ole2), options),
+        std::vector<std::string>{"info SEC-45 : The document is encrypted: nothing in it can be checked"});
+    EXPECT_EQ(
+        findingsOf(makeZip(items, "abc"), options),
+        (std::vector<std::string>{"info SEC-51 : The archive has a comment of 3 bytes",
+                                  "info SEC-51 /_rels/.rels: The item has a comment of 1 bytes",
+                                  "info O1.1 : 1 item has a growth hint",
+                                  "info SEC-58 : The items were written on Unix, 2025-01-01T12:00:00"}));
+}
+
+TEST(Container, keepsToTheLimits) {
+    using Limits = physical::ZipOptions;
+    const Bytes package = packageWith();
+    const Bytes bomb = withDocument([](RawItem& item) { item.method = 8, item.size = 100'000; });
+    const auto broken = [](const Bytes& archive, const auto& change) {
+        InspectionOptions options;
+        change(options.limits);
+        std::string lines;
+        for (const std::string& line : findingsOf(archive, options))
+            lines += line.substr(0, 13);
+        return lines;
+    };
+    EXPECT_EQ(broken(package, [](Limits&) {}), "");
+    for (const auto& change : std::initializer_list<void (*)(Limits&)>{
+             [](Limits& l) { l.maxItems = 2; }, [](Limits& l) { l.maxDirectorySize = 100; },
+             [](Limits& l) { l.maxNameLength = 17; }, [](Limits& l) { l.maxDepth = 0; },
+             [](Limits& l) { l.maxItemSize = 400; }, [](Limits& l) { l.maxTotalSize = 700; }})
+        EXPECT_EQ(broken(package, change).substr(0, 12), "error SEC-54");
+    EXPECT_EQ(broken(bomb, [](Limits& l) { l.maxRatio = 100, l.ratioFloor = 1000; }), "error SEC-54 ");
+}
+
+} // namespace
+} // namespace opc::test
