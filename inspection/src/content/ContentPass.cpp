@@ -30,7 +30,8 @@ public:
             try {
                 overPart(part);
             } catch (const Exception& e) {
-                tellDamage(part.name, {}, e);
+                if (std::none_of(part.items.begin(), part.items.end(), isTold))
+                    tellDamage(part.name, {}, e);
             }
     }
 
@@ -44,7 +45,8 @@ public:
             try {
                 drain(subject.archive().open(item));
             } catch (const Exception& e) {
-                tellDamage({}, item.name, e);
+                if (!isTold(&item))
+                    tellDamage({}, item.name, e);
             }
         }
     }
@@ -105,8 +107,16 @@ private:
         }
     }
 
+    /// Whether another finding says already what keeps the content from being read.
+    static bool isTold(const ArchiveItem* item) { return item->isFaulty || !item->unreadable.empty(); }
+
+    /// @param e  its message begins with the names of the archive and the item
     void tellDamage(const std::string& part, const std::string& item, const Exception& e) {
-        findings.add("M3.14", {part, item}, std::string("The content can't be read: ") + e.what());
+        const std::string message = e.what();
+        const std::size_t place = message.rfind(": ");
+        findings.add("M3.14", {part, item},
+                     "The content can't be read: " +
+                         message.substr(place == std::string::npos ? 0 : place + 2));
     }
 
     const Subject& subject;
