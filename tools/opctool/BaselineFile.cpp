@@ -1,6 +1,8 @@
 #include "BaselineFile.hpp"
 
+#include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -22,9 +24,19 @@ void addSARIF(Baseline& baseline, const json& log) {
         }
 }
 
+/// A name that isn't UTF-8 stands there as its bytes.
+std::string nameOf(const json& file) {
+    if (file.is_string())
+        return file;
+    const auto bytes = bedrock::crypto::utils::base64Decode(opc::toString(file.at("bytes"), true));
+    return {bytes.begin(), bytes.end()};
+}
+
 void addFile(Baseline& baseline, const json& file, const std::string& root) {
-    const std::string uri = opc::inspection::toSARIFURI(file.at("file"), root);
-    for (const json& finding : file.at("findings"))
+    if (file.contains("error"))
+        return;
+    const std::string uri = opc::inspection::toSARIFURI(nameOf(file.at("file")), root);
+    for (const json& finding : file.at("result").at("findings"))
         baseline.add(uri, finding.at("fingerprint"));
 }
 

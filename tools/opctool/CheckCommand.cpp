@@ -32,16 +32,12 @@ struct Arguments {
     std::string sarifRoot;
 };
 
-std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments) {
-    if (arguments.format == "json")
-        return makeJSONReport();
-    if (arguments.format == "jsonl")
-        return makeJSONLinesReport();
+std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments, bool colored) {
     if (arguments.format == "sarif")
         return makeSARIFReport({"opctool", OPCMODEL_VERSION, arguments.sarifRoot});
     if (arguments.format == "html")
         return makeHTMLReport();
-    return makeTextReport();
+    return makeTextReport(colored);
 }
 
 unsigned profilesOf(const std::vector<std::string>& names) {
@@ -70,7 +66,7 @@ void inspectFile(FileRun& run, const Arguments& arguments, const std::optional<B
 bool countsAsNo(const ReportSummary& summary, const std::string& failOn) {
     std::uint64_t count = 0;
     for (const auto& [name, severity] :
-         {std::pair("info", Severity::Info), {"warning", Severity::Warning}, {"error", Severity::Error}})
+         {std::pair("error", Severity::Error), {"warning", Severity::Warning}, {"info", Severity::Info}})
         if (count += summary.count(severity); failOn == name)
             break;
     return failOn != "never" && count != 0;
@@ -78,7 +74,8 @@ bool countsAsNo(const ReportSummary& summary, const std::string& failOn) {
 
 class Check {
 public:
-    explicit Check(const Arguments& arguments) : arguments(arguments), format(makeFormat(arguments)) {
+    Check(const Arguments& arguments, const Files& files)
+        : arguments(arguments), format(makeFormat(arguments, files.options.output.colored)) {
         if (!arguments.baseline.empty())
             baseline = readBaseline(arguments.baseline, arguments.sarifRoot);
     }
@@ -86,7 +83,7 @@ public:
     void run(Files& files) {
         files.options.namesFiles = true;
         const auto action = [this](FileRun& run) { check(run); };
-        if (files.options.output.hasEnvelope())
+        if (files.options.output.format() != OutputOptions::Format::Text)
             files.run(action);
         else
             files.run(action, {[this](std::ostream& output) { format->begin(output); }, format->separator(),
@@ -102,8 +99,6 @@ private:
             inspectFile(run, arguments, baseline, *file);
         } catch (const opc::Exception& e) {
             file->failure = e.what();
-            if (!run.hasEnvelope())
-                format->write(run.out(), *file);
             throw;
         }
         print(run, *file);
@@ -114,7 +109,7 @@ private:
     }
 
     void print(FileRun& run, const InspectedFile& file) const {
-        if (!run.hasEnvelope()) {
+        if (!run.wantsJSON()) {
             format->write(run.out(), file);
             return;
         }
@@ -142,7 +137,9 @@ void declare(CLI::App& command) {
     addRepeatable(&command, "--no-rule", arguments->inspection.never, "Leave this rule out")
         ->check(isRule())
         ->type_name("RULE");
-    command.add_option("--format", arguments->format, "Of the report: text, json, jsonl, sarif, html")
+    command
+        .add_option("--format", arguments->format,
+                    "Of the report: text, json (--json=2), jsonl (--jsonl), sarif, html")
         ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "html"}))
         ->type_name("NAME");
     command
@@ -160,7 +157,11 @@ void declare(CLI::App& command) {
         ->type_name("DIR");
     command.callback([files, arguments] {
         arguments->inspection.profiles = profilesOf(arguments->profiles);
-        Check(*arguments).run(*files);
+        if (arguments->format == "json")
+            files->options.output.shape = 2;
+        else if (arguments->format == "jsonl")
+            files->options.output.jsonLines = true;
+        Check(*arguments, *files).run(*files);
     });
 }
 
@@ -178,9 +179,36 @@ const Command CHECK{
   "type": "object",
   "required": ["format", "findings", "unlisted"],
   "properties": {
-    "format": {"type": "string"},
-    "findings": {"type": "array", "items": {"type": "object", "required": ["rule", "severity", "message"]}},
-    "unlisted": {"description": "findings beyond those listed, by rule", "type": "object"}
+    "format": {"description": "as type names it", "type": ["string", "null"]},
+    "findings": {
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["rule", "severity", "standard", "part", "item", "relationship", "target", "line", "column", "offset",
+                     "message", "hint", "fingerprint", "known"],
+        "properties": {
+          "rule": {"description": "explain tells more about it", "type": "string"},
+          "severity": {"enum": ["error", "warning", "info"]},
+          "standard": {"description": "the numbers in ECMA-376 Part 2", "type": ["string", "null"]},
+          "part": {"type": ["string", "null"]},
+          "item": {"description": "of the archive, which is no part", "type": ["string", "null"]},
+          "relationship": {"description": "its Id", "type": ["string", "null"]},
+          "target": {"description": "of the relationship", "type": ["string", "null"]},
+          "line": {"type": ["integer", "null"]},
+          "column": {"type": ["integer", "null"]},
+          "offset": {"description": "of a byte in the file", "type": ["integer", "null"]},
+          "message": {"type": "string"},
+          "hint": {"description": "what mends it", "type": ["string", "null"]},
+          "fingerprint": {"description": "the same as long as the fault is there", "type": "string"},
+          "known": {"description": "whether the baseline has it", "type": "boolean"}
+        }
+      }
+    },
+    "unlisted": {
+      "description": "how many findings there are beyond those listed, by rule",
+      "type": "object",
+      "additionalProperties": {"type": "integer"}
+    }
   }
 })"};
 

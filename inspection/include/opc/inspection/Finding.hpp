@@ -12,7 +12,7 @@ namespace opc::inspection {
 struct Place {
     std::string part{};         ///< the name of a part, `/word/document.xml`
     std::string item{};         ///< the name of an item of the archive that is no part
-    std::string relationship{}; ///< the Id of a relationship of the part; of the package if the part is "/"
+    std::string relationship{}; ///< the Id of a relationship in the part, which is a relationships part
     std::string target{};       ///< of that relationship, as it stands; `inspect` fills it in
     std::uint64_t line = 0;     ///< in the part or item, from 1
     std::uint64_t column = 0;

@@ -1,6 +1,11 @@
 #pragma once
 
-#include "subject/Subject.hpp"
+#include "checks/signatures/Signatures.hpp"
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace opc::inspection {
 
@@ -8,13 +13,25 @@ namespace opc::inspection {
 class SignedContent {
 public:
     /// @param subject  must outlive this object
-    explicit SignedContent(const Subject& subject) { (void)subject; }
+    explicit SignedContent(const Subject& subject) : SignedContent(subject, findSignatures(subject)) {}
+    SignedContent(const Subject& subject, const std::vector<FoundSignature>& signatures);
 
-    bool hasSignatures() const { return false; }
-    bool covers(const PartView& part) const { return (void)part, false; }
-    bool covers(const RelationshipsView& source, const RelationshipView& relationship) const {
-        return (void)source, (void)relationship, false;
-    }
+    bool hasSignatures() const { return signaturesExist; }
+    bool covers(const PartView& part) const { return parts.count(&part) != 0; }
+    bool covers(const RelationshipsView& source, const RelationshipView& relationship) const;
+
+private:
+    /// The relationships of one source.
+    struct Signed {
+        bool all = false;
+        std::unordered_set<std::string> ids, types;
+    };
+
+    void add(const Subject& subject, const SignatureReference& reference);
+
+    bool signaturesExist;
+    std::unordered_set<const PartView*> parts;
+    std::unordered_map<const PartView*, Signed> relationships; ///< by relationships part
 };
 
 } // namespace opc::inspection

@@ -11,13 +11,13 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::size_t WIDTH = 190;       // of a node
+constexpr std::size_t WIDTH = 180;       // of a node
 constexpr std::size_t HEIGHT = 26;       // of a node
-constexpr std::size_t GAP = 64;          // between columns
+constexpr std::size_t GAP = 48;          // between columns
 constexpr std::size_t ROW = HEIGHT + 10; // from a node to the next
 constexpr std::size_t MARGIN = 8;
 constexpr std::size_t LEGEND = 34;
-constexpr std::size_t MOST_CHARACTERS = 27;
+constexpr std::size_t MOST_CHARACTERS = 24;
 
 struct Look {
     const char* fill;

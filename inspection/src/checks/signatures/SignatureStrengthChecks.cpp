@@ -1,0 +1,109 @@
+#include "checks/signatures/SignatureChecks.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <opc/core/Text.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <set>
+
+namespace opc::inspection {
+
+namespace {
+
+using bedrock::certificates::X509Certificate;
+using Bytes = std::vector<unsigned char>;
+
+constexpr std::size_t SMALLEST_KEY = 2048;
+
+std::string lastSegment(const std::string& uri) {
+    return uri.substr(uri.find_last_of("/#") + 1);
+}
+
+/// SHA-1, MD5, RIPEMD, DSA and keyed digests, by the last segments of their identifiers.
+bool isWeak(const std::string& algorithm) {
+    const std::string name = lastSegment(algorithm);
+    for (const char* weak : {"sha1", "md5", "ripemd160", "dsa-sha1", "dsa-sha256"})
+        if (name == weak)
+            return true;
+    for (const char* weak : {"rsa-sha1", "rsa-md5", "rsa-ripemd160", "ecdsa-sha1", "hmac-"})
+        if (name.compare(0, std::string(weak).size(), weak) == 0)
+            return true;
+    return false;
+}
+
+Bytes decode(const std::string& base64) {
+    return bedrock::crypto::utils::base64Decode(toString(base64, true));
+}
+
+Bytes withoutLeadingZeros(const Bytes& number) {
+    return {std::find_if(number.begin(), number.end(), [](unsigned char byte) { return byte != 0; }),
+            number.end()};
+}
+
+class StrengthChecks {
+public:
+    StrengthChecks(const FoundSignature& signature, Findings& findings)
+        : document(signature.document), part(*signature.part), findings(findings) {}
+
+    void run() {
+        if (isWeak(document.signatureMethod))
+            add("SEC-74", document.methodPlace,
+                "The signature is made by " + lastSegment(document.signatureMethod));
+        checkDigests();
+        try {
+            checkKeys();
+        } catch (const bedrock::certificates::X509CertificateException& e) {
+            add("SEC-74", {}, std::string("A certificate of the signature can't be read: ") + e.what());
+        } catch (const std::exception& e) { // of Base64
+            add("SEC-74", {}, std::string("A key of the signature can't be read: ") + e.what());
+        }
+    }
+
+private:
+    void add(std::string_view rule, const SignaturePlace& at, std::string message) {
+        findings.add(rule, placeIn(part, at), std::move(message));
+    }
+
+    void checkDigests() {
+        std::set<std::string> told;
+        for (const auto* const references : {&document.signedReferences, &document.manifest})
+            for (const SignatureReference& reference : *references)
+                if (isWeak(reference.digestMethod) && told.insert(reference.digestMethod).second)
+                    add("SEC-74", reference.place,
+                        "The signature has digests by " + lastSegment(reference.digestMethod));
+    }
+
+    /// The key value comes first; it says nothing about whose it is. Of several certificates one must be its own.
+    void checkKeys() {
+        const Bytes key = withoutLeadingZeros(decode(document.modulus));
+        bool isCertified = key.empty() || document.certificates.empty();
+        Bytes first;
+        for (const std::string& text : document.certificates) {
+            const Bytes modulus = X509Certificate(decode(text)).getModulus();
+            isCertified = isCertified || modulus == key;
+            if (first.empty())
+                first = modulus;
+        }
+        if (!isCertified)
+            add("M6.21", {}, "The key in the signature isn't that of its certificate");
+        const std::size_t bits = 8 * (key.empty() ? first : key).size();
+        if (bits != 0 && bits < SMALLEST_KEY)
+            add("SEC-74", {}, "The key has only " + std::to_string(bits) + " bits");
+    }
+
+    const SignatureDocument& document;
+    const PartView& part;
+    Findings& findings;
+};
+
+} // namespace
+
+void checkSignatureStrength(const FoundSignature& signature, Findings& findings) {
+    if (findings.wants("SEC-74") || findings.wants("M6.21"))
+        StrengthChecks(signature, findings).run();
+}
+
+} // namespace opc::inspection

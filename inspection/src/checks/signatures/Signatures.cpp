@@ -1,0 +1,98 @@
+#include "checks/signatures/Signatures.hpp"
+
+#include <set>
+
+namespace opc::inspection {
+
+namespace {
+
+const std::string STANDARD_BASE =
+    "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/";
+const std::string OWN_BASE = "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/";
+const std::string CONTENT_TYPE = "application/vnd.openxmlformats-package.digital-signature";
+
+bool isOfType(const RelationshipView& relationship, const char* segment) {
+    return relationship.type == STANDARD_BASE + segment || relationship.type == OWN_BASE + segment;
+}
+
+int valueOf(char digit) {
+    return digit >= '0' && digit <= '9'   ? digit - '0'
+           : digit >= 'A' && digit <= 'F' ? digit - 'A' + 10
+           : digit >= 'a' && digit <= 'f' ? digit - 'a' + 10
+                                          : -1;
+}
+
+std::string decoded(const std::string& text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == '%' && i + 2 < text.size() ? valueOf(text[i + 1]) : -1;
+        const int low = high < 0 ? -1 : valueOf(text[i + 2]);
+        plain += low < 0 ? text[i] : static_cast<char>(high * 16 + low);
+        i += low < 0 ? 0U : 2U;
+    }
+    return plain;
+}
+
+} // namespace
+
+bool leadsToOrigin(const RelationshipView& relationship) {
+    return isOfType(relationship, "origin");
+}
+
+bool leadsToSignature(const RelationshipView& relationship) {
+    return isOfType(relationship, "signature");
+}
+
+bool leadsToCertificate(const RelationshipView& relationship) {
+    return isOfType(relationship, "certificate");
+}
+
+bool isOriginType(const std::string& mediaType) {
+    return mediaType == CONTENT_TYPE + "-origin";
+}
+
+bool isSignatureType(const std::string& mediaType) {
+    return mediaType == CONTENT_TYPE + "-xmlsignature+xml" || mediaType == CONTENT_TYPE + "xmlsignature+xml";
+}
+
+bool isCertificateType(const std::string& mediaType) {
+    return mediaType == CONTENT_TYPE + "-certificate";
+}
+
+std::vector<FoundSignature> findSignatures(const Subject& subject) {
+    std::vector<FoundSignature> found;
+    const RelationshipsView* const package = subject.relationshipsOf("/");
+    if (package == nullptr)
+        return found;
+    std::set<const PartView*> origins, parts;
+    for (const RelationshipView& toOrigin : package->entries) {
+        if (!leadsToOrigin(toOrigin) || toOrigin.part == nullptr || !origins.insert(toOrigin.part).second)
+            continue;
+        const RelationshipsView* const origin = subject.relationshipsOf(toOrigin.part->name);
+        if (origin == nullptr)
+            continue;
+        for (const RelationshipView& entry : origin->entries) {
+            if (!leadsToSignature(entry) || entry.part == nullptr || !parts.insert(entry.part).second)
+                continue;
+            const bool isOwn = entry.type.compare(0, OWN_BASE.size(), OWN_BASE) == 0;
+            found.push_back({isOwn ? SignatureForm::Own : SignatureForm::Standard, entry.part,
+                             readSignature(subject, *entry.part)});
+        }
+    }
+    return found;
+}
+
+std::string partNameOf(const SignatureReference& reference) {
+    return reference.uri.substr(0, reference.uri.find_first_of("?#"));
+}
+
+std::optional<std::string> statedContentType(const SignatureReference& reference) {
+    static const std::string KEY = "?ContentType=";
+    const std::size_t query = reference.uri.find('?');
+    if (query == std::string::npos || reference.uri.compare(query, KEY.size(), KEY) != 0)
+        return std::nullopt;
+    const std::size_t begin = query + KEY.size();
+    return decoded(reference.uri.substr(begin, reference.uri.find('#', begin) - begin));
+}
+
+} // namespace opc::inspection
