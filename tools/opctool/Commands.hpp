@@ -28,6 +28,7 @@ extern const Command VERIFY;
 extern const Command COVERAGE;
 extern const Command CHECK;
 extern const Command EXPLAIN;
+extern const Command EXTERNAL;
 extern const Command SCHEMA;
 /// @}
 

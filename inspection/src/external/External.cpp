@@ -3,6 +3,8 @@
 #include "external/RelationshipType.hpp"
 #include "subject/Subject.hpp"
 
+#include <opc/core/Exception.hpp>
+
 #include <algorithm>
 #include <iterator>
 
@@ -147,14 +149,19 @@ std::string_view toString(ExternalPlace place) {
     return NAMES[static_cast<std::size_t>(place)];
 }
 
-std::vector<External> listExternals(const Archive& archive, const physical::ZipOptions& limits) {
+Externals listExternals(const Archive& archive, const physical::ZipOptions& limits) {
+    if (!archive.isZip())
+        throw Exception("There is no ZIP archive that can be read");
     const Subject subject(archive, limits);
-    std::vector<External> result;
-    for (const RelationshipsView& relationships : subject.relationships())
+    Externals result;
+    for (const RelationshipsView& relationships : subject.relationships()) {
         for (const RelationshipView& entry : relationships.entries)
             if (entry.isExternal)
-                result.push_back({relationships.source, entry.id, entry.type, entry.target,
-                                  effectOf(entry.type), placeOf(entry.target)});
+                result.found.push_back({relationships.source, entry.id, entry.type, entry.target,
+                                        effectOf(entry.type), placeOf(entry.target)});
+        if (!relationships.document.failure.empty())
+            result.unread.push_back({relationships.part->name, relationships.document.failure});
+    }
     return result;
 }
 

@@ -42,11 +42,22 @@ OPC_INSPECTION_EXPORT ExternalEffect effectOf(std::string_view type);
 /// @param target  as it stands in the relationship, in UTF-8; any text
 OPC_INSPECTION_EXPORT ExternalPlace placeOf(std::string_view target);
 
-/// The external relationships of a package, in the order of its relationships parts, also where the package breaks
-/// rules. Nothing is fetched.
-/// @throws opc::Exception  the archive's bytes can't be read
-OPC_INSPECTION_EXPORT std::vector<External> listExternals(const Archive& archive,
-                                                          const physical::ZipOptions& limits = {});
+/// What leads out of a package.
+struct Externals {
+    /// A relationships part that can't be read to its end: what stands behind that place isn't known.
+    struct Unread {
+        std::string part;
+        std::string reason;
+    };
+
+    std::vector<External> found; ///< in the order of the relationships parts
+    std::vector<Unread> unread;
+};
+
+/// Lists the external relationships of a package, also where it breaks rules. Nothing is fetched.
+/// @throws opc::Exception  there is no ZIP archive, or its bytes can't be read
+OPC_INSPECTION_EXPORT Externals listExternals(const Archive& archive,
+                                              const physical::ZipOptions& limits = {});
 
 /// `loads`, `click`, `other`.
 OPC_INSPECTION_EXPORT std::string_view toString(ExternalEffect effect);
