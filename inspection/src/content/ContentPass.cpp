@@ -1,7 +1,7 @@
 #include "content/ContentPass.hpp"
 
 #include "content/EventFork.hpp"
-#include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/model/Errors.hpp>

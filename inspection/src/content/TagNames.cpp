@@ -1,6 +1,7 @@
 #include "content/TagNames.hpp"
 
-#include "external/RelationshipType.hpp"
+#include "subject/Names.hpp"
+#include "text/CaselessText.hpp"
 
 #include <algorithm>
 
@@ -29,8 +30,8 @@ bool isAsciiCompatible(std::string_view head) {
     const std::size_t quote = declaration.find_first_of("'\"", encoding);
     if (quote == std::string_view::npos)
         return false;
-    const std::string name =
-        lowered(declaration.substr(quote + 1, declaration.find(declaration[quote], quote + 1) - quote - 1));
+    const std::string name = toLowerASCII(
+        declaration.substr(quote + 1, declaration.find(declaration[quote], quote + 1) - quote - 1));
     return name == "utf-8" || name == "utf8" || name == "us-ascii" || name == "ascii" ||
            startsWith(name, "iso-8859-") || startsWith(name, "windows-125");
 }

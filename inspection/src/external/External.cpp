@@ -1,7 +1,9 @@
 #include <opc/inspection/External.hpp>
 
 #include "external/RelationshipType.hpp"
+#include "subject/Names.hpp"
 #include "subject/Subject.hpp"
+#include "text/CaselessText.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -94,7 +96,7 @@ ExternalPlace placeOfFile(std::string_view rest) {
     const std::size_t slashes = slashesAt(rest);
     const std::string_view behind = rest.substr(slashes);
     if (slashes == 2) {
-        const std::string host = lowered(behind.substr(0, behind.find_first_of("/\\")));
+        const std::string host = toLowerASCII(behind.substr(0, behind.find_first_of("/\\")));
         return host.empty() || host == "localhost" ? ExternalPlace::File : placeBehindSlashes(behind);
     }
     return slashes >= 4 ? placeBehindSlashes(behind) : ExternalPlace::File;

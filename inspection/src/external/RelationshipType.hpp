@@ -17,11 +17,4 @@ struct RelationshipType {
 /// The scheme in front of a target, in lower case; empty for a relative reference and for a drive, `C:`.
 std::string schemeOf(std::string_view target);
 
-/// Without regard to the case of ASCII letters.
-/// @{
-std::string lowered(std::string_view text);
-bool startsWith(std::string_view text, std::string_view lowerCaseBeginning);
-bool endsWith(std::string_view text, std::string_view lowerCaseEnd);
-/// @}
-
 } // namespace opc::inspection

@@ -1,8 +1,7 @@
 #include "checks/office/MarkupCompatibilityReader.hpp"
 
 #include "checks/DocumentChecks.hpp"
-
-#include <opc/core/Text.hpp>
+#include "subject/Names.hpp"
 
 #include <algorithm>
 
@@ -18,7 +17,7 @@ constexpr std::u16string_view KNOWN[] = {
     u"urn:schemas-microsoft-com:",         u"http://www.w3.org/",          u"http://purl.org/dc/"};
 
 std::string utf8(std::u16string_view text) {
-    return toUDEString(std::u16string(text.substr(0, 200)));
+    return narrow(text.substr(0, 200));
 }
 
 /// Calls `take` with each word of a list.
@@ -54,7 +53,9 @@ void MarkupCompatibilityReader::Text::add(std::u16string_view piece) {
 void MarkupCompatibilityReader::begin(const std::string& partName) {
     part = partName;
     levels.clear();
-    declarations.clear();
+    namespaces.clear();
+    declared.clear();
+    ignorable.clear();
     ignorables.clear();
     alternatives.clear();
     told.clear();
@@ -65,7 +66,7 @@ void MarkupCompatibilityReader::onStart(const model::XmlElement& element, const 
     const std::u16string_view local = element.localName();
     const bool isOfNamespace = element.namespaceURI() == NAMESPACE;
     const Role parent = levels.empty() ? Role::Other : levels.back().role;
-    Level level = {Role::Other, declarations.size(), ignorables.size(),
+    Level level = {Role::Other, declared.size(), ignorables.size(),
                    !levels.empty() && levels.back().isOpenContent, local == u"t"};
     if (isOfNamespace)
         level.role = local == u"AlternateContent" ? Role::AlternateContent
@@ -73,11 +74,7 @@ void MarkupCompatibilityReader::onStart(const model::XmlElement& element, const 
                      : local == u"Fallback"       ? Role::Fallback
                                                   : Role::Other;
     level.isOpenContent = level.isOpenContent || local == u"ext" || local == u"graphicData";
-    for (std::size_t i = 0; i < element.declarationCount(); ++i) {
-        const model::XmlNamespaceDeclaration declaration = element.declaration(i);
-        declarations.push_back(
-            {std::u16string(declaration.prefix), std::u16string(declaration.namespaceURI)});
-    }
+    declare(element);
     const bool isOpenContent = level.isOpenContent;
     levels.push_back(level);
     checkAttributes(element);
@@ -86,11 +83,21 @@ void MarkupCompatibilityReader::onStart(const model::XmlElement& element, const 
         checkVocabulary(element);
 }
 
+void MarkupCompatibilityReader::declare(const model::XmlElement& element) {
+    for (std::size_t i = 0; i < element.declarationCount(); ++i) {
+        const model::XmlNamespaceDeclaration declaration = element.declaration(i);
+        declared.emplace_back(declaration.prefix);
+        namespaces[declared.back()].emplace_back(declaration.namespaceURI);
+    }
+}
+
 void MarkupCompatibilityReader::onEnd() {
     const Level level = levels.back();
     levels.pop_back();
-    declarations.resize(level.declarations);
-    ignorables.resize(level.ignorables);
+    for (; declared.size() > level.declared; declared.pop_back())
+        namespaces[declared.back()].pop_back();
+    for (; ignorables.size() > level.ignorables; ignorables.pop_back())
+        ignorable.erase(ignorables.back());
     if (level.role == Role::AlternateContent)
         endAlternatives();
     else if ((level.role == Role::Choice || level.role == Role::Fallback) && !alternatives.empty())
@@ -144,7 +151,7 @@ void MarkupCompatibilityReader::checkPrefixes(std::u16string_view list, const ch
 
 void MarkupCompatibilityReader::takeIgnorable(std::u16string_view list) {
     forEachWord(list, [this](std::u16string_view prefix) {
-        if (const std::u16string* const uri = uriOf(prefix); uri != nullptr && !isIgnorable(*uri))
+        if (const std::u16string* const uri = uriOf(prefix); uri != nullptr && ignorable.insert(*uri).second)
             ignorables.push_back(*uri);
     });
 }
@@ -246,14 +253,14 @@ void MarkupCompatibilityReader::endAlternatives() {
 }
 
 const std::u16string* MarkupCompatibilityReader::uriOf(std::u16string_view prefix) const {
-    const auto found = std::find_if(declarations.rbegin(), declarations.rend(),
-                                    [prefix](const Declaration& d) { return d.prefix == prefix; });
-    return prefix.empty() || found == declarations.rend() || found->uri.empty() ? nullptr : &found->uri;
+    const auto found = namespaces.find(std::u16string(prefix));
+    const bool isDeclared =
+        found != namespaces.end() && !found->second.empty() && !found->second.back().empty();
+    return isDeclared && !prefix.empty() ? &found->second.back() : nullptr;
 }
 
 bool MarkupCompatibilityReader::isIgnorable(std::u16string_view uri) const {
-    return std::any_of(ignorables.begin(), ignorables.end(),
-                       [uri](const std::u16string& known) { return known == uri; });
+    return ignorable.count(std::u16string(uri)) != 0;
 }
 
 void MarkupCompatibilityReader::add(const char* rule, Severity severity, const std::string& message) {

@@ -7,6 +7,8 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace opc::inspection {
@@ -45,17 +47,14 @@ private:
 
     struct Level {
         Role role = Role::Other;
-        std::size_t declarations = 0, ignorables = 0; ///< how many there were outside
-        bool isOpenContent = false;                   ///< anything may stand within
-        bool isText = false;                          ///< an element for text that is shown
-    };
-
-    struct Declaration {
-        std::u16string prefix, uri;
+        std::size_t declared = 0, ignorables = 0; ///< how many there were outside
+        bool isOpenContent = false;               ///< anything may stand within
+        bool isText = false;                      ///< an element for text that is shown
     };
 
     void checkAttributes(const model::XmlElement& element);
     void checkPrefixes(std::u16string_view list, const char* attribute, bool areNames);
+    void declare(const model::XmlElement& element);
     void takeIgnorable(std::u16string_view list);
     void checkProcessContent(std::u16string_view list);
     void checkMustUnderstand(std::u16string_view list);
@@ -74,8 +73,11 @@ private:
     std::string part;
     model::XmlPlace place{};
     std::vector<Level> levels;
-    std::vector<Declaration> declarations;
-    std::vector<std::u16string> ignorables; ///< namespaces
+    std::unordered_map<std::u16string, std::vector<std::u16string>>
+        namespaces;                               ///< of a prefix, the innermost last
+    std::vector<std::u16string> declared;         ///< prefixes, in their order
+    std::unordered_set<std::u16string> ignorable; ///< namespaces
+    std::vector<std::u16string> ignorables;       ///< the same in their order
     std::vector<Alternatives> alternatives;
     std::set<std::u16string, std::less<>> told; ///< namespaces and prefixes that one finding is enough for
 };

@@ -1,7 +1,11 @@
 #include "checks/Checks.hpp"
+
 #include "checks/DocumentChecks.hpp"
-#include "checks/security/SecurityChecks.hpp"
+#include "checks/OfficeFormats.hpp"
 #include "external/RelationshipType.hpp"
+#include "subject/Names.hpp"
+#include "text/CaselessText.hpp"
+#include "text/MessageText.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -44,8 +48,9 @@ void checkSignatureRelationships(const Subject& subject, Findings& findings) {
 bool isMainType(const std::string& mediaType) {
     static constexpr std::string_view WORDS[] = {".main", ".main+xml", ".themeManager+xml",
                                                  ".document.glossary+xml"};
-    return std::any_of(std::begin(WORDS), std::end(WORDS),
-                       [&mediaType](std::string_view word) { return endsWith(mediaType, lowered(word)); });
+    return std::any_of(std::begin(WORDS), std::end(WORDS), [&mediaType](std::string_view word) {
+        return endsWith(mediaType, toLowerASCII(word));
+    });
 }
 
 bool isOfficeType(const std::string& mediaType) {

@@ -3,8 +3,7 @@
 #include "checks/DocumentChecks.hpp"
 #include "content/ByteSearch.hpp"
 #include "content/TagNames.hpp"
-
-#include <opc/core/Text.hpp>
+#include "subject/Names.hpp"
 
 #include <set>
 #include <string>
@@ -60,7 +59,7 @@ public:
                 attribute.namespaceURI == TRANSITIONAL || attribute.namespaceURI == STRICT ||
                 (attribute.namespaceURI == VML_OFFICE && attribute.localName == u"relid");
             if (namesRelationship && !attribute.value.empty()) // empty: an action without target
-                check(element, toUDEString(std::u16string(attribute.value)), behind);
+                check(element, narrow(attribute.value), behind);
         }
     }
 
@@ -78,9 +77,8 @@ private:
             if (use.element == element.localName() && !hasWord(use.types, found->second) &&
                 told.insert(id).second)
                 findings.add("P1-5", Severity::Warning, place,
-                             "The element " + toUDEString(std::u16string(use.element)) +
-                                 " names the relationship " + id + ", whose type is " +
-                                 std::string(found->second));
+                             "The element " + narrow(use.element) + " names the relationship " + id +
+                                 ", whose type is " + std::string(found->second));
     }
 
     Findings& findings;

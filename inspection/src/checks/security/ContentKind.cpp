@@ -1,7 +1,7 @@
 #include "checks/security/ContentKind.hpp"
 
 #include "content/TagNames.hpp"
-#include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
 
 #include <algorithm>
 

@@ -1,10 +1,12 @@
 #include "checks/security/ContentKindChecks.hpp"
 
+#include "checks/OfficeFormats.hpp"
 #include "checks/security/ContentKind.hpp"
 #include "checks/security/OleObject.hpp"
 #include "checks/security/Prolog.hpp"
-#include "checks/security/SecurityChecks.hpp"
-#include "external/RelationshipType.hpp"
+#include "subject/Names.hpp"
+#include "text/CaselessText.hpp"
+#include "text/MessageText.hpp"
 
 namespace opc::inspection {
 
@@ -36,7 +38,7 @@ public:
         if (!prolog.hasDoctype())
             return nullptr;
         const std::string& text = prolog.declaration();
-        const bool hasEntities = lowered(text).find("<!entity") != std::string::npos;
+        const bool hasEntities = toLowerASCII(text).find("<!entity") != std::string::npos;
         // The image format's own declaration names its schema, and nothing reads it any more.
         const bool isHarmless = isSvg && !hasEntities;
         findings.add("SEC-22", isHarmless ? Severity::Info : Severity::Error, {name},

@@ -3,6 +3,8 @@
 #include "checks/DocumentChecks.hpp"
 #include "checks/security/OleObject.hpp"
 #include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
+#include "text/MessageText.hpp"
 
 #include <opc/inspection/External.hpp>
 

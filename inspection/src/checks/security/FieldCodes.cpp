@@ -1,6 +1,6 @@
 #include "checks/security/FieldCodes.hpp"
 
-#include <opc/core/Text.hpp>
+#include "subject/Names.hpp"
 
 namespace opc::inspection {
 
@@ -49,7 +49,7 @@ void FieldCodes::endDocument() {
 
 void FieldCodes::tellOf(Field& field) {
     if (!field.isTold && !field.code.empty())
-        tell(toUDEString(field.code), field.place);
+        tell(narrow(field.code), field.place);
     field.isTold = true;
 }
 

@@ -3,9 +3,9 @@
 #include "checks/DocumentChecks.hpp"
 #include "checks/security/Formulas.hpp"
 #include "checks/security/SecurityChecks.hpp"
-#include "external/RelationshipType.hpp"
-
-#include <opc/core/Text.hpp>
+#include "subject/Names.hpp"
+#include "text/CaselessText.hpp"
+#include "text/MessageText.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -21,7 +21,7 @@ using model::XmlElement;
 std::string valueOf(const XmlElement& element, std::u16string_view local) {
     for (std::size_t i = 0; i < element.attributeCount(); ++i)
         if (element.attribute(i).localName == local)
-            return toUDEString(std::u16string(element.attribute(i).value));
+            return narrow(element.attribute(i).value);
     return {};
 }
 
@@ -144,7 +144,7 @@ void MarkupReader::collect(Text kind) {
 void MarkupReader::tellText() {
     const Text kind = collected;
     collected = Text::None;
-    const std::string content = toUDEString(text);
+    const std::string content = narrow(text);
     if (kind == Text::Formula)
         tellFormula(content, "A formula");
     else if (kind == Text::DefinedName)
@@ -189,7 +189,7 @@ void MarkupReader::onFormula(const XmlElement&) {
 void MarkupReader::onDefinedName(const XmlElement& element) {
     name = valueOf(element, u"name");
     collect(Text::DefinedName);
-    const std::string folded = lowered(name);
+    const std::string folded = toLowerASCII(name);
     if (folded.find("auto_open") < 7 || folded.find("auto_close") < 7) // _xlnm. can stand in front
         add("SEC-29", Severity::Warning, "The name " + shown(name) + " runs a macro sheet");
 }
@@ -233,8 +233,7 @@ void MarkupReader::tellCallbacks(const XmlElement& element) {
             continue;
         hasCallbacks = true;
         add("SEC-23", Severity::Warning,
-            "The ribbon calls back: " + toUDEString(std::u16string(local)) + "=" +
-                shown(toUDEString(std::u16string(attribute.value))));
+            "The ribbon calls back: " + narrow(local) + "=" + shown(narrow(attribute.value)));
         return;
     }
 }
@@ -251,7 +250,7 @@ void MarkupReader::onDatabase(const XmlElement& element) {
     if (source != "Data Model Connection") // the workbook itself
         add("SEC-14", Severity::Warning,
             "The connection " + shown(name) + " asks a data source: " + shown(source));
-    const std::string folded = lowered(source);
+    const std::string folded = toLowerASCII(source);
     if (folded.find("password=") != std::string::npos || folded.find("pwd=") != std::string::npos)
         add("SEC-18", Severity::Warning, "The connection " + shown(name) + " holds a password");
 }

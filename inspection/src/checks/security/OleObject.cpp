@@ -1,6 +1,6 @@
 #include "checks/security/OleObject.hpp"
 
-#include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
 
 #include <algorithm>
 #include <iterator>

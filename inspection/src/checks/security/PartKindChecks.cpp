@@ -1,6 +1,9 @@
 #include "checks/security/SecurityChecks.hpp"
 
+#include "checks/OfficeFormats.hpp"
 #include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
+#include "text/MessageText.hpp"
 
 #include <map>
 #include <set>

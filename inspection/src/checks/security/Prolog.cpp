@@ -1,6 +1,6 @@
 #include "checks/security/Prolog.hpp"
 
-#include "external/RelationshipType.hpp"
+#include "text/CaselessText.hpp"
 
 namespace opc::inspection {
 

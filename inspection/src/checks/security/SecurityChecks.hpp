@@ -19,13 +19,6 @@ void checkFileName(const Subject& subject, Findings& findings, std::string_view 
 
 /// @}
 
-/// A text of the package for a message: cut where it is long.
-std::string shown(std::string_view text);
-
-/// Whether a format of this name, as `Subject::format` gives it, belongs to Word, Excel, PowerPoint or Visio.
-bool isOfficeFormat(std::string_view format);
-bool allowsMacros(std::string_view format);
-
 /// The user whose folder a path leads through (`C:\Users\name\…`, `/home/name/…`); empty if there is none.
 std::string userIn(std::string_view path);
 

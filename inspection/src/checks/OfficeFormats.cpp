@@ -1,0 +1,30 @@
+#include "checks/OfficeFormats.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace opc::inspection {
+
+namespace {
+
+constexpr std::string_view WITH_MACROS[] = {"docm", "dotm", "potm", "ppam", "ppsm", "pptm", "sldm",
+                                            "vsdm", "vssm", "vstm", "xlam", "xlsb", "xlsm", "xltm"};
+constexpr std::string_view WITHOUT_MACROS[] = {"docx", "dotx", "potx", "ppsx", "pptx", "sldx",
+                                               "vsdx", "vssx", "vstx", "xlsx", "xltx"};
+
+template <std::size_t N>
+bool has(const std::string_view (&sorted)[N], std::string_view name) {
+    return std::binary_search(std::begin(sorted), std::end(sorted), name);
+}
+
+} // namespace
+
+bool isOfficeFormat(std::string_view format) {
+    return has(WITH_MACROS, format) || has(WITHOUT_MACROS, format);
+}
+
+bool allowsMacros(std::string_view format) {
+    return has(WITH_MACROS, format);
+}
+
+} // namespace opc::inspection
