@@ -110,11 +110,6 @@ TEST(OfficeRules, structure) {
         {"another format's own main part",
          {relationshipsWith(replaced(toMain, "officeDocument\" T", "x\" T"))},
          ""},
-        {"origin on a part",
-         itemsWithParts(
-             {}, "<Relationship Id='a' Type='http://schemas.openxmlformats.org/package/2006/relationships/"
-                 "digital-signature/origin' Target='o'/>"),
-         "warning P1-3"},
         {"not well-formed",
          {stored("word/document.xml", "<d xmlns:r='http://schemas.openxmlformats.org/"
                                       "officeDocument/2006/relationships'>")},

@@ -14,11 +14,6 @@ constexpr Rule RULES[] = {
     {"P1-1", "Parts in pieces", Severity::Error, OFFICE, "ECMA-376 Part 1",
      "Documents of office programs don't store parts in pieces", "The package was written for streaming", "",
      "Office programs may not find the part", "Store each part as one item"},
-    {"P1-3", "Signatures apart from the document", Severity::Warning, OFFICE, "ECMA-376 Part 1",
-     "The signature origin hangs on the package alone, and no signature part has relationships to parts of "
-     "the document",
-     "The package was changed by hand or by a program that treats signatures as other parts", "",
-     "Readers that look for signatures from the package don't find them", "Sign the document anew"},
     {"P1-4", "Main part", Severity::Error, OFFICE, "ECMA-376 Part 1",
      "A relationship of the package leads to the main part, which lies in the package and has the type of "
      "one",

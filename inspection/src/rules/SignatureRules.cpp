@@ -167,10 +167,9 @@ constexpr Rule RULES[] = {
      "bits.",
      "The signature is old; Office 2007 and 2010 signed with SHA-1.", "", "Readers accept it or warn.",
      "Sign again with SHA-256 and a larger key."},
-    {"P1-3", "Relationship around signatures", Severity::Warning, OFFICE, "",
+    {"P1-3", "Relationship around signatures", Severity::Warning, OFFICE, "ECMA-376 Part 1",
      "The signature origin is the target of the package alone, and signature parts have relationships to "
-     "certificates "
-     "alone.",
+     "certificates alone.",
      "A part was attached to a signature, which no signature covers.", "",
      "Readers don't follow these relationships.", "Remove the relationship."},
 };

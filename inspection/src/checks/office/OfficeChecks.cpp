@@ -22,28 +22,6 @@ void checkPieces(const Subject& subject, Findings& findings) {
             findings.add("P1-1", {part.name}, "The part is stored in pieces");
 }
 
-bool isOrigin(const RelationshipType& type) {
-    return type.name == "origin" && type.hasKnownBase;
-}
-
-/// Relationships of signature parts that lead to parts of the document, and origins that hang on parts.
-void checkSignatureRelationships(const Subject& subject, Findings& findings) {
-    for (const RelationshipsView& relationships : subject.relationships()) {
-        if (relationships.sourcePart == nullptr)
-            continue;
-        const bool isSignature = relationships.sourcePart->mediaType() ==
-                                 "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
-        for (const RelationshipView& entry : relationships.entries) {
-            const Place place = placeAt({relationships.part->name, {}, entry.id}, entry.line, entry.column);
-            if (isOrigin(RelationshipType(entry.type)))
-                findings.add("P1-3", place, "A part leads to a signature origin, not the package");
-            else if (isSignature && entry.part != nullptr &&
-                     entry.part->mediaType().find("officedocument") != std::string::npos)
-                findings.add("P1-3", place, "A signature leads to the part " + entry.part->name);
-        }
-    }
-}
-
 /// Content types of main parts hold one of these words, whichever of document, template and macros they are.
 bool isMainType(const std::string& mediaType) {
     static constexpr std::string_view WORDS[] = {".main", ".main+xml", ".themeManager+xml",
@@ -102,7 +80,6 @@ void checkMainPart(const Subject& subject, Findings& findings) {
 
 void checkOffice(const Subject& subject, Findings& findings) {
     checkPieces(subject, findings);
-    checkSignatureRelationships(subject, findings);
     checkMainPart(subject, findings);
 }
 
