@@ -29,6 +29,8 @@ extern const Command COVERAGE;
 extern const Command CHECK;
 extern const Command EXPLAIN;
 extern const Command EXTERNAL;
+extern const Command ITEMS;
+extern const Command TYPE;
 extern const Command SCHEMA;
 /// @}
 

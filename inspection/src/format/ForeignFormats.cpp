@@ -146,7 +146,7 @@ Format detectText(const std::string& start) {
             return formatOf(known);
         }
     if (isText(start))
-        return formatOf({"", "text", "text/plain", "text"});
+        return formatOf({"", "text", "text/plain", "plain text"});
     return formatOf({"", "unknown", "", "file of an unknown format"});
 }
 
