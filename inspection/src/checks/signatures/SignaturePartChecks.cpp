@@ -94,15 +94,15 @@ private:
         const bool isOrigin = source.sourcePart != nullptr && origins.count(source.sourcePart) != 0;
         const bool isSignature = source.sourcePart != nullptr && reached.count(source.sourcePart) != 0;
         for (const RelationshipView& relationship : source.entries) {
-            const Place place = placeIn(source, relationship);
             if (leadsToOrigin(relationship) && source.source != "/")
-                findings.add("P1-3", place, "A part has a relationship to a signature origin");
-            if (leadsToSignature(relationship) && isOrigin && relationship.isExternal)
-                findings.add("M6.3", place, "The relationship to a signature leads out of the package");
+                findings.add("P1-3", placeIn(source, relationship), "A part has a relationship to a signature origin");
+            if (isOrigin && relationship.isExternal && leadsToSignature(relationship))
+                findings.add("M6.3", placeIn(source, relationship),
+                             "The relationship to a signature leads out of the package");
             if (leadsToCertificate(relationship))
                 checkCertificate(source, relationship);
             else if (isSignature)
-                findings.add("P1-3", place,
+                findings.add("P1-3", placeIn(source, relationship),
                              "A signature part has a relationship that isn't to a certificate");
         }
     }

@@ -11,8 +11,12 @@ const std::string STANDARD_BASE =
 const std::string OWN_BASE = "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/";
 const std::string CONTENT_TYPE = "application/vnd.openxmlformats-package.digital-signature";
 
-bool isOfType(const RelationshipView& relationship, const char* segment) {
-    return relationship.type == STANDARD_BASE + segment || relationship.type == OWN_BASE + segment;
+bool isOfType(const RelationshipView& relationship, std::string_view segment) {
+    const std::string& type = relationship.type;
+    if (type.size() < segment.size() || type.compare(type.size() - segment.size(), segment.size(), segment) != 0)
+        return false;
+    const std::string_view base(type.data(), type.size() - segment.size());
+    return base == STANDARD_BASE || base == OWN_BASE;
 }
 
 int valueOf(char digit) {
