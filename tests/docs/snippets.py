@@ -9,8 +9,10 @@ import pathlib
 import re
 import sys
 
-HEAD = """#include <opc/core/StreamHelper.hpp>
+HEAD = """#include <opc/core/Exception.hpp>
+#include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/inspection/Reports.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>

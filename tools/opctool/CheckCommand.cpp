@@ -1,6 +1,7 @@
 #include "ArchiveFile.hpp"
 #include "BaselineFile.hpp"
 #include "Commands.hpp"
+#include "Failures.hpp"
 #include "Files.hpp"
 #include "RepeatableOption.hpp"
 #include "RuleNames.hpp"
@@ -98,7 +99,7 @@ private:
         try {
             inspectFile(run, arguments, baseline, *file);
         } catch (const opc::Exception& e) {
-            file->failure = e.what();
+            file->failure = describe(e, run.path()).message;
             throw;
         }
         print(run, *file);

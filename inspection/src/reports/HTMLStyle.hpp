@@ -38,7 +38,7 @@ em { font-style: normal; display: block; }
 .badge.info { background: #e1effc; color: #1a4b80; }
 .badge.fine { background: #e0f3e4; color: #1d5c2e; }
 table { width: 100%; margin-top: .8rem; border-collapse: collapse; }
-th { font-weight: 600; color: var(--soft); text-align: left; }
+th { font-weight: 600; color: var(--soft); text-align: left; white-space: nowrap; }
 th, td { padding: .3rem .6rem .3rem 0; border-bottom: 1px solid var(--line); vertical-align: top; }
 th.number, td.number { text-align: right; padding-right: 0; padding-left: .6rem; }
 ul { list-style: none; margin: .4rem 0; padding: 0; }
