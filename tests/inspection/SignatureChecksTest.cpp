@@ -3,6 +3,8 @@
 #include "rules/RuleTable.hpp"
 #include "support/TestCertificates.hpp"
 
+#include <bedrock/crypto/DigestEngine.hpp>
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/Text.hpp>
 
@@ -215,10 +217,24 @@ TEST(SignatureChecks, compareTheKeyWithItsCertificate) {
                "</Modulus></RSAKeyValue></KeyValue><X509Data><X509Certificate>" +
                identity.certificate.getAsString() + "</X509Certificate></X509Data></KeyInfo>";
     };
+    const Identity other = makeIdentity({});
+    const auto named = [&other](const std::string& digest) {
+        return "<KeyInfo><X509Data><X509Certificate>" + other.certificate.getAsString() +
+               "</X509Certificate></X509Data></KeyInfo><Object><x:SigningCertificate "
+               "xmlns:x=\"http://uri.etsi.org/01903/v1.3.2#\"><x:Cert><x:CertDigest><DigestMethod "
+               "Algorithm=\"http://www.w3.org/2001/04/xmlenc#sha256\"/><DigestValue>" +
+               digest + "</DigestValue></x:CertDigest></x:Cert></x:SigningCertificate></Object>";
+    };
+    const auto fingerprint =
+        bedrock::crypto::utils::base64Encode(bedrock::crypto::cryptopp::CryptoProvider()
+                                                 .createDigestEngine(bedrock::crypto::DigestAlgorithm::SHA256)
+                                                 ->computeDigest(other.certificate.getAsByteArray()));
     const struct {
         std::string keyInfo;
         const char* rules;
     } cases[] = {
+        {named(toUDEString(fingerprint)), ""},
+        {named("AAAA"), "M6.21"},
         {keyInfo(2048, 2048), ""},
         {keyInfo(2048, 1024), "M6.21"},
         {keyInfo(1024, 1024), "SEC-74"},

@@ -84,7 +84,9 @@ constexpr Rule RULES[] = {
      "A signature was made by a general program for XML signatures, or was forged.", "",
      "Careful readers refuse the signature; others run the transform, as XSLT.", "Sign again."},
     {"M6.21", "Key that isn't the certificate's", Severity::Warning, BOTH, "M6.21",
-     "If a signature holds a key and certificates, the key is that of one of them.",
+     "If a signature holds certificates, the key in it is that of one of them, and so is the certificate "
+     "that its signed "
+     "properties (XAdES) name.",
      "The certificate was exchanged: nothing in it is signed.", "",
      "A reader checks by the key and shows the certificate's owner as the signer.",
      "Don't trust the signature; sign again."},

@@ -18,6 +18,7 @@ using model::XmlPlace;
 constexpr std::u16string_view XML_SIGNATURE = u"http://www.w3.org/2000/09/xmldsig#";
 constexpr std::u16string_view PACKAGE_SIGNATURE =
     u"http://schemas.openxmlformats.org/package/2006/digital-signature";
+constexpr std::u16string_view ADVANCED = u"http://uri.etsi.org/01903/v1.3.2#"; // XAdES
 constexpr std::u16string_view COMPATIBILITY = u"http://schemas.openxmlformats.org/markup-compatibility/2006";
 
 constexpr std::size_t MOST_TEXT = std::size_t{64} * 1024; // of one element: a certificate
@@ -47,7 +48,10 @@ enum class Place {
     Certificate,
     KeyValue,
     Modulus,
-    Exponent
+    Exponent,
+    SigningCertificate,
+    SigningCertificateData, ///< an element in it
+    CertificateDigest
 };
 
 class SignatureReader : public model::XmlEvents {
@@ -94,8 +98,11 @@ private:
     Place enter(const XmlElement& element, Place parent) {
         if (element.namespaceURI() == PACKAGE_SIGNATURE)
             return enterOfPackage(element, parent);
-        if (element.namespaceURI() != XML_SIGNATURE)
-            return enterForeign(parent);
+        if (element.namespaceURI() != XML_SIGNATURE) {
+            noteForeign(parent);
+            return element.namespaceURI() == ADVANCED ? enterAdvanced(element.localName(), parent)
+                                                      : Place::Other;
+        }
         const std::u16string_view name = element.localName();
         switch (parent) {
         case Place::Other:
@@ -120,15 +127,16 @@ private:
         case Place::KeyInfo:
         case Place::KeyValue:
             return enterInKeyInfo(name);
+        case Place::SigningCertificateData:
+            return enterCertificateDigest(element, name);
         default:
             return Place::Other;
         }
     }
 
-    Place enterForeign(Place parent) {
+    void noteForeign(Place parent) {
         if (parent == Place::PackageObject || parent == Place::Object)
             ++document.objects.back().others;
-        return Place::Other;
     }
 
     Place enterSignature(const XmlElement& element) {
@@ -206,7 +214,8 @@ private:
             return ++document.properties.back().times, Place::Time;
         if (parent == Place::Time)
             return name == u"Format" ? Place::TimeFormat : name == u"Value" ? Place::TimeValue : Place::Other;
-        return enterForeign(parent);
+        noteForeign(parent);
+        return Place::Other;
     }
 
     /// X509Data and RSAKeyValue only hold what is looked at.
@@ -218,6 +227,22 @@ private:
         return name == u"Modulus" ? Place::Modulus : name == u"Exponent" ? Place::Exponent : Place::Other;
     }
 
+    Place enterAdvanced(std::u16string_view name, Place parent) {
+        if (name == u"SigningCertificate" || name == u"SigningCertificateV2")
+            return Place::SigningCertificate;
+        const bool isInside = parent == Place::SigningCertificate || parent == Place::SigningCertificateData;
+        return isInside ? Place::SigningCertificateData : Place::Other;
+    }
+
+    /// The first is the signer's.
+    Place enterCertificateDigest(const XmlElement& element, std::u16string_view name) {
+        if (!document.certificateDigest.empty())
+            return Place::Other;
+        if (name == u"DigestMethod")
+            document.certificateDigestMethod = narrow(element.valueOf({}, u"Algorithm"));
+        return name == u"DigestValue" ? Place::CertificateDigest : Place::Other;
+    }
+
     std::string* textOf(Place place) {
         switch (place) {
         case Place::TimeFormat:
@@ -226,6 +251,8 @@ private:
             return &document.properties.back().timeValue;
         case Place::Certificate:
             return &document.certificates.back();
+        case Place::CertificateDigest:
+            return &document.certificateDigest;
         case Place::Modulus:
             return &document.modulus;
         case Place::Exponent:

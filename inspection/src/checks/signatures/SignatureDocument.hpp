@@ -57,8 +57,10 @@ struct SignatureDocument {
     std::vector<SignatureProperty> properties;        ///< of the package objects
     std::map<std::string, std::size_t> ids;           ///< how often each Id stands in the document
     std::vector<std::string> certificates;            ///< Base64
-    std::string modulus, exponent;                    ///< Base64, of the key value
-    bool packageObjectUsesCompatibility = false;      ///< has names of markup compatibility
+    std::string certificateDigest; ///< Base64: of the signer's certificate, in the signed properties (XAdES)
+    std::string certificateDigestMethod;
+    std::string modulus, exponent;               ///< Base64, of the key value
+    bool packageObjectUsesCompatibility = false; ///< has names of markup compatibility
     SignaturePlace compatibilityPlace;
 
     std::vector<const SignatureObject*> packageObjects() const;

@@ -95,7 +95,8 @@ private:
         const bool isSignature = source.sourcePart != nullptr && reached.count(source.sourcePart) != 0;
         for (const RelationshipView& relationship : source.entries) {
             if (leadsToOrigin(relationship) && source.source != "/")
-                findings.add("P1-3", placeIn(source, relationship), "A part has a relationship to a signature origin");
+                findings.add("P1-3", placeIn(source, relationship),
+                             "A part has a relationship to a signature origin");
             if (isOrigin && relationship.isExternal && leadsToSignature(relationship))
                 findings.add("M6.3", placeIn(source, relationship),
                              "The relationship to a signature leads out of the package");

@@ -2,6 +2,9 @@
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/crypto/CryptoEngine.hpp>
+#include <bedrock/crypto/DigestEngine.hpp>
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/Text.hpp>
 
@@ -80,18 +83,38 @@ private:
     void checkKeys() {
         const Bytes key = withoutLeadingZeros(decode(document.modulus));
         bool isCertified = key.empty() || document.certificates.empty();
+        bool isSigned = document.certificates.empty();
         Bytes first;
         for (const std::string& text : document.certificates) {
-            const Bytes modulus = X509Certificate(decode(text)).getModulus();
+            const Bytes certificate = decode(text);
+            const Bytes modulus = X509Certificate(certificate).getModulus();
             isCertified = isCertified || modulus == key;
+            isSigned = isSigned || isNamed(certificate);
             if (first.empty())
                 first = modulus;
         }
+        if (!isSigned)
+            add("M6.21", {}, "The signature was made with another certificate than the one in it");
         if (!isCertified)
             add("M6.21", {}, "The key in the signature isn't that of its certificate");
         const std::size_t bits = 8 * (key.empty() ? first : key).size();
         if (bits != 0 && bits < SMALLEST_KEY)
             add("SEC-74", {}, "The key has only " + std::to_string(bits) + " bits");
+    }
+
+    /// Whether the signed properties name this certificate, if they name one by a digest that we know.
+    bool isNamed(const Bytes& certificate) const {
+        using bedrock::crypto::DigestAlgorithm;
+        const std::string method = lastSegment(document.certificateDigestMethod);
+        for (const auto& [name, algorithm] : {std::pair("sha1", DigestAlgorithm::SHA1),
+                                              {"sha256", DigestAlgorithm::SHA256},
+                                              {"sha384", DigestAlgorithm::SHA384},
+                                              {"sha512", DigestAlgorithm::SHA512}})
+            if (method == name)
+                return bedrock::crypto::cryptopp::CryptoProvider()
+                           .createDigestEngine(algorithm)
+                           ->computeDigest(certificate) == decode(document.certificateDigest);
+        return true;
     }
 
     const SignatureDocument& document;

@@ -13,7 +13,8 @@ const std::string CONTENT_TYPE = "application/vnd.openxmlformats-package.digital
 
 bool isOfType(const RelationshipView& relationship, std::string_view segment) {
     const std::string& type = relationship.type;
-    if (type.size() < segment.size() || type.compare(type.size() - segment.size(), segment.size(), segment) != 0)
+    if (type.size() < segment.size() ||
+        type.compare(type.size() - segment.size(), segment.size(), segment) != 0)
         return false;
     const std::string_view base(type.data(), type.size() - segment.size());
     return base == STANDARD_BASE || base == OWN_BASE;
