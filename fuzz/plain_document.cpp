@@ -1,5 +1,6 @@
 #include "FuzzTarget.hpp"
 
+#include "support/EventComparison.hpp"
 #include "support/ScannerComparison.hpp"
 #include "support/SignatureComparison.hpp"
 
@@ -18,5 +19,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (auto& comparison : comparisons)
         requireNone(comparison.findDifference(document));
     requireNone(signatures.findDifference(document));
+    requireNone(opc::test::findEventDifference(document));
     return 0;
 }

@@ -39,8 +39,7 @@ public:
                 throw InvalidXMLDocument(TAG_IS_TOO_LONG);
             if (stream.isDone())
                 return 0;
-            // Xerces trusts the count: a larger one would make it read beyond its buffer.
-            const auto count = std::min<std::uint64_t>(stream.read(toFill, maxToRead), maxToRead);
+            const std::uint64_t count = readEnough(toFill, maxToRead);
             position += count;
             state.bytesSinceLastToken += count;
             return static_cast<XMLSize_t>(count);
@@ -53,6 +52,21 @@ public:
     const XMLCh* getContentType() const override { return nullptr; }
 
 private:
+    /// Xerces tells the encoding by the first bytes that it is given.
+    static constexpr std::uint64_t ENOUGH_TO_START = 64;
+
+    std::uint64_t readEnough(XMLByte* toFill, std::uint64_t most) {
+        std::uint64_t count = 0;
+        while (count < std::min(ENOUGH_TO_START, most) && !stream.isDone()) {
+            // Xerces trusts the count: more than there is room for would make it read behind its buffer.
+            const auto got = std::min<std::uint64_t>(stream.read(toFill + count, most - count), most - count);
+            if (got == 0)
+                break;
+            count += got;
+        }
+        return count;
+    }
+
     InputStream& stream;
     SourceState& state;
     XMLFilePos position = 0;

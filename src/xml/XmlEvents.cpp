@@ -1,7 +1,8 @@
-#include <opc/model/XmlEvents.hpp>
+#include "xml/EventParsing.hpp"
 
 #include "xml/DocumentLimits.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
+#include "xml/EventScanner.hpp"
 #include "xml/ParserSettings.hpp"
 #include "xml/ReusedParser.hpp"
 #include "xml/XercesFailures.hpp"
@@ -15,6 +16,7 @@
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -93,10 +95,11 @@ public:
     void endElement(const xercesc::XMLElementDecl&, unsigned int, bool, const XMLCh*) override {
         events.onEnd();
     }
-    void docCharacters(const XMLCh* text, XMLSize_t length, bool) override { events.onText({text, length}); }
-    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool) override {
-        events.onText({text, length});
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool) override {
+        if (length != 0)
+            events.onText({text, length});
     }
+    void ignorableWhitespace(const XMLCh*, XMLSize_t, bool) override {} // outside the root
     void docComment(const XMLCh*) override {}
     void docPI(const XMLCh*, const XMLCh*) override {}
     void startEntityReference(const xercesc::XMLEntityDecl&) override {}
@@ -147,6 +150,46 @@ private:
     std::exception_ptr failure;
 };
 
+/// Passes on what comes behind the events that were told already.
+class RemainingEvents final : public XmlEvents {
+public:
+    RemainingEvents(XmlEvents& events, const ToldEvents& told) : events(events), told(told) {}
+
+    void onDeclaration(std::u16string_view encoding) override {
+        if (!told.declaration)
+            events.onDeclaration(encoding);
+    }
+    void onStart(const XmlElement& element, const XmlPlace& behind) override {
+        if (isNextTagNew())
+            events.onStart(element, behind);
+    }
+    void onEnd() override {
+        if (isNextTagNew())
+            events.onEnd();
+    }
+    void onText(std::u16string_view text) override {
+        if (told.tags != 0)
+            return;
+        const std::size_t known = static_cast<std::size_t>(std::min<std::uint64_t>(told.text, text.size()));
+        told.text -= known;
+        if (known < text.size())
+            events.onText(text.substr(known));
+    }
+
+private:
+    bool isNextTagNew() {
+        if (told.tags != 0) {
+            --told.tags;
+            return false;
+        }
+        told.text = 0;
+        return true;
+    }
+
+    XmlEvents& events;
+    ToldEvents told;
+};
+
 IdleParsers& eventParsers() {
     static IdleParsers& parsers = *new IdleParsers([] { return XercesHelper::createParser(); });
     return parsers;
@@ -178,6 +221,16 @@ void parse(xercesc::DOMLSParser* parser, InputStream& stream, XmlEvents& events)
 } // namespace
 
 void readXmlDocument(InputStream& stream, XmlEvents& events) {
+    EventScanner scanner(stream, events);
+    if (scanner.scan())
+        return;
+    stream.close();
+    stream.open();
+    RemainingEvents rest(events, scanner.told());
+    parseXmlDocument(stream, rest);
+}
+
+void parseXmlDocument(InputStream& stream, XmlEvents& events) {
     const XercesGuard guard;
     ReusedParser parser(eventParsers());
     parser.use(stream, [&events](xercesc::DOMLSParser* owned, InputStream& counted) {

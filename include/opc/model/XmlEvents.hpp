@@ -40,7 +40,8 @@ public:
     virtual XmlNamespaceDeclaration declaration(std::size_t index) const = 0;
 
     /// The value of an attribute; a view of null if the element doesn't have it.
-    std::u16string_view valueOf(std::u16string_view namespaceURI, std::u16string_view localName) const {
+    virtual std::u16string_view valueOf(std::u16string_view namespaceURI,
+                                        std::u16string_view localName) const {
         for (std::size_t i = 0; i < attributeCount(); ++i) {
             const XmlAttribute found = attribute(i);
             if (found.localName == localName && found.namespaceURI == namespaceURI)
@@ -86,7 +87,8 @@ protected:
 /// A document type declaration is refused, and so is a document that is built to exhaust a reader: elements nested deeper
 /// than 1,000, more than 1,000 attributes of an element, 10,000 comments, 2,000 different names, or 4 MiB in one tag.
 ///
-/// @param stream  is read from its position
+/// @param stream  open, at its first byte. A document of an unusual form is read again from the beginning: then the
+///                stream is closed and opened
 /// @throws InvalidXMLDocument  the document isn't well-formed, or is refused; `details()` names the line and the column
 /// @throws the exceptions of the stream and of `events`, unchanged
 OPC_MODEL_EXPORT void readXmlDocument(InputStream& stream, XmlEvents& events);

@@ -20,7 +20,10 @@ class HeadKeepingStream final : public InputStream {
 public:
     explicit HeadKeepingStream(InputStream& stream) : stream(stream) {}
 
-    void open() override { stream.open(); }
+    void open() override {
+        stream.open();
+        head.clear();
+    }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
         const std::uint64_t got = stream.read(buffer, count);
         const std::size_t kept = std::min<std::size_t>(got, LONGEST_PROLOG - head.size());

@@ -1,0 +1,282 @@
+#include "xml/EventScanner.hpp"
+
+#include "xml/PlainCharacters.hpp"
+#include "xml/PlainDocument.hpp"
+
+#include <algorithm>
+
+namespace opc::model {
+
+namespace {
+
+constexpr std::size_t MOST_ASIDES = 5000; // half of what the parser refuses
+constexpr std::string_view CDATA = "<![CDATA[";
+
+bool isSpace(char c) {
+    return plain::is(c, plain::Space);
+}
+
+bool begins(const char* at, const char* end, std::string_view expected) {
+    return std::string_view(at, static_cast<std::size_t>(end - at)).substr(0, expected.size()) == expected;
+}
+
+/// Where a terminator stands; null if it isn't at hand.
+const char* find(const char* at, const char* end, std::string_view terminator) {
+    const std::size_t place = std::string_view(at, static_cast<std::size_t>(end - at)).find(terminator);
+    return place == std::string_view::npos ? nullptr : at + place;
+}
+
+/// In text, these stand as they are: printable ASCII but for markup and a bracket.
+constexpr bool isPlainText(char c) {
+    return plain::is(c, plain::DoubleQuoted | plain::SingleQuoted) && c != ']';
+}
+
+} // namespace
+
+bool EventScanner::scan() {
+    if (!scanDeclaration())
+        return false;
+    for (;;) {
+        if (window.at == window.end && !window.more())
+            return hasRoot && openElements.empty();
+        switch (*window.at == '<' ? takeMarkup() : takeText()) {
+        case Scanned::Taken:
+            break;
+        case Scanned::Incomplete:
+            if (!window.more())
+                return false;
+            break;
+        case Scanned::NotPlain:
+            return false;
+        }
+    }
+}
+
+bool EventScanner::scanDeclaration() {
+    constexpr std::ptrdiff_t LONGEST = 200;
+    while (window.end - window.at < LONGEST && window.more()) {
+    }
+    if (begins(window.at, window.end, "\xEF\xBB\xBF")) {
+        window.at += 3;
+        lines.lineStart += 3;
+    }
+    if (!begins(window.at, window.end, "<?xml") || (window.end - window.at > 5 && !isSpace(window.at[5])))
+        return true;
+    const char* const end = find(window.at, std::min(window.end, window.at + LONGEST), "?>");
+    if (end == nullptr || !takeDeclaration({window.at + 5, static_cast<std::size_t>(end - window.at) - 5}))
+        return false;
+    window.at = end + 2;
+    return true;
+}
+
+/// @param declaration  what stands between its name and its end
+bool EventScanner::takeDeclaration(std::string_view declaration) {
+    if (declaration.find_first_of("\r\n") != std::string_view::npos) // the parser doesn't count these lines
+        return false;
+    PlainTexts texts;
+    const std::string tag = std::string(declaration) + "/>";
+    PlainReader reader(tag, texts);
+    PlainAttributes found;
+    bool isEmpty = false;
+    if (!reader.takeAttributes(found, isEmpty) || !reader.atEnd() || !texts.empty())
+        return false;
+    std::string_view encoding;
+    std::string_view last;
+    for (const PlainAttribute& attribute : found) {
+        const bool isRight =
+            attribute.name == "version" ? last.empty() && attribute.value == "1.0"
+            : attribute.name == "encoding"
+                ? last == "version" && (attribute.value == "UTF-8" || attribute.value == "utf-8")
+            : attribute.name == "standalone"
+                ? !last.empty() && (attribute.value == "yes" || attribute.value == "no")
+                : false;
+        if (!isRight)
+            return false;
+        last = attribute.name;
+        if (attribute.name == "encoding")
+            encoding = attribute.value;
+    }
+    if (last.empty())
+        return false;
+    toldEvents.declaration = true;
+    events.onDeclaration(widen(encoding));
+    return true;
+}
+
+Scanned EventScanner::takeMarkup() {
+    if (window.end - window.at < 2)
+        return Scanned::Incomplete;
+    const ScannedLines before = lines;
+    Scanned result = Scanned::NotPlain;
+    if (window.at[1] == '/')
+        result = takeEndTag();
+    else if (window.at[1] == '?')
+        result = takeInstruction();
+    else if (window.at[1] != '!')
+        result = takeStartTag();
+    else if (begins(window.at, window.end, "<!--"))
+        result = takeComment();
+    else if (begins(window.at, window.end, CDATA))
+        return takeCharacterData();
+    else if (window.end - window.at < static_cast<std::ptrdiff_t>(CDATA.size()))
+        result = Scanned::Incomplete;
+    if (result == Scanned::Incomplete)
+        lines = before;
+    return result;
+}
+
+Scanned EventScanner::takeText() {
+    const char* const begin = window.at;
+    const Scanned result = takeTextRun();
+    return result == Scanned::Incomplete && window.at != begin ? Scanned::Taken : result;
+}
+
+/// Takes text up to the next markup, as far as it is at hand.
+Scanned EventScanner::takeTextRun() {
+    const char* p = window.at;
+    if (openElements.empty()) { // only white space may stand there
+        skipSpace(p);
+        if (p == window.at)
+            return Scanned::NotPlain;
+        window.at = p;
+        return Scanned::Taken;
+    }
+    while (p != window.end && *p != '<') {
+        if (textSize >= LONGEST_PIECE)
+            tellText();
+        if (isPlainText(*p)) {
+            putPlainText(p);
+        } else {
+            const ScannedLines before = lines;
+            std::uint32_t code = 0;
+            const Scanned result = *p == '&'   ? decodeReference(p, window.end, code)
+                                   : *p == ']' ? takeBracket(p, code)
+                                               : takeOddCharacter(p, code);
+            if (result != Scanned::Taken) {
+                lines = before;
+                return result;
+            }
+            putText(code);
+        }
+        window.at = p;
+    }
+    return Scanned::Taken;
+}
+
+void EventScanner::putPlainText(const char*& p) {
+    const char* const last = std::min(window.end, p + (LONGEST_PIECE - textSize));
+    char16_t* target = text.data() + textSize;
+    while (p != last && isPlainText(*p))
+        *target++ = static_cast<unsigned char>(*p++);
+    textSize = static_cast<std::size_t>(target - text.data());
+}
+
+void EventScanner::putText(std::uint32_t code) {
+    textSize = static_cast<std::size_t>(putCharacter(code, text.data() + textSize) - text.data());
+}
+
+/// A bracket may stand in text, but not in front of another one and `>`.
+Scanned EventScanner::takeBracket(const char*& p, std::uint32_t& code) {
+    if (window.end - p < 3)
+        return Scanned::Incomplete;
+    if (p[1] == ']' && p[2] == '>')
+        return Scanned::NotPlain;
+    ++p;
+    code = ']';
+    return Scanned::Taken;
+}
+
+Scanned EventScanner::takeCharacterData() {
+    const char* p = window.at + CDATA.size();
+    const char* const textEnd = find(p, window.end, "]]>");
+    if (openElements.empty())
+        return Scanned::NotPlain;
+    if (textEnd == nullptr)
+        return Scanned::Incomplete;
+    while (p != textEnd) {
+        if (textSize >= LONGEST_PIECE)
+            tellText();
+        std::uint32_t code = 0;
+        if (takeOddCharacter(p, code) != Scanned::Taken)
+            return Scanned::NotPlain;
+        putText(code);
+    }
+    window.at = textEnd + 3;
+    return Scanned::Taken;
+}
+
+void EventScanner::tellText() {
+    if (textSize == 0)
+        return;
+    const std::size_t size = textSize;
+    textSize = 0;
+    toldEvents.text += size;
+    events.onText({text.data(), size});
+}
+
+Scanned EventScanner::takeComment() {
+    const char* p = window.at + 4;
+    const char* const textEnd = find(p, window.end, "--");
+    if (textEnd == nullptr || window.end - textEnd < 3)
+        return Scanned::Incomplete;
+    if (textEnd[2] != '>' || ++asides > MOST_ASIDES || !skipCharacters(p, textEnd))
+        return Scanned::NotPlain;
+    window.at = textEnd + 3;
+    return Scanned::Taken;
+}
+
+Scanned EventScanner::takeInstruction() {
+    const char* p = window.at + 2;
+    const char* const textEnd = find(p, window.end, "?>");
+    if (textEnd == nullptr)
+        return Scanned::Incomplete;
+    const ScannedName* target = nullptr;
+    if (takeName(p, target) != Scanned::Taken || target->hasPrefix() || ++asides > MOST_ASIDES)
+        return Scanned::NotPlain;
+    const bool isReserved = target->text.size() >= 3 && (target->text[0] | 0x20) == 'x' &&
+                            (target->text[1] | 0x20) == 'm' && (target->text[2] | 0x20) == 'l';
+    if (isReserved || (p != textEnd && !isSpace(*p)) || !skipCharacters(p, textEnd))
+        return Scanned::NotPlain;
+    window.at = textEnd + 2;
+    return Scanned::Taken;
+}
+
+/// @return whether all characters up to there are valid
+bool EventScanner::skipCharacters(const char*& p, const char* textEnd) {
+    while (p < textEnd) {
+        std::uint32_t code = 0;
+        if (takeOddCharacter(p, code) != Scanned::Taken)
+            return false;
+    }
+    return p == textEnd;
+}
+
+/// Any character that stands for itself. Line breaks of each kind are one.
+Scanned EventScanner::takeOddCharacter(const char*& p, std::uint32_t& code) {
+    if (*p == '\r') {
+        if (window.end - p < 2)
+            return Scanned::Incomplete;
+        p += p[1] == '\n' ? 1 : 0;
+        code = '\n';
+        lines.addBreak('\n', window.offsetOf(++p));
+        return Scanned::Taken;
+    }
+    const char* const begin = p;
+    if (const Scanned result = decodeCharacter(p, window.end, code); result != Scanned::Taken)
+        return result;
+    if (code == '\n')
+        lines.addBreak('\n', window.offsetOf(p));
+    lines.lineStart += static_cast<std::uint64_t>(p - begin) - (code < 0x10000 ? 1 : 2);
+    return Scanned::Taken;
+}
+
+/// @return whether there was any
+bool EventScanner::skipSpace(const char*& p) {
+    const char* const begin = p;
+    for (; p != window.end && isSpace(*p); ++p)
+        if (*p == '\n' || *p == '\r')
+            lines.addBreak(*p, window.offsetOf(p + 1));
+    return p != begin;
+}
+
+} // namespace opc::model

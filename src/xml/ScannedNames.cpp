@@ -1,0 +1,76 @@
+#include "xml/ScannedNames.hpp"
+
+#include "xml/PlainCharacters.hpp"
+#include "xml/PlainDocument.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace opc::model {
+
+namespace {
+
+const std::u16string XML_NAMESPACE = u"http://www.w3.org/XML/1998/namespace";
+
+std::size_t hashOf(std::string_view text) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    const std::size_t size = std::min(text.size(), sizeof first);
+    std::memcpy(&first, text.data(), size);
+    std::memcpy(&last, text.data() + text.size() - size, size);
+    std::uint64_t hash = (first ^ (last << 1) ^ text.size()) * 0x9E3779B97F4A7C15;
+    return static_cast<std::size_t>(hash >> 48);
+}
+
+bool canBegin(std::string_view part) {
+    return !part.empty() && (plain::is(part.front(), plain::Letter) || part.front() == '_');
+}
+
+} // namespace
+
+ScannedNames::ScannedNames() {
+    prefix(u"xml").namespaces.push_back(&XML_NAMESPACE);
+}
+
+ScannedName* ScannedNames::find(std::string_view text) {
+    if (text.empty())
+        return nullptr;
+    for (std::size_t place = hashOf(text);; ++place) {
+        std::uint16_t& entry = table[place % TABLE_SIZE];
+        if (entry != 0 && names[entry - 1U].text == text)
+            return &names[entry - 1U];
+        if (entry != 0)
+            continue;
+        ScannedName* const added = add(text);
+        if (added != nullptr)
+            entry = static_cast<std::uint16_t>(names.size());
+        return added;
+    }
+}
+
+ScannedName* ScannedNames::add(std::string_view text) {
+    const std::size_t colon = text.find(':');
+    const std::size_t begin = colon == std::string_view::npos ? 0 : colon + 1;
+    const bool isPlain = canBegin(text) && canBegin(text.substr(begin)) &&
+                         text.find(':', begin) == std::string_view::npos && names.size() < MOST_NAMES;
+    if (!isPlain)
+        return nullptr;
+    ScannedName& name = names.emplace_back();
+    name.text = text;
+    name.wide = widen(text);
+    name.local = std::u16string_view(name.wide).substr(begin);
+    name.prefix = &prefix(std::u16string_view(name.wide).substr(0, begin == 0 ? 0 : colon));
+    return &name;
+}
+
+ScannedPrefix& ScannedNames::prefix(std::u16string_view name) {
+    const auto found = std::find_if(prefixes.begin(), prefixes.end(),
+                                    [name](const ScannedPrefix& known) { return known.name == name; });
+    if (found != prefixes.end())
+        return *found;
+    ScannedPrefix& added = prefixes.emplace_back();
+    added.name = name;
+    return added;
+}
+
+} // namespace opc::model
