@@ -110,6 +110,10 @@ TEST(OfficeRules, structure) {
         {"another format's own main part",
          {relationshipsWith(replaced(toMain, "officeDocument\" T", "x\" T"))},
          ""},
+        {"pieces",
+         {stored("word/x.xml/[0].piece", "<a"), stored("word/x.xml/[1].last.piece", "/>"),
+          test::contentTypesWith("<Default Extension='xml' ContentType='application/xml'/>")},
+         "error P1-1"},
         {"not well-formed",
          {stored("word/document.xml", "<d xmlns:r='http://schemas.openxmlformats.org/"
                                       "officeDocument/2006/relationships'>")},

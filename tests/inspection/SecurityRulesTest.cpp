@@ -71,9 +71,14 @@ TEST(SecurityRules, externalTargets) {
 }
 
 TEST(SecurityRules, kindsOfParts) {
+    const std::string macros = "application/vnd.ms-office.vbaProject";
     const struct {
         std::string relationship, name, type, expected;
     } cases[] = {
+        {"", "word/vbaProject.bin", "application/octet-stream", "error SEC-20"},
+        {"", "word/x.bin", macros, "error SEC-20"},
+        {"http://schemas.microsoft.com/office/2006/relationships/vbaProject", "word/x.bin", "a/b",
+         "error SEC-20"},
         {"", "word/vbaProject.bin.txt", "a/b", ""},
         {"", "xl/macrosheets/sheet1.xml", "application/vnd.ms-excel.macrosheet+xml", "error SEC-21"},
         {"", "xl/sheet1.xml", "application/vnd.ms-excel.sheet+xml", ""},
@@ -198,6 +203,7 @@ TEST(SecurityRules, content) {
         {"image/png", ole, "error SEC-41"},
         {"image/png", "unknown", ""},
         {"image/png", program, "error SEC-41"},
+        {"a/b", program, "error SEC-41"},
         {"a/b", "MZ" + std::string(100, 'x'), ""},
         {"application/xml",
          "\x7F"
@@ -227,6 +233,10 @@ TEST(SecurityRules, content) {
 TEST(SecurityRules, itemsAndNames) {
     EXPECT_EQ(told({stored("__MACOSX/._a", "x")}), "warning SEC-31");
     EXPECT_EQ(told({stored("[trash]/0000.dat", "x")}), "");
+    const std::pair<const char*, const char*> names[] = {
+        {"a.docx", ""}, {"a.DOCM", "error SEC-40"}, {"a.zip", ""}, {"docm", ""}};
+    for (const auto& [name, expected] : names)
+        EXPECT_EQ(told({}, name), expected) << name;
 }
 
 } // namespace

@@ -37,7 +37,10 @@ void checkHiddenItems(const Subject& subject, Findings& findings) {
 }
 
 void checkFileName(const Subject& subject, Findings& findings, std::string_view fileName) {
-    const std::string extension = toLowerASCII(fileName.substr(fileName.rfind('.') + 1));
+    const std::size_t dot = fileName.rfind('.');
+    if (dot == std::string_view::npos)
+        return;
+    const std::string extension = toLowerASCII(fileName.substr(dot + 1));
     const std::string& format = subject.format();
     if (!isOfficeFormat(extension) || !isOfficeFormat(format) || extension == "xlsb" || format == "xlsb" ||
         allowsMacros(extension) == allowsMacros(format))
