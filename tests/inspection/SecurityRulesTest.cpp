@@ -233,10 +233,23 @@ TEST(SecurityRules, content) {
 TEST(SecurityRules, itemsAndNames) {
     EXPECT_EQ(told({stored("__MACOSX/._a", "x")}), "warning SEC-31");
     EXPECT_EQ(told({stored("[trash]/0000.dat", "x")}), "");
-    const std::pair<const char*, const char*> names[] = {
-        {"a.docx", ""}, {"a.DOCM", "error SEC-40"}, {"a.zip", ""}, {"docm", ""}};
-    for (const auto& [name, expected] : names)
-        EXPECT_EQ(told({}, name), expected) << name;
+    const std::string plain =
+        "application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml";
+    const RawItem types = test::contentTypesWith("");
+    std::string withMacros = types.data;
+    withMacros.replace(withMacros.find(plain), plain.size(),
+                       "application/vnd.ms-word.document.macroEnabled.main+xml");
+    const struct {
+        const char* name;
+        std::string ofPlain, ofMacros;
+    } names[] = {{"a.docx", "", "error SEC-40"},
+                 {"a.DOCM", "warning SEC-40", ""},
+                 {"a.zip", "", ""},
+                 {"docm", "", ""}};
+    for (const auto& [name, ofPlain, ofMacros] : names) {
+        EXPECT_EQ(told({}, name), ofPlain) << name;
+        EXPECT_EQ(told({stored(types.name, withMacros)}, name), ofMacros) << name;
+    }
 }
 
 } // namespace

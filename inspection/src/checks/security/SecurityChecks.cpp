@@ -45,7 +45,7 @@ void checkFileName(const Subject& subject, Findings& findings, std::string_view 
     if (!isOfficeFormat(extension) || !isOfficeFormat(format) || extension == "xlsb" || format == "xlsb" ||
         allowsMacros(extension) == allowsMacros(format))
         return;
-    findings.add("SEC-40", {},
+    findings.add("SEC-40", allowsMacros(format) ? Severity::Error : Severity::Warning, {},
                  "The file is named ." + extension + ", and its content is " + format +
                      (allowsMacros(format) ? ", which can have macros" : ", which can't have macros"));
 }
