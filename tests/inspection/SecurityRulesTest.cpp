@@ -170,9 +170,29 @@ TEST(SecurityRules, markup) {
          "<HyperlinkBase> </HyperlinkBase></Properties>",
          ""},
         {"<svg xmlns='http://www.w3.org/2000/svg'><script/></svg>", "info SEC-43"},
+        {"<svg xmlns='http://www.w3.org/2000/svg'><use x:href='//host/a' "
+         "xmlns:x='http://www.w3.org/1999/xlink'/></svg>",
+         "info SEC-43"},
+        {"<svg xmlns='http://www.w3.org/2000/svg'><use href='#a'/><image "
+         "href='data:image/png;base64,'/></svg>",
+         ""},
     };
     for (const auto& [xml, expected] : cases)
         EXPECT_EQ(told(itemsWithParts({{"part.xml", "application/xml", xml}})), expected) << xml;
+}
+
+TEST(SecurityRules, hiddenLinesOfSheets) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"<row hidden='1'/>", "info SEC-65"},
+        {"<cols><col hidden=\"true\"/></cols>", "info SEC-65"},
+        {"<row hidden='0'/>", ""}};
+    for (const auto& [xml, expected] : cases)
+        EXPECT_EQ(
+            told(itemsWithParts(
+                {{"sheet.xml", "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml",
+                  "<worksheet " + SHEET + ">" + xml + "</worksheet>"}})),
+            expected)
+            << xml;
 }
 
 TEST(SecurityRules, encodingsHideNoMarkup) {
@@ -218,6 +238,7 @@ TEST(SecurityRules, content) {
         {"a/b", object("invoice.txt"), "warning SEC-30"},
         {"a/b", object("invoice.pdf.exe"), "error SEC-30"},
         {"a/b", ole + "\2 invoice.exe", ""},
+        {"a/b", ole + std::string("_\0V\0B\0A\0_\0P\0R\0O\0J\0E\0C\0T\0", 24), "warning SEC-20"},
         {"application/xml", "<!DOCTYPE a [<!ENTITY b SYSTEM 'file:///etc/passwd'>]><a/>", "error SEC-22"},
         {"application/xml", "<?a <!DOCTYPE?><!-- <!DOCTYPE a> -->\n<a><![CDATA[<!DOCTYPE a>]]></a>", ""},
         {"application/xml", "<!--" + std::string(70000, '-') + "--><!DOCTYPE a><a/>", "error SEC-22"},

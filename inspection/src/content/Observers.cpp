@@ -26,7 +26,7 @@ std::vector<std::unique_ptr<ContentObserver>> makeContentObservers(const Subject
         observers.push_back(makeMarkupCompatibilityObserver(findings));
     if (findings.wants("P1-5"))
         observers.push_back(makeRelationshipIdObserver(subject, findings));
-    if (wantsAny(findings, {"SEC-22", "SEC-30", "SEC-41", "SEC-68"}))
+    if (wantsAny(findings, {"SEC-20", "SEC-22", "SEC-30", "SEC-41", "SEC-68"}))
         observers.push_back(makeContentKindObserver(subject, findings));
     if (wantsAny(findings, {"SEC-08", "SEC-14", "SEC-15", "SEC-23", "SEC-25", "SEC-26", "SEC-29", "SEC-43",
                             "SEC-63", "SEC-65", "SEC-67"}))

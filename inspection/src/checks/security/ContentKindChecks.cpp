@@ -4,6 +4,7 @@
 #include "checks/security/ContentKind.hpp"
 #include "checks/security/OleObject.hpp"
 #include "checks/security/Prolog.hpp"
+#include "external/RelationshipType.hpp"
 #include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
@@ -86,10 +87,24 @@ private:
     }
 
     void checkObject(const PartView& part, std::string_view head) {
+        if (holdsMacros(head) && !isMacroPart(part))
+            findings.add("SEC-20", Severity::Warning, {part.name}, "The object has macros of its own");
         const std::string file = fileNameInObject(head);
         if (!file.empty())
             findings.add("SEC-30", isRunnable(file) ? Severity::Error : Severity::Warning, {part.name},
                          "The object holds the file " + shown(file));
+    }
+
+    /// Whether a relationship or the type says that it has macros: then that is told already.
+    bool isMacroPart(const PartView& part) const {
+        if (startsWith(part.mediaType(), "application/vnd.ms-office.vbaproject") ||
+            endsWith(part.name, "/vbaproject.bin"))
+            return true;
+        for (const RelationshipsView& relationships : subject.relationships())
+            for (const RelationshipView& entry : relationships.entries)
+                if (entry.part == &part && RelationshipType(entry.type).name == "vbaproject")
+                    return true;
+        return false;
     }
 
     void checkImageData(const PartView& part, std::string_view head) {

@@ -2,6 +2,7 @@
 
 #include "checks/security/Formulas.hpp"
 #include "checks/security/MarkupReader.hpp"
+#include "content/ByteSearch.hpp"
 #include "content/TagNames.hpp"
 
 namespace opc::inspection {
@@ -18,8 +19,10 @@ public:
         name = part.name;
         tags.begin(head);
         formulas.begin();
-        // Every slide is one: only its first tag says whether it is hidden.
+        // Every slide is one, and every sheet has rows: an attribute decides.
         isHiddenSlide = head.substr(0, 4096).find(" show=") != std::string_view::npos;
+        isSheet = part.mediaType().find("sheet") != std::string::npos;
+        hidden.begin();
         isStyles =
             part.mediaType().find("styles") != std::string::npos; // they offer hidden text, and hide none
         return true;
@@ -28,11 +31,13 @@ public:
     void bytes(std::string_view piece) override {
         tags.add(piece);
         formulas.add(piece);
+        if (isSheet)
+            hidden.add(piece);
     }
 
     model::XmlEvents* end() override {
         const bool isWorthIt = tags.any() && !isStyles && (formulas.isFound() || !tags.only("f"));
-        if (!isWorthIt && !isHiddenSlide)
+        if (!isWorthIt && !isHiddenSlide && !hidden.isFound())
             return nullptr;
         reader.begin(name);
         return &reader;
@@ -44,8 +49,9 @@ private:
     MarkupReader reader;
     TagNames tags;
     FormulaSearch formulas;
+    ByteSearch hidden{{" hidden=\"1", " hidden=\"true", " hidden='"}};
     std::string name;
-    bool isHiddenSlide = false, isStyles = false;
+    bool isHiddenSlide = false, isStyles = false, isSheet = false;
 };
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
 
+#include <opc/inspection/External.hpp>
+
 #include <algorithm>
 #include <iterator>
 
@@ -79,12 +81,17 @@ const MarkupReader::Row MarkupReader::ROWS[] = {
     {"rsid", u"rsid", u"wordprocessingml", &MarkupReader::onSession},
     {"docId", u"docId", u"office/word", &MarkupReader::onSession},
     {"script", u"script", u"2000/svg", &MarkupReader::onScript},
+    {"image", u"image", u"2000/svg", &MarkupReader::onReference},
+    {"use", u"use", u"2000/svg", &MarkupReader::onReference},
+    {"row", u"row", u"spreadsheetml", &MarkupReader::onSheetLine},
+    {"col", u"col", u"spreadsheetml", &MarkupReader::onSheetLine},
 };
 
 std::vector<std::string_view> MarkupReader::decidingElements() {
+    static constexpr std::string_view USUAL[] = {"fldChar", "sld", "row", "col"};
     std::vector<std::string_view> names;
     for (const Row& row : ROWS)
-        if (row.name != "fldChar" && row.name != "sld") // each field has a code as well, each slide is one
+        if (std::find(std::begin(USUAL), std::end(USUAL), row.name) == std::end(USUAL))
             names.push_back(row.name);
     return names;
 }
@@ -96,7 +103,7 @@ MarkupReader::MarkupReader(Findings& findings)
 
 void MarkupReader::begin(const std::string& partName) {
     part = partName;
-    depth = hiddenTexts = trackedChanges = sessions = 0;
+    depth = hiddenTexts = hiddenLines = trackedChanges = sessions = 0;
     collected = Text::None;
     isRibbon = hasCallbacks = false;
     told.clear();
@@ -106,6 +113,7 @@ void MarkupReader::end() {
     fields.endDocument();
     tellCount(trackedChanges, "SEC-65", "tracked changes");
     tellCount(hiddenTexts, "SEC-65", "runs of hidden text");
+    tellCount(hiddenLines, "SEC-65", "hidden rows and columns");
     tellCount(sessions, "SEC-63", "marks of editing sessions and documents");
     if (isRibbon && !hasCallbacks)
         findings.add("SEC-23", Severity::Info, {part}, "The part changes the ribbon, without callbacks");
@@ -291,6 +299,11 @@ void MarkupReader::onHiddenText(const XmlElement& element) {
         ++hiddenTexts;
 }
 
+void MarkupReader::onSheetLine(const XmlElement& element) {
+    if (const std::string isHidden = valueOf(element, u"hidden"); !isHidden.empty() && !isOff(isHidden))
+        ++hiddenLines;
+}
+
 void MarkupReader::onTrackedChange(const XmlElement&) {
     ++trackedChanges;
 }
@@ -302,6 +315,13 @@ void MarkupReader::onSession(const XmlElement&) {
 void MarkupReader::onScript(const XmlElement&) {
     if (told.emplace("script").second)
         add("SEC-43", Severity::Info, "The image has a script");
+}
+
+void MarkupReader::onReference(const XmlElement& element) {
+    const std::string target = valueOf(element, u"href");
+    const ExternalPlace where = placeOf(target);
+    if (where != ExternalPlace::Other && where != ExternalPlace::Mail) // not a place within, nor data
+        add("SEC-43", Severity::Info, "The image refers to " + shown(target));
 }
 
 void MarkupReader::tellCount(std::size_t count, const char* rule, const char* what) {

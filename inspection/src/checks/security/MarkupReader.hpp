@@ -17,8 +17,8 @@ class MarkupReader final : public model::XmlEvents {
 public:
     explicit MarkupReader(Findings& findings);
 
-    /// The local names of elements for whose sake a part is worth reading; `f` is among them, though most formulas
-    /// don't matter.
+    /// The local names of elements for whose sake a part is worth reading. `f` is among them, though most formulas don't
+    /// matter; elements that nearly every document of a kind has aren't.
     static std::vector<std::string_view> decidingElements();
 
     void begin(const std::string& part);
@@ -51,6 +51,8 @@ private:
     void onTrackedChange(const model::XmlElement& element);
     void onSession(const model::XmlElement& element);
     void onScript(const model::XmlElement& element);
+    void onReference(const model::XmlElement& element);
+    void onSheetLine(const model::XmlElement& element);
 
     void tellField(const std::string& code, const model::XmlPlace& where);
     void tellFormula(const std::string& formula, const std::string& what);
@@ -75,7 +77,7 @@ private:
     std::string name; // of the text: a defined name, the function of a macro
 
     std::set<std::string> told; // of the part: what one finding for all is enough for
-    std::size_t hiddenTexts = 0, trackedChanges = 0, sessions = 0;
+    std::size_t hiddenTexts = 0, hiddenLines = 0, trackedChanges = 0, sessions = 0;
     bool isRibbon = false, hasCallbacks = false;
 };
 

@@ -2,6 +2,8 @@
 
 #include "text/CaselessText.hpp"
 
+#include <string.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -43,6 +45,12 @@ std::string fileNameInObject(std::string_view content) {
             return std::string(name);
     }
     return {};
+}
+
+// Names stand in UTF-16 there.
+bool holdsMacros(std::string_view content) {
+    static constexpr std::string_view NAME("_\0V\0B\0A\0_\0P\0R\0O\0J\0E\0C\0T\0", 24);
+    return ::memmem(content.data(), content.size(), NAME.data(), NAME.size()) != nullptr;
 }
 
 bool isRunnable(std::string_view fileName) {

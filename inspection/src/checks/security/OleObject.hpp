@@ -10,6 +10,10 @@ namespace opc::inspection {
 /// @return empty if there is none, or it lies behind those bytes
 std::string fileNameInObject(std::string_view content);
 
+/// Whether an OLE object has a VBA project in its folders.
+/// @param content  as above
+bool holdsMacros(std::string_view content);
+
 /// Whether a file of this name is run when it is opened, by its extension.
 bool isRunnable(std::string_view fileName);
 
