@@ -198,10 +198,9 @@ const Command PUT{"put", "Replace the content of a part with the content of a fi
 const Command RM{"rm", "Delete a part and its relationships", declareRemove, "",
                  "opctool rm report.docx /docProps/thumbnail.jpeg"};
 
-const Command RELATE{
-    "relate", "Add a relationship and print its ID", declareRelate, "",
-    "opctool relate report.docx / http://example.com/note /notes/note.txt\n"
-    "opctool relate report.docx /word/document.xml http://example.com/see http://example.com/ --external"};
+const Command RELATE{"relate", "Add a relationship and print its ID", declareRelate, "",
+                     "opctool relate report.docx / urn:example:note /notes/note.txt\n"
+                     "opctool relate report.docx / urn:example:see http://example.com/ --external"};
 
 const Command UNRELATE{"unrelate", "Delete a relationship", declareUnrelate, "",
                        "opctool unrelate report.docx / rId7"};

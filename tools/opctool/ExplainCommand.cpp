@@ -115,6 +115,6 @@ void declare(CLI::App& command) {
 } // namespace
 
 const Command EXPLAIN{"explain", "Explain a rule of check, or list all rules", declare, "",
-                      "opctool explain M1.6"};
+                      "opctool explain M3.10"};
 
 } // namespace opctool

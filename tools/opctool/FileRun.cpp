@@ -100,7 +100,14 @@ Table::Style FileRun::tableStyle() const {
 }
 
 void FileRun::tell(const std::string& text) {
-    const std::string line = messageLine(filePath, text);
+    printError({}, Color::None, text);
+}
+
+/// Prints `opctool: FILE: CLASSTEXT`, with a colour for the class.
+void FileRun::printError(const std::string& className, Color color, const std::string& text) {
+    std::string line = messageLine(filePath, className + text);
+    if (color != Color::None)
+        line.replace(messageLine(filePath, {}).size() - 1, className.size(), paint(className, color));
     turn.write(OrderedOutput::Stream::Errors, line.data(), line.size());
 }
 
@@ -131,7 +138,8 @@ int FileRun::finish(const std::exception* failure) {
     if (failure != nullptr) {
         status = FAILURE;
         described = describe(*failure, filePath);
-        tell(described->className + ": " + described->message);
+        printError(described->className, runOptions.output.coloredErrors ? Color::Red : Color::None,
+                   ": " + described->message);
     }
     if (hasEnvelope())
         endEnvelope(json(), status, hidden, described ? &*described : nullptr);

@@ -107,6 +107,8 @@ public:
 private:
     class Buffer;
 
+    void printError(const std::string& className, Color color, const std::string& text);
+
     const std::string filePath;
     const RunOptions& runOptions;
     const OutputOptions::Format format;

@@ -11,22 +11,27 @@ namespace opctool {
 
 namespace {
 
-bool wantsColor(const std::string& when) {
+bool wantsColor(const std::string& when, int file) {
     if (when != "auto")
         return when == "always";
     const char* const noColor = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
+    return isatty(file) == 1 && (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
            std::string(terminal) != "dumb";
+}
+
+void setColor(OutputOptions& options, const std::string& when) {
+    options.colored = wantsColor(when, STDOUT_FILENO);
+    options.coloredErrors = wantsColor(when, STDERR_FILENO);
 }
 
 } // namespace
 
 void addOutputOptions(CLI::App& command, OutputOptions& options) {
-    options.colored = wantsColor("auto");
+    setColor(options, "auto");
     command
         .add_option_function<std::string>(
-            "--color", [&options](const std::string& when) { options.colored = wantsColor(when); },
+            "--color", [&options](const std::string& when) { setColor(options, when); },
             "Colour the output: auto (on a terminal, unless NO_COLOR is set or TERM is dumb), always or "
             "never")
         ->check(CLI::IsMember({"auto", "always", "never"}))

@@ -14,7 +14,8 @@ struct OutputOptions {
     bool jsonLines = false;
     bool quiet = false;
     bool verbose = false;
-    bool colored = false;
+    bool colored = false;       ///< standard output
+    bool coloredErrors = false; ///< standard error
 
     bool hasEnvelope() const { return jsonLines || shape == 2; }
 

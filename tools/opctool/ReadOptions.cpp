@@ -11,10 +11,12 @@ void addReadOptions(CLI::App& command, ReadOptions& options) {
         .add_flag("--lenient",
                   "Read it as other programs do, and report on standard error what is wrong; the default")
         ->excludes(strict);
-    const char* const group = "Limits for hostile files; a size takes a unit, such as 100M";
     opc::physical::ZipOptions& zip = options.zip;
     const auto add = [&](const char* name, std::uint64_t& limit, const char* what) {
-        return command.add_option(name, limit, what)->group(group)->type_name("N")->capture_default_str();
+        return command.add_option(name, limit, what)
+            ->group(LIMITS_GROUP)
+            ->type_name("N")
+            ->capture_default_str();
     };
     add("--max-items", zip.maxItems, "Items of an archive");
     add("--max-name", zip.maxNameLength, "Bytes of the name of an item");

@@ -14,6 +14,9 @@ struct ReadOptions {
     opc::physical::ZipOptions zip; ///< the limits; whether it is lenient follows from `strict`
 };
 
+/// The group of options that holds the limits.
+constexpr const char* LIMITS_GROUP = "Limits for hostile files; a size takes a unit, such as 100M";
+
 /// Declares --strict, --lenient and the limits.
 void addReadOptions(CLI::App& command, ReadOptions& options);
 

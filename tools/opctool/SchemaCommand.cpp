@@ -7,27 +7,26 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace opctool {
 
 namespace {
 
-std::string checkCommand(const std::string& name) {
-    const Command* const command = findCommand(name);
-    if (command != nullptr && command->resultSchema != nullptr)
-        return {};
-    std::string problem = name + " prints no JSON; these commands do:";
-    for (const Command* other : allCommands())
-        if (other->resultSchema != nullptr)
-            problem += std::string(" ") + other->name;
-    return problem;
+/// Those that print JSON for each package.
+std::vector<std::string> namesOfCommands() {
+    std::vector<std::string> names;
+    for (const Command* command : allCommands())
+        if (command->resultSchema != nullptr)
+            names.emplace_back(command->name);
+    return names;
 }
 
 void declare(CLI::App& command) {
     const auto name = std::make_shared<std::string>();
     command.add_option("COMMAND", *name, "A command that prints JSON")
         ->required()
-        ->check(checkCommand)
+        ->check(CLI::IsMember(namesOfCommands()))
         ->type_name("");
     command.callback([name] { std::cout << envelopeSchema(*findCommand(*name)).dump(2) << '\n'; });
 }

@@ -231,7 +231,7 @@ const Command SIGN{
     "sign", "Sign a package, or parts and relationships of it", declareSign,
     "The name of the new signature is printed. opctool coverage says what a signature protects.",
     "opctool sign report.docx --key signer.key --public signer.pub\n"
-    "opctool sign report.docx --p12 signer.p12 --part /word/document.xml"};
+    "opctool sign report.docx --p12 signer.p12 --trust roots.pem"};
 
 const Command COUNTERSIGN{"countersign", "Sign all signatures of a package", declareCountersign,
                           "The name of the countersignature is printed. Adding a signature later breaks it.",

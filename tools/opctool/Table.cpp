@@ -1,6 +1,7 @@
 #include "Table.hpp"
 
 #include "TerminalText.hpp"
+#include "Wrapping.hpp"
 
 #include <algorithm>
 #include <ostream>
@@ -13,22 +14,19 @@ namespace {
 /// make each row as long, so beyond this limit the column isn't padded.
 constexpr std::size_t MAXIMUM_OF_COLUMN = std::size_t{64} << 20;
 
-/// How many characters a UTF-8 text has.
-std::size_t width(const std::string& text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 void printCells(std::ostream& stream, const std::vector<std::string>& cells,
-                const std::vector<Table::Column>& columns, const std::vector<std::size_t>& widths) {
+                const std::vector<Table::Column>& columns, const std::vector<std::size_t>& widths,
+                bool isColored) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::size_t taken = width(cells[i]);
+        const std::size_t taken = widthOf(cells[i]);
         const std::string padding(widths[i] > taken ? widths[i] - taken : 0, ' ');
         const bool isLast = i + 1 == cells.size();
+        const auto color = columns[i].paint;
+        const std::string text = isColored && color != nullptr ? paint(cells[i], color(cells[i])) : cells[i];
         if (columns[i].align == Table::Align::Right)
-            stream << padding << cells[i];
+            stream << padding << text;
         else
-            stream << cells[i] << (isLast ? "" : padding);
+            stream << text << (isLast ? "" : padding);
         stream << (isLast ? "" : "  ");
     }
 }
@@ -54,13 +52,13 @@ void Table::print(std::ostream& stream, Style style, const Rows& forEachRow) con
     std::vector<std::size_t> widths;
     for (const Column& column : columns) {
         headings.push_back(column.heading);
-        widths.push_back(style.hasHeading ? width(column.heading) : 0);
+        widths.push_back(style.hasHeading ? widthOf(column.heading) : 0);
     }
     std::size_t rowCount = 0;
     forEachShown([&](const Cells& cells) {
         ++rowCount;
         for (std::size_t i = 0; i < cells.size(); ++i)
-            widths[i] = std::max(widths[i], width(cells[i]));
+            widths[i] = std::max(widths[i], widthOf(cells[i]));
     });
     if (rowCount == 0)
         return;
@@ -68,11 +66,11 @@ void Table::print(std::ostream& stream, Style style, const Rows& forEachRow) con
         columnWidth = std::min(columnWidth, MAXIMUM_OF_COLUMN / rowCount);
     if (style.hasHeading) {
         stream << (style.isColored ? "\033[1m" : "");
-        printCells(stream, headings, columns, widths);
+        printCells(stream, headings, columns, widths, false);
         stream << (style.isColored ? "\033[0m\n" : "\n");
     }
     forEachShown([&](const Cells& cells) {
-        printCells(stream, cells, columns, widths);
+        printCells(stream, cells, columns, widths, style.isColored);
         stream << '\n';
     });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Color.hpp"
+
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -12,14 +14,18 @@ class Table {
 public:
     enum class Align { Left, Right };
 
+    /// Gives a cell's colour, if cells have colours.
+    using Paint = Color (*)(const std::string& cell);
+
     struct Column {
         std::string heading;
         Align align = Align::Left;
+        Paint paint = nullptr;
     };
 
     struct Style {
         bool hasHeading = true;
-        bool isColored = false; ///< the heading is bold
+        bool isColored = false; ///< the heading is bold, and cells have their colours
     };
 
     explicit Table(std::vector<Column> columns) : columns(std::move(columns)) {}

@@ -109,8 +109,13 @@ std::string orDash(const ordered_json& text) {
     return text.is_null() ? "-" : text.get<std::string>();
 }
 
+Color colorOfStatus(const std::string& status) {
+    return status.compare(0, 5, "holds") == 0 ? Color::Green : Color::Red;
+}
+
 void printTable(FileRun& run, const ordered_json& list) {
-    Table table({{"NAME"}, {"TIME"}, {"ALGORITHMS"}, {"SIGNER"}, {"STATUS"}});
+    Table table(
+        {{"NAME"}, {"TIME"}, {"ALGORITHMS"}, {"SIGNER"}, {"STATUS", Table::Align::Left, colorOfStatus}});
     for (const auto& row : list)
         table.addRow({row["name"], orDash(row["time"]),
                       "RSA" + (row["keySize"].is_null() ? std::string() : " " + row["keySize"].dump()) +
