@@ -2,6 +2,9 @@
 
 #include "support/Throws.hpp"
 
+#include "rules/RuleTable.hpp"
+
+#include <filesystem>
 #include <functional>
 #include <zlib.h>
 
@@ -217,6 +220,22 @@ TEST(Container, keepsToTheLimits) {
     for (const auto& change : changes)
         EXPECT_EQ(broken(package, change).substr(0, 12), "error SEC-54") << (&change - changes.begin());
     EXPECT_EQ(broken(bomb, [](Limits& l) { l.maxRatio = 100, l.ratioFloor = 1000; }), "error SEC-54 ");
+}
+
+/// Small archives with one defect each.
+TEST(Container, findsWhatTheStoreRefuses) {
+    for (const auto& file : std::filesystem::directory_iterator(OPCMODEL_HOSTILE_ARCHIVES)) {
+        const std::string name = file.path().filename().string();
+        if (name == "two-content-types-streams-in-other-case.zip" || // [M3.10]
+            name == "unused-17-MB.zip")                              // that much is a limit of the store
+            continue;
+        InspectionOptions options;
+        for (const auto& [first, count] : {inspection::containerRules(), inspection::nameRules()})
+            for (const inspection::Rule* rule = first; rule < first + count; ++rule)
+                options.only.emplace_back(rule->id);
+        const inspection::Report report = inspect(inspection::Archive(file.path()), options);
+        EXPECT_GT(report.count(inspection::Severity::Error), 0U) << name;
+    }
 }
 
 } // namespace

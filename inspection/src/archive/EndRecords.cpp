@@ -62,6 +62,7 @@ private:
     const EndRecord* choose(const std::vector<EndRecord>& records);
     void readComment(const EndRecord& end);
     void readZip64(EndRecord& end);
+    void takeZip64(const unsigned char* record, EndRecord& end);
     std::optional<DirectoryPlace> locate(const EndRecord& end);
     bool isEntry(std::uint64_t offset) {
         const unsigned char* record = bytes.look(offset, DIRECTORY_ENTRY_SIZE);
@@ -133,22 +134,33 @@ void EndReader::readZip64(EndRecord& end) {
             offset < locatorOffset ? bytes.look(offset, ZIP64_DIRECTORY_END_SIZE) : nullptr;
         if (!record || read32(record) != ZIP64_DIRECTORY_END)
             continue;
-        const EndRecord large{end.offset,          end.end,
-                              read32(record + 16), read32(record + 20),
-                              read64(record + 24), read64(record + 32),
-                              read64(record + 40), read64(record + 48)};
+        const std::uint64_t statedSize = read64(record + 4);
+        takeZip64(record, end);
         recordsStart = offset;
-        const auto differs = [](std::uint64_t old, std::uint64_t noRoom, std::uint64_t value) {
-            return old != noRoom && old != value;
-        };
-        if (differs(end.count, NO_ROOM_16, large.count) ||
-            differs(end.directorySize, NO_ROOM_32, large.directorySize) ||
-            differs(end.directoryOffset, NO_ROOM_32, large.directoryOffset))
-            fault("SEC-50", offset, "The end record and the ZIP64 end record differ");
-        end = large;
+        constexpr std::uint64_t UNCOUNTED = 12; // signature and size don't count in the record's size
+        if (offset != stated)
+            fault("SEC-50", locatorOffset, "The ZIP64 locator doesn't lead to the record in front of it");
+        else if (locatorOffset - offset != ZIP64_DIRECTORY_END_SIZE ||
+                 statedSize != ZIP64_DIRECTORY_END_SIZE - UNCOUNTED)
+            fault("SEC-50", offset, "The ZIP64 end record has another size than its numbers");
         return;
     }
     fault("M3.16", locatorOffset, "The ZIP64 locator leads to no record");
+}
+
+void EndReader::takeZip64(const unsigned char* record, EndRecord& end) {
+    const EndRecord large{end.offset,          end.end,
+                          read32(record + 16), read32(record + 20),
+                          read64(record + 24), read64(record + 32),
+                          read64(record + 40), read64(record + 48)};
+    const auto differs = [](std::uint64_t old, std::uint64_t noRoom, std::uint64_t value) {
+        return old != noRoom && old != value;
+    };
+    if (differs(end.count, NO_ROOM_16, large.count) ||
+        differs(end.directorySize, NO_ROOM_32, large.directorySize) ||
+        differs(end.directoryOffset, NO_ROOM_32, large.directoryOffset))
+        fault("SEC-50", end.offset, "The end record and the ZIP64 end record differ");
+    end = large;
 }
 
 /// The directory is where the records say, or right in front of them.

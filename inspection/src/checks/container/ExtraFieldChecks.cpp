@@ -1,6 +1,8 @@
 #include "checks/container/ContainerChecks.hpp"
 
+#include "archive/RecordBytes.hpp"
 #include "zip/src/ExtraFields.hpp"
+#include "zip/src/ItemName.hpp"
 #include "zip/src/Records.hpp"
 
 #include <libdeflate.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 namespace opc::inspection {
 
@@ -35,6 +38,8 @@ public:
     bool hasGrowthHint = false;
 
 private:
+    bool hasPath = false; ///< in this header
+
     void checkField(const ExtraField& field, const ItemHeader& header);
     void checkPath(const ExtraField& field, const ItemHeader& header);
     void checkGrowthHint(const ExtraField& field);
@@ -44,6 +49,7 @@ private:
 };
 
 void FieldChecks::check(const ItemHeader& header) {
+    hasPath = false;
     const auto* const bytes = reinterpret_cast<const unsigned char*>(header.extraFields.data());
     ExtraFieldWalk walk(bytes, header.extraFields.size());
     for (ExtraField field; walk.next(field);)
@@ -70,12 +76,18 @@ void FieldChecks::checkField(const ExtraField& field, const ItemHeader& header) 
 
 /// The field counts if its checksum is that of the name in the header; some programs don't ask for that.
 void FieldChecks::checkPath(const ExtraField& field, const ItemHeader& header) {
-    if (field.size < UNICODE_PATH_HEADER || unicodePath(field) == item.name)
+    if (field.size < UNICODE_PATH_HEADER)
+        return;
+    if (std::exchange(hasPath, true))
+        return findings.add("SEC-52", placeOf(item), "A header of the item has two Unicode Path fields");
+    if (unicodePath(field) == item.name)
         return;
     const bool counts =
         read32(field.data + 1) == ::libdeflate_crc32(0, header.name.data(), header.name.size());
-    findings.add("SEC-52", counts ? Severity::Error : Severity::Warning, placeOf(item),
-                 "A Unicode Path field gives the item another name: " + std::string(unicodePath(field)));
+    const std::string name = archive::decodeName(unicodePath(field));
+    const bool leadsOut = readItemName(name).kind == ItemName::Kind::Refused;
+    findings.add("SEC-52", counts || leadsOut ? Severity::Error : Severity::Warning, placeOf(item),
+                 "A Unicode Path field gives the item another name: " + name);
 }
 
 /// Room that is filled with one byte, whichever it is, holds nothing.

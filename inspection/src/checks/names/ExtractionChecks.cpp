@@ -4,7 +4,9 @@
 #include "checks/names/FoldedName.hpp"
 #include "subject/Names.hpp"
 
+#include "zip/src/ExtraFields.hpp"
 #include "zip/src/ExtractionNames.hpp"
+#include "zip/src/NameText.hpp"
 
 #include <algorithm>
 #include <unordered_map>
@@ -20,9 +22,32 @@ bool isASCII(const std::string& name) {
 
 /// Items whose names most programs leave as they are can't meet each other here: other rules compare them.
 bool isPlain(const ArchiveItem& item) {
-    return !item.partName.empty() && item.name.size() + 1 == item.partName.size() &&
+    const bool hasExtra =
+        !item.central->extraFields.empty() || (item.local && !item.local->extraFields.empty());
+    return !hasExtra && !item.partName.empty() && item.name.size() + 1 == item.partName.size() &&
            item.name.find_first_of("%:;") == std::string::npos &&
            item.partName.compare(1, item.partName.size() - 1, item.name) == 0;
+}
+
+/// Further names by which some programs call an item: in other encodings, and of Unicode Path fields.
+std::vector<std::string> otherNames(const ArchiveItem& item) {
+    std::vector<std::string> names;
+    if (!isASCII(item.name))
+        names = {physical::zip::fromCodePage437(item.central->name),
+                 physical::zip::fromLatin1(item.central->name)};
+    for (const auto* header : {&item.central, &item.local}) {
+        if (!*header)
+            continue;
+        const std::string& extra = (*header)->extraFields;
+        physical::zip::ExtraFieldWalk walk(reinterpret_cast<const unsigned char*>(extra.data()),
+                                           extra.size());
+        for (physical::zip::ExtraField field; walk.next(field);)
+            if (field.kind == physical::zip::UNICODE_PATH_FIELD) {
+                const std::string_view name = physical::zip::unicodePath(field);
+                names.emplace_back(name.substr(0, name.find('\0')));
+            }
+    }
+    return names;
 }
 
 /// Finds items that programs extract to one file although their names differ.
@@ -31,17 +56,28 @@ public:
     explicit ExtractedFiles(Findings& findings) : findings(findings) {}
 
     void add(const ArchiveItem& item) {
-        const bool isPart = !item.partName.empty();
-        const std::string name = physical::zip::extractedName(item.name, isPart);
-        const auto [found, isNew] = files.emplace(name, &item);
-        if (isNew || found->second->name == item.name || isSamePart(*found->second, item))
+        if (add(item, item.name))
             return;
-        findings.add("SEC-55", placeOf(item), "Programs may extract the item over " + found->second->name);
+        for (const std::string& name : otherNames(item))
+            if (name != item.name && add(item, name))
+                return;
     }
 
 private:
+    /// @return whether it has been told
+    bool add(const ArchiveItem& item, const std::string& name) {
+        const bool isPart = !item.partName.empty();
+        const auto [found, isNew] = files.emplace(physical::zip::extractedName(name, isPart), &item);
+        const ArchiveItem& other = *found->second;
+        if (isNew || &other == &item || other.name == item.name || isSamePart(other, item))
+            return false;
+        findings.add("SEC-55", placeOf(item), "Programs may extract the item over " + other.name);
+        return true;
+    }
+
     static bool isSamePart(const ArchiveItem& left, const ArchiveItem& right) {
-        return !left.partName.empty() && keyOfName(left.partName) == keyOfName(right.partName);
+        return left.partName.empty() ? left.kind == ItemKind::ContentTypes && left.kind == right.kind
+                                     : keyOfName(left.partName) == keyOfName(right.partName);
     }
 
     Findings& findings;
@@ -76,7 +112,7 @@ void checkExtraction(const Subject& subject, Findings& findings) {
     const std::vector<ArchiveItem>& items = subject.archive().items();
     const auto isUnusual = [](const ArchiveItem& item) { return item.central && !isPlain(item); };
     if (findings.wants("SEC-55") && anyItem(items, [&](const ArchiveItem& item) {
-            return isUnusual(item) && item.kind != ItemKind::ContentTypes && item.kind != ItemKind::Folder;
+            return isUnusual(item) && item.kind != ItemKind::Folder;
         })) {
         ExtractedFiles files(findings);
         for (const bool plain : {true, false}) // it is the unusual one that is told
