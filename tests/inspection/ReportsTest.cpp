@@ -77,6 +77,16 @@ TEST(Reports, leaveOutWhatABaselineKnows) {
     EXPECT_EQ(write(makeHTMLReport(), {file}).find("/a<"), std::string::npos);
 }
 
+TEST(Reports, countWhatIsNotListed) {
+    InspectedFile file = fileOf("a", {finding({}), finding({}, "", SIZES)});
+    file.report.unlisted = {{"T1", 7}, {"other", 9}};
+    ReportSummary summary;
+    summary.add(file);
+    EXPECT_EQ(summary.count(Severity::Error), 8U);
+    EXPECT_EQ(summary.rules().at(&NAMES).findings, 8U);
+    EXPECT_EQ(summary.count(Severity::Info), 1U);
+}
+
 TEST(Reports, separateOnlyFilesThatWriteSomething) {
     const std::vector<InspectedFile> files{fileOf("a", {}), fileOf("b", {finding({})}), fileOf("c", {}),
                                            fileOf("d", {finding({})})};

@@ -89,7 +89,7 @@ void writeText(std::ostream& output, std::string_view heading, std::string_view 
 }
 
 void writeRule(std::ostream& output, const Rule& rule) {
-    output << "<section class=\"rule\" id=\"rule-" << toMarkup(rule.id) << "\">\n<h3>" << toMarkup(rule.id)
+    output << R"(<section class="rule" id="rule-)" << toMarkup(rule.id) << "\">\n<h3>" << toMarkup(rule.id)
            << ' ' << toMarkup(rule.title) << "</h3>\n<dl>\n";
     writeText(output, "Rule", rule.statement);
     writeText(output, "In the standard", rule.standard);
@@ -108,7 +108,7 @@ std::vector<RuleCount> rank(const ReportSummary& summary) {
     for (const Rule* rule : rules())
         if (const auto found = summary.rules().find(rule);
             found != summary.rules().end() && found->second.findings != 0)
-            ranked.push_back(*found);
+            ranked.emplace_back(*found);
     std::stable_sort(ranked.begin(), ranked.end(), [](const RuleCount& left, const RuleCount& right) {
         return std::tie(right.second.severity, right.second.findings) <
                std::tie(left.second.severity, left.second.findings);

@@ -1,7 +1,6 @@
 #include <opc/inspection/Reports.hpp>
 
 #include <algorithm>
-#include <set>
 #include <sstream>
 
 namespace opc::inspection {
@@ -10,7 +9,7 @@ void ReportSummary::add(const InspectedFile& file) {
     ++fileCount;
     if (!file.failure.empty())
         failed.emplace_back(file.name, file.failure);
-    std::set<const Rule*> seen;
+    std::map<const Rule*, Severity> seen;
     for (std::size_t i = 0; i < file.report.findings.size(); ++i) {
         const Finding& finding = file.report.findings[i];
         if (file.isKnown(i)) {
@@ -19,16 +18,19 @@ void ReportSummary::add(const InspectedFile& file) {
             continue;
         }
         ++counts[static_cast<std::size_t>(finding.severity)];
-        OfRule& rule = byRule[finding.rule];
-        ++rule.findings;
-        rule.severity = std::max(rule.severity, finding.severity);
-        seen.insert(finding.rule);
+        ++byRule[finding.rule].findings;
+        Severity& worst = seen.try_emplace(finding.rule, Severity::Info).first->second;
+        worst = std::max(worst, finding.severity);
     }
-    for (const Rule* rule : seen) {
-        ++byRule[rule].files;
+    for (const auto& [rule, severity] : seen) {
+        OfRule& sums = byRule[rule];
+        ++sums.files;
+        sums.severity = std::max(sums.severity, severity);
         if (const auto more = file.report.unlisted.find(std::string(rule->id));
-            more != file.report.unlisted.end())
-            byRule[rule].findings += more->second;
+            more != file.report.unlisted.end()) {
+            sums.findings += more->second;
+            counts[static_cast<std::size_t>(severity)] += more->second;
+        }
     }
 }
 

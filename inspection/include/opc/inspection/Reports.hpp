@@ -45,7 +45,8 @@ private:
     std::set<std::pair<std::string, std::string>> findings;
 };
 
-/// What all files of a report have together. Known findings count apart.
+/// What all files of a report have together, with the findings that aren't listed, which count as the worst of their rule in
+/// the file. Known findings count apart.
 class OPC_INSPECTION_EXPORT ReportSummary {
 public:
     struct OfRule {

@@ -98,7 +98,8 @@ private:
     void condenseEdges() {
         std::map<std::tuple<std::size_t, std::size_t, bool>, std::size_t> places;
         for (const GraphEdge& edge : graph.edges) {
-            const std::size_t from = newIndices[edge.from], to = newIndices[edge.to];
+            const std::size_t from = newIndices[edge.from];
+            const std::size_t to = newIndices[edge.to];
             const auto found = places.find({from, to, edge.isSigned});
             if (found != places.end()) {
                 GraphEdge& together = small.edges[found->second];

@@ -141,7 +141,7 @@ void Picture::sortColumn(std::vector<std::size_t>& column, const std::vector<dou
 std::string Picture::draw() {
     const std::size_t width = 2 * MARGIN + columnCount * (WIDTH + GAP) - GAP + GAP / 2;
     const std::size_t bottom = 2 * MARGIN + rowCount * ROW;
-    svg << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << std::max<std::size_t>(width, 860)
+    svg << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << std::max<std::size_t>(width, 860)
         << "\" height=\"" << bottom + LEGEND << "\" role=\"img\">\n";
     for (const GraphEdge& edge : graph.edges)
         draw(edge);
@@ -160,7 +160,7 @@ void Picture::draw(const GraphEdge& edge) {
     const Point to{places[edge.to].x + (leadsOn ? 0 : WIDTH), places[edge.to].y + HEIGHT / 2};
     svg << "<path d=\"M" << from.x << ' ' << from.y << 'C' << from.x + GAP / 2 << ' ' << from.y << ' '
         << (leadsOn ? to.x - GAP / 2 : to.x + GAP / 2) << ' ' << to.y << ' ' << to.x << ' ' << to.y
-        << "\" fill=\"none\" stroke=\"" << look.stroke << "\" stroke-opacity=\"0.6\"";
+        << R"(" fill="none" stroke=")" << look.stroke << R"(" stroke-opacity="0.6")";
     if (*look.dashes != '\0' || !leadsOn)
         svg << " stroke-dasharray=\"" << (leadsOn ? look.dashes : "2 3") << '"';
     svg << "><title>" << toMarkup(edge.count == 1 ? edge.type : countOf(edge.count, "relationship"))
@@ -179,7 +179,7 @@ void Picture::draw(std::size_t index) {
 
 void Picture::drawBox(const Look& look, Point place, std::size_t width, std::size_t height) {
     svg << "<rect x=\"" << place.x << "\" y=\"" << place.y << "\" width=\"" << width << "\" height=\""
-        << height << "\" rx=\"4\" fill=\"" << look.fill << "\" stroke=\"" << look.stroke << '"';
+        << height << R"(" rx="4" fill=")" << look.fill << "\" stroke=\"" << look.stroke << '"';
     if (*look.dashes != '\0')
         svg << " stroke-dasharray=\"" << look.dashes << '"';
     svg << "/>";
@@ -187,7 +187,7 @@ void Picture::drawBox(const Look& look, Point place, std::size_t width, std::siz
 
 void Picture::drawText(const std::string& text, Point place, const char* color) {
     svg << "<text x=\"" << place.x << "\" y=\"" << place.y
-        << "\" font-family=\"system-ui, sans-serif\" font-size=\"12\" style=\"fill:" << color << "\">"
+        << R"(" font-family="system-ui, sans-serif" font-size="12" style="fill:)" << color << "\">"
         << toMarkup(text) << "</text>";
 }
 
