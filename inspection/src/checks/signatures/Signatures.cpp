@@ -9,7 +9,13 @@ namespace {
 const std::string STANDARD_BASE =
     "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/";
 const std::string OWN_BASE = "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/";
-const std::string CONTENT_TYPE = "application/vnd.openxmlformats-package.digital-signature";
+constexpr std::string_view ORIGIN_TYPE = "application/vnd.openxmlformats-package.digital-signature-origin";
+constexpr std::string_view SIGNATURE_TYPE =
+    "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
+constexpr std::string_view OWN_SIGNATURE_TYPE =
+    "application/vnd.openxmlformats-package.digital-signaturexmlsignature+xml";
+constexpr std::string_view CERTIFICATE_TYPE =
+    "application/vnd.openxmlformats-package.digital-signature-certificate";
 
 bool isOfType(const RelationshipView& relationship, std::string_view segment) {
     const std::string& type = relationship.type;
@@ -53,15 +59,15 @@ bool leadsToCertificate(const RelationshipView& relationship) {
 }
 
 bool isOriginType(const std::string& mediaType) {
-    return mediaType == CONTENT_TYPE + "-origin";
+    return mediaType == ORIGIN_TYPE;
 }
 
 bool isSignatureType(const std::string& mediaType) {
-    return mediaType == CONTENT_TYPE + "-xmlsignature+xml" || mediaType == CONTENT_TYPE + "xmlsignature+xml";
+    return mediaType == SIGNATURE_TYPE || mediaType == OWN_SIGNATURE_TYPE;
 }
 
 bool isCertificateType(const std::string& mediaType) {
-    return mediaType == CONTENT_TYPE + "-certificate";
+    return mediaType == CERTIFICATE_TYPE;
 }
 
 std::vector<FoundSignature> findSignatures(const Subject& subject) {
