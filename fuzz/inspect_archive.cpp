@@ -81,9 +81,11 @@ Outcome readPackage(const Bytes& bytes) {
     try {
         package.open(interfaces::OpenMode::ReadOnly);
         unsigned char block[4096];
-        for (interfaces::IPhysicalPart* part : package.getParts())
-            while (!part->getInputStream()->isDone())
-                part->getInputStream()->read(block, sizeof block);
+        for (interfaces::IPhysicalPart* part : package.getParts()) {
+            interfaces::IPhysicalInputStream& stream = *part->getInputStream();
+            while (!stream.isDone())
+                stream.read(block, sizeof block);
+        }
     } catch (const Exception& e) {
         return e.code().value() == EFBIG ? Outcome::Limited : Outcome::Damaged;
     }

@@ -13,6 +13,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/inspection/External.hpp>
+#include <opc/inspection/Format.hpp>
 #include <opc/inspection/Reports.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>

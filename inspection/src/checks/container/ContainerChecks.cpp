@@ -18,7 +18,8 @@ bool hasFault(const Archive& archive, std::string_view rule) {
 Place placeOf(const ArchiveItem& item) {
     Place place;
     (item.partName.empty() ? place.item : place.part) = item.partName.empty() ? item.name : item.partName;
-    place.offset = item.headerOffset;
+    if (item.local) // otherwise the directory may lead anywhere
+        place.offset = item.headerOffset;
     return place;
 }
 

@@ -64,7 +64,8 @@ void checkRecords(const Subject& subject, Findings& findings) {
     const Archive& archive = subject.archive();
     for (const ArchiveFault& fault : archive.faults()) {
         Place place = fault.item ? placeOf(archive.items()[*fault.item]) : Place();
-        place.offset = fault.offset;
+        if (fault.offset && *fault.offset < archive.size())
+            place.offset = fault.offset;
         findings.add(fault.rule, std::move(place), fault.message);
     }
     if (!archive.isZip())
