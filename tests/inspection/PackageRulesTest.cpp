@@ -210,6 +210,7 @@ std::vector<Case> contentTypeCases() {
         {"M2.7", entries(defaultOf("a", "a/b") + overrideOf("/b/", "a/b")),
          entries(overrideOf("/A.a", "a/b"))},
         {"M2.7", entries(defaultOf("a", "a/b") + "<Override ContentType='a/b'/>"), {}},
+        {"M1.4", entries(overrideOf("a.a", "a/b")), entries(overrideOf("/a.a", "a/b"))},
         {"M1.13", typed("ab"), typed("a/b;c=&quot;d (e) f&quot;")},
         {"M1.13", typed(""), typed("a/b; c=d")},
         {"M1.14", typed("a /b"), typed("a/b ; c=d")},
@@ -363,6 +364,18 @@ std::vector<Case> propertyCases() {
         {"SEC-62", office("custom-properties", "<Properties><property name='A'/></Properties>"),
          office("custom-properties", "<Properties/>")},
     };
+}
+
+/// It may be valid: no rule of the standard sets a limit.
+TEST(PackageRules, aDocumentBeyondTheLimitsIsTold) {
+    std::string nested = TO_DOCUMENT;
+    for (int i = 0; i < 1001; ++i)
+        nested = "<a>" + nested + "</a>";
+    InspectionOptions options;
+    options.only = {"M1.20", "SEC-54"};
+    EXPECT_EQ(joined(findingsOf(rootRelationships("", RELS + nested), options)),
+              "warning SEC-54 /_rels/.rels: XML content can not be nested deeper than 1000 elements\n"
+              "error M1.20 /_rels/.rels: The element a can't stand here\n");
 }
 
 TEST(PackageRules, eachIsFoundWhereItIsBrokenAndOnlyThere) {

@@ -16,6 +16,7 @@ bool names(const std::vector<std::string>& ids, const Rule& rule) {
 } // namespace
 
 Findings::Findings(const InspectionOptions& options, Report& report) : options(options), report(report) {
+    chosen.reserve(rules().size());
     for (const Rule* rule : rules()) {
         const bool isIn =
             options.only.empty() ? (rule->profiles & options.profiles) != 0 : names(options.only, *rule);

@@ -48,6 +48,10 @@ constexpr Rule RULES[] = {
      "A program took the path of a file as it is.", "",
      "Strict readers refuse the stream. Others never find the entry.",
      "Write the name of the part, percent-encoded where needed."},
+    {"M1.4", "Names without a slash", Severity::Error, OPC, "M1.4", "A part name begins with a slash.",
+     "A program wrote the name of the item in place of the part name.", "",
+     "Strict readers refuse the content types stream; others don't find the entry.",
+     "Write the name with a slash in front."},
     {"M1.13", "Form of content types", Severity::Error, OPC, "M1.13",
      "A content type is a media type by RFC 2616 section 3.7: a type, a slash, a subtype and perhaps "
      "parameters.",

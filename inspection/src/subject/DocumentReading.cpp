@@ -115,6 +115,12 @@ std::string findEncoding(const std::string& prolog) {
     return end == std::string::npos ? std::string() : prolog.substr(begin + 1, end - begin - 1);
 }
 
+/// Whether the reader has refused a document that may be valid, but is built to exhaust readers.
+bool isLimit(std::string_view message) {
+    constexpr std::string_view BEGIN = "XML content can not ";
+    return message.substr(0, BEGIN.size()) == BEGIN;
+}
+
 void noteFailure(const Exception& failure, DocumentState& state) {
     state.failure = failure.what();
     unsigned long long line = 0;
@@ -147,6 +153,7 @@ void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>&
         state.failure = limit.what;
     } catch (const Exception& failure) {
         state.isDamaged = dynamic_cast<const model::InvalidXMLDocument*>(&failure) == nullptr;
+        state.isBeyondLimit = !state.isDamaged && isLimit(failure.what());
         noteFailure(failure, state);
     }
     state.isUTF16 = beginsAsUTF16(head);

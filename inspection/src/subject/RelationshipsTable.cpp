@@ -53,17 +53,17 @@ private:
 
 } // namespace
 
-RelationshipsTable::RelationshipsTable(const Archive& archive, const PartTable& parts) {
+RelationshipsTable::RelationshipsTable(const Archive& archive, PartTable& parts) {
     all.reserve(
         static_cast<std::size_t>(std::count_if(parts.parts().begin(), parts.parts().end(),
                                                [](const PartView& part) { return part.isRelationships(); })));
-    for (const PartView& part : parts.parts())
+    for (PartView& part : parts.parts())
         if (part.isRelationships())
             add(archive, parts, part);
     walk();
 }
 
-void RelationshipsTable::add(const Archive& archive, const PartTable& parts, const PartView& part) {
+void RelationshipsTable::add(const Archive& archive, const PartTable& parts, PartView& part) {
     RelationshipsView& view = all.emplace_back();
     view.part = &part;
     view.source = sourceOfRelationships(part.name);
@@ -77,6 +77,7 @@ void RelationshipsTable::add(const Archive& archive, const PartTable& parts, con
         kindOf(std::min(limits.relationships.elements, limits.package.elements - entries));
     RelationshipsReader reader(view.document, kind, view.entries);
     readDocument(archive, part.items, view.document, reader);
+    part.isKnownWhole = view.document.failure.empty();
     entries += view.entries.size();
     for (RelationshipView& entry : view.entries) {
         if (entry.isExternal || !entry.hasTarget)

@@ -14,14 +14,15 @@ namespace opc::inspection {
 /// All relationships parts of a package, in the order of their items, and where they lead.
 class RelationshipsTable {
 public:
-    RelationshipsTable(const Archive& archive, const PartTable& parts);
+    /// @param parts  gets to know which of its relationships parts are whole; must outlive this object
+    RelationshipsTable(const Archive& archive, PartTable& parts);
 
     const std::vector<RelationshipsView>& views() const { return all; }
     const RelationshipsView* find(std::string_view source) const;
     bool isReached(const PartView& part) const { return reached.count(&part) != 0; }
 
 private:
-    void add(const Archive& archive, const PartTable& parts, const PartView& part);
+    void add(const Archive& archive, const PartTable& parts, PartView& part);
     void walk();
 
     std::vector<RelationshipsView> all;

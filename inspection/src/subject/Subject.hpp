@@ -21,6 +21,7 @@ struct PartView {
     enum class TypeFrom { Nothing, Override, Default } typeFrom = TypeFrom::Nothing;
     std::uint64_t size = 0;
     bool hasRelationshipsName = false; ///< `/_rels/x.rels`, in any letter case
+    bool isKnownWhole = false;         ///< its content was read to the end already, and isn't damaged
 
     bool isRelationships() const { return hasRelationshipsName; }
     std::string_view extension() const; ///< behind the last dot of the last segment, as it stands

@@ -19,6 +19,7 @@ namespace opc::inspection {
 namespace {
 
 constexpr std::string_view CONTENT_TYPES = "[Content_Types].xml";
+constexpr std::string_view CONTENT_TYPES_KEY = "/%5bcontent_types%5d.xml";
 constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
 
 /// Checks the entries one by one, and what they cover.
@@ -36,8 +37,6 @@ public:
             return;
         const bool isRead = checkDocument(document, place, NAMESPACE, "Types", findings);
         checkForm(document, place, findings);
-        if (document.isDamaged)
-            findings.add("M3.10", place, "The content types stream can't be read: " + document.failure);
         if (document.usesMarkupCompatibility)
             findings.add("M2.10", place, "The content types stream uses markup compatibility");
         for (const ContentTypeEntry& entry : subject.contentTypes())
@@ -128,8 +127,10 @@ private:
             findings.add("M1.4", at, "The PartName " + entry.key + " doesn't begin with a slash");
             return false;
         }
+        if (subject.findPart(name) != nullptr)
+            return true;
         const std::string key = keyOfName(name);
-        if (key == keyOfName("/[Content_Types].xml")) {
+        if (key == CONTENT_TYPES_KEY) {
             findings.add("M2.1", at, "An Override names the content types stream");
             return false;
         }
@@ -140,8 +141,7 @@ private:
                          "The PartName " + entry.key + " isn't the name of a part: " + failure.what());
             return false;
         }
-        if (subject.findPart(name) == nullptr)
-            findings.add("SEC-35", at, "There is no part for the Override of " + entry.key);
+        findings.add("SEC-35", at, "There is no part for the Override of " + entry.key);
         return true;
     }
 

@@ -31,6 +31,19 @@ bool isSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
+/// Whether it has the form of nearly all: two tokens of usual characters.
+bool isPlain(std::string_view contentType) {
+    const auto isUsual = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+               c == '.' || c == '+' || c == '_';
+    };
+    const std::size_t slash = contentType.find('/');
+    if (slash == 0 || slash == std::string_view::npos || slash + 1 == contentType.size())
+        return false;
+    return std::all_of(contentType.begin(), contentType.begin() + slash, isUsual) &&
+           std::all_of(contentType.begin() + slash + 1, contentType.end(), isUsual);
+}
+
 bool isValid(const std::string& contentType) {
     try {
         const model::ContentType valid(opc::toString(contentType, true));
@@ -66,6 +79,8 @@ bool hasSpaceInside(std::string_view text) {
 } // namespace
 
 TypeDefect findTypeDefect(const std::string& contentType) {
+    if (isPlain(contentType))
+        return {};
     const std::string shown = " has the content type \"" + contentType + "\"";
     if (isValid(contentType)) {
         const std::size_t end = contentType.find(';');
