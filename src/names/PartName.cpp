@@ -3,8 +3,6 @@
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 
-#include <boost/regex.hpp>
-
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -128,15 +126,7 @@ bool PartName::operator<(const PartName& other) const {
 }
 
 bool PartName::isRelationshipPath(u16string_view path) {
-    // The expression takes linear time on a path that ends so. On others it may try every pair of positions, and on
-    // long ones it gives up with an exception of its own.
-    if (!endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME))
-        return false;
-    if (endsWith(path.substr(0, path.rfind(URI::getSlash())), u"/_rels"))
-        return true; // nearly always true, without the expression
-    static const boost::basic_regex<wchar_t> expression(L"^.*/_rels/.*\\.rels$");
-    return boost::regex_match(std::wstring(path.begin(), path.end()),
-                              expression); // all URIs are in US-ASCII
+    return endsWith(path, RELATIONSHIP_PART_EXTENSION_NAME) && path.find(u"/_rels/") != u16string_view::npos;
 }
 
 void PartName::throwExceptionIfInvalidPartUri(const URI& uri) {
