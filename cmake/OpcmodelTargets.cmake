@@ -4,6 +4,7 @@ add_library(opcmodel_flags INTERFACE)
 # A parameter of a constructor has the name of the member that it initialises. Clang's -Wshadow lets it, GCC's doesn't.
 target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
   $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>)
+target_link_options(opcmodel_flags INTERFACE LINKER:--as-needed) # a library that isn't used isn't loaded
 if(OPCMODEL_DEVELOPER)
   target_compile_options(opcmodel_flags INTERFACE -Werror)
 endif()

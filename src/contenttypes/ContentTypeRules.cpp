@@ -1,14 +1,12 @@
 #include <opc/model/ContentTypeRules.hpp>
 
 #include "contenttypes/ContentTypeSource.hpp"
-#include "contenttypes/ContentTypesParsers.hpp"
 #include "contenttypes/ContentTypesScanner.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/SchemaType.hpp"
 
 #include <opc/model/ContentType.hpp>
-#include <opc/model/ContentTypesVocabulary.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PartName.hpp>
 
@@ -94,8 +92,7 @@ std::string ContentTypeRules::findDefectOfContentType(std::u16string_view conten
     if (isPlainContentType(contentType))
         return {};
     if (!contentTypePattern)
-        contentTypePattern = std::make_unique<SchemaType>(
-            contentTypesParsers(), vocabulary::content_types::NAMESPACE.wide().data(), u"ST_ContentType");
+        contentTypePattern = makeSchemaType(SchemaType::Name::ContentType);
     const std::u16string text(contentType);
     if (!contentTypePattern->accepts(text))
         return INVALID;

@@ -2,28 +2,23 @@
 
 #include "contenttypes/ContentTypeMap.hpp"
 #include "contenttypes/ContentTypesComposer.hpp"
-#include "contenttypes/ContentTypesParsers.hpp"
 #include "contenttypes/ContentTypesScanner.hpp"
 #include "xml/ComposeOrSerialize.hpp"
-#include "xml/ElementVisits.hpp"
+#include "xml/ElementReader.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReusedParser.hpp"
 #include "xml/ScanOrParse.hpp"
+#include "xml/XmlDocument.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/ContentTypesVocabulary.hpp>
 #include <opc/model/Errors.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesHelper.hpp>
-#include <opc/model/XercesString.hpp>
-
-#include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory_resource>
@@ -45,12 +40,12 @@ constexpr std::size_t LARGEST_SCANNED = 16 << 20;
 struct FoundEntry {
     std::u16string key;
     const std::u16string* contentType;
-    XMLFileLoc line;
+    std::uint64_t line;
 };
 
 /// The line in which a piece of a document begins.
-XMLFileLoc lineOf(std::string_view document, std::string_view piece) {
-    return static_cast<XMLFileLoc>(1 + std::count(document.data(), piece.data(), '\n'));
+std::uint64_t lineOf(std::string_view document, std::string_view piece) {
+    return static_cast<std::uint64_t>(1 + std::count(document.data(), piece.data(), '\n'));
 }
 
 /// The content types of one stream. It has few different ones, so each is parsed once. They are in a tree, because no
@@ -165,7 +160,6 @@ void ContentTypeSerializer::takeScanned(ContentTypeMap& map, const ScannedConten
 }
 
 void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, DocumentShare& share) {
-    const XercesGuard guard;
     std::set<std::u16string> contentTypes;
     std::deque<FoundEntry> defaults;
     std::deque<FoundEntry> overrides;
@@ -186,10 +180,7 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, Docu
         else
             ++unread;
     };
-    ReusedParser(contentTypesParsers()).use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
-        const ElementVisits visits(parser, visit);
-        XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
-    });
+    makeElementReader(ElementReader::Kind::ContentTypes)->read(stream, visit);
     ContentTypeReader<char16_t> types;
     for (; !defaults.empty(); defaults.pop_front()) {
         const FoundEntry& entry = defaults.front();
@@ -244,30 +235,21 @@ std::string ContentTypeSerializer::serialize(const ContentTypeMap& map) {
 }
 
 void ContentTypeSerializer::serialize(const ContentTypeMap& map, OutputStream& stream) {
-    const XercesGuard guard;
-    const XercesString namespaceURI(NAMESPACE.wide().data());
-    const XercesString contentTypeName(CONTENT_TYPE.wide().data());
-    const XercesString extensionName(EXTENSION.wide().data());
-    const XercesString partNameName(PART_NAME.wide().data());
-    const auto document = XercesHelper::createDocument();
-    document->setXmlStandalone(true);
-    xercesc::DOMElement* const root =
-        XercesHelper::appendElementNS(document.get(), namespaceURI, XercesString(TYPES.wide().data()));
-    const auto append = [&](const XercesString& element, const XercesString& keyName,
-                            const std::u16string& key, const ContentType& contentType) {
-        xercesc::DOMElement* const entry = XercesHelper::appendElementNS(root, namespaceURI, element);
-        XercesHelper::setElementAttribute(entry, keyName, key);
-        XercesHelper::setElementAttribute(entry, contentTypeName, contentType.toString());
+    const auto document = makeXmlDocument(XmlDocument::Form::Part);
+    const auto append = [&document](std::u16string_view element, std::u16string_view keyName,
+                                    const std::u16string& key, const ContentType& contentType) {
+        document->open(NAMESPACE, element);
+        document->setAttribute(keyName, key);
+        document->setAttribute(CONTENT_TYPE, contentType.toString());
+        document->close();
     };
-    const XercesString defaultName(DEFAULT.wide().data());
+    document->open(NAMESPACE, TYPES);
     for (const auto& [extension, entry] : map.getDefaults())
         if (entry.references != 0)
-            append(defaultName, extensionName, extension, entry.contentType);
-    const XercesString overrideName(OVERRIDE.wide().data());
+            append(DEFAULT, EXTENSION, extension, entry.contentType);
     for (const auto& [name, contentType] : map.getOverrides())
-        append(overrideName, partNameName, name.toString(), contentType);
-    const auto writer = XercesHelper::createPrettyPrintingWriter();
-    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        append(OVERRIDE, PART_NAME, name.toString(), contentType);
+    document->write(stream);
 }
 
 } // namespace opc::model

@@ -2,28 +2,19 @@
 
 #include "coreproperties/CorePropertiesComposer.hpp"
 #include "coreproperties/CorePropertiesLoss.hpp"
-#include "coreproperties/CorePropertiesNames.hpp"
-#include "coreproperties/CorePropertiesRules.hpp"
+#include "coreproperties/CorePropertiesParser.hpp"
 #include "coreproperties/CorePropertiesScanner.hpp"
 #include "coreproperties/CorePropertiesVocabulary.hpp"
 #include "xml/ComposeOrSerialize.hpp"
-#include "xml/ElementMeter.hpp"
-#include "xml/EmbeddedSchemas.hpp"
-#include "xml/GrammarLoading.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReusedParser.hpp"
 #include "xml/ScanOrParse.hpp"
+#include "xml/XmlDocument.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Time.hpp>
 #include <opc/model/CorePropertyField.hpp>
-#include <opc/model/XercesDeleter.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesHelper.hpp>
 
 #include <stdexcept>
-
-#include <xercesc/dom/DOM.hpp>
 
 namespace opc::model {
 
@@ -31,96 +22,54 @@ namespace {
 
 using namespace vocabulary::core_properties;
 using boost::posix_time::ptime;
-using xercesc::DOMElement;
 
 /// A larger part goes to the parser at once, so that it isn't kept in memory as a whole.
 constexpr std::size_t LARGEST_SCANNED = 1 << 20;
 
-/// Stores the value of an element in a field.
-/// @{
-void readValue(const DOMElement* element, CoreProperties::Text& text) {
-    text.emplace();
-    XercesHelper::getElementText(element, *text);
+/// Opens the element of a field, with its text.
+void open(XmlDocument& document, std::string_view name, const std::u16string& text) {
+    document.open(widen(namespaceOf(prefixOf(name))), widen(name));
+    document.setText(text);
 }
 
-void readValue(const DOMElement* element, CoreProperties::Time& time) {
-    std::u16string text;
-    XercesHelper::getElementText(element, text);
-    const ptime read = convertStringToTime(text);
-    if (!read.is_not_a_date_time())
-        time = read;
-}
-
-void readValue(const DOMElement* element, CoreProperties::Keywords& keywords) {
-    const CorePropertiesName keywordName(KEYWORD);
-    const CorePropertiesName languageName(LANGUAGE);
-    keywords.emplace();
-    const auto add = [&](const DOMElement* keyword) {
-        auto& [text, language] = keywords->emplace_back();
-        XercesHelper::getTrimmedElementText(keyword, text);
-        XercesHelper::getElementAttributeNS(keyword, languageName.namespaceURI, languageName.local, language);
-    };
-    // The element's own text is the first keyword, even if it is empty.
-    add(element);
-    for (const DOMElement* keyword :
-         XercesHelper::getElementsNS(element, keywordName.namespaceURI, keywordName.local))
-        add(keyword);
-}
-/// @}
-
-void setAttribute(DOMElement* element, const CorePropertiesName& name, std::u16string_view value) {
-    XercesHelper::setElementAttributeNS(element, name.namespaceURI, name.qualified, std::u16string(value));
-}
-
-DOMElement* append(DOMElement* parent, std::string_view name, const std::u16string& text) {
-    const CorePropertiesName with(name);
-    DOMElement* const element = XercesHelper::appendElementNS(parent, with.namespaceURI, with.qualified);
-    XercesHelper::setElementText(element, text);
-    return element;
+void setAttribute(XmlDocument& document, std::string_view name, std::u16string_view value) {
+    document.setAttribute(widen(namespaceOf(prefixOf(name))), widen(name), value);
 }
 
 /// Appends the element of a field, if it is present.
 /// @{
-void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Text& value) {
-    if (value)
-        append(root, field.element, *value);
+void append(XmlDocument& document, const CorePropertyField& field, const CoreProperties::Text& value) {
+    if (!value)
+        return;
+    open(document, field.element, *value);
+    document.close();
 }
 
-void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Time& value) {
+void append(XmlDocument& document, const CorePropertyField& field, const CoreProperties::Time& value) {
     const std::u16string text = value ? convertTimeToString(*value) : std::u16string();
     if (text.empty())
         return;
-    DOMElement* const element = append(root, field.element, text);
+    open(document, field.element, text);
     if (field.attribute == CorePropertyField::Attribute::Type)
-        setAttribute(element, CorePropertiesName(TYPE), widen(W3CDTF));
+        setAttribute(document, TYPE, widen(W3CDTF));
+    document.close();
 }
 
 /// The first keyword is the element's own text. Each further keyword is a child.
-void append(DOMElement* root, const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
-    if (!keywords)
+void append(XmlDocument& document, const CorePropertyField& field, const CoreProperties::Keywords& keywords) {
+    if (!keywords || keywords->empty())
         return;
-    const CorePropertiesName languageName(LANGUAGE);
-    DOMElement* element = nullptr;
-    for (const auto& [text, language] : *keywords) {
-        DOMElement* const keyword =
-            element != nullptr ? append(element, KEYWORD, text) : append(root, field.element, text);
-        if (!language.empty())
-            setAttribute(keyword, languageName, language);
-        if (element == nullptr)
-            element = keyword;
+    for (const auto& keyword : *keywords) {
+        const bool isFirst = &keyword == &keywords->front();
+        open(document, isFirst ? field.element : KEYWORD, keyword.first);
+        if (!keyword.second.empty())
+            setAttribute(document, LANGUAGE, keyword.second);
+        if (!isFirst)
+            document.close();
     }
+    document.close();
 }
 /// @}
-
-IdleParsers& corePropertiesParsers() {
-    static IdleParsers& parsers = *new IdleParsers([] {
-        auto created = XercesHelper::createParser();
-        loadGrammars(created.get(), {&schemas::XML, &schemas::DUBLIN_CORE, &schemas::DCMI_TYPE,
-                                     &schemas::DCMI_TERMS, &schemas::CORE_PROPERTIES});
-        return created;
-    });
-    return parsers;
-}
 
 /// Arithmetic can lead a ptime out of the years that it can represent.
 void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
@@ -137,17 +86,9 @@ void throwIfTimesAreOutOfRange(const CoreProperties& properties) {
 
 } // namespace
 
-/// The parsers of Xerces that have the schemas.
-struct CorePropertiesSerializer::Parser {
-    XercesGuard guard;
-    ReusedParser reused{corePropertiesParsers()};
-};
-
 CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudget> budget)
     : budget(std::move(budget)) {
 }
-
-CorePropertiesSerializer::~CorePropertiesSerializer() = default;
 
 void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
     read(stream, properties, LARGEST_SCANNED);
@@ -172,25 +113,7 @@ void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& propert
         return true;
     };
     scanOrParse(metered, buffer, largestScanned, scan,
-                [&](InputStream& document) { parse(document, properties, share); });
-}
-
-void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties, DocumentShare& share) {
-    if (!parser)
-        parser = std::make_unique<Parser>();
-    parser->reused.use(stream, [&](xercesc::DOMLSParser* with, InputStream& document) {
-        const ElementMeter meter(with, share);
-        const DOMElement* const root =
-            XercesHelper::readDocumentFromStream(with, document, true, {}, {})->getDocumentElement();
-        properties.clear();
-        throwIfCorePropertiesBreakRules(root);
-        for (const CorePropertyField& field : CorePropertyField::all()) {
-            const CorePropertiesName name(field.element);
-            const DOMElement* const element = XercesHelper::getElementNS(root, name.namespaceURI, name.local);
-            if (element != nullptr)
-                field.visit(properties, [element](auto& value) { readValue(element, value); });
-        }
-    });
+                [&](InputStream& document) { parseCoreProperties(document, properties, share); });
 }
 
 std::string CorePropertiesSerializer::write(const CoreProperties& properties) {
@@ -216,19 +139,14 @@ std::string CorePropertiesSerializer::serialize(const CoreProperties& properties
 }
 
 void CorePropertiesSerializer::serialize(const CoreProperties& properties, OutputStream& stream) {
-    const XercesGuard guard;
-    const auto document = XercesHelper::createDocument();
-    document->setXmlStandalone(true);
-    const CorePropertiesName rootName(ROOT);
-    DOMElement* const root =
-        XercesHelper::appendElementNS(document.get(), rootName.namespaceURI, rootName.qualified);
+    const auto document = makeXmlDocument(XmlDocument::Form::Part);
+    document->open(widen(namespaceOf(prefixOf(ROOT))), widen(ROOT));
     for (const auto& [prefix, uri] : NAMESPACES)
         if (prefix != prefixOf(ROOT)) // Xerces declares that one
-            setAttribute(root, CorePropertiesName("xmlns:" + std::string(prefix)), widen(uri));
+            setAttribute(*document, "xmlns:" + std::string(prefix), widen(uri));
     for (const CorePropertyField& field : CorePropertyField::all())
-        field.visit(properties, [&](const auto& value) { append(root, field, value); });
-    const auto writer = XercesHelper::createPrettyPrintingWriter();
-    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+        field.visit(properties, [&](const auto& value) { append(*document, field, value); });
+    document->write(stream);
 }
 
 } // namespace opc::model

@@ -22,7 +22,6 @@ public:
         std::shared_ptr<DocumentBudget> budget = std::make_shared<DocumentBudget>());
     CorePropertiesSerializer(const CorePropertiesSerializer&) = delete;
     CorePropertiesSerializer& operator=(const CorePropertiesSerializer&) = delete;
-    ~CorePropertiesSerializer();
 
     /// Replaces `properties` by the values of the document. A time that `ptime` can't hold leaves its field absent.
     /// @throws InvalidXMLSchema    a schema of the library doesn't load
@@ -42,14 +41,10 @@ public:
     static std::string serialize(const CoreProperties& properties);
 
 private:
-    struct Parser;
-
     void read(InputStream& stream, CoreProperties& properties, std::size_t largestScanned);
-    void parse(InputStream& stream, CoreProperties& properties, DocumentShare& share);
     static void serialize(const CoreProperties& properties, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
-    std::unique_ptr<Parser> parser; // made for the first document that isn't scanned
 };
 
 } // namespace opc::model

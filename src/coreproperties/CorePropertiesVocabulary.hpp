@@ -33,6 +33,14 @@ constexpr std::string_view prefixOf(std::string_view name) {
     return name.substr(0, name.find(':'));
 }
 
+/// @param prefix  a usual one, or one that XML itself has
+constexpr std::string_view namespaceOf(std::string_view prefix) {
+    for (const auto& [usual, uri] : NAMESPACES)
+        if (usual == prefix)
+            return uri;
+    return prefix == "xml" ? "http://www.w3.org/XML/1998/namespace" : "http://www.w3.org/2000/xmlns/";
+}
+
 /// A name without its prefix.
 constexpr std::string_view localPart(std::string_view name) {
     return name.substr(name.find(':') + 1);

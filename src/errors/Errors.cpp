@@ -26,6 +26,7 @@ InvalidSignature::~InvalidSignature() = default;
 InvalidURI::~InvalidURI() = default;
 InvalidXMLDocument::~InvalidXMLDocument() = default;
 InvalidXMLSchema::~InvalidXMLSchema() = default;
+XmlParserNotLoaded::~XmlParserNotLoaded() = default;
 NotImplemented::~NotImplemented() = default;
 PackageAlreadyOpen::~PackageAlreadyOpen() = default;
 PackageCloseFailed::~PackageCloseFailed() = default;

@@ -5,23 +5,15 @@
 #include "relationships/RelationshipsComposer.hpp"
 #include "xml/CollidingIDs.hpp"
 #include "xml/ComposeOrSerialize.hpp"
-#include "xml/ElementVisits.hpp"
-#include "xml/EmbeddedSchemas.hpp"
-#include "xml/GrammarLoading.hpp"
+#include "xml/ElementReader.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
-#include "xml/ReusedParser.hpp"
 #include "xml/ScanOrParse.hpp"
+#include "xml/XmlDocument.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/RelationshipsVocabulary.hpp>
-#include <opc/model/XercesDeleter.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesHelper.hpp>
-#include <opc/model/XercesString.hpp>
-
-#include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
 #include <deque>
@@ -47,15 +39,6 @@ void throwIfIDsCollide(const RelationshipManager& manager) {
         if (ids.add(relationship.id))
             throw InvalidPartContent(CollidingIDs::TOO_MANY);
     });
-}
-
-IdleParsers& relationshipsParsers() {
-    static IdleParsers& parsers = *new IdleParsers([] {
-        auto parser = XercesHelper::createParser();
-        loadGrammarUnchecked(parser.get(), schemas::RELATIONSHIPS);
-        return parser;
-    });
-    return parsers;
 }
 
 /// The relationships that the parser finds, until the document is known to be valid.
@@ -114,23 +97,10 @@ private:
 
 } // namespace
 
-/// The objects of Xerces that this class uses.
-struct RelationshipSerializer::Xml {
-    XercesGuard guard;
-    ReusedParser parser{relationshipsParsers()};
-    std::unique_ptr<xercesc::DOMLSSerializer, XercesDeleter> writer; // made when a part needs it
-};
-
-RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> budget)
-    : budget(std::move(budget)), types(std::make_shared<RelationshipTypes>()) {
+RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> ofPackage)
+    : budget(std::move(ofPackage)), types(std::make_shared<RelationshipTypes>()) {
 }
 RelationshipSerializer::~RelationshipSerializer() = default;
-
-RelationshipSerializer::Xml& RelationshipSerializer::xml() {
-    if (!made)
-        made = std::make_unique<Xml>();
-    return *made;
-}
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
     read(stream, manager, LARGEST_SCANNED);
@@ -183,12 +153,11 @@ RelationshipBlock& RelationshipSerializer::blockWithRoom(std::size_t room) {
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager, DocumentShare& share) {
     RelationshipBlock& memory = blockWithRoom(1);
     ParsedRelationships found(memory, *types, manager.getSourceURI());
-    xml().parser.use(stream, [&](xercesc::DOMLSParser* parser, InputStream& source) {
-        const ElementVisits visits(parser, [&](const VisitedElement& element) {
-            share.addElements(1);
-            found.add(element);
-        });
-        XercesHelper::readDocumentFromStream(parser, source, true, {}, {});
+    if (!parser)
+        parser = makeElementReader(ElementReader::Kind::Relationships);
+    parser->read(stream, [&](const VisitedElement& element) {
+        share.addElements(1);
+        found.add(element);
     });
     manager.take(std::shared_ptr<const RelationshipGroup>(block, &found.makeGroup()));
     found.throwIfOneIsBad();
@@ -213,30 +182,18 @@ std::string RelationshipSerializer::serialize(const RelationshipManager& manager
 }
 
 void RelationshipSerializer::serialize(const RelationshipManager& manager, OutputStream& stream) {
-    Xml& with = xml();
-    const XercesString namespaceURI(NAMESPACE.wide().data());
-    const XercesString relationshipName(RELATIONSHIP.wide().data());
-    const XercesString idName(ID.wide().data());
-    const XercesString typeName(TYPE.wide().data());
-    const XercesString targetName(TARGET.wide().data());
-    const XercesString targetModeName(TARGET_MODE.wide().data());
-    const auto document = XercesHelper::createDocument();
-    document->setXmlStandalone(true);
-    xercesc::DOMElement* const root = XercesHelper::appendElementNS(
-        document.get(), namespaceURI, XercesString(RELATIONSHIPS.wide().data()));
+    const auto document = makeXmlDocument(XmlDocument::Form::Part);
+    document->open(NAMESPACE, RELATIONSHIPS);
     for (const Relationship& relationship : manager.getRelationships({})) {
-        xercesc::DOMElement* const element =
-            XercesHelper::appendElementNS(root, namespaceURI, relationshipName);
-        XercesHelper::setElementAttribute(element, idName, relationship.getID());
-        XercesHelper::setElementAttribute(element, typeName, relationship.getType());
-        XercesHelper::setElementAttribute(element, targetName, relationship.getTarget());
+        document->open(NAMESPACE, RELATIONSHIP);
+        document->setAttribute(ID, relationship.getID());
+        document->setAttribute(TYPE, relationship.getType());
+        document->setAttribute(TARGET, relationship.getTarget());
         if (relationship.getTargetMode() == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide().data());
+            document->setAttribute(TARGET_MODE, EXTERNAL);
+        document->close();
     }
-    // Drops a writer that failed: it would omit the namespace declaration from then on.
-    auto writer = with.writer ? std::move(with.writer) : XercesHelper::createPrettyPrintingWriter();
-    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
-    with.writer = std::move(writer);
+    document->write(stream);
 }
 
 } // namespace opc::model

@@ -3,6 +3,7 @@
 #include "relationships/RelationshipBlock.hpp"
 #include "relationships/RelationshipsScanner.hpp"
 #include "xml/DocumentBudget.hpp"
+#include "xml/ElementReader.hpp"
 #include "xml/ReplayedStream.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -43,25 +44,22 @@ public:
 
     /// The document as Xerces writes it, without further checks.
     /// @throws InvalidPartContent  a text that XML can't hold
-    std::string serialize(const RelationshipManager& manager);
+    static std::string serialize(const RelationshipManager& manager);
 
 private:
-    struct Xml;
-
-    Xml& xml();
     RelationshipBlock& blockWithRoom(std::size_t room);
     void read(InputStream& stream, RelationshipManager& manager, std::size_t largestScanned);
     void takeScanned(RelationshipManager& manager);
     void parse(InputStream& stream, RelationshipManager& manager, DocumentShare& share);
-    void serialize(const RelationshipManager& manager, OutputStream& stream);
+    static void serialize(const RelationshipManager& manager, OutputStream& stream);
 
     std::shared_ptr<DocumentBudget> budget;
-    std::unique_ptr<Xml> made;
-    ReadAheadBuffer buffer;                   // holds the current part
-    std::vector<ScannedRelationship> scanned; // points into the buffer
-    std::string composed;                     // the current part in written form
-    std::shared_ptr<RelationshipTypes> types; // of the scanned relationships
-    std::shared_ptr<RelationshipBlock> block; // has room for the next ones; null at first
+    std::unique_ptr<ElementReader> parser;    // made when a part needs it
+    ReadAheadBuffer buffer;                   // holds the part in hand
+    std::vector<ScannedRelationship> scanned; // in the buffer
+    std::string composed;                     // the part in hand, as it is written
+    std::shared_ptr<RelationshipTypes> types; // that were scanned
+    std::shared_ptr<RelationshipBlock> block; // which the next ones have room in; null at first
 };
 
 } // namespace opc::model

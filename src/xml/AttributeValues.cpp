@@ -3,13 +3,7 @@
 #include "xml/LongTags.hpp"
 #include "xml/PlainDocument.hpp"
 #include "xml/PlainURI.hpp"
-#include "xml/XercesFailures.hpp"
-
-#include <opc/model/XercesGuard.hpp>
-
-#include <xercesc/util/XMLUni.hpp>
-#include <xercesc/validators/datatype/DatatypeValidatorFactory.hpp>
-#include <xercesc/validators/schema/SchemaSymbols.hpp>
+#include "xml/SchemaType.hpp"
 
 #include <algorithm>
 
@@ -50,29 +44,17 @@ bool isASCII(const std::u16string& value) {
     return std::all_of(value.begin(), value.end(), [](char16_t unit) { return unit < 128; });
 }
 
-/// @param type  the name of a built-in type
-bool isValid(const std::u16string& value, const XMLCh* type) {
-    const XercesGuard guard;
-    auto* const types = xercesc::DatatypeValidatorFactory::getBuiltInRegistry();
-    try {
-        translateXercesFailures([&] { types->get(type)->validate(value.c_str()); });
-        return true;
-    } catch (const InvalidXMLDocument&) {
-        return false;
-    }
-}
-
-bool isHeld(const std::u16string& value, IsPlain isPlain, const XMLCh* type) {
+bool isHeld(const std::u16string& value, IsPlain isPlain, SchemaType::Name type) {
     if (isASCII(value) && isPlain(std::string(value.begin(), value.end())))
         return true;
-    return standsCollapsed(value) && isValid(value, type);
+    return standsCollapsed(value) && makeSchemaType(type)->accepts(value);
 }
 
 } // namespace
 
 bool isHeldURI(const std::u16string& value) {
     const auto isPlain = [](std::string_view text) { return recognisePlainURI(text) != PlainURI::No; };
-    return isHeld(value, isPlain, xercesc::SchemaSymbols::fgDT_ANYURI);
+    return isHeld(value, isPlain, SchemaType::Name::AnyURI);
 }
 
 bool canHoldURI(const std::u16string& value) {
@@ -80,7 +62,7 @@ bool canHoldURI(const std::u16string& value) {
 }
 
 bool isHeldID(const std::u16string& value) {
-    return isHeld(value, isPlainID, xercesc::XMLUni::fgIDString);
+    return isHeld(value, isPlainID, SchemaType::Name::ID);
 }
 
 std::u16string collapse(std::u16string_view value) {

@@ -1,37 +1,27 @@
 #pragma once
 
-#include "xml/IdleParsers.hpp"
-
-#include <opc/model/XercesGuard.hpp>
-
-#include <xercesc/util/XercesDefs.hpp>
-
+#include <memory>
 #include <string>
-
-XERCES_CPP_NAMESPACE_BEGIN
-class DatatypeValidator;
-XERCES_CPP_NAMESPACE_END
 
 namespace opc::model {
 
-/// A simple type of a schema. It checks single values as validation does.
+/// A simple type of a schema. It checks single values as validation does, for one thread at a time.
 class SchemaType {
 public:
-    /// @param kind          with the schema; must outlive this object
-    /// @param namespaceURI  of the schema
-    /// @param localName     of the type
-    SchemaType(IdleParsers& kind, const char16_t* namespaceURI, const char16_t* localName);
+    enum class Name {
+        AnyURI,      ///< xs:anyURI
+        ID,          ///< xs:ID
+        ContentType, ///< ST_ContentType of the content types stream
+    };
+
+    SchemaType() = default;
     SchemaType(const SchemaType&) = delete;
     SchemaType& operator=(const SchemaType&) = delete;
-    ~SchemaType();
+    virtual ~SchemaType() = default;
 
-    bool accepts(const std::u16string& value) const;
-
-private:
-    const XercesGuard guard;
-    IdleParsers& kind;
-    IdleParsers::Owned parser; // has the grammar of the type
-    xercesc::DatatypeValidator* validator;
+    virtual bool accepts(const std::u16string& value) const = 0;
 };
+
+std::unique_ptr<SchemaType> makeSchemaType(SchemaType::Name name);
 
 } // namespace opc::model

@@ -4,10 +4,13 @@
 #include <opc/core/Exception.hpp>
 #include <opc/model/Export.hpp>
 
+#include <stdexcept>
+#include <string>
+
 /// @file
 /// The exceptions of the library: one class for each kind of failure.
 ///
-/// Each class derives directly from `opc::Exception`. A handler for one class catches only this class, and a handler
+/// Each class but `XmlParserNotLoaded` derives directly from `opc::Exception`. A handler for one class catches only this class, and a handler
 /// for `opc::Exception` catches all of them. Exceptions are values: copy them freely, also to another thread. Copying
 /// never fails.
 ///
@@ -171,6 +174,14 @@ class OPC_MODEL_EXPORT InvalidXMLSchema : public Exception {
 public:
     explicit InvalidXMLSchema(const std::string& message) : Exception(message) {}
     ~InvalidXMLSchema() override;
+};
+
+/// The library that has the XML parser isn't installed beside this one. This says nothing about the package, so it isn't an
+/// `Exception`: nobody can take it for a failure in a document.
+class OPC_MODEL_EXPORT XmlParserNotLoaded : public std::runtime_error {
+public:
+    explicit XmlParserNotLoaded(const std::string& message) : runtime_error(message) {}
+    ~XmlParserNotLoaded() override;
 };
 
 /// A signature has an element that the library doesn't support.

@@ -3,11 +3,7 @@
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/core/Exception.hpp>
 #include <opc/interfaces/IPhysicalInputStream.hpp>
-#include <opc/model/XercesDeleter.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesHelper.hpp>
-
-#include <xercesc/dom/DOMLSParser.hpp>
+#include <opc/model/XmlRules.hpp>
 
 #include <algorithm>
 #include <array>
@@ -24,8 +20,11 @@ constexpr std::size_t LARGEST = 4 << 20;
 constexpr std::size_t MOST_MARKUP = 300000;
 /// @}
 
-DocumentText readText(const Bytes& bytes, WellFormedness& wellFormedness) {
-    wellFormedness.check(bytes);
+DocumentText readText(const Bytes& bytes) {
+    if (hasTooMuchMarkup(bytes))
+        throw Exception("The document has too many elements and attributes.");
+    ByteArrayInAdaptor stream(bytes);
+    model::XmlRules::check(stream);
     auto text = DocumentText::decode(bytes);
     if (!text)
         throw Exception("The document is neither in UTF-8 nor in UTF-16.");
@@ -83,40 +82,7 @@ bool hasDocumentType(const Bytes& document) {
     return rest.substr(0, DOCUMENT_TYPE.size()) == DOCUMENT_TYPE;
 }
 
-struct WellFormedness::Xml {
-    model::XercesGuard guard;
-    std::unique_ptr<xercesc::DOMLSParser, model::XercesDeleter> parser = model::XercesHelper::createParser();
-};
-
-WellFormedness::WellFormedness() = default;
-WellFormedness::~WellFormedness() = default;
-
-void WellFormedness::check(const Bytes& document) {
-    if (hasTooMuchMarkup(document))
-        throw Exception("The document has too many elements and attributes.");
-    std::unique_ptr<Xml> used = xml ? std::move(xml) : std::make_unique<Xml>();
-    ByteArrayInAdaptor stream(document);
-    try {
-        model::XercesHelper::readDocumentFromStream(used->parser.get(), stream, false, {}, {});
-    } catch (const Exception&) {
-        used->parser->resetDocumentPool();
-        xml = std::move(used);
-        throw;
-    }
-    used->parser->resetDocumentPool();
-    xml = std::move(used);
-}
-
-Document::Document(const Bytes& bytes, WellFormedness& wellFormedness)
-    : decoded(readText(bytes, wellFormedness)), found(decoded.text()) {
-}
-
-Document::Document(const Bytes& bytes)
-    : decoded([&bytes] {
-          WellFormedness alone;
-          return readText(bytes, alone);
-      }()),
-      found(decoded.text()) {
+Document::Document(const Bytes& bytes) : decoded(readText(bytes)), found(decoded.text()) {
 }
 
 } // namespace opc::physical::lenient

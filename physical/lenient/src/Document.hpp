@@ -3,7 +3,6 @@
 #include "DocumentText.hpp"
 #include "Markup.hpp"
 
-#include <memory>
 #include <optional>
 
 namespace opc::interfaces {
@@ -21,30 +20,10 @@ bool hasTooMuchMarkup(const Bytes& document);
 /// Whether a document begins with a document type, in any encoding that extends ASCII.
 bool hasDocumentType(const Bytes& document);
 
-/// Checks whether documents are well-formed by the model's own rules, one after the other.
-class WellFormedness {
-public:
-    WellFormedness();
-    WellFormedness(const WellFormedness&) = delete;
-    WellFormedness& operator=(const WellFormedness&) = delete;
-    ~WellFormedness();
-
-    /// @throws Exception  the document isn't well-formed, or has a document type or too much markup
-    void check(const Bytes& document);
-
-private:
-    struct Xml;
-
-    std::unique_ptr<Xml> xml; ///< null until it is needed, because it starts Xerces
-};
-
 /// A well-formed document, with its text and its elements.
 class Document {
 public:
-    /// @throws Exception  the document can't be read
-    Document(const Bytes& bytes, WellFormedness& wellFormedness);
-
-    /// The same for a single document.
+    /// @throws Exception  the document isn't well-formed by the model's own rules, or has too much markup
     explicit Document(const Bytes& bytes);
 
     const DocumentText& text() const { return decoded; }

@@ -216,9 +216,7 @@ bool ReadRelationship::isOfCoreProperties() const {
     return type == CORE_PROPERTIES;
 }
 
-RelationshipsDocument::RelationshipsDocument(const Bytes& bytes, WellFormedness& wellFormedness,
-                                             Source source)
-    : text(bytes, wellFormedness) {
+RelationshipsDocument::RelationshipsDocument(const Bytes& bytes, Source source) : text(bytes) {
     Reader(*this, source).read();
 }
 

@@ -45,7 +45,7 @@ public:
     enum class Source { Package, Part };
 
     /// @throws Exception  the bytes aren't such a document
-    RelationshipsDocument(const Bytes& bytes, WellFormedness& wellFormedness, Source source);
+    RelationshipsDocument(const Bytes& bytes, Source source);
 
     const Document& document() const { return text; }
 

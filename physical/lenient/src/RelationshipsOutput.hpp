@@ -17,9 +17,9 @@ public:
     /// @param part  must outlive this object
     /// @param old   the part's own document
     /// @throws Exception  it can't be read
-    RelationshipsOutput(interfaces::IPhysicalPart& part, const Bytes& old, WellFormedness& wellFormedness,
+    RelationshipsOutput(interfaces::IPhysicalPart& part, const Bytes& old,
                         RelationshipsDocument::Source source)
-        : part(part), document(old, wellFormedness, source) {}
+        : part(part), document(old, source) {}
 
     std::uint64_t write(const unsigned char* buffer, std::uint64_t count) override {
         written.insert(written.end(), buffer, buffer + count);

@@ -59,7 +59,7 @@ interfaces::IPhysicalInputStream* RelationshipsPart::giveReadable() {
         return stream;
     }
     if (!isForModel(*bytes)) {
-        const RelationshipsDocument document(*bytes, shared.wellFormedness, source);
+        const RelationshipsDocument document(*bytes, source);
         Bytes view = document.view();
         if (view.size() <= shared.bytesLeft) {
             shared.bytesLeft -= view.size();
@@ -92,7 +92,7 @@ interfaces::IPhysicalOutputStream* RelationshipsPart::getOutputStream() {
     const auto old = readDocument(*part.getInputStream());
     if (!old || hasTooMuchMarkup(*old))
         return part.getOutputStream(); // the model has read all of it
-    output = std::make_unique<RelationshipsOutput>(part, *old, shared.wellFormedness, source);
+    output = std::make_unique<RelationshipsOutput>(part, *old, source);
     return output.get();
 }
 

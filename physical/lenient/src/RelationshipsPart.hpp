@@ -20,7 +20,6 @@ namespace opc::physical::lenient {
 struct RelationshipsReading {
     static constexpr std::size_t MOST_BYTES = std::size_t{32} << 20;
 
-    WellFormedness wellFormedness;      ///< for all relationships parts of a package
     std::size_t bytesLeft = MOST_BYTES; ///< the limit for documents in a converted form
 };
 

@@ -1,17 +1,14 @@
 #include "signatures/digests/RelationshipsText.hpp"
 
 #include "xml/PlainMarkup.hpp"
+#include "xml/XmlDocument.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/RelationshipsVocabulary.hpp>
-#include <opc/model/XercesGuard.hpp>
-#include <opc/model/XercesHelper.hpp>
 
 #include <algorithm>
 #include <map>
 #include <tuple>
-
-#include <xercesc/dom/DOM.hpp>
 
 namespace opc::model {
 
@@ -90,27 +87,20 @@ bool RelationshipsText::compose(const std::vector<Entry>& entries, std::string& 
 }
 
 std::string RelationshipsText::serialize(const std::vector<Entry>& entries) {
-    const XercesGuard guard;
-    const XercesString idName(ID.wide().data());
-    const XercesString typeName(TYPE.wide().data());
-    const XercesString targetName(TARGET.wide().data());
-    const XercesString targetModeName(TARGET_MODE.wide().data());
-    const XercesString relationshipName(RELATIONSHIP.wide().data());
-    const auto document = XercesHelper::createDocument();
-    xercesc::DOMElement* const root =
-        XercesHelper::appendElement(document.get(), XercesString(RELATIONSHIPS.wide().data()));
+    const auto document = makeXmlDocument(XmlDocument::Form::SignedText);
+    document->open({}, RELATIONSHIPS);
     for (const Entry& entry : entries) {
-        xercesc::DOMElement* const element = XercesHelper::appendElement(root, relationshipName);
-        XercesHelper::setElementAttribute(element, idName, std::u16string(entry.values->id));
-        XercesHelper::setElementAttribute(element, typeName, std::u16string(entry.values->type));
-        XercesHelper::setElementAttribute(element, targetName, std::u16string(entry.values->target));
+        document->open({}, RELATIONSHIP);
+        document->setAttribute(ID, entry.values->id);
+        document->setAttribute(TYPE, entry.values->type);
+        document->setAttribute(TARGET, entry.values->target);
         if (entry.values->targetMode == TargetMode::External)
-            XercesHelper::setElementAttribute(element, targetModeName, EXTERNAL.wide().data());
+            document->setAttribute(TARGET_MODE, EXTERNAL);
+        document->close();
     }
     std::vector<unsigned char> bytes;
     ByteArrayOutAdaptor stream(bytes);
-    const auto writer = XercesHelper::createWriter();
-    XercesHelper::writeDocumentToStream(writer.get(), document.get(), stream);
+    document->write(stream);
     return {bytes.begin(), bytes.end()};
 }
 

@@ -1,12 +1,10 @@
 #include "signatures/document/SignatureElements.hpp"
 
-#include "signatures/document/SignatureComposer.hpp"
 #include "signatures/document/SignatureNames.hpp"
 #include "signatures/document/SignatureRecords.hpp"
 #include "signatures/document/TextElement.hpp"
 #include "xml/DocumentFailures.hpp"
 
-#include <opc/model/XercesGuard.hpp>
 #include <opc/model/XercesHelper.hpp>
 
 #include <xercesc/dom/DOM.hpp>
@@ -92,16 +90,6 @@ void appendReferences(DOMElement* parent, const std::vector<Reference>& referenc
         writer.append(parent, reference);
 }
 
-/// The text of a document as Xerces writes it.
-std::u16string toText(const xercesc::DOMDocument* document) {
-    std::u16string text;
-    translateDocumentFailures([&] {
-        const auto writer = XercesHelper::createWriter();
-        XercesHelper::writeDocumentToString(writer.get(), document, text, XmlDeclaration::Omit);
-    });
-    return text;
-}
-
 } // namespace
 
 OwnedDocument buildSignedInfo(const SignatureRecord& record) {
@@ -135,22 +123,6 @@ OwnedDocument buildPackageObject(const SignatureContent& content) {
             appendProperty(properties, property, names, packageNames);
         return document;
     });
-}
-
-std::u16string writeSignedInfo(const SignatureRecord& record) {
-    std::string plain;
-    if (composePlainSignedInfo(record, plain))
-        return {plain.begin(), plain.end()};
-    const XercesGuard guard;
-    return toText(buildSignedInfo(record).get());
-}
-
-std::u16string writePackageObject(const SignatureContent& content) {
-    std::string plain;
-    if (composePlainPackageObject(content, plain))
-        return {plain.begin(), plain.end()};
-    const XercesGuard guard;
-    return toText(buildPackageObject(content).get());
 }
 
 } // namespace opc::model

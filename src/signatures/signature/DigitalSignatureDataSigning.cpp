@@ -3,7 +3,7 @@
 #include "signatures/algorithms/CryptoErrors.hpp"
 #include "signatures/algorithms/RsaKeys.hpp"
 #include "signatures/digests/SignedText.hpp"
-#include "signatures/document/SignatureElements.hpp"
+#include "signatures/document/SignatureTexts.hpp"
 #include "signatures/document/SignatureVocabulary.hpp"
 #include "signatures/signature/DataToSign.hpp"
 

@@ -1,4 +1,4 @@
-#include "signatures/document/DigitalSignatureSerializer.hpp"
+#include "signatures/document/SignatureTrees.hpp"
 
 #include "signatures/document/SignatureRecords.hpp"
 #include "xml/ElementIndex.hpp"
@@ -27,21 +27,20 @@ void throwIfTypeIsNotObject(const std::u16string& type) {
 
 } // namespace
 
-void DigitalSignatureSerializer::readManifest(const IndexedElement& manifest, SignatureRecord& data) const {
-    if (!manifest.isNamed(m_xerces->names.manifest))
+void SignatureTrees::readManifest(const IndexedElement& manifest, SignatureRecord& data) const {
+    if (!manifest.isNamed(names.manifest))
         throw Exception("Internal Exception: Did not get Manifest Element as expected.");
-    for (const IndexedElement& element : manifest.getElements(m_xerces->names.reference)) {
+    for (const IndexedElement& element : manifest.getElements(names.reference)) {
         Reference reference;
         readReference(element, reference);
         data.m_content.manifestReferences.push_back(std::move(reference));
     }
 }
 
-void DigitalSignatureSerializer::readSignedInfoReferences(const IndexedElement& root, SignatureRecord& data) {
-    const IndexedElement signedInfo =
-        getRequiredElement(root, m_xerces->names.signedInfo, m_xerces->names.noNamespace);
+void SignatureTrees::readSignedInfoReferences(const IndexedElement& root, SignatureRecord& data) {
+    const IndexedElement signedInfo = getRequiredElement(root, names.signedInfo, names.noNamespace);
     toText(signedInfo, data.m_content.signedInfoXML);
-    for (const IndexedElement& element : signedInfo.getElements(m_xerces->names.reference)) {
+    for (const IndexedElement& element : signedInfo.getElements(names.reference)) {
         Reference reference;
         readReference(element, reference);
         throwIfTypeIsNotObject(reference.referenceType);
@@ -53,11 +52,11 @@ void DigitalSignatureSerializer::readSignedInfoReferences(const IndexedElement& 
     }
 }
 
-void DigitalSignatureSerializer::readReference(const IndexedElement& element, Reference& reference) const {
-    if (!element.isNamed(m_xerces->names.reference))
+void SignatureTrees::readReference(const IndexedElement& element, Reference& reference) const {
+    if (!element.isNamed(names.reference))
         throw Exception("Internal Exception: Did not get Reference Element as expected.");
-    const std::u16string uri = getRequiredAttribute(
-        element, m_xerces->names.uri, "XML signature: Manifest reference missing URI attribute.");
+    const std::u16string uri =
+        getRequiredAttribute(element, names.uri, "XML signature: Manifest reference missing URI attribute.");
     if (uri.empty())
         throw InvalidPartContent("XML Signature: Reference does not have a URI. It is not supported.");
     try {
@@ -65,37 +64,36 @@ void DigitalSignatureSerializer::readReference(const IndexedElement& element, Re
     } catch (const InvalidURI&) {
         throw InvalidPartContent("XML signature: Reference URI is not valid");
     }
-    XercesHelper::getElementAttribute(element, m_xerces->names.type, reference.referenceType);
-    XercesHelper::getElementAttribute(element, m_xerces->names.id, reference.referenceID);
-    reference.digestMethod = getRequiredAttribute(
-        getRequiredElement(element, m_xerces->names.digestMethod, m_xerces->names.noNamespace),
-        m_xerces->names.algorithm, "XML signature: DigestMethod is empty.");
-    getRequiredElementText(element, m_xerces->names.digestValue, reference.digestValue,
-                           m_xerces->names.noNamespace);
+    XercesHelper::getElementAttribute(element, names.type, reference.referenceType);
+    XercesHelper::getElementAttribute(element, names.id, reference.referenceID);
+    reference.digestMethod =
+        getRequiredAttribute(getRequiredElement(element, names.digestMethod, names.noNamespace),
+                             names.algorithm, "XML signature: DigestMethod is empty.");
+    getRequiredElementText(element, names.digestValue, reference.digestValue, names.noNamespace);
 
-    const auto transforms = element.getElement(m_xerces->names.transforms);
+    const auto transforms = element.getElement(names.transforms);
     if (!transforms)
         return;
-    for (const IndexedElement& transform : transforms->getElements(m_xerces->names.transform))
+    for (const IndexedElement& transform : transforms->getElements(names.transform))
         readTransform(transform, reference);
 }
 
-void DigitalSignatureSerializer::readTransform(const IndexedElement& element, Reference& reference) const {
+void SignatureTrees::readTransform(const IndexedElement& element, Reference& reference) const {
     std::u16string algorithm =
-        getRequiredAttribute(element, m_xerces->names.algorithm, "XML signature: TransformMethod is empty.");
+        getRequiredAttribute(element, names.algorithm, "XML signature: TransformMethod is empty.");
     if (!isRelationshipTransform(algorithm)) {
         reference.transforms.push_back(std::move(algorithm));
         return;
     }
     for (const IndexedElement& selected :
-         element.getElementsNS(m_xerces->packageNamespace, m_xerces->packageNames.relationshipReference))
+         element.getElementsNS(packageNamespace, packageNames.relationshipReference))
         reference.relationshipReferences.push_back(
-            getRequiredAttribute(selected, m_xerces->packageNames.sourceId,
+            getRequiredAttribute(selected, packageNames.sourceId,
                                  "XML signature: SourceID of a relationship transform is empty."));
     for (const IndexedElement& selected :
-         element.getElementsNS(m_xerces->packageNamespace, m_xerces->packageNames.relationshipGroupReference))
+         element.getElementsNS(packageNamespace, packageNames.relationshipGroupReference))
         reference.relationshipGroupReferences.push_back(
-            getRequiredAttribute(selected, m_xerces->packageNames.sourceType,
+            getRequiredAttribute(selected, packageNames.sourceType,
                                  "XML signature: Source type of a relationship group transform is empty."));
 }
 

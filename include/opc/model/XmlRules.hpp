@@ -1,0 +1,22 @@
+#pragma once
+
+#include <opc/core/InputStream.hpp>
+#include <opc/model/Export.hpp>
+
+namespace opc::model {
+
+/// The rules that this library has for every XML document, whatever it is for. A store can use them to find documents that
+/// make a package unreadable.
+class OPC_MODEL_EXPORT XmlRules {
+public:
+    XmlRules() = delete;
+
+    /// Checks that a document is well-formed and that the library reads it, as `XercesHelper` does, without a schema. The
+    /// tree of the document is held during the call. Any number of threads may call it at the same time.
+    /// @param stream  open, at its first byte. It is read to its end and not closed
+    /// @throws InvalidXMLDocument
+    /// @throws the exceptions of the stream, unchanged
+    static void check(InputStream& stream);
+};
+
+} // namespace opc::model
