@@ -96,7 +96,9 @@ TEST(OfficeRules, structure) {
         return text.replace(text.find(old), old.size(), by);
     };
     const RawItem types = test::contentTypesWith("");
-    const RawItem otherType = stored(types.name, replaced(types.data, main, "application/xml"));
+    const auto typeOf = [&](const std::string& type) {
+        return stored(types.name, replaced(types.data, main, type));
+    };
     const struct {
         const char* what;
         std::vector<RawItem> items;
@@ -106,7 +108,8 @@ TEST(OfficeRules, structure) {
         {"no relationship", {relationshipsWith("")}, "error P1-4"},
         {"dangling", {relationshipsWith(replaced(toMain, "word/document", "word/gone"))}, "error P1-4"},
         {"outside", {relationshipsWith(replaced(toMain, "/>", " TargetMode='External'/>"))}, "error P1-4"},
-        {"type of plain XML", {otherType}, "error P1-4"},
+        {"type of plain XML", {typeOf("application/xml")}, "error P1-4"},
+        {"type of another format", {typeOf("application/x-own+xml")}, "warning P1-4"},
         {"another format's own main part",
          {relationshipsWith(replaced(toMain, "officeDocument\" T", "x\" T"))},
          ""},
@@ -121,6 +124,10 @@ TEST(OfficeRules, structure) {
     };
     for (const auto& [what, items, expected] : cases)
         EXPECT_EQ(told(items), expected) << what;
+    EXPECT_EQ(test::brokenRules(
+                  test::packageWith({stored("word/document.xml", "<!DOCTYPE a [<!ENTITY b 'c'>]><a/>")}),
+                  SECURITY | OFFICE),
+              "SEC-22");
 }
 
 } // namespace

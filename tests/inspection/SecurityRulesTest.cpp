@@ -57,6 +57,8 @@ TEST(SecurityRules, externalTargets) {
         {"hyperlink", "mailto:a@host", "info SEC-09"},
         {"hyperlink", "javascript:x()", "error SEC-09"},
         {"hyperlink", "search-ms:query=a", "error SEC-09"},
+        {"hyperlink", "ms-msdt:/id a", "error SEC-09"},
+        {"hyperlink", "ms-word:ofe|u|https://host/", "warning SEC-09"},
         {"hyperlink", "tools\\run.EXE", "error SEC-09"},
         {"hyperlink", "https://host/run.exe", "info SEC-09"},
         {"hyperlink", "\\\\host\\a.docx", "warning SEC-09"},
@@ -245,6 +247,7 @@ TEST(SecurityRules, content) {
         {"image/svg+xml", "<!DOCTYPE svg PUBLIC '-//W3C//DTD SVG 1.1//EN' ''><svg/>", "info SEC-22"},
         {"image/svg+xml", "<!DOCTYPE svg [<!ENTITY a 'b'>]><svg/>", "error SEC-22"},
         {"text/html", "\xEF\xBB\xBF<!DOCTYPE html><html/>", ""},
+        {"text/xml", "<!DOCTYPE html><html/>", "warning SEC-41"},
     };
     for (const auto& [type, content, expected] : cases)
         EXPECT_EQ(told(itemsWithParts({{"part", type, content}})), expected)

@@ -27,4 +27,9 @@ bool allowsMacros(std::string_view format) {
     return has(WITH_MACROS, format);
 }
 
+bool isOfficeMediaType(std::string_view mediaType) {
+    return mediaType.find("officedocument") != std::string_view::npos ||
+           mediaType.find("application/vnd.ms-") == 0;
+}
+
 } // namespace opc::inspection

@@ -10,4 +10,8 @@ bool isOfficeFormat(std::string_view format);
 /// Whether documents of this format can have macros.
 bool allowsMacros(std::string_view format);
 
+/// Whether a content type is one that office programs have for their parts.
+/// @param mediaType  in lower case
+bool isOfficeMediaType(std::string_view mediaType);
+
 } // namespace opc::inspection

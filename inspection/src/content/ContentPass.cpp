@@ -100,11 +100,16 @@ private:
             model::readXmlDocument(*stream, events);
         } catch (const model::InvalidXMLDocument& e) {
             isWhole = false;
-            if (isXml(part.mediaType())) // other content only looks like it
+            if (isXml(part.mediaType()) && !isToldElsewhere(part)) // other content only looks like it
                 findings.add("OFFICE-XML", {part.name}, std::string("The XML can't be read: ") + e.details());
         }
         for (ContentObserver* observer : readers)
             observer->parsed(isWhole);
+    }
+
+    /// A document type declaration ends the reading: another rule tells that.
+    bool isToldElsewhere(const PartView& part) const {
+        return findings.wants("SEC-22") && subject.read(part, PIECE).find("<!DOCTYPE") != std::string::npos;
     }
 
     /// Fills the buffer, so that the first piece is the head whatever portions the stream gives.

@@ -25,7 +25,7 @@ constexpr Rule RULES[] = {
      "Markup was copied from another part without its relationships, or a relationship was removed", "",
      "Office programs call the file damaged, or show nothing in this place",
      "Add the relationship, or remove the element that names it"},
-    {"OFFICE-XML", "XML that can't be read", Severity::Warning, OFFICE, "",
+    {"OFFICE-XML", "XML that can't be read", Severity::Warning, OFFICE | SECURITY, "",
      "A part that is XML is well-formed",
      "The part was cut off, written with unescaped characters, or edited by hand", "",
      "Office programs call the file damaged", "Correct the XML at the place that the message names"},

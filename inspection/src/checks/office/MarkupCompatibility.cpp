@@ -1,5 +1,6 @@
 #include "checks/office/MarkupCompatibility.hpp"
 
+#include "checks/OfficeFormats.hpp"
 #include "checks/office/MarkupCompatibilityReader.hpp"
 #include "content/ByteSearch.hpp"
 #include "content/TagNames.hpp"
@@ -17,6 +18,7 @@ public:
         if (part.isRelationships() || !looksLikeXml(head))
             return false;
         name = part.name;
+        isOfOffice = isOfficeMediaType(part.mediaType());
         isOpaque = !isAsciiCompatible(head);
         search.begin();
         return true;
@@ -27,7 +29,7 @@ public:
     model::XmlEvents* end() override {
         if (!search.isFound() && !isOpaque)
             return nullptr;
-        reader.begin(name);
+        reader.begin(name, isOfOffice);
         return &reader;
     }
 
@@ -35,7 +37,7 @@ private:
     MarkupCompatibilityReader reader;
     ByteSearch search;
     std::string name;
-    bool isOpaque = false;
+    bool isOpaque = false, isOfOffice = false;
 };
 
 } // namespace

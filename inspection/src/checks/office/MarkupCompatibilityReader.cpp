@@ -50,8 +50,9 @@ void MarkupCompatibilityReader::Text::add(std::u16string_view piece) {
         }
 }
 
-void MarkupCompatibilityReader::begin(const std::string& partName) {
+void MarkupCompatibilityReader::begin(const std::string& partName, bool isOfOffice) {
     part = partName;
+    knowsVocabulary = isOfOffice;
     levels.clear();
     namespaces.clear();
     declared.clear();
@@ -79,7 +80,7 @@ void MarkupCompatibilityReader::onStart(const model::XmlElement& element, const 
     levels.push_back(level);
     checkAttributes(element);
     checkRole(element, level.role, parent);
-    if (!isOpenContent && !isOfNamespace)
+    if (knowsVocabulary && !isOpenContent && !isOfNamespace)
         checkVocabulary(element);
 }
 

@@ -21,7 +21,8 @@ public:
 
     explicit MarkupCompatibilityReader(Findings& findings) : findings(findings) {}
 
-    void begin(const std::string& part);
+    /// @param isOfOffice  whether office programs read the part: only their vocabularies are known
+    void begin(const std::string& part, bool isOfOffice);
 
     void onStart(const model::XmlElement& element, const model::XmlPlace& behind) override;
     void onEnd() override;
@@ -71,6 +72,7 @@ private:
 
     Findings& findings;
     std::string part;
+    bool knowsVocabulary = false;
     model::XmlPlace place{};
     std::vector<Level> levels;
     std::unordered_map<std::u16string, std::vector<std::u16string>>

@@ -31,9 +31,10 @@ bool isMainType(const std::string& mediaType) {
     });
 }
 
-bool isOfficeType(const std::string& mediaType) {
-    return mediaType.find("officedocument") != std::string::npos ||
-           startsWith(mediaType, "application/vnd.ms-");
+/// A type that says nothing about the format.
+bool isPlainType(const std::string& mediaType) {
+    return mediaType == "application/xml" || mediaType == "text/xml" ||
+           mediaType == "application/octet-stream";
 }
 
 /// The relationships of the package that lead to a main part of an office program.
@@ -56,7 +57,9 @@ void checkMainRelationship(const RelationshipView& entry, const std::string& pac
     } else if (entry.part == nullptr) {
         findings.add("P1-4", place, "The main part doesn't exist: " + shown(entry.target));
     } else if (!entry.part->contentType.empty() && !isMainType(entry.part->mediaType())) {
-        findings.add("P1-4", {entry.part->name},
+        // Others than office programs may use the relationship for formats of their own.
+        findings.add("P1-4", isPlainType(entry.part->mediaType()) ? Severity::Error : Severity::Warning,
+                     {entry.part->name},
                      "The main part has the type " + shown(entry.part->contentType) +
                          ", which is that of no document");
     }
@@ -69,7 +72,7 @@ void checkMainPart(const Subject& subject, Findings& findings) {
     if (!main.empty())
         return;
     for (const PartView& part : subject.parts())
-        if (isOfficeType(part.mediaType()) && isMainType(part.mediaType()) && !subject.isReached(part)) {
+        if (isOfficeMediaType(part.mediaType()) && isMainType(part.mediaType()) && !subject.isReached(part)) {
             findings.add("P1-4", {part.name},
                          "The part is a main part by its type, but no relationship of the package says so");
             return;

@@ -1,6 +1,7 @@
 #include "checks/office/RelationshipIds.hpp"
 
 #include "checks/DocumentChecks.hpp"
+#include "checks/OfficeFormats.hpp"
 #include "content/ByteSearch.hpp"
 #include "content/TagNames.hpp"
 #include "subject/Names.hpp"
@@ -94,10 +95,7 @@ public:
 
     /// Only markup of office programs: other XML may use such names for its own ends.
     bool begin(const PartView& part, std::string_view head) override {
-        const std::string type = part.mediaType();
-        const bool isMarkup = type.find("officedocument") != std::string::npos ||
-                              type.find("application/vnd.ms-") != std::string::npos;
-        if (part.isRelationships() || !isMarkup || !looksLikeXml(head))
+        if (part.isRelationships() || !isOfficeMediaType(part.mediaType()) || !looksLikeXml(head))
             return false;
         observed = &part;
         isOpaque = !isAsciiCompatible(head);

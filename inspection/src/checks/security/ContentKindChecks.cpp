@@ -41,8 +41,11 @@ public:
         const std::string& text = prolog.declaration();
         const bool hasEntities = toLowerASCII(text).find("<!entity") != std::string::npos;
         // The image format's own declaration names its schema, and nothing reads it any more.
-        const bool isHarmless = isSvg && !hasEntities;
-        findings.add("SEC-22", isHarmless ? Severity::Info : Severity::Error, {name},
+        const Severity severity = hasEntities                        ? Severity::Error
+                                  : isSvg                            ? Severity::Info
+                                  : isOfficeFormat(subject.format()) ? Severity::Error
+                                                                     : Severity::Warning;
+        findings.add("SEC-22", severity, {name},
                      "The part has a document type declaration" +
                          std::string(hasEntities ? " with entities" : "") + ": <" +
                          shown(text.substr(0, text.find_first_of(">["))));
@@ -55,7 +58,8 @@ private:
         // Documents of the package's own: another rule tells it (M1.18).
         const bool isOwn = type == "application/vnd.openxmlformats-package.core-properties+xml" ||
                            startsWith(type, "application/vnd.openxmlformats-package.digital-signature");
-        if (isOwn || (kind != ContentKind::Xml && kindOfType(type) != ContentKind::Xml))
+        if (isOwn || kind == ContentKind::Html ||
+            (kind != ContentKind::Xml && kindOfType(type) != ContentKind::Xml))
             return false;
         name = part.name;
         isSvg = type == "image/svg+xml";

@@ -74,6 +74,14 @@ bool isRiskyScheme(const std::string& scheme) {
            std::find(std::begin(RISKY), std::end(RISKY), scheme) != std::end(RISKY);
 }
 
+/// Document libraries on servers write such links.
+bool isOfficeScheme(const std::string& scheme) {
+    static constexpr std::string_view PROGRAMS[] = {"ms-access",     "ms-excel",   "ms-infopath",
+                                                    "ms-powerpoint", "ms-project", "ms-publisher",
+                                                    "ms-visio",      "ms-word"};
+    return std::find(std::begin(PROGRAMS), std::end(PROGRAMS), scheme) != std::end(PROGRAMS);
+}
+
 std::string_view describe(ExternalPlace place) {
     static constexpr std::string_view TEXTS[] = {"on the web", "on a file server",
                                                  "in a file outside the package", "at a mail address",
@@ -112,7 +120,11 @@ private:
 
     void checkHyperlink(const RelationshipView& entry, ExternalPlace where, const Place& place) {
         const std::string_view target = entry.target;
-        if (isRiskyScheme(schemeOf(target)))
+        const std::string scheme = schemeOf(target);
+        if (isOfficeScheme(scheme))
+            findings.add("SEC-09", Severity::Warning, place,
+                         "The hyperlink " + shown(target) + " opens a document in an office program");
+        else if (isRiskyScheme(scheme))
             findings.add("SEC-09", place, "The hyperlink " + shown(target) + " does more than show a page");
         else if (where == ExternalPlace::File && isRunnable(target.substr(0, target.find_first_of("?#"))))
             findings.add("SEC-09", place, "The hyperlink " + shown(target) + " starts a program");
