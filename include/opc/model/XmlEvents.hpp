@@ -57,16 +57,16 @@ protected:
     XmlElement& operator=(const XmlElement&) = default;
 };
 
-/// Gets what `readXmlDocument` finds, in the order of the document. What a function throws ends the reading and leaves
-/// `readXmlDocument`.
+/// Receives what `readXmlDocument` finds, in the order of the document. An exception from a function ends the reading
+/// and leaves `readXmlDocument`.
 class XmlEvents {
 public:
     virtual ~XmlEvents() = default;
 
-    /// @param encoding  as the XML declaration names it; empty if it names none. Not called without a declaration
+    /// @param encoding  the name in the XML declaration; empty if it has none. Not called without a declaration
     virtual void onDeclaration(std::u16string_view encoding) { (void)encoding; }
 
-    /// @param behind  the place behind the start tag
+    /// @param behind  the place after the start tag
     virtual void onStart(const XmlElement& element, const XmlPlace& behind) = 0;
 
     /// Called for empty elements too.
@@ -81,11 +81,11 @@ protected:
     XmlEvents& operator=(const XmlEvents&) = default;
 };
 
-/// Reads any XML document, with namespaces and without a schema, and tells `events` what it contains. Memory doesn't grow
-/// with the document. Nothing outside the document is opened. Any number of threads may read at the same time.
+/// Reads any XML document, with namespaces and without a schema, and reports its content to `events`. Memory doesn't
+/// grow with the document. Nothing outside the document is opened. Any number of threads may read at the same time.
 ///
-/// A document type declaration is refused, and so is a document that is built to exhaust a reader: elements nested deeper
-/// than 1,000, more than 1,000 attributes of an element, 10,000 comments, 2,000 different names, or 4 MiB in one tag.
+/// Refuses a document type declaration, and a document that is built to exhaust a reader: elements nested deeper than
+/// 1,000, more than 1,000 attributes of an element, 10,000 comments, 2,000 different names, or 4 MiB in one tag.
 ///
 /// @param stream  open, at its first byte. A document of an unusual form is read again from the beginning: then the
 ///                stream is closed and opened

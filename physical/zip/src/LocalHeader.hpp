@@ -24,7 +24,7 @@ std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* hea
                            const unsigned char* behind, std::size_t count, const std::string& archive);
 constexpr std::size_t LONGEST_DESCRIPTOR = 24;
 
-/// The size of the data descriptor that stands at `behind` and says what the directory says; nothing if none does.
+/// The size of the data descriptor at `behind` if it agrees with the directory; nothing if it doesn't.
 OPC_ZIP_EXPORT std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry,
                                                           const unsigned char* behind, std::size_t count);
 
