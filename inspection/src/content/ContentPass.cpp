@@ -109,7 +109,8 @@ private:
 
     /// A document type declaration ends the reading: another rule tells that.
     bool isToldElsewhere(const PartView& part) const {
-        return findings.wants("SEC-22") && subject.read(part, PIECE).find("<!DOCTYPE") != std::string::npos;
+        return findings.wants("SEC-22") &&
+               subject.read(part, SMALLEST_PIECE).find("<!DOCTYPE") != std::string::npos;
     }
 
     /// Fills the buffer, so that the first piece is the head whatever portions the stream gives.
