@@ -12,6 +12,23 @@ from opctool_case import OFFICE_FILES, OpctoolCase
 
 
 class Packages(OpctoolCase):
+    def test_programs_recognise_a_new_package_by_its_first_items(self):
+        self.write('a.xml', '<a/>')
+        document = 'http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument'
+        content_type = 'application/vnd.openxmlformats-officedocument.wordprocessingml.document'
+        self.do('new p.docx', f"add p.docx /word/document.xml a.xml --type '{content_type}.main+xml'",
+                "add p.docx /word/b.xml a.xml --type 'application/xml'", f'relate p.docx / {document} /word/document.xml')
+        items = ['[Content_Types].xml', '_rels/.rels', 'word/document.xml', 'word/b.xml']
+        self.assertEqual(self.names('p.docx'), items)
+        self.do('relate p.docx /word/document.xml urn:t /word/b.xml', 'relate p.docx / urn:t /word/b.xml')
+        self.assertEqual(self.names('p.docx'), items + ['word/_rels/document.xml.rels'])
+        if shutil.which('file'):
+            self.assertEqual(self.shell('file --brief --mime-type p.docx').output, content_type + '\n')
+
+    def names(self, package):
+        with zipfile.ZipFile(self.folder / package) as archive:
+            return archive.namelist()
+
     def test_build_a_package_step_by_step(self):
         self.write('note.txt', 'hello')
         self.do('new p.zip')

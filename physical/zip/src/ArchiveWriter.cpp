@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace opc::physical::zip {
 
@@ -38,6 +39,19 @@ void ArchiveWriter::put(const ZipContent& content) {
     added.push_back(&content);
 }
 
+void ArchiveWriter::putSecond(const ZipContent& content) {
+    put(content);
+    if (added.empty() || added.back() != &content)
+        return;
+    added.pop_back();
+    second = &content;
+}
+
+void ArchiveWriter::writeSecond() {
+    if (second && itemCount > 0)
+        write(*std::exchange(second, nullptr), nullptr);
+}
+
 void ArchiveWriter::finish() {
     for (ItemIndex item = 0; item < changes.size(); ++item) {
         if (changes[item].removed)
@@ -46,7 +60,10 @@ void ArchiveWriter::finish() {
             write(*changes[item].content, &old->item(item));
         else
             keep(item);
+        writeSecond();
     }
+    if (second)
+        added.insert(added.begin() + (added.empty() ? 0 : 1), std::exchange(second, nullptr));
     for (const ZipContent* content : added)
         write(*content, nullptr);
     finishDirectory();

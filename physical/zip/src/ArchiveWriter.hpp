@@ -25,6 +25,9 @@ public:
     /// @param content  must outlive the writer
     void put(const ZipContent& content);
 
+    /// Does the same, but a content without an old item becomes the second item.
+    void putSecond(const ZipContent& content);
+
     /// Writes the archive. If it throws, discard the target.
     void finish();
 
@@ -42,6 +45,7 @@ private:
     void deflateWhole(ByteSource& content, int level, DirectoryEntry& entry);
     void deflateStream(ByteSource& content, int level, DirectoryEntry& entry);
     const unsigned char* look(ByteSource& source, std::uint64_t offset, std::size_t count);
+    void writeSecond();
     void finishDirectory();
     void emit(const std::string& bytes);
     void emit(const unsigned char* bytes, std::size_t count);
@@ -54,9 +58,10 @@ private:
     std::uint32_t time; ///< date and time of new items
     std::vector<Change> changes;
     std::vector<const ZipContent*> added;
-    std::string directory;       ///< of the new archive
-    std::uint64_t itemCount = 0; ///< of the new archive, so far
-    std::uint64_t runStart = 0;  ///< the start of the bytes of the old archive that are still to be copied
+    const ZipContent* second = nullptr; ///< until it is written
+    std::string directory;              ///< of the new archive
+    std::uint64_t itemCount = 0;        ///< of the new archive, so far
+    std::uint64_t runStart = 0; ///< the start of the bytes of the old archive that are still to be copied
     std::uint64_t runEnd = 0;
     std::vector<unsigned char> block;      ///< for bytes that aren't in memory
     std::vector<unsigned char> compressed; ///< for bytes that don't fit into `out`

@@ -8,6 +8,7 @@
 namespace opc::physical::zip {
 
 const char* const CONTENT_TYPES_ITEM = "[Content_Types].xml";
+const char* const PACKAGE_RELATIONSHIPS_ITEM = "_rels/.rels";
 
 namespace {
 

@@ -12,6 +12,9 @@ namespace opc::physical::zip {
 /// The item name of a new content types stream.
 extern const char* const CONTENT_TYPES_ITEM;
 
+/// The relationships of the package.
+extern const char* const PACKAGE_RELATIONSHIPS_ITEM;
+
 /// What an item is by its name.
 struct ItemName {
     /// A refused name leads out of the folder into which an archive is unpacked.

@@ -284,11 +284,15 @@ void ZipSession::write(ByteTarget& target) {
     ArchiveWriter writer(context.archive.get(), tail, context.place, options);
     for (const ItemIndex item : removedItems)
         writer.remove(item);
-    // Some readers recognise a file by its first item, and expect the content types there.
+    // Programs recognise a file by its first items: the content types, and the relationships of the package.
     if (contentTypes->written())
         writer.put(*contentTypes);
     for (const ZipPart& part : parts.all()) {
-        if (part.content.written())
+        if (!part.content.written())
+            continue;
+        if (part.name == PACKAGE_RELATIONSHIPS_ITEM)
+            writer.putSecond(part.content);
+        else
             writer.put(part.content);
     }
     writer.finish();
