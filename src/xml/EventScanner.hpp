@@ -45,8 +45,8 @@ private:
 
     struct Attribute {
         const ScannedName* name;
-        std::string_view plain;      ///< the value, if it stands in the document as it is
-        const std::u16string* value; ///< the value else, and once it was asked for
+        std::string_view plain;    ///< the value, if it stands in the document as it is
+        std::u16string_view value; ///< the value else, and once it was asked for; until then a view of null
     };
     struct Declaration {
         ScannedPrefix* prefix;
@@ -86,7 +86,8 @@ private:
     Scanned takeName(const char*& p, const ScannedName*& name);
     bool skipSpace(const char*& p);
     Scanned takeOddCharacter(const char*& p, std::uint32_t& code);
-    std::u16string& newValue();
+    std::u16string& newOddValue();
+    std::u16string_view valueOf(Attribute& attribute);
 
     static constexpr std::size_t LONGEST_PIECE = 4096;
 
@@ -103,8 +104,11 @@ private:
 
     std::vector<Attribute> attributes; ///< of the tag in hand
     std::vector<Declaration> declarations;
-    std::deque<std::u16string> values; ///< of the tag in hand, as far as they are needed
-    std::size_t valueCount = 0;
+    std::deque<std::u16string> oddValues; ///< of the tag in hand: the first `oddValueCount`
+    std::size_t oddValueCount = 0;
+    std::size_t plainSize = 0;     ///< of all plain values of the tag in hand
+    std::vector<char16_t> widened; ///< room for them
+    std::size_t widenedSize = 0;
 
     std::array<char16_t, LONGEST_PIECE + 16> text; ///< that wasn't told yet
     std::size_t textSize = 0;

@@ -41,12 +41,7 @@ public:
     std::size_t attributeCount() const override { return scanner.attributes.size(); }
     XmlAttribute attribute(std::size_t index) const override {
         Attribute& found = scanner.attributes.at(index);
-        if (found.value == nullptr) {
-            std::u16string& value = scanner.newValue();
-            value.assign(found.plain.begin(), found.plain.end());
-            found.value = &value;
-        }
-        return {namespaceOf(found), found.name->local, *found.value};
+        return {namespaceOf(found), found.name->local, scanner.valueOf(found)};
     }
     std::size_t declarationCount() const override { return scanner.declarations.size(); }
     XmlNamespaceDeclaration declaration(std::size_t index) const override {
@@ -56,9 +51,9 @@ public:
     std::u16string_view valueOf(std::u16string_view namespaceURI,
                                 std::u16string_view localName) const override {
         for (std::size_t i = 0; i < scanner.attributes.size(); ++i) {
-            const Attribute& one = scanner.attributes[i];
+            Attribute& one = scanner.attributes[i];
             if (one.name->local == localName && namespaceOf(one) == namespaceURI)
-                return attribute(i).value;
+                return scanner.valueOf(one);
         }
         return {};
     }
@@ -79,7 +74,7 @@ Scanned EventScanner::takeStartTag() {
         return result;
     attributes.clear();
     declarations.clear();
-    valueCount = 0;
+    oddValueCount = plainSize = widenedSize = 0;
     for (;;) {
         const bool isSpaced = skipSpace(p);
         if (window.end - p < 2 && !(p != window.end && *p == '>'))
@@ -112,7 +107,7 @@ Scanned EventScanner::takeAttribute(const char*& p) {
     if (*p++ != '=')
         return Scanned::NotPlain;
     skipSpace(p);
-    Attribute attribute{name, {}, nullptr};
+    Attribute attribute{name, {}, {}};
     if (const Scanned result = takeValue(p, attribute); result != Scanned::Taken)
         return result;
     const std::u16string_view prefix = name->prefix->name;
@@ -120,6 +115,7 @@ Scanned EventScanner::takeAttribute(const char*& p) {
         return declare(attribute) ? Scanned::Taken : Scanned::NotPlain;
     if (attributes.size() >= MOST_ATTRIBUTES)
         return Scanned::NotPlain;
+    plainSize += attribute.plain.size();
     attributes.push_back(attribute);
     return Scanned::Taken;
 }
@@ -142,9 +138,10 @@ Scanned EventScanner::takeValue(const char*& p, Attribute& attribute) {
     if (*p++ == quote)
         return Scanned::Taken;
     p = begin;
-    std::u16string& value = newValue();
-    attribute.value = &value;
-    return takeOddValue(p, quote, value);
+    std::u16string& value = newOddValue();
+    const Scanned result = takeOddValue(p, quote, value);
+    attribute.value = value;
+    return result;
 }
 
 Scanned EventScanner::takeOddValue(const char*& p, char quote, std::u16string& value) {
@@ -171,8 +168,8 @@ bool EventScanner::declare(const Attribute& attribute) {
                                                 u"http://www.w3.org/2000/xmlns/"};
     const bool isDefault = !attribute.name->hasPrefix();
     const std::u16string_view prefix = isDefault ? std::u16string_view() : attribute.name->local;
-    std::u16string uri = attribute.value != nullptr
-                             ? *attribute.value
+    std::u16string uri = attribute.value.data() != nullptr
+                             ? std::u16string(attribute.value)
                              : std::u16string(attribute.plain.begin(), attribute.plain.end());
     const bool isReserved = prefix == XML_PREFIX || prefix == XMLNS ||
                             std::find(std::begin(RESERVED), std::end(RESERVED), uri) != std::end(RESERVED);
@@ -217,6 +214,8 @@ void EventScanner::tellStart(const ScannedName& name, bool isEmpty) {
     const std::uint64_t offset = window.offsetOf(window.at);
     ++toldEvents.tags;
     toldEvents.text = 0;
+    if (widened.size() <= plainSize) // there must be room even for an empty one, whose view isn't one of null
+        widened.resize(2 * plainSize + 64);
     events.onStart(Element(*this, name), {lines.line, lines.columnAt(offset)});
     if (isEmpty)
         tellEnd();
@@ -263,12 +262,24 @@ Scanned EventScanner::takeName(const char*& p, const ScannedName*& name) {
     return name == nullptr ? Scanned::NotPlain : Scanned::Taken;
 }
 
-std::u16string& EventScanner::newValue() {
-    if (valueCount == values.size())
-        values.emplace_back();
-    std::u16string& value = values[valueCount++];
+std::u16string& EventScanner::newOddValue() {
+    if (oddValueCount == oddValues.size())
+        oddValues.emplace_back();
+    std::u16string& value = oddValues[oddValueCount++];
     value.clear();
     return value;
+}
+
+/// Widens a plain value when it is asked for.
+std::u16string_view EventScanner::valueOf(Attribute& attribute) {
+    if (attribute.value.data() == nullptr) {
+        char16_t* const target = widened.data() + widenedSize;
+        std::transform(attribute.plain.begin(), attribute.plain.end(), target,
+                       [](char c) { return static_cast<unsigned char>(c); });
+        attribute.value = {target, attribute.plain.size()};
+        widenedSize += attribute.plain.size();
+    }
+    return attribute.value;
 }
 
 } // namespace opc::model

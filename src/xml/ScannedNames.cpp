@@ -12,14 +12,21 @@ namespace {
 
 const std::u16string XML_NAMESPACE = u"http://www.w3.org/XML/1998/namespace";
 
+std::uint64_t loadEight(const char* text) {
+    std::uint64_t loaded = 0;
+    std::memcpy(&loaded, text, sizeof loaded);
+    return loaded;
+}
+
+/// Of short names all characters count, of long ones the first and the last eight.
 std::size_t hashOf(std::string_view text) {
-    std::uint64_t first = 0;
-    std::uint64_t last = 0;
-    const std::size_t size = std::min(text.size(), sizeof first);
-    std::memcpy(&first, text.data(), size);
-    std::memcpy(&last, text.data() + text.size() - size, size);
-    std::uint64_t hash = (first ^ (last << 1) ^ text.size()) * 0x9E3779B97F4A7C15;
-    return static_cast<std::size_t>(hash >> 48);
+    std::uint64_t hash = text.size();
+    if (text.size() >= sizeof hash)
+        hash ^= loadEight(text.data()) ^ (loadEight(text.data() + text.size() - sizeof hash) << 1U);
+    else
+        for (const char c : text)
+            hash = hash << 8U ^ static_cast<unsigned char>(c);
+    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15) >> 48U);
 }
 
 bool canBegin(std::string_view part) {
@@ -37,13 +44,15 @@ ScannedName* ScannedNames::find(std::string_view text) {
         return nullptr;
     for (std::size_t place = hashOf(text);; ++place) {
         std::uint16_t& entry = table[place % TABLE_SIZE];
-        if (entry != 0 && names[entry - 1U].text == text)
-            return &names[entry - 1U];
+        if (entry != 0 && byPlace[entry - 1U]->text == text)
+            return byPlace[entry - 1U];
         if (entry != 0)
             continue;
         ScannedName* const added = add(text);
-        if (added != nullptr)
-            entry = static_cast<std::uint16_t>(names.size());
+        if (added != nullptr) {
+            byPlace.push_back(added);
+            entry = static_cast<std::uint16_t>(byPlace.size());
+        }
         return added;
     }
 }

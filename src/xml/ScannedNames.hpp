@@ -50,8 +50,9 @@ private:
 
     ScannedName* add(std::string_view text);
 
-    std::array<std::uint16_t, TABLE_SIZE> table{}; ///< of places in `names`, from 1
+    std::array<std::uint16_t, TABLE_SIZE> table{}; ///< of places in `byPlace`, from 1
     std::deque<ScannedName> names;
+    std::vector<ScannedName*> byPlace;
     std::deque<ScannedPrefix> prefixes;
 };
 
