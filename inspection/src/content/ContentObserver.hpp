@@ -19,7 +19,7 @@ public:
     virtual ~ContentObserver() = default;
 
     /// Called at the start of each part.
-    /// @param head  its first bytes, up to 64 KiB, or fewer if the part is shorter
+    /// @param head  its first bytes: all, or at least 64 KiB
     /// @return whether it wants the bytes of this part; the other functions are called only then
     virtual bool begin(const PartView& part, std::string_view head) = 0;
 

@@ -26,7 +26,7 @@ public:
         if (kind == ContentKind::Ole)
             checkObject(part, head);
         if (kind == ContentKind::Jpeg || kind == ContentKind::Tiff || kind == ContentKind::Png)
-            checkImageData(part, head);
+            checkImageData(part, head.substr(0, 65536)); // it stands in front of the pixels
         return beginProlog(part, type, kind, head);
     }
 
