@@ -76,6 +76,7 @@ class Many(OpctoolCase):
         self.assertEqual(self.run_tool('verify a.docx b.docx').status, 1)
         self.assertEqual(self.run_tool('verify bad.xlsx a.docx').status, 3)
         self.assertEqual(self.run_tool('verify -q a.docx bad.xlsx').output, '')
+        self.assertIn('\nopctool: 1 packages done, 0 answered no, 1 failed\n', self.run_tool('ls -v bad.xlsx a.docx').errors)
 
     def test_wrong_usage(self):
         for arguments in ('ls a.docx b.docx --json', 'ls -r . --json', 'ls', 'ls --ext docx a.docx', 'ls -0 a.docx',
@@ -155,6 +156,14 @@ class Many(OpctoolCase):
         self.assertEqual((related.output, related.errors), ('', 'opctool: a.docx: new\n'))
         self.assertIn('new', [row['id'] for row in self.list('rels related.docx')])
         self.assertEqual(self.read('a.docx'), before)
+        for command, name in ((add.format('a.docx'), None), ('relate a.docx / urn:t /word/document.xml --id new', 'new'),
+                              ('sign a.docx --key k.key', 'sig1')):
+            status, (made, ) = self.envelopes(f'{command} -o made.docx')
+            self.assertEqual((status, made['result']), (0, {'name': name}))
+            self.assertEqual(self.list(f'{command} -o made.docx'), {'name': name})
+        self.assertEqual(self.envelopes('rm a.docx /none')[1][0]['error']['part'], '/none')
+        for command in 'rm a.docx /word/styles.xml --json=2 -o -', 'rm - /word/styles.xml --jsonl <a.docx':
+            self.assert_wrong_usage(command)
         os.mkdir(self.folder / 'folder')
         for arguments, status in ((add.format('a.docx') + ' -o folder', 3), (add.format('a.docx') + ' -o none/x', 3),
                                   (add.format('none') + ' -o new.docx', 3), (add.format('a.docx') + ' -o - >/dev/full', 3)):

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Envelope.hpp"
 #include "Files.hpp"
 #include "OpenedPackage.hpp"
 
@@ -188,21 +189,42 @@ void declareUnrelate(CLI::App& command) {
 
 const Command NEW{"new", "Create a package without parts", declareNew, "", "opctool new report.zip"};
 
-const Command ADD{"add", "Add a part, with content from a file", declareAdd, "",
-                  "opctool add report.docx /word/media/logo.png logo.png --type image/png"};
+const Command ADD{"add",
+                  "Add a part, with content from a file",
+                  declareAdd,
+                  "",
+                  "opctool add report.docx /word/media/logo.png logo.png --type image/png",
+                  "",
+                  NAME_SCHEMA};
 
-const Command PUT{"put", "Replace the content of a part with the content of a file", declarePut, "",
+const Command PUT{"put",
+                  "Replace the content of a part with the content of a file",
+                  declarePut,
+                  "",
                   "opctool put report.docx /word/document.xml new.xml\n"
-                  "opctool put report.docx /word/document.xml new.xml -o changed.docx"};
+                  "opctool put report.docx /word/document.xml new.xml -o changed.docx",
+                  "",
+                  NAME_SCHEMA};
 
-const Command RM{"rm", "Delete a part and its relationships", declareRemove, "",
-                 "opctool rm report.docx /docProps/thumbnail.jpeg"};
+const Command RM{"rm",
+                 "Delete a part and its relationships",
+                 declareRemove,
+                 "",
+                 "opctool rm report.docx /docProps/thumbnail.jpeg",
+                 "",
+                 NAME_SCHEMA};
 
-const Command RELATE{"relate", "Add a relationship and print its ID", declareRelate, "",
+const Command RELATE{"relate",
+                     "Add a relationship and print its ID",
+                     declareRelate,
+                     "",
                      "opctool relate report.docx / urn:example:note /notes/note.txt\n"
-                     "opctool relate report.docx / urn:example:see http://example.com/ --external"};
+                     "opctool relate report.docx / urn:example:see http://example.com/ --external",
+                     "",
+                     NAME_SCHEMA};
 
-const Command UNRELATE{"unrelate", "Delete a relationship", declareUnrelate, "",
-                       "opctool unrelate report.docx / rId7"};
+const Command UNRELATE{
+    "unrelate", "Delete a relationship", declareUnrelate, "", "opctool unrelate report.docx / rId7", "",
+    NAME_SCHEMA};
 
 } // namespace opctool

@@ -104,10 +104,16 @@ void beginEnvelope(JSONOutput& output, const std::string& command, const std::st
     output.nameNext("result");
 }
 
+void addName(JSONOutput& output, const std::string& name) {
+    output.add({{"name", orNull(name)}});
+}
+
 void endEnvelope(JSONOutput& output, int status, const std::vector<HiddenItem>& hidden,
                  const Failure* failure) {
     while (output.depth() > 1)
         output.end();
+    if (output.isNamePending() && failure == nullptr)
+        addName(output, {});
     output.add(status, "status");
     output.beginArray("hidden");
     for (const HiddenItem& item : hidden)

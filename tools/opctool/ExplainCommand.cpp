@@ -2,6 +2,7 @@
 #include "RuleNames.hpp"
 #include "Table.hpp"
 #include "TerminalText.hpp"
+#include "Wrapping.hpp"
 
 #include <opc/inspection/Rule.hpp>
 
@@ -44,22 +45,9 @@ ordered_json toJSON(const Rule& rule) {
             {"remedy", rule.remedy}};
 }
 
-/// Words up to the 80th column, behind two blanks.
 void printParagraph(const std::string& heading, std::string_view text) {
-    if (text.empty())
-        return;
-    constexpr std::size_t WIDTH = 78;
-    std::cout << '\n' << heading << ":\n";
-    std::istringstream words{std::string(text)};
-    std::string line, word;
-    while (words >> word) {
-        if (!line.empty() && line.size() + 1 + word.size() > WIDTH) {
-            std::cout << "  " << line << '\n';
-            line.clear();
-        }
-        line += (line.empty() ? "" : " ") + word;
-    }
-    std::cout << "  " << line << '\n';
+    if (!text.empty())
+        std::cout << '\n' << heading << ":\n" << wrap(std::string(text), 2);
 }
 
 void print(const Rule& rule) {

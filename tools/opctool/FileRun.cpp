@@ -89,7 +89,9 @@ JSONOutput& FileRun::json() {
 }
 
 void FileRun::printName(const std::string& name) {
-    if (target() == "-")
+    if (wantsJSON())
+        addName(json(), name);
+    else if (target() == "-")
         remark(name);
     else
         output << withoutControlCharacters(name) << '\n';
@@ -141,6 +143,8 @@ int FileRun::finish(const std::exception* failure) {
         printError(described->className, runOptions.output.coloredErrors ? Color::Red : Color::None,
                    ": " + described->message);
     }
+    if (format == Format::JSON && !document && failure == nullptr)
+        addName(json(), {});
     if (hasEnvelope())
         endEnvelope(json(), status, hidden, described ? &*described : nullptr);
     const bool isElement = format == Format::Envelope && runOptions.isOneOfMany;

@@ -28,6 +28,7 @@ struct RunOptions {
     OutputOptions output;
     std::string
         target; ///< of a change: the file to write instead, "-" for standard output; empty: the package itself
+    bool isChange = false;
     bool isOneOfMany = false;
     bool namesFiles = false; ///< the command's own text names the file in each line
 };

@@ -9,7 +9,9 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <mutex>
@@ -30,8 +32,7 @@ public:
     Work(const Files& files, const Files::Action& action, OrderedOutput& output, Progress& progress)
         : files(files), action(action), output(output), progress(progress), names(files.selection) {}
 
-    /// @return the worst status
-    int run(unsigned threadCount) {
+    void run(unsigned threadCount) {
         std::vector<std::thread> threads;
         try {
             while (threads.size() + 1 < threadCount)
@@ -44,10 +45,18 @@ public:
             thread.join();
         if (failure)
             std::rethrow_exception(failure);
-        return worst;
     }
 
-    std::size_t count() const { return begun; }
+    int worst() const {
+        return counts[FAILURE] != 0 ? FAILURE : counts[ANSWER_IS_NO] != 0 ? ANSWER_IS_NO : DONE;
+    }
+
+    bool hasFiles() const { return counts[DONE] + counts[ANSWER_IS_NO] + counts[FAILURE] != 0; }
+
+    std::string summary() const {
+        return std::to_string(counts[DONE]) + " packages done, " + std::to_string(counts[ANSWER_IS_NO]) +
+               " answered no, " + std::to_string(counts[FAILURE]) + " failed";
+    }
 
 private:
     struct EndOfTurn {
@@ -79,7 +88,6 @@ private:
         std::optional<FoundFile> file = names.next();
         if (!file)
             return std::nullopt;
-        ++begun;
         return Job{std::move(*file), &output.begin()};
     }
 
@@ -98,8 +106,7 @@ private:
             status = run.finish(&e);
         }
         progress.addFile();
-        for (int before = worst; before < status && !worst.compare_exchange_weak(before, status);) {
-        }
+        ++counts[static_cast<std::size_t>(status)];
     }
 
     const Files& files;
@@ -109,8 +116,7 @@ private:
     FileNames names;
     std::mutex mutex; ///< of what follows and of the names
     std::exception_ptr failure;
-    std::size_t begun = 0;
-    std::atomic<int> worst{DONE};
+    std::array<std::atomic<std::uint64_t>, 4> counts{}; ///< of files, by exit status
 };
 
 unsigned countThreads(const Files& files) {
@@ -167,18 +173,23 @@ void Files::run(const Action& action, const Frame& frame) {
         requireOne("--json");
     if (!options.target.empty())
         requireOne("--output");
+    const bool isPiped = options.target.empty() && options.isChange && selection.packages.front() == "-";
+    if ((isPiped || options.target == "-") && options.output.format() != OutputOptions::Format::Text)
+        throw CLI::ValidationError("--json", "doesn't fit with --output -, which takes standard output");
     Progress progress(options.isOneOfMany);
     OrderedOutput output(std::cout, std::cerr, progress, frame.between, WINDOW);
     Work work(*this, action, output, progress);
     if (frame.begin && !options.output.quiet)
         frame.begin(std::cout);
-    const int status = work.run(countThreads(*this));
+    work.run(countThreads(*this));
     if (frame.end && !options.output.quiet)
         frame.end(std::cout);
-    if (work.count() == 0)
+    if (!work.hasFiles() && !output.hasFailed())
         tell({}, "no packages found");
-    if (status != DONE)
-        throw EndsWith{status};
+    else if (options.isOneOfMany && options.output.verbose)
+        tell({}, work.summary());
+    if (work.worst() != DONE)
+        throw EndsWith{work.worst()};
 }
 
 void Files::requireOne(const std::string& option) const {
@@ -211,7 +222,9 @@ std::shared_ptr<Files> addFile(CLI::App& command, const Command& own) {
 
 std::shared_ptr<Files> addChangedFile(CLI::App& command, const Command& own) {
     auto files = addFile(command, own);
+    files->options.isChange = true;
     addTarget(command, files->options);
+    addJSONOptions(command, files->options.output);
     return files;
 }
 

@@ -27,6 +27,9 @@ public:
     /// What is begun or added next has this name if it isn't given another one.
     void nameNext(const std::string& name) { nextName = name; }
 
+    /// Whether nothing has got that name yet.
+    bool isNamePending() const { return !nextName.empty(); }
+
     /// Ends the array or object that was begun last.
     void end();
 

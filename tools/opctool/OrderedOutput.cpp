@@ -51,11 +51,6 @@ void OrderedOutput::end(Turn& turn) {
     moved.notify_all();
 }
 
-bool OrderedOutput::hasFailed() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return !output;
-}
-
 void OrderedOutput::waitForTurn(const Turn& turn) {
     std::unique_lock<std::mutex> lock(mutex);
     moved.wait(lock, [&] { return isFirst(turn); });
@@ -77,6 +72,7 @@ void OrderedOutput::flush(Turn& turn) {
             errors.write(turn.errors.data(), static_cast<std::streamsize>(turn.errors.size()));
         }
     });
+    failed = !output;
     turn.output.clear();
     turn.errors.clear();
 }

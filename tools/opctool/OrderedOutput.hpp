@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -57,7 +58,7 @@ public:
     void end(Turn& turn);
 
     /// Whether the output can't be written any more.
-    bool hasFailed() const;
+    bool hasFailed() const { return failed; }
 
 private:
     bool isFirst(const Turn& turn) const { return turns.front().get() == &turn; }
@@ -71,7 +72,8 @@ private:
     const std::size_t window;
     bool hasWritten = false;     ///< output of an earlier file
     bool hasWrittenTurn = false; ///< output of the first of the turns
-    mutable std::mutex mutex;
+    std::atomic<bool> failed{false};
+    std::mutex mutex;
     std::condition_variable moved; ///< the first turn has ended
     std::deque<std::unique_ptr<Turn>> turns;
 };

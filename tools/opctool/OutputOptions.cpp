@@ -40,7 +40,9 @@ void addOutputOptions(CLI::App& command, OutputOptions& options) {
     CLI::Option* quiet =
         command.add_flag("-q,--quiet", options.quiet, "Print no result and no remarks, only failures")
             ->group("Output");
-    command.add_flag("-v,--verbose", options.verbose, "Print all remarks, however many")
+    command
+        .add_flag("-v,--verbose", options.verbose,
+                  "Print all remarks, however many, and of many packages how each status counts")
         ->excludes(quiet)
         ->group("Output");
 }

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Envelope.hpp"
 #include "Files.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
@@ -228,17 +229,30 @@ void declareUnsign(CLI::App& command) {
 } // namespace
 
 const Command SIGN{
-    "sign", "Sign a package, or parts and relationships of it", declareSign,
+    "sign",
+    "Sign a package, or parts and relationships of it",
+    declareSign,
     "The name of the new signature is printed. opctool coverage says what a signature protects.",
     "opctool sign report.docx --key signer.key --public signer.pub\n"
-    "opctool sign report.docx --p12 signer.p12 --trust roots.pem"};
+    "opctool sign report.docx --p12 signer.p12 --trust roots.pem",
+    "",
+    NAME_SCHEMA};
 
-const Command COUNTERSIGN{"countersign", "Sign all signatures of a package", declareCountersign,
+const Command COUNTERSIGN{"countersign",
+                          "Sign all signatures of a package",
+                          declareCountersign,
                           "The name of the countersignature is printed. Adding a signature later breaks it.",
-                          "opctool countersign report.docx --key other.key --public other.pub"};
+                          "opctool countersign report.docx --key other.key --public other.pub",
+                          "",
+                          NAME_SCHEMA};
 
-const Command UNSIGN{"unsign", "Remove signatures", declareUnsign, "",
+const Command UNSIGN{"unsign",
+                     "Remove signatures",
+                     declareUnsign,
+                     "",
                      "opctool unsign report.docx sig1\n"
-                     "opctool unsign report.docx --all -o unsigned.docx"};
+                     "opctool unsign report.docx --all -o unsigned.docx",
+                     "",
+                     NAME_SCHEMA};
 
 } // namespace opctool
