@@ -67,7 +67,7 @@ class Help(OpctoolCase):
         self.write('a file', '')
         for words, completed in (
                 (('ls', '--color', 'a'), ['auto', 'always']), (('ls', '--color', '=', 'n'), ['never']),
-                (('ls', '--color', '='), ['auto', 'always', 'never']), (('schema', 'rel'), ['rels']),
+                (('ls', '--color', '='), ['auto', 'always', 'never']), (('schema', 'ver'), ['verify']),
                 (('ls', 'a'), ['a', 'file']), (('sign', 'a', '--digest', 'sha2'), ['sha224', 'sha256'])):
             self.assertEqual(self.complete('opctool', *words), completed, words)
 
