@@ -172,6 +172,7 @@ TEST(SignatureChecks, findWhatBreaksEachRuleAndNothingElse) {
          "<Relationship Id=\"r\" Type=\"urn:a\" Target=\"../word/document.xml\"/><Relationship Id=\"rC\"",
          nullptr},
         {"SEC-71 SEC-71", "/thumbnail", "/other", nullptr},
+        {"SEC-71 SEC-71", "Target=\"t.xml\"", "Target=\"t.xml\" TargetMode=\"External\"", nullptr},
     };
     EXPECT_EQ(broken({}), "");
     for (const auto& [rules, text, breaks, close] : cases) {

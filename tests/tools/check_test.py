@@ -134,6 +134,8 @@ class Check(OpctoolCase):
 
     def test_html_is_one_page_without_anything_active(self):
         self.damage('bad.docx', 'media/<b>.png')
+        self.write('alone.xml', '<a/>')
+        self.do('keygen k', 'sign bad.docx --key k.key', 'add bad.docx /alone.xml alone.xml --type application/xml')
         page = Balance()
         page.feed(self.run_tool('check --profile all --format html bad.docx good.docx none.docx').output)
         self.assertEqual(page.open, [])
@@ -147,7 +149,8 @@ class Check(OpctoolCase):
         ids = {attributes.get('id') for _, attributes in page.seen}
         self.assertLessEqual({attributes['href'][1:] for _, attributes in page.seen if 'href' in attributes}, ids)
         self.assertEqual(sum(tag == 'svg' for tag, _ in page.seen), 2)
-        self.assertIn('media/<b>.png', page.text)
+        for text in 'media/<b>.png', 'missing', 'named by a signature', 'nothing leads there', 'outside the package':
+            self.assertIn(text, page.text)
         self.assertIn("default-src 'none'", str(page.seen))
 
     def test_own_signatures_are_verified(self):
