@@ -106,7 +106,10 @@ TEST(RelationshipsText, hasOneOrderForEntriesWithEqualKeys) {
     EXPECT_EQ(readText({first, second, first}, 99), readText({second, first, first}, 99));
     const Relationship external = two.addExternalRelationship(u"rId2", u"t:1", u"x.xml");
     const Relationship internal = one.addInternalRelationship(u"rId2", u"t:1", URI(u"x.xml"));
-    EXPECT_EQ(readText({internal, external}, 99), readText({external, internal}, 99));
+    const std::string both = readText({internal, external}, 99);
+    EXPECT_EQ(both, readText({external, internal}, 99));
+    EXPECT_EQ(both.find("TargetMode"), both.rfind("TargetMode")) << both;
+    EXPECT_NE(both.find("TargetMode"), std::string::npos) << both;
 }
 
 TEST(RelationshipsText, isNeverLongerThanItIsMeasured) {
