@@ -22,9 +22,9 @@ class External(OpctoolCase):
     def test_rows_tell_effect_place_and_where_they_stand(self):
         self.assertEqual(self.do('external p.zip').splitlines(), [
             'EFFECT  PLACE  SOURCE  ID        TYPE              TARGET',
-            'loads   web    /a.txt  image     image             http://host/i.png',
             r'loads   share  /       template  attachedTemplate  \\host\t.dotm',
-            'click   mail   /       link      hyperlink         mailto:a@host'])
+            'click   mail   /       link      hyperlink         mailto:a@host',
+            'loads   web    /a.txt  image     image             http://host/i.png'])
         self.assertEqual(self.do('external p.zip q.zip --place web'),
                          'p.zip: loads  web  /a.txt  image  image  http://host/i.png\n')
         status, (loading, empty) = self.envelopes('external p.zip q.zip --effect loads --place share')
