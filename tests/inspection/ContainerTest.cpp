@@ -111,6 +111,7 @@ TEST(Container, breaksOneRule) {
         {"M3.17", inArchive([](RawArchive& a) { a.disk = 1; })},
         {"M3.17", inArchive([](RawArchive& a) { a.behindDirectory = "PK\5\5 and a signature"; })},
         {"SEC-50", inArchive([](RawArchive& a) { a.zip64 = true, a.count = 2; })},
+        {"SEC-50", inArchive([](RawArchive& a) { a.behindDirectory = "data"; })},
         {"SEC-46", inArchive([](RawArchive& a) { a.inFront = "MZ, a program"; })},
         {"SEC-46", inArchive([](RawArchive& a) { a.behind = "\n"; })},
         {"SEC-48",

@@ -53,6 +53,10 @@ void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings)
     }
     if (const char* const record = recordAt(archive, gap))
         findings.add("M3.17", at(gap.offset), std::string("The archive has ") + record);
+    else if (gap.where == ArchiveGap::BehindDirectory)
+        findings.add("SEC-50", at(gap.offset),
+                     bytesOf(gap.size) +
+                         " between the directory and the end record: not all programs find it");
     else if (findings.wants("SEC-48"))
         findings.add("SEC-48", isAllZeros(archive, gap) ? Severity::Info : Severity::Warning, at(gap.offset),
                      bytesOf(gap.size) + " that belong to no item of the archive");
