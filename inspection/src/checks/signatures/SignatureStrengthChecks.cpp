@@ -6,10 +6,11 @@
 #include <bedrock/crypto/DigestEngine.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
 #include <bedrock/crypto/utils/Base64.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
-#include <exception>
+#include <cstddef>
 #include <set>
 
 namespace opc::inspection {
@@ -60,7 +61,7 @@ public:
             checkKeys();
         } catch (const bedrock::certificates::X509CertificateException& e) {
             add("SEC-74", {}, std::string("A certificate of the signature can't be read: ") + e.what());
-        } catch (const std::exception& e) { // of Base64
+        } catch (const bedrock::crypto::utils::Exception& e) {
             add("SEC-74", {}, std::string("A key of the signature can't be read: ") + e.what());
         }
     }
