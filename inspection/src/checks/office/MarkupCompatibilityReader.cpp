@@ -225,14 +225,9 @@ void MarkupCompatibilityReader::checkVocabulary(const model::XmlElement& element
 }
 
 void MarkupCompatibilityReader::checkVocabulary(std::u16string_view uri) {
-    if (uri.empty() || uri == lastKnown) // most names have the namespace of the one before
-        return;
     const auto begins = [uri](std::u16string_view known) { return uri.substr(0, known.size()) == known; };
-    if (std::any_of(std::begin(KNOWN), std::end(KNOWN), begins)) {
-        lastKnown = uri;
-        return;
-    }
-    if (isIgnorable(uri) || told.find(uri) != told.end())
+    if (uri.empty() || std::any_of(std::begin(KNOWN), std::end(KNOWN), begins) || isIgnorable(uri) ||
+        told.find(uri) != told.end())
         return;
     told.emplace(uri);
     add("MCE-8", Severity::Info,

@@ -82,7 +82,6 @@ private:
     std::vector<std::u16string> ignorables;       ///< the same in their order
     std::vector<Alternatives> alternatives;
     std::set<std::u16string, std::less<>> told; ///< namespaces and prefixes that one finding is enough for
-    std::u16string lastKnown;                   ///< a namespace that office programs know
 };
 
 } // namespace opc::inspection
