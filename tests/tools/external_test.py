@@ -48,6 +48,7 @@ class External(OpctoolCase):
         with zipfile.ZipFile(self.folder / 'cut.zip', 'w') as package:
             for name, content in items.items():
                 package.writestr(name, content.replace(b'</Relationships>', b'') if name == '_rels/.rels' else content)
+        self.assertEqual(self.run_tool('external cut.zip --fail-on loads').status, 1)
         outcome = self.run_tool('external cut.zip --effect loads')
         self.assertEqual((outcome.status, len(outcome.output.splitlines())), (0, 3))
         self.assertIn("/_rels/.rels: its further relationships aren't listed: ", outcome.errors)

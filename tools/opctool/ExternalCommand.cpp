@@ -82,8 +82,9 @@ void external(FileRun& run, const Arguments& arguments) {
         printJSON(run, rows);
     else
         printTable(run, rows);
-    if (std::any_of(rows.begin(), rows.end(),
-                    [&](const External& row) { return countsAsNo(row, arguments.failOn); }))
+    const bool mayMiss = !externals.unread.empty() && arguments.failOn != "never";
+    if (mayMiss || std::any_of(rows.begin(), rows.end(),
+                               [&](const External& row) { return countsAsNo(row, arguments.failOn); }))
         run.sayNo();
 }
 
@@ -100,10 +101,10 @@ void declare(CLI::App& command) {
                   "Leave out targets that match this pattern, such as 'https://example.com/*'")
         ->type_name("GLOB");
     command
-        .add_option(
-            "--fail-on", arguments->failOn,
-            "Exit with 1 if one that is listed loads on opening, or if any is: loads, any, never (the "
-            "default)")
+        .add_option("--fail-on", arguments->failOn,
+                    "Exit with 1 if one that is listed loads on opening, or if any is, and where "
+                    "relationships can't be "
+                    "read: loads, any, never (the default)")
         ->check(CLI::IsMember({"loads", "any", "never"}))
         ->type_name("NAME");
     command.callback(
@@ -112,21 +113,23 @@ void declare(CLI::App& command) {
 
 } // namespace
 
-const Command EXTERNAL{"external",
-                       "List what packages load from outside, and where their links lead",
-                       declare,
-                       "Nothing is fetched. The effect is \"loads\" if opening the document is enough for an "
-                       "office program to fetch the "
-                       "target or to ask for it, \"click\" for hyperlinks, and \"other\" for types that "
-                       "aren't known. The place is web, "
-                       "share (a file server), file, mail or other. Fields and formulas that load without a "
-                       "relationship are found by "
-                       "check --profile security.",
-                       "opctool external report.docx\n"
-                       "opctool external --fail-on loads --allow 'https://example.com/*' *.docx\n"
-                       "opctool external -r folder --effect loads --place web --jsonl",
-                       "0 nothing is listed that --fail-on names, 1 something is, 3 a file can't be read",
-                       R"({
+const Command EXTERNAL{
+    "external",
+    "List what packages load from outside, and where their links lead",
+    declare,
+    "Nothing is fetched. The effect is \"loads\" if opening the document is enough for an "
+    "office program to fetch the "
+    "target or to ask for it, \"click\" for hyperlinks, and \"other\" for types that "
+    "aren't known. The place is web, "
+    "share (a file server), file, mail or other. Fields and formulas that load without a "
+    "relationship are found by "
+    "check --profile security.",
+    "opctool external report.docx\n"
+    "opctool external --fail-on loads --allow 'https://example.com/*' *.docx\n"
+    "opctool external -r folder --effect loads --place web --jsonl",
+    "0 nothing is listed that --fail-on names, 1 something is, or relationships can't be read, "
+    "3 a file can't be read",
+    R"({
   "type": "array",
   "items": {
     "type": "object",
