@@ -41,7 +41,7 @@ bool checkReading(const DocumentState& document, const Place& place, Findings& f
     if (document.failure.empty())
         return true;
     if (document.isBeyondLimit)
-        findings.add("SEC-54", Severity::Warning, failure, document.failure);
+        findings.add("SEC-54", findings.ofUnread(), failure, document.failure);
     else if (!document.isDamaged && !document.hasDocumentType && !isWrongEncoding)
         findings.add("M1.20", failure, "The XML isn't well-formed: " + document.failure);
     return false;

@@ -17,6 +17,11 @@ public:
     /// Whether findings of this rule count. A check asks first where looking costs time.
     bool wants(std::string_view rule) const { return chosen.count(rule) != 0; }
 
+    /// How bad it is that a document can't be read to its end for our limits: whoever looks for harm hasn't seen all of it.
+    Severity ofUnread() const {
+        return (options.profiles & SECURITY) != 0 ? Severity::Error : Severity::Warning;
+    }
+
     /// Adds a finding with the severity of the rule, or with a lower one. Drops it if nobody wants it.
     void add(std::string_view rule, Place place, std::string message, std::string hint = {});
     void add(std::string_view rule, Severity severity, Place place, std::string message,

@@ -1,6 +1,7 @@
 #include "content/ContentPass.hpp"
 
 #include "content/EventFork.hpp"
+#include "subject/DocumentReading.hpp"
 #include "text/CaselessText.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -100,7 +101,9 @@ private:
             model::readXmlDocument(*stream, events);
         } catch (const model::InvalidXMLDocument& e) {
             isWhole = false;
-            if (isXml(part.mediaType()) && !isToldElsewhere(part)) // other content only looks like it
+            if (isLimit(e.what()) && findings.wants("SEC-54"))
+                findings.add("SEC-54", findings.ofUnread(), {part.name}, e.what());
+            else if (isXml(part.mediaType()) && !isToldElsewhere(part)) // other content only looks like it
                 findings.add("OFFICE-XML", {part.name}, std::string("The XML can't be read: ") + e.details());
         }
         for (ContentObserver* observer : readers)

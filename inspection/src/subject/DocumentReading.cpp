@@ -85,6 +85,8 @@ private:
 
 bool beginsAsUTF16(std::string_view head) {
     using namespace std::string_view_literals;
+    if (head.size() > 3 && head[2] == 0 && head[3] == 0) // UTF-32
+        return false;
     for (const std::string_view begin : {"\xFF\xFE"sv, "\xFE\xFF"sv, "<\0"sv, "\0<"sv})
         if (head.substr(0, 2) == begin)
             return true;
@@ -115,12 +117,6 @@ std::string findEncoding(const std::string& prolog) {
     return end == std::string::npos ? std::string() : prolog.substr(begin + 1, end - begin - 1);
 }
 
-/// Whether the reader has refused a document that may be valid, but is built to exhaust readers.
-bool isLimit(std::string_view message) {
-    constexpr std::string_view BEGIN = "XML content can not ";
-    return message.substr(0, BEGIN.size()) == BEGIN;
-}
-
 void noteFailure(const Exception& failure, DocumentState& state) {
     state.failure = failure.what();
     unsigned long long line = 0;
@@ -132,6 +128,11 @@ void noteFailure(const Exception& failure, DocumentState& state) {
 }
 
 } // namespace
+
+bool isLimit(std::string_view message) {
+    constexpr std::string_view BEGIN = "XML content can not ";
+    return message.substr(0, BEGIN.size()) == BEGIN;
+}
 
 void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>& items, DocumentState& state,
                   model::XmlEvents& events) {

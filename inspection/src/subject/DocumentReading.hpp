@@ -19,6 +19,9 @@ struct BeyondLimit {
     const char* what;
 };
 
+/// Whether a message of the reader refuses a document that may be valid, but is built to exhaust readers.
+bool isLimit(std::string_view message);
+
 /// Reads a document as far as it can be read, and notes in its state what all documents of the package's own must heed,
 /// but for faults. Throws nothing but `std::bad_alloc`.
 /// @param items   of the document, at least one
