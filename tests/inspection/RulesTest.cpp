@@ -20,6 +20,9 @@ TEST(Rules, eachHasItsOwnIdAndAllTexts) {
         EXPECT_NE(rule->profiles & EVERY_PROFILE, 0U);
     }
     EXPECT_EQ(findRule("no such rule"), nullptr);
+    EXPECT_EQ(findRules("m3.5"), std::vector<const Rule*>{findRule("M1.2")});
+    EXPECT_EQ(findRules("M3.13"), (std::vector<const Rule*>{findRule("M3.3"), findRule("M3.14")}));
+    EXPECT_TRUE(findRules("M2").empty());
 }
 
 } // namespace

@@ -45,6 +45,14 @@ ordered_json toJSON(const Rule& rule) {
             {"remedy", rule.remedy}};
 }
 
+template <typename Rules>
+ordered_json toJSONArray(const Rules& all) {
+    ordered_json array = ordered_json::array();
+    for (const Rule* rule : all)
+        array.push_back(toJSON(*rule));
+    return array;
+}
+
 void printParagraph(const std::string& heading, std::string_view text) {
     if (!text.empty())
         std::cout << '\n' << heading << ":\n" << wrap(std::string(text), 2);
@@ -67,10 +75,7 @@ void print(const Rule& rule) {
 
 void list(bool json) {
     if (json) {
-        ordered_json all = ordered_json::array();
-        for (const Rule* rule : rules())
-            all.push_back(toJSON(*rule));
-        std::cout << all.dump(2) << '\n';
+        std::cout << toJSONArray(rules()).dump(2) << '\n';
         return;
     }
     Table table({{"RULE"}, {"SEVERITY"}, {"TITLE"}});
@@ -86,16 +91,23 @@ struct Arguments {
 
 void explain(const Arguments& arguments) {
     if (arguments.rule.empty())
-        list(arguments.json);
-    else if (arguments.json)
-        std::cout << toJSON(*findRule(arguments.rule)).dump(2) << '\n';
-    else
-        print(*findRule(arguments.rule));
+        return list(arguments.json);
+    const std::vector<const Rule*> found = findRules(arguments.rule); // several check one number
+    if (arguments.json) {
+        std::cout << (found.size() == 1 ? toJSON(*found.front()) : toJSONArray(found)).dump(2) << '\n';
+        return;
+    }
+    for (const Rule* rule : found) {
+        std::cout << (rule == found.front() ? "" : "\n");
+        print(*rule);
+    }
 }
 
 void declare(CLI::App& command) {
     const auto arguments = std::make_shared<Arguments>();
-    command.add_option("RULE", arguments->rule, "The rule's id, as M1.6")->check(isRule())->type_name("");
+    command.add_option("RULE", arguments->rule, "The rule's id, as M1.6, or a number of the standard")
+        ->check(isRule())
+        ->type_name("");
     command.add_flag("--json", arguments->json, "Print a JSON object, or an array of all");
     command.callback([arguments] { explain(*arguments); });
 }

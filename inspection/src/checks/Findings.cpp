@@ -9,8 +9,10 @@ namespace opc::inspection {
 namespace {
 
 bool names(const std::vector<std::string>& ids, const Rule& rule) {
-    return std::any_of(ids.begin(), ids.end(),
-                       [&rule](const std::string& id) { return findRule(id) == &rule; });
+    return std::any_of(ids.begin(), ids.end(), [&rule](const std::string& id) {
+        const std::vector<const Rule*> named = findRules(id);
+        return std::find(named.begin(), named.end(), &rule) != named.end();
+    });
 }
 
 } // namespace

@@ -18,6 +18,20 @@ std::vector<const Rule*> allRules() {
     return all;
 }
 
+bool isSame(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && ::strncasecmp(left.data(), right.data(), right.size()) == 0;
+}
+
+bool hasNumber(std::string_view list, std::string_view number) {
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(", "), list.size());
+        if (isSame(list.substr(0, end), number))
+            return true;
+        list.remove_prefix(std::min(end + 2, list.size()));
+    }
+    return false;
+}
+
 } // namespace
 
 RuleList rules() {
@@ -27,10 +41,19 @@ RuleList rules() {
 
 const Rule* findRule(std::string_view id) {
     const RuleList all = rules();
-    const auto found = std::find_if(all.begin(), all.end(), [id](const Rule* rule) {
-        return rule->id.size() == id.size() && ::strncasecmp(rule->id.data(), id.data(), id.size()) == 0;
-    });
+    const auto found =
+        std::find_if(all.begin(), all.end(), [id](const Rule* rule) { return isSame(rule->id, id); });
     return found == all.end() ? nullptr : *found;
+}
+
+std::vector<const Rule*> findRules(std::string_view id) {
+    if (const Rule* const rule = findRule(id))
+        return {rule};
+    std::vector<const Rule*> found;
+    for (const Rule* rule : rules())
+        if (hasNumber(rule->standard, id))
+            found.push_back(rule);
+    return found;
 }
 
 } // namespace opc::inspection

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace opc::inspection {
 
@@ -50,5 +51,10 @@ OPC_INSPECTION_EXPORT RuleList rules();
 /// @param id  without regard to case
 /// @return null if there is no such rule
 OPC_INSPECTION_EXPORT const Rule* findRule(std::string_view id);
+
+/// The rule of this id; if there is none, the rules that check this number of the standard, such as `M2.14`.
+/// @param id  without regard to case
+/// @return empty if there is no such rule
+OPC_INSPECTION_EXPORT std::vector<const Rule*> findRules(std::string_view id);
 
 } // namespace opc::inspection
