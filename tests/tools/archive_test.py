@@ -58,18 +58,20 @@ class ArchiveCommands(OpctoolCase):
         self.write('cut', self.read('a.docx')[:500])
         self.write('empty', '')
         self.write('pdf', '%PDF-1.7\n')
-        self.write('text', 'some words\n')
+        self.write('text', 'word')
         self.write('strange', b'\x01\x02\xFF')
-        for name, mimetype in ('odt', 'application/vnd.oasis.opendocument.text'), ('epub', 'application/epub+zip'), \
-                ('zip', None), ('jar', None):
+        for name, item, content in ('odt', 'mimetype', 'application/vnd.oasis.opendocument.text'), \
+                ('epub', 'mimetype', 'application/epub+zip'), ('zip', 'b', ''), ('jar', 'META-INF/MANIFEST.MF', ''), \
+                ('odf', 'META-INF/manifest.xml', '<x m:media-type="application/vnd.oasis.opendocument.formula"/>'):
             with zipfile.ZipFile(self.folder / name, 'w') as archive:
-                archive.writestr('mimetype' if mimetype else 'META-INF/MANIFEST.MF' if name == 'jar' else 'a', mimetype or '')
-        names = 'a.docx', 'cut', 'empty', 'pdf', 'text', 'strange', 'odt', 'epub', 'zip', 'jar'
+                archive.writestr('a', '')
+                archive.writestr(item, content)
+        names = 'a.docx', 'cut', 'empty', 'pdf', 'text', 'strange', 'odt', 'epub', 'zip', 'jar', 'odf'
         status, documents = self.envelopes('type ' + ' '.join(names))
         self.assertEqual(status, 0)
         self.assertEqual([(document['result']['format'], document['result']['package']) for document in documents],
                          [('docx', True), ('cut-off', False), ('empty', False), ('pdf', False), ('text', False),
-                          ('unknown', False), ('odt', False), ('epub', False), ('zip', False), ('jar', False)])
+                          ('unknown', False), ('odt', False), ('epub', False), ('zip', False), ('jar', False), ('odf', False)])
         self.assertEqual(self.run_tool('type none').status, 3)
 
 

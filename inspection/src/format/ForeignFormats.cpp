@@ -35,7 +35,7 @@ constexpr KnownFormat BY_BEGINNING[] = {
     {"mz"sv, "exe", "application/vnd.microsoft.portable-executable", "program for Windows"},
 };
 
-/// By the item `mimetype`, which begins these archives.
+/// By the item `mimetype`, which begins these archives, or should.
 constexpr KnownFormat BY_MIMETYPE[] = {
     {"application/vnd.oasis.opendocument.text", "odt", "", "OpenDocument text"},
     {"application/vnd.oasis.opendocument.text-template", "ott", "", "OpenDocument text template"},
@@ -45,6 +45,13 @@ constexpr KnownFormat BY_MIMETYPE[] = {
     {"application/vnd.oasis.opendocument.presentation", "odp", "", "OpenDocument presentation"},
     {"application/vnd.oasis.opendocument.presentation-template", "otp", "",
      "OpenDocument presentation template"},
+    {"application/vnd.oasis.opendocument.graphics-template", "otg", "", "OpenDocument drawing template"},
+    {"application/vnd.oasis.opendocument.formula", "odf", "", "OpenDocument formula"},
+    {"application/vnd.oasis.opendocument.chart", "odc", "", "OpenDocument chart"},
+    {"application/vnd.oasis.opendocument.image", "odi", "", "OpenDocument image"},
+    {"application/vnd.oasis.opendocument.text-master", "odm", "", "OpenDocument master document"},
+    {"application/vnd.oasis.opendocument.text-web", "oth", "", "OpenDocument text for the web"},
+    {"application/vnd.oasis.opendocument.base", "odb", "", "OpenDocument database"},
     {"application/vnd.oasis.opendocument.graphics", "odg", "", "OpenDocument drawing"},
     {"application/epub+zip", "epub", "", "EPUB book"},
 };
@@ -74,19 +81,25 @@ Format formatOf(const KnownFormat& known) {
     return format;
 }
 
+constexpr std::size_t START = 4096; ///< how many bytes are looked at
+
 std::string readStart(const Archive& file) {
-    std::array<unsigned char, 4096> bytes{};
+    std::array<unsigned char, START> bytes{};
     const std::size_t got = file.read(0, bytes.data(), bytes.size());
     return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got)};
 }
 
-std::string readMimetype(const Archive& archive) {
-    std::array<unsigned char, 100> bytes{};
-    const ArchiveItem& item = archive.items().front();
-    if (item.name != "mimetype" || item.kind == ItemKind::Hidden)
+/// @return the first bytes of the item; nothing if there is none that can be read
+std::string readStartOf(const Archive& archive, string_view name) {
+    std::array<unsigned char, START> bytes{};
+    const auto item =
+        std::find_if(archive.items().begin(), archive.items().end(), [name](const ArchiveItem& candidate) {
+            return candidate.name == name && candidate.kind != ItemKind::Hidden;
+        });
+    if (item == archive.items().end())
         return {};
     try {
-        const auto stream = archive.open(item);
+        const auto stream = archive.open(*item);
         const std::uint64_t got = stream->isDone() ? 0 : stream->read(bytes.data(), bytes.size());
         return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got)};
     } catch (const Exception&) {
@@ -94,11 +107,22 @@ std::string readMimetype(const Archive& archive) {
     }
 }
 
+/// As the item `mimetype` says, or else the manifest of an OpenDocument file, whose first entry is the file itself.
+std::string readMediaType(const Archive& archive) {
+    std::string type = readStartOf(archive, "mimetype");
+    type.erase(type.find_last_not_of(" \r\n") + 1);
+    if (!type.empty())
+        return type;
+    const std::string manifest = readStartOf(archive, "META-INF/manifest.xml");
+    const std::size_t begin = manifest.find("application/vnd.oasis.opendocument.");
+    return begin == std::string::npos ? type
+                                      : manifest.substr(begin, manifest.find_first_of("\"'", begin) - begin);
+}
+
 Format detectArchive(const Archive& archive) {
     if (archive.items().empty())
         return formatOf({"", "zip", "application/zip", "empty ZIP archive"});
-    std::string type = readMimetype(archive);
-    type.erase(type.find_last_not_of(" \r\n") + 1);
+    const std::string type = readMediaType(archive);
     for (const KnownFormat& known : BY_MIMETYPE)
         if (type == known.key) {
             Format format = formatOf(known);
@@ -124,7 +148,8 @@ Format detectOle2(const Archive& file) {
 }
 
 bool isText(string_view start) {
-    start = start.substr(0, start.find_last_of(" \n\t") + 1); // not within a character
+    if (start.size() == START)
+        start = start.substr(0, start.find_last_of(" \n\t") + 1); // not within a character
     return !start.empty() && physical::zip::isUTF8(start) &&
            std::none_of(start.begin(), start.end(), [](char c) {
                return c >= '\0' && c < ' ' && c != '\n' && c != '\r' && c != '\t' && c != '\f';
