@@ -27,7 +27,7 @@ class Many(OpctoolCase):
         os.symlink('..', self.folder / 'dir' / 'loop')
         os.symlink('sub/c.DOCX', self.folder / 'dir' / 'link.docx')
         in_folder = ['dir/link.docx', 'dir/sub/bad.pptx', 'dir/sub/c.DOCX']
-        self.write('list', 'b.docx\n\n-\n./a.docx\n')
+        self.write('list', 'b.docx\r\n\n-\n./a.docx\n')
         shutil.copyfile(self.folder / 'a.docx', self.folder / '-')
         self.write('list0', 'b.docx\0new\nline.docx\0')
         shutil.copyfile(self.folder / 'a.docx', self.folder / 'new\nline.docx')

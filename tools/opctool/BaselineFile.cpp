@@ -1,7 +1,9 @@
 #include "BaselineFile.hpp"
 
+#include "Command.hpp"
+#include "Messages.hpp"
+
 #include <bedrock/crypto/utils/Base64.hpp>
-#include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 
 #include <nlohmann/json.hpp>
@@ -50,12 +52,18 @@ void addDocument(Baseline& baseline, const json& document, const std::string& ro
         addFile(baseline, document, root);
 }
 
+/// It is no package that fails.
+[[noreturn]] void refuse(const std::string& path, const std::string& why) {
+    tell(path, why);
+    throw EndsWith{FAILURE};
+}
+
 } // namespace
 
 Baseline readBaseline(const std::string& path, const std::string& root) {
     std::ifstream file(path);
     if (!file)
-        throw opc::Exception(path + ": can't be read");
+        refuse(path, "can't be read");
     Baseline baseline;
     try {
         while (file >> std::ws && file.peek() != std::ifstream::traits_type::eof()) {
@@ -63,8 +71,8 @@ Baseline readBaseline(const std::string& path, const std::string& root) {
             file >> document;
             addDocument(baseline, document, root);
         }
-    } catch (const json::exception& e) {
-        throw opc::Exception(path + ": is no report of opctool check in JSON or SARIF: " + e.what());
+    } catch (const json::exception&) {
+        refuse(path, "is no report of opctool check in JSON or SARIF");
     }
     return baseline;
 }

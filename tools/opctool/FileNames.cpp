@@ -69,9 +69,12 @@ std::optional<FoundFile> FileNames::next() {
 std::optional<FoundFile> FileNames::nextOfLists() {
     for (;;) {
         std::string name;
-        while (list != nullptr && std::getline(*list, name, selection.endWithNull ? '\0' : '\n'))
-            if (!name.empty()) // in a list, "-" is a file of that name
+        while (list != nullptr && std::getline(*list, name, selection.endWithNull ? '\0' : '\n')) {
+            if (!selection.endWithNull && !name.empty() && name.back() == '\r')
+                name.pop_back(); // a file with such a name needs -0
+            if (!name.empty())   // in a list, "-" is a file of that name
                 return FoundFile{name == "-" ? "./-" : name, {}};
+        }
         const bool isBroken = list != nullptr && list->bad();
         list = nullptr;
         if (isBroken)

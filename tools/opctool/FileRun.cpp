@@ -107,9 +107,10 @@ void FileRun::tell(const std::string& text) {
 
 /// Prints `opctool: FILE: CLASSTEXT`, with a colour for the class.
 void FileRun::printError(const std::string& className, Color color, const std::string& text) {
-    std::string line = messageLine(filePath, className + text);
+    const std::string name = filePath.empty() ? "\"\"" : filePath;
+    std::string line = messageLine(name, className + text);
     if (color != Color::None)
-        line.replace(messageLine(filePath, {}).size() - 1, className.size(), paint(className, color));
+        line.replace(messageLine(name, {}).size() - 1, className.size(), paint(className, color));
     turn.write(OrderedOutput::Stream::Errors, line.data(), line.size());
 }
 
