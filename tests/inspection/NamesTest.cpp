@@ -40,6 +40,7 @@ TEST(Names, breakOneRule) {
         {"a[1].xml", "M1.6", ""},
         {"a%4.xml", "M1.6", ""},
         {"\xC3\xA9.xml", "", ""}, // letters beyond ASCII are allowed
+        {"a\xE9.xml", "M3.2", ""},
         {"a\x1F.xml", "M1.6", ""},
         {"a%2Fb.xml", "M1.7", ""},
         {"a%5cb.xml", "M1.7", ""},
@@ -87,6 +88,8 @@ TEST(Names, collide) {
         {{"a.xml", "[trash]/../a.xml"}, "SEC-55 SEC-55"},
         {{"e\xCC\x81.xml", "\xC3\x89.xml"}, "SEC-56"},
         {{"\xD0\x96.xml", "\xD0\xB6.xml"}, "SEC-56"},
+        {{"\xC3\x9F.xml", "SS.xml"}, "SEC-56"},
+        {{"k.xml", "\xE2\x84\xAA.xml"}, "SEC-56"}, // the sign of Kelvin
         {{"\xC3\xA9.xml", "\xC3\xA8.xml"}, ""},
     };
     for (const auto& [names, breaks] : cases)

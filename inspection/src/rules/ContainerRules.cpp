@@ -48,7 +48,7 @@ constexpr Rule RULES[] = {
     {"SEC-49", "Items that overlap", Severity::Error, BOTH, "", "No two items share bytes of the archive.",
      "The file was made to expand to far more than its size, or to show each program other content.", "",
      "Careful readers refuse the archive.", "Write the archive anew; don't expand this one."},
-    {"M3.3", "Two items of one name", Severity::Error, OPC, "M2.14, M3.3, M3.13",
+    {"M3.3", "Two items of one name", Severity::Error, BOTH, "M2.14, M3.3, M3.13",
      "No two items have the same name.", "A program added an item to replace another, and left that in.", "",
      "Some readers take the first item, some the last one, some refuse the archive.",
      "Keep the item that was meant, and remove the other."},
@@ -80,11 +80,11 @@ constexpr Rule RULES[] = {
      "An item whose name ends in a slash is a folder, and has no content.",
      "A program gave a file the name of a folder, or the file was made to hide data.", "",
      "Readers pass over the item.", "Give the item the name of a part, or remove it."},
-    {"M2.11", "Part whole and in pieces", Severity::Error, OPC, "M2.11, M3.1",
+    {"M2.11", "Part whole and in pieces", Severity::Error, BOTH, "M2.11, M3.1",
      "A part is stored as one item or in pieces, not in both ways.",
      "A program replaced an interleaved part and left the pieces in.", "",
      "Strict readers refuse the package.", "Remove the pieces, or the whole item."},
-    {"M2.15", "Two pieces of one number", Severity::Error, OPC, "M2.15",
+    {"M2.15", "Two pieces of one number", Severity::Error, BOTH, "M2.15",
      "No two pieces of a part have the same number.", "A program added a piece twice.", "",
      "Strict readers refuse the package.", "Keep the piece that was meant."},
     {"M2.16", "Missing pieces", Severity::Error, OPC, "M2.16, M2.18",
@@ -127,8 +127,7 @@ constexpr Rule RULES[] = {
      "Readers pass over the fields, and saves may keep them.", "Write the archive anew."},
     {"SEC-58", "Traces of the writer", Severity::Info, SECURITY, "",
      "Headers tell the system and the times at which the items were written.", "Most programs write them.",
-     "", "Whoever has the file can read them.",
-     "Save with fixed times, such as opctool's option for reproducible files."},
+     "", "Whoever has the file can read them.", "Write the items with fixed times."},
 };
 
 } // namespace

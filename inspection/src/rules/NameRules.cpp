@@ -44,7 +44,7 @@ constexpr Rule RULES[] = {
      "A program for Windows took the path of a file as it is, with backslashes.", "",
      "LibreOffice doesn't find parts behind backslashes. Other programs read them as slashes.",
      "Write the names with slashes."},
-    {"M1.12", "Equivalent names", Severity::Error, OPC, "M1.12, M2.14, M2.17",
+    {"M1.12", "Equivalent names", Severity::Error, OPC | SECURITY, "M1.12, M2.14, M2.17",
      "No two parts have names that differ only in the case of ASCII letters, or in the way they are encoded.",
      "A program wrote a part anew under another spelling.", "",
      "Readers refuse the package, or take one of the two parts.", "Keep the part that was meant."},

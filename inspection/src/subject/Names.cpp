@@ -25,6 +25,8 @@ constexpr std::array<bool, 256> pathCharacters() {
     return found;
 }
 
+constexpr std::array<bool, 256> STAYS = pathCharacters();
+
 bool endsCaseless(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && equalsCaseless(text.substr(text.size() - end.size()), end);
 }
@@ -51,8 +53,14 @@ bool equalsCaseless(std::string_view left, std::string_view right) {
                       [](char a, char b) { return lower(a) == lower(b); });
 }
 
+bool hasOddCharacter(std::string_view name) {
+    return std::any_of(name.begin(), name.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < 0x80 && !STAYS[byte];
+    });
+}
+
 std::string keyOfName(std::string_view name) {
-    static constexpr std::array<bool, 256> STAYS = pathCharacters();
     static constexpr char HEX_DIGITS[] = "0123456789abcdef";
     std::string key;
     key.reserve(name.size());

@@ -17,6 +17,10 @@ bool equalsCaseless(std::string_view left, std::string_view right);
 /// doesn't count [M1.12], and a character that a part name can't hold is as good as its percent-encoding.
 std::string keyOfName(std::string_view name);
 
+/// Whether there is an ASCII character that a part name can't hold, such as a blank or `?`. Characters beyond ASCII stand for
+/// their percent-encoding.
+bool hasOddCharacter(std::string_view name);
+
 /// Whether a part of this name is a relationships part, in whatever letter case it stands.
 bool isRelationshipsName(std::string_view name);
 

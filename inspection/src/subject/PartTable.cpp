@@ -36,6 +36,8 @@ PartTable::PartTable(const Archive& archive) {
 }
 
 void PartTable::add(const ArchiveItem& item, Places& joined) {
+    if (item.hasPieceName && item.kind == ItemKind::Ignored)
+        incomplete.insert(keyOfName('/' + item.name.substr(0, item.name.find_last_of("/\\"))));
     const bool isPiece = item.kind == ItemKind::Piece;
     const std::string key = keyOfName(item.partName);
     if (item.kind == ItemKind::ContentTypes || (isPiece && (key.empty() || key == CONTENT_TYPES_KEY))) {
@@ -60,6 +62,10 @@ void PartTable::add(const ArchiveItem& item, Places& joined) {
     part.items.push_back(&item);
     part.size = sizeOf(item);
     part.hasRelationshipsName = isRelationshipsName(part.name);
+}
+
+bool PartTable::isIncomplete(std::string_view name) const {
+    return !incomplete.empty() && incomplete.count(keyOfName(name)) != 0;
 }
 
 const PartView* PartTable::find(std::string_view name) const {

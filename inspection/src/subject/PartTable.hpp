@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace opc::inspection {
@@ -22,6 +23,9 @@ public:
     /// Of two parts that have the same name, the first; null if there is none.
     const PartView* find(std::string_view name) const;
 
+    /// Whether there are pieces of such a part, but not all of them.
+    bool isIncomplete(std::string_view name) const;
+
     /// The items of the content types stream: one, or its pieces in their order. Of several streams, those of the first.
     const std::vector<const ArchiveItem*>& contentTypes() const { return contentTypesItems; }
 
@@ -32,6 +36,7 @@ private:
 
     std::vector<PartView> all;
     Places byKey;
+    std::unordered_set<std::string> incomplete; ///< keys
     std::vector<const ArchiveItem*> contentTypesItems;
 };
 

@@ -83,6 +83,9 @@ const std::vector<PartView>& Subject::parts() const {
 const PartView* Subject::findPart(std::string_view name) const {
     return impl->parts.find(name);
 }
+bool Subject::isIncomplete(std::string_view name) const {
+    return impl->parts.isIncomplete(name);
+}
 const std::vector<RelationshipsView>& Subject::relationships() const {
     return impl->relationships.views();
 }

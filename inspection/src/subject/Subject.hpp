@@ -101,6 +101,9 @@ public:
     const std::vector<PartView>& parts() const;
     const PartView* findPart(std::string_view name) const; ///< without regard to the case of ASCII letters
 
+    /// Whether there are pieces of such a part, but not all of them.
+    bool isIncomplete(std::string_view name) const;
+
     const std::vector<RelationshipsView>& relationships() const;
     const RelationshipsView*
     relationshipsOf(std::string_view source) const; ///< "/" for the package; null if there are none

@@ -23,6 +23,10 @@ Place placeOf(const ArchiveItem& item) {
     return place;
 }
 
+bool lacksContentTypesAlone(const Subject& subject) {
+    return subject.detectedFormat().name == "zip" && subject.relationshipsOf("/") != nullptr;
+}
+
 void checkContainer(const Subject& subject, Findings& findings) {
     checkKindOfFile(subject, findings);
     if (!subject.archive().isZip() && subject.detectedFormat().name != "cut-off")
@@ -33,10 +37,9 @@ void checkContainer(const Subject& subject, Findings& findings) {
     tellWriter(subject, findings);
 }
 
-/// Another ZIP archive isn't named here: that it has no content types stream says it.
 void checkKindOfFile(const Subject& subject, Findings& findings) {
     const Format& format = subject.detectedFormat();
-    if (format.isPackage || format.name == "zip")
+    if (format.isPackage || (lacksContentTypesAlone(subject) && findings.wants("M3.10")))
         return;
     if (format.isEncrypted)
         findings.add("SEC-45", {}, "The document is encrypted: nothing in it can be checked");

@@ -1,5 +1,6 @@
 #include "checks/Checks.hpp"
 #include "checks/DocumentChecks.hpp"
+#include "checks/container/ContainerChecks.hpp"
 #include "checks/contenttypes/DefaultTypes.hpp"
 #include "checks/contenttypes/TypeGrammar.hpp"
 #include "subject/Names.hpp"
@@ -50,7 +51,8 @@ private:
         const std::vector<ArchiveItem>& items = subject.archive().items();
         const auto isStream = [](const ArchiveItem& item) { return item.kind == ItemKind::ContentTypes; };
         if (document.item == nullptr) {
-            if (subject.archive().isZip())
+            if (subject.archive().isZip() &&
+                (lacksContentTypesAlone(subject) || !findings.wants("SEC-57"))) // which names the format
                 findings.add("M3.10", {}, "There is no item [Content_Types].xml");
             return;
         }
@@ -69,12 +71,6 @@ private:
     /// Of the content types stream itself.
     bool isPiece(const ArchiveItem& item) const {
         return item.kind == ItemKind::Piece && item.partName == document.item->partName;
-    }
-
-    static Place placeOf(const ArchiveItem& item) {
-        Place found;
-        found.item = item.name;
-        return found;
     }
 
     void check(const ContentTypeEntry& entry) {
@@ -127,7 +123,14 @@ private:
             findings.add("M1.4", at, "The PartName " + entry.key + " doesn't begin with a slash");
             return false;
         }
-        if (subject.findPart(name) != nullptr)
+        const PartView* const part = subject.findPart(name);
+        if (hasOddCharacter(name) &&
+            (part == nullptr || part->items.front()->name != name.substr(1))) { // [M1.6]
+            findings.add("M2.7", at,
+                         "The PartName \"" + entry.key + "\" has a character that part names can't have");
+            return part != nullptr;
+        }
+        if (part != nullptr)
             return true;
         const std::string key = keyOfName(name);
         if (key == CONTENT_TYPES_KEY) {
@@ -141,7 +144,8 @@ private:
                          "The PartName " + entry.key + " isn't the name of a part: " + failure.what());
             return false;
         }
-        findings.add("SEC-35", at, "There is no part for the Override of " + entry.key);
+        if (!subject.isIncomplete(name) || !findings.wants("M2.16"))
+            findings.add("SEC-35", at, "There is no part for the Override of " + entry.key);
         return true;
     }
 

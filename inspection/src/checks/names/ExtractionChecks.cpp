@@ -76,6 +76,8 @@ private:
     }
 
     static bool isSamePart(const ArchiveItem& left, const ArchiveItem& right) {
+        if (left.hasPieceName && right.hasPieceName && keyOfName(left.name) == keyOfName(right.name))
+            return true; // [M2.15]
         return left.partName.empty() ? left.kind == ItemKind::ContentTypes && left.kind == right.kind
                                      : keyOfName(left.partName) == keyOfName(right.partName);
     }
@@ -124,7 +126,7 @@ void checkExtraction(const Subject& subject, Findings& findings) {
         anyItem(items, [](const ArchiveItem& item) { return !isASCII(item.name); })) {
         FoldedFiles files(findings);
         for (const ArchiveItem& item : items)
-            if (item.central && !isASCII(item.name))
+            if (item.central)
                 files.add(item);
     }
 }

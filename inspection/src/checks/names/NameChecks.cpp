@@ -18,7 +18,7 @@ std::string intendedName(const ArchiveItem& item) {
         return {};
     if (item.hasPieceName)
         name.resize(name.rfind('/'));
-    return name;
+    return equalsCaseless(name, "[Content_Types].xml") ? std::string() : name;
 }
 
 void checkNames(const Subject& subject, Findings& findings) {

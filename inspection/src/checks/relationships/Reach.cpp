@@ -1,9 +1,11 @@
 #include "checks/relationships/Reach.hpp"
 
 #include "checks/relationships/RelationshipKinds.hpp"
+#include "checks/signatures/Signatures.hpp"
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace opc::inspection {
 
@@ -25,11 +27,31 @@ bool hasUnreadDocument(const Subject& subject) {
         });
 }
 
+/// Whether other rules tell that nothing leads to the part.
+bool isToldElsewhere(const Subject& subject, const PartView& part, const Findings& findings) {
+    const std::string type = part.mediaType();
+    return subject.findPart(part.name) != &part || // [M1.12], [M2.11], [M3.3]
+           (isSignatureType(type) && findings.wants("M6.3")) ||
+           (isCertificateType(type) && findings.wants("M6.4"));
+}
+
+/// Those that relationships without a source lead to: another rule tells of the source.
+std::unordered_set<const PartView*> findTargetsOfOrphans(const Subject& subject) {
+    std::unordered_set<const PartView*> targets;
+    for (const RelationshipsView& view : subject.relationships())
+        if (view.source != "/" && view.sourcePart == nullptr)
+            for (const RelationshipView& entry : view.entries)
+                targets.insert(entry.part);
+    return targets;
+}
+
 void checkUnreached(const Subject& subject, Findings& findings) {
     if (!findings.wants("SEC-33") || needsNoRelationships(subject.format()) || hasUnreadDocument(subject))
         return;
+    const std::unordered_set<const PartView*> told = findTargetsOfOrphans(subject); // [SEC-34]
     for (const PartView& part : subject.parts()) {
-        if (part.isRelationships() || part.typeFrom == PartView::TypeFrom::Nothing || subject.isReached(part))
+        if (part.isRelationships() || part.typeFrom == PartView::TypeFrom::Nothing ||
+            subject.isReached(part) || told.count(&part) != 0 || isToldElsewhere(subject, part, findings))
             continue;
         Place place;
         place.part = part.name;

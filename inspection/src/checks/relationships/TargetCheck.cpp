@@ -23,7 +23,10 @@ void checkReference(std::string_view target, bool isExternal, const Place& place
 }
 
 /// What other rules tell of, by the type, if nothing is there.
-bool isToldElsewhere(const RelationshipsView& view, const RelationshipView& entry, const Findings& findings) {
+bool isToldElsewhere(const Subject& subject, const RelationshipsView& view, const RelationshipView& entry,
+                     const Findings& findings) {
+    if (subject.isIncomplete(entry.resolved))
+        return findings.wants("M2.16");
     if (isCoreProperties(entry) && view.source == "/")
         return findings.wants("M4.1");
     if (isThumbnail(entry))
@@ -51,7 +54,8 @@ void checkInternal(const Subject& subject, const RelationshipsView& view, const 
     else if (climbsAboveRoot(view.source, target))
         findings.add("SEC-17", place,
                      "The Target " + quoted(target) + " leads above the root of the package");
-    else if (entry.part == nullptr && !entry.resolved.empty() && !isToldElsewhere(view, entry, findings))
+    else if (entry.part == nullptr && !entry.resolved.empty() &&
+             !isToldElsewhere(subject, view, entry, findings))
         findings.add("SEC-17", place, "There is no part " + entry.resolved + " where the Target leads");
     else if (reference.hasQuery)
         findings.add("SEC-17", place, "The internal Target " + quoted(target) + " has a query");

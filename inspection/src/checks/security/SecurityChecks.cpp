@@ -30,7 +30,8 @@ std::string userIn(std::string_view path) {
 void checkHiddenItems(const Subject& subject, Findings& findings) {
     for (const ArchiveItem& item : subject.archive().items()) {
         const bool isTrash = startsWith(item.name, "[trash]/"); // the standard's own place for leftovers
-        const bool isToldByName = findings.wants("M1.6") && !intendedName(item).empty();
+        const bool isToldByName = findings.wants("M1.6") && (item.name.empty() || item.name.back() == '/' ||
+                                                             !intendedName(item).empty());
         if (item.kind == ItemKind::Ignored && !isTrash && !isToldByName)
             findings.add("SEC-31", {{}, item.name}, "The item is no part of the package: " + item.reason);
     }
