@@ -4,6 +4,7 @@
 
 #include "rules/RuleTable.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <zlib.h>
@@ -92,6 +93,14 @@ void expectEach(const std::vector<Case>& cases, bool infos = false) {
     }
 }
 
+/// The first entry of the directory says that its item is in another file.
+Bytes onOtherDisk() {
+    Bytes archive = packageWith();
+    const std::string entry = "PK\1\2";
+    *(std::search(archive.begin(), archive.end(), entry.begin(), entry.end()) + 34) = 1;
+    return archive;
+}
+
 TEST(Container, breaksOneRule) {
     const std::vector<RawItem> small = smallItems();
     RawItem folder = stored("word/", "");
@@ -104,11 +113,15 @@ TEST(Container, breaksOneRule) {
         {"", packageWith({folder})},
         {"SEC-57", textOf("%PDF-1.7\n")},
         {"SEC-57", {}},
+        {"SEC-57", makeZip({stored("a.xml", "<a/>")})},
+        {"SEC-57", makeZip({stored("mimetype", "application/vnd.oasis.opendocument.text")})},
+        {"M3.10", makeZip({small.begin() + 1, small.end()})},
         {"M3.16", textOf("PK\3\4 and no more")},
         {"M3.16", cutOff(packageWith(), 40)},
         {"M3.16", inArchive([](RawArchive& a) { a.count = 9; })},
         {"M3.16", cutOff(makeZip(small, "comment"), 3)},
         {"M3.17", inArchive([](RawArchive& a) { a.disk = 1; })},
+        {"M3.17", onOtherDisk()},
         {"M3.17", inArchive([](RawArchive& a) { a.behindDirectory = "PK\5\5 and a signature"; })},
         {"SEC-50", inArchive([](RawArchive& a) { a.zip64 = true, a.count = 2; })},
         {"SEC-50", inArchive([](RawArchive& a) { a.behindDirectory = "data"; })},
@@ -139,6 +152,11 @@ TEST(Container, breaksOneRule) {
              item.changeLocal = [](RawItem& local) { ++local.crc; };
          })},
         {"M3.14", withDocument([](RawItem& item) { ++item.size; })},
+        {"M3.14", withDocument([](RawItem& item) {
+             item.changeLocal = [](RawItem& local) { local.versionNeeded = 45; };
+         })},
+        {"M3.14",
+         withDocument([](RawItem& item) { item.changeLocal = [](RawItem& local) { local.flags = 0x800; }; })},
         {"M3.14 SEC-48", withDocument([](RawItem& item) { item.offset = 7; })},
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0120777U << 16; })},
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0104755U << 16; })},
@@ -146,9 +164,11 @@ TEST(Container, breaksOneRule) {
         {"", withDocument([](RawItem& item) { item.attributes = 0120777U << 16, item.versionMadeBy = 20; })},
         {"SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, "word/other.xml"); })},
         {"", withDocument([](RawItem& item) { item.extra = pathField(item.name, item.name); })},
+        {"", withDocument([](RawItem& item) { item.extra = pathField("old.xml", "old.xml"); })},
         {"SEC-53", withDocument([](RawItem& item) {
              item.localExtra = field(0xA220, std::string("\x28\xA0\0\0", 4) + "hidden");
          })},
+        {"SEC-53", withDocument([](RawItem& item) { item.extra = field(0xA220, "data"); })},
         {"", withDocument([](RawItem& item) {
              item.localExtra = field(0xA220, std::string("\x28\xA0\0\0\0\0\0", 7));
          })},
@@ -156,23 +176,26 @@ TEST(Container, breaksOneRule) {
 }
 
 TEST(Container, findsTwinsAndPieces) {
-    const std::string types = R"(<Default Extension="xml" ContentType="application/xml"/>)";
-    const RawItem all = contentTypesWith(types);
+    const RawItem types = contentTypesWith(R"(<Default Extension="xml" ContentType="application/xml"/>)");
     const auto relationships =
         relationshipsWith(std::string(TO_DOCUMENT) + R"(<Relationship Id="a" Type="urn:a" Target="a.xml"/>)");
-    const auto with = [&](std::vector<RawItem> items) {
-        std::vector<RawItem> base = itemsWith({all, relationships});
+    const auto with = [&](std::vector<RawItem> items, bool infos = false) {
+        std::vector<RawItem> base = itemsWith({types, relationships});
         base.insert(base.end(), items.begin(), items.end());
-        return brokenRules(makeZip(base), inspection::OPC, true);
+        return brokenRules(makeZip(base), infos ? inspection::OPC : inspection::OPC | inspection::SECURITY,
+                           infos);
     };
     const RawItem first = stored("a.xml/[0].piece", "<a");
     const RawItem last = stored("a.xml/[1].last.piece", "/>");
     EXPECT_EQ(with({first, last}), "");
-    EXPECT_EQ(with({last, first}), "S2.5");
+    EXPECT_EQ(with({last, first}, true), "S2.5");
     EXPECT_EQ(with({first, last, stored("a.xml", "<a/>")}), "M2.11");
     EXPECT_EQ(with({stored("a.xml", "<a/>"), stored("a.xml", "<b/>")}), "M3.3");
-    EXPECT_EQ(with({first, last, stored("A.XML/[1].last.piece", "/>")}).substr(0, 5), "M2.15");
-    EXPECT_EQ(with({first, stored("a.xml/[2].last.piece", "/>")}).substr(0, 5), "M2.16");
+    EXPECT_EQ(with({first, last, stored("A.XML/[1].last.piece", "/>")}), "M2.15");
+    EXPECT_EQ(with({first, stored("a.xml/[2].last.piece", "/>")}), "M2.16");
+    EXPECT_EQ(brokenRules(makeZip({stored("[Content_Types].xml/[0].piece", types.data.substr(0, 9)),
+                                   stored("[Content_Types].xml/[1].last.piece", types.data.substr(9))})),
+              "");
 }
 
 TEST(Container, tellsWhatIsNoFault) {

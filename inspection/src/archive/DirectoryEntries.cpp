@@ -88,10 +88,15 @@ bool EntryReader::readEntry() {
     header.date = read16(record + 14);
     header.checksum = read32(record + 16);
     item.externalAttributes = read32(record + 38);
+    if (const unsigned disk = read16(record + 34);
+        disk != 0 && disk != 0xFFFF) // that one is in a ZIP64 field
+        fault("M3.17", "The item says that it is in another file of the archive");
     readNumbers(record, item);
     checkLimits(item);
-    if ((header.flags & NAME_IS_UTF8) != 0 && !isUTF8(header.name))
-        fault("M3.2", "The name of the item isn't the UTF-8 that its flag promises");
+    if (!isUTF8(header.name))
+        fault("M3.2", (header.flags & NAME_IS_UTF8) != 0
+                          ? "The name of the item isn't the UTF-8 that its flag promises"
+                          : "The name of the item has bytes beyond ASCII that aren't UTF-8");
     if (item.unreadable.empty()) {
         DirectoryEntry entry;
         entry.flags = header.flags;

@@ -30,8 +30,7 @@ std::string differenceOf(const ItemHeader& local, const ItemHeader& central) {
     };
     add(local.name != central.name, "name \"" + decodeName(local.name) + '"');
     number("method", local.method, central.method);
-    const unsigned flags = local.flags ^ static_cast<unsigned>(central.flags);
-    add((flags & ENCRYPTION_FLAGS) != 0 || ((flags & NAME_IS_UTF8) != 0 && !isASCII(central.name)), "flags");
+    add(local.flags != central.flags, "flags");
     number("checksum", local.checksum, central.checksum);
     number("compressed size", local.compressedSize, central.compressedSize);
     number("size", local.size, central.size);

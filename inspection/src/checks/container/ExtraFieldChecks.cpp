@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::uint16_t AES_FIELD = 0x9901;
 constexpr std::uint16_t GROWTH_HINT = 0xA220;
+constexpr std::uint16_t GROWTH_HINT_SIGNATURE = 0xA028;
 constexpr std::size_t GROWTH_HINT_HEADER = 4;  // signature and size at first
 constexpr std::size_t UNICODE_PATH_HEADER = 5; // version and checksum
 
@@ -66,11 +67,13 @@ void FieldChecks::checkField(const ExtraField& field, const ItemHeader& header) 
             findings.add("M3.9", placeOf(item), "An extra field says that the item is encrypted");
     } else if (field.kind == UNICODE_PATH_FIELD) {
         checkPath(field, header);
-    } else if (field.kind == GROWTH_HINT) {
+    } else if (field.kind == GROWTH_HINT && field.size >= 2 && read16(field.data) == GROWTH_HINT_SIGNATURE) {
         checkGrowthHint(field);
     } else if (holdsData) {
-        findings.add("SEC-53", Severity::Info, placeOf(item),
-                     "The item has data in an extra field of the unknown kind " + hexOf(field.kind));
+        const bool isHint = field.kind == GROWTH_HINT;
+        findings.add("SEC-53", isHint ? Severity::Warning : Severity::Info, placeOf(item),
+                     isHint ? "The growth hint of the item hasn't the signature of one"
+                            : "The item has data in an extra field of the unknown kind " + hexOf(field.kind));
     }
 }
 
@@ -86,7 +89,7 @@ void FieldChecks::checkPath(const ExtraField& field, const ItemHeader& header) {
         read32(field.data + 1) == ::libdeflate_crc32(0, header.name.data(), header.name.size());
     const std::string name = archive::decodeName(unicodePath(field));
     const bool leadsOut = readItemName(name).kind == ItemName::Kind::Refused;
-    findings.add("SEC-52", counts || leadsOut ? Severity::Error : Severity::Warning, placeOf(item),
+    findings.add("SEC-52", counts || leadsOut ? Severity::Error : Severity::Info, placeOf(item),
                  "A Unicode Path field gives the item another name: " + name);
 }
 

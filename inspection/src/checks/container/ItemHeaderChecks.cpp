@@ -62,6 +62,10 @@ void checkVersion(const ArchiveItem& item, const ItemHeader& header, Findings& f
         findings.add("ZIP-VERSION", placeOf(item),
                      "The item needs version " + std::to_string(version / 10) + '.' +
                          std::to_string(version % 10) + " of the ZIP format");
+    if (item.local && item.local->versionNeeded != header.versionNeeded)
+        findings.add(
+            "M3.14", Severity::Warning, placeOf(item),
+            "The local header of the item needs another version of the ZIP format than the directory says");
 }
 
 void checkItem(const ArchiveItem& item, Findings& findings) {

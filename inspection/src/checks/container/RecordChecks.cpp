@@ -42,6 +42,13 @@ const char* recordAt(const Archive& archive, const ArchiveGap& gap) {
                                              : nullptr;
 }
 
+bool hasFaultIn(const Archive& archive, const ArchiveGap& gap) {
+    return std::any_of(archive.faults().begin(), archive.faults().end(), [&gap](const ArchiveFault& fault) {
+        return fault.rule == "SEC-50" && fault.offset && *fault.offset >= gap.offset &&
+               *fault.offset < gap.offset + gap.size;
+    });
+}
+
 void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings) {
     switch (gap.where) {
     case ArchiveGap::BeforeItems:
@@ -53,6 +60,8 @@ void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings)
     }
     if (const char* const record = recordAt(archive, gap))
         findings.add("M3.17", at(gap.offset), std::string("The archive has ") + record);
+    else if (gap.where == ArchiveGap::BehindDirectory && hasFaultIn(archive, gap))
+        return; // the end record in it
     else if (gap.where == ArchiveGap::BehindDirectory)
         findings.add("SEC-50", at(gap.offset),
                      bytesOf(gap.size) +
