@@ -11,7 +11,8 @@ using Targets = std::unordered_map<std::string_view, std::string_view>;
 
 /// The source of a relationships part, which follows from its name; any other name stays.
 std::string sourceOf(const std::string& part) {
-    constexpr std::string_view FOLDER = "_rels/", EXTENSION = ".rels";
+    constexpr std::string_view FOLDER = "_rels/";
+    constexpr std::string_view EXTENSION = ".rels";
     const std::size_t folder = part.rfind(FOLDER);
     if (folder == std::string::npos || part.size() < folder + FOLDER.size() + EXTENSION.size() ||
         part.compare(part.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) != 0)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 
 namespace opc::inspection {
@@ -59,21 +60,21 @@ bool hasOnlyDots(string_view segment) {
 /// Names of devices on Windows, with or without an extension.
 bool isDevice(string_view segment) {
     const string_view stem = segment.substr(0, segment.find('.'));
-    for (const char* const device : {"CON", "PRN", "AUX", "NUL"})
-        if (equalsCaseless(stem, device))
-            return true;
+    constexpr string_view DEVICES[] = {"CON", "PRN", "AUX", "NUL"};
+    if (std::any_of(std::begin(DEVICES), std::end(DEVICES),
+                    [stem](string_view device) { return equalsCaseless(stem, device); }))
+        return true;
     return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
            (equalsCaseless(stem.substr(0, 3), "COM") || equalsCaseless(stem.substr(0, 3), "LPT"));
 }
 
 /// Characters that turn the direction of writing, or mark it: in UTF-8.
 bool turnsDirection(string_view name) {
-    for (const char* const mark :
-         {"\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC", "\xE2\x80\xAD",
-          "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"})
-        if (name.find(mark) != string_view::npos)
-            return true;
-    return false;
+    constexpr string_view MARKS[] = {"\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB",
+                                     "\xE2\x80\xAC", "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6",
+                                     "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
+    return std::any_of(std::begin(MARKS), std::end(MARKS),
+                       [name](string_view mark) { return name.find(mark) != string_view::npos; });
 }
 
 class SpellingCheck {
@@ -90,8 +91,9 @@ private:
 
     /// Each rule is told once for a name.
     void add(string_view rule, const std::string& message, Severity severity) {
-        const auto end = told.begin() + static_cast<std::ptrdiff_t>(toldCount);
-        if (std::find(told.begin(), end, rule) != end || toldCount == told.size())
+        const string_view* const first = told.data();
+        const string_view* const last = first + toldCount;
+        if (std::find(first, last, rule) != last || toldCount == told.size())
             return;
         told[toldCount++] = rule;
         findings.add(rule, severity, placeOf(item), message);

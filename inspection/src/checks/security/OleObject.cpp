@@ -2,9 +2,8 @@
 
 #include "text/CaselessText.hpp"
 
-#include <string.h>
-
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace opc::inspection {

@@ -2,6 +2,7 @@
 #include "checks/signatures/SignedContent.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 namespace opc::inspection {
@@ -14,11 +15,10 @@ bool isLeftOut(const RelationshipView& relationship) {
         return false;
     if (leadsToOrigin(relationship))
         return true;
-    for (const std::string_view segment : {"core-properties", "extended-properties", "extendedProperties",
-                                           "custom-properties", "customProperties", "thumbnail"})
-        if (relationship.lastSegment() == segment)
-            return true;
-    return false;
+    constexpr std::string_view SEGMENTS[] = {"core-properties",   "extended-properties", "extendedProperties",
+                                             "custom-properties", "customProperties",    "thumbnail"};
+    return std::find(std::begin(SEGMENTS), std::end(SEGMENTS), relationship.lastSegment()) !=
+           std::end(SEGMENTS);
 }
 
 class CoverageChecks {

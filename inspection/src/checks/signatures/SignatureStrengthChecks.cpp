@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <set>
 
 namespace opc::inspection {
@@ -29,13 +30,11 @@ std::string lastSegment(const std::string& uri) {
 /// SHA-1, MD5, RIPEMD, DSA and keyed digests, by the last segments of their identifiers.
 bool isWeak(const std::string& algorithm) {
     const std::string name = lastSegment(algorithm);
-    for (const char* weak : {"sha1", "md5", "ripemd160", "dsa-sha1", "dsa-sha256"})
-        if (name == weak)
-            return true;
-    for (const char* weak : {"rsa-sha1", "rsa-md5", "rsa-ripemd160", "ecdsa-sha1", "hmac-"})
-        if (name.compare(0, std::string(weak).size(), weak) == 0)
-            return true;
-    return false;
+    constexpr std::string_view NAMES[] = {"sha1", "md5", "ripemd160", "dsa-sha1", "dsa-sha256"};
+    constexpr std::string_view BEGINNINGS[] = {"rsa-sha1", "rsa-md5", "rsa-ripemd160", "ecdsa-sha1", "hmac-"};
+    return std::find(std::begin(NAMES), std::end(NAMES), name) != std::end(NAMES) ||
+           std::any_of(std::begin(BEGINNINGS), std::end(BEGINNINGS),
+                       [&name](std::string_view weak) { return name.compare(0, weak.size(), weak) == 0; });
 }
 
 Bytes decode(const std::string& base64) {

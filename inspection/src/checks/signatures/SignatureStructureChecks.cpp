@@ -159,7 +159,8 @@ private:
     }
 
     void checkTimeForm(const SignatureProperty& property) {
-        const std::string format = trimmed(property.timeFormat), value = trimmed(property.timeValue);
+        const std::string format = trimmed(property.timeFormat);
+        const std::string value = trimmed(property.timeValue);
         const auto* const form = std::find_if(std::begin(TIME_FORMS), std::end(TIME_FORMS),
                                               [&](const TimeForm& one) { return format == one.format; });
         if (form == std::end(TIME_FORMS))

@@ -75,7 +75,8 @@ std::vector<FoundSignature> findSignatures(const Subject& subject) {
     const RelationshipsView* const package = subject.relationshipsOf("/");
     if (package == nullptr)
         return found;
-    std::set<const PartView*> origins, parts;
+    std::set<const PartView*> origins;
+    std::set<const PartView*> parts;
     for (const RelationshipView& toOrigin : package->entries) {
         if (!leadsToOrigin(toOrigin) || toOrigin.part == nullptr || !origins.insert(toOrigin.part).second)
             continue;
