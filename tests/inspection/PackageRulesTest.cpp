@@ -351,6 +351,8 @@ std::vector<Case> propertyCases() {
         {"CORE-SCHEMA", core(title + title), core(title)},
         {"CORE-SCHEMA", core("<dcterms:created xsi:type='dcterms:W3CDTF'>yesterday</dcterms:created>"), {}},
         {"M1.20", core("<dc:title>"), {}},
+        {"M1.21", core(title, "xsi:schemaLocation='a b'"), {}},
+        {"M1.21", core(title, "xml:base='/a/'"), {}},
         {"P1-2",
          core(title, {}, {},
               {relationshipsWith(relationship("r1", "http://a/b", "http://a/", "TargetMode='External'"),
@@ -382,6 +384,31 @@ TEST(PackageRules, aDocumentBeyondTheLimitsIsTold) {
                 std::string(" SEC-54 /_rels/.rels: XML content can not be nested deeper than 1000 elements\n"
                             "error M1.20 /_rels/.rels: The element a can't stand here\n"));
     }
+}
+
+/// The package's own relationships that lead out of it, a core properties document in another encoding, unread
+/// relationships.
+TEST(PackageRules, aFaultOfTwoConcernsIsToldOnce) {
+    const auto external = [](const std::string& type) {
+        return related(relationship("rId3", type, "http://a/", "TargetMode='External'"));
+    };
+    const std::string signatures =
+        "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/";
+    const std::pair<Bytes, const char*> cases[] = {
+        {external(CORE_RELATIONSHIP), "M4.1"},
+        {external(THUMBNAIL), "M5.1"},
+        {external(signatures + "origin"), "M6.1"},
+        {external("http://a/b"), "SEC-16"},
+        {packageWith({relationshipsWith("<")}), "M1.20"},
+        {related(relationship("rIdC", CORE_RELATIONSHIP, "core.xml"),
+                 {contentTypesWith(overrideOf("/core.xml", CORE_TYPE)),
+                  stored("core.xml",
+                         "<?xml version='1.0' encoding='ISO-8859-1'?><cp:coreProperties xmlns:cp="
+                         "'http://schemas.openxmlformats.org/package/2006/metadata/core-properties'/>")}),
+         "M1.17"},
+    };
+    for (const auto& [package, rules] : cases)
+        EXPECT_EQ(brokenRules(package), rules);
 }
 
 TEST(PackageRules, eachIsFoundWhereItIsBrokenAndOnlyThere) {

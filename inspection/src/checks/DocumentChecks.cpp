@@ -6,10 +6,6 @@ namespace opc::inspection {
 
 namespace {
 
-bool isUnicode(std::string_view encoding) {
-    return equalsCaseless(encoding, "UTF-8") || equalsCaseless(encoding, "UTF-16");
-}
-
 void addFault(const DocumentFault& fault, const Place& document, Findings& findings) {
     const Place place = placeAt(document, fault.line, fault.column);
     switch (fault.kind) {
@@ -33,8 +29,7 @@ void addFault(const DocumentFault& fault, const Place& document, Findings& findi
 /// @return whether there was none
 bool checkReading(const DocumentState& document, const Place& place, Findings& findings) {
     const Place failure = placeAt(place, document.failureLine, document.failureColumn);
-    const bool isWrongEncoding = !document.declaredEncoding.empty() && !isUnicode(document.declaredEncoding);
-    if (isWrongEncoding)
+    if (isWrongEncoding(document))
         findings.add("M1.17", place, "The document declares the encoding " + document.declaredEncoding);
     if (document.hasDocumentType)
         findings.add("M1.18", failure, "The document has a document type declaration");
@@ -42,12 +37,17 @@ bool checkReading(const DocumentState& document, const Place& place, Findings& f
         return true;
     if (document.isBeyondLimit)
         findings.add("SEC-54", findings.ofUnread(), failure, document.failure);
-    else if (!document.isDamaged && !document.hasDocumentType && !isWrongEncoding)
+    else if (!document.isDamaged && !document.hasDocumentType && !isWrongEncoding(document))
         findings.add("M1.20", failure, "The XML isn't well-formed: " + document.failure);
     return false;
 }
 
 } // namespace
+
+bool isWrongEncoding(const DocumentState& document) {
+    const std::string& encoding = document.declaredEncoding;
+    return !encoding.empty() && !equalsCaseless(encoding, "UTF-8") && !equalsCaseless(encoding, "UTF-16");
+}
 
 Place placeAt(Place document, std::uint64_t line, std::uint64_t column) {
     document.line = line;

@@ -15,6 +15,9 @@ namespace opc::inspection {
 bool checkDocument(const DocumentState& document, const Place& place, std::string_view namespaceURI,
                    std::string_view root, Findings& findings);
 
+/// Whether it declares another encoding than UTF-8 and UTF-16.
+bool isWrongEncoding(const DocumentState& document);
+
 /// Tells of a document in a form that is valid, but that not every reader sees through.
 void checkForm(const DocumentState& document, const Place& place, Findings& findings);
 

@@ -61,14 +61,11 @@ bool isAlpha(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// Without the blanks and controls that readers pass over, and with escaped slashes as slashes, as a reader sees them
-/// that decodes first.
-std::string plainTarget(std::string_view target) {
+/// With escaped slashes as slashes, as a reader sees them that decodes first.
+std::string withoutEscapedSlashes(std::string_view target) {
     std::string plain;
     for (std::size_t i = 0; i < target.size(); ++i) {
         const std::string_view escape = target.substr(i, 3);
-        if (static_cast<unsigned char>(target[i]) <= ' ' && plain.empty())
-            continue;
         if (startsWith(escape, "%5c") || startsWith(escape, "%2f")) {
             plain += '/';
             i += 2;
@@ -123,7 +120,7 @@ ExternalEffect effectOf(std::string_view type) {
 }
 
 ExternalPlace placeOf(std::string_view target) {
-    const std::string plain = plainTarget(target);
+    const std::string plain = withoutEscapedSlashes(plainTarget(target));
     if (plain.empty() || plain[0] == '#')
         return ExternalPlace::Other;
     if (slashesAt(plain) >= 2)

@@ -69,7 +69,8 @@ void checkMainPart(const Subject& subject, Findings& findings) {
     const std::vector<const RelationshipView*> main = mainRelationships(subject);
     for (const RelationshipView* entry : main)
         checkMainRelationship(*entry, subject.relationshipsOf("/")->part->name, findings);
-    if (!main.empty())
+    const RelationshipsView* const package = subject.relationshipsOf("/");
+    if (!main.empty() || (package != nullptr && !package->document.failure.empty()))
         return;
     for (const PartView& part : subject.parts())
         if (isOfficeMediaType(part.mediaType()) && isMainType(part.mediaType()) && !subject.isReached(part)) {

@@ -23,6 +23,8 @@ physical::MemoryPackage::Bytes bytesOf(std::string_view text) {
 /// Looks at each element of the document.
 class FaultFinder final : public model::XmlEvents {
 public:
+    explicit FaultFinder(DocumentState& state) : state(state) {}
+
     std::vector<CorePropertiesFault> faults;
 
 private:
@@ -42,6 +44,19 @@ private:
             name != u"value")
             add("M4.4", "The element " + narrow(name) + " has the attribute xml:lang");
         checkType(element.valueOf(SCHEMA_INSTANCE, u"type"), isTime, name);
+        for (std::size_t i = 0; i < element.attributeCount(); ++i)
+            checkAttribute(element.attribute(i));
+    }
+
+    /// Other rules tell of `xml:lang` and `xsi:type`.
+    void checkAttribute(const model::XmlAttribute& attribute) {
+        using Kind = DocumentFault::Kind;
+        const bool isXml = attribute.namespaceURI == XML_NAMESPACE && attribute.localName != u"lang";
+        const bool isOfSchema = attribute.namespaceURI == SCHEMA_INSTANCE && attribute.localName != u"type";
+        if ((isXml || isOfSchema) && state.faults.size() < DocumentState::MOST_FAULTS)
+            state.faults.push_back({isXml ? Kind::XmlAttribute : Kind::SchemaInstanceAttribute,
+                                    (isXml ? "xml:" : "xsi:") + narrow(attribute.localName), place.line,
+                                    place.column});
     }
 
     void onEnd() override {
@@ -76,6 +91,7 @@ private:
             faults.push_back({rule, std::move(message), place.line, place.column});
     }
 
+    DocumentState& state;
     model::XmlPlace place{1, 1};
     std::vector<std::pair<std::u16string, std::u16string>> declarations; ///< in scope
     std::vector<std::size_t> scopes; ///< how many there were before each element
@@ -106,7 +122,7 @@ ReadCoreProperties readCoreProperties(const std::string& document) {
 
 std::vector<CorePropertiesFault> findCorePropertiesFaults(const Archive& archive, const PartView& part,
                                                           DocumentState& state) {
-    FaultFinder finder;
+    FaultFinder finder(state);
     readDocument(archive, part.items, state, finder);
     if (state.declaresMarkupCompatibility)
         finder.faults.insert(finder.faults.begin(),

@@ -25,7 +25,7 @@ struct CorePropertiesFault {
 };
 
 /// Looks for all of them in a document, which need not be valid otherwise.
-/// @param state  filled
+/// @param state  filled; its faults are attributes that no element of the document can have
 std::vector<CorePropertiesFault> findCorePropertiesFaults(const Archive& archive, const PartView& part,
                                                           DocumentState& state);
 

@@ -4,6 +4,7 @@
 #include "checks/properties/CorePropertiesReading.hpp"
 #include "checks/properties/OfficeProperties.hpp"
 #include "checks/relationships/RelationshipKinds.hpp"
+#include "checks/security/ContentKind.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
@@ -95,8 +96,7 @@ private:
         const ReadCoreProperties read = readCoreProperties(subject.read(part, most));
         if (read.failure.empty())
             tellPeople(part, read.properties);
-        else
-            checkFaults(part, read);
+        checkFaults(part, read);
     }
 
     void checkFaults(const PartView& part, const ReadCoreProperties& read) {
@@ -107,8 +107,9 @@ private:
             return;
         for (const CorePropertiesFault& fault : faults)
             findings.add(fault.rule, placeAt(placeOf(part), fault.line, fault.column), fault.message);
-        const bool isToldAlready = !faults.empty() || read.failure.find("[M4.") != std::string::npos;
-        if (!isToldAlready)
+        const bool isToldAlready = !faults.empty() || !state.faults.empty() || isWrongEncoding(state) ||
+                                   read.failure.find("[M4.") != std::string::npos;
+        if (!read.failure.empty() && !isToldAlready)
             addSchemaFault(part, read);
     }
 
@@ -138,6 +139,18 @@ private:
     const RelationshipView* first = nullptr;
 };
 
+/// SEC-41 tells of all parts whose content isn't what their type says.
+void checkImage(const Subject& subject, const PartView& part, const Place& place, Findings& findings) {
+    constexpr std::size_t HEAD = 1024;
+    findings.add("SEC-61", place, "The package has the thumbnail " + part.name);
+    const ContentKind promised = kindOfType(part.mediaType()), kind = kindOf(subject.read(part, HEAD));
+    const bool isOther = promised != ContentKind::Unknown && kind != ContentKind::Unknown && kind != promised;
+    if (isOther && !findings.wants("SEC-41"))
+        findings.add("M5.1", isImage(kind) ? Severity::Info : Severity::Warning, place,
+                     "The thumbnail " + part.name + " has the type " + part.contentType + ", and is " +
+                         std::string(describe(kind)));
+}
+
 void checkThumbnails(const Subject& subject, Findings& findings) {
     for (const RelationshipsView& view : subject.relationships())
         for (const RelationshipView& entry : view.entries) {
@@ -155,7 +168,7 @@ void checkThumbnails(const Subject& subject, Findings& findings) {
                              "The thumbnail " + entry.part->name + " has the type " +
                                  entry.part->contentType);
             else if (entry.part != nullptr)
-                findings.add("SEC-61", place, "The package has the thumbnail " + entry.part->name);
+                checkImage(subject, *entry.part, place, findings);
         }
 }
 

@@ -1,7 +1,9 @@
 #include "checks/security/SecurityChecks.hpp"
 
 #include "checks/DocumentChecks.hpp"
+#include "checks/relationships/RelationshipKinds.hpp"
 #include "checks/security/OleObject.hpp"
+#include "checks/signatures/Signatures.hpp"
 #include "external/RelationshipType.hpp"
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
@@ -108,25 +110,35 @@ public:
 private:
     void check(const RelationshipView& entry, const Place& place) {
         const RelationshipType type(entry.type);
-        const ExternalPlace where = placeOf(entry.target);
+        const std::string target = plainTarget(entry.target);
+        const ExternalPlace where = placeOf(target);
         if (type.name == "hyperlink")
-            checkHyperlink(entry, where, place);
-        else
-            checkOther(entry, type, where, place);
-        if (hasUserInformation(entry.target))
-            findings.add("SEC-18", place, "The target holds user information: " + shown(entry.target));
-        checkPath(entry, where, place);
+            checkHyperlink(target, where, place);
+        else if (!isToldElsewhere(entry))
+            checkOther(entry, target, type, where, place);
+        if (hasUserInformation(target))
+            findings.add("SEC-18", place, "The target holds user information: " + shown(target));
+        checkPath(target, where, place);
     }
 
-    void checkHyperlink(const RelationshipView& entry, ExternalPlace where, const Place& place) {
-        const std::string_view target = entry.target;
+    /// Rules of their own forbid relationships of the package's own to lead out of it.
+    bool isToldElsewhere(const RelationshipView& entry) const {
+        return (isCoreProperties(entry) && findings.wants("M4.1")) ||
+               (isThumbnail(entry) && findings.wants("M5.1")) ||
+               (leadsToOrigin(entry) && findings.wants("M6.1")) ||
+               (leadsToSignature(entry) && findings.wants("M6.3")) ||
+               (leadsToCertificate(entry) && findings.wants("M6.4"));
+    }
+
+    void checkHyperlink(std::string_view target, ExternalPlace where, const Place& place) {
         const std::string scheme = schemeOf(target);
         if (isOfficeScheme(scheme))
             findings.add("SEC-09", Severity::Warning, place,
                          "The hyperlink " + shown(target) + " opens a document in an office program");
         else if (isRiskyScheme(scheme))
             findings.add("SEC-09", place, "The hyperlink " + shown(target) + " does more than show a page");
-        else if (where == ExternalPlace::File && isRunnable(target.substr(0, target.find_first_of("?#"))))
+        else if ((where == ExternalPlace::File || where == ExternalPlace::Share) &&
+                 isRunnable(target.substr(0, target.find_first_of("?#"))))
             findings.add("SEC-09", place, "The hyperlink " + shown(target) + " starts a program");
         else if (where == ExternalPlace::Share)
             findings.add("SEC-09", Severity::Warning, place,
@@ -136,17 +148,17 @@ private:
     }
 
     /// One finding for each relationship: that of its type, or that of its place if this is worse.
-    void checkOther(const RelationshipView& entry, const RelationshipType& type, ExternalPlace where,
-                    const Place& place) {
+    void checkOther(const RelationshipView& entry, const std::string& target, const RelationshipType& type,
+                    ExternalPlace where, const Place& place) {
         const Meaning& meaning = meaningOf(type.name);
         const bool isRemote = where == ExternalPlace::Web || where == ExternalPlace::Share;
         Severity severity = meaning.severity;
         if (!type.hasKnownBase || (!isRemote && type.name != "officedocument"))
             severity = atMost(Severity::Warning, severity);
-        const std::string message = "The " + std::string(meaning.what) + " " + shown(entry.target) +
-                                    " lies " + std::string(describe(where));
+        const std::string message = "The " + std::string(meaning.what) + " " + shown(target) + " lies " +
+                                    std::string(describe(where));
         const bool isShare = where == ExternalPlace::Share && severity < Severity::Error;
-        const bool isFile = where == ExternalPlace::File && &meaning == &UNKNOWN && isAbsolute(entry.target);
+        const bool isFile = where == ExternalPlace::File && &meaning == &UNKNOWN && isAbsolute(target);
         if ((isShare || isFile) && findings.wants("SEC-10"))
             findings.add("SEC-10", isShare ? Severity::Error : Severity::Warning, place, message);
         else
@@ -154,15 +166,14 @@ private:
                          &meaning == &UNKNOWN ? message + "; its type is " + shown(entry.type) : message);
     }
 
-    void checkPath(const RelationshipView& entry, ExternalPlace where, const Place& place) {
-        if (where != ExternalPlace::File || !isAbsolute(entry.target))
+    void checkPath(const std::string& target, ExternalPlace where, const Place& place) {
+        if (where != ExternalPlace::File || !isAbsolute(target))
             return;
-        const std::string user = userIn(entry.target);
+        const std::string user = userIn(target);
         if (toldPaths.insert(user.empty() ? place.part : '@' + user).second)
             findings.add("SEC-67", place,
-                         user.empty()
-                             ? "The target names a path of a machine: " + shown(entry.target)
-                             : "The target names the user " + shown(user) + ": " + shown(entry.target));
+                         user.empty() ? "The target names a path of a machine: " + shown(target)
+                                      : "The target names the user " + shown(user) + ": " + shown(target));
     }
 
     static bool isAbsolute(std::string_view target) {

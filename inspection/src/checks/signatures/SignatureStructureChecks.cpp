@@ -91,6 +91,9 @@ private:
         std::size_t toPackage = 0;
         for (const SignatureReference& reference : document.signedReferences) {
             const std::string id = reference.uri.empty() ? "" : reference.uri.substr(1);
+            const bool isToldElsewhere = id == PACKAGE_OBJECT && document.packageObjects().empty();
+            if (isToldElsewhere)
+                continue;
             if (reference.uri.empty() || reference.uri[0] != '#' || document.ids.count(id) == 0)
                 add("M6.5", reference.place,
                     "The signed information refers to \"" + reference.uri +

@@ -1,5 +1,7 @@
 #include "checks/signatures/Signatures.hpp"
 
+#include "subject/Targets.hpp"
+
 #include <set>
 
 namespace opc::inspection {
@@ -18,11 +20,10 @@ constexpr std::string_view CERTIFICATE_TYPE =
     "application/vnd.openxmlformats-package.digital-signature-certificate";
 
 bool isOfType(const RelationshipView& relationship, std::string_view segment) {
-    const std::string& type = relationship.type;
-    if (type.size() < segment.size() ||
-        type.compare(type.size() - segment.size(), segment.size(), segment) != 0)
+    const std::string_view type = trimmed(relationship.type);
+    if (type.size() < segment.size() || type.substr(type.size() - segment.size()) != segment)
         return false;
-    const std::string_view base(type.data(), type.size() - segment.size());
+    const std::string_view base = type.substr(0, type.size() - segment.size());
     return base == STANDARD_BASE || base == OWN_BASE;
 }
 
@@ -86,7 +87,7 @@ std::vector<FoundSignature> findSignatures(const Subject& subject) {
         for (const RelationshipView& entry : origin->entries) {
             if (!leadsToSignature(entry) || entry.part == nullptr || !parts.insert(entry.part).second)
                 continue;
-            const bool isOwn = entry.type.compare(0, OWN_BASE.size(), OWN_BASE) == 0;
+            const bool isOwn = trimmed(entry.type).substr(0, OWN_BASE.size()) == OWN_BASE;
             found.push_back({isOwn ? SignatureForm::Own : SignatureForm::Standard, entry.part,
                              readSignature(subject, *entry.part)});
         }
