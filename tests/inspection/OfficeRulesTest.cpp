@@ -76,6 +76,7 @@ TEST(OfficeRules, relationshipIds) {
         {"<a:v o:relid='rId2'/>", "error P1-5"},
         {"<a:headerReference r:id='rId1'/>", "warning P1-5"},
         {"<a:other r:id='rId1'/>", ""},
+        {"<a:hyperlink r:id='rId1'/>", "warning P1-5"},
     };
     for (const auto& [xml, expected] : cases) {
         const std::string document =
@@ -124,10 +125,23 @@ TEST(OfficeRules, structure) {
     };
     for (const auto& [what, items, expected] : cases)
         EXPECT_EQ(told(items), expected) << what;
-    EXPECT_EQ(test::brokenRules(
-                  test::packageWith({stored("word/document.xml", "<!DOCTYPE a [<!ENTITY b 'c'>]><a/>")}),
-                  SECURITY | OFFICE),
-              "SEC-22");
+    const std::string doctype = "<!DOCTYPE a [<!ENTITY b 'c'>]><a/>";
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : doctype)
+        utf16 += {c, '\0'};
+    for (const std::string& document : {doctype, utf16, "<!--" + std::string(70000, '-') + "-->" + doctype})
+        EXPECT_EQ(
+            test::brokenRules(test::packageWith({stored("word/document.xml", document)}), SECURITY | OFFICE),
+            "SEC-22")
+            << document.substr(0, 20);
+    const std::string second = replaced(replaced(toMain, "rId1", "rId2"), "word/document", "word/second");
+    for (const unsigned profiles : {unsigned{OFFICE}, unsigned{SECURITY}, SECURITY | OFFICE | OPC})
+        EXPECT_NE(test::brokenRules(test::packageWith({relationshipsWith(toMain + second),
+                                                       stored("word/second.xml", "<a/>")}),
+                                    profiles)
+                      .find("SEC-37"),
+                  std::string::npos)
+            << profiles;
 }
 
 } // namespace

@@ -34,6 +34,9 @@ public:
     /// @param isWhole  whether the document was read to its end
     virtual void parsed(bool isWhole) { (void)isWhole; }
 
+    /// Whether it has told what keeps this part from being parsed. May be called from `end` on, whatever `begin` returned.
+    virtual bool tellsWhyUnparsable() const { return false; }
+
 protected:
     ContentObserver() = default;
     ContentObserver(const ContentObserver&) = default;

@@ -28,6 +28,12 @@ bool isXml(const std::string& mediaType) {
     return endsWith(mediaType, "+xml") || endsWith(mediaType, "/xml");
 }
 
+/// Documents of the package's own that a relationship leads to: they have checks of their own.
+bool isOwnDocument(const std::string& mediaType) {
+    return mediaType == "application/vnd.openxmlformats-package.core-properties+xml" ||
+           startsWith(mediaType, "application/vnd.openxmlformats-package.digital-signature");
+}
+
 class Pass {
 public:
     Pass(const Subject& subject, Findings& findings,
@@ -110,10 +116,10 @@ private:
             observer->parsed(isWhole);
     }
 
-    /// A document type declaration ends the reading: another rule tells that.
     bool isToldElsewhere(const PartView& part) const {
-        return findings.wants("SEC-22") &&
-               subject.read(part, SMALLEST_PIECE).find("<!DOCTYPE") != std::string::npos;
+        return (isOwnDocument(part.mediaType()) && findings.wants("M1.20")) ||
+               std::any_of(observers.begin(), observers.end(),
+                           [](const auto& observer) { return observer->tellsWhyUnparsable(); });
     }
 
     /// Fills the buffer, so that the first piece is the head whatever portions the stream gives.

@@ -59,9 +59,12 @@ void TagNames::begin(std::string_view head) {
     isOpaque = !isAsciiCompatible(head);
 }
 
-bool TagNames::only(std::string_view name) const {
-    const auto at = std::find(names.begin(), names.end(), name) - names.begin();
-    return !isOpaque && seen == 1U << static_cast<unsigned>(at);
+bool TagNames::only(std::initializer_list<std::string_view> some) const {
+    std::uint64_t others = seen;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (std::find(some.begin(), some.end(), names[i]) != some.end())
+            others &= ~(std::uint64_t{1} << i);
+    return !isOpaque && others == 0;
 }
 
 void TagNames::add(std::string_view piece) {
@@ -97,7 +100,7 @@ void TagNames::addName(std::string_view text) {
         return;
     for (std::size_t i = 0; i < names.size(); ++i)
         if (names[i] == local)
-            seen |= 1U << i;
+            seen |= std::uint64_t{1} << i;
 }
 
 } // namespace opc::inspection

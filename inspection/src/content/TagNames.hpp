@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,7 @@ namespace opc::inspection {
 /// answers whether one is worth it: it may take a tag in a comment for an element, and never overlooks one.
 class TagNames {
 public:
-    /// @param names  local names of elements to look for, at most 32; they live as long as this object
+    /// @param names  local names of elements to look for, at most 64; they live as long as this object
     explicit TagNames(std::vector<std::string_view> names);
 
     /// Forgets the last document.
@@ -24,15 +25,15 @@ public:
     /// Whether one of the names stood in a tag, or may have: a document that isn't in UTF-8 or ASCII isn't looked into.
     bool any() const { return seen != 0 || isOpaque; }
 
-    /// Whether `name` is the only one that stood in a tag.
-    bool only(std::string_view name) const;
+    /// Whether only `some` of the names stood in tags.
+    bool only(std::initializer_list<std::string_view> some) const;
 
 private:
     void addName(std::string_view text);
 
     const std::vector<std::string_view> names;
     std::uint32_t firstLetters[8] = {}; // a bit for each byte that a name begins with
-    std::uint32_t seen = 0;
+    std::uint64_t seen = 0;
     std::string cut; // a tag's name that the last piece ended in
     bool isOpaque = false;
 };

@@ -90,7 +90,7 @@ constexpr Rule RULES[] = {
      "Remove the connections; the values that were fetched stay"},
     {"SEC-15", "Field that loads", Severity::Warning, SECURITY, "",
      "No field takes in pictures, texts or objects from outside (INCLUDEPICTURE, INCLUDETEXT, IMPORT, LINK, "
-     "RD)",
+     "RD, DATABASE)",
      "The field was inserted to keep a copy up to date, or is hidden in a document to see who opens it", "",
      "Word updates some of these fields on opening or printing; no relationship shows where they lead",
      "Unlink the field, which keeps its last result"},
@@ -125,7 +125,7 @@ constexpr Rule RULES[] = {
      "The package doesn't change the program's ribbon with callbacks",
      "A template or an add-in brings buttons of its own", "",
      "The callbacks call macros, one of them when the ribbon is loaded", ASK_THE_SENDER},
-    {"SEC-24", "ActiveX control", Severity::Warning, SECURITY, "", "The package has no ActiveX controls",
+    {"SEC-24", "ActiveX control", Severity::Error, SECURITY, "", "The package has no ActiveX controls",
      "A form has controls, or somebody uses a control's flaw",
      "Word, Excel and PowerPoint write controls of forms so",
      "Office programs load the control after a question", ASK_THE_SENDER},

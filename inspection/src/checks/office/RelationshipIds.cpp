@@ -27,8 +27,17 @@ struct Use {
 
 constexpr Use USES[] = {
     {u"blip", "image"},
+    {u"altChunk", "aFChunk altChunk"},
+    {u"chart", "chart chartEx"},
+    {u"control", "control"},
+    {u"externalReference", "externalLink"},
     {u"footerReference", "footer"},
+    {u"handoutMasterId", "handoutMaster"},
     {u"headerReference", "header"},
+    {u"hyperlink", "hyperlink"},
+    {u"legacyDrawing", "vmlDrawing"},
+    {u"notesMasterId", "notesMaster"},
+    {u"pivotCache", "pivotCacheDefinition"},
     {u"sheet", "worksheet chartsheet dialogsheet xlMacrosheet xlIntlMacrosheet"},
     {u"sldId", "slide"},
     {u"sldLayoutId", "slideLayout"},

@@ -89,8 +89,7 @@ void checkSingleTypes(const RelationshipsView& view, const Place& place, Finding
     std::unordered_map<std::string_view, const RelationshipView*> firstOf;
     for (const RelationshipView& entry : view.entries) {
         const std::string_view segment = entry.lastSegment();
-        if (!contains(SINGLE, segment) || !isOfficeType(trimmed(entry.type)) ||
-            (segment == "officeDocument" && findings.wants("P1-4")))
+        if (!contains(SINGLE, segment) || !isOfficeType(trimmed(entry.type)))
             continue;
         const RelationshipView& first = *firstOf.emplace(segment, &entry).first->second;
         if (&first == &entry || keyOfName(first.resolved) == keyOfName(entry.resolved))

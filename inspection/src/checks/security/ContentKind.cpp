@@ -30,6 +30,7 @@ constexpr Magic MAGICS[] = {
      "ELF",
      ContentKind::Program},
     {"#!/", ContentKind::Script},
+    {std::string_view("L\0\0\0\1\x14\2\0", 8), ContentKind::Shortcut},
 };
 
 /// An executable of Windows: `MZ`, and behind it the place of a second header.
@@ -104,11 +105,15 @@ bool isImage(ContentKind kind) {
     return kind >= ContentKind::Png && kind <= ContentKind::Wmf;
 }
 
+bool isRun(ContentKind kind) {
+    return kind >= ContentKind::Program;
+}
+
 std::string_view describe(ContentKind kind) {
     static constexpr std::string_view TEXTS[] = {
-        "something else", "a PNG image",  "a JPEG image",    "a GIF image", "a TIFF image",
-        "a BMP image",    "an EMF image", "a WMF image",     "a PDF file",  "an OLE file",
-        "a ZIP archive",  "an HTML page", "an XML document", "a program",   "a script"};
+        "something else",  "a PNG image", "a JPEG image", "a GIF image", "a TIFF image",  "a BMP image",
+        "an EMF image",    "a WMF image", "a PDF file",   "an OLE file", "a ZIP archive", "an HTML page",
+        "an XML document", "a program",   "a script",     "a shortcut"};
     return TEXTS[static_cast<std::size_t>(kind)];
 }
 

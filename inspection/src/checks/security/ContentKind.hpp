@@ -20,7 +20,8 @@ enum class ContentKind {
     Html,
     Xml,
     Program,
-    Script
+    Script,
+    Shortcut
 };
 
 ContentKind kindOf(std::string_view head);
@@ -31,6 +32,9 @@ ContentKind kindOf(std::string_view head);
 ContentKind kindOfType(std::string_view mediaType);
 
 bool isImage(ContentKind kind);
+
+/// Whether opening a file of this kind runs it.
+bool isRun(ContentKind kind);
 
 /// With an article, for messages: `a PNG image`.
 std::string_view describe(ContentKind kind);

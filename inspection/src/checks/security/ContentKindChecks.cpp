@@ -1,5 +1,6 @@
 #include "checks/security/ContentKindChecks.hpp"
 
+#include "checks/DocumentChecks.hpp"
 #include "checks/OfficeFormats.hpp"
 #include "checks/security/ContentKind.hpp"
 #include "checks/security/OleObject.hpp"
@@ -9,25 +10,39 @@
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
 
+#include <unordered_map>
+
 namespace opc::inspection {
 
 namespace {
 
 class ContentKindObserver final : public ContentObserver {
 public:
-    ContentKindObserver(const Subject& subject, Findings& findings) : subject(subject), findings(findings) {}
+    ContentKindObserver(const Subject& subject, Findings& findings) : subject(subject), findings(findings) {
+        for (const RelationshipsView& relationships : subject.relationships())
+            for (const RelationshipView& entry : relationships.entries) {
+                const std::string type = RelationshipType(entry.type).name;
+                if (type == "oleobject" || type == "package")
+                    embedded.emplace(entry.part, type == "package");
+            }
+    }
 
     bool begin(const PartView& part, std::string_view head) override {
-        if (part.isRelationships() || head.empty())
+        prolog.begin();
+        kind = kindOf(head);
+        if (part.isRelationships())
             return false;
-        const ContentKind kind = kindOf(head);
         const std::string type = part.mediaType();
-        checkType(part, type, kind);
-        if (kind == ContentKind::Ole)
-            checkObject(part, head);
+        const bool isEmbedded = checkEmbedded(part, type, head);
+        if (head.empty())
+            return false;
+        if (!isEmbedded || !isRun(kind) || !findings.wants("SEC-30"))
+            checkType(part, type);
+        if (kind == ContentKind::Ole && holdsMacros(head) && !isMacroPart(part))
+            findings.add("SEC-20", Severity::Warning, {part.name}, "The object has macros of its own");
         if (kind == ContentKind::Jpeg || kind == ContentKind::Tiff || kind == ContentKind::Png)
             checkImageData(part, head.substr(0, 65536)); // it stands in front of the pixels
-        return beginProlog(part, type, kind, head);
+        return beginProlog(part, type, head);
     }
 
     void bytes(std::string_view piece) override {
@@ -45,16 +60,22 @@ public:
                                   : isSvg                            ? Severity::Info
                                   : isOfficeFormat(subject.format()) ? Severity::Error
                                                                      : Severity::Warning;
-        findings.add("SEC-22", severity, {name},
+        const model::XmlPlace place = prolog.place();
+        findings.add("SEC-22", severity, placeAt({name}, place.line, place.column),
                      "The part has a document type declaration" +
                          std::string(hasEntities ? " with entities" : "") + ": <" +
                          shown(text.substr(0, text.find_first_of(">["))));
         return nullptr;
     }
 
+    bool tellsWhyUnparsable() const override {
+        return (prolog.hasDoctype() && findings.wants("SEC-22")) ||
+               (kind == ContentKind::Html && findings.wants("SEC-41"));
+    }
+
 private:
     /// Most prologs end in the head: then the bytes needn't be looked at.
-    bool beginProlog(const PartView& part, const std::string& type, ContentKind kind, std::string_view head) {
+    bool beginProlog(const PartView& part, const std::string& type, std::string_view head) {
         // Documents of the package's own: another rule tells it (M1.18).
         const bool isOwn = type == "application/vnd.openxmlformats-package.core-properties+xml" ||
                            startsWith(type, "application/vnd.openxmlformats-package.digital-signature");
@@ -63,16 +84,15 @@ private:
             return false;
         name = part.name;
         isSvg = type == "image/svg+xml";
-        prolog.begin();
         prolog.add(head);
         const bool isDecided = prolog.isOver() && !prolog.hasDoctype();
         prolog.begin();
         return !isDecided;
     }
 
-    void checkType(const PartView& part, const std::string& type, ContentKind kind) {
+    void checkType(const PartView& part, const std::string& type) {
         const ContentKind promised = kindOfType(type);
-        const bool isDanger = kind == ContentKind::Program || kind == ContentKind::Script;
+        const bool isDanger = isRun(kind);
         // In packages of programs (nupkg, vsix …) programs are what they are there for.
         const bool isExpected =
             isDanger && !isOfficeFormat(subject.format()) && promised == ContentKind::Unknown;
@@ -90,13 +110,28 @@ private:
                          shown(part.contentType));
     }
 
-    void checkObject(const PartView& part, std::string_view head) {
-        if (holdsMacros(head) && !isMacroPart(part))
-            findings.add("SEC-20", Severity::Warning, {part.name}, "The object has macros of its own");
-        const std::string file = fileNameInObject(head);
+    /// @return whether it is an embedded object, or another document
+    bool checkEmbedded(const PartView& part, const std::string& type, std::string_view head) {
+        const auto found = embedded.find(&part);
+        const std::string file = kind == ContentKind::Ole ? fileNameInObject(head) : std::string();
+        if (found == embedded.end() && file.empty() &&
+            type != "application/vnd.openxmlformats-officedocument.oleobject")
+            return false;
+        const bool isDocument = found != embedded.end() && found->second && file.empty();
+        const bool runs = isRun(kind) || isRunnable(part.name) || isRunnable(file);
+        std::string message =
+            isDocument ? "The package embeds another document" : "The package embeds an object";
+        message += " of the type " + shown(part.contentType);
         if (!file.empty())
-            findings.add("SEC-30", isRunnable(file) ? Severity::Error : Severity::Warning, {part.name},
-                         "The object holds the file " + shown(file));
+            message += ", which holds the file " + shown(file);
+        else if (isRun(kind))
+            message += ", which is " + std::string(describe(kind));
+        findings.add("SEC-30",
+                     runs         ? Severity::Error
+                     : isDocument ? Severity::Info
+                                  : Severity::Warning,
+                     {part.name}, message);
+        return true;
     }
 
     /// Whether a relationship or the type says that it has macros: then that is told already.
@@ -122,7 +157,9 @@ private:
 
     const Subject& subject;
     Findings& findings;
+    std::unordered_map<const PartView*, bool> embedded; ///< and whether as another document
     Prolog prolog;
+    ContentKind kind = ContentKind::Unknown; ///< of the part
     std::string name;
     bool isSvg = false;
 };

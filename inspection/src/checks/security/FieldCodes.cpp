@@ -1,32 +1,45 @@
 #include "checks/security/FieldCodes.hpp"
 
 #include "subject/Names.hpp"
+#include "text/LeadingBlanks.hpp"
 
 namespace opc::inspection {
 
 namespace {
 
-// Programs write far less; a hostile document must not fill the memory.
+// Programs write far less; a hostile document must not fill the memory. What decides is the first word of a code.
 constexpr std::size_t DEEPEST = 256;
 constexpr std::size_t LONGEST_CODE = 4096;
 
 } // namespace
 
 void FieldCodes::begin(const model::XmlPlace& place) {
-    if (open.size() < DEEPEST)
+    if (open.size() < DEEPEST) {
         open.push_back({{}, place});
-    else
-        ++unseen;
+    } else {
+        ++deeper;
+        beginDeep(place);
+    }
+}
+
+void FieldCodes::beginDeep(const model::XmlPlace& place) {
+    tellOf(deep);
+    deep = {{}, place};
+}
+
+FieldCodes::Field& FieldCodes::innermost() {
+    return deeper > 0 ? deep : open.back();
 }
 
 void FieldCodes::separate() {
-    if (unseen == 0 && !open.empty())
-        tellOf(open.back());
+    if (!open.empty())
+        tellOf(innermost());
 }
 
 void FieldCodes::end() {
-    if (unseen > 0) {
-        --unseen;
+    if (deeper > 0) {
+        beginDeep(deep.place); // what follows belongs to the field around
+        --deeper;
     } else if (!open.empty()) {
         tellOf(open.back());
         open.pop_back();
@@ -36,14 +49,13 @@ void FieldCodes::end() {
 void FieldCodes::addText(std::u16string_view text) {
     if (open.empty()) // a code without a begin: readers may still take it
         begin({});
-    std::u16string& code = open.back().code;
-    if (unseen == 0 && code.size() < LONGEST_CODE)
-        code += text;
+    std::u16string& code = innermost().code;
+    if (code.size() < LONGEST_CODE)
+        code += code.empty() ? withoutBlanksInFront(text) : text;
 }
 
 void FieldCodes::endDocument() {
-    unseen = 0;
-    while (!open.empty())
+    while (deeper > 0 || !open.empty())
         end();
 }
 

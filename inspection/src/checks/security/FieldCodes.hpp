@@ -28,11 +28,14 @@ private:
         bool isTold = false;
     };
 
+    void beginDeep(const model::XmlPlace& place);
+    Field& innermost();
     void tellOf(Field& field);
 
     const Tell tell;
     std::vector<Field> open;
-    std::size_t unseen = 0; // fields that are nested too deep
+    Field deep; // the innermost of those that are nested too deep: their codes are told one by one
+    std::size_t deeper = 0; // how many these are
 };
 
 } // namespace opc::inspection

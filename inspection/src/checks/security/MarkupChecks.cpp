@@ -36,7 +36,9 @@ public:
     }
 
     model::XmlEvents* end() override {
-        const bool isWorthIt = tags.any() && !isStyles && (formulas.isFound() || !tags.only("f"));
+        const bool isWorthIt = tags.any() && !isStyles &&
+                               (formulas.isFound() || !tags.only({"f", "formula", "formula1", "formula2",
+                                                                  "calculatedColumnFormula"}));
         if (!isWorthIt && !isHiddenSlide && !hidden.isFound())
             return nullptr;
         reader.begin(name);

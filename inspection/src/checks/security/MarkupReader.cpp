@@ -5,6 +5,7 @@
 #include "checks/security/SecurityChecks.hpp"
 #include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
+#include "text/LeadingBlanks.hpp"
 #include "text/MessageText.hpp"
 
 #include <opc/inspection/External.hpp>
@@ -60,6 +61,11 @@ const MarkupReader::Row MarkupReader::ROWS[] = {
     {"fldSimple", u"fldSimple", u"wordprocessingml", &MarkupReader::onSimpleField},
     {"instrText", u"instrText", u"wordprocessingml", &MarkupReader::onInstruction},
     {"f", u"f", u"spreadsheetml", &MarkupReader::onFormula},
+    {"f", u"f", u"office/excel", &MarkupReader::onFormula}, // in extensions
+    {"formula", u"formula", u"spreadsheetml", &MarkupReader::onFormula},
+    {"formula1", u"formula1", u"spreadsheetml", &MarkupReader::onFormula},
+    {"formula2", u"formula2", u"spreadsheetml", &MarkupReader::onFormula},
+    {"calculatedColumnFormula", u"calculatedColumnFormula", u"spreadsheetml", &MarkupReader::onFormula},
     {"definedName", u"definedName", u"spreadsheetml", &MarkupReader::onDefinedName},
     {"ddeLink", u"ddeLink", u"spreadsheetml", &MarkupReader::onDdeLink},
     {"hlinkClick", u"hlinkClick", u"drawingml", &MarkupReader::onAction},
@@ -91,7 +97,8 @@ std::vector<std::string_view> MarkupReader::decidingElements() {
     static constexpr std::string_view USUAL[] = {"fldChar", "sld", "row", "col"};
     std::vector<std::string_view> names;
     for (const Row& row : ROWS)
-        if (std::find(std::begin(USUAL), std::end(USUAL), row.name) == std::end(USUAL))
+        if (std::find(std::begin(USUAL), std::end(USUAL), row.name) == std::end(USUAL) &&
+            std::find(names.begin(), names.end(), row.name) == names.end())
             names.push_back(row.name);
     return names;
 }
@@ -140,7 +147,7 @@ void MarkupReader::onText(std::u16string_view piece) {
     if (collected == Text::Instruction)
         fields.addText(piece);
     else if (collected != Text::None && text.size() < LONGEST_TEXT)
-        text += piece;
+        text += text.empty() ? withoutBlanksInFront(piece) : piece;
 }
 
 void MarkupReader::collect(Text kind) {
@@ -180,8 +187,8 @@ void MarkupReader::onInstruction(const XmlElement&) {
 }
 
 void MarkupReader::tellField(const std::string& code, const model::XmlPlace& where) {
-    static constexpr std::string_view LOADING[] = {"INCLUDEPICTURE", "INCLUDETEXT", "INCLUDE",
-                                                   "IMPORT",         "RD",          "LINK"};
+    static constexpr std::string_view LOADING[] = {"INCLUDEPICTURE", "INCLUDETEXT", "INCLUDE", "IMPORT", "RD",
+                                                   "LINK",           "DATABASE"};
     const std::string word = firstWord(code);
     const Place at = placeAt({part}, where.line, where.column);
     if (word == "DDE" || word == "DDEAUTO")

@@ -2,6 +2,7 @@
 
 #include "checks/OfficeFormats.hpp"
 #include "external/RelationshipType.hpp"
+#include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
 
@@ -14,28 +15,41 @@ namespace opc::inspection {
 namespace {
 
 /// What a part is by the relationship that leads to it, by its content type or by its name. All in lower case; an empty
-/// field matches nothing. A relationship type is its last segment; a content type is a beginning; a name is an end.
+/// field matches nothing. A relationship type is its last segment; a content type is a beginning; of a name, some
+/// segments.
 struct Kind {
     std::string_view rule;
     Severity severity;
     std::string_view relationship, contentType, name;
     std::string_view message;
+
+    /// @param partName  in lower case
+    bool hasName(std::string_view partName) const {
+        return !name.empty() && (name.back() == '/' ? partName.find(name) != std::string_view::npos
+                                                    : endsWith(partName, name));
+    }
 };
 
 constexpr Kind KINDS[] = {
     {"SEC-20", Severity::Error, "vbaproject", "application/vnd.ms-office.vbaproject", "/vbaproject.bin",
      "The package has a VBA project"},
-    {"SEC-21", Severity::Error, "xlmacrosheet", "application/vnd.ms-excel.macrosheet", "",
+    {"SEC-20", Severity::Error, "wordvbadata", "application/vnd.ms-word.vbadata", "/vbadata.xml",
+     "The package has data of a VBA project"},
+    {"SEC-21", Severity::Error, "xlmacrosheet", "application/vnd.ms-excel.macrosheet", "/macrosheets/",
      "The workbook has a macro sheet"},
     {"SEC-21", Severity::Error, "xlintlmacrosheet", "application/vnd.ms-excel.intlmacrosheet", "",
      "The workbook has a macro sheet"},
     {"SEC-21", Severity::Warning, "dialogsheet",
      "application/vnd.openxmlformats-officedocument.spreadsheetml.dialogsheet", "",
      "The workbook has a dialog sheet"},
-    {"SEC-24", Severity::Warning, "control", "application/vnd.ms-office.activex+xml", "",
+    {"SEC-24", Severity::Error, "control", "application/vnd.ms-office.activex+xml", "",
      "The package has an ActiveX control"},
+    {"SEC-24", Severity::Error, "activexcontrolbinary", "application/vnd.ms-office.activex", "",
+     "The package has the state of an ActiveX control"},
     {"SEC-27", Severity::Warning, "webextension", "application/vnd.ms-office.webextension+xml", "",
      "The document brings a web add-in"},
+    {"SEC-27", Severity::Warning, "webextensiontaskpanes",
+     "application/vnd.ms-office.webextensiontaskpanes+xml", "", "The document opens panes of web add-ins"},
     {"SEC-28", Severity::Warning, "keymapcustomizations", "application/vnd.ms-word.keymapcustomizations", "",
      "The document binds keys"},
     {"SEC-28", Severity::Warning, "attachedtoolbars", "application/vnd.ms-word.attachedtoolbars", "",
@@ -44,9 +58,9 @@ constexpr Kind KINDS[] = {
     {"SEC-11", Severity::Warning, "altchunk", "", "", "The document imports content in another format"},
     {"SEC-14", Severity::Warning, "", "application/vnd.ms-excel.connections", "",
      "The workbook has connections to data elsewhere"},
-    {"SEC-30", Severity::Warning, "oleobject", "application/vnd.openxmlformats-officedocument.oleobject", "",
-     "The package embeds an object"},
-    {"SEC-30", Severity::Info, "package", "", "", "The package embeds another document"},
+    {"SEC-14", Severity::Warning, "querytable",
+     "application/vnd.openxmlformats-officedocument.spreadsheetml.querytable+xml", "",
+     "The workbook has a table of data from elsewhere"},
     {"SEC-64", Severity::Info, "comments", "", "", "The part holds comments"},
     {"SEC-64", Severity::Info, "threadedcomment", "", "", "The part holds comments"},
     {"SEC-64", Severity::Info, "people", "", "", "The part lists people"},
@@ -87,10 +101,9 @@ public:
         for (const PartView& part : subject.parts()) {
             if (part.isRelationships())
                 continue;
-            const std::string type = part.mediaType();
+            const std::string type = part.mediaType(), name = toLowerASCII(part.name);
             for (const Kind& kind : KINDS)
-                if ((!kind.contentType.empty() && startsWith(type, kind.contentType)) ||
-                    (!kind.name.empty() && endsWith(part.name, kind.name)))
+                if ((!kind.contentType.empty() && startsWith(type, kind.contentType)) || kind.hasName(name))
                     tell(kind, part, kind.severity);
             for (const CountedKind& kind : COUNTED_KINDS)
                 if (type == kind.contentType)
@@ -108,7 +121,7 @@ private:
     void byRelationship(const RelationshipView& entry) {
         const RelationshipType type(entry.type);
         for (const Kind& kind : KINDS)
-            if (kind.relationship == type.name)
+            if (!kind.relationship.empty() && kind.relationship == type.name)
                 tell(kind, *entry.part,
                      type.hasKnownBase ? kind.severity : std::min(kind.severity, Severity::Warning));
     }
@@ -128,7 +141,7 @@ private:
         std::string message(kind.message);
         if (kind.rule == "SEC-20" && isForbidden())
             message += ", which " + subject.format() + " doesn't allow";
-        if (kind.rule == "SEC-11" || kind.rule == "SEC-30")
+        if (kind.rule == "SEC-11")
             message += " of the type " + shown(part.contentType);
         return message;
     }

@@ -2,6 +2,9 @@
 
 #include "text/CaselessText.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 namespace opc::inspection {
 
 namespace {
@@ -13,13 +16,27 @@ constexpr std::size_t MOST = 512; // characters of a declaration that are kept
 void Prolog::begin() {
     state = State::Between;
     doctype = false;
+    next = tag = {1, 1};
     text.clear();
 }
 
 void Prolog::add(std::string_view piece) {
     for (std::size_t i = 0; i < piece.size() && state != State::Over; ++i)
-        if (piece[i] != '\0') // the other half of an ASCII character in UTF-16
+        if (piece[i] != '\0') { // the other half of an ASCII character in UTF-16
             add(piece[i]);
+            advance(static_cast<unsigned char>(piece[i]));
+        }
+}
+
+void Prolog::advance(unsigned char c) {
+    constexpr unsigned char BYTE_ORDER_MARK[] = {0xEF, 0xFE, 0xFF};
+    const bool isMark =
+        next.line == 1 && next.column == 1 &&
+        std::find(std::begin(BYTE_ORDER_MARK), std::end(BYTE_ORDER_MARK), c) != std::end(BYTE_ORDER_MARK);
+    if (c == '\n')
+        next = {next.line + 1, 1};
+    else if ((c & 0xC0U) != 0x80U && !isMark) // one byte of each character
+        ++next.column;
 }
 
 void Prolog::add(char c) {
@@ -27,6 +44,7 @@ void Prolog::add(char c) {
     case State::Between:
         if (c == '<') {
             state = State::Tag;
+            tag = next;
             text.clear();
         }
         break;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/model/XmlEvents.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -17,14 +19,17 @@ public:
 
     /// The declaration's first characters, up to a few hundred: entities stand there.
     const std::string& declaration() const { return text; }
+    model::XmlPlace place() const { return tag; } ///< where it begins
 
 private:
     enum class State { Between, Tag, Comment, Instruction, Doctype, Over };
 
     void add(char c);
+    void advance(unsigned char c);
 
     State state = State::Between;
     bool doctype = false;
+    model::XmlPlace next{1, 1}, tag{1, 1};
     std::string text; // of what is being read; of a comment or an instruction its last characters
 };
 
