@@ -25,7 +25,7 @@ struct KnownFormat {
 
 /// By the first bytes, letters in lower case.
 constexpr KnownFormat BY_BEGINNING[] = {
-    {"{\\rtf"sv, "rtf", "application/rtf", "RTF document"},
+    {R"({\rtf)"sv, "rtf", "application/rtf", "RTF document"},
     {"<!doctype html"sv, "html", "text/html", "HTML page"},
     {"<html"sv, "html", "text/html", "HTML page"},
     {"<?xml"sv, "xml", "application/xml", "XML document"},
