@@ -44,7 +44,7 @@ struct SignedPackage {
         R"(<Reference URI="#other"/></SignedInfo><SignatureValue/>)"
         R"(<Object Id="idPackageObject"><Manifest>)"
         R"(<Reference URI="/word/document.xml?ContentType=application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml">)"
-        R"(<DigestMethod Algorithm="http://www.w3.org/2001/04/xmlenc#sha256"/></Reference>)"
+        R"(<DigestMethod Algorithm="http://www.w3.org/2001/04/xmlenc#sha256"/><DigestValue>QV5HEDN2/xFKjAb7GAWuUJKgFsOBaEADzzhOSNddodk=</DigestValue></Reference>)"
         R"(<Reference URI="/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml"><Transforms>)"
         R"(<Transform Algorithm="http://schemas.openxmlformats.org/package/2006/RelationshipTransform"><p:RelationshipReference SourceId="rId1"/></Transform>)"
         R"(<Transform Algorithm="http://www.w3.org/TR/2001/REC-xml-c14n-20010315#WithComments"/></Transforms></Reference>)"
@@ -119,6 +119,8 @@ TEST(SignatureChecks, findWhatBreaksEachRuleAndNothingElse) {
         {"M6.9 SEC-71", "/word/document.xml?", "/word/other.xml?", "/Word/document.xml?"},
         {"M6.9 SEC-71", "/word/document.xml?", "http://a/word/document.xml?", nullptr},
         {"M6.10", "document.xml?ContentType=", "document.xml?contenttype=", nullptr},
+        {"M6.10", "document.main+xml\"", "document.main+xml&amp;ContentType=a/b\"", nullptr},
+        {"M6.10", "?ContentType=application/vnd.openxmlformats-officedocument", "?ContentType=a", nullptr},
         {"M6.11", "document.main+xml", "document.Main+xml", "document.main%2Bxml"},
         {"M6.11", "package.relationships+xml", "package.relationships", nullptr},
         {"M6.12", "20010315#WithComments", "20010315#Other", "20010315"},
@@ -151,6 +153,14 @@ TEST(SignatureChecks, findWhatBreaksEachRuleAndNothingElse) {
          "<Manifest xmlns:m=\"http://schemas.openxmlformats.org/markup-compatibility/2006\" "
          "m:Ignorable=\"\">",
          "<Manifest xmlns:m=\"http://schemas.openxmlformats.org/markup-compatibility/2006\">"},
+        {"M6.32", "<Object Id=\"idPackageObject\">",
+         "<Object xmlns:m=\"http://schemas.openxmlformats.org/markup-compatibility/2006\" m:Ignorable=\"\" "
+         "Id=\"idPackageObject\">",
+         nullptr},
+        {"M6.30", "QV5HEDN2/xFKjAb7GAWuUJKgFsOBaEADzzhOSNddodk=", "AAAA", nullptr},
+        {"M6.30", "QV5HEDN2/xFKjAb7GAWuUJKgFsOBaEADzzhOSNddodk=", "?", nullptr},
+        {"M6.3", "Target=\"1.xml\"", "Target=\"1.xml\" TargetMode=\"External\"", nullptr},
+        {"M6.7", "Id=\"idPackageObject\"", "Id=\"p\"", nullptr},
         {"M6.34", "c14n-20010315\"/><SignatureMethod", "c14n11\"/><SignatureMethod",
          "c14n-20010315#WithComments\"/><SignatureMethod"},
         {"M6.35", "</Manifest>",
@@ -203,6 +213,27 @@ TEST(SignatureChecks, countOrigins) {
     SignedPackage empty;
     empty.replace("digital-signature/signature", "digital-signature/other");
     EXPECT_EQ(broken(empty), "SEC-72 M6.3");
+}
+
+/// What holds for all documents of the package's own, told once, whatever else finds it.
+TEST(SignatureChecks, aFaultOfTwoConcernsIsToldOnce) {
+    const struct {
+        const char *rules, *text, *breaks;
+    } cases[] = {
+        {"", "", ""},
+        {"M1.17", "<Signature ", "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Signature "},
+        {"M1.18", "<Signature ", "<!DOCTYPE a><Signature "},
+        {"M1.20", "<SignedInfo>", "<SignedInfo><Other/>"},
+        {"M1.21", "<SignedInfo>", "<SignedInfo xml:base=\"a\">"},
+        {"SEC-72", "</Signature>", ""},
+        {"M6.3", "Target=\"1.xml\"", "Target=\"1.xml\" TargetMode=\"External\""},
+        {"SEC-33 SEC-72", "s/o.sigs", "s/p.sigs"}, // what was the origin is told, too
+    };
+    for (const auto& [rules, text, breaks] : cases) {
+        SignedPackage package;
+        package.replace(text, breaks);
+        EXPECT_EQ(brokenRules(package.make(), OPC | SECURITY), rules) << breaks;
+    }
 }
 
 /// A key says nothing about its owner; the certificate beside it must be its own.

@@ -117,9 +117,8 @@ constexpr Rule RULES[] = {
      "A program wrote the signature in a way of its own.", "", "Readers refuse the signature.",
      "Sign again."},
     {"M6.30", "Broken signature", Severity::Error, BOTH, "M6.29, M6.30",
-     "The digests and the value of a signature are those of what it covers. Only signatures in opcmodel's "
-     "own form are "
-     "verified here.",
+     "The digests and the value of a signature are those of what it covers. Of signatures in the "
+     "standard's form, only the digests of plain bytes are compared here.",
      "Something was changed after signing.", "", "opctool verify refuses the signature.",
      "Restore what was changed, or sign again."},
     {"M6.32", "Markup compatibility in a signature", Severity::Error, OPC, "M6.32",

@@ -4,9 +4,11 @@
 #include "checks/relationships/RelationshipKinds.hpp"
 #include "checks/relationships/TargetCheck.hpp"
 #include "checks/relationships/ValueRules.hpp"
+#include "checks/signatures/Signatures.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 
@@ -45,13 +47,24 @@ private:
     void checkPart() {
         if (isRelationshipsName(view.source))
             findings.add("M1.25", place, "A relationships part can't have relationships");
-        else if (view.source != "/" && view.sourcePart == nullptr)
+        else if (view.source != "/" && view.sourcePart == nullptr &&
+                 !(isLostOrigin() && findings.wants("SEC-72")))
             findings.add("SEC-34", place,
                          "There is no part " + view.source + " that the relationships belong to");
         const ArchiveItem& item = *view.part->items.front();
         if (item.kind != ItemKind::Piece && !hasStandardCase(item.name))
             findings.add("SEC-36", place,
                          "The item's name, " + item.name + ", has another letter case than _rels and .rels");
+    }
+
+    /// Whether the missing source is the origin of signatures: another rule tells what is lost with it.
+    bool isLostOrigin() const {
+        const RelationshipsView* const package = subject.relationshipsOf("/");
+        return package != nullptr &&
+               std::any_of(
+                   package->entries.begin(), package->entries.end(), [this](const RelationshipView& entry) {
+                       return leadsToOrigin(entry) && keyOfName(entry.resolved) == keyOfName(view.source);
+                   });
     }
 
     static bool hasStandardCase(std::string_view name) {

@@ -2,6 +2,7 @@
 
 #include "checks/relationships/RelationshipKinds.hpp"
 #include "checks/relationships/ValueRules.hpp"
+#include "checks/signatures/Signatures.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
@@ -31,6 +32,8 @@ bool isToldElsewhere(const Subject& subject, const RelationshipsView& view, cons
         return findings.wants("M4.1");
     if (isThumbnail(entry))
         return findings.wants("M5.1");
+    if (leadsToOrigin(entry) && view.source == "/")
+        return findings.wants("SEC-72");
     return view.source == "/" && entry.lastSegment() == "officeDocument" && findings.wants("P1-4");
 }
 

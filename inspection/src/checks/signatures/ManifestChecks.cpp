@@ -1,3 +1,4 @@
+#include "checks/signatures/ContentDigests.hpp"
 #include "checks/signatures/SignatureChecks.hpp"
 
 #include <unordered_set>
@@ -46,12 +47,19 @@ private:
             checkRelationships(reference, *part);
         else if (isXML(*part) && reference.transforms.empty())
             ++rawXML;
+        if (reference.transforms.empty() && signature.form == SignatureForm::Standard &&
+            findings.wants("M6.30") && !digests.isOf(*part, reference))
+            add("M6.30", reference, "\"" + part->name + "\" has changed since it was signed");
     }
 
     void checkContentType(const SignatureReference& reference, const PartView& part) {
         const auto stated = statedContentType(reference);
         if (!stated || stated->empty())
             add("M6.10", reference, "The reference to \"" + part.name + "\" doesn't state the content type");
+        else if (stated->find('/') == std::string::npos || stated->find('&') != std::string::npos)
+            add("M6.10", reference,
+                "The reference to \"" + part.name + "\" states \"" + *stated +
+                    "\", which is no content type");
         else if (*stated != part.contentType && !part.contentType.empty())
             findings.add("M6.11", placeIn(part),
                          "The part was signed as \"" + *stated + "\", and now has the content type \"" +
@@ -86,6 +94,7 @@ private:
     RelationshipIds& ids;
     const FoundSignature& signature;
     Findings& findings;
+    ContentDigests digests{subject};
     std::size_t rawXML = 0;
     std::unordered_set<const PartView*> transformed;
 };

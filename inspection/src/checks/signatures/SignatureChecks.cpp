@@ -23,7 +23,7 @@ void checkSignatures(const Subject& subject, Findings& findings) {
     checkSignatureParts(subject, signatures, findings);
     RelationshipIds ids(subject);
     for (const FoundSignature& signature : signatures) {
-        if (!signature.document.failure.empty() || !signature.document.isSignature)
+        if (!signature.document.state.failure.empty() || !signature.document.isSignature)
             continue;
         checkSignatureStructure(signature, findings);
         checkManifest(subject, ids, signature, findings);

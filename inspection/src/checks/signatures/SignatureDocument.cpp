@@ -1,9 +1,12 @@
 #include "checks/signatures/SignatureDocument.hpp"
 
-#include <opc/core/Exception.hpp>
+#include "subject/DocumentReading.hpp"
+
 #include <opc/core/Text.hpp>
 #include <opc/model/XmlEvents.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace opc::inspection {
@@ -38,6 +41,7 @@ enum class Place {
     Manifest,
     Reference,
     Transforms,
+    DigestValue,
     Transform,
     Properties,
     Property,
@@ -62,10 +66,11 @@ public:
         const Place parent = places.empty() ? Place::Other : places.back();
         here = {behind.line, behind.column};
         noteId(element);
-        if (isInPackageObject)
-            noteCompatibility(element);
+        noteFaults(element, parent);
         places.push_back(enter(element, parent));
         isInPackageObject = isInPackageObject || places.back() == Place::PackageObject;
+        if (isInPackageObject)
+            noteCompatibility(element);
         text = textOf(places.back());
     }
 
@@ -85,6 +90,41 @@ private:
         for (const std::u16string_view name : {u"Id", u"ID", u"id"})
             if (const auto id = element.valueOf({}, name); !id.empty())
                 ++document.ids[narrow(id)];
+    }
+
+    /// Below SignedInfo the schema leaves nothing open but the inside of its algorithms; objects may hold anything.
+    void noteFaults(const XmlElement& element, Place parent) {
+        constexpr std::u16string_view IN_SIGNED_INFO[] = {u"CanonicalizationMethod", u"SignatureMethod",
+                                                          u"Reference"};
+        constexpr std::u16string_view IN_REFERENCE[] = {u"Transforms", u"DigestMethod", u"DigestValue"};
+        constexpr std::u16string_view IN_SIGNATURE[] = {u"SignedInfo", u"SignatureValue", u"KeyInfo",
+                                                        u"Object"};
+        const bool isKnown = parent == Place::SignedInfo  ? has(IN_SIGNED_INFO, element)
+                             : parent == Place::Reference ? has(IN_REFERENCE, element)
+                             : parent == Place::Signature ? has(IN_SIGNATURE, element)
+                                                          : true;
+        if (!isKnown)
+            noteFault(DocumentFault::Kind::Element, narrow(element.localName()));
+        if (element.namespaceURI() != XML_SIGNATURE)
+            return;
+        for (std::size_t i = 0; i < element.attributeCount(); ++i) {
+            const model::XmlAttribute attribute = element.attribute(i);
+            if (attribute.namespaceURI == XML_NAMESPACE)
+                noteFault(DocumentFault::Kind::XmlAttribute, "xml:" + narrow(attribute.localName));
+            else if (attribute.namespaceURI == SCHEMA_INSTANCE)
+                noteFault(DocumentFault::Kind::SchemaInstanceAttribute, "xsi:" + narrow(attribute.localName));
+        }
+    }
+
+    template <std::size_t N>
+    static bool has(const std::u16string_view (&names)[N], const XmlElement& element) {
+        return element.namespaceURI() == XML_SIGNATURE &&
+               std::find(std::begin(names), std::end(names), element.localName()) != std::end(names);
+    }
+
+    void noteFault(DocumentFault::Kind kind, std::string name) {
+        if (document.state.faults.size() < DocumentState::MOST_FAULTS)
+            document.state.faults.push_back({kind, std::move(name), here.line, here.column});
     }
 
     void noteCompatibility(const XmlElement& element) {
@@ -180,14 +220,16 @@ private:
     Place enterReference(const XmlElement& element, std::vector<SignatureReference>& list) {
         references = &list;
         list.push_back(
-            {narrow(element.valueOf({}, u"URI")), narrow(element.valueOf({}, u"Type")), {}, {}, here});
+            {narrow(element.valueOf({}, u"URI")), narrow(element.valueOf({}, u"Type")), {}, {}, {}, here});
         return Place::Reference;
     }
 
     Place enterInReference(const XmlElement& element, std::u16string_view name) {
         if (name == u"DigestMethod")
             references->back().digestMethod = narrow(element.valueOf({}, u"Algorithm"));
-        return name == u"Transforms" ? Place::Transforms : Place::Other;
+        return name == u"Transforms"    ? Place::Transforms
+               : name == u"DigestValue" ? Place::DigestValue
+                                        : Place::Other;
     }
 
     Place enterTransform(const XmlElement& element) {
@@ -245,6 +287,8 @@ private:
 
     std::string* textOf(Place place) {
         switch (place) {
+        case Place::DigestValue:
+            return &references->back().digestValue;
         case Place::TimeFormat:
             return &document.properties.back().timeFormat;
         case Place::TimeValue:
@@ -293,14 +337,7 @@ std::vector<const SignatureObject*> SignatureDocument::packageObjects() const {
 SignatureDocument readSignature(const Subject& subject, const PartView& part) {
     SignatureDocument document;
     SignatureReader reader(document);
-    try {
-        const auto stream = subject.open(part);
-        model::readXmlDocument(*stream, reader);
-    } catch (const Exception& e) {
-        document.failure = e.what();
-        if (*e.details() != '\0')
-            document.failure += std::string("; ") + e.details();
-    }
+    readDocument(subject.archive(), part.items, document.state, reader);
     return document;
 }
 

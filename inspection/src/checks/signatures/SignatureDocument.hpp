@@ -24,6 +24,7 @@ struct SignatureTransform {
 
 struct SignatureReference {
     std::string uri, type, digestMethod;
+    std::string digestValue; ///< Base64
     std::vector<SignatureTransform> transforms;
     SignaturePlace place;
 };
@@ -46,7 +47,7 @@ struct SignatureProperty {
 /// What a signature part says, as far as it could be read. XML Signature allows much more than packages do; what isn't
 /// looked at isn't kept. Texts are cut off where they are longer than any good one.
 struct SignatureDocument {
-    std::string failure; ///< why it couldn't be read to its end; empty if it could
+    DocumentState state; ///< how far it could be read, and what can't stand in it
     bool isSignature = false;
     std::string id; ///< of the root
     std::string canonicalizationMethod, signatureMethod;

@@ -1,3 +1,4 @@
+#include "checks/DocumentChecks.hpp"
 #include "checks/signatures/SignatureChecks.hpp"
 
 #include <set>
@@ -63,14 +64,16 @@ private:
 
     void checkSignature(const FoundSignature& signature) {
         const PartView& part = *signature.part;
-        if (!signature.document.failure.empty() && hasDocumentType(part))
-            findings.add("M1.18", placeIn(part), "The signature has a document type declaration");
-        else if (!signature.document.failure.empty())
-            findings.add("SEC-72", placeIn(part),
-                         "The signature can't be read: " + signature.document.failure);
-        else if (!signature.document.isSignature)
+        const DocumentState& state = signature.document.state;
+        const bool isReason = state.hasDocumentType || isWrongEncoding(state) || state.isBeyondLimit;
+        if (state.failure.empty() ? signature.document.isSignature : isReason)
+            checkDocument(state, placeIn(part), "http://www.w3.org/2000/09/xmldsig#", "Signature", findings);
+        if (!state.failure.empty() && !isReason)
+            findings.add("SEC-72", placeAt(placeIn(part), state.failureLine, state.failureColumn),
+                         "The signature can't be read: " + state.failure);
+        else if (state.failure.empty() && !signature.document.isSignature)
             findings.add("SEC-72", placeIn(part), "The document isn't an XML signature");
-        else
+        else if (state.failure.empty())
             tellForm(signature);
         if (!isSignatureType(part.mediaType()) && !part.contentType.empty())
             findings.add("M6.3", placeIn(part),
@@ -78,16 +81,13 @@ private:
         reached.insert(&part);
     }
 
-    bool hasDocumentType(const PartView& part) const {
-        constexpr std::size_t HEAD = 4096;
-        return subject.read(part, HEAD).find("<!DOCTYPE") != std::string::npos;
-    }
-
     void tellForm(const FoundSignature& signature) {
         findings.add("SEC-73", placeIn(*signature.part),
                      signature.form == SignatureForm::Own
                          ? "The signature is in a form that only opcmodel reads"
-                         : "The signature is in the standard's form, whose digests and value aren't checked");
+                         : "The signature is in the standard's form, whose value isn't checked, nor are "
+                           "digests behind "
+                           "transforms");
     }
 
     void checkRelationships(const RelationshipsView& source) {
@@ -97,7 +97,9 @@ private:
             if (leadsToOrigin(relationship) && source.source != "/")
                 findings.add("P1-3", placeIn(source, relationship),
                              "A part has a relationship to a signature origin");
-            if (isOrigin && relationship.isExternal && leadsToSignature(relationship))
+            const bool isLost = isOrigin && relationship.isExternal && leadsToSignature(relationship);
+            hasLostSignature = hasLostSignature || isLost;
+            if (isLost)
                 findings.add("M6.3", placeIn(source, relationship),
                              "The relationship to a signature leads out of the package");
             if (leadsToCertificate(relationship))
@@ -121,7 +123,7 @@ private:
             const std::string type = part.mediaType();
             if (reached.count(&part) != 0)
                 continue;
-            if (isSignatureType(type) && !hasLostOrigin)
+            if (isSignatureType(type) && !hasLostOrigin && !hasLostSignature)
                 findings.add("M6.3", placeIn(part),
                              "No relationship of a signature origin leads to the signature");
             else if (isCertificateType(type))
@@ -134,6 +136,7 @@ private:
     Findings& findings;
     std::set<const PartView*> origins;
     std::set<const PartView*> reached; ///< signatures and certificates
+    bool hasLostSignature = false;     ///< a relationship leads out of the package
     bool hasLostOrigin = false;        ///< a relationship leads to none: what hangs on it is lost too
 };
 
