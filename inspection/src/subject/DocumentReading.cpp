@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 namespace opc::inspection {
 
@@ -87,10 +88,8 @@ bool beginsAsUTF16(std::string_view head) {
     using namespace std::string_view_literals;
     if (head.size() > 3 && head[2] == 0 && head[3] == 0) // UTF-32
         return false;
-    for (const std::string_view begin : {"\xFF\xFE"sv, "\xFE\xFF"sv, "<\0"sv, "\0<"sv})
-        if (head.substr(0, 2) == begin)
-            return true;
-    return false;
+    constexpr std::string_view BEGINNINGS[] = {"\xFF\xFE"sv, "\xFE\xFF"sv, "<\0"sv, "\0<"sv};
+    return std::find(std::begin(BEGINNINGS), std::end(BEGINNINGS), head.substr(0, 2)) != std::end(BEGINNINGS);
 }
 
 /// What stands in front of the root, in ASCII.
