@@ -41,7 +41,7 @@ RuleList rules() {
 
 const Rule* findRule(std::string_view id) {
     const RuleList all = rules();
-    const auto found =
+    const auto* const found =
         std::find_if(all.begin(), all.end(), [id](const Rule* rule) { return isSame(rule->id, id); });
     return found == all.end() ? nullptr : *found;
 }
