@@ -1,35 +1,17 @@
 #include "module/XercesModule.hpp"
 
+#include "ModuleLoading.hpp"
+
 #include <opc/model/Errors.hpp>
-
-#include <dlfcn.h>
-
-#include <string>
 
 namespace opc::model {
 
 namespace {
 
-[[noreturn]] void fail() {
-    const char* const cause = dlerror();
-    throw XmlParserNotLoaded(std::string("The XML parser can't be loaded: ") +
-                             (cause ? cause : "unknown cause"));
-}
-
-/// It stays loaded until the process ends, as Xerces stays initialised.
-const XercesModule& load() {
-    void* const module = dlopen(OPCMODEL_XERCES_MODULE, RTLD_LAZY | RTLD_LOCAL);
-    if (module == nullptr)
-        fail();
-    const auto* const functions = static_cast<const XercesModule*>(dlsym(module, "opcmodelXerces"));
-    if (functions == nullptr)
-        fail();
-    return *functions;
-}
-
 /// @throws XmlParserNotLoaded  the module isn't there. A later call looks for it again
 const XercesModule& module() {
-    static const XercesModule& loaded = load();
+    static const auto& loaded = bedrock::loadModule<XercesModule, XmlParserNotLoaded>(
+        OPCMODEL_XERCES_MODULE, "opcmodelXerces", "The XML parser can't be loaded: ");
     return loaded;
 }
 

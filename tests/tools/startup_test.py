@@ -1,11 +1,16 @@
-"""What opctool loads: the XML parser only for documents that aren't in the usual form."""
+"""What opctool loads: the XML parser for documents that aren't in the usual form, OpenSSL for signatures and keys."""
 import unittest
 
 from opctool_case import OpctoolCase
 
-USUAL_COMMANDS = ('--version', '--help', 'keygen b',
-                  *(f'{command} {package}' for package in ('p.zip', 'letter.docx')
-                    for command in ('info', 'ls', 'rels --all', 'props', 'verify --public a.pub', 'coverage')))
+
+def on_packages(*commands):
+    return [f'{command} {package}' for package in ('p.zip', 'letter.docx') for command in commands]
+
+
+USUAL_COMMANDS = ['--version', '--help', 'check letter.docx',
+                  *on_packages('info', 'ls', 'rels --all', 'props', 'coverage')]
+CRYPTO_COMMANDS = ['keygen b', 'verify --public a.pub p.zip', 'check p.zip']
 
 
 class StartUp(OpctoolCase):
@@ -17,21 +22,29 @@ class StartUp(OpctoolCase):
                 'sign p.zip --key a.key --public a.pub',
                 'new odd.zip', 'relate odd.zip / urn:example:a "http://user@[::1]/" --external')
 
-    def test_usual_packages_load_no_parser(self):
-        for command in USUAL_COMMANDS:
-            loaded = self.shell(f"LD_DEBUG=files '{self.tool}' {command}")
-            self.assertIn('libz.so', loaded.errors, command)
-            self.assertNotIn('xerces', loaded.errors, command)
+    def test_a_library_is_loaded_by_what_needs_it(self):
+        for commands, present, absent in ((USUAL_COMMANDS, 'libz.so', ('xerces', 'crypto')),
+                                          (CRYPTO_COMMANDS, 'libcrypto.so', ('xerces',))):
+            for command in commands:
+                loaded = self.shell(f"LD_DEBUG=files '{self.tool}' {command}").errors
+                self.assertIn(present, loaded, command)
+                self.assertEqual([name for name in absent if name in loaded], [], command)
 
-    def test_a_missing_parser_is_told(self):
-        self.do('ls odd.zip')
+    def test_a_missing_library_is_told(self):
         version = self.do('--version').split()[-1]
-        self.write(f'libopcmodel_xerces.so.{version}', '')
         without = 'LD_LIBRARY_PATH=.:$LD_LIBRARY_PATH '
-        self.assertEqual(self.shell(f"{without} '{self.tool}' ls letter.docx").status, 0)
-        outcome = self.shell(f"{without} '{self.tool}' ls odd.zip")
-        self.assertEqual(outcome.status, 3)
-        self.assertIn("The XML parser can't be loaded: ", outcome.errors)
+        for library, needing, message in (
+                ('xerces', ['ls odd.zip'], "The XML parser can't be loaded: "),
+                ('openssl', ['keygen c', 'sign letter.docx --key a.key --public a.pub', 'verify p.zip --public a.pub',
+                             'verify p.zip --trust a.pub', 'check p.zip'], "OpenSSL can't be loaded: ")):
+            module = f'libopcmodel_{library}.so.{version}'
+            self.write(module, '')
+            self.assertEqual(self.shell(f"{without} '{self.tool}' ls letter.docx").status, 0, library)
+            for command in needing:
+                outcome = self.shell(f"{without} '{self.tool}' {command}")
+                self.assertEqual(outcome.status, 3, command)
+                self.assertIn(message, outcome.errors, command)
+            (self.folder / module).unlink()
 
 
 if __name__ == '__main__':

@@ -1,39 +1,12 @@
 #include <bedrock/certificates/TrustStore.hpp>
 
-#include "CertificateAccess.hpp"
+#include "CertificateFile.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
-
-#include <fstream>
-#include <sstream>
 
 namespace bedrock::certificates {
 
 namespace {
-
-std::vector<X509Certificate> readFile(const std::filesystem::path& file) {
-    const std::string failure = "The certificates of " + file.string() + " can't be read.";
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream content;
-    content << stream.rdbuf(); // sets the fail bit for a folder, an error and an empty file; throws nothing
-    if (!stream || !content)
-        throw CertificateException(failure);
-    const std::string text = content.str();
-    const std::vector<unsigned char> bytes(text.begin(), text.end());
-
-    const openssl::ErrorScope scope;
-    std::vector<X509Certificate> found;
-    if (auto single = openssl::fromDer<openssl::X509Ptr, d2i_X509>(bytes.data(), bytes.size())) {
-        found.push_back(detail::CertificateAccess::make(std::move(single)));
-        return found;
-    }
-    const openssl::BioPtr source = openssl::readingBio(bytes);
-    while (auto next = detail::readPemCertificate(*source, PEM_read_bio_X509_AUX))
-        found.push_back(detail::CertificateAccess::make(std::move(next)));
-    if (found.empty())
-        openssl::fail<CertificateException>(failure);
-    return found;
-}
 
 bool isFile(const std::filesystem::directory_entry& entry, std::error_code& error) {
     const bool answer = entry.is_regular_file(error);
@@ -45,12 +18,13 @@ bool isFile(const std::filesystem::directory_entry& entry, std::error_code& erro
 } // namespace
 
 void TrustStore::addCertificate(const X509Certificate& certificate) {
-    detail::CertificateAccess::get(certificate); // refuses an empty one
+    if (certificate.empty())
+        throw X509CertificateException("The certificate is empty.");
     certificates.push_back(certificate);
 }
 
 void TrustStore::addFile(const std::filesystem::path& file) {
-    const std::vector<X509Certificate> found = readFile(file);
+    const std::vector<X509Certificate> found = detail::readCertificates(file);
     certificates.insert(certificates.end(), found.begin(), found.end());
 }
 
@@ -64,7 +38,7 @@ void TrustStore::addFolder(const std::filesystem::path& folder) {
             break;
         if (!isRead)
             continue;
-        const std::vector<X509Certificate> found = readFile(entry->path());
+        const std::vector<X509Certificate> found = detail::readCertificates(entry->path());
         all.insert(all.end(), found.begin(), found.end());
     }
     if (error)

@@ -1,11 +1,10 @@
 #include <bedrock/crypto/utils/Cleanse.hpp>
 
-#include <openssl/crypto.h>
-
 namespace bedrock::crypto::utils {
 
 void cleanse(std::vector<unsigned char>& bytes) noexcept {
-    OPENSSL_cleanse(bytes.data(), bytes.size());
+    for (volatile unsigned char& byte : bytes) // a compiler keeps each write to a volatile object
+        byte = 0;
 }
 
 } // namespace bedrock::crypto::utils

@@ -2,6 +2,7 @@
 // each, also across shared libraries.
 
 #include <bedrock/crypto/interfaces/ICryptoProvider.hpp>
+#include <bedrock/crypto/utils/CryptoNotLoaded.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
 namespace bedrock::crypto {
@@ -25,6 +26,7 @@ Exception::~Exception() = default;
 InvalidKey::~InvalidKey() = default;
 UnusableKey::~UnusableKey() = default;
 CouldNotComputeDigest::~CouldNotComputeDigest() = default;
+CryptoNotLoaded::~CryptoNotLoaded() = default;
 
 } // namespace utils
 

@@ -1,0 +1,136 @@
+#include "ModuleLoading.hpp"
+#include "OpenSslModule.hpp"
+
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include <bedrock/crypto/utils/CryptoNotLoaded.hpp>
+
+namespace bedrock {
+
+namespace {
+
+/// @throws CryptoNotLoaded  the module isn't there. A later call looks for it again
+const OpenSslModule& module() {
+    static const auto& loaded = loadModule<OpenSslModule, crypto::utils::CryptoNotLoaded>(
+        OPCMODEL_OPENSSL_MODULE, "opcmodelOpenSsl", "OpenSSL can't be loaded: ");
+    return loaded;
+}
+
+} // namespace
+
+namespace crypto {
+
+RsaKeyPair generateRsaKeyPair(std::size_t bits) {
+    return module().generateRsaKeyPair(bits);
+}
+
+namespace cryptopp {
+
+std::shared_ptr<DigestEngine> CryptoProvider::createDigestEngine(DigestAlgorithm algorithm) {
+    return module().provider().createDigestEngine(algorithm);
+}
+
+std::shared_ptr<RSAPrivateKey> CryptoProvider::createRSAPrivateKey(std::size_t bits, const Bytes& encoded) {
+    return module().provider().createRSAPrivateKey(bits, encoded);
+}
+
+std::shared_ptr<RSAPrivateKey> CryptoProvider::createRSAPrivateKey(std::size_t bits, const Bytes& modulus,
+                                                                   const Bytes& privateExponent,
+                                                                   const Bytes& publicExponent) {
+    return module().provider().createRSAPrivateKey(bits, modulus, privateExponent, publicExponent);
+}
+
+std::shared_ptr<RSAPublicKey> CryptoProvider::createRSAPublicKey(std::size_t bits, const Bytes& encoded) {
+    return module().provider().createRSAPublicKey(bits, encoded);
+}
+
+std::shared_ptr<RSAPublicKey> CryptoProvider::createRSAPublicKey(std::size_t bits, const Bytes& modulus,
+                                                                 const Bytes& exponent) {
+    return module().provider().createRSAPublicKey(bits, modulus, exponent);
+}
+
+std::shared_ptr<RSASigner> CryptoProvider::createRSASigner(std::size_t bits,
+                                                           const std::shared_ptr<RSAPrivateKey>& key,
+                                                           RSAPaddingMode padding,
+                                                           const std::shared_ptr<CryptoPRNG>& generator) {
+    return module().provider().createRSASigner(bits, key, padding, generator);
+}
+
+std::shared_ptr<RSAVerifier> CryptoProvider::createRSAVerifier(std::size_t bits,
+                                                               const std::shared_ptr<RSAPublicKey>& key,
+                                                               RSAPaddingMode padding,
+                                                               const std::shared_ptr<CryptoPRNG>& generator) {
+    return module().provider().createRSAVerifier(bits, key, padding, generator);
+}
+
+std::shared_ptr<CryptoPRNG> CryptoProvider::getDefaultCryptoPRNG() const {
+    return module().provider().getDefaultCryptoPRNG();
+}
+
+} // namespace cryptopp
+
+} // namespace crypto
+
+namespace certificates {
+
+using Bytes = std::vector<unsigned char>;
+
+X509Certificate::X509Certificate(const Bytes& bytes) : X509Certificate(module().certificate(bytes)) {
+}
+
+std::size_t X509Certificate::getKeySize() const {
+    return (this->*module().keySize)();
+}
+
+Bytes X509Certificate::getModulus() const {
+    return (this->*module().modulus)();
+}
+
+Bytes X509Certificate::getPublicExponent() const {
+    return (this->*module().publicExponent)();
+}
+
+bool X509Certificate::isValidForDigitalSigning() const {
+    return (this->*module().isValidForDigitalSigning)();
+}
+
+std::string X509Certificate::getAsString() const {
+    return (this->*module().asString)();
+}
+
+Bytes X509Certificate::getAsByteArray() const {
+    return (this->*module().asByteArray)();
+}
+
+std::string X509Certificate::getSHA256Fingerprint() const {
+    return (this->*module().fingerprint)();
+}
+
+std::string X509Certificate::getSubject() const {
+    return (this->*module().subject)();
+}
+
+CertificateValidationResults X509Certificate::validateCertificate(const X509CertificateChain& chain,
+                                                                  const CertificateValidationOptions& options,
+                                                                  const TrustStore& trustStore) const {
+    return (this->*module().validate)(chain, options, trustStore);
+}
+
+PKCS12Certificate::PKCS12Certificate(const Bytes& bytes, const std::string& password)
+    : PKCS12Certificate(module().bundle(bytes, password)) {
+}
+
+Bytes PKCS12Certificate::getPrivateExponent() const {
+    return (this->*module().privateExponent)();
+}
+
+void CertificateValidationOptions::addRevocationList(const Bytes& bytes) {
+    (this->*module().addRevocationList)(bytes);
+}
+
+std::vector<X509Certificate> detail::readCertificates(const std::filesystem::path& file) {
+    return module().fileOfCertificates(file);
+}
+
+} // namespace certificates
+
+} // namespace bedrock

@@ -1,0 +1,46 @@
+#include "OpenSslModule.hpp"
+
+#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+
+namespace bedrock {
+
+namespace {
+
+crypto::interfaces::ICryptoProvider& provider() {
+    static crypto::cryptopp::CryptoProvider only;
+    return only;
+}
+
+OpenSslModule::X509 readCertificate(const OpenSslModule::Bytes& bytes) {
+    return OpenSslModule::X509(bytes);
+}
+
+OpenSslModule::Pkcs12 readBundle(const OpenSslModule::Bytes& bytes, const std::string& password) {
+    return OpenSslModule::Pkcs12(bytes, password);
+}
+
+} // namespace
+
+} // namespace bedrock
+
+/// What the module exports.
+extern "C" __attribute__((visibility("default"))) const bedrock::OpenSslModule opcmodelOpenSsl;
+
+const bedrock::OpenSslModule opcmodelOpenSsl = {
+    &bedrock::provider,
+    &bedrock::crypto::generateRsaKeyPair,
+    &bedrock::readCertificate,
+    &bedrock::OpenSslModule::X509::getKeySize,
+    &bedrock::OpenSslModule::X509::getModulus,
+    &bedrock::OpenSslModule::X509::getPublicExponent,
+    &bedrock::OpenSslModule::X509::isValidForDigitalSigning,
+    &bedrock::OpenSslModule::X509::getAsString,
+    &bedrock::OpenSslModule::X509::getAsByteArray,
+    &bedrock::OpenSslModule::X509::getSHA256Fingerprint,
+    &bedrock::OpenSslModule::X509::getSubject,
+    &bedrock::OpenSslModule::X509::validateCertificate,
+    &bedrock::readBundle,
+    &bedrock::OpenSslModule::Pkcs12::getPrivateExponent,
+    &bedrock::OpenSslModule::Options::addRevocationList,
+    &bedrock::certificates::detail::readCertificates,
+};
