@@ -226,7 +226,7 @@ Scanned EventScanner::takeEndTag() {
     if (openElements.empty())
         return Scanned::NotPlain;
     const std::string_view name = openElements.back().name->text;
-    const std::size_t left = static_cast<std::size_t>(window.end - p);
+    const auto left = static_cast<std::size_t>(window.end - p);
     if (std::string_view(p, left).substr(0, name.size()) != name)
         return left < name.size() ? Scanned::Incomplete : Scanned::NotPlain;
     p += name.size();

@@ -72,7 +72,9 @@ void external(FileRun& run, const Arguments& arguments) {
     Externals externals = opc::inspection::listExternals(openArchive(run), run.options().reading.zip);
     for (const auto& [part, reason] : externals.unread) {
         run.addHidden({part, 0, reason, "its further relationships aren't listed", ""});
-        run.remark(part + ": its further relationships aren't listed: " + reason);
+        std::string remark = part;
+        remark.append(": its further relationships aren't listed: ").append(reason);
+        run.remark(remark);
     }
     std::vector<External>& rows = externals.found;
     rows.erase(std::remove_if(rows.begin(), rows.end(),

@@ -59,7 +59,7 @@ std::optional<FoundFile> FileNames::next() {
         for (std::string& extension : extensions)
             extension.erase(0, extension.find_first_not_of('.'));
         walk = std::make_unique<FolderWalk>(selection.folders[folders++],
-                                            extensions.empty() ? knownExtensions() : std::move(extensions),
+                                            extensions.empty() ? knownExtensions() : extensions,
                                             selection.allFiles);
     }
     walk.reset();

@@ -143,7 +143,8 @@ private:
 void checkImage(const Subject& subject, const PartView& part, const Place& place, Findings& findings) {
     constexpr std::size_t HEAD = 1024;
     findings.add("SEC-61", place, "The package has the thumbnail " + part.name);
-    const ContentKind promised = kindOfType(part.mediaType()), kind = kindOf(subject.read(part, HEAD));
+    const ContentKind promised = kindOfType(part.mediaType());
+    const ContentKind kind = kindOf(subject.read(part, HEAD));
     const bool isOther = promised != ContentKind::Unknown && kind != ContentKind::Unknown && kind != promised;
     if (isOther && !findings.wants("SEC-41"))
         findings.add("M5.1", isImage(kind) ? Severity::Info : Severity::Warning, place,

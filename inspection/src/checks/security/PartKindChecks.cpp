@@ -101,7 +101,8 @@ public:
         for (const PartView& part : subject.parts()) {
             if (part.isRelationships())
                 continue;
-            const std::string type = part.mediaType(), name = toLowerASCII(part.name);
+            const std::string type = part.mediaType();
+            const std::string name = toLowerASCII(part.name);
             for (const Kind& kind : KINDS)
                 if ((!kind.contentType.empty() && startsWith(type, kind.contentType)) || kind.hasName(name))
                     tell(kind, part, kind.severity);
