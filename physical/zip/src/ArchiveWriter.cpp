@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 namespace opc::physical::zip {
@@ -63,7 +64,7 @@ void ArchiveWriter::finish() {
         writeSecond();
     }
     if (second)
-        added.insert(added.begin() + (added.empty() ? 0 : 1), std::exchange(second, nullptr));
+        added.insert(added.empty() ? added.end() : std::next(added.begin()), std::exchange(second, nullptr));
     for (const ZipContent* content : added)
         write(*content, nullptr);
     finishDirectory();

@@ -34,7 +34,7 @@ private:
 
     const Tell tell;
     std::vector<Field> open;
-    Field deep; // the innermost of those that are nested too deep: their codes are told one by one
+    Field deep{}; // the innermost of those that are nested too deep: their codes are told one by one
     std::size_t deeper = 0; // how many these are
 };
 
