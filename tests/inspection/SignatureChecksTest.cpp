@@ -178,6 +178,10 @@ TEST(SignatureChecks, findWhatBreaksEachRuleAndNothingElse) {
         {"SEC-72", "xmldsig#\" xmlns:p", "other#\" xmlns:p", nullptr},
         {"SEC-74", "xmldsig-more#rsa-sha256", "xmldsig#rsa-sha1", "xmldsig-more#ecdsa-sha384"},
         {"SEC-74", "xmlenc#sha256", "xmldsig#sha1", "xmlenc#sha512"},
+        {"P1-3 P1-3", "<Relationship Id=\"rC\"",
+         "<Relationship Id=\"r\" Type=\"http://schemas.openxmlformats.org/package/2006/relationships/"
+         "digital-signature/origin\" Target=\"o.sigs\"/><Relationship Id=\"rC\"",
+         nullptr},
         {"P1-3", "<Relationship Id=\"rC\"",
          "<Relationship Id=\"r\" Type=\"urn:a\" Target=\"../word/document.xml\"/><Relationship Id=\"rC\"",
          nullptr},

@@ -1,5 +1,6 @@
 #include "archive/DirectoryEntries.hpp"
 
+#include "archive/HeaderFields.hpp"
 #include "zip/src/ArchiveDirectory.hpp"
 #include "zip/src/ExtraFields.hpp"
 #include "zip/src/NameText.hpp"
@@ -81,12 +82,7 @@ bool EntryReader::readEntry() {
     item.comment.assign(text + header.name.size() + header.extraFields.size(), read16(record + 32));
     item.name = decodeName(header.name);
     item.versionMadeBy = read16(record + 4);
-    header.versionNeeded = read16(record + 6);
-    header.flags = read16(record + 8);
-    header.method = read16(record + 10);
-    header.time = read16(record + 12);
-    header.date = read16(record + 14);
-    header.checksum = read32(record + 16);
+    readFields(record + 6, header);
     item.externalAttributes = read32(record + 38);
     if (const unsigned disk = read16(record + 34);
         disk != 0 && disk != 0xFFFF) // that one is in a ZIP64 field

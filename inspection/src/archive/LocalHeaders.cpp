@@ -1,5 +1,6 @@
 #include "archive/LocalHeaders.hpp"
 
+#include "archive/HeaderFields.hpp"
 #include "zip/src/ExtraFields.hpp"
 #include "zip/src/LocalHeader.hpp"
 #include "zip/src/NameText.hpp"
@@ -130,12 +131,7 @@ std::optional<LocalHeader> readLocalHeader(RecordBytes& bytes, std::uint64_t off
         return std::nullopt;
     LocalHeader result;
     ItemHeader& header = result.header;
-    header.versionNeeded = read16(record + 4);
-    header.flags = read16(record + 6);
-    header.method = read16(record + 8);
-    header.time = read16(record + 10);
-    header.date = read16(record + 12);
-    header.checksum = read32(record + 14);
+    readFields(record + 4, header);
     header.compressedSize = read32(record + 18);
     header.size = read32(record + 22);
     const char* const text = reinterpret_cast<const char*>(record) + LOCAL_HEADER_SIZE;
