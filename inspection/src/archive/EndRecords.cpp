@@ -1,5 +1,6 @@
 #include "archive/EndRecords.hpp"
 
+#include "zip/src/EndRecordSearch.hpp"
 #include "zip/src/Records.hpp"
 
 #include <algorithm>
@@ -42,9 +43,9 @@ std::vector<EndRecord> findRecords(RecordBytes& bytes) {
     std::vector<EndRecord> records;
     if (!tail || size < DIRECTORY_END_SIZE)
         return records;
-    for (std::size_t i = size - DIRECTORY_END_SIZE + 1; i-- > 0;)
-        if (tail[i] == 'P' && read32(tail + i) == DIRECTORY_END)
-            records.push_back(parse(tail + i, start + i));
+    const unsigned char* record = tail + (size - DIRECTORY_END_SIZE + sizeof DIRECTORY_END);
+    while ((record = findLastEndRecord(tail, record)) != nullptr)
+        records.push_back(parse(record, start + static_cast<std::uint64_t>(record - tail)));
     return records;
 }
 

@@ -3,6 +3,7 @@
 #include <opc/core/Exception.hpp>
 
 #include <algorithm>
+#include <array>
 
 namespace opc::inspection {
 
@@ -15,16 +16,36 @@ bool names(const std::vector<std::string>& ids, const Rule& rule) {
     });
 }
 
+bool isOf(const Rule& rule, unsigned profiles) {
+    return (rule.profiles & profiles) != 0;
+}
+
+/// The ids of the rules of some profiles. They are made once: most packages are so small that it would be felt.
+const RuleIds& rulesOf(unsigned profiles) {
+    static const std::array<RuleIds, EVERY_PROFILE + 1> ids = [] {
+        std::array<RuleIds, EVERY_PROFILE + 1> made;
+        for (unsigned i = 0; i < made.size(); ++i)
+            for (const Rule* rule : rules())
+                if (isOf(*rule, i))
+                    made[i].insert(rule->id);
+        return made;
+    }();
+    return ids[profiles & EVERY_PROFILE];
+}
+
 } // namespace
 
 Findings::Findings(const InspectionOptions& options, Report& report) : options(options), report(report) {
-    chosen.reserve(rules().size());
-    for (const Rule* rule : rules()) {
-        const bool isIn =
-            options.only.empty() ? (rule->profiles & options.profiles) != 0 : names(options.only, *rule);
-        if (isIn && !names(options.never, *rule))
-            chosen.insert(rule->id);
+    if (options.only.empty() && options.never.empty()) {
+        chosen = &rulesOf(options.profiles);
+        return;
     }
+    for (const Rule* rule : rules()) {
+        const bool isIn = options.only.empty() ? isOf(*rule, options.profiles) : names(options.only, *rule);
+        if (isIn && !names(options.never, *rule))
+            named.insert(rule->id);
+    }
+    chosen = &named;
 }
 
 void Findings::add(std::string_view rule, Place place, std::string message, std::string hint) {

@@ -8,14 +8,18 @@
 
 namespace opc::inspection {
 
+using RuleIds = std::unordered_set<std::string_view>;
+
 /// Collects what the checks find, as far as the options ask for it.
 class Findings {
 public:
     /// @param options, report  must outlive this object
     Findings(const InspectionOptions& options, Report& report);
+    Findings(const Findings&) = delete;
+    Findings& operator=(const Findings&) = delete;
 
     /// Whether findings of this rule count. A check asks first where looking costs time.
-    bool wants(std::string_view rule) const { return chosen.count(rule) != 0; }
+    bool wants(std::string_view rule) const { return chosen->count(rule) != 0; }
 
     /// How bad it is that a document can't be read to its end for our limits: whoever looks for harm hasn't seen all of it.
     Severity ofUnread() const {
@@ -30,7 +34,8 @@ public:
 private:
     const InspectionOptions& options;
     Report& report;
-    std::unordered_set<std::string_view> chosen;
+    RuleIds named;         ///< the rules that count, where the options name rules
+    const RuleIds* chosen; ///< these, or those of the profiles
     std::map<std::string_view, std::size_t> counts;
 };
 

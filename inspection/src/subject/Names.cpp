@@ -61,12 +61,15 @@ bool hasOddCharacter(std::string_view name) {
 }
 
 std::string keyOfName(std::string_view name) {
+    const auto stays = [](char c) { return STAYS[static_cast<unsigned char>(c)]; };
+    if (std::all_of(name.begin(), name.end(), stays))
+        return toLowerASCII(name);
     static constexpr char HEX_DIGITS[] = "0123456789abcdef";
     std::string key;
     key.reserve(name.size());
     for (const char c : name) {
         const auto byte = static_cast<unsigned char>(c);
-        if (STAYS[byte])
+        if (stays(c))
             key += lower(c);
         else
             key.append({'%', HEX_DIGITS[byte >> 4], HEX_DIGITS[byte & 15]});

@@ -1,5 +1,6 @@
 #include "DirectoryEnd.hpp"
 
+#include "EndRecordSearch.hpp"
 #include "Failure.hpp"
 #include "ForeignFormat.hpp"
 #include "Records.hpp"
@@ -69,27 +70,13 @@ private:
     const unsigned char* first;
 };
 
-/// The last end record before another one or before the end, recognised only by its signature; null if there is none.
-const unsigned char* findLastRecord(const unsigned char* begin, const unsigned char* end) {
-    constexpr std::ptrdiff_t LAST = 3; // the last byte of the signature: it is rare in texts
-    while (end - begin > LAST) {
-        const auto room = static_cast<std::size_t>(end - begin - LAST);
-        const auto* last =
-            static_cast<const unsigned char*>(::memrchr(begin + LAST, DIRECTORY_END >> 24, room));
-        if (!last || read32(last - LAST) == DIRECTORY_END)
-            return last ? last - LAST : nullptr;
-        end = last;
-    }
-    return nullptr;
-}
-
 /// All end records, from the last one to the first.
 std::vector<EndRecord> findEndRecords(const Tail& tail) {
     constexpr std::size_t BEHIND_SIGNATURE = DIRECTORY_END_SIZE - sizeof DIRECTORY_END;
     std::vector<EndRecord> records;
     const unsigned char* record =
         tail.end() - std::min<std::ptrdiff_t>(tail.end() - tail.begin(), BEHIND_SIGNATURE);
-    while ((record = findLastRecord(tail.begin(), record)) != nullptr)
+    while ((record = findLastEndRecord(tail.begin(), record)) != nullptr)
         records.push_back(readEndRecord(record, tail.offsetOf(record)));
     return records;
 }

@@ -6,6 +6,8 @@
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
@@ -162,6 +164,10 @@ private:
 } // namespace
 
 void checkKindsOfParts(const Subject& subject, Findings& findings) {
+    const auto isWanted = [&findings](const auto& kind) { return findings.wants(kind.rule); };
+    if (std::none_of(std::begin(KINDS), std::end(KINDS), isWanted) &&
+        std::none_of(std::begin(COUNTED_KINDS), std::end(COUNTED_KINDS), isWanted))
+        return;
     KindsOfParts kinds(subject, findings);
     kinds.byRelationship();
     kinds.byTypeAndName();
