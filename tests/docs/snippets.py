@@ -24,6 +24,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/model/SignatureVerdict.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
+#include <opc/physical/RandomAccessSource.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <iostream>
@@ -32,6 +33,10 @@ using namespace opc::model;
 
 struct Request { std::istream& body(); };
 struct Response { std::ostream& body(); };
+struct Bucket {
+    std::uint64_t sizeOf(const char* name);
+    std::size_t getRange(const char* name, std::uint64_t offset, unsigned char* buffer, std::size_t count);
+};
 """
 NAMES = {
     "package": "Package",
@@ -44,6 +49,7 @@ NAMES = {
     "privateKey": "const std::vector<unsigned char>",
     "publicKey": "const std::vector<unsigned char>",
     "trustStore": "bedrock::certificates::TrustStore",
+    "bucket": "Bucket",
     "request": "Request",
     "response": "Response",
 }

@@ -27,7 +27,6 @@ public:
     void run();
 
 private:
-    void findEnds(const std::vector<ItemIndex>& order);
     void checkItem(ItemIndex index);
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
@@ -43,14 +42,7 @@ private:
 };
 
 void LayoutCheck::run() {
-    std::vector<ItemIndex> order(directory.entries.size());
-    std::iota(order.begin(), order.end(), 0U);
-    const auto before = [&](ItemIndex a, ItemIndex b) {
-        return directory.entries[a].offset < directory.entries[b].offset;
-    };
-    if (!std::is_sorted(order.begin(), order.end(), before))
-        std::sort(order.begin(), order.end(), before);
-    findEnds(order);
+    const std::vector<ItemIndex> order = findItemEnds(place, directory);
     std::uint64_t end = 0; // the end of what was checked so far
     for (const ItemIndex index : order) {
         const DirectoryEntry& entry = directory.entries[index];
@@ -60,17 +52,6 @@ void LayoutCheck::run() {
     }
     searchUnused(end, directory.start, "in front of ", "the directory");
     searchUnused(directory.archiveEnd, archive.size(), "behind ", "the end record");
-}
-
-/// Throws if an item overlaps the next one by the directory alone, before anything is read.
-void LayoutCheck::findEnds(const std::vector<ItemIndex>& order) {
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        DirectoryEntry& entry = directory.entries[order[i]];
-        const DirectoryEntry* next = i + 1 < order.size() ? &directory.entries[order[i + 1]] : nullptr;
-        entry.end = next ? next->offset : directory.start;
-        if (entry.end - entry.offset < LOCAL_HEADER_SIZE + entry.storedName().size() + entry.compressedSize)
-            fail(itemPlace(place, entry.name), "overlaps with " + printable(next->name), EBADMSG);
-    }
 }
 
 void LayoutCheck::checkItem(ItemIndex index) {
@@ -147,6 +128,25 @@ void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, const cha
 }
 
 } // namespace
+
+std::vector<ItemIndex> findItemEnds(const std::string& place, ArchiveDirectory& directory) {
+    std::vector<ItemIndex> order(directory.entries.size());
+    std::iota(order.begin(), order.end(), 0U);
+    const auto before = [&](ItemIndex a, ItemIndex b) {
+        return directory.entries[a].offset < directory.entries[b].offset;
+    };
+    if (!std::is_sorted(order.begin(), order.end(), before))
+        std::sort(order.begin(), order.end(), before);
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        DirectoryEntry& entry = directory.entries[order[i]];
+        const DirectoryEntry* next = i + 1 < order.size() ? &directory.entries[order[i + 1]] : nullptr;
+        entry.end = next ? next->offset : directory.start;
+        if (entry.end - entry.offset < LOCAL_HEADER_SIZE + entry.storedName().size() + entry.compressedSize)
+            fail(itemPlace(place, entry.name),
+                 "overlaps with " + (next ? printable(next->name) : std::string("the directory")), EBADMSG);
+    }
+    return order;
+}
 
 void checkLayout(ByteSource& archive, const std::string& place, ArchiveDirectory& directory) {
     LayoutCheck(archive, place, directory).run();

@@ -14,10 +14,13 @@
 namespace opc::physical::zip {
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
-                             const ZipOptions& options)
+                             const ZipOptions& options, HeaderCheck check)
     : source(std::move(archive)), where(std::move(archivePlace)), lenient(options.lenient) {
     readDirectory(*source, where, options, directory);
-    checkLayout(*source, where, directory);
+    if (check == HeaderCheck::Now)
+        checkLayout(*source, where, directory);
+    else
+        findItemEnds(where, directory);
 }
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,

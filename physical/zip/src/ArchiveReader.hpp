@@ -20,8 +20,15 @@ public:
     /// An item is expanded as a whole if neither its compressed nor its expanded size exceeds this.
     static constexpr std::uint64_t LARGEST_WHOLE = 256ULL << 10;
 
-    /// Reads the directory, and checks all local headers against it.
-    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& options);
+    /// When the local headers are compared with the directory.
+    enum class HeaderCheck {
+        Now,     ///< all of them, with the whole layout of the archive
+        WhenRead ///< each when its item is read, since reading is slow
+    };
+
+    /// Reads the directory.
+    ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace, const ZipOptions& options,
+                  HeaderCheck check);
 
     /// Reads items whose places are known already: their local headers aren't compared with the entries again.
     /// @param entries  with the end of each item

@@ -22,6 +22,9 @@ public:
     /// The archive as it is now.
     virtual std::shared_ptr<ByteSource> read() = 0;
 
+    /// Whether each reading of the archive is expensive, so that as little as possible is read.
+    virtual bool isSlow() const { return false; }
+
     /// Throws if it is already certain that `replace` can't succeed.
     virtual void checkWritable() const = 0;
 

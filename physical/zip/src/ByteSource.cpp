@@ -4,14 +4,13 @@
 
 namespace opc::physical::zip {
 
-int FileBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
-                      std::size_t& got) noexcept {
+int WindowedBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) {
     const bool goesOn = offset >= lastEnd && offset - lastEnd < READ_AHEAD;
     lastEnd = offset + count;
     if (offset < windowStart || offset + count > windowStart + windowSize) {
         const bool isEnd = offset + count == size() && count <= LARGEST_WINDOW;
         if (!isEnd && (!goesOn || count >= READ_AHEAD))
-            return file.readAt(offset, buffer, count, got);
+            return fetch(offset, buffer, count, got);
         if (const int error = moveWindow(offset, isEnd ? count : READ_AHEAD))
             return error;
     }
@@ -21,10 +20,10 @@ int FileBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t c
     return 0;
 }
 
-int FileBytes::moveWindow(std::uint64_t offset, std::size_t count) noexcept {
+int WindowedBytes::moveWindow(std::uint64_t offset, std::size_t count) {
     windowSize = 0;
     windowStart = offset;
-    return file.readAt(offset, window.get(), count, windowSize);
+    return fetch(offset, window.get(), count, windowSize);
 }
 
 int MemoryBytes::readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,

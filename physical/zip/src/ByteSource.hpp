@@ -19,8 +19,8 @@ public:
 
     /// Reads up to `count` bytes; fewer only at the end.
     /// @return an error number, 0 for success
-    virtual int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
-                       std::size_t& got) noexcept = 0;
+    /// @throws what the application's own source throws
+    virtual int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) = 0;
 
     /// The bytes in memory, valid until they change; null if memory doesn't have all of them.
     virtual const unsigned char* inMemory() const noexcept { return nullptr; }
@@ -32,32 +32,44 @@ public:
     virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
 };
 
-/// The bytes of a file. A window serves small reads that continue after the last one, and those at the end of the
-/// file, where the directory usually is.
-class FileBytes : public ByteSource {
+/// Bytes whose reading costs a call, at least. A window serves small reads that continue after the last one, and those at
+/// the end, where the directory usually is.
+class WindowedBytes : public ByteSource {
 public:
-    FileBytes(FileDescriptor file, const FileIdentity& whenOpened)
-        : file(std::move(file)), whenOpened(whenOpened), window(new unsigned char[LARGEST_WINDOW]) {}
+    int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) override;
 
-    FileIdentity identity() const noexcept override { return whenOpened; }
-
-    std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
-    int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
-               std::size_t& got) noexcept override;
-    const FileDescriptor* asFile() const noexcept override { return &file; }
+protected:
+    /// Does the same without the window.
+    virtual int fetch(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) = 0;
 
 private:
     static constexpr std::size_t LARGEST_WINDOW = 66 << 10; ///< room for the longest end record
     static constexpr std::size_t READ_AHEAD = 16 << 10;
 
-    int moveWindow(std::uint64_t offset, std::size_t count) noexcept;
+    int moveWindow(std::uint64_t offset, std::size_t count);
 
-    FileDescriptor file;
-    FileIdentity whenOpened;
-    std::unique_ptr<unsigned char[]> window;
+    std::unique_ptr<unsigned char[]> window{new unsigned char[LARGEST_WINDOW]};
     std::uint64_t windowStart = 0;
     std::size_t windowSize = 0;
     std::uint64_t lastEnd = 0; ///< the end of the last read
+};
+
+class FileBytes : public WindowedBytes {
+public:
+    FileBytes(FileDescriptor file, const FileIdentity& whenOpened)
+        : file(std::move(file)), whenOpened(whenOpened) {}
+
+    FileIdentity identity() const noexcept override { return whenOpened; }
+    std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
+    const FileDescriptor* asFile() const noexcept override { return &file; }
+
+private:
+    int fetch(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) override {
+        return file.readAt(offset, buffer, count, got);
+    }
+
+    FileDescriptor file;
+    FileIdentity whenOpened;
 };
 
 class OPC_ZIP_EXPORT MemoryBytes : public ByteSource {

@@ -2,54 +2,28 @@
 
 #include "Failure.hpp"
 
-#include <opc/core/Exception.hpp>
 #include <opc/physical/ZipOptions.hpp>
 
 #include <cerrno>
 #include <istream>
+#include <vector>
 
 namespace opc::physical::zip {
 
-namespace {
-
-class SpoolTarget : public ByteTarget {
-public:
-    explicit SpoolTarget(Spool& spool) noexcept : spool(spool) {}
-
-    int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override {
-        try {
-            spool.writeAt(offset, buffer, count);
-            return 0;
-        } catch (const Exception& failure) {
-            return failure.code().value();
-        } catch (const std::exception&) {
-            return ENOMEM;
-        }
-    }
-
-private:
-    Spool& spool;
-};
-
-} // namespace
-
 StreamStore::StreamStore(std::istream& stream, const ZipOptions& options)
-    : input(&stream),
-      folder(options.temporaryFolder.empty() ? systemTemporaryFolder() : options.temporaryFolder),
-      sizeLimit(options.maxTotalSize),
-      spools(std::make_shared<SpoolStore>(folder, options.memoryForWrittenParts)) {
+    : SpooledStore(options), input(&stream), sizeLimit(options.maxTotalSize) {
 }
 
 std::shared_ptr<ByteSource> StreamStore::read() {
-    if (input)
+    if (input && !kept())
         readStream();
-    if (!archive || archive->size() == 0)
+    if (!kept() || kept()->size() == 0)
         failSystem(place(), "can't open", ENOENT);
-    return archive;
+    return kept();
 }
 
 void StreamStore::readStream() {
-    auto spool = std::make_shared<Spool>(spools);
+    std::shared_ptr<Spool> spool = makeSpool();
     std::vector<char> block(std::size_t{64} * 1024);
     while (*input) {
         input->read(block.data(), static_cast<std::streamsize>(block.size()));
@@ -60,15 +34,7 @@ void StreamStore::readStream() {
     }
     if (!input->eof())
         fail(place(), "can't read the stream", EIO);
-    archive = std::move(spool);
-    input = nullptr;
-}
-
-void StreamStore::replace(const ByteSource* /*old*/, const std::function<void(ByteTarget&)>& write) {
-    auto spool = std::make_shared<Spool>(spools);
-    SpoolTarget target(*spool);
-    write(target);
-    archive = std::move(spool);
+    keep(std::move(spool));
     input = nullptr;
 }
 

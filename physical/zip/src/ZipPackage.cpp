@@ -2,6 +2,7 @@
 
 #include "ArchiveStore.hpp"
 #include "Failure.hpp"
+#include "SourceStore.hpp"
 #include "StreamStore.hpp"
 #include "ZipSession.hpp"
 
@@ -56,6 +57,10 @@ ZipPackage::ZipPackage(Bytes archive, ZipOptions options)
 
 ZipPackage::ZipPackage(std::istream& archive, ZipOptions options)
     : impl(std::make_unique<Impl>(std::make_unique<zip::StreamStore>(archive, options), std::move(options))) {
+}
+
+ZipPackage::ZipPackage(RandomAccessSource& archive, ZipOptions options)
+    : impl(std::make_unique<Impl>(std::make_unique<zip::SourceStore>(archive, options), std::move(options))) {
 }
 
 ZipPackage::~ZipPackage() = default;

@@ -49,7 +49,10 @@ void ZipSession::prepareToWrite() {
 
 void ZipSession::load() {
     source = store.read();
-    context.archive = std::make_unique<ArchiveReader>(source, context.place, options);
+    // A save reads all items in any case, and must not carry on what other programs would see in another way.
+    const auto check = store.isSlow() && context.readOnly ? ArchiveReader::HeaderCheck::WhenRead
+                                                          : ArchiveReader::HeaderCheck::Now;
+    context.archive = std::make_unique<ArchiveReader>(source, context.place, options, check);
     parts.reserve(context.archive->itemCount());
     AllPieces pieces;
     for (ItemIndex item = 0; item < context.archive->itemCount(); ++item)

@@ -13,6 +13,8 @@
 
 namespace opc::physical {
 
+class RandomAccessSource;
+
 /// A package in a ZIP archive (ECMA-376 Part 2, mapping to ZIP), in a file, in memory or from a stream.
 ///
 /// **Saving.** `close(false)` writes a new archive into the same folder, syncs it and renames it, so that the file is always
@@ -73,6 +75,13 @@ public:
     /// temporary file, as written parts are; `writeTo` writes it to another stream. An empty stream is a package that
     /// doesn't exist yet.
     explicit ZipPackage(std::istream& archive, ZipOptions options = {});
+
+    /// A package whose bytes the application brings. Opened `ReadOnly`, it reads only what it needs: the directory, the content
+    /// types, the relationships, and the parts that are asked for. Then the local header of an item is compared with the
+    /// directory when the item is read, and what lies between the items isn't looked at. For changes, all headers are
+    /// read; the changed archive is kept in memory or in a temporary file, for `writeTo`.
+    /// @param archive  must outlive the package
+    explicit ZipPackage(RandomAccessSource& archive, ZipOptions options = {});
 
     /// Drops all unsaved changes.
     ~ZipPackage() override;
