@@ -23,6 +23,11 @@ void ContentTypeMap::addOverride(const PartName& name, const ContentType& conten
     dirty = true;
 }
 
+void ContentTypeMap::setOverride(const PartName& name, const ContentType& contentType) {
+    overrides.insert_or_assign(name, contentType);
+    dirty = true;
+}
+
 const ContentType& ContentTypeMap::getDefault(const std::u16string& extension) const {
     return defaults.at(extension).contentType;
 }

@@ -45,6 +45,9 @@ public:
     void addDefault(const std::u16string& extension, const ContentType& contentType);
     void addOverride(const PartName& name, const ContentType& contentType);
 
+    /// Adds an entry, or changes the existing one.
+    void setOverride(const PartName& name, const ContentType& contentType);
+
     bool hasDefault(const std::u16string& extension) const { return defaults.count(extension) != 0; }
     bool hasOverride(const PartName& name) const { return overrides.count(name) != 0; }
 

@@ -130,6 +130,26 @@ void ContentTypeSource::removeContentType(const PartName& name, const std::u16st
     contentTypes->releaseDefault(extension);
 }
 
+void ContentTypeSource::changeContentType(const PartName& name, const ContentType& contentType) {
+    if (!hasStream)
+        throw ContentTypeNotFound("No content type stream.");
+    const std::u16string extension = extensionKey(name);
+    const auto isType = [&contentType](const ContentType& old) {
+        return old.toString() == contentType.toString();
+    };
+    const Override* const own = contentTypes->findOverride(name);
+    if (isType(own != nullptr ? own->second : contentTypes->getDefault(extension)))
+        return;
+    if (contentTypes->hasDefault(extension) && isType(contentTypes->getDefault(extension))) {
+        contentTypes->addReference(extension);
+        contentTypes->removeOverride(name);
+        return;
+    }
+    contentTypes->setOverride(name, contentType);
+    if (own == nullptr)
+        contentTypes->releaseDefault(extension);
+}
+
 const ContentTypeSource::Override* ContentTypeSource::findOverride(const std::u16string& name) const {
     return hasStream ? contentTypes->findOverride(name) : nullptr;
 }

@@ -49,6 +49,11 @@ public:
     /// uses is replaced.
     void addContentType(const PartName& name, const ContentType& contentType);
 
+    /// Gives a part that was added another content type: that of the `Default` of its extension, if this is the same, or
+    /// else an `Override`.
+    /// @throws ContentTypeNotFound  there is no stream
+    void changeContentType(const PartName& name, const ContentType& contentType);
+
     /// Whether the schema allows a `Default` for an extension (ST_Extension). Part names can have other extensions.
     static bool canHaveDefault(std::u16string_view extension);
 

@@ -26,6 +26,11 @@ void throwIfRelationshipName(const PartName& name) {
                                       toASCIIString(name.toString()));
 }
 
+void throwIfStreamCanNotHold(const ContentType& contentType) {
+    if (!ContentTypeSerializer().canHold(contentType))
+        throw InvalidContentType("Could not successfully parse content type string");
+}
+
 } // namespace
 
 Part Package::createPart(const PartName& name, const ContentType& contentType,
@@ -38,8 +43,7 @@ Part Package::createPart(const PartName& name, const ContentType& contentType,
     throwIfNoNameForNewPart(name);
     if (!fitsIntoTag(name.toString()))
         throw InvalidPartName("A part name shall not be longer than 1 MiB.");
-    if (!ContentTypeSerializer().canHold(contentType))
-        throw InvalidContentType("Could not successfully parse content type string");
+    throwIfStreamCanNotHold(contentType);
 
     // Allocates memory first: the part is added completely or not at all.
     Part part(std::make_shared<Part::Impl>(this, nullptr, name, contentType, state().openMode));
@@ -103,6 +107,20 @@ void Package::deletePart(const PartName& name) {
 
     part.state().valid = false;
     parts.erase(entry);
+}
+
+void Package::setContentType(const PartName& name, const ContentType& contentType) {
+    throwIfNotOpen();
+    throwIfReadOnly();
+    Part part = getPart(name);
+    const interfaces::IPhysicalPart* const physicalPart = part.state().physicalPart;
+    if (physicalPart == nullptr)
+        throw InvalidPartStream("The part's content has been deleted");
+    throwIfStreamCanNotHold(contentType);
+    state().contentTypeSource->throwIfFixed();
+    const PartName physicalName(physicalPart->getName()); // in the spelling of the store
+    state().contentTypeSource->changeContentType(physicalName, contentType);
+    part.state().contentType = contentType;
 }
 
 void Package::Impl::deletePartInternal(const PartName& name) {

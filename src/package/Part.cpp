@@ -68,6 +68,17 @@ OutputStream& Part::getOutputStream() const {
     return state().connect(state().outputStream, [](auto& content) { return content.getOutputStream(); });
 }
 
+OutputStream& Part::restartOutputStream() const {
+    if (state().outputStream == nullptr)
+        return getOutputStream();
+    throwIfInvalid();
+    throwIfNotOpen();
+    return *state().askContent([this](interfaces::IPhysicalPart& content) {
+        state().outputStream->connect(content.getOutputStream());
+        return state().outputStream.get();
+    });
+}
+
 std::optional<std::uint64_t> Part::getSize() const {
     throwIfInvalid();
     throwIfNotOpen();

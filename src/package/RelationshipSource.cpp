@@ -39,6 +39,15 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
                                                             const std::u16string& id) {
     throwIfNotWritable();
     throwIfRelationshipsFixed();
+    const URI relativeForm = relativeFormOf(target);
+    const std::u16string verifiedID =
+        verifyRelationship(id, type, relativeForm.toString(), TargetMode::Internal);
+    return withRelationshipPart(impl->manager.addInternalRelationship(verifiedID, type, relativeForm));
+}
+
+/// An internal target as it is stored.
+/// @throws InvalidRelationshipTarget, UnsupportedRelativize
+URI RelationshipSource::relativeFormOf(const URI& target) const {
     if (target.isAbsolute())
         throw InvalidRelationshipTarget(
             "Relationship target cannot be an absolute URI for an internal relationship");
@@ -55,10 +64,7 @@ Relationship RelationshipSource::createInternalRelationship(const std::u16string
     }
     if (absoluteForm == sourceURI)
         throw InvalidRelationshipTarget("Relationship target cannot be the same as the source.");
-
-    const std::u16string verifiedID =
-        verifyRelationship(id, type, relativeForm.toString(), TargetMode::Internal);
-    return withRelationshipPart(impl->manager.addInternalRelationship(verifiedID, type, relativeForm));
+    return relativeForm;
 }
 
 Relationship RelationshipSource::createExternalRelationship(const std::u16string& type,
@@ -87,17 +93,21 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
         if (impl->usesID(id))
             throw RelationshipAlreadyExists("Relationship ID already exists");
     }
-    throwIfPartCanNotHold(type, target, targetMode);
+    throwIfPartCanNotHoldType(type);
+    throwIfPartCanNotHoldTarget(target, targetMode);
     std::u16string verifiedID = id.empty() ? generateID() : id;
     doVerifyRelationship(verifiedID, type, target);
     return verifiedID;
 }
 
 /// The checks of reading follow: a relationship that broke one would make the whole relationships part unreadable.
-void RelationshipSource::throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
-                                               TargetMode targetMode) const {
+void RelationshipSource::throwIfPartCanNotHoldType(const std::u16string& type) const {
     if (!canHoldURI(type))
         throw InvalidRelationshipType(INVALID_TYPE);
+}
+
+void RelationshipSource::throwIfPartCanNotHoldTarget(const std::u16string& target,
+                                                     TargetMode targetMode) const {
     if (target.empty())
         throw InvalidRelationshipTarget("Relationship target must not be empty.");
     if (!canHoldURI(target))
@@ -156,6 +166,25 @@ void RelationshipSource::deleteRelationship(const std::u16string& id) {
         return;
     setPhysicalRelationshipPart(nullptr, false);
     getPackage().state().deletePartInternal(PartName(part->getName()));
+}
+
+Relationship RelationshipSource::setInternalTarget(const std::u16string& id, const URI& target) {
+    throwIfNotWritable();
+    throwIfRelationshipsFixed();
+    impl->manager.getRelationship(id);
+    const std::u16string relativeForm = relativeFormOf(target).toString();
+    throwIfPartCanNotHoldTarget(relativeForm, TargetMode::Internal);
+    return impl->manager.setTarget(id, relativeForm, TargetMode::Internal);
+}
+
+Relationship RelationshipSource::setExternalTarget(const std::u16string& id, const std::u16string& target) {
+    throwIfNotWritable();
+    throwIfRelationshipsFixed();
+    impl->manager.getRelationship(id);
+    if (!isValidTarget(target))
+        throw InvalidRelationshipTarget(INVALID_EXTERNAL_TARGET);
+    throwIfPartCanNotHoldTarget(target, TargetMode::External);
+    return impl->manager.setTarget(id, target, TargetMode::External);
 }
 
 Relationship RelationshipSource::getRelationshipByID(const std::u16string& id) const {

@@ -90,17 +90,38 @@ Relationship RelationshipManager::addInternalRelationship(const std::u16string& 
     return add(id, type, target.toString(), TargetMode::Internal);
 }
 
-Relationship RelationshipManager::add(std::u16string_view id, std::u16string_view type,
-                                      std::u16string_view target, TargetMode targetMode) {
-    unpack();
+RelationshipManager::SharedValues RelationshipManager::makeValues(std::u16string_view id,
+                                                                  std::u16string_view type,
+                                                                  std::u16string_view target,
+                                                                  TargetMode targetMode) const {
     const auto made = std::make_shared<Alone>(sourceURI);
     made->texts.reserve(id.size() + type.size() + target.size());
     made->texts.append(id).append(type).append(target);
     const std::u16string_view texts = made->texts;
     made->values = {texts.substr(0, id.size()), texts.substr(id.size(), type.size()),
                     texts.substr(id.size() + type.size()), &made->sourceURI, targetMode};
-    SharedValues values(made, &made->values);
+    return SharedValues(made, &made->values);
+}
+
+Relationship RelationshipManager::add(std::u16string_view id, std::u16string_view type,
+                                      std::u16string_view target, TargetMode targetMode) {
+    unpack();
+    SharedValues values = makeValues(id, type, target, targetMode);
     relationships.insert(relationships.end(), values);
+    dirty = true;
+    return Relationship(std::move(values));
+}
+
+Relationship RelationshipManager::setTarget(const std::u16string& id, std::u16string_view target,
+                                            TargetMode targetMode) {
+    unpack();
+    const auto entry = relationships.find(std::u16string_view(id));
+    if (entry == relationships.end())
+        throwNotFound();
+    SharedValues values = makeValues(id, (*entry)->type, target, targetMode);
+    auto node = relationships.extract(entry);
+    node.value() = values;
+    relationships.insert(std::move(node)); // the node is there already: nothing can fail
     dirty = true;
     return Relationship(std::move(values));
 }

@@ -70,6 +70,10 @@ public:
     Relationship addInternalRelationship(const std::u16string& id, const std::u16string& type,
                                          const URI& target);
 
+    /// @return the relationship with its new target
+    /// @throws RelationshipNotFound
+    Relationship setTarget(const std::u16string& id, std::u16string_view target, TargetMode targetMode);
+
     /// Sets the relationships of a source that has none yet. The relationships of the group must be valid, sorted,
     /// and have different IDs.
     void take(std::shared_ptr<const RelationshipGroup> read);
@@ -105,6 +109,9 @@ private:
 
     Relationship add(std::u16string_view id, std::u16string_view type, std::u16string_view target,
                      TargetMode targetMode);
+
+    SharedValues makeValues(std::u16string_view id, std::u16string_view type, std::u16string_view target,
+                            TargetMode targetMode) const;
 
     /// Moves the relationships out of the group, so that they can be changed one by one.
     void unpack();

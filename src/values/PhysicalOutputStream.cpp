@@ -7,10 +7,14 @@
 
 namespace opc::model {
 
-PhysicalOutputStream::PhysicalOutputStream(interfaces::IPhysicalOutputStream* physicalStream)
-    : physicalStream(physicalStream) {
-    if (physicalStream == nullptr)
+PhysicalOutputStream::PhysicalOutputStream(interfaces::IPhysicalOutputStream* physicalStream) {
+    connect(physicalStream);
+}
+
+void PhysicalOutputStream::connect(interfaces::IPhysicalOutputStream* stream) {
+    if (stream == nullptr)
         throw InvalidPartStream("The physical layer gives no stream");
+    physicalStream = stream;
 }
 
 interfaces::IPhysicalOutputStream& PhysicalOutputStream::connected() const {

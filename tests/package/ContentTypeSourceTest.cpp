@@ -56,6 +56,38 @@ TEST_F(ContentTypesStream, theFirstPartOfAnExtensionSetsItsDefault) {
                          R"(<Override ContentType="text/plain;a=1;b=2" PartName="/noext"/></Types>)");
 }
 
+TEST_F(ContentTypesStream, aPartThatIsRetypedGetsAnOverride) {
+    package.open(OpenMode::CreateOnly);
+    const auto retype = [this](const char16_t* name, const char16_t* type) {
+        package.setContentType(PartName(name), ContentType(type));
+    };
+    create(u"/a.png", u"image/png");
+    create(u"/b.png", u"image/png");
+    create(u"/c.gif", u"image/gif");
+    const Part part = package.getPart(PartName(u"/a.png"));
+    EXPECT_RAISES(PartNotFound, "No part found with the name:/d", retype(u"/d", u"t/d"));
+    retype(u"/A.PNG", u"t/1");
+    retype(u"/c.gif", u"t/2");
+    retype(u"/b.png", u"t/3");
+    EXPECT_EQ(part.getContentType().toString(), u"t/1");
+    EXPECT_EQ(written(), R"(<Override ContentType="t/1" PartName="/a.png"/>)"
+                         R"(<Override ContentType="t/3" PartName="/b.png"/>)"
+                         R"(<Override ContentType="t/2" PartName="/c.gif"/></Types>)");
+    EXPECT_EQ(physical.countCalls("getOutputStream /"), 0U) << "no content is touched";
+
+    store.setContentTypes(contentTypes(USUAL_CONTENT_TYPES +
+                                       R"(<Override PartName="/a.png" ContentType="application/png"/>)"
+                                       R"(<Override PartName="/b.png" ContentType="t/3"/>)"
+                                       R"(<Default Extension="png" ContentType="application/png"/>)"
+                                       R"(<Default Extension="gif" ContentType="image/gif"/>)"));
+    package.open(OpenMode::ReadWrite);
+    retype(u"/b.png", u"application/png");
+    retype(u"/a.png", u"t/4");
+    EXPECT_EQ(written(), R"(<Default ContentType="image/gif" Extension="gif"/>)"
+                         R"(<Default ContentType="application/png" Extension="png"/>)"
+                         R"(<Override ContentType="t/4" PartName="/a.png"/></Types>)");
+}
+
 TEST_F(ContentTypesStream, aDefaultGoesWithItsLastPart) {
     package.open(OpenMode::CreateOnly);
     create(u"/a.png", u"image/png");

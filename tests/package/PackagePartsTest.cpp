@@ -277,7 +277,12 @@ TEST_F(PackageParts, aPartHasOneStreamOfEachKind) {
     EXPECT_EQ(&part.getOutputStream(), &copy.getOutputStream());
     EXPECT_EQ(physical.countCalls("getInputStream /a.xml"), 1U);
     EXPECT_EQ(physical.countCalls("getOutputStream /a.xml"), 1U);
-    package.close(true);
+    writeAll(part, "dropped");
+    EXPECT_EQ(&part.restartOutputStream(), &copy.getOutputStream());
+    writeAll(part, "kept");
+    package.close(false);
+    EXPECT_EQ(toText(store.partBytes(u"/a.xml")), "kept");
+    store.setPart(u"/a.xml", toBytes("old"));
 
     package.open(OpenMode::ReadOnly);
     const Part readOnly = package.getPart(PartName(u"/a.xml"));

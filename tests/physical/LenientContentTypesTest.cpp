@@ -132,6 +132,9 @@ TEST(LenientContentTypes, changeInTheirOwnText) {
             types.create(arguments.at(1), arguments.at(2));
         else if (arguments[0] == "remove")
             types.remove(arguments.at(1));
+        else if (arguments[0] == "retype")
+            types.package.setContentType(PartName(opc::toString(arguments.at(1), true)),
+                                         opc::model::ContentType(opc::toString(arguments.at(2), true)));
         else if (arguments[0] == "relate")
             types.relate(arguments.at(1));
         else if (arguments[0] == "save")

@@ -172,6 +172,30 @@ TEST(LenientRelationships, ofOneIDCountOnce) {
     EXPECT_EQ(opened.document(), ROOT + second + END);
 }
 
+TEST(LenientRelationships, areRetargetedWhereTheyStand) {
+    const std::string mode = "<Relationship Target='b' TargetMode='External' Id='b' Type='urn:t' />";
+    Leniently opened(ROOT + GOOD + "<!-- c -->" + mode + "<Relationship Id='c' Type='urn:t' Target='c'/>" +
+                     END);
+    opened.open();
+    opened.package.setExternalTarget(u"a", u"http://x/?y&z");
+    opened.package.setInternalTarget(u"b", opc::model::URI(u"/a.xml"));
+    opened.package.deleteRelationship(u"c");
+    opened.package.createExternalRelationship(u"urn:t", u"d", u"c"); // as good as a new target
+    opened.package.close(false);
+    EXPECT_EQ(opened.document(),
+              ROOT +
+                  "<Relationship Id='a' Type='urn:t' Target='http://x/?y&amp;z' TargetMode=\"External\"/>"
+                  "<!-- c --><Relationship Target='a.xml' TargetMode='Internal' Id='b' Type='urn:t' />"
+                  "<Relationship Id='c' Type='urn:t' Target='d' TargetMode=\"External\"/>" +
+                  END);
+    Leniently one(ROOT + "\n" + GOOD + END);
+    one.open();
+    one.package.setInternalTarget(u"a", opc::model::URI(u"b.xml#c"));
+    one.package.close(false);
+    EXPECT_EQ(one.document(), ROOT + "\n<Relationship Id='a' Type='urn:t' Target='b.xml#c'/>" + END)
+        << "also if it is the only one";
+}
+
 /// Other programs, too, use the first one: a new one must come before those that were left out.
 TEST(LenientRelationships, toCorePropertiesCountIfTheyAreFirst) {
     const auto core = [](const std::string& id) {

@@ -65,6 +65,29 @@ TEST_F(RelationshipSources, checkTypeAndThenID) {
     create(u"t:t", u"Used");
 }
 
+TEST_F(RelationshipSources, giveTheirRelationshipsOtherTargets) {
+    Part part = open();
+    const Relationship old = part.createInternalRelationship(u"t:t", URI(u"/c.xml"), u"i");
+    const auto set = [&part](const char16_t* id, const char16_t* target) {
+        return part.setInternalTarget(id, URI(target));
+    };
+    EXPECT_RAISES(RelationshipNotFound, "Relationship ID does not exist", set(u"I", u"/c.xml"));
+    EXPECT_RAISES(InvalidRelationshipTarget, "Relationship target cannot be a relationship part name.",
+                  set(u"i", u"/_rels/c.xml.rels"));
+    EXPECT_RAISES(InvalidRelationshipTarget, "Relationship target is not a valid xsd::anyURI",
+                  set(u"i", u"d  e"));
+    EXPECT_RAISES(InvalidRelationshipTarget, "Relationship target must not be empty.",
+                  part.setExternalTarget(u"i", u""));
+    EXPECT_EQ(set(u"i", u"/a/d.xml").getTarget(), u"d.xml");
+    EXPECT_EQ(part.setExternalTarget(u"i", u"x:y").getType(), u"t:t");
+    package.close(false);
+    part = open(OpenMode::ReadOnly);
+    EXPECT_EQ(part.getRelationshipByID(u"i").getTarget(), u"x:y");
+    EXPECT_EQ(part.getRelationshipByID(u"i").getTargetMode(), TargetMode::External);
+    EXPECT_EQ(old.getTarget(), u"../c.xml") << "as it was when it was returned";
+    EXPECT_RAISES(PackageReadOnly, "Package is read-only", part.setExternalTarget(u"i", u"z"));
+}
+
 TEST_F(RelationshipSources, validIDsAreNamesWithoutColonOrSurrogates) {
     forEachCase("relationships/ids.txt", [](const std::string& validity, const std::u16string& id) {
         EXPECT_EQ(RelationshipSource::isValidID(id), validity == "valid");

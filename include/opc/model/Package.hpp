@@ -98,6 +98,15 @@ public:
     ///                           part is already deleted: delete it again, or abandon the package
     void deletePart(const PartName& name);
 
+    /// Gives a part another content type. Only the content types stream changes: the store keeps the content as it is. The
+    /// part gets an `Override`, unless the `Default` of its extension has this content type.
+    /// @throws PackageNotOpen, PackageReadOnly, PartNotFound
+    /// @throws InvalidPartStream         deleting the part has failed, and its content is gone
+    /// @throws InvalidContentType, InvalidContentTypeStream  as `createPart`
+    /// @throws ContentTypeNotFound       the store has no content types stream: it keeps the type of each part with the
+    ///                                   part, from its creation
+    void setContentType(const PartName& name, const ContentType& contentType);
+
     /// @return a handle on the part with this name
     /// @throws PackageNotOpen, PartNotFound
     Part getPart(const PartName& name) const;

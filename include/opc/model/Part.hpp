@@ -49,6 +49,10 @@ public:
     /// @throws InvalidPartStream  the store gives no stream; the next call tries again
     OutputStream& getOutputStream() const;
 
+    /// Empties the part, also if it has been written already, and gives the same stream as `getOutputStream`, ready to write.
+    /// @throws as `getOutputStream`
+    OutputStream& restartOutputStream() const;
+
     /// Gives the size of the content without reading it. After the part has been written, this is the size written so
     /// far. The store gives the size that it has recorded; a damaged content is only found when it is read.
     /// @return the size in bytes; nothing if the store doesn't know sizes

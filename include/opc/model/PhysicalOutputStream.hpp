@@ -30,11 +30,15 @@ public:
 private:
     friend class Part;
 
+    /// Continues with another stream of the store.
+    /// @throws InvalidPartStream  `stream` is null
+    void connect(interfaces::IPhysicalOutputStream* stream);
+
     /// Says that the stream of the store no longer exists.
     void disconnect() noexcept { physicalStream = nullptr; }
     interfaces::IPhysicalOutputStream& connected() const;
 
-    interfaces::IPhysicalOutputStream* physicalStream;
+    interfaces::IPhysicalOutputStream* physicalStream = nullptr;
 };
 
 } // namespace opc::model

@@ -69,6 +69,18 @@ public:
     Relationship createExternalRelationship(const std::u16string& type, const std::u16string& target,
                                             const std::u16string& id = std::u16string());
 
+    /// Gives a relationship another target, in this package or outside it. ID and type stay, and so does its place in the
+    /// relationships part, if the store changes documents in their own text (`opc::physical::LenientPackage`).
+    /// @param target  as in `createInternalRelationship` and `createExternalRelationship`
+    /// @return the relationship as it is now; older copies keep the old target
+    /// @throws RelationshipNotFound
+    /// @throws InvalidRelationshipTarget, UnsupportedRelativize  as `createInternalRelationship`, and
+    ///                                    `createExternalRelationship`
+    /// @{
+    Relationship setInternalTarget(const std::u16string& id, const URI& target);
+    Relationship setExternalTarget(const std::u16string& id, const std::u16string& target);
+    /// @}
+
     /// Deletes a relationship, and the relationships part with the last relationship.
     /// @throws PackageCreateOnly     the package was opened `CreateOnly`
     /// @throws RelationshipNotFound
@@ -156,8 +168,9 @@ private:
     void throwIfNotWritable() const;
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
                                       const std::u16string& target, TargetMode targetMode);
-    void throwIfPartCanNotHold(const std::u16string& type, const std::u16string& target,
-                               TargetMode targetMode) const;
+    URI relativeFormOf(const URI& target) const;
+    void throwIfPartCanNotHoldType(const std::u16string& type) const;
+    void throwIfPartCanNotHoldTarget(const std::u16string& target, TargetMode targetMode) const;
     std::u16string generateID();
     Relationship withRelationshipPart(const Relationship& added);
     void createRelationshipPart();

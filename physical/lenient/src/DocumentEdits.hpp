@@ -26,6 +26,9 @@ public:
 
     void setValue(const Attribute& attribute, std::u16string_view value);
 
+    /// Adds an attribute at the end of the start tag.
+    void addValue(const Element& element, std::u16string_view attribute, std::u16string_view value);
+
     /// Adds an empty element at the end of the root, with the namespace and prefix of the root.
     void append(std::u16string_view localName, const NewAttributes& attributes);
 

@@ -26,6 +26,21 @@ std::vector<ReadRelationship> readWritten(const Bytes& written) {
     return relationships;
 }
 
+/// Changes the target where it stands.
+void retarget(DocumentEdits& edits, const Markup& markup, const ReadRelationship& old,
+              const ReadRelationship& wanted) {
+    const Element& element = markup.elements()[old.element];
+    if (old.target != wanted.target)
+        edits.setValue(*markup.findAttribute(element, u"", TARGET), wanted.target);
+    if (old.isExternal == wanted.isExternal)
+        return;
+    const std::u16string_view mode = wanted.isExternal ? EXTERNAL.wide() : INTERNAL.wide();
+    if (const Attribute* const attribute = markup.findAttribute(element, u"", TARGET_MODE))
+        edits.setValue(*attribute, mode);
+    else
+        edits.addValue(element, TARGET_MODE, mode);
+}
+
 /// Before an element that would otherwise count instead, or else after all others.
 void add(DocumentEdits& edits, const ReadRelationship& relationship, const Element* next) {
     DocumentEdits::NewAttributes attributes = {
@@ -48,11 +63,15 @@ std::optional<Bytes> editRelationships(const RelationshipsDocument& document, co
     std::vector<bool> isThere(wanted.size());
     DocumentEdits edits(document.document());
     for (const ReadRelationship& relationship : document.relationships()) {
+        const Markup& markup = document.document().markup();
         const auto place = places.find(relationship.id);
-        if (place != places.end() && wanted[place->second].isEqual(relationship))
-            isThere[place->second] = true;
-        else
-            edits.remove(document.document().markup().elements()[relationship.element]);
+        if (place == places.end() || wanted[place->second].type != relationship.type) {
+            edits.remove(markup.elements()[relationship.element]);
+            continue;
+        }
+        isThere[place->second] = true;
+        if (!wanted[place->second].isEqual(relationship))
+            retarget(edits, markup, relationship, wanted[place->second]);
     }
     for (std::size_t i = 0; i < wanted.size(); ++i)
         if (!isThere[i])
