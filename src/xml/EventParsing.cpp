@@ -47,7 +47,7 @@ public:
         const xercesc::XMLAttr& found = *attributes.at(index);
         const bool hasPrefix = !viewOf(found.getPrefix()).empty();
         return {hasPrefix ? uriOf(found.getURIId()) : std::u16string_view(), viewOf(found.getName()),
-                viewOf(found.getValue())};
+                viewOf(found.getValue()), viewOf(found.getPrefix())};
     }
     std::size_t declarationCount() const override { return declarations.size(); }
     XmlNamespaceDeclaration declaration(std::size_t index) const override {
@@ -78,7 +78,8 @@ public:
     EventsLink(xercesc::DOMLSParser* parser, XmlEvents& events)
         : DocumentHandlerLink(parser), events(events) {}
 
-    void XMLDecl(const XMLCh*, const XMLCh* encoding, const XMLCh*, const XMLCh*) override {
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh*, const XMLCh*) override {
+        events.onVersion(viewOf(version));
         events.onDeclaration(viewOf(encoding));
     }
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
@@ -98,8 +99,10 @@ public:
             events.onText({text, length});
     }
     void ignorableWhitespace(const XMLCh*, XMLSize_t, bool) override {} // outside the root
-    void docComment(const XMLCh*) override {}
-    void docPI(const XMLCh*, const XMLCh*) override {}
+    void docComment(const XMLCh* text) override { events.onComment(viewOf(text)); }
+    void docPI(const XMLCh* target, const XMLCh* data) override {
+        events.onInstruction(viewOf(target), viewOf(data));
+    }
     void startEntityReference(const xercesc::XMLEntityDecl&) override {}
     void endEntityReference(const xercesc::XMLEntityDecl&) override {}
 
@@ -112,6 +115,9 @@ class GuardedEvents final : public XmlEvents {
 public:
     explicit GuardedEvents(XmlEvents& events) : events(events) {}
 
+    void onVersion(std::u16string_view version) override {
+        guard([&] { events.onVersion(version); });
+    }
     void onDeclaration(std::u16string_view encoding) override {
         guard([&] { events.onDeclaration(encoding); });
     }
@@ -123,6 +129,12 @@ public:
     }
     void onText(std::u16string_view text) override {
         guard([&] { events.onText(text); });
+    }
+    void onComment(std::u16string_view text) override {
+        guard([&] { events.onComment(text); });
+    }
+    void onInstruction(std::u16string_view target, std::u16string_view data) override {
+        guard([&] { events.onInstruction(target, data); });
     }
 
     void rethrowIfFailed() const {

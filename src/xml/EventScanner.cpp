@@ -99,6 +99,7 @@ bool EventScanner::takeDeclaration(std::string_view declaration) {
     if (last.empty())
         return false;
     toldEvents.declaration = true;
+    events.onVersion(u"1.0");
     events.onDeclaration(widen(encoding));
     return true;
 }
@@ -219,9 +220,13 @@ Scanned EventScanner::takeComment() {
     const char* const textEnd = find(p, window.end, "--");
     if (textEnd == nullptr || window.end - textEnd < 3)
         return Scanned::Incomplete;
-    if (textEnd[2] != '>' || ++asides > MOST_ASIDES || !skipCharacters(p, textEnd))
+    std::u16string text;
+    if (textEnd[2] != '>' || ++asides > MOST_ASIDES || !takeCharacters(p, textEnd, text))
         return Scanned::NotPlain;
+    tellText();
     window.at = textEnd + 3;
+    tellMarkup();
+    events.onComment(text);
     return Scanned::Taken;
 }
 
@@ -235,20 +240,33 @@ Scanned EventScanner::takeInstruction() {
         return Scanned::NotPlain;
     const bool isReserved = target->text.size() >= 3 && (target->text[0] | 0x20) == 'x' &&
                             (target->text[1] | 0x20) == 'm' && (target->text[2] | 0x20) == 'l';
-    if (isReserved || (p != textEnd && !isSpace(*p)) || !skipCharacters(p, textEnd))
+    const bool hasData = skipSpace(p);
+    std::u16string data;
+    if (isReserved || (p != textEnd && !hasData) || !takeCharacters(p, textEnd, data))
         return Scanned::NotPlain;
+    tellText();
     window.at = textEnd + 2;
+    tellMarkup();
+    events.onInstruction(std::u16string(target->text.begin(), target->text.end()), data);
     return Scanned::Taken;
 }
 
 /// @return whether all characters up to there are valid
-bool EventScanner::skipCharacters(const char*& p, const char* textEnd) {
+bool EventScanner::takeCharacters(const char*& p, const char* textEnd, std::u16string& taken) {
     while (p < textEnd) {
         std::uint32_t code = 0;
         if (takeOddCharacter(p, code) != Scanned::Taken)
             return false;
+        std::array<char16_t, 2> units{};
+        taken.append(units.data(), putCharacter(code, units.data()));
     }
     return p == textEnd;
+}
+
+/// Counts the markup that is told now.
+void EventScanner::tellMarkup() {
+    ++toldEvents.markup;
+    toldEvents.text = 0;
 }
 
 /// Any character that stands for itself. Line breaks of each kind are one.

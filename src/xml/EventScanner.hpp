@@ -20,8 +20,8 @@ namespace opc::model {
 /// What a listener has been told of a document.
 struct ToldEvents {
     bool declaration = false;
-    std::uint64_t tags = 0; ///< starts and ends of elements
-    std::uint64_t text = 0; ///< code units behind the last of them
+    std::uint64_t markup = 0; ///< starts and ends of elements, comments and instructions
+    std::uint64_t text = 0;   ///< code units behind the last of them
 };
 
 /// Reads a document of the usual form as events, at a small part of the parser's cost: in UTF-8, with names in ASCII,
@@ -81,7 +81,8 @@ private:
 
     Scanned takeComment();
     Scanned takeInstruction();
-    bool skipCharacters(const char*& p, const char* textEnd);
+    bool takeCharacters(const char*& p, const char* textEnd, std::u16string& taken);
+    void tellMarkup();
 
     Scanned takeName(const char*& p, const ScannedName*& name);
     bool skipSpace(const char*& p);

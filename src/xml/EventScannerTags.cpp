@@ -41,7 +41,7 @@ public:
     std::size_t attributeCount() const override { return scanner.attributes.size(); }
     XmlAttribute attribute(std::size_t index) const override {
         Attribute& found = scanner.attributes.at(index);
-        return {namespaceOf(found), found.name->local, scanner.valueOf(found)};
+        return {namespaceOf(found), found.name->local, scanner.valueOf(found), found.name->prefix->name};
     }
     std::size_t declarationCount() const override { return scanner.declarations.size(); }
     XmlNamespaceDeclaration declaration(std::size_t index) const override {
@@ -212,8 +212,7 @@ void EventScanner::tellStart(const ScannedName& name, bool isEmpty) {
     hasRoot = true;
     openElements.push_back({&name, declarations.size()});
     const std::uint64_t offset = window.offsetOf(window.at);
-    ++toldEvents.tags;
-    toldEvents.text = 0;
+    tellMarkup();
     if (widened.size() <= plainSize) // there must be room even for an empty one, whose view isn't one of null
         widened.resize(2 * plainSize + 64);
     events.onStart(Element(*this, name), {lines.line, lines.columnAt(offset)});
@@ -247,8 +246,7 @@ void EventScanner::tellEnd() {
         declared.pop_back();
     }
     openElements.pop_back();
-    ++toldEvents.tags;
-    toldEvents.text = 0;
+    tellMarkup();
     events.onEnd();
 }
 

@@ -14,31 +14,43 @@ class RemainingEvents final : public XmlEvents {
 public:
     RemainingEvents(XmlEvents& events, const ToldEvents& told) : events(events), told(told) {}
 
+    void onVersion(std::u16string_view version) override {
+        if (!told.declaration)
+            events.onVersion(version);
+    }
     void onDeclaration(std::u16string_view encoding) override {
         if (!told.declaration)
             events.onDeclaration(encoding);
     }
     void onStart(const XmlElement& element, const XmlPlace& behind) override {
-        if (isNextTagNew())
+        if (isNextMarkupNew())
             events.onStart(element, behind);
     }
     void onEnd() override {
-        if (isNextTagNew())
+        if (isNextMarkupNew())
             events.onEnd();
     }
     void onText(std::u16string_view text) override {
-        if (told.tags != 0)
+        if (told.markup != 0)
             return;
         const std::size_t known = static_cast<std::size_t>(std::min<std::uint64_t>(told.text, text.size()));
         told.text -= known;
         if (known < text.size())
             events.onText(text.substr(known));
     }
+    void onComment(std::u16string_view text) override {
+        if (isNextMarkupNew())
+            events.onComment(text);
+    }
+    void onInstruction(std::u16string_view target, std::u16string_view data) override {
+        if (isNextMarkupNew())
+            events.onInstruction(target, data);
+    }
 
 private:
-    bool isNextTagNew() {
-        if (told.tags != 0) {
-            --told.tags;
+    bool isNextMarkupNew() {
+        if (told.markup != 0) {
+            --told.markup;
             return false;
         }
         told.text = 0;

@@ -39,8 +39,12 @@ LoggedEvents logged(const Bytes& document, std::size_t bytesAtATime, const Read&
 
 } // namespace
 
+void EventLog::onVersion(std::u16string_view version) {
+    lines += "version " + shown(version);
+}
+
 void EventLog::onDeclaration(std::u16string_view encoding) {
-    lines += "declaration " + shown(encoding);
+    lines += " declaration " + shown(encoding);
 }
 
 void EventLog::onStart(const model::XmlElement& element, const model::XmlPlace& behind) {
@@ -53,7 +57,8 @@ void EventLog::onStart(const model::XmlElement& element, const model::XmlPlace& 
                  shown(element.declaration(i).namespaceURI);
     for (std::size_t i = 0; i < element.attributeCount(); ++i) {
         const model::XmlAttribute one = element.attribute(i);
-        lines += " {" + shown(one.namespaceURI) + "}" + shown(one.localName) + "=" + shown(one.value);
+        lines += " " + shown(one.prefix) + " {" + shown(one.namespaceURI) + "}" + shown(one.localName) + "=" +
+                 shown(one.value);
         const std::u16string_view found = element.valueOf(one.namespaceURI, one.localName);
         if (found.data() == nullptr || found != one.value)
             lines += " but not by its name";
@@ -70,6 +75,16 @@ void EventLog::onEnd() {
 void EventLog::onText(std::u16string_view text) {
     lines += (isInText ? "" : "\ntext ") + shown(text);
     isInText = true;
+}
+
+void EventLog::onComment(std::u16string_view text) {
+    isInText = false;
+    lines += "\ncomment " + shown(text);
+}
+
+void EventLog::onInstruction(std::u16string_view target, std::u16string_view data) {
+    isInText = false;
+    lines += "\ninstruction " + shown(target) + "|" + shown(data);
 }
 
 std::uint64_t SlowStream::read(unsigned char* buffer, std::uint64_t count) {

@@ -14,10 +14,13 @@ namespace opc::test {
 /// Writes down the events of a document.
 class EventLog final : public model::XmlEvents {
 public:
+    void onVersion(std::u16string_view version) override;
     void onDeclaration(std::u16string_view encoding) override;
     void onStart(const model::XmlElement& element, const model::XmlPlace& behind) override;
     void onEnd() override;
     void onText(std::u16string_view text) override;
+    void onComment(std::u16string_view text) override;
+    void onInstruction(std::u16string_view target, std::u16string_view data) override;
 
     /// In UTF-8: a line for each event, with pieces of text put together.
     std::string lines;

@@ -16,23 +16,24 @@ using namespace opc::model;
 using namespace opc::test;
 
 const std::string RICH =
-    "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<!-- c\xC3\xA4 --><?p i?>\n"
+    "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<!-- c\xC3\xA4 --><?p  i ?>\n"
     "<r xmlns='http://a' xmlns:b='http://b' a='1&amp;2' b:a=\"'\t\r\n&#10;\xF0\x9F\x98\x80\" xml:lang='en'>"
     "t\xC3\xA4\r\nx&lt;&#x41;&#128512;<![CDATA[<&]>]]>]<b:c\n b:d='' ><c xmlns='' xmlns:b='http://c' "
     "b:a='1'/></b:c >"
-    "\xF0\x9F\x98\x80<e/>\r]] ></r>\n<!---->";
+    "<?q?><!--\r\n-->\xF0\x9F\x98\x80<e/>\r]] ></r>\n<!---->";
 
 TEST(XmlEvents, tellWhatTheDocumentSays) {
-    const std::string expected =
-        "declaration utf-8\n"
-        "start  {http://a}r 4:24 xmlns:=http://a xmlns:b=http://b {}a=1&2 {http://b}a='  \n\xF0\x9F\x98\x80 "
-        "{http://www.w3.org/XML/1998/namespace}lang=en\n"
-        "text t\xC3\xA4\nx<A\xF0\x9F\x98\x80<&]>]\n"
-        "start b {http://b}c 6:10 {http://b}d=\n"
-        "start  {}c 6:50 xmlns:= xmlns:b=http://c {http://c}a=1\nend\nend\n"
-        "text \xF0\x9F\x98\x80\n"
-        "start  {http://a}e 6:63\nend\n"
-        "text \n]] >\nend";
+    const std::string expected = "version 1.0 declaration utf-8\ncomment  c\xC3\xA4 \ninstruction p|i \n"
+                                 "start  {http://a}r 4:24 xmlns:=http://a xmlns:b=http://b  {}a=1&2 b "
+                                 "{http://b}a='  \n\xF0\x9F\x98\x80 "
+                                 "xml {http://www.w3.org/XML/1998/namespace}lang=en\n"
+                                 "text t\xC3\xA4\nx<A\xF0\x9F\x98\x80<&]>]\n"
+                                 "start b {http://b}c 6:10 b {http://b}d=\n"
+                                 "start  {}c 6:50 xmlns:= xmlns:b=http://c b {http://c}a=1\nend\nend\n"
+                                 "instruction q|\ncomment \n\n"
+                                 "text \xF0\x9F\x98\x80\n"
+                                 "start  {http://a}e 7:10\nend\n"
+                                 "text \n]] >\nend\ncomment ";
     for (const std::size_t bytesAtATime : {1U, 3U, 1000U}) {
         EXPECT_EQ(eventsOf(toBytes(RICH), bytesAtATime).whole(), expected);
         EXPECT_EQ(findEventDifference(toBytes(RICH), bytesAtATime), "");

@@ -20,6 +20,7 @@ struct XmlAttribute {
     std::u16string_view namespaceURI; ///< empty if the name has no prefix
     std::u16string_view localName;
     std::u16string_view value;
+    std::u16string_view prefix;
 };
 
 /// A declaration of a namespace (`xmlns`, `xmlns:a`).
@@ -63,6 +64,9 @@ class XmlEvents {
 public:
     virtual ~XmlEvents() = default;
 
+    /// The version of XML, "1.0" or "1.1". Not called without a declaration.
+    virtual void onVersion(std::u16string_view version) { (void)version; }
+
     /// @param encoding  the name in the XML declaration; empty if it has none. Not called without a declaration
     virtual void onDeclaration(std::u16string_view encoding) { (void)encoding; }
 
@@ -74,6 +78,15 @@ public:
 
     /// A piece of text, with references resolved. One text can come in several pieces.
     virtual void onText(std::u16string_view text) { (void)text; }
+
+    /// A comment, also outside the root element.
+    virtual void onComment(std::u16string_view text) { (void)text; }
+
+    /// A processing instruction, also outside the root element. `data` is what follows the white space behind the target.
+    virtual void onInstruction(std::u16string_view target, std::u16string_view data) {
+        (void)target;
+        (void)data;
+    }
 
 protected:
     XmlEvents() = default;
