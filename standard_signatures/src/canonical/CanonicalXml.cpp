@@ -1,0 +1,258 @@
+#include "canonical/CanonicalXml.hpp"
+
+#include "canonical/BaseURI.hpp"
+
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+constexpr std::string_view XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
+
+using Kind = XmlTreeNode::Kind;
+using Version = CanonicalForm::Version;
+
+/// Names of a relative form have no canonical form (Canonical XML 1.0 section 1.3).
+void throwIfRelative(std::string_view namespaceURI) {
+    const std::size_t place = namespaceURI.find_first_of(":/?#");
+    if (!namespaceURI.empty() && (place == std::string_view::npos || namespaceURI[place] != ':'))
+        throw model::InvalidXMLDocument("A namespace is a relative reference, which has no canonical form");
+}
+
+void append(std::string& text, std::string_view value, std::string_view special) {
+    for (;;) {
+        const std::size_t place = value.find_first_of(special);
+        text.append(value.substr(0, place));
+        if (place == std::string_view::npos)
+            return;
+        switch (value[place]) {
+        case '&':
+            text += "&amp;";
+            break;
+        case '<':
+            text += "&lt;";
+            break;
+        case '>':
+            text += "&gt;";
+            break;
+        case '"':
+            text += "&quot;";
+            break;
+        case '\t':
+            text += "&#x9;";
+            break;
+        case '\n':
+            text += "&#xA;";
+            break;
+        default:
+            text += "&#xD;";
+        }
+        value.remove_prefix(place + 1);
+    }
+}
+
+void appendName(std::string& text, std::string_view prefix, std::string_view name) {
+    text.append(prefix);
+    if (!prefix.empty())
+        text += ':';
+    text.append(name);
+}
+
+/// Which namespace each prefix has in what was written, at the element that is written now.
+class WrittenNamespaces {
+public:
+    std::string_view of(std::string_view prefix) const {
+        const auto found = values.find(prefix);
+        return found == values.end() || found->second.empty() ? std::string_view() : found->second.back();
+    }
+
+    void open() { counts.push_back(written.size()); }
+
+    void write(std::string_view prefix, std::string_view namespaceURI) {
+        values[prefix].push_back(namespaceURI);
+        written.push_back(prefix);
+    }
+
+    void close() {
+        for (; written.size() > counts.back(); written.pop_back())
+            values[written.back()].pop_back();
+        counts.pop_back();
+    }
+
+private:
+    std::map<std::string_view, std::vector<std::string_view>> values;
+    std::vector<std::string_view> written;
+    std::vector<std::size_t> counts; ///< of `written` at the start of each open element
+};
+
+class Canonicalizer {
+public:
+    Canonicalizer(const XmlTreeNode& apex, const CanonicalForm& form) : apex(apex), form(form) {}
+
+    std::string run() {
+        for (const XmlTreeNode* node = &apex; node != nullptr; node = next(*node))
+            begin(*node);
+        return std::move(text);
+    }
+
+private:
+    using Declarations = std::map<std::string_view, std::string_view>; ///< sorted as they are written
+    using Attribute = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view>;
+
+    /// The next node in document order, after the end of each element that ends in front of it.
+    const XmlTreeNode* next(const XmlTreeNode& node) {
+        if (node.firstChild != nullptr)
+            return node.firstChild;
+        for (const XmlTreeNode* at = &node;; at = at->parent) {
+            if (at->kind == Kind::Element)
+                end(*at);
+            if (at == &apex || at->next != nullptr)
+                return at == &apex ? nullptr : at->next;
+        }
+    }
+
+    void begin(const XmlTreeNode& node) {
+        switch (node.kind) {
+        case Kind::Element:
+            beginElement(node);
+            break;
+        case Kind::Text:
+            append(text, node.text, "&<>\r");
+            break;
+        case Kind::Comment:
+            if (form.withComments)
+                text.append("<!--").append(node.text).append("-->");
+            break;
+        case Kind::Instruction:
+            text.append("<?").append(node.name);
+            if (!node.text.empty())
+                text.append(" ").append(node.text);
+            text.append("?>");
+        }
+    }
+
+    void beginElement(const XmlTreeNode& element) {
+        text += '<';
+        appendName(text, element.prefix, element.name);
+        written.open();
+        for (const auto& [prefix, namespaceURI] : declarationsFor(element)) {
+            if (written.of(prefix) == namespaceURI)
+                continue;
+            throwIfRelative(namespaceURI);
+            written.write(prefix, namespaceURI);
+            text.append(prefix.empty() ? " xmlns" : " xmlns:").append(prefix).append("=\"");
+            appendAttributeValue(text, namespaceURI);
+            text += '"';
+        }
+        std::string base;
+        for (const auto& [namespaceURI, name, prefix, value] : attributesFor(element, base)) {
+            text += ' ';
+            appendName(text, prefix, name);
+            text += "=\"";
+            appendAttributeValue(text, value);
+            text += '"';
+        }
+        text += '>';
+    }
+
+    void end(const XmlTreeNode& element) {
+        text += "</";
+        appendName(text, element.prefix, element.name);
+        text += '>';
+        written.close();
+    }
+
+    /// Those that must be in force at the element, some of which are already.
+    Declarations declarationsFor(const XmlTreeNode& element) const {
+        Declarations needed;
+        const bool isExclusive = form.version == Version::Exclusive;
+        const auto need = [&](const XmlTreeDeclaration& declared) {
+            if (!isExclusive || form.inclusivePrefixes.count(declared.prefix) != 0)
+                needed.emplace(declared.prefix, declared.namespaceURI); // the innermost comes first
+        };
+        for (const XmlTreeNode* at = &element; at != nullptr; at = &element == &apex ? at->parent : nullptr)
+            std::for_each(at->declarations.begin(), at->declarations.end(), need);
+        if (isExclusive) {
+            needed[element.prefix] = element.namespaceURI;
+            for (const XmlTreeAttribute& attribute : element.attributes)
+                if (!attribute.prefix.empty())
+                    needed[attribute.prefix] = attribute.namespaceURI;
+            needed.erase("xml");
+        }
+        return needed;
+    }
+
+    /// @param base  room for a value of `xml:base`
+    std::vector<Attribute> attributesFor(const XmlTreeNode& element, std::string& base) const {
+        std::vector<Attribute> all;
+        for (const XmlTreeAttribute& one : element.attributes)
+            all.emplace_back(one.namespaceURI, one.name, one.prefix, one.value);
+        if (&element == &apex && form.version != Version::Exclusive)
+            inherit(all, base);
+        std::sort(all.begin(), all.end());
+        return all;
+    }
+
+    /// Attributes of XML's own namespace that elements around the apex have.
+    void inherit(std::vector<Attribute>& all, std::string& base) const {
+        const auto isOfXml = [](const XmlTreeAttribute& one) { return one.namespaceURI == XML_NAMESPACE; };
+        for (const XmlTreeNode* at = apex.parent; at != nullptr; at = at->parent)
+            for (const XmlTreeAttribute& one : at->attributes) {
+                const bool isInherited =
+                    form.version == Version::Inclusive10 || one.name == "lang" || one.name == "space";
+                const auto isSame = [&one](const Attribute& other) {
+                    return std::get<0>(other) == XML_NAMESPACE && std::get<1>(other) == one.name;
+                };
+                if (isOfXml(one) && isInherited && std::none_of(all.begin(), all.end(), isSame))
+                    all.emplace_back(one.namespaceURI, one.name, one.prefix, one.value);
+            }
+        if (form.version == Version::Inclusive11)
+            joinBases(all, base);
+    }
+
+    /// In version 1.1 the bases of all elements around the apex are joined with its own.
+    void joinBases(std::vector<Attribute>& all, std::string& base) const {
+        std::vector<std::string_view> bases; // from the inside to the outside
+        for (const XmlTreeNode* at = &apex; at != nullptr; at = at->parent)
+            for (const XmlTreeAttribute& one : at->attributes)
+                if (one.namespaceURI == XML_NAMESPACE && one.name == "base")
+                    bases.push_back(one.value);
+        if (bases.empty())
+            return;
+        all.erase(std::remove_if(all.begin(), all.end(),
+                                 [](const Attribute& one) {
+                                     return std::get<0>(one) == XML_NAMESPACE && std::get<1>(one) == "base";
+                                 }),
+                  all.end());
+        base = bases.back();
+        for (auto inner = bases.rbegin() + 1; inner != bases.rend(); ++inner)
+            base = joinBase(base, *inner);
+        if (!base.empty())
+            all.emplace_back(XML_NAMESPACE, "base", "xml", base);
+    }
+
+    const XmlTreeNode& apex;
+    const CanonicalForm& form;
+    WrittenNamespaces written;
+    std::string text;
+};
+
+} // namespace
+
+std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form) {
+    return Canonicalizer(element, form).run();
+}
+
+void appendAttributeValue(std::string& text, std::string_view value) {
+    append(text, value, "&<\"\t\n\r");
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "canonical/XmlTree.hpp"
+
+#include <set>
+#include <string>
+
+namespace opc::standard_signatures {
+
+/// How the canonical form of a subtree is written.
+struct CanonicalForm {
+    enum class Version {
+        Inclusive10, ///< Canonical XML 1.0
+        Inclusive11, ///< Canonical XML 1.1
+        Exclusive,   ///< Exclusive XML Canonicalization 1.0
+    };
+
+    Version version = Version::Inclusive10;
+    bool withComments = false;
+    std::set<std::string, std::less<>>
+        inclusivePrefixes; ///< of the exclusive form; empty for the default namespace
+
+    bool operator==(const CanonicalForm& other) const {
+        return version == other.version && withComments == other.withComments &&
+               inclusivePrefixes == other.inclusivePrefixes;
+    }
+};
+
+/// The canonical form of an element with all that is in it, as octets.
+/// @throws model::InvalidXMLDocument  a namespace is a relative reference, which has no canonical form
+std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form = {});
+
+/// What the canonical form writes for the value of an attribute.
+void appendAttributeValue(std::string& text, std::string_view value);
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,244 @@
+#include "canonical/XmlTree.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/XmlEvents.hpp>
+
+#include <algorithm>
+#include <deque>
+#include <memory_resource>
+#include <unordered_set>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& reason) {
+    throw model::InvalidXMLDocument(reason);
+}
+
+std::string narrow(std::u16string_view text) {
+    return toUDEString(std::u16string(text));
+}
+
+/// Counts what is read of a document. It is read a second time if its form is unusual.
+class BoundedStream final : public InputStream {
+public:
+    BoundedStream(InputStream& stream, std::uint64_t most) : stream(stream), most(most) {}
+
+    void open() override {
+        stream.open();
+        taken = 0;
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = stream.read(buffer, count);
+        taken += got;
+        if (taken > most)
+            refuse("The document is longer than " + std::to_string(most) + " bytes");
+        return got;
+    }
+    bool isDone() const override { return stream.isDone(); }
+    void close() override { stream.close(); }
+
+private:
+    InputStream& stream;
+    const std::uint64_t most;
+    std::uint64_t taken = 0;
+};
+
+} // namespace
+
+/// What all texts, lists and nodes of a tree live in.
+class XmlTree::Memory {
+public:
+    std::string_view keep(std::string_view text) {
+        if (text.empty())
+            return {"", 0};
+        auto* const place = static_cast<char*>(resource.allocate(text.size(), 1));
+        std::copy(text.begin(), text.end(), place);
+        return {place, text.size()};
+    }
+
+    /// The same for texts that come again and again.
+    std::string_view keepName(std::u16string_view name) {
+        const std::string text = narrow(name);
+        const auto known = names.find(text);
+        return known != names.end() ? *known : *names.insert(keep(text)).first;
+    }
+
+    template <typename T>
+    XmlTreeList<T> keep(const std::vector<T>& all) {
+        if (all.empty())
+            return {};
+        auto* const place = static_cast<T*>(resource.allocate(all.size() * sizeof(T), alignof(T)));
+        std::uninitialized_copy(all.begin(), all.end(), place);
+        return {place, all.size()};
+    }
+
+    XmlTreeNode& add(XmlTreeNode::Kind kind) {
+        nodes.emplace_back().kind = kind;
+        return nodes.back();
+    }
+
+private:
+    std::pmr::monotonic_buffer_resource resource;
+    std::deque<XmlTreeNode> nodes;
+    std::unordered_set<std::string_view> names;
+};
+
+class XmlTree::Builder final : public model::XmlEvents {
+public:
+    Builder(XmlTree& tree, const XmlTreeLimits& limits) : tree(tree), limits(limits) {}
+
+    void onVersion(std::u16string_view version) override {
+        if (version != u"1.0")
+            refuse("The document isn't one of XML 1.0");
+    }
+
+    void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        if (open.size() >= limits.depth)
+            refuse("Elements are nested deeper than " + std::to_string(limits.depth));
+        count(element.attributeCount() + element.declarationCount());
+        XmlTreeNode& node = append(XmlTreeNode::Kind::Element);
+        node.name = tree.memory->keepName(element.localName());
+        node.namespaceURI = tree.memory->keepName(element.namespaceURI());
+        node.prefix = tree.memory->keepName(element.prefix());
+        node.attributes = attributesOf(element);
+        node.declarations = declarationsOf(element);
+        open.push_back({&node, nullptr});
+    }
+    void onEnd() override {
+        endText();
+        open.pop_back();
+    }
+    void onText(std::u16string_view piece) override { text.append(piece); }
+    void onComment(std::u16string_view comment) override {
+        appendAside(XmlTreeNode::Kind::Comment, {}, comment);
+    }
+    void onInstruction(std::u16string_view target, std::u16string_view data) override {
+        appendAside(XmlTreeNode::Kind::Instruction, target, data);
+    }
+
+private:
+    struct Open {
+        XmlTreeNode* element;
+        XmlTreeNode* lastChild;
+    };
+
+    void count(std::uint64_t more) {
+        nodes += more;
+        if (nodes > limits.nodes)
+            refuse("The document has more than " + std::to_string(limits.nodes) + " nodes");
+    }
+
+    XmlTreeNode& append(XmlTreeNode::Kind kind) {
+        endText();
+        return appendNode(kind);
+    }
+
+    XmlTreeNode& appendNode(XmlTreeNode::Kind kind) {
+        count(1);
+        XmlTreeNode& node = tree.memory->add(kind);
+        if (open.empty()) {
+            tree.rootElement = &node;
+            return node;
+        }
+        auto& [parent, lastChild] = open.back();
+        node.parent = parent;
+        if (lastChild == nullptr)
+            parent->firstChild = &node;
+        else
+            lastChild->next = &node;
+        lastChild = &node;
+        return node;
+    }
+
+    void appendAside(XmlTreeNode::Kind kind, std::u16string_view target, std::u16string_view content) {
+        if (open.empty()) // beside the root element: in no subtree
+            return;
+        XmlTreeNode& node = append(kind);
+        node.name = tree.memory->keepName(target);
+        node.text = tree.memory->keep(narrow(content));
+    }
+
+    void endText() {
+        if (text.empty())
+            return;
+        appendNode(XmlTreeNode::Kind::Text).text = tree.memory->keep(narrow(text));
+        text.clear();
+    }
+
+    XmlTreeList<XmlTreeAttribute> attributesOf(const model::XmlElement& element) {
+        std::vector<XmlTreeAttribute> all;
+        for (std::size_t i = 0; i < element.attributeCount(); ++i) {
+            const model::XmlAttribute one = element.attribute(i);
+            all.push_back({tree.memory->keepName(one.namespaceURI), tree.memory->keepName(one.prefix),
+                           tree.memory->keepName(one.localName), tree.memory->keep(narrow(one.value))});
+        }
+        return tree.memory->keep(all);
+    }
+
+    XmlTreeList<XmlTreeDeclaration> declarationsOf(const model::XmlElement& element) {
+        std::vector<XmlTreeDeclaration> all;
+        for (std::size_t i = 0; i < element.declarationCount(); ++i) {
+            const model::XmlNamespaceDeclaration one = element.declaration(i);
+            if (one.prefix != u"xml") // it has its namespace without a declaration
+                all.push_back({tree.memory->keepName(one.prefix), tree.memory->keepName(one.namespaceURI)});
+        }
+        return tree.memory->keep(all);
+    }
+
+    XmlTree& tree;
+    const XmlTreeLimits limits;
+    std::vector<Open> open;
+    std::u16string text; ///< that no node has yet
+    std::uint64_t nodes = 0;
+};
+
+XmlTree::XmlTree() : memory(std::make_unique<Memory>()) {
+}
+
+XmlTree::XmlTree(XmlTree&&) noexcept = default;
+XmlTree& XmlTree::operator=(XmlTree&&) noexcept = default;
+XmlTree::~XmlTree() = default;
+
+XmlTree XmlTree::read(InputStream& stream, const XmlTreeLimits& limits) {
+    XmlTree tree;
+    Builder builder(tree, limits);
+    BoundedStream bounded(stream, limits.bytes);
+    model::readXmlDocument(bounded, builder);
+    return tree;
+}
+
+std::string_view attributeOf(const XmlTreeNode& element, std::string_view name) {
+    for (const XmlTreeAttribute& attribute : element.attributes)
+        if (attribute.namespaceURI.empty() && attribute.name == name)
+            return attribute.value;
+    return {};
+}
+
+const XmlTreeNode* firstElementFrom(const XmlTreeNode* node) {
+    while (node != nullptr && node->kind != XmlTreeNode::Kind::Element)
+        node = node->next;
+    return node;
+}
+
+std::string textOf(const XmlTreeNode& element) {
+    std::string text;
+    for (const XmlTreeNode* node = element.firstChild; node != nullptr; node = node->next)
+        if (node->kind == XmlTreeNode::Kind::Text)
+            text += node->text;
+    return text;
+}
+
+const XmlTreeNode* nextInSubtree(const XmlTreeNode& node, const XmlTreeNode& apex) {
+    if (node.firstChild != nullptr)
+        return node.firstChild;
+    for (const XmlTreeNode* at = &node; at != &apex; at = at->parent)
+        if (at->next != nullptr)
+            return at->next;
+    return nullptr;
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,126 @@
+#include "transform/RelationshipsDocument.hpp"
+
+#include "reason/Refusal.hpp"
+#include "transform/RelationshipsNamespace.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/XmlEvents.hpp>
+
+#include <algorithm>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& reason) {
+    throw Refusal(Reason::Code::RelationshipsRefused, "", reason);
+}
+
+std::string narrow(std::u16string_view text) {
+    return toUDEString(std::u16string(text));
+}
+
+class Reader final : public model::XmlEvents {
+public:
+    explicit Reader(RelationshipsDocument& document) : document(document) {}
+
+    void onVersion(std::u16string_view version) override {
+        if (version != u"1.0")
+            refuse("The document isn't one of XML 1.0");
+    }
+
+    void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        const std::u16string_view expected = depth == 0 ? u"Relationships" : u"Relationship";
+        if (depth > 1 || element.localName() != expected ||
+            narrow(element.namespaceURI()) != RELATIONSHIPS_NAMESPACE)
+            refuse("The element " + narrow(element.localName()) + " doesn't belong there");
+        ++depth;
+        if (depth == 2)
+            add(element);
+        else if (element.attributeCount() != 0)
+            refuse("The root element has an attribute");
+    }
+    void onEnd() override { --depth; }
+
+private:
+    void add(const model::XmlElement& element) {
+        if (document.relationships.size() >= RelationshipsDocument::MOST_RELATIONSHIPS)
+            throw Refusal(Reason::Code::BeyondLimit, "",
+                          "There are more than " + std::to_string(RelationshipsDocument::MOST_RELATIONSHIPS) +
+                              " relationships");
+        RelationshipValues values;
+        unsigned found = 0;
+        for (std::size_t i = 0; i < element.attributeCount(); ++i)
+            found |= take(element.attribute(i), values);
+        if ((found & ALL_REQUIRED) != ALL_REQUIRED)
+            refuse("A relationship has no Id, Type or Target");
+        document.relationships.push_back(std::move(values));
+    }
+
+    static unsigned take(const model::XmlAttribute& attribute, RelationshipValues& values) {
+        const std::string name = attribute.namespaceURI.empty() ? narrow(attribute.localName) : std::string();
+        const std::string value = narrow(attribute.value);
+        if (name == "Id")
+            values.id = value;
+        else if (name == "Type")
+            values.type = value;
+        else if (name == "Target")
+            values.target = value;
+        else if (name == "TargetMode" && (value == "External" || value == "Internal"))
+            values.isExternal = value == "External";
+        else
+            refuse("A relationship has the attribute " + narrow(attribute.localName) + " with the value \"" +
+                   value + "\"");
+        return name == "Id" ? 1 : name == "Type" ? 2 : name == "Target" ? 4 : 0;
+    }
+
+    static constexpr unsigned ALL_REQUIRED = 7;
+
+    RelationshipsDocument& document;
+    int depth = 0;
+};
+
+/// Counts what is read.
+class BoundedStream final : public InputStream {
+public:
+    explicit BoundedStream(InputStream& stream) : stream(stream) {}
+
+    void open() override {
+        stream.open();
+        taken = 0;
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = stream.read(buffer, count);
+        taken += got;
+        if (taken > RelationshipsDocument::MOST_BYTES)
+            throw Refusal(Reason::Code::BeyondLimit, "", "The relationships part is longer than 32 MiB");
+        return got;
+    }
+    bool isDone() const override { return stream.isDone(); }
+    void close() override { stream.close(); }
+
+private:
+    InputStream& stream;
+    std::uint64_t taken = 0;
+};
+
+} // namespace
+
+RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
+    RelationshipsDocument document;
+    Reader reader(document);
+    BoundedStream bounded(stream);
+    model::readXmlDocument(bounded, reader);
+    auto& all = document.relationships;
+    std::sort(all.begin(), all.end(), [](const RelationshipValues& left, const RelationshipValues& right) {
+        return left.id < right.id;
+    });
+    const auto twin = std::adjacent_find(
+        all.begin(), all.end(),
+        [](const RelationshipValues& left, const RelationshipValues& right) { return left.id == right.id; });
+    if (twin != all.end())
+        refuse("Two relationships have the Id " + twin->id);
+    return document;
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <opc/core/InputStream.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+/// One relationship with its values as the parser gives them, in UTF-8.
+struct RelationshipValues {
+    std::string id, type, target;
+    bool isExternal = false;
+};
+
+/// The relationships of a relationships part.
+struct RelationshipsDocument {
+    std::vector<RelationshipValues> relationships; ///< sorted by ID, character by character
+
+    static constexpr std::uint64_t MOST_BYTES = 32U << 20;
+    static constexpr std::size_t MOST_RELATIONSHIPS = 250000;
+
+    /// Reads a part in which nothing is left to interpretation: by namespace, without foreign elements and attributes, and
+    /// with each ID once. Comments, instructions and text may stand anywhere.
+    /// @param stream  open, at its first byte
+    /// @throws Refusal  with `RelationshipsRefused` or `BeyondLimit`
+    /// @throws model::InvalidXMLDocument
+    /// @throws the exceptions of the stream
+    static RelationshipsDocument read(InputStream& stream);
+};
+
+} // namespace opc::standard_signatures

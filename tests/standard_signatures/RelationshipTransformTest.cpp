@@ -1,0 +1,113 @@
+#include "transform/RelationshipTransform.hpp"
+#include "support/EventComparison.hpp"
+#include "support/PackageContent.hpp"
+#include "support/Texts.hpp"
+#include "support/Throws.hpp"
+
+#include <opc/model/Errors.hpp>
+
+namespace {
+
+using namespace opc;
+using namespace opc::test;
+using namespace opc::standard_signatures;
+
+const std::string ROOT =
+    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
+
+RelationshipsDocument read(const std::string& text) {
+    const Bytes bytes = toBytes(text);
+    SlowStream stream(bytes, 1000);
+    return RelationshipsDocument::read(stream);
+}
+
+std::string transformed(const std::string& text, const RelationshipSelection& selection) {
+    return canonicalize(select(read(text), selection));
+}
+
+std::string element(const std::string& id, const std::string& mode = "Internal") {
+    return "<Relationship Id=\"" + id + "\" Target=\"t\" TargetMode=\"" + mode +
+           "\" Type=\"u:t\"></Relationship>";
+}
+
+TEST(RelationshipTransform, writesTheSameForEachWayToWriteTheDocument) {
+    const std::string expected =
+        ROOT + element("r1") + element("r10", "External") + element("r2") + "</Relationships>";
+    const std::string whole[] = {
+        ROOT + element("r2") + element("r10", "External") + element("r1") + element("r3") +
+            "</Relationships>",
+        "\xEF\xBB\xBF<?xml version='1.0' standalone='yes'?><!--c-->\r\n<Relationships "
+        "xmlns='http://schemas.openxmlformats.org/package/2006/relationships' xmlns:b='u:b'>\r\n text<?p?>"
+        "<Relationship Target='t' Type='u:t' Id='r2'/><Relationship Type='&#117;:t' Id='r1' "
+        "Target='t'><!--c--> "
+        "</Relationship><![CDATA[<]]><Relationship TargetMode='External' Target='t' Type='u:t' "
+        "Id='r10'/></Relationships>",
+        "<p:Relationships xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships'>"
+        "<p:Relationship Target='t' Type='u:t' Id='r1'/><q:Relationship "
+        "xmlns:q='http://schemas.openxmlformats.org/package/2006/relationships' Target='t' Type='u:t' "
+        "Id='r2'/>"
+        "<p:Relationship Id='r10' Target='t' TargetMode='External' Type='u:t'/></p:Relationships>",
+    };
+    for (const std::string& text : whole)
+        EXPECT_EQ(transformed(text, {{"r10", "r1", "r2"}, {}}), expected) << text;
+    EXPECT_EQ(transformed(whole[1], {{}, {}}), ROOT + "</Relationships>");
+    EXPECT_EQ(transformed(whole[1], {{"r1"}, {"u:t"}}), expected);
+    EXPECT_EQ(transformed(whole[1], {{"r1"}, {"u:T"}}), ROOT + element("r1") + "</Relationships>");
+}
+
+TEST(RelationshipTransform, escapesWhatAnAttributeCanNotHold) {
+    EXPECT_EQ(transformed(ROOT + "<Relationship Id='\xC3\xA4' Target='&amp;&lt;&gt;&quot;\"' "
+                                 "Type='&#9;&#10;&#13;\t \xF0\x90\x80\x80'/></Relationships>",
+                          {{"\xC3\xA4"}, {}}),
+              ROOT +
+                  "<Relationship Id=\"\xC3\xA4\" Target=\"&amp;&lt;>&quot;&quot;\" TargetMode=\"Internal\" "
+                  "Type=\"&#x9;&#xA;&#xD;  \xF0\x90\x80\x80\"></Relationship></Relationships>");
+}
+
+TEST(RelationshipTransform, sortsByCharactersBeyondTheFirstPlane) {
+    const std::string text = ROOT + element("\xF0\x90\x80\x80") + element("\xEF\xBC\xA1") +
+                             element("\xC3\xA4") + "</Relationships>";
+    const RelationshipsDocument document = read(text);
+    EXPECT_EQ(document.relationships[0].id, "\xC3\xA4");
+    EXPECT_EQ(document.relationships[1].id, "\xEF\xBC\xA1");
+    EXPECT_EQ(document.relationships[2].id, "\xF0\x90\x80\x80");
+}
+
+TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
+    const std::string refusal = "opc::standard_signatures::Refusal: ";
+    const std::string invalid = "opc::model::InvalidXMLDocument: ";
+    const struct {
+        std::string content, outcome;
+    } cases[] = {
+        {ROOT + element("a") + element("a") + "</Relationships>",
+         refusal + "Two relationships have the Id a"},
+        {ROOT + "<x/></Relationships>", refusal + "The element x doesn't belong there"},
+        {ROOT + "<Relationship xmlns='u:a' Id='a' Type='u:t' Target='t'/></Relationships>",
+         refusal + "The element Relationship doesn't belong there"},
+        {ROOT + "<Relationship Id='a' Type='u:t' Target='t'><x/></Relationship></Relationships>",
+         refusal + "The element x doesn't belong there"},
+        {"<Relationships/>", refusal + "The element Relationships doesn't belong there"},
+        {"<Relationships xml:space='preserve' "
+         "xmlns='http://schemas.openxmlformats.org/package/2006/relationships'/>",
+         refusal + "The root element has an attribute"},
+        {ROOT + "<Relationship Id='a' Type='u:t'/></Relationships>",
+         refusal + "A relationship has no Id, Type or Target"},
+        {ROOT + "<Relationship Id='a' Type='u:t' Target='t' TargetMode='external'/></Relationships>",
+         refusal + "A relationship has the attribute TargetMode with the value \"external\""},
+        {ROOT + "<Relationship Id='a' Type='u:t' Target='t' a:Id='b' xmlns:a='u:a'/></Relationships>",
+         refusal + "A relationship has the attribute Id with the value \"b\""},
+        {ROOT + element("b") + "</Relationships>", refusal + "A signed relationship is missing"},
+        {"<?xml version='1.1'?>" + ROOT + "</Relationships>", refusal + "The document isn't one of XML 1.0"},
+        {"<!DOCTYPE r>" + ROOT + "</Relationships>", invalid + "invalid document structure"},
+        {ROOT + repeated("<Relationship Id='a' Type='' Target=''/>", 250001) + "</Relationships>",
+         refusal + "There are more than 250000 relationships"},
+    };
+    for (const auto& [content, outcome] : cases)
+        EXPECT_EQ(outcomeOf([&, text = content] {
+                      transformed(text, {{"a"}, {}});
+                  }),
+                  outcome)
+            << content.substr(0, 300);
+}
+
+} // namespace
