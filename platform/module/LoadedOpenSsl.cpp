@@ -23,6 +23,32 @@ RsaKeyPair generateRsaKeyPair(std::size_t bits) {
     return module().generateRsaKeyPair(bits);
 }
 
+PublicKeyKind describePublicKey(const std::vector<unsigned char>& publicKey) {
+    return module().describePublicKey(publicKey);
+}
+
+std::vector<unsigned char> makeRSAPublicKey(const std::vector<unsigned char>& modulus,
+                                            const std::vector<unsigned char>& exponent) {
+    return module().makeRSAPublicKey(modulus, exponent);
+}
+
+std::vector<unsigned char> makeECPublicKey(const std::string& curve,
+                                           const std::vector<unsigned char>& point) {
+    return module().makeECPublicKey(curve, point);
+}
+
+SignatureValueStatus checkSignatureValue(const std::vector<unsigned char>& publicKey, SignatureScheme scheme,
+                                         DigestAlgorithm algorithm, const std::string& content,
+                                         const std::vector<unsigned char>& value) {
+    return module().checkSignatureValue(publicKey, scheme, algorithm, content, value);
+}
+
+std::vector<unsigned char> makeSignatureValue(const std::vector<unsigned char>& privateKey,
+                                              SignatureScheme scheme, DigestAlgorithm algorithm,
+                                              const std::string& content) {
+    return module().makeSignatureValue(privateKey, scheme, algorithm, content);
+}
+
 namespace cryptopp {
 
 std::shared_ptr<DigestEngine> CryptoProvider::createDigestEngine(DigestAlgorithm algorithm) {
@@ -89,6 +115,10 @@ Bytes X509Certificate::getPublicExponent() const {
     return (this->*module().publicExponent)();
 }
 
+Bytes X509Certificate::getPublicKey() const {
+    return (this->*module().publicKey)();
+}
+
 bool X509Certificate::isValidForDigitalSigning() const {
     return (this->*module().isValidForDigitalSigning)();
 }
@@ -129,6 +159,11 @@ void CertificateValidationOptions::addRevocationList(const Bytes& bytes) {
 
 std::vector<X509Certificate> detail::readCertificates(const std::filesystem::path& file) {
     return module().fileOfCertificates(file);
+}
+
+TimeStampResults checkTimeStamp(const Bytes& token, const std::string& content,
+                                const CertificateValidationOptions& options, const TrustStore& trustStore) {
+    return module().timeStamp(token, content, options, trustStore);
 }
 
 } // namespace certificates

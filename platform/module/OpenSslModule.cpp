@@ -29,10 +29,16 @@ extern "C" __attribute__((visibility("default"))) const bedrock::OpenSslModule o
 const bedrock::OpenSslModule opcmodelOpenSsl = {
     &bedrock::provider,
     &bedrock::crypto::generateRsaKeyPair,
+    &bedrock::crypto::describePublicKey,
+    &bedrock::crypto::makeRSAPublicKey,
+    &bedrock::crypto::makeECPublicKey,
+    &bedrock::crypto::checkSignatureValue,
+    &bedrock::crypto::makeSignatureValue,
     &bedrock::readCertificate,
     &bedrock::OpenSslModule::X509::getKeySize,
     &bedrock::OpenSslModule::X509::getModulus,
     &bedrock::OpenSslModule::X509::getPublicExponent,
+    &bedrock::OpenSslModule::X509::getPublicKey,
     &bedrock::OpenSslModule::X509::isValidForDigitalSigning,
     &bedrock::OpenSslModule::X509::getAsString,
     &bedrock::OpenSslModule::X509::getAsByteArray,
@@ -43,4 +49,5 @@ const bedrock::OpenSslModule opcmodelOpenSsl = {
     &bedrock::OpenSslModule::Pkcs12::getPrivateExponent,
     &bedrock::OpenSslModule::Options::addRevocationList,
     &bedrock::certificates::detail::readCertificates,
+    &bedrock::certificates::checkTimeStamp,
 };

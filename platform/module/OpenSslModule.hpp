@@ -3,7 +3,9 @@
 #include "CertificateFile.hpp"
 
 #include <bedrock/certificates/PKCS12Certificate.hpp>
+#include <bedrock/certificates/TimeStamp.hpp>
 #include <bedrock/crypto/RsaKeyPair.hpp>
+#include <bedrock/crypto/SignatureValue.hpp>
 #include <bedrock/crypto/interfaces/ICryptoProvider.hpp>
 
 namespace bedrock {
@@ -23,10 +25,17 @@ struct OpenSslModule {
     crypto::interfaces::ICryptoProvider& (*provider)();
     decltype(&crypto::generateRsaKeyPair) generateRsaKeyPair;
 
+    decltype(&crypto::describePublicKey) describePublicKey;
+    decltype(&crypto::makeRSAPublicKey) makeRSAPublicKey;
+    decltype(&crypto::makeECPublicKey) makeECPublicKey;
+    decltype(&crypto::checkSignatureValue) checkSignatureValue;
+    decltype(&crypto::makeSignatureValue) makeSignatureValue;
+
     X509 (*certificate)(const Bytes& bytes);
     decltype(&X509::getKeySize) keySize;
     decltype(&X509::getModulus) modulus;
     decltype(&X509::getPublicExponent) publicExponent;
+    decltype(&X509::getPublicKey) publicKey;
     decltype(&X509::isValidForDigitalSigning) isValidForDigitalSigning;
     decltype(&X509::getAsString) asString;
     decltype(&X509::getAsByteArray) asByteArray;
@@ -40,6 +49,7 @@ struct OpenSslModule {
     decltype(&Options::addRevocationList) addRevocationList;
 
     decltype(&certificates::detail::readCertificates) fileOfCertificates;
+    decltype(&certificates::checkTimeStamp) timeStamp;
 };
 
 } // namespace bedrock

@@ -26,6 +26,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/RandomAccessSource.hpp>
 #include <opc/physical/ZipPackage.hpp>
+#include <opc/standard_signatures/Verification.hpp>
 
 #include <iostream>
 

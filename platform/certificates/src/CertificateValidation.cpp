@@ -152,7 +152,8 @@ Attempt judgeChain(STACK_OF(X509) * chain, const CertificateValidationOptions& o
             return {
                 refusal(Status::Revoked, X509_verify_cert_error_string(X509_V_ERR_CERT_REVOKED), revoked)};
     }
-    const detail::UsageObjection objection = detail::findUsageObjection(chain);
+    const detail::UsageObjection objection =
+        detail::findUsageObjection(chain, options.isAcceptingOtherKeys());
     if (!objection.reason.empty()) {
         X509* certificate = sk_X509_value(chain, objection.depth);
         return {refusal(Status::WrongPurpose, objection.reason, certificate),

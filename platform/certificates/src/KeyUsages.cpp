@@ -51,11 +51,11 @@ bool isExponentTrivial(const EVP_PKEY* key) {
 }
 
 /// Why the certificate itself can't sign.
-std::string objectionTo(X509& certificate) {
+std::string objectionTo(X509& certificate, bool allowsOtherKeys) {
     const EVP_PKEY* key = X509_get0_pubkey(&certificate);
-    if (key && EVP_PKEY_is_a(key, "RSA-PSS"))
+    if (!allowsOtherKeys && key && EVP_PKEY_is_a(key, "RSA-PSS"))
         return "the certificate's key is for RSA-PSS, which isn't supported";
-    if (!key || !EVP_PKEY_is_a(key, "RSA"))
+    if (!key || (!allowsOtherKeys && !EVP_PKEY_is_a(key, "RSA")))
         return "the certificate's key isn't an RSA key";
     // All bits are set if the extension is absent, none if the extensions can't be read.
     if ((X509_get_key_usage(&certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
@@ -65,8 +65,8 @@ std::string objectionTo(X509& certificate) {
 
 } // namespace
 
-UsageObjection findUsageObjection(STACK_OF(X509) * chain) {
-    std::string reason = objectionTo(*sk_X509_value(chain, 0));
+UsageObjection findUsageObjection(STACK_OF(X509) * chain, bool allowsOtherKeys) {
+    std::string reason = objectionTo(*sk_X509_value(chain, 0), allowsOtherKeys);
     if (!reason.empty())
         return {0, std::move(reason)};
     unsigned allowed = AllSigningUsages;

@@ -13,6 +13,7 @@ struct UsageObjection {
 };
 
 /// Checks the kind of the signer's key, its key usage, and the extended key usages of the whole chain.
-UsageObjection findUsageObjection(STACK_OF(X509) * chain);
+/// @param allowsOtherKeys  whether the signer may have another key than one for RSA with PKCS#1 padding
+UsageObjection findUsageObjection(STACK_OF(X509) * chain, bool allowsOtherKeys);
 
 } // namespace bedrock::certificates::detail

@@ -95,6 +95,14 @@ Bytes X509Certificate::getPublicExponent() const {
     return getNumber(*this, OSSL_PKEY_PARAM_RSA_E);
 }
 
+Bytes X509Certificate::getPublicKey() const {
+    const openssl::ErrorScope scope;
+    Bytes der = openssl::toDer<i2d_X509_PUBKEY>(*X509_get_X509_PUBKEY(&CertificateAccess::get(*this)));
+    if (der.empty())
+        openssl::fail<X509CertificateException>("The certificate's key can't be encoded.");
+    return der;
+}
+
 bool X509Certificate::isValidForDigitalSigning() const {
     if (empty())
         return false;

@@ -33,6 +33,11 @@ public:
     void setAcceptingWeakDigests(bool accepting) { acceptingWeakDigests = accepting; }
     bool isAcceptingWeakDigests() const { return acceptingWeakDigests; }
 
+    /// Whether the validated certificate may have another key than one for RSA with PKCS#1 padding: one on an elliptic
+    /// curve, or one that is limited to RSA-PSS.
+    void setAcceptingOtherKeys(bool accepting) { acceptingOtherKeys = accepting; }
+    bool isAcceptingOtherKeys() const { return acceptingOtherKeys; }
+
     /// Adds a revocation list, and switches the use of revocation lists on.
     /// @param bytes  one list in DER or PEM
     /// @throws CertificateException  the bytes aren't a revocation list
@@ -57,6 +62,7 @@ private:
     std::optional<Time> checkTime;
     bool acceptingWeakKeys = false;
     bool acceptingWeakDigests = false;
+    bool acceptingOtherKeys = false;
     bool usingRevocationLists = false;
     std::vector<std::shared_ptr<const detail::RevocationList>> lists;
 };

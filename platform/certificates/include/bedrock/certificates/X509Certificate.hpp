@@ -44,6 +44,9 @@ public:
     /// Big-endian, without leading zeros; empty if there is no RSA key.
     std::vector<unsigned char> getPublicExponent() const;
 
+    /// The key as SubjectPublicKeyInfo in DER.
+    std::vector<unsigned char> getPublicKey() const;
+
     /// Whether the key usage allows signing documents: the extension is absent, or names digitalSignature or nonRepudiation
     /// (RFC 5280 section 4.2.1.3).
     bool isValidForDigitalSigning() const;
@@ -65,7 +68,8 @@ public:
     /// 1. A chain leads through certificates of `chain` to a certificate of `trustStore` and is valid by RFC 5280 section 6,
     ///    with name constraints and policies, at the time in `options`. A chain can end in any certificate of the store,
     ///    self-signed or not. Up to 20 certificates of `chain` that don't lead to the store are ignored.
-    /// 2. The certificate may sign: it has an RSA key that isn't limited to RSA-PSS, `isValidForDigitalSigning` is true,
+    /// 2. The certificate may sign: it has an RSA key that isn't limited to RSA-PSS or, if the options accept them, another key;
+    ///    `isValidForDigitalSigning` is true,
     ///    and at least one of code signing, e-mail protection and document signing (RFC 9336) is allowed by every extended
     ///    key usage of the chain. A certificate without this extension, or with anyExtendedKeyUsage, allows all of them.
     ///    The usages of an issuer limit those of the certificates below it.

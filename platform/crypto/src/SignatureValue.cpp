@@ -1,0 +1,282 @@
+#include <bedrock/crypto/SignatureValue.hpp>
+
+#include "EvpDigestEngine.hpp"
+#include "OpenSsl.hpp"
+
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
+#include <openssl/core_names.h>
+#include <openssl/ec.h>
+#include <openssl/rsa.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace bedrock::crypto {
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using openssl::PkeyPtr;
+using utils::InvalidKey;
+
+using EcdsaPtr = std::unique_ptr<ECDSA_SIG, openssl::Deleter<ECDSA_SIG_free>>;
+
+constexpr std::size_t MOST_KEY_BYTES = 16384; // of an encoded key
+constexpr int MOST_BITS = 16384;
+constexpr int MOST_EXPONENT_BITS = 64;
+
+struct Curve {
+    const char* name;
+    const char* openSslName;
+};
+constexpr Curve CURVES[] = {{"P-256", "prime256v1"}, {"P-384", "secp384r1"}, {"P-521", "secp521r1"}};
+
+bool isRSA(const EVP_PKEY& key) {
+    return EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_is_a(&key, "RSA-PSS");
+}
+
+/// Numbers that cost too much, or that everybody can sign with.
+void throwIfUnusable(const EVP_PKEY& key) {
+    if (!isRSA(key))
+        return;
+    const openssl::BnPtr exponent = openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_E);
+    if (EVP_PKEY_get_bits(&key) > MOST_BITS || !exponent || BN_is_one(exponent.get()) ||
+        !BN_is_odd(exponent.get()) || BN_num_bits(exponent.get()) > MOST_EXPONENT_BITS)
+        throw InvalidKey("The RSA key can't be used.");
+}
+
+PkeyPtr readPublic(const Bytes& encoded) {
+    PkeyPtr key = encoded.size() > MOST_KEY_BYTES
+                      ? PkeyPtr()
+                      : openssl::fromDer<PkeyPtr, d2i_PUBKEY>(encoded.data(), encoded.size());
+    if (!key)
+        openssl::fail<InvalidKey>("The bytes are no public key.");
+    throwIfUnusable(*key);
+    return key;
+}
+
+PkeyPtr readPrivate(const Bytes& encoded) {
+    const auto structure =
+        encoded.size() > MOST_KEY_BYTES
+            ? openssl::Pkcs8Ptr()
+            : openssl::fromDer<openssl::Pkcs8Ptr, d2i_PKCS8_PRIV_KEY_INFO>(encoded.data(), encoded.size());
+    PkeyPtr key(structure ? EVP_PKCS82PKEY(structure.get()) : nullptr);
+    if (!key)
+        openssl::fail<InvalidKey>("The bytes are no private key.");
+    throwIfUnusable(*key);
+    return key;
+}
+
+Bytes encode(const EVP_PKEY& key) {
+    Bytes der = openssl::toDer<i2d_PUBKEY>(key);
+    if (der.empty())
+        openssl::fail<utils::Exception>("The public key can't be encoded.");
+    return der;
+}
+
+std::string curveOf(const EVP_PKEY& key) {
+    char name[64];
+    std::size_t size = 0;
+    if (!EVP_PKEY_is_a(&key, "EC") || !EVP_PKEY_get_group_name(&key, name, sizeof name, &size))
+        return {};
+    const auto* const known = std::find_if(std::begin(CURVES), std::end(CURVES), [&](const Curve& one) {
+        return name == std::string(one.openSslName);
+    });
+    return known == std::end(CURVES) ? std::string() : known->name;
+}
+
+PkeyPtr make(const char* algorithm, const OSSL_PARAM_BLD& builder) {
+    const openssl::ParamsPtr params =
+        openssl::made(openssl::ParamsPtr(OSSL_PARAM_BLD_to_param(const_cast<OSSL_PARAM_BLD*>(&builder))));
+    const openssl::PkeyCtxPtr context =
+        openssl::made(openssl::PkeyCtxPtr(EVP_PKEY_CTX_new_from_name(nullptr, algorithm, nullptr)));
+    EVP_PKEY* key = nullptr;
+    if (EVP_PKEY_fromdata_init(context.get()) != 1 ||
+        EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1)
+        openssl::fail<InvalidKey>("The numbers make no public key.");
+    return PkeyPtr(key);
+}
+
+bool fits(const EVP_PKEY& key, SignatureScheme scheme) {
+    switch (scheme) {
+    case SignatureScheme::RSAPKCS1:
+        return EVP_PKEY_is_a(&key, "RSA");
+    case SignatureScheme::RSAPSS:
+        return isRSA(key);
+    default:
+        return EVP_PKEY_is_a(&key, "EC");
+    }
+}
+
+/// Sets what the scheme says about a signature on RSA.
+/// @param context  of a call that signs or verifies
+bool setScheme(EVP_PKEY_CTX* context, SignatureScheme scheme) {
+    if (scheme == SignatureScheme::ECDSA)
+        return true;
+    if (scheme == SignatureScheme::RSAPKCS1)
+        return EVP_PKEY_CTX_set_rsa_padding(context, RSA_PKCS1_PADDING) == 1;
+    return EVP_PKEY_CTX_set_rsa_padding(context, RSA_PKCS1_PSS_PADDING) == 1 &&
+           EVP_PKEY_CTX_set_rsa_pss_saltlen(context, RSA_PSS_SALTLEN_DIGEST) == 1;
+}
+
+std::size_t orderSize(const EVP_PKEY& key) {
+    return (static_cast<std::size_t>(EVP_PKEY_get_bits(&key)) + 7) / 8;
+}
+
+/// The form in which OpenSSL takes r and s; empty if the value has another length.
+Bytes toDer(const EVP_PKEY& key, const Bytes& value) {
+    const int size = static_cast<int>(orderSize(key));
+    if (value.size() != 2 * orderSize(key))
+        return {};
+    const EcdsaPtr pair = openssl::made(EcdsaPtr(ECDSA_SIG_new()));
+    BIGNUM* const r = BN_bin2bn(value.data(), size, nullptr);
+    BIGNUM* const s = BN_bin2bn(value.data() + size, size, nullptr);
+    if (!ECDSA_SIG_set0(pair.get(), r, s))
+        throw std::bad_alloc();
+    return openssl::toDer<i2d_ECDSA_SIG>(*pair);
+}
+
+Bytes fromDer(const EVP_PKEY& key, const Bytes& der) {
+    const auto pair = openssl::fromDer<EcdsaPtr, d2i_ECDSA_SIG>(der.data(), der.size());
+    const std::size_t size = orderSize(key);
+    Bytes value(2 * size);
+    if (!pair || BN_bn2binpad(ECDSA_SIG_get0_r(pair.get()), value.data(), static_cast<int>(size)) < 0 ||
+        BN_bn2binpad(ECDSA_SIG_get0_s(pair.get()), value.data() + size, static_cast<int>(size)) < 0)
+        openssl::fail<utils::Exception>("The key can't sign.");
+    return value;
+}
+
+bool holds(EVP_PKEY& key, SignatureScheme scheme, DigestAlgorithm algorithm, const std::string& content,
+           const Bytes& value) {
+    const openssl::MdCtxPtr context = openssl::made(openssl::MdCtxPtr(EVP_MD_CTX_new()));
+    EVP_PKEY_CTX* of = nullptr;
+    return EVP_DigestVerifyInit_ex(context.get(), &of, getOpenSslName(algorithm), nullptr, nullptr, &key,
+                                   nullptr) == 1 &&
+           setScheme(of, scheme) &&
+           EVP_DigestVerify(context.get(), value.data(), value.size(),
+                            reinterpret_cast<const unsigned char*>(content.data()), content.size()) == 1;
+}
+
+/// DigestInfo without parameters (RFC 8017 section 9.2), in front of the digest.
+Bytes digestInfoWithoutNull(DigestAlgorithm algorithm, const Bytes& digest) {
+    Bytes oid;
+    switch (algorithm) {
+    case DigestAlgorithm::SHA1:
+        oid = {0x2B, 0x0E, 0x03, 0x02, 0x1A};
+        break;
+    case DigestAlgorithm::SHA256:
+        oid = {0x60, 0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02, 0x01};
+        break;
+    case DigestAlgorithm::SHA384:
+        oid = {0x60, 0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02, 0x02};
+        break;
+    case DigestAlgorithm::SHA512:
+        oid = {0x60, 0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02, 0x03};
+        break;
+    default:
+        return {};
+    }
+    const auto byte = [](std::size_t number) { return static_cast<unsigned char>(number); };
+    Bytes info{
+        0x30, byte(oid.size() + digest.size() + 6), 0x30, byte(oid.size() + 2), 0x06, byte(oid.size())};
+    info.insert(info.end(), oid.begin(), oid.end());
+    info.insert(info.end(), {0x04, byte(digest.size())});
+    info.insert(info.end(), digest.begin(), digest.end());
+    return info;
+}
+
+bool holdsWithoutNull(EVP_PKEY& key, DigestAlgorithm algorithm, const std::string& content,
+                      const Bytes& value) {
+    const Bytes expected = digestInfoWithoutNull(
+        algorithm, EvpDigestEngine(algorithm).computeDigest(Bytes(content.begin(), content.end())));
+    const openssl::PkeyCtxPtr context =
+        openssl::made(openssl::PkeyCtxPtr(EVP_PKEY_CTX_new_from_pkey(nullptr, &key, nullptr)));
+    Bytes recovered(static_cast<std::size_t>(EVP_PKEY_get_size(&key)));
+    std::size_t size = recovered.size();
+    if (expected.empty() || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
+        EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) != 1 ||
+        EVP_PKEY_verify_recover(context.get(), recovered.data(), &size, value.data(), value.size()) != 1)
+        return false;
+    recovered.resize(size);
+    return recovered == expected;
+}
+
+} // namespace
+
+PublicKeyKind describePublicKey(const Bytes& publicKey) {
+    using Algorithm = PublicKeyKind::Algorithm;
+    const openssl::ErrorScope scope;
+    const PkeyPtr key = readPublic(publicKey);
+    const Algorithm algorithm = EVP_PKEY_is_a(key.get(), "RSA")       ? Algorithm::RSA
+                                : EVP_PKEY_is_a(key.get(), "RSA-PSS") ? Algorithm::RSAPSS
+                                : EVP_PKEY_is_a(key.get(), "EC")      ? Algorithm::EC
+                                                                      : Algorithm::Other;
+    return {algorithm, static_cast<std::size_t>(std::max(0, EVP_PKEY_get_bits(key.get()))), curveOf(*key)};
+}
+
+Bytes makeRSAPublicKey(const Bytes& modulus, const Bytes& exponent) {
+    const openssl::ErrorScope scope;
+    if (modulus.size() > MOST_KEY_BYTES || exponent.size() > MOST_KEY_BYTES)
+        throw InvalidKey("The numbers make no public key.");
+    const openssl::BnPtr n = openssl::toNumber(modulus);
+    const openssl::BnPtr e = openssl::toNumber(exponent);
+    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
+    if (!OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, n.get()) ||
+        !OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, e.get()))
+        throw std::bad_alloc();
+    const PkeyPtr key = make("RSA", *builder);
+    throwIfUnusable(*key);
+    return encode(*key);
+}
+
+Bytes makeECPublicKey(const std::string& curve, const Bytes& point) {
+    const openssl::ErrorScope scope;
+    const auto* const known = std::find_if(std::begin(CURVES), std::end(CURVES),
+                                           [&curve](const Curve& one) { return curve == one.name; });
+    if (known == std::end(CURVES))
+        throw InvalidKey("There is no such curve.");
+    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
+    if (!OSSL_PARAM_BLD_push_utf8_string(builder.get(), OSSL_PKEY_PARAM_GROUP_NAME, known->openSslName, 0) ||
+        !OSSL_PARAM_BLD_push_octet_string(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, point.data(), point.size()))
+        throw std::bad_alloc();
+    return encode(*make("EC", *builder));
+}
+
+SignatureValueStatus checkSignatureValue(const Bytes& publicKey, SignatureScheme scheme,
+                                         DigestAlgorithm algorithm, const std::string& content,
+                                         const Bytes& value) {
+    const openssl::ErrorScope scope;
+    const PkeyPtr key = readPublic(publicKey);
+    if (!fits(*key, scheme))
+        return SignatureValueStatus::Wrong;
+    const Bytes given = scheme == SignatureScheme::ECDSA ? toDer(*key, value) : value;
+    if (holds(*key, scheme, algorithm, content, given))
+        return SignatureValueStatus::Right;
+    return scheme == SignatureScheme::RSAPKCS1 && holdsWithoutNull(*key, algorithm, content, value)
+               ? SignatureValueStatus::RightWithoutNull
+               : SignatureValueStatus::Wrong;
+}
+
+Bytes makeSignatureValue(const Bytes& privateKey, SignatureScheme scheme, DigestAlgorithm algorithm,
+                         const std::string& content) {
+    const openssl::ErrorScope scope;
+    const PkeyPtr key = readPrivate(privateKey);
+    const openssl::MdCtxPtr context = openssl::made(openssl::MdCtxPtr(EVP_MD_CTX_new()));
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(content.data());
+    EVP_PKEY_CTX* of = nullptr;
+    Bytes value(static_cast<std::size_t>(EVP_PKEY_get_size(key.get())));
+    std::size_t size = value.size();
+    if (!fits(*key, scheme) ||
+        EVP_DigestSignInit_ex(context.get(), &of, getOpenSslName(algorithm), nullptr, nullptr, key.get(),
+                              nullptr) != 1 ||
+        !setScheme(of, scheme) ||
+        EVP_DigestSign(context.get(), value.data(), &size, bytes, content.size()) != 1)
+        openssl::fail<utils::Exception>("The key can't sign.");
+    value.resize(size);
+    if (!holds(*key, scheme, algorithm, content, value)) // a wrong value can reveal the primes
+        openssl::fail<utils::Exception>("What the key signs doesn't hold by its public half.");
+    return scheme == SignatureScheme::ECDSA ? fromDer(*key, value) : value;
+}
+
+} // namespace bedrock::crypto

@@ -1,0 +1,77 @@
+#include "content/ContentTypes.hpp"
+
+#include "names/PartNames.hpp"
+#include "reason/Refusal.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/model/XmlEvents.hpp>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
+
+[[noreturn]] void refuse(const std::string& text) {
+    throw Refusal(Reason::Code::ContentTypeChanged, "[Content_Types].xml", text);
+}
+
+std::string narrow(std::u16string_view text) {
+    return toUDEString(std::u16string(text));
+}
+
+} // namespace
+
+class ContentTypes::Reader final : public model::XmlEvents {
+public:
+    explicit Reader(ContentTypes& types) : types(types) {}
+
+    void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        const bool isDefault = element.localName() == u"Default";
+        const bool isKnown =
+            element.namespaceURI() == NAMESPACE &&
+            (depth == 0 ? element.localName() == u"Types" : isDefault || element.localName() == u"Override");
+        if (!isKnown || depth > 1)
+            refuse("The element " + narrow(element.localName()) + " doesn't belong into the content types");
+        if (depth == 1)
+            add(element, isDefault ? u"Extension" : u"PartName", isDefault);
+        else if (element.attributeCount() != 0)
+            refuse("The root element of the content types has an attribute");
+        ++depth;
+    }
+    void onEnd() override { --depth; }
+
+private:
+    void add(const model::XmlElement& element, std::u16string_view keyName, bool isDefault) {
+        const std::u16string_view key = element.valueOf({}, keyName);
+        const std::u16string_view type = element.valueOf({}, u"ContentType");
+        if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
+            refuse("An entry of the content types has other attributes than it must");
+        const std::string name = keyOf(decodePercent(narrow(key)));
+        if (!(isDefault ? types.defaults : types.overrides).emplace(name, narrow(type)).second)
+            refuse("Two content types are given for " + name);
+    }
+
+    ContentTypes& types;
+    int depth = 0;
+};
+
+ContentTypes ContentTypes::read(InputStream& stream) {
+    ContentTypes types;
+    Reader reader(types);
+    model::readXmlDocument(stream, reader);
+    return types;
+}
+
+const std::string* ContentTypes::find(std::string_view partName) const {
+    const std::string key = keyOf(partName);
+    if (const auto found = overrides.find(key); found != overrides.end())
+        return &found->second;
+    const std::size_t dot = key.rfind('.');
+    if (dot == std::string::npos || dot < key.rfind('/'))
+        return nullptr;
+    const auto found = defaults.find(key.substr(dot + 1));
+    return found == defaults.end() ? nullptr : &found->second;
+}
+
+} // namespace opc::standard_signatures

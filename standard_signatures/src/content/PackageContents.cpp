@@ -1,0 +1,129 @@
+#include "content/PackageContents.hpp"
+
+#include "content/ContentTypes.hpp"
+#include "crypto/Digest.hpp"
+#include "crypto/Methods.hpp"
+#include "names/PartNames.hpp"
+#include "reason/Refusal.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalPackage.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+#include <opc/model/Errors.hpp>
+#include <opc/model/PhysicalInputStream.hpp>
+
+#include <map>
+#include <utility>
+#include <variant>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+/// Does something once, and remembers how it failed.
+template <typename Value>
+using Outcome = std::variant<Value, Reason>;
+
+template <typename Value>
+const Value& valueOf(const Outcome<Value>& outcome) {
+    if (const auto* const reason = std::get_if<Reason>(&outcome))
+        throw Refusal(*reason);
+    return std::get<Value>(outcome);
+}
+
+Reason at(const StoredPart& part, Reason reason) {
+    reason.place = part.name;
+    return reason;
+}
+
+std::string textOf(const Exception& failure) {
+    const std::string details = failure.details();
+    return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
+}
+
+} // namespace
+
+struct PackageContents::Known {
+    std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
+    std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
+};
+
+PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
+    : ignored(store.getIgnoredItems()), known(std::make_unique<Known>()) {
+    for (interfaces::IPhysicalPart* const physical : store.getParts()) {
+        StoredPart part{decodePercent(toUDEString(physical->getName())), physical, {}, {}, false};
+        std::string source;
+        if (isRelationshipsName(part.name, source))
+            part.source = source;
+        const auto [twin, isNew] = byKey.emplace(keyOf(part.name), all.size());
+        part.isAmbiguous = !isNew;
+        if (!isNew)
+            all[twin->second].isAmbiguous = true;
+        all.push_back(std::move(part));
+    }
+    readContentTypes(store);
+}
+
+PackageContents::~PackageContents() = default;
+
+void PackageContents::readContentTypes(interfaces::IPhysicalPackage& store) {
+    if (!store.usesContentTypeStream()) {
+        for (StoredPart& part : all)
+            part.contentType = toUDEString(part.physical->getContentType());
+        return;
+    }
+    try {
+        model::PhysicalInputStream stream(store.getContentTypeInputStream());
+        const ContentTypes types = ContentTypes::read(stream);
+        for (StoredPart& part : all)
+            if (const std::string* const type = types.find(part.name))
+                part.contentType = *type;
+    } catch (const Refusal& refusal) {
+        typesFailure = refusal.reason();
+    } catch (const Exception& failure) {
+        typesFailure = {Reason::Code::PartUnreadable, "[Content_Types].xml", textOf(failure)};
+    }
+}
+
+const StoredPart* PackageContents::find(std::string_view name) const {
+    const auto found = byKey.find(keyOf(name));
+    return found == byKey.end() ? nullptr : &all[found->second];
+}
+
+std::unique_ptr<InputStream> PackageContents::open(const StoredPart& part) const {
+    return std::make_unique<model::PhysicalInputStream>(part.physical->getInputStream());
+}
+
+const RelationshipsDocument& PackageContents::relationships(const StoredPart& part) {
+    const auto found = known->relationships.find(&part);
+    if (found != known->relationships.end())
+        return valueOf(found->second);
+    Outcome<RelationshipsDocument> outcome;
+    try {
+        outcome = RelationshipsDocument::read(*open(part));
+    } catch (const Refusal& refusal) {
+        outcome = at(part, refusal.reason());
+    } catch (const model::InvalidXMLDocument& failure) {
+        outcome = Reason{Reason::Code::RelationshipsRefused, part.name, textOf(failure)};
+    } catch (const Exception& failure) {
+        outcome = Reason{Reason::Code::PartUnreadable, part.name, textOf(failure)};
+    }
+    return valueOf(known->relationships.emplace(&part, std::move(outcome)).first->second);
+}
+
+const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part,
+                                                          const DigestMethod& method) {
+    const std::pair key{&part, &method};
+    const auto found = known->digests.find(key);
+    if (found != known->digests.end())
+        return valueOf(found->second);
+    Outcome<std::vector<unsigned char>> outcome;
+    try {
+        outcome = digestOf(*open(part), method);
+    } catch (const Exception& failure) {
+        outcome = Reason{Reason::Code::PartUnreadable, part.name, textOf(failure)};
+    }
+    return valueOf(known->digests.emplace(key, std::move(outcome)).first->second);
+}
+
+} // namespace opc::standard_signatures

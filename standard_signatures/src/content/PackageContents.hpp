@@ -1,0 +1,78 @@
+#pragma once
+
+#include "transform/RelationshipsDocument.hpp"
+
+#include <opc/core/InputStream.hpp>
+#include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/standard_signatures/Reason.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace opc::interfaces {
+class IPhysicalPackage;
+class IPhysicalPart;
+} // namespace opc::interfaces
+
+namespace opc::standard_signatures {
+
+struct DigestMethod;
+
+/// A part as it lies in the store. Relationships parts are parts too.
+struct StoredPart {
+    std::string name; ///< without percent-encoding
+    interfaces::IPhysicalPart* physical;
+    std::optional<std::string> contentType;
+    std::optional<std::string> source; ///< of a relationships part: the name of its source
+    bool isAmbiguous = false;          ///< another part has the same name
+};
+
+/// What a package contains, read from its store as it lies there. Whatever can be understood in two ways is an obstacle
+/// here, while other readers take the first meaning.
+class PackageContents {
+public:
+    /// @param store  open; must outlive this object, and nobody else may use it during its life
+    explicit PackageContents(interfaces::IPhysicalPackage& store);
+    PackageContents(const PackageContents&) = delete;
+    PackageContents& operator=(const PackageContents&) = delete;
+    ~PackageContents();
+
+    const std::vector<StoredPart>& parts() const { return all; }
+
+    /// @return null if there is no such part
+    const StoredPart* find(std::string_view name) const;
+
+    /// What the store contains beside the parts.
+    const std::vector<interfaces::IgnoredItem>& ignoredItems() const { return ignored; }
+
+    /// Why no content type can be told; nothing if they can.
+    const std::optional<Reason>& contentTypesFailure() const { return typesFailure; }
+
+    /// The relationships of a relationships part, which is read once.
+    /// @throws Refusal
+    const RelationshipsDocument& relationships(const StoredPart& part);
+
+    /// The digest of the octets of a part, which is computed once for each method.
+    /// @throws Refusal  with `PartUnreadable`
+    const std::vector<unsigned char>& digest(const StoredPart& part, const DigestMethod& method);
+
+    /// The content, ready to read.
+    std::unique_ptr<InputStream> open(const StoredPart& part) const;
+
+private:
+    struct Known;
+
+    void readContentTypes(interfaces::IPhysicalPackage& store);
+
+    std::vector<StoredPart> all;
+    std::unordered_map<std::string, std::size_t> byKey;
+    std::vector<interfaces::IgnoredItem> ignored;
+    std::optional<Reason> typesFailure;
+    std::unique_ptr<Known> known;
+};
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "content/PackageContents.hpp"
+
+#include <opc/standard_signatures/Reason.hpp>
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+/// What a relationship is there for.
+enum class RelationshipRole {
+    Content,
+    LeftOutByCustom, ///< properties and the thumbnail, which signing programs don't sign
+    OfSignatures,    ///< leads to the origin, to a signature, or to a certificate of one
+};
+
+struct MappedRelationship {
+    const StoredPart* document; ///< the relationships part in which it stands
+    const RelationshipValues* values;
+    const StoredPart* target; ///< null: external, or there is no such part
+    RelationshipRole role;
+    bool isMain; ///< leads from the package to the main document of an office program
+};
+
+/// How the relationships of a package connect its parts.
+class PackageMap {
+public:
+    /// @param contents  must outlive this object
+    explicit PackageMap(PackageContents& contents);
+
+    const std::vector<MappedRelationship>& relationships() const { return all; }
+
+    /// The relationships parts that can't be read, with the reasons.
+    const std::vector<Reason>& unreadable() const { return failures; }
+
+    /// The parts that relationships of signatures lead to, from wherever, each once.
+    const std::vector<const StoredPart*>& signatures() const { return signatureParts; }
+    bool hasOrigin() const { return !origins.empty(); }
+
+    /// The certificates that the relationships of a signature part lead to.
+    std::vector<const StoredPart*> certificatesOf(const StoredPart& signature) const;
+
+    /// Whether only relationships that needn't be signed lead to the part.
+    bool isExempt(const StoredPart& part) const {
+        return exempt.count(&part) != 0 && contentTargets.count(&part) == 0;
+    }
+    bool isOfSignatures(const StoredPart& part) const { return ofSignatures.count(&part) != 0; }
+
+private:
+    void collect(PackageContents& contents);
+    void giveRoles();
+
+    std::vector<MappedRelationship> all;
+    std::vector<Reason> failures;
+    std::vector<const StoredPart*> signatureParts;
+    std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, exempt, ofSignatures, contentTargets;
+    std::vector<const StoredPart*> sources; ///< of `all`; null for the package
+};
+
+constexpr const char* SIGNATURE_CONTENT_TYPE =
+    "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,101 @@
+#include "coverage/SignedContents.hpp"
+
+#include <opc/core/Text.hpp>
+
+#include <algorithm>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using Kind = Unsigned::Kind;
+
+class Comparison {
+public:
+    Comparison(const SignedContents& contents, const PackageContents& package, const PackageMap& map)
+        : contents(contents), package(package), map(map) {}
+
+    CoverageAnswer run() {
+        compareParts();
+        compareRelationships();
+        compareMainDocument();
+        for (const interfaces::IgnoredItem& item : package.ignoredItems())
+            addGap({Kind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
+        for (const Reason& reason : map.unreadable())
+            addGap({Kind::Part, reason.place, {}, {}, "its relationships can't be told: " + reason.text});
+        return std::move(answer);
+    }
+
+private:
+    void addGap(Unsigned gap) {
+        if (answer.gapCount++ < CoverageAnswer::MOST_LISTED)
+            answer.gaps.push_back(std::move(gap));
+    }
+
+    void addByCustom(Unsigned one) {
+        if (answer.byCustom.size() < CoverageAnswer::MOST_LISTED)
+            answer.byCustom.push_back(std::move(one));
+    }
+
+    void compareParts() {
+        for (const StoredPart& part : package.parts()) {
+            if (part.isAmbiguous)
+                addGap({Kind::Item, part.name, {}, {}, "there is more than one part with this name"});
+            if (!part.contentType)
+                addGap({Kind::Item, part.name, {}, {}, "it has no content type"});
+            if (part.source)
+                continue;
+            if (contents.parts.count(&part) != 0) {
+                ++answer.signedParts;
+                if (contents.contentTypes.count(&part) == 0)
+                    addGap({Kind::ContentType, part.name, {}, {}, "its content type isn't signed"});
+            } else if (!map.isExempt(part)) {
+                addGap({Kind::Part, part.name, {}, {}, "its content isn't signed"});
+            } else if (!map.isOfSignatures(part)) {
+                addByCustom({Kind::Part, part.name, {}, {}, "its content isn't signed, by custom"});
+            }
+        }
+    }
+
+    void compareRelationships() {
+        for (const MappedRelationship& one : map.relationships()) {
+            const RelationshipValues& values = *one.values;
+            if (contents.has(one)) {
+                ++answer.signedRelationships;
+                answer.externalTargets += values.isExternal ? 1 : 0;
+            } else if (one.role == RelationshipRole::Content) {
+                addGap({Kind::Relationship, *one.document->source, values.id, values.type,
+                        values.isExternal ? "the relationship isn't signed, and leads out of the package"
+                                          : "the relationship isn't signed"});
+            } else if (one.role == RelationshipRole::LeftOutByCustom) {
+                addByCustom({Kind::Relationship, *one.document->source, values.id, values.type,
+                             "the relationship isn't signed, by custom"});
+            }
+        }
+    }
+
+    /// Other formats than those of office programs find their document in other ways.
+    void compareMainDocument() {
+        const auto& all = map.relationships();
+        const auto isMain = [](const MappedRelationship& one) { return one.isMain; };
+        const auto count = std::count_if(all.begin(), all.end(), isMain);
+        if (count > 1)
+            addGap({Kind::MainDocument, "/", {}, {}, "more than one relationship leads to a main document"});
+        else if (count == 1 && std::find_if(all.begin(), all.end(), isMain)->target == nullptr)
+            addGap({Kind::MainDocument, "/", {}, {}, "the main document is missing"});
+    }
+
+    const SignedContents& contents;
+    const PackageContents& package;
+    const PackageMap& map;
+    CoverageAnswer answer;
+};
+
+} // namespace
+
+CoverageAnswer computeCoverage(const SignedContents& contents, const PackageContents& package,
+                               const PackageMap& map) {
+    return Comparison(contents, package, map).run();
+}
+
+} // namespace opc::standard_signatures

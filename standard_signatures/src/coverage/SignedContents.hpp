@@ -1,0 +1,26 @@
+#pragma once
+
+#include "coverage/PackageMap.hpp"
+
+#include <opc/standard_signatures/Coverage.hpp>
+
+#include <unordered_set>
+
+namespace opc::standard_signatures {
+
+/// What a signature signs that is unchanged.
+struct SignedContents {
+    std::unordered_set<const StoredPart*> parts;                 ///< by their octets
+    std::unordered_set<const StoredPart*> contentTypes;          ///< of these parts
+    std::unordered_set<const RelationshipValues*> relationships; ///< of those parts that aren't in `parts`
+
+    bool has(const MappedRelationship& one) const {
+        return parts.count(one.document) != 0 || relationships.count(one.values) != 0;
+    }
+};
+
+/// Compares what a signature signs with what the package has.
+CoverageAnswer computeCoverage(const SignedContents& contents, const PackageContents& package,
+                               const PackageMap& map);
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,129 @@
+#include "document/SignatureDocument.hpp"
+
+#include "document/ChildElements.hpp"
+#include "document/KeyInfo.hpp"
+#include "document/Vocabulary.hpp"
+#include "document/XadesProperties.hpp"
+#include "reason/Refusal.hpp"
+
+#include <unordered_map>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using Code = Reason::Code;
+using Ids = std::unordered_map<std::string_view, const XmlTreeNode*>;
+
+/// The elements with an Id. Two with the same one could be taken for one another.
+Ids collectIds(const XmlTreeNode& root) {
+    Ids ids;
+    for (const XmlTreeNode* node = &root; node != nullptr; node = nextInSubtree(*node, root)) {
+        const std::string_view id =
+            node->kind == XmlTreeNode::Kind::Element ? attributeOf(*node, "Id") : std::string_view();
+        if (id.data() != nullptr && !ids.emplace(id, node).second)
+            throw Refusal(Code::AmbiguousId, "",
+                          "Two elements have the Id " + std::string(id.substr(0, 200)));
+    }
+    return ids;
+}
+
+bool isObject(const XmlTreeNode* node, const XmlTreeNode& root) {
+    return node != nullptr && node->parent == &root && node->is(vocabulary::SIGNATURE, "Object");
+}
+
+/// Whether it may be signed: an object of the signature, or the signed properties in one.
+bool isSignable(const XmlTreeNode& element, const XmlTreeNode& root) {
+    const XmlTreeNode* const parent = element.parent;
+    return isObject(&element, root) ||
+           (vocabulary::isOfXades(element, "SignedProperties") && parent != nullptr &&
+            vocabulary::isOfXades(*parent, "QualifyingProperties") && isObject(parent->parent, root));
+}
+
+void readSignedInfo(SignatureDocument& document, const Ids& ids) {
+    const XmlTreeNode& root = document.tree.root();
+    ChildElements children(*document.signedInfo);
+    document.form = readCanonicalForm(children.require("CanonicalizationMethod"));
+    const XmlTreeNode& method = children.require("SignatureMethod");
+    document.method = &findSignatureMethod(requireAttribute(method, "Algorithm"));
+    if (firstChildElement(method) != nullptr)
+        throw Refusal(Code::AlgorithmNotAccepted, "", "The signature method has a parameter");
+    while (const XmlTreeNode* const reference = children.take("Reference")) {
+        ElementReference read = readElementReference(*reference);
+        const auto found = ids.find(std::string_view(read.uri).substr(1));
+        if (found == ids.end() || !isSignable(*found->second, root))
+            throw Refusal(Code::BadReference, read.uri,
+                          "The reference " + read.uri + " leads to nothing that may be signed");
+        document.elements.push_back({std::move(read), found->second});
+        if (document.elements.size() > SignatureDocument::MOST_ELEMENTS)
+            throw Refusal(Code::BeyondLimit, "", "The signature has too many references");
+    }
+    children.requireEnd();
+}
+
+/// The only manifest among the objects that are signed.
+const XmlTreeNode& findManifest(const SignatureDocument& document) {
+    const XmlTreeNode* manifest = nullptr;
+    for (const SignedElement& one : document.elements)
+        for (const XmlTreeNode* child = firstChildElement(*one.element); child != nullptr;
+             child = nextElement(*child)) {
+            if (!child->is(vocabulary::SIGNATURE, "Manifest") || child == manifest)
+                continue;
+            if (manifest != nullptr)
+                throw Refusal(Code::NotAPackageSignature, "", "The signature signs more than one manifest");
+            manifest = child;
+        }
+    if (manifest == nullptr)
+        throw Refusal(Code::NotAPackageSignature, "", "The signature signs no manifest of parts");
+    return *manifest;
+}
+
+void readManifest(SignatureDocument& document, const XmlTreeNode& manifest) {
+    ChildElements children(manifest);
+    while (const XmlTreeNode* const reference = children.take("Reference")) {
+        if (document.manifest.size() >= SignatureDocument::MOST_REFERENCES)
+            throw Refusal(Code::BeyondLimit, "", "The manifest has too many references");
+        document.manifest.push_back(readPartReference(*reference));
+    }
+    children.requireEnd();
+}
+
+/// The time in the object that has the manifest.
+std::string readSignatureTime(const XmlTreeNode& object) {
+    for (const XmlTreeNode* node = &object; node != nullptr; node = nextInSubtree(*node, object))
+        if (node->is(vocabulary::PACKAGE_SIGNATURE, "SignatureTime"))
+            for (const XmlTreeNode* child = firstChildElement(*node); child != nullptr;
+                 child = nextElement(*child))
+                if (child->is(vocabulary::PACKAGE_SIGNATURE, "Value"))
+                    return textOf(*child);
+    return {};
+}
+
+} // namespace
+
+SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimits& limits) {
+    SignatureDocument document(XmlTree::read(stream, limits));
+    const XmlTreeNode& root = document.tree.root();
+    if (!root.is(vocabulary::SIGNATURE, "Signature"))
+        throw Refusal(Code::Malformed, "", "The root element isn't Signature");
+    const Ids ids = collectIds(root);
+    ChildElements children(root);
+    document.signedInfo = &children.require("SignedInfo");
+    document.signatureValue = &children.require("SignatureValue");
+    const XmlTreeNode* const keyInfo = children.take("KeyInfo");
+    while (children.take("Object") != nullptr) {
+    }
+    children.requireEnd();
+
+    readSignedInfo(document, ids);
+    const XmlTreeNode& manifest = findManifest(document);
+    readManifest(document, manifest);
+    document.value = bytesOf(*document.signatureValue);
+    document.claimedTime = readSignatureTime(*manifest.parent);
+    if (keyInfo != nullptr)
+        document.keys = readKeyInfo(*keyInfo);
+    readXadesProperties(document);
+    return document;
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,96 @@
+#include "names/PartNames.hpp"
+
+#include <algorithm>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+int digit(char c) {
+    return c >= '0' && c <= '9'   ? c - '0'
+           : c >= 'a' && c <= 'f' ? c - 'a' + 10
+           : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                  : -1;
+}
+
+} // namespace
+
+std::string decodePercent(std::string_view text) {
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isEncoded =
+            text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
+        decoded += isEncoded ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
+        i += isEncoded ? 2 : 0;
+    }
+    return decoded;
+}
+
+std::string keyOf(std::string_view name) {
+    std::string key(name);
+    std::transform(key.begin(), key.end(), key.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return key;
+}
+
+bool isAbsolutePartName(std::string_view name) {
+    if (name.empty() || name.front() != '/')
+        return false;
+    for (std::size_t begin = 1; begin <= name.size();) {
+        const std::size_t end = std::min(name.find('/', begin), name.size());
+        if (name.substr(begin, end - begin).find_first_not_of('.') == std::string_view::npos)
+            return false;
+        begin = end + 1;
+    }
+    return true;
+}
+
+std::string resolveTarget(std::string_view source, std::string_view target) {
+    std::string path = decodePercent(target.substr(0, target.find_first_of("?#")));
+    std::replace(path.begin(), path.end(), '\\', '/');
+    if (path.empty())
+        return std::string(source);
+    if (path.front() != '/')
+        path = std::string(source.substr(0, source.rfind('/') + 1)) + path;
+    std::vector<std::string_view> kept;
+    const std::string_view whole = path;
+    for (std::size_t begin = 1; begin <= whole.size();) {
+        const std::size_t end = std::min(whole.find('/', begin), whole.size());
+        const std::string_view segment = whole.substr(begin, end - begin);
+        if (segment == ".." && !kept.empty())
+            kept.pop_back();
+        else if (segment != ".." && segment != "." && !segment.empty())
+            kept.push_back(segment);
+        begin = end + 1;
+    }
+    std::string resolved;
+    for (const std::string_view segment : kept)
+        resolved.append("/").append(segment);
+    return resolved;
+}
+
+std::string relationshipsNameOf(std::string_view source) {
+    const std::size_t slash = source.rfind('/');
+    return std::string(source.substr(0, slash))
+        .append("/_rels/")
+        .append(source.substr(slash + 1))
+        .append(".rels");
+}
+
+bool isRelationshipsName(std::string_view name, std::string& source) {
+    constexpr std::string_view FOLDER = "/_rels/";
+    constexpr std::string_view EXTENSION = ".rels";
+    const std::string key = keyOf(name);
+    const std::size_t slash = key.rfind('/');
+    if (slash == std::string::npos || slash + 1 < FOLDER.size() ||
+        key.compare(slash + 1 - FOLDER.size(), FOLDER.size(), FOLDER) != 0 ||
+        key.size() - slash - 1 < EXTENSION.size() ||
+        key.compare(key.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) != 0)
+        return false;
+    source = std::string(name.substr(0, slash + 2 - FOLDER.size()))
+                 .append(name.substr(slash + 1, name.size() - slash - 1 - EXTENSION.size()));
+    return true;
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace opc::standard_signatures {
+
+/// Part names here are UTF-8 without percent-encoding.
+
+/// Resolves each `%` with two hexadecimal digits; everything else stays.
+std::string decodePercent(std::string_view text);
+
+/// What part names are compared by: without regard to the case of ASCII letters.
+std::string keyOf(std::string_view name);
+
+/// Whether it begins with a slash, and no segment is empty or made of dots alone.
+bool isAbsolutePartName(std::string_view name);
+
+/// The part that an internal target leads to, without query and fragment (RFC 3986 section 5.2). A backslash counts as a
+/// slash, as some programs take it.
+/// @param source  a part name, or "/"
+std::string resolveTarget(std::string_view source, std::string_view target);
+
+/// The relationships part of a source, which is a part name or "/".
+std::string relationshipsNameOf(std::string_view source);
+
+/// Whether it is the name of a relationships part, in any letter case.
+/// @param source  gets the name of its source
+bool isRelationshipsName(std::string_view name, std::string& source);
+
+} // namespace opc::standard_signatures

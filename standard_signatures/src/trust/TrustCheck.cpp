@@ -1,0 +1,85 @@
+#include "trust/TrustCheck.hpp"
+
+#include "canonical/CanonicalXml.hpp"
+
+#include <bedrock/certificates/TimeStamp.hpp>
+#include <bedrock/certificates/X509CertificateChain.hpp>
+#include <opc/core/Exception.hpp>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using namespace bedrock::certificates;
+using Status = TrustAnswer::Status;
+using TimeFrom = TrustAnswer::TimeFrom;
+
+CertificateValidationOptions makeOptions(const VerificationPolicy& policy) {
+    CertificateValidationOptions options = policy.trust->validation;
+    options.setAcceptingWeakKeys(policy.acceptWeak);
+    options.setAcceptingWeakDigests(policy.acceptWeak);
+    options.setAcceptingOtherKeys(true);
+    return options;
+}
+
+TimeStampResults checkOne(const SignatureDocument& document, const StatedTimeStamp& stamp,
+                          const CertificateValidationOptions& options, const TrustStore& roots) {
+    try {
+        return checkTimeStamp(stamp.token, canonicalize(*document.signatureValue, stamp.form), options,
+                              roots);
+    } catch (const Exception& e) {
+        TimeStampResults failure;
+        failure.error = e.what();
+        return failure;
+    }
+}
+
+/// The signature existed at the earliest time of a trusted time stamp, so its certificate must be valid then. Otherwise
+/// it must be valid now: the time that the signer claims is no proof.
+void findTime(TrustAnswer& answer, const SignatureDocument& document,
+              const CertificateValidationOptions& options, const TrustStore& roots) {
+    answer.time = options.getCheckTime();
+    answer.timeFrom = answer.time ? TimeFrom::Caller : TimeFrom::Now;
+    for (const StatedTimeStamp& stamp : document.timeStamps) {
+        const TimeStampResults results = checkOne(document, stamp, options, roots);
+        if (!results.isTrusted) {
+            answer.timeStampFailure = results.error;
+        } else if (answer.timeFrom != TimeFrom::TimeStamp || *results.time < *answer.time) {
+            answer.time = results.time;
+            answer.timeFrom = TimeFrom::TimeStamp;
+        }
+    }
+    if (answer.timeFrom == TimeFrom::TimeStamp)
+        answer.timeStampFailure.clear();
+}
+
+} // namespace
+
+TrustAnswer checkTrust(const SignatureDocument& document, const X509Certificate& certificate,
+                       const std::vector<X509Certificate>& others, const VerificationPolicy& policy) {
+    TrustAnswer answer;
+    answer.signer = certificate;
+    if (certificate.empty()) {
+        answer.status = Status::Unknown;
+        answer.reason = "The signature has a key and no certificate";
+        return answer;
+    }
+    if (!policy.trust) {
+        answer.reason = "Nobody said whom to trust";
+        return answer;
+    }
+    CertificateValidationOptions options = makeOptions(policy);
+    findTime(answer, document, options, policy.trust->roots);
+    options.setCheckTime(answer.time);
+    X509CertificateChain chain;
+    for (const X509Certificate& other : others)
+        chain.addCertificate(other);
+    const CertificateValidationResults results =
+        certificate.validateCertificate(chain, options, policy.trust->roots);
+    const bool isGood = results.getCertificateChainStatus() == CertificateChainStatus::Good;
+    answer.status = isGood ? Status::Trusted : Status::NotTrusted;
+    answer.reason = isGood ? std::string() : results.getValidationErrorString();
+    return answer;
+}
+
+} // namespace opc::standard_signatures

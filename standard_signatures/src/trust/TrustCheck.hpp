@@ -1,0 +1,19 @@
+#pragma once
+
+#include "document/SignatureDocument.hpp"
+
+#include <opc/standard_signatures/Verification.hpp>
+
+#include <vector>
+
+namespace opc::standard_signatures {
+
+/// Says who made a signature that holds.
+/// @param certificate  of the key that made it; empty if there is none
+/// @param others       certificates that a chain can lead through
+TrustAnswer checkTrust(const SignatureDocument& document,
+                       const bedrock::certificates::X509Certificate& certificate,
+                       const std::vector<bedrock::certificates::X509Certificate>& others,
+                       const VerificationPolicy& policy);
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,123 @@
+#include "verification/SignerKey.hpp"
+
+#include "crypto/Digest.hpp"
+#include "reason/Refusal.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using bedrock::certificates::X509Certificate;
+using bedrock::crypto::PublicKeyKind;
+using bedrock::crypto::SignatureScheme;
+using bedrock::crypto::SignatureValueStatus;
+using Bytes = std::vector<unsigned char>;
+using Code = Reason::Code;
+
+constexpr std::size_t MOST_CANDIDATES = 20; // each costs a check of the signature value
+constexpr std::size_t LEAST_RSA_BITS = 1024;
+
+struct Candidate {
+    Bytes key;
+    X509Certificate certificate;
+};
+
+bool isNamed(const X509Certificate& certificate, const std::vector<StatedDigest>& named) {
+    const Bytes der = certificate.getAsByteArray();
+    const std::string octets(der.begin(), der.end());
+    return std::any_of(named.begin(), named.end(), [&octets](const StatedDigest& digest) {
+        return digestOf(octets, *digest.method) == digest.value;
+    });
+}
+
+std::vector<Candidate> findCandidates(const SignatureDocument& document,
+                                      std::vector<X509Certificate> certificates) {
+    const std::vector<Bytes>& keys = document.keys.keys;
+    if (!std::equal(keys.begin() + (keys.empty() ? 0 : 1), keys.end(), keys.begin()))
+        throw Refusal(Code::KeyMismatch, "", "The signature names different keys");
+    if (certificates.empty() && keys.empty())
+        throw Refusal(Code::NoKey, "", "The signature names no key");
+    if (!document.signerCertificates.empty()) {
+        certificates.erase(std::remove_if(certificates.begin(), certificates.end(),
+                                          [&document](const X509Certificate& one) {
+                                              return !isNamed(one, document.signerCertificates);
+                                          }),
+                           certificates.end());
+        if (certificates.empty())
+            throw Refusal(Code::CertificateMismatch, "",
+                          "The certificate isn't the one that the signer names");
+    }
+    if (certificates.empty())
+        return {{keys.front(), {}}};
+    std::vector<Candidate> candidates;
+    for (X509Certificate& certificate : certificates) {
+        Bytes key = certificate.getPublicKey();
+        if (keys.empty() || key == keys.front())
+            candidates.push_back({std::move(key), std::move(certificate)});
+    }
+    if (candidates.empty())
+        throw Refusal(Code::KeyMismatch, "",
+                      "The signature names a key that isn't the one of its certificate");
+    return candidates;
+}
+
+void throwIfNotAccepted(const PublicKeyKind& kind, const SignatureMethod& method) {
+    using Algorithm = PublicKeyKind::Algorithm;
+    const bool isForCurves = method.scheme == SignatureScheme::ECDSA;
+    const bool fits = kind.algorithm == Algorithm::EC       ? isForCurves
+                      : kind.algorithm == Algorithm::RSA    ? !isForCurves
+                      : kind.algorithm == Algorithm::RSAPSS ? method.scheme == SignatureScheme::RSAPSS
+                                                            : false;
+    if (!fits)
+        throw Refusal(Code::KeyMismatch, "", std::string("The key isn't one for ") + method.name);
+    if (isForCurves ? kind.curve.empty() : kind.bits < LEAST_RSA_BITS)
+        throw Refusal(Code::AlgorithmNotAccepted, "",
+                      isForCurves ? "The key is on a curve that isn't accepted"
+                                  : "An RSA key of " + std::to_string(kind.bits) + " bits isn't accepted");
+}
+
+SignerKey tryKey(const SignatureDocument& document, const Candidate& candidate,
+                 const std::string& signedInfo) {
+    try {
+        PublicKeyKind kind = bedrock::crypto::describePublicKey(candidate.key);
+        throwIfNotAccepted(kind, *document.method);
+        const SignatureValueStatus status = bedrock::crypto::checkSignatureValue(
+            candidate.key, document.method->scheme, document.method->algorithm, signedInfo, document.value);
+        return {candidate.key, std::move(kind), candidate.certificate, status};
+    } catch (const bedrock::crypto::utils::InvalidKey& e) {
+        throw Refusal(Code::NoKey, "", std::string("The key can't be used: ") + e.what());
+    }
+}
+
+} // namespace
+
+SignerKey findSignerKey(const SignatureDocument& document, const std::vector<X509Certificate>& certificates,
+                        const std::string& signedInfo) {
+    const std::vector<Candidate> candidates = findCandidates(document, certificates);
+    std::optional<SignerKey> best;
+    std::optional<Refusal> refusal;
+    for (std::size_t i = 0; i < std::min(candidates.size(), MOST_CANDIDATES); ++i)
+        try {
+            SignerKey next = tryKey(document, candidates[i], signedInfo);
+            const bool isRight = next.status != SignatureValueStatus::Wrong;
+            if (isRight || !best)
+                best = std::move(next);
+            if (isRight)
+                break;
+        } catch (const Refusal& failure) { // a certificate of the chain may have another kind of key
+            if (!refusal)
+                refusal = failure;
+        }
+    if (!best)
+        throw Refusal(*refusal);
+    return *best;
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "document/SignatureDocument.hpp"
+
+#include <bedrock/certificates/X509Certificate.hpp>
+#include <bedrock/crypto/SignatureValue.hpp>
+
+#include <vector>
+
+namespace opc::standard_signatures {
+
+/// The key of a signature, and the certificate of the key.
+struct SignerKey {
+    std::vector<unsigned char> key; ///< SubjectPublicKeyInfo
+    bedrock::crypto::PublicKeyKind kind;
+    bedrock::certificates::X509Certificate certificate; ///< empty if there is none
+    bedrock::crypto::SignatureValueStatus status;       ///< of the signature value by this key
+};
+
+/// Finds the key that made the signature value, among those that the signature names. All must fit together: a key and a
+/// certificate have the same key, and the signer's certificate is the one that the signed properties name.
+/// @param certificates  those of the signature and of its certificate parts
+/// @param signedInfo    the canonical form
+/// @throws Refusal  with `NoKey`, `KeyMismatch`, `CertificateMismatch` or `AlgorithmNotAccepted`
+SignerKey findSignerKey(const SignatureDocument& document,
+                        const std::vector<bedrock::certificates::X509Certificate>& certificates,
+                        const std::string& signedInfo);
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,200 @@
+#include <opc/standard_signatures/Verification.hpp>
+
+#include "content/PackageContents.hpp"
+#include "coverage/PackageMap.hpp"
+#include "coverage/SignedContents.hpp"
+#include "reason/Refusal.hpp"
+#include "trust/TrustCheck.hpp"
+#include "verification/CryptographyCheck.hpp"
+
+#include <bedrock/certificates/Exceptions.hpp>
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using bedrock::certificates::X509Certificate;
+using Bytes = std::vector<unsigned char>;
+using Code = Reason::Code;
+
+constexpr std::size_t MOST_SIGNATURES = 100;
+constexpr std::size_t MOST_CERTIFICATE_BYTES = 65536;
+
+std::string shortName(const std::string& partName) {
+    const std::string segment = partName.substr(partName.rfind('/') + 1);
+    return segment.substr(0, segment.rfind('.'));
+}
+
+std::string textOf(const Exception& failure) {
+    const std::string details = failure.details();
+    return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
+}
+
+X509Certificate readCertificate(const Bytes& der) {
+    try {
+        return X509Certificate(der);
+    } catch (const bedrock::certificates::CertificateException&) {
+        throw Refusal(Code::NoKey, "", "A certificate of the signature can't be read");
+    }
+}
+
+Bytes readAll(InputStream& stream) {
+    Bytes all;
+    while (!stream.isDone() && all.size() <= MOST_CERTIFICATE_BYTES) {
+        const std::size_t size = all.size();
+        all.resize(size + 4096);
+        all.resize(size + static_cast<std::size_t>(stream.read(all.data() + size, 4096)));
+    }
+    if (all.size() > MOST_CERTIFICATE_BYTES)
+        throw Refusal(Code::BeyondLimit, "", "A certificate part is too long");
+    return all;
+}
+
+/// Counts what is read.
+class MeteredStream final : public InputStream {
+public:
+    explicit MeteredStream(InputStream& stream) : stream(stream) {}
+
+    void open() override { stream.open(); }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = stream.read(buffer, count);
+        total += got;
+        return got;
+    }
+    bool isDone() const override { return stream.isDone(); }
+    void close() override { stream.close(); }
+
+    std::uint64_t total = 0;
+
+private:
+    InputStream& stream;
+};
+
+class Verifier {
+public:
+    Verifier(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy)
+        : policy(policy), contents(store), map(contents) {}
+
+    PackageVerification run() {
+        PackageVerification result;
+        addProblems(result.problems);
+        for (const StoredPart* const part : map.signatures()) {
+            if (result.signatures.size() == MOST_SIGNATURES) {
+                result.problems.push_back(
+                    {Code::BeyondLimit, part->name,
+                     "There are more than " + std::to_string(MOST_SIGNATURES) + " signatures"});
+                break;
+            }
+            result.signatures.push_back(verify(*part));
+        }
+        return result;
+    }
+
+private:
+    void addProblems(std::vector<Reason>& problems) const {
+        if (const auto& failure = contents.contentTypesFailure())
+            problems.push_back(*failure);
+        const auto& signatures = map.signatures();
+        for (const StoredPart& part : contents.parts())
+            if (part.contentType == SIGNATURE_CONTENT_TYPE &&
+                std::find(signatures.begin(), signatures.end(), &part) == signatures.end())
+                problems.push_back(
+                    {Code::NotAPackageSignature, part.name,
+                     "It has the content type of a signature, and no relationship leads to it"});
+    }
+
+    VerifiedSignature verify(const StoredPart& part) {
+        VerifiedSignature signature;
+        signature.part = part.name;
+        signature.name = shortName(part.name);
+        SignedContents signedContents;
+        try {
+            check(part, signature, signedContents);
+        } catch (const Refusal& refusal) {
+            addBreak(signature, refusal.reason().code, refusal.reason().text);
+        } catch (const model::InvalidXMLDocument& failure) {
+            addBreak(signature, Code::Malformed, textOf(failure));
+        } catch (const Exception& failure) {
+            addBreak(signature, Code::PartUnreadable, textOf(failure));
+        }
+        signature.coverage = computeCoverage(signedContents, contents, map);
+        const auto status = signature.cryptography.status;
+        const bool isGood = status == CryptographyAnswer::Status::Valid ||
+                            (status == CryptographyAnswer::Status::Weak && policy.acceptWeak);
+        signature.isYes = isGood && signature.coverage.isComplete() &&
+                          signature.trust.status == TrustAnswer::Status::Trusted;
+        return signature;
+    }
+
+    void check(const StoredPart& part, VerifiedSignature& signature, SignedContents& signedContents) {
+        if (part.isAmbiguous)
+            throw Refusal(Code::Malformed, "", "There is more than one part with this name");
+        const SignatureDocument document = readDocument(part);
+        const std::vector<X509Certificate> certificates = readCertificates(part, document);
+        CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
+        signature.cryptography = std::move(checked.answer);
+        signedContents = std::move(checked.contents);
+        if (signature.cryptography.status == CryptographyAnswer::Status::Broken) {
+            signature.trust.signer = checked.certificate;
+            signature.trust.reason = "The signature is broken";
+            return;
+        }
+        signature.claimedTime = document.claimedTime;
+        signature.trust = checkTrust(document, checked.certificate, certificates, policy);
+    }
+
+    SignatureDocument readDocument(const StoredPart& part) {
+        const std::unique_ptr<InputStream> stream = contents.open(part);
+        MeteredStream metered(*stream);
+        XmlTreeLimits limits;
+        limits.bytes = std::min(limits.bytes, work.documentBytes);
+        SignatureDocument document = SignatureDocument::read(metered, limits);
+        work.documentBytes -= std::min(metered.total, work.documentBytes);
+        return document;
+    }
+
+    std::vector<X509Certificate> readCertificates(const StoredPart& part, const SignatureDocument& document) {
+        std::vector<X509Certificate> certificates;
+        for (const Bytes& der : document.keys.certificates)
+            certificates.push_back(readCertificate(der));
+        for (const StoredPart* const one : map.certificatesOf(part))
+            if (certificates.size() < MOST_SIGNATURES)
+                certificates.push_back(readCertificate(readAll(*contents.open(*one))));
+        return certificates;
+    }
+
+    static void addBreak(VerifiedSignature& signature, Code code, const std::string& text) {
+        signature.cryptography.status = CryptographyAnswer::Status::Broken;
+        signature.cryptography.reasons.push_back({code, signature.part, text});
+        signature.trust.reason = "The signature is broken";
+    }
+
+    const VerificationPolicy& policy;
+    PackageContents contents;
+    PackageMap map;
+    WorkLeft work;
+};
+
+} // namespace
+
+bool PackageVerification::isYes() const {
+    return !signatures.empty() && problems.empty() &&
+           std::all_of(signatures.begin(), signatures.end(),
+                       [](const VerifiedSignature& one) { return one.isYes; });
+}
+
+PackageVerification verify(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy) {
+    return Verifier(store, policy).run();
+}
+
+bool hasSignatures(interfaces::IPhysicalPackage& store) {
+    PackageContents contents(store);
+    const PackageMap map(contents);
+    return map.hasOrigin() || !map.signatures().empty();
+}
+
+} // namespace opc::standard_signatures
