@@ -187,6 +187,44 @@ Relationship RelationshipSource::setExternalTarget(const std::u16string& id, con
     return impl->manager.setTarget(id, target, TargetMode::External);
 }
 
+void RelationshipSource::copyRelationships(const RelationshipSource& from) {
+    throwIfNotWritable();
+    throwIfRelationshipsFixed();
+    from.throwIfNotReadable();
+    if (from.hasUnreadRelationships())
+        throw InvalidRelationshipContent(
+            "In " + toASCIIString(PartName(from.impl->manager.getSourceURI()).getRelationshipPartName()) +
+            ": relationships that weren't read would be missing in a copy");
+    if (!impl->manager.isEmpty())
+        throw RelationshipAlreadyExists("The source has relationships already");
+    RelationshipManager copies(impl->manager.getSourceURI());
+    for (const Relationship& relationship : from.impl->manager.getRelationships({}))
+        if (relationship.getTargetMode() == TargetMode::External)
+            copies.addExternalRelationship(relationship.getID(), relationship.getType(),
+                                           relationship.getTarget());
+        else
+            copies.addInternalRelationship(relationship.getID(), relationship.getType(),
+                                           URI(targetFromHere(relationship)));
+    if (copies.isEmpty())
+        return;
+    if (impl->relationshipsPart == nullptr)
+        createRelationshipPart();
+    impl->manager = std::move(copies);
+}
+
+/// The target of another source's internal relationship, as a reference from this source.
+std::u16string RelationshipSource::targetFromHere(const Relationship& relationship) const {
+    const URI target(relationship.getTarget());
+    if (target.getPath().empty() || target.hasAuthority() || target.hasAbsolutePath())
+        return target.toString(); // leads to the same from everywhere, or to the source itself
+    const URI absolute = relationship.getTargetURI();
+    try {
+        return relativize(impl->manager.getSourceURI(), absolute).toString();
+    } catch (const UnsupportedRelativize&) {
+        return absolute.toString();
+    }
+}
+
 Relationship RelationshipSource::getRelationshipByID(const std::u16string& id) const {
     throwIfNotReadable();
     return impl->manager.getRelationship(id);

@@ -11,7 +11,7 @@ using namespace opc::test;
 
 class EditorTest : public PackageTest {
 protected:
-    EditorTest() : PackageTest({u"/a.xml", u"/b/c.xml"}) { package.open(OpenMode::ReadWrite); }
+    EditorTest() : PackageTest({u"/a.xml", u"/b/c.xml"}) {}
 
     std::string told() const {
         std::string lines;
@@ -20,7 +20,12 @@ protected:
         return lines;
     }
 
-    Editor editor{package};
+    Package& opened() {
+        package.open(OpenMode::ReadWrite);
+        return package;
+    }
+
+    Editor editor{opened()};
 };
 
 TEST_F(EditorTest, tellsEachChange) {

@@ -1,31 +1,26 @@
+#include "ChangeText.hpp"
 #include "Commands.hpp"
-#include "Envelope.hpp"
+#include "EditedPackage.hpp"
 #include "Files.hpp"
-#include "OpenedPackage.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
-#include <opc/model/StandardPartInfo.hpp>
+#include <opc/editing/FileContent.hpp>
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <vector>
 
 namespace opctool {
 
 namespace {
 
+using opc::editing::FileContent;
 using opc::interfaces::OpenMode;
 using opc::model::ContentType;
-using opc::model::Part;
 using opc::model::PartName;
-using opc::model::Relationship;
-using opc::model::RelationshipSource;
-using opc::model::URI;
+using opc::model::TargetMode;
 
 struct Arguments {
     std::string part;
@@ -47,38 +42,19 @@ void create(FileRun& run, const Arguments& arguments) {
     package.save();
 }
 
-void copyFile(const std::string& path, opc::OutputStream& target) {
-    std::ifstream file(path, std::ios::binary);
-    std::vector<char> block(std::size_t{64} * 1024);
-    while (file) {
-        file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        target.write(reinterpret_cast<const unsigned char*>(block.data()),
-                     static_cast<std::uint64_t>(file.gcount()));
-    }
-    if (!file.eof())
-        throw opc::Exception(path + " can't be read",
-                             {errno != 0 ? errno : EIO, boost::system::generic_category()});
-}
-
 void add(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
-    const Part part =
-        package->createPart(PartName(fromArgument(arguments.part)),
-                            ContentType(fromArgument(arguments.contentType)), opc::model::StandardPartInfo());
-    copyFile(arguments.file, part.getOutputStream());
-    package.save();
+    EditedPackage package(run);
+    FileContent content(arguments.file);
+    package.editor().createPart(PartName(fromArgument(arguments.part)),
+                                ContentType(fromArgument(arguments.contentType)), content);
+    package.finish();
 }
 
 void put(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
-    copyFile(arguments.file, package->getPart(PartName(fromArgument(arguments.part))).getOutputStream());
-    package.save();
-}
-
-void remove(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
-    package->deletePart(PartName(fromArgument(arguments.part)));
-    package.save();
+    EditedPackage package(run);
+    FileContent content(arguments.file);
+    package.editor().replaceContent(PartName(fromArgument(arguments.part)), content);
+    package.finish();
 }
 
 /// A blank type counts as empty when it is read, and would make a package that can't be opened.
@@ -87,27 +63,18 @@ std::string checkNotBlank(const std::string& argument) {
 }
 
 void relate(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
-    const std::u16string type = fromArgument(arguments.type);
-    const std::u16string target = fromArgument(arguments.target);
-    const std::u16string id = fromArgument(arguments.id);
-    std::u16string created;
-    package.withSource(arguments.source, [&](RelationshipSource& source) {
-        const Relationship relationship = arguments.external
-                                              ? source.createExternalRelationship(type, target, id)
-                                              : source.createInternalRelationship(type, URI(target), id);
-        created = relationship.getID();
-    });
-    package.save();
-    run.printName(opc::toUDEString(created));
+    EditedPackage package(run);
+    const auto created = package.editor().addRelationship(
+        PartName(fromArgument(arguments.source)),
+        {fromArgument(arguments.type), fromArgument(arguments.target),
+         arguments.external ? TargetMode::External : TargetMode::Internal, fromArgument(arguments.id)});
+    package.finish(opc::toUDEString(created.getID()));
 }
 
 void unrelate(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
-    package.withSource(arguments.source, [&arguments](RelationshipSource& source) {
-        source.deleteRelationship(fromArgument(arguments.id));
-    });
-    package.save();
+    EditedPackage package(run);
+    package.editor().deleteRelationship(PartName(fromArgument(arguments.source)), fromArgument(arguments.id));
+    package.finish();
 }
 
 using Change = void (*)(FileRun&, const Arguments&);
@@ -116,6 +83,7 @@ using Change = void (*)(FileRun&, const Arguments&);
 std::shared_ptr<Arguments> declareChange(CLI::App& command, const Command& own, Change change) {
     auto arguments = std::make_shared<Arguments>();
     const auto files = addChangedFile(command, own);
+    addSignatureOption(command, files->options);
     command.callback(
         [files, arguments, change] { files->run([&](FileRun& run) { change(run, *arguments); }); });
     return arguments;
@@ -157,11 +125,6 @@ void declarePut(CLI::App& command) {
     addContent(command, *arguments, "The file with its new content");
 }
 
-void declareRemove(CLI::App& command) {
-    const auto arguments = declareChange(command, RM, remove);
-    addPart(command, *arguments, "The part's name");
-}
-
 void declareRelate(CLI::App& command) {
     const auto arguments = declareChange(command, RELATE, relate);
     addSource(command, *arguments);
@@ -195,7 +158,7 @@ const Command ADD{"add",
                   "",
                   "opctool add report.docx /word/media/logo.png logo.png --type image/png",
                   "",
-                  NAME_SCHEMA};
+                  CHANGES_SCHEMA};
 
 const Command PUT{"put",
                   "Replace the content of a part with the content of a file",
@@ -204,15 +167,7 @@ const Command PUT{"put",
                   "opctool put report.docx /word/document.xml new.xml\n"
                   "opctool put report.docx /word/document.xml new.xml -o changed.docx",
                   "",
-                  NAME_SCHEMA};
-
-const Command RM{"rm",
-                 "Delete a part and its relationships",
-                 declareRemove,
-                 "",
-                 "opctool rm report.docx /docProps/thumbnail.jpeg",
-                 "",
-                 NAME_SCHEMA};
+                  CHANGES_SCHEMA};
 
 const Command RELATE{"relate",
                      "Add a relationship and print its ID",
@@ -221,10 +176,10 @@ const Command RELATE{"relate",
                      "opctool relate report.docx / urn:example:note /notes/note.txt\n"
                      "opctool relate report.docx / urn:example:see http://example.com/ --external",
                      "",
-                     NAME_SCHEMA};
+                     CHANGES_SCHEMA};
 
 const Command UNRELATE{
-    "unrelate", "Delete a relationship", declareUnrelate, "", "opctool unrelate report.docx / rId7", "",
-    NAME_SCHEMA};
+    "unrelate", "Delete a relationship", declareUnrelate, "", "opctool unrelate report.docx / rId7",
+    "",         CHANGES_SCHEMA};
 
 } // namespace opctool

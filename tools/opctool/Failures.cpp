@@ -42,6 +42,7 @@ const char* kindOfClass(const std::string& name) {
         {"PackagePermissionDenied", "store"},
         {"PartCreateFailed", "store"},
         {"PartDeleteFailed", "store"},
+        {"BreaksSignatures", "signature"},
         {"CouldNotGenerateSignature", "signature"},
         {"CouldNotRemoveSignature", "signature"},
         {"InvalidSignature", "signature"},

@@ -29,6 +29,8 @@ struct RunOptions {
     std::string
         target; ///< of a change: the file to write instead, "-" for standard output; empty: the package itself
     bool isChange = false;
+    bool dryRun = false;          ///< of a change: make it, and write nothing
+    bool breakSignatures = false; ///< of a change: make it also if signatures don't hold then
     bool isOneOfMany = false;
     bool namesFiles = false; ///< the command's own text names the file in each line
 };

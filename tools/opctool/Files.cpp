@@ -224,6 +224,7 @@ std::shared_ptr<Files> addChangedFile(CLI::App& command, const Command& own) {
     auto files = addFile(command, own);
     files->options.isChange = true;
     addTarget(command, files->options);
+    addDryRun(command, files->options);
     addJSONOptions(command, files->options.output);
     return files;
 }
@@ -232,8 +233,13 @@ std::shared_ptr<Files> addNewFile(CLI::App& command, const Command& own) {
     auto files = std::make_shared<Files>();
     files->options.command = &own;
     addPackage(command, *files, "The package's file; - is standard output")->required();
+    addDryRun(command, files->options);
     addOutputOptions(command, files->options.output);
     return files;
+}
+
+CLI::Option* addDryRun(CLI::App& command, RunOptions& options) {
+    return command.add_flag("-n,--dry-run", options.dryRun, "Write nothing; print what would change");
 }
 
 CLI::Option* addTarget(CLI::App& command, RunOptions& options) {

@@ -74,11 +74,14 @@ std::shared_ptr<Files> addFilesBefore(CLI::App& command, const Command& own);
 /// For one that reads one package: PACKAGE and limits.
 std::shared_ptr<Files> addFile(CLI::App& command, const Command& own);
 
-/// For one that changes a package: PACKAGE, -o and limits.
+/// For one that changes a package: PACKAGE, -o, -n and limits.
 std::shared_ptr<Files> addChangedFile(CLI::App& command, const Command& own);
 
-/// For one that makes a package: PACKAGE.
+/// For one that makes a package: PACKAGE, -n.
 std::shared_ptr<Files> addNewFile(CLI::App& command, const Command& own);
+
+/// Declares -n.
+CLI::Option* addDryRun(CLI::App& command, RunOptions& options);
 
 /// Declares -o.
 CLI::Option* addTarget(CLI::App& command, RunOptions& options);

@@ -1,18 +1,23 @@
 #include "OpenedPackage.hpp"
 
+#include "FileRun.hpp"
+
 #include <opc/core/Text.hpp>
 
 #include <CLI/CLI.hpp>
 
 namespace opctool {
 
-OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode) : file(run), package(file) {
+OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode)
+    : run(run), file(run), package(file) {
     file.open(package, mode);
 }
 
 void OpenedPackage::save() {
-    package.close(false);
-    file.deliver();
+    const bool abandons = run.options().dryRun;
+    package.close(abandons);
+    if (!abandons)
+        file.deliver();
 }
 
 std::uint64_t measure(const opc::model::Part& part) {

@@ -26,7 +26,7 @@ public:
     /// @return the size of the archive in bytes
     std::uint64_t size() const { return file.size(); }
 
-    /// Writes the changes, into the file or into the target of the run, and closes the package.
+    /// Writes the changes, into the file or into the target of the run, and closes the package. A dry run drops them.
     void save();
 
     /// Finds the package itself for "/", otherwise the part with that name.
@@ -35,6 +35,7 @@ public:
     void withSource(const std::string& name, Use use);
 
 private:
+    FileRun& run;
     PackageFile file;
     opc::model::Package package;
 };

@@ -1,6 +1,6 @@
 #include "Commands.hpp"
+#include "EditedPackage.hpp"
 #include "Files.hpp"
-#include "OpenedPackage.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
 
@@ -93,12 +93,40 @@ void print(FileRun& run) {
         printProperties(run.out(), run.tableStyle(), description);
 }
 
+std::string textOf(const nlohmann::json& description, const std::string& name) {
+    const auto value = description.find(name);
+    if (value == description.end())
+        return {};
+    return value->is_string() ? value->get<std::string>() : value->dump();
+}
+
+/// @param part  of the core properties
+void record(opc::editing::Editor& editor, const std::string& part, const nlohmann::json& before,
+            const nlohmann::json& after) {
+    nlohmann::json all = before;
+    all.update(after); // the names of both
+    for (const auto& property : all.items()) {
+        opc::editing::Change change{
+            opc::editing::Change::Kind::PropertyChanged, part, property.key(), {}, {}};
+        change.before.text = textOf(before, property.key());
+        change.after.text = textOf(after, property.key());
+        if (change.before.text != change.after.text)
+            editor.record(std::move(change));
+    }
+}
+
+std::string findCorePropertiesPart(const Package& package) {
+    const auto found = package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
+    return found.empty() ? "/" : opc::toUDEString(found.begin()->getTargetURI().toString());
+}
+
 void change(FileRun& run, const Arguments& arguments) {
-    OpenedPackage package(run, OpenMode::ReadWrite);
+    EditedPackage package(run);
     warnOfCorePropertiesOutOfReach(run, *package);
     CoreProperties properties;
     if (!arguments.clear) // old ones that will be dropped need not be readable
         properties = read(run, *package, "new ones are written");
+    const nlohmann::json before = describe(properties);
     for (const std::string& name : arguments.unset)
         unset(properties, name);
     for (const std::string& assignment : arguments.set)
@@ -111,13 +139,16 @@ void change(FileRun& run, const Arguments& arguments) {
     }
     if (!properties.isEmpty() || hasCoreProperties(*package))
         write(run, *package, properties);
-    package.save();
+    record(package.editor(), findCorePropertiesPart(*package), before, describe(properties));
+    package.finish();
 }
 
 void declare(CLI::App& command) {
     const auto arguments = std::make_shared<Arguments>();
     const auto files = addFiles(command, PROPS);
     addTarget(command, files->options);
+    addDryRun(command, files->options);
+    addSignatureOption(command, files->options);
     const char* const group = "Changes, to one package";
     std::vector<CLI::Option*> changes{
         command.add_flag("--clear", arguments->clear, "First drop all properties"),
@@ -140,6 +171,9 @@ void declare(CLI::App& command) {
             files->requireOne("a change");
         else if (!files->options.target.empty())
             throw CLI::ValidationError("--output", "is for a change");
+        else if (files->options.dryRun || files->options.breakSignatures)
+            throw CLI::ValidationError(files->options.dryRun ? "--dry-run" : "--break-signatures",
+                                       "is for a change");
         files->run(
             [&arguments](FileRun& run) { arguments->changes() ? change(run, *arguments) : print(run); });
     });

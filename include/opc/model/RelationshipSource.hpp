@@ -81,6 +81,15 @@ public:
     Relationship setExternalTarget(const std::u16string& id, const std::u16string& target);
     /// @}
 
+    /// Gives this source, which has no relationships yet, those of another source, with their IDs, types and modes. Internal
+    /// targets lead to the same parts: where both sources have another folder, the reference is made anew. A target that
+    /// reading accepts is copied, whether or not it could be created.
+    /// @param from  of the same package
+    /// @throws RelationshipAlreadyExists   this source has relationships
+    /// @throws InvalidRelationshipContent  those of `from` weren't read completely: what wasn't read would be missing
+    /// @throws PartAlreadyExists, PartCreateFailed  as `createInternalRelationship`
+    void copyRelationships(const RelationshipSource& from);
+
     /// Deletes a relationship, and the relationships part with the last relationship.
     /// @throws PackageCreateOnly     the package was opened `CreateOnly`
     /// @throws RelationshipNotFound
@@ -169,6 +178,7 @@ private:
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,
                                       const std::u16string& target, TargetMode targetMode);
     URI relativeFormOf(const URI& target) const;
+    std::u16string targetFromHere(const Relationship& relationship) const;
     void throwIfPartCanNotHoldType(const std::u16string& type) const;
     void throwIfPartCanNotHoldTarget(const std::u16string& target, TargetMode targetMode) const;
     std::u16string generateID();

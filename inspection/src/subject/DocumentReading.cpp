@@ -133,12 +133,14 @@ bool isLimit(std::string_view message) {
     return message.substr(0, BEGIN.size()) == BEGIN;
 }
 
-void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>& items, DocumentState& state,
-                  model::XmlEvents& events) {
-    state.item = items.front();
+namespace {
+
+/// @param open  gives the content, or a pointer to it
+template <typename Open>
+void readOpened(const Open& open, DocumentState& state, model::XmlEvents& events) {
     std::string head;
     try {
-        const std::unique_ptr<InputStream> content = openItems(archive, items);
+        const auto content = open();
         HeadKeepingStream stream(*content);
         StateKeeper keeper(state, events);
         try {
@@ -163,6 +165,18 @@ void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>&
     state.hasDocumentType = prolog.find("<!DOCTYPE") != std::string::npos;
     if (state.declaredEncoding.empty())
         state.declaredEncoding = findEncoding(prolog);
+}
+
+} // namespace
+
+void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>& items, DocumentState& state,
+                  model::XmlEvents& events) {
+    state.item = items.front();
+    readOpened([&] { return openItems(archive, items); }, state, events);
+}
+
+void readDocument(InputStream& content, DocumentState& state, model::XmlEvents& events) {
+    readOpened([&content] { return &content; }, state, events);
 }
 
 } // namespace opc::inspection

@@ -29,4 +29,8 @@ bool isLimit(std::string_view message);
 void readDocument(const Archive& archive, const std::vector<const ArchiveItem*>& items, DocumentState& state,
                   model::XmlEvents& events);
 
+/// The same for a document from anywhere.
+/// @param content  ready to read
+void readDocument(InputStream& content, DocumentState& state, model::XmlEvents& events);
+
 } // namespace opc::inspection

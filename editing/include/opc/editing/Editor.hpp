@@ -2,6 +2,7 @@
 
 #include <opc/editing/Change.hpp>
 #include <opc/editing/Export.hpp>
+#include <opc/editing/Signatures.hpp>
 
 #include <opc/core/InputStream.hpp>
 #include <opc/model/ContentType.hpp>
@@ -29,7 +30,9 @@ namespace opc::editing {
 /// Sources of relationships are part names, or "/" for the package itself. Use it in the thread of the package.
 class OPC_EDITING_EXPORT Editor {
 public:
-    /// @param package  open for changes; must outlive this object
+    /// Reads the signatures of the package.
+    /// @param package  open for changes, and not changed yet; must outlive this object
+    /// @throws PackageNotOpen
     explicit Editor(model::Package& package);
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
@@ -42,6 +45,15 @@ public:
 
     /// Adds a change that was made to the package in another way.
     void record(Change change) { made.push_back(std::move(change)); }
+
+    /// The signatures that the package had when this object was made.
+    const Signatures& signatures() const { return signaturesBefore; }
+
+    /// The signature parts of those that the changes so far break.
+    std::vector<std::string> brokenSignatures() const { return signaturesBefore.brokenBy(made); }
+
+    /// @throws BreaksSignatures  there are some
+    void throwIfSignaturesAreBroken() const;
 
     /// @name Parts
     /// @{
@@ -96,6 +108,7 @@ public:
 
 private:
     model::Package& edited;
+    const Signatures signaturesBefore;
     std::vector<Change> made;
 };
 

@@ -341,4 +341,11 @@ SignatureDocument readSignature(const Subject& subject, const PartView& part) {
     return document;
 }
 
+SignatureDocument readSignature(InputStream& content) {
+    SignatureDocument document;
+    SignatureReader reader(document);
+    readDocument(content, document.state, reader);
+    return document;
+}
+
 } // namespace opc::inspection

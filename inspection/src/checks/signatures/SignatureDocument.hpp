@@ -71,4 +71,7 @@ extern const std::string PACKAGE_OBJECT; ///< its Id
 
 SignatureDocument readSignature(const Subject& subject, const PartView& part);
 
+/// @param content  of the part, ready to read
+SignatureDocument readSignature(InputStream& content);
+
 } // namespace opc::inspection

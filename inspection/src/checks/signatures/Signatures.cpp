@@ -8,9 +8,10 @@ namespace opc::inspection {
 
 namespace {
 
-const std::string STANDARD_BASE =
+constexpr std::string_view STANDARD_BASE =
     "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/";
-const std::string OWN_BASE = "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/";
+constexpr std::string_view OWN_BASE =
+    "http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/";
 constexpr std::string_view ORIGIN_TYPE = "application/vnd.openxmlformats-package.digital-signature-origin";
 constexpr std::string_view SIGNATURE_TYPE =
     "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
@@ -19,12 +20,8 @@ constexpr std::string_view OWN_SIGNATURE_TYPE =
 constexpr std::string_view CERTIFICATE_TYPE =
     "application/vnd.openxmlformats-package.digital-signature-certificate";
 
-bool isOfType(const RelationshipView& relationship, std::string_view segment) {
-    const std::string_view type = trimmed(relationship.type);
-    if (type.size() < segment.size() || type.substr(type.size() - segment.size()) != segment)
-        return false;
-    const std::string_view base = type.substr(0, type.size() - segment.size());
-    return base == STANDARD_BASE || base == OWN_BASE;
+bool leadsTo(SignaturePartKind kind, const RelationshipView& relationship) {
+    return targetOfSignatureType(relationship.type) == kind;
 }
 
 int valueOf(char digit) {
@@ -47,16 +44,30 @@ std::string decoded(const std::string& text) {
 
 } // namespace
 
+std::optional<SignaturePartKind> targetOfSignatureType(std::string_view type) {
+    type = trimmed(type);
+    const std::size_t size = type.rfind('/') + 1;
+    const std::string_view base = type.substr(0, size);
+    const std::string_view name = type.substr(size);
+    if (base != STANDARD_BASE && base != OWN_BASE)
+        return std::nullopt;
+    if (name == "origin")
+        return SignaturePartKind::Origin;
+    if (name == "signature")
+        return SignaturePartKind::Signature;
+    return name == "certificate" ? std::optional(SignaturePartKind::Certificate) : std::nullopt;
+}
+
 bool leadsToOrigin(const RelationshipView& relationship) {
-    return isOfType(relationship, "origin");
+    return leadsTo(SignaturePartKind::Origin, relationship);
 }
 
 bool leadsToSignature(const RelationshipView& relationship) {
-    return isOfType(relationship, "signature");
+    return leadsTo(SignaturePartKind::Signature, relationship);
 }
 
 bool leadsToCertificate(const RelationshipView& relationship) {
-    return isOfType(relationship, "certificate");
+    return leadsTo(SignaturePartKind::Certificate, relationship);
 }
 
 bool isOriginType(const std::string& mediaType) {

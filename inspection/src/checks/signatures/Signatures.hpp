@@ -2,6 +2,8 @@
 
 #include "checks/signatures/SignatureDocument.hpp"
 
+#include <opc/inspection/SignatureExtent.hpp>
+
 #include <vector>
 
 namespace opc::inspection {

@@ -1,0 +1,121 @@
+#include <opc/editing/Signatures.hpp>
+
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/Package.hpp>
+
+#include <algorithm>
+
+namespace opc::editing {
+
+using inspection::SignaturePartKind;
+using model::Package;
+using model::Part;
+using model::PartName;
+using model::Relationship;
+using model::RelationshipSource;
+
+namespace {
+
+std::string lowered(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return name;
+}
+
+/// Calls `visit` with each part that a relationship of signatures leads to.
+template <typename Visit>
+void visitTargets(const Package& package, const RelationshipSource& source, SignaturePartKind kind,
+                  const Visit& visit) {
+    for (const Relationship& relationship : source.getRelationships()) {
+        if (relationship.getTargetMode() == model::TargetMode::External ||
+            inspection::targetOfSignatureType(toUDEString(relationship.getType())) != kind)
+            continue;
+        try {
+            const PartName name(relationship.getTargetURI().getPath());
+            if (package.hasPart(name))
+                visit(package.getPart(name));
+        } catch (const Exception&) {
+            continue; // it leads to nothing that can be a part
+        }
+    }
+}
+
+std::string nameOf(const Part& part) {
+    return toUDEString(part.getName().toString());
+}
+
+} // namespace
+
+BreaksSignatures::~BreaksSignatures() = default;
+
+Signatures::Signatures(const Package& package) {
+    visitTargets(package, package, SignaturePartKind::Origin, [&](const Part& origin) {
+        if (!origins.insert(lowered(nameOf(origin))).second)
+            return;
+        own.insert(lowered(nameOf(origin)));
+        visitTargets(package, origin, SignaturePartKind::Signature, [&](const Part& signature) {
+            if (!own.insert(lowered(nameOf(signature))).second)
+                return;
+            InputStream& content = signature.getInputStream();
+            found.push_back({nameOf(signature), inspection::SignatureExtent(content)});
+            content.close();
+            content.open(); // for the next reader
+            visitTargets(package, signature, SignaturePartKind::Certificate,
+                         [&](const Part& certificate) { own.insert(lowered(nameOf(certificate))); });
+        });
+    });
+}
+
+bool Signatures::consistOf(const std::string& part) const {
+    return own.count(lowered(part)) != 0;
+}
+
+bool Signatures::sign(const std::string& part) const {
+    return std::any_of(found.begin(), found.end(), [&part](const Signature& signature) {
+        return signature.extent.signsPart(part) || signature.extent.signsRelationshipsOf(part);
+    });
+}
+
+std::vector<std::string> Signatures::brokenBy(const std::vector<Change>& changes) const {
+    std::vector<std::string> broken;
+    for (const Signature& signature : found)
+        if (std::any_of(changes.begin(), changes.end(),
+                        [&](const Change& change) { return isBrokenBy(change, signature); }))
+            broken.push_back(signature.part);
+    return broken;
+}
+
+bool Signatures::isBrokenBy(const Change& change, const Signature& signature) const {
+    const auto isSigned = [&](const Change::State& state) {
+        return signature.extent.signsRelationship(change.place, change.name, state.type);
+    };
+    const bool isOfItself =
+        lowered(change.place) == lowered(signature.part) || origins.count(lowered(change.place)) != 0;
+    // Without these relationships nobody finds it or its certificates.
+    const auto isFoundBy = [&](const Change::State& state) {
+        return inspection::targetOfSignatureType(state.type) && (change.place == "/" || isOfItself);
+    };
+    switch (change.kind) {
+    case Change::Kind::PartAdded:
+        return false;
+    case Change::Kind::PartRemoved:
+    case Change::Kind::PartRenamed:
+        return isOfItself || signature.extent.signsPart(change.place) ||
+               signature.extent.signsRelationshipsOf(change.place);
+    case Change::Kind::ContentReplaced:
+    case Change::Kind::ContentTypeChanged:
+    case Change::Kind::PropertyChanged:
+    case Change::Kind::Mended:
+        return isOfItself || signature.extent.signsPart(change.place);
+    case Change::Kind::RelationshipAdded:
+        return isSigned(change.after);
+    case Change::Kind::RelationshipRemoved:
+    case Change::Kind::RelationshipChanged:
+        return isFoundBy(change.before) || isSigned(change.before) || isSigned(change.after);
+    }
+    return false;
+}
+
+} // namespace opc::editing

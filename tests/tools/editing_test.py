@@ -1,0 +1,116 @@
+"""Commands that edit packages: what they change, print, and leave as it was."""
+import unittest
+import zipfile
+
+from opctool_case import OpctoolCase
+
+DOCUMENT = '/word/document.xml'
+
+
+class Editing(OpctoolCase):
+    def setUp(self):
+        super().setUp()
+        self.copy_fixture('report.docx', 'p.docx')
+        self.write('x', 'content')
+
+    def names(self, package='p.docx'):
+        return [part['name'] for part in self.list('ls ' + package)]
+
+    def compressed(self):
+        """The bytes of each item as they lie."""
+        raw = self.read('p.docx')
+        items = {}
+        with zipfile.ZipFile(self.folder / 'p.docx') as archive:
+            for info in archive.infolist():
+                start = info.header_offset + 30 + len(info.filename) + int.from_bytes(
+                    raw[info.header_offset + 28:info.header_offset + 30], 'little')
+                items[info.filename] = raw[start:start + info.compress_size]
+        return items
+
+    def test_mv_takes_everything_along(self):
+        before = {(row['source'], row['id']): row for row in self.list('rels p.docx --all')}
+        self.assertEqual(self.do(f'mv p.docx {DOCUMENT} /main/Doc.xml'),
+                         f'rename {DOCUMENT} to /main/Doc.xml\n'
+                         'change relationship /#rId1 from word/document.xml to main/Doc.xml\n')
+        after = {(row['source'], row['id']): row for row in self.list('rels p.docx --all')}
+        self.assertTrue(all(row['exists'] for row in self.envelopes('rels p.docx --all')[1][0]['result']))
+        for (source, identifier), row in before.items():
+            moved = after['/main/Doc.xml' if source == DOCUMENT else source, identifier]
+            self.assertEqual(moved['resolved'], row['resolved'].replace(DOCUMENT, '/main/Doc.xml'))
+        self.do('mv p.docx /main/Doc.xml /MAIN/doc.XML', 'mv p.docx /MAIN/doc.XML ' + DOCUMENT)
+        self.assertEqual({(row['source'], row['id']): row for row in self.list('rels p.docx --all')}, before)
+        self.assertEqual(self.do('check p.docx --fail-on warning').count('\n'), 1)
+
+    def test_only_what_changes_is_written_anew(self):
+        for command, changed in (
+                ('retype p.docx /docProps/thumbnail.jpeg image/x', {'[Content_Types].xml'}),
+                ('retarget p.docx /word/document.xml rId8 /word/theme/t.xml', {'word/_rels/document.xml.rels'}),
+                ('rm p.docx /docProps/thumbnail.jpeg --incoming', {'[Content_Types].xml', '_rels/.rels', 'docProps/thumbnail.jpeg'}),
+                ('gc p.docx', {'word/theme/theme1.xml', '[Content_Types].xml'})):
+            before = self.compressed()
+            self.do(command)
+            after = self.compressed()
+            self.assertEqual({name for name in {*before, *after} if before.get(name) != after.get(name)}, changed, command)
+        self.assertEqual(self.do('gc p.docx'), '')
+
+    def test_retarget_keeps_the_place_of_a_relationship(self):
+        def document():
+            with zipfile.ZipFile(self.folder / 'p.docx') as archive:
+                return archive.read('word/_rels/document.xml.rels').decode()
+        before = document()
+        self.do('retarget p.docx /word/document.xml rId3 "http://h/?a&b" --external')
+        at = before.index('Id="rId3"')
+        begin, end = before.rindex('<', 0, at), before.index('/>', at)
+        after = document()
+        self.assertEqual((after[:begin], after[-len(before) + end:]), (before[:begin], before[end:]))
+        self.assertIn('Target="http://h/?a&amp;b"', after)
+        self.assertIn('TargetMode="External"', after)
+
+    def test_a_dry_run_says_all_and_writes_nothing(self):
+        before = self.read('p.docx')
+        for command in ('add p.docx /x.txt x --type text/plain', 'put p.docx /word/settings.xml x', "rm p.docx '/word/**' --cascade",
+                        'relate p.docx / urn:t /x', 'unrelate p.docx / rId1', 'props p.docx --set title=new', 'gc p.docx',
+                        f'mv p.docx {DOCUMENT} /d.xml', 'retype p.docx /docProps/app.xml a/b', 'retarget p.docx / rId1 x.xml'):
+            said = self.do(command + ' -n')
+            self.assertEqual(self.read('p.docx'), before, command)
+            if not command.startswith('props'):
+                self.write('q.docx', before)
+                status, (document,) = self.envelopes(command.replace('p.docx', 'q.docx'))
+                self.assertEqual(status, 0, command)
+                self.assertEqual([change['text'] for change in document['result']['changes']], said.splitlines())
+                self.assertEqual(document['result']['dryRun'], False)
+        self.assertEqual(self.do('props p.docx --set title=new -n'),
+                         'change property title in /docProps/core.xml from "Report on the bindery" to "new"\n')
+        self.do('new q.zip -n')
+        self.assertFalse((self.folder / 'q.zip').exists())
+
+    def test_signatures_are_respected(self):
+        self.do('keygen k', 'sign p.docx --key k.key')
+        before = self.read('p.docx')
+        for command in ('put p.docx /word/settings.xml x', 'rm p.docx /word/settings.xml', 'unrelate p.docx / rId1',
+                        f'mv p.docx {DOCUMENT} /d.xml', 'retype p.docx /docProps/app.xml a/b', 'retarget p.docx / rId1 x.xml',
+                        'props p.docx --set title=new', 'rm p.docx /_xmlsignatures/sig1.xml'):
+            self.assert_failure(command, 'BreaksSignatures: This would break the signature /_xmlsignatures/sig1.xml', 'p.docx')
+            dry = self.run_tool(command + ' -n')
+            self.assertEqual((dry.status, bool(dry.output)), (3, True), 'it tells all the same')
+            self.do(command + ' --break-signatures -n')
+            self.assertEqual(self.read('p.docx'), before)
+        self.do('add p.docx /x.txt x --type text/plain', 'relate p.docx / urn:new /x.txt', 'mv p.docx /x.txt /y.txt',
+                'gc p.docx', 'rm p.docx /y.txt --incoming')
+        self.assertEqual(self.run_tool('mv p.docx /_xmlsignatures/sig1.xml /s.xml --break-signatures').errors,
+                         'opctool: p.docx: Exception: /_xmlsignatures/sig1.xml belongs to signatures, which are found by its name\n')
+        status, (document,) = self.envelopes('retype p.docx /docProps/app.xml a/b -n --break-signatures')
+        self.assertEqual((status, document['result']['brokenSignatures']), (0, ['/_xmlsignatures/sig1.xml']))
+
+    def test_failures_leave_the_file_as_it_was(self):
+        for command, line in (
+                ("rm p.docx '/no*'", 'PartNotFound: No part found with the name:/no*'),
+                (f'mv p.docx {DOCUMENT} /word/styles.xml',
+                 'PartAlreadyExists: Cannot use a part name that already exists: /word/styles.xml'),
+                ('retype p.docx /no.xml a/b', 'PartNotFound: No part found with the name:/no.xml'),
+                ('retarget p.docx / rId99 x', 'RelationshipNotFound: Relationship ID does not exist')):
+            self.assert_failure(command, line, 'p.docx')
+
+
+if __name__ == '__main__':
+    unittest.main()

@@ -1,0 +1,49 @@
+#include "EditedPackage.hpp"
+
+#include "ChangeText.hpp"
+#include "TerminalText.hpp"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+namespace opctool {
+
+using opc::editing::Change;
+
+void EditedPackage::finish(const std::string& name, bool tells) {
+    const RunOptions& options = run.options();
+    if (!options.dryRun && !options.breakSignatures)
+        edits.throwIfSignaturesAreBroken();
+    package.save();
+    print(name, tells);
+    if (options.dryRun && !options.breakSignatures)
+        edits.throwIfSignaturesAreBroken();
+}
+
+void EditedPackage::print(const std::string& name, bool tells) {
+    const RunOptions& options = run.options();
+    if (run.wantsJSON()) {
+        JSONOutput& json = run.json();
+        json.beginObject();
+        json.add(name.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(name), "name");
+        json.beginArray("changes");
+        for (const Change& change : edits.changes())
+            json.add(toJSON(change));
+        json.end();
+        json.add(edits.brokenSignatures(), "brokenSignatures");
+        json.add(options.dryRun, "dryRun");
+        json.end();
+    } else if (options.dryRun || options.output.verbose || tells) {
+        for (const Change& change : edits.changes())
+            run.printName(describe(change));
+    } else if (!name.empty()) {
+        run.printName(name);
+    }
+}
+
+void addSignatureOption(CLI::App& command, RunOptions& options) {
+    command.add_flag("--break-signatures", options.breakSignatures,
+                     "Make the change also if signatures don't hold after it");
+}
+
+} // namespace opctool

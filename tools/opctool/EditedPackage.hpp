@@ -1,0 +1,43 @@
+#pragma once
+
+#include "FileRun.hpp"
+#include "OpenedPackage.hpp"
+
+#include <opc/editing/Editor.hpp>
+
+#include <string>
+
+namespace CLI {
+class App;
+} // namespace CLI
+
+namespace opctool {
+
+/// The package of a run that edits it. The constructor opens it. Without a call of `finish`, the file doesn't change.
+class EditedPackage {
+public:
+    explicit EditedPackage(FileRun& run)
+        : run(run), package(run, opc::interfaces::OpenMode::ReadWrite), edits(*package) {}
+
+    opc::editing::Editor& editor() { return edits; }
+    opc::model::Package& operator*() { return *package; }
+
+    /// Prints the changes, and saves the package. A dry run doesn't save. The text of the changes is printed by a dry run, with
+    /// -v, and if `tells`.
+    /// @param name   of what was made; may be empty. It is the text if the changes aren't
+    /// @throws BreaksSignatures  they break signatures, and the run doesn't allow that; they are printed all the same if it is a
+    ///                           dry run
+    void finish(const std::string& name = {}, bool tells = false);
+
+private:
+    void print(const std::string& name, bool tells);
+
+    FileRun& run;
+    OpenedPackage package;
+    opc::editing::Editor edits;
+};
+
+/// Declares --break-signatures.
+void addSignatureOption(CLI::App& command, RunOptions& options);
+
+} // namespace opctool
