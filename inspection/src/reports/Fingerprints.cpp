@@ -1,24 +1,12 @@
 #include <opc/inspection/Reports.hpp>
 
-#include <bedrock/crypto/CryptoEngine.hpp>
-#include <bedrock/crypto/DigestEngine.hpp>
-#include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
+#include "digests/Sha256.hpp"
 
 #include <unordered_map>
 
 namespace opc::inspection {
 
 namespace {
-
-std::string toHex(const std::vector<unsigned char>& bytes) {
-    static constexpr char DIGITS[] = "0123456789abcdef";
-    std::string text;
-    for (const unsigned char byte : bytes) {
-        text += DIGITS[byte >> 4U];
-        text += DIGITS[byte & 0xFU];
-    }
-    return text;
-}
 
 /// The texts are kept apart by their lengths, as they may hold any character.
 std::string identityOf(const Finding& finding) {
@@ -33,14 +21,13 @@ std::string identityOf(const Finding& finding) {
 } // namespace
 
 std::vector<std::string> fingerprints(const Report& report) {
-    const auto digest = bedrock::crypto::cryptopp::CryptoProvider().createDigestEngine(
-        bedrock::crypto::DigestAlgorithm::SHA256);
+    Sha256 digest;
     std::unordered_map<std::string, std::size_t> seen;
     std::vector<std::string> all;
     for (const Finding& finding : report.findings) {
         std::string identity = identityOf(finding);
         identity += std::to_string(++seen[identity]);
-        all.push_back(toHex(digest->computeDigest({identity.begin(), identity.end()})));
+        all.push_back(digest.of(identity));
     }
     return all;
 }

@@ -53,32 +53,19 @@ private:
 
 } // namespace
 
-RelationshipsTable::RelationshipsTable(const Archive& archive, PartTable& parts) {
-    all.reserve(
-        static_cast<std::size_t>(std::count_if(parts.parts().begin(), parts.parts().end(),
-                                               [](const PartView& part) { return part.isRelationships(); })));
-    for (PartView& part : parts.parts())
-        if (part.isRelationships())
-            add(archive, parts, part);
-    walk();
-}
-
-void RelationshipsTable::add(const Archive& archive, const PartTable& parts, PartView& part) {
-    RelationshipsView& view = all.emplace_back();
+RelationshipsView readRelationships(const Archive& archive, const PartTable& parts, PartView& part,
+                                    std::uint64_t mostEntries) {
+    RelationshipsView view;
     view.part = &part;
     view.source = sourceOfRelationships(part.name);
     view.sourcePart = parts.find(view.source);
     if (view.sourcePart != nullptr)
         view.source = view.sourcePart->name;
-    bySource.emplace(keyOfName(view.source), all.size() - 1);
 
-    const model::XmlLimits limits;
-    const EntryListKind kind =
-        kindOf(std::min(limits.relationships.elements, limits.package.elements - entries));
+    const EntryListKind kind = kindOf(std::min(model::XmlLimits().relationships.elements, mostEntries));
     RelationshipsReader reader(view.document, kind, view.entries);
     readDocument(archive, part.items, view.document, reader);
     part.isKnownWhole = view.document.failure.empty();
-    entries += view.entries.size();
     for (RelationshipView& entry : view.entries) {
         if (entry.isExternal || !entry.hasTarget)
             continue;
@@ -86,6 +73,21 @@ void RelationshipsTable::add(const Archive& archive, const PartTable& parts, Par
         if (!entry.resolved.empty())
             entry.part = parts.find(entry.resolved);
     }
+    return view;
+}
+
+RelationshipsTable::RelationshipsTable(const Archive& archive, PartTable& parts) {
+    all.reserve(
+        static_cast<std::size_t>(std::count_if(parts.parts().begin(), parts.parts().end(),
+                                               [](const PartView& part) { return part.isRelationships(); })));
+    std::uint64_t rest = model::XmlLimits().package.elements;
+    for (PartView& part : parts.parts())
+        if (part.isRelationships()) {
+            all.push_back(readRelationships(archive, parts, part, rest));
+            bySource.emplace(keyOfName(all.back().source), all.size() - 1);
+            rest -= all.back().entries.size();
+        }
+    walk();
 }
 
 const RelationshipsView* RelationshipsTable::find(std::string_view source) const {

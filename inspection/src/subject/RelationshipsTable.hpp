@@ -3,6 +3,7 @@
 #include "subject/PartTable.hpp"
 #include "subject/Subject.hpp"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -10,6 +11,13 @@
 #include <vector>
 
 namespace opc::inspection {
+
+/// Reads a relationships part, and resolves its targets.
+/// @param parts        of the package
+/// @param part         one of them; gets to know whether it is whole
+/// @param mostEntries  how many entries are read
+RelationshipsView readRelationships(const Archive& archive, const PartTable& parts, PartView& part,
+                                    std::uint64_t mostEntries);
 
 /// All relationships parts of a package, in the order of their items, and where they lead.
 class RelationshipsTable {
@@ -22,13 +30,11 @@ public:
     bool isReached(const PartView& part) const { return reached.count(&part) != 0; }
 
 private:
-    void add(const Archive& archive, const PartTable& parts, PartView& part);
     void walk();
 
     std::vector<RelationshipsView> all;
     std::unordered_map<std::string, std::size_t> bySource;
     std::unordered_set<const PartView*> reached;
-    std::uint64_t entries = 0;
 };
 
 } // namespace opc::inspection

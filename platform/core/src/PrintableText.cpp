@@ -24,14 +24,6 @@ constexpr Range UNPRINTABLE[] = {
     {0xE0000, 0xE0FFF},
 };
 
-bool isUnprintable(char32_t character) {
-    const bool isPlain = character >= U' ' && character <= U'~';
-    return !isPlain &&
-           std::any_of(std::begin(UNPRINTABLE), std::end(UNPRINTABLE), [character](const Range& range) {
-               return range.first <= character && character <= range.last;
-           });
-}
-
 /// @param escape  gives the replacement of such a character in UTF-16
 template <typename Escape>
 std::string replaceUnprintable(const std::string& text, const Escape& escape) {
@@ -51,6 +43,14 @@ std::string replaceUnprintable(const std::string& text, const Escape& escape) {
 }
 
 } // namespace
+
+bool isUnprintable(char32_t character) {
+    const bool isPlain = character >= U' ' && character <= U'~';
+    return !isPlain &&
+           std::any_of(std::begin(UNPRINTABLE), std::end(UNPRINTABLE), [character](const Range& range) {
+               return range.first <= character && character <= range.last;
+           });
+}
 
 std::string withoutControlCharacters(const std::string& text) {
     return replaceUnprintable(text, [](const std::u16string&) { return std::u16string(u" "); });

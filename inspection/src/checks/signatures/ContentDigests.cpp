@@ -1,5 +1,7 @@
 #include "checks/signatures/ContentDigests.hpp"
 
+#include "content/ContentBuffer.hpp"
+
 #include <bedrock/crypto/CryptoEngine.hpp>
 #include <bedrock/crypto/DigestEngine.hpp>
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
@@ -11,7 +13,6 @@
 #include <algorithm>
 #include <istream>
 #include <iterator>
-#include <streambuf>
 
 namespace opc::inspection {
 
@@ -29,25 +30,6 @@ constexpr Method METHODS[] = {
     {"http://www.w3.org/2001/04/xmlenc#sha256", DigestAlgorithm::SHA256},
     {"http://www.w3.org/2001/04/xmldsig-more#sha384", DigestAlgorithm::SHA384},
     {"http://www.w3.org/2001/04/xmlenc#sha512", DigestAlgorithm::SHA512},
-};
-
-/// The content of a part, for what reads standard streams.
-class ContentBuffer final : public std::streambuf {
-public:
-    explicit ContentBuffer(InputStream& stream) : stream(stream) {}
-
-private:
-    int_type underflow() override {
-        std::size_t filled = 0;
-        while (filled == 0 && !stream.isDone())
-            filled = static_cast<std::size_t>(
-                stream.read(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()));
-        setg(bytes.data(), bytes.data(), bytes.data() + filled);
-        return filled == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
-    }
-
-    InputStream& stream;
-    std::vector<char> bytes = std::vector<char>(65536);
 };
 
 } // namespace

@@ -11,6 +11,9 @@ namespace opc {
 /// commands or that make a text look like another one: control characters, those that change the direction of
 /// writing, separators of lines and paragraphs, invisible ones. Bytes that aren't UTF-8 become U+FFFD.
 
+/// Whether the character is one of those.
+OPC_CORE_EXPORT bool isUnprintable(char32_t character);
+
 /// As one line: each of them becomes a blank.
 OPC_CORE_EXPORT std::string withoutControlCharacters(const std::string& text);
 
