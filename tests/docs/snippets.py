@@ -12,6 +12,7 @@ import sys
 HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/inspection/Comparison.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>
 #include <opc/inspection/Reports.hpp>

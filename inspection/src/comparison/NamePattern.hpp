@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace opc::inspection {
+
+/// Matches names of parts against one that may hold `*`, for any characters within a segment, and `**`, for any characters.
+/// Names compare as everywhere.
+class NamePattern {
+public:
+    explicit NamePattern(std::string_view pattern);
+
+    /// @param key  of the name: `keyOfName`
+    bool matches(std::string_view key) const;
+
+private:
+    std::string pattern; ///< a key; `**` is one character there
+};
+
+} // namespace opc::inspection
