@@ -15,7 +15,7 @@ class Help(OpctoolCase):
     def setUp(self):
         super().setUp()
         self.docs = pathlib.Path(os.environ['OPCTOOL_DOCS'])
-        self.commands = re.findall(r'^  ([a-z]+)  ', self.do('--help').partition('\nCommands:\n')[2], re.M)
+        self.commands = re.findall(r'^  ([a-z-]+)  ', self.do('--help').partition('\nCommands:\n')[2], re.M)
         self.assertIn('schema', self.commands)
 
     def options(self, command):

@@ -12,10 +12,13 @@ namespace opctool {
 using opc::inspection::Archive;
 
 Archive openArchive(const FileRun& run) {
-    const opc::physical::ZipOptions& limits = run.options().reading.zip;
-    if (!run.isStandardInput())
-        return Archive(std::filesystem::path(run.path()), limits);
-    return Archive(std::vector<unsigned char>(std::istreambuf_iterator<char>(std::cin), {}), limits);
+    return openArchive(run.path(), run.options().reading);
+}
+
+Archive openArchive(const std::string& path, const ReadOptions& options) {
+    if (path != "-")
+        return Archive(std::filesystem::path(path), options.zip);
+    return Archive(std::vector<unsigned char>(std::istreambuf_iterator<char>(std::cin), {}), options.zip);
 }
 
 } // namespace opctool

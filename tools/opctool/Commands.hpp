@@ -35,6 +35,10 @@ extern const Command EXPLAIN;
 extern const Command EXTERNAL;
 extern const Command ITEMS;
 extern const Command TYPE;
+extern const Command DIFF;
+extern const Command HASH;
+extern const Command FLAT;
+extern const Command GIT_SETUP;
 extern const Command SCHEMA;
 /// @}
 

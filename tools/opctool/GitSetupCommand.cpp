@@ -1,0 +1,58 @@
+#include "Commands.hpp"
+#include "FolderWalk.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace opctool {
+
+namespace {
+
+struct Arguments {
+    bool attributes = false;
+    bool config = false;
+};
+
+void printAttributes() {
+    for (const std::string& extension : knownExtensions())
+        std::cout << "*." << extension << " diff=opc\n";
+}
+
+void printConfig() {
+    std::cout << "[diff \"opc\"]\n"
+                 "\ttextconv = opctool flat --\n"
+                 "\tcachetextconv = true\n"
+                 "\tbinary = true\n";
+}
+
+void setUp(const Arguments& arguments) {
+    const bool both = arguments.attributes == arguments.config;
+    if (both)
+        std::cout << "# .gitattributes, which is committed:\n";
+    if (both || arguments.attributes)
+        printAttributes();
+    if (both)
+        std::cout << "\n# .git/config of each clone, or ~/.gitconfig:\n";
+    if (both || arguments.config)
+        printConfig();
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    command.add_flag("--attributes", arguments->attributes, "Print only the lines for .gitattributes");
+    command.add_flag("--config", arguments->config, "Print only the lines for the configuration");
+    command.callback([arguments] { setUp(*arguments); });
+}
+
+} // namespace
+
+const Command GIT_SETUP{"git-setup", "Print the lines with which git shows what changed in packages", declare,
+                        "Nothing is written. With these lines git diff, git log -p and git show compare "
+                        "packages as the texts that "
+                        "flat prints. What git stores doesn't change.",
+                        "opctool git-setup --attributes >>.gitattributes\n"
+                        "opctool git-setup --config >>.git/config"};
+
+} // namespace opctool
