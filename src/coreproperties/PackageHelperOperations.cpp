@@ -29,8 +29,10 @@ Part getTarget(const Package& package, const Relationships& relationships) {
     try {
         return package.getPart(PartName(first.getTargetURI()));
     } catch (Exception& e) {
-        e.addDetails("the core properties relationship " + toUDEString(first.getID()) + " leads to " +
+        const std::string id = toUDEString(first.getID());
+        e.addDetails("the core properties relationship " + id + " leads to " +
                      toUDEString(first.getTarget()));
+        e.setRelationship(id);
         throw;
     }
 }
@@ -82,6 +84,7 @@ CoreProperties PackageHelper::getCoreProperties(const Package& package) {
         return properties;
     } catch (Exception& e) {
         e.addDetails(toUDEString(part.getName().toString()));
+        e.setPart(toUDEString(part.getName().toString()));
         throw;
     }
 }

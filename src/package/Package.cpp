@@ -25,7 +25,10 @@ void throwIfTooManyCorePropertiesRelationships(const Package& package, std::size
         return;
     InvalidCorePropertiesRelationships failure(
         "No more than one core properties relationship can exist in a package");
-    failure.addDetails("one is " + toUDEString(found.begin()->getID()) + " in /_rels/.rels");
+    const std::string id = toUDEString(found.begin()->getID());
+    failure.addDetails("one is " + id + " in /_rels/.rels");
+    failure.setPart("/_rels/.rels");
+    failure.setRelationship(id);
     throw failure;
 }
 

@@ -133,6 +133,7 @@ PartName readName(std::u16string text, const interfaces::IPhysicalPart& physical
         return PartName(std::move(text));
     } catch (Exception& e) {
         e.addDetails(toUDEString(physicalPart.getName()));
+        e.setPart(toUDEString(physicalPart.getName()));
         throw;
     }
 }
@@ -210,6 +211,7 @@ void Package::Impl::initializeParts() {
     if (const auto* orphan = relationships.findOrphan()) {
         InconsistentPackage failure("Not all relationship parts were matched with regular parts");
         failure.addDetails(toUDEString(orphan->getName()) + " has no source");
+        failure.setPart(toUDEString(orphan->getName()));
         throw failure;
     }
 }

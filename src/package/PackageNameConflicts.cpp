@@ -38,10 +38,13 @@ void Package::Impl::throwIfDerivedFromExistingPartName(const PartName& name) con
         return;
     const std::u16string text = name.toString();
     if (text.size() <= existing.size())
-        throw PartIsDerivedFromExistingPartName(
-            "Cannot use a part name that is a subset of an existing name: " + toASCIIString(text));
-    throw PartIsDerivedFromExistingPartName(
-        "Cannot use a part name that is a superset of an existing name: " + toASCIIString(existing));
+        throw aboutPart(
+            toUDEString(text),
+            PartIsDerivedFromExistingPartName(
+                "Cannot use a part name that is a subset of an existing name: " + toASCIIString(text)));
+    throw aboutPart(toUDEString(text), PartIsDerivedFromExistingPartName(
+                                           "Cannot use a part name that is a superset of an existing name: " +
+                                           toASCIIString(existing)));
 }
 
 } // namespace opc::model

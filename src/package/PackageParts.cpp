@@ -17,13 +17,15 @@ namespace opc::model {
 namespace {
 
 [[noreturn]] void throwPartNotFound(const PartName& name) {
-    throw PartNotFound("No part found with the name:" + toASCIIString(name.toString()));
+    throw aboutPart(toUDEString(name.toString()),
+                    PartNotFound("No part found with the name:" + toASCIIString(name.toString())));
 }
 
 void throwIfRelationshipName(const PartName& name) {
     if (name.isRelationshipName())
-        throw PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
-                                      toASCIIString(name.toString()));
+        throw aboutPart(toUDEString(name.toString()),
+                        PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
+                                                toASCIIString(name.toString())));
 }
 
 void throwIfStreamCanNotHold(const ContentType& contentType) {
@@ -175,8 +177,9 @@ bool Package::hasUnreadContentTypes() const {
 Package::Impl::PartMap::const_iterator Package::Impl::findPlaceOfNewPart(const PartName& name) const {
     const auto place = parts.lower_bound(name);
     if (place != parts.end() && place->first == name)
-        throw PartAlreadyExists("Cannot use a part name that already exists: " +
-                                toASCIIString(name.toString()));
+        throw aboutPart(toUDEString(name.toString()),
+                        PartAlreadyExists("Cannot use a part name that already exists: " +
+                                          toASCIIString(name.toString())));
     return place;
 }
 

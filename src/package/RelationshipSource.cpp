@@ -24,6 +24,12 @@ constexpr char INVALID_TYPE[] = "Relationship type is not a valid xsd::anyURI";
 constexpr char INVALID_EXTERNAL_TARGET[] = "External relationship target is not a valid xsd::anyURI. See "
                                            "http://www.w3.org/TR/leiri/.";
 
+[[noreturn]] void throwIDExists(const std::u16string& id) {
+    RelationshipAlreadyExists failure("Relationship ID already exists");
+    failure.setRelationship(toUDEString(id));
+    throw failure;
+}
+
 } // namespace
 
 RelationshipSource::RelationshipSource(const URI& sourceURI)
@@ -91,7 +97,7 @@ std::u16string RelationshipSource::verifyRelationship(const std::u16string& id, 
         if (!isValidID(id) || !fitsIntoTag(id))
             throw InvalidRelationshipID("Relationship ID is not a valid xsd::ID");
         if (impl->usesID(id))
-            throw RelationshipAlreadyExists("Relationship ID already exists");
+            throwIDExists(id);
     }
     throwIfPartCanNotHoldType(type);
     throwIfPartCanNotHoldTarget(target, targetMode);
@@ -297,8 +303,9 @@ void RelationshipSource::setPhysicalRelationshipPart(interfaces::IPhysicalPart* 
         impl->manager.read(stream, *getPackage().state().relationshipSerializer);
         impl->keptMore = impl->kept != nullptr && impl->kept->keepsMore();
     } catch (const InvalidPartContent& e) {
-        throw translated<InvalidRelationshipContent>(e, "In " + toASCIIString(part->getName()) + ": " +
-                                                            e.what());
+        throw aboutPart(toUDEString(part->getName()),
+                        translated<InvalidRelationshipContent>(e, "In " + toASCIIString(part->getName()) +
+                                                                      ": " + e.what()));
     }
 }
 
@@ -329,7 +336,8 @@ void RelationshipSource::throwIfRelationshipsFixed() const {
     const interfaces::IPhysicalPart* part = impl->relationshipsPart;
     const std::u16string name =
         part != nullptr ? part->getName() : PartName(impl->manager.getSourceURI()).getRelationshipPartName();
-    throw InvalidRelationshipContent("In " + toASCIIString(name) + ": " + reason);
+    throw aboutPart(toUDEString(name),
+                    InvalidRelationshipContent("In " + toASCIIString(name) + ": " + reason));
 }
 
 void RelationshipSource::throwIfInvalid() const {

@@ -2,6 +2,7 @@
 
 #include "relationships/RelationshipSerializer.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
@@ -11,8 +12,10 @@ namespace opc::model {
 
 namespace {
 
-[[noreturn]] void throwNotFound() {
-    throw RelationshipNotFound("Relationship ID does not exist");
+[[noreturn]] void throwNotFound(const std::u16string& id) {
+    RelationshipNotFound failure("Relationship ID does not exist");
+    failure.setRelationship(toUDEString(id));
+    throw failure;
 }
 
 /// The values of one relationship, with their texts.
@@ -29,7 +32,7 @@ struct Alone {
 Relationship RelationshipManager::getRelationship(const std::u16string& id) const {
     SharedValues found = find(id);
     if (!found)
-        throwNotFound();
+        throwNotFound(id);
     return Relationship(std::move(found));
 }
 
@@ -145,7 +148,7 @@ void RelationshipManager::deleteRelationship(const std::u16string& id) {
     unpack();
     const auto entry = relationships.find(std::u16string_view(id));
     if (entry == relationships.end())
-        throwNotFound();
+        throwNotFound(id);
     relationships.erase(entry);
     dirty = true;
 }

@@ -81,8 +81,9 @@ private:
             found.push_back({memory.keep(element.attribute(ID)), types.share(toASCIIString(type)),
                              memory.keep(target), &sourceURI, mode});
         } catch (InvalidPartContent& e) {
-            e.addDetails("relationship " + toUDEString(std::u16string(element.attribute(ID))) + " in line " +
-                         std::to_string(element.line()));
+            const std::string id = toUDEString(std::u16string(element.attribute(ID)));
+            e.addDetails("relationship " + id + " in line " + std::to_string(element.line()));
+            e.setRelationship(id);
             failure = std::current_exception();
         }
     }

@@ -49,6 +49,7 @@ class Many(OpctoolCase):
                     self.assertEqual(self.names(f'ls -j {jobs} {arguments}'), (status, names))
         self.assertEqual(self.names('rels / -r dir/sub')[1], in_folder[1:])
         self.assertEqual(self.run_tool('ls -r dir --ext odt').errors, 'opctool: no packages found\n')
+        self.assertIn('dir: Exception: is a folder; -r reads the packages in it\n', self.run_tool('ls dir a.docx').errors)
 
     def test_output_has_the_order_of_the_files_however_long_each_takes(self):
         self.write('part', os.urandom(1 << 16))
@@ -82,7 +83,7 @@ class Many(OpctoolCase):
         for arguments in ('ls a.docx b.docx --json', 'ls -r . --json', 'ls', 'ls --ext docx a.docx', 'ls -0 a.docx',
                           'ls - --files-from -', 'ls a.docx -j 0', 'ls a.docx --json=3', 'ls a.docx --color=red',
                           'props a.docx b.docx --set title=t', 'props -r . --clear', 'props a.docx -o b',
-                          'rels -r . / /word/document.xml', 'ls a.docx --max-size=many', 'schema cat', 'schema none'):
+                          'rels -r . / /word/document.xml', 'ls -r --all-files .', 'ls a.docx --max-size=many', 'schema cat', 'schema none'):
             self.assert_wrong_usage(arguments)
 
     def test_envelopes_hold_to_their_schemas(self):
@@ -115,6 +116,13 @@ class Many(OpctoolCase):
         error = self.envelopes('ls p.zip --strict')[1][0]['error']
         self.assertEqual((error['class'], error['kind']), ('InvalidRelationshipContent', 'format'))
         self.assertEqual((error['part'], error['relationship']), ('/' + name, 'rId1'))
+        self.write('x', 'x')
+        for command, part, relationship in (('unrelate a.docx / none', None, 'none'),
+                                            ('relate a.docx / urn:a /x --id rId1 -o y', None, 'rId1'),
+                                            ('add a.docx /word/document.xml x --type a/b', '/word/document.xml', None),
+                                            ('ls x/y', None, None)):
+            error = self.envelopes(command)[1][0]['error']
+            self.assertEqual((error['part'], error['relationship']), (part, relationship), command)
 
     def test_states_of_signatures(self):
         self.do('keygen k', 'sign a.docx --key k.key', 'sign b.docx --key k.key')

@@ -46,6 +46,8 @@ const char* kindOfClass(const std::string& name) {
         {"CouldNotGenerateSignature", "signature"},
         {"CouldNotRemoveSignature", "signature"},
         {"InvalidSignature", "signature"},
+        {"CryptoNotLoaded", "installation"},
+        {"XmlParserNotLoaded", "installation"},
         {"bad_alloc", "limit"},
     };
     const auto found = kinds.find(name);
@@ -59,42 +61,24 @@ int codeOf(const std::exception& failure) {
     return own == nullptr ? 0 : own->code().value();
 }
 
-/// The word in a message at `begin`, without the mark that ends its phrase.
-nlohmann::ordered_json wordAt(const std::string& message, std::size_t begin) {
-    const std::string word = message.substr(begin, message.find(' ', begin) - begin);
-    return word.substr(0, word.find_last_not_of(":;,") + 1);
-}
-
-/// The part that the message names first; null if it names none. Messages write " /a.xml" or "name:/a.xml".
-nlohmann::ordered_json findPart(const std::string& message) {
-    for (std::size_t at = message.find('/'); at != std::string::npos; at = message.find('/', at + 1)) {
-        const bool isBegin = at == 0 || message[at - 1] == ' ' || message[at - 1] == ':';
-        if (isBegin && message.compare(at, 2, "//") != 0)
-            return wordAt(message, at);
-    }
-    return nullptr;
-}
-
-/// The relationship that the details name; null if they name none.
-nlohmann::ordered_json findRelationship(const std::string& details) {
-    const std::string name = "relationship ";
-    const std::size_t at = details.find(name);
-    if (at == std::string::npos)
-        return nullptr;
-    return wordAt(details, at + name.size());
+nlohmann::ordered_json orNull(const std::string& text) {
+    return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(text);
 }
 
 } // namespace
 
 Failure describe(const std::exception& failure, const std::string& package) {
-    Failure described{nameOfClass(failure), codeOf(failure), failure.what(), {}};
+    Failure described{nameOfClass(failure), codeOf(failure), failure.what(), {}, {}};
     for (const std::string& place : {package + ": ", std::string("archive from a stream: ")})
         if (described.message.compare(0, place.size(), place) == 0)
             described.message.erase(0, place.size());
-    if (const auto* const own = dynamic_cast<const opc::Exception*>(&failure))
-        described.details = own->details();
-    if (!described.details.empty())
-        described.message += "; " + described.details;
+    const auto* const own = dynamic_cast<const opc::Exception*>(&failure);
+    if (own == nullptr)
+        return described;
+    described.part = own->part();
+    described.relationship = own->relationship();
+    if (*own->details() != '\0')
+        described.message += std::string("; ") + own->details();
     return described;
 }
 
@@ -103,12 +87,9 @@ std::string Failure::kind() const {
 }
 
 nlohmann::ordered_json toJSON(const Failure& failure) {
-    return {{"class", failure.className},
-            {"code", failure.code},
-            {"kind", failure.kind()},
-            {"message", failure.message},
-            {"part", findPart(failure.message)},
-            {"relationship", findRelationship(failure.details)}};
+    return {{"class", failure.className},   {"code", failure.code},
+            {"kind", failure.kind()},       {"message", failure.message},
+            {"part", orNull(failure.part)}, {"relationship", orNull(failure.relationship)}};
 }
 
 } // namespace opctool

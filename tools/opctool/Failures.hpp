@@ -9,12 +9,12 @@ namespace opctool {
 
 /// A failure of a command, as it is told.
 struct Failure {
-    std::string className; ///< of the exception, without its namespaces
-    int code = 0;          ///< of the system; 0 if there is none
-    std::string message;   ///< with its details, without the name of the package's file in front
-    std::string details;
+    std::string className;          ///< of the exception, without its namespaces
+    int code = 0;                   ///< of the system; 0 if there is none
+    std::string message;            ///< with its details, without the name of the package's file in front
+    std::string part, relationship; ///< that it is about; empty if it is about none
 
-    /// The family of the class: format, not-found, state, store, signature or limit.
+    /// The family of the class: format, not-found, state, store, signature, limit or installation.
     std::string kind() const;
 };
 

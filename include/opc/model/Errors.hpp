@@ -11,12 +11,14 @@
 /// The exceptions of the library: one class for each kind of failure.
 ///
 /// Each class but `XmlParserNotLoaded` derives directly from `opc::Exception`. A handler for one class catches only this class, and a handler
-/// for `opc::Exception` catches all of them. Exceptions are values: copy them freely, also to another thread. Copying
+/// for `opc::Exception` catches all of them. What the installation lacks isn't among them, as no failure of memory is: code
+/// that goes on after an `opc::Exception` would take it for a fault in a document (`XmlParserNotLoaded` here,
+/// `bedrock::crypto::utils::CryptoNotLoaded` for OpenSSL). Exceptions are values: copy them freely, also to another thread. Copying
 /// never fails.
 ///
 /// `what()` gives a message that is fixed for each kind of failure, and `details()` says where in the document the
 /// failure is. `code()` of `PackageOpenFailed` and `PackageCloseFailed` gives the cause that the system reported; in
-/// all other classes it is 0.
+/// all other classes it is 0. `part()` and `relationship()` name what the failure is about.
 ///
 /// The destructor of each class is defined in the library. So a program has one type information of the class, and
 /// an application catches by class what a shared library throws.

@@ -34,8 +34,9 @@ void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
     if (isAlone)
         throw RelationshipNotFound(
             "No relationships in the package matched the provided relationship selectors.");
-    throw RelationshipNotFound("No relationship of " + toUDEString(selector->getSourceURI().toString()) +
-                               " has the type " + toUDEString(selector->getSelectionCriteria()) + ".");
+    const std::string source = toUDEString(selector->getSourceURI().toString());
+    throw aboutPart(source, RelationshipNotFound("No relationship of " + source + " has the type " +
+                                                 toUDEString(selector->getSelectionCriteria()) + "."));
 }
 
 /// Shares what an earlier signature has selected too.

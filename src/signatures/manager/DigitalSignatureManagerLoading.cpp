@@ -78,7 +78,11 @@ public:
             loadFrom(*origins.begin());
             return std::move(list);
         } catch (const Exception& e) {
-            throwUnreadable(e.what(), {e.details(), place});
+            InvalidSignature failure =
+                translated<InvalidSignature>(e, e.what(), bedrock::codesigning_verifier::ErrorMap<102>());
+            failure.addDetails(place);
+            failure.setPart(part);
+            throw failure;
         } catch (const bedrock::crypto::utils::Exception& e) {
             throwUnreadable(e.what(), {place});
         } catch (const bedrock::certificates::CertificateException& e) {
@@ -94,21 +98,23 @@ private:
         std::map<const InputStream*, std::shared_ptr<DigitalSignatureData>> known;
         for (const Relationship& relationship :
              origin.getRelationshipsByType(getSignatureRelationshipType())) {
-            const Part part = getTarget(relationship);
-            throwIfNoSignature(part);
-            place = toUDEString(part.getName().toString());
-            std::shared_ptr<DigitalSignatureData>& data = known[&part.getInputStream()];
+            const Part signature = getTarget(relationship);
+            throwIfNoSignature(signature);
+            place = part = toUDEString(signature.getName().toString());
+            std::shared_ptr<DigitalSignatureData>& data = known[&signature.getInputStream()];
             if (!data)
-                data = read(part, selectable);
+                data = read(signature, selectable);
             add(data);
         }
         place.clear();
+        part.clear();
         list.work = measureWork(list.signatures);
     }
 
     /// The part that a relationship of signatures leads to.
     Part getTarget(const Relationship& relationship) {
         place = verdict::describe(relationship);
+        part.clear();
         if (relationship.getTargetMode() == TargetMode::External)
             throwUnreadable("A relationship of signatures leads out of the package: " +
                             toUDEString(relationship.getTarget()));
@@ -138,6 +144,7 @@ private:
     DigitalSignatureSerializer& serializer;
     SignatureList list;
     std::string place; // the relationship or part that is being read; empty if there is none
+    std::string part;  // the same, if it is a part
 };
 
 } // namespace

@@ -32,23 +32,50 @@ public:
     /// More about the failure, in English and in UTF-8: where in its document it is, the relationship or entry, what
     /// helps. These are phrases separated by "; ", the innermost place first, which continue the message; empty if there
     /// are none. The pointer is valid until details are added or this object is destroyed.
-    const char* details() const noexcept { return detailText ? detailText->c_str() : ""; }
+    const char* details() const noexcept { return known ? known->details.c_str() : ""; }
 
     /// Adds a phrase at the end; an empty phrase adds nothing. Existing copies don't change.
     void addDetails(const std::string& phrase);
 
+    /// What the failure is about, for programs, in UTF-8: the name of the part, such as `/word/document.xml`, and the ID of
+    /// the relationship. Empty if it is about none. The pointers are valid as long as that of `details()`.
+    /// @{
+    const char* part() const noexcept { return known ? known->part.c_str() : ""; }
+    const char* relationship() const noexcept { return known ? known->relationship.c_str() : ""; }
+    /// @}
+
+    /// Names it, unless that was done already: the innermost place counts. Existing copies don't change.
+    /// @{
+    void setPart(const std::string& name);
+    void setRelationship(const std::string& id);
+    /// @}
+
+    /// Takes over details, part and relationship of the failure that led to this one.
+    void takeOver(const Exception& cause);
+
 private:
+    struct Known {
+        std::string details, part, relationship;
+    };
+
     boost::system::error_code errorCode;
-    std::shared_ptr<const std::string> detailText; ///< null if empty; shared, because copying must not fail
+    std::shared_ptr<const Known> known; ///< null if nothing is; shared, because copying must not fail
 };
 
-/// Makes an exception of the class `Raised` for the failure `cause`, with its details.
+/// Makes an exception of the class `Raised` for the failure `cause`, with its details, part and relationship.
 /// @param arguments  the arguments of the constructor
 template <typename Raised, typename... Arguments>
 Raised translated(const Exception& cause, Arguments&&... arguments) {
     Raised raised(std::forward<Arguments>(arguments)...);
-    raised.addDetails(cause.details());
+    raised.takeOver(cause);
     return raised;
+}
+
+/// The same failure, which says that it is about this part.
+template <typename Raised>
+Raised aboutPart(const std::string& part, Raised failure) {
+    failure.setPart(part);
+    return failure;
 }
 
 } // namespace opc
