@@ -24,7 +24,7 @@ struct XercesModule {
     decltype(&parseCoreProperties) coreProperties;
     decltype(&makeSignatureXml) signatures;
     decltype(&parseXmlDocument) events;
-    decltype(&XmlRules::check) rules;
+    void (*rules)(InputStream& stream);
 };
 
 } // namespace opc::model

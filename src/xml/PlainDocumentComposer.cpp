@@ -7,11 +7,11 @@ PlainDocumentComposer::PlainDocumentComposer(std::string& composed, std::string_
     : document(composed), root(root) {
     composed.clear();
     document << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n<" << root << " xmlns=\""
-             << namespaceURI << "\">\n";
+             << namespaceURI << "\"";
 }
 
 void PlainDocumentComposer::beginChild(std::string_view name) {
-    document << "  <" << name;
+    document << (hasChildren ? "  <" : ">\n  <") << name;
     hasChildren = true;
 }
 
@@ -24,8 +24,11 @@ void PlainDocumentComposer::endChild() {
 }
 
 bool PlainDocumentComposer::end() {
-    document << "</" << root << ">\n";
-    return hasChildren && document.isPlain();
+    if (hasChildren)
+        document << "</" << root << ">\n";
+    else
+        document << "/>\n";
+    return document.isPlain();
 }
 
 } // namespace opc::model

@@ -10,7 +10,7 @@ namespace opc::model {
 /// Composes a document of a root with empty children, byte for byte as the pretty-printing writer would write it, in
 /// a fraction of the time.
 ///
-/// Xerces must write documents with a value that isn't plain, and documents without children.
+/// Xerces must write documents with a value that isn't plain.
 class PlainDocumentComposer {
 public:
     /// @param composed  receives the bytes; must outlive this object, and so must `root`

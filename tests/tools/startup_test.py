@@ -10,6 +10,9 @@ def on_packages(*commands):
 
 USUAL_COMMANDS = ['--version', '--help', 'check letter.docx',
                   *on_packages('info', 'ls', 'rels --all', 'props', 'coverage')]
+CHANGING_COMMANDS = ['new n.zip', 'add n.zip /a.txt note.txt --type text/plain', 'relate n.zip / urn:a /a.txt',
+                     'put n.zip /a.txt note.txt', 'add letter.docx /a.text note.txt --type text/plain', 'relate letter.docx / urn:a /a.text',
+                     'rm letter.docx /a.text', 'rm n.zip /a.txt']
 CRYPTO_COMMANDS = ['keygen b', 'verify --public a.pub p.zip', 'check p.zip']
 
 
@@ -23,7 +26,7 @@ class StartUp(OpctoolCase):
                 'new odd.zip', 'relate odd.zip / urn:example:a "http://user@[::1]/" --external')
 
     def test_a_library_is_loaded_by_what_needs_it(self):
-        for commands, present, absent in ((USUAL_COMMANDS, 'libz.so', ('xerces', 'crypto')),
+        for commands, present, absent in ((USUAL_COMMANDS + CHANGING_COMMANDS, 'libz.so', ('xerces', 'crypto')),
                                           (CRYPTO_COMMANDS, 'libcrypto.so', ('xerces',))):
             for command in commands:
                 loaded = self.shell(f"LD_DEBUG=files '{self.tool}' {command}").errors

@@ -1,10 +1,12 @@
 #include "support/EventComparison.hpp"
 #include "support/MutatedDocument.hpp"
+#include "support/Outcome.hpp"
 #include "support/Texts.hpp"
 #include "support/Throws.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
 #include <opc/model/Errors.hpp>
+#include <opc/model/XmlRules.hpp>
 
 #include <stdexcept>
 #include <thread>
@@ -49,6 +51,9 @@ TEST(XmlEvents, areThoseOfTheParserWhateverTheForm) {
         const Bytes document = mutate(toBytes(RICH), random);
         scanned += isScanned(document) ? 1 : 0;
         ASSERT_EQ(findEventDifference(document, 1 + i % 50), "") << toText(document);
+        opc::ByteArrayInAdaptor stream(document);
+        ASSERT_EQ(outcomeOf([&] { XmlRules::check(document); }), outcomeOf([&] { XmlRules::check(stream); }))
+            << toText(document);
     }
     EXPECT_GT(scanned, 200);
 }

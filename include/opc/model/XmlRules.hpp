@@ -3,6 +3,8 @@
 #include <opc/core/InputStream.hpp>
 #include <opc/model/Export.hpp>
 
+#include <vector>
+
 namespace opc::model {
 
 /// The rules that this library has for every XML document, whatever it is for. A store can use them to find documents that
@@ -17,6 +19,9 @@ public:
     /// @throws InvalidXMLDocument
     /// @throws the exceptions of the stream, unchanged
     static void check(InputStream& stream);
+
+    /// The same for a document in memory. In the usual form, it needs neither a tree nor the XML parser.
+    static void check(const std::vector<unsigned char>& document);
 };
 
 } // namespace opc::model

@@ -23,8 +23,7 @@ constexpr std::size_t MOST_MARKUP = 300000;
 DocumentText readText(const Bytes& bytes) {
     if (hasTooMuchMarkup(bytes))
         throw Exception("The document has too many elements and attributes.");
-    ByteArrayInAdaptor stream(bytes);
-    model::XmlRules::check(stream);
+    model::XmlRules::check(bytes);
     auto text = DocumentText::decode(bytes);
     if (!text)
         throw Exception("The document is neither in UTF-8 nor in UTF-16.");
