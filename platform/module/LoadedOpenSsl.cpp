@@ -139,6 +139,10 @@ std::string X509Certificate::getSubject() const {
     return (this->*module().subject)();
 }
 
+X509Certificate::Validity X509Certificate::getValidity() const {
+    return (this->*module().validity)();
+}
+
 CertificateValidationResults X509Certificate::validateCertificate(const X509CertificateChain& chain,
                                                                   const CertificateValidationOptions& options,
                                                                   const TrustStore& trustStore) const {

@@ -44,6 +44,7 @@ const bedrock::OpenSslModule opcmodelOpenSsl = {
     &bedrock::OpenSslModule::X509::getAsByteArray,
     &bedrock::OpenSslModule::X509::getSHA256Fingerprint,
     &bedrock::OpenSslModule::X509::getSubject,
+    &bedrock::OpenSslModule::X509::getValidity,
     &bedrock::OpenSslModule::X509::validateCertificate,
     &bedrock::readBundle,
     &bedrock::OpenSslModule::Pkcs12::getPrivateExponent,

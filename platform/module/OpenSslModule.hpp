@@ -41,6 +41,7 @@ struct OpenSslModule {
     decltype(&X509::getAsByteArray) asByteArray;
     decltype(&X509::getSHA256Fingerprint) fingerprint;
     decltype(&X509::getSubject) subject;
+    decltype(&X509::getValidity) validity;
     decltype(&X509::validateCertificate) validate;
 
     Pkcs12 (*bundle)(const Bytes& bytes, const std::string& password);

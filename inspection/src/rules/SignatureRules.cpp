@@ -165,7 +165,7 @@ constexpr Rule RULES[] = {
     {"SEC-74", "Weak algorithm or key", Severity::Warning, SECURITY, "M6.17",
      "Signatures and digests aren't made by MD5, SHA-1, RIPEMD, DSA or a keyed digest, and RSA keys have at "
      "least 2,048 "
-     "bits.",
+     "bits. The certificate was valid at the time that the signature claims.",
      "The signature is old; Office 2007 and 2010 signed with SHA-1.", "", "Readers accept it or warn.",
      "Sign again with SHA-256 and a larger key."},
     {"P1-3", "Relationship around signatures", Severity::Warning, OFFICE, "ECMA-376 Part 1",

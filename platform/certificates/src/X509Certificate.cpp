@@ -8,6 +8,8 @@
 #include <openssl/core_names.h>
 #include <openssl/err.h>
 
+#include <ctime>
+
 namespace bedrock::certificates {
 
 namespace {
@@ -37,6 +39,14 @@ openssl::X509Ptr readCertificate(const Bytes& bytes) {
         return first;
     }
     openssl::fail<X509CertificateException>("The bytes are no certificate.");
+}
+
+std::string toText(const ASN1_TIME* time) {
+    std::tm fields{};
+    if (ASN1_TIME_to_tm(time, &fields) != 1)
+        openssl::fail<X509CertificateException>("A date in the certificate can't be read.");
+    char text[32];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &fields)};
 }
 
 } // namespace
@@ -142,6 +152,12 @@ std::string X509Certificate::getSHA256Fingerprint() const {
 std::string X509Certificate::getSubject() const {
     const openssl::ErrorScope scope;
     return detail::toText(*X509_get_subject_name(&CertificateAccess::get(*this)));
+}
+
+X509Certificate::Validity X509Certificate::getValidity() const {
+    const openssl::ErrorScope scope;
+    const X509& certificate = CertificateAccess::get(*this);
+    return {toText(X509_get0_notBefore(&certificate)), toText(X509_get0_notAfter(&certificate))};
 }
 
 } // namespace bedrock::certificates

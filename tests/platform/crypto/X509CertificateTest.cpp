@@ -43,6 +43,10 @@ TEST(X509Certificate, commandLineReadsTheSame) {
     EXPECT_EQ(upper(certificate.getSHA256Fingerprint()) + "\n", fingerprint);
     EXPECT_EQ(certificate.getPublicExponent(), (Bytes{1, 0, 1}));
     EXPECT_EQ(certificate.getKeySize(), 2048u);
+    std::string until = ask("-enddate -dateopt iso_8601");
+    until[until.find(' ')] = 'T';
+    EXPECT_EQ(certificate.getValidity().until + "\n", until);
+    EXPECT_EQ(certificate.getValidity().from, "2000-01-01T00:00:00Z");
 
     const std::string text = certificate.getAsString();
     EXPECT_EQ(bedrock::crypto::utils::base64Decode(std::u16string(text.begin(), text.end())),
@@ -90,6 +94,7 @@ TEST(X509Certificate, damageDoesntCrash) {
                 store.addCertificate(certificate);
                 (void)certificate.getModulus();
                 (void)certificate.getSubject();
+                (void)certificate.getValidity();
                 (void)certificate.validateCertificate({}, {}, store);
             } catch (const X509CertificateException&) {
             }

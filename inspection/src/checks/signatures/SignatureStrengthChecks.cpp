@@ -8,6 +8,7 @@
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/core/Time.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -87,7 +88,10 @@ private:
         Bytes first;
         for (const std::string& text : document.certificates) {
             const Bytes certificate = decode(text);
-            const Bytes modulus = X509Certificate(certificate).getModulus();
+            const X509Certificate read(certificate);
+            const Bytes modulus = read.getModulus();
+            if (document.certificates.size() == 1 || modulus == key)
+                checkTime(read);
             isCertified = isCertified || modulus == key;
             isSigned = isSigned || isNamed(certificate);
             if (first.empty())
@@ -100,6 +104,22 @@ private:
         const std::size_t bits = 8 * (key.empty() ? first : key).size();
         if (bits != 0 && bits < SMALLEST_KEY)
             add("SEC-74", {}, "The key has only " + std::to_string(bits) + " bits");
+    }
+
+    /// Both are claims: a time stamp isn't asked for, and nobody vouches for the certificate here.
+    void checkTime(const X509Certificate& certificate) {
+        const X509Certificate::Validity validity = certificate.getValidity();
+        for (const SignatureProperty& property : document.properties) {
+            const auto time = convertStringToTime(toString(property.timeValue, true));
+            if (time.is_not_a_date_time())
+                continue;
+            const bool isEarly = time < convertStringToTime(toString(validity.from, true));
+            if (isEarly || time > convertStringToTime(toString(validity.until, true)))
+                findings.add("SEC-74", Severity::Info, placeIn(part, property.place),
+                             "The signature claims the time " + property.timeValue +
+                                 (isEarly ? ", and its certificate was valid from " + validity.from
+                                          : ", and its certificate was valid until " + validity.until));
+        }
     }
 
     /// Whether the signed properties name this certificate, if they name one by a digest that we know.

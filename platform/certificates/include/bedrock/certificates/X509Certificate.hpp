@@ -63,6 +63,13 @@ public:
     /// The subject as one line in UTF-8, in the form of RFC 2253.
     std::string getSubject() const;
 
+    /// When the certificate is valid by its own word, in UTC: `YYYY-MM-DDThh:mm:ssZ`.
+    struct Validity {
+        std::string from, until;
+    };
+    /// @throws X509CertificateException  also if its dates can't be read
+    Validity getValidity() const;
+
     /// Validates the certificate. It checks in this order:
     ///
     /// 1. A chain leads through certificates of `chain` to a certificate of `trustStore` and is valid by RFC 5280 section 6,
