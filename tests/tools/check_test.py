@@ -169,6 +169,10 @@ class Explain(OpctoolCase):
     def test_rules_have_the_same_texts_everywhere(self):
         rules = json.loads(self.do('explain --json'))
         self.assertGreater(len(rules), 60)
+        for arguments, explained in (('explain', rules), ('explain M3.10', [rule for rule in rules if rule['rule'] == 'M3.10'])):
+            for option in '--json=2', '--jsonl':
+                status, (envelope, ) = self.envelopes(arguments, option)
+                self.assertEqual((status, envelope['file'], envelope['result']), (0, None, explained))
         lines = self.do('explain').splitlines()
         self.assertEqual([line.split()[0] for line in lines[1:]], [rule['rule'] for rule in rules])
         for rule in rules[:3]:

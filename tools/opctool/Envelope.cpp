@@ -32,8 +32,10 @@ std::string toBase64(const std::string& bytes) {
     return text;
 }
 
-/// The name of a file, which need not be UTF-8.
+/// The name of a file, which need not be UTF-8; null if there is none.
 ordered_json toJSON(const std::string& file) {
+    if (file.empty())
+        return nullptr;
     if (opc::toUDEString(opc::toString(file, true)) == file)
         return file;
     return {{"bytes", toBase64(file)}};
@@ -52,9 +54,9 @@ constexpr const char* SCHEMA = R"({
       "properties": {"version": {"type": "string"}, "shape": {"const": 2}, "command": {"type": "string"}}
     },
     "file": {
-      "description": "as it was given; if it isn't UTF-8, its bytes in base64",
+      "description": "as it was given; if it isn't UTF-8, its bytes in base64; null if the command reads none",
       "oneOf": [
-        {"type": "string"},
+        {"type": ["string", "null"]},
         {"type": "object", "required": ["bytes"], "properties": {"bytes": {"type": "string"}}}
       ]
     },
@@ -82,7 +84,7 @@ constexpr const char* SCHEMA = R"({
       "properties": {
         "class": {"type": "string"},
         "code": {"type": "integer"},
-        "kind": {"enum": ["format", "not-found", "state", "store", "signature", "limit"]},
+        "kind": {"enum": ["format", "not-found", "state", "store", "signature", "limit", "installation"]},
         "message": {"type": "string"},
         "part": {"type": ["string", "null"]},
         "relationship": {"type": ["string", "null"]}

@@ -16,6 +16,7 @@ struct HiddenItem;
 /// The object that stands around every result in shape 2 of the tool's JSON.
 
 /// Begins it. What is begun or added next is the result.
+/// @param file  empty if the command reads none
 void beginEnvelope(JSONOutput& output, const std::string& command, const std::string& file);
 
 /// The schema of the result of a change: the name of what was made, or null.

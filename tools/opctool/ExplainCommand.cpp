@@ -1,4 +1,7 @@
 #include "Commands.hpp"
+#include "Envelope.hpp"
+#include "JSONOutput.hpp"
+#include "OutputOptions.hpp"
 #include "RuleNames.hpp"
 #include "Table.hpp"
 #include "TerminalText.hpp"
@@ -12,6 +15,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace opctool {
 
@@ -45,8 +49,11 @@ ordered_json toJSON(const Rule& rule) {
             {"remedy", rule.remedy}};
 }
 
-template <typename Rules>
-ordered_json toJSONArray(const Rules& all) {
+std::vector<const Rule*> allRules() {
+    return {rules().begin(), rules().end()};
+}
+
+ordered_json toJSONArray(const std::vector<const Rule*>& all) {
     ordered_json array = ordered_json::array();
     for (const Rule* rule : all)
         array.push_back(toJSON(*rule));
@@ -73,11 +80,7 @@ void print(const Rule& rule) {
     printParagraph("What to do", rule.remedy);
 }
 
-void list(bool json) {
-    if (json) {
-        std::cout << toJSONArray(rules()).dump(2) << '\n';
-        return;
-    }
+void list() {
     Table table({{"RULE"}, {"SEVERITY"}, {"TITLE"}});
     for (const Rule* rule : rules())
         table.addRow({std::string(rule->id), nameOf(rule->severity), std::string(rule->title)});
@@ -86,17 +89,30 @@ void list(bool json) {
 
 struct Arguments {
     std::string rule;
-    bool json = false;
+    OutputOptions output;
 };
 
-void explain(const Arguments& arguments) {
-    if (arguments.rule.empty())
-        return list(arguments.json);
-    const std::vector<const Rule*> found = findRules(arguments.rule); // several check one number
-    if (arguments.json) {
+/// In shape 1 a single rule stands alone.
+void printJSON(const std::vector<const Rule*>& found, const OutputOptions& options) {
+    if (!options.hasEnvelope()) {
         std::cout << (found.size() == 1 ? toJSON(*found.front()) : toJSONArray(found)).dump(2) << '\n';
         return;
     }
+    JSONOutput output(std::cout,
+                      options.jsonLines ? JSONOutput::Layout::OneLine : JSONOutput::Layout::Indented);
+    beginEnvelope(output, EXPLAIN.name, {});
+    output.add(toJSONArray(found));
+    endEnvelope(output, 0, {}, nullptr);
+}
+
+void explain(const Arguments& arguments) {
+    const bool isJSON = arguments.output.format() != OutputOptions::Format::Text;
+    if (arguments.rule.empty() && !isJSON)
+        return list();
+    const std::vector<const Rule*> found = // several check one number
+        arguments.rule.empty() ? allRules() : findRules(arguments.rule);
+    if (isJSON)
+        return printJSON(found, arguments.output);
     for (const Rule* rule : found) {
         std::cout << (rule == found.front() ? "" : "\n");
         print(*rule);
@@ -108,13 +124,32 @@ void declare(CLI::App& command) {
     command.add_option("RULE", arguments->rule, "The rule's id, as M1.6, or a number of the standard")
         ->check(isRule())
         ->type_name("");
-    command.add_flag("--json", arguments->json, "Print a JSON object, or an array of all");
+    addJSONOptions(command, arguments->output);
     command.callback([arguments] { explain(*arguments); });
 }
 
 } // namespace
 
-const Command EXPLAIN{"explain", "Explain a rule of check, or list all rules", declare, "",
-                      "opctool explain M3.10"};
+const Command EXPLAIN{
+    "explain", "Explain a rule of check, or list all rules", declare, "", "opctool explain M3.10", "",
+    R"({
+  "type": "array",
+  "items": {
+    "type": "object",
+    "required": ["rule", "title", "severity", "profiles", "standard", "statement", "cause", "writers", "readers", "remedy"],
+    "properties": {
+      "rule": {"description": "its id, which never changes", "type": "string"},
+      "title": {"type": "string"},
+      "severity": {"description": "the highest of its findings", "enum": ["error", "warning", "info"]},
+      "profiles": {"type": "array", "items": {"enum": ["opc", "security", "office"]}},
+      "standard": {"description": "numbers of rules; empty for a rule beyond the standard", "type": "string"},
+      "statement": {"type": "string"},
+      "cause": {"description": "how packages come to break it", "type": "string"},
+      "writers": {"description": "who writes such packages; empty if nobody is known", "type": "string"},
+      "readers": {"description": "what readers do", "type": "string"},
+      "remedy": {"type": "string"}
+    }
+  }
+})"};
 
 } // namespace opctool

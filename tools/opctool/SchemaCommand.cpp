@@ -37,7 +37,8 @@ const Command SCHEMA{
     "schema", "Print the JSON Schema of what a command prints with --json=2 and --jsonl", declare,
     "It describes the object for one package; --json=2 prints an array of such objects for more than "
     "one. Objects of one kind always have the members that the schema requires. Later versions of "
-    "shape 2 add members, but don't remove, rename or retype one: ignore those that you don't know.",
+    "shape 2 add members, but don't remove, rename or retype one: ignore those that you don't know. Commands "
+    "that write bytes or files and have nothing else to say, such as cat and keygen, print no JSON.",
     "opctool schema ls"};
 
 } // namespace opctool
