@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -20,6 +21,9 @@ void addSelectionOptions(CLI::App& command, FileSelection& selection) {
                       "Read the packages in a folder and the folders in it, which the extensions of known "
                       "formats tell");
     folders->type_name("DIR")->group(group);
+    folders->check([](const std::string& folder) { // an option would pass for one
+        return folder.compare(0, 2, "--") == 0 ? "a folder is missing in front of " + folder : "";
+    });
     CLI::Option* extensions = addRepeatable(&command, "--ext", selection.extensions,
                                             "With -r: read the files with this extension instead");
     extensions->type_name("EXT")->delimiter(',')->needs(folders)->group(group);
@@ -47,8 +51,13 @@ FileNames::FileNames(const FileSelection& selection) : selection(selection) {
 FileNames::~FileNames() = default;
 
 std::optional<FoundFile> FileNames::next() {
-    if (packages < selection.packages.size())
-        return FoundFile{selection.packages[packages++], {}};
+    if (packages < selection.packages.size()) {
+        const std::string& name = selection.packages[packages++];
+        std::error_code ignored; // reading the file tells it
+        return FoundFile{name, std::filesystem::is_directory(name, ignored)
+                                   ? "is a folder; -r reads the packages in it"
+                                   : ""};
+    }
     for (;;) {
         if (walk)
             if (auto found = walk->next())
