@@ -1,5 +1,7 @@
 #include "checks/OfficeFormats.hpp"
 
+#include "text/CaselessText.hpp"
+
 #include <algorithm>
 #include <iterator>
 
@@ -30,6 +32,13 @@ bool allowsMacros(std::string_view format) {
 bool isOfficeMediaType(std::string_view mediaType) {
     return mediaType.find("officedocument") != std::string_view::npos ||
            mediaType.find("application/vnd.ms-") == 0;
+}
+
+bool isMainType(std::string_view mediaType) {
+    static constexpr std::string_view ENDS[] = {".main", ".main+xml", ".thememanager+xml",
+                                                ".document.glossary+xml"};
+    return std::any_of(std::begin(ENDS), std::end(ENDS),
+                       [mediaType](std::string_view end) { return endsWith(mediaType, end); });
 }
 
 } // namespace opc::inspection

@@ -14,4 +14,8 @@ bool allowsMacros(std::string_view format);
 /// @param mediaType  in lower case
 bool isOfficeMediaType(std::string_view mediaType);
 
+/// Whether a content type is that of a main part of a document or template, with macros or without.
+/// @param mediaType  in lower case
+bool isMainType(std::string_view mediaType);
+
 } // namespace opc::inspection

@@ -95,7 +95,7 @@ constexpr Rule RULES[] = {
      "The pieces of a part stand in the order of their numbers.", "A program rewrote one of the pieces.", "",
      "A reader that goes from start to end must keep the pieces that come too early.",
      "Write the pieces in order."},
-    {"O1.1", "Growth hint", Severity::Info, OPC, "O1.1",
+    {"O1.1", "Growth hint", Severity::Info, SECURITY, "O1.1",
      "An item may reserve room for its part to grow, in an extra field.",
      "The writer expects the part to be changed in place.", "Microsoft Office.",
      "Readers pass over the field.", "Nothing needs to be done."},

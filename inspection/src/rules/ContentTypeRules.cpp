@@ -94,9 +94,11 @@ constexpr Rule RULES[] = {
      "", "Some readers refuse the package, others pass over the item and lose it when they save.",
      "Take the item out, or give it a content type."},
     {"S2.3", "Order for reading from a stream", Severity::Info, OPC, "S2.3",
-     "For readers that can't go back, the content types stand in front of the parts.",
-     "The program wrote the content types when it knew all parts.", "LibreOffice puts them last.",
-     "Only readers of streams have to wait for the end.", "Put [Content_Types].xml first."},
+     "In a package with interleaved parts, which is meant to be read while it comes, the content types stand "
+     "in "
+     "front of the parts.",
+     "The program wrote the content types when it knew all parts.", "",
+     "Readers of streams have to wait for the end.", "Put [Content_Types].xml first."},
     {"SEC-35", "Entries without parts", Severity::Info, SECURITY, "",
      "Each Override names a part, and each Default gives a part its type.",
      "Parts were taken out, or a program writes the same entries into all packages.",

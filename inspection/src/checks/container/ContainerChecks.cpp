@@ -6,14 +6,10 @@
 
 namespace opc::inspection {
 
-namespace {
-
 bool hasFault(const Archive& archive, std::string_view rule) {
     return std::any_of(archive.faults().begin(), archive.faults().end(),
                        [rule](const ArchiveFault& fault) { return fault.rule == rule; });
 }
-
-} // namespace
 
 Place placeOf(const ArchiveItem& item) {
     Place place;
@@ -43,6 +39,8 @@ void checkKindOfFile(const Subject& subject, Findings& findings) {
         return;
     if (format.isEncrypted)
         findings.add("SEC-45", {}, "The document is encrypted: nothing in it can be checked");
+    else if (format.name == "zip" && findings.wants("SEC-50") && hasFault(subject.archive(), "SEC-50"))
+        return; // by another end record it may be one
     else if (format.name != "cut-off")
         findings.add("SEC-57", {}, "The file is no package: " + format.description);
     else if (!hasFault(subject.archive(), "M3.16"))

@@ -10,6 +10,9 @@ namespace opc::inspection {
 /// Where an item is: the part that it holds, or the item itself if it holds none.
 Place placeOf(const ArchiveItem& item);
 
+/// Whether the records of the archive break a rule.
+bool hasFault(const Archive& archive, std::string_view rule);
+
 /// Whether an archive without a content types stream was meant to be a package.
 bool lacksContentTypesAlone(const Subject& subject);
 

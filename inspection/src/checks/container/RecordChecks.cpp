@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace opc::inspection {
 
@@ -49,6 +50,15 @@ bool hasFaultIn(const Archive& archive, const ArchiveGap& gap) {
     });
 }
 
+/// Those whose local header is another's, or in another's content.
+std::set<std::size_t> findSharingItems(const Archive& archive) {
+    std::set<std::size_t> items;
+    for (const ArchiveFault& fault : archive.faults())
+        if (fault.rule == "SEC-49" && fault.item)
+            items.insert(*fault.item);
+    return items;
+}
+
 void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings) {
     switch (gap.where) {
     case ArchiveGap::BeforeItems:
@@ -75,7 +85,13 @@ void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings)
 
 void checkRecords(const Subject& subject, Findings& findings) {
     const Archive& archive = subject.archive();
+    const std::set<std::size_t> sharing =
+        findings.wants("SEC-49") ? findSharingItems(archive) : std::set<std::size_t>();
+    const bool areEndsTold = findings.wants("SEC-50") && hasFault(archive, "SEC-50");
     for (const ArchiveFault& fault : archive.faults()) {
+        if (fault.item ? fault.rule == "M3.14" && sharing.count(*fault.item) != 0
+                       : fault.rule == "M3.16" && areEndsTold)
+            continue; // it follows
         Place place = fault.item ? placeOf(archive.items()[*fault.item]) : Place();
         if (fault.offset && *fault.offset < archive.size())
             place.offset = fault.offset;

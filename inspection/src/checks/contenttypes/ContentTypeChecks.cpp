@@ -61,10 +61,18 @@ private:
                 findings.add("M3.10", placeOf(item), "There is a second content types stream");
         if (document.item->name != CONTENT_TYPES && equalsCaseless(document.item->name, CONTENT_TYPES))
             findings.add("SEC-36", place, "The name has another letter case than [Content_Types].xml");
+        checkOrder(items);
+    }
+
+    /// Who stores parts in pieces means the package to be read while it comes; for all others the order doesn't matter.
+    void checkOrder(const std::vector<ArchiveItem>& items) {
         const auto firstPart = std::find_if(items.begin(), items.end(), [](const ArchiveItem& item) {
             return item.kind == ItemKind::Part || item.kind == ItemKind::Piece;
         });
-        if (firstPart != items.end() && !isPiece(*firstPart) && document.item > &*firstPart)
+        if (firstPart == items.end() || isPiece(*firstPart) || document.item < &*firstPart)
+            return;
+        if (std::any_of(firstPart, items.end(),
+                        [](const ArchiveItem& item) { return item.kind == ItemKind::Piece; }))
             findings.add("S2.3", place, "The content types stand behind " + firstPart->partName);
     }
 

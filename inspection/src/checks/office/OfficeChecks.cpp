@@ -2,6 +2,7 @@
 
 #include "checks/DocumentChecks.hpp"
 #include "checks/OfficeFormats.hpp"
+#include "checks/relationships/RelationshipKinds.hpp"
 #include "external/RelationshipType.hpp"
 #include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
@@ -9,26 +10,29 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <unordered_set>
 
 namespace opc::inspection {
 
 namespace {
 
-void checkPieces(const Subject& subject, Findings& findings) {
-    if (!isOfficeFormat(subject.format()))
-        return;
-    for (const PartView& part : subject.parts())
-        if (!part.items.empty() && part.items.front()->kind == ItemKind::Piece)
-            findings.add("P1-1", {part.name}, "The part is stored in pieces");
+bool isInPieces(const PartView& part) {
+    return !part.items.empty() && part.items.front()->kind == ItemKind::Piece;
 }
 
-/// Content types of main parts hold one of these words, whichever of document, template and macros they are.
-bool isMainType(const std::string& mediaType) {
-    static constexpr std::string_view WORDS[] = {".main", ".main+xml", ".themeManager+xml",
-                                                 ".document.glossary+xml"};
-    return std::any_of(std::begin(WORDS), std::end(WORDS), [&mediaType](std::string_view word) {
-        return endsWith(mediaType, toLowerASCII(word));
-    });
+void checkPieces(const Subject& subject, Findings& findings) {
+    if (!isOfficeFormat(subject.format()) ||
+        std::none_of(subject.parts().begin(), subject.parts().end(), isInPieces))
+        return;
+    std::unordered_set<std::string> told; // parts that are there as a whole, too
+    if (findings.wants("M2.11"))
+        for (const PartView& part : subject.parts())
+            if (!isInPieces(part))
+                told.insert(keyOfName(part.name));
+    for (const PartView& part : subject.parts())
+        if (isInPieces(part) && told.count(keyOfName(part.name)) == 0)
+            findings.add("P1-1", {part.name}, "The part is stored in pieces");
 }
 
 /// A type that says nothing about the format.
@@ -70,7 +74,7 @@ void checkMainPart(const Subject& subject, Findings& findings) {
     for (const RelationshipView* entry : main)
         checkMainRelationship(*entry, subject.relationshipsOf("/")->part->name, findings);
     const RelationshipsView* const package = subject.relationshipsOf("/");
-    if (!main.empty() || (package != nullptr && !package->document.failure.empty()))
+    if (!main.empty() || (package != nullptr && isUnread(*package)))
         return;
     for (const PartView& part : subject.parts())
         if (isOfficeMediaType(part.mediaType()) && isMainType(part.mediaType()) && !subject.isReached(part)) {

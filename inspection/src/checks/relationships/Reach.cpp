@@ -1,5 +1,6 @@
 #include "checks/relationships/Reach.hpp"
 
+#include "checks/OfficeFormats.hpp"
 #include "checks/relationships/RelationshipKinds.hpp"
 #include "checks/signatures/Signatures.hpp"
 
@@ -20,17 +21,15 @@ bool needsNoRelationships(std::string_view format) {
 
 /// What a document that can't be read leads to is unknown.
 bool hasUnreadDocument(const Subject& subject) {
-    return std::any_of(
-        subject.relationships().begin(), subject.relationships().end(), [](const RelationshipsView& view) {
-            const DocumentState& document = view.document;
-            return !document.failure.empty() || (view.entries.empty() && !document.faults.empty());
-        });
+    return std::any_of(subject.relationships().begin(), subject.relationships().end(), isUnread);
 }
 
 /// Whether other rules tell that nothing leads to the part.
 bool isToldElsewhere(const Subject& subject, const PartView& part, const Findings& findings) {
     const std::string type = part.mediaType();
     return subject.findPart(part.name) != &part || // [M1.12], [M2.11], [M3.3]
+           (isMainType(type) && isOfficeMediaType(type) && subject.mainPart() == nullptr &&
+            findings.wants("P1-4")) ||
            (isSignatureType(type) && findings.wants("M6.3")) ||
            (isCertificateType(type) && findings.wants("M6.4"));
 }

@@ -44,13 +44,13 @@ constexpr std::string_view SINGLE[] = {
     "webSettings",
 };
 
-/// What a part is by one of these types, it can't be by another.
+/// What a part is by one of these types, it can't be by another. Of signatures another rule tells (M6.3).
 constexpr std::string_view EXCLUSIVE[] = {
-    "calcChain", "chart",         "chartsheet",   "comments",    "custom-properties", "extended-properties",
-    "fontTable", "font",          "footer",       "header",      "numbering",         "officeDocument",
-    "settings",  "sharedStrings", "slide",        "slideLayout", "slideMaster",       "styles",
-    "theme",     "vbaProject",    "webSettings",  "worksheet",   "core-properties",   "origin",
-    "signature", "image",         "xlMacrosheet", "dialogsheet", "control",
+    "calcChain",    "chart",         "chartsheet",  "comments",    "custom-properties", "extended-properties",
+    "fontTable",    "font",          "footer",      "header",      "numbering",         "officeDocument",
+    "settings",     "sharedStrings", "slide",       "slideLayout", "slideMaster",       "styles",
+    "theme",        "vbaProject",    "webSettings", "worksheet",   "core-properties",   "image",
+    "xlMacrosheet", "dialogsheet",   "control",
 };
 
 template <std::size_t N>
@@ -81,6 +81,10 @@ bool isThumbnail(const RelationshipView& entry) {
 bool isOfficeType(std::string_view type) {
     return std::any_of(std::begin(OFFICE_BASES), std::end(OFFICE_BASES),
                        [type](std::string_view base) { return type.substr(0, base.size()) == base; });
+}
+
+bool isUnread(const RelationshipsView& view) {
+    return !view.document.failure.empty() || (view.entries.empty() && !view.document.faults.empty());
 }
 
 void checkSingleTypes(const RelationshipsView& view, const Place& place, Findings& findings) {

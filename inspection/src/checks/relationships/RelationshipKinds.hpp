@@ -12,6 +12,9 @@ bool isThumbnail(const RelationshipView& entry);
 /// Whether a type is one of office documents: `lastSegment` then tells which, in transitional and in strict documents.
 bool isOfficeType(std::string_view type);
 
+/// Whether it isn't known what the relationships lead to; another rule tells why.
+bool isUnread(const RelationshipsView& view);
+
 /// Checks that a source has at most one relationship of the types of which it can have only one.
 void checkSingleTypes(const RelationshipsView& view, const Place& place, Findings& findings);
 

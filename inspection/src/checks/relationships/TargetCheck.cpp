@@ -28,6 +28,8 @@ bool isToldElsewhere(const Subject& subject, const RelationshipsView& view, cons
                      const Findings& findings) {
     if (subject.isIncomplete(entry.resolved))
         return findings.wants("M2.16");
+    if (view.source != "/" && view.sourcePart == nullptr)
+        return findings.wants("SEC-34"); // what is left of a part that was taken out
     if (isCoreProperties(entry) && view.source == "/")
         return findings.wants("M4.1");
     if (isThumbnail(entry))

@@ -64,7 +64,21 @@ private:
 
     void checkSignature(const FoundSignature& signature) {
         const PartView& part = *signature.part;
+        reached.insert(&part);
+        const bool hasType = isSignatureType(part.mediaType()) || part.contentType.empty();
+        if (!hasType)
+            findings.add("M6.3", placeIn(part),
+                         "The signature has the content type \"" + part.contentType + "\"");
+        if (hasType || signature.document.isSignature)
+            checkContent(signature);
+        else
+            hasLostSignature = true;
+    }
+
+    void checkContent(const FoundSignature& signature) {
+        const PartView& part = *signature.part;
         const DocumentState& state = signature.document.state;
+        signers.insert(&part);
         const bool isReason = state.hasDocumentType || isWrongEncoding(state) || state.isBeyondLimit;
         if (state.failure.empty() ? signature.document.isSignature : isReason)
             checkDocument(state, placeIn(part), "http://www.w3.org/2000/09/xmldsig#", "Signature", findings);
@@ -75,10 +89,6 @@ private:
             findings.add("SEC-72", placeIn(part), "The document isn't an XML signature");
         else if (state.failure.empty())
             tellForm(signature);
-        if (!isSignatureType(part.mediaType()) && !part.contentType.empty())
-            findings.add("M6.3", placeIn(part),
-                         "The signature has the content type \"" + part.contentType + "\"");
-        reached.insert(&part);
     }
 
     void tellForm(const FoundSignature& signature) {
@@ -92,7 +102,7 @@ private:
 
     void checkRelationships(const RelationshipsView& source) {
         const bool isOrigin = source.sourcePart != nullptr && origins.count(source.sourcePart) != 0;
-        const bool isSignature = source.sourcePart != nullptr && reached.count(source.sourcePart) != 0;
+        const bool isSignature = source.sourcePart != nullptr && signers.count(source.sourcePart) != 0;
         for (const RelationshipView& relationship : source.entries) {
             if (leadsToOrigin(relationship) && source.source != "/")
                 findings.add("P1-3", placeIn(source, relationship),
@@ -136,8 +146,10 @@ private:
     Findings& findings;
     std::set<const PartView*> origins;
     std::set<const PartView*> reached; ///< signatures and certificates
-    bool hasLostSignature = false;     ///< a relationship leads out of the package
-    bool hasLostOrigin = false;        ///< a relationship leads to none: what hangs on it is lost too
+    std::set<const PartView*>
+        signers;                   ///< the signatures among them, without what only a relationship calls one
+    bool hasLostSignature = false; ///< a relationship leads out of the package, or to something else
+    bool hasLostOrigin = false;    ///< a relationship leads to none: what hangs on it is lost too
 };
 
 } // namespace

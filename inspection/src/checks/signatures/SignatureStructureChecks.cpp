@@ -136,9 +136,11 @@ private:
             if (!transform.isCanonicalization() && !transform.isOfRelationships())
                 return add("M6.12", reference.place,
                            "The reference to " + of + " has the transform \"" + transform.algorithm + "\"");
+        // Of two relationship transforms, one behind the other, another rule tells (M6.35).
         for (std::size_t i = 0; i < transforms.size() && !isOwn; ++i)
             if (transforms[i].isOfRelationships() &&
-                (i + 1 == transforms.size() || !transforms[i + 1].isCanonicalization()))
+                (i + 1 == transforms.size() ||
+                 !(transforms[i + 1].isCanonicalization() || transforms[i + 1].isOfRelationships())))
                 return add("M6.26", reference.place,
                            "No canonicalization follows the relationship transform of " + of);
     }
@@ -157,7 +159,9 @@ private:
             else
                 checkTimeForm(property);
         }
-        if (times > 1 || (times == 0 && !isOwn && document.packageObjects().size() == 1))
+        const auto objects = document.packageObjects();
+        const bool isToldElsewhere = objects.size() != 1 || objects[0]->propertyLists == 0;
+        if (times > 1 || (times == 0 && !isOwn && !isToldElsewhere))
             add("M6.14", {}, "The signature has " + std::to_string(times) + " times of signing");
     }
 
