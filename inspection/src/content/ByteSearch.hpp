@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,9 +13,11 @@ namespace opc::inspection {
 class ByteSearch {
 public:
     /// @param texts  not empty; they live as long as this object
-    explicit ByteSearch(std::vector<std::string_view> texts) : texts(std::move(texts)) {
-        for (const std::string_view text : this->texts)
+    explicit ByteSearch(const std::vector<std::string_view>& texts) {
+        for (const std::string_view text : texts) {
+            searchers.emplace_back(text.begin(), text.end());
             longest = std::max(longest, text.size());
+        }
     }
 
     void begin() {
@@ -37,11 +39,12 @@ public:
 
 private:
     void look(std::string_view in) {
-        for (const std::string_view text : texts)
-            found = found || ::memmem(in.data(), in.size(), text.data(), text.size()) != nullptr;
+        for (const Searcher& searcher : searchers)
+            found = found || std::search(in.begin(), in.end(), searcher) != in.end();
     }
 
-    const std::vector<std::string_view> texts;
+    using Searcher = std::boyer_moore_horspool_searcher<std::string_view::const_iterator>;
+    std::vector<Searcher> searchers;
     std::size_t longest = 0;
     std::string last; // the end of the last piece
     bool found = false;

@@ -26,7 +26,10 @@ public:
     /// The next piece of the content, the head included.
     virtual void bytes(std::string_view piece) { (void)piece; }
 
-    /// Called behind the last byte; not called for damaged content.
+    /// Called instead of `end` where the content is damaged.
+    virtual void broken() {}
+
+    /// Called behind the last byte.
     /// @return what gets the events of the part as an XML document; null if the bytes told enough
     virtual model::XmlEvents* end() { return nullptr; }
 

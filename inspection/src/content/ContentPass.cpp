@@ -85,9 +85,15 @@ private:
                 interested.push_back(observer.get());
         if (!wantsDamage && interested.empty())
             return;
-        for (; !piece.empty(); piece = next(*stream))
+        try {
+            for (; !piece.empty(); piece = next(*stream))
+                for (ContentObserver* observer : interested)
+                    observer->bytes(piece);
+        } catch (const Exception&) {
             for (ContentObserver* observer : interested)
-                observer->bytes(piece);
+                observer->broken();
+            throw;
+        }
         parse(part, interested);
     }
 

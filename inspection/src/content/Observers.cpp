@@ -1,6 +1,7 @@
 #include "checks/Checks.hpp"
 #include "checks/office/MarkupCompatibility.hpp"
 #include "checks/office/RelationshipIds.hpp"
+#include "checks/security/BinaryWorkbook.hpp"
 #include "checks/security/ContentKindChecks.hpp"
 #include "checks/security/MarkupChecks.hpp"
 
@@ -31,6 +32,8 @@ std::vector<std::unique_ptr<ContentObserver>> makeContentObservers(const Subject
     if (wantsAny(findings, {"SEC-08", "SEC-14", "SEC-15", "SEC-23", "SEC-25", "SEC-26", "SEC-29", "SEC-43",
                             "SEC-63", "SEC-65", "SEC-67"}))
         observers.push_back(makeMarkupObserver(findings));
+    if (wantsAny(findings, {"SEC-25", "SEC-29", "SEC-65"}))
+        observers.push_back(makeBinaryWorkbookObserver(findings));
     return observers;
 }
 

@@ -33,24 +33,37 @@ public:
         if (part.isRelationships())
             return false;
         const std::string type = part.mediaType();
-        const bool isEmbedded = checkEmbedded(part, type, head);
+        if (kind == ContentKind::Ole) {
+            checkType(part, type);
+            object = &part;
+            ole.begin();
+            return true;
+        }
+        const bool isEmbedded = checkEmbedded(part, {});
         if (head.empty())
             return false;
         if (!isEmbedded || !isRun(kind) || !findings.wants("SEC-30"))
             checkType(part, type);
-        if (kind == ContentKind::Ole && holdsMacros(head) && !isMacroPart(part))
-            findings.add("SEC-20", Severity::Warning, {part.name}, "The object has macros of its own");
         if (kind == ContentKind::Jpeg || kind == ContentKind::Tiff || kind == ContentKind::Png)
             checkImageData(part, head.substr(0, 65536)); // it stands in front of the pixels
         return beginProlog(part, type, head);
     }
 
     void bytes(std::string_view piece) override {
-        if (!prolog.isOver())
+        if (kind == ContentKind::Ole)
+            ole.add(piece);
+        else if (!prolog.isOver())
             prolog.add(piece);
     }
 
+    void broken() override {
+        if (kind == ContentKind::Ole)
+            tellObject();
+    }
+
     model::XmlEvents* end() override {
+        if (kind == ContentKind::Ole)
+            tellObject();
         if (!prolog.hasDoctype())
             return nullptr;
         const std::string& text = prolog.declaration();
@@ -110,12 +123,18 @@ private:
                          shown(part.contentType));
     }
 
+    void tellObject() {
+        checkEmbedded(*object, ole.fileName());
+        if (ole.holdsMacros() && !isMacroPart(*object))
+            findings.add("SEC-20", Severity::Warning, {object->name}, "The object has macros of its own");
+    }
+
+    /// @param file  the name of the file that an object holds; empty if there is none
     /// @return whether it is an embedded object, or another document
-    bool checkEmbedded(const PartView& part, const std::string& type, std::string_view head) {
+    bool checkEmbedded(const PartView& part, const std::string& file) {
         const auto found = embedded.find(&part);
-        const std::string file = kind == ContentKind::Ole ? fileNameInObject(head) : std::string();
         if (found == embedded.end() && file.empty() &&
-            type != "application/vnd.openxmlformats-officedocument.oleobject")
+            part.mediaType() != "application/vnd.openxmlformats-officedocument.oleobject")
             return false;
         const bool isDocument = found != embedded.end() && found->second && file.empty();
         const bool runs = isRun(kind) || isRunnable(part.name) || isRunnable(file);
@@ -159,6 +178,8 @@ private:
     Findings& findings;
     std::unordered_map<const PartView*, bool> embedded; ///< and whether as another document
     Prolog prolog;
+    OleObject ole;
+    const PartView* object = nullptr;        ///< the part, if it is an OLE object
     ContentKind kind = ContentKind::Unknown; ///< of the part
     std::string name;
     bool isSvg = false;

@@ -3,7 +3,7 @@
 #include "text/CaselessText.hpp"
 
 #include <algorithm>
-#include <cstring>
+#include <functional>
 #include <iterator>
 
 namespace opc::inspection {
@@ -27,29 +27,39 @@ std::string_view textBefore(std::string_view content, std::size_t end) {
 
 } // namespace
 
+void OleObject::begin() {
+    macros.begin();
+    name.clear();
+    last.clear();
+}
+
+void OleObject::add(std::string_view piece) {
+    constexpr std::size_t LONGEST_HEADER = 2 * LONGEST_PATH + 16;
+    macros.add(piece);
+    last.append(piece.substr(0, LONGEST_HEADER)); // what is cut in two by the pieces
+    look(last);
+    look(piece);
+    last.assign(piece.substr(piece.size() - std::min(piece.size(), LONGEST_HEADER)));
+}
+
 // The stream is: size (4 bytes), 2 (2 bytes), name, 0, path of the original, 0, 0 and 3 (2 bytes each), and then the path
 // of a temporary file and the content.
-std::string fileNameInObject(std::string_view content) {
+void OleObject::look(std::string_view content) {
     static constexpr std::string_view BEHIND_PATH("\0\0\0\3\0", 5);
     static constexpr std::string_view BEFORE_NAME("\2\0", 2);
-    for (std::size_t at = content.find(BEHIND_PATH); at != std::string_view::npos;
-         at = content.find(BEHIND_PATH, at + 1)) {
+    static const std::boyer_moore_horspool_searcher searcher(BEHIND_PATH.begin(), BEHIND_PATH.end());
+    auto found = content.begin();
+    while (!isRunnable(name) && (found = std::search(found, content.end(), searcher)) != content.end()) {
+        const auto at = static_cast<std::size_t>(found++ - content.begin());
         const std::string_view path = textBefore(content, at);
         if (!isText(path) || path.size() + 1 > at)
             continue;
         const std::size_t nameEnd = at - path.size() - 1;
-        const std::string_view name = textBefore(content, nameEnd);
-        if (isText(name) && name.size() + 2 <= nameEnd &&
-            content.substr(nameEnd - name.size() - 2, 2) == BEFORE_NAME)
-            return std::string(name);
+        const std::string_view file = textBefore(content, nameEnd);
+        if (isText(file) && file.size() + 2 <= nameEnd &&
+            content.substr(nameEnd - file.size() - 2, 2) == BEFORE_NAME && (name.empty() || isRunnable(file)))
+            name = file;
     }
-    return {};
-}
-
-// Names stand in UTF-16 there.
-bool holdsMacros(std::string_view content) {
-    static constexpr std::string_view NAME("_\0V\0B\0A\0_\0P\0R\0O\0J\0E\0C\0T\0", 24);
-    return ::memmem(content.data(), content.size(), NAME.data(), NAME.size()) != nullptr;
 }
 
 bool isRunnable(std::string_view fileName) {
