@@ -120,7 +120,7 @@ Relationship RelationshipManager::setTarget(const std::u16string& id, std::u16st
     unpack();
     const auto entry = relationships.find(std::u16string_view(id));
     if (entry == relationships.end())
-        throwNotFound();
+        throwNotFound(id);
     SharedValues values = makeValues(id, (*entry)->type, target, targetMode);
     auto node = relationships.extract(entry);
     node.value() = values;
