@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,12 +11,10 @@ namespace opc::inspection {
 /// Looks for texts in content that comes in pieces.
 class ByteSearch {
 public:
-    /// @param texts  not empty; they live as long as this object
-    explicit ByteSearch(const std::vector<std::string_view>& texts) {
-        for (const std::string_view text : texts) {
-            searchers.emplace_back(text.begin(), text.end());
+    /// @param texts  not empty; they live as long as this object. Their first bytes are looked for: let them be rare
+    explicit ByteSearch(std::vector<std::string_view> texts) : texts(std::move(texts)) {
+        for (const std::string_view text : this->texts)
             longest = std::max(longest, text.size());
-        }
     }
 
     void begin() {
@@ -39,12 +36,11 @@ public:
 
 private:
     void look(std::string_view in) {
-        for (const Searcher& searcher : searchers)
-            found = found || std::search(in.begin(), in.end(), searcher) != in.end();
+        for (const std::string_view text : texts)
+            found = found || in.find(text) != std::string_view::npos;
     }
 
-    using Searcher = std::boyer_moore_horspool_searcher<std::string_view::const_iterator>;
-    std::vector<Searcher> searchers;
+    const std::vector<std::string_view> texts;
     std::size_t longest = 0;
     std::string last; // the end of the last piece
     bool found = false;

@@ -51,7 +51,7 @@ private:
     MarkupReader reader;
     TagNames tags;
     FormulaSearch formulas;
-    ByteSearch hidden{{" hidden=\"1", " hidden=\"true", " hidden='"}};
+    ByteSearch hidden{{"hidden=\"1", "hidden=\"true", "hidden='"}};
     std::string name;
     bool isHiddenSlide = false, isStyles = false, isSheet = false;
 };
