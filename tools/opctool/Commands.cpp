@@ -5,14 +5,15 @@
 namespace opctool {
 
 const std::vector<const Command*>& allCommands() {
+    // clang-format off
     static const std::vector<const Command*> all{
-        &INFO,     &LS,     &RELS,        &CAT,       &PROPS,  &CHECK,    &EXPLAIN,
-        &EXTERNAL, &ITEMS,  &TYPE,                    //
-        &DIFF,     &HASH,   &FLAT,        &GIT_SETUP, //
-        &NEW,      &ADD,    &PUT,         &RM,        &RELATE, &UNRELATE, &MV,
-        &GC,       &RETYPE, &RETARGET, //
-        &KEYGEN,   &SIGN,   &COUNTERSIGN, &UNSIGN,    &VERIFY, &COVERAGE, &SCHEMA,
+        &INFO, &LS, &RELS, &CAT, &PROPS, &CHECK, &EXPLAIN, &EXTERNAL, &ITEMS, &TYPE,
+        &DIFF, &HASH, &FLAT, &GIT_SETUP,
+        &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET,
+        &KEYGEN, &SIGN, &COUNTERSIGN, &UNSIGN, &VERIFY, &COVERAGE,
+        &SCHEMA,
     };
+    // clang-format on
     return all;
 }
 
