@@ -1,5 +1,6 @@
 #include "Commands.hpp"
 #include "Envelope.hpp"
+#include "FileRun.hpp"
 #include "JSONOutput.hpp"
 #include "OutputOptions.hpp"
 #include "RuleNames.hpp"
