@@ -81,7 +81,7 @@ class Help(OpctoolCase):
         self.assertNotIn('\x1b', self.run_tool("'\x1b[2J'").errors)
 
     def test_examples_work(self):
-        for name in 'report.docx', 'broken.docx', 'folder/a.docx', 'folder/b.docx':
+        for name in 'report.docx', 'broken.docx', 'old.docx', 'new.docx', 'folder/a.docx', 'folder/b.docx':
             (self.folder / name).parent.mkdir(exist_ok=True)
             self.copy_fixture('letter.docx', name)
         for name in 'logo.png', 'new.xml':

@@ -76,7 +76,7 @@ const Command DIFF{
     "between elements don't. The packages may break the standard.",
     "opctool diff old.docx new.docx\n"
     "opctool diff old.docx new.docx --stat\n"
-    "opctool diff old.docx new.docx '/word/media/*' --name-only",
+    "opctool diff old.docx new.docx '/word/**' --name-only",
     "0 if nothing differs, 1 if something does",
     DIFF_SCHEMA};
 

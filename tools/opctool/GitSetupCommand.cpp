@@ -53,6 +53,6 @@ const Command GIT_SETUP{"git-setup", "Print the lines with which git shows what 
                         "packages as the texts that "
                         "flat prints. What git stores doesn't change.",
                         "opctool git-setup --attributes >>.gitattributes\n"
-                        "opctool git-setup --config >>.git/config"};
+                        "opctool git-setup --config"};
 
 } // namespace opctool

@@ -122,8 +122,8 @@ const Command HASH{
     "parts. Nor does the form of relationships and content types. The digest of a part is that of its bytes. "
     "Lists are those of sha256sum. Check a list with the --ignore that it was made with.",
     "opctool hash report.docx\n"
-    "opctool hash *.nupkg --ignore core-properties,rel-ids >hashes\n"
-    "opctool hash -c hashes --ignore core-properties,rel-ids",
+    "opctool hash *.docx --ignore core-properties,rel-ids >hashes\n"
+    "opctool hash *.docx >hashes && opctool hash -c hashes",
     "0 success, 1 if a package doesn't have the hash of the list, 2 wrong usage, 3 failure",
     R"({
   "type": "object",

@@ -43,7 +43,8 @@ Reach::Marks choose(const Reach& reach, const std::vector<std::string>& patterns
             if (matching.matches(parts[i].getName().toString()))
                 choosePart(i);
         if (!isMatched)
-            throw model::PartNotFound("No part found with the name:" + toASCIIString(pattern));
+            throw aboutPart(toUDEString(pattern),
+                        model::PartNotFound("No part found with the name:" + toASCIIString(pattern)));
     }
     return chosen;
 }
