@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shared/NodePool.hpp"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -147,7 +149,7 @@ private:
         return link;
     }
 
-    std::pmr::unsynchronized_pool_resource memory;
+    NodePool memory;
     Items items{&memory};
     std::vector<Entry> entries;
     std::vector<Number> chains; ///< the first entry of each chain

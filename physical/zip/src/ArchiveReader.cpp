@@ -1,6 +1,7 @@
 #include "ArchiveReader.hpp"
 
 #include "ArchiveLayout.hpp"
+#include "Checksum.hpp"
 #include "Failure.hpp"
 #include "LocalHeader.hpp"
 #include "Records.hpp"
@@ -88,7 +89,7 @@ bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
     const auto size = static_cast<std::size_t>(entry.size);
     return wholeInflater.expand(start.bytes + start.headerSize,
                                 static_cast<std::size_t>(entry.compressedSize), content, size) &&
-           ::libdeflate_crc32(0, content, size) == entry.crc;
+           addToChecksum(0, content, size) == entry.crc;
 }
 
 void ArchiveReader::requireReadable(ItemIndex index) const {

@@ -8,7 +8,7 @@
 namespace opc::physical::zip {
 
 /// Expands Deflate data, one stream after another. It allocates 55 KiB with its input buffer, so it is used for many
-/// items.
+/// items. Memory that isn't used isn't touched.
 class Inflater {
 public:
     enum class Result { More, End, Damaged };
@@ -41,7 +41,7 @@ public:
 
 private:
     z_stream stream{};
-    std::array<unsigned char, 16384> buffer{};
+    std::array<unsigned char, 16384> buffer; // not cleared: what is in memory is expanded from there
 };
 
 } // namespace opc::physical::zip

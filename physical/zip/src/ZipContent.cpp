@@ -66,12 +66,12 @@ private:
 };
 
 ZipContent::ZipContent(ZipContext& context, ItemIndex item)
-    : context(context), item(item), inputs(context.streams) {
+    : context(context), item(item), inputs(&context.streams) {
 }
 
 ZipContent::ZipContent(ZipContext& context, std::string contentName, std::vector<ItemIndex> pieces)
     : context(context), own(std::make_unique<const Own>(Own{std::move(contentName), std::move(pieces)})),
-      inputs(context.streams) {
+      inputs(&context.streams) {
 }
 
 ZipContent::~ZipContent() = default;

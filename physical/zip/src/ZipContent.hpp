@@ -10,6 +10,8 @@
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/IPhysicalPartSize.hpp>
 
+#include "shared/NodePool.hpp"
+
 #include <forward_list>
 #include <memory>
 #include <memory_resource>
@@ -25,9 +27,9 @@ struct ZipContext {
     std::string place;
     bool readOnly = false;
     bool changed = false;
-    std::unique_ptr<ArchiveReader> archive;       ///< null while a package is being created
-    std::shared_ptr<SpoolStore> spools;           ///< null if nothing can be written
-    std::pmr::memory_resource* streams = nullptr; ///< memory for the input streams
+    std::unique_ptr<ArchiveReader> archive; ///< null while a package is being created
+    std::shared_ptr<SpoolStore> spools;     ///< null if nothing can be written
+    NodePool streams;                       ///< memory for the input streams
 };
 
 /// A content of an open package that can be read and replaced: the content of a part, or the content types stream.

@@ -1,10 +1,9 @@
 #include "ZipContentReader.hpp"
 
+#include "Checksum.hpp"
 #include "Failure.hpp"
 #include "Records.hpp"
 #include "ZipContent.hpp"
-
-#include <libdeflate.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,7 +13,7 @@ namespace opc::physical::zip {
 namespace {
 
 /// For smaller contents zlib is faster, because its tables are smaller. Compares the compressed size.
-constexpr std::uint64_t SMALLEST_WHOLE = 400;
+constexpr std::uint64_t SMALLEST_WHOLE = 512;
 
 } // namespace
 
@@ -131,7 +130,7 @@ std::size_t ItemReader::readOn(unsigned char* buffer, std::size_t room) {
         archive.failItem(item(), "shorter than the directory says");
     if (got > left)
         archive.failItem(item(), "longer than the directory says");
-    checksum = ::libdeflate_crc32(checksum, buffer, got);
+    checksum = addToChecksum(checksum, buffer, got);
     if (got == left)
         endItem();
     return got;

@@ -31,7 +31,6 @@ ZipSession::ZipSession(ArchiveStore& store, const ZipOptions& options, OpenMode 
     context.place = store.place();
     context.readOnly = mode == OpenMode::ReadOnly;
     context.changed = mode == OpenMode::CreateOnly;
-    context.streams = parts.all().get_allocator().resource();
     if (mode != OpenMode::CreateOnly)
         load();
     if (mode != OpenMode::ReadOnly)

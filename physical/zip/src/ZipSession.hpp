@@ -71,7 +71,7 @@ private:
     std::uint64_t totalSize = 0;
     ZipContext context;
     NamedList<ZipPart> parts;
-    std::optional<ZipContent> contentTypes; ///< its streams lie beside the parts
+    std::optional<ZipContent> contentTypes;
     ExtractionNames extractionNames{parts};
     std::vector<ItemIndex> unusual; ///< items that don't have the plain name of a part
     std::vector<ItemIndex> removedItems;
