@@ -55,7 +55,9 @@ private:
     }
 
     void onRecord(unsigned kind, RecordFields fields) {
-        constexpr std::size_t CELL = 8, FLAGS = 2, AREA = 16;
+        constexpr std::size_t CELL = 8;
+        constexpr std::size_t FLAGS = 2;
+        constexpr std::size_t AREA = 16;
         switch (kind) {
         case Sheet:
             return onSheet(fields);
@@ -85,7 +87,8 @@ private:
     }
 
     void onSheet(RecordFields fields) {
-        constexpr std::uint32_t HIDDEN = 1, VERY_HIDDEN = 2;
+        constexpr std::uint32_t HIDDEN = 1;
+        constexpr std::uint32_t VERY_HIDDEN = 2;
         const std::uint32_t state = fields.number(4);
         fields.skip(4);
         fields.text(); // the Id of a relationship

@@ -50,7 +50,8 @@ std::size_t numberAt(std::string_view bytes, std::size_t at) {
 
 /// @param rest  what stands behind the token's own byte
 std::optional<std::size_t> sizeOf(unsigned token, std::string_view rest) {
-    constexpr std::size_t LIST = 13, PIVOT_NAME = 5;
+    constexpr std::size_t LIST = 13;
+    constexpr std::size_t PIVOT_NAME = 5;
     constexpr char CHOICE = 4;
     const char kind = rest.empty() ? '\0' : rest[0];
     if (token == TEXT)

@@ -59,7 +59,7 @@ struct MarkupReader::Row {
 const MarkupReader::Row MarkupReader::ROWS[] = {
     {"fldChar", u"fldChar", u"wordprocessingml", &MarkupReader::onFieldCharacter},
     {"fldSimple", u"fldSimple", u"wordprocessingml", &MarkupReader::onSimpleField},
-    {"instrText", u"instrText", u"wordprocessingml", &MarkupReader::onInstruction},
+    {"instrText", u"instrText", u"wordprocessingml", &MarkupReader::onFieldInstruction},
     {"f", u"f", u"spreadsheetml", &MarkupReader::onFormula},
     {"f", u"f", u"office/excel", &MarkupReader::onFormula}, // in extensions
     {"formula", u"formula", u"spreadsheetml", &MarkupReader::onFormula},
@@ -182,7 +182,7 @@ void MarkupReader::onSimpleField(const XmlElement& element) {
     tellField(valueOf(element, u"instr"), place);
 }
 
-void MarkupReader::onInstruction(const XmlElement&) {
+void MarkupReader::onFieldInstruction(const XmlElement&) {
     collect(Text::Instruction);
 }
 

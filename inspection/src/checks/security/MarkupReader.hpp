@@ -34,7 +34,7 @@ private:
 
     void onFieldCharacter(const model::XmlElement& element);
     void onSimpleField(const model::XmlElement& element);
-    void onInstruction(const model::XmlElement& element);
+    void onFieldInstruction(const model::XmlElement& element);
     void onFormula(const model::XmlElement& element);
     void onDefinedName(const model::XmlElement& element);
     void onDdeLink(const model::XmlElement& element);

@@ -48,7 +48,7 @@ void OleObject::look(std::string_view content) {
     static constexpr std::string_view BEHIND_PATH("\0\0\0\3\0", 5);
     static constexpr std::string_view BEFORE_NAME("\2\0", 2);
     static const std::boyer_moore_horspool_searcher searcher(BEHIND_PATH.begin(), BEHIND_PATH.end());
-    auto found = content.begin();
+    const auto* found = content.begin();
     while (!isRunnable(name) && (found = std::search(found, content.end(), searcher)) != content.end()) {
         const auto at = static_cast<std::size_t>(found++ - content.begin());
         const std::string_view path = textBefore(content, at);
