@@ -139,8 +139,9 @@ Bytes withoutContentTypes() {
     return makeZip(items);
 }
 
-Items twice(Items items) {
-    items.push_back(stored("[CONTENT_TYPES].xml", items.front().data));
+/// With a second content types stream.
+Items twice(Items items, const std::string& name) {
+    items.push_back(stored(name, items.front().data));
     return items;
 }
 
@@ -185,7 +186,7 @@ Bytes office(const std::string& type, const std::string& text) {
 std::vector<Case> contentTypeCases() {
     return {
         {"M3.10", withoutContentTypes(), packageWith()},
-        {"M3.10", makeZip(twice(itemsWith({}))), {}},
+        {"M3.10", makeZip(twice(itemsWith({}), "[CONTENT_TYPES].xml")), {}},
         {"M1.17", rootRelationships("<?xml version='1.0' encoding='ISO-8859-1'?>", RELS),
          rootRelationships("<?xml version='1.0' encoding='utf-8'?>", RELS)},
         {"M1.17", rootRelationships("<?xml version='1.0' encoding='no-such'?>", RELS), {}},
@@ -419,6 +420,7 @@ TEST(PackageRules, aFaultOfTwoConcernsIsToldOnce) {
         {external(THUMBNAIL), "M5.1"},
         {external(signatures + "origin"), "M6.1"},
         {external("http://a/b"), "SEC-16"},
+        {makeZip(twice(smallItems(), "[Content_Types].xml")), "M3.3"},
         {packageWith({relationshipsWith("<")}), "M1.20"},
         {rootRelationships("", "<Relationships xmlns='http://a'>"), "M1.20"},
         {packageWith({relationshipsWith(relationship("rId1", OFFICE + "officeDocument", "gone.xml"))}),

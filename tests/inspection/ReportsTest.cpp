@@ -78,7 +78,9 @@ TEST(Reports, leaveOutWhatABaselineKnows) {
 }
 
 TEST(Reports, countWhatIsNotListed) {
-    InspectedFile file = fileOf("a", {finding({}), finding({}, "", SIZES)});
+    InspectedFile file = fileOf("a", {finding({}, "", SIZES), finding({})});
+    const std::string text = write(makeTextReport(), {file});
+    EXPECT_LT(text.find("ERROR"), text.find("INFO")); // the worst first
     file.report.unlisted = {{"T1", 7}, {"other", 9}};
     ReportSummary summary;
     summary.add(file);

@@ -42,7 +42,7 @@ class External(OpctoolCase):
                 self.assertEqual(self.run_tool('external p.zip ' + options).status, status)
 
     def test_what_cannot_be_read_is_told(self):
-        self.assert_failure('external note', 'Exception: There is no ZIP archive that can be read', 'note')
+        self.assert_failure('external note', 'Exception: The file is no package: plain text', 'note')
         with zipfile.ZipFile(self.folder / 'p.zip') as package:
             items = {name: package.read(name) for name in package.namelist()}
         with zipfile.ZipFile(self.folder / 'cut.zip', 'w') as package:

@@ -44,7 +44,7 @@ Reach::Marks choose(const Reach& reach, const std::vector<std::string>& patterns
                 choosePart(i);
         if (!isMatched)
             throw aboutPart(toUDEString(pattern),
-                        model::PartNotFound("No part found with the name:" + toASCIIString(pattern)));
+                            model::PartNotFound("No part found with the name:" + toASCIIString(pattern)));
     }
     return chosen;
 }

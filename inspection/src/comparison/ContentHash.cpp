@@ -2,11 +2,10 @@
 
 #include "comparison/PackageContents.hpp"
 #include "digests/Sha256.hpp"
+#include "format/ForeignFormats.hpp"
 #include "subject/ItemsStream.hpp"
 #include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
-
-#include <opc/core/Exception.hpp>
 
 #include <algorithm>
 #include <initializer_list>
@@ -131,7 +130,7 @@ private:
 
 ContentHash hashContent(const Archive& archive, const HashOptions& options) {
     if (!archive.isZip())
-        throw Exception("There is no ZIP archive that can be read");
+        throwNoArchive(archive);
     return Hasher(archive, options).run();
 }
 

@@ -1,9 +1,9 @@
 #include "comparison/PackageContents.hpp"
 
+#include "format/ForeignFormats.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
-#include <opc/core/Exception.hpp>
 #include <opc/model/XmlLimits.hpp>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ PackageContents::PackageContents(const Archive& archive)
     : source(archive), table(archive), contentTypes(archive, table),
       restOfEntries(model::XmlLimits().package.elements) {
     if (archive.items().empty() && !archive.isZip())
-        throw Exception("There is no ZIP archive that can be read");
+        throwNoArchive(archive);
     sortParts();
     findOtherItems();
 }

@@ -1,11 +1,10 @@
 #include <opc/inspection/External.hpp>
 
 #include "external/RelationshipType.hpp"
+#include "format/ForeignFormats.hpp"
 #include "subject/Names.hpp"
 #include "subject/Subject.hpp"
 #include "text/CaselessText.hpp"
-
-#include <opc/core/Exception.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -150,7 +149,7 @@ std::string_view toString(ExternalPlace place) {
 
 Externals listExternals(const Archive& archive, const physical::ZipOptions& limits) {
     if (!archive.isZip())
-        throw Exception("There is no ZIP archive that can be read");
+        throwNoArchive(archive);
     const Subject subject(archive, limits);
     Externals result;
     for (const RelationshipsView& relationships : subject.relationships()) {

@@ -192,4 +192,8 @@ Format detectForeignFormat(const Archive& archive) {
     return detectText(start);
 }
 
+void throwNoArchive(const Archive& archive) {
+    throw Exception("The file is no package: " + detectForeignFormat(archive).description);
+}
+
 } // namespace opc::inspection

@@ -17,9 +17,10 @@ public:
     void write(std::ostream& output, const InspectedFile& file) const override {
         if (!file.failure.empty())
             output << withoutControlCharacters("FAILURE: " + file.name + ": " + file.failure) << '\n';
-        for (std::size_t i = 0; i < file.report.findings.size(); ++i)
-            if (!file.isKnown(i))
-                write(output, file.name, file.report.findings[i]);
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Info})
+            for (std::size_t i = 0; i < file.report.findings.size(); ++i)
+                if (file.report.findings[i].severity == severity && !file.isKnown(i))
+                    write(output, file.name, file.report.findings[i]);
         for (const auto& [rule, count] : file.report.unlisted)
             output << withoutControlCharacters(file.name + ": " + std::to_string(count) +
                                                " more findings of " + rule)

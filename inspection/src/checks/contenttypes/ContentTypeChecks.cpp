@@ -57,7 +57,9 @@ private:
             return;
         }
         for (const ArchiveItem& item : items)
-            if (isStream(item) && &item != document.item)
+            if (isStream(item) && &item != document.item &&
+                (item.name != document.item->name ||
+                 !findings.wants("M3.3"))) // which tells of names in general
                 findings.add("M3.10", placeOf(item), "There is a second content types stream");
         if (document.item->name != CONTENT_TYPES && equalsCaseless(document.item->name, CONTENT_TYPES))
             findings.add("SEC-36", place, "The name has another letter case than [Content_Types].xml");
