@@ -6,7 +6,7 @@
 An example is a block of the kind `sh`. A line that begins with "$ " is a command; the lines up to the next one are what it
 prints, errors included. In these lines "…" stands for anything, and a line with nothing else for any number of lines. All
 run one after the other, in a folder that has the office files of the tests in `folder/` and a copy of letter.docx as
-report.docx.
+report.docx. A block of the kind `json` is the file job.json from there on.
 """
 import os
 import pathlib
@@ -19,8 +19,11 @@ import tempfile
 
 def examples_of(text):
     """Gives line number, command and expected output."""
-    for block in re.finditer(r'^```sh\n(.*?)^```', text, re.S | re.M):
+    for block in re.finditer(r'^```(?:sh|json)\n(.*?)^```', text, re.S | re.M):
         number = text.count('\n', 0, block.start(1)) + 1
+        if block[0].startswith('```json'):
+            yield number, 'cat >job.json <<"END"\n' + block[1] + 'END', ''
+            continue
         for example in re.finditer(r'^\$ (.*)\n((?:(?!\$ ).*\n)*)', block[1], re.M):
             yield number + block[1].count('\n', 0, example.start()), example[1], example[2]
 

@@ -12,6 +12,11 @@ import sys
 HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/editing/FileContent.hpp>
+#include <opc/editing/Job.hpp>
+#include <opc/editing/Moving.hpp>
+#include <opc/editing/Removing.hpp>
+#include <opc/editing/ResultCheck.hpp>
 #include <opc/inspection/Comparison.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>

@@ -1,6 +1,9 @@
 """Commands that edit packages: what they change, print, and leave as it was."""
+import json
 import unittest
 import zipfile
+
+import jsonschema
 
 from opctool_case import OpctoolCase
 
@@ -101,6 +104,47 @@ class Editing(OpctoolCase):
                          'opctool: p.docx: Exception: /_xmlsignatures/sig1.xml belongs to signatures, which are found by its name\n')
         status, (document,) = self.envelopes('retype p.docx /docProps/app.xml a/b -n --break-signatures')
         self.assertEqual((status, document['result']['brokenSignatures']), (0, ['/_xmlsignatures/sig1.xml']))
+
+    def job(self, *steps):
+        self.write('job.json', json.dumps({'opctool': {'job': 1}, 'steps': steps}))
+
+    def test_apply_makes_all_changes_or_none(self):
+        self.job({'do': 'mv', 'part': DOCUMENT, 'name': '/main.xml'}, {'do': 'put', 'part': '/word/settings.xml', 'from': 'x'},
+                 {'do': 'add', 'part': '/n.txt', 'type': 'text/plain', 'text': 'note'},
+                 {'do': 'relate', 'source': '/main.xml', 'type': 'urn:n', 'target': '/n.txt', 'id': 'rId90'},
+                 {'do': 'check', 'failOn': 'warning'})
+        jsonschema.Draft202012Validator(json.loads(self.do('schema --job'))).validate(json.loads(self.read('job.json')))
+        before = self.read('p.docx')
+        said = self.do('apply p.docx job.json -o q.docx')
+        self.assertEqual(said.splitlines()[0], f'rename {DOCUMENT} to /main.xml')
+        self.assertEqual(self.read('p.docx'), before)
+        piped = self.shell(f"'{self.tool}' apply p.docx - <job.json")
+        self.assertEqual((piped.status, piped.output), (0, said))
+        self.assertEqual(self.do('ls p.docx'), self.do('ls q.docx'))
+        self.write('p.docx', before)
+        for steps, line in (
+                (({'do': 'gc'}, {'do': 'mv', 'part': '/no', 'name': '/n'}),
+                 'PartNotFound: No part found with the name:/no; step 2 (mv)'),
+                (({'do': 'put', 'part': DOCUMENT, 'from': '/etc/hostname'},),
+                 'Exception: /etc/hostname is outside the folder of the job; step 1 (put)'),
+                (({'do': 'put', 'part': DOCUMENT, 'form': 'x'},), 'InvalidJob: step 1 (put): has not one content: text, base64 or from'),
+                (({'do': 'put', 'part': '/docProps/core.xml', 'text': '<x/>'},), None),
+                (({'do': 'rm', 'part': DOCUMENT}, {'do': 'check', 'failOn': 'warning'}), None)):
+            self.job(*steps)
+            if line is None:
+                outcome = self.run_tool('apply p.docx job.json')
+                self.assertEqual(outcome.status, 3)
+                self.assertRegex(outcome.errors, 'InvalidResult: (The changed package would have an error that it hasn.t had|step 2)')
+                self.assertEqual(self.read('p.docx'), before)
+                self.assertEqual(self.run_tool('apply p.docx job.json -o q.docx').status, 3)
+                self.assertEqual(self.shell(f"'{self.tool}' apply - job.json <p.docx").output, '')
+            else:
+                self.assert_failure('apply p.docx job.json', line, 'p.docx')
+        self.job({'do': 'put', 'part': '/docProps/core.xml', 'text': '<x/>'})
+        self.do('apply p.docx job.json --no-check')
+        self.job({'do': 'mv', 'part': '/docProps/core.xml', 'name': '/core.xml'})
+        self.do('apply p.docx job.json')  # the old error moves, and isn't new
+        self.assert_wrong_usage('apply - -')
 
     def test_failures_leave_the_file_as_it_was(self):
         for command, line in (

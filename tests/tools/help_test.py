@@ -86,6 +86,7 @@ class Help(OpctoolCase):
             self.copy_fixture('letter.docx', name)
         for name in 'logo.png', 'new.xml':
             self.write(name, 'content')
+        self.write('job.json', '{"opctool": {"job": 1}, "steps": [{"do": "gc"}]}')
         made = self.shell('openssl req -x509 -newkey rsa:2048 -nodes -keyout signer.key -out roots.pem -subj /CN=s && '
                           'openssl pkcs12 -export -inkey signer.key -in roots.pem -passout pass: -out signer.p12 && '
                           'openssl pkey -in signer.key -pubout -out signer.pub && cp signer.key other.key && '

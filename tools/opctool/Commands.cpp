@@ -9,7 +9,7 @@ const std::vector<const Command*>& allCommands() {
     static const std::vector<const Command*> all{
         &INFO, &LS, &RELS, &CAT, &PROPS, &CHECK, &EXPLAIN, &EXTERNAL, &ITEMS, &TYPE,
         &DIFF, &HASH, &FLAT, &GIT_SETUP,
-        &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET,
+        &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET, &APPLY,
         &KEYGEN, &SIGN, &COUNTERSIGN, &UNSIGN, &VERIFY, &COVERAGE,
         &SCHEMA,
     };

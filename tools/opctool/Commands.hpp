@@ -24,6 +24,7 @@ extern const Command MV;
 extern const Command GC;
 extern const Command RETYPE;
 extern const Command RETARGET;
+extern const Command APPLY;
 extern const Command KEYGEN;
 extern const Command SIGN;
 extern const Command COUNTERSIGN;

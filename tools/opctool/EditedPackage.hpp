@@ -22,6 +22,12 @@ public:
     opc::editing::Editor& editor() { return edits; }
     opc::model::Package& operator*() { return *package; }
 
+    /// Both as in `OpenedPackage`.
+    /// @{
+    opc::inspection::Archive openArchive() const { return package.openArchive(); }
+    void checkBeforeReplacing(PackageFile::Check check) { package.checkBeforeReplacing(std::move(check)); }
+    /// @}
+
     /// Prints the changes, and saves the package. A dry run doesn't save. The text of the changes is printed by a dry run, with
     /// -v, and if `tells`.
     /// @param name   of what was made; may be empty. It is the text if the changes aren't

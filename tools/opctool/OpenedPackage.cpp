@@ -1,6 +1,7 @@
 #include "OpenedPackage.hpp"
 
 #include "FileRun.hpp"
+#include "TemporaryFile.hpp"
 
 #include <opc/core/Text.hpp>
 
@@ -13,9 +14,23 @@ OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode)
     file.open(package, mode);
 }
 
+opc::inspection::Archive OpenedPackage::openArchive() const {
+    const opc::physical::ZipOptions& limits = run.options().reading.zip;
+    if (!run.isStandardInput())
+        return opc::inspection::Archive(std::filesystem::path(run.path()), limits);
+    const TemporaryFile copy;
+    file.copyTo(copy.path());
+    return opc::inspection::Archive(copy.path(), limits); // which keeps the file open
+}
+
 void OpenedPackage::save() {
     const bool abandons = run.options().dryRun;
-    package.close(abandons);
+    try {
+        package.close(abandons);
+    } catch (...) {
+        file.rethrowRefusal();
+        throw;
+    }
     if (!abandons)
         file.deliver();
 }

@@ -2,10 +2,12 @@
 
 #include "PackageFile.hpp"
 
+#include <opc/inspection/Archive.hpp>
 #include <opc/model/Package.hpp>
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace opctool {
@@ -25,6 +27,11 @@ public:
 
     /// @return the size of the archive in bytes
     std::uint64_t size() const { return file.size(); }
+
+    void checkBeforeReplacing(PackageFile::Check check) { file.checkBeforeReplacing(std::move(check)); }
+
+    /// The archive as it was opened.
+    opc::inspection::Archive openArchive() const;
 
     /// Writes the changes, into the file or into the target of the run, and closes the package. A dry run drops them.
     void save();

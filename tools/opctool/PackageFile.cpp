@@ -1,6 +1,7 @@
 #include "PackageFile.hpp"
 
 #include "FileRun.hpp"
+#include "TemporaryFile.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/model/Package.hpp>
@@ -78,12 +79,34 @@ std::unique_ptr<PackageFile::InputStream> PackageFile::makeInput(const FileRun& 
 
 PackageFile::PackageFile(FileRun& run)
     : run(run), isStrict(run.options().reading.strict), input(makeInput(run)),
-      archive(input ? opc::physical::ZipPackage(*input, zipOptions(run, !isStrict))
-                    : opc::physical::ZipPackage(run.path(), zipOptions(run, !isStrict))),
+      archive(input ? opc::physical::ZipPackage(*input, makeOptions())
+                    : opc::physical::ZipPackage(run.path(), makeOptions())),
       lenient(archive), store(isStrict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
 }
 
 PackageFile::~PackageFile() = default;
+
+opc::physical::ZipOptions PackageFile::makeOptions() {
+    opc::physical::ZipOptions options = zipOptions(run, !isStrict);
+    options.beforeReplacing = [this](const std::filesystem::path& written) { runCheck(written); };
+    return options;
+}
+
+void PackageFile::runCheck(const std::filesystem::path& written) {
+    if (!check)
+        return;
+    try {
+        check(written);
+    } catch (...) {
+        refusal = std::current_exception();
+        throw;
+    }
+}
+
+void PackageFile::rethrowRefusal() const {
+    if (refusal)
+        std::rethrow_exception(refusal);
+}
 
 void PackageFile::open(opc::model::Package& package, OpenMode mode) const {
     try {
@@ -97,10 +120,17 @@ void PackageFile::open(opc::model::Package& package, OpenMode mode) const {
 
 void PackageFile::deliver() const {
     const std::string target = run.target();
-    if (target == "-")
+    if (target == "-") {
+        if (check)
+            copyTo(TemporaryFile().path()); // which is checked
         archive.writeTo(std::cout);
-    else if (!target.empty())
+    } else if (!target.empty()) {
         archive.writeTo(std::filesystem::path(target));
+    }
+}
+
+void PackageFile::copyTo(const std::filesystem::path& path) const {
+    archive.writeTo(path);
 }
 
 std::uint64_t PackageFile::size() const {

@@ -4,7 +4,11 @@
 #include <opc/physical/ZipPackage.hpp>
 
 #include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace opc::model {
@@ -24,6 +28,17 @@ public:
 
     /// Opens the model on this store. If a strict store fails, the message says whether a lenient one would succeed.
     void open(opc::model::Package& package, opc::interfaces::OpenMode mode) const;
+
+    /// Gets the archive as it will be, in a file of its own, before it replaces anything or goes to standard output. An
+    /// exception keeps all as it was.
+    using Check = std::function<void(const std::filesystem::path& written)>;
+    void checkBeforeReplacing(Check wanted) { check = std::move(wanted); }
+
+    /// Throws the exception of the check again, if there was one: the model makes another class of it.
+    void rethrowRefusal() const;
+
+    /// Writes the archive as it was opened or saved last to a file.
+    void copyTo(const std::filesystem::path& path) const;
 
     /// Writes the package, which has been closed, to the target of the run if there is one.
     void deliver() const;
@@ -59,8 +74,15 @@ private:
     class InputStream;
 
     static std::unique_ptr<InputStream> makeInput(const FileRun& run);
+
+    /// The options of the archive.
+    opc::physical::ZipOptions makeOptions();
+    void runCheck(const std::filesystem::path& written);
+
     FileRun& run;
     const bool isStrict;
+    Check check;                        ///< may be empty
+    std::exception_ptr refusal;         ///< what it has thrown
     std::unique_ptr<InputStream> input; ///< null if the archive is the file itself
     opc::physical::ZipPackage archive;
     opc::physical::LenientPackage lenient;

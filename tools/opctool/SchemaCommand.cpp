@@ -1,6 +1,8 @@
 #include "Commands.hpp"
 #include "Envelope.hpp"
 
+#include <opc/editing/Job.hpp>
+
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -24,11 +26,19 @@ std::vector<std::string> namesOfCommands() {
 
 void declare(CLI::App& command) {
     const auto name = std::make_shared<std::string>();
-    command.add_option("COMMAND", *name, "A command that prints JSON")
-        ->required()
-        ->check(CLI::IsMember(namesOfCommands()))
-        ->type_name("");
-    command.callback([name] { std::cout << envelopeSchema(*findCommand(*name)).dump(2) << '\n'; });
+    CLI::Option* const ofCommand = command.add_option("COMMAND", *name, "A command that prints JSON")
+                                       ->check(CLI::IsMember(namesOfCommands()))
+                                       ->type_name("");
+    CLI::Option* const ofJob =
+        command.add_flag("--job", "Print the schema of the jobs that apply reads")->excludes(ofCommand);
+    command.callback([name, ofJob] {
+        if (ofJob->count() != 0)
+            std::cout << opc::editing::jobSchema();
+        else if (name->empty())
+            throw CLI::RequiredError("COMMAND");
+        else
+            std::cout << envelopeSchema(*findCommand(*name)).dump(2) << '\n';
+    });
 }
 
 } // namespace
@@ -39,6 +49,7 @@ const Command SCHEMA{
     "one. Objects of one kind always have the members that the schema requires. Later versions of "
     "shape 2 add members, but don't remove, rename or retype one: ignore those that you don't know. Commands "
     "that write bytes or files and have nothing else to say, such as cat and keygen, print no JSON.",
-    "opctool schema ls"};
+    "opctool schema ls\n"
+    "opctool schema --job"};
 
 } // namespace opctool

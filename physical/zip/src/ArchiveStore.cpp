@@ -57,7 +57,8 @@ public:
 
 } // namespace
 
-FileStore::FileStore(fs::path file) : name(file.string()), path(std::move(file)) {
+FileStore::FileStore(fs::path file, BeforeReplacing beforeReplacing)
+    : name(file.string()), path(std::move(file)), beforeReplacing(std::move(beforeReplacing)) {
     if (name.compare(0, 1, "/") == 0) // an absolute path
         return;
     std::error_code error;
@@ -97,6 +98,8 @@ void FileStore::checkWritable() const {
 void FileStore::replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) {
     ReplacementFile file(path, place());
     write(file);
+    if (beforeReplacing)
+        beforeReplacing(file.path());
     if (old)
         requireUnchanged(*old);
     file.putInPlace();

@@ -42,7 +42,10 @@ std::filesystem::path systemTemporaryFolder();
 
 class OPC_ZIP_EXPORT FileStore : public ArchiveStore {
 public:
-    explicit FileStore(std::filesystem::path file);
+    using BeforeReplacing = std::function<void(const std::filesystem::path& written)>;
+
+    /// @param beforeReplacing  may be empty
+    explicit FileStore(std::filesystem::path file, BeforeReplacing beforeReplacing = {});
 
     std::string place() const override { return name; }
     std::shared_ptr<ByteSource> read() override;
@@ -55,6 +58,7 @@ private:
 
     std::string name;
     std::filesystem::path path; // absolute, because the process may change its folder before it saves
+    const BeforeReplacing beforeReplacing;
     FileIdentity lastWritten;
 };
 

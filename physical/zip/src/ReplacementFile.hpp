@@ -32,6 +32,9 @@ public:
         return file.copyAt(offset, source, sourceOffset, count);
     }
 
+    /// Where it is now.
+    std::filesystem::path path() const { return target.parent_path() / name; }
+
     /// Gives the file the attributes of its target, syncs it, and renames it to the target's name.
     void putInPlace();
 

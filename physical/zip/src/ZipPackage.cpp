@@ -47,7 +47,8 @@ public:
 };
 
 ZipPackage::ZipPackage(std::filesystem::path path, ZipOptions options)
-    : impl(std::make_unique<Impl>(std::make_unique<zip::FileStore>(std::move(path)), std::move(options))) {
+    : impl(std::make_unique<Impl>(std::make_unique<zip::FileStore>(std::move(path), options.beforeReplacing),
+                                  options)) {
 }
 
 ZipPackage::ZipPackage(Bytes archive, ZipOptions options)
@@ -145,7 +146,7 @@ void ZipPackage::writeTo(std::ostream& stream) const {
 }
 
 void ZipPackage::writeTo(const std::filesystem::path& path) const {
-    zip::FileStore target(path);
+    zip::FileStore target(path, impl->options.beforeReplacing);
     target.checkWritable();
     target.replace(nullptr, [&](zip::ByteTarget& file) {
         impl->forEachBlock([&](std::uint64_t offset, const unsigned char* block, std::size_t size) {

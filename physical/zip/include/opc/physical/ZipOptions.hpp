@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 
 namespace opc::physical {
 
@@ -17,6 +18,11 @@ struct ZipOptions {
 
     /// Whether the same operations write the same bytes: then written items have a fixed time stamp.
     bool deterministic = false;
+
+    /// Called by a save, and by `ZipPackage::writeTo`, when the new archive is complete in its temporary file, which then
+    /// replaces the old file. An exception ends the save: the old file stays, and the new archive is dropped. An archive that
+    /// isn't saved in a file isn't passed.
+    std::function<void(const std::filesystem::path& written)> beforeReplacing;
 
     /// Whether these archives are accepted too. They break the standard, but all programs read them in the same way.
     /// `ZipPackage::getOddities` reports each.

@@ -1,0 +1,164 @@
+#include <opc/editing/Job.hpp>
+
+#include "job/Base64.hpp"
+#include "job/JobMembers.hpp"
+#include "job/StepNames.hpp"
+
+#include <algorithm>
+#include <map>
+
+namespace opc::editing {
+
+using nlohmann::json;
+
+namespace {
+
+constexpr int VERSION = 1;
+constexpr int DEEPEST = 8; ///< more than a job has
+
+JobContent readContent(JobMembers& members) {
+    const auto count = members.has("text") + members.has("base64") + members.has("from");
+    if (count != 1)
+        members.fail("has not one content: text, base64 or from");
+    if (members.has("text"))
+        return {members.text("text"), {}};
+    if (members.has("base64")) {
+        auto bytes = fromBase64(members.text("base64"));
+        if (!bytes)
+            members.fail("base64 isn't Base64");
+        return {std::move(*bytes), {}};
+    }
+    JobContent content{{}, members.text("from")};
+    if (content.from.empty())
+        members.fail("from is empty");
+    return content;
+}
+
+Step readAdd(JobMembers& members) {
+    AddStep step{members.text("part"), members.text("type"), {}};
+    step.content = readContent(members);
+    return step;
+}
+
+Step readPut(JobMembers& members) {
+    PutStep step{members.text("part"), {}};
+    step.content = readContent(members);
+    return step;
+}
+
+Step readRemove(JobMembers& members) {
+    RemoveStep step;
+    const json& part = members.value("part");
+    if (part.is_array()) {
+        for (const json& each : part) {
+            if (!each.is_string())
+                members.fail("part isn't a text or a list of texts");
+            step.patterns.push_back(each.get<std::string>());
+        }
+    } else {
+        step.patterns.push_back(members.text("part"));
+    }
+    step.options = {members.flag("incoming"), members.flag("cascade")};
+    return step;
+}
+
+Step readMove(JobMembers& members) {
+    return MoveStep{members.text("part"), members.text("name")};
+}
+
+Step readRetype(JobMembers& members) {
+    return RetypeStep{members.text("part"), members.text("type")};
+}
+
+Step readRelate(JobMembers& members) {
+    return RelateStep{members.text("source"), members.text("type"), members.text("target"),
+                      members.flag("external"), members.text("id", {})};
+}
+
+Step readUnrelate(JobMembers& members) {
+    return UnrelateStep{members.text("source"), members.text("id")};
+}
+
+Step readRetarget(JobMembers& members) {
+    return RetargetStep{members.text("source"), members.text("id"), members.text("target"),
+                        members.flag("external")};
+}
+
+Step readCollect(JobMembers& /*members*/) {
+    return CollectStep{};
+}
+
+Step readCheck(JobMembers& members) {
+    using inspection::Severity;
+    static const std::map<std::string, Severity> severities{
+        {"error", Severity::Error}, {"warning", Severity::Warning}, {"info", Severity::Info}};
+    static const std::map<std::string, unsigned> profiles{{"opc", inspection::OPC},
+                                                          {"security", inspection::SECURITY},
+                                                          {"office", inspection::OFFICE},
+                                                          {"all", inspection::EVERY_PROFILE}};
+    const auto severity = severities.find(members.text("failOn", "error"));
+    const auto profile = profiles.find(members.text("profile", "opc"));
+    if (severity == severities.end())
+        members.fail("failOn is none of error, warning and info");
+    if (profile == profiles.end())
+        members.fail("profile is none of opc, security, office and all");
+    return CheckStep{severity->second, profile->second};
+}
+
+Step readStep(const json& object, std::size_t number) {
+    using Read = Step (*)(JobMembers&);
+    static const std::map<std::string, Read> kinds{{"add", readAdd},           {"put", readPut},
+                                                   {"rm", readRemove},         {"mv", readMove},
+                                                   {"retype", readRetype},     {"relate", readRelate},
+                                                   {"unrelate", readUnrelate}, {"retarget", readRetarget},
+                                                   {"gc", readCollect},        {"check", readCheck}};
+    const std::string name = JobMembers(object, placeOf(number, {})).text("do");
+    const auto kind = kinds.find(name);
+    if (kind == kinds.end())
+        throw InvalidJob(placeOf(number, name) + ": there is no such step");
+    JobMembers members(object, placeOf(number, name));
+    members.text("do");
+    Step step = kind->second(members);
+    members.end();
+    return step;
+}
+
+json parse(std::string_view text) {
+    const auto refuseDeep = [](int depth, json::parse_event_t /*event*/, json& /*value*/) {
+        if (depth > DEEPEST)
+            throw InvalidJob("The job is nested too deeply");
+        return true;
+    };
+    try {
+        return json::parse(text, refuseDeep);
+    } catch (const json::exception& e) {
+        const std::string message = e.what();
+        const std::size_t begin = message.find("] "); // behind the number of the error
+        throw InvalidJob("The job isn't JSON: " + message.substr(begin == std::string::npos ? 0 : begin + 2));
+    }
+}
+
+} // namespace
+
+InvalidJob::~InvalidJob() = default;
+
+Job readJob(std::string_view text) {
+    const json document = parse(text);
+    JobMembers members(document, "The job");
+    JobMembers header(members.value("opctool"), "opctool");
+    const json& version = header.value("job");
+    header.end();
+    if (version != VERSION)
+        throw InvalidJob("The job has another version than " + std::to_string(VERSION) + ": " +
+                         version.dump());
+    const json& steps = members.value("steps");
+    members.end();
+    if (!steps.is_array())
+        members.fail("steps isn't a list");
+    Job job;
+    for (const json& step : steps)
+        job.steps.push_back(readStep(step, job.steps.size() + 1));
+    return job;
+}
+
+} // namespace opc::editing

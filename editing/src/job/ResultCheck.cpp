@@ -1,0 +1,117 @@
+#include <opc/editing/ResultCheck.hpp>
+
+#include "job/StepNames.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/inspection/Reports.hpp>
+#include <opc/model/PartName.hpp>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace opc::editing {
+
+using inspection::Baseline;
+using inspection::Finding;
+using inspection::Report;
+
+namespace {
+
+std::string relationshipsOf(const std::string& source) {
+    return toUDEString(model::PartName(toString(source, true)).getRelationshipPartName());
+}
+
+/// Where the places of a package are after changes.
+class Moves {
+public:
+    explicit Moves(const std::vector<Change>& changes) {
+        for (const Change& change : changes) {
+            if (change.kind == Change::Kind::PartRenamed) {
+                rename(change.before.text, change.after.text);
+                rename(relationshipsOf(change.before.text), relationshipsOf(change.after.text));
+            } else if (change.kind == Change::Kind::RelationshipChanged) {
+                targets[{relationshipsOf(change.place), change.name}] = change.after.text;
+            }
+        }
+    }
+
+    void follow(inspection::Place& place) const {
+        if (const auto name = names.find(place.part); name != names.end())
+            place.part = name->second;
+        if (const auto target = targets.find({place.part, place.relationship}); target != targets.end())
+            place.target = target->second;
+    }
+
+private:
+    void rename(const std::string& old, const std::string& now) {
+        const auto first = firstNames.find(old);
+        const std::string origin = first == firstNames.end() ? old : first->second;
+        names[origin] = now;
+        firstNames[now] = origin;
+    }
+
+    std::map<std::string, std::string> names;                           ///< by the name before all changes
+    std::map<std::string, std::string> firstNames;                      ///< the other way round
+    std::map<std::pair<std::string, std::string>, std::string> targets; ///< by relationships part and Id
+};
+
+std::string textOf(const Finding& finding) {
+    const inspection::Place& place = finding.place;
+    return std::string(finding.rule->id) + " in " + (place.part.empty() ? place.item : place.part) +
+           (place.relationship.empty() ? "" : "#" + place.relationship) + ": " + finding.message;
+}
+
+} // namespace
+
+InvalidResult::~InvalidResult() = default;
+
+std::vector<Finding> findNewErrors(const Report& before, const Report& after,
+                                   const std::vector<Change>& changes,
+                                   const std::vector<std::string>& broken) {
+    const Moves moves(changes);
+    Report old = before;
+    for (Finding& finding : old.findings)
+        moves.follow(finding.place);
+    Baseline known;
+    for (const std::string& fingerprint : fingerprints(old))
+        known.add({}, fingerprint);
+    const std::vector<bool> isKnown = known.findKnown({}, after);
+    std::vector<Finding> errors;
+    for (std::size_t i = 0; i < after.findings.size(); ++i) {
+        const Finding& finding = after.findings[i];
+        const bool mayBreak = std::find(broken.begin(), broken.end(), finding.place.part) != broken.end();
+        if (finding.severity == inspection::Severity::Error && !isKnown[i] && !mayBreak)
+            errors.push_back(finding);
+    }
+    return errors;
+}
+
+void refuseNewErrors(const std::vector<Finding>& errors) {
+    if (errors.empty())
+        return;
+    InvalidResult failure("The changed package would have an error that it hasn't had: " +
+                          textOf(errors.front()));
+    if (errors.size() > 1)
+        failure.addDetails("and " + std::to_string(errors.size() - 1) + " more");
+    throw failure;
+}
+
+void checkResult(const inspection::Archive& result, const Job& job,
+                 const inspection::InspectionOptions& options) {
+    for (std::size_t i = 0; i < job.steps.size(); ++i) {
+        const auto* const check = std::get_if<CheckStep>(&job.steps[i]);
+        if (check == nullptr)
+            continue;
+        inspection::InspectionOptions wanted = options;
+        wanted.profiles = check->profiles;
+        const Report report = inspection::inspect(result, wanted);
+        const auto found =
+            std::find_if(report.findings.begin(), report.findings.end(),
+                         [check](const Finding& finding) { return finding.severity >= check->failOn; });
+        if (found != report.findings.end())
+            throw InvalidResult(placeOf(i + 1, nameOf(job.steps[i])) + ": " + textOf(*found));
+    }
+}
+
+} // namespace opc::editing

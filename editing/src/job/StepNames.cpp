@@ -1,0 +1,30 @@
+#include "job/StepNames.hpp"
+
+namespace opc::editing {
+
+namespace {
+
+struct Namer {
+    const char* operator()(const AddStep&) const { return "add"; }
+    const char* operator()(const PutStep&) const { return "put"; }
+    const char* operator()(const RemoveStep&) const { return "rm"; }
+    const char* operator()(const MoveStep&) const { return "mv"; }
+    const char* operator()(const RetypeStep&) const { return "retype"; }
+    const char* operator()(const RelateStep&) const { return "relate"; }
+    const char* operator()(const UnrelateStep&) const { return "unrelate"; }
+    const char* operator()(const RetargetStep&) const { return "retarget"; }
+    const char* operator()(const CollectStep&) const { return "gc"; }
+    const char* operator()(const CheckStep&) const { return "check"; }
+};
+
+} // namespace
+
+std::string nameOf(const Step& step) {
+    return std::visit(Namer(), step);
+}
+
+std::string placeOf(std::size_t number, const std::string& name) {
+    return "step " + std::to_string(number) + (name.empty() ? "" : " (" + name + ")");
+}
+
+} // namespace opc::editing

@@ -1,0 +1,139 @@
+#include "job/Base64.hpp"
+#include "support/PackageTest.hpp"
+#include "support/TemporaryFolder.hpp"
+
+#include <opc/editing/Job.hpp>
+
+#include <fstream>
+
+namespace {
+
+using namespace opc::editing;
+using namespace opc::model;
+using namespace opc::test;
+
+std::string jobOf(const std::string& steps) {
+    return R"({"opctool":{"job":1},"steps":[)" + steps + "]}";
+}
+
+TEST(Base64, isReadAsItIsWritten) {
+    std::string bytes;
+    for (int i = 0; i < 300; i += 7) {
+        EXPECT_EQ(fromBase64(toBase64(bytes)), bytes);
+        bytes += static_cast<char>(i);
+    }
+    EXPECT_EQ(toBase64("any carnal pleas"), "YW55IGNhcm5hbCBwbGVhcw==");
+    for (const char* text : {"YQ", "YQ=", "YR==", "Y===", "=YQ=", "YQ=\n", "YWJ\xC3", "===="})
+        EXPECT_FALSE(fromBase64(text)) << text;
+}
+
+TEST(Jobs, areReadAsTheyAreWritten) {
+    const std::string text = jobOf(
+        R"({"do":"add","part":"/a","type":"a/b","text":"é\u0001"},{"do":"put","part":"/a","base64":"AP8="},)"
+        R"({"do":"put","part":"/a","from":"x/y"},{"do":"rm","part":"/**","incoming":true,"cascade":true},)"
+        R"({"do":"rm","part":["/a","/b"]},{"do":"mv","part":"/a","name":"/b"},{"do":"retype","part":"/a","type":"a/b"},)"
+        R"({"do":"relate","source":"/","type":"t:t","target":"x","external":true,"id":"i"},)"
+        R"({"do":"relate","source":"/","type":"t:t","target":"x"},{"do":"unrelate","source":"/","id":"i"},)"
+        R"({"do":"retarget","source":"/","id":"i","target":"x"},{"do":"gc"},)"
+        R"({"do":"check","failOn":"warning","profile":"all"},{"do":"check","failOn":"error","profile":"opc"})");
+    std::string written;
+    for (const char character : writeJob(readJob(text)))
+        if (character != '\n' && character != ' ')
+            written += character;
+    EXPECT_EQ(written, text);
+}
+
+TEST(Jobs, areRefusedWhereTheySayAnythingElse) {
+    const std::pair<std::string, const char*> cases[] = {
+        {"[", "The job isn't JSON: parse error at line 1, column 2: syntax error while parsing value - "
+              "unexpected end "
+              "of input; expected '[', '{', or a literal"},
+        {"1", "The job: isn't an object"},
+        {std::string(100000, '['), "The job is nested too deeply"},
+        {R"({"opctool":{"job":2},"steps":[]})", "The job has another version than 1: 2"},
+        {R"({"opctool":{"job":1},"steps":{}})", "The job: steps isn't a list"},
+        {R"({"opctool":{"job":1},"steps":[],"more":1})", "The job: has an unknown member: more"},
+        {jobOf("1"), "step 1: isn't an object"},
+        {jobOf("{}"), "step 1: do is missing"},
+        {jobOf(R"({"do":"gc"},{"do":"cg"})"), "step 2 (cg): there is no such step"},
+        {jobOf(R"({"do":"gc","part":"/a"})"), "step 1 (gc): has an unknown member: part"},
+        {jobOf(R"({"do":"mv","part":"/a"})"), "step 1 (mv): name is missing"},
+        {jobOf(R"({"do":"mv","part":1,"name":""})"), "step 1 (mv): part isn't a text"},
+        {jobOf(R"({"do":"put","part":"/a"})"), "step 1 (put): has not one content: text, base64 or from"},
+        {jobOf(R"({"do":"put","part":"/a","text":"","from":"x"})"),
+         "step 1 (put): has not one content: text, base64 or from"},
+        {jobOf(R"({"do":"put","part":"/a","base64":"A"})"), "step 1 (put): base64 isn't Base64"},
+        {jobOf(R"({"do":"put","part":"/a","from":""})"), "step 1 (put): from is empty"},
+        {jobOf(R"({"do":"rm","part":["/a",1]})"), "step 1 (rm): part isn't a text or a list of texts"},
+        {jobOf(R"({"do":"rm","part":"/a","cascade":1})"), "step 1 (rm): cascade is neither true nor false"},
+        {jobOf(R"({"do":"check","failOn":"x"})"),
+         "step 1 (check): failOn is none of error, warning and info"},
+        {jobOf(R"({"do":"check","profile":"x"})"),
+         "step 1 (check): profile is none of opc, security, office and all"},
+    };
+    for (const auto& [text, message] : cases)
+        EXPECT_RAISES(InvalidJob, message, readJob(text));
+}
+
+class AppliedJobs : public PackageTest {
+protected:
+    AppliedJobs() : PackageTest({u"/a.xml", u"/b.xml"}) {
+        std::filesystem::create_directory(folder.path() / "job");
+        std::ofstream(folder.path() / "job" / "inside") << "from inside";
+        std::ofstream(folder.path() / "outside") << "from outside";
+        std::filesystem::create_symlink("../outside", folder.path() / "job" / "link");
+        package.open(OpenMode::ReadWrite);
+    }
+
+    /// What fails, with its details.
+    std::string apply(const std::string& steps, bool mayLeave = false) {
+        Editor editor(package);
+        const auto run = [&] { applyJob(editor, readJob(jobOf(steps)), {folder.path() / "job", mayLeave}); };
+        const std::string outcome = outcomeOf(run);
+        return outcome;
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(AppliedJobs, makeTheirStepsInOrder) {
+    const std::string steps =
+        R"({"do":"add","part":"/c.txt","type":"text/plain","text":"first"},{"do":"put","part":"/c.txt","base64":"AP8="},)"
+        R"({"do":"relate","source":"/","type":"t:t","target":"/c.txt","id":"c"},{"do":"put","part":"/a.xml","from":"inside"},)"
+        R"({"do":"mv","part":"/c.txt","name":"/d.txt"},{"do":"relate","source":"/d.txt","type":"t:t","target":"/a.xml"},)"
+        R"({"do":"retype","part":"/d.txt","type":"t/d"},{"do":"gc"},)"
+        R"({"do":"relate","source":"/a.xml","type":"t:t","target":"x","external":true},{"do":"unrelate","source":"/a.xml","id":"rId1"},)"
+        R"({"do":"retarget","source":"/","id":"c","target":"/d.txt#f"},{"do":"check"})";
+    EXPECT_EQ(apply(steps), "");
+    EXPECT_EQ(package.getParts().size(), 2U) << "nothing leads to /b.xml";
+    EXPECT_EQ(readAll(package.getPart(PartName(u"/a.xml"))), "from inside");
+    const Part moved = package.getPart(PartName(u"/d.txt"));
+    EXPECT_EQ(readAll(moved), std::string("\0\xFF", 2));
+    EXPECT_EQ(moved.getContentType().toString(), u"t/d");
+    EXPECT_EQ(package.getRelationshipByID(u"c").getTarget(), u"d.txt#f");
+}
+
+TEST_F(AppliedJobs, takeNoFileFromOutside) {
+    const auto put = [](const std::string& from) {
+        return R"({"do":"put","part":"/a.xml","from":")" + from + "\"}";
+    };
+    const std::string absolute = (folder.path() / "outside").string();
+    for (const std::string& from : {std::string("../outside"), std::string("link"), absolute}) {
+        EXPECT_EQ(apply(put(from)), "opc::Exception: " + from + " is outside the folder of the job");
+        EXPECT_EQ(apply(put(from), true), "");
+        EXPECT_EQ(readAll(package.getPart(PartName(u"/a.xml"))), "from outside");
+        package.close(true);
+        package.open(OpenMode::ReadWrite);
+    }
+    EXPECT_EQ(apply(put("none")), "opc::Exception: none can't be read");
+    EXPECT_EQ(apply(put(".")), "opc::Exception: . isn't a regular file");
+    EXPECT_EQ(apply(put("../job/inside")), "");
+}
+
+TEST_F(AppliedJobs, nameTheStepThatFails) {
+    Editor editor(package);
+    const Job job = readJob(jobOf(R"({"do":"gc"},{"do":"mv","part":"/none","name":"/x"})"));
+    EXPECT_EQ(detailsOf([&] { applyJob(editor, job, {"."}); }), "step 2 (mv)");
+}
+
+} // namespace

@@ -1,0 +1,111 @@
+#include "ChangeText.hpp"
+#include "Commands.hpp"
+#include "EditedPackage.hpp"
+#include "Files.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/editing/Job.hpp>
+#include <opc/editing/ResultCheck.hpp>
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+namespace opctool {
+
+namespace {
+
+using opc::editing::Job;
+using opc::inspection::Archive;
+using opc::inspection::InspectionOptions;
+
+struct Arguments {
+    std::string job;
+    bool noCheck = false;
+    bool allowOutside = false;
+};
+
+std::string readAll(std::istream& stream) {
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string readFile(const std::string& path) {
+    if (path == "-")
+        return readAll(std::cin);
+    std::ifstream file(path, std::ios::binary);
+    std::string text = readAll(file);
+    if (!file)
+        throw opc::Exception(path + " can't be read",
+                             {errno != 0 ? errno : EIO, boost::system::generic_category()});
+    return text;
+}
+
+/// All of its findings, so that none that isn't listed passes for new.
+InspectionOptions makeOptions(const FileRun& run) {
+    InspectionOptions options;
+    options.limits = run.options().reading.zip;
+    options.mostFindingsOfARule = std::size_t{1} << 20U;
+    return options;
+}
+
+void apply(FileRun& run, const Arguments& arguments) {
+    const Job job = opc::editing::readJob(readFile(arguments.job));
+    const std::filesystem::path folder = std::filesystem::path(arguments.job).parent_path();
+    EditedPackage package(run);
+    opc::inspection::Report before;
+    if (!arguments.noCheck && !run.options().dryRun)
+        before = inspect(package.openArchive(), makeOptions(run));
+    const auto& editor = package.editor();
+    package.checkBeforeReplacing([&](const std::filesystem::path& written) {
+        const InspectionOptions options = makeOptions(run);
+        const Archive result(written, options.limits);
+        if (!arguments.noCheck)
+            opc::editing::refuseNewErrors(
+                findNewErrors(before, inspect(result, options), editor.changes(), editor.brokenSignatures()));
+        checkResult(result, job, options);
+    });
+    applyJob(package.editor(), job, {folder.empty() ? "." : folder, arguments.allowOutside});
+    package.finish({}, true);
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addChangedFile(command, APPLY);
+    command.add_option("JOB", arguments->job, "The file with the job; - is standard input")
+        ->required()
+        ->type_name("");
+    command.add_flag("--no-check", arguments->noCheck,
+                     "Write the package also if it has errors that it hasn't had");
+    command.add_flag("--allow-outside", arguments->allowOutside,
+                     "Let the job name files outside its own folder");
+    addSignatureOption(command, files->options);
+    command.callback([files, arguments] {
+        if (files->selection.packages.front() == "-" && arguments->job == "-")
+            throw CLI::ValidationError("JOB", "can't be standard input, which is the package");
+        files->run([&arguments](FileRun& run) { apply(run, *arguments); });
+    });
+}
+
+} // namespace
+
+const Command APPLY{
+    "apply",
+    "Make all changes of a job, or none",
+    declare,
+    "A job is JSON: a list of steps, each with what one of the commands add, put, rm, mv, retype, relate, "
+    "unrelate, "
+    "retarget, gc and check takes. The schema command prints its schema with --job. Contents stand in the "
+    "job, or in files "
+    "in its folder. The package is checked before it replaces the old one: a new error refuses it.",
+    "opctool apply report.docx job.json\n"
+    "opctool apply report.docx job.json --dry-run",
+    "",
+    CHANGES_SCHEMA};
+
+} // namespace opctool
