@@ -3,6 +3,7 @@
 #include "Files.hpp"
 #include "SignedPackage.hpp"
 #include "SourceNames.hpp"
+#include "StandardCoverage.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -197,9 +198,10 @@ void printUncovered(JSONOutput& output, const Report& report) {
     output.end();
 }
 
-void printJSON(JSONOutput& output, const Report& report) {
+/// Adds the members of the report to the object that was begun last.
+void printMembers(JSONOutput& output, const Report& report) {
     const auto add = [&](const auto& entity) { output.add(report.describe(entity)); };
-    output.beginObject();
+    output.add("opcmodel", "profile");
     output.add(report.names(), "signatures");
     output.beginArray("parts");
     report.forEachPart(add);
@@ -211,16 +213,47 @@ void printJSON(JSONOutput& output, const Report& report) {
     output.beginObject("content");
     print(output, report.ofAll());
     output.end();
+}
+
+void printBoth(FileRun& run, const Report& own, SignedPackage& package, bool hasStandard) {
+    if (!run.wantsJSON()) {
+        printTables(run, own);
+        if (hasStandard) {
+            run.out() << '\n';
+            print(run, tabulate(package.closeUnchanged()));
+        }
+        return;
+    }
+    JSONOutput& output = run.json();
+    output.beginObject();
+    printMembers(output, own);
+    if (hasStandard) {
+        output.beginObject("standard");
+        print(output, tabulate(package.closeUnchanged()));
+        output.end();
+    }
     output.end();
+}
+
+void printStandard(FileRun& run, PackageFile& file) {
+    const auto table = tabulate(file);
+    if (!run.wantsJSON()) {
+        print(run, table);
+        return;
+    }
+    run.json().beginObject();
+    print(run.json(), table);
+    run.json().end();
 }
 
 void coverage(FileRun& run) {
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
-    const Report report(package);
-    if (run.wantsJSON())
-        printJSON(run.json(), report);
+    const Report own(package);
+    const bool hasStandard = package.signatures().hasForeignSignatures();
+    if (hasStandard && own.names().empty())
+        printStandard(run, package.closeUnchanged());
     else
-        printTables(run, report);
+        printBoth(run, own, package, hasStandard);
 }
 
 void declare(CLI::App& command) {
@@ -234,7 +267,10 @@ const Command COVERAGE{
     "coverage",
     "List the signatures that cover each part and relationship, and what none covers",
     declare,
-    "A part is covered if the signature value protects its digest. No signature protects content "
+    "A package of an office program has signatures in the standard's profile; a broken one covers nothing "
+    "there. What "
+    "follows is about the library's own profile. A part is covered if the signature value protects its "
+    "digest. No signature protects content "
     "types, but it names them, so a change is reported. Nor does a signature protect which of the "
     "covered sources a relationship belongs to. Only a countersignature covers the parts and "
     "relationships of the signatures themselves. It covers the content through the signatures "
@@ -243,8 +279,10 @@ const Command COVERAGE{
     "0 whatever the report says, 3 failure",
     R"({
   "type": "object",
-  "required": ["signatures", "parts", "relationships", "uncovered", "content"],
+  "required": ["profile", "signatures", "parts", "relationships", "uncovered", "content"],
   "properties": {
+    "profile": {"enum": ["opcmodel", "standard"]},
+    "standard": {"description": "of a package with signatures in both profiles", "$ref": "#/properties/result"},
     "signatures": {"description": "their names", "type": "array", "items": {"type": "string"}},
     "parts": {
       "type": "array",
@@ -255,6 +293,7 @@ const Command COVERAGE{
           "name": {"type": "string"},
           "signatures": {"type": "array", "items": {"type": "string"}},
           "ofSignatures": {"description": "whether the part belongs to the signatures", "type": "boolean"},
+          "byCustom": {"description": "whether signing programs leave it out, in the standard's profile", "type": "boolean"},
           "except": {"description": "what of it isn't covered", "type": "string"}
         }
       }
@@ -266,7 +305,8 @@ const Command COVERAGE{
         "required": ["source", "id", "type", "signatures", "ofSignatures"],
         "properties": {
           "source": {"type": "string"}, "id": {"type": "string"}, "type": {"type": "string"},
-          "signatures": {"type": "array", "items": {"type": "string"}}, "ofSignatures": {"type": "boolean"}
+          "signatures": {"type": "array", "items": {"type": "string"}}, "ofSignatures": {"type": "boolean"},
+          "byCustom": {"type": "boolean"}
         }
       }
     },
@@ -276,7 +316,7 @@ const Command COVERAGE{
       "properties": {
         "parts": {"type": "array", "items": {"type": "string"}},
         "relationships": {"$ref": "#/properties/result/properties/content/properties/uncoveredRelationships"},
-        "contentTypes": {"const": "all"}
+        "contentTypes": {"description": "signed: those of the signed parts are, in the standard's profile", "enum": ["all", "signed"]}
       }
     },
     "content": {

@@ -133,6 +133,17 @@ void PackageFile::copyTo(const std::filesystem::path& path) const {
     archive.writeTo(path);
 }
 
+void PackageFile::readAsItLies(const std::function<void(IPhysicalPackage&)>& read) {
+    archive.open(OpenMode::ReadOnly);
+    try {
+        read(archive);
+    } catch (...) {
+        archive.close(true);
+        throw;
+    }
+    archive.close(true);
+}
+
 std::uint64_t PackageFile::size() const {
     return input ? input->count() : std::filesystem::file_size(run.path());
 }

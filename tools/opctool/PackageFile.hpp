@@ -43,6 +43,9 @@ public:
     /// Writes the package, which has been closed, to the target of the run if there is one.
     void deliver() const;
 
+    /// Opens the archive itself, calls `read` with it, and closes it. Call it while the package is closed.
+    void readAsItLies(const std::function<void(opc::interfaces::IPhysicalPackage&)>& read);
+
     /// @return the size of the archive in bytes
     std::uint64_t size() const;
 

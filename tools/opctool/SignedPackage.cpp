@@ -9,6 +9,11 @@ SignedPackage::SignedPackage(FileRun& run, opc::interfaces::OpenMode mode)
     file.open(package, mode);
 }
 
+PackageFile& SignedPackage::closeUnchanged() {
+    package.close(true);
+    return file;
+}
+
 void SignedPackage::save() {
     package.close(false);
     file.deliver();

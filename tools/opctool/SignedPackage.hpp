@@ -18,6 +18,10 @@ public:
     opc::model::Package& operator*() { return package; }
     opc::model::DigitalSignatureManager& signatures() { return manager; }
 
+    /// Closes the package without a change.
+    /// @return its file
+    PackageFile& closeUnchanged();
+
     /// Writes the changes, into the file or into the target of the run, and closes the package.
     void save();
 

@@ -10,14 +10,24 @@ namespace opctool {
 using bedrock::certificates::CertificateValidationOptions;
 using bedrock::certificates::TrustStore;
 
+namespace {
+
+constexpr const char* SYSTEM = "system";
+
+} // namespace
+
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
     command.add_flag(
         "--accept-weak", trust.acceptWeak,
         "Accept MD5, SHA-1 and RSA keys of 1024 bits, also in certificates and revocation lists");
     return {
-        addRepeatable(&command, "--trust", trust.files,
-                      "A file of trusted certificates, PEM or DER; the default is the system's certificates")
-            ->check(CLI::ExistingFile),
+        addRepeatable(
+            &command, "--trust", trust.files,
+            "A file of trusted certificates, PEM or DER, or \"system\" for the system's certificates")
+            ->check([](const std::string& value) {
+                return value == SYSTEM ? std::string() : CLI::ExistingFile(value);
+            })
+            ->type_name("FILE"),
         addRepeatable(&command, "--crl", trust.revocationLists,
                       "A revocation list, PEM or DER; with this option a current list must cover the signer")
             ->check(CLI::ExistingFile)};
@@ -26,7 +36,10 @@ std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
 TrustStore makeTrustStore(const Trust& trust) {
     TrustStore store;
     for (const std::string& file : trust.files)
-        store.addFile(file);
+        if (file == SYSTEM)
+            store.addSystemCertificates(TrustStore::Usage::Signing, false);
+        else
+            store.addFile(file);
     return store;
 }
 

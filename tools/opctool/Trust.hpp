@@ -23,7 +23,7 @@ struct Trust {
 /// @return the options about certificates alone
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust);
 
-/// Empty if no file was given, which means the system's certificates.
+/// Empty if nothing was given. In the library's own profile that means the system's certificates.
 bedrock::certificates::TrustStore makeTrustStore(const Trust& trust);
 
 bedrock::certificates::CertificateValidationOptions makeValidationOptions(const Trust& trust);

@@ -6,6 +6,7 @@
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
 #include "SigningMaterial.hpp"
+#include "StandardSignatures.hpp"
 #include "TerminalText.hpp"
 #include "Trust.hpp"
 
@@ -20,7 +21,10 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cctype>
+#include <exception>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -40,6 +44,11 @@ using opc::model::SignaturePolicy;
 using opc::model::SignatureVerdict;
 using opc::model::SignerEvidence;
 using opc::model::VerdictReason;
+using opc::standard_signatures::PackageVerification;
+using opc::standard_signatures::VerifiedSignature;
+
+constexpr const char* COMPLETE = "complete";
+constexpr const char* TRUSTED = "trusted";
 
 struct Arguments {
     std::string publicKey;
@@ -47,7 +56,41 @@ struct Arguments {
     std::vector<std::string> fingerprints;
     std::string signature;
     bool requireFull = false;
+    std::vector<std::string> required;
+    bool acceptMissingNull = false;
+
+    bool isRequired(const std::string& what) const {
+        return std::find(required.begin(), required.end(), what) != required.end();
+    }
 };
+
+/// What the command line says about signatures in either profile.
+struct Requirements {
+    SignaturePolicy own;
+    StandardRequirements standard;
+};
+
+/// What is found out about a package.
+struct Verdict {
+    std::vector<JudgedSignature> signatures; ///< in the library's own profile
+    std::vector<VerdictReason> reasons;      ///< why these aren't a yes
+    std::optional<PackageCoverage> coverage; ///< of these; nothing if they couldn't be judged
+    PackageVerification standard;
+    bool isStandardFulfilled = true;
+
+    bool isUnsigned() const { return signatures.empty() && standard.signatures.empty(); }
+    bool leavesOpen() const {
+        return std::any_of(reasons.begin(), reasons.end(),
+                           [](const VerdictReason& one) { return one.leavesOpen(); });
+    }
+    bool isYes() const { return reasons.empty() && isStandardFulfilled; }
+};
+
+std::string lowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
 
 std::string checkFingerprint(const std::string& fingerprint) {
     try {
@@ -70,12 +113,78 @@ SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
                                     fingerprints);
 }
 
-SignatureVerdict judge(FileRun& run, const Arguments& arguments, const SignaturePolicy& policy) {
+StandardRequirements makeStandardRequirements(const Arguments& arguments) {
+    StandardRequirements made;
+    made.signature = arguments.signature;
+    made.policy.acceptWeak = arguments.trust.acceptWeak;
+    made.policy.acceptMissingNull = arguments.acceptMissingNull;
+    if (!arguments.required.empty()) {
+        made.requiresComplete = arguments.isRequired(COMPLETE);
+        made.requiresTrusted = arguments.isRequired(TRUSTED);
+    }
+    if (arguments.publicKey.empty() && arguments.trust.files.empty() && arguments.fingerprints.empty())
+        return made; // nobody is trusted without being asked for
+    auto& trust = made.policy.trust.emplace();
+    trust.roots = makeTrustStore(arguments.trust);
+    trust.validation = makeValidationOptions(arguments.trust);
+    for (const std::string& fingerprint : arguments.fingerprints)
+        trust.fingerprints.push_back(lowerCase(fingerprint));
+    if (!arguments.publicKey.empty())
+        trust.publicKeys.push_back(readPublicKey(arguments.publicKey)->getAsByteArray());
+    return made;
+}
+
+void take(Verdict& verdict, const SignatureVerdict& own) {
+    verdict.signatures = own.getSignatures();
+    verdict.coverage = own.getCoverage();
+    for (const VerdictReason& reason : own.getReasons())
+        if (reason.kind != VerdictReason::Kind::ForeignForm) // these are read here
+            verdict.reasons.push_back(reason);
+}
+
+void addStandard(Verdict& verdict, PackageFile& file, const StandardRequirements& requirements) {
+    verdict.standard = verifyStandard(file, requirements);
+    verdict.isStandardFulfilled = fulfils(verdict.standard, requirements);
+    if (verdict.signatures.empty() && !verdict.standard.signatures.empty()) // they cover nothing, and needn't
+        verdict.reasons.erase(std::remove_if(verdict.reasons.begin(), verdict.reasons.end(),
+                                             [](const VerdictReason& one) { return !one.leavesOpen(); }),
+                              verdict.reasons.end());
+    if (verdict.isUnsigned() && verdict.reasons.empty())
+        verdict.reasons.push_back({VerdictReason::Kind::NoSignatures,
+                                   {},
+                                   bedrock::codesigning_verifier::ErrorMap<0>(),
+                                   "the package has no signatures"});
+}
+
+Verdict judge(FileRun& run, const Arguments& arguments, const Requirements& requirements) {
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
-    if (arguments.signature.empty())
-        return package.signatures().judge(policy);
-    return package.signatures().judge(package.signatures().getSignature(fromArgument(arguments.signature)),
-                                      policy);
+    opc::model::DigitalSignatureManager& own = package.signatures();
+    Verdict verdict;
+    const bool hasStandard = own.hasForeignSignatures();
+    std::exception_ptr notFound;
+    try {
+        take(verdict, arguments.signature.empty()
+                          ? own.judge(requirements.own)
+                          : own.judge(own.getSignature(fromArgument(arguments.signature)), requirements.own));
+    } catch (const opc::model::SignatureNotFound&) {
+        if (!hasStandard)
+            throw;
+        notFound = std::current_exception();
+    }
+    if (hasStandard)
+        addStandard(verdict, package.closeUnchanged(), requirements.standard);
+    if (notFound && verdict.isUnsigned())
+        std::rethrow_exception(notFound);
+    return verdict;
+}
+
+/// The signatures in the standard's profile of a package that the model can't open. It was opened before: standard input
+/// is used up.
+Verdict judgeWithoutModel(FileRun& run, const Requirements& requirements) {
+    Verdict verdict;
+    PackageFile file(run);
+    addStandard(verdict, file, requirements.standard);
+    return verdict;
 }
 
 ordered_json describe(const JudgedSignature& judged) {
@@ -91,7 +200,8 @@ ordered_json describe(const JudgedSignature& judged) {
                      {"holds", judged.holds},
                      {"reason", judged.reason},
                      {"weak", judged.weaknesses},
-                     {"restsOnClaimedTime", judged.restsOnClaimedTime}};
+                     {"restsOnClaimedTime", judged.restsOnClaimedTime},
+                     {"profile", "opcmodel"}};
     if (!judged.claimedTime.is_special())
         row["time"] = toUDEString(opc::convertTimeToString(judged.claimedTime));
     if (params.getSignatureMethod() != SignatureMethod::NoKey)
@@ -135,14 +245,17 @@ void printReservations(std::ostream& out, const JudgedSignature& judged) {
             out << name << ": weak: " << withoutControlCharacters(weakness) << '\n';
 }
 
-void print(FileRun& run, const SignatureVerdict& verdict, const ordered_json& list) {
+void printOwn(FileRun& run, const Verdict& verdict) {
+    ordered_json list = ordered_json::array();
+    for (const JudgedSignature& judged : verdict.signatures)
+        list.push_back(describe(judged));
     printTable(run, list);
-    if (!list.empty()) {
-        run.out() << '\n' << summarize(verdict.getCoverage());
-        for (const JudgedSignature& judged : verdict.getSignatures())
+    if (!list.empty() && verdict.coverage) {
+        run.out() << '\n' << summarize(*verdict.coverage);
+        for (const JudgedSignature& judged : verdict.signatures)
             printReservations(run.out(), judged);
     }
-    for (const VerdictReason& reason : verdict.getReasons())
+    for (const VerdictReason& reason : verdict.reasons)
         if (reason.kind == VerdictReason::Kind::NoSignatures)
             run.out() << (run.options().isOneOfMany ? std::string("it")
                                                     : withoutControlCharacters(run.path()))
@@ -151,77 +264,121 @@ void print(FileRun& run, const SignatureVerdict& verdict, const ordered_json& li
             run.out() << "No: " << withoutControlCharacters(reason.text) << '\n';
 }
 
-/// The reasons that no row of the list shows.
-void tellReasonsOfPackage(FileRun& run, const SignatureVerdict& verdict) {
-    for (const VerdictReason& reason : verdict.getReasons())
-        if (reason.signature.empty() && !reason.leavesOpen())
-            run.tell("no: " + reason.text);
+void print(FileRun& run, const Verdict& verdict) {
+    if (!verdict.standard.signatures.empty() || !verdict.standard.problems.empty())
+        opctool::print(run, verdict.standard);
+    if (!verdict.standard.signatures.empty() && !verdict.signatures.empty())
+        run.out() << "\nSignatures in this library's profile:\n";
+    printOwn(run, verdict);
 }
 
-bool isUnreadable(const SignatureVerdict& verdict) {
-    return !verdict.isYes() && verdict.getReasons().front().kind == VerdictReason::Kind::Unreadable;
+/// Reasons of the package as a whole, which no row of the list shows.
+std::vector<std::string> reasonsOfPackage(const Verdict& verdict) {
+    std::vector<std::string> all;
+    for (const VerdictReason& reason : verdict.reasons)
+        if (reason.signature.empty() && !reason.leavesOpen())
+            all.push_back(reason.text);
+    for (const auto& problem : verdict.standard.problems)
+        all.push_back(problem.place + ": " + problem.text);
+    return all;
+}
+
+bool isUnreadable(const Verdict& verdict) {
+    return !verdict.reasons.empty() && verdict.reasons.front().kind == VerdictReason::Kind::Unreadable;
 }
 
 /// Fails with everything that couldn't be read or checked.
-[[noreturn]] void failOpen(const SignatureVerdict& verdict) {
+[[noreturn]] void failOpen(const Verdict& verdict) {
     constexpr std::size_t TOLD = 5; // a small package can have very many bad signatures
     std::string text;
     std::size_t count = 0;
-    for (const VerdictReason& reason : verdict.getReasons())
+    for (const VerdictReason& reason : verdict.reasons)
         if (reason.leavesOpen() && ++count <= TOLD)
             text += (count == 1 ? "" : "; ") + reason.text;
     if (count > TOLD)
         text += "; and " + std::to_string(count - TOLD) + " more";
-    throw opc::model::InvalidSignature(text, verdict.getReasons().front().code);
+    throw opc::model::InvalidSignature(text, verdict.reasons.front().code);
 }
 
-const char* stateOf(const SignatureVerdict& verdict) {
-    const auto& signatures = verdict.getSignatures();
-    switch (verdict.getAnswer()) {
-    case SignatureVerdict::Answer::Yes:
-        return "holds";
-    case SignatureVerdict::Answer::CannotTell:
+const char* stateOf(const Verdict& verdict) {
+    if (verdict.leavesOpen())
         return "unreadable";
-    default:
-        break;
-    }
-    if (signatures.empty())
+    if (verdict.isUnsigned())
         return "unsigned";
-    const bool allHold = std::all_of(signatures.begin(), signatures.end(),
-                                     [](const JudgedSignature& judged) { return judged.holds; });
+    const bool allHold = std::all_of(verdict.signatures.begin(), verdict.signatures.end(),
+                                     [](const JudgedSignature& judged) { return judged.holds; }) &&
+                         std::none_of(verdict.standard.signatures.begin(), verdict.standard.signatures.end(),
+                                      [](const VerifiedSignature& one) {
+                                          return one.cryptography.status ==
+                                                 opc::standard_signatures::CryptographyAnswer::Status::Broken;
+                                      });
     return allHold ? "holds" : "broken"; // if all hold, more was required
 }
 
-void printJSON(FileRun& run, const SignatureVerdict& verdict, const ordered_json& list) {
+ordered_json listOf(const Verdict& verdict) {
+    ordered_json list = ordered_json::array();
+    for (const JudgedSignature& judged : verdict.signatures)
+        list.push_back(describe(judged));
+    for (const VerifiedSignature& one : verdict.standard.signatures)
+        list.push_back(opctool::describe(one));
+    return list;
+}
+
+void printJSON(FileRun& run, const Verdict& verdict) {
+    const ordered_json list = listOf(verdict);
     if (!run.hasEnvelope()) {
         run.json().add(list);
-        tellReasonsOfPackage(run, verdict);
+        for (const std::string& reason : reasonsOfPackage(verdict))
+            run.tell("no: " + reason);
         return;
     }
     ordered_json reasons = ordered_json::array();
-    for (const VerdictReason& reason : verdict.getReasons())
+    for (const VerdictReason& reason : verdict.reasons)
         reasons.push_back(
             {{"signature",
               reason.signature.empty() ? ordered_json() : ordered_json(toUDEString(reason.signature))},
              {"text", reason.text}});
+    for (const VerifiedSignature& one : verdict.standard.signatures)
+        for (const std::string& reason : reasonsOf(one))
+            reasons.push_back({{"signature", one.name}, {"text", reason}});
+    for (const auto& problem : verdict.standard.problems)
+        reasons.push_back({{"signature", nullptr}, {"text", problem.place + ": " + problem.text}});
     run.json().add({{"state", stateOf(verdict)}, {"signatures", list}, {"reasons", reasons}});
 }
 
-void verify(FileRun& run, const Arguments& arguments, const SignaturePolicy& policy) {
-    const SignatureVerdict verdict = judge(run, arguments, policy);
-    if (isUnreadable(verdict) && !run.hasEnvelope())
+void report(FileRun& run, const Verdict& verdict) {
+    if (isUnreadable(verdict) && verdict.standard.signatures.empty() && !run.hasEnvelope())
         failOpen(verdict);
-    ordered_json list = ordered_json::array();
-    for (const JudgedSignature& judged : verdict.getSignatures())
-        list.push_back(describe(judged));
     if (run.wantsJSON())
-        printJSON(run, verdict, list);
+        printJSON(run, verdict);
     else
-        print(run, verdict, list);
-    if (verdict.getAnswer() == SignatureVerdict::Answer::CannotTell)
+        print(run, verdict);
+    if (verdict.leavesOpen())
         failOpen(verdict);
     if (!verdict.isYes())
         run.sayNo();
+}
+
+void verify(FileRun& run, const Arguments& arguments, const Requirements& requirements) {
+    Verdict verdict;
+    try {
+        verdict = judge(run, arguments, requirements);
+    } catch (const opc::Exception&) {
+        if (run.isStandardInput())
+            throw;
+        try {
+            verdict = judgeWithoutModel(run, requirements);
+        } catch (const opc::Exception&) { // the first failure says more
+        }
+        if (verdict.standard.signatures.empty())
+            throw;
+        if (run.wantsJSON())
+            printJSON(run, verdict);
+        else
+            print(run, verdict);
+        throw;
+    }
+    report(run, verdict);
 }
 
 void declare(CLI::App& command) {
@@ -248,25 +405,43 @@ void declare(CLI::App& command) {
         "--require-full", arguments->requireFull,
         "Say no if anything is uncovered, has another content type than when it was signed, or is "
         "ignored although other programs may read it");
+    addRepeatable(
+        &command, "--require", arguments->required,
+        "What must be true beside valid cryptography, in the standard's profile: complete, trusted; the "
+        "default is both. complete is --require-full in the library's own profile")
+        ->delimiter(',')
+        ->check(CLI::IsMember({COMPLETE, TRUSTED}))
+        ->type_name("LIST");
+    command.add_flag("--accept-missing-null", arguments->acceptMissingNull,
+                     "Accept RSA values without a NULL that others require, which some programs made; in the "
+                     "standard's profile");
     command.callback([files, arguments] {
         fromArgument(arguments->signature);
-        const SignaturePolicy policy = makeSignerPolicy(*arguments)
-                                           .acceptWeak(arguments->trust.acceptWeak)
-                                           .requireFull(arguments->requireFull);
-        files->run([&](FileRun& run) { verify(run, *arguments, policy); });
+        const Requirements requirements{
+            makeSignerPolicy(*arguments)
+                .acceptWeak(arguments->trust.acceptWeak)
+                .requireFull(arguments->requireFull || arguments->isRequired(COMPLETE)),
+            makeStandardRequirements(*arguments)};
+        files->run([&](FileRun& run) { verify(run, *arguments, requirements); });
     });
 }
 
 } // namespace
 
-const Command VERIFY{"verify",
-                     "Check the signatures of a package, and list what no valid signature covers",
-                     declare,
-                     "opctool coverage says which signature covers what.",
-                     "opctool verify report.docx --public signer.pub --require-full\n"
-                     "opctool verify -r folder --trust roots.pem --jsonl",
-                     "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked",
-                     R"({
+const Command VERIFY{
+    "verify",
+    "Check the signatures of a package, and list what no valid signature covers",
+    declare,
+    "In the standard's profile, in which office programs sign, each signature gets three answers: "
+    "whether the cryptography is valid, what it covers, and whether its signer is trusted. Without "
+    "--trust, --fingerprint or --public nobody is trusted there. In the library's own profile the "
+    "system's certificates are trusted without --trust. opctool coverage says which signature covers "
+    "what.",
+    "opctool verify report.docx --public signer.pub --require-full\n"
+    "opctool verify -r folder --trust roots.pem --jsonl\n"
+    "opctool verify report.docx --trust system --require complete,trusted",
+    "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked",
+    R"({
   "type": "object",
   "required": ["state", "signatures", "reasons"],
   "properties": {
@@ -279,7 +454,7 @@ const Command VERIFY{"verify",
       "items": {
         "type": "object",
         "required": ["name", "time", "digest", "keySize", "signer", "fingerprint", "status", "code", "holds", "reason",
-                     "weak", "restsOnClaimedTime"],
+                     "weak", "restsOnClaimedTime", "profile"],
         "properties": {
           "name": {"type": "string"},
           "time": {"description": "as the signer claims", "type": ["string", "null"]},
@@ -288,11 +463,73 @@ const Command VERIFY{"verify",
           "signer": {"type": ["string", "null"]},
           "fingerprint": {"type": ["string", "null"]},
           "status": {"type": "string"},
-          "code": {"type": "integer"},
+          "code": {"description": "null in the standard's profile", "type": ["integer", "null"]},
           "holds": {"type": "boolean"},
           "reason": {"type": "string"},
           "weak": {"type": "array", "items": {"type": "string"}},
-          "restsOnClaimedTime": {"type": "boolean"}
+          "restsOnClaimedTime": {"type": "boolean"},
+          "profile": {"enum": ["opcmodel", "standard"]},
+          "part": {"description": "this and what follows: in the standard's profile", "type": "string"},
+          "cryptography": {
+            "type": "object",
+            "required": ["answer", "reasons", "references"],
+            "properties": {
+              "answer": {"enum": ["valid", "weak", "broken"]},
+              "reasons": {"type": "array", "items": {"type": "string"}},
+              "references": {
+                "type": "array",
+                "items": {
+                  "type": "object",
+                  "required": ["uri", "digest", "holds", "reason"],
+                  "properties": {
+                    "uri": {"type": "string"}, "digest": {"type": "string"}, "holds": {"type": "boolean"},
+                    "reason": {"type": "string"}
+                  }
+                }
+              }
+            }
+          },
+          "coverage": {
+            "type": "object",
+            "required": ["answer", "signedParts", "signedRelationships", "externalTargets", "unsignedCount", "unsigned",
+                         "byCustom"],
+            "properties": {
+              "answer": {"enum": ["complete", "partial"]},
+              "signedParts": {"type": "integer"},
+              "signedRelationships": {"type": "integer"},
+              "externalTargets": {"description": "signed relationships that lead out of the package", "type": "integer"},
+              "unsignedCount": {"type": "integer"},
+              "unsigned": {
+                "description": "the first 1000",
+                "type": "array",
+                "items": {
+                  "type": "object",
+                  "required": ["kind", "place", "id", "type", "text"],
+                  "properties": {
+                    "kind": {"enum": ["part", "content type", "relationship", "item", "main document"]},
+                    "place": {"type": "string"}, "id": {"type": ["string", "null"]}, "type": {"type": ["string", "null"]},
+                    "text": {"type": "string"}
+                  }
+                }
+              },
+              "byCustom": {
+                "description": "what signing programs leave out, the first 1000",
+                "$ref": "#/properties/result/properties/signatures/items/properties/coverage/properties/unsigned"
+              }
+            }
+          },
+          "trust": {
+            "type": "object",
+            "required": ["answer", "reason", "time", "timeFrom", "timeStampFailure"],
+            "properties": {
+              "answer": {"enum": ["not checked", "unknown", "trusted", "not trusted"]},
+              "reason": {"type": "string"},
+              "time": {"description": "at which the certificate must be valid; null is now", "type": ["string", "null"]},
+              "timeFrom": {"enum": ["now", "caller", "time stamp"]},
+              "timeStampFailure": {"type": "string"}
+            }
+          },
+          "yes": {"description": "valid, complete and trusted", "type": "boolean"}
         }
       }
     },

@@ -6,11 +6,14 @@
 #include <bedrock/certificates/X509CertificateChain.hpp>
 #include <opc/core/Exception.hpp>
 
+#include <algorithm>
+
 namespace opc::standard_signatures {
 
 namespace {
 
 using namespace bedrock::certificates;
+using Evidence = TrustAnswer::Evidence;
 using Status = TrustAnswer::Status;
 using TimeFrom = TrustAnswer::TimeFrom;
 
@@ -53,12 +56,32 @@ void findTime(TrustAnswer& answer, const SignatureDocument& document,
         answer.timeStampFailure.clear();
 }
 
+/// Whether the caller knows the key or its certificate.
+Evidence findKnown(const std::vector<unsigned char>& key, const X509Certificate& certificate,
+                   const VerificationPolicy& policy) {
+    const auto has = [](const auto& all, const auto& one) {
+        return std::find(all.begin(), all.end(), one) != all.end();
+    };
+    if (policy.trust && has(policy.trust->publicKeys, key))
+        return Evidence::PublicKey;
+    return policy.trust && !certificate.empty() &&
+                   has(policy.trust->fingerprints, certificate.getSHA256Fingerprint())
+               ? Evidence::Fingerprint
+               : Evidence::None;
+}
+
 } // namespace
 
-TrustAnswer checkTrust(const SignatureDocument& document, const X509Certificate& certificate,
-                       const std::vector<X509Certificate>& others, const VerificationPolicy& policy) {
+TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
+                       const X509Certificate& certificate, const std::vector<X509Certificate>& others,
+                       const VerificationPolicy& policy) {
     TrustAnswer answer;
     answer.signer = certificate;
+    answer.evidence = findKnown(key, certificate, policy);
+    if (answer.evidence != Evidence::None) {
+        answer.status = Status::Trusted;
+        return answer;
+    }
     if (certificate.empty()) {
         answer.status = Status::Unknown;
         answer.reason = "The signature has a key and no certificate";
@@ -78,6 +101,7 @@ TrustAnswer checkTrust(const SignatureDocument& document, const X509Certificate&
         certificate.validateCertificate(chain, options, policy.trust->roots);
     const bool isGood = results.getCertificateChainStatus() == CertificateChainStatus::Good;
     answer.status = isGood ? Status::Trusted : Status::NotTrusted;
+    answer.evidence = isGood ? Evidence::Chain : Evidence::None;
     answer.reason = isGood ? std::string() : results.getValidationErrorString();
     return answer;
 }

@@ -9,9 +9,10 @@
 namespace opc::standard_signatures {
 
 /// Says who made a signature that holds.
-/// @param certificate  of the key that made it; empty if there is none
+/// @param key          that made it
+/// @param certificate  of the key; empty if there is none
 /// @param others       certificates that a chain can lead through
-TrustAnswer checkTrust(const SignatureDocument& document,
+TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
                        const bedrock::certificates::X509Certificate& certificate,
                        const std::vector<bedrock::certificates::X509Certificate>& others,
                        const VerificationPolicy& policy);

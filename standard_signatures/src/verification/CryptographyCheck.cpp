@@ -89,6 +89,7 @@ private:
         try {
             const SignerKey key =
                 findSignerKey(document, certificates, canonical(*document.signedInfo, document.form));
+            result.key = key.key;
             result.certificate = key.certificate;
             result.answer.keyBits = key.kind.bits;
             judgeStatus(key.status);

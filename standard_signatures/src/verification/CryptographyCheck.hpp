@@ -23,7 +23,8 @@ struct WorkLeft {
 struct CheckedSignature {
     CryptographyAnswer answer;
     SignedContents contents;                            ///< empty if it is broken as a whole
-    bedrock::certificates::X509Certificate certificate; ///< of the key that made it; empty if there is none
+    std::vector<unsigned char> key;                     ///< that made it
+    bedrock::certificates::X509Certificate certificate; ///< of the key; empty if there is none
 };
 
 /// Checks the signature value, the digests of the signed elements, and then those of the parts.

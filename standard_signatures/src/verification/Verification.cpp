@@ -1,3 +1,4 @@
+#include <opc/standard_signatures/CoverageTable.hpp>
 #include <opc/standard_signatures/Verification.hpp>
 
 #include "content/PackageContents.hpp"
@@ -94,7 +95,46 @@ public:
         return result;
     }
 
+    /// Call it after `run`.
+    void fill(CoverageTable& table) const {
+        for (const StoredPart& part : contents.parts())
+            if (!part.source)
+                table.parts.push_back(
+                    {part.name, {}, {}, standingOf(part), findSignatures([&part](const SignedContents& one) {
+                         return one.parts.count(&part) != 0;
+                     })});
+        for (const MappedRelationship& one : map.relationships())
+            table.relationships.push_back({*one.document->source, one.values->id, one.values->type,
+                                           standingOf(one.role),
+                                           findSignatures([&one](const SignedContents& contentsOfOne) {
+                                               return contentsOfOne.has(one);
+                                           })});
+    }
+
 private:
+    using Standing = CoverageTable::Standing;
+
+    static Standing standingOf(RelationshipRole role) {
+        return role == RelationshipRole::Content           ? Standing::Content
+               : role == RelationshipRole::LeftOutByCustom ? Standing::LeftOutByCustom
+                                                           : Standing::OfSignatures;
+    }
+
+    Standing standingOf(const StoredPart& part) const {
+        return !map.isExempt(part)        ? Standing::Content
+               : map.isOfSignatures(part) ? Standing::OfSignatures
+                                          : Standing::LeftOutByCustom;
+    }
+
+    template <typename Predicate>
+    std::vector<std::size_t> findSignatures(const Predicate& covers) const {
+        std::vector<std::size_t> found;
+        for (std::size_t i = 0; i < signedContents.size(); ++i)
+            if (covers(signedContents[i]))
+                found.push_back(i);
+        return found;
+    }
+
     void addProblems(std::vector<Reason>& problems) const {
         if (const auto& failure = contents.contentTypesFailure())
             problems.push_back(*failure);
@@ -111,9 +151,9 @@ private:
         VerifiedSignature signature;
         signature.part = part.name;
         signature.name = shortName(part.name);
-        SignedContents signedContents;
+        SignedContents& ofSignature = signedContents.emplace_back();
         try {
-            check(part, signature, signedContents);
+            check(part, signature, ofSignature);
         } catch (const Refusal& refusal) {
             addBreak(signature, refusal.reason().code, refusal.reason().text);
         } catch (const model::InvalidXMLDocument& failure) {
@@ -121,7 +161,7 @@ private:
         } catch (const Exception& failure) {
             addBreak(signature, Code::PartUnreadable, textOf(failure));
         }
-        signature.coverage = computeCoverage(signedContents, contents, map);
+        signature.coverage = computeCoverage(ofSignature, contents, map);
         const auto status = signature.cryptography.status;
         const bool isGood = status == CryptographyAnswer::Status::Valid ||
                             (status == CryptographyAnswer::Status::Weak && policy.acceptWeak);
@@ -130,21 +170,21 @@ private:
         return signature;
     }
 
-    void check(const StoredPart& part, VerifiedSignature& signature, SignedContents& signedContents) {
+    void check(const StoredPart& part, VerifiedSignature& signature, SignedContents& ofSignature) {
         if (part.isAmbiguous)
             throw Refusal(Code::Malformed, "", "There is more than one part with this name");
         const SignatureDocument document = readDocument(part);
         const std::vector<X509Certificate> certificates = readCertificates(part, document);
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
-        signedContents = std::move(checked.contents);
+        ofSignature = std::move(checked.contents);
         if (signature.cryptography.status == CryptographyAnswer::Status::Broken) {
             signature.trust.signer = checked.certificate;
             signature.trust.reason = "The signature is broken";
             return;
         }
         signature.claimedTime = document.claimedTime;
-        signature.trust = checkTrust(document, checked.certificate, certificates, policy);
+        signature.trust = checkTrust(document, checked.key, checked.certificate, certificates, policy);
     }
 
     SignatureDocument readDocument(const StoredPart& part) {
@@ -177,6 +217,7 @@ private:
     PackageContents contents;
     PackageMap map;
     WorkLeft work;
+    std::vector<SignedContents> signedContents; ///< of each signature
 };
 
 } // namespace
@@ -189,6 +230,13 @@ bool PackageVerification::isYes() const {
 
 PackageVerification verify(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy) {
     return Verifier(store, policy).run();
+}
+
+CoverageTable tabulateCoverage(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy) {
+    Verifier verifier(store, policy);
+    CoverageTable table{verifier.run(), {}, {}};
+    verifier.fill(table);
+    return table;
 }
 
 bool hasSignatures(interfaces::IPhysicalPackage& store) {

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace opc::standard_signatures {
 
@@ -14,6 +15,12 @@ namespace opc::standard_signatures {
 struct TrustPolicy {
     /// The certificates that chains must lead to, of signers and of time stamps. An empty store trusts nobody.
     bedrock::certificates::TrustStore roots;
+
+    /// Certificates that are trusted whatever they say and whenever: SHA-256 over DER, in lower-case hexadecimal digits.
+    std::vector<std::string> fingerprints;
+
+    /// Keys whose owners are trusted, as SubjectPublicKeyInfo in DER; their certificates aren't checked.
+    std::vector<std::vector<unsigned char>> publicKeys;
 
     /// Revocation lists, and the time at which certificates must be valid if no trusted time stamp gives one; without it,
     /// now. Which algorithms and keys are accepted, `VerificationPolicy` says.
@@ -32,7 +39,11 @@ struct TrustAnswer {
     /// What says when the certificate must be valid.
     enum class TimeFrom { Now, Caller, TimeStamp };
 
+    /// What the trust rests on.
+    enum class Evidence { None, Chain, Fingerprint, PublicKey };
+
     Status status = Status::NotChecked;
+    Evidence evidence = Evidence::None;
     std::string reason;                            ///< why it isn't `Trusted`, in English
     bedrock::certificates::X509Certificate signer; ///< empty without a certificate
 
