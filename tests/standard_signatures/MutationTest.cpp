@@ -50,6 +50,7 @@ TEST(StandardVerification, SaysYesToNoOtherContent) {
     sample.sign();
     std::vector<std::u16string> names = sample.store.partNames();
     names.push_back(CONTENT_TYPES);
+    std::size_t changes = 0;
     std::size_t yes = 0;
     for (const std::u16string& name : names) {
         const Bytes before = bytesOf(sample, name);
@@ -60,6 +61,7 @@ TEST(StandardVerification, SaysYesToNoOtherContent) {
             Bytes after = before;
             after[i] ^= 1U << i % 7;
             setBytes(sample, name, after);
+            ++changes;
             if (!sample.verify().isYes())
                 continue;
             ++yes;
@@ -75,7 +77,7 @@ TEST(StandardVerification, SaysYesToNoOtherContent) {
         setBytes(sample, name, before);
     }
     EXPECT_TRUE(sample.verify().isYes());
-    EXPECT_LT(yes, 300U);
+    EXPECT_LT(yes, changes / 10); // such as those of IDs and comments
 }
 
 } // namespace
