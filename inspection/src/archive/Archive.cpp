@@ -61,12 +61,13 @@ public:
 private:
     bool beginsWithItem() const;
 
+    const bool isLenient;
     std::unique_ptr<ArchiveReader> reader; ///< made when the first content is read
 };
 
 Archive::Impl::Impl(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                     const physical::ZipOptions& limits)
-    : source(std::move(archive)), place(std::move(archivePlace)) {
+    : source(std::move(archive)), place(std::move(archivePlace)), isLenient(limits.lenient) {
     RecordBytes bytes(*source, place);
     const auto directory = readEndRecords(bytes, contents);
     if (directory)
@@ -99,6 +100,8 @@ std::unique_ptr<InputStream> Archive::Impl::open(const std::vector<const Archive
         for (const ArchiveItem& item : contents.items)
             entries.push_back(entryOf(item));
         reader = std::make_unique<ArchiveReader>(source, place, std::move(entries));
+        if (isLenient)
+            reader->takeUnfinished();
     }
     std::vector<ItemIndex> indexes;
     for (const ArchiveItem* item : items) {

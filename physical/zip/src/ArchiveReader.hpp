@@ -77,6 +77,7 @@ public:
     /// Whether a deflated item may lack the last block if its content is right. The reader of such an item must
     /// report it.
     bool takesUnfinished() const { return lenient; }
+    void takeUnfinished() noexcept { lenient = true; }
     void noteUnfinished(ItemIndex index) { unfinished.insert(index); }
     const std::set<ItemIndex>& unfinishedItems() const { return unfinished; }
 

@@ -58,16 +58,28 @@ std::string largeSizes(const DirectoryEntry& entry) {
     return numbers;
 }
 
+std::uint32_t toDOS(const std::tm& calendar) {
+    if (calendar.tm_year < 80)
+        return DOS_TIME_ORIGIN;
+    if (calendar.tm_year > 80 + 127)
+        return DOS_TIME_END;
+    const int date = (calendar.tm_year - 80) << 9 | (calendar.tm_mon + 1) << 5 | calendar.tm_mday;
+    const int time = calendar.tm_hour << 11 | calendar.tm_min << 5 | calendar.tm_sec / 2;
+    return static_cast<std::uint32_t>(date) << 16 | static_cast<std::uint32_t>(time);
+}
+
 } // namespace
 
 std::uint32_t dosTimeNow() {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    if (!::localtime_r(&now, &local) || local.tm_year < 80)
-        return DOS_TIME_ORIGIN;
-    const int date = (local.tm_year - 80) << 9 | (local.tm_mon + 1) << 5 | local.tm_mday;
-    const int time = local.tm_hour << 11 | local.tm_min << 5 | local.tm_sec / 2;
-    return static_cast<std::uint32_t>(date) << 16 | static_cast<std::uint32_t>(time);
+    return ::localtime_r(&now, &local) ? toDOS(local) : DOS_TIME_ORIGIN;
+}
+
+std::uint32_t dosTimeOf(std::int64_t seconds) {
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm universal{};
+    return ::gmtime_r(&time, &universal) ? toDOS(universal) : DOS_TIME_ORIGIN;
 }
 
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time) {

@@ -10,9 +10,13 @@
 
 namespace opc::physical::zip {
 
-/// The current date and time in the format of ZIP archives, or the earliest time of that format.
+/// The current date and time in the format of ZIP archives; times beyond that format become its earliest or latest one.
 std::uint32_t dosTimeNow();
+/// The same in UTC.
+/// @param seconds  since 1970
+std::uint32_t dosTimeOf(std::int64_t seconds);
 constexpr std::uint32_t DOS_TIME_ORIGIN = 0x0021'0000; ///< the first of January 1980, midnight
+constexpr std::uint32_t DOS_TIME_END = 0xFF9F'BF7D;    ///< the last second of 2107 that it can tell
 
 /// The local header of a new item.
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time);

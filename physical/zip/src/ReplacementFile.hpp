@@ -17,7 +17,7 @@ namespace opc::physical::zip {
 /// locks. An unlocked one is left over from a dead process, and the next save removes it. If it is destroyed without
 /// `putInPlace`, or a signal ends the process and its handler calls `removeUnfinishedFiles`, the file is removed and
 /// the target doesn't change.
-class ReplacementFile : public ByteTarget {
+class OPC_ZIP_EXPORT ReplacementFile : public ByteTarget {
 public:
     /// @param path   the target; a symbolic link is followed
     /// @param place  how messages name it

@@ -84,6 +84,7 @@ struct ArchiveFault {
 /// Use an object from one thread at a time.
 class OPC_INSPECTION_EXPORT Archive {
 public:
+    /// @param limits  their `lenient` concerns contents whose compressed data lacks its last block: then they are read
     /// @throws opc::Exception  the file can't be read, with the code of the system
     explicit Archive(const std::filesystem::path& path, const physical::ZipOptions& limits = {});
     explicit Archive(std::vector<unsigned char> bytes, const physical::ZipOptions& limits = {});

@@ -19,6 +19,9 @@ struct ZipOptions {
     /// Whether the same operations write the same bytes: then written items have a fixed time stamp.
     bool deterministic = false;
 
+    /// That time stamp: seconds since 1970, in UTC. The archive holds times from 1980 to 2107, in steps of two seconds.
+    std::int64_t deterministicTime = 0;
+
     /// Called by a save, and by `ZipPackage::writeTo`, when the new archive is complete in its temporary file, which then
     /// replaces the old file. An exception ends the save: the old file stays, and the new archive is dropped. An archive that
     /// isn't saved in a file isn't passed.
