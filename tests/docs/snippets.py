@@ -20,6 +20,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/inspection/Comparison.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>
+#include <opc/inspection/PackageGraph.hpp>
 #include <opc/inspection/Reports.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>

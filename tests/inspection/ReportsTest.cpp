@@ -185,5 +185,26 @@ TEST(Picture, staysSmall) {
     EXPECT_EQ(parts, graph.nodes.size());
 }
 
+/// Names come from packages. Each of these would end a string, begin an entity or another statement in one of the formats.
+TEST(Picture, letsNoNameBecomeAnythingElse) {
+    PackageGraph graph;
+    graph.nodes.push_back({GraphNode::Kind::Package, "/"});
+    graph.nodes.push_back(
+        {GraphNode::Kind::External, "\"];x[label=\"y\\G\"]\n%%{init}%%`</text><script>&lt;'#"});
+    graph.edges.push_back({0, 1, false, "urn:\"];a->b/</title>\\"});
+    const std::string dot = toDOT(graph);
+    EXPECT_NE(dot.find(R"(label="\"];x[label=\"y\\G\"] %%{init}%%`</text><script>&amp;lt;'#")"),
+              std::string::npos)
+        << dot;
+    EXPECT_NE(dot.find(R"(tooltip="title>\\")"), std::string::npos) << dot;
+    const std::string mermaid = toMermaid(graph);
+    EXPECT_NE(mermaid.find(
+                  "n1[\"#34;#93;#59;x#91;label#61;#34;y#92;G#34;#93; #37;#37;#123;init#125;#37;#37;#96;#60;/"
+                  "text#62;#60;script#62;#38;lt#59;#39;#35;\"]:::external\n"),
+              std::string::npos)
+        << mermaid;
+    EXPECT_EQ(toSVG(graph).find("<script"), std::string::npos);
+}
+
 } // namespace
 } // namespace opc::inspection

@@ -1,7 +1,7 @@
 #include <opc/inspection/Reports.hpp>
 
 #include "reports/MarkupText.hpp"
-#include "reports/ReportTexts.hpp"
+#include "reports/picture/NodeLooks.hpp"
 #include "reports/picture/PackageGraph.hpp"
 
 #include <algorithm>
@@ -18,62 +18,7 @@ constexpr std::size_t ROW = HEIGHT + 10; // from a node to the next
 constexpr std::size_t MARGIN = 8;
 constexpr std::size_t LEGEND = 34;
 constexpr std::size_t MOST_CHARACTERS = 24;
-
-struct Look {
-    const char* fill;
-    const char* stroke;
-    const char* dashes; ///< empty for a line without
-    const char* meaning;
-};
-
-constexpr Look PACKAGE{"#33475b", "#33475b", "", "package"};
-constexpr Look PLAIN{"#f1f4f8", "#8493a5", "", "part"};
-constexpr Look SIGNED{"#dcf2e1", "#2f8f4e", "", "named by a signature"};
-constexpr Look UNREACHED{"#efe3fa", "#8a4fbf", "4 3", "nothing leads there"};
-constexpr Look EXTERNAL{"#fdf0d0", "#cf8f12", "", "outside the package"};
-constexpr Look MISSING{"#fde3e1", "#d0392b", "4 3", "missing"};
-
-const Look& lookOf(const GraphNode& node) {
-    switch (node.kind) {
-    case GraphNode::Kind::Package:
-        return PACKAGE;
-    case GraphNode::Kind::External:
-        return EXTERNAL;
-    case GraphNode::Kind::Missing:
-        return MISSING;
-    case GraphNode::Kind::Part:
-        break;
-    }
-    return !node.isReached ? UNREACHED : node.isSigned ? SIGNED : PLAIN;
-}
-
-/// A name that is too long keeps its end, behind an ellipsis.
-std::string shortened(const std::string& text) {
-    std::vector<std::size_t> starts; // of the UTF-8 characters
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if ((static_cast<unsigned char>(text[i]) & 0xC0U) != 0x80U)
-            starts.push_back(i);
-    if (starts.size() <= MOST_CHARACTERS)
-        return text;
-    return "\u2026" + text.substr(starts[starts.size() - MOST_CHARACTERS + 1]);
-}
-
-std::string labelOf(const GraphNode& node) {
-    if (node.count == 1)
-        return shortened(node.name);
-    return std::to_string(node.count) + " \u00d7 " + shortened(node.name);
-}
-
-std::string titleOf(const GraphNode& node) {
-    std::string title = node.name;
-    if (node.count > 1)
-        title = countOf(node.count, "part") + " " + title;
-    if (!node.contentType.empty())
-        title += "\n" + node.contentType;
-    if (node.kind == GraphNode::Kind::Part)
-        title += "\n" + countOf(node.size, "byte");
-    return title + "\n" + lookOf(node).meaning;
-}
+constexpr const char* DASHES = "4 3";
 
 struct Point {
     std::size_t x, y;
@@ -92,7 +37,7 @@ private:
     void sortColumn(std::vector<std::size_t>& column, const std::vector<double>& rows) const;
     void draw(const GraphEdge& edge);
     void draw(std::size_t node);
-    void drawBox(const Look& look, Point place, std::size_t width, std::size_t height);
+    void drawBox(const NodeLook& look, Point place, std::size_t width, std::size_t height);
     void drawText(const std::string& text, Point place, const char* color);
     void drawLegend(std::size_t y);
 
@@ -154,17 +99,16 @@ std::string Picture::draw() {
 
 void Picture::draw(const GraphEdge& edge) {
     const GraphNode& target = graph.nodes[edge.to];
-    const Look& look = target.kind != GraphNode::Kind::Part ? lookOf(target) : edge.isSigned ? SIGNED : PLAIN;
+    const NodeLook& look = lookOf(edge, graph);
     const Point from{places[edge.from].x + WIDTH, places[edge.from].y + HEIGHT / 2};
     const bool leadsOn = target.column > graph.nodes[edge.from].column;
     const Point to{places[edge.to].x + (leadsOn ? 0 : WIDTH), places[edge.to].y + HEIGHT / 2};
     svg << "<path d=\"M" << from.x << ' ' << from.y << 'C' << from.x + GAP / 2 << ' ' << from.y << ' '
         << (leadsOn ? to.x - GAP / 2 : to.x + GAP / 2) << ' ' << to.y << ' ' << to.x << ' ' << to.y
         << R"(" fill="none" stroke=")" << look.stroke << R"(" stroke-opacity="0.6")";
-    if (*look.dashes != '\0' || !leadsOn)
-        svg << " stroke-dasharray=\"" << (leadsOn ? look.dashes : "2 3") << '"';
-    svg << "><title>" << toMarkup(edge.count == 1 ? edge.type : countOf(edge.count, "relationship"))
-        << "</title></path>\n";
+    if (look.isDashed || !leadsOn)
+        svg << " stroke-dasharray=\"" << (leadsOn ? DASHES : "2 3") << '"';
+    svg << "><title>" << toMarkup(titleOf(edge)) << "</title></path>\n";
 }
 
 void Picture::draw(std::size_t index) {
@@ -172,16 +116,16 @@ void Picture::draw(std::size_t index) {
     const Point place = places[index];
     svg << "<g><title>" << toMarkup(titleOf(node)) << "</title>";
     drawBox(lookOf(node), place, WIDTH, HEIGHT);
-    drawText(labelOf(node), {place.x + 8, place.y + 17},
+    drawText(labelOf(node, MOST_CHARACTERS), {place.x + 8, place.y + 17},
              node.kind == GraphNode::Kind::Package ? "#fff" : "#1f2933");
     svg << "</g>\n";
 }
 
-void Picture::drawBox(const Look& look, Point place, std::size_t width, std::size_t height) {
+void Picture::drawBox(const NodeLook& look, Point place, std::size_t width, std::size_t height) {
     svg << "<rect x=\"" << place.x << "\" y=\"" << place.y << "\" width=\"" << width << "\" height=\""
         << height << R"(" rx="4" fill=")" << look.fill << "\" stroke=\"" << look.stroke << '"';
-    if (*look.dashes != '\0')
-        svg << " stroke-dasharray=\"" << look.dashes << '"';
+    if (look.isDashed)
+        svg << " stroke-dasharray=\"" << DASHES << '"';
     svg << "/>";
 }
 
@@ -194,7 +138,7 @@ void Picture::drawText(const std::string& text, Point place, const char* color) 
 /// Explains the colours that the picture has.
 void Picture::drawLegend(std::size_t y) {
     std::size_t x = MARGIN;
-    for (const Look* look : {&PLAIN, &SIGNED, &UNREACHED, &EXTERNAL, &MISSING}) {
+    for (const NodeLook* look : {&PLAIN_LOOK, &SIGNED_LOOK, &UNREACHED_LOOK, &EXTERNAL_LOOK, &MISSING_LOOK}) {
         const bool isUsed = std::any_of(graph.nodes.begin(), graph.nodes.end(),
                                         [look](const GraphNode& node) { return &lookOf(node) == look; });
         if (!isUsed)
@@ -207,9 +151,12 @@ void Picture::drawLegend(std::size_t y) {
 
 } // namespace
 
+std::string toSVG(const PackageGraph& graph) {
+    return Picture(condense(graph)).draw();
+}
+
 std::string drawPackage(const Archive& archive, const physical::ZipOptions& limits) {
-    const Subject subject(archive, limits);
-    return Picture(condense(makeGraph(subject))).draw();
+    return toSVG(makeGraph(archive, limits));
 }
 
 } // namespace opc::inspection
