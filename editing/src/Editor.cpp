@@ -52,14 +52,7 @@ Editor::Editor(Package& package) : edited(package), signaturesBefore(package) {
 }
 
 void Editor::throwIfSignaturesAreBroken() const {
-    const std::vector<std::string> broken = brokenSignatures();
-    if (broken.empty())
-        return;
-    std::string names;
-    for (const std::string& part : broken)
-        names += (names.empty() ? "" : ", ") + part;
-    throw BreaksSignatures("This would break the signature" + std::string(broken.size() > 1 ? "s " : " ") +
-                           names);
+    throwIfBroken(brokenSignatures());
 }
 
 void Editor::createPart(const PartName& name, const ContentType& contentType, InputStream& content) {

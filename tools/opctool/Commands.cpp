@@ -7,9 +7,10 @@ namespace opctool {
 const std::vector<const Command*>& allCommands() {
     // clang-format off
     static const std::vector<const Command*> all{
-        &INFO, &LS, &RELS, &CAT, &PROPS, &CHECK, &EXPLAIN, &EXTERNAL, &ITEMS, &TYPE,
+        &INFO, &LS, &RELS, &CAT, &PROPS, &CHECK, &EXPLAIN, &EXTERNAL, &ITEMS, &TYPE, &GRAPH,
         &DIFF, &HASH, &FLAT, &GIT_SETUP,
         &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET, &APPLY,
+        &UNPACK, &PACK, &REPACK,
         &KEYGEN, &SIGN, &COUNTERSIGN, &UNSIGN, &VERIFY, &COVERAGE,
         &SCHEMA,
     };

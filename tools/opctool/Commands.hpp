@@ -40,6 +40,10 @@ extern const Command DIFF;
 extern const Command HASH;
 extern const Command FLAT;
 extern const Command GIT_SETUP;
+extern const Command GRAPH;
+extern const Command UNPACK;
+extern const Command PACK;
+extern const Command REPACK;
 extern const Command SCHEMA;
 /// @}
 

@@ -3,6 +3,7 @@
 #include "Command.hpp"
 #include "Messages.hpp"
 #include "Progress.hpp"
+#include "SourceDate.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -176,6 +177,8 @@ void Files::run(const Action& action, const Frame& frame) {
     const bool isPiped = options.target.empty() && options.isChange && selection.packages.front() == "-";
     if ((isPiped || options.target == "-") && options.output.format() != OutputOptions::Format::Text)
         throw CLI::ValidationError("--json", "doesn't fit with --output -, which takes standard output");
+    if (options.isChange)
+        takeSourceDate(options.reading.zip);
     Progress progress(options.isOneOfMany);
     OrderedOutput output(std::cout, std::cerr, progress, frame.between, WINDOW);
     Work work(*this, action, output, progress);
@@ -231,6 +234,7 @@ std::shared_ptr<Files> addChangedFile(CLI::App& command, const Command& own) {
 
 std::shared_ptr<Files> addNewFile(CLI::App& command, const Command& own) {
     auto files = std::make_shared<Files>();
+    files->options.isChange = true;
     files->options.command = &own;
     addPackage(command, *files, "The package's file; - is standard output")->required();
     addDryRun(command, files->options);

@@ -167,7 +167,8 @@ void declare(CLI::App& command) {
     for (CLI::Option* change : changes)
         change->group(group)->excludes(command.get_option("--json"))->excludes(command.get_option("--jsonl"));
     command.callback([files, arguments] {
-        if (arguments->changes())
+        files->options.isChange = arguments->changes();
+        if (files->options.isChange)
             files->requireOne("a change");
         else if (!files->options.target.empty())
             throw CLI::ValidationError("--output", "is for a change");

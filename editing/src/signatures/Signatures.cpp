@@ -50,6 +50,16 @@ std::string nameOf(const Part& part) {
 
 BreaksSignatures::~BreaksSignatures() = default;
 
+void throwIfBroken(const std::vector<std::string>& signatures) {
+    if (signatures.empty())
+        return;
+    std::string names;
+    for (const std::string& part : signatures)
+        names += (names.empty() ? "" : ", ") + part;
+    throw BreaksSignatures("This would break the signature" +
+                           std::string(signatures.size() > 1 ? "s " : " ") + names);
+}
+
 Signatures::Signatures(const Package& package) {
     visitTargets(package, package, SignaturePartKind::Origin, [&](const Part& origin) {
         if (!origins.insert(lowered(nameOf(origin))).second)

@@ -23,6 +23,10 @@ public:
     ~BreaksSignatures() override;
 };
 
+/// @param signatures  parts of signatures that changes break
+/// @throws BreaksSignatures  there are some
+OPC_EDITING_EXPORT void throwIfBroken(const std::vector<std::string>& signatures);
+
 /// The signatures of a package, in the standard's form and in that of `model::DigitalSignatureManager`: what they consist of
 /// and what each signs. A value type: it tells what was there when it was made. Names are compared without regard to the
 /// case of ASCII letters.

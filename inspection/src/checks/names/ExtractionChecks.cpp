@@ -1,8 +1,8 @@
 #include "checks/names/NameChecks.hpp"
 
 #include "checks/container/ContainerChecks.hpp"
-#include "checks/names/FoldedName.hpp"
 #include "subject/Names.hpp"
+#include <opc/inspection/FoldedName.hpp>
 
 #include "zip/src/ExtraFields.hpp"
 #include "zip/src/ExtractionNames.hpp"

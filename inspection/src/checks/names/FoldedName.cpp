@@ -1,4 +1,4 @@
-#include "checks/names/FoldedName.hpp"
+#include <opc/inspection/FoldedName.hpp>
 
 #include <opc/core/Text.hpp>
 

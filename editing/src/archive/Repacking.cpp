@@ -1,0 +1,171 @@
+#include <opc/editing/Repacking.hpp>
+
+#include "archive/HiddenContents.hpp"
+#include "archive/ItemOrder.hpp"
+#include "archive/PackageFaults.hpp"
+
+#include "zip/src/ArchiveStore.hpp"
+#include "zip/src/Failure.hpp"
+#include "zip/src/ItemName.hpp"
+#include "zip/src/ItemWriter.hpp"
+#include "zip/src/ReplacementFile.hpp"
+#include "zip/src/ZipContentReader.hpp"
+
+#include <opc/core/Exception.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <utility>
+
+namespace opc::editing {
+
+using namespace archive;
+using namespace physical::zip;
+using inspection::Archive;
+
+namespace {
+
+/// The content of an item of the old archive. It is expanded as it is read; reading from the start again begins anew.
+class OldContent : public ByteSource {
+public:
+    OldContent(ArchiveReader& archive, ItemIndex item) : archive(archive), item(item) {}
+
+    std::uint64_t size() const noexcept override { return archive.item(item).size; }
+
+    int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
+               std::size_t& got) noexcept override {
+        got = 0;
+        try {
+            if (!reader || offset < position)
+                start();
+            while (got < count && !reader->isDone())
+                got += static_cast<std::size_t>(reader->read(buffer + got, count - got));
+            position += got;
+            return 0;
+        } catch (...) {
+            failure = std::current_exception();
+            return EBADMSG;
+        }
+    }
+
+    std::exception_ptr failure; ///< why the last read has failed
+
+private:
+    void start() {
+        reader.emplace(archive, ItemRange{&item, &item + 1});
+        position = 0;
+    }
+
+    ArchiveReader& archive;
+    const ItemIndex item;
+    std::optional<ItemReader> reader;
+    std::uint64_t position = 0;
+};
+
+/// @param pattern  `*` stands for anything
+bool matches(std::string_view pattern, std::string_view name) {
+    std::size_t star = std::string_view::npos;
+    std::size_t retry = 0;
+    std::size_t p = 0;
+    std::size_t n = 0;
+    while (n < name.size())
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = p++;
+            retry = n;
+        } else if (p < pattern.size() && pattern[p] == name[n]) {
+            ++p;
+            ++n;
+        } else if (star != std::string_view::npos) {
+            p = star + 1;
+            n = ++retry;
+        } else {
+            return false;
+        }
+    return pattern.find_first_not_of('*', p) == std::string_view::npos;
+}
+
+class Repacking {
+public:
+    Repacking(const std::filesystem::path& package, const std::filesystem::path& target,
+              const RepackingOptions& options)
+        : package(package), target(target), options(options) {}
+
+    Repacked run() {
+        physical::ZipOptions reading = options.archive;
+        reading.lenient = true;
+        FileStore store(package);
+        const std::shared_ptr<ByteSource> source = store.read();
+        ArchiveReader old(source, store.place(), reading, ArchiveReader::HeaderCheck::Now);
+        result.sizeBefore = source->size();
+        ReplacementFile draft(target, target.string());
+        write(old, draft);
+        const Archive original(package, options.archive);
+        result.dropped = findHidden(original);
+        requireSound(draft.path(), options.archive, false,
+                     [&] { return findFaults(original, options.archive); });
+        result.sizeAfter = std::filesystem::file_size(draft.path());
+        if (options.isTrial)
+            return std::move(result);
+        draft.putInPlace();
+        draft.syncFolder();
+        return std::move(result);
+    }
+
+private:
+    void write(ArchiveReader& old, ByteTarget& draft) {
+        std::vector<ItemIndex> order(old.itemCount());
+        std::iota(order.begin(), order.end(), 0U);
+        std::stable_sort(order.begin(), order.end(), [&](ItemIndex left, ItemIndex right) {
+            return ItemOrder(old.item(left).name, options.archive.deterministic) <
+                   ItemOrder(old.item(right).name, options.archive.deterministic);
+        });
+        ItemWriter writer(&old, draft, target.string(), options.archive);
+        for (const ItemIndex item : order)
+            write(writer, old, item);
+        writer.finish();
+        result.items = writer.itemCount();
+    }
+
+    void write(ItemWriter& writer, ArchiveReader& old, ItemIndex index) const {
+        const DirectoryEntry& entry = old.item(index);
+        if (!whyUnreadable(entry).empty())
+            return writer.keep(index);
+        OldContent content(old, index);
+        try {
+            writer.write(
+                {entry.name, entry.rawName, content, methodFor(entry.name), std::max(options.level, 1)});
+        } catch (const Exception&) {
+            if (content.failure)
+                std::rethrow_exception(content.failure);
+            throw;
+        }
+        if (options.progress)
+            options.progress(entry.size);
+    }
+
+    std::uint16_t methodFor(std::string_view item) const {
+        const ItemName name = readItemName(item);
+        const std::string part = '/' + (name.partName.empty() ? std::string(item) : name.partName);
+        const bool isStored = std::any_of(options.stored.begin(), options.stored.end(),
+                                          [&](const std::string& pattern) { return matches(pattern, part); });
+        return isStored || options.level == 0 ? STORE : DEFLATE;
+    }
+
+    const std::filesystem::path& package;
+    const std::filesystem::path& target;
+    const RepackingOptions& options;
+    Repacked result;
+};
+
+} // namespace
+
+Repacked repack(const std::filesystem::path& package, const std::filesystem::path& target,
+                const RepackingOptions& options) {
+    return Repacking(package, target, options).run();
+}
+
+} // namespace opc::editing

@@ -1,0 +1,106 @@
+#include "ArchiveReports.hpp"
+#include "Commands.hpp"
+#include "Files.hpp"
+#include "Progress.hpp"
+#include "RepeatableOption.hpp"
+
+#include <opc/editing/Repacking.hpp>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+namespace opctool {
+
+namespace {
+
+using nlohmann::ordered_json;
+using opc::editing::Repacked;
+using opc::editing::RepackingOptions;
+
+void repack(FileRun& run, RepackingOptions options) {
+    options.archive = run.options().reading.zip;
+    options.isTrial = run.options().dryRun;
+    options.progress = [&run](std::uint64_t bytes) { run.progress().add(bytes); };
+    const std::string target = run.target().empty() ? run.path() : run.target();
+    const Repacked repacked = opc::editing::repack(run.path(), target, options);
+    if (run.wantsJSON()) {
+        run.json().add(ordered_json{{"before", repacked.sizeBefore},
+                                    {"after", repacked.sizeAfter},
+                                    {"items", repacked.items},
+                                    {"dropped", toJSON(repacked.dropped)}});
+        return;
+    }
+    remark(run, repacked.dropped, "is left out: ");
+    run.out() << repacked.sizeBefore << " bytes before, " << repacked.sizeAfter << " after\n";
+}
+
+void declare(CLI::App& command) {
+    const auto options = std::make_shared<RepackingOptions>();
+    const auto files = std::make_shared<Files>();
+    files->options.command = &REPACK;
+    files->options.isChange = true;
+    command
+        .add_option_function<std::string>(
+            "PACKAGE", [files](const std::string& path) { files->selection.packages = {path}; },
+            "The package's file")
+        ->required()
+        ->check(CLI::ExistingFile)
+        ->type_name("");
+    addReadOptions(command, files->options.reading);
+    addOutputOptions(command, files->options.output);
+    command
+        .add_option("-o,--output", files->options.target,
+                    "Write the package to this file, and leave PACKAGE as it is")
+        ->check([](const std::string& target) {
+            return std::string(target == "-" ? "A package is written to a file" : "");
+        })
+        ->type_name("FILE");
+    command
+        .add_option("--level", options->level, "From 1, the fastest, to 9, the smallest; 0 doesn't compress")
+        ->check(CLI::Range(0, 9))
+        ->type_name("N")
+        ->capture_default_str();
+    addRepeatable(&command, "--store", options->stored,
+                  "Don't compress parts with such names; * stands for anything, as in '*.png'")
+        ->type_name("GLOB");
+    command.add_flag("--deterministic", files->options.reading.zip.deterministic,
+                     "Write the same bytes for the same contents: items by name, with a fixed time");
+    addDryRun(command, files->options);
+    addJSONOptions(command, files->options.output);
+    command.callback([files, options] { files->run([&](FileRun& run) { repack(run, *options); }); });
+}
+
+} // namespace
+
+const Command REPACK{"repack",
+                     "Compress a package anew",
+                     declare,
+                     "The content types and the relationships of the package come first, by which other "
+                     "programs recognise a file. The "
+                     "contents stay the same. What stands beside them in the archive is left out and "
+                     "reported: comments, bytes between the "
+                     "items. What can't be read stays as it is.",
+                     "opctool repack report.docx -o small.docx --level 9\n"
+                     "opctool repack book.epub --store '*.png' --deterministic",
+                     "",
+                     R"({
+  "type": "object",
+  "required": ["before", "after", "items", "dropped"],
+  "properties": {
+    "before": {"description": "the size of the archive in bytes", "type": "integer"},
+    "after": {"type": "integer"},
+    "items": {"type": "integer"},
+    "dropped": {
+      "description": "what the archive had beside its contents",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["item", "what"],
+        "properties": {"item": {"description": "null for bytes that belong to none", "type": ["string", "null"]},
+                       "what": {"type": "string"}}
+      }
+    }
+  }
+})"};
+
+} // namespace opctool
