@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "OfficeProperties.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
 
@@ -21,6 +22,7 @@ namespace opctool {
 
 namespace {
 
+using opc::editing::PropertyKind;
 using opc::interfaces::OpenMode;
 using opc::model::CoreProperties;
 using opc::model::Package;
@@ -32,9 +34,35 @@ struct Arguments {
     std::vector<std::string> unset;
     std::vector<std::string> set;
     std::vector<std::string> keywords;
+    std::string type;
+    bool areCustom = false;
+    bool areExtended = false;
+    bool areLabels = false;
 
     bool changes() const { return clear || !unset.empty() || !set.empty() || !keywords.empty(); }
+    bool areOffice() const { return areCustom || areExtended || areLabels; }
+    PropertyKind kind() const { return areCustom ? PropertyKind::Custom : PropertyKind::Extended; }
+
+    /// @throws CLI::ValidationError  what is to be changed can't be
+    void check() const;
 };
+
+void require(const char* option, const std::string& problem) {
+    if (!problem.empty())
+        throw CLI::ValidationError(option, problem);
+}
+
+void Arguments::check() const {
+    require("--labels", areLabels && changes() ? "labels can only be read" : "");
+    require("--keyword", areOffice() && !keywords.empty() ? "it is for core properties" : "");
+    require("--type", !areCustom && !type.empty() ? "it is for custom properties" : "");
+    if (areOffice())
+        return;
+    for (const std::string& name : unset)
+        require("--unset", checkProperty(name));
+    for (const std::string& assignment : set)
+        require("--set", checkAssignment(assignment));
+}
 
 bool hasCoreProperties(const Package& package) {
     return !package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).empty();
@@ -83,7 +111,7 @@ void write(const FileRun& run, Package& package, const CoreProperties& propertie
         PackageHelper::mendCoreProperties(package, properties);
 }
 
-void print(FileRun& run) {
+void printCore(FileRun& run) {
     OpenedPackage package(run, OpenMode::ReadOnly);
     warnOfCorePropertiesOutOfReach(run, *package);
     const nlohmann::json description = describe(read(run, *package, "there are none"));
@@ -120,7 +148,16 @@ std::string findCorePropertiesPart(const Package& package) {
     return found.empty() ? "/" : opc::toUDEString(found.begin()->getTargetURI().toString());
 }
 
-void change(FileRun& run, const Arguments& arguments) {
+void print(FileRun& run, const Arguments& arguments) {
+    if (arguments.areLabels)
+        printLabels(run);
+    else if (arguments.areOffice())
+        printOfficeProperties(run, arguments.kind());
+    else
+        printCore(run);
+}
+
+void changeCore(FileRun& run, const Arguments& arguments) {
     EditedPackage package(run);
     warnOfCorePropertiesOutOfReach(run, *package);
     CoreProperties properties;
@@ -143,23 +180,49 @@ void change(FileRun& run, const Arguments& arguments) {
     package.finish();
 }
 
+void change(FileRun& run, const Arguments& arguments) {
+    if (arguments.areOffice())
+        changeOfficeProperties(run, arguments.kind(),
+                               {arguments.clear, arguments.unset, arguments.set, arguments.type});
+    else
+        changeCore(run, arguments);
+}
+
+void declareKinds(CLI::App& command, Arguments& arguments) {
+    CLI::Option* const custom = command.add_flag(
+        "--custom", arguments.areCustom, "Those that people and systems have added, with their types");
+    CLI::Option* const extended = command.add_flag("--extended", arguments.areExtended,
+                                                   "What the program tells of itself and of the document");
+    command
+        .add_flag("--labels", arguments.areLabels,
+                  "Sensitivity labels, which are among the custom properties")
+        ->excludes(custom)
+        ->excludes(extended);
+    custom->excludes(extended);
+}
+
 void declare(CLI::App& command) {
     const auto arguments = std::make_shared<Arguments>();
     const auto files = addFiles(command, PROPS);
     addTarget(command, files->options);
     addDryRun(command, files->options);
     addSignatureOption(command, files->options);
+    declareKinds(command, *arguments);
     const char* const group = "Changes, to one package";
     std::vector<CLI::Option*> changes{
         command.add_flag("--clear", arguments->clear, "First drop all properties"),
         addRepeatable(&command, "--unset", arguments->unset, "Drop one property; done before --set")
-            ->check(checkProperty)
             ->type_name("NAME"),
         addRepeatable(&command, "--set", arguments->set,
                       "Set one property. A time is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
                       "2024-02-29T13:45:59+01:00 …)")
-            ->check(checkAssignment)
             ->type_name("NAME=VALUE"),
+        command
+            .add_option(
+                "--type", arguments->type,
+                "The type of custom properties that are set: lpwstr, i4, r8, bool, filetime …; without it, "
+                "the old one, or lpwstr, which is text")
+            ->type_name("TYPE"),
         addRepeatable(&command, "--keyword", arguments->keywords,
                       "A keyword. The given keywords replace all old ones. Write a colon at the end if TEXT "
                       "has a colon and no language")
@@ -167,6 +230,7 @@ void declare(CLI::App& command) {
     for (CLI::Option* change : changes)
         change->group(group)->excludes(command.get_option("--json"))->excludes(command.get_option("--jsonl"));
     command.callback([files, arguments] {
+        arguments->check();
         files->options.isChange = arguments->changes();
         if (files->options.isChange)
             files->requireOne("a change");
@@ -175,39 +239,72 @@ void declare(CLI::App& command) {
         else if (files->options.dryRun || files->options.breakSignatures)
             throw CLI::ValidationError(files->options.dryRun ? "--dry-run" : "--break-signatures",
                                        "is for a change");
-        files->run(
-            [&arguments](FileRun& run) { arguments->changes() ? change(run, *arguments) : print(run); });
+        files->run([&arguments](FileRun& run) {
+            arguments->changes() ? change(run, *arguments) : print(run, *arguments);
+        });
     });
 }
 
 } // namespace
 
 const Command PROPS{"props",
-                    "Print the core properties, or change them",
+                    "Print core, custom or extended properties, or change them",
                     declare,
                     "",
                     "opctool props report.docx\n"
                     "opctool props report.docx --set title='The report' --set modified=now\n"
-                    "opctool props report.docx --clear -o clean.docx",
+                    "opctool props report.docx --clear -o clean.docx\n"
+                    "opctool props report.docx --custom --set Approved=true --type bool",
                     "",
                     R"({
-  "type": "object",
-  "description": "the properties that are present",
-  "properties": {
-    "category": {"type": "string"}, "contentStatus": {"type": "string"}, "created": {"type": "string"},
-    "creator": {"type": "string"}, "description": {"type": "string"}, "identifier": {"type": "string"},
-    "keywords": {
-      "type": "array",
-      "items": {
-        "type": "object",
-        "required": ["text"],
-        "properties": {"text": {"type": "string"}, "language": {"type": "string"}}
+  "anyOf": [
+    {
+      "type": "object",
+      "description": "the properties that are present",
+      "properties": {
+        "category": {"type": "string"}, "contentStatus": {"type": "string"}, "created": {"type": "string"},
+        "creator": {"type": "string"}, "description": {"type": "string"}, "identifier": {"type": "string"},
+        "keywords": {
+          "type": "array",
+          "items": {
+            "type": "object",
+            "required": ["text"],
+            "properties": {"text": {"type": "string"}, "language": {"type": "string"}}
+          }
+        },
+        "language": {"type": "string"}, "lastModifiedBy": {"type": "string"}, "lastPrinted": {"type": "string"},
+        "modified": {"type": "string"}, "revision": {"type": "string"}, "subject": {"type": "string"},
+        "title": {"type": "string"}, "version": {"type": "string"}
       }
     },
-    "language": {"type": "string"}, "lastModifiedBy": {"type": "string"}, "lastPrinted": {"type": "string"},
-    "modified": {"type": "string"}, "revision": {"type": "string"}, "subject": {"type": "string"},
-    "title": {"type": "string"}, "version": {"type": "string"}
-  }
+    {
+      "type": "array",
+      "description": "custom or extended properties",
+      "items": {
+        "type": "object",
+        "required": ["name", "type", "value"],
+        "properties": {
+          "name": {"type": "string"},
+          "type": {"description": "as the variant types call it: lpwstr, i4, bool, vector …", "type": "string"},
+          "value": {"type": "string"},
+          "items": {"description": "of a list", "type": "array"},
+          "linkTarget": {"description": "the place in the document that it comes from", "type": "string"}
+        }
+      }
+    },
+    {
+      "type": "array",
+      "description": "sensitivity labels",
+      "items": {
+        "type": "object",
+        "required": ["label", "settings"],
+        "properties": {
+          "label": {"description": "its id", "type": "string"},
+          "settings": {"type": "object", "additionalProperties": {"type": "string"}}
+        }
+      }
+    }
+  ]
 })"};
 
 } // namespace opctool

@@ -1,31 +1,33 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
+
 #include <string>
 #include <string_view>
 
 namespace opc::inspection {
 
 /// The text in UTF-8; characters that aren't well-formed become U+FFFD.
-std::string narrow(std::u16string_view text);
+OPC_INSPECTION_EXPORT std::string narrow(std::u16string_view text);
 
 /// With A to Z as a to z, and nothing else changed.
-std::string toLowerASCII(std::string_view text);
+OPC_INSPECTION_EXPORT std::string toLowerASCII(std::string_view text);
 
-bool equalsCaseless(std::string_view left, std::string_view right);
+OPC_INSPECTION_EXPORT bool equalsCaseless(std::string_view left, std::string_view right);
 
 /// What names of parts are compared by, wherever they stand: two are the same part if they have the same key. Letter case
 /// doesn't count [M1.12], and a character that a part name can't hold is as good as its percent-encoding.
-std::string keyOfName(std::string_view name);
+OPC_INSPECTION_EXPORT std::string keyOfName(std::string_view name);
 
 /// Whether there is an ASCII character that a part name can't hold, such as a blank or `?`. Characters beyond ASCII stand for
 /// their percent-encoding.
-bool hasOddCharacter(std::string_view name);
+OPC_INSPECTION_EXPORT bool hasOddCharacter(std::string_view name);
 
 /// Whether a part of this name is a relationships part, in whatever letter case it stands.
-bool isRelationshipsName(std::string_view name);
+OPC_INSPECTION_EXPORT bool isRelationshipsName(std::string_view name);
 
 /// The name of the part that a relationships part belongs to; "/" for the package.
 /// @param name  `isRelationshipsName`
-std::string sourceOfRelationships(std::string_view name);
+OPC_INSPECTION_EXPORT std::string sourceOfRelationships(std::string_view name);
 
 } // namespace opc::inspection

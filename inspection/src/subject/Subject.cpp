@@ -21,11 +21,6 @@ namespace {
 constexpr std::string_view MAIN_SEGMENTS[] = {"officeDocument", "document", "fixedrepresentation", "3dmodel",
                                               "manifest"};
 
-bool isMain(const RelationshipView& entry) {
-    return !entry.isExternal && std::find(std::begin(MAIN_SEGMENTS), std::end(MAIN_SEGMENTS),
-                                          entry.lastSegment()) != std::end(MAIN_SEGMENTS);
-}
-
 std::string_view behindLast(std::string_view text, char mark) {
     return text.substr(text.rfind(mark) + 1);
 }
@@ -45,12 +40,18 @@ std::string_view RelationshipView::lastSegment() const {
     return behindLast(trimmed(type), '/');
 }
 
+bool leadsToMainPart(const RelationshipView& entry) {
+    return !entry.isExternal && std::find(std::begin(MAIN_SEGMENTS), std::end(MAIN_SEGMENTS),
+                                          entry.lastSegment()) != std::end(MAIN_SEGMENTS);
+}
+
 class Subject::Impl {
 public:
     explicit Impl(const Archive& archive)
         : archive(archive), parts(archive), contentTypes(archive, parts), relationships(archive, parts) {
         if (const RelationshipsView* const ofPackage = relationships.find("/")) {
-            const auto found = std::find_if(ofPackage->entries.begin(), ofPackage->entries.end(), isMain);
+            const auto found =
+                std::find_if(ofPackage->entries.begin(), ofPackage->entries.end(), leadsToMainPart);
             mainPart = found == ofPackage->entries.end() ? nullptr : found->part;
         }
     }
@@ -76,6 +77,9 @@ const DocumentState& Subject::contentTypesDocument() const {
 }
 const std::vector<ContentTypeEntry>& Subject::contentTypes() const {
     return impl->contentTypes.entries;
+}
+const std::vector<const ArchiveItem*>& Subject::contentTypesItems() const {
+    return impl->parts.contentTypes();
 }
 const std::vector<PartView>& Subject::parts() const {
     return impl->parts.parts();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
 #include <opc/inspection/Format.hpp>
 
 #include <cstdint>
@@ -24,8 +25,10 @@ struct PartView {
     bool isKnownWhole = false;         ///< its content was read to the end already, and isn't damaged
 
     bool isRelationships() const { return hasRelationshipsName; }
-    std::string_view extension() const; ///< behind the last dot of the last segment, as it stands
-    std::string mediaType() const;      ///< the content type without parameters, in lower case
+    OPC_INSPECTION_EXPORT std::string_view
+    extension() const; ///< behind the last dot of the last segment, as it stands
+    OPC_INSPECTION_EXPORT std::string
+    mediaType() const; ///< the content type without parameters, in lower case
 };
 
 /// An entry of the content types stream, also one that breaks rules.
@@ -72,9 +75,12 @@ struct RelationshipView {
     bool isExternal = false;
     std::string
         resolved; ///< internal: the part name that it leads to, without fragment and query; else empty
-    const PartView* part = nullptr;       ///< internal: the part there; null if there is none
-    std::string_view lastSegment() const; ///< of the type, behind the last slash
+    const PartView* part = nullptr; ///< internal: the part there; null if there is none
+    OPC_INSPECTION_EXPORT std::string_view lastSegment() const; ///< of the type, behind the last slash
 };
+
+/// Whether a relationship of the package leads to its main part, by its type: the format follows from it.
+OPC_INSPECTION_EXPORT bool leadsToMainPart(const RelationshipView& entry);
 
 /// A relationships part and what stands in it.
 struct RelationshipsView {
@@ -87,7 +93,7 @@ struct RelationshipsView {
 
 /// A package as the checks see it: whatever can be made out of its archive, whether or not the model opens it.
 /// All views live as long as this object.
-class Subject {
+class OPC_INSPECTION_EXPORT Subject {
 public:
     /// @param archive  must outlive this object
     Subject(const Archive& archive, const physical::ZipOptions& limits);
@@ -97,6 +103,8 @@ public:
 
     const DocumentState& contentTypesDocument() const;
     const std::vector<ContentTypeEntry>& contentTypes() const;
+    /// The items of the content types stream: one, or its pieces in their order; none if there is no stream.
+    const std::vector<const ArchiveItem*>& contentTypesItems() const;
 
     const std::vector<PartView>& parts() const;
     const PartView* findPart(std::string_view name) const; ///< without regard to the case of ASCII letters

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -7,7 +9,7 @@ namespace opc::inspection {
 
 /// A reference by RFC 3986, taken apart by its appendix B: whatever it is, it can be taken apart.
 struct Reference {
-    explicit Reference(std::string_view text);
+    OPC_INSPECTION_EXPORT explicit Reference(std::string_view text);
 
     bool hasScheme = false, hasAuthority = false, hasQuery = false, hasFragment = false;
     std::string_view scheme, authority, path, query, fragment;
@@ -17,12 +19,12 @@ struct Reference {
 /// around the target doesn't count.
 /// @param source  the name of the source part, or "/"
 /// @return empty for a target with a scheme or an authority, or that leads to the package itself
-std::string resolveTarget(std::string_view source, std::string_view target);
+OPC_INSPECTION_EXPORT std::string resolveTarget(std::string_view source, std::string_view target);
 
 /// Whether a target has more `..` than its source has folders.
 bool climbsAboveRoot(std::string_view source, std::string_view target);
 
 /// A text without the white space around it.
-std::string_view trimmed(std::string_view text);
+OPC_INSPECTION_EXPORT std::string_view trimmed(std::string_view text);
 
 } // namespace opc::inspection

@@ -3,6 +3,8 @@
 #include "DocumentText.hpp"
 #include "Markup.hpp"
 
+#include <opc/physical/LenientExport.hpp>
+
 #include <optional>
 
 namespace opc::interfaces {
@@ -21,7 +23,7 @@ bool hasTooMuchMarkup(const Bytes& document);
 bool hasDocumentType(const Bytes& document);
 
 /// A well-formed document, with its text and its elements.
-class Document {
+class OPC_LENIENT_EXPORT Document {
 public:
     /// @throws Exception  the document isn't well-formed by the model's own rules, or has too much markup
     explicit Document(const Bytes& bytes);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/LenientExport.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace opc::physical::lenient {
 using Bytes = std::vector<unsigned char>;
 
 /// The text of a document, and its encoding: UTF-8 or UTF-16, with or without a byte order mark.
-class DocumentText {
+class OPC_LENIENT_EXPORT DocumentText {
 public:
     /// @return nothing if the bytes aren't well-formed in the encoding that their beginning indicates
     static std::optional<DocumentText> decode(const Bytes& bytes);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/LenientExport.hpp>
+
 #include <cstddef>
 #include <set>
 #include <string>
@@ -23,7 +25,7 @@ struct Attribute {
     std::u16string_view rawValue;     ///< as it is between the quotes
 
     /// With references resolved, and with blanks instead of line breaks and tabs (XML 1.0 section 3.3.3).
-    std::u16string value() const;
+    OPC_LENIENT_EXPORT std::u16string value() const;
 
     bool isDeclaration() const { return prefix.empty() ? localName == u"xmlns" : prefix == u"xmlns"; }
 
@@ -64,7 +66,7 @@ inline bool isMarkupSpace(char16_t unit) {
 }
 
 /// The elements of a document, with their positions in its text.
-class Markup {
+class OPC_LENIENT_EXPORT Markup {
 public:
     /// The attributes of one element.
     struct Attributes {

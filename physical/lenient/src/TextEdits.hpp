@@ -2,6 +2,8 @@
 
 #include "Markup.hpp"
 
+#include <opc/physical/LenientExport.hpp>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +11,7 @@
 namespace opc::physical::lenient {
 
 /// Changes of a text, which are collected and then made together.
-class TextEdits {
+class OPC_LENIENT_EXPORT TextEdits {
 public:
     /// Replaces a piece, which may be empty, by `replacement`. An insertion stays if the text around it is removed.
     /// Insertions at one place are in the order of the calls.
