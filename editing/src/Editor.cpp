@@ -52,7 +52,7 @@ Editor::Editor(Package& package) : edited(package), signaturesBefore(package) {
 }
 
 void Editor::throwIfSignaturesAreBroken() const {
-    throwIfBroken(brokenSignatures());
+    signaturesBefore.throwIfBrokenBy(made);
 }
 
 void Editor::createPart(const PartName& name, const ContentType& contentType, InputStream& content) {

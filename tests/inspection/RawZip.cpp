@@ -1,5 +1,7 @@
 #include "RawZip.hpp"
 
+#include "Mendable.hpp"
+
 #include <algorithm>
 
 namespace opc::test {
@@ -69,6 +71,7 @@ Bytes packageWith(const std::vector<RawItem>& items) {
 }
 
 std::vector<std::string> findingsOf(const Bytes& package, const inspection::InspectionOptions& options) {
+    expectMends(package, options);
     std::vector<std::string> lines;
     for (const auto& [rule, severity, place, message, hint] :
          inspection::inspect(inspection::Archive(package, options.limits), options).findings) {
@@ -89,6 +92,7 @@ std::vector<std::string> findingsOf(const Bytes& package, unsigned profiles) {
 std::string brokenRules(const Bytes& package, unsigned profiles, bool infos) {
     inspection::InspectionOptions options;
     options.profiles = profiles;
+    expectMends(package, options);
     std::vector<std::string> ids;
     for (const auto& finding : inspection::inspect(inspection::Archive(package), options).findings) {
         const std::string id(finding.rule->id);

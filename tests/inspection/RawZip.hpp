@@ -28,12 +28,12 @@ RawItem relationshipsWith(const std::string& elements, const std::string& name =
 extern const char* const TO_DOCUMENT;
 
 /// What an inspection finds: a line for each, `error M1.6 /part#rId: message`, in the order of the report. In front of the
-/// message stands the part, the item or nothing.
+/// message stands the part, the item or nothing. Each package is mended as well: see `expectMends`.
 std::vector<std::string> findingsOf(const Bytes& package, unsigned profiles = inspection::EVERY_PROFILE);
 std::vector<std::string> findingsOf(const Bytes& package, const inspection::InspectionOptions& options);
 
 /// The ids of the rules that it breaks, each once, in the order of the report, separated by blanks; without rules that
-/// only tell about the package (severity info), unless `infos`.
+/// only tell about the package (severity info), unless `infos`. The package is mended as well.
 std::string brokenRules(const Bytes& package, unsigned profiles = inspection::EVERY_PROFILE,
                         bool infos = false);
 

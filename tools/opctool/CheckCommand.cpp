@@ -41,16 +41,6 @@ std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments, bool colore
     return makeTextReport(colored);
 }
 
-unsigned profilesOf(const std::vector<std::string>& names) {
-    unsigned profiles = 0;
-    for (const std::string& name : names)
-        profiles |= name == "opc"        ? OPC
-                    : name == "security" ? SECURITY
-                    : name == "office"   ? OFFICE
-                                         : EVERY_PROFILE;
-    return names.empty() ? unsigned{OPC} : profiles;
-}
-
 void inspectFile(FileRun& run, const Arguments& arguments, const std::optional<Baseline>& baseline,
                  InspectedFile& file) {
     const Archive archive = openArchive(run);
@@ -128,10 +118,7 @@ private:
 void declare(CLI::App& command) {
     const auto arguments = std::make_shared<Arguments>();
     const auto files = addFiles(command, CHECK);
-    addRepeatable(&command, "--profile", arguments->profiles,
-                  "Check by these rules: opc (the default), security, office, all")
-        ->check(CLI::IsMember({"opc", "security", "office", "all"}))
-        ->type_name("NAME");
+    addProfiles(command, arguments->profiles);
     addRepeatable(&command, "--rule", arguments->inspection.only, "Check by this rule alone")
         ->check(isRule())
         ->type_name("RULE");

@@ -9,7 +9,7 @@ const std::vector<const Command*>& allCommands() {
     static const std::vector<const Command*> all{
         &INFO, &LS, &RELS, &CAT, &PROPS, &CHECK, &EXPLAIN, &EXTERNAL, &ITEMS, &TYPE, &GRAPH,
         &DIFF, &HASH, &FLAT, &GIT_SETUP,
-        &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET, &APPLY,
+        &NEW, &ADD, &PUT, &RM, &RELATE, &UNRELATE, &MV, &GC, &RETYPE, &RETARGET, &APPLY, &FIX, &CLEAN,
         &UNPACK, &PACK, &REPACK,
         &KEYGEN, &SIGN, &COUNTERSIGN, &UNSIGN, &VERIFY, &COVERAGE,
         &SCHEMA,

@@ -33,6 +33,8 @@ extern const Command VERIFY;
 extern const Command COVERAGE;
 extern const Command CHECK;
 extern const Command EXPLAIN;
+extern const Command FIX;
+extern const Command CLEAN;
 extern const Command EXTERNAL;
 extern const Command ITEMS;
 extern const Command TYPE;

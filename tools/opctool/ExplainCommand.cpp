@@ -8,6 +8,7 @@
 #include "TerminalText.hpp"
 #include "Wrapping.hpp"
 
+#include <opc/editing/Mending.hpp>
 #include <opc/inspection/Rule.hpp>
 
 #include <CLI/CLI.hpp>
@@ -47,7 +48,8 @@ ordered_json toJSON(const Rule& rule) {
             {"cause", rule.cause},
             {"writers", rule.writers},
             {"readers", rule.readers},
-            {"remedy", rule.remedy}};
+            {"remedy", rule.remedy},
+            {"fix", opc::editing::mendsOf(rule.id)}};
 }
 
 std::vector<const Rule*> allRules() {
@@ -79,6 +81,7 @@ void print(const Rule& rule) {
     printParagraph("Written by", rule.writers);
     printParagraph("Readers", rule.readers);
     printParagraph("What to do", rule.remedy);
+    printParagraph("What fix does", opc::editing::mendsOf(rule.id));
 }
 
 void list() {

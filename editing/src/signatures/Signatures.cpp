@@ -1,5 +1,7 @@
 #include <opc/editing/Signatures.hpp>
 
+#include "subject/Subject.hpp"
+
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/model/Package.hpp>
@@ -76,6 +78,45 @@ Signatures::Signatures(const Package& package) {
                          [&](const Part& certificate) { own.insert(lowered(nameOf(certificate))); });
         });
     });
+}
+
+Signatures::Signatures(const inspection::Archive& archive) {
+    const inspection::Subject subject(archive, {});
+    const auto visit = [&subject](std::string_view source, SignaturePartKind kind, const auto& use) {
+        const inspection::RelationshipsView* const view = subject.relationshipsOf(source);
+        if (view == nullptr)
+            return;
+        for (const inspection::RelationshipView& entry : view->entries)
+            if (entry.part != nullptr && inspection::targetOfSignatureType(entry.type) == kind)
+                use(*entry.part);
+    };
+    visit("/", SignaturePartKind::Origin, [&](const inspection::PartView& origin) {
+        if (!origins.insert(lowered(origin.name)).second)
+            return;
+        own.insert(lowered(origin.name));
+        visit(origin.name, SignaturePartKind::Signature, [&](const inspection::PartView& signature) {
+            if (!own.insert(lowered(signature.name)).second)
+                return;
+            try {
+                found.push_back({signature.name, inspection::SignatureExtent(*subject.open(signature))});
+            } catch (const Exception&) {
+                return; // it can't be read
+            }
+            visit(signature.name, SignaturePartKind::Certificate,
+                  [&](const inspection::PartView& certificate) { own.insert(lowered(certificate.name)); });
+        });
+    });
+}
+
+void Signatures::throwIfBrokenBy(const std::vector<Change>& changes) const {
+    const std::vector<std::string> broken = brokenBy(changes);
+    if (broken.empty())
+        return;
+    std::string names;
+    for (const std::string& part : broken)
+        names += (names.empty() ? "" : ", ") + part;
+    throw BreaksSignatures("This would break the signature" + std::string(broken.size() > 1 ? "s " : " ") +
+                           names);
 }
 
 bool Signatures::consistOf(const std::string& part) const {

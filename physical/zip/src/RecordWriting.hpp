@@ -2,6 +2,8 @@
 
 #include "ArchiveDirectory.hpp"
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -32,7 +34,7 @@ void appendRecord(std::string& directory, const DirectoryEntry& entry, std::uint
 void appendMovedRecord(std::string& directory, std::string_view record, std::uint64_t offset);
 
 /// The records after the directory.
-std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset, std::uint64_t directorySize,
-                       const std::string& comment);
+OPC_ZIP_EXPORT std::string endRecords(std::uint64_t itemCount, std::uint64_t directoryOffset,
+                                      std::uint64_t directorySize, const std::string& comment);
 
 } // namespace opc::physical::zip

@@ -14,6 +14,10 @@ namespace opc::model {
 class Package;
 }
 
+namespace opc::inspection {
+class Archive;
+}
+
 namespace opc::editing {
 
 /// A change would break signatures. The message names them.
@@ -36,6 +40,9 @@ public:
     /// @param package  open
     explicit Signatures(const model::Package& package);
 
+    /// The same for a package that no model needs to open.
+    explicit Signatures(const inspection::Archive& archive);
+
     bool areNone() const { return found.empty(); }
 
     /// Whether the part is one of the signatures themselves: their origin, a signature, or a certificate.
@@ -47,6 +54,9 @@ public:
     /// The signature parts of those that don't hold any more after the changes, in the order of the package. Whether they
     /// have held before isn't asked.
     std::vector<std::string> brokenBy(const std::vector<Change>& changes) const;
+
+    /// @throws BreaksSignatures  the changes break some
+    void throwIfBrokenBy(const std::vector<Change>& changes) const;
 
 private:
     struct Signature {

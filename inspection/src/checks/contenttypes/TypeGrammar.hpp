@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -15,6 +17,6 @@ struct TypeDefect {
 };
 
 /// What is wrong with a content type, by RFC 2616 section 3.7 and the rules [M1.13] to [M1.15] and [M1.22].
-TypeDefect findTypeDefect(const std::string& contentType);
+OPC_INSPECTION_EXPORT TypeDefect findTypeDefect(const std::string& contentType);
 
 } // namespace opc::inspection

@@ -3,14 +3,16 @@
 #include "checks/Findings.hpp"
 #include "subject/Subject.hpp"
 
+#include <opc/inspection/Export.hpp>
+
 namespace opc::inspection {
 
 /// By the type of the standard, or by that of ECMA-376 Part 1.
-bool isCoreProperties(const RelationshipView& entry);
-bool isThumbnail(const RelationshipView& entry);
+OPC_INSPECTION_EXPORT bool isCoreProperties(const RelationshipView& entry);
+OPC_INSPECTION_EXPORT bool isThumbnail(const RelationshipView& entry);
 
 /// Whether a type is one of office documents: `lastSegment` then tells which, in transitional and in strict documents.
-bool isOfficeType(std::string_view type);
+OPC_INSPECTION_EXPORT bool isOfficeType(std::string_view type);
 
 /// Whether it isn't known what the relationships lead to; another rule tells why.
 bool isUnread(const RelationshipsView& view);

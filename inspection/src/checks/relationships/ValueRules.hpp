@@ -1,5 +1,6 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
 #include <opc/inspection/Rule.hpp>
 
 #include <string>
@@ -8,7 +9,7 @@
 namespace opc::inspection {
 
 /// Whether a text is an xsd:ID.
-bool isValidID(std::string_view id);
+OPC_INSPECTION_EXPORT bool isValidID(std::string_view id);
 
 /// What is wrong with the type of a relationship, as a sentence; empty if nothing is.
 /// @param type  not empty
@@ -21,6 +22,6 @@ struct URIDefect {
 };
 
 /// @param isLoose  characters that can't stand in a URI, but do in many, are no defect
-URIDefect findURIDefect(std::string_view reference, bool isLoose);
+OPC_INSPECTION_EXPORT URIDefect findURIDefect(std::string_view reference, bool isLoose);
 
 } // namespace opc::inspection

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
+
 #include <string_view>
 
 namespace opc::inspection {
@@ -24,7 +26,7 @@ enum class ContentKind {
     Shortcut
 };
 
-ContentKind kindOf(std::string_view head);
+OPC_INSPECTION_EXPORT ContentKind kindOf(std::string_view head);
 
 /// What a content type promises.
 /// @param mediaType  without parameters, in lower case

@@ -1,0 +1,75 @@
+"""Commands that mend packages, and that take metadata out of them."""
+import unittest
+
+from opctool_case import OpctoolCase
+
+TYPES = 'http://schemas.openxmlformats.org/officeDocument/2006/relationships/'
+
+
+class Mending(OpctoolCase):
+    def setUp(self):
+        super().setUp()
+        self.write('a', 'x')
+        self.do('new p.zip', 'add p.zip /a.bin a --type a/b', 'relate p.zip / urn:t /a.bin --id a',
+                'relate p.zip / urn:t /gone.bin --id gone')
+
+    def test_says_what_it_does_and_what_it_leaves(self):
+        line = 'SEC-17 /_rels/.rels#gone: The relationship is taken out\n'
+        before = self.read('p.zip')
+        self.assertEqual(self.run_tool('fix p.zip -n'), (0, line, ''))
+        self.assertEqual(self.run_tool('fix p.zip -o q.zip'), (0, line, ''))
+        self.assertEqual(self.run_tool('fix - -n <p.zip'), (0, line, ''))
+        self.assertEqual(self.read('p.zip'), before)
+        self.assertEqual(self.shell('$OPCTOOL fix - <p.zip >r.zip'), (0, '', line))
+        self.assertEqual(self.read('r.zip'), self.read('q.zip'))
+        self.assertEqual([one['id'] for one in self.list('rels q.zip')], ['a'])
+        [(status, [envelope])] = [self.envelopes('fix p.zip -n --no-rule SEC-17 --profile security', '--json=2')]
+        self.assertEqual(status, 0)
+        self.assertEqual(envelope['result']['changes'], [])
+        self.assertEqual(self.run_tool('fix p.zip'), (0, line, ''))
+        self.assertEqual(self.run_tool('fix p.zip'), (0, '', ''))
+        self.assertEqual(self.read('p.zip'), self.read('q.zip'))
+        self.write('p.zip', 'no package')
+        self.assertEqual(self.run_tool('fix p.zip').output[:27], 'left: SEC-57 The file is no')
+        self.assertEqual(self.run_tool('fix p.zip').status, 1)
+        self.assertEqual(self.read('p.zip'), b'no package')
+
+    def test_clean_lists_what_goes_and_what_remains(self):
+        self.do('props p.zip --set creator=me', 'props p.zip --custom --set a=b', 'props p.zip --extended --set Company=c')
+        [status, [envelope]] = self.envelopes('clean p.zip --dry-run', '--json=2')
+        self.assertEqual([one['place'] for one in envelope['result']['changes'] if one['kind'] == 'part-removed'],
+                         ['/metadata/coreProperties.xml', '/docProps/custom.xml', '/docProps/app.xml'])
+        self.assertEqual([one['rule'] for one in envelope['result']['remaining']], ['SEC-58'])
+        result = self.shell('$OPCTOOL clean - --custom <p.zip >q.zip')
+        self.assertIn('remove /docProps/custom.xml', result.errors)
+        self.assertEqual(self.list('props q.zip'), {'creator': 'me'})
+        self.do('clean p.zip')
+        self.assertEqual([one['name'] for one in self.list('ls p.zip')], ['/a.bin'])
+
+    def test_custom_and_extended_properties_are_changed_and_printed(self):
+        self.do('props p.zip --custom --set Yes=true --type bool', "props p.zip --custom --set Yes=0 --set 'A b=c=d'",
+                'props p.zip --extended --set Pages=3')
+        self.assertEqual(self.list('props p.zip --custom'), [{'name': 'Yes', 'type': 'bool', 'value': '0'},
+                                                             {'name': 'A b', 'type': 'lpwstr', 'value': 'c=d'}])
+        self.envelopes('props p.zip --custom')
+        self.assertEqual(self.do('props p.zip --extended'), 'PROPERTY  TYPE  VALUE\nPages     i4    3\n')
+        before = self.read('p.zip')
+        for arguments, error in (('--custom --set a=x --type i4', "--set: a=x isn't a whole number"),
+                                 ('--custom --set a=x --type vector', "--set: a=x has a type that can't be set"),
+                                 ('--custom --set Yes=maybe', "--set: Yes=maybe isn't true or false"),
+                                 ('--custom --set a', "--set: a isn't NAME=VALUE"),
+                                 ('--extended --set Pagse=1', "--set: Pagse isn't an extended property"),
+                                 ('--extended --set Pages=1 --type i4', '--type: it is for custom properties'),
+                                 ('--labels --clear', '--labels: labels can only be read'),
+                                 ('--custom --keyword a', '--keyword: it is for core properties'),
+                                 ('--custom --extended', '--custom excludes --extended')):
+            outcome = self.run_tool('props p.zip ' + arguments)
+            self.assertEqual(outcome.status, 2, outcome.errors)
+            self.assertIn(error, outcome.errors)
+        self.assertEqual(self.read('p.zip'), before)
+        self.do('props p.zip --custom --clear --set MSIP_Label_1_Name=Secret')
+        self.assertEqual(self.list('props p.zip --labels'), [{'label': '1', 'settings': {'Name': 'Secret'}}])
+
+
+if __name__ == '__main__':
+    unittest.main()

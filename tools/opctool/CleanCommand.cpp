@@ -1,0 +1,165 @@
+#include "ArchiveFile.hpp"
+#include "ChangeText.hpp"
+#include "Commands.hpp"
+#include "EditedPackage.hpp"
+#include "Files.hpp"
+
+#include <opc/editing/Cleaning.hpp>
+#include <opc/editing/Editor.hpp>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace opctool {
+
+namespace {
+
+using namespace opc::editing;
+using nlohmann::ordered_json;
+using opc::inspection::Archive;
+using opc::inspection::Finding;
+using opc::interfaces::OpenMode;
+
+struct Arguments {
+    CleaningOptions what{false, false, false, false};
+    bool all = false;
+
+    CleaningOptions chosen() const {
+        const bool isNone = !what.core && !what.extended && !what.custom && !what.thumbnails;
+        return all || isNone ? CleaningOptions() : what;
+    }
+};
+
+/// What standard input gives, for whoever reads it next.
+class InputAgain {
+public:
+    InputAgain()
+        : content(std::string(std::istreambuf_iterator<char>(std::cin), {})), old(std::cin.rdbuf(&content)) {}
+    InputAgain(const InputAgain&) = delete;
+    InputAgain& operator=(const InputAgain&) = delete;
+    ~InputAgain() { std::cin.rdbuf(old); }
+
+    Archive archive(const opc::physical::ZipOptions& limits) const {
+        const std::string bytes = content.str();
+        return Archive(std::vector<unsigned char>(bytes.begin(), bytes.end()), limits);
+    }
+
+private:
+    std::stringbuf content;
+    std::streambuf* old;
+};
+
+std::string nameOf(const Finding& finding) {
+    const std::string& name = finding.place.part.empty() ? finding.place.item : finding.place.part;
+    return name + (finding.place.relationship.empty() ? "" : '#' + finding.place.relationship);
+}
+
+void print(std::ostream& output, const std::vector<Change>& changes, const std::vector<Finding>& remaining) {
+    for (const Change& change : changes)
+        output << describe(change) << '\n';
+    for (const Finding& finding : remaining) {
+        const std::string name = nameOf(finding);
+        output << "remains: " << finding.rule->id << ' ' << name << (name.empty() ? "" : ": ")
+               << finding.message << '\n';
+    }
+}
+
+ordered_json toResult(const Editor& editor, const std::vector<Finding>& remaining, bool isDryRun) {
+    ordered_json changes = ordered_json::array();
+    for (const Change& change : editor.changes())
+        changes.push_back(toJSON(change));
+    ordered_json left = ordered_json::array();
+    for (const Finding& finding : remaining)
+        left.push_back(
+            {{"rule", finding.rule->id}, {"place", nameOf(finding)}, {"message", finding.message}});
+    return {{"changes", changes},
+            {"remaining", left},
+            {"brokenSignatures", editor.brokenSignatures()},
+            {"dryRun", isDryRun}};
+}
+
+void clean(FileRun& run, const Arguments& arguments) {
+    const auto again = run.isStandardInput() ? std::make_unique<InputAgain>() : nullptr;
+    const RunOptions& how = run.options();
+    const Archive archive = again ? again->archive(how.reading.zip) : openArchive(run);
+    OpenedPackage package(run, OpenMode::ReadWrite);
+    Editor editor(*package);
+    opc::editing::clean(editor, arguments.chosen());
+    if (!how.dryRun && !how.breakSignatures)
+        editor.throwIfSignaturesAreBroken();
+    const std::vector<Finding> remaining = findMetadata(archive, editor.changes(), how.reading.zip);
+    package.save();
+    if (run.wantsJSON())
+        run.json().add(toResult(editor, remaining, how.dryRun));
+    else
+        print(run.target() == "-" && !how.dryRun ? std::cerr : run.out(), editor.changes(), remaining);
+    if (how.dryRun && !how.breakSignatures)
+        editor.throwIfSignaturesAreBroken();
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addChangedFile(command, CLEAN);
+    CleaningOptions& what = arguments->what;
+    command.add_flag("--core", what.core, "Take the core properties out: title, creator, times …");
+    command.add_flag("--extended", what.extended,
+                     "Take the extended properties out: company, manager, program …");
+    command.add_flag("--custom", what.custom, "Take the custom properties out");
+    command.add_flag("--thumbnail", what.thumbnails, "Take previews out");
+    command.add_flag("--all", arguments->all, "Take all of these out; the same as none of these options");
+    addSignatureOption(command, files->options);
+    command.callback([files, arguments] { files->run([&](FileRun& run) { clean(run, *arguments); }); });
+}
+
+} // namespace
+
+const Command CLEAN{"clean",
+                    "Take metadata of the package out, and say what remains inside parts",
+                    declare,
+                    "Properties and previews go with their parts, relationships and content types. What "
+                    "tells about people inside parts "
+                    "stays, and is listed as far as check knows it: comments and their authors, tracked "
+                    "changes, Exif data, embedded "
+                    "packages, printers, custom XML. Texts and images can tell more.",
+                    "opctool clean report.docx -o public.docx\n"
+                    "opctool clean report.docx --core --thumbnail --dry-run",
+                    "",
+                    R"({
+  "type": "object",
+  "required": ["changes", "remaining", "brokenSignatures", "dryRun"],
+  "properties": {
+    "changes": {
+      "description": "as those of other commands: kind, place, name, before, after, text",
+      "type": "array",
+      "items": {"type": "object"}
+    },
+    "brokenSignatures": {
+      "description": "the parts of the signatures that don't hold any more",
+      "type": "array",
+      "items": {"type": "string"}
+    },
+    "dryRun": {"description": "whether nothing was written", "type": "boolean"},
+    "remaining": {
+      "description": "what else tells about people, as far as check knows it",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["rule", "place", "message"],
+        "properties": {
+          "rule": {"description": "explain tells more about it", "type": "string"},
+          "place": {"type": "string"},
+          "message": {"type": "string"}
+        }
+      }
+    }
+  }
+})"};
+
+} // namespace opctool

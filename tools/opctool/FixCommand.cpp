@@ -1,0 +1,185 @@
+#include "ArchiveFile.hpp"
+#include "Commands.hpp"
+#include "EditedPackage.hpp"
+#include "Files.hpp"
+#include "RepeatableOption.hpp"
+#include "RuleNames.hpp"
+
+#include <opc/editing/Mending.hpp>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace opctool {
+
+namespace {
+
+using namespace opc::inspection;
+using nlohmann::ordered_json;
+using opc::editing::Mended;
+using opc::editing::Mending;
+
+struct Arguments {
+    std::vector<std::string> profiles;
+    std::vector<std::string> only, never;
+};
+
+/// The part or the item, and the relationship.
+std::string nameOf(const Place& place) {
+    const std::string& name = place.part.empty() ? place.item : place.part;
+    return name + (place.relationship.empty() ? "" : '#' + place.relationship);
+}
+
+ordered_json orNull(const std::string& text) {
+    return text.empty() ? ordered_json() : ordered_json(text);
+}
+
+ordered_json toJSON(const Rule& rule, const Place& place, const std::string& message) {
+    return {{"rule", rule.id},
+            {"part", orNull(place.part)},
+            {"item", orNull(place.item)},
+            {"relationship", orNull(place.relationship)},
+            {"message", message}};
+}
+
+ordered_json toJSON(const Mending& mending, bool isDryRun) {
+    ordered_json changes = ordered_json::array();
+    for (const Mended& one : mending.mended)
+        changes.push_back(toJSON(*one.rule, one.place, one.what));
+    ordered_json left = ordered_json::array();
+    for (const Finding& finding : mending.left) {
+        left.push_back(toJSON(*finding.rule, finding.place, finding.message));
+        left.back()["why"] = orNull(finding.hint);
+    }
+    return {{"changes", changes},
+            {"left", left},
+            {"brokenSignatures", mending.signatures.brokenBy(mending.changes())},
+            {"dryRun", isDryRun}};
+}
+
+void print(std::ostream& output, const Mending& mending) {
+    const auto line = [&output](const Rule& rule, const Place& place) -> std::ostream& {
+        const std::string name = nameOf(place);
+        return output << rule.id << ' ' << name << (name.empty() ? "" : ": ");
+    };
+    for (const Mended& one : mending.mended)
+        line(*one.rule, one.place) << one.what << '\n';
+    for (const Finding& finding : mending.left)
+        if (finding.severity != Severity::Info) {
+            output << "left: ";
+            line(*finding.rule, finding.place)
+                << finding.message << (finding.hint.empty() ? "" : ". " + finding.hint) << '\n';
+        }
+}
+
+void deliver(const FileRun& run, const Mending& mending) {
+    const std::string target = run.target();
+    if (target == "-")
+        opc::editing::writeTo(std::cout, mending.archive);
+    else if (!target.empty() || !mending.mended.empty())
+        opc::editing::writeTo(std::filesystem::path(target.empty() ? run.path() : target), mending.archive);
+}
+
+void fix(FileRun& run, const Arguments& arguments) {
+    InspectionOptions options;
+    options.profiles = profilesOf(arguments.profiles);
+    options.only = arguments.only;
+    options.never = arguments.never;
+    options.limits = run.options().reading.zip;
+    options.fileName = run.path();
+    const Mending mending = opc::editing::mend(openArchive(run), options);
+    const RunOptions& how = run.options();
+    if (!how.dryRun && !how.breakSignatures)
+        mending.signatures.throwIfBrokenBy(mending.changes());
+    if (!how.dryRun)
+        deliver(run, mending);
+    if (run.wantsJSON())
+        run.json().add(toJSON(mending, how.dryRun));
+    else if (run.target() == "-" && !how.dryRun)
+        print(std::cerr, mending);
+    else
+        print(run.out(), mending);
+    if (how.dryRun && !how.breakSignatures)
+        mending.signatures.throwIfBrokenBy(mending.changes());
+    for (const Finding& finding : mending.left)
+        if (finding.severity != Severity::Info)
+            return run.sayNo();
+}
+
+void declare(CLI::App& command) {
+    const auto arguments = std::make_shared<Arguments>();
+    const auto files = addChangedFile(command, FIX);
+    addProfiles(command, arguments->profiles);
+    addRepeatable(&command, "--rule", arguments->only, "Mend what breaks this rule alone")
+        ->check(isRule())
+        ->type_name("RULE");
+    addRepeatable(&command, "--no-rule", arguments->never, "Leave this rule out")
+        ->check(isRule())
+        ->type_name("RULE");
+    addSignatureOption(command, files->options);
+    command.callback([files, arguments] { files->run([&](FileRun& run) { fix(run, *arguments); }); });
+}
+
+} // namespace
+
+const Command FIX{
+    "fix",
+    "Mend what check finds, as far as that is certain",
+    declare,
+    "It takes the rules that check takes by the same options; what check calls an info is only mended if "
+    "--rule names it. "
+    "explain tells what fix does about a rule. Each change is a line, and so is what is left and why.",
+    "opctool fix report.docx --dry-run\n"
+    "opctool fix report.docx -o mended.docx\n"
+    "opctool fix report.docx --rule SEC-17 --rule SEC-35",
+    "0 no error and no warning is left, 1 something is left, 3 the file can't be read or written",
+    R"({
+  "type": "object",
+  "required": ["changes", "left", "brokenSignatures", "dryRun"],
+  "properties": {
+    "brokenSignatures": {
+      "description": "the parts of the signatures that don't hold any more",
+      "type": "array",
+      "items": {"type": "string"}
+    },
+    "dryRun": {"description": "whether nothing was written", "type": "boolean"},
+    "changes": {
+      "description": "what was mended",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["rule", "part", "item", "relationship", "message"],
+        "properties": {
+          "rule": {"description": "that was broken", "type": "string"},
+          "part": {"type": ["string", "null"]},
+          "item": {"description": "of the archive, which is no part", "type": ["string", "null"]},
+          "relationship": {"description": "its Id", "type": ["string", "null"]},
+          "message": {"description": "what was done", "type": "string"}
+        }
+      }
+    },
+    "left": {
+      "description": "what check still finds by the same options",
+      "type": "array",
+      "items": {
+        "type": "object",
+        "required": ["rule", "part", "item", "relationship", "message", "why"],
+        "properties": {
+          "rule": {"type": "string"},
+          "part": {"type": ["string", "null"]},
+          "item": {"type": ["string", "null"]},
+          "relationship": {"type": ["string", "null"]},
+          "message": {"type": "string"},
+          "why": {"description": "why it isn't mended", "type": ["string", "null"]}
+        }
+      }
+    }
+  }
+})"};
+
+} // namespace opctool
