@@ -264,8 +264,8 @@ TEST(Comparison, canBeOfCertainNames) {
         {{"/"}, ""},
     };
     for (const auto& [names, differences] : cases)
-        EXPECT_EQ(describe(compare(left, right, names)), differences) << names.front();
-    EXPECT_THROW(compare(left, right, {"/word/a.bi"}), Exception);
+        EXPECT_EQ(describe(compare(left, right, {names})), differences) << names.front();
+    EXPECT_THROW(compare(left, right, {{"/word/a.bi"}}), Exception);
 }
 
 std::string linesOf(const std::string& before, const std::string& now) {

@@ -1,5 +1,6 @@
 #include "ArchiveFile.hpp"
 #include "Commands.hpp"
+#include "DiffJob.hpp"
 #include "DiffOutput.hpp"
 #include "Files.hpp"
 
@@ -20,12 +21,18 @@ struct Arguments {
     bool overview = false;
     bool namesOnly = false;
     std::size_t context = 3;
+    std::string job;
 };
 
 void diff(FileRun& run, const Arguments& arguments) {
     const Archive before = openArchive(run);
     const Archive now = openArchive(arguments.other, run.options().reading);
-    const Comparison comparison = compare(before, now, arguments.parts);
+    if (!arguments.job.empty()) {
+        if (writeDiffJob(run, before, now, arguments.parts, arguments.job))
+            run.sayNo();
+        return;
+    }
+    const Comparison comparison = compare(before, now, {arguments.parts});
     using Extent = DiffStyle::Extent;
     const Extent extent = arguments.namesOnly  ? Extent::Names
                           : arguments.overview ? Extent::Overview
@@ -53,13 +60,23 @@ void declare(CLI::App& command) {
         ->type_name("");
     CLI::Option* const overview =
         command.add_flag("--stat", arguments->overview, "Print no lines of parts, and how much differs");
-    command.add_flag("--name-only", arguments->namesOnly, "Print only the names of what differs")
-        ->excludes(overview);
+    CLI::Option* const names =
+        command.add_flag("--name-only", arguments->namesOnly, "Print only the names of what differs")
+            ->excludes(overview);
     command.add_option("-U,--unified", arguments->context, "Print this many lines around those that differ")
         ->type_name("N")
         ->capture_default_str();
-    command.callback(
-        [files, arguments] { files->run([arguments](FileRun& run) { diff(run, *arguments); }); });
+    command
+        .add_option("--job", arguments->job,
+                    "Print no differences, but write a job for apply that makes PACKAGE hold what OTHER "
+                    "does; - is standard output")
+        ->excludes(overview, names)
+        ->type_name("FILE");
+    command.callback([files, arguments] {
+        if (!arguments->job.empty() && files->options.output.format() != OutputOptions::Format::Text)
+            throw CLI::ValidationError("--job", "doesn't fit with JSON");
+        files->run([arguments](FileRun& run) { diff(run, *arguments); });
+    });
 }
 
 } // namespace
@@ -69,11 +86,10 @@ const Command DIFF{
     "Show what differs between two packages",
     declare,
     "Parts are equal only if all their bytes are. How the archive is written doesn't count: order, "
-    "compression, times, and the form of relationships and content types. A part that is XML is compared "
-    "with "
-    "one element a line; the order of elements counts, while the order of attributes, prefixes, and white "
-    "space "
-    "between elements don't. The packages may break the standard.",
+    "compression, times, and the form of relationships and content types. A part that is XML is "
+    "compared with one element a line; the order of elements counts, while the order of attributes, "
+    "prefixes, and white space between elements don't. The packages may break the standard. "
+    "Contents of more than 16 KiB that a job needs go to a folder beside it, FILE.contents.",
     "opctool diff old.docx new.docx\n"
     "opctool diff old.docx new.docx --stat\n"
     "opctool diff old.docx new.docx '/word/**' --name-only",

@@ -34,13 +34,14 @@ ContentVersion versionOf(const PackageContents& package, const ArchiveItem& item
 
 class Comparer {
 public:
-    Comparer(PackageContents& before, PackageContents& now)
-        : before(before), now(now), relationships(before, now) {}
+    Comparer(PackageContents& before, PackageContents& now, bool findsMoves)
+        : before(before), now(now), findsMoves(findsMoves), relationships(before, now) {}
 
     Comparison run() {
         compareParts();
-        for (const auto& [from, to] : joinMoves(result.parts))
-            relationships.addMove(from, to);
+        if (findsMoves)
+            for (const auto& [from, to] : joinMoves(result.parts))
+                relationships.addMove(from, to);
         compareRelationships();
         compareItems();
         compareProperties();
@@ -169,6 +170,7 @@ private:
 
     PackageContents& before;
     PackageContents& now;
+    const bool findsMoves;
     RelationshipComparison relationships;
     ContentEquality equality;
     Comparison result;
@@ -192,12 +194,13 @@ bool haveSameBytes(const Archive& left, const Archive& right) {
 
 } // namespace
 
-Comparison compare(const Archive& before, const Archive& now, const std::vector<std::string>& names) {
+Comparison compare(const Archive& before, const Archive& now, const ComparisonOptions& options) {
     PackageContents left(before);
     PackageContents right(now);
-    const NameFilter filter(names, left, right);
-    Comparison result = haveSameBytes(before, now) ? Comparison() : Comparer(left, right).run();
-    if (!names.empty())
+    const NameFilter filter(options.names, left, right);
+    Comparison result =
+        haveSameBytes(before, now) ? Comparison() : Comparer(left, right, options.findsMoves).run();
+    if (!options.names.empty())
         filter.apply(result);
     return result;
 }

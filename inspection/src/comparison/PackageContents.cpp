@@ -83,6 +83,18 @@ std::string keyOfType(const std::string& contentType) {
         .append(trimmed(std::string_view(contentType).substr(parameters)));
 }
 
+std::string resolvedTarget(const RelationshipView& relationship) {
+    if (relationship.isExternal || relationship.resolved.empty())
+        return {};
+    const Reference reference(trimmed(relationship.target));
+    std::string target = relationship.resolved;
+    if (reference.hasQuery)
+        target.append("?").append(reference.query);
+    if (reference.hasFragment)
+        target.append("#").append(reference.fragment);
+    return target;
+}
+
 RelationshipKey keyOf(const RelationshipView& relationship) {
     const std::string_view mode = trimmed(relationship.targetMode);
     const bool isUsual = mode.empty() || equalsCaseless(mode, "Internal") || relationship.isExternal;
@@ -90,15 +102,11 @@ RelationshipKey keyOf(const RelationshipView& relationship) {
                         relationship.isExternal ? "External"
                         : isUsual               ? "Internal"
                                                 : std::string(mode),
-                        relationship.target};
-    if (relationship.isExternal || relationship.resolved.empty())
-        return key;
-    const Reference reference(trimmed(relationship.target));
-    key.target = keyOfName(relationship.resolved);
-    if (reference.hasQuery)
-        key.target.append("?").append(reference.query);
-    if (reference.hasFragment)
-        key.target.append("#").append(reference.fragment);
+                        resolvedTarget(relationship)};
+    if (key.target.empty())
+        key.target = relationship.target;
+    else
+        key.target.replace(0, relationship.resolved.size(), keyOfName(relationship.resolved));
     return key;
 }
 

@@ -60,6 +60,10 @@ bool isNothingElse(const RelationshipsView& relationships);
 /// What a content type is compared by: type and subtype in lower case, parameters as they stand.
 std::string keyOfType(const std::string& contentType);
 
+/// Where an internal relationship leads: the name of a part, with the query and the fragment as they stand. Empty for others,
+/// and for what leads to no part name.
+std::string resolvedTarget(const RelationshipView& relationship);
+
 /// What a relationship is compared by beside its id.
 struct RelationshipKey {
     std::string type, mode, target;

@@ -15,7 +15,7 @@ std::string keyOfSource(const PartView& part) {
 }
 
 RelationshipVersion versionOf(const RelationshipView& entry) {
-    return {entry.id, entry.type, entry.target, entry.isExternal};
+    return {entry.id, entry.type, entry.target, resolvedTarget(entry), entry.isExternal};
 }
 
 /// The entries sorted by id; of those with the same id, in the order of the document.
@@ -70,14 +70,16 @@ void RelationshipComparison::compare(const Pair& pair, std::vector<RelationshipD
 
     const std::vector<const RelationshipView*> old = sortedEntries(left);
     const std::vector<const RelationshipView*> current = sortedEntries(right);
-    const std::string& source = pair.second != nullptr ? right.source : left.source;
+    const RelationshipsView& last = pair.second != nullptr ? right : left;
+    const bool lacksSource = last.sourcePart == nullptr && last.source != "/";
     mergeSorted(
         old, current, [](const RelationshipView* entry) -> const std::string& { return entry->id; },
         [&](const RelationshipView* const* one, const RelationshipView* const* other) {
             if (one != nullptr && other != nullptr && keyOf(**one) == keyOf(**other))
                 return;
             RelationshipDifference& difference = found.emplace_back();
-            difference.source = source;
+            difference.source = last.source;
+            difference.lacksSource = lacksSource;
             if (one != nullptr)
                 difference.before = versionOf(**one);
             if (other != nullptr)

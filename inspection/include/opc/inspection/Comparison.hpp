@@ -50,6 +50,8 @@ struct ContentDifference {
 /// A relationship as it stands. Missing texts are empty.
 struct RelationshipVersion {
     std::string id, type, target;
+    std::string
+        resolved; ///< of an internal one: the name of the part that it leads to, with query and fragment; or empty
     bool isExternal = false;
 };
 
@@ -59,6 +61,7 @@ struct RelationshipDifference {
     std::string source;                        ///< the name of the source part; "/" for the package
     std::optional<RelationshipVersion> before; ///< nothing if it was added
     std::optional<RelationshipVersion> now;    ///< nothing if it was removed
+    bool lacksSource = false; ///< there is no such part in the package that has the relationship
 };
 
 /// A core property that differs.
@@ -78,14 +81,19 @@ struct Comparison {
     bool isEmpty() const { return parts.empty() && items.empty() && relationships.empty(); }
 };
 
+struct ComparisonOptions {
+    /// Only parts, sources and items with these names; all if there are none. In a name `*` stands for any characters within
+    /// a segment, `**` for any characters; `/` is the package.
+    std::vector<std::string> names;
+    bool findsMoves = true; ///< if not, a part that has moved is one that was removed and one that was added
+};
+
 /// Compares two packages. Time is linear in their size, and contents are read piece by piece.
 /// @param before, now  must outlive the result
-/// @param names  only parts, sources and items with these names; all if there are none. In a name `*` stands for any
-///               characters within a segment, `**` for any characters; `/` is the package
 /// @throws opc::Exception  one of them has nothing that can be compared, a name occurs in neither package, or the bytes of an
 ///                         archive can't be read
 OPC_INSPECTION_EXPORT Comparison compare(const Archive& before, const Archive& now,
-                                         const std::vector<std::string>& names = {});
+                                         const ComparisonOptions& options = {});
 
 /// The SHA-256 digest of a content, in hexadecimal.
 /// @throws opc::Exception  it can't be read
