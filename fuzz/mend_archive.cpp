@@ -31,10 +31,10 @@ Bytes bytesOf(const Archive& archive) {
 
 /// A second time changes nothing, and what is left is what is found.
 void requireMended(const Bytes& bytes, const InspectionOptions& options) {
-    const editing::Mending first = mend(Archive(bytes, options.limits), options);
+    const editing::Mending first = editing::mend(Archive(bytes, options.limits), options);
     require(!first.mended.empty() || bytesOf(first.archive) == bytes, "nothing changes without a word");
     const Bytes mended = bytesOf(first.archive);
-    const editing::Mending second = mend(Archive(mended, options.limits), options);
+    const editing::Mending second = editing::mend(Archive(mended, options.limits), options);
     require(second.mended.empty(), "nothing can be mended twice");
     require(bytesOf(second.archive) == mended, "nothing changes a second time");
     require(second.left.size() == first.left.size(), "what is left is left");

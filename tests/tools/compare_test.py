@@ -63,6 +63,26 @@ class Compare(OpctoolCase):
                          [('/', True, False)])
         self.assertEqual(result['properties'], [{'name': 'title', 'before': 'A letter to the printer', 'now': 'x\u202ey'}])
 
+    def test_diff_makes_a_job_that_leads_there(self):
+        self.write('large', bytes(range(256)) * 100)
+        self.do('add b.docx /large.bin large --type a/b')
+        self.assertEqual(self.run_tool('diff a.docx b.docx --job job.json'), (1, '', ''))
+        self.assertEqual(self.read('job.json.contents/1'), self.read('large'))
+        self.do('apply a.docx job.json -o result.docx')
+        self.assertEqual(self.run_tool('diff result.docx b.docx'), (0, '', ''))
+        piped = self.shell(f"'{self.tool}' diff a.docx b.docx --job - | '{self.tool}' apply a.docx - -o piped.docx")
+        self.assertEqual((piped.status, self.run_tool('diff piped.docx b.docx').status), (0, 0), piped.errors)
+        self.add_item('b.docx', '[trash]/1')
+        outcome = self.run_tool("diff a.docx b.docx '[trash]/*' --job other.json")
+        self.assertEqual(outcome, (1, '', 'opctool: a.docx: the job leaves the item [trash]/1, which is no part\n'))
+        before = self.read('job.json')
+        for failing in 'job.json', 'none/job.json', 'new.xml':
+            self.assertEqual(self.run_tool('diff a.docx b.docx --job ' + failing).status, 3, failing)
+        self.assertEqual(self.read('job.json'), before)
+        self.assertFalse((self.folder / 'new.xml.contents').exists())
+        for wrong in '--json', '--stat':
+            self.assert_wrong_usage('diff a.docx b.docx --job x ' + wrong)
+
     def test_what_the_archive_is_like_does_not_count(self):
         self.repack('a.docx', 'other.docx')
         self.add_item('other.docx', 'folder/', '')

@@ -21,7 +21,7 @@ bool haveSameShape(const ArchiveItem& left, const ArchiveItem& right) {
     const ItemHeader& one = headerOf(left);
     const ItemHeader& other = headerOf(right);
     return left.central && right.central && left.dataOffset && right.dataOffset &&
-           one.method == other.method && one.size == other.size &&
+           left.unreadable == right.unreadable && one.method == other.method && one.size == other.size &&
            one.compressedSize == other.compressedSize && one.checksum == other.checksum &&
            ((one.flags ^ other.flags) & 1U) == 0; // encrypted
 }
