@@ -1,4 +1,3 @@
-#include "job/Base64.hpp"
 #include "support/PackageTest.hpp"
 #include "support/TemporaryFolder.hpp"
 
@@ -16,17 +15,6 @@ std::string jobOf(const std::string& steps) {
     return R"({"opctool":{"job":1},"steps":[)" + steps + "]}";
 }
 
-TEST(Base64, isReadAsItIsWritten) {
-    std::string bytes;
-    for (int i = 0; i < 300; i += 7) {
-        EXPECT_EQ(fromBase64(toBase64(bytes)), bytes);
-        bytes += static_cast<char>(i);
-    }
-    EXPECT_EQ(toBase64("any carnal pleas"), "YW55IGNhcm5hbCBwbGVhcw==");
-    for (const char* text : {"YQ", "YQ=", "YR==", "Y===", "=YQ=", "YQ=\n", "YWJ\xC3", "===="})
-        EXPECT_FALSE(fromBase64(text)) << text;
-}
-
 TEST(Jobs, areReadAsTheyAreWritten) {
     const std::string text = jobOf(
         R"({"do":"add","part":"/a","type":"a/b","text":"é\u0001"},{"do":"put","part":"/a","base64":"AP8="},)"
@@ -35,6 +23,7 @@ TEST(Jobs, areReadAsTheyAreWritten) {
         R"({"do":"relate","source":"/","type":"t:t","target":"x","external":true,"id":"i"},)"
         R"({"do":"relate","source":"/","type":"t:t","target":"x"},{"do":"unrelate","source":"/","id":"i"},)"
         R"({"do":"retarget","source":"/","id":"i","target":"x"},{"do":"gc"},)"
+        R"({"do":"props","clear":true,"unset":["creator"],"set":{"title":"t"}},)"
         R"({"do":"check","failOn":"warning","profile":"all"},{"do":"check","failOn":"error","profile":"opc"})");
     std::string written;
     for (const char character : writeJob(readJob(text)))
@@ -64,8 +53,10 @@ TEST(Jobs, areRefusedWhereTheySayAnythingElse) {
          "step 1 (put): has not one content: text, base64 or from"},
         {jobOf(R"({"do":"put","part":"/a","base64":"A"})"), "step 1 (put): base64 isn't Base64"},
         {jobOf(R"({"do":"put","part":"/a","from":""})"), "step 1 (put): from is empty"},
-        {jobOf(R"({"do":"rm","part":["/a",1]})"), "step 1 (rm): part isn't a text or a list of texts"},
+        {jobOf(R"({"do":"rm","part":["/a",1]})"), "step 1 (rm): part isn't a list of texts"},
         {jobOf(R"({"do":"rm","part":"/a","cascade":1})"), "step 1 (rm): cascade is neither true nor false"},
+        {jobOf(R"({"do":"props","set":{"title":1}})"), "step 1 (props): set isn't an object of texts"},
+        {jobOf(R"({"do":"props","unset":"title"})"), "step 1 (props): unset isn't a list of texts"},
         {jobOf(R"({"do":"check","failOn":"x"})"),
          "step 1 (check): failOn is none of error, warning and info"},
         {jobOf(R"({"do":"check","profile":"x"})"),
@@ -128,6 +119,36 @@ TEST_F(AppliedJobs, takeNoFileFromOutside) {
     EXPECT_EQ(apply(put("none")), "opc::Exception: none can't be read");
     EXPECT_EQ(apply(put(".")), "opc::Exception: . isn't a regular file");
     EXPECT_EQ(apply(put("../job/inside")), "");
+}
+
+TEST_F(AppliedJobs, changeCorePropertiesAgainAndAgain) {
+    Editor editor(package);
+    const Job job =
+        readJob(jobOf(R"({"do":"props","set":{"title":"first","created":"2024-02-29","keywords":"k"}},)"
+                      R"({"do":"props","set":{"title":"second"},"unset":["keywords","version"]},)"
+                      R"({"do":"props","set":{"title":"second"}})"));
+    applyJob(editor, job, {"."});
+    std::string told;
+    for (const Change& change : editor.changes())
+        told += describe(change) + "\n";
+    EXPECT_EQ(told,
+              R"(add /metadata/coreProperties.xml, application/vnd.openxmlformats-package.core-properties+xml
+change property created in /metadata/coreProperties.xml from nothing to "2024-02-29T00:00:00Z"
+change property keywords in /metadata/coreProperties.xml from nothing to "k"
+change property title in /metadata/coreProperties.xml from nothing to "first"
+change property keywords in /metadata/coreProperties.xml from "k" to nothing
+change property title in /metadata/coreProperties.xml from "first" to "second"
+)");
+    package.close(false);
+    package.open(OpenMode::ReadOnly);
+    EXPECT_EQ(*PackageHelper::getCoreProperties(package).getTitle(), u"second");
+    package.close(true);
+    package.open(OpenMode::ReadWrite);
+    EXPECT_EQ(apply(R"({"do":"props","set":{"subject":"s"},"unset":["no"]})"),
+              "opc::Exception: no is no core property");
+    EXPECT_EQ(apply(R"({"do":"props","set":{"modified":"soon"}})"), "opc::Exception: soon isn't a time");
+    EXPECT_EQ(apply(R"({"do":"props","clear":true})"), "");
+    EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
 }
 
 TEST_F(AppliedJobs, nameTheStepThatFails) {

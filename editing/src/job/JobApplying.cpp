@@ -90,6 +90,7 @@ struct StepMaker {
         editor.retarget(nameFrom(step.source), wide(step.id), wide(step.target), modeOf(step.external));
     }
     void operator()(const CollectStep& /*step*/) const { collectUnreachable(editor); }
+    void operator()(const PropertiesStep& step) const { changeCoreProperties(editor, step.core); }
     void operator()(const CheckStep& /*step*/) const {}
 
     Editor& editor;

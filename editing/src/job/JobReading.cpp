@@ -1,10 +1,13 @@
 #include <opc/editing/Job.hpp>
 
-#include "job/Base64.hpp"
 #include "job/JobMembers.hpp"
 #include "job/StepNames.hpp"
 
-#include <algorithm>
+#include <opc/core/Text.hpp>
+
+#include <bedrock/crypto/utils/Base64.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
+
 #include <map>
 
 namespace opc::editing {
@@ -16,18 +19,24 @@ namespace {
 constexpr int VERSION = 1;
 constexpr int DEEPEST = 8; ///< more than a job has
 
+std::string readBase64(JobMembers& members) {
+    const std::u16string text = toString(members.text("base64"), true);
+    try {
+        const auto bytes = bedrock::crypto::utils::base64Decode(text);
+        return {bytes.begin(), bytes.end()};
+    } catch (const bedrock::crypto::utils::Exception&) {
+        members.fail("base64 isn't Base64");
+    }
+}
+
 JobContent readContent(JobMembers& members) {
     const auto count = members.has("text") + members.has("base64") + members.has("from");
     if (count != 1)
         members.fail("has not one content: text, base64 or from");
     if (members.has("text"))
         return {members.text("text"), {}};
-    if (members.has("base64")) {
-        auto bytes = fromBase64(members.text("base64"));
-        if (!bytes)
-            members.fail("base64 isn't Base64");
-        return {std::move(*bytes), {}};
-    }
+    if (members.has("base64"))
+        return {readBase64(members), {}};
     JobContent content{{}, members.text("from")};
     if (content.from.empty())
         members.fail("from is empty");
@@ -46,18 +55,25 @@ Step readPut(JobMembers& members) {
     return step;
 }
 
+std::vector<std::string> readList(JobMembers& members, const char* name) {
+    std::vector<std::string> list;
+    const json& texts = members.value(name);
+    if (!texts.is_array())
+        members.fail(std::string(name) + " isn't a list of texts");
+    for (const json& each : texts) {
+        if (!each.is_string())
+            members.fail(std::string(name) + " isn't a list of texts");
+        list.push_back(each.get<std::string>());
+    }
+    return list;
+}
+
 Step readRemove(JobMembers& members) {
     RemoveStep step;
-    const json& part = members.value("part");
-    if (part.is_array()) {
-        for (const json& each : part) {
-            if (!each.is_string())
-                members.fail("part isn't a text or a list of texts");
-            step.patterns.push_back(each.get<std::string>());
-        }
-    } else {
+    if (members.value("part").is_array())
+        step.patterns = readList(members, "part");
+    else
         step.patterns.push_back(members.text("part"));
-    }
     step.options = {members.flag("incoming"), members.flag("cascade")};
     return step;
 }
@@ -88,6 +104,24 @@ Step readCollect(JobMembers& /*members*/) {
     return CollectStep{};
 }
 
+Step readProperties(JobMembers& members) {
+    PropertiesStep step;
+    step.core.clear = members.flag("clear");
+    if (members.has("unset"))
+        step.core.unset = readList(members, "unset");
+    if (!members.has("set"))
+        return step;
+    const json& set = members.value("set");
+    if (!set.is_object())
+        members.fail("set isn't an object of texts");
+    for (const auto& property : set.items()) {
+        if (!property.value().is_string())
+            members.fail("set isn't an object of texts");
+        step.core.set.emplace_back(property.key(), property.value().get<std::string>());
+    }
+    return step;
+}
+
 Step readCheck(JobMembers& members) {
     using inspection::Severity;
     static const std::map<std::string, Severity> severities{
@@ -107,11 +141,11 @@ Step readCheck(JobMembers& members) {
 
 Step readStep(const json& object, std::size_t number) {
     using Read = Step (*)(JobMembers&);
-    static const std::map<std::string, Read> kinds{{"add", readAdd},           {"put", readPut},
-                                                   {"rm", readRemove},         {"mv", readMove},
-                                                   {"retype", readRetype},     {"relate", readRelate},
-                                                   {"unrelate", readUnrelate}, {"retarget", readRetarget},
-                                                   {"gc", readCollect},        {"check", readCheck}};
+    static const std::map<std::string, Read> kinds{
+        {"add", readAdd},           {"put", readPut},           {"rm", readRemove},
+        {"mv", readMove},           {"retype", readRetype},     {"relate", readRelate},
+        {"unrelate", readUnrelate}, {"retarget", readRetarget}, {"gc", readCollect},
+        {"props", readProperties},  {"check", readCheck}};
     const std::string name = JobMembers(object, placeOf(number, {})).text("do");
     const auto kind = kinds.find(name);
     if (kind == kinds.end())

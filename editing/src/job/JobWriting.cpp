@@ -1,9 +1,10 @@
 #include <opc/editing/Job.hpp>
 
-#include "job/Base64.hpp"
 #include "job/StepNames.hpp"
 
 #include <opc/core/Text.hpp>
+
+#include <bedrock/crypto/utils/Base64.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -23,7 +24,8 @@ void addContent(ordered_json& object, const JobContent& content) {
     else if (isText(content.bytes))
         object["text"] = content.bytes;
     else
-        object["base64"] = toBase64(content.bytes);
+        object["base64"] =
+            toUDEString(bedrock::crypto::utils::base64Encode({content.bytes.begin(), content.bytes.end()}));
 }
 
 void addFlag(ordered_json& object, const char* name, bool value) {
@@ -77,6 +79,13 @@ struct StepWriter {
         addFlag(object, "external", step.external);
     }
     void operator()(const CollectStep& /*step*/) const {}
+    void operator()(const PropertiesStep& step) const {
+        addFlag(object, "clear", step.core.clear);
+        if (!step.core.unset.empty())
+            object["unset"] = step.core.unset;
+        for (const auto& [name, value] : step.core.set)
+            object["set"][name] = value;
+    }
     void operator()(const CheckStep& step) const {
         using inspection::Severity;
         object["failOn"] = step.failOn == Severity::Error     ? "error"
@@ -161,6 +170,12 @@ std::string_view jobSchema() {
          "properties": {"do": {"const": "retarget"}, "source": {"$ref": "#/$defs/source"}, "id": {"$ref": "#/$defs/id"},
           "target": {"$ref": "#/$defs/target"}, "external": {"$ref": "#/$defs/external"}}},
         {"required": ["do"], "properties": {"do": {"const": "gc"}}},
+        {"required": ["do"],
+         "properties": {"do": {"const": "props"},
+          "clear": {"description": "whether all core properties are dropped first", "type": "boolean"},
+          "unset": {"description": "core properties that are dropped", "type": "array", "items": {"type": "string"}},
+          "set": {"description": "core properties and their values; a time may be now", "type": "object",
+           "additionalProperties": {"type": "string"}}}},
         {"required": ["do"],
          "properties": {"do": {"const": "check"},
           "failOn": {"description": "no finding of this severity or a higher one at the end", "enum": ["error", "warning", "info"]},

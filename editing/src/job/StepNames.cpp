@@ -14,6 +14,7 @@ struct Namer {
     const char* operator()(const UnrelateStep&) const { return "unrelate"; }
     const char* operator()(const RetargetStep&) const { return "retarget"; }
     const char* operator()(const CollectStep&) const { return "gc"; }
+    const char* operator()(const PropertiesStep&) const { return "props"; }
     const char* operator()(const CheckStep&) const { return "check"; }
 };
 

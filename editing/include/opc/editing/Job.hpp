@@ -1,5 +1,6 @@
 #pragma once
 
+#include <opc/editing/CorePropertyChanges.hpp>
 #include <opc/editing/Editor.hpp>
 #include <opc/editing/Export.hpp>
 #include <opc/editing/Removing.hpp>
@@ -64,6 +65,10 @@ struct RetargetStep {
 
 struct CollectStep {};
 
+struct PropertiesStep {
+    CorePropertyChanges core;
+};
+
 /// The package as it is at the end of the job must have no finding of this severity or a higher one.
 struct CheckStep {
     inspection::Severity failOn = inspection::Severity::Error;
@@ -73,7 +78,7 @@ struct CheckStep {
 /// @}
 
 using Step = std::variant<AddStep, PutStep, RemoveStep, MoveStep, RetypeStep, RelateStep, UnrelateStep,
-                          RetargetStep, CollectStep, CheckStep>;
+                          RetargetStep, CollectStep, PropertiesStep, CheckStep>;
 
 /// Changes to be made together, in their order. A value type.
 struct Job {

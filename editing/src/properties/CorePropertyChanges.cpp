@@ -1,0 +1,121 @@
+#include <opc/editing/CorePropertyChanges.hpp>
+
+#include "graph/Targets.hpp"
+
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/core/Time.hpp>
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/CorePropertyField.hpp>
+#include <opc/model/Package.hpp>
+#include <opc/model/PackageHelper.hpp>
+
+#include <boost/date_time/posix_time/posix_time_types.hpp>
+
+#include <optional>
+#include <variant>
+
+namespace opc::editing {
+
+using boost::posix_time::ptime;
+using model::CoreProperties;
+using model::CorePropertyField;
+using model::Package;
+using model::PackageHelper;
+using model::PartName;
+
+namespace {
+
+const CorePropertyField& fieldOf(const std::string& name) {
+    for (const CorePropertyField& field : CorePropertyField::all())
+        if (field.name() == name)
+            return field;
+    throw Exception(name + " is no core property");
+}
+
+ptime timeFrom(const std::string& text) {
+    if (text == "now")
+        return boost::posix_time::second_clock::universal_time();
+    const ptime time = convertStringToTime(toString(text, true));
+    if (time.is_not_a_date_time())
+        throw Exception(text + " isn't a time");
+    return time;
+}
+
+void assign(CoreProperties::Text& value, const std::string& text) {
+    value = toString(text, true);
+}
+
+void assign(CoreProperties::Time& value, const std::string& text) {
+    value = timeFrom(text);
+}
+
+void assign(CoreProperties::Keywords& value, const std::string& text) {
+    value = CoreProperties::KeywordList{{toString(text, true), {}}};
+}
+
+std::string textOf(const std::u16string& text) {
+    return toUDEString(text);
+}
+
+std::string textOf(const ptime& time) {
+    return toUDEString(convertTimeToString(time));
+}
+
+std::string textOf(const CoreProperties::KeywordList& keywords) {
+    std::string all;
+    for (const auto& [text, language] : keywords)
+        all += (all.empty() ? "" : "; ") + toUDEString(text);
+    return all;
+}
+
+std::string valueOf(const CorePropertyField& field, const CoreProperties& properties) {
+    return field.visit(properties, [](const auto& value) { return value ? textOf(*value) : std::string(); });
+}
+
+/// The part of the core properties; nothing if their relationship leads to none, or there is none.
+std::optional<model::Part> findPart(const Package& package) {
+    const auto found = package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
+    if (found.empty())
+        return std::nullopt;
+    const auto target = targetOf(*found.begin());
+    return target && package.hasPart(*target) ? std::optional(package.getPart(*target)) : std::nullopt;
+}
+
+void write(Package& package, const CoreProperties& properties) {
+    if (const auto part = findPart(package))
+        part->restartOutputStream(); // it may have been written before
+    PackageHelper::mendCoreProperties(package, properties);
+}
+
+} // namespace
+
+void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
+    Package& package = editor.package();
+    const bool hasThem = findPart(package).has_value();
+    const CoreProperties before =
+        hasThem && !changes.clear ? PackageHelper::getCoreProperties(package) : CoreProperties();
+    CoreProperties after = before;
+    for (const std::string& name : changes.unset)
+        fieldOf(name).visit(after, [](auto& value) { value = boost::none; });
+    for (const auto& [name, text] : changes.set)
+        fieldOf(name).visit(after, [&value = text](auto& member) { assign(member, value); });
+    if (!hasThem && after.isEmpty())
+        return;
+    write(package, after);
+    const std::string part = toUDEString(findPart(package)->getName().toString());
+    if (!hasThem || changes.clear) {
+        Change change{hasThem ? Change::Kind::ContentReplaced : Change::Kind::PartAdded, part, {}, {}, {}};
+        change.after.text = toUDEString(PackageHelper::getCorePropertiesContentType().toString());
+        editor.record(std::move(change));
+    }
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        Change change{Change::Kind::PropertyChanged, part, std::string(field.name()), {}, {}};
+        change.before.text = valueOf(field, before);
+        change.after.text = valueOf(field, after);
+        if (change.before.text != change.after.text)
+            editor.record(std::move(change));
+    }
+}
+
+} // namespace opc::editing
