@@ -94,6 +94,7 @@ class Help(OpctoolCase):
         self.assertEqual(made.status, 0, made.errors)
         self.do('relate report.docx / urn:t /word/document.xml --id rId7', 'add report.docx /notes/note.txt new.xml --type a/b')
         self.write('thumbnail', 'x')
+        self.write('types.txt', 'png image/png')
         self.do('add report.docx /docProps/thumbnail.jpeg thumbnail --type image/jpeg')
         shutil.copytree(self.folder, self.folder / 'start')
         os.mkdir(self.folder / 'bin')
@@ -107,6 +108,8 @@ class Help(OpctoolCase):
                     os.remove(self.folder / 'run' / 'signer.pub')
                 if command in ('countersign', 'coverage', 'unsign', 'verify'):
                     self.do('sign run/report.docx --key signer.key --public signer.pub')
+                if command == 'pack':
+                    self.do('unpack run/report.docx run/report')
                 outcome = self.shell(f'cd run && PATH="$PWD/../bin:$PATH" && {line}')
                 self.assertIn(outcome.status, (0, 1), f'{line}: {outcome.errors}')
 

@@ -98,6 +98,8 @@ class Trees(OpctoolCase):
         self.write('types', '# parts\n\nQQQ image/x-q\n')
         self.do('pack tree -o b.docx --types types')
         self.assertIn('image/x-q', self.do('ls b.docx'))
+        self.write('tree/word/bare', 'x')
+        self.assert_refused('No content type covers the new part /word/bare', '--types types')
         self.write('types', 'qqq\n')
         self.assert_wrong_usage('pack tree -o b.docx --types types')
 

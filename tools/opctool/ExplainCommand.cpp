@@ -140,7 +140,7 @@ const Command EXPLAIN{
   "type": "array",
   "items": {
     "type": "object",
-    "required": ["rule", "title", "severity", "profiles", "standard", "statement", "cause", "writers", "readers", "remedy"],
+    "required": ["rule", "title", "severity", "profiles", "standard", "statement", "cause", "writers", "readers", "remedy", "fix"],
     "properties": {
       "rule": {"description": "its id, which never changes", "type": "string"},
       "title": {"type": "string"},
@@ -151,7 +151,8 @@ const Command EXPLAIN{
       "cause": {"description": "how packages come to break it", "type": "string"},
       "writers": {"description": "who writes such packages; empty if nobody is known", "type": "string"},
       "readers": {"description": "what readers do", "type": "string"},
-      "remedy": {"type": "string"}
+      "remedy": {"type": "string"},
+      "fix": {"description": "what the command fix does about it; empty if it can't mend it", "type": "string"}
     }
   }
 })"};

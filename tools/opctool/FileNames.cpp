@@ -54,7 +54,7 @@ std::optional<FoundFile> FileNames::next() {
     if (packages < selection.packages.size()) {
         const std::string& name = selection.packages[packages++];
         std::error_code ignored; // reading the file tells it
-        return FoundFile{name, std::filesystem::is_directory(name, ignored)
+        return FoundFile{name, !selection.takesFolders && std::filesystem::is_directory(name, ignored)
                                    ? "is a folder; -r reads the packages in it"
                                    : ""};
     }

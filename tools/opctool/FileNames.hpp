@@ -18,6 +18,7 @@ namespace opctool {
 /// Which packages a command is to read: first those that are named, then those in folders, then those of lists.
 struct FileSelection {
     std::vector<std::string> packages; ///< "-" is standard input
+    bool takesFolders = false;         ///< whether one of them may be a folder, as the command's own input
     std::vector<std::string> folders;
     std::vector<std::string> extensions; ///< of files in folders; empty: those of known formats
     bool allFiles = false;               ///< in folders, whatever their extension

@@ -111,7 +111,7 @@ const Command GRAPH{
     "targets, targets that are missing, parts that nothing leads to, and what signatures name. The picture "
     "draws "
     "many parts of a kind as one. It needs no package that other commands can open.",
-    "opctool graph report.docx | dot -Tpdf -o report.pdf\n"
+    "opctool graph report.docx >report.dot\n"
     "opctool graph report.docx --format svg >report.svg\n"
     "opctool graph report.docx --from /word/document.xml --depth 1 --json",
     "",

@@ -81,7 +81,7 @@ const Command REPACK{"repack",
                      "reported: comments, bytes between the "
                      "items. What can't be read stays as it is.",
                      "opctool repack report.docx -o small.docx --level 9\n"
-                     "opctool repack book.epub --store '*.png' --deterministic",
+                     "opctool repack report.docx --store '*.png' --deterministic",
                      "",
                      R"({
   "type": "object",

@@ -113,6 +113,7 @@ void declarePack(CLI::App& command) {
     const auto arguments = std::make_shared<PackArguments>();
     const auto files = std::make_shared<Files>();
     files->options.command = &PACK;
+    files->selection.takesFolders = true;
     files->options.isChange = true;
     command
         .add_option_function<std::string>(

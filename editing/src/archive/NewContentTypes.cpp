@@ -23,9 +23,9 @@ const std::string* findContentType(const std::map<std::string, std::string>& con
     std::transform(name.begin(), name.end(), name.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     auto found = contentTypes.find(name);
-    if (found == contentTypes.end())
-        found = contentTypes.find(
-            name.substr(std::max(name.rfind('/'), std::min(name.rfind('.'), name.size())) + 1));
+    const std::size_t dot = name.rfind('.');
+    if (found == contentTypes.end() && dot != std::string::npos && dot > name.rfind('/'))
+        found = contentTypes.find(name.substr(dot + 1));
     return found == contentTypes.end() ? nullptr : &found->second;
 }
 
