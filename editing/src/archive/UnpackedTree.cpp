@@ -109,7 +109,7 @@ void UnpackedTree::compare() {
     for (const FolderTree::File& file : files)
         if (unclaimed.count(file.path) != 0)
             left.push_back(&file);
-    nameNewFiles(std::move(left));
+    nameNewFiles(left);
 }
 
 bool UnpackedTree::hasSameBytes(const ArchiveItem& item, const FolderTree::File& file) {
@@ -136,7 +136,7 @@ bool UnpackedTree::hasSameBytes(const ArchiveItem& item, const FolderTree::File&
     return offset == file.size;
 }
 
-void UnpackedTree::nameNewFiles(std::vector<const FolderTree::File*> unclaimed) {
+void UnpackedTree::nameNewFiles(const std::vector<const FolderTree::File*>& unclaimed) {
     std::map<std::string_view, const std::string*> names; // by path
     if (!archive)
         for (const TreeDescription::Item& item : described.renamed)

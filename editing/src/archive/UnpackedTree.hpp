@@ -52,7 +52,7 @@ private:
     std::vector<std::string> originalFiles() const;
     void compare();
     bool hasSameBytes(const inspection::ArchiveItem& item, const FolderTree::File& file);
-    void nameNewFiles(std::vector<const FolderTree::File*> unclaimed);
+    void nameNewFiles(const std::vector<const FolderTree::File*>& unclaimed);
 
     const std::function<void(std::uint64_t)>& progress;
     FolderTree tree;
