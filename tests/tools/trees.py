@@ -56,6 +56,11 @@ class Run:
             self.tell(name, f'{arguments[0]}: status {status}: {errors}')
         return status == 0
 
+    def has_same_contents(self, path, other):
+        hashes = [subprocess.run([self.tool, 'hash', file], capture_output=True, check=False).stdout.split()[:1]
+                  for file in (path, other)]
+        return contents_of(path) == contents_of(other) and (hashes[0] == [] or hashes[0] == hashes[1])
+
     def check(self, path, rng):
         name = os.path.basename(path)
         if self.run('info', '-q', path)[0] != 0:
@@ -74,7 +79,8 @@ class Run:
             self.tell(name, "doesn't come back byte for byte")
 
     def check_same_contents(self, name, path, tree, packed, _):
-        if self.succeed(name, 'pack', tree, '-o', packed) and contents_of(packed) != contents_of(path):
+        if self.succeed(name, 'pack', tree, '-o', packed) and \
+                not self.has_same_contents(path, packed):
             self.tell(name, "doesn't come back with its contents")
 
     def check_change(self, name, path, tree, packed, rng):
@@ -103,7 +109,7 @@ class Run:
         if self.succeed(name, 'repack', path, '-o', packed, '--deterministic') and \
                 self.succeed(name, 'repack', path, '-o', again, '--level', '1') and \
                 self.succeed(name, 'repack', again, '--deterministic'):
-            if contents_of(packed) != contents_of(path):
+            if not self.has_same_contents(path, packed):
                 self.tell(name, 'repacking changes the contents')
             if read(packed) != read(again):
                 self.tell(name, 'repacking depends on the compression before')
