@@ -18,6 +18,8 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/editing/Removing.hpp>
 #include <opc/editing/ResultCheck.hpp>
 #include <opc/inspection/Comparison.hpp>
+#include <opc/editing/Packing.hpp>
+#include <opc/editing/Repacking.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>
 #include <opc/inspection/PackageGraph.hpp>
