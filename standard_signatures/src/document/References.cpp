@@ -5,6 +5,7 @@
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
 
+#include <algorithm>
 #include <sstream>
 
 namespace opc::standard_signatures {
@@ -43,10 +44,9 @@ bool isNCName(std::string_view text) {
     };
     if (text.empty() || !isLetter(text.front()))
         return false;
-    for (const char c : text)
-        if (!isLetter(c) && !(c >= '0' && c <= '9') && c != '-' && c != '.')
-            return false;
-    return true;
+    return std::all_of(text.begin(), text.end(), [&isLetter](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    });
 }
 
 /// The prefixes of the exclusive form.
