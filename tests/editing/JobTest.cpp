@@ -24,6 +24,8 @@ TEST(Jobs, areReadAsTheyAreWritten) {
         R"({"do":"relate","source":"/","type":"t:t","target":"x"},{"do":"unrelate","source":"/","id":"i"},)"
         R"({"do":"retarget","source":"/","id":"i","target":"x"},{"do":"gc"},)"
         R"({"do":"props","clear":true,"unset":["creator"],"set":{"title":"t"}},)"
+        R"({"do":"props","kind":"custom","set":{"n":{"type":"i4","text":"5"}}},)"
+        R"({"do":"clean","what":["core","thumbnails"]},)"
         R"({"do":"check","failOn":"warning","profile":"all"},{"do":"check","failOn":"error","profile":"opc"})");
     std::string written;
     for (const char character : writeJob(readJob(text)))
@@ -57,6 +59,10 @@ TEST(Jobs, areRefusedWhereTheySayAnythingElse) {
         {jobOf(R"({"do":"rm","part":"/a","cascade":1})"), "step 1 (rm): cascade is neither true nor false"},
         {jobOf(R"({"do":"props","set":{"title":1}})"), "step 1 (props): set isn't an object of texts"},
         {jobOf(R"({"do":"props","unset":"title"})"), "step 1 (props): unset isn't a list of texts"},
+        {jobOf(R"({"do":"props","kind":"x"})"), "step 1 (props): kind is none of core, custom and extended"},
+        {jobOf(R"({"do":"props","kind":"custom","set":{"n":{"type":"i4"}}})"), "n: text is missing"},
+        {jobOf(R"({"do":"clean","what":["all"]})"),
+         "step 1 (clean): what has none of core, extended, custom and thumbnails: all"},
         {jobOf(R"({"do":"check","failOn":"x"})"),
          "step 1 (check): failOn is none of error, warning and info"},
         {jobOf(R"({"do":"check","profile":"x"})"),
@@ -149,6 +155,15 @@ change property title in /metadata/coreProperties.xml from "first" to "second"
     EXPECT_EQ(apply(R"({"do":"props","set":{"modified":"soon"}})"), "opc::Exception: soon isn't a time");
     EXPECT_EQ(apply(R"({"do":"props","clear":true})"), "");
     EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
+}
+
+TEST_F(AppliedJobs, setCustomPropertiesAndTakeMetadataOut) {
+    EXPECT_EQ(apply(R"({"do":"props","kind":"custom","set":{"n":{"type":"i4","text":"5"},"m":"x"}})"), "");
+    EXPECT_EQ(readProperties(package, PropertyKind::Custom).size(), 2U);
+    EXPECT_NE(apply(R"({"do":"props","kind":"custom","set":{"n":{"type":"i4","text":"five"}}})"), "");
+    EXPECT_EQ(apply(R"({"do":"props","set":{"title":"t"}},{"do":"clean","what":["custom"]})"), "");
+    EXPECT_TRUE(readProperties(package, PropertyKind::Custom).empty());
+    EXPECT_FALSE(PackageHelper::getCoreProperties(package).isEmpty());
 }
 
 TEST_F(AppliedJobs, nameTheStepThatFails) {

@@ -100,7 +100,8 @@ const Command APPLY{
     declare,
     "A job is JSON: a list of steps, each with what one of the commands add, put, rm, mv, retype, relate, "
     "unrelate, "
-    "retarget, gc, props and check takes. The schema command prints its schema with --job. Contents stand in "
+    "retarget, gc, props, clean and check takes. The schema command prints its schema with --job. Contents "
+    "stand in "
     "the "
     "job, or in files "
     "in its folder. The package is checked before it replaces the old one: a new error refuses it.",

@@ -91,6 +91,13 @@ struct StepMaker {
     }
     void operator()(const CollectStep& /*step*/) const { collectUnreachable(editor); }
     void operator()(const PropertiesStep& step) const { changeCoreProperties(editor, step.core); }
+    void operator()(const OfficePropertiesStep& step) const {
+        for (const Property& property : step.changes.set)
+            if (const std::string defect = findDefect(step.kind, property); !defect.empty())
+                throw Exception(defect);
+        changeProperties(editor, step.kind, step.changes);
+    }
+    void operator()(const CleanStep& step) const { clean(editor, step.options); }
     void operator()(const CheckStep& /*step*/) const {}
 
     Editor& editor;

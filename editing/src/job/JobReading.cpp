@@ -1,5 +1,6 @@
 #include <opc/editing/Job.hpp>
 
+#include "job/CleaningNames.hpp"
 #include "job/JobMembers.hpp"
 #include "job/StepNames.hpp"
 
@@ -8,6 +9,8 @@
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace opc::editing {
@@ -104,7 +107,53 @@ Step readCollect(JobMembers& /*members*/) {
     return CollectStep{};
 }
 
+/// A text, or an object with a type and a text.
+Property readProperty(JobMembers& members, const std::string& name, const json& value) {
+    if (value.is_string())
+        return {name, {"lpwstr", value.get<std::string>(), {}}};
+    if (!value.is_object())
+        members.fail("set has neither a text nor an object for " + name);
+    JobMembers own(value, name);
+    Property property{name, {own.text("type"), own.text("text"), {}}};
+    own.end();
+    return property;
+}
+
+Step readOfficeProperties(JobMembers& members, PropertyKind kind) {
+    OfficePropertiesStep step{kind, {}};
+    step.changes.clear = members.flag("clear");
+    if (members.has("unset"))
+        step.changes.unset = readList(members, "unset");
+    if (!members.has("set"))
+        return step;
+    const json& set = members.value("set");
+    if (!set.is_object())
+        members.fail("set isn't an object");
+    for (const auto& property : set.items())
+        step.changes.set.push_back(readProperty(members, property.key(), property.value()));
+    return step;
+}
+
+Step readClean(JobMembers& members) {
+    CleanStep step{{false, false, false, false}};
+    for (const std::string& wanted : readList(members, "what")) {
+        const auto* const found =
+            std::find_if(std::begin(CLEANING), std::end(CLEANING),
+                         [&wanted](const auto& entry) { return wanted == entry.first; });
+        if (found == std::end(CLEANING))
+            members.fail("what has none of core, extended, custom and thumbnails: " + wanted);
+        step.options.*found->second = true;
+    }
+    return step;
+}
+
 Step readProperties(JobMembers& members) {
+    const std::string kind = members.text("kind", "core");
+    if (kind == "custom" || kind == "extended")
+        return readOfficeProperties(members,
+                                    kind == "custom" ? PropertyKind::Custom : PropertyKind::Extended);
+    if (kind != "core")
+        members.fail("kind is none of core, custom and extended");
     PropertiesStep step;
     step.core.clear = members.flag("clear");
     if (members.has("unset"))
@@ -145,7 +194,7 @@ Step readStep(const json& object, std::size_t number) {
         {"add", readAdd},           {"put", readPut},           {"rm", readRemove},
         {"mv", readMove},           {"retype", readRetype},     {"relate", readRelate},
         {"unrelate", readUnrelate}, {"retarget", readRetarget}, {"gc", readCollect},
-        {"props", readProperties},  {"check", readCheck}};
+        {"props", readProperties},  {"clean", readClean},       {"check", readCheck}};
     const std::string name = JobMembers(object, placeOf(number, {})).text("do");
     const auto kind = kinds.find(name);
     if (kind == kinds.end())

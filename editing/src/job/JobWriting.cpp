@@ -1,5 +1,6 @@
 #include <opc/editing/Job.hpp>
 
+#include "job/CleaningNames.hpp"
 #include "job/StepNames.hpp"
 
 #include <opc/core/Text.hpp>
@@ -85,6 +86,19 @@ struct StepWriter {
             object["unset"] = step.core.unset;
         for (const auto& [name, value] : step.core.set)
             object["set"][name] = value;
+    }
+    void operator()(const OfficePropertiesStep& step) const {
+        object["kind"] = step.kind == PropertyKind::Custom ? "custom" : "extended";
+        addFlag(object, "clear", step.changes.clear);
+        if (!step.changes.unset.empty())
+            object["unset"] = step.changes.unset;
+        for (const Property& property : step.changes.set)
+            object["set"][property.name] = {{"type", property.value.type}, {"text", property.value.text}};
+    }
+    void operator()(const CleanStep& step) const {
+        for (const auto& [name, option] : CLEANING)
+            if (step.options.*option)
+                object["what"].push_back(name);
     }
     void operator()(const CheckStep& step) const {
         using inspection::Severity;
@@ -172,10 +186,17 @@ std::string_view jobSchema() {
         {"required": ["do"], "properties": {"do": {"const": "gc"}}},
         {"required": ["do"],
          "properties": {"do": {"const": "props"},
-          "clear": {"description": "whether all core properties are dropped first", "type": "boolean"},
-          "unset": {"description": "core properties that are dropped", "type": "array", "items": {"type": "string"}},
-          "set": {"description": "core properties and their values; a time may be now", "type": "object",
-           "additionalProperties": {"type": "string"}}}},
+          "kind": {"description": "which properties; core if it is missing", "enum": ["core", "custom", "extended"]},
+          "clear": {"description": "whether all of the kind are dropped first", "type": "boolean"},
+          "unset": {"description": "properties that are dropped", "type": "array", "items": {"type": "string"}},
+          "set": {"description": "properties and their values; a time of core properties may be now", "type": "object",
+           "additionalProperties": {"anyOf": [{"type": "string"},
+            {"description": "of custom properties, with the type of the value", "type": "object", "required": ["type", "text"],
+             "additionalProperties": false, "properties": {"type": {"type": "string"}, "text": {"type": "string"}}}]}}}},
+        {"required": ["do", "what"],
+         "properties": {"do": {"const": "clean"},
+          "what": {"description": "the metadata that are taken out", "type": "array",
+           "items": {"enum": ["core", "extended", "custom", "thumbnails"]}}}},
         {"required": ["do"],
          "properties": {"do": {"const": "check"},
           "failOn": {"description": "no finding of this severity or a higher one at the end", "enum": ["error", "warning", "info"]},

@@ -15,6 +15,8 @@ struct Namer {
     const char* operator()(const RetargetStep&) const { return "retarget"; }
     const char* operator()(const CollectStep&) const { return "gc"; }
     const char* operator()(const PropertiesStep&) const { return "props"; }
+    const char* operator()(const OfficePropertiesStep&) const { return "props"; }
+    const char* operator()(const CleanStep&) const { return "clean"; }
     const char* operator()(const CheckStep&) const { return "check"; }
 };
 

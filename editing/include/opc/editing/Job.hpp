@@ -1,8 +1,10 @@
 #pragma once
 
+#include <opc/editing/Cleaning.hpp>
 #include <opc/editing/CorePropertyChanges.hpp>
 #include <opc/editing/Editor.hpp>
 #include <opc/editing/Export.hpp>
+#include <opc/editing/Properties.hpp>
 #include <opc/editing/Removing.hpp>
 
 #include <opc/inspection/Rule.hpp>
@@ -69,6 +71,16 @@ struct PropertiesStep {
     CorePropertyChanges core;
 };
 
+/// Custom or extended properties.
+struct OfficePropertiesStep {
+    PropertyKind kind = PropertyKind::Custom;
+    PropertyChanges changes;
+};
+
+struct CleanStep {
+    CleaningOptions options;
+};
+
 /// The package as it is at the end of the job must have no finding of this severity or a higher one.
 struct CheckStep {
     inspection::Severity failOn = inspection::Severity::Error;
@@ -77,8 +89,9 @@ struct CheckStep {
 
 /// @}
 
-using Step = std::variant<AddStep, PutStep, RemoveStep, MoveStep, RetypeStep, RelateStep, UnrelateStep,
-                          RetargetStep, CollectStep, PropertiesStep, CheckStep>;
+using Step =
+    std::variant<AddStep, PutStep, RemoveStep, MoveStep, RetypeStep, RelateStep, UnrelateStep, RetargetStep,
+                 CollectStep, PropertiesStep, OfficePropertiesStep, CleanStep, CheckStep>;
 
 /// Changes to be made together, in their order. A value type.
 struct Job {
