@@ -49,6 +49,14 @@ std::vector<unsigned char> makeSignatureValue(const std::vector<unsigned char>& 
     return module().makeSignatureValue(privateKey, scheme, algorithm, content);
 }
 
+SigningKey readSigningKey(const std::vector<unsigned char>& encoded) {
+    return module().readSigningKey(encoded);
+}
+
+PublicKeyNumbers getPublicKeyNumbers(const std::vector<unsigned char>& publicKey) {
+    return module().publicKeyNumbers(publicKey);
+}
+
 namespace cryptopp {
 
 std::shared_ptr<DigestEngine> CryptoProvider::createDigestEngine(DigestAlgorithm algorithm) {
@@ -143,6 +151,14 @@ X509Certificate::Validity X509Certificate::getValidity() const {
     return (this->*module().validity)();
 }
 
+std::string X509Certificate::getIssuer() const {
+    return (this->*module().issuer)();
+}
+
+std::string X509Certificate::getSerialNumber() const {
+    return (this->*module().serialNumber)();
+}
+
 CertificateValidationResults X509Certificate::validateCertificate(const X509CertificateChain& chain,
                                                                   const CertificateValidationOptions& options,
                                                                   const TrustStore& trustStore) const {
@@ -155,6 +171,10 @@ PKCS12Certificate::PKCS12Certificate(const Bytes& bytes, const std::string& pass
 
 Bytes PKCS12Certificate::getPrivateExponent() const {
     return (this->*module().privateExponent)();
+}
+
+KeyBundle readKeyBundle(const Bytes& bytes, const std::string& password) {
+    return module().readKeyBundle(bytes, password);
 }
 
 void CertificateValidationOptions::addRevocationList(const Bytes& bytes) {

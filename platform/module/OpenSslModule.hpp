@@ -2,10 +2,12 @@
 
 #include "CertificateFile.hpp"
 
+#include <bedrock/certificates/KeyBundle.hpp>
 #include <bedrock/certificates/PKCS12Certificate.hpp>
 #include <bedrock/certificates/TimeStamp.hpp>
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <bedrock/crypto/SignatureValue.hpp>
+#include <bedrock/crypto/SigningKey.hpp>
 #include <bedrock/crypto/interfaces/ICryptoProvider.hpp>
 
 namespace bedrock {
@@ -30,6 +32,8 @@ struct OpenSslModule {
     decltype(&crypto::makeECPublicKey) makeECPublicKey;
     decltype(&crypto::checkSignatureValue) checkSignatureValue;
     decltype(&crypto::makeSignatureValue) makeSignatureValue;
+    decltype(&crypto::readSigningKey) readSigningKey;
+    decltype(&crypto::getPublicKeyNumbers) publicKeyNumbers;
 
     X509 (*certificate)(const Bytes& bytes);
     decltype(&X509::getKeySize) keySize;
@@ -42,10 +46,13 @@ struct OpenSslModule {
     decltype(&X509::getSHA256Fingerprint) fingerprint;
     decltype(&X509::getSubject) subject;
     decltype(&X509::getValidity) validity;
+    decltype(&X509::getIssuer) issuer;
+    decltype(&X509::getSerialNumber) serialNumber;
     decltype(&X509::validateCertificate) validate;
 
     Pkcs12 (*bundle)(const Bytes& bytes, const std::string& password);
     decltype(&Pkcs12::getPrivateExponent) privateExponent;
+    decltype(&certificates::readKeyBundle) readKeyBundle;
 
     decltype(&Options::addRevocationList) addRevocationList;
 

@@ -1,8 +1,11 @@
 #include <bedrock/certificates/PKCS12Certificate.hpp>
 
 #include "CertificateAccess.hpp"
+#include "SigningKeyReading.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/KeyBundle.hpp>
+#include <bedrock/crypto/utils/Exceptions.hpp>
 
 #include <openssl/core_names.h>
 #include <openssl/err.h>
@@ -21,12 +24,6 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-struct Content {
-    openssl::PkeyPtr key;
-    openssl::X509Ptr certificate;
-    openssl::X509StackPtr others;
-};
-
 /// Provides old algorithms, in a context of its own, so that the application's context doesn't change.
 struct LegacyContext {
     LegacyContext() : library(openssl::made(openssl::LibraryPtr(OSSL_LIB_CTX_new()))) {
@@ -37,6 +34,13 @@ struct LegacyContext {
     openssl::LibraryPtr library;
     openssl::ProviderPtr ordinary;
     openssl::ProviderPtr legacy; // null if it isn't installed
+};
+
+struct Content {
+    std::unique_ptr<LegacyContext> legacy; ///< if it was read in one; outlives the rest
+    openssl::PkeyPtr key;
+    openssl::X509Ptr certificate;
+    openssl::X509StackPtr others;
 };
 
 openssl::Pkcs12Ptr decode(const Bytes& bytes, OSSL_LIB_CTX* library) {
@@ -83,6 +87,26 @@ X509Certificate copyOf(X509& certificate) {
     return X509Certificate(openssl::toDer<i2d_X509>(certificate));
 }
 
+std::vector<X509Certificate> othersOf(const Content& content) {
+    std::vector<X509Certificate> others;
+    for (int index = 0; content.others && index < sk_X509_num(content.others.get()); ++index)
+        others.push_back(copyOf(*sk_X509_value(content.others.get(), index)));
+    return others;
+}
+
+Content open(const Bytes& bytes, const std::string& password) {
+    Content content;
+    if (open(*decode(bytes, nullptr), password, content))
+        return content;
+    if (!isAlgorithmMissing())
+        failToOpen(false);
+    content.legacy = std::make_unique<LegacyContext>();
+    ERR_clear_error();
+    if (!open(*decode(bytes, content.legacy->library.get()), password, content))
+        failToOpen(!content.legacy->legacy);
+    return content;
+}
+
 Bytes exponentOf(const EVP_PKEY& key) {
     if (EVP_PKEY_is_a(&key, "RSA-PSS"))
         throw CertificateException("The private key of the bundle is for RSA-PSS, which isn't supported.");
@@ -93,30 +117,44 @@ Bytes exponentOf(const EVP_PKEY& key) {
     return openssl::toBytes(*exponent);
 }
 
+/// The key of a bundle in the ordinary context, where the numbers of a key from an old bundle can be checked, too.
+crypto::SigningKey keyOf(EVP_PKEY& key) try {
+    const openssl::Pkcs8Ptr structure = openssl::made(openssl::Pkcs8Ptr(EVP_PKEY2PKCS8(&key)));
+    const openssl::PkeyPtr ordinary(EVP_PKCS82PKEY(structure.get()));
+    if (!ordinary)
+        openssl::fail<CertificateException>("The private key of the bundle can't be used.");
+    return crypto::encodeSigningKey(*ordinary);
+} catch (const crypto::utils::InvalidKey& failure) {
+    throw CertificateException(std::string("The private key of the bundle can't be used: ") + failure.what());
+}
+
 } // namespace
 
 PKCS12Certificate::PKCS12Certificate(const Bytes& bytes, const std::string& password) {
     const openssl::ErrorScope scope;
-    std::unique_ptr<LegacyContext> legacy; // must outlive what is read in it
-    Content content;
-    if (!open(*decode(bytes, nullptr), password, content)) {
-        if (!isAlgorithmMissing())
-            failToOpen(false);
-        legacy = std::make_unique<LegacyContext>();
-        ERR_clear_error();
-        if (!open(*decode(bytes, legacy->library.get()), password, content))
-            failToOpen(!legacy->legacy);
-    }
+    const Content content = open(bytes, password);
     if (content.key)
         key = std::make_shared<Key>(exponentOf(*content.key));
     if (content.certificate)
         certificate = copyOf(*content.certificate);
-    for (int index = 0; content.others && index < sk_X509_num(content.others.get()); ++index)
-        chain.addCertificate(copyOf(*sk_X509_value(content.others.get(), index)));
+    for (X509Certificate& other : othersOf(content))
+        chain.addCertificate(std::move(other));
 }
 
 Bytes PKCS12Certificate::getPrivateExponent() const {
     return key ? key->exponent.get() : Bytes();
+}
+
+KeyBundle readKeyBundle(const Bytes& bytes, const std::string& password) {
+    const openssl::ErrorScope scope;
+    const Content content = open(bytes, password);
+    KeyBundle bundle;
+    if (content.key)
+        bundle.key = keyOf(*content.key);
+    if (content.certificate)
+        bundle.certificate = copyOf(*content.certificate);
+    bundle.others = othersOf(content);
+    return bundle;
 }
 
 } // namespace bedrock::certificates

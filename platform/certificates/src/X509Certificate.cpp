@@ -49,6 +49,10 @@ std::string toText(const ASN1_TIME* time) {
     return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &fields)};
 }
 
+void freeText(char* text) {
+    OPENSSL_free(text);
+}
+
 } // namespace
 
 openssl::X509Ptr detail::readPemCertificate(BIO& source, decltype(PEM_read_bio_X509)& read) {
@@ -158,6 +162,22 @@ X509Certificate::Validity X509Certificate::getValidity() const {
     const openssl::ErrorScope scope;
     const X509& certificate = CertificateAccess::get(*this);
     return {toText(X509_get0_notBefore(&certificate)), toText(X509_get0_notAfter(&certificate))};
+}
+
+std::string X509Certificate::getIssuer() const {
+    const openssl::ErrorScope scope;
+    return detail::toText(*X509_get_issuer_name(&CertificateAccess::get(*this)));
+}
+
+std::string X509Certificate::getSerialNumber() const {
+    const openssl::ErrorScope scope;
+    const openssl::BnPtr number(
+        ASN1_INTEGER_to_BN(X509_get0_serialNumber(&CertificateAccess::get(*this)), nullptr));
+    const std::unique_ptr<char, openssl::Deleter<freeText>> digits(number ? BN_bn2dec(number.get())
+                                                                          : nullptr);
+    if (!digits)
+        openssl::fail<X509CertificateException>("The serial number of a certificate can't be read.");
+    return digits.get();
 }
 
 } // namespace bedrock::certificates

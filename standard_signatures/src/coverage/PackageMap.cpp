@@ -1,6 +1,7 @@
 #include "coverage/PackageMap.hpp"
 
 #include "names/PartNames.hpp"
+#include "names/SignatureParts.hpp"
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
@@ -9,13 +10,6 @@
 namespace opc::standard_signatures {
 
 namespace {
-
-constexpr std::string_view ORIGIN =
-    "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/origin";
-constexpr std::string_view SIGNATURE =
-    "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/signature";
-constexpr std::string_view CERTIFICATE =
-    "http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/certificate";
 
 constexpr std::string_view LEFT_OUT_BY_CUSTOM[] = {
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
@@ -47,7 +41,7 @@ PackageMap::PackageMap(PackageContents& contents) {
         (one.role == RelationshipRole::Content ? contentTargets : exempt).insert(one.target);
         if (one.role == RelationshipRole::OfSignatures)
             ofSignatures.insert(one.target);
-        if (one.values->type == SIGNATURE && seen.insert(one.target).second)
+        if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
 }
@@ -81,16 +75,17 @@ void PackageMap::giveRoles() {
     };
     std::unordered_set<const StoredPart*> certificates;
     give(
-        ORIGIN, [](const MappedRelationship& one, const StoredPart*) { return *one.document->source == "/"; },
+        ORIGIN_RELATIONSHIP,
+        [](const MappedRelationship& one, const StoredPart*) { return *one.document->source == "/"; },
         origins);
     give(
-        SIGNATURE,
+        SIGNATURE_RELATIONSHIP,
         [this](const MappedRelationship&, const StoredPart* source) {
             return source != nullptr && origins.count(source) != 0;
         },
         signaturesOfOrigins);
     give(
-        CERTIFICATE,
+        CERTIFICATE_RELATIONSHIP,
         [this](const MappedRelationship&, const StoredPart* source) {
             return source != nullptr && signaturesOfOrigins.count(source) != 0;
         },
@@ -102,10 +97,19 @@ void PackageMap::giveRoles() {
             one.role = RelationshipRole::LeftOutByCustom;
 }
 
+const StoredPart* PackageMap::origin() const {
+    for (const MappedRelationship& one : all)
+        if (one.role == RelationshipRole::OfSignatures && one.values->type == ORIGIN_RELATIONSHIP &&
+            one.target != nullptr)
+            return one.target;
+    return nullptr;
+}
+
 std::vector<const StoredPart*> PackageMap::certificatesOf(const StoredPart& signature) const {
     std::vector<const StoredPart*> found;
     for (std::size_t i = 0; i < all.size(); ++i)
-        if (sources[i] == &signature && all[i].target != nullptr && all[i].values->type == CERTIFICATE)
+        if (sources[i] == &signature && all[i].target != nullptr &&
+            all[i].values->type == CERTIFICATE_RELATIONSHIP)
             found.push_back(all[i].target);
     return found;
 }

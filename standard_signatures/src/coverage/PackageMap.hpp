@@ -40,6 +40,14 @@ public:
     const std::vector<const StoredPart*>& signatures() const { return signatureParts; }
     bool hasOrigin() const { return !origins.empty(); }
 
+    /// The first origin of signatures; null if there is none.
+    const StoredPart* origin() const;
+
+    /// The part in which the relationship stands; null for the package.
+    const StoredPart* sourceOf(const MappedRelationship& relationship) const {
+        return sources[static_cast<std::size_t>(&relationship - all.data())];
+    }
+
     /// The certificates that the relationships of a signature part lead to.
     std::vector<const StoredPart*> certificatesOf(const StoredPart& signature) const;
 
@@ -59,8 +67,5 @@ private:
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, exempt, ofSignatures, contentTargets;
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
-
-constexpr const char* SIGNATURE_CONTENT_TYPE =
-    "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
 
 } // namespace opc::standard_signatures

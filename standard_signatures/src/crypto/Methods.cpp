@@ -3,6 +3,7 @@
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 
 namespace opc::standard_signatures {
@@ -83,6 +84,20 @@ const DigestMethod& findDigestMethod(std::string_view uri) {
 
 const SignatureMethod& findSignatureMethod(std::string_view uri) {
     return require(SIGNATURES, uri);
+}
+
+const DigestMethod& digestMethodOf(DigestAlgorithm algorithm) {
+    for (const DigestMethod& one : DIGESTS)
+        if (one.algorithm == algorithm)
+            return one;
+    throw std::logic_error("no such digest");
+}
+
+const SignatureMethod& signatureMethodOf(SignatureScheme scheme, DigestAlgorithm algorithm) {
+    for (const SignatureMethod& one : SIGNATURES)
+        if (one.scheme == scheme && one.algorithm == algorithm)
+            return one;
+    throw std::logic_error("no such signature method");
 }
 
 bool findCanonicalForm(std::string_view uri, CanonicalForm& form) {

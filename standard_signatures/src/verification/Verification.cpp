@@ -4,6 +4,7 @@
 #include "content/PackageContents.hpp"
 #include "coverage/PackageMap.hpp"
 #include "coverage/SignedContents.hpp"
+#include "names/SignatureParts.hpp"
 #include "reason/Refusal.hpp"
 #include "trust/TrustCheck.hpp"
 #include "verification/CryptographyCheck.hpp"

@@ -70,6 +70,12 @@ public:
     /// @throws X509CertificateException  also if its dates can't be read
     Validity getValidity() const;
 
+    /// The issuer in the same form.
+    std::string getIssuer() const;
+
+    /// The serial number, in decimal digits.
+    std::string getSerialNumber() const;
+
     /// Validates the certificate. It checks in this order:
     ///
     /// 1. A chain leads through certificates of `chain` to a certificate of `trustStore` and is valid by RFC 5280 section 6,

@@ -1,0 +1,77 @@
+#include "signing/Manifest.hpp"
+
+#include "crypto/Digest.hpp"
+#include "document/Vocabulary.hpp"
+#include "reason/Refusal.hpp"
+#include "signing/SignatureText.hpp"
+#include "transform/RelationshipTransform.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/interfaces/IPhysicalPart.hpp>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+bool isUnreserved(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '.' || c == '_' || c == '~';
+}
+
+/// Percent-encodes every byte that is neither unreserved nor one of `others` (RFC 3986 section 2.1).
+std::string encodePercent(std::string_view text, std::string_view others) {
+    std::string encoded;
+    for (const char c : text)
+        if (isUnreserved(c) || others.find(c) != std::string_view::npos)
+            encoded += c;
+        else {
+            const auto byte = static_cast<unsigned char>(c);
+            encoded += {'%', "0123456789ABCDEF"[byte >> 4], "0123456789ABCDEF"[byte & 15]};
+        }
+    return encoded;
+}
+
+/// The part name as it stands in the store, where it may be encoded already, and the content type.
+std::string uriOf(const StoredPart& part) {
+    return encodePercent(toUDEString(part.physical->getName()), "%/!$&'()*+,;=:@") +
+           "?ContentType=" + encodePercent(*part.contentType, "/+;=!$'()*,:@");
+}
+
+std::string composeReference(const StoredPart& part, const std::string& transforms,
+                             const DigestMethod& method, const std::vector<unsigned char>& digest) {
+    return "<Reference URI=\"" + escapedAttribute(uriOf(part)) + "\">" + transforms +
+           composeDigest(method, digest) + "</Reference>";
+}
+
+std::string composeTransforms(const std::vector<const RelationshipValues*>& selected) {
+    std::string transforms = "<Transforms><Transform Algorithm=\"";
+    transforms += vocabulary::RELATIONSHIP_TRANSFORM;
+    transforms += "\">";
+    for (const RelationshipValues* const one : selected) {
+        transforms += "<mdssi:RelationshipReference xmlns:mdssi=\"";
+        transforms += vocabulary::PACKAGE_SIGNATURE;
+        transforms += "\" SourceId=\"" + escapedAttribute(one->id) + "\"/>";
+    }
+    transforms += "</Transform><Transform Algorithm=\"";
+    transforms += CANONICAL_XML;
+    return transforms + "\"/></Transforms>";
+}
+
+} // namespace
+
+std::string composeManifest(const SigningPlan& plan, PackageContents& contents, const DigestMethod& method) {
+    std::string manifest = "<Manifest>";
+    for (const SigningPlan::Relationships& one : plan.relationships)
+        manifest += composeReference(*one.document, composeTransforms(one.selected), method,
+                                     digestOf(canonicalize(one.selected), method));
+    try {
+        for (const StoredPart* const part : plan.parts)
+            manifest += composeReference(*part, {}, method, contents.digest(*part, method));
+    } catch (const Refusal& refusal) {
+        throw SigningRefused("The part " + refusal.reason().place +
+                             " can't be read: " + refusal.reason().text);
+    }
+    return manifest + "</Manifest>";
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "coverage/SignedContents.hpp"
+
+#include <opc/standard_signatures/Signing.hpp>
+
+#include <string>
+#include <vector>
+
+namespace opc::standard_signatures {
+
+/// What a new signature signs.
+struct SigningPlan {
+    struct Relationships {
+        const StoredPart* document;
+        std::vector<const RelationshipValues*> selected; ///< sorted by ID
+    };
+
+    std::vector<const StoredPart*> parts; ///< by their octets
+    std::vector<Relationships> relationships;
+
+    /// @throws SigningRefused
+    static SigningPlan make(PackageContents& contents, const PackageMap& map, const SigningOptions& options);
+
+    SignedContents signedContents() const;
+};
+
+/// The parts that no chain of relationships reaches from the package.
+std::vector<std::string> findUnreachable(const PackageContents& contents, const PackageMap& map);
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,220 @@
+#include "standard_signatures/SignedSample.hpp"
+#include "support/Outcome.hpp"
+#include "support/Texts.hpp"
+
+#include <opc/model/Package.hpp>
+#include <opc/standard_signatures/Signing.hpp>
+
+#include <gtest/gtest.h>
+#include <openssl/ec.h>
+
+#include <functional>
+
+namespace {
+
+using namespace opc;
+using namespace opc::test;
+using namespace opc::standard_signatures;
+using bedrock::crypto::DigestAlgorithm;
+
+/// What the model reads as it is.
+struct Sample : SignedSample {
+    Sample() { replace(u"/word/_rels/document.xml.rels", "\xC3\xA4.png", "%C3%A4.png"); }
+};
+
+Signer signerOf(const Identity& identity) {
+    return {bedrock::crypto::readSigningKey(identity.getPrivateKey()), identity.certificate, {}};
+}
+
+Identity identityOf(const std::string& key) {
+    return makeSigner(nullptr, [&key](CertificateRecipe& recipe) {
+        if (key[0] == 'P')
+            recipe.key = {EVP_EC_gen(key.c_str()), EVP_PKEY_free};
+        else if (key[0] == 'S')
+            recipe.key = makePssKey();
+        else
+            recipe.rsaBits = std::stoul(key);
+    });
+}
+
+/// Does something with the open package of a sample, and saves it.
+void change(SignedSample& sample, const std::function<void(model::Package&)>& action) {
+    model::Package package(sample.store);
+    package.open(interfaces::OpenMode::ReadWrite);
+    action(package);
+    package.close(false);
+}
+
+NewSignature sign(SignedSample& sample, const Signer& signer = signerOf(SignedSample::usualSigner()),
+                  const SigningOptions& options = {}) {
+    NewSignature signature;
+    change(sample, [&](model::Package& package) {
+        signature = standard_signatures::sign(package, sample.store, signer, options);
+    });
+    return signature;
+}
+
+VerificationPolicy trusting(const Identity& identity) {
+    VerificationPolicy policy;
+    policy.trust.emplace().roots.addCertificate(identity.certificate);
+    return policy;
+}
+
+/// Drops the origin that the sample has.
+void removeOrigin(SignedSample& sample) {
+    std::string text = toText(sample.store.partBytes(u"/_rels/.rels"));
+    const std::size_t place = text.find("<Relationship Id='rId3'");
+    text.erase(place, text.find("/>", place) + 2 - place);
+    sample.store.setPart(u"/_rels/.rels", toBytes(text));
+    change(sample, [](model::Package& package) {
+        package.deletePart(model::PartName(u"/_xmlsignatures/origin.sigs"));
+    });
+}
+
+TEST(StandardSigning, MakesSignaturesThatHoldWithEachKindOfKey) {
+    const struct {
+        std::string key;
+        DigestAlgorithm digest;
+        std::string method;
+    } cases[] = {
+        {"2048", DigestAlgorithm::SHA256, "RSA with SHA-256"},
+        {"3072", DigestAlgorithm::SHA384, "RSA with SHA-384"},
+        {"S", DigestAlgorithm::SHA256, "RSA-PSS with SHA-256"},
+        {"P-256", DigestAlgorithm::SHA256, "ECDSA with SHA-256"},
+        {"P-384", DigestAlgorithm::SHA384, "ECDSA with SHA-384"},
+        {"P-521", DigestAlgorithm::SHA512, "ECDSA with SHA-512"},
+    };
+    for (const auto& [key, digest, method] : cases) {
+        const Identity identity = identityOf(key);
+        Sample sample;
+        SigningOptions options;
+        options.digest = digest;
+        options.comments = "\xC3\xA4 <&> why";
+        const NewSignature made = sign(sample, signerOf(identity), options);
+        EXPECT_EQ(made.name, "sig1");
+        EXPECT_TRUE(made.coverage.isComplete()) << key;
+        EXPECT_EQ(made.coverage.byCustom.size(), 2U);
+        EXPECT_TRUE(made.unreachable.empty());
+        const PackageVerification result = sample.verify(trusting(identity));
+        EXPECT_TRUE(result.isYes()) << key;
+        const VerifiedSignature& signature = result.signatures.at(0);
+        EXPECT_EQ(signature.cryptography.method, method);
+        EXPECT_EQ(signature.cryptography.references.size(), 8U); // three objects, three parts, two sources
+        EXPECT_EQ(signature.coverage.signedRelationships, made.coverage.signedRelationships);
+        EXPECT_EQ(signature.part, made.part);
+
+        sample.replace(u"/word/document.xml", "content", "another");
+        EXPECT_FALSE(sample.verify(trusting(identity)).isYes());
+    }
+}
+
+TEST(StandardSigning, SignsWhatItIsToldTo) {
+    Sample whole;
+    SigningOptions options;
+    options.signsAll = true;
+    sign(whole, signerOf(SignedSample::usualSigner()), options);
+    EXPECT_TRUE(whole.verify().isYes());
+    EXPECT_TRUE(whole.verify().signatures[0].coverage.byCustom.empty());
+
+    Sample some;
+    options.parts = {"/word/media/%C3%A4.png", "/WORD/styles.xml", "/word/styles.xml"};
+    options.relationships = {{"/word/document.xml", "rId10"}, {"/", "rId1"}, {"/word/document.xml", "rId1"}};
+    EXPECT_FALSE(sign(some, signerOf(SignedSample::usualSigner()), options).coverage.isComplete());
+    const VerifiedSignature signature = some.verify().signatures.at(0);
+    EXPECT_EQ(signature.cryptography.status, CryptographyAnswer::Status::Valid);
+    EXPECT_EQ(signature.coverage.signedParts, 2U);
+    EXPECT_EQ(signature.coverage.signedRelationships, 3U);
+    EXPECT_EQ(signature.coverage.gapCount, 2U); // the document, and its picture's relationship
+}
+
+TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
+    Sample sample;
+    removeOrigin(sample);
+    const Signer signer = signerOf(SignedSample::usualSigner());
+    EXPECT_EQ(sign(sample, signer).part, "/_xmlsignatures/sig1.xml");
+    EXPECT_EQ(sign(sample, signer).part, "/_xmlsignatures/sig2.xml");
+    EXPECT_TRUE(sample.verify().isYes());
+    EXPECT_EQ(sample.verify().signatures.size(), 2U);
+
+    const auto remove = [&sample](const std::string& part) {
+        change(sample, [&](model::Package& package) { removeSignature(package, sample.store, part); });
+    };
+    remove("/_xmlsignatures/sig1.xml");
+    EXPECT_TRUE(sample.verify().isYes());
+    EXPECT_EQ(sign(sample, signer).name, "sig1");
+    remove("/_XmlSignatures/sig2.xml");
+    remove("/_xmlsignatures/sig1.xml");
+    change(sample, [](const model::Package& package) {
+        EXPECT_EQ(package.getParts().size(), 4U);
+        EXPECT_FALSE(package.hasRelationship(u"rId3"));
+    });
+}
+
+TEST(StandardSigning, SaysLittleAboutWhoSignsWithoutACertificate) {
+    for (const char* const key : {"2048", "P-384"}) {
+        const Identity identity = identityOf(key);
+        Sample sample;
+        sign(sample, {bedrock::crypto::readSigningKey(identity.getPrivateKey()), {}, {}});
+        const PackageVerification result = sample.verify();
+        EXPECT_EQ(result.signatures.at(0).cryptography.status, CryptographyAnswer::Status::Valid);
+        EXPECT_EQ(result.signatures[0].trust.status, TrustAnswer::Status::Unknown);
+        EXPECT_FALSE(result.isYes());
+    }
+}
+
+TEST(StandardSigning, NamesWhatNoRelationshipReaches) {
+    Sample sample;
+    sample.replace(u"/word/_rels/document.xml.rels", "<Relationship Id='rId10'", "<!--");
+    sample.replace(u"/word/_rels/document.xml.rels", "Target='styles.xml'/>", "-->");
+    EXPECT_EQ(sign(sample).unreachable, std::vector<std::string>{"/word/styles.xml"});
+}
+
+TEST(StandardSigning, RefusesWhatWouldDeceiveOrBreak) {
+    using Prepare = std::function<void(SignedSample&, Signer&, SigningOptions&)>;
+    const auto rawReferenceTo = [](SignedSample& sample, const std::u16string& part) {
+        SignatureRecipe recipe;
+        recipe.changeManifest = [&sample, part](std::string& manifest) {
+            manifest += sample.referenceTo(part, "application/vnd.openxmlformats-package.relationships+xml");
+        };
+        sample.sign();
+        sample.sign(recipe);
+    };
+    const std::string refused = "opc::standard_signatures::SigningRefused: ";
+    const std::pair<std::string, Prepare> cases[] = {
+        {"An RSA key of 1024 bits is too weak",
+         [](SignedSample&, Signer& signer, SigningOptions&) { signer = signerOf(identityOf("1024")); }},
+        {"The certificate isn't that of the private key",
+         [](SignedSample&, Signer& signer, SigningOptions&) {
+             signer.certificate = identityOf("P-256").certificate;
+         }},
+        {"The digest isn't SHA-256, SHA-384 or SHA-512",
+         [](SignedSample&, Signer&, SigningOptions& options) { options.digest = DigestAlgorithm::SHA1; }},
+        {"There is no private key", [](SignedSample&, Signer& signer, SigningOptions&) { signer.key = {}; }},
+        {"There is no part /word/none.xml",
+         [](SignedSample&, Signer&, SigningOptions& options) { options.parts = {"/word/none.xml"}; }},
+        {"There is no relationship rId9 of /",
+         [](SignedSample&, Signer&, SigningOptions& options) {
+             options.relationships = {{"/", "rId9"}};
+         }},
+        {"The signature /_xmlsignatures/sig1.xml signs /_xmlsignatures/_rels/origin.sigs.rels in a way that "
+         "allows no change of the signatures",
+         [&](SignedSample& sample, Signer&, SigningOptions&) {
+             rawReferenceTo(sample, u"/_xmlsignatures/_rels/origin.sigs.rels");
+         }},
+        {"The signature can't be written: ",
+         [](SignedSample&, Signer&, SigningOptions& options) { options.comments = "\x01"; }},
+    };
+    for (const auto& [message, prepare] : cases) {
+        Sample sample;
+        Signer signer = signerOf(SignedSample::usualSigner());
+        SigningOptions options;
+        prepare(sample, signer, options);
+        model::Package package(sample.store);
+        package.open(interfaces::OpenMode::ReadWrite);
+        const std::string outcome =
+            outcomeOf([&] { standard_signatures::sign(package, sample.store, signer, options); });
+        EXPECT_EQ(outcome.substr(0, refused.size() + message.size()), refused + message);
+    }
+}
+
+} // namespace
