@@ -124,6 +124,7 @@ std::vector<Case> archiveCases() {
         {"M3.16", cutOff},
         {"M3.17", inArchive([](RawArchive& a) { a.disk = 1; })},
         {"SEC-50", inArchive([](RawArchive& a) { a.behindDirectory = "data"; })},
+        {"SEC-50", inArchive([](RawArchive& a) { a.comment = "PK\5\6" + std::string(18, '\0') + "x"; })},
         {"SEC-46", inArchive([](RawArchive& a) { a.inFront = "MZ, a program"; })},
         {"SEC-46", inArchive([](RawArchive& a) { a.behind = "\n"; })},
         {"SEC-48", inArchive([](RawArchive& a) {

@@ -26,6 +26,17 @@ Outcome writeAnew(Round& round, const Finding& finding) {
     return mended("The archive is written anew without that");
 }
 
+/// An end record within a content stays with it, and one within the comment goes with it.
+Outcome writeOneEnd(Round& round, const Finding& finding) {
+    const std::uint64_t place = finding.place.offset.value_or(0);
+    for (const ArchiveItem& item : round.archive().items())
+        if (item.central && item.endOffset && *item.headerOffset <= place && place < *item.endOffset)
+            return left("It stands in the content of " + item.name);
+    if (round.archive().comment().find("PK\x05\x06") != std::string::npos)
+        round.plan.losesComment = true;
+    return writeAnew(round, finding);
+}
+
 /// Takes in the items that the directory has lost, and leaves out those whose content is lost.
 Outcome recover(Round& round, const Finding&) {
     std::unordered_set<std::string> names;
@@ -213,7 +224,7 @@ constexpr Mender ROWS[] = {
      "Writes the archive anew with the items that are there, and names those that are lost", recover},
     {"M3.17", Stage::Whole, "Writes one archive without these records", writeAnew},
     {"SEC-50", Stage::Whole, "Writes the archive anew with the items of the record that `items` shows",
-     writeAnew},
+     writeOneEnd},
     {"SEC-46", Stage::Whole, WRITES_ANEW, writeAnew},
     {"SEC-48", Stage::Whole, "Writes the archive anew without hidden items and gaps", writeAnew},
     {"M3.3", Stage::Whole, "Takes one of the two out if they are the same", dropTwin},

@@ -65,7 +65,7 @@ public:
         const std::uint64_t start = offset;
         put(directory);
         put(physical::zip::endRecords(count, start, directory.size(),
-                       plan.losesComment ? std::string() : plan.archive.comment()));
+                                      plan.losesComment ? std::string() : plan.archive.comment()));
     }
 
 private:

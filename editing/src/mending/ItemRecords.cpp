@@ -120,6 +120,7 @@ ItemRecord recordOf(const inspection::ArchiveItem& item) {
     record.size = header.size;
     record.extraFields = otherFields(header.extraFields);
     if (!item.central) {
+        record.compressedSize = *item.endOffset - *item.dataOffset;
         if (item.hasDescriptor) {
             record.checksum = item.descriptorChecksum;
             record.compressedSize = item.descriptorCompressedSize;

@@ -33,6 +33,7 @@ struct ItemRecord {
 };
 
 /// What the archive says of an item: the directory, or for a hidden item its local header and its data descriptor.
+/// @param item  if it is hidden, its end is known
 ItemRecord recordOf(const inspection::ArchiveItem& item);
 
 /// Gives a record the sizes, the checksum and the method of a new content.

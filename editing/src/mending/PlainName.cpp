@@ -10,7 +10,8 @@ namespace {
 constexpr char HEX_DIGITS[] = "0123456789ABCDEF";
 
 bool isUnreserved(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || std::string_view("-._~").find(c) != std::string_view::npos;
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           std::string_view("-._~").find(c) != std::string_view::npos;
 }
 
 bool isPlain(char c) {

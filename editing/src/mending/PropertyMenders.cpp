@@ -116,14 +116,16 @@ Outcome dropRepeated(Round& round, const Finding& finding) {
         const std::u16string_view content =
             std::u16string_view(document->text())
                 .substr(element.startTag.end, element.contentEnd - element.startTag.end);
-        const auto [place, isNew] = first.emplace(std::pair(element.namespaceURI, element.localName), content);
+        const auto [place, isNew] =
+            first.emplace(std::pair(element.namespaceURI, element.localName), content);
         if (isNew || place->second != content)
             continue;
         document->remove(i);
         isAny = true;
     }
     return isAny ? mended("What stands twice is taken out",
-                          {{Change::Kind::Mended, finding.place.part, {}, {}, {}}}) : left("Only a person knows which value is meant");
+                          {{Change::Kind::Mended, finding.place.part, {}, {}, {}}})
+                 : left("Only a person knows which value is meant");
 }
 
 Outcome dropRelationshipsOf(Round& round, const Finding& finding) {
@@ -181,14 +183,16 @@ Outcome correctThumbnail(Round& round, const Finding& finding) {
 
 constexpr Mender ROWS[] = {
     {"M4.1", Stage::Within,
-     "Takes a relationship out that leads nowhere or is one too many, or gives the part its type; the part of a "
+     "Takes a relationship out that leads nowhere or is one too many, or gives the part its type; the part "
+     "of a "
      "relationship too many stays",
      correctCore},
     {"M4.2", Stage::Within, "Takes the namespace out if no element uses it", dropCompatibility},
     {"M4.3", Stage::Within, "Takes the element out", dropRefinements},
     {"M4.4", Stage::Within, "Takes the attribute out", dropLanguages},
     {"M4.5", Stage::Within, "Writes the types of times, and takes others out", correctTypes},
-    {"CORE-SCHEMA", Stage::Within, "Takes an element out that stands twice with the same value", dropRepeated},
+    {"CORE-SCHEMA", Stage::Within, "Takes an element out that stands twice with the same value",
+     dropRepeated},
     {"P1-2", Stage::Within, "Takes the relationships part out", dropRelationshipsOf},
     {"M5.1", Stage::Within, "Takes a relationship out that leads nowhere, or gives the image its type",
      correctThumbnail},

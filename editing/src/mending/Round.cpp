@@ -93,21 +93,26 @@ Round::Round(const Archive& archive, const Subject& subject, std::string fileNam
 
 void Round::listItems() {
     for (const ArchiveItem& item : archive().items()) {
-        if (item.local)
-            itemsByOffset.emplace(*item.headerOffset, &item);
-        itemsByName.emplace(item.name, &item);
-        if (!item.partName.empty())
-            itemsByName.emplace(item.partName, &item);
+        itemsByName[item.name].push_back(&item);
+        if (!item.partName.empty() && item.partName != item.name)
+            itemsByName[item.partName].push_back(&item);
     }
 }
 
+/// Of several items of one name, the one at the place of the finding, or else one with a fault.
 const ArchiveItem* Round::itemOf(const Finding& finding) const {
     const inspection::Place& place = finding.place;
-    if (place.offset)
-        if (const auto found = itemsByOffset.find(*place.offset); found != itemsByOffset.end())
-            return found->second;
     const auto found = itemsByName.find(place.part.empty() ? place.item : place.part);
-    return found == itemsByName.end() || found->first.empty() ? nullptr : found->second;
+    if (found == itemsByName.end() || found->first.empty())
+        return nullptr;
+    const ArchiveItem* best = found->second.front();
+    for (const ArchiveItem* const item : found->second) {
+        if (place.offset && item->headerOffset == place.offset && item->local)
+            return item;
+        if (item->isFaulty && !best->isFaulty)
+            best = item;
+    }
+    return best;
 }
 
 const Round::Items& Round::itemsLike(const ArchiveItem& item) {

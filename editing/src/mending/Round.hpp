@@ -170,8 +170,7 @@ private:
     void prepare(EditedRelationships& edited) const;
     void prepareTypes();
 
-    std::unordered_map<std::uint64_t, const ArchiveItem*> itemsByOffset;
-    std::unordered_map<std::string_view, const ArchiveItem*> itemsByName;  ///< also by the names of parts
+    std::unordered_map<std::string_view, Items> itemsByName;               ///< also by the names of parts
     std::unordered_map<std::string, Items> itemsByPlainName, piecesByName; ///< made when they are needed
     std::unordered_map<std::string_view, const RelationshipsView*>
         viewsByPart; ///< null for a name that stands twice

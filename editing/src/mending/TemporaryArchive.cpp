@@ -28,7 +28,9 @@ namespace {
 /// A file in the folder for temporary files, which loses its name at the end.
 class NamedFile {
 public:
-    NamedFile() : name((std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string()), file(::mkostemp(name.data(), O_CLOEXEC)) {
+    NamedFile()
+        : name((std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string()),
+          file(::mkostemp(name.data(), O_CLOEXEC)) {
         if (!file.isOpen())
             fail(name + ": can't be made", errno);
     }
@@ -92,7 +94,8 @@ void copy(const Archive& archive, const mending::Sink& sink) {
 Archive mending::makeTemporaryArchive(const ArchivePlan& plan, const physical::ZipOptions& limits) {
     NamedFile file;
     Collector collector([&file](const unsigned char* bytes, std::size_t count) { file.write(bytes, count); });
-    write(plan, [&collector](const unsigned char* bytes, std::size_t count) { collector.take(bytes, count); });
+    write(plan,
+          [&collector](const unsigned char* bytes, std::size_t count) { collector.take(bytes, count); });
     collector.flush();
     return Archive(std::filesystem::path(file.path()), limits);
 }

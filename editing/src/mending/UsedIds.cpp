@@ -25,7 +25,8 @@ bool isXML(std::string_view mediaType) {
 /// attributes doesn't matter.
 class QuotedTexts {
 public:
-    QuotedTexts(const std::set<std::string>& wanted, std::size_t longest) : wanted(wanted), longest(longest) {}
+    QuotedTexts(const std::set<std::string>& wanted, std::size_t longest)
+        : wanted(wanted), longest(longest) {}
 
     void take(char c) {
         if (c == '"' || c == '\'') {
