@@ -12,9 +12,12 @@ import sys
 HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/editing/Cleaning.hpp>
 #include <opc/editing/FileContent.hpp>
 #include <opc/editing/Job.hpp>
+#include <opc/editing/Mending.hpp>
 #include <opc/editing/Moving.hpp>
+#include <opc/editing/Properties.hpp>
 #include <opc/editing/Removing.hpp>
 #include <opc/editing/ResultCheck.hpp>
 #include <opc/inspection/Comparison.hpp>
