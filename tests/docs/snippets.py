@@ -17,12 +17,13 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/editing/Job.hpp>
 #include <opc/editing/Mending.hpp>
 #include <opc/editing/Moving.hpp>
+#include <opc/editing/Packing.hpp>
 #include <opc/editing/Properties.hpp>
 #include <opc/editing/Removing.hpp>
-#include <opc/editing/ResultCheck.hpp>
-#include <opc/inspection/Comparison.hpp>
-#include <opc/editing/Packing.hpp>
 #include <opc/editing/Repacking.hpp>
+#include <opc/editing/ResultCheck.hpp>
+#include <opc/editing/Unpacking.hpp>
+#include <opc/inspection/Comparison.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>
 #include <opc/inspection/PackageGraph.hpp>
@@ -38,6 +39,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/RandomAccessSource.hpp>
 #include <opc/physical/ZipPackage.hpp>
+#include <opc/standard_signatures/Signing.hpp>
 #include <opc/standard_signatures/Verification.hpp>
 
 #include <iostream>
@@ -59,6 +61,8 @@ NAMES = {
     "officeDocument": "const std::u16string",
     "bytes": "std::vector<unsigned char>",
     "path": "const std::filesystem::path",
+    "certificate": "const bedrock::certificates::X509Certificate",
+    "keyBytes": "const std::vector<unsigned char>",
     "privateKey": "const std::vector<unsigned char>",
     "publicKey": "const std::vector<unsigned char>",
     "trustStore": "bedrock::certificates::TrustStore",
