@@ -8,7 +8,7 @@
 namespace opc::editing {
 
 FileContent::FileContent(std::filesystem::path path) : path(std::move(path)) {
-    open();
+    FileContent::open();
 }
 
 void FileContent::open() {

@@ -175,8 +175,8 @@ void CanonicalXml::passText(bool isWhole) {
     if (text.empty())
         return;
     if (levels.back().preservesSpace || !isBlank(text)) {
-        std::string content = escaped(text);
-        writeLine(isWhole ? withVisibleEnds(std::move(content)) : content, levels.size());
+        const std::string content = escaped(text);
+        writeLine(isWhole ? withVisibleEnds(content) : content, levels.size());
     }
     text.clear();
 }
