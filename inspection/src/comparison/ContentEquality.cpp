@@ -17,13 +17,16 @@ const ItemHeader& headerOf(const ArchiveItem& item) {
     return item.central ? *item.central : *item.local;
 }
 
+/// Flags that say nothing of how a content is read: how well it is compressed, a descriptor, a name in UTF-8.
+constexpr unsigned HARMLESS_FLAGS = 0x080E;
+
 bool haveSameShape(const ArchiveItem& left, const ArchiveItem& right) {
     const ItemHeader& one = headerOf(left);
     const ItemHeader& other = headerOf(right);
     return left.central && right.central && left.dataOffset && right.dataOffset &&
            left.unreadable == right.unreadable && one.method == other.method && one.size == other.size &&
            one.compressedSize == other.compressedSize && one.checksum == other.checksum &&
-           ((one.flags ^ other.flags) & 1U) == 0; // encrypted
+           ((one.flags ^ other.flags) & ~HARMLESS_FLAGS) == 0;
 }
 
 } // namespace
