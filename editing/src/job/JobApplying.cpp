@@ -35,7 +35,7 @@ TargetMode modeOf(bool external) {
 /// Finds a file of a job, by what it is when all links are followed.
 fs::path findFile(const JobFolder& folder, const std::string& from) {
     std::error_code error;
-    const fs::path file = fs::canonical(folder.path / from, error);
+    fs::path file = fs::canonical(folder.path / from, error);
     if (error)
         throw Exception(from + " can't be read", {error.value(), boost::system::generic_category()});
     const fs::path root = fs::canonical(folder.path);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/physical/ZipExport.hpp>
+
 #include <zlib.h>
 
 #include <cstddef>
@@ -8,7 +10,7 @@
 namespace opc::physical::zip {
 
 /// Compresses contents of any size to Deflate data, piece by piece, one after another. It allocates 256 KiB.
-class Deflater {
+class OPC_ZIP_EXPORT Deflater {
 public:
     Deflater() = default;
     Deflater(const Deflater&) = delete;
