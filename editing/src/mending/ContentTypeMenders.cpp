@@ -171,7 +171,7 @@ std::string withoutBlanks(std::string_view type) {
     return plain;
 }
 
-Outcome correctType(Round& round, const Finding& finding, std::string type) {
+Outcome correctType(Round& round, const Finding& finding, const std::string& type) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
         return left(NOT_EDITED);
