@@ -25,7 +25,7 @@ int refusePassword(char* /*buffer*/, int /*size*/, int /*writes*/, void* wasAske
 }
 
 PkeyPtr readKey(const Bytes& encoded) {
-    PkeyPtr key = openssl::fromDer<PkeyPtr, d2i_AutoPrivateKey>(encoded.data(), encoded.size());
+    auto key = openssl::fromDer<PkeyPtr, d2i_AutoPrivateKey>(encoded.data(), encoded.size());
     if (key)
         return key;
     ERR_clear_error();
