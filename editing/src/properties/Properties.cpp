@@ -176,7 +176,7 @@ void PropertyEditing::unset(const std::string& name) {
 }
 
 std::u16string PropertyEditing::contentOf(const PropertyValue& value) const {
-    const std::u16string text = escapeValue(wide(value.text));
+    std::u16string text = escapeValue(wide(value.text));
     if (kind == PropertyKind::Extended)
         return text;
     const auto declarations = document.markup().attributes(document.element(0));
