@@ -48,7 +48,7 @@ public:
 
 ZipPackage::ZipPackage(std::filesystem::path path, ZipOptions options)
     : impl(std::make_unique<Impl>(std::make_unique<zip::FileStore>(std::move(path), options.beforeReplacing),
-                                  options)) {
+                                  std::move(options))) {
 }
 
 ZipPackage::ZipPackage(Bytes archive, ZipOptions options)
