@@ -138,7 +138,8 @@ TEST_F(AppliedJobs, changeCorePropertiesAgainAndAgain) {
     for (const Change& change : editor.changes())
         told += describe(change) + "\n";
     EXPECT_EQ(told,
-              R"(add /metadata/coreProperties.xml, application/vnd.openxmlformats-package.core-properties+xml
+              R"(add relationship /#rId1 to metadata/coreProperties.xml, core-properties
+add /metadata/coreProperties.xml, application/vnd.openxmlformats-package.core-properties+xml
 change property created in /metadata/coreProperties.xml from nothing to "2024-02-29T00:00:00Z"
 change property keywords in /metadata/coreProperties.xml from nothing to "k"
 change property title in /metadata/coreProperties.xml from nothing to "first"

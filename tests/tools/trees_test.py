@@ -30,6 +30,12 @@ class Trees(OpctoolCase):
         self.assertEqual((outcome.status, self.read('out.docx')), (3, b'old'), outcome.errors)
         self.assertIn(words, outcome.errors)
 
+    def test_a_failure_takes_no_file_away_that_was_there(self):
+        (self.folder / 'tree/word/styles.xml').mkdir(parents=True)
+        self.write('tree/[Content_Types].xml', 'old')
+        self.assertEqual(self.run_tool('unpack a.docx tree --force').status, 3)
+        self.assertTrue((self.folder / 'tree/[Content_Types].xml').exists())
+
     def test_names_that_file_systems_or_git_take_for_others_get_other_files(self):
         cases = {
             'word/con.xml': 'word/_con.xml', 'word/DOCUMENT.XML.': 'word/DOCUMENT.XML_', '.git/config': '_.git/config',

@@ -7,6 +7,7 @@
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
+#include <opc/editing/CorePropertyChanges.hpp>
 #include <opc/model/PackageHelper.hpp>
 
 #include <CLI/CLI.hpp>
@@ -174,8 +175,10 @@ void changeCore(FileRun& run, const Arguments& arguments) {
                        parseKeyword);
         properties.setKeywords(keywords);
     }
+    const opc::editing::CorePropertiesRelationships relationships(*package);
     if (!properties.isEmpty() || hasCoreProperties(*package))
         write(run, *package, properties);
+    relationships.recordChanges(package.editor());
     record(package.editor(), findCorePropertiesPart(*package), before, describe(properties));
     package.finish();
 }

@@ -124,11 +124,13 @@ FileDescriptor FolderTree::create(const std::string& path) {
     const char* const name = path.c_str() + path.rfind('/') + 1;
     constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     FileDescriptor file(::openat(folder, name, FLAGS, 0666));
-    if (!file.isOpen() && errno == EEXIST && ::unlinkat(folder, name, 0) == 0)
+    const bool isNew = file.isOpen();
+    if (!isNew && errno == EEXIST && ::unlinkat(folder, name, 0) == 0)
         file = FileDescriptor(::openat(folder, name, FLAGS, 0666));
     if (!file.isOpen())
         failSystem(place(path), "can't be made", errno);
-    madeFiles.push_back(path);
+    if (isNew) // what it replaces, it doesn't take away if a later file fails
+        madeFiles.push_back(path);
     return file;
 }
 

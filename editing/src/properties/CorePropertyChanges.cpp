@@ -12,6 +12,7 @@
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include <algorithm>
 #include <optional>
 #include <variant>
 
@@ -82,13 +83,47 @@ std::optional<model::Part> findPart(const Package& package) {
     return target && package.hasPart(*target) ? std::optional(package.getPart(*target)) : std::nullopt;
 }
 
-void write(Package& package, const CoreProperties& properties) {
+void write(Editor& editor, const CoreProperties& properties) {
+    Package& package = editor.package();
     if (const auto part = findPart(package))
         part->restartOutputStream(); // it may have been written before
+    const CorePropertiesRelationships before(package);
     PackageHelper::mendCoreProperties(package, properties);
+    before.recordChanges(editor);
+}
+
+Change changeOf(Change::Kind kind, const model::Relationship& relationship) {
+    return {kind, "/", toUDEString(relationship.getID()), {}, {}};
 }
 
 } // namespace
+
+CorePropertiesRelationships::CorePropertiesRelationships(const Package& package) {
+    for (const model::Relationship& found :
+         package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()))
+        relationships.push_back(found);
+}
+
+void CorePropertiesRelationships::recordChanges(Editor& editor) const {
+    const CorePropertiesRelationships now(editor.package());
+    const auto isIn = [](const CorePropertiesRelationships& all, const model::Relationship& wanted) {
+        return std::any_of(all.relationships.begin(), all.relationships.end(), [&](const auto& one) {
+            return one.getID() == wanted.getID() && one.getTarget() == wanted.getTarget();
+        });
+    };
+    for (const model::Relationship& old : relationships)
+        if (!isIn(now, old)) {
+            Change change = changeOf(Change::Kind::RelationshipRemoved, old);
+            change.before = stateOf(old);
+            editor.record(std::move(change));
+        }
+    for (const model::Relationship& added : now.relationships)
+        if (!isIn(*this, added)) {
+            Change change = changeOf(Change::Kind::RelationshipAdded, added);
+            change.after = stateOf(added);
+            editor.record(std::move(change));
+        }
+}
 
 void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
     Package& package = editor.package();
@@ -102,7 +137,7 @@ void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
         fieldOf(name).visit(after, [&value = text](auto& member) { assign(member, value); });
     if (!hasThem && after.isEmpty())
         return;
-    write(package, after);
+    write(editor, after);
     const std::string part = toUDEString(findPart(package)->getName().toString());
     if (!hasThem || changes.clear) {
         Change change{hasThem ? Change::Kind::ContentReplaced : Change::Kind::PartAdded, part, {}, {}, {}};

@@ -78,7 +78,7 @@ public:
             loadFrom(*origins.begin());
             return std::move(list);
         } catch (const Exception& e) {
-            InvalidSignature failure =
+            auto failure =
                 translated<InvalidSignature>(e, e.what(), bedrock::codesigning_verifier::ErrorMap<102>());
             failure.addDetails(place);
             failure.setPart(part);

@@ -54,7 +54,7 @@ class XmlTree::Memory {
 public:
     std::string_view keep(std::string_view text) {
         if (text.empty())
-            return {"", 0};
+            return std::string_view("");
         auto* const place = static_cast<char*>(resource.allocate(text.size(), 1));
         std::copy(text.begin(), text.end(), place);
         return {place, text.size()};

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::string_view LEFT_OUT_BY_CUSTOM[] = {
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
-    "http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/"
-    "core-properties", // a common mistake
+    // a common mistake:
+    "http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/core-properties",
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail",
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties",
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties",

@@ -17,7 +17,7 @@ namespace opc::standard_signatures {
 namespace {
 
 const std::string START =
-    "<Signature xmlns=\"" + std::string(vocabulary::SIGNATURE) + "\" Id=\"idPackageSignature\">";
+    R"(<Signature xmlns=")" + std::string(vocabulary::SIGNATURE) + R"(" Id="idPackageSignature">)";
 constexpr const char* END = "</Signature>";
 
 /// Everything is digested as a reader of the whole document will find it: in its place below the root.

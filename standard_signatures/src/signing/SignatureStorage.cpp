@@ -38,7 +38,7 @@ const StoredPart* relationshipsOf(const std::string& source, const PackageConten
 /// The first name that no part has and no part is derived from: BASE1.END, BASE2.END …
 PartName findFreeName(const Package& package, const std::string& base, const std::string& end) {
     for (unsigned number = 1;; ++number) {
-        PartName name(wide(base + std::to_string(number) + end));
+        PartName name(wide(std::string(base).append(std::to_string(number)).append(end)));
         std::u16string existing;
         if (!package.hasPart(name) && !package.isPartDerivedFromExistingPartName(name, existing))
             return name;

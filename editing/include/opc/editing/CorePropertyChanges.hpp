@@ -17,8 +17,22 @@ struct CorePropertyChanges {
              ///< one text
 };
 
+/// The relationships of a package to its core properties, at one moment: writing core properties can make or replace one,
+/// and that can break a signature.
+class OPC_EDITING_EXPORT CorePropertiesRelationships {
+public:
+    /// @param package  open
+    explicit CorePropertiesRelationships(const model::Package& package);
+
+    /// Records how those of the editor's package differ from these.
+    void recordChanges(Editor& editor) const;
+
+private:
+    std::vector<model::Relationship> relationships;
+};
+
 /// Changes the core properties of a package, as often as you like. If it has none, their part and its relationship are made.
-/// Each property that has another value is recorded.
+/// Each property that has another value is recorded, and what is made.
 /// @throws opc::Exception  a name is unknown, or a value isn't a time. Nothing has changed
 /// @throws as `PackageHelper::getCoreProperties`, unless all are dropped, and as `PackageHelper::mendCoreProperties`
 OPC_EDITING_EXPORT void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes);
