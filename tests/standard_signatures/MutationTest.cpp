@@ -59,7 +59,7 @@ TEST(StandardVerification, SaysYesToNoOtherContent) {
         const bool isDocument = name == CONTENT_TYPES || name.find(u".rels") != std::u16string::npos;
         for (std::size_t i = 0; i < before.size() && !isLeftOut; ++i) {
             Bytes after = before;
-            after[i] ^= 1U << i % 7;
+            after[i] = static_cast<unsigned char>(after[i] ^ (1U << i % 7));
             setBytes(sample, name, after);
             ++changes;
             if (!sample.verify().isYes())
