@@ -11,6 +11,7 @@ namespace opc::inspection {
 /// The content of an item, or of pieces one after the other, ready to read.
 /// @param archive  must outlive the stream
 /// @param items    at least one
-OPC_INSPECTION_EXPORT std::unique_ptr<InputStream> openItems(const Archive& archive, const std::vector<const ArchiveItem*>& items);
+OPC_INSPECTION_EXPORT std::unique_ptr<InputStream> openItems(const Archive& archive,
+                                                             const std::vector<const ArchiveItem*>& items);
 
 } // namespace opc::inspection

@@ -11,6 +11,7 @@ namespace opc::physical::lenient {
 OPC_LENIENT_EXPORT std::u16string escapeValue(std::u16string_view value);
 
 /// Adds a blank and an attribute to a start tag.
-OPC_LENIENT_EXPORT void addAttribute(std::u16string& tag, std::u16string_view name, std::u16string_view value);
+OPC_LENIENT_EXPORT void addAttribute(std::u16string& tag, std::u16string_view name,
+                                     std::u16string_view value);
 
 } // namespace opc::physical::lenient

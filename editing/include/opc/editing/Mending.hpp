@@ -53,7 +53,8 @@ struct Mending {
 ///
 /// The new archive lies in a temporary file without a name. Memory and time are bounded by the limits of `options`.
 /// @throws opc::Exception  the archive's bytes can't be read, or the temporary file can't be written
-OPC_EDITING_EXPORT Mending mend(inspection::Archive archive, const inspection::InspectionOptions& options = {});
+OPC_EDITING_EXPORT Mending mend(inspection::Archive archive,
+                                const inspection::InspectionOptions& options = {});
 
 /// What `mend` does about a rule, as a sentence without a full stop; empty if it does nothing.
 /// @param rule  the id, as it is written in `inspection::Rule`
