@@ -1,0 +1,77 @@
+"""Packages in the Open Packaging Conventions (ECMA-376 Part 2): parts, relationships, properties and signatures."""
+
+from ._errors import (
+    BreaksSignatures as BreaksSignatures,
+    CertificateException as CertificateException,
+    CodesigningException as CodesigningException,
+    ContentTypeNotFound as ContentTypeNotFound,
+    ContentTypeParameterNotFound as ContentTypeParameterNotFound,
+    CouldNotComputeDigest as CouldNotComputeDigest,
+    CouldNotGenerateSignature as CouldNotGenerateSignature,
+    CouldNotRemoveSignature as CouldNotRemoveSignature,
+    CryptoNotLoaded as CryptoNotLoaded,
+    FormatError as FormatError,
+    InconsistentPackage as InconsistentPackage,
+    InstallationError as InstallationError,
+    InvalidContentType as InvalidContentType,
+    InvalidContentTypeParameter as InvalidContentTypeParameter,
+    InvalidContentTypeStream as InvalidContentTypeStream,
+    InvalidCorePropertiesRelationships as InvalidCorePropertiesRelationships,
+    InvalidJob as InvalidJob,
+    InvalidKey as InvalidKey,
+    InvalidObject as InvalidObject,
+    InvalidPartContent as InvalidPartContent,
+    InvalidPartName as InvalidPartName,
+    InvalidPartStream as InvalidPartStream,
+    InvalidRelationshipContent as InvalidRelationshipContent,
+    InvalidRelationshipID as InvalidRelationshipID,
+    InvalidRelationshipTarget as InvalidRelationshipTarget,
+    InvalidRelationshipType as InvalidRelationshipType,
+    InvalidResult as InvalidResult,
+    InvalidSignature as InvalidSignature,
+    InvalidURI as InvalidURI,
+    InvalidXMLDocument as InvalidXMLDocument,
+    InvalidXMLSchema as InvalidXMLSchema,
+    LenientWarning as LenientWarning,
+    NotFound as NotFound,
+    NotImplemented as NotImplemented,
+    OpcError as OpcError,
+    PackageAlreadyOpen as PackageAlreadyOpen,
+    PackageCloseFailed as PackageCloseFailed,
+    PackageCreateOnly as PackageCreateOnly,
+    PackageInUse as PackageInUse,
+    PackageNotFound as PackageNotFound,
+    PackageNotOpen as PackageNotOpen,
+    PackageOpenFailed as PackageOpenFailed,
+    PackagePermissionDenied as PackagePermissionDenied,
+    PackageReadOnly as PackageReadOnly,
+    PartAlreadyExists as PartAlreadyExists,
+    PartCreateFailed as PartCreateFailed,
+    PartDeleteFailed as PartDeleteFailed,
+    PartHasRelationshipName as PartHasRelationshipName,
+    PartIsDerivedFromExistingPartName as PartIsDerivedFromExistingPartName,
+    PartNotFound as PartNotFound,
+    RelationshipAlreadyExists as RelationshipAlreadyExists,
+    RelationshipNotFound as RelationshipNotFound,
+    SignatureError as SignatureError,
+    SignatureNotFound as SignatureNotFound,
+    SigningRefused as SigningRefused,
+    StateError as StateError,
+    StoreError as StoreError,
+    UnsavedChanges as UnsavedChanges,
+    UnsupportedRelativize as UnsupportedRelativize,
+    UnsupportedResolve as UnsupportedResolve,
+    UnusableKey as UnusableKey,
+    X509CertificateException as X509CertificateException,
+    XmlParserNotLoaded as XmlParserNotLoaded,
+)
+from ._package import Package as Package
+from ._package import Part as Part
+from ._package import Relationship as Relationship
+from ._package import Relationships as Relationships
+from ._package import open as open
+from ._streams import PartStream as PartStream
+from ._values import IgnoredItem as IgnoredItem
+from ._values import Limits as Limits
+from ._values import Oddity as Oddity
+from ._types import RT as RT

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace opcpython {
+
+/// Each declares the functions and classes of one concern in the module `opcmodel._opcmodel`.
+/// @{
+void bindErrors(pybind11::module_& module);
+void bindParts(pybind11::module_& module);
+void bindRelationships(pybind11::module_& module);
+void bindPackage(pybind11::module_& module);
+/// @}
+
+} // namespace opcpython

@@ -1,0 +1,279 @@
+#include "Session.hpp"
+
+#include <opc/model/Errors.hpp>
+
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <ostream>
+#include <utility>
+
+namespace opcpython {
+
+using opc::interfaces::IPhysicalPackage;
+using opc::interfaces::OpenMode;
+using opc::physical::LenientPackage;
+using opc::physical::ZipOptions;
+using opc::physical::ZipPackage;
+
+namespace {
+
+/// Ends a save whose new archive went elsewhere.
+class Redirected : public opc::Exception {
+public:
+    Redirected() : Exception("the package was saved elsewhere") {}
+};
+
+void writeTo(const ArchivePlace& place, const ZipPackage& archive) {
+    if (!place.path.empty()) {
+        archive.writeTo(place.path);
+        return;
+    }
+    place.target->restart();
+    FileObjectOutput buffer(*place.target);
+    std::ostream stream(&buffer);
+    archive.writeTo(stream);
+    place.target->flush();
+}
+
+ZipPackage::Bytes readFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
+
+ArchivePlace ArchivePlace::file(std::filesystem::path path) {
+    ArchivePlace made;
+    made.path = std::move(path);
+    return made;
+}
+
+ArchivePlace ArchivePlace::bytes(ZipPackage::Bytes bytes) {
+    ArchivePlace made;
+    made.content = std::move(bytes);
+    return made;
+}
+
+ArchivePlace ArchivePlace::object(py::object file) {
+    ArchivePlace made = newObject(std::move(file));
+    made.isRead = true;
+    return made;
+}
+
+ArchivePlace ArchivePlace::newObject(py::object file) {
+    ArchivePlace made;
+    made.target = std::make_shared<FileObject>(std::move(file));
+    return made;
+}
+
+Session::Turn::Turn(std::atomic<bool>& busy) : busy(busy) {
+    if (busy.exchange(true))
+        throw PackageInUse("The package is used by another call at the same time");
+}
+
+Session::Session(ArchivePlace archivePlace, OpenMode mode, OpenOptions openOptions)
+    : options(std::move(openOptions)) {
+    makeArchive(std::move(archivePlace));
+    open(mode);
+}
+
+Session::Session(std::unique_ptr<IPhysicalPackage> store, OpenMode mode, OpenOptions openOptions)
+    : options(std::move(openOptions)), other(std::move(store)) {
+    makeModel();
+    open(mode);
+}
+
+void Session::makeArchive(ArchivePlace archivePlace) {
+    edits.reset();
+    manager.reset();
+    model.reset();
+    lenient.reset();
+    zip.reset();
+    source.reset();
+    isSaved = false;
+    place = std::move(archivePlace);
+    ZipOptions zipOptions = options.zip;
+    zipOptions.lenient = !options.strict;
+    zipOptions.beforeReplacing = [this](const std::filesystem::path& written) {
+        if (redirection)
+            redirection(written);
+    };
+    if (!place.path.empty()) {
+        zip = std::make_unique<ZipPackage>(place.path, std::move(zipOptions));
+    } else if (place.isRead) {
+        source = std::make_unique<FileObjectSource>(place.target);
+        zip = std::make_unique<ZipPackage>(*source, std::move(zipOptions));
+    } else {
+        zip = std::make_unique<ZipPackage>(std::exchange(place.content, {}), std::move(zipOptions));
+    }
+    makeModel();
+}
+
+void Session::makeModel() {
+    if (!options.strict)
+        lenient = std::make_unique<LenientPackage>(store());
+    model = std::make_unique<opc::model::Package>(view());
+    manager = std::make_unique<opc::model::DigitalSignatureManager>(*model);
+}
+
+void Session::open(OpenMode mode) {
+    model->open(mode);
+    ++opened;
+    readings.clear();
+    isReadOnly = mode == OpenMode::ReadOnly;
+    changed = mode == OpenMode::CreateOnly;
+}
+
+IPhysicalPackage& Session::store() {
+    return zip ? static_cast<IPhysicalPackage&>(*zip) : *other;
+}
+
+IPhysicalPackage& Session::view() {
+    return lenient ? static_cast<IPhysicalPackage&>(*lenient) : store();
+}
+
+opc::editing::Editor& Session::edit() {
+    if (!edits)
+        edits = std::make_unique<opc::editing::Editor>(*model);
+    changed = changed || !isReadOnly;
+    return *edits;
+}
+
+void Session::requireOpen() const {
+    if (!model->isOpen())
+        throw opc::model::PackageNotOpen("The package is closed");
+}
+
+void Session::requireSaved() const {
+    requireOpen();
+    if (changed)
+        throw UnsavedChanges("The package has changes that aren't saved");
+}
+
+void Session::requireWritable() const {
+    requireOpen();
+    if (isReadOnly)
+        throw opc::model::PackageReadOnly("The package was opened for reading");
+}
+
+void Session::requireSignatures() const {
+    if (edits && !options.breaksSignatures)
+        edits->throwIfSignaturesAreBroken();
+}
+
+/// Writes an archive that was saved in memory to the file object that it is for.
+void Session::deliver() {
+    if (zip && place.target && changed)
+        writeTo(place, *zip);
+}
+
+void Session::save() {
+    requireWritable();
+    finish();
+    open(OpenMode::ReadWrite);
+}
+
+void Session::finish() {
+    if (!model->isOpen())
+        return;
+    if (isReadOnly)
+        return close();
+    requireSignatures();
+    model->close(false);
+    edits.reset();
+    isSaved = true;
+    deliver();
+    changed = false;
+}
+
+void Session::close() {
+    if (!model->isOpen())
+        return;
+    model->close(true);
+    edits.reset();
+    changed = false;
+}
+
+/// Closes the package and writes it there. An archive in a file stays as it was, and a target that is no file gets the bytes
+/// with which the package goes on.
+void Session::closeInto(ArchivePlace& target) {
+    std::exception_ptr failure;
+    bool isWritten = false;
+    redirection = [&](const std::filesystem::path& written) {
+        try {
+            ZipPackage copy(written, options.zip);
+            writeTo(target, copy);
+            if (target.path.empty())
+                target.content = readFile(written);
+            isWritten = true;
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        throw Redirected();
+    };
+    try {
+        model->close(false);
+    } catch (...) {
+        redirection = nullptr;
+        if (failure)
+            std::rethrow_exception(failure);
+        if (!isWritten)
+            throw;
+        model->close(true);
+    }
+    redirection = nullptr;
+    if (isWritten)
+        return;
+    writeTo(target, *zip);
+    if (target.path.empty() && !place.path.empty())
+        target.content = readFile(place.path);
+}
+
+void Session::saveTo(ArchivePlace target) {
+    requireOpen();
+    if (!zip)
+        throw opc::Exception("A package in a store of the application's own is saved there alone");
+    if (isReadOnly)
+        return writeTo(target, *zip);
+    requireSignatures();
+    closeInto(target);
+    edits.reset();
+    isSaved = true;
+    if (target.path.empty() && place.path.empty())
+        place.target = std::move(target.target);
+    else
+        makeArchive(std::move(target));
+    open(OpenMode::ReadWrite);
+}
+
+opc::inspection::Archive Session::openArchive() {
+    using opc::inspection::Archive;
+    if (!place.path.empty())
+        return Archive(place.path, options.zip);
+    const std::string all = bytes();
+    return Archive(std::vector<unsigned char>(all.begin(), all.end()), options.zip);
+}
+
+std::string Session::bytes() {
+    if (!zip)
+        throw opc::Exception("A package in a store of the application's own has no archive");
+    std::string all;
+    struct Output : std::streambuf {
+        explicit Output(std::string& all) : all(all) {}
+        std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+            all.append(bytes, static_cast<std::size_t>(count));
+            return count;
+        }
+        int_type overflow(int_type character) override {
+            all.push_back(traits_type::to_char_type(character));
+            return traits_type::not_eof(character);
+        }
+        std::string& all;
+    } buffer(all);
+    std::ostream stream(&buffer);
+    zip->writeTo(stream);
+    return all;
+}
+
+} // namespace opcpython
