@@ -220,13 +220,13 @@ Scanned EventScanner::takeComment() {
     const char* const textEnd = find(p, window.end, "--");
     if (textEnd == nullptr || window.end - textEnd < 3)
         return Scanned::Incomplete;
-    std::u16string text;
-    if (textEnd[2] != '>' || ++asides > MOST_ASIDES || !takeCharacters(p, textEnd, text))
+    std::u16string comment;
+    if (textEnd[2] != '>' || ++asides > MOST_ASIDES || !takeCharacters(p, textEnd, comment))
         return Scanned::NotPlain;
     tellText();
     window.at = textEnd + 3;
     tellMarkup();
-    events.onComment(text);
+    events.onComment(comment);
     return Scanned::Taken;
 }
 

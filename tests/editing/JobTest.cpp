@@ -68,8 +68,8 @@ TEST(Jobs, areRefusedWhereTheySayAnythingElse) {
         {jobOf(R"({"do":"check","profile":"x"})"),
          "step 1 (check): profile is none of opc, security, office and all"},
     };
-    for (const auto& [text, message] : cases)
-        EXPECT_RAISES(InvalidJob, message, readJob(text));
+    for (const auto& refused : cases)
+        EXPECT_RAISES(InvalidJob, refused.second, readJob(refused.first));
 }
 
 class AppliedJobs : public PackageTest {

@@ -54,8 +54,8 @@ TEST(ZipDamage, ofWhatIsNoArchiveIsCalledByItsFormat) {
         {"\x1F\x8B\x08", "a gzip file, no package"},
         {"PK\3\4 and no more", "no end record: cut off, or not a ZIP archive"},
     };
-    for (const auto& [text, message] : cases)
-        EXPECT_FAILS(EBADMSG, message, readAll(Bytes(text.begin(), text.end())));
+    for (const auto& odd : cases)
+        EXPECT_FAILS(EBADMSG, odd.second, readAll(Bytes(odd.first.begin(), odd.first.end())));
 }
 
 TEST(ZipDamage, ofAnyByteEndsInAnExceptionOrInTheRightContent) {

@@ -249,7 +249,7 @@ TEST_F(ZipPackages, readsSeveralPartsAtATime) {
 }
 
 TEST_F(ZipPackages, readsASmallFileWithOneCall) {
-    for (const std::size_t size : {1000, 120000, 140000}) {
+    for (const std::size_t size : {1000U, 120000U, 140000U}) {
         writeFile(path, makeZip({stored("stored", letters(size)), oddlyDeflated("deflated", PROSE)}));
         ZipPackage package(path);
         int reads = 0;

@@ -172,9 +172,10 @@ TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
     const std::pair<const char*, const char*> halves[] = {
         {"-nokeys -in certificate", "No private key found."},
         {"-nocerts -inkey key", "No certificate found."}};
-    for (const auto& [content, what] : halves)
-        EXPECT_RAISES(CouldNotGenerateSignature, std::string("The given PKCS12 bundle is invalid. ") + what,
-                      countersign(content));
+    for (const auto& half : halves)
+        EXPECT_RAISES(CouldNotGenerateSignature,
+                      std::string("The given PKCS12 bundle is invalid. ") + half.second,
+                      countersign(half.first));
     EXPECT_THROW(countersign("-inkey key -in certificate",
                              SignatureParams(DigestMethod::SHA512, SignatureMethod::RSA4096)),
                  CouldNotGenerateSignature);

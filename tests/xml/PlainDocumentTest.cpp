@@ -88,7 +88,7 @@ public:
         if (++reads > goodReads)
             throw opc::Exception("broken");
         *buffer = 'x';
-        return reads % 2;
+        return reads % 2 == 0 ? 0 : 1;
     }
     bool isDone() const override { return reads > goodReads; }
     void close() override {}

@@ -47,7 +47,7 @@ TEST(XmlEvents, tellWhatTheDocumentSays) {
 TEST(XmlEvents, areThoseOfTheParserWhateverTheForm) {
     std::mt19937 random(20261126);
     int scanned = 0;
-    for (int i = 0; i < 4000; ++i) {
+    for (std::size_t i = 0; i < 4000; ++i) {
         const Bytes document = mutate(toBytes(RICH), random);
         scanned += isScanned(document) ? 1 : 0;
         ASSERT_EQ(findEventDifference(document, 1 + i % 50), "") << toText(document);

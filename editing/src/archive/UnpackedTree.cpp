@@ -75,8 +75,8 @@ std::vector<std::string> UnpackedTree::originalFiles() const {
             break;
         paths.push_back(isEmptyFolder(item) ? std::string() : item.name);
     }
-    const auto apply = [&](const std::vector<TreeDescription::Item>& described) {
-        for (const TreeDescription::Item& item : described) {
+    const auto apply = [&](const std::vector<TreeDescription::Item>& entries) {
+        for (const TreeDescription::Item& item : entries) {
             if (item.number >= paths.size() || archive->items()[item.number].name != item.name)
                 fail(tree.place(DESCRIPTION_FILE), "doesn't fit the original", EBADMSG);
             paths[item.number] = item.file;

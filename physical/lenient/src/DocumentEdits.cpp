@@ -27,9 +27,9 @@ void DocumentEdits::setValue(const Attribute& attribute, std::u16string_view val
 void DocumentEdits::addValue(const Element& element, std::u16string_view attribute,
                              std::u16string_view value) {
     const std::size_t end = element.startTag.end - (element.isEmptyTag() ? 2 : 1);
-    std::u16string added;
-    addAttribute(added, attribute, value);
-    edits.replace({end, end}, std::move(added));
+    std::u16string markup;
+    addAttribute(markup, attribute, value);
+    edits.replace({end, end}, std::move(markup));
 }
 
 std::u16string DocumentEdits::compose(std::u16string_view localName, const NewAttributes& attributes) const {

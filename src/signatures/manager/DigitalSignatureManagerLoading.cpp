@@ -121,9 +121,10 @@ private:
         return package.getPart(PartName(relationship.getTargetURI()));
     }
 
-    std::shared_ptr<DigitalSignatureData> read(const Part& part, SelectableRelationships& selectable) const {
+    std::shared_ptr<DigitalSignatureData> read(const Part& signature,
+                                               SelectableRelationships& selectable) const {
         auto data = std::make_shared<DigitalSignatureData>();
-        InputStream& stream = part.getInputStream();
+        InputStream& stream = signature.getInputStream();
         const StreamRewinder rewinder(stream);
         data->m_share = std::make_shared<DocumentShare>(budget, &XmlLimits::signature);
         MeteredStream metered(stream, *data->m_share, cost::BYTES_PER_ELEMENT);

@@ -115,9 +115,10 @@ public:
     }
 
     void tellCounts() {
-        for (const auto& [kind, told] : counts)
-            findings.add(kind->rule, {told.second->name},
-                         "The package has " + std::string(kind->message) + ": " + std::to_string(told.first));
+        for (const auto& [kind, counted] : counts)
+            findings.add(kind->rule, {counted.second->name},
+                         "The package has " + std::string(kind->message) + ": " +
+                             std::to_string(counted.first));
     }
 
 private:
@@ -150,9 +151,9 @@ private:
     }
 
     void count(const CountedKind& kind, const PartView& part) {
-        auto& told = counts[&kind];
-        if (told.first++ == 0)
-            told.second = &part;
+        auto& counted = counts[&kind];
+        if (counted.first++ == 0)
+            counted.second = &part;
     }
 
     const Subject& subject;
