@@ -14,7 +14,7 @@ endif()
 foreach(folder include platform/core/include platform/network/include platform/crypto/include
                platform/certificates/include platform/codesigning_verifier/include
                physical/lenient/include physical/memory/include physical/zip/include
-               inspection/include editing/include standard_signatures/include)
+               inspection/include editing/include standard_signatures/include scanning/include)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.hpp")
 endforeach()

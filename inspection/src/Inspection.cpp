@@ -1,5 +1,6 @@
 #include <opc/inspection/Inspection.hpp>
 
+#include "SubjectAnswers.hpp"
 #include "checks/Checks.hpp"
 #include "checks/Targets.hpp"
 #include "content/ContentPass.hpp"
@@ -15,9 +16,12 @@ std::uint64_t Report::count(Severity severity) const {
 }
 
 Report inspect(const Archive& archive, const InspectionOptions& options) {
+    return inspect(Subject(archive, options.limits), options);
+}
+
+Report inspect(const Subject& subject, const InspectionOptions& options) {
     Report report;
     Findings findings(options, report);
-    const Subject subject(archive, options.limits);
     report.format = subject.format();
     checkContainer(subject, findings);
     checkNames(subject, findings);

@@ -39,9 +39,12 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/RandomAccessSource.hpp>
 #include <opc/physical/ZipPackage.hpp>
+#include <opc/scanning/ResultJSON.hpp>
+#include <opc/scanning/Scanner.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 #include <opc/standard_signatures/Verification.hpp>
 
+#include <fstream>
 #include <iostream>
 
 using namespace opc::model;

@@ -5,6 +5,7 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/SignatureCoverage.hpp>
 #include <opc/physical/ZipPackage.hpp>
+#include <opc/scanning/Scanner.hpp>
 
 #include <functional>
 #include <future>
@@ -112,6 +113,23 @@ TEST(Threads, shareValues) {
                 AlgorithmURIMap::getDigestMethod(AlgorithmURIMap::getAlgorithmURI(AlgorithmTag::TagSHA1)),
                 DigestMethod::SHA1);
         }
+    });
+}
+
+/// Several scans at once, each with threads of its own, and one that ends early.
+TEST(Threads, scanFiles) {
+    const std::filesystem::path office = std::filesystem::path(OPCMODEL_TEST_DATA) / "office";
+    const std::filesystem::path names[] = {"letter.docx", "table.xlsx", "none", "PROVENANCE.md", "talk.pptx"};
+    onFourThreads([&](int thread) {
+        opc::scanning::ScanOptions options;
+        options.what = opc::scanning::EVERY_ASPECT;
+        options.jobs = 3;
+        options.window = 8;
+        std::size_t taken = 0;
+        opc::scanning::Scanner scanner(
+            [&] { return opc::scanning::fileSource(office / names[taken++ % std::size(names)]); }, options);
+        for (std::size_t given = 0; given < 20U + static_cast<std::size_t>(thread); ++given)
+            EXPECT_EQ(scanner.next().value().name, (office / names[given % std::size(names)]).string());
     });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Failures.hpp"
+
 #include <nlohmann/json_fwd.hpp>
 
 #include <string>
@@ -9,7 +11,6 @@ namespace opctool {
 
 class JSONOutput;
 struct Command;
-struct Failure;
 struct HiddenItem;
 
 /// @file

@@ -67,9 +67,9 @@ std::optional<FoundFile> FileNames::next() {
         std::vector<std::string> extensions = selection.extensions;
         for (std::string& extension : extensions)
             extension.erase(0, extension.find_first_not_of('.'));
-        walk = std::make_unique<FolderWalk>(selection.folders[folders++],
-                                            extensions.empty() ? knownExtensions() : extensions,
-                                            selection.allFiles);
+        walk = std::make_unique<FolderWalk>(
+            selection.folders[folders++], extensions.empty() ? opc::scanning::knownExtensions() : extensions,
+            selection.allFiles);
     }
     walk.reset();
     return nextOfLists();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FolderWalk.hpp"
+#include <opc/scanning/FolderWalk.hpp>
 
 #include <cstddef>
 #include <iosfwd>
@@ -14,6 +14,9 @@ class App;
 } // namespace CLI
 
 namespace opctool {
+
+using opc::scanning::FolderWalk;
+using opc::scanning::FoundFile;
 
 /// Which packages a command is to read: first those that are named, then those in folders, then those of lists.
 struct FileSelection {

@@ -1,5 +1,6 @@
 #include "Commands.hpp"
-#include "FolderWalk.hpp"
+
+#include <opc/scanning/FolderWalk.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -16,7 +17,7 @@ struct Arguments {
 };
 
 void printAttributes() {
-    for (const std::string& extension : knownExtensions())
+    for (const std::string& extension : opc::scanning::knownExtensions())
         std::cout << "*." << extension << " diff=opc\n";
 }
 

@@ -3,6 +3,7 @@
 #include "Progress.hpp"
 
 #include <ostream>
+#include <utility>
 
 namespace opctool {
 
@@ -17,43 +18,27 @@ void OrderedOutput::Turn::write(Stream stream, const char* text, std::size_t siz
     (stream == Stream::Output ? output : errors).append(text, size);
     if (output.size() + errors.size() < KEPT)
         return;
-    owner.waitForTurn(*this);
+    owner.turns.waitUntilFirst(*this);
     owner.flush(*this);
 }
 
 OrderedOutput::OrderedOutput(std::ostream& output, std::ostream& errors, Progress& progress,
                              std::string between, std::size_t window)
-    : output(output), errors(errors), progress(progress), between(std::move(between)), window(window) {
+    : output(output), errors(errors), progress(progress), between(std::move(between)), turns(window) {
 }
 
 OrderedOutput::~OrderedOutput() = default;
 
-OrderedOutput::Turn& OrderedOutput::begin() {
-    std::unique_lock<std::mutex> lock(mutex);
-    moved.wait(lock, [this] { return turns.size() < window; });
-    turns.push_back(std::unique_ptr<Turn>(new Turn(*this)));
-    return *turns.back();
-}
-
 void OrderedOutput::end(Turn& turn) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    turn.hasEnded = true;
-    if (!isFirst(turn))
-        return;
-    while (!turns.empty() && turns.front()->hasEnded) {
-        flush(*turns.front());
-        if (turns.front()->done)
-            turns.front()->done();
-        hasWritten = hasWritten || hasWrittenTurn;
-        hasWrittenTurn = false;
-        turns.pop_front();
-    }
-    moved.notify_all();
+    turns.end(turn, [this](Turn& ended) { handOn(ended); });
 }
 
-void OrderedOutput::waitForTurn(const Turn& turn) {
-    std::unique_lock<std::mutex> lock(mutex);
-    moved.wait(lock, [&] { return isFirst(turn); });
+void OrderedOutput::handOn(Turn& turn) {
+    flush(turn);
+    if (turn.done)
+        turn.done();
+    hasWritten = hasWritten || hasWrittenTurn;
+    hasWrittenTurn = false;
 }
 
 /// Only for the first of the turns: nobody else writes then.

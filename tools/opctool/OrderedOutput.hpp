@@ -1,13 +1,11 @@
 #pragma once
 
+#include <opc/scanning/OrderedWindow.hpp>
+
 #include <atomic>
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <functional>
 #include <iosfwd>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -26,6 +24,8 @@ public:
     /// The output of one file, for one thread.
     class Turn {
     public:
+        explicit Turn(OrderedOutput& owner) : owner(owner) {}
+
         void write(Stream stream, const char* text, std::size_t size);
 
         /// Calls this when the file has ended and all files before it have: for sums over all files, in their order. The
@@ -35,13 +35,10 @@ public:
     private:
         friend class OrderedOutput;
 
-        explicit Turn(OrderedOutput& owner) : owner(owner) {}
-
         OrderedOutput& owner;
         std::string output;
         std::string errors;
         std::function<void()> done;
-        bool hasEnded = false;
     };
 
     /// @param output    must outlive this object, as must `errors` and `progress`
@@ -52,7 +49,7 @@ public:
     ~OrderedOutput();
 
     /// Begins the next file. Waits while the window is full.
-    Turn& begin();
+    Turn& begin() { return turns.begin(*this); }
 
     /// The file has printed all. The turn is gone after that.
     void end(Turn& turn);
@@ -61,21 +58,17 @@ public:
     bool hasFailed() const { return failed; }
 
 private:
-    bool isFirst(const Turn& turn) const { return turns.front().get() == &turn; }
-    void waitForTurn(const Turn& turn);
     void flush(Turn& turn);
+    void handOn(Turn& turn);
 
     std::ostream& output;
     std::ostream& errors;
     Progress& progress;
     const std::string between;
-    const std::size_t window;
     bool hasWritten = false;     ///< output of an earlier file
     bool hasWrittenTurn = false; ///< output of the first of the turns
     std::atomic<bool> failed{false};
-    std::mutex mutex;
-    std::condition_variable moved; ///< the first turn has ended
-    std::deque<std::unique_ptr<Turn>> turns;
+    opc::scanning::OrderedWindow<Turn> turns;
 };
 
 } // namespace opctool

@@ -1,5 +1,6 @@
 #include <opc/inspection/External.hpp>
 
+#include "SubjectAnswers.hpp"
 #include "external/RelationshipType.hpp"
 #include "format/ForeignFormats.hpp"
 #include "subject/Names.hpp"
@@ -148,9 +149,12 @@ std::string_view toString(ExternalPlace place) {
 }
 
 Externals listExternals(const Archive& archive, const physical::ZipOptions& limits) {
-    if (!archive.isZip())
-        throwNoArchive(archive);
-    const Subject subject(archive, limits);
+    return listExternals(Subject(archive, limits));
+}
+
+Externals listExternals(const Subject& subject) {
+    if (!subject.archive().isZip())
+        throwNoArchive(subject.archive());
     Externals result;
     for (const RelationshipsView& relationships : subject.relationships()) {
         for (const RelationshipView& entry : relationships.entries)

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <opc/scanning/Export.hpp>
+
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace opctool {
+namespace opc::scanning {
 
 /// A file to be read, or why there is none of that name.
 struct FoundFile {
@@ -15,7 +17,7 @@ struct FoundFile {
 
 /// Gives the files in a folder and the folders in it, sorted by name. It holds the names of the folders on the way,
 /// never those of the whole tree. Links to files count as files; links to folders aren't followed.
-class FolderWalk {
+class OPC_SCANNING_EXPORT FolderWalk {
 public:
     /// @param folder      one that can't be listed is given as a failure. A file is given as it is
     /// @param extensions  those that are wanted, without a dot; their case doesn't matter
@@ -45,6 +47,6 @@ private:
 };
 
 /// The extensions of the known formats of packages.
-const std::vector<std::string>& knownExtensions();
+OPC_SCANNING_EXPORT const std::vector<std::string>& knownExtensions();
 
-} // namespace opctool
+} // namespace opc::scanning

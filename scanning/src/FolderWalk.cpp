@@ -1,10 +1,10 @@
-#include "FolderWalk.hpp"
+#include <opc/scanning/FolderWalk.hpp>
 
 #include <algorithm>
 
 #include <strings.h>
 
-namespace opctool {
+namespace opc::scanning {
 
 namespace fs = std::filesystem;
 
@@ -79,4 +79,4 @@ const std::vector<std::string>& knownExtensions() {
     return known;
 }
 
-} // namespace opctool
+} // namespace opc::scanning

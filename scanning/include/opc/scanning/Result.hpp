@@ -1,0 +1,85 @@
+#pragma once
+
+#include <opc/inspection/External.hpp>
+#include <opc/inspection/Format.hpp>
+#include <opc/inspection/Inspection.hpp>
+#include <opc/interfaces/Oddity.hpp>
+#include <opc/model/CoreProperties.hpp>
+#include <opc/model/SignatureVerdict.hpp>
+#include <opc/scanning/Failure.hpp>
+#include <opc/standard_signatures/Verification.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace opc::scanning {
+
+/// A part of a package. Texts are UTF-8.
+struct ScannedPart {
+    std::string name;
+    std::string contentType;
+    std::uint64_t size = 0;        ///< in bytes, uncompressed
+    std::size_t relationships = 0; ///< how many it has
+};
+
+/// A relationship. Texts are UTF-8, as they stand in the package.
+struct ScannedRelationship {
+    std::string id, type, target;
+    bool isExternal = false;
+    bool exists = false; ///< whether it leads to a part that is there; false for an external target
+};
+
+/// The relationships of one source: a package can have very many with a long name in common.
+struct ScannedRelationships {
+    std::string source; ///< a part name, or "/" for the package
+    std::vector<ScannedRelationship> all;
+};
+
+/// The part name that an internal target leads to, with fragment and query if it has them.
+/// @param source  a part name, or "/"
+/// @param target  as it stands in the relationship
+/// @throws opc::Exception  it leads nowhere
+OPC_SCANNING_EXPORT std::string resolveTarget(const std::string& source, const std::string& target);
+
+/// What is found out about the signatures of a package, in both profiles.
+struct ScannedSignatures {
+    enum class State {
+        Unsigned,
+        Holds,     ///< nothing that is signed has changed; who signed, and what isn't signed, the answers say
+        Broken,    ///< a signature doesn't hold
+        Unreadable ///< a signature can't be read or checked
+    };
+
+    State state = State::Unsigned;
+    standard_signatures::PackageVerification standard; ///< those in the standard's profile
+    std::vector<model::JudgedSignature> own;           ///< those of `DigitalSignatureManager`
+    std::vector<model::VerdictReason> reasons;         ///< why these aren't a yes
+    bool ownCoverEverything = false;                   ///< whether those that hold leave nothing out
+};
+
+/// What was found out about one file. Only what was asked for is there, and of that only what could be read.
+struct Result {
+    std::string name;               ///< of its source
+    std::optional<Failure> failure; ///< the first one: why something that was asked for isn't there
+    std::optional<std::uint64_t> size;
+
+    /// What was passed over when the package was opened as a package, which parts, relationships, properties and signatures
+    /// need.
+    std::vector<interfaces::Oddity> hidden;
+
+    std::optional<inspection::Format> format;
+    std::optional<std::vector<ScannedPart>> parts; ///< without relationships parts, sorted by name
+    std::optional<std::vector<ScannedRelationships>>
+        relationships; ///< of the package, then of each part that has some
+    std::optional<model::CoreProperties> properties;
+    std::string
+        propertiesFailure; ///< why properties can't be read although the package can; that is no failure
+    std::optional<inspection::Externals> externals;
+    std::optional<ScannedSignatures> signatures;
+    std::optional<inspection::Report> findings;
+};
+
+} // namespace opc::scanning

@@ -1,0 +1,208 @@
+#include <opc/scanning/Scanner.hpp>
+
+#include <opc/scanning/OrderedWindow.hpp>
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace opc::scanning {
+
+namespace {
+
+/// What is read and waits for its turn.
+struct Job {
+    explicit Job(Source source) : source(std::move(source)) {}
+
+    Source source;
+    Result result;
+};
+
+/// How much of a result may wait with many others, in bytes.
+constexpr std::size_t LITTLE = std::size_t{256} * 1024;
+
+constexpr std::size_t ROW = 64; ///< what a row takes beside its texts, about
+
+template <typename... Texts>
+std::size_t weighRow(const Texts&... texts) {
+    return (ROW + ... + texts.size());
+}
+
+std::size_t weigh(const ScannedSignatures& signatures) {
+    std::size_t weight = 0;
+    for (const auto& signature : signatures.standard.signatures) {
+        for (const auto& reference : signature.cryptography.references)
+            weight += weighRow(reference.uri);
+        for (const auto* const list : {&signature.coverage.gaps, &signature.coverage.byCustom})
+            for (const auto& gap : *list)
+                weight += weighRow(gap.place, gap.id, gap.type, gap.text);
+    }
+    return weight;
+}
+
+/// About how many bytes a result has where a package can make it large.
+std::size_t weigh(const Result& result) {
+    std::size_t weight = 0;
+    for (const interfaces::Oddity& oddity : result.hidden)
+        weight += weighRow(oddity.place, oddity.what, oddity.done);
+    if (result.parts)
+        for (const ScannedPart& part : *result.parts)
+            weight += weighRow(part.name, part.contentType);
+    if (result.relationships)
+        for (const ScannedRelationships& ofSource : *result.relationships)
+            for (const ScannedRelationship& one : ofSource.all)
+                weight += weighRow(one.id, one.type, one.target);
+    if (result.externals)
+        for (const inspection::External& one : result.externals->found)
+            weight += weighRow(one.source, one.id, one.type, one.target);
+    if (result.findings)
+        for (const inspection::Finding& finding : result.findings->findings)
+            weight += weighRow(finding.place.part, finding.place.target, finding.message);
+    return result.signatures ? weight + weigh(*result.signatures) : weight;
+}
+
+} // namespace
+
+class Scanner::Impl {
+public:
+    Impl(Sources sources, ScanOptions options)
+        : sources(std::move(sources)), options(std::move(options)),
+          threadCount(this->options.jobs != 0 ? this->options.jobs
+                                              : std::max(1U, std::thread::hardware_concurrency())),
+          most(std::max<std::size_t>(this->options.window, 1)), window(most) {}
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    ~Impl() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            hasStopped = true;
+        }
+        added.notify_all();
+        while (window.size() != 0)
+            window.take();
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+
+    std::optional<Result> next() {
+        takeSources();
+        if (window.size() != 0)
+            return window.take().result;
+        if (failure)
+            std::rethrow_exception(std::exchange(failure, nullptr));
+        return std::nullopt;
+    }
+
+private:
+    /// Takes as many files as keep the threads busy, and further ones while the next result isn't there.
+    void takeSources() {
+        const std::size_t least = std::min<std::size_t>(most, 2 * std::size_t{threadCount});
+        while (!isAtEnd && window.size() < most && (window.size() < least || !window.canTake())) {
+            std::optional<Source> source;
+            try {
+                source = sources();
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            isAtEnd = !source;
+            if (source)
+                add(window.begin(std::move(*source)));
+        }
+    }
+
+    void add(Job& job) {
+        if (threads.size() < threadCount)
+            startThread();
+        if (threads.empty()) {
+            read(job);
+            return;
+        }
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            waiting.push_back(&job);
+        }
+        added.notify_one();
+    }
+
+    void startThread() {
+        try {
+            threads.emplace_back([this] { work(); });
+        } catch (const std::system_error&) {
+            // Those that there are do, or the thread of the caller.
+        }
+    }
+
+    void work() {
+        std::unique_lock<std::mutex> lock(mutex);
+        for (;;) {
+            added.wait(lock, [this] { return hasStopped || !waiting.empty(); });
+            if (waiting.empty())
+                return;
+            Job& job = *waiting.front();
+            waiting.pop_front();
+            const bool isWanted = !hasStopped;
+            lock.unlock();
+            if (isWanted)
+                read(job);
+            else
+                window.end(job);
+            lock.lock();
+        }
+    }
+
+    void read(Job& job) {
+        try {
+            job.result = readFile(job.source, options);
+        } catch (const std::exception& e) {
+            job.result = Result();
+            job.result.name = job.source.name;
+            job.result.failure = describe(e, {});
+        }
+        job.source.bytes.reset();
+        if (!threads.empty() && weigh(job.result) > LITTLE)
+            window.waitUntilFirst(job);
+        window.end(job);
+    }
+
+    const Sources sources;
+    const ScanOptions options;
+    const unsigned threadCount;
+    const std::size_t most;
+    bool isAtEnd = false;
+    std::exception_ptr failure; ///< of the sources
+    OrderedWindow<Job> window;
+    std::vector<std::thread> threads;
+    std::mutex mutex; ///< of what follows
+    std::condition_variable added;
+    std::deque<Job*> waiting;
+    bool hasStopped = false;
+};
+
+Scanner::Scanner(Sources sources, ScanOptions options)
+    : impl(std::make_unique<Impl>(std::move(sources), std::move(options))) {
+}
+
+Scanner::~Scanner() = default;
+
+std::optional<Result> Scanner::next() {
+    return impl->next();
+}
+
+void scan(Scanner::Sources sources, ScanOptions options, const std::function<void(Result)>& sink) {
+    Scanner scanner(std::move(sources), std::move(options));
+    while (std::optional<Result> result = scanner.next())
+        sink(std::move(*result));
+}
+
+void scan(const std::vector<std::filesystem::path>& files, ScanOptions options,
+          const std::function<void(Result)>& sink) {
+    auto file = files.begin();
+    scan([&]() { return file == files.end() ? std::nullopt : std::optional(fileSource(*file++)); },
+         std::move(options), sink);
+}
+
+} // namespace opc::scanning

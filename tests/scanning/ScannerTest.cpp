@@ -1,0 +1,243 @@
+#include "support/PackageTest.hpp"
+#include "support/TemporaryFolder.hpp"
+
+#include <bedrock/crypto/RsaKeyPair.hpp>
+#include <bedrock/crypto/SigningKey.hpp>
+#include <opc/model/DigitalSignatureManager.hpp>
+#include <opc/physical/ZipPackage.hpp>
+#include <opc/scanning/Scanner.hpp>
+#include <opc/standard_signatures/Signing.hpp>
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace opc::model;
+using namespace opc::scanning;
+using opc::interfaces::OpenMode;
+using opc::physical::ZipPackage;
+
+const fs::path LETTER = fs::path(OPCMODEL_TEST_DATA) / "office" / "letter.docx";
+
+/// A package with a part that has a link, a target that isn't there, and a title.
+ZipPackage::Bytes makePackage(std::size_t links,
+                              const std::function<void(Package&, ZipPackage&)>& sign = {}) {
+    ZipPackage archive(ZipPackage::Bytes{});
+    Package package(archive);
+    package.open(OpenMode::CreateOnly);
+    Part part = package.createPart(PartName(u"/word/a.xml"), ContentType(u"text/xml"), StandardPartInfo());
+    opc::test::writeAll(part, "<a/>");
+    package.createInternalRelationship(u"urn:main", URI(u"/word/a.xml"), u"m");
+    part.createInternalRelationship(u"urn:gone", URI(u"/word/gone.xml"), u"g");
+    for (std::size_t link = 0; link < links; ++link)
+        part.createExternalRelationship(u"urn:a/image", u"http://e/x",
+                                        u"e" + opc::toString(std::to_string(link), true));
+    CoreProperties properties;
+    properties.setTitle(u"\u00C4");
+    PackageHelper::createOrUpdateCoreProperties(package, properties);
+    package.close(false);
+    if (sign) {
+        package.open(OpenMode::ReadWrite);
+        sign(package, archive);
+        package.close(false);
+    }
+    return archive.bytes();
+}
+
+Source bytesSource(std::string name, ZipPackage::Bytes bytes) {
+    return {std::move(name), {}, std::make_shared<const ZipPackage::Bytes>(std::move(bytes))};
+}
+
+TEST(Scanner, tellsWhatIsAskedFor) {
+    ScanOptions options;
+    options.what = EVERY_ASPECT;
+    const Result result = readFile(bytesSource("x", makePackage(1)), options);
+    ASSERT_FALSE(result.failure) << result.failure->message;
+    EXPECT_EQ(result.format->name, "opc");
+    ASSERT_EQ(result.parts->size(), 2U);
+    EXPECT_EQ(result.parts->back().name, "/word/a.xml");
+    EXPECT_EQ(result.parts->back().contentType, "text/xml");
+    EXPECT_EQ(result.parts->back().size, 4U);
+    EXPECT_EQ(result.parts->back().relationships, 2U);
+    ASSERT_EQ(result.relationships->size(), 2U);
+    EXPECT_EQ(result.relationships->front().source, "/");
+    EXPECT_TRUE(result.relationships->front().all.front().exists);
+    const ScannedRelationships& ofPart = result.relationships->back();
+    EXPECT_EQ(ofPart.source + ofPart.all[0].id + ofPart.all[0].type + ofPart.all[0].target,
+              "/word/a.xmle0urn:a/imagehttp://e/x");
+    EXPECT_TRUE(ofPart.all[0].isExternal);
+    EXPECT_FALSE(ofPart.all[1].isExternal || ofPart.all[1].exists);
+    EXPECT_EQ(resolveTarget(ofPart.source, ofPart.all[1].target), "/word/gone.xml");
+    EXPECT_TRUE(result.properties->getTitle() == std::u16string(u"\u00C4"));
+    EXPECT_EQ(result.externals->found.at(0).effect, opc::inspection::ExternalEffect::LoadsOnOpen);
+    EXPECT_EQ(result.signatures->state, ScannedSignatures::State::Unsigned);
+    EXPECT_FALSE(result.findings->findings.empty());
+
+    for (unsigned aspect = FORMAT; aspect < EVERY_ASPECT; aspect *= 2) {
+        options.what = aspect;
+        const Result one = readFile(bytesSource("x", makePackage(1)), options);
+        EXPECT_EQ((one.format ? FORMAT : 0U) | (one.parts ? PARTS : 0U) |
+                      (one.relationships ? RELATIONSHIPS : 0U) | (one.properties ? PROPERTIES : 0U) |
+                      (one.externals ? EXTERNALS : 0U) | (one.signatures ? SIGNATURES : 0U) |
+                      (one.findings ? FINDINGS : 0U),
+                  aspect);
+    }
+}
+
+TEST(Scanner, verifiesBothProfiles) {
+    const auto keys = bedrock::crypto::generateRsaKeyPair(2048);
+    const auto signOwn = [&](Package& package, ZipPackage&) {
+        package.close(true);
+        DigitalSignatureManager manager(package);
+        package.open(OpenMode::ReadWrite);
+        manager.signPackage(keys.getPrivateKey(),
+                            SignatureParams(DigestMethod::SHA256, SignatureMethod::RSA2048));
+        package.close(false);
+        package.open(OpenMode::ReadWrite);
+    };
+    const auto signStandard = [&](Package& package, ZipPackage& archive) {
+        opc::standard_signatures::sign(package, archive,
+                                       {bedrock::crypto::readSigningKey(keys.getPrivateKey()), {}, {}});
+    };
+    ScanOptions options;
+    options.what = SIGNATURES;
+    options.ownPolicy = SignaturePolicy::byPublicKey(keys.getPublicKey());
+    using State = ScannedSignatures::State;
+    const auto read = [&](ZipPackage::Bytes bytes) {
+        return readFile(bytesSource("x", std::move(bytes)), options).signatures.value();
+    };
+    const ScannedSignatures own = read(makePackage(0, signOwn));
+    EXPECT_EQ(own.state, State::Holds);
+    EXPECT_EQ(own.own.size(), 1U);
+    EXPECT_TRUE(own.ownCoverEverything);
+    const ScannedSignatures standard = read(makePackage(0, signStandard));
+    EXPECT_EQ(standard.state, State::Holds);
+    ASSERT_EQ(standard.standard.signatures.size(), 1U);
+    EXPECT_TRUE(standard.standard.signatures[0].coverage.isComplete());
+
+    const auto change = [](Package& package) {
+        opc::test::writeAll(package.getPart(PartName(u"/word/a.xml")), "<b/>");
+    };
+    for (const bool isStandard : {false, true})
+        EXPECT_EQ(read(makePackage(0,
+                                   [&](Package& package, ZipPackage& archive) {
+                                       isStandard ? signStandard(package, archive)
+                                                  : signOwn(package, archive);
+                                       package.close(false);
+                                       package.open(OpenMode::ReadWrite);
+                                       change(package);
+                                   }))
+                      .state,
+                  State::Broken);
+}
+
+TEST(Scanner, givesFailuresAsResults) {
+    const opc::test::TemporaryFolder folder;
+    opc::test::writeFile(folder / "pdf", std::string("%PDF-1.4"));
+    ScanOptions options;
+    options.what = EVERY_ASPECT;
+    const struct {
+        fs::path path;
+        const char* className;
+        const char* format;
+    } rows[] = {
+        {LETTER, nullptr, "docx"},
+        {folder / "missing", "PackageNotFound", nullptr},
+        {LETTER, nullptr, "docx"},
+        {folder.path(), "PackageOpenFailed", nullptr},
+        {folder / "pdf", "PackageOpenFailed", "pdf"},
+        {LETTER, nullptr, "docx"},
+    };
+    std::vector<fs::path> paths;
+    for (const auto& row : rows)
+        paths.push_back(row.path);
+    std::size_t at = 0;
+    scan(paths, options, [&](const Result& result) {
+        const auto& row = rows[at++];
+        EXPECT_EQ(result.name, row.path.string());
+        EXPECT_EQ(result.failure ? result.failure->className : "", row.className ? row.className : "");
+        EXPECT_EQ(result.format ? result.format->name : "", row.format ? row.format : "");
+        EXPECT_EQ(result.parts.has_value(), row.className == nullptr);
+    });
+    EXPECT_EQ(at, std::size(rows));
+}
+
+/// With each hostile archive between good files, whatever is asked.
+TEST(Scanner, goesOnAfterHostileFiles) {
+    std::vector<fs::path> paths;
+    for (const fs::directory_entry& entry : fs::directory_iterator(OPCMODEL_HOSTILE_ARCHIVES)) {
+        paths.push_back(entry.path());
+        paths.push_back(LETTER);
+    }
+    ASSERT_GT(paths.size(), 100U);
+    ScanOptions options;
+    options.what = EVERY_ASPECT;
+    options.inspection.profiles = opc::inspection::EVERY_PROFILE;
+    std::size_t at = 0, good = 0;
+    scan(paths, options, [&](const Result& result) {
+        EXPECT_EQ(result.name, paths[at++].string());
+        good += result.failure ? 0 : 1;
+    });
+    EXPECT_EQ(at, paths.size());
+    EXPECT_GE(good, paths.size() / 2);
+}
+
+/// Files that take long, files with large results and files that fail, in turn.
+TEST(Scanner, keepsOrderAndWindow) {
+    const std::vector<Source> kinds{bytesSource("", makePackage(1)), bytesSource("", makePackage(4000)),
+                                    bytesSource("", {1, 2, 3}), bytesSource("", makePackage(300))};
+    for (const unsigned jobs : {1U, 4U})
+        for (const std::size_t window : {1U, 3U, 64U}) {
+            ScanOptions options;
+            options.jobs = jobs;
+            options.window = window;
+            std::size_t taken = 0, given = 0, ahead = 0;
+            const auto next = [&]() -> std::optional<Source> {
+                if (taken == 40)
+                    return std::nullopt;
+                Source source = kinds[taken % kinds.size()];
+                source.name = std::to_string(taken++);
+                ahead = std::max(ahead, taken - given);
+                return source;
+            };
+            scan(next, options, [&](const Result& result) {
+                EXPECT_EQ(result.name, std::to_string(given));
+                EXPECT_EQ(result.failure.has_value(), given % kinds.size() == 2);
+                ++given;
+            });
+            EXPECT_EQ(given, 40U);
+            EXPECT_LE(ahead, window);
+        }
+}
+
+TEST(Scanner, passesOnWhatItsSourcesThrowBehindTheirResults) {
+    int taken = 0;
+    Scanner scanner(
+        [&taken]() -> std::optional<Source> {
+            if (taken++ == 5)
+                throw std::runtime_error("no more");
+            return fileSource(LETTER);
+        },
+        {});
+    for (int i = 0; i < 5; ++i)
+        EXPECT_TRUE(scanner.next().value().parts);
+    EXPECT_THROW(scanner.next(), std::runtime_error);
+    EXPECT_FALSE(scanner.next());
+}
+
+/// Whatever its threads do when it is destroyed: read, wait with a large result, or wait for work.
+TEST(Scanner, endsEarly) {
+    const Source large = bytesSource("large", makePackage(4000));
+    for (const int wanted : {0, 1, 3}) {
+        ScanOptions options;
+        options.jobs = 3;
+        Scanner scanner([&] { return large; }, options);
+        for (int i = 0; i < wanted; ++i)
+            EXPECT_EQ(scanner.next().value().name, "large");
+    }
+}
+
+} // namespace
