@@ -120,7 +120,9 @@ SignedSample::SignedSample() {
                      "'/><Override PartName='/_xmlsignatures/sig1.xml' ContentType='" + SIGNATURES +
                      "xmlsignature+xml'/><Override PartName='/_xmlsignatures/sig2.xml' ContentType='" +
                      SIGNATURES + "xmlsignature+xml'/><Default Extension='cer' ContentType='" + SIGNATURES +
-                     "certificate'/><Default Extension='png' ContentType='image/png'/>"));
+                     "certificate'/><Default Extension='png' ContentType='image/png'/><Override "
+                     "PartName='/docProps/core.xml' "
+                     "ContentType='application/vnd.openxmlformats-package.core-properties+xml'/>"));
     store.setPart(
         u"/_rels/.rels",
         relationships(relationship("rId1", OFFICE + "officeDocument", "word/document.xml") +
@@ -256,6 +258,25 @@ VerificationPolicy SignedSample::trusting() {
 const Identity& SignedSample::usualSigner() {
     static const Identity signer = makeSigner(nullptr);
     return signer;
+}
+
+std::string reasonsOf(const PackageVerification& result) {
+    std::string text;
+    for (const Reason& problem : result.problems)
+        text += "problem: " + problem.text + "\n";
+    for (const VerifiedSignature& signature : result.signatures) {
+        for (const Reason& reason : signature.cryptography.reasons)
+            text += reason.text + "\n";
+        for (const CheckedReference& reference : signature.cryptography.references)
+            if (reference.wrong)
+                text += reference.wrong->place.substr(0, reference.wrong->place.find('?')) + ": " +
+                        reference.wrong->text + "\n";
+        for (const Unsigned& gap : signature.coverage.gaps)
+            text += "gap: " + gap.place + " " + gap.id + (gap.id.empty() ? "" : " ") + gap.text + "\n";
+        if (signature.trust.status != TrustAnswer::Status::Trusted)
+            text += "trust: " + signature.trust.reason + "\n";
+    }
+    return text;
 }
 
 } // namespace opc::test

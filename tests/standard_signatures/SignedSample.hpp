@@ -61,6 +61,9 @@ public:
     physical::MemoryPackage store;
 };
 
+/// All reasons why a package isn't a yes, one a line.
+std::string reasonsOf(const standard_signatures::PackageVerification& result);
+
 /// The Base64 text of bytes.
 std::string base64(const std::vector<unsigned char>& bytes);
 

@@ -2,7 +2,11 @@
 #include "support/Outcome.hpp"
 #include "support/Texts.hpp"
 
+#include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
+#include <opc/model/SignaturePolicy.hpp>
+#include <opc/model/SignatureVerdict.hpp>
+#include <opc/physical/LenientPackage.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 
 #include <gtest/gtest.h>
@@ -214,6 +218,112 @@ TEST(StandardSigning, RefusesWhatWouldDeceiveOrBreak) {
         const std::string outcome =
             outcomeOf([&] { standard_signatures::sign(package, sample.store, signer, options); });
         EXPECT_EQ(outcome.substr(0, refused.size() + message.size()), refused + message);
+    }
+}
+
+/// What the model reads although it is odd must be signed as it lies there, or not at all.
+TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
+    const std::u16string document = u"/word/_rels/document.xml.rels";
+    const std::string refused = "opc::standard_signatures::SigningRefused: ";
+    const auto inDocument = [&](const std::string& from, const std::string& to) {
+        return [=](SignedSample& it) { it.replace(document, from, to); };
+    };
+    const auto adding = [&](const std::string& more) {
+        return inDocument("</Relationships>", more + "</Relationships>");
+    };
+    const struct {
+        const char* what;
+        std::function<void(SignedSample&)> prepare;
+        bool isSigned;
+    } cases[] = {
+        {"a letter that a URI can't have", inDocument("%C3%A4.png", "\xC3\xA4.png"), true},
+        {"a space in a target", inDocument("'styles.xml'", "' styles.xml'"), true},
+        {"a prefix",
+         inDocument("<Relationship Id='rId10'",
+                    "<p:Relationship xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships' "
+                    "Id='rId10'"),
+         true},
+        {"no target", adding("<Relationship Id='x' Type='u:a' Target=''/>"), true},
+        {"an attribute", inDocument("Id='rId10'", "Id='rId10' xml:base='/a/'"), false},
+        {"an ID twice", adding("<Relationship Id='rId10' Type='u:a' Target='x.xml'/>"), false},
+        {"an element", adding("<a xmlns='u:a'/>"), false},
+        {"ignorable content",
+         inDocument("<Relationships",
+                    "<Relationships xmlns:a='u:a' "
+                    "xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
+                    "mc:Ignorable='a'"),
+         false},
+        {"text", adding("text"), true},
+        {"nothing that can be read", [&](SignedSample& it) { it.store.setPart(document, toBytes("<")); },
+         false},
+        {"a part without content type",
+         [](SignedSample& it) { it.store.setPart(u"/word/a.zip", toBytes("zip")); }, false},
+        {"a content type twice",
+         [](SignedSample& it) {
+             it.replaceContentTypes("</Types>",
+                                    "<Default Extension='XML' ContentType='text/plain'/></Types>");
+         },
+         false},
+        {"relationships of nothing",
+         [](SignedSample& it) {
+             it.store.setPart(u"/word/_rels/ghost.xml.rels",
+                              relationships("<Relationship Id='x' Type='u:a' Target='x.xml'/>"));
+         },
+         true},
+    };
+    for (const auto& [what, prepare, isSigned] : cases) {
+        Sample sample;
+        prepare(sample);
+        physical::LenientPackage lenient(sample.store);
+        model::Package package(lenient);
+        const std::string outcome = outcomeOf([&] {
+            package.open(interfaces::OpenMode::ReadWrite);
+            standard_signatures::sign(package, sample.store, signerOf(SignedSample::usualSigner()));
+            package.close(false);
+        });
+        if (isSigned) {
+            const PackageVerification result = sample.verify();
+            EXPECT_TRUE(result.isYes()) << what << ": " << outcome << "\n" << reasonsOf(result);
+        } else {
+            EXPECT_EQ(outcome.substr(0, refused.size()), refused) << what;
+        }
+    }
+}
+
+/// Whoever signs first, in whichever profile.
+TEST(StandardSigning, KeepsSignaturesOfTheOtherProfile) {
+    const auto& keys = keysOf(2048);
+    const auto withManager = [](SignedSample& sample, const auto& action) {
+        model::Package package(sample.store);
+        model::DigitalSignatureManager manager(package);
+        package.open(interfaces::OpenMode::ReadWrite);
+        action(package, manager);
+        package.close(false);
+    };
+    const auto signOwn = [&](model::Package& package, model::DigitalSignatureManager& manager) {
+        std::vector<model::PartName> parts;
+        for (const model::Part& part : package.getParts(model::ExcludeMode::ExcludeManaged))
+            parts.push_back(part.getName());
+        manager.sign(parts, {}, keys.getPrivateKey(), model::SignatureParams());
+    };
+    const auto expectHolding = [&](model::Package&, model::DigitalSignatureManager& manager) {
+        const auto verdict = manager.judge(model::SignaturePolicy::byPublicKey(keys.getPublicKey()));
+        ASSERT_EQ(verdict.getSignatures().size(), 1U);
+        EXPECT_TRUE(verdict.getSignatures().front().holds);
+    };
+    for (const bool ownIsFirst : {false, true}) {
+        Sample sample;
+        if (ownIsFirst)
+            withManager(sample, signOwn);
+        for (int i = 0; i < 3; ++i)
+            sign(sample);
+        if (!ownIsFirst)
+            withManager(sample, signOwn);
+        withManager(sample, expectHolding);
+        const PackageVerification result = sample.verify();
+        ASSERT_EQ(result.signatures.size(), 3U);
+        for (const VerifiedSignature& one : result.signatures)
+            EXPECT_EQ(one.cryptography.status, CryptographyAnswer::Status::Valid) << reasonsOf(result);
     }
 }
 

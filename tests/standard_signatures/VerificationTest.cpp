@@ -31,26 +31,6 @@ Identity identityOf(const std::string& key) {
     });
 }
 
-/// All reasons of a signature, one a line.
-std::string reasonsOf(const PackageVerification& result) {
-    std::string text;
-    for (const Reason& problem : result.problems)
-        text += "problem: " + problem.text + "\n";
-    for (const VerifiedSignature& signature : result.signatures) {
-        for (const Reason& reason : signature.cryptography.reasons)
-            text += reason.text + "\n";
-        for (const CheckedReference& reference : signature.cryptography.references)
-            if (reference.wrong)
-                text += reference.wrong->place.substr(0, reference.wrong->place.find('?')) + ": " +
-                        reference.wrong->text + "\n";
-        for (const Unsigned& gap : signature.coverage.gaps)
-            text += "gap: " + gap.place + " " + gap.id + (gap.id.empty() ? "" : " ") + gap.text + "\n";
-        if (signature.trust.status != TrustAnswer::Status::Trusted)
-            text += "trust: " + signature.trust.reason + "\n";
-    }
-    return text;
-}
-
 SignatureRecipe::Change both(const SignatureRecipe::Change& first, const SignatureRecipe::Change& second) {
     return [first, second](std::string& text) {
         first(text);
@@ -291,8 +271,9 @@ TEST(StandardVerification, RefusesSignaturesThatAreBuiltToDeceive) {
         {"/word/_rels/document.xml.rels: It has changed since it was signed",
          inManifest("<mdssi:RelationshipReference SourceId='rId2'/>", "")},
         {"/docProps/core.xml: The relationships transform is about another kind of part",
-         inManifest("/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml",
-                    "/docProps/core.xml?ContentType=application/xml")},
+         inManifest(
+             "/_rels/.rels?ContentType=application/vnd.openxmlformats-package.relationships+xml",
+             "/docProps/core.xml?ContentType=application/vnd.openxmlformats-package.core-properties+xml")},
     };
     for (const Case& one : cases) {
         SignatureRecipe recipe;

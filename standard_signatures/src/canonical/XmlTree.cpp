@@ -1,5 +1,7 @@
 #include "canonical/XmlTree.hpp"
 
+#include "xml/Encoding.hpp"
+
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XmlEvents.hpp>
@@ -94,6 +96,10 @@ public:
     void onVersion(std::u16string_view version) override {
         if (version != u"1.0")
             refuse("The document isn't one of XML 1.0");
+    }
+    void onDeclaration(std::u16string_view encoding) override {
+        if (!isEncodingOfPackages(encoding))
+            refuse("The document is neither in UTF-8 nor in UTF-16");
     }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {

@@ -2,6 +2,7 @@
 
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
+#include "xml/Encoding.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/XmlEvents.hpp>
@@ -20,12 +21,25 @@ std::string narrow(std::u16string_view text) {
     return toUDEString(std::u16string(text));
 }
 
+/// Whether everybody reads the same from it.
+bool isExtension(std::string_view text) {
+    return !text.empty() && text.find_first_of("./\\% \t\r\n") == std::string_view::npos;
+}
+
 } // namespace
 
 class ContentTypes::Reader final : public model::XmlEvents {
 public:
     explicit Reader(ContentTypes& types) : types(types) {}
 
+    void onVersion(std::u16string_view version) override {
+        if (version != u"1.0")
+            refuse("The content types aren't a document of XML 1.0");
+    }
+    void onDeclaration(std::u16string_view encoding) override {
+        if (!isEncodingOfPackages(encoding))
+            refuse("The content types are neither in UTF-8 nor in UTF-16");
+    }
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const bool isDefault = element.localName() == u"Default";
         const bool isKnown =
@@ -47,7 +61,10 @@ private:
         const std::u16string_view type = element.valueOf({}, u"ContentType");
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
             refuse("An entry of the content types has other attributes than it must");
-        const std::string name = keyOf(decodePercent(narrow(key)));
+        const std::string written = narrow(key);
+        if (isDefault ? !isExtension(written) : !isPlainPartName(written))
+            refuse("\"" + written + (isDefault ? "\" isn't an extension" : "\" isn't the name of a part"));
+        const std::string name = keyOf(decodePartName(written));
         if (!(isDefault ? types.defaults : types.overrides).emplace(name, narrow(type)).second)
             refuse("Two content types are given for " + name);
     }

@@ -51,7 +51,7 @@ struct PackageContents::Known {
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
     : ignored(store.getIgnoredItems()), known(std::make_unique<Known>()) {
     for (interfaces::IPhysicalPart* const physical : store.getParts()) {
-        StoredPart part{decodePercent(toUDEString(physical->getName())), physical, {}, {}, false};
+        StoredPart part{decodePartName(toUDEString(physical->getName())), physical, {}, {}, false};
         std::string source;
         if (isRelationshipsName(part.name, source))
             part.source = source;

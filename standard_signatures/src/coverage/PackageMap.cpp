@@ -11,16 +11,66 @@ namespace opc::standard_signatures {
 
 namespace {
 
-constexpr std::string_view LEFT_OUT_BY_CUSTOM[] = {
-    "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
-    // a common mistake:
-    "http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/core-properties",
-    "http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail",
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties",
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties",
-    "http://purl.oclc.org/ooxml/officeDocument/relationships/extendedProperties",
-    "http://purl.oclc.org/ooxml/officeDocument/relationships/customProperties",
+/// The type of a relationship, and that of the part to which it leads: whole, or with a slash at its end.
+struct PartKind {
+    std::string_view relationship;
+    std::string_view contentType;
 };
+
+constexpr std::string_view CORE_PROPERTIES = "application/vnd.openxmlformats-package.core-properties+xml";
+constexpr std::string_view EXTENDED_PROPERTIES =
+    "application/vnd.openxmlformats-officedocument.extended-properties+xml";
+constexpr std::string_view CUSTOM_PROPERTIES =
+    "application/vnd.openxmlformats-officedocument.custom-properties+xml";
+
+constexpr PartKind LEFT_OUT_BY_CUSTOM[] = {
+    {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
+     CORE_PROPERTIES},
+    // a common mistake:
+    {"http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/core-properties",
+     CORE_PROPERTIES},
+    {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail", "image/"},
+    {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties",
+     EXTENDED_PROPERTIES},
+    {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties",
+     CUSTOM_PROPERTIES},
+    {"http://purl.oclc.org/ooxml/officeDocument/relationships/extendedProperties", EXTENDED_PROPERTIES},
+    {"http://purl.oclc.org/ooxml/officeDocument/relationships/customProperties", CUSTOM_PROPERTIES},
+};
+
+constexpr PartKind OF_SIGNATURES[] = {
+    {ORIGIN_RELATIONSHIP, ORIGIN_CONTENT_TYPE},
+    {SIGNATURE_RELATIONSHIP, SIGNATURE_CONTENT_TYPE},
+    {CERTIFICATE_RELATIONSHIP, CERTIFICATE_CONTENT_TYPE},
+};
+
+template <std::size_t Size>
+const PartKind* findKind(const PartKind (&kinds)[Size], std::string_view relationship) {
+    const auto* const found = std::find_if(kinds, kinds + Size, [relationship](const PartKind& one) {
+        return one.relationship == relationship;
+    });
+    return found == kinds + Size ? nullptr : found;
+}
+
+/// Whether a part is what a relationship says that leads to it. Otherwise such a relationship could excuse any part of the
+/// content from being signed.
+bool isOfKind(const StoredPart& part, const PartKind& kind) {
+    if (!part.contentType)
+        return false;
+    const std::string type = keyOf(*part.contentType);
+    return kind.contentType.back() == '/' ? type.compare(0, kind.contentType.size(), kind.contentType) == 0
+                                          : type == kind.contentType;
+}
+
+/// Whether the part needn't be signed because of this relationship.
+bool excuses(const MappedRelationship& relationship) {
+    const std::string_view type = relationship.values->type;
+    const PartKind* const kind = relationship.role == RelationshipRole::Content ? nullptr
+                                 : relationship.role == RelationshipRole::OfSignatures
+                                     ? findKind(OF_SIGNATURES, type)
+                                     : findKind(LEFT_OUT_BY_CUSTOM, type);
+    return kind != nullptr && isOfKind(*relationship.target, *kind);
+}
 
 /// Whether a type could be taken for that of the main document, by a program that isn't strict about it.
 bool isMainType(std::string_view type) {
@@ -38,7 +88,7 @@ PackageMap::PackageMap(PackageContents& contents) {
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)
             continue;
-        (one.role == RelationshipRole::Content ? contentTargets : exempt).insert(one.target);
+        (excuses(one) ? exempt : contentTargets).insert(one.target);
         if (one.role == RelationshipRole::OfSignatures)
             ofSignatures.insert(one.target);
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
@@ -92,8 +142,7 @@ void PackageMap::giveRoles() {
         certificates);
     for (MappedRelationship& one : all)
         if (*one.document->source == "/" && !one.values->isExternal &&
-            std::find(std::begin(LEFT_OUT_BY_CUSTOM), std::end(LEFT_OUT_BY_CUSTOM), one.values->type) !=
-                std::end(LEFT_OUT_BY_CUSTOM))
+            findKind(LEFT_OUT_BY_CUSTOM, one.values->type) != nullptr)
             one.role = RelationshipRole::LeftOutByCustom;
 }
 

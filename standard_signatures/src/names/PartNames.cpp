@@ -14,17 +14,39 @@ int digit(char c) {
                                   : -1;
 }
 
-} // namespace
-
-std::string decodePercent(std::string_view text) {
+/// Resolves the percent-encoded characters that are wanted.
+template <typename Predicate>
+std::string decode(std::string_view text, const Predicate& isWanted) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isEncoded =
             text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
-        decoded += isEncoded ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
-        i += isEncoded ? 2 : 0;
+        const char c = isEncoded ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
+        const bool isTaken = isEncoded && isWanted(c);
+        decoded += isTaken ? c : text[i];
+        i += isTaken ? 2 : 0;
     }
     return decoded;
+}
+
+} // namespace
+
+bool isUnreserved(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '.' || c == '_' || c == '~';
+}
+
+std::string decodePercent(std::string_view text) {
+    return decode(text, [](char) { return true; });
+}
+
+std::string decodePartName(std::string_view name) {
+    return decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; });
+}
+
+bool isPlainPartName(std::string_view name) {
+    return isAbsolutePartName(name) && name.find_first_of("\\ \t\r\n") == std::string_view::npos &&
+           decodePartName(name) == decodePercent(name);
 }
 
 std::string keyOf(std::string_view name) {

@@ -18,6 +18,8 @@ constexpr std::string_view ORIGIN_CONTENT_TYPE =
     "application/vnd.openxmlformats-package.digital-signature-origin";
 constexpr std::string_view SIGNATURE_CONTENT_TYPE =
     "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml";
+constexpr std::string_view CERTIFICATE_CONTENT_TYPE =
+    "application/vnd.openxmlformats-package.digital-signature-certificate";
 /// @}
 
 } // namespace opc::standard_signatures

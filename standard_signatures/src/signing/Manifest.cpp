@@ -2,6 +2,7 @@
 
 #include "crypto/Digest.hpp"
 #include "document/Vocabulary.hpp"
+#include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
 #include "signing/SignatureText.hpp"
 #include "transform/RelationshipTransform.hpp"
@@ -12,11 +13,6 @@
 namespace opc::standard_signatures {
 
 namespace {
-
-bool isUnreserved(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '.' || c == '_' || c == '~';
-}
 
 /// Percent-encodes every byte that is neither unreserved nor one of `others` (RFC 3986 section 2.1).
 std::string encodePercent(std::string_view text, std::string_view others) {

@@ -24,6 +24,7 @@ using Bytes = std::vector<unsigned char>;
 using Code = Reason::Code;
 
 constexpr std::size_t MOST_SIGNATURES = 100;
+constexpr std::size_t MOST_CERTIFICATES = 100; ///< of a signature
 constexpr std::size_t MOST_CERTIFICATE_BYTES = 65536;
 
 std::string shortName(const std::string& partName) {
@@ -38,10 +39,12 @@ std::string textOf(const Exception& failure) {
 
 X509Certificate readCertificate(const Bytes& der) {
     try {
-        return X509Certificate(der);
-    } catch (const bedrock::certificates::CertificateException&) {
-        throw Refusal(Code::NoKey, "", "A certificate of the signature can't be read");
+        X509Certificate certificate(der);
+        if (certificate.getAsByteArray() == der) // and not a text that has one somewhere
+            return certificate;
+    } catch (const bedrock::certificates::CertificateException&) { // refused below
     }
+    throw Refusal(Code::NoKey, "", "A certificate of the signature can't be read");
 }
 
 Bytes readAll(InputStream& stream) {
@@ -202,9 +205,11 @@ private:
         std::vector<X509Certificate> certificates;
         for (const Bytes& der : document.keys.certificates)
             certificates.push_back(readCertificate(der));
-        for (const StoredPart* const one : map.certificatesOf(part))
-            if (certificates.size() < MOST_SIGNATURES)
-                certificates.push_back(readCertificate(readAll(*contents.open(*one))));
+        for (const StoredPart* const one : map.certificatesOf(part)) {
+            if (certificates.size() >= MOST_CERTIFICATES)
+                throw Refusal(Code::BeyondLimit, "", "The signature has too many certificates");
+            certificates.push_back(readCertificate(readAll(*contents.open(*one))));
+        }
         return certificates;
     }
 

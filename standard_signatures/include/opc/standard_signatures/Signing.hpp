@@ -94,7 +94,8 @@ struct NewSignature {
 ///
 /// @param package  open for reading and writing, without changes that aren't saved: they wouldn't be signed, and saving them
 ///                 would break the signature
-/// @param store    the store of the package. Contents are read from it
+/// @param store    what holds the package. Contents are read from it as they lie there: the model may be open over a store
+///                 that mends what it reads, but that one doesn't belong here
 /// @throws SigningRefused  something that is to be signed isn't there or can be understood in two ways, the certificate
 ///                         isn't that of the key, the key is too weak, or another signature wouldn't hold any more
 /// @throws bedrock::crypto::utils::InvalidKey  the key can't be used

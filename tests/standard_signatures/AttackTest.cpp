@@ -1,0 +1,439 @@
+#include "standard_signatures/SignedSample.hpp"
+#include "support/RawZip.hpp"
+#include "support/TemporaryFolder.hpp"
+#include "support/Texts.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/physical/ZipPackage.hpp>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace {
+
+using namespace opc;
+using namespace opc::test;
+using namespace opc::standard_signatures;
+
+using Attack = std::function<void(SignedSample&)>;
+
+const std::string BASE = "http://schemas.openxmlformats.org/package/2006/relationships/";
+const std::string OFFICE = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+const std::u16string PACKAGE = u"/_rels/.rels";
+const std::u16string DOCUMENT = u"/word/_rels/document.xml.rels";
+const std::u16string STYLES = u"/word/styles.xml";
+
+Attack adding(const std::u16string& document, const std::string& type, const std::string& target,
+              const std::string& more = {}) {
+    return [=](SignedSample& it) {
+        it.replace(document, "</Relationships>",
+                   "<Relationship Id='evil' Type='" + type + "' Target='" + target + "'" + more +
+                       "/></Relationships>");
+    };
+}
+
+Attack replacingIn(const std::u16string& part, const std::string& from, const std::string& to) {
+    return [=](SignedSample& it) { it.replace(part, from, to); };
+}
+
+Attack replacingTypes(const std::string& from, const std::string& to) {
+    return [=](SignedSample& it) { it.replaceContentTypes(from, to); };
+}
+
+Attack renaming(const std::u16string& from, const std::u16string& to) {
+    return [=](SignedSample& it) {
+        const Bytes content = it.store.partBytes(from);
+        it.store.removePart(from);
+        it.store.setPart(to, content);
+    };
+}
+
+Attack addingPart(const std::u16string& name, const std::string& content = "<evil/>") {
+    return [=](SignedSample& it) { it.store.setPart(name, toBytes(content)); };
+}
+
+Attack both(const Attack& first, const Attack& second) {
+    return [=](SignedSample& it) {
+        first(it);
+        second(it);
+    };
+}
+
+struct Case {
+    std::string reason;
+    Attack attack;
+};
+
+template <std::size_t Size>
+void expectNoYes(const Case (&cases)[Size]) {
+    for (const auto& [reason, attack] : cases) {
+        SignedSample sample;
+        sample.sign();
+        attack(sample);
+        const PackageVerification result = sample.verify();
+        EXPECT_FALSE(result.isYes()) << reason;
+        EXPECT_NE(reasonsOf(result).find(reason), std::string::npos) << reason << "\nin\n"
+                                                                     << reasonsOf(result);
+    }
+}
+
+/// What other programs may take for the name of a signed part, or may no longer find.
+TEST(StandardAttacks, PlayWithNames) {
+    const std::string missing = "/word/styles.xml: The part isn't in the package";
+    const Case cases[] = {
+        {missing, renaming(STYLES, u"/word/%73tyles.xml")},
+        {missing, renaming(STYLES, u"/word%2Fstyles.xml")},
+        {"/word/_rels/document.xml.rels: The part isn't in the package",
+         renaming(DOCUMENT, u"/word/_rels%2Fdocument.xml.rels")},
+        {"There is more than one part with this name", addingPart(u"/word/media/ä.png")},
+        {"gap: /word/\xC5\xBFtyles.xml its content isn't signed", addingPart(u"/word/\u017Ftyles.xml")},
+        {"gap: /word/media/a\xCC\x88.png its content isn't signed", addingPart(u"/word/media/a\u0308.png")},
+        {"gap: /word/styles.xml.", addingPart(u"/word/styles.xml.")},
+        {"gap: /word/document.xml/[0].piece", addingPart(u"/word/document.xml/[0].piece")},
+        {"gap: /word/ghost.xml evil the relationship isn't signed",
+         addingPart(u"/word/_rels/ghost.xml.rels",
+                    toText(relationships("<Relationship Id='evil' Type='" + OFFICE +
+                                         "styles' Target='styles.xml'/>")))},
+    };
+    expectNoYes(cases);
+}
+
+/// What other programs may take for the content type of a signed part.
+TEST(StandardAttacks, PlayWithContentTypes) {
+    const std::string main = "PartName='/word/document.xml'";
+    const auto adding = [](const std::string& entry) {
+        return replacingTypes("</Types>", entry + "</Types>");
+    };
+    const auto overriding = [&](const std::string& name) {
+        return adding("<Override PartName='" + name + "' ContentType='text/html'/>");
+    };
+    const auto defaulting = [&](const std::string& extension) {
+        return adding("<Default Extension='" + extension + "' ContentType='text/html'/>");
+    };
+    const Case cases[] = {
+        {"Two content types are given for /word/document.xml", overriding("/Word/document.xml")},
+        {"isn't the name of a part", overriding("/word/%64ocument.xml")},
+        {"isn't the name of a part", replacingTypes(main, "PartName='/word/%64ocument.xml'")},
+        {"isn't the name of a part", overriding("word/document.xml")},
+        {"isn't the name of a part", overriding("/word/./document.xml")},
+        {"isn't the name of a part", overriding("/word//document.xml")},
+        {"isn't the name of a part", overriding("/word\\document.xml")},
+        {"isn't the name of a part", overriding(" /word/document.xml")},
+        {"isn't the name of a part", overriding("/word/document.xml ")},
+        {"isn't the name of a part", overriding("/word%2Fdocument.xml")},
+        {"isn't an extension", defaulting(".xml")},
+        {"isn't an extension", defaulting("%78ml")},
+        {"isn't an extension", defaulting("xml ")},
+        {"isn't an extension", defaulting("")},
+        {"Two content types are given for png", defaulting("PNG")},
+        {"The element Override doesn't belong into the content types",
+         adding("<Override xmlns='u:a' PartName='/word/styles.xml' ContentType='text/html'/>")},
+        {"The element Override doesn't belong into the content types",
+         replacingTypes("<Default Extension='png' ContentType='image/png'/>",
+                        "<Default Extension='png' ContentType='image/png'><Override "
+                        "PartName='/word/styles.xml' ContentType='text/html'/></Default>")},
+        {"An entry of the content types has other attributes than it must",
+         replacingTypes(main, main + " xmlns:x='u:x' x:PartName='/word/other.xml'")},
+        {"/word/document.xml: Its content type is",
+         replacingTypes("document.main+xml'", "document.main+xml;a=b'")},
+        {"/word/document.xml: Its content type is",
+         replacingTypes("document.main+xml'", "document.main+XML'")},
+        {"/word/document.xml: Its content type is",
+         replacingTypes("document.main+xml'", "document.main+xml '")},
+        {"/word/_rels/document.xml.rels: Its content type is application/xml",
+         adding("<Override PartName='/word/_rels/document.xml.rels' ContentType='application/xml'/>")},
+        {"The content types are neither in UTF-8 nor in UTF-16", replacingTypes("UTF-8", "ISO-8859-1")},
+    };
+    expectNoYes(cases);
+}
+
+/// What brings content into a document past its signed relationships, or hides it behind what needn't be signed.
+TEST(StandardAttacks, PlayWithRelationships) {
+    const std::string unsignedPart = "gap: /word/evil.xml its content isn't signed";
+    const Attack part = addingPart(u"/word/evil.xml");
+    const std::u16string ofSignature = u"/_xmlsignatures/_rels/sig1.xml.rels";
+    const Attack certificates = addingPart(ofSignature, toText(relationships("")));
+    const auto fromDocument = [](const std::string& from, const std::string& to) {
+        return replacingIn(DOCUMENT, from, to);
+    };
+    const Case cases[] = {
+        // nothing but a thumbnail leads to a part of the content
+        {unsignedPart, both(part, adding(PACKAGE, BASE + "metadata/thumbnail", "word/evil.xml"))},
+        {unsignedPart, both(part, adding(PACKAGE, BASE + "metadata/core-properties", "word/evil.xml"))},
+        {unsignedPart, both(part, adding(PACKAGE, OFFICE + "extended-properties", "word/evil.xml"))},
+        {unsignedPart, both(part, adding(PACKAGE, OFFICE + "custom-properties", "word/evil.xml"))},
+        {unsignedPart, both(part, adding(PACKAGE, BASE + "digital-signature/origin", "word/evil.xml"))},
+        {unsignedPart,
+         both(part, both(certificates,
+                         adding(ofSignature, BASE + "digital-signature/certificate", "../word/evil.xml")))},
+        {unsignedPart, both(part, adding(u"/_xmlsignatures/_rels/origin.sigs.rels",
+                                         BASE + "digital-signature/signature", "../word/evil.xml"))},
+        {"gap: /_xmlsignatures/sig1.xml evil the relationship isn't signed",
+         both(certificates, adding(ofSignature, OFFICE + "styles", "../word/styles.xml"))},
+        {"gap: / evil the relationship isn't signed, and leads out of the package",
+         adding(PACKAGE, BASE + "metadata/thumbnail", "http://e/", " TargetMode='External'")},
+        {"gap: / evil the relationship isn't signed",
+         adding(PACKAGE, BASE + "metadata/Thumbnail", "docProps/core.xml")},
+        {"gap: / evil the relationship isn't signed",
+         adding(PACKAGE, BASE + "metadata/thumbnail ", "docProps/core.xml")},
+        {"gap: / more than one relationship leads to a main document",
+         adding(PACKAGE, "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument",
+                "word/document.xml")},
+        {"gap: / more than one relationship leads to a main document",
+         adding(PACKAGE, OFFICE + "officeDocument/", "word/document.xml")},
+        {"A relationship has the attribute Id",
+         fromDocument("Id='rId10'", "Id='rId10' xmlns:x='u:x' x:Id='rId2'")},
+        {"A relationship has the attribute base", fromDocument("Id='rId10'", "Id='rId10' xml:base='/evil/'")},
+        {"A relationship has the attribute TargetMode", fromDocument("'External'", "'external'")},
+        {"The root element has an attribute",
+         fromDocument("<Relationships", "<Relationships xml:base='/evil/'")},
+        {"The element Relationship doesn't belong there",
+         fromDocument("Target='styles.xml'/>", "Target='styles.xml'><Relationship Id='evil' Type='u:a' "
+                                               "Target='b'/></Relationship>")},
+        {"It has changed since it was signed", fromDocument("'styles.xml'", "'st%79les.xml'")},
+        {"It has changed since it was signed", fromDocument("'styles.xml'", "'./styles.xml'")},
+        {"It has changed since it was signed", fromDocument("'styles.xml'", "'styles.xml&#xA;'")},
+        {"It has changed since it was signed", fromDocument("/image'", "/Image'")},
+        {"/word/_rels/document.xml.rels: The document is neither in UTF-8 nor in UTF-16",
+         [](SignedSample& it) {
+             it.replace(DOCUMENT, "UTF-8", "ISO-8859-1");
+             it.replace(DOCUMENT, "\xC3\xA4", "\xE4");
+         }},
+    };
+    expectNoYes(cases);
+}
+
+/// The signature of another package, or parts of one, and elements that change their places, all without the key.
+TEST(StandardAttacks, MoveWhatIsSigned) {
+    const auto changing = [](const SignatureRecipe::Change& change) {
+        return [change](SignedSample& it) {
+            std::string text = toText(it.store.partBytes(SignedSample::SIGNATURE));
+            change(text);
+            it.store.setPart(SignedSample::SIGNATURE, toBytes(text));
+        };
+    };
+    /// Takes an element out of the signature and puts `wrapped` into it elsewhere, with the element for its @.
+    const auto moving = [&](const std::string& from, const std::string& to, const std::string& left,
+                            const std::string& place, const std::string& wrapped) {
+        return changing([=](std::string& text) {
+            const std::size_t begin = text.find(from);
+            const std::size_t end = text.find(to, begin) + to.size();
+            const std::string element = text.substr(begin, end - begin);
+            text.replace(begin, end - begin, left);
+            replacing(place, replaced(wrapped, "@", element) + place)(text);
+        });
+    };
+    const std::string object = "<Object Id='idPackageObject'>";
+    const std::string objectEnd = "</Manifest></Object>";
+    const std::string evilObject = "<Object><Manifest/></Object>";
+    const std::string nothing = "The reference #idPackageObject leads to nothing that may be signed";
+    const std::string properties = "<xd:SignedProperties Id=";
+    const std::string propertiesEnd = "</xd:SignedProperties>";
+    const std::string noProperties = "The reference #idSignedProperties leads to nothing that may be signed";
+    const auto another = [] {
+        SignedSample other;
+        other.replace(u"/word/document.xml", "content", "another content");
+        other.sign();
+        return toText(other.store.partBytes(SignedSample::SIGNATURE));
+    }();
+    const auto ofAnother = [&](const std::string& from, const std::string& to) {
+        const std::size_t begin = another.find(from);
+        const std::string taken = another.substr(begin, another.find(to, begin) - begin);
+        return changing([=](std::string& text) {
+            const std::size_t start = text.find(from);
+            text.replace(start, text.find(to, start) - start, taken);
+        });
+    };
+    const Case cases[] = {
+        {"/word/document.xml: It has changed since it was signed",
+         [&](SignedSample& it) { it.store.setPart(SignedSample::SIGNATURE, toBytes(another)); }},
+        {"#idPackageObject: It has changed since it was signed", ofAnother("<Manifest>", "</Manifest>")},
+        {"#idPackageObject: It has changed since it was signed", ofAnother("<SignedInfo>", "<KeyInfo>")},
+        {"The signature value wasn't made with this key", ofAnother("<SignedInfo>", "<SignatureValue>")},
+        {"The signature value wasn't made with this key", ofAnother("<SignatureValue>", "<KeyInfo>")},
+        {nothing, moving(object, objectEnd, evilObject, "</KeyInfo>", "@")},
+        {nothing, moving(object, objectEnd, evilObject, "</Signature>", "<Object>@</Object>")},
+        {nothing,
+         moving(object, objectEnd, evilObject, "</Signature>", "<Object><Signature>@</Signature></Object>")},
+        {nothing, moving(object, objectEnd, evilObject, "</xd:QualifyingProperties>",
+                         "<xd:SignedProperties>@</xd:SignedProperties>")},
+        {nothing, changing(replacing("Id='idPackageObject'", "ID='idPackageObject'"))},
+        {nothing, changing(replacing("Id='idPackageObject'", "xmlns:x='u:x' x:Id='idPackageObject'"))},
+        {"The element Object doesn't belong into Signature",
+         changing(replacing(object, "<Object xmlns='u:x' Id='idPackageObject'>"))},
+        {"Two elements have the Id idPackageObject",
+         changing(replacing("<KeyInfo>", "<KeyInfo Id='idPackageObject'>"))},
+        {"The element KeyInfo doesn't belong into Signature",
+         moving(object, objectEnd, "", "<KeyInfo>", "@")},
+        {"The element SignedInfo doesn't belong into Signature",
+         moving("<SignedInfo>", "</SignedInfo>", "<SignedInfo/>", "<KeyInfo>", "@")},
+        {noProperties, moving(properties, propertiesEnd, "<xd:SignedProperties/>", "</KeyInfo>",
+                              "<a xmlns:xd='http://uri.etsi.org/01903/v1.3.2#'>@</a>")},
+        {noProperties,
+         moving(properties, propertiesEnd, "<xd:SignedProperties/>", "</xd:QualifyingProperties>",
+                "<xd:UnsignedProperties>@</xd:UnsignedProperties>")},
+        {noProperties, moving("<xd:QualifyingProperties", "</xd:QualifyingProperties>", "", "</Signature>",
+                              "<Object><a>@</a></Object>")},
+        {"#idSignedProperties: It has changed since it was signed",
+         changing(replacing("</xd:SignedProperties>", "<?a b?></xd:SignedProperties>"))},
+        {"#idPackageObject: It has changed since it was signed",
+         changing(replacing("<Manifest>", "<Manifest><?a b?>"))},
+        {"The reference doesn't lead to an element of the signature",
+         changing(replacing("'#idPackageObject'", "'#id%50ackageObject'"))},
+        {"The document is neither in UTF-8 nor in UTF-16",
+         changing(replacing("<?xml version='1.0'?>", "<?xml version='1.0' encoding='UTF-7'?>"))},
+        {"problem: It has the content type of a signature",
+         [](SignedSample& it) {
+             it.replace(u"/_xmlsignatures/_rels/origin.sigs.rels", "digital-signature/signature'",
+                        "digital-signature/Signature'");
+         }},
+    };
+    expectNoYes(cases);
+}
+
+/// Values that some checks of signatures took for right.
+TEST(StandardAttacks, InventSignatureValues) {
+    const std::string wrong = "The signature value wasn't made with this key";
+    const Identity ofCurve = makeSigner(nullptr, [](CertificateRecipe& recipe) { recipe.rsaBits = 0; });
+    const auto bytes = [](std::size_t count, unsigned char value) {
+        return std::vector<unsigned char>(count, value);
+    };
+    const auto lastIsOne = [&](std::vector<unsigned char> value) {
+        value.back() = 1;
+        return value;
+    };
+    const struct {
+        const Identity* signer;
+        std::vector<unsigned char> value;
+    } cases[] = {
+        {&ofCurve, {}},
+        {&ofCurve, bytes(64, 0)},
+        {&ofCurve, bytes(64, 0xFF)},
+        {&ofCurve, bytes(63, 1)},
+        {&ofCurve, bytes(2, 1)},
+        {&ofCurve, {0x30, 6, 2, 1, 1, 2, 1, 1}},
+        {nullptr, {}},
+        {nullptr, lastIsOne(bytes(256, 0))},
+        {nullptr, bytes(256, 0)},
+        {nullptr, bytes(256, 0xFF)},
+        {nullptr, bytes(257, 0)},
+    };
+    for (const auto& [signer, value] : cases) {
+        SignatureRecipe recipe;
+        recipe.signer = signer;
+        if (signer != nullptr)
+            recipe.method = "http://www.w3.org/2001/04/xmldsig-more#ecdsa-sha256";
+        recipe.changeAtLast = [&value = value](std::string& text) {
+            const std::size_t begin = text.find("<SignatureValue>") + 16;
+            text.replace(begin, text.find("</SignatureValue>") - begin, base64(value));
+        };
+        SignedSample sample;
+        sample.sign(recipe);
+        VerificationPolicy policy;
+        policy.acceptMissingNull = true;
+        policy.trust.emplace().roots.addCertificate(
+            (signer == nullptr ? SignedSample::usualSigner() : *signer).certificate);
+        const PackageVerification result = sample.verify(policy);
+        EXPECT_FALSE(result.isYes());
+        EXPECT_NE(reasonsOf(result).find(wrong), std::string::npos) << reasonsOf(result);
+    }
+}
+
+/// Archives in which programs find different items.
+TEST(StandardAttacks, PlayWithArchives) {
+    using Items = std::vector<RawItem>;
+    const auto in = [](Items& items, const std::string& name) -> RawItem& {
+        return *std::find_if(items.begin(), items.end(),
+                             [&](const RawItem& one) { return one.name == name; });
+    };
+    const std::string document = "word/document.xml";
+    const RawItem evil = stored(document, "<document>evil</document>");
+    const auto naming = [](RawItem item, const std::string& name) {
+        item.name = name;
+        return item;
+    };
+    const struct {
+        const char* what;
+        std::function<void(RawArchive&)> change;
+    } cases[] = {
+        {"a second item in front", [&](RawArchive& it) { it.items.insert(it.items.begin(), evil); }},
+        {"a second item behind", [&](RawArchive& it) { it.items.push_back(evil); }},
+        {"the same in another case",
+         [&](RawArchive& it) { it.items.push_back(naming(evil, "WORD/Document.xml")); }},
+        {"with a slash in front",
+         [&](RawArchive& it) { it.items.push_back(naming(evil, "/word/document.xml")); }},
+        {"with a backslash", [&](RawArchive& it) { it.items.push_back(naming(evil, "word\\document.xml")); }},
+        {"with dots", [&](RawArchive& it) { it.items.push_back(naming(evil, "word/./document.xml")); }},
+        {"encoded", [&](RawArchive& it) { it.items.push_back(naming(evil, "word/%64ocument.xml")); }},
+        {"with a NUL",
+         [&](RawArchive& it) {
+             it.items.push_back(naming(evil, std::string("word/document.xml\0.png", 22)));
+         }},
+        {"in pieces",
+         [&](RawArchive& it) { it.items.push_back(naming(evil, "word/document.xml/[0].last.piece")); }},
+        {"the content types twice",
+         [&](RawArchive& it) {
+             it.items.push_back(naming(in(it.items, "[Content_Types].xml"), "[content_types].XML"));
+         }},
+        {"the content types in pieces",
+         [&](RawArchive& it) {
+             it.items.push_back(
+                 naming(in(it.items, "[Content_Types].xml"), "[Content_Types].xml/[0].last.piece"));
+         }},
+        {"a renamed item", [&](RawArchive& it) { in(it.items, document).name = "word/%64ocument.xml"; }},
+        {"another name in the local header",
+         [&](RawArchive& it) {
+             in(it.items, "word/styles.xml").changeLocal = [](RawItem& local) {
+                 local.name = "word/stylez.xml";
+             };
+         }},
+        {"another size in the local header",
+         [&](RawArchive& it) {
+             in(it.items, document).changeLocal = [](RawItem& local) { local.size = 3; };
+         }},
+        {"a wrong checksum", [&](RawArchive& it) { in(it.items, document).crc ^= 1U; }},
+        {"said to be encrypted", [&](RawArchive& it) { in(it.items, document).flags |= 1U; }},
+        {"an item that the directory hides",
+         [&](RawArchive& it) {
+             it.items.push_back(evil);
+             it.items.back().listed = false;
+         }},
+        {"a whole archive in front", [&](RawArchive& it) { it.inFront = toText(makeZip({evil})); }},
+        {"a whole archive behind", [&](RawArchive& it) { it.behind = toText(makeZip({evil})); }},
+        {"a folder with content",
+         [&](RawArchive& it) { it.items.push_back(naming(evil, "word/styles.xml/")); }},
+    };
+    SignedSample sample;
+    sample.sign();
+    Items items{stored("[Content_Types].xml", toText(sample.store.contentTypes()))};
+    for (const std::u16string& name : sample.store.partNames())
+        items.push_back(stored(toUDEString(name).substr(1), toText(sample.store.partBytes(name))));
+    const TemporaryFolder folder;
+    /// What is said of an archive, strictly or leniently.
+    const auto judge = [&](const RawArchive& archive, bool isLenient) -> std::string {
+        writeFile(folder / "a.docx", makeArchive(archive));
+        physical::ZipOptions options;
+        options.lenient = isLenient;
+        physical::ZipPackage store(folder / "a.docx", options);
+        try {
+            store.open(interfaces::OpenMode::ReadOnly);
+        } catch (const std::exception& failure) {
+            return failure.what();
+        }
+        const PackageVerification result = verify(store, SignedSample::trusting());
+        store.close(true);
+        return result.isYes() ? "yes" : reasonsOf(result);
+    };
+    RawArchive whole;
+    whole.items = items;
+    EXPECT_EQ(judge(whole, false), "yes");
+    for (const auto& [what, change] : cases)
+        for (const bool isLenient : {false, true}) {
+            RawArchive archive = whole;
+            change(archive);
+            EXPECT_NE(judge(archive, isLenient), "yes") << what;
+        }
+}
+
+} // namespace
