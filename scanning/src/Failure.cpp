@@ -64,7 +64,9 @@ int codeOf(const std::exception& failure) {
 
 Failure describe(const std::exception& failure, const std::string& package) {
     Failure described{nameOfClass(failure), codeOf(failure), failure.what(), {}, {}};
-    for (const std::string& place : {package + ": ", std::string("archive from a stream: ")})
+    for (const std::string& place :
+         {package + ": ", std::string("archive from a stream: "), std::string("archive in memory: "),
+          std::string("archive of the application: ")})
         if (described.message.compare(0, place.size(), place) == 0)
             described.message.erase(0, place.size());
     const auto* const own = dynamic_cast<const Exception*>(&failure);

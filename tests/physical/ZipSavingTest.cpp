@@ -246,9 +246,17 @@ TEST_F(ZipSaving, doesNotOverwriteWhatOthersHaveChangedMeanwhile) {
         EXPECT_EQ(folder.count(), 1U);
         package.close(true);
     }
+    writeFile(path, old);
     ZipPackage package(path);
     package.open(OpenMode::ReadWrite);
     create(package, u"/b", "beta");
+    SystemCalls::before = [&](const std::string& call, int) {
+        if (call == "fsync")
+            replaceIt();
+        return 0;
+    };
+    EXPECT_FAILS(ESTALE, "has been changed by another program", package.close(false)) << "at the last moment";
+    SystemCalls::before = nullptr;
     fs::remove(path);
     package.close(false);
     package.open(OpenMode::CreateOnly);

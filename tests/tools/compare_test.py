@@ -3,6 +3,7 @@ import hashlib
 import unittest
 import zipfile
 
+import odd_packages
 from opctool_case import OpctoolCase
 
 OFFICE = 'http://schemas.openxmlformats.org/officeDocument/2006/relationships/'
@@ -112,6 +113,17 @@ class Compare(OpctoolCase):
                              expected('core-properties,rel-ids,', ['/docprops/core.xml']) + '  b.docx\n')
         status, [document] = self.envelopes('hash b.docx')
         self.assertEqual((status, document['result']['sha256']), (0, expected()))
+
+    def test_contents_are_read_where_packages_are(self):
+        """Without its last block, Deflate is read by all commands that read contents, unless they are told to be strict."""
+        package = odd_packages.PACKAGES['Deflate without final block'].content
+        self.write('odd.docx', package)
+        self.do('repack odd.docx -o whole.docx')
+        for arguments in 'hash odd.docx', 'flat odd.docx', 'diff odd.docx whole.docx', 'clean odd.docx -n', 'graph odd.docx', 'type odd.docx':
+            self.do(arguments)
+        self.assertEqual(self.do('hash odd.docx').split()[0], self.do('hash whole.docx').split()[0])
+        self.assertEqual(self.run_tool('hash odd.docx --strict').status, 3)
+        self.assertEqual(self.run_tool('check odd.docx -q').status, 1)
 
     def test_hash_of_signatures_can_be_left_out(self):
         self.do('keygen k', 'sign a.docx --key k.key --public k.pub -o signed.docx')

@@ -1,4 +1,6 @@
 """Commands that mend packages, and that take metadata out of them."""
+import os
+import subprocess
 import unittest
 
 from opctool_case import OpctoolCase
@@ -20,7 +22,7 @@ class Mending(OpctoolCase):
         self.assertEqual(self.run_tool('fix p.zip -o q.zip'), (0, line, ''))
         self.assertEqual(self.run_tool('fix - -n <p.zip'), (0, line, ''))
         self.assertEqual(self.read('p.zip'), before)
-        self.assertEqual(self.shell('$OPCTOOL fix - <p.zip >r.zip'), (0, '', line))
+        self.assertEqual(self.shell('$OPCTOOL fix - <p.zip >r.zip'), (0, '', 'opctool: -: ' + line))
         self.assertEqual(self.read('r.zip'), self.read('q.zip'))
         self.assertEqual([one['id'] for one in self.list('rels q.zip')], ['a'])
         [(status, [envelope])] = [self.envelopes('fix p.zip -n --no-rule SEC-17 --profile security', '--json=2')]
@@ -33,6 +35,19 @@ class Mending(OpctoolCase):
         self.assertEqual(self.run_tool('fix p.zip').output[:27], 'left: SEC-57 The file is no')
         self.assertEqual(self.run_tool('fix p.zip').status, 1)
         self.assertEqual(self.read('p.zip'), b'no package')
+
+    def test_a_file_that_others_save_meanwhile_is_left_to_them(self):
+        """A content that doesn't fit into a pipe is only taken once the package is open. Names of the package with -o, too."""
+        os.symlink('p.zip', self.folder / 'link.zip')
+        for arguments in 'p.zip /a.bin -', 'p.zip /a.bin - -o ./link.zip', 'link.zip /a.bin - -o p.zip':
+            process = subprocess.Popen([self.tool, 'put', *arguments.split()], cwd=self.folder, stdin=subprocess.PIPE,
+                                       stderr=subprocess.PIPE)
+            process.stdin.write(bytes(1 << 20))
+            self.do('relate p.zip / urn:t https://example.com/ --external')
+            others = self.read('p.zip')
+            errors = process.communicate()[1].decode()
+            self.assertIn('PackageCloseFailed: has been changed by another program', errors, arguments)
+            self.assertEqual((process.returncode, self.read('p.zip')), (3, others), arguments)
 
     def test_clean_lists_what_goes_and_what_remains(self):
         self.do('props p.zip --set creator=me', 'props p.zip --custom --set a=b', 'props p.zip --extended --set Company=c')

@@ -105,6 +105,7 @@ class OpctoolCase(unittest.TestCase):
         outcome = self.run_tool(arguments)
         self.assertEqual(outcome.status, 2, arguments)
         self.assertNotEqual(outcome.errors, '', arguments)
+        return outcome.errors
 
     def assert_helps(self, *commands):
         for command in commands:

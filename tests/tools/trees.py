@@ -93,7 +93,7 @@ class Run:
         status, errors = self.run('pack', tree, '-o', packed, '--break-signatures')
         if status != 0:
             self.counts['changes refused'] += 1
-            if 'new error' not in errors:
+            if 'would have an error' not in errors:
                 self.tell(name, f'change of {changed}: {errors}')
             if before is not None and read(packed) != before:
                 self.tell(name, 'refused, and not left as it was')

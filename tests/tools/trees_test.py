@@ -76,6 +76,37 @@ class Trees(OpctoolCase):
         self.assertEqual(([item['what'] for item in packed['hidden']], [item['what'] for item in packed['dropped']]),
                          (['a comment of 4 bytes'], ['6 bytes behind the end']))
 
+    def test_standard_input_and_output_take_the_place_of_files(self):
+        self.unpack()
+        for arguments in 'pack tree -o -', 'repack - <a.docx', 'repack a.docx -o -':
+            outcome = self.shell(f"'{self.tool}' {arguments} >b.docx")
+            self.assertEqual((outcome.status, outcome.output), (0, ''), outcome.errors)
+            self.do('diff a.docx b.docx')
+            self.assertNotEqual(outcome.errors, '', 'what was done is told there')
+        self.shell(f"'{self.tool}' unpack - other <a.docx")
+        self.assertEqual(self.read('other/' + DOCUMENT), self.read('tree/' + DOCUMENT))
+
+    def test_a_dry_run_tells_the_same_and_writes_nothing(self):
+        self.make(('a:b', 'x'))
+        before, names = self.read('a.docx'), os.listdir(self.folder)
+        tried = self.unpack('-n')
+        self.do('repack a.docx -n')
+        self.assertEqual((os.listdir(self.folder), self.read('a.docx')), (names, before))
+        self.assertEqual(self.unpack(), tried)
+        self.write('tree/' + DOCUMENT, self.read('tree/' + DOCUMENT) + b'\n')
+        tried = self.list('pack tree -o b.docx -n')
+        self.assertFalse((self.folder / 'b.docx').exists())
+        self.assertEqual(self.list('pack tree -o b.docx'), tried)
+        outcome = self.run_tool('unpack a.docx tree -n')
+        self.assertEqual((outcome.status, "isn't empty" in outcome.errors), (3, True), outcome.errors)
+
+    def test_a_package_does_not_go_into_its_own_folder(self):
+        self.unpack()
+        os.symlink('tree', self.folder / 'link')
+        for target in 'tree/b.docx', 'link/word/b.docx', 'tree/../link/.opctool/b.docx', 'tree':
+            self.assertIn('lies in DIR', self.assert_wrong_usage(f'pack tree -o {target}'))
+        self.do('pack tree -o treeb.docx')
+
     def test_an_item_that_cannot_be_read_comes_back(self):
         data = bytearray(self.read('a.docx'))
         with zipfile.ZipFile(self.folder / 'a.docx') as archive:

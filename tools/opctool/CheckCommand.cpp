@@ -43,7 +43,7 @@ std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments, bool colore
 
 void inspectFile(FileRun& run, const Arguments& arguments, const std::optional<Baseline>& baseline,
                  InspectedFile& file) {
-    const Archive archive = openArchive(run);
+    const Archive archive = openToInspect(run);
     InspectionOptions options = arguments.inspection;
     options.limits = run.options().reading.zip;
     options.fileName = run.path();

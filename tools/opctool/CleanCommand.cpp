@@ -1,4 +1,3 @@
-#include "ArchiveFile.hpp"
 #include "ChangeText.hpp"
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
@@ -10,10 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <iostream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,37 +33,18 @@ struct Arguments {
     }
 };
 
-/// What standard input gives, for whoever reads it next.
-class InputAgain {
-public:
-    InputAgain()
-        : content(std::string(std::istreambuf_iterator<char>(std::cin), {})), old(std::cin.rdbuf(&content)) {}
-    InputAgain(const InputAgain&) = delete;
-    InputAgain& operator=(const InputAgain&) = delete;
-    ~InputAgain() { std::cin.rdbuf(old); }
-
-    Archive archive(const opc::physical::ZipOptions& limits) const {
-        const std::string bytes = content.str();
-        return Archive(std::vector<unsigned char>(bytes.begin(), bytes.end()), limits);
-    }
-
-private:
-    std::stringbuf content;
-    std::streambuf* old;
-};
-
 std::string nameOf(const Finding& finding) {
     const std::string& name = finding.place.part.empty() ? finding.place.item : finding.place.part;
     return name + (finding.place.relationship.empty() ? "" : '#' + finding.place.relationship);
 }
 
-void print(std::ostream& output, const std::vector<Change>& changes, const std::vector<Finding>& remaining) {
+void print(FileRun& run, const std::vector<Change>& changes, const std::vector<Finding>& remaining) {
     for (const Change& change : changes)
-        output << describe(change) << '\n';
+        run.printLine(describe(change));
     for (const Finding& finding : remaining) {
         const std::string name = nameOf(finding);
-        output << "remains: " << finding.rule->id << ' ' << name << (name.empty() ? "" : ": ")
-               << finding.message << '\n';
+        run.printLine("remains: " + std::string(finding.rule->id) + ' ' + name + (name.empty() ? "" : ": ") +
+                      finding.message);
     }
 }
 
@@ -86,10 +63,9 @@ ordered_json toResult(const Editor& editor, const std::vector<Finding>& remainin
 }
 
 void clean(FileRun& run, const Arguments& arguments) {
-    const auto again = run.isStandardInput() ? std::make_unique<InputAgain>() : nullptr;
     const RunOptions& how = run.options();
-    const Archive archive = again ? again->archive(how.reading.zip) : openArchive(run);
     OpenedPackage package(run, OpenMode::ReadWrite);
+    const Archive archive = package.openArchive();
     Editor editor(*package);
     opc::editing::clean(editor, arguments.chosen());
     if (!how.dryRun && !how.breakSignatures)
@@ -99,7 +75,7 @@ void clean(FileRun& run, const Arguments& arguments) {
     if (run.wantsJSON())
         run.json().add(toResult(editor, remaining, how.dryRun));
     else
-        print(run.target() == "-" && !how.dryRun ? std::cerr : run.out(), editor.changes(), remaining);
+        print(run, editor.changes(), remaining);
     if (how.dryRun && !how.breakSignatures)
         editor.throwIfSignaturesAreBroken();
 }

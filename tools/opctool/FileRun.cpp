@@ -4,7 +4,6 @@
 #include "Envelope.hpp"
 #include "Failures.hpp"
 #include "Messages.hpp"
-#include "Progress.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/core/Text.hpp>
@@ -66,9 +65,8 @@ private:
     bool isInLine = false;
 };
 
-FileRun::FileRun(std::string path, const RunOptions& options, OrderedOutput::Turn& turn, Progress& progress)
+FileRun::FileRun(std::string path, const RunOptions& options, OrderedOutput::Turn& turn)
     : filePath(std::move(path)), runOptions(options), format(options.output.format()), turn(turn),
-      allProgress(progress),
       buffer(std::make_unique<Buffer>(turn, options.output.quiet,
                                       options.isOneOfMany && format == Format::Text && !options.namesFiles
                                           ? withoutControlCharacters(filePath) + ": "
@@ -91,10 +89,15 @@ JSONOutput& FileRun::json() {
 void FileRun::printName(const std::string& name) {
     if (wantsJSON())
         addName(json(), name);
-    else if (target() == "-")
-        remark(name);
     else
-        output << withoutControlCharacters(name) << '\n';
+        printLine(name);
+}
+
+void FileRun::printLine(const std::string& line) {
+    if (target() == "-" && !runOptions.dryRun)
+        remark(line);
+    else
+        output << withoutControlCharacters(line) << '\n';
 }
 
 Table::Style FileRun::tableStyle() const {

@@ -18,7 +18,6 @@
 
 namespace opctool {
 
-class Progress;
 struct Command;
 
 /// What all runs of a command have in common.
@@ -49,7 +48,7 @@ struct HiddenItem {
 class FileRun {
 public:
     /// All must outlive this object.
-    FileRun(std::string path, const RunOptions& options, OrderedOutput::Turn& turn, Progress& progress);
+    FileRun(std::string path, const RunOptions& options, OrderedOutput::Turn& turn);
     FileRun(const FileRun&) = delete;
     FileRun& operator=(const FileRun&) = delete;
     ~FileRun();
@@ -58,7 +57,6 @@ public:
     const std::string& path() const { return filePath; }
     bool isStandardInput() const { return filePath == "-"; }
     const RunOptions& options() const { return runOptions; }
-    Progress& progress() { return allProgress; }
 
     /// The file that a change writes: "-" is standard output; empty if it is the package's own.
     std::string target() const {
@@ -77,8 +75,11 @@ public:
     /// For text. If this file is one of many, each line gets the file's name in front, and empty lines are dropped.
     std::ostream& out() { return output; }
 
-    /// Prints a line that tells the name of what was made: on standard error if the package goes to standard output.
+    /// Prints a line that tells the name of what was made, as `printLine` does, or adds it to the JSON.
     void printName(const std::string& name);
+
+    /// Prints a line of text: on standard error, as a remark, if the package goes to standard output.
+    void printLine(const std::string& line);
 
     /// How tables are to look.
     Table::Style tableStyle() const;
@@ -116,7 +117,6 @@ private:
     const RunOptions& runOptions;
     const OutputOptions::Format format;
     OrderedOutput::Turn& turn;
-    Progress& allProgress;
     std::unique_ptr<Buffer> buffer;
     std::ostream output;
     std::unique_ptr<JSONOutput> document;

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <system_error>
@@ -94,7 +95,7 @@ private:
 
     void runOver(const Job& job) {
         const EndOfTurn end{output, *job.turn};
-        FileRun run(job.file.path, files.options, *job.turn, progress);
+        FileRun run(job.file.path, files.options, *job.turn);
         int status = FAILURE;
         try {
             if (!job.file.failure.empty())
@@ -119,6 +120,13 @@ private:
     std::exception_ptr failure;
     std::array<std::atomic<std::uint64_t>, 4> counts{}; ///< of files, by exit status
 };
+
+/// Whether two names, of which links may be part, lead to the same place.
+bool isSamePlace(const std::string& path, const std::string& other) {
+    std::error_code error;
+    const std::filesystem::path place = std::filesystem::canonical(path, error);
+    return !error && place == std::filesystem::canonical(other, error) && !error;
+}
 
 unsigned countThreads(const Files& files) {
     const unsigned wanted = files.jobs != 0 ? files.jobs : std::max(1U, std::thread::hardware_concurrency());
@@ -174,17 +182,23 @@ void Files::run(const Action& action, const Frame& frame) {
         requireOne("--json");
     if (!options.target.empty())
         requireOne("--output");
+    if (!selection.takesFolders && !options.target.empty() &&
+        isSamePlace(options.target, selection.packages.front()))
+        options.target.clear(); // it is changed in place, and nothing is lost that others save meanwhile
     const bool isPiped = options.target.empty() && options.isChange && selection.packages.front() == "-";
     if ((isPiped || options.target == "-") && options.output.format() != OutputOptions::Format::Text)
         throw CLI::ValidationError("--json", "doesn't fit with --output -, which takes standard output");
     if (options.isChange)
         takeSourceDate(options.reading.zip);
     Progress progress(options.isOneOfMany);
+    options.reading.zip.whenRead = [&progress](std::uint64_t bytes) { progress.add(bytes); };
     OrderedOutput output(std::cout, std::cerr, progress, frame.between, WINDOW);
     Work work(*this, action, output, progress);
     if (frame.begin && !options.output.quiet)
         frame.begin(std::cout);
     work.run(countThreads(*this));
+    options.reading.zip.whenRead = nullptr;
+    progress.hide();
     if (frame.end && !options.output.quiet)
         frame.end(std::cout);
     if (!work.hasFiles() && !output.hasFailed())

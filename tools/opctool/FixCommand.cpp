@@ -10,7 +10,6 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -62,27 +61,18 @@ ordered_json toJSON(const Mending& mending, bool isDryRun) {
             {"dryRun", isDryRun}};
 }
 
-void print(std::ostream& output, const Mending& mending) {
-    const auto line = [&output](const Rule& rule, const Place& place) -> std::ostream& {
-        const std::string name = nameOf(place);
-        return output << rule.id << ' ' << name << (name.empty() ? "" : ": ");
-    };
-    for (const Mended& one : mending.mended)
-        line(*one.rule, one.place) << one.what << '\n';
-    for (const Finding& finding : mending.left)
-        if (finding.severity != Severity::Info) {
-            output << "left: ";
-            line(*finding.rule, finding.place)
-                << finding.message << (finding.hint.empty() ? "" : ". " + finding.hint) << '\n';
-        }
+std::string textOf(const Rule& rule, const Place& place, const std::string& what) {
+    const std::string name = nameOf(place);
+    return std::string(rule.id) + ' ' + name + (name.empty() ? "" : ": ") + what;
 }
 
-void deliver(const FileRun& run, const Mending& mending) {
-    const std::string target = run.target();
-    if (target == "-")
-        opc::editing::writeTo(std::cout, mending.archive);
-    else if (!target.empty() || !mending.mended.empty())
-        opc::editing::writeTo(std::filesystem::path(target.empty() ? run.path() : target), mending.archive);
+void print(FileRun& run, const Mending& mending) {
+    for (const Mended& one : mending.mended)
+        run.printLine(textOf(*one.rule, one.place, one.what));
+    for (const Finding& finding : mending.left)
+        if (finding.severity != Severity::Info)
+            run.printLine("left: " + textOf(*finding.rule, finding.place, finding.message) +
+                          (finding.hint.empty() ? "" : ". " + finding.hint));
 }
 
 void fix(FileRun& run, const Arguments& arguments) {
@@ -92,18 +82,16 @@ void fix(FileRun& run, const Arguments& arguments) {
     options.never = arguments.never;
     options.limits = run.options().reading.zip;
     options.fileName = run.path();
-    const Mending mending = opc::editing::mend(openArchive(run), options);
+    const Mending mending = opc::editing::mend(openToInspect(run), options);
     const RunOptions& how = run.options();
     if (!how.dryRun && !how.breakSignatures)
         mending.signatures.throwIfBrokenBy(mending.changes());
-    if (!how.dryRun)
-        deliver(run, mending);
+    if (!run.target().empty() || !mending.mended.empty())
+        deliver(run, mending.archive, mending.original);
     if (run.wantsJSON())
         run.json().add(toJSON(mending, how.dryRun));
-    else if (run.target() == "-" && !how.dryRun)
-        print(std::cerr, mending);
     else
-        print(run.out(), mending);
+        print(run, mending);
     if (how.dryRun && !how.breakSignatures)
         mending.signatures.throwIfBrokenBy(mending.changes());
     for (const Finding& finding : mending.left)

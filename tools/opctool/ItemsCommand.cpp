@@ -150,7 +150,7 @@ std::vector<Row> makeRows(const Archive& archive) {
 }
 
 void items(FileRun& run) {
-    const Archive archive = openArchive(run);
+    const Archive archive = openToInspect(run);
     if (run.wantsJSON())
         return printJSON(run, archive);
     Table table({{"OFFSET", Table::Align::Right},

@@ -1,7 +1,7 @@
+#include "ArchiveFile.hpp"
 #include "ArchiveReports.hpp"
 #include "Commands.hpp"
 #include "Files.hpp"
-#include "Progress.hpp"
 #include "RepeatableOption.hpp"
 
 #include <opc/editing/Repacking.hpp>
@@ -16,45 +16,28 @@ namespace {
 using nlohmann::ordered_json;
 using opc::editing::Repacked;
 using opc::editing::RepackingOptions;
+using opc::inspection::Archive;
 
 void repack(FileRun& run, RepackingOptions options) {
     options.archive = run.options().reading.zip;
-    options.isTrial = run.options().dryRun;
-    options.progress = [&run](std::uint64_t bytes) { run.progress().add(bytes); };
-    const std::string target = run.target().empty() ? run.path() : run.target();
-    const Repacked repacked = opc::editing::repack(run.path(), target, options);
+    const Archive package = openArchive(run);
+    const Repacked repacked = opc::editing::repack(package, options);
+    deliver(run, repacked.archive, package.fileState());
     if (run.wantsJSON()) {
-        run.json().add(ordered_json{{"before", repacked.sizeBefore},
-                                    {"after", repacked.sizeAfter},
+        run.json().add(ordered_json{{"before", package.size()},
+                                    {"after", repacked.archive.size()},
                                     {"items", repacked.items},
                                     {"dropped", toJSON(repacked.dropped)}});
         return;
     }
     remark(run, repacked.dropped, "is left out: ");
-    run.out() << repacked.sizeBefore << " bytes before, " << repacked.sizeAfter << " after\n";
+    run.printLine(std::to_string(package.size()) + " bytes before, " +
+                  std::to_string(repacked.archive.size()) + " after");
 }
 
 void declare(CLI::App& command) {
     const auto options = std::make_shared<RepackingOptions>();
-    const auto files = std::make_shared<Files>();
-    files->options.command = &REPACK;
-    files->options.isChange = true;
-    command
-        .add_option_function<std::string>(
-            "PACKAGE", [files](const std::string& path) { files->selection.packages = {path}; },
-            "The package's file")
-        ->required()
-        ->check(CLI::ExistingFile)
-        ->type_name("");
-    addReadOptions(command, files->options.reading);
-    addOutputOptions(command, files->options.output);
-    command
-        .add_option("-o,--output", files->options.target,
-                    "Write the package to this file, and leave PACKAGE as it is")
-        ->check([](const std::string& target) {
-            return std::string(target == "-" ? "A package is written to a file" : "");
-        })
-        ->type_name("FILE");
+    const auto files = addChangedFile(command, REPACK);
     command
         .add_option("--level", options->level, "From 1, the fastest, to 9, the smallest; 0 doesn't compress")
         ->check(CLI::Range(0, 9))
@@ -65,8 +48,6 @@ void declare(CLI::App& command) {
         ->type_name("GLOB");
     command.add_flag("--deterministic", files->options.reading.zip.deterministic,
                      "Write the same bytes for the same contents: items by name, with a fixed time");
-    addDryRun(command, files->options);
-    addJSONOptions(command, files->options.output);
     command.callback([files, options] { files->run([&](FileRun& run) { repack(run, *options); }); });
 }
 

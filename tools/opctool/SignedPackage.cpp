@@ -5,7 +5,7 @@
 namespace opctool {
 
 SignedPackage::SignedPackage(FileRun& run, opc::interfaces::OpenMode mode)
-    : file(run), watched(file, run.progress()), package(watched), manager(package) {
+    : file(run), package(file), manager(package) {
     file.open(package, mode);
 }
 

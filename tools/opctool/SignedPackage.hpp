@@ -1,7 +1,6 @@
 #pragma once
 
 #include "PackageFile.hpp"
-#include "Progress.hpp"
 
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
@@ -9,7 +8,7 @@
 namespace opctool {
 
 /// The package of a run about signatures. The constructor opens it. Without a call of `save`, the file doesn't
-/// change. Long work shows its progress on a terminal.
+/// change.
 class SignedPackage {
 public:
     SignedPackage(FileRun& run, opc::interfaces::OpenMode mode);
@@ -27,7 +26,6 @@ public:
 
 private:
     PackageFile file;
-    WatchedPackage watched;
     opc::model::Package package;
     opc::model::DigitalSignatureManager manager;
 };

@@ -4,8 +4,6 @@
 #include "ContentTypesFile.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
-#include "Progress.hpp"
-#include "TerminalText.hpp"
 
 #include <opc/editing/Packing.hpp>
 #include <opc/editing/Unpacking.hpp>
@@ -13,6 +11,8 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <filesystem>
 #include <map>
 
 namespace opctool {
@@ -29,15 +29,12 @@ struct UnpackArguments {
 };
 
 void unpack(FileRun& run, const UnpackArguments& arguments) {
-    ReadOptions reading = run.options().reading;
-    reading.zip.lenient = true; // what packages are opened with is also written to files
     UnpackingOptions options;
     options.keepsOriginal = !arguments.leavesOriginal;
     options.isForced = arguments.isForced;
     options.limits = run.options().reading.zip;
-    options.progress = [&run](std::uint64_t bytes) { run.progress().add(bytes); };
-    const Unpacked unpacked =
-        opc::editing::unpack(openArchive(run.path(), reading), arguments.folder, options);
+    const auto unpackOrTry = run.options().dryRun ? tryUnpacking : opc::editing::unpack;
+    const Unpacked unpacked = unpackOrTry(openArchive(run), arguments.folder, options);
     if (run.wantsJSON()) {
         ordered_json renamed = ordered_json::array();
         for (const RenamedItem& item : unpacked.renamed)
@@ -64,6 +61,7 @@ void declareUnpack(CLI::App& command) {
                      "Don't keep the package itself in DIR/.opctool, as is right for a folder under Git");
     command.add_flag("--force", arguments->isForced,
                      "Take a folder that isn't empty, and replace files that have the names of items");
+    addDryRun(command, files->options);
     addJSONOptions(command, files->options.output);
     command.callback([files, arguments] { files->run([&](FileRun& run) { unpack(run, *arguments); }); });
 }
@@ -77,26 +75,34 @@ void printText(FileRun& run, const Packed& packed) {
     remark(run, packed.hidden, "comes back from the original: ");
     remark(run, packed.dropped, "is left out: ");
     if (packed.isOriginal) {
-        run.out() << "nothing has changed: the original\n";
+        run.printLine("nothing has changed: the original");
         return;
     }
     const auto print = [&](const char* what, const std::vector<std::string>& items) {
         for (const std::string& item : items)
-            run.out() << what << ' ' << withoutControlCharacters(item) << '\n';
+            run.printLine(what + (' ' + item));
     };
     print("added", packed.added);
     print("replaced", packed.replaced);
     print("removed", packed.removed);
 }
 
+/// Whether a file would lie in a folder, or in one that lies in it.
+bool isInside(const std::string& file, const std::string& folder) {
+    const std::filesystem::path whole = std::filesystem::weakly_canonical(file);
+    const std::filesystem::path top = std::filesystem::weakly_canonical(folder);
+    return std::mismatch(top.begin(), top.end(), whole.begin(), whole.end()).first == top.end();
+}
+
 void pack(FileRun& run, const PackArguments& arguments) {
+    if (run.target() != "-" && isInside(run.target(), run.path()))
+        throw CLI::ValidationError("--output", "lies in DIR, so that it would be packed the next time");
     PackingOptions options;
     options.archive = run.options().reading.zip;
-    options.isTrial = run.options().dryRun;
     options.contentTypes = arguments.contentTypes;
     options.breaksSignatures = run.options().breakSignatures;
-    options.progress = [&run](std::uint64_t bytes) { run.progress().add(bytes); };
-    const Packed packed = opc::editing::pack(run.path(), run.target(), options);
+    const Packed packed = opc::editing::pack(run.path(), options);
+    deliver(run, packed.archive, {});
     if (!run.wantsJSON())
         return printText(run, packed);
     run.json().add(ordered_json{{"original", packed.isOriginal},
@@ -123,11 +129,8 @@ void declarePack(CLI::App& command) {
         ->type_name("");
     addReadOptions(command, files->options.reading);
     addOutputOptions(command, files->options.output);
-    command.add_option("-o,--output", files->options.target, "The package to write")
+    command.add_option("-o,--output", files->options.target, "The package to write; - is standard output")
         ->required()
-        ->check([](const std::string& target) {
-            return std::string(target == "-" ? "A package is written to a file" : "");
-        })
         ->type_name("FILE");
     command
         .add_option(

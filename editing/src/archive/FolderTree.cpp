@@ -91,12 +91,22 @@ FolderTree FolderTree::make(const std::filesystem::path& folder, bool isForced) 
     const bool isNew = ::mkdir(folder.c_str(), 0777) == 0;
     if (!isNew && errno != EEXIST)
         failSystem(folder.string(), "can't make the folder", errno);
+    if (!isNew)
+        requireFree(folder, isForced);
     FolderTree tree(folder);
     tree.hasMadeRoot = isNew;
-    std::error_code error;
-    if (!isNew && !isForced && !std::filesystem::is_empty(folder, error))
-        fail(folder.string(), "the folder isn't empty", ENOTEMPTY);
     return tree;
+}
+
+void FolderTree::requireFree(const std::filesystem::path& folder, bool isForced) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(folder, error);
+    if (!std::filesystem::exists(status))
+        return;
+    if (!std::filesystem::is_directory(status))
+        failSystem(folder.string(), "can't open the folder", ENOTDIR);
+    if (!isForced && !std::filesystem::is_empty(folder, error))
+        fail(folder.string(), "the folder isn't empty", ENOTEMPTY);
 }
 
 std::vector<FolderTree::File> FolderTree::list() const {

@@ -27,6 +27,9 @@ public:
     /// Makes a folder, or takes an empty one, or any with `isForced`.
     static FolderTree make(const std::filesystem::path& folder, bool isForced);
 
+    /// Throws where `make` would throw because of what is there already.
+    static void requireFree(const std::filesystem::path& folder, bool isForced);
+
     /// All files that aren't the tool's own or those of Git, sorted by their paths.
     /// @throws opc::Exception  there is something else than files and folders
     std::vector<File> list() const;

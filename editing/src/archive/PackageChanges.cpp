@@ -1,12 +1,5 @@
 #include "archive/PackageChanges.hpp"
 
-#include <opc/editing/Signatures.hpp>
-
-#include <opc/core/Exception.hpp>
-#include <opc/model/Package.hpp>
-#include <opc/physical/LenientPackage.hpp>
-#include <opc/physical/ZipPackage.hpp>
-
 #include <map>
 #include <utility>
 
@@ -104,24 +97,6 @@ std::vector<Change> findChanges(const PackageGraph& before, const PackageGraph& 
         changes.push_back({Change::Kind::ContentReplaced, part, {}, {}, {}});
     findRelationshipChanges(old, now, changes);
     return changes;
-}
-
-std::vector<std::string> findBrokenSignatures(const std::filesystem::path& package,
-                                              const physical::ZipOptions& limits,
-                                              const std::vector<Change>& changes) {
-    physical::ZipOptions options = limits;
-    options.lenient = true;
-    physical::ZipPackage archive(package, options);
-    physical::LenientPackage lenient(archive);
-    model::Package opened(lenient);
-    try {
-        opened.open(interfaces::OpenMode::ReadOnly);
-    } catch (const Exception&) {
-        return {};
-    }
-    std::vector<std::string> broken = Signatures(opened).brokenBy(changes);
-    opened.close(true);
-    return broken;
 }
 
 } // namespace opc::editing::archive

@@ -1,17 +1,19 @@
 #include <opc/editing/Packing.hpp>
+#include <opc/editing/ResultCheck.hpp>
 #include <opc/editing/Signatures.hpp>
 
+#include "archive/ArchiveSource.hpp"
+#include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
 #include "archive/NewContentTypes.hpp"
 #include "archive/PackageChanges.hpp"
-#include "archive/PackageFaults.hpp"
+#include "archive/TemporaryArchive.hpp"
 #include "archive/UnpackedTree.hpp"
 
-#include "zip/src/ArchiveStore.hpp"
 #include "zip/src/Failure.hpp"
 #include "zip/src/ItemName.hpp"
 #include "zip/src/ItemWriter.hpp"
-#include "zip/src/ReplacementFile.hpp"
+#include "zip/src/SourceStore.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/inspection/PackageGraph.hpp>
@@ -35,8 +37,6 @@ using inspection::ItemKind;
 using Fate = UnpackedTree::OldItem::Fate;
 
 namespace {
-
-constexpr std::size_t BLOCK = 1U << 20;
 
 /// A file of the folder, as the content of an item.
 class FileContent : public ByteSource {
@@ -70,42 +70,36 @@ std::string partNameOf(const std::string& item) {
 
 class Packing {
 public:
-    Packing(UnpackedTree& tree, const std::filesystem::path& target, const PackingOptions& options)
-        : tree(tree), target(target), options(options), reading(options.archive) {
-        reading.lenient = true;
-    }
+    Packing(UnpackedTree& tree, const PackingOptions& options) : tree(tree), options(options) {}
 
     Packed run() {
-        ReplacementFile draft(target, target.string());
-        if (tree.isUntouched()) {
-            copyOriginal(draft);
-        } else {
-            readNewTypes();
-            write(draft);
-            check(draft.path());
-        }
-        if (options.isTrial)
-            return std::move(result);
-        draft.putInPlace();
-        draft.syncFolder();
-        return std::move(result);
+        if (tree.isUntouched())
+            return giveOriginal();
+        readNewTypes();
+        Archive made = makeTemporaryArchive(options.archive, [this](ByteTarget& target) { write(target); });
+        check(made);
+        return {std::move(made),
+                false,
+                items,
+                std::move(added),
+                std::move(replaced),
+                std::move(removed),
+                std::move(hidden),
+                std::move(dropped),
+                std::move(brokenSignatures)};
     }
 
 private:
-    void copyOriginal(ByteTarget& draft) {
-        const Archive& original = *tree.original();
-        std::vector<unsigned char> block(BLOCK);
-        std::uint64_t offset = 0;
-        while (const std::size_t count = original.read(offset, block.data(), block.size())) {
-            if (const int error = draft.writeAt(offset, block.data(), count))
-                failSystem(target.string(), "can't be written", error);
-            offset += count;
-        }
-        result.isOriginal = true;
-        result.items = tree.oldItems().size();
-        result.hidden = findHidden(original);
+    Packed giveOriginal() {
+        hidden = findHidden(*tree.original());
+        tellUnreadable();
+        const std::uint64_t count = tree.oldItems().size();
+        return {tree.takeOriginal(), true, count, {}, {}, {}, std::move(hidden), {}, {}};
+    }
+
+    void tellUnreadable() {
         for (const TreeDescription::Item& item : tree.description().left)
-            result.hidden.push_back({item.name, "its content, which can't be read"});
+            hidden.push_back({item.name, "its content, which can't be read"});
     }
 
     /// Finds the content types document and the new parts, and brings them together.
@@ -139,29 +133,33 @@ private:
         return contentTypesFile;
     }
 
-    void write(ByteTarget& draft) {
+    void write(ByteTarget& target) {
+        std::optional<ArchiveSource> source;
         std::optional<ArchiveReader> original;
         if (tree.original()) {
-            FileStore store(tree.originalPath());
-            original.emplace(store.read(), store.place(), reading, ArchiveReader::HeaderCheck::Now);
+            physical::ZipOptions reading = options.archive;
+            reading.lenient = true;
+            const std::string& place = tree.original()->place();
+            source.emplace(*tree.original());
+            original.emplace(std::make_shared<SourceBytes>(*source), place, reading,
+                             ArchiveReader::HeaderCheck::Now);
             if (original->itemCount() != tree.oldItems().size())
-                fail(store.place(), "its directory can be read in two ways", EBADMSG);
+                fail(place, "its directory can be read in two ways", EBADMSG);
         }
-        ItemWriter writer(original ? &*original : nullptr, draft, target.string(), options.archive);
+        ItemWriter writer(original ? &*original : nullptr, target, "the new package", options.archive);
         for (std::size_t i = 0; i < tree.oldItems().size(); ++i)
             writeOld(writer, *original, static_cast<ItemIndex>(i));
-        for (const UnpackedTree::NewFile& added : tree.newFiles()) {
-            write(writer, {}, added.item, *added.file);
-            result.added.push_back(added.item);
+        for (const UnpackedTree::NewFile& file : tree.newFiles()) {
+            write(writer, {}, file.item, *file.file);
+            added.push_back(file.item);
         }
         writer.finish();
-        result.items = writer.itemCount();
+        items = writer.itemCount();
         if (tree.original()) {
-            append(result.hidden, findComment(*tree.original()));
-            append(result.dropped, findGaps(*tree.original()));
+            append(hidden, findComment(*tree.original()));
+            append(dropped, findGaps(*tree.original()));
         }
-        for (const TreeDescription::Item& item : tree.description().left)
-            result.hidden.push_back({item.name, "its content, which can't be read"});
+        tellUnreadable();
     }
 
     void writeOld(ItemWriter& writer, const ArchiveReader& original, ItemIndex index) {
@@ -170,10 +168,10 @@ private:
         const ArchiveItem& item = tree.original()->items()[index];
         const bool getsTypes = contentTypes && old.file == contentTypesFile && old.file != nullptr;
         const bool isKept = old.fate == Fate::Kept && !getsTypes;
-        append(isKept ? result.hidden : result.dropped, findHidden(item));
+        append(isKept ? hidden : dropped, findHidden(item));
         if (isKept)
             return writer.keep(index);
-        (old.fate == Fate::Removed ? result.removed : result.replaced).push_back(item.name);
+        (old.fate == Fate::Removed ? removed : replaced).push_back(item.name);
         if (old.fate != Fate::Removed)
             write(writer, entry.rawName, entry.name, *old.file, entry.method == STORE ? STORE : DEFLATE);
     }
@@ -184,65 +182,74 @@ private:
             return writer.write({name, rawName, *contentTypes, method});
         FileContent content(tree.folder(), file);
         writer.write({name, rawName, content, method});
-        if (options.progress)
-            options.progress(file.size);
+        if (options.archive.whenRead)
+            options.archive.whenRead(file.size);
     }
 
-    void check(const std::filesystem::path& draft) {
-        requireContentTypes(draft);
-        respectSignatures(draft);
-        requireSound(draft, options.archive, !result.brokenSignatures.empty(), [&] {
-            return tree.original() ? findFaults(*tree.original(), options.archive)
-                                   : tree.description().faults;
-        });
+    void check(const Archive& made) {
+        requireContentTypes(made);
+        respectSignatures(made);
+        requireOpens(made, options.archive);
+        const inspection::Report report = inspectInFull(made, options.archive);
+        if (report.count(inspection::Severity::Error) != 0)
+            refuseNewErrors(findNewErrors(knownErrors(), report, brokenSignatures));
+    }
+
+    inspection::Baseline knownErrors() const {
+        inspection::Baseline known;
+        if (tree.original())
+            for (const std::string& fingerprint :
+                 fingerprints(inspectInFull(*tree.original(), options.archive)))
+                known.add({}, fingerprint);
+        else
+            for (const std::string& fingerprint : tree.description().faults)
+                known.add({}, fingerprint);
+        return known;
     }
 
     /// A new file that isn't meant to be a part is found here, too: what an editor leaves behind has no content type.
-    void requireContentTypes(const std::filesystem::path& draft) const {
+    void requireContentTypes(const Archive& made) const {
         std::set<std::string> parts;
-        for (const std::string& item : result.added)
+        for (const std::string& item : added)
             parts.insert(partNameOf(item));
         if (parts.empty() || (!tree.original() && tree.isDescribed()))
             return;
-        for (const inspection::GraphNode& node :
-             makeGraph(Archive(draft, options.archive), options.archive).nodes)
+        for (const inspection::GraphNode& node : makeGraph(made, options.archive).nodes)
             if (node.kind == inspection::GraphNode::Kind::Part && node.contentType.empty() &&
                 parts.count(node.name) != 0)
                 throw Exception("No content type covers the new part " + node.name,
                                 make_error_code(boost::system::errc::bad_message));
     }
 
-    void respectSignatures(const std::filesystem::path& draft) {
+    void respectSignatures(const Archive& made) {
         if (!tree.original())
             return;
-        const inspection::PackageGraph before = makeGraph(*tree.original(), options.archive);
-        if (!before.hasSignatures)
+        const Signatures signatures(*tree.original());
+        if (signatures.areNone())
             return;
-        std::set<std::string> replaced;
-        for (const std::string& item : result.replaced)
-            replaced.insert(partNameOf(item));
-        const inspection::PackageGraph after = makeGraph(Archive(draft, options.archive), options.archive);
-        result.brokenSignatures =
-            findBrokenSignatures(tree.originalPath(), options.archive, findChanges(before, after, replaced));
+        std::set<std::string> parts;
+        for (const std::string& item : replaced)
+            parts.insert(partNameOf(item));
+        brokenSignatures = signatures.brokenBy(findChanges(makeGraph(*tree.original(), options.archive),
+                                                           makeGraph(made, options.archive), parts));
         if (!options.breaksSignatures)
-            throwIfBroken(result.brokenSignatures);
+            throwIfBroken(brokenSignatures);
     }
 
     UnpackedTree& tree;
-    const std::filesystem::path& target;
     const PackingOptions& options;
-    physical::ZipOptions reading;
     const FolderTree::File* contentTypesFile = nullptr;
     std::optional<MemoryBytes> contentTypes; ///< the document with new entries; nothing if there are none
-    Packed result;
+    std::uint64_t items = 0;
+    std::vector<std::string> added, replaced, removed, brokenSignatures;
+    std::vector<HiddenContent> hidden, dropped;
 };
 
 } // namespace
 
-Packed pack(const std::filesystem::path& folder, const std::filesystem::path& target,
-            const PackingOptions& options) {
-    UnpackedTree tree(folder, options.archive, options.progress);
-    return Packing(tree, target, options).run();
+Packed pack(const std::filesystem::path& folder, const PackingOptions& options) {
+    UnpackedTree tree(folder, options.archive);
+    return Packing(tree, options).run();
 }
 
 } // namespace opc::editing

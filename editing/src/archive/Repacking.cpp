@@ -1,14 +1,15 @@
 #include <opc/editing/Repacking.hpp>
+#include <opc/editing/ResultCheck.hpp>
 
+#include "archive/ArchiveSource.hpp"
+#include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
 #include "archive/ItemOrder.hpp"
-#include "archive/PackageFaults.hpp"
+#include "archive/TemporaryArchive.hpp"
 
-#include "zip/src/ArchiveStore.hpp"
-#include "zip/src/Failure.hpp"
 #include "zip/src/ItemName.hpp"
 #include "zip/src/ItemWriter.hpp"
-#include "zip/src/ReplacementFile.hpp"
+#include "zip/src/SourceStore.hpp"
 #include "zip/src/ZipContentReader.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -90,44 +91,39 @@ bool matches(std::string_view pattern, std::string_view name) {
 
 class Repacking {
 public:
-    Repacking(const std::filesystem::path& package, const std::filesystem::path& target,
-              const RepackingOptions& options)
-        : package(package), target(target), options(options) {}
+    Repacking(const Archive& package, const RepackingOptions& options) : package(package), options(options) {}
 
     Repacked run() {
         physical::ZipOptions reading = options.archive;
         reading.lenient = true;
-        FileStore store(package);
-        const std::shared_ptr<ByteSource> source = store.read();
-        ArchiveReader old(source, store.place(), reading, ArchiveReader::HeaderCheck::Now);
-        result.sizeBefore = source->size();
-        ReplacementFile draft(target, target.string());
-        write(old, draft);
-        const Archive original(package, options.archive);
-        result.dropped = findHidden(original);
-        requireSound(draft.path(), options.archive, false,
-                     [&] { return findFaults(original, options.archive); });
-        result.sizeAfter = std::filesystem::file_size(draft.path());
-        if (options.isTrial)
-            return std::move(result);
-        draft.putInPlace();
-        draft.syncFolder();
-        return std::move(result);
+        ArchiveSource source(package);
+        ArchiveReader old(std::make_shared<SourceBytes>(source), package.place(), reading,
+                          ArchiveReader::HeaderCheck::Now);
+        Archive made = makeTemporaryArchive(options.archive, [&](ByteTarget& target) { write(old, target); });
+        check(made);
+        return {std::move(made), items, findHidden(package)};
     }
 
 private:
-    void write(ArchiveReader& old, ByteTarget& draft) {
+    void write(ArchiveReader& old, ByteTarget& target) {
         std::vector<ItemIndex> order(old.itemCount());
         std::iota(order.begin(), order.end(), 0U);
         std::stable_sort(order.begin(), order.end(), [&](ItemIndex left, ItemIndex right) {
             return ItemOrder(old.item(left).name, options.archive.deterministic) <
                    ItemOrder(old.item(right).name, options.archive.deterministic);
         });
-        ItemWriter writer(&old, draft, target.string(), options.archive);
+        ItemWriter writer(&old, target, package.place(), options.archive);
         for (const ItemIndex item : order)
             write(writer, old, item);
         writer.finish();
-        result.items = writer.itemCount();
+        items = writer.itemCount();
+    }
+
+    void check(const Archive& made) const {
+        requireOpens(made, options.archive);
+        const inspection::Report after = inspectInFull(made, options.archive);
+        if (after.count(inspection::Severity::Error) != 0)
+            refuseNewErrors(findNewErrors(inspectInFull(package, options.archive), after, {}));
     }
 
     void write(ItemWriter& writer, ArchiveReader& old, ItemIndex index) const {
@@ -143,8 +139,6 @@ private:
                 std::rethrow_exception(content.failure);
             throw;
         }
-        if (options.progress)
-            options.progress(entry.size);
     }
 
     std::uint16_t methodFor(std::string_view item) const {
@@ -155,17 +149,15 @@ private:
         return isStored || options.level == 0 ? STORE : DEFLATE;
     }
 
-    const std::filesystem::path& package;
-    const std::filesystem::path& target;
+    const Archive& package;
     const RepackingOptions& options;
-    Repacked result;
+    std::uint64_t items = 0;
 };
 
 } // namespace
 
-Repacked repack(const std::filesystem::path& package, const std::filesystem::path& target,
-                const RepackingOptions& options) {
-    return Repacking(package, target, options).run();
+Repacked repack(const Archive& package, const RepackingOptions& options) {
+    return Repacking(package, options).run();
 }
 
 } // namespace opc::editing

@@ -1,13 +1,17 @@
 #pragma once
 
-#include "mending/ArchivePlan.hpp"
+#include "zip/src/BufferedTarget.hpp"
 
-#include <opc/physical/ZipOptions.hpp>
+#include <opc/inspection/Archive.hpp>
 
-namespace opc::editing::mending {
+#include <functional>
 
-/// Carries out a plan in a temporary file without a name.
-/// @throws Exception  the file can't be written
-inspection::Archive makeTemporaryArchive(const ArchivePlan& plan, const physical::ZipOptions& limits);
+namespace opc::editing::archive {
 
-} // namespace opc::editing::mending
+/// An archive that `write` writes: in memory while it is small, otherwise in a temporary file without a name.
+/// @param options  limits, and the folder of that file
+/// @throws opc::Exception  the file can't be written; or what `write` throws
+inspection::Archive makeTemporaryArchive(const physical::ZipOptions& options,
+                                         const std::function<void(physical::zip::ByteTarget&)>& write);
+
+} // namespace opc::editing::archive

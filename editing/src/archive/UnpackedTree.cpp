@@ -46,14 +46,13 @@ std::string readWhole(const FileDescriptor& file, std::size_t most, const std::s
 
 } // namespace
 
-UnpackedTree::UnpackedTree(const std::filesystem::path& folder, const physical::ZipOptions& limits,
-                           const std::function<void(std::uint64_t)>& progress)
-    : progress(progress), tree(folder), files(tree.list()), block(BLOCK), otherBlock(BLOCK) {
+UnpackedTree::UnpackedTree(const std::filesystem::path& folder, const physical::ZipOptions& limits)
+    : tree(folder), files(tree.list()), block(BLOCK), otherBlock(BLOCK) {
     readDescription();
     if (tree.has(ORIGINAL_FILE)) {
         physical::ZipOptions options = limits;
         options.lenient = true;
-        archive.emplace(originalPath(), options);
+        archive.emplace(std::filesystem::path(tree.place(ORIGINAL_FILE)), options);
     }
     compare();
 }
@@ -127,8 +126,6 @@ bool UnpackedTree::hasSameBytes(const ArchiveItem& item, const FolderTree::File&
             if (got != count || std::memcmp(block.data(), otherBlock.data(), count) != 0)
                 return false;
             offset += count;
-            if (progress)
-                progress(count);
         }
     } catch (const Exception&) {
         return false; // a file has taken the place of a damaged item

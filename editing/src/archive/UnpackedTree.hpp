@@ -5,8 +5,8 @@
 
 #include <opc/inspection/Archive.hpp>
 
-#include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace opc::editing::archive {
@@ -25,15 +25,13 @@ public:
     };
 
     /// Compares the files with the original, byte by byte.
-    /// @param progress  called with the number of bytes that were read
-    UnpackedTree(const std::filesystem::path& folder, const physical::ZipOptions& limits,
-                 const std::function<void(std::uint64_t)>& progress);
+    UnpackedTree(const std::filesystem::path& folder, const physical::ZipOptions& limits);
 
     FolderTree& folder() { return tree; }
 
     /// Null if the folder doesn't have it.
     const inspection::Archive* original() const { return archive ? &*archive : nullptr; }
-    std::filesystem::path originalPath() const { return tree.place(ORIGINAL_FILE); }
+    inspection::Archive takeOriginal() { return *std::exchange(archive, std::nullopt); }
 
     /// Empty if the folder doesn't have it.
     const TreeDescription& description() const { return described; }
@@ -54,7 +52,6 @@ private:
     bool hasSameBytes(const inspection::ArchiveItem& item, const FolderTree::File& file);
     void nameNewFiles(const std::vector<const FolderTree::File*>& unclaimed);
 
-    const std::function<void(std::uint64_t)>& progress;
     FolderTree tree;
     std::vector<FolderTree::File> files;
     TreeDescription described;

@@ -2,13 +2,14 @@
 
 #include "archive/FileNames.hpp"
 #include "archive/FolderTree.hpp"
+#include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
-#include "archive/PackageFaults.hpp"
 #include "archive/TreeDescription.hpp"
 
 #include "zip/src/Failure.hpp"
 
 #include <opc/core/Exception.hpp>
+#include <opc/inspection/Reports.hpp>
 
 #include <cerrno>
 #include <memory>
@@ -27,28 +28,51 @@ namespace {
 
 constexpr std::size_t BLOCK = std::size_t{256} * 1024;
 
-/// A file that is being written.
-class FileWriter {
+/// Where the contents go, one after the other.
+class Destination {
 public:
-    FileWriter(FolderTree& tree, const std::string& path)
-        : place(tree.place(path)), file(tree.create(path)) {}
+    virtual ~Destination() = default;
+    virtual void begin(const std::string& path) = 0;
+    virtual void write(const unsigned char* bytes, std::size_t count) = 0;
+    virtual void remove(const std::string& path) = 0; ///< what was begun last
+};
 
-    void write(const unsigned char* bytes, std::size_t count) {
+class Folder : public Destination {
+public:
+    explicit Folder(FolderTree& tree) : tree(tree) {}
+
+    void begin(const std::string& path) override {
+        file = tree.create(path);
+        place = tree.place(path);
+        size = 0;
+    }
+
+    void write(const unsigned char* bytes, std::size_t count) override {
         if (const int error = file.writeAt(size, bytes, count))
             failSystem(place, "can't be written", error);
         size += count;
     }
 
+    void remove(const std::string& path) override { tree.remove(path); }
+
 private:
-    std::string place;
+    FolderTree& tree;
     FileDescriptor file;
+    std::string place;
     std::uint64_t size = 0;
+};
+
+class Nowhere : public Destination {
+public:
+    void begin(const std::string& /*path*/) override {}
+    void write(const unsigned char* /*bytes*/, std::size_t /*count*/) override {}
+    void remove(const std::string& /*path*/) override {}
 };
 
 class Unpacking {
 public:
-    Unpacking(const Archive& archive, const UnpackingOptions& options, FolderTree& tree)
-        : archive(archive), options(options), tree(tree), block(BLOCK) {}
+    Unpacking(const Archive& archive, const UnpackingOptions& options, Destination& destination)
+        : archive(archive), options(options), destination(destination), block(BLOCK) {}
 
     Unpacked run() {
         result.hidden = findHidden(archive);
@@ -58,10 +82,10 @@ public:
         if (options.keepsOriginal)
             copyOriginal();
         else
-            description.faults = findFaults(archive, options.limits);
+            describeErrors();
         const std::string text = description.write();
-        FileWriter(tree, DESCRIPTION_FILE)
-            .write(reinterpret_cast<const unsigned char*>(text.data()), text.size());
+        destination.begin(DESCRIPTION_FILE);
+        destination.write(reinterpret_cast<const unsigned char*>(text.data()), text.size());
         return std::move(result);
     }
 
@@ -87,7 +111,7 @@ private:
 
     /// @return why its content can't be read; empty if it could
     std::string write(const ArchiveItem& item, const std::string& path) {
-        FileWriter file(tree, path);
+        destination.begin(path);
         std::unique_ptr<InputStream> content;
         for (bool isDone = false; !isDone;) {
             std::size_t count = 0;
@@ -97,48 +121,67 @@ private:
                 isDone = content->isDone();
                 count = isDone ? 0 : static_cast<std::size_t>(content->read(block.data(), block.size()));
             } catch (const Exception& e) {
-                tree.remove(path);
+                destination.remove(path);
                 return e.what();
             }
-            file.write(block.data(), count);
+            destination.write(block.data(), count);
             result.bytes += count;
-            if (options.progress)
-                options.progress(count);
         }
         return {};
     }
 
+    void describeErrors() {
+        const inspection::Report report = inspectInFull(archive, options.limits);
+        const std::vector<std::string> prints = fingerprints(report);
+        for (std::size_t i = 0; i < prints.size(); ++i)
+            if (report.findings[i].severity == inspection::Severity::Error)
+                description.faults.insert(prints[i]);
+    }
+
     void copyOriginal() {
-        FileWriter file(tree, ORIGINAL_FILE);
+        destination.begin(ORIGINAL_FILE);
         std::uint64_t offset = 0;
         while (const std::size_t count = archive.read(offset, block.data(), block.size())) {
-            file.write(block.data(), count);
+            destination.write(block.data(), count);
             offset += count;
         }
     }
 
     const Archive& archive;
     const UnpackingOptions& options;
-    FolderTree& tree;
+    Destination& destination;
     FileNames names;
     TreeDescription description;
     Unpacked result;
     std::vector<unsigned char> block;
 };
 
+void requireDirectory(const Archive& archive) {
+    if (!archive.isZip())
+        throw Exception("The archive has no directory", make_error_code(boost::system::errc::bad_message));
+}
+
 } // namespace
 
 Unpacked unpack(const Archive& archive, const std::filesystem::path& folder,
                 const UnpackingOptions& options) {
-    if (!archive.isZip())
-        throw Exception("The archive has no directory", make_error_code(boost::system::errc::bad_message));
+    requireDirectory(archive);
     FolderTree tree = FolderTree::make(folder, options.isForced);
     try {
-        return Unpacking(archive, options, tree).run();
+        Folder destination(tree);
+        return Unpacking(archive, options, destination).run();
     } catch (...) {
         tree.removeMade();
         throw;
     }
+}
+
+Unpacked tryUnpacking(const Archive& archive, const std::filesystem::path& folder,
+                      const UnpackingOptions& options) {
+    requireDirectory(archive);
+    FolderTree::requireFree(folder, options.isForced);
+    Nowhere destination;
+    return Unpacking(archive, options, destination).run();
 }
 
 } // namespace opc::editing

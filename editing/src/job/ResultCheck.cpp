@@ -1,10 +1,13 @@
 #include <opc/editing/ResultCheck.hpp>
 
+#include "archive/ArchiveSource.hpp"
 #include "job/StepNames.hpp"
 
 #include <opc/core/Text.hpp>
-#include <opc/inspection/Reports.hpp>
+#include <opc/model/Package.hpp>
 #include <opc/model/PartName.hpp>
+#include <opc/physical/LenientPackage.hpp>
+#include <opc/physical/ZipPackage.hpp>
 
 #include <algorithm>
 #include <map>
@@ -76,6 +79,11 @@ std::vector<Finding> findNewErrors(const Report& before, const Report& after,
     Baseline known;
     for (const std::string& fingerprint : fingerprints(old))
         known.add({}, fingerprint);
+    return findNewErrors(known, after, broken);
+}
+
+std::vector<Finding> findNewErrors(const Baseline& known, const Report& after,
+                                   const std::vector<std::string>& broken) {
     const std::vector<bool> isKnown = known.findKnown({}, after);
     std::vector<Finding> errors;
     for (std::size_t i = 0; i < after.findings.size(); ++i) {
@@ -95,6 +103,17 @@ void refuseNewErrors(const std::vector<Finding>& errors) {
     if (errors.size() > 1)
         failure.addDetails("and " + std::to_string(errors.size() - 1) + " more");
     throw failure;
+}
+
+void requireOpens(const inspection::Archive& result, const physical::ZipOptions& limits) {
+    archive::ArchiveSource source(result);
+    physical::ZipOptions options = limits;
+    options.lenient = true;
+    physical::ZipPackage archive(source, options);
+    physical::LenientPackage lenient(archive);
+    model::Package package(lenient);
+    package.open(interfaces::OpenMode::ReadOnly);
+    package.close(true);
 }
 
 void checkResult(const inspection::Archive& result, const Job& job,

@@ -1,7 +1,9 @@
 #include <opc/editing/Mending.hpp>
 
+#include "archive/TemporaryArchive.hpp"
 #include "mending/Menders.hpp"
-#include "mending/TemporaryArchive.hpp"
+
+#include "zip/src/Failure.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -24,6 +26,18 @@ constexpr int MOST_ROUNDS = 10;
 
 /// What no new archive has.
 constexpr std::string_view OF_THE_ARCHIVE[] = {"M3.16", "M3.17", "SEC-46", "SEC-48", "SEC-50"};
+
+Archive carryOut(const ArchivePlan& plan, const physical::ZipOptions& options) {
+    const auto require = [](int error) {
+        if (error != 0)
+            physical::zip::failSystem("temporary archive", "can't write", error);
+    };
+    return archive::makeTemporaryArchive(options, [&](physical::zip::ByteTarget& target) {
+        physical::zip::BufferedTarget out(target);
+        write(plan, [&](const unsigned char* bytes, std::size_t count) { require(out.write(bytes, count)); });
+        require(out.flush());
+    });
+}
 
 class Mends {
 public:
@@ -114,7 +128,7 @@ bool Mends::runRound() {
         if (round.plan.isDue)
             mendArchive(round);
         if (round.plan.isDue && !round.plan.isEmpty() && mayBeWritten(round, report))
-            next = makeTemporaryArchive(round.plan, options.limits);
+            next = carryOut(round.plan, options.limits);
     }
     left = std::move(report.findings);
     if (!next)
@@ -129,7 +143,8 @@ bool Mends::runRound() {
 
 Mending mend(Archive archive, const InspectionOptions& options) {
     Signatures signatures(archive);
-    Mending result{std::move(archive), {}, {}, std::move(signatures)};
+    const physical::FileState original = archive.fileState();
+    Mending result{std::move(archive), original, {}, {}, std::move(signatures)};
     Mends mends(result.archive, options);
     int rounds = 0;
     while (mends.runRound())

@@ -7,6 +7,7 @@
 #include "zip/src/ArchiveStore.hpp"
 #include "zip/src/Failure.hpp"
 #include "zip/src/Records.hpp"
+#include "zip/src/SourceStore.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -46,6 +47,16 @@ void requireRoom(ArchiveItem& item, const physical::ZipOptions& limits) {
         item.unreadable = "is beyond a limit";
 }
 
+/// Keeps what it reads from.
+class OwnedBytes : public SourceBytes {
+public:
+    explicit OwnedBytes(std::shared_ptr<physical::RandomAccessSource> bytes)
+        : SourceBytes(*bytes), bytes(std::move(bytes)) {}
+
+private:
+    std::shared_ptr<physical::RandomAccessSource> bytes;
+};
+
 } // namespace
 
 class Archive::Impl {
@@ -62,12 +73,14 @@ private:
     bool beginsWithItem() const;
 
     const bool isLenient;
+    const std::function<void(std::uint64_t)> whenRead;
     std::unique_ptr<ArchiveReader> reader; ///< made when the first content is read
 };
 
 Archive::Impl::Impl(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                     const physical::ZipOptions& limits)
-    : source(std::move(archive)), place(std::move(archivePlace)), isLenient(limits.lenient) {
+    : source(std::move(archive)), place(std::move(archivePlace)), isLenient(limits.lenient),
+      whenRead(limits.whenRead) {
     RecordBytes bytes(*source, place);
     const auto directory = readEndRecords(bytes, contents);
     if (directory)
@@ -100,6 +113,7 @@ std::unique_ptr<InputStream> Archive::Impl::open(const std::vector<const Archive
         for (const ArchiveItem& item : contents.items)
             entries.push_back(entryOf(item));
         reader = std::make_unique<ArchiveReader>(source, place, std::move(entries));
+        reader->setWhenRead(whenRead);
         if (isLenient)
             reader->takeUnfinished();
     }
@@ -122,9 +136,20 @@ Archive::Archive(std::vector<unsigned char> bytes, const physical::ZipOptions& l
                                                 owned->size());
     impl = std::make_unique<Impl>(std::move(source), "archive in memory", limits);
 }
+Archive::Archive(std::shared_ptr<physical::RandomAccessSource> bytes, const physical::ZipOptions& limits)
+    : impl(std::make_unique<Impl>(std::make_shared<OwnedBytes>(std::move(bytes)),
+                                  "archive of the application", limits)) {
+}
 Archive::Archive(Archive&&) noexcept = default;
 Archive& Archive::operator=(Archive&&) noexcept = default;
 Archive::~Archive() = default;
+
+const std::string& Archive::place() const {
+    return impl->place;
+}
+physical::FileState Archive::fileState() const {
+    return impl->source->state();
+}
 
 std::uint64_t Archive::size() const {
     return impl->source->size();

@@ -16,7 +16,8 @@ namespace opc::physical::zip {
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& options, HeaderCheck check)
-    : source(std::move(archive)), where(std::move(archivePlace)), lenient(options.lenient) {
+    : source(std::move(archive)), where(std::move(archivePlace)), whenRead(options.whenRead),
+      lenient(options.lenient) {
     readDirectory(*source, where, options, directory);
     if (check == HeaderCheck::Now)
         checkLayout(*source, where, directory);

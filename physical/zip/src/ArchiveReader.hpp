@@ -6,6 +6,7 @@
 
 #include <opc/physical/ZipExport.hpp>
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -81,6 +82,13 @@ public:
     void noteUnfinished(ItemIndex index) { unfinished.insert(index); }
     const std::set<ItemIndex>& unfinishedItems() const { return unfinished; }
 
+    /// As `ZipOptions::whenRead`.
+    void setWhenRead(std::function<void(std::uint64_t)> call) { whenRead = std::move(call); }
+    void noteRead(std::uint64_t bytes) const {
+        if (whenRead)
+            whenRead(bytes);
+    }
+
     /// Expands a deflated item with one call, if it fits into memory as a whole. Throws only as `lookAtStart` does.
     /// @param content  has room for all of it
     /// @return whether the content is complete and right
@@ -103,6 +111,7 @@ public:
 private:
     std::shared_ptr<ByteSource> source;
     std::string where;
+    std::function<void(std::uint64_t)> whenRead;
     bool lenient = false;
     bool comparesHeaders = true;
     ArchiveDirectory directory;

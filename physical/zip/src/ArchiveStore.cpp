@@ -29,14 +29,14 @@ void requireRegular(const std::string& place, const struct stat& status) {
 constexpr off_t LARGEST_READ_WHOLE = 128L << 10;
 
 /// Null if the file can't be read as a whole.
-std::shared_ptr<ByteSource> readWhole(const FileDescriptor& file, const FileIdentity& identity) {
-    const auto size = static_cast<std::size_t>(identity.size);
+std::shared_ptr<ByteSource> readWhole(const FileDescriptor& file, const FileState& state) {
+    const auto size = static_cast<std::size_t>(state.size);
     const std::shared_ptr<unsigned char> bytes(new unsigned char[size],
                                                std::default_delete<unsigned char[]>());
     std::size_t got = 0;
     if (file.readAt(0, bytes.get(), size, got) != 0 || got != size)
         return nullptr;
-    return std::make_shared<MemoryBytes>(bytes, size, identity);
+    return std::make_shared<MemoryBytes>(bytes, size, state);
 }
 
 class MemoryTarget : public ByteTarget {
@@ -74,11 +74,11 @@ std::shared_ptr<ByteSource> FileStore::read() {
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         failSystem(place(), "can't open", errno);
     requireRegular(place(), status);
-    const FileIdentity identity(status);
+    const FileState state(status);
     if (status.st_size <= LARGEST_READ_WHOLE)
-        if (auto whole = readWhole(file, identity))
+        if (auto whole = readWhole(file, state))
             return whole;
-    return std::make_shared<FileBytes>(std::move(file), identity);
+    return std::make_shared<FileBytes>(std::move(file), state);
 }
 
 void FileStore::checkWritable() const {
@@ -95,25 +95,26 @@ void FileStore::checkWritable() const {
     }
 }
 
-void FileStore::replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) {
+void FileStore::replace(const FileState& old, const std::function<void(ByteTarget&)>& write) {
     ReplacementFile file(path, place());
     write(file);
     if (beforeReplacing)
         beforeReplacing(file.path());
-    if (old)
-        requireUnchanged(*old);
+    file.complete();
+    if (old.isOfFile()) // as late as possible: syncing takes time
+        requireUnchanged(old);
     file.putInPlace();
-    lastWritten = file.identity();
+    lastWritten = file.state();
     file.syncFolder();
 }
 
-void FileStore::requireUnchanged(const ByteSource& old) const {
+void FileStore::requireUnchanged(const FileState& old) const {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
         return; // nothing there can be lost
-    const FileIdentity now(status);
+    const FileState now(status);
     // If only the sync of the folder failed, the file there is the one that this package has written.
-    if (!(old.identity() == now) && !(lastWritten == now))
+    if (!(old == now) && !(lastWritten == now))
         fail(place(), "has been changed by another program since it was opened", ESTALE);
 }
 
@@ -128,7 +129,7 @@ std::shared_ptr<ByteSource> MemoryStore::read() {
                                          archive->size());
 }
 
-void MemoryStore::replace(const ByteSource* /*old*/, const std::function<void(ByteTarget&)>& write) {
+void MemoryStore::replace(const FileState& /*old*/, const std::function<void(ByteTarget&)>& write) {
     MemoryTarget target;
     write(target);
     archive = std::make_shared<const Bytes>(std::move(target.bytes));

@@ -29,9 +29,9 @@ public:
     virtual void checkWritable() const = 0;
 
     /// Replaces the archive with what `write` writes, all or nothing.
-    /// @param old  the result of `read`, if the new archive builds on that. Throws if somebody else has changed the
-    ///             archive since: those changes would be lost
-    virtual void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) = 0;
+    /// @param old  the state in which the archive was read, if the new one builds on that. Throws if somebody else has
+    ///             changed it since: those changes would be lost
+    virtual void replace(const FileState& old, const std::function<void(ByteTarget&)>& write) = 0;
 
     /// A folder for temporary files.
     virtual std::filesystem::path temporaryFolder() const = 0;
@@ -50,16 +50,16 @@ public:
     std::string place() const override { return name; }
     std::shared_ptr<ByteSource> read() override;
     void checkWritable() const override;
-    void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
+    void replace(const FileState& old, const std::function<void(ByteTarget&)>& write) override;
     std::filesystem::path temporaryFolder() const override;
 
 private:
-    void requireUnchanged(const ByteSource& old) const;
+    void requireUnchanged(const FileState& old) const;
 
     std::string name;
     std::filesystem::path path; // absolute, because the process may change its folder before it saves
     const BeforeReplacing beforeReplacing;
-    FileIdentity lastWritten;
+    FileState lastWritten;
 };
 
 class MemoryStore : public ArchiveStore {
@@ -71,7 +71,7 @@ public:
     std::string place() const override { return "archive in memory"; }
     std::shared_ptr<ByteSource> read() override;
     void checkWritable() const override {}
-    void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
+    void replace(const FileState& old, const std::function<void(ByteTarget&)>& write) override;
     std::filesystem::path temporaryFolder() const override { return systemTemporaryFolder(); }
 
     const Bytes& bytes() const { return *archive; }

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "FileDescriptor.hpp"
-#include "FileIdentity.hpp"
+
+#include <opc/physical/FileState.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,8 +26,8 @@ public:
     /// The bytes in memory, valid until they change; null if memory doesn't have all of them.
     virtual const unsigned char* inMemory() const noexcept { return nullptr; }
 
-    /// The identity of the file that the bytes come from, as it was when it was opened; of no file if there is none.
-    virtual FileIdentity identity() const noexcept { return {}; }
+    /// The state of the file that the bytes come from, when it was opened; of no file if there is none.
+    virtual FileState state() const noexcept { return {}; }
 
     /// The file that holds exactly these bytes; null if there is none.
     virtual const FileDescriptor* asFile() const noexcept { return nullptr; }
@@ -56,11 +57,11 @@ private:
 
 class FileBytes : public WindowedBytes {
 public:
-    FileBytes(FileDescriptor file, const FileIdentity& whenOpened)
+    FileBytes(FileDescriptor file, const FileState& whenOpened)
         : file(std::move(file)), whenOpened(whenOpened) {}
 
-    FileIdentity identity() const noexcept override { return whenOpened; }
-    std::uint64_t size() const noexcept override { return static_cast<std::uint64_t>(whenOpened.size); }
+    FileState state() const noexcept override { return whenOpened; }
+    std::uint64_t size() const noexcept override { return whenOpened.size; }
     const FileDescriptor* asFile() const noexcept override { return &file; }
 
 private:
@@ -69,17 +70,17 @@ private:
     }
 
     FileDescriptor file;
-    FileIdentity whenOpened;
+    FileState whenOpened;
 };
 
 class OPC_ZIP_EXPORT MemoryBytes : public ByteSource {
 public:
-    /// @param whenRead  the identity of the file that they were read from, if any
+    /// @param whenRead  the state of the file that they were read from, if any
     MemoryBytes(std::shared_ptr<const unsigned char> bytes, std::size_t length,
-                const FileIdentity& whenRead = {}) noexcept
+                const FileState& whenRead = {}) noexcept
         : bytes(std::move(bytes)), length(length), whenRead(whenRead) {}
 
-    FileIdentity identity() const noexcept override { return whenRead; }
+    FileState state() const noexcept override { return whenRead; }
     std::uint64_t size() const noexcept override { return length; }
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count,
                std::size_t& got) noexcept override;
@@ -88,7 +89,7 @@ public:
 private:
     std::shared_ptr<const unsigned char> bytes;
     std::size_t length;
-    FileIdentity whenRead;
+    FileState whenRead;
 };
 
 } // namespace opc::physical::zip

@@ -140,10 +140,13 @@ int ReplacementFile::writeAt(std::uint64_t offset, const unsigned char* buffer, 
     return file.writeAt(offset, buffer, count);
 }
 
-void ReplacementFile::putInPlace() {
+void ReplacementFile::complete() {
     takeAttributes(target, file.get(), place);
     if (::fsync(file.get()) != 0)
         failSystem(place, "can't sync the new archive", errno);
+}
+
+void ReplacementFile::putInPlace() {
     const SignalsHeld held;
     if (!isNamed(file))
         fail(place, "can't replace the archive: somebody has taken the new one away", ESTALE);
@@ -153,9 +156,9 @@ void ReplacementFile::putInPlace() {
     inPlace = true;
 }
 
-FileIdentity ReplacementFile::identity() const {
+FileState ReplacementFile::state() const {
     struct stat status {};
-    return ::fstat(file.get(), &status) == 0 ? FileIdentity(status) : FileIdentity();
+    return ::fstat(file.get(), &status) == 0 ? FileState(status) : FileState();
 }
 
 void ReplacementFile::syncFolder() {

@@ -2,8 +2,9 @@
 
 #include "BufferedTarget.hpp"
 #include "FileDescriptor.hpp"
-#include "FileIdentity.hpp"
 #include "UnfinishedFile.hpp"
+
+#include <opc/physical/FileState.hpp>
 
 #include <filesystem>
 #include <string>
@@ -35,14 +36,17 @@ public:
     /// Where it is now.
     std::filesystem::path path() const { return target.parent_path() / name; }
 
-    /// Gives the file the attributes of its target, syncs it, and renames it to the target's name.
+    /// Gives the file the attributes of its target, and syncs it. Nothing is written after that.
+    void complete();
+
+    /// Renames the complete file to the target's name.
     void putInPlace();
 
     /// Makes sure that the folder keeps the new name after a crash.
     void syncFolder();
 
-    /// The identity of the file as it is now.
-    FileIdentity identity() const;
+    /// The state of the file as it is now.
+    FileState state() const;
 
 private:
     void make();

@@ -2,28 +2,10 @@
 
 #include "Failure.hpp"
 
-#include <opc/physical/RandomAccessSource.hpp>
-
 #include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
-
-namespace {
-
-class SourceBytes : public WindowedBytes {
-public:
-    explicit SourceBytes(RandomAccessSource& application)
-        : application(application), sizeAtOpen(application.size()) {}
-
-    std::uint64_t size() const noexcept override { return sizeAtOpen; }
-
-private:
-    int fetch(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) override;
-
-    RandomAccessSource& application;
-    const std::uint64_t sizeAtOpen;
-};
 
 int SourceBytes::fetch(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) {
     const std::uint64_t left = sizeAtOpen - std::min(offset, sizeAtOpen);
@@ -38,8 +20,6 @@ int SourceBytes::fetch(std::uint64_t offset, unsigned char* buffer, std::size_t 
     }
     return 0;
 }
-
-} // namespace
 
 std::shared_ptr<ByteSource> SourceStore::read() {
     if (kept())

@@ -2,11 +2,23 @@
 
 #include "SpooledStore.hpp"
 
-namespace opc::physical {
-class RandomAccessSource;
-}
+#include <opc/physical/RandomAccessSource.hpp>
 
 namespace opc::physical::zip {
+
+class OPC_ZIP_EXPORT SourceBytes : public WindowedBytes {
+public:
+    /// @param bytes  must outlive this object
+    explicit SourceBytes(RandomAccessSource& bytes) : application(bytes), sizeAtOpen(bytes.size()) {}
+
+    std::uint64_t size() const noexcept override { return sizeAtOpen; }
+
+private:
+    int fetch(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) override;
+
+    RandomAccessSource& application;
+    const std::uint64_t sizeAtOpen;
+};
 
 /// An archive whose bytes the application brings.
 class SourceStore : public SpooledStore {

@@ -12,7 +12,7 @@ namespace opc::physical::zip {
 /// What all parts share that are written to one open package: the allowed memory, and the temporary file for the
 /// rest. The file has no name, so it never outlives the process. It is divided into chunks, so that many parts can
 /// grow at the same time with one descriptor.
-class SpoolStore {
+class OPC_ZIP_EXPORT SpoolStore {
 public:
     static constexpr std::size_t CHUNK = 1U << 20;
 
@@ -41,7 +41,7 @@ private:
 };
 
 /// The content of one part while it is written: in memory while it is small, then in the store's file.
-class Spool : public ByteSource {
+class OPC_ZIP_EXPORT Spool : public ByteSource {
 public:
     explicit Spool(std::shared_ptr<SpoolStore> store) noexcept : store(std::move(store)) {}
     Spool(const Spool&) = delete;

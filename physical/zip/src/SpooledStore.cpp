@@ -36,7 +36,7 @@ SpooledStore::SpooledStore(const ZipOptions& options)
       spools(std::make_shared<SpoolStore>(folder, options.memoryForWrittenParts)) {
 }
 
-void SpooledStore::replace(const ByteSource* /*old*/, const std::function<void(ByteTarget&)>& write) {
+void SpooledStore::replace(const FileState& /*old*/, const std::function<void(ByteTarget&)>& write) {
     std::shared_ptr<Spool> spool = makeSpool();
     SpoolTarget target(*spool);
     write(target);

@@ -13,10 +13,10 @@ namespace opc::physical::zip {
 
 /// An archive without a file of its own. New archives are kept in memory while they are small, otherwise in a temporary
 /// file without a name.
-class SpooledStore : public ArchiveStore {
+class OPC_ZIP_EXPORT SpooledStore : public ArchiveStore {
 public:
     void checkWritable() const override {}
-    void replace(const ByteSource* old, const std::function<void(ByteTarget&)>& write) override;
+    void replace(const FileState& old, const std::function<void(ByteTarget&)>& write) override;
     std::filesystem::path temporaryFolder() const override { return folder; }
 
 protected:

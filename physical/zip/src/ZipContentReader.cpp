@@ -92,6 +92,7 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
     constexpr std::uint64_t AT_MOST = 1U << 30;
     const auto room = static_cast<std::size_t>(std::min(count, AT_MOST));
     const std::size_t got = started ? readOn(buffer, room) : readFirst(buffer, room);
+    archive.noteRead(got);
     left -= got;
     if (left == 0) {
         ++items.first;

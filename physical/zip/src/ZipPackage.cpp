@@ -148,7 +148,7 @@ void ZipPackage::writeTo(std::ostream& stream) const {
 void ZipPackage::writeTo(const std::filesystem::path& path) const {
     zip::FileStore target(path, impl->options.beforeReplacing);
     target.checkWritable();
-    target.replace(nullptr, [&](zip::ByteTarget& file) {
+    target.replace({}, [&](zip::ByteTarget& file) {
         impl->forEachBlock([&](std::uint64_t offset, const unsigned char* block, std::size_t size) {
             if (const int error = file.writeAt(offset, block, size))
                 zip::failSystem(target.place(), "can't write", error);

@@ -278,7 +278,7 @@ void ZipSession::remove(const std::u16string& partName) {
 void ZipSession::save() {
     if (context.readOnly || !context.changed)
         return;
-    store.replace(source.get(), [this](ByteTarget& target) { write(target); });
+    store.replace(source ? source->state() : FileState(), [this](ByteTarget& target) { write(target); });
 }
 
 void ZipSession::write(ByteTarget& target) {

@@ -1,13 +1,12 @@
 #pragma once
 
+#include <opc/editing/ArchiveWriting.hpp>
 #include <opc/editing/Change.hpp>
 #include <opc/editing/Export.hpp>
 #include <opc/editing/Signatures.hpp>
 
 #include <opc/inspection/Inspection.hpp>
 
-#include <filesystem>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +25,9 @@ struct Mended {
 struct Mending {
     /// As it is now. If nothing was mended, this is the old one.
     inspection::Archive archive;
+
+    /// The state of its file when that was opened, for `writeBack`.
+    physical::FileState original;
 
     std::vector<Mended> mended; ///< in the order in which it was done
 
@@ -51,7 +53,7 @@ struct Mending {
 ///
 /// Signatures may break: ask `Mending::signatures`.
 ///
-/// The new archive lies in a temporary file without a name. Memory and time are bounded by the limits of `options`.
+/// The new archive lies in memory while it is small, otherwise in a temporary file without a name. Memory and time are bounded by the limits of `options`.
 /// @throws opc::Exception  the archive's bytes can't be read, or the temporary file can't be written
 OPC_EDITING_EXPORT Mending mend(inspection::Archive archive,
                                 const inspection::InspectionOptions& options = {});
@@ -59,13 +61,5 @@ OPC_EDITING_EXPORT Mending mend(inspection::Archive archive,
 /// What `mend` does about a rule, as a sentence without a full stop; empty if it does nothing.
 /// @param rule  the id, as it is written in `inspection::Rule`
 OPC_EDITING_EXPORT std::string_view mendsOf(std::string_view rule);
-
-/// Writes an archive to a stream.
-/// @throws opc::Exception  it can't be read, or the stream takes no more
-OPC_EDITING_EXPORT void writeTo(std::ostream& stream, const inspection::Archive& archive);
-
-/// Writes an archive to a file, which is replaced as a whole or stays as it was.
-/// @throws opc::Exception  the archive can't be read, or the file can't be written
-OPC_EDITING_EXPORT void writeTo(const std::filesystem::path& file, const inspection::Archive& archive);
 
 } // namespace opc::editing

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <opc/editing/ArchiveWriting.hpp>
 #include <opc/editing/Unpacking.hpp>
 
 #include <cstdint>
-#include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,24 +15,20 @@ struct RepackingOptions {
     physical::ZipOptions archive;
     int level = 6; ///< 1 is the fastest, 9 the smallest, 0 doesn't compress
     std::vector<std::string>
-        stored;           ///< patterns of part names that aren't compressed; `*` stands for anything
-    bool isTrial = false; ///< whether the target isn't replaced, though all else is done
-    std::function<void(std::uint64_t)>
-        progress; ///< called with the number of bytes that were read; may be empty
+        stored; ///< patterns of part names that aren't compressed; `*` stands for anything
 };
 
 struct Repacked {
-    std::uint64_t sizeBefore = 0; ///< of the archive
-    std::uint64_t sizeAfter = 0;
+    inspection::Archive archive; ///< checked: `writeTo` and `writeBack` write it
     std::uint64_t items = 0;
     std::vector<HiddenContent> dropped; ///< was hidden in the archive and isn't in the new one
 };
 
-/// Writes a package anew: its contents compressed again, `[Content_Types].xml` and `_rels/.rels` in front, by which other
+/// Makes a package anew: its contents compressed again, `[Content_Types].xml` and `_rels/.rels` in front, by which other
 /// programs recognise the file, and without what stands beside the contents. What can't be read stays as it is compressed.
-/// @param target  may be the package itself; it is replaced when all is written and checked, or stays as it was
-/// @throws opc::Exception  the package can't be opened or read, or the target can't be written
-OPC_EDITING_EXPORT Repacked repack(const std::filesystem::path& package, const std::filesystem::path& target,
-                                   const RepackingOptions& options = {});
+///
+/// The new archive lies in memory while it is small, otherwise in a temporary file without a name.
+/// @throws opc::Exception  the package can't be opened or read, or the temporary file can't be written
+OPC_EDITING_EXPORT Repacked repack(const inspection::Archive& package, const RepackingOptions& options = {});
 
 } // namespace opc::editing

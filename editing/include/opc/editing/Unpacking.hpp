@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,8 +28,6 @@ struct UnpackingOptions {
         true; ///< in `.opctool/original`, so that `pack` can give untouched items back as they were
     bool isForced = false; ///< whether the folder may have files; those with the names of items are replaced
     physical::ZipOptions limits;
-    std::function<void(std::uint64_t)>
-        progress; ///< called with the number of bytes that were read; may be empty
 };
 
 struct Unpacked {
@@ -52,5 +49,10 @@ struct Unpacked {
 ///                         item can't be read or is beyond a limit, and the original isn't kept
 OPC_EDITING_EXPORT Unpacked unpack(const inspection::Archive& archive, const std::filesystem::path& folder,
                                    const UnpackingOptions& options = {});
+
+/// Says what `unpack` would write. It reads all that `unpack` reads, fails as it does, and writes nothing.
+OPC_EDITING_EXPORT Unpacked tryUnpacking(const inspection::Archive& archive,
+                                         const std::filesystem::path& folder,
+                                         const UnpackingOptions& options = {});
 
 } // namespace opc::editing

@@ -2,6 +2,7 @@
 
 #include <opc/core/InputStream.hpp>
 #include <opc/inspection/Export.hpp>
+#include <opc/physical/FileState.hpp>
 #include <opc/physical/ZipOptions.hpp>
 
 #include <cstdint>
@@ -11,6 +12,10 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace opc::physical {
+class RandomAccessSource;
+}
 
 namespace opc::inspection {
 
@@ -88,9 +93,18 @@ public:
     /// @throws opc::Exception  the file can't be read, with the code of the system
     explicit Archive(const std::filesystem::path& path, const physical::ZipOptions& limits = {});
     explicit Archive(std::vector<unsigned char> bytes, const physical::ZipOptions& limits = {});
+    explicit Archive(std::shared_ptr<physical::RandomAccessSource> bytes,
+                     const physical::ZipOptions& limits = {});
     Archive(Archive&&) noexcept;
     Archive& operator=(Archive&&) noexcept;
     ~Archive();
+
+    /// How messages name it: the path of its file, or a description.
+    const std::string& place() const;
+
+    /// The state of its file when it was opened: whoever replaces the file can tell whether it is still the same. Of no file
+    /// if the bytes come from elsewhere.
+    physical::FileState fileState() const;
 
     std::uint64_t size() const;
 

@@ -27,6 +27,10 @@ struct ZipOptions {
     /// isn't saved in a file isn't passed.
     std::function<void(const std::filesystem::path& written)> beforeReplacing;
 
+    /// Called when content of items has been read, with the number of bytes: for those who show how far a long step has come.
+    /// May be empty. It must not throw.
+    std::function<void(std::uint64_t bytes)> whenRead;
+
     /// Whether these archives are accepted too. They break the standard, but all programs read them in the same way.
     /// `ZipPackage::getOddities` reports each.
     ///
