@@ -72,7 +72,7 @@ std::vector<Relationship> RelationshipManager::select(const Predicate& isWanted)
 }
 
 std::vector<Relationship> RelationshipManager::getRelationshipsByType(const std::u16string& type) const {
-    return select([&type](const Values& values) { return values.type == type; });
+    return select([&type](const Values& values) { return areSameTexts(values.type, type); });
 }
 
 std::vector<Relationship>

@@ -7,7 +7,8 @@ URI PackageHelper::getPackageRootURI() {
 }
 
 URI PackageHelper::getCorePropertiesURI() {
-    return URI(u"/metadata/coreProperties.xml");
+    static const URI uri(u"/metadata/coreProperties.xml");
+    return uri; // parsed only once, because each digested part asks for it
 }
 
 ContentType PackageHelper::getCorePropertiesContentType() {

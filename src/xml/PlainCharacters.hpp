@@ -26,6 +26,7 @@ enum Kind : std::uint16_t {
     URIPlain = 512,     // anywhere in a path, a query or a fragment of a URI, including the backslash
     BeyondASCII = 1024, // a byte of UTF-8
     Token = 2048,       // type and subtype of a usual media type
+    Base64 = 4096,      // without the padding
 };
 
 constexpr std::array<std::uint16_t, 256> classify() {
@@ -38,8 +39,8 @@ constexpr std::array<std::uint16_t, 256> classify() {
         if (c != '<' && c != '&')
             kinds[c] |= (c != '"' ? DoubleQuoted : 0) | (c != '\'' ? SingleQuoted : 0);
     for (unsigned char c = 'a'; c <= 'z'; ++c) {
-        kinds[c] |= Letter | URIPlain | Token;
-        kinds[c - 'a' + 'A'] |= Letter | URIPlain | Token;
+        kinds[c] |= Letter | URIPlain | Token | Base64;
+        kinds[c - 'a' + 'A'] |= Letter | URIPlain | Token | Base64;
     }
     for (std::size_t c = 0x80; c < kinds.size(); ++c)
         kinds[c] = BeyondASCII;
@@ -50,6 +51,7 @@ constexpr std::array<std::uint16_t, 256> classify() {
     add(":", Colon);
     add("/?#", Delimiter);
     add("0123456789-.+_", Token);
+    add("0123456789+/", Base64);
     add("0123456789-._~!$&'()*+,;=:@/?\\", URIPlain);
     return kinds;
 }

@@ -122,6 +122,16 @@ std::int32_t caselessCompare(const std::u16string& left, const std::u16string& r
     return left.size() < right.size() ? -1 : 1;
 }
 
+std::int32_t compareTexts(std::u16string_view left, std::u16string_view right) noexcept {
+    const std::size_t equal = countEqualUnits(left.data(), right.data(), std::min(left.size(), right.size()));
+    return left.substr(equal).compare(right.substr(equal));
+}
+
+bool areSameTexts(std::u16string_view left, std::u16string_view right) noexcept {
+    return left.size() == right.size() &&
+           (left.empty() || std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
+}
+
 std::u16string toLowerASCIIString(const std::u16string& text) {
     std::u16string result(text);
     std::transform(result.begin(), result.end(), result.begin(), toLowerASCII);

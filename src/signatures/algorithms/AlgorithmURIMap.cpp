@@ -1,6 +1,7 @@
 #include <opc/model/AlgorithmURIMap.hpp>
 
 #include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
 
 namespace opc::model {
 
@@ -78,7 +79,7 @@ std::pair<DigestMethod, SignatureMethod> AlgorithmURIMap::getSigningParameters(c
 
 AlgorithmTag AlgorithmURIMap::getAlgorithmTag(const std::u16string& uri) {
     for (const auto& [tag, identifier] : getTable()) {
-        if (identifier == uri)
+        if (areSameTexts(identifier, uri))
             return tag;
     }
     throw Exception("URI provided is not supported as an algorithm.");

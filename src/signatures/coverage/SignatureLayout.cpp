@@ -62,8 +62,8 @@ std::optional<URI> findOriginURI(const Package& package) {
 }
 
 bool leadsToCountersignature(const Relationship& relationship, const URI& originURI) {
-    return relationship.getID() == getSignatureRelationshipID(COUNTERSIGNATURE_ID) &&
-           relationship.getType() == getSignatureRelationshipType() &&
+    static const std::u16string id = getSignatureRelationshipID(COUNTERSIGNATURE_ID);
+    return relationship.getID() == id && relationship.getType() == getSignatureRelationshipType() &&
            relationship.getTargetMode() == TargetMode::Internal && relationship.getSourceURI() == originURI &&
            relationship.getTargetURI() ==
                getSignaturePartName(getSignatureName(COUNTERSIGNATURE_ID)).getURI();

@@ -4,11 +4,12 @@
 #include "xml/XmlDocument.hpp"
 
 #include <opc/core/ByteArrayAdaptors.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/RelationshipsVocabulary.hpp>
 
 #include <algorithm>
-#include <map>
-#include <tuple>
+#include <array>
+#include <functional>
 
 namespace opc::model {
 
@@ -40,26 +41,49 @@ std::uint64_t RelationshipsText::measure(const Relationship& relationship) {
     return MARKUP + measureText(values.id) + measureText(values.target) + measureText(values.type);
 }
 
-/// Everything that an element says about a relationship, in the order of sorting.
-auto RelationshipsText::keys(const Relationship::Values& values) {
-    return std::tie(values.id, values.target, values.type, values.targetMode);
+/// Compares everything that an element says about a relationship.
+std::int32_t RelationshipsText::compare(const Relationship::Values& left, const Relationship::Values& right) {
+    if (const std::int32_t byID = compareTexts(left.id, right.id); byID != 0)
+        return byID;
+    if (const std::int32_t byTarget = compareTexts(left.target, right.target); byTarget != 0)
+        return byTarget;
+    if (const std::int32_t byType = compareTexts(left.type, right.type); byType != 0)
+        return byType;
+    return static_cast<std::int32_t>(left.targetMode) - static_cast<std::int32_t>(right.targetMode);
 }
 
-/// Relationships of different sources are often alike.
+/// Relationships of different sources are often alike, and become one entry.
 std::vector<RelationshipsText::Entry> RelationshipsText::collect(const SignedRelationships& relationships) {
-    // A tree, because many are alike, and no choice of texts makes a tree slow.
-    const auto precedes = [](const Relationship::Values* left, const Relationship::Values* right) {
-        return keys(*left) < keys(*right);
-    };
-    std::map<const Relationship::Values*, std::uint64_t, decltype(precedes)> counts(precedes);
-    for (const auto& [group, times] : relationships.groups())
-        for (const Relationship& relationship : group->relationships)
-            counts[relationship.values.get()] += times;
+    std::vector<Entry> entries = gather(relationships);
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& left, const Entry& right) { return compare(*left.values, *right.values) < 0; });
+    std::size_t count = 0;
+    for (const Entry& entry : entries)
+        if (count > 0 && compare(*entries[count - 1].values, *entry.values) == 0)
+            entries[count - 1].count += entry.count;
+        else
+            entries[count++] = entry;
+    entries.resize(count);
+    return entries;
+}
 
+/// Finds most relationships that are alike at once, by a hash, so that few have to be sorted. It keeps one relationship
+/// for a hash, so no choice of texts makes it slow.
+std::vector<RelationshipsText::Entry> RelationshipsText::gather(const SignedRelationships& relationships) {
+    constexpr std::hash<std::u16string_view> hash;
     std::vector<Entry> entries;
-    entries.reserve(counts.size());
-    for (const auto& [values, count] : counts)
-        entries.push_back({values, count});
+    std::array<std::size_t, 256> latest{}; // by hash: the place in `entries`, plus 1
+    for (const auto& [group, times] : relationships.groups())
+        for (const Relationship& relationship : group->relationships) {
+            const Relationship::Values& values = *relationship.values;
+            std::size_t& place = latest[(hash(values.id) ^ hash(values.target)) % latest.size()];
+            if (place > 0 && compare(*entries[place - 1].values, values) == 0) {
+                entries[place - 1].count += times;
+                continue;
+            }
+            entries.push_back({&values, times});
+            place = entries.size();
+        }
     return entries;
 }
 

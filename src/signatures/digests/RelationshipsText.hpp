@@ -35,8 +35,8 @@ public:
 private:
     /// A relationship, and how often it was selected.
     struct Entry {
-        const Relationship::Values* values;
-        std::uint64_t count;
+        const Relationship::Values* values = nullptr;
+        std::uint64_t count = 0;
     };
 
     /// Bytes of `text` that the document repeats several times.
@@ -46,7 +46,8 @@ private:
     };
 
     static std::vector<Entry> collect(const SignedRelationships& relationships);
-    static auto keys(const Relationship::Values& values);
+    static std::vector<Entry> gather(const SignedRelationships& relationships);
+    static std::int32_t compare(const Relationship::Values& left, const Relationship::Values& right);
     static std::string write(const std::vector<Entry>& entries);
     static bool compose(const std::vector<Entry>& entries, std::string& document);
     static std::string serialize(const std::vector<Entry>& entries);

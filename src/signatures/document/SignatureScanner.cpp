@@ -29,7 +29,8 @@ bool isPlainQueryValue(std::string_view text) {
 
 /// Whether an attribute, as it is written, is a URI without references and blanks.
 bool isPlainReference(std::string_view written) {
-    return isPlainURI(written) && written.find_first_of("& ") == std::string_view::npos;
+    return isPlainURI(written) && written.find('&') == std::string_view::npos &&
+           written.find(' ') == std::string_view::npos;
 }
 
 /// Whether a text is the URI of a signed part: its name and its content type.
@@ -67,8 +68,7 @@ bool isPlainBase64(std::string_view text) {
     for (; padding < 2 && text.back() == '='; ++padding)
         text.remove_suffix(1);
     const unsigned unusedBits = padding == 0 ? 0 : padding == 1 ? 3 : 15;
-    return std::all_of(text.begin(), text.end(), [](char c) { return base64Value(c) < 64; }) &&
-           (base64Value(text.back()) & unusedBits) == 0;
+    return plain::areAll(text, plain::Base64) && (base64Value(text.back()) & unusedBits) == 0;
 }
 
 template <std::size_t Size>
