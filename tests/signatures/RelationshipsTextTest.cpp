@@ -18,7 +18,7 @@ using namespace opc::model;
 
 /// Each for itself; copies of one relationship belong to one group.
 SignedRelationships select(const std::vector<Relationship>& relationships) {
-    SignedRelationships selected;
+    std::vector<SignedRelationships::Group> selected;
     std::vector<SignedRelationships::Group> groups;
     for (const Relationship& relationship : relationships) {
         auto known = std::find_if(groups.begin(), groups.end(), [&](const SignedRelationships::Group& group) {
@@ -27,9 +27,9 @@ SignedRelationships select(const std::vector<Relationship>& relationships) {
         if (known == groups.end())
             known =
                 groups.insert(groups.end(), std::make_shared<SelectedGroup>(SelectedGroup{{relationship}}));
-        selected.add(*known);
+        selected.push_back(*known);
     }
-    return selected;
+    return SignedRelationships(selected);
 }
 
 std::string readText(const std::vector<Relationship>& relationships, std::uint64_t blockSize) {
@@ -88,11 +88,14 @@ TEST(RelationshipsText, isTheDocumentBuiltWhole) {
 
 TEST(RelationshipsText, isTheDocumentBuiltWholeForASelectorOfEachOfManyRelationships) {
     RelationshipManager source(URI(u"/a.xml"));
+    RelationshipManager other(URI(u"/b.xml"));
     std::vector<Relationship> all;
-    for (int i = 0; i < 300; ++i)
-        all.push_back(source.addInternalRelationship(u"r" + opc::toString(std::to_string(i), true), u"t:t",
-                                                     URI(u"x.xml")));
     std::vector<Relationship> selected;
+    for (int i = 0; i < 300; ++i) {
+        const std::u16string id = u"r" + opc::toString(std::to_string(i), true);
+        all.push_back(source.addInternalRelationship(id, u"t:t", URI(u"x.xml")));
+        selected.push_back(other.addInternalRelationship(id, u"t:t", URI(u"x.xml")));
+    }
     for (int i = 0; i < 300; ++i)
         selected.insert(selected.end(), all.begin(), all.end());
     EXPECT_EQ(readText(selected, 4096), writeWhole(selected));
@@ -125,9 +128,7 @@ TEST(SignedRelationships, haveALimitForTheirListAlone) {
     const Relationship relationship = source.addInternalRelationship(u"r", u"t:t", URI(u"x.xml"));
     const auto group = std::make_shared<SelectedGroup>();
     group->relationships.assign(1000, relationship);
-    SignedRelationships selected;
-    for (int i = 0; i < 10001; ++i)
-        selected.add(group);
+    const SignedRelationships selected(std::vector<SignedRelationships::Group>(10001, group));
     EXPECT_RAISES(opc::Exception,
                   "No more than 10000000 selected relationships of a signature can be listed.",
                   selected.toVector());

@@ -149,6 +149,7 @@ private:
     friend class DataManager;
     friend class DigitalSignatureManager;
     friend class PackageHelper;
+    friend class PartSearch;
     friend class RelationshipSource;
     struct Impl;
 

@@ -14,6 +14,7 @@ namespace opc::model {
 class RelationshipGroup;
 class RelationshipManager;
 class RelationshipsText;
+class SelectableRelationships;
 class SignedRelationships;
 
 /// One relationship of a package or a part (ECMA-376 Part 2, relationships), as it was when it was returned.
@@ -55,6 +56,7 @@ private:
     friend class RelationshipGroup;
     friend class RelationshipManager;
     friend class RelationshipsText;
+    friend class SelectableRelationships;
     friend class SignedRelationships;
 
     /// The values, which never change. All copies share them. A block, which they keep alive, holds texts and source.

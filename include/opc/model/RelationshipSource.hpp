@@ -18,6 +18,7 @@ class IPhysicalPart;
 namespace opc::model {
 
 class Package;
+class SelectableRelationships;
 
 /// The base of everything that has relationships: `Package` and `Part`.
 ///
@@ -173,6 +174,8 @@ protected:
     Impl& getState() const noexcept { return *impl; }
 
 private:
+    friend class SelectableRelationships;
+
     void throwIfNotReadable() const;
     void throwIfNotWritable() const;
     std::u16string verifyRelationship(const std::u16string& id, const std::u16string& type,

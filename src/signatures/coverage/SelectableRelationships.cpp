@@ -3,6 +3,9 @@
 #include "signatures/coverage/SignatureLayout.hpp"
 #include "signatures/digests/RelationshipsText.hpp"
 
+#include <opc/core/Text.hpp>
+
+#include <algorithm>
 #include <cstddef>
 #include <initializer_list>
 #include <vector>
@@ -17,16 +20,15 @@ constexpr std::size_t FEW = 4;
 
 } // namespace
 
-SelectableRelationships::Source& SelectableRelationships::find(const std::u16string& name) {
-    recent = sources.try_emplace(recent, name);
+SelectableRelationships::Source& SelectableRelationships::find(const RelationshipSource& source) {
+    recent = sources.try_emplace(recent, &source.getState());
     return recent->second;
 }
 
 template <typename Relationships>
 SelectableRelationships::Group SelectableRelationships::makeGroup(const Relationships& relationships) const {
-    if (relationships.begin() == relationships.end())
-        return nullptr;
     auto group = std::make_shared<SelectedGroup>();
+    group->relationships.reserve(relationships.size());
     for (const Relationship& relationship : relationships) {
         if (origin && leadsToCountersignature(relationship, *origin))
             continue;
@@ -37,44 +39,57 @@ SelectableRelationships::Group SelectableRelationships::makeGroup(const Relation
 }
 
 SelectableRelationships::Group SelectableRelationships::byID(const RelationshipSource& source,
-                                                             const std::u16string& name,
                                                              const std::u16string& id) {
-    Group& group = find(name).byID[id];
-    if (!group)
-        group = makeGroup(std::initializer_list<Relationship>{source.getRelationshipByID(id)});
-    return group;
+    auto& groups = find(source).byID;
+    if (const auto found = groups.find(id); found != groups.end())
+        return found->second;
+    const std::initializer_list<Relationship> relationship{source.getRelationshipByID(id)};
+    return groups.emplace(relationship.begin()->values->id, makeGroup(relationship)).first->second;
 }
 
 SelectableRelationships::Group SelectableRelationships::byType(const RelationshipSource& source,
-                                                               const std::u16string& name,
                                                                const std::u16string& type) {
-    Source& known = find(name);
-    const auto found = known.byType.find(type);
-    if (found != known.byType.end())
-        return found->second;
+    Source& known = find(source);
+    if (known.walks == FEW && !known.isGathered)
+        gather(source, known);
+    if (known.byType.empty())
+        known.byType.reserve(FEW);
+    const auto place = findPlace(known, type);
+    if (place != known.byType.end() && place->type == type)
+        return place->group;
     if (known.isGathered)
         return nullptr;
-    if (known.byType.size() < FEW)
-        return known.byType[type] = makeGroup(source.getRelationshipsByType(type));
-    gather(source, known);
-    const auto gathered = known.byType.find(type);
-    return gathered == known.byType.end() ? nullptr : gathered->second;
+    ++known.walks;
+    const auto relationships = source.getRelationshipsByType(type);
+    if (relationships.empty())
+        return nullptr;
+    return known.byType.insert(place, {relationships.begin()->values->type, makeGroup(relationships)})->group;
 }
 
-std::shared_ptr<const SignedRelationships> SelectableRelationships::share(SignedRelationships selected) {
-    const auto [known, isNew] = shared.try_emplace(selected.selections());
-    if (isNew)
-        known->second = std::make_shared<SignedRelationships>(std::move(selected));
-    return known->second;
+std::vector<SelectableRelationships::OfType>::iterator
+SelectableRelationships::findPlace(Source& known, std::u16string_view type) {
+    return std::lower_bound(
+        known.byType.begin(), known.byType.end(), type,
+        [](const OfType& left, std::u16string_view sought) { return compareTexts(left.type, sought) < 0; });
+}
+
+std::shared_ptr<const SignedRelationships> SelectableRelationships::share(std::vector<Group> selected) {
+    return *shared.insert(std::make_shared<SignedRelationships>(std::move(selected))).first;
 }
 
 /// Groups that were returned don't change.
 void SelectableRelationships::gather(const RelationshipSource& source, Source& known) const {
-    std::map<std::u16string, std::vector<Relationship>> byType;
+    std::map<std::u16string_view, std::vector<Relationship>> byType;
     for (const Relationship& relationship : source.getRelationships(ExcludeMode::ExcludeNone))
-        byType[relationship.getType()].push_back(relationship);
-    for (const auto& [type, relationships] : byType)
-        known.byType.try_emplace(type, makeGroup(relationships));
+        byType[relationship.values->type].push_back(relationship);
+    std::vector<OfType> all;
+    all.reserve(byType.size());
+    for (const auto& [type, relationships] : byType) {
+        const auto place = findPlace(known, type);
+        const bool isKnown = place != known.byType.end() && place->type == type;
+        all.push_back({type, isKnown ? place->group : makeGroup(relationships)});
+    }
+    known.byType = std::move(all);
     known.isGathered = true;
 }
 

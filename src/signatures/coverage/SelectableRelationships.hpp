@@ -4,9 +4,13 @@
 
 #include <opc/model/RelationshipSource.hpp>
 
+#include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::model {
@@ -24,36 +28,47 @@ public:
     SelectableRelationships(const SelectableRelationships&) = delete;
     SelectableRelationships& operator=(const SelectableRelationships&) = delete;
 
-    /// @param name  the name of the source, always in the same spelling
     /// @throws RelationshipNotFound
-    Group byID(const RelationshipSource& source, const std::u16string& name, const std::u16string& id);
+    Group byID(const RelationshipSource& source, const std::u16string& id);
 
     /// All of a type, in the order of `RelationshipSource::getRelationshipsByType`.
-    /// @param name  the name of the source, always in the same spelling
     /// @return null if there are none
-    Group byType(const RelationshipSource& source, const std::u16string& name, const std::u16string& type);
+    Group byType(const RelationshipSource& source, const std::u16string& type);
 
-    /// What a signature selects. Signatures with the same selection share it.
-    std::shared_ptr<const SignedRelationships> share(SignedRelationships selected);
+    /// What a signature selects, in that order. Signatures with the same selection share it.
+    std::shared_ptr<const SignedRelationships> share(std::vector<Group> selected);
 
 private:
-    // Maps are trees: no choice of texts makes them slow.
-    using Groups = std::map<std::u16string, Group>;
-
-    struct Source {
-        Groups byID, byType;
-        bool isGathered = false; // by type, after the first few types
+    struct OfType {
+        std::u16string_view type;
+        Group group;
     };
 
-    Source& find(const std::u16string& name);
+    // The texts are those of the package's relationships. No choice of texts makes a tree or a sorted list slow.
+    struct Source {
+        std::map<std::u16string_view, Group> byID;
+        std::vector<OfType> byType; // sorted
+        std::size_t walks = 0;      // over all relationships, for one type each
+        bool isGathered = false;    // whether `byType` has all types
+    };
+
+    struct BySelections {
+        template <typename Selected>
+        bool operator()(const Selected& left, const Selected& right) const {
+            return left->selections() < right->selections();
+        }
+    };
+
+    Source& find(const RelationshipSource& source);
+    static std::vector<OfType>::iterator findPlace(Source& known, std::u16string_view type);
     void gather(const RelationshipSource& source, Source& known) const;
     template <typename Relationships>
     Group makeGroup(const Relationships& relationships) const;
 
     std::optional<URI> origin;
-    std::map<std::vector<const SelectedGroup*>, std::shared_ptr<const SignedRelationships>> shared;
-    std::map<std::u16string, Source> sources;
-    std::map<std::u16string, Source>::iterator recent =
+    std::set<std::shared_ptr<const SignedRelationships>, BySelections> shared;
+    std::map<const void*, Source> sources; // by the state that all handles of a source share
+    std::map<const void*, Source>::iterator recent =
         sources.end(); // the next source is mostly this one or a later one
 };
 

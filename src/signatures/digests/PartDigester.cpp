@@ -47,7 +47,7 @@ auto translateDigestFailures(const Action& action) {
 } // namespace
 
 PartDigester::PartDigester(const Package& package, DigestMethod method)
-    : package(package), engine(translateDigestFailures([method] {
+    : parts(package), engine(translateDigestFailures([method] {
           const bedrock::crypto::CryptoEngine cryptoEngine(
               std::make_shared<bedrock::crypto::cryptopp::CryptoProvider>());
           return createDigestEngine(cryptoEngine, method);
@@ -55,8 +55,9 @@ PartDigester::PartDigester(const Package& package, DigestMethod method)
 }
 
 const std::vector<unsigned char>& PartDigester::digest(const PartName& name) {
-    InputStream& stream = package.getPart(name).getInputStream();
-    std::vector<unsigned char>& digest = computed[&stream];
+    InputStream& stream = parts.get(name).getInputStream();
+    // Streams of later parts mostly lie behind those of earlier ones.
+    std::vector<unsigned char>& digest = computed.try_emplace(computed.end(), &stream)->second;
     if (digest.empty())
         digest = translateDigestFailures([&] { return compute(stream, name); });
     return digest;

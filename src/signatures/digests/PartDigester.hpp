@@ -1,11 +1,12 @@
 #pragma once
 
+#include "package/PartSearch.hpp"
+
 #include <opc/model/PartName.hpp>
 #include <opc/model/SignatureParams.hpp>
 
 #include <map>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace bedrock::crypto {
@@ -25,7 +26,7 @@ class Package;
 /// signature could name a large part many times.
 class PartDigester {
 public:
-    /// @param package  must outlive this object
+    /// @param package  must outlive this object, and keep its parts meanwhile
     /// @throws CouldNotGenerateSignature  the method isn't available
     PartDigester(const Package& package, DigestMethod method);
 
@@ -36,15 +37,15 @@ public:
 private:
     std::vector<unsigned char> compute(InputStream& stream, const PartName& name) const;
 
-    const Package& package;
+    PartSearch parts;
     std::shared_ptr<bedrock::crypto::DigestEngine> engine;
-    std::unordered_map<const InputStream*, std::vector<unsigned char>> computed; // by the part's stream
+    std::map<const InputStream*, std::vector<unsigned char>> computed; // by the part's stream
 };
 
 /// The digesters of one package. Each is made when its method is first needed.
 class PartDigesters {
 public:
-    /// @param package  must outlive this object
+    /// @param package  must outlive this object, and keep its parts meanwhile
     explicit PartDigesters(const Package& package) : package(package) {}
 
     /// Works as `PartDigester::digest`.

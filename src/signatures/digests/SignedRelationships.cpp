@@ -3,6 +3,9 @@
 #include <opc/core/Exception.hpp>
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <utility>
 
 namespace opc::model {
 
@@ -26,11 +29,22 @@ std::uint64_t workOf(const SelectedGroup& group) {
 
 } // namespace
 
-void SignedRelationships::add(const Group& group) {
-    const bool isNew = times[group]++ == 0;
-    order.push_back(group.get());
-    entries += group->relationships.size();
-    digestWork += workOf(*group) + (isNew ? COMPOSING * group->relationships.size() : 0);
+SignedRelationships::SignedRelationships(std::vector<Group> selections) : order(std::move(selections)) {
+    std::vector<const SelectedGroup*> sorted;
+    sorted.reserve(order.size());
+    for (const Group& group : order)
+        sorted.push_back(group.get());
+    std::sort(sorted.begin(), sorted.end(), std::less<>());
+    for (const SelectedGroup* const group : sorted) {
+        const std::uint64_t size = group->relationships.size();
+        if (different.empty() || different.back().group != group) {
+            different.push_back({group, 0});
+            digestWork += COMPOSING * size;
+        }
+        ++different.back().times;
+        digestWork += workOf(*group);
+        entries += size;
+    }
 }
 
 std::vector<Relationship> SignedRelationships::toVector() const {
@@ -39,7 +53,7 @@ std::vector<Relationship> SignedRelationships::toVector() const {
                         " selected relationships of a signature can be listed.");
     std::vector<Relationship> all;
     all.reserve(entries);
-    for (const SelectedGroup* const group : order)
+    for (const Group& group : order)
         all.insert(all.end(), group->relationships.begin(), group->relationships.end());
     return all;
 }
@@ -47,11 +61,11 @@ std::vector<Relationship> SignedRelationships::toVector() const {
 bool SignedRelationships::operator==(const SignedRelationships& other) const {
     std::map<const SelectedGroup*, const SelectedGroup*> alike;
     return std::equal(order.begin(), order.end(), other.order.begin(), other.order.end(),
-                      [&alike](const SelectedGroup* left, const SelectedGroup* right) {
-                          const auto [known, isNew] = alike.try_emplace(left, right);
+                      [&alike](const Group& left, const Group& right) {
+                          const auto [known, isNew] = alike.try_emplace(left.get(), right.get());
                           const auto& ours = left->relationships;
                           const auto& theirs = right->relationships;
-                          return known->second == right &&
+                          return known->second == right.get() &&
                                  (!isNew || std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
                                                        [](const Relationship& a, const Relationship& b) {
                                                            return a.isCopyOf(b);

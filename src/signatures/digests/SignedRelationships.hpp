@@ -23,13 +23,22 @@ class SignedRelationships {
 public:
     using Group = std::shared_ptr<const SelectedGroup>;
 
-    void add(const Group& group);
+    /// A group, and how often it was selected.
+    struct Repeated {
+        const SelectedGroup* group;
+        std::uint64_t times;
+    };
 
-    /// The groups in the order in which they were added. This object and other owners keep them alive.
-    const std::vector<const SelectedGroup*>& selections() const { return order; }
+    SignedRelationships() = default;
 
-    /// How often each group was added.
-    const std::map<Group, std::uint64_t>& groups() const { return times; }
+    /// @param selections  the groups in the order in which they were selected, none null
+    explicit SignedRelationships(std::vector<Group> selections);
+
+    /// The groups in the order in which they were selected.
+    const std::vector<Group>& selections() const { return order; }
+
+    /// Each group once.
+    const std::vector<Repeated>& groups() const { return different; }
 
     bool empty() const { return entries == 0; }
 
@@ -48,8 +57,8 @@ public:
     mutable std::map<DigestMethod, std::u16string> digests;
 
 private:
-    std::vector<const SelectedGroup*> order;
-    std::map<Group, std::uint64_t> times;
+    std::vector<Group> order;
+    std::vector<Repeated> different;
     std::uint64_t entries = 0;
     std::uint64_t digestWork = 0;
 };

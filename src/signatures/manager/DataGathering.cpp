@@ -1,5 +1,6 @@
 #include "signatures/manager/DataGathering.hpp"
 
+#include "package/PartSearch.hpp"
 #include "signatures/algorithms/CryptoErrors.hpp"
 #include "signatures/coverage/SelectableRelationships.hpp"
 #include "signatures/coverage/SignatureLayout.hpp"
@@ -13,6 +14,7 @@
 #include <opc/model/PackageHelper.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace opc::model {
 
@@ -20,11 +22,11 @@ namespace {
 
 /// @return null if there are none
 /// @throws RelationshipNotFound
-SignedRelationships::Group select(const RelationshipSource& source, const std::u16string& name,
-                                  const RelationshipSelector& selector, SelectableRelationships& selectable) {
+SignedRelationships::Group select(const RelationshipSource& source, const RelationshipSelector& selector,
+                                  SelectableRelationships& selectable) {
     return selector.getSelectorType() == RelationshipSelectorType::SourceId
-               ? selectable.byID(source, name, selector.getSelectionCriteria())
-               : selectable.byType(source, name, selector.getSelectionCriteria());
+               ? selectable.byID(source, selector.getSelectionCriteria())
+               : selectable.byType(source, selector.getSelectionCriteria());
 }
 
 /// A signature that names a type without relationships couldn't be read again.
@@ -43,23 +45,21 @@ void throwIfNothingMatched(const RelationshipSelector* selector, bool isAlone) {
 std::shared_ptr<const SignedRelationships>
 selectRelationships(const Package& package, const std::vector<RelationshipSelector>& selectors,
                     const std::vector<DigitalSignature>& existing) {
-    const auto selected = std::make_shared<SignedRelationships>();
+    std::vector<SignedRelationships::Group> groups;
     SelectableRelationships selectable(findOriginURI(package));
+    PartSearch parts(package);
     const RelationshipSelector* unmatched = nullptr; // the first one
     for (const RelationshipSelector& selector : selectors) {
         const URI uri = selector.getSourceURI();
-        SignedRelationships::Group group;
-        if (uri == PackageHelper::getPackageRootURI()) {
-            group = select(package, u"/", selector, selectable);
-        } else {
-            const Part part = package.getPart(PartName(uri));
-            group = select(part, part.getName().toString(), selector, selectable);
-        }
+        auto group = uri == PackageHelper::getPackageRootURI()
+                         ? select(package, selector, selectable)
+                         : select(parts.get(PartName(uri)), selector, selectable);
         if (group)
-            selected->add(group);
+            groups.push_back(std::move(group));
         else if (unmatched == nullptr)
             unmatched = &selector;
     }
+    const auto selected = std::make_shared<SignedRelationships>(std::move(groups));
     throwIfNothingMatched(unmatched, selected->empty());
     for (const DigitalSignature& signature : existing)
         if (*DigitalSignatureData::of(signature).m_signedRelationships == *selected)
@@ -93,8 +93,9 @@ DataToSign gatherDataToSign(const Package& package, const Selection& selection, 
             for (const PartName& name : selection.parts)
                 data.digests.push_back(digester.digest(name));
         }
+        PartSearch parts(package);
         for (const PartName& name : selection.parts)
-            data.contentTypes.push_back(package.getPart(name).getContentType());
+            data.contentTypes.push_back(parts.get(name).getContentType());
         data.relationships = selectRelationships(package, selection.selectors, existing);
         throwIfTooMuchWork(*data.relationships, method, existing);
         return data;

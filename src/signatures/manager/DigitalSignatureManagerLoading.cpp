@@ -129,7 +129,9 @@ private:
         data->m_share = std::make_shared<DocumentShare>(budget, &XmlLimits::signature);
         MeteredStream metered(stream, *data->m_share, cost::BYTES_PER_ELEMENT);
         serializer.readSignature(metered, *data);
-        fillUpSignedEntities(package, *data, selectable);
+        SignedEntities signedEntities = findSignedEntities(package, data->m_content, selectable);
+        data->m_signedPartNames = std::move(signedEntities.partNames);
+        data->m_signedRelationships = std::move(signedEntities.relationships);
         return data;
     }
 

@@ -101,9 +101,9 @@ public:
     /// @{
     Bytes computeDigest(InputStream& bytes) const;
 
-    /// The digest of all relationships of the signature together, in Base64. Signatures with the same relationships
-    /// share the result.
-    std::u16string computeRelationshipsDigest() const;
+    /// The digest of all relationships of a signature together, in Base64. Signatures with the same relationships share
+    /// the result.
+    const std::u16string& computeRelationshipsDigest(const SignedRelationships& relationships) const;
     /// @}
 
     /// @name Checking the signature value

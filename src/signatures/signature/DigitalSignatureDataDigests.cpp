@@ -34,12 +34,13 @@ DigitalSignatureData::Bytes DigitalSignatureData::computeDigest(InputStream& byt
     return translateDigestFailures([&] { return digestStream(createDigestEngine().get(), bytes); });
 }
 
-std::u16string DigitalSignatureData::computeRelationshipsDigest() const {
-    std::u16string& digest = m_signedRelationships->digests[m_signatureParams.getDigestMethod()];
+const std::u16string&
+DigitalSignatureData::computeRelationshipsDigest(const SignedRelationships& relationships) const {
+    std::u16string& digest = relationships.digests[m_signatureParams.getDigestMethod()];
     if (!digest.empty())
         return digest;
     try {
-        RelationshipsText text(*m_signedRelationships);
+        RelationshipsText text(relationships);
         return digest = bedrock::crypto::utils::base64Encode(computeDigest(text));
     } catch (const InvalidXMLDocument& e) {
         throw Exception(e.what());

@@ -145,7 +145,7 @@ void DigitalSignatureData::addRelationshipReferences(const DataToSign& data) {
     }
     const ContentType contentType = PackageHelper::getRelationshipContentType();
     const std::u16string digestMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod());
-    const std::u16string digestValue = computeRelationshipsDigest();
+    const std::u16string digestValue = computeRelationshipsDigest(*m_signedRelationships);
     for (auto& [source, reference] : references) {
         reference.referenceURI = toReferenceURI(PartName(source).getRelationshipPartName(), contentType);
         reference.digestMethod = digestMethod;

@@ -57,7 +57,9 @@ void throwIfNotMadeAsCountersignature(const DigitalSignatureData& data) {
 
 } // namespace
 
-std::vector<const Reference*> findDifferences(const DigitalSignatureData& data, PartDigesters& digesters) {
+std::vector<const Reference*> findDifferences(const DigitalSignatureData& data,
+                                              const SignedRelationships& relationships,
+                                              PartDigesters& digesters) {
     if (data.m_signatureId == COUNTERSIGNATURE_ID)
         throwIfNotMadeAsCountersignature(data);
     try {
@@ -71,10 +73,10 @@ std::vector<const Reference*> findDifferences(const DigitalSignatureData& data, 
                 return digest == reference.digestValue;
             }
             if (reference.selectsRelationships())
-                return data.computeRelationshipsDigest() == reference.digestValue;
+                return areSameTexts(data.computeRelationshipsDigest(relationships), reference.digestValue);
             const DigestMethod method = AlgorithmURIMap::getDigestMethod(reference.digestMethod);
             const PartName name(reference.referenceURI.getPath());
-            return base64Encode(digesters.digest(name, method)) == reference.digestValue;
+            return areSameTexts(base64Encode(digesters.digest(name, method)), reference.digestValue);
         };
         std::vector<const Reference*> differences;
         for (const auto* references :

@@ -101,10 +101,8 @@ void SignatureJudge::check(JudgedSignature& judged) {
     if (!status.isProperlyCodesigned() && !status.isErrorFromCertificateChain())
         return refuse(judged, status.getErrorCode(), "it wasn't made by that key, or has been changed");
     // The package may have changed since it was loaded or signed. Its present state counts.
-    DigitalSignatureData current(data);
-    current.m_signedPartNames.clear();
-    fillUpSignedEntities(package, current, selectable);
-    const auto differences = findDifferences(current, digesters);
+    const SignedEntities current = findSignedEntities(package, data.m_content, selectable);
+    const auto differences = findDifferences(data, *current.relationships, digesters);
     // The objects of the signature contain the time and everything else that it says.
     const std::string whySignerIsRefused = signer.reason;
     if (std::none_of(differences.begin(), differences.end(), isOfObject))

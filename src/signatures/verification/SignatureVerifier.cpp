@@ -30,7 +30,7 @@ DigitalSignatureVerificationStatus
 SignatureVerifier::verify(const DigitalSignatureData& data, const DigitalSignatureVerificationStatus& value) {
     if (!value.isProperlyCodesigned() && value.isErrorFromSignature())
         return value;
-    if (!findDifferences(data, digesters).empty())
+    if (!findDifferences(data, *data.m_signedRelationships, digesters).empty())
         return makeVerificationStatus(ErrorMap<101>());
     if (value.isProperlyCodesigned() || value.isErrorFromCertificateChain())
         return value;
