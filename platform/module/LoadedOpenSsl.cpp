@@ -57,6 +57,14 @@ PublicKeyNumbers getPublicKeyNumbers(const std::vector<unsigned char>& publicKey
     return module().publicKeyNumbers(publicKey);
 }
 
+SigningKey generateECKey(const std::string& curve) {
+    return module().generateECKey(curve);
+}
+
+std::vector<unsigned char> readPublicKey(const std::vector<unsigned char>& encoded) {
+    return module().readPublicKey(encoded);
+}
+
 namespace cryptopp {
 
 std::shared_ptr<DigestEngine> CryptoProvider::createDigestEngine(DigestAlgorithm algorithm) {
@@ -188,6 +196,11 @@ std::vector<X509Certificate> detail::readCertificates(const std::filesystem::pat
 TimeStampResults checkTimeStamp(const Bytes& token, const std::string& content,
                                 const CertificateValidationOptions& options, const TrustStore& trustStore) {
     return module().timeStamp(token, content, options, trustStore);
+}
+
+X509Certificate makeSelfSignedCertificate(const crypto::SigningKey& key, const std::string& name,
+                                          unsigned days) {
+    return module().selfSigned(key, name, days);
 }
 
 } // namespace certificates

@@ -36,6 +36,8 @@ const bedrock::OpenSslModule opcmodelOpenSsl = {
     &bedrock::crypto::makeSignatureValue,
     &bedrock::crypto::readSigningKey,
     &bedrock::crypto::getPublicKeyNumbers,
+    &bedrock::crypto::generateECKey,
+    &bedrock::crypto::readPublicKey,
     &bedrock::readCertificate,
     &bedrock::OpenSslModule::X509::getKeySize,
     &bedrock::OpenSslModule::X509::getModulus,
@@ -56,4 +58,5 @@ const bedrock::OpenSslModule opcmodelOpenSsl = {
     &bedrock::OpenSslModule::Options::addRevocationList,
     &bedrock::certificates::detail::readCertificates,
     &bedrock::certificates::checkTimeStamp,
+    &bedrock::certificates::makeSelfSignedCertificate,
 };

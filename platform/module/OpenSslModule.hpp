@@ -4,6 +4,7 @@
 
 #include <bedrock/certificates/KeyBundle.hpp>
 #include <bedrock/certificates/PKCS12Certificate.hpp>
+#include <bedrock/certificates/SelfSignedCertificate.hpp>
 #include <bedrock/certificates/TimeStamp.hpp>
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <bedrock/crypto/SignatureValue.hpp>
@@ -34,6 +35,8 @@ struct OpenSslModule {
     decltype(&crypto::makeSignatureValue) makeSignatureValue;
     decltype(&crypto::readSigningKey) readSigningKey;
     decltype(&crypto::getPublicKeyNumbers) publicKeyNumbers;
+    decltype(&crypto::generateECKey) generateECKey;
+    decltype(&crypto::readPublicKey) readPublicKey;
 
     X509 (*certificate)(const Bytes& bytes);
     decltype(&X509::getKeySize) keySize;
@@ -58,6 +61,7 @@ struct OpenSslModule {
 
     decltype(&certificates::detail::readCertificates) fileOfCertificates;
     decltype(&certificates::checkTimeStamp) timeStamp;
+    decltype(&certificates::makeSelfSignedCertificate) selfSigned;
 };
 
 } // namespace bedrock

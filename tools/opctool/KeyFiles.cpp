@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -43,6 +44,22 @@ auto tryAllSizes(const std::string& path, Read read) -> decltype(read(KEY_SIZES[
 
 [[noreturn]] void failWithoutKey(const std::string& path, const char* kind) {
     throw opc::Exception(path + " contains no RSA " + kind + " key of 1024, 2048 or 4096 bits");
+}
+
+/// @return null if it isn't an RSA key of these sizes
+std::shared_ptr<bedrock::crypto::RSAPublicKey> decodePublicKey(const std::string& path, const Bytes& bytes) {
+    bedrock::crypto::cryptopp::CryptoProvider provider;
+    return tryAllSizes(path, [&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
+}
+
+/// The result of `read`. Its failures name the file.
+template <typename Read>
+auto translating(const std::string& path, Read read) {
+    try {
+        return read();
+    } catch (const bedrock::crypto::utils::InvalidKey& e) {
+        throw opc::Exception(path + ": " + e.what());
+    }
 }
 
 /// Bytes that are overwritten on destruction.
@@ -142,24 +159,43 @@ std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string
 }
 
 std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& path) {
-    bedrock::crypto::cryptopp::CryptoProvider provider;
-    const Bytes bytes = readFile(path);
-    auto key = tryAllSizes(path, [&](std::size_t bits) { return provider.createRSAPublicKey(bits, bytes); });
+    auto key = decodePublicKey(path, readFile(path));
     if (!key)
         failWithoutKey(path, "public");
     return key;
 }
 
-void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& base, bool replace) {
-    const std::string privatePath = base + ".key";
-    const std::string publicPath = base + ".pub";
+bedrock::crypto::SigningKey readSigningKey(const std::string& path) {
+    const SecretBytes secret{readFile(path)};
+    return translating(path, [&secret] { return bedrock::crypto::readSigningKey(secret.bytes); });
+}
+
+Bytes readAnyPublicKey(const std::string& path) {
+    const Bytes bytes = readFile(path);
+    const auto key = decodePublicKey(path, bytes);
+    return key ? key->getAsByteArray()
+               : translating(path, [&bytes] { return bedrock::crypto::readPublicKey(bytes); });
+}
+
+void writeKeyFiles(const bedrock::crypto::SigningKey& key,
+                   const bedrock::certificates::X509Certificate& certificate, const std::string& base,
+                   bool replace) {
+    constexpr mode_t OF_OWNER = S_IRUSR | S_IWUSR;
+    constexpr mode_t OF_ALL = OF_OWNER | S_IRGRP | S_IROTH;
     const WithoutSignals whole;
-    NewFile privateFile(privatePath, S_IRUSR | S_IWUSR, replace);
-    NewFile publicFile(publicPath, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH, replace);
-    Bytes pem = toPem("PRIVATE KEY", pair.getPrivateKey());
+    NewFile privateFile(base + ".key", OF_OWNER, replace);
+    NewFile publicFile(base + ".pub", OF_ALL, replace);
+    std::optional<NewFile> certificateFile;
+    if (!certificate.empty()) {
+        certificateFile.emplace(base + ".pem", OF_ALL, replace);
+        certificateFile->write(toPem("CERTIFICATE", certificate.getAsByteArray()));
+    }
+    Bytes pem = toPem("PRIVATE KEY", key.getPrivateKey());
     privateFile.write(pem);
     bedrock::crypto::utils::cleanse(pem);
-    publicFile.write(toPem("PUBLIC KEY", pair.getPublicKey()));
+    publicFile.write(toPem("PUBLIC KEY", key.getPublicKey()));
+    if (certificateFile)
+        certificateFile->keep();
     publicFile.keep();
     privateFile.keep(); // last, because it can't be made again
 }

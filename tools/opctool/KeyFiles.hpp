@@ -1,8 +1,9 @@
 #pragma once
 
+#include <bedrock/certificates/X509Certificate.hpp>
 #include <bedrock/crypto/RSAPrivateKey.hpp>
 #include <bedrock/crypto/RSAPublicKey.hpp>
-#include <bedrock/crypto/RsaKeyPair.hpp>
+#include <bedrock/crypto/SigningKey.hpp>
 
 #include <memory>
 #include <string>
@@ -20,10 +21,20 @@ std::shared_ptr<bedrock::crypto::RSAPrivateKey> readPrivateKey(const std::string
 std::shared_ptr<bedrock::crypto::RSAPublicKey> readPublicKey(const std::string& path);
 /// @}
 
-/// Writes BASE.key, which only its owner can read, and BASE.pub, both in PEM. If one of them can't be written,
-/// nothing of them stays, and the files that they would replace don't change.
+/// The private key in a file: RSA of any size, or EC, in PEM or DER and without a password.
+/// @throws opc::Exception  there is none
+bedrock::crypto::SigningKey readSigningKey(const std::string& path);
+
+/// The public key in a file, as SubjectPublicKeyInfo: RSA of any size, or EC, in PEM or DER.
+/// @throws opc::Exception  there is none
+std::vector<unsigned char> readAnyPublicKey(const std::string& path);
+
+/// Writes BASE.key, which only its owner can read, BASE.pub and, if there is a certificate, BASE.pem, all in PEM. If one of
+/// them can't be written, nothing of them stays, and the files that they would replace don't change.
 /// @param replace  whether existing files may be replaced
 /// @throws opc::Exception
-void writeKeyPair(const bedrock::crypto::RsaKeyPair& pair, const std::string& base, bool replace);
+void writeKeyFiles(const bedrock::crypto::SigningKey& key,
+                   const bedrock::certificates::X509Certificate& certificate, const std::string& base,
+                   bool replace);
 
 } // namespace opctool

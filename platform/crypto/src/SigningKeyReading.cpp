@@ -69,6 +69,35 @@ SigningKey readSigningKey(const Bytes& encoded) {
     return encodeSigningKey(*readKey(encoded));
 }
 
+SigningKey generateECKey(const std::string& curve) {
+    if (curve != "P-256" && curve != "P-384" && curve != "P-521")
+        throw InvalidKey("EC keys are on the curves P-256, P-384 and P-521.");
+    const openssl::ErrorScope scope;
+    const PkeyPtr key(EVP_EC_gen(curve.c_str()));
+    if (!key)
+        openssl::fail<utils::Exception>("An EC key can't be made.");
+    return encodeSigningKey(*key);
+}
+
+Bytes readPublicKey(const Bytes& encoded) {
+    using Algorithm = PublicKeyKind::Algorithm;
+    const openssl::ErrorScope scope;
+    if (encoded.size() > MOST_ENCODED_BYTES)
+        throw InvalidKey("The bytes are no public key.");
+    auto key = openssl::fromDer<PkeyPtr, d2i_PUBKEY>(encoded.data(), encoded.size());
+    if (!key) {
+        ERR_clear_error();
+        key.reset(PEM_read_bio_PUBKEY(openssl::readingBio(encoded).get(), nullptr, nullptr, nullptr));
+    }
+    if (!key)
+        openssl::fail<InvalidKey>("The bytes are no public key.");
+    Bytes publicKey = openssl::toDer<i2d_PUBKEY>(*key);
+    const PublicKeyKind kind = describePublicKey(publicKey);
+    if (kind.algorithm == Algorithm::Other || (kind.algorithm == Algorithm::EC && kind.curve.empty()))
+        throw InvalidKey("The public key is neither RSA nor on the curve P-256, P-384 or P-521.");
+    return publicKey;
+}
+
 PublicKeyNumbers getPublicKeyNumbers(const Bytes& publicKey) {
     const PublicKeyKind kind = describePublicKey(publicKey); // also checks the size
     const openssl::ErrorScope scope;

@@ -2,6 +2,7 @@
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/KeyBundle.hpp>
+#include <bedrock/certificates/SelfSignedCertificate.hpp>
 #include <bedrock/crypto/SignatureValue.hpp>
 #include <bedrock/crypto/SigningKey.hpp>
 #include <bedrock/crypto/utils/Exceptions.hpp>
@@ -42,6 +43,31 @@ TEST(SigningKeys, areReadInEachForm) {
                                 : makeECPublicKey("P-521", numbers.point),
                   expected);
     }
+}
+
+TEST(SigningKeys, areMadeWithCertificates) {
+    const opc::test::OpenSslCommand openssl;
+    for (const std::string curve : {"P-256", "P-384", "P-521", ""}) {
+        const auto& rsa = opc::test::keysOf(2048);
+        const SigningKey key =
+            curve.empty() ? SigningKey(rsa.getPrivateKey(), rsa.getPublicKey()) : generateECKey(curve);
+        EXPECT_TRUE(signs(key)) << curve;
+        EXPECT_EQ(describePublicKey(key.getPublicKey()).curve, curve);
+        EXPECT_EQ(readPublicKey(key.getPublicKey()), key.getPublicKey());
+        const X509Certificate certificate = makeSelfSignedCertificate(key, "\xC3\x84rger, Ada", 30);
+        EXPECT_EQ(certificate.getPublicKey(), key.getPublicKey());
+        EXPECT_TRUE(certificate.isValidForDigitalSigning());
+        openssl.write("made", certificate.getAsByteArray());
+        openssl.run("x509 -inform DER -in made -out made.pem");
+        openssl.run("verify -x509_strict -CAfile made.pem made.pem");
+        openssl.run("x509 -in made.pem -noout -checkend 2500000"); // in 29 days
+        openssl.run("x509 -in made.pem -noout -pubkey -out public");
+        EXPECT_EQ(readPublicKey(openssl.read("public")), key.getPublicKey());
+    }
+    EXPECT_THROW(generateECKey("P-224"), utils::InvalidKey);
+    EXPECT_THROW(readPublicKey({'x'}), utils::InvalidKey);
+    EXPECT_THROW(makeSelfSignedCertificate(generateECKey("P-256"), std::string(65, 'x'), 1),
+                 CertificateException);
 }
 
 TEST(SigningKeys, areRefusedIfTheyCannotSign) {

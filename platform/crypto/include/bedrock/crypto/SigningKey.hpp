@@ -2,6 +2,7 @@
 
 #include <bedrock/crypto/Export.hpp>
 
+#include <string>
 #include <vector>
 
 namespace bedrock::crypto {
@@ -34,6 +35,17 @@ private:
 /// @throws utils::InvalidKey  the bytes aren't such a key; the key is protected by a password, on another curve, or its
 ///                            numbers don't belong together
 BEDROCK_CRYPTO_EXPORT SigningKey readSigningKey(const std::vector<unsigned char>& encoded);
+
+/// Makes a new key on a curve.
+/// @param curve  P-256, P-384 or P-521
+/// @throws utils::InvalidKey  another curve
+/// @throws utils::Exception
+BEDROCK_CRYPTO_EXPORT SigningKey generateECKey(const std::string& curve);
+
+/// Reads a public key of RSA or EC: SubjectPublicKeyInfo, in DER or PEM.
+/// @return it in DER
+/// @throws utils::InvalidKey  the bytes aren't such a key, or it is on another curve than those of `SigningKey`
+BEDROCK_CRYPTO_EXPORT std::vector<unsigned char> readPublicKey(const std::vector<unsigned char>& encoded);
 
 /// What a public key consists of, big-endian; empty for a key of the other kind.
 struct PublicKeyNumbers {
