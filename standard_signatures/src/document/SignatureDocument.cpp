@@ -99,6 +99,24 @@ std::string readSignatureTime(const XmlTreeNode& object) {
     return {};
 }
 
+/// Time stamps as Visual Studio extensions have them, in objects of their own. Everybody can add, change and remove these:
+/// one that can't be read is left out.
+void readTimeStamps(SignatureDocument& document, const XmlTreeNode& object) {
+    for (const XmlTreeNode* stamp = firstChildElement(object); stamp != nullptr;
+         stamp = nextElement(*stamp)) {
+        if (!stamp->is(vocabulary::PACKAGE_SIGNATURE, "TimeStamp"))
+            continue;
+        for (const XmlTreeNode* child = firstChildElement(*stamp); child != nullptr;
+             child = nextElement(*child))
+            try {
+                if (child->is(vocabulary::PACKAGE_SIGNATURE, "EncodedTime") &&
+                    document.timeStamps.size() < SignatureDocument::MOST_TIME_STAMPS)
+                    document.timeStamps.push_back({bytesOf(*child), std::nullopt});
+            } catch (const Refusal&) { // as if it weren't there
+            }
+    }
+}
+
 } // namespace
 
 SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimits& limits) {
@@ -111,8 +129,8 @@ SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimi
     document.signedInfo = &children.require("SignedInfo");
     document.signatureValue = &children.require("SignatureValue");
     const XmlTreeNode* const keyInfo = children.take("KeyInfo");
-    while (children.take("Object") != nullptr) {
-    }
+    while (const XmlTreeNode* const object = children.take("Object"))
+        readTimeStamps(document, *object);
     children.requireEnd();
 
     readSignedInfo(document, ids);

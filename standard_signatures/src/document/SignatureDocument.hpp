@@ -5,15 +5,18 @@
 
 #include <opc/core/InputStream.hpp>
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace opc::standard_signatures {
 
-/// A time stamp over the element SignatureValue. The signature doesn't protect it.
+/// A time stamp over the signature value. The signature doesn't protect it.
 struct StatedTimeStamp {
     std::vector<unsigned char> token;
-    CanonicalForm form; ///< of the element
+
+    /// In what form it is about the element SignatureValue (XAdES); without one it is about the octets of the value.
+    std::optional<CanonicalForm> form;
 };
 
 /// The keys and certificates that a signature names. It doesn't protect them.
@@ -53,6 +56,7 @@ struct SignatureDocument {
 
     static constexpr std::size_t MOST_ELEMENTS = 64; ///< each can be the whole document
     static constexpr std::size_t MOST_REFERENCES = 65536;
+    static constexpr std::size_t MOST_TIME_STAMPS = 16;
 
     /// @param stream  open, at its first byte
     /// @throws Refusal

@@ -13,7 +13,6 @@ namespace {
 using Code = Reason::Code;
 
 constexpr std::size_t MOST_CERTIFICATES = 100;
-constexpr std::size_t MOST_TIME_STAMPS = 16;
 
 /// Calls `visit` for each child of XAdES with this name.
 template <typename Visitor>
@@ -67,13 +66,13 @@ void readSignedProperties(const XmlTreeNode& properties, SignatureDocument& docu
 }
 
 void readTimeStamp(const XmlTreeNode& stamp, SignatureDocument& document) {
-    StatedTimeStamp read;
+    StatedTimeStamp read{{}, CanonicalForm()};
     for (const XmlTreeNode* child = firstChildElement(stamp); child != nullptr; child = nextElement(*child))
         if (child->is(vocabulary::SIGNATURE, "CanonicalizationMethod"))
             read.form = readCanonicalForm(*child);
     forEachChild(stamp, "EncapsulatedTimeStamp", [&](const XmlTreeNode& token) {
         read.token = bytesOf(token);
-        if (document.timeStamps.size() < MOST_TIME_STAMPS)
+        if (document.timeStamps.size() < SignatureDocument::MOST_TIME_STAMPS)
             document.timeStamps.push_back(read);
     });
 }

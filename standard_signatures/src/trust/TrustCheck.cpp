@@ -28,8 +28,9 @@ CertificateValidationOptions makeOptions(const VerificationPolicy& policy) {
 TimeStampResults checkOne(const SignatureDocument& document, const StatedTimeStamp& stamp,
                           const CertificateValidationOptions& options, const TrustStore& roots) {
     try {
-        return checkTimeStamp(stamp.token, canonicalize(*document.signatureValue, stamp.form), options,
-                              roots);
+        const std::string content = stamp.form ? canonicalize(*document.signatureValue, *stamp.form)
+                                               : std::string(document.value.begin(), document.value.end());
+        return checkTimeStamp(stamp.token, content, options, roots);
     } catch (const Exception& e) {
         TimeStampResults failure;
         failure.error = e.what();
