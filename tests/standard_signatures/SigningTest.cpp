@@ -2,10 +2,12 @@
 #include "support/Outcome.hpp"
 #include "support/Texts.hpp"
 
+#include <opc/model/ContentType.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/SignaturePolicy.hpp>
 #include <opc/model/SignatureVerdict.hpp>
+#include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 
@@ -152,6 +154,43 @@ TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
         EXPECT_EQ(package.getParts().size(), 4U);
         EXPECT_FALSE(package.hasRelationship(u"rId3"));
     });
+}
+
+/// What others need stays, and what nobody needs any more goes.
+TEST(StandardSigning, RemovesSeveralAtOnce) {
+    Sample sample;
+    const Signer signer = signerOf(SignedSample::usualSigner());
+    for (int i = 0; i < 3; ++i)
+        sign(sample, signer);
+    change(sample, [](model::Package& package) { // one certificate for two of them
+        const model::PartName certificate(u"/_xmlsignatures/c.cer");
+        package.createPart(certificate, model::ContentType(u"application/x-c"), model::StandardPartInfo());
+        for (const char16_t* const name : {u"/_xmlsignatures/sig1.xml", u"/_xmlsignatures/sig2.xml"})
+            package.getPart(model::PartName(name))
+                .createInternalRelationship(u"http://schemas.openxmlformats.org/package/2006/relationships/"
+                                            u"digital-signature/certificate",
+                                            certificate.getURI());
+    });
+    const auto remove = [&sample](const std::vector<std::string>& numbers) {
+        std::vector<std::string> parts;
+        for (const std::string& number : numbers)
+            parts.push_back("/_xmlsignatures/sig" + number + ".xml");
+        change(sample, [&](model::Package& package) { removeSignatures(package, sample.store, parts); });
+        change(sample, [&parts](const model::Package& package) {
+            parts = {std::to_string(package.getParts().size())};
+        });
+        return parts[0] + " parts, " + std::to_string(listSignatures(sample.store).size()) + " signatures";
+    };
+    EXPECT_EQ(remove({"3"}), "8 parts, 2 signatures");
+    EXPECT_EQ(remove({"1"}), "7 parts, 1 signatures");
+    EXPECT_EQ(outcomeOf([&] {
+                  remove({"2", "9"});
+              }),
+              "opc::standard_signatures::SigningRefused: There is no signature /_xmlsignatures/sig9.xml");
+    change(sample, [](model::Package& package) { // as the other profile has it
+        package.createInternalRelationship(u"urn:other", model::URI(u"/_xmlsignatures/origin.sigs"));
+    });
+    EXPECT_EQ(remove({"2"}), "5 parts, 0 signatures");
 }
 
 TEST(StandardSigning, SaysLittleAboutWhoSignsWithoutACertificate) {

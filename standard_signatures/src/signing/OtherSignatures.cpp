@@ -29,10 +29,10 @@ bool signsRelationshipsOfSignatures(const PartReference& reference) {
 
 } // namespace
 
-void throwIfBroken(const std::set<const StoredPart*>& changed, const StoredPart* leaving,
+void throwIfBroken(const std::set<const StoredPart*>& changed, const std::set<const StoredPart*>& leaving,
                    PackageContents& contents, const PackageMap& map) {
     for (const StoredPart* const signature : map.signatures()) {
-        if (signature == leaving)
+        if (leaving.count(signature) != 0)
             continue;
         for (const PartReference& reference : readManifest(*signature, contents))
             if (const StoredPart* const part = contents.find(reference.partName);

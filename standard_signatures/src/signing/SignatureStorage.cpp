@@ -7,12 +7,9 @@
 #include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/ContentType.hpp>
-#include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/model/StandardPartInfo.hpp>
-
-#include <set>
 
 namespace opc::standard_signatures {
 
@@ -82,7 +79,7 @@ std::string addSignature(Package& package, const std::string& document, PackageC
                          const PackageMap& map) {
     const StoredPart* const known = map.origin();
     throwIfBroken(
-        {known == nullptr ? relationshipsOf("/", contents) : relationshipsOf(known->name, contents)}, nullptr,
+        {known == nullptr ? relationshipsOf("/", contents) : relationshipsOf(known->name, contents)}, {},
         contents, map);
     const PartName origin = known == nullptr ? addOrigin(package) : nameOf(*known);
     const PartName name = findFreeName(package, folderOf(origin) + "sig", ".xml");
@@ -91,41 +88,6 @@ std::string addSignature(Package& package, const std::string& document, PackageC
         package.createPart(name, model::ContentType(wide(SIGNATURE_CONTENT_TYPE)), model::StandardPartInfo()),
         document);
     return toUDEString(name.toString());
-}
-
-void removeSignature(Package& package, interfaces::IPhysicalPackage& store, const std::string& part) {
-    PackageContents contents(store);
-    const PackageMap map(contents);
-    const StoredPart* const signature = contents.find(decodePercent(part));
-    std::set<const StoredPart*> changed;
-    for (const MappedRelationship& one : map.relationships())
-        if (one.target == signature && one.values->type == SIGNATURE_RELATIONSHIP)
-            changed.insert(one.document);
-    if (signature == nullptr || changed.empty())
-        throw SigningRefused("There is no signature " + part);
-    const bool isLast = map.signatures().size() == 1;
-    if (isLast)
-        changed.insert(relationshipsOf("/", contents));
-    throwIfBroken(changed, signature, contents, map);
-    const auto remove = [&](const auto& leaves) {
-        for (const MappedRelationship& one : map.relationships())
-            if (one.role == RelationshipRole::OfSignatures && leaves(one)) {
-                const StoredPart* const source = map.sourceOf(one);
-                const std::u16string id = wide(one.values->id);
-                if (source == nullptr)
-                    package.deleteRelationship(id);
-                else if (package.hasPart(nameOf(*source)))
-                    package.getPart(nameOf(*source)).deleteRelationship(id);
-            }
-    };
-    remove([&](const MappedRelationship& one) {
-        return one.target == signature || (isLast && one.values->type == ORIGIN_RELATIONSHIP);
-    });
-    for (const StoredPart* const certificate : map.certificatesOf(*signature))
-        package.deletePart(nameOf(*certificate));
-    package.deletePart(nameOf(*signature));
-    if (isLast && map.origin() != nullptr)
-        package.deletePart(nameOf(*map.origin()));
 }
 
 } // namespace opc::standard_signatures

@@ -251,4 +251,13 @@ bool hasSignatures(interfaces::IPhysicalPackage& store) {
     return map.hasOrigin() || !map.signatures().empty();
 }
 
+std::vector<std::string> listSignatures(interfaces::IPhysicalPackage& store) {
+    PackageContents contents(store);
+    const PackageMap map(contents);
+    std::vector<std::string> names;
+    for (const StoredPart* const part : map.signatures())
+        names.push_back(part->name);
+    return names;
+}
+
 } // namespace opc::standard_signatures

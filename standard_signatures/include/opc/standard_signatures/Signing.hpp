@@ -105,14 +105,20 @@ struct NewSignature {
 OPC_STANDARD_SIGNATURES_EXPORT NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store,
                                                  const Signer& signer, const SigningOptions& options = {});
 
-/// Removes a signature with the relationships that lead to it, its certificate parts, and the origin of signatures with
-/// the last one. It needn't be readable. Close the package to save that. If anything is thrown, abandon the package.
+/// Removes signatures with the relationships that lead to them, their certificate parts unless other relationships lead to
+/// those, and the origin of signatures with the last one. Signatures needn't be readable. Close the package to save that. If
+/// anything is thrown, abandon the package.
 ///
 /// @param package, store  as for `sign`
-/// @param part     the name of the part of the signature
-/// @throws SigningRefused  there is no such signature, or another signature signs the relationships that lead to this one
+/// @param parts    the names of the parts of the signatures
+/// @throws SigningRefused  there is no such signature, or one that stays signs the relationships that lead to these
 /// @throws model::InvalidRelationshipContent, model::InvalidContentTypeStream  as `sign`
 /// @throws opc::Exception  the store fails
+OPC_STANDARD_SIGNATURES_EXPORT void removeSignatures(model::Package& package,
+                                                     interfaces::IPhysicalPackage& store,
+                                                     const std::vector<std::string>& parts);
+
+/// The same for one signature.
 OPC_STANDARD_SIGNATURES_EXPORT void
 removeSignature(model::Package& package, interfaces::IPhysicalPackage& store, const std::string& part);
 

@@ -97,4 +97,9 @@ OPC_STANDARD_SIGNATURES_EXPORT PackageVerification verify(interfaces::IPhysicalP
 /// @param store  as for `verify`
 OPC_STANDARD_SIGNATURES_EXPORT bool hasSignatures(interfaces::IPhysicalPackage& store);
 
+/// The names of the parts of signatures to which relationships lead, in the order in which `verify` has them. Nothing is
+/// verified.
+/// @param store  as for `verify`
+OPC_STANDARD_SIGNATURES_EXPORT std::vector<std::string> listSignatures(interfaces::IPhysicalPackage& store);
+
 } // namespace opc::standard_signatures
