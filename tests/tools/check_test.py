@@ -154,12 +154,12 @@ class Check(OpctoolCase):
         self.assertIn("default-src 'none'", str(page.seen))
 
     def test_own_signatures_are_verified(self):
-        self.do('keygen k', 'sign good.docx --key k.key --public k.pub')
+        self.do('keygen k', 'sign good.docx --profile opcmodel --key k.key --public k.pub')
         rules = 'M6.1 M6.3 M6.7 M6.11 M6.14 M6.16 M6.24 M6.26 M6.30 SEC-71 SEC-72 SEC-74'
         check = 'check --fail-on warning ' + ''.join(' --rule ' + rule for rule in rules.split())
         self.assertEqual(self.do(check + ' good.docx'), '1 file: 0 errors, 0 warnings, 0 infos\n')
         self.write('new', '<w:document xmlns:w="urn:w"/>')
-        self.do('sign bad.docx --key k.key --public k.pub', 'put bad.docx /word/document.xml new --break-signatures',
+        self.do('sign bad.docx --profile opcmodel --key k.key --public k.pub', 'put bad.docx /word/document.xml new --break-signatures',
                 'sign good.docx --key k.key')
         self.assertIn('INFO(M6.30): good.docx!/_xmlsignatures/sig2.xml: ', self.do(check + ' good.docx'))
         self.assertIn('ERROR(M6.30): bad.docx!/_xmlsignatures/sig1.xml: ', self.run_tool(check + ' bad.docx').output)

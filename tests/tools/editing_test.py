@@ -88,7 +88,14 @@ class Editing(OpctoolCase):
         self.assertFalse((self.folder / 'q.zip').exists())
 
     def test_signatures_are_respected(self):
-        self.do('keygen k', 'sign p.docx --key k.key')
+        self.do('keygen k')
+        for profile in '--profile opcmodel', '--all':
+            self.copy_fixture('letter.docx', 'p.docx')
+            self.do('sign p.docx --key k.key ' + profile)
+            with self.subTest(profile):
+                self.assert_respected()
+
+    def assert_respected(self):
         before = self.read('p.docx')
         for command in ('put p.docx /word/settings.xml x', 'rm p.docx /word/settings.xml', 'unrelate p.docx / rId1',
                         f'mv p.docx {DOCUMENT} /d.xml', 'retype p.docx /docProps/app.xml a/b', 'retarget p.docx / rId1 x.xml',

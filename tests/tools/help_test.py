@@ -89,8 +89,8 @@ class Help(OpctoolCase):
         self.write('job.json', '{"opctool": {"job": 1}, "steps": [{"do": "gc"}]}')
         made = self.shell('openssl req -x509 -newkey rsa:2048 -nodes -keyout signer.key -out roots.pem -subj /CN=s && '
                           'openssl pkcs12 -export -inkey signer.key -in roots.pem -passout pass: -out signer.p12 && '
-                          'openssl pkey -in signer.key -pubout -out signer.pub && cp signer.key other.key && '
-                          'cp signer.pub other.pub')
+                          'openssl pkey -in signer.key -pubout -out signer.pub && cp roots.pem signer.pem && '
+                          'cp signer.key other.key && cp signer.pub other.pub')
         self.assertEqual(made.status, 0, made.errors)
         self.do('relate report.docx / urn:t /word/document.xml --id rId7', 'add report.docx /notes/note.txt new.xml --type a/b')
         self.write('thumbnail', 'x')
@@ -104,10 +104,10 @@ class Help(OpctoolCase):
                 shutil.rmtree(self.folder / 'run', ignore_errors=True)
                 shutil.copytree(self.folder / 'start', self.folder / 'run')
                 if command == 'keygen':
-                    os.remove(self.folder / 'run' / 'signer.key')
-                    os.remove(self.folder / 'run' / 'signer.pub')
+                    for name in 'signer.key', 'signer.pub', 'signer.pem':
+                        os.remove(self.folder / 'run' / name)
                 if command in ('countersign', 'coverage', 'unsign', 'verify'):
-                    self.do('sign run/report.docx --key signer.key --public signer.pub')
+                    self.do('sign run/report.docx --profile opcmodel --key signer.key --public signer.pub')
                 if command == 'pack':
                     self.do('unpack run/report.docx run/report')
                 outcome = self.shell(f'cd run && PATH="$PWD/../bin:$PATH" && {line}')

@@ -125,7 +125,7 @@ class Many(OpctoolCase):
             self.assertEqual((error['part'], error['relationship']), (part, relationship), command)
 
     def test_states_of_signatures(self):
-        self.do('keygen k', 'sign a.docx --key k.key', 'sign b.docx --key k.key')
+        self.do('keygen k', 'sign a.docx --profile opcmodel --key k.key', 'sign b.docx --profile opcmodel --key k.key')
         self.write('x', 'x')
         self.do('put b.docx /word/document.xml x --break-signatures')
         shutil.copyfile(self.folder / 'a.docx', self.folder / 'broken.docx')

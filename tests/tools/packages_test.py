@@ -108,7 +108,7 @@ class Packages(OpctoolCase):
                 'ls p.zip', 'rels p.zip', 'info p.zip', 'props p.zip', 'cat p.zip /a.txt', 'coverage p.zip',
                 'props p.zip --set title=t', 'add p.zip /c.txt note.txt --type text/plain', 'put p.zip /a.txt note.txt',
                 'rm p.zip /a.txt', 'relate p.zip /a.txt urn:t http://h/ --external', 'unrelate p.zip / rId1',
-                'sign p.zip --key k.key', 'unsign p.zip --all'):
+                'sign p.zip --profile opcmodel --key k.key', 'unsign p.zip --all'):
             shutil.copyfile(self.folder / 'odd.zip', self.folder / 'p.zip')
             self.assert_failure(command + ' --strict', 'ContentTypeNotFound: No content type was found for part:/b.jpg; '
                                                        '--lenient opens the package all the same', 'p.zip')
@@ -145,7 +145,7 @@ class Packages(OpctoolCase):
         content = bytes(range(256))  # which doesn't compress
         self.write('content', content)
         self.do('keygen k', 'new p.zip', 'add p.zip /a content --type a/b', 'add p.zip /b content --type a/b',
-                'sign p.zip --key k.key --part /a', 'sign p.zip --key k.key --part /b')
+                'sign p.zip --profile opcmodel --key k.key --part /a', 'sign p.zip --key k.key --part /b')
         archive = bytearray(self.read('p.zip'))
         archive[archive.rfind(content)] += 1
         self.write('p.zip', bytes(archive))

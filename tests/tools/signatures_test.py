@@ -69,7 +69,7 @@ class Signatures(OpctoolCase):
         self.assertEqual(self.run_tool('verify p.docx'), (1, 'p.docx has no signatures\n', ''))
         self.assertEqual(self.verify('', 1), [])
 
-        self.assertEqual(self.do('sign p.docx --key k.key --public k.pub --digest sha256'), 'sig1\n')
+        self.assertEqual(self.do('sign p.docx --profile opcmodel --key k.key --public k.pub --digest sha256'), 'sig1\n')
         row = self.verify('--public k.pub', 0)
         self.assertEqual(len(row['time']), 20)
         self.assertEqual([row[key] for key in ('signer', 'digest', 'keySize', 'holds', 'code')],
@@ -77,19 +77,19 @@ class Signatures(OpctoolCase):
         self.assertIn('RSA 2048, sha256  key     holds (0)', self.do('verify p.docx --public k.pub'))
 
         self.assert_failure(
-            'sign p.docx --key k.key --relationship-type /_xmlsignatures/origin.sigs:'
+            'sign p.docx --profile opcmodel --key k.key --relationship-type /_xmlsignatures/origin.sigs:'
             'http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/signature',
             "Exception: The relationships of signatures can't be signed by type; use countersign to sign them", 'p.docx')
-        self.assertEqual(self.do('sign p.docx --key other.key'), 'sig2\n')
-        self.assertEqual(self.do('countersign p.docx --key k.key'), 'sigcountersig\n')
-        self.assertEqual(self.run_tool('countersign p.docx --key k.key').status, 3)
+        self.assertEqual(self.do('sign p.docx --profile opcmodel --key other.key'), 'sig2\n')
+        self.assertEqual(self.do('countersign p.docx --profile opcmodel --key k.key'), 'sigcountersig\n')
+        self.assertEqual(self.run_tool('countersign p.docx --profile opcmodel --key k.key').status, 3)
         self.assertEqual(self.verify('--public k.pub --signature sigcountersig', 0)['code'], 0)
         self.assertEqual(self.verify('--public k.pub', 1)[1]['status'], 'signature value is wrong')
         self.assertEqual(self.verify('--public other.pub --signature sig2', 0)['code'], 0)
 
         self.assert_failure('unsign p.docx sig1',
                             'Exception: A countersignature needs sig1; remove it first with --countersignature', 'p.docx')
-        self.assertEqual(self.run_tool('sign p.docx --key k.key').errors,
+        self.assertEqual(self.run_tool('sign p.docx --profile opcmodel --key k.key').errors,
                          "opctool: p.docx: warning: the countersignature doesn't hold any more\n")
         self.do('unsign p.docx --countersignature', 'unsign p.docx sig1')
         self.assertEqual(len(self.verify('--public k.pub', 1)), 2)
@@ -98,7 +98,7 @@ class Signatures(OpctoolCase):
 
     def test_are_removed_where_a_signed_part_is_missing(self):
         self.write('x', 'content')
-        self.do('add p.docx /x x --type text/plain', 'sign p.docx --key k.key', 'countersign p.docx --key k.key',
+        self.do('add p.docx /x x --type text/plain', 'sign p.docx --profile opcmodel --key k.key', 'countersign p.docx --profile opcmodel --key k.key',
                 'rm p.docx /x --break-signatures')
         self.assertEqual(self.run_tool('unsign p.docx sig1').status, 3)
         self.do('unsign p.docx --all')
@@ -107,7 +107,7 @@ class Signatures(OpctoolCase):
 
     def test_verify_tells_what_has_happened(self):
         self.write('x', 'other content')
-        self.do('keygen small --bits 1024', 'sign p.docx --key k.key --public k.pub')
+        self.do('keygen small --bits 1024', 'sign p.docx --profile opcmodel --key k.key --public k.pub')
         key, full = '--public k.pub', '--public k.pub --require-full'
         before = self.read('p.docx')
         for changes, options, status, code, text in (
@@ -146,9 +146,8 @@ class Signatures(OpctoolCase):
         self.assertEqual(self.run_tool('verify p.docx'), (1, 'p.docx has no signatures\n', ''))
         self.assertEqual(self.verify('', 1), [])
 
-        self.assertEqual(self.run_tool('sign p.docx --key k.key --public k.pub'),
-                         (0, 'sig1\n', "opctool: p.docx: warning: the package has signatures in another form, which "
-                                       "aren't read: they may not hold any more\n"))
+        self.assertEqual(self.run_tool('sign p.docx --profile opcmodel --key k.key --public k.pub'),
+                         (0, 'sig1\n', ''))
         self.assertIn('holds (0)', self.do('verify p.docx --public k.pub'))
         self.assertEqual(self.verify('--public k.pub --signature sig1', 0)['code'], 0)
 
@@ -157,7 +156,7 @@ class Signatures(OpctoolCase):
                       "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
                       "<Relationship Id='r' Type='urn:t' Target=''/></Relationships>")
         place = '/word/_rels/styles.xml.rels#r'
-        signature = self.run_tool('sign p.docx --key k.key --public k.pub')
+        signature = self.run_tool('sign p.docx --profile opcmodel --key k.key --public k.pub')
         self.assertEqual(signature.status, 0)
         self.assertIn('p.docx: warning: no signature covers what other programs may read: ' + place, signature.errors)
         self.do('verify p.docx --public k.pub')
@@ -167,7 +166,7 @@ class Signatures(OpctoolCase):
         self.assertFalse(self.list('coverage p.docx')['content']['full'])
         self.assertEqual(self.run_tool('verify p.docx --public k.pub --strict').status, 3)
 
-        self.do('relate p.docx /word/styles.xml urn:t http://h/ --external', 'sign p.docx --key k.key --public k.pub')
+        self.do('relate p.docx /word/styles.xml urn:t http://h/ --external', 'sign p.docx --profile opcmodel --key k.key --public k.pub')
         self.assertEqual(self.run_tool('verify p.docx --public k.pub').status, 1,
                          'it may be one more of a type that is signed there')
 
@@ -179,10 +178,10 @@ class Signatures(OpctoolCase):
         self.assertEqual(report['signatures'], [])
         self.assertEqual(len(report['uncovered']['parts']), len(report['parts']))
 
-        signature = self.run_tool(f'sign p.docx --key k.key --part {document} --relationship {document}:rId2 '
+        signature = self.run_tool(f'sign p.docx --profile opcmodel --key k.key --part {document} --relationship {document}:rId2 '
                                   f'--relationship-type {document}:{RELATIONSHIPS}styles --relationship-type /a:b.xml:urn:t')
         self.assertEqual(signature.errors, '')
-        self.do(f'sign p.docx --key k.key --part {document} --part {styles}')
+        self.do(f'sign p.docx --profile opcmodel --key k.key --part {document} --part {styles}')
         report = self.list('coverage p.docx')
         self.assertEqual(report['signatures'], ['sig1', 'sig2'])
         self.assertEqual(report['uncovered']['contentTypes'], 'all')
@@ -192,7 +191,7 @@ class Signatures(OpctoolCase):
         self.assertEqual(covered, {document: ['sig1', 'sig2'], styles: ['sig2'], document + ':rId1': ['sig1'],
                                    document + ':rId2': ['sig1'], '/a:b.xml:rId1': ['sig1']})
 
-        self.do('unsign p.docx --all', 'sign p.docx --key k.key')
+        self.do('unsign p.docx --all', 'sign p.docx --profile opcmodel --key k.key')
         report = self.list('coverage p.docx')
         self.assertEqual(report['uncovered']['parts'], ['/_xmlsignatures/origin.sigs', '/_xmlsignatures/sig1.xml'])
         self.assertEqual(len(report['uncovered']['relationships']), 2)
@@ -208,7 +207,7 @@ class Signatures(OpctoolCase):
         self.assertEqual(self.run_tool('verify p.docx --public k.pub --require-full').status, 1)
 
     def test_coverage_excepts_the_keywords(self):
-        self.do('new q.zip', 'props q.zip --set title=t --keyword k', 'sign q.zip --key k.key --public k.pub')
+        self.do('new q.zip', 'props q.zip --set title=t --keyword k', 'sign q.zip --profile opcmodel --key k.key --public k.pub')
         self.assertEqual(self.list('coverage q.zip')['parts'][-1]['except'], 'the first <cp:keywords> element')
         self.do('props q.zip --keyword other --break-signatures', 'verify q.zip --public k.pub')
         self.assertEqual(self.run_tool('verify q.zip --public k.pub --require-full').status, 1)
@@ -225,11 +224,11 @@ class Signatures(OpctoolCase):
         before = self.read('p.docx')
         for refused in (certificate + ' --trust no.pem', certificate, bundle + trust,
                         bundle + trust + ' --password-file k.pub', '--key k.key --cert leaf.pem' + trust):
-            self.assertEqual(self.run_tool('sign p.docx ' + refused).status, 3, refused)
+            self.assertEqual(self.run_tool('sign p.docx --profile opcmodel ' + refused).status, 3, refused)
             self.assertEqual(self.read('p.docx'), before, refused)
-        self.assertEqual(self.do(f'sign p.docx {certificate} --chain ca.pem {trust}'), 'sig1\n')
-        self.assertEqual(self.do(f'sign p.docx {bundle} {trust} --password-file password'), 'sig2\n')
-        self.do(f'countersign p.docx {certificate} {trust}')
+        self.assertEqual(self.do(f'sign p.docx --profile opcmodel {certificate} --chain ca.pem {trust}'), 'sig1\n')
+        self.assertEqual(self.do(f'sign p.docx --profile opcmodel {bundle} {trust} --password-file password'), 'sig2\n')
+        self.do(f'countersign p.docx --profile opcmodel {certificate} {trust}')
 
         wrong = ' --fingerprint ' + 64 * 'a'
         for options, status, code in (
@@ -253,7 +252,7 @@ class Signatures(OpctoolCase):
         revoke = 'ca -config ca.conf -keyfile weak.key -cert weak.pem '
         self.openssl('req -x509 -newkey rsa:1024 -nodes -days 2 -subj /CN=Weak -keyout weak.key -out weak.pem',
                      revoke + '-gencrl -out empty.crl', revoke + '-revoke weak.pem', revoke + '-gencrl -out revoked.crl')
-        sign, trust = 'sign p.docx --key weak.key --cert weak.pem', ' --trust weak.pem'
+        sign, trust = 'sign p.docx --profile opcmodel --key weak.key --cert weak.pem', ' --trust weak.pem'
         self.assertEqual(self.run_tool(sign + trust).status, 3)
         self.do(sign + trust + ' --accept-weak')
         for options, status, code in ('', 1, 11), (' --accept-weak', 0, 0), (' --accept-weak --crl empty.crl', 0, 0), (
@@ -266,9 +265,9 @@ class Signatures(OpctoolCase):
                 ('--key weak.key', '--public weak.pub', 'An RSA key of 1024 bits'),
                 ('--key k.key --public k.pub --digest md5', '--public k.pub', 'The digest md5'),
                 ('--key k.key --digest sha1', '--public k.pub', 'The digest sha1')):
-            self.assert_failure('sign p.docx ' + signer, f'Exception: {refusal} is too weak; use --accept-weak to sign '
+            self.assert_failure('sign p.docx --profile opcmodel ' + signer, f'Exception: {refusal} is too weak; use --accept-weak to sign '
                                                          'with it', 'p.docx')
-            self.do('sign p.docx --accept-weak ' + signer)
+            self.do('sign p.docx --profile opcmodel --accept-weak ' + signer)
             self.assertEqual(self.verify(key, 1)['code'], 11)
             self.assertEqual(len(self.verify(key + ' --accept-weak', 0)['weak']), 1)
             self.do('unsign p.docx --all')
@@ -296,8 +295,8 @@ class Signatures(OpctoolCase):
                  failed + 'No relationship of / has the type urn:none.'),
                 ('--key k.key --relationship-type /none.xml:http://t',
                  'Exception: The package has no part for the source in /none.xml:http://t')):
-            self.assert_failure('sign p.docx ' + options, line, 'p.docx')
-        self.assert_failure('countersign p.docx --key k.key', failed + 'Package has no signatures present, and so cannot be '
+            self.assert_failure('sign p.docx --profile opcmodel ' + options, line, 'p.docx')
+        self.assert_failure('countersign p.docx --profile opcmodel --key k.key', failed + 'Package has no signatures present, and so cannot be '
                                                                        'countersigned.', 'p.docx')
         self.assert_failure('unsign p.docx sig1', 'SignatureNotFound: The provided signature part name is invalid or does '
                                                   'not exist.', 'p.docx')
@@ -308,9 +307,9 @@ class Signatures(OpctoolCase):
                 '--key k.key --public k.pub --cert k.pub', '--key k.key --chain k.pub', '--key k.key --password-file k.pub',
                 '--key k.key --digest sha3', '--key k.key --relationship rId1', '--key k.key --relationship /:',
                 '--key k.key --relationship-type word:urn:t'):
-            self.assert_wrong_usage('sign p.docx ' + options)
+            self.assert_wrong_usage('sign p.docx --profile opcmodel ' + options)
         for arguments in (
-                'keygen', 'keygen n --bits 512', 'countersign p.docx --key k.key --part /a',
+                'keygen', 'keygen n --bits 512', 'countersign p.docx --profile opcmodel --key k.key --part /a',
                 'verify p.docx --public k.pub --trust k.pub', 'verify p.docx --public k.pub --fingerprint 00',
                 'verify p.docx --fingerprint 00', 'unsign p.docx', 'unsign p.docx sig1 --all', 'coverage'):
             self.assert_wrong_usage(arguments)

@@ -1,7 +1,9 @@
 """Signatures in the profile of office programs: verify and coverage."""
+import json
 import os
 import pathlib
 import shutil
+import subprocess
 import tempfile
 import unittest
 import zipfile
@@ -110,7 +112,9 @@ class StandardSignatures(OpctoolCase):
 
     def test_stand_beside_those_of_the_other_profile(self):
         self.do('keygen k')
-        self.assertEqual(self.run_tool('sign p.docx --key k.key --public k.pub').output, 'sig2\n')
+        signed = self.run_tool('sign p.docx --profile opcmodel --key k.key --public k.pub')
+        self.assertEqual(signed[:2], (0, 'sig2\n'))
+        self.assertIn("don't cover this one: they are partial now", signed.errors)
         status, (document,) = self.envelopes('verify p.docx --public k.pub')
         profiles = {row['profile']: row for row in document['result']['signatures']}
         self.assertEqual((status, profiles['opcmodel']['holds']), (1, True))
@@ -118,6 +122,192 @@ class StandardSignatures(OpctoolCase):
         result = self.list('coverage p.docx')
         self.assertEqual((result['profile'], result['standard']['profile']), ('opcmodel', 'standard'))
         self.assertEqual(self.envelopes('coverage p.docx')[0], 0)
+
+
+class StandardSigning(OpctoolCase):
+    """Commands on p.docx, with the keys rsa and ec and their certificates."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.keys = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.keys.cleanup)
+        for arguments in ('rsa --cert Ada', 'ec --ec P-384 --cert Bo', 'old --bits 1024 --cert Old'):
+            subprocess.run([os.environ['OPCTOOL'], 'keygen', *arguments.split()], cwd=cls.keys.name, check=True, capture_output=True)
+
+    def setUp(self):
+        super().setUp()
+        self.copy_fixture('letter.docx', 'p.docx')
+        shutil.copytree(self.keys.name, self.folder, dirs_exist_ok=True)
+
+    def sign(self, options, name='p.docx'):
+        """What JSON says about the new signature."""
+        status, (document,) = self.envelopes(f'sign {name} {options}')
+        self.assertEqual(status, 0, document)
+        return document['result']
+
+    def verify(self, options):
+        """The status, and the only signature or all of them."""
+        status, (document,) = self.envelopes('verify p.docx ' + options)
+        rows = document['result']['signatures']
+        return status, rows[0] if len(rows) == 1 else rows
+
+    def answers(self, row):
+        return ' '.join(row[key]['answer'].replace(' ', '-') for key in ('cryptography', 'coverage', 'trust'))
+
+    def test_each_kind_of_signer(self):
+        made = self.shell("""
+            openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 9 -subj /CN=Root -keyout root.key -out root.pem
+            openssl req -x509 -newkey rsa:2048 -nodes -days 9 -subj /CN=Middle -CA root.pem -CAkey root.key -keyout ca.key -out ca.pem
+            openssl req -x509 -newkey rsa:3072 -nodes -days 9 -subj /CN=Leaf -CA ca.pem -CAkey ca.key -addext basicConstraints=CA:FALSE \\
+                -keyout leaf.key -out leaf.pem
+            openssl pkcs12 -export -inkey leaf.key -in leaf.pem -certfile ca.pem -passout pass:sesame -out leaf.p12
+            openssl pkcs12 -export -inkey ec.key -in ec.pem -passout pass:sesame -out ec.p12
+            cat leaf.pem ca.pem >both.pem && echo sesame >word""")
+        self.assertEqual(made.status, 0, made.errors)
+        for name, signer, trust, method, expected in (
+                ('letter.docx', '--key rsa.key --cert rsa.pem', '--trust rsa.pem', 'RSA with SHA-256', 'valid complete trusted'),
+                ('budget.xlsx', '--key ec.key --cert ec.pem', '--trust ec.pem', 'ECDSA with SHA-256', 'valid complete trusted'),
+                ('talk.pptx', '--key rsa.key --digest sha384', '--trust rsa.pem', 'RSA with SHA-384', 'valid complete unknown'),
+                ('report.docx', '--key rsa.key', '--public rsa.pub', 'RSA with SHA-256', 'valid complete trusted'),
+                ('table.xlsx', '--key ec.key --digest sha512', '--public ec.pub', 'ECDSA with SHA-512', 'valid complete trusted'),
+                ('letter.docx', '--p12 leaf.p12 --password-file word', '--trust root.pem', 'RSA with SHA-256', 'valid complete trusted'),
+                ('letter.docx', '--p12 ec.p12 --password-file word', '--trust ec.pem', 'ECDSA with SHA-256', 'valid complete trusted'),
+                ('letter.docx', '--key leaf.key --cert leaf.pem --chain ca.pem', '--trust root.pem', 'RSA with SHA-256',
+                 'valid complete trusted'),
+                ('letter.docx', '--key leaf.key --cert both.pem', '--trust root.pem', 'RSA with SHA-256', 'valid complete trusted'),
+                ('letter.docx', '--key leaf.key --cert leaf.pem', '--trust root.pem', 'RSA with SHA-256', 'valid complete not-trusted'),
+                ('letter.docx', '--key rsa.key --cert rsa.pem', '', 'RSA with SHA-256', 'valid complete not-checked'),
+                ('letter.docx', '--key old.key --cert old.pem --accept-weak', '--trust old.pem', 'RSA with SHA-256',
+                 'weak complete not-trusted')):
+            self.copy_fixture(name, 'p.docx')
+            signed = self.sign(signer)
+            self.assertEqual(signed, {'name': 'sig1', 'profile': 'standard', 'part': '/_xmlsignatures/sig1.xml', 'coverage': 'complete',
+                                      'unreachable': []}, signer)
+            status, row = self.verify(trust)
+            self.assertEqual((row['digest'], self.answers(row)), (method, expected), signer)
+            self.assertEqual((status, row['yes']), (0, True) if expected == 'valid complete trusted' else (1, False), signer)
+        self.assertEqual(self.verify('--trust old.pem --accept-weak')[0], 0)
+
+    def test_the_profile_is_that_of_the_signatures_which_are_there(self):
+        told = 'opctool: p.docx: the profile is {}, as that of the signatures which the package has; --profile chooses another one\n'
+        partial = "opctool: p.docx: warning: the signatures in the standard's profile don't cover this one: they are partial now\n"
+        before = self.read('p.docx')
+        for first, further, profile, errors in (
+                ('', '', 'standard', told.format('standard')), ('', '--profile standard', 'standard', ''),
+                ('', '--profile opcmodel', 'opcmodel', partial), ('--profile opcmodel', '', 'opcmodel', told.format('opcmodel')),
+                ('--profile opcmodel', '--profile standard', 'standard', '')):
+            self.write('p.docx', before)
+            self.assertEqual(self.run_tool('sign p.docx --key rsa.key ' + first), (0, 'sig1\n', ''))
+            outcome = self.run_tool(f'sign p.docx --key rsa.key --jsonl {further}')
+            self.assertEqual(json.loads(outcome.output)['result']['profile'], profile)
+            self.assertEqual(outcome.errors, errors)
+
+    def test_options_of_the_other_profile_are_wrong_usage(self):
+        before = self.read('p.docx')
+        for arguments, words in (
+                ('sign p.docx --key rsa.key --public rsa.pub', '--public: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --relationship-type /:urn:t', '--relationship-type: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --trust rsa.pem', '--trust: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --digest md5', '--digest md5: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --digest sha1 --profile standard', '--digest sha1: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --digest sha224', '--digest sha224: needs --profile opcmodel'),
+                ('countersign p.docx --key rsa.key', 'countersign: needs --profile opcmodel'),
+                ('sign p.docx --key rsa.key --all --profile opcmodel', '--all: needs --profile standard'),
+                ('sign p.docx --key rsa.key --comment x --profile opcmodel', '--comment: needs --profile standard'),
+                ('sign p.docx --key rsa.key --profile other', '--profile'), ('keygen k --bits 2048 --ec P-256', '--bits'),
+                ('keygen k --ec P-224', '--ec'), ('keygen k --days 5', '--cert'), ('keygen k --cert ""', '--cert'),
+                ('verify p.docx --time soon', '--time')):
+            outcome = self.run_tool(arguments)
+            self.assertEqual(outcome.status, 2, arguments)
+            self.assertIn(words, outcome.errors)
+        self.assertEqual(self.read('p.docx'), before)
+
+    def test_what_is_signed_is_what_was_asked_for(self):
+        self.assertEqual(self.sign('--key rsa.key --part /word/document.xml --relationship /:rId3 -o q.docx')['coverage'], 'partial')
+        self.assertEqual(self.read('p.docx')[:2], b'PK')
+        row = self.envelopes('verify q.docx')[1][0]['result']['signatures'][0]
+        self.assertEqual([row['coverage'][key] for key in ('signedParts', 'signedRelationships')], [1, 1])
+        self.sign('--key rsa.key --all --comment "in <order>"')
+        row = self.verify('')[1]
+        self.assertEqual((row['coverage']['answer'], row['coverage']['byCustom']), ('complete', []))
+        self.assertIn('<SignatureComments>in &lt;order&gt;<', self.do('cat p.docx /_xmlsignatures/sig1.xml'))
+        self.do('props p.docx --set title=new --break-signatures')
+        self.assertEqual(self.verify('')[1]['cryptography']['answer'], 'broken')
+
+    def test_what_nothing_reaches_is_told(self):
+        for name in range(7):
+            self.write('x', 'x')
+            self.do(f'add p.docx /hidden{name}.xml x --type application/xml')
+        outcome = self.run_tool('sign p.docx --key rsa.key --jsonl')
+        self.assertEqual(json.loads(outcome.output)['result']['unreachable'], [f'/hidden{name}.xml' for name in range(7)])
+        self.assertIn('warning: no relationship leads to /hidden0.xml; /hidden1.xml; /hidden2.xml; /hidden3.xml; /hidden4.xml; and 2 more. ',
+                      outcome.errors)
+
+    def test_doubts_about_the_certificate_are_told(self):
+        self.assertEqual(self.shell('openssl req -x509 -key rsa.key -addext keyUsage=keyEncipherment -subj /CN=X -out other.pem').status, 0)
+        for time, name, words in ((86400, 'rsa', 'warning: the certificate is valid only from 2'),
+                                  (9 << 32, 'rsa', 'warning: the certificate is valid only until 2'),
+                                  ('', 'other', "warning: the certificate isn't there for signing")):
+            environment = f'SOURCE_DATE_EPOCH={time}' if time else ''
+            outcome = self.shell(f"{environment} '{self.tool}' sign p.docx --key rsa.key --cert {name}.pem -o q.docx")
+            self.assertEqual(outcome.status, 0)
+            self.assertIn(words, outcome.errors)
+
+    def test_failures_leave_the_file_as_it_was(self):
+        self.write('key.txt', 'no key')
+        refused = 'SigningRefused: '
+        for options, line in (
+                ('--key rsa.key --part /none.xml', refused + 'There is no part /none.xml'),
+                ('--key rsa.key --relationship /:none', refused + 'There is no relationship none of /'),
+                ('--key rsa.key --cert ec.pem', refused + "The certificate isn't that of the private key"),
+                ('--key old.key', refused + 'An RSA key of 1024 bits is too weak')):
+            self.assert_failure('sign p.docx ' + options, line, 'p.docx')
+        outcome = self.run_tool('sign p.docx --key key.txt')
+        self.assertEqual((outcome.status, outcome.errors.startswith('opctool: p.docx: Exception: key.txt: The bytes are no private key')),
+                         (3, True), outcome.errors)
+        self.add_item('p.docx', 'a.unknown')
+        self.assertIn(refused + 'The part /a.unknown has no content type', self.run_tool('sign p.docx --key rsa.key').errors)
+
+    def test_signatures_go_as_they_came(self):
+        before = self.list('ls p.docx')
+        self.do('sign p.docx --key rsa.key --cert rsa.pem', 'sign p.docx --key ec.key --cert ec.pem')
+        self.assertEqual([self.answers(row) for row in self.verify('--trust rsa.pem --trust ec.pem')[1]], 2 * ['valid complete trusted'])
+        self.do('unsign p.docx /_xmlsignatures/sig1.xml')
+        status, row = self.verify('--trust ec.pem')
+        self.assertEqual((status, row['name']), (0, 'sig2'))
+        self.do('sign p.docx --key rsa.key --public rsa.pub --profile opcmodel')  # which is sig1, and signs sig2
+        self.assert_failure('unsign p.docx sig2', 'BreaksSignatures: This would break the signature /_xmlsignatures/sig1.xml', 'p.docx')
+        self.do('unsign p.docx sig1')
+        self.assertEqual(self.verify('--trust ec.pem')[0], 0)
+        self.do('sign p.docx --key rsa.key --profile opcmodel', 'unsign p.docx --all')
+        self.assertEqual(self.list('ls p.docx'), before)
+        self.assertNotIn('digital', self.do('rels p.docx --all'))
+        self.do('sign p.docx --key rsa.key --public rsa.pub --profile opcmodel', 'sign p.docx --key rsa.key --profile standard')
+        self.assert_failure('unsign p.docx sig1', 'BreaksSignatures: This would break the signature /_xmlsignatures/sig2.xml', 'p.docx')
+        self.do('unsign p.docx sig2', 'verify p.docx --public rsa.pub --require-full')
+
+    def test_times_are_those_that_are_asked_for(self):
+        self.do('sign p.docx --key rsa.key --cert rsa.pem')
+        for time, expected in (('now', 'trusted'), ('2020-02-29', 'not trusted'), ('2020-02-29T13:45Z', 'not trusted')):
+            trust = self.verify('--trust rsa.pem --time ' + time)[1]['trust']
+            self.assertEqual((trust['answer'], trust['timeFrom']), (expected, 'caller'))
+        self.assertEqual(trust['time'], '2020-02-29T13:45:00Z')
+        self.assertEqual(self.verify('--trust rsa.pem')[1]['trust']['timeFrom'], 'now')
+
+    def test_the_same_input_gives_the_same_file(self):
+        for name in 'ab':
+            self.assertEqual(self.shell(f"SOURCE_DATE_EPOCH=86400 '{self.tool}' sign p.docx --key rsa.key -o {name}.docx").status, 0)
+        self.assertEqual(self.read('a.docx'), self.read('b.docx'))
+        self.assertEqual(self.envelopes('verify a.docx')[1][0]['result']['signatures'][0]['time'], '1970-01-02T00:00:00Z')
+        before = self.read('p.docx')
+        for arguments in 'sign p.docx --key rsa.key', 'sign p.docx --key rsa.key --profile opcmodel', 'unsign p.docx --all':
+            self.do(arguments + ' -n')
+            self.assertEqual(self.read('p.docx'), before, arguments)
+
+    def test_find_nothing_wrong_with_what_is_signed_here(self):
+        self.do('sign p.docx --key ec.key --cert ec.pem', 'sign p.docx --key rsa.key')
+        rules = {finding['rule'] for finding in self.list('check p.docx --profile all')['findings'] if finding['severity'] != 'info'}
+        self.assertEqual(rules & {rule for rule in rules if rule.startswith('M6') or rule.startswith('SEC-7')}, set())
 
 
 if __name__ == '__main__':

@@ -13,7 +13,8 @@ USUAL_COMMANDS = ['--version', '--help', 'check letter.docx',
 CHANGING_COMMANDS = ['new n.zip', 'add n.zip /a.txt note.txt --type text/plain', 'relate n.zip / urn:a /a.txt',
                      'put n.zip /a.txt note.txt', 'add letter.docx /a.text note.txt --type text/plain', 'relate letter.docx / urn:a /a.text',
                      'rm letter.docx /a.text', 'rm n.zip /a.txt']
-CRYPTO_COMMANDS = ['keygen b', 'verify --public a.pub p.zip', 'check p.zip']
+CRYPTO_COMMANDS = ['keygen b', 'verify --public a.pub p.zip', 'check p.zip', 'sign letter.docx --key a.key -o new.docx',
+                   'verify --public a.pub signed.docx']
 
 
 class StartUp(OpctoolCase):
@@ -22,7 +23,7 @@ class StartUp(OpctoolCase):
         self.copy_fixture('letter.docx', 'letter.docx')
         self.write('note.txt', 'note')
         self.do('keygen a', 'new p.zip', 'add p.zip /note.txt note.txt --type text/plain', 'props p.zip --set title=T',
-                'sign p.zip --key a.key --public a.pub',
+                'sign p.zip --profile opcmodel --key a.key --public a.pub', 'sign letter.docx --key a.key -o signed.docx',
                 'new odd.zip', 'relate odd.zip / urn:example:a "http://user@[::1]/" --external')
 
     def test_a_library_is_loaded_by_what_needs_it(self):
@@ -38,7 +39,7 @@ class StartUp(OpctoolCase):
         without = 'LD_LIBRARY_PATH=.:$LD_LIBRARY_PATH '
         for library, needing, message in (
                 ('xerces', ['ls odd.zip'], "The XML parser can't be loaded: "),
-                ('openssl', ['keygen c', 'sign letter.docx --key a.key --public a.pub', 'verify p.zip --public a.pub',
+                ('openssl', ['keygen c', 'sign letter.docx --profile opcmodel --key a.key', 'sign letter.docx --key a.key', 'verify p.zip --public a.pub',
                              'verify p.zip --trust a.pub', 'check p.zip'], "OpenSSL can't be loaded: ")):
             module = f'libopcmodel_{library}.so.{version}'
             self.write(module, '')

@@ -43,6 +43,9 @@ public:
     /// Writes the package, which has been closed, to the target of the run if there is one.
     void deliver() const;
 
+    /// The archive itself, with what it holds as it lies. It is open while this store is.
+    opc::interfaces::IPhysicalPackage& asItLies() { return archive; }
+
     /// Opens the archive itself, calls `read` with it, and closes it. Call it while the package is closed.
     void readAsItLies(const std::function<void(opc::interfaces::IPhysicalPackage&)>& read);
 

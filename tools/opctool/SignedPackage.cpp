@@ -2,10 +2,12 @@
 
 #include "FileRun.hpp"
 
+#include <opc/standard_signatures/Verification.hpp>
+
 namespace opctool {
 
 SignedPackage::SignedPackage(FileRun& run, opc::interfaces::OpenMode mode)
-    : file(run), package(file), manager(package) {
+    : run(run), file(run), package(file), manager(package) {
     file.open(package, mode);
 }
 
@@ -14,9 +16,22 @@ PackageFile& SignedPackage::closeUnchanged() {
     return file;
 }
 
+bool SignedPackage::hasOwnSignatures() const {
+    return !package
+                .getRelationshipsByType(
+                    u"http://schemas.openxmlformats.org/package/2006/relationships/digitalsignature/origin")
+                .empty();
+}
+
+std::vector<std::string> SignedPackage::standardSignatures() {
+    return opc::standard_signatures::listSignatures(file.asItLies());
+}
+
 void SignedPackage::save() {
-    package.close(false);
-    file.deliver();
+    const bool abandons = run.options().dryRun;
+    package.close(abandons);
+    if (!abandons)
+        file.deliver();
 }
 
 } // namespace opctool

@@ -37,7 +37,7 @@ std::vector<std::string> digestNames() {
 /// @throws opc::Exception  they are weak, and that isn't accepted
 SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySize) {
     const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS), [&](const Digest& entry) {
-        return entry.name == arguments.digest;
+        return entry.name == (arguments.digest.empty() ? "sha512" : arguments.digest);
     });
     const SignatureParams params(digest->method, opc::model::keySizeToSignatureMethod(keySize));
     const auto refuse = [](const std::string& what) {
@@ -61,7 +61,10 @@ std::string nameOf(DigestMethod method) {
 void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
     CLI::App* signer = command.add_option_group("Signer", "Who signs");
     CLI::Option* key =
-        signer->add_option("--key", arguments.key, "A private RSA key, PEM or DER, without a password")
+        signer
+            ->add_option(
+                "--key", arguments.key,
+                "A private key of RSA or, in the profile standard, EC; PEM or DER, without a password")
             ->check(CLI::ExistingFile);
     CLI::Option* bundle =
         signer->add_option("--p12", arguments.bundle, "A PKCS#12 bundle of a key and its certificates")
@@ -74,15 +77,14 @@ void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
                         "the file are added to the chain")
             ->check(CLI::ExistingFile)
             ->needs(key);
-    CLI::Option* publicKey =
-        command
-            .add_option(
-                "--public", arguments.publicKey,
-                "The public half of --key, for the signature; without it and without --cert the signature "
-                "says nothing about the signer")
-            ->check(CLI::ExistingFile)
-            ->needs(key)
-            ->excludes(certificate);
+    CLI::Option* publicKey = command
+                                 .add_option("--public", arguments.publicKey,
+                                             "The public half of --key, for the signature, in the profile "
+                                             "opcmodel; without it and without "
+                                             "--cert the signature says nothing about the signer")
+                                 ->check(CLI::ExistingFile)
+                                 ->needs(key)
+                                 ->excludes(certificate);
     command.add_option("--chain", arguments.chain, "Further certificates for the signature, PEM or DER")
         ->check(CLI::ExistingFile)
         ->needs(certificate);
@@ -91,11 +93,14 @@ void addSigningOptions(CLI::App& command, SigningArguments& arguments) {
                     "A file with the password of the bundle in its first line; without it, opctool asks")
         ->check(CLI::ExistingFile)
         ->needs(bundle);
-    command.add_option("--digest", arguments.digest, "The digest algorithm")
-        ->check(CLI::IsMember(digestNames()))
-        ->capture_default_str();
+    command
+        .add_option(
+            "--digest", arguments.digest,
+            "The digest algorithm. The default is sha256, and sha512 in the profile opcmodel, which alone "
+            "has md5, sha1 and sha224")
+        ->check(CLI::IsMember(digestNames()));
     for (CLI::Option* option : addTrustOptions(command, arguments.trust))
-        option->excludes(publicKey);
+        option->excludes(publicKey)->description(option->get_description() + "; in the profile opcmodel");
 }
 
 SigningMaterial::SigningMaterial(const SigningArguments& arguments)

@@ -24,13 +24,13 @@ struct SigningArguments {
     std::string chain;
     std::string bundle;
     std::string passwordFile;
-    std::string digest = nameOf(opc::model::DigestMethod::SHA512);
+    std::string digest; ///< empty for the profile's default
     Trust trust;
 };
 
 void addSigningOptions(CLI::App& command, SigningArguments& arguments);
 
-/// The material for signing: a key, a key and its certificate, or a bundle of both.
+/// The material for signing in the library's own profile: a key, a key and its certificate, or a bundle of both.
 class SigningMaterial {
 public:
     /// Reads the files, and asks for the bundle's password if no file has it.

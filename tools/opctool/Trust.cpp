@@ -2,8 +2,13 @@
 
 #include "KeyFiles.hpp"
 #include "RepeatableOption.hpp"
+#include "SourceDate.hpp"
+
+#include <opc/core/Text.hpp>
+#include <opc/core/Time.hpp>
 
 #include <CLI/CLI.hpp>
+#include <boost/date_time/posix_time/conversion.hpp>
 
 namespace opctool {
 
@@ -13,6 +18,11 @@ using bedrock::certificates::TrustStore;
 namespace {
 
 constexpr const char* SYSTEM = "system";
+constexpr const char* NOW = "now";
+
+boost::posix_time::ptime parseTime(const std::string& text) {
+    return opc::convertStringToTime(opc::toString(text, true));
+}
 
 } // namespace
 
@@ -33,6 +43,12 @@ std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
             ->check(CLI::ExistingFile)};
 }
 
+std::string checkTime(const std::string& text) {
+    return text == NOW || !parseTime(text).is_special()
+               ? ""
+               : text + " isn't a time; write 2024-02-29, 2024-02-29T13:45Z or now";
+}
+
 TrustStore makeTrustStore(const Trust& trust) {
     TrustStore store;
     for (const std::string& file : trust.files)
@@ -47,6 +63,10 @@ CertificateValidationOptions makeValidationOptions(const Trust& trust) {
     CertificateValidationOptions options;
     options.setAcceptingWeakKeys(trust.acceptWeak);
     options.setAcceptingWeakDigests(trust.acceptWeak);
+    if (!trust.time.empty())
+        options.setCheckTime(trust.time == NOW ? presentTime()
+                                               : std::chrono::system_clock::from_time_t(
+                                                     boost::posix_time::to_time_t(parseTime(trust.time))));
     for (const std::string& file : trust.revocationLists)
         options.addRevocationList(readFile(file));
     return options;

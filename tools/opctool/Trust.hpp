@@ -18,10 +18,15 @@ struct Trust {
     std::vector<std::string> files;
     std::vector<std::string> revocationLists;
     bool acceptWeak = false;
+    std::string time; ///< when certificates must be valid; may be empty
 };
 
 /// @return the options about certificates alone
 std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust);
+
+/// Whether a text is a time that `makeValidationOptions` reads.
+/// @return empty, or what is wrong
+std::string checkTime(const std::string& text);
 
 /// Empty if nothing was given. In the library's own profile that means the system's certificates.
 bedrock::certificates::TrustStore makeTrustStore(const Trust& trust);

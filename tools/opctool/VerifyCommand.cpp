@@ -103,7 +103,7 @@ std::string checkFingerprint(const std::string& fingerprint) {
 
 SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
     if (!arguments.publicKey.empty())
-        return SignaturePolicy::byPublicKey(readPublicKey(arguments.publicKey)->getAsByteArray());
+        return SignaturePolicy::byPublicKey(readAnyPublicKey(arguments.publicKey));
     FingerprintStore fingerprints;
     for (const std::string& fingerprint : arguments.fingerprints)
         fingerprints.addFingerprint(fingerprint);
@@ -130,7 +130,7 @@ StandardRequirements makeStandardRequirements(const Arguments& arguments) {
     for (const std::string& fingerprint : arguments.fingerprints)
         trust.fingerprints.push_back(lowerCase(fingerprint));
     if (!arguments.publicKey.empty())
-        trust.publicKeys.push_back(readPublicKey(arguments.publicKey)->getAsByteArray());
+        trust.publicKeys.push_back(readAnyPublicKey(arguments.publicKey));
     return made;
 }
 
@@ -387,7 +387,7 @@ void declare(CLI::App& command) {
     CLI::Option* publicKey =
         command
             .add_option("--public", arguments->publicKey,
-                        "The signer's public RSA key, PEM or DER; certificates are ignored then")
+                        "The signer's public key, PEM or DER; certificates are ignored then")
             ->check(CLI::ExistingFile)
             ->type_name("FILE");
     for (CLI::Option* option : addTrustOptions(command, arguments->trust))
@@ -412,6 +412,14 @@ void declare(CLI::App& command) {
         ->delimiter(',')
         ->check(CLI::IsMember({COMPLETE, TRUSTED}))
         ->type_name("LIST");
+    command
+        .add_option("--time", arguments->trust.time,
+                    "When certificates must be valid, such as 2024-02-29; now is the present time. Without "
+                    "this option "
+                    "it is now, in the library's own profile the time that the signer claims. A trusted time "
+                    "stamp of the signature goes before it")
+        ->check(checkTime)
+        ->type_name("TIME");
     command.add_flag("--accept-missing-null", arguments->acceptMissingNull,
                      "Accept RSA values without a NULL that others require, which some programs made; in the "
                      "standard's profile");

@@ -159,9 +159,8 @@ constexpr Rule RULES[] = {
      "Signatures have the standard's form, which office programs write, or that of opcmodel. The two have "
      "different "
      "relationship types.",
-     "opctool sign writes the form of opcmodel.", "",
-     "Office programs don't see signatures in opcmodel's form. opctool verify doesn't read the standard's.",
-     "Nothing."},
+     "opctool sign --profile opcmodel writes the form of opcmodel.", "",
+     "Office programs don't see signatures in opcmodel's form. opctool verify reads both.", "Nothing."},
     {"SEC-74", "Weak algorithm or key", Severity::Warning, SECURITY, "M6.17",
      "Signatures and digests aren't made by MD5, SHA-1, RIPEMD, DSA or a keyed digest, and RSA keys have at "
      "least 2,048 "

@@ -62,8 +62,9 @@ public:
             if (isCertificateThatGoes(one) && package.hasPart(nameOf(*one.target)))
                 package.deletePart(nameOf(*one.target));
         for (const StoredPart* const signature : leaving)
-            package.deletePart(nameOf(*signature));
-        if (areAll && map.origin() != nullptr && stillUsed.count(map.origin()) == 0)
+            if (map.isExempt(*signature)) // a relationship can also say of content that it were a signature
+                package.deletePart(nameOf(*signature));
+        if (areAll && map.origin() != nullptr && map.isExempt(*map.origin()))
             package.deletePart(nameOf(*map.origin()));
     }
 
@@ -77,8 +78,8 @@ private:
 
     bool isCertificateThatGoes(const MappedRelationship& one) const {
         return one.values->type == CERTIFICATE_RELATIONSHIP && one.target != nullptr &&
-               leaving.count(map.sourceOf(one)) != 0 && leaving.count(one.target) == 0 &&
-               stillUsed.count(one.target) == 0;
+               leaving.count(map.sourceOf(one)) != 0 && map.isExempt(*one.target) &&
+               leaving.count(one.target) == 0 && stillUsed.count(one.target) == 0;
     }
 
     PackageContents& contents;

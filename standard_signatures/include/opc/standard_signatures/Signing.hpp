@@ -105,9 +105,9 @@ struct NewSignature {
 OPC_STANDARD_SIGNATURES_EXPORT NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store,
                                                  const Signer& signer, const SigningOptions& options = {});
 
-/// Removes signatures with the relationships that lead to them, their certificate parts unless other relationships lead to
-/// those, and the origin of signatures with the last one. Signatures needn't be readable. Close the package to save that. If
-/// anything is thrown, abandon the package.
+/// Removes signatures with the relationships that lead to them, their certificate parts unless others use those, and the
+/// origin of signatures with the last one. Signatures needn't be readable. A part stays if it isn't what the relationships say,
+/// or if content leads to it. Close the package to save that. If anything is thrown, abandon the package.
 ///
 /// @param package, store  as for `sign`
 /// @param parts    the names of the parts of the signatures

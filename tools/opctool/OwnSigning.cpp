@@ -1,29 +1,24 @@
-#include "Commands.hpp"
-#include "Envelope.hpp"
-#include "Files.hpp"
+#include "OwnSigning.hpp"
+
+#include "FileRun.hpp"
 #include "OpenedPackage.hpp"
-#include "RepeatableOption.hpp"
+#include "SignatureAdditions.hpp"
 #include "SignedPackage.hpp"
-#include "SigningMaterial.hpp"
+#include "SigningProfile.hpp"
+#include "SigningResult.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
-#include <opc/model/Errors.hpp>
 #include <opc/model/PackageCoverage.hpp>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <memory>
-#include <string>
+#include <optional>
 #include <utility>
-#include <vector>
 
 namespace opctool {
 
 namespace {
 
-using opc::interfaces::OpenMode;
 using opc::model::DigitalSignature;
 using opc::model::DigitalSignatureManager;
 using opc::model::ExcludeMode;
@@ -41,15 +36,6 @@ using opc::model::URI;
 struct Selection {
     std::vector<PartName> parts;
     std::vector<RelationshipSelector> selectors;
-};
-
-struct SignArguments {
-    SigningArguments signing;
-    std::vector<std::string> parts;
-    std::vector<std::string> relationships;
-    std::vector<std::string> relationshipTypes;
-
-    bool selectsAll() const { return parts.empty() && relationships.empty() && relationshipTypes.empty(); }
 };
 
 /// Everything except the signatures themselves; relationships are selected by their types.
@@ -72,12 +58,6 @@ Selection selectAll(const Package& package) {
     }
     select(package);
     return selection;
-}
-
-std::string checkSelector(const std::string& argument) {
-    const bool isSound = !argument.empty() && argument.front() == '/' &&
-                         argument.find(':') != std::string::npos && argument.back() != ':';
-    return isSound ? "" : "Write SOURCE:VALUE; SOURCE begins with a slash";
 }
 
 /// The end of SOURCE in SOURCE:TYPE. Both can have colons: SOURCE is the shortest one that the package has.
@@ -105,7 +85,7 @@ void throwIfOfSignatures(const RelationshipSelector& selector, const DigitalSign
 
 Selection select(const SignArguments& arguments, const Package& package,
                  const DigitalSignatureManager& signatures) {
-    if (arguments.selectsAll())
+    if (arguments.choosesNothing())
         return selectAll(package);
     Selection selection;
     for (const std::string& name : arguments.parts)
@@ -133,126 +113,75 @@ std::string describeIgnored(const PackageCoverage& coverage) {
     return text;
 }
 
-void sign(FileRun& run, const SignArguments& arguments) {
+void throwIfOfOtherProfile(const SignArguments& arguments) {
+    if (arguments.all)
+        refuseUnlessProfile("--all", Profile::Standard);
+    if (!arguments.comment.empty())
+        refuseUnlessProfile("--comment", Profile::Standard);
+}
+
+/// What becomes of the signatures in the standard's profile.
+class OtherSignatures {
+public:
+    /// @param package  before it is signed
+    explicit OtherSignatures(SignedPackage& package) : parts(package.standardSignatures()) {
+        if (!parts.empty())
+            additions.emplace(*package);
+    }
+
+    /// @param package  after it was signed, and before it is saved
+    void findBroken(SignedPackage& package) {
+        if (!additions)
+            return;
+        for (std::string& part : additions->findBroken(*package))
+            if (std::find(parts.begin(), parts.end(), part) != parts.end())
+                broken.push_back(std::move(part));
+    }
+
+    void tell(FileRun& run) const {
+        for (const std::string& part : broken)
+            run.tell("warning: the signature " + part + " doesn't hold any more");
+        if (broken.size() < parts.size())
+            run.tell(
+                "warning: the signatures in the standard's profile don't cover this one: they are partial "
+                "now");
+    }
+
+private:
+    std::vector<std::string> parts;
+    std::optional<SignatureAdditions> additions;
+    std::vector<std::string> broken;
+};
+
+} // namespace
+
+void signInOwnProfile(FileRun& run, SignedPackage& package, const SignArguments& arguments) {
+    throwIfOfOtherProfile(arguments);
     const SigningMaterial material(arguments.signing);
-    SignedPackage package(run, OpenMode::ReadWrite);
+    OtherSignatures others(package);
     DigitalSignatureManager& signatures = package.signatures();
     const Selection selection = select(arguments, *package, signatures);
     const DigitalSignature signature = material.apply([&](const auto&... signer) {
         return signatures.sign(selection.parts, selection.selectors, signer...);
     });
     const bool breaksCountersignature = signatures.isPackageCountersigned();
-    const bool carriesForeign = signatures.hasForeignSignatures();
     const std::string ignored = describeIgnored(signatures.computeCoverage({signature}));
+    others.findBroken(package);
     package.save();
     if (!ignored.empty())
         run.tell("warning: no signature covers what other programs may read: " + ignored);
     if (breaksCountersignature)
         run.tell("warning: the countersignature doesn't hold any more");
-    if (carriesForeign)
-        run.tell("warning: the package has signatures in another form, which aren't read: they may not hold "
-                 "any more");
-    run.printName(opc::toUDEString(signature.getName()));
+    others.tell(run);
+    print(run, {opc::toUDEString(signature.getName()), Profile::OpcModel, {}, {}, {}});
 }
 
-void countersign(FileRun& run, const SignArguments& arguments) {
+void countersign(FileRun& run, SignedPackage& package, const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
-    SignedPackage package(run, OpenMode::ReadWrite);
     const DigitalSignature signature = material.apply(
         [&](const auto&... signer) { return package.signatures().countersignAllSignatures(signer...); });
     package.save();
     run.printName(opc::toUDEString(signature.getName()));
 }
-
-struct UnsignArguments {
-    std::string name;
-    bool all = false;
-    bool countersignature = false;
-};
-
-void unsign(FileRun& run, const UnsignArguments& arguments) {
-    SignedPackage package(run, OpenMode::ReadWrite);
-    DigitalSignatureManager& signatures = package.signatures();
-    if (arguments.all) {
-        signatures.discardSignatures();
-    } else if (arguments.countersignature) {
-        signatures.removeCountersignature();
-    } else {
-        const DigitalSignature signature = signatures.getSignature(fromArgument(arguments.name));
-        if (signatures.isPackageCountersigned() &&
-            signature.getName() != signatures.getCountersignature().getName())
-            throw opc::Exception("A countersignature needs " + arguments.name +
-                                 "; remove it first with --countersignature");
-        signatures.removeSignature(signature);
-    }
-    package.save();
-}
-
-void declareSign(CLI::App& command) {
-    const auto arguments = std::make_shared<SignArguments>();
-    const auto files = addChangedFile(command, SIGN);
-    addSigningOptions(command, arguments->signing);
-    const char* const group = "What is signed; without these options, everything";
-    addRepeatable(&command, "--part", arguments->parts, "A part's name")->type_name("NAME")->group(group);
-    addRepeatable(&command, "--relationship", arguments->relationships,
-                  "One relationship; SOURCE is a part name, or \"/\" for the package")
-        ->check(checkSelector)
-        ->type_name("SOURCE:ID")
-        ->group(group);
-    addRepeatable(&command, "--relationship-type", arguments->relationshipTypes,
-                  "All relationships of this type")
-        ->check(checkSelector)
-        ->type_name("SOURCE:TYPE")
-        ->group(group);
-    command.callback([files, arguments] { files->run([&](FileRun& run) { sign(run, *arguments); }); });
-}
-
-void declareCountersign(CLI::App& command) {
-    const auto arguments = std::make_shared<SignArguments>();
-    const auto files = addChangedFile(command, COUNTERSIGN);
-    addSigningOptions(command, arguments->signing);
-    command.callback([files, arguments] { files->run([&](FileRun& run) { countersign(run, *arguments); }); });
-}
-
-void declareUnsign(CLI::App& command) {
-    const auto arguments = std::make_shared<UnsignArguments>();
-    const auto files = addChangedFile(command, UNSIGN);
-    CLI::App* which = command.add_option_group("Which", "What is removed");
-    which->add_option("NAME", arguments->name, "The name of a signature, such as sig1")->type_name("");
-    which->add_flag("--all", arguments->all, "All signatures, also those that can't be read");
-    which->add_flag("--countersignature", arguments->countersignature,
-                    "The countersignature, if the package has one");
-    which->require_option(1);
-    command.callback([files, arguments] { files->run([&](FileRun& run) { unsign(run, *arguments); }); });
-}
-
-} // namespace
-
-const Command SIGN{
-    "sign",
-    "Sign a package, or parts and relationships of it",
-    declareSign,
-    "The name of the new signature is printed. opctool coverage says what a signature protects.",
-    "opctool sign report.docx --key signer.key --public signer.pub\n"
-    "opctool sign report.docx --p12 signer.p12 --trust roots.pem",
-    "",
-    NAME_SCHEMA};
-
-const Command COUNTERSIGN{"countersign",
-                          "Sign all signatures of a package",
-                          declareCountersign,
-                          "The name of the countersignature is printed. Adding a signature later breaks it.",
-                          "opctool countersign report.docx --key other.key --public other.pub",
-                          "",
-                          NAME_SCHEMA};
-
-const Command UNSIGN{"unsign",
-                     "Remove signatures",
-                     declareUnsign,
-                     "",
-                     "opctool unsign report.docx sig1\n"
-                     "opctool unsign report.docx --all -o unsigned.docx",
-                     "",
-                     NAME_SCHEMA};
 
 } // namespace opctool
