@@ -37,17 +37,16 @@ class Mending(OpctoolCase):
         self.assertEqual(self.read('p.zip'), b'no package')
 
     def test_a_file_that_others_save_meanwhile_is_left_to_them(self):
-        """A content that doesn't fit into a pipe is only taken once the package is open. Names of the package with -o, too."""
+        """The content is only opened once the package is open. With -o, a name of the package itself is no other file."""
         os.symlink('p.zip', self.folder / 'link.zip')
-        for arguments in 'p.zip /a.bin -', 'p.zip /a.bin - -o ./link.zip', 'link.zip /a.bin - -o p.zip':
-            process = subprocess.Popen([self.tool, 'put', *arguments.split()], cwd=self.folder, stdin=subprocess.PIPE,
-                                       stderr=subprocess.PIPE)
-            process.stdin.write(bytes(1 << 20))
-            self.do('relate p.zip / urn:t https://example.com/ --external')
-            others = self.read('p.zip')
-            errors = process.communicate()[1].decode()
-            self.assertIn('PackageCloseFailed: has been changed by another program', errors, arguments)
-            self.assertEqual((process.returncode, self.read('p.zip')), (3, others), arguments)
+        os.mkfifo(self.folder / 'pipe')
+        for arguments in 'p.zip /a.bin pipe', 'p.zip /a.bin pipe -o ./link.zip', 'link.zip /a.bin pipe -o p.zip':
+            with subprocess.Popen([self.tool, 'put', *arguments.split()], cwd=self.folder, stderr=subprocess.PIPE) as process:
+                with open(self.folder / 'pipe', 'wb'):
+                    self.do('relate p.zip / urn:t https://example.com/ --external')
+                    others = self.read('p.zip')
+                self.assertIn(b'PackageCloseFailed: has been changed by another program', process.communicate()[1], arguments)
+                self.assertEqual((process.returncode, self.read('p.zip')), (3, others), arguments)
 
     def test_clean_lists_what_goes_and_what_remains(self):
         self.do('props p.zip --set creator=me', 'props p.zip --custom --set a=b', 'props p.zip --extended --set Company=c')
