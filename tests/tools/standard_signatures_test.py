@@ -246,7 +246,7 @@ class StandardSigning(OpctoolCase):
     def test_doubts_about_the_certificate_are_told(self):
         self.assertEqual(self.shell('openssl req -x509 -key rsa.key -addext keyUsage=keyEncipherment -subj /CN=X -out other.pem').status, 0)
         for time, name, words in ((86400, 'rsa', 'warning: the certificate is valid only from 2'),
-                                  (9 << 32, 'rsa', 'warning: the certificate is valid only until 2'),
+                                  (9000000000, 'rsa', 'warning: the certificate is valid only until 2'),
                                   ('', 'other', "warning: the certificate isn't there for signing")):
             environment = f'SOURCE_DATE_EPOCH={time}' if time else ''
             outcome = self.shell(f"{environment} '{self.tool}' sign p.docx --key rsa.key --cert {name}.pem -o q.docx")
