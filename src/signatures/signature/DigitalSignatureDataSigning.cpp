@@ -136,8 +136,10 @@ void DigitalSignatureData::addRelationshipReferences(const DataToSign& data) {
     if (data.selectors.empty())
         return;
     std::map<URI, Reference> references;
+    auto recent = references.end(); // the next source is mostly this one or a later one
     for (const RelationshipSelector& selector : data.selectors) {
-        Reference& reference = references[selector.getSourceURI()];
+        recent = references.try_emplace(recent, selector.getSourceURI());
+        Reference& reference = recent->second;
         auto& criteria = selector.getSelectorType() == RelationshipSelectorType::SourceId
                              ? reference.relationshipReferences
                              : reference.relationshipGroupReferences;
