@@ -154,6 +154,9 @@ change property title in /metadata/coreProperties.xml from "first" to "second"
     EXPECT_EQ(apply(R"({"do":"props","set":{"subject":"s"},"unset":["no"]})"),
               "opc::Exception: no is no core property");
     EXPECT_EQ(apply(R"({"do":"props","set":{"modified":"soon"}})"), "opc::Exception: soon isn't a time");
+    EXPECT_EQ(apply(R"({"do":"props","set":{"title":"again"}})"), "");
+    EXPECT_NE(apply(R"({"do":"props","set":{"title":"\u0001"}})"), ""); // which changes nothing
+    EXPECT_EQ(*PackageHelper::getCoreProperties(package).getTitle(), u"again");
     EXPECT_EQ(apply(R"({"do":"props","clear":true})"), "");
     EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
 }

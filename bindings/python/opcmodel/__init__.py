@@ -75,3 +75,59 @@ from ._values import IgnoredItem as IgnoredItem
 from ._values import Limits as Limits
 from ._values import Oddity as Oddity
 from ._types import RT as RT
+from ._inspection import (
+    Report as Report,
+    check as check,
+    content_hash as content_hash,
+    detect as detect,
+    diff as diff,
+    diff_part as diff_part,
+    flat_text as flat_text,
+    repair as repair,
+    repaired as repaired,
+    rules as rules,
+)
+from ._properties import (
+    CoreProperties as CoreProperties,
+    OfficeProperties as OfficeProperties,
+)
+from ._signatures import (
+    Coverage as Coverage,
+    Covered as Covered,
+    Cryptography as Cryptography,
+    JudgedSignature as JudgedSignature,
+    NewSignature as NewSignature,
+    Reason as Reason,
+    Reference as Reference,
+    Signature as Signature,
+    SignatureCoverage as SignatureCoverage,
+    Trust as Trust,
+    Unsigned as Unsigned,
+    Verification as Verification,
+    VerifiedSignature as VerifiedSignature,
+    coverage as coverage,
+    sign as sign,
+    signatures as signatures,
+    verify as verify,
+)
+from ._store import (
+    Store as Store,
+)
+from ._values import (
+    Change as Change,
+    ChangeState as ChangeState,
+    Comparison as Comparison,
+    ContentDifference as ContentDifference,
+    ContentDifferences as ContentDifferences,
+    ContentHash as ContentHash,
+    ContentVersion as ContentVersion,
+    Finding as Finding,
+    Format as Format,
+    Hunk as Hunk,
+    Mended as Mended,
+    Mending as Mending,
+    PropertyDifference as PropertyDifference,
+    RelationshipDifference as RelationshipDifference,
+    RelationshipVersion as RelationshipVersion,
+    Rule as Rule,
+)

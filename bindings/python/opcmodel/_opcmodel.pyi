@@ -41,7 +41,7 @@ class PartReader:
 
 class RelationshipSource:
     def __init__(self, source: Union[Session, PartHandle], /) -> None: ...
-    def list(self) -> list[_RelationshipRow]: ...
+    def all(self) -> list[_RelationshipRow]: ...
     def by_type(self, type: str, /) -> list[_RelationshipRow]: ...
     def get(self, id: str, /) -> _RelationshipRow: ...
     def has(self, id: str, /) -> bool: ...
@@ -61,3 +61,159 @@ def list_parts(session: Session, /) -> list[PartHandle]: ...
 def add_part(session: Session, name: str, content_type: str, content: object, /) -> PartHandle: ...
 def remove_part(session: Session, name: str, incoming: bool, cascade: bool, /) -> None: ...
 def retype_part(session: Session, name: str, content_type: str, /) -> None: ...
+
+# Core properties: texts, times as ISO 8601 in UTC without a zone, and keywords with their languages.
+_CoreValue = Union[str, list[tuple[str, str]]]
+
+def list_core_properties(session: Session, /) -> dict[str, _CoreValue]: ...
+def set_core_properties(session: Session, changes: dict[str, Optional[_CoreValue]], clear: bool, /) -> None: ...
+
+# Type and text, or type and items.
+_PropertyValue = tuple[str, Union[str, list[Any]]]
+
+def list_properties(session: Session, custom: bool, /) -> list[tuple[str, _PropertyValue]]: ...
+def change_properties(
+    session: Session, custom: bool, unset: list[str], set: list[tuple[str, str, str]], /
+) -> None: ...
+
+class ArchiveSource:
+    @staticmethod
+    def of_path(path: Union[str, PathLike[str]], options: OpenOptions, /) -> ArchiveSource: ...
+    @staticmethod
+    def of_bytes(content: bytes, options: OpenOptions, /) -> ArchiveSource: ...
+    @staticmethod
+    def of_object(file: object, options: OpenOptions, /) -> ArchiveSource: ...
+    @staticmethod
+    def of_session(session: Session, options: OpenOptions, /) -> ArchiveSource: ...
+
+_FindingRow = tuple[
+    str,
+    str,
+    str,
+    Optional[str],
+    Optional[str],
+    Optional[str],
+    Optional[str],
+    int,
+    int,
+    Optional[int],
+    Optional[str],
+    Optional[str],
+]
+
+class Report:
+    @property
+    def format(self) -> str: ...
+    @property
+    def findings(self) -> list[_FindingRow]: ...
+    @property
+    def unlisted(self) -> dict[str, int]: ...
+    def to_json(self) -> str: ...
+    def to_text(self) -> str: ...
+    def to_html(self) -> str: ...
+    def to_sarif(self, root: Union[str, PathLike[str]], /) -> str: ...
+
+def inspect(
+    source: ArchiveSource, name: str, profiles: list[str], only: list[str], never: list[str], /
+) -> Report: ...
+def list_rules() -> list[tuple[str, str, str, str, str, str, str, str, str]]: ...
+def detect_format(
+    source: ArchiveSource, /
+) -> tuple[str, Optional[str], str, Optional[str], bool, bool, bool, bool, Optional[str]]: ...
+def hash_content(
+    source: ArchiveSource, ignores_core: bool, ignores_ids: bool, ignores_signatures: bool, /
+) -> tuple[str, dict[str, str]]: ...
+def flat_text(source: ArchiveSource, /) -> str: ...
+
+_ContentRow = tuple[
+    str, Optional[tuple[str, str, int]], Optional[tuple[str, str, int]], bool, bool, Optional[str]
+]
+_VersionRow = Optional[tuple[str, str, str, Optional[str], bool]]
+
+def compare(before: ArchiveSource, now: ArchiveSource, names: list[str], moves: bool, /) -> tuple[
+    list[_ContentRow],
+    list[_ContentRow],
+    list[tuple[str, _VersionRow, _VersionRow]],
+    list[tuple[str, Optional[str], Optional[str]]],
+]: ...
+def compare_texts(
+    before: ArchiveSource, now: ArchiveSource, part: str, context: int, /
+) -> Optional[list[tuple[int, int, int, int, list[str]]]]: ...
+def mend(
+    source: ArchiveSource,
+    profiles: list[str],
+    only: list[str],
+    never: list[str],
+    break_signatures: bool,
+    target: object,
+    /,
+) -> tuple[
+    tuple[
+        list[tuple[str, Optional[str], Optional[str], Optional[str], str]], list[_FindingRow], list[str]
+    ],
+    Optional[bytes],
+]: ...
+
+_StateRow = tuple[Optional[str], Optional[str], bool, Optional[int]]
+
+def move_part(session: Session, name: str, new: str, /) -> None: ...
+def collect_unreachable(session: Session, /) -> int: ...
+def clean(session: Session, core: bool, extended: bool, custom: bool, thumbnails: bool, /) -> None: ...
+def apply_job(
+    session: Session, job: str, folder: Union[str, PathLike[str]], outside: bool, check: bool, /
+) -> None: ...
+def list_changes(
+    session: Session, /
+) -> list[tuple[str, str, Optional[str], _StateRow, _StateRow, str]]: ...
+def list_broken_signatures(session: Session, /) -> list[str]: ...
+
+class Policy:
+    accept_weak: bool
+    accept_missing_null: bool
+    checks_trust: bool
+    roots: list[bytes]
+    trusts_system: bool
+    fingerprints: list[str]
+    public_key: bytes
+    revocation_lists: list[bytes]
+    time: Optional[float]
+    def __init__(self) -> None: ...
+
+_ReasonRow = tuple[str, str]
+_UnsignedRow = tuple[str, str, Optional[str], Optional[str], str]
+_SignatureRow = tuple[
+    str,
+    str,
+    tuple[str, str, int, list[_ReasonRow], list[tuple[str, str, bool, str]]],
+    tuple[str, int, int, list[_UnsignedRow], int, list[_UnsignedRow], int],
+    tuple[str, str, Optional[str], Optional[str], Optional[float], str, str],
+    Optional[str],
+    bool,
+]
+_JudgedRow = tuple[str, bool, int, str, str, Optional[str], Optional[str], Optional[str], list[str]]
+_CoverageRow = tuple[str, Optional[str], Optional[str], str, list[int]]
+
+def sign_standard(
+    session: Session,
+    key: bytes,
+    certificates: list[bytes],
+    bundle: bytes,
+    password: str,
+    digest: str,
+    accept_weak: bool,
+    everything: bool,
+    parts: list[str],
+    relationships: list[tuple[str, str]],
+    comments: str,
+    time: Optional[float],
+    /,
+) -> tuple[str, str, list[str]]: ...
+def sign_own(session: Session, key: bytes, digest: str, /) -> str: ...
+def remove_signature(session: Session, name: str, part: str, /) -> None: ...
+def verify_standard(session: Session, policy: Policy, /) -> tuple[list[_SignatureRow], list[_ReasonRow]]: ...
+def verify_own(session: Session, policy: Policy, /) -> tuple[list[_JudgedRow], list[str]]: ...
+def tabulate_coverage(
+    session: Session, policy: Policy, /
+) -> tuple[list[_SignatureRow], list[_CoverageRow], list[_CoverageRow]]: ...
+
+def open_store(store: object, options: OpenOptions, /) -> Session: ...

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import os
 import warnings
 from collections.abc import Iterator, Mapping
@@ -11,10 +12,13 @@ from typing import Any, BinaryIO, Optional, Type, Union
 
 from . import _opcmodel
 from ._errors import LenientWarning, PackageNotFound, PartNotFound, RelationshipNotFound
+from ._properties import CoreProperties, OfficeProperties
+from ._store import Store
 from ._streams import PartStream, is_binary_file
-from ._values import IgnoredItem, Limits, Oddity
+from ._values import Change, ChangeState, IgnoredItem, Limits, Oddity
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview, BinaryIO]
+"""A path, the bytes of an archive, or a binary file object."""
 Target = Union[str, "os.PathLike[str]", BinaryIO]
 Content = Union[bytes, bytearray, memoryview, "os.PathLike[str]", BinaryIO]
 
@@ -82,7 +86,7 @@ class Relationships(Mapping[str, Relationship]):
         return isinstance(id, str) and self._source.has(id)
 
     def __iter__(self) -> Iterator[str]:
-        return iter([row[1] for row in self._source.list()])
+        return iter([row[1] for row in self._source.all()])
 
     def __len__(self) -> int:
         return self._source.count()
@@ -92,7 +96,7 @@ class Relationships(Mapping[str, Relationship]):
 
     def all(self) -> list[Relationship]:
         """All of them, sorted by ID."""
-        return [Relationship(*row, self._package) for row in self._source.list()]
+        return [Relationship(*row, self._package) for row in self._source.all()]
 
     def by_type(self, type: str) -> list[Relationship]:
         """Those of one type, sorted by ID."""
@@ -250,6 +254,91 @@ class Package(Mapping[str, Part]):
             raise PartNotFound(f"No part found with the name:{name!r}")
         self.remove(name)
 
+    def move(self, name: str, new: str) -> Part:
+        """Gives a part another name; every relationship that leads to it leads to the new name."""
+        _opcmodel.move_part(self._open, name, new)
+        return self[new]
+
+    def gc(self) -> int:
+        """Removes the parts to which no path of relationships leads, but for what is signed.
+
+        :returns: how many were removed
+        """
+        return _opcmodel.collect_unreachable(self._open)
+
+    def clean(
+        self, *, core: bool = True, extended: bool = True, custom: bool = True, thumbnails: bool = True
+    ) -> None:
+        """Takes metadata out: properties and thumbnails. What stands inside parts stays; `check` by the profile security
+        tells."""
+        _opcmodel.clean(self._open, core, extended, custom, thumbnails)
+
+    def apply(
+        self,
+        job: Union[str, Mapping[str, Any]],
+        *,
+        folder: Union[str, "os.PathLike[str]"] = ".",
+        outside: bool = False,
+        check: bool = True,
+    ) -> None:
+        """Makes the changes of a job, as `opctool apply` takes it: JSON, or what JSON says. After a failure, close the package.
+
+        What the job asks of the result is checked when the package is saved.
+
+        :param folder: where files lie that the job names
+        :param outside: whether it may name files outside
+        :param check: whether saving is refused if the package has errors then that it hasn't had
+        """
+        text = job if isinstance(job, str) else json.dumps(job)
+        _opcmodel.apply_job(self._open, text, os.fspath(folder), outside, check)
+
+    @property
+    def changes(self) -> list[Change]:
+        """What was changed since the package was opened or saved."""
+        return [
+            Change(kind, place, name, ChangeState(*before), ChangeState(*after), told)
+            for kind, place, name, before, after, told in _opcmodel.list_changes(self._open)
+        ]
+
+    @property
+    def broken_signatures(self) -> list[str]:
+        """The parts of the signatures that the changes break."""
+        return _opcmodel.list_broken_signatures(self._open)
+
+    @property
+    def properties(self) -> CoreProperties:
+        """Title, creator, dates and so on."""
+        return CoreProperties(self._open)
+
+    @properties.setter
+    def properties(self, values: Mapping[str, Any]) -> None:
+        CoreProperties(self._open).update_all(dict(values), clear=True)
+
+    @property
+    def custom_properties(self) -> OfficeProperties:
+        """What a person or a system has added."""
+        return OfficeProperties(self._open, True)
+
+    @property
+    def extended_properties(self) -> OfficeProperties:
+        """What the program tells of itself and the document."""
+        return OfficeProperties(self._open, False)
+
+    @property
+    def format(self) -> str:
+        """The usual extension of the format, by the content: `docx`. `detect` tells more."""
+        return self._detect()[0]
+
+    @property
+    def main_part(self) -> Optional[Part]:
+        """The part that the format begins with."""
+        name = self._detect()[8]
+        return None if name is None else self[name]
+
+    def _detect(self) -> tuple[str, Optional[str], str, Optional[str], bool, bool, bool, bool, Optional[str]]:
+        source = _opcmodel.ArchiveSource.of_session(self._open, _opcmodel.OpenOptions(False, False, None, {}))
+        return _opcmodel.detect_format(source)
+
     def retype(self, name: str, content_type: str) -> None:
         """Gives a part another content type."""
         _opcmodel.retype_part(self._open, name, content_type)
@@ -304,7 +393,7 @@ class Package(Mapping[str, Part]):
 
 
 def open(
-    source: Source,
+    source: Union[Source, Store],
     mode: str = "r",
     *,
     strict: bool = False,
@@ -314,8 +403,8 @@ def open(
 ) -> Package:
     """Opens a package. Use it in a `with` statement: at its end the package is saved, unless an exception leaves it.
 
-    :param source: a path, the bytes of an archive, or a binary file object, of which only the directory, the relationships
-        and what is asked for are read if it can seek
+    :param source: a path, the bytes of an archive, a `Store`, or a binary file object, of which only the directory, the
+        relationships and what is asked for are read if it can seek
     :param mode: r to read, r+ to read and change, w for a new package that replaces an old one, x for one that doesn't exist
     :param strict: whether to refuse what breaks the standard. If not, it is passed over with a `LenientWarning`
     :param deterministic: whether the same operations write the same bytes; a number is the time of all items, in seconds
@@ -332,6 +421,10 @@ def open(
 
 
 def _open_session(source: Any, mode: str, options: _opcmodel.OpenOptions) -> _opcmodel.Session:
+    if isinstance(source, Store):
+        if mode != "r":
+            raise ValueError("a store in Python is only read")
+        return _opcmodel.open_store(source, options)
     if isinstance(source, (bytes, bytearray, memoryview)):
         return _opcmodel.open_bytes(bytes(source), mode[0] if mode == "x" else mode, options)
     if is_binary_file(source):

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Iterator, Mapping
-from dataclasses import dataclass
+from dataclasses import dataclass, fields
 from typing import Optional
 
 
@@ -28,7 +28,7 @@ class Limits:
     ratio_floor: Optional[int] = None
 
     def to_dict(self) -> dict[str, int]:
-        pairs = ((name, getattr(self, name)) for name in self.__slots__)
+        pairs = ((field.name, getattr(self, field.name)) for field in fields(self))
         return {name: value for name, value in pairs if value is not None}
 
 

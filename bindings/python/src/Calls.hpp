@@ -42,10 +42,12 @@ private:
     std::optional<py::error_already_set> outer; ///< of a call that this one is part of
 };
 
-/// Calls the library without the interpreter's lock.
+/// Calls the library without the interpreter's lock. Such calls can be nested.
 /// @param action  uses no object of Python but through `callPython`
 template <typename Action>
 auto withoutLock(Action&& action) -> decltype(action()) {
+    if (PyGILState_Check() == 0)
+        return action();
     RaisedInCall raised;
     try {
         if constexpr (std::is_void_v<decltype(action())>) {
@@ -88,6 +90,9 @@ auto callPython(Action&& action) -> decltype(action()) {
         RaisedInCall::keep(std::move(raised));
     } catch (const py::cast_error& wrong) {
         PyErr_SetString(PyExc_TypeError, wrong.what());
+        RaisedInCall::keep(py::error_already_set());
+    } catch (const py::builtin_exception& wrong) {
+        wrong.set_error();
         RaisedInCall::keep(py::error_already_set());
     }
     throw CallFailed();

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -83,19 +82,6 @@ public:
 private:
     const std::string bytes;
     std::size_t position = 0;
-};
-
-/// Writes to a file object.
-class FileObjectOutput : public std::streambuf {
-public:
-    explicit FileObjectOutput(const FileObject& file) : file(file) {}
-
-protected:
-    std::streamsize xsputn(const char* bytes, std::streamsize count) override;
-    int_type overflow(int_type character) override;
-
-private:
-    const FileObject& file;
 };
 
 /// The content of a part as Python gives it: bytes, a path, or a file object.

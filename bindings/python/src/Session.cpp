@@ -1,12 +1,18 @@
 #include "Session.hpp"
 
+#include <opc/editing/ResultCheck.hpp>
 #include <opc/model/Errors.hpp>
 
+#include <cerrno>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iterator>
 #include <ostream>
+#include <streambuf>
 #include <utility>
+
+#include <unistd.h>
 
 namespace opcpython {
 
@@ -24,16 +30,40 @@ public:
     Redirected() : Exception("the package was saved elsewhere") {}
 };
 
+/// A file without a name.
+std::fstream makeTemporaryFile() {
+    std::string name = (std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string();
+    const int descriptor = mkstemp(name.data());
+    std::fstream file(name, std::ios::in | std::ios::out | std::ios::binary);
+    if (descriptor < 0 || !file)
+        throw opc::Exception("a temporary file can't be made", {errno, boost::system::generic_category()});
+    ::close(descriptor);
+    std::filesystem::remove(name);
+    return file;
+}
+
+/// A file object is only touched when the whole archive is there: the archive may be read from the same one.
 void writeTo(const ArchivePlace& place, const ZipPackage& archive) {
     if (!place.path.empty()) {
         archive.writeTo(place.path);
         return;
     }
+    std::fstream whole = makeTemporaryFile();
+    archive.writeTo(whole);
+    whole.seekg(0);
     place.target->restart();
-    FileObjectOutput buffer(*place.target);
-    std::ostream stream(&buffer);
-    archive.writeTo(stream);
+    std::vector<char> block(std::size_t{64} * 1024);
+    while (whole.read(block.data(), static_cast<std::streamsize>(block.size())) || whole.gcount() != 0)
+        place.target->write(block.data(), static_cast<std::size_t>(whole.gcount()));
     place.target->flush();
+}
+
+/// All findings, so that none that isn't listed passes for new.
+opc::inspection::InspectionOptions inspectionOptions(const ZipOptions& limits) {
+    opc::inspection::InspectionOptions options;
+    options.limits = limits;
+    options.mostFindingsOfARule = std::size_t{1} << 20U;
+    return options;
 }
 
 ZipPackage::Bytes readFile(const std::filesystem::path& path) {
@@ -96,8 +126,8 @@ void Session::makeArchive(ArchivePlace archivePlace) {
     ZipOptions zipOptions = options.zip;
     zipOptions.lenient = !options.strict;
     zipOptions.beforeReplacing = [this](const std::filesystem::path& written) {
-        if (redirection)
-            redirection(written);
+        if (beforeReplacing)
+            beforeReplacing(written);
     };
     if (!place.path.empty()) {
         zip = std::make_unique<ZipPackage>(place.path, std::move(zipOptions));
@@ -170,7 +200,15 @@ void Session::deliver() {
 
 void Session::save() {
     requireWritable();
-    finish();
+    try {
+        finish();
+    } catch (...) {
+        if (!model->isOpen()) { // the new archive is in memory, and its file object has failed
+            open(OpenMode::ReadWrite);
+            changed = true;
+        }
+        throw;
+    }
     open(OpenMode::ReadWrite);
 }
 
@@ -180,9 +218,8 @@ void Session::finish() {
     if (isReadOnly)
         return close();
     requireSignatures();
-    model->close(false);
-    edits.reset();
-    isSaved = true;
+    closeAndCheck();
+    forgetChanges();
     deliver();
     changed = false;
 }
@@ -191,8 +228,56 @@ void Session::close() {
     if (!model->isOpen())
         return;
     model->close(true);
-    edits.reset();
+    forgetChanges();
     changed = false;
+}
+
+void Session::forgetChanges() {
+    edits.reset();
+    jobs.clear();
+    before.reset();
+}
+
+void Session::apply(const opc::editing::Job& job, const opc::editing::JobFolder& folder, bool refusesErrors) {
+    requireWritable();
+    if (refusesErrors && !before && zip && !edits && !changed)
+        before = inspect(openArchive(), inspectionOptions(options.zip));
+    applyJob(edit(), job, folder);
+    jobs.push_back(job);
+}
+
+void Session::checkResult(const opc::inspection::Archive& result) const {
+    const auto inspection = inspectionOptions(options.zip);
+    if (before && edits)
+        opc::editing::refuseNewErrors(
+            findNewErrors(*before, inspect(result, inspection), edits->changes(), edits->brokenSignatures()));
+    for (const opc::editing::Job& job : jobs)
+        opc::editing::checkResult(result, job, inspection);
+}
+
+/// Closes the package, unless a job asks for another result. The model makes another exception of that.
+void Session::closeAndCheck() {
+    std::exception_ptr refusal;
+    beforeReplacing = [&](const std::filesystem::path& written) {
+        try {
+            checkResult(opc::inspection::Archive(written, options.zip));
+        } catch (...) {
+            refusal = std::current_exception();
+            throw;
+        }
+    };
+    try {
+        model->close(false);
+    } catch (...) {
+        beforeReplacing = nullptr;
+        if (refusal)
+            std::rethrow_exception(refusal);
+        throw;
+    }
+    beforeReplacing = nullptr;
+    isSaved = true;
+    if (zip && place.path.empty() && !jobs.empty())
+        checkResult(openArchive());
 }
 
 /// Closes the package and writes it there. An archive in a file stays as it was, and a target that is no file gets the bytes
@@ -200,10 +285,10 @@ void Session::close() {
 void Session::closeInto(ArchivePlace& target) {
     std::exception_ptr failure;
     bool isWritten = false;
-    redirection = [&](const std::filesystem::path& written) {
+    beforeReplacing = [&](const std::filesystem::path& written) {
         try {
-            ZipPackage copy(written, options.zip);
-            writeTo(target, copy);
+            checkResult(opc::inspection::Archive(written, options.zip));
+            writeTo(target, ZipPackage(written, options.zip));
             if (target.path.empty())
                 target.content = readFile(written);
             isWritten = true;
@@ -215,16 +300,19 @@ void Session::closeInto(ArchivePlace& target) {
     try {
         model->close(false);
     } catch (...) {
-        redirection = nullptr;
+        beforeReplacing = nullptr;
         if (failure)
             std::rethrow_exception(failure);
         if (!isWritten)
             throw;
         model->close(true);
     }
-    redirection = nullptr;
+    beforeReplacing = nullptr;
+    isSaved = true;
     if (isWritten)
         return;
+    if (!jobs.empty())
+        checkResult(openArchive());
     writeTo(target, *zip);
     if (target.path.empty() && !place.path.empty())
         target.content = readFile(place.path);
@@ -238,8 +326,7 @@ void Session::saveTo(ArchivePlace target) {
         return writeTo(target, *zip);
     requireSignatures();
     closeInto(target);
-    edits.reset();
-    isSaved = true;
+    forgetChanges();
     if (target.path.empty() && place.path.empty())
         place.target = std::move(target.target);
     else
@@ -251,6 +338,8 @@ opc::inspection::Archive Session::openArchive() {
     using opc::inspection::Archive;
     if (!place.path.empty())
         return Archive(place.path, options.zip);
+    if (source && !isSaved)
+        return Archive(std::make_shared<FileObjectSource>(place.target), options.zip);
     const std::string all = bytes();
     return Archive(std::vector<unsigned char>(all.begin(), all.end()), options.zip);
 }

@@ -4,7 +4,9 @@
 #include "PythonStreams.hpp"
 
 #include <opc/editing/Editor.hpp>
+#include <opc/editing/Job.hpp>
 #include <opc/inspection/Archive.hpp>
+#include <opc/inspection/Inspection.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/physical/LenientPackage.hpp>
@@ -19,6 +21,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace opcpython {
 
@@ -93,6 +96,10 @@ public:
     /// For changes. The package counts as changed.
     opc::editing::Editor& edit();
 
+    /// Makes the changes of a job. What it asks of the result is checked before the package is saved.
+    /// @param refusesErrors  whether the result must not have errors that the package hasn't had
+    void apply(const opc::editing::Job& job, const opc::editing::JobFolder& folder, bool refusesErrors);
+
     /// The changes are made without the editor.
     void setChanged() { changed = true; }
     bool isChanged() const { return changed; }
@@ -153,14 +160,20 @@ private:
     void open(opc::interfaces::OpenMode mode);
     void requireWritable() const;
     void requireSignatures() const;
+    void checkResult(const opc::inspection::Archive& result) const;
+    void closeAndCheck();
     void deliver();
     void closeInto(ArchivePlace& target);
+    void forgetChanges();
 
     std::atomic<bool> busy{false};
     OpenOptions options;
     ArchivePlace place;
     std::function<void(const std::filesystem::path&)>
-        redirection; ///< what a save does with the new archive instead
+        beforeReplacing;                 ///< gets the new archive of a save in a file; may be empty
+    std::vector<opc::editing::Job> jobs; ///< since the package was saved
+    std::optional<opc::inspection::Report>
+        before; ///< of the package that they change, if new errors are refused
     std::uint64_t opened = 0;
     bool changed = false;
     bool isReadOnly = true;

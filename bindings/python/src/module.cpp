@@ -5,6 +5,13 @@ PYBIND11_MODULE(_opcmodel, module) {
     module.doc() = "The functions of the C++ libraries, for the package opcmodel alone.";
     bindErrors(module);
     bindParts(module);
-    bindRelationships(module);
     bindPackage(module);
+    bindRelationships(module);
+    bindProperties(module);
+    bindArchiveSource(module);
+    bindInspection(module);
+    bindComparison(module);
+    bindEditing(module);
+    bindSignatures(module);
+    bindStore(module);
 }

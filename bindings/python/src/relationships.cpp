@@ -99,7 +99,7 @@ void bindRelationships(py::module_& module) {
     py::class_<Source>(module, "RelationshipSource")
         .def(py::init<std::shared_ptr<Session>>())
         .def(py::init<const PartHandle&>())
-        .def("list",
+        .def("all",
              [](Source& source) {
                  return source.use([](RelationshipSource& from) { return rowsOf(from.getRelationships()); });
              })

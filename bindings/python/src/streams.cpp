@@ -108,19 +108,6 @@ std::uint64_t BytesInput::read(unsigned char* buffer, std::uint64_t count) {
     return size;
 }
 
-std::streamsize FileObjectOutput::xsputn(const char* bytes, std::streamsize count) {
-    file.write(bytes, static_cast<std::size_t>(count));
-    return count;
-}
-
-FileObjectOutput::int_type FileObjectOutput::overflow(int_type character) {
-    if (!traits_type::eq_int_type(character, traits_type::eof())) {
-        const char byte = traits_type::to_char_type(character);
-        file.write(&byte, 1);
-    }
-    return traits_type::not_eof(character);
-}
-
 std::unique_ptr<opc::InputStream> makeInput(const py::object& content) {
     if (py::hasattr(content, "read"))
         return std::make_unique<FileObjectInput>(content);

@@ -379,3 +379,13 @@ def test_an_unsaved_package_that_is_dropped_is_told(tmp_path):
         package = opc.open(path, "r+")
         package.add("/a.xml", "a/b")
         del package
+
+
+def test_a_file_object_is_source_and_target():
+    """Also where nothing has changed, so that the archive is still read from it."""
+    file = io.BytesIO(make_document())
+    for change_it in (lambda package: package.move("/notes.xml", "/notes.xml"), change, lambda package: None):
+        with opc.open(file, "r+") as package:
+            change_it(package)
+            package.save(file)
+    assert len(contents(file)) == 2

@@ -9,6 +9,7 @@
 #include <opc/model/CorePropertyField.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
+#include <opc/physical/MemoryPackage.hpp>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
@@ -83,8 +84,17 @@ std::optional<model::Part> findPart(const Package& package) {
     return target && package.hasPart(*target) ? std::optional(package.getPart(*target)) : std::nullopt;
 }
 
+/// @throws InvalidPartContent  a document can't hold them
+void requireWritable(const CoreProperties& properties) {
+    physical::MemoryPackage store;
+    Package trial(store);
+    trial.open(interfaces::OpenMode::CreateOnly);
+    PackageHelper::createOrUpdateCoreProperties(trial, properties);
+}
+
 void write(Editor& editor, const CoreProperties& properties) {
     Package& package = editor.package();
+    requireWritable(properties); // while the old ones are there
     if (const auto part = findPart(package))
         part->restartOutputStream(); // it may have been written before
     const CorePropertiesRelationships before(package);
@@ -94,6 +104,27 @@ void write(Editor& editor, const CoreProperties& properties) {
 
 Change changeOf(Change::Kind kind, const model::Relationship& relationship) {
     return {kind, "/", toUDEString(relationship.getID()), {}, {}};
+}
+
+/// @param isNew  whether there was no document, or nothing of it counts
+void replace(Editor& editor, const CoreProperties& before, const CoreProperties& after, bool isNew) {
+    const bool hasPart = findPart(editor.package()).has_value();
+    if (!hasPart && after.isEmpty())
+        return;
+    write(editor, after);
+    const std::string part = toUDEString(findPart(editor.package())->getName().toString());
+    if (isNew) {
+        Change change{hasPart ? Change::Kind::ContentReplaced : Change::Kind::PartAdded, part, {}, {}, {}};
+        change.after.text = toUDEString(PackageHelper::getCorePropertiesContentType().toString());
+        editor.record(std::move(change));
+    }
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        Change change{Change::Kind::PropertyChanged, part, std::string(field.name()), {}, {}};
+        change.before.text = valueOf(field, before);
+        change.after.text = valueOf(field, after);
+        if (change.before.text != change.after.text)
+            editor.record(std::move(change));
+    }
 }
 
 } // namespace
@@ -125,32 +156,23 @@ void CorePropertiesRelationships::recordChanges(Editor& editor) const {
         }
 }
 
-void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
-    Package& package = editor.package();
-    const bool hasThem = findPart(package).has_value();
+void setCoreProperties(Editor& editor, const CoreProperties& properties) {
+    const bool hasThem = findPart(editor.package()).has_value();
     const CoreProperties before =
-        hasThem && !changes.clear ? PackageHelper::getCoreProperties(package) : CoreProperties();
+        hasThem ? PackageHelper::getCoreProperties(editor.package()) : CoreProperties();
+    replace(editor, before, properties, !hasThem);
+}
+
+void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
+    const bool hasThem = findPart(editor.package()).has_value();
+    const CoreProperties before =
+        hasThem && !changes.clear ? PackageHelper::getCoreProperties(editor.package()) : CoreProperties();
     CoreProperties after = before;
     for (const std::string& name : changes.unset)
         fieldOf(name).visit(after, [](auto& value) { value = boost::none; });
     for (const auto& [name, text] : changes.set)
         fieldOf(name).visit(after, [&value = text](auto& member) { assign(member, value); });
-    if (!hasThem && after.isEmpty())
-        return;
-    write(editor, after);
-    const std::string part = toUDEString(findPart(package)->getName().toString());
-    if (!hasThem || changes.clear) {
-        Change change{hasThem ? Change::Kind::ContentReplaced : Change::Kind::PartAdded, part, {}, {}, {}};
-        change.after.text = toUDEString(PackageHelper::getCorePropertiesContentType().toString());
-        editor.record(std::move(change));
-    }
-    for (const CorePropertyField& field : CorePropertyField::all()) {
-        Change change{Change::Kind::PropertyChanged, part, std::string(field.name()), {}, {}};
-        change.before.text = valueOf(field, before);
-        change.after.text = valueOf(field, after);
-        if (change.before.text != change.after.text)
-            editor.record(std::move(change));
-    }
+    replace(editor, before, after, !hasThem || changes.clear);
 }
 
 } // namespace opc::editing

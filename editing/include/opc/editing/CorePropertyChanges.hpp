@@ -6,6 +6,10 @@
 #include <utility>
 #include <vector>
 
+namespace opc::model {
+class CoreProperties;
+} // namespace opc::model
+
 namespace opc::editing {
 
 /// Changes of core properties, made in the order of the members. Texts are UTF-8; names are those of `model::CorePropertyField`.
@@ -30,6 +34,11 @@ public:
 private:
     std::vector<model::Relationship> relationships;
 };
+
+/// Replaces the core properties of a package, as often as you like. If it has none, their part and its relationship are made.
+/// Each property that has another value is recorded, and what is made.
+/// @throws as `PackageHelper::getCoreProperties` and `PackageHelper::mendCoreProperties`
+OPC_EDITING_EXPORT void setCoreProperties(Editor& editor, const model::CoreProperties& properties);
 
 /// Changes the core properties of a package, as often as you like. If it has none, their part and its relationship are made.
 /// Each property that has another value is recorded, and what is made.
