@@ -3,8 +3,6 @@
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
-#include <boost/date_time/posix_time/conversion.hpp>
-
 #include <algorithm>
 #include <array>
 
@@ -65,8 +63,7 @@ const char* nameOf(model::DigestMethod method) {
 }
 
 std::string textOf(std::chrono::system_clock::time_point time) {
-    return toUDEString(
-        convertTimeToString(boost::posix_time::from_time_t(std::chrono::system_clock::to_time_t(time))));
+    return toUDEString(convertTimeToString(time));
 }
 
 ordered_json describe(const CryptographyAnswer& answer) {

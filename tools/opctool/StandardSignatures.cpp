@@ -7,7 +7,6 @@
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
-#include <boost/date_time/posix_time/conversion.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -106,8 +105,7 @@ ordered_json describe(const TrustAnswer& answer) {
                      {"timeFrom", nameOf(answer.timeFrom)},
                      {"timeStampFailure", answer.timeStampFailure}};
     if (answer.time)
-        row["time"] = opc::toUDEString(opc::convertTimeToString(
-            boost::posix_time::from_time_t(std::chrono::system_clock::to_time_t(*answer.time))));
+        row["time"] = opc::toUDEString(opc::convertTimeToString(*answer.time));
     return row;
 }
 

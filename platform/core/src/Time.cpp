@@ -166,6 +166,11 @@ std::u16string convertTimeToString(const ptime& time) {
     return text;
 }
 
+std::u16string convertTimeToString(std::chrono::system_clock::time_point time) {
+    const auto since = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    return convertTimeToString(ptime(date(1970, 1, 1), boost::posix_time::milliseconds(since.count())));
+}
+
 ptime convertStringToTime(const std::u16string& text) {
     FieldReader reader(text);
     const auto day = readDate(reader);

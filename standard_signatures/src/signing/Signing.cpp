@@ -11,8 +11,6 @@
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
-#include <boost/date_time/posix_time/conversion.hpp>
-
 #include <algorithm>
 
 namespace opc::standard_signatures {
@@ -49,9 +47,7 @@ void throwIfWeak(DigestAlgorithm digest) {
 }
 
 std::string claimedTime(const SigningOptions& options) {
-    const auto time =
-        std::chrono::system_clock::to_time_t(options.time.value_or(std::chrono::system_clock::now()));
-    return toUDEString(convertTimeToString(boost::posix_time::from_time_t(time)));
+    return toUDEString(convertTimeToString(options.time.value_or(std::chrono::system_clock::now())));
 }
 
 bool hasMainDocument(const PackageMap& map) {
