@@ -216,7 +216,7 @@ class StandardSigning(OpctoolCase):
                 ('sign p.docx --key rsa.key --comment x --profile opcmodel', '--comment: needs --profile standard'),
                 ('sign p.docx --key rsa.key --profile other', '--profile'), ('keygen k --bits 2048 --ec P-256', '--bits'),
                 ('keygen k --ec P-224', '--ec'), ('keygen k --days 5', '--cert'), ('keygen k --cert ""', '--cert'),
-                ('verify p.docx --time soon', '--time')):
+                ('verify p.docx --time soon', '--time'), ('verify p.docx --time 9999', '--time')):
             outcome = self.run_tool(arguments)
             self.assertEqual(outcome.status, 2, arguments)
             self.assertIn(words, outcome.errors)

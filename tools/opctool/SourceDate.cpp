@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
@@ -31,8 +32,12 @@ std::optional<std::int64_t> sourceDate() {
 } // namespace
 
 std::chrono::system_clock::time_point presentTime() {
+    using Clock = std::chrono::system_clock;
     const auto seconds = sourceDate();
-    return seconds ? std::chrono::system_clock::from_time_t(*seconds) : std::chrono::system_clock::now();
+    if (!seconds)
+        return Clock::now();
+    const auto most = std::chrono::duration_cast<std::chrono::seconds>(Clock::duration::max()).count();
+    return Clock::from_time_t(std::min<std::int64_t>(*seconds, most));
 }
 
 void takeSourceDate(opc::physical::ZipOptions& options) {

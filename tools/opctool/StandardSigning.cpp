@@ -14,8 +14,6 @@
 #include <opc/core/Time.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 
-#include <boost/date_time/posix_time/conversion.hpp>
-
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -93,8 +91,7 @@ std::string findDoubt(const X509Certificate& certificate, std::chrono::system_cl
     if (certificate.empty())
         return {};
     const auto validity = certificate.getValidity();
-    const std::string claimed = opc::toUDEString(
-        opc::convertTimeToString(boost::posix_time::from_time_t(std::chrono::system_clock::to_time_t(time))));
+    const std::string claimed = opc::toUDEString(opc::convertTimeToString(time));
     if (claimed < validity.from)
         return "the certificate is valid only from " + validity.from;
     if (claimed > validity.until)

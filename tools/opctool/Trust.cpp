@@ -44,9 +44,14 @@ std::vector<CLI::Option*> addTrustOptions(CLI::App& command, Trust& trust) {
 }
 
 std::string checkTime(const std::string& text) {
-    return text == NOW || !parseTime(text).is_special()
-               ? ""
-               : text + " isn't a time; write 2024-02-29, 2024-02-29T13:45Z or now";
+    constexpr int FIRST_YEAR = 1970;
+    constexpr int LAST_YEAR = 2261; // which the clock can count
+    if (text == NOW)
+        return {};
+    const auto time = parseTime(text);
+    if (time.is_special() || time.date().year() < FIRST_YEAR || time.date().year() > LAST_YEAR)
+        return text + " isn't a time from 1970 to 2261; write 2024-02-29, 2024-02-29T13:45Z or now";
+    return {};
 }
 
 TrustStore makeTrustStore(const Trust& trust) {
