@@ -294,6 +294,16 @@ class StandardSigning(OpctoolCase):
         self.assertEqual(trust['time'], '2020-02-29T13:45:00Z')
         self.assertEqual(self.verify('--trust rsa.pem')[1]['trust']['timeFrom'], 'now')
 
+    def test_revoked_certificates_are_not_trusted(self):
+        self.write('ca.conf', '[ca]\ndefault_ca=d\n[d]\ndatabase=index\ndefault_md=sha256\ndefault_crl_days=1\n')
+        self.write('index', '')
+        revoke = 'openssl ca -config ca.conf -keyfile rsa.key -cert ca.pem '
+        self.assertEqual(self.shell(f'openssl req -x509 -key rsa.key -days 2 -subj /CN=Ada -out ca.pem && {revoke} -gencrl -out none.crl && '
+                                    f'{revoke} -revoke ca.pem && {revoke} -gencrl -out revoked.crl').status, 0)
+        self.do('sign p.docx --key rsa.key --cert ca.pem')
+        for options, answer in (' --crl none.crl', 'trusted'), (' --crl revoked.crl', 'not trusted'):
+            self.assertEqual(self.verify('--trust ca.pem' + options)[1]['trust']['answer'], answer)
+
     def test_the_same_input_gives_the_same_file(self):
         for name in 'ab':
             self.assertEqual(self.shell(f"SOURCE_DATE_EPOCH=86400 '{self.tool}' sign p.docx --key rsa.key -o {name}.docx").status, 0)

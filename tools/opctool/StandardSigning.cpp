@@ -117,7 +117,9 @@ void warn(FileRun& run, const NewSignature& signature, const SignArguments& argu
         run.tell("warning: no relationship leads to " +
                  enumerate(signature.unreachable, signature.unreachable.size(),
                            [](const std::string& name) { return name; }) +
-                 ". One that is added later can bring it into the document: find out why it is there");
+                 ". Find out why: unless programs find parts in another way, as those of NuGet do, one that "
+                 "is added "
+                 "later can bring them into the document");
     if (arguments.choosesNothing() && signature.coverage.gapCount != 0)
         run.tell("warning: the signature can't cover " +
                  enumerate(signature.coverage.gaps, signature.coverage.gapCount, [](const Unsigned& gap) {

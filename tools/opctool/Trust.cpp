@@ -2,7 +2,6 @@
 
 #include "KeyFiles.hpp"
 #include "RepeatableOption.hpp"
-#include "SourceDate.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
@@ -69,7 +68,7 @@ CertificateValidationOptions makeValidationOptions(const Trust& trust) {
     options.setAcceptingWeakKeys(trust.acceptWeak);
     options.setAcceptingWeakDigests(trust.acceptWeak);
     if (!trust.time.empty())
-        options.setCheckTime(trust.time == NOW ? presentTime()
+        options.setCheckTime(trust.time == NOW ? std::chrono::system_clock::now()
                                                : std::chrono::system_clock::from_time_t(
                                                      boost::posix_time::to_time_t(parseTime(trust.time))));
     for (const std::string& file : trust.revocationLists)
