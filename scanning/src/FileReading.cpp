@@ -2,7 +2,6 @@
 
 #include <opc/core/Exception.hpp>
 
-#include <system_error>
 #include <utility>
 
 namespace opc::scanning {
@@ -26,14 +25,6 @@ void tryReading(Reading read, const Source& source, const ScanOptions& options, 
         result.failure = std::move(failure);
 }
 
-std::optional<std::uint64_t> measure(const Source& source) {
-    if (source.bytes)
-        return source.bytes->size();
-    std::error_code error; // reading the file tells it
-    const std::uint64_t size = std::filesystem::file_size(source.path, error);
-    return error ? std::nullopt : std::optional(size);
-}
-
 } // namespace
 
 Source fileSource(const std::filesystem::path& path) {
@@ -43,7 +34,6 @@ Source fileSource(const std::filesystem::path& path) {
 Result readFile(const Source& source, const ScanOptions& options) {
     Result result;
     result.name = source.name;
-    result.size = measure(source);
     if ((options.what & BY_MODEL) != 0)
         tryReading(readByModel, source, options, result);
     if ((options.what & BY_ARCHIVE) != 0)

@@ -1,3 +1,4 @@
+#include "PartLookup.hpp"
 #include "Reading.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -8,6 +9,7 @@
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace opc::scanning {
@@ -32,8 +34,6 @@ ZipPackage makeArchive(const Source& source, const ScanOptions& options) {
 }
 
 bool leadsToPart(const Package& package, const Relationship& relationship) {
-    if (relationship.getTargetMode() == TargetMode::External)
-        return false;
     try {
         return package.hasPart(PartName(relationship.getTargetURI().getPath()));
     } catch (const Exception&) {
@@ -41,37 +41,44 @@ bool leadsToPart(const Package& package, const Relationship& relationship) {
     }
 }
 
-ScannedRelationships describe(const Package& package, const RelationshipSource& source, std::string name) {
+ScannedRelationships describe(const Package& package, const PartLookup& parts,
+                              const RelationshipSource& source, std::string name) {
     ScannedRelationships described{std::move(name), {}};
     const auto relationships = source.getRelationships();
     described.all.reserve(relationships.size());
-    for (const Relationship& relationship : relationships)
-        described.all.push_back({toUDEString(relationship.getID()), toUDEString(relationship.getType()),
-                                 toUDEString(relationship.getTarget()),
-                                 relationship.getTargetMode() == TargetMode::External,
-                                 leadsToPart(package, relationship)});
+    for (const Relationship& relationship : relationships) {
+        ScannedRelationship& one = described.all.emplace_back();
+        one.id = toUDEString(relationship.getID());
+        one.type = toUDEString(relationship.getType());
+        one.target = toUDEString(relationship.getTarget());
+        one.isExternal = relationship.getTargetMode() == TargetMode::External;
+        if (!one.isExternal) {
+            const std::optional<bool> found = parts.find(described.source, one.target);
+            one.exists = found ? *found : leadsToPart(package, relationship);
+        }
+    }
     return described;
 }
 
 void listParts(const Package& package, unsigned what, Result& result) {
-    std::vector<ScannedRelationships> relationships;
-    if ((what & RELATIONSHIPS) != 0)
-        relationships.push_back(describe(package, package, "/"));
     std::vector<ScannedPart> parts;
     const auto all = package.getParts();
     parts.reserve(all.size());
-    for (const Part& part : all) {
-        ScannedPart described{toUDEString(part.getName().toString()),
-                              toUDEString(part.getContentType().toString()), part.getSize().value_or(0),
-                              part.getRelationships().size()};
-        if ((what & RELATIONSHIPS) != 0 && described.relationships != 0)
-            relationships.push_back(describe(package, part, described.name));
-        parts.push_back(std::move(described));
+    for (const Part& part : all)
+        parts.push_back({toUDEString(part.getName().toString()),
+                         toUDEString(part.getContentType().toString()), part.getSize().value_or(0),
+                         part.getRelationships().size()});
+    if ((what & RELATIONSHIPS) != 0) {
+        const PartLookup lookup(parts);
+        std::vector<ScannedRelationships>& lists = result.relationships.emplace();
+        lists.push_back(describe(package, lookup, package, "/"));
+        auto described = parts.begin();
+        for (const Part& part : all)
+            if (const ScannedPart& row = *described++; row.relationships != 0)
+                lists.push_back(describe(package, lookup, part, row.name));
     }
     if ((what & PARTS) != 0)
         result.parts = std::move(parts);
-    if ((what & RELATIONSHIPS) != 0)
-        result.relationships = std::move(relationships);
 }
 
 void readProperties(const Package& package, Result& result) {
@@ -97,6 +104,38 @@ void openPackage(Package& package, ZipPackage& archive, const ScanOptions& optio
     }
 }
 
+bool isReadWhole(const Package& package) {
+    const auto parts = package.getParts();
+    return !package.hasUnreadContentTypes() && !package.hasUnreadRelationships() &&
+           std::none_of(parts.begin(), parts.end(),
+                        [](const Part& part) { return part.hasUnreadRelationships(); });
+}
+
+void read(const Package& package, unsigned what, Result& result) {
+    if ((what & (PARTS | RELATIONSHIPS)) != 0)
+        listParts(package, what, result);
+    if ((what & PROPERTIES) != 0)
+        readProperties(package, result);
+}
+
+/// Most packages break no rule. Then the lenient view of them is that of the model itself, which takes two thirds of the
+/// time.
+/// @return false if something in the package needs the lenient view
+bool readPlainPackage(const Source& source, const ScanOptions& options, Result& result) {
+    ZipPackage archive = makeArchive(source, options);
+    Package package(archive);
+    try {
+        package.open(OpenMode::ReadOnly);
+    } catch (const Exception&) {
+        return false;
+    }
+    if (!isReadWhole(package))
+        return false;
+    read(package, options.what, result);
+    result.hidden = archive.getOddities();
+    return true;
+}
+
 } // namespace
 
 std::string resolveTarget(const std::string& source, const std::string& target) {
@@ -105,6 +144,8 @@ std::string resolveTarget(const std::string& source, const std::string& target) 
 }
 
 void readByModel(const Source& source, const ScanOptions& options, Result& result) {
+    if (!options.strict && (options.what & SIGNATURES) == 0 && readPlainPackage(source, options, result))
+        return;
     ZipPackage archive = makeArchive(source, options);
     physical::LenientPackage lenient(archive);
     IPhysicalPackage& store = options.strict ? static_cast<IPhysicalPackage&>(archive) : lenient;
@@ -113,10 +154,7 @@ void readByModel(const Source& source, const ScanOptions& options, Result& resul
     if ((options.what & SIGNATURES) != 0)
         manager.emplace(package);
     openPackage(package, archive, options, result);
-    if ((options.what & (PARTS | RELATIONSHIPS)) != 0)
-        listParts(package, options.what, result);
-    if ((options.what & PROPERTIES) != 0)
-        readProperties(package, result);
+    read(package, options.what, result);
     if (manager)
         result.signatures = readSignatures(*manager, archive, options);
     result.hidden = store.getOddities();

@@ -149,8 +149,7 @@ ordered_json describe(const inspection::Format& format) {
 }
 
 std::string toJSON(const Result& result, unsigned aspects) {
-    ordered_json object{{"size", result.size ? ordered_json(*result.size) : ordered_json()},
-                        {"hidden", describeHidden(result)},
+    ordered_json object{{"hidden", describeHidden(result)},
                         {"error", result.failure ? describe(*result.failure) : ordered_json()}};
     const auto add = [&](Aspect aspect, const char* name, const auto& value) {
         if (value && (aspects & aspect) != 0)

@@ -21,6 +21,9 @@ struct Job {
     Result result;
 };
 
+/// How many results are taken at a time.
+constexpr std::size_t MANY = 16;
+
 /// How much of a result may wait with many others, in bytes.
 constexpr std::size_t LITTLE = std::size_t{256} * 1024;
 
@@ -83,25 +86,32 @@ public:
         }
         added.notify_all();
         while (window.size() != 0)
-            window.take();
+            window.take(MANY);
         for (std::thread& thread : threads)
             thread.join();
     }
 
     std::optional<Result> next() {
-        takeSources();
-        if (window.size() != 0)
-            return window.take().result;
-        if (failure)
-            std::rethrow_exception(std::exchange(failure, nullptr));
-        return std::nullopt;
+        if (taken.empty()) {
+            takeSources();
+            if (window.size() == 0) {
+                if (failure)
+                    std::rethrow_exception(std::exchange(failure, nullptr));
+                return std::nullopt;
+            }
+            for (Job& job : window.take(MANY))
+                taken.push_back(std::move(job.result));
+        }
+        std::optional<Result> next = std::move(taken.front());
+        taken.pop_front();
+        return next;
     }
 
 private:
-    /// Takes as many files as keep the threads busy, and further ones while the next result isn't there.
+    /// Takes as many files as last time, and further ones while the next result isn't there: few from a slow list, and from
+    /// a fast one as many as keep the threads busy.
     void takeSources() {
-        const std::size_t least = std::min<std::size_t>(most, 2 * std::size_t{threadCount});
-        while (!isAtEnd && window.size() < most && (window.size() < least || !window.canTake())) {
+        while (!isAtEnd && window.size() < most && (window.size() < depth || !window.canTake())) {
             std::optional<Source> source;
             try {
                 source = sources();
@@ -111,6 +121,7 @@ private:
             isAtEnd = !source;
             if (source)
                 add(window.begin(std::move(*source)));
+            depth = std::max(depth, window.size());
         }
     }
 
@@ -172,9 +183,12 @@ private:
     const ScanOptions options;
     const unsigned threadCount;
     const std::size_t most;
+    std::size_t depth =
+        2 * std::size_t{threadCount}; ///< how many files are outstanding when results are taken
     bool isAtEnd = false;
     std::exception_ptr failure; ///< of the sources
     OrderedWindow<Job> window;
+    std::deque<Result> taken; ///< and not given yet
     std::vector<std::thread> threads;
     std::mutex mutex; ///< of what follows
     std::condition_variable added;

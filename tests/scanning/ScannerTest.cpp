@@ -1,10 +1,14 @@
+#include "PartLookup.hpp"
+#include "support/Cases.hpp"
 #include "support/PackageTest.hpp"
+#include "support/RawZip.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <bedrock/crypto/RsaKeyPair.hpp>
 #include <bedrock/crypto/SigningKey.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/physical/ZipPackage.hpp>
+#include <opc/scanning/ResultJSON.hpp>
 #include <opc/scanning/Scanner.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 
@@ -163,6 +167,73 @@ TEST(Scanner, givesFailuresAsResults) {
         EXPECT_EQ(result.parts.has_value(), row.className == nullptr);
     });
     EXPECT_EQ(at, std::size(rows));
+}
+
+/// Packages without anything odd are read without the lenient view, which signatures need. Both say the same.
+void expectSameViews(const Source& source, std::size_t& opened) {
+    const unsigned what = PARTS | RELATIONSHIPS | PROPERTIES;
+    ScanOptions options;
+    options.what = what;
+    const std::string quick = toJSON(readFile(source, options), what);
+    options.what = what | SIGNATURES;
+    EXPECT_EQ(quick, toJSON(readFile(source, options), what)) << source.name;
+    opened += quick.find("\"parts\"") != std::string::npos ? 1 : 0;
+}
+
+TEST(Scanner, readsPlainPackagesAsOddOnes) {
+    std::size_t opened = 0;
+    for (const fs::path& folder : {fs::path(OPCMODEL_HOSTILE_ARCHIVES), LETTER.parent_path()})
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+            expectSameViews(fileSource(entry.path()), opened);
+    const std::string types = opc::test::toText(opc::test::contentTypes(opc::test::USUAL_CONTENT_TYPES));
+    const auto check = [&opened](const std::string& contentTypes, const std::string& relationships,
+                                 const std::string& part) {
+        expectSameViews(bytesSource(contentTypes + relationships,
+                                    opc::test::makeZip(
+                                        {opc::test::stored("[Content_Types].xml", contentTypes),
+                                         opc::test::stored("_rels/.rels", relationships),
+                                         opc::test::stored("a.xml", "<a/>"), opc::test::stored(part, "")})),
+                        opened);
+    };
+    for (const auto& one : opc::test::readCases("lenient/relationships.txt", 3)) {
+        std::string text = one.columns[0];
+        text.erase(std::remove(text.begin(), text.end(), '$'), text.end());
+        check(types, text, "b.xml");
+    }
+    for (const auto& one : opc::test::readCases("lenient/content-types.txt", 3))
+        check(one.columns[0], opc::test::toText(opc::test::relationships("")), "b.png");
+    EXPECT_GT(opened, 50U);
+}
+
+TEST(PartLookup, findsWhatAPlainTargetLeadsTo) {
+    const std::vector<ScannedPart> parts{
+        {"/_a/b.xml", "", 0, 0}, {"/A.xml", "", 0, 0}, {"/w/a.xml", "", 0, 0}, {"/w/m/i.png", "", 0, 0}};
+    const struct {
+        const char* source;
+        const char* target;
+        std::optional<bool> found;
+    } rows[] = {
+        {"/", "a.XML", true},
+        {"/", "/w/a.xml", true},
+        {"/w/x.xml", "a.xml", true},
+        {"/w/x.xml", "m/i.png", true},
+        {"/w/x.xml", "../A.xml", true},
+        {"/w/m/x.xml", "../../_a/b.xml", true},
+        {"/w/x.xml", "A.xml/", std::nullopt},
+        {"/w/x.xml", "b.xml", false},
+        {"/w/x.xml", "m", false},
+        {"/", "../a.xml", std::nullopt},
+        {"/", "./a.xml", std::nullopt},
+        {"/", "w//a.xml", std::nullopt},
+        {"/", "a.xml#x", std::nullopt},
+        {"/", "%41.xml", std::nullopt},
+        {"/", "", std::nullopt},
+        {"/", "w/..", std::nullopt},
+        {"/w\xC3\xA4/a", "b.xml", std::nullopt},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(PartLookup(parts).find(row.source, row.target), row.found)
+            << row.source << ' ' << row.target;
 }
 
 /// With each hostile archive between good files, whatever is asked.

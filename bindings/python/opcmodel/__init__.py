@@ -70,6 +70,15 @@ from ._package import Part as Part
 from ._package import Relationship as Relationship
 from ._package import Relationships as Relationships
 from ._package import open as open
+from ._scanning import ASPECTS as ASPECTS
+from ._scanning import PROFILES as PROFILES
+from ._scanning import Scan as Scan
+from ._scanning import ScannedExternal as ScannedExternal
+from ._scanning import ScannedPart as ScannedPart
+from ._scanning import ScannedRelationship as ScannedRelationship
+from ._scanning import ScannedSignature as ScannedSignature
+from ._scanning import ScanResult as ScanResult
+from ._scanning import scan as scan
 from ._streams import PartStream as PartStream
 from ._values import IgnoredItem as IgnoredItem
 from ._values import Limits as Limits

@@ -1,8 +1,10 @@
+from collections.abc import Iterator
 from os import PathLike
-from typing import Any, Optional, Union
+from typing import Any, Optional, TypeVar, Union
 
 from _typeshed import WriteableBuffer
 
+_Row = TypeVar("_Row", bound=tuple[Any, ...])
 _RelationshipRow = tuple[str, str, str, str, bool, Optional[str]]
 
 class OpenOptions:
@@ -217,3 +219,31 @@ def tabulate_coverage(
 ) -> tuple[list[_SignatureRow], list[_CoverageRow], list[_CoverageRow]]: ...
 
 def open_store(store: object, options: OpenOptions, /) -> Session: ...
+
+class ScannedFile:
+    @property
+    def name(self) -> str: ...
+    @property
+    def error(self) -> Optional[Exception]: ...
+    def parts(self, row: type[_Row], /) -> Optional[tuple[_Row, ...]]: ...
+    def relationships(self, row: type[_Row], /) -> Optional[tuple[_Row, ...]]: ...
+    @property
+    def properties(self) -> Optional[dict[str, Any]]: ...
+    def to_json(self, aspects: int, /) -> str: ...
+
+class Scan:
+    def __init__(
+        self,
+        sources: Iterator[Union[bytes, tuple[bytes, bytes]]],
+        what: int,
+        jobs: int,
+        window: int,
+        profiles: int,
+        options: OpenOptions,
+        /,
+    ) -> None: ...
+    def next(self) -> ScannedFile: ...
+    def close(self) -> None: ...
+
+def resolve_target(source: str, target: str, /) -> str: ...
+def known_extensions() -> set[str]: ...

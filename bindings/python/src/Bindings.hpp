@@ -17,6 +17,7 @@ void bindComparison(pybind11::module_& module);
 void bindEditing(pybind11::module_& module);
 void bindSignatures(pybind11::module_& module);
 void bindStore(pybind11::module_& module);
+void bindScanning(pybind11::module_& module);
 /// @}
 
 } // namespace opcpython

@@ -14,4 +14,5 @@ PYBIND11_MODULE(_opcmodel, module) {
     bindEditing(module);
     bindSignatures(module);
     bindStore(module);
+    bindScanning(module);
 }

@@ -32,6 +32,13 @@ char32_t decodeUTF16(const std::u16string& text, std::size_t& position) {
     return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
 }
 
+bool isASCII(const std::u16string& text) {
+    char16_t all = 0;
+    for (const char16_t unit : text) // without a branch, so that it takes many at a time
+        all = static_cast<char16_t>(all | unit);
+    return all < 0x80;
+}
+
 void appendUTF16(std::u16string& text, char32_t point) {
     if (point < 0x10000) {
         text += static_cast<char16_t>(point);
@@ -189,6 +196,12 @@ namespace detail {
 
 std::string toUTF8String(const std::u16string& text, bool replaceMalformed) {
     std::string result;
+    if (isASCII(text)) { // nearly all names are, and are copied many at a time
+        result.resize(text.size());
+        std::transform(text.begin(), text.end(), result.begin(),
+                       [](char16_t unit) { return static_cast<char>(unit); });
+        return result;
+    }
     result.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
         const char32_t point = decodeUTF16(text, position);

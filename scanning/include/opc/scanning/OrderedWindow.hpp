@@ -1,11 +1,14 @@
 #pragma once
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <memory>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace opc::scanning {
 
@@ -34,8 +37,10 @@ public:
     void end(Entry& entry) {
         const std::lock_guard<std::mutex> lock(mutex);
         slotOf(entry).hasEnded = true;
-        if (isFirst(entry))
-            moved.notify_all();
+        while (doneCount < slots.size() && slots[doneCount]->hasEnded)
+            ++doneCount;
+        if (doneCount >= wanted)
+            done.notify_one();
     }
 
     /// The piece is done. Hands it on, if those before are, and those behind it that are done.
@@ -51,12 +56,20 @@ public:
         moved.notify_all();
     }
 
-    /// Hands on the first piece. Waits until it is done; there must be one.
-    Entry take() {
+    /// Hands on the first pieces. Waits until one is done; there must be one. To wake a thread takes as long as some pieces of
+    /// work, so it waits a millisecond for more of them.
+    /// @param wish  how many of them it would like to have
+    std::vector<Entry> take(std::size_t wish) {
         std::unique_lock<std::mutex> lock(mutex);
-        moved.wait(lock, [this] { return isFirstDone(); });
-        Entry taken = std::move(static_cast<Entry&>(*slots.front()));
-        slots.pop_front();
+        wanted = std::min(wish, slots.size());
+        if (!done.wait_for(lock, std::chrono::milliseconds(1), [this] { return doneCount >= wanted; })) {
+            wanted = 1;
+            done.wait(lock, [this] { return doneCount != 0; });
+        }
+        wanted = NOTHING;
+        std::vector<Entry> taken;
+        for (; doneCount != 0 && taken.size() < wish; --doneCount, slots.pop_front())
+            taken.push_back(std::move(static_cast<Entry&>(*slots.front())));
         moved.notify_all();
         return taken;
     }
@@ -80,6 +93,8 @@ public:
     /// @}
 
 private:
+    static constexpr std::size_t NOTHING = static_cast<std::size_t>(-1);
+
     struct Slot : Entry {
         using Entry::Entry;
         bool hasEnded = false;
@@ -92,7 +107,10 @@ private:
     const std::size_t most;
     mutable std::mutex mutex;
     std::condition_variable moved; ///< the first piece has changed
+    std::condition_variable done;  ///< as many are done as `take` wants
     std::deque<std::unique_ptr<Slot>> slots;
+    std::size_t doneCount = 0;    ///< of the first pieces, for `take`
+    std::size_t wanted = NOTHING; ///< by `take`
 };
 
 } // namespace opc::scanning

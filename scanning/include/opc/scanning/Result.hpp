@@ -64,7 +64,6 @@ struct ScannedSignatures {
 struct Result {
     std::string name;               ///< of its source
     std::optional<Failure> failure; ///< the first one: why something that was asked for isn't there
-    std::optional<std::uint64_t> size;
 
     /// What was passed over when the package was opened as a package, which parts, relationships, properties and signatures
     /// need.

@@ -7,7 +7,7 @@
 
 namespace opc::scanning {
 
-/// One JSON object, in UTF-8 and on one line, with the members `size`, `hidden`, `error` and, of what was asked for and could
+/// One JSON object, in UTF-8 and on one line, with the members `hidden`, `error` and, of what was asked for and could
 /// be read, `format`, `parts`, `relationships`, `properties`, `externals`, `signatures`, `findings`. They have the shapes
 /// that `opctool --json=2` gives: `hidden` and `error` as its envelope has them, the others as the results of `type`, `ls`,
 /// `rels --all`, `props`, `external`, `verify` and `check`. Without an error, `error` is null. `properties` is null if they
