@@ -1,6 +1,7 @@
 #include "RawVerification.hpp"
 
 #include <expat.h>
+#include <openssl/rsa.h>
 
 #include <cstddef>
 #include <stdexcept>
@@ -33,6 +34,32 @@ void RawDigest::operator()(std::string_view content) {
                 EVP_DigestUpdate(context.get(), content.data(), content.size()) == 1 &&
                 EVP_DigestFinal_ex(context.get(), value, nullptr) == 1,
             "no digest");
+}
+
+RawRsa::RawRsa(const EVP_MD* method)
+    : method(method), key(EVP_RSA_gen(2048), EVP_PKEY_free),
+      digest(static_cast<std::size_t>(EVP_MD_get_size(method)), 'x') {
+    const auto context = makeContext();
+    std::size_t size = 0;
+    require(EVP_PKEY_sign_init(context.get()) == 1 &&
+                EVP_PKEY_CTX_set_signature_md(context.get(), method) == 1 &&
+                EVP_PKEY_sign(context.get(), nullptr, &size, digest.data(), digest.size()) == 1,
+            "no signature");
+    value.resize(size);
+    require(EVP_PKEY_sign(context.get(), value.data(), &size, digest.data(), digest.size()) == 1,
+            "no signature");
+}
+
+void RawRsa::verify() const {
+    const auto context = makeContext();
+    require(EVP_PKEY_verify_init(context.get()) == 1 &&
+                EVP_PKEY_CTX_set_signature_md(context.get(), method) == 1 &&
+                EVP_PKEY_verify(context.get(), value.data(), value.size(), digest.data(), digest.size()) == 1,
+            "the bare signature doesn't hold");
+}
+
+std::unique_ptr<EVP_PKEY_CTX, decltype(&EVP_PKEY_CTX_free)> RawRsa::makeContext() const {
+    return {EVP_PKEY_CTX_new(key.get(), nullptr), EVP_PKEY_CTX_free};
 }
 
 void parseByExpat(std::string_view document) {

@@ -24,14 +24,11 @@
 #include <opc/physical/ZipPackage.hpp>
 
 #include <openssl/evp.h>
-#include <openssl/rsa.h>
-#include <openssl/sha.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -101,40 +98,8 @@ void verify(const fs::path& path) {
         throw std::runtime_error(verdict.getReasons().front().text);
 }
 
-/// One signature value, and its check with a key that is already loaded.
-class BareRsa {
-public:
-    BareRsa() : digest(SHA512_DIGEST_LENGTH, 'x') {
-        const auto context = makeContext();
-        std::size_t size = 0;
-        if (EVP_PKEY_sign_init(context.get()) != 1 ||
-            EVP_PKEY_CTX_set_signature_md(context.get(), EVP_sha512()) != 1 ||
-            EVP_PKEY_sign(context.get(), nullptr, &size, digest.data(), digest.size()) != 1)
-            throw std::runtime_error("no signature");
-        value.resize(size);
-        EVP_PKEY_sign(context.get(), value.data(), &size, digest.data(), digest.size());
-    }
-
-    void verify() const {
-        const auto context = makeContext();
-        if (EVP_PKEY_verify_init(context.get()) != 1 ||
-            EVP_PKEY_CTX_set_signature_md(context.get(), EVP_sha512()) != 1 ||
-            EVP_PKEY_verify(context.get(), value.data(), value.size(), digest.data(), digest.size()) != 1)
-            throw std::runtime_error("the bare signature doesn't hold");
-    }
-
-private:
-    std::unique_ptr<EVP_PKEY_CTX, decltype(&EVP_PKEY_CTX_free)> makeContext() const {
-        return {EVP_PKEY_CTX_new(key.get(), nullptr), EVP_PKEY_CTX_free};
-    }
-
-    std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key{EVP_RSA_gen(2048), EVP_PKEY_free};
-    std::vector<unsigned char> digest;
-    std::vector<unsigned char> value;
-};
-
-const BareRsa& bareRsa() {
-    static const BareRsa made;
+const bench::RawRsa& bareRsa() {
+    static const bench::RawRsa made(EVP_sha512());
     return made;
 }
 

@@ -37,9 +37,9 @@ std::vector<unsigned char> makeECPublicKey(const std::string& curve,
     return module().makeECPublicKey(curve, point);
 }
 
-SignatureValueStatus checkSignatureValue(const std::vector<unsigned char>& publicKey, SignatureScheme scheme,
-                                         DigestAlgorithm algorithm, const std::string& content,
-                                         const std::vector<unsigned char>& value) {
+CheckedSignatureValue checkSignatureValue(const std::vector<unsigned char>& publicKey, SignatureScheme scheme,
+                                          DigestAlgorithm algorithm, const std::string& content,
+                                          const std::vector<unsigned char>& value) {
     return module().checkSignatureValue(publicKey, scheme, algorithm, content, value);
 }
 

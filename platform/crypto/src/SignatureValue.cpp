@@ -2,6 +2,7 @@
 
 #include "EvpDigestEngine.hpp"
 #include "OpenSsl.hpp"
+#include "PlainPublicKeys.hpp"
 
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
@@ -26,12 +27,6 @@ constexpr std::size_t MOST_KEY_BYTES = 16384; // of an encoded key
 constexpr int MOST_BITS = 16384;
 constexpr int MOST_EXPONENT_BITS = 64;
 
-struct Curve {
-    const char* name;
-    const char* openSslName;
-};
-constexpr Curve CURVES[] = {{"P-256", "prime256v1"}, {"P-384", "secp384r1"}, {"P-521", "secp521r1"}};
-
 bool isRSA(const EVP_PKEY& key) {
     return EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_is_a(&key, "RSA-PSS");
 }
@@ -47,9 +42,9 @@ void throwIfUnusable(const EVP_PKEY& key) {
 }
 
 PkeyPtr readPublic(const Bytes& encoded) {
-    PkeyPtr key = encoded.size() > MOST_KEY_BYTES
-                      ? PkeyPtr()
-                      : openssl::fromDer<PkeyPtr, d2i_PUBKEY>(encoded.data(), encoded.size());
+    PkeyPtr key = encoded.size() > MOST_KEY_BYTES ? PkeyPtr() : readPlainPublicKey(encoded);
+    if (!key && encoded.size() <= MOST_KEY_BYTES)
+        key = openssl::fromDer<PkeyPtr, d2i_PUBKEY>(encoded.data(), encoded.size());
     if (!key)
         openssl::fail<InvalidKey>("The bytes are no public key.");
     throwIfUnusable(*key);
@@ -76,26 +71,8 @@ Bytes encode(const EVP_PKEY& key) {
 }
 
 std::string curveOf(const EVP_PKEY& key) {
-    char name[64];
-    std::size_t size = 0;
-    if (!EVP_PKEY_is_a(&key, "EC") || !EVP_PKEY_get_group_name(&key, name, sizeof name, &size))
-        return {};
-    const auto* const known = std::find_if(std::begin(CURVES), std::end(CURVES), [&](const Curve& one) {
-        return name == std::string(one.openSslName);
-    });
-    return known == std::end(CURVES) ? std::string() : known->name;
-}
-
-PkeyPtr make(const char* algorithm, const OSSL_PARAM_BLD& builder) {
-    const openssl::ParamsPtr params =
-        openssl::made(openssl::ParamsPtr(OSSL_PARAM_BLD_to_param(const_cast<OSSL_PARAM_BLD*>(&builder))));
-    const openssl::PkeyCtxPtr context =
-        openssl::made(openssl::PkeyCtxPtr(EVP_PKEY_CTX_new_from_name(nullptr, algorithm, nullptr)));
-    EVP_PKEY* key = nullptr;
-    if (EVP_PKEY_fromdata_init(context.get()) != 1 ||
-        EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1)
-        openssl::fail<InvalidKey>("The numbers make no public key.");
-    return PkeyPtr(key);
+    const NamedCurve* const curve = findCurveOf(key);
+    return curve == nullptr ? std::string() : curve->name;
 }
 
 bool fits(const EVP_PKEY& key, SignatureScheme scheme) {
@@ -202,17 +179,32 @@ bool holdsWithoutNull(EVP_PKEY& key, DigestAlgorithm algorithm, const std::strin
     return recovered == expected;
 }
 
+PublicKeyKind describe(const EVP_PKEY& key) {
+    using Algorithm = PublicKeyKind::Algorithm;
+    const Algorithm algorithm = EVP_PKEY_is_a(&key, "RSA")       ? Algorithm::RSA
+                                : EVP_PKEY_is_a(&key, "RSA-PSS") ? Algorithm::RSAPSS
+                                : EVP_PKEY_is_a(&key, "EC")      ? Algorithm::EC
+                                                                 : Algorithm::Other;
+    return {algorithm, static_cast<std::size_t>(std::max(0, EVP_PKEY_get_bits(&key))), curveOf(key)};
+}
+
+SignatureValueStatus check(EVP_PKEY& key, SignatureScheme scheme, DigestAlgorithm algorithm,
+                           const std::string& content, const Bytes& value) {
+    if (!fits(key, scheme))
+        return SignatureValueStatus::Wrong;
+    const Bytes given = scheme == SignatureScheme::ECDSA ? toDer(key, value) : value;
+    if (holds(key, scheme, algorithm, content, given))
+        return SignatureValueStatus::Right;
+    return scheme == SignatureScheme::RSAPKCS1 && holdsWithoutNull(key, algorithm, content, value)
+               ? SignatureValueStatus::RightWithoutNull
+               : SignatureValueStatus::Wrong;
+}
+
 } // namespace
 
 PublicKeyKind describePublicKey(const Bytes& publicKey) {
-    using Algorithm = PublicKeyKind::Algorithm;
     const openssl::ErrorScope scope;
-    const PkeyPtr key = readPublic(publicKey);
-    const Algorithm algorithm = EVP_PKEY_is_a(key.get(), "RSA")       ? Algorithm::RSA
-                                : EVP_PKEY_is_a(key.get(), "RSA-PSS") ? Algorithm::RSAPSS
-                                : EVP_PKEY_is_a(key.get(), "EC")      ? Algorithm::EC
-                                                                      : Algorithm::Other;
-    return {algorithm, static_cast<std::size_t>(std::max(0, EVP_PKEY_get_bits(key.get()))), curveOf(*key)};
+    return describe(*readPublic(publicKey));
 }
 
 Bytes makeRSAPublicKey(const Bytes& modulus, const Bytes& exponent) {
@@ -221,41 +213,24 @@ Bytes makeRSAPublicKey(const Bytes& modulus, const Bytes& exponent) {
         throw InvalidKey("The numbers make no public key.");
     const openssl::BnPtr n = openssl::toNumber(modulus);
     const openssl::BnPtr e = openssl::toNumber(exponent);
-    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
-    if (!OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, n.get()) ||
-        !OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, e.get()))
-        throw std::bad_alloc();
-    const PkeyPtr key = make("RSA", *builder);
-    throwIfUnusable(*key);
-    return encode(*key);
+    throwIfUnusable(*makeRsaKey(*n, *e));
+    return encodeRsaKey(*n, *e);
 }
 
 Bytes makeECPublicKey(const std::string& curve, const Bytes& point) {
     const openssl::ErrorScope scope;
-    const auto* const known = std::find_if(std::begin(CURVES), std::end(CURVES),
-                                           [&curve](const Curve& one) { return curve == one.name; });
-    if (known == std::end(CURVES))
+    const NamedCurve* const known = findCurve(curve);
+    if (known == nullptr)
         throw InvalidKey("There is no such curve.");
-    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
-    if (!OSSL_PARAM_BLD_push_utf8_string(builder.get(), OSSL_PKEY_PARAM_GROUP_NAME, known->openSslName, 0) ||
-        !OSSL_PARAM_BLD_push_octet_string(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, point.data(), point.size()))
-        throw std::bad_alloc();
-    return encode(*make("EC", *builder));
+    return encode(*makeEcKey(*known, point.data(), point.size()));
 }
 
-SignatureValueStatus checkSignatureValue(const Bytes& publicKey, SignatureScheme scheme,
-                                         DigestAlgorithm algorithm, const std::string& content,
-                                         const Bytes& value) {
+CheckedSignatureValue checkSignatureValue(const Bytes& publicKey, SignatureScheme scheme,
+                                          DigestAlgorithm algorithm, const std::string& content,
+                                          const Bytes& value) {
     const openssl::ErrorScope scope;
     const PkeyPtr key = readPublic(publicKey);
-    if (!fits(*key, scheme))
-        return SignatureValueStatus::Wrong;
-    const Bytes given = scheme == SignatureScheme::ECDSA ? toDer(*key, value) : value;
-    if (holds(*key, scheme, algorithm, content, given))
-        return SignatureValueStatus::Right;
-    return scheme == SignatureScheme::RSAPKCS1 && holdsWithoutNull(*key, algorithm, content, value)
-               ? SignatureValueStatus::RightWithoutNull
-               : SignatureValueStatus::Wrong;
+    return {check(*key, scheme, algorithm, content, value), describe(*key)};
 }
 
 Bytes makeSignatureValue(const Bytes& privateKey, SignatureScheme scheme, DigestAlgorithm algorithm,

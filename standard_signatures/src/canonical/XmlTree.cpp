@@ -1,15 +1,15 @@
 #include "canonical/XmlTree.hpp"
 
 #include "xml/Encoding.hpp"
+#include "xml/Narrow.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/XmlEvents.hpp>
 
 #include <algorithm>
 #include <deque>
 #include <memory_resource>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace opc::standard_signatures {
@@ -18,10 +18,6 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& reason) {
     throw model::InvalidXMLDocument(reason);
-}
-
-std::string narrow(std::u16string_view text) {
-    return toUDEString(std::u16string(text));
 }
 
 /// Counts what is read of a document. It is read a second time if its form is unusual.
@@ -54,19 +50,23 @@ private:
 /// What all texts, lists and nodes of a tree live in.
 class XmlTree::Memory {
 public:
-    std::string_view keep(std::string_view text) {
+    std::string_view keep(std::u16string_view text) {
         if (text.empty())
             return std::string_view("");
-        auto* const place = static_cast<char*>(resource.allocate(text.size(), 1));
-        std::copy(text.begin(), text.end(), place);
-        return {place, text.size()};
+        return isASCII(text) ? copy(text) : copy(narrow(text));
     }
 
     /// The same for texts that come again and again.
     std::string_view keepName(std::u16string_view name) {
-        const std::string text = narrow(name);
-        const auto known = names.find(text);
-        return known != names.end() ? *known : *names.insert(keep(text)).first;
+        if (name.empty())
+            return std::string_view("");
+        const auto known = names.find(name);
+        if (known != names.end())
+            return known->second;
+        auto* const place =
+            static_cast<char16_t*>(resource.allocate(name.size() * sizeof(char16_t), alignof(char16_t)));
+        std::copy(name.begin(), name.end(), place);
+        return names.emplace(std::u16string_view(place, name.size()), keep(name)).first->second;
     }
 
     template <typename T>
@@ -84,9 +84,16 @@ public:
     }
 
 private:
+    template <typename Text>
+    std::string_view copy(const Text& text) {
+        auto* const place = static_cast<char*>(resource.allocate(text.size(), 1));
+        std::transform(text.begin(), text.end(), place, [](auto c) { return static_cast<char>(c); });
+        return {place, text.size()};
+    }
+
     std::pmr::monotonic_buffer_resource resource;
     std::deque<XmlTreeNode> nodes;
-    std::unordered_set<std::string_view> names;
+    std::unordered_map<std::u16string_view, std::string_view> names;
 };
 
 class XmlTree::Builder final : public model::XmlEvents {
@@ -165,13 +172,13 @@ private:
             return;
         XmlTreeNode& node = append(kind);
         node.name = tree.memory->keepName(target);
-        node.text = tree.memory->keep(narrow(content));
+        node.text = tree.memory->keep(content);
     }
 
     void endText() {
         if (text.empty())
             return;
-        appendNode(XmlTreeNode::Kind::Text).text = tree.memory->keep(narrow(text));
+        appendNode(XmlTreeNode::Kind::Text).text = tree.memory->keep(text);
         text.clear();
     }
 
@@ -180,7 +187,7 @@ private:
         for (std::size_t i = 0; i < element.attributeCount(); ++i) {
             const model::XmlAttribute one = element.attribute(i);
             all.push_back({tree.memory->keepName(one.namespaceURI), tree.memory->keepName(one.prefix),
-                           tree.memory->keepName(one.localName), tree.memory->keep(narrow(one.value))});
+                           tree.memory->keepName(one.localName), tree.memory->keep(one.value)});
         }
         return tree.memory->keep(all);
     }

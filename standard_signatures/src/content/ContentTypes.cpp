@@ -3,8 +3,8 @@
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
 #include "xml/Encoding.hpp"
+#include "xml/Narrow.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/XmlEvents.hpp>
 
 namespace opc::standard_signatures {
@@ -15,10 +15,6 @@ constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/pa
 
 [[noreturn]] void refuse(const std::string& text) {
     throw Refusal(Reason::Code::ContentTypeChanged, "[Content_Types].xml", text);
-}
-
-std::string narrow(std::u16string_view text) {
-    return toUDEString(std::u16string(text));
 }
 
 /// Whether everybody reads the same from it.

@@ -5,8 +5,8 @@
 #include "crypto/Methods.hpp"
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
+#include "xml/Narrow.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
@@ -51,7 +51,7 @@ struct PackageContents::Known {
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
     : ignored(store.getIgnoredItems()), known(std::make_unique<Known>()) {
     for (interfaces::IPhysicalPart* const physical : store.getParts()) {
-        StoredPart part{decodePartName(toUDEString(physical->getName())), physical, {}, {}, false};
+        StoredPart part{decodePartName(narrow(physical->getName())), physical, {}, {}, false};
         std::string source;
         if (isRelationshipsName(part.name, source))
             part.source = source;
@@ -69,7 +69,7 @@ PackageContents::~PackageContents() = default;
 void PackageContents::readContentTypes(interfaces::IPhysicalPackage& store) {
     if (!store.usesContentTypeStream()) {
         for (StoredPart& part : all)
-            part.contentType = toUDEString(part.physical->getContentType());
+            part.contentType = narrow(part.physical->getContentType());
         return;
     }
     try {

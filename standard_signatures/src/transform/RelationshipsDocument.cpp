@@ -3,8 +3,8 @@
 #include "reason/Refusal.hpp"
 #include "transform/RelationshipsNamespace.hpp"
 #include "xml/Encoding.hpp"
+#include "xml/Narrow.hpp"
 
-#include <opc/core/Text.hpp>
 #include <opc/model/XmlEvents.hpp>
 
 #include <algorithm>
@@ -15,10 +15,6 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& reason) {
     throw Refusal(Reason::Code::RelationshipsRefused, "", reason);
-}
-
-std::string narrow(std::u16string_view text) {
-    return toUDEString(std::u16string(text));
 }
 
 class Reader final : public model::XmlEvents {
@@ -37,7 +33,7 @@ public:
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const std::u16string_view expected = depth == 0 ? u"Relationships" : u"Relationship";
         if (depth > 1 || element.localName() != expected ||
-            narrow(element.namespaceURI()) != RELATIONSHIPS_NAMESPACE)
+            !isText(element.namespaceURI(), RELATIONSHIPS_NAMESPACE))
             refuse("The element " + narrow(element.localName()) + " doesn't belong there");
         ++depth;
         if (depth == 2)
@@ -63,20 +59,21 @@ private:
     }
 
     static unsigned take(const model::XmlAttribute& attribute, RelationshipValues& values) {
-        const std::string name = attribute.namespaceURI.empty() ? narrow(attribute.localName) : std::string();
-        const std::string value = narrow(attribute.value);
-        if (name == "Id")
-            values.id = value;
-        else if (name == "Type")
-            values.type = value;
-        else if (name == "Target")
-            values.target = value;
-        else if (name == "TargetMode" && (value == "External" || value == "Internal"))
-            values.isExternal = value == "External";
+        const std::u16string_view name =
+            attribute.namespaceURI.empty() ? attribute.localName : std::u16string_view();
+        const std::u16string_view value = attribute.value;
+        if (name == u"Id")
+            values.id = narrow(value);
+        else if (name == u"Type")
+            values.type = narrow(value);
+        else if (name == u"Target")
+            values.target = narrow(value);
+        else if (name == u"TargetMode" && (value == u"External" || value == u"Internal"))
+            values.isExternal = value == u"External";
         else
             refuse("A relationship has the attribute " + narrow(attribute.localName) + " with the value \"" +
-                   value + "\"");
-        return name == "Id" ? 1 : name == "Type" ? 2 : name == "Target" ? 4 : 0;
+                   narrow(value) + "\"");
+        return name == u"Id" ? 1 : name == u"Type" ? 2 : name == u"Target" ? 4 : 0;
     }
 
     static constexpr unsigned ALL_REQUIRED = 7;

@@ -86,10 +86,9 @@ void throwIfNotAccepted(const PublicKeyKind& kind, const SignatureMethod& method
 SignerKey tryKey(const SignatureDocument& document, const Candidate& candidate,
                  const std::string& signedInfo) {
     try {
-        PublicKeyKind kind = bedrock::crypto::describePublicKey(candidate.key);
-        throwIfNotAccepted(kind, *document.method);
-        const SignatureValueStatus status = bedrock::crypto::checkSignatureValue(
+        auto [status, kind] = bedrock::crypto::checkSignatureValue(
             candidate.key, document.method->scheme, document.method->algorithm, signedInfo, document.value);
+        throwIfNotAccepted(kind, *document.method);
         return {candidate.key, std::move(kind), candidate.certificate, status};
     } catch (const bedrock::crypto::utils::InvalidKey& e) {
         throw Refusal(Code::NoKey, "", std::string("The key can't be used: ") + e.what());

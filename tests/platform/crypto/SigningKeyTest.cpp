@@ -18,8 +18,8 @@ bool signs(const SigningKey& key) {
     const bool isEC = describePublicKey(key.getPublicKey()).algorithm == PublicKeyKind::Algorithm::EC;
     const SignatureScheme scheme = isEC ? SignatureScheme::ECDSA : SignatureScheme::RSAPSS;
     const Bytes value = makeSignatureValue(key.getPrivateKey(), scheme, DigestAlgorithm::SHA256, "content");
-    return checkSignatureValue(key.getPublicKey(), scheme, DigestAlgorithm::SHA256, "content", value) ==
-           SignatureValueStatus::Right;
+    return checkSignatureValue(key.getPublicKey(), scheme, DigestAlgorithm::SHA256, "content", value)
+               .status == SignatureValueStatus::Right;
 }
 
 TEST(SigningKeys, areReadInEachForm) {

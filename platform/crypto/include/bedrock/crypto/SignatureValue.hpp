@@ -37,6 +37,12 @@ enum class SignatureValueStatus {
     Wrong,
 };
 
+/// The result of a check, and the key that was read for it.
+struct CheckedSignatureValue {
+    SignatureValueStatus status;
+    PublicKeyKind key;
+};
+
 /// Public keys are SubjectPublicKeyInfo in DER, private ones PKCS#8 in DER.
 /// @throws utils::InvalidKey  the bytes aren't such a key; an RSA key has more than 16,384 bits, or an exponent that is 1,
 ///                            even or longer than 64 bits
@@ -57,11 +63,11 @@ BEDROCK_CRYPTO_EXPORT std::vector<unsigned char> makeECPublicKey(const std::stri
 
 /// @param content  what was signed, not its digest
 /// @return `Wrong` also if the key can't be used with this scheme
-BEDROCK_CRYPTO_EXPORT SignatureValueStatus checkSignatureValue(const std::vector<unsigned char>& publicKey,
-                                                               SignatureScheme scheme,
-                                                               DigestAlgorithm algorithm,
-                                                               const std::string& content,
-                                                               const std::vector<unsigned char>& value);
+BEDROCK_CRYPTO_EXPORT CheckedSignatureValue checkSignatureValue(const std::vector<unsigned char>& publicKey,
+                                                                SignatureScheme scheme,
+                                                                DigestAlgorithm algorithm,
+                                                                const std::string& content,
+                                                                const std::vector<unsigned char>& value);
 
 /// @param content  what to sign, not its digest
 BEDROCK_CRYPTO_EXPORT std::vector<unsigned char>
