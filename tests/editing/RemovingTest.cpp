@@ -1,4 +1,3 @@
-#include "removing/PartPattern.hpp"
 #include "support/PackageTest.hpp"
 
 #include <opc/editing/Removing.hpp>
@@ -8,23 +7,6 @@ namespace {
 using namespace opc::editing;
 using namespace opc::model;
 using namespace opc::test;
-
-TEST(PartPattern, starsStopAtSlashesUnlessThereAreTwo) {
-    const std::tuple<const char16_t*, const char16_t*, bool> cases[] = {
-        {u"/a/*.png", u"/A/b.PNG", true},
-        {u"/a/*.png", u"/a/b/c.png", false},
-        {u"/a/**.png", u"/a/b/c.png", true},
-        {u"/**", u"/a/b", true},
-        {u"/*", u"/a/b", false},
-        {u"/**/c*", u"/a/b/cd", true},
-        {u"/**/c*", u"/c", false},
-        {u"/a***b", u"/a/x/b", true},
-        {u"/a", u"/a/b", false},
-        {u"*", u"", true},
-    };
-    for (const auto& [pattern, name, matches] : cases)
-        EXPECT_EQ(opc::editing::PartPattern(pattern).matches(name), matches) << opc::toUDEString(pattern);
-}
 
 /// The package leads to /main.xml, which leads to /a.xml and /b.xml; both lead to /shared.xml, and /a.xml to /only.xml, which
 /// leads back. Nothing leads to /orphan.xml, which leads to /of-orphan.xml and /only2.xml; /a.xml leads to /only2.xml, too.

@@ -1,5 +1,7 @@
+#include "subject/Names.hpp"
 #include "RawZip.hpp"
 #include "RulePairs.hpp"
+#include "comparison/NamePattern.hpp"
 
 #include <gtest/gtest.h>
 
@@ -25,6 +27,25 @@ std::string brokenByNames(const std::vector<std::string>& names, unsigned profil
         ids += (ids.empty() ? "" : " ") + line.substr(start, line.find(' ', start) - start);
     }
     return ids;
+}
+
+TEST(NamePattern, starsStopAtSlashesUnlessThereAreTwo) {
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"/a/*.png", "/A/b.PNG", true},
+        {"/a/*.png", "/a/b/c.png", false},
+        {"/a/**.png", "/a/b/c.png", true},
+        {"/**", "/a/b", true},
+        {"/*", "/a/b", false},
+        {"/**/c*", "/a/b/cd", true},
+        {"/**/c*", "/c", false},
+        {"/a***b", "/a/x/b", true},
+        {"/a", "/a/b", false},
+        {"*", "", true},
+        {"/a b*", "/a%20b.png", true},
+        {"/1*", "/1*.xml", true},
+    };
+    for (const auto& [pattern, name, matches] : cases)
+        EXPECT_EQ(inspection::NamePattern(pattern).matches(inspection::keyOfName(name)), matches) << pattern;
 }
 
 TEST(Names, breakOneRule) {

@@ -1,8 +1,9 @@
 #include <opc/editing/Removing.hpp>
 
+#include "comparison/NamePattern.hpp"
 #include "graph/Reach.hpp"
 #include "graph/Targets.hpp"
-#include "removing/PartPattern.hpp"
+#include "subject/Names.hpp"
 
 #include <opc/core/Text.hpp>
 #include <opc/model/Errors.hpp>
@@ -27,9 +28,18 @@ const Part* findLiteral(const std::vector<Part>& parts, const std::u16string& pa
     return found != parts.end() && found->getName() == pattern ? &*found : nullptr;
 }
 
+std::vector<std::string> keysOf(const std::vector<Part>& parts) {
+    std::vector<std::string> keys;
+    keys.reserve(parts.size());
+    for (const Part& part : parts)
+        keys.push_back(inspection::keyOfName(toUDEString(part.getName().toString())));
+    return keys;
+}
+
 Reach::Marks choose(const Reach& reach, const std::vector<std::string>& patterns) {
     Reach::Marks chosen = reach.makeMarks();
     const std::vector<Part>& parts = reach.parts();
+    std::vector<std::string> keys; // made when the first pattern needs them
     for (const std::string& text : patterns) {
         const std::u16string pattern = toString(text, true);
         bool isMatched = false;
@@ -38,9 +48,11 @@ Reach::Marks choose(const Reach& reach, const std::vector<std::string>& patterns
             choosePart(static_cast<std::size_t>(literal - parts.data()));
             continue;
         }
-        const PartPattern matching(pattern);
+        if (keys.empty())
+            keys = keysOf(parts);
+        const inspection::NamePattern matching(text);
         for (std::size_t i = 0; i < parts.size(); ++i)
-            if (matching.matches(parts[i].getName().toString()))
+            if (matching.matches(keys[i]))
                 choosePart(i);
         if (!isMatched)
             throw aboutPart(toUDEString(pattern),

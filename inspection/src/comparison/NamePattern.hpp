@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/inspection/Export.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -7,7 +9,7 @@ namespace opc::inspection {
 
 /// Matches names of parts against one that may hold `*`, for any characters within a segment, and `**`, for any characters.
 /// Names compare as everywhere.
-class NamePattern {
+class OPC_INSPECTION_EXPORT NamePattern {
 public:
     explicit NamePattern(std::string_view pattern);
 
