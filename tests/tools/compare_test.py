@@ -1,5 +1,6 @@
 """The commands that compare packages: diff, hash, flat, git-setup."""
 import hashlib
+import json
 import unittest
 import zipfile
 
@@ -73,16 +74,31 @@ class Compare(OpctoolCase):
         self.assertEqual(self.run_tool('diff result.docx b.docx'), (0, '', ''))
         piped = self.shell(f"'{self.tool}' diff a.docx b.docx --job - | '{self.tool}' apply a.docx - -o piped.docx")
         self.assertEqual((piped.status, self.run_tool('diff piped.docx b.docx').status), (0, 0), piped.errors)
+        self.do('mv a.docx /word/styles.xml /s.xml -o moved.docx')
+        [move] = json.loads(self.run_tool('diff a.docx moved.docx --job -').output)['steps']
+        self.assertEqual(move, {'do': 'mv', 'part': '/word/styles.xml', 'name': '/s.xml'})
         self.add_item('b.docx', '[trash]/1')
-        outcome = self.run_tool("diff a.docx b.docx '[trash]/*' --job other.json")
-        self.assertEqual(outcome, (1, '', 'opctool: a.docx: the job leaves the item [trash]/1, which is no part\n'))
+        self.do('keygen k', 'sign a.docx --key k.key -o signed.docx')
+        self.write('core.xml', '<x/>')
+        self.do('put a.docx /docProps/core.xml core.xml -o bad.docx')
+        for command, line in (
+                ("a.docx b.docx '[trash]/*'", 'a.docx: Exception: No job makes it hold what b.docx does: the item [trash]/1, '
+                                              'which is no part'),
+                ('signed.docx b.docx /word/*', 'signed.docx: BreaksSignatures: '),
+                ('a.docx bad.docx', 'a.docx: InvalidResult: The changed package would have an error')):
+            outcome = self.run_tool(f'diff {command} --job other.json')
+            self.assertEqual((outcome.status, outcome.output), (3, ''), command)
+            self.assertIn('opctool: ' + line, outcome.errors)
+            self.assertFalse((self.folder / 'other.json').exists())
+        self.assertEqual(self.run_tool('diff signed.docx b.docx /word/* --job one.json --break-signatures').status, 1)
+        self.assertEqual(self.run_tool('diff a.docx bad.docx --job two.json --no-check').status, 1)
         before = self.read('job.json')
         for failing in 'job.json', 'none/job.json', 'new.xml':
             self.assertEqual(self.run_tool('diff a.docx b.docx --job ' + failing).status, 3, failing)
         self.assertEqual(self.read('job.json'), before)
         self.assertFalse((self.folder / 'new.xml.contents').exists())
-        for wrong in '--json', '--stat':
-            self.assert_wrong_usage('diff a.docx b.docx --job x ' + wrong)
+        for wrong in '--job x --json', '--job x --stat', '--no-check', '--break-signatures':
+            self.assert_wrong_usage('diff a.docx b.docx ' + wrong)
 
     def test_what_the_archive_is_like_does_not_count(self):
         self.repack('a.docx', 'other.docx')

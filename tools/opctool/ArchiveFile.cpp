@@ -49,4 +49,11 @@ void deliver(const FileRun& run, const Archive& made, const opc::physical::FileS
         opc::editing::writeBack(run.path(), made, read);
 }
 
+opc::inspection::InspectionOptions optionsForNewErrors(const FileRun& run) {
+    opc::inspection::InspectionOptions options;
+    options.limits = run.options().reading.zip;
+    options.mostFindingsOfARule = std::size_t{1} << 20U;
+    return options;
+}
+
 } // namespace opctool

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/inspection/Archive.hpp>
+#include <opc/inspection/Inspection.hpp>
 
 #include <string>
 
@@ -24,5 +25,9 @@ opc::inspection::Archive openArchive(const std::string& path, const ReadOptions&
 /// writes nothing.
 /// @param read  the state in which the file was read
 void deliver(const FileRun& run, const opc::inspection::Archive& made, const opc::physical::FileState& read);
+
+/// For inspections of a package before and after a change: with all findings, so that none that isn't listed passes for
+/// new.
+opc::inspection::InspectionOptions optionsForNewErrors(const FileRun& run);
 
 } // namespace opctool

@@ -21,14 +21,14 @@ struct Arguments {
     bool overview = false;
     bool namesOnly = false;
     std::size_t context = 3;
-    std::string job;
+    DiffJobArguments job;
 };
 
 void diff(FileRun& run, const Arguments& arguments) {
     const Archive before = openArchive(run);
     const Archive now = openArchive(arguments.other, run.options().reading);
-    if (!arguments.job.empty()) {
-        if (writeDiffJob(run, before, now, arguments.parts, arguments.job))
+    if (!arguments.job.path.empty()) {
+        if (writeDiffJob(run, before, now, arguments.other, arguments.parts, arguments.job))
             run.sayNo();
         return;
     }
@@ -66,14 +66,22 @@ void declare(CLI::App& command) {
     command.add_option("-U,--unified", arguments->context, "Print this many lines around those that differ")
         ->type_name("N")
         ->capture_default_str();
+    CLI::Option* const job =
+        command
+            .add_option("--job", arguments->job.path,
+                        "Print no differences, but write a job for apply that makes PACKAGE hold what OTHER "
+                        "does; - is standard output")
+            ->excludes(overview, names)
+            ->type_name("FILE");
     command
-        .add_option("--job", arguments->job,
-                    "Print no differences, but write a job for apply that makes PACKAGE hold what OTHER "
-                    "does; - is standard output")
-        ->excludes(overview, names)
-        ->type_name("FILE");
+        .add_flag("--no-check", arguments->job.noCheck, "Write the job also if apply needs --no-check for it")
+        ->needs(job);
+    command
+        .add_flag("--break-signatures", arguments->job.breakSignatures,
+                  "Write the job also if apply needs --break-signatures for it")
+        ->needs(job);
     command.callback([files, arguments] {
-        if (!arguments->job.empty() && files->options.output.format() != OutputOptions::Format::Text)
+        if (!arguments->job.path.empty() && files->options.output.format() != OutputOptions::Format::Text)
             throw CLI::ValidationError("--job", "doesn't fit with JSON");
         files->run([arguments](FileRun& run) { diff(run, *arguments); });
     });
@@ -89,6 +97,7 @@ const Command DIFF{
     "compression, times, and the form of relationships and content types. A part that is XML is "
     "compared with one element a line; the order of elements counts, while the order of attributes, "
     "prefixes, and white space between elements don't. The packages may break the standard. "
+    "A job is only written if apply makes PACKAGE hold what OTHER does with it: it was tried. "
     "Contents of more than 16 KiB that a job needs go to a folder beside it, FILE.contents.",
     "opctool diff old.docx new.docx\n"
     "opctool diff old.docx new.docx --stat\n"

@@ -1,10 +1,14 @@
 #include "DiffJob.hpp"
 
+#include "ArchiveFile.hpp"
 #include "FileRun.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/editing/DifferenceJob.hpp>
+#include <opc/editing/ResultCheck.hpp>
+#include <opc/editing/Signatures.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -13,6 +17,9 @@ namespace opctool {
 namespace {
 
 namespace fs = std::filesystem;
+
+using opc::editing::DifferenceJob;
+using opc::inspection::Archive;
 
 /// Writes a file that isn't there yet.
 void writeNew(const std::string& path, const std::string& text) {
@@ -26,24 +33,48 @@ void writeNew(const std::string& path, const std::string& text) {
     }
 }
 
+void refuseIncomplete(const std::vector<std::string>& left, const std::string& other) {
+    constexpr std::size_t TOLD = 10;
+    if (left.empty())
+        return;
+    opc::Exception failure("No job makes it hold what " + other + " does: " + left.front());
+    for (std::size_t i = 1; i < std::min(left.size(), TOLD); ++i)
+        failure.addDetails(left[i]);
+    if (left.size() > TOLD)
+        failure.addDetails("and " + std::to_string(left.size() - TOLD) + " more");
+    throw failure;
+}
+
+/// What `apply` would refuse without these options is refused at once.
+void refuseAsApply(const FileRun& run, const Archive& before, const DifferenceJob& made,
+                   const DiffJobArguments& arguments) {
+    if (!arguments.breakSignatures)
+        opc::editing::throwIfBroken(made.brokenSignatures);
+    if (arguments.noCheck)
+        return;
+    const opc::inspection::InspectionOptions options = optionsForNewErrors(run);
+    opc::editing::refuseNewErrors(findNewErrors(inspect(before, options), inspect(made.result, options),
+                                                made.changes, made.brokenSignatures));
+}
+
 } // namespace
 
-bool writeDiffJob(FileRun& run, const opc::inspection::Archive& before, const opc::inspection::Archive& now,
-                  const std::vector<std::string>& names, const std::string& path) {
-    const opc::inspection::Comparison comparison = compare(before, now, {names, false});
+bool writeDiffJob(FileRun& run, const Archive& before, const Archive& now, const std::string& other,
+                  const std::vector<std::string>& names, const DiffJobArguments& arguments) {
+    const std::string& path = arguments.path;
     const bool isPrinted = path == "-";
-    const std::string folder = isPrinted ? "" : fs::path(path).filename().string() + ".contents";
-    opc::editing::JobContents contents(isPrinted ? fs::path() : fs::path(path).replace_filename(folder),
-                                       folder);
-    const opc::editing::DifferenceJob made = makeJob(comparison, contents);
+    opc::editing::JobContents contents(isPrinted ? fs::path() : fs::path(path + ".contents"));
+    opc::physical::ZipOptions limits = run.options().reading.zip;
+    limits.lenient = !run.options().reading.strict; // as the two packages were opened
+    const DifferenceJob made = makeJob(before, now, contents, {names, limits});
+    refuseIncomplete(made.left, other);
+    refuseAsApply(run, before, made, arguments);
     if (isPrinted)
         run.out() << writeJob(made.job);
     else
         writeNew(path, writeJob(made.job));
     contents.stay();
-    for (const std::string& line : made.left)
-        run.tell("the job leaves " + line);
-    return !comparison.isEmpty();
+    return !made.job.steps.empty();
 }
 
 } // namespace opctool

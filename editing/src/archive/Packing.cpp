@@ -2,7 +2,6 @@
 #include <opc/editing/ResultCheck.hpp>
 #include <opc/editing/Signatures.hpp>
 
-#include "archive/ArchiveSource.hpp"
 #include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
 #include "archive/NewContentTypes.hpp"
@@ -16,6 +15,7 @@
 #include "zip/src/SourceStore.hpp"
 
 #include <opc/core/Exception.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
 #include <opc/inspection/PackageGraph.hpp>
 
 #include <sys/stat.h>
@@ -134,7 +134,7 @@ private:
     }
 
     void write(ByteTarget& target) {
-        std::optional<ArchiveSource> source;
+        std::optional<inspection::ArchiveSource> source;
         std::optional<ArchiveReader> original;
         if (tree.original()) {
             physical::ZipOptions reading = options.archive;

@@ -1,7 +1,6 @@
 #include <opc/editing/Repacking.hpp>
 #include <opc/editing/ResultCheck.hpp>
 
-#include "archive/ArchiveSource.hpp"
 #include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
 #include "archive/ItemOrder.hpp"
@@ -13,6 +12,7 @@
 #include "zip/src/ZipContentReader.hpp"
 
 #include <opc/core/Exception.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -96,7 +96,7 @@ public:
     Repacked run() {
         physical::ZipOptions reading = options.archive;
         reading.lenient = true;
-        ArchiveSource source(package);
+        inspection::ArchiveSource source(package);
         ArchiveReader old(std::make_shared<SourceBytes>(source), package.place(), reading,
                           ArchiveReader::HeaderCheck::Now);
         Archive made = makeTemporaryArchive(options.archive, [&](ByteTarget& target) { write(old, target); });

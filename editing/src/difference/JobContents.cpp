@@ -52,7 +52,7 @@ JobContent JobContents::keep(const inspection::ContentVersion& content) {
         throw Exception(folder.string() + (error ? " can't be made: " + error.message() : " exists already"));
     const std::string file = std::to_string(++files);
     write(folder / file, *stream);
-    return {{}, name + '/' + file};
+    return {{}, folder.filename().string() + '/' + file};
 }
 
 } // namespace opc::editing

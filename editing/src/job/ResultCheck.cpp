@@ -1,9 +1,9 @@
 #include <opc/editing/ResultCheck.hpp>
 
-#include "archive/ArchiveSource.hpp"
 #include "job/StepNames.hpp"
 
 #include <opc/core/Text.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PartName.hpp>
 #include <opc/physical/LenientPackage.hpp>
@@ -106,7 +106,7 @@ void refuseNewErrors(const std::vector<Finding>& errors) {
 }
 
 void requireOpens(const inspection::Archive& result, const physical::ZipOptions& limits) {
-    archive::ArchiveSource source(result);
+    inspection::ArchiveSource source(result);
     physical::ZipOptions options = limits;
     options.lenient = true;
     physical::ZipPackage archive(source, options);

@@ -197,11 +197,11 @@ bool haveSameBytes(const Archive& left, const Archive& right) {
 Comparison compare(const Archive& before, const Archive& now, const ComparisonOptions& options) {
     PackageContents left(before);
     PackageContents right(now);
-    const NameFilter filter(options.names, left, right);
+    const NameFilter filter(options.names);
+    filter.requireIn(left, right);
     Comparison result =
         haveSameBytes(before, now) ? Comparison() : Comparer(left, right, options.findsMoves).run();
-    if (!options.names.empty())
-        filter.apply(result);
+    filter.apply(result);
     return result;
 }
 

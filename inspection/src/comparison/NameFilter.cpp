@@ -1,5 +1,6 @@
 #include "comparison/NameFilter.hpp"
 
+#include "comparison/PackageContents.hpp"
 #include "subject/Names.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -34,16 +35,22 @@ void keep(Differences& differences, const Test& test) {
 
 } // namespace
 
-NameFilter::NameFilter(const std::vector<std::string>& names, PackageContents& before, PackageContents& now) {
+NameFilter::NameFilter(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const std::string_view slash = name.substr(0, 1) == "/" || name.substr(0, 2) == "**" ? "" : "/";
-        patterns.emplace_back(std::string(slash).append(name));
-        if (!occursIn(patterns.back(), before) && !occursIn(patterns.back(), now))
-            throw Exception("Neither package has " + name);
+        patterns.push_back({name, NamePattern(std::string(slash).append(name))});
     }
 }
 
+void NameFilter::requireIn(const PackageContents& before, const PackageContents& now) const {
+    for (const auto& [name, pattern] : patterns)
+        if (!occursIn(pattern, before) && !occursIn(pattern, now))
+            throw Exception("Neither package has " + name);
+}
+
 void NameFilter::apply(Comparison& comparison) const {
+    if (patterns.empty())
+        return;
     const auto matchesContent = [this](const ContentDifference& one) { return matches(one); };
     keep(comparison.parts, matchesContent);
     keep(comparison.items, matchesContent);
@@ -59,7 +66,7 @@ void NameFilter::apply(Comparison& comparison) const {
 bool NameFilter::matches(const std::string& name) const {
     const std::string key = keyOfAny(name);
     return std::any_of(patterns.begin(), patterns.end(),
-                       [&key](const NamePattern& pattern) { return pattern.matches(key); });
+                       [&key](const Named& one) { return one.pattern.matches(key); });
 }
 
 bool NameFilter::matches(const ContentDifference& difference) const {

@@ -60,21 +60,23 @@ bool hasOddCharacter(std::string_view name) {
     });
 }
 
-std::string keyOfName(std::string_view name) {
-    const auto stays = [](char c) { return STAYS[static_cast<unsigned char>(c)]; };
-    if (std::all_of(name.begin(), name.end(), stays))
-        return toLowerASCII(name);
-    static constexpr char HEX_DIGITS[] = "0123456789abcdef";
-    std::string key;
-    key.reserve(name.size());
+std::string encodedName(std::string_view name) {
+    static constexpr char HEX_DIGITS[] = "0123456789ABCDEF";
+    std::string encoded;
+    encoded.reserve(name.size());
     for (const char c : name) {
         const auto byte = static_cast<unsigned char>(c);
-        if (stays(c))
-            key += lower(c);
+        if (STAYS[byte])
+            encoded += c;
         else
-            key.append({'%', HEX_DIGITS[byte >> 4], HEX_DIGITS[byte & 15]});
+            encoded.append({'%', HEX_DIGITS[byte >> 4], HEX_DIGITS[byte & 15]});
     }
-    return key;
+    return encoded;
+}
+
+std::string keyOfName(std::string_view name) {
+    const auto stays = [](char c) { return STAYS[static_cast<unsigned char>(c)]; };
+    return toLowerASCII(std::all_of(name.begin(), name.end(), stays) ? name : encodedName(name));
 }
 
 bool isRelationshipsName(std::string_view name) {

@@ -15,6 +15,9 @@ OPC_INSPECTION_EXPORT std::string toLowerASCII(std::string_view text);
 
 OPC_INSPECTION_EXPORT bool equalsCaseless(std::string_view left, std::string_view right);
 
+/// The name with percent-encodings instead of the characters that a part name can't hold.
+OPC_INSPECTION_EXPORT std::string encodedName(std::string_view name);
+
 /// What names of parts are compared by, wherever they stand: two are the same part if they have the same key. Letter case
 /// doesn't count [M1.12], and a character that a part name can't hold is as good as its percent-encoding.
 OPC_INSPECTION_EXPORT std::string keyOfName(std::string_view name);
