@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace opc::editing {
 
@@ -49,6 +50,10 @@ Change makeChange(Change::Kind kind, const PartName& place) {
 } // namespace
 
 Editor::Editor(Package& package) : edited(package), signaturesBefore(package) {
+}
+
+Editor::Editor(Package& package, Signatures signatures, std::vector<Change> changes)
+    : edited(package), signaturesBefore(std::move(signatures)), made(std::move(changes)) {
 }
 
 void Editor::throwIfSignaturesAreBroken() const {

@@ -13,6 +13,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/core/StreamHelper.hpp>
 #include <opc/core/Text.hpp>
 #include <opc/editing/Cleaning.hpp>
+#include <opc/editing/DifferenceJob.hpp>
 #include <opc/editing/FileContent.hpp>
 #include <opc/editing/Job.hpp>
 #include <opc/editing/Mending.hpp>
@@ -23,6 +24,7 @@ HEAD = """#include <opc/core/Exception.hpp>
 #include <opc/editing/Repacking.hpp>
 #include <opc/editing/ResultCheck.hpp>
 #include <opc/editing/Unpacking.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
 #include <opc/inspection/Comparison.hpp>
 #include <opc/inspection/External.hpp>
 #include <opc/inspection/Format.hpp>

@@ -1,7 +1,10 @@
 #include "support/PackageTest.hpp"
+#include "support/RawZip.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <opc/editing/Job.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
+#include <opc/physical/ZipPackage.hpp>
 
 #include <fstream>
 
@@ -11,19 +14,26 @@ using namespace opc::editing;
 using namespace opc::model;
 using namespace opc::test;
 
+const std::string BASE = "http://schemas.openxmlformats.org/package/2006/";
+const std::string USUAL =
+    "<Default Extension='rels' ContentType='application/vnd.openxmlformats-package.relationships+xml'/>"
+    "<Default Extension='xml' ContentType='application/xml'/>";
+
 std::string jobOf(const std::string& steps) {
     return R"({"opctool":{"job":1},"steps":[)" + steps + "]}";
 }
 
 TEST(Jobs, areReadAsTheyAreWritten) {
     const std::string text = jobOf(
+        R"({"do":"fix","profile":"security","rules":["M1.1"],"noRules":["SEC-17"]},{"do":"fix","profile":"opc"},)"
         R"({"do":"add","part":"/a","type":"a/b","text":"é\u0001"},{"do":"put","part":"/a","base64":"AP8="},)"
         R"({"do":"put","part":"/a","from":"x/y"},{"do":"rm","part":"/**","incoming":true,"cascade":true},)"
         R"({"do":"rm","part":["/a","/b"]},{"do":"mv","part":"/a","name":"/b"},{"do":"retype","part":"/a","type":"a/b"},)"
         R"({"do":"relate","source":"/","type":"t:t","target":"x","external":true,"id":"i"},)"
         R"({"do":"relate","source":"/","type":"t:t","target":"x"},{"do":"unrelate","source":"/","id":"i"},)"
         R"({"do":"retarget","source":"/","id":"i","target":"x"},{"do":"gc"},)"
-        R"({"do":"props","clear":true,"unset":["creator"],"set":{"title":"t"}},)"
+        R"({"do":"props","clear":true,"unset":["creator"],"set":{"title":"t"},)"
+        R"("keywords":[{"text":"k"},{"text":"l","language":"en"}]},)"
         R"({"do":"props","kind":"custom","set":{"n":{"type":"i4","text":"5"}}},)"
         R"({"do":"clean","what":["core","thumbnails"]},)"
         R"({"do":"check","failOn":"warning","profile":"all"},{"do":"check","failOn":"error","profile":"opc"})");
@@ -63,6 +73,14 @@ TEST(Jobs, areRefusedWhereTheySayAnythingElse) {
         {jobOf(R"({"do":"props","kind":"custom","set":{"n":{"type":"i4"}}})"), "n: text is missing"},
         {jobOf(R"({"do":"clean","what":["all"]})"),
          "step 1 (clean): what has none of core, extended, custom and thumbnails: all"},
+        {jobOf(R"({"do":"props","keywords":["k"]})"), "keywords: isn't an object"},
+        {jobOf(R"({"do":"fix","rules":["M0"]})"), "step 1 (fix): rules has an unknown rule: M0"},
+        {jobOf(R"({"do":"fix"},{"do":"gc"},{"do":"fix"})"),
+         "step 3 (fix): it works on the archive, so that it must stand in front of all other steps"},
+        {R"({"opctool":{"job":1},"steps":[],"steps":[]})", "The job: has the member steps twice"},
+        {jobOf(R"(1,{"do":"rm","part":"/a","part":"/b"})"), "step 2: has the member part twice"},
+        {jobOf(R"({"do":"gc"},{"do":"props","set":{"title":"a","title":"b"}})"),
+         "step 2: has the member title twice"},
         {jobOf(R"({"do":"check","failOn":"x"})"),
          "step 1 (check): failOn is none of error, warning and info"},
         {jobOf(R"({"do":"check","profile":"x"})"),
@@ -123,6 +141,7 @@ TEST_F(AppliedJobs, takeNoFileFromOutside) {
         package.open(OpenMode::ReadWrite);
     }
     EXPECT_EQ(apply(put("none")), "opc::Exception: none can't be read");
+    EXPECT_EQ(apply(put("inside\\u0000")), "opc::Exception: The name of a file has a NUL character");
     EXPECT_EQ(apply(put(".")), "opc::Exception: . isn't a regular file");
     EXPECT_EQ(apply(put("../job/inside")), "");
 }
@@ -159,6 +178,19 @@ change property title in /metadata/coreProperties.xml from "first" to "second"
     EXPECT_EQ(*PackageHelper::getCoreProperties(package).getTitle(), u"again");
     EXPECT_EQ(apply(R"({"do":"props","clear":true})"), "");
     EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
+    const auto wrote = [this](Editor& changed, const std::string& steps) {
+        const std::size_t before = changed.changes().size();
+        applyJob(changed, readJob(jobOf(steps)), {"."});
+        return changed.changes().size() - before;
+    };
+    Editor again(package);
+    again.setNow(std::chrono::system_clock::from_time_t(86400));
+    const std::string steps =
+        R"({"do":"props","set":{"modified":"now"},"keywords":[{"text":"k","language":"en"},{"text":"l"}]})";
+    EXPECT_EQ(wrote(again, steps), 2U);
+    EXPECT_EQ(again.changes().back().after.text, "1970-01-02T00:00:00Z");
+    EXPECT_EQ(again.changes().front().after.text, "k [en]; l");
+    EXPECT_EQ(wrote(again, steps), 0U) << "nothing differs: the document keeps its bytes";
 }
 
 TEST_F(AppliedJobs, setCustomPropertiesAndTakeMetadataOut) {
@@ -174,6 +206,32 @@ TEST_F(AppliedJobs, nameTheStepThatFails) {
     Editor editor(package);
     const Job job = readJob(jobOf(R"({"do":"gc"},{"do":"mv","part":"/none","name":"/x"})"));
     EXPECT_EQ(detailsOf([&] { applyJob(editor, job, {"."}); }), "step 2 (mv)");
+}
+
+TEST(Mending, thatAJobAsksForComesBeforeItsOtherSteps) {
+    const Bytes broken = makeZip(
+        {stored("[Content_Types].xml", "<Types xmlns='" + BASE + "content-types'>" + USUAL + "</Types>"),
+         stored("_rels/.rels", "<Relationships xmlns='" + BASE +
+                                   "relationships'><Relationship Id='a' Type='t:t' Target='none.xml'/>"
+                                   "<Relationship Id='b' Type='t:t' Target='a.xml'/></Relationships>"),
+         stored("a.xml", "<a/>")});
+    const Job job =
+        readJob(jobOf(R"({"do":"fix","rules":["SEC-17"]},{"do":"unrelate","source":"/","id":"b"})"));
+    ASSERT_TRUE(mends(job));
+    const Mending mending = mendBefore(opc::inspection::Archive(broken), job);
+    opc::inspection::ArchiveSource bytes(mending.archive);
+    opc::physical::ZipPackage archive(bytes);
+    Package mended(archive);
+    mended.open(OpenMode::ReadWrite);
+    Editor editor(mended, mending.signatures, mending.changes());
+    applyJob(editor, job, {"."});
+    EXPECT_TRUE(mended.getRelationships().empty());
+    ASSERT_EQ(editor.changes().size(), 2U);
+    EXPECT_EQ(describe(editor.changes()[0]), "remove relationship /#a to none.xml, t:t");
+    Job late;
+    late.steps = {CollectStep(), FixStep()};
+    EXPECT_THROW(applyJob(editor, late, {"."}), opc::Exception);
+    mended.close(true);
 }
 
 } // namespace

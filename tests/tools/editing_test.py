@@ -72,16 +72,15 @@ class Editing(OpctoolCase):
     def test_a_dry_run_says_all_and_writes_nothing(self):
         before = self.read('p.docx')
         for command in ('add p.docx /x.txt x --type text/plain', 'put p.docx /word/settings.xml x', "rm p.docx '/word/**' --cascade",
-                        'relate p.docx / urn:t /x', 'unrelate p.docx / rId1', 'props p.docx --set title=new', 'gc p.docx',
+                        'relate p.docx / urn:t /x', 'unrelate p.docx / rId1', 'props p.docx --set title=new', 'props p.docx --custom --set a=b', 'gc p.docx',
                         f'mv p.docx {DOCUMENT} /d.xml', 'retype p.docx /docProps/app.xml a/b', 'retarget p.docx / rId1 x.xml'):
             said = self.do(command + ' -n')
             self.assertEqual(self.read('p.docx'), before, command)
-            if not command.startswith('props'):
-                self.write('q.docx', before)
-                status, (document,) = self.envelopes(command.replace('p.docx', 'q.docx'))
-                self.assertEqual(status, 0, command)
-                self.assertEqual([change['text'] for change in document['result']['changes']], said.splitlines())
-                self.assertEqual(document['result']['dryRun'], False)
+            self.write('q.docx', before)
+            status, (document,) = self.envelopes(command.replace('p.docx', 'q.docx'))
+            self.assertEqual(status, 0, command)
+            self.assertEqual([change['text'] for change in document['result']['changes']], said.splitlines())
+            self.assertEqual(document['result']['dryRun'], False)
         self.assertEqual(self.do('props p.docx --set title=new -n'),
                          'change property title in /docProps/core.xml from "Report on the bindery" to "new"\n')
         self.do('new q.zip -n')
@@ -152,6 +151,23 @@ class Editing(OpctoolCase):
         self.job({'do': 'mv', 'part': '/docProps/core.xml', 'name': '/core.xml'})
         self.do('apply p.docx job.json')  # the old error moves, and isn't new
         self.assert_wrong_usage('apply - -')
+
+    def test_apply_mends_first(self):
+        self.do('rm p.docx /docProps/app.xml -o broken.docx')
+        before = self.read('broken.docx')
+        self.job({'do': 'fix', 'rules': ['SEC-17']}, {'do': 'mv', 'part': DOCUMENT, 'name': '/main.xml'})
+        jsonschema.Draft202012Validator(json.loads(self.do('schema --job'))).validate(json.loads(self.read('job.json')))
+        said = self.do('apply broken.docx job.json -n')
+        self.assertEqual(self.read('broken.docx'), before)
+        self.assertRegex(said, r'^remove relationship /#rId\d to docProps/app.xml.*\n(.*\n)*rename /word/document.xml to /main.xml\n')
+        piped = self.shell(f"'{self.tool}' apply - job.json <broken.docx >piped.docx")
+        self.assertEqual((piped.status, piped.errors), (0, said))
+        self.assertEqual(self.do('apply broken.docx job.json'), said)
+        self.assertEqual(self.do('hash broken.docx')[:64], self.do('hash piped.docx')[:64])
+        self.assertNotIn('/docProps/app.xml', self.do('rels broken.docx'))
+        self.assertIn('/main.xml', self.names('broken.docx'))
+        self.job({'do': 'fix'}, {'do': 'mv', 'part': '/none', 'name': '/n'})
+        self.assert_failure('apply p.docx job.json', 'PartNotFound: No part found with the name:/none; step 2 (mv)', 'p.docx')
 
     def test_failures_leave_the_file_as_it_was(self):
         for command, line in (

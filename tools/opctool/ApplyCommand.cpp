@@ -1,7 +1,9 @@
+#include "ArchiveFile.hpp"
 #include "ChangeText.hpp"
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "MendingText.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/editing/Job.hpp>
@@ -24,6 +26,7 @@ namespace {
 using opc::editing::Job;
 using opc::inspection::Archive;
 using opc::inspection::InspectionOptions;
+using opc::inspection::Report;
 
 struct Arguments {
     std::string job;
@@ -46,24 +49,18 @@ std::string readFile(const std::string& path) {
     return text;
 }
 
-/// All of its findings, so that none that isn't listed passes for new.
-InspectionOptions makeOptions(const FileRun& run) {
-    InspectionOptions options;
-    options.limits = run.options().reading.zip;
-    options.mostFindingsOfARule = std::size_t{1} << 20U;
-    return options;
+bool asksForNewErrors(const FileRun& run, const Arguments& arguments) {
+    return !arguments.noCheck && !run.options().dryRun;
 }
 
-void apply(FileRun& run, const Arguments& arguments) {
-    const Job job = opc::editing::readJob(readFile(arguments.job));
+/// Makes the steps that don't mend.
+/// @param before  what the package has had before all steps
+void apply(FileRun& run, const Arguments& arguments, const Job& job, EditedPackage& package,
+           const Report& before) {
     const std::filesystem::path folder = std::filesystem::path(arguments.job).parent_path();
-    EditedPackage package(run);
-    opc::inspection::Report before;
-    if (!arguments.noCheck && !run.options().dryRun)
-        before = inspect(package.openArchive(), makeOptions(run));
     const auto& editor = package.editor();
     package.checkBeforeReplacing([&](const std::filesystem::path& written) {
-        const InspectionOptions options = makeOptions(run);
+        const InspectionOptions options = optionsForNewErrors(run);
         const Archive result(written, options.limits);
         if (!arguments.noCheck)
             opc::editing::refuseNewErrors(
@@ -72,6 +69,40 @@ void apply(FileRun& run, const Arguments& arguments) {
     });
     applyJob(package.editor(), job, {folder.empty() ? "." : folder, arguments.allowOutside});
     package.finish({}, true);
+}
+
+void tellWhatIsLeft(FileRun& run, const opc::editing::Mending& mending) {
+    for (const opc::inspection::Finding& finding : mending.left)
+        if (finding.severity != opc::inspection::Severity::Info) {
+            run.tell("left: " + describeLeft(finding));
+            run.sayNo();
+        }
+}
+
+/// Mends, and goes on with the package that this makes.
+void mendAndApply(FileRun& run, const Arguments& arguments, const Job& job) {
+    Archive archive = openToInspect(run);
+    Report before;
+    if (asksForNewErrors(run, arguments))
+        before = inspect(archive, optionsForNewErrors(run));
+    InspectionOptions options;
+    options.limits = run.options().reading.zip;
+    options.fileName = run.path();
+    const opc::editing::Mending mending = mendBefore(std::move(archive), job, options);
+    EditedPackage package(run, mending);
+    apply(run, arguments, job, package, before);
+    tellWhatIsLeft(run, mending);
+}
+
+void apply(FileRun& run, const Arguments& arguments) {
+    const Job job = opc::editing::readJob(readFile(arguments.job));
+    if (opc::editing::mends(job))
+        return mendAndApply(run, arguments, job);
+    EditedPackage package(run);
+    Report before;
+    if (asksForNewErrors(run, arguments))
+        before = inspect(package.openArchive(), optionsForNewErrors(run));
+    apply(run, arguments, job, package, before);
 }
 
 void declare(CLI::App& command) {

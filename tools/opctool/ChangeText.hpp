@@ -27,6 +27,7 @@ constexpr const char* CHANGES_SCHEMA = R"({
           "place": {"description": "the part, or the source of the relationship; / is the package", "type": "string"},
           "name": {"description": "the ID of the relationship, or the property", "type": ["string", "null"]},
           "before": {
+            "$anchor": "state",
             "description": "what there was: a content type, a name, a target, a value; null if there was nothing",
             "type": ["object", "null"],
             "required": ["text", "type", "external", "size"],
@@ -37,7 +38,7 @@ constexpr const char* CHANGES_SCHEMA = R"({
               "size": {"description": "of the content in bytes, if it is known", "type": ["integer", "null"]}
             }
           },
-          "after": {"$ref": "#/properties/result/properties/changes/items/properties/before"},
+          "after": {"$ref": "#state"},
           "text": {"description": "the change in words", "type": "string"}
         }
       }

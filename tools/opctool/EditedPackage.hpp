@@ -2,8 +2,10 @@
 
 #include "FileRun.hpp"
 #include "OpenedPackage.hpp"
+#include "SourceDate.hpp"
 
 #include <opc/editing/Editor.hpp>
+#include <opc/editing/Mending.hpp>
 
 #include <string>
 
@@ -17,7 +19,17 @@ namespace opctool {
 class EditedPackage {
 public:
     explicit EditedPackage(FileRun& run)
-        : run(run), package(run, opc::interfaces::OpenMode::ReadWrite), edits(*package) {}
+        : run(run), package(run, opc::interfaces::OpenMode::ReadWrite), edits(*package) {
+        edits.setNow(presentTime());
+    }
+
+    /// The same with what was mended before.
+    /// @param mending  must outlive this object
+    EditedPackage(FileRun& run, const opc::editing::Mending& mending)
+        : run(run), package(run, opc::interfaces::OpenMode::ReadWrite, &mending),
+          edits(*package, mending.signatures, mending.changes()) {
+        edits.setNow(presentTime());
+    }
 
     opc::editing::Editor& editor() { return edits; }
     opc::model::Package& operator*() { return *package; }

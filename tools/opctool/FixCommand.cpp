@@ -2,6 +2,7 @@
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "MendingText.hpp"
 #include "RepeatableOption.hpp"
 #include "RuleNames.hpp"
 
@@ -27,12 +28,6 @@ struct Arguments {
     std::vector<std::string> profiles;
     std::vector<std::string> only, never;
 };
-
-/// The part or the item, and the relationship.
-std::string nameOf(const Place& place) {
-    const std::string& name = place.part.empty() ? place.item : place.part;
-    return name + (place.relationship.empty() ? "" : '#' + place.relationship);
-}
 
 ordered_json orNull(const std::string& text) {
     return text.empty() ? ordered_json() : ordered_json(text);
@@ -61,18 +56,12 @@ ordered_json toJSON(const Mending& mending, bool isDryRun) {
             {"dryRun", isDryRun}};
 }
 
-std::string textOf(const Rule& rule, const Place& place, const std::string& what) {
-    const std::string name = nameOf(place);
-    return std::string(rule.id) + ' ' + name + (name.empty() ? "" : ": ") + what;
-}
-
 void print(FileRun& run, const Mending& mending) {
     for (const Mended& one : mending.mended)
-        run.printLine(textOf(*one.rule, one.place, one.what));
+        run.printLine(describePlace(*one.rule, one.place) + one.what);
     for (const Finding& finding : mending.left)
         if (finding.severity != Severity::Info)
-            run.printLine("left: " + textOf(*finding.rule, finding.place, finding.message) +
-                          (finding.hint.empty() ? "" : ". " + finding.hint));
+            run.printLine("left: " + describeLeft(finding));
 }
 
 void fix(FileRun& run, const Arguments& arguments) {

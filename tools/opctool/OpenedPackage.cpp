@@ -9,8 +9,9 @@
 
 namespace opctool {
 
-OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode)
-    : run(run), file(run), package(file) {
+OpenedPackage::OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode,
+                             const opc::editing::Mending* mending)
+    : run(run), file(run, mending), package(file) {
     file.open(package, mode);
 }
 

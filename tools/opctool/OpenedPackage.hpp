@@ -15,7 +15,9 @@ namespace opctool {
 /// The package of one run. The constructor opens it. Without a call of `save`, the file doesn't change.
 class OpenedPackage {
 public:
-    OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode);
+    /// @param mending  as of `PackageFile`
+    OpenedPackage(FileRun& run, opc::interfaces::OpenMode mode,
+                  const opc::editing::Mending* mending = nullptr);
 
     opc::model::Package* operator->() { return &package; }
     opc::model::Package& operator*() { return package; }

@@ -1,5 +1,6 @@
 #include "PackageFile.hpp"
 
+#include "ArchiveFile.hpp"
 #include "FileRun.hpp"
 #include "TemporaryFile.hpp"
 
@@ -77,11 +78,19 @@ std::unique_ptr<PackageFile::InputStream> PackageFile::makeInput(const FileRun& 
     return std::make_unique<InputStream>(std::move(file));
 }
 
-PackageFile::PackageFile(FileRun& run)
-    : run(run), isStrict(run.options().reading.strict), input(makeInput(run)),
-      archive(input ? opc::physical::ZipPackage(*input, makeOptions())
-                    : opc::physical::ZipPackage(run.path(), makeOptions())),
-      lenient(archive), store(isStrict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
+opc::physical::ZipPackage PackageFile::makeArchive() {
+    using opc::physical::ZipPackage;
+    if (source)
+        return ZipPackage(*source, makeOptions());
+    return input ? ZipPackage(*input, makeOptions()) : ZipPackage(run.path(), makeOptions());
+}
+
+PackageFile::PackageFile(FileRun& run, const opc::editing::Mending* mending)
+    : run(run), isStrict(run.options().reading.strict), mending(mending),
+      source(mending != nullptr ? std::make_unique<opc::inspection::ArchiveSource>(mending->archive)
+                                : nullptr),
+      input(mending != nullptr ? nullptr : makeInput(run)), archive(makeArchive()), lenient(archive),
+      store(isStrict ? static_cast<IPhysicalPackage&>(archive) : lenient) {
 }
 
 PackageFile::~PackageFile() = default;
@@ -119,6 +128,8 @@ void PackageFile::open(opc::model::Package& package, OpenMode mode) const {
 }
 
 void PackageFile::deliver() const {
+    if (mending != nullptr)
+        return deliverMended();
     const std::string target = run.target();
     if (target == "-") {
         if (check)
@@ -127,6 +138,13 @@ void PackageFile::deliver() const {
     } else if (!target.empty()) {
         archive.writeTo(std::filesystem::path(target));
     }
+}
+
+void PackageFile::deliverMended() const {
+    const TemporaryFile copy;
+    copyTo(copy.path()); // which is checked
+    opctool::deliver(run, opc::inspection::Archive(copy.path(), run.options().reading.zip),
+                     mending->original);
 }
 
 void PackageFile::copyTo(const std::filesystem::path& path) const {

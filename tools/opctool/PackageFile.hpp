@@ -1,5 +1,7 @@
 #pragma once
 
+#include <opc/editing/Mending.hpp>
+#include <opc/inspection/ArchiveSource.hpp>
 #include <opc/physical/LenientPackage.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
@@ -24,7 +26,8 @@ class FileRun;
 /// the package itself stays as it was.
 class PackageFile : public opc::interfaces::IPhysicalPackage {
 public:
-    explicit PackageFile(FileRun& run);
+    /// @param mending  what the package of the run has become already, which must outlive this object; null for nothing
+    explicit PackageFile(FileRun& run, const opc::editing::Mending* mending = nullptr);
 
     /// Opens the model on this store. If a strict store fails, the message says whether a lenient one would succeed.
     void open(opc::model::Package& package, opc::interfaces::OpenMode mode) const;
@@ -80,16 +83,20 @@ private:
     class InputStream;
 
     static std::unique_ptr<InputStream> makeInput(const FileRun& run);
+    opc::physical::ZipPackage makeArchive();
 
     /// The options of the archive.
     opc::physical::ZipOptions makeOptions();
     void runCheck(const std::filesystem::path& written);
+    void deliverMended() const;
 
     FileRun& run;
     const bool isStrict;
-    Check check;                        ///< may be empty
-    std::exception_ptr refusal;         ///< what it has thrown
-    std::unique_ptr<InputStream> input; ///< null if the archive is the file itself
+    Check check;                ///< may be empty
+    std::exception_ptr refusal; ///< what it has thrown
+    const opc::editing::Mending* const mending;
+    std::unique_ptr<opc::inspection::ArchiveSource> source; ///< of what was mended; may be null
+    std::unique_ptr<InputStream> input; ///< null if the archive is the file itself, or mended
     opc::physical::ZipPackage archive;
     opc::physical::LenientPackage lenient;
     opc::interfaces::IPhysicalPackage& store; ///< one of the two above

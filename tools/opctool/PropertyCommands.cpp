@@ -1,3 +1,4 @@
+#include "ChangeText.hpp"
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
@@ -81,72 +82,39 @@ void warnOfCorePropertiesOutOfReach(FileRun& run, const Package& package) {
                        "to it; it stays unchanged");
 }
 
-CoreProperties readStrictly(const Package& package) {
-    try {
-        return PackageHelper::getCoreProperties(package);
-    } catch (opc::Exception& e) {
-        if (PackageHelper::hasDanglingCoreProperties(package))
+/// Tells of a relationship to core properties that leads to no part, and what is done about it. In strict mode that is a
+/// failure.
+/// @return whether there is one
+bool tellOfDangling(FileRun& run, const Package& package, const std::string& done) {
+    if (!PackageHelper::hasDanglingCoreProperties(package))
+        return false;
+    if (run.options().reading.strict) {
+        try {
+            PackageHelper::getCoreProperties(package);
+        } catch (opc::Exception& e) {
             e.addDetails("--lenient takes the package as one without them");
-        throw;
+            throw;
+        }
     }
-}
-
-/// None if their relationship leads to no part; reports what is missing and what is done about it. In strict mode that
-/// is a failure.
-CoreProperties read(FileRun& run, const Package& package, const std::string& done) {
-    if (run.options().reading.strict || !PackageHelper::hasDanglingCoreProperties(package))
-        return readStrictly(package);
     const auto dangling =
         *package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()).begin();
     run.report(
         {{"", u"/_rels/.rels#" + dangling.getID(), 0,
           "the core properties relationship leads to no part: " + opc::toUDEString(dangling.getTarget()),
           done}});
-    return {};
-}
-
-void write(const FileRun& run, Package& package, const CoreProperties& properties) {
-    if (run.options().reading.strict)
-        PackageHelper::createOrUpdateCoreProperties(package, properties);
-    else
-        PackageHelper::mendCoreProperties(package, properties);
+    return true;
 }
 
 void printCore(FileRun& run) {
     OpenedPackage package(run, OpenMode::ReadOnly);
     warnOfCorePropertiesOutOfReach(run, *package);
-    const nlohmann::json description = describe(read(run, *package, "there are none"));
+    const bool isDangling = tellOfDangling(run, *package, "there are none");
+    const nlohmann::json description =
+        describe(isDangling ? CoreProperties() : PackageHelper::getCoreProperties(*package));
     if (run.wantsJSON())
         run.json().add(description);
     else
         printProperties(run.out(), run.tableStyle(), description);
-}
-
-std::string textOf(const nlohmann::json& description, const std::string& name) {
-    const auto value = description.find(name);
-    if (value == description.end())
-        return {};
-    return value->is_string() ? value->get<std::string>() : value->dump();
-}
-
-/// @param part  of the core properties
-void record(opc::editing::Editor& editor, const std::string& part, const nlohmann::json& before,
-            const nlohmann::json& after) {
-    nlohmann::json all = before;
-    all.update(after); // the names of both
-    for (const auto& property : all.items()) {
-        opc::editing::Change change{
-            opc::editing::Change::Kind::PropertyChanged, part, property.key(), {}, {}};
-        change.before.text = textOf(before, property.key());
-        change.after.text = textOf(after, property.key());
-        if (change.before.text != change.after.text)
-            editor.record(std::move(change));
-    }
-}
-
-std::string findCorePropertiesPart(const Package& package) {
-    const auto found = package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
-    return found.empty() ? "/" : opc::toUDEString(found.begin()->getTargetURI().toString());
 }
 
 void print(FileRun& run, const Arguments& arguments) {
@@ -161,25 +129,20 @@ void print(FileRun& run, const Arguments& arguments) {
 void changeCore(FileRun& run, const Arguments& arguments) {
     EditedPackage package(run);
     warnOfCorePropertiesOutOfReach(run, *package);
-    CoreProperties properties;
-    if (!arguments.clear) // old ones that will be dropped need not be readable
-        properties = read(run, *package, "new ones are written");
-    const nlohmann::json before = describe(properties);
-    for (const std::string& name : arguments.unset)
-        unset(properties, name);
-    for (const std::string& assignment : arguments.set)
-        assign(properties, assignment);
+    if (!arguments.clear ||
+        run.options().reading.strict) // old ones that will be dropped need not be readable
+        tellOfDangling(run, *package, "new ones are written");
+    opc::editing::CorePropertyChanges changes;
+    changes.clear = arguments.clear;
+    changes.unset = arguments.unset;
+    std::transform(arguments.set.begin(), arguments.set.end(), std::back_inserter(changes.set),
+                   splitAssignment);
     if (!arguments.keywords.empty()) {
-        CoreProperties::KeywordList keywords;
+        CoreProperties::KeywordList& keywords = changes.keywords.emplace();
         std::transform(arguments.keywords.begin(), arguments.keywords.end(), std::back_inserter(keywords),
                        parseKeyword);
-        properties.setKeywords(keywords);
     }
-    const opc::editing::CorePropertiesRelationships relationships(*package);
-    if (!properties.isEmpty() || hasCoreProperties(*package))
-        write(run, *package, properties);
-    relationships.recordChanges(package.editor());
-    record(package.editor(), findCorePropertiesPart(*package), before, describe(properties));
+    changeCoreProperties(package.editor(), changes);
     package.finish();
 }
 
@@ -231,7 +194,7 @@ void declare(CLI::App& command) {
                       "has a colon and no language")
             ->type_name("TEXT[:LANGUAGE]")};
     for (CLI::Option* change : changes)
-        change->group(group)->excludes(command.get_option("--json"))->excludes(command.get_option("--jsonl"));
+        change->group(group);
     command.callback([files, arguments] {
         arguments->check();
         files->options.isChange = arguments->changes();
@@ -248,18 +211,8 @@ void declare(CLI::App& command) {
     });
 }
 
-} // namespace
-
-const Command PROPS{"props",
-                    "Print core, custom or extended properties, or change them",
-                    declare,
-                    "",
-                    "opctool props report.docx\n"
-                    "opctool props report.docx --set title='The report' --set modified=now\n"
-                    "opctool props report.docx --clear -o clean.docx\n"
-                    "opctool props report.docx --custom --set Approved=true --type bool",
-                    "",
-                    R"({
+/// What is read, or how a change goes.
+const std::string RESULT_SCHEMA = R"({
   "anyOf": [
     {
       "type": "object",
@@ -306,8 +259,20 @@ const Command PROPS{"props",
           "settings": {"type": "object", "additionalProperties": {"type": "string"}}
         }
       }
-    }
-  ]
-})"};
+    },
+)" + std::string(CHANGES_SCHEMA) + "]}";
+
+} // namespace
+
+const Command PROPS{"props",
+                    "Print core, custom or extended properties, or change them",
+                    declare,
+                    "",
+                    "opctool props report.docx\n"
+                    "opctool props report.docx --set title='The report' --set modified=now\n"
+                    "opctool props report.docx --clear -o clean.docx\n"
+                    "opctool props report.docx --custom --set Approved=true --type bool",
+                    "",
+                    RESULT_SCHEMA.c_str()};
 
 } // namespace opctool

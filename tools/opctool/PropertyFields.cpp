@@ -24,7 +24,6 @@ using opc::toUDEString;
 using opc::model::CoreProperties;
 
 using opc::model::CorePropertyField;
-using Text = CoreProperties::Text CoreProperties::*;
 using Time = CoreProperties::Time CoreProperties::*;
 using Keywords = CoreProperties::Keywords CoreProperties::*;
 
@@ -56,18 +55,9 @@ json describeValue(const CoreProperties::KeywordList& keywords) {
 }
 /// @}
 
-ptime parseTime(const std::string& text) {
-    return text == "now" ? boost::posix_time::second_clock::universal_time()
-                         : opc::convertStringToTime(fromArgument(text));
+bool isTime(const std::string& text) {
+    return text == "now" || !opc::convertStringToTime(fromArgument(text)).is_not_a_date_time();
 }
-
-struct Assignment {
-    explicit Assignment(const std::string& text)
-        : name(text, 0, text.find('=')), value(text, std::min(text.size(), name.size() + 1)) {}
-
-    std::string name;
-    std::string value;
-};
 
 /// Whether `text` has the form of a language tag in RFC 3066, which the schema requires too.
 bool isLanguageTag(const std::string& text) {
@@ -130,26 +120,18 @@ std::string checkProperty(const std::string& name) {
 std::string checkAssignment(const std::string& assignment) {
     if (assignment.find('=') == std::string::npos)
         return assignment + " isn't NAME=VALUE";
-    const auto [name, value] = Assignment(assignment);
+    const auto [name, value] = splitAssignment(assignment);
     const CorePropertyField* const field = findField(name);
     if (field && std::holds_alternative<Keywords>(field->member))
         return "set keywords with --keyword";
-    if (field && std::holds_alternative<Time>(field->member) && parseTime(value).is_not_a_date_time())
+    if (field && std::holds_alternative<Time>(field->member) && !isTime(value))
         return value + " isn't a time; write 2024-02-29, 2024-02-29T13:45Z, 2024-02-29T13:45:59+01:00 or now";
     return checkProperty(name);
 }
 
-void assign(CoreProperties& properties, const std::string& assignment) {
-    const auto [name, value] = Assignment(assignment);
-    const CorePropertyField& field = *findField(name);
-    if (const auto* const time = std::get_if<Time>(&field.member))
-        properties.** time = parseTime(value);
-    else if (const auto* const text = std::get_if<Text>(&field.member))
-        properties.** text = fromArgument(value);
-}
-
-void unset(CoreProperties& properties, const std::string& name) {
-    findField(name)->visit(properties, [](auto& value) { value = boost::none; });
+std::pair<std::string, std::string> splitAssignment(const std::string& assignment) {
+    const std::size_t end = assignment.find('=');
+    return {assignment.substr(0, end), assignment.substr(std::min(assignment.size(), end + 1))};
 }
 
 CoreProperties::KeywordList::value_type parseKeyword(const std::string& keyword) {

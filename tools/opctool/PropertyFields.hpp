@@ -8,6 +8,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 namespace opctool {
 
@@ -27,11 +28,9 @@ std::string checkProperty(const std::string& name);
 /// @return what is wrong with `assignment`, in the form name=value; empty if nothing is
 std::string checkAssignment(const std::string& assignment);
 
-/// @param assignment  one that `checkAssignment` accepts. The time "now" is the current one.
-void assign(opc::model::CoreProperties& properties, const std::string& assignment);
-
-/// Makes the field with that name absent. `checkProperty` must accept the name.
-void unset(opc::model::CoreProperties& properties, const std::string& name);
+/// @param assignment  one that `checkAssignment` accepts
+/// @return name and value
+std::pair<std::string, std::string> splitAssignment(const std::string& assignment);
 
 /// @param keyword  TEXT or TEXT:LANGUAGE. If no language tag follows the last colon, all of it is the text. A colon
 ///                 at the end of a text is dropped.

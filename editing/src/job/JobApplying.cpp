@@ -34,6 +34,9 @@ TargetMode modeOf(bool external) {
 
 /// Finds a file of a job, by what it is when all links are followed.
 fs::path findFile(const JobFolder& folder, const std::string& from) {
+    if (from.find('\0') != std::string::npos)
+        throw Exception("The name of a file has a NUL character",
+                        make_error_code(boost::system::errc::invalid_argument));
     std::error_code error;
     fs::path file = fs::canonical(folder.path / from, error);
     if (error)
@@ -98,6 +101,9 @@ struct StepMaker {
         changeProperties(editor, step.kind, step.changes);
     }
     void operator()(const CleanStep& step) const { clean(editor, step.options); }
+    void operator()(const FixStep& /*step*/) const {
+        throw Exception(LATE_FIX, make_error_code(boost::system::errc::invalid_argument));
+    }
     void operator()(const CheckStep& /*step*/) const {}
 
     Editor& editor;
@@ -107,7 +113,7 @@ struct StepMaker {
 } // namespace
 
 void applyJob(Editor& editor, const Job& job, const JobFolder& folder) {
-    for (std::size_t i = 0; i < job.steps.size(); ++i) {
+    for (std::size_t i = countFixes(job); i < job.steps.size(); ++i) {
         try {
             std::visit(StepMaker{editor, folder}, job.steps[i]);
         } catch (Exception& e) {

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <set>
 
 namespace opc::editing {
 
@@ -147,6 +148,20 @@ Step readClean(JobMembers& members) {
     return step;
 }
 
+/// Objects with a text and, perhaps, a language.
+model::CoreProperties::KeywordList readKeywords(JobMembers& members) {
+    const json& list = members.value("keywords");
+    if (!list.is_array())
+        members.fail("keywords isn't a list of objects");
+    model::CoreProperties::KeywordList keywords;
+    for (const json& each : list) {
+        JobMembers own(each, "keywords");
+        keywords.emplace_back(toString(own.text("text"), true), toString(own.text("language", {}), true));
+        own.end();
+    }
+    return keywords;
+}
+
 Step readProperties(JobMembers& members) {
     const std::string kind = members.text("kind", "core");
     if (kind == "custom" || kind == "extended")
@@ -158,6 +173,8 @@ Step readProperties(JobMembers& members) {
     step.core.clear = members.flag("clear");
     if (members.has("unset"))
         step.core.unset = readList(members, "unset");
+    if (members.has("keywords"))
+        step.core.keywords = readKeywords(members);
     if (!members.has("set"))
         return step;
     const json& set = members.value("set");
@@ -171,21 +188,39 @@ Step readProperties(JobMembers& members) {
     return step;
 }
 
-Step readCheck(JobMembers& members) {
-    using inspection::Severity;
-    static const std::map<std::string, Severity> severities{
-        {"error", Severity::Error}, {"warning", Severity::Warning}, {"info", Severity::Info}};
+unsigned readProfiles(JobMembers& members) {
     static const std::map<std::string, unsigned> profiles{{"opc", inspection::OPC},
                                                           {"security", inspection::SECURITY},
                                                           {"office", inspection::OFFICE},
                                                           {"all", inspection::EVERY_PROFILE}};
-    const auto severity = severities.find(members.text("failOn", "error"));
     const auto profile = profiles.find(members.text("profile", "opc"));
-    if (severity == severities.end())
-        members.fail("failOn is none of error, warning and info");
     if (profile == profiles.end())
         members.fail("profile is none of opc, security, office and all");
-    return CheckStep{severity->second, profile->second};
+    return profile->second;
+}
+
+std::vector<std::string> readRules(JobMembers& members, const char* name) {
+    std::vector<std::string> rules;
+    if (members.has(name))
+        rules = readList(members, name);
+    for (const std::string& rule : rules)
+        if (inspection::findRules(rule).empty())
+            members.fail(std::string(name) + " has an unknown rule: " + rule);
+    return rules;
+}
+
+Step readFix(JobMembers& members) {
+    return FixStep{readProfiles(members), readRules(members, "rules"), readRules(members, "noRules")};
+}
+
+Step readCheck(JobMembers& members) {
+    using inspection::Severity;
+    static const std::map<std::string, Severity> severities{
+        {"error", Severity::Error}, {"warning", Severity::Warning}, {"info", Severity::Info}};
+    const auto severity = severities.find(members.text("failOn", "error"));
+    if (severity == severities.end())
+        members.fail("failOn is none of error, warning and info");
+    return CheckStep{severity->second, readProfiles(members)};
 }
 
 Step readStep(const json& object, std::size_t number) {
@@ -194,7 +229,8 @@ Step readStep(const json& object, std::size_t number) {
         {"add", readAdd},           {"put", readPut},           {"rm", readRemove},
         {"mv", readMove},           {"retype", readRetype},     {"relate", readRelate},
         {"unrelate", readUnrelate}, {"retarget", readRetarget}, {"gc", readCollect},
-        {"props", readProperties},  {"clean", readClean},       {"check", readCheck}};
+        {"props", readProperties},  {"clean", readClean},       {"fix", readFix},
+        {"check", readCheck}};
     const std::string name = JobMembers(object, placeOf(number, {})).text("do");
     const auto kind = kinds.find(name);
     if (kind == kinds.end())
@@ -206,14 +242,48 @@ Step readStep(const json& object, std::size_t number) {
     return step;
 }
 
-json parse(std::string_view text) {
-    const auto refuseDeep = [](int depth, json::parse_event_t /*event*/, json& /*value*/) {
+/// Refuses what the parser would pass over.
+class ParsingRules {
+public:
+    void see(int depth, json::parse_event_t event, const json& value) {
+        using Event = json::parse_event_t;
         if (depth > DEEPEST)
             throw InvalidJob("The job is nested too deeply");
+        if (depth == IN_STEPS && areSteps && event != Event::key && event != Event::object_end &&
+            event != Event::array_end)
+            ++step;
+        if (event == Event::object_start)
+            names.emplace_back();
+        else if (event == Event::object_end)
+            names.pop_back();
+        else if (event == Event::key)
+            seeName(depth, value.get<std::string>());
+    }
+
+private:
+    static constexpr int IN_STEPS = 2;
+
+    void seeName(int depth, const std::string& name) {
+        if (!names.back().insert(name).second)
+            throw InvalidJob((step == 0 ? "The job" : placeOf(step, {})) + ": has the member " + name +
+                             " twice");
+        if (depth == 1)
+            areSteps = name == "steps";
+    }
+
+    std::vector<std::set<std::string>> names; ///< of the members so far, for each object that is open
+    bool areSteps = false;
+    std::size_t step = 0;
+};
+
+json parse(std::string_view text) {
+    ParsingRules rules;
+    const auto see = [&rules](int depth, json::parse_event_t event, const json& value) {
+        rules.see(depth, event, value);
         return true;
     };
     try {
-        return json::parse(text, refuseDeep);
+        return json::parse(text, see);
     } catch (const json::exception& e) {
         const std::string message = e.what();
         const std::size_t begin = message.find("] "); // behind the number of the error
@@ -239,8 +309,12 @@ Job readJob(std::string_view text) {
     if (!steps.is_array())
         members.fail("steps isn't a list");
     Job job;
-    for (const json& step : steps)
-        job.steps.push_back(readStep(step, job.steps.size() + 1));
+    for (const json& step : steps) {
+        const std::size_t number = job.steps.size() + 1;
+        job.steps.push_back(readStep(step, number));
+        if (std::holds_alternative<FixStep>(job.steps.back()) && countFixes(job) != number)
+            throw InvalidJob(placeOf(number, "fix") + ": " + LATE_FIX);
+    }
     return job;
 }
 

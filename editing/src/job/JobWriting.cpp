@@ -34,6 +34,13 @@ void addFlag(ordered_json& object, const char* name, bool value) {
         object[name] = true;
 }
 
+const char* nameOfProfiles(unsigned profiles) {
+    return profiles == inspection::OPC        ? "opc"
+           : profiles == inspection::SECURITY ? "security"
+           : profiles == inspection::OFFICE   ? "office"
+                                              : "all";
+}
+
 /// Adds the members of a step.
 struct StepWriter {
     void operator()(const AddStep& step) const {
@@ -86,6 +93,14 @@ struct StepWriter {
             object["unset"] = step.core.unset;
         for (const auto& [name, value] : step.core.set)
             object["set"][name] = value;
+        if (step.core.keywords)
+            object["keywords"] = ordered_json::array();
+        for (const auto& [text, language] :
+             step.core.keywords.value_or(model::CoreProperties::KeywordList())) {
+            object["keywords"].push_back({{"text", toUDEString(text)}});
+            if (!language.empty())
+                object["keywords"].back()["language"] = toUDEString(language);
+        }
     }
     void operator()(const OfficePropertiesStep& step) const {
         object["kind"] = step.kind == PropertyKind::Custom ? "custom" : "extended";
@@ -100,15 +115,19 @@ struct StepWriter {
             if (step.options.*option)
                 object["what"].push_back(name);
     }
+    void operator()(const FixStep& step) const {
+        object["profile"] = nameOfProfiles(step.profiles);
+        if (!step.only.empty())
+            object["rules"] = step.only;
+        if (!step.never.empty())
+            object["noRules"] = step.never;
+    }
     void operator()(const CheckStep& step) const {
         using inspection::Severity;
         object["failOn"] = step.failOn == Severity::Error     ? "error"
                            : step.failOn == Severity::Warning ? "warning"
                                                               : "info";
-        object["profile"] = step.profiles == inspection::OPC        ? "opc"
-                            : step.profiles == inspection::SECURITY ? "security"
-                            : step.profiles == inspection::OFFICE   ? "office"
-                                                                    : "all";
+        object["profile"] = nameOfProfiles(step.profiles);
     }
 
     ordered_json& object;
@@ -192,11 +211,18 @@ std::string_view jobSchema() {
           "set": {"description": "properties and their values; a time of core properties may be now", "type": "object",
            "additionalProperties": {"anyOf": [{"type": "string"},
             {"description": "of custom properties, with the type of the value", "type": "object", "required": ["type", "text"],
-             "additionalProperties": false, "properties": {"type": {"type": "string"}, "text": {"type": "string"}}}]}}}},
+             "additionalProperties": false, "properties": {"type": {"type": "string"}, "text": {"type": "string"}}}]}},
+          "keywords": {"description": "of core properties: all of them", "type": "array", "items": {"type": "object", "required": ["text"],
+           "additionalProperties": false, "properties": {"text": {"type": "string"}, "language": {"type": "string"}}}}}},
         {"required": ["do", "what"],
          "properties": {"do": {"const": "clean"},
           "what": {"description": "the metadata that are taken out", "type": "array",
            "items": {"enum": ["core", "extended", "custom", "thumbnails"]}}}},
+        {"required": ["do"],
+         "properties": {"do": {"const": "fix"},
+          "profile": {"description": "the rules that it mends by; such steps stand in front of all others", "enum": ["opc", "security", "office", "all"]},
+          "rules": {"description": "these alone", "type": "array", "items": {"type": "string"}},
+          "noRules": {"description": "all but these", "type": "array", "items": {"type": "string"}}}},
         {"required": ["do"],
          "properties": {"do": {"const": "check"},
           "failOn": {"description": "no finding of this severity or a higher one at the end", "enum": ["error", "warning", "info"]},

@@ -1,5 +1,7 @@
 #include "job/StepNames.hpp"
 
+#include <algorithm>
+
 namespace opc::editing {
 
 namespace {
@@ -17,6 +19,7 @@ struct Namer {
     const char* operator()(const PropertiesStep&) const { return "props"; }
     const char* operator()(const OfficePropertiesStep&) const { return "props"; }
     const char* operator()(const CleanStep&) const { return "clean"; }
+    const char* operator()(const FixStep&) const { return "fix"; }
     const char* operator()(const CheckStep&) const { return "check"; }
 };
 
@@ -24,6 +27,12 @@ struct Namer {
 
 std::string nameOf(const Step& step) {
     return std::visit(Namer(), step);
+}
+
+std::size_t countFixes(const Job& job) {
+    const auto isOther = [](const Step& step) { return !std::holds_alternative<FixStep>(step); };
+    const auto end = std::find_if(job.steps.begin(), job.steps.end(), isOther);
+    return static_cast<std::size_t>(end - job.steps.begin());
 }
 
 std::string placeOf(std::size_t number, const std::string& name) {

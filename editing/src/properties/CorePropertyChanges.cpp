@@ -11,9 +11,11 @@
 #include <opc/model/PackageHelper.hpp>
 #include <opc/physical/MemoryPackage.hpp>
 
+#include <boost/date_time/posix_time/conversion.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <variant>
 
@@ -35,24 +37,24 @@ const CorePropertyField& fieldOf(const std::string& name) {
     throw Exception(name + " is no core property");
 }
 
-ptime timeFrom(const std::string& text) {
+ptime timeFrom(const std::string& text, Editor::Time now) {
     if (text == "now")
-        return boost::posix_time::second_clock::universal_time();
+        return boost::posix_time::from_time_t(std::chrono::system_clock::to_time_t(now));
     const ptime time = convertStringToTime(toString(text, true));
     if (time.is_not_a_date_time())
         throw Exception(text + " isn't a time");
     return time;
 }
 
-void assign(CoreProperties::Text& value, const std::string& text) {
+void assign(CoreProperties::Text& value, const std::string& text, Editor::Time /*now*/) {
     value = toString(text, true);
 }
 
-void assign(CoreProperties::Time& value, const std::string& text) {
-    value = timeFrom(text);
+void assign(CoreProperties::Time& value, const std::string& text, Editor::Time now) {
+    value = timeFrom(text, now);
 }
 
-void assign(CoreProperties::Keywords& value, const std::string& text) {
+void assign(CoreProperties::Keywords& value, const std::string& text, Editor::Time /*now*/) {
     value = CoreProperties::KeywordList{{toString(text, true), {}}};
 }
 
@@ -67,12 +69,14 @@ std::string textOf(const ptime& time) {
 std::string textOf(const CoreProperties::KeywordList& keywords) {
     std::string all;
     for (const auto& [text, language] : keywords)
-        all += (all.empty() ? "" : "; ") + toUDEString(text);
+        all += (all.empty() ? "" : "; ") + toUDEString(text) +
+               (language.empty() ? "" : " [" + toUDEString(language) + "]");
     return all;
 }
 
-std::string valueOf(const CorePropertyField& field, const CoreProperties& properties) {
-    return field.visit(properties, [](const auto& value) { return value ? textOf(*value) : std::string(); });
+std::optional<std::string> valueOf(const CorePropertyField& field, const CoreProperties& properties) {
+    return field.visit(
+        properties, [](const auto& value) { return value ? std::optional(textOf(*value)) : std::nullopt; });
 }
 
 /// The part of the core properties; nothing if their relationship leads to none, or there is none.
@@ -92,24 +96,72 @@ void requireWritable(const CoreProperties& properties) {
     PackageHelper::createOrUpdateCoreProperties(trial, properties);
 }
 
+using Relationships = std::vector<model::Relationship>;
+
+Relationships findRelationships(const Package& package) {
+    const auto found = package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType());
+    return {found.begin(), found.end()};
+}
+
+/// Records each relationship that isn't among the other ones.
+/// @param state  of the change: what there was, or is
+void recordMissing(Editor& editor, const Relationships& some, const Relationships& others, Change::Kind kind,
+                   Change::State Change::*state) {
+    for (const model::Relationship& one : some) {
+        if (std::any_of(others.begin(), others.end(), [&one](const model::Relationship& other) {
+                return one.getID() == other.getID() && one.getTarget() == other.getTarget();
+            }))
+            continue;
+        Change change{kind, "/", toUDEString(one.getID()), {}, {}};
+        change.*state = stateOf(one);
+        editor.record(std::move(change));
+    }
+}
+
+/// Writing can make the relationship, or replace it.
 void write(Editor& editor, const CoreProperties& properties) {
     Package& package = editor.package();
     requireWritable(properties); // while the old ones are there
     if (const auto part = findPart(package))
         part->restartOutputStream(); // it may have been written before
-    const CorePropertiesRelationships before(package);
+    const Relationships before = findRelationships(package);
     PackageHelper::mendCoreProperties(package, properties);
-    before.recordChanges(editor);
+    const Relationships now = findRelationships(package);
+    recordMissing(editor, before, now, Change::Kind::RelationshipRemoved, &Change::before);
+    recordMissing(editor, now, before, Change::Kind::RelationshipAdded, &Change::after);
 }
 
-Change changeOf(Change::Kind kind, const model::Relationship& relationship) {
-    return {kind, "/", toUDEString(relationship.getID()), {}, {}};
+CoreProperties changed(CoreProperties properties, const CorePropertyChanges& changes, Editor::Time now) {
+    for (const std::string& name : changes.unset)
+        fieldOf(name).visit(properties, [](auto& value) { value = boost::none; });
+    for (const auto& [name, text] : changes.set)
+        fieldOf(name).visit(properties, [&value = text, now](auto& member) { assign(member, value, now); });
+    if (changes.keywords)
+        properties.setKeywords(*changes.keywords);
+    return properties;
+}
+
+/// A change for each property that differs, without the place.
+std::vector<Change> compare(const CoreProperties& before, const CoreProperties& after) {
+    std::vector<Change> changes;
+    for (const CorePropertyField& field : CorePropertyField::all()) {
+        const std::optional<std::string> old = valueOf(field, before);
+        const std::optional<std::string> current = valueOf(field, after);
+        if (old == current)
+            continue;
+        Change& change = changes.emplace_back(
+            Change{Change::Kind::PropertyChanged, {}, std::string(field.name()), {}, {}});
+        change.before.text = old.value_or("");
+        change.after.text = current.value_or("");
+    }
+    return changes;
 }
 
 /// @param isNew  whether there was no document, or nothing of it counts
 void replace(Editor& editor, const CoreProperties& before, const CoreProperties& after, bool isNew) {
     const bool hasPart = findPart(editor.package()).has_value();
-    if (!hasPart && after.isEmpty())
+    std::vector<Change> told = compare(before, after);
+    if (isNew ? !hasPart && after.isEmpty() : told.empty())
         return;
     write(editor, after);
     const std::string part = toUDEString(findPart(editor.package())->getName().toString());
@@ -118,43 +170,13 @@ void replace(Editor& editor, const CoreProperties& before, const CoreProperties&
         change.after.text = toUDEString(PackageHelper::getCorePropertiesContentType().toString());
         editor.record(std::move(change));
     }
-    for (const CorePropertyField& field : CorePropertyField::all()) {
-        Change change{Change::Kind::PropertyChanged, part, std::string(field.name()), {}, {}};
-        change.before.text = valueOf(field, before);
-        change.after.text = valueOf(field, after);
-        if (change.before.text != change.after.text)
-            editor.record(std::move(change));
+    for (Change& change : told) {
+        change.place = part;
+        editor.record(std::move(change));
     }
 }
 
 } // namespace
-
-CorePropertiesRelationships::CorePropertiesRelationships(const Package& package) {
-    for (const model::Relationship& found :
-         package.getRelationshipsByType(PackageHelper::getCorePropertiesRelationshipType()))
-        relationships.push_back(found);
-}
-
-void CorePropertiesRelationships::recordChanges(Editor& editor) const {
-    const CorePropertiesRelationships now(editor.package());
-    const auto isIn = [](const CorePropertiesRelationships& all, const model::Relationship& wanted) {
-        return std::any_of(all.relationships.begin(), all.relationships.end(), [&](const auto& one) {
-            return one.getID() == wanted.getID() && one.getTarget() == wanted.getTarget();
-        });
-    };
-    for (const model::Relationship& old : relationships)
-        if (!isIn(now, old)) {
-            Change change = changeOf(Change::Kind::RelationshipRemoved, old);
-            change.before = stateOf(old);
-            editor.record(std::move(change));
-        }
-    for (const model::Relationship& added : now.relationships)
-        if (!isIn(*this, added)) {
-            Change change = changeOf(Change::Kind::RelationshipAdded, added);
-            change.after = stateOf(added);
-            editor.record(std::move(change));
-        }
-}
 
 void setCoreProperties(Editor& editor, const CoreProperties& properties) {
     const bool hasThem = findPart(editor.package()).has_value();
@@ -167,12 +189,7 @@ void changeCoreProperties(Editor& editor, const CorePropertyChanges& changes) {
     const bool hasThem = findPart(editor.package()).has_value();
     const CoreProperties before =
         hasThem && !changes.clear ? PackageHelper::getCoreProperties(editor.package()) : CoreProperties();
-    CoreProperties after = before;
-    for (const std::string& name : changes.unset)
-        fieldOf(name).visit(after, [](auto& value) { value = boost::none; });
-    for (const auto& [name, text] : changes.set)
-        fieldOf(name).visit(after, [&value = text](auto& member) { assign(member, value); });
-    replace(editor, before, after, !hasThem || changes.clear);
+    replace(editor, before, changed(before, changes, editor.now()), !hasThem || changes.clear);
 }
 
 } // namespace opc::editing

@@ -10,7 +10,9 @@
 #include <opc/model/Relationship.hpp>
 #include <opc/model/TargetMode.hpp>
 
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,12 @@ public:
     /// @param package  open for changes, and not changed yet; must outlive this object
     /// @throws PackageNotOpen
     explicit Editor(model::Package& package);
+
+    /// For a package that has been changed without this object, such as by `mend`.
+    /// @param signatures  of the package before
+    /// @param changes     made since
+    Editor(model::Package& package, Signatures signatures, std::vector<Change> changes);
+
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 
@@ -46,7 +54,13 @@ public:
     /// Adds a change that was made to the package in another way.
     void record(Change change) { made.push_back(std::move(change)); }
 
-    /// The signatures that the package had when this object was made.
+    using Time = std::chrono::system_clock::time_point;
+
+    /// The time that is now for changes of properties: that of the system, unless `setNow` has set another one.
+    Time now() const { return fixedNow ? *fixedNow : std::chrono::system_clock::now(); }
+    void setNow(Time time) { fixedNow = time; }
+
+    /// The signatures that the package had before the changes.
     const Signatures& signatures() const { return signaturesBefore; }
 
     /// The signature parts of those that the changes so far break.
@@ -110,6 +124,7 @@ private:
     model::Package& edited;
     const Signatures signaturesBefore;
     std::vector<Change> made;
+    std::optional<Time> fixedNow;
 };
 
 /// What a relationship is, for a `Change`.

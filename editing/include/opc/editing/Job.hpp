@@ -4,6 +4,7 @@
 #include <opc/editing/CorePropertyChanges.hpp>
 #include <opc/editing/Editor.hpp>
 #include <opc/editing/Export.hpp>
+#include <opc/editing/Mending.hpp>
 #include <opc/editing/Properties.hpp>
 #include <opc/editing/Removing.hpp>
 
@@ -81,6 +82,13 @@ struct CleanStep {
     CleaningOptions options;
 };
 
+/// What `mend` does by these options. It works on the archive, not on the model, so that such steps come first: `mendBefore`
+/// makes them.
+struct FixStep {
+    unsigned profiles = inspection::OPC;  ///< bits of `inspection::Profile`
+    std::vector<std::string> only, never; ///< rules, as of `inspection::InspectionOptions`
+};
+
 /// The package as it is at the end of the job must have no finding of this severity or a higher one.
 struct CheckStep {
     inspection::Severity failOn = inspection::Severity::Error;
@@ -91,7 +99,7 @@ struct CheckStep {
 
 using Step =
     std::variant<AddStep, PutStep, RemoveStep, MoveStep, RetypeStep, RelateStep, UnrelateStep, RetargetStep,
-                 CollectStep, PropertiesStep, OfficePropertiesStep, CleanStep, CheckStep>;
+                 CollectStep, PropertiesStep, OfficePropertiesStep, CleanStep, FixStep, CheckStep>;
 
 /// Changes to be made together, in their order. A value type.
 struct Job {
@@ -122,9 +130,21 @@ struct JobFolder {
     bool mayBeLeft = false; ///< whether a job may name files outside of it. Jobs of strangers must not
 };
 
-/// Makes the changes of a job. It stops at the first failure, whose details name the step, by number and kind; abandon the
+/// Whether a job begins with steps that mend.
+OPC_EDITING_EXPORT bool mends(const Job& job);
+
+/// Makes these steps. Open the archive of the result as a package (`inspection::ArchiveSource`), make an `Editor` with its
+/// signatures and changes, and go on with `applyJob`.
+/// @param options  for all of them, but for what each step says itself
+/// @return what all of them did together
+/// @throws as `mend`; the details name the step
+OPC_EDITING_EXPORT Mending mendBefore(inspection::Archive archive, const Job& job,
+                                      const inspection::InspectionOptions& options = {});
+
+/// Makes the other changes of a job. It stops at the first failure, whose details name the step, by number and kind; abandon the
 /// package then. `CheckStep` does nothing here: it is about the package that is written.
-/// @throws opc::Exception  a file can't be read, isn't a regular one, or lies outside the folder, also through links
+/// @throws opc::Exception  a file can't be read, isn't a regular one, or lies outside the folder, also through links; a
+///                         `FixStep` stands behind another step
 /// @throws as the operation of a step; and the exceptions of `model::PartName` and `model::ContentType` for names and types
 OPC_EDITING_EXPORT void applyJob(Editor& editor, const Job& job, const JobFolder& folder);
 

@@ -37,7 +37,7 @@ struct Mending {
     /// The signatures of the package as it was: `Signatures::brokenBy` tells which of them the changes break.
     Signatures signatures;
 
-    /// Those of everything that was mended.
+    /// Those of everything that was mended. What isn't about a part or a relationship is about "/".
     std::vector<Change> changes() const;
 };
 
