@@ -1,6 +1,7 @@
 """The commands that compare packages: diff, hash, flat, git-setup."""
 import hashlib
 import json
+import os
 import unittest
 import zipfile
 
@@ -68,7 +69,10 @@ class Compare(OpctoolCase):
     def test_diff_makes_a_job_that_leads_there(self):
         self.write('large', bytes(range(256)) * 100)
         self.do('add b.docx /large.bin large --type a/b')
+        tried = self.run_tool('diff a.docx b.docx --job job.json -n')
+        self.assertEqual([path for path in os.listdir(self.folder) if 'job' in path], [])
         self.assertEqual(self.run_tool('diff a.docx b.docx --job job.json'), (1, '', ''))
+        self.assertEqual(tried, (1, self.do('apply a.docx job.json -n'), ''))
         self.assertEqual(self.read('job.json.contents/1'), self.read('large'))
         self.do('apply a.docx job.json -o result.docx')
         self.assertEqual(self.run_tool('diff result.docx b.docx'), (0, '', ''))

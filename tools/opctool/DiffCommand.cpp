@@ -73,6 +73,7 @@ void declare(CLI::App& command) {
                         "does; - is standard output")
             ->excludes(overview, names)
             ->type_name("FILE");
+    addDryRun(command, files->options)->needs(job)->description("Write no job; print what it would change");
     command
         .add_flag("--no-check", arguments->job.noCheck, "Write the job also if apply needs --no-check for it")
         ->needs(job);

@@ -62,17 +62,20 @@ void refuseAsApply(const FileRun& run, const Archive& before, const DifferenceJo
 bool writeDiffJob(FileRun& run, const Archive& before, const Archive& now, const std::string& other,
                   const std::vector<std::string>& names, const DiffJobArguments& arguments) {
     const std::string& path = arguments.path;
-    const bool isPrinted = path == "-";
-    opc::editing::JobContents contents(isPrinted ? fs::path() : fs::path(path + ".contents"));
+    const bool writesFiles = path != "-" && !run.options().dryRun;
+    opc::editing::JobContents contents(writesFiles ? fs::path(path + ".contents") : fs::path());
     opc::physical::ZipOptions limits = run.options().reading.zip;
     limits.lenient = !run.options().reading.strict; // as the two packages were opened
     const DifferenceJob made = makeJob(before, now, contents, {names, limits});
     refuseIncomplete(made.left, other);
     refuseAsApply(run, before, made, arguments);
-    if (isPrinted)
+    if (writesFiles)
+        writeNew(path, writeJob(made.job));
+    else if (!run.options().dryRun)
         run.out() << writeJob(made.job);
     else
-        writeNew(path, writeJob(made.job));
+        for (const opc::editing::Change& change : made.changes)
+            run.printLine(describe(change));
     contents.stay();
     return !made.job.steps.empty();
 }
