@@ -70,8 +70,6 @@ from ._package import Part as Part
 from ._package import Relationship as Relationship
 from ._package import Relationships as Relationships
 from ._package import open as open
-from ._scanning import ASPECTS as ASPECTS
-from ._scanning import PROFILES as PROFILES
 from ._scanning import Scan as Scan
 from ._scanning import ScannedExternal as ScannedExternal
 from ._scanning import ScannedPart as ScannedPart

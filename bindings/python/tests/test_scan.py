@@ -10,9 +10,10 @@ from datetime import datetime, timezone
 import pytest
 
 import opcmodel as opc
+from opcmodel._scanning import ASPECTS, PROFILES
 from packages import HYPERLINK, RELS, make_archive, make_document, relationship
 
-ALL = tuple(opc.ASPECTS)
+ALL = tuple(ASPECTS)
 OPCTOOL = os.environ.get("OPCTOOL", "opctool")
 OFFICE = pathlib.Path(__file__).parents[3] / "tests" / "data" / "office"
 CORE = (
@@ -169,7 +170,7 @@ def test_other_threads_run_while_it_waits():
 
     thread = threading.Thread(target=work)
     thread.start()
-    results = opc.scan([("x", slow)], what={"findings"}, profiles=opc.PROFILES)
+    results = opc.scan([("x", slow)], what={"findings"}, profiles=PROFILES)
     before = count
     next(results)
     assert count - before > 5

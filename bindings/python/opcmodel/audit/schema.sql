@@ -4,7 +4,7 @@ CREATE TABLE files (
     path TEXT NOT NULL UNIQUE,      -- absolute, or a URL; the bytes of the name (BLOB) if it isn't UTF-8
     size INTEGER,                   -- in bytes
     mtime_ns INTEGER,               -- when the file was changed, in nanoseconds since 1970
-    aspects INTEGER NOT NULL,       -- what was asked, as bits of opcmodel.ASPECTS
+    aspects INTEGER NOT NULL,       -- what was asked: 1 format, 2 parts, 4 relationships, 8 properties, 16 externals, 32 signatures, 64 findings
     scanned_at TEXT NOT NULL,
     vanished_at TEXT,               -- when a run first didn't find it any more
     format TEXT,                    -- the usual extension, by the content
