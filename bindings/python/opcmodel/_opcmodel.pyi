@@ -5,7 +5,7 @@ from typing import Any, Optional, TypeVar, Union
 from _typeshed import WriteableBuffer
 
 _Row = TypeVar("_Row", bound=tuple[Any, ...])
-_RelationshipRow = tuple[str, str, str, str, bool, Optional[str]]
+_RelationshipRow = tuple[str, str, str, str, bool, Optional[str], Optional[str]]
 
 class OpenOptions:
     def __init__(

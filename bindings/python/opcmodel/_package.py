@@ -38,12 +38,9 @@ class Relationship:
     external: bool
     resolved: Optional[str]
     """Where an internal target leads: the name of a part, and maybe a fragment."""
+    part_name: Optional[str]
+    """The name of the part that it leads to, which need not be there; `None` if it leads out of the package."""
     _package: "Package" = field(repr=False, compare=False)
-
-    @property
-    def part_name(self) -> Optional[str]:
-        """The name of the part that it leads to, which need not be there; `None` if it leads out of the package."""
-        return None if self.resolved is None else self.resolved.partition("#")[0].partition("?")[0]
 
     @property
     def exists(self) -> bool:

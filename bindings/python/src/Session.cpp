@@ -8,8 +8,7 @@
 #include <exception>
 #include <fstream>
 #include <iterator>
-#include <ostream>
-#include <streambuf>
+#include <sstream>
 #include <utility>
 
 #include <unistd.h>
@@ -124,7 +123,6 @@ void Session::makeArchive(ArchivePlace archivePlace) {
     isSaved = false;
     place = std::move(archivePlace);
     ZipOptions zipOptions = options.zip;
-    zipOptions.lenient = !options.strict;
     zipOptions.beforeReplacing = [this](const std::filesystem::path& written) {
         if (beforeReplacing)
             beforeReplacing(written);
@@ -347,22 +345,9 @@ opc::inspection::Archive Session::openArchive() {
 std::string Session::bytes() {
     if (!zip)
         throw opc::Exception("A package in a store of the application's own has no archive");
-    std::string all;
-    struct Output : std::streambuf {
-        explicit Output(std::string& all) : all(all) {}
-        std::streamsize xsputn(const char* bytes, std::streamsize count) override {
-            all.append(bytes, static_cast<std::size_t>(count));
-            return count;
-        }
-        int_type overflow(int_type character) override {
-            all.push_back(traits_type::to_char_type(character));
-            return traits_type::not_eof(character);
-        }
-        std::string& all;
-    } buffer(all);
-    std::ostream stream(&buffer);
+    std::ostringstream stream;
     zip->writeTo(stream);
-    return all;
+    return stream.str();
 }
 
 } // namespace opcpython

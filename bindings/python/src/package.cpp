@@ -44,6 +44,7 @@ OpenOptions makeOptions(bool strict, bool breaksSignatures, std::optional<std::i
                         const std::map<std::string, std::uint64_t>& limits) {
     OpenOptions options;
     options.strict = strict;
+    options.zip.lenient = !strict;
     options.breaksSignatures = breaksSignatures;
     options.zip.deterministic = time.has_value();
     options.zip.deterministicTime = time.value_or(0);

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <tuple>
+#include <utility>
 
 namespace opcpython {
 
@@ -18,26 +19,33 @@ using opc::model::TargetMode;
 
 namespace {
 
-/// Source, ID, type, target, whether it is external, and the URI in the package to which an internal one leads.
-using Row = std::tuple<std::string, std::string, std::string, std::string, bool, std::optional<std::string>>;
+/// Source, ID, type, target, whether it is external, and the URI to which an internal one leads, as a whole and without
+/// what follows the name of the part.
+using Row = std::tuple<std::string, std::string, std::string, std::string, bool, std::optional<std::string>,
+                       std::optional<std::string>>;
 
-std::optional<std::string> resolve(const Relationship& relationship) {
+using Resolved = std::pair<std::optional<std::string>, std::optional<std::string>>;
+
+Resolved resolve(const Relationship& relationship) {
     if (relationship.getTargetMode() == TargetMode::External)
-        return std::nullopt;
+        return {};
     try {
-        return toText(relationship.getTargetURI().toString());
+        const opc::model::URI target = relationship.getTargetURI();
+        return {toText(target.toString()), toText(target.getPath())};
     } catch (const opc::Exception&) { // it leads to nothing that has a name
-        return std::nullopt;
+        return {};
     }
 }
 
 Row rowOf(const Relationship& relationship) {
+    auto [uri, part] = resolve(relationship);
     return {toText(relationship.getSourceURI().toString()),
             toText(relationship.getID()),
             toText(relationship.getType()),
             toText(relationship.getTarget()),
             relationship.getTargetMode() == TargetMode::External,
-            resolve(relationship)};
+            std::move(uri),
+            std::move(part)};
 }
 
 std::vector<Row> rowsOf(const opc::model::Enumerator<std::vector<Relationship>>& relationships) {

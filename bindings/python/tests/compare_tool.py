@@ -27,7 +27,7 @@ def told_by_tool(tool, path):
         "rels": [(one["source"], one["id"], one["type"], one["target"], one["mode"] == "External", one["resolved"], one["exists"])
                  for one in rels["result"]],
         "hidden": len(listing["hidden"]),
-        "format": run(tool, "type", path)["result"]["type"],
+        "format": run(tool, "type", path)["result"]["format"],
         "hash": run(tool, "hash", path).get("result", {}).get("sha256"),
         "findings": [(one["rule"], one["message"]) for one in run(tool, "check", path)["result"]["findings"]],
     }

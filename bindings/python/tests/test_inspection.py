@@ -57,8 +57,8 @@ def test_differences():
     assert found.parts.moved[0].before.name == "/image.xml"
     assert [(one.before and one.before.target, one.now and one.now.target) for one in found.relationships] == [
         ("https://example.com/", None), ("../notes.xml#second", "../new.xml")]
-    assert [line for hunk in opc.diff_part(before, now, "/notes.xml") for line in hunk.lines if line[0] != " "] == [
-        "-<notes/>", "+<notes>", "+  <b/>", "+</notes>"] or opc.diff_part(before, now, "/notes.xml")
+    assert {line[0] for hunk in opc.diff_part(before, now, "/notes.xml") for line in hunk.lines} >= {"-", "+"}
+    assert opc.diff_part(before, before, "/notes.xml") == []
     assert opc.diff(before, before) == opc.diff(now, now) and not opc.diff(before, before)
 
 

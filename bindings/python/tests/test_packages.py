@@ -182,7 +182,7 @@ def test_an_exception_drops_the_changes(tmp_path):
         with opc.open(path, "r+") as package:
             change(package)
             raise ZeroDivisionError
-    assert path.read_bytes() == make_document() or contents(path) == {"/notes.xml": b"<notes/>"}
+    assert contents(path) == {"/notes.xml": b"<notes/>"}
     with opc.open(path, "r+") as package:
         change(package)
         package.close()

@@ -76,7 +76,7 @@ def test_changes_to_what_is_signed_are_refused(keys):
     for options, refused in (({}, True), ({"break_signatures": True}, False)):
         with opc.open(signed, "r+", **options) as package:
             package["/notes.xml"].write(b"forged")
-            assert package.broken_signatures == ["/_xmlsignatures/sig1.xml"] or package.broken_signatures
+            assert package.broken_signatures == [opc.signatures(package)[0].part]
             if refused:
                 with pytest.raises(opc.BreaksSignatures):
                     package.save()
