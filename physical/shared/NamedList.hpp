@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shared/Modulo61.hpp"
 #include "shared/NodePool.hpp"
 
 #include <unistd.h>
@@ -92,8 +93,6 @@ private:
     using Hash = std::uint32_t;
     using Number = std::uint32_t; ///< the number of an entry
     static constexpr Number NONE = ~Number{0};
-    static constexpr std::uint64_t PRIME = (std::uint64_t{1} << 61) - 1;
-    __extension__ using Wide = unsigned __int128;
 
     struct Entry {
         Hash key;
@@ -120,9 +119,7 @@ private:
             std::uint64_t digit = 0;
             for (const Character c : name.substr(0, IN_DIGIT))
                 digit = digit << (8 * sizeof c) | static_cast<std::make_unsigned_t<Character>>(lower(c));
-            const Wide next = static_cast<Wide>(value) * BASE + digit;
-            value = static_cast<std::uint64_t>(next & PRIME) + static_cast<std::uint64_t>(next >> 61);
-            value = value >= PRIME ? value - PRIME : value;
+            value = modulo61::multiply(value, BASE, digit);
         }
         return static_cast<Hash>((value ^ value >> 32) * 0x9E3779B97F4A7C15 >> 32);
     }
@@ -131,7 +128,7 @@ private:
         std::uint64_t random = 0;
         if (::getentropy(&random, sizeof random) != 0)
             throw std::system_error(errno, std::generic_category(), "no random number");
-        return random % (PRIME - 0x10000) + 0x10000;
+        return random % (modulo61::PRIME - 0x10000) + 0x10000;
     }
 
     Number& chainOf(Hash key) {

@@ -27,7 +27,10 @@ const char* const MANY_NAMES = "XML content can not have more than 2000 differen
 
 /// UTF-16, low byte first.
 std::string toUTF16(const std::u16string& text) {
-    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+    std::string bytes;
+    for (const char16_t unit : text)
+        bytes += {static_cast<char>(unit & 0xFFU), static_cast<char>(unit >> 8U)};
+    return bytes;
 }
 
 std::string swapped(std::string bytes) {

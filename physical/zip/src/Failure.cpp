@@ -10,8 +10,8 @@ namespace opc::physical::zip {
 namespace {
 
 /// Control characters in messages could take over a terminal.
-bool isControl(char c) {
-    return (c >= '\0' && c < ' ') || c == '\x7F';
+bool isControlCharacter(char c) {
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
 }
 
 } // namespace
@@ -26,7 +26,7 @@ void failSystem(const std::string& place, const std::string& what, int code) {
 
 std::string printable(std::string_view name) {
     std::string text(name);
-    std::replace_if(text.begin(), text.end(), isControl, '?');
+    std::replace_if(text.begin(), text.end(), isControlCharacter, '?');
     return text;
 }
 

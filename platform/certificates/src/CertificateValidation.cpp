@@ -1,4 +1,5 @@
 #include "CertificateAccess.hpp"
+#include "CheckTime.hpp"
 #include "KeyUsages.hpp"
 #include "Revocation.hpp"
 #include "Strength.hpp"
@@ -85,8 +86,7 @@ void setParameters(X509_VERIFY_PARAM& parameters, const TrustStore& trustStore,
     X509_VERIFY_PARAM_set_auth_level(&parameters, 0); // strength is checked here, key and digest separately
     if (trustStore.getSystemUsage() == TrustStore::Usage::Signing)
         X509_VERIFY_PARAM_set_trust(&parameters, X509_TRUST_OBJECT_SIGN);
-    if (const auto time = options.getCheckTime())
-        X509_VERIFY_PARAM_set_time(&parameters, std::chrono::system_clock::to_time_t(*time));
+    detail::setCheckTime(parameters, options);
 }
 
 CertificateValidationResults refusal(Status status, const std::string& reason, X509* certificate) {

@@ -1,6 +1,7 @@
 #include <bedrock/certificates/TimeStamp.hpp>
 
 #include "CertificateAccess.hpp"
+#include "CheckTime.hpp"
 #include "Revocation.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -49,8 +50,7 @@ openssl::StorePtr makeStore(const CertificateValidationOptions& options, const T
     X509_VERIFY_PARAM_set_flags(&parameters, flags);
     if (!options.isAcceptingWeakDigests() || !options.isAcceptingWeakKeys())
         X509_VERIFY_PARAM_set_auth_level(&parameters, 2); // 112 bits of security
-    if (const auto time = options.getCheckTime())
-        X509_VERIFY_PARAM_set_time(&parameters, std::chrono::system_clock::to_time_t(*time));
+    detail::setCheckTime(parameters, options);
     return store;
 }
 

@@ -187,8 +187,12 @@ std::u16string toString(const std::string& text, bool isUTF8) {
 std::wstring toWideString(const std::u16string& text) {
     std::wstring result;
     result.reserve(text.size());
-    for (std::size_t position = 0; position < text.size();)
-        result += static_cast<wchar_t>(decodeUTF16(text, position));
+    if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
+        result.assign(text.begin(), text.end());
+    } else {
+        for (std::size_t position = 0; position < text.size();)
+            result += static_cast<wchar_t>(decodeUTF16(text, position));
+    }
     return result;
 }
 

@@ -1,3 +1,4 @@
+#include "CheckTime.hpp"
 #include "CryptoSupport.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -228,6 +229,19 @@ TEST(Validation, timeAndPurposeDecide) {
               Status::Expired);
     EXPECT_EQ(validate(validity("99980101000000Z", "99991231235959Z"), {&a.issuer}, {&a.root}, {}),
               Status::NotYetValid);
+}
+
+TEST(Validation, timesBeyond32BitsBecomeTheLast) {
+    const auto after1970 = [](std::int64_t seconds) {
+        return std::chrono::system_clock::time_point(std::chrono::seconds(seconds));
+    };
+    for (const auto& [seconds, expected] : {std::pair<std::int64_t, std::int32_t>{1906502400, 1906502400},
+                                            {2147483648, 2147483647},
+                                            {4102444800, 2147483647},
+                                            {-2147483649, -2147483647 - 1}}) {
+        EXPECT_EQ(detail::toSystemTime<std::int32_t>(after1970(seconds)), expected) << seconds;
+        EXPECT_EQ(detail::toSystemTime<std::int64_t>(after1970(seconds)), seconds);
+    }
 }
 
 TEST(Validation, issuersLimitTheUsagesBelowThem) {

@@ -38,7 +38,7 @@ OPC_CORE_EXPORT std::u16string toString(const std::wstring& text);
 /// @param text    UTF-8 if `isUTF8`, otherwise Latin-1
 OPC_CORE_EXPORT std::u16string toString(const std::string& text, bool isUTF8);
 
-/// Each character becomes one wide character, also those beyond U+FFFF.
+/// Each character becomes one wide character, also those beyond U+FFFF; where `wchar_t` has two bytes, these become two.
 OPC_CORE_EXPORT std::wstring toWideString(const std::u16string& text);
 
 namespace detail {
