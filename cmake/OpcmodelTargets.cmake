@@ -1,9 +1,14 @@
 # The flags that every target of the project shares, and the helpers that declare libraries and tests.
 
 add_library(opcmodel_flags INTERFACE)
+target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion)
 # A parameter of a constructor has the name of the member that it initialises. Clang's -Wshadow lets it, GCC's doesn't.
-target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
-  $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>)
+# In a unity build Clang would also compare with what is local to other files.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(opcmodel_flags INTERFACE -Wshadow=local)
+elseif(NOT CMAKE_UNITY_BUILD)
+  target_compile_options(opcmodel_flags INTERFACE -Wshadow)
+endif()
 target_link_options(opcmodel_flags INTERFACE LINKER:--as-needed) # a library that isn't used isn't loaded
 if(OPCMODEL_DEVELOPER)
   target_compile_options(opcmodel_flags INTERFACE -Werror)

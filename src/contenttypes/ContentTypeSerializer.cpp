@@ -33,7 +33,7 @@ namespace {
 using namespace vocabulary::content_types;
 
 /// A larger stream goes to the parser at once, so that it isn't kept in memory as a whole.
-constexpr std::size_t LARGEST_SCANNED = 16 << 20;
+constexpr std::size_t LARGEST_SCANNED_TYPES = 16 << 20;
 
 /// An entry that waits for the end of the document, because the whole document must be valid. There are few content
 /// types.
@@ -120,7 +120,7 @@ void telling(std::string_view element, const Key& key, const Line& line, const A
 } // namespace
 
 void ContentTypeSerializer::read(ContentTypeMap& map, InputStream& stream) const {
-    read(map, stream, LARGEST_SCANNED);
+    read(map, stream, LARGEST_SCANNED_TYPES);
 }
 
 void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream) const {
@@ -166,13 +166,14 @@ void ContentTypeSerializer::parse(ContentTypeMap& map, InputStream& stream, Docu
     std::size_t unread = 0;
     const auto keep = [&](std::deque<FoundEntry>& entries, const VisitedElement& element,
                           std::u16string_view key) {
-        const auto contentType = contentTypes.emplace(element.attribute(CONTENT_TYPE)).first;
+        const auto contentType =
+            contentTypes.emplace(element.attribute(vocabulary::content_types::CONTENT_TYPE)).first;
         entries.push_back({std::u16string(element.attribute(key)), &*contentType, element.line()});
     };
     const auto visit = [&](const VisitedElement& element) {
         share.addElements(1);
         if (element.isRoot())
-            unread += element.is(NAMESPACE, TYPES) ? 0 : 1;
+            unread += element.is(vocabulary::content_types::NAMESPACE, TYPES) ? 0 : 1;
         else if (element.isNamed(DEFAULT))
             keep(defaults, element, EXTENSION);
         else if (element.isNamed(OVERRIDE))
@@ -238,12 +239,12 @@ void ContentTypeSerializer::serialize(const ContentTypeMap& map, OutputStream& s
     const auto document = makeXmlDocument(XmlDocument::Form::Part);
     const auto append = [&document](std::u16string_view element, std::u16string_view keyName,
                                     const std::u16string& key, const ContentType& contentType) {
-        document->open(NAMESPACE, element);
+        document->open(vocabulary::content_types::NAMESPACE, element);
         document->setAttribute(keyName, key);
-        document->setAttribute(CONTENT_TYPE, contentType.toString());
+        document->setAttribute(vocabulary::content_types::CONTENT_TYPE, contentType.toString());
         document->close();
     };
-    document->open(NAMESPACE, TYPES);
+    document->open(vocabulary::content_types::NAMESPACE, TYPES);
     for (const auto& [extension, entry] : map.getDefaults())
         if (entry.references != 0)
             append(DEFAULT, EXTENSION, extension, entry.contentType);

@@ -9,11 +9,11 @@ namespace opc::model {
 
 bool composePlainContentTypes(const ContentTypeMap& map, std::string& document) {
     using namespace vocabulary::content_types;
-    PlainDocumentComposer composer(document, TYPES, NAMESPACE);
+    PlainDocumentComposer composer(document, TYPES, vocabulary::content_types::NAMESPACE);
     const auto add = [&composer](std::string_view element, const ContentType& contentType,
                                  std::string_view keyName, const std::u16string& key) {
         composer.beginChild(element);
-        composer.addAttribute(CONTENT_TYPE, contentType.toString());
+        composer.addAttribute(vocabulary::content_types::CONTENT_TYPE, contentType.toString());
         composer.addAttribute(keyName, key);
         composer.endChild();
     };

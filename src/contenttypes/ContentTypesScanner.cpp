@@ -38,7 +38,7 @@ bool takeEntry(const PlainAttributes& attributes, std::string_view keyName, Scan
     for (const auto& [name, value] : attributes) {
         if (name == keyName)
             entry.key = value;
-        else if (name == CONTENT_TYPE)
+        else if (name == vocabulary::content_types::CONTENT_TYPE)
             entry.contentType = value;
         else
             return false;
@@ -56,7 +56,7 @@ bool scanContentTypes(std::string_view document, ScannedContentTypes& found) {
     found.defaults.reserve(USUAL);
     found.overrides.reserve(USUAL);
     return visitPlainDocument(
-        document, TYPES, NAMESPACE, found.texts,
+        document, TYPES, vocabulary::content_types::NAMESPACE, found.texts,
         [&found](std::string_view name, const PlainAttributes& attributes) {
             if (name == DEFAULT) {
                 ScannedContentType& entry = found.defaults.emplace_back(ScannedContentType{name, {}, {}});

@@ -57,7 +57,7 @@ private:
             return;
         beginElement(field.element);
         if (field.attribute == CorePropertyField::Attribute::Type)
-            markup << " " << TYPE << "=\"" << W3CDTF << "\"";
+            markup << " " << vocabulary::core_properties::TYPE << "=\"" << W3CDTF << "\"";
         addText(text);
         endElement(field.element);
     }

@@ -89,7 +89,7 @@ private:
     }
 
     const CorePropertiesName language{LANGUAGE};
-    const CorePropertiesName type{TYPE};
+    const CorePropertiesName type{vocabulary::core_properties::TYPE};
     const std::u16string w3cdtf = widen(W3CDTF);
 };
 

@@ -63,9 +63,9 @@ void normaliseLineEnds(std::string& text) {
     text.resize(length);
 }
 
-class Scan {
+class PropertiesScan {
 public:
-    Scan(std::string_view document, CoreProperties& properties)
+    PropertiesScan(std::string_view document, CoreProperties& properties)
         : reader(document, texts), properties(properties) {}
 
     bool takeDocument() {
@@ -124,7 +124,8 @@ private:
         if (field != fields.end())
             return field->visit(properties, [&](auto& value) { return takeValue(written, *field, value); });
         std::u16string ignored;
-        return name == CONTENT_TYPE && takeContent(written, ignored) && attributes.size() == 0;
+        return name == vocabulary::core_properties::CONTENT_TYPE && takeContent(written, ignored) &&
+               attributes.size() == 0;
     }
 
     /// The rest of an element whose name was already taken.
@@ -162,8 +163,8 @@ private:
         if (!takeContent(name, text) || attributes.size() != (isTyped ? 1 : 0) ||
             !isPlainDateTime(toASCIIString(text)))
             return false;
-        if (isTyped &&
-            !(isDeclared("xsi") && attributes.begin()->name == TYPE && attributes.begin()->value == W3CDTF))
+        if (isTyped && !(isDeclared("xsi") && attributes.begin()->name == vocabulary::core_properties::TYPE &&
+                         attributes.begin()->value == W3CDTF))
             return false;
         time = convertStringToTime(text);
         return true;
@@ -223,7 +224,7 @@ private:
 
 bool scanCoreProperties(std::string_view document, CoreProperties& found, std::size_t& elements) {
     found.clear();
-    Scan scan(document, found);
+    PropertiesScan scan(document, found);
     const bool isTaken = scan.takeDocument();
     elements = scan.countElements();
     return isTaken;

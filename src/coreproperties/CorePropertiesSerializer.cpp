@@ -24,7 +24,7 @@ using namespace vocabulary::core_properties;
 using boost::posix_time::ptime;
 
 /// A larger part goes to the parser at once, so that it isn't kept in memory as a whole.
-constexpr std::size_t LARGEST_SCANNED = 1 << 20;
+constexpr std::size_t LARGEST_SCANNED_PROPERTIES = 1 << 20;
 
 /// Opens the element of a field, with its text.
 void open(XmlDocument& document, std::string_view name, const std::u16string& text) {
@@ -51,7 +51,7 @@ void append(XmlDocument& document, const CorePropertyField& field, const CorePro
         return;
     open(document, field.element, text);
     if (field.attribute == CorePropertyField::Attribute::Type)
-        setAttribute(document, TYPE, widen(W3CDTF));
+        setAttribute(document, vocabulary::core_properties::TYPE, widen(W3CDTF));
     document.close();
 }
 
@@ -91,7 +91,7 @@ CorePropertiesSerializer::CorePropertiesSerializer(std::shared_ptr<DocumentBudge
 }
 
 void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& properties) {
-    read(stream, properties, LARGEST_SCANNED);
+    read(stream, properties, LARGEST_SCANNED_PROPERTIES);
 }
 
 void CorePropertiesSerializer::parse(InputStream& stream, CoreProperties& properties) {

@@ -24,7 +24,7 @@ namespace opc::model {
 namespace {
 
 /// A larger part goes to the parser at once, so that it isn't kept in memory as a whole.
-constexpr std::size_t LARGEST_SCANNED = 1 << 20;
+constexpr std::size_t LARGEST_SCANNED_RELATIONSHIPS = 1 << 20;
 
 /// The size of blocks. A single relationship that outlives its package keeps a whole block.
 constexpr std::size_t BLOCK_SIZE = 8 << 10;
@@ -50,7 +50,7 @@ public:
 
     void add(const VisitedElement& element) {
         if (element.isRoot())
-            unread += element.is(NAMESPACE, RELATIONSHIPS) ? 0 : 1;
+            unread += element.is(vocabulary::relationships::NAMESPACE, RELATIONSHIPS) ? 0 : 1;
         else if (!element.isNamed(RELATIONSHIP))
             ++unread;
         else if (!failure)
@@ -75,7 +75,7 @@ public:
 private:
     void addRelationship(const VisitedElement& element) {
         try {
-            const std::u16string type(element.attribute(TYPE));
+            const std::u16string type(element.attribute(vocabulary::relationships::TYPE));
             const std::u16string target(element.attribute(TARGET));
             const TargetMode mode = checkRelationship(type, target, element.attribute(TARGET_MODE));
             found.push_back({memory.keep(element.attribute(ID)), types.share(toASCIIString(type)),
@@ -104,7 +104,7 @@ RelationshipSerializer::RelationshipSerializer(std::shared_ptr<DocumentBudget> o
 RelationshipSerializer::~RelationshipSerializer() = default;
 
 void RelationshipSerializer::read(InputStream& stream, RelationshipManager& manager) {
-    read(stream, manager, LARGEST_SCANNED);
+    read(stream, manager, LARGEST_SCANNED_RELATIONSHIPS);
 }
 
 void RelationshipSerializer::parse(InputStream& stream, RelationshipManager& manager) {
@@ -184,11 +184,11 @@ std::string RelationshipSerializer::serialize(const RelationshipManager& manager
 
 void RelationshipSerializer::serialize(const RelationshipManager& manager, OutputStream& stream) {
     const auto document = makeXmlDocument(XmlDocument::Form::Part);
-    document->open(NAMESPACE, RELATIONSHIPS);
+    document->open(vocabulary::relationships::NAMESPACE, RELATIONSHIPS);
     for (const Relationship& relationship : manager.getRelationships({})) {
-        document->open(NAMESPACE, RELATIONSHIP);
+        document->open(vocabulary::relationships::NAMESPACE, RELATIONSHIP);
         document->setAttribute(ID, relationship.getID());
-        document->setAttribute(TYPE, relationship.getType());
+        document->setAttribute(vocabulary::relationships::TYPE, relationship.getType());
         document->setAttribute(TARGET, relationship.getTarget());
         if (relationship.getTargetMode() == TargetMode::External)
             document->setAttribute(TARGET_MODE, EXTERNAL);

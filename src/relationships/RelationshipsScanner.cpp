@@ -19,7 +19,7 @@ bool takeRelationship(const PlainAttributes& attributes, ScannedRelationship& re
     for (const auto& [name, value] : attributes) {
         if (name == ID)
             relationship.id = value;
-        else if (name == TYPE)
+        else if (name == vocabulary::relationships::TYPE)
             relationship.type = value;
         else if (name == TARGET)
             relationship.target = value;
@@ -60,7 +60,7 @@ bool areTakenTogether(const std::vector<ScannedRelationship>& relationships) {
 bool scanRelationships(std::string_view document, std::vector<ScannedRelationship>& found,
                        PlainTexts& texts) {
     found.clear();
-    return visitPlainDocument(document, RELATIONSHIPS, NAMESPACE, texts,
+    return visitPlainDocument(document, RELATIONSHIPS, vocabulary::relationships::NAMESPACE, texts,
                               [&found](std::string_view name, const PlainAttributes& attributes) {
                                   return name == RELATIONSHIP &&
                                          takeRelationship(attributes, found.emplace_back());

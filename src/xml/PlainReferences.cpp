@@ -12,12 +12,13 @@ namespace opc::model {
 
 namespace {
 
-struct Entity {
+struct WrittenEntity {
     std::string_view name;
     char character;
 };
 
-constexpr Entity ENTITIES[] = {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
+constexpr WrittenEntity WRITTEN_ENTITIES[] = {
+    {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
 
 /// @param number  what follows the number sign: hexadecimal digits if it begins with an x
 bool appendCharacter(std::string_view number, std::string& text) {
@@ -37,9 +38,10 @@ bool appendCharacter(std::string_view number, std::string& text) {
 bool appendReference(std::string_view reference, std::string& text) {
     if (reference.substr(0, 1) == "#")
         return appendCharacter(reference.substr(1), text);
-    const auto* const found = std::find_if(std::begin(ENTITIES), std::end(ENTITIES),
-                                           [&](const Entity& entity) { return entity.name == reference; });
-    if (found == std::end(ENTITIES))
+    const auto* const found =
+        std::find_if(std::begin(WRITTEN_ENTITIES), std::end(WRITTEN_ENTITIES),
+                     [&](const WrittenEntity& entity) { return entity.name == reference; });
+    if (found == std::end(WRITTEN_ENTITIES))
         return false;
     text += found->character;
     return true;

@@ -9,12 +9,13 @@ namespace opc::model {
 
 namespace {
 
-struct Entity {
+struct PredefinedEntity {
     std::string_view name;
     char16_t character;
 };
 
-constexpr Entity ENTITIES[] = {{"amp", u'&'}, {"lt", u'<'}, {"gt", u'>'}, {"quot", u'"'}, {"apos", u'\''}};
+constexpr PredefinedEntity PREDEFINED[] = {
+    {"amp", u'&'}, {"lt", u'<'}, {"gt", u'>'}, {"quot", u'"'}, {"apos", u'\''}};
 
 /// By the production Char of XML 1.0.
 bool isCharacter(std::uint32_t code) {
@@ -66,9 +67,10 @@ Scanned decodeReference(const char*& at, const char* end, std::uint32_t& code) {
         if (failure != std::errc() || behind != last || digits == last || !isCharacter(code))
             return Scanned::NotPlain;
     } else {
-        const auto* const found = std::find_if(std::begin(ENTITIES), std::end(ENTITIES),
-                                               [name](const Entity& entity) { return entity.name == name; });
-        if (found == std::end(ENTITIES))
+        const auto* const found =
+            std::find_if(std::begin(PREDEFINED), std::end(PREDEFINED),
+                         [name](const PredefinedEntity& entity) { return entity.name == name; });
+        if (found == std::end(PREDEFINED))
             return Scanned::NotPlain;
         code = found->character;
     }

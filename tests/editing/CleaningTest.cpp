@@ -21,7 +21,8 @@ using editing::Editor;
 using editing::findMetadata;
 
 const std::string METADATA = "http://schemas.openxmlformats.org/package/2006/relationships/metadata/";
-const std::string OFFICE = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+const std::string OFFICE_RELATIONSHIP =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
 
 std::string to(const std::string& id, const std::string& type, const std::string& target) {
     return "<Relationship Id='" + id + "' Type='" + type + "' Target='" + target + "'/>";
@@ -41,11 +42,11 @@ Bytes tellingPackage() {
         relationshipsWith(TO_DOCUMENT + to("c", METADATA + "core-properties", "core.xml") +
                           to("t", METADATA + "thumbnail", "t.png") +
                           to("u", METADATA + "thumbnail", "u.png") +
-                          to("e", OFFICE + "extended-properties", "docProps/app.xml") +
+                          to("e", OFFICE_RELATIONSHIP + "extended-properties", "docProps/app.xml") +
                           to("f", "http://purl.oclc.org/ooxml/officeDocument/relationships/customProperties",
                              "custom.xml")),
-        relationshipsWith(to("p", OFFICE + "image", "../t.png") +
-                              to("k", OFFICE + "comments", "comments.xml"),
+        relationshipsWith(to("p", OFFICE_RELATIONSHIP + "image", "../t.png") +
+                              to("k", OFFICE_RELATIONSHIP + "comments", "comments.xml"),
                           "word/_rels/document.xml.rels"),
         stored("core.xml", "<a/>"),
         stored("t.png", "\x89PNG\r\n\x1A\n"),

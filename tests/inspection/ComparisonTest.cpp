@@ -56,7 +56,7 @@ RawItem relationshipsOf(const std::string& part, const std::string& elements) {
     return relationshipsWith(elements, "word/_rels/" + part + ".rels");
 }
 
-std::string relationship(const std::string& id, const std::string& target, const std::string& more = {}) {
+std::string relationshipTo(const std::string& id, const std::string& target, const std::string& more = {}) {
     return "<Relationship Id=\"" + id + "\" Type=\"urn:t\" Target=\"" + target + "\" " + more + "/>";
 }
 
@@ -91,7 +91,7 @@ TEST(Comparison, tellsWhatDiffersAndNothingElse) {
     const RawItem coreType =
         contentTypesWith(override("/core.xml", "application/vnd.openxmlformats-package.core-properties+xml"));
     const std::string links =
-        relationship("a", "a.bin") + relationship("b", "http://x/", "TargetMode='External'");
+        relationshipTo("a", "a.bin") + relationshipTo("b", "http://x/", "TargetMode='External'");
     const struct {
         const char* name;
         Items before, now;
@@ -99,9 +99,10 @@ TEST(Comparison, tellsWhatDiffersAndNothingElse) {
     } cases[] = {
         {"how relationships are written",
          {relationshipsOf("document.xml", links)},
-         {relationshipsOf("document.xml", "<!-- --><Relationship TargetMode='External' Target='http://x/' "
-                                          "Type='urn:t' Id='b'></Relationship>" +
-                                              relationship("a", "../word/./A.bin", "TargetMode='Internal'"))},
+         {relationshipsOf("document.xml",
+                          "<!-- --><Relationship TargetMode='External' Target='http://x/' "
+                          "Type='urn:t' Id='b'></Relationship>" +
+                              relationshipTo("a", "../word/./A.bin", "TargetMode='Internal'"))},
          ""},
         {"how content types are written",
          {contentTypesWith(BIN_TYPE), stored("a.bin", "1")},
@@ -135,12 +136,12 @@ TEST(Comparison, tellsWhatDiffersAndNothingElse) {
          "changed /a.bin /a.bin type\n"},
         {"a part that moves with its relationships",
          {contentTypesWith(BIN_TYPE), stored("word/a.bin", "12"), relationshipsOf("a.bin", links),
-          relationshipsOf("document.xml", relationship("m", "a.bin"))},
+          relationshipsOf("document.xml", relationshipTo("m", "a.bin"))},
          {contentTypesWith(BIN_TYPE), stored("word/x/b.bin", "12"),
-          relationshipsWith(relationship("a", "../a.bin") +
-                                relationship("b", "http://x/", "TargetMode='External'"),
+          relationshipsWith(relationshipTo("a", "../a.bin") +
+                                relationshipTo("b", "http://x/", "TargetMode='External'"),
                             "word/x/_rels/b.bin.rels"),
-          relationshipsOf("document.xml", relationship("m", "x/b.bin"))},
+          relationshipsOf("document.xml", relationshipTo("m", "x/b.bin"))},
          "moved /word/a.bin /word/x/b.bin\n/word/document.xml m>a.bin m>x/b.bin\n"},
         {"one of two copies moves",
          {stored("a.bin", "12"), stored("b.bin", "12")},
@@ -148,19 +149,19 @@ TEST(Comparison, tellsWhatDiffersAndNothingElse) {
          "moved /a.bin /c.bin\nadded /d.bin\nadded /e.bin\n"},
         {"relationships",
          {relationshipsOf("document.xml",
-                          relationship("a", "a") + relationship("b", "b") + relationship("c", "c"))},
-         {relationshipsOf("document.xml", relationship("b", "B?q") +
-                                              relationship("c", "c", "TargetMode='External'") +
-                                              relationship("d", "a"))},
+                          relationshipTo("a", "a") + relationshipTo("b", "b") + relationshipTo("c", "c"))},
+         {relationshipsOf("document.xml", relationshipTo("b", "B?q") +
+                                              relationshipTo("c", "c", "TargetMode='External'") +
+                                              relationshipTo("d", "a"))},
          "/word/document.xml a>a none\n/word/document.xml b>b b>B?q\n/word/document.xml c>c c>c\n"
          "/word/document.xml none d>a\n"},
         {"relationships of a part that isn't there",
-         {relationshipsOf("gone.xml", relationship("a", "a"))},
+         {relationshipsOf("gone.xml", relationshipTo("a", "a"))},
          {},
          "/word/gone.xml a>a none\n"},
         {"two relationships with one Id",
-         {relationshipsOf("document.xml", relationship("a", "a") + relationship("a", "b"))},
-         {relationshipsOf("document.xml", relationship("a", "a") + relationship("a", "c"))},
+         {relationshipsOf("document.xml", relationshipTo("a", "a") + relationshipTo("a", "b"))},
+         {relationshipsOf("document.xml", relationshipTo("a", "a") + relationshipTo("a", "c"))},
          "/word/document.xml a>b a>c\n"},
         {"what a reader of relationships passes over",
          {relationshipsOf("document.xml", links)},
@@ -250,7 +251,7 @@ TEST(Comparison, canBeOfCertainNames) {
         makeZip(itemsWith({stored("word/a.bin", "1"), stored("word/x/a.bin", "1"), stored("odd*", "1")})));
     const Archive right(
         makeZip(itemsWith({stored("word/a.bin", "2"), stored("word/x/a.bin", "2"), stored("odd*", "2"),
-                           relationshipsOf("a.bin", relationship("a", "x"))})));
+                           relationshipsOf("a.bin", relationshipTo("a", "x"))})));
     const std::string first = "changed /word/a.bin /word/a.bin content\n";
     const std::string deep = "changed /word/x/a.bin /word/x/a.bin content\n";
     const std::string odd = "changed /odd* /odd* content\n";
@@ -341,7 +342,7 @@ TEST(FlatText, hasThePackageInOneOrder) {
     const RawItem odd = stored("odd\x1B[2J.bin", "1");
     const Items items{
         relationshipsOf("document.xml",
-                        relationship("b", "x") + relationship("a", "http://y/", "TargetMode='External'")),
+                        relationshipTo("b", "x") + relationshipTo("a", "http://y/", "TargetMode='External'")),
         odd, stored("[trash]/1", "12"), damaged(stored("word/bad.bin", "1")), stored("word/a.xml", "<a><b>")};
     const std::string expected =
         "package /\n"

@@ -17,7 +17,7 @@ using opc::model::PartName;
 using opc::physical::LenientPackage;
 
 const std::string NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
-const std::string ROOT = "<Types xmlns='" + NAMESPACE + "'>";
+const std::string TYPES_START = "<Types xmlns='" + NAMESPACE + "'>";
 const std::string XML = "<Default Extension='xml' ContentType='t/xml'/>";
 const std::string RELS = "application/vnd.openxmlformats-package.relationships+xml";
 
@@ -76,7 +76,7 @@ public:
 };
 
 TEST(LenientContentTypes, areReadOnceAsRelationshipsAreIfNothingIsOdd) {
-    LenientContentTypes opened(ROOT + XML + "<Default Extension='rels' ContentType='" + RELS +
+    LenientContentTypes opened(TYPES_START + XML + "<Default Extension='rels' ContentType='" + RELS +
                                    "'/><Override PartName='/B.png' ContentType='t/png'/></Types>",
                                {u"/_rels/a.xml.rels"});
     opened.store.setPart(u"/_rels/a.xml.rels", relationships(""));
@@ -106,7 +106,7 @@ TEST(LenientContentTypes, areReadEachEntryByItself) {
 }
 
 TEST(LenientContentTypes, nameTheEntryThatCouldHaveCoveredAHiddenPart) {
-    LenientContentTypes types(ROOT + XML + "\n<Override PartName='/b.png' ContentType='x'/>" +
+    LenientContentTypes types(TYPES_START + XML + "\n<Override PartName='/b.png' ContentType='x'/>" +
                                   "<Default Extension='jpg' ContentType='t/jpg;'/></Types>",
                               {u"/c.jpg", u"/d.gif"});
     types.package.open(OpenMode::ReadOnly);
@@ -164,7 +164,7 @@ TEST(LenientContentTypes, changeInTheirOwnText) {
 }
 
 TEST(LenientContentTypes, areWrittenAgainAfterAFailure) {
-    LenientContentTypes types(ROOT + XML + "</Types>");
+    LenientContentTypes types(TYPES_START + XML + "</Types>");
     for (const char* const failing : {"getContentTypeOutputStream", "write types", "closeStream types"}) {
         types.package.open(OpenMode::ReadWrite);
         types.create(std::string("/") + failing[0] + ".jpg", std::string("t/") + failing[0]);
@@ -181,14 +181,14 @@ TEST(LenientContentTypes, areLeftToTheModelWhereTheyCanNotBeRead) {
     for (const std::string& document :
          {"<!DOCTYPE p>" + prefixed + "</p:Types>", prefixed, std::string("<Types/>"),
           "<?xml version='1.0' encoding='ISO-8859-1'?>" + prefixed + "</p:Types>",
-          ROOT + XML + "<Default Extension='png' ContentType='x'></Types>"}) {
+          TYPES_START + XML + "<Default Extension='png' ContentType='x'></Types>"}) {
         LenientContentTypes types(document);
         EXPECT_THROW(types.package.open(OpenMode::ReadOnly), opc::model::InvalidContentTypeStream)
             << document;
         EXPECT_TRUE(types.lenient.getOddities().empty());
     }
     // The model gets another document if relationships parts aren't covered.
-    LenientContentTypes types("<?xml wrong='' version='1.0'?>" + ROOT + XML + "</Types>",
+    LenientContentTypes types("<?xml wrong='' version='1.0'?>" + TYPES_START + XML + "</Types>",
                               {u"/_rels/a.xml.rels"});
     EXPECT_THROW(types.package.open(OpenMode::ReadOnly), opc::model::InvalidContentTypeStream);
 }

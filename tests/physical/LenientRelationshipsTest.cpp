@@ -18,7 +18,7 @@ using opc::physical::LenientPackage;
 const std::string URI = "'http://schemas.openxmlformats.org/package/2006/relationships'";
 const std::string CORE =
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
-const std::string ROOT = "<Relationships xmlns=" + URI + ">";
+const std::string RELATIONSHIPS_START = "<Relationships xmlns=" + URI + ">";
 const std::string END = "</Relationships>";
 const std::string GOOD = "<Relationship Id='a' Type='urn:t' Target='a.xml'/>";
 constexpr char16_t ROOT_PART[] = u"/_rels/.rels";
@@ -126,8 +126,8 @@ TEST(LenientRelationships, thatAreNoDocumentAreKept) {
 }
 
 TEST(LenientRelationships, withADocumentTypeAreRefused) {
-    const std::string document =
-        "<?xml version='1.0'?><!-- \xE2\xB4\xAD> --><!DOCTYPE Relationships>" + ROOT + END; // U+2D2D
+    const std::string document = "<?xml version='1.0'?><!-- \xE2\xB4\xAD> --><!DOCTYPE Relationships>" +
+                                 RELATIONSHIPS_START + END; // U+2D2D
     for (const Bytes& bytes : inAllEncodings(document)) {
         Leniently opened(bytes);
         EXPECT_THROW(opened.open(), InvalidRelationshipContent);
@@ -138,7 +138,8 @@ TEST(LenientRelationships, withADocumentTypeAreRefused) {
 }
 
 TEST(LenientRelationships, giveNoIDAwayThatIsKept) {
-    Leniently opened(ROOT + "<Relationship Id='rId1' Type='urn:t' Target=''/><o Id='rId2'/>" + END);
+    Leniently opened(RELATIONSHIPS_START + "<Relationship Id='rId1' Type='urn:t' Target=''/><o Id='rId2'/>" +
+                     END);
     opened.open();
     EXPECT_RAISES(opc::model::RelationshipAlreadyExists, "Relationship ID already exists",
                   opened.package.createExternalRelationship(u"urn:t", u"u:v", u"rId2"));
@@ -152,7 +153,7 @@ TEST(LenientRelationships, giveNoIDAwayThatIsKept) {
 }
 
 TEST(LenientRelationships, goWithTheirSource) {
-    Leniently opened(toBytes(ROOT + GOOD + "<o/>" + END), u"/_rels/a.xml.rels");
+    Leniently opened(toBytes(RELATIONSHIPS_START + GOOD + "<o/>" + END), u"/_rels/a.xml.rels");
     opened.open();
     opened.package.deletePart(PartName(u"/a.xml"));
     opened.package.close(false);
@@ -161,7 +162,7 @@ TEST(LenientRelationships, goWithTheirSource) {
 
 TEST(LenientRelationships, ofOneIDCountOnce) {
     const std::string second = "<Relationship Id=' a' Type='urn:u' Target='b.xml'/>";
-    Leniently opened(ROOT + GOOD + second + END);
+    Leniently opened(RELATIONSHIPS_START + GOOD + second + END);
     opened.open();
     EXPECT_EQ(opened.relationships(), "a urn:t a.xml;");
     EXPECT_EQ(opened.oddities(), oddity("M1.26", "#a:1", "Id stands there twice"));
@@ -169,13 +170,13 @@ TEST(LenientRelationships, ofOneIDCountOnce) {
     EXPECT_THROW(opened.package.createExternalRelationship(u"urn:t", u"u:v", u"a"),
                  opc::model::RelationshipAlreadyExists);
     opened.package.close(false);
-    EXPECT_EQ(opened.document(), ROOT + second + END);
+    EXPECT_EQ(opened.document(), RELATIONSHIPS_START + second + END);
 }
 
 TEST(LenientRelationships, areRetargetedWhereTheyStand) {
     const std::string mode = "<Relationship Target='b' TargetMode='External' Id='b' Type='urn:t' />";
-    Leniently opened(ROOT + GOOD + "<!-- c -->" + mode + "<Relationship Id='c' Type='urn:t' Target='c'/>" +
-                     END);
+    Leniently opened(RELATIONSHIPS_START + GOOD + "<!-- c -->" + mode +
+                     "<Relationship Id='c' Type='urn:t' Target='c'/>" + END);
     opened.open();
     opened.package.setExternalTarget(u"a", u"http://x/?y&z");
     opened.package.setInternalTarget(u"b", opc::model::URI(u"/a.xml"));
@@ -183,16 +184,17 @@ TEST(LenientRelationships, areRetargetedWhereTheyStand) {
     opened.package.createExternalRelationship(u"urn:t", u"d", u"c"); // as good as a new target
     opened.package.close(false);
     EXPECT_EQ(opened.document(),
-              ROOT +
+              RELATIONSHIPS_START +
                   "<Relationship Id='a' Type='urn:t' Target='http://x/?y&amp;z' TargetMode=\"External\"/>"
                   "<!-- c --><Relationship Target='a.xml' TargetMode='Internal' Id='b' Type='urn:t' />"
                   "<Relationship Id='c' Type='urn:t' Target='d' TargetMode=\"External\"/>" +
                   END);
-    Leniently one(ROOT + "\n" + GOOD + END);
+    Leniently one(RELATIONSHIPS_START + "\n" + GOOD + END);
     one.open();
     one.package.setInternalTarget(u"a", opc::model::URI(u"b.xml#c"));
     one.package.close(false);
-    EXPECT_EQ(one.document(), ROOT + "\n<Relationship Id='a' Type='urn:t' Target='b.xml#c'/>" + END)
+    EXPECT_EQ(one.document(),
+              RELATIONSHIPS_START + "\n<Relationship Id='a' Type='urn:t' Target='b.xml#c'/>" + END)
         << "also if it is the only one";
 }
 
@@ -201,7 +203,7 @@ TEST(LenientRelationships, toCorePropertiesCountIfTheyAreFirst) {
     const auto core = [](const std::string& id) {
         return "<Relationship Id='" + id + "' Type='" + CORE + "' Target='" + id + ".xml'/>";
     };
-    Leniently opened(ROOT + core("b") + core("a") + core("c") + END);
+    Leniently opened(RELATIONSHIPS_START + core("b") + core("a") + core("c") + END);
     opened.open();
     EXPECT_EQ(opened.relationships(), "b " + CORE + " b.xml;");
     EXPECT_EQ(opened.oddities(), oddity("M4.1", "#a:1", "is one more relationship to core properties") +
@@ -211,16 +213,16 @@ TEST(LenientRelationships, toCorePropertiesCountIfTheyAreFirst) {
     opened.package.close(false);
     opened.open(OpenMode::ReadOnly);
     EXPECT_EQ(opened.relationships(), "d " + CORE + " a.xml;");
-    Leniently ofPart(toBytes(ROOT + core("b") + core("a") + END), u"/_rels/a.xml.rels");
+    Leniently ofPart(toBytes(RELATIONSHIPS_START + core("b") + core("a") + END), u"/_rels/a.xml.rels");
     ofPart.open();
     EXPECT_EQ(ofPart.oddities(), "");
 }
 
 TEST(LenientRelationships, beyondBoundsAreTheModelsOwn) {
     const std::string comment = "<!--" + repeated("=", 300001) + "-->";
-    Leniently odd(ROOT + comment + "<Relationship Id='x' Type='urn:t' Target=''/>" + END);
+    Leniently odd(RELATIONSHIPS_START + comment + "<Relationship Id='x' Type='urn:t' Target=''/>" + END);
     EXPECT_THROW(odd.open(), InvalidRelationshipContent);
-    Leniently sound(ROOT + comment + GOOD + END);
+    Leniently sound(RELATIONSHIPS_START + comment + GOOD + END);
     sound.open();
     sound.package.createExternalRelationship(u"urn:t", u"u:v", u"b");
     sound.package.close(false);
@@ -231,8 +233,8 @@ TEST(LenientRelationships, beyondBoundsAreTheModelsOwn) {
 
 /// A change that changes nothing, and a change that fails halfway and is repeated.
 TEST(LenientRelationships, areWrittenOnceAndWhole) {
-    const std::string document =
-        ROOT + "<!-- kept -->" + GOOD + "<Relationship Id='c' Type='urn:t' Target='c.xml'/>" + END;
+    const std::string document = RELATIONSHIPS_START + "<!-- kept -->" + GOOD +
+                                 "<Relationship Id='c' Type='urn:t' Target='c.xml'/>" + END;
     MemoryPackage store;
     fill(store, {u"/a.xml"});
     store.setPart(ROOT_PART, toBytes(document));

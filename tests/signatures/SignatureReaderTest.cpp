@@ -36,12 +36,12 @@ struct Change {
     }
 };
 
-Change withKeyInfo(const std::string& content) {
+Change keyInfoOf(const std::string& content) {
     return {VALUE, "</SignatureValue><KeyInfo>" + content + "</KeyInfo>"};
 }
 
 Change withCertificate(const std::string& text) {
-    return withKeyInfo("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
+    return keyInfoOf("<X509Data><X509Certificate>" + text + "</X509Certificate></X509Data>");
 }
 
 TEST_F(SignatureReader, refusesWhatBreaksTheForm) {
@@ -174,7 +174,7 @@ TEST_F(SignatureReader, keysOfOthers) {
         for (const std::size_t length : ofModulus)
             cases.push_back({rsaKeyValue(length), method, 0});
     for (const Case& c : cases) {
-        const DigitalSignatureData& other = read(withKeyInfo(c.keyInfo).apply());
+        const DigitalSignatureData& other = read(keyInfoOf(c.keyInfo).apply());
         EXPECT_EQ(other.m_signatureParams.getSignatureMethod(), c.method) << c.keyInfo;
         EXPECT_EQ(other.m_keyValue.has_value(), c.keyInfo.find("RSAKeyValue") != std::string::npos);
         EXPECT_EQ(other.getCertificate().empty(), c.chained == 0);

@@ -20,7 +20,7 @@ const std::string PSS = "http://www.w3.org/2007/05/xmldsig-more#";
 const std::string SHA256 = "http://www.w3.org/2001/04/xmlenc#sha256";
 const std::string SHA1 = DSIG + "sha1";
 
-Identity identityOf(const std::string& key) {
+Identity identityWith(const std::string& key) {
     return makeSigner(nullptr, [&key](CertificateRecipe& recipe) {
         if (key[0] == 'P')
             recipe.key = {EVP_EC_gen(key == "PSS" ? "P-256" : key.c_str()), EVP_PKEY_free};
@@ -91,7 +91,7 @@ TEST(StandardVerification, KnowsTheAlgorithms) {
          "The key is on a curve that isn't accepted"},
     };
     for (const auto& [key, method, digest, canonicalization, status, reason] : cases) {
-        const Identity signer = identityOf(key);
+        const Identity signer = identityWith(key);
         SignatureRecipe recipe;
         recipe.signer = &signer;
         recipe.method = method;
@@ -219,7 +219,7 @@ TEST(StandardVerification, RefusesSignaturesThatAreBuiltToDeceive) {
         {"The signature value wasn't made with this key, or what it signs has changed",
          [](SignatureRecipe& recipe) {
              recipe.keyInfo = "<X509Data><X509Certificate>" +
-                              base64(identityOf("3072").certificate.getAsByteArray()) +
+                              base64(identityWith("3072").certificate.getAsByteArray()) +
                               "</X509Certificate></X509Data>";
              recipe.hasXades = false;
          }},
@@ -232,7 +232,7 @@ TEST(StandardVerification, RefusesSignaturesThatAreBuiltToDeceive) {
         {"The key isn't one for RSA with SHA-256",
          [](SignatureRecipe& recipe) {
              recipe.keyInfo = "<X509Data><X509Certificate>" +
-                              base64(identityOf("P-256").certificate.getAsByteArray()) +
+                              base64(identityWith("P-256").certificate.getAsByteArray()) +
                               "</X509Certificate></X509Data>";
              recipe.hasXades = false;
          }},
@@ -464,7 +464,7 @@ TEST(StandardVerification, FindsTheKeyInACertificatePart) {
 /// A key alone says nothing about a person.
 TEST(StandardVerification, TakesAKeyWithoutCertificate) {
     for (const std::string kind : {"2048", "P-256"}) {
-        const Identity signer = identityOf(kind);
+        const Identity signer = identityWith(kind);
         SignatureRecipe recipe;
         recipe.signer = &signer;
         recipe.hasXades = false;

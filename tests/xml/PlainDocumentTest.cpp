@@ -15,11 +15,11 @@ namespace {
 using namespace opc::model;
 using namespace opc::test;
 
-const std::string RELATIONSHIPS = readCase("relationships/plain.txt");
+const std::string PLAIN_RELATIONSHIPS = readCase("relationships/plain.txt");
 const std::string CONTENT_TYPES = readCase("content-types/plain-stream.txt");
 
 TEST(PlainDocument, theUsualFormIsRecognised) {
-    for (const auto& [schema, document] : {std::pair(&schemas::RELATIONSHIPS, RELATIONSHIPS),
+    for (const auto& [schema, document] : {std::pair(&schemas::RELATIONSHIPS, PLAIN_RELATIONSHIPS),
                                            std::pair(&schemas::CONTENT_TYPES, CONTENT_TYPES)}) {
         const ScannerComparison comparison(*schema);
         EXPECT_TRUE(comparison.isRecognised(toBytes(document))) << document;
@@ -30,16 +30,16 @@ TEST(PlainDocument, theUsualFormIsRecognised) {
 TEST(PlainDocument, everyDoubtIsLeftToTheParser) {
     const ScannerComparison comparison(schemas::RELATIONSHIPS);
     forEachCase("relationships/not-plain.txt", [&](const std::string& from, const std::string& to) {
-        EXPECT_FALSE(comparison.isRecognised(toBytes(replaced(RELATIONSHIPS, from, to))));
+        EXPECT_FALSE(comparison.isRecognised(toBytes(replaced(PLAIN_RELATIONSHIPS, from, to))));
     });
     EXPECT_FALSE(comparison.isRecognised({}));
     const std::string comments = repeated("<!---->", 100);
-    EXPECT_FALSE(comparison.isRecognised(toBytes(replaced(RELATIONSHIPS, "<!---->", comments))));
+    EXPECT_FALSE(comparison.isRecognised(toBytes(replaced(PLAIN_RELATIONSHIPS, "<!---->", comments))));
 }
 
 TEST(PlainDocument, whatIsRecognisedTheParserFindsToo) {
     std::mt19937 random(20240229);
-    for (const auto& [schema, original] : {std::pair(&schemas::RELATIONSHIPS, RELATIONSHIPS),
+    for (const auto& [schema, original] : {std::pair(&schemas::RELATIONSHIPS, PLAIN_RELATIONSHIPS),
                                            std::pair(&schemas::CONTENT_TYPES, CONTENT_TYPES)}) {
         const ScannerComparison comparison(*schema);
         int recognised = 0;

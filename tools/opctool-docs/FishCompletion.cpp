@@ -9,7 +9,7 @@ namespace opctool {
 
 namespace {
 
-std::string quoted(const std::string& text) {
+std::string quotedForFish(const std::string& text) {
     std::string result = "'";
     for (const char c : text)
         result += (c == '\'' || c == '\\' ? "\\" : "") + std::string(1, c);
@@ -20,7 +20,7 @@ std::string wordsOf(const OptionText& option) {
     std::string words;
     for (const std::string& choice : option.choices)
         words += (words.empty() ? "" : " ") + choice;
-    return quoted(words);
+    return quotedForFish(words);
 }
 
 void printOption(std::ostream& out, const Command& command, const OptionText& option) {
@@ -35,7 +35,7 @@ void printOption(std::ostream& out, const Command& command, const OptionText& op
         out << (option.takesFiles ? " -r" : " -x");
     if (!option.isArgument() && !option.isFlag && !option.choices.empty())
         out << " -a " << wordsOf(option);
-    out << " -d " << quoted(option.description) << '\n';
+    out << " -d " << quotedForFish(option.description) << '\n';
 }
 
 } // namespace
@@ -47,7 +47,7 @@ void writeFishCompletion(std::ostream& out) {
            "complete -c opctool -n __fish_use_subcommand -l help -s h -d 'Print help'\n";
     for (const Command* command : allCommands()) {
         out << "complete -c opctool -n __fish_use_subcommand -a " << command->name << " -d "
-            << quoted(command->summary) << '\n';
+            << quotedForFish(command->summary) << '\n';
         for (const OptionText& option : optionsOf(*command))
             printOption(out, *command, option);
     }

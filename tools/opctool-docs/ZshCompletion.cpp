@@ -10,7 +10,7 @@ namespace opctool {
 namespace {
 
 /// A text between single quotes, where colons and brackets have a meaning for _arguments.
-std::string quoted(const std::string& text) {
+std::string quotedForZsh(const std::string& text) {
     std::string result;
     for (const char c : text)
         if (c == '\'')
@@ -31,15 +31,15 @@ std::string actionOf(const OptionText& option) {
 }
 
 void printSpecification(std::ostream& out, const OptionText& option) {
-    const std::string value = ":" + quoted(option.value) + ":" + actionOf(option);
+    const std::string value = ":" + quotedForZsh(option.value) + ":" + actionOf(option);
     if (option.isArgument()) {
         out << " \\\n                '" << (option.isRepeatable ? "*" : "") << value << "'";
         return;
     }
     for (const std::string& name : option.names)
         out << " \\\n                '" << (option.isRepeatable ? "*" : "") << name
-            << (option.isFlag || name.size() == 2 ? "" : "=") << "[" << quoted(option.description) << "]"
-            << (option.isFlag ? "" : value) << "'";
+            << (option.isFlag || name.size() == 2 ? "" : "=") << "[" << quotedForZsh(option.description)
+            << "]" << (option.isFlag ? "" : value) << "'";
 }
 
 } // namespace
@@ -50,7 +50,7 @@ void writeZshCompletion(std::ostream& out) {
            "    local -a commands\n"
            "    commands=(\n";
     for (const Command* command : allCommands())
-        out << "        '" << command->name << ":" << quoted(command->summary) << "'\n";
+        out << "        '" << command->name << ":" << quotedForZsh(command->summary) << "'\n";
     out << "    )\n"
            "    if (( CURRENT == 2 )); then\n"
            "        _describe command commands\n"

@@ -28,7 +28,7 @@ using opc::inspection::Archive;
 using opc::inspection::InspectionOptions;
 using opc::inspection::Report;
 
-struct Arguments {
+struct ApplyArguments {
     std::string job;
     bool noCheck = false;
     bool allowOutside = false;
@@ -38,7 +38,7 @@ std::string readAll(std::istream& stream) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-std::string readFile(const std::string& path) {
+std::string readText(const std::string& path) {
     if (path == "-")
         return readAll(std::cin);
     std::ifstream file(path, std::ios::binary);
@@ -49,13 +49,13 @@ std::string readFile(const std::string& path) {
     return text;
 }
 
-bool asksForNewErrors(const FileRun& run, const Arguments& arguments) {
+bool asksForNewErrors(const FileRun& run, const ApplyArguments& arguments) {
     return !arguments.noCheck && !run.options().dryRun;
 }
 
 /// Makes the steps that don't mend.
 /// @param before  what the package has had before all steps
-void apply(FileRun& run, const Arguments& arguments, const Job& job, EditedPackage& package,
+void apply(FileRun& run, const ApplyArguments& arguments, const Job& job, EditedPackage& package,
            const Report& before) {
     const std::filesystem::path folder = std::filesystem::path(arguments.job).parent_path();
     const auto& editor = package.editor();
@@ -80,7 +80,7 @@ void tellWhatIsLeft(FileRun& run, const opc::editing::Mending& mending) {
 }
 
 /// Mends, and goes on with the package that this makes.
-void mendAndApply(FileRun& run, const Arguments& arguments, const Job& job) {
+void mendAndApply(FileRun& run, const ApplyArguments& arguments, const Job& job) {
     Archive archive = openToInspect(run);
     Report before;
     if (asksForNewErrors(run, arguments))
@@ -94,7 +94,7 @@ void mendAndApply(FileRun& run, const Arguments& arguments, const Job& job) {
     tellWhatIsLeft(run, mending);
 }
 
-void apply(FileRun& run, const Arguments& arguments) {
+void apply(FileRun& run, const ApplyArguments& arguments) {
     const Job job = opc::editing::readJob(readFile(arguments.job));
     if (opc::editing::mends(job))
         return mendAndApply(run, arguments, job);
@@ -105,8 +105,8 @@ void apply(FileRun& run, const Arguments& arguments) {
     apply(run, arguments, job, package, before);
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareApply(CLI::App& command) {
+    const auto arguments = std::make_shared<ApplyArguments>();
     const auto files = addChangedFile(command, APPLY);
     command.add_option("JOB", arguments->job, "The file with the job; - is standard input")
         ->required()
@@ -128,7 +128,7 @@ void declare(CLI::App& command) {
 const Command APPLY{
     "apply",
     "Make all changes of a job, or none",
-    declare,
+    declareApply,
     "A job is JSON: a list of steps, each with what one of the commands add, put, rm, mv, retype, relate, "
     "unrelate, "
     "retarget, gc, props, clean and check takes. The schema command prints its schema with --job. Contents "

@@ -12,7 +12,7 @@ namespace opctool {
 using nlohmann::ordered_json;
 using opc::editing::HiddenContent;
 
-ordered_json toJSON(const std::vector<HiddenContent>& hidden) {
+ordered_json hiddenToJSON(const std::vector<HiddenContent>& hidden) {
     ordered_json list = ordered_json::array();
     for (const HiddenContent& content : hidden)
         list.push_back({{"item", content.place.empty() ? ordered_json() : ordered_json(content.place)},

@@ -11,7 +11,7 @@ namespace opctool {
 class FileRun;
 
 /// What an archive has beside the contents of its items, for JSON.
-nlohmann::ordered_json toJSON(const std::vector<opc::editing::HiddenContent>& hidden);
+nlohmann::ordered_json hiddenToJSON(const std::vector<opc::editing::HiddenContent>& hidden);
 
 /// The same as remarks; of many only the first ones, unless all are asked for.
 /// @param beginning  of each

@@ -34,7 +34,7 @@ std::string nameOf(const json& file) {
     return {bytes.begin(), bytes.end()};
 }
 
-void addFile(Baseline& baseline, const json& file, const std::string& root) {
+void addFileOfReport(Baseline& baseline, const json& file, const std::string& root) {
     if (file.contains("error"))
         return;
     const std::string uri = opc::inspection::toSARIFURI(nameOf(file.at("file")), root);
@@ -45,15 +45,15 @@ void addFile(Baseline& baseline, const json& file, const std::string& root) {
 void addDocument(Baseline& baseline, const json& document, const std::string& root) {
     if (document.is_array())
         for (const json& file : document)
-            addFile(baseline, file, root);
+            addFileOfReport(baseline, file, root);
     else if (document.contains("runs"))
         addSARIF(baseline, document);
     else
-        addFile(baseline, document, root);
+        addFileOfReport(baseline, document, root);
 }
 
 /// It is no package that fails.
-[[noreturn]] void refuse(const std::string& path, const std::string& why) {
+[[noreturn]] void refuseBaseline(const std::string& path, const std::string& why) {
     tell(path, why);
     throw EndsWith{FAILURE};
 }
@@ -63,7 +63,7 @@ void addDocument(Baseline& baseline, const json& document, const std::string& ro
 Baseline readBaseline(const std::string& path, const std::string& root) {
     std::ifstream file(path);
     if (!file)
-        refuse(path, "can't be read");
+        refuseBaseline(path, "can't be read");
     Baseline baseline;
     try {
         while (file >> std::ws && file.peek() != std::ifstream::traits_type::eof()) {
@@ -72,7 +72,7 @@ Baseline readBaseline(const std::string& path, const std::string& root) {
             addDocument(baseline, document, root);
         }
     } catch (const json::exception&) {
-        refuse(path, "is no report of opctool check in JSON or SARIF");
+        refuseBaseline(path, "is no report of opctool check in JSON or SARIF");
     }
     return baseline;
 }

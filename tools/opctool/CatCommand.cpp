@@ -73,7 +73,7 @@ void catPart(FileRun& run, const opc::model::PartName& name) {
     opc::StreamHelper::copyStreamToStream(package->getPart(name).getInputStream(), run.out());
 }
 
-void declare(CLI::App& command) {
+void declareCat(CLI::App& command) {
     const auto part = std::make_shared<std::string>();
     const auto files = addFile(command, CAT);
     command.add_option("PART", *part, "A part name, or [Content_Types].xml")->required()->type_name("");
@@ -87,7 +87,7 @@ void declare(CLI::App& command) {
 
 } // namespace
 
-const Command CAT{"cat", "Write the content of a part to standard output", declare,
+const Command CAT{"cat", "Write the content of a part to standard output", declareCat,
                   "[Content_Types].xml and relationships parts, such as /_rels/.rels, are shown as they lie "
                   "in the archive, "
                   "also where no other command reads the package.",

@@ -22,7 +22,7 @@ using opc::model::ContentType;
 using opc::model::PartName;
 using opc::model::TargetMode;
 
-struct Arguments {
+struct ChangeArguments {
     std::string part;
     std::string file;
     std::string contentType;
@@ -34,7 +34,7 @@ struct Arguments {
     bool force = false;
 };
 
-void create(FileRun& run, const Arguments& arguments) {
+void create(FileRun& run, const ChangeArguments& arguments) {
     if (!arguments.force && !run.isStandardInput() && std::filesystem::exists(run.path()))
         throw opc::Exception("The file exists already; use --force to replace it",
                              make_error_code(boost::system::errc::file_exists));
@@ -42,7 +42,7 @@ void create(FileRun& run, const Arguments& arguments) {
     package.save();
 }
 
-void add(FileRun& run, const Arguments& arguments) {
+void add(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
     FileContent content(arguments.file);
     package.editor().createPart(PartName(fromArgument(arguments.part)),
@@ -50,7 +50,7 @@ void add(FileRun& run, const Arguments& arguments) {
     package.finish();
 }
 
-void put(FileRun& run, const Arguments& arguments) {
+void put(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
     FileContent content(arguments.file);
     package.editor().replaceContent(PartName(fromArgument(arguments.part)), content);
@@ -62,7 +62,7 @@ std::string checkNotBlank(const std::string& argument) {
     return argument.find_first_not_of(" \t\r\n") == std::string::npos ? "It is blank" : "";
 }
 
-void relate(FileRun& run, const Arguments& arguments) {
+void relate(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
     const auto created = package.editor().addRelationship(
         PartName(fromArgument(arguments.source)),
@@ -71,17 +71,17 @@ void relate(FileRun& run, const Arguments& arguments) {
     package.finish(opc::toUDEString(created.getID()));
 }
 
-void unrelate(FileRun& run, const Arguments& arguments) {
+void unrelate(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
     package.editor().deleteRelationship(PartName(fromArgument(arguments.source)), fromArgument(arguments.id));
     package.finish();
 }
 
-using Change = void (*)(FileRun&, const Arguments&);
+using ChangeAction = void (*)(FileRun&, const ChangeArguments&);
 
 /// Declares what each command that changes a package has.
-std::shared_ptr<Arguments> declareChange(CLI::App& command, const Command& own, Change change) {
-    auto arguments = std::make_shared<Arguments>();
+std::shared_ptr<ChangeArguments> declareChange(CLI::App& command, const Command& own, ChangeAction change) {
+    auto arguments = std::make_shared<ChangeArguments>();
     const auto files = addChangedFile(command, own);
     addSignatureOption(command, files->options);
     command.callback(
@@ -89,22 +89,22 @@ std::shared_ptr<Arguments> declareChange(CLI::App& command, const Command& own, 
     return arguments;
 }
 
-void addPart(CLI::App& command, Arguments& arguments, const char* what) {
+void addPart(CLI::App& command, ChangeArguments& arguments, const char* what) {
     command.add_option("PART", arguments.part, what)->required()->type_name("");
 }
 
-void addContent(CLI::App& command, Arguments& arguments, const char* what) {
+void addContent(CLI::App& command, ChangeArguments& arguments, const char* what) {
     command.add_option("FILE", arguments.file, what)->required()->check(CLI::ExistingFile)->type_name("");
 }
 
-void addSource(CLI::App& command, Arguments& arguments) {
+void addSource(CLI::App& command, ChangeArguments& arguments) {
     command.add_option("SOURCE", arguments.source, "A part name, or \"/\" for the package itself")
         ->required()
         ->type_name("");
 }
 
 void declareNew(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ChangeArguments>();
     const auto files = addNewFile(command, NEW);
     command.add_flag("--force", arguments->force, "Replace an existing file");
     command.callback([files, arguments] { files->run([&](FileRun& run) { create(run, *arguments); }); });

@@ -7,7 +7,7 @@
 namespace opctool {
 
 /// The JSON of a change, as `CHANGES_SCHEMA` has it.
-nlohmann::ordered_json toJSON(const opc::editing::Change& change);
+nlohmann::ordered_json changeToJSON(const opc::editing::Change& change);
 
 /// The schema of the result of a command that edits a package.
 constexpr const char* CHANGES_SCHEMA = R"({

@@ -24,7 +24,7 @@ namespace {
 
 using namespace opc::inspection;
 
-struct Arguments {
+struct CheckArguments {
     std::vector<std::string> profiles;
     InspectionOptions inspection;
     std::string format = "text";
@@ -33,7 +33,7 @@ struct Arguments {
     std::string sarifRoot;
 };
 
-std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments, bool colored) {
+std::unique_ptr<ReportFormat> makeFormat(const CheckArguments& arguments, bool colored) {
     if (arguments.format == "sarif")
         return makeSARIFReport({"opctool", OPCMODEL_VERSION, arguments.sarifRoot});
     if (arguments.format == "html")
@@ -41,7 +41,7 @@ std::unique_ptr<ReportFormat> makeFormat(const Arguments& arguments, bool colore
     return makeTextReport(colored);
 }
 
-void inspectFile(FileRun& run, const Arguments& arguments, const std::optional<Baseline>& baseline,
+void inspectFile(FileRun& run, const CheckArguments& arguments, const std::optional<Baseline>& baseline,
                  InspectedFile& file) {
     const Archive archive = openToInspect(run);
     InspectionOptions options = arguments.inspection;
@@ -65,7 +65,7 @@ bool countsAsNo(const ReportSummary& summary, const std::string& failOn) {
 
 class Check {
 public:
-    Check(const Arguments& arguments, const Files& files)
+    Check(const CheckArguments& arguments, const Files& files)
         : arguments(arguments), format(makeFormat(arguments, files.options.output.colored)) {
         if (!arguments.baseline.empty())
             baseline = readBaseline(arguments.baseline, arguments.sarifRoot);
@@ -89,7 +89,7 @@ private:
         try {
             inspectFile(run, arguments, baseline, *file);
         } catch (const opc::Exception& e) {
-            file->failure = describe(e, run.path()).message;
+            file->failure = opc::scanning::describe(e, run.path()).message;
             throw;
         }
         print(run, *file);
@@ -109,14 +109,14 @@ private:
         run.json().add(nlohmann::ordered_json::parse(text.str()));
     }
 
-    const Arguments& arguments;
+    const CheckArguments& arguments;
     const std::unique_ptr<ReportFormat> format;
     std::optional<Baseline> baseline;
     ReportSummary summary;
 };
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareCheck(CLI::App& command) {
+    const auto arguments = std::make_shared<CheckArguments>();
     const auto files = addFiles(command, CHECK);
     addProfiles(command, arguments->profiles);
     addRepeatable(&command, "--rule", arguments->inspection.only, "Check by this rule alone")
@@ -158,7 +158,7 @@ void declare(CLI::App& command) {
 const Command CHECK{
     "check",
     "Find everything in packages that breaks a rule",
-    declare,
+    declareCheck,
     "",
     "opctool check report.docx\n"
     "opctool check -r folder --profile all --format html >report.html",

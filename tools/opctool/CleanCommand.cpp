@@ -23,7 +23,7 @@ using opc::inspection::Archive;
 using opc::inspection::Finding;
 using opc::interfaces::OpenMode;
 
-struct Arguments {
+struct CleanArguments {
     CleaningOptions what{false, false, false, false};
     bool all = false;
 
@@ -51,7 +51,7 @@ void print(FileRun& run, const std::vector<Change>& changes, const std::vector<F
 ordered_json toResult(const Editor& editor, const std::vector<Finding>& remaining, bool isDryRun) {
     ordered_json changes = ordered_json::array();
     for (const Change& change : editor.changes())
-        changes.push_back(toJSON(change));
+        changes.push_back(changeToJSON(change));
     ordered_json left = ordered_json::array();
     for (const Finding& finding : remaining)
         left.push_back(
@@ -62,7 +62,7 @@ ordered_json toResult(const Editor& editor, const std::vector<Finding>& remainin
             {"dryRun", isDryRun}};
 }
 
-void clean(FileRun& run, const Arguments& arguments) {
+void clean(FileRun& run, const CleanArguments& arguments) {
     const RunOptions& how = run.options();
     OpenedPackage package(run, OpenMode::ReadWrite);
     const Archive archive = package.openArchive();
@@ -80,8 +80,8 @@ void clean(FileRun& run, const Arguments& arguments) {
         editor.throwIfSignaturesAreBroken();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareClean(CLI::App& command) {
+    const auto arguments = std::make_shared<CleanArguments>();
     const auto files = addChangedFile(command, CLEAN);
     CleaningOptions& what = arguments->what;
     command.add_flag("--core", what.core, "Take the core properties out: title, creator, times …");
@@ -98,7 +98,7 @@ void declare(CLI::App& command) {
 
 const Command CLEAN{"clean",
                     "Take metadata of the package out, and say what remains inside parts",
-                    declare,
+                    declareClean,
                     "Properties and previews go with their parts, relationships and content types. What "
                     "tells about people inside parts "
                     "stays, and is listed as far as check knows it: comments and their authors, tracked "

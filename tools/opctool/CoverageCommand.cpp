@@ -211,7 +211,7 @@ void printMembers(JSONOutput& output, const Report& report) {
     output.end();
     printUncovered(output, report);
     output.beginObject("content");
-    print(output, report.ofAll());
+    printCoverage(output, report.ofAll());
     output.end();
 }
 
@@ -220,7 +220,7 @@ void printBoth(FileRun& run, const Report& own, SignedPackage& package, bool has
         printTables(run, own);
         if (hasStandard) {
             run.out() << '\n';
-            print(run, tabulate(package.closeUnchanged()));
+            printCoverage(run, tabulate(package.closeUnchanged()));
         }
         return;
     }
@@ -229,7 +229,7 @@ void printBoth(FileRun& run, const Report& own, SignedPackage& package, bool has
     printMembers(output, own);
     if (hasStandard) {
         output.beginObject("standard");
-        print(output, tabulate(package.closeUnchanged()));
+        printCoverage(output, tabulate(package.closeUnchanged()));
         output.end();
     }
     output.end();
@@ -238,11 +238,11 @@ void printBoth(FileRun& run, const Report& own, SignedPackage& package, bool has
 void printStandard(FileRun& run, PackageFile& file) {
     const auto table = tabulate(file);
     if (!run.wantsJSON()) {
-        print(run, table);
+        printCoverage(run, table);
         return;
     }
     run.json().beginObject();
-    print(run.json(), table);
+    printCoverage(run.json(), table);
     run.json().end();
 }
 
@@ -256,7 +256,7 @@ void coverage(FileRun& run) {
         printBoth(run, own, package, hasStandard);
 }
 
-void declare(CLI::App& command) {
+void declareCoverage(CLI::App& command) {
     const auto files = addFiles(command, COVERAGE);
     command.callback([files] { files->run(coverage); });
 }
@@ -266,7 +266,7 @@ void declare(CLI::App& command) {
 const Command COVERAGE{
     "coverage",
     "List the signatures that cover each part and relationship, and what none covers",
-    declare,
+    declareCoverage,
     "A package of an office program has signatures in the standard's profile; a broken one covers nothing "
     "there. What "
     "follows is about the library's own profile. A part is covered if the signature value protects its "

@@ -42,7 +42,7 @@ std::string summarize(const PackageCoverage& coverage) {
     return text;
 }
 
-void print(JSONOutput& output, const PackageCoverage& coverage) {
+void printCoverage(JSONOutput& output, const PackageCoverage& coverage) {
     output.beginArray("uncoveredParts");
     for (const auto& name : coverage.getUncoveredParts())
         output.add(toUDEString(name.toString()));

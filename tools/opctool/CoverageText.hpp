@@ -12,6 +12,6 @@ class JSONOutput;
 std::string summarize(const opc::model::PackageCoverage& coverage);
 
 /// The same, complete, for programs: adds members to the object that was begun last.
-void print(JSONOutput& output, const opc::model::PackageCoverage& coverage);
+void printCoverage(JSONOutput& output, const opc::model::PackageCoverage& coverage);
 
 } // namespace opctool

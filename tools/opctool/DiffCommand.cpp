@@ -15,7 +15,7 @@ namespace {
 
 using namespace opc::inspection;
 
-struct Arguments {
+struct DiffArguments {
     std::string other;
     std::vector<std::string> parts;
     bool overview = false;
@@ -24,7 +24,7 @@ struct Arguments {
     DiffJobArguments job;
 };
 
-void diff(FileRun& run, const Arguments& arguments) {
+void diff(FileRun& run, const DiffArguments& arguments) {
     const Archive before = openArchive(run);
     const Archive now = openArchive(arguments.other, run.options().reading);
     if (!arguments.job.path.empty()) {
@@ -46,8 +46,8 @@ void diff(FileRun& run, const Arguments& arguments) {
         run.sayNo();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareDiff(CLI::App& command) {
+    const auto arguments = std::make_shared<DiffArguments>();
     const auto files = addFile(command, DIFF);
     addJSONOptions(command, files->options.output);
     command.add_option("OTHER", arguments->other, "The package to compare it with; - is standard input")
@@ -93,7 +93,7 @@ void declare(CLI::App& command) {
 const Command DIFF{
     "diff",
     "Show what differs between two packages",
-    declare,
+    declareDiff,
     "Parts are equal only if all their bytes are. How the archive is written doesn't count: order, "
     "compression, times, and the form of relationships and content types. A part that is XML is "
     "compared with one element a line; the order of elements counts, while the order of attributes, "

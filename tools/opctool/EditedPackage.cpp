@@ -28,7 +28,7 @@ void EditedPackage::print(const std::string& name, bool tells) {
         json.add(name.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(name), "name");
         json.beginArray("changes");
         for (const Change& change : edits.changes())
-            json.add(toJSON(change));
+            json.add(changeToJSON(change));
         json.end();
         json.add(edits.brokenSignatures(), "brokenSignatures");
         json.add(options.dryRun, "dryRun");

@@ -4,6 +4,7 @@
 #include "Failures.hpp"
 #include "FileRun.hpp"
 #include "JSONOutput.hpp"
+#include "JSONText.hpp"
 
 #include <opc/core/Text.hpp>
 
@@ -41,7 +42,7 @@ ordered_json toJSON(const std::string& file) {
     return {{"bytes", toBase64(file)}};
 }
 
-constexpr const char* SCHEMA = R"({
+constexpr const char* ENVELOPE_SCHEMA = R"({
   "$schema": "https://json-schema.org/draft/2020-12/schema",
   "type": "object",
   "required": ["opctool", "file", "status", "hidden"],
@@ -93,10 +94,6 @@ constexpr const char* SCHEMA = R"({
   }
 })";
 
-ordered_json orNull(const std::string& text) {
-    return text.empty() ? ordered_json() : ordered_json(text);
-}
-
 } // namespace
 
 void beginEnvelope(JSONOutput& output, const std::string& command, const std::string& file) {
@@ -107,7 +104,7 @@ void beginEnvelope(JSONOutput& output, const std::string& command, const std::st
 }
 
 void addName(JSONOutput& output, const std::string& name) {
-    output.add({{"name", orNull(name)}});
+    output.add({{"name", textOrNull(name)}});
 }
 
 void endEnvelope(JSONOutput& output, int status, const std::vector<HiddenItem>& hidden,
@@ -122,16 +119,16 @@ void endEnvelope(JSONOutput& output, int status, const std::vector<HiddenItem>& 
         output.add({{"place", item.place},
                     {"line", item.line == 0 ? ordered_json() : ordered_json(item.line)},
                     {"reason", item.reason},
-                    {"done", orNull(item.done)},
-                    {"rule", orNull(item.rule)}});
+                    {"done", textOrNull(item.done)},
+                    {"rule", textOrNull(item.rule)}});
     output.end();
     if (failure != nullptr)
-        output.add(toJSON(*failure), "error");
+        output.add(failureToJSON(*failure), "error");
     output.end();
 }
 
 ordered_json envelopeSchema(const Command& command) {
-    ordered_json schema = ordered_json::parse(SCHEMA);
+    ordered_json schema = ordered_json::parse(ENVELOPE_SCHEMA);
     schema["title"] = std::string("opctool ") + command.name + " --json=2";
     schema["properties"]["opctool"]["properties"]["command"] = {{"const", command.name}};
     schema["properties"]["result"] = ordered_json::parse(command.resultSchema);

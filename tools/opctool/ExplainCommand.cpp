@@ -30,7 +30,7 @@ std::string nameOf(Severity severity) {
     return severity == Severity::Error ? "error" : severity == Severity::Warning ? "warning" : "info";
 }
 
-std::vector<std::string> profilesOf(const Rule& rule) {
+std::vector<std::string> namesOfProfiles(const Rule& rule) {
     std::vector<std::string> names;
     for (const auto& [bit, name] : {std::pair(OPC, "opc"), {SECURITY, "security"}, {OFFICE, "office"}})
         if ((rule.profiles & bit) != 0)
@@ -42,7 +42,7 @@ ordered_json toJSON(const Rule& rule) {
     return {{"rule", rule.id},
             {"title", rule.title},
             {"severity", nameOf(rule.severity)},
-            {"profiles", profilesOf(rule)},
+            {"profiles", namesOfProfiles(rule)},
             {"standard", rule.standard},
             {"statement", rule.statement},
             {"cause", rule.cause},
@@ -70,7 +70,7 @@ void printParagraph(const std::string& heading, std::string_view text) {
 
 void print(const Rule& rule) {
     std::string profiles;
-    for (const std::string& name : profilesOf(rule))
+    for (const std::string& name : namesOfProfiles(rule))
         profiles += (profiles.empty() ? "" : ", ") + name;
     std::cout << rule.id << ": " << rule.title << '\n' << nameOf(rule.severity) << "; profiles: " << profiles;
     if (!rule.standard.empty())
@@ -91,7 +91,7 @@ void list() {
     table.print(std::cout, {});
 }
 
-struct Arguments {
+struct ExplainArguments {
     std::string rule;
     OutputOptions output;
 };
@@ -109,7 +109,7 @@ void printJSON(const std::vector<const Rule*>& found, const OutputOptions& optio
     endEnvelope(output, 0, {}, nullptr);
 }
 
-void explain(const Arguments& arguments) {
+void explain(const ExplainArguments& arguments) {
     const bool isJSON = arguments.output.format() != OutputOptions::Format::Text;
     if (arguments.rule.empty() && !isJSON)
         return list();
@@ -123,8 +123,8 @@ void explain(const Arguments& arguments) {
     }
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareExplain(CLI::App& command) {
+    const auto arguments = std::make_shared<ExplainArguments>();
     command.add_option("RULE", arguments->rule, "The rule's id, as M1.6, or a number of the standard")
         ->check(isRule())
         ->type_name("");
@@ -135,7 +135,7 @@ void declare(CLI::App& command) {
 } // namespace
 
 const Command EXPLAIN{
-    "explain", "Explain a rule of check, or list all rules", declare, "", "opctool explain M3.10", "",
+    "explain", "Explain a rule of check, or list all rules", declareExplain, "", "opctool explain M3.10", "",
     R"({
   "type": "array",
   "items": {

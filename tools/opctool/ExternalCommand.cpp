@@ -23,7 +23,7 @@ using opc::inspection::ExternalEffect;
 using opc::inspection::Externals;
 using opc::inspection::toString;
 
-struct Arguments {
+struct ExternalArguments {
     std::vector<std::string> effects, places, allowed;
     std::string failOn = "never";
 };
@@ -32,7 +32,7 @@ bool has(const std::vector<std::string>& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool isWanted(const External& external, const Arguments& arguments) {
+bool isWanted(const External& external, const ExternalArguments& arguments) {
     if (!arguments.effects.empty() && !has(arguments.effects, toString(external.effect)))
         return false;
     if (!arguments.places.empty() && !has(arguments.places, toString(external.place)))
@@ -68,7 +68,7 @@ void printTable(FileRun& run, const std::vector<External>& rows) {
     table.print(run.out(), run.tableStyle());
 }
 
-void external(FileRun& run, const Arguments& arguments) {
+void external(FileRun& run, const ExternalArguments& arguments) {
     Externals externals = opc::inspection::listExternals(openArchive(run), run.options().reading.zip);
     for (const auto& [part, reason] : externals.unread) {
         run.addHidden({part, 0, reason, "its further relationships aren't listed", ""});
@@ -90,8 +90,8 @@ void external(FileRun& run, const Arguments& arguments) {
         run.sayNo();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareExternal(CLI::App& command) {
+    const auto arguments = std::make_shared<ExternalArguments>();
     const auto files = addFiles(command, EXTERNAL);
     addRepeatable(&command, "--effect", arguments->effects, "List only these: loads, click, other")
         ->check(CLI::IsMember({"loads", "click", "other"}))
@@ -118,7 +118,7 @@ void declare(CLI::App& command) {
 const Command EXTERNAL{
     "external",
     "List what packages load from outside, and where their links lead",
-    declare,
+    declareExternal,
     "Nothing is fetched. The effect is \"loads\" if opening the document is enough for an "
     "office program to fetch the "
     "target or to ask for it, \"click\" for hyperlinks, and \"other\" for types that "

@@ -6,10 +6,9 @@
 
 namespace opctool {
 
-using opc::scanning::describe;
 using opc::scanning::Failure;
 
 /// The member `error` of what `--json=2` prints.
-nlohmann::ordered_json toJSON(const Failure& failure);
+nlohmann::ordered_json failureToJSON(const Failure& failure);
 
 } // namespace opctool

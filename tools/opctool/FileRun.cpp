@@ -143,7 +143,7 @@ int FileRun::finish(const std::exception* failure) {
     std::optional<Failure> described;
     if (failure != nullptr) {
         status = FAILURE;
-        described = describe(*failure, filePath);
+        described = opc::scanning::describe(*failure, filePath);
         printError(described->className, runOptions.output.coloredErrors ? Color::Red : Color::None,
                    ": " + described->message);
     }

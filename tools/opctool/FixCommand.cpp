@@ -24,7 +24,7 @@ using nlohmann::ordered_json;
 using opc::editing::Mended;
 using opc::editing::Mending;
 
-struct Arguments {
+struct FixArguments {
     std::vector<std::string> profiles;
     std::vector<std::string> only, never;
 };
@@ -35,9 +35,9 @@ ordered_json orNull(const std::string& text) {
 
 ordered_json toJSON(const Rule& rule, const Place& place, const std::string& message) {
     return {{"rule", rule.id},
-            {"part", orNull(place.part)},
-            {"item", orNull(place.item)},
-            {"relationship", orNull(place.relationship)},
+            {"part", textOrNull(place.part)},
+            {"item", textOrNull(place.item)},
+            {"relationship", textOrNull(place.relationship)},
             {"message", message}};
 }
 
@@ -48,7 +48,7 @@ ordered_json toJSON(const Mending& mending, bool isDryRun) {
     ordered_json left = ordered_json::array();
     for (const Finding& finding : mending.left) {
         left.push_back(toJSON(*finding.rule, finding.place, finding.message));
-        left.back()["why"] = orNull(finding.hint);
+        left.back()["why"] = textOrNull(finding.hint);
     }
     return {{"changes", changes},
             {"left", left},
@@ -64,7 +64,7 @@ void print(FileRun& run, const Mending& mending) {
             run.printLine("left: " + describeLeft(finding));
 }
 
-void fix(FileRun& run, const Arguments& arguments) {
+void fix(FileRun& run, const FixArguments& arguments) {
     InspectionOptions options;
     options.profiles = profilesOf(arguments.profiles);
     options.only = arguments.only;
@@ -88,8 +88,8 @@ void fix(FileRun& run, const Arguments& arguments) {
             return run.sayNo();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareFix(CLI::App& command) {
+    const auto arguments = std::make_shared<FixArguments>();
     const auto files = addChangedFile(command, FIX);
     addProfiles(command, arguments->profiles);
     addRepeatable(&command, "--rule", arguments->only, "Mend what breaks this rule alone")
@@ -107,7 +107,7 @@ void declare(CLI::App& command) {
 const Command FIX{
     "fix",
     "Mend what check finds, as far as that is certain",
-    declare,
+    declareFix,
     "It takes the rules that check takes by the same options; what check calls an info is only mended if "
     "--rule names it. "
     "explain tells what fix does about a rule. Each change is a line, and so is what is left and why.",

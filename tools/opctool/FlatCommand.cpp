@@ -12,7 +12,7 @@ namespace opctool {
 
 namespace {
 
-void declare(CLI::App& command) {
+void declareFlat(CLI::App& command) {
     const auto options = std::make_shared<opc::inspection::FlatTextOptions>();
     const auto files = addFile(command, FLAT);
     command.add_flag("--prefix", options->namesPart, "Begin each line with the name of its part");
@@ -26,7 +26,7 @@ void declare(CLI::App& command) {
 } // namespace
 
 const Command FLAT{
-    "flat", "Print a whole package as one text", declare,
+    "flat", "Print a whole package as one text", declareFlat,
     "The order is always the same: the relationships of the package, then the parts by name with "
     "their content types, relationships and contents, then items that are no parts. XML stands "
     "there with one element a line, other contents as size and digest. The text is for reading "

@@ -11,7 +11,7 @@ namespace opctool {
 
 namespace {
 
-struct Arguments {
+struct GitSetupArguments {
     bool attributes = false;
     bool config = false;
 };
@@ -28,7 +28,7 @@ void printConfig() {
                  "\tbinary = true\n";
 }
 
-void setUp(const Arguments& arguments) {
+void setUp(const GitSetupArguments& arguments) {
     const bool both = arguments.attributes == arguments.config;
     if (both)
         std::cout << "# .gitattributes, which is committed:\n";
@@ -40,8 +40,8 @@ void setUp(const Arguments& arguments) {
         printConfig();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareGitSetup(CLI::App& command) {
+    const auto arguments = std::make_shared<GitSetupArguments>();
     command.add_flag("--attributes", arguments->attributes, "Print only the lines for .gitattributes");
     command.add_flag("--config", arguments->config, "Print only the lines for the configuration");
     command.callback([arguments] { setUp(*arguments); });
@@ -49,7 +49,8 @@ void declare(CLI::App& command) {
 
 } // namespace
 
-const Command GIT_SETUP{"git-setup", "Print the lines with which git shows what changed in packages", declare,
+const Command GIT_SETUP{"git-setup", "Print the lines with which git shows what changed in packages",
+                        declareGitSetup,
                         "Nothing is written. With these lines git diff, git log -p and git show compare "
                         "packages as the texts that "
                         "flat prints. What git stores doesn't change.",

@@ -19,7 +19,7 @@ using opc::inspection::GraphEdge;
 using opc::inspection::GraphNode;
 using opc::inspection::PackageGraph;
 
-struct Arguments {
+struct GraphArguments {
     std::string format = "dot";
     std::string from = "/";
     std::size_t depth = std::numeric_limits<std::size_t>::max();
@@ -58,7 +58,7 @@ void printJSON(JSONOutput& output, const PackageGraph& graph) {
     output.end();
 }
 
-PackageGraph readGraph(const FileRun& run, const Arguments& arguments) {
+PackageGraph readGraph(const FileRun& run, const GraphArguments& arguments) {
     PackageGraph graph = makeGraph(openArchive(run), run.options().reading.zip);
     if (!arguments.isPart)
         return graph;
@@ -69,7 +69,7 @@ PackageGraph readGraph(const FileRun& run, const Arguments& arguments) {
     return cutOut(graph, *from, arguments.depth);
 }
 
-void graph(FileRun& run, const Arguments& arguments) {
+void graph(FileRun& run, const GraphArguments& arguments) {
     const PackageGraph graph = readGraph(run, arguments);
     if (run.wantsJSON())
         printJSON(run.json(), graph);
@@ -79,8 +79,8 @@ void graph(FileRun& run, const Arguments& arguments) {
                                                       : toDOT(graph));
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareGraph(CLI::App& command) {
+    const auto arguments = std::make_shared<GraphArguments>();
     const auto files = addFile(command, GRAPH);
     command.add_option("--format", arguments->format, "The form of the output")
         ->check(CLI::IsMember({"dot", "mermaid", "svg", "json"}))
@@ -106,7 +106,7 @@ void declare(CLI::App& command) {
 const Command GRAPH{
     "graph",
     "Draw the parts of a package and the relationships between them",
-    declare,
+    declareGraph,
     "The output is text for Graphviz (dot) or Mermaid, a picture (svg) or data (json). Colours show external "
     "targets, targets that are missing, parts that nothing leads to, and what signatures name. The picture "
     "draws "

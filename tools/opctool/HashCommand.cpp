@@ -21,7 +21,7 @@ namespace {
 using namespace opc::inspection;
 using nlohmann::ordered_json;
 
-struct Arguments {
+struct HashArguments {
     std::vector<std::string> ignored;
     std::string list;
     bool parts = false;
@@ -45,7 +45,7 @@ void printJSON(FileRun& run, const ContentHash& hash) {
     output.end();
 }
 
-void hash(FileRun& run, const Arguments& arguments) {
+void hash(FileRun& run, const HashArguments& arguments) {
     const ContentHash hash = hashContent(openArchive(run), arguments.options());
     if (run.wantsJSON())
         return printJSON(run, hash);
@@ -68,7 +68,7 @@ bool holds(const ExpectedHash& expected, const ContentHash& hash) {
     });
 }
 
-void check(FileRun& run, const Arguments& arguments, const HashList& list) {
+void check(FileRun& run, const HashArguments& arguments, const HashList& list) {
     const ContentHash hash = hashContent(openArchive(run), arguments.options());
     for (const ExpectedHash& expected : list.at(run.path())) {
         const bool isSame = holds(expected, hash);
@@ -78,7 +78,7 @@ void check(FileRun& run, const Arguments& arguments, const HashList& list) {
     }
 }
 
-void runAll(Files& files, const Arguments& arguments) {
+void runAll(Files& files, const HashArguments& arguments) {
     files.options.namesFiles = true;
     if (arguments.list.empty()) {
         files.run([&arguments](FileRun& run) { hash(run, arguments); });
@@ -93,8 +93,8 @@ void runAll(Files& files, const Arguments& arguments) {
     files.run([&](FileRun& run) { check(run, arguments, list); });
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareHash(CLI::App& command) {
+    const auto arguments = std::make_shared<HashArguments>();
     const auto files = addFiles(command, HASH);
     addRepeatable(&command, "--ignore", arguments->ignored,
                   "Leave out core-properties, rel-ids (the Ids of relationships) or signatures")
@@ -116,7 +116,7 @@ void declare(CLI::App& command) {
 const Command HASH{
     "hash",
     "Print a digest of what a package holds",
-    declare,
+    declareHash,
     "It is the same for two packages whose parts have the same names, content types and bytes, and whose "
     "relationships are the same. The archive doesn't count: order, compression, times, items that are no "
     "parts. Nor does the form of relationships and content types. The digest of a part is that of its bytes. "

@@ -59,7 +59,7 @@ bool readLine(std::string line, HashList& list) {
     return true;
 }
 
-[[noreturn]] void refuse(const std::string& path, const std::string& why) {
+[[noreturn]] void refuseList(const std::string& path, const std::string& why) {
     tell(path, why);
     throw EndsWith{FAILURE};
 }
@@ -79,14 +79,14 @@ HashList readHashList(const std::string& path) {
         file.open(path);
     std::istream& input = path == "-" ? std::cin : file;
     if (!input)
-        refuse(path, "can't be read");
+        refuseList(path, "can't be read");
     HashList list;
     std::size_t number = 0;
     for (std::string line; std::getline(input, line);)
         if (++number; !readLine(line, list))
-            refuse(path, "line " + std::to_string(number) + " isn't one of a list of hashes");
+            refuseList(path, "line " + std::to_string(number) + " isn't one of a list of hashes");
     if (input.bad() || number == 0)
-        refuse(path, "has no hashes");
+        refuseList(path, "has no hashes");
     return list;
 }
 

@@ -97,7 +97,7 @@ ordered_json describePackage(FileRun& run) {
                                 {"relationships", countRelationships(*package)}};
     // An overview of a package whose properties are invalid is more useful than none.
     try {
-        description["coreProperties"] = describe(PackageHelper::getCoreProperties(*package));
+        description["coreProperties"] = describeProperties(PackageHelper::getCoreProperties(*package));
     } catch (const opc::Exception& e) {
         description["coreProperties"] = nullptr;
         description["corePropertiesFailure"] = e.what();
@@ -168,7 +168,7 @@ void info(FileRun& run) {
     printIgnored(run, description["ignored"]);
 }
 
-void declare(CLI::App& command) {
+void declareInfo(CLI::App& command) {
     const auto files = addFiles(command, INFO);
     command.callback([files] { files->run(info); });
 }
@@ -177,7 +177,7 @@ void declare(CLI::App& command) {
 
 const Command INFO{"info",
                    "Give an overview of a package",
-                   declare,
+                   declareInfo,
                    "",
                    "opctool info report.docx\n"
                    "opctool info *.docx --jsonl",

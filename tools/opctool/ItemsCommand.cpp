@@ -1,6 +1,7 @@
 #include "ArchiveFile.hpp"
 #include "Commands.hpp"
 #include "Files.hpp"
+#include "JSONText.hpp"
 #include "TerminalText.hpp"
 
 #include <CLI/CLI.hpp>
@@ -46,10 +47,6 @@ std::string timeOf(const ItemHeader& header) {
 template <typename Number>
 ordered_json numberOrNull(const std::optional<Number>& number) {
     return number ? ordered_json(*number) : ordered_json();
-}
-
-ordered_json textOrNull(const std::string& text) {
-    return text.empty() ? ordered_json() : ordered_json(text);
 }
 
 ordered_json describe(const std::optional<ItemHeader>& header) {
@@ -108,7 +105,7 @@ void printJSON(FileRun& run, const Archive& archive) {
 }
 
 /// A row of the table, with where it stands in the archive.
-struct Row {
+struct ItemRow {
     std::uint64_t place;
     Table::Cells cells;
 };
@@ -128,12 +125,12 @@ Table::Cells cellsOf(const ArchiveItem& item, const std::string& faults) {
 }
 
 /// The items and gaps as they lie in the archive.
-std::vector<Row> makeRows(const Archive& archive) {
+std::vector<ItemRow> makeRows(const Archive& archive) {
     std::map<std::size_t, std::string> faults; // by item
     for (const ArchiveFault& fault : archive.faults())
         if (fault.item)
             faults[*fault.item] += (faults[*fault.item].empty() ? "" : "; ") + fault.message;
-    std::vector<Row> rows;
+    std::vector<ItemRow> rows;
     for (std::size_t i = 0; i < archive.items().size(); ++i) {
         const ArchiveItem& item = archive.items()[i];
         const auto found = faults.find(i);
@@ -145,7 +142,7 @@ std::vector<Row> makeRows(const Archive& archive) {
                         {std::to_string(gap.offset), "gap", "-", std::to_string(gap.size), "-", "-",
                          nameOf(gap.where)}});
     std::stable_sort(rows.begin(), rows.end(),
-                     [](const Row& left, const Row& right) { return left.place < right.place; });
+                     [](const ItemRow& left, const ItemRow& right) { return left.place < right.place; });
     return rows;
 }
 
@@ -160,7 +157,7 @@ void items(FileRun& run) {
                  {"PACKED", Table::Align::Right},
                  {"NAME"},
                  {"NOTE"}});
-    for (Row& row : makeRows(archive))
+    for (ItemRow& row : makeRows(archive))
         table.addRow(std::move(row.cells));
     table.print(run.out(), run.tableStyle());
     for (const ArchiveFault& fault : archive.faults())
@@ -170,7 +167,7 @@ void items(FileRun& run) {
         run.out() << "No directory\n";
 }
 
-void declare(CLI::App& command) {
+void declareItems(CLI::App& command) {
     const auto files = addFiles(command, ITEMS);
     command.callback([files] { files->run(items); });
 }
@@ -180,7 +177,7 @@ void declare(CLI::App& command) {
 const Command ITEMS{
     "items",
     "List what the archive of a package holds, as it lies",
-    declare,
+    declareItems,
     "Unlike ls it needs no package: it also reads archives that the other commands refuse, and files "
     "without a directory. The table has the items in the order of their places, hidden ones too, which "
     "the directory doesn't list, and the gaps between them; NOTE says why an item is no part, and what is "

@@ -18,7 +18,7 @@ namespace {
 using bedrock::certificates::X509Certificate;
 using bedrock::crypto::SigningKey;
 
-struct Arguments {
+struct KeyArguments {
     std::string base;
     std::size_t bits = 2048;
     std::string curve;
@@ -27,14 +27,14 @@ struct Arguments {
     bool force = false;
 };
 
-SigningKey makeKey(const Arguments& arguments) {
+SigningKey makeKey(const KeyArguments& arguments) {
     if (!arguments.curve.empty())
         return bedrock::crypto::generateECKey(arguments.curve);
     const auto pair = bedrock::crypto::generateRsaKeyPair(arguments.bits);
     return {pair.getPrivateKey(), pair.getPublicKey()};
 }
 
-void makeFiles(const Arguments& arguments) {
+void makeFiles(const KeyArguments& arguments) {
     const SigningKey key = makeKey(arguments);
     const X509Certificate certificate =
         arguments.owner.empty()
@@ -46,8 +46,8 @@ void makeFiles(const Arguments& arguments) {
                      " bits is weak: sign and verify accept it only with --accept-weak");
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareKey(CLI::App& command) {
+    const auto arguments = std::make_shared<KeyArguments>();
     command.add_option("BASE", arguments->base, "The name of the files, without extension")
         ->required()
         ->type_name("");
@@ -87,7 +87,7 @@ void declare(CLI::App& command) {
 const Command KEYGEN{
     "keygen",
     "Make a key, and a certificate for it: the PEM files BASE.key (private), BASE.pub (public) and BASE.pem",
-    declare,
+    declareKey,
     "The key is RSA unless --ec names a curve. A certificate that its own key has signed is good for trying "
     "out, and among "
     "people who know each other; from an issuer of certificates you get one that others trust as well.",

@@ -34,7 +34,7 @@ void ls(FileRun& run) {
     table.print(run.out(), run.tableStyle());
 }
 
-void declare(CLI::App& command) {
+void declareLs(CLI::App& command) {
     const auto files = addFiles(command, LS);
     command.callback([files] { files->run(ls); });
 }
@@ -43,7 +43,7 @@ void declare(CLI::App& command) {
 
 const Command LS{"ls",
                  "List the parts: name, content type, size, relationships",
-                 declare,
+                 declareLs,
                  "",
                  "opctool ls report.docx\n"
                  "opctool ls -r folder --jsonl",

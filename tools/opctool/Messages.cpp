@@ -14,9 +14,9 @@ using opc::interfaces::Oddity;
 
 namespace {
 
-constexpr std::size_t TOLD = 100; // a small package can have very many
+constexpr std::size_t TOLD_ODDITIES = 100; // a small package can have very many
 
-std::string describe(const Oddity& oddity) {
+std::string describeOddity(const Oddity& oddity) {
     std::string text = opc::toUDEString(oddity.place);
     if (oddity.line != 0)
         text += (text.empty() ? "line " : ":") + std::to_string(oddity.line);
@@ -41,10 +41,10 @@ std::string messageLine(const std::string& package, const std::string& text) {
 }
 
 std::vector<std::string> describeOddities(const std::vector<Oddity>& oddities, bool all) {
-    const std::size_t told = all ? oddities.size() : std::min(oddities.size(), TOLD);
+    const std::size_t told = all ? oddities.size() : std::min(oddities.size(), TOLD_ODDITIES);
     std::vector<std::string> texts;
     std::transform(oddities.begin(), oddities.begin() + static_cast<std::ptrdiff_t>(told),
-                   std::back_inserter(texts), describe);
+                   std::back_inserter(texts), describeOddity);
     if (told < oddities.size())
         texts.push_back("and " + std::to_string(oddities.size() - told) + " more");
     return texts;

@@ -113,7 +113,7 @@ std::string describeIgnored(const PackageCoverage& coverage) {
     return text;
 }
 
-void throwIfOfOtherProfile(const SignArguments& arguments) {
+void throwIfOfStandardProfile(const SignArguments& arguments) {
     if (arguments.all)
         refuseUnlessProfile("--all", Profile::Standard);
     if (!arguments.comment.empty())
@@ -156,7 +156,7 @@ private:
 } // namespace
 
 void signInOwnProfile(FileRun& run, SignedPackage& package, const SignArguments& arguments) {
-    throwIfOfOtherProfile(arguments);
+    throwIfOfStandardProfile(arguments);
     const SigningMaterial material(arguments.signing);
     OtherSignatures others(package);
     DigitalSignatureManager& signatures = package.signatures();
@@ -173,7 +173,7 @@ void signInOwnProfile(FileRun& run, SignedPackage& package, const SignArguments&
     if (breaksCountersignature)
         run.tell("warning: the countersignature doesn't hold any more");
     others.tell(run);
-    print(run, {opc::toUDEString(signature.getName()), Profile::OpcModel, {}, {}, {}});
+    printResult(run, {opc::toUDEString(signature.getName()), Profile::OpcModel, {}, {}, {}});
 }
 
 void countersign(FileRun& run, SignedPackage& package, const SignArguments& arguments) {

@@ -31,7 +31,7 @@ using opc::model::Package;
 using opc::model::PackageHelper;
 using opc::model::Part;
 
-struct Arguments {
+struct PropertyArguments {
     bool clear = false;
     std::vector<std::string> unset;
     std::vector<std::string> set;
@@ -54,7 +54,7 @@ void require(const char* option, const std::string& problem) {
         throw CLI::ValidationError(option, problem);
 }
 
-void Arguments::check() const {
+void PropertyArguments::check() const {
     require("--labels", areLabels && changes() ? "labels can only be read" : "");
     require("--keyword", areOffice() && !keywords.empty() ? "it is for core properties" : "");
     require("--type", !areCustom && !type.empty() ? "it is for custom properties" : "");
@@ -117,7 +117,7 @@ void printCore(FileRun& run) {
         printProperties(run.out(), run.tableStyle(), description);
 }
 
-void print(FileRun& run, const Arguments& arguments) {
+void print(FileRun& run, const PropertyArguments& arguments) {
     if (arguments.areLabels)
         printLabels(run);
     else if (arguments.areOffice())
@@ -126,7 +126,7 @@ void print(FileRun& run, const Arguments& arguments) {
         printCore(run);
 }
 
-void changeCore(FileRun& run, const Arguments& arguments) {
+void changeCore(FileRun& run, const PropertyArguments& arguments) {
     EditedPackage package(run);
     warnOfCorePropertiesOutOfReach(run, *package);
     if (!arguments.clear ||
@@ -146,7 +146,7 @@ void changeCore(FileRun& run, const Arguments& arguments) {
     package.finish();
 }
 
-void change(FileRun& run, const Arguments& arguments) {
+void change(FileRun& run, const PropertyArguments& arguments) {
     if (arguments.areOffice())
         changeOfficeProperties(run, arguments.kind(),
                                {arguments.clear, arguments.unset, arguments.set, arguments.type});
@@ -154,7 +154,7 @@ void change(FileRun& run, const Arguments& arguments) {
         changeCore(run, arguments);
 }
 
-void declareKinds(CLI::App& command, Arguments& arguments) {
+void declareKinds(CLI::App& command, PropertyArguments& arguments) {
     CLI::Option* const custom = command.add_flag(
         "--custom", arguments.areCustom, "Those that people and systems have added, with their types");
     CLI::Option* const extended = command.add_flag("--extended", arguments.areExtended,
@@ -167,8 +167,8 @@ void declareKinds(CLI::App& command, Arguments& arguments) {
     custom->excludes(extended);
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareProperty(CLI::App& command) {
+    const auto arguments = std::make_shared<PropertyArguments>();
     const auto files = addFiles(command, PROPS);
     addTarget(command, files->options);
     addDryRun(command, files->options);

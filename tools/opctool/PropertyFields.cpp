@@ -79,7 +79,7 @@ bool isLanguageTag(const std::string& text) {
 
 } // namespace
 
-json describe(const CoreProperties& properties) {
+json describeProperties(const CoreProperties& properties) {
     json description = json::object();
     for (const CorePropertyField& field : CorePropertyField::all())
         field.visit(properties, [&](const auto& value) {

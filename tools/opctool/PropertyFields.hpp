@@ -17,9 +17,9 @@ namespace opctool {
 
 /// The present fields: strings for texts and times; an array of objects with "text" and, if there is one, "language"
 /// for keywords.
-nlohmann::json describe(const opc::model::CoreProperties& properties);
+nlohmann::json describeProperties(const opc::model::CoreProperties& properties);
 
-/// Prints the result of `describe` for people, with a row for each field and each keyword.
+/// Prints the result of `describeProperties` for people, with a row for each field and each keyword.
 void printProperties(std::ostream& stream, Table::Style style, const nlohmann::json& description);
 
 /// @return what is wrong with `name` as the name of a field; empty if nothing is

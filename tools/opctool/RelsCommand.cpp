@@ -25,7 +25,7 @@ using opc::model::RelationshipSource;
 using opc::model::TargetMode;
 using opc::model::URI;
 
-struct Arguments {
+struct RelsArguments {
     std::string source;
     bool all = false;
 };
@@ -56,7 +56,7 @@ ordered_json targetExists(const Package& package, const Relationship& relationsh
 
 class Listing {
 public:
-    Listing(OpenedPackage& package, const Arguments& arguments) : package(package), arguments(arguments) {
+    Listing(OpenedPackage& package, const RelsArguments& arguments) : package(package), arguments(arguments) {
         SourceNames names;
         forEachSource([&names](const RelationshipSource& source) { names.add(source); });
     }
@@ -78,10 +78,10 @@ private:
     }
 
     OpenedPackage& package;
-    const Arguments& arguments;
+    const RelsArguments& arguments;
 };
 
-void rels(FileRun& run, const Arguments& arguments) {
+void rels(FileRun& run, const RelsArguments& arguments) {
     OpenedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
     const Listing listing(package, arguments);
     if (run.wantsJSON()) {
@@ -108,7 +108,7 @@ void rels(FileRun& run, const Arguments& arguments) {
 }
 
 /// With -r or --files-from there is no PACKAGE: what stands in its place is SOURCE.
-void shiftSource(FileSelection& selection, Arguments& arguments) {
+void shiftSource(FileSelection& selection, RelsArguments& arguments) {
     const bool isFound = !selection.folders.empty() || !selection.lists.empty();
     if (!isFound || selection.packages.empty())
         return;
@@ -118,8 +118,8 @@ void shiftSource(FileSelection& selection, Arguments& arguments) {
     selection.packages.clear();
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareRels(CLI::App& command) {
+    const auto arguments = std::make_shared<RelsArguments>();
     const auto files = addFilesBefore(command, RELS);
     CLI::Option* source = command
                               .add_option("SOURCE", arguments->source,
@@ -140,7 +140,7 @@ void declare(CLI::App& command) {
 
 const Command RELS{"rels",
                    "List the relationships of the package, of a part, or of all",
-                   declare,
+                   declareRels,
                    "",
                    "opctool rels report.docx\n"
                    "opctool rels report.docx /word/document.xml\n"

@@ -27,7 +27,7 @@ void repack(FileRun& run, RepackingOptions options) {
         run.json().add(ordered_json{{"before", package.size()},
                                     {"after", repacked.archive.size()},
                                     {"items", repacked.items},
-                                    {"dropped", toJSON(repacked.dropped)}});
+                                    {"dropped", hiddenToJSON(repacked.dropped)}});
         return;
     }
     remark(run, repacked.dropped, "is left out: ");
@@ -35,7 +35,7 @@ void repack(FileRun& run, RepackingOptions options) {
                   std::to_string(repacked.archive.size()) + " after");
 }
 
-void declare(CLI::App& command) {
+void declareRepack(CLI::App& command) {
     const auto options = std::make_shared<RepackingOptions>();
     const auto files = addChangedFile(command, REPACK);
     command
@@ -55,7 +55,7 @@ void declare(CLI::App& command) {
 
 const Command REPACK{"repack",
                      "Compress a package anew",
-                     declare,
+                     declareRepack,
                      "The content types and the relationships of the package come first, by which other "
                      "programs recognise a file. The "
                      "contents stay the same. What stands beside them in the archive is left out and "

@@ -24,7 +24,7 @@ std::vector<std::string> namesOfCommands() {
     return names;
 }
 
-void declare(CLI::App& command) {
+void declareSchema(CLI::App& command) {
     const auto name = std::make_shared<std::string>();
     CLI::Option* const ofCommand = command.add_option("COMMAND", *name, "A command that prints JSON")
                                        ->check(CLI::IsMember(namesOfCommands()))
@@ -44,7 +44,7 @@ void declare(CLI::App& command) {
 } // namespace
 
 const Command SCHEMA{
-    "schema", "Print the JSON Schema of what a command prints with --json=2 and --jsonl", declare,
+    "schema", "Print the JSON Schema of what a command prints with --json=2 and --jsonl", declareSchema,
     "It describes the object for one package; --json=2 prints an array of such objects for more than "
     "one. Objects of one kind always have the members that the schema requires. Later versions of "
     "shape 2 add members, but don't remove, rename or retype one: ignore those that you don't know. Commands "

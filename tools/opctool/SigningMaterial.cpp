@@ -52,7 +52,7 @@ SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySiz
 
 } // namespace
 
-std::string nameOf(DigestMethod method) {
+std::string digestName(DigestMethod method) {
     const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS),
                                             [&](const Digest& entry) { return entry.method == method; });
     return digest->name;

@@ -14,7 +14,7 @@
 namespace opctool {
 
 /// The name of a digest on the command line and in output, such as "sha512".
-std::string nameOf(opc::model::DigestMethod method);
+std::string digestName(opc::model::DigestMethod method);
 
 /// What the command line says about who signs, and how. Paths are empty if they aren't given.
 struct SigningArguments {

@@ -14,7 +14,7 @@ constexpr const char* OPCMODEL = "opcmodel";
 
 } // namespace
 
-const char* nameOf(Profile profile) {
+const char* profileName(Profile profile) {
     return profile == Profile::Standard ? STANDARD : OPCMODEL;
 }
 
@@ -35,13 +35,13 @@ Profile chooseProfile(FileRun& run, SignedPackage& package, const std::string& w
     const bool hasOwn = package.hasOwnSignatures();
     const Profile chosen = hasOwn && !hasStandard ? Profile::OpcModel : Profile::Standard;
     if (hasOwn || hasStandard)
-        run.remark(std::string("the profile is ") + nameOf(chosen) +
+        run.remark(std::string("the profile is ") + profileName(chosen) +
                    ", as that of the signatures which the package has; --profile chooses another one");
     return chosen;
 }
 
 void refuseUnlessProfile(const std::string& option, Profile needed) {
-    throw CLI::ValidationError(option, std::string("needs --profile ") + nameOf(needed));
+    throw CLI::ValidationError(option, std::string("needs --profile ") + profileName(needed));
 }
 
 } // namespace opctool

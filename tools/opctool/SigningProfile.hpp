@@ -18,7 +18,7 @@ enum class Profile {
 };
 
 /// `standard` or `opcmodel`.
-const char* nameOf(Profile profile);
+const char* profileName(Profile profile);
 
 /// Declares --profile.
 /// @param name  stays empty unless the command line has the option

@@ -23,7 +23,7 @@ struct SigningResult {
 };
 
 /// Prints the name, or all of it in JSON.
-void print(FileRun& run, const SigningResult& result);
+void printResult(FileRun& run, const SigningResult& result);
 
 /// The JSON Schema of that.
 constexpr const char* SIGNING_SCHEMA = R"({

@@ -19,10 +19,10 @@ namespace {
 using namespace opc::standard_signatures;
 using nlohmann::ordered_json;
 
-using Row = CoverageTable::Row;
+using CoverageRow = CoverageTable::Row;
 using Standing = CoverageTable::Standing;
 
-constexpr std::size_t MAXIMUM_NAMES = 2000000;
+constexpr std::size_t MOST_NAMES = 2000000;
 
 ordered_json namesOf(const CoverageTable& table) {
     ordered_json names = ordered_json::array();
@@ -31,7 +31,7 @@ ordered_json namesOf(const CoverageTable& table) {
     return names;
 }
 
-ordered_json namesOf(const CoverageTable& table, const Row& row) {
+ordered_json namesOf(const CoverageTable& table, const CoverageRow& row) {
     ordered_json names = ordered_json::array();
     for (const std::size_t place : row.signatures)
         names.push_back(table.verification.signatures[place].name);
@@ -39,7 +39,7 @@ ordered_json namesOf(const CoverageTable& table, const Row& row) {
 }
 
 /// The signatures of a row, and further remarks.
-std::string textOf(const CoverageTable& table, const Row& row) {
+std::string textOf(const CoverageTable& table, const CoverageRow& row) {
     std::string text;
     for (const auto& name : namesOf(table, row))
         text += (text.empty() ? "" : ", ") + name.get<std::string>();
@@ -51,7 +51,7 @@ std::string textOf(const CoverageTable& table, const Row& row) {
                        : "");
 }
 
-bool isGap(const Row& row) {
+bool isGap(const CoverageRow& row) {
     return row.signatures.empty() && row.standing == Standing::Content;
 }
 
@@ -63,7 +63,7 @@ bool isFull(const CoverageTable& table) {
                        [](const VerifiedSignature& one) { return one.coverage.isComplete(); });
 }
 
-ordered_json describe(const CoverageTable& table, const Row& row) {
+ordered_json describe(const CoverageTable& table, const CoverageRow& row) {
     ordered_json described{{"signatures", namesOf(table, row)},
                            {"ofSignatures", row.standing == Standing::OfSignatures},
                            {"byCustom", row.standing == Standing::LeftOutByCustom}};
@@ -78,10 +78,10 @@ ordered_json describe(const CoverageTable& table, const Row& row) {
 }
 
 template <typename Predicate>
-void printNames(JSONOutput& output, const std::vector<Row>& rows, const std::string& name,
+void printNames(JSONOutput& output, const std::vector<CoverageRow>& rows, const std::string& name,
                 const Predicate& isListed) {
     output.beginArray(name);
-    for (const Row& row : rows)
+    for (const CoverageRow& row : rows)
         if (isListed(row))
             output.add(row.id.empty() ? ordered_json(row.place)
                                       : ordered_json{{"source", row.place}, {"id", row.id}});
@@ -112,41 +112,41 @@ CoverageTable tabulate(PackageFile& file) {
         [&table](opc::interfaces::IPhysicalPackage& store) { table = tabulateCoverage(store); });
     std::size_t count = 0;
     for (const auto* rows : {&table.parts, &table.relationships})
-        for (const Row& row : *rows)
+        for (const CoverageRow& row : *rows)
             count += row.signatures.size();
-    if (count > MAXIMUM_NAMES)
+    if (count > MOST_NAMES)
         throw opc::Exception("The report would name signatures more than 2000000 times. opctool verify "
                              "lists what no signature covers.");
     return table;
 }
 
-void print(FileRun& run, const CoverageTable& table) {
+void printCoverage(FileRun& run, const CoverageTable& table) {
     run.out() << "Signatures in the standard's profile:\n";
     const Table parts({{"PART"}, {"SIGNATURES"}});
     parts.print(run.out(), run.tableStyle(), [&table](const auto& printRow) {
-        for (const Row& row : table.parts)
+        for (const CoverageRow& row : table.parts)
             printRow({row.place, textOf(table, row)});
     });
     run.out() << '\n';
     const Table relationships({{"SOURCE"}, {"ID"}, {"SIGNATURES"}, {"TYPE"}});
     relationships.print(run.out(), run.tableStyle(), [&table](const auto& printRow) {
-        for (const Row& row : table.relationships)
+        for (const CoverageRow& row : table.relationships)
             printRow({row.place, row.id, textOf(table, row), row.type});
     });
     run.out() << '\n';
     printSummary(run, table);
 }
 
-void print(JSONOutput& output, const CoverageTable& table) {
-    const auto isUncovered = [](const Row& row) { return row.signatures.empty(); };
+void printCoverage(JSONOutput& output, const CoverageTable& table) {
+    const auto isUncovered = [](const CoverageRow& row) { return row.signatures.empty(); };
     output.add("standard", "profile");
     output.add(namesOf(table), "signatures");
     output.beginArray("parts");
-    for (const Row& row : table.parts)
+    for (const CoverageRow& row : table.parts)
         output.add(describe(table, row));
     output.end();
     output.beginArray("relationships");
-    for (const Row& row : table.relationships)
+    for (const CoverageRow& row : table.relationships)
         output.add(describe(table, row));
     output.end();
     output.beginObject("uncovered");

@@ -14,9 +14,9 @@ class PackageFile;
 opc::standard_signatures::CoverageTable tabulate(PackageFile& file);
 
 /// Prints tables of parts and relationships, and what is missing.
-void print(FileRun& run, const opc::standard_signatures::CoverageTable& table);
+void printCoverage(FileRun& run, const opc::standard_signatures::CoverageTable& table);
 
 /// Adds the members of the report to the object that was begun last.
-void print(JSONOutput& output, const opc::standard_signatures::CoverageTable& table);
+void printCoverage(JSONOutput& output, const opc::standard_signatures::CoverageTable& table);
 
 } // namespace opctool

@@ -1,6 +1,7 @@
 #include "StandardSignatures.hpp"
 
 #include "FileRun.hpp"
+#include "JSONText.hpp"
 #include "PackageFile.hpp"
 #include "TerminalText.hpp"
 
@@ -20,8 +21,8 @@ namespace {
 using namespace opc::standard_signatures;
 using nlohmann::ordered_json;
 
-constexpr std::size_t TOLD = 20;     ///< gaps of a signature, in text
-constexpr std::size_t LISTED = 1000; ///< in JSON
+constexpr std::size_t TOLD_GAPS = 20; ///< gaps of a signature, in text
+constexpr std::size_t LISTED = 1000;  ///< in JSON
 
 const char* nameOf(CryptographyAnswer::Status status) {
     constexpr std::array NAMES{"valid", "weak", "broken"};
@@ -57,10 +58,6 @@ std::string placeOf(const Unsigned& one) {
     return one.id.empty() ? one.place : one.place + "#" + one.id;
 }
 
-ordered_json orNull(const std::string& text) {
-    return text.empty() ? ordered_json() : ordered_json(text);
-}
-
 ordered_json describe(const CryptographyAnswer& answer) {
     ordered_json references = ordered_json::array();
     for (const CheckedReference& one : answer.references)
@@ -81,8 +78,8 @@ ordered_json describe(const std::vector<Unsigned>& all) {
             break;
         list.push_back({{"kind", nameOf(one.kind)},
                         {"place", one.place},
-                        {"id", orNull(one.id)},
-                        {"type", orNull(one.type)},
+                        {"id", textOrNull(one.id)},
+                        {"type", textOrNull(one.type)},
                         {"text", one.text}});
     }
     return list;
@@ -122,10 +119,6 @@ Color colorOfAnswer(const std::string& answer) {
     return isGood ? Color::Green : Color::Red;
 }
 
-std::string orDash(const ordered_json& text) {
-    return text.is_null() ? "-" : text.get<std::string>();
-}
-
 void printTable(FileRun& run, const PackageVerification& verification) {
     Table table({{"NAME"},
                  {"CLAIMED TIME"},
@@ -135,13 +128,13 @@ void printTable(FileRun& run, const PackageVerification& verification) {
                  {"COVERAGE", Table::Align::Left, colorOfAnswer},
                  {"TRUST", Table::Align::Left, colorOfAnswer}});
     for (const VerifiedSignature& one : verification.signatures) {
-        const ordered_json row = opctool::describe(one);
+        const ordered_json row = describeSignature(one);
         table.addRow(
-            {one.name, orDash(row["time"]),
+            {one.name, textOrDash(row["time"]),
              one.cryptography.method.empty()
                  ? "-"
                  : one.cryptography.method + ", " + std::to_string(one.cryptography.keyBits) + " bits",
-             orDash(row["signer"]), nameOf(one.cryptography.status), nameOf(one.coverage),
+             textOrDash(row["signer"]), nameOf(one.cryptography.status), nameOf(one.coverage),
              nameOf(one.trust.status)});
     }
     table.print(run.out(), run.tableStyle());
@@ -188,11 +181,11 @@ bool fulfils(const PackageVerification& verification, const StandardRequirements
            std::all_of(verification.signatures.begin(), verification.signatures.end(), fulfilsAll);
 }
 
-ordered_json describe(const VerifiedSignature& signature) {
+ordered_json describeSignature(const VerifiedSignature& signature) {
     const std::vector<std::string> reasons = reasonsOf(signature);
     ordered_json row{{"name", signature.name},
                      {"part", signature.part},
-                     {"time", orNull(signature.claimedTime)},
+                     {"time", textOrNull(signature.claimedTime)},
                      {"digest", signature.cryptography.method},
                      {"keySize", signature.cryptography.keyBits},
                      {"signer", nullptr},
@@ -235,16 +228,16 @@ std::vector<std::string> reasonsOf(const VerifiedSignature& signature) {
     return all;
 }
 
-void print(FileRun& run, const PackageVerification& verification) {
+void printVerification(FileRun& run, const PackageVerification& verification) {
     run.out() << "Signatures in the standard's profile:\n";
     printTable(run, verification);
     run.out() << '\n';
     for (const VerifiedSignature& signature : verification.signatures) {
         const std::vector<std::string> reasons = reasonsOf(signature);
-        for (std::size_t i = 0; i < std::min(reasons.size(), TOLD); ++i)
+        for (std::size_t i = 0; i < std::min(reasons.size(), TOLD_GAPS); ++i)
             run.out() << withoutControlCharacters(signature.name + ": " + reasons[i]) << '\n';
-        if (reasons.size() > TOLD)
-            run.out() << withoutControlCharacters(signature.name) << ": and " << reasons.size() - TOLD
+        if (reasons.size() > TOLD_GAPS)
+            run.out() << withoutControlCharacters(signature.name) << ": and " << reasons.size() - TOLD_GAPS
                       << " more\n";
         printReservations(run, signature);
     }

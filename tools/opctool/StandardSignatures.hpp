@@ -30,12 +30,12 @@ bool fulfils(const opc::standard_signatures::PackageVerification& verification,
              const StandardRequirements& requirements);
 
 /// A row of JSON, with the members that rows of the other profile have too.
-nlohmann::ordered_json describe(const opc::standard_signatures::VerifiedSignature& signature);
+nlohmann::ordered_json describeSignature(const opc::standard_signatures::VerifiedSignature& signature);
 
 /// Why the signature isn't a yes, in lines for people.
 std::vector<std::string> reasonsOf(const opc::standard_signatures::VerifiedSignature& signature);
 
 /// Prints the table of the three answers, and the reasons.
-void print(FileRun& run, const opc::standard_signatures::PackageVerification& verification);
+void printVerification(FileRun& run, const opc::standard_signatures::PackageVerification& verification);
 
 } // namespace opctool

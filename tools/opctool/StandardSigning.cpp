@@ -40,7 +40,7 @@ DigestAlgorithm digestOf(const std::string& name) {
     return DigestAlgorithm::SHA512;
 }
 
-void throwIfOfOtherProfile(const SignArguments& arguments) {
+void throwIfOfOwnProfile(const SignArguments& arguments) {
     const std::pair<const char*, bool> given[] = {
         {"--public", !arguments.signing.publicKey.empty()},
         {"--relationship-type", !arguments.relationshipTypes.empty()},
@@ -132,7 +132,7 @@ void warn(FileRun& run, const NewSignature& signature, const SignArguments& argu
 } // namespace
 
 void signInStandardProfile(FileRun& run, SignedPackage& package, const SignArguments& arguments) {
-    throwIfOfOtherProfile(arguments);
+    throwIfOfOwnProfile(arguments);
     const SigningOptions options = makeOptions(arguments);
     const Signer signer = readSigner(arguments.signing);
     std::optional<SignatureAdditions> additions;
@@ -143,8 +143,8 @@ void signInStandardProfile(FileRun& run, SignedPackage& package, const SignArgum
         opc::editing::throwIfBroken(additions->findBroken(*package));
     package.save();
     warn(run, made, arguments, findDoubt(signer.certificate, *options.time));
-    print(run, {made.name, Profile::Standard, made.part, made.coverage.isComplete() ? "complete" : "partial",
-                made.unreachable});
+    printResult(run, {made.name, Profile::Standard, made.part,
+                      made.coverage.isComplete() ? "complete" : "partial", made.unreachable});
 }
 
 } // namespace opctool

@@ -42,7 +42,7 @@ void unpack(FileRun& run, const UnpackArguments& arguments) {
         run.json().add(ordered_json{{"files", unpacked.files},
                                     {"bytes", unpacked.bytes},
                                     {"renamed", renamed},
-                                    {"hidden", toJSON(unpacked.hidden)}});
+                                    {"hidden", hiddenToJSON(unpacked.hidden)}});
         return;
     }
     for (const RenamedItem& item : unpacked.renamed)
@@ -110,8 +110,8 @@ void pack(FileRun& run, const PackArguments& arguments) {
                                 {"added", packed.added},
                                 {"replaced", packed.replaced},
                                 {"removed", packed.removed},
-                                {"hidden", toJSON(packed.hidden)},
-                                {"dropped", toJSON(packed.dropped)},
+                                {"hidden", hiddenToJSON(packed.hidden)},
+                                {"dropped", hiddenToJSON(packed.dropped)},
                                 {"brokenSignatures", packed.brokenSignatures}});
 }
 

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* SYSTEM = "system";
 constexpr const char* NOW = "now";
 
-boost::posix_time::ptime parseTime(const std::string& text) {
+boost::posix_time::ptime parseCheckTime(const std::string& text) {
     return opc::convertStringToTime(opc::toString(text, true));
 }
 
@@ -47,7 +47,7 @@ std::string checkTime(const std::string& text) {
     constexpr int LAST_YEAR = 2261; // which the clock can count
     if (text == NOW)
         return {};
-    const auto time = parseTime(text);
+    const auto time = parseCheckTime(text);
     if (time.is_special() || time.date().year() < FIRST_YEAR || time.date().year() > LAST_YEAR)
         return text + " isn't a time from 1970 to 2261; write 2024-02-29, 2024-02-29T13:45Z or now";
     return {};
@@ -70,7 +70,7 @@ CertificateValidationOptions makeValidationOptions(const Trust& trust) {
     if (!trust.time.empty())
         options.setCheckTime(trust.time == NOW ? std::chrono::system_clock::now()
                                                : std::chrono::system_clock::from_time_t(
-                                                     boost::posix_time::to_time_t(parseTime(trust.time))));
+                                                     boost::posix_time::to_time_t(parseCheckTime(trust.time))));
     for (const std::string& file : trust.revocationLists)
         options.addRevocationList(readFile(file));
     return options;

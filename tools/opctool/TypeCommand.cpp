@@ -1,6 +1,7 @@
 #include "ArchiveFile.hpp"
 #include "Commands.hpp"
 #include "Files.hpp"
+#include "JSONText.hpp"
 #include "TerminalText.hpp"
 
 #include <opc/inspection/Format.hpp>
@@ -25,10 +26,6 @@ const char* nameOf(Format::Conformance conformance) {
     default:
         return nullptr;
     }
-}
-
-ordered_json textOrNull(const std::string& text) {
-    return text.empty() ? ordered_json() : ordered_json(text);
 }
 
 ordered_json describe(const Format& format) {
@@ -56,7 +53,7 @@ void type(FileRun& run) {
     run.out() << (format.hasMacros ? ", has macros" : "") << (format.isSigned ? ", signed" : "") << '\n';
 }
 
-void declare(CLI::App& command) {
+void declareType(CLI::App& command) {
     const auto files = addFiles(command, TYPE);
     command.callback([files] { files->run(type); });
 }
@@ -66,7 +63,7 @@ void declare(CLI::App& command) {
 const Command TYPE{
     "type",
     "Tell the format of a file by its content",
-    declare,
+    declareType,
     "The name of the file doesn't count. The answer is the usual extension of the format and a "
     "description, also for what is no package: other ZIP archives, OpenDocument, EPUB, PDF, encrypted "
     "and older Office documents, files that are cut off or empty.",

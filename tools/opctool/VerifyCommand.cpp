@@ -1,6 +1,7 @@
 #include "Commands.hpp"
 #include "CoverageText.hpp"
 #include "Files.hpp"
+#include "JSONText.hpp"
 #include "KeyFiles.hpp"
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
@@ -50,7 +51,7 @@ using opc::standard_signatures::VerifiedSignature;
 constexpr const char* COMPLETE = "complete";
 constexpr const char* TRUSTED = "trusted";
 
-struct Arguments {
+struct VerifyArguments {
     std::string publicKey;
     Trust trust;
     std::vector<std::string> fingerprints;
@@ -101,7 +102,7 @@ std::string checkFingerprint(const std::string& fingerprint) {
     }
 }
 
-SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
+SignaturePolicy makeSignerPolicy(const VerifyArguments& arguments) {
     if (!arguments.publicKey.empty())
         return SignaturePolicy::byPublicKey(readAnyPublicKey(arguments.publicKey));
     FingerprintStore fingerprints;
@@ -113,7 +114,7 @@ SignaturePolicy makeSignerPolicy(const Arguments& arguments) {
                                     fingerprints);
 }
 
-StandardRequirements makeStandardRequirements(const Arguments& arguments) {
+StandardRequirements makeStandardRequirements(const VerifyArguments& arguments) {
     StandardRequirements made;
     made.signature = arguments.signature;
     made.policy.acceptWeak = arguments.trust.acceptWeak;
@@ -156,7 +157,7 @@ void addStandard(Verdict& verdict, PackageFile& file, const StandardRequirements
                                    "the package has no signatures"});
 }
 
-Verdict judge(FileRun& run, const Arguments& arguments, const Requirements& requirements) {
+Verdict judge(FileRun& run, const VerifyArguments& arguments, const Requirements& requirements) {
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
     opc::model::DigitalSignatureManager& own = package.signatures();
     Verdict verdict;
@@ -191,7 +192,7 @@ ordered_json describe(const JudgedSignature& judged) {
     const auto params = judged.signature.getSignatureParams();
     ordered_json row{{"name", toUDEString(judged.signature.getName())},
                      {"time", nullptr}, // as the signer claims
-                     {"digest", nameOf(params.getDigestMethod())},
+                     {"digest", digestName(params.getDigestMethod())},
                      {"keySize", nullptr},
                      {"signer", nullptr},
                      {"fingerprint", nullptr},
@@ -215,10 +216,6 @@ ordered_json describe(const JudgedSignature& judged) {
     return row;
 }
 
-std::string orDash(const ordered_json& text) {
-    return text.is_null() ? "-" : text.get<std::string>();
-}
-
 Color colorOfStatus(const std::string& status) {
     return status.compare(0, 5, "holds") == 0 ? Color::Green : Color::Red;
 }
@@ -227,10 +224,10 @@ void printTable(FileRun& run, const ordered_json& list) {
     Table table(
         {{"NAME"}, {"TIME"}, {"ALGORITHMS"}, {"SIGNER"}, {"STATUS", Table::Align::Left, colorOfStatus}});
     for (const auto& row : list)
-        table.addRow({row["name"], orDash(row["time"]),
+        table.addRow({row["name"], textOrDash(row["time"]),
                       "RSA" + (row["keySize"].is_null() ? std::string() : " " + row["keySize"].dump()) +
                           ", " + row["digest"].get<std::string>(),
-                      orDash(row["signer"]),
+                      textOrDash(row["signer"]),
                       row["status"].get<std::string>() + " (" + row["code"].dump() + ")"});
     table.print(run.out(), run.tableStyle());
 }
@@ -266,7 +263,7 @@ void printOwn(FileRun& run, const Verdict& verdict) {
 
 void print(FileRun& run, const Verdict& verdict) {
     if (!verdict.standard.signatures.empty() || !verdict.standard.problems.empty())
-        opctool::print(run, verdict.standard);
+        printVerification(run, verdict.standard);
     if (!verdict.standard.signatures.empty() && !verdict.signatures.empty())
         run.out() << "\nSignatures in this library's profile:\n";
     printOwn(run, verdict);
@@ -320,7 +317,7 @@ ordered_json listOf(const Verdict& verdict) {
     for (const JudgedSignature& judged : verdict.signatures)
         list.push_back(describe(judged));
     for (const VerifiedSignature& one : verdict.standard.signatures)
-        list.push_back(opctool::describe(one));
+        list.push_back(describeSignature(one));
     return list;
 }
 
@@ -359,7 +356,7 @@ void report(FileRun& run, const Verdict& verdict) {
         run.sayNo();
 }
 
-void verify(FileRun& run, const Arguments& arguments, const Requirements& requirements) {
+void verify(FileRun& run, const VerifyArguments& arguments, const Requirements& requirements) {
     Verdict verdict;
     try {
         verdict = judge(run, arguments, requirements);
@@ -381,8 +378,8 @@ void verify(FileRun& run, const Arguments& arguments, const Requirements& requir
     report(run, verdict);
 }
 
-void declare(CLI::App& command) {
-    const auto arguments = std::make_shared<Arguments>();
+void declareVerify(CLI::App& command) {
+    const auto arguments = std::make_shared<VerifyArguments>();
     const auto files = addFiles(command, VERIFY);
     CLI::Option* publicKey =
         command
@@ -439,7 +436,7 @@ void declare(CLI::App& command) {
 const Command VERIFY{
     "verify",
     "Check the signatures of a package, and list what no valid signature covers",
-    declare,
+    declareVerify,
     "In the standard's profile, in which office programs sign, each signature gets three answers: "
     "whether the cryptography is valid, what it covers, and whether its signer is trusted. Without "
     "--trust, --fingerprint or --public nobody is trusted there. In the library's own profile the "

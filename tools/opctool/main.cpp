@@ -31,7 +31,7 @@ std::string packageOf(const CLI::App& app) {
 }
 
 int fail(const std::exception& failure, const std::string& package) {
-    const Failure described = describe(failure, package);
+    const Failure described = opc::scanning::describe(failure, package);
     tell(package, described.className + ": " + described.message);
     return FAILURE;
 }

@@ -18,7 +18,7 @@ using opc::model::PartName;
 
 namespace {
 
-constexpr std::size_t BLOCK_SIZE = std::size_t{256} * 1024;
+constexpr std::size_t READ_AT_ONCE = std::size_t{256} * 1024;
 
 std::string contentOf(PartHandle& handle) {
     opc::InputStream& stream = handle.get().getInputStream();
@@ -136,9 +136,9 @@ std::string readAll(opc::InputStream& stream) {
     std::string all;
     std::size_t size = 0;
     while (!stream.isDone()) {
-        all.resize(size + BLOCK_SIZE);
+        all.resize(size + READ_AT_ONCE);
         size +=
-            static_cast<std::size_t>(stream.read(reinterpret_cast<unsigned char*>(&all[size]), BLOCK_SIZE));
+            static_cast<std::size_t>(stream.read(reinterpret_cast<unsigned char*>(&all[size]), READ_AT_ONCE));
     }
     all.resize(size);
     return all;

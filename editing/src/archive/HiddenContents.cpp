@@ -18,7 +18,7 @@ std::string countOf(std::uint64_t count) {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
-const char* nameOf(ArchiveGap::Where where) {
+const char* whereText(ArchiveGap::Where where) {
     static constexpr const char* NAMES[] = {"in front of the items", "between items",
                                             "in front of the directory", "behind the directory",
                                             "behind the end"};
@@ -55,7 +55,7 @@ std::vector<HiddenContent> findHidden(const ArchiveItem& item) {
 std::vector<HiddenContent> findGaps(const inspection::Archive& archive) {
     std::vector<HiddenContent> gaps;
     for (const ArchiveGap& gap : archive.gaps())
-        gaps.push_back({"", countOf(gap.size) + ' ' + nameOf(gap.where)});
+        gaps.push_back({"", countOf(gap.size) + ' ' + whereText(gap.where)});
     return gaps;
 }
 

@@ -30,7 +30,7 @@ public:
 
     const std::string& sourceOf(const GraphEdge& edge) const { return graph.nodes[edge.from].name; }
 
-    Change::State stateOf(const GraphEdge& edge) const {
+    Change::State stateOfText(const GraphEdge& edge) const {
         Change::State state;
         state.text = graph.nodes[edge.to].name;
         state.type = edge.type;
@@ -45,7 +45,7 @@ private:
     const PackageGraph& graph;
 };
 
-Change::State stateOf(std::string text) {
+Change::State stateOfText(std::string text) {
     Change::State state;
     state.text = std::move(text);
     return state;
@@ -59,13 +59,14 @@ void findPartChanges(const Lists& before, const Lists& after, std::vector<Change
     for (const auto& [name, part] : before.parts) {
         const auto found = after.parts.find(name);
         if (found == after.parts.end())
-            changes.push_back({Change::Kind::PartRemoved, part->name, {}, stateOf(part->contentType), {}});
+            changes.push_back(
+                {Change::Kind::PartRemoved, part->name, {}, stateOfText(part->contentType), {}});
         else if (found->second->contentType != part->contentType)
             changes.push_back({Change::Kind::ContentTypeChanged,
                                part->name,
                                {},
-                               stateOf(part->contentType),
-                               stateOf(found->second->contentType)});
+                               stateOfText(part->contentType),
+                               stateOfText(found->second->contentType)});
     }
 }
 
@@ -73,16 +74,16 @@ void findRelationshipChanges(const Lists& before, const Lists& after, std::vecto
     using Kind = Change::Kind;
     for (const auto& [key, edge] : before.relationships) {
         const auto found = after.relationships.find(key);
-        const Change::State old = before.stateOf(*edge);
+        const Change::State old = before.stateOfText(*edge);
         if (found == after.relationships.end())
             changes.push_back({Kind::RelationshipRemoved, before.sourceOf(*edge), edge->id, old, {}});
-        else if (const Change::State now = after.stateOf(*found->second); !isSame(old, now))
+        else if (const Change::State now = after.stateOfText(*found->second); !isSame(old, now))
             changes.push_back({Kind::RelationshipChanged, before.sourceOf(*edge), edge->id, old, now});
     }
     for (const auto& [key, edge] : after.relationships)
         if (before.relationships.count(key) == 0)
             changes.push_back(
-                {Kind::RelationshipAdded, after.sourceOf(*edge), edge->id, {}, after.stateOf(*edge)});
+                {Kind::RelationshipAdded, after.sourceOf(*edge), edge->id, {}, after.stateOfText(*edge)});
 }
 
 } // namespace

@@ -39,9 +39,9 @@ using Fate = UnpackedTree::OldItem::Fate;
 namespace {
 
 /// A file of the folder, as the content of an item.
-class FileContent : public ByteSource {
+class PackedContent : public ByteSource {
 public:
-    FileContent(FolderTree& tree, const FolderTree::File& file)
+    PackedContent(FolderTree& tree, const FolderTree::File& file)
         : file(tree.open(file.path)), length(file.size) {
         struct stat status {};
         if (::fstat(this->file.get(), &status) != 0 || static_cast<std::uint64_t>(status.st_size) != length)
@@ -112,7 +112,7 @@ private:
         const FolderTree::File* const document = findContentTypesFile();
         if (found.empty() || document == nullptr)
             return;
-        FileContent content(tree.folder(), *document);
+        PackedContent content(tree.folder(), *document);
         std::vector<unsigned char> bytes(static_cast<std::size_t>(content.size()));
         std::size_t got = 0;
         if (const int error = content.readAt(0, bytes.data(), bytes.size(), got))
@@ -180,7 +180,7 @@ private:
                const FolderTree::File& file, std::uint16_t method = DEFLATE) {
         if (contentTypes && &file == contentTypesFile)
             return writer.write({name, rawName, *contentTypes, method});
-        FileContent content(tree.folder(), file);
+        PackedContent content(tree.folder(), file);
         writer.write({name, rawName, content, method});
         if (options.archive.whenRead)
             options.archive.whenRead(file.size);

@@ -13,7 +13,7 @@ namespace {
 using nlohmann::json;
 using nlohmann::ordered_json;
 
-constexpr std::size_t VERSION = 1;
+constexpr std::size_t TREE_VERSION = 1;
 
 ordered_json toJSON(const std::vector<TreeDescription::Item>& items) {
     ordered_json list = ordered_json::array();
@@ -25,13 +25,13 @@ ordered_json toJSON(const std::vector<TreeDescription::Item>& items) {
     return list;
 }
 
-[[noreturn]] void fail(const std::string& place) {
+[[noreturn]] void refuse(const std::string& place) {
     physical::zip::fail(place, "doesn't describe an unpacked package", EBADMSG);
 }
 
 std::size_t readNumber(const json& number, const std::string& place) {
     if (!number.is_number_unsigned())
-        fail(place);
+        refuse(place);
     return number.get<std::size_t>();
 }
 
@@ -46,7 +46,7 @@ std::vector<TreeDescription::Item> readItems(const json& list, bool haveFiles, c
 } // namespace
 
 std::string TreeDescription::write() const {
-    ordered_json document{{"tree", VERSION}, {"files", toJSON(renamed)}, {"left", toJSON(left)}};
+    ordered_json document{{"tree", TREE_VERSION}, {"files", toJSON(renamed)}, {"left", toJSON(left)}};
     if (!faults.empty())
         document["faults"] = faults;
     return document.dump(1) + '\n';
@@ -56,14 +56,14 @@ TreeDescription TreeDescription::read(std::string_view document, const std::stri
     const json parsed = json::parse(document, nullptr, false);
     TreeDescription description;
     try {
-        if (readNumber(parsed.at("tree"), place) > VERSION)
+        if (readNumber(parsed.at("tree"), place) > TREE_VERSION)
             physical::zip::fail(place, "was written by a later version", ENOTSUP);
         description.renamed = readItems(parsed.at("files"), true, place);
         description.left = readItems(parsed.at("left"), false, place);
         if (parsed.contains("faults"))
             description.faults = parsed.at("faults").get<std::set<std::string>>();
     } catch (const json::exception&) {
-        fail(place);
+        refuse(place);
     }
     return description;
 }

@@ -26,16 +26,16 @@ using physical::zip::FileDescriptor;
 
 namespace {
 
-constexpr std::size_t BLOCK = std::size_t{256} * 1024;
+constexpr std::size_t COMPARED_AT_ONCE = std::size_t{256} * 1024;
 
 std::string readWhole(const FileDescriptor& file, std::size_t most, const std::string& place) {
     std::string text;
     std::size_t got = 0;
     do {
         const std::size_t start = text.size();
-        text.resize(start + BLOCK);
-        if (const int error =
-                file.readAt(start, reinterpret_cast<unsigned char*>(text.data()) + start, BLOCK, got))
+        text.resize(start + COMPARED_AT_ONCE);
+        if (const int error = file.readAt(start, reinterpret_cast<unsigned char*>(text.data()) + start,
+                                          COMPARED_AT_ONCE, got))
             failSystem(place, "can't be read", error);
         text.resize(start + got);
         if (text.size() > most)
@@ -47,7 +47,7 @@ std::string readWhole(const FileDescriptor& file, std::size_t most, const std::s
 } // namespace
 
 UnpackedTree::UnpackedTree(const std::filesystem::path& folder, const physical::ZipOptions& limits)
-    : tree(folder), files(tree.list()), block(BLOCK), otherBlock(BLOCK) {
+    : tree(folder), files(tree.list()), block(COMPARED_AT_ONCE), otherBlock(COMPARED_AT_ONCE) {
     readDescription();
     if (tree.has(ORIGINAL_FILE)) {
         physical::ZipOptions options = limits;

@@ -26,7 +26,7 @@ using physical::zip::FileDescriptor;
 
 namespace {
 
-constexpr std::size_t BLOCK = std::size_t{256} * 1024;
+constexpr std::size_t WRITTEN_AT_ONCE = std::size_t{256} * 1024;
 
 /// Where the contents go, one after the other.
 class Destination {
@@ -72,7 +72,7 @@ public:
 class Unpacking {
 public:
     Unpacking(const Archive& archive, const UnpackingOptions& options, Destination& destination)
-        : archive(archive), options(options), destination(destination), block(BLOCK) {}
+        : archive(archive), options(options), destination(destination), block(WRITTEN_AT_ONCE) {}
 
     Unpacked run() {
         result.hidden = findHidden(archive);

@@ -43,7 +43,7 @@ constexpr std::u16string_view THUMBNAIL[] = {
 };
 
 /// The part that an internal relationship leads to; nothing if its target is no part name.
-std::optional<PartName> targetOf(const Relationship& relationship) {
+std::optional<PartName> internalTargetOf(const Relationship& relationship) {
     if (relationship.getTargetMode() == TargetMode::External)
         return std::nullopt;
     try {
@@ -88,7 +88,7 @@ private:
     /// Counts the other relationships that lead to each part.
     void look(const PartName& source, const RelationshipSource& relationshipsOf) {
         for (const Relationship& relationship : relationshipsOf.getRelationships()) {
-            const std::optional<PartName> target = targetOf(relationship);
+            const std::optional<PartName> target = internalTargetOf(relationship);
             if (types.count(relationship.getType()) == 0) {
                 if (target)
                     ++uses[keyOf(*target)];

@@ -22,7 +22,7 @@ std::string readWhole(InputStream& stream) {
     return bytes;
 }
 
-void write(const fs::path& path, InputStream& stream) {
+void writeFile(const fs::path& path, InputStream& stream) {
     std::ofstream file(path, std::ios::binary);
     std::array<unsigned char, 65536> block{};
     while (file && !stream.isDone()) {
@@ -51,7 +51,7 @@ JobContent JobContents::keep(const inspection::ContentVersion& content) {
     if (files == 0 && !fs::create_directory(folder, error))
         throw Exception(folder.string() + (error ? " can't be made: " + error.message() : " exists already"));
     const std::string file = std::to_string(++files);
-    write(folder / file, *stream);
+    writeFile(folder / file, *stream);
     return {{}, folder.filename().string() + '/' + file};
 }
 

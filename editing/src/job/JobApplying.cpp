@@ -20,12 +20,12 @@ using model::TargetMode;
 
 namespace {
 
-std::u16string wide(const std::string& text) {
+std::u16string toUTF16(const std::string& text) {
     return toString(text, true);
 }
 
 PartName nameFrom(const std::string& text) {
-    return PartName(wide(text));
+    return PartName(toUTF16(text));
 }
 
 TargetMode modeOf(bool external) {
@@ -68,7 +68,7 @@ void withContent(const JobContent& content, const JobFolder& folder,
 struct StepMaker {
     void operator()(const AddStep& step) const {
         withContent(step.content, folder, [&](InputStream& content) {
-            editor.createPart(nameFrom(step.part), ContentType(wide(step.contentType)), content);
+            editor.createPart(nameFrom(step.part), ContentType(toUTF16(step.contentType)), content);
         });
     }
     void operator()(const PutStep& step) const {
@@ -80,17 +80,17 @@ struct StepMaker {
         movePart(editor, nameFrom(step.part), nameFrom(step.name));
     }
     void operator()(const RetypeStep& step) const {
-        editor.retypePart(nameFrom(step.part), ContentType(wide(step.contentType)));
+        editor.retypePart(nameFrom(step.part), ContentType(toUTF16(step.contentType)));
     }
     void operator()(const RelateStep& step) const {
-        editor.addRelationship(nameFrom(step.source),
-                               {wide(step.type), wide(step.target), modeOf(step.external), wide(step.id)});
+        editor.addRelationship(nameFrom(step.source), {toUTF16(step.type), toUTF16(step.target),
+                                                       modeOf(step.external), toUTF16(step.id)});
     }
     void operator()(const UnrelateStep& step) const {
-        editor.deleteRelationship(nameFrom(step.source), wide(step.id));
+        editor.deleteRelationship(nameFrom(step.source), toUTF16(step.id));
     }
     void operator()(const RetargetStep& step) const {
-        editor.retarget(nameFrom(step.source), wide(step.id), wide(step.target), modeOf(step.external));
+        editor.retarget(nameFrom(step.source), toUTF16(step.id), toUTF16(step.target), modeOf(step.external));
     }
     void operator()(const CollectStep& /*step*/) const { collectUnreachable(editor); }
     void operator()(const PropertiesStep& step) const { changeCoreProperties(editor, step.core); }

@@ -162,7 +162,7 @@ model::CoreProperties::KeywordList readKeywords(JobMembers& members) {
     return keywords;
 }
 
-Step readProperties(JobMembers& members) {
+Step readPropertiesStep(JobMembers& members) {
     const std::string kind = members.text("kind", "core");
     if (kind == "custom" || kind == "extended")
         return readOfficeProperties(members,
@@ -225,12 +225,13 @@ Step readCheck(JobMembers& members) {
 
 Step readStep(const json& object, std::size_t number) {
     using Read = Step (*)(JobMembers&);
-    static const std::map<std::string, Read> kinds{
-        {"add", readAdd},           {"put", readPut},           {"rm", readRemove},
-        {"mv", readMove},           {"retype", readRetype},     {"relate", readRelate},
-        {"unrelate", readUnrelate}, {"retarget", readRetarget}, {"gc", readCollect},
-        {"props", readProperties},  {"clean", readClean},       {"fix", readFix},
-        {"check", readCheck}};
+    static const std::map<std::string, Read> kinds{{"add", readAdd},           {"put", readPut},
+                                                   {"rm", readRemove},         {"mv", readMove},
+                                                   {"retype", readRetype},     {"relate", readRelate},
+                                                   {"unrelate", readUnrelate}, {"retarget", readRetarget},
+                                                   {"gc", readCollect},        {"props", readPropertiesStep},
+                                                   {"clean", readClean},       {"fix", readFix},
+                                                   {"check", readCheck}};
     const std::string name = JobMembers(object, placeOf(number, {})).text("do");
     const auto kind = kinds.find(name);
     if (kind == kinds.end())

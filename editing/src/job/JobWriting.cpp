@@ -15,14 +15,14 @@ using nlohmann::ordered_json;
 
 namespace {
 
-bool isText(const std::string& bytes) {
+bool isReadableText(const std::string& bytes) {
     return toUDEString(toString(bytes, true)) == bytes;
 }
 
 void addContent(ordered_json& object, const JobContent& content) {
     if (!content.from.empty())
         object["from"] = content.from;
-    else if (isText(content.bytes))
+    else if (isReadableText(content.bytes))
         object["text"] = content.bytes;
     else
         object["base64"] =

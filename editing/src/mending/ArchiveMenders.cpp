@@ -219,7 +219,7 @@ constexpr char WRITES_ANEW[] = "Writes the archive anew without the bytes";
 constexpr char DROPS_FIELDS[] = "Takes the extra fields of the item out";
 constexpr char WRITES_HEADERS[] = "Writes the headers of the item anew";
 
-constexpr Mender ROWS[] = {
+constexpr Mender ARCHIVE_MENDERS[] = {
     {"M3.16", Stage::Whole,
      "Writes the archive anew with the items that are there, and names those that are lost", recover},
     {"M3.17", Stage::Whole, "Writes one archive without these records", writeAnew},
@@ -250,7 +250,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows archiveMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {ARCHIVE_MENDERS, std::size(ARCHIVE_MENDERS)};
 }
 
 } // namespace opc::editing::mending

@@ -20,7 +20,7 @@ using inspection::trimmed;
 using Stage = Mender::Stage;
 using Kind = ContentTypeEntry::Kind;
 
-const char* const NOT_EDITED = "The content types stream can't be edited";
+const char* const STREAM_NOT_EDITED = "The content types stream can't be edited";
 const char* const ONLY_A_PERSON = "What the content is isn't certain";
 
 constexpr char NEW_STREAM[] =
@@ -47,12 +47,12 @@ Outcome giveType(Round& round, const PartView& part) {
     const bool isDone = part.isRelationships() && part.typeFrom == PartView::TypeFrom::Nothing
                             ? round.setDefault("rels", type)
                             : round.setType(part, type);
-    return isDone ? mended(sentence(part, type), {typeChange(part, type)}) : left(NOT_EDITED);
+    return isDone ? mended(sentence(part, type), {typeChange(part, type)}) : left(STREAM_NOT_EDITED);
 }
 
 Outcome giveMissingType(Round& round, const Finding& finding) {
     const PartView* const part = round.subject.findPart(finding.place.part);
-    return part == nullptr ? left(NOT_EDITED) : giveType(round, *part);
+    return part == nullptr ? left(STREAM_NOT_EDITED) : giveType(round, *part);
 }
 
 Outcome makeStream(Round& round, const Finding& finding) {
@@ -74,12 +74,12 @@ Outcome makeStream(Round& round, const Finding& finding) {
 Outcome removeEntry(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     round.contentTypes()->remove(entry.element);
     return mended("The entry is taken out");
 }
 
-std::u16string wide(std::string_view text) {
+std::u16string toUTF16(std::string_view text) {
     return toString(std::string(text), true);
 }
 
@@ -90,14 +90,14 @@ Outcome rekey(Round& round, const Round::TypeEntry& entry, const std::string& ke
         round.contentTypes()->remove(entry.element);
         return mended("The entry is taken out: there is one for " + key);
     }
-    round.contentTypes()->set(entry.element, isDefault ? u"Extension" : u"PartName", wide(key));
+    round.contentTypes()->set(entry.element, isDefault ? u"Extension" : u"PartName", toUTF16(key));
     return mended("The entry is written for " + key);
 }
 
 Outcome correctDefault(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     const std::string& key = entry.entry->key;
     const std::string extension = key.substr(std::min(key.find_first_not_of('.'), key.size()));
     if (!entry.entry->hasContentType || extension.empty() || extension == key)
@@ -108,7 +108,7 @@ Outcome correctDefault(Round& round, const Finding& finding) {
 Outcome correctName(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     const PartView* const part = round.subject.findPart(trimmed(entry.entry->key));
     if (!entry.entry->hasContentType || part == nullptr)
         return removeEntry(round, finding);
@@ -124,14 +124,14 @@ Outcome correctName(Round& round, const Finding& finding) {
         }
         return encoded;
     }();
-    round.contentTypes()->set(entry.element, u"PartName", wide(name));
+    round.contentTypes()->set(entry.element, u"PartName", toUTF16(name));
     return mended("The entry is written for " + name);
 }
 
 Outcome addSlash(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     return rekey(round, entry, '/' + std::string(trimmed(entry.entry->key)));
 }
 
@@ -139,7 +139,7 @@ Outcome addSlash(Round& round, const Finding& finding) {
 Outcome replaceType(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     const auto& sameKey = round.entriesFor(entry.entry->kind, entry.entry->key);
     if (&round.subject.contentTypes()[sameKey.front()] != entry.entry)
         return removeEntry(round, finding); // it doesn't count
@@ -152,7 +152,7 @@ Outcome replaceType(Round& round, const Finding& finding) {
     }
     if (type.empty())
         return removeEntry(round, finding);
-    round.contentTypes()->set(entry.element, u"ContentType", wide(type));
+    round.contentTypes()->set(entry.element, u"ContentType", toUTF16(type));
     return mended("The entry gets the type " + type);
 }
 
@@ -174,23 +174,23 @@ std::string withoutBlanks(std::string_view type) {
 Outcome correctType(Round& round, const Finding& finding, const std::string& type) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     if (!inspection::findTypeDefect(type).rule.empty())
         return left(ONLY_A_PERSON);
-    round.contentTypes()->set(entry.element, u"ContentType", wide(type));
+    round.contentTypes()->set(entry.element, u"ContentType", toUTF16(type));
     return mended("The type is written " + type);
 }
 
 Outcome dropBlanks(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
-    return entry.entry == nullptr ? left(NOT_EDITED)
+    return entry.entry == nullptr ? left(STREAM_NOT_EDITED)
                                   : correctType(round, finding, withoutBlanks(entry.entry->contentType));
 }
 
 Outcome dropParameters(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     const std::string& type = entry.entry->contentType;
     return correctType(round, finding,
                        std::string(trimmed(std::string_view(type).substr(0, type.find(';')))));
@@ -200,7 +200,7 @@ Outcome dropParameters(Round& round, const Finding& finding) {
 Outcome dropRepeated(Round& round, const Finding& finding) {
     const Round::TypeEntry entry = round.typeEntryOf(finding);
     if (entry.entry == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     const std::size_t first = round.entriesFor(entry.entry->kind, entry.entry->key).front();
     if (!equalsCaseless(round.subject.contentTypes()[first].contentType, entry.entry->contentType))
         return left("The entries give different types, and only a person knows which one is meant");
@@ -237,18 +237,18 @@ Outcome correctRelationshipsType(Round& round, const Finding& finding) {
     const PartView* const part = round.subject.findPart(finding.place.part);
     DocumentEditing* const list = round.contentTypes();
     if (part == nullptr || list == nullptr)
-        return left(NOT_EDITED);
+        return left(STREAM_NOT_EDITED);
     if (part->typeFrom == PartView::TypeFrom::Override)
         return round.setType(*part, std::string(TYPE)) ? mended(sentence(*part, std::string(TYPE)))
-                                                       : left(NOT_EDITED);
+                                                       : left(STREAM_NOT_EDITED);
     return round.setDefault(part->extension(), std::string(TYPE))
                ? mended("The Default for rels gets the type " + std::string(TYPE))
-               : left(NOT_EDITED);
+               : left(STREAM_NOT_EDITED);
 }
 
 constexpr char DROPS_ENTRY[] = "Takes the entry out";
 
-constexpr Mender ROWS[] = {
+constexpr Mender CONTENT_TYPE_MENDERS[] = {
     {"M3.10", Stage::Whole,
      "Makes a content types stream with the types that are certain, or takes one of two out if they are the "
      "same",
@@ -275,7 +275,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows contentTypeMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {CONTENT_TYPE_MENDERS, std::size(CONTENT_TYPE_MENDERS)};
 }
 
 } // namespace opc::editing::mending

@@ -286,7 +286,7 @@ Outcome dropXMLAttributes(Round& round, const Finding& finding) {
                  });
 }
 
-constexpr Mender ROWS[] = {
+constexpr Mender DOCUMENT_MENDERS[] = {
     {"M1.17", Stage::Whole, "Writes the document in UTF-8 if it is in ASCII or ISO-8859-1", encode},
     {"M1.18", Stage::Whole, "Takes the declaration out if it defines nothing", dropDocumentType},
     {"M1.20", Stage::Entries,
@@ -302,7 +302,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows documentMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {DOCUMENT_MENDERS, std::size(DOCUMENT_MENDERS)};
 }
 
 } // namespace opc::editing::mending

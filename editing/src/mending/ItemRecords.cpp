@@ -27,7 +27,7 @@ std::uint64_t atMost(std::uint64_t number, std::uint64_t noRoom) {
     return std::min(number, noRoom);
 }
 
-std::string fieldOf(const std::string& numbers) {
+std::string zip64Field(const std::string& numbers) {
     std::string field;
     if (!numbers.empty()) {
         appendNumber(field, ZIP64_FIELD, 2);
@@ -65,7 +65,7 @@ std::string ItemRecord::localHeader() const {
         appendNumber(numbers, size, 8);
         appendNumber(numbers, compressedSize, 8);
     }
-    const std::string extra = fieldOf(numbers) + extraFields;
+    const std::string extra = zip64Field(numbers) + extraFields;
     std::string header;
     appendNumber(header, LOCAL_HEADER, 4);
     appendNumber(header, versionNeeded, 2);
@@ -86,7 +86,7 @@ void ItemRecord::append(std::string& directory, std::uint64_t offset) const {
     for (const std::uint64_t number : {size, compressedSize, offset})
         if (isLarge(number))
             appendNumber(numbers, number, 8);
-    const std::string extra = fieldOf(numbers) + extraFields;
+    const std::string extra = zip64Field(numbers) + extraFields;
     appendNumber(directory, DIRECTORY_ENTRY, 4);
     appendNumber(directory, versionMadeBy, 2);
     appendNumber(directory, versionNeeded, 2);

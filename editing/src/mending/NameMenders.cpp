@@ -31,7 +31,7 @@ Outcome rename(Round& round, const Finding& finding) {
 
 constexpr char RENAMES[] = "Renames the item if its name has one plain spelling, and no other item has it";
 
-constexpr Mender ROWS[] = {
+constexpr Mender NAME_MENDERS[] = {
     {"M1.3", Stage::Whole, RENAMES, rename},
     {"M1.6", Stage::Whole, RENAMES, rename},
     {"M1.8", Stage::Whole, RENAMES, rename},
@@ -41,7 +41,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows nameMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {NAME_MENDERS, std::size(NAME_MENDERS)};
 }
 
 } // namespace opc::editing::mending

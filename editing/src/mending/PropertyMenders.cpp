@@ -16,7 +16,7 @@ using lenient::Element;
 using Stage = Mender::Stage;
 
 constexpr std::u16string_view TERMS = u"http://purl.org/dc/terms/";
-const char* const NOT_EDITED = "The document can't be edited";
+const char* const PROPERTIES_NOT_EDITED = "The document can't be edited";
 
 DocumentEditing* documentOf(Round& round, const Finding& finding) {
     const PartView* const part = round.subject.findPart(finding.place.part);
@@ -28,7 +28,7 @@ template <typename Visit>
 Outcome editEach(Round& round, const Finding& finding, const char* done, const Visit& visit) {
     DocumentEditing* const document = documentOf(round, finding);
     if (document == nullptr)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     for (std::size_t i = 0; i < document->markup().elements().size(); ++i)
         visit(*document, i, document->element(i));
     return mended(done, {{Change::Kind::Mended, finding.place.part, {}, {}, {}}});
@@ -45,7 +45,7 @@ void removeAttributes(DocumentEditing& document, std::size_t index, std::u16stri
 Outcome dropCompatibility(Round& round, const Finding& finding) {
     DocumentEditing* const document = documentOf(round, finding);
     if (document == nullptr)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     for (const Element& element : document->markup().elements())
         if (element.namespaceURI == inspection::MARKUP_COMPATIBILITY)
             return left("Elements use it: only a person knows which alternative is meant");
@@ -103,10 +103,10 @@ Outcome correctTypes(Round& round, const Finding& finding) {
 }
 
 /// Of elements that stand twice with the same text, the later ones go.
-Outcome dropRepeated(Round& round, const Finding& finding) {
+Outcome dropRepeatedElement(Round& round, const Finding& finding) {
     DocumentEditing* const document = documentOf(round, finding);
     if (document == nullptr)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     std::map<std::pair<std::u16string_view, std::u16string_view>, std::u16string_view> first;
     bool isAny = false;
     for (std::size_t i = 1; i < document->markup().elements().size(); ++i) {
@@ -131,7 +131,7 @@ Outcome dropRepeated(Round& round, const Finding& finding) {
 Outcome dropRelationshipsOf(Round& round, const Finding& finding) {
     const RelationshipsView* const view = round.subject.relationshipsOf(finding.place.part);
     if (view == nullptr)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     return mended("The relationships part is taken out", {round.dropPart(*view->part)});
 }
 
@@ -157,7 +157,7 @@ Outcome removeUnused(Round& round, const EditedEntry& entry) {
 Outcome correctCore(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     const bool isOfPackage = entry.relationships->view->source == "/";
     const bool isTheOne = isOfPackage && entry.relationships->core == entry.index;
     if (!isTheOne && isOfPackage && entry.view().isExternal && !entry.relationships->core)
@@ -173,7 +173,7 @@ Outcome correctCore(Round& round, const Finding& finding) {
 Outcome correctThumbnail(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(PROPERTIES_NOT_EDITED);
     if (entry.view().isExternal)
         return left("Only a person knows whether it may lead out of the package");
     if (entry.view().part != nullptr)
@@ -181,7 +181,7 @@ Outcome correctThumbnail(Round& round, const Finding& finding) {
     return removeUnused(round, entry);
 }
 
-constexpr Mender ROWS[] = {
+constexpr Mender PROPERTY_MENDERS[] = {
     {"M4.1", Stage::Within,
      "Takes a relationship out that leads nowhere or is one too many, or gives the part its type; the part "
      "of a "
@@ -192,7 +192,7 @@ constexpr Mender ROWS[] = {
     {"M4.4", Stage::Within, "Takes the attribute out", dropLanguages},
     {"M4.5", Stage::Within, "Writes the types of times, and takes others out", correctTypes},
     {"CORE-SCHEMA", Stage::Within, "Takes an element out that stands twice with the same value",
-     dropRepeated},
+     dropRepeatedElement},
     {"P1-2", Stage::Within, "Takes the relationships part out", dropRelationshipsOf},
     {"M5.1", Stage::Within, "Takes a relationship out that leads nowhere, or gives the image its type",
      correctThumbnail},
@@ -201,7 +201,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows propertyMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {PROPERTY_MENDERS, std::size(PROPERTY_MENDERS)};
 }
 
 } // namespace opc::editing::mending

@@ -16,14 +16,14 @@ using inspection::Reference;
 using inspection::trimmed;
 using Stage = Mender::Stage;
 
-const char* const NOT_EDITED = "The relationships part can't be edited";
+const char* const RELATIONSHIPS_NOT_EDITED = "The relationships part can't be edited";
 const char* const IS_USED =
     "The markup of the part names the relationship: only a person knows what it should show";
 
 Outcome removeUnused(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     if (round.isUsed(*entry.relationships->view, entry.view().id))
         return left(IS_USED);
     return mended("The relationship is taken out", {entry.remove()});
@@ -32,7 +32,7 @@ Outcome removeUnused(Round& round, const Finding& finding) {
 Outcome dropRelationships(Round& round, const Finding& finding) {
     const RelationshipsView* const view = round.viewOf(finding);
     if (view == nullptr)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     return mended("The relationships part is taken out", {round.dropPart(*view->part)});
 }
 
@@ -58,7 +58,7 @@ bool isSame(const RelationshipView& left, const RelationshipView& right) {
 Outcome giveId(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     const std::string_view id = trimmed(entry.view().id);
     const bool isUsed = !id.empty() && round.isUsed(*entry.relationships->view, entry.view().id);
     if (isUsed && inspection::isValidID(id)) {
@@ -115,7 +115,7 @@ Outcome setTarget(const EditedEntry& entry, const std::string& target) {
 Outcome correctTarget(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     const std::string_view target = trimmed(entry.view().target);
     if (target.empty())
         return removeUnused(round, finding);
@@ -132,7 +132,7 @@ Outcome correctTarget(Round& round, const Finding& finding) {
 Outcome leadOut(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     if (entry.view().lastSegment() != "hyperlink")
         return left("Only a person knows whether it may lead out of the package: readers would load it");
     return mended("The relationship gets TargetMode=\"External\"", {entry.set(u"TargetMode", "External")});
@@ -141,7 +141,7 @@ Outcome leadOut(Round& round, const Finding& finding) {
 Outcome mendInternal(Round& round, const Finding& finding) {
     const EditedEntry entry = round.entryOf(finding);
     if (!entry)
-        return left(NOT_EDITED);
+        return left(RELATIONSHIPS_NOT_EDITED);
     const RelationshipView& view = entry.view();
     if (view.part == nullptr && entry.relationships->view->source == "/" && inspection::leadsToMainPart(view))
         return left("The main part is lost, and the format is known by the relationship alone");
@@ -152,7 +152,7 @@ Outcome mendInternal(Round& round, const Finding& finding) {
                                                                      : std::string()));
 }
 
-constexpr Mender ROWS[] = {
+constexpr Mender RELATIONSHIP_MENDERS[] = {
     {"M1.25", Stage::Within, "Takes the relationships part out, or a relationship that no markup names",
      dropNested},
     {"M1.26", Stage::Within, "Gives the relationship a new Id if no markup names the old one", giveId},
@@ -170,7 +170,7 @@ constexpr Mender ROWS[] = {
 } // namespace
 
 MenderRows relationshipMenders() {
-    return {ROWS, std::size(ROWS)};
+    return {RELATIONSHIP_MENDERS, std::size(RELATIONSHIP_MENDERS)};
 }
 
 } // namespace opc::editing::mending

@@ -21,7 +21,7 @@ using inspection::keyOfName;
 
 namespace {
 
-constexpr std::size_t LARGEST_DOCUMENT = std::size_t{4} << 20;
+constexpr std::size_t LARGEST_EDITED = std::size_t{4} << 20;
 
 std::u16string wide(const std::string& text) {
     return toString(text, true);
@@ -229,7 +229,7 @@ void Round::prepare(EditedRelationships& edited) const {
     const RelationshipsView& view = *edited.view;
     if (view.document.usesMarkupCompatibility || view.document.hasDocumentType)
         return;
-    edited.document = tryToEdit(read(view.part->items, LARGEST_DOCUMENT));
+    edited.document = tryToEdit(read(view.part->items, LARGEST_EDITED));
     if (!edited.document)
         return;
     edited.elements = findEntries(*edited.document, {u"Relationship"});
@@ -255,7 +255,7 @@ void Round::prepareTypes() {
     const inspection::DocumentState& state = subject.contentTypesDocument();
     if (state.item == nullptr || state.usesMarkupCompatibility || state.hasDocumentType)
         return;
-    types = tryToEdit(read(subject.contentTypesItems(), LARGEST_DOCUMENT));
+    types = tryToEdit(read(subject.contentTypesItems(), LARGEST_EDITED));
     if (!types)
         return;
     typeElements = findEntries(*types, {u"Default", u"Override"});
@@ -327,7 +327,7 @@ bool Round::setDefault(std::string_view extension, const std::string& type) {
 DocumentEditing* Round::document(const PartView& part) {
     const auto [place, isNew] = documents.try_emplace(&part);
     if (isNew)
-        place->second = tryToEdit(read(part.items, LARGEST_DOCUMENT));
+        place->second = tryToEdit(read(part.items, LARGEST_EDITED));
     return place->second.get();
 }
 

@@ -24,7 +24,7 @@ using model::URI;
 
 namespace {
 
-std::string textOf(const PartName& name) {
+std::string nameTextOf(const PartName& name) {
     return toUDEString(name.toString());
 }
 
@@ -93,8 +93,8 @@ void retargetIncoming(Editor& editor, const PartName& from, const PartName& to) 
 void movePart(Editor& editor, const PartName& from, const PartName& to) {
     Package& package = editor.package();
     const PartName name = package.getPart(from).getName();
-    if (editor.signatures().consistOf(textOf(name)))
-        throw Exception(textOf(name) + " belongs to signatures, which are found by its name");
+    if (editor.signatures().consistOf(nameTextOf(name)))
+        throw Exception(nameTextOf(name) + " belongs to signatures, which are found by its name");
     if (name.hasText(to.toString()))
         return;
     if (areInConflict(name, to)) {
@@ -104,9 +104,9 @@ void movePart(Editor& editor, const PartName& from, const PartName& to) {
     } else {
         carry(package, name, to);
     }
-    Change change{Change::Kind::PartRenamed, textOf(name), {}, {}, {}};
-    change.before.text = textOf(name);
-    change.after.text = textOf(to);
+    Change change{Change::Kind::PartRenamed, nameTextOf(name), {}, {}, {}};
+    change.before.text = nameTextOf(name);
+    change.after.text = nameTextOf(to);
     editor.record(std::move(change));
     retargetIncoming(editor, name, to);
 }

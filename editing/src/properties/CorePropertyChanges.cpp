@@ -119,7 +119,7 @@ void recordMissing(Editor& editor, const Relationships& some, const Relationship
 }
 
 /// Writing can make the relationship, or replace it.
-void write(Editor& editor, const CoreProperties& properties) {
+void writeCoreProperties(Editor& editor, const CoreProperties& properties) {
     Package& package = editor.package();
     requireWritable(properties); // while the old ones are there
     if (const auto part = findPart(package))
@@ -163,7 +163,7 @@ void replace(Editor& editor, const CoreProperties& before, const CoreProperties&
     std::vector<Change> told = compare(before, after);
     if (isNew ? !hasPart && after.isEmpty() : told.empty())
         return;
-    write(editor, after);
+    writeCoreProperties(editor, after);
     const std::string part = toUDEString(findPart(editor.package())->getName().toString());
     if (isNew) {
         Change change{hasPart ? Change::Kind::ContentReplaced : Change::Kind::PartAdded, part, {}, {}, {}};

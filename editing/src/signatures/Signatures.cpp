@@ -44,7 +44,7 @@ void visitTargets(const Package& package, const RelationshipSource& source, Sign
     }
 }
 
-std::string nameOf(const Part& part) {
+std::string partNameOf(const Part& part) {
     return toUDEString(part.getName().toString());
 }
 
@@ -64,18 +64,18 @@ void throwIfBroken(const std::vector<std::string>& signatures) {
 
 Signatures::Signatures(const Package& package) {
     visitTargets(package, package, SignaturePartKind::Origin, [&](const Part& origin) {
-        if (!origins.insert(lowered(nameOf(origin))).second)
+        if (!origins.insert(lowered(partNameOf(origin))).second)
             return;
-        own.insert(lowered(nameOf(origin)));
+        own.insert(lowered(partNameOf(origin)));
         visitTargets(package, origin, SignaturePartKind::Signature, [&](const Part& signature) {
-            if (!own.insert(lowered(nameOf(signature))).second)
+            if (!own.insert(lowered(partNameOf(signature))).second)
                 return;
             InputStream& content = signature.getInputStream();
-            found.push_back({nameOf(signature), inspection::SignatureExtent(content)});
+            found.push_back({partNameOf(signature), inspection::SignatureExtent(content)});
             content.close();
             content.open(); // for the next reader
             visitTargets(package, signature, SignaturePartKind::Certificate,
-                         [&](const Part& certificate) { own.insert(lowered(nameOf(certificate))); });
+                         [&](const Part& certificate) { own.insert(lowered(partNameOf(certificate))); });
         });
     });
 }

@@ -49,7 +49,7 @@ std::vector<EndRecord> findRecords(RecordBytes& bytes) {
     return records;
 }
 
-std::string countOf(std::uint64_t count, const char* one) {
+std::string numberOf(std::uint64_t count, const char* one) {
     return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
 }
 
@@ -176,7 +176,7 @@ std::optional<DirectoryPlace> EndReader::locate(const EndRecord& end) {
     if (size <= behind && isEntry(behind - size))
         return DirectoryPlace{behind - size, behind, end.count, behind - size - end.directoryOffset};
     fault("M3.16", end.offset,
-          "The directory of " + countOf(end.count, "item") + " doesn't lie where the end record says");
+          "The directory of " + numberOf(end.count, "item") + " doesn't lie where the end record says");
     return std::nullopt;
 }
 

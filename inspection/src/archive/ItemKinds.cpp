@@ -19,7 +19,7 @@ std::string toLowerCase(std::string text) {
 }
 
 /// @param name  with `_rels` and `.rels` in the letter case of the standard
-bool isRelationshipsName(std::string_view name) {
+bool isNameOfRelationships(std::string_view name) {
     constexpr std::string_view FOLDER = "/_rels/";
     constexpr std::string_view EXTENSION = ".rels";
     const std::size_t file = name.rfind('/') + 1;
@@ -29,7 +29,7 @@ bool isRelationshipsName(std::string_view name) {
 
 void takePart(ArchiveItem& item, std::string name) {
     item.partName = std::move(name);
-    item.kind = isRelationshipsName(item.partName) ? ItemKind::Relationships : ItemKind::Part;
+    item.kind = isNameOfRelationships(item.partName) ? ItemKind::Relationships : ItemKind::Part;
 }
 
 void ignore(ArchiveItem& item, std::string reason) {

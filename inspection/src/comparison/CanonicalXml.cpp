@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t DEEPEST_INDENT = 40;
 
 /// A longer text stands in several lines, so that it isn't held as a whole.
-constexpr std::size_t LONGEST_TEXT = 1U << 20;
+constexpr std::size_t LONGEST_TEXT_AT_ONCE = 1U << 20;
 
 bool isBlank(std::u16string_view text) {
     return text.find_first_not_of(u" \t\r\n") == std::u16string_view::npos;
@@ -106,8 +106,8 @@ void CanonicalXml::openTag(const model::XmlElement& element) {
 }
 
 void CanonicalXml::onText(std::u16string_view piece) {
-    while (text.size() + piece.size() > LONGEST_TEXT) {
-        const std::size_t taken = LONGEST_TEXT - text.size();
+    while (text.size() + piece.size() > LONGEST_TEXT_AT_ONCE) {
+        const std::size_t taken = LONGEST_TEXT_AT_ONCE - text.size();
         text.append(piece.substr(0, taken));
         piece.remove_prefix(taken);
         passTag();

@@ -32,12 +32,12 @@ std::string makeRecord(std::initializer_list<std::string_view> texts) {
     return record;
 }
 
-bool isSignatureType(const std::string& contentType) {
+bool isTypeOfSignatures(const std::string& contentType) {
     return startsWith(contentType, "application/vnd.openxmlformats-package.digital-signature");
 }
 
 /// Those of the standard, and those that `DigitalSignatureManager` writes.
-bool leadsToSignature(const RelationshipView& entry) {
+bool leadsToSignatures(const RelationshipView& entry) {
     constexpr std::string_view BASE = "http://schemas.openxmlformats.org/package/2006/relationships/";
     const std::string_view rest =
         std::string_view(entry.type).substr(std::min(BASE.size(), entry.type.size()));
@@ -80,12 +80,13 @@ private:
     }
 
     bool isIgnored(const PartView& part) const {
-        return ignored.count(&part) != 0 || (options.ignoresSignatures && isSignatureType(part.contentType));
+        return ignored.count(&part) != 0 ||
+               (options.ignoresSignatures && isTypeOfSignatures(part.contentType));
     }
 
     bool isIgnored(const RelationshipsView& view, const RelationshipView& entry) const {
         return (options.ignoresCoreProperties && leadsToCoreProperties(view, entry)) ||
-               (options.ignoresSignatures && leadsToSignature(entry));
+               (options.ignoresSignatures && leadsToSignatures(entry));
     }
 
     void addRelationships(const RelationshipsView& view) {

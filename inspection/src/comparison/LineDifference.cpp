@@ -13,13 +13,13 @@ using Index = std::ptrdiff_t;
 constexpr Index MOST_STEPS = 256;
 
 /// A place between two lines of either text.
-struct Point {
+struct LinePair {
     Index x, y;
 };
 
 /// Lines of either text: from `begin` up to `end`.
 struct Box {
-    Point begin, end;
+    LinePair begin, end;
 
     bool isEmpty() const { return begin.x == end.x && begin.y == end.y; }
 };
@@ -32,7 +32,7 @@ public:
         : direction(direction), storage(storage), zero(zero) {}
 
     void begin(const Box& box) {
-        const Point corner = direction > 0 ? box.begin : box.end;
+        const LinePair corner = direction > 0 ? box.begin : box.end;
         least = box.begin.x - box.end.y;
         greatest = box.end.x - box.begin.y;
         low = high = corner.x - corner.y;
@@ -71,9 +71,9 @@ private:
     Index least = 0, greatest = 0, low = 0, high = 0;
 };
 
-class Comparer {
+class LineComparer {
 public:
-    Comparer(const LineNumbers& before, const LineNumbers& now)
+    LineComparer(const LineNumbers& before, const LineNumbers& now)
         : before(before), now(now), forwardPlaces(before.size() + now.size() + 3),
           backwardPlaces(before.size() + now.size() + 3),
           forward(1, forwardPlaces, static_cast<Index>(now.size()) + 1),
@@ -118,7 +118,7 @@ private:
     }
 
     void cut(const Box& box) {
-        const Point place = findCut(box);
+        const LinePair place = findCut(box);
         const Box first{box.begin, place};
         const Box second{place, box.end};
         if (first.isEmpty() || second.isEmpty()) {
@@ -131,12 +131,12 @@ private:
 
     /// A point on a way through the box with the fewest insertions and deletions or, if they are too many, one that is far
     /// from its corner.
-    Point findCut(const Box& box) {
+    LinePair findCut(const Box& box) {
         forward.begin(box);
         backward.begin(box);
         const bool isOdd = ((forward.lowest() - backward.lowest()) & 1) != 0;
         for (Index steps = 1;; ++steps) {
-            Point meeting{};
+            LinePair meeting{};
             if (advance(box, isOdd, meeting) || retreat(box, !isOdd, meeting))
                 return meeting;
             if (steps >= MOST_STEPS)
@@ -146,7 +146,7 @@ private:
 
     /// @param canMeet  whether the two fronts can meet at this step
     /// @return whether they do
-    bool advance(const Box& box, bool canMeet, Point& meeting) {
+    bool advance(const Box& box, bool canMeet, LinePair& meeting) {
         forward.widen();
         for (Index d = forward.highest(); d >= forward.lowest(); d -= 2) {
             Index x = forward.step(d);
@@ -161,7 +161,7 @@ private:
         return false;
     }
 
-    bool retreat(const Box& box, bool canMeet, Point& meeting) {
+    bool retreat(const Box& box, bool canMeet, LinePair& meeting) {
         backward.widen();
         for (Index d = backward.highest(); d >= backward.lowest(); d -= 2) {
             Index x = backward.step(d);
@@ -177,14 +177,14 @@ private:
     }
 
     /// Of the points that both fronts have reached, the one with the most lines between it and its corner.
-    Point findFarthest(const Box& box) {
-        Point fromBegin = box.begin;
+    LinePair findFarthest(const Box& box) {
+        LinePair fromBegin = box.begin;
         for (Index d = forward.highest(); d >= forward.lowest(); d -= 2) {
             const Index x = std::min({forward.at(d), box.end.x, box.end.y + d});
             if (x - d >= box.begin.y && x + x - d > fromBegin.x + fromBegin.y)
                 fromBegin = {x, x - d};
         }
-        Point fromEnd = box.end;
+        LinePair fromEnd = box.end;
         for (Index d = backward.highest(); d >= backward.lowest(); d -= 2) {
             const Index x = std::max({backward.at(d), box.begin.x, box.begin.y + d});
             if (x - d <= box.end.y && x + x - d < fromEnd.x + fromEnd.y)
@@ -206,7 +206,7 @@ private:
 } // namespace
 
 LineDifference compareLines(const LineNumbers& before, const LineNumbers& now) {
-    return Comparer(before, now).run();
+    return LineComparer(before, now).run();
 }
 
 } // namespace opc::inspection

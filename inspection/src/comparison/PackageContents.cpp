@@ -1,5 +1,6 @@
 #include "comparison/PackageContents.hpp"
 
+#include "checks/contenttypes/TypeGrammar.hpp"
 #include "format/ForeignFormats.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
@@ -12,8 +13,6 @@
 namespace opc::inspection {
 
 namespace {
-
-constexpr std::string_view RELATIONSHIPS_TYPE = "application/vnd.openxmlformats-package.relationships+xml";
 
 bool isReadInFull(const DocumentState& document) {
     return document.failure.empty() && document.faults.empty() && !document.usesMarkupCompatibility;

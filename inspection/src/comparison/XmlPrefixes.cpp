@@ -27,7 +27,7 @@ std::u16string XmlPrefixes::makePrefix(const std::u16string& uri) {
     const auto suggestion = suggestions.find(uri);
     std::u16string prefix = suggestion != suggestions.end() ? suggestion->second : uri.empty() ? u"" : u"ns";
     while (!taken.insert(prefix).second)
-        prefix = u"ns" + toString(std::to_string(++made), true);
+        prefix = u"ns" + opc::toString(std::to_string(++made), true);
     return prefix;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using std::string_view;
 
-struct KnownFormat {
+struct KnownPackage {
     string_view key; ///< what tells the format
     const char* name;
     const char* mediaType;
@@ -24,7 +24,7 @@ struct KnownFormat {
 #define POWERPOINT "application/vnd.openxmlformats-officedocument.presentationml."
 
 /// By the content type of the main part, in lower case.
-constexpr KnownFormat BY_MAIN_TYPE[] = {
+constexpr KnownPackage BY_MAIN_TYPE[] = {
     {WORD "document.main+xml", "docx", WORD "document", "Word document"},
     {"application/vnd.ms-word.document.macroenabled.main+xml", "docm",
      "application/vnd.ms-word.document.macroEnabled.12", "Word document with macros"},
@@ -75,7 +75,7 @@ constexpr KnownFormat BY_MAIN_TYPE[] = {
 #undef POWERPOINT
 
 /// By the type of a relationship of the package.
-constexpr KnownFormat BY_RELATIONSHIP[] = {
+constexpr KnownPackage BY_RELATIONSHIP[] = {
     {"http://schemas.microsoft.com/xps/2005/06/fixedrepresentation", "xps", "application/vnd.ms-xpsdocument",
      "XPS document"},
     {"http://schemas.openxps.org/oxps/v1.0/fixedrepresentation", "oxps", "application/oxps",
@@ -85,14 +85,14 @@ constexpr KnownFormat BY_RELATIONSHIP[] = {
 };
 
 /// By a part that every such package has.
-constexpr KnownFormat BY_PART[] = {
+constexpr KnownPackage BY_PART[] = {
     {"/AppxMetadata/AppxBundleManifest.xml", "appxbundle", "application/vnd.ms-appx.bundle",
      "bundle of Windows apps (appx or msix)"},
     {"/AppxManifest.xml", "appx", "application/vnd.ms-appx", "Windows app (appx or msix)"},
     {"/extension.vsixmanifest", "vsix", "", "Visual Studio extension"},
 };
 
-void take(Format& format, const KnownFormat& known) {
+void take(Format& format, const KnownPackage& known) {
     format.name = known.name;
     format.mediaType = known.mediaType;
     format.description = known.description;
@@ -104,7 +104,7 @@ bool takeByRelationship(const Subject& subject, Format& format) {
     if (!ofPackage)
         return false;
     for (const RelationshipView& entry : ofPackage->entries)
-        for (const KnownFormat& known : BY_RELATIONSHIP)
+        for (const KnownPackage& known : BY_RELATIONSHIP)
             if (!entry.isExternal && entry.type == known.key) {
                 take(format, known);
                 format.mainPart = entry.part ? entry.part->name : std::string();
@@ -119,7 +119,7 @@ bool takeByMainType(const Subject& subject, Format& format) {
         return false;
     const std::string type = main->mediaType();
     const auto* const known = std::find_if(std::begin(BY_MAIN_TYPE), std::end(BY_MAIN_TYPE),
-                                           [&](const KnownFormat& row) { return row.key == type; });
+                                           [&](const KnownPackage& row) { return row.key == type; });
     if (known == std::end(BY_MAIN_TYPE))
         return false;
     take(format, *known);
@@ -128,7 +128,7 @@ bool takeByMainType(const Subject& subject, Format& format) {
 }
 
 bool takeByPart(const Subject& subject, Format& format) {
-    for (const KnownFormat& known : BY_PART)
+    for (const KnownPackage& known : BY_PART)
         if (const PartView* const part = subject.findPart(known.key)) {
             take(format, known);
             format.mainPart = part->name;

@@ -12,10 +12,6 @@ namespace opc::inspection {
 
 namespace {
 
-std::string toMarkup(std::string_view text) {
-    return inspection::toMarkup(std::string(text));
-}
-
 std::string badge(Severity severity, const std::string& text) {
     return "<span class=\"badge " + std::string(nameOf(severity)) + "\">" + text + "</span>";
 }

@@ -4,9 +4,9 @@
 
 namespace opc::inspection {
 
-std::string toMarkup(const std::string& text) {
+std::string toMarkup(std::string_view text) {
     std::string markup;
-    for (const char c : withoutControlCharacters(text))
+    for (const char c : withoutControlCharacters(std::string(text)))
         switch (c) {
         case '<':
             markup += "&lt;";

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace opc::inspection {
 
 /// A text as it stands in XML and HTML, in elements and in quoted attributes. Characters that nobody sees become blanks.
-std::string toMarkup(const std::string& text);
+std::string toMarkup(std::string_view text);
 
 } // namespace opc::inspection

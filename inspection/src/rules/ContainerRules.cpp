@@ -8,7 +8,7 @@ namespace {
 
 constexpr unsigned BOTH = OPC | SECURITY;
 
-constexpr Rule RULES[] = {
+constexpr Rule CONTAINER_RULES[] = {
     {"SEC-45", "Encrypted document", Severity::Info, BOTH, "",
      "A package that can be checked isn't encrypted.",
      "The document was saved with a password. It is an OLE2 file then, which holds the encrypted package.",
@@ -133,7 +133,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows containerRules() {
-    return {RULES, std::size(RULES)};
+    return {CONTAINER_RULES, std::size(CONTAINER_RULES)};
 }
 
 } // namespace opc::inspection

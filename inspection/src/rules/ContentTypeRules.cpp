@@ -4,7 +4,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr Rule RULES[] = {
+constexpr Rule CONTENT_TYPE_RULES[] = {
     {"M3.10", "Content types stream", Severity::Error, OPC, "M3.10",
      "A package has exactly one content types stream, in the item [Content_Types].xml or in its pieces.",
      "The archive was packed by hand without it, or it was added twice.", "",
@@ -121,7 +121,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows contentTypeRules() {
-    return {RULES, sizeof RULES / sizeof *RULES};
+    return {CONTENT_TYPE_RULES, sizeof CONTENT_TYPE_RULES / sizeof *CONTENT_TYPE_RULES};
 }
 
 } // namespace opc::inspection

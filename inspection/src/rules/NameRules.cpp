@@ -6,7 +6,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr Rule RULES[] = {
+constexpr Rule NAME_RULES[] = {
     {"M1.1", "Empty name", Severity::Error, OPC, "M1.1", "A part has a name.",
      "A faulty program wrote the archive.", "", "Readers refuse the package or pass over the item.",
      "Give the item a name, or remove it."},
@@ -73,7 +73,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows nameRules() {
-    return {RULES, std::size(RULES)};
+    return {NAME_RULES, std::size(NAME_RULES)};
 }
 
 } // namespace opc::inspection

@@ -10,7 +10,7 @@ constexpr std::string_view BY_HAND = "A program or a person edited the XML and d
 constexpr std::string_view MENDS_XML = "Correct the XML of the part";
 
 // Fields: id, title, severity, profiles, standard, statement, cause, writers, readers, remedy.
-constexpr Rule RULES[] = {
+constexpr Rule OFFICE_RULES[] = {
     {"P1-1", "Parts in pieces", Severity::Error, OFFICE, "ECMA-376 Part 1",
      "Documents of office programs don't store parts in pieces", "The package was written for streaming", "",
      "Office programs may not find the part", "Store each part as one item"},
@@ -74,7 +74,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows officeRules() {
-    return {RULES, std::size(RULES)};
+    return {OFFICE_RULES, std::size(OFFICE_RULES)};
 }
 
 } // namespace opc::inspection

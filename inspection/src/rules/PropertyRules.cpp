@@ -4,7 +4,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr Rule RULES[] = {
+constexpr Rule PROPERTY_RULES[] = {
     {"M4.1", "Core properties part", Severity::Error, OPC, "M4.1",
      "A package has at most one core properties relationship. It leads to a part in the package that has the "
      "content type "
@@ -62,7 +62,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows propertyRules() {
-    return {RULES, sizeof RULES / sizeof *RULES};
+    return {PROPERTY_RULES, sizeof PROPERTY_RULES / sizeof *PROPERTY_RULES};
 }
 
 } // namespace opc::inspection

@@ -4,7 +4,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr Rule RULES[] = {
+constexpr Rule RELATIONSHIP_RULES[] = {
     {"M1.30", "Type of relationships parts", Severity::Error, OPC, "M1.30",
      "A part with a name of the form /_rels/x.rels has the content type of relationships.",
      "The Default for rels is missing or wrong, or an Override gives another type.", "",
@@ -80,7 +80,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows relationshipRules() {
-    return {RULES, sizeof RULES / sizeof *RULES};
+    return {RELATIONSHIP_RULES, sizeof RELATIONSHIP_RULES / sizeof *RELATIONSHIP_RULES};
 }
 
 } // namespace opc::inspection

@@ -15,7 +15,7 @@ constexpr std::string_view REMOVE_BEFORE_SHARING =
     "Remove it before the document leaves the house if others mustn't know it";
 
 // Fields: id, title, severity, profiles, standard, statement, cause, writers, readers, remedy.
-constexpr Rule RULES[] = {
+constexpr Rule SECURITY_RULES[] = {
     {"SEC-01", "Template outside the package", Severity::Error, SECURITY, "",
      "A document's attached template doesn't lie on the web or on a share",
      "A template was attached from a server, or somebody pointed the relationship at a server to bring in "
@@ -206,7 +206,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows securityRules() {
-    return {RULES, std::size(RULES)};
+    return {SECURITY_RULES, std::size(SECURITY_RULES)};
 }
 
 } // namespace opc::inspection

@@ -6,9 +6,9 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr unsigned BOTH = OPC | SECURITY;
+constexpr unsigned OPC_AND_SECURITY = OPC | SECURITY;
 
-constexpr Rule RULES[] = {
+constexpr Rule SIGNATURE_RULES[] = {
     {"M6.1", "Signature origin", Severity::Error, OPC, "M6.1",
      "A package has at most one signature origin: a part of the origin's content type, to which one "
      "relationship of "
@@ -16,7 +16,7 @@ constexpr Rule RULES[] = {
      "A program added a signature without looking for the origin that was there.", "",
      "Readers take the first origin or the last, and so they see different signatures.",
      "Remove the signatures and sign again."},
-    {"M6.3", "Signature part outside the origin", Severity::Error, BOTH, "M6.3",
+    {"M6.3", "Signature part outside the origin", Severity::Error, OPC_AND_SECURITY, "M6.3",
      "Each signature part is the internal target of a relationship of the origin, and has the content type "
      "of "
      "signatures.",
@@ -29,7 +29,7 @@ constexpr Rule RULES[] = {
      "Each certificate part is the internal target of a certificate relationship of the signature that uses "
      "it.",
      "A signature was removed without its certificate.", "", "Readers ignore the part.", "Remove the part."},
-    {"M6.5", "Signed reference that leads nowhere", Severity::Error, BOTH, "M6.5",
+    {"M6.5", "Signed reference that leads nowhere", Severity::Error, OPC_AND_SECURITY, "M6.5",
      "Each reference of the signed information leads to the one element of the same signature that has this "
      "Id.",
      "A signature was changed after it was made, often to pass something unsigned for signed.", "",
@@ -41,7 +41,7 @@ constexpr Rule RULES[] = {
      "The reference to the package object has no transforms but canonicalization.",
      "A signature was made by a general program for XML signatures, or was forged.", "",
      "Readers refuse the signature.", "Sign again."},
-    {"M6.7", "Package object", Severity::Error, BOTH, "M6.7, M6.15",
+    {"M6.7", "Package object", Severity::Error, OPC_AND_SECURITY, "M6.7, M6.15",
      "A signature has exactly one package object: a child of the signature whose Id is idPackageObject.",
      "A signature of another document was put into the package, or the signed object was moved to hide it.",
      "", "A reader may take another object than the signed one for the list of what is signed.",
@@ -50,7 +50,7 @@ constexpr Rule RULES[] = {
      "The package object has one Manifest and one SignatureProperties, and nothing else.",
      "A program wrote the signature in a way of its own.", "", "Readers refuse the signature.",
      "Sign again."},
-    {"M6.9", "Signed part that is missing", Severity::Error, BOTH, "M6.9, M6.22",
+    {"M6.9", "Signed part that is missing", Severity::Error, OPC_AND_SECURITY, "M6.9, M6.22",
      "Each reference of the manifest leads to a part of the package.",
      "A part was removed or renamed after signing.", "", "Readers refuse the signature.",
      "Restore the part, or sign again."},
@@ -58,14 +58,14 @@ constexpr Rule RULES[] = {
      "The query of a manifest's reference states the content type of the part.",
      "A program wrote the signature in a way of its own.", "",
      "Without it, the content type of a signed part can be changed.", "Sign again."},
-    {"M6.11", "Content type changed after signing", Severity::Error, BOTH, "M6.11",
+    {"M6.11", "Content type changed after signing", Severity::Error, OPC_AND_SECURITY, "M6.11",
      "The content type that a reference states is that of the part, to the letter.",
      "The content types were changed after signing: the digests don't cover them.", "",
      "Some readers accept the signature, among them LibreOffice, and then treat the part as something else "
      "than was "
      "signed.",
      "Restore the content type, or sign again."},
-    {"M6.12", "Transform of a signed part", Severity::Error, BOTH, "M6.12",
+    {"M6.12", "Transform of a signed part", Severity::Error, OPC_AND_SECURITY, "M6.12",
      "References of the manifest have no transforms but canonicalization and the relationship transform.",
      "A forger used a transform that leaves out what was changed.", "",
      "Careful readers refuse the signature.", "Don't trust the signature; sign again."},
@@ -73,7 +73,7 @@ constexpr Rule RULES[] = {
      "The package object has one property idSignatureTime about the signature, with one time.",
      "A program wrote the signature in a way of its own.", "",
      "Readers show no time, or refuse the signature.", "Sign again."},
-    {"M6.16", "Package object not signed", Severity::Error, BOTH, "M6.16",
+    {"M6.16", "Package object not signed", Severity::Error, OPC_AND_SECURITY, "M6.16",
      "The signed information refers to the package object exactly once.",
      "The signature of another document was put into the package: it holds, and says nothing about the "
      "package.",
@@ -83,7 +83,7 @@ constexpr Rule RULES[] = {
      "References of the signed information have no transforms but canonicalization.",
      "A signature was made by a general program for XML signatures, or was forged.", "",
      "Careful readers refuse the signature; others run the transform, as XSLT.", "Sign again."},
-    {"M6.21", "Key that isn't the certificate's", Severity::Warning, BOTH, "M6.21",
+    {"M6.21", "Key that isn't the certificate's", Severity::Warning, OPC_AND_SECURITY, "M6.21",
      "If a signature holds certificates, the key in it is that of one of them, and so is the certificate "
      "that its signed "
      "properties (XAdES) name.",
@@ -116,7 +116,7 @@ constexpr Rule RULES[] = {
      "References of the manifest name whole parts: they have no fragment.",
      "A program wrote the signature in a way of its own.", "", "Readers refuse the signature.",
      "Sign again."},
-    {"M6.30", "Broken signature", Severity::Error, BOTH, "M6.29, M6.30",
+    {"M6.30", "Broken signature", Severity::Error, OPC_AND_SECURITY, "M6.29, M6.30",
      "The digests and the value of a signature are those of what it covers. Of signatures in the "
      "standard's form, only the digests of plain bytes are compared here.",
      "Something was changed after signing.", "", "opctool verify refuses the signature.",
@@ -150,7 +150,7 @@ constexpr Rule RULES[] = {
      "Something was added after signing; or the signer left it out.", "",
      "Signatures stay valid when parts and relationships are added: readers show the addition as signed.",
      "Look at what isn't named; sign again."},
-    {"SEC-72", "Signature that can't be used", Severity::Error, BOTH, "M6.20, M1.20",
+    {"SEC-72", "Signature that can't be used", Severity::Error, OPC_AND_SECURITY, "M6.20, M1.20",
      "The signature origin and each signature part can be found and read.",
      "A signature was removed in part, or the part was damaged to hide that the package was signed.", "",
      "Readers show no signature, or refuse the package.",
@@ -177,7 +177,7 @@ constexpr Rule RULES[] = {
 } // namespace
 
 RuleRows signatureRules() {
-    return {RULES, std::size(RULES)};
+    return {SIGNATURE_RULES, std::size(SIGNATURE_RULES)};
 }
 
 } // namespace opc::inspection

@@ -8,13 +8,13 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::u16string_view SPACE = u" \t\r\n";
+constexpr std::u16string_view XML_SPACE = u" \t\r\n";
 
 /// The namespaces of the prefixes in a list, as the element declares them.
 std::vector<std::u16string> namespacesOf(std::u16string_view prefixes, const model::XmlElement& element) {
     std::vector<std::u16string> found;
     while (!prefixes.empty()) {
-        const std::size_t end = std::min(prefixes.find_first_of(SPACE), prefixes.size());
+        const std::size_t end = std::min(prefixes.find_first_of(XML_SPACE), prefixes.size());
         const std::u16string_view prefix = prefixes.substr(0, end);
         for (std::size_t i = 0; !prefix.empty() && i < element.declarationCount(); ++i)
             if (element.declaration(i).prefix == prefix)
@@ -72,7 +72,7 @@ void EntryList::onEnd() {
 
 void EntryList::onText(std::u16string_view text) {
     const bool counts = skipped == 0 || (skipped == depth && !mayHaveText);
-    if (counts && text.find_first_not_of(SPACE) != std::u16string_view::npos)
+    if (counts && text.find_first_not_of(XML_SPACE) != std::u16string_view::npos)
         addFault(DocumentFault::Kind::Text, kind.namespaceURI, {});
 }
 

@@ -22,6 +22,9 @@ OPC_INSPECTION_EXPORT std::string encodedName(std::string_view name);
 /// doesn't count [M1.12], and a character that a part name can't hold is as good as its percent-encoding.
 OPC_INSPECTION_EXPORT std::string keyOfName(std::string_view name);
 
+/// `keyOfName` of the content types stream.
+inline constexpr std::string_view CONTENT_TYPES_KEY = "/%5bcontent_types%5d.xml";
+
 /// Whether there is an ASCII character that a part name can't hold, such as a blank or `?`. Characters beyond ASCII stand for
 /// their percent-encoding.
 OPC_INSPECTION_EXPORT bool hasOddCharacter(std::string_view name);

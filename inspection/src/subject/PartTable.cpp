@@ -8,9 +8,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::string_view CONTENT_TYPES_KEY = "/%5bcontent_types%5d.xml";
-
-std::uint64_t sizeOf(const ArchiveItem& item) {
+std::uint64_t itemSize(const ArchiveItem& item) {
     return item.central ? item.central->size : item.local ? item.local->size : 0;
 }
 
@@ -52,7 +50,7 @@ void PartTable::add(const ArchiveItem& item, Places& joined) {
         if (!isFirst) {
             PartView& part = all[place->second];
             part.items.push_back(&item);
-            part.size += sizeOf(item);
+            part.size += itemSize(item);
             return;
         }
     }
@@ -60,7 +58,7 @@ void PartTable::add(const ArchiveItem& item, Places& joined) {
     PartView& part = all.emplace_back();
     part.name = item.partName;
     part.items.push_back(&item);
-    part.size = sizeOf(item);
+    part.size = itemSize(item);
     part.hasRelationshipsName = isRelationshipsName(part.name);
 }
 

@@ -17,7 +17,7 @@ constexpr std::u16string_view TYPE = u"Type";
 constexpr std::u16string_view TARGET = u"Target";
 constexpr std::u16string_view TARGET_MODE = u"TargetMode";
 
-EntryListKind kindOf(std::uint64_t mostEntries) {
+EntryListKind listKindFor(std::uint64_t mostEntries) {
     return {u"http://schemas.openxmlformats.org/package/2006/relationships",
             u"Relationships",
             {{u"Relationship", {ID, TYPE, TARGET, TARGET_MODE}, true}},
@@ -62,7 +62,7 @@ RelationshipsView readRelationships(const Archive& archive, const PartTable& par
     if (view.sourcePart != nullptr)
         view.source = view.sourcePart->name;
 
-    const EntryListKind kind = kindOf(std::min(model::XmlLimits().relationships.elements, mostEntries));
+    const EntryListKind kind = listKindFor(std::min(model::XmlLimits().relationships.elements, mostEntries));
     RelationshipsReader reader(view.document, kind, view.entries);
     readDocument(archive, part.items, view.document, reader);
     part.isKnownWhole = view.document.failure.empty();

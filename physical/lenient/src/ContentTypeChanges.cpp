@@ -90,14 +90,15 @@ private:
         const ContentTypeEntry* const counting = old.entries.find(kind, key);
         if (counting == nullptr) {
             edits.append(ContentTypeEntry::elementName(kind),
-                         {{ContentTypeEntry::keyName(kind), name}, {CONTENT_TYPE, contentType}});
+                         {{ContentTypeEntry::keyName(kind), name},
+                          {model::vocabulary::content_types::CONTENT_TYPE, contentType}});
         } else {
             const bool isSame = areSame(counting->contentType, contentType);
             const bool isRenewed = kind == Kind::Override && context.renewed.count(key) > 0;
             if (isSame && !isRenewed)
                 return;
             if (!isSame)
-                setValue(*counting, CONTENT_TYPE, contentType);
+                setValue(*counting, model::vocabulary::content_types::CONTENT_TYPE, contentType);
             if (counting->lacksSlash)
                 setValue(*counting, PART_NAME, name);
         }

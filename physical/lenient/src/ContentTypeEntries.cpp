@@ -24,7 +24,7 @@ constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSche
 constexpr char LEFT_OUT[] = "left out, and kept in the file";
 
 bool isOurs(const Element& element, std::u16string_view name) {
-    return element.is(NAMESPACE, name) || element.is(BETA_NAMESPACE, name);
+    return element.is(model::vocabulary::content_types::NAMESPACE, name) || element.is(BETA_NAMESPACE, name);
 }
 
 bool precedes(const ContentTypeEntry& left, const ContentTypeEntry& right) {
@@ -113,7 +113,7 @@ private:
     }
 
     void noteForm(const Element& element) {
-        if (!element.prefix.empty() || element.namespaceURI != NAMESPACE)
+        if (!element.prefix.empty() || element.namespaceURI != model::vocabulary::content_types::NAMESPACE)
             result.readAsTheyAre = false;
     }
 
@@ -134,7 +134,8 @@ private:
                                  attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
                                  attribute.is(SCHEMA_INSTANCE, u"noNamespaceSchemaLocation") ||
                                  (!keyName.empty() && attribute.prefix.empty() &&
-                                  (attribute.localName == keyName || attribute.localName == CONTENT_TYPE));
+                                  (attribute.localName == keyName ||
+                                   attribute.localName == model::vocabulary::content_types::CONTENT_TYPE));
             if (!isKnown && count++ == 0)
                 first = &attribute;
         }
@@ -168,7 +169,8 @@ private:
         const bool isDefault = entry.kind == ContentTypeEntry::Kind::Default;
         const char* const rule = isDefault ? "M2.6" : "M2.7";
         const Attribute* const key = markup.findAttribute(element, {}, keyName);
-        const Attribute* const contentType = markup.findAttribute(element, {}, CONTENT_TYPE);
+        const Attribute* const contentType =
+            markup.findAttribute(element, {}, model::vocabulary::content_types::CONTENT_TYPE);
         if (key != nullptr)
             takeKey(entry, key->value());
         else
@@ -268,14 +270,14 @@ ContentTypeEntries::Group ContentTypeEntries::groupOf(const ContentTypeEntry& fi
 
 std::string ContentTypeEntries::toDocument(std::u16string_view additions) const {
     std::u16string document = u"<Types";
-    addAttribute(document, u"xmlns", NAMESPACE);
+    addAttribute(document, u"xmlns", model::vocabulary::content_types::NAMESPACE);
     document += u">";
     for (const ContentTypeEntry& entry : entries) {
         if (entry.standing == Standing::LeftOut)
             continue;
         document.append(u"<").append(ContentTypeEntry::elementName(entry.kind));
         addAttribute(document, ContentTypeEntry::keyName(entry.kind), entry.key);
-        addAttribute(document, CONTENT_TYPE, entry.contentType);
+        addAttribute(document, model::vocabulary::content_types::CONTENT_TYPE, entry.contentType);
         document += u"/>";
     }
     return detail::toUTF8String(document.append(additions).append(u"</Types>"), true);

@@ -22,15 +22,15 @@ using namespace model::vocabulary::relationships;
 
 /// The namespaces of the format before the standard.
 constexpr std::u16string_view OLD_NAMESPACE = u"http://schemas.microsoft.com/package/2005/06/relationships";
-constexpr std::u16string_view SCHEMA_INSTANCE = u"http://www.w3.org/2001/XMLSchema-instance";
+constexpr std::u16string_view XSI = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view CORE_PROPERTIES =
     u"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
 
-constexpr char LEFT_OUT[] = "left out, and kept in the file";
+constexpr char KEPT_IN_FILE[] = "left out, and kept in the file";
 constexpr char PASSED_OVER[] = "passed over, and kept in the file";
 
 bool isOurs(std::u16string_view namespaceURI) {
-    return namespaceURI == NAMESPACE || namespaceURI == OLD_NAMESPACE;
+    return namespaceURI == model::vocabulary::relationships::NAMESPACE || namespaceURI == OLD_NAMESPACE;
 }
 
 bool isRelationship(const Element& element) {
@@ -40,7 +40,7 @@ bool isRelationship(const Element& element) {
 /// Converts a type of the format before the standard to the type of the standard.
 void makeTypeOfToday(std::u16string& type) {
     if (type.compare(0, OLD_NAMESPACE.size(), OLD_NAMESPACE) == 0)
-        type.replace(0, OLD_NAMESPACE.size(), NAMESPACE.wide());
+        type.replace(0, OLD_NAMESPACE.size(), model::vocabulary::relationships::NAMESPACE.wide());
 }
 
 /// The rule that a relationship with this defect breaks.
@@ -77,7 +77,7 @@ class RelationshipsDocument::Reader {
 public:
     Reader(RelationshipsDocument& document, Source source)
         : document(document), markup(document.text.markup()), source(source),
-          compatibility(markup, {NAMESPACE, OLD_NAMESPACE}) {}
+          compatibility(markup, {model::vocabulary::relationships::NAMESPACE, OLD_NAMESPACE}) {}
 
     void read() {
         takeRoot();
@@ -145,7 +145,8 @@ private:
     /// @return empty if there is none
     std::string findDefect(std::size_t place) const {
         const Element& element = markup.elements()[place];
-        std::string defect = findUndeclared(element, {ID, TYPE, TARGET, TARGET_MODE});
+        std::string defect =
+            findUndeclared(element, {ID, model::vocabulary::relationships::TYPE, TARGET, TARGET_MODE});
         if (!defect.empty())
             return defect;
         if (parents[place])
@@ -158,8 +159,8 @@ private:
                 return std::nullopt;
             return values.emplace_back(attribute->value());
         };
-        const RelationshipRules::Attributes attributes{value(ID), value(TYPE), value(TARGET),
-                                                       value(TARGET_MODE)};
+        const RelationshipRules::Attributes attributes{
+            value(ID), value(model::vocabulary::relationships::TYPE), value(TARGET), value(TARGET_MODE)};
         defect = RelationshipRules::findDefect(attributes);
         if (defect.empty() && std::any_of(values.begin(), values.end(), hasControls))
             return "has a control character";
@@ -172,8 +173,8 @@ private:
             const Attribute& attribute = markup.allAttributes()[element.firstAttribute + i];
             const bool isNamed = attribute.prefix.empty() &&
                                  std::find(names.begin(), names.end(), attribute.localName) != names.end();
-            const bool isOfSchema = attribute.is(SCHEMA_INSTANCE, u"schemaLocation") ||
-                                    attribute.is(SCHEMA_INSTANCE, u"noNamespaceSchemaLocation");
+            const bool isOfSchema =
+                attribute.is(XSI, u"schemaLocation") || attribute.is(XSI, u"noNamespaceSchemaLocation");
             if (!isNamed && !isOfSchema && !attribute.isDeclaration() && !compatibility.isIgnored(element, i))
                 return "has an attribute that isn't declared: " + shorten(attribute.localName);
         }
@@ -189,7 +190,7 @@ private:
     void leaveOut(const Element& element, const char* rule, const std::string& what,
                   const std::u16string& id) {
         keepID(element);
-        add(rule, element, id, what, LEFT_OUT);
+        add(rule, element, id, what, KEPT_IN_FILE);
     }
 
     void add(const char* rule, const Element& element, const std::u16string& id, const std::string& what,
@@ -222,12 +223,12 @@ RelationshipsDocument::RelationshipsDocument(const Bytes& bytes, Source source) 
 
 Bytes RelationshipsDocument::view() const {
     std::u16string composed = u"<Relationships";
-    addAttribute(composed, u"xmlns", NAMESPACE);
+    addAttribute(composed, u"xmlns", model::vocabulary::relationships::NAMESPACE);
     composed += u">";
     for (const ReadRelationship& relationship : taken) {
         composed += u"<Relationship";
         addAttribute(composed, ID, relationship.id);
-        addAttribute(composed, TYPE, relationship.type);
+        addAttribute(composed, model::vocabulary::relationships::TYPE, relationship.type);
         addAttribute(composed, TARGET, relationship.target);
         if (relationship.isExternal)
             addAttribute(composed, TARGET_MODE, EXTERNAL);
@@ -242,7 +243,8 @@ ReadRelationship readRelationship(const Markup& markup, std::size_t element) {
         const Attribute* const attribute = markup.findAttribute(markup.elements()[element], u"", name);
         return attribute != nullptr ? attribute->value() : std::u16string();
     };
-    return {element, RelationshipRules::read(value(ID)), RelationshipRules::read(value(TYPE)),
+    return {element, RelationshipRules::read(value(ID)),
+            RelationshipRules::read(value(model::vocabulary::relationships::TYPE)),
             RelationshipRules::read(value(TARGET)), value(TARGET_MODE) == EXTERNAL.wide()};
 }
 

@@ -43,8 +43,9 @@ void retarget(DocumentEdits& edits, const Markup& markup, const ReadRelationship
 
 /// Before an element that would otherwise count instead, or else after all others.
 void add(DocumentEdits& edits, const ReadRelationship& relationship, const Element* next) {
-    DocumentEdits::NewAttributes attributes = {
-        {ID, relationship.id}, {TYPE, relationship.type}, {TARGET, relationship.target}};
+    DocumentEdits::NewAttributes attributes = {{ID, relationship.id},
+                                               {model::vocabulary::relationships::TYPE, relationship.type},
+                                               {TARGET, relationship.target}};
     if (relationship.isExternal)
         attributes.emplace_back(TARGET_MODE, EXTERNAL);
     if (next != nullptr)

@@ -16,7 +16,11 @@ namespace {
 Bytes noRelationships() {
     using namespace model::vocabulary::relationships;
     std::string document;
-    document.append("<").append(RELATIONSHIPS).append(" xmlns=\"").append(NAMESPACE).append("\"/>");
+    document.append("<")
+        .append(RELATIONSHIPS)
+        .append(" xmlns=\"")
+        .append(model::vocabulary::relationships::NAMESPACE)
+        .append("\"/>");
     return Bytes(document.begin(), document.end());
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 using std::string_view;
 
-bool isDigit(char c) {
+bool isASCIIDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
@@ -20,7 +20,7 @@ bool isLetter(char c) {
 }
 
 bool isControl(char c) {
-    return (c >= '\0' && c < ' ') || c == '\x7F';
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
 }
 
 std::string toLowerCase(std::string text) {
@@ -33,7 +33,8 @@ std::string toLowerCase(std::string text) {
 void dropVersion(std::string& segment) {
     const std::size_t semicolon = segment.rfind(';');
     if (semicolon != std::string::npos &&
-        std::all_of(segment.begin() + static_cast<std::ptrdiff_t>(semicolon) + 1, segment.end(), isDigit))
+        std::all_of(segment.begin() + static_cast<std::ptrdiff_t>(semicolon) + 1, segment.end(),
+                    isASCIIDigit))
         segment.resize(semicolon);
 }
 

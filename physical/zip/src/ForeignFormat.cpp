@@ -30,7 +30,7 @@ constexpr struct {
     {"version https://git-lfs"sv, "the pointer to a file that Git LFS keeps elsewhere"},
 };
 
-char lower(char c) {
+char lowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
@@ -44,7 +44,7 @@ void requireNoForeignFormat(ByteSource& archive, const std::string& place) {
     if (archive.readAt(0, bytes.data(), std::min<std::uint64_t>(bytes.size(), archive.size()), got) != 0)
         return; // the next reader reports the failure
     std::string start(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got));
-    std::transform(start.begin(), start.end(), start.begin(), lower);
+    std::transform(start.begin(), start.end(), start.begin(), lowerCase);
     const bool hasMark = start.compare(0, 3, "\xEF\xBB\xBF") == 0;
     start.erase(0, start.find_first_not_of(" \t\r\n", hasMark ? 3 : 0));
     for (const auto& [beginning, format] : FORMATS) {

@@ -18,7 +18,7 @@ using interfaces::OpenMode;
 
 namespace {
 
-std::string toLowerCase(std::string text) {
+std::string keyOfPieces(std::string text) {
     for (char& c : text)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return text;
@@ -98,7 +98,7 @@ void ZipSession::checkReadable(const DirectoryEntry& entry) {
 }
 
 void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces) {
-    Pieces& siblings = pieces[toLowerCase(name.partName)];
+    Pieces& siblings = pieces[keyOfPieces(name.partName)];
     siblings.name = name;
     if (!siblings.found.emplace(name.piece->number, FoundPiece{item, name.piece->last}).second)
         fail(context.archive->itemPlace(item), "another item is the same piece", EBADMSG);

@@ -17,7 +17,7 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 using detail::CertificateAccess;
 
-Bytes getNumber(const X509Certificate& certificate, const char* name) {
+Bytes numberOfKey(const X509Certificate& certificate, const char* name) {
     if (certificate.empty())
         return {};
     const openssl::ErrorScope scope;
@@ -102,11 +102,11 @@ std::size_t X509Certificate::getKeySize() const {
 }
 
 Bytes X509Certificate::getModulus() const {
-    return getNumber(*this, OSSL_PKEY_PARAM_RSA_N);
+    return numberOfKey(*this, OSSL_PKEY_PARAM_RSA_N);
 }
 
 Bytes X509Certificate::getPublicExponent() const {
-    return getNumber(*this, OSSL_PKEY_PARAM_RSA_E);
+    return numberOfKey(*this, OSSL_PKEY_PARAM_RSA_E);
 }
 
 Bytes X509Certificate::getPublicKey() const {

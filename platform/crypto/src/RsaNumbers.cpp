@@ -14,7 +14,7 @@ using openssl::BnPtr;
 constexpr int MaximalPrimes = 10; // the most that OpenSSL supports
 
 // The arithmetic here can only fail by running out of memory.
-void require(bool done) {
+void requireMemory(bool done) {
     if (!done)
         throw std::bad_alloc();
 }
@@ -30,7 +30,7 @@ public:
           modulus(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_N)),
           publicExponent(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_E)),
           privateExponent(openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_D)), product(secretNumber()) {
-        require(BN_one(product.get()));
+        requireMemory(BN_one(product.get()));
     }
 
     bool holds() {
@@ -42,7 +42,7 @@ public:
                 break;
             if (!isRightPrime(*prime, index))
                 return false;
-            require(BN_mul(product.get(), product.get(), prime.get(), context.get()));
+            requireMemory(BN_mul(product.get(), product.get(), prime.get(), context.get()));
         }
         return BN_cmp(product.get(), modulus.get()) == 0;
     }
@@ -57,7 +57,7 @@ private:
             return false;
         const BnPtr exponent = get("rsa-exponent", index);
         const BnPtr less = secretNumber();
-        require(BN_copy(less.get(), &prime) && BN_sub_word(less.get(), 1));
+        requireMemory(BN_copy(less.get(), &prime) && BN_sub_word(less.get(), 1));
         return exponent && BN_cmp(exponent.get(), &prime) < 0 &&
                isInverse(*publicExponent, *exponent, *less) &&
                isInverse(*publicExponent, *privateExponent, *less) && isRightCoefficient(prime, index);
@@ -77,7 +77,7 @@ private:
 
     bool isInverse(const BIGNUM& number, const BIGNUM& inverse, const BIGNUM& base) const {
         const BnPtr result = secretNumber();
-        require(BN_mod_mul(result.get(), &number, &inverse, &base, context.get()));
+        requireMemory(BN_mod_mul(result.get(), &number, &inverse, &base, context.get()));
         return BN_is_one(result.get());
     }
 

@@ -11,14 +11,14 @@ using openssl::BnPtr;
 // A base that isn't 1 or -1 modulo a proper RSA modulus leads to the primes in half of all cases.
 constexpr int MaximalTries = 40;
 
-BnPtr secretNumber() {
+BnPtr secretConstantTimeNumber() {
     BnPtr number = openssl::made(BnPtr(BN_secure_new()));
     BN_set_flags(number.get(), BN_FLG_CONSTTIME);
     return number;
 }
 
 // The arithmetic here can only fail by running out of memory.
-void require(bool done) {
+void requireDone(bool done) {
     if (!done)
         throw std::bad_alloc();
 }
@@ -27,13 +27,14 @@ class PrimeFinder {
 public:
     PrimeFinder(const BIGNUM& modulus, const BIGNUM& publicExponent, const BIGNUM& privateExponent)
         : modulus(modulus), context(openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()))),
-          montgomery(openssl::made(openssl::MontgomeryPtr(BN_MONT_CTX_new()))), oddPart(secretNumber()) {
-        require(BN_MONT_CTX_set(montgomery.get(), &modulus, context.get()));
-        require(BN_mul(oddPart.get(), &publicExponent, &privateExponent, context.get()));
-        require(BN_sub_word(oddPart.get(), 1));
+          montgomery(openssl::made(openssl::MontgomeryPtr(BN_MONT_CTX_new()))),
+          oddPart(secretConstantTimeNumber()) {
+        requireDone(BN_MONT_CTX_set(montgomery.get(), &modulus, context.get()));
+        requireDone(BN_mul(oddPart.get(), &publicExponent, &privateExponent, context.get()));
+        requireDone(BN_sub_word(oddPart.get(), 1));
         while (!BN_is_zero(oddPart.get()) && !BN_is_bit_set(oddPart.get(), halvings))
             ++halvings;
-        require(BN_rshift(oddPart.get(), oddPart.get(), halvings));
+        requireDone(BN_rshift(oddPart.get(), oddPart.get(), halvings));
     }
 
     /// Finds one prime factor; null if the exponents don't belong together.
@@ -52,18 +53,18 @@ private:
     // Raises a random base to the power of the odd part, and squares the result until it is 1. A square root of 1
     // other than 1 and -1 shares a factor with the modulus. If 1 doesn't come out, the exponents are wrong.
     BnPtr tryOnce(bool& wrong) {
-        BnPtr root = secretNumber();
-        BnPtr square = secretNumber();
-        BnPtr base = secretNumber();
-        require(BN_priv_rand_range_ex(base.get(), &modulus, 0, context.get()));
+        BnPtr root = secretConstantTimeNumber();
+        BnPtr square = secretConstantTimeNumber();
+        BnPtr base = secretConstantTimeNumber();
+        requireDone(BN_priv_rand_range_ex(base.get(), &modulus, 0, context.get()));
         if (BN_is_zero(base.get()) || BN_is_one(base.get()))
             return nullptr;
-        require(BN_mod_exp_mont_consttime(root.get(), base.get(), oddPart.get(), &modulus, context.get(),
-                                          montgomery.get()));
+        requireDone(BN_mod_exp_mont_consttime(root.get(), base.get(), oddPart.get(), &modulus, context.get(),
+                                              montgomery.get()));
         if (BN_is_one(root.get()))
             return nullptr;
         for (int count = 0; count < halvings; ++count) {
-            require(BN_mod_sqr(square.get(), root.get(), &modulus, context.get()));
+            requireDone(BN_mod_sqr(square.get(), root.get(), &modulus, context.get()));
             if (BN_is_one(square.get()))
                 return factorOf(*root);
             root.swap(square);
@@ -73,9 +74,9 @@ private:
     }
 
     BnPtr factorOf(BIGNUM& root) {
-        BnPtr factor = secretNumber();
-        require(BN_sub_word(&root, 1));
-        require(BN_gcd(factor.get(), &root, &modulus, context.get()));
+        BnPtr factor = secretConstantTimeNumber();
+        requireDone(BN_sub_word(&root, 1));
+        requireDone(BN_gcd(factor.get(), &root, &modulus, context.get()));
         // -1 less 1 shares no factor with an odd modulus.
         return BN_is_one(factor.get()) ? nullptr : std::move(factor);
     }
@@ -90,10 +91,10 @@ private:
 /// The remaining numbers of a key whose larger prime is known.
 struct RemainderNumbers {
     RemainderNumbers(const BIGNUM& modulus, const BIGNUM& privateExponent, BnPtr prime)
-        : p(std::move(prime)), q(secretNumber()), dp(secretNumber()), dq(secretNumber()),
-          coefficient(secretNumber()) {
+        : p(std::move(prime)), q(secretConstantTimeNumber()), dp(secretConstantTimeNumber()),
+          dq(secretConstantTimeNumber()), coefficient(secretConstantTimeNumber()) {
         const openssl::BnCtxPtr context = openssl::made(openssl::BnCtxPtr(BN_CTX_secure_new()));
-        require(BN_div(q.get(), nullptr, &modulus, p.get(), context.get()));
+        requireDone(BN_div(q.get(), nullptr, &modulus, p.get(), context.get()));
         if (BN_cmp(p.get(), q.get()) < 0)
             p.swap(q);
         reduce(*dp, privateExponent, *p, *context);
@@ -106,9 +107,9 @@ struct RemainderNumbers {
 
 private:
     static void reduce(BIGNUM& result, const BIGNUM& exponent, const BIGNUM& prime, BN_CTX& context) {
-        const BnPtr less = secretNumber();
-        require(BN_copy(less.get(), &prime) && BN_sub_word(less.get(), 1));
-        require(BN_div(nullptr, &result, &exponent, less.get(), &context));
+        const BnPtr less = secretConstantTimeNumber();
+        requireDone(BN_copy(less.get(), &prime) && BN_sub_word(less.get(), 1));
+        requireDone(BN_div(nullptr, &result, &exponent, less.get(), &context));
     }
 };
 
@@ -135,7 +136,7 @@ openssl::PkeyPtr makePrivateKey(const BIGNUM& modulus, const BIGNUM& publicExpon
         {OSSL_PKEY_PARAM_RSA_COEFFICIENT1, numbers.coefficient.get()},
     };
     for (const auto& [name, number] : parameters)
-        require(OSSL_PARAM_BLD_push_BN(builder.get(), name, number));
+        requireDone(OSSL_PARAM_BLD_push_BN(builder.get(), name, number));
     const openssl::ParamsPtr params =
         openssl::made(openssl::ParamsPtr(OSSL_PARAM_BLD_to_param(builder.get())));
     const openssl::PkeyCtxPtr context =

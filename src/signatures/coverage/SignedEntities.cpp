@@ -16,7 +16,7 @@ namespace {
 
 using Groups = std::vector<SignedRelationships::Group>;
 
-[[noreturn]] void refuse(const std::string& message) {
+[[noreturn]] void refuseSignature(const std::string& message) {
     throw InvalidSignature(message, bedrock::codesigning_verifier::ErrorMap<102>());
 }
 
@@ -24,8 +24,8 @@ using Groups = std::vector<SignedRelationships::Group>;
 void select(const Reference& reference, const RelationshipSource& source, const std::u16string& name,
             SelectableRelationships& selectable, Groups& selected) {
     const auto refuseMissing = [&name](const std::string& what, const std::u16string& criteria) {
-        refuse("Relationship with " + what + " " + toUDEString(criteria) +
-               " referenced to in the signature is not present in the " + toUDEString(name));
+        refuseSignature("Relationship with " + what + " " + toUDEString(criteria) +
+                        " referenced to in the signature is not present in the " + toUDEString(name));
     };
     for (const std::u16string& id : reference.relationshipReferences) {
         if (!source.hasRelationship(id))
@@ -59,20 +59,21 @@ SignedEntities findSignedEntities(const Package& package, const SignatureContent
     for (const Reference& reference : content.manifestReferences) {
         const URI& uri = reference.referenceURI;
         if (uri.isAbsolute() || uri.isOpaque() || isSameDocumentReference(uri))
-            refuse("URI referenced to in the manifest reference should not be an external reference or a "
-                   "same-document reference.");
+            refuseSignature(
+                "URI referenced to in the manifest reference should not be an external reference or a "
+                "same-document reference.");
         const PartName name(uri.getPath());
         if (name.isRelationshipName()) {
             selectRelationships(package, reference, name, parts, selectable, selected);
             continue;
         }
         if (parts.find(name) == nullptr)
-            refuse("Part referenced to by the signature is not present in the package." +
-                   toUDEString(uri.getPath()));
+            refuseSignature("Part referenced to by the signature is not present in the package." +
+                            toUDEString(uri.getPath()));
         // It would be digested only as relationships, and not as a part.
         if (reference.selectsRelationships())
-            refuse("The signature selects relationships from a part that holds none: " +
-                   toUDEString(uri.getPath()));
+            refuseSignature("The signature selects relationships from a part that holds none: " +
+                            toUDEString(uri.getPath()));
         found.partNames.push_back(name);
     }
     found.relationships = selectable.share(std::move(selected));

@@ -103,7 +103,7 @@ bool RelationshipsText::compose(const std::vector<Entry>& entries, std::string& 
         xml.addAttribute(TARGET, entry.values->target);
         if (entry.values->targetMode == TargetMode::External)
             xml.addAttribute(TARGET_MODE, EXTERNAL);
-        xml.addAttribute(TYPE, entry.values->type);
+        xml.addAttribute(vocabulary::relationships::TYPE, entry.values->type);
         xml << "/>";
     }
     xml << "</" << RELATIONSHIPS << ">";
@@ -116,7 +116,7 @@ std::string RelationshipsText::serialize(const std::vector<Entry>& entries) {
     for (const Entry& entry : entries) {
         document->open({}, RELATIONSHIP);
         document->setAttribute(ID, entry.values->id);
-        document->setAttribute(TYPE, entry.values->type);
+        document->setAttribute(vocabulary::relationships::TYPE, entry.values->type);
         document->setAttribute(TARGET, entry.values->target);
         if (entry.values->targetMode == TargetMode::External)
             document->setAttribute(TARGET_MODE, EXTERNAL);

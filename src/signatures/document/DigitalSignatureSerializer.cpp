@@ -24,11 +24,12 @@ using bedrock::certificates::X509CertificateChain;
 using bedrock::crypto::utils::base64Decode;
 
 /// A larger document goes to the parser at once, so that it isn't kept in memory as a whole.
-constexpr std::size_t LARGEST_SCANNED = 1U << 28;
+constexpr std::size_t LARGEST_SCANNED_SIGNATURE = 1U << 28;
 
 /// The text of an object as in the parser's document: it declares the namespace that it gets from its parent.
 std::u16string withNamespaceDeclaration(std::string_view object) {
-    static constexpr auto DECLARATION = " " + attribute::XMLNS + "=\"" + NAMESPACE + "\"";
+    static constexpr auto DECLARATION =
+        " " + attribute::XMLNS + "=\"" + vocabulary::signatures::NAMESPACE + "\"";
     constexpr std::u16string_view declaration = DECLARATION.wide();
     const auto* const place = object.begin() + object.find(' ');
     std::u16string text(object.size() + declaration.size(), u'\0');
@@ -41,7 +42,7 @@ std::u16string withNamespaceDeclaration(std::string_view object) {
 void takeScannedValueAndKey(const ScannedSignature& scanned, SignatureRecord& data) {
     data.m_signatureValueInXML = widen(scanned.signatureValue);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
-    data.m_namespace = NAMESPACE.text();
+    data.m_namespace = vocabulary::signatures::NAMESPACE.text();
     if (!scanned.modulus.empty())
         setKeyValue({0, widen(scanned.modulus), widen(scanned.exponent)}, data);
     if (scanned.certificates.empty())
@@ -91,7 +92,7 @@ void DigitalSignatureSerializer::readSignature(InputStream& stream, SignatureRec
         takeScanned(scanned, data);
         return true;
     };
-    scanOrParse(stream, buffer, LARGEST_SCANNED, scan,
+    scanOrParse(stream, buffer, LARGEST_SCANNED_SIGNATURE, scan,
                 [&](InputStream& document) { xml().parse(document, data); });
 }
 

@@ -31,7 +31,7 @@ public:
         xml << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)";
         begin(element::SIGNATURE);
         xml.addAttribute(attribute::ID, SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
-        xml.addAttribute(attribute::XMLNS, NAMESPACE);
+        xml.addAttribute(attribute::XMLNS, vocabulary::signatures::NAMESPACE);
         xml << ">";
         addSignedInfo(data);
         addTextElement(element::SIGNATURE_VALUE, data.m_signatureValueInXML);
@@ -43,7 +43,7 @@ public:
 
     void addSignedInfo(const SignatureRecord& data) {
         begin(element::SIGNED_INFO);
-        xml.addAttribute(attribute::XMLNS, NAMESPACE);
+        xml.addAttribute(attribute::XMLNS, vocabulary::signatures::NAMESPACE);
         xml << ">";
         addAlgorithm(element::CANONICALIZATION_METHOD, data.m_canonicalizationMethod);
         addAlgorithm(element::SIGNATURE_METHOD, data.m_signatureMethod);

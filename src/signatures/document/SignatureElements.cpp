@@ -101,7 +101,7 @@ OwnedDocument buildSignedInfo(const SignatureRecord& record) {
                                    record.m_canonicalizationMethod);
         appendElementWithAttribute(signedInfo, names.signatureMethod, names.algorithm,
                                    record.m_signatureMethod);
-        XercesHelper::setElementAttribute(signedInfo, names.xmlns, NAMESPACE.text());
+        XercesHelper::setElementAttribute(signedInfo, names.xmlns, vocabulary::signatures::NAMESPACE.text());
         appendReferences(signedInfo, record.m_content.signedInfoReferences);
         return document;
     });

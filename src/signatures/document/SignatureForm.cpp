@@ -163,7 +163,7 @@ private:
         const Text space = toText(element->getNamespaceURI());
         return {element,
                 toText(element->getLocalName()),
-                space == NAMESPACE,
+                space == vocabulary::signatures::NAMESPACE,
                 space == PACKAGE_NAMESPACE,
                 !toText(element->getPrefix()).empty(),
                 indexed.end()};

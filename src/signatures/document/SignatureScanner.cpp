@@ -115,7 +115,8 @@ constexpr Tags TRANSFORMS(element::TRANSFORMS);
 constexpr Tags DIGEST_VALUE(element::DIGEST_VALUE);
 
 constexpr auto DECLARATION = XmlText(R"(<?xml version="1.0" encoding="UTF-8" standalone="yes" ?>)");
-constexpr auto NAMESPACE_DECLARATION = startOfValue(attribute::XMLNS) + NAMESPACE + "\">";
+constexpr auto NAMESPACE_DECLARATION =
+    startOfValue(attribute::XMLNS) + vocabulary::signatures::NAMESPACE + "\">";
 constexpr auto SIGNATURE_START = "<" + element::SIGNATURE;
 constexpr auto SIGNATURE_END = endOf(element::SIGNATURE);
 constexpr auto ID_VALUE = startOfValue(attribute::ID);
@@ -154,9 +155,9 @@ constexpr auto OBJECT_END =
     endOf(element::SIGNATURE_PROPERTY) + endOf(element::SIGNATURE_PROPERTIES) + endOf(element::OBJECT);
 
 /// Scans the document once. If an operation didn't take a required piece, the document isn't recognised.
-class Scan {
+class SignatureScan {
 public:
-    Scan(std::string_view document, ScannedSignature& found) : reader(document), found(found) {}
+    SignatureScan(std::string_view document, ScannedSignature& found) : reader(document), found(found) {}
 
     bool takeDocument() { return reader.take(DECLARATION) && takeSignature() && reader.atEnd(); }
 
@@ -304,7 +305,7 @@ private:
 
 bool scanSignature(std::string_view document, ScannedSignature& found) {
     found = ScannedSignature();
-    return Scan(document, found).takeDocument();
+    return SignatureScan(document, found).takeDocument();
 }
 
 } // namespace opc::model

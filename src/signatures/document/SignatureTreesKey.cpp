@@ -24,7 +24,7 @@ using bedrock::crypto::utils::base64Decode;
 void SignatureTrees::readValueAndKey(const IndexedElement& root, SignatureRecord& data) const {
     getRequiredElementText(root, names.signatureValue, data.m_signatureValueInXML, names.noNamespace);
     data.m_signatureValue = base64Decode(data.m_signatureValueInXML);
-    data.m_namespace = NAMESPACE.text();
+    data.m_namespace = vocabulary::signatures::NAMESPACE.text();
     XercesHelper::getElementAttribute(root, names.xmlns, data.m_namespace);
 
     const auto keyInfo = root.getElement(names.keyInfo);

@@ -63,7 +63,7 @@ void SignatureTrees::serialize(const SignatureRecord& data, OutputStream& stream
     document->setXmlStandalone(true);
     DOMElement* const root = XercesHelper::appendElement(document.get(), names.signature);
     XercesHelper::setElementAttribute(root, names.id, SIGNATURE_ID_PREFIX.text() + data.m_signatureId);
-    XercesHelper::setElementAttribute(root, names.xmlns, NAMESPACE.text());
+    XercesHelper::setElementAttribute(root, names.xmlns, vocabulary::signatures::NAMESPACE.text());
     appendCopy(root, *buildSignedInfo(data));
     appendTextElement(root, names.signatureValue, data.m_signatureValueInXML);
     if (data.m_keyValue || data.m_certificate)

@@ -98,7 +98,7 @@ void DigitalSignatureData::checkKeys(const Bytes& privateKey, const Bytes& publi
 }
 
 void DigitalSignatureData::buildContent(const DataToSign& data) {
-    m_namespace = NAMESPACE.text();
+    m_namespace = vocabulary::signatures::NAMESPACE.text();
     m_canonicalizationMethod = AlgorithmURIMap::getAlgorithmURI(AlgorithmTag::TagC14N);
     m_signatureMethod = AlgorithmURIMap::getAlgorithmURI(m_signatureParams.getDigestMethod(),
                                                          m_signatureParams.getSignatureMethod());

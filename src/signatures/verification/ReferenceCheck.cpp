@@ -26,7 +26,7 @@ using bedrock::crypto::utils::base64Encode;
 /// The digested text of an object: everything except the namespace declaration that its tag gets from its parent in
 /// reading. The serialiser puts that first, followed by a blank, because an object has an `Id`.
 SignedText digestedText(std::u16string_view text) {
-    static constexpr auto DECLARATION = attribute::XMLNS + "=\"" + NAMESPACE + "\" ";
+    static constexpr auto DECLARATION = attribute::XMLNS + "=\"" + vocabulary::signatures::NAMESPACE + "\" ";
     constexpr std::u16string_view declaration = DECLARATION;
     const std::size_t found = text.substr(0, text.find(u'>')).find(declaration);
     if (found == std::u16string_view::npos)

@@ -29,7 +29,7 @@ std::string reasonOf(const DigitalSignatureVerificationStatus& status) {
         .getValidationErrorString();
 }
 
-std::string describe(const WeakAlgorithm& weak) {
+std::string describeWeakness(const WeakAlgorithm& weak) {
     switch (weak.place) {
     case WeakAlgorithm::Place::Key:
         return weak.algorithm + " key of " + weak.name;
@@ -45,7 +45,7 @@ std::vector<std::string> weaknessesOf(const DigitalSignatureVerificationStatus& 
     std::vector<std::string> texts;
     const auto results = status.getCodesigningVerificationStatus().getCertificateValidationResults();
     for (const WeakAlgorithm& weak : results.getWeakAlgorithms())
-        texts.push_back(describe(weak));
+        texts.push_back(describeWeakness(weak));
     return texts;
 }
 

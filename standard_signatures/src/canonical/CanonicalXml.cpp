@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::string_view XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
 
-using Kind = XmlTreeNode::Kind;
+using NodeKind = XmlTreeNode::Kind;
 using Version = CanonicalForm::Version;
 
 /// Names of a relative form have no canonical form (Canonical XML 1.0 section 1.3).
@@ -112,7 +112,7 @@ private:
         if (node.firstChild != nullptr)
             return node.firstChild;
         for (const XmlTreeNode* at = &node;; at = at->parent) {
-            if (at->kind == Kind::Element)
+            if (at->kind == NodeKind::Element)
                 end(*at);
             if (at == &apex || at->next != nullptr)
                 return at == &apex ? nullptr : at->next;
@@ -121,17 +121,17 @@ private:
 
     void begin(const XmlTreeNode& node) {
         switch (node.kind) {
-        case Kind::Element:
+        case NodeKind::Element:
             beginElement(node);
             break;
-        case Kind::Text:
+        case NodeKind::Text:
             append(text, node.text, "&<>\r");
             break;
-        case Kind::Comment:
+        case NodeKind::Comment:
             if (form.withComments)
                 text.append("<!--").append(node.text).append("-->");
             break;
-        case Kind::Instruction:
+        case NodeKind::Instruction:
             text.append("<?").append(node.name);
             if (!node.text.empty())
                 text.append(" ").append(node.text);

@@ -16,7 +16,7 @@ namespace opc::standard_signatures {
 
 namespace {
 
-[[noreturn]] void refuse(const std::string& reason) {
+[[noreturn]] void refuseDocument(const std::string& reason) {
     throw model::InvalidXMLDocument(reason);
 }
 
@@ -33,7 +33,7 @@ public:
         const std::uint64_t got = stream.read(buffer, count);
         taken += got;
         if (taken > most)
-            refuse("The document is longer than " + std::to_string(most) + " bytes");
+            refuseDocument("The document is longer than " + std::to_string(most) + " bytes");
         return got;
     }
     bool isDone() const override { return stream.isDone(); }
@@ -102,16 +102,16 @@ public:
 
     void onVersion(std::u16string_view version) override {
         if (version != u"1.0")
-            refuse("The document isn't one of XML 1.0");
+            refuseDocument("The document isn't one of XML 1.0");
     }
     void onDeclaration(std::u16string_view encoding) override {
         if (!isEncodingOfPackages(encoding))
-            refuse("The document is neither in UTF-8 nor in UTF-16");
+            refuseDocument("The document is neither in UTF-8 nor in UTF-16");
     }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         if (open.size() >= limits.depth)
-            refuse("Elements are nested deeper than " + std::to_string(limits.depth));
+            refuseDocument("Elements are nested deeper than " + std::to_string(limits.depth));
         count(element.attributeCount() + element.declarationCount());
         XmlTreeNode& node = append(XmlTreeNode::Kind::Element);
         node.name = tree.memory->keepName(element.localName());
@@ -142,7 +142,7 @@ private:
     void count(std::uint64_t more) {
         nodes += more;
         if (nodes > limits.nodes)
-            refuse("The document has more than " + std::to_string(limits.nodes) + " nodes");
+            refuseDocument("The document has more than " + std::to_string(limits.nodes) + " nodes");
     }
 
     XmlTreeNode& append(XmlTreeNode::Kind kind) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
 
-[[noreturn]] void refuse(const std::string& text) {
+[[noreturn]] void refuseTypes(const std::string& text) {
     throw Refusal(Reason::Code::ContentTypeChanged, "[Content_Types].xml", text);
 }
 
@@ -30,11 +30,11 @@ public:
 
     void onVersion(std::u16string_view version) override {
         if (version != u"1.0")
-            refuse("The content types aren't a document of XML 1.0");
+            refuseTypes("The content types aren't a document of XML 1.0");
     }
     void onDeclaration(std::u16string_view encoding) override {
         if (!isEncodingOfPackages(encoding))
-            refuse("The content types are neither in UTF-8 nor in UTF-16");
+            refuseTypes("The content types are neither in UTF-8 nor in UTF-16");
     }
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const bool isDefault = element.localName() == u"Default";
@@ -42,11 +42,12 @@ public:
             element.namespaceURI() == NAMESPACE &&
             (depth == 0 ? element.localName() == u"Types" : isDefault || element.localName() == u"Override");
         if (!isKnown || depth > 1)
-            refuse("The element " + narrow(element.localName()) + " doesn't belong into the content types");
+            refuseTypes("The element " + inUTF8(element.localName()) +
+                        " doesn't belong into the content types");
         if (depth == 1)
             add(element, isDefault ? u"Extension" : u"PartName", isDefault);
         else if (element.attributeCount() != 0)
-            refuse("The root element of the content types has an attribute");
+            refuseTypes("The root element of the content types has an attribute");
         ++depth;
     }
     void onEnd() override { --depth; }
@@ -56,13 +57,14 @@ private:
         const std::u16string_view key = element.valueOf({}, keyName);
         const std::u16string_view type = element.valueOf({}, u"ContentType");
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
-            refuse("An entry of the content types has other attributes than it must");
-        const std::string written = narrow(key);
+            refuseTypes("An entry of the content types has other attributes than it must");
+        const std::string written = inUTF8(key);
         if (isDefault ? !isExtension(written) : !isPlainPartName(written))
-            refuse("\"" + written + (isDefault ? "\" isn't an extension" : "\" isn't the name of a part"));
+            refuseTypes("\"" + written +
+                        (isDefault ? "\" isn't an extension" : "\" isn't the name of a part"));
         const std::string name = keyOf(decodePartName(written));
-        if (!(isDefault ? types.defaults : types.overrides).emplace(name, narrow(type)).second)
-            refuse("Two content types are given for " + name);
+        if (!(isDefault ? types.defaults : types.overrides).emplace(name, inUTF8(type)).second)
+            refuseTypes("Two content types are given for " + name);
     }
 
     ContentTypes& types;

@@ -36,7 +36,7 @@ Reason at(const StoredPart& part, Reason reason) {
     return reason;
 }
 
-std::string textOf(const Exception& failure) {
+std::string failureText(const Exception& failure) {
     const std::string details = failure.details();
     return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
 }
@@ -81,7 +81,7 @@ void PackageContents::readContentTypes(interfaces::IPhysicalPackage& store) {
     } catch (const Refusal& refusal) {
         typesFailure = refusal.reason();
     } catch (const Exception& failure) {
-        typesFailure = {Reason::Code::PartUnreadable, "[Content_Types].xml", textOf(failure)};
+        typesFailure = {Reason::Code::PartUnreadable, "[Content_Types].xml", failureText(failure)};
     }
 }
 
@@ -104,9 +104,9 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
     } catch (const Refusal& refusal) {
         outcome = at(part, refusal.reason());
     } catch (const model::InvalidXMLDocument& failure) {
-        outcome = Reason{Reason::Code::RelationshipsRefused, part.name, textOf(failure)};
+        outcome = Reason{Reason::Code::RelationshipsRefused, part.name, failureText(failure)};
     } catch (const Exception& failure) {
-        outcome = Reason{Reason::Code::PartUnreadable, part.name, textOf(failure)};
+        outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }
     return valueOf(known->relationships.emplace(&part, std::move(outcome)).first->second);
 }
@@ -121,7 +121,7 @@ const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part
     try {
         outcome = digestOf(*open(part), method);
     } catch (const Exception& failure) {
-        outcome = Reason{Reason::Code::PartUnreadable, part.name, textOf(failure)};
+        outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }
     return valueOf(known->digests.emplace(key, std::move(outcome)).first->second);
 }

@@ -8,7 +8,7 @@ namespace opc::standard_signatures {
 
 namespace {
 
-using Kind = Unsigned::Kind;
+using GapKind = Unsigned::Kind;
 
 class Comparison {
 public:
@@ -20,9 +20,9 @@ public:
         compareRelationships();
         compareMainDocument();
         for (const interfaces::IgnoredItem& item : package.ignoredItems())
-            addGap({Kind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
+            addGap({GapKind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
         for (const Reason& reason : map.unreadable())
-            addGap({Kind::Part, reason.place, {}, {}, "its relationships can't be told: " + reason.text});
+            addGap({GapKind::Part, reason.place, {}, {}, "its relationships can't be told: " + reason.text});
         return std::move(answer);
     }
 
@@ -40,19 +40,19 @@ private:
     void compareParts() {
         for (const StoredPart& part : package.parts()) {
             if (part.isAmbiguous)
-                addGap({Kind::Item, part.name, {}, {}, "there is more than one part with this name"});
+                addGap({GapKind::Item, part.name, {}, {}, "there is more than one part with this name"});
             if (!part.contentType)
-                addGap({Kind::Item, part.name, {}, {}, "it has no content type"});
+                addGap({GapKind::Item, part.name, {}, {}, "it has no content type"});
             if (part.source)
                 continue;
             if (contents.parts.count(&part) != 0) {
                 ++answer.signedParts;
                 if (contents.contentTypes.count(&part) == 0)
-                    addGap({Kind::ContentType, part.name, {}, {}, "its content type isn't signed"});
+                    addGap({GapKind::ContentType, part.name, {}, {}, "its content type isn't signed"});
             } else if (!map.isExempt(part)) {
-                addGap({Kind::Part, part.name, {}, {}, "its content isn't signed"});
+                addGap({GapKind::Part, part.name, {}, {}, "its content isn't signed"});
             } else if (!map.isOfSignatures(part)) {
-                addByCustom({Kind::Part, part.name, {}, {}, "its content isn't signed, by custom"});
+                addByCustom({GapKind::Part, part.name, {}, {}, "its content isn't signed, by custom"});
             }
         }
     }
@@ -64,11 +64,11 @@ private:
                 ++answer.signedRelationships;
                 answer.externalTargets += values.isExternal ? 1 : 0;
             } else if (one.role == RelationshipRole::Content) {
-                addGap({Kind::Relationship, *one.document->source, values.id, values.type,
+                addGap({GapKind::Relationship, *one.document->source, values.id, values.type,
                         values.isExternal ? "the relationship isn't signed, and leads out of the package"
                                           : "the relationship isn't signed"});
             } else if (one.role == RelationshipRole::LeftOutByCustom) {
-                addByCustom({Kind::Relationship, *one.document->source, values.id, values.type,
+                addByCustom({GapKind::Relationship, *one.document->source, values.id, values.type,
                              "the relationship isn't signed, by custom"});
             }
         }
@@ -80,9 +80,10 @@ private:
         const auto isMain = [](const MappedRelationship& one) { return one.isMain; };
         const auto count = std::count_if(all.begin(), all.end(), isMain);
         if (count > 1)
-            addGap({Kind::MainDocument, "/", {}, {}, "more than one relationship leads to a main document"});
+            addGap(
+                {GapKind::MainDocument, "/", {}, {}, "more than one relationship leads to a main document"});
         else if (count == 1 && std::find_if(all.begin(), all.end(), isMain)->target == nullptr)
-            addGap({Kind::MainDocument, "/", {}, {}, "the main document is missing"});
+            addGap({GapKind::MainDocument, "/", {}, {}, "the main document is missing"});
     }
 
     const SignedContents& contents;

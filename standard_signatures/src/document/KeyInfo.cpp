@@ -13,7 +13,7 @@ namespace {
 
 using Code = Reason::Code;
 
-constexpr std::size_t MOST_CERTIFICATES = 100;
+constexpr std::size_t MOST_KEY_CERTIFICATES = 100;
 
 struct NamedCurve {
     std::string_view uri;
@@ -58,7 +58,7 @@ void readCertificates(const XmlTreeNode& data, StatedKeys& keys) {
     for (const XmlTreeNode* one = firstChildElement(data); one != nullptr; one = nextElement(*one)) {
         if (!one->is(vocabulary::SIGNATURE, "X509Certificate"))
             continue;
-        if (keys.certificates.size() >= MOST_CERTIFICATES)
+        if (keys.certificates.size() >= MOST_KEY_CERTIFICATES)
             throw Refusal(Code::BeyondLimit, "", "The signature has too many certificates");
         keys.certificates.push_back(bytesOf(*one));
     }
@@ -73,7 +73,7 @@ StatedKeys readKeyInfo(const XmlTreeNode& keyInfo) {
             readCertificates(*one, keys);
         else if (one->is(vocabulary::SIGNATURE, "KeyValue"))
             keys.keys.push_back(readKeyValue(*one));
-        if (keys.keys.size() > MOST_CERTIFICATES)
+        if (keys.keys.size() > MOST_KEY_CERTIFICATES)
             throw Refusal(Code::BeyondLimit, "", "The signature has too many keys");
     }
     return keys;

@@ -12,7 +12,7 @@ namespace {
 
 using Code = Reason::Code;
 
-constexpr std::size_t MOST_CERTIFICATES = 100;
+constexpr std::size_t MOST_SIGNER_CERTIFICATES = 100;
 
 /// Calls `visit` for each child of XAdES with this name.
 template <typename Visitor>
@@ -47,7 +47,7 @@ void readSignerCertificate(const XmlTreeNode& signingCertificate, SignatureDocum
             ChildElements children(digest);
             const XmlTreeNode& method = children.require("DigestMethod");
             document.signerCertificates.push_back(readStatedDigest(method, children.require("DigestValue")));
-            if (document.signerCertificates.size() > MOST_CERTIFICATES)
+            if (document.signerCertificates.size() > MOST_SIGNER_CERTIFICATES)
                 throw Refusal(Code::BeyondLimit, "", "The signature names too many certificates");
         });
     });

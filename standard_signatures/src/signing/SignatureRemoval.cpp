@@ -18,7 +18,7 @@ namespace {
 using model::Package;
 using model::PartName;
 
-PartName nameOf(const StoredPart& part) {
+PartName removedName(const StoredPart& part) {
     return PartName(part.physical->getName());
 }
 
@@ -55,17 +55,17 @@ public:
             const std::u16string id = toString(one->values->id, true);
             if (const StoredPart* const source = map.sourceOf(*one); source == nullptr)
                 package.deleteRelationship(id);
-            else if (package.hasPart(nameOf(*source)))
-                package.getPart(nameOf(*source)).deleteRelationship(id);
+            else if (package.hasPart(removedName(*source)))
+                package.getPart(removedName(*source)).deleteRelationship(id);
         }
         for (const MappedRelationship& one : map.relationships())
-            if (isCertificateThatGoes(one) && package.hasPart(nameOf(*one.target)))
-                package.deletePart(nameOf(*one.target));
+            if (isCertificateThatGoes(one) && package.hasPart(removedName(*one.target)))
+                package.deletePart(removedName(*one.target));
         for (const StoredPart* const signature : leaving)
             if (map.isExempt(*signature)) // a relationship can also say of content that it were a signature
-                package.deletePart(nameOf(*signature));
+                package.deletePart(removedName(*signature));
         if (areAll && map.origin() != nullptr && map.isExempt(*map.origin()))
-            package.deletePart(nameOf(*map.origin()));
+            package.deletePart(removedName(*map.origin()));
     }
 
 private:

@@ -13,7 +13,7 @@ namespace opc::standard_signatures {
 
 namespace {
 
-[[noreturn]] void refuse(const std::string& reason) {
+[[noreturn]] void refuseRelationships(const std::string& reason) {
     throw Refusal(Reason::Code::RelationshipsRefused, "", reason);
 }
 
@@ -23,23 +23,23 @@ public:
 
     void onVersion(std::u16string_view version) override {
         if (version != u"1.0")
-            refuse("The document isn't one of XML 1.0");
+            refuseRelationships("The document isn't one of XML 1.0");
     }
     void onDeclaration(std::u16string_view encoding) override {
         if (!isEncodingOfPackages(encoding))
-            refuse("The document is neither in UTF-8 nor in UTF-16");
+            refuseRelationships("The document is neither in UTF-8 nor in UTF-16");
     }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const std::u16string_view expected = depth == 0 ? u"Relationships" : u"Relationship";
         if (depth > 1 || element.localName() != expected ||
             !isText(element.namespaceURI(), RELATIONSHIPS_NAMESPACE))
-            refuse("The element " + narrow(element.localName()) + " doesn't belong there");
+            refuseRelationships("The element " + narrow(element.localName()) + " doesn't belong there");
         ++depth;
         if (depth == 2)
             add(element);
         else if (element.attributeCount() != 0)
-            refuse("The root element has an attribute");
+            refuseRelationships("The root element has an attribute");
     }
     void onEnd() override { --depth; }
 
@@ -54,7 +54,7 @@ private:
         for (std::size_t i = 0; i < element.attributeCount(); ++i)
             found |= take(element.attribute(i), values);
         if ((found & ALL_REQUIRED) != ALL_REQUIRED)
-            refuse("A relationship has no Id, Type or Target");
+            refuseRelationships("A relationship has no Id, Type or Target");
         document.relationships.push_back(std::move(values));
     }
 
@@ -71,8 +71,8 @@ private:
         else if (name == u"TargetMode" && (value == u"External" || value == u"Internal"))
             values.isExternal = value == u"External";
         else
-            refuse("A relationship has the attribute " + narrow(attribute.localName) + " with the value \"" +
-                   narrow(value) + "\"");
+            refuseRelationships("A relationship has the attribute " + narrow(attribute.localName) +
+                                " with the value \"" + narrow(value) + "\"");
         return name == u"Id" ? 1 : name == u"Type" ? 2 : name == u"Target" ? 4 : 0;
     }
 
@@ -83,9 +83,9 @@ private:
 };
 
 /// Counts what is read.
-class BoundedStream final : public InputStream {
+class LimitedDocument final : public InputStream {
 public:
-    explicit BoundedStream(InputStream& stream) : stream(stream) {}
+    explicit LimitedDocument(InputStream& stream) : stream(stream) {}
 
     void open() override {
         stream.open();
@@ -111,7 +111,7 @@ private:
 RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
     RelationshipsDocument document;
     Reader reader(document);
-    BoundedStream bounded(stream);
+    LimitedDocument bounded(stream);
     model::readXmlDocument(bounded, reader);
     auto& all = document.relationships;
     std::sort(all.begin(), all.end(), [](const RelationshipValues& left, const RelationshipValues& right) {
@@ -121,7 +121,7 @@ RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
         all.begin(), all.end(),
         [](const RelationshipValues& left, const RelationshipValues& right) { return left.id == right.id; });
     if (twin != all.end())
-        refuse("Two relationships have the Id " + twin->id);
+        refuseRelationships("Two relationships have the Id " + twin->id);
     return document;
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 using namespace bedrock::certificates;
 using Evidence = TrustAnswer::Evidence;
-using Status = TrustAnswer::Status;
+using TrustStatus = TrustAnswer::Status;
 using TimeFrom = TrustAnswer::TimeFrom;
 
 CertificateValidationOptions makeOptions(const VerificationPolicy& policy) {
@@ -80,11 +80,11 @@ TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsi
     answer.signer = certificate;
     answer.evidence = findKnown(key, certificate, policy);
     if (answer.evidence != Evidence::None) {
-        answer.status = Status::Trusted;
+        answer.status = TrustStatus::Trusted;
         return answer;
     }
     if (certificate.empty()) {
-        answer.status = Status::Unknown;
+        answer.status = TrustStatus::Unknown;
         answer.reason = "The signature has a key and no certificate";
         return answer;
     }
@@ -101,7 +101,7 @@ TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsi
     const CertificateValidationResults results =
         certificate.validateCertificate(chain, options, policy.trust->roots);
     const bool isGood = results.getCertificateChainStatus() == CertificateChainStatus::Good;
-    answer.status = isGood ? Status::Trusted : Status::NotTrusted;
+    answer.status = isGood ? TrustStatus::Trusted : TrustStatus::NotTrusted;
     answer.evidence = isGood ? Evidence::Chain : Evidence::None;
     answer.reason = isGood ? std::string() : results.getValidationErrorString();
     return answer;

@@ -27,12 +27,12 @@ constexpr std::size_t MOST_SIGNATURES = 100;
 constexpr std::size_t MOST_CERTIFICATES = 100; ///< of a signature
 constexpr std::size_t MOST_CERTIFICATE_BYTES = 65536;
 
-std::string shortName(const std::string& partName) {
+std::string nameOfSignature(const std::string& partName) {
     const std::string segment = partName.substr(partName.rfind('/') + 1);
     return segment.substr(0, segment.rfind('.'));
 }
 
-std::string textOf(const Exception& failure) {
+std::string messageOf(const Exception& failure) {
     const std::string details = failure.details();
     return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
 }
@@ -154,16 +154,16 @@ private:
     VerifiedSignature verify(const StoredPart& part) {
         VerifiedSignature signature;
         signature.part = part.name;
-        signature.name = shortName(part.name);
+        signature.name = nameOfSignature(part.name);
         SignedContents& ofSignature = signedContents.emplace_back();
         try {
             check(part, signature, ofSignature);
         } catch (const Refusal& refusal) {
             addBreak(signature, refusal.reason().code, refusal.reason().text);
         } catch (const model::InvalidXMLDocument& failure) {
-            addBreak(signature, Code::Malformed, textOf(failure));
+            addBreak(signature, Code::Malformed, messageOf(failure));
         } catch (const Exception& failure) {
-            addBreak(signature, Code::PartUnreadable, textOf(failure));
+            addBreak(signature, Code::PartUnreadable, messageOf(failure));
         }
         signature.coverage = computeCoverage(ofSignature, contents, map);
         const auto status = signature.cryptography.status;

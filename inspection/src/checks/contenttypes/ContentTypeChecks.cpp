@@ -20,8 +20,7 @@ namespace opc::inspection {
 namespace {
 
 constexpr std::string_view CONTENT_TYPES = "[Content_Types].xml";
-constexpr std::string_view CONTENT_TYPES_KEY = "/%5bcontent_types%5d.xml";
-constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
+constexpr std::string_view TYPES_NAMESPACE = "http://schemas.openxmlformats.org/package/2006/content-types";
 
 /// Checks the entries one by one, and what they cover.
 class ContentTypeChecks {
@@ -36,7 +35,7 @@ public:
         checkItems();
         if (document.item == nullptr)
             return;
-        const bool isRead = checkDocument(document, place, NAMESPACE, "Types", findings);
+        const bool isRead = checkDocument(document, place, TYPES_NAMESPACE, "Types", findings);
         checkForm(document, place, findings);
         if (document.usesMarkupCompatibility)
             findings.add("M2.10", place, "The content types stream uses markup compatibility");

@@ -7,8 +7,9 @@
 
 namespace opc::inspection {
 
-constexpr std::string_view RELATIONSHIPS_TYPE = "application/vnd.openxmlformats-package.relationships+xml";
-constexpr std::string_view CORE_PROPERTIES_TYPE =
+inline constexpr std::string_view RELATIONSHIPS_TYPE =
+    "application/vnd.openxmlformats-package.relationships+xml";
+inline constexpr std::string_view CORE_PROPERTIES_TYPE =
     "application/vnd.openxmlformats-package.core-properties+xml";
 
 struct TypeDefect {

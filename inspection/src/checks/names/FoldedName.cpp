@@ -59,7 +59,7 @@ char16_t toLower(char16_t c) {
 
 std::u16string foldedName(const std::string& name) {
     std::u16string folded;
-    for (const char16_t c : toString(name, true)) {
+    for (const char16_t c : opc::toString(name, true)) {
         const std::size_t place = c >= FIRST ? c - FIRST : LETTERS.size();
         if (const char16_t* const folding = foldingOf(c)) {
             folded += folding;

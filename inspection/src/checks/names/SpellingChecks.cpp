@@ -31,7 +31,7 @@ bool isPlain(char c) {
     return isUnreserved(c) || string_view("!$&'()*+,;=:@").find(c) != string_view::npos;
 }
 
-std::string describe(char c) {
+std::string describeCharacter(char c) {
     constexpr string_view DIGITS = "0123456789ABCDEF";
     const auto byte = static_cast<unsigned char>(c);
     if (c == ' ')
@@ -171,7 +171,7 @@ void SpellingCheck::checkCharacters(string_view segment) {
         if (segment[i] == '%')
             checkEncoded(segment.substr(i + 1));
         else if (isASCII(segment[i]) && !isPlain(segment[i]) && segment[i] != '\0')
-            error("M1.6", "The part name has " + describe(segment[i]));
+            error("M1.6", "The part name has " + describeCharacter(segment[i]));
     }
 }
 

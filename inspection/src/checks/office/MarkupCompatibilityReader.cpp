@@ -36,7 +36,7 @@ std::u16string_view prefixOf(std::u16string_view name) {
     return colon == std::u16string_view::npos ? std::u16string_view() : name.substr(0, colon);
 }
 
-const char* nameOf(bool isAlternateContent, bool isChoice) {
+const char* elementName(bool isAlternateContent, bool isChoice) {
     return isAlternateContent ? "AlternateContent" : isChoice ? "Choice" : "Fallback";
 }
 
@@ -196,7 +196,7 @@ void MarkupCompatibilityReader::checkRole(const model::XmlElement& element, Role
 }
 
 void MarkupCompatibilityReader::checkRoleAttributes(const model::XmlElement& element, Role role) {
-    const std::string name = nameOf(role == Role::AlternateContent, role == Role::Choice);
+    const std::string name = elementName(role == Role::AlternateContent, role == Role::Choice);
     bool hasRequires = false;
     for (std::size_t i = 0; i < element.attributeCount(); ++i) {
         const model::XmlAttribute attribute = element.attribute(i);

@@ -21,7 +21,7 @@ bool isInPieces(const PartView& part) {
     return !part.items.empty() && part.items.front()->kind == ItemKind::Piece;
 }
 
-void checkPieces(const Subject& subject, Findings& findings) {
+void checkPiecesAreUnused(const Subject& subject, Findings& findings) {
     if (!isOfficeFormat(subject.format()) ||
         std::none_of(subject.parts().begin(), subject.parts().end(), isInPieces))
         return;
@@ -87,7 +87,7 @@ void checkMainPart(const Subject& subject, Findings& findings) {
 } // namespace
 
 void checkOffice(const Subject& subject, Findings& findings) {
-    checkPieces(subject, findings);
+    checkPiecesAreUnused(subject, findings);
     checkMainPart(subject, findings);
 }
 

@@ -58,7 +58,7 @@ private:
     }
 };
 
-Place placeOf(const PartView& part) {
+Place placeOfPart(const PartView& part) {
     Place place;
     place.part = part.name;
     return place;
@@ -71,7 +71,7 @@ void tellExtended(const Subject& subject, const PartView& part, Findings& findin
     DocumentState state;
     readDocument(subject.archive(), part.items, state, texts);
     if (!texts.found.empty())
-        findings.add("SEC-60", placeOf(part), "The extended properties name " + texts.found);
+        findings.add("SEC-60", placeOfPart(part), "The extended properties name " + texts.found);
 }
 
 void tellCustom(const Subject& subject, const PartView& part, Findings& findings) {
@@ -83,7 +83,7 @@ void tellCustom(const Subject& subject, const PartView& part, Findings& findings
     if (names.count > MOST_PROPERTIES)
         names.found += " …";
     if (names.count != 0)
-        findings.add("SEC-62", placeOf(part), "There are custom properties: " + names.found);
+        findings.add("SEC-62", placeOfPart(part), "There are custom properties: " + names.found);
 }
 
 } // namespace
@@ -113,7 +113,7 @@ void checkOfficeProperties(const Subject& subject, Findings& findings) {
             else if (isOfPackage && (segment == "custom-properties" || segment == "customProperties"))
                 tellCustom(subject, *entry.part, findings);
             else if (segment == "customXml")
-                findings.add("SEC-62", placeOf(*entry.part), "The part holds custom XML");
+                findings.add("SEC-62", placeOfPart(*entry.part), "The part holds custom XML");
         }
 }
 

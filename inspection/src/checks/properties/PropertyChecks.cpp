@@ -23,7 +23,7 @@ constexpr std::string_view CORE_NAMESPACE =
 constexpr std::string_view OWN_CORE_TYPE =
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
 
-Place placeOf(const RelationshipsView& view, const RelationshipView& entry) {
+Place placeOfProperties(const RelationshipsView& view, const RelationshipView& entry) {
     Place place;
     place.part = view.part->name;
     place.relationship = entry.id;
@@ -32,7 +32,7 @@ Place placeOf(const RelationshipsView& view, const RelationshipView& entry) {
     return place;
 }
 
-Place placeOf(const PartView& part) {
+Place placeOfProperties(const PartView& part) {
     Place place;
     place.part = part.name;
     return place;
@@ -59,7 +59,7 @@ public:
 
 private:
     void checkRelationship(const RelationshipsView& view, const RelationshipView& entry) {
-        const Place place = placeOf(view, entry);
+        const Place place = placeOfProperties(view, entry);
         if (view.source != "/") {
             findings.add("M4.1", Severity::Warning, place,
                          "A part has a core properties relationship, which only the package can have");
@@ -86,10 +86,10 @@ private:
     void checkPart(const PartView& part) {
         if (const RelationshipsView* const own = subject.relationshipsOf(part.name);
             own != nullptr && !own->entries.empty())
-            findings.add("P1-2", placeOf(part), "The core properties part has relationships");
+            findings.add("P1-2", placeOfProperties(part), "The core properties part has relationships");
         const std::uint64_t most = model::XmlLimits().coreProperties.bytes;
         if (part.size > most) {
-            findings.add("SEC-54", Severity::Warning, placeOf(part),
+            findings.add("SEC-54", Severity::Warning, placeOfProperties(part),
                          "The core properties are larger than " + std::to_string(most) + " bytes");
             return;
         }
@@ -103,10 +103,11 @@ private:
         DocumentState state;
         const std::vector<CorePropertiesFault> faults =
             findCorePropertiesFaults(subject.archive(), part, state);
-        if (!checkDocument(state, placeOf(part), CORE_NAMESPACE, "coreProperties", findings))
+        if (!checkDocument(state, placeOfProperties(part), CORE_NAMESPACE, "coreProperties", findings))
             return;
         for (const CorePropertiesFault& fault : faults)
-            findings.add(fault.rule, placeAt(placeOf(part), fault.line, fault.column), fault.message);
+            findings.add(fault.rule, placeAt(placeOfProperties(part), fault.line, fault.column),
+                         fault.message);
         const bool isToldAlready = !faults.empty() || !state.faults.empty() || isWrongEncoding(state) ||
                                    read.failure.find("[M4.") != std::string::npos;
         if (!read.failure.empty() && !isToldAlready)
@@ -114,7 +115,7 @@ private:
     }
 
     void addSchemaFault(const PartView& part, const ReadCoreProperties& read) {
-        Place place = placeOf(part);
+        Place place = placeOfProperties(part);
         unsigned long long line = 0;
         unsigned long long column = 0;
         if (std::sscanf(read.details.c_str(), "line %llu, column %llu", &line, &column) == 2)
@@ -131,7 +132,7 @@ private:
         add("creator", properties.getCreator());
         add("lastModifiedBy", properties.getLastModifiedBy());
         if (!told.empty())
-            findings.add("SEC-60", placeOf(part), "The core properties name " + told);
+            findings.add("SEC-60", placeOfProperties(part), "The core properties name " + told);
     }
 
     const Subject& subject;
@@ -157,7 +158,7 @@ void checkThumbnails(const Subject& subject, Findings& findings) {
         for (const RelationshipView& entry : view.entries) {
             if (!isThumbnail(entry))
                 continue;
-            const Place place = placeOf(view, entry);
+            const Place place = placeOfProperties(view, entry);
             if (entry.isExternal)
                 findings.add("M5.1", place, "The thumbnail is outside the package, at " + entry.target);
             else if (entry.part == nullptr && !entry.resolved.empty() &&

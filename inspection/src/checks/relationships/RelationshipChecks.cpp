@@ -16,7 +16,8 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::string_view NAMESPACE = "http://schemas.openxmlformats.org/package/2006/relationships";
+constexpr std::string_view RELATIONSHIPS_NAMESPACE =
+    "http://schemas.openxmlformats.org/package/2006/relationships";
 
 /// Checks one relationships part.
 class RelationshipsCheck {
@@ -28,7 +29,7 @@ public:
 
     void run() {
         checkPart();
-        checkDocument(view.document, place, NAMESPACE, "Relationships", findings);
+        checkDocument(view.document, place, RELATIONSHIPS_NAMESPACE, "Relationships", findings);
         checkForm(view.document, place, findings);
         if (view.document.usesMarkupCompatibility)
             findings.add("O1.7", place, "The relationships part uses markup compatibility");

@@ -10,9 +10,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::string_view CONTENT_TYPES_KEY = "/%5bcontent_types%5d.xml";
-
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
@@ -20,7 +18,7 @@ void checkReference(std::string_view target, bool isExternal, const Place& place
     const URIDefect defect = findURIDefect(target, isExternal);
     if (!defect.what.empty())
         findings.add("M1.28", isExternal ? Severity::Warning : defect.severity, place,
-                     "The Target " + quoted(target) + " has " + defect.what);
+                     "The Target " + inQuotes(target) + " has " + defect.what);
 }
 
 /// What other rules tell of, by the type, if nothing is there.
@@ -44,7 +42,7 @@ void checkInternal(const Subject& subject, const RelationshipsView& view, const 
     const std::string_view target = trimmed(entry.target);
     const Reference reference(target);
     if (reference.hasScheme || reference.hasAuthority) {
-        findings.add("M1.29", place, "The internal Target " + quoted(target) + " leads out of the package");
+        findings.add("M1.29", place, "The internal Target " + inQuotes(target) + " leads out of the package");
         return;
     }
     if (keyOfName(entry.resolved) == CONTENT_TYPES_KEY) {
@@ -53,17 +51,17 @@ void checkInternal(const Subject& subject, const RelationshipsView& view, const 
     }
     checkReference(target, false, place, findings);
     if (reference.hasFragment && subject.format() == "opc")
-        findings.add("O1.6", place, "The internal Target " + quoted(target) + " has a fragment");
+        findings.add("O1.6", place, "The internal Target " + inQuotes(target) + " has a fragment");
     if (entry.part != nullptr && entry.part->isRelationships())
         findings.add("M1.25", place, "The Target is the relationships part " + entry.part->name);
     else if (climbsAboveRoot(view.source, target))
         findings.add("SEC-17", place,
-                     "The Target " + quoted(target) + " leads above the root of the package");
+                     "The Target " + inQuotes(target) + " leads above the root of the package");
     else if (entry.part == nullptr && !entry.resolved.empty() &&
              !isToldElsewhere(subject, view, entry, findings))
         findings.add("SEC-17", place, "There is no part " + entry.resolved + " where the Target leads");
     else if (reference.hasQuery)
-        findings.add("SEC-17", place, "The internal Target " + quoted(target) + " has a query");
+        findings.add("SEC-17", place, "The internal Target " + inQuotes(target) + " has a query");
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace opc::inspection {
 
 namespace {
 
-enum Kind : unsigned {
+enum RecordKind : unsigned {
     TextFormula = 8,
     NumberFormula = 9,
     TruthFormula = 10,

@@ -84,7 +84,7 @@ bool isOfficeScheme(const std::string& scheme) {
     return std::find(std::begin(PROGRAMS), std::end(PROGRAMS), scheme) != std::end(PROGRAMS);
 }
 
-std::string_view describe(ExternalPlace place) {
+std::string_view describePlace(ExternalPlace place) {
     static constexpr std::string_view TEXTS[] = {"on the web", "on a file server",
                                                  "in a file outside the package", "at a mail address",
                                                  "outside the package"};
@@ -156,7 +156,7 @@ private:
         if (!type.hasKnownBase || (!isRemote && type.name != "officedocument"))
             severity = atMost(Severity::Warning, severity);
         const std::string message = "The " + std::string(meaning.what) + " " + shown(target) + " lies " +
-                                    std::string(describe(where));
+                                    std::string(describePlace(where));
         const bool isShare = where == ExternalPlace::Share && severity < Severity::Error;
         const bool isFile = where == ExternalPlace::File && &meaning == &UNKNOWN && isAbsolute(target);
         if ((isShare || isFile) && findings.wants("SEC-10"))

@@ -13,8 +13,8 @@ struct Function {
     std::uint32_t number;
     std::string_view name;
 };
-constexpr Function REACHING[] = {{110, "EXEC"},        {149, "REGISTER"},  {150, "CALL"},
-                                 {267, "REGISTER.ID"}, {359, "HYPERLINK"}, {379, "RTD"}};
+constexpr Function REACHING_FUNCTIONS[] = {{110, "EXEC"},        {149, "REGISTER"},  {150, "CALL"},
+                                           {267, "REGISTER.ID"}, {359, "HYPERLINK"}, {379, "RTD"}};
 
 /// Tokens of a constant size, without their own byte. Those from 0x20 on come in three classes, which differ in two bits.
 struct TokenSize {
@@ -49,7 +49,7 @@ std::size_t numberAt(std::string_view bytes, std::size_t at) {
 }
 
 /// @param rest  what stands behind the token's own byte
-std::optional<std::size_t> sizeOf(unsigned token, std::string_view rest) {
+std::optional<std::size_t> sizeOfToken(unsigned token, std::string_view rest) {
     constexpr std::size_t LIST = 13;
     constexpr std::size_t PIVOT_NAME = 5;
     constexpr char CHOICE = 4;
@@ -66,10 +66,10 @@ std::optional<std::size_t> sizeOf(unsigned token, std::string_view rest) {
     return std::nullopt;
 }
 
-std::string_view nameOf(std::size_t number) {
-    const auto* const found = std::find_if(std::begin(REACHING), std::end(REACHING),
+std::string_view functionName(std::size_t number) {
+    const auto* const found = std::find_if(std::begin(REACHING_FUNCTIONS), std::end(REACHING_FUNCTIONS),
                                            [number](const Function& one) { return one.number == number; });
-    return found == std::end(REACHING) ? std::string_view() : found->name;
+    return found == std::end(REACHING_FUNCTIONS) ? std::string_view() : found->name;
 }
 
 } // namespace
@@ -80,11 +80,11 @@ std::set<std::string_view> reachingFunctionsOfTokens(std::string_view tokens) {
         const unsigned own = static_cast<unsigned char>(tokens[0]);
         const unsigned token = own < 0x20 ? own : (own & 0x1FU) | 0x20U;
         tokens.remove_prefix(1);
-        const std::optional<std::size_t> size = sizeOf(token, tokens);
+        const std::optional<std::size_t> size = sizeOfToken(token, tokens);
         if (!size || *size > tokens.size())
             break;
-        const std::string_view name = token == FUNCTION            ? nameOf(numberAt(tokens, 0))
-                                      : token == VARIADIC_FUNCTION ? nameOf(numberAt(tokens, 1))
+        const std::string_view name = token == FUNCTION            ? functionName(numberAt(tokens, 0))
+                                      : token == VARIADIC_FUNCTION ? functionName(numberAt(tokens, 1))
                                                                    : std::string_view();
         if (!name.empty())
             functions.insert(name);

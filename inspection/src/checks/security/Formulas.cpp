@@ -7,9 +7,9 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::string_view REACHING[] = {"CALL",     "EXEC",        "HYPERLINK", "IMAGE",
-                                         "REGISTER", "REGISTER.ID", "RTD",       "WEBSERVICE"};
-constexpr std::size_t LONGEST_NAME = 40;
+constexpr std::string_view REACHING_NAMES[] = {"CALL",     "EXEC",        "HYPERLINK", "IMAGE",
+                                               "REGISTER", "REGISTER.ID", "RTD",       "WEBSERVICE"};
+constexpr std::size_t LONGEST_FUNCTION_NAME = 40;
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -25,7 +25,7 @@ std::string_view functionBefore(std::string_view text, std::size_t end) {
     while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\n'))
         --end;
     std::size_t begin = end;
-    while (begin > 0 && end - begin <= LONGEST_NAME && isOfName(text[begin - 1]))
+    while (begin > 0 && end - begin <= LONGEST_FUNCTION_NAME && isOfName(text[begin - 1]))
         --begin;
     std::string name(text.substr(begin, end - begin));
     std::transform(name.begin(), name.end(), name.begin(), upper);
@@ -33,8 +33,8 @@ std::string_view functionBefore(std::string_view text, std::size_t end) {
          {"_XLFN.", "_XLL.", "_XLWS."}) // in front of functions newer than the format
         if (name.compare(0, prefix.size(), prefix) == 0)
             name.erase(0, prefix.size());
-    const auto* const found = std::find(std::begin(REACHING), std::end(REACHING), name);
-    return found == std::end(REACHING) ? std::string_view() : *found;
+    const auto* const found = std::find(std::begin(REACHING_NAMES), std::end(REACHING_NAMES), name);
+    return found == std::end(REACHING_NAMES) ? std::string_view() : *found;
 }
 
 } // namespace
@@ -62,11 +62,11 @@ void FormulaSearch::add(std::string_view piece) {
     if (found)
         return;
     if (!last.empty()) { // what is cut in two by the pieces
-        last.append(piece.substr(0, 2 * LONGEST_NAME));
+        last.append(piece.substr(0, 2 * LONGEST_FUNCTION_NAME));
         look(last);
     }
     look(piece);
-    last.assign(piece.substr(piece.size() - std::min(piece.size(), 2 * LONGEST_NAME)));
+    last.assign(piece.substr(piece.size() - std::min(piece.size(), 2 * LONGEST_FUNCTION_NAME)));
 }
 
 void FormulaSearch::look(std::string_view text) {

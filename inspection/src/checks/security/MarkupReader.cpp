@@ -17,7 +17,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::size_t LONGEST_TEXT = 8192; // as long as a formula can be
+constexpr std::size_t LONGEST_FORMULA = 8192; // as long as a formula can be
 
 using model::XmlElement;
 
@@ -146,7 +146,7 @@ void MarkupReader::onEnd() {
 void MarkupReader::onText(std::u16string_view piece) {
     if (collected == Text::Instruction)
         fields.addText(piece);
-    else if (collected != Text::None && text.size() < LONGEST_TEXT)
+    else if (collected != Text::None && text.size() < LONGEST_FORMULA)
         text += text.empty() ? withoutBlanksInFront(piece) : piece;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t LONGEST_PATH = 1024;
 
-bool isText(std::string_view text) {
+bool isPlainText(std::string_view text) {
     return !text.empty() && text.size() <= LONGEST_PATH &&
            std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
@@ -52,11 +52,11 @@ void OleObject::look(std::string_view content) {
     while (!isRunnable(name) && (found = std::search(found, content.end(), searcher)) != content.end()) {
         const auto at = static_cast<std::size_t>(found++ - content.begin());
         const std::string_view path = textBefore(content, at);
-        if (!isText(path) || path.size() + 1 > at)
+        if (!isPlainText(path) || path.size() + 1 > at)
             continue;
         const std::size_t nameEnd = at - path.size() - 1;
         const std::string_view file = textBefore(content, nameEnd);
-        if (isText(file) && file.size() + 2 <= nameEnd &&
+        if (isPlainText(file) && file.size() + 2 <= nameEnd &&
             content.substr(nameEnd - file.size() - 2, 2) == BEFORE_NAME && (name.empty() || isRunnable(file)))
             name = file;
     }

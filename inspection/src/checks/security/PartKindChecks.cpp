@@ -19,7 +19,7 @@ namespace {
 /// What a part is by the relationship that leads to it, by its content type or by its name. All in lower case; an empty
 /// field matches nothing. A relationship type is its last segment; a content type is a beginning; of a name, some
 /// segments.
-struct Kind {
+struct PartKind {
     std::string_view rule;
     Severity severity;
     std::string_view relationship, contentType, name;
@@ -32,7 +32,7 @@ struct Kind {
     }
 };
 
-constexpr Kind KINDS[] = {
+constexpr PartKind PART_KINDS[] = {
     {"SEC-20", Severity::Error, "vbaproject", "application/vnd.ms-office.vbaproject", "/vbaproject.bin",
      "The package has a VBA project"},
     {"SEC-20", Severity::Error, "wordvbadata", "application/vnd.ms-word.vbadata", "/vbadata.xml",
@@ -105,7 +105,7 @@ public:
                 continue;
             const std::string type = part.mediaType();
             const std::string name = toLowerASCII(part.name);
-            for (const Kind& kind : KINDS)
+            for (const PartKind& kind : PART_KINDS)
                 if ((!kind.contentType.empty() && startsWith(type, kind.contentType)) || kind.hasName(name))
                     tell(kind, part, kind.severity);
             for (const CountedKind& kind : COUNTED_KINDS)
@@ -124,13 +124,13 @@ public:
 private:
     void byRelationship(const RelationshipView& entry) {
         const RelationshipType type(entry.type);
-        for (const Kind& kind : KINDS)
+        for (const PartKind& kind : PART_KINDS)
             if (!kind.relationship.empty() && kind.relationship == type.name)
                 tell(kind, *entry.part,
                      type.hasKnownBase ? kind.severity : std::min(kind.severity, Severity::Warning));
     }
 
-    void tell(const Kind& kind, const PartView& part, Severity severity) {
+    void tell(const PartKind& kind, const PartView& part, Severity severity) {
         if (!told.emplace(kind.rule, &part).second)
             return;
         if (kind.rule == "SEC-20" && !isForbidden())
@@ -141,7 +141,7 @@ private:
     /// Whether the format is one without macros.
     bool isForbidden() const { return isOfficeFormat(subject.format()) && !allowsMacros(subject.format()); }
 
-    std::string messageOf(const Kind& kind, const PartView& part) const {
+    std::string messageOf(const PartKind& kind, const PartView& part) const {
         std::string message(kind.message);
         if (kind.rule == "SEC-20" && isForbidden())
             message += ", which " + subject.format() + " doesn't allow";
@@ -166,7 +166,7 @@ private:
 
 void checkKindsOfParts(const Subject& subject, Findings& findings) {
     const auto isWanted = [&findings](const auto& kind) { return findings.wants(kind.rule); };
-    if (std::none_of(std::begin(KINDS), std::end(KINDS), isWanted) &&
+    if (std::none_of(std::begin(PART_KINDS), std::end(PART_KINDS), isWanted) &&
         std::none_of(std::begin(COUNTED_KINDS), std::end(COUNTED_KINDS), isWanted))
         return;
     KindsOfParts kinds(subject, findings);

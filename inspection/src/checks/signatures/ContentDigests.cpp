@@ -43,7 +43,7 @@ bool ContentDigests::isOf(const PartView& part, const SignatureReference& refere
     const Bytes& digest = digestOf(part, static_cast<int>(method->algorithm));
     try {
         return digest.empty() ||
-               digest == bedrock::crypto::utils::base64Decode(toString(reference.digestValue, true));
+               digest == bedrock::crypto::utils::base64Decode(opc::toString(reference.digestValue, true));
     } catch (const bedrock::crypto::utils::Exception&) {
         return false;
     }

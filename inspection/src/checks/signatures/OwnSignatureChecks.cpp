@@ -19,7 +19,7 @@ namespace opc::inspection {
 
 namespace {
 
-Place placeOf(const model::DigitalSignature& signature) {
+Place placeOfSignature(const model::DigitalSignature& signature) {
     Place place;
     place.part = "/_xmlsignatures/" + toUDEString(signature.getName()) + ".xml";
     return place;
@@ -34,12 +34,12 @@ void verify(model::DigitalSignatureManager& manager, const model::DigitalSignatu
     anybody.setSkippingVerification(true);
     try {
         if (manager.verifySignature(signature, anybody, {}, {}).isErrorFromSignature())
-            findings.add("M6.30", placeOf(signature),
+            findings.add("M6.30", placeOfSignature(signature),
                          "The signature is broken: what it covers has changed since it was signed");
     } catch (const model::InvalidSignature& e) {
         if (e.getErrorCode().value() != NO_KEY)
             throw;
-        findings.add("M6.30", Severity::Info, placeOf(signature),
+        findings.add("M6.30", Severity::Info, placeOfSignature(signature),
                      "The signature can't be verified without a key, which it doesn't hold");
     }
 }

@@ -27,12 +27,12 @@ constexpr std::u16string_view COMPATIBILITY = u"http://schemas.openxmlformats.or
 constexpr std::size_t MOST_TEXT = std::size_t{64} * 1024; // of one element: a certificate
 constexpr std::size_t MOST_CERTIFICATES = 64;
 
-std::string narrow(std::u16string_view text) {
+std::string toUTF8(std::u16string_view text) {
     return toUDEString(std::u16string(text.substr(0, MOST_TEXT)));
 }
 
 /// What an element of the document is to us.
-enum class Place {
+enum class ElementPlace {
     Other,
     Signature,
     SignedInfo,
@@ -63,56 +63,56 @@ public:
     explicit SignatureReader(SignatureDocument& document) : document(document) {}
 
     void onStart(const XmlElement& element, const XmlPlace& behind) override {
-        const Place parent = places.empty() ? Place::Other : places.back();
+        const ElementPlace parent = places.empty() ? ElementPlace::Other : places.back();
         here = {behind.line, behind.column};
         noteId(element);
         noteFaults(element, parent);
         places.push_back(enter(element, parent));
-        isInPackageObject = isInPackageObject || places.back() == Place::PackageObject;
+        isInPackageObject = isInPackageObject || places.back() == ElementPlace::PackageObject;
         if (isInPackageObject)
             noteCompatibility(element);
         text = textOf(places.back());
     }
 
     void onEnd() override {
-        isInPackageObject = isInPackageObject && places.back() != Place::PackageObject;
+        isInPackageObject = isInPackageObject && places.back() != ElementPlace::PackageObject;
         places.pop_back();
         text = nullptr;
     }
 
     void onText(std::u16string_view piece) override {
         if (text != nullptr && text->size() < MOST_TEXT)
-            text->append(narrow(piece));
+            text->append(toUTF8(piece));
     }
 
 private:
     void noteId(const XmlElement& element) {
         for (const std::u16string_view name : {u"Id", u"ID", u"id"})
             if (const auto id = element.valueOf({}, name); !id.empty())
-                ++document.ids[narrow(id)];
+                ++document.ids[toUTF8(id)];
     }
 
     /// Below SignedInfo the schema leaves nothing open but the inside of its algorithms; objects may hold anything.
-    void noteFaults(const XmlElement& element, Place parent) {
+    void noteFaults(const XmlElement& element, ElementPlace parent) {
         constexpr std::u16string_view IN_SIGNED_INFO[] = {u"CanonicalizationMethod", u"SignatureMethod",
                                                           u"Reference"};
         constexpr std::u16string_view IN_REFERENCE[] = {u"Transforms", u"DigestMethod", u"DigestValue"};
         constexpr std::u16string_view IN_SIGNATURE[] = {u"SignedInfo", u"SignatureValue", u"KeyInfo",
                                                         u"Object"};
-        const bool isKnown = parent == Place::SignedInfo  ? has(IN_SIGNED_INFO, element)
-                             : parent == Place::Reference ? has(IN_REFERENCE, element)
-                             : parent == Place::Signature ? has(IN_SIGNATURE, element)
-                                                          : true;
+        const bool isKnown = parent == ElementPlace::SignedInfo  ? has(IN_SIGNED_INFO, element)
+                             : parent == ElementPlace::Reference ? has(IN_REFERENCE, element)
+                             : parent == ElementPlace::Signature ? has(IN_SIGNATURE, element)
+                                                                 : true;
         if (!isKnown)
-            noteFault(DocumentFault::Kind::Element, narrow(element.localName()));
+            noteFault(DocumentFault::Kind::Element, toUTF8(element.localName()));
         if (element.namespaceURI() != XML_SIGNATURE)
             return;
         for (std::size_t i = 0; i < element.attributeCount(); ++i) {
             const model::XmlAttribute attribute = element.attribute(i);
             if (attribute.namespaceURI == XML_NAMESPACE)
-                noteFault(DocumentFault::Kind::XmlAttribute, "xml:" + narrow(attribute.localName));
+                noteFault(DocumentFault::Kind::XmlAttribute, "xml:" + toUTF8(attribute.localName));
             else if (attribute.namespaceURI == SCHEMA_INSTANCE)
-                noteFault(DocumentFault::Kind::SchemaInstanceAttribute, "xsi:" + narrow(attribute.localName));
+                noteFault(DocumentFault::Kind::SchemaInstanceAttribute, "xsi:" + toUTF8(attribute.localName));
         }
     }
 
@@ -135,69 +135,70 @@ private:
             document.compatibilityPlace = here;
     }
 
-    Place enter(const XmlElement& element, Place parent) {
+    ElementPlace enter(const XmlElement& element, ElementPlace parent) {
         if (element.namespaceURI() == PACKAGE_SIGNATURE)
             return enterOfPackage(element, parent);
         if (element.namespaceURI() != XML_SIGNATURE) {
             noteForeign(parent);
             return element.namespaceURI() == ADVANCED ? enterAdvanced(element.localName(), parent)
-                                                      : Place::Other;
+                                                      : ElementPlace::Other;
         }
         const std::u16string_view name = element.localName();
         switch (parent) {
-        case Place::Other:
-            return places.empty() && name == u"Signature" ? enterSignature(element) : Place::Other;
-        case Place::Signature:
+        case ElementPlace::Other:
+            return places.empty() && name == u"Signature" ? enterSignature(element) : ElementPlace::Other;
+        case ElementPlace::Signature:
             return enterChild(element, name);
-        case Place::SignedInfo:
+        case ElementPlace::SignedInfo:
             return enterInSignedInfo(element, name);
-        case Place::PackageObject:
+        case ElementPlace::PackageObject:
             return enterInPackageObject(name);
-        case Place::Object:
+        case ElementPlace::Object:
             ++document.objects.back().others;
-            return Place::Other;
-        case Place::Manifest:
-            return name == u"Reference" ? enterReference(element, document.manifest) : Place::Other;
-        case Place::Reference:
+            return ElementPlace::Other;
+        case ElementPlace::Manifest:
+            return name == u"Reference" ? enterReference(element, document.manifest) : ElementPlace::Other;
+        case ElementPlace::Reference:
             return enterInReference(element, name);
-        case Place::Transforms:
-            return name == u"Transform" ? enterTransform(element) : Place::Other;
-        case Place::Properties:
-            return name == u"SignatureProperty" ? enterProperty(element) : Place::Other;
-        case Place::KeyInfo:
-        case Place::KeyValue:
+        case ElementPlace::Transforms:
+            return name == u"Transform" ? enterTransform(element) : ElementPlace::Other;
+        case ElementPlace::Properties:
+            return name == u"SignatureProperty" ? enterProperty(element) : ElementPlace::Other;
+        case ElementPlace::KeyInfo:
+        case ElementPlace::KeyValue:
             return enterInKeyInfo(name);
-        case Place::SigningCertificateData:
+        case ElementPlace::SigningCertificateData:
             return enterCertificateDigest(element, name);
         default:
-            return Place::Other;
+            return ElementPlace::Other;
         }
     }
 
-    void noteForeign(Place parent) {
-        if (parent == Place::PackageObject || parent == Place::Object)
+    void noteForeign(ElementPlace parent) {
+        if (parent == ElementPlace::PackageObject || parent == ElementPlace::Object)
             ++document.objects.back().others;
     }
 
-    Place enterSignature(const XmlElement& element) {
+    ElementPlace enterSignature(const XmlElement& element) {
         document.isSignature = true;
-        document.id = narrow(element.valueOf({}, u"Id"));
-        return Place::Signature;
+        document.id = toUTF8(element.valueOf({}, u"Id"));
+        return ElementPlace::Signature;
     }
 
-    Place enterChild(const XmlElement& element, std::u16string_view name) {
+    ElementPlace enterChild(const XmlElement& element, std::u16string_view name) {
         if (name == u"SignedInfo")
-            return Place::SignedInfo;
+            return ElementPlace::SignedInfo;
         if (name == u"KeyInfo")
-            return Place::KeyInfo;
+            return ElementPlace::KeyInfo;
         if (name != u"Object")
-            return Place::Other;
-        document.objects.push_back({narrow(element.valueOf({}, u"Id")), here});
-        return document.objects.back().id == PACKAGE_OBJECT ? Place::PackageObject : Place::Object;
+            return ElementPlace::Other;
+        document.objects.push_back({toUTF8(element.valueOf({}, u"Id")), here});
+        return document.objects.back().id == PACKAGE_OBJECT ? ElementPlace::PackageObject
+                                                            : ElementPlace::Object;
     }
 
-    Place enterInSignedInfo(const XmlElement& element, std::u16string_view name) {
-        const std::string algorithm = narrow(element.valueOf({}, u"Algorithm"));
+    ElementPlace enterInSignedInfo(const XmlElement& element, std::u16string_view name) {
+        const std::string algorithm = toUTF8(element.valueOf({}, u"Algorithm"));
         if (name == u"CanonicalizationMethod") {
             document.canonicalizationMethod = algorithm;
             document.canonicalizationPlace = here;
@@ -205,101 +206,107 @@ private:
             document.signatureMethod = algorithm;
             document.methodPlace = here;
         }
-        return name == u"Reference" ? enterReference(element, document.signedReferences) : Place::Other;
+        return name == u"Reference" ? enterReference(element, document.signedReferences)
+                                    : ElementPlace::Other;
     }
 
-    Place enterInPackageObject(std::u16string_view name) {
+    ElementPlace enterInPackageObject(std::u16string_view name) {
         SignatureObject& object = document.objects.back();
         if (name == u"Manifest")
-            return ++object.manifests, Place::Manifest;
+            return ++object.manifests, ElementPlace::Manifest;
         if (name == u"SignatureProperties")
-            return ++object.propertyLists, Place::Properties;
-        return ++object.others, Place::Other;
+            return ++object.propertyLists, ElementPlace::Properties;
+        return ++object.others, ElementPlace::Other;
     }
 
-    Place enterReference(const XmlElement& element, std::vector<SignatureReference>& list) {
+    ElementPlace enterReference(const XmlElement& element, std::vector<SignatureReference>& list) {
         references = &list;
         list.push_back(
-            {narrow(element.valueOf({}, u"URI")), narrow(element.valueOf({}, u"Type")), {}, {}, {}, here});
-        return Place::Reference;
+            {toUTF8(element.valueOf({}, u"URI")), toUTF8(element.valueOf({}, u"Type")), {}, {}, {}, here});
+        return ElementPlace::Reference;
     }
 
-    Place enterInReference(const XmlElement& element, std::u16string_view name) {
+    ElementPlace enterInReference(const XmlElement& element, std::u16string_view name) {
         if (name == u"DigestMethod")
-            references->back().digestMethod = narrow(element.valueOf({}, u"Algorithm"));
-        return name == u"Transforms"    ? Place::Transforms
-               : name == u"DigestValue" ? Place::DigestValue
-                                        : Place::Other;
+            references->back().digestMethod = toUTF8(element.valueOf({}, u"Algorithm"));
+        return name == u"Transforms"    ? ElementPlace::Transforms
+               : name == u"DigestValue" ? ElementPlace::DigestValue
+                                        : ElementPlace::Other;
     }
 
-    Place enterTransform(const XmlElement& element) {
-        references->back().transforms.push_back({narrow(element.valueOf({}, u"Algorithm")), {}, {}});
-        return Place::Transform;
+    ElementPlace enterTransform(const XmlElement& element) {
+        references->back().transforms.push_back({toUTF8(element.valueOf({}, u"Algorithm")), {}, {}});
+        return ElementPlace::Transform;
     }
 
-    Place enterProperty(const XmlElement& element) {
+    ElementPlace enterProperty(const XmlElement& element) {
         document.properties.push_back(
-            {narrow(element.valueOf({}, u"Id")), narrow(element.valueOf({}, u"Target")), 0, {}, {}, here});
-        return Place::Property;
+            {toUTF8(element.valueOf({}, u"Id")), toUTF8(element.valueOf({}, u"Target")), 0, {}, {}, here});
+        return ElementPlace::Property;
     }
 
-    Place enterOfPackage(const XmlElement& element, Place parent) {
+    ElementPlace enterOfPackage(const XmlElement& element, ElementPlace parent) {
         const std::u16string_view name = element.localName();
-        if (parent == Place::Transform) {
+        if (parent == ElementPlace::Transform) {
             SignatureTransform& transform = references->back().transforms.back();
             if (name == u"RelationshipReference")
-                transform.sourceIds.push_back(narrow(element.valueOf({}, u"SourceId")));
+                transform.sourceIds.push_back(toUTF8(element.valueOf({}, u"SourceId")));
             else if (name == u"RelationshipsGroupReference" || name == u"RelationshipGroupReference")
-                transform.sourceTypes.push_back(narrow(element.valueOf({}, u"SourceType")));
+                transform.sourceTypes.push_back(toUTF8(element.valueOf({}, u"SourceType")));
         }
-        if (parent == Place::Property && name == u"SignatureTime")
-            return ++document.properties.back().times, Place::Time;
-        if (parent == Place::Time)
-            return name == u"Format" ? Place::TimeFormat : name == u"Value" ? Place::TimeValue : Place::Other;
+        if (parent == ElementPlace::Property && name == u"SignatureTime")
+            return ++document.properties.back().times, ElementPlace::Time;
+        if (parent == ElementPlace::Time)
+            return name == u"Format"  ? ElementPlace::TimeFormat
+                   : name == u"Value" ? ElementPlace::TimeValue
+                                      : ElementPlace::Other;
         noteForeign(parent);
-        return Place::Other;
+        return ElementPlace::Other;
     }
 
     /// X509Data and RSAKeyValue only hold what is looked at.
-    Place enterInKeyInfo(std::u16string_view name) {
+    ElementPlace enterInKeyInfo(std::u16string_view name) {
         if (name == u"X509Certificate" && document.certificates.size() < MOST_CERTIFICATES)
-            return document.certificates.emplace_back(), Place::Certificate;
+            return document.certificates.emplace_back(), ElementPlace::Certificate;
         if (name == u"X509Data" || name == u"KeyValue" || name == u"RSAKeyValue")
-            return Place::KeyValue;
-        return name == u"Modulus" ? Place::Modulus : name == u"Exponent" ? Place::Exponent : Place::Other;
+            return ElementPlace::KeyValue;
+        return name == u"Modulus"    ? ElementPlace::Modulus
+               : name == u"Exponent" ? ElementPlace::Exponent
+                                     : ElementPlace::Other;
     }
 
-    Place enterAdvanced(std::u16string_view name, Place parent) {
+    ElementPlace enterAdvanced(std::u16string_view name, ElementPlace parent) {
         if (name == u"SigningCertificate" || name == u"SigningCertificateV2")
-            return Place::SigningCertificate;
-        const bool isInside = parent == Place::SigningCertificate || parent == Place::SigningCertificateData;
-        return isInside ? Place::SigningCertificateData : Place::Other;
+            return ElementPlace::SigningCertificate;
+        const bool isInside =
+            parent == ElementPlace::SigningCertificate || parent == ElementPlace::SigningCertificateData;
+        return isInside ? ElementPlace::SigningCertificateData : ElementPlace::Other;
     }
 
     /// The first is the signer's.
-    Place enterCertificateDigest(const XmlElement& element, std::u16string_view name) {
+    ElementPlace enterCertificateDigest(const XmlElement& element, std::u16string_view name) {
         if (!document.certificateDigest.empty())
-            return Place::Other;
+            return ElementPlace::Other;
         if (name == u"DigestMethod")
-            document.certificateDigestMethod = narrow(element.valueOf({}, u"Algorithm"));
-        return name == u"DigestValue" ? Place::CertificateDigest : Place::Other;
+            document.certificateDigestMethod = toUTF8(element.valueOf({}, u"Algorithm"));
+        return name == u"DigestValue" ? ElementPlace::CertificateDigest : ElementPlace::Other;
     }
 
-    std::string* textOf(Place place) {
+    std::string* textOf(ElementPlace place) {
         switch (place) {
-        case Place::DigestValue:
+        case ElementPlace::DigestValue:
             return &references->back().digestValue;
-        case Place::TimeFormat:
+        case ElementPlace::TimeFormat:
             return &document.properties.back().timeFormat;
-        case Place::TimeValue:
+        case ElementPlace::TimeValue:
             return &document.properties.back().timeValue;
-        case Place::Certificate:
+        case ElementPlace::Certificate:
             return &document.certificates.back();
-        case Place::CertificateDigest:
+        case ElementPlace::CertificateDigest:
             return &document.certificateDigest;
-        case Place::Modulus:
+        case ElementPlace::Modulus:
             return &document.modulus;
-        case Place::Exponent:
+        case ElementPlace::Exponent:
             return &document.exponent;
         default:
             return nullptr;
@@ -307,7 +314,7 @@ private:
     }
 
     SignatureDocument& document;
-    std::vector<Place> places; ///< of the open elements
+    std::vector<ElementPlace> places; ///< of the open elements
     SignaturePlace here;
     std::vector<SignatureReference>* references = nullptr; ///< the list that the last one is in
     std::string* text = nullptr;                           ///< where the text of the open element goes

@@ -39,7 +39,7 @@ bool isWeak(const std::string& algorithm) {
 }
 
 Bytes decode(const std::string& base64) {
-    return bedrock::crypto::utils::base64Decode(toString(base64, true));
+    return bedrock::crypto::utils::base64Decode(opc::toString(base64, true));
 }
 
 Bytes withoutLeadingZeros(const Bytes& number) {
@@ -110,11 +110,11 @@ private:
     void checkTime(const X509Certificate& certificate) {
         const X509Certificate::Validity validity = certificate.getValidity();
         for (const SignatureProperty& property : document.properties) {
-            const auto time = convertStringToTime(toString(property.timeValue, true));
+            const auto time = convertStringToTime(opc::toString(property.timeValue, true));
             if (time.is_not_a_date_time())
                 continue;
-            const bool isEarly = time < convertStringToTime(toString(validity.from, true));
-            if (isEarly || time > convertStringToTime(toString(validity.until, true)))
+            const bool isEarly = time < convertStringToTime(opc::toString(validity.from, true));
+            if (isEarly || time > convertStringToTime(opc::toString(validity.until, true)))
                 findings.add("SEC-74", Severity::Info, placeIn(part, property.place),
                              "The signature claims the time " + property.timeValue +
                                  (isEarly ? ", and its certificate was valid from " + validity.from

@@ -21,7 +21,7 @@ constexpr TimeForm TIME_FORMS[] = {
     {"YYYY-MM-DDThh:mm:ss.sTZD", "dddd-dd-ddTdd:dd:dd.fZ"},
 };
 
-std::string trimmed(const std::string& text) {
+std::string trimmedText(const std::string& text) {
     const std::size_t begin = text.find_first_not_of(" \t\r\n");
     return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(" \t\r\n") + 1 - begin);
 }
@@ -166,8 +166,8 @@ private:
     }
 
     void checkTimeForm(const SignatureProperty& property) {
-        const std::string format = trimmed(property.timeFormat);
-        const std::string value = trimmed(property.timeValue);
+        const std::string format = trimmedText(property.timeFormat);
+        const std::string value = trimmedText(property.timeValue);
         const auto* const form = std::find_if(std::begin(TIME_FORMS), std::end(TIME_FORMS),
                                               [&](const TimeForm& one) { return format == one.format; });
         if (form == std::end(TIME_FORMS))

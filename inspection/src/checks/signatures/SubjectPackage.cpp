@@ -49,8 +49,8 @@ public:
     StoredPart(const Subject& subject, const PartView& part)
         : part(part), stream([&subject, &part] { return subject.open(part); }) {}
 
-    std::u16string getName() const override { return toString(part.name, true); }
-    std::u16string getContentType() const override { return toString(part.contentType, true); }
+    std::u16string getName() const override { return opc::toString(part.name, true); }
+    std::u16string getContentType() const override { return opc::toString(part.contentType, true); }
     IPhysicalInputStream* getInputStream() override {
         stream.open();
         return &stream;

@@ -10,11 +10,11 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::size_t MOST_CHARACTERS = 60; // of a label
+constexpr std::size_t MOST_CHARACTERS_OF_LABEL = 60; // of a label
 
 /// A string in quotation marks. Graphviz reads a backslash as the beginning of an escape sequence, and an ampersand as that
 /// of an HTML entity.
-std::string quoted(const std::string& text) {
+std::string quotedForDOT(const std::string& text) {
     std::string result = "\"";
     std::size_t start = 0;
     do { // line by line, because line ends are control characters, too
@@ -35,8 +35,9 @@ std::string quoted(const std::string& text) {
 
 void write(std::ostream& dot, const GraphNode& node, std::size_t index) {
     const NodeLook& look = lookOf(node);
-    dot << "  n" << index << " [label=" << quoted(withoutControlCharacters(labelOf(node, MOST_CHARACTERS)))
-        << ", tooltip=" << quoted(titleOf(node)) << ", fillcolor=\"" << look.fill << "\", color=\""
+    dot << "  n" << index
+        << " [label=" << quotedForDOT(withoutControlCharacters(labelOf(node, MOST_CHARACTERS_OF_LABEL)))
+        << ", tooltip=" << quotedForDOT(titleOf(node)) << ", fillcolor=\"" << look.fill << "\", color=\""
         << look.stroke << '"';
     if (look.isDashed)
         dot << R"(, style="filled,rounded,dashed")";
@@ -47,8 +48,8 @@ void write(std::ostream& dot, const GraphNode& node, std::size_t index) {
 
 void write(std::ostream& dot, const GraphEdge& edge, const PackageGraph& graph) {
     const NodeLook& look = lookOf(edge, graph);
-    dot << "  n" << edge.from << " -> n" << edge.to << " [tooltip=" << quoted(titleOf(edge)) << ", color=\""
-        << look.stroke << (look.isDashed ? R"(", style="dashed"])" : "\"]") << ";\n";
+    dot << "  n" << edge.from << " -> n" << edge.to << " [tooltip=" << quotedForDOT(titleOf(edge))
+        << ", color=\"" << look.stroke << (look.isDashed ? R"(", style="dashed"])" : "\"]") << ";\n";
 }
 
 } // namespace

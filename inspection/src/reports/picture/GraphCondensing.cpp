@@ -27,7 +27,7 @@ std::string patternOf(const GraphNode& node) {
 using Key = std::tuple<GraphNode::Kind, bool, bool, std::string>;
 using NameOf = std::function<std::string(const GraphNode&)>;
 
-Key keyOf(const GraphNode& node, const std::string& name) {
+Key condensingKey(const GraphNode& node, const std::string& name) {
     return {node.kind, node.isReached, node.isSigned, name};
 }
 
@@ -38,7 +38,7 @@ NameOf chooseNames(const PackageGraph& graph, const std::vector<std::size_t>& co
     for (const NameOf& way : ways) {
         std::set<Key> keys;
         for (const std::size_t index : column) {
-            keys.insert(keyOf(graph.nodes[index], way(graph.nodes[index])));
+            keys.insert(condensingKey(graph.nodes[index], way(graph.nodes[index])));
             if (keys.size() > MOST_ROWS)
                 break;
         }
@@ -80,7 +80,7 @@ private:
 
     void put(std::size_t index, const std::string& name, std::map<Key, std::size_t>& places) {
         const GraphNode& node = graph.nodes[index];
-        const auto [place, isNew] = places.try_emplace(keyOf(node, name), small.nodes.size());
+        const auto [place, isNew] = places.try_emplace(condensingKey(node, name), small.nodes.size());
         newIndices[index] = place->second;
         if (isNew) {
             small.nodes.push_back(node);

@@ -11,19 +11,19 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::size_t MOST_CHARACTERS = 60; // of a label
+constexpr std::size_t MOST_CHARACTERS_IN_LABEL = 60; // of a label
 
-bool isPlain(char c) {
+bool isPlainInMermaid(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' ||
            c == '.' || c == '_' || c == '-' || c == ' ' || (static_cast<unsigned char>(c) & 0x80U) != 0;
 }
 
 /// A text in quotation marks. Mermaid looks for marks of its own also in there, so that all but the plainest characters
 /// become entities, which it writes as numbers.
-std::string quoted(const std::string& text) {
+std::string quotedForMermaid(const std::string& text) {
     std::string result = "\"";
     for (const char c : withoutControlCharacters(text))
-        if (isPlain(c))
+        if (isPlainInMermaid(c))
             result += c;
         else
             result += '#' + std::to_string(static_cast<unsigned>(c)) + ';';
@@ -42,7 +42,7 @@ std::string toMermaid(const PackageGraph& graph) {
     std::ostringstream flowchart;
     flowchart << "flowchart LR\n";
     for (std::size_t i = 0; i < graph.nodes.size(); ++i)
-        flowchart << "  n" << i << '[' << quoted(labelOf(graph.nodes[i], MOST_CHARACTERS))
+        flowchart << "  n" << i << '[' << quotedForMermaid(labelOf(graph.nodes[i], MOST_CHARACTERS_IN_LABEL))
                   << "]:::" << lookOf(graph.nodes[i]).name << '\n';
     for (const GraphEdge& edge : graph.edges)
         flowchart << "  n" << edge.from << (lookOf(edge, graph).isDashed ? " -.->" : " -->") << " n"

@@ -8,7 +8,7 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::size_t MOST_CHARACTERS = 1'000; // of a title
+constexpr std::size_t MOST_CHARACTERS_IN_TITLE = 1'000; // of a title
 
 std::string shortened(const std::string& text, std::size_t mostCharacters) {
     if (text.size() <= mostCharacters)
@@ -51,18 +51,18 @@ std::string labelOf(const GraphNode& node, std::size_t mostCharacters) {
 }
 
 std::string titleOf(const GraphNode& node) {
-    std::string title = shortened(node.name, MOST_CHARACTERS);
+    std::string title = shortened(node.name, MOST_CHARACTERS_IN_TITLE);
     if (node.count > 1)
         title = countOf(node.count, "part") + " " + title;
     if (!node.contentType.empty())
-        title += "\n" + shortened(node.contentType, MOST_CHARACTERS);
+        title += "\n" + shortened(node.contentType, MOST_CHARACTERS_IN_TITLE);
     if (node.kind == GraphNode::Kind::Part)
         title += "\n" + countOf(node.size, "byte");
     return title + "\n" + lookOf(node).meaning;
 }
 
 std::string titleOf(const GraphEdge& edge) {
-    return edge.count == 1 ? shortened(std::string(edge.typeName()), MOST_CHARACTERS)
+    return edge.count == 1 ? shortened(std::string(edge.typeName()), MOST_CHARACTERS_IN_TITLE)
                            : countOf(edge.count, "relationship");
 }
 

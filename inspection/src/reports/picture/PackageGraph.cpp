@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t UNREACHED = std::numeric_limits<std::size_t>::max();
 
-bool equalsCaseless(char left, char right) {
+bool areSameCaseless(char left, char right) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     return lower(left) == lower(right);
 }
@@ -143,7 +143,7 @@ std::optional<std::size_t> findNode(const PackageGraph& graph, std::string_view 
         const GraphNode& node = graph.nodes[i];
         const bool isPart = node.kind == GraphNode::Kind::Package || node.kind == GraphNode::Kind::Part;
         if (isPart &&
-            std::equal(node.name.begin(), node.name.end(), name.begin(), name.end(), equalsCaseless))
+            std::equal(node.name.begin(), node.name.end(), name.begin(), name.end(), areSameCaseless))
             return i;
     }
     return std::nullopt;

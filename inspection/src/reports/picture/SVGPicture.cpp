@@ -17,7 +17,7 @@ constexpr std::size_t GAP = 48;          // between columns
 constexpr std::size_t ROW = HEIGHT + 10; // from a node to the next
 constexpr std::size_t MARGIN = 8;
 constexpr std::size_t LEGEND = 34;
-constexpr std::size_t MOST_CHARACTERS = 24;
+constexpr std::size_t MOST_CHARACTERS_IN_BOX = 24;
 constexpr const char* DASHES = "4 3";
 
 struct Point {
@@ -116,7 +116,7 @@ void Picture::draw(std::size_t index) {
     const Point place = places[index];
     svg << "<g><title>" << toMarkup(titleOf(node)) << "</title>";
     drawBox(lookOf(node), place, WIDTH, HEIGHT);
-    drawText(labelOf(node, MOST_CHARACTERS), {place.x + 8, place.y + 17},
+    drawText(labelOf(node, MOST_CHARACTERS_IN_BOX), {place.x + 8, place.y + 17},
              node.kind == GraphNode::Kind::Package ? "#fff" : "#1f2933");
     svg << "</g>\n";
 }
