@@ -95,7 +95,7 @@ void mendAndApply(FileRun& run, const ApplyArguments& arguments, const Job& job)
 }
 
 void apply(FileRun& run, const ApplyArguments& arguments) {
-    const Job job = opc::editing::readJob(readFile(arguments.job));
+    const Job job = opc::editing::readJob(readText(arguments.job));
     if (opc::editing::mends(job))
         return mendAndApply(run, arguments, job);
     EditedPackage package(run);

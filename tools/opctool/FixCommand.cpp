@@ -2,6 +2,7 @@
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "JSONText.hpp"
 #include "MendingText.hpp"
 #include "RepeatableOption.hpp"
 #include "RuleNames.hpp"
@@ -28,10 +29,6 @@ struct FixArguments {
     std::vector<std::string> profiles;
     std::vector<std::string> only, never;
 };
-
-ordered_json orNull(const std::string& text) {
-    return text.empty() ? ordered_json() : ordered_json(text);
-}
 
 ordered_json toJSON(const Rule& rule, const Place& place, const std::string& message) {
     return {{"rule", rule.id},

@@ -110,7 +110,7 @@ void printCore(FileRun& run) {
     warnOfCorePropertiesOutOfReach(run, *package);
     const bool isDangling = tellOfDangling(run, *package, "there are none");
     const nlohmann::json description =
-        describe(isDangling ? CoreProperties() : PackageHelper::getCoreProperties(*package));
+        describeProperties(isDangling ? CoreProperties() : PackageHelper::getCoreProperties(*package));
     if (run.wantsJSON())
         run.json().add(description);
     else
@@ -266,7 +266,7 @@ const std::string RESULT_SCHEMA = R"({
 
 const Command PROPS{"props",
                     "Print core, custom or extended properties, or change them",
-                    declare,
+                    declareProperty,
                     "",
                     "opctool props report.docx\n"
                     "opctool props report.docx --set title='The report' --set modified=now\n"

@@ -42,7 +42,7 @@ public:
             element.namespaceURI() == NAMESPACE &&
             (depth == 0 ? element.localName() == u"Types" : isDefault || element.localName() == u"Override");
         if (!isKnown || depth > 1)
-            refuseTypes("The element " + inUTF8(element.localName()) +
+            refuseTypes("The element " + narrow(element.localName()) +
                         " doesn't belong into the content types");
         if (depth == 1)
             add(element, isDefault ? u"Extension" : u"PartName", isDefault);
@@ -58,12 +58,12 @@ private:
         const std::u16string_view type = element.valueOf({}, u"ContentType");
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
             refuseTypes("An entry of the content types has other attributes than it must");
-        const std::string written = inUTF8(key);
+        const std::string written = narrow(key);
         if (isDefault ? !isExtension(written) : !isPlainPartName(written))
             refuseTypes("\"" + written +
                         (isDefault ? "\" isn't an extension" : "\" isn't the name of a part"));
         const std::string name = keyOf(decodePartName(written));
-        if (!(isDefault ? types.defaults : types.overrides).emplace(name, inUTF8(type)).second)
+        if (!(isDefault ? types.defaults : types.overrides).emplace(name, narrow(type)).second)
             refuseTypes("Two content types are given for " + name);
     }
 
