@@ -6,7 +6,8 @@
 
 std::function<int(const std::string&, int)> opc::test::SystemCalls::before;
 
-// The test program is linked so that these replace the system's own functions (see CMakeLists.txt).
+// The test program is linked so that these replace the system's own functions (see CMakeLists.txt). Those for 64-bit
+// offsets are what all sources are compiled to call.
 #define WRAP(result, call, file, parameters, arguments)                                                      \
     extern "C" result __real_##call parameters;                                                              \
     extern "C" result __wrap_##call parameters {                                                             \
@@ -25,9 +26,9 @@ WRAP(int, flock, file, (int file, int operation), (file, operation))
 WRAP(int, fsetxattr, file, (int file, const char* name, const void* value, size_t size, int flags),
      (file, name, value, size, flags))
 WRAP(int, fsync, file, (int file), (file))
-WRAP(ssize_t, pread, file, (int file, void* buffer, size_t count, off_t offset),
+WRAP(ssize_t, pread64, file, (int file, void* buffer, size_t count, off_t offset),
      (file, buffer, count, offset))
-WRAP(ssize_t, pwrite, file, (int file, const void* buffer, size_t count, off_t offset),
+WRAP(ssize_t, pwrite64, file, (int file, const void* buffer, size_t count, off_t offset),
      (file, buffer, count, offset))
 WRAP(int, renameat, from, (int from, const char* name, int to, const char* newName),
      (from, name, to, newName))

@@ -254,7 +254,7 @@ TEST_F(ZipPackages, readsASmallFileWithOneCall) {
         ZipPackage package(path);
         int reads = 0;
         SystemCalls::before = [&](const std::string& call, int) {
-            reads += call == "pread" ? 1 : 0;
+            reads += call == "pread64" ? 1 : 0;
             return 0;
         };
         package.open(OpenMode::ReadOnly);

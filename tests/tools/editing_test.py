@@ -161,7 +161,7 @@ class Editing(OpctoolCase):
         self.assertEqual(self.read('broken.docx'), before)
         self.assertRegex(said, r'^remove relationship /#rId\d to docProps/app.xml.*\n(.*\n)*rename /word/document.xml to /main.xml\n')
         piped = self.shell(f"'{self.tool}' apply - job.json <broken.docx >piped.docx")
-        self.assertEqual((piped.status, piped.errors), (0, said))
+        self.assertEqual((piped.status, piped.errors.replace('opctool: -: ', '')), (0, said))
         self.assertEqual(self.do('apply broken.docx job.json'), said)
         self.assertEqual(self.do('hash broken.docx')[:64], self.do('hash piped.docx')[:64])
         self.assertNotIn('/docProps/app.xml', self.do('rels broken.docx'))

@@ -26,9 +26,11 @@ constexpr const char* CHANGES_SCHEMA = R"({
             "relationship-added", "relationship-removed", "relationship-changed", "property-changed", "mended"]},
           "place": {"description": "the part, or the source of the relationship; / is the package", "type": "string"},
           "name": {"description": "the ID of the relationship, or the property", "type": ["string", "null"]},
-          "before": {
-            "$anchor": "state",
-            "description": "what there was: a content type, a name, a target, a value; null if there was nothing",
+          "text": {"description": "the change in words", "type": "string"}
+        },
+        "patternProperties": {
+          "^(before|after)$": {
+            "description": "what there was or is: a content type, a name, a target, a value; null if there is nothing",
             "type": ["object", "null"],
             "required": ["text", "type", "external", "size"],
             "properties": {
@@ -37,9 +39,7 @@ constexpr const char* CHANGES_SCHEMA = R"({
               "external": {"description": "of a relationship: whether its target is outside the package", "type": "boolean"},
               "size": {"description": "of the content in bytes, if it is known", "type": ["integer", "null"]}
             }
-          },
-          "after": {"$ref": "#state"},
-          "text": {"description": "the change in words", "type": "string"}
+          }
         }
       }
     },

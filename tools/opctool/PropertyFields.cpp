@@ -120,6 +120,8 @@ std::string checkProperty(const std::string& name) {
 std::string checkAssignment(const std::string& assignment) {
     if (assignment.find('=') == std::string::npos)
         return assignment + " isn't NAME=VALUE";
+    if (opc::toUDEString(opc::toString(assignment, true)) != assignment)
+        return "isn't UTF-8";
     const auto [name, value] = splitAssignment(assignment);
     const CorePropertyField* const field = findField(name);
     if (field && std::holds_alternative<Keywords>(field->member))
