@@ -17,7 +17,7 @@ import zipfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 OFFICE_FILES = HERE.parent / 'data' / 'office'
-JARS = ('poi poi-ooxml poi-ooxml-schemas xmlbeans commons-collections4 commons-compress commons-codec commons-math3 dom4j curvesapi bcprov bcpkix bcutil'
+JARS = ('poi poi-ooxml poi-ooxml-schemas xmlbeans commons-collections4 commons-compress commons-codec commons-math3 dom4j curvesapi bcprov bcpkix bcutil xmlsec slf4j-api slf4j-nop'
         .split())
 SLIDE = '''<?xml version="1.0" encoding="UTF-8"?>
 <office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0" xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0"
@@ -50,7 +50,8 @@ class Judges:
         (folder / 'java.security').write_text('jdk.xml.dsig.secureValidationPolicy=\n')
 
     def poi(self, files, *options):
-        return run('java', '-cp', self.classpath, f'-Djava.security.properties={self.folder}/java.security', HERE / 'PoiJudge.java',
+        return run('java', '-cp', self.classpath, f'-Djava.security.properties={self.folder}/java.security',
+                   '--add-exports', 'java.xml.crypto/org.jcp.xml.dsig.internal.dom=ALL-UNNAMED', HERE / 'PoiJudge.java',
                    *options, *files).splitlines()
 
     def office(self, files, *options):
