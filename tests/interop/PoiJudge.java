@@ -3,6 +3,7 @@ import java.io.FileInputStream;
 import java.security.KeyStore;
 import java.security.PrivateKey;
 import java.security.cert.X509Certificate;
+import java.util.Arrays;
 import java.util.Collections;
 
 import org.apache.poi.openxml4j.opc.OPCPackage;
@@ -11,6 +12,8 @@ import org.apache.poi.poifs.crypt.HashAlgorithm;
 import org.apache.poi.poifs.crypt.dsig.SignatureConfig;
 import org.apache.poi.poifs.crypt.dsig.SignatureInfo;
 import org.apache.poi.poifs.crypt.dsig.SignaturePart;
+import org.apache.poi.poifs.crypt.dsig.facets.KeyInfoSignatureFacet;
+import org.apache.poi.poifs.crypt.dsig.facets.OOXMLSignatureFacet;
 
 /**
  * What Apache POI says of signed packages, a line for each: valid, broken, none, or failed with the reason. With --sign it
@@ -51,6 +54,8 @@ public class PoiJudge {
         config.setKey((PrivateKey) store.getKey(alias, password));
         config.setSigningCertificateChain(Collections.singletonList((X509Certificate) store.getCertificate(alias)));
         config.setDigestAlgo(HashAlgorithm.sha256);
+        // without XAdES, whose elements it doesn't find under this JDK
+        config.setSignatureFacets(Arrays.asList(new OOXMLSignatureFacet(), new KeyInfoSignatureFacet()));
         try (OPCPackage opened = OPCPackage.open(new File(path), PackageAccess.READ_WRITE)) {
             open(opened, config).confirmSignature();
         }
