@@ -148,8 +148,10 @@ void readByModel(const Source& source, const ScanOptions& options, Result& resul
         return;
     ZipPackage archive = makeArchive(source, options);
     physical::LenientPackage lenient(archive);
-    IPhysicalPackage& store = options.strict ? static_cast<IPhysicalPackage&>(archive) : lenient;
-    Package package(store);
+    IPhysicalPackage* store = &lenient;
+    if (options.strict)
+        store = &archive;
+    Package package(*store);
     std::optional<model::DigitalSignatureManager> manager;
     if ((options.what & SIGNATURES) != 0)
         manager.emplace(package);
@@ -157,7 +159,7 @@ void readByModel(const Source& source, const ScanOptions& options, Result& resul
     read(package, options.what, result);
     if (manager)
         result.signatures = readSignatures(*manager, archive, options);
-    result.hidden = store.getOddities();
+    result.hidden = store->getOddities();
 }
 
 } // namespace opc::scanning

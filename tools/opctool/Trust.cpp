@@ -68,9 +68,10 @@ CertificateValidationOptions makeValidationOptions(const Trust& trust) {
     options.setAcceptingWeakKeys(trust.acceptWeak);
     options.setAcceptingWeakDigests(trust.acceptWeak);
     if (!trust.time.empty())
-        options.setCheckTime(trust.time == NOW ? std::chrono::system_clock::now()
-                                               : std::chrono::system_clock::from_time_t(
-                                                     boost::posix_time::to_time_t(parseCheckTime(trust.time))));
+        options.setCheckTime(trust.time == NOW
+                                 ? std::chrono::system_clock::now()
+                                 : std::chrono::system_clock::from_time_t(
+                                       boost::posix_time::to_time_t(parseCheckTime(trust.time))));
     for (const std::string& file : trust.revocationLists)
         options.addRevocationList(readFile(file));
     return options;

@@ -78,7 +78,9 @@ public:
 
 private:
     RelationshipSource& get() {
-        return part ? static_cast<RelationshipSource&>(part->get()) : session->package();
+        if (part)
+            return part->get();
+        return session->package();
     }
 
     std::shared_ptr<Session> session;
