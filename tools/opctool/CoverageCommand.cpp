@@ -49,10 +49,10 @@ std::set<std::string> toSet(const std::vector<std::u16string>& texts) {
 constexpr std::size_t MAXIMUM_NAMES = 2000000;
 
 /// The report on a package, row by row, because there may be very many rows.
-class Report {
+class CoverageReport {
 public:
     /// @param package  must outlive this object
-    explicit Report(SignedPackage& package)
+    explicit CoverageReport(SignedPackage& package)
         : package(package), managedNames(toSet(package.signatures().getManagedPartNames())),
           managedTypes(toSet(package.signatures().getManagedRelationshipTypes())) {
         const auto signatures = package.signatures().getSignatures();
@@ -158,7 +158,7 @@ std::string describe(const ordered_json& row) {
     return text + (row["ofSignatures"].get<bool>() ? " (belongs to the signatures)" : "");
 }
 
-void printTables(FileRun& run, const Report& report) {
+void printTables(FileRun& run, const CoverageReport& report) {
     const Table parts({{"PART"}, {"SIGNATURES"}});
     parts.print(run.out(), run.tableStyle(), [&report](const auto& print) {
         report.forEachPart([&](const PartName& name) {
@@ -179,7 +179,7 @@ void printTables(FileRun& run, const Report& report) {
         run.out() << LIMITS;
 }
 
-void printUncovered(JSONOutput& output, const Report& report) {
+void printUncovered(JSONOutput& output, const CoverageReport& report) {
     output.beginObject("uncovered");
     output.beginArray("parts");
     report.forEachPart([&](const PartName& name) {
@@ -199,7 +199,7 @@ void printUncovered(JSONOutput& output, const Report& report) {
 }
 
 /// Adds the members of the report to the object that was begun last.
-void printMembers(JSONOutput& output, const Report& report) {
+void printMembers(JSONOutput& output, const CoverageReport& report) {
     const auto add = [&](const auto& entity) { output.add(report.describe(entity)); };
     output.add("opcmodel", "profile");
     output.add(report.names(), "signatures");
@@ -215,7 +215,7 @@ void printMembers(JSONOutput& output, const Report& report) {
     output.end();
 }
 
-void printBoth(FileRun& run, const Report& own, SignedPackage& package, bool hasStandard) {
+void printBoth(FileRun& run, const CoverageReport& own, SignedPackage& package, bool hasStandard) {
     if (!run.wantsJSON()) {
         printTables(run, own);
         if (hasStandard) {
@@ -248,7 +248,7 @@ void printStandard(FileRun& run, PackageFile& file) {
 
 void coverage(FileRun& run) {
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
-    const Report own(package);
+    const CoverageReport own(package);
     const bool hasStandard = package.signatures().hasForeignSignatures();
     if (hasStandard && own.names().empty())
         printStandard(run, package.closeUnchanged());

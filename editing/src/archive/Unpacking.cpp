@@ -37,9 +37,9 @@ public:
     virtual void remove(const std::string& path) = 0; ///< what was begun last
 };
 
-class Folder : public Destination {
+class FolderDestination : public Destination {
 public:
-    explicit Folder(FolderTree& tree) : tree(tree) {}
+    explicit FolderDestination(FolderTree& tree) : tree(tree) {}
 
     void begin(const std::string& path) override {
         file = tree.create(path);
@@ -168,7 +168,7 @@ Unpacked unpack(const Archive& archive, const std::filesystem::path& folder,
     requireDirectory(archive);
     FolderTree tree = FolderTree::make(folder, options.isForced);
     try {
-        Folder destination(tree);
+        FolderDestination destination(tree);
         return Unpacking(archive, options, destination).run();
     } catch (...) {
         tree.removeMade();
