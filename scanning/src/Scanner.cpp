@@ -130,6 +130,7 @@ private:
             startThread();
         if (threads.empty()) {
             read(job);
+            window.end(job);
             return;
         }
         {
@@ -157,15 +158,17 @@ private:
             waiting.pop_front();
             const bool isWanted = !hasStopped;
             lock.unlock();
-            if (isWanted)
+            if (isWanted) {
                 read(job);
-            else
-                window.end(job);
+                if (weigh(job.result) > LITTLE)
+                    window.waitUntilFirst(job);
+            }
+            window.end(job);
             lock.lock();
         }
     }
 
-    void read(Job& job) {
+    void read(Job& job) const {
         try {
             job.result = readFile(job.source, options);
         } catch (const std::exception& e) {
@@ -174,9 +177,6 @@ private:
             job.result.failure = describe(e, {});
         }
         job.source.bytes.reset();
-        if (!threads.empty() && weigh(job.result) > LITTLE)
-            window.waitUntilFirst(job);
-        window.end(job);
     }
 
     const Sources sources;
@@ -188,9 +188,9 @@ private:
     bool isAtEnd = false;
     std::exception_ptr failure; ///< of the sources
     OrderedWindow<Job> window;
-    std::deque<Result> taken; ///< and not given yet
-    std::vector<std::thread> threads;
-    std::mutex mutex; ///< of what follows
+    std::deque<Result> taken;         ///< and not given yet
+    std::vector<std::thread> threads; ///< that of the caller starts them, and no other looks at the list
+    std::mutex mutex;                 ///< of what follows
     std::condition_variable added;
     std::deque<Job*> waiting;
     bool hasStopped = false;
