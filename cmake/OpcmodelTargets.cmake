@@ -23,6 +23,13 @@ if(OPCMODEL_COVERAGE)
   target_link_options(opcmodel_flags INTERFACE --coverage)
 endif()
 
+# While the major version is 0, each minor version may break what was built for the one before.
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(OPCMODEL_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+else()
+  set(OPCMODEL_SOVERSION ${PROJECT_VERSION_MAJOR})
+endif()
+
 # opcmodel_library(TARGET ALIAS EXPORT_HEADER MACRO_BASE)
 #
 # Declares the library TARGET, known as opcmodel::ALIAS, with a generated header that holds its export macro.
@@ -41,7 +48,7 @@ function(opcmodel_library target alias header base)
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${alias}
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${OPCMODEL_SOVERSION})
   if(NOT BUILD_SHARED_LIBS)
     string(TOUPPER ${base} upper)
     target_compile_definitions(${target} PUBLIC ${upper}_STATIC_DEFINE)

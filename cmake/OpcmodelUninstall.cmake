@@ -1,0 +1,25 @@
+# cmake -DBUILD=FOLDER -P OpcmodelUninstall.cmake
+#
+# Removes the files that the last installations from the build folder FOLDER wrote, and folders of ours that are empty then.
+
+file(GLOB manifests "${BUILD}/install_manifest*.txt")
+if(NOT manifests)
+  message(FATAL_ERROR "Nothing was installed from ${BUILD}")
+endif()
+foreach(manifest IN LISTS manifests)
+  file(STRINGS "${manifest}" files)
+  foreach(file IN LISTS files)
+    set(file "$ENV{DESTDIR}${file}")
+    file(REMOVE "${file}")
+    get_filename_component(folder "${file}" DIRECTORY)
+    while(folder MATCHES "/(opc|bedrock|opcmodel)(/|$)")
+      file(GLOB rest "${folder}/*")
+      if(rest)
+        break()
+      endif()
+      file(REMOVE_RECURSE "${folder}")
+      get_filename_component(folder "${folder}" DIRECTORY)
+    endwhile()
+  endforeach()
+  file(REMOVE "${manifest}")
+endforeach()
