@@ -203,6 +203,8 @@ TEST(Picture, letsNoNameBecomeAnythingElse) {
                   "text#62;#60;script#62;#38;lt#59;#39;#35;\"]:::external\n"),
               std::string::npos)
         << mermaid;
+    EXPECT_NE(mermaid.find("\n  classDef external fill:#"), std::string::npos)
+        << mermaid; // else it has no colour
     EXPECT_EQ(toSVG(graph).find("<script"), std::string::npos);
 }
 

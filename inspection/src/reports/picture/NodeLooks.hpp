@@ -15,12 +15,15 @@ struct NodeLook {
     bool isDashed = false;
 };
 
-constexpr NodeLook PACKAGE_LOOK{"package", "package", "#33475b", "#33475b"};
-constexpr NodeLook PLAIN_LOOK{"plain", "part", "#f1f4f8", "#8493a5"};
-constexpr NodeLook SIGNED_LOOK{"signed", "named by a signature", "#dcf2e1", "#2f8f4e"};
-constexpr NodeLook UNREACHED_LOOK{"unreached", "nothing leads there", "#efe3fa", "#8a4fbf", true};
-constexpr NodeLook EXTERNAL_LOOK{"external", "outside the package", "#fdf0d0", "#cf8f12"};
-constexpr NodeLook MISSING_LOOK{"missing", "missing", "#fde3e1", "#d0392b", true};
+/// Each is one object in the whole library: they are compared by address.
+/// @{
+inline constexpr NodeLook PACKAGE_LOOK{"package", "package", "#33475b", "#33475b"};
+inline constexpr NodeLook PLAIN_LOOK{"plain", "part", "#f1f4f8", "#8493a5"};
+inline constexpr NodeLook SIGNED_LOOK{"signed", "named by a signature", "#dcf2e1", "#2f8f4e"};
+inline constexpr NodeLook UNREACHED_LOOK{"unreached", "nothing leads there", "#efe3fa", "#8a4fbf", true};
+inline constexpr NodeLook EXTERNAL_LOOK{"external", "outside the package", "#fdf0d0", "#cf8f12"};
+inline constexpr NodeLook MISSING_LOOK{"missing", "missing", "#fde3e1", "#d0392b", true};
+/// @}
 
 const NodeLook& lookOf(const GraphNode& node);
 
