@@ -50,6 +50,7 @@ class Compare(OpctoolCase):
             self.assert_wrong_usage('diff ' + wrong)
         for failing in 'a.docx none.docx', 'a.docx new.xml', 'a.docx b.docx /none.xml':
             self.assertEqual(self.run_tool('diff ' + failing).status, 3, failing)
+        self.assert_failure('diff a.docx new.xml', 'Exception: new.xml: The file is no package: XML document', 'a.docx')
 
     def test_diff_as_json(self):
         status, [document] = self.envelopes('diff a.docx b.docx -U 0')

@@ -193,7 +193,8 @@ Format detectForeignFormat(const Archive& archive) {
 }
 
 void throwNoArchive(const Archive& archive) {
-    throw Exception("The file is no package: " + detectForeignFormat(archive).description);
+    throw Exception(archive.place() +
+                    ": The file is no package: " + detectForeignFormat(archive).description);
 }
 
 } // namespace opc::inspection
