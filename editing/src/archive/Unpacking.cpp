@@ -5,6 +5,7 @@
 #include "archive/FullReport.hpp"
 #include "archive/HiddenContents.hpp"
 #include "archive/TreeDescription.hpp"
+#include "comparison/ContentEquality.hpp"
 
 #include "zip/src/Failure.hpp"
 
@@ -122,7 +123,7 @@ private:
                 count = isDone ? 0 : static_cast<std::size_t>(content->read(block.data(), block.size()));
             } catch (const Exception& e) {
                 destination.remove(path);
-                return e.what();
+                return inspection::withoutPlace(e.what());
             }
             destination.write(block.data(), count);
             result.bytes += count;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/inspection/Archive.hpp>
+#include <opc/inspection/Export.hpp>
 
 #include <cstddef>
 #include <memory>
@@ -43,6 +44,6 @@ private:
 std::uint64_t sizeOf(const std::vector<const ArchiveItem*>& items);
 
 /// The end of a message that begins with the names of the archive and the item.
-std::string withoutPlace(const std::string& message);
+OPC_INSPECTION_EXPORT std::string withoutPlace(const std::string& message);
 
 } // namespace opc::inspection
