@@ -43,8 +43,10 @@ void declareRepack(CLI::App& command) {
         ->check(CLI::Range(0, 9))
         ->type_name("N")
         ->capture_default_str();
-    addRepeatable(&command, "--store", options->stored,
-                  "Don't compress parts with such names; * stands for anything, as in '*.png'")
+    addRepeatable(
+        &command, "--store", options->stored,
+        "Don't compress parts with such names, as in '*.png' or '/word/media/*'; * stands for anything "
+        "within a segment, ** for anything")
         ->type_name("GLOB");
     command.add_flag("--deterministic", files->options.reading.zip.deterministic,
                      "Write the same bytes for the same contents: items by name, with a fixed time");

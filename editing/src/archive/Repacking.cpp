@@ -5,6 +5,8 @@
 #include "archive/HiddenContents.hpp"
 #include "archive/ItemOrder.hpp"
 #include "archive/TemporaryArchive.hpp"
+#include "comparison/NamePattern.hpp"
+#include "subject/Names.hpp"
 
 #include "zip/src/ItemName.hpp"
 #include "zip/src/ItemWriter.hpp"
@@ -17,16 +19,19 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace opc::editing {
 
 using namespace archive;
 using namespace physical::zip;
 using inspection::Archive;
+using inspection::NamePattern;
 
 namespace {
 
@@ -67,31 +72,16 @@ private:
     std::uint64_t position = 0;
 };
 
-/// @param pattern  `*` stands for anything
-bool matches(std::string_view pattern, std::string_view name) {
-    std::size_t star = std::string_view::npos;
-    std::size_t retry = 0;
-    std::size_t p = 0;
-    std::size_t n = 0;
-    while (n < name.size())
-        if (p < pattern.size() && pattern[p] == '*') {
-            star = p++;
-            retry = n;
-        } else if (p < pattern.size() && pattern[p] == name[n]) {
-            ++p;
-            ++n;
-        } else if (star != std::string_view::npos) {
-            p = star + 1;
-            n = ++retry;
-        } else {
-            return false;
-        }
-    return pattern.find_first_not_of('*', p) == std::string_view::npos;
+/// A pattern that doesn't begin at the root matches the end of names.
+NamePattern patternOf(const std::string& text) {
+    return NamePattern((text.substr(0, 1) == "/" ? "" : "**/") + text);
 }
 
 class Repacking {
 public:
-    Repacking(const Archive& package, const RepackingOptions& options) : package(package), options(options) {}
+    Repacking(const Archive& package, const RepackingOptions& options) : package(package), options(options) {
+        std::transform(options.stored.begin(), options.stored.end(), std::back_inserter(stored), patternOf);
+    }
 
     Repacked run() {
         physical::ZipOptions reading = options.archive;
@@ -143,14 +133,17 @@ private:
 
     std::uint16_t methodFor(std::string_view item) const {
         const ItemName name = readItemName(item);
-        const std::string part = '/' + (name.partName.empty() ? std::string(item) : name.partName);
-        const bool isStored = std::any_of(options.stored.begin(), options.stored.end(),
-                                          [&](const std::string& pattern) { return matches(pattern, part); });
+        const std::string key =
+            inspection::keyOfName('/' + (name.partName.empty() ? std::string(item) : name.partName));
+        const bool isStored = std::any_of(stored.begin(), stored.end(), [&key](const NamePattern& pattern) {
+            return pattern.matches(key);
+        });
         return isStored || options.level == 0 ? STORE : DEFLATE;
     }
 
     const Archive& package;
     const RepackingOptions& options;
+    std::vector<NamePattern> stored;
     std::uint64_t items = 0;
 };
 

@@ -14,8 +14,9 @@ struct RepackingOptions {
     /// two follow in the order of their names.
     physical::ZipOptions archive;
     int level = 6; ///< 1 is the fastest, 9 the smallest, 0 doesn't compress
-    std::vector<std::string>
-        stored; ///< patterns of part names that aren't compressed; `*` stands for anything
+    /// Patterns of names that aren't compressed: `*` stands for anything within a segment, `**` for anything. One that
+    /// doesn't begin with a slash matches the end of names, from any slash.
+    std::vector<std::string> stored;
 };
 
 struct Repacked {
