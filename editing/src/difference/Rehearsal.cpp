@@ -1,36 +1,35 @@
 #include "difference/Rehearsal.hpp"
 
-#include <opc/core/Exception.hpp>
+#include "archive/TemporaryArchive.hpp"
 
-#include <cerrno>
-#include <cstdlib>
-#include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <unistd.h>
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <streambuf>
 
 namespace opc::editing {
 
+using physical::zip::ByteTarget;
+
 namespace {
 
-/// The name of a new file, which it loses at the end.
-class TemporaryName {
+/// Lets a package write itself to a target.
+class TargetBuffer : public std::streambuf {
 public:
-    TemporaryName() : name((std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string()) {
-        const int file = ::mkostemp(name.data(), O_CLOEXEC);
-        if (file < 0)
-            throw Exception(name + ": can't be made", {errno, boost::system::generic_category()});
-        ::close(file);
-    }
-    TemporaryName(const TemporaryName&) = delete;
-    TemporaryName& operator=(const TemporaryName&) = delete;
-    ~TemporaryName() { ::unlink(name.c_str()); }
+    explicit TargetBuffer(ByteTarget& target) : target(target) {}
 
-    const std::string& text() const { return name; }
+protected:
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+        const auto size = static_cast<std::size_t>(count);
+        if (target.writeAt(written, reinterpret_cast<const unsigned char*>(bytes), size) != 0)
+            return 0;
+        written += size;
+        return count;
+    }
 
 private:
-    std::string name;
+    ByteTarget& target;
+    std::uint64_t written = 0;
 };
 
 physical::ZipOptions lenientOptions(physical::ZipOptions limits) {
@@ -46,19 +45,17 @@ model::Package& opened(model::Package& package) {
 } // namespace
 
 Rehearsal::Rehearsal(const inspection::Archive& original, const physical::ZipOptions& limits)
-    : limits(limits), source(original), archive(source, lenientOptions(limits)), lenient(archive),
-      package(lenient), edits(opened(package)) {
+    : limits(limits), source(original), zip(source, lenientOptions(limits)), lenient(zip), package(lenient),
+      edits(opened(package)) {
 }
 
 inspection::Archive Rehearsal::save() {
     package.close(false);
-    const TemporaryName name;
-    std::ofstream stream(name.text(), std::ios::binary);
-    archive.writeTo(stream);
-    stream.close();
-    if (!stream)
-        throw Exception(name.text() + ": can't be written");
-    return inspection::Archive(std::filesystem::path(name.text()), limits);
+    return archive::makeTemporaryArchive(limits, [this](ByteTarget& target) {
+        TargetBuffer buffer(target);
+        std::ostream stream(&buffer);
+        zip.writeTo(stream);
+    });
 }
 
 } // namespace opc::editing

@@ -20,14 +20,14 @@ public:
     Editor& editor() { return edits; }
 
     /// Ends the rehearsal.
-    /// @return the changed package, in a temporary file without a name
+    /// @return the changed package, as `makeTemporaryArchive` keeps it
     /// @throws as `Package::close`; `Exception` if the temporary file can't be written
     inspection::Archive save();
 
 private:
     const physical::ZipOptions limits;
     inspection::ArchiveSource source;
-    physical::ZipPackage archive;
+    physical::ZipPackage zip;
     physical::LenientPackage lenient;
     model::Package package;
     Editor edits;
