@@ -138,18 +138,26 @@ bool JobMaker::move(Editor& editor, const ContentDifference& part) {
         MoveStep{inspection::encodedName(part.before->name), inspection::encodedName(part.now->name)});
 }
 
+/// No step can make a part without one.
+bool JobMaker::hasType(const ContentVersion& part) {
+    if (part.contentType.empty())
+        reasons[describePart(part.name)] = "it has no content type";
+    return !part.contentType.empty();
+}
+
 void JobMaker::change(Editor& editor, const ContentDifference& part) {
     const std::string what = describePart(part.now->name);
     const std::string name = inspection::encodedName(part.now->name);
-    if (part.hasOtherType)
+    if (part.hasOtherType && hasType(*part.now))
         attempt(editor, what, RetypeStep{name, part.now->contentType});
     if (part.hasOtherContent)
         attempt(editor, what, PutStep{name, contents.keep(*part.now)});
 }
 
 void JobMaker::add(Editor& editor, const ContentVersion& part) {
-    attempt(editor, describePart(part.name),
-            AddStep{inspection::encodedName(part.name), part.contentType, contents.keep(part)});
+    if (hasType(part))
+        attempt(editor, describePart(part.name),
+                AddStep{inspection::encodedName(part.name), part.contentType, contents.keep(part)});
 }
 
 void JobMaker::changeRelationships(Editor& editor, const Comparison& comparison) {

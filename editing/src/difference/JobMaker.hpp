@@ -34,6 +34,7 @@ private:
     bool attempt(Editor& editor, const std::string& what, Step step);
     void remove(Editor& editor, const std::vector<const inspection::ContentVersion*>& parts);
     bool move(Editor& editor, const inspection::ContentDifference& part);
+    bool hasType(const inspection::ContentVersion& part);
     void change(Editor& editor, const inspection::ContentDifference& part);
     void add(Editor& editor, const inspection::ContentVersion& part);
     void set(Editor& editor, const inspection::RelationshipDifference& relationship);
