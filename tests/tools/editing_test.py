@@ -154,12 +154,14 @@ class Editing(OpctoolCase):
 
     def test_apply_mends_first(self):
         self.do('rm p.docx /docProps/app.xml -o broken.docx')
-        before = self.read('broken.docx')
-        self.job({'do': 'fix', 'rules': ['SEC-17']}, {'do': 'mv', 'part': DOCUMENT, 'name': '/main.xml'})
+        before = b'not of the archive' + self.read('broken.docx')
+        self.write('broken.docx', before)
+        self.assertEqual(self.run_tool('info broken.docx').status, 3, 'only the mended package opens')
+        self.job({'do': 'fix', 'rules': ['SEC-17', 'SEC-46']}, {'do': 'mv', 'part': DOCUMENT, 'name': '/main.xml'})
         jsonschema.Draft202012Validator(json.loads(self.do('schema --job'))).validate(json.loads(self.read('job.json')))
         said = self.do('apply broken.docx job.json -n')
         self.assertEqual(self.read('broken.docx'), before)
-        self.assertRegex(said, r'^remove relationship /#rId\d to docProps/app.xml.*\n(.*\n)*rename /word/document.xml to /main.xml\n')
+        self.assertRegex(said, r'^(.*\n)*remove relationship /#rId\d to docProps/app.xml.*\n(.*\n)*rename /word/document.xml to /main.xml\n')
         piped = self.shell(f"'{self.tool}' apply - job.json <broken.docx >piped.docx")
         self.assertEqual((piped.status, piped.errors.replace('opctool: -: ', '')), (0, said))
         self.assertEqual(self.do('apply broken.docx job.json'), said)
@@ -174,6 +176,8 @@ class Editing(OpctoolCase):
                 ("rm p.docx '/no*'", 'PartNotFound: No part found with the name:/no*'),
                 (f'mv p.docx {DOCUMENT} /word/styles.xml',
                  'PartAlreadyExists: Cannot use a part name that already exists: /word/styles.xml'),
+                (f'mv p.docx {DOCUMENT} /a/', 'InvalidPartName: A part name shall not have a forward slash as the last '
+                                              'character [M1.5]; /a/'),
                 ('retype p.docx /no.xml a/b', 'PartNotFound: No part found with the name:/no.xml'),
                 ('retarget p.docx / rId99 x', 'RelationshipNotFound: Relationship ID does not exist')):
             self.assert_failure(command, line, 'p.docx')

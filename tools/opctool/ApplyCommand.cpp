@@ -131,7 +131,8 @@ const Command APPLY{
     declareApply,
     "A job is JSON: a list of steps, each with what one of the commands add, put, rm, mv, retype, relate, "
     "unrelate, "
-    "retarget, gc, props, clean and check takes. The schema command prints its schema with --job. Contents "
+    "retarget, gc, props, clean, fix and check takes. The schema command prints its schema with --job. "
+    "Contents "
     "stand in "
     "the "
     "job, or in files "

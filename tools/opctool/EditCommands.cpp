@@ -3,6 +3,7 @@
 #include "EditedPackage.hpp"
 #include "Files.hpp"
 
+#include <opc/core/Exception.hpp>
 #include <opc/editing/Moving.hpp>
 #include <opc/editing/Removing.hpp>
 
@@ -42,8 +43,14 @@ CLI::Option* addText(CLI::App& command, const char* name, std::string& text, con
     return command.add_option(name, text, what)->required()->type_name("");
 }
 
+/// A failure names the argument, which is one of several.
 PartName nameOf(const std::string& argument) {
-    return PartName(fromArgument(argument));
+    try {
+        return PartName(fromArgument(argument));
+    } catch (opc::Exception& e) {
+        e.addDetails(argument);
+        throw;
+    }
 }
 
 struct RemoveArguments {

@@ -179,9 +179,10 @@ void declareProperty(CLI::App& command) {
         command.add_flag("--clear", arguments->clear, "First drop all properties"),
         addRepeatable(&command, "--unset", arguments->unset, "Drop one property; done before --set")
             ->type_name("NAME"),
-        addRepeatable(&command, "--set", arguments->set,
-                      "Set one property. A time is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
-                      "2024-02-29T13:45:59+01:00 …)")
+        addRepeatable(
+            &command, "--set", arguments->set,
+            "Set one property. A time of core properties is \"now\", or has a W3CDTF form (2024, 2024-02-29, "
+            "2024-02-29T13:45:59+01:00 …); that of custom ones has the last form")
             ->type_name("NAME=VALUE"),
         command
             .add_option(

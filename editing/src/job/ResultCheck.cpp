@@ -61,7 +61,8 @@ private:
 
 std::string textOf(const Finding& finding) {
     const inspection::Place& place = finding.place;
-    return std::string(finding.rule->id) + " in " + (place.part.empty() ? place.item : place.part) +
+    const std::string& name = place.part.empty() ? place.item : place.part;
+    return std::string(finding.rule->id) + (name.empty() ? "" : " in " + name) +
            (place.relationship.empty() ? "" : "#" + place.relationship) + ": " + finding.message;
 }
 
