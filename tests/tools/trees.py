@@ -9,6 +9,7 @@ one file changed, every other item keeps its compressed bytes, or the change is 
 same contents, and the same bytes for any order and compression that it had. Prints each violation, and counts.
 """
 import collections
+import concurrent.futures
 import os
 import random
 import shutil
@@ -34,102 +35,119 @@ def contents_of(path):
     return sorted((name, item.size, item.crc) for name, item in archives.read_items(path).items() if not name.endswith('/'))
 
 
-class Run:
-    def __init__(self, tool, folder):
+class Check:
+    """Of one package, in a folder of its own."""
+
+    def __init__(self, tool, folder, path, rng):
         self.tool = tool
-        self.folder = folder
+        self.path = path
+        self.rng = rng
+        self.tree, self.packed, self.rebuilt, self.repacked, self.again = (
+            os.path.join(folder, name) for name in ('tree', 'packed.zip', 'rebuilt.zip', 'repacked.zip', 'again.zip'))
         self.counts = collections.Counter()
 
-    def tell(self, name, text):
+    def tell(self, text):
         self.counts['violations'] += 1
-        print(f'VIOLATION {name}: {text}', flush=True)
+        print(f'VIOLATION {os.path.basename(self.path)}: {text}', flush=True)
 
     def run(self, *arguments):
         done = subprocess.run([self.tool, *arguments], capture_output=True, check=False)
         return done.returncode, done.stderr.decode(errors='replace').strip()
 
-    def succeed(self, name, *arguments):
+    def succeed(self, *arguments):
         status, errors = self.run(*arguments)
         if status != 0 and any(words in errors for words in UNREADABLE):
             self.counts['damaged'] += 1
         elif status != 0:
-            self.tell(name, f'{arguments[0]}: status {status}: {errors}')
+            self.tell(f'{arguments[0]}: status {status}: {errors}')
         return status == 0
 
-    def has_same_contents(self, path, other):
-        hashes = [subprocess.run([self.tool, 'hash', file], capture_output=True, check=False).stdout.split()[:1]
-                  for file in (path, other)]
-        return contents_of(path) == contents_of(other) and (hashes[0] == [] or hashes[0] == hashes[1])
-
-    def check(self, path, rng):
-        name = os.path.basename(path)
-        if self.run('info', '-q', path)[0] != 0:
+    def check(self):
+        if self.run('info', '-q', self.path)[0] != 0:
             self.counts['refused'] += 1
             return
         self.counts['packages'] += 1
-        tree, packed = (os.path.join(self.folder, last) for last in ('tree', 'packed.zip'))
-        for check in (self.check_same_bytes, self.check_same_contents, self.check_change):
-            if self.succeed(name, 'unpack', path, tree, *(['--no-original'] if check == self.check_same_contents else [])):
-                check(name, path, tree, packed, rng)
-            shutil.rmtree(tree, ignore_errors=True)
-        self.check_repacking(name, path, packed)
+        if self.succeed('unpack', self.path, self.tree):
+            if self.succeed('pack', self.tree, '-o', self.packed) and read(self.packed) != read(self.path):
+                self.tell("doesn't come back byte for byte")
+            self.check_change()
+        shutil.rmtree(self.tree, ignore_errors=True)
+        made = []
+        if self.succeed('unpack', self.path, self.tree, '--no-original') and self.succeed('pack', self.tree, '-o', self.rebuilt):
+            made.append(self.rebuilt)
+        if self.repack():
+            made.append(self.repacked)
+        self.check_contents(made)
 
-    def check_same_bytes(self, name, path, tree, packed, _):
-        if self.succeed(name, 'pack', tree, '-o', packed) and read(packed) != read(path):
-            self.tell(name, "doesn't come back byte for byte")
-
-    def check_same_contents(self, name, path, tree, packed, _):
-        if self.succeed(name, 'pack', tree, '-o', packed) and \
-                not self.has_same_contents(path, packed):
-            self.tell(name, "doesn't come back with its contents")
-
-    def check_change(self, name, path, tree, packed, rng):
-        files = sorted(os.path.relpath(os.path.join(root, file), tree) for root, folders, files in os.walk(tree)
+    def check_change(self):
+        files = sorted(os.path.relpath(os.path.join(root, file), self.tree) for root, folders, files in os.walk(self.tree)
                        for file in files if '.opctool' not in root and '_xmlsignatures' not in root)
-        changed = rng.choice([file for file in files if not archives.is_document(file)] or files)
-        with open(os.path.join(tree, changed), 'ab') as file:
+        changed = self.rng.choice([file for file in files if not archives.is_document(file)] or files)
+        with open(os.path.join(self.tree, changed), 'ab') as file:
             file.write(b'\n')
-        before = read(packed) if os.path.exists(packed) else None
-        status, errors = self.run('pack', tree, '-o', packed, '--break-signatures')
+        before = read(self.packed) if os.path.exists(self.packed) else None
+        status, errors = self.run('pack', self.tree, '-o', self.packed, '--break-signatures')
         if status != 0:
             self.counts['changes refused'] += 1
             if 'would have an error' not in errors:
-                self.tell(name, f'change of {changed}: {errors}')
-            if before is not None and read(packed) != before:
-                self.tell(name, 'refused, and not left as it was')
+                self.tell(f'change of {changed}: {errors}')
+            if before is not None and read(self.packed) != before:
+                self.tell('refused, and not left as it was')
             return
         self.counts['changes'] += 1
-        old, new = archives.read_items(path), archives.read_items(packed)
+        old, new = archives.read_items(self.path), archives.read_items(self.packed)
         differing = [item for item in old if item not in new or new[item].compressed != old[item].compressed]
         if len(new) != len(old) or len(differing) > 1:
-            self.tell(name, f'change of {changed}: {differing} differ')
+            self.tell(f'change of {changed}: {differing} differ')
 
-    def check_repacking(self, name, path, packed):
-        again = packed + '.again'
-        if self.succeed(name, 'repack', path, '-o', packed, '--deterministic') and \
-                self.succeed(name, 'repack', path, '-o', again, '--level', '1') and \
-                self.succeed(name, 'repack', again, '--deterministic'):
-            if not self.has_same_contents(path, packed):
-                self.tell(name, 'repacking changes the contents')
-            if read(packed) != read(again):
-                self.tell(name, 'repacking depends on the compression before')
+    def repack(self):
+        if not (self.succeed('repack', self.path, '-o', self.repacked, '--deterministic') and
+                self.succeed('repack', self.path, '-o', self.again, '--level', '1') and
+                self.succeed('repack', self.again, '--deterministic')):
+            return False
+        if read(self.repacked) != read(self.again):
+            self.tell('repacking depends on the compression before')
+        return True
+
+    def check_contents(self, made):
+        lines = subprocess.run([self.tool, 'hash', self.path, *made], capture_output=True, check=False).stdout
+        hashes = {name: digest for digest, name in (os.fsdecode(line).split('  ', 1) for line in lines.splitlines())}
+        for path in made:
+            if contents_of(path) != contents_of(self.path) or hashes.get(self.path, hashes.get(path)) != hashes.get(path):
+                self.tell(f'{os.path.basename(path)} has other contents')
+
+
+def check(tool, work, path, seed):
+    with tempfile.TemporaryDirectory(dir=work) as folder:
+        one = Check(tool, folder, path, random.Random(seed))
+        one.check()
+        return one.counts
+
+
+def choose(work, folder, count, seed):
+    """The paths of packages, each with the seed of its own choices."""
+    if folder is not None:
+        paths = sorted(os.path.join(root, file) for root, _, files in os.walk(folder) for file in files)
+        for path in random.Random(seed).sample(paths, min(int(count), len(paths))):
+            yield path, f'{seed} {os.path.basename(path)}'
+        return
+    for name, package in odd_packages.PACKAGES.items():
+        path = os.path.join(work, name.replace(' ', '-').replace('/', '-') + '.zip')
+        with open(path, 'wb') as file:
+            file.write(package.content)
+        yield path, name
 
 
 def main(tool, folder=None, count='600', seed='1'):
-    with tempfile.TemporaryDirectory() as work:
-        run = Run(os.path.abspath(tool), work)
-        if folder is None:
-            for name, package in odd_packages.PACKAGES.items():
-                path = os.path.join(work, name.replace(' ', '-').replace('/', '-') + '.zip')
-                with open(path, 'wb') as file:
-                    file.write(package.content)
-                run.check(path, random.Random(name))
-        else:
-            paths = sorted(os.path.join(root, file) for root, _, files in os.walk(folder) for file in files)
-            for path in random.Random(seed).sample(paths, min(int(count), len(paths))):
-                run.check(path, random.Random(f'{seed} {os.path.basename(path)}'))
-        print(dict(run.counts))
-        return run.counts['violations'] != 0 or run.counts['packages'] == 0
+    tool = os.path.abspath(tool)
+    memory = '/dev/shm'  # each archive is written to the disk before it has its name; the disk would take most of the time
+    with tempfile.TemporaryDirectory(dir=memory if os.access(memory, os.W_OK) else None) as work, \
+            concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        counts = collections.Counter()
+        for one in pool.map(lambda chosen: check(tool, work, *chosen), choose(work, folder, count, seed)):
+            counts += one
+        print(dict(counts))
+        return counts['violations'] != 0 or counts['packages'] == 0
 
 
 sys.exit(main(*sys.argv[1:]))
