@@ -2,6 +2,7 @@
 
 #include "KeyFiles.hpp"
 #include "Password.hpp"
+#include "SourceDate.hpp"
 
 #include <opc/core/Exception.hpp>
 
@@ -39,7 +40,7 @@ SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySiz
     const auto* const digest = std::find_if(std::begin(DIGESTS), std::end(DIGESTS), [&](const Digest& entry) {
         return entry.name == (arguments.digest.empty() ? "sha512" : arguments.digest);
     });
-    const SignatureParams params(digest->method, opc::model::keySizeToSignatureMethod(keySize));
+    SignatureParams params(digest->method, opc::model::keySizeToSignatureMethod(keySize));
     const auto refuse = [](const std::string& what) {
         throw opc::Exception(what + " is too weak; use --accept-weak to sign with it");
     };
@@ -47,6 +48,7 @@ SignatureParams makeParams(const SigningArguments& arguments, std::size_t keySiz
         refuse("An RSA key of " + std::to_string(keySize) + " bits");
     if (!arguments.trust.acceptWeak && isWeak(params.getDigestMethod()))
         refuse("The digest " + arguments.digest);
+    params.setSigningTime(presentTime());
     return params;
 }
 

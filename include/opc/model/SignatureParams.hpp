@@ -2,7 +2,9 @@
 
 #include <opc/model/Export.hpp>
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace opc::model {
 
@@ -24,7 +26,7 @@ enum class SignatureMethod : std::uint32_t {
     NoKey = 3, ///< only for signatures that were read and contain no key
 };
 
-/// The algorithms of a signature. A value type.
+/// The algorithms of a signature, and the time that it is to name. A value type.
 class OPC_MODEL_EXPORT SignatureParams {
 public:
     explicit SignatureParams(DigestMethod digestMethod = DigestMethod::SHA512,
@@ -34,9 +36,18 @@ public:
     DigestMethod getDigestMethod() const { return digestMethod; }
     SignatureMethod getSignatureMethod() const { return signatureMethod; }
 
+    /// The time that a new signature names as that of signing, to the second. Without it, that is the time of the system's
+    /// clock. With a certificate, signing fails if the certificate isn't valid at that time. The time of an existing
+    /// signature is `DigitalSignature::getSignedTime`; here it is absent.
+    /// @{
+    std::optional<std::chrono::system_clock::time_point> getSigningTime() const { return signingTime; }
+    void setSigningTime(std::chrono::system_clock::time_point time) { signingTime = time; }
+    /// @}
+
 private:
     DigestMethod digestMethod;
     SignatureMethod signatureMethod;
+    std::optional<std::chrono::system_clock::time_point> signingTime;
 };
 
 /// Whether the algorithm has less than 112 bits of security (NIST SP 800-57 part 1), so that others may be able to forge

@@ -16,6 +16,7 @@
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include <chrono>
 #include <map>
 
 /// @file
@@ -41,6 +42,14 @@ void checkDataToSign(const std::u16string& signatureID, const DataToSign& data) 
     if (!data.partNames.empty() && (data.digests.empty() || data.contentTypes.empty()))
         throw CouldNotGenerateSignature(
             "Internal error: Signed parts' digests or content types cannot be empty.");
+}
+
+boost::posix_time::ptime signingTimeOf(const SignatureParams& params) {
+    const auto time = params.getSigningTime();
+    if (!time)
+        return boost::posix_time::microsec_clock::universal_time();
+    const auto since = std::chrono::duration_cast<std::chrono::microseconds>(time->time_since_epoch());
+    return {boost::gregorian::date(1970, 1, 1), boost::posix_time::microseconds(since.count())};
 }
 
 } // namespace
@@ -157,7 +166,7 @@ void DigitalSignatureData::addRelationshipReferences(const DataToSign& data) {
 }
 
 void DigitalSignatureData::addSignatureTime() {
-    m_signedTime = boost::posix_time::microsec_clock::universal_time();
+    m_signedTime = signingTimeOf(m_signatureParams);
     SignatureProperty property;
     property.target = u"#" + SIGNATURE_ID_PREFIX.text() + m_signatureId;
     property.id = SIGNATURE_TIME_ID.text();
