@@ -51,8 +51,8 @@ std::u16string base64Encode(const std::vector<unsigned char>& bytes) {
 }
 
 std::vector<unsigned char> base64Decode(const std::u16string& text) {
-    std::vector<unsigned char> bytes;
-    bytes.reserve(text.size() / 4 * 3);
+    std::vector<unsigned char> bytes(text.size() / 4 * 3 + 2);
+    std::size_t count = 0;
     std::uint32_t group = 0;
     unsigned digits = 0;  // in the current group of four
     unsigned padding = 0; // so far
@@ -70,23 +70,23 @@ std::vector<unsigned char> base64Decode(const std::u16string& text) {
             throw Exception("The text isn't Base64: padding stands before its end.");
         group = group << 6 | meaning;
         if (++digits == 4) {
-            bytes.insert(bytes.end(),
-                         {static_cast<unsigned char>(group >> 16), static_cast<unsigned char>(group >> 8),
-                          static_cast<unsigned char>(group)});
+            bytes[count++] = static_cast<unsigned char>(group >> 16);
+            bytes[count++] = static_cast<unsigned char>(group >> 8);
+            bytes[count++] = static_cast<unsigned char>(group);
             group = 0;
             digits = 0;
         }
     }
     if (digits == 1 || padding != (4 - digits) % 4)
         throw Exception("The text isn't Base64: its end is cut off or wrongly padded.");
-    if (digits == 0)
-        return bytes;
     group <<= 6 * padding;
-    if (group & (padding == 2 ? 0xFFFF : 0xFF))
+    if (digits != 0 && (group & (padding == 2 ? 0xFFFF : 0xFF)) != 0)
         throw Exception("The text isn't Base64: bits behind the last byte aren't zero.");
-    bytes.push_back(static_cast<unsigned char>(group >> 16));
+    if (digits != 0)
+        bytes[count++] = static_cast<unsigned char>(group >> 16);
     if (padding == 1)
-        bytes.push_back(static_cast<unsigned char>(group >> 8));
+        bytes[count++] = static_cast<unsigned char>(group >> 8);
+    bytes.resize(count);
     return bytes;
 }
 

@@ -44,6 +44,14 @@ PkeyPtr make(const char* algorithm, OSSL_PARAM_BLD& builder) {
     return PkeyPtr(key);
 }
 
+PkeyPtr makeRsaKey(const BIGNUM& modulus, const BIGNUM& exponent) {
+    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
+    if (!OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, &modulus) ||
+        !OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, &exponent))
+        throw std::bad_alloc();
+    return make("RSA", *builder);
+}
+
 /// An element of DER with this tag, of up to 65,535 bytes.
 Bytes element(unsigned char tag, const Bytes& content) {
     const auto byte = [&content](unsigned shift) {
@@ -86,12 +94,12 @@ const NamedCurve* findCurveOf(const EVP_PKEY& key) {
     return find([&name](const NamedCurve& one) { return std::string_view(name) == one.openSslName; });
 }
 
-PkeyPtr makeRsaKey(const BIGNUM& modulus, const BIGNUM& exponent) {
-    const openssl::ParamBuilderPtr builder = openssl::made(openssl::ParamBuilderPtr(OSSL_PARAM_BLD_new()));
-    if (!OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, &modulus) ||
-        !OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, &exponent))
-        throw std::bad_alloc();
-    return make("RSA", *builder);
+void throwIfUnusableNumbers(int modulusBits, const BIGNUM& exponent) {
+    constexpr int MOST_BITS = 16384;
+    constexpr int MOST_EXPONENT_BITS = 64;
+    if (modulusBits > MOST_BITS || BN_is_one(&exponent) || !BN_is_odd(&exponent) ||
+        BN_num_bits(&exponent) > MOST_EXPONENT_BITS)
+        throw utils::InvalidKey("The RSA key can't be used.");
 }
 
 PkeyPtr makeEcKey(const NamedCurve& curve, const unsigned char* point, std::size_t size) {
@@ -119,7 +127,10 @@ PkeyPtr readPlainPublicKey(const Bytes& der) {
     if (curve != nullptr)
         return makeEcKey(*curve, der.data() + curve->keyStart.size(), curve->pointSize);
     const auto numbers = scanRsaPublicKey(der);
-    return numbers ? makeRsaKey(*numbers->modulus, *numbers->exponent) : nullptr;
+    if (!numbers)
+        return nullptr;
+    throwIfUnusableNumbers(BN_num_bits(numbers->modulus.get()), *numbers->exponent);
+    return makeRsaKey(*numbers->modulus, *numbers->exponent);
 }
 
 } // namespace bedrock::crypto

@@ -24,17 +24,17 @@ const NamedCurve* findCurve(const std::string& name);
 /// The curve of a key; null if it has none, or one that isn't accepted.
 const NamedCurve* findCurveOf(const EVP_PKEY& key);
 
-/// @throws utils::InvalidKey  the numbers make no key
-/// @{
-openssl::PkeyPtr makeRsaKey(const BIGNUM& modulus, const BIGNUM& exponent);
+/// @throws utils::InvalidKey  the numbers of an RSA key cost too much, or everybody can sign with them
+void throwIfUnusableNumbers(int modulusBits, const BIGNUM& exponent);
+
+/// @throws utils::InvalidKey  the point makes no key
 openssl::PkeyPtr makeEcKey(const NamedCurve& curve, const unsigned char* point, std::size_t size);
-/// @}
 
 /// SubjectPublicKeyInfo of these numbers.
 std::vector<unsigned char> encodeRsaKey(const BIGNUM& modulus, const BIGNUM& exponent);
 
 /// @return null for any other form than that of RSA and of the curves; it may still be a key
-/// @throws utils::InvalidKey  the numbers make no key
+/// @throws utils::InvalidKey  the numbers make no key, or one that can't be used
 openssl::PkeyPtr readPlainPublicKey(const std::vector<unsigned char>& der);
 
 } // namespace bedrock::crypto

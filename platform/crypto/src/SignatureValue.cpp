@@ -24,26 +24,25 @@ using utils::InvalidKey;
 using EcdsaPtr = std::unique_ptr<ECDSA_SIG, openssl::Deleter<ECDSA_SIG_free>>;
 
 constexpr std::size_t MOST_KEY_BYTES = 16384; // of an encoded key
-constexpr int MOST_BITS = 16384;
-constexpr int MOST_EXPONENT_BITS = 64;
 
 bool isRSA(const EVP_PKEY& key) {
     return EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_is_a(&key, "RSA-PSS");
 }
 
-/// Numbers that cost too much, or that everybody can sign with.
 void throwIfUnusable(const EVP_PKEY& key) {
     if (!isRSA(key))
         return;
     const openssl::BnPtr exponent = openssl::getNumber(key, OSSL_PKEY_PARAM_RSA_E);
-    if (EVP_PKEY_get_bits(&key) > MOST_BITS || !exponent || BN_is_one(exponent.get()) ||
-        !BN_is_odd(exponent.get()) || BN_num_bits(exponent.get()) > MOST_EXPONENT_BITS)
+    if (!exponent)
         throw InvalidKey("The RSA key can't be used.");
+    throwIfUnusableNumbers(EVP_PKEY_get_bits(&key), *exponent);
 }
 
 PkeyPtr readPublic(const Bytes& encoded) {
     PkeyPtr key = encoded.size() > MOST_KEY_BYTES ? PkeyPtr() : readPlainPublicKey(encoded);
-    if (!key && encoded.size() <= MOST_KEY_BYTES)
+    if (key)
+        return key;
+    if (encoded.size() <= MOST_KEY_BYTES)
         key = openssl::fromDer<PkeyPtr, d2i_PUBKEY>(encoded.data(), encoded.size());
     if (!key)
         openssl::fail<InvalidKey>("The bytes are no public key.");
@@ -213,7 +212,7 @@ Bytes makeRSAPublicKey(const Bytes& modulus, const Bytes& exponent) {
         throw InvalidKey("The numbers make no public key.");
     const openssl::BnPtr n = openssl::toNumber(modulus);
     const openssl::BnPtr e = openssl::toNumber(exponent);
-    throwIfUnusable(*makeRsaKey(*n, *e));
+    throwIfUnusableNumbers(BN_num_bits(n.get()), *e);
     return encodeRsaKey(*n, *e);
 }
 

@@ -5,6 +5,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -27,11 +28,26 @@ void throwIfRelative(std::string_view namespaceURI) {
         throw model::InvalidXMLDocument("A namespace is a relative reference, which has no canonical form");
 }
 
-void append(std::string& text, std::string_view value, std::string_view special) {
+/// Which bytes a text can't have as they are.
+using Specials = std::array<bool, 256>;
+
+constexpr Specials specialsOf(std::string_view characters) {
+    Specials all{};
+    for (const char c : characters)
+        all[static_cast<unsigned char>(c)] = true;
+    return all;
+}
+
+constexpr Specials TEXT_SPECIALS = specialsOf("&<>\r");
+constexpr Specials ATTRIBUTE_SPECIALS = specialsOf("&<\"\t\n\r");
+
+void append(std::string& text, std::string_view value, const Specials& specials) {
+    const auto isSpecial = [&specials](char c) { return specials[static_cast<unsigned char>(c)]; };
     for (;;) {
-        const std::size_t place = value.find_first_of(special);
+        const auto place =
+            static_cast<std::size_t>(std::find_if(value.begin(), value.end(), isSpecial) - value.begin());
         text.append(value.substr(0, place));
-        if (place == std::string_view::npos)
+        if (place == value.size())
             return;
         switch (value[place]) {
         case '&':
@@ -125,7 +141,7 @@ private:
             beginElement(node);
             break;
         case NodeKind::Text:
-            append(text, node.text, "&<>\r");
+            append(text, node.text, TEXT_SPECIALS);
             break;
         case NodeKind::Comment:
             if (form.withComments)
@@ -252,7 +268,7 @@ std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form) 
 }
 
 void appendAttributeValue(std::string& text, std::string_view value) {
-    append(text, value, "&<\"\t\n\r");
+    append(text, value, ATTRIBUTE_SPECIALS);
 }
 
 } // namespace opc::standard_signatures

@@ -57,16 +57,13 @@ public:
     }
 
     /// The same for texts that come again and again.
-    std::string_view keepName(std::u16string_view name) {
-        if (name.empty())
-            return std::string_view("");
-        const auto known = names.find(name);
-        if (known != names.end())
-            return known->second;
-        auto* const place =
-            static_cast<char16_t*>(resource.allocate(name.size() * sizeof(char16_t), alignof(char16_t)));
-        std::copy(name.begin(), name.end(), place);
-        return names.emplace(std::u16string_view(place, name.size()), keep(name)).first->second;
+    std::string_view keepName(std::u16string_view name) { return keepEntry(name).second; }
+
+    /// The same for the names of namespaces, which are long, and of which one is used by most elements.
+    std::string_view keepNamespace(std::u16string_view name) {
+        if (name.empty() || name != lastNamespace.first)
+            lastNamespace = keepEntry(name);
+        return lastNamespace.second;
     }
 
     template <typename T>
@@ -84,6 +81,20 @@ public:
     }
 
 private:
+    using Entry = std::pair<std::u16string_view, std::string_view>;
+
+    Entry keepEntry(std::u16string_view name) {
+        if (name.empty())
+            return {name, std::string_view("")};
+        const auto known = names.find(name);
+        if (known != names.end())
+            return *known;
+        auto* const place =
+            static_cast<char16_t*>(resource.allocate(name.size() * sizeof(char16_t), alignof(char16_t)));
+        std::copy(name.begin(), name.end(), place);
+        return *names.emplace(std::u16string_view(place, name.size()), keep(name)).first;
+    }
+
     template <typename Text>
     std::string_view copy(const Text& text) {
         auto* const place = static_cast<char*>(resource.allocate(text.size(), 1));
@@ -94,6 +105,7 @@ private:
     std::pmr::monotonic_buffer_resource resource;
     std::deque<XmlTreeNode> nodes;
     std::unordered_map<std::u16string_view, std::string_view> names;
+    Entry lastNamespace;
 };
 
 class XmlTree::Builder final : public model::XmlEvents {
@@ -115,7 +127,7 @@ public:
         count(element.attributeCount() + element.declarationCount());
         XmlTreeNode& node = append(XmlTreeNode::Kind::Element);
         node.name = tree.memory->keepName(element.localName());
-        node.namespaceURI = tree.memory->keepName(element.namespaceURI());
+        node.namespaceURI = tree.memory->keepNamespace(element.namespaceURI());
         node.prefix = tree.memory->keepName(element.prefix());
         node.attributes = attributesOf(element);
         node.declarations = declarationsOf(element);
@@ -183,29 +195,32 @@ private:
     }
 
     XmlTreeList<XmlTreeAttribute> attributesOf(const model::XmlElement& element) {
-        std::vector<XmlTreeAttribute> all;
+        attributes.clear();
         for (std::size_t i = 0; i < element.attributeCount(); ++i) {
             const model::XmlAttribute one = element.attribute(i);
-            all.push_back({tree.memory->keepName(one.namespaceURI), tree.memory->keepName(one.prefix),
-                           tree.memory->keepName(one.localName), tree.memory->keep(one.value)});
+            attributes.push_back({tree.memory->keepName(one.namespaceURI), tree.memory->keepName(one.prefix),
+                                  tree.memory->keepName(one.localName), tree.memory->keep(one.value)});
         }
-        return tree.memory->keep(all);
+        return tree.memory->keep(attributes);
     }
 
     XmlTreeList<XmlTreeDeclaration> declarationsOf(const model::XmlElement& element) {
-        std::vector<XmlTreeDeclaration> all;
+        declarations.clear();
         for (std::size_t i = 0; i < element.declarationCount(); ++i) {
             const model::XmlNamespaceDeclaration one = element.declaration(i);
             if (one.prefix != u"xml") // it has its namespace without a declaration
-                all.push_back({tree.memory->keepName(one.prefix), tree.memory->keepName(one.namespaceURI)});
+                declarations.push_back(
+                    {tree.memory->keepName(one.prefix), tree.memory->keepName(one.namespaceURI)});
         }
-        return tree.memory->keep(all);
+        return tree.memory->keep(declarations);
     }
 
     XmlTree& tree;
     const XmlTreeLimits limits;
     std::vector<Open> open;
-    std::u16string text; ///< that no node has yet
+    std::u16string text;                      ///< that no node has yet
+    std::vector<XmlTreeAttribute> attributes; ///< of the element that is read; their memory is used again
+    std::vector<XmlTreeDeclaration> declarations;
     std::uint64_t nodes = 0;
 };
 

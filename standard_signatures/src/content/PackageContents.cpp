@@ -44,6 +44,7 @@ std::string failureText(const Exception& failure) {
 } // namespace
 
 struct PackageContents::Known {
+    Digester digester;
     std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
     std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
 };
@@ -111,6 +112,10 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
     return valueOf(known->relationships.emplace(&part, std::move(outcome)).first->second);
 }
 
+Digester& PackageContents::digester() {
+    return known->digester;
+}
+
 const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part,
                                                           const DigestMethod& method) {
     const std::pair key{&part, &method};
@@ -119,7 +124,7 @@ const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part
         return valueOf(found->second);
     Outcome<std::vector<unsigned char>> outcome;
     try {
-        outcome = digestOf(*open(part), method);
+        outcome = known->digester.of(*open(part), method);
     } catch (const Exception& failure) {
         outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }

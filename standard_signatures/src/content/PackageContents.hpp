@@ -21,6 +21,7 @@ class IPhysicalPart;
 namespace opc::standard_signatures {
 
 struct DigestMethod;
+class Digester;
 
 /// A part as it lies in the store. Relationships parts are parts too.
 struct StoredPart {
@@ -59,6 +60,9 @@ public:
     /// The digest of the octets of a part, which is computed once for each method.
     /// @throws Refusal  with `PartUnreadable`
     const std::vector<unsigned char>& digest(const StoredPart& part, const DigestMethod& method);
+
+    /// Computes other digests.
+    Digester& digester();
 
     /// The content, ready to read.
     std::unique_ptr<InputStream> open(const StoredPart& part) const;

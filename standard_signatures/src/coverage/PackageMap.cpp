@@ -100,13 +100,15 @@ void PackageMap::collect(PackageContents& contents) {
     for (const StoredPart& part : contents.parts()) {
         if (!part.source)
             continue;
+        const StoredPart* const source = contents.find(*part.source);
+        const bool isOfPackage = *part.source == "/";
         try {
             for (const RelationshipValues& values : contents.relationships(part).relationships) {
                 const StoredPart* const target =
                     values.isExternal ? nullptr : contents.find(resolveTarget(*part.source, values.target));
                 all.push_back({&part, &values, target, RelationshipRole::Content,
-                               *part.source == "/" && isMainType(values.type)});
-                sources.push_back(contents.find(*part.source));
+                               isOfPackage && isMainType(values.type)});
+                sources.push_back(source);
             }
         } catch (const Refusal& refusal) {
             failures.push_back(refusal.reason());

@@ -1,28 +1,59 @@
 #include "crypto/Digest.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
-#include <opc/core/InputStreamSource.hpp>
 
-#include <boost/iostreams/stream.hpp>
+#include <istream>
+#include <streambuf>
 
 namespace opc::standard_signatures {
 
 namespace {
 
-std::shared_ptr<bedrock::crypto::DigestEngine> engineOf(const DigestMethod& method) {
-    return bedrock::crypto::cryptopp::CryptoProvider().createDigestEngine(method.algorithm);
-}
+/// Reads a stream block by block into memory of its owner.
+class BlockBuffer final : public std::streambuf {
+public:
+    BlockBuffer(InputStream& stream, std::vector<char>& block) : stream(stream), block(block) {}
+
+protected:
+    int_type underflow() override {
+        while (!stream.isDone()) {
+            const std::uint64_t got =
+                stream.read(reinterpret_cast<unsigned char*>(block.data()), block.size());
+            setg(block.data(), block.data(), block.data() + got);
+            if (got != 0)
+                return traits_type::to_int_type(block.front());
+        }
+        return traits_type::eof();
+    }
+
+private:
+    InputStream& stream;
+    std::vector<char>& block;
+};
 
 } // namespace
 
-std::vector<unsigned char> digestOf(InputStream& stream, const DigestMethod& method) {
-    constexpr std::streamsize BLOCK = 65536;
-    boost::iostreams::stream<InputStreamSource> source(InputStreamSource(stream), BLOCK);
-    return engineOf(method)->computeDigest(source);
+bedrock::crypto::DigestEngine& Digester::engineOf(const DigestMethod& method) {
+    auto& engine = engines[&method];
+    if (!engine)
+        engine = bedrock::crypto::cryptopp::CryptoProvider().createDigestEngine(method.algorithm);
+    return *engine;
+}
+
+std::vector<unsigned char> Digester::of(InputStream& stream, const DigestMethod& method) {
+    constexpr std::size_t BLOCK = 65536;
+    block.resize(BLOCK);
+    BlockBuffer buffer(stream, block);
+    std::istream source(&buffer);
+    return engineOf(method).computeDigest(source);
+}
+
+std::vector<unsigned char> Digester::of(const std::string& octets, const DigestMethod& method) {
+    return engineOf(method).computeDigest(std::vector<unsigned char>(octets.begin(), octets.end()));
 }
 
 std::vector<unsigned char> digestOf(const std::string& octets, const DigestMethod& method) {
-    return engineOf(method)->computeDigest(std::vector<unsigned char>(octets.begin(), octets.end()));
+    return Digester().of(octets, method);
 }
 
 } // namespace opc::standard_signatures

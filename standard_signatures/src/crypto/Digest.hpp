@@ -4,15 +4,32 @@
 
 #include <opc/core/InputStream.hpp>
 
+#include <bedrock/crypto/DigestEngine.hpp>
+
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace opc::standard_signatures {
 
-/// @param stream  open, at its first byte
-/// @throws the exceptions of the stream
-std::vector<unsigned char> digestOf(InputStream& stream, const DigestMethod& method);
+/// Computes digests. What they need is made once.
+class Digester {
+public:
+    /// @param stream  open, at its first byte
+    /// @throws the exceptions of the stream
+    std::vector<unsigned char> of(InputStream& stream, const DigestMethod& method);
 
+    std::vector<unsigned char> of(const std::string& octets, const DigestMethod& method);
+
+private:
+    bedrock::crypto::DigestEngine& engineOf(const DigestMethod& method);
+
+    std::map<const DigestMethod*, std::shared_ptr<bedrock::crypto::DigestEngine>> engines;
+    std::vector<char> block; ///< of a stream
+};
+
+/// A single digest.
 std::vector<unsigned char> digestOf(const std::string& octets, const DigestMethod& method);
 
 } // namespace opc::standard_signatures

@@ -1,7 +1,6 @@
 #include "names/PartNames.hpp"
 
 #include <algorithm>
-#include <vector>
 
 namespace opc::standard_signatures {
 
@@ -17,8 +16,11 @@ int digit(char c) {
 /// Resolves the percent-encoded characters that are wanted.
 template <typename Predicate>
 std::string decode(std::string_view text, const Predicate& isWanted) {
-    std::string decoded;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t begin = text.find('%');
+    if (begin == std::string_view::npos)
+        return std::string(text);
+    std::string decoded(text.substr(0, begin));
+    for (std::size_t i = begin; i < text.size(); ++i) {
         const bool isEncoded =
             text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
         const char c = isEncoded ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
@@ -46,7 +48,7 @@ std::string decodePartName(std::string_view name) {
 
 bool isPlainPartName(std::string_view name) {
     return isAbsolutePartName(name) && name.find_first_of("\\ \t\r\n") == std::string_view::npos &&
-           decodePartName(name) == decodePercent(name);
+           (name.find('%') == std::string_view::npos || decodePartName(name) == decodePercent(name));
 }
 
 std::string keyOf(std::string_view name) {
@@ -75,20 +77,17 @@ std::string resolveTarget(std::string_view source, std::string_view target) {
         return std::string(source);
     if (path.front() != '/')
         path = std::string(source.substr(0, source.rfind('/') + 1)) + path;
-    std::vector<std::string_view> kept;
     const std::string_view whole = path;
+    std::string resolved;
     for (std::size_t begin = 1; begin <= whole.size();) {
         const std::size_t end = std::min(whole.find('/', begin), whole.size());
         const std::string_view segment = whole.substr(begin, end - begin);
-        if (segment == ".." && !kept.empty())
-            kept.pop_back();
+        if (segment == ".." && !resolved.empty())
+            resolved.erase(resolved.rfind('/'));
         else if (segment != ".." && segment != "." && !segment.empty())
-            kept.push_back(segment);
+            resolved.append("/").append(segment);
         begin = end + 1;
     }
-    std::string resolved;
-    for (const std::string_view segment : kept)
-        resolved.append("/").append(segment);
     return resolved;
 }
 
@@ -103,12 +102,11 @@ std::string relationshipsNameOf(std::string_view source) {
 bool isRelationshipsName(std::string_view name, std::string& source) {
     constexpr std::string_view FOLDER = "/_rels/";
     constexpr std::string_view EXTENSION = ".rels";
-    const std::string key = keyOf(name);
-    const std::size_t slash = key.rfind('/');
-    if (slash == std::string::npos || slash + 1 < FOLDER.size() ||
-        key.compare(slash + 1 - FOLDER.size(), FOLDER.size(), FOLDER) != 0 ||
-        key.size() - slash - 1 < EXTENSION.size() ||
-        key.compare(key.size() - EXTENSION.size(), EXTENSION.size(), EXTENSION) != 0)
+    const std::size_t slash = name.rfind('/');
+    if (slash == std::string_view::npos || slash + 1 < FOLDER.size() ||
+        name.size() - slash - 1 < EXTENSION.size() ||
+        keyOf(name.substr(name.size() - EXTENSION.size())) != EXTENSION ||
+        keyOf(name.substr(slash + 1 - FOLDER.size(), FOLDER.size())) != FOLDER)
         return false;
     source = std::string(name.substr(0, slash + 2 - FOLDER.size()))
                  .append(name.substr(slash + 1, name.size() - slash - 1 - EXTENSION.size()));

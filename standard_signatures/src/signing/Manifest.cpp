@@ -59,7 +59,7 @@ std::string composeManifest(const SigningPlan& plan, PackageContents& contents, 
     std::string manifest = "<Manifest>";
     for (const SigningPlan::Relationships& one : plan.relationships)
         manifest += composeReference(*one.document, composeTransforms(one.selected), method,
-                                     digestOf(canonicalize(one.selected), method));
+                                     contents.digester().of(canonicalize(one.selected), method));
     try {
         for (const StoredPart* const part : plan.parts)
             manifest += composeReference(*part, {}, method, contents.digest(*part, method));

@@ -30,6 +30,7 @@ public:
 
     CheckedSignature run(const std::vector<bedrock::certificates::X509Certificate>& certificates) {
         result.answer.method = document.method->name;
+        result.answer.references.reserve(document.elements.size() + document.manifest.size());
         checkValue(certificates);
         for (const SignedElement& one : document.elements)
             check(one.reference.uri, one.reference.digest, [&] { checkElement(one); });
@@ -132,8 +133,8 @@ private:
     }
 
     void checkElement(const SignedElement& one) {
-        compare(one.reference.digest,
-                digestOf(canonical(*one.element, one.reference.form), *one.reference.digest.method));
+        compare(one.reference.digest, package.digester().of(canonical(*one.element, one.reference.form),
+                                                            *one.reference.digest.method));
     }
 
     void checkPart(const PartReference& reference) {
@@ -176,7 +177,8 @@ private:
             throw Refusal(Code::BadReference, "",
                           "The relationships transform is about another kind of part");
         const auto selected = select(package.relationships(part), *reference.selects);
-        compare(reference.digest, digestOf(counted(canonicalize(selected)), *reference.digest.method));
+        compare(reference.digest,
+                package.digester().of(counted(canonicalize(selected)), *reference.digest.method));
         result.contents.relationships.insert(selected.begin(), selected.end());
     }
 
