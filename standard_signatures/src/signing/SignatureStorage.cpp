@@ -60,6 +60,14 @@ PartName addOrigin(Package& package) {
     return name;
 }
 
+/// A package has one origin at most [M6.1]: the new one takes the place of one that is missing.
+void removeRelationshipsToNoOrigin(Package& package, const PackageMap& map) {
+    for (const MappedRelationship& one : map.relationships())
+        if (one.role == RelationshipRole::OfSignatures && one.values->type == ORIGIN_RELATIONSHIP &&
+            one.target == nullptr)
+            package.deleteRelationship(wide(one.values->id));
+}
+
 void write(const Part& part, const std::string& document) {
     OutputStream& stream = part.getOutputStream();
     const auto* bytes = reinterpret_cast<const unsigned char*>(document.data());
@@ -81,6 +89,8 @@ std::string addSignature(Package& package, const std::string& document, PackageC
     throwIfBroken(
         {known == nullptr ? relationshipsOf("/", contents) : relationshipsOf(known->name, contents)}, {},
         contents, map);
+    if (known == nullptr)
+        removeRelationshipsToNoOrigin(package, map);
     const PartName origin = known == nullptr ? addOrigin(package) : nameOf(*known);
     const PartName name = findFreeName(package, folderOf(origin) + "sig", ".xml");
     package.getPart(origin).createInternalRelationship(wide(SIGNATURE_RELATIONSHIP), URI(name.toString()));
