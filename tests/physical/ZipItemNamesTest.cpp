@@ -40,6 +40,36 @@ TEST(ZipItemNames, areReadInTheEncodingThatTheyAreIn) {
     EXPECT_EQ(names(package), u"/%C3%A9.c /%C3%A9.u ");
 }
 
+TEST(ZipItemNames, areToldIfOtherProgramsMayNotFindTheirParts) {
+    const struct {
+        std::string item, reason;
+        unsigned short flags = 0;
+    } cases[] = {
+        {"a/b.xml", ""},
+        {"a/\xC3\xA9%20.xml", "", 0x800},
+        {"a/b.xml/[0].last.piece", ""},
+        {"[Content_Types].xml/[0].last.piece", ""},
+        {"a b.xml/[0].piece", ""}, // it is no part
+        {"a/[b].xml", "its name has a character that must be percent-encoded"},
+        {"a/\xC3\xA9.xml", "its name isn't marked as UTF-8"},
+        {"a\\b.xml", "its name has a backslash"},
+        {"a/_RELS/b.rels", "its name has another letter case than that of relationships parts"},
+        {"[content_types].xml", "its name has another letter case than the standard's"},
+    };
+    for (const auto& one : cases) {
+        RawItem item = stored(one.item, "content");
+        item.flags = one.flags;
+        ZipPackage package(makeZip({item}));
+        package.open(OpenMode::ReadOnly);
+        const auto misnamed = package.getMisnamedItems();
+        ASSERT_EQ(misnamed.size(), one.reason.empty() ? 0U : 1U) << one.item;
+        if (!misnamed.empty()) {
+            EXPECT_EQ(opc::toUDEString(misnamed[0].name), one.item);
+            EXPECT_EQ(misnamed[0].reason, one.reason);
+        }
+    }
+}
+
 TEST(ZipItemNames, mayNotClash) {
     const std::pair<const char*, const char*> clashes[] = {
         {"a/b", "a\\b"}, {"a/[0].last.piece", "a"}, {"a/[0].piece", "A/[0].last.piece"}};

@@ -143,6 +143,8 @@ TEST(StandardAttacks, PlayWithContentTypes) {
          replacingTypes("document.main+xml'", "document.main+xml '")},
         {"/word/_rels/document.xml.rels: Its content type is application/xml",
          adding("<Override PartName='/word/_rels/document.xml.rels' ContentType='application/xml'/>")},
+        {"gap: /_xmlsignatures/_rels/origin.sigs.rels it hasn't the content type of relationships",
+         overriding("/_xmlsignatures/_rels/origin.sigs.rels")},
         {"The content types are neither in UTF-8 nor in UTF-16", replacingTypes("UTF-8", "ISO-8859-1")},
     };
     expectNoYes(cases);
@@ -382,6 +384,18 @@ TEST(StandardAttacks, PlayWithArchives) {
                  naming(in(it.items, "[Content_Types].xml"), "[Content_Types].xml/[0].last.piece"));
          }},
         {"a renamed item", [&](RawArchive& it) { in(it.items, document).name = "word/%64ocument.xml"; }},
+        {"relationships behind backslashes",
+         [&](RawArchive& it) {
+             in(it.items, "word/_rels/document.xml.rels").name = "word\\_rels\\document.xml.rels";
+         }},
+        {"relationships in another letter case",
+         [&](RawArchive& it) {
+             in(it.items, "word/_rels/document.xml.rels").name = "word/_RELS/document.xml.rels";
+         }},
+        {"a part in another letter case",
+         [&](RawArchive& it) { in(it.items, "word/styles.xml").name = "word/Styles.xml"; }},
+        {"content types in another letter case",
+         [&](RawArchive& it) { in(it.items, "[Content_Types].xml").name = "[content_types].xml"; }},
         {"another name in the local header",
          [&](RawArchive& it) {
              in(it.items, "word/styles.xml").changeLocal = [](RawItem& local) {

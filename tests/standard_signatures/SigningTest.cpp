@@ -1,5 +1,6 @@
 #include "standard_signatures/SignedSample.hpp"
 #include "support/Outcome.hpp"
+#include "support/RawZip.hpp"
 #include "support/Texts.hpp"
 
 #include <opc/model/ContentType.hpp>
@@ -9,6 +10,7 @@
 #include <opc/model/SignatureVerdict.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 #include <opc/physical/LenientPackage.hpp>
+#include <opc/physical/ZipPackage.hpp>
 #include <opc/standard_signatures/Signing.hpp>
 
 #include <gtest/gtest.h>
@@ -154,6 +156,19 @@ TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
         EXPECT_EQ(package.getParts().size(), 4U);
         EXPECT_FALSE(package.hasRelationship(u"rId3"));
     });
+}
+
+/// A package has one origin at most [M6.1].
+TEST(StandardSigning, MakesAnOriginInPlaceOfOneThatIsMissing) {
+    Sample sample;
+    change(sample, [](model::Package& package) {
+        package.deletePart(model::PartName(u"/_xmlsignatures/origin.sigs"));
+    });
+    sign(sample);
+    EXPECT_TRUE(sample.verify().isYes());
+    const std::string relationships = toText(sample.store.partBytes(u"/_rels/.rels"));
+    EXPECT_EQ(relationships.find("digital-signature/origin"),
+              relationships.rfind("digital-signature/origin"));
 }
 
 /// What others need stays, and what nobody needs any more goes.
@@ -342,6 +357,20 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
             EXPECT_EQ(outcome.substr(0, refused.size()), refused) << what;
         }
     }
+}
+
+TEST(StandardSigning, RefusesItemsThatOtherProgramsMayNotFind) {
+    physical::ZipPackage store(makeZip(
+        {stored("[Content_Types].xml",
+                "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'><Default "
+                "Extension='xml' ContentType='application/xml'/></Types>"),
+         stored("a\\b.xml", "<b/>")}));
+    model::Package package(store);
+    package.open(interfaces::OpenMode::ReadWrite);
+    EXPECT_EQ(
+        outcomeOf([&] { standard_signatures::sign(package, store, signerOf(SignedSample::usualSigner())); }),
+        "opc::standard_signatures::SigningRefused: Other programs may not find a\\b.xml: its name has a "
+        "backslash");
 }
 
 /// Whoever signs first, in whichever profile.

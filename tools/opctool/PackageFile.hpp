@@ -76,6 +76,9 @@ public:
     }
     void deletePart(const std::u16string& name) override { store.deletePart(name); }
     std::vector<opc::interfaces::IgnoredItem> getIgnoredItems() override { return store.getIgnoredItems(); }
+    std::vector<opc::interfaces::MisnamedItem> getMisnamedItems() override {
+        return store.getMisnamedItems();
+    }
     std::vector<opc::interfaces::Oddity> getOddities() override;
     ~PackageFile() override;
 

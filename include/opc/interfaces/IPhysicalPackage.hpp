@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/interfaces/MisnamedItem.hpp>
 #include <opc/interfaces/Oddity.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 
@@ -70,6 +71,10 @@ public:
     /// Lists what the open package contains beside its parts and another program could take for content. No signature
     /// covers it, so the verdict on the signatures mentions it. Stores without such things don't override this.
     virtual std::vector<IgnoredItem> getIgnoredItems() { return {}; }
+
+    /// Lists what other programs may not find as the part that it is read as. A signature in the standard's profile isn't
+    /// complete then.
+    virtual std::vector<MisnamedItem> getMisnamedItems() { return {}; }
 
     /// Lists what breaks the standard in the open package and was accepted. A strict store has none.
     virtual std::vector<Oddity> getOddities() { return {}; }

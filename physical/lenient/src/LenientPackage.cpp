@@ -288,6 +288,10 @@ std::vector<interfaces::IgnoredItem> LenientPackage::getIgnoredItems() {
     return items;
 }
 
+std::vector<interfaces::MisnamedItem> LenientPackage::getMisnamedItems() {
+    return impl->package.getMisnamedItems();
+}
+
 std::vector<interfaces::Oddity> LenientPackage::getOddities() {
     std::vector<interfaces::Oddity> oddities = impl->package.getOddities();
     for (const HiddenItem& item : impl->hidden)

@@ -236,6 +236,21 @@ ItemName readItemName(string_view item) {
     return result;
 }
 
+const char* nameDefectForOthers(string_view item) {
+    const auto isAllowed = [](char c) {
+        return c == '/' || c == '%' || isPlain(c) || static_cast<unsigned char>(c) >= 0x80;
+    };
+    if (item.find('\\') != string_view::npos)
+        return "its name has a backslash";
+    removePiece(item);
+    if (equalsCaseless(item, "[content_types].xml"))
+        return item == CONTENT_TYPES_ITEM ? nullptr : "its name has another letter case than the standard's";
+    if (!std::all_of(item.begin(), item.end(), isAllowed))
+        return "its name has a character that must be percent-encoded";
+    return hasStandardCase(item) ? nullptr
+                                 : "its name has another letter case than that of relationships parts";
+}
+
 bool isUsualItemName(string_view item) {
     char last = '/';
     for (const char c : item) {

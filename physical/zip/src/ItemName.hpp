@@ -41,6 +41,10 @@ OPC_ZIP_EXPORT ItemName readItemName(std::string_view item);
 /// with exactly this name. Nearly all items are.
 OPC_ZIP_EXPORT bool isUsualItemName(std::string_view item);
 
+/// @param item  the name of an item that is read as a part or as the content types stream
+/// @return why other programs may not find it by this name, as words for a message; null if there is no reason
+const char* nameDefectForOthers(std::string_view item);
+
 /// @return an item name, in UTF-8, with all characters percent-encoded that a part name can't have
 std::string encodeItemName(std::string_view item);
 

@@ -126,6 +126,10 @@ std::vector<interfaces::IgnoredItem> ZipPackage::getIgnoredItems() {
     return items;
 }
 
+std::vector<interfaces::MisnamedItem> ZipPackage::getMisnamedItems() {
+    return impl->opened().misnamedItems();
+}
+
 std::vector<interfaces::Oddity> ZipPackage::getOddities() {
     return impl->opened().oddities();
 }

@@ -216,6 +216,19 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
+std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
+    std::vector<interfaces::MisnamedItem> all;
+    for (const ItemIndex item : unusual) {
+        const DirectoryEntry& entry = context.archive->item(item);
+        const char* reason = nameDefectForOthers(entry.name);
+        if (reason == nullptr && !isASCII(entry.name) && (entry.flags & NAME_IS_UTF8) == 0)
+            reason = "its name isn't marked as UTF-8";
+        if (reason != nullptr && belongsToPackage(item, readItemName(entry.name)))
+            all.push_back({toString(std::string(entry.name), true), reason});
+    }
+    return all;
+}
+
 std::vector<interfaces::Oddity> ZipSession::oddities() const {
     std::vector<interfaces::Oddity> all = odd;
     if (context.archive)

@@ -30,6 +30,9 @@ public:
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
+    /// The items of the package that other programs may not find by their names.
+    std::vector<interfaces::MisnamedItem> misnamedItems();
+
     /// What was accepted so far although it breaks the standard, including findings in the items that were read.
     std::vector<interfaces::Oddity> oddities() const;
 

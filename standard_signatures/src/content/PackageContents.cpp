@@ -50,7 +50,7 @@ struct PackageContents::Known {
 };
 
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
-    : ignored(store.getIgnoredItems()), known(std::make_unique<Known>()) {
+    : ignored(store.getIgnoredItems()), misnamed(store.getMisnamedItems()), known(std::make_unique<Known>()) {
     for (interfaces::IPhysicalPart* const physical : store.getParts()) {
         StoredPart part{decodePartName(narrow(physical->getName())), physical, {}, {}, false};
         std::string source;

@@ -4,6 +4,7 @@
 
 #include <opc/core/InputStream.hpp>
 #include <opc/interfaces/IgnoredItem.hpp>
+#include <opc/interfaces/MisnamedItem.hpp>
 #include <opc/standard_signatures/Reason.hpp>
 
 #include <memory>
@@ -50,6 +51,9 @@ public:
     /// What the store contains beside the parts.
     const std::vector<interfaces::IgnoredItem>& ignoredItems() const { return ignored; }
 
+    /// What other programs may not find as the part that it is here.
+    const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
+
     /// Why no content type can be told; nothing if they can.
     const std::optional<Reason>& contentTypesFailure() const { return typesFailure; }
 
@@ -75,6 +79,7 @@ private:
     std::vector<StoredPart> all;
     std::unordered_map<std::string, std::size_t> byKey;
     std::vector<interfaces::IgnoredItem> ignored;
+    std::vector<interfaces::MisnamedItem> misnamed;
     std::optional<Reason> typesFailure;
     std::unique_ptr<Known> known;
 };

@@ -1,5 +1,8 @@
 #include "coverage/SignedContents.hpp"
 
+#include "names/PartNames.hpp"
+#include "transform/RelationshipsNamespace.hpp"
+
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
@@ -21,6 +24,14 @@ public:
         compareMainDocument();
         for (const interfaces::IgnoredItem& item : package.ignoredItems())
             addGap({GapKind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
+        for (const interfaces::MisnamedItem& item : package.misnamedItems())
+            addGap({GapKind::Item,
+                    toUDEString(item.name),
+                    {},
+                    {},
+                    item.reason + ": other programs may not find it"});
+        for (const StoredPart* const part : contents.renamed)
+            addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name in another letter case"});
         for (const Reason& reason : map.unreadable())
             addGap({GapKind::Part, reason.place, {}, {}, "its relationships can't be told: " + reason.text});
         return std::move(answer);
@@ -43,8 +54,11 @@ private:
                 addGap({GapKind::Item, part.name, {}, {}, "there is more than one part with this name"});
             if (!part.contentType)
                 addGap({GapKind::Item, part.name, {}, {}, "it has no content type"});
-            if (part.source)
+            if (part.source) {
+                if (part.contentType && keyOf(*part.contentType) != RELATIONSHIPS_CONTENT_TYPE)
+                    addGap({GapKind::Item, part.name, {}, {}, "it hasn't the content type of relationships"});
                 continue;
+            }
             if (contents.parts.count(&part) != 0) {
                 ++answer.signedParts;
                 if (contents.contentTypes.count(&part) == 0)

@@ -5,6 +5,7 @@
 #include <opc/standard_signatures/Coverage.hpp>
 
 #include <unordered_set>
+#include <vector>
 
 namespace opc::standard_signatures {
 
@@ -13,6 +14,9 @@ struct SignedContents {
     std::unordered_set<const StoredPart*> parts;                 ///< by their octets
     std::unordered_set<const StoredPart*> contentTypes;          ///< of these parts
     std::unordered_set<const RelationshipValues*> relationships; ///< of those parts that aren't in `parts`
+
+    std::vector<const StoredPart*>
+        renamed; ///< parts of which the signature spells the name in another letter case
 
     bool has(const MappedRelationship& one) const {
         return parts.count(one.document) != 0 || relationships.count(one.values) != 0;

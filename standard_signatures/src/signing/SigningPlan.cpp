@@ -4,6 +4,8 @@
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
 
+#include <opc/core/Text.hpp>
+
 #include <algorithm>
 #include <unordered_map>
 
@@ -19,6 +21,8 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
         throw SigningRefused("The content types can't be signed: " + failure->text);
     for (const Reason& reason : map.unreadable())
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
+    for (const interfaces::MisnamedItem& item : contents.misnamedItems())
+        throw SigningRefused("Other programs may not find " + toUDEString(item.name) + ": " + item.reason);
     for (const StoredPart& part : contents.parts()) {
         if (part.isAmbiguous)
             throw SigningRefused("There is more than one part with the name " + part.name);

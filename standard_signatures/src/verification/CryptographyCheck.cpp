@@ -148,6 +148,8 @@ private:
         }
         if (reference.contentType)
             result.contents.contentTypes.insert(&part);
+        if (part.name != reference.partName)
+            result.contents.renamed.push_back(&part);
     }
 
     const StoredPart& findPart(const PartReference& reference) {

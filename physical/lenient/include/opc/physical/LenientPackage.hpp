@@ -81,6 +81,9 @@ public:
     /// Gives those of the other store, the hidden items, and the relationships that are left out.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
+    /// Gives those of the other store.
+    std::vector<interfaces::MisnamedItem> getMisnamedItems() override;
+
     /// Gives those of the other store, and everything that this one has found.
     std::vector<interfaces::Oddity> getOddities() override;
 

@@ -102,6 +102,10 @@ public:
     /// Gives those of `ignoredItems` that are items, without folders, which have no content.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
+    /// Gives the items whose names have backslashes, characters that a part name can't have, or another letter case than
+    /// relationships parts and the content types stream have, and those whose names aren't marked as the UTF-8 that they are.
+    std::vector<interfaces::MisnamedItem> getMisnamedItems() override;
+
     /// Lists what `ZipOptions::lenient` has accepted so far, including findings in the items that were read.
     std::vector<interfaces::Oddity> getOddities() override;
 

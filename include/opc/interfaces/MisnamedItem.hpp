@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace opc::interfaces {
+
+/// Something in a store that is read as a part although its name isn't exactly that of the part. Other programs may not find
+/// the part, and so show another content.
+struct MisnamedItem {
+    std::u16string name; ///< the name in the store
+    std::string reason;  ///< what other programs may not understand, in English
+};
+
+} // namespace opc::interfaces
