@@ -127,7 +127,7 @@ protected:
     struct Impl;
 
     explicit RelationshipSource(const URI& sourceURI);
-    /// @param state  the shared state; a derived class can pass an extended one
+    /// @param impl  the shared state; a derived class can pass an extended one
     explicit RelationshipSource(std::shared_ptr<Impl> impl);
     RelationshipSource(const RelationshipSource&) = default;
     RelationshipSource& operator=(const RelationshipSource&) = default;
