@@ -33,6 +33,21 @@ cmake --build "$work/cmake" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 "$work/cmake/stores" "$work/cmake.zip"
 "$work/cmake/documents"
 
+# What the documents say works, too.
+for document in README.md docs/installing.md; do
+    mkdir "$work/documented"
+    {
+        printf '%s\n' 'cmake_minimum_required(VERSION 3.22)' 'project(app LANGUAGES CXX)' \
+            "add_executable(app \"$here/../../examples/create.cpp\")"
+        sed -n '/^```cmake/,/^```/{/^```/!p}' "$here/../../$document"
+    } >"$work/documented/CMakeLists.txt"
+    grep -q find_package "$work/documented/CMakeLists.txt"
+    cmake -S "$work/documented" -B "$work/documented" -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/log" 2>&1 &&
+        cmake --build "$work/documented" >>"$work/log" 2>&1 || fail "$document: $(cat "$work/log")"
+    "$work/documented/app" "$work/documented.zip"
+    rm -r "$work/documented" "$work/documented.zip"
+done
+
 # A shared library asks for nothing that it hides, a static one says what it needs.
 hidden='-DCMAKE_DISABLE_FIND_PACKAGE_XercesC=ON -DCMAKE_DISABLE_FIND_PACKAGE_ZLIB=ON -DCMAKE_DISABLE_FIND_PACKAGE_OpenSSL=ON'
 # says MESSAGE OPTION…: configuring fails with this message.
