@@ -21,6 +21,15 @@ foreach(component IN LISTS components) # each can be installed without the other
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/${component} COMPONENT ${component})
 endforeach()
 
+if(OPCMODEL_DOCS)
+  add_custom_target(reference ALL
+    COMMAND "${PROJECT_SOURCE_DIR}/scripts/docs" "${CMAKE_BINARY_DIR}/reference"
+    COMMENT "Making the API reference"
+    VERBATIM)
+  install(DIRECTORY "${CMAKE_BINARY_DIR}/reference/html" DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
+  list(APPEND components docs)
+endif()
+
 foreach(folder include platform/core/include platform/network/include platform/crypto/include
                platform/certificates/include platform/codesigning_verifier/include
                physical/lenient/include physical/memory/include physical/zip/include

@@ -30,6 +30,19 @@ else()
   set(OPCMODEL_SOVERSION ${PROJECT_VERSION_MAJOR})
 endif()
 
+# opcmodel_export_ours(TARGET)
+#
+# Templates of other libraries are visible whatever our flags say. This hides them in the shared library TARGET.
+set(OPCMODEL_EXPORTED "${CMAKE_CURRENT_LIST_DIR}/exported.map")
+include(CheckLinkerFlag)
+check_linker_flag(CXX "LINKER:--version-script=${OPCMODEL_EXPORTED}" OPCMODEL_LINKER_HAS_VERSION_SCRIPTS)
+function(opcmodel_export_ours target)
+  if(OPCMODEL_LINKER_HAS_VERSION_SCRIPTS)
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${OPCMODEL_EXPORTED}")
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS "${OPCMODEL_EXPORTED}")
+  endif()
+endfunction()
+
 # opcmodel_library(TARGET ALIAS EXPORT_HEADER MACRO_BASE)
 #
 # Declares the library TARGET, known as opcmodel::ALIAS, with a generated header that holds its export macro.
@@ -49,7 +62,9 @@ function(opcmodel_library target alias header base)
     EXPORT_NAME ${alias}
     VERSION ${PROJECT_VERSION}
     SOVERSION ${OPCMODEL_SOVERSION})
-  if(NOT BUILD_SHARED_LIBS)
+  if(BUILD_SHARED_LIBS)
+    opcmodel_export_ours(${target})
+  else()
     string(TOUPPER ${base} upper)
     target_compile_definitions(${target} PUBLIC ${upper}_STATIC_DEFINE)
   endif()
