@@ -1,7 +1,5 @@
 #include "ContentTypeGrammar.hpp"
 
-#include <opc/core/Text.hpp>
-
 #include <boost/fusion/include/adapt_struct.hpp>
 #include <boost/fusion/include/std_pair.hpp>
 #include <boost/range/iterator_range.hpp>
@@ -14,8 +12,9 @@ namespace opc::model::contenttype {
 
 namespace {
 
-using Iterator = std::wstring::const_iterator;
-using Parameter = std::pair<std::wstring, std::wstring>;
+// Units of UTF-16: a wide character of two bytes couldn't hold every character, and what is cut from it may be a letter.
+using Iterator = std::u16string_view::const_iterator;
+using Parameter = std::pair<std::u16string, std::u16string>;
 
 /// What the grammar finds in a text.
 struct Matched {
@@ -50,7 +49,7 @@ struct Grammar : qi::grammar<Iterator, Matched()> {
 
     qi::rule<Iterator, Matched()> mediaType;
     qi::rule<Iterator, Parameter()> parameter;
-    qi::rule<Iterator, std::wstring()> token, quotedString, value;
+    qi::rule<Iterator, std::u16string()> token, quotedString, value;
     qi::rule<Iterator> whitespace;
 };
 
@@ -115,14 +114,11 @@ bool parsePlain(u16string_view text, ParsedContentType& parsed) {
 
 bool parseByGrammar(u16string_view text, ParsedContentType& parsed) {
     static const Grammar& grammar = *new Grammar; // never destroyed, so that it works until the program ends
-    const std::wstring wide(text.begin(), text.end()); // any text that matches is ASCII
     Matched matched;
-    Iterator position = wide.begin();
-    if (!qi::parse(position, wide.end(), grammar, matched) || position != wide.end())
+    Iterator position = text.begin();
+    if (!qi::parse(position, text.end(), grammar, matched) || position != text.end())
         return false;
-    parsed = {text.substr(0, matched.name.size()), {}};
-    for (const auto& [attribute, value] : matched.parameters)
-        parsed.parameters.emplace_back(opc::toString(attribute), opc::toString(value));
+    parsed = {text.substr(0, matched.name.size()), std::move(matched.parameters)};
     return true;
 }
 
