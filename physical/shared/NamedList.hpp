@@ -3,7 +3,7 @@
 #include "shared/Modulo61.hpp"
 #include "shared/NodePool.hpp"
 
-#include <unistd.h>
+#include <sys/random.h>
 
 #include <algorithm>
 #include <cerrno>

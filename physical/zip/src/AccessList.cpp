@@ -1,8 +1,11 @@
 #include "AccessList.hpp"
 
-#include <linux/limits.h>
 #include <sys/stat.h>
+
+#ifdef __linux__
+#include <linux/limits.h>
 #include <sys/xattr.h>
+#endif
 
 #include <cerrno>
 
@@ -18,19 +21,21 @@ constexpr unsigned char GROUP = 0x04;
 constexpr unsigned char MASK = 0x10;
 constexpr unsigned char OTHER = 0x20;
 
-bool saysThereIsNone(int error) {
+[[maybe_unused]] bool saysThereIsNone(int error) {
     return error == ENODATA || error == ENOTSUP || error == ENOSYS;
 }
 
 } // namespace
 
-AccessList AccessList::of(const char* path, mode_t fileMode) {
+AccessList AccessList::of([[maybe_unused]] const char* path, mode_t fileMode) {
     AccessList list;
     list.permissions = fileMode & ACCESSPERMS;
+#ifdef __linux__
     list.bytes.resize(XATTR_SIZE_MAX);
     const ssize_t size = ::getxattr(path, ATTRIBUTE.data(), list.bytes.data(), list.bytes.size());
     list.readable = size >= 0 || saysThereIsNone(errno);
     list.bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+#endif
     return list;
 }
 
@@ -53,10 +58,14 @@ void AccessList::meanAnyGroup() {
     permissions = (permissions & S_IRWXU) | groupBits | common;
 }
 
-bool AccessList::setOn(int file) const {
+bool AccessList::setOn([[maybe_unused]] int file) const {
+#ifdef __linux__
     if (!bytes.empty())
         return ::fsetxattr(file, ATTRIBUTE.data(), bytes.data(), bytes.size(), 0) == 0;
     return readable && (::fremovexattr(file, ATTRIBUTE.data()) == 0 || saysThereIsNone(errno));
+#else
+    return true;
+#endif
 }
 
 mode_t AccessList::mode() const {

@@ -2,10 +2,7 @@
 
 #include "Failure.hpp"
 #include "ReplacementFile.hpp"
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "SystemFiles.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,15 +15,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void requireRegular(const std::string& place, const struct stat& status) {
-    if (S_ISDIR(status.st_mode))
+void requireRegular(const std::string& place, const FileStatus& status) {
+    if (status.kind == FileKind::Folder)
         failSystem(place, "can't open", EISDIR);
-    if (!S_ISREG(status.st_mode))
+    if (status.kind != FileKind::Regular)
         fail(place, "can't open: not a regular file", EINVAL);
 }
 
 /// Files up to this size are read at once: that covers nearly every document, and costs less than reading pieces.
-constexpr off_t LARGEST_READ_WHOLE = 128L << 10;
+constexpr std::uint64_t LARGEST_READ_WHOLE = 128L << 10;
 
 /// Null if the file can't be read as a whole.
 std::shared_ptr<ByteSource> readWhole(const FileDescriptor& file, const FileState& state) {
@@ -68,30 +65,31 @@ FileStore::FileStore(fs::path file, BeforeReplacing beforeReplacing)
 }
 
 std::shared_ptr<ByteSource> FileStore::read() {
-    // Without blocking, because somebody may have put a pipe there.
-    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
-        failSystem(place(), "can't open", errno);
+    FileDescriptor file;
+    FileStatus status;
+    if (const int error = openForReading(path, file))
+        failSystem(place(), "can't open", error);
+    if (const int error = readStatus(file, status))
+        failSystem(place(), "can't open", error);
     requireRegular(place(), status);
-    const FileState state(status);
-    if (status.st_size <= LARGEST_READ_WHOLE)
-        if (auto whole = readWhole(file, state))
+    if (status.state.size <= LARGEST_READ_WHOLE)
+        if (auto whole = readWhole(file, status.state))
             return whole;
-    return std::make_shared<FileBytes>(std::move(file), state);
+    return std::make_shared<FileBytes>(std::move(file), status.state);
 }
 
 void FileStore::checkWritable() const {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) {
+    FileStatus status;
+    const int missing = readStatus(path, status);
+    if (missing == 0) {
         requireRegular(place(), status);
         // Renaming needs only permissions of the folder, but a read-only file mustn't be replaced either.
-        if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
-            failSystem(place(), "can't write", errno);
-    } else if (errno != ENOENT) {
-        failSystem(place(), "can't open", errno);
-    } else if (::stat(temporaryFolder().c_str(), &status) != 0) {
-        failSystem(place(), "can't open its folder", errno);
+        if (const int error = zip::checkWritable(path))
+            failSystem(place(), "can't write", error);
+    } else if (missing != ENOENT) {
+        failSystem(place(), "can't open", missing);
+    } else if (const int error = readStatus(temporaryFolder(), status)) {
+        failSystem(place(), "can't open its folder", error);
     }
 }
 
@@ -109,12 +107,11 @@ void FileStore::replace(const FileState& old, const std::function<void(ByteTarge
 }
 
 void FileStore::requireUnchanged(const FileState& old) const {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
+    FileStatus now;
+    if (readStatus(path, now) != 0)
         return; // nothing there can be lost
-    const FileState now(status);
     // If only the sync of the folder failed, the file there is the one that this package has written.
-    if (!(old == now) && !(lastWritten == now))
+    if (!(old == now.state) && !(lastWritten == now.state))
         fail(place(), "has been changed by another program since it was opened", ESTALE);
 }
 

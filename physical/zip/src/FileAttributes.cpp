@@ -3,10 +3,16 @@
 #include "AccessList.hpp"
 #include "Failure.hpp"
 
-#include <linux/limits.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
+
+#ifdef __APPLE__
+#include "SystemFiles.hpp"
+#include <copyfile.h>
+#else
+#include <linux/limits.h>
+#include <sys/xattr.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -34,6 +40,15 @@ bool succeeded(int result, const std::string& place, const char* what) {
     return false;
 }
 
+#ifdef __APPLE__
+/// Takes the access list, too.
+void takeExtendedAttributes(const char* old, int file, const std::string& place) {
+    FileDescriptor source;
+    if (openForReading(old, source) == 0)
+        succeeded(::fcopyfile(source.get(), file, nullptr, COPYFILE_XATTR | COPYFILE_ACL), place,
+                  "can't keep the extended attributes");
+}
+#else
 /// These aren't true for the new content: hashes, and what a program may do.
 bool concernsContent(std::string_view attribute) {
     constexpr std::string_view NAMES[] = {"security.capability", "security.evm", "security.ima"};
@@ -53,6 +68,7 @@ void takeExtendedAttributes(const char* old, int file, const std::string& place)
                       "can't keep the extended attributes");
     }
 }
+#endif
 
 /// @return which of them the file has got
 struct stat takeOwnership(const struct stat& old, int file, const std::string& place) {

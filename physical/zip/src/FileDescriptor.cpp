@@ -1,5 +1,6 @@
 #include "FileDescriptor.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -44,6 +45,7 @@ int FileDescriptor::writeAt(std::uint64_t offset, const unsigned char* buffer,
     return 0;
 }
 
+#ifdef __linux__
 std::uint64_t FileDescriptor::copyAt(std::uint64_t offset, const FileDescriptor& source,
                                      std::uint64_t sourceOffset, std::uint64_t count) const noexcept {
     constexpr std::uint64_t AT_ONCE = 1U << 30;
@@ -58,6 +60,20 @@ std::uint64_t FileDescriptor::copyAt(std::uint64_t offset, const FileDescriptor&
         done += static_cast<std::uint64_t>(n);
     }
     return done;
+}
+#else
+std::uint64_t FileDescriptor::copyAt(std::uint64_t /*offset*/, const FileDescriptor& /*source*/,
+                                     std::uint64_t /*sourceOffset*/, std::uint64_t /*count*/) const noexcept {
+    return 0;
+}
+#endif
+
+int FileDescriptor::sync() const noexcept {
+#ifdef F_FULLFSYNC // where fsync leaves data in the drive's cache
+    if (::fcntl(fd, F_FULLFSYNC) == 0)
+        return 0;
+#endif
+    return ::fsync(fd) == 0 ? 0 : errno;
 }
 
 } // namespace opc::physical::zip

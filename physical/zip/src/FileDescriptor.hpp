@@ -34,6 +34,9 @@ public:
     std::uint64_t copyAt(std::uint64_t offset, const FileDescriptor& source, std::uint64_t sourceOffset,
                          std::uint64_t count) const noexcept;
 
+    /// Makes what has been written last a loss of power.
+    int sync() const noexcept;
+
 private:
     int fd;
 };

@@ -3,6 +3,7 @@
 #include "Failure.hpp"
 #include "FileAttributes.hpp"
 #include "SignalsHeld.hpp"
+#include "SystemFiles.hpp"
 #include "TemporaryName.hpp"
 
 #include <fcntl.h>
@@ -26,9 +27,25 @@ namespace {
 constexpr unsigned NAMES = 20;
 constexpr unsigned FORETOLD_NAMES = 10;
 
+#ifdef O_PATH
+constexpr int FOLDER = O_PATH | O_DIRECTORY | O_CLOEXEC; // one that may be written but not read, too
+#else
+constexpr int FOLDER = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
+
 unsigned randomNumber() {
     unsigned number = 0; // used if the system has none
-    return ::getrandom(&number, sizeof number, 0) < 0 ? 0 : number;
+    return ::getentropy(&number, sizeof number) < 0 ? 0 : number;
+}
+
+/// Syncs all of the file system that holds a file.
+int syncAround([[maybe_unused]] const FileDescriptor& file) noexcept {
+#ifdef __linux__
+    return ::syncfs(file.get()) == 0 ? 0 : errno;
+#else
+    ::sync();
+    return 0;
+#endif
 }
 
 fs::path resolve(const fs::path& path) {
@@ -50,8 +67,7 @@ Lock tryToLock(const FileDescriptor& file) {
 
 ReplacementFile::ReplacementFile(const fs::path& path, const std::string& place)
     : target(resolve(path)), place(place),
-      folder(::open(target.has_parent_path() ? target.parent_path().c_str() : ".",
-                    O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+      folder(::open(target.has_parent_path() ? target.parent_path().c_str() : ".", FOLDER)) {
     if (!folder.isOpen())
         failSystem(place, "can't make a file in its folder", errno);
     make();
@@ -142,8 +158,8 @@ int ReplacementFile::writeAt(std::uint64_t offset, const unsigned char* buffer, 
 
 void ReplacementFile::complete() {
     takeAttributes(target, file.get(), place);
-    if (::fsync(file.get()) != 0)
-        failSystem(place, "can't sync the new archive", errno);
+    if (const int error = file.sync())
+        failSystem(place, "can't sync the new archive", error);
 }
 
 void ReplacementFile::putInPlace() {
@@ -157,17 +173,17 @@ void ReplacementFile::putInPlace() {
 }
 
 FileState ReplacementFile::state() const {
-    struct stat status {};
-    return ::fstat(file.get(), &status) == 0 ? FileState(status) : FileState();
+    FileStatus status;
+    return readStatus(file, status) == 0 ? status.state : FileState();
 }
 
 void ReplacementFile::syncFolder() {
     const FileDescriptor opened(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // A folder that may be written but not read: `sync` covers it.
     const bool unreadable = !opened.isOpen() && errno == EACCES;
-    // Some file systems can't sync a folder, and report EINVAL.
-    if ((unreadable ? ::syncfs(file.get()) : ::fsync(opened.get())) != 0 && errno != EINVAL)
-        failSystem(place, "can't sync its folder", errno);
+    const int error = unreadable ? syncAround(file) : opened.sync();
+    if (error != 0 && error != EINVAL) // some file systems can't sync a folder, and report EINVAL
+        failSystem(place, "can't sync its folder", error);
 }
 
 } // namespace opc::physical::zip

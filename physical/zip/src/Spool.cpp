@@ -1,14 +1,10 @@
 #include "Spool.hpp"
 
 #include "Failure.hpp"
-#include "SignalsHeld.hpp"
-
-#include <fcntl.h>
-#include <unistd.h>
+#include "SystemFiles.hpp"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 
 namespace opc::physical::zip {
 
@@ -23,8 +19,9 @@ std::uint64_t SpoolStore::takeChunk() {
     if (!descriptor.isOpen())
         makeFile();
     // Reserves room for the chunk's return, because giving it back must not fail.
-    if (freeChunks.capacity() <= fileEnd / CHUNK)
-        freeChunks.reserve(2 * (fileEnd / CHUNK + 1));
+    const auto chunksMade = static_cast<std::size_t>(fileEnd / CHUNK);
+    if (freeChunks.capacity() <= chunksMade)
+        freeChunks.reserve(2 * (chunksMade + 1));
     if (freeChunks.empty()) {
         fileEnd += CHUNK;
         return fileEnd - CHUNK;
@@ -39,18 +36,8 @@ void SpoolStore::giveChunk(std::uint64_t offset) noexcept {
 }
 
 void SpoolStore::makeFile() {
-    int fd = ::open(place.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (fd < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
-        // The file system can't create a file without a name.
-        std::string name = (place / ".opcmodel-XXXXXX").string();
-        const SignalsHeld held;
-        fd = ::mkostemp(name.data(), O_CLOEXEC);
-        if (fd >= 0)
-            ::unlink(name.c_str());
-    }
-    if (fd < 0)
-        failSystem(name(), "can't make a temporary file", errno);
-    descriptor = FileDescriptor(fd);
+    if (const int error = openTemporary(place, descriptor))
+        failSystem(name(), "can't make a temporary file", error);
 }
 
 Spool::~Spool() {

@@ -1,19 +1,12 @@
 #pragma once
 
-#include <opc/physical/ZipExport.hpp>
-
 #include <cstdint>
-
-struct stat;
 
 namespace opc::physical {
 
 /// What a file was at some time. Two states are equal if they are of the same file and nobody has written to it between. A
 /// state of no file is equal to no other.
-struct OPC_ZIP_EXPORT FileState {
-    FileState() = default;
-    explicit FileState(const struct ::stat& status);
-
+struct FileState {
     bool isOfFile() const { return number != 0; }
     bool operator==(const FileState& other) const {
         return isOfFile() && device == other.device && number == other.number && size == other.size &&
