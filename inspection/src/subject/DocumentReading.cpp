@@ -27,7 +27,8 @@ public:
     }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
         const std::uint64_t got = stream.read(buffer, count);
-        const std::size_t kept = std::min<std::size_t>(got, LONGEST_PROLOG - head.size());
+        const auto kept =
+            static_cast<std::size_t>(std::min<std::uint64_t>(got, LONGEST_PROLOG - head.size()));
         head.append(reinterpret_cast<const char*>(buffer), kept);
         return got;
     }

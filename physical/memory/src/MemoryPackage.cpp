@@ -16,22 +16,22 @@ namespace {
 
 const std::u16string CONTENT_TYPES_STREAM = u"[Content_Types].xml";
 
-/// The content of an open package. The store doesn't change before `close(false)`.
-struct Session {
-    Session(OpenMode mode, SharedBytes types)
-        : mode(mode), contentTypes(std::move(types), mode == OpenMode::ReadOnly) {}
-
-    bool readOnly() const { return mode == OpenMode::ReadOnly; }
-
-    const OpenMode mode;
-    MemoryContent contentTypes;
-    NamedList<MemoryPart> parts;
-};
-
 } // namespace
 
 class MemoryPackage::Impl {
 public:
+    /// The content of an open package. The store doesn't change before `close(false)`.
+    struct Session {
+        Session(OpenMode mode, SharedBytes types)
+            : mode(mode), contentTypes(std::move(types), mode == OpenMode::ReadOnly) {}
+
+        bool readOnly() const { return mode == OpenMode::ReadOnly; }
+
+        const OpenMode mode;
+        MemoryContent contentTypes;
+        NamedList<MemoryPart> parts;
+    };
+
     explicit Impl(ContentTypes contentTypes) : contentTypes(contentTypes) {}
 
     Session& opened() {
@@ -129,7 +129,7 @@ void MemoryPackage::close(bool abandon) {
 interfaces::IPhysicalPart* MemoryPackage::createPart(const std::u16string& name,
                                                      const std::u16string& contentType,
                                                      const interfaces::IPhysicalPartInfo& /*info*/) {
-    Session& session = impl->writable(name);
+    Impl::Session& session = impl->writable(name);
     auto bytes = std::make_shared<Bytes>();
     MemoryPart* part = session.parts.find(name);
     if (!part)

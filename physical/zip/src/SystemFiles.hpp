@@ -29,7 +29,7 @@ int openTemporary(const std::filesystem::path& folder, FileDescriptor& file);
 int readStatus(const std::filesystem::path& path, FileStatus& status) noexcept;
 int readStatus(const FileDescriptor& file, FileStatus& status) noexcept;
 
-/// Whether this process may write to the file at `path`.
+/// Succeeds if this process may write to the file at `path`.
 int checkWritable(const std::filesystem::path& path) noexcept;
 
 } // namespace opc::physical::zip

@@ -52,7 +52,7 @@ std::vector<Relationship> SignedRelationships::toVector() const {
         throw Exception("No more than " + std::to_string(MAXIMUM_LISTED) +
                         " selected relationships of a signature can be listed.");
     std::vector<Relationship> all;
-    all.reserve(entries);
+    all.reserve(static_cast<std::size_t>(entries));
     for (const Group& group : order)
         all.insert(all.end(), group->relationships.begin(), group->relationships.end());
     return all;
