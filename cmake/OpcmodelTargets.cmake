@@ -6,6 +6,9 @@ target_compile_options(opcmodel_flags INTERFACE -Wall -Wextra -Wpedantic -Wconve
 # In a unity build Clang would also compare with what is local to other files.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(opcmodel_flags INTERFACE -Wshadow=local)
+  if(CMAKE_UNITY_BUILD) # there a source is included, and GCC takes it for a header
+    target_compile_options(opcmodel_flags INTERFACE -Wno-subobject-linkage)
+  endif()
 elseif(NOT CMAKE_UNITY_BUILD)
   target_compile_options(opcmodel_flags INTERFACE -Wshadow)
 endif()
@@ -69,6 +72,17 @@ function(opcmodel_library target alias header base)
     target_compile_definitions(${target} PUBLIC ${upper}_STATIC_DEFINE)
   endif()
   set_property(GLOBAL APPEND PROPERTY OPCMODEL_LIBRARIES ${target})
+endfunction()
+
+# opcmodel_module_sources(TARGET file...)
+#
+# Adds to TARGET sources that a program can also have in a module, which it loads. It then links a static library without
+# them: the linker chooses file by file, so a unity build leaves each a file of its own.
+function(opcmodel_module_sources target)
+  target_sources(${target} PRIVATE ${ARGN})
+  if(NOT BUILD_SHARED_LIBS)
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
 endfunction()
 
 # opcmodel_test(NAME SOURCES file... LIBRARIES target...)

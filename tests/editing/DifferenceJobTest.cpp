@@ -184,15 +184,15 @@ TEST_P(DifferenceJobs, leadFromEachPackageToEachOtherOrSayThatTheyDont) {
 INSTANTIATE_TEST_SUITE_P(OfPackages, DifferenceJobs, testing::Bool(),
                          [](const auto& one) { return one.param ? "Odd" : "Plain"; });
 
-const RawItem TYPES =
+const RawItem CONTENT_TYPES =
     stored("[Content_Types].xml",
            "<Types xmlns=\"" + NAMESPACE +
                "content-types\"><Default Extension=\"xml\" ContentType=\"a/b\"/>"
                "<Default Extension=\"rels\" "
                "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/></Types>");
 
-RawItem relationships(const std::string& name, const std::vector<std::string>& targets,
-                      const std::string& more = {}) {
+RawItem relationshipsTo(const std::string& name, const std::vector<std::string>& targets,
+                        const std::string& more = {}) {
     std::string document = "<Relationships xmlns=\"" + NAMESPACE + "relationships\">";
     for (std::size_t i = 0; i < targets.size(); ++i)
         document +=
@@ -202,12 +202,14 @@ RawItem relationships(const std::string& name, const std::vector<std::string>& t
 
 /// Relationships follow a part that is renamed, so that only what else differs is left to do.
 TEST(DifferenceJob, renamesPartsWithWhatLeadsToThem) {
-    const Archive before(test::makeZip({TYPES, stored("a.xml", "moved"), stored("b.xml", "b"),
-                                        relationships("_rels/.rels", {"a.xml", "a.xml#f", "b.xml", "a.xml"}),
-                                        relationships("_rels/a.xml.rels", {"b.xml", "#own"})}));
-    const Archive now(test::makeZip({TYPES, stored("x/c.xml", "moved"), stored("b.xml", "b"),
-                                     relationships("_rels/.rels", {"x/c.xml", "x/c.xml#f", "b.xml", "a.xml"}),
-                                     relationships("x/_rels/c.xml.rels", {"../b.xml", "#own"})}));
+    const Archive before(
+        test::makeZip({CONTENT_TYPES, stored("a.xml", "moved"), stored("b.xml", "b"),
+                       relationshipsTo("_rels/.rels", {"a.xml", "a.xml#f", "b.xml", "a.xml"}),
+                       relationshipsTo("_rels/a.xml.rels", {"b.xml", "#own"})}));
+    const Archive now(
+        test::makeZip({CONTENT_TYPES, stored("x/c.xml", "moved"), stored("b.xml", "b"),
+                       relationshipsTo("_rels/.rels", {"x/c.xml", "x/c.xml#f", "b.xml", "a.xml"}),
+                       relationshipsTo("x/_rels/c.xml.rels", {"../b.xml", "#own"})}));
     JobContents contents;
     const DifferenceJob made = makeJob(before, now, contents);
     EXPECT_EQ(made.left, std::vector<std::string>());
@@ -220,14 +222,14 @@ TEST(DifferenceJob, renamesPartsWithWhatLeadsToThem) {
 }
 
 TEST(DifferenceJob, tellsWhatItLeaves) {
-    const Archive before(
-        test::makeZip({TYPES, stored("a.xml", ""), relationships("_rels/gone.xml.rels", {"a.xml"})}));
+    const Archive before(test::makeZip(
+        {CONTENT_TYPES, stored("a.xml", ""), relationshipsTo("_rels/gone.xml.rels", {"a.xml"})}));
     const Archive now(test::makeZip(
-        {TYPES, stored("a.xml", ""), stored("a.bin", "1"), stored("[trash]/1", "1"),
-         relationships("_rels/.rels", {"a:b"},
-                       "<x/><Relationship Id='r1' Type='t:t' Target='a.xml'/><Relationship Id='r1' "
-                       "Type='t:t' Target='b.xml'/><Relationship Id='1 2' Type='t:t' Target='a.xml'/>"),
-         relationships("_rels/a.bin.rels", {"x"}), relationships("_rels/a.xml.rels", {"A.xml#f"})}));
+        {CONTENT_TYPES, stored("a.xml", ""), stored("a.bin", "1"), stored("[trash]/1", "1"),
+         relationshipsTo("_rels/.rels", {"a:b"},
+                         "<x/><Relationship Id='r1' Type='t:t' Target='a.xml'/><Relationship Id='r1' "
+                         "Type='t:t' Target='b.xml'/><Relationship Id='1 2' Type='t:t' Target='a.xml'/>"),
+         relationshipsTo("_rels/a.bin.rels", {"x"}), relationshipsTo("_rels/a.xml.rels", {"A.xml#f"})}));
     JobContents contents;
     const DifferenceJob made = makeJob(before, now, contents);
     EXPECT_EQ(made.left,

@@ -12,16 +12,16 @@ using namespace opc::editing;
 using namespace opc::model;
 using namespace opc::test;
 
-const std::string BASE = "http://schemas.openxmlformats.org/package/2006/";
+const std::string PACKAGE = "http://schemas.openxmlformats.org/package/2006/";
 
 std::string relationshipTransform(const std::string& selection) {
-    return "<Transforms><Transform Algorithm='" + BASE + "RelationshipTransform'>" + selection +
+    return "<Transforms><Transform Algorithm='" + PACKAGE + "RelationshipTransform'>" + selection +
            "</Transform></Transforms>";
 }
 
 /// A signature over these references.
 Bytes signature(const std::string& references) {
-    return toBytes("<Signature xmlns='http://www.w3.org/2000/09/xmldsig#' xmlns:p='" + BASE +
+    return toBytes("<Signature xmlns='http://www.w3.org/2000/09/xmldsig#' xmlns:p='" + PACKAGE +
                    "digital-signature'><Object Id='idPackageObject'><Manifest>" + references +
                    "</Manifest></Object></Signature>");
 }
@@ -31,7 +31,7 @@ Bytes signature(const std::string& references) {
 class SignaturesTest : public PackageTest, public testing::WithParamInterface<const char*> {
 protected:
     SignaturesTest() : PackageTest({u"/a.xml", u"/b c.xml", u"/free.xml", u"/lost.xml"}) {
-        const std::string type = BASE + "relationships/" + GetParam() + "/";
+        const std::string type = PACKAGE + "relationships/" + GetParam() + "/";
         const auto relate = [](const std::string& id, const std::string& ofType, const std::string& target) {
             return "<Relationship Id='" + id + "' Type='" + ofType + "' Target='" + target + "'/>";
         };

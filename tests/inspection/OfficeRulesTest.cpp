@@ -12,10 +12,6 @@ using test::RawItem;
 using test::relationshipsWith;
 using test::stored;
 
-std::string told(const std::vector<RawItem>& items) {
-    return test::toldBy(officeRules(), items);
-}
-
 TEST(OfficeRules, markupCompatibility) {
     const std::string choice = "<mc:Choice Requires='a'><t>1</t></mc:Choice>",
                       fallback = "<mc:Fallback><t>1</t></mc:Fallback>";
@@ -58,10 +54,12 @@ TEST(OfficeRules, markupCompatibility) {
     };
     for (const auto& [attributes, children, expected] : cases)
         EXPECT_EQ(
-            told(itemsWithParts({{"part.xml", "application/vnd.openxmlformats-officedocument.x+xml",
-                                  "<d xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
-                                  "xmlns:a='urn:a' " +
-                                      attributes + ">" + children + "</d>"}})),
+            test::toldBy(
+                officeRules(),
+                itemsWithParts({{"part.xml", "application/vnd.openxmlformats-officedocument.x+xml",
+                                 "<d xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
+                                 "xmlns:a='urn:a' " +
+                                     attributes + ">" + children + "</d>"}})),
             noted(expected))
             << attributes << ' ' << children;
 }
@@ -90,7 +88,7 @@ TEST(OfficeRules, relationshipIds) {
             xml + "</d>";
         std::vector<RawItem> items = itemsWithParts({}, image);
         items.push_back(stored("word/document.xml", document));
-        EXPECT_EQ(told(items), noted(expected)) << xml;
+        EXPECT_EQ(test::toldBy(officeRules(), items), noted(expected)) << xml;
     }
 }
 
@@ -130,7 +128,7 @@ TEST(OfficeRules, structure) {
          "warning OFFICE-XML"},
     };
     for (const auto& [what, items, expected] : cases)
-        EXPECT_EQ(told(items), noted(expected)) << what;
+        EXPECT_EQ(test::toldBy(officeRules(), items), noted(expected)) << what;
     const std::string doctype = "<!DOCTYPE a [<!ENTITY b 'c'>]><a/>";
     std::string utf16 = "\xFF\xFE";
     for (const char c : doctype)

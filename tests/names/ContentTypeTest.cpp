@@ -9,12 +9,12 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
+using opc::toUDEString;
 
-constexpr auto narrow = &opc::toUDEString;
 const char* const NOT_PARSED = "Could not successfully parse content type string";
 
 std::string canonical(const std::u16string& text) {
-    return narrow(ContentType(text).toString());
+    return toUDEString(ContentType(text).toString());
 }
 
 TEST(ContentType, canonicalText) {
@@ -24,7 +24,7 @@ TEST(ContentType, canonicalText) {
     });
     for (const char16_t separator : std::u16string(u"()<>@,;:\\/[]?={} "))
         EXPECT_EQ(canonical(std::u16string(u"a/b;c=\"") + separator + u"\""),
-                  "a/b;c=\"" + narrow(std::u16string(1, separator)) + "\"");
+                  "a/b;c=\"" + toUDEString(std::u16string(1, separator)) + "\"");
 }
 
 TEST(ContentType, refusesWhatTheGrammarDoes) {
@@ -65,14 +65,14 @@ TEST(ContentType, addParameter) {
                 [](const std::string& message, const std::u16string& name, const std::u16string& value) {
                     ContentType type(u"t/s;c=x");
                     EXPECT_RAISES(InvalidContentTypeParameter, message, type.addParameter(name, value));
-                    EXPECT_EQ(narrow(type.toString()), "t/s;c=x");
+                    EXPECT_EQ(toUDEString(type.toString()), "t/s;c=x");
                     EXPECT_FALSE(type.hasParameter(u"a"));
                 });
     forEachCase("content-types/parameters-added.txt",
                 [](const std::u16string& name, const std::u16string& value, const std::string& text) {
                     ContentType type(u"t/s;c=x");
                     type.addParameter(name, value);
-                    EXPECT_EQ(narrow(type.toString()), text);
+                    EXPECT_EQ(toUDEString(type.toString()), text);
                     EXPECT_EQ(type.getParameterValue(name), value);
                 });
     ContentType quoted(u"t/s");

@@ -14,8 +14,7 @@ namespace {
 
 using namespace opc::model;
 using namespace opc::test;
-
-constexpr auto narrow = &opc::toUDEString;
+using opc::toUDEString;
 
 TEST(PartName, namesTheFirstRuleThatIsBroken) {
     forEachCase("part-names/refused.txt", [](const std::string& message, const std::u16string& name) {
@@ -44,7 +43,7 @@ TEST(PartName, relationshipPartNames) {
     forEachCase("part-names/sources.txt", [](const std::u16string& text, const std::string& part) {
         const PartName name(text);
         EXPECT_FALSE(name.isRelationshipName());
-        EXPECT_EQ(narrow(name.getRelationshipPartName()), part);
+        EXPECT_EQ(toUDEString(name.getRelationshipPartName()), part);
         EXPECT_RAISES(InvalidPartName, "Part name is not a relationship part name.",
                       name.getSourcePartName());
     });
@@ -52,7 +51,7 @@ TEST(PartName, relationshipPartNames) {
                                                          const std::string& source) {
         const PartName name(text);
         EXPECT_TRUE(name.isRelationshipName());
-        EXPECT_EQ(narrow(name.getSourcePartName()), source);
+        EXPECT_EQ(toUDEString(name.getSourcePartName()), source);
         EXPECT_RAISES(InvalidPartName, "Relationship part can't have an associated relationship part name",
                       name.getRelationshipPartName());
     });
@@ -68,7 +67,7 @@ TEST(PartName, relationshipNamesAreThoseOfTheExpression) {
         for (int left = code; left > 0; left /= 6)
             text += pieces[left % 6];
         const bool expected = boost::regex_match(opc::toWideString(text), expression);
-        ASSERT_EQ(PartName(text).isRelationshipName(), expected) << narrow(text);
+        ASSERT_EQ(PartName(text).isRelationshipName(), expected) << toUDEString(text);
         matches += expected ? 1 : 0;
     }
     EXPECT_GT(matches, 500);
@@ -79,11 +78,11 @@ TEST(PartName, longNamesGetAnAnswer) {
     for (const std::u16string& name :
          {repeated(u"/_rels", times) + u"/.rels", u"/" + repeated(u"a", times) + u"/_rels/b.rels",
           u"/_rels/" + repeated(u"a", times) + u".rels"})
-        EXPECT_TRUE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
+        EXPECT_TRUE(PartName(name).isRelationshipName()) << toUDEString(name.substr(0, 20));
     for (const std::u16string& name :
          {repeated(u"/_rels", times), repeated(u"/_rel", times) + u"/.rels",
           u"/_rels/" + repeated(u".rels", times) + u"x", u"/_rel/" + repeated(u".rels", times)})
-        EXPECT_FALSE(PartName(name).isRelationshipName()) << narrow(name.substr(0, 20));
+        EXPECT_FALSE(PartName(name).isRelationshipName()) << toUDEString(name.substr(0, 20));
 }
 
 TEST(PartName, extensionIsThatOfThePath) {

@@ -9,7 +9,7 @@ namespace {
 using opc::model::SignedText;
 using Bytes = std::vector<unsigned char>;
 
-Bytes readAll(SignedText text, std::uint64_t blockSize) {
+Bytes readInBlocks(SignedText text, std::uint64_t blockSize) {
     Bytes result;
     Bytes block(blockSize);
     while (!text.isDone()) {
@@ -25,9 +25,10 @@ TEST(SignedText, GivesTheSameBytesInBlocksOfAnySize) {
     EXPECT_EQ(opc::model::toSignedBytes(whole), expected);
     for (std::size_t split = 0; split <= whole.size(); ++split)
         for (std::uint64_t blockSize = 1; blockSize <= expected.size() + 1; ++blockSize)
-            EXPECT_EQ(readAll(SignedText(whole.substr(0, split), whole.substr(split)), blockSize), expected)
+            EXPECT_EQ(readInBlocks(SignedText(whole.substr(0, split), whole.substr(split)), blockSize),
+                      expected)
                 << split << ", " << blockSize;
-    EXPECT_EQ(readAll(SignedText({}), 1), Bytes());
+    EXPECT_EQ(readInBlocks(SignedText({}), 1), Bytes());
 }
 
 } // namespace

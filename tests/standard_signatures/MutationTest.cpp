@@ -71,28 +71,17 @@ void sign(interfaces::IPhysicalPackage& store, const Identity& signer) {
     package.close(false);
 }
 
-VerificationPolicy trusting(const Identity& signer) {
-    VerificationPolicy policy;
-    policy.trust.emplace().roots.addCertificate(signer.certificate);
-    return policy;
-}
-
 /// With RSA and ECDSA.
 std::vector<Identity> signers() {
     return {SignedSample::usualSigner(),
             makeSigner(nullptr, [](CertificateRecipe& recipe) { recipe.rsaBits = 0; })};
 }
 
-/// What the model reads as it is.
-struct Sample : SignedSample {
-    Sample() { replace(u"/word/_rels/document.xml.rels", "\xC3\xA4.png", "%C3%A4.png"); }
-};
-
 /// Whatever byte of a part changes: if the answer is still yes, what is signed still says the same.
 TEST(StandardMutation, SaysYesToNoOtherContent) {
     for (const Identity& signer : signers()) {
-        const VerificationPolicy policy = trusting(signer);
-        Sample sample;
+        const VerificationPolicy policy = SignedSample::trusting(signer);
+        PlainSample sample;
         sign(sample.store, signer);
         std::vector<std::u16string> names = sample.store.partNames();
         names.push_back(CONTENT_TYPES);
@@ -150,8 +139,8 @@ std::string contentsOf(interfaces::IPhysicalPackage& store) {
 TEST(StandardMutation, SaysYesToNoOtherArchive) {
     const TemporaryFolder folder;
     for (const Identity& signer : signers()) {
-        const VerificationPolicy policy = trusting(signer);
-        const Sample sample;
+        const VerificationPolicy policy = SignedSample::trusting(signer);
+        const PlainSample sample;
         std::vector<RawItem> items{stored("[Content_Types].xml", toText(sample.store.contentTypes()))};
         for (const std::u16string& name : sample.store.partNames())
             items.push_back(stored(toUDEString(name).substr(1), toText(sample.store.partBytes(name))));

@@ -249,9 +249,9 @@ PackageVerification SignedSample::verify(const VerificationPolicy& policy) {
     return result;
 }
 
-VerificationPolicy SignedSample::trusting() {
+VerificationPolicy SignedSample::trusting(const Identity& signer) {
     VerificationPolicy policy;
-    policy.trust.emplace().roots.addCertificate(usualSigner().certificate);
+    policy.trust.emplace().roots.addCertificate(signer.certificate);
     return policy;
 }
 

@@ -51,14 +51,18 @@ public:
     void replace(const std::u16string& part, const std::string& from, const std::string& to);
     void replaceContentTypes(const std::string& from, const std::string& to);
 
+    static const Identity& usualSigner();
+    static standard_signatures::VerificationPolicy trusting(const Identity& signer = usualSigner());
+
     standard_signatures::PackageVerification
     verify(const standard_signatures::VerificationPolicy& policy = trusting());
 
-    /// Trusts the usual signer.
-    static standard_signatures::VerificationPolicy trusting();
-    static const Identity& usualSigner();
-
     physical::MemoryPackage store;
+};
+
+/// One that the model reads as it is.
+struct PlainSample : SignedSample {
+    PlainSample() { replace(u"/word/_rels/document.xml.rels", "\xC3\xA4.png", "%C3%A4.png"); }
 };
 
 /// All reasons why a package isn't a yes, one a line.

@@ -25,11 +25,6 @@ using namespace opc::test;
 using namespace opc::standard_signatures;
 using bedrock::crypto::DigestAlgorithm;
 
-/// What the model reads as it is.
-struct Sample : SignedSample {
-    Sample() { replace(u"/word/_rels/document.xml.rels", "\xC3\xA4.png", "%C3%A4.png"); }
-};
-
 Signer signerOf(const Identity& identity) {
     return {bedrock::crypto::readSigningKey(identity.getPrivateKey()), identity.certificate, {}};
 }
@@ -62,12 +57,6 @@ NewSignature sign(SignedSample& sample, const Signer& signer = signerOf(SignedSa
     return signature;
 }
 
-VerificationPolicy trusting(const Identity& identity) {
-    VerificationPolicy policy;
-    policy.trust.emplace().roots.addCertificate(identity.certificate);
-    return policy;
-}
-
 /// Drops the origin that the sample has.
 void removeOrigin(SignedSample& sample) {
     std::string text = toText(sample.store.partBytes(u"/_rels/.rels"));
@@ -94,7 +83,7 @@ TEST(StandardSigning, MakesSignaturesThatHoldWithEachKindOfKey) {
     };
     for (const auto& [key, digest, method] : cases) {
         const Identity identity = identityOf(key);
-        Sample sample;
+        PlainSample sample;
         SigningOptions options;
         options.digest = digest;
         options.comments = "\xC3\xA4 <&> why";
@@ -103,7 +92,7 @@ TEST(StandardSigning, MakesSignaturesThatHoldWithEachKindOfKey) {
         EXPECT_TRUE(made.coverage.isComplete()) << key;
         EXPECT_EQ(made.coverage.byCustom.size(), 2U);
         EXPECT_TRUE(made.unreachable.empty());
-        const PackageVerification result = sample.verify(trusting(identity));
+        const PackageVerification result = sample.verify(SignedSample::trusting(identity));
         EXPECT_TRUE(result.isYes()) << key;
         const VerifiedSignature& signature = result.signatures.at(0);
         EXPECT_EQ(signature.cryptography.method, method);
@@ -112,19 +101,19 @@ TEST(StandardSigning, MakesSignaturesThatHoldWithEachKindOfKey) {
         EXPECT_EQ(signature.part, made.part);
 
         sample.replace(u"/word/document.xml", "content", "another");
-        EXPECT_FALSE(sample.verify(trusting(identity)).isYes());
+        EXPECT_FALSE(sample.verify(SignedSample::trusting(identity)).isYes());
     }
 }
 
 TEST(StandardSigning, SignsWhatItIsToldTo) {
-    Sample whole;
+    PlainSample whole;
     SigningOptions options;
     options.signsAll = true;
     sign(whole, signerOf(SignedSample::usualSigner()), options);
     EXPECT_TRUE(whole.verify().isYes());
     EXPECT_TRUE(whole.verify().signatures[0].coverage.byCustom.empty());
 
-    Sample some;
+    PlainSample some;
     options.parts = {"/word/media/%C3%A4.png", "/WORD/styles.xml", "/word/styles.xml"};
     options.relationships = {{"/word/document.xml", "rId10"}, {"/", "rId1"}, {"/word/document.xml", "rId1"}};
     EXPECT_FALSE(sign(some, signerOf(SignedSample::usualSigner()), options).coverage.isComplete());
@@ -136,7 +125,7 @@ TEST(StandardSigning, SignsWhatItIsToldTo) {
 }
 
 TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
-    Sample sample;
+    PlainSample sample;
     removeOrigin(sample);
     const Signer signer = signerOf(SignedSample::usualSigner());
     EXPECT_EQ(sign(sample, signer).part, "/_xmlsignatures/sig1.xml");
@@ -173,7 +162,7 @@ TEST(StandardSigning, MakesAnOriginInPlaceOfOneThatIsMissing) {
 
 /// What others need stays, and what nobody needs any more goes.
 TEST(StandardSigning, RemovesSeveralAtOnce) {
-    Sample sample;
+    PlainSample sample;
     const Signer signer = signerOf(SignedSample::usualSigner());
     for (int i = 0; i < 3; ++i)
         sign(sample, signer);
@@ -226,7 +215,7 @@ TEST(StandardSigning, RemovesSeveralAtOnce) {
 TEST(StandardSigning, SaysLittleAboutWhoSignsWithoutACertificate) {
     for (const char* const key : {"2048", "P-384"}) {
         const Identity identity = identityOf(key);
-        Sample sample;
+        PlainSample sample;
         sign(sample, {bedrock::crypto::readSigningKey(identity.getPrivateKey()), {}, {}});
         const PackageVerification result = sample.verify();
         EXPECT_EQ(result.signatures.at(0).cryptography.status, CryptographyAnswer::Status::Valid);
@@ -236,7 +225,7 @@ TEST(StandardSigning, SaysLittleAboutWhoSignsWithoutACertificate) {
 }
 
 TEST(StandardSigning, NamesWhatNoRelationshipReaches) {
-    Sample sample;
+    PlainSample sample;
     sample.replace(u"/word/_rels/document.xml.rels", "<Relationship Id='rId10'", "<!--");
     sample.replace(u"/word/_rels/document.xml.rels", "Target='styles.xml'/>", "-->");
     EXPECT_EQ(sign(sample).unreachable, std::vector<std::string>{"/word/styles.xml"});
@@ -278,7 +267,7 @@ TEST(StandardSigning, RefusesWhatWouldDeceiveOrBreak) {
          [](SignedSample&, Signer&, SigningOptions& options) { options.comments = "\x01"; }},
     };
     for (const auto& [message, prepare] : cases) {
-        Sample sample;
+        PlainSample sample;
         Signer signer = signerOf(SignedSample::usualSigner());
         SigningOptions options;
         prepare(sample, signer, options);
@@ -341,7 +330,7 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
          true},
     };
     for (const auto& [what, prepare, isSigned] : cases) {
-        Sample sample;
+        PlainSample sample;
         prepare(sample);
         physical::LenientPackage lenient(sample.store);
         model::Package package(lenient);
@@ -395,7 +384,7 @@ TEST(StandardSigning, KeepsSignaturesOfTheOtherProfile) {
         EXPECT_TRUE(verdict.getSignatures().front().holds);
     };
     for (const bool ownIsFirst : {false, true}) {
-        Sample sample;
+        PlainSample sample;
         if (ownIsFirst)
             withManager(sample, signOwn);
         for (int i = 0; i < 3; ++i)
