@@ -16,6 +16,9 @@ target_link_options(opcmodel_flags INTERFACE LINKER:--as-needed) # a library tha
 if(OPCMODEL_DEVELOPER)
   target_compile_options(opcmodel_flags INTERFACE -Werror)
 endif()
+if(NOT OPCMODEL_SANITIZE) # whose functions only a program has
+  target_link_options(opcmodel_flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:-z,defs>)
+endif()
 if(OPCMODEL_SANITIZE)
   target_compile_options(opcmodel_flags INTERFACE
     -fsanitize=${OPCMODEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

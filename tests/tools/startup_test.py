@@ -27,8 +27,8 @@ class StartUp(OpctoolCase):
                 'new odd.zip', 'relate odd.zip / urn:example:a "http://user@[::1]/" --external')
 
     def test_a_library_is_loaded_by_what_needs_it(self):
-        for commands, present, absent in ((USUAL_COMMANDS + CHANGING_COMMANDS, 'libz.so', ('xerces', 'crypto')),
-                                          (CRYPTO_COMMANDS, 'libcrypto.so', ('xerces',))):
+        for commands, present, absent in ((USUAL_COMMANDS + CHANGING_COMMANDS, 'libz.so', ('libxerces', 'libcrypto')),
+                                          (CRYPTO_COMMANDS, 'libcrypto.so', ('libxerces',))):
             for command in commands:
                 loaded = self.shell(f"LD_DEBUG=files '{self.tool}' {command}").errors
                 self.assertIn(present, loaded, command)

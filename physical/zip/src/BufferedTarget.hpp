@@ -26,7 +26,7 @@ public:
 
 /// Collects small writes in a buffer before a target. Written bytes can still be changed, mostly in the buffer.
 /// Operations that may fail return an error number, 0 for success.
-class BufferedTarget {
+class OPC_ZIP_EXPORT BufferedTarget {
 public:
     static constexpr std::size_t CAPACITY = std::size_t{256} * 1024;
 

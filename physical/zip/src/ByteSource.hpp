@@ -35,7 +35,7 @@ public:
 
 /// Bytes whose reading costs a call, at least. A window serves small reads that continue after the last one, and those at
 /// the end, where the directory usually is.
-class WindowedBytes : public ByteSource {
+class OPC_ZIP_EXPORT WindowedBytes : public ByteSource {
 public:
     int readAt(std::uint64_t offset, unsigned char* buffer, std::size_t count, std::size_t& got) override;
 

@@ -38,7 +38,7 @@ struct Mending {
     Signatures signatures;
 
     /// Those of everything that was mended. What isn't about a part or a relationship is about "/".
-    std::vector<Change> changes() const;
+    OPC_EDITING_EXPORT std::vector<Change> changes() const;
 };
 
 /// Mends what `inspect` finds in a package, as far as that is certain and nothing is lost that a person could want. It

@@ -27,7 +27,7 @@ struct Report {
     std::map<std::string, std::uint64_t> unlisted; ///< by rule: how many findings there were beyond the limit
     std::string format;                            ///< `docx`, `xlsx` … as `detectFormat` names it
 
-    std::uint64_t count(Severity severity) const;
+    OPC_INSPECTION_EXPORT std::uint64_t count(Severity severity) const;
 };
 
 /// Checks a package by all rules that `options` choose. It goes on after every fault. Nothing is fetched.
