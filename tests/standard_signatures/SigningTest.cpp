@@ -149,7 +149,7 @@ TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
 
 /// A package has one origin at most [M6.1].
 TEST(StandardSigning, MakesAnOriginInPlaceOfOneThatIsMissing) {
-    Sample sample;
+    PlainSample sample;
     change(sample, [](model::Package& package) {
         package.deletePart(model::PartName(u"/_xmlsignatures/origin.sigs"));
     });
