@@ -47,8 +47,8 @@ TEST(ZipItemNames, areToldIfOtherProgramsMayNotFindTheirParts) {
     } cases[] = {
         {"a/b.xml", ""},
         {"a/\xC3\xA9%20.xml", "", 0x800},
-        {"a/b.xml/[0].last.piece", ""},
-        {"[Content_Types].xml/[0].last.piece", ""},
+        {"a/b.xml/[0].last.piece", "it is a piece of an interleaved part"},
+        {"[Content_Types].xml/[0].last.piece", "it is a piece of an interleaved part"},
         {"a b.xml/[0].piece", ""}, // it is no part
         {"a/[b].xml", "its name has a character that must be percent-encoded"},
         {"a/\xC3\xA9.xml", "its name isn't marked as UTF-8"},

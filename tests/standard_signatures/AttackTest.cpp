@@ -392,6 +392,8 @@ TEST(StandardAttacks, PlayWithArchives) {
          [&](RawArchive& it) {
              in(it.items, "word/_rels/document.xml.rels").name = "word/_RELS/document.xml.rels";
          }},
+        {"relationships in a piece",
+         [&](RawArchive& it) { in(it.items, "word/_rels/document.xml.rels").name += "/[0].last.piece"; }},
         {"a part in another letter case",
          [&](RawArchive& it) { in(it.items, "word/styles.xml").name = "word/Styles.xml"; }},
         {"content types in another letter case",

@@ -9,6 +9,10 @@ namespace opc::interfaces {
 struct MisnamedItem {
     std::u16string name; ///< the name in the store
     std::string reason;  ///< what other programs may not understand, in English
+
+    /// Whether the name is right: that of a piece of an interleaved part, which office documents mustn't have (ECMA-376
+    /// Part 1) and their programs don't join.
+    bool isPiece = false;
 };
 
 } // namespace opc::interfaces

@@ -220,11 +220,15 @@ std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
     std::vector<interfaces::MisnamedItem> all;
     for (const ItemIndex item : unusual) {
         const DirectoryEntry& entry = context.archive->item(item);
+        const ItemName name = readItemName(entry.name);
         const char* reason = nameDefectForOthers(entry.name);
         if (reason == nullptr && !isASCII(entry.name) && (entry.flags & NAME_IS_UTF8) == 0)
             reason = "its name isn't marked as UTF-8";
-        if (reason != nullptr && belongsToPackage(item, readItemName(entry.name)))
-            all.push_back({toString(std::string(entry.name), true), reason});
+        const bool isPiece = reason == nullptr && name.piece;
+        if (isPiece)
+            reason = "it is a piece of an interleaved part";
+        if (reason != nullptr && belongsToPackage(item, name))
+            all.push_back({toString(std::string(entry.name), true), reason, isPiece});
     }
     return all;
 }

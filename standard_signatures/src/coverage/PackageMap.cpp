@@ -94,6 +94,10 @@ PackageMap::PackageMap(PackageContents& contents) {
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
+    const bool isOfOffice = hasMainDocument();
+    for (const interfaces::MisnamedItem& item : contents.misnamedItems())
+        if (isOfOffice || !item.isPiece)
+            misnamed.push_back(item);
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -146,6 +150,10 @@ void PackageMap::giveRoles() {
         if (*one.document->source == "/" && !one.values->isExternal &&
             findKind(LEFT_OUT_BY_CUSTOM, one.values->type) != nullptr)
             one.role = RelationshipRole::LeftOutByCustom;
+}
+
+bool PackageMap::hasMainDocument() const {
+    return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) { return one.isMain; });
 }
 
 const StoredPart* PackageMap::origin() const {

@@ -40,6 +40,11 @@ public:
     const std::vector<const StoredPart*>& signatures() const { return signatureParts; }
     bool hasOrigin() const { return !origins.empty(); }
 
+    bool hasMainDocument() const;
+
+    /// What other programs may not find as the part that it is here. Only office documents mustn't have pieces.
+    const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
+
     /// The first origin of signatures; null if there is none.
     const StoredPart* origin() const;
 
@@ -63,6 +68,7 @@ private:
 
     std::vector<MappedRelationship> all;
     std::vector<Reason> failures;
+    std::vector<interfaces::MisnamedItem> misnamed;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, exempt, ofSignatures, contentTargets;
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package

@@ -24,7 +24,7 @@ public:
         compareMainDocument();
         for (const interfaces::IgnoredItem& item : package.ignoredItems())
             addGap({GapKind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
-        for (const interfaces::MisnamedItem& item : package.misnamedItems())
+        for (const interfaces::MisnamedItem& item : map.misnamedItems())
             addGap({GapKind::Item,
                     toUDEString(item.name),
                     {},

@@ -11,8 +11,6 @@
 #include <opc/core/Text.hpp>
 #include <opc/core/Time.hpp>
 
-#include <algorithm>
-
 namespace opc::standard_signatures {
 
 SigningRefused::~SigningRefused() = default;
@@ -50,11 +48,6 @@ std::string claimedTime(const SigningOptions& options) {
     return toUDEString(convertTimeToString(options.time.value_or(std::chrono::system_clock::now())));
 }
 
-bool hasMainDocument(const PackageMap& map) {
-    return std::any_of(map.relationships().begin(), map.relationships().end(),
-                       [](const MappedRelationship& one) { return one.isMain; });
-}
-
 std::string shortName(const std::string& partName) {
     const std::string segment = partName.substr(partName.rfind('/') + 1);
     return segment.substr(0, segment.rfind('.'));
@@ -74,7 +67,7 @@ NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store, 
     const std::string time = claimedTime(options);
     std::string objects = composePackageObject(composeManifest(plan, contents, digest), time);
     std::vector<std::string> ids{"idPackageObject"};
-    if (hasMainDocument(map)) {
+    if (map.hasMainDocument()) {
         objects += composeOfficeObject(options.comments);
         ids.emplace_back("idOfficeObject");
     }

@@ -21,7 +21,7 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
         throw SigningRefused("The content types can't be signed: " + failure->text);
     for (const Reason& reason : map.unreadable())
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
-    for (const interfaces::MisnamedItem& item : contents.misnamedItems())
+    for (const interfaces::MisnamedItem& item : map.misnamedItems())
         throw SigningRefused("Other programs may not find " + toUDEString(item.name) + ": " + item.reason);
     for (const StoredPart& part : contents.parts()) {
         if (part.isAmbiguous)

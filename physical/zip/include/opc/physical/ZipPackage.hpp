@@ -103,7 +103,8 @@ public:
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
     /// Gives the items whose names have backslashes, characters that a part name can't have, or another letter case than
-    /// relationships parts and the content types stream have, and those whose names aren't marked as the UTF-8 that they are.
+    /// relationships parts and the content types stream have, those whose names aren't marked as the UTF-8 that they are,
+    /// and pieces.
     std::vector<interfaces::MisnamedItem> getMisnamedItems() override;
 
     /// Lists what `ZipOptions::lenient` has accepted so far, including findings in the items that were read.
