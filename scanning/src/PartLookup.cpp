@@ -12,10 +12,13 @@ char toLower(char c) {
 }
 
 bool isBefore(std::string_view left, std::string_view right) {
-    return std::lexicographical_compare(
-        left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
-            return static_cast<unsigned char>(toLower(a)) < static_cast<unsigned char>(toLower(b));
-        });
+    const std::size_t length = std::min(left.size(), right.size());
+    std::size_t same = 0;
+    while (same < length && (left[same] == right[same] || toLower(left[same]) == toLower(right[same])))
+        ++same;
+    return same == length ? left.size() < right.size()
+                          : static_cast<unsigned char>(toLower(left[same])) <
+                                static_cast<unsigned char>(toLower(right[same]));
 }
 
 bool isPlain(std::string_view text) {

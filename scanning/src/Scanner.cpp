@@ -13,12 +13,12 @@ namespace opc::scanning {
 
 namespace {
 
-/// What is read and waits for its turn.
+/// What is read and waits for its turn. It is moved often; a result itself would be copied, as its move may throw.
 struct Job {
     explicit Job(Source source) : source(std::move(source)) {}
 
     Source source;
-    Result result;
+    std::unique_ptr<Result> result = std::make_unique<Result>();
 };
 
 /// How many results are taken at a time.
@@ -92,19 +92,17 @@ public:
     }
 
     std::optional<Result> next() {
-        if (taken.empty()) {
+        if (given == taken.size()) {
             takeSources();
             if (window.size() == 0) {
                 if (failure)
                     std::rethrow_exception(std::exchange(failure, nullptr));
                 return std::nullopt;
             }
-            for (Job& job : window.take(MANY))
-                taken.push_back(std::move(job.result));
+            taken = window.take(MANY);
+            given = 0;
         }
-        std::optional<Result> next = std::move(taken.front());
-        taken.pop_front();
-        return next;
+        return std::move(*taken[given++].result);
     }
 
 private:
@@ -160,7 +158,7 @@ private:
             lock.unlock();
             if (isWanted) {
                 read(job);
-                if (weigh(job.result) > LITTLE)
+                if (weigh(*job.result) > LITTLE)
                     window.waitUntilFirst(job);
             }
             window.end(job);
@@ -170,11 +168,11 @@ private:
 
     void read(Job& job) const {
         try {
-            job.result = readFile(job.source, options);
+            *job.result = readFile(job.source, options);
         } catch (const std::exception& e) {
-            job.result = Result();
-            job.result.name = job.source.name;
-            job.result.failure = describe(e, {});
+            *job.result = Result();
+            job.result->name = job.source.name;
+            job.result->failure = describe(e, {});
         }
         job.source.bytes.reset();
     }
@@ -188,7 +186,8 @@ private:
     bool isAtEnd = false;
     std::exception_ptr failure; ///< of the sources
     OrderedWindow<Job> window;
-    std::deque<Result> taken;         ///< and not given yet
+    std::vector<Job> taken;
+    std::size_t given = 0;            ///< of those
     std::vector<std::thread> threads; ///< that of the caller starts them, and no other looks at the list
     std::mutex mutex;                 ///< of what follows
     std::condition_variable added;
