@@ -124,6 +124,10 @@ ordered_json textOrNull(inspection::Format::Conformance conformance) {
     }
 }
 
+std::string write(const ordered_json& value) {
+    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
 } // namespace
 
 ordered_json describe(const model::CoreProperties& properties) {
@@ -166,7 +170,11 @@ std::string toJSON(const Result& result, unsigned aspects) {
     add(EXTERNALS, "externals", result.externals);
     add(SIGNATURES, "signatures", result.signatures);
     add(FINDINGS, "findings", result.findings);
-    return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+    return write(object);
+}
+
+std::string toJSON(const ScannedSignatures& signatures) {
+    return write(describe(signatures));
 }
 
 } // namespace opc::scanning

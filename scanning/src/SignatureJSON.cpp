@@ -112,24 +112,6 @@ std::string placeOf(const Unsigned& one) {
     return one.id.empty() ? one.place : one.place + "#" + one.id;
 }
 
-std::vector<std::string> reasonsOf(const VerifiedSignature& signature) {
-    std::vector<std::string> all;
-    for (const Reason& reason : signature.cryptography.reasons)
-        all.push_back((reason.code == Reason::Code::WeakAlgorithm ? "weak: " : "broken: ") + reason.text);
-    for (const CheckedReference& one : signature.cryptography.references)
-        if (one.wrong)
-            all.push_back("broken: " + one.uri.substr(0, one.uri.find('?')) + ": " + one.wrong->text);
-    if (signature.cryptography.status == CryptographyAnswer::Status::Broken)
-        return all;
-    for (const Unsigned& gap : signature.coverage.gaps)
-        all.push_back("partial: " + placeOf(gap) + ": " + gap.text);
-    if (signature.coverage.signedParts == 0)
-        all.emplace_back("partial: it signs no part of the content");
-    if (!signature.trust.reason.empty())
-        all.push_back(std::string(nameOf(signature.trust.status)) + ": " + signature.trust.reason);
-    return all;
-}
-
 ordered_json weaknessesOf(const CryptographyAnswer& answer) {
     ordered_json all = ordered_json::array();
     for (const Reason& reason : answer.reasons)
@@ -194,6 +176,24 @@ ordered_json describe(const JudgedSignature& judged) {
 }
 
 } // namespace
+
+std::vector<std::string> reasonsOf(const VerifiedSignature& signature) {
+    std::vector<std::string> all;
+    for (const Reason& reason : signature.cryptography.reasons)
+        all.push_back((reason.code == Reason::Code::WeakAlgorithm ? "weak: " : "broken: ") + reason.text);
+    for (const CheckedReference& one : signature.cryptography.references)
+        if (one.wrong)
+            all.push_back("broken: " + one.uri.substr(0, one.uri.find('?')) + ": " + one.wrong->text);
+    if (signature.cryptography.status == CryptographyAnswer::Status::Broken)
+        return all;
+    for (const Unsigned& gap : signature.coverage.gaps)
+        all.push_back("partial: " + placeOf(gap) + ": " + gap.text);
+    if (signature.coverage.signedParts == 0)
+        all.emplace_back("partial: it signs no part of the content");
+    if (!signature.trust.reason.empty())
+        all.push_back(std::string(nameOf(signature.trust.status)) + ": " + signature.trust.reason);
+    return all;
+}
 
 ordered_json describe(const ScannedSignatures& signatures) {
     ordered_json rows = ordered_json::array(), reasons = ordered_json::array();

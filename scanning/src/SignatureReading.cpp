@@ -4,6 +4,7 @@
 #include <opc/model/DigitalSignatureManager.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace opc::scanning {
 
@@ -31,15 +32,6 @@ State stateOf(const ScannedSignatures& all) {
     return allHold ? State::Holds : State::Broken;
 }
 
-void readOwn(model::DigitalSignatureManager& manager, const ScanOptions& options, ScannedSignatures& all) {
-    const model::SignatureVerdict verdict = manager.judge(options.ownPolicy);
-    all.own = verdict.getSignatures();
-    all.ownCoverEverything = !all.own.empty() && verdict.getCoverage().isFull();
-    for (const VerdictReason& reason : verdict.getReasons())
-        if (reason.kind != VerdictReason::Kind::ForeignForm) // these are read here
-            all.reasons.push_back(reason);
-}
-
 /// Signatures in one profile alone needn't be there in the other one.
 void dropReasonsOfNone(ScannedSignatures& all) {
     if (!all.own.empty() || all.standard.signatures.empty())
@@ -51,27 +43,38 @@ void dropReasonsOfNone(ScannedSignatures& all) {
 
 } // namespace
 
+void ScannedSignatures::add(const model::SignatureVerdict& verdict) {
+    own = verdict.getSignatures();
+    ownCoverEverything = !own.empty() && verdict.getCoverage().isFull();
+    for (const VerdictReason& reason : verdict.getReasons())
+        if (reason.kind != VerdictReason::Kind::ForeignForm) // these are added by themselves
+            reasons.push_back(reason);
+    state = stateOf(*this);
+}
+
+void ScannedSignatures::add(standard_signatures::PackageVerification verification) {
+    standard = std::move(verification);
+    dropReasonsOfNone(*this);
+    if (own.empty() && standard.signatures.empty() && reasons.empty())
+        reasons.push_back({VerdictReason::Kind::NoSignatures,
+                           {},
+                           bedrock::codesigning_verifier::ErrorMap<0>(),
+                           "the package has no signatures"});
+    state = stateOf(*this);
+}
+
 ScannedSignatures readSignatures(model::DigitalSignatureManager& manager, interfaces::IPhysicalPackage& store,
                                  const ScanOptions& options) {
     ScannedSignatures all;
-    readOwn(manager, options, all);
-    if (manager.hasForeignSignatures()) {
-        all.standard = verify(store, options.standardPolicy);
-        dropReasonsOfNone(all);
-        if (all.own.empty() && all.standard.signatures.empty() && all.reasons.empty())
-            all.reasons.push_back({VerdictReason::Kind::NoSignatures,
-                                   {},
-                                   bedrock::codesigning_verifier::ErrorMap<0>(),
-                                   "the package has no signatures"});
-    }
-    all.state = stateOf(all);
+    all.add(manager.judge(options.ownPolicy));
+    if (manager.hasForeignSignatures())
+        all.add(verify(store, options.standardPolicy));
     return all;
 }
 
 ScannedSignatures readStandardSignatures(interfaces::IPhysicalPackage& store, const ScanOptions& options) {
     ScannedSignatures all;
-    all.standard = verify(store, options.standardPolicy);
-    all.state = stateOf(all);
+    all.add(verify(store, options.standardPolicy));
     return all;
 }
 

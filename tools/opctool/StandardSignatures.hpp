@@ -5,7 +5,6 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <string>
-#include <vector>
 
 namespace opctool {
 
@@ -29,13 +28,9 @@ opc::standard_signatures::PackageVerification verifyStandard(PackageFile& file,
 bool fulfils(const opc::standard_signatures::PackageVerification& verification,
              const StandardRequirements& requirements);
 
-/// A row of JSON, with the members that rows of the other profile have too.
-nlohmann::ordered_json describeSignature(const opc::standard_signatures::VerifiedSignature& signature);
-
-/// Why the signature isn't a yes, in lines for people.
-std::vector<std::string> reasonsOf(const opc::standard_signatures::VerifiedSignature& signature);
-
 /// Prints the table of the three answers, and the reasons.
-void printVerification(FileRun& run, const opc::standard_signatures::PackageVerification& verification);
+/// @param rows  of the same signatures, in JSON
+void printVerification(FileRun& run, const opc::standard_signatures::PackageVerification& verification,
+                       const nlohmann::ordered_json& rows);
 
 } // namespace opctool

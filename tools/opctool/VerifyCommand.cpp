@@ -6,17 +6,16 @@
 #include "OpenedPackage.hpp"
 #include "RepeatableOption.hpp"
 #include "SignedPackage.hpp"
-#include "SigningMaterial.hpp"
 #include "StandardSignatures.hpp"
 #include "TerminalText.hpp"
 #include "Trust.hpp"
 
 #include <bedrock/codesigning_verifier/FingerprintStore.hpp>
 #include <opc/core/Text.hpp>
-#include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/SignaturePolicy.hpp>
 #include <opc/model/SignatureVerdict.hpp>
+#include <opc/scanning/ResultJSON.hpp>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -29,6 +28,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace opctool {
@@ -40,13 +40,10 @@ using nlohmann::ordered_json;
 using opc::toUDEString;
 using opc::model::JudgedSignature;
 using opc::model::PackageCoverage;
-using opc::model::SignatureMethod;
 using opc::model::SignaturePolicy;
 using opc::model::SignatureVerdict;
-using opc::model::SignerEvidence;
 using opc::model::VerdictReason;
-using opc::standard_signatures::PackageVerification;
-using opc::standard_signatures::VerifiedSignature;
+using opc::scanning::ScannedSignatures;
 
 constexpr const char* COMPLETE = "complete";
 constexpr const char* TRUSTED = "trusted";
@@ -73,18 +70,13 @@ struct Requirements {
 
 /// What is found out about a package.
 struct Verdict {
-    std::vector<JudgedSignature> signatures; ///< in the library's own profile
-    std::vector<VerdictReason> reasons;      ///< why these aren't a yes
-    std::optional<PackageCoverage> coverage; ///< of these; nothing if they couldn't be judged
-    PackageVerification standard;
+    ScannedSignatures found;
+    std::optional<PackageCoverage> coverage; ///< of the own signatures; nothing if they couldn't be judged
     bool isStandardFulfilled = true;
 
-    bool isUnsigned() const { return signatures.empty() && standard.signatures.empty(); }
-    bool leavesOpen() const {
-        return std::any_of(reasons.begin(), reasons.end(),
-                           [](const VerdictReason& one) { return one.leavesOpen(); });
-    }
-    bool isYes() const { return reasons.empty() && isStandardFulfilled; }
+    bool isUnsigned() const { return found.own.empty() && found.standard.signatures.empty(); }
+    bool leavesOpen() const { return found.state == ScannedSignatures::State::Unreadable; }
+    bool isYes() const { return found.reasons.empty() && isStandardFulfilled; }
 };
 
 std::string lowerCase(std::string text) {
@@ -136,25 +128,13 @@ StandardRequirements makeStandardRequirements(const VerifyArguments& arguments) 
 }
 
 void take(Verdict& verdict, const SignatureVerdict& own) {
-    verdict.signatures = own.getSignatures();
+    verdict.found.add(own);
     verdict.coverage = own.getCoverage();
-    for (const VerdictReason& reason : own.getReasons())
-        if (reason.kind != VerdictReason::Kind::ForeignForm) // these are read here
-            verdict.reasons.push_back(reason);
 }
 
 void addStandard(Verdict& verdict, PackageFile& file, const StandardRequirements& requirements) {
-    verdict.standard = verifyStandard(file, requirements);
-    verdict.isStandardFulfilled = fulfils(verdict.standard, requirements);
-    if (verdict.signatures.empty() && !verdict.standard.signatures.empty()) // they cover nothing, and needn't
-        verdict.reasons.erase(std::remove_if(verdict.reasons.begin(), verdict.reasons.end(),
-                                             [](const VerdictReason& one) { return !one.leavesOpen(); }),
-                              verdict.reasons.end());
-    if (verdict.isUnsigned() && verdict.reasons.empty())
-        verdict.reasons.push_back({VerdictReason::Kind::NoSignatures,
-                                   {},
-                                   bedrock::codesigning_verifier::ErrorMap<0>(),
-                                   "the package has no signatures"});
+    verdict.found.add(verifyStandard(file, requirements));
+    verdict.isStandardFulfilled = fulfils(verdict.found.standard, requirements);
 }
 
 Verdict judge(FileRun& run, const VerifyArguments& arguments, const Requirements& requirements) {
@@ -188,34 +168,6 @@ Verdict judgeWithoutModel(FileRun& run, const Requirements& requirements) {
     return verdict;
 }
 
-ordered_json describe(const JudgedSignature& judged) {
-    const auto params = judged.signature.getSignatureParams();
-    ordered_json row{{"name", toUDEString(judged.signature.getName())},
-                     {"time", nullptr}, // as the signer claims
-                     {"digest", digestName(params.getDigestMethod())},
-                     {"keySize", nullptr},
-                     {"signer", nullptr},
-                     {"fingerprint", nullptr},
-                     {"status", judged.status},
-                     {"code", judged.code.value()},
-                     {"holds", judged.holds},
-                     {"reason", judged.reason},
-                     {"weak", judged.weaknesses},
-                     {"restsOnClaimedTime", judged.restsOnClaimedTime},
-                     {"profile", "opcmodel"}};
-    if (!judged.claimedTime.is_special())
-        row["time"] = toUDEString(opc::convertTimeToString(judged.claimedTime));
-    if (params.getSignatureMethod() != SignatureMethod::NoKey)
-        row["keySize"] = opc::model::signatureMethodToKeySize(params.getSignatureMethod());
-    if (judged.evidence == SignerEvidence::PublicKey)
-        row["signer"] = "key";
-    if (!judged.signer.empty()) {
-        row["signer"] = judged.signer.getSubject();
-        row["fingerprint"] = judged.signer.getSHA256Fingerprint();
-    }
-    return row;
-}
-
 Color colorOfStatus(const std::string& status) {
     return status.compare(0, 5, "holds") == 0 ? Color::Green : Color::Red;
 }
@@ -242,17 +194,14 @@ void printReservations(std::ostream& out, const JudgedSignature& judged) {
             out << name << ": weak: " << withoutControlCharacters(weakness) << '\n';
 }
 
-void printOwn(FileRun& run, const Verdict& verdict) {
-    ordered_json list = ordered_json::array();
-    for (const JudgedSignature& judged : verdict.signatures)
-        list.push_back(describe(judged));
-    printTable(run, list);
-    if (!list.empty() && verdict.coverage) {
+void printOwn(FileRun& run, const Verdict& verdict, const ordered_json& rows) {
+    printTable(run, rows);
+    if (!rows.empty() && verdict.coverage) {
         run.out() << '\n' << summarize(*verdict.coverage);
-        for (const JudgedSignature& judged : verdict.signatures)
+        for (const JudgedSignature& judged : verdict.found.own)
             printReservations(run.out(), judged);
     }
-    for (const VerdictReason& reason : verdict.reasons)
+    for (const VerdictReason& reason : verdict.found.reasons)
         if (reason.kind == VerdictReason::Kind::NoSignatures)
             run.out() << (run.options().isOneOfMany ? std::string("it")
                                                     : withoutControlCharacters(run.path()))
@@ -261,27 +210,38 @@ void printOwn(FileRun& run, const Verdict& verdict) {
             run.out() << "No: " << withoutControlCharacters(reason.text) << '\n';
 }
 
+/// What is the same for programs.
+ordered_json describe(const Verdict& verdict) {
+    return ordered_json::parse(opc::scanning::toJSON(verdict.found));
+}
+
 void print(FileRun& run, const Verdict& verdict) {
-    if (!verdict.standard.signatures.empty() || !verdict.standard.problems.empty())
-        printVerification(run, verdict.standard);
-    if (!verdict.standard.signatures.empty() && !verdict.signatures.empty())
+    ordered_json own = ordered_json::array();
+    ordered_json standard = ordered_json::array();
+    ordered_json description = describe(verdict);
+    for (ordered_json& row : description["signatures"])
+        (row["profile"] == "standard" ? standard : own).push_back(std::move(row));
+    if (!standard.empty() || !verdict.found.standard.problems.empty())
+        printVerification(run, verdict.found.standard, standard);
+    if (!standard.empty() && !own.empty())
         run.out() << "\nSignatures in this library's profile:\n";
-    printOwn(run, verdict);
+    printOwn(run, verdict, own);
 }
 
 /// Reasons of the package as a whole, which no row of the list shows.
 std::vector<std::string> reasonsOfPackage(const Verdict& verdict) {
     std::vector<std::string> all;
-    for (const VerdictReason& reason : verdict.reasons)
+    for (const VerdictReason& reason : verdict.found.reasons)
         if (reason.signature.empty() && !reason.leavesOpen())
             all.push_back(reason.text);
-    for (const auto& problem : verdict.standard.problems)
+    for (const auto& problem : verdict.found.standard.problems)
         all.push_back(problem.place + ": " + problem.text);
     return all;
 }
 
 bool isUnreadable(const Verdict& verdict) {
-    return !verdict.reasons.empty() && verdict.reasons.front().kind == VerdictReason::Kind::Unreadable;
+    return !verdict.found.reasons.empty() &&
+           verdict.found.reasons.front().kind == VerdictReason::Kind::Unreadable;
 }
 
 /// Fails with everything that couldn't be read or checked.
@@ -289,62 +249,27 @@ bool isUnreadable(const Verdict& verdict) {
     constexpr std::size_t TOLD = 5; // a small package can have very many bad signatures
     std::string text;
     std::size_t count = 0;
-    for (const VerdictReason& reason : verdict.reasons)
+    for (const VerdictReason& reason : verdict.found.reasons)
         if (reason.leavesOpen() && ++count <= TOLD)
             text += (count == 1 ? "" : "; ") + reason.text;
     if (count > TOLD)
         text += "; and " + std::to_string(count - TOLD) + " more";
-    throw opc::model::InvalidSignature(text, verdict.reasons.front().code);
-}
-
-const char* stateOf(const Verdict& verdict) {
-    if (verdict.leavesOpen())
-        return "unreadable";
-    if (verdict.isUnsigned())
-        return "unsigned";
-    const bool allHold = std::all_of(verdict.signatures.begin(), verdict.signatures.end(),
-                                     [](const JudgedSignature& judged) { return judged.holds; }) &&
-                         std::none_of(verdict.standard.signatures.begin(), verdict.standard.signatures.end(),
-                                      [](const VerifiedSignature& one) {
-                                          return one.cryptography.status ==
-                                                 opc::standard_signatures::CryptographyAnswer::Status::Broken;
-                                      });
-    return allHold ? "holds" : "broken"; // if all hold, more was required
-}
-
-ordered_json listOf(const Verdict& verdict) {
-    ordered_json list = ordered_json::array();
-    for (const JudgedSignature& judged : verdict.signatures)
-        list.push_back(describe(judged));
-    for (const VerifiedSignature& one : verdict.standard.signatures)
-        list.push_back(describeSignature(one));
-    return list;
+    throw opc::model::InvalidSignature(text, verdict.found.reasons.front().code);
 }
 
 void printJSON(FileRun& run, const Verdict& verdict) {
-    const ordered_json list = listOf(verdict);
-    if (!run.hasEnvelope()) {
-        run.json().add(list);
-        for (const std::string& reason : reasonsOfPackage(verdict))
-            run.tell("no: " + reason);
+    const ordered_json description = describe(verdict);
+    if (run.hasEnvelope()) {
+        run.json().add(description);
         return;
     }
-    ordered_json reasons = ordered_json::array();
-    for (const VerdictReason& reason : verdict.reasons)
-        reasons.push_back(
-            {{"signature",
-              reason.signature.empty() ? ordered_json() : ordered_json(toUDEString(reason.signature))},
-             {"text", reason.text}});
-    for (const VerifiedSignature& one : verdict.standard.signatures)
-        for (const std::string& reason : reasonsOf(one))
-            reasons.push_back({{"signature", one.name}, {"text", reason}});
-    for (const auto& problem : verdict.standard.problems)
-        reasons.push_back({{"signature", nullptr}, {"text", problem.place + ": " + problem.text}});
-    run.json().add({{"state", stateOf(verdict)}, {"signatures", list}, {"reasons", reasons}});
+    run.json().add(description["signatures"]);
+    for (const std::string& reason : reasonsOfPackage(verdict))
+        run.tell("no: " + reason);
 }
 
 void report(FileRun& run, const Verdict& verdict) {
-    if (isUnreadable(verdict) && verdict.standard.signatures.empty() && !run.hasEnvelope())
+    if (isUnreadable(verdict) && verdict.found.standard.signatures.empty() && !run.hasEnvelope())
         failOpen(verdict);
     if (run.wantsJSON())
         printJSON(run, verdict);
@@ -367,7 +292,7 @@ void verify(FileRun& run, const VerifyArguments& arguments, const Requirements& 
             verdict = judgeWithoutModel(run, requirements);
         } catch (const opc::Exception&) { // the first failure says more
         }
-        if (verdict.standard.signatures.empty())
+        if (verdict.found.standard.signatures.empty())
             throw;
         if (run.wantsJSON())
             printJSON(run, verdict);

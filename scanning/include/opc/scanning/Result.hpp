@@ -6,6 +6,7 @@
 #include <opc/interfaces/Oddity.hpp>
 #include <opc/model/CoreProperties.hpp>
 #include <opc/model/SignatureVerdict.hpp>
+#include <opc/scanning/Export.hpp>
 #include <opc/scanning/Failure.hpp>
 #include <opc/standard_signatures/Verification.hpp>
 
@@ -58,7 +59,17 @@ struct ScannedSignatures {
     std::vector<model::JudgedSignature> own;           ///< those of `DigitalSignatureManager`
     std::vector<model::VerdictReason> reasons;         ///< why these aren't a yes
     bool ownCoverEverything = false;                   ///< whether those that hold leave nothing out
+
+    /// Adds what is found out about one of the profiles, each at most once and the own one first.
+    /// @{
+    OPC_SCANNING_EXPORT void add(const model::SignatureVerdict& verdict);
+    OPC_SCANNING_EXPORT void add(standard_signatures::PackageVerification verification);
+    /// @}
 };
+
+/// Why a signature in the standard's profile isn't a yes, in lines for people.
+OPC_SCANNING_EXPORT std::vector<std::string>
+reasonsOf(const standard_signatures::VerifiedSignature& signature);
 
 /// What was found out about one file. Only what was asked for is there, and of that only what could be read.
 struct Result {

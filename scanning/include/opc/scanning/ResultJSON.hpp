@@ -15,4 +15,7 @@ namespace opc::scanning {
 /// @param aspects  which of these are written, as bits of `Aspect`
 OPC_SCANNING_EXPORT std::string toJSON(const Result& result, unsigned aspects = EVERY_ASPECT);
 
+/// The member `signatures` of it.
+OPC_SCANNING_EXPORT std::string toJSON(const ScannedSignatures& signatures);
+
 } // namespace opc::scanning
