@@ -35,7 +35,8 @@ ZipPackage makeArchive(const Source& source, const ScanOptions& options) {
 
 bool leadsToPart(const Package& package, const Relationship& relationship) {
     try {
-        return package.hasPart(PartName(relationship.getTargetURI().getPath()));
+        const URI target = relationship.getTargetURI();
+        return !target.hasScheme() && !target.hasAuthority() && package.hasPart(PartName(target.getPath()));
     } catch (const Exception&) {
         return false; // no part can have such a name
     }

@@ -48,7 +48,8 @@ ordered_json targetExists(const Package& package, const Relationship& relationsh
     if (relationship.getTargetMode() == TargetMode::External)
         return nullptr;
     try {
-        return package.hasPart(PartName(relationship.getTargetURI().getPath()));
+        const URI target = relationship.getTargetURI();
+        return !target.hasScheme() && !target.hasAuthority() && package.hasPart(PartName(target.getPath()));
     } catch (const opc::Exception&) {
         return false; // no part can have such a name
     }

@@ -31,6 +31,8 @@ Resolved resolve(const Relationship& relationship) {
         return {};
     try {
         const opc::model::URI target = relationship.getTargetURI();
+        if (target.hasScheme() || target.hasAuthority()) // such as C:/a.xml
+            return {toText(target.toString()), std::nullopt};
         return {toText(target.toString()), toText(target.getPath())};
     } catch (const opc::Exception&) { // it leads to nothing that has a name
         return {};

@@ -10,7 +10,10 @@ std::optional<PartName> targetOf(const model::Relationship& relationship) {
     if (relationship.getTargetMode() == model::TargetMode::External)
         return std::nullopt;
     try {
-        return PartName(relationship.getTargetURI().getPath());
+        const model::URI target = relationship.getTargetURI();
+        if (target.hasScheme() || target.hasAuthority()) // such as C:/a.xml
+            return std::nullopt;
+        return PartName(target.getPath());
     } catch (const Exception&) {
         return std::nullopt;
     }

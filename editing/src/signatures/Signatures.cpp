@@ -1,5 +1,6 @@
 #include <opc/editing/Signatures.hpp>
 
+#include "graph/Targets.hpp"
 #include "subject/Subject.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -31,16 +32,11 @@ template <typename Visit>
 void visitTargets(const Package& package, const RelationshipSource& source, SignaturePartKind kind,
                   const Visit& visit) {
     for (const Relationship& relationship : source.getRelationships()) {
-        if (relationship.getTargetMode() == model::TargetMode::External ||
-            inspection::targetOfSignatureType(toUDEString(relationship.getType())) != kind)
+        if (inspection::targetOfSignatureType(toUDEString(relationship.getType())) != kind)
             continue;
-        try {
-            const PartName name(relationship.getTargetURI().getPath());
-            if (package.hasPart(name))
-                visit(package.getPart(name));
-        } catch (const Exception&) {
-            continue; // it leads to nothing that can be a part
-        }
+        const std::optional<PartName> name = targetOf(relationship);
+        if (name && package.hasPart(*name))
+            visit(package.getPart(*name));
     }
 }
 
