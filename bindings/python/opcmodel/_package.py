@@ -11,7 +11,7 @@ from types import TracebackType
 from typing import Any, BinaryIO, Optional, Type, Union
 
 from . import _opcmodel
-from ._errors import LenientWarning, PackageNotFound, PartNotFound, RelationshipNotFound
+from ._errors import LenientWarning, PackageNotFound, PartNotFound, RelationshipNotFound, StateError
 from ._properties import CoreProperties, OfficeProperties
 from ._store import Store
 from ._streams import PartStream, is_binary_file
@@ -89,7 +89,10 @@ class Relationships(Mapping[str, Relationship]):
         return self._source.count()
 
     def __repr__(self) -> str:
-        return f"<{len(self)} relationships>"
+        try:
+            return f"<{len(self)} relationships>"
+        except StateError:
+            return "<relationships of a closed package>"
 
     def all(self) -> list[Relationship]:
         """All of them, sorted by ID."""

@@ -7,6 +7,7 @@ from datetime import datetime, timezone
 from typing import Any, Optional, Union, cast
 
 from . import _opcmodel
+from ._errors import StateError
 
 Keywords = list[tuple[str, str]]
 CoreValue = Union[str, datetime, Keywords]
@@ -119,7 +120,10 @@ class CoreProperties(MutableMapping[str, CoreValue]):
         self[name] = value
 
     def __repr__(self) -> str:
-        return f"CoreProperties({self._values()!r})"
+        try:
+            return f"CoreProperties({self._values()!r})"
+        except StateError:
+            return "<CoreProperties of a closed package>"
 
 
 def _to_property(row: _opcmodel._PropertyValue) -> PropertyValue:
@@ -181,7 +185,10 @@ class OfficeProperties(MutableMapping[str, PropertyValue]):
         return len(self._values())
 
     def __repr__(self) -> str:
-        return f"OfficeProperties({self._values()!r})"
+        try:
+            return f"OfficeProperties({self._values()!r})"
+        except StateError:
+            return "<OfficeProperties of a closed package>"
 
 
 def _safely(row: _opcmodel._PropertyValue) -> PropertyValue:

@@ -200,8 +200,13 @@ def _bits(names: Iterable[str], known: Mapping[str, int], what: str) -> int:
 
 def _source(item: Source) -> bytes | tuple[bytes, bytes]:
     if isinstance(item, tuple):
+        if len(item) != 2:
+            raise TypeError("a source is a path, or a pair of a name and the bytes of a package")
         return os.fsencode(item[0]), bytes(item[1])
-    return os.fsencode(item)
+    path = os.fsencode(item)
+    if b"\0" in path:
+        raise ValueError("embedded null byte")
+    return path
 
 
 def scan(paths: Iterable[Source], *, jobs: int | None = None, what: Iterable[str] = DEFAULT_ASPECTS,

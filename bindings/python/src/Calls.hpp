@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Lock.hpp"
+
 #include <opc/core/Exception.hpp>
 
 #include <pybind11/pybind11.h>
@@ -52,13 +54,13 @@ auto withoutLock(Action&& action) -> decltype(action()) {
     try {
         if constexpr (std::is_void_v<decltype(action())>) {
             {
-                const py::gil_scoped_release released;
+                const LockReleased released;
                 action();
             }
             RaisedInCall::rethrow();
         } else {
             auto result = [&] {
-                const py::gil_scoped_release released;
+                const LockReleased released;
                 return action();
             }();
             RaisedInCall::rethrow();
@@ -83,7 +85,7 @@ public:
 /// @throws CallFailed  it has raised something
 template <typename Action>
 auto callPython(Action&& action) -> decltype(action()) {
-    const py::gil_scoped_acquire acquired;
+    const LockTaken taken;
     try {
         return action();
     } catch (py::error_already_set& raised) {
@@ -105,7 +107,7 @@ public:
     PythonObject(const PythonObject&) = delete;
     PythonObject& operator=(const PythonObject&) = delete;
     ~PythonObject() {
-        const py::gil_scoped_acquire acquired;
+        const LockTaken taken;
         object = py::object();
     }
 

@@ -63,7 +63,10 @@ opc::physical::ZipPackage::Bytes toBytes(const std::string& bytes) {
 
 /// Place, line, what is odd, what is done about it, and the rule.
 py::list listOddities(const SharedSession& session) {
-    const auto found = session->use([&] { return session->view().getOddities(); });
+    const auto found = session->use([&] {
+        session->requireOpen();
+        return session->view().getOddities();
+    });
     py::list rows;
     for (const auto& one : found)
         rows.append(py::make_tuple(toPython(toText(one.place)), one.line, toPython(one.what),

@@ -1,4 +1,5 @@
 #include "Bindings.hpp"
+#include "Lock.hpp"
 #include "Session.hpp"
 #include "Values.hpp"
 
@@ -11,6 +12,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
 #include <datetime.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -51,6 +53,8 @@ public:
 
     /// @throws py::stop_iteration  there are no more, or it was closed
     std::unique_ptr<Result> next() {
+        if (!isHere())
+            throw py::value_error("the scan runs in the process that this one was forked from");
         if (isRunning)
             throw py::value_error("the scan is running already, in another call");
         if (!scanner)
@@ -65,14 +69,20 @@ public:
 
     /// Waits for the files that are being read, and drops their results.
     void close() {
+        if (!isHere()) {
+            static_cast<void>(scanner.release()); // its threads, for which it would wait, aren't here
+            return;
+        }
         if (isRunning)
             throw py::value_error("the scan is running, in another call");
         std::unique_ptr<Scanner> ended = std::move(scanner);
-        const py::gil_scoped_release released;
+        const LockReleased released;
         ended.reset();
     }
 
 private:
+    bool isHere() const { return process == ::getpid(); }
+
     std::optional<Result> takeResult() {
         struct Running {
             bool& flag;
@@ -80,13 +90,13 @@ private:
             ~Running() { flag = false; }
         };
         const Running running(isRunning);
-        const py::gil_scoped_release released;
+        const LockReleased released;
         return scanner->next();
     }
 
     /// Is called within `next`. What the iterator raises, is raised when the results before have been given.
     std::optional<Source> takeNext() {
-        const py::gil_scoped_acquire acquired;
+        const LockTaken taken;
         try {
             PyObject* const item = PyIter_Next(sources.ptr());
             if (item == nullptr && PyErr_Occurred() != nullptr)
@@ -100,6 +110,7 @@ private:
         }
     }
 
+    const pid_t process = ::getpid();
     py::iterator sources;
     std::optional<py::error_already_set> raised;
     bool isRunning = false;
@@ -245,7 +256,7 @@ void bindScanning(py::module_& module) {
         .def("to_json", [](const Result& result, unsigned aspects) {
             std::string text;
             {
-                const py::gil_scoped_release released;
+                const LockReleased released;
                 text = opc::scanning::toJSON(result, aspects);
             }
             return toPython(text);

@@ -33,7 +33,7 @@ public:
 
     explicit Input(Open openObject) : openObject(std::move(openObject)) {}
     ~Input() override {
-        const py::gil_scoped_acquire acquired; // what opens may hold objects of Python
+        const LockTaken taken; // what opens may hold objects of Python
         input.reset();
         file.reset();
     }

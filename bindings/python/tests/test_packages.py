@@ -230,7 +230,9 @@ def test_after_the_package_is_closed():
         "read": part.read, "write": lambda: part.write(b""), "open": part.open, "size": lambda: part.size,
         "part rels": lambda: list(part.rels), "add rel": lambda: part.rels.add("urn:a", "/notes.xml"),
         "stream": part.open().read, "save to": lambda: package.save(io.BytesIO()), "retype": lambda: package.retype("/notes.xml", "a/b"),
+        "hidden": lambda: package.hidden,
     }
+    shown = package.rels, package.properties, package.custom_properties, part
     gone = package.add("/gone.xml", "text/xml")
     del package["/gone.xml"]
     for call in (gone.read, lambda: gone.write(b""), gone.open, lambda: gone.size, lambda: list(gone.rels)):
@@ -242,6 +244,7 @@ def test_after_the_package_is_closed():
     for name, call in calls.items():
         with pytest.raises(opc.StateError):
             print(name, call())
+    assert all(repr(one).startswith("<") for one in shown)
 
 
 def test_a_part_keeps_its_package():

@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import subprocess
+import sys
 import threading
 from datetime import datetime, timezone
 
@@ -59,6 +60,22 @@ def test_results_have_plain_values():
     assert [(one.effect, one.place, one.type) for one in result.externals] == [("click", "web", HYPERLINK)]
     assert (result.signatures, result.signature_state, result.parts) == ((), "unsigned", None)
     assert all(finding.severity in ("error", "warning", "info") for finding in result.findings)
+
+
+def test_no_part_has_a_drive_or_a_host(tmp_path):
+    targets = {"C:/notes.xml": False, "//host/notes.xml": False, "/notes.xml#a": True}
+    rows = "".join(relationship(f"r{i}", "urn:t", target) for i, target in enumerate(targets))
+    path = tmp_path / "p.docx"
+    path.write_bytes(make_document(items={"word/_rels/document.xml.rels": RELS.format(rows)}))
+    source = "/word/document.xml"
+    (result,) = opc.scan([path])
+    assert {one.target: one.exists for one in result.relationships if one.source == source} == targets
+    told = json.loads(tool(["rels", path, source, "--json=2"]).stdout)["result"]
+    assert {one["target"]: one["exists"] for one in told} == targets
+    with opc.open(path, "r+") as package:
+        assert {one.target: one.exists for one in package[source].rels.values()} == targets
+        package.remove("/notes.xml", incoming=True)
+        assert [one.target for one in package[source].rels.values()] == [name for name in targets if not targets[name]]
 
 
 COMMANDS = {"format": "type", "parts": "ls", "relationships": "rels --all", "properties": "props",
@@ -147,6 +164,9 @@ def test_a_scan_may_end_early_or_be_used_wrongly():
     with pytest.raises(StopIteration):
         next(results)
     assert next(opc.scan(iter([("x", make_document())]))).error is None  # and is let go
+    for wrong, error in (("a\0b", ValueError), (("a",), TypeError), (5, TypeError)):
+        with pytest.raises(error):
+            next(opc.scan([wrong]))
 
     def reentrant():
         with pytest.raises(ValueError, match="running already"):
@@ -157,6 +177,19 @@ def test_a_scan_may_end_early_or_be_used_wrongly():
 
     results = opc.scan(reentrant())
     assert next(results).error is None
+
+
+@pytest.mark.parametrize("program", [
+    "threading.Thread(target=lambda: sum(1 for _ in opc.scan(endless)), daemon=True).start(); time.sleep(0.2)",
+    "threading.Thread(target=lambda: [opc.open(FILE).close() for _ in endless], daemon=True).start(); time.sleep(0.2)",
+    "results = opc.scan(endless); next(results)",
+    "results = opc.scan(endless, window=4); next(results); child = os.fork(); child and os.waitpid(child, 0)",
+])
+def test_the_interpreter_ends_whatever_runs(program):
+    start = f"import io, itertools, os, threading, time; import opcmodel as opc; FILE = {str(OFFICE / 'letter.docx')!r}"
+    done = subprocess.run([sys.executable, "-c", f"{start}; endless = itertools.repeat(FILE); {program}; print('ends')"],
+                          capture_output=True, text=True, timeout=120)
+    assert (done.returncode, done.stderr, "ends" in done.stdout) == (0, "", True)
 
 
 def test_other_threads_run_while_it_waits():

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <unistd.h>
+
+/// @file
+/// The interpreter's lock. When the interpreter ends, it unwinds the stack of each other thread that asks for the lock. Frames
+/// of C++ can't stand that: their destructors would use Python's objects without the lock, and those that mustn't throw abort
+/// the process. So such a thread stays here until the process has ended. Python 3.14 does the same.
+
+namespace opcpython {
+
+/// @param take  asks for the lock
+template <typename Take>
+void takeLockOrStay(const Take& take) {
+    struct Stay {
+        bool hasLock = false;
+        ~Stay() {
+            while (!hasLock)
+                ::pause();
+        }
+    } stay;
+    take();
+    stay.hasLock = true;
+}
+
+/// Other threads run Python while this object is there.
+class LockReleased {
+public:
+    LockReleased() : thread(PyEval_SaveThread()) {}
+    LockReleased(const LockReleased&) = delete;
+    LockReleased& operator=(const LockReleased&) = delete;
+    ~LockReleased() {
+        takeLockOrStay([this] { PyEval_RestoreThread(thread); });
+    }
+
+private:
+    PyThreadState* const thread;
+};
+
+/// This thread has the lock while this object is there. It may have had it before.
+class LockTaken {
+public:
+    LockTaken() {
+        takeLockOrStay([this] { before = PyGILState_Ensure(); });
+    }
+    LockTaken(const LockTaken&) = delete;
+    LockTaken& operator=(const LockTaken&) = delete;
+    ~LockTaken() { PyGILState_Release(before); }
+
+private:
+    PyGILState_STATE before = PyGILState_UNLOCKED;
+};
+
+} // namespace opcpython
