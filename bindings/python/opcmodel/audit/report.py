@@ -10,6 +10,7 @@ from .. import _opcmodel
 from .database import Database
 
 _MOST_ROWS = 200  # of a table
+_LONGEST_WORD = 30  # that isn't broken, in characters
 
 _HEAD = """<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8">
@@ -22,7 +23,7 @@ body { font: 15px/1.45 system-ui, sans-serif; margin: 2rem auto; max-width: 75re
 h1 { font-size: 1.6rem } h2 { font-size: 1.2rem; margin-top: 2.2rem }
 table { border-collapse: collapse; width: 100% }
 th, td { text-align: left; vertical-align: top; padding: .3rem .7rem; border-bottom: 1px solid var(--line) }
-td { overflow-wrap: anywhere } th { background: var(--soft); white-space: nowrap }
+td.long { overflow-wrap: anywhere; min-width: 12rem } .table { overflow-x: auto } th { background: var(--soft); white-space: nowrap }
 .number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap }
 .tiles { display: flex; flex-wrap: wrap; gap: 1rem; padding: 0; list-style: none }
 .tiles li { border: 1px solid var(--line); border-radius: .5rem; padding: .6rem 1rem; min-width: 8rem }
@@ -52,17 +53,19 @@ def _table(headings: tuple[str, ...], rows: Iterable[tuple[Any, ...]], classed: 
         yield "<p>None.</p>\n"
         return
     numbers = [all(isinstance(row[at], int) for row in rows) for at in range(len(headings))]
-    yield "<table><tr>"
+    yield '<div class="table"><table><tr>'
     for heading, number in zip(headings, numbers):
         yield f'<th{" class=number" if number else ""}>{_text(heading)}</th>'
     yield "</tr>\n"
     for row in rows[:_MOST_ROWS]:
         yield "<tr>"
         for at, value in enumerate(row):
-            name = "number" if numbers[at] else value if at == classed else ""
-            yield f'<td class="{_text(name)}">{_text(value)}</td>' if name else f"<td>{_text(value)}</td>"
+            text = _text(value)
+            is_long = any(len(word) > _LONGEST_WORD for word in text.split())
+            name = "number" if numbers[at] else text if at == classed else "long" if is_long else ""
+            yield f'<td class="{name}">{text}</td>' if name else f"<td>{text}</td>"
         yield "</tr>\n"
-    yield "</table>\n"
+    yield "</table></div>\n"
     if len(rows) > _MOST_ROWS:
         yield '<p class="more">There are more; the database has all.</p>\n'
 
