@@ -37,7 +37,7 @@ std::chrono::system_clock::time_point presentTime() {
     if (!seconds)
         return Clock::now();
     const auto most = std::chrono::duration_cast<std::chrono::seconds>(Clock::duration::max()).count();
-    return Clock::from_time_t(std::min<std::int64_t>(*seconds, most));
+    return Clock::time_point(std::chrono::seconds(std::min<std::int64_t>(*seconds, most)));
 }
 
 void takeSourceDate(opc::physical::ZipOptions& options) {

@@ -41,7 +41,8 @@ void requireNoForeignFormat(ByteSource& archive, const std::string& place) {
         fail(place, "an empty file, no package", EBADMSG);
     std::array<unsigned char, 64> bytes{};
     std::size_t got = 0;
-    if (archive.readAt(0, bytes.data(), std::min<std::uint64_t>(bytes.size(), archive.size()), got) != 0)
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), archive.size()));
+    if (archive.readAt(0, bytes.data(), count, got) != 0)
         return; // the next reader reports the failure
     std::string start(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got));
     std::transform(start.begin(), start.end(), start.begin(), lowerCase);
