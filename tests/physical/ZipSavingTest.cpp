@@ -335,7 +335,7 @@ TEST_F(ZipSaving, takesNoMoreMemoryForALargePart) {
     package.open(OpenMode::ReadOnly);
     auto* input = package.getParts()[0]->getInputStream();
     std::string got(block.size(), '\0');
-    std::size_t total = 0;
+    std::uint64_t total = 0;
     while (!input->isDone())
         total += input->read(reinterpret_cast<unsigned char*>(got.data()), got.size());
     EXPECT_EQ(total, STEPS << 20);

@@ -87,7 +87,8 @@ TEST(StandardTrust, RestsOnATimeStampAndNotOnTheClaimedTime) {
         makeSigner(nullptr, [](CertificateRecipe& recipe) { recipe.notAfter = "20400101000000Z"; });
     VerificationPolicy policy;
     policy.trust.emplace().roots.addCertificate(signer.certificate);
-    policy.trust->validation.setCheckTime(std::chrono::system_clock::from_time_t(2524608000)); // in 2050
+    policy.trust->validation.setCheckTime(
+        std::chrono::system_clock::time_point(std::chrono::seconds(2524608000))); // in 2050
     SignatureRecipe recipe;
     recipe.signer = &signer;
     const auto verify = [&] {

@@ -385,7 +385,7 @@ public:
         if (fails)
             throw opc::Exception("disk full");
         EXPECT_FALSE(isDone());
-        bytes.append(reinterpret_cast<const char*>(buffer), count);
+        bytes.append(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(count));
         return count;
     }
     bool isDone() const override { return bytes.size() >= limit; }

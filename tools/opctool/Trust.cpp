@@ -63,15 +63,23 @@ TrustStore makeTrustStore(const Trust& trust) {
     return store;
 }
 
+namespace {
+
+// Without a time_t between, which would end in 2038 on some machines.
+std::chrono::system_clock::time_point checkTimeOf(const std::string& text) {
+    using boost::posix_time::ptime;
+    const auto since = parseCheckTime(text) - ptime(boost::gregorian::date(1970, 1, 1));
+    return std::chrono::system_clock::time_point(std::chrono::seconds(since.total_seconds()));
+}
+
+} // namespace
+
 CertificateValidationOptions makeValidationOptions(const Trust& trust) {
     CertificateValidationOptions options;
     options.setAcceptingWeakKeys(trust.acceptWeak);
     options.setAcceptingWeakDigests(trust.acceptWeak);
     if (!trust.time.empty())
-        options.setCheckTime(trust.time == NOW
-                                 ? std::chrono::system_clock::now()
-                                 : std::chrono::system_clock::from_time_t(
-                                       boost::posix_time::to_time_t(parseCheckTime(trust.time))));
+        options.setCheckTime(trust.time == NOW ? std::chrono::system_clock::now() : checkTimeOf(trust.time));
     for (const std::string& file : trust.revocationLists)
         options.addRevocationList(readFile(file));
     return options;

@@ -39,7 +39,9 @@ const CorePropertyField& fieldOf(const std::string& name) {
 
 ptime timeFrom(const std::string& text, Editor::Time now) {
     if (text == "now")
-        return boost::posix_time::from_time_t(std::chrono::system_clock::to_time_t(now));
+        return ptime(boost::gregorian::date(1970, 1, 1)) +
+               boost::posix_time::seconds(
+                   std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()).count());
     const ptime time = convertStringToTime(toString(text, true));
     if (time.is_not_a_date_time())
         throw Exception(text + " isn't a time");

@@ -152,7 +152,7 @@ bool isText(string_view start) {
         start = start.substr(0, start.find_last_of(" \n\t") + 1); // not within a character
     return !start.empty() && physical::zip::isUTF8(start) &&
            std::none_of(start.begin(), start.end(), [](char c) {
-               return c >= '\0' && c < ' ' && c != '\n' && c != '\r' && c != '\t' && c != '\f';
+               return static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\r' && c != '\t' && c != '\f';
            });
 }
 

@@ -23,10 +23,12 @@ using ContextPtr = std::unique_ptr<TS_VERIFY_CTX, openssl::Deleter<TS_VERIFY_CTX
 constexpr int STRONG_DIGEST_SIZE = 28; // 112 bits of security
 
 std::optional<Time> timeOf(const TS_TST_INFO& info) {
-    std::tm fields{};
-    if (ASN1_TIME_to_tm(TS_TST_INFO_get_time(&info), &fields) != 1)
+    const std::unique_ptr<ASN1_TIME, openssl::Deleter<ASN1_TIME_free>> epoch(ASN1_TIME_set(nullptr, 0));
+    int days = 0;
+    int seconds = 0;
+    if (!epoch || ASN1_TIME_diff(&days, &seconds, epoch.get(), TS_TST_INFO_get_time(&info)) != 1)
         return std::nullopt;
-    return std::chrono::system_clock::from_time_t(timegm(&fields));
+    return Time(days * std::chrono::hours(24) + std::chrono::seconds(seconds));
 }
 
 bool isImprintWeak(TS_TST_INFO& info) {

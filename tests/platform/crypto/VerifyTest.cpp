@@ -14,7 +14,7 @@ using Time = std::chrono::system_clock::time_point;
 
 const Bytes Message = bytesOf("<SignedInfo>signed</SignedInfo>");
 const Time In2030 = std::chrono::system_clock::from_time_t(1906502400);
-const Time In2040 = std::chrono::system_clock::from_time_t(2222035200);
+const Time In2040 = Time(std::chrono::seconds(2222035200));
 
 /// A successful verification. Each case changes something in it.
 struct Verification {
