@@ -1,7 +1,8 @@
-// Keeps a package in a ZIP archive, reads it, and catches what the library throws by its class.
+// Keeps a package in a ZIP archive, reads it, checks it and packs it anew, and catches what the library throws by its class.
 
-#include <opc/editing/FileContent.hpp>
-#include <opc/inspection/Comparison.hpp>
+#include <opc/editing/Repacking.hpp>
+#include <opc/inspection/Archive.hpp>
+#include <opc/inspection/Inspection.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/StandardPartInfo.hpp>
@@ -42,5 +43,8 @@ int main(int, char** argv) {
     } catch (const InvalidXMLDocument& e) {
         std::cout << e.what() << '\n';
     }
-    return 0;
+    const opc::inspection::Archive plain{std::filesystem::path(argv[1])};
+    const bool whole =
+        opc::inspection::inspect(plain).findings.empty() && opc::editing::repack(plain).items == 2;
+    return whole ? 0 : 4;
 }
