@@ -23,7 +23,7 @@ body { font: 15px/1.45 system-ui, sans-serif; margin: 2rem auto; max-width: 75re
 h1 { font-size: 1.6rem } h2 { font-size: 1.2rem; margin-top: 2.2rem }
 table { border-collapse: collapse; width: 100% }
 th, td { text-align: left; vertical-align: top; padding: .3rem .7rem; border-bottom: 1px solid var(--line) }
-td.long { overflow-wrap: anywhere; min-width: 12rem } .table { overflow-x: auto } th { background: var(--soft); white-space: nowrap }
+td.long { overflow-wrap: anywhere; min-width: 12rem } .table { overflow-x: auto; margin: 1rem 0 } th { background: var(--soft); white-space: nowrap }
 .number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap }
 .tiles { display: flex; flex-wrap: wrap; gap: 1rem; padding: 0; list-style: none }
 .tiles li { border: 1px solid var(--line); border-radius: .5rem; padding: .6rem 1rem; min-width: 8rem }
@@ -32,6 +32,7 @@ td.long { overflow-wrap: anywhere; min-width: 12rem } .table { overflow-x: auto 
 .more { color: #888 } summary { cursor: pointer }
 @media (prefers-color-scheme: dark) { .error, .broken, .unreadable { color: #ff8a80 } .warning { color: #ffcc80 }
   .holds { color: #a5d6a7 } }
+@media print { body { font-size: 11px; margin: 0 } .table { overflow-x: visible } td.long { min-width: 0 } }
 </style></head><body>
 """
 
