@@ -8,27 +8,35 @@ using inspection::Archive;
 
 namespace {
 
-Archive openArchive(const Source& source, const ScanOptions& options) {
-    physical::ZipOptions limits = options.limits;
-    limits.lenient = !options.strict;
+Archive openArchive(const Source& source, physical::ZipOptions limits, bool lenient) {
+    limits.lenient = lenient;
     return source.bytes ? Archive(*source.bytes, limits) : Archive(source.path, limits);
+}
+
+void describe(const Source& source, const ScanOptions& options, Result& result) {
+    const Archive archive = openArchive(source, options.limits, !options.strict);
+    const inspection::Subject subject(archive, options.limits); // one view for both answers
+    if ((options.what & FORMAT) != 0)
+        result.format = subject.detectedFormat();
+    if ((options.what & EXTERNALS) != 0)
+        result.externals = inspection::listExternals(subject);
+}
+
+/// Isn't lenient: what lenience passes over is a finding.
+void inspect(const Source& source, const ScanOptions& options, Result& result) {
+    inspection::InspectionOptions wanted = options.inspection;
+    wanted.limits = options.limits;
+    wanted.fileName = source.name;
+    result.findings = inspection::inspect(openArchive(source, options.limits, false), wanted);
 }
 
 } // namespace
 
 void readByArchive(const Source& source, const ScanOptions& options, Result& result) {
-    const Archive archive = openArchive(source, options);
-    const inspection::Subject subject(archive, options.limits); // one view for all answers
-    if ((options.what & FORMAT) != 0)
-        result.format = subject.detectedFormat();
-    if ((options.what & FINDINGS) != 0) {
-        inspection::InspectionOptions wanted = options.inspection;
-        wanted.limits = options.limits;
-        wanted.fileName = source.name;
-        result.findings = inspection::inspect(subject, wanted);
-    }
-    if ((options.what & EXTERNALS) != 0)
-        result.externals = inspection::listExternals(subject);
+    if ((options.what & FINDINGS) != 0)
+        inspect(source, options, result);
+    if ((options.what & (FORMAT | EXTERNALS)) != 0)
+        describe(source, options, result); // fails where there is no package
 }
 
 } // namespace opc::scanning

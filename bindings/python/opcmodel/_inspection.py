@@ -31,8 +31,8 @@ from ._values import (
 Inspected = Union[Source, Package]
 
 
-def _archive(source: Any, limits: Limits = Limits()) -> _opcmodel.ArchiveSource:
-    options = _opcmodel.OpenOptions(False, False, None, limits.to_dict())
+def _archive(source: Any, limits: Limits = Limits(), *, strict: bool = False) -> _opcmodel.ArchiveSource:
+    options = _opcmodel.OpenOptions(strict, False, None, limits.to_dict())
     if isinstance(source, Package):
         return _opcmodel.ArchiveSource.of_session(source._open, options)
     if isinstance(source, (bytes, bytearray, memoryview)):
@@ -114,7 +114,7 @@ def check(
     :param rules: the IDs of the only rules that count
     :param without: the IDs of rules that don't count
     """
-    archive = _archive(source, limits)
+    archive = _archive(source, limits, strict=True)  # what lenience passes over is a finding
     return Report(_opcmodel.inspect(archive, _name(source), _as_list(profile), list(rules), list(without)))
 
 

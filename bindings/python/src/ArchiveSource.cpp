@@ -15,7 +15,7 @@ Archive ArchiveSource::open() {
     if (const auto* const bytes = std::get_if<Bytes>(&place))
         return Archive(*bytes, zipOptions);
     if (const auto* const session = std::get_if<std::shared_ptr<Session>>(&place))
-        return (*session)->openArchive();
+        return (*session)->openArchive(zipOptions.lenient);
     return Archive(std::make_shared<FileObjectSource>(std::get<std::shared_ptr<FileObject>>(place)),
                    zipOptions);
 }

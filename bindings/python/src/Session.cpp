@@ -239,7 +239,7 @@ void Session::forgetChanges() {
 void Session::apply(const opc::editing::Job& job, const opc::editing::JobFolder& folder, bool refusesErrors) {
     requireWritable();
     if (refusesErrors && !before && zip && !edits && !changed)
-        before = inspect(openArchive(), inspectionOptions(options.zip));
+        before = inspect(openArchive(options.zip.lenient), inspectionOptions(options.zip));
     applyJob(edit(), job, folder);
     jobs.push_back(job);
 }
@@ -275,7 +275,7 @@ void Session::closeAndCheck() {
     beforeReplacing = nullptr;
     isSaved = true;
     if (zip && place.path.empty() && !jobs.empty())
-        checkResult(openArchive());
+        checkResult(openArchive(options.zip.lenient));
 }
 
 /// Closes the package and writes it there. An archive in a file stays as it was, and a target that is no file gets the bytes
@@ -310,7 +310,7 @@ void Session::closeInto(ArchivePlace& target) {
     if (isWritten)
         return;
     if (!jobs.empty())
-        checkResult(openArchive());
+        checkResult(openArchive(options.zip.lenient));
     writeTo(target, *zip);
     if (target.path.empty() && !place.path.empty())
         target.content = readFile(place.path);
@@ -332,14 +332,16 @@ void Session::saveTo(ArchivePlace target) {
     open(OpenMode::ReadWrite);
 }
 
-opc::inspection::Archive Session::openArchive() {
+opc::inspection::Archive Session::openArchive(bool lenient) {
     using opc::inspection::Archive;
+    opc::physical::ZipOptions zipOptions = options.zip;
+    zipOptions.lenient = lenient;
     if (!place.path.empty())
-        return Archive(place.path, options.zip);
+        return Archive(place.path, zipOptions);
     if (source && !isSaved)
-        return Archive(std::make_shared<FileObjectSource>(place.target), options.zip);
+        return Archive(std::make_shared<FileObjectSource>(place.target), zipOptions);
     const std::string all = bytes();
-    return Archive(std::vector<unsigned char>(all.begin(), all.end()), options.zip);
+    return Archive(std::vector<unsigned char>(all.begin(), all.end()), zipOptions);
 }
 
 std::string Session::bytes() {

@@ -131,7 +131,7 @@ public:
     /// The archive as it was opened or saved last.
     /// @{
     std::string bytes();
-    opc::inspection::Archive openArchive();
+    opc::inspection::Archive openArchive(bool lenient);
     /// @}
 
     /// Who reads a part through its stream, and up to where; see `PartReader`.

@@ -39,3 +39,11 @@ def make_document(**changes):
     }
     items.update(changes.pop("items", {}))
     return make_archive({name: content for name, content in items.items() if content is not None})
+
+
+def without_last_block(content, name):
+    """The archive, in which the compressed data of an item lacks its last block: what was the last is marked as one before it."""
+    info = zipfile.ZipFile(io.BytesIO(content)).getinfo(name)
+    changed = bytearray(content)
+    changed[info.header_offset + 30 + len(name)] &= 0xFE
+    return bytes(changed)

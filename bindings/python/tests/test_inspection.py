@@ -8,16 +8,17 @@ import subprocess
 import pytest
 
 import opcmodel as opc
-from packages import HYPERLINK, OFFICE_DOCUMENT, RELS, make_document, relationship
+from packages import HYPERLINK, OFFICE_DOCUMENT, RELS, make_document, relationship, without_last_block
 
 DANGLING = make_document(items={
     "word/_rels/document.xml.rels": RELS.format(relationship("rId5", "urn:example:x", "NULL"))})
 OPCTOOL = os.environ.get("OPCTOOL")
 
 
-def test_the_report_is_that_of_the_tool(tmp_path):
+@pytest.mark.parametrize("content", [DANGLING, without_last_block(make_document(), "notes.xml")])
+def test_the_report_is_that_of_the_tool(tmp_path, content):
     path = tmp_path / "a.docx"
-    path.write_bytes(DANGLING)
+    path.write_bytes(content)
     report = opc.check(path, profile="all")
     told = json.loads(subprocess.run([OPCTOOL, "check", "--json=2", "--profile", "all", path], capture_output=True, text=True,
                                      check=False).stdout)["result"]

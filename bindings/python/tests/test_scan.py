@@ -12,7 +12,7 @@ import pytest
 
 import opcmodel as opc
 from opcmodel._scanning import ASPECTS, PROFILES
-from packages import HYPERLINK, RELS, make_archive, make_document, relationship
+from packages import HYPERLINK, RELS, make_archive, make_document, relationship, without_last_block
 
 ALL = tuple(ASPECTS)
 OPCTOOL = os.environ.get("OPCTOOL", "opctool")
@@ -90,6 +90,7 @@ def test_dictionaries_have_the_shapes_of_the_tool(tmp_path):
     broken = make_document(items={"word/_rels/document.xml.rels": "<x", ".DS_Store": "x"})
     (tmp_path / "core.docx").write_bytes(with_properties())
     (tmp_path / "odd.docx").write_bytes(broken)
+    (tmp_path / "unfinished.docx").write_bytes(without_last_block(make_document(), "notes.xml"))
     (tmp_path / "no.docx").write_bytes(b"%PDF-1.4 x")
     for name in "letter.docx", "table.xlsx":
         (tmp_path / name).write_bytes((OFFICE / name).read_bytes())
