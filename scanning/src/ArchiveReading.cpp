@@ -13,7 +13,7 @@ Archive openArchive(const Source& source, physical::ZipOptions limits, bool leni
     return source.bytes ? Archive(*source.bytes, limits) : Archive(source.path, limits);
 }
 
-void describe(const Source& source, const ScanOptions& options, Result& result) {
+void readContent(const Source& source, const ScanOptions& options, Result& result) {
     const Archive archive = openArchive(source, options.limits, !options.strict);
     const inspection::Subject subject(archive, options.limits); // one view for both answers
     if ((options.what & FORMAT) != 0)
@@ -23,7 +23,7 @@ void describe(const Source& source, const ScanOptions& options, Result& result) 
 }
 
 /// Isn't lenient: what lenience passes over is a finding.
-void inspect(const Source& source, const ScanOptions& options, Result& result) {
+void findFaults(const Source& source, const ScanOptions& options, Result& result) {
     inspection::InspectionOptions wanted = options.inspection;
     wanted.limits = options.limits;
     wanted.fileName = source.name;
@@ -34,9 +34,9 @@ void inspect(const Source& source, const ScanOptions& options, Result& result) {
 
 void readByArchive(const Source& source, const ScanOptions& options, Result& result) {
     if ((options.what & FINDINGS) != 0)
-        inspect(source, options, result);
+        findFaults(source, options, result);
     if ((options.what & (FORMAT | EXTERNALS)) != 0)
-        describe(source, options, result); // fails where there is no package
+        readContent(source, options, result); // fails where there is no package
 }
 
 } // namespace opc::scanning
