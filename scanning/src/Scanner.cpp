@@ -91,6 +91,13 @@ public:
             thread.join();
     }
 
+    void stop() {
+        std::unique_lock<std::mutex> lock(mutex);
+        hasStopped = true;
+        added.notify_all();
+        rested.wait(lock, [this] { return readingCount == 0; });
+    }
+
     std::optional<Result> next() {
         if (given == taken.size()) {
             takeSources();
@@ -155,9 +162,15 @@ private:
             Job& job = *waiting.front();
             waiting.pop_front();
             const bool isWanted = !hasStopped;
+            if (isWanted)
+                ++readingCount;
             lock.unlock();
             if (isWanted) {
                 read(job);
+                lock.lock();
+                --readingCount;
+                lock.unlock();
+                rested.notify_all();
                 if (weigh(*job.result) > LITTLE)
                     window.waitUntilFirst(job);
             }
@@ -191,7 +204,9 @@ private:
     std::vector<std::thread> threads; ///< that of the caller starts them, and no other looks at the list
     std::mutex mutex;                 ///< of what follows
     std::condition_variable added;
+    std::condition_variable rested;
     std::deque<Job*> waiting;
+    unsigned readingCount = 0; ///< how many threads read a file
     bool hasStopped = false;
 };
 
@@ -203,6 +218,10 @@ Scanner::~Scanner() = default;
 
 std::optional<Result> Scanner::next() {
     return impl->next();
+}
+
+void Scanner::stop() {
+    impl->stop();
 }
 
 void scan(Scanner::Sources sources, ScanOptions options, const std::function<void(Result)>& sink) {

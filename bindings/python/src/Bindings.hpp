@@ -18,6 +18,9 @@ void bindEditing(pybind11::module_& module);
 void bindSignatures(pybind11::module_& module);
 void bindStore(pybind11::module_& module);
 void bindScanning(pybind11::module_& module);
+
+/// At the end of the process: no scan reads a further file.
+void stopScans() noexcept;
 /// @}
 
 } // namespace opcpython

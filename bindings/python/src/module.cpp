@@ -1,4 +1,5 @@
 #include "Bindings.hpp"
+#include "Lock.hpp"
 
 PYBIND11_MODULE(_opcmodel, module) {
     using namespace opcpython;
@@ -15,4 +16,8 @@ PYBIND11_MODULE(_opcmodel, module) {
     bindSignatures(module);
     bindStore(module);
     bindScanning(module);
+    Py_AtExit([] {
+        stopScans();
+        waitForThreadsInLibrary();
+    });
 }

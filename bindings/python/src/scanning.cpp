@@ -19,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace opcpython {
@@ -46,10 +47,15 @@ class Scan {
 public:
     Scan(py::iterator sources, ScanOptions options)
         : sources(std::move(sources)),
-          scanner(std::make_unique<Scanner>([this] { return takeNext(); }, std::move(options))) {}
+          scanner(std::make_unique<Scanner>([this] { return takeNext(); }, std::move(options))) {
+        all.insert(this);
+    }
     Scan(const Scan&) = delete;
     Scan& operator=(const Scan&) = delete;
-    ~Scan() { close(); }
+    ~Scan() {
+        all.erase(this);
+        close();
+    }
 
     /// @throws py::stop_iteration  there are no more, or it was closed
     std::unique_ptr<Result> next() {
@@ -78,6 +84,13 @@ public:
         std::unique_ptr<Scanner> ended = std::move(scanner);
         const LockReleased released;
         ended.reset();
+    }
+
+    /// For the end of the process, when no thread has the lock any more.
+    static void stopAll() noexcept {
+        for (Scan* const scan : all)
+            if (scan->scanner && scan->isHere())
+                scan->scanner->stop();
     }
 
 private:
@@ -109,6 +122,8 @@ private:
             return std::nullopt;
         }
     }
+
+    static inline std::unordered_set<Scan*> all;
 
     const pid_t process = ::getpid();
     py::iterator sources;
@@ -244,6 +259,10 @@ ScanOptions makeOptions(unsigned what, unsigned jobs, std::size_t window, unsign
 }
 
 } // namespace
+
+void stopScans() noexcept {
+    Scan::stopAll();
+}
 
 void bindScanning(py::module_& module) {
     PyDateTime_IMPORT;

@@ -71,7 +71,7 @@ OPC_SCANNING_EXPORT Result readFile(const Source& source, const ScanOptions& opt
 /// results are outstanding, and a thread with a large result waits until that is the next one. One file that can't be read,
 /// or that takes long, doesn't stop the others.
 ///
-/// Use an object from one thread at a time.
+/// Use an object from one thread at a time, but for `stop`.
 class OPC_SCANNING_EXPORT Scanner {
 public:
     /// Gives the next file, or nothing at the end. It is called in the thread that calls `next`, some files ahead. If it
@@ -87,6 +87,10 @@ public:
 
     /// @return the result of the next file; nothing when there are no more files
     std::optional<Result> next();
+
+    /// Reads no further file, and waits for those that are being read: behind it, the scanner's threads use nothing that the
+    /// end of a process destroys. From any thread, also while another one is in `next`, which may then wait for ever.
+    void stop();
 
 private:
     class Impl;
