@@ -92,8 +92,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::for_each(list->begin(), list->end(), requireWhole);
         require(compare(now, before).isEmpty() == comparison.isEmpty(), "both ways are alike");
         const std::string hash = hashOf(before);
-        if (!hash.empty() && comparison.parts.empty() && comparison.relationships.empty())
-            require(hash == hashOf(now), "what is the same has the same hash");
+        const std::string hashNow = hashOf(now);
+        const bool haveHashes = !hash.empty() && !hashNow.empty(); // an archive that is cut off has none
+        if (haveHashes && comparison.parts.empty() && comparison.relationships.empty())
+            require(hash == hashNow, "what is the same has the same hash");
     });
     return 0;
 }
