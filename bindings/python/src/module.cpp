@@ -1,6 +1,8 @@
 #include "Bindings.hpp"
 #include "Lock.hpp"
 
+#include <pthread.h>
+
 PYBIND11_MODULE(_opcmodel, module) {
     using namespace opcpython;
     module.doc() = "The functions of the C++ libraries, for the package opcmodel alone.";
@@ -16,6 +18,7 @@ PYBIND11_MODULE(_opcmodel, module) {
     bindSignatures(module);
     bindStore(module);
     bindScanning(module);
+    pthread_atfork(nullptr, nullptr, [] { threadsInLibrary = 0; }); // a new process has none of them
     Py_AtExit([] {
         stopScans();
         waitForThreadsInLibrary();

@@ -88,8 +88,8 @@ public:
     /// @return the result of the next file; nothing when there are no more files
     std::optional<Result> next();
 
-    /// Reads no further file, and waits for those that are being read: behind it, the scanner's threads use nothing that the
-    /// end of a process destroys. From any thread, also while another one is in `next`, which may then wait for ever.
+    /// Reads no further file, and waits for those that are being read. Then the scanner's threads use nothing that the end of
+    /// a process destroys. It can be called from any thread, also while another one is in `next`, which may never return.
     void stop();
 
 private:
