@@ -81,7 +81,8 @@ std::string describe(const Change& change) {
         return "change property " + change.name + " in " + change.place + " from " + quoted(before.text) +
                " to " + quoted(after.text);
     case Kind::Mended:
-        return change.place + ": " + before.text + (after.text.empty() ? "" : "; now " + after.text);
+        return (change.place == "/" ? "" : change.place + ": ") + before.text +
+               (after.text.empty() ? "" : "; now " + after.text);
     }
     return {};
 }

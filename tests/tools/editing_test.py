@@ -98,8 +98,9 @@ class Editing(OpctoolCase):
         before = self.read('p.docx')
         for command in ('put p.docx /word/settings.xml x', 'rm p.docx /word/settings.xml', 'unrelate p.docx / rId1',
                         f'mv p.docx {DOCUMENT} /d.xml', 'retype p.docx /docProps/app.xml a/b', 'retarget p.docx / rId1 x.xml',
-                        'props p.docx --set title=new', 'rm p.docx /_xmlsignatures/sig1.xml'):
-            self.assert_failure(command, 'BreaksSignatures: This would break the signature /_xmlsignatures/sig1.xml', 'p.docx')
+                        'props p.docx --set title=new', 'rm p.docx /_xmlsignatures/sig1.xml', 'clean p.docx'):
+            self.assert_failure(command, 'BreaksSignatures: This would break the signature /_xmlsignatures/sig1.xml; '
+                                '--break-signatures makes the change all the same', 'p.docx')
             dry = self.run_tool(command + ' -n')
             self.assertEqual((dry.status, bool(dry.output)), (3, True), 'it tells all the same')
             self.do(command + ' --break-signatures -n')

@@ -25,6 +25,9 @@ class Mending(OpctoolCase):
         self.assertEqual(self.shell('$OPCTOOL fix - <p.zip >r.zip'), (0, '', 'opctool: -: ' + line))
         self.assertEqual(self.read('r.zip'), self.read('q.zip'))
         self.assertEqual([one['id'] for one in self.list('rels q.zip')], ['a'])
+        self.write('j.zip', b'junk' + self.read('q.zip'))
+        self.write('job.json', '{"opctool": {"job": 1}, "steps": [{"do": "fix"}]}')
+        self.assertEqual(self.do('apply j.zip job.json -n'), 'SEC-46 The archive is written anew without that\n')
         [(status, [envelope])] = [self.envelopes('fix p.zip -n --no-rule SEC-17 --profile security', '--json=2')]
         self.assertEqual(status, 0)
         self.assertEqual(envelope['result']['changes'], [])
@@ -35,6 +38,20 @@ class Mending(OpctoolCase):
         self.assertEqual(self.run_tool('fix p.zip').output[:27], 'left: SEC-57 The file is no')
         self.assertEqual(self.run_tool('fix p.zip').status, 1)
         self.assertEqual(self.read('p.zip'), b'no package')
+        name = 'EncryptedPackage'.encode('utf-16-le')
+        header = b'\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1'.ljust(30, b'\0') + b'\x09'  # OLE2, in sectors of 512 bytes
+        self.write('p.zip', header.ljust(48, b'\0') + b'\x01'.ljust(976, b'\0') + name.ljust(64, b'\0') +
+                   bytes([len(name) + 2]).ljust(448, b'\0'))
+        self.assertEqual(self.run_tool('fix p.zip'), (1, 'left: SEC-45 The document is encrypted: nothing in it can be checked\n', ''))
+
+    def test_what_breaks_a_signature_is_refused_and_told_in_a_dry_run(self):
+        self.do('keygen k', 'sign p.zip --key k.key --all')
+        line = ('BreaksSignatures: This would break the signature /_xmlsignatures/sig1.xml; '
+                '--break-signatures makes the change all the same')
+        self.assert_failure('fix p.zip', line, 'p.zip')
+        dry = self.run_tool('fix p.zip -n')
+        self.assertEqual((dry.status, dry.output[:6], dry.errors), (3, 'SEC-17', f'opctool: p.zip: {line}\n'))
+        self.assertEqual(self.run_tool('fix p.zip --break-signatures').output[:6], 'SEC-17')
 
     def test_a_file_that_others_save_meanwhile_is_left_to_them(self):
         """The content is only opened once the package is open. With -o, a name of the package itself is no other file."""

@@ -4,6 +4,7 @@
 #include "EditedPackage.hpp"
 #include "Files.hpp"
 #include "MendingText.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/editing/Job.hpp>

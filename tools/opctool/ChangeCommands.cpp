@@ -2,6 +2,7 @@
 #include "Commands.hpp"
 #include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>

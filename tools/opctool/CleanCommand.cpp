@@ -1,7 +1,8 @@
 #include "ChangeText.hpp"
 #include "Commands.hpp"
-#include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "OpenedPackage.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/editing/Cleaning.hpp>
 #include <opc/editing/Editor.hpp>
@@ -69,7 +70,7 @@ void clean(FileRun& run, const CleanArguments& arguments) {
     Editor editor(*package);
     opc::editing::clean(editor, arguments.chosen());
     if (!how.dryRun && !how.breakSignatures)
-        editor.throwIfSignaturesAreBroken();
+        refuseToBreak(editor.brokenSignatures());
     const std::vector<Finding> remaining = findMetadata(archive, editor.changes(), how.reading.zip);
     package.save();
     if (run.wantsJSON())
@@ -77,7 +78,7 @@ void clean(FileRun& run, const CleanArguments& arguments) {
     else
         print(run, editor.changes(), remaining);
     if (how.dryRun && !how.breakSignatures)
-        editor.throwIfSignaturesAreBroken();
+        refuseToBreak(editor.brokenSignatures());
 }
 
 void declareClean(CLI::App& command) {

@@ -2,6 +2,7 @@
 
 #include "ArchiveFile.hpp"
 #include "FileRun.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/editing/DifferenceJob.hpp>
@@ -49,7 +50,7 @@ void refuseIncomplete(const std::vector<std::string>& left, const std::string& o
 void refuseAsApply(const FileRun& run, const Archive& before, const DifferenceJob& made,
                    const DiffJobArguments& arguments) {
     if (!arguments.breakSignatures)
-        opc::editing::throwIfBroken(made.brokenSignatures);
+        refuseToBreak(made.brokenSignatures);
     if (arguments.noCheck)
         return;
     const opc::inspection::InspectionOptions options = optionsForNewErrors(run);

@@ -1,9 +1,9 @@
 #include "EditedPackage.hpp"
 
 #include "ChangeText.hpp"
+#include "SignatureOption.hpp"
 #include "TerminalText.hpp"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace opctool {
@@ -13,11 +13,11 @@ using opc::editing::Change;
 void EditedPackage::finish(const std::string& name, bool tells) {
     const RunOptions& options = run.options();
     if (!options.dryRun && !options.breakSignatures)
-        edits.throwIfSignaturesAreBroken();
+        refuseToBreak(edits.brokenSignatures());
     package.save();
     print(name, tells);
     if (options.dryRun && !options.breakSignatures)
-        edits.throwIfSignaturesAreBroken();
+        refuseToBreak(edits.brokenSignatures());
 }
 
 void EditedPackage::print(const std::string& name, bool tells) {
@@ -39,11 +39,6 @@ void EditedPackage::print(const std::string& name, bool tells) {
     } else if (!name.empty()) {
         run.printName(name);
     }
-}
-
-void addSignatureOption(CLI::App& command, RunOptions& options) {
-    command.add_flag("--break-signatures", options.breakSignatures,
-                     "Make the change also if signatures don't hold after it");
 }
 
 } // namespace opctool

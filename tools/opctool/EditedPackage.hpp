@@ -9,10 +9,6 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-} // namespace CLI
-
 namespace opctool {
 
 /// The package of a run that edits it. The constructor opens it. Without a call of `finish`, the file doesn't change.
@@ -54,8 +50,5 @@ private:
     OpenedPackage package;
     opc::editing::Editor edits;
 };
-
-/// Declares --break-signatures.
-void addSignatureOption(CLI::App& command, RunOptions& options);
 
 } // namespace opctool

@@ -1,17 +1,19 @@
 #include "ArchiveFile.hpp"
 #include "Commands.hpp"
-#include "EditedPackage.hpp"
 #include "Files.hpp"
 #include "JSONText.hpp"
 #include "MendingText.hpp"
 #include "RepeatableOption.hpp"
 #include "RuleNames.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/editing/Mending.hpp>
+#include <opc/inspection/Format.hpp>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,7 +40,7 @@ ordered_json toJSON(const Rule& rule, const Place& place, const std::string& mes
             {"message", message}};
 }
 
-ordered_json toJSON(const Mending& mending, bool isDryRun) {
+ordered_json toJSON(const Mending& mending, const std::vector<std::string>& broken, bool isDryRun) {
     ordered_json changes = ordered_json::array();
     for (const Mended& one : mending.mended)
         changes.push_back(toJSON(*one.rule, one.place, one.what));
@@ -47,18 +49,24 @@ ordered_json toJSON(const Mending& mending, bool isDryRun) {
         left.push_back(toJSON(*finding.rule, finding.place, finding.message));
         left.back()["why"] = textOrNull(finding.hint);
     }
-    return {{"changes", changes},
-            {"left", left},
-            {"brokenSignatures", mending.signatures.brokenBy(mending.changes())},
-            {"dryRun", isDryRun}};
+    return {{"changes", changes}, {"left", left}, {"brokenSignatures", broken}, {"dryRun", isDryRun}};
+}
+
+/// An info is told only about a file that is no package: it says why nothing in there can be mended.
+std::vector<Finding> toldAsLeft(const Mending& mending) {
+    std::vector<Finding> told = mending.left;
+    if (detectFormat(mending.archive).isPackage)
+        told.erase(std::remove_if(told.begin(), told.end(),
+                                  [](const Finding& finding) { return finding.severity == Severity::Info; }),
+                   told.end());
+    return told;
 }
 
 void print(FileRun& run, const Mending& mending) {
     for (const Mended& one : mending.mended)
         run.printLine(describePlace(*one.rule, one.place) + one.what);
-    for (const Finding& finding : mending.left)
-        if (finding.severity != Severity::Info)
-            run.printLine("left: " + describeLeft(finding));
+    for (const Finding& finding : toldAsLeft(mending))
+        run.printLine("left: " + describeLeft(finding));
 }
 
 void fix(FileRun& run, const FixArguments& arguments) {
@@ -70,19 +78,19 @@ void fix(FileRun& run, const FixArguments& arguments) {
     options.fileName = run.path();
     const Mending mending = opc::editing::mend(openToInspect(run), options);
     const RunOptions& how = run.options();
+    const std::vector<std::string> broken = mending.signatures.brokenBy(mending.changes());
     if (!how.dryRun && !how.breakSignatures)
-        mending.signatures.throwIfBrokenBy(mending.changes());
+        refuseToBreak(broken);
     if (!run.target().empty() || !mending.mended.empty())
         deliver(run, mending.archive, mending.original);
     if (run.wantsJSON())
-        run.json().add(toJSON(mending, how.dryRun));
+        run.json().add(toJSON(mending, broken, how.dryRun));
     else
         print(run, mending);
     if (how.dryRun && !how.breakSignatures)
-        mending.signatures.throwIfBrokenBy(mending.changes());
-    for (const Finding& finding : mending.left)
-        if (finding.severity != Severity::Info)
-            return run.sayNo();
+        refuseToBreak(broken);
+    if (!toldAsLeft(mending).empty())
+        run.sayNo();
 }
 
 void declareFix(CLI::App& command) {

@@ -5,6 +5,7 @@
 #include "OfficeProperties.hpp"
 #include "PropertyFields.hpp"
 #include "RepeatableOption.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>

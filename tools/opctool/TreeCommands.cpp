@@ -2,8 +2,8 @@
 #include "ArchiveReports.hpp"
 #include "Commands.hpp"
 #include "ContentTypesFile.hpp"
-#include "EditedPackage.hpp"
 #include "Files.hpp"
+#include "SignatureOption.hpp"
 
 #include <opc/editing/Packing.hpp>
 #include <opc/editing/Unpacking.hpp>
@@ -94,6 +94,15 @@ bool isInside(const std::string& file, const std::string& folder) {
     return std::mismatch(top.begin(), top.end(), whole.begin(), whole.end()).first == top.end();
 }
 
+Packed packFolder(const std::string& folder, const PackingOptions& options) {
+    try {
+        return opc::editing::pack(folder, options);
+    } catch (opc::editing::BreaksSignatures& e) {
+        nameSignatureOption(e);
+        throw;
+    }
+}
+
 void pack(FileRun& run, const PackArguments& arguments) {
     if (run.target() != "-" && isInside(run.target(), run.path()))
         throw CLI::ValidationError("--output", "lies in DIR, so that it would be packed the next time");
@@ -101,7 +110,7 @@ void pack(FileRun& run, const PackArguments& arguments) {
     options.archive = run.options().reading.zip;
     options.contentTypes = arguments.contentTypes;
     options.breaksSignatures = run.options().breakSignatures;
-    const Packed packed = opc::editing::pack(run.path(), options);
+    const Packed packed = packFolder(run.path(), options);
     deliver(run, packed.archive, {});
     if (!run.wantsJSON())
         return printText(run, packed);

@@ -160,11 +160,14 @@ Mending mend(Archive archive, const InspectionOptions& options) {
 std::vector<Change> Mending::changes() const {
     std::vector<Change> all;
     for (const Mended& one : mended) {
-        if (one.changes.empty()) // of the archive
+        const std::string what = (one.place.item.empty() ? "" : one.place.item + ": ") + one.what;
+        if (one.changes.empty()) { // of the archive
             all.push_back({Change::Kind::Mended, "/", {}, {}, {}});
+            all.back().before.text = std::string(one.rule->id) + ' ' + what;
+        }
         all.insert(all.end(), one.changes.begin(), one.changes.end());
         if (all.back().kind == Change::Kind::Mended && all.back().before.text.empty())
-            all.back().before.text = (one.place.item.empty() ? "" : one.place.item + ": ") + one.what;
+            all.back().before.text = what;
     }
     return all;
 }
