@@ -42,6 +42,12 @@ constexpr Rule RELATIONSHIP_RULES[] = {
      "The target of an internal relationship is a relative reference, resolved against the source part.",
      "A hyperlink was written without TargetMode=\"External\".", "", "Many readers refuse the package.",
      "Add TargetMode=\"External\", or name the part."},
+    {"M7.1", "URIs of parts of other packages", Severity::Warning, OPC, "M7.1, M7.2, M7.4",
+     "A URI of the scheme pack has the URI of a package as its authority, with commas for slashes and an "
+     "encoded colon, and the name of a part as its path.",
+     "A program put the two together without encoding the first.", "",
+     "Readers look for another package, or pass over the target.",
+     "Write it as in pack://http%3A,,example.com,a.docx/word/document.xml."},
     {"SEC-17", "Targets that are no part", Severity::Warning, OPC | SECURITY, "",
      "An internal target is the name of a part, without a query, and doesn't lead above the root of the "
      "package.",

@@ -1,5 +1,6 @@
 #include "checks/relationships/TargetCheck.hpp"
 
+#include "checks/relationships/PackURI.hpp"
 #include "checks/relationships/RelationshipKinds.hpp"
 #include "checks/relationships/ValueRules.hpp"
 #include "checks/signatures/Signatures.hpp"
@@ -19,6 +20,15 @@ void checkReference(std::string_view target, bool isExternal, const Place& place
     if (!defect.what.empty())
         findings.add("M1.28", isExternal ? Severity::Warning : defect.severity, place,
                      "The Target " + inQuotes(target) + " has " + defect.what);
+}
+
+void checkExternal(std::string_view target, const Place& place, Findings& findings) {
+    checkReference(target, true, place, findings);
+    const Reference reference(target);
+    if (!equalsCaseless(reference.scheme, "pack"))
+        return;
+    if (const std::string defect = defectOfPackURI(reference); !defect.empty())
+        findings.add("M7.1", place, "The Target " + inQuotes(target) + " " + defect);
 }
 
 /// What other rules tell of, by the type, if nothing is there.
@@ -74,7 +84,7 @@ void checkTarget(const Subject& subject, const RelationshipsView& view, const Re
     else if (target.empty())
         findings.add("M1.28", Severity::Warning, place, "The Target is empty");
     else if (entry.isExternal)
-        checkReference(target, true, place, findings);
+        checkExternal(target, place, findings);
     else
         checkInternal(subject, view, entry, place, findings);
 }
