@@ -125,7 +125,7 @@ constexpr Rule SECURITY_RULES[] = {
      "The package doesn't change the program's ribbon with callbacks",
      "A template or an add-in brings buttons of its own", "",
      "The callbacks call macros, one of them when the ribbon is loaded", ASK_THE_SENDER},
-    {"SEC-24", "ActiveX control", Severity::Error, SECURITY, "", "The package has no ActiveX controls",
+    {"SEC-24", "ActiveX control", Severity::Warning, SECURITY, "", "The package has no ActiveX controls",
      "A form has controls, or somebody uses a control's flaw",
      "Word, Excel and PowerPoint write controls of forms so",
      "Office programs load the control after a question", ASK_THE_SENDER},

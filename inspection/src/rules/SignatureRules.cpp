@@ -69,7 +69,7 @@ constexpr Rule SIGNATURE_RULES[] = {
      "References of the manifest have no transforms but canonicalization and the relationship transform.",
      "A forger used a transform that leaves out what was changed.", "",
      "Careful readers refuse the signature.", "Don't trust the signature; sign again."},
-    {"M6.14", "Time of signing", Severity::Error, OPC, "M6.14",
+    {"M6.14", "Time of signing", Severity::Warning, OPC, "M6.14",
      "The package object has one property idSignatureTime about the signature, with one time.",
      "A program wrote the signature in a way of its own.", "",
      "Readers show no time, or refuse the signature.", "Sign again."},
