@@ -6,12 +6,14 @@ from conan.tools.gnu import PkgConfigDeps
 
 required_conan_version = ">=2.0"
 
-# What each library of the package needs of the others.
-LIBRARIES = {
+# What each component needs of the others. They have the names of the CMake targets.
+COMPONENTS = {
     "core": [],
     "network": ["core"],
-    "crypto": ["core"],
+    "codesigning_verifier": [],  # headers alone
+    "crypto": ["core", "codesigning_verifier"],
     "opcmodel": ["core", "crypto", "network"],
+    "xerces": ["opcmodel"],
     "memory": ["core"],
     "zip": ["core"],
     "lenient": ["core", "opcmodel"],
@@ -26,8 +28,11 @@ OUTSIDE = {
     "opcmodel": ["xerces-c::xerces-c"],
     "zip": ["zlib::zlib", "libdeflate::libdeflate"],
     "inspection": ["zlib::zlib", "libdeflate::libdeflate"],
-    "editing": ["zlib::zlib", "libdeflate::libdeflate"],
+    "editing": ["zlib::zlib", "libdeflate::libdeflate", "nlohmann_json::nlohmann_json"],
+    "scanning": ["nlohmann_json::nlohmann_json"],
 }
+# With _STATIC_DEFINE, the macro that says that a library is static; of the others it is OPC_ and their name.
+STATIC_MACROS = {"network": "BEDROCK_NETWORK", "crypto": "BEDROCK_CRYPTO", "opcmodel": "OPC_MODEL"}
 
 
 class OpcmodelConan(ConanFile):
@@ -39,6 +44,7 @@ class OpcmodelConan(ConanFile):
     settings = "os", "arch", "compiler", "build_type"
     options = {"shared": [True, False], "fPIC": [True, False]}
     default_options = {"shared": False, "fPIC": True}
+    implements = ["auto_shared_fpic"]
 
     def layout(self):
         cmake_layout(self, src_folder="src")
@@ -86,10 +92,14 @@ class OpcmodelConan(ConanFile):
     def package_info(self):
         self.cpp_info.set_property("cmake_file_name", "opcmodel")
         self.cpp_info.set_property("pkg_config_name", "opcmodel")
-        for name, needed in LIBRARIES.items():
+        for name, needed in COMPONENTS.items():
             component = self.cpp_info.components[name]
             component.set_property("cmake_target_name", f"opcmodel::{name}")
-            component.libs = ["opcmodel" if name == "opcmodel" else f"opcmodel_{name}"]
             component.requires = needed + OUTSIDE.get(name, [])
+            if name == "codesigning_verifier" or (name == "xerces" and not self.options.shared):
+                continue
+            component.libs = ["opcmodel" if name == "opcmodel" else f"opcmodel_{name}"]
+            if not self.options.shared:
+                component.defines = [STATIC_MACROS.get(name, f"OPC_{name.upper()}") + "_STATIC_DEFINE"]
             if self.settings.os == "Linux":
                 component.system_libs = ["dl", "pthread"]
