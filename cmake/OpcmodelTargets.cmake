@@ -49,6 +49,28 @@ function(opcmodel_export_ours target)
   endif()
 endfunction()
 
+# opcmodel_group_functions(TARGET)
+#
+# The first open of a process waits until the code that it calls is in memory. So the functions that it calls, which first_open.txt
+# lists, get sections by whose names linkers put them together. Builds for development do without, to link sooner, and objects
+# for optimisation at link time don't have such sections yet.
+set(OPCMODEL_GROUPS_FUNCTIONS OFF)
+if(CMAKE_OBJCOPY AND CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang)$" AND NOT OPCMODEL_SANITIZE
+   AND (NOT OPCMODEL_DEVELOPER OR CMAKE_BUILD_TYPE STREQUAL "Release")
+   AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION AND NOT CMAKE_CXX_FLAGS MATCHES "-flto")
+  set(OPCMODEL_GROUPS_FUNCTIONS ON)
+endif()
+set(OPCMODEL_FUNCTION_GROUP "${CMAKE_CURRENT_LIST_DIR}")
+function(opcmodel_group_functions target)
+  if(OPCMODEL_GROUPS_FUNCTIONS)
+    target_compile_options(${target} PRIVATE -ffunction-sections)
+    add_custom_command(TARGET ${target} PRE_LINK
+      COMMAND "${CMAKE_COMMAND}" "-DOBJCOPY=${CMAKE_OBJCOPY}" "-DOBJECTS=$<TARGET_OBJECTS:${target}>"
+        -P "${OPCMODEL_FUNCTION_GROUP}/GroupFunctions.cmake"
+      VERBATIM)
+  endif()
+endfunction()
+
 # opcmodel_library(TARGET ALIAS EXPORT_HEADER MACRO_BASE)
 #
 # Declares the library TARGET, known as opcmodel::ALIAS, with a generated header that holds its export macro.
@@ -64,6 +86,7 @@ function(opcmodel_library target alias header base)
     "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:opcmodel_flags>)
   target_compile_features(${target} PUBLIC cxx_std_17)
+  opcmodel_group_functions(${target})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${alias}
     VERSION ${PROJECT_VERSION}
