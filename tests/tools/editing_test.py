@@ -69,6 +69,14 @@ class Editing(OpctoolCase):
         self.assertIn('Target="http://h/?a&amp;b"', after)
         self.assertIn('TargetMode="External"', after)
 
+    def test_standard_input_is_one_of_the_files_at_most(self):
+        self.assertEqual(self.shell("echo new | '$OPCTOOL' put p.docx /word/settings.xml -").status, 0)
+        self.assertEqual(self.do('cat p.docx /word/settings.xml'), 'new\n')
+        self.assertEqual(self.shell("'$OPCTOOL' add p.docx /y - --type a/b <x").status, 0)
+        self.assertEqual(self.do('cat p.docx /y'), self.read('x').decode())
+        for command in 'info - -', 'ls - --files-from -', 'diff - -', 'apply - -', 'put - /x -', 'add - /x - --type a/b':
+            self.assertIn('standard input', self.assert_wrong_usage(command), command)
+
     def test_a_dry_run_says_all_and_writes_nothing(self):
         before = self.read('p.docx')
         for command in ('add p.docx /x.txt x --type text/plain', 'put p.docx /word/settings.xml x', "rm p.docx '/word/**' --cascade",

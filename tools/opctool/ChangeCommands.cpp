@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace opctool {
 
@@ -43,9 +44,14 @@ void create(FileRun& run, const ChangeArguments& arguments) {
     package.save();
 }
 
+/// The content that a command gives a part.
+FileContent contentOf(const ChangeArguments& arguments) {
+    return FileContent(arguments.file == "-" ? "/dev/stdin" : arguments.file);
+}
+
 void add(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
-    FileContent content(arguments.file);
+    FileContent content = contentOf(arguments);
     package.editor().createPart(PartName(fromArgument(arguments.part)),
                                 ContentType(fromArgument(arguments.contentType)), content);
     package.finish();
@@ -53,7 +59,7 @@ void add(FileRun& run, const ChangeArguments& arguments) {
 
 void put(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
-    FileContent content(arguments.file);
+    FileContent content = contentOf(arguments);
     package.editor().replaceContent(PartName(fromArgument(arguments.part)), content);
     package.finish();
 }
@@ -85,8 +91,11 @@ std::shared_ptr<ChangeArguments> declareChange(CLI::App& command, const Command&
     auto arguments = std::make_shared<ChangeArguments>();
     const auto files = addChangedFile(command, own);
     addSignatureOption(command, files->options);
-    command.callback(
-        [files, arguments, change] { files->run([&](FileRun& run) { change(run, *arguments); }); });
+    command.callback([files, arguments, change] {
+        if (arguments->file == "-" && files->selection.packages.front() == "-")
+            throw CLI::ValidationError("FILE", "can't be standard input, which is the package");
+        files->run([&](FileRun& run) { change(run, *arguments); });
+    });
     return arguments;
 }
 
@@ -95,7 +104,10 @@ void addPart(CLI::App& command, ChangeArguments& arguments, const char* what) {
 }
 
 void addContent(CLI::App& command, ChangeArguments& arguments, const char* what) {
-    command.add_option("FILE", arguments.file, what)->required()->check(CLI::ExistingFile)->type_name("");
+    command.add_option("FILE", arguments.file, std::string(what) + "; - is standard input")
+        ->required()
+        ->check([](const std::string& file) { return file == "-" ? std::string() : CLI::ExistingFile(file); })
+        ->type_name("");
 }
 
 void addSource(CLI::App& command, ChangeArguments& arguments) {

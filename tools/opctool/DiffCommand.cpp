@@ -82,6 +82,8 @@ void declareDiff(CLI::App& command) {
                   "Write the job also if apply needs --break-signatures for it")
         ->needs(job);
     command.callback([files, arguments] {
+        if (arguments->other == "-" && files->selection.packages.front() == "-")
+            throw CLI::ValidationError("OTHER", "can't be standard input, which is the first package");
         if (!arguments->job.path.empty() && files->options.output.format() != OutputOptions::Format::Text)
             throw CLI::ValidationError("--job", "doesn't fit with JSON");
         files->run([arguments](FileRun& run) { diff(run, *arguments); });
