@@ -240,6 +240,13 @@ std::vector<Case> relationshipCases() {
         {"SEC-34", packageWith({relationshipsWith("", "word/_rels/other.xml.rels")})},
         {"M4.1", core(title, {}, {relationshipsWith("")}, "application/xml")},
         {"M4.1", related(relationship("rId2", CORE_RELATIONSHIP, "other.xml"))},
+        {"M4.1",
+         withItems({stored("core.xml",
+                           "<coreProperties xmlns="
+                           "'http://schemas.openxmlformats.org/package/2006/metadata/core-properties'/>")},
+                   overrideOf("/core.xml", CORE_TYPE),
+                   relationship("rIdC", CORE_RELATIONSHIP, "core.xml") +
+                       relationship("rId2", CORE_RELATIONSHIP, "core.xml"))},
         {"M4.2",
          core(title,
               "xmlns:m='http://schemas.openxmlformats.org/markup-compatibility/2006' m:Ignorable='dc'")},

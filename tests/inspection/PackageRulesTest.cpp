@@ -359,7 +359,12 @@ std::vector<Case> propertyCases() {
         {"M4.1", related(relationship("rId3", CORE_RELATIONSHIP, "other.xml")), core(title)},
         {"M4.1", related(relationship("rId3", CORE_RELATIONSHIP, "http://a/", "TargetMode='External'")), {}},
         {"M4.1", core(title, {}, {}, {contentTypesWith(overrideOf("/core.xml", "application/xml"))}),
-         core(title, {}, relationship("rId3", CORE_RELATIONSHIP, "CORE.xml"))},
+         core(title, {},
+              relationship("rId3",
+                           "http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/"
+                           "core-properties",
+                           "CORE.xml"))},
+        {"M4.1", core(title, {}, relationship("rId3", CORE_RELATIONSHIP, "CORE.xml")), {}},
         {"M4.2", core(title, "xmlns:m='http://schemas.openxmlformats.org/markup-compatibility/2006'"),
          core(title, "xmlns:m='http://a'")},
         {"M4.3", core("<dcterms:issued>2020</dcterms:issued>"), core(created)},

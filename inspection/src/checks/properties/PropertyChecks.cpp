@@ -58,6 +58,11 @@ public:
     }
 
 private:
+    /// Whether readers find the same part by this one too many, or office programs take the first.
+    bool isHarmless(const RelationshipView& entry) const {
+        return keyOfName(entry.resolved) == keyOfName(first->resolved) || isOfficeDocument(subject.format());
+    }
+
     void checkRelationship(const RelationshipsView& view, const RelationshipView& entry) {
         const Place place = placeOfProperties(view, entry);
         if (view.source != "/") {
@@ -67,10 +72,9 @@ private:
         }
         if (first == nullptr)
             first = &entry;
-        else if (keyOfName(entry.resolved) != keyOfName(first->resolved) &&
-                 trimmed(entry.type) == OWN_CORE_TYPE && trimmed(first->type) == OWN_CORE_TYPE)
-            findings.add("M4.1", isOfficeDocument(subject.format()) ? Severity::Warning : Severity::Error,
-                         place, "There is a second core properties relationship, besides " + first->id);
+        else if (trimmed(entry.type) == OWN_CORE_TYPE && trimmed(first->type) == OWN_CORE_TYPE)
+            findings.add("M4.1", isHarmless(entry) ? Severity::Warning : Severity::Error, place,
+                         "There is a second core properties relationship, besides " + first->id);
         if (entry.isExternal)
             findings.add("M4.1", place, "The core properties are outside the package, at " + entry.target);
         else if (entry.part == nullptr && !entry.resolved.empty() && !climbsAboveRoot("/", entry.target))
