@@ -181,6 +181,9 @@ class Explain(OpctoolCase):
             for member in 'statement', 'cause', 'writers', 'readers', 'remedy':
                 self.assertIn(rule[member], ' '.join(text.split()))
             self.assertLessEqual(max(map(len, text.splitlines())), 80)
+        for rule, line in (('P1-5', 'error; profiles: office; ECMA-376 Part 1'),
+                           ('M1.30b', 'warning; profiles: opc; ECMA-376 Part 2: M1.30')):
+            self.assertEqual(self.do('explain ' + rule).splitlines()[1], line)
         self.assert_wrong_usage('explain M99')
 
 

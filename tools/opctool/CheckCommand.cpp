@@ -177,7 +177,7 @@ const Command CHECK{
         "properties": {
           "rule": {"description": "explain tells more about it", "type": "string"},
           "severity": {"enum": ["error", "warning", "info"]},
-          "standard": {"description": "the numbers in ECMA-376 Part 2", "type": ["string", "null"]},
+          "standard": {"description": "numbers in ECMA-376 Part 2, or the name of another Part", "type": ["string", "null"]},
           "part": {"type": ["string", "null"]},
           "item": {"description": "of the archive, which is no part", "type": ["string", "null"]},
           "relationship": {"description": "its Id", "type": ["string", "null"]},

@@ -73,8 +73,8 @@ void print(const Rule& rule) {
     for (const std::string& name : namesOfProfiles(rule))
         profiles += (profiles.empty() ? "" : ", ") + name;
     std::cout << rule.id << ": " << rule.title << '\n' << nameOf(rule.severity) << "; profiles: " << profiles;
-    if (!rule.standard.empty())
-        std::cout << "; ECMA-376 Part 2: " << rule.standard;
+    if (!rule.standard.empty()) // numbers, or the name of another Part
+        std::cout << (rule.standard.substr(0, 4) == "ECMA" ? "; " : "; ECMA-376 Part 2: ") << rule.standard;
     std::cout << '\n';
     printParagraph("Rule", rule.statement);
     printParagraph("Cause", rule.cause);
@@ -146,7 +146,7 @@ const Command EXPLAIN{
       "title": {"type": "string"},
       "severity": {"description": "the highest of its findings", "enum": ["error", "warning", "info"]},
       "profiles": {"type": "array", "items": {"enum": ["opc", "security", "office"]}},
-      "standard": {"description": "numbers of rules; empty for a rule beyond the standard", "type": "string"},
+      "standard": {"description": "numbers in ECMA-376 Part 2, or the name of another Part; empty beyond the standard", "type": "string"},
       "statement": {"type": "string"},
       "cause": {"description": "how packages come to break it", "type": "string"},
       "writers": {"description": "who writes such packages; empty if nobody is known", "type": "string"},
