@@ -3,17 +3,14 @@
 #include "shared/Modulo61.hpp"
 #include "shared/NodePool.hpp"
 
-#include <sys/random.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <list>
 #include <memory_resource>
+#include <random>
 #include <string_view>
-#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -125,10 +122,9 @@ private:
     }
 
     static std::uint64_t chooseBase() {
-        std::uint64_t random = 0;
-        if (::getentropy(&random, sizeof random) != 0)
-            throw std::system_error(errno, std::generic_category(), "no random number");
-        return random % (modulo61::PRIME - 0x10000) + 0x10000;
+        std::random_device random;
+        const std::uint64_t number = std::uint64_t{random()} << 32 | random();
+        return number % (modulo61::PRIME - 0x10000) + 0x10000;
     }
 
     Number& chainOf(Hash key) {

@@ -4,31 +4,22 @@
 
 #include <opc/core/Exception.hpp>
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <utility>
 
 namespace opc::editing::archive {
 
 using physical::zip::fail;
 using physical::zip::failSystem;
-using physical::zip::FileDescriptor;
 
 namespace {
 
-constexpr int FOLDER = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr std::size_t MOST_LEVELS = 256;
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using Folder = std::unique_ptr<DIR, CloseFolder>;
+std::string nameIn(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
 
 /// What Git keeps in its work tree.
 bool isOfGit(const std::string& name) {
@@ -42,35 +33,30 @@ public:
 
     std::vector<FolderTree::File> files;
 
-    void visit(FileDescriptor folder, const std::string& path, std::size_t depth) {
+    void visit(const FileDescriptor& folder, const std::string& path, std::size_t depth) {
         if (depth > MOST_LEVELS)
             fail(tree.place(path), "too many folders in each other", ELOOP);
-        const Folder opened(::fdopendir(::dup(folder.get())));
-        if (!opened)
-            failSystem(tree.place(path), "can't read the folder", errno);
-        for (errno = 0; const dirent* entry = ::readdir(opened.get()); errno = 0) {
-            const std::string name = entry->d_name;
-            if (name == "." || name == ".." || isOfGit(name) || (depth == 0 && name == OWN_FOLDER))
-                continue;
-            take(folder, name, path + name, depth);
-        }
-        if (errno != 0)
-            failSystem(tree.place(path), "can't read the folder", errno);
+        std::vector<std::string> names;
+        if (const int error = listNames(folder, names))
+            failSystem(tree.place(path), "can't read the folder", error);
+        for (const std::string& name : names)
+            if (!isOfGit(name) && (depth > 0 || name != OWN_FOLDER))
+                take(folder, name, path + name, depth);
     }
 
 private:
     void take(const FileDescriptor& folder, const std::string& name, const std::string& path,
               std::size_t depth) {
-        struct stat status {};
-        if (::fstatat(folder.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
-            failSystem(tree.place(path), "can't be read", errno);
-        if (S_ISREG(status.st_mode)) {
-            files.push_back({path, static_cast<std::uint64_t>(status.st_size)});
-        } else if (S_ISDIR(status.st_mode)) {
-            FileDescriptor below(::openat(folder.get(), name.c_str(), FOLDER));
-            if (!below.isOpen())
-                failSystem(tree.place(path), "can't open the folder", errno);
-            visit(std::move(below), path + '/', depth + 1);
+        EntryStatus status;
+        if (const int error = readStatusIn(folder, name, status))
+            failSystem(tree.place(path), "can't be read", error);
+        if (status.kind == EntryKind::File) {
+            files.push_back({path, status.size});
+        } else if (status.kind == EntryKind::Folder) {
+            FileDescriptor below;
+            if (const int error = openFolderIn(folder, name, below))
+                failSystem(tree.place(path), "can't open the folder", error);
+            visit(below, path + '/', depth + 1);
         } else {
             fail(tree.place(path), "is neither a file nor a folder; links aren't followed", ELOOP);
         }
@@ -81,16 +67,16 @@ private:
 
 } // namespace
 
-FolderTree::FolderTree(std::filesystem::path folder)
-    : root(std::move(folder)), top(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (!top.isOpen())
-        failSystem(root.string(), "can't open the folder", errno);
+FolderTree::FolderTree(std::filesystem::path folder) : root(std::move(folder)) {
+    if (const int error = openFolder(root, top))
+        failSystem(root.string(), "can't open the folder", error);
 }
 
 FolderTree FolderTree::make(const std::filesystem::path& folder, bool isForced) {
-    const bool isNew = ::mkdir(folder.c_str(), 0777) == 0;
-    if (!isNew && errno != EEXIST)
-        failSystem(folder.string(), "can't make the folder", errno);
+    std::error_code error;
+    const bool isNew = std::filesystem::create_directory(folder, error);
+    if (error && error != std::errc::file_exists)
+        failSystem(folder.string(), "can't make the folder", error.default_error_condition().value());
     if (!isNew)
         requireFree(folder, isForced);
     FolderTree tree(folder);
@@ -111,42 +97,43 @@ void FolderTree::requireFree(const std::filesystem::path& folder, bool isForced)
 
 std::vector<FolderTree::File> FolderTree::list() const {
     Walk walk(*this);
-    walk.visit(FileDescriptor(::openat(top.get(), ".", FOLDER)), "", 0);
+    walk.visit(top, "", 0);
     std::sort(walk.files.begin(), walk.files.end(),
               [](const File& left, const File& right) { return left.path < right.path; });
     return std::move(walk.files);
 }
 
 FileDescriptor FolderTree::open(const std::string& path) {
-    const int folder = enter(path, false);
-    FileDescriptor file(
-        ::openat(folder, path.c_str() + path.rfind('/') + 1, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
-        failSystem(place(path), "can't be read", errno);
-    if (!S_ISREG(status.st_mode))
+    FileDescriptor file;
+    EntryStatus status;
+    int error = openFileIn(enter(path, false), nameIn(path), file);
+    if (error == 0)
+        error = readStatusOf(file, status);
+    if (error != 0)
+        failSystem(place(path), "can't be read", error);
+    if (status.kind != EntryKind::File)
         fail(place(path), "is no file", EINVAL);
     return file;
 }
 
 FileDescriptor FolderTree::create(const std::string& path) {
-    const int folder = enter(path, true);
-    const char* const name = path.c_str() + path.rfind('/') + 1;
-    constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    FileDescriptor file(::openat(folder, name, FLAGS, 0666));
-    const bool isNew = file.isOpen();
-    if (!isNew && errno == EEXIST && ::unlinkat(folder, name, 0) == 0)
-        file = FileDescriptor(::openat(folder, name, FLAGS, 0666));
-    if (!file.isOpen())
-        failSystem(place(path), "can't be made", errno);
+    const FileDescriptor& folder = enter(path, true);
+    const std::string name = nameIn(path);
+    FileDescriptor file;
+    int error = makeFileIn(folder, name, file);
+    const bool isNew = error == 0;
+    if (error == EEXIST && (error = removeFileIn(folder, name)) == 0)
+        error = makeFileIn(folder, name, file);
+    if (error != 0)
+        failSystem(place(path), "can't be made", error);
     if (isNew) // what it replaces, it doesn't take away if a later file fails
         madeFiles.push_back(path);
     return file;
 }
 
 void FolderTree::remove(const std::string& path) {
-    if (::unlinkat(enter(path, false), path.c_str() + path.rfind('/') + 1, 0) != 0)
-        failSystem(place(path), "can't be removed", errno);
+    if (const int error = removeFileIn(enter(path, false), nameIn(path)))
+        failSystem(place(path), "can't be removed", error);
 }
 
 bool FolderTree::has(const std::string& path) {
@@ -160,7 +147,7 @@ bool FolderTree::has(const std::string& path) {
     }
 }
 
-int FolderTree::enter(const std::string& path, bool makes) {
+const FileDescriptor& FolderTree::enter(const std::string& path, bool makes) {
     std::size_t start = 0;
     std::size_t depth = 0;
     for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', start)) {
@@ -173,36 +160,40 @@ int FolderTree::enter(const std::string& path, bool makes) {
         start = end + 1;
     }
     levels.resize(depth);
-    return levels.empty() ? top.get() : levels.back().folder.get();
+    return levels.empty() ? top : levels.back().folder;
 }
 
 void FolderTree::goDown(const std::string& name, const std::string& path, bool makes) {
-    const int above = levels.empty() ? top.get() : levels.back().folder.get();
-    if (makes && ::mkdirat(above, name.c_str(), 0777) == 0)
+    const FileDescriptor& above = levels.empty() ? top : levels.back().folder;
+    const int made = makes ? makeFolderIn(above, name) : EEXIST;
+    if (made == 0)
         madeFolders.push_back(path);
-    else if (makes && errno != EEXIST)
-        failSystem(place(path), "can't make the folder", errno);
-    FileDescriptor folder(::openat(above, name.c_str(), FOLDER));
-    if (!folder.isOpen())
-        failSystem(place(path), "can't open the folder", errno);
+    else if (made != EEXIST)
+        failSystem(place(path), "can't make the folder", made);
+    FileDescriptor folder;
+    if (const int error = openFolderIn(above, name, folder))
+        failSystem(place(path), "can't open the folder", error);
     levels.push_back({name, std::move(folder)});
 }
 
 void FolderTree::removeMade() noexcept {
     levels.clear();
-    const auto remove = [&](std::vector<std::string>& paths, int flags) {
+    const auto remove = [&](std::vector<std::string>& paths, const auto& removeIn) {
         for (; !paths.empty(); paths.pop_back())
             try {
-                const int folder = enter(paths.back(), false);
-                ::unlinkat(folder, paths.back().c_str() + paths.back().rfind('/') + 1, flags);
+                removeIn(enter(paths.back(), false), nameIn(paths.back()));
             } catch (const std::exception&) {
                 // Somebody else has taken it away.
             }
     };
-    remove(madeFiles, 0);
-    remove(madeFolders, AT_REMOVEDIR);
-    if (hasMadeRoot)
-        ::rmdir(root.c_str());
+    remove(madeFiles, removeFileIn);
+    remove(madeFolders, removeFolderIn);
+    levels.clear();
+    if (hasMadeRoot) {
+        top = FileDescriptor(); // some systems keep a folder that is open
+        std::error_code ignored;
+        std::filesystem::remove(root, ignored);
+    }
 }
 
 std::string FolderTree::place(const std::string& path) const {

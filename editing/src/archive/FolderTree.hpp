@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zip/src/FileDescriptor.hpp"
+#include "archive/FolderCalls.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -35,10 +35,10 @@ public:
     std::vector<File> list() const;
 
     /// Opens a file for reading.
-    physical::zip::FileDescriptor open(const std::string& path);
+    FileDescriptor open(const std::string& path);
 
     /// Makes a file, and folders on the way. A file that is there already is replaced.
-    physical::zip::FileDescriptor create(const std::string& path);
+    FileDescriptor create(const std::string& path);
 
     /// Removes a file that this object has made.
     void remove(const std::string& path);
@@ -54,15 +54,15 @@ public:
 private:
     struct Level {
         std::string name;
-        physical::zip::FileDescriptor folder;
+        FileDescriptor folder;
     };
 
     /// The folder that a path leads through, opened. Neighbours are mostly used one after the other, so it stays open.
-    int enter(const std::string& path, bool makes);
+    const FileDescriptor& enter(const std::string& path, bool makes);
     void goDown(const std::string& name, const std::string& path, bool makes);
 
     std::filesystem::path root;
-    physical::zip::FileDescriptor top;
+    FileDescriptor top;
     std::vector<Level> levels; ///< from the top to where the last path was
     std::vector<std::string> madeFiles, madeFolders;
     bool hasMadeRoot = false;

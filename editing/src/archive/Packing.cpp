@@ -18,8 +18,6 @@
 #include <opc/inspection/ArchiveSource.hpp>
 #include <opc/inspection/PackageGraph.hpp>
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <iterator>
 #include <memory>
@@ -43,9 +41,9 @@ class PackedContent : public ByteSource {
 public:
     PackedContent(FolderTree& tree, const FolderTree::File& file)
         : file(tree.open(file.path)), length(file.size) {
-        struct stat status {};
-        if (::fstat(this->file.get(), &status) != 0 || static_cast<std::uint64_t>(status.st_size) != length)
-            fail(tree.place(file.path), "has just been changed", ESTALE);
+        EntryStatus status;
+        if (readStatusOf(this->file, status) != 0 || status.size != length)
+            fail(tree.place(file.path), "has just been changed", physical::zip::CHANGED_MEANWHILE);
     }
 
     std::uint64_t size() const noexcept override { return length; }

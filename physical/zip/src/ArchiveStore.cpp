@@ -94,16 +94,16 @@ void FileStore::checkWritable() const {
 }
 
 void FileStore::replace(const FileState& old, const std::function<void(ByteTarget&)>& write) {
-    ReplacementFile file(path, place());
-    write(file);
+    const std::unique_ptr<ReplacementFile> file = ReplacementFile::make(path, place());
+    write(*file);
     if (beforeReplacing)
-        beforeReplacing(file.path());
-    file.complete();
+        beforeReplacing(file->path());
+    file->complete();
     if (old.isOfFile()) // as late as possible: syncing takes time
         requireUnchanged(old);
-    file.putInPlace();
-    lastWritten = file.state();
-    file.syncFolder();
+    file->putInPlace();
+    lastWritten = file->state();
+    file->syncFolder();
 }
 
 void FileStore::requireUnchanged(const FileState& old) const {
@@ -112,7 +112,7 @@ void FileStore::requireUnchanged(const FileState& old) const {
         return; // nothing there can be lost
     // If only the sync of the folder failed, the file there is the one that this package has written.
     if (!(old == now.state) && !(lastWritten == now.state))
-        fail(place(), "has been changed by another program since it was opened", ESTALE);
+        fail(place(), "has been changed by another program since it was opened", CHANGED_MEANWHILE);
 }
 
 fs::path FileStore::temporaryFolder() const {

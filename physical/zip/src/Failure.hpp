@@ -2,6 +2,7 @@
 
 #include <opc/physical/ZipExport.hpp>
 
+#include <cerrno>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,13 @@
 /// The form of all messages: "place: what". The place is an archive, or an archive and an item.
 
 namespace opc::physical::zip {
+
+/// The code of a failure because somebody else has changed a file meanwhile.
+#ifdef ESTALE
+constexpr int CHANGED_MEANWHILE = ESTALE;
+#else // Windows has no such error number
+constexpr int CHANGED_MEANWHILE = EBUSY;
+#endif
 
 /// Throws `opc::Exception` with `code`, a value of the generic category.
 [[noreturn]] OPC_ZIP_EXPORT void fail(const std::string& place, const std::string& what, int code);

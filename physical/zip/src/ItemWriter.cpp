@@ -36,7 +36,7 @@ void ItemWriter::keep(ItemIndex item) {
     const unsigned char* bytes = look(old->bytes(), entry.record, size);
     if (directoryEntrySizeOf(bytes) != size)
         fail(where, "can't save: the archive has been changed by another program since it was opened",
-             ESTALE);
+             CHANGED_MEANWHILE);
     const auto* record = reinterpret_cast<const char*>(bytes);
     appendMovedRecord(directory, {record, size}, out.tell() + (entry.offset - runStart));
     ++count;

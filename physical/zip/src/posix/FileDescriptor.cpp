@@ -1,4 +1,4 @@
-#include "FileDescriptor.hpp"
+#include "zip/src/FileDescriptor.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,10 +1,12 @@
-#include "ReplacementFile.hpp"
+#include "zip/src/ReplacementFile.hpp"
 
-#include "Failure.hpp"
 #include "FileAttributes.hpp"
 #include "SignalsHeld.hpp"
-#include "SystemFiles.hpp"
-#include "TemporaryName.hpp"
+#include "UnfinishedFile.hpp"
+#include "zip/src/Failure.hpp"
+#include "zip/src/FileDescriptor.hpp"
+#include "zip/src/SystemFiles.hpp"
+#include "zip/src/TemporaryName.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -63,24 +65,59 @@ Lock tryToLock(const FileDescriptor& file) {
     return errno == EWOULDBLOCK ? Lock::HeldByOther : Lock::Unsupported;
 }
 
-} // namespace
+class RenamedFile : public ReplacementFile {
+public:
+    RenamedFile(const fs::path& path, const std::string& place);
+    RenamedFile(const RenamedFile&) = delete;
+    RenamedFile& operator=(const RenamedFile&) = delete;
+    ~RenamedFile() override;
 
-ReplacementFile::ReplacementFile(const fs::path& path, const std::string& place)
+    int writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept override {
+        return file.writeAt(offset, buffer, count);
+    }
+    std::uint64_t copyAt(std::uint64_t offset, const FileDescriptor& source, std::uint64_t sourceOffset,
+                         std::uint64_t count) noexcept override {
+        return file.copyAt(offset, source, sourceOffset, count);
+    }
+    fs::path path() const override { return target.parent_path() / name; }
+    void complete() override;
+    void putInPlace() override;
+    void syncFolder() override;
+    FileState state() const override;
+
+private:
+    void open();
+    bool create();
+    bool removeAbandoned();
+    FileDescriptor openAbandoned() const;
+    bool isNamed(const FileDescriptor& opened) const;
+    bool isStrangers(const FileDescriptor& opened) const;
+
+    fs::path target;
+    std::string place;
+    FileDescriptor folder; ///< serves to find names, not to read
+    std::string name;      ///< in the folder
+    FileDescriptor file;
+    UnfinishedFile unfinished;
+    bool inPlace = false;
+};
+
+RenamedFile::RenamedFile(const fs::path& path, const std::string& place)
     : target(resolve(path)), place(place),
       folder(::open(target.has_parent_path() ? target.parent_path().c_str() : ".", FOLDER)) {
     if (!folder.isOpen())
         failSystem(place, "can't make a file in its folder", errno);
-    make();
+    open();
 }
 
-ReplacementFile::~ReplacementFile() {
+RenamedFile::~RenamedFile() {
     const SignalsHeld held;
     if (!inPlace && isNamed(file))
         ::unlinkat(folder.get(), name.c_str(), 0);
     unfinished.forget();
 }
 
-void ReplacementFile::make() {
+void RenamedFile::open() {
     const long most = ::fpathconf(folder.get(), _PC_NAME_MAX);
     for (unsigned tried = 0; tried < NAMES; ++tried) {
         name = temporaryName(target.filename().string(), tried < FORETOLD_NAMES ? tried : randomNumber(),
@@ -94,7 +131,7 @@ void ReplacementFile::make() {
 }
 
 /// @return false if another file has this name
-bool ReplacementFile::create() {
+bool RenamedFile::create() {
     // Before a replacement has the permissions of the file that it replaces, nobody else may read it.
     struct stat old {};
     const mode_t mode = ::stat(target.c_str(), &old) == 0 ? 0600 : 0666;
@@ -114,7 +151,7 @@ bool ReplacementFile::create() {
 }
 
 /// @return false if it stays, because it can't be removed or perhaps isn't abandoned
-bool ReplacementFile::removeAbandoned() {
+bool RenamedFile::removeAbandoned() {
     const FileDescriptor found = openAbandoned();
     if (!found.isOpen())
         return errno == ENOENT;
@@ -126,7 +163,7 @@ bool ReplacementFile::removeAbandoned() {
     return !isNamed(found) || ::unlinkat(folder.get(), name.c_str(), 0) == 0 || errno == ENOENT;
 }
 
-FileDescriptor ReplacementFile::openAbandoned() const {
+FileDescriptor RenamedFile::openAbandoned() const {
     constexpr int FLAGS = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     // For writing if possible: over a network, other files can't be locked.
     FileDescriptor found(::openat(folder.get(), name.c_str(), O_RDWR | FLAGS));
@@ -136,7 +173,7 @@ FileDescriptor ReplacementFile::openAbandoned() const {
 }
 
 /// Whether the name still belongs to that file.
-bool ReplacementFile::isNamed(const FileDescriptor& opened) const {
+bool RenamedFile::isNamed(const FileDescriptor& opened) const {
     struct stat open {};
     struct stat named {};
     return opened.isOpen() && ::fstat(opened.get(), &open) == 0 &&
@@ -145,45 +182,47 @@ bool ReplacementFile::isNamed(const FileDescriptor& opened) const {
 }
 
 /// Whether somebody else has created the file in a folder that everybody may write to. Everybody could lock it there.
-bool ReplacementFile::isStrangers(const FileDescriptor& opened) const {
+bool RenamedFile::isStrangers(const FileDescriptor& opened) const {
     struct stat status {};
     struct stat around {};
     return ::fstat(opened.get(), &status) == 0 && ::fstat(folder.get(), &around) == 0 &&
            (around.st_mode & S_ISVTX) != 0 && status.st_uid != ::geteuid();
 }
 
-int ReplacementFile::writeAt(std::uint64_t offset, const unsigned char* buffer, std::size_t count) noexcept {
-    return file.writeAt(offset, buffer, count);
-}
-
-void ReplacementFile::complete() {
+void RenamedFile::complete() {
     takeAttributes(target, file.get(), place);
     if (const int error = file.sync())
         failSystem(place, "can't sync the new archive", error);
 }
 
-void ReplacementFile::putInPlace() {
+void RenamedFile::putInPlace() {
     const SignalsHeld held;
     if (!isNamed(file))
-        fail(place, "can't replace the archive: somebody has taken the new one away", ESTALE);
+        fail(place, "can't replace the archive: somebody has taken the new one away", CHANGED_MEANWHILE);
     if (::renameat(folder.get(), name.c_str(), folder.get(), target.filename().c_str()) != 0)
         failSystem(place, "can't replace the archive", errno);
     unfinished.forget();
     inPlace = true;
 }
 
-FileState ReplacementFile::state() const {
+FileState RenamedFile::state() const {
     FileStatus status;
     return readStatus(file, status) == 0 ? status.state : FileState();
 }
 
-void ReplacementFile::syncFolder() {
+void RenamedFile::syncFolder() {
     const FileDescriptor opened(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // A folder that may be written but not read: `sync` covers it.
     const bool unreadable = !opened.isOpen() && errno == EACCES;
     const int error = unreadable ? syncAround(file) : opened.sync();
     if (error != 0 && error != EINVAL) // some file systems can't sync a folder, and report EINVAL
         failSystem(place, "can't sync its folder", error);
+}
+
+} // namespace
+
+std::unique_ptr<ReplacementFile> ReplacementFile::make(const fs::path& path, const std::string& place) {
+    return std::make_unique<RenamedFile>(path, place);
 }
 
 } // namespace opc::physical::zip

@@ -1,13 +1,13 @@
 #include "FileAttributes.hpp"
 
 #include "AccessList.hpp"
-#include "Failure.hpp"
+#include "zip/src/Failure.hpp"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #ifdef __APPLE__
-#include "SystemFiles.hpp"
+#include "zip/src/SystemFiles.hpp"
 #include <copyfile.h>
 #else
 #include <linux/limits.h>

@@ -1,4 +1,4 @@
-#include "SystemFiles.hpp"
+#include "zip/src/SystemFiles.hpp"
 
 #include "SignalsHeld.hpp"
 
