@@ -42,7 +42,7 @@ std::string readAll(std::istream& stream) {
 std::string readText(const std::string& path) {
     if (path == "-")
         return readAll(std::cin);
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     std::string text = readAll(file);
     if (!file)
         throw opc::Exception(path + " can't be read",

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -61,7 +62,7 @@ void addDocument(Baseline& baseline, const json& document, const std::string& ro
 } // namespace
 
 Baseline readBaseline(const std::string& path, const std::string& root) {
-    std::ifstream file(path);
+    std::ifstream file{std::filesystem::path(path)};
     if (!file)
         refuseBaseline(path, "can't be read");
     Baseline baseline;

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -24,7 +25,7 @@ bool isType(const std::string& word) {
 
 std::map<std::string, std::string> readContentTypes(const std::string& path) {
     std::map<std::string, std::string> types;
-    std::ifstream file(path);
+    std::ifstream file{std::filesystem::path(path)};
     std::size_t number = 0;
     for (std::string line; std::getline(file, line);) {
         ++number;

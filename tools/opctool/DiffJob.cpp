@@ -2,6 +2,7 @@
 
 #include "ArchiveFile.hpp"
 #include "FileRun.hpp"
+#include "NewFile.hpp"
 #include "SignatureOption.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -10,7 +11,7 @@
 #include <opc/editing/Signatures.hpp>
 
 #include <algorithm>
-#include <cstdio>
+#include <cerrno>
 #include <filesystem>
 
 namespace opctool {
@@ -24,13 +25,14 @@ using opc::inspection::Archive;
 
 /// Writes a file that isn't there yet.
 void writeNew(const std::string& path, const std::string& text) {
-    std::FILE* const file = std::fopen(path.c_str(), "wxe");
-    if (file == nullptr)
-        throw opc::Exception(path + (fs::exists(path) ? " exists already" : " can't be written"));
-    const bool isWritten = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    if (std::fclose(file) != 0 || !isWritten) {
-        std::remove(path.c_str());
-        throw opc::Exception(path + " can't be written");
+    try {
+        NewFile file(path, NewFile::Readers::All, false);
+        file.write({text.begin(), text.end()});
+        file.keep();
+    } catch (const opc::Exception& e) {
+        if (e.code().value() == EEXIST)
+            throw opc::Exception(path + " exists already");
+        throw;
     }
 }
 

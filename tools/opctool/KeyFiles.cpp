@@ -1,5 +1,6 @@
 #include "KeyFiles.hpp"
 
+#include "NewFile.hpp"
 #include "Signals.hpp"
 
 #include <bedrock/crypto/cryptopp/CryptoProvider.hpp>
@@ -10,14 +11,10 @@
 #include <opc/core/Text.hpp>
 
 #include <cerrno>
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace opctool {
 
@@ -88,58 +85,10 @@ Bytes toPem(const std::string& label, const Bytes& der) {
     return pem;
 }
 
-[[noreturn]] void failWriting(const std::string& path) {
-    const int error = errno;
-    throw opc::Exception(
-        path + (error == EEXIST ? " exists already; use --force to replace it" : " can't be written"),
-        {error, boost::system::generic_category()});
-}
-
-/// A new file. If it may replace another one, it is written under another name first. Unless it is kept, it is
-/// removed.
-class NewFile {
-public:
-    NewFile(const std::string& name, mode_t mode, bool replace)
-        : finalPath(name), path(replace ? name + "." + std::to_string(::getpid()) : name),
-          descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
-        if (descriptor < 0)
-            failWriting(finalPath);
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    ~NewFile() {
-        ::close(descriptor);
-        if (!kept)
-            ::unlink(path.c_str());
-    }
-
-    void write(const Bytes& bytes) const {
-        for (std::size_t done = 0; done < bytes.size();) {
-            const ssize_t count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-            if (count < 0)
-                failWriting(finalPath);
-            done += static_cast<std::size_t>(count);
-        }
-        if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: the file can't be synced
-            failWriting(finalPath);
-    }
-    void keep() {
-        if (path != finalPath && ::rename(path.c_str(), finalPath.c_str()) != 0)
-            failWriting(finalPath);
-        kept = true;
-    }
-
-private:
-    std::string finalPath;
-    std::string path;
-    int descriptor;
-    bool kept = false;
-};
-
 } // namespace
 
 Bytes readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     const bool opened = file.is_open();
     Bytes bytes{std::istreambuf_iterator<char>(file), {}};
     if (!opened || file.bad())
@@ -180,14 +129,12 @@ Bytes readAnyPublicKey(const std::string& path) {
 void writeKeyFiles(const bedrock::crypto::SigningKey& key,
                    const bedrock::certificates::X509Certificate& certificate, const std::string& base,
                    bool replace) {
-    constexpr mode_t OF_OWNER = S_IRUSR | S_IWUSR;
-    constexpr mode_t OF_ALL = OF_OWNER | S_IRGRP | S_IROTH;
     const WithoutSignals whole;
-    NewFile privateFile(base + ".key", OF_OWNER, replace);
-    NewFile publicFile(base + ".pub", OF_ALL, replace);
+    NewFile privateFile(base + ".key", NewFile::Readers::Owner, replace);
+    NewFile publicFile(base + ".pub", NewFile::Readers::All, replace);
     std::optional<NewFile> certificateFile;
     if (!certificate.empty()) {
-        certificateFile.emplace(base + ".pem", OF_ALL, replace);
+        certificateFile.emplace(base + ".pem", NewFile::Readers::All, replace);
         certificateFile->write(toPem("CERTIFICATE", certificate.getAsByteArray()));
     }
     Bytes pem = toPem("PRIVATE KEY", key.getPrivateKey());

@@ -1,28 +1,28 @@
 #include "OutputOptions.hpp"
 
+#include "Terminal.hpp"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdlib>
 #include <string>
 
-#include <unistd.h>
-
 namespace opctool {
 
 namespace {
 
-bool wantsColor(const std::string& when, int file) {
+bool wantsColor(const std::string& when, StandardStream stream) {
     if (when != "auto")
         return when == "always";
     const char* const noColor = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
-    return isatty(file) == 1 && (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
+    return isTerminal(stream) && (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
            std::string(terminal) != "dumb";
 }
 
 void setColor(OutputOptions& options, const std::string& when) {
-    options.colored = wantsColor(when, STDOUT_FILENO);
-    options.coloredErrors = wantsColor(when, STDERR_FILENO);
+    options.colored = wantsColor(when, StandardStream::Output);
+    options.coloredErrors = wantsColor(when, StandardStream::Errors);
 }
 
 } // namespace

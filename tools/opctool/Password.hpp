@@ -24,8 +24,4 @@ private:
     std::string text;
 };
 
-/// Makes the terminal show again what is typed, if a password is being asked for. Async-signal-safe, for the handler
-/// of a signal that ends the process.
-void showTyping() noexcept;
-
 } // namespace opctool

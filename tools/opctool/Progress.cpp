@@ -1,8 +1,8 @@
 #include "Progress.hpp"
 
-#include <iostream>
+#include "Terminal.hpp"
 
-#include <unistd.h>
+#include <iostream>
 
 namespace opctool {
 
@@ -14,7 +14,8 @@ constexpr std::chrono::milliseconds INTERVAL(200);
 } // namespace
 
 Progress::Progress(bool countsFiles)
-    : isTerminal(isatty(STDERR_FILENO) == 1), countsFiles(countsFiles), nextUpdate(Clock::now() + DELAY) {
+    : isTerminal(opctool::isTerminal(StandardStream::Errors)), countsFiles(countsFiles),
+      nextUpdate(Clock::now() + DELAY) {
 }
 
 Progress::~Progress() {

@@ -4,6 +4,7 @@
 #include "Help.hpp"
 #include "Messages.hpp"
 #include "Signals.hpp"
+#include "Start.hpp"
 #include "Suggestion.hpp"
 #include "TerminalText.hpp"
 
@@ -113,6 +114,7 @@ int runTool(const char* name, int argc, char** argv) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): without memory for its commands the tool can't even say so
 int main(int argc, char** argv) {
+    argv = startProcess(argc, argv);
     leaveNothingBehindOnSignals();
     const char* const name = argc > 1 && argv[1][0] != '-' ? argv[1] : nullptr;
     if (name != nullptr && findCommand(name) == nullptr)

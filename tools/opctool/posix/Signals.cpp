@@ -1,12 +1,16 @@
 #include "Signals.hpp"
 
-#include "Password.hpp"
+#include "Terminal.hpp"
 
 #include <opc/physical/UnfinishedFiles.hpp>
+
+#include <csignal>
 
 namespace opctool {
 
 namespace {
+
+sigset_t heldBefore; ///< what was held back before short work
 
 extern "C" void endBySignal(int signal) {
     opc::physical::removeUnfinishedFiles();
@@ -31,14 +35,14 @@ void leaveNothingBehindOnSignals() {
     }
 }
 
-WithoutSignals::WithoutSignals() noexcept : before() {
+WithoutSignals::WithoutSignals() noexcept {
     sigset_t all;
     sigfillset(&all);
-    ::sigprocmask(SIG_BLOCK, &all, &before);
+    ::sigprocmask(SIG_BLOCK, &all, &heldBefore);
 }
 
 WithoutSignals::~WithoutSignals() {
-    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    ::sigprocmask(SIG_SETMASK, &heldBefore, nullptr);
 }
 
 } // namespace opctool
