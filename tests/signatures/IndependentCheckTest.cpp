@@ -1,4 +1,5 @@
 #include "SignedPackage.hpp"
+#include "support/ShellCommand.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <opc/physical/ZipPackage.hpp>
@@ -30,9 +31,9 @@ protected:
         writeAll(package.getPart(partName), content);
     }
 
-    TemporaryFolder::Outcome check() {
+    ShellOutcome check() {
         writeFile(folder / "key.der", keysOf(2048).getPublicKey());
-        return folder.run("python3 '" INDEPENDENT_CHECK "' package.zip key.der 2>&1");
+        return runInShell(folder.path(), "python3 '" INDEPENDENT_CHECK "' package.zip key.der 2>&1");
     }
 
     TemporaryFolder folder;

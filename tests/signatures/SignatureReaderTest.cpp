@@ -7,7 +7,7 @@
 #include <opc/core/Time.hpp>
 #include <opc/model/Errors.hpp>
 
-#include <boost/regex.hpp>
+#include <regex>
 
 namespace {
 
@@ -231,7 +231,7 @@ TEST_F(SignatureReader, aRootWithoutDefaultNamespaceHasThatOfXmlSignature) {
 }
 
 TEST_F(SignatureReader, aPrefixHidesTheElements) {
-    std::string document = boost::regex_replace(USUAL_SIGNATURE, boost::regex("(</?)(?!pds:|/|!)"), "$1ds:");
+    std::string document = std::regex_replace(USUAL_SIGNATURE, std::regex("(</?)(?!pds:|/|!)"), "$1ds:");
     document = replaced(document, "xmlns=", "xmlns:ds=");
     expectRefusal<InvalidPartContent>(document, "XML signature: SignatureValue is not present.");
 }

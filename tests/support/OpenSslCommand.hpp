@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ShellCommand.hpp"
 #include "TemporaryFolder.hpp"
 
 #include <filesystem>
@@ -19,7 +20,7 @@ public:
     /// @return what it wrote to both outputs
     /// @throws std::runtime_error  the command fails; the exception has that text
     std::string run(const std::string& arguments) const {
-        TemporaryFolder::Outcome outcome = folder.run("openssl " + arguments + " 2>&1");
+        ShellOutcome outcome = runInShell(folder.path(), "openssl " + arguments + " 2>&1");
         if (outcome.status != 0)
             throw std::runtime_error("openssl " + arguments + ": " + outcome.output);
         return std::move(outcome.output);

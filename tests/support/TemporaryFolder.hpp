@@ -1,18 +1,13 @@
 #pragma once
 
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
-
-#include <sys/wait.h>
 
 namespace opc::test {
 
@@ -20,11 +15,10 @@ namespace opc::test {
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "opcmodel-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw std::filesystem::filesystem_error("mkdtemp",
-                                                    std::error_code(errno, std::generic_category()));
-        folder = name;
+        std::random_device random;
+        do
+            folder = std::filesystem::temp_directory_path() / ("opcmodel-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(folder));
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -35,27 +29,6 @@ public:
 
     const std::filesystem::path& path() const { return folder; }
     std::filesystem::path operator/(const std::string& name) const { return folder / name; }
-
-    struct Outcome {
-        int status = -1;
-        std::string output;
-    };
-
-    /// Runs a command of the shell in the folder, without input.
-    /// @return its exit status, -1 if a signal ended it, and what it wrote to standard output
-    Outcome run(const std::string& command) const {
-        FILE* const pipe =
-            ::popen(("cd '" + folder.string() + "' && { " + command + "; } </dev/null").c_str(), "r");
-        if (!pipe)
-            throw std::system_error(errno, std::generic_category(), "popen");
-        Outcome outcome;
-        std::array<char, 4096> block{};
-        while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe))
-            outcome.output.append(block.data(), count);
-        const int status = ::pclose(pipe);
-        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return outcome;
-    }
 
     /// The number of files, including hidden ones.
     std::size_t count() const {

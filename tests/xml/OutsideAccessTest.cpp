@@ -1,5 +1,6 @@
 #include "SchemaParser.hpp"
 #include "support/Cases.hpp"
+#include "support/ShellCommand.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <unistd.h>
@@ -80,9 +81,10 @@ TEST_F(OutsideAccess, isNeverGivenToADocument) {
         return;
     }
     const std::string program = fs::read_symlink("/proc/self/exe").string();
-    const auto outcome = folder.run(
+    const auto outcome = runInShell(
+        folder.path(),
         "OPCMODEL_TRACED=1 ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e trace=%file,%network -o trace '" +
-        program + "' --gtest_filter=OutsideAccess.isNeverGivenToADocument 2>&1");
+            program + "' --gtest_filter=OutsideAccess.isNeverGivenToADocument 2>&1");
     ASSERT_EQ(outcome.status, 0) << outcome.output;
     std::istringstream trace(readFile<std::string>(folder / "trace"));
     int marks = 0;
