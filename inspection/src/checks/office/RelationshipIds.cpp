@@ -14,9 +14,9 @@ namespace opc::inspection {
 
 namespace {
 
-constexpr std::u16string_view TRANSITIONAL =
+constexpr std::u16string_view OF_TRANSITIONAL =
     u"http://schemas.openxmlformats.org/officeDocument/2006/relationships";
-constexpr std::u16string_view STRICT = u"http://purl.oclc.org/ooxml/officeDocument/relationships";
+constexpr std::u16string_view OF_STRICT = u"http://purl.oclc.org/ooxml/officeDocument/relationships";
 constexpr std::u16string_view VML_OFFICE = u"urn:schemas-microsoft-com:office:office";
 
 /// Elements whose relationships have one type, whichever program reads them.
@@ -66,7 +66,7 @@ public:
         for (std::size_t i = 0; i < element.attributeCount(); ++i) {
             const model::XmlAttribute attribute = element.attribute(i);
             const bool namesRelationship =
-                attribute.namespaceURI == TRANSITIONAL || attribute.namespaceURI == STRICT ||
+                attribute.namespaceURI == OF_TRANSITIONAL || attribute.namespaceURI == OF_STRICT ||
                 (attribute.namespaceURI == VML_OFFICE && attribute.localName == u"relid");
             if (namesRelationship && !attribute.value.empty()) // empty: an action without target
                 check(element, narrow(attribute.value), behind);
