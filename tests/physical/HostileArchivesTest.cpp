@@ -64,12 +64,12 @@ TEST(HostileArchives, areRefusedSoonAndWithoutSpendingMemory) {
         }
         EXPECT_LT((std::clock() - start) * 1000 / CLOCKS_PER_SEC, MOST_TIME);
         EXPECT_LT(memory("VmHWM:") - memoryBefore, MOST_MEMORY);
-        tested.insert(path.filename());
+        tested.insert(path.filename().string());
     };
     forEachCase("zip/hostile.txt", check);
     EXPECT_EQ(leniently.size(), tested.size()) << "each stands in both files";
     for (const auto& file : std::filesystem::directory_iterator(folder))
-        EXPECT_EQ(tested.count(file.path().filename()), 1U) << file.path() << " isn't tested";
+        EXPECT_EQ(tested.count(file.path().filename().string()), 1U) << file.path() << " isn't tested";
     EXPECT_GE(tested.size(), 40U);
 }
 

@@ -74,7 +74,7 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     item.method = 8;
     z_stream stream{};
     EXPECT_EQ(deflateInit2(&stream, level, Z_DEFLATED, -MAX_WBITS, 8, strategy), Z_OK);
-    std::vector<unsigned char> output(deflateBound(&stream, content.size()) + 64);
+    std::vector<unsigned char> output(deflateBound(&stream, static_cast<uLong>(content.size())) + 64);
     stream.next_in = reinterpret_cast<unsigned char*>(const_cast<char*>(content.data()));
     stream.next_out = output.data();
     stream.avail_out = static_cast<uInt>(output.size());
