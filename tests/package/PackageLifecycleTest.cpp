@@ -48,6 +48,12 @@ TEST_F(PackageOpen, translatesFailuresOfThePhysicalLayerAndKeepsTheirCode) {
         << "a failure while cleaning up takes the place of the first one";
 }
 
+#ifdef _WIN32
+constexpr int ACCESS_DENIED_BY_SYSTEM = 5;
+#else
+constexpr int ACCESS_DENIED_BY_SYSTEM = EACCES;
+#endif
+
 TEST_F(PackageOpen, andCloseKnowTheSystemsOwnCodesToo) {
     const auto failWith = [this](const std::string& call, int code) {
         physical.before(call, [code] {
@@ -63,7 +69,7 @@ TEST_F(PackageOpen, andCloseKnowTheSystemsOwnCodesToo) {
     EXPECT_EQ(codeOf(open), boost::system::error_code(EIO, boost::system::system_category()));
     physical.forgetScript();
     open();
-    failWith("close", EACCES);
+    failWith("close", ACCESS_DENIED_BY_SYSTEM);
     EXPECT_RAISES(PackagePermissionDenied, "failed", package.close(true));
     failWith("close", ENOSPC);
     EXPECT_EQ(codeOf([this] { package.close(true); }),
