@@ -38,6 +38,13 @@ struct PartInfo : interfaces::IPhysicalPartInfo {
     CompressionType compression;
 };
 
+/// How many names temporary files of an open package have in their folder.
+#ifdef _WIN32
+constexpr std::size_t TEMPORARY_NAMES = 1;
+#else
+constexpr std::size_t TEMPORARY_NAMES = 0;
+#endif
+
 /// For tests with a file in their own folder.
 class FileTest : public testing::Test {
 protected:

@@ -27,7 +27,7 @@ TEST_F(WindowsSaving, takesNamesInUnicode) {
     }
     EXPECT_NE(::GetFileAttributesW(archive.c_str()), INVALID_FILE_ATTRIBUTES);
     EXPECT_EQ(folder.count(), 1U);
-    ZipPackage package(fs::path(archive.u8string()));
+    ZipPackage package(fs::u8path(archive.u8string()));
     package.open(OpenMode::ReadOnly);
     EXPECT_EQ(content(*find(package, u"/a")), "alpha");
 }

@@ -1,6 +1,8 @@
 #include "Start.hpp"
 
+#include <codecvt>
 #include <filesystem>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,8 @@ char** startProcess(int& count, char** arguments) {
     for (const int stream : {0, 1, 2})
         ::_setmode(stream, _O_BINARY);
     ::SetConsoleOutputCP(CP_UTF8);
+    // The standard library converts a narrow text to a path by the locale.
+    std::locale::global(std::locale(std::locale::classic(), new std::codecvt_utf8_utf16<wchar_t>));
     wchar_t** const wide = ::CommandLineToArgvW(::GetCommandLineW(), &count);
     if (wide == nullptr)
         return arguments;
