@@ -163,7 +163,7 @@ class Part:
 
     def open(self) -> PartStream:
         """The content as a stream, which reads what it is asked for."""
-        return PartStream(self._handle.reader())
+        return PartStream(self._handle.reader(), self._package)
 
     def write(self, content: Content) -> None:
         """Replaces the content, by bytes, the bytes of a file (a path object) or those of a binary file object."""

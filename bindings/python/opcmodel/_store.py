@@ -34,4 +34,4 @@ class Store(abc.ABC):
         return None
 
     def close(self) -> None:
-        """The package is closed."""
+        """The package is closed. It is called once, also if it fails."""

@@ -15,9 +15,10 @@ if TYPE_CHECKING:
 class PartStream(io.RawIOBase):
     """Reads the content of a part. It can seek; going back reads from the start again."""
 
-    def __init__(self, reader: _opcmodel.PartReader) -> None:
+    def __init__(self, reader: _opcmodel.PartReader, package: object) -> None:
         super().__init__()
         self._reader = reader
+        self._package = package  # it stays open
 
     def readable(self) -> bool:
         return True

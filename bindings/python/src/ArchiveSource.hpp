@@ -40,6 +40,18 @@ public:
         return withoutLock(run);
     }
 
+    /// Calls `action` with this archive and another one. Those of the same open package are one.
+    template <typename Action>
+    auto withArchives(ArchiveSource& other, Action action) {
+        using opc::inspection::Archive;
+        const auto* const session = std::get_if<std::shared_ptr<Session>>(&place);
+        if (session != nullptr && other.place == place)
+            return withArchive([&](Archive& archive) { return action(archive, archive); });
+        return withArchive([&](Archive& archive) {
+            return other.withArchive([&](Archive& second) { return action(archive, second); });
+        });
+    }
+
 private:
     opc::inspection::Archive open();
 

@@ -21,27 +21,30 @@ namespace py = pybind11;
 /// may go on after it; the call ends with the exception itself.
 class RaisedInCall {
 public:
-    RaisedInCall() : outer(std::exchange(current(), std::nullopt)) {}
+    RaisedInCall() : outer(std::exchange(current(), this)) {}
     RaisedInCall(const RaisedInCall&) = delete;
     RaisedInCall& operator=(const RaisedInCall&) = delete;
-    ~RaisedInCall() { current() = std::move(outer); }
+    ~RaisedInCall() { current() = outer; }
 
-    /// Keeps the first exception.
+    /// Keeps the first exception of the call that runs. Outside of a call something is destroyed, which can't raise.
     static void keep(py::error_already_set&& raised) {
-        if (!current())
-            current().emplace(std::move(raised));
+        if (current() == nullptr)
+            raised.discard_as_unraisable("the end of an object of opcmodel");
+        else if (!current()->first)
+            current()->first.emplace(std::move(raised));
     }
 
     /// Raises it if there was one.
-    static void rethrow() {
-        if (current())
-            throw py::error_already_set(*std::exchange(current(), std::nullopt));
+    void rethrow() {
+        if (first)
+            throw py::error_already_set(*std::exchange(first, std::nullopt));
     }
 
 private:
-    static std::optional<py::error_already_set>& current();
+    static RaisedInCall*& current(); ///< of this thread
 
-    std::optional<py::error_already_set> outer; ///< of a call that this one is part of
+    RaisedInCall* const outer; ///< of a call that this one is part of
+    std::optional<py::error_already_set> first;
 };
 
 /// Calls the library without the interpreter's lock. Such calls can be nested.
@@ -57,19 +60,19 @@ auto withoutLock(Action&& action) -> decltype(action()) {
                 const LockReleased released;
                 action();
             }
-            RaisedInCall::rethrow();
+            raised.rethrow();
         } else {
             auto result = [&] {
                 const LockReleased released;
                 return action();
             }();
-            RaisedInCall::rethrow();
+            raised.rethrow();
             return result;
         }
     } catch (const py::error_already_set&) {
         throw;
     } catch (...) {
-        RaisedInCall::rethrow();
+        raised.rethrow();
         throw;
     }
 }
@@ -112,7 +115,14 @@ public:
     }
 
     /// With the interpreter's lock.
+    /// @{
     const py::object& get() const { return object; }
+    int visit(visitproc visit, void* arg) const {
+        Py_VISIT(object.ptr());
+        return 0;
+    }
+    void forget() { object = py::none(); }
+    /// @}
 
 private:
     py::object object;

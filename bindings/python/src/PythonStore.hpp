@@ -27,6 +27,8 @@ public:
                                                const opc::interfaces::IPhysicalPartInfo& info) override;
     void deletePart(const std::u16string& name) override;
 
+    PythonObject& object() { return *store; }
+
 private:
     class Input;
     class Part;
@@ -34,6 +36,7 @@ private:
 
     const std::shared_ptr<PythonObject> store;
     bool hasContentTypes = true;
+    bool isOpen = false;
     std::unique_ptr<Input> contentTypes;
     std::vector<std::unique_ptr<Part>> parts;
 };

@@ -31,6 +31,8 @@ public:
     void restart() const;
     void flush() const;
 
+    PythonObject& object() { return file; }
+
 private:
     PythonObject file;
 };

@@ -107,7 +107,7 @@ Session::Session(ArchivePlace archivePlace, OpenMode mode, OpenOptions openOptio
     open(mode);
 }
 
-Session::Session(std::unique_ptr<IPhysicalPackage> store, OpenMode mode, OpenOptions openOptions)
+Session::Session(std::unique_ptr<PythonStore> store, OpenMode mode, OpenOptions openOptions)
     : options(std::move(openOptions)), other(std::move(store)) {
     makeModel();
     open(mode);
@@ -199,7 +199,7 @@ void Session::deliver() {
 void Session::save() {
     requireWritable();
     try {
-        finish();
+        saveAndClose();
     } catch (...) {
         if (!model->isOpen()) { // the new archive is in memory, and its file object has failed
             open(OpenMode::ReadWrite);
@@ -210,7 +210,7 @@ void Session::save() {
     open(OpenMode::ReadWrite);
 }
 
-void Session::finish() {
+void Session::saveAndClose() {
     if (!model->isOpen())
         return;
     if (isReadOnly)
@@ -342,6 +342,26 @@ opc::inspection::Archive Session::openArchive(bool lenient) {
         return Archive(std::make_shared<FileObjectSource>(place.target), zipOptions);
     const std::string all = bytes();
     return Archive(std::vector<unsigned char>(all.begin(), all.end()), zipOptions);
+}
+
+int Session::visit(visitproc visit, void* arg) const {
+    if (busy)
+        return 0;
+    if (place.target)
+        if (const int stopped = place.target->object().visit(visit, arg))
+            return stopped;
+    return other ? other->object().visit(visit, arg) : 0;
+}
+
+void Session::finish() {
+    use([this] { close(); });
+}
+
+void Session::forget() {
+    if (place.target)
+        place.target->object().forget();
+    if (other)
+        other->object().forget();
 }
 
 std::string Session::bytes() {

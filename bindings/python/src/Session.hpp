@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Calls.hpp"
+#include "PythonStore.hpp"
 #include "PythonStreams.hpp"
 
 #include <opc/editing/Editor.hpp>
@@ -66,9 +67,7 @@ class Session {
 public:
     Session(ArchivePlace place, opc::interfaces::OpenMode mode, OpenOptions options);
 
-    /// @param store  of Python
-    Session(std::unique_ptr<opc::interfaces::IPhysicalPackage> store, opc::interfaces::OpenMode mode,
-            OpenOptions options);
+    Session(std::unique_ptr<PythonStore> store, opc::interfaces::OpenMode mode, OpenOptions options);
 
     /// Calls `action`, which is alone in using the package, without the interpreter's lock.
     /// @throws PackageInUse  another call uses it
@@ -123,7 +122,7 @@ public:
     void saveTo(ArchivePlace place);
 
     /// Writes the changes and closes the package.
-    void finish();
+    void saveAndClose();
 
     /// Drops the changes and closes the package.
     void close();
@@ -140,6 +139,16 @@ public:
         std::uint64_t position = 0;
     };
     std::map<std::u16string, Reading> readings;
+
+    /// @}
+
+    /// @name For the garbage collector: the file object or the store of Python
+    /// All that Python has of a package holds the object of this session, too.
+    /// @{
+
+    int visit(visitproc visit, void* arg) const;
+    void finish();
+    void forget();
 
     /// @}
 
@@ -182,7 +191,7 @@ private:
     // In the order in which each needs those before it.
     std::unique_ptr<opc::physical::RandomAccessSource> source;
     std::unique_ptr<opc::physical::ZipPackage> zip;
-    std::unique_ptr<opc::interfaces::IPhysicalPackage> other;
+    std::unique_ptr<PythonStore> other;
     std::unique_ptr<opc::physical::LenientPackage> lenient;
     std::unique_ptr<opc::model::Package> model;
     std::unique_ptr<opc::model::DigitalSignatureManager> manager;

@@ -60,8 +60,8 @@ py::list toRows(const std::vector<Element>& all) {
 /// Parts, items, relationships and properties that differ.
 py::tuple compareArchives(ArchiveSource& before, ArchiveSource& now, const std::vector<std::string>& names,
                           bool findsMoves) {
-    Comparison found = before.withArchive([&](Archive& old) {
-        return now.withArchive([&](Archive& other) { return compare(old, other, {names, findsMoves}); });
+    const Comparison found = before.withArchives(now, [&](Archive& old, Archive& other) {
+        return compare(old, other, {names, findsMoves});
     });
     return py::make_tuple(toRows(found.parts), toRows(found.items), toRows(found.relationships),
                           toRows(found.properties));
@@ -70,13 +70,11 @@ py::tuple compareArchives(ArchiveSource& before, ArchiveSource& now, const std::
 /// The hunks in which a part differs as XML, each with its place and its lines; `None` if it can't be told by lines.
 py::object compareTexts(ArchiveSource& before, ArchiveSource& now, const std::string& part,
                         std::size_t context) {
-    const TextDifference found = before.withArchive([&](Archive& old) {
-        return now.withArchive([&](Archive& other) {
-            for (const ContentDifference& one : compare(old, other, {{part}, false}).parts)
-                if (one.kind == ContentDifference::Kind::Changed)
-                    return compareText(one, context);
-            return TextDifference{TextDifference::Outcome::SameText, {}};
-        });
+    const TextDifference found = before.withArchives(now, [&](Archive& old, Archive& other) {
+        for (const ContentDifference& one : compare(old, other, {{part}, false}).parts)
+            if (one.kind == ContentDifference::Kind::Changed)
+                return compareText(one, context);
+        return TextDifference{TextDifference::Outcome::SameText, {}};
     });
     if (found.outcome == TextDifference::Outcome::NotXml ||
         found.outcome == TextDifference::Outcome::TooLarge)

@@ -76,9 +76,9 @@ void translate(std::exception_ptr thrown) {
 
 } // namespace
 
-std::optional<py::error_already_set>& RaisedInCall::current() {
-    thread_local std::optional<py::error_already_set> raised;
-    return raised;
+RaisedInCall*& RaisedInCall::current() {
+    thread_local RaisedInCall* call = nullptr;
+    return call;
 }
 
 void bindErrors(py::module_& /*module*/) {

@@ -1,4 +1,5 @@
 #include "Bindings.hpp"
+#include "Collected.hpp"
 #include "Session.hpp"
 #include "Values.hpp"
 
@@ -86,7 +87,7 @@ py::list listIgnored(const SharedSession& session) {
 
 void bindPackage(py::module_& module) {
     py::class_<OpenOptions>(module, "OpenOptions").def(py::init(&makeOptions));
-    py::class_<Session, SharedSession>(module, "Session")
+    py::class_<Session, SharedSession>(module, "Session", collected<Session>())
         .def("save", [](Session& session) { session.use([&] { session.save(); }); })
         .def("save_to_path",
              [](Session& session, const std::filesystem::path& path) {
@@ -97,7 +98,7 @@ void bindPackage(py::module_& module) {
                  ArchivePlace place = ArchivePlace::newObject(file);
                  session.use([&] { session.saveTo(std::move(place)); });
              })
-        .def("finish", [](Session& session) { session.use([&] { session.finish(); }); })
+        .def("finish", [](Session& session) { session.use([&] { session.saveAndClose(); }); })
         .def("close", [](Session& session) { session.use([&] { session.close(); }); })
         .def("bytes",
              [](Session& session) { return py::bytes(session.use([&] { return session.bytes(); })); })

@@ -1,4 +1,5 @@
 #include "Bindings.hpp"
+#include "Collected.hpp"
 #include "Lock.hpp"
 #include "Session.hpp"
 #include "Values.hpp"
@@ -85,6 +86,17 @@ public:
         const LockReleased released;
         ended.reset();
     }
+
+    /// For the garbage collector: what gives the sources can hold the scan.
+    /// @{
+    int visit(visitproc visit, void* arg) const {
+        if (!isRunning)
+            Py_VISIT(sources.ptr());
+        return 0;
+    }
+    void finish() { close(); }
+    void forget() { sources = py::iterator(); }
+    /// @}
 
     /// For the end of the process, when no thread has the lock any more.
     static void stopAll() noexcept {
@@ -280,7 +292,7 @@ void bindScanning(py::module_& module) {
             }
             return toPython(text);
         });
-    py::class_<Scan>(module, "Scan")
+    py::class_<Scan>(module, "Scan", collected<Scan>())
         .def(py::init([](py::iterator sources, unsigned what, unsigned jobs, std::size_t window,
                          unsigned profiles, const OpenOptions& reading) {
             return std::make_unique<Scan>(std::move(sources),

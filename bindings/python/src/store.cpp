@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace opcpython {
 
@@ -125,6 +126,7 @@ void PythonStore::open(const OpenMode& mode) {
     if (mode != OpenMode::ReadOnly)
         refuseChange();
     parts.clear();
+    isOpen = true;
     callPython([this] {
         const py::object& object = store->get();
         hasContentTypes = !object.attr("content_types")().is_none();
@@ -144,7 +146,8 @@ void PythonStore::open(const OpenMode& mode) {
 void PythonStore::close(bool /*abandon*/) {
     parts.clear();
     contentTypes.reset();
-    callPython([this] { store->get().attr("close")(); });
+    if (std::exchange(isOpen, false)) // once, also if it fails
+        callPython([this] { store->get().attr("close")(); });
 }
 
 IPhysicalPart* PythonStore::createPart(const std::u16string& /*name*/, const std::u16string& /*contentType*/,

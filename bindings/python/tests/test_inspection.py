@@ -44,6 +44,7 @@ def test_every_source_can_be_inspected(tmp_path):
         assert not opc.diff(changed, content)
         changed.save()
         assert [one.name for one in opc.diff(content, changed).parts.changed] == ["/notes.xml"]
+        assert not opc.diff(changed, changed) and opc.diff_part(changed, changed, "/notes.xml") == []
     assert opc.detect(b"%PDF-1.7").is_package is False
 
 
