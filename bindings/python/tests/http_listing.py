@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Opens and lists a package of 1 GiB over HTTP, from nginx, by urllib and by fsspec, and counts what nginx has sent: less than
-1 MiB each. Needs the package in PYTHONPATH, nginx, and python3-fsspec with python3-aiohttp."""
+1 MiB each. Needs the package in PYTHONPATH, nginx, and python3-fsspec with python3-aiohttp and python3-requests."""
 import os
 import pathlib
 import re
