@@ -62,6 +62,14 @@ const char* nameOf(model::DigestMethod method) {
     }
 }
 
+/// What a reason of the cryptography makes of its answer.
+const char* effectOf(const Reason& reason, CryptographyAnswer::Status status) {
+    const bool isBroken = status == CryptographyAnswer::Status::Broken;
+    return reason.code == Reason::Code::WeakAlgorithm              ? "weak: "
+           : reason.code == Reason::Code::MissingNull && !isBroken ? "accepted: "
+                                                                   : "broken: ";
+}
+
 std::string textOf(std::chrono::system_clock::time_point time) {
     return toUDEString(convertTimeToString(time));
 }
@@ -180,7 +188,7 @@ ordered_json describe(const JudgedSignature& judged) {
 std::vector<std::string> reasonsOf(const VerifiedSignature& signature) {
     std::vector<std::string> all;
     for (const Reason& reason : signature.cryptography.reasons)
-        all.push_back((reason.code == Reason::Code::WeakAlgorithm ? "weak: " : "broken: ") + reason.text);
+        all.push_back(effectOf(reason, signature.cryptography.status) + reason.text);
     for (const CheckedReference& one : signature.cryptography.references)
         if (one.wrong)
             all.push_back("broken: " + one.uri.substr(0, one.uri.find('?')) + ": " + one.wrong->text);

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
+#include <tuple>
 
 namespace {
 
@@ -308,6 +309,23 @@ TEST(Scanner, endsEarly) {
         Scanner scanner([&] { return large; }, options);
         for (int i = 0; i < wanted; ++i)
             EXPECT_EQ(scanner.next().value().name, "large");
+    }
+}
+
+/// A value without NULL is broken, unless the policy accepts it.
+TEST(Scanner, tellsWhatAReasonMakesOfASignature) {
+    using namespace opc::standard_signatures;
+    using Status = CryptographyAnswer::Status;
+    const std::tuple<Status, Reason::Code, std::string> cases[] = {
+        {Status::Weak, Reason::Code::WeakAlgorithm, "weak: why"},
+        {Status::Valid, Reason::Code::MissingNull, "accepted: why"},
+        {Status::Broken, Reason::Code::MissingNull, "broken: why"},
+        {Status::Broken, Reason::Code::WrongSignatureValue, "broken: why"}};
+    for (const auto& [status, code, told] : cases) {
+        VerifiedSignature signature;
+        signature.cryptography.status = status;
+        signature.cryptography.reasons.push_back({code, "", "why"});
+        EXPECT_EQ(reasonsOf(signature).front(), told);
     }
 }
 

@@ -67,7 +67,7 @@ struct ScannedSignatures {
     /// @}
 };
 
-/// Why a signature in the standard's profile isn't a yes, in lines for people.
+/// Why a signature in the standard's profile isn't a yes, and what was accepted in it, in lines for people.
 OPC_SCANNING_EXPORT std::vector<std::string>
 reasonsOf(const standard_signatures::VerifiedSignature& signature);
 
