@@ -17,7 +17,7 @@ using inspection::ContentDifference;
 using inspection::ContentVersion;
 using inspection::RelationshipDifference;
 using inspection::RelationshipVersion;
-using Kind = ContentDifference::Kind;
+using DifferenceKind = ContentDifference::Kind;
 
 /// Each move looks at all relationships: beyond this product, parts are removed and added instead.
 constexpr std::size_t MOST_WORK_OF_MOVES = 2'000'000;
@@ -36,8 +36,9 @@ bool isRelationships(const ContentDifference& part) {
 }
 
 bool areMovesFew(const model::Package& package, const Comparison& comparison) {
-    const auto moves = std::count_if(comparison.parts.begin(), comparison.parts.end(),
-                                     [](const ContentDifference& part) { return part.kind == Kind::Moved; });
+    const auto moves =
+        std::count_if(comparison.parts.begin(), comparison.parts.end(),
+                      [](const ContentDifference& part) { return part.kind == DifferenceKind::Moved; });
     std::size_t relationships = 0;
     visitSources(package, [&](const model::PartName&, const model::RelationshipSource& source) {
         relationships += source.getRelationships().size();
@@ -92,15 +93,15 @@ void JobMaker::changeParts(Editor& editor, const Comparison& comparison) {
             reasons.emplace(describePart(part.name()), "it holds more than relationships");
             continue;
         }
-        if (part.kind == Kind::Moved && moves) {
+        if (part.kind == DifferenceKind::Moved && moves) {
             moved.push_back(&part);
             continue;
         }
-        if (part.kind == Kind::Changed)
+        if (part.kind == DifferenceKind::Changed)
             kept.push_back(&part);
-        if (part.kind == Kind::Removed || part.kind == Kind::Moved)
+        if (part.kind == DifferenceKind::Removed || part.kind == DifferenceKind::Moved)
             removed.push_back(&*part.before);
-        if (part.kind == Kind::Added || part.kind == Kind::Moved)
+        if (part.kind == DifferenceKind::Added || part.kind == DifferenceKind::Moved)
             added.push_back(&*part.now);
     }
     remove(editor, removed); // a name may be free then
