@@ -35,7 +35,7 @@ SignedRelationships select(const std::vector<Relationship>& relationships) {
 std::string readText(const std::vector<Relationship>& relationships, std::uint64_t blockSize) {
     RelationshipsText text(select(relationships));
     std::string result;
-    std::vector<unsigned char> block(blockSize);
+    std::vector<unsigned char> block(static_cast<std::size_t>(blockSize));
     while (!text.isDone()) {
         const auto got = text.read(block.data(), block.size());
         result.append(block.data(), block.data() + got);

@@ -11,7 +11,7 @@ using Bytes = std::vector<unsigned char>;
 
 Bytes readInBlocks(SignedText text, std::uint64_t blockSize) {
     Bytes result;
-    Bytes block(blockSize);
+    Bytes block(static_cast<std::size_t>(blockSize));
     while (!text.isDone()) {
         const auto got = static_cast<std::ptrdiff_t>(text.read(block.data(), blockSize));
         result.insert(result.end(), block.begin(), block.begin() + got);

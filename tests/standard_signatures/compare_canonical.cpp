@@ -36,7 +36,7 @@ Bytes contentOf(opc::interfaces::IPhysicalPart& part) {
     while (!stream.isDone() && content.size() <= MOST) {
         const std::size_t size = content.size();
         content.resize(size + 65536);
-        content.resize(size + stream.read(content.data() + size, 65536));
+        content.resize(size + static_cast<std::size_t>(stream.read(content.data() + size, 65536)));
     }
     return content.size() > MOST ? Bytes() : content;
 }
