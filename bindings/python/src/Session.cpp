@@ -154,7 +154,9 @@ void Session::open(OpenMode mode) {
 }
 
 IPhysicalPackage& Session::store() {
-    return zip ? static_cast<IPhysicalPackage&>(*zip) : *other;
+    if (zip)
+        return *zip;
+    return *other;
 }
 
 IPhysicalPackage& Session::view() {
