@@ -185,7 +185,8 @@ TEST_F(SignatureWriter, otherProgramsFindTheDocumentValid) {
                       "package/2006/digital-signature' schemaLocation='" +
                       schemas + "/opc-dsig.xsd'/></xs:schema>");
         writeFile(folder / "sig.xml", write(written));
-        const auto outcome = runInShell(folder.path(), "xmllint --noout --nonet --schema both.xsd sig.xml 2>&1");
+        const auto outcome =
+            runInShell(folder.path(), "xmllint --noout --nonet --schema both.xsd sig.xml 2>&1");
         return outcome.status == 0 ? testing::AssertionSuccess()
                                    : testing::AssertionFailure() << outcome.output;
     };
