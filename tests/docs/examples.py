@@ -44,7 +44,9 @@ def main():
         shutil.copyfile(fixtures / 'letter.docx', folder / 'work/report.docx')
         os.mkdir(folder / 'bin')
         os.symlink(tool.resolve(), folder / 'bin/opctool')
-        environment = {**os.environ, 'PATH': f'{folder}/bin:{os.environ["PATH"]}', 'LC_ALL': 'C.UTF-8'}
+        person = {f'GIT_{role}_{what}': text for role in ('AUTHOR', 'COMMITTER')
+                  for what, text in (('NAME', 'Ada Binder'), ('EMAIL', 'ada@example.com'))}
+        environment = {**os.environ, **person, 'PATH': f'{folder}/bin:{os.environ["PATH"]}', 'LC_ALL': 'C.UTF-8'}
         for line, command, expected in examples_of(document.read_text(encoding='utf-8')):
             done = subprocess.run(['bash', '-c', command], cwd=folder / 'work', env=environment, stdin=subprocess.DEVNULL,
                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding='utf-8', errors='replace')

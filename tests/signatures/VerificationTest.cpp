@@ -192,7 +192,7 @@ TEST_F(CertificateSignatures, canBeCountersignaturesAndComeFromBundles) {
 }
 
 TEST_F(CertificateSignatures, aTimeBeyondTheClockIsTheEndOfIt) {
-    signer = makeSigner(&root, [](CertificateRecipe& r) { r.notAfter = "20400101000000Z"; });
+    signer = makeSigner(&root, [](CertificateRecipe& r) { r.notAfter = "20370101000000Z"; });
     const DataToSign content{{PartName(u"/a.xml")}, {{1}}, {ContentType(u"text/xml")}, {}};
     DigitalSignatureData signature(u"1", signer.getPrivateKey(), signer.certificate, chain, SignatureParams(),
                                    content);

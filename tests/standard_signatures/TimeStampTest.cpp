@@ -84,11 +84,11 @@ SignatureRecipe::Change stampedInAnObjectBy(const TimeStampService& service, con
 TEST(StandardTrust, RestsOnATimeStampAndNotOnTheClaimedTime) {
     const TimeStampService service;
     const Identity signer =
-        makeSigner(nullptr, [](CertificateRecipe& recipe) { recipe.notAfter = "20400101000000Z"; });
+        makeSigner(nullptr, [](CertificateRecipe& recipe) { recipe.notAfter = "20360101000000Z"; });
     VerificationPolicy policy;
     policy.trust.emplace().roots.addCertificate(signer.certificate);
     policy.trust->validation.setCheckTime(
-        std::chrono::system_clock::time_point(std::chrono::seconds(2524608000))); // in 2050
+        std::chrono::system_clock::time_point(std::chrono::seconds(2114380800))); // in 2037
     SignatureRecipe recipe;
     recipe.signer = &signer;
     const auto verify = [&] {

@@ -8,6 +8,7 @@
 #include "text/CaselessText.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <initializer_list>
 #include <unordered_set>
 
@@ -20,8 +21,9 @@ constexpr std::string_view VERSION = "opc content hash 1";
 
 /// A text, and its length in front: whatever texts follow one another, no others make the same bytes.
 void append(std::string& bytes, std::string_view text) {
+    const std::uint64_t length = text.size();
     for (int shift = 56; shift >= 0; shift -= 8)
-        bytes += static_cast<char>(text.size() >> static_cast<unsigned>(shift) & 0xFFU);
+        bytes += static_cast<char>(length >> static_cast<unsigned>(shift) & 0xFFU);
     bytes.append(text);
 }
 

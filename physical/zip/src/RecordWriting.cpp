@@ -4,6 +4,7 @@
 #include "Records.hpp"
 
 #include <algorithm>
+#include <array>
 #include <ctime>
 
 namespace opc::physical::zip {
@@ -68,6 +69,37 @@ std::uint32_t toDOS(const std::tm& calendar) {
     return static_cast<std::uint32_t>(date) << 16 | static_cast<std::uint32_t>(time);
 }
 
+int daysOf(int year, int month) {
+    constexpr std::array<int, 12> DAYS{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeapYear = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    return DAYS[static_cast<std::size_t>(month)] + (month == 1 && isLeapYear ? 1 : 0);
+}
+
+/// In UTC. A `time_t` of 32 bits ends in 2038.
+/// @param seconds  since 1970; times before it, and after the last year of DOS, give these
+std::tm toCalendar(std::int64_t seconds) {
+    constexpr std::int64_t DAY = 24 * 60 * 60;
+    constexpr std::int64_t END = 4354819200; // of 2107
+    const std::int64_t within = std::clamp<std::int64_t>(seconds, 0, END);
+    auto days = static_cast<int>(within / DAY);
+    const auto time = static_cast<int>(within % DAY);
+    int year = 1970;
+    int month = 0;
+    while (days >= daysOf(year, month)) {
+        days -= daysOf(year, month);
+        month = (month + 1) % 12;
+        year += month == 0 ? 1 : 0;
+    }
+    std::tm calendar{};
+    calendar.tm_year = year - 1900;
+    calendar.tm_mon = month;
+    calendar.tm_mday = days + 1;
+    calendar.tm_hour = time / 3600;
+    calendar.tm_min = time / 60 % 60;
+    calendar.tm_sec = time % 60;
+    return calendar;
+}
+
 } // namespace
 
 std::uint32_t dosTimeNow() {
@@ -77,9 +109,7 @@ std::uint32_t dosTimeNow() {
 }
 
 std::uint32_t dosTimeOf(std::int64_t seconds) {
-    const auto time = static_cast<std::time_t>(seconds);
-    std::tm universal{};
-    return ::gmtime_r(&time, &universal) ? toDOS(universal) : DOS_TIME_ORIGIN;
+    return toDOS(toCalendar(seconds));
 }
 
 std::string localHeader(const DirectoryEntry& entry, std::uint32_t time) {
