@@ -21,6 +21,9 @@ public:
     void keep();
 
 private:
+    /// Throws what `errno` says.
+    [[noreturn]] void fail() const;
+
     std::string finalPath;
     std::string path;
     int descriptor;

@@ -1,7 +1,5 @@
 #include "NewFile.hpp"
 
-#include <opc/core/Exception.hpp>
-
 #include <cerrno>
 #include <cstdio>
 
@@ -11,24 +9,13 @@
 
 namespace opctool {
 
-namespace {
-
-[[noreturn]] void failWriting(const std::string& path) {
-    const int error = errno;
-    throw opc::Exception(
-        path + (error == EEXIST ? " exists already; use --force to replace it" : " can't be written"),
-        {error, boost::system::generic_category()});
-}
-
-} // namespace
-
 NewFile::NewFile(const std::string& name, Readers readers, bool replace)
     : finalPath(name), path(replace ? name + "." + std::to_string(::getpid()) : name),
       descriptor(
           ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
                  readers == Readers::Owner ? S_IRUSR | S_IWUSR : S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH)) {
     if (descriptor < 0)
-        failWriting(finalPath);
+        fail();
 }
 
 NewFile::~NewFile() {
@@ -41,16 +28,16 @@ void NewFile::write(const std::vector<unsigned char>& bytes) const {
     for (std::size_t done = 0; done < bytes.size();) {
         const ssize_t count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
         if (count < 0)
-            failWriting(finalPath);
+            fail();
         done += static_cast<std::size_t>(count);
     }
     if (::fsync(descriptor) != 0 && errno != EINVAL) // EINVAL: the file can't be synced
-        failWriting(finalPath);
+        fail();
 }
 
 void NewFile::keep() {
     if (path != finalPath && ::rename(path.c_str(), finalPath.c_str()) != 0)
-        failWriting(finalPath);
+        fail();
     kept = true;
 }
 

@@ -1,7 +1,5 @@
 #include "NewFile.hpp"
 
-#include <opc/core/Exception.hpp>
-
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -13,24 +11,13 @@
 
 namespace opctool {
 
-namespace {
-
-[[noreturn]] void failWriting(const std::string& path) {
-    const int error = errno;
-    throw opc::Exception(
-        path + (error == EEXIST ? " exists already; use --force to replace it" : " can't be written"),
-        {error, boost::system::generic_category()});
-}
-
-} // namespace
-
 // Who may read a file follows from its folder.
 NewFile::NewFile(const std::string& name, Readers /*readers*/, bool replace)
     : finalPath(name), path(replace ? name + "." + std::to_string(::GetCurrentProcessId()) : name),
       descriptor(::_wopen(std::filesystem::path(path).c_str(),
                           _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE)) {
     if (descriptor < 0)
-        failWriting(finalPath);
+        fail();
 }
 
 NewFile::~NewFile() {
@@ -46,11 +33,11 @@ void NewFile::write(const std::vector<unsigned char>& bytes) const {
         const int count = ::_write(descriptor, bytes.data() + done,
                                    static_cast<unsigned>(std::min(bytes.size() - done, MOST_AT_ONCE)));
         if (count < 0)
-            failWriting(finalPath);
+            fail();
         done += static_cast<std::size_t>(count);
     }
     if (::_commit(descriptor) != 0)
-        failWriting(finalPath);
+        fail();
 }
 
 void NewFile::keep() {
@@ -60,7 +47,7 @@ void NewFile::keep() {
         ::MoveFileExW(std::filesystem::path(path).c_str(), std::filesystem::path(finalPath).c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
         errno = EACCES;
-        failWriting(finalPath);
+        fail();
     }
     kept = true;
 }
