@@ -121,5 +121,5 @@ function(opcmodel_test name)
   target_compile_definitions(test_${name} PRIVATE
     OPCMODEL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(test_${name} PRIVATE opcmodel_flags ${TEST_LIBRARIES} opcmodel_cases GTest::gtest_main)
-  gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${OPCMODEL_TEST_LIMIT})
 endfunction()
