@@ -4,6 +4,7 @@
 #include "xml/IdleParsers.hpp"
 
 #include <opc/core/InputStream.hpp>
+#include <opc/model/Errors.hpp>
 
 #include <cstdint>
 #include <utility>
@@ -11,8 +12,8 @@
 namespace opc::model {
 
 /// A parser that reads many documents, one after the other. It is taken from the idle parsers for the first document,
-/// and given back in the end. It is dropped if it has failed, because it may be broken, or if it keeps much of what
-/// it has read.
+/// and given back in the end. It is dropped if it keeps much of what it has read, or if something else than a document
+/// has failed, such as memory. Xerces itself puts a parser back after a document that isn't valid.
 ///
 /// The owner holds a `XercesGuard` that outlives it.
 class ReusedParser {
@@ -29,12 +30,18 @@ public:
     void use(InputStream& stream, Operation&& operation) {
         IdleParsers::Owned parser = kept ? std::move(kept) : kind.take();
         CountedStream counted(stream);
-        {
+        const auto keep = [&] {
+            if (!isWorn(*parser, counted.count()))
+                kept = std::move(parser);
+        };
+        try {
             const DocumentPoolReset reset(parser.get());
             std::forward<Operation>(operation)(parser.get(), counted);
+        } catch (const InvalidXMLDocument&) {
+            keep();
+            throw;
         }
-        if (!isWorn(*parser, counted.count()))
-            kept = std::move(parser);
+        keep();
     }
 
 private:

@@ -37,23 +37,29 @@ IdleParsers& countedParsers() {
     return parsers;
 }
 
-/// How many parsers are made to read a document twice, as for two packages.
-int countParsersFor(const std::string& document) {
+/// Reads a document with an idle parser.
+/// @return whether it is well-formed
+bool isReadable(const std::string& document) {
+    const XercesGuard guard;
+    ReusedParser reused(countedParsers());
+    const std::vector<unsigned char> bytes(document.begin(), document.end());
+    opc::ByteArrayInAdaptor stream(bytes);
+    try {
+        reused.use(stream, [](xercesc::DOMLSParser* parser, opc::InputStream& source) {
+            XercesHelper::readDocumentFromStream(parser, source, false, {}, {});
+        });
+        return true;
+    } catch (const InvalidXMLDocument&) {
+        return false;
+    }
+}
+
+/// How many parsers are made to read documents one after the other, as for several packages.
+int countParsersFor(const std::string& first, const std::string& second) {
     countedParsers().take(); // an idle one
     madeParsers = 0;
-    for (int i = 0; i < 2; ++i) {
-        const XercesGuard guard;
-        ReusedParser reused(countedParsers());
-        const std::vector<unsigned char> bytes(document.begin(), document.end());
-        opc::ByteArrayInAdaptor stream(bytes);
-        try {
-            reused.use(stream, [](xercesc::DOMLSParser* parser, opc::InputStream& source) {
-                XercesHelper::readDocumentFromStream(parser, source, false, {}, {});
-            });
-        } catch (const InvalidXMLDocument&) {
-            // The parser isn't kept.
-        }
-    }
+    isReadable(first);
+    isReadable(second);
     return madeParsers;
 }
 
@@ -62,7 +68,7 @@ int countFaultsOfGuards() {
     xercesc::XMLPlatformUtils::Initialize();
     auto first = std::make_unique<XercesGuard>();
     auto second = std::make_unique<XercesGuard>(*first);
-    int faults = countParsersFor("<a/>") == 2 ? 0 : 1; // none may outlive this
+    int faults = countParsersFor("<a/>", "<a/>") == 2 ? 0 : 1; // none may outlive this
     *second = *first;
     xercesc::XMLPlatformUtils::Terminate();
     first.reset();
@@ -82,15 +88,40 @@ TEST(XercesGuardDeathTest, keepsXercesUpUnlessTheApplicationHasInitialisedIt) {
     EXPECT_EXIT(std::exit(countFaultsOfGuards()), testing::ExitedWithCode(0), "");
 }
 
-TEST(ReusedParser, servesTheNextPackageUnlessItKeepsMuchOrHasFailed) {
+TEST(ReusedParser, servesTheNextPackageUnlessItKeepsMuch) {
     const XercesGuard guard;
     std::string namespaces = "<a";
     for (int i = 0; i < 600; ++i)
         namespaces += " xmlns:p" + std::to_string(i) + "='urn:" + std::to_string(i) + "'";
-    EXPECT_EQ(countParsersFor("<a/>"), 1);
-    EXPECT_EQ(countParsersFor("<a b='" + std::string(300000, 'x') + "'/>"), 2);
-    EXPECT_EQ(countParsersFor(namespaces + "/>"), 2);
-    EXPECT_EQ(countParsersFor("<a>"), 2);
+    EXPECT_EQ(countParsersFor("<a/>", "<a/>"), 1);
+    EXPECT_EQ(countParsersFor("<a b='" + std::string(300000, 'x') + "'/>", "<a/>"), 2);
+    EXPECT_EQ(countParsersFor(namespaces + "/>", "<a/>"), 2);
+}
+
+TEST(ReusedParser, keepsNothingOfADocumentThatFails) {
+    const XercesGuard guard;
+    const struct {
+        std::string failing, next;
+        bool isReadable;
+    } cases[] = {
+        {"<a>", "<a/>", true},
+        {"<p:a xmlns:p='urn:p'><b>", "<p:a/>", false},
+        {"<a xmlns='urn:p' xmlns:p='urn:p'></b>", "<p:a/>", false},
+        {"<!DOCTYPE a [<!ENTITY e 'text'>]><a>", "<a>&e;</a>", false},
+        {"<!DOCTYPE a [<!ENTITY e 'text'><a>", "<a>&e;</a>", false},
+        {"<!DOCTYPE a [<!ATTLIST a b CDATA 'c'>]><a><", "<a b='d'/>", true},
+        {"<?xml version='1.1'?><a>&#1;", "<a>&#1;</a>", false},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE4", "<a>\xE4</a>", false},
+        {"<a>\xE4</a>", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE4</a>", false},
+        {"<a><![CDATA[<b>", "<a><b></a>", false},
+    };
+    for (const auto& documents : cases) {
+        SCOPED_TRACE(documents.failing);
+        EXPECT_EQ(countParsersFor(documents.failing, "<a/>"), 1);
+        EXPECT_FALSE(isReadable(documents.failing));
+        EXPECT_EQ(isReadable(documents.next), documents.isReadable);
+        EXPECT_TRUE(isReadable("<a/>"));
+    }
 }
 
 TEST(XercesString, holdsTheTextUpToItsFirstZero) {
