@@ -1,5 +1,6 @@
 #include "PartLookup.hpp"
 #include "Reading.hpp"
+#include "TextPool.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -42,44 +43,52 @@ bool leadsToPart(const Package& package, const Relationship& relationship) {
     }
 }
 
-ScannedRelationships describe(const Package& package, const PartLookup& parts,
-                              const RelationshipSource& source, std::string name) {
-    ScannedRelationships described{std::move(name), {}};
-    const auto relationships = source.getRelationships();
-    described.all.reserve(relationships.size());
+using Relationships = model::Enumerator<std::vector<Relationship>>;
+
+void describe(const Package& package, const PartLookup& parts, std::string_view source,
+              const Relationships& relationships, TextPool& texts,
+              std::vector<ScannedRelationship>& described) {
     for (const Relationship& relationship : relationships) {
-        ScannedRelationship& one = described.all.emplace_back();
-        one.id = toUDEString(relationship.getID());
-        one.type = toUDEString(relationship.getType());
-        one.target = toUDEString(relationship.getTarget());
+        ScannedRelationship& one = described.emplace_back();
+        one.source = source;
+        one.id = texts.add(relationship.getID());
+        one.type = texts.add(relationship.getType());
+        one.target = texts.add(relationship.getTarget());
         one.isExternal = relationship.getTargetMode() == TargetMode::External;
         if (!one.isExternal) {
-            const std::optional<bool> found = parts.find(described.source, one.target);
+            const std::optional<bool> found = parts.find(source, one.target);
             one.exists = found ? *found : leadsToPart(package, relationship);
         }
     }
-    return described;
 }
 
 void listParts(const Package& package, unsigned what, Result& result) {
+    TextPool texts;
     std::vector<ScannedPart> parts;
+    std::vector<std::pair<std::size_t, Relationships>> ofParts; ///< of those that have some
+    std::size_t count = 0;
     const auto all = package.getParts();
     parts.reserve(all.size());
-    for (const Part& part : all)
-        parts.push_back({toUDEString(part.getName().toString()),
-                         toUDEString(part.getContentType().toString()), part.getSize().value_or(0),
-                         part.getRelationships().size()});
+    for (const Part& part : all) {
+        Relationships relationships = part.getRelationships();
+        parts.push_back({texts.add(part.getName().toString()), texts.add(part.getContentType().toString()),
+                         part.getSize().value_or(0), relationships.size()});
+        count += relationships.size();
+        if ((what & RELATIONSHIPS) != 0 && !relationships.empty())
+            ofParts.emplace_back(parts.size() - 1, std::move(relationships));
+    }
     if ((what & RELATIONSHIPS) != 0) {
         const PartLookup lookup(parts);
-        std::vector<ScannedRelationships>& lists = result.relationships.emplace();
-        lists.push_back(describe(package, lookup, package, "/"));
-        auto described = parts.begin();
-        for (const Part& part : all)
-            if (const ScannedPart& row = *described++; row.relationships != 0)
-                lists.push_back(describe(package, lookup, part, row.name));
+        const Relationships ofPackage = package.getRelationships();
+        std::vector<ScannedRelationship>& described = result.relationships.emplace();
+        described.reserve(ofPackage.size() + count);
+        describe(package, lookup, "/", ofPackage, texts, described);
+        for (const auto& [index, relationships] : ofParts)
+            describe(package, lookup, parts[index].name, relationships, texts, described);
     }
     if ((what & PARTS) != 0)
         result.parts = std::move(parts);
+    result.texts = texts.keeper();
 }
 
 void readProperties(const Package& package, Result& result) {
@@ -139,9 +148,10 @@ bool readPlainPackage(const Source& source, const ScanOptions& options, Result& 
 
 } // namespace
 
-std::string resolveTarget(const std::string& source, const std::string& target) {
-    const URI uri(toString(target, true));
-    return toUDEString((uri.hasAbsolutePath() ? uri : resolve(URI(toString(source, true)), uri)).toString());
+std::string resolveTarget(std::string_view source, std::string_view target) {
+    const URI uri(toString(std::string(target), true));
+    return toUDEString(
+        (uri.hasAbsolutePath() ? uri : resolve(URI(toString(std::string(source), true)), uri)).toString());
 }
 
 void readByModel(const Source& source, const ScanOptions& options, Result& result) {

@@ -51,27 +51,26 @@ ordered_json describe(const std::vector<ScannedPart>& parts) {
 }
 
 /// @return null for one that can't be resolved
-ordered_json resolve(const std::string& source, const ScannedRelationship& relationship) {
+ordered_json resolve(const ScannedRelationship& relationship) {
     if (relationship.isExternal)
         return nullptr;
     try {
-        return resolveTarget(source, relationship.target);
+        return resolveTarget(relationship.source, relationship.target);
     } catch (const Exception&) {
         return nullptr;
     }
 }
 
-ordered_json describe(const std::vector<ScannedRelationships>& relationships) {
+ordered_json describe(const std::vector<ScannedRelationship>& relationships) {
     ordered_json list = ordered_json::array();
-    for (const ScannedRelationships& ofSource : relationships)
-        for (const ScannedRelationship& one : ofSource.all)
-            list.push_back({{"source", ofSource.source},
-                            {"id", one.id},
-                            {"type", one.type},
-                            {"target", one.target},
-                            {"mode", one.isExternal ? "External" : "Internal"},
-                            {"resolved", resolve(ofSource.source, one)},
-                            {"exists", one.isExternal ? ordered_json() : ordered_json(one.exists)}});
+    for (const ScannedRelationship& one : relationships)
+        list.push_back({{"source", one.source},
+                        {"id", one.id},
+                        {"type", one.type},
+                        {"target", one.target},
+                        {"mode", one.isExternal ? "External" : "Internal"},
+                        {"resolved", resolve(one)},
+                        {"exists", one.isExternal ? ordered_json() : ordered_json(one.exists)}});
     return list;
 }
 

@@ -27,7 +27,7 @@ constexpr std::size_t MANY = 16;
 /// How much of a result may wait with many others, in bytes.
 constexpr std::size_t LITTLE = std::size_t{256} * 1024;
 
-constexpr std::size_t ROW = 64; ///< what a row takes beside its texts, about
+constexpr std::size_t ROW = 80; ///< what a row takes beside its texts, about
 
 template <typename... Texts>
 std::size_t weighRow(const Texts&... texts) {
@@ -55,9 +55,8 @@ std::size_t weigh(const Result& result) {
         for (const ScannedPart& part : *result.parts)
             weight += weighRow(part.name, part.contentType);
     if (result.relationships)
-        for (const ScannedRelationships& ofSource : *result.relationships)
-            for (const ScannedRelationship& one : ofSource.all)
-                weight += weighRow(one.id, one.type, one.target);
+        for (const ScannedRelationship& one : *result.relationships)
+            weight += weighRow(one.id, one.type, one.target);
     if (result.externals)
         for (const inspection::External& one : result.externals->found)
             weight += weighRow(one.source, one.id, one.type, one.target);

@@ -38,7 +38,7 @@ ZipPackage::Bytes makePackage(std::size_t links,
     package.createInternalRelationship(u"urn:main", URI(u"/word/a.xml"), u"m");
     part.createInternalRelationship(u"urn:gone", URI(u"/word/gone.xml"), u"g");
     for (std::size_t link = 0; link < links; ++link)
-        part.createExternalRelationship(u"urn:a/image", u"http://e/x",
+        part.createExternalRelationship(u"urn:a/image", u"http://e/\u00C4",
                                         u"e" + opc::toString(std::to_string(link), true));
     CoreProperties properties;
     properties.setTitle(u"\u00C4");
@@ -67,15 +67,18 @@ TEST(Scanner, tellsWhatIsAskedFor) {
     EXPECT_EQ(result.parts->back().contentType, "text/xml");
     EXPECT_EQ(result.parts->back().size, 4U);
     EXPECT_EQ(result.parts->back().relationships, 2U);
-    ASSERT_EQ(result.relationships->size(), 2U);
-    EXPECT_EQ(result.relationships->front().source, "/");
-    EXPECT_TRUE(result.relationships->front().all.front().exists);
-    const ScannedRelationships& ofPart = result.relationships->back();
-    EXPECT_EQ(ofPart.source + ofPart.all[0].id + ofPart.all[0].type + ofPart.all[0].target,
-              "/word/a.xmle0urn:a/imagehttp://e/x");
-    EXPECT_TRUE(ofPart.all[0].isExternal);
-    EXPECT_FALSE(ofPart.all[1].isExternal || ofPart.all[1].exists);
-    EXPECT_EQ(resolveTarget(ofPart.source, ofPart.all[1].target), "/word/gone.xml");
+    ASSERT_EQ(result.relationships->size(), 4U);
+    EXPECT_EQ(result.relationships->at(0).source, "/");
+    EXPECT_TRUE(result.relationships->at(0).exists);
+    const ScannedRelationship& external = result.relationships->at(2);
+    EXPECT_EQ(external.source, "/word/a.xml");
+    EXPECT_EQ(external.id, "e0");
+    EXPECT_EQ(external.type, "urn:a/image");
+    EXPECT_EQ(external.target, "http://e/\xC3\x84");
+    EXPECT_TRUE(external.isExternal);
+    const ScannedRelationship& internal = result.relationships->at(3);
+    EXPECT_FALSE(internal.isExternal || internal.exists);
+    EXPECT_EQ(resolveTarget(internal.source, internal.target), "/word/gone.xml");
     EXPECT_TRUE(result.properties->getTitle() == std::u16string(u"\u00C4"));
     EXPECT_EQ(result.externals->found.at(0).effect, opc::inspection::ExternalEffect::LoadsOnOpen);
     EXPECT_EQ(result.signatures->state, ScannedSignatures::State::Unsigned);

@@ -20,6 +20,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -168,7 +169,7 @@ py::object makeRow(const py::type& type, const std::array<PyObject*, COUNT>& val
     return py::reinterpret_steal<py::object>(row);
 }
 
-PyObject* newText(const std::string& text) {
+PyObject* newText(std::string_view text) {
     return PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "replace");
 }
 
@@ -199,18 +200,19 @@ py::object relationshipsOf(const Result& result, const py::type& rowType) {
     requireFields(rowType, 6);
     if (!result.relationships)
         return py::none();
-    std::size_t count = 0;
-    for (const opc::scanning::ScannedRelationships& ofSource : *result.relationships)
-        count += ofSource.all.size();
-    py::tuple rows(count);
+    py::tuple rows(result.relationships->size());
     std::size_t at = 0;
-    for (const opc::scanning::ScannedRelationships& ofSource : *result.relationships) {
-        const py::str source = toPython(ofSource.source);
-        for (const opc::scanning::ScannedRelationship& one : ofSource.all)
-            rows[at++] = makeRow<6>(
-                rowType, {source.inc_ref().ptr(), newText(one.id), newText(one.type), newText(one.target),
-                          PyBool_FromLong(one.isExternal ? 1 : 0),
-                          one.isExternal ? py::none().release().ptr() : PyBool_FromLong(one.exists ? 1 : 0)});
+    std::string_view sourceText;
+    py::object source;
+    for (const opc::scanning::ScannedRelationship& one : *result.relationships) {
+        if (at == 0 || one.source != sourceText) {
+            source = toPython(one.source);
+            sourceText = one.source;
+        }
+        rows[at++] = makeRow<6>(
+            rowType, {source.inc_ref().ptr(), newText(one.id), newText(one.type), newText(one.target),
+                      PyBool_FromLong(one.isExternal ? 1 : 0),
+                      one.isExternal ? py::none().release().ptr() : PyBool_FromLong(one.exists ? 1 : 0)});
     }
     return rows;
 }

@@ -12,38 +12,35 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::scanning {
 
-/// A part of a package. Texts are UTF-8.
+/// A part of a package. Texts are UTF-8, and lie in the result.
 struct ScannedPart {
-    std::string name;
-    std::string contentType;
+    std::string_view name;
+    std::string_view contentType;
     std::uint64_t size = 0;        ///< in bytes, uncompressed
     std::size_t relationships = 0; ///< how many it has
 };
 
-/// A relationship. Texts are UTF-8, as they stand in the package.
+/// A relationship. Texts are UTF-8, as they stand in the package, and lie in the result.
 struct ScannedRelationship {
-    std::string id, type, target;
+    std::string_view source; ///< a part name, or "/" for the package
+    std::string_view id, type, target;
     bool isExternal = false;
     bool exists = false; ///< whether it leads to a part that is there; false for an external target
-};
-
-/// The relationships of one source: a package can have very many with a long name in common.
-struct ScannedRelationships {
-    std::string source; ///< a part name, or "/" for the package
-    std::vector<ScannedRelationship> all;
 };
 
 /// The part name that an internal target leads to, with fragment and query if it has them.
 /// @param source  a part name, or "/"
 /// @param target  as it stands in the relationship
 /// @throws opc::Exception  it leads nowhere
-OPC_SCANNING_EXPORT std::string resolveTarget(const std::string& source, const std::string& target);
+OPC_SCANNING_EXPORT std::string resolveTarget(std::string_view source, std::string_view target);
 
 /// What is found out about the signatures of a package, in both profiles.
 struct ScannedSignatures {
@@ -82,8 +79,9 @@ struct Result {
 
     std::optional<inspection::Format> format;
     std::optional<std::vector<ScannedPart>> parts; ///< without relationships parts, sorted by name
-    std::optional<std::vector<ScannedRelationships>>
-        relationships; ///< of the package, then of each part that has some
+    std::optional<std::vector<ScannedRelationship>>
+        relationships;                 ///< of the package, then of each part that has some
+    std::shared_ptr<const void> texts; ///< what the texts of parts and relationships lie in
     std::optional<model::CoreProperties> properties;
     std::string
         propertiesFailure; ///< why properties can't be read although the package can; that is no failure
