@@ -1,5 +1,6 @@
 #pragma once
 
+#include "random/RandomNumber.hpp"
 #include "shared/Modulo61.hpp"
 #include "shared/NodePool.hpp"
 
@@ -9,7 +10,6 @@
 #include <iterator>
 #include <list>
 #include <memory_resource>
-#include <random>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -122,9 +122,7 @@ private:
     }
 
     static std::uint64_t chooseBase() {
-        std::random_device random;
-        const std::uint64_t number = std::uint64_t{random()} << 32 | random();
-        return number % (modulo61::PRIME - 0x10000) + 0x10000;
+        return randomNumber() % (modulo61::PRIME - 0x10000) + 0x10000;
     }
 
     Number& chainOf(Hash key) {

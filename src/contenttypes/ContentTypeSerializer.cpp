@@ -3,6 +3,7 @@
 #include "contenttypes/ContentTypeMap.hpp"
 #include "contenttypes/ContentTypesComposer.hpp"
 #include "contenttypes/ContentTypesScanner.hpp"
+#include "memory/Arena.hpp"
 #include "xml/ComposeOrSerialize.hpp"
 #include "xml/ElementReader.hpp"
 #include "xml/LongTags.hpp"
@@ -68,7 +69,7 @@ public:
 
 private:
     std::array<std::byte, 2048> first; // enough for most streams
-    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
+    Arena memory{first.data(), first.size()};
     std::pmr::map<Text, ContentType> parsed{&memory};
 };
 

@@ -1,3 +1,4 @@
+#include "memory/Arena.hpp"
 #include "package/PackageImpl.hpp"
 #include "package/PartImpl.hpp"
 
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,7 +41,7 @@ private:
     char* allocate(std::size_t size) { return static_cast<char*>(memory.allocate(size, 1)); }
 
     std::array<std::byte, 2048> first; // enough for most packages
-    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
+    Arena memory{first.data(), first.size()};
 };
 
 struct RegularPart {

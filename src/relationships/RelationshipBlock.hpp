@@ -1,5 +1,7 @@
 #pragma once
 
+#include "memory/Arena.hpp"
+
 #include <opc/model/Relationship.hpp>
 #include <opc/model/URI.hpp>
 
@@ -38,7 +40,7 @@ private:
         return {kept, text.size()};
     }
 
-    std::pmr::monotonic_buffer_resource memory;
+    Arena memory;
     std::pmr::map<std::string_view, std::u16string_view> types{&memory};
 };
 
@@ -112,7 +114,7 @@ private:
 
     const std::shared_ptr<const RelationshipTypes> types;
     std::size_t left;
-    std::pmr::monotonic_buffer_resource memory;
+    Arena memory;
     std::pmr::forward_list<RelationshipGroup> groups{&memory};
 };
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "ByteSource.hpp"
+#include "memory/Arena.hpp"
 
 #include <opc/physical/ZipExport.hpp>
 
 #include <cstdint>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +48,7 @@ struct UnreadData {
 };
 
 struct ArchiveDirectory {
-    std::pmr::monotonic_buffer_resource names; ///< holds the names of `entries`
+    Arena names; ///< holds the names of `entries`
     std::vector<DirectoryEntry> entries;
     std::uint64_t start = 0;      ///< the offset of the first entry
     std::uint64_t end = 0;        ///< the offset after the last entry

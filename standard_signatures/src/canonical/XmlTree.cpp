@@ -1,5 +1,6 @@
 #include "canonical/XmlTree.hpp"
 
+#include "memory/Arena.hpp"
 #include "xml/Encoding.hpp"
 #include "xml/Narrow.hpp"
 
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <memory_resource>
 #include <unordered_map>
 #include <vector>
 
@@ -102,7 +102,7 @@ private:
         return {place, text.size()};
     }
 
-    std::pmr::monotonic_buffer_resource resource;
+    Arena resource;
     std::deque<XmlTreeNode> nodes;
     std::unordered_map<std::u16string_view, std::string_view> names;
     Entry lastNamespace;
