@@ -45,7 +45,7 @@ bool leadsToPart(const Package& package, const Relationship& relationship) {
 
 using Relationships = model::Enumerator<std::vector<Relationship>>;
 
-void describe(const Package& package, const PartLookup& parts, std::string_view source,
+void describe(const Package& package, PartLookup& parts, std::string_view source,
               const Relationships& relationships, TextPool& texts,
               std::vector<ScannedRelationship>& described) {
     for (const Relationship& relationship : relationships) {
@@ -78,7 +78,7 @@ void listParts(const Package& package, unsigned what, Result& result) {
             ofParts.emplace_back(parts.size() - 1, std::move(relationships));
     }
     if ((what & RELATIONSHIPS) != 0) {
-        const PartLookup lookup(parts);
+        PartLookup lookup(parts);
         const Relationships ofPackage = package.getRelationships();
         std::vector<ScannedRelationship>& described = result.relationships.emplace();
         described.reserve(ofPackage.size() + count);

@@ -1,7 +1,8 @@
 #include "PartLookup.hpp"
 
 #include <algorithm>
-#include <string>
+#include <array>
+#include <cstring>
 
 namespace opc::scanning {
 
@@ -14,6 +15,8 @@ char toLower(char c) {
 bool isBefore(std::string_view left, std::string_view right) {
     const std::size_t length = std::min(left.size(), right.size());
     std::size_t same = 0;
+    while (same + 8 <= length && std::memcmp(left.data() + same, right.data() + same, 8) == 0)
+        same += 8; // names of one folder begin alike
     while (same < length && (left[same] == right[same] || toLower(left[same]) == toLower(right[same])))
         ++same;
     return same == length ? left.size() < right.size()
@@ -21,20 +24,25 @@ bool isBefore(std::string_view left, std::string_view right) {
                                 static_cast<unsigned char>(toLower(right[same]));
 }
 
+constexpr std::array<bool, 256> makePlainCharacters() {
+    std::array<bool, 256> plain{};
+    for (const char c :
+         std::string_view("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-"))
+        plain[static_cast<unsigned char>(c)] = true;
+    return plain;
+}
+
 bool isPlain(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) {
-        const char lower = toLower(c);
-        return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') || c == '/' || c == '.' || c == '_' ||
-               c == '-';
-    });
+    static constexpr std::array<bool, 256> PLAIN = makePlainCharacters();
+    return std::all_of(text.begin(), text.end(), [](char c) { return PLAIN[static_cast<unsigned char>(c)]; });
 }
 
 } // namespace
 
-std::optional<bool> PartLookup::find(std::string_view source, std::string_view target) const {
+std::optional<bool> PartLookup::find(std::string_view source, std::string_view target) {
     if (!isPlain(source) || !isPlain(target) || target.empty())
         return std::nullopt;
-    std::string name;
+    name.clear();
     if (target.front() == '/')
         target.remove_prefix(1);
     else
@@ -51,10 +59,6 @@ std::optional<bool> PartLookup::find(std::string_view source, std::string_view t
         else
             name.append("/").append(segment);
     }
-    return has(name);
-}
-
-bool PartLookup::has(std::string_view name) const {
     const auto found = std::lower_bound(
         parts.begin(), parts.end(), name,
         [](const ScannedPart& part, std::string_view text) { return isBefore(part.name, text); });

@@ -3,6 +3,7 @@
 #include <opc/scanning/Result.hpp>
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,12 +19,11 @@ public:
     /// @param source  a part name, or "/"
     /// @param target  of an internal relationship, as it stands
     /// @return nothing if the target or the source has more than plain segments and `..`
-    std::optional<bool> find(std::string_view source, std::string_view target) const;
+    std::optional<bool> find(std::string_view source, std::string_view target);
 
 private:
-    bool has(std::string_view name) const;
-
     const std::vector<ScannedPart>& parts;
+    std::string name; ///< that a target leads to; it keeps its room for the next one
 };
 
 } // namespace opc::scanning

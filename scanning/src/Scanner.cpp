@@ -97,6 +97,8 @@ public:
         rested.wait(lock, [this] { return readingCount == 0; });
     }
 
+    bool isReady() const noexcept { return given < taken.size(); }
+
     std::optional<Result> next() {
         if (given == taken.size()) {
             takeSources();
@@ -217,6 +219,10 @@ Scanner::~Scanner() = default;
 
 std::optional<Result> Scanner::next() {
     return impl->next();
+}
+
+bool Scanner::isReady() const noexcept {
+    return impl->isReady();
 }
 
 void Scanner::stop() {

@@ -110,6 +110,8 @@ private:
     bool isHere() const { return process == ::getpid(); }
 
     std::optional<Result> takeResult() {
+        if (scanner->isReady())
+            return scanner->next();
         struct Running {
             bool& flag;
             explicit Running(bool& flag) : flag(flag) { flag = true; }
@@ -177,15 +179,13 @@ PyObject* newNumber(std::uint64_t number) {
     return PyLong_FromUnsignedLongLong(number);
 }
 
-/// @param rowType  a named tuple of so many fields
-void requireFields(const py::type& rowType, std::size_t count) {
-    if (PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(rowType.ptr()), &PyTuple_Type) == 0 ||
-        py::len(rowType.attr("_fields")) != count)
-        throw py::type_error("the rows need a named tuple of as many fields");
+void requireTuple(const py::type& rowType) {
+    if (PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(rowType.ptr()), &PyTuple_Type) == 0)
+        throw py::type_error("the rows need a class of tuples");
 }
 
 py::object partsOf(const Result& result, const py::type& rowType) {
-    requireFields(rowType, 4);
+    requireTuple(rowType);
     if (!result.parts)
         return py::none();
     py::tuple rows(result.parts->size());
@@ -197,7 +197,7 @@ py::object partsOf(const Result& result, const py::type& rowType) {
 }
 
 py::object relationshipsOf(const Result& result, const py::type& rowType) {
-    requireFields(rowType, 6);
+    requireTuple(rowType);
     if (!result.relationships)
         return py::none();
     py::tuple rows(result.relationships->size());

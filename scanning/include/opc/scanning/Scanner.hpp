@@ -88,6 +88,9 @@ public:
     /// @return the result of the next file; nothing when there are no more files
     std::optional<Result> next();
 
+    /// Whether `next` has a result at hand, and neither waits nor takes files.
+    bool isReady() const noexcept;
+
     /// Reads no further file, and waits for those that are being read. Then the scanner's threads use nothing that the end of
     /// a process destroys. It can be called from any thread, also while another one is in `next`, which may never return.
     void stop();
