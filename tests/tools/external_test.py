@@ -37,6 +37,10 @@ class External(OpctoolCase):
                 ('', 0), ('--fail-on loads', 1), ('--fail-on any', 1), ('--fail-on never', 0),
                 ('--fail-on loads --effect click', 0), ('--fail-on any --effect click', 1),
                 (r"--fail-on loads --allow 'HTTP://host/*'", 1),
+                (r"--fail-on any --allow '*/?.PN[!h-z]' --allow '[]\\]*t.do[t-v]m*' --allow '*@*@*' --allow '*@hos*t*'", 0),
+                (r"--fail-on any --allow '*/?.pn[!e-g]' --allow '\\host\*' --allow 'mailto:*'", 1),
+                (r"--fail-on any --allow '*i?.png' --allow '\\host\*' --allow 'mailto:*'", 1),
+                (r"--fail-on any --allow '*.png' --allow '[\\]*' --allow 'mailto:a@hos'", 1),
                 (r"--fail-on loads --allow 'http://host/*' --allow '\\host\*'", 0)):
             with self.subTest(options):
                 self.assertEqual(self.run_tool('external p.zip ' + options).status, status)

@@ -2,13 +2,12 @@
 #include "Commands.hpp"
 #include "Files.hpp"
 #include "RepeatableOption.hpp"
+#include "Wildcards.hpp"
 
 #include <opc/inspection/External.hpp>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
-
-#include <fnmatch.h>
 
 #include <algorithm>
 #include <string>
@@ -38,9 +37,8 @@ bool isWanted(const External& external, const ExternalArguments& arguments) {
     if (!arguments.places.empty() && !has(arguments.places, toString(external.place)))
         return false;
     return std::none_of(
-        arguments.allowed.begin(), arguments.allowed.end(), [&external](const std::string& pattern) {
-            return ::fnmatch(pattern.c_str(), external.target.c_str(), FNM_NOESCAPE | FNM_CASEFOLD) == 0;
-        });
+        arguments.allowed.begin(), arguments.allowed.end(),
+        [&external](const std::string& pattern) { return matchesWildcards(pattern, external.target); });
 }
 
 bool countsAsNo(const External& external, const std::string& failOn) {

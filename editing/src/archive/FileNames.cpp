@@ -29,20 +29,6 @@ std::string toLowerCase(string_view text) {
     return lower;
 }
 
-/// `con.xml` is the console on some systems.
-bool isDevice(string_view segment) {
-    std::string stem = toLowerCase(segment.substr(0, segment.find('.')));
-    stem.resize(stem.find_last_not_of(' ') + 1);
-    static constexpr string_view DEVICES[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
-    if (std::find(std::begin(DEVICES), std::end(DEVICES), stem) != std::end(DEVICES))
-        return true;
-    const string_view port = string_view(stem).substr(0, 3);
-    const string_view number = string_view(stem).substr(port.size());
-    const bool isNumber = (number.size() == 1 && number[0] >= '0' && number[0] <= '9') ||
-                          number == "\u00B9" || number == "\u00B2" || number == "\u00B3";
-    return (port == "com" || port == "lpt") && isNumber;
-}
-
 /// Git and this tool take files with such names for their own, and Git by other spellings, too.
 bool isTaken(string_view segment, bool isFirst) {
     const std::string lower = toLowerCase(segment);
@@ -70,7 +56,7 @@ std::string makeSafe(string_view segment, bool isFirst) {
         return "_";
     if (safe.back() == '.' || safe.back() == ' ')
         safe.back() = '_';
-    return isDevice(safe) || isTaken(safe, isFirst) ? '_' + safe : safe;
+    return isDeviceName(safe) || isTaken(safe, isFirst) ? '_' + safe : safe;
 }
 
 /// "a~2.xml"
@@ -80,6 +66,19 @@ std::string numbered(const std::string& segment, std::size_t number) {
 }
 
 } // namespace
+
+bool isDeviceName(string_view name) {
+    std::string stem = toLowerCase(name.substr(0, name.find('.')));
+    stem.resize(stem.find_last_not_of(' ') + 1);
+    static constexpr string_view DEVICES[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+    if (std::find(std::begin(DEVICES), std::end(DEVICES), stem) != std::end(DEVICES))
+        return true;
+    const string_view port = string_view(stem).substr(0, 3);
+    const string_view number = string_view(stem).substr(port.size());
+    const bool isNumber = (number.size() == 1 && number[0] >= '0' && number[0] <= '9') ||
+                          number == "\u00B9" || number == "\u00B2" || number == "\u00B3";
+    return (port == "com" || port == "lpt") && isNumber;
+}
 
 FileNames::Name FileNames::add(string_view item) {
     Name result;

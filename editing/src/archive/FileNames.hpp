@@ -10,6 +10,9 @@
 
 namespace opc::editing::archive {
 
+/// Whether some system means a device by the name, whatever its extension: `con.xml` is a console.
+bool isDeviceName(std::string_view name);
+
 /// Names the files for the items of an archive, so that every usual file system and Git can hold them beside each other.
 ///
 /// A file has the name of its item, unless that leads out of the folder, has characters or words that some system gives a

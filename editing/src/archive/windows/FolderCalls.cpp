@@ -1,12 +1,12 @@
 #include "archive/FolderCalls.hpp"
 
+#include "archive/FileNames.hpp"
 #include "zip/src/SystemFiles.hpp"
 #include "zip/src/windows/Handles.hpp"
 
 #include <winternl.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cwchar>
 #include <string_view>
@@ -25,16 +25,6 @@ namespace {
 constexpr ULONG SHARED = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr ACCESS_MASK TO_LIST = FILE_LIST_DIRECTORY | FILE_TRAVERSE | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
 
-/// Whether the system means a device by the name, whatever its extension.
-bool isDevice(std::string_view name) {
-    std::string stem(name.substr(0, name.find('.')));
-    std::transform(stem.begin(), stem.end(), stem.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    const bool isNumbered = stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
-                            (stem.compare(0, 3, "COM") == 0 || stem.compare(0, 3, "LPT") == 0);
-    return isNumbered || stem == "CON" || stem == "PRN" || stem == "AUX" || stem == "NUL";
-}
-
 /// Whether every program finds the file by the name. A colon would lead to a stream of another file, a backslash into
 /// another folder.
 bool isUsable(std::string_view name) {
@@ -42,7 +32,7 @@ bool isUsable(std::string_view name) {
         return c < ' ' ||
                std::string_view("<>:\"/\\|?*").find(static_cast<char>(c)) != std::string_view::npos;
     };
-    return !name.empty() && name.back() != '.' && name.back() != ' ' && !isDevice(name) &&
+    return !name.empty() && name.back() != '.' && name.back() != ' ' && !isDeviceName(name) &&
            std::none_of(name.begin(), name.end(), isForbidden);
 }
 
