@@ -41,7 +41,7 @@ const char* nameOf(const CoverageAnswer& coverage) {
 }
 
 const char* nameOf(ScannedSignatures::State state) {
-    constexpr std::array NAMES{"unsigned", "holds", "broken", "unreadable"};
+    constexpr std::array NAMES{"unsigned", "holds", "broken", "unreadable", "unproven"};
     return NAMES.at(static_cast<std::size_t>(state));
 }
 
@@ -63,11 +63,10 @@ const char* nameOf(model::DigestMethod method) {
 }
 
 /// What a reason of the cryptography makes of its answer.
-const char* effectOf(const Reason& reason, CryptographyAnswer::Status status) {
-    const bool isBroken = status == CryptographyAnswer::Status::Broken;
-    return reason.code == Reason::Code::WeakAlgorithm              ? "weak: "
-           : reason.code == Reason::Code::MissingNull && !isBroken ? "accepted: "
-                                                                   : "broken: ";
+const char* effectOf(const Reason& reason) {
+    return reason.code == Reason::Code::WeakAlgorithm     ? "weak: "
+           : reason.code == Reason::Code::NullNotRequired ? "accepted: "
+                                                          : "broken: ";
 }
 
 std::string textOf(std::chrono::system_clock::time_point time) {
@@ -149,7 +148,7 @@ ordered_json describe(const VerifiedSignature& signature) {
                      {"status", std::string(nameOf(signature.cryptography.status)) + ", " +
                                     nameOf(signature.coverage) + ", " + nameOf(signature.trust.status)},
                      {"code", nullptr},
-                     {"holds", signature.cryptography.status != CryptographyAnswer::Status::Broken},
+                     {"holds", signature.isYes},
                      {"reason", reasons.empty() ? std::string() : reasons.front()},
                      {"weak", weaknessesOf(signature.cryptography)},
                      {"restsOnClaimedTime", false},
@@ -188,7 +187,7 @@ ordered_json describe(const JudgedSignature& judged) {
 std::vector<std::string> reasonsOf(const VerifiedSignature& signature) {
     std::vector<std::string> all;
     for (const Reason& reason : signature.cryptography.reasons)
-        all.push_back(effectOf(reason, signature.cryptography.status) + reason.text);
+        all.push_back(effectOf(reason) + reason.text);
     for (const CheckedReference& one : signature.cryptography.references)
         if (one.wrong)
             all.push_back("broken: " + one.uri.substr(0, one.uri.find('?')) + ": " + one.wrong->text);
@@ -216,7 +215,10 @@ ordered_json describe(const ScannedSignatures& signatures) {
     }
     for (const Reason& problem : signatures.standard.problems)
         reasons.push_back({{"signature", nullptr}, {"text", problem.place + ": " + problem.text}});
-    return {{"state", nameOf(signatures.state)}, {"signatures", rows}, {"reasons", reasons}};
+    return {{"state", nameOf(signatures.state)},
+            {"yes", signatures.isYes()},
+            {"signatures", rows},
+            {"reasons", reasons}};
 }
 
 } // namespace opc::scanning

@@ -22,14 +22,19 @@ State stateOf(const ScannedSignatures& all) {
         return State::Unreadable;
     if (all.own.empty() && all.standard.signatures.empty())
         return State::Unsigned;
-    const bool allHold =
-        std::all_of(all.own.begin(), all.own.end(),
-                    [](const JudgedSignature& judged) { return judged.holds; }) &&
-        std::none_of(all.standard.signatures.begin(), all.standard.signatures.end(),
-                     [](const VerifiedSignature& one) {
-                         return one.cryptography.status == CryptographyAnswer::Status::Broken;
-                     });
-    return allHold ? State::Holds : State::Broken;
+    const bool isOneBroken =
+        std::any_of(all.own.begin(), all.own.end(),
+                    [](const JudgedSignature& judged) { return !judged.holds; }) ||
+        std::any_of(all.standard.signatures.begin(), all.standard.signatures.end(),
+                    [](const VerifiedSignature& one) {
+                        return one.cryptography.status == CryptographyAnswer::Status::Broken;
+                    });
+    if (isOneBroken)
+        return State::Broken;
+    const bool isStandardYes = all.standard.problems.empty() &&
+                               std::all_of(all.standard.signatures.begin(), all.standard.signatures.end(),
+                                           [](const VerifiedSignature& one) { return one.isYes; });
+    return isStandardYes && all.reasons.empty() ? State::Holds : State::Unproven;
 }
 
 /// Signatures in one profile alone needn't be there in the other one.

@@ -75,7 +75,13 @@ bool Package::isCreateOnly() const {
 
 std::vector<interfaces::IgnoredItem> Package::getIgnoredItems() const {
     throwIfNotOpen();
-    return state().physicalPackage.getIgnoredItems();
+    interfaces::IPhysicalPackage& store = state().physicalPackage;
+    std::vector<interfaces::IgnoredItem> items = store.getIgnoredItems();
+    for (interfaces::MisnamedItem& item : store.getMisnamedItems())
+        if (!item.isPiece) // which this library joins
+            items.push_back(
+                {std::move(item.name), item.reason + ": other programs may take it for something else"});
+    return items;
 }
 
 // The result serves to create relationships parts.

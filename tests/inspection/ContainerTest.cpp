@@ -165,12 +165,16 @@ TEST(Container, breaksOneRule) {
         {"M3.14 SEC-48", withDocument([](RawItem& item) { item.offset = 7; })},
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0120777U << 16; })},
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0104755U << 16; })},
+        {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0x10, item.versionMadeBy = 20; })},
         {"no SEC-47", withDocument([](RawItem& item) { item.attributes = 0100755U << 16; })},
         {"no SEC-47",
          withDocument([](RawItem& item) { item.attributes = 0120777U << 16, item.versionMadeBy = 20; })},
         {"SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, "word/other.xml"); })},
         {"no SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, item.name); })},
-        {"no SEC-52", withDocument([](RawItem& item) { item.extra = pathField("old.xml", "old.xml"); })},
+        {"SEC-52", withDocument([](RawItem& item) { item.extra = pathField("old.xml", "old.xml"); })},
+        {"SEC-52", withDocument([](RawItem& item) {
+             item.localExtra = pathField(item.name, item.name).replace(2, 1, "\x7F");
+         })},
         {"SEC-53", withDocument([](RawItem& item) {
              item.localExtra = field(0xA220, std::string("\x28\xA0\0\0", 4) + "hidden");
          })},

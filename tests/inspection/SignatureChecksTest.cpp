@@ -191,7 +191,8 @@ TEST(SignatureChecks, findWhatBreaksEachRuleAndNothingElse) {
          "<Transform Algorithm=\"http://schemas.openxmlformats.org/package/2006/RelationshipTransform\"/>",
          "SourceId=\"rId1\"/><p:RelationshipReference SourceId=\"rT\"/></Transform>"},
         {"S6.5", "\"#other\"/></SignedInfo>", "\"#properties\"/></SignedInfo><b Id=\"properties\"/>",
-         "\"#other\"/></SignedInfo><b Id=\"properties\"/>"},
+         "\"#properties\" Type=\"http://uri.etsi.org/01903#SignedProperties\"/></SignedInfo><b "
+         "Id=\"properties\"/>"},
         {"SEC-72", "</Signature>", "", "</Signature>\n"},
         {"SEC-72", "xmldsig#\" xmlns:p", "other#\" xmlns:p", nullptr},
         {"SEC-74", "xmldsig-more#rsa-sha256", "xmldsig#rsa-sha1", "xmldsig-more#ecdsa-sha384"},

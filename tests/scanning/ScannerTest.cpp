@@ -122,7 +122,7 @@ TEST(Scanner, verifiesBothProfiles) {
     EXPECT_EQ(own.own.size(), 1U);
     EXPECT_TRUE(own.ownCoverEverything);
     const ScannedSignatures standard = read(makePackage(0, signStandard));
-    EXPECT_EQ(standard.state, State::Holds);
+    EXPECT_EQ(standard.state, State::Unproven); // who signed isn't known
     ASSERT_EQ(standard.standard.signatures.size(), 1U);
     EXPECT_TRUE(standard.standard.signatures[0].coverage.isComplete());
 
@@ -315,13 +315,13 @@ TEST(Scanner, endsEarly) {
     }
 }
 
-/// A value without NULL is broken, unless the policy accepts it.
 TEST(Scanner, tellsWhatAReasonMakesOfASignature) {
     using namespace opc::standard_signatures;
     using Status = CryptographyAnswer::Status;
     const std::tuple<Status, Reason::Code, std::string> cases[] = {
         {Status::Weak, Reason::Code::WeakAlgorithm, "weak: why"},
-        {Status::Valid, Reason::Code::MissingNull, "accepted: why"},
+        {Status::Valid, Reason::Code::NullNotRequired, "accepted: why"},
+        {Status::Broken, Reason::Code::NullNotRequired, "accepted: why"},
         {Status::Broken, Reason::Code::MissingNull, "broken: why"},
         {Status::Broken, Reason::Code::WrongSignatureValue, "broken: why"}};
     for (const auto& [status, code, told] : cases) {

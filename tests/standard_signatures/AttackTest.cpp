@@ -350,6 +350,8 @@ TEST(StandardAttacks, PlayWithArchives) {
                              [&](const RawItem& one) { return one.name == name; });
     };
     const std::string document = "word/document.xml";
+    const std::string core = "docProps/core.xml"; // isn't signed, by custom
+    const std::string otherPath("\x75\x70\x0A\0\1CRC_evil.", 14);
     const RawItem evil = stored(document, "<document>evil</document>");
     const auto naming = [](RawItem item, const std::string& name) {
         item.name = name;
@@ -419,6 +421,10 @@ TEST(StandardAttacks, PlayWithArchives) {
         {"a whole archive behind", [&](RawArchive& it) { it.behind = toText(makeZip({evil})); }},
         {"a folder with content",
          [&](RawArchive& it) { it.items.push_back(naming(evil, "word/styles.xml/")); }},
+        {"a second name", [&](RawArchive& it) { in(it.items, core).localExtra = otherPath; }},
+        {"a link", [&](RawArchive& it) { in(it.items, document).attributes = 0120777U << 16U; }},
+        {"another format in front", [&](RawArchive& it) { it.items[0].inFront = "{\\rtf1 evil}"; }},
+        {"properties that end elsewhere", [&](RawArchive& it) { in(it.items, core).crc ^= 1U; }},
     };
     SignedSample sample;
     sample.sign();

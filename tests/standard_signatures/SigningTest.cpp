@@ -358,8 +358,8 @@ TEST(StandardSigning, RefusesItemsThatOtherProgramsMayNotFind) {
     package.open(interfaces::OpenMode::ReadWrite);
     EXPECT_EQ(
         outcomeOf([&] { standard_signatures::sign(package, store, signerOf(SignedSample::usualSigner())); }),
-        "opc::standard_signatures::SigningRefused: Other programs may not find a\\b.xml: its name has a "
-        "backslash");
+        "opc::standard_signatures::SigningRefused: Other programs may take a\\b.xml for something "
+        "else: its name has a backslash");
 }
 
 /// Whoever signs first, in whichever profile.

@@ -121,6 +121,8 @@ TEST(StandardVerification, AcceptsAMissingNullOnRequestOnly) {
     VerificationPolicy policy = SignedSample::trusting();
     policy.acceptMissingNull = true;
     EXPECT_TRUE(sample.verify(policy).isYes());
+    EXPECT_EQ(sample.verify(policy).signatures[0].cryptography.reasons[0].code,
+              Reason::Code::NullNotRequired);
 }
 
 /// What changes a signature, and the reason that the answer must have.

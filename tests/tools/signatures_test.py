@@ -173,13 +173,13 @@ class Signatures(OpctoolCase):
     def test_coverage_tells_what_no_signature_covers(self):
         document, styles = '/word/document.xml', '/word/styles.xml'
         self.write('x', '')
-        self.do('add p.docx /a:b.xml x --type a/b', 'relate p.docx /a:b.xml urn:t x.xml')
+        self.do('add p.docx /ab:c.xml x --type a/b', 'relate p.docx /ab:c.xml urn:t x.xml')
         report = self.list('coverage p.docx')
         self.assertEqual(report['signatures'], [])
         self.assertEqual(len(report['uncovered']['parts']), len(report['parts']))
 
         signature = self.run_tool(f'sign p.docx --profile opcmodel --key k.key --part {document} --relationship {document}:rId2 '
-                                  f'--relationship-type {document}:{RELATIONSHIPS}styles --relationship-type /a:b.xml:urn:t')
+                                  f'--relationship-type {document}:{RELATIONSHIPS}styles --relationship-type /ab:c.xml:urn:t')
         self.assertEqual(signature.errors, '')
         self.do(f'sign p.docx --profile opcmodel --key k.key --part {document} --part {styles}')
         report = self.list('coverage p.docx')
@@ -189,7 +189,7 @@ class Signatures(OpctoolCase):
         covered.update((relationship['source'] + ':' + relationship['id'], relationship['signatures'])
                        for relationship in report['relationships'] if relationship['signatures'])
         self.assertEqual(covered, {document: ['sig1', 'sig2'], styles: ['sig2'], document + ':rId1': ['sig1'],
-                                   document + ':rId2': ['sig1'], '/a:b.xml:rId1': ['sig1']})
+                                   document + ':rId2': ['sig1'], '/ab:c.xml:rId1': ['sig1']})
 
         self.do('unsign p.docx --all', 'sign p.docx --profile opcmodel --key k.key')
         report = self.list('coverage p.docx')

@@ -64,6 +64,10 @@ class StandardSignatures(OpctoolCase):
         self.assertEqual(self.answers(self.verify('', 1)), ['valid', 'complete', 'not checked'])
         self.assertEqual(self.answers(self.verify('--trust system', 1)), ['valid', 'complete', 'not trusted'])
         self.assertFalse(self.verify('--require complete', 0)['yes'])
+        for options, state in ('--require complete', 'unproven'), ('--trust std.pem', 'holds'):
+            result = self.envelopes('verify p.docx ' + options)[1][0]['result']
+            is_yes = state == 'holds'
+            self.assertEqual((result['state'], result['yes'], result['signatures'][0]['holds']), (state, is_yes, is_yes))
         self.verify('--require complete,trusted', 1)
         self.verify('--require complete,trusted --trust std.pem', 0)
         self.verify(f"--fingerprint {self.verify('', 1)['fingerprint'].upper()}", 0)
@@ -182,7 +186,7 @@ class StandardSigning(OpctoolCase):
             self.copy_fixture(name, 'p.docx')
             signed = self.sign(signer)
             self.assertEqual(signed, {'name': 'sig1', 'profile': 'standard', 'part': '/_xmlsignatures/sig1.xml', 'coverage': 'complete',
-                                      'unreachable': []}, signer)
+                                      'unreachable': [], 'dangling': []}, signer)
             status, row = self.verify(trust)
             self.assertEqual((row['digest'], self.answers(row)), (method, expected), signer)
             self.assertEqual((status, row['yes']), (0, True) if expected == 'valid complete trusted' else (1, False), signer)
@@ -238,10 +242,57 @@ class StandardSigning(OpctoolCase):
         for name in range(7):
             self.write('x', 'x')
             self.do(f'add p.docx /hidden{name}.xml x --type application/xml')
+        self.do('relate p.docx / urn:missing /later.xml --id gone')
         outcome = self.run_tool('sign p.docx --key rsa.key --jsonl')
-        self.assertEqual(json.loads(outcome.output)['result']['unreachable'], [f'/hidden{name}.xml' for name in range(7)])
+        result = json.loads(outcome.output)['result']
+        self.assertEqual((result['unreachable'], result['dangling']), ([f'/hidden{name}.xml' for name in range(7)], ['/#gone']))
+        self.assertIn("warning: /#gone leads to a part that isn't there. ", outcome.errors)
         self.assertIn('warning: no relationship leads to /hidden0.xml; /hidden1.xml; /hidden2.xml; /hidden3.xml; /hidden4.xml; and 2 more. ',
                       outcome.errors)
+
+    def test_what_others_take_for_something_else_is_no_yes(self):
+        def write(item, before=b'', **values):
+            """The package again, with other values of the header of an item and bytes in front of it all."""
+            with zipfile.ZipFile(self.folder / 'p.docx') as opened:
+                items = [(info, opened.read(info)) for info in opened.infolist()]
+            with open(self.folder / 'q.docx', 'wb') as file:
+                file.write(before)
+                with zipfile.ZipFile(file, 'w') as written:
+                    for info, content in items:
+                        if info.filename == item:
+                            for name, value in values.items():
+                                setattr(info, name, value)
+                        written.writestr(info, content)
+
+        app = 'docProps/app.xml'
+        for profile, signer, options in (('standard', '--cert rsa.pem', '--trust rsa.pem'),
+                                         ('opcmodel', '--public rsa.pub', '--public rsa.pub --require-full')):
+            self.copy_fixture('letter.docx', 'p.docx')
+            for is_signed in False, True:
+                for item, values, words in (
+                        (app, {'extra': b'\x75\x70\x0a\0\1CRC_evil.'}, 'a Unicode Path field gives it another name'),
+                        ('word/document.xml', {'create_system': 3, 'external_attr': 0o120777 << 16}, 'by its attributes it is a symbolic link'),
+                        (app, {'before': b'{\\rtf1}'}, "they aren't read here")):
+                    write(item, **values)
+                    if is_signed:
+                        outcome = self.run_tool(f'verify q.docx {options}')
+                        self.assertEqual((outcome.status, words in outcome.output), (1, True), outcome.output)
+                        self.assertEqual(self.run_tool('check q.docx --fail-on warning').status, 1)
+                    elif profile == 'standard':
+                        self.assertIn(f'for something else: {words}', self.run_tool('sign q.docx --key rsa.key').errors)
+                self.do(f'sign p.docx --profile {profile} --key rsa.key {signer}')
+
+    def test_changes_tell_what_becomes_of_signatures(self):
+        self.write('x', '<x/>')
+        self.do('sign p.docx --key rsa.key')
+        for command, broken, narrowed in (
+                ('add p.docx /x.xml x --type application/xml', False, True), ('relate p.docx /word/document.xml urn:t /x.xml', False, True),
+                ('put p.docx /docProps/app.xml x', False, False), ('put p.docx /word/document.xml x --break-signatures', True, False)):
+            _, (document,) = self.envelopes(command + ' -n')
+            outcome = self.run_tool(command)
+            for key, words, is_told in (('broken', "doesn't hold after this", broken), ('narrowed', "doesn't cover what was added", narrowed)):
+                self.assertEqual(document['result'][key + 'Signatures'], ['/_xmlsignatures/sig1.xml'] if is_told else [], command)
+                self.assertEqual(f'warning: the signature /_xmlsignatures/sig1.xml {words}\n' in outcome.errors, is_told, command)
 
     def test_doubts_about_the_certificate_are_told(self):
         self.assertEqual(self.shell('openssl req -x509 -key rsa.key -addext keyUsage=keyEncipherment -subj /CN=X -out other.pem').status, 0)

@@ -12,7 +12,7 @@ nlohmann::ordered_json changeToJSON(const opc::editing::Change& change);
 /// The schema of the result of a command that edits a package.
 constexpr const char* CHANGES_SCHEMA = R"({
   "type": "object",
-  "required": ["name", "changes", "brokenSignatures", "dryRun"],
+  "required": ["name", "changes", "brokenSignatures", "narrowedSignatures", "dryRun"],
   "properties": {
     "name": {"description": "of what was made; null if it has none", "type": ["string", "null"]},
     "changes": {
@@ -45,6 +45,11 @@ constexpr const char* CHANGES_SCHEMA = R"({
     },
     "brokenSignatures": {
       "description": "the parts of the signatures that don't hold any more",
+      "type": "array",
+      "items": {"type": "string"}
+    },
+    "narrowedSignatures": {
+      "description": "the parts of the signatures that go on to hold, and don't cover what was added",
       "type": "array",
       "items": {"type": "string"}
     },

@@ -31,14 +31,22 @@ void EditedPackage::print(const std::string& name, bool tells) {
             json.add(changeToJSON(change));
         json.end();
         json.add(edits.brokenSignatures(), "brokenSignatures");
+        json.add(edits.narrowedSignatures(), "narrowedSignatures");
         json.add(options.dryRun, "dryRun");
         json.end();
-    } else if (options.dryRun || options.output.verbose || tells) {
+        return;
+    }
+    if (options.dryRun || options.output.verbose || tells) {
         for (const Change& change : edits.changes())
             run.printName(describe(change));
     } else if (!name.empty()) {
         run.printName(name);
     }
+    if (options.breakSignatures)
+        for (const std::string& part : edits.brokenSignatures())
+            run.tell("warning: the signature " + part + " doesn't hold after this");
+    for (const std::string& part : edits.narrowedSignatures())
+        run.tell("warning: the signature " + part + " doesn't cover what was added");
 }
 
 } // namespace opctool

@@ -173,7 +173,7 @@ void signInOwnProfile(FileRun& run, SignedPackage& package, const SignArguments&
     if (breaksCountersignature)
         run.tell("warning: the countersignature doesn't hold any more");
     others.tell(run);
-    printResult(run, {opc::toUDEString(signature.getName()), Profile::OpcModel, {}, {}, {}});
+    printResult(run, {opc::toUDEString(signature.getName()), Profile::OpcModel, {}, {}, {}, {}});
 }
 
 void countersign(FileRun& run, SignedPackage& package, const SignArguments& arguments) {

@@ -16,7 +16,8 @@ void printResult(FileRun& run, const SigningResult& result) {
                     {"profile", profileName(result.profile)},
                     {"part", textOrNull(result.part)},
                     {"coverage", textOrNull(result.coverage)},
-                    {"unreachable", result.unreachable}});
+                    {"unreachable", result.unreachable},
+                    {"dangling", result.dangling}});
 }
 
 } // namespace opctool

@@ -19,6 +19,7 @@ struct SigningResult {
     std::string part;                     ///< of the signature
     std::string coverage;                 ///< complete or partial
     std::vector<std::string> unreachable; ///< parts that no relationship reaches
+    std::vector<std::string> dangling;    ///< signed relationships to parts that aren't there
     /// @}
 };
 
@@ -28,7 +29,7 @@ void printResult(FileRun& run, const SigningResult& result);
 /// The JSON Schema of that.
 constexpr const char* SIGNING_SCHEMA = R"({
   "type": "object",
-  "required": ["name", "profile", "part", "coverage", "unreachable"],
+  "required": ["name", "profile", "part", "coverage", "unreachable", "dangling"],
   "properties": {
     "name": {"description": "of the signature", "type": "string"},
     "profile": {"enum": ["standard", "opcmodel"]},
@@ -36,6 +37,11 @@ constexpr const char* SIGNING_SCHEMA = R"({
     "coverage": {"description": "in the standard's profile", "enum": ["complete", "partial", null]},
     "unreachable": {
       "description": "parts that no relationship reaches, in the standard's profile: find out why they are there",
+      "type": "array",
+      "items": {"type": "string"}
+    },
+    "dangling": {
+      "description": "signed relationships to parts that aren't there, as SOURCE#ID, in the standard's profile: find out why",
       "type": "array",
       "items": {"type": "string"}
     }

@@ -36,13 +36,15 @@ void printTable(FileRun& run, const PackageVerification& verification, const ord
                  {"TRUST", Table::Align::Left, colorOfAnswer}});
     auto row = rows.begin();
     for (const VerifiedSignature& one : verification.signatures) {
-        table.addRow(
-            {one.name, textOrDash((*row)["time"]),
-             one.cryptography.method.empty()
-                 ? "-"
-                 : one.cryptography.method + ", " + std::to_string(one.cryptography.keyBits) + " bits",
-             textOrDash((*row)["signer"]), (*row)["cryptography"]["answer"], (*row)["coverage"]["answer"],
-             (*row)["trust"]["answer"]});
+        table.addRow({one.name, textOrDash((*row)["time"]),
+                      one.cryptography.method.empty()
+                          ? "-"
+                          : one.cryptography.method +
+                                (one.cryptography.keyBits == 0
+                                     ? std::string()
+                                     : ", " + std::to_string(one.cryptography.keyBits) + " bits"),
+                      textOrDash((*row)["signer"]), (*row)["cryptography"]["answer"],
+                      (*row)["coverage"]["answer"], (*row)["trust"]["answer"]});
         ++row;
     }
     table.print(run.out(), run.tableStyle());

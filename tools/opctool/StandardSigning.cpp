@@ -120,6 +120,12 @@ void warn(FileRun& run, const NewSignature& signature, const SignArguments& argu
                  ". Find out why: unless programs find parts in another way, as those of NuGet do, one that "
                  "is added "
                  "later can bring them into the document");
+    if (!signature.dangling.empty())
+        run.tell(
+            "warning: " +
+            enumerate(signature.dangling, signature.dangling.size(),
+                      [](const std::string& relationship) { return relationship; }) +
+            " leads to a part that isn't there. Find out why: one that is added later can come in its place");
     if (arguments.choosesNothing() && signature.coverage.gapCount != 0)
         run.tell("warning: the signature can't cover " +
                  enumerate(signature.coverage.gaps, signature.coverage.gapCount, [](const Unsigned& gap) {
@@ -144,7 +150,7 @@ void signInStandardProfile(FileRun& run, SignedPackage& package, const SignArgum
     package.save();
     warn(run, made, arguments, findDoubt(signer.certificate, *options.time));
     printResult(run, {made.name, Profile::Standard, made.part,
-                      made.coverage.isComplete() ? "complete" : "partial", made.unreachable});
+                      made.coverage.isComplete() ? "complete" : "partial", made.unreachable, made.dangling});
 }
 
 } // namespace opctool

@@ -373,11 +373,15 @@ const Command VERIFY{
     "0 all hold, 1 one doesn't hold or there are none, 3 one can't be checked",
     R"({
   "type": "object",
-  "required": ["state", "signatures", "reasons"],
+  "required": ["state", "yes", "signatures", "reasons"],
   "properties": {
     "state": {
-      "description": "holds: all signatures hold; the exit status is 1 all the same if more is required",
-      "enum": ["holds", "broken", "unsigned", "unreadable"]
+      "description": "holds: yes; broken: a signature doesn't hold; unproven: nothing signed has changed, and that is no yes",
+      "enum": ["holds", "broken", "unproven", "unsigned", "unreadable"]
+    },
+    "yes": {
+      "description": "the signatures in the standard's profile are valid, complete and trusted, those in the library's own hold",
+      "type": "boolean"
     },
     "signatures": {
       "type": "array",
@@ -394,7 +398,7 @@ const Command VERIFY{
           "fingerprint": {"type": ["string", "null"]},
           "status": {"type": "string"},
           "code": {"description": "null in the standard's profile", "type": ["integer", "null"]},
-          "holds": {"type": "boolean"},
+          "holds": {"description": "in the standard's profile the same as yes", "type": "boolean"},
           "reason": {"type": "string"},
           "weak": {"type": "array", "items": {"type": "string"}},
           "restsOnClaimedTime": {"type": "boolean"},

@@ -66,7 +66,7 @@ class ScannedSignature(NamedTuple):
     signer: str | None  #: the subject of the certificate, or "key"
     fingerprint: str | None  #: of the certificate
     time: str | None  #: as the signer claims
-    holds: bool  #: nothing that it signs has changed; in the profile "opcmodel" the signer is accepted, too
+    holds: bool  #: it is a yes; in the profile "opcmodel" nothing that it signs has changed, and the signer is accepted
     cryptography: str  #: "valid", "weak" or "broken"
     coverage: str | None  #: "complete" or "partial"
     trust: str | None  #: "not checked", "unknown", "trusted" or "not trusted"
@@ -141,7 +141,7 @@ class ScanResult:
 
     @property
     def signature_state(self) -> str | None:
-        """ "unsigned", "holds", "broken" or "unreadable"."""
+        """ "unsigned", "holds", "unproven" (unchanged, but no yes), "broken" or "unreadable"."""
         found = self._member("signatures")
         return None if found is None else str(found["state"])
 

@@ -147,8 +147,8 @@ class VerifiedSignature:
 
     @property
     def holds(self) -> bool:
-        """Whether what is signed is unchanged."""
-        return self.cryptography.answer != "broken"
+        """The same as `yes`. Whether what is signed is unchanged, `cryptography` says."""
+        return self.yes
 
 
 @dataclass(frozen=True, slots=True)
@@ -230,6 +230,8 @@ class NewSignature:
     """Its part, in the standard's profile."""
     unreachable: tuple[str, ...]
     """Parts to which no relationship leads: no program shows them, but a later relationship can."""
+    dangling: tuple[str, ...]
+    """Signed relationships to parts that aren't there, as `/word/document.xml#rId5`: a later part can come in their place."""
 
 
 def _policy(
@@ -416,10 +418,10 @@ def sign(
     if profile == "opcmodel":
         if certificate is not None or p12 is not None or everything or comments or parts or relationships:
             raise TypeError("in the profile opcmodel, a key signs the whole package")
-        return NewSignature(_opcmodel.sign_own(package._open, private, digest), None, ())
+        return NewSignature(_opcmodel.sign_own(package._open, private, digest), None, (), ())
     if profile != "standard":
         raise ValueError(f"there is no profile {profile}")
-    name, part, unreachable = _opcmodel.sign_standard(
+    name, part, unreachable, dangling = _opcmodel.sign_standard(
         package._open,
         private,
         _certificates(certificate),
@@ -433,4 +435,4 @@ def sign(
         comments,
         _seconds(time),
     )
-    return NewSignature(name, part, tuple(unreachable))
+    return NewSignature(name, part, tuple(unreachable), tuple(dangling))

@@ -75,7 +75,7 @@ Value choose(const std::array<std::pair<const char*, Value>, count>& all, const 
 }
 
 /// @return the name and the part of the signature, and the parts to which no relationship leads
-std::tuple<std::string, std::string, std::vector<std::string>>
+std::tuple<std::string, std::string, std::vector<std::string>, std::vector<std::string>>
 signStandard(const SharedSession& session, const std::string& key,
              const std::vector<std::string>& certificates, const std::string& bundle,
              const std::string& password, const std::string& digest, bool acceptWeak, bool all,
@@ -99,7 +99,7 @@ signStandard(const SharedSession& session, const std::string& key,
         const Signer signer = readSigner(key, certificates, bundle, password);
         const NewSignature made = sign(session->package(), session->store(), signer, options);
         session->setChanged();
-        return std::tuple(made.name, made.part, made.unreachable);
+        return std::tuple(made.name, made.part, made.unreachable, made.dangling);
     });
 }
 

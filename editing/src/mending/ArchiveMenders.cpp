@@ -2,6 +2,7 @@
 #include "mending/PlainName.hpp"
 
 #include "subject/Names.hpp"
+#include "zip/src/ItemKind.hpp"
 #include "zip/src/Records.hpp"
 
 #include <algorithm>
@@ -148,7 +149,8 @@ Outcome dropRights(Round& round, const Finding& finding) {
     if (item == nullptr || !item->dataOffset)
         return left(NO_SUCH_ITEM);
     const std::uint32_t kind = item->externalAttributes & KIND;
-    if (kind != 0 && kind != REGULAR)
+    if ((kind != 0 && kind != REGULAR) ||
+        physical::zip::kindByAttributes(item->versionMadeBy, item->externalAttributes, item->name) != nullptr)
         return left("Only who packed it knows the file that is meant");
     round.plan.touch(*item).losesRights = true;
     return mended("The item loses the rights of its owner and group");

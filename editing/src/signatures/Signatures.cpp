@@ -134,6 +134,23 @@ std::vector<std::string> Signatures::brokenBy(const std::vector<Change>& changes
     return broken;
 }
 
+std::vector<std::string> Signatures::narrowedBy(const std::vector<Change>& changes) const {
+    const auto adds = [this](const Change& change) {
+        return change.kind == Change::Kind::PartAdded
+                   ? !consistOf(change.place)
+                   : change.kind == Change::Kind::RelationshipAdded &&
+                         !inspection::targetOfSignatureType(change.after.type);
+    };
+    std::vector<std::string> narrowed;
+    if (!std::any_of(changes.begin(), changes.end(), adds))
+        return narrowed;
+    const std::vector<std::string> broken = brokenBy(changes);
+    for (const Signature& signature : found)
+        if (std::find(broken.begin(), broken.end(), signature.part) == broken.end())
+            narrowed.push_back(signature.part);
+    return narrowed;
+}
+
 bool Signatures::isBrokenBy(const Change& change, const Signature& signature) const {
     const auto isSigned = [&](const Change::State& state) {
         return signature.extent.signsRelationship(change.place, change.name, state.type);

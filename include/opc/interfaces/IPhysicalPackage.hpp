@@ -72,8 +72,8 @@ public:
     /// covers it, so the verdict on the signatures mentions it. Stores without such things don't override this.
     virtual std::vector<IgnoredItem> getIgnoredItems() { return {}; }
 
-    /// Lists what other programs may not find as the part that it is read as. A signature in the standard's profile isn't
-    /// complete then.
+    /// Lists what other programs may take for something else than it is here. No signature is complete then. Stores without
+    /// such things don't override this.
     virtual std::vector<MisnamedItem> getMisnamedItems() { return {}; }
 
     /// Lists what breaks the standard in the open package and was accepted. A strict store has none.

@@ -132,7 +132,7 @@ public:
     /// @throws PackageNotOpen
     bool hasUnreadContentTypes() const;
 
-    /// @return what the store contains beside the parts and another program could take for content
+    /// @return what the store contains that another program could take for content beside the parts, or for another part
     /// @throws PackageNotOpen
     std::vector<interfaces::IgnoredItem> getIgnoredItems() const;
 

@@ -59,8 +59,8 @@ public:
     /// The covered parts whose content type differs from the one in a signature.
     const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
 
-    /// What the model ignores and another program may read: items of the store that aren't parts, and documents with
-    /// elements that weren't read.
+    /// What the model ignores and another program may read: items of the store that aren't parts or may be taken for
+    /// something else than the part that they are here, and documents with elements that weren't read.
     const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
 
     /// The bytes of the covered core properties part that no signature covers, because they are the keywords: how many

@@ -108,8 +108,10 @@ constexpr Rule CONTAINER_RULES[] = {
      "The package is extremely large, or made to use up memory or disk.", "",
      "Careful readers refuse the archive.",
      "Raise the limit if the package comes from somebody whom you trust."},
-    {"SEC-47", "Links and devices", Severity::Error, SECURITY, "",
-     "By its attributes no item is a symbolic link, a device, or a program with the rights of its owner.",
+    {"SEC-47", "Links, devices and folders", Severity::Error, BOTH, "",
+     "By its attributes no item is a symbolic link, a device, a program with the rights of its owner, or a "
+     "folder "
+     "that hasn't the name of one.",
      "The archive was packed from a folder with such files, or made to write outside the folder that it is "
      "extracted to.",
      "", "Readers of packages pass over the attributes. Programs that extract archives may make the link.",
@@ -117,7 +119,7 @@ constexpr Rule CONTAINER_RULES[] = {
     {"SEC-51", "Comments of the archive", Severity::Info, SECURITY, "",
      "Neither the archive nor an item has a comment.", "A general ZIP tool or a person wrote it.", "",
      "Readers of packages don't show comments, and saves may keep them.", "Remove the comment."},
-    {"SEC-52", "Second name of an item", Severity::Error, SECURITY, "",
+    {"SEC-52", "Second name of an item", Severity::Error, BOTH, "",
      "A Unicode Path field has the name that the header has.",
      "The file was made to show each program another name, or a program renamed the item without the field.",
      "", "Programs differ on which name counts.", "Remove the field."},

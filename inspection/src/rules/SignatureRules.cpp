@@ -141,9 +141,9 @@ constexpr Rule SIGNATURE_RULES[] = {
      "Nearly all programs that sign.", "The signature breaks when a program writes the part again.",
      "Nothing."},
     {"S6.5", "Signed element that is no object", Severity::Info, OPC, "S6.5",
-     "The signed information refers to objects of the signature.",
-     "Advanced electronic signatures (XAdES) also sign their own properties.", "Word, Excel and PowerPoint.",
-     "Readers accept it.", "Nothing."},
+     "The signed information refers to objects of the signature, and to the signed properties of XAdES.",
+     "The signer signs another element, and doesn't say of which type it is.", "", "Readers accept it.",
+     "Nothing."},
     {"SEC-71", "Not signed", Severity::Warning, SECURITY, "",
      "In a signed package, signatures name all parts and relationships but those for properties and "
      "thumbnails.",

@@ -3,6 +3,7 @@
 #include "DirectoryEnd.hpp"
 #include "ExtraFields.hpp"
 #include "Failure.hpp"
+#include "ItemKind.hpp"
 #include "NameText.hpp"
 #include "Records.hpp"
 
@@ -74,7 +75,7 @@ void DirectoryReader::read() {
     directory.end = position;
     directory.archiveEnd = end.archiveEnd;
     if (!end.comment.empty())
-        directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive"});
+        directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive", false});
     directory.comment = std::move(end.comment);
 }
 
@@ -106,10 +107,13 @@ void DirectoryReader::readEntry() {
 /// Records what an entry has beside the data that reading needs.
 void DirectoryReader::inspect(const unsigned char* record) {
     const auto item = static_cast<ItemIndex>(directory.entries.size() - 1);
+    if (const char* const kind =
+            kindByAttributes(read16(record + 4), read32(record + 38), directory.entries[item].name))
+        directory.ambiguities.push_back({item, std::string("by its attributes it is ") + kind});
     inspectFields(record + DIRECTORY_ENTRY_SIZE + read16(record + 28), read16(record + 30), item,
                   "its record in the directory", place, directory);
     if (const std::size_t size = read16(record + 32))
-        directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size)});
+        directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size), false});
 }
 
 /// @return the next `count` bytes of the directory, valid until the next call
@@ -165,6 +169,19 @@ void DirectoryReader::checkNumbers(const DirectoryEntry& entry) const {
         fail(itemPlace(place, entry.name), "is stored, but its two sizes differ", EBADMSG);
 }
 
+constexpr const char* OTHER_PATH = "a Unicode Path field gives it another name";
+
+/// Whether a ZIP64 field has a number that isn't one of the item, whichever of them its records leave out.
+bool hasOtherNumbers(const ExtraField& field, const DirectoryEntry& entry) {
+    constexpr std::size_t WIDTH = 8; // of a number; behind them that of a disk may follow
+    for (std::size_t at = 0; at + WIDTH <= field.size; at += WIDTH) {
+        const std::uint64_t number = read64(field.data + at);
+        if (number != 0 && number != entry.size && number != entry.compressedSize && number != entry.offset)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 std::string whyUnreadable(const DirectoryEntry& entry) {
@@ -187,22 +204,28 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
         return;
     const DirectoryEntry& entry = directory.entries[item];
     const auto note = [&](const char* what) {
-        directory.unread.push_back({std::string(entry.name), record + std::string(what)});
+        directory.unread.push_back({std::string(entry.name), record + std::string(what), false});
     };
     bool hasPath = false;
+    bool hasNumbers = false;
     ExtraFieldWalk walk(extra, size);
     for (ExtraField field; walk.next(field);) {
         if (field.kind == STRONG_ENCRYPTION_FIELD && !(entry.flags & ENCRYPTION_FLAGS))
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
+        if (field.kind == ZIP64_FIELD && (std::exchange(hasNumbers, true) || hasOtherNumbers(field, entry)))
+            directory.ambiguities.push_back({item, "its ZIP64 field has other numbers"});
         if (field.kind != UNICODE_PATH_FIELD)
             continue;
         if (std::exchange(hasPath, true)) // thousands of them would take too much memory
             fail(itemPlace(place, entry.name), "two Unicode Path fields", EBADMSG);
         if (unicodePath(field) != entry.name) {
             directory.otherNames.push_back({item, std::string(unicodePath(field))});
+            directory.ambiguities.push_back({item, OTHER_PATH});
             note(" gives it another name in a Unicode Path field");
         }
     }
+    if (walk.isCutOff(UNICODE_PATH_FIELD))
+        directory.ambiguities.push_back({item, OTHER_PATH});
     if (holdsUnknownData(extra, size))
         note(" holds data in extra fields of unknown kind");
 }

@@ -41,10 +41,17 @@ struct OtherName {
     std::string name; ///< possibly not valid UTF-8
 };
 
+/// Something about an item by which other programs may take it for something else.
+struct Ambiguity {
+    ItemIndex item = 0;
+    std::string reason; ///< as words for a message
+};
+
 /// Something in an archive beside the contents of its items.
 struct UnreadData {
     std::string item; ///< the item that it belongs to; empty if it belongs to none
     std::string what;
+    bool isLoose = false; ///< bytes that belong to no item or record
 };
 
 struct ArchiveDirectory {
@@ -55,6 +62,7 @@ struct ArchiveDirectory {
     std::uint64_t archiveEnd = 0; ///< after the end record and its comment; the rest belongs to nothing
     std::string comment;          ///< of the archive
     std::vector<OtherName> otherNames;
+    std::vector<Ambiguity> ambiguities; ///< an item can have several
     std::vector<UnreadData> unread;
 };
 
@@ -64,7 +72,7 @@ OPC_ZIP_EXPORT std::string whyUnreadable(const DirectoryEntry& entry);
 /// Whether the expanded size of an item exceeds the limits.
 OPC_ZIP_EXPORT bool exceedsRatio(const DirectoryEntry& entry, const ZipOptions& options);
 
-/// Records other names and data of unknown kinds in the extra fields of an item. Throws if only the extra fields say
+/// Records other names, numbers and data of unknown kinds in the extra fields of an item. Throws if only the extra fields say
 /// that the item is encrypted.
 /// @param record  how messages name the record of the extra fields
 /// @param place   the archive's name for messages

@@ -31,6 +31,7 @@ private:
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
+    bool holdsDescriptor(const DirectoryEntry& entry, std::uint64_t start);
     void searchUnused(std::uint64_t start, std::uint64_t end, const char* side, std::string_view neighbour);
 
     ByteSource& archive;
@@ -62,10 +63,29 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const std::size_t headerSize = localHeaderSizeOf(header);
     inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
     const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
+    if (entry.method == STORE && (read16(header + 6) & DATA_DESCRIPTOR) != 0 &&
+        holdsDescriptor(entry, entry.offset + headerSize))
+        directory.ambiguities.push_back({index, "its content has the mark of its end"});
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
     const unsigned char* behind = count > 0 ? read(entry, contentEnd, descriptorBuffer, count) : nullptr;
     entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
+}
+
+/// Whether the content of a stored item has the signature of a data descriptor. Programs that don't use the directory may
+/// take it for the end of the item, and what follows for further items.
+/// @param start  of the content
+bool LayoutCheck::holdsDescriptor(const DirectoryEntry& entry, std::uint64_t start) {
+    static constexpr std::array<unsigned char, 4> SIGNATURE = {'P', 'K', 7, 8};
+    constexpr std::uint64_t BLOCK = 65536;
+    constexpr std::uint64_t STEP = BLOCK - SIGNATURE.size() + 1; // blocks overlap
+    for (std::uint64_t done = 0; done < entry.compressedSize; done += STEP) {
+        const auto count = static_cast<std::size_t>(std::min(entry.compressedSize - done, BLOCK));
+        const unsigned char* const bytes = read(entry, start + done, descriptorBuffer, count);
+        if (std::search(bytes, bytes + count, SIGNATURE.begin(), SIGNATURE.end()) != bytes + count)
+            return true;
+    }
+    return false;
 }
 
 /// @return the whole local header, valid until the next call
@@ -124,7 +144,8 @@ void LayoutCheck::searchUnused(std::uint64_t start, std::uint64_t end, const cha
              EBADMSG);
     directory.unread.push_back(
         {{},
-         std::to_string(bytes.size()) + " bytes " + side + printable(neighbour) + " that belong to no item"});
+         std::to_string(bytes.size()) + " bytes " + side + printable(neighbour) + " that belong to no item",
+         true});
 }
 
 } // namespace

@@ -43,6 +43,7 @@ public:
     const DirectoryEntry& item(ItemIndex index) const { return directory.entries[index]; }
     const std::string& comment() const { return directory.comment; }
     const std::vector<OtherName>& otherNames() const { return directory.otherNames; }
+    const std::vector<Ambiguity>& ambiguities() const { return directory.ambiguities; }
     const std::vector<UnreadData>& unread() const { return directory.unread; }
 
     /// How many bytes come after all records.

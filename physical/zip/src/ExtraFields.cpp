@@ -59,6 +59,10 @@ bool ExtraFieldWalk::next(ExtraField& field) {
     return true;
 }
 
+bool ExtraFieldWalk::isCutOff(std::uint16_t kind) const {
+    return left >= FIELD_HEADER && read16(rest) == kind;
+}
+
 std::string_view unicodePath(const ExtraField& field) {
     constexpr std::size_t HEADER = 5; // version and checksum
     const std::string_view text(reinterpret_cast<const char*>(field.data), field.size);

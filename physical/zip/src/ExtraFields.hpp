@@ -26,6 +26,9 @@ public:
     /// The number of bytes that remain; at the end, those that are no field.
     std::size_t restSize() const { return left; }
 
+    /// At the end: whether a field of this kind is there that has less bytes than it says.
+    bool isCutOff(std::uint16_t kind) const;
+
 private:
     const unsigned char* rest;
     std::size_t left;

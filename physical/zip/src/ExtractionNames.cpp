@@ -117,6 +117,11 @@ std::string extractedName(string_view itemName, bool isPart) {
     return isPart ? simpleKey(itemName) : decodedKey(itemName);
 }
 
+bool changesWhenExtracted(string_view itemName) {
+    const std::string bare = decode(itemName);
+    return simplify(itemName) != itemName || simplify(bare) != bare;
+}
+
 bool isPlainPartName(string_view name) {
     return std::none_of(name.begin(), name.end(), [](char c) { return c == '%' || c == ':' || c == ';'; });
 }

@@ -17,6 +17,10 @@ namespace opc::physical::zip {
 /// `ExtractionNames` does.
 bool isPlainPartName(std::string_view name);
 
+/// Whether some programs give a part another name when they extract it, before or after they decode it. Letter case
+/// doesn't count.
+OPC_ZIP_EXPORT bool changesWhenExtracted(std::string_view itemName);
+
 /// A name of an item as programs may simplify it when they extract the item, in lower case: see `ExtractionNames`.
 /// @param isPart  otherwise percent-encoded characters are decoded, too
 OPC_ZIP_EXPORT std::string extractedName(std::string_view itemName, bool isPart);

@@ -251,6 +251,10 @@ const char* nameDefectForOthers(string_view item) {
                                  : "its name has another letter case than that of relationships parts";
 }
 
+bool isFolderName(string_view item) {
+    return !item.empty() && (item.back() == '/' || item.back() == '\\');
+}
+
 bool isUsualItemName(string_view item) {
     char last = '/';
     for (const char c : item) {

@@ -45,6 +45,9 @@ OPC_ZIP_EXPORT bool isUsualItemName(std::string_view item);
 /// @return why other programs may not find it by this name, as words for a message; null if there is no reason
 const char* nameDefectForOthers(std::string_view item);
 
+/// Whether an item has the name of a folder, in any way of writing slashes.
+OPC_ZIP_EXPORT bool isFolderName(std::string_view item);
+
 /// @return an item name, in UTF-8, with all characters percent-encoded that a part name can't have
 std::string encodeItemName(std::string_view item);
 

@@ -58,8 +58,11 @@ void ZipSession::load() {
         take(item, context.archive->item(item), pieces);
     joinPieces(pieces);
     checkNames();
-    for (const UnreadData& data : context.archive->unread())
+    for (const UnreadData& data : context.archive->unread()) {
         ignored.push_back({data.item, data.what, false});
+        if (data.isLoose)
+            loose.push_back(data.what);
+    }
     if (const std::uint64_t count = context.archive->bytesBehind())
         odd.push_back({"", {}, 0, describeBytesBehind(count), "not read, and dropped by the next save"});
 }
@@ -216,20 +219,44 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
+/// @return as words for a message; null if other programs find the item by its name
+const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName& name) const {
+    constexpr std::uint64_t EMPTY_DEFLATE = 2; // bytes
+    if (isFolderName(entry.name))
+        return entry.size > 0 || entry.compressedSize > EMPTY_DEFLATE
+                   ? "it has the name of a folder, and content"
+                   : nullptr;
+    if (name.kind == ItemName::Kind::Ignored)
+        return nullptr;
+    if (const char* const defect = nameDefectForOthers(entry.name))
+        return defect;
+    if (!isASCII(entry.name) && (entry.flags & NAME_IS_UTF8) == 0)
+        return "its name isn't marked as UTF-8";
+    return name.kind == ItemName::Kind::Part && changesWhenExtracted(entry.name)
+               ? "some systems change its name"
+               : nullptr;
+}
+
 std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
     std::vector<interfaces::MisnamedItem> all;
+    const auto add = [&](ItemIndex item, const ItemName& name, std::string reason, bool isPiece) {
+        if (name.kind == ItemName::Kind::Ignored || belongsToPackage(item, name))
+            all.push_back(
+                {toString(std::string(context.archive->item(item).name), true), std::move(reason), isPiece});
+    };
     for (const ItemIndex item : unusual) {
         const DirectoryEntry& entry = context.archive->item(item);
         const ItemName name = readItemName(entry.name);
-        const char* reason = nameDefectForOthers(entry.name);
-        if (reason == nullptr && !isASCII(entry.name) && (entry.flags & NAME_IS_UTF8) == 0)
-            reason = "its name isn't marked as UTF-8";
-        const bool isPiece = reason == nullptr && name.piece;
-        if (isPiece)
-            reason = "it is a piece of an interleaved part";
-        if (reason != nullptr && belongsToPackage(item, name))
-            all.push_back({toString(std::string(entry.name), true), reason, isPiece});
+        if (const char* const reason = whyMisnamed(entry, name))
+            add(item, name, reason, false);
+        else if (name.piece && name.kind != ItemName::Kind::Ignored)
+            add(item, name, "it is a piece of an interleaved part", true);
     }
+    if (context.archive)
+        for (const Ambiguity& one : context.archive->ambiguities())
+            add(one.item, readItemName(context.archive->item(one.item).name), one.reason, false);
+    for (const std::string& bytes : loose)
+        all.push_back({toString(bytes, true), "they aren't read here", false});
     return all;
 }
 

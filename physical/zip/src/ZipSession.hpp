@@ -30,7 +30,7 @@ public:
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
-    /// The items of the package that other programs may not find by their names.
+    /// The items that other programs may take for something else, and the bytes of the archive that belong to no item.
     std::vector<interfaces::MisnamedItem> misnamedItems();
 
     /// What was accepted so far although it breaks the standard, including findings in the items that were read.
@@ -62,6 +62,7 @@ private:
     void ignore(ItemIndex item, const std::string& reason);
     bool belongsToPackage(ItemIndex item, const ItemName& name);
     void checkNames();
+    const char* whyMisnamed(const DirectoryEntry& entry, const ItemName& name) const;
     void checkName(ItemIndex item, std::string_view name, const std::string& how);
     void checkLimits(const DirectoryEntry& entry);
     void requireWritable(const std::string& name) const;
@@ -79,6 +80,7 @@ private:
     std::vector<ItemIndex> unusual; ///< items that don't have the plain name of a part
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
+    std::vector<std::string> loose;      ///< bytes that belong to no item
     std::vector<interfaces::Oddity> odd; ///< found at opening
 };
 

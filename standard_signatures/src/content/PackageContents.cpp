@@ -12,6 +12,7 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
 
+#include <array>
 #include <map>
 #include <utility>
 #include <variant>
@@ -47,6 +48,7 @@ struct PackageContents::Known {
     Digester digester;
     std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
     std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
+    std::map<const StoredPart*, std::optional<Reason>> readings;
 };
 
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
@@ -110,6 +112,22 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
         outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }
     return valueOf(known->relationships.emplace(&part, std::move(outcome)).first->second);
+}
+
+const Reason* PackageContents::whyUnreadable(const StoredPart& part) {
+    const auto [found, isNew] = known->readings.try_emplace(&part);
+    std::optional<Reason>& failure = found->second;
+    if (isNew) {
+        try {
+            const std::unique_ptr<InputStream> stream = open(part);
+            std::array<unsigned char, 16384> block{};
+            while (!stream->isDone())
+                stream->read(block.data(), block.size());
+        } catch (const Exception& e) {
+            failure = Reason{Reason::Code::PartUnreadable, part.name, failureText(e)};
+        }
+    }
+    return failure ? &*failure : nullptr;
 }
 
 Digester& PackageContents::digester() {

@@ -51,7 +51,7 @@ public:
     /// What the store contains beside the parts.
     const std::vector<interfaces::IgnoredItem>& ignoredItems() const { return ignored; }
 
-    /// What other programs may not find as the part that it is here.
+    /// What other programs may take for something else.
     const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
 
     /// Why no content type can be told; nothing if they can.
@@ -64,6 +64,10 @@ public:
     /// The digest of the octets of a part, which is computed once for each method.
     /// @throws Refusal  with `PartUnreadable`
     const std::vector<unsigned char>& digest(const StoredPart& part, const DigestMethod& method);
+
+    /// Reads a part that nothing signs to its end, once: a damaged one can hide what other programs find there.
+    /// @return why it can't be read; null if it can
+    const Reason* whyUnreadable(const StoredPart& part);
 
     /// Computes other digests.
     Digester& digester();

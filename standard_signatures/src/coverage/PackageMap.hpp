@@ -42,7 +42,7 @@ public:
 
     bool hasMainDocument() const;
 
-    /// What other programs may not find as the part that it is here. Only office documents mustn't have pieces.
+    /// What other programs may take for something else. Only office documents mustn't have pieces.
     const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
 
     /// The first origin of signatures; null if there is none.

@@ -15,7 +15,7 @@ using GapKind = Unsigned::Kind;
 
 class Comparison {
 public:
-    Comparison(const SignedContents& contents, const PackageContents& package, const PackageMap& map)
+    Comparison(const SignedContents& contents, PackageContents& package, const PackageMap& map)
         : contents(contents), package(package), map(map) {}
 
     CoverageAnswer run() {
@@ -29,7 +29,7 @@ public:
                     toUDEString(item.name),
                     {},
                     {},
-                    item.reason + ": other programs may not find it"});
+                    item.reason + ": other programs may take it for something else"});
         for (const StoredPart* const part : contents.renamed)
             addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name in another letter case"});
         for (const Reason& reason : map.unreadable())
@@ -65,6 +65,8 @@ private:
                     addGap({GapKind::ContentType, part.name, {}, {}, "its content type isn't signed"});
             } else if (!map.isExempt(part)) {
                 addGap({GapKind::Part, part.name, {}, {}, "its content isn't signed"});
+            } else if (const Reason* const failure = package.whyUnreadable(part)) {
+                addGap({GapKind::Part, part.name, {}, {}, "its content can't be read: " + failure->text});
             } else if (!map.isOfSignatures(part)) {
                 addByCustom({GapKind::Part, part.name, {}, {}, "its content isn't signed, by custom"});
             }
@@ -101,14 +103,14 @@ private:
     }
 
     const SignedContents& contents;
-    const PackageContents& package;
+    PackageContents& package;
     const PackageMap& map;
     CoverageAnswer answer;
 };
 
 } // namespace
 
-CoverageAnswer computeCoverage(const SignedContents& contents, const PackageContents& package,
+CoverageAnswer computeCoverage(const SignedContents& contents, PackageContents& package,
                                const PackageMap& map) {
     return Comparison(contents, package, map).run();
 }

@@ -24,7 +24,7 @@ struct SignedContents {
 };
 
 /// Compares what a signature signs with what the package has.
-CoverageAnswer computeCoverage(const SignedContents& contents, const PackageContents& package,
+CoverageAnswer computeCoverage(const SignedContents& contents, PackageContents& package,
                                const PackageMap& map);
 
 } // namespace opc::standard_signatures

@@ -78,6 +78,7 @@ NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store, 
     NewSignature signature;
     signature.coverage = computeCoverage(plan.signedContents(), contents, map);
     signature.unreachable = findUnreachable(contents, map);
+    signature.dangling = findDangling(plan.signedContents(), map);
     const std::string document = composeSignedDocument(signer, method, digest, objects, ids);
     signature.part = addSignature(package, document, contents, map);
     signature.name = shortName(signature.part);

@@ -22,7 +22,8 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     for (const Reason& reason : map.unreadable())
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
     for (const interfaces::MisnamedItem& item : map.misnamedItems())
-        throw SigningRefused("Other programs may not find " + toUDEString(item.name) + ": " + item.reason);
+        throw SigningRefused("Other programs may take " + toUDEString(item.name) +
+                             " for something else: " + item.reason);
     for (const StoredPart& part : contents.parts()) {
         if (part.isAmbiguous)
             throw SigningRefused("There is more than one part with the name " + part.name);
@@ -135,6 +136,17 @@ std::vector<std::string> findUnreachable(const PackageContents& contents, const 
         if (!part.source && reached.count(&part) == 0)
             unreachable.push_back(part.name);
     return unreachable;
+}
+
+std::vector<std::string> findDangling(const SignedContents& contents, const PackageMap& map) {
+    std::vector<std::string> dangling;
+    for (const MappedRelationship& one : map.relationships()) {
+        const std::string& source = *one.document->source;
+        if (!one.values->isExternal && one.target == nullptr && contents.has(one) &&
+            keyOf(resolveTarget(source, one.values->target)) != keyOf(source)) // the package itself
+            dangling.push_back(source + "#" + one.values->id);
+    }
+    return dangling;
 }
 
 } // namespace opc::standard_signatures

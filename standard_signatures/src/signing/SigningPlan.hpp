@@ -28,4 +28,7 @@ struct SigningPlan {
 /// The parts that no chain of relationships reaches from the package.
 std::vector<std::string> findUnreachable(const PackageContents& contents, const PackageMap& map);
 
+/// The signed relationships that lead to parts which the package doesn't have, as `SOURCE#ID`.
+std::vector<std::string> findDangling(const SignedContents& contents, const PackageMap& map);
+
 } // namespace opc::standard_signatures

@@ -108,7 +108,7 @@ private:
             return;
         const std::string text = "The signature value lacks the NULL behind the name of its digest";
         if (policy.acceptMissingNull)
-            addReason(Code::MissingNull, text);
+            addReason(Code::NullNotRequired, text);
         else
             addBreak(Code::MissingNull, text);
     }

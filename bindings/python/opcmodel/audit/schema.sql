@@ -15,7 +15,7 @@ CREATE TABLE files (
     has_macros INTEGER,
     is_encrypted INTEGER,
     main_part TEXT,
-    signature_state TEXT,           -- unsigned, holds, broken, unreadable
+    signature_state TEXT,           -- unsigned, holds, unproven, broken, unreadable
     properties_failure TEXT,        -- why the core properties can't be read
     unlisted_findings INTEGER,      -- how many there are beside those in findings
     error_class TEXT,               -- why something that was asked for isn't there; null if everything is

@@ -66,6 +66,9 @@ public:
     /// The signature parts of those that the changes so far break.
     std::vector<std::string> brokenSignatures() const { return signaturesBefore.brokenBy(made); }
 
+    /// The same for those that go on to hold and don't cover what the changes have added.
+    std::vector<std::string> narrowedSignatures() const { return signaturesBefore.narrowedBy(made); }
+
     /// @throws BreaksSignatures  there are some
     void throwIfSignaturesAreBroken() const;
 

@@ -55,6 +55,10 @@ public:
     /// have held before isn't asked.
     std::vector<std::string> brokenBy(const std::vector<Change>& changes) const;
 
+    /// The signature parts of those that go on to hold and don't cover what the changes add: parts, and relationships other than
+    /// those of signatures. A signature that was complete is partial then.
+    std::vector<std::string> narrowedBy(const std::vector<Change>& changes) const;
+
     /// @throws BreaksSignatures  the changes break some
     void throwIfBrokenBy(const std::vector<Change>& changes) const;
 

@@ -55,7 +55,9 @@ void FieldChecks::check(const ItemHeader& header) {
     ExtraFieldWalk walk(bytes, header.extraFields.size());
     for (ExtraField field; walk.next(field);)
         checkField(field, header);
-    if (holdsUnknownData(bytes + (header.extraFields.size() - walk.restSize()), walk.restSize()))
+    if (walk.isCutOff(UNICODE_PATH_FIELD))
+        findings.add("SEC-52", placeOf(item), "A Unicode Path field of the item is cut off");
+    else if (holdsUnknownData(bytes + (header.extraFields.size() - walk.restSize()), walk.restSize()))
         findings.add("SEC-53", placeOf(item), "Data stands behind the extra fields of the item");
 }
 
@@ -77,7 +79,8 @@ void FieldChecks::checkField(const ExtraField& field, const ItemHeader& header) 
     }
 }
 
-/// The field counts if its checksum is that of the name in the header; some programs don't ask for that.
+/// The field counts if its checksum is that of the name in the header; some programs don't ask for that, and take the name
+/// in any case.
 void FieldChecks::checkPath(const ExtraField& field, const ItemHeader& header) {
     if (field.size < UNICODE_PATH_HEADER)
         return;
@@ -89,7 +92,7 @@ void FieldChecks::checkPath(const ExtraField& field, const ItemHeader& header) {
         read32(field.data + 1) == ::libdeflate_crc32(0, header.name.data(), header.name.size());
     const std::string name = archive::decodeName(unicodePath(field));
     const bool leadsOut = readItemName(name).kind == ItemName::Kind::Refused;
-    findings.add("SEC-52", counts || leadsOut ? Severity::Error : Severity::Info, placeOf(item),
+    findings.add("SEC-52", counts || leadsOut ? Severity::Error : Severity::Warning, placeOf(item),
                  "A Unicode Path field gives the item another name: " + name);
 }
 

@@ -1,5 +1,7 @@
 #include "checks/container/ContainerChecks.hpp"
 
+#include "zip/src/ItemKind.hpp"
+#include "zip/src/ItemName.hpp"
 #include "zip/src/Records.hpp"
 
 #include <string_view>
@@ -12,28 +14,17 @@ using namespace physical::zip;
 namespace {
 
 constexpr std::uint16_t AES_METHOD = 99;
-constexpr unsigned UNIX_SYSTEM = 3;
-constexpr unsigned OSX_SYSTEM = 19;
-
-/// @return what kind of file the attributes of Unix make of an item, if it isn't one that belongs into a package
+/// @return what kind of file the attributes make of an item, if it isn't one that belongs into a package
 const char* dangerousKind(const ArchiveItem& item) {
+    if (const char* const kind = kindByAttributes(item.versionMadeBy, item.externalAttributes, item.name))
+        return kind;
+    constexpr unsigned UNIX_SYSTEM = 3;
+    constexpr unsigned OSX_SYSTEM = 19;
     const unsigned system = item.versionMadeBy >> 8U;
-    if (system != UNIX_SYSTEM && system != OSX_SYSTEM)
-        return nullptr;
-    const std::uint32_t mode = item.externalAttributes >> 16U;
-    switch (mode & 0170000U) {
-    case 0120000U:
-        return "a symbolic link";
-    case 0060000U:
-    case 0020000U:
-        return "a device";
-    case 0010000U:
-        return "a pipe";
-    case 0140000U:
-        return "a socket";
-    default:
-        return (mode & 06000U) != 0 ? "a file that runs with the rights of its owner or group" : nullptr;
-    }
+    const bool isUnix = system == UNIX_SYSTEM || system == OSX_SYSTEM;
+    return isUnix && (item.externalAttributes >> 16U & 06000U) != 0
+               ? "a file that runs with the rights of its owner or group"
+               : nullptr;
 }
 
 void checkFlags(const ArchiveItem& item, const ItemHeader& header, Findings& findings) {
@@ -82,8 +73,8 @@ void checkItem(const ArchiveItem& item, Findings& findings) {
     if (!item.comment.empty())
         findings.add("SEC-51", placeOf(item),
                      "The item has a comment of " + std::to_string(item.comment.size()) + " bytes");
-    const bool isFolder = !item.name.empty() && (item.name.back() == '/' || item.name.back() == '\\');
-    if (isFolder && header.size > 0)
+    constexpr std::uint64_t EMPTY_DEFLATE = 2; // bytes
+    if (isFolderName(item.name) && (header.size > 0 || header.compressedSize > EMPTY_DEFLATE))
         findings.add("M3.7", placeOf(item), "The item has the name of a folder, and content");
 }
 

@@ -3,6 +3,9 @@
 #include "checks/container/ContainerChecks.hpp"
 #include "subject/Names.hpp"
 
+#include "zip/src/ExtractionNames.hpp"
+#include "zip/src/ItemName.hpp"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -142,6 +145,10 @@ void SpellingCheck::checkItemName(string_view name) {
 void SpellingCheck::checkPartName(string_view name) {
     if (name.substr(0, 1) == "/")
         name.remove_prefix(1);
+    if (findings.wants("SEC-55") && name.find_first_of("%:;") != string_view::npos &&
+        physical::zip::readItemName(name).kind == physical::zip::ItemName::Kind::Part &&
+        physical::zip::changesWhenExtracted(name))
+        add("SEC-55", "Some systems change the name of the item when they extract it", Severity::Warning);
     for (;;) {
         const string_view segment = name.substr(0, name.find('/'));
         checkSegment(segment);

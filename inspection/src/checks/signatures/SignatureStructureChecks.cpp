@@ -6,6 +6,9 @@ namespace opc::inspection {
 
 namespace {
 
+/// The type of a reference to the properties that XAdES signs, which are in an object.
+constexpr std::string_view SIGNED_PROPERTIES = "http://uri.etsi.org/01903#SignedProperties";
+
 /// The form of each `Format` of a time, in the digits of a value.
 struct TimeForm {
     const char* format;
@@ -101,7 +104,8 @@ private:
             else if (document.ids.at(id) > 1 && id != PACKAGE_OBJECT)
                 add("M6.5", reference.place,
                     "The signature has more than one element with the Id \"" + id + "\"");
-            else if (id != PACKAGE_OBJECT && document.ids.at(id) == 1 && !isObject(id) && !isOwn)
+            else if (id != PACKAGE_OBJECT && document.ids.at(id) == 1 && !isObject(id) && !isOwn &&
+                     reference.type != SIGNED_PROPERTIES)
                 add("S6.5", reference.place,
                     "The signed information refers to \"" + id + "\", which is no object");
             toPackage += reference.uri == "#" + PACKAGE_OBJECT ? 1 : 0;

@@ -46,9 +46,10 @@ OPC_SCANNING_EXPORT std::string resolveTarget(std::string_view source, std::stri
 struct ScannedSignatures {
     enum class State {
         Unsigned,
-        Holds,     ///< nothing that is signed has changed; who signed, and what isn't signed, the answers say
-        Broken,    ///< a signature doesn't hold
-        Unreadable ///< a signature can't be read or checked
+        Holds, ///< yes: see `isYes`
+        Broken, ///< a signature doesn't hold: what it signs has changed, or in the own profile its signer isn't accepted
+        Unreadable, ///< a signature can't be read or checked
+        Unproven, ///< nothing that is signed has changed, but something else keeps the answer from being yes
     };
 
     State state = State::Unsigned;
@@ -56,6 +57,10 @@ struct ScannedSignatures {
     std::vector<model::JudgedSignature> own;           ///< those of `DigitalSignatureManager`
     std::vector<model::VerdictReason> reasons;         ///< why these aren't a yes
     bool ownCoverEverything = false;                   ///< whether those that hold leave nothing out
+
+    /// The only yes about the package: it has signatures; those in the standard's profile are valid, complete and trusted; the
+    /// own ones hold, as the policy asks; and nothing about the package as a whole speaks against it.
+    bool isYes() const { return state == State::Holds; }
 
     /// Adds what is found out about one of the profiles, each at most once and the own one first.
     /// @{

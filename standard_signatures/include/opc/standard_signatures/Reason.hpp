@@ -24,6 +24,7 @@ struct Reason {
         RelationshipsRefused, ///< a relationships part can be understood in more than one way
         WeakAlgorithm,        ///< SHA-1, or an RSA key below 2048 bits
         MissingNull,          ///< the value lacks a NULL that others require
+        NullNotRequired,      ///< the same, and the policy accepts it: this breaks nothing
     };
 
     Code code;

@@ -85,6 +85,10 @@ struct NewSignature {
     /// Parts to which no relationship leads from the package, so that no program shows them. A relationship that is added
     /// after signing can bring their content into the document: find out why they are there before you sign.
     std::vector<std::string> unreachable;
+
+    /// Signed relationships to parts that aren't there, as `/word/document.xml#rId5`. A part that is added after signing can
+    /// come in their place: find out why they are there before you sign.
+    std::vector<std::string> dangling;
 };
 
 /// Signs a package in the standard's profile (ECMA-376 Part 2, digital signatures), with XAdES-BES (ETSI EN 319 132-1) if

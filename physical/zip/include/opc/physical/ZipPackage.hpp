@@ -102,9 +102,9 @@ public:
     /// Gives those of `ignoredItems` that are items, without folders, which have no content.
     std::vector<interfaces::IgnoredItem> getIgnoredItems() override;
 
-    /// Gives the items whose names have backslashes, characters that a part name can't have, or another letter case than
-    /// relationships parts and the content types stream have, those whose names aren't marked as the UTF-8 that they are,
-    /// and pieces.
+    /// Gives what other programs may take for something else, as SECURITY.md lists it: by their names, by fields and attributes
+    /// in their headers, or bytes that belong to no item, which the next save drops. Local headers that are compared when
+    /// they are read (see `RandomAccessSource`) count only as far as they are known.
     std::vector<interfaces::MisnamedItem> getMisnamedItems() override;
 
     /// Lists what `ZipOptions::lenient` has accepted so far, including findings in the items that were read.
