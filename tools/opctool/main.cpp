@@ -97,6 +97,7 @@ int runTool(const char* name, int argc, char** argv) {
     app.formatter(std::make_shared<Help>());
     app.set_version_flag("--version", "opctool " OPCMODEL_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // names of parts begin with a slash
     if (name != nullptr) {
         const Command& command = *findCommand(name);
         command.declare(*app.add_subcommand(command.name, command.summary));
