@@ -91,6 +91,10 @@ TEST(StandardAttacks, PlayWithNames) {
         {"gap: /word/media/a\xCC\x88.png its content isn't signed", addingPart(u"/word/media/a\u0308.png")},
         {"gap: /word/styles.xml.", addingPart(u"/word/styles.xml.")},
         {"gap: /word/document.xml/[0].piece", addingPart(u"/word/document.xml/[0].piece")},
+        {"gap: /word/document.xml its name begins with that of the part /word", addingPart(u"/word")},
+        {"gap: /_rels/.rels/a.xml its name begins with that of the part /_rels/.rels",
+         addingPart(u"/_rels/.rels/a.xml")},
+        {"gap: /[Content_Types].xml/a.xml its name begins", addingPart(u"/[Content_Types].xml/a.xml")},
         {"gap: /word/ghost.xml evil the relationship isn't signed",
          addingPart(u"/word/_rels/ghost.xml.rels",
                     toText(relationships("<Relationship Id='evil' Type='" + OFFICE +
@@ -145,6 +149,7 @@ TEST(StandardAttacks, PlayWithContentTypes) {
          adding("<Override PartName='/word/_rels/document.xml.rels' ContentType='application/xml'/>")},
         {"gap: /_xmlsignatures/_rels/origin.sigs.rels it hasn't the content type of relationships",
          overriding("/_xmlsignatures/_rels/origin.sigs.rels")},
+        {"The content types have text", adding("text")},
         {"The content types are neither in UTF-8 nor in UTF-16", replacingTypes("UTF-8", "ISO-8859-1")},
     };
     expectNoYes(cases);
@@ -177,8 +182,14 @@ TEST(StandardAttacks, PlayWithRelationships) {
          adding(PACKAGE, BASE + "metadata/thumbnail", "http://e/", " TargetMode='External'")},
         {"gap: / evil the relationship isn't signed",
          adding(PACKAGE, BASE + "metadata/Thumbnail", "docProps/core.xml")},
-        {"gap: / evil the relationship isn't signed",
-         adding(PACKAGE, BASE + "metadata/thumbnail ", "docProps/core.xml")},
+        {"/_rels/.rels: The Type", adding(PACKAGE, BASE + "metadata/thumbnail ", "docProps/core.xml")},
+        {"/_rels/.rels: The Id \" rId1 \"", // some take it for that of the main document
+         replacingIn(PACKAGE, "<Relationship ",
+                     "<Relationship Id=' rId1 ' Target='docProps/core.xml' Type='" + BASE +
+                         "metadata/thumbnail'/><Relationship ")},
+        {"/_rels/.rels: There is text in it", replacingIn(PACKAGE, "</Relationships>", "x</Relationships>")},
+        {"gap: / rId3 more than one relationship leads to an origin",
+         adding(PACKAGE, BASE + "digital-signature/origin", "_xmlsignatures/origin.sigs")},
         {"gap: / more than one relationship leads to a main document",
          adding(PACKAGE, "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument",
                 "word/document.xml")},
@@ -195,7 +206,7 @@ TEST(StandardAttacks, PlayWithRelationships) {
                                                "Target='b'/></Relationship>")},
         {"It has changed since it was signed", fromDocument("'styles.xml'", "'st%79les.xml'")},
         {"It has changed since it was signed", fromDocument("'styles.xml'", "'./styles.xml'")},
-        {"It has changed since it was signed", fromDocument("'styles.xml'", "'styles.xml&#xA;'")},
+        {"The Target \"styles.xml\n\"", fromDocument("'styles.xml'", "'styles.xml&#xA;'")},
         {"It has changed since it was signed", fromDocument("/image'", "/Image'")},
         {"/word/_rels/document.xml.rels: The document is neither in UTF-8 nor in UTF-16",
          [](SignedSample& it) {
@@ -204,6 +215,74 @@ TEST(StandardAttacks, PlayWithRelationships) {
          }},
     };
     expectNoYes(cases);
+}
+
+/// What custom leaves unsigned must be what it is said to be, so that it can carry nothing else.
+TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
+    const std::string png = "\x89PNG\r\n\x1A\n";
+    const std::string thumbnail = BASE + "metadata/thumbnail";
+    const std::string core = BASE + "metadata/core-properties";
+    const std::string coreType = "application/vnd.openxmlformats-package.core-properties+xml";
+    const auto with = [](const std::string& type, const std::string& name, const std::string& contentType,
+                         const std::string& content) {
+        return both(
+            replacingTypes("</Types>",
+                           "<Override PartName='" + name + "' ContentType='" + contentType + "'/></Types>"),
+            both(addingPart(std::u16string(name.begin(), name.end()), content), adding(PACKAGE, type, name)));
+    };
+    const auto image = [&](const std::string& name, const std::string& contentType,
+                           const std::string& content) {
+        return with(thumbnail, name, contentType, content);
+    };
+    const std::string form = " its content isn't signed, and hasn't the form of what needn't be";
+    const std::string unsignedCore = "gap: /docProps/core.xml its content isn't signed";
+    const auto outside = [&](const std::string& target) { return adding(PACKAGE, thumbnail, target); };
+    const Case cases[] = {
+        {"gap: /mimetype its content isn't signed", image("/mimetype", "image/png", png)},
+        {"gap: /content.xml its content isn't signed", with(core, "/content.xml", coreType, "<a/>")},
+        {"gap: /META-INF/a.png its content isn't signed", image("/META-INF/a.png", "image/png", png)},
+        {"gap: /word/header9.xml its content isn't signed", image("/word/header9.xml", "image/png", png)},
+        {"gap: /a.png its content isn't signed", image("/a.png", "image/../text", png)},
+        {"gap: /a.svg its content isn't signed", image("/a.svg", "image/svg+xml", "<svg/>")},
+        {"gap: /a.png its content isn't signed", image("/a.png", "image/jpeg", "\xFF\xD8\xFF")},
+        {"gap: /a~1.png its content isn't signed", image("/a~1.png", "image/png", png)},
+        {"gap: /a.png" + form, image("/a.png", "image/png", "")},
+        {"gap: /a.png" + form, image("/a.png", "image/png", "\x89PNG evil")},
+        {"gap: /a.png its content isn't signed", // one of two
+         both(image("/a.png", "image/png", png),
+              both(addingPart(u"/b.png", png), replacingIn(PACKAGE, "<Relationship ",
+                                                           "<Relationship Id='b' Target='/b.png' Type='" +
+                                                               thumbnail + "'/><Relationship ")))},
+        {unsignedCore, with(core, "/second.xml", coreType, "<a/>")},
+        {"gap: /docProps/core.xml" + form, replacingIn(u"/docProps/core.xml", "metadata", "data")},
+        {"gap: /docProps/core.xml" + form,
+         replacingIn(u"/docProps/core.xml", "core-properties'", "core-properties' a=b")},
+        {"gap: /_xmlsignatures/origin.sigs" + form, addingPart(u"/_xmlsignatures/origin.sigs")},
+        {"gap: / evil the relationship isn't signed", outside("http://e/x.png")},
+        {"gap: / evil the relationship isn't signed", outside("//e/x.png")},
+        {"gap: / evil the relationship isn't signed", outside("\\\\e\\x.png")},
+        {"gap: / evil the relationship isn't signed", outside("/%5Ce/x.png")},
+        {"gap: / evil the relationship isn't signed", outside("file:x.png")},
+    };
+    expectNoYes(cases);
+
+    const struct {
+        std::string name, contentType, content;
+    } thumbnails[] = {
+        {"/docProps/a.png", "image/png", png},
+        {"/a.JPG", "image/jpeg", "\xFF\xD8\xFF\xE0"},
+        {"/a.gif", "image/gif", "GIF89a"},
+        {"/a.bmp", "Image/BMP", "BM"},
+        {"/a.tif", "image/tiff", std::string("II*\0", 4)},
+        {"/a.emf", "image/x-emf", std::string("\1\0\0\0l", 5)},
+        {"/a.wmf", "image/x-wmf", std::string("\1\0\x09\0", 4)},
+    };
+    for (const auto& [name, contentType, content] : thumbnails) {
+        SignedSample sample;
+        sample.sign();
+        image(name, contentType, content)(sample);
+        EXPECT_TRUE(sample.verify().isYes()) << name << reasonsOf(sample.verify());
+    }
 }
 
 /// The signature of another package, or parts of one, and elements that change their places, all without the key.

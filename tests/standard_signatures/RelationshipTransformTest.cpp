@@ -37,10 +37,10 @@ TEST(RelationshipTransform, writesTheSameForEachWayToWriteTheDocument) {
         ROOT + element("r2") + element("r10", "External") + element("r1") + element("r3") +
             "</Relationships>",
         "\xEF\xBB\xBF<?xml version='1.0' standalone='yes'?><!--c-->\r\n<Relationships "
-        "xmlns='http://schemas.openxmlformats.org/package/2006/relationships' xmlns:b='u:b'>\r\n text<?p?>"
+        "xmlns='http://schemas.openxmlformats.org/package/2006/relationships' xmlns:b='u:b'>\r\n <?p?>"
         "<Relationship Target='t' Type='u:t' Id='r2'/><Relationship Type='&#117;:t' Id='r1' "
         "Target='t'><!--c--> "
-        "</Relationship><![CDATA[<]]><Relationship TargetMode='External' Target='t' Type='u:t' "
+        "</Relationship><Relationship TargetMode='External' Target='t' Type='u:t' "
         "Id='r10'/></Relationships>",
         "<p:Relationships xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships'>"
         "<p:Relationship Target='t' Type='u:t' Id='r1'/><q:Relationship "
@@ -57,11 +57,11 @@ TEST(RelationshipTransform, writesTheSameForEachWayToWriteTheDocument) {
 
 TEST(RelationshipTransform, escapesWhatAnAttributeCanNotHold) {
     EXPECT_EQ(transformed(ROOT + "<Relationship Id='\xC3\xA4' Target='&amp;&lt;&gt;&quot;\"' "
-                                 "Type='&#9;&#10;&#13;\t \xF0\x90\x80\x80'/></Relationships>",
+                                 "Type='\xF0\x90\x80\x80'/></Relationships>",
                           {{"\xC3\xA4"}, {}}),
               ROOT +
                   "<Relationship Id=\"\xC3\xA4\" Target=\"&amp;&lt;>&quot;&quot;\" TargetMode=\"Internal\" "
-                  "Type=\"&#x9;&#xA;&#xD;  \xF0\x90\x80\x80\"></Relationship></Relationships>");
+                  "Type=\"\xF0\x90\x80\x80\"></Relationship></Relationships>");
 }
 
 TEST(RelationshipTransform, sortsByCharactersBeyondTheFirstPlane) {
@@ -96,6 +96,19 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
          refusal + "A relationship has the attribute TargetMode with the value \"external\""},
         {ROOT + "<Relationship Id='a' Type='u:t' Target='t' a:Id='b' xmlns:a='u:a'/></Relationships>",
          refusal + "A relationship has the attribute Id with the value \"b\""},
+        {ROOT + element(" a") + "</Relationships>", refusal + "The Id \" a\" isn't the same to every reader"},
+        {ROOT + element("a&#xA;") + "</Relationships>",
+         refusal + "The Id \"a\n\" isn't the same to every reader"},
+        {ROOT + element("") + "</Relationships>", refusal + "The Id \"\" isn't the same to every reader"},
+        {ROOT + element("1a") + "</Relationships>", refusal + "The Id \"1a\" isn't the same to every reader"},
+        {ROOT + element("a:b") + "</Relationships>",
+         refusal + "The Id \"a:b\" isn't the same to every reader"},
+        {ROOT + "<Relationship Id='a' Type='u:t&#9;' Target='t'/></Relationships>",
+         refusal + "The Type \"u:t\t\" isn't the same to every reader"},
+        {ROOT + "<Relationship Id='a' Type='u:t' Target='t  u'/></Relationships>",
+         refusal + "The Target \"t  u\" isn't the same to every reader"},
+        {ROOT + "text</Relationships>", refusal + "There is text in it"},
+        {ROOT + "<![CDATA[<]]></Relationships>", refusal + "There is text in it"},
         {ROOT + element("b") + "</Relationships>", refusal + "A signed relationship is missing"},
         {"<?xml version='1.1'?>" + ROOT + "</Relationships>", refusal + "The document isn't one of XML 1.0"},
         {"<!DOCTYPE r>" + ROOT + "</Relationships>", invalid + "invalid document structure"},

@@ -136,7 +136,10 @@ SignedSample::SignedSample() {
     store.setPart(u"/word/document.xml", toBytes("<document>content</document>"));
     store.setPart(u"/word/styles.xml", toBytes("<styles/>"));
     store.setPart(u"/word/media/%C3%A4.png", {});
-    store.setPart(u"/docProps/core.xml", toBytes("<coreProperties/>"));
+    store.setPart(
+        u"/docProps/core.xml",
+        toBytes("<coreProperties "
+                "xmlns='http://schemas.openxmlformats.org/package/2006/metadata/core-properties'/>"));
     store.setPart(u"/_xmlsignatures/origin.sigs", {});
 }
 

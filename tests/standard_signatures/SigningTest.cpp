@@ -295,7 +295,7 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
         bool isSigned;
     } cases[] = {
         {"a letter that a URI can't have", inDocument("%C3%A4.png", "\xC3\xA4.png"), true},
-        {"a space in a target", inDocument("'styles.xml'", "' styles.xml'"), true},
+        {"a space in a target", inDocument("'styles.xml'", "' styles.xml'"), false},
         {"a prefix",
          inDocument("<Relationship Id='rId10'",
                     "<p:Relationship xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships' "
@@ -311,7 +311,17 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
                     "xmlns:mc='http://schemas.openxmlformats.org/markup-compatibility/2006' "
                     "mc:Ignorable='a'"),
          false},
-        {"text", adding("text"), true},
+        {"text", adding("text"), false},
+        {"a part in a part",
+         [](SignedSample& it) { it.store.setPart(u"/word/styles.xml/a.png", toBytes("png")); }, false},
+        {"two origins",
+         [](SignedSample& it) {
+             it.replace(
+                 u"/_rels/.rels", "</Relationships>",
+                 "<Relationship Id='x' Target='word/styles.xml' Type='http://schemas.openxmlformats.org/"
+                 "package/2006/relationships/digital-signature/origin'/></Relationships>");
+         },
+         false},
         {"nothing that can be read", [&](SignedSample& it) { it.store.setPart(document, toBytes("<")); },
          false},
         {"a part without content type",

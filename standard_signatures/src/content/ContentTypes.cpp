@@ -51,6 +51,10 @@ public:
         ++depth;
     }
     void onEnd() override { --depth; }
+    void onText(std::u16string_view text) override {
+        if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+            refuseTypes("The content types have text");
+    }
 
 private:
     void add(const model::XmlElement& element, std::u16string_view keyName, bool isDefault) {

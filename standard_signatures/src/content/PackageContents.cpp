@@ -1,5 +1,6 @@
 #include "content/PackageContents.hpp"
 
+#include "content/ContentForm.hpp"
 #include "content/ContentTypes.hpp"
 #include "crypto/Digest.hpp"
 #include "crypto/Methods.hpp"
@@ -12,7 +13,6 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
 
-#include <array>
 #include <map>
 #include <utility>
 #include <variant>
@@ -114,20 +114,30 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
     return valueOf(known->relationships.emplace(&part, std::move(outcome)).first->second);
 }
 
-const Reason* PackageContents::whyUnreadable(const StoredPart& part) {
+const Reason* PackageContents::whyUnfit(const StoredPart& part, const ContentForm& form) {
     const auto [found, isNew] = known->readings.try_emplace(&part);
     std::optional<Reason>& failure = found->second;
     if (isNew) {
         try {
-            const std::unique_ptr<InputStream> stream = open(part);
-            std::array<unsigned char, 16384> block{};
-            while (!stream->isDone())
-                stream->read(block.data(), block.size());
+            if (!form.isIn(*open(part)))
+                failure = Reason{Reason::Code::PartUnreadable, part.name,
+                                 "its content isn't signed, and hasn't the form of what needn't be"};
         } catch (const Exception& e) {
-            failure = Reason{Reason::Code::PartUnreadable, part.name, failureText(e)};
+            failure = Reason{Reason::Code::PartUnreadable, part.name,
+                             "its content can't be read: " + failureText(e)};
         }
     }
     return failure ? &*failure : nullptr;
+}
+
+std::optional<std::string> PackageContents::findOuterPart(const StoredPart& part) const {
+    for (std::size_t slash = part.name.find('/', 1); slash != std::string::npos;
+         slash = part.name.find('/', slash + 1)) {
+        const std::string outer = part.name.substr(0, slash);
+        if (find(outer) != nullptr || keyOf(outer) == "/[content_types].xml")
+            return outer;
+    }
+    return std::nullopt;
 }
 
 Digester& PackageContents::digester() {

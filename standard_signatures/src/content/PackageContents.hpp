@@ -21,6 +21,7 @@ class IPhysicalPart;
 
 namespace opc::standard_signatures {
 
+struct ContentForm;
 struct DigestMethod;
 class Digester;
 
@@ -66,8 +67,13 @@ public:
     const std::vector<unsigned char>& digest(const StoredPart& part, const DigestMethod& method);
 
     /// Reads a part that nothing signs to its end, once: a damaged one can hide what other programs find there.
-    /// @return why it can't be read; null if it can
-    const Reason* whyUnreadable(const StoredPart& part);
+    /// @param form  always the same one for a part
+    /// @return why it can't be read, or hasn't this form; null if nothing is wrong
+    const Reason* whyUnfit(const StoredPart& part, const ContentForm& form);
+
+    /// The part whose name with a slash begins the name of this one [M1.11]. No folder can hold both, so that an extraction
+    /// loses one of them.
+    std::optional<std::string> findOuterPart(const StoredPart& part) const;
 
     /// Computes other digests.
     Digester& digester();

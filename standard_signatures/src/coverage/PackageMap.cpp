@@ -5,71 +5,71 @@
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
 namespace opc::standard_signatures {
 
 namespace {
 
-/// The type of a relationship, and that of the part to which it leads: whole, or with a slash at its end.
-struct PartKind {
+using FormKind = ContentForm::Kind;
+
+/// To what a relationship leads.
+struct TypedTarget {
     std::string_view relationship;
-    std::string_view contentType;
+    FormKind target;
 };
 
-constexpr std::string_view CORE_PROPERTIES = "application/vnd.openxmlformats-package.core-properties+xml";
-constexpr std::string_view EXTENDED_PROPERTIES =
-    "application/vnd.openxmlformats-officedocument.extended-properties+xml";
-constexpr std::string_view CUSTOM_PROPERTIES =
-    "application/vnd.openxmlformats-officedocument.custom-properties+xml";
-
-constexpr PartKind LEFT_OUT_BY_CUSTOM[] = {
+constexpr TypedTarget LEFT_OUT_BY_CUSTOM[] = {
     {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
-     CORE_PROPERTIES},
+     FormKind::CoreProperties},
     // a common mistake:
     {"http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/core-properties",
-     CORE_PROPERTIES},
-    {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail", "image/"},
+     FormKind::CoreProperties},
+    {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail", FormKind::Thumbnail},
     {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties",
-     EXTENDED_PROPERTIES},
+     FormKind::ExtendedProperties},
     {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties",
-     CUSTOM_PROPERTIES},
-    {"http://purl.oclc.org/ooxml/officeDocument/relationships/extendedProperties", EXTENDED_PROPERTIES},
-    {"http://purl.oclc.org/ooxml/officeDocument/relationships/customProperties", CUSTOM_PROPERTIES},
+     FormKind::CustomProperties},
+    {"http://purl.oclc.org/ooxml/officeDocument/relationships/extendedProperties",
+     FormKind::ExtendedProperties},
+    {"http://purl.oclc.org/ooxml/officeDocument/relationships/customProperties", FormKind::CustomProperties},
 };
 
-constexpr PartKind OF_SIGNATURES[] = {
-    {ORIGIN_RELATIONSHIP, ORIGIN_CONTENT_TYPE},
-    {SIGNATURE_RELATIONSHIP, SIGNATURE_CONTENT_TYPE},
-    {CERTIFICATE_RELATIONSHIP, CERTIFICATE_CONTENT_TYPE},
+constexpr TypedTarget OF_SIGNATURES[] = {
+    {ORIGIN_RELATIONSHIP, FormKind::Origin},
+    {SIGNATURE_RELATIONSHIP, FormKind::Signature},
+    {CERTIFICATE_RELATIONSHIP, FormKind::Certificate},
 };
 
 template <std::size_t Size>
-const PartKind* findKind(const PartKind (&kinds)[Size], std::string_view relationship) {
-    const auto* const found = std::find_if(kinds, kinds + Size, [relationship](const PartKind& one) {
+const TypedTarget* findKind(const TypedTarget (&kinds)[Size], std::string_view relationship) {
+    const auto* const found = std::find_if(kinds, kinds + Size, [relationship](const TypedTarget& one) {
         return one.relationship == relationship;
     });
     return found == kinds + Size ? nullptr : found;
 }
 
-/// Whether a part is what a relationship says that leads to it. Otherwise such a relationship could excuse any part of the
-/// content from being signed.
-bool isOfKind(const StoredPart& part, const PartKind& kind) {
-    if (!part.contentType)
-        return false;
-    const std::string type = keyOf(*part.contentType);
-    return kind.contentType.back() == '/' ? type.compare(0, kind.contentType.size(), kind.contentType) == 0
-                                          : type == kind.contentType;
+/// To what a relationship leads because of which a part needn't be signed.
+const TypedTarget* excusedBy(const MappedRelationship& relationship) {
+    const std::string_view type = relationship.values->type;
+    return relationship.role == RelationshipRole::Content        ? nullptr
+           : relationship.role == RelationshipRole::OfSignatures ? findKind(OF_SIGNATURES, type)
+                                                                 : findKind(LEFT_OUT_BY_CUSTOM, type);
 }
 
-/// Whether the part needn't be signed because of this relationship.
-bool excuses(const MappedRelationship& relationship) {
-    const std::string_view type = relationship.values->type;
-    const PartKind* const kind = relationship.role == RelationshipRole::Content ? nullptr
-                                 : relationship.role == RelationshipRole::OfSignatures
-                                     ? findKind(OF_SIGNATURES, type)
-                                     : findKind(LEFT_OUT_BY_CUSTOM, type);
-    return kind != nullptr && isOfKind(*relationship.target, *kind);
+/// The form of the part if it is what the relationship says that leads to it. Otherwise such a relationship could excuse any
+/// part of the content from being signed.
+const ContentForm* formOfTarget(const MappedRelationship& relationship, const TypedTarget& kind) {
+    const StoredPart& part = *relationship.target;
+    return part.contentType ? ContentForm::find(kind.target, part.name, *part.contentType) : nullptr;
+}
+
+/// Whether a target that should be a part leads to another host, or has a scheme: some programs go there.
+bool leadsOutside(std::string_view target) {
+    std::string path = decodePercent(target);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path.compare(0, 2, "//") == 0 || path.substr(0, path.find('/')).find(':') != std::string::npos;
 }
 
 /// Whether a type could be taken for that of the main document, by a program that isn't strict about it.
@@ -85,10 +85,21 @@ PackageMap::PackageMap(PackageContents& contents) {
     collect(contents);
     giveRoles();
     std::unordered_set<const StoredPart*> seen;
+    std::map<FormKind, const StoredPart*> firstByCustom;
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)
             continue;
-        (excuses(one) ? exempt : contentTargets).insert(one.target);
+        const TypedTarget* const kind = excusedBy(one);
+        const ContentForm* const form = kind == nullptr ? nullptr : formOfTarget(one, *kind);
+        if (form == nullptr)
+            contentTargets.insert(one.target);
+        else
+            exempt.emplace(one.target, form);
+        if (form != nullptr && one.role == RelationshipRole::LeftOutByCustom) {
+            const auto [first, isFirst] = firstByCustom.emplace(form->kind, one.target);
+            if (first->second != one.target)
+                contentTargets.insert({first->second, one.target});
+        }
         if (one.role == RelationshipRole::OfSignatures)
             ofSignatures.insert(one.target);
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
@@ -132,7 +143,9 @@ void PackageMap::giveRoles() {
     std::unordered_set<const StoredPart*> certificates;
     give(
         ORIGIN_RELATIONSHIP,
-        [](const MappedRelationship& one, const StoredPart*) { return *one.document->source == "/"; },
+        [](const MappedRelationship& one, const StoredPart*) {
+            return *one.document->source == "/" && !leadsOutside(one.values->target);
+        },
         origins);
     give(
         SIGNATURE_RELATIONSHIP,
@@ -147,13 +160,29 @@ void PackageMap::giveRoles() {
         },
         certificates);
     for (MappedRelationship& one : all)
-        if (*one.document->source == "/" && !one.values->isExternal &&
+        if (*one.document->source == "/" && !one.values->isExternal && !leadsOutside(one.values->target) &&
             findKind(LEFT_OUT_BY_CUSTOM, one.values->type) != nullptr)
             one.role = RelationshipRole::LeftOutByCustom;
 }
 
 bool PackageMap::hasMainDocument() const {
     return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) { return one.isMain; });
+}
+
+const MappedRelationship* PackageMap::secondOrigin() const {
+    const MappedRelationship* first = nullptr;
+    for (const MappedRelationship& one : all)
+        if (one.role == RelationshipRole::OfSignatures && one.values->type == ORIGIN_RELATIONSHIP) {
+            if (first != nullptr)
+                return &one;
+            first = &one;
+        }
+    return nullptr;
+}
+
+const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
+    const auto found = exempt.find(&part);
+    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
 }
 
 const StoredPart* PackageMap::origin() const {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "content/ContentForm.hpp"
 #include "content/PackageContents.hpp"
 
 #include <opc/standard_signatures/Reason.hpp>
 
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -48,6 +50,9 @@ public:
     /// The first origin of signatures; null if there is none.
     const StoredPart* origin() const;
 
+    /// A further relationship to an origin, of which a package has one [M6.1]; null if there is none.
+    const MappedRelationship* secondOrigin() const;
+
     /// The part in which the relationship stands; null for the package.
     const StoredPart* sourceOf(const MappedRelationship& relationship) const {
         return sources[static_cast<std::size_t>(&relationship - all.data())];
@@ -56,10 +61,11 @@ public:
     /// The certificates that the relationships of a signature part lead to.
     std::vector<const StoredPart*> certificatesOf(const StoredPart& signature) const;
 
-    /// Whether only relationships that needn't be signed lead to the part.
-    bool isExempt(const StoredPart& part) const {
-        return exempt.count(&part) != 0 && contentTargets.count(&part) == 0;
-    }
+    /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
+    /// custom leaves out.
+    /// @return null if it must be signed: something else leads to it, or its name or content type isn't that of such a part
+    const ContentForm* exemptFormOf(const StoredPart& part) const;
+    bool isExempt(const StoredPart& part) const { return exemptFormOf(part) != nullptr; }
     bool isOfSignatures(const StoredPart& part) const { return ofSignatures.count(&part) != 0; }
 
 private:
@@ -70,7 +76,8 @@ private:
     std::vector<Reason> failures;
     std::vector<interfaces::MisnamedItem> misnamed;
     std::vector<const StoredPart*> signatureParts;
-    std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, exempt, ofSignatures, contentTargets;
+    std::unordered_map<const StoredPart*, const ContentForm*> exempt;
+    std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
 

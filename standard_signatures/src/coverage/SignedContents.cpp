@@ -21,6 +21,7 @@ public:
     CoverageAnswer run() {
         compareParts();
         compareRelationships();
+        compareOrigins();
         compareMainDocument();
         for (const interfaces::IgnoredItem& item : package.ignoredItems())
             addGap({GapKind::Item, toUDEString(item.name), {}, {}, "isn't a part: " + item.reason});
@@ -54,6 +55,8 @@ private:
                 addGap({GapKind::Item, part.name, {}, {}, "there is more than one part with this name"});
             if (!part.contentType)
                 addGap({GapKind::Item, part.name, {}, {}, "it has no content type"});
+            if (const auto outer = package.findOuterPart(part))
+                addGap({GapKind::Item, part.name, {}, {}, "its name begins with that of the part " + *outer});
             if (part.source) {
                 if (part.contentType && keyOf(*part.contentType) != RELATIONSHIPS_CONTENT_TYPE)
                     addGap({GapKind::Item, part.name, {}, {}, "it hasn't the content type of relationships"});
@@ -63,10 +66,10 @@ private:
                 ++answer.signedParts;
                 if (contents.contentTypes.count(&part) == 0)
                     addGap({GapKind::ContentType, part.name, {}, {}, "its content type isn't signed"});
-            } else if (!map.isExempt(part)) {
+            } else if (const ContentForm* const form = map.exemptFormOf(part); form == nullptr) {
                 addGap({GapKind::Part, part.name, {}, {}, "its content isn't signed"});
-            } else if (const Reason* const failure = package.whyUnreadable(part)) {
-                addGap({GapKind::Part, part.name, {}, {}, "its content can't be read: " + failure->text});
+            } else if (const Reason* const failure = package.whyUnfit(part, *form)) {
+                addGap({GapKind::Part, part.name, {}, {}, failure->text});
             } else if (!map.isOfSignatures(part)) {
                 addByCustom({GapKind::Part, part.name, {}, {}, "its content isn't signed, by custom"});
             }
@@ -88,6 +91,12 @@ private:
                              "the relationship isn't signed, by custom"});
             }
         }
+    }
+
+    void compareOrigins() {
+        if (const MappedRelationship* const second = map.secondOrigin())
+            addGap({GapKind::Relationship, "/", second->values->id, second->values->type,
+                    "more than one relationship leads to an origin of signatures"});
     }
 
     /// Other formats than those of office programs find their document in other ways.

@@ -24,11 +24,16 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     for (const interfaces::MisnamedItem& item : map.misnamedItems())
         throw SigningRefused("Other programs may take " + toUDEString(item.name) +
                              " for something else: " + item.reason);
+    if (map.secondOrigin() != nullptr)
+        throw SigningRefused("More than one relationship leads to an origin of signatures");
     for (const StoredPart& part : contents.parts()) {
         if (part.isAmbiguous)
             throw SigningRefused("There is more than one part with the name " + part.name);
         if (!part.contentType)
             throw SigningRefused("The part " + part.name + " has no content type");
+        if (const auto outer = contents.findOuterPart(part))
+            throw SigningRefused("The name of the part " + part.name + " begins with that of the part " +
+                                 *outer);
     }
 }
 
@@ -47,14 +52,19 @@ bool isSigned(RelationshipRole role, bool signsAll) {
     return role == RelationshipRole::Content || (signsAll && role == RelationshipRole::LeftOutByCustom);
 }
 
-SigningPlan planEverything(const PackageContents& contents, const PackageMap& map, bool signsAll) {
+SigningPlan planEverything(PackageContents& contents, const PackageMap& map, bool signsAll) {
     std::vector<const MappedRelationship*> chosen;
     for (const MappedRelationship& one : map.relationships())
         if (isSigned(one.role, signsAll))
             chosen.push_back(&one);
     SigningPlan plan = planRelationships(chosen);
+    const auto mustSign = [&](const StoredPart& part) {
+        const ContentForm* const form = map.exemptFormOf(part);
+        return form == nullptr || contents.whyUnfit(part, *form) != nullptr ||
+               (signsAll && !map.isOfSignatures(part));
+    };
     for (const StoredPart& part : contents.parts())
-        if (!part.source && (!map.isExempt(part) || (signsAll && !map.isOfSignatures(part))))
+        if (!part.source && mustSign(part))
             plan.parts.push_back(&part);
     return plan;
 }

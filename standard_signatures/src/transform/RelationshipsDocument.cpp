@@ -42,6 +42,10 @@ public:
             refuseRelationships("The root element has an attribute");
     }
     void onEnd() override { --depth; }
+    void onText(std::u16string_view text) override {
+        if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+            refuseRelationships("There is text in it");
+    }
 
 private:
     void add(const model::XmlElement& element) {
@@ -58,10 +62,28 @@ private:
         document.relationships.push_back(std::move(values));
     }
 
+    /// Whether nothing changes when white space is collapsed, as schemas do.
+    static bool isCollapsed(std::u16string_view value) {
+        return value.find_first_of(u"\t\r\n") == std::u16string_view::npos &&
+               value.find(u"  ") == std::u16string_view::npos &&
+               (value.empty() || (value.front() != u' ' && value.back() != u' '));
+    }
+
+    /// Whether it is a name without a colon, as the type of IDs wants it; not all of Unicode's rules are applied.
+    static bool isID(std::u16string_view value) {
+        constexpr std::u16string_view NEVER = u" !\"#$%&'()*+,/:;<=>?@[\\]^`{|}~";
+        constexpr std::u16string_view NOT_FIRST = u"-.0123456789";
+        return !value.empty() && value.find_first_of(NEVER) == std::u16string_view::npos &&
+               NOT_FIRST.find(value.front()) == std::u16string_view::npos;
+    }
+
     static unsigned take(const model::XmlAttribute& attribute, RelationshipValues& values) {
         const std::u16string_view name =
             attribute.namespaceURI.empty() ? attribute.localName : std::u16string_view();
         const std::u16string_view value = attribute.value;
+        if (!isCollapsed(value) || (name == u"Id" && !isID(value)))
+            refuseRelationships("The " + narrow(attribute.localName) + " \"" + narrow(value) +
+                                "\" isn't the same to every reader");
         if (name == u"Id")
             values.id = narrow(value);
         else if (name == u"Type")

@@ -1,0 +1,124 @@
+#include "content/ContentForm.hpp"
+
+#include "names/PartNames.hpp"
+#include "names/SignatureParts.hpp"
+#include "xml/Narrow.hpp"
+
+#include <opc/model/Errors.hpp>
+#include <opc/model/XmlEvents.hpp>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+using namespace std::string_view_literals;
+using FormKind = ContentForm::Kind;
+
+constexpr ContentForm FORMS[] = {
+    {FormKind::CoreProperties,
+     "application/vnd.openxmlformats-package.core-properties+xml",
+     ".xml.psmdcp.prop.",
+     "coreProperties",
+     {"http://schemas.openxmlformats.org/package/2006/metadata/core-properties"}},
+    {FormKind::ExtendedProperties,
+     "application/vnd.openxmlformats-officedocument.extended-properties+xml",
+     ".xml.",
+     "Properties",
+     {"http://schemas.openxmlformats.org/officeDocument/2006/extended-properties",
+      "http://purl.oclc.org/ooxml/officeDocument/extendedProperties"}},
+    {FormKind::CustomProperties,
+     "application/vnd.openxmlformats-officedocument.custom-properties+xml",
+     ".xml.",
+     "Properties",
+     {"http://schemas.openxmlformats.org/officeDocument/2006/custom-properties",
+      "http://purl.oclc.org/ooxml/officeDocument/customProperties"}},
+    {FormKind::Thumbnail, "image/png", ".png.", "", {"\x89PNG\r\n\x1A\n"}},
+    {FormKind::Thumbnail, "image/jpeg", ".jpeg.jpg.", "", {"\xFF\xD8\xFF"}},
+    {FormKind::Thumbnail, "image/gif", ".gif.", "", {"GIF87a", "GIF89a"}},
+    {FormKind::Thumbnail, "image/bmp", ".bmp.", "", {"BM"}},
+    {FormKind::Thumbnail, "image/tiff", ".tif.tiff.", "", {"II*\0"sv, "MM\0*"sv}},
+    {FormKind::Thumbnail, "image/x-emf", ".emf.", "", {"\1\0\0\0"sv}},
+    {FormKind::Thumbnail, "image/x-wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
+    {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
+    {FormKind::Signature, SIGNATURE_CONTENT_TYPE, "", "", {}},
+    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"\x30"}},
+};
+
+/// Whether a name is unlikely to mean anything to a program that finds items by their names, as those of other formats do.
+bool isHarmless(std::string_view key) {
+    return key != "/mimetype" && key != "/content.xml" && key.substr(0, 10) != "/meta-inf/" &&
+           key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
+}
+
+bool hasExtension(std::string_view key, std::string_view extensions) {
+    const std::size_t dot = key.rfind('.');
+    return extensions.empty() ||
+           (dot != std::string_view::npos && key.find('/', dot) == std::string_view::npos &&
+            extensions.find(std::string(key.substr(dot)) + ".") != std::string_view::npos);
+}
+
+/// Compares the root element.
+class RootReader final : public model::XmlEvents {
+public:
+    explicit RootReader(const ContentForm& form) : form(form) {}
+
+    void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        if (isRoot)
+            isRight = isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
+                      (isText(element.namespaceURI(), form.beginning[0]) ||
+                       isText(element.namespaceURI(), form.beginning[1]));
+        isRoot = false;
+    }
+
+    bool isRight = false;
+
+private:
+    const ContentForm& form;
+    bool isRoot = true;
+};
+
+} // namespace
+
+const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::string_view contentType) {
+    const std::string key = keyOf(name);
+    const std::string type = keyOf(contentType);
+    const auto* const found = std::find_if(std::begin(FORMS), std::end(FORMS), [&](const ContentForm& one) {
+        return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
+    });
+    const bool isRefused = kind != Kind::Signature && !isHarmless(key); // a signature part is read whole
+    return found == std::end(FORMS) || isRefused ? nullptr : found;
+}
+
+bool ContentForm::isIn(InputStream& stream) const {
+    if (!rootName.empty()) {
+        RootReader reader(*this);
+        try {
+            model::readXmlDocument(stream, reader);
+        } catch (const model::InvalidXMLDocument&) {
+            return false;
+        }
+        return reader.isRight;
+    }
+    std::array<unsigned char, 16384> block{};
+    std::string first;
+    std::uint64_t size = 0;
+    while (!stream.isDone()) {
+        const std::uint64_t got = stream.read(block.data(), block.size());
+        const std::size_t left = 8 - first.size();
+        first.append(block.begin(),
+                     block.begin() + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(got, left)));
+        size += got;
+    }
+    if (kind == Kind::Origin)
+        return size == 0;
+    return beginning[0].empty() ||
+           std::any_of(std::begin(beginning), std::end(beginning), [&first](std::string_view one) {
+               return !one.empty() && first.compare(0, one.size(), one) == 0;
+           });
+}
+
+} // namespace opc::standard_signatures
