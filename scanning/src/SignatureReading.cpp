@@ -10,7 +10,6 @@ namespace opc::scanning {
 
 namespace {
 
-using model::JudgedSignature;
 using model::VerdictReason;
 using standard_signatures::CryptographyAnswer;
 using standard_signatures::VerifiedSignature;
@@ -23,8 +22,9 @@ State stateOf(const ScannedSignatures& all) {
     if (all.own.empty() && all.standard.signatures.empty())
         return State::Unsigned;
     const bool isOneBroken =
-        std::any_of(all.own.begin(), all.own.end(),
-                    [](const JudgedSignature& judged) { return !judged.holds; }) ||
+        std::any_of(
+            all.reasons.begin(), all.reasons.end(),
+            [](const VerdictReason& reason) { return reason.kind == VerdictReason::Kind::DoesNotHold; }) ||
         std::any_of(all.standard.signatures.begin(), all.standard.signatures.end(),
                     [](const VerifiedSignature& one) {
                         return one.cryptography.status == CryptographyAnswer::Status::Broken;

@@ -112,6 +112,7 @@ TEST(Scanner, verifiesBothProfiles) {
     };
     ScanOptions options;
     options.what = SIGNATURES;
+    const ScanOptions signaturesOnly = options; // trusts nobody
     options.ownPolicy = SignaturePolicy::byPublicKey(keys.getPublicKey());
     using State = ScannedSignatures::State;
     const auto read = [&](ZipPackage::Bytes bytes) {
@@ -125,6 +126,10 @@ TEST(Scanner, verifiesBothProfiles) {
     EXPECT_EQ(standard.state, State::Unproven); // who signed isn't known
     ASSERT_EQ(standard.standard.signatures.size(), 1U);
     EXPECT_TRUE(standard.standard.signatures[0].coverage.isComplete());
+
+    const auto byNobody =
+        readFile(bytesSource("x", makePackage(0, signOwn)), signaturesOnly).signatures.value();
+    EXPECT_EQ(byNobody.state, State::Unproven); // nothing has changed
 
     const auto change = [](Package& package) {
         opc::test::writeAll(package.getPart(PartName(u"/word/a.xml")), "<b/>");

@@ -46,8 +46,8 @@ OPC_SCANNING_EXPORT std::string resolveTarget(std::string_view source, std::stri
 struct ScannedSignatures {
     enum class State {
         Unsigned,
-        Holds, ///< yes: see `isYes`
-        Broken, ///< a signature doesn't hold: what it signs has changed, or in the own profile its signer isn't accepted
+        Holds,      ///< yes: see `isYes`
+        Broken,     ///< what a signature signs has changed, or it wasn't made by its key
         Unreadable, ///< a signature can't be read or checked
         Unproven, ///< nothing that is signed has changed, but something else keeps the answer from being yes
     };
