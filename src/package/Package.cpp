@@ -76,8 +76,9 @@ bool Package::isCreateOnly() const {
 std::vector<interfaces::IgnoredItem> Package::getIgnoredItems() const {
     throwIfNotOpen();
     interfaces::IPhysicalPackage& store = state().physicalPackage;
+    std::vector<interfaces::MisnamedItem> misnamed = store.getMisnamedItems(); // may find more to ignore
     std::vector<interfaces::IgnoredItem> items = store.getIgnoredItems();
-    for (interfaces::MisnamedItem& item : store.getMisnamedItems())
+    for (interfaces::MisnamedItem& item : misnamed)
         if (!item.isPiece) // which this library joins
             items.push_back(
                 {std::move(item.name), item.reason + ": other programs may take it for something else"});

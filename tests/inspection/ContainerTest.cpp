@@ -167,7 +167,7 @@ TEST(Container, breaksOneRule) {
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0104755U << 16; })},
         {"SEC-47", withDocument([](RawItem& item) { item.attributes = 0x10, item.versionMadeBy = 20; })},
         {"no SEC-47", withDocument([](RawItem& item) { item.attributes = 0100755U << 16; })},
-        {"no SEC-47",
+        {"SEC-47",
          withDocument([](RawItem& item) { item.attributes = 0120777U << 16, item.versionMadeBy = 20; })},
         {"SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, "word/other.xml"); })},
         {"no SEC-52", withDocument([](RawItem& item) { item.extra = pathField(item.name, item.name); })},

@@ -122,9 +122,26 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.localExtra = numbers(zeros) + numbers(zeros); }},
         {"", [](RawItem& it) { it.attributes = 0100644U << 16U | 0x20U; }},
-        {"", [](RawItem& it) { it.versionMadeBy = 20, it.attributes = 0120777U << 16U; }}, // not on Unix
         {"a: by its attributes it is a symbolic link\n",
          [](RawItem& it) { it.attributes = 0120777U << 16U; }},
+        {"a: by its attributes it is a symbolic link\n", // on BeOS, too
+         [](RawItem& it) { it.versionMadeBy = 0x1014, it.attributes = 0120777U << 16U; }},
+        {"", [](RawItem& it) { it.versionNeeded = 45, it.flags = 2; }},
+        {"a: it asks for more than other programs may have\n"
+         "a: it asks for more than other programs may have\n", // in both headers
+         [](RawItem& it) { it.versionNeeded = 52; }},
+        {"a: it asks for more than other programs may have\n",
+         [](RawItem& it) { it.changeLocal = [](RawItem& local) { local.versionNeeded = 63; }; }},
+        {"a: it asks for more than other programs may have\n"
+         "a: it asks for more than other programs may have\n",
+         [](RawItem& it) { it.flags = 0x20; }},
+        {"a: its data descriptor is missing\n", [](RawItem& it) { it.flags = 8; }},
+        {"a: its content has the mark of its end\n",
+         [](RawItem& it) {
+             it = stored("a", "PPK\3\4 another item");
+             it.streamed = true, it.flags = 8;
+         }},
+        {"", [](RawItem& it) { it = stored("a", "PK\3\4"); }},
         {"a: by its attributes it is a folder\n",
          [](RawItem& it) { it.versionMadeBy = 0x1314, it.attributes = 0040755U << 16U; }},
         {"a: by its attributes it is a folder\n",
@@ -134,7 +151,7 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
         {"", [](RawItem& it) { it.streamed = true, it.flags = 8; }},
         {"a: its content has the mark of its end\n",
          [](RawItem& it) {
-             it = stored("a", std::string(65534, 'x') + "PK\7\10");
+             it = stored("a", std::string(65533, 'x') + "PK\7\10");
              it.streamed = true, it.flags = 8;
          }},
         {"4 bytes in front of a that belong to no item: they aren't read here\n",

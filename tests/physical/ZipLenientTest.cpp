@@ -95,6 +95,8 @@ TEST(ZipLenient, readsUnfinishedDataOfAnySizeOnlyIfItIsTheRightContent) {
         package.open(OpenMode::ReadOnly);
         EXPECT_TRUE(content(*package.getParts()[0]) == noise(size)) << size;
         EXPECT_EQ(package.getOddities().size(), 1U) << size;
+        ASSERT_EQ(package.getMisnamedItems().size(), 1U) << size;
+        EXPECT_EQ(package.getMisnamedItems()[0].reason, "its compressed data has no last block");
         for (const auto& [damaged, message] :
              {std::pair{shorter, "damaged"}, {other, "its checksum is wrong"}}) {
             ZipPackage refused(makeZip({damaged}), lenient());

@@ -1,6 +1,7 @@
 #include "PhysicalSupport.hpp"
 #include "support/RawZip.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/physical/RandomAccessSource.hpp>
 
 #include <cerrno>
@@ -145,6 +146,25 @@ TEST(ZipSource, isRefusedWhereItLies) {
     items[2].offset = 0;
     Source overlapping(makeZip(items));
     EXPECT_FAILS(EBADMSG, "overlaps with", read(overlapping));
+}
+
+TEST(ZipSource, isReadForWhatOtherProgramsMayTakeForSomethingElse) {
+    std::vector<RawItem> items = someItems();
+    items[1].inFront = "{\\rtf1}";
+    Source source(makeZip(items));
+    ZipPackage package(source);
+    package.open(OpenMode::ReadOnly);
+    for (int i = 0; i < 2; ++i) { // once is enough
+        const auto misnamed = package.getMisnamedItems();
+        ASSERT_EQ(misnamed.size(), 1U);
+        EXPECT_EQ(opc::toUDEString(misnamed[0].name), "7 bytes in front of a.xml that belong to no item");
+    }
+    EXPECT_EQ(content(*find(package, u"/a.xml")), "some text");
+    items[1].listed = false;
+    Source hiding(makeZip(items));
+    ZipPackage other(hiding);
+    other.open(OpenMode::ReadOnly);
+    EXPECT_FAILS(EBADMSG, "an item that the directory doesn't list", other.getMisnamedItems());
 }
 
 TEST(ZipSource, isChangedInACopy) {

@@ -150,7 +150,7 @@ Outcome dropRights(Round& round, const Finding& finding) {
         return left(NO_SUCH_ITEM);
     const std::uint32_t kind = item->externalAttributes & KIND;
     if ((kind != 0 && kind != REGULAR) ||
-        physical::zip::kindByAttributes(item->versionMadeBy, item->externalAttributes, item->name) != nullptr)
+        physical::zip::kindByAttributes(item->externalAttributes, item->name) != nullptr)
         return left("Only who packed it knows the file that is meant");
     round.plan.touch(*item).losesRights = true;
     return mended("The item loses the rights of its owner and group");

@@ -107,9 +107,10 @@ void DirectoryReader::readEntry() {
 /// Records what an entry has beside the data that reading needs.
 void DirectoryReader::inspect(const unsigned char* record) {
     const auto item = static_cast<ItemIndex>(directory.entries.size() - 1);
-    if (const char* const kind =
-            kindByAttributes(read16(record + 4), read32(record + 38), directory.entries[item].name))
+    if (const char* const kind = kindByAttributes(read32(record + 38), directory.entries[item].name))
         directory.ambiguities.push_back({item, std::string("by its attributes it is ") + kind});
+    if (asksForMore(read16(record + 6), read16(record + 8)))
+        directory.ambiguities.push_back({item, ASKS_FOR_MORE});
     inspectFields(record + DIRECTORY_ENTRY_SIZE + read16(record + 28), read16(record + 30), item,
                   "its record in the directory", place, directory);
     if (const std::size_t size = read16(record + 32))
@@ -183,6 +184,13 @@ bool hasOtherNumbers(const ExtraField& field, const DirectoryEntry& entry) {
 }
 
 } // namespace
+
+bool asksForMore(std::uint16_t version, std::uint16_t flags) {
+    constexpr unsigned ZIP64_VERSION = 45; // of a program that reads ZIP64, in tenths
+    constexpr unsigned COMPRESSION_LEVEL = 3U << 1U;
+    return (version & 0xFFU) > ZIP64_VERSION ||
+           (flags & ~(COMPRESSION_LEVEL | DATA_DESCRIPTOR | NAME_IS_UTF8 | ENCRYPTION_FLAGS)) != 0;
+}
 
 std::string whyUnreadable(const DirectoryEntry& entry) {
     if (entry.flags & ENCRYPTION_FLAGS)

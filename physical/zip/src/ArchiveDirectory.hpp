@@ -66,6 +66,12 @@ struct ArchiveDirectory {
     std::vector<UnreadData> unread;
 };
 
+/// Whether an item asks for a newer program than its content needs, or has flags that its content doesn't need. Some programs
+/// leave it out then.
+/// @param version  that it asks for
+bool asksForMore(std::uint16_t version, std::uint16_t flags);
+constexpr const char* ASKS_FOR_MORE = "it asks for more than other programs may have";
+
 /// @return why the content of an item can't be read, as words for a message; empty if it can
 OPC_ZIP_EXPORT std::string whyUnreadable(const DirectoryEntry& entry);
 

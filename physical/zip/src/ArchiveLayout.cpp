@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <numeric>
 
 namespace opc::physical::zip {
@@ -18,6 +19,22 @@ constexpr std::size_t USUAL_HEADER = LOCAL_HEADER_SIZE + 64;
 
 /// How many bytes may belong to no item. They are searched. Normally there are none.
 constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
+
+constexpr std::size_t RECORD_SIGNATURE = 4; // bytes
+
+/// Whether there is the signature of a local header, a data descriptor, or a record of the directory or its end.
+bool holdsRecordSignature(const unsigned char* bytes, const unsigned char* end) {
+    static constexpr std::array<std::array<unsigned char, 2>, 6> AFTER_PK{
+        {{1, 2}, {3, 4}, {5, 6}, {6, 6}, {6, 7}, {7, 8}}};
+    for (; end - bytes >= std::ptrdiff_t{RECORD_SIGNATURE}; ++bytes) {
+        bytes = std::find(bytes, end - RECORD_SIGNATURE, 'P'); // or the last place
+        const std::array<unsigned char, 2> kind{bytes[2], bytes[3]};
+        if (bytes[0] == 'P' && bytes[1] == 'K' &&
+            std::find(AFTER_PK.begin(), AFTER_PK.end(), kind) != AFTER_PK.end())
+            return true;
+    }
+    return false;
+}
 
 class LayoutCheck {
 public:
@@ -31,7 +48,7 @@ private:
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
-    bool holdsDescriptor(const DirectoryEntry& entry, std::uint64_t start);
+    bool holdsRecord(const DirectoryEntry& entry, std::uint64_t start);
     void searchUnused(std::uint64_t start, std::uint64_t end, const char* side, std::string_view neighbour);
 
     ByteSource& archive;
@@ -63,26 +80,29 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const std::size_t headerSize = localHeaderSizeOf(header);
     inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
     const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
-    if (entry.method == STORE && (read16(header + 6) & DATA_DESCRIPTOR) != 0 &&
-        holdsDescriptor(entry, entry.offset + headerSize))
+    const bool isWrittenEarly = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
+    if (asksForMore(read16(header + 4), read16(header + 6)))
+        directory.ambiguities.push_back({index, ASKS_FOR_MORE});
+    if (isWrittenEarly && entry.method == STORE && holdsRecord(entry, entry.offset + headerSize))
         directory.ambiguities.push_back({index, "its content has the mark of its end"});
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
     const unsigned char* behind = count > 0 ? read(entry, contentEnd, descriptorBuffer, count) : nullptr;
     entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
+    if (isWrittenEarly && entry.end == contentEnd)
+        directory.ambiguities.push_back({index, "its data descriptor is missing"});
 }
 
-/// Whether the content of a stored item has the signature of a data descriptor. Programs that don't use the directory may
-/// take it for the end of the item, and what follows for further items.
+/// Whether the content of a stored item has the signature of a record. Programs that don't use the directory may take it for
+/// the end of the item, and what follows for further items.
 /// @param start  of the content
-bool LayoutCheck::holdsDescriptor(const DirectoryEntry& entry, std::uint64_t start) {
-    static constexpr std::array<unsigned char, 4> SIGNATURE = {'P', 'K', 7, 8};
+bool LayoutCheck::holdsRecord(const DirectoryEntry& entry, std::uint64_t start) {
     constexpr std::uint64_t BLOCK = 65536;
-    constexpr std::uint64_t STEP = BLOCK - SIGNATURE.size() + 1; // blocks overlap
+    constexpr std::uint64_t STEP = BLOCK - RECORD_SIGNATURE + 1; // blocks overlap
     for (std::uint64_t done = 0; done < entry.compressedSize; done += STEP) {
         const auto count = static_cast<std::size_t>(std::min(entry.compressedSize - done, BLOCK));
         const unsigned char* const bytes = read(entry, start + done, descriptorBuffer, count);
-        if (std::search(bytes, bytes + count, SIGNATURE.begin(), SIGNATURE.end()) != bytes + count)
+        if (holdsRecordSignature(bytes, bytes + count))
             return true;
     }
     return false;

@@ -19,10 +19,22 @@ ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string ar
     : source(std::move(archive)), where(std::move(archivePlace)), whenRead(options.whenRead),
       lenient(options.lenient) {
     readDirectory(*source, where, options, directory);
-    if (check == HeaderCheck::Now)
+    hasCheckedLayout = check == HeaderCheck::Now;
+    if (hasCheckedLayout)
         checkLayout(*source, where, directory);
     else
         findItemEnds(where, directory);
+}
+
+void ArchiveReader::checkLayoutNow() {
+    if (std::exchange(hasCheckedLayout, true))
+        return;
+    try {
+        checkLayout(*source, where, directory);
+    } catch (...) {
+        hasCheckedLayout = false;
+        throw;
+    }
 }
 
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,

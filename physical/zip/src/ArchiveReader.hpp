@@ -50,6 +50,9 @@ public:
     std::uint64_t bytesBehind() const { return source->size() - directory.archiveEnd; }
     ByteSource& bytes() const { return *source; }
 
+    /// Compares all local headers, and the whole layout of the archive, if that wasn't done yet.
+    void checkLayoutNow();
+
     /// The size of an item's entry in the directory.
     std::size_t recordSize(ItemIndex index) const;
 
@@ -115,6 +118,7 @@ private:
     std::function<void(std::uint64_t)> whenRead;
     bool lenient = false;
     bool comparesHeaders = true;
+    bool hasCheckedLayout = true;
     ArchiveDirectory directory;
     std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;

@@ -4,14 +4,10 @@
 
 namespace opc::physical::zip {
 
-const char* kindByAttributes(std::uint16_t madeBy, std::uint32_t attributes, std::string_view name) {
-    constexpr unsigned UNIX_SYSTEM = 3;
-    constexpr unsigned OSX_SYSTEM = 19;
+const char* kindByAttributes(std::uint32_t attributes, std::string_view name) {
     constexpr std::uint32_t DOS_LABEL = 0x08;
     constexpr std::uint32_t DOS_FOLDER = 0x10;
-    const unsigned system = madeBy >> 8U;
-    const bool isUnix = system == UNIX_SYSTEM || system == OSX_SYSTEM;
-    switch (isUnix ? attributes >> 16U & 0170000U : 0) {
+    switch (attributes >> 16U & 0170000U) { // a mode of Unix, whatever system has made the item
     case 0120000U:
         return "a symbolic link";
     case 0060000U:

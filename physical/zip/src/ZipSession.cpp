@@ -58,11 +58,7 @@ void ZipSession::load() {
         take(item, context.archive->item(item), pieces);
     joinPieces(pieces);
     checkNames();
-    for (const UnreadData& data : context.archive->unread()) {
-        ignored.push_back({data.item, data.what, false});
-        if (data.isLoose)
-            loose.push_back(data.what);
-    }
+    takeFindings();
     if (const std::uint64_t count = context.archive->bytesBehind())
         odd.push_back({"", {}, 0, describeBytesBehind(count), "not read, and dropped by the next save"});
 }
@@ -156,6 +152,27 @@ void ZipSession::ignore(ItemIndex item, const std::string& reason) {
     ignored.push_back({std::string(context.archive->item(item).name), reason});
 }
 
+/// Takes what the archive has found out beside its items, as far as that wasn't done yet.
+void ZipSession::takeFindings() {
+    const ArchiveReader& archive = *context.archive;
+    for (; otherNameCount < archive.otherNames().size(); ++otherNameCount)
+        checkOtherName(archive.otherNames()[otherNameCount]);
+    for (; unreadCount < archive.unread().size(); ++unreadCount) {
+        const UnreadData& data = archive.unread()[unreadCount];
+        ignored.push_back({data.item, data.what, false});
+        if (data.isLoose)
+            loose.push_back(data.what);
+    }
+}
+
+void ZipSession::checkOtherName(const OtherName& other) {
+    const std::string name = other.name.substr(0, other.name.find('\0'));
+    const ItemName meaning = readItemName(name);
+    if (meaning.kind == ItemName::Kind::Refused)
+        fail(context.archive->itemPlace(other.item), meaning.reason + " in its Unicode Path field", EBADMSG);
+    checkName(other.item, name, "by its Unicode Path field ");
+}
+
 /// Throws if an item could be taken for another one that belongs to the package.
 void ZipSession::checkNames() {
     const ArchiveReader& archive = *context.archive;
@@ -166,13 +183,6 @@ void ZipSession::checkNames() {
             continue;
         checkName(item, fromCodePage437(entry.storedName()), "by its name in code page 437 ");
         checkName(item, fromLatin1(entry.storedName()), "by its name in Latin-1 ");
-    }
-    for (const OtherName& other : archive.otherNames()) {
-        const std::string name = other.name.substr(0, other.name.find('\0'));
-        const ItemName meaning = readItemName(name);
-        if (meaning.kind == ItemName::Kind::Refused)
-            fail(archive.itemPlace(other.item), meaning.reason + " in its Unicode Path field", EBADMSG);
-        checkName(other.item, name, "by its Unicode Path field ");
     }
 }
 
@@ -252,9 +262,18 @@ std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
         else if (name.piece && name.kind != ItemName::Kind::Ignored)
             add(item, name, "it is a piece of an interleaved part", true);
     }
-    if (context.archive)
+    const auto addNamed = [&](ItemIndex item, std::string reason) {
+        add(item, readItemName(context.archive->item(item).name), std::move(reason), false);
+    };
+    if (context.archive) {
+        context.archive->checkLayoutNow();
+        takeFindings();
         for (const Ambiguity& one : context.archive->ambiguities())
-            add(one.item, readItemName(context.archive->item(one.item).name), one.reason, false);
+            addNamed(one.item, one.reason);
+        // Programs that don't use the directory read on in what follows.
+        for (const ItemIndex item : context.archive->unfinishedItems())
+            addNamed(item, "its compressed data has no last block");
+    }
     for (const std::string& bytes : loose)
         all.push_back({toString(bytes, true), "they aren't read here", false});
     return all;

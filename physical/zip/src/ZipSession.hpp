@@ -62,6 +62,8 @@ private:
     void ignore(ItemIndex item, const std::string& reason);
     bool belongsToPackage(ItemIndex item, const ItemName& name);
     void checkNames();
+    void checkOtherName(const OtherName& other);
+    void takeFindings();
     const char* whyMisnamed(const DirectoryEntry& entry, const ItemName& name) const;
     void checkName(ItemIndex item, std::string_view name, const std::string& how);
     void checkLimits(const DirectoryEntry& entry);
@@ -81,6 +83,8 @@ private:
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
     std::vector<std::string> loose;      ///< bytes that belong to no item
+    std::size_t otherNameCount = 0;      ///< how many other names of the archive were checked
+    std::size_t unreadCount = 0;         ///< how many of its unread data were taken
     std::vector<interfaces::Oddity> odd; ///< found at opening
 };
 

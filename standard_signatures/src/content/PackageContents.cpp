@@ -52,7 +52,9 @@ struct PackageContents::Known {
 };
 
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
-    : ignored(store.getIgnoredItems()), misnamed(store.getMisnamedItems()), known(std::make_unique<Known>()) {
+    : store(store), known(std::make_unique<Known>()) {
+    static_cast<void>(misnamedItems()); // which compares what a slow store has put off
+    ignored = store.getIgnoredItems();
     for (interfaces::IPhysicalPart* const physical : store.getParts()) {
         StoredPart part{decodePartName(narrow(physical->getName())), physical, {}, {}, false};
         std::string source;
@@ -64,12 +66,16 @@ PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
             all[twin->second].isAmbiguous = true;
         all.push_back(std::move(part));
     }
-    readContentTypes(store);
+    readContentTypes();
 }
 
 PackageContents::~PackageContents() = default;
 
-void PackageContents::readContentTypes(interfaces::IPhysicalPackage& store) {
+std::vector<interfaces::MisnamedItem> PackageContents::misnamedItems() const {
+    return store.getMisnamedItems();
+}
+
+void PackageContents::readContentTypes() {
     if (!store.usesContentTypeStream()) {
         for (StoredPart& part : all)
             part.contentType = narrow(part.physical->getContentType());

@@ -52,8 +52,8 @@ public:
     /// What the store contains beside the parts.
     const std::vector<interfaces::IgnoredItem>& ignoredItems() const { return ignored; }
 
-    /// What other programs may take for something else.
-    const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
+    /// What other programs may take for something else, with what was found in the contents that were read so far.
+    std::vector<interfaces::MisnamedItem> misnamedItems() const;
 
     /// Why no content type can be told; nothing if they can.
     const std::optional<Reason>& contentTypesFailure() const { return typesFailure; }
@@ -84,12 +84,12 @@ public:
 private:
     struct Known;
 
-    void readContentTypes(interfaces::IPhysicalPackage& store);
+    void readContentTypes();
 
+    interfaces::IPhysicalPackage& store;
     std::vector<StoredPart> all;
     std::unordered_map<std::string, std::size_t> byKey;
     std::vector<interfaces::IgnoredItem> ignored;
-    std::vector<interfaces::MisnamedItem> misnamed;
     std::optional<Reason> typesFailure;
     std::unique_ptr<Known> known;
 };

@@ -81,7 +81,7 @@ bool isMainType(std::string_view type) {
 
 } // namespace
 
-PackageMap::PackageMap(PackageContents& contents) {
+PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
     std::unordered_set<const StoredPart*> seen;
@@ -105,10 +105,6 @@ PackageMap::PackageMap(PackageContents& contents) {
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
-    const bool isOfOffice = hasMainDocument();
-    for (const interfaces::MisnamedItem& item : contents.misnamedItems())
-        if (isOfOffice || !item.isPiece)
-            misnamed.push_back(item);
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -183,6 +179,14 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
     return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
+}
+
+std::vector<interfaces::MisnamedItem> PackageMap::misnamedItems() const {
+    std::vector<interfaces::MisnamedItem> items = contents.misnamedItems();
+    if (!hasMainDocument())
+        items.erase(std::remove_if(items.begin(), items.end(), [](const auto& item) { return item.isPiece; }),
+                    items.end());
+    return items;
 }
 
 const StoredPart* PackageMap::origin() const {

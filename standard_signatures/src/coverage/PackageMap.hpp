@@ -45,7 +45,7 @@ public:
     bool hasMainDocument() const;
 
     /// What other programs may take for something else. Only office documents mustn't have pieces.
-    const std::vector<interfaces::MisnamedItem>& misnamedItems() const { return misnamed; }
+    std::vector<interfaces::MisnamedItem> misnamedItems() const;
 
     /// The first origin of signatures; null if there is none.
     const StoredPart* origin() const;
@@ -72,9 +72,9 @@ private:
     void collect(PackageContents& contents);
     void giveRoles();
 
+    const PackageContents& contents;
     std::vector<MappedRelationship> all;
     std::vector<Reason> failures;
-    std::vector<interfaces::MisnamedItem> misnamed;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;

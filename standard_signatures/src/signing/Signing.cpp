@@ -76,6 +76,7 @@ NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store, 
         ids.emplace_back("idSignedProperties");
     }
     NewSignature signature;
+    throwIfMisnamed(map); // of what was read meanwhile
     signature.coverage = computeCoverage(plan.signedContents(), contents, map);
     signature.unreachable = findUnreachable(contents, map);
     signature.dangling = findDangling(plan.signedContents(), map);

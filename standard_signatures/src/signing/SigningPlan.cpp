@@ -21,9 +21,7 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
         throw SigningRefused("The content types can't be signed: " + failure->text);
     for (const Reason& reason : map.unreadable())
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
-    for (const interfaces::MisnamedItem& item : map.misnamedItems())
-        throw SigningRefused("Other programs may take " + toUDEString(item.name) +
-                             " for something else: " + item.reason);
+    throwIfMisnamed(map);
     if (map.secondOrigin() != nullptr)
         throw SigningRefused("More than one relationship leads to an origin of signatures");
     for (const StoredPart& part : contents.parts()) {
@@ -123,6 +121,12 @@ SignedContents SigningPlan::signedContents() const {
     for (const Relationships& one : relationships)
         contents.relationships.insert(one.selected.begin(), one.selected.end());
     return contents;
+}
+
+void throwIfMisnamed(const PackageMap& map) {
+    for (const interfaces::MisnamedItem& item : map.misnamedItems())
+        throw SigningRefused("Other programs may take " + toUDEString(item.name) +
+                             " for something else: " + item.reason);
 }
 
 std::vector<std::string> findUnreachable(const PackageContents& contents, const PackageMap& map) {

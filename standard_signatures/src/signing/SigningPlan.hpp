@@ -25,6 +25,10 @@ struct SigningPlan {
     SignedContents signedContents() const;
 };
 
+/// Throws if other programs may take something for something else, as far as it was read.
+/// @throws SigningRefused
+void throwIfMisnamed(const PackageMap& map);
+
 /// The parts that no chain of relationships reaches from the package.
 std::vector<std::string> findUnreachable(const PackageContents& contents, const PackageMap& map);
 

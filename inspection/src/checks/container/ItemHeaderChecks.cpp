@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint16_t AES_METHOD = 99;
 /// @return what kind of file the attributes make of an item, if it isn't one that belongs into a package
 const char* dangerousKind(const ArchiveItem& item) {
-    if (const char* const kind = kindByAttributes(item.versionMadeBy, item.externalAttributes, item.name))
+    if (const char* const kind = kindByAttributes(item.externalAttributes, item.name))
         return kind;
     constexpr unsigned UNIX_SYSTEM = 3;
     constexpr unsigned OSX_SYSTEM = 19;

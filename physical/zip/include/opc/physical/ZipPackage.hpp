@@ -104,7 +104,8 @@ public:
 
     /// Gives what other programs may take for something else, as SECURITY.md lists it: by their names, by fields and attributes
     /// in their headers, or bytes that belong to no item, which the next save drops. Local headers that are compared when
-    /// they are read (see `RandomAccessSource`) count only as far as they are known.
+    /// they are read (see `RandomAccessSource`) are all compared now. A deflated item whose data has no last block
+    /// counts once it was read.
     std::vector<interfaces::MisnamedItem> getMisnamedItems() override;
 
     /// Lists what `ZipOptions::lenient` has accepted so far, including findings in the items that were read.
