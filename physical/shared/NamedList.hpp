@@ -121,9 +121,7 @@ private:
         return static_cast<Hash>((value ^ value >> 32) * 0x9E3779B97F4A7C15 >> 32);
     }
 
-    static std::uint64_t chooseBase() {
-        return randomNumber() % (modulo61::PRIME - 0x10000) + 0x10000;
-    }
+    static std::uint64_t chooseBase() { return randomNumber() % (modulo61::PRIME - 0x10000) + 0x10000; }
 
     Number& chainOf(Hash key) {
         return chains[static_cast<std::size_t>(std::uint64_t{key} * chains.size() >> 32)];

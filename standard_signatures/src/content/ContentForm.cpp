@@ -18,7 +18,7 @@ namespace {
 using namespace std::string_view_literals;
 using FormKind = ContentForm::Kind;
 
-constexpr ContentForm FORMS[] = {
+constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::CoreProperties,
      "application/vnd.openxmlformats-package.core-properties+xml",
      ".xml.psmdcp.prop.",
@@ -86,11 +86,12 @@ private:
 const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::string_view contentType) {
     const std::string key = keyOf(name);
     const std::string type = keyOf(contentType);
-    const auto* const found = std::find_if(std::begin(FORMS), std::end(FORMS), [&](const ContentForm& one) {
-        return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
-    });
+    const auto* const found =
+        std::find_if(std::begin(CONTENT_FORMS), std::end(CONTENT_FORMS), [&](const ContentForm& one) {
+            return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
+        });
     const bool isRefused = kind != Kind::Signature && !isHarmless(key); // a signature part is read whole
-    return found == std::end(FORMS) || isRefused ? nullptr : found;
+    return found == std::end(CONTENT_FORMS) || isRefused ? nullptr : found;
 }
 
 bool ContentForm::isIn(InputStream& stream) const {
