@@ -42,7 +42,9 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Thumbnail, "image/bmp", ".bmp.", "", {"BM"}},
     {FormKind::Thumbnail, "image/tiff", ".tif.tiff.", "", {"II*\0"sv, "MM\0*"sv}},
     {FormKind::Thumbnail, "image/x-emf", ".emf.", "", {"\1\0\0\0"sv}},
+    {FormKind::Thumbnail, "image/emf", ".emf.", "", {"\1\0\0\0"sv}}, // RFC 7903
     {FormKind::Thumbnail, "image/x-wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
+    {FormKind::Thumbnail, "image/wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
     {FormKind::Signature, SIGNATURE_CONTENT_TYPE, "", "", {}},
     {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"\x30"}},
