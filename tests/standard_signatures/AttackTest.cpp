@@ -150,7 +150,8 @@ TEST(StandardAttacks, PlayWithContentTypes) {
         {"gap: /_xmlsignatures/_rels/origin.sigs.rels it hasn't the content type of relationships",
          overriding("/_xmlsignatures/_rels/origin.sigs.rels")},
         {"The content types have text", adding("text")},
-        {"The content types are neither in UTF-8 nor in UTF-16", replacingTypes("UTF-8", "ISO-8859-1")},
+        {"The content types have an instruction to programs", adding("<?a b?>")},
+        {"The document says that it is in UTF-16", replacingTypes("UTF-8", "UTF-16")},
     };
     expectNoYes(cases);
 }

@@ -37,7 +37,7 @@ TEST(RelationshipTransform, writesTheSameForEachWayToWriteTheDocument) {
         ROOT + element("r2") + element("r10", "External") + element("r1") + element("r3") +
             "</Relationships>",
         "\xEF\xBB\xBF<?xml version='1.0' standalone='yes'?><!--c-->\r\n<Relationships "
-        "xmlns='http://schemas.openxmlformats.org/package/2006/relationships' xmlns:b='u:b'>\r\n <?p?>"
+        "xmlns='http://schemas.openxmlformats.org/package/2006/relationships' xmlns:b='u:b'>\r\n "
         "<Relationship Target='t' Type='u:t' Id='r2'/><Relationship Type='&#117;:t' Id='r1' "
         "Target='t'><!--c--> "
         "</Relationship><Relationship TargetMode='External' Target='t' Type='u:t' "
@@ -110,7 +110,8 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
         {ROOT + "text</Relationships>", refusal + "There is text in it"},
         {ROOT + "<![CDATA[<]]></Relationships>", refusal + "There is text in it"},
         {ROOT + element("b") + "</Relationships>", refusal + "A signed relationship is missing"},
-        {"<?xml version='1.1'?>" + ROOT + "</Relationships>", refusal + "The document isn't one of XML 1.0"},
+        {ROOT + "<?p a?></Relationships>", refusal + "There is an instruction to programs in it"},
+        {"<?xml version='1.1'?>" + ROOT + "</Relationships>", invalid + "The document isn't one of XML 1.0"},
         {"<!DOCTYPE r>" + ROOT + "</Relationships>", invalid + "invalid document structure"},
         {ROOT + repeated("<Relationship Id='a' Type='' Target=''/>", 250001) + "</Relationships>",
          refusal + "There are more than 250000 relationships"},
@@ -121,6 +122,48 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
                   }),
                   outcome)
             << content.substr(0, 300);
+}
+
+/// Programs that trust the declaration read other characters than those that trust the bytes.
+TEST(RelationshipTransform, readsOnlyTheEncodingThatIsDeclared) {
+    const std::string right;
+    const std::string other =
+        "opc::model::InvalidXMLDocument: The document is neither in UTF-8 nor in UTF-16";
+    const std::string saysWide =
+        "opc::model::InvalidXMLDocument: The document says that it is in UTF-16, and is in UTF-8";
+    const std::string saysNarrow =
+        "opc::model::InvalidXMLDocument: The document says that it is in UTF-8, and is in UTF-16";
+    const std::string utf32("\0\0\xFE\xFF", 4);
+    const struct {
+        std::string declared, mark;
+        int zerosInFront, zerosBehind; // of each character
+        std::string outcome;
+    } cases[] = {
+        {"", "", 0, 0, right},
+        {"Utf-8", "", 0, 0, right},
+        {"UTF-8", "\xEF\xBB\xBF", 0, 0, right},
+        {"", "\xFF\xFE", 0, 1, right},
+        {"utf-16", "\xFE\xFF", 1, 0, right},
+        {"UTF-16", "", 0, 0, saysWide},
+        {"UTF-16", "\xEF\xBB\xBF", 0, 0, saysWide},
+        {"UTF-8", "\xFF\xFE", 0, 1, saysNarrow},
+        {"UTF-16", "", 0, 1, other},
+        {"", "", 1, 0, other},
+        {"UTF-16LE", "\xFF\xFE", 0, 1, other},
+        {"", utf32, 3, 0, other},
+        {"", {utf32.rbegin(), utf32.rend()}, 0, 3, other},
+        {"utf8", "", 0, 0, other},
+        {"ISO-8859-1", "", 0, 0, other},
+        {"US-ASCII", "", 0, 0, other},
+        {"UTF-7", "", 0, 0, other},
+    };
+    for (const auto& [declared, mark, zerosInFront, zerosBehind, outcome] : cases) {
+        const std::string encoding = declared.empty() ? "" : " encoding='" + declared + "'";
+        std::string text = mark;
+        for (const char c : "<?xml version='1.0'" + encoding + "?>" + ROOT + "</Relationships>")
+            text.append(zerosInFront, '\0').append(1, c).append(zerosBehind, '\0');
+        EXPECT_EQ(outcomeOf([&] { read(text); }), outcome) << declared << text.substr(0, 9);
+    }
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 #include "canonical/XmlTree.hpp"
 
 #include "memory/Arena.hpp"
-#include "xml/Encoding.hpp"
 #include "xml/Narrow.hpp"
+#include "xml/PackageDocument.hpp"
 
 #include <opc/model/Errors.hpp>
-#include <opc/model/XmlEvents.hpp>
 
 #include <algorithm>
 #include <deque>
@@ -13,39 +12,6 @@
 #include <vector>
 
 namespace opc::standard_signatures {
-
-namespace {
-
-[[noreturn]] void refuseDocument(const std::string& reason) {
-    throw model::InvalidXMLDocument(reason);
-}
-
-/// Counts what is read of a document. It is read a second time if its form is unusual.
-class BoundedStream final : public InputStream {
-public:
-    BoundedStream(InputStream& stream, std::uint64_t most) : stream(stream), most(most) {}
-
-    void open() override {
-        stream.open();
-        taken = 0;
-    }
-    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        const std::uint64_t got = stream.read(buffer, count);
-        taken += got;
-        if (taken > most)
-            refuseDocument("The document is longer than " + std::to_string(most) + " bytes");
-        return got;
-    }
-    bool isDone() const override { return stream.isDone(); }
-    void close() override { stream.close(); }
-
-private:
-    InputStream& stream;
-    const std::uint64_t most;
-    std::uint64_t taken = 0;
-};
-
-} // namespace
 
 /// What all texts, lists and nodes of a tree live in.
 class XmlTree::Memory {
@@ -108,22 +74,13 @@ private:
     Entry lastNamespace;
 };
 
-class XmlTree::Builder final : public model::XmlEvents {
+class XmlTree::Builder final : public PackageDocument {
 public:
     Builder(XmlTree& tree, const XmlTreeLimits& limits) : tree(tree), limits(limits) {}
 
-    void onVersion(std::u16string_view version) override {
-        if (version != u"1.0")
-            refuseDocument("The document isn't one of XML 1.0");
-    }
-    void onDeclaration(std::u16string_view encoding) override {
-        if (!isEncodingOfPackages(encoding))
-            refuseDocument("The document is neither in UTF-8 nor in UTF-16");
-    }
-
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         if (open.size() >= limits.depth)
-            refuseDocument("Elements are nested deeper than " + std::to_string(limits.depth));
+            refuse("Elements are nested deeper than " + std::to_string(limits.depth));
         count(element.attributeCount() + element.declarationCount());
         XmlTreeNode& node = append(XmlTreeNode::Kind::Element);
         node.name = tree.memory->keepName(element.localName());
@@ -154,7 +111,7 @@ private:
     void count(std::uint64_t more) {
         nodes += more;
         if (nodes > limits.nodes)
-            refuseDocument("The document has more than " + std::to_string(limits.nodes) + " nodes");
+            refuse("The document has more than " + std::to_string(limits.nodes) + " nodes");
     }
 
     XmlTreeNode& append(XmlTreeNode::Kind kind) {
@@ -233,9 +190,7 @@ XmlTree::~XmlTree() = default;
 
 XmlTree XmlTree::read(InputStream& stream, const XmlTreeLimits& limits) {
     XmlTree tree;
-    Builder builder(tree, limits);
-    BoundedStream bounded(stream, limits.bytes);
-    model::readXmlDocument(bounded, builder);
+    Builder(tree, limits).read(stream, limits.bytes);
     return tree;
 }
 

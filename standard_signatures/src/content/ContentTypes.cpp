@@ -2,16 +2,15 @@
 
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
-#include "xml/Encoding.hpp"
 #include "xml/Narrow.hpp"
-
-#include <opc/model/XmlEvents.hpp>
+#include "xml/PackageDocument.hpp"
 
 namespace opc::standard_signatures {
 
 namespace {
 
 constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
+constexpr std::uint64_t MOST_BYTES = 32U << 20;
 
 [[noreturn]] void refuseTypes(const std::string& text) {
     throw Refusal(Reason::Code::ContentTypeChanged, "[Content_Types].xml", text);
@@ -24,18 +23,10 @@ bool isExtension(std::string_view text) {
 
 } // namespace
 
-class ContentTypes::Reader final : public model::XmlEvents {
+class ContentTypes::Reader final : public PackageDocument {
 public:
     explicit Reader(ContentTypes& types) : types(types) {}
 
-    void onVersion(std::u16string_view version) override {
-        if (version != u"1.0")
-            refuseTypes("The content types aren't a document of XML 1.0");
-    }
-    void onDeclaration(std::u16string_view encoding) override {
-        if (!isEncodingOfPackages(encoding))
-            refuseTypes("The content types are neither in UTF-8 nor in UTF-16");
-    }
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const bool isDefault = element.localName() == u"Default";
         const bool isKnown =
@@ -54,6 +45,9 @@ public:
     void onText(std::u16string_view text) override {
         if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
             refuseTypes("The content types have text");
+    }
+    void onInstruction(std::u16string_view, std::u16string_view) override {
+        refuseTypes("The content types have an instruction to programs");
     }
 
 private:
@@ -77,8 +71,7 @@ private:
 
 ContentTypes ContentTypes::read(InputStream& stream) {
     ContentTypes types;
-    Reader reader(types);
-    model::readXmlDocument(stream, reader);
+    Reader(types).read(stream, MOST_BYTES);
     return types;
 }
 

@@ -2,10 +2,8 @@
 
 #include "reason/Refusal.hpp"
 #include "transform/RelationshipsNamespace.hpp"
-#include "xml/Encoding.hpp"
 #include "xml/Narrow.hpp"
-
-#include <opc/model/XmlEvents.hpp>
+#include "xml/PackageDocument.hpp"
 
 #include <algorithm>
 
@@ -17,18 +15,9 @@ namespace {
     throw Refusal(Reason::Code::RelationshipsRefused, "", reason);
 }
 
-class Reader final : public model::XmlEvents {
+class Reader final : public PackageDocument {
 public:
     explicit Reader(RelationshipsDocument& document) : document(document) {}
-
-    void onVersion(std::u16string_view version) override {
-        if (version != u"1.0")
-            refuseRelationships("The document isn't one of XML 1.0");
-    }
-    void onDeclaration(std::u16string_view encoding) override {
-        if (!isEncodingOfPackages(encoding))
-            refuseRelationships("The document is neither in UTF-8 nor in UTF-16");
-    }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const std::u16string_view expected = depth == 0 ? u"Relationships" : u"Relationship";
@@ -45,6 +34,9 @@ public:
     void onText(std::u16string_view text) override {
         if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
             refuseRelationships("There is text in it");
+    }
+    void onInstruction(std::u16string_view, std::u16string_view) override {
+        refuseRelationships("There is an instruction to programs in it");
     }
 
 private:
@@ -104,37 +96,11 @@ private:
     int depth = 0;
 };
 
-/// Counts what is read.
-class LimitedDocument final : public InputStream {
-public:
-    explicit LimitedDocument(InputStream& stream) : stream(stream) {}
-
-    void open() override {
-        stream.open();
-        taken = 0;
-    }
-    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        const std::uint64_t got = stream.read(buffer, count);
-        taken += got;
-        if (taken > RelationshipsDocument::MOST_BYTES)
-            throw Refusal(Reason::Code::BeyondLimit, "", "The relationships part is longer than 32 MiB");
-        return got;
-    }
-    bool isDone() const override { return stream.isDone(); }
-    void close() override { stream.close(); }
-
-private:
-    InputStream& stream;
-    std::uint64_t taken = 0;
-};
-
 } // namespace
 
 RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
     RelationshipsDocument document;
-    Reader reader(document);
-    LimitedDocument bounded(stream);
-    model::readXmlDocument(bounded, reader);
+    Reader(document).read(stream, MOST_BYTES);
     auto& all = document.relationships;
     std::sort(all.begin(), all.end(), [](const RelationshipValues& left, const RelationshipValues& right) {
         return left.id < right.id;

@@ -1,0 +1,91 @@
+#include "xml/PackageDocument.hpp"
+
+#include <opc/model/Errors.hpp>
+
+#include <algorithm>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+constexpr const char* OTHER_ENCODING = "The document is neither in UTF-8 nor in UTF-16";
+
+bool isNamed(std::u16string_view encoding, std::u16string_view upperCase) {
+    return std::equal(encoding.begin(), encoding.end(), upperCase.begin(), upperCase.end(),
+                      [](char16_t c, char16_t upper) {
+                          return c == upper || (c >= u'a' && c <= u'z' && c - u'a' + u'A' == upper);
+                      });
+}
+
+} // namespace
+
+/// The bytes of a document. They are read a second time if its form is unusual.
+class PackageDocument::CheckedBytes final : public InputStream {
+public:
+    CheckedBytes(InputStream& stream, std::uint64_t most, PackageDocument& document)
+        : stream(stream), most(most), document(document) {}
+
+    void open() override {
+        stream.open();
+        first.clear();
+        taken = 0;
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = stream.read(buffer, count);
+        if (taken < ENOUGH)
+            look(buffer, got);
+        taken += got;
+        if (taken > most)
+            refuse("The document is longer than " + std::to_string(most) + " bytes");
+        return got;
+    }
+    bool isDone() const override { return stream.isDone(); }
+    void close() override { stream.close(); }
+
+private:
+    static constexpr std::uint64_t ENOUGH = 4; ///< bytes, to tell an encoding
+
+    void look(const unsigned char* bytes, std::uint64_t count) {
+        first.append(bytes, bytes + std::min(count, ENOUGH - taken));
+        if (first.size() < ENOUGH)
+            return;
+        const bool hasMark = first.compare(0, 2, "\xFE\xFF") == 0 || first.compare(0, 2, "\xFF\xFE") == 0;
+        const bool isUTF32 = hasMark && first[2] == 0 && first[3] == 0;
+        const bool isOneByteEach = first.find('\0') == std::string::npos;
+        const bool isMarkup = std::string_view("<\xEF \t\r\n").find(first[0]) != std::string_view::npos;
+        if (isUTF32 || (!hasMark && !(isOneByteEach && isMarkup)))
+            refuse(OTHER_ENCODING);
+        document.isUTF16 = hasMark;
+    }
+
+    InputStream& stream;
+    const std::uint64_t most;
+    PackageDocument& document;
+    std::string first;
+    std::uint64_t taken = 0;
+};
+
+void PackageDocument::read(InputStream& stream, std::uint64_t mostBytes) {
+    CheckedBytes bytes(stream, mostBytes, *this);
+    model::readXmlDocument(bytes, *this);
+}
+
+void PackageDocument::refuse(const std::string& reason) {
+    throw model::InvalidXMLDocument(reason);
+}
+
+void PackageDocument::onVersion(std::u16string_view version) {
+    if (version != u"1.0")
+        refuse("The document isn't one of XML 1.0");
+}
+
+void PackageDocument::onDeclaration(std::u16string_view encoding) {
+    const bool saysUTF16 = isNamed(encoding, u"UTF-16");
+    if (!encoding.empty() && !saysUTF16 && !isNamed(encoding, u"UTF-8"))
+        refuse(OTHER_ENCODING);
+    if (!encoding.empty() && saysUTF16 != isUTF16)
+        refuse(saysUTF16 ? "The document says that it is in UTF-16, and is in UTF-8"
+                         : "The document says that it is in UTF-8, and is in UTF-16");
+}
+
+} // namespace opc::standard_signatures

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <opc/core/InputStream.hpp>
+#include <opc/model/XmlEvents.hpp>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace opc::standard_signatures {
+
+/// Receives what stands in a document of a package in which all programs read the same characters: it is XML 1.0, in UTF-8 or
+/// in UTF-16 behind its byte order mark [M1.17], and if it names its encoding, it is the one that its bytes have.
+class PackageDocument : public model::XmlEvents {
+public:
+    /// @param stream  open, at its first byte
+    /// @throws model::InvalidXMLDocument
+    /// @throws the exceptions of the stream, and of the functions that receive what stands in the document
+    void read(InputStream& stream, std::uint64_t mostBytes);
+
+    void onVersion(std::u16string_view version) final;
+    void onDeclaration(std::u16string_view encoding) final;
+
+protected:
+    [[noreturn]] static void refuse(const std::string& reason);
+
+private:
+    class CheckedBytes;
+
+    bool isUTF16 = false;
+};
+
+} // namespace opc::standard_signatures
