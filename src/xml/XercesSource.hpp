@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/DocumentEnd.hpp"
 #include "xml/LongTags.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -37,9 +38,10 @@ public:
         try {
             if (state.bytesSinceLastToken > LONGEST_TAG) // text is reported in pieces
                 throw InvalidXMLDocument(TAG_IS_TOO_LONG);
-            if (stream.isDone())
-                return 0;
             const std::uint64_t count = readEnough(toFill, maxToRead);
+            documentEnd.pass(toFill, static_cast<std::size_t>(count));
+            if (stream.isDone())
+                documentEnd.finish();
             position += count;
             state.bytesSinceLastToken += count;
             return static_cast<XMLSize_t>(count);
@@ -69,6 +71,7 @@ private:
 
     InputStream& stream;
     SourceState& state;
+    DocumentEnd documentEnd;
     XMLFilePos position = 0;
 };
 

@@ -105,7 +105,8 @@ TEST_F(Reading, takesAStringAsUTF16WhateverItDeclares) {
                                       u"<a>\xDC00</a>",
                                       u"<a>\uFFFE</a>",
                                       u"<a>&#1;</a>",
-                                      {u"<a>\0</a>", 8}};
+                                      {u"<a>\0</a>", 8},
+                                      {u"<a/>\0<b/>", 9}};
     for (const std::u16string& document : refused)
         EXPECT_THROW(read(document), InvalidXMLDocument);
 }

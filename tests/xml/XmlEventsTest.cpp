@@ -71,6 +71,7 @@ TEST(XmlEvents, areThoseOfTheParserInDocumentsBeyondOneBuffer) {
 
 TEST(XmlEvents, nameWhatIsWrongAndWhere) {
     const std::string deep = repeated("<a>", 1001);
+    const std::string zero = "the character U+0000 stands in the document ()";
     const struct {
         std::string document, failure;
     } cases[] = {
@@ -80,6 +81,12 @@ TEST(XmlEvents, nameWhatIsWrongAndWhere) {
         {"<a><b:c/></a>", "prefix 'b' can not be resolved to namespace URI (line 1, column 10)"},
         {"<a b='' b=''/>", "attribute 'b' is already specified for element 'a' (line 1, column 15)"},
         {"<!DOCTYPE a><a/>", "invalid document structure (line 1, column 10)"},
+        {std::string("<a/>\0<b/>", 9), zero}, // which ends a text for the parser
+        {std::string("<aa>\0</aa>", 10), zero},
+        {std::string("\xFF\xFE<\0a\0/\0>\0\0\0b\0", 14), zero},
+        {"<a/>\xFF<b/>", "the document ends within a character ()"}, // too short for the parser
+        {"<a/><!--\xC3\xA4-->\n\xC3", "the document ends within a character ()"},
+        {std::string("\xFF\xFE<\0a\0/\0>\0 ", 11), "the document ends within a character ()"},
         {deep, "XML content can not be nested deeper than 1000 elements (line 1)"},
         {"<a>" + repeated("<!---->", 10001) + "</a>",
          "XML content can not contain more than 10000 comments (line 1)"},
