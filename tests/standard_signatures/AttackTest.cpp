@@ -91,6 +91,8 @@ TEST(StandardAttacks, PlayWithNames) {
         {"gap: /word/media/a\xCC\x88.png its content isn't signed", addingPart(u"/word/media/a\u0308.png")},
         {"gap: /word/styles.xml.", addingPart(u"/word/styles.xml.")},
         {"gap: /word/document.xml/[0].piece", addingPart(u"/word/document.xml/[0].piece")},
+        {"gap: /word/media/%c3%a4.png it was signed with its name written in another way",
+         renaming(u"/word/media/%C3%A4.png", u"/word/media/%c3%a4.png")},
         {"gap: /word/document.xml its name begins with that of the part /word", addingPart(u"/word")},
         {"gap: /_rels/.rels/a.xml its name begins with that of the part /_rels/.rels",
          addingPart(u"/_rels/.rels/a.xml")},
@@ -126,9 +128,24 @@ TEST(StandardAttacks, PlayWithContentTypes) {
         {"isn't the name of a part", overriding(" /word/document.xml")},
         {"isn't the name of a part", overriding("/word/document.xml ")},
         {"isn't the name of a part", overriding("/word%2Fdocument.xml")},
+        {"isn't the name of a part", overriding("/word/document.xml?a")},
+        {"isn't the name of a part", overriding("/word/document.xml#a")},
+        {"isn't the name of a part", overriding("/word/document.xml|a")},
+        {"isn't the name of a part", overriding("/word/document.xml%00a")},
+        {"isn't the name of a part", overriding("/word/document.xml\u00A0")},
+        {"isn't the name of a part", overriding("/word/document.xml.")},
+        // by letter case alone another one than that of the part
+        {"/word/document.xml: Its content type is unknown",
+         replacingTypes(main, "PartName='/word/Document.xml'")},
+        {"gap: /word/a(1).xml it has no content type",
+         both(addingPart(u"/word/a(1).xml"), overriding("/word/a%281%29.xml"))},
+        {"gap: /word/_rels/document.xml.rels it has no content type",
+         replacingTypes("\"rels\"", "\"RELS\"")},
         {"isn't an extension", defaulting(".xml")},
         {"isn't an extension", defaulting("%78ml")},
         {"isn't an extension", defaulting("xml ")},
+        {"isn't an extension", defaulting("xml?")},
+        {"isn't an extension", defaulting("xml\u200D")},
         {"isn't an extension", defaulting("")},
         {"Two content types are given for png", defaulting("PNG")},
         {"The element Override doesn't belong into the content types",
@@ -235,6 +252,15 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
                            const std::string& content) {
         return with(thumbnail, name, contentType, content);
     };
+    const auto signature = [&](const std::string& name) {
+        const auto copy = [=](SignedSample& it) {
+            it.store.setPart(std::u16string(name.begin(), name.end()),
+                             it.store.partBytes(SignedSample::SIGNATURE));
+        };
+        return both(with(BASE + "digital-signature/signature", name,
+                         "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml", ""),
+                    copy);
+    };
     const std::string form = " its content isn't signed, and hasn't the form of what needn't be";
     const std::string unsignedCore = "gap: /docProps/core.xml its content isn't signed";
     const auto outside = [&](const std::string& target) { return adding(PACKAGE, thumbnail, target); };
@@ -247,6 +273,8 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: /a.svg its content isn't signed", image("/a.svg", "image/svg+xml", "<svg/>")},
         {"gap: /a.png its content isn't signed", image("/a.png", "image/jpeg", "\xFF\xD8\xFF")},
         {"gap: /a~1.png its content isn't signed", image("/a~1.png", "image/png", png)},
+        {"gap: /mimetype its content isn't signed", signature("/mimetype")},
+        {"gap: /_xmlsignatures/index.html its content isn't signed", signature("/_xmlsignatures/index.html")},
         {"gap: /a.png" + form, image("/a.png", "image/png", "")},
         {"gap: /a.png" + form, image("/a.png", "image/png", "\x89PNG evil")},
         {"gap: /a.png its content isn't signed", // one of two

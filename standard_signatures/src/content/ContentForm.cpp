@@ -46,7 +46,7 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Thumbnail, "image/x-wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Thumbnail, "image/wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
-    {FormKind::Signature, SIGNATURE_CONTENT_TYPE, "", "", {}},
+    {FormKind::Signature, SIGNATURE_CONTENT_TYPE, ".xml.psdsxs.sigs.", "", {}}, // which is read whole
     {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"\x30"}},
 };
 
@@ -92,8 +92,7 @@ const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::stri
         std::find_if(std::begin(CONTENT_FORMS), std::end(CONTENT_FORMS), [&](const ContentForm& one) {
             return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
         });
-    const bool isRefused = kind != Kind::Signature && !isHarmless(key); // a signature part is read whole
-    return found == std::end(CONTENT_FORMS) || isRefused ? nullptr : found;
+    return found == std::end(CONTENT_FORMS) || !isHarmless(key) ? nullptr : found;
 }
 
 bool ContentForm::isIn(InputStream& stream) const {

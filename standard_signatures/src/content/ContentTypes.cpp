@@ -5,6 +5,8 @@
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
 
+#include <algorithm>
+
 namespace opc::standard_signatures {
 
 namespace {
@@ -18,7 +20,8 @@ constexpr std::uint64_t MOST_BYTES = 32U << 20;
 
 /// Whether everybody reads the same from it.
 bool isExtension(std::string_view text) {
-    return !text.empty() && text.find_first_of("./\\% \t\r\n") == std::string_view::npos;
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c != '.' && isPathCharacter(c); });
 }
 
 } // namespace
@@ -57,11 +60,11 @@ private:
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
             refuseTypes("An entry of the content types has other attributes than it must");
         const std::string written = narrow(key);
-        if (isDefault ? !isExtension(written) : !isPlainPartName(written))
-            refuseTypes("\"" + written +
-                        (isDefault ? "\" isn't an extension" : "\" isn't the name of a part"));
-        const std::string name = keyOf(decodePartName(written));
-        if (!(isDefault ? types.defaults : types.overrides).emplace(name, narrow(type)).second)
+        if (isDefault && !isExtension(written))
+            refuseTypes("\"" + written + "\" isn't an extension");
+        const std::string name = isDefault ? keyOf(written) : partKeyOf(written);
+        Entry entry{isDefault ? written : decodePartName(written), narrow(type)};
+        if (!(isDefault ? types.defaults : types.overrides).emplace(name, std::move(entry)).second)
             refuseTypes("Two content types are given for " + name);
     }
 
@@ -76,14 +79,26 @@ ContentTypes ContentTypes::read(InputStream& stream) {
 }
 
 const std::string* ContentTypes::find(std::string_view partName) const {
-    const std::string key = keyOf(partName);
-    if (const auto found = overrides.find(key); found != overrides.end())
-        return &found->second;
-    const std::size_t dot = key.rfind('.');
-    if (dot == std::string::npos || dot < key.rfind('/'))
+    if (const std::string key = partKeyOf(partName); overrides.count(key) != 0)
+        return typeIn(overrides, key, partName);
+    const std::size_t dot = partName.rfind('.');
+    if (dot == std::string::npos || dot < partName.rfind('/'))
         return nullptr;
-    const auto found = defaults.find(key.substr(dot + 1));
-    return found == defaults.end() ? nullptr : &found->second;
+    const std::string_view extension = partName.substr(dot + 1);
+    return typeIn(defaults, keyOf(extension), extension);
+}
+
+const std::string* ContentTypes::typeIn(const Entries& entries, const std::string& key,
+                                        std::string_view written) {
+    const auto found = entries.find(key);
+    return found == entries.end() || found->second.written != written ? nullptr : &found->second.contentType;
+}
+
+const std::string* ContentTypes::findOddName(const std::function<bool(const std::string&)>& isPart) const {
+    for (const auto& [key, entry] : overrides)
+        if (!isPlainPartName(entry.written) && !isPart(entry.written))
+            return &entry.written;
+    return nullptr;
 }
 
 } // namespace opc::standard_signatures

@@ -2,6 +2,7 @@
 
 #include <opc/core/InputStream.hpp>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,14 +18,27 @@ public:
     /// @throws the exceptions of the stream
     static ContentTypes read(InputStream& stream);
 
-    /// The content type of a part as it stands; null if it has none.
+    /// The content type of a part as it stands; null if it has none, or if the entry writes its name or extension in another
+    /// way, so that not all programs find it.
     const std::string* find(std::string_view partName) const;
+
+    /// The name in an entry from which some programs may read the name of another part; null if there is none.
+    /// @param isPart  whether a part has this very name
+    const std::string* findOddName(const std::function<bool(const std::string&)>& isPart) const;
 
 private:
     class Reader;
 
-    std::unordered_map<std::string, std::string> overrides; ///< by the keys of part names
-    std::unordered_map<std::string, std::string> defaults;  ///< by extensions in lower case
+    struct Entry {
+        std::string written; ///< the name of the part, or the extension
+        std::string contentType;
+    };
+    using Entries = std::unordered_map<std::string, Entry>; ///< by what some programs take for the same name
+
+    static const std::string* typeIn(const Entries& entries, const std::string& key,
+                                     std::string_view written);
+
+    Entries overrides, defaults;
 };
 
 } // namespace opc::standard_signatures

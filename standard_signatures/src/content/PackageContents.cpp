@@ -60,7 +60,7 @@ PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
         std::string source;
         if (isRelationshipsName(part.name, source))
             part.source = source;
-        const auto [twin, isNew] = byKey.emplace(keyOf(part.name), all.size());
+        const auto [twin, isNew] = byKey.emplace(partKeyOf(part.name), all.size());
         part.isAmbiguous = !isNew;
         if (!isNew)
             all[twin->second].isAmbiguous = true;
@@ -87,6 +87,13 @@ void PackageContents::readContentTypes() {
         for (StoredPart& part : all)
             if (const std::string* const type = types.find(part.name))
                 part.contentType = *type;
+        const auto isPart = [this](const std::string& name) {
+            const StoredPart* const part = find(name);
+            return part != nullptr && part->name == name;
+        };
+        if (const std::string* const name = types.findOddName(isPart))
+            typesFailure = {Reason::Code::ContentTypeChanged, "[Content_Types].xml",
+                            "\"" + *name + "\" isn't the name of a part"};
     } catch (const Refusal& refusal) {
         typesFailure = refusal.reason();
     } catch (const Exception& failure) {
@@ -95,7 +102,7 @@ void PackageContents::readContentTypes() {
 }
 
 const StoredPart* PackageContents::find(std::string_view name) const {
-    const auto found = byKey.find(keyOf(name));
+    const auto found = byKey.find(partKeyOf(name));
     return found == byKey.end() ? nullptr : &all[found->second];
 }
 

@@ -32,7 +32,7 @@ public:
                     {},
                     item.reason + ": other programs may take it for something else"});
         for (const StoredPart* const part : contents.renamed)
-            addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name in another letter case"});
+            addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name written in another way"});
         for (const Reason& reason : map.unreadable())
             addGap({GapKind::Part, reason.place, {}, {}, "its relationships can't be told: " + reason.text});
         return std::move(answer);
@@ -54,7 +54,11 @@ private:
             if (part.isAmbiguous)
                 addGap({GapKind::Item, part.name, {}, {}, "there is more than one part with this name"});
             if (!part.contentType)
-                addGap({GapKind::Item, part.name, {}, {}, "it has no content type"});
+                addGap({GapKind::Item,
+                        part.name,
+                        {},
+                        {},
+                        "it has no content type for its name as it is written"});
             if (const auto outer = package.findOuterPart(part))
                 addGap({GapKind::Item, part.name, {}, {}, "its name begins with that of the part " + *outer});
             if (part.source) {

@@ -16,7 +16,7 @@ struct SignedContents {
     std::unordered_set<const RelationshipValues*> relationships; ///< of those parts that aren't in `parts`
 
     std::vector<const StoredPart*>
-        renamed; ///< parts of which the signature spells the name in another letter case
+        renamed; ///< parts of which the signature writes the name in another way
 
     bool has(const MappedRelationship& one) const {
         return parts.count(one.document) != 0 || relationships.count(one.values) != 0;

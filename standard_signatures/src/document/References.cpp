@@ -94,7 +94,7 @@ void readPartURI(PartReference& reference) {
     constexpr std::string_view QUERY = "?ContentType=";
     const std::string_view uri = reference.uri;
     const std::size_t query = std::min(uri.find('?'), uri.size());
-    const std::string name = decodePercent(uri.substr(0, query));
+    const std::string name = decodePartName(uri.substr(0, query));
     if (uri.find('#') != std::string_view::npos || !isAbsolutePartName(name))
         throw Refusal(Code::BadReference, reference.uri, "The reference doesn't lead to a part");
     reference.partName = name;

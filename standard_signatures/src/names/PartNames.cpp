@@ -6,24 +6,27 @@ namespace opc::standard_signatures {
 
 namespace {
 
-int digit(char c) {
-    return c >= '0' && c <= '9'   ? c - '0'
-           : c >= 'a' && c <= 'f' ? c - 'a' + 10
-           : c >= 'A' && c <= 'F' ? c - 'A' + 10
-                                  : -1;
+enum class HexDigits { Any, UpperCase };
+
+int digit(char c, HexDigits digits) {
+    return c >= '0' && c <= '9'                               ? c - '0'
+           : c >= 'a' && c <= 'f' && digits == HexDigits::Any ? c - 'a' + 10
+           : c >= 'A' && c <= 'F'                             ? c - 'A' + 10
+                                                              : -1;
 }
 
 /// Resolves the percent-encoded characters that are wanted.
 template <typename Predicate>
-std::string decode(std::string_view text, const Predicate& isWanted) {
+std::string decode(std::string_view text, const Predicate& isWanted, HexDigits digits = HexDigits::Any) {
     const std::size_t begin = text.find('%');
     if (begin == std::string_view::npos)
         return std::string(text);
     std::string decoded(text.substr(0, begin));
     for (std::size_t i = begin; i < text.size(); ++i) {
-        const bool isEncoded =
-            text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
-        const char c = isEncoded ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
+        const int high = text[i] == '%' && i + 2 < text.size() ? digit(text[i + 1], digits) : -1;
+        const int low = high >= 0 ? digit(text[i + 2], digits) : -1;
+        const bool isEncoded = low >= 0;
+        const char c = isEncoded ? static_cast<char>(high * 16 + low) : text[i];
         const bool isTaken = isEncoded && isWanted(c);
         decoded += isTaken ? c : text[i];
         i += isTaken ? 2 : 0;
@@ -32,6 +35,10 @@ std::string decode(std::string_view text, const Predicate& isWanted) {
 }
 
 } // namespace
+
+bool isPathCharacter(char c) {
+    return isUnreserved(c) || std::string_view("!$&'()*+,;=:@").find(c) != std::string_view::npos;
+}
 
 bool isUnreserved(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
@@ -43,12 +50,21 @@ std::string decodePercent(std::string_view text) {
 }
 
 std::string decodePartName(std::string_view name) {
-    return decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; });
+    const auto mustBeEncoded = [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 ||
+               std::string_view(" \"<>[]^`{|}").find(c) != std::string_view::npos;
+    };
+    return decode(name, mustBeEncoded, HexDigits::UpperCase);
+}
+
+std::string partKeyOf(std::string_view name) {
+    return keyOf(decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; }));
 }
 
 bool isPlainPartName(std::string_view name) {
-    return isAbsolutePartName(name) && name.find_first_of("\\ \t\r\n") == std::string_view::npos &&
-           (name.find('%') == std::string_view::npos || decodePartName(name) == decodePercent(name));
+    const auto isAllowed = [](char c) { return c == '/' || isPathCharacter(c); };
+    return isAbsolutePartName(name) && name.back() != '.' && name.find("./") == std::string_view::npos &&
+           std::all_of(name.begin(), name.end(), isAllowed);
 }
 
 std::string keyOf(std::string_view name) {

@@ -5,23 +5,30 @@
 
 namespace opc::standard_signatures {
 
-/// Part names here are UTF-8 without percent-encoding.
+/// Part names here are UTF-8 without percent-encoding, but for what they need not encode.
 
 /// Whether it needs no percent-encoding anywhere (RFC 3986 section 2.3).
 bool isUnreserved(char c);
 
+/// Whether it may stand in a segment of a path as it is (RFC 3986 section 3.3).
+bool isPathCharacter(char c);
+
 /// Resolves each `%` with two hexadecimal digits; everything else stays.
 std::string decodePercent(std::string_view text);
 
-/// The same for the name of a part as it is written, where a slash, a backslash and what needs no encoding must not be
-/// encoded [M1.7] [M1.8]: what is encoded nevertheless stays, and so it is another name.
+/// The same for the name of a part as it is written, where it resolves only what a name can't have as it is. What is encoded
+/// nevertheless, or with digits in lower case, stays: for programs that compare names as they are written, it is another name.
 std::string decodePartName(std::string_view name);
 
-/// Whether everybody reads the same name of a part from this: it begins with a slash, no segment is empty or made of dots
-/// alone, and it has neither a backslash nor white space, nor anything encoded that must not be.
+/// What the names of parts have in common that some programs take for the same: without regard to the case of ASCII letters
+/// and to what is encoded, but for a slash, a backslash and what must not be encoded [M1.7] [M1.8].
+std::string partKeyOf(std::string_view name);
+
+/// Whether everybody reads the same name of a part from this: it begins with a slash, no segment is empty or ends with a dot,
+/// and all characters are ones of a path and stand for themselves.
 bool isPlainPartName(std::string_view name);
 
-/// What part names are compared by: without regard to the case of ASCII letters.
+/// The text with ASCII letters in lower case.
 std::string keyOf(std::string_view name);
 
 /// Whether it begins with a slash, and no segment is empty or made of dots alone.
