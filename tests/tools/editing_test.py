@@ -74,6 +74,8 @@ class Editing(OpctoolCase):
         self.assertEqual(self.do('cat p.docx /word/settings.xml'), 'new\n')
         self.assertEqual(self.shell("$OPCTOOL add p.docx /y - --type a/b <x").status, 0)
         self.assertEqual(self.do('cat p.docx /y'), self.read('x').decode())
+        self.assertEqual(self.shell("$OPCTOOL put p.docx /y - <.").errors,
+                         "opctool: p.docx: Exception: Standard input can't be read\n")
         for command in 'info - -', 'ls - --files-from -', 'diff - -', 'apply - -', 'put - /x -', 'add - /x - --type a/b':
             self.assertIn('standard input', self.assert_wrong_usage(command), command)
 

@@ -3,6 +3,7 @@
 #include "EditedPackage.hpp"
 #include "Files.hpp"
 #include "SignatureOption.hpp"
+#include "StandardInput.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
@@ -18,7 +19,6 @@ namespace opctool {
 
 namespace {
 
-using opc::editing::FileContent;
 using opc::interfaces::OpenMode;
 using opc::model::ContentType;
 using opc::model::PartName;
@@ -45,22 +45,24 @@ void create(FileRun& run, const ChangeArguments& arguments) {
 }
 
 /// The content that a command gives a part.
-FileContent contentOf(const ChangeArguments& arguments) {
-    return FileContent(arguments.file == "-" ? "/dev/stdin" : arguments.file);
+std::unique_ptr<opc::InputStream> contentOf(const ChangeArguments& arguments) {
+    if (arguments.file == "-")
+        return std::make_unique<StandardInput>();
+    return std::make_unique<opc::editing::FileContent>(arguments.file);
 }
 
 void add(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
-    FileContent content = contentOf(arguments);
+    const auto content = contentOf(arguments);
     package.editor().createPart(PartName(fromArgument(arguments.part)),
-                                ContentType(fromArgument(arguments.contentType)), content);
+                                ContentType(fromArgument(arguments.contentType)), *content);
     package.finish();
 }
 
 void put(FileRun& run, const ChangeArguments& arguments) {
     EditedPackage package(run);
-    FileContent content = contentOf(arguments);
-    package.editor().replaceContent(PartName(fromArgument(arguments.part)), content);
+    const auto content = contentOf(arguments);
+    package.editor().replaceContent(PartName(fromArgument(arguments.part)), *content);
     package.finish();
 }
 
