@@ -17,7 +17,7 @@ std::optional<FoundFile> FolderWalk::next() {
         hasEntered = true;
         std::error_code error;
         if (fs::is_regular_file(root, error))
-            return FoundFile{root.string(), {}};
+            return FoundFile{root.generic_string(), {}};
         if (auto failure = enter(root))
             return failure;
     }
@@ -31,11 +31,25 @@ std::optional<FoundFile> FolderWalk::next() {
         level.rest.pop_back();
         const fs::path path = level.folder / entry.name;
         if (!entry.isFolder)
-            return FoundFile{path.string(), {}};
+            return FoundFile{path.generic_string(), {}};
+        if (leadsBack(path))
+            continue;
         if (auto failure = enter(path))
             return failure;
     }
     return std::nullopt;
+}
+
+/// Whether a link leads to a folder on the way. On Windows the standard library takes links for folders.
+bool FolderWalk::leadsBack([[maybe_unused]] const fs::path& folder) const {
+#ifdef _WIN32
+    return std::any_of(levels.begin(), levels.end(), [&folder](const Level& level) {
+        std::error_code ignored; // listing the folder tells it
+        return fs::equivalent(level.folder, folder, ignored);
+    });
+#else
+    return false;
+#endif
 }
 
 /// @return why it can't be listed
@@ -56,7 +70,7 @@ std::optional<FoundFile> FolderWalk::enter(const fs::path& folder) {
     level.rest.shrink_to_fit();
     levels.push_back(std::move(level));
     if (error)
-        return FoundFile{folder.string(), "can't list the folder: " + error.message()};
+        return FoundFile{folder.generic_string(), "can't list the folder: " + error.message()};
     return std::nullopt;
 }
 

@@ -16,7 +16,8 @@ struct FoundFile {
 };
 
 /// Gives the files in a folder and the folders in it, sorted by name. It holds the names of the folders on the way,
-/// never those of the whole tree. Links to files count as files; links to folders aren't followed.
+/// never those of the whole tree. Links to files count as files; links to folders aren't followed, except on Windows if
+/// they don't lead back to a folder on the way. The names have slashes between them.
 class OPC_SCANNING_EXPORT FolderWalk {
 public:
     /// @param folder      one that can't be listed is given as a failure. A file is given as it is
@@ -37,6 +38,7 @@ private:
     };
 
     std::optional<FoundFile> enter(const std::filesystem::path& folder);
+    bool leadsBack(const std::filesystem::path& folder) const;
     bool isWanted(const std::filesystem::path& name) const;
 
     std::filesystem::path root;
