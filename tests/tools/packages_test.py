@@ -92,10 +92,15 @@ class Packages(OpctoolCase):
         for arguments in (
                 '', 'nonsense', 'ls', 'cat p.zip /a extra', 'ls p.zip --nonsense', 'rels p.zip / --all',
                 'add p.zip /a none.txt --type a/b', 'add p.zip /a p.zip', 'relate p.zip / urn:t',
-                "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a", 'props p.zip --set title=M\udcfcller'):
+                "relate p.zip / urn:t '' --external", "relate p.zip / ' ' /a"):
             self.assert_wrong_usage(arguments)
         self.assertNotEqual(self.do('--version'), '')
         self.assert_helps('', 'ls', 'rels', 'cat', 'new', 'add', 'put', 'rm', 'relate', 'unrelate', 'props', 'info')
+
+    def test_arguments_are_in_utf_8(self):
+        self.do('new p.zip', 'props p.zip --set title=M\u00fcller')
+        self.assert_wrong_usage('props p.zip --set title=M\udcfcller')
+        self.assertEqual(self.list('props p.zip')['title'], 'M\u00fcller')
 
     def test_what_is_odd_is_taken_unless_the_tool_is_told_to_be_strict(self):
         self.write('note.txt', 'hello')
