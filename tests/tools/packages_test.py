@@ -97,7 +97,7 @@ class Packages(OpctoolCase):
         self.assertNotEqual(self.do('--version'), '')
         self.assert_helps('', 'ls', 'rels', 'cat', 'new', 'add', 'put', 'rm', 'relate', 'unrelate', 'props', 'info')
 
-    def test_arguments_are_in_utf_8(self):
+    def test_arguments_are_text(self):
         self.do('new p.zip', 'props p.zip --set title=M\u00fcller')
         self.assert_wrong_usage('props p.zip --set title=M\udcfcller')
         self.assertEqual(self.list('props p.zip')['title'], 'M\u00fcller')
