@@ -9,8 +9,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <set>
+#include <forward_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,6 +66,7 @@ private:
     Scanned takeValue(const char*& p, Attribute& attribute);
     Scanned takeOddValue(const char*& p, char quote, std::u16string& value);
     bool declare(const Attribute& attribute);
+    const std::u16string& keepNamespace(std::u16string&& uri);
     bool canStart(const ScannedName& name);
     void tellStart(const ScannedName& name, bool isEmpty);
     Scanned takeEndTag();
@@ -98,14 +99,15 @@ private:
     ScannedNames names;
     ScannedLines lines;
     std::vector<Open> openElements;
-    std::vector<ScannedPrefix*> declared; ///< by the open elements
-    std::set<std::u16string> namespaces;  ///< all that were declared
-    std::size_t asides = 0;               ///< comments and instructions
+    std::vector<ScannedPrefix*> declared;         ///< by the open elements
+    std::forward_list<std::u16string> namespaces; ///< all that were declared
+    std::size_t namespaceCount = 0;
+    std::size_t asides = 0; ///< comments and instructions
     bool hasRoot = false;
 
     std::vector<Attribute> attributes; ///< of the tag in hand
     std::vector<Declaration> declarations;
-    std::deque<std::u16string> oddValues; ///< of the tag in hand: the first `oddValueCount`
+    std::vector<std::unique_ptr<std::u16string>> oddValues; ///< of the tag in hand: the first `oddValueCount`
     std::size_t oddValueCount = 0;
     std::size_t plainSize = 0;     ///< of all plain values of the tag in hand
     std::vector<char16_t> widened; ///< room for them

@@ -3,6 +3,7 @@
 #include "xml/PlainCharacters.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace opc::model {
 
@@ -173,15 +174,26 @@ bool EventScanner::declare(const Attribute& attribute) {
                              : std::u16string(attribute.plain.begin(), attribute.plain.end());
     const bool isReserved = prefix == XML_PREFIX || prefix == XMLNS ||
                             std::find(std::begin(RESERVED), std::end(RESERVED), uri) != std::end(RESERVED);
-    if (isReserved || (uri.empty() && !isDefault) || namespaces.size() >= MOST_NAMESPACES ||
+    if (isReserved || (uri.empty() && !isDefault) || namespaceCount >= MOST_NAMESPACES ||
         declared.size() + declarations.size() >= MOST_DECLARATIONS)
         return false;
     ScannedPrefix& known = names.prefix(prefix);
     for (const Declaration& other : declarations)
         if (other.prefix == &known)
             return false;
-    declarations.push_back({&known, &*namespaces.insert(std::move(uri)).first});
+    declarations.push_back({&known, &keepNamespace(std::move(uri))});
     return true;
+}
+
+const std::u16string& EventScanner::keepNamespace(std::u16string&& uri) {
+    const auto known = std::find_if(namespaces.begin(), namespaces.end(), [&uri](const std::u16string& one) {
+        return one.size() == uri.size() && // and then as bytes, which is faster
+               std::memcmp(one.data(), uri.data(), uri.size() * sizeof(char16_t)) == 0;
+    });
+    if (known != namespaces.end())
+        return *known;
+    ++namespaceCount;
+    return namespaces.emplace_front(std::move(uri));
 }
 
 /// Whether an element with the attributes in hand can start here. Its declarations count from now on.
@@ -262,8 +274,8 @@ Scanned EventScanner::takeName(const char*& p, const ScannedName*& name) {
 
 std::u16string& EventScanner::newOddValue() {
     if (oddValueCount == oddValues.size())
-        oddValues.emplace_back();
-    std::u16string& value = oddValues[oddValueCount++];
+        oddValues.push_back(std::make_unique<std::u16string>());
+    std::u16string& value = *oddValues[oddValueCount++];
     value.clear();
     return value;
 }

@@ -1,10 +1,11 @@
 #include "xml/ScannedNames.hpp"
 
 #include "xml/PlainCharacters.hpp"
-#include "xml/PlainDocument.hpp"
 
 #include <algorithm>
 #include <cstring>
+#include <new>
+#include <type_traits>
 
 namespace opc::model {
 
@@ -44,15 +45,13 @@ ScannedName* ScannedNames::find(std::string_view text) {
         return nullptr;
     for (std::size_t place = hashOf(text);; ++place) {
         std::uint16_t& entry = table[place % TABLE_SIZE];
-        if (entry != 0 && byPlace[entry - 1U]->text == text)
-            return byPlace[entry - 1U];
+        if (entry != 0 && names[entry - 1U]->text == text)
+            return names[entry - 1U];
         if (entry != 0)
             continue;
         ScannedName* const added = add(text);
-        if (added != nullptr) {
-            byPlace.push_back(added);
-            entry = static_cast<std::uint16_t>(byPlace.size());
-        }
+        if (added != nullptr)
+            entry = static_cast<std::uint16_t>(count);
         return added;
     }
 }
@@ -61,15 +60,19 @@ ScannedName* ScannedNames::add(std::string_view text) {
     const std::size_t colon = text.find(':');
     const std::size_t begin = colon == std::string_view::npos ? 0 : colon + 1;
     const bool isPlain = canBegin(text) && canBegin(text.substr(begin)) &&
-                         text.find(':', begin) == std::string_view::npos && names.size() < MOST_NAMES;
+                         text.find(':', begin) == std::string_view::npos && count < MOST_NAMES;
     if (!isPlain)
         return nullptr;
-    ScannedName& name = names.emplace_back();
-    name.text = text;
-    name.wide = widen(text);
-    name.local = std::u16string_view(name.wide).substr(begin);
-    name.prefix = &prefix(std::u16string_view(name.wide).substr(0, begin == 0 ? 0 : colon));
-    return &name;
+    auto* const plain = static_cast<char*>(memory.allocate(text.size(), 1));
+    std::copy(text.begin(), text.end(), plain);
+    auto* const wide =
+        static_cast<char16_t*>(memory.allocate(text.size() * sizeof(char16_t), alignof(char16_t)));
+    std::copy(text.begin(), text.end(), wide);
+    const std::u16string_view whole(wide, text.size());
+    static_assert(std::is_trivially_destructible_v<ScannedName>);
+    names[count++] = ::new (memory.allocate(sizeof(ScannedName), alignof(ScannedName))) ScannedName{
+        {plain, text.size()}, whole.substr(begin), &prefix(whole.substr(0, begin == 0 ? 0 : colon))};
+    return names[count - 1];
 }
 
 ScannedPrefix& ScannedNames::prefix(std::u16string_view name) {
@@ -77,7 +80,7 @@ ScannedPrefix& ScannedNames::prefix(std::u16string_view name) {
                                     [name](const ScannedPrefix& known) { return known.name == name; });
     if (found != prefixes.end())
         return *found;
-    ScannedPrefix& added = prefixes.emplace_back();
+    ScannedPrefix& added = prefixes.emplace_front();
     added.name = name;
     return added;
 }

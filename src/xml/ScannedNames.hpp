@@ -1,9 +1,11 @@
 #pragma once
 
+#include "memory/Arena.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <forward_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,9 +25,8 @@ struct ScannedPrefix {
 
 /// A name of an element or an attribute, as it stands in the document.
 struct ScannedName {
-    std::string text;
-    std::u16string wide;
-    std::u16string_view local; ///< in `wide`
+    std::string_view text;
+    std::u16string_view local;
     ScannedPrefix* prefix;
 
     bool hasPrefix() const { return !prefix->name.empty(); }
@@ -50,10 +51,12 @@ private:
 
     ScannedName* add(std::string_view text);
 
-    std::array<std::uint16_t, TABLE_SIZE> table{}; ///< of places in `byPlace`, from 1
-    std::deque<ScannedName> names;
-    std::vector<ScannedName*> byPlace;
-    std::deque<ScannedPrefix> prefixes;
+    std::array<std::uint16_t, TABLE_SIZE> table{}; ///< of places in `names`, from 1
+    std::array<ScannedName*, MOST_NAMES> names;    ///< the first `count`
+    std::size_t count = 0;
+    std::forward_list<ScannedPrefix> prefixes;
+    std::array<std::byte, 2048> usualMemory; ///< most documents need no more
+    Arena memory{usualMemory.data(), usualMemory.size()};
 };
 
 } // namespace opc::model

@@ -30,34 +30,20 @@ constexpr std::array<unsigned char, 128> makeMeanings() {
 
 constexpr std::array<unsigned char, 128> Meanings = makeMeanings();
 
-} // namespace
-
-std::u16string base64Encode(const std::vector<unsigned char>& bytes) {
-    std::u16string text((bytes.size() + 2) / 3 * 4, u'=');
-    auto target = text.begin();
-    for (std::size_t start = 0; start < bytes.size(); start += 3) {
-        const std::size_t count = bytes.size() - start;
-        const std::uint32_t group = std::uint32_t{bytes[start]} << 16 |
-                                    (count > 1 ? std::uint32_t{bytes[start + 1]} << 8 : 0) |
-                                    (count > 2 ? std::uint32_t{bytes[start + 2]} : 0);
-        *target++ = Alphabet[group >> 18];
-        *target++ = Alphabet[group >> 12 & 63];
-        if (count > 1)
-            *target++ = Alphabet[group >> 6 & 63];
-        if (count > 2)
-            *target++ = Alphabet[group & 63];
-    }
-    return text;
+/// @param unit  of UTF-16, or a byte
+unsigned char meaningOf(char16_t unit) {
+    return unit < Meanings.size() ? Meanings[unit] : Foreign;
 }
 
-std::vector<unsigned char> base64Decode(const std::u16string& text) {
+template <typename Text>
+std::vector<unsigned char> decode(Text text) {
     std::vector<unsigned char> bytes(text.size() / 4 * 3 + 2);
     std::size_t count = 0;
     std::uint32_t group = 0;
     unsigned digits = 0;  // in the current group of four
     unsigned padding = 0; // so far
-    for (const char16_t unit : text) {
-        const unsigned char meaning = unit < Meanings.size() ? Meanings[unit] : Foreign;
+    for (const auto unit : text) {
+        const unsigned char meaning = meaningOf(unit);
         if (meaning == Blank)
             continue;
         if (meaning == Foreign)
@@ -88,6 +74,34 @@ std::vector<unsigned char> base64Decode(const std::u16string& text) {
         bytes[count++] = static_cast<unsigned char>(group >> 8);
     bytes.resize(count);
     return bytes;
+}
+
+} // namespace
+
+std::u16string base64Encode(const std::vector<unsigned char>& bytes) {
+    std::u16string text((bytes.size() + 2) / 3 * 4, u'=');
+    auto target = text.begin();
+    for (std::size_t start = 0; start < bytes.size(); start += 3) {
+        const std::size_t count = bytes.size() - start;
+        const std::uint32_t group = std::uint32_t{bytes[start]} << 16 |
+                                    (count > 1 ? std::uint32_t{bytes[start + 1]} << 8 : 0) |
+                                    (count > 2 ? std::uint32_t{bytes[start + 2]} : 0);
+        *target++ = Alphabet[group >> 18];
+        *target++ = Alphabet[group >> 12 & 63];
+        if (count > 1)
+            *target++ = Alphabet[group >> 6 & 63];
+        if (count > 2)
+            *target++ = Alphabet[group & 63];
+    }
+    return text;
+}
+
+std::vector<unsigned char> base64Decode(std::u16string_view text) {
+    return decode(text);
+}
+
+std::vector<unsigned char> base64Decode(std::string_view text) {
+    return decode(text);
 }
 
 } // namespace bedrock::crypto::utils

@@ -7,11 +7,23 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
-#include <deque>
-#include <unordered_map>
+#include <array>
+#include <cstring>
+#include <new>
+#include <type_traits>
 #include <vector>
 
 namespace opc::standard_signatures {
+
+namespace {
+
+/// Compares as bytes, which is faster.
+bool isSame(std::u16string_view left, std::u16string_view right) {
+    return left.size() == right.size() &&
+           std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0;
+}
+
+} // namespace
 
 /// What all texts, lists and nodes of a tree live in.
 class XmlTree::Memory {
@@ -22,12 +34,22 @@ public:
         return isASCII(text) ? copy(text) : copy(narrow(text));
     }
 
-    /// The same for texts that come again and again.
-    std::string_view keepName(std::u16string_view name) { return keepEntry(name).second; }
+    /// The same for texts that come again and again: mostly, the one that was kept before is found.
+    std::string_view keepName(std::u16string_view name) {
+        if (name.empty())
+            return std::string_view("");
+        Entry& recent =
+            recentNames[(name.size() + 8U * name.front() + 32U * name.back()) % recentNames.size()];
+        if (!isSame(recent.first, name))
+            recent = keepEntry(name);
+        return recent.second;
+    }
 
     /// The same for the names of namespaces, which are long, and of which one is used by most elements.
     std::string_view keepNamespace(std::u16string_view name) {
-        if (name.empty() || name != lastNamespace.first)
+        if (name.empty())
+            return std::string_view("");
+        if (!isSame(lastNamespace.first, name))
             lastNamespace = keepEntry(name);
         return lastNamespace.second;
     }
@@ -42,23 +64,20 @@ public:
     }
 
     XmlTreeNode& add(XmlTreeNode::Kind kind) {
-        nodes.emplace_back().kind = kind;
-        return nodes.back();
+        static_assert(std::is_trivially_destructible_v<XmlTreeNode>);
+        auto* const added = ::new (resource.allocate(sizeof(XmlTreeNode), alignof(XmlTreeNode))) XmlTreeNode;
+        added->kind = kind;
+        return *added;
     }
 
 private:
     using Entry = std::pair<std::u16string_view, std::string_view>;
 
     Entry keepEntry(std::u16string_view name) {
-        if (name.empty())
-            return {name, std::string_view("")};
-        const auto known = names.find(name);
-        if (known != names.end())
-            return *known;
         auto* const place =
             static_cast<char16_t*>(resource.allocate(name.size() * sizeof(char16_t), alignof(char16_t)));
         std::copy(name.begin(), name.end(), place);
-        return *names.emplace(std::u16string_view(place, name.size()), keep(name)).first;
+        return {std::u16string_view(place, name.size()), keep(name)};
     }
 
     template <typename Text>
@@ -68,9 +87,8 @@ private:
         return {place, text.size()};
     }
 
-    Arena resource;
-    std::deque<XmlTreeNode> nodes;
-    std::unordered_map<std::u16string_view, std::string_view> names;
+    Arena resource{16384};
+    std::array<Entry, 64> recentNames; ///< each at a place that follows from the name
     Entry lastNamespace;
 };
 

@@ -105,7 +105,7 @@ bool ContentForm::isIn(InputStream& stream) const {
         }
         return reader.isRight;
     }
-    std::array<unsigned char, 16384> block{};
+    std::array<unsigned char, 16384> block; // not cleared
     std::string first;
     std::uint64_t size = 0;
     while (!stream.isDone()) {

@@ -55,16 +55,20 @@ PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
     : store(store), known(std::make_unique<Known>()) {
     static_cast<void>(misnamedItems()); // which compares what a slow store has put off
     ignored = store.getIgnoredItems();
-    for (interfaces::IPhysicalPart* const physical : store.getParts()) {
-        StoredPart part{decodePartName(narrow(physical->getName())), physical, {}, {}, false};
+    const auto& parts = store.getParts();
+    all.reserve(parts.size());
+    for (interfaces::IPhysicalPart* const physical : parts) {
+        StoredPart& part = all.emplace_back();
+        part.physical = physical;
+        part.name = decodePartName(narrow(physical->getName()));
+        part.key = partKeyOf(part.name);
         std::string source;
         if (isRelationshipsName(part.name, source))
-            part.source = source;
-        const auto [twin, isNew] = byKey.emplace(partKeyOf(part.name), all.size());
+            part.source = std::move(source);
+        const auto [twin, isNew] = byKey.emplace(part.key, all.size() - 1);
         part.isAmbiguous = !isNew;
         if (!isNew)
             all[twin->second].isAmbiguous = true;
-        all.push_back(std::move(part));
     }
     readContentTypes();
 }
@@ -144,11 +148,14 @@ const Reason* PackageContents::whyUnfit(const StoredPart& part, const ContentFor
 }
 
 std::optional<std::string> PackageContents::findOuterPart(const StoredPart& part) const {
-    for (std::size_t slash = part.name.find('/', 1); slash != std::string::npos;
-         slash = part.name.find('/', slash + 1)) {
-        const std::string outer = part.name.substr(0, slash);
-        if (find(outer) != nullptr || keyOf(outer) == "/[content_types].xml")
-            return outer;
+    const std::string_view key = part.key;
+    for (std::size_t slash = key.find('/', 1); slash != std::string_view::npos;
+         slash = key.find('/', slash + 1)) {
+        const std::string_view outer = key.substr(0, slash);
+        if (const auto found = byKey.find(outer); found != byKey.end())
+            return all[found->second].name;
+        if (outer == "/[content_types].xml")
+            return "/[Content_Types].xml";
     }
     return std::nullopt;
 }

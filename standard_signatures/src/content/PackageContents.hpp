@@ -28,6 +28,7 @@ class Digester;
 /// A part as it lies in the store. Relationships parts are parts too.
 struct StoredPart {
     std::string name; ///< without percent-encoding
+    std::string key;  ///< the name as it is compared
     interfaces::IPhysicalPart* physical;
     std::optional<std::string> contentType;
     std::optional<std::string> source; ///< of a relationships part: the name of its source
@@ -87,8 +88,8 @@ private:
     void readContentTypes();
 
     interfaces::IPhysicalPackage& store;
-    std::vector<StoredPart> all;
-    std::unordered_map<std::string, std::size_t> byKey;
+    std::vector<StoredPart> all; ///< none is moved
+    std::unordered_map<std::string_view, std::size_t> byKey;
     std::vector<interfaces::IgnoredItem> ignored;
     std::optional<Reason> typesFailure;
     std::unique_ptr<Known> known;

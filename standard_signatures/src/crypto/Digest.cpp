@@ -12,23 +12,25 @@ namespace {
 /// Reads a stream block by block into memory of its owner.
 class BlockBuffer final : public std::streambuf {
 public:
-    BlockBuffer(InputStream& stream, std::vector<char>& block) : stream(stream), block(block) {}
+    static constexpr std::size_t BLOCK = 65536;
+
+    /// @param block  of `BLOCK` bytes
+    BlockBuffer(InputStream& stream, char* block) : stream(stream), block(block) {}
 
 protected:
     int_type underflow() override {
         while (!stream.isDone()) {
-            const std::uint64_t got =
-                stream.read(reinterpret_cast<unsigned char*>(block.data()), block.size());
-            setg(block.data(), block.data(), block.data() + got);
+            const std::uint64_t got = stream.read(reinterpret_cast<unsigned char*>(block), BLOCK);
+            setg(block, block, block + got);
             if (got != 0)
-                return traits_type::to_int_type(block.front());
+                return traits_type::to_int_type(*block);
         }
         return traits_type::eof();
     }
 
 private:
     InputStream& stream;
-    std::vector<char>& block;
+    char* const block;
 };
 
 } // namespace
@@ -41,9 +43,9 @@ bedrock::crypto::DigestEngine& Digester::engineOf(const DigestMethod& method) {
 }
 
 std::vector<unsigned char> Digester::of(InputStream& stream, const DigestMethod& method) {
-    constexpr std::size_t BLOCK = 65536;
-    block.resize(BLOCK);
-    BlockBuffer buffer(stream, block);
+    if (!block)
+        block.reset(new char[BlockBuffer::BLOCK]); // not make_unique, which would clear it
+    BlockBuffer buffer(stream, block.get());
     std::istream source(&buffer);
     return engineOf(method).computeDigest(source);
 }

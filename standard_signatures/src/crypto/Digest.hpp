@@ -26,7 +26,7 @@ private:
     bedrock::crypto::DigestEngine& engineOf(const DigestMethod& method);
 
     std::map<const DigestMethod*, std::shared_ptr<bedrock::crypto::DigestEngine>> engines;
-    std::vector<char> block; ///< of a stream
+    std::unique_ptr<char[]> block; ///< of a stream
 };
 
 /// A single digest.

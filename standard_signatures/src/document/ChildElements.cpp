@@ -41,7 +41,7 @@ std::vector<unsigned char> bytesOf(const XmlTreeNode& element) {
     const std::string text = textOf(element);
     if (firstChildElement(element) == nullptr)
         try {
-            return bedrock::crypto::utils::base64Decode(std::u16string(text.begin(), text.end()));
+            return bedrock::crypto::utils::base64Decode(std::string_view(text));
         } catch (const bedrock::crypto::utils::Exception&) { // refused below
         }
     refuse("The element " + std::string(element.name) + " isn't Base64");

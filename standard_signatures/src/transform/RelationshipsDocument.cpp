@@ -56,9 +56,13 @@ private:
 
     /// Whether nothing changes when white space is collapsed, as schemas do.
     static bool isCollapsed(std::u16string_view value) {
-        return value.find_first_of(u"\t\r\n") == std::u16string_view::npos &&
-               value.find(u"  ") == std::u16string_view::npos &&
-               (value.empty() || (value.front() != u' ' && value.back() != u' '));
+        bool isBehindSpace = true;
+        for (const char16_t c : value) {
+            if (c == u'\t' || c == u'\r' || c == u'\n' || (c == u' ' && isBehindSpace))
+                return false;
+            isBehindSpace = c == u' ';
+        }
+        return value.empty() || !isBehindSpace;
     }
 
     /// Whether it is a name without a colon, as the type of IDs wants it; not all of Unicode's rules are applied.

@@ -3,6 +3,7 @@
 #include <bedrock/crypto/Export.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bedrock::crypto::utils {
@@ -14,6 +15,7 @@ BEDROCK_CRYPTO_EXPORT std::u16string base64Encode(const std::vector<unsigned cha
 ///
 /// @throws Exception  the text has a character outside the alphabet, missing or misplaced padding, or bits after the last
 ///         byte that aren't zero (RFC 4648 section 3.5): two different texts without blanks never give the same bytes
-BEDROCK_CRYPTO_EXPORT std::vector<unsigned char> base64Decode(const std::u16string& text);
+BEDROCK_CRYPTO_EXPORT std::vector<unsigned char> base64Decode(std::u16string_view text);
+BEDROCK_CRYPTO_EXPORT std::vector<unsigned char> base64Decode(std::string_view text);
 
 } // namespace bedrock::crypto::utils
