@@ -297,15 +297,21 @@ def verify(
 ) -> Verification:
     """Verifies all signatures of a package. Nothing is fetched, and nobody is trusted who isn't named.
 
-    :param package: as it was opened or saved last
+    :param package: whose changes must be saved
     :param trust: certificates to which signers must lead, or "system" for those of the system
     :param fingerprints: SHA-256 of certificates that are trusted whatever they say
     :param public_key: of a signer who is trusted, in PEM or DER
     :param crls: revocation lists; one must cover the signer then
     :param time: at which certificates must be valid; without it, the time of a trusted time stamp, or now
     :param accept_weak: whether SHA-1 and RSA keys below 2048 bits are good enough
+    :raises UnsavedChanges: save the package first
     """
     policy = _policy(trust, fingerprints, public_key, crls, time, accept_weak, accept_missing_null)
+    package._open.require_saved()
+    return _verification(package, policy)
+
+
+def _verification(package: Package, policy: _opcmodel.Policy) -> Verification:
     standard, problems = _opcmodel.verify_standard(package._open, policy)
     own, reasons = _opcmodel.verify_own(package._open, policy)
     judged = [JudgedSignature(*row[:7], _time(row[7]), tuple(row[8])) for row in own]
@@ -362,7 +368,7 @@ class Signature:
 
 def signatures(package: Package) -> list[Signature]:
     """The signatures of a package, in both profiles."""
-    found = verify(package).signatures
+    found = _verification(package, _opcmodel.Policy()).signatures
     return [Signature(package, one.name, getattr(one, "part", None), one.profile) for one in found]
 
 
@@ -372,8 +378,12 @@ def coverage(
     accept_weak: bool = False,
     accept_missing_null: bool = False,
 ) -> Coverage:
-    """Which signatures protect each part and each relationship, in the standard's profile. A broken one protects nothing."""
+    """Which signatures protect each part and each relationship, in the standard's profile. A broken one protects nothing.
+
+    :raises UnsavedChanges: save the package first
+    """
     policy = _policy(None, (), None, None, None, accept_weak, accept_missing_null)
+    package._open.require_saved()
     verified, parts, relationships = _opcmodel.tabulate_coverage(package._open, policy)
     names = [row[0] for row in verified]
 

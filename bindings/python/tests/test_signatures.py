@@ -73,6 +73,20 @@ def test_changes_to_what_is_signed_are_refused(keys):
         opc.sign(package, key=keys / "rsa.key")
         package.save()
         signed = package.to_bytes()
+    changes = [
+        lambda package: package.retype("/notes.xml", "text/xml"),
+        lambda package: package.rels.add("urn:example:more", "/notes.xml"),
+        lambda package: package.rels.remove(next(iter(package.rels))),
+        lambda package: package.remove("/notes.xml"),
+        lambda package: setattr(package.properties, "title", "Another"),
+    ]
+    for change in changes:  # no answer is about a package that isn't in the file
+        with opc.open(signed, "r+", break_signatures=True) as package:
+            change(package)
+            signature, = opc.signatures(package)
+            for question in (lambda: opc.verify(package), lambda: opc.coverage(package), signature.verify):
+                with pytest.raises(opc.UnsavedChanges):
+                    question()
     for options, refused in (({}, True), ({"break_signatures": True}, False)):
         with opc.open(signed, "r+", **options) as package:
             package["/notes.xml"].write(b"forged")
