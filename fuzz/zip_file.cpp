@@ -7,10 +7,12 @@
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/interfaces/OpenMode.hpp>
 #include <opc/model/StandardPartInfo.hpp>
+#include <opc/physical/ReadingMemory.hpp>
 #include <opc/physical/ZipPackage.hpp>
 
 #include <cerrno>
 #include <map>
+#include <memory>
 #include <optional>
 
 using namespace opc;
@@ -26,6 +28,8 @@ physical::ZipOptions makeOptions(bool lenient) {
     physical::ZipOptions options;
     options.lenient = lenient;
     options.deterministic = true;
+    options.memory =
+        std::make_shared<physical::ReadingMemory>(); // the second reading recalls what the first has read
     options.maxItems = 64;
     options.maxItemSize = LARGEST_ITEM;
     options.maxTotalSize = 4 * LARGEST_ITEM;

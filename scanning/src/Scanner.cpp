@@ -1,11 +1,11 @@
 #include <opc/scanning/Scanner.hpp>
 
+#include <opc/physical/ReadingMemory.hpp>
 #include <opc/scanning/OrderedWindow.hpp>
 
 #include <algorithm>
 #include <deque>
 #include <exception>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -135,7 +135,7 @@ private:
         if (threads.size() < threadCount)
             startThread();
         if (threads.empty()) {
-            read(job);
+            read(job, options);
             window.end(job);
             return;
         }
@@ -148,13 +148,15 @@ private:
 
     void startThread() {
         try {
-            threads.emplace_back([this] { work(); });
-        } catch (const std::system_error&) {
+            ScanOptions own = options;
+            own.limits.memory = std::make_shared<physical::ReadingMemory>();
+            threads.emplace_back([this, own = std::move(own)] { work(own); });
+        } catch (const std::exception&) {
             // Those that there are do, or the thread of the caller.
         }
     }
 
-    void work() {
+    void work(const ScanOptions& own) {
         std::unique_lock<std::mutex> lock(mutex);
         for (;;) {
             added.wait(lock, [this] { return hasStopped || !waiting.empty(); });
@@ -167,7 +169,7 @@ private:
                 ++readingCount;
             lock.unlock();
             if (isWanted) {
-                read(job);
+                read(job, own);
                 lock.lock();
                 --readingCount;
                 lock.unlock();
@@ -180,9 +182,9 @@ private:
         }
     }
 
-    void read(Job& job) const {
+    static void read(Job& job, const ScanOptions& with) {
         try {
-            *job.result = readFile(job.source, options);
+            *job.result = readFile(job.source, with);
         } catch (const std::exception& e) {
             *job.result = Result();
             job.result->name = job.source.name;

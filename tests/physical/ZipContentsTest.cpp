@@ -1,6 +1,8 @@
 #include "PhysicalSupport.hpp"
 #include "support/RawZip.hpp"
 
+#include <opc/physical/ReadingMemory.hpp>
+
 #include <zlib.h>
 
 #include <algorithm>
@@ -12,6 +14,7 @@ namespace {
 
 using namespace opc::test;
 using opc::interfaces::IPhysicalInputStream;
+using opc::physical::ReadingMemory;
 
 /// Text of few words, which compresses like XML.
 std::string prose(std::size_t size) {
@@ -88,16 +91,31 @@ RawItem deflated(const std::string& content, int level = Z_DEFAULT_COMPRESSION,
     return item;
 }
 
+/// Reads an archive of this item.
+/// @return the memory for readings that has seen it
+std::shared_ptr<ReadingMemory> readBefore(const RawItem& item) {
+    ZipOptions options;
+    options.memory = std::make_shared<ReadingMemory>();
+    ZipPackage package(makeZip({item}), options);
+    package.open(OpenMode::ReadOnly);
+    content(*package.getParts()[0]);
+    return options.memory;
+}
+
 /// Calls `action(package, pieceSize)` with packages in memory and in a file that have only this item and are open for
-/// reading. The pieces are smaller than a content of `size` bytes, just as large, and larger.
+/// reading, and with one that is read after another item. The pieces are smaller than a content of `size` bytes, just as
+/// large, and larger.
 template <typename Action>
-void inEveryWay(const RawItem& item, std::size_t size, Action&& action) {
+void inEveryWay(const RawItem& item, const RawItem& before, std::size_t size, Action&& action) {
     const Bytes archive = makeZip({item});
     const TemporaryFolder folder;
     writeFile(folder / "a.zip", archive);
+    ZipOptions options;
+    options.memory = readBefore(before);
     ZipPackage inMemory(archive);
     ZipPackage inFile(folder / "a.zip");
-    for (ZipPackage* package : {&inMemory, &inFile}) {
+    ZipPackage later(folder / "a.zip", options);
+    for (ZipPackage* package : {&inMemory, &inFile, &later}) {
         for (const std::size_t pieceSize : {size / 300 + 1, std::size_t{4096}, size - 1, size, size + 1}) {
             package->open(OpenMode::ReadOnly);
             action(*package, pieceSize);
@@ -114,21 +132,20 @@ TEST(ZipContents, fromAnyCompressorAreReadInPiecesOfAnySize) {
         for (const std::string& text : {prose(size), noise(size)}) {
             for (const auto& way : {std::pair{0, Z_DEFAULT_STRATEGY}, std::pair{1, Z_FIXED},
                                     std::pair{6, Z_HUFFMAN_ONLY}, std::pair{9, Z_DEFAULT_STRATEGY}}) {
-                inEveryWay(deflated(text, way.first, way.second), size,
-                           [&](ZipPackage& package, std::size_t piece) {
-                               IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
-                               unsigned char byte = 0;
-                               EXPECT_EQ(stream.read(&byte, 1), 1U);
-                               stream.close();
-                               stream.open(); // again from the start
-                               std::string got;
-                               readInPieces(stream, piece, got);
-                               EXPECT_TRUE(got == text)
-                                   << size << " in pieces of " << piece << ", level " << way.first;
-                               EXPECT_EQ(stream.read(&byte, 1), 0U);
-                               stream.close();
-                               EXPECT_FAILS(EBADF, "has been closed", stream.read(&byte, 1));
-                           });
+                const RawItem item = deflated(text, way.first, way.second);
+                inEveryWay(item, item, size, [&](ZipPackage& package, std::size_t piece) {
+                    IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
+                    unsigned char byte = 0;
+                    EXPECT_EQ(stream.read(&byte, 1), 1U);
+                    stream.close();
+                    stream.open(); // again from the start
+                    std::string got;
+                    readInPieces(stream, piece, got);
+                    EXPECT_TRUE(got == text) << size << " in pieces of " << piece << ", level " << way.first;
+                    EXPECT_EQ(stream.read(&byte, 1), 0U);
+                    stream.close();
+                    EXPECT_FAILS(EBADF, "has been closed", stream.read(&byte, 1));
+                });
             }
         }
     }
@@ -164,7 +181,7 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
         for (const Case& c : cases) {
             RawItem item = deflated(text);
             c.make(item);
-            inEveryWay(item, size, [&](ZipPackage& package, std::size_t piece) {
+            inEveryWay(item, deflated(text), size, [&](ZipPackage& package, std::size_t piece) {
                 IPhysicalInputStream& stream = *package.getParts()[0]->getInputStream();
                 std::string got;
                 const auto read = [&] { readInPieces(stream, piece, got); };
@@ -184,11 +201,38 @@ TEST(ZipContents, areDamagedAlikeInPiecesOfAnySize) {
     }
 }
 
+TEST(ZipContents, areRecalledIfTheyAreSmallAndWereRight) {
+    for (const std::size_t size : READ_SIZES) {
+        const std::string text = prose(size);
+        const RawItem item = deflated(text);
+        ZipOptions options;
+        options.memory = readBefore(item);
+        const std::string* const kept = options.memory->find(item.crc, item.data);
+        EXPECT_EQ(kept != nullptr, item.data.size() < 512) << size;
+        EXPECT_TRUE(kept == nullptr || *kept == text) << size;
+        EXPECT_EQ(options.memory->find(item.crc + 256, item.data), nullptr) << size;
+        if (kept == nullptr)
+            continue;
+        options.memory->keep(item.crc, item.data, std::string(size, '!'));
+        ZipPackage package(makeZip({item}), options);
+        package.open(OpenMode::ReadOnly);
+        EXPECT_EQ(content(*package.getParts()[0]), std::string(size, '!')) << "it isn't expanded again";
+    }
+    ReadingMemory memory;
+    memory.keep(7, "aa", "old");
+    memory.keep(7 + 256, "bb", "new");
+    EXPECT_EQ(memory.find(7, "aa"), nullptr) << "another one has taken its place";
+    memory.keep(7, std::string(513, 'a'), "x");
+    memory.keep(7, "a", std::string(4097, 'x'));
+    ASSERT_NE(memory.find(7 + 256, "bb"), nullptr) << "what is too large takes no place";
+    EXPECT_EQ(*memory.find(7 + 256, "bb"), "new");
+}
+
 TEST(ZipContents, mayBeEmptyAndDeflated) {
     RawItem nothing = stored("a", "");
     nothing.method = 8;
     for (const RawItem& item : {nothing, deflated("", 0), deflated("")})
-        inEveryWay(item, 1, [](ZipPackage& package, std::size_t) {
+        inEveryWay(item, item, 1, [](ZipPackage& package, std::size_t) {
             EXPECT_TRUE(package.getParts()[0]->getInputStream()->isDone());
         });
 }

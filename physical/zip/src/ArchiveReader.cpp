@@ -17,7 +17,7 @@ namespace opc::physical::zip {
 ArchiveReader::ArchiveReader(std::shared_ptr<ByteSource> archive, std::string archivePlace,
                              const ZipOptions& options, HeaderCheck check)
     : source(std::move(archive)), where(std::move(archivePlace)), whenRead(options.whenRead),
-      lenient(options.lenient) {
+      memory(source->inMemory() ? options.memory : nullptr), lenient(options.lenient) {
     readDirectory(*source, where, options, directory);
     hasCheckedLayout = check == HeaderCheck::Now;
     if (hasCheckedLayout)
@@ -103,6 +103,31 @@ bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
     return wholeInflater.expand(start.bytes + start.headerSize,
                                 static_cast<std::size_t>(entry.compressedSize), content, size) &&
            addToChecksum(0, content, size) == entry.crc;
+}
+
+bool ArchiveReader::recall(ItemIndex index, unsigned char* content) const {
+    if (!memory)
+        return false;
+    const DirectoryEntry& entry = item(index);
+    const std::string* const known = memory->find(entry.crc, compressedBytes(index));
+    if (!known || known->size() != entry.size)
+        return false;
+    std::copy(known->begin(), known->end(), content);
+    return true;
+}
+
+void ArchiveReader::keep(ItemIndex index, const unsigned char* content) const {
+    if (memory)
+        memory->keep(item(index).crc, compressedBytes(index),
+                     {reinterpret_cast<const char*>(content), static_cast<std::size_t>(item(index).size)});
+}
+
+/// Those of an item in memory.
+std::string_view ArchiveReader::compressedBytes(ItemIndex index) const {
+    const DirectoryEntry& entry = item(index);
+    const ItemStart start = lookAtStart(index, nullptr, static_cast<std::size_t>(entry.end - entry.offset));
+    return {reinterpret_cast<const char*>(start.bytes + start.headerSize),
+            static_cast<std::size_t>(entry.compressedSize)};
 }
 
 void ArchiveReader::requireReadable(ItemIndex index) const {

@@ -4,12 +4,14 @@
 #include "Inflater.hpp"
 #include "WholeInflater.hpp"
 
+#include <opc/physical/ReadingMemory.hpp>
 #include <opc/physical/ZipExport.hpp>
 
 #include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -98,6 +100,15 @@ public:
     /// @return whether the content is complete and right
     bool expandWhole(ItemIndex index, unsigned char* content);
 
+    /// Gives the content of a deflated item that the memory for readings knows. Throws only as `lookAtStart` does.
+    /// @param content  has room for all of it
+    /// @return whether it is known
+    bool recall(ItemIndex index, unsigned char* content) const;
+
+    /// Keeps the content of a deflated item in the memory for readings, if there is one.
+    /// @param content  complete and right
+    void keep(ItemIndex index, const unsigned char* content) const;
+
     /// An inflater at its start: one that was given back, or a new one.
     std::unique_ptr<Inflater> takeInflater();
     void giveInflater(std::unique_ptr<Inflater> inflater) noexcept { spare = std::move(inflater); }
@@ -113,9 +124,12 @@ public:
     std::string itemPlace(ItemIndex index) const;
 
 private:
+    std::string_view compressedBytes(ItemIndex index) const;
+
     std::shared_ptr<ByteSource> source;
     std::string where;
     std::function<void(std::uint64_t)> whenRead;
+    std::shared_ptr<ReadingMemory> memory; ///< null if there is none, or reading costs calls
     bool lenient = false;
     bool comparesHeaders = true;
     bool hasCheckedLayout = true;

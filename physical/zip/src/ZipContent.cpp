@@ -3,6 +3,7 @@
 #include "Failure.hpp"
 #include "Records.hpp"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
@@ -153,10 +154,8 @@ std::string ZipContent::itemPlace() const {
 }
 
 std::u16string ZipPart::getName() const {
-    std::u16string text;
-    text.reserve(name.size() + 1);
-    text += u'/';
-    text.append(name.begin(), name.end());
+    std::u16string text(name.size() + 1, u'/');
+    std::copy(name.begin(), name.end(), text.begin() + 1);
     return text;
 }
 

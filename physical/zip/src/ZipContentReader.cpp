@@ -119,8 +119,15 @@ std::size_t ItemReader::readFirst(unsigned char* buffer, std::size_t room) {
             archive.giveMemory(kept);
         }
     }
+    const bool isSmall =
+        entry.method == DEFLATE && entry.compressedSize < SMALLEST_WHOLE && entry.size <= room;
+    if (isSmall && archive.recall(item(), buffer))
+        return static_cast<std::size_t>(entry.size);
     startItem();
-    return readOn(buffer, room);
+    const std::size_t got = readOn(buffer, room);
+    if (isSmall && got == entry.size && !unfinished)
+        archive.keep(item(), buffer);
+    return got;
 }
 
 std::size_t ItemReader::readOn(unsigned char* buffer, std::size_t room) {

@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 
 namespace opc::physical {
+
+class ReadingMemory;
 
 /// The options of a `ZipPackage`. Sizes are in bytes.
 struct ZipOptions {
@@ -30,6 +33,10 @@ struct ZipOptions {
     /// Called when content of items has been read, with the number of bytes: for those who show how far a long step has come.
     /// May be empty. It must not throw.
     std::function<void(std::uint64_t bytes)> whenRead;
+
+    /// What the package has in common with those that this thread reads before and after it. May be null. Only archives in
+    /// memory and in files up to 128 KiB use it.
+    std::shared_ptr<ReadingMemory> memory;
 
     /// Whether these archives are accepted too. They break the standard, but all programs read them in the same way.
     /// `ZipPackage::getOddities` reports each.
