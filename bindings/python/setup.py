@@ -21,6 +21,7 @@ class CMakeBuild(build_ext):
         build.mkdir(parents=True, exist_ok=True)
         options = [
             "-DCMAKE_BUILD_TYPE=Release", "-DOPCMODEL_PYTHON=ON", "-DOPCMODEL_TOOLS=OFF", "-DOPCMODEL_EXAMPLES=OFF",
+            "-DCMAKE_UNITY_BUILD=ON", "-DCMAKE_UNITY_BUILD_BATCH_SIZE=16",  # in half the time
             f"-DPython3_EXECUTABLE={sys.executable}", f"-DOPCMODEL_PYTHON_DIR={package.parent}",
         ]
         jobs = os.environ.get("CMAKE_BUILD_PARALLEL_LEVEL", str(os.cpu_count() or 1))
