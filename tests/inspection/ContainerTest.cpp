@@ -156,6 +156,13 @@ TEST(Container, breaksOneRule) {
              item.streamed = true, item.flags = 8;
              item.changeLocal = [](RawItem& local) { ++local.crc; };
          })},
+        {"M3.14", withDocument([](RawItem& item) { item.flags = 8; })}, // without a data descriptor
+        {"M3.14", withDocument([](RawItem& item) { item.extra = field(1, "\1\2\3\4\5\6\7\x08"); })},
+        {"SEC-48", withDocument([](RawItem& item) {
+             item.data += "<!--PK\7\x08-->";
+             item = stored(item.name, item.data);
+             item.streamed = true, item.flags = 8;
+         })},
         {"M3.14", withDocument([](RawItem& item) { ++item.size; })},
         {"M3.14", withDocument([](RawItem& item) {
              item.changeLocal = [](RawItem& local) { local.versionNeeded = 45; };

@@ -116,6 +116,13 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
              it.data = "hidden";
              it.method = 8;
          }},
+        {"a: its record in the directory holds data of an unknown kind\n", // such as a link
+         [&](RawItem& it) { it.extra = fieldOf(0x756E, "link", 4); }},
+        {"a: its local header holds data of an unknown kind\n",
+         [](RawItem& it) { it.localExtra = "\1\2\3"; }},
+        {"",
+         [&](RawItem& it) { it.localExtra = fieldOf(0x4453, "rights", 6) + fieldOf(0x6375, "comment", 7); }},
+        {"", [&](RawItem& it) { it.extra = fieldOf(0xA220, "\x28\xA0 room", 7) + fieldOf(0xCAFE, "", 0); }},
         {"", [&](RawItem& it) { it.extra = numbers(zeros); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.extra = numbers(zeros + std::string("\1\1", 2) + std::string(6, '\0')); }},

@@ -192,6 +192,16 @@ TEST_F(Verdict, elementsThatWereNotReadCountAmongTheIgnored) {
     }
 }
 
+TEST_F(Verdict, namesThatContinueOthersCountAmongTheIgnored) {
+    close(true);
+    store.setPart(u"/a.xml/b.xml", {});
+    open();
+    signAll();
+    EXPECT_TRUE(manager->judge(byKey()).isYes());
+    expectReason(manager->judge(byKey().requireFull()), Kind::IgnoredItem,
+                 {"/a.xml/b.xml: its name begins with that of the part /a.xml"});
+}
+
 TEST_F(Verdict, relationshipsThatWereNotReadMayBeTheSignedOnes) {
     const std::string signedOnes = "<Relationship Id='r' Type='urn:t' Target='/a.xml'/>"
                                    "<Relationship Id='s' Type='urn:t' Target='/a.xml'/>";

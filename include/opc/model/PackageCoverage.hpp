@@ -60,7 +60,7 @@ public:
     const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
 
     /// What the model ignores and another program may read: items of the store that aren't parts or may be taken for
-    /// something else than the part that they are here, and documents with elements that weren't read.
+    /// something else than the part that they are here, parts whose names begin with that of another part [M1.11], and documents with elements that weren't read.
     const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
 
     /// The bytes of the covered core properties part that no signature covers, because they are the keywords: how many
@@ -81,6 +81,7 @@ private:
     PackageCoverage(const Package& package, const std::vector<DigitalSignature>& signatures,
                     std::optional<URI> originURI);
 
+    void addOuterPart(const Package& package, const PartName& name);
     void addPart(const Part& part);
     void addRelationships(const RelationshipSource& source, const URI& uri,
                           const std::u16string& typeOfSignatures);

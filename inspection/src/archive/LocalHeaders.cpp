@@ -111,12 +111,8 @@ void LocalReader::readForeignDescriptor(ArchiveItem& item, const unsigned char* 
         *item.endOffset += USUAL;
         return;
     }
-    const ItemHeader& local = *item.local;
-    const ItemHeader& central = *item.central;
-    if (local.checksum != central.checksum || local.size != central.size ||
-        local.compressedSize != central.compressedSize)
-        contents.addFault("M3.14", indexOf(item), item.endOffset,
-                          "The item has no data descriptor, which its local header needs");
+    contents.addFault("M3.14", indexOf(item), item.endOffset,
+                      "The item has no data descriptor, which its local header announces");
 }
 
 } // namespace

@@ -172,17 +172,6 @@ void DirectoryReader::checkNumbers(const DirectoryEntry& entry) const {
 
 constexpr const char* OTHER_PATH = "a Unicode Path field gives it another name";
 
-/// Whether a ZIP64 field has a number that isn't one of the item, whichever of them its records leave out.
-bool hasOtherNumbers(const ExtraField& field, const DirectoryEntry& entry) {
-    constexpr std::size_t WIDTH = 8; // of a number; behind them that of a disk may follow
-    for (std::size_t at = 0; at + WIDTH <= field.size; at += WIDTH) {
-        const std::uint64_t number = read64(field.data + at);
-        if (number != 0 && number != entry.size && number != entry.compressedSize && number != entry.offset)
-            return true;
-    }
-    return false;
-}
-
 } // namespace
 
 bool asksForMore(std::uint16_t version, std::uint16_t flags) {
@@ -220,7 +209,9 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     for (ExtraField field; walk.next(field);) {
         if (field.kind == STRONG_ENCRYPTION_FIELD && !(entry.flags & ENCRYPTION_FLAGS))
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
-        if (field.kind == ZIP64_FIELD && (std::exchange(hasNumbers, true) || hasOtherNumbers(field, entry)))
+        if (field.kind == ZIP64_FIELD &&
+            (std::exchange(hasNumbers, true) ||
+             hasOtherNumbers(field, entry.size, entry.compressedSize, entry.offset)))
             directory.ambiguities.push_back({item, "its ZIP64 field has other numbers"});
         if (field.kind != UNICODE_PATH_FIELD)
             continue;
@@ -234,6 +225,8 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     }
     if (walk.isCutOff(UNICODE_PATH_FIELD))
         directory.ambiguities.push_back({item, OTHER_PATH});
+    else if (holdsOtherMeaning(extra, size))
+        directory.ambiguities.push_back({item, record + std::string(" holds data of an unknown kind")});
     if (holdsUnknownData(extra, size))
         note(" holds data in extra fields of unknown kind");
 }

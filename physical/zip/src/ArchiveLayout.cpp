@@ -2,6 +2,7 @@
 
 #include "Failure.hpp"
 #include "LocalHeader.hpp"
+#include "RecordSignatures.hpp"
 #include "Records.hpp"
 
 #include <algorithm>
@@ -20,22 +21,6 @@ constexpr std::size_t USUAL_HEADER = LOCAL_HEADER_SIZE + 64;
 /// How many bytes may belong to no item. They are searched. Normally there are none.
 constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
 
-constexpr std::size_t RECORD_SIGNATURE = 4; // bytes
-
-/// Whether there is the signature of a local header, a data descriptor, or a record of the directory or its end.
-bool holdsRecordSignature(const unsigned char* bytes, const unsigned char* end) {
-    static constexpr std::array<std::array<unsigned char, 2>, 6> AFTER_PK{
-        {{1, 2}, {3, 4}, {5, 6}, {6, 6}, {6, 7}, {7, 8}}};
-    for (; end - bytes >= std::ptrdiff_t{RECORD_SIGNATURE}; ++bytes) {
-        bytes = std::find(bytes, end - RECORD_SIGNATURE, 'P'); // or the last place
-        const std::array<unsigned char, 2> kind{bytes[2], bytes[3]};
-        if (bytes[0] == 'P' && bytes[1] == 'K' &&
-            std::find(AFTER_PK.begin(), AFTER_PK.end(), kind) != AFTER_PK.end())
-            return true;
-    }
-    return false;
-}
-
 class LayoutCheck {
 public:
     LayoutCheck(ByteSource& archive, const std::string& place, ArchiveDirectory& directory)
@@ -48,7 +33,6 @@ private:
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
-    bool holdsRecord(const DirectoryEntry& entry, std::uint64_t start);
     void searchUnused(std::uint64_t start, std::uint64_t end, const char* side, std::string_view neighbour);
 
     ByteSource& archive;
@@ -83,7 +67,10 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const bool isWrittenEarly = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
     if (asksForMore(read16(header + 4), read16(header + 6)))
         directory.ambiguities.push_back({index, ASKS_FOR_MORE});
-    if (isWrittenEarly && entry.method == STORE && holdsRecord(entry, entry.offset + headerSize))
+    const auto readContent = [&](std::uint64_t offset, std::size_t count) {
+        return read(entry, entry.offset + headerSize + offset, descriptorBuffer, count);
+    };
+    if (isWrittenEarly && entry.method == STORE && holdsRecordSignature(entry.compressedSize, readContent))
         directory.ambiguities.push_back({index, "its content has the mark of its end"});
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
@@ -91,21 +78,6 @@ void LayoutCheck::checkItem(ItemIndex index) {
     entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
     if (isWrittenEarly && entry.end == contentEnd)
         directory.ambiguities.push_back({index, "its data descriptor is missing"});
-}
-
-/// Whether the content of a stored item has the signature of a record. Programs that don't use the directory may take it for
-/// the end of the item, and what follows for further items.
-/// @param start  of the content
-bool LayoutCheck::holdsRecord(const DirectoryEntry& entry, std::uint64_t start) {
-    constexpr std::uint64_t BLOCK = 65536;
-    constexpr std::uint64_t STEP = BLOCK - RECORD_SIGNATURE + 1; // blocks overlap
-    for (std::uint64_t done = 0; done < entry.compressedSize; done += STEP) {
-        const auto count = static_cast<std::size_t>(std::min(entry.compressedSize - done, BLOCK));
-        const unsigned char* const bytes = read(entry, start + done, descriptorBuffer, count);
-        if (holdsRecordSignature(bytes, bytes + count))
-            return true;
-    }
-    return false;
 }
 
 /// @return the whole local header, valid until the next call

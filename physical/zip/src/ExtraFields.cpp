@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace opc::physical::zip {
 
@@ -34,6 +35,13 @@ bool areZeros(const unsigned char* bytes, std::size_t count) {
     return count == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, count - 1) == 0);
 }
 
+/// Kinds whose data isn't about the name, the kind or the content of an item.
+constexpr std::uint16_t OTHER_DATA[] = {
+    GROWTH_HINT_FIELD,
+    0x4453, // rights of NTFS
+    0x6375, // a comment in UTF-8
+};
+
 bool isKnown(const ExtraField& field) {
     for (const auto& known : KNOWN_FIELDS) {
         if (known.kind == field.kind)
@@ -43,6 +51,17 @@ bool isKnown(const ExtraField& field) {
                         read16(field.data) == GROWTH_HINT_SIGNATURE;
     const std::size_t header = isHint ? GROWTH_HINT_HEADER : 0;
     return areZeros(field.data + header, field.size - header);
+}
+
+/// Whether there is a field that isn't accepted, or bytes that are no field.
+template <typename Predicate>
+bool holdsMore(const unsigned char* extra, std::size_t size, const Predicate& isAccepted) {
+    ExtraFieldWalk walk(extra, size);
+    for (ExtraField field; walk.next(field);) {
+        if (!isAccepted(field))
+            return true;
+    }
+    return !areZeros(extra + (size - walk.restSize()), walk.restSize());
 }
 
 } // namespace
@@ -70,12 +89,14 @@ std::string_view unicodePath(const ExtraField& field) {
 }
 
 bool holdsUnknownData(const unsigned char* extra, std::size_t size) {
-    ExtraFieldWalk walk(extra, size);
-    for (ExtraField field; walk.next(field);) {
-        if (!isKnown(field))
-            return true;
-    }
-    return !areZeros(extra + (size - walk.restSize()), walk.restSize());
+    return holdsMore(extra, size, isKnown);
+}
+
+bool holdsOtherMeaning(const unsigned char* extra, std::size_t size) {
+    return holdsMore(extra, size, [](const ExtraField& field) {
+        return isKnown(field) ||
+               std::find(std::begin(OTHER_DATA), std::end(OTHER_DATA), field.kind) != std::end(OTHER_DATA);
+    });
 }
 
 Zip64Field::Zip64Field(const unsigned char* extra, std::size_t size) {
@@ -96,6 +117,17 @@ bool Zip64Field::resolve(std::uint64_t& value) {
     field.data += 8;
     field.size -= 8;
     return true;
+}
+
+bool hasOtherNumbers(const ExtraField& field, std::uint64_t size, std::uint64_t compressedSize,
+                     std::uint64_t offset) {
+    constexpr std::size_t WIDTH = 8; // of a number; behind them that of a disk may follow
+    for (std::size_t at = 0; at + WIDTH <= field.size; at += WIDTH) {
+        const std::uint64_t number = read64(field.data + at);
+        if (number != 0 && number != size && number != compressedSize && number != offset)
+            return true;
+    }
+    return false;
 }
 
 std::string withoutZip64Field(std::string_view extra) {

@@ -46,6 +46,10 @@ OPC_ZIP_EXPORT std::string_view unicodePath(const ExtraField& field);
 /// for growth (ECMA-376 Part 2) that is filled with zeros.
 OPC_ZIP_EXPORT bool holdsUnknownData(const unsigned char* extra, std::size_t size);
 
+/// Whether extra fields have anything that a program which knows its kind may take for another name, kind or content of the item.
+/// Unknown kinds may; times, owners, rights, comments and room for growth can't, whatever they hold.
+OPC_ZIP_EXPORT bool holdsOtherMeaning(const unsigned char* extra, std::size_t size);
+
 /// The numbers of a ZIP64 field: sizes and an offset that don't fit into their record. The field has only those, one
 /// after the other.
 class OPC_ZIP_EXPORT Zip64Field {
@@ -60,6 +64,10 @@ public:
 private:
     ExtraField field;
 };
+
+/// Whether a ZIP64 field has a number that isn't one of the item, whichever of them its records leave out.
+OPC_ZIP_EXPORT bool hasOtherNumbers(const ExtraField& field, std::uint64_t size, std::uint64_t compressedSize,
+                                    std::uint64_t offset);
 
 /// @return `extra` without its ZIP64 field
 std::string withoutZip64Field(std::string_view extra);

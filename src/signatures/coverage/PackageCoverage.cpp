@@ -87,11 +87,20 @@ PackageCoverage::PackageCoverage(const Package& package, const std::vector<Digit
     const SignatureParts own(package);
     addRelationships(package, PackageHelper::getPackageRootURI(), getOriginRelationshipType());
     for (const Part& part : package.getParts()) {
+        addOuterPart(package, part.getName());
         if (!own.contain(part))
             addPart(part);
         addRelationships(part, part.getName().getURI(),
                          own.isOrigin(part.getName()) ? getSignatureRelationshipType() : std::u16string());
     }
+}
+
+/// No folder can hold a part and another one whose name begins with its name, so that an extraction loses one of them [M1.11].
+void PackageCoverage::addOuterPart(const Package& package, const PartName& name) {
+    std::u16string shorter;
+    if (package.isPartDerivedFromExistingPartName(name, shorter) && shorter.size() < name.toString().size())
+        ignoredItems.push_back(
+            {name.toString(), "its name begins with that of the part " + toUDEString(shorter)});
 }
 
 void PackageCoverage::addPart(const Part& part) {

@@ -52,7 +52,7 @@ constexpr ContentForm CONTENT_FORMS[] = {
 
 /// Whether a name is unlikely to mean anything to a program that finds items by their names, as those of other formats do.
 bool isHarmless(std::string_view key) {
-    return key != "/mimetype" && key != "/content.xml" && key.substr(0, 10) != "/meta-inf/" &&
+    return !marksOtherFormat(key) && key != "/content.xml" &&
            key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
 }
 
@@ -63,24 +63,34 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
             extensions.find(std::string(key.substr(dot)) + ".") != std::string_view::npos);
 }
 
-/// Compares the root element.
-class RootReader final : public model::XmlEvents {
+constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
+
+/// Compares the root element, and looks for a base to which programs resolve relative links of the document (ECMA-376 Part 1,
+/// HyperlinkBase).
+class PropertiesReader final : public model::XmlEvents {
 public:
-    explicit RootReader(const ContentForm& form) : form(form) {}
+    explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
-        if (isRoot)
-            isRight = isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
-                      (isText(element.namespaceURI(), form.beginning[0]) ||
-                       isText(element.namespaceURI(), form.beginning[1]));
+        if (isRoot && isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
+            (isText(element.namespaceURI(), form.beginning[0]) ||
+             isText(element.namespaceURI(), form.beginning[1])))
+            defect = nullptr;
         isRoot = false;
+        isBase = element.localName() == u"HyperlinkBase";
+    }
+    void onEnd() override { isBase = false; }
+    void onText(std::u16string_view text) override {
+        if (isBase && defect == nullptr && text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+            defect = "says where the links of the document lead";
     }
 
-    bool isRight = false;
+    const char* defect = OTHER_FORM;
 
 private:
     const ContentForm& form;
     bool isRoot = true;
+    bool isBase = false;
 };
 
 } // namespace
@@ -95,15 +105,15 @@ const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::stri
     return found == std::end(CONTENT_FORMS) || !isHarmless(key) ? nullptr : found;
 }
 
-bool ContentForm::isIn(InputStream& stream) const {
+const char* ContentForm::defectIn(InputStream& stream) const {
     if (!rootName.empty()) {
-        RootReader reader(*this);
+        PropertiesReader reader(*this);
         try {
             model::readXmlDocument(stream, reader);
         } catch (const model::InvalidXMLDocument&) {
-            return false;
+            return OTHER_FORM;
         }
-        return reader.isRight;
+        return reader.defect;
     }
     std::array<unsigned char, 16384> block; // not cleared
     std::string first;
@@ -115,12 +125,14 @@ bool ContentForm::isIn(InputStream& stream) const {
                      block.begin() + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(got, left)));
         size += got;
     }
-    if (kind == Kind::Origin)
-        return size == 0;
-    return beginning[0].empty() ||
-           std::any_of(std::begin(beginning), std::end(beginning), [&first](std::string_view one) {
-               return !one.empty() && first.compare(0, one.size(), one) == 0;
-           });
+    const auto isBeginning = [&first](std::string_view one) {
+        return !one.empty() && first.compare(0, one.size(), one) == 0;
+    };
+    const bool isRight =
+        kind == Kind::Origin
+            ? size == 0
+            : beginning[0].empty() || std::any_of(std::begin(beginning), std::end(beginning), isBeginning);
+    return isRight ? nullptr : OTHER_FORM;
 }
 
 } // namespace opc::standard_signatures

@@ -30,9 +30,9 @@ struct ContentForm {
 
     /// Reads content to its end.
     /// @param stream  open, at its first byte
-    /// @return whether it has this form
+    /// @return why it hasn't this form, as words for a message; null if it has
     /// @throws the exceptions of the stream
-    bool isIn(InputStream& stream) const;
+    const char* defectIn(InputStream& stream) const;
 };
 
 } // namespace opc::standard_signatures

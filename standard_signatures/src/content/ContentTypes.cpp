@@ -38,6 +38,8 @@ public:
         if (!isKnown || depth > 1)
             refuseTypes("The element " + narrow(element.localName()) +
                         " doesn't belong into the content types");
+        if (!element.prefix().empty())
+            refuseTypes("The element " + narrow(element.localName()) + " of the content types has a prefix");
         if (depth == 1)
             add(element, isDefault ? u"Extension" : u"PartName", isDefault);
         else if (element.attributeCount() != 0)

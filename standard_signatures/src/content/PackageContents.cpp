@@ -6,6 +6,7 @@
 #include "crypto/Methods.hpp"
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
+#include "transform/RelationshipsNamespace.hpp"
 #include "xml/Narrow.hpp"
 
 #include <opc/interfaces/IPhysicalPackage.hpp>
@@ -45,6 +46,18 @@ std::string failureText(const Exception& failure) {
 } // namespace
 
 struct PackageContents::Known {
+    /// @throws Refusal  the package has too many of them
+    RelationshipsDocument counted(RelationshipsDocument document) {
+        constexpr std::uint64_t MOST_TEXT = 96U << 20; // bytes of all documents
+        constexpr std::uint64_t FOR_EACH = 200;        // what a relationship costs beside its text
+        for (const RelationshipValues& one : document.relationships)
+            relationshipText += one.id.size() + one.type.size() + one.target.size() + FOR_EACH;
+        if (relationshipText > MOST_TEXT)
+            throw Refusal(Reason::Code::BeyondLimit, "", "The package has too many relationships");
+        return document;
+    }
+
+    std::uint64_t relationshipText = 0;
     Digester digester;
     std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
     std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
@@ -120,7 +133,7 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
         return valueOf(found->second);
     Outcome<RelationshipsDocument> outcome;
     try {
-        outcome = RelationshipsDocument::read(*open(part));
+        outcome = known->counted(RelationshipsDocument::read(*open(part)));
     } catch (const Refusal& refusal) {
         outcome = at(part, refusal.reason());
     } catch (const model::InvalidXMLDocument& failure) {
@@ -136,9 +149,9 @@ const Reason* PackageContents::whyUnfit(const StoredPart& part, const ContentFor
     std::optional<Reason>& failure = found->second;
     if (isNew) {
         try {
-            if (!form.isIn(*open(part)))
+            if (const char* const defect = form.defectIn(*open(part)))
                 failure = Reason{Reason::Code::PartUnreadable, part.name,
-                                 "its content isn't signed, and hasn't the form of what needn't be"};
+                                 std::string("its content isn't signed, and ") + defect};
         } catch (const Exception& e) {
             failure = Reason{Reason::Code::PartUnreadable, part.name,
                              "its content can't be read: " + failureText(e)};
@@ -147,6 +160,32 @@ const Reason* PackageContents::whyUnfit(const StoredPart& part, const ContentFor
     return failure ? &*failure : nullptr;
 }
 
+std::vector<std::string> PackageContents::whyAmbiguous(const StoredPart& part) const {
+    std::vector<std::string> reasons;
+    if (part.isAmbiguous)
+        reasons.emplace_back("there is more than one part with this name");
+    if (!part.contentType)
+        reasons.emplace_back("it has no content type for its name as it is written");
+    if (marksOtherFormat(keyOf(part.name)))
+        reasons.emplace_back("programs take the package for one of another format by it");
+    if (const auto outer = findOuterPart(part))
+        reasons.push_back("its name begins with that of the part " + *outer);
+    if (const char* const reason = part.source ? whyOddRelationships(part) : nullptr)
+        reasons.emplace_back(reason);
+    return reasons;
+}
+
+const char* PackageContents::whyOddRelationships(const StoredPart& part) const {
+    const StoredPart* const source = find(*part.source);
+    if (*part.source != "/" && (source == nullptr || source->source)) // these have none [M1.25]
+        return "it has the name of relationships of what isn't a part";
+    return part.contentType && keyOf(*part.contentType) != RELATIONSHIPS_CONTENT_TYPE
+               ? "it hasn't the content type of relationships"
+               : nullptr;
+}
+
+/// The part whose name with a slash begins the name of this one [M1.11]. No folder can hold both, so that an extraction loses
+/// one of them.
 std::optional<std::string> PackageContents::findOuterPart(const StoredPart& part) const {
     const std::string_view key = part.key;
     for (std::size_t slash = key.find('/', 1); slash != std::string_view::npos;

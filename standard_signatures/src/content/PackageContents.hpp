@@ -72,9 +72,8 @@ public:
     /// @return why it can't be read, or hasn't this form; null if nothing is wrong
     const Reason* whyUnfit(const StoredPart& part, const ContentForm& form);
 
-    /// The part whose name with a slash begins the name of this one [M1.11]. No folder can hold both, so that an extraction
-    /// loses one of them.
-    std::optional<std::string> findOuterPart(const StoredPart& part) const;
+    /// Why programs can understand a part in different ways, by its name and content type alone; nothing if they can't.
+    std::vector<std::string> whyAmbiguous(const StoredPart& part) const;
 
     /// Computes other digests.
     Digester& digester();
@@ -86,6 +85,8 @@ private:
     struct Known;
 
     void readContentTypes();
+    std::optional<std::string> findOuterPart(const StoredPart& part) const;
+    const char* whyOddRelationships(const StoredPart& part) const;
 
     interfaces::IPhysicalPackage& store;
     std::vector<StoredPart> all; ///< none is moved

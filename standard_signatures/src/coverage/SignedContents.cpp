@@ -1,11 +1,9 @@
 #include "coverage/SignedContents.hpp"
 
-#include "names/PartNames.hpp"
-#include "transform/RelationshipsNamespace.hpp"
-
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -13,10 +11,20 @@ namespace {
 
 using GapKind = Unsigned::Kind;
 
+/// The beginning of a text, however long it is.
+std::string shortened(std::string_view text) {
+    constexpr std::size_t MOST = 200;
+    std::size_t size = std::min(text.size(), MOST);
+    while (size < text.size() && size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80)
+        --size; // not within a character
+    return std::string(text.substr(0, size)).append(size < text.size() ? "…" : "");
+}
+
 class Comparison {
 public:
-    Comparison(const SignedContents& contents, PackageContents& package, const PackageMap& map)
-        : contents(contents), package(package), map(map) {}
+    Comparison(const SignedContents& contents, PackageContents& package, const PackageMap& map,
+               std::size_t& room)
+        : contents(contents), package(package), map(map), room(room) {}
 
     CoverageAnswer run() {
         compareParts();
@@ -40,32 +48,27 @@ public:
 
 private:
     void addGap(Unsigned gap) {
-        if (answer.gapCount++ < CoverageAnswer::MOST_LISTED)
-            answer.gaps.push_back(std::move(gap));
+        ++answer.gapCount;
+        list(answer.gaps, std::move(gap));
     }
 
-    void addByCustom(Unsigned one) {
-        if (answer.byCustom.size() < CoverageAnswer::MOST_LISTED)
-            answer.byCustom.push_back(std::move(one));
+    void addByCustom(Unsigned one) { list(answer.byCustom, std::move(one)); }
+
+    void list(std::vector<Unsigned>& all, Unsigned one) {
+        if (room == 0)
+            return;
+        --room;
+        one.id = shortened(one.id);
+        one.type = shortened(one.type);
+        all.push_back(std::move(one));
     }
 
     void compareParts() {
         for (const StoredPart& part : package.parts()) {
-            if (part.isAmbiguous)
-                addGap({GapKind::Item, part.name, {}, {}, "there is more than one part with this name"});
-            if (!part.contentType)
-                addGap({GapKind::Item,
-                        part.name,
-                        {},
-                        {},
-                        "it has no content type for its name as it is written"});
-            if (const auto outer = package.findOuterPart(part))
-                addGap({GapKind::Item, part.name, {}, {}, "its name begins with that of the part " + *outer});
-            if (part.source) {
-                if (part.contentType && keyOf(*part.contentType) != RELATIONSHIPS_CONTENT_TYPE)
-                    addGap({GapKind::Item, part.name, {}, {}, "it hasn't the content type of relationships"});
+            for (std::string& reason : package.whyAmbiguous(part))
+                addGap({GapKind::Item, part.name, {}, {}, std::move(reason)});
+            if (part.source)
                 continue;
-            }
             if (contents.parts.count(&part) != 0) {
                 ++answer.signedParts;
                 if (contents.contentTypes.count(&part) == 0)
@@ -118,14 +121,15 @@ private:
     const SignedContents& contents;
     PackageContents& package;
     const PackageMap& map;
+    std::size_t& room;
     CoverageAnswer answer;
 };
 
 } // namespace
 
 CoverageAnswer computeCoverage(const SignedContents& contents, PackageContents& package,
-                               const PackageMap& map) {
-    return Comparison(contents, package, map).run();
+                               const PackageMap& map, std::size_t& room) {
+    return Comparison(contents, package, map, room).run();
 }
 
 } // namespace opc::standard_signatures

@@ -15,8 +15,7 @@ struct SignedContents {
     std::unordered_set<const StoredPart*> contentTypes;          ///< of these parts
     std::unordered_set<const RelationshipValues*> relationships; ///< of those parts that aren't in `parts`
 
-    std::vector<const StoredPart*>
-        renamed; ///< parts of which the signature writes the name in another way
+    std::vector<const StoredPart*> renamed; ///< parts of which the signature writes the name in another way
 
     bool has(const MappedRelationship& one) const {
         return parts.count(one.document) != 0 || relationships.count(one.values) != 0;
@@ -24,7 +23,8 @@ struct SignedContents {
 };
 
 /// Compares what a signature signs with what the package has.
+/// @param room  for how much more the answers can list; becomes less
 CoverageAnswer computeCoverage(const SignedContents& contents, PackageContents& package,
-                               const PackageMap& map);
+                               const PackageMap& map, std::size_t& room);
 
 } // namespace opc::standard_signatures

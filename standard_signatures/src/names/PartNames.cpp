@@ -74,6 +74,10 @@ std::string keyOf(std::string_view name) {
     return key;
 }
 
+bool marksOtherFormat(std::string_view key) {
+    return key == "/mimetype" || key.substr(0, 10) == "/meta-inf/";
+}
+
 bool isAbsolutePartName(std::string_view name) {
     if (name.empty() || name.front() != '/')
         return false;

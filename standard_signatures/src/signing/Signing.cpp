@@ -77,7 +77,8 @@ NewSignature sign(model::Package& package, interfaces::IPhysicalPackage& store, 
     }
     NewSignature signature;
     throwIfMisnamed(map); // of what was read meanwhile
-    signature.coverage = computeCoverage(plan.signedContents(), contents, map);
+    std::size_t roomForGaps = CoverageAnswer::MOST_LISTED;
+    signature.coverage = computeCoverage(plan.signedContents(), contents, map, roomForGaps);
     signature.unreachable = findUnreachable(contents, map);
     signature.dangling = findDangling(plan.signedContents(), map);
     const std::string document = composeSignedDocument(signer, method, digest, objects, ids);

@@ -24,15 +24,9 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     throwIfMisnamed(map);
     if (map.secondOrigin() != nullptr)
         throw SigningRefused("More than one relationship leads to an origin of signatures");
-    for (const StoredPart& part : contents.parts()) {
-        if (part.isAmbiguous)
-            throw SigningRefused("There is more than one part with the name " + part.name);
-        if (!part.contentType)
-            throw SigningRefused("The part " + part.name + " has no content type");
-        if (const auto outer = contents.findOuterPart(part))
-            throw SigningRefused("The name of the part " + part.name + " begins with that of the part " +
-                                 *outer);
-    }
+    for (const StoredPart& part : contents.parts())
+        for (const std::string& reason : contents.whyAmbiguous(part))
+            throw SigningRefused("The part " + part.name + " can be understood in different ways: " + reason);
 }
 
 /// Relationships parts are there once their relationships are signed.

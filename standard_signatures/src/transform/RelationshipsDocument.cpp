@@ -24,6 +24,8 @@ public:
         if (depth > 1 || element.localName() != expected ||
             !isText(element.namespaceURI(), RELATIONSHIPS_NAMESPACE))
             refuseRelationships("The element " + narrow(element.localName()) + " doesn't belong there");
+        if (!element.prefix().empty())
+            refuseRelationships("The element " + narrow(element.localName()) + " has a prefix");
         ++depth;
         if (depth == 2)
             add(element);

@@ -165,7 +165,7 @@ private:
         } catch (const Exception& failure) {
             addBreak(signature, Code::PartUnreadable, messageOf(failure));
         }
-        signature.coverage = computeCoverage(ofSignature, contents, map);
+        signature.coverage = computeCoverage(ofSignature, contents, map, roomForGaps);
         const auto status = signature.cryptography.status;
         const bool isGood = status == CryptographyAnswer::Status::Valid ||
                             (status == CryptographyAnswer::Status::Weak && policy.acceptWeak);
@@ -223,6 +223,7 @@ private:
     PackageContents contents;
     PackageMap map;
     WorkLeft work;
+    std::size_t roomForGaps = CoverageAnswer::MOST_LISTED;
     std::vector<SignedContents> signedContents; ///< of each signature
 };
 

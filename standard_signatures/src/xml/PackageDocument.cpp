@@ -10,13 +10,6 @@ namespace {
 
 constexpr const char* OTHER_ENCODING = "The document is neither in UTF-8 nor in UTF-16";
 
-bool isNamed(std::u16string_view encoding, std::u16string_view upperCase) {
-    return std::equal(encoding.begin(), encoding.end(), upperCase.begin(), upperCase.end(),
-                      [](char16_t c, char16_t upper) {
-                          return c == upper || (c >= u'a' && c <= u'z' && c - u'a' + u'A' == upper);
-                      });
-}
-
 } // namespace
 
 /// The bytes of a document. They are read a second time if its form is unusual.
@@ -80,8 +73,9 @@ void PackageDocument::onVersion(std::u16string_view version) {
 }
 
 void PackageDocument::onDeclaration(std::u16string_view encoding) {
-    const bool saysUTF16 = isNamed(encoding, u"UTF-16");
-    if (!encoding.empty() && !saysUTF16 && !isNamed(encoding, u"UTF-8"))
+    const bool saysUTF16 =
+        encoding == u"UTF-16" || encoding == u"utf-16"; // not all programs know other forms
+    if (!encoding.empty() && !saysUTF16 && encoding != u"UTF-8" && encoding != u"utf-8")
         refuse(OTHER_ENCODING);
     if (!encoding.empty() && saysUTF16 != isUTF16)
         refuse(saysUTF16 ? "The document says that it is in UTF-16, and is in UTF-8"

@@ -39,7 +39,8 @@ public:
     bool hasGrowthHint = false;
 
 private:
-    bool hasPath = false; ///< in this header
+    bool hasPath = false;    ///< in this header
+    bool hasNumbers = false; ///< in this header
 
     void checkField(const ExtraField& field, const ItemHeader& header);
     void checkPath(const ExtraField& field, const ItemHeader& header);
@@ -50,7 +51,7 @@ private:
 };
 
 void FieldChecks::check(const ItemHeader& header) {
-    hasPath = false;
+    hasPath = hasNumbers = false;
     const auto* const bytes = reinterpret_cast<const unsigned char*>(header.extraFields.data());
     ExtraFieldWalk walk(bytes, header.extraFields.size());
     for (ExtraField field; walk.next(field);)
@@ -69,6 +70,10 @@ void FieldChecks::checkField(const ExtraField& field, const ItemHeader& header) 
             findings.add("M3.9", placeOf(item), "An extra field says that the item is encrypted");
     } else if (field.kind == UNICODE_PATH_FIELD) {
         checkPath(field, header);
+    } else if (field.kind == ZIP64_FIELD) {
+        if (std::exchange(hasNumbers, true) ||
+            hasOtherNumbers(field, header.size, header.compressedSize, item.headerOffset.value_or(0)))
+            findings.add("M3.14", placeOf(item), "A ZIP64 field of the item has other numbers");
     } else if (field.kind == GROWTH_HINT && field.size >= 2 && read16(field.data) == GROWTH_HINT_SIGNATURE) {
         checkGrowthHint(field);
     } else if (holdsData) {

@@ -2,10 +2,13 @@
 
 #include "zip/src/ItemKind.hpp"
 #include "zip/src/ItemName.hpp"
+#include "zip/src/RecordSignatures.hpp"
 #include "zip/src/Records.hpp"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace opc::inspection {
 
@@ -59,6 +62,19 @@ void checkVersion(const ArchiveItem& item, const ItemHeader& header, Findings& f
             "The local header of the item needs another version of the ZIP format than the directory says");
 }
 
+/// Whether programs that read the archive from its start may take something in the content for the end of the item.
+bool canEndEarlier(const Archive& archive, const ArchiveItem& item) {
+    if (!item.local || (item.local->flags & DATA_DESCRIPTOR) == 0 || item.central->method != STORE ||
+        !item.dataOffset)
+        return false;
+    std::vector<unsigned char> block;
+    return holdsRecordSignature(item.central->compressedSize, [&](std::uint64_t offset, std::size_t count) {
+        block.assign(std::max(block.size(), count), 0);
+        archive.read(*item.dataOffset + offset, block.data(), count);
+        return block.data();
+    });
+}
+
 void checkItem(const ArchiveItem& item, Findings& findings) {
     const ItemHeader& header = *item.central;
     checkMethod(item, header, findings);
@@ -89,6 +105,10 @@ void checkItemHeaders(const Subject& subject, Findings& findings) {
         if (!names.emplace(item.central->name, &item).second)
             findings.add("M3.3", placeOf(item), "Another item has the same name");
         checkItem(item, findings);
+        if (canEndEarlier(subject.archive(), item))
+            findings.add(
+                "SEC-48", Severity::Warning, placeOf(item),
+                "The header of the item doesn't say how long it is, and its content has the mark of its end");
         growthHints += checkExtraFields(item, findings) ? 1 : 0;
     }
     if (growthHints > 0) // mostly each item has one

@@ -28,7 +28,8 @@ struct CoverageAnswer {
     std::size_t signedParts = 0; ///< without relationships parts
     std::size_t signedRelationships = 0;
 
-    /// What is unsigned although it should be signed; at most `MOST_LISTED`.
+    /// What is unsigned although it should be signed, with the beginning of long IDs and types. All signatures of a package list
+    /// at most `MOST_LISTED` here and in `byCustom` together.
     std::vector<Unsigned> gaps;
     std::size_t gapCount = 0; ///< of all
 
