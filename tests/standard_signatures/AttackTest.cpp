@@ -221,6 +221,12 @@ TEST(StandardAttacks, PlayWithRelationships) {
                 "word/document.xml")},
         {"gap: / more than one relationship leads to a main document",
          adding(PACKAGE, OFFICE + "officeDocument/", "word/document.xml")},
+        {"gap: /word/document.xml rId10 there is another one of this type", // and what is signed keeps no order
+         adding(DOCUMENT, OFFICE + "styles", "other.xml")},
+        {"gap: / evil the relationship isn't signed",
+         adding(PACKAGE, OFFICE + "custom-properties", "none.xml")},
+        {"gap: / rId2 the relationship isn't signed",
+         adding(PACKAGE, BASE + "metadata/core-properties", "docProps/core.xml")},
         {"A relationship has the attribute Id",
          fromDocument("Id='rId10'", "Id='rId10' xmlns:x='u:x' x:Id='rId2'")},
         {"A relationship has the attribute base", fromDocument("Id='rId10'", "Id='rId10' xml:base='/evil/'")},
@@ -280,6 +286,10 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: /a.png its content isn't signed", image("/a.png", "image/../text", png)},
         {"gap: /a.svg its content isn't signed", image("/a.svg", "image/svg+xml", "<svg/>")},
         {"gap: /a.png its content isn't signed", image("/a.png", "image/jpeg", "\xFF\xD8\xFF")},
+        {"gap: /word/media/1.png its content isn't signed", image("/word/media/1.png", "image/png", png)},
+        {"gap: /word/x/core.xml its content isn't signed", with(core, "/word/x/core.xml", coreType, "<a/>")},
+        {"gap: /AppxManifest.xml its content isn't signed",
+         with(core, "/AppxManifest.xml", coreType, "<a/>")},
         {"gap: /a~1.png its content isn't signed", image("/a~1.png", "image/png", png)},
         {"gap: /mimetype its content isn't signed", signature("/mimetype")},
         {"gap: /_xmlsignatures/index.html its content isn't signed", signature("/_xmlsignatures/index.html")},
@@ -307,6 +317,15 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: / evil the relationship isn't signed", outside("file:x.png")},
     };
     expectNoYes(cases);
+
+    SignedSample withProperties;
+    SignatureRecipe recipe;
+    recipe.changeManifest = [&](std::string& manifest) {
+        manifest += withProperties.referenceTo(u"/docProps/core.xml", coreType);
+    };
+    withProperties.sign(recipe);
+    EXPECT_NE(reasonsOf(withProperties.verify()).find("gap: / rId2 the relationship isn't signed"),
+              std::string::npos); // whoever signs some properties signs all
 
     const struct {
         std::string name, contentType, content;

@@ -300,7 +300,7 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
          inDocument("<Relationship Id='rId10'",
                     "<p:Relationship xmlns:p='http://schemas.openxmlformats.org/package/2006/relationships' "
                     "Id='rId10'"),
-         true},
+         false},
         {"no target", adding("<Relationship Id='x' Type='u:a' Target=''/>"), true},
         {"an attribute", inDocument("Id='rId10'", "Id='rId10' xml:base='/a/'"), false},
         {"an ID twice", adding("<Relationship Id='rId10' Type='u:a' Target='x.xml'/>"), false},
@@ -337,7 +337,12 @@ TEST(StandardSigning, SignsNothingThatOthersReadInAnotherWay) {
              it.store.setPart(u"/word/_rels/ghost.xml.rels",
                               relationships("<Relationship Id='x' Type='u:a' Target='x.xml'/>"));
          },
-         true},
+         false},
+        {"two styles",
+         adding("<Relationship Id='x' Target='x.xml' Type='http://purl.oclc.org/ooxml/officeDocument/"
+                "relationships/styles'/>"),
+         false},
+        {"another format", [](SignedSample& it) { it.store.setPart(u"/META-INF/manifest.xml", {}); }, false},
     };
     for (const auto& [what, prepare, isSigned] : cases) {
         PlainSample sample;

@@ -441,8 +441,7 @@ TEST(StandardVerification, FindsSignaturesInOtherPlaces) {
     sample.store.removePart(SignedSample::SIGNATURE);
     sample.store.setPart(u"/elsewhere/my-signature.psdsxs", signature);
     sample.replaceContentTypes("/_xmlsignatures/sig1.xml", "/elsewhere/my-signature.psdsxs");
-    sample.replace(u"/_xmlsignatures/_rels/origin.sigs.rels", "sig1.xml",
-                   "../elsewhere/my-signature.psdsxs");
+    sample.replace(u"/_xmlsignatures/_rels/origin.sigs.rels", "sig1.xml", "../elsewhere/my-signature.psdsxs");
     const PackageVerification result = sample.verify();
     EXPECT_TRUE(result.isYes()) << reasonsOf(result);
     EXPECT_EQ(result.signatures.at(0).name, "my-signature");

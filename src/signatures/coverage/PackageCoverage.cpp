@@ -8,6 +8,7 @@
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/InputStream.hpp>
+#include <opc/core/Text.hpp>
 #include <opc/model/DigitalSignature.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>

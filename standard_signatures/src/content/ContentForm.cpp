@@ -52,7 +52,9 @@ constexpr ContentForm CONTENT_FORMS[] = {
 
 /// Whether a name is unlikely to mean anything to a program that finds items by their names, as those of other formats do.
 bool isHarmless(std::string_view key) {
-    return !marksOtherFormat(key) && key != "/content.xml" &&
+    const bool isDocumentInRoot =
+        key.rfind('/') == 0 && key.size() > 4 && key.substr(key.size() - 4) == ".xml";
+    return !marksOtherFormat(key) && !isDocumentInRoot &&
            key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
 }
 

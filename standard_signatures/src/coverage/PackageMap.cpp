@@ -1,12 +1,15 @@
 #include "coverage/PackageMap.hpp"
 
+#include "coverage/ImplicitRelationships.hpp"
 #include "names/PartNames.hpp"
 #include "names/SignatureParts.hpp"
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string_view>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -84,8 +87,8 @@ bool isMainType(std::string_view type) {
 PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
+    findRepeated();
     std::unordered_set<const StoredPart*> seen;
-    std::map<FormKind, const StoredPart*> firstByCustom;
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)
             continue;
@@ -95,16 +98,15 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
             contentTargets.insert(one.target);
         else
             exempt.emplace(one.target, form);
-        if (form != nullptr && one.role == RelationshipRole::LeftOutByCustom) {
-            const auto [first, isFirst] = firstByCustom.emplace(form->kind, one.target);
-            if (first->second != one.target)
-                contentTargets.insert({first->second, one.target});
-        }
         if (one.role == RelationshipRole::OfSignatures)
             ofSignatures.insert(one.target);
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
+    for (const StoredPart& part : contents.parts())
+        if (!part.source && !isExempt(part))
+            contentFolders.insert(keyOf(part.name.substr(0, part.name.rfind('/'))));
+    contentFolders.erase(""); // the root has other folders
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -155,10 +157,18 @@ void PackageMap::giveRoles() {
             return source != nullptr && signaturesOfOrigins.count(source) != 0;
         },
         certificates);
-    for (MappedRelationship& one : all)
-        if (*one.document->source == "/" && !one.values->isExternal && !leadsOutside(one.values->target) &&
-            findKind(LEFT_OUT_BY_CUSTOM, one.values->type) != nullptr)
+    std::map<FormKind, MappedRelationship*> firstByCustom;
+    for (MappedRelationship& one : all) {
+        const TypedTarget* const kind = findKind(LEFT_OUT_BY_CUSTOM, one.values->type);
+        if (kind == nullptr || *one.document->source != "/" || one.values->isExternal ||
+            leadsOutside(one.values->target))
+            continue;
+        const auto [first, isFirst] = firstByCustom.emplace(kind->target, &one);
+        if (!isFirst)
+            first->second->role = RelationshipRole::Content;
+        else if (one.target != nullptr)
             one.role = RelationshipRole::LeftOutByCustom;
+    }
 }
 
 bool PackageMap::hasMainDocument() const {
@@ -178,7 +188,27 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
-    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
+    return found == exempt.end() || contentTargets.count(&part) != 0 || liesAmongContent(part)
+               ? nullptr
+               : found->second;
+}
+
+bool PackageMap::liesAmongContent(const StoredPart& part) const {
+    const std::string key = keyOf(part.name);
+    for (std::size_t slash = key.rfind('/'); slash != 0; slash = key.rfind('/', slash - 1))
+        if (contentFolders.count(key.substr(0, slash)) != 0)
+            return true;
+    return false;
+}
+
+void PackageMap::findRepeated() {
+    std::set<std::pair<const StoredPart*, std::string>> known;
+    for (const MappedRelationship& one : all) {
+        const std::string& type = one.values->type;
+        if (!one.values->isExternal && isImplicit(type) &&
+            !known.emplace(one.document, keyOf(type.substr(type.rfind('/') + 1))).second)
+            repeated.push_back(&one);
+    }
 }
 
 std::vector<interfaces::MisnamedItem> PackageMap::misnamedItems() const {

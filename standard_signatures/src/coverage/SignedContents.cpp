@@ -24,11 +24,13 @@ class Comparison {
 public:
     Comparison(const SignedContents& contents, PackageContents& package, const PackageMap& map,
                std::size_t& room)
-        : contents(contents), package(package), map(map), room(room) {}
+        : contents(contents), package(package), map(map), room(room),
+          signsProperties(signsSomeOf(contents, map)) {}
 
     CoverageAnswer run() {
         compareParts();
         compareRelationships();
+        compareOrder();
         compareOrigins();
         compareMainDocument();
         for (const interfaces::IgnoredItem& item : package.ignoredItems())
@@ -73,7 +75,9 @@ private:
                 ++answer.signedParts;
                 if (contents.contentTypes.count(&part) == 0)
                     addGap({GapKind::ContentType, part.name, {}, {}, "its content type isn't signed"});
-            } else if (const ContentForm* const form = map.exemptFormOf(part); form == nullptr) {
+            } else if (const ContentForm* const form =
+                           signsProperties && !map.isOfSignatures(part) ? nullptr : map.exemptFormOf(part);
+                       form == nullptr) {
                 addGap({GapKind::Part, part.name, {}, {}, "its content isn't signed"});
             } else if (const Reason* const failure = package.whyUnfit(part, *form)) {
                 addGap({GapKind::Part, part.name, {}, {}, failure->text});
@@ -89,7 +93,8 @@ private:
             if (contents.has(one)) {
                 ++answer.signedRelationships;
                 answer.externalTargets += values.isExternal ? 1 : 0;
-            } else if (one.role == RelationshipRole::Content) {
+            } else if (one.role == RelationshipRole::Content ||
+                       (signsProperties && one.role == RelationshipRole::LeftOutByCustom)) {
                 addGap({GapKind::Relationship, *one.document->source, values.id, values.type,
                         values.isExternal ? "the relationship isn't signed, and leads out of the package"
                                           : "the relationship isn't signed"});
@@ -98,6 +103,13 @@ private:
                              "the relationship isn't signed, by custom"});
             }
         }
+    }
+
+    void compareOrder() {
+        for (const MappedRelationship* const one : map.repeatedImplicit())
+            if (contents.parts.count(one->document) == 0)
+                addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
+                        "there is another one of this type, and their order isn't signed"});
     }
 
     void compareOrigins() {
@@ -118,10 +130,20 @@ private:
             addGap({GapKind::MainDocument, "/", {}, {}, "the main document is missing"});
     }
 
+    /// Whether the signature signs a part of those that custom leaves out: then it must sign all of them.
+    static bool signsSomeOf(const SignedContents& contents, const PackageMap& map) {
+        return std::any_of(contents.parts.begin(), contents.parts.end(), [&map](const StoredPart* part) {
+            const ContentForm* const form = map.exemptFormOf(*part);
+            return form != nullptr && form->kind != ContentForm::Kind::Thumbnail &&
+                   !map.isOfSignatures(*part);
+        });
+    }
+
     const SignedContents& contents;
     PackageContents& package;
     const PackageMap& map;
     std::size_t& room;
+    const bool signsProperties;
     CoverageAnswer answer;
 };
 

@@ -22,6 +22,9 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     for (const Reason& reason : map.unreadable())
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
     throwIfMisnamed(map);
+    for (const MappedRelationship* const one : map.repeatedImplicit())
+        throw SigningRefused("Two relationships of " + *one->document->source + " have the type " +
+                             one->values->type + ", and their order can't be signed");
     if (map.secondOrigin() != nullptr)
         throw SigningRefused("More than one relationship leads to an origin of signatures");
     for (const StoredPart& part : contents.parts())
