@@ -158,7 +158,7 @@ TEST(Container, breaksOneRule) {
          })},
         {"M3.14", withDocument([](RawItem& item) { item.flags = 8; })}, // without a data descriptor
         {"M3.14", withDocument([](RawItem& item) { item.extra = field(1, "\1\2\3\4\5\6\7\x08"); })},
-        {"SEC-48", withDocument([](RawItem& item) {
+        {"M3.14", withDocument([](RawItem& item) {
              item.data += "<!--PK\7\x08-->";
              item = stored(item.name, item.data);
              item.streamed = true, item.flags = 8;

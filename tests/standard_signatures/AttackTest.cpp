@@ -325,7 +325,7 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
     };
     withProperties.sign(recipe);
     EXPECT_NE(reasonsOf(withProperties.verify()).find("gap: / rId2 the relationship isn't signed"),
-              std::string::npos); // whoever signs some properties signs all
+              std::string::npos); // whoever signs them signs all
 
     const struct {
         std::string name, contentType, content;

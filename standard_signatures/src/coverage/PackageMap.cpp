@@ -104,7 +104,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
             signatureParts.push_back(one.target);
     }
     for (const StoredPart& part : contents.parts())
-        if (!part.source && !isExempt(part))
+        if (!part.source && exempt.count(&part) == 0)
             contentFolders.insert(keyOf(part.name.substr(0, part.name.rfind('/'))));
     contentFolders.erase(""); // the root has other folders
 }

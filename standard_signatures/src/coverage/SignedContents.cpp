@@ -25,7 +25,7 @@ public:
     Comparison(const SignedContents& contents, PackageContents& package, const PackageMap& map,
                std::size_t& room)
         : contents(contents), package(package), map(map), room(room),
-          signsProperties(signsSomeOf(contents, map)) {}
+          signsProperties(signsCoreProperties(contents, map)) {}
 
     CoverageAnswer run() {
         compareParts();
@@ -130,12 +130,11 @@ private:
             addGap({GapKind::MainDocument, "/", {}, {}, "the main document is missing"});
     }
 
-    /// Whether the signature signs a part of those that custom leaves out: then it must sign all of them.
-    static bool signsSomeOf(const SignedContents& contents, const PackageMap& map) {
+    /// Whether the signature signs the core properties: then it must sign all that custom leaves out.
+    static bool signsCoreProperties(const SignedContents& contents, const PackageMap& map) {
         return std::any_of(contents.parts.begin(), contents.parts.end(), [&map](const StoredPart* part) {
             const ContentForm* const form = map.exemptFormOf(*part);
-            return form != nullptr && form->kind != ContentForm::Kind::Thumbnail &&
-                   !map.isOfSignatures(*part);
+            return form != nullptr && form->kind == ContentForm::Kind::CoreProperties;
         });
     }
 

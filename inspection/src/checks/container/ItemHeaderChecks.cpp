@@ -107,7 +107,7 @@ void checkItemHeaders(const Subject& subject, Findings& findings) {
         checkItem(item, findings);
         if (canEndEarlier(subject.archive(), item))
             findings.add(
-                "SEC-48", Severity::Warning, placeOf(item),
+                "M3.14", Severity::Warning, placeOf(item),
                 "The header of the item doesn't say how long it is, and its content has the mark of its end");
         growthHints += checkExtraFields(item, findings) ? 1 : 0;
     }
