@@ -43,7 +43,7 @@ std::vector<unsigned char> decode(Text text) {
     unsigned digits = 0;  // in the current group of four
     unsigned padding = 0; // so far
     for (const auto unit : text) {
-        const unsigned char meaning = meaningOf(unit);
+        const unsigned char meaning = meaningOf(static_cast<char16_t>(unit));
         if (meaning == Blank)
             continue;
         if (meaning == Foreign)
