@@ -271,9 +271,9 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
             it.store.setPart(std::u16string(name.begin(), name.end()),
                              it.store.partBytes(SignedSample::SIGNATURE));
         };
-        return both(with(BASE + "digital-signature/signature", name,
-                         "application/vnd.openxmlformats-package.digital-signature-xmlsignature+xml", ""),
-                    copy);
+        return both(
+            both(copy, replacingTypes("/_xmlsignatures/sig2.xml", name)),
+            adding(u"/_xmlsignatures/_rels/origin.sigs.rels", BASE + "digital-signature/signature", name));
     };
     const std::string form = " its content isn't signed, and hasn't the form of what needn't be";
     const std::string unsignedCore = "gap: /docProps/core.xml its content isn't signed";
@@ -288,10 +288,12 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: /a.png its content isn't signed", image("/a.png", "image/jpeg", "\xFF\xD8\xFF")},
         {"gap: /word/media/1.png its content isn't signed", image("/word/media/1.png", "image/png", png)},
         {"gap: /word/x/core.xml its content isn't signed", with(core, "/word/x/core.xml", coreType, "<a/>")},
+        {"gap: /customUI/a.xml its content isn't signed", with(core, "/customUI/a.xml", coreType, "<a/>")},
         {"gap: /AppxManifest.xml its content isn't signed",
          with(core, "/AppxManifest.xml", coreType, "<a/>")},
         {"gap: /a~1.png its content isn't signed", image("/a~1.png", "image/png", png)},
         {"gap: /mimetype its content isn't signed", signature("/mimetype")},
+        {"gap: /customUI/customUI.xml its content isn't signed", signature("/customUI/customUI.xml")},
         {"gap: /_xmlsignatures/index.html its content isn't signed", signature("/_xmlsignatures/index.html")},
         {"gap: /a.png" + form, image("/a.png", "image/png", "")},
         {"gap: /a.png" + form, image("/a.png", "image/png", "\x89PNG evil")},

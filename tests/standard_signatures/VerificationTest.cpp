@@ -437,11 +437,16 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
 TEST(StandardVerification, FindsSignaturesInOtherPlaces) {
     SignedSample sample;
     sample.sign();
-    const Bytes signature = sample.store.partBytes(SignedSample::SIGNATURE);
-    sample.store.removePart(SignedSample::SIGNATURE);
-    sample.store.setPart(u"/elsewhere/my-signature.psdsxs", signature);
-    sample.replaceContentTypes("/_xmlsignatures/sig1.xml", "/elsewhere/my-signature.psdsxs");
-    sample.replace(u"/_xmlsignatures/_rels/origin.sigs.rels", "sig1.xml", "../elsewhere/my-signature.psdsxs");
+    const auto move = [&sample](const std::u16string& from, const std::u16string& to) {
+        sample.store.setPart(to, sample.store.partBytes(from));
+        sample.store.removePart(from);
+    };
+    move(SignedSample::SIGNATURE, u"/elsewhere/signatures/xml/my-signature.psdsxs");
+    move(u"/_xmlsignatures/origin.sigs", u"/elsewhere/signatures/origin.sigs");
+    move(u"/_xmlsignatures/_rels/origin.sigs.rels", u"/elsewhere/signatures/_rels/origin.sigs.rels");
+    sample.replaceContentTypes("/_xmlsignatures/sig1.xml", "/elsewhere/signatures/xml/my-signature.psdsxs");
+    sample.replace(u"/_rels/.rels", "_xmlsignatures/", "elsewhere/signatures/");
+    sample.replace(u"/elsewhere/signatures/_rels/origin.sigs.rels", "sig1.xml", "xml/my-signature.psdsxs");
     const PackageVerification result = sample.verify();
     EXPECT_TRUE(result.isYes()) << reasonsOf(result);
     EXPECT_EQ(result.signatures.at(0).name, "my-signature");

@@ -3,9 +3,9 @@
 #include "names/PartNames.hpp"
 #include "names/SignatureParts.hpp"
 #include "xml/Narrow.hpp"
+#include "xml/PackageDocument.hpp"
 
 #include <opc/model/Errors.hpp>
-#include <opc/model/XmlEvents.hpp>
 
 #include <algorithm>
 #include <array>
@@ -50,12 +50,22 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"\x30"}},
 };
 
-/// Whether a name is unlikely to mean anything to a program that finds items by their names, as those of other formats do.
-bool isHarmless(std::string_view key) {
-    const bool isDocumentInRoot =
-        key.rfind('/') == 0 && key.size() > 4 && key.substr(key.size() - 4) == ".xml";
-    return !marksOtherFormat(key) && !isDocumentInRoot &&
-           key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
+bool isPlain(std::string_view key) {
+    return key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
+}
+
+/// Whether a part lies where programs put those of its kind, so that its name means nothing to a program that finds items by
+/// their names.
+bool isInItsFolder(std::string_view key, FormKind kind) {
+    const std::size_t slash = key.find('/', 1);
+    const bool isInRoot = slash == std::string_view::npos;
+    if (kind == FormKind::Origin || kind == FormKind::Signature || kind == FormKind::Certificate)
+        return key.substr(0, key.rfind('/')).find("signature") != std::string_view::npos &&
+               !marksOtherFormat(key);
+    if (isInRoot)
+        return key.size() < 4 || key.substr(key.size() - 4) != ".xml";
+    const std::string_view folder = key.substr(0, slash);
+    return folder == "/docprops" || folder == "/package" || folder == "/metadata";
 }
 
 bool hasExtension(std::string_view key, std::string_view extensions) {
@@ -65,11 +75,12 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
             extensions.find(std::string(key.substr(dot)) + ".") != std::string_view::npos);
 }
 
+constexpr std::uint64_t MOST_BYTES = 32U << 20; // of properties
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
 
 /// Compares the root element, and looks for a base to which programs resolve relative links of the document (ECMA-376 Part 1,
 /// HyperlinkBase).
-class PropertiesReader final : public model::XmlEvents {
+class PropertiesReader final : public PackageDocument {
 public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
@@ -79,11 +90,13 @@ public:
              isText(element.namespaceURI(), form.beginning[1])))
             defect = nullptr;
         isRoot = false;
-        isBase = element.localName() == u"HyperlinkBase";
+        if (depthInBase != 0 || element.localName() == u"HyperlinkBase")
+            ++depthInBase;
     }
-    void onEnd() override { isBase = false; }
+    void onEnd() override { depthInBase -= depthInBase != 0 ? 1 : 0; }
     void onText(std::u16string_view text) override {
-        if (isBase && defect == nullptr && text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+        if (depthInBase != 0 && defect == nullptr &&
+            text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
             defect = "says where the links of the document lead";
     }
 
@@ -92,7 +105,7 @@ public:
 private:
     const ContentForm& form;
     bool isRoot = true;
-    bool isBase = false;
+    unsigned depthInBase = 0; ///< of elements
 };
 
 } // namespace
@@ -104,14 +117,14 @@ const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::stri
         std::find_if(std::begin(CONTENT_FORMS), std::end(CONTENT_FORMS), [&](const ContentForm& one) {
             return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
         });
-    return found == std::end(CONTENT_FORMS) || !isHarmless(key) ? nullptr : found;
+    return found == std::end(CONTENT_FORMS) || !isPlain(key) || !isInItsFolder(key, kind) ? nullptr : found;
 }
 
 const char* ContentForm::defectIn(InputStream& stream) const {
     if (!rootName.empty()) {
         PropertiesReader reader(*this);
         try {
-            model::readXmlDocument(stream, reader);
+            reader.read(stream, MOST_BYTES);
         } catch (const model::InvalidXMLDocument&) {
             return OTHER_FORM;
         }

@@ -103,10 +103,6 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
-    for (const StoredPart& part : contents.parts())
-        if (!part.source && exempt.count(&part) == 0)
-            contentFolders.insert(keyOf(part.name.substr(0, part.name.rfind('/'))));
-    contentFolders.erase(""); // the root has other folders
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -188,17 +184,7 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
-    return found == exempt.end() || contentTargets.count(&part) != 0 || liesAmongContent(part)
-               ? nullptr
-               : found->second;
-}
-
-bool PackageMap::liesAmongContent(const StoredPart& part) const {
-    const std::string key = keyOf(part.name);
-    for (std::size_t slash = key.rfind('/'); slash != 0; slash = key.rfind('/', slash - 1))
-        if (contentFolders.count(key.substr(0, slash)) != 0)
-            return true;
-    return false;
+    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
 }
 
 void PackageMap::findRepeated() {

@@ -66,8 +66,7 @@ public:
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
-    /// @return null if it must be signed: something else leads to it, its name or content type isn't that of such a part, or it
-    ///         lies in a folder with parts of the content, where programs may find it by its name
+    /// @return null if it must be signed: something else leads to it, or its name or content type isn't that of such a part
     const ContentForm* exemptFormOf(const StoredPart& part) const;
     bool isExempt(const StoredPart& part) const { return exemptFormOf(part) != nullptr; }
     bool isOfSignatures(const StoredPart& part) const { return ofSignatures.count(&part) != 0; }
@@ -76,7 +75,6 @@ private:
     void collect(PackageContents& contents);
     void giveRoles();
     void findRepeated();
-    bool liesAmongContent(const StoredPart& part) const;
 
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
@@ -85,8 +83,7 @@ private:
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
-    std::unordered_set<std::string> contentFolders; ///< in lower case
-    std::vector<const StoredPart*> sources;         ///< of `all`; null for the package
+    std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
 
 } // namespace opc::standard_signatures
