@@ -162,7 +162,7 @@ void PackageMap::giveRoles() {
         const auto [first, isFirst] = firstByCustom.emplace(kind->target, &one);
         if (!isFirst)
             first->second->role = RelationshipRole::Content;
-        else if (one.target != nullptr)
+        else if (one.target != nullptr && formOfTarget(one, *kind) != nullptr)
             one.role = RelationshipRole::LeftOutByCustom;
     }
 }

@@ -62,7 +62,7 @@ std::string partKeyOf(std::string_view name) {
 }
 
 bool isPlainPartName(std::string_view name) {
-    const auto isAllowed = [](char c) { return c == '/' || isPathCharacter(c); };
+    const auto isAllowed = [](char c) { return c == '/' || isUnreserved(c); };
     return isAbsolutePartName(name) && name.back() != '.' && name.find("./") == std::string_view::npos &&
            std::all_of(name.begin(), name.end(), isAllowed);
 }

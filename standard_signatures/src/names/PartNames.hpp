@@ -25,7 +25,7 @@ std::string decodePartName(std::string_view name);
 std::string partKeyOf(std::string_view name);
 
 /// Whether everybody reads the same name of a part from this: it begins with a slash, no segment is empty or ends with a dot,
-/// and all characters are ones of a path and stand for themselves.
+/// and no character has a meaning of its own in a URI or a path of a system.
 bool isPlainPartName(std::string_view name);
 
 /// The text with ASCII letters in lower case.
