@@ -75,7 +75,6 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
             extensions.find(std::string(key.substr(dot)) + ".") != std::string_view::npos);
 }
 
-constexpr std::uint64_t MOST_BYTES = 32U << 20; // of properties
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
 
 /// Compares the root element, and looks for a base to which programs resolve relative links of the document (ECMA-376 Part 1,
@@ -124,7 +123,7 @@ const char* ContentForm::defectIn(InputStream& stream) const {
     if (!rootName.empty()) {
         PropertiesReader reader(*this);
         try {
-            reader.read(stream, MOST_BYTES);
+            reader.read(stream);
         } catch (const model::InvalidXMLDocument&) {
             return OTHER_FORM;
         }

@@ -12,7 +12,6 @@ namespace opc::standard_signatures {
 namespace {
 
 constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/package/2006/content-types";
-constexpr std::uint64_t MOST_BYTES = 32U << 20;
 
 [[noreturn]] void refuseTypes(const std::string& text) {
     throw Refusal(Reason::Code::ContentTypeChanged, "[Content_Types].xml", text);
@@ -76,7 +75,7 @@ private:
 
 ContentTypes ContentTypes::read(InputStream& stream) {
     ContentTypes types;
-    Reader(types).read(stream, MOST_BYTES);
+    Reader(types).read(stream);
     return types;
 }
 

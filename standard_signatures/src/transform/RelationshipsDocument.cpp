@@ -106,7 +106,7 @@ private:
 
 RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
     RelationshipsDocument document;
-    Reader(document).read(stream, MOST_BYTES);
+    Reader(document).read(stream);
     auto& all = document.relationships;
     std::sort(all.begin(), all.end(), [](const RelationshipValues& left, const RelationshipValues& right) {
         return left.id < right.id;

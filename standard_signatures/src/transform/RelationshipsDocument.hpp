@@ -19,7 +19,6 @@ struct RelationshipValues {
 struct RelationshipsDocument {
     std::vector<RelationshipValues> relationships; ///< sorted by ID, character by character
 
-    static constexpr std::uint64_t MOST_BYTES = 32U << 20;
     static constexpr std::size_t MOST_RELATIONSHIPS = 250000;
 
     /// Reads a part in which nothing is left to interpretation: by namespace, without foreign elements and attributes,

@@ -13,10 +13,12 @@ namespace opc::standard_signatures {
 /// in UTF-16 behind its byte order mark [M1.17], and if it names its encoding, it is the one that its bytes have.
 class PackageDocument : public model::XmlEvents {
 public:
+    static constexpr std::uint64_t MOST_BYTES = 32U << 20;
+
     /// @param stream  open, at its first byte
     /// @throws model::InvalidXMLDocument
     /// @throws the exceptions of the stream, and of the functions that receive what stands in the document
-    void read(InputStream& stream, std::uint64_t mostBytes);
+    void read(InputStream& stream, std::uint64_t mostBytes = MOST_BYTES);
 
     void onVersion(std::u16string_view version) final;
     void onDeclaration(std::u16string_view encoding) final;
