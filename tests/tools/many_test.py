@@ -46,7 +46,9 @@ class Many(OpctoolCase):
                 with self.subTest(arguments, jobs=jobs):
                     self.assertEqual(self.names(f'ls -j {jobs} {arguments}'), (status, names))
         self.assertEqual(self.names('rels / -r dir/sub')[1], in_folder[1:])
-        self.assertEqual(self.run_tool('ls -r dir --ext odt').errors, 'opctool: no packages found\n')
+        for command, status in ('ls', 0), ('verify', 1):
+            done = self.run_tool(command + ' -r dir --ext odt')
+            self.assertEqual((done.status, done.errors), (status, 'opctool: no packages found\n'))
         self.assertIn('dir: Exception: is a folder; -r reads the packages in it\n', self.run_tool('ls dir a.docx').errors)
 
     def test_links_to_folders_on_the_way_lead_nowhere(self):

@@ -21,6 +21,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 #include <exception>
 #include <memory>
@@ -352,7 +353,13 @@ void declareVerify(CLI::App& command) {
                 .acceptWeak(arguments->trust.acceptWeak)
                 .requireFull(arguments->requireFull || arguments->isRequired(COMPLETE)),
             makeStandardRequirements(*arguments)};
-        files->run([&](FileRun& run) { verify(run, *arguments, requirements); });
+        std::atomic<bool> isAnswered = false;
+        files->run([&](FileRun& run) {
+            isAnswered = true;
+            verify(run, *arguments, requirements);
+        });
+        if (!isAnswered) // of no package it can't be said that its signatures hold
+            throw EndsWith{ANSWER_IS_NO};
     });
 }
 
