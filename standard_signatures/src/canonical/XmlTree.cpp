@@ -39,7 +39,8 @@ public:
         if (name.empty())
             return std::string_view("");
         Entry& recent =
-            recentNames[(name.size() + 8U * name.front() + 32U * name.back()) % recentNames.size()];
+            recentNames[(name.size() + std::size_t{8} * name.front() + std::size_t{32} * name.back()) %
+                        recentNames.size()];
         if (!isSame(recent.first, name))
             recent = keepEntry(name);
         return recent.second;

@@ -47,7 +47,7 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Thumbnail, "image/wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
     {FormKind::Signature, SIGNATURE_CONTENT_TYPE, ".xml.psdsxs.sigs.", "", {}}, // which is read whole
-    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"\x30"}},
+    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"0"}},           // the tag of a DER sequence
 };
 
 bool isPlain(std::string_view key) {
