@@ -124,6 +124,55 @@ TEST(StandardSigning, SignsWhatItIsToldTo) {
     EXPECT_EQ(signature.coverage.gapCount, 2U); // the document, and its picture's relationship
 }
 
+/// Programs choose between two such targets by an order that isn't signed.
+TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
+    const std::string office = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+    const std::u16string package = u"/_rels/.rels";
+    const std::u16string document = u"/word/_rels/document.xml.rels";
+    const auto store = [](SignedSample& sample, const std::u16string& name, const std::string& id) {
+        sample.store.setPart(name,
+                             toBytes("<ds:datastoreItem ds:itemID='" + id +
+                                     "' xmlns:ds='http://schemas.openxmlformats.org/officeDocument/2006/"
+                                     "customXml'/>"));
+    };
+    const struct {
+        std::u16string source;
+        std::string type, mode;
+        std::string secondStore; ///< its ID; the first one has {A}
+        bool isRefused;
+    } cases[] = {
+        {document, office + "image", "", "{B}", false},
+        {document, office + "styles", "", "{B}", true},
+        {document, "http://purl.oclc.org/ooxml/officeDocument/relationships/styles", "", "{B}", true},
+        {document, office + "styles", " TargetMode='External'", "{B}", true},
+        {package, "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel", "", "{B}", true},
+        {document, "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel", "", "{B}", false},
+        {document, office + "image", "", "{a}", true},
+    };
+    for (const auto& [source, type, mode, secondStore, isRefused] : cases) {
+        PlainSample sample;
+        for (const char* const id : {"first", "second"})
+            sample.replace(source, "</Relationships>",
+                           "<Relationship Id='" + std::string(id) + "' Target='styles.xml' Type='" + type +
+                               "'" + mode + "/></Relationships>");
+        store(sample, u"/customXml/itemProps1.xml", "{A}");
+        store(sample, u"/customXml/itemProps2.xml", secondStore);
+        for (const char* const number : {"1", "2"})
+            sample.replaceContentTypes("</Types>",
+                                       "<Override PartName='/customXml/itemProps" + std::string(number) +
+                                           ".xml' ContentType='application/vnd.openxmlformats-officedocument."
+                                           "customXmlProperties+xml'/></Types>");
+        bool refused = false;
+        try {
+            sign(sample);
+        } catch (const SigningRefused& refusal) {
+            refused = (std::string(refusal.what()) + refusal.details()).find("order can't be signed") !=
+                      std::string::npos;
+        }
+        EXPECT_EQ(refused, isRefused) << type << secondStore;
+    }
+}
+
 TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
     PlainSample sample;
     removeOrigin(sample);

@@ -441,12 +441,12 @@ TEST(StandardVerification, FindsSignaturesInOtherPlaces) {
         sample.store.setPart(to, sample.store.partBytes(from));
         sample.store.removePart(from);
     };
-    move(SignedSample::SIGNATURE, u"/elsewhere/signatures/xml/my-signature.psdsxs");
-    move(u"/_xmlsignatures/origin.sigs", u"/elsewhere/signatures/origin.sigs");
-    move(u"/_xmlsignatures/_rels/origin.sigs.rels", u"/elsewhere/signatures/_rels/origin.sigs.rels");
-    sample.replaceContentTypes("/_xmlsignatures/sig1.xml", "/elsewhere/signatures/xml/my-signature.psdsxs");
-    sample.replace(u"/_rels/.rels", "_xmlsignatures/", "elsewhere/signatures/");
-    sample.replace(u"/elsewhere/signatures/_rels/origin.sigs.rels", "sig1.xml", "xml/my-signature.psdsxs");
+    move(SignedSample::SIGNATURE, u"/signatures/elsewhere/xml/my-signature.psdsxs");
+    move(u"/_xmlsignatures/origin.sigs", u"/signatures/elsewhere/origin.sigs");
+    move(u"/_xmlsignatures/_rels/origin.sigs.rels", u"/signatures/elsewhere/_rels/origin.sigs.rels");
+    sample.replaceContentTypes("/_xmlsignatures/sig1.xml", "/signatures/elsewhere/xml/my-signature.psdsxs");
+    sample.replace(u"/_rels/.rels", "_xmlsignatures/", "signatures/elsewhere/");
+    sample.replace(u"/signatures/elsewhere/_rels/origin.sigs.rels", "sig1.xml", "xml/my-signature.psdsxs");
     const PackageVerification result = sample.verify();
     EXPECT_TRUE(result.isYes()) << reasonsOf(result);
     EXPECT_EQ(result.signatures.at(0).name, "my-signature");

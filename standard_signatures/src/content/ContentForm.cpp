@@ -50,6 +50,9 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"0"}},           // the tag of a DER sequence
 };
 
+/// Where some programs put properties and signatures.
+constexpr std::string_view SERVICES = "/package/services/";
+
 bool isPlain(std::string_view key) {
     return key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
 }
@@ -59,13 +62,16 @@ bool isPlain(std::string_view key) {
 bool isInItsFolder(std::string_view key, FormKind kind) {
     const std::size_t slash = key.find('/', 1);
     const bool isInRoot = slash == std::string_view::npos;
+    const std::string_view first = key.substr(0, isInRoot ? 0 : slash);
     if (kind == FormKind::Origin || kind == FormKind::Signature || kind == FormKind::Certificate)
-        return key.substr(0, key.rfind('/')).find("signature") != std::string_view::npos &&
-               !marksOtherFormat(key);
+        return first.find("signature") != std::string_view::npos ||
+               key.substr(0, SERVICES.size()) == SERVICES;
     if (isInRoot)
-        return key.size() < 4 || key.substr(key.size() - 4) != ".xml";
-    const std::string_view folder = key.substr(0, slash);
-    return folder == "/docprops" || folder == "/package" || folder == "/metadata";
+        return key == "/coreproperties.xml" || key.size() < 4 || key.substr(key.size() - 4) != ".xml";
+    const std::string_view folder = key.substr(0, key.rfind('/'));
+    const bool isOfPage = kind == FormKind::Thumbnail && folder.substr(folder.rfind('/')) == "/metadata";
+    return folder == "/docprops" || folder == "/metadata" || key.substr(0, SERVICES.size()) == SERVICES ||
+           isOfPage;
 }
 
 bool hasExtension(std::string_view key, std::string_view extensions) {
@@ -77,8 +83,8 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
 
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
 
-/// Compares the root element, and looks for a base to which programs resolve relative links of the document (ECMA-376 Part 1,
-/// HyperlinkBase).
+/// Compares the root element, and looks for a base to which programs resolve relative links of the document, and for word that
+/// they are to be taken from here (ECMA-376 Part 1, HyperlinkBase and HyperlinksChanged).
 class PropertiesReader final : public PackageDocument {
 public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
@@ -89,14 +95,23 @@ public:
              isText(element.namespaceURI(), form.beginning[1])))
             defect = nullptr;
         isRoot = false;
-        if (depthInBase != 0 || element.localName() == u"HyperlinkBase")
-            ++depthInBase;
+        if (depthOfLinks != 0 || element.localName() == u"HyperlinkBase" ||
+            element.localName() == u"HyperlinksChanged")
+            ++depthOfLinks;
     }
-    void onEnd() override { depthInBase -= depthInBase != 0 ? 1 : 0; }
-    void onText(std::u16string_view text) override {
-        if (depthInBase != 0 && defect == nullptr &&
-            text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+    void onEnd() override {
+        if (depthOfLinks == 0 || --depthOfLinks != 0)
+            return;
+        if (!value.empty() && value != u"false" && value != u"0" && defect == nullptr)
             defect = "says where the links of the document lead";
+        value.clear();
+    }
+    void onText(std::u16string_view text) override {
+        constexpr std::size_t ENOUGH = 20;
+        for (const char16_t c : text)
+            if (depthOfLinks != 0 && value.size() < ENOUGH && c != u' ' && c != u'\t' && c != u'\r' &&
+                c != u'\n')
+                value += c;
     }
 
     const char* defect = OTHER_FORM;
@@ -104,7 +119,8 @@ public:
 private:
     const ContentForm& form;
     bool isRoot = true;
-    unsigned depthInBase = 0; ///< of elements
+    unsigned depthOfLinks = 0; ///< of elements
+    std::u16string value;      ///< the beginning of their text
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "crypto/Methods.hpp"
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
+#include "reason/Shortened.hpp"
 #include "transform/RelationshipsNamespace.hpp"
 #include "xml/Narrow.hpp"
 
@@ -40,7 +41,8 @@ Reason at(const StoredPart& part, Reason reason) {
 
 std::string failureText(const Exception& failure) {
     const std::string details = failure.details();
-    return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
+    constexpr std::size_t LONGEST = 1000;
+    return shortened(details.empty() ? failure.what() : failure.what() + (" (" + details + ")"), LONGEST);
 }
 
 } // namespace
@@ -110,7 +112,7 @@ void PackageContents::readContentTypes() {
         };
         if (const std::string* const name = types.findOddName(isPart))
             typesFailure = {Reason::Code::ContentTypeChanged, "[Content_Types].xml",
-                            "\"" + *name + "\" isn't the name of a part"};
+                            "\"" + shortened(*name, 200) + "\" isn't the name of a part"};
     } catch (const Refusal& refusal) {
         typesFailure = refusal.reason();
     } catch (const Exception& failure) {

@@ -52,11 +52,17 @@ constexpr std::string_view IMPLICIT[] = {
     "xmlmaps",
 };
 
+/// The same of relationships of the package alone, which lead to where programs begin.
+constexpr std::string_view IMPLICIT_OF_PACKAGE[] = {"3dmodel", "aasx-origin", "document", "extensibility",
+                                                    "manifest"};
+
 } // namespace
 
-bool isImplicit(std::string_view type) {
+bool isImplicit(std::string_view type, bool isOfPackage) {
     const std::string name = keyOf(type.substr(type.rfind('/') + 1));
-    return std::binary_search(std::begin(IMPLICIT), std::end(IMPLICIT), name);
+    return std::binary_search(std::begin(IMPLICIT), std::end(IMPLICIT), name) ||
+           (isOfPackage &&
+            std::binary_search(std::begin(IMPLICIT_OF_PACKAGE), std::end(IMPLICIT_OF_PACKAGE), name));
 }
 
 } // namespace opc::standard_signatures

@@ -1,5 +1,6 @@
 #include "coverage/PackageMap.hpp"
 
+#include "coverage/DataStores.hpp"
 #include "coverage/ImplicitRelationships.hpp"
 #include "names/PartNames.hpp"
 #include "names/SignatureParts.hpp"
@@ -30,6 +31,7 @@ constexpr TypedTarget LEFT_OUT_BY_CUSTOM[] = {
     {"http://schemas.openxmlformats.org/officedocument/2006/relationships/metadata/core-properties",
      FormKind::CoreProperties},
     {"http://schemas.openxmlformats.org/package/2006/relationships/metadata/thumbnail", FormKind::Thumbnail},
+    {"http://purl.oclc.org/ooxml/officeDocument/relationships/metadata/thumbnail", FormKind::Thumbnail},
     {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties",
      FormKind::ExtendedProperties},
     {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties",
@@ -88,6 +90,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
     findRepeated();
+    stores = findRepeatedStores(contents);
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)
@@ -129,7 +132,8 @@ void PackageMap::collect(PackageContents& contents) {
 void PackageMap::giveRoles() {
     const auto give = [this](std::string_view type, const auto& isSource, auto& targets) {
         for (std::size_t i = 0; i < all.size(); ++i)
-            if (!all[i].values->isExternal && all[i].values->type == type && isSource(all[i], sources[i])) {
+            if (all[i].values->type == type && !all[i].values->isExternal &&
+                !leadsOutside(all[i].values->target) && isSource(all[i], sources[i])) {
                 all[i].role = RelationshipRole::OfSignatures;
                 targets.insert(all[i].target);
             }
@@ -137,20 +141,18 @@ void PackageMap::giveRoles() {
     std::unordered_set<const StoredPart*> certificates;
     give(
         ORIGIN_RELATIONSHIP,
-        [](const MappedRelationship& one, const StoredPart*) {
-            return *one.document->source == "/" && !leadsOutside(one.values->target);
-        },
+        [](const MappedRelationship& one, const StoredPart*) { return *one.document->source == "/"; },
         origins);
     give(
         SIGNATURE_RELATIONSHIP,
-        [this](const MappedRelationship&, const StoredPart* source) {
-            return source != nullptr && origins.count(source) != 0;
+        [this](const MappedRelationship& one, const StoredPart* source) {
+            return one.target != nullptr && source != nullptr && origins.count(source) != 0;
         },
         signaturesOfOrigins);
     give(
         CERTIFICATE_RELATIONSHIP,
-        [this](const MappedRelationship&, const StoredPart* source) {
-            return source != nullptr && signaturesOfOrigins.count(source) != 0;
+        [this](const MappedRelationship& one, const StoredPart* source) {
+            return one.target != nullptr && source != nullptr && signaturesOfOrigins.count(source) != 0;
         },
         certificates);
     std::map<FormKind, MappedRelationship*> firstByCustom;
@@ -191,7 +193,7 @@ void PackageMap::findRepeated() {
     std::set<std::pair<const StoredPart*, std::string>> known;
     for (const MappedRelationship& one : all) {
         const std::string& type = one.values->type;
-        if (!one.values->isExternal && isImplicit(type) &&
+        if (isImplicit(type, *one.document->source == "/") &&
             !known.emplace(one.document, keyOf(type.substr(type.rfind('/') + 1))).second)
             repeated.push_back(&one);
     }

@@ -64,6 +64,9 @@ public:
     /// Further relationships of a type and a source where programs take one by their order.
     const std::vector<const MappedRelationship*>& repeatedImplicit() const { return repeated; }
 
+    /// The same of data stores: the parts that describe a further one with the same ID.
+    const std::vector<const StoredPart*>& repeatedStores() const { return stores; }
+
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
     /// @return null if it must be signed: something else leads to it, or its name or content type isn't that of such a part
@@ -79,6 +82,7 @@ private:
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
     std::vector<const MappedRelationship*> repeated;
+    std::vector<const StoredPart*> stores; ///< that are repeated
     std::vector<Reason> failures;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;

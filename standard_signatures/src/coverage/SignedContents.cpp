@@ -1,5 +1,7 @@
 #include "coverage/SignedContents.hpp"
 
+#include "reason/Shortened.hpp"
+
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
@@ -11,14 +13,7 @@ namespace {
 
 using GapKind = Unsigned::Kind;
 
-/// The beginning of a text, however long it is.
-std::string shortened(std::string_view text) {
-    constexpr std::size_t MOST = 200;
-    std::size_t size = std::min(text.size(), MOST);
-    while (size < text.size() && size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80)
-        --size; // not within a character
-    return std::string(text.substr(0, size)).append(size < text.size() ? "…" : "");
-}
+constexpr std::size_t LONGEST_TEXT = 200; ///< of IDs and types that are listed
 
 class Comparison {
 public:
@@ -60,8 +55,8 @@ private:
         if (room == 0)
             return;
         --room;
-        one.id = shortened(one.id);
-        one.type = shortened(one.type);
+        one.id = shortened(one.id, LONGEST_TEXT);
+        one.type = shortened(one.type, LONGEST_TEXT);
         all.push_back(std::move(one));
     }
 
@@ -110,6 +105,12 @@ private:
             if (contents.parts.count(one->document) == 0)
                 addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
                         "there is another one of this type, and their order isn't signed"});
+        for (const StoredPart* const one : map.repeatedStores())
+            addGap({GapKind::Item,
+                    one->name,
+                    {},
+                    {},
+                    "it describes another data store with the same ID, and their order isn't signed"});
     }
 
     void compareOrigins() {
