@@ -442,7 +442,7 @@ TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
 
 TEST(Validation, hugeKeysEndSoon) {
     const Authorities a;
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     const Identity signer = a.signer([](CertificateRecipe& r) { r.key = makePublicKey(1 << 20, {1, 0, 1}); });
     EXPECT_EQ(signer.certificate.getKeySize(), std::size_t{8} << 20);
     EXPECT_EQ(validate(signer, {&a.issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
@@ -454,7 +454,7 @@ TEST(Validation, hugeKeysEndSoon) {
     const Identity below = makeSigner(&issuer);
     EXPECT_EQ(validate(below, {&issuer}, {&a.root}, optionsAtCheckTime()), Status::Good);
     EXPECT_EQ(validate(below, {&inItsName}, {&a.root}, optionsAtCheckTime()), Status::BadSignature);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 TEST(Validation, longChainsEndSoon) {
@@ -466,9 +466,9 @@ TEST(Validation, longChainsEndSoon) {
     for (int copies = 0; copies < 20; ++copies)
         for (const Identity& issuer : issuers)
             chain.push_back(&issuer);
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     EXPECT_EQ(validate(signer, chain, {&issuers.front()}, optionsAtCheckTime()), Status::InvalidChain);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 } // namespace
