@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <new>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -66,7 +66,9 @@ public:
 
     XmlTreeNode& add(XmlTreeNode::Kind kind) {
         static_assert(std::is_trivially_destructible_v<XmlTreeNode>);
-        auto* const added = ::new (resource.allocate(sizeof(XmlTreeNode), alignof(XmlTreeNode))) XmlTreeNode;
+        auto* const added =
+            static_cast<XmlTreeNode*>(resource.allocate(sizeof(XmlTreeNode), alignof(XmlTreeNode)));
+        std::uninitialized_value_construct_n(added, 1);
         added->kind = kind;
         return *added;
     }
