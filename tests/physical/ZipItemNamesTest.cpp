@@ -56,7 +56,8 @@ TEST(ZipItemNames, areToldIfOtherProgramsMayNotFindTheirParts) {
         unsigned short flags = 0;
     } cases[] = {
         {"a/b.xml", ""},
-        {"a/\xC3\xA9%20.xml", "", 0x800},
+        {"a/\xC3\xA9%20.xml", "its name isn't percent-encoded", 0x800},
+        {"a/%C3%A9.xml", ""},
         {"a/b.xml/[0].last.piece", "it is a piece of an interleaved part"},
         {"[Content_Types].xml/[0].last.piece", "it is a piece of an interleaved part"},
         {"a b.xml/[0].piece", ""}, // it is no part

@@ -240,8 +240,9 @@ const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName&
         return nullptr;
     if (const char* const defect = nameDefectForOthers(entry.name))
         return defect;
-    if (!isASCII(entry.name) && (entry.flags & NAME_IS_UTF8) == 0)
-        return "its name isn't marked as UTF-8";
+    if (!isASCII(entry.name)) // some programs look for the encoded name, some for the other one
+        return (entry.flags & NAME_IS_UTF8) == 0 ? "its name isn't marked as UTF-8"
+                                                 : "its name isn't percent-encoded";
     return name.kind == ItemName::Kind::Part && changesWhenExtracted(entry.name)
                ? "some systems change its name"
                : nullptr;
