@@ -55,7 +55,8 @@ void printReservations(FileRun& run, const VerifiedSignature& signature) {
     const std::string name = withoutControlCharacters(signature.name);
     if (!signature.coverage.byCustom.empty())
         run.out() << name
-                  << ": not signed by custom: properties and thumbnail, with title, author and dates, also where the document shows them\n";
+                  << ": not signed by custom: properties and thumbnail, with title, author and dates, also "
+                     "where the document shows them\n";
     if (signature.coverage.externalTargets != 0)
         run.out() << name << ": " << signature.coverage.externalTargets
                   << " signed relationships lead out of the package, where everything can change\n";

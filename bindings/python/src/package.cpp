@@ -105,8 +105,8 @@ void bindPackage(py::module_& module) {
         .def_property_readonly(
             "is_open",
             [](Session& session) { return session.use([&] { return session.package().isOpen(); }); })
-        .def_property_readonly("is_changed",
-                               [](Session& session) { return session.use([&] { return session.isChanged(); }); })
+        .def_property_readonly(
+            "is_changed", [](Session& session) { return session.use([&] { return session.isChanged(); }); })
         .def("require_saved", [](Session& session) { session.use([&] { session.requireSaved(); }); });
     module.def("open_path",
                [](std::filesystem::path path, const std::string& mode, const OpenOptions& options) {
