@@ -60,7 +60,8 @@ public:
     const std::vector<ChangedContentType>& getChangedContentTypes() const { return changedContentTypes; }
 
     /// What the model ignores and another program may read: items of the store that aren't parts or may be taken for
-    /// something else than the part that they are here, parts whose names begin with that of another part [M1.11], and documents with elements that weren't read.
+    /// something else than the part that they are here, parts whose names begin with that of another part [M1.11], and
+    /// documents with elements that weren't read.
     const std::vector<interfaces::IgnoredItem>& getIgnoredItems() const { return ignoredItems; }
 
     /// The bytes of the covered core properties part that no signature covers, because they are the keywords: how many

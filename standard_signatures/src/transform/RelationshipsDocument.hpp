@@ -22,7 +22,8 @@ struct RelationshipsDocument {
     static constexpr std::size_t MOST_RELATIONSHIPS = 250000;
 
     /// Reads a part in which nothing is left to interpretation: by namespace, without foreign elements and attributes,
-    /// without prefixes, which not all programs read, and with each ID once. Comments may stand anywhere, and values have no white space that may collapse.
+    /// without prefixes, which not all programs read, and with each ID once. Comments may stand anywhere, and values have
+    /// no white space that may collapse.
     /// @param stream  open, at its first byte
     /// @throws Refusal  with `RelationshipsRefused` or `BeyondLimit`
     /// @throws model::InvalidXMLDocument
