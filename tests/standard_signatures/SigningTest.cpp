@@ -124,6 +124,17 @@ TEST(StandardSigning, SignsWhatItIsToldTo) {
     EXPECT_EQ(signature.coverage.gapCount, 2U); // the document, and its picture's relationship
 }
 
+/// The model writes the extension of a default content type in lower case.
+TEST(StandardSigning, SignsPartsWithCapitalsInTheirExtension) {
+    PlainSample sample;
+    change(sample, [](model::Package& package) {
+        package.createPart(model::PartName(u"/word/media/b.PNG"), model::ContentType(u"image/png"),
+                           model::StandardPartInfo());
+    });
+    sign(sample, signerOf(SignedSample::usualSigner()), {});
+    EXPECT_TRUE(sample.verify().isYes());
+}
+
 /// Programs choose between two such targets by an order that isn't signed.
 TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
     const std::string office = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";

@@ -80,19 +80,17 @@ ContentTypes ContentTypes::read(InputStream& stream) {
 }
 
 const std::string* ContentTypes::find(std::string_view partName) const {
-    if (const std::string key = partKeyOf(partName); overrides.count(key) != 0)
-        return typeIn(overrides, key, partName);
+    if (const auto found = overrides.find(partKeyOf(partName)); found != overrides.end())
+        return found->second.written == partName ? &found->second.contentType : nullptr;
     const std::size_t dot = partName.rfind('.');
     if (dot == std::string::npos || dot < partName.rfind('/'))
         return nullptr;
     const std::string_view extension = partName.substr(dot + 1);
-    return typeIn(defaults, keyOf(extension), extension);
-}
-
-const std::string* ContentTypes::typeIn(const Entries& entries, const std::string& key,
-                                        std::string_view written) {
-    const auto found = entries.find(key);
-    return found == entries.end() || found->second.written != written ? nullptr : &found->second.contentType;
+    const auto found = defaults.find(keyOf(extension));
+    if (found == defaults.end())
+        return nullptr;
+    const auto& [key, entry] = *found;
+    return entry.written == extension || entry.written == key ? &entry.contentType : nullptr;
 }
 
 const std::string* ContentTypes::findOddName(const std::function<bool(const std::string&)>& isPart) const {

@@ -19,7 +19,7 @@ public:
     static ContentTypes read(InputStream& stream);
 
     /// The content type of a part as it stands; null if it has none, or if the entry writes its name or extension in another
-    /// way, so that not all programs find it.
+    /// way, so that not all programs find it. An extension in lower case is what all look for.
     const std::string* find(std::string_view partName) const;
 
     /// The name in an entry from which some programs may read the name of another part; null if there is none.
@@ -34,9 +34,6 @@ private:
         std::string contentType;
     };
     using Entries = std::unordered_map<std::string, Entry>; ///< by what some programs take for the same name
-
-    static const std::string* typeIn(const Entries& entries, const std::string& key,
-                                     std::string_view written);
 
     Entries overrides, defaults;
 };
