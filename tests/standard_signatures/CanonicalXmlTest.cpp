@@ -1,5 +1,6 @@
 #include "canonical/CanonicalXml.hpp"
 #include "canonical/BaseURI.hpp"
+#include "reason/Refusal.hpp"
 #include "standard_signatures/CanonicalComparison.hpp"
 #include "support/EventComparison.hpp"
 #include "support/Texts.hpp"
@@ -36,12 +37,16 @@ TEST(CanonicalXml, ofHardDocumentsIsThatOfAnotherProgram) {
     EXPECT_GT(compareCanonicalForms(toBytes(HARD[0])).subtrees, 4U);
 }
 
-TEST(CanonicalXml, sortsByCharactersAndRefusesRelativeNamespaces) {
-    const auto canonical = [](const std::string& text) {
+TEST(CanonicalXml, sortsByCharactersAndRefusesWhatHasNoForm) {
+    const auto canonical = [](const std::string& text, const CanonicalForm& form = {}) {
         const Bytes document = toBytes(text);
-        SlowStream stream(document, 100);
-        return canonicalize(XmlTree::read(stream).root());
+        SlowStream stream(document, 4096);
+        return canonicalize(XmlTree::read(stream).root(), form);
     };
+    const std::string longName = "<r xmlns:a='u:" + std::string(1U << 20, 'x') + "'>";
+    EXPECT_RAISES(Refusal, "The canonical form of an element is too long", // from a document of 1 MB
+                  canonical(longName + repeated("<a:b/>", 65) + "</r>",
+                            {CanonicalForm::Version::Exclusive, false, {}}));
     EXPECT_EQ(canonical("<r xmlns:a='u:\xF0\x90\x80\x80' xmlns:b='u:\xEF\xBC\xA1' a:x='1' b:x='2'/>"),
               "<r xmlns:a=\"u:\xF0\x90\x80\x80\" xmlns:b=\"u:\xEF\xBC\xA1\" b:x=\"2\" a:x=\"1\"></r>");
     for (const std::string uri : {"a", "a/b:c", "#x", "?a:b", "//h/p"})

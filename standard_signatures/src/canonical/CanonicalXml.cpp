@@ -1,6 +1,7 @@
 #include "canonical/CanonicalXml.hpp"
 
 #include "canonical/BaseURI.hpp"
+#include "reason/Refusal.hpp"
 
 #include <opc/model/Errors.hpp>
 
@@ -123,6 +124,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t MOST_BYTES = 64U << 20;
+
     using Declarations = std::map<std::string_view, std::string_view>; ///< sorted as they are written
     using Attribute = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view>;
 
@@ -139,6 +142,8 @@ private:
     }
 
     void begin(const XmlTreeNode& node) {
+        if (text.size() > MOST_BYTES)
+            throw Refusal(Reason::Code::BeyondLimit, "", "The canonical form of an element is too long");
         switch (node.kind) {
         case NodeKind::Element:
             beginElement(node);
