@@ -114,6 +114,7 @@ TEST(StandardAttacks, PlayWithNames) {
 /// What other programs may take for the content type of a signed part.
 TEST(StandardAttacks, PlayWithContentTypes) {
     const std::string main = "PartName='/word/document.xml'";
+    const std::string noPart = "isn't the name or extension of a part";
     const auto adding = [](const std::string& entry) {
         return replacingTypes("</Types>", entry + "</Types>");
     };
@@ -125,34 +126,35 @@ TEST(StandardAttacks, PlayWithContentTypes) {
     };
     const Case cases[] = {
         {"Two content types are given for /word/document.xml", overriding("/Word/document.xml")},
-        {"isn't the name of a part", overriding("/word/%64ocument.xml")},
-        {"isn't the name of a part", replacingTypes(main, "PartName='/word/%64ocument.xml'")},
-        {"isn't the name of a part", overriding("word/document.xml")},
-        {"isn't the name of a part", overriding("/word/./document.xml")},
-        {"isn't the name of a part", overriding("/word//document.xml")},
-        {"isn't the name of a part", overriding("/word\\document.xml")},
-        {"isn't the name of a part", overriding(" /word/document.xml")},
-        {"isn't the name of a part", overriding("/word/document.xml ")},
-        {"isn't the name of a part", overriding("/word%2Fdocument.xml")},
-        {"isn't the name of a part", overriding("/word/document.xml?a")},
-        {"isn't the name of a part", overriding("/word/document.xml#a")},
-        {"isn't the name of a part", overriding("/word/document.xml|a")},
-        {"isn't the name of a part", overriding("/word/document.xml:a")},
-        {"isn't the name of a part", overriding("/word/document.xml%00a")},
-        {"isn't the name of a part", overriding("/word/document.xml\u00A0")},
-        {"isn't the name of a part", overriding("/word/document.xml.")},
+        {noPart, overriding("/word/%64ocument.xml")},
+        {noPart, replacingTypes(main, "PartName='/word/%64ocument.xml'")},
+        {noPart, overriding("word/document.xml")},
+        {noPart, overriding("/word/./document.xml")},
+        {noPart, overriding("/word//document.xml")},
+        {noPart, overriding("/word\\document.xml")},
+        {noPart, overriding(" /word/document.xml")},
+        {noPart, overriding("/word/document.xml ")},
+        {noPart, overriding("/word%2Fdocument.xml")},
+        {noPart, overriding("/word/document.xml?a")},
+        {noPart, overriding("/word/document.xml#a")},
+        {noPart, overriding("/word/document.xml|a")},
+        {noPart, overriding("/word/document.xml:a")},
+        {noPart, overriding("/word/document.xml%00a")},
+        {noPart, overriding("/word/document.xml\u00A0")},
+        {noPart, overriding("/word/document.xml.")},
         // by letter case alone another one than that of the part
         {"/word/document.xml: Its content type is unknown",
          replacingTypes(main, "PartName='/word/Document.xml'")},
         {"gap: /word/a(1).xml it has no content type",
          both(addingPart(u"/word/a(1).xml"), overriding("/word/a%281%29.xml"))},
         {"gap: /word/_rels/document.xml.rels it has no content type", replacingTypes("\"rels\"", "\"RELS\"")},
-        {"isn't an extension", defaulting(".xml")},
-        {"isn't an extension", defaulting("%78ml")},
-        {"isn't an extension", defaulting("xml ")},
-        {"isn't an extension", defaulting("xml?")},
-        {"isn't an extension", defaulting("xml\u200D")},
-        {"isn't an extension", defaulting("")},
+        {noPart, defaulting(".xml")},
+        {noPart, defaulting("%78ml")},
+        {noPart, defaulting("xml ")},
+        {noPart, defaulting("xml?")},
+        {noPart, defaulting("xml\u200D")},
+        {noPart, defaulting("")},
+        {noPart, defaulting("png%21")},
         {"Two content types are given for png", defaulting("PNG")},
         {"The element Override doesn't belong into the content types",
          adding("<Override xmlns='u:a' PartName='/word/styles.xml' ContentType='text/html'/>")},
@@ -325,6 +327,8 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
               "<Properties xmlns='http://schemas.openxmlformats.org/officeDocument/2006/extended-properties'>"
               "<HyperlinksChanged>tr<a/>ue</HyperlinksChanged></Properties>")},
         {"gap: /word/signatures/1.xml its content isn't signed", signature("/word/signatures/1.xml")},
+        {"gap: /word/x/y/a.psdsxs its content isn't signed", signature("/word/x/y/a.psdsxs")},
+        {"gap: /xl/workbook.xml its content isn't signed", signature("/xl/workbook.xml")},
         {"gap: /docProps/word/media/1.png its content isn't signed",
          image("/docProps/word/media/1.png", "image/png", png)},
         {"gap: /_xmlsignatures/origin.sigs" + form, addingPart(u"/_xmlsignatures/origin.sigs")},
@@ -360,6 +364,13 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         SignedSample sample;
         sample.sign();
         image(name, contentType, content)(sample);
+        EXPECT_TRUE(sample.verify().isYes()) << name << reasonsOf(sample.verify());
+    }
+    for (const char* const name : {"/signature1.xml", "/Security/a.psdsxs", "/a/DigSig/1.xml",
+                                   "/package/services/digital-signature/xml-signature/a.psdsxs"}) {
+        SignedSample sample;
+        sample.sign();
+        signature(name)(sample);
         EXPECT_TRUE(sample.verify().isYes()) << name << reasonsOf(sample.verify());
     }
 }

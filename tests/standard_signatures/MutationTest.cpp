@@ -41,7 +41,7 @@ std::string meaningOf(const SignedSample& sample, const std::u16string& name, co
     SlowStream stream(bytes, 4096);
     std::string meaning;
     if (name == CONTENT_TYPES) {
-        const ContentTypes types = ContentTypes::read(stream);
+        ContentTypes types = ContentTypes::read(stream);
         for (const std::u16string& part : sample.store.partNames()) {
             const std::string* const type = types.find(toUDEString(part));
             if (part.find(u"/word/") == 0 && part.find(u".rels") == std::u16string::npos)

@@ -135,6 +135,31 @@ TEST(StandardSigning, SignsPartsWithCapitalsInTheirExtension) {
     EXPECT_TRUE(sample.verify().isYes());
 }
 
+/// Whoever signs all lets nobody add what custom leaves out, to a package without core properties neither.
+TEST(StandardSigning, LetsNothingBeAddedToAll) {
+    const std::string package = "http://schemas.openxmlformats.org/package/2006/relationships/";
+    const std::string office = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+    const std::string strict = "http://purl.oclc.org/ooxml/officeDocument/relationships/";
+    for (const std::string& type :
+         {package + "metadata/core-properties", package + "metadata/thumbnail", office + "custom-properties",
+          office + "extended-properties", strict + "customProperties", strict + "metadata/thumbnail"}) {
+        PlainSample sample;
+        change(sample, [](model::Package& opened) {
+            opened.deletePart(model::PartName(u"/docProps/core.xml"));
+            opened.deleteRelationship(u"rId2");
+        });
+        SigningOptions options;
+        options.signsAll = true;
+        EXPECT_TRUE(sign(sample, signerOf(SignedSample::usualSigner()), options).coverage.isComplete());
+        EXPECT_TRUE(sample.verify().isYes());
+        EXPECT_TRUE(sign(sample).coverage.isComplete()); // which breaks nothing
+        sample.replace(u"/_rels/.rels", "</Relationships>",
+                       "<Relationship Id='x' Type='" + type + "' Target='word/styles.xml'/></Relationships>");
+        EXPECT_EQ(sample.verify().signatures.at(0).cryptography.status, CryptographyAnswer::Status::Broken)
+            << type;
+    }
+}
+
 /// Programs choose between two such targets by an order that isn't signed.
 TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
     const std::string office = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
@@ -146,26 +171,40 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
                                      "' xmlns:ds='http://schemas.openxmlformats.org/officeDocument/2006/"
                                      "customXml'/>"));
     };
+    const std::string model = "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel";
+    const std::string ui = "http://schemas.microsoft.com/office/2006/relationships/ui/extensibility";
     const struct {
         std::u16string source;
-        std::string type, mode;
-        std::string secondStore; ///< its ID; the first one has {A}
+        std::string first, second; ///< types of two relationships
+        std::string sourceType;    ///< of the document; empty: as it is
+        std::string secondStore;   ///< its ID; the first one has {A}
         bool isRefused;
+        std::string mode = {};
     } cases[] = {
-        {document, office + "image", "", "{B}", false},
-        {document, office + "styles", "", "{B}", true},
-        {document, "http://purl.oclc.org/ooxml/officeDocument/relationships/styles", "", "{B}", true},
-        {document, office + "styles", " TargetMode='External'", "{B}", true},
-        {package, "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel", "", "{B}", true},
-        {document, "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel", "", "{B}", false},
-        {document, office + "image", "", "{a}", true},
+        {document, office + "image", office + "image", "", "{B}", false},
+        {document, office + "theme", office + "theme", "", "{B}", true},
+        {document, office + "theme", "http://purl.oclc.org/ooxml/officeDocument/relationships/theme", "",
+         "{B}", true},
+        {document, office + "theme", office + "theme", "", "{B}", true, " TargetMode='External'"},
+        {document, office + "slideLayout", office + "slideLayout", "presentationml.slide+xml", "{B}", true},
+        {document, office + "slideLayout", office + "slideLayout", "presentationml.slideMaster+xml", "{B}",
+         false},
+        {document, office + "slideMaster", office + "slideMaster", "presentationml.slideLayout+xml", "{B}",
+         true},
+        {package, model, model, "", "{B}", true},
+        {document, model, model, "", "{B}", false},
+        {package, ui, ui, "", "{B}", true},
+        {package, ui, replaced(ui, "2006", "2007"), "", "{B}", false}, // for different programs
+        {document, office + "image", office + "image", "", "{a}", true},
     };
-    for (const auto& [source, type, mode, secondStore, isRefused] : cases) {
+    for (const auto& [source, first, second, sourceType, secondStore, isRefused, mode] : cases) {
         PlainSample sample;
-        for (const char* const id : {"first", "second"})
+        for (const auto& [id, type] : {std::pair("a", first), {"b", second}})
             sample.replace(source, "</Relationships>",
                            "<Relationship Id='" + std::string(id) + "' Target='styles.xml' Type='" + type +
                                "'" + mode + "/></Relationships>");
+        if (!sourceType.empty())
+            sample.replaceContentTypes("wordprocessingml.document.main+xml", sourceType);
         store(sample, u"/customXml/itemProps1.xml", "{A}");
         store(sample, u"/customXml/itemProps2.xml", secondStore);
         for (const char* const number : {"1", "2"})
@@ -180,7 +219,7 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
             refused = (std::string(refusal.what()) + refusal.details()).find("order can't be signed") !=
                       std::string::npos;
         }
-        EXPECT_EQ(refused, isRefused) << type << secondStore;
+        EXPECT_EQ(refused, isRefused) << second << sourceType << secondStore;
     }
 }
 
@@ -262,9 +301,9 @@ TEST(StandardSigning, RemovesSeveralAtOnce) {
 
     change(sample, [](model::Package& package) { // which an attacker can say
         package.getPart(model::PartName(u"/_xmlsignatures/origin.sigs"))
-            .createInternalRelationship(
-                u"http://schemas.openxmlformats.org/package/2006/relationships/digital-signature/signature",
-                model::URI(u"/word/document.xml"));
+            .createInternalRelationship(u"http://schemas.openxmlformats.org/package/2006/relationships/"
+                                        u"digital-signature/signature",
+                                        model::URI(u"/word/document.xml"));
     });
     change(sample, [&](model::Package& package) {
         removeSignatures(package, sample.store, {"/word/document.xml"});
@@ -318,7 +357,8 @@ TEST(StandardSigning, RefusesWhatWouldDeceiveOrBreak) {
          [](SignedSample&, Signer&, SigningOptions& options) {
              options.relationships = {{"/", "rId9"}};
          }},
-        {"The signature /_xmlsignatures/sig1.xml signs /_xmlsignatures/_rels/origin.sigs.rels in a way that "
+        {"The signature /_xmlsignatures/sig1.xml signs /_xmlsignatures/_rels/origin.sigs.rels in a way "
+         "that "
          "allows no change of the signatures",
          [&](SignedSample& sample, Signer&, SigningOptions&) {
              rawReferenceTo(sample, u"/_xmlsignatures/_rels/origin.sigs.rels");

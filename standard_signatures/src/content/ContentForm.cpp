@@ -50,23 +50,17 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"0"}},           // the tag of a DER sequence
 };
 
-/// Where some programs put properties and signatures.
+/// Where some programs put properties.
 constexpr std::string_view SERVICES = "/package/services/";
 
 bool isPlain(std::string_view key) {
     return key.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789._-/") == std::string_view::npos;
 }
 
-/// Whether a part lies where programs put those of its kind, so that its name means nothing to a program that finds items by
-/// their names.
+/// Whether properties or a thumbnail lie where programs put them, so that the name means nothing to a program that finds items
+/// by their names.
 bool isInItsFolder(std::string_view key, FormKind kind) {
-    const std::size_t slash = key.find('/', 1);
-    const bool isInRoot = slash == std::string_view::npos;
-    const std::string_view first = key.substr(0, isInRoot ? 0 : slash);
-    if (kind == FormKind::Origin || kind == FormKind::Signature || kind == FormKind::Certificate)
-        return first.find("signature") != std::string_view::npos ||
-               key.substr(0, SERVICES.size()) == SERVICES;
-    if (isInRoot)
+    if (key.find('/', 1) == std::string_view::npos)
         return key == "/coreproperties.xml" || key.size() < 4 || key.substr(key.size() - 4) != ".xml";
     const std::string_view folder = key.substr(0, key.rfind('/'));
     const bool isOfPage = kind == FormKind::Thumbnail && folder.substr(folder.rfind('/')) == "/metadata";
@@ -79,6 +73,11 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
     return extensions.empty() ||
            (dot != std::string_view::npos && key.find('/', dot) == std::string_view::npos &&
             extensions.find(std::string(key.substr(dot)) + ".") != std::string_view::npos);
+}
+
+/// Whether programs that find items by their names don't take this one for something else.
+bool hasNameOfSignatures(std::string_view key) {
+    return key.find("sig") != std::string_view::npos || hasExtension(key, ".psdsxs.psdor.psdsor.cer.");
 }
 
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
@@ -132,7 +131,9 @@ const ContentForm* ContentForm::find(Kind kind, std::string_view name, std::stri
         std::find_if(std::begin(CONTENT_FORMS), std::end(CONTENT_FORMS), [&](const ContentForm& one) {
             return one.kind == kind && one.contentType == type && hasExtension(key, one.extensions);
         });
-    return found == std::end(CONTENT_FORMS) || !isPlain(key) || !isInItsFolder(key, kind) ? nullptr : found;
+    const bool isInPlace = found != std::end(CONTENT_FORMS) && isPlain(key) &&
+                           (found->isOfSignatures() ? hasNameOfSignatures(key) : isInItsFolder(key, kind));
+    return isInPlace ? found : nullptr;
 }
 
 const char* ContentForm::defectIn(InputStream& stream) const {

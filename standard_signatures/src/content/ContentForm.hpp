@@ -24,6 +24,8 @@ struct ContentForm {
     std::string_view rootName;     ///< of an XML document; empty: it isn't one
     std::string_view beginning[2]; ///< first octets, or the namespaces of the root; one or both may be empty
 
+    bool isOfSignatures() const { return kind >= Kind::Origin; }
+
     /// The form that a part with this content type has, if its name is one of such a part; null otherwise.
     /// @param name  without percent-encoding
     static const ContentForm* find(Kind kind, std::string_view name, std::string_view contentType);

@@ -6,6 +6,7 @@
 #include "xml/PackageDocument.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -18,7 +19,7 @@ constexpr std::u16string_view NAMESPACE = u"http://schemas.openxmlformats.org/pa
 }
 
 /// Whether everybody reads the same from it.
-bool isExtension(std::string_view text) {
+bool isPlainExtension(std::string_view text) {
     return !text.empty() &&
            std::all_of(text.begin(), text.end(), [](char c) { return c != '.' && isPathCharacter(c); });
 }
@@ -61,10 +62,8 @@ private:
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
             refuseTypes("An entry of the content types has other attributes than it must");
         const std::string written = narrow(key);
-        if (isDefault && !isExtension(written))
-            refuseTypes("\"" + written + "\" isn't an extension");
-        const std::string name = isDefault ? keyOf(written) : partKeyOf(written);
-        Entry entry{isDefault ? written : decodePartName(written), narrow(type)};
+        const std::string name = partKeyOf(written);
+        Entry entry{decodePartName(written), narrow(type)};
         if (!(isDefault ? types.defaults : types.overrides).emplace(name, std::move(entry)).second)
             refuseTypes("Two content types are given for " + name);
     }
@@ -79,24 +78,26 @@ ContentTypes ContentTypes::read(InputStream& stream) {
     return types;
 }
 
-const std::string* ContentTypes::find(std::string_view partName) const {
+const std::string* ContentTypes::find(std::string_view partName) {
     if (const auto found = overrides.find(partKeyOf(partName)); found != overrides.end())
-        return found->second.written == partName ? &found->second.contentType : nullptr;
+        return found->second.written == partName ? found->second.take() : nullptr;
     const std::size_t dot = partName.rfind('.');
     if (dot == std::string::npos || dot < partName.rfind('/'))
         return nullptr;
     const std::string_view extension = partName.substr(dot + 1);
-    const auto found = defaults.find(keyOf(extension));
+    const auto found = defaults.find(partKeyOf(extension));
     if (found == defaults.end())
         return nullptr;
-    const auto& [key, entry] = *found;
-    return entry.written == extension || entry.written == key ? &entry.contentType : nullptr;
+    Entry& entry = found->second;
+    return entry.written == extension || entry.written == keyOf(extension) ? entry.take() : nullptr;
 }
 
-const std::string* ContentTypes::findOddName(const std::function<bool(const std::string&)>& isPart) const {
-    for (const auto& [key, entry] : overrides)
-        if (!isPlainPartName(entry.written) && !isPart(entry.written))
-            return &entry.written;
+const std::string* ContentTypes::findOddName() const {
+    for (const auto& [entries, isPlain] :
+         {std::pair(&overrides, isPlainPartName), std::pair(&defaults, isPlainExtension)})
+        for (const auto& [key, entry] : *entries)
+            if (!entry.isFound && !isPlain(entry.written))
+                return &entry.written;
     return nullptr;
 }
 

@@ -2,7 +2,6 @@
 
 #include <opc/core/InputStream.hpp>
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,11 +19,11 @@ public:
 
     /// The content type of a part as it stands; null if it has none, or if the entry writes its name or extension in another
     /// way, so that not all programs find it. An extension in lower case is what all look for.
-    const std::string* find(std::string_view partName) const;
+    const std::string* find(std::string_view partName);
 
-    /// The name in an entry from which some programs may read the name of another part; null if there is none.
-    /// @param isPart  whether a part has this very name
-    const std::string* findOddName(const std::function<bool(const std::string&)>& isPart) const;
+    /// The name or extension in an entry from which some programs may read another one, and which was found for no part; null
+    /// if there is none.
+    const std::string* findOddName() const;
 
 private:
     class Reader;
@@ -32,6 +31,12 @@ private:
     struct Entry {
         std::string written; ///< the name of the part, or the extension
         std::string contentType;
+        bool isFound = false; ///< for a part
+
+        const std::string* take() {
+            isFound = true;
+            return &contentType;
+        }
     };
     using Entries = std::unordered_map<std::string, Entry>; ///< by what some programs take for the same name
 

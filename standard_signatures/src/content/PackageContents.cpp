@@ -102,17 +102,13 @@ void PackageContents::readContentTypes() {
     }
     try {
         model::PhysicalInputStream stream(store.getContentTypeInputStream());
-        const ContentTypes types = ContentTypes::read(stream);
+        ContentTypes types = ContentTypes::read(stream);
         for (StoredPart& part : all)
             if (const std::string* const type = types.find(part.name))
                 part.contentType = *type;
-        const auto isPart = [this](const std::string& name) {
-            const StoredPart* const part = find(name);
-            return part != nullptr && part->name == name;
-        };
-        if (const std::string* const name = types.findOddName(isPart))
+        if (const std::string* const name = types.findOddName())
             typesFailure = {Reason::Code::ContentTypeChanged, "[Content_Types].xml",
-                            "\"" + shortened(*name, 200) + "\" isn't the name of a part"};
+                            "\"" + shortened(*name, 200) + "\" isn't the name or extension of a part"};
     } catch (const Refusal& refusal) {
         typesFailure = refusal.reason();
     } catch (const Exception& failure) {

@@ -10,59 +10,112 @@ namespace opc::standard_signatures {
 
 namespace {
 
-/// The last segments of the types, in lower case and sorted. In front of them stand the namespaces of the standard's editions and
-/// of later extensions.
-constexpr std::string_view IMPLICIT[] = {
-    "attachedtoolbars",
-    "calcchain",
-    "commentauthors",
-    "comments",
-    "commentsextended",
-    "commentsextensible",
-    "commentsids",
-    "connections",
-    "customxmlprops",
-    "endnotes",
-    "fixedrepresentation",
-    "fonttable",
-    "footnotes",
-    "glossarydocument",
-    "handoutmaster",
-    "keymapcustomizations",
-    "masters",
-    "notesmaster",
-    "notesslide",
-    "numbering",
-    "pages",
-    "people",
-    "presprops",
-    "settings",
-    "sharedstrings",
-    "sheetmetadata",
-    "styles",
-    "styleswitheffects",
-    "tablestyles",
-    "theme",
-    "vbaproject",
-    "viewprops",
-    "volatiledependencies",
-    "websettings",
-    "windows",
-    "wordvbadata",
-    "xmlmaps",
+struct ImplicitType {
+    std::string_view name;   ///< the last segment of the type
+    std::string_view source; ///< how the content type of the source ends; "/" for the package, empty for any
 };
 
-/// The same of relationships of the package alone, which lead to where programs begin.
-constexpr std::string_view IMPLICIT_OF_PACKAGE[] = {"3dmodel", "aasx-origin", "document", "extensibility",
-                                                    "manifest"};
+/// In lower case, sorted by name.
+constexpr ImplicitType IMPLICIT[] = {
+    {"3dmodel", "/"},
+    {"aasx-origin", "/"},
+    {"attachedtoolbars", ""},
+    {"authors", ""},
+    {"calcchain", ""},
+    {"chartcolorstyle", ""},
+    {"chartstyle", ""},
+    {"commentauthors", ""},
+    {"comments", ""},
+    {"commentsextended", ""},
+    {"commentsextensible", ""},
+    {"commentsids", ""},
+    {"connections", ""},
+    {"customxmlprops", ""},
+    {"discard-control", ""},
+    {"document", "/"},
+    {"documentsequence", "/"},
+    {"documentstructure", ""},
+    {"documenttasks", ""},
+    {"endnotes", ""},
+    {"extensibility", "/"},
+    {"featurepropertybag", ""},
+    {"fixedrepresentation", ""},
+    {"fonttable", ""},
+    {"footnotes", ""},
+    {"glossarydocument", ""},
+    {"handoutmaster", ""},
+    {"keymapcustomizations", ""},
+    {"manifest", "/"},
+    {"masters", ""},
+    {"notesmaster", ""},
+    {"notesslide", ""},
+    {"numbering", ""},
+    {"pages", ""},
+    {"people", ""},
+    {"person", ""},
+    {"pivotcachedefinition", ".pivottable+xml"},
+    {"presprops", ""},
+    {"printticket", ""},
+    {"querytable", ".table+xml"},
+    {"rdarray", ""},
+    {"rdrichvalue", ""},
+    {"rdrichvaluestructure", ""},
+    {"rdrichvaluetypes", ""},
+    {"rdsupportingpropertybag", ""},
+    {"rdsupportingpropertybagstructure", ""},
+    {"recordsets", ""},
+    {"revisionheaders", ""},
+    {"revisioninfo", ""},
+    {"richstyles", ""},
+    {"richvaluerel", ""},
+    {"settings", ""},
+    {"sharedstrings", ""},
+    {"sheetmetadata", ""},
+    {"signature-definitions", ""},
+    {"slide", ".notesslide+xml"},
+    {"slidelayout", ".slide+xml"},
+    {"slidemaster", ".slidelayout+xml"},
+    {"slideupdateinfo", ""},
+    {"solutions", ""},
+    {"storyfragments", ""},
+    {"styles", ""},
+    {"styleswitheffects", ""},
+    {"tablesinglecells", ""},
+    {"tablestyles", ""},
+    {"theme", ""},
+    {"themeoverride", ""},
+    {"threadedcomment", ""},
+    {"usernames", ""},
+    {"validation", ""},
+    {"vbaproject", ""},
+    {"vbaprojectsignature", ""},
+    {"vbaprojectsignatureagile", ""},
+    {"vbaprojectsignaturev3", ""},
+    {"viewprops", ""},
+    {"volatiledependencies", ""},
+    {"websettings", ""},
+    {"windows", ""},
+    {"wordvbadata", ""},
+    {"wssortmap", ""},
+    {"xlbinaryindex", ""},
+    {"xmlmaps", ""},
+};
+
+bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
 
 } // namespace
 
-bool isImplicit(std::string_view type, bool isOfPackage) {
+std::string implicitKindOf(std::string_view type, std::string_view sourceType) {
     const std::string name = keyOf(type.substr(type.rfind('/') + 1));
-    return std::binary_search(std::begin(IMPLICIT), std::end(IMPLICIT), name) ||
-           (isOfPackage &&
-            std::binary_search(std::begin(IMPLICIT_OF_PACKAGE), std::end(IMPLICIT_OF_PACKAGE), name));
+    const auto* const found =
+        std::lower_bound(std::begin(IMPLICIT), std::end(IMPLICIT), name,
+                         [](const ImplicitType& one, std::string_view wanted) { return one.name < wanted; });
+    if (found == std::end(IMPLICIT) || found->name != name || !endsWith(keyOf(sourceType), found->source))
+        return {};
+    const std::string key = keyOf(type);
+    return key.find("/officedocument/") == std::string::npos ? key : name;
 }
 
 } // namespace opc::standard_signatures

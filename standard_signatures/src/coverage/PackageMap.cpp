@@ -106,6 +106,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
+    findContentFolders();
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -169,6 +170,13 @@ void PackageMap::giveRoles() {
     }
 }
 
+std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
+    std::vector<std::string_view> types;
+    for (const TypedTarget& one : LEFT_OUT_BY_CUSTOM)
+        types.push_back(one.relationship);
+    return types;
+}
+
 bool PackageMap::hasMainDocument() const {
     return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) { return one.isMain; });
 }
@@ -186,15 +194,39 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
-    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
+    return found == exempt.end() || contentTargets.count(&part) != 0 ||
+                   (found->second->isOfSignatures() && isAmongContent(part))
+               ? nullptr
+               : found->second;
+}
+
+void PackageMap::findContentFolders() {
+    for (const StoredPart& part : contents.parts())
+        if (!part.source && exempt.count(&part) == 0)
+            contentFolders.insert(std::string_view(part.key).substr(0, part.key.rfind('/')));
+    contentFolders.erase(""); // the root has other folders
+}
+
+/// Whether the content has a part in one of the folders in which this one lies, so that programs that read all of a folder, with
+/// what is below, take it for a part of the content.
+bool PackageMap::isAmongContent(const StoredPart& part) const {
+    const std::string_view key = part.key;
+    for (std::size_t slash = key.find('/', 1); slash != std::string_view::npos;
+         slash = key.find('/', slash + 1))
+        if (contentFolders.count(key.substr(0, slash)) != 0)
+            return true;
+    return false;
 }
 
 void PackageMap::findRepeated() {
     std::set<std::pair<const StoredPart*, std::string>> known;
     for (const MappedRelationship& one : all) {
-        const std::string& type = one.values->type;
-        if (isImplicit(type, *one.document->source == "/") &&
-            !known.emplace(one.document, keyOf(type.substr(type.rfind('/') + 1))).second)
+        const StoredPart* const source = sourceOf(one);
+        const std::string_view sourceType = source == nullptr     ? std::string_view("/")
+                                            : source->contentType ? std::string_view(*source->contentType)
+                                                                  : std::string_view();
+        std::string kind = implicitKindOf(one.values->type, sourceType);
+        if (!kind.empty() && !known.emplace(one.document, std::move(kind)).second)
             repeated.push_back(&one);
     }
 }

@@ -6,6 +6,7 @@
 #include <opc/standard_signatures/Reason.hpp>
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -34,6 +35,9 @@ public:
     explicit PackageMap(PackageContents& contents);
 
     const std::vector<MappedRelationship>& relationships() const { return all; }
+
+    /// The types of the relationships of the package that custom leaves out.
+    static std::vector<std::string_view> typesLeftOutByCustom();
 
     /// The relationships parts that can't be read, with the reasons.
     const std::vector<Reason>& unreadable() const { return failures; }
@@ -78,6 +82,8 @@ private:
     void collect(PackageContents& contents);
     void giveRoles();
     void findRepeated();
+    void findContentFolders();
+    bool isAmongContent(const StoredPart& part) const;
 
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
@@ -87,6 +93,8 @@ private:
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
+    std::unordered_set<std::string_view>
+        contentFolders;                     ///< with a part of the content, by key; without the root
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
 

@@ -39,15 +39,21 @@ std::string composeReference(const StoredPart& part, const std::string& transfor
            composeDigest(method, digest) + "</Reference>";
 }
 
-std::string composeTransforms(const std::vector<const RelationshipValues*>& selected) {
+void appendSelection(std::string& transforms, const char* element, const char* attribute,
+                     std::string_view value) {
+    transforms.append("<mdssi:").append(element).append(" xmlns:mdssi=\"");
+    transforms.append(vocabulary::PACKAGE_SIGNATURE).append("\" ").append(attribute).append("=\"");
+    transforms.append(escapedAttribute(value)).append("\"/>");
+}
+
+std::string composeTransforms(const SigningPlan::Relationships& relationships) {
     std::string transforms = "<Transforms><Transform Algorithm=\"";
     transforms += vocabulary::RELATIONSHIP_TRANSFORM;
     transforms += "\">";
-    for (const RelationshipValues* const one : selected) {
-        transforms += "<mdssi:RelationshipReference xmlns:mdssi=\"";
-        transforms += vocabulary::PACKAGE_SIGNATURE;
-        transforms += "\" SourceId=\"" + escapedAttribute(one->id) + "\"/>";
-    }
+    for (const RelationshipValues* const one : relationships.selected)
+        appendSelection(transforms, "RelationshipReference", "SourceId", one->id);
+    for (const std::string_view type : relationships.types)
+        appendSelection(transforms, "RelationshipsGroupReference", "SourceType", type);
     transforms += "</Transform><Transform Algorithm=\"";
     transforms += CANONICAL_XML;
     return transforms + "\"/></Transforms>";
@@ -58,7 +64,7 @@ std::string composeTransforms(const std::vector<const RelationshipValues*>& sele
 std::string composeManifest(const SigningPlan& plan, PackageContents& contents, const DigestMethod& method) {
     std::string manifest = "<Manifest>";
     for (const SigningPlan::Relationships& one : plan.relationships)
-        manifest += composeReference(*one.document, composeTransforms(one.selected), method,
+        manifest += composeReference(*one.document, composeTransforms(one), method,
                                      contents.digester().of(canonicalize(one.selected), method));
     try {
         for (const StoredPart* const part : plan.parts)

@@ -41,7 +41,7 @@ SigningPlan planRelationships(const std::vector<const MappedRelationship*>& chos
     SigningPlan plan;
     for (const MappedRelationship* const one : chosen) {
         if (plan.relationships.empty() || plan.relationships.back().document != one->document)
-            plan.relationships.push_back({one->document, {}});
+            plan.relationships.push_back({one->document, {}, {}});
         plan.relationships.back().selected.push_back(one->values);
     }
     return plan;
@@ -51,12 +51,26 @@ bool isSigned(RelationshipRole role, bool signsAll) {
     return role == RelationshipRole::Content || (signsAll && role == RelationshipRole::LeftOutByCustom);
 }
 
+/// Lets nobody add properties or a thumbnail to a package that has none.
+void closeToProperties(SigningPlan& plan, const PackageContents& contents) {
+    const StoredPart* const document = contents.find(relationshipsNameOf("/"));
+    if (document == nullptr)
+        return;
+    const auto isOfPackage = [document](const auto& one) { return one.document == document; };
+    auto found = std::find_if(plan.relationships.begin(), plan.relationships.end(), isOfPackage);
+    if (found == plan.relationships.end())
+        found = plan.relationships.insert(found, {document, {}, {}});
+    found->types = PackageMap::typesLeftOutByCustom();
+}
+
 SigningPlan planEverything(PackageContents& contents, const PackageMap& map, bool signsAll) {
     std::vector<const MappedRelationship*> chosen;
     for (const MappedRelationship& one : map.relationships())
         if (isSigned(one.role, signsAll))
             chosen.push_back(&one);
     SigningPlan plan = planRelationships(chosen);
+    if (signsAll)
+        closeToProperties(plan, contents);
     const auto mustSign = [&](const StoredPart& part) {
         const ContentForm* const form = map.exemptFormOf(part);
         return form == nullptr || contents.whyUnfit(part, *form) != nullptr ||

@@ -5,6 +5,7 @@
 #include <opc/standard_signatures/Signing.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::standard_signatures {
@@ -14,6 +15,7 @@ struct SigningPlan {
     struct Relationships {
         const StoredPart* document;
         std::vector<const RelationshipValues*> selected; ///< sorted by ID
+        std::vector<std::string_view> types;             ///< no further relationship may have one of these
     };
 
     std::vector<const StoredPart*> parts; ///< by their octets

@@ -51,8 +51,8 @@ struct SigningOptions {
     /// Whether an RSA key of 1024 to 2047 bits may sign.
     bool acceptWeak = false;
 
-    /// Whether properties and thumbnail are signed too, which signing programs leave out by custom. Ignored if parts or
-    /// relationships are chosen.
+    /// Whether properties and thumbnail are signed too, which signing programs leave out by custom, so that nobody can add
+    /// some either. Ignored if parts or relationships are chosen.
     bool signsAll = false;
 
     /// A relationship, by the name of its source ("/" for the package) and its ID.
