@@ -124,7 +124,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t MOST_BYTES = 64U << 20;
+    static constexpr std::size_t MOST_BYTES = 40U << 20;
 
     using Declarations = std::map<std::string_view, std::string_view>; ///< sorted as they are written
     using Attribute = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view>;

@@ -28,7 +28,7 @@ struct CanonicalForm {
 
 /// The canonical form of an element with all that is in it, as octets.
 /// @throws model::InvalidXMLDocument  a namespace is a relative reference, which has no canonical form
-/// @throws Refusal  with `BeyondLimit`: the form has more than 64 MiB. The exclusive one can write a namespace once more at each
+/// @throws Refusal  with `BeyondLimit`: the form has more than 40 MiB. The exclusive one can write a namespace once more at each
 ///     element
 std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form = {});
 

@@ -33,6 +33,15 @@ private:
     char* const block;
 };
 
+/// Reads a text where it lies.
+class TextBuffer final : public std::streambuf {
+public:
+    explicit TextBuffer(const std::string& text) {
+        char* const begin = const_cast<char*>(text.data()); // nobody writes there
+        setg(begin, begin, begin + text.size());
+    }
+};
+
 } // namespace
 
 bedrock::crypto::DigestEngine& Digester::engineOf(const DigestMethod& method) {
@@ -51,7 +60,9 @@ std::vector<unsigned char> Digester::of(InputStream& stream, const DigestMethod&
 }
 
 std::vector<unsigned char> Digester::of(const std::string& octets, const DigestMethod& method) {
-    return engineOf(method).computeDigest(std::vector<unsigned char>(octets.begin(), octets.end()));
+    TextBuffer buffer(octets);
+    std::istream source(&buffer);
+    return engineOf(method).computeDigest(source);
 }
 
 std::vector<unsigned char> digestOf(const std::string& octets, const DigestMethod& method) {

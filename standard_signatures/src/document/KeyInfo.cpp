@@ -13,7 +13,7 @@ namespace {
 
 using Code = Reason::Code;
 
-constexpr std::size_t MOST_KEY_CERTIFICATES = 100;
+constexpr std::size_t MOST_KEY_CERTIFICATES = 20;
 
 struct NamedCurve {
     std::string_view uri;

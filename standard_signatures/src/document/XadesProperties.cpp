@@ -12,7 +12,7 @@ namespace {
 
 using Code = Reason::Code;
 
-constexpr std::size_t MOST_SIGNER_CERTIFICATES = 100;
+constexpr std::size_t MOST_SIGNER_CERTIFICATES = 20;
 
 /// Calls `visit` for each child of XAdES with this name.
 template <typename Visitor>

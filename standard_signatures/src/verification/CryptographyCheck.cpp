@@ -88,8 +88,8 @@ private:
 
     void checkValue(const std::vector<bedrock::certificates::X509Certificate>& certificates) {
         try {
-            const SignerKey key =
-                findSignerKey(document, certificates, canonical(*document.signedInfo, document.form));
+            const SignerKey key = findSignerKey(document, certificates,
+                                                canonical(*document.signedInfo, document.form), work.keys);
             result.key = key.key;
             result.certificate = key.certificate;
             result.answer.keyBits = key.kind.bits;

@@ -7,6 +7,7 @@
 #include <bedrock/crypto/utils/Exceptions.hpp>
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -21,7 +22,6 @@ using bedrock::crypto::SignatureValueStatus;
 using Bytes = std::vector<unsigned char>;
 using Code = Reason::Code;
 
-constexpr std::size_t MOST_CANDIDATES = 20; // each costs a check of the signature value
 constexpr std::size_t LEAST_RSA_BITS = 1024;
 
 struct Candidate {
@@ -32,8 +32,12 @@ struct Candidate {
 bool isNamed(const X509Certificate& certificate, const std::vector<StatedDigest>& named) {
     const Bytes der = certificate.getAsByteArray();
     const std::string octets(der.begin(), der.end());
-    return std::any_of(named.begin(), named.end(), [&octets](const StatedDigest& digest) {
-        return digestOf(octets, *digest.method) == digest.value;
+    std::map<const DigestMethod*, Bytes> digests;
+    return std::any_of(named.begin(), named.end(), [&](const StatedDigest& digest) {
+        Bytes& computed = digests[digest.method];
+        if (computed.empty())
+            computed = digestOf(octets, *digest.method);
+        return computed == digest.value;
     });
 }
 
@@ -98,13 +102,16 @@ SignerKey tryKey(const SignatureDocument& document, const Candidate& candidate,
 } // namespace
 
 SignerKey findSignerKey(const SignatureDocument& document, const std::vector<X509Certificate>& certificates,
-                        const std::string& signedInfo) {
+                        const std::string& signedInfo, std::size_t& tries) {
     const std::vector<Candidate> candidates = findCandidates(document, certificates);
     std::optional<SignerKey> best;
     std::optional<Refusal> refusal;
-    for (std::size_t i = 0; i < std::min(candidates.size(), MOST_CANDIDATES); ++i)
+    for (const Candidate& candidate : candidates)
         try {
-            SignerKey next = tryKey(document, candidates[i], signedInfo);
+            if (tries == 0)
+                throw Refusal(Code::BeyondLimit, "", "The signatures of the package have too many keys");
+            --tries;
+            SignerKey next = tryKey(document, candidate, signedInfo);
             const bool isRight = next.status != SignatureValueStatus::Wrong;
             if (isRight || !best)
                 best = std::move(next);

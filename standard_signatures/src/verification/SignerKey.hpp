@@ -21,9 +21,10 @@ struct SignerKey {
 /// certificate have the same key, and the signer's certificate is the one that the signed properties name.
 /// @param certificates  those of the signature and of its certificate parts
 /// @param signedInfo    the canonical form
-/// @throws Refusal  with `NoKey`, `KeyMismatch`, `CertificateMismatch` or `AlgorithmNotAccepted`
+/// @param tries         how many keys may still be tried; becomes less
+/// @throws Refusal  with `NoKey`, `KeyMismatch`, `CertificateMismatch`, `AlgorithmNotAccepted` or `BeyondLimit`
 SignerKey findSignerKey(const SignatureDocument& document,
                         const std::vector<bedrock::certificates::X509Certificate>& certificates,
-                        const std::string& signedInfo);
+                        const std::string& signedInfo, std::size_t& tries);
 
 } // namespace opc::standard_signatures

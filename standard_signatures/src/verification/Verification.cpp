@@ -24,7 +24,7 @@ using Bytes = std::vector<unsigned char>;
 using Code = Reason::Code;
 
 constexpr std::size_t MOST_SIGNATURES = 100;
-constexpr std::size_t MOST_CERTIFICATES = 100; ///< of a signature
+constexpr std::size_t MOST_CERTIFICATES = 20; ///< of a signature
 constexpr std::size_t MOST_CERTIFICATE_BYTES = 65536;
 
 std::string nameOfSignature(const std::string& partName) {
