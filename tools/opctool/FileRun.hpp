@@ -63,6 +63,9 @@ public:
         return runOptions.target.empty() && isStandardInput() ? filePath : runOptions.target;
     }
 
+    /// Whether nothing of the result is printed, so that it needn't be composed.
+    bool isQuiet() const { return runOptions.output.quiet; }
+
     /// Whether to print JSON. If not: text.
     bool wantsJSON() const { return format != OutputOptions::Format::Text; }
 

@@ -269,13 +269,19 @@ void printJSON(FileRun& run, const Verdict& verdict) {
         run.tell("no: " + reason);
 }
 
-void report(FileRun& run, const Verdict& verdict) {
-    if (isUnreadable(verdict) && verdict.found.standard.signatures.empty() && !run.hasEnvelope())
-        failOpen(verdict);
+void printResult(FileRun& run, const Verdict& verdict) {
+    if (run.isQuiet())
+        return;
     if (run.wantsJSON())
         printJSON(run, verdict);
     else
         print(run, verdict);
+}
+
+void report(FileRun& run, const Verdict& verdict) {
+    if (isUnreadable(verdict) && verdict.found.standard.signatures.empty() && !run.hasEnvelope())
+        failOpen(verdict);
+    printResult(run, verdict);
     if (verdict.leavesOpen())
         failOpen(verdict);
     if (!verdict.isYes())
@@ -295,10 +301,7 @@ void verify(FileRun& run, const VerifyArguments& arguments, const Requirements& 
         }
         if (verdict.found.standard.signatures.empty())
             throw;
-        if (run.wantsJSON())
-            printJSON(run, verdict);
-        else
-            print(run, verdict);
+        printResult(run, verdict);
         throw;
     }
     report(run, verdict);

@@ -194,21 +194,18 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
-    return found == exempt.end() || contentTargets.count(&part) != 0 ||
-                   (found->second->isOfSignatures() && isAmongContent(part))
-               ? nullptr
-               : found->second;
+    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
 }
 
 void PackageMap::findContentFolders() {
-    for (const StoredPart& part : contents.parts())
-        if (!part.source && exempt.count(&part) == 0)
-            contentFolders.insert(std::string_view(part.key).substr(0, part.key.rfind('/')));
+    for (const StoredPart& part : contents.parts()) {
+        const std::string_view folder = std::string_view(part.key).substr(0, part.key.rfind('/'));
+        if (!part.source && exempt.count(&part) == 0 && folder.find("signature") == std::string_view::npos)
+            contentFolders.insert(folder);
+    }
     contentFolders.erase(""); // the root has other folders
 }
 
-/// Whether the content has a part in one of the folders in which this one lies, so that programs that read all of a folder, with
-/// what is below, take it for a part of the content.
 bool PackageMap::isAmongContent(const StoredPart& part) const {
     const std::string_view key = part.key;
     for (std::size_t slash = key.find('/', 1); slash != std::string_view::npos;

@@ -76,6 +76,11 @@ public:
     /// @return null if it must be signed: something else leads to it, or its name or content type isn't that of such a part
     const ContentForm* exemptFormOf(const StoredPart& part) const;
     bool isExempt(const StoredPart& part) const { return exemptFormOf(part) != nullptr; }
+
+    /// Whether the content has a part in one of the folders in which this one lies, so that programs that read all of a folder,
+    /// with what is below, take it for a part of the content.
+    bool isAmongContent(const StoredPart& part) const;
+
     bool isOfSignatures(const StoredPart& part) const { return ofSignatures.count(&part) != 0; }
 
 private:
@@ -83,7 +88,6 @@ private:
     void giveRoles();
     void findRepeated();
     void findContentFolders();
-    bool isAmongContent(const StoredPart& part) const;
 
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
@@ -94,7 +98,7 @@ private:
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
     std::unordered_set<std::string_view>
-        contentFolders;                     ///< with a part of the content, by key; without the root
+        contentFolders;                     ///< by key, without the root and those for signatures
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
 

@@ -72,7 +72,7 @@ private:
                     addGap({GapKind::ContentType, part.name, {}, {}, "its content type isn't signed"});
             } else if (const ContentForm* const form =
                            signsProperties && !map.isOfSignatures(part) ? nullptr : map.exemptFormOf(part);
-                       form == nullptr) {
+                       form == nullptr || (form->isOfSignatures() && map.isAmongContent(part))) {
                 addGap({GapKind::Part, part.name, {}, {}, "its content isn't signed"});
             } else if (const Reason* const failure = package.whyUnfit(part, *form)) {
                 addGap({GapKind::Part, part.name, {}, {}, failure->text});

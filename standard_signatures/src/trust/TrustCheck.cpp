@@ -41,10 +41,15 @@ TimeStampResults checkOne(const SignatureDocument& document, const StatedTimeSta
 /// The signature existed at the earliest time of a trusted time stamp, so its certificate must be valid then. Otherwise
 /// it must be valid now: the time that the signer claims is no proof.
 void findTime(TrustAnswer& answer, const SignatureDocument& document,
-              const CertificateValidationOptions& options, const TrustStore& roots) {
+              const CertificateValidationOptions& options, const TrustStore& roots, std::size_t& left) {
     answer.time = options.getCheckTime();
     answer.timeFrom = answer.time ? TimeFrom::Caller : TimeFrom::Now;
     for (const StatedTimeStamp& stamp : document.timeStamps) {
+        if (left == 0) {
+            answer.timeStampFailure = "the signatures of the package have too many";
+            break;
+        }
+        --left;
         const TimeStampResults results = checkOne(document, stamp, options, roots);
         if (!results.isTrusted) {
             answer.timeStampFailure = results.error;
@@ -75,7 +80,7 @@ Evidence findKnown(const std::vector<unsigned char>& key, const X509Certificate&
 
 TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
                        const X509Certificate& certificate, const std::vector<X509Certificate>& others,
-                       const VerificationPolicy& policy) {
+                       const VerificationPolicy& policy, std::size_t& timeStamps) {
     TrustAnswer answer;
     answer.signer = certificate;
     answer.evidence = findKnown(key, certificate, policy);
@@ -93,7 +98,7 @@ TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsi
         return answer;
     }
     CertificateValidationOptions options = makeOptions(policy);
-    findTime(answer, document, options, policy.trust->roots);
+    findTime(answer, document, options, policy.trust->roots, timeStamps);
     options.setCheckTime(answer.time);
     X509CertificateChain chain;
     for (const X509Certificate& other : others)

@@ -12,9 +12,10 @@ namespace opc::standard_signatures {
 /// @param key          that made it
 /// @param certificate  of the key; empty if there is none
 /// @param others       certificates that a chain can lead through
+/// @param timeStamps   how many may still be checked; becomes less
 TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
                        const bedrock::certificates::X509Certificate& certificate,
                        const std::vector<bedrock::certificates::X509Certificate>& others,
-                       const VerificationPolicy& policy);
+                       const VerificationPolicy& policy, std::size_t& timeStamps);
 
 } // namespace opc::standard_signatures

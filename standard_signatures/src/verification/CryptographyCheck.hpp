@@ -18,6 +18,7 @@ struct WorkLeft {
     std::uint64_t documentBytes = 96U << 20; ///< of signature parts
     std::uint64_t canonicalBytes = 1U << 30; ///< of what is digested in a canonical form
     std::size_t keys = 200;                  ///< that are tried on signature values
+    std::size_t timeStamps = 100;            ///< that are checked
 };
 
 /// What the check of a signature finds.

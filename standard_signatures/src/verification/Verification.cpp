@@ -188,7 +188,8 @@ private:
             return;
         }
         signature.claimedTime = document.claimedTime;
-        signature.trust = checkTrust(document, checked.key, checked.certificate, certificates, policy);
+        signature.trust =
+            checkTrust(document, checked.key, checked.certificate, certificates, policy, work.timeStamps);
     }
 
     SignatureDocument readDocument(const StoredPart& part) {
