@@ -8,7 +8,7 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <chrono>
+#include <ctime>
 
 namespace {
 
@@ -107,7 +107,7 @@ std::string withContentType(const std::string& value) {
 
 TEST(Schemas, contentTypesTakeLinearTimeOnHostileValues) {
     SchemaParser parser({&schemas::CONTENT_TYPES});
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     for (const std::string& value :
          {"a/b" + repeated(" ", 10000) + "x", "a/b;c=\"" + repeated(" ", 100000),
           "a/b;c=\"" + repeated("\\", 100000) + "!", "a/b" + repeated(";c=d", 10000) + ";",
@@ -117,7 +117,7 @@ TEST(Schemas, contentTypesTakeLinearTimeOnHostileValues) {
     EXPECT_EQ(parser.refusal(replaced(withContentType("a/b"), "Override PartName='/a'",
                                       "Default Extension='" + repeated("%20", 10000) + "'")),
               "");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
 } // namespace

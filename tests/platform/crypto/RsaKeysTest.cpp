@@ -5,7 +5,7 @@
 #include <openssl/bn.h>
 #include <openssl/pem.h>
 
-#include <chrono>
+#include <ctime>
 
 namespace {
 
@@ -282,7 +282,7 @@ TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
         {"long public exponent", good.modulus, good.privateExponent, Bytes(9, 0xFF)},
         {"huge public exponent", good.modulus, good.privateExponent, huge},
     };
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     const CryptoEngine engine = makeEngine();
     for (const Case& c : cases) {
         EXPECT_TRUE(fails<InvalidKey>([&] {
@@ -306,7 +306,7 @@ TEST(RsaKeys, hostileNumbersAreRefusedAtOnce) {
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PublicKey(huge); }));
     EXPECT_TRUE(fails<InvalidKey>([&] { engine.createRSA4096PrivateKey(huge); }));
     EXPECT_EQ(engine.createRSA1024PublicKey(leading, {0, 0, 1, 0, 1})->getModulus(), good.modulus);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 } // namespace
