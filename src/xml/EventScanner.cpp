@@ -71,7 +71,8 @@ bool EventScanner::scanDeclaration() {
 
 /// @param declaration  what stands between its name and its end
 bool EventScanner::takeDeclaration(std::string_view declaration) {
-    if (declaration.find_first_of("\r\n") != std::string_view::npos) // the parser doesn't count these lines
+    const auto isBreak = [](char c) { return c == '\r' || c == '\n'; };
+    if (std::any_of(declaration.begin(), declaration.end(), isBreak)) // the parser doesn't count these lines
         return false;
     PlainTexts texts;
     const std::string tag = std::string(declaration) + "/>";

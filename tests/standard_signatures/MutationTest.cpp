@@ -1,5 +1,6 @@
 #include "content/ContentTypes.hpp"
 #include "content/PackageContents.hpp"
+#include "names/PartNames.hpp"
 #include "standard_signatures/SignedSample.hpp"
 #include "support/EventComparison.hpp"
 #include "support/RawZip.hpp"
@@ -43,7 +44,8 @@ std::string meaningOf(const SignedSample& sample, const std::u16string& name, co
     if (name == CONTENT_TYPES) {
         ContentTypes types = ContentTypes::read(stream);
         for (const std::u16string& part : sample.store.partNames()) {
-            const std::string* const type = types.find(toUDEString(part));
+            const std::string partName = toUDEString(part);
+            const std::string* const type = types.find(partName, partKeyOf(partName));
             if (part.find(u"/word/") == 0 && part.find(u".rels") == std::u16string::npos)
                 meaning += (type == nullptr ? "none" : *type) + "\n";
         }

@@ -35,6 +35,22 @@ unsigned char meaningOf(char16_t unit) {
     return unit < Meanings.size() ? Meanings[unit] : Foreign;
 }
 
+/// Decodes four digits.
+/// @return whether these are digits and nothing else
+template <typename Unit>
+bool decodeGroup(const Unit* units, unsigned char* target) {
+    const unsigned first = meaningOf(static_cast<char16_t>(units[0]));
+    const unsigned second = meaningOf(static_cast<char16_t>(units[1]));
+    const unsigned third = meaningOf(static_cast<char16_t>(units[2]));
+    const unsigned fourth = meaningOf(static_cast<char16_t>(units[3]));
+    if ((first | second | third | fourth) >= Blank)
+        return false;
+    target[0] = static_cast<unsigned char>(first << 2 | second >> 4);
+    target[1] = static_cast<unsigned char>(second << 4 | third >> 2);
+    target[2] = static_cast<unsigned char>(third << 6 | fourth);
+    return true;
+}
+
 template <typename Text>
 std::vector<unsigned char> decode(Text text) {
     std::vector<unsigned char> bytes(text.size() / 4 * 3 + 2);
@@ -42,7 +58,13 @@ std::vector<unsigned char> decode(Text text) {
     std::uint32_t group = 0;
     unsigned digits = 0;  // in the current group of four
     unsigned padding = 0; // so far
-    for (const auto unit : text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        while (digits == 0 && padding == 0 && text.size() - i > 4 && // most of the text
+               decodeGroup(text.data() + i, bytes.data() + count)) {
+            i += 4;
+            count += 3;
+        }
+        const auto unit = text[i];
         const unsigned char meaning = meaningOf(static_cast<char16_t>(unit));
         if (meaning == Blank)
             continue;

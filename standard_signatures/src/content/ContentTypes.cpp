@@ -78,13 +78,13 @@ ContentTypes ContentTypes::read(InputStream& stream) {
     return types;
 }
 
-const std::string* ContentTypes::find(std::string_view partName) {
-    if (const auto found = overrides.find(partKeyOf(partName)); found != overrides.end())
+const std::string* ContentTypes::find(const std::string& partName, const std::string& partKey) {
+    if (const auto found = overrides.find(partKey); found != overrides.end())
         return found->second.written == partName ? found->second.take() : nullptr;
     const std::size_t dot = partName.rfind('.');
     if (dot == std::string::npos || dot < partName.rfind('/'))
         return nullptr;
-    const std::string_view extension = partName.substr(dot + 1);
+    const std::string_view extension = std::string_view(partName).substr(dot + 1);
     const auto found = defaults.find(partKeyOf(extension));
     if (found == defaults.end())
         return nullptr;

@@ -19,7 +19,8 @@ public:
 
     /// The content type of a part as it stands; null if it has none, or if the entry writes its name or extension in another
     /// way, so that not all programs find it. An extension in lower case is what all look for.
-    const std::string* find(std::string_view partName);
+    /// @param partKey  what `partKeyOf` makes of the name
+    const std::string* find(const std::string& partName, const std::string& partKey);
 
     /// The name or extension in an entry from which some programs may read another one, and which was found for no part; null
     /// if there is none.

@@ -104,7 +104,7 @@ void PackageContents::readContentTypes() {
         model::PhysicalInputStream stream(store.getContentTypeInputStream());
         ContentTypes types = ContentTypes::read(stream);
         for (StoredPart& part : all)
-            if (const std::string* const type = types.find(part.name))
+            if (const std::string* const type = types.find(part.name, part.key))
                 part.contentType = *type;
         if (const std::string* const name = types.findOddName())
             typesFailure = {Reason::Code::ContentTypeChanged, "[Content_Types].xml",
@@ -164,7 +164,7 @@ std::vector<std::string> PackageContents::whyAmbiguous(const StoredPart& part) c
         reasons.emplace_back("there is more than one part with this name");
     if (!part.contentType)
         reasons.emplace_back("it has no content type for its name as it is written");
-    if (marksOtherFormat(keyOf(part.name)))
+    if (marksOtherFormat(part.key))
         reasons.emplace_back("programs take the package for one of another format by it");
     if (const auto outer = findOuterPart(part))
         reasons.push_back("its name begins with that of the part " + *outer);

@@ -15,6 +15,11 @@ int digit(char c, HexDigits digits) {
                                                               : -1;
 }
 
+void lower(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+}
+
 /// Resolves the percent-encoded characters that are wanted.
 template <typename Predicate>
 std::string decode(std::string_view text, const Predicate& isWanted, HexDigits digits = HexDigits::Any) {
@@ -58,7 +63,9 @@ std::string decodePartName(std::string_view name) {
 }
 
 std::string partKeyOf(std::string_view name) {
-    return keyOf(decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; }));
+    std::string key = decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; });
+    lower(key);
+    return key;
 }
 
 bool isPlainPartName(std::string_view name) {
@@ -69,8 +76,7 @@ bool isPlainPartName(std::string_view name) {
 
 std::string keyOf(std::string_view name) {
     std::string key(name);
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    lower(key);
     return key;
 }
 
@@ -91,21 +97,24 @@ bool isAbsolutePartName(std::string_view name) {
 }
 
 std::string resolveTarget(std::string_view source, std::string_view target) {
-    std::string path = decodePercent(target.substr(0, target.find_first_of("?#")));
+    const auto pathEnd =
+        std::find_if(target.begin(), target.end(), [](char c) { return c == '?' || c == '#'; });
+    std::string path = decodePercent(target.substr(0, static_cast<std::size_t>(pathEnd - target.begin())));
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.empty())
         return std::string(source);
     if (path.front() != '/')
-        path = std::string(source.substr(0, source.rfind('/') + 1)) + path;
+        path.insert(0, source.substr(0, source.rfind('/') + 1));
     const std::string_view whole = path;
     std::string resolved;
+    resolved.reserve(whole.size());
     for (std::size_t begin = 1; begin <= whole.size();) {
         const std::size_t end = std::min(whole.find('/', begin), whole.size());
         const std::string_view segment = whole.substr(begin, end - begin);
         if (segment == ".." && !resolved.empty())
             resolved.erase(resolved.rfind('/'));
         else if (segment != ".." && segment != "." && !segment.empty())
-            resolved.append("/").append(segment);
+            resolved.append(whole.substr(begin - 1, end - begin + 1)); // with the slash in front
         begin = end + 1;
     }
     return resolved;

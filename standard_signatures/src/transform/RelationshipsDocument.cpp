@@ -58,13 +58,18 @@ private:
 
     /// Whether nothing changes when white space is collapsed, as schemas do.
     static bool isCollapsed(std::u16string_view value) {
+        bool hasSpace = false;
+        for (const char16_t c : value) // without a branch, for vector instructions
+            hasSpace |= c <= u' ';
+        if (!hasSpace)
+            return true;
         bool isBehindSpace = true;
         for (const char16_t c : value) {
             if (c == u'\t' || c == u'\r' || c == u'\n' || (c == u' ' && isBehindSpace))
                 return false;
             isBehindSpace = c == u' ';
         }
-        return value.empty() || !isBehindSpace;
+        return !isBehindSpace;
     }
 
     /// Whether it is a name without a colon, as the type of IDs wants it; not all of Unicode's rules are applied.
