@@ -50,6 +50,19 @@ PkeyPtr readPublic(const Bytes& encoded) {
     return key;
 }
 
+/// The key that was read last on this thread, ready to use. Who verifies many packages meets the same signers, and OpenSSL
+/// needs as long to prepare a key of RSA as to verify with it.
+EVP_PKEY& lastPublic(const Bytes& encoded) {
+    struct LastKey {
+        Bytes encoded;
+        PkeyPtr key;
+    };
+    thread_local LastKey last;
+    if (!last.key || last.encoded != encoded)
+        last = {encoded, readPublic(encoded)};
+    return *last.key;
+}
+
 PkeyPtr readPrivate(const Bytes& encoded) {
     const auto structure =
         encoded.size() > MOST_KEY_BYTES
@@ -228,8 +241,8 @@ CheckedSignatureValue checkSignatureValue(const Bytes& publicKey, SignatureSchem
                                           DigestAlgorithm algorithm, const std::string& content,
                                           const Bytes& value) {
     const openssl::ErrorScope scope;
-    const PkeyPtr key = readPublic(publicKey);
-    return {check(*key, scheme, algorithm, content, value), describe(*key)};
+    EVP_PKEY& key = lastPublic(publicKey);
+    return {check(key, scheme, algorithm, content, value), describe(key)};
 }
 
 Bytes makeSignatureValue(const Bytes& privateKey, SignatureScheme scheme, DigestAlgorithm algorithm,
