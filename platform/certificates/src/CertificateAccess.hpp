@@ -6,10 +6,14 @@
 
 #include <openssl/pem.h>
 
+#include <mutex>
+
 namespace bedrock::certificates {
 
 struct X509Certificate::Content {
-    openssl::X509Ptr certificate;
+    openssl::X509Ptr fields; ///< without its key; null if `whole` was there first
+    mutable std::once_flag completing;
+    mutable openssl::X509Ptr whole;
 };
 
 namespace detail {
@@ -23,6 +27,9 @@ public:
     /// constant.
     /// @throws X509CertificateException  the certificate is empty
     static X509& get(const X509Certificate& certificate);
+
+    /// The same, but OpenSSL may not have decoded its key yet, which costs ten times as much as all else.
+    static X509& getFields(const X509Certificate& certificate);
 };
 
 /// Gives no password: otherwise OpenSSL would ask for one at the terminal.

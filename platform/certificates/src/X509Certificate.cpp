@@ -7,8 +7,11 @@
 
 #include <openssl/core_names.h>
 #include <openssl/err.h>
+#include <openssl/provider.h>
 
 #include <ctime>
+#include <new>
+#include <utility>
 
 namespace bedrock::certificates {
 
@@ -28,10 +31,22 @@ Bytes numberOfKey(const X509Certificate& certificate, const char* name) {
     return number ? openssl::toBytes(*number) : Bytes();
 }
 
-openssl::X509Ptr readCertificate(const Bytes& bytes) {
-    auto certificate = openssl::fromDer<openssl::X509Ptr, d2i_X509>(bytes.data(), bytes.size());
-    if (certificate)
-        return certificate;
+/// A context of OpenSSL without algorithms. It is never freed: certificates point to it.
+OSSL_LIB_CTX* makeEmptyContext() {
+    OSSL_LIB_CTX* const context = OSSL_LIB_CTX_new();
+    if (context == nullptr || OSSL_PROVIDER_load(context, "null") == nullptr)
+        throw std::bad_alloc();
+    return context;
+}
+
+/// Reads a certificate, but for its key.
+X509* readFields(X509** /*target*/, const unsigned char** bytes, long size) {
+    static OSSL_LIB_CTX* const emptyContext = makeEmptyContext();
+    X509* certificate = X509_new_ex(emptyContext, nullptr);
+    return d2i_X509(&certificate, bytes, size); // which frees it if it fails
+}
+
+openssl::X509Ptr readPem(const Bytes& bytes) {
     const openssl::BioPtr source = openssl::readingBio(bytes);
     if (openssl::X509Ptr first = detail::readPemCertificate(*source, PEM_read_bio_X509)) {
         if (detail::readPemCertificate(*source, PEM_read_bio_X509))
@@ -73,21 +88,41 @@ std::string detail::toText(const X509_NAME& name) {
 }
 
 X509Certificate detail::CertificateAccess::make(openssl::X509Ptr certificate) {
+    auto content = std::make_shared<X509Certificate::Content>();
+    content->whole = std::move(certificate);
     X509Certificate made;
-    made.content =
-        std::make_shared<X509Certificate::Content>(X509Certificate::Content{std::move(certificate)});
+    made.content = std::move(content);
     return made;
 }
 
 X509& detail::CertificateAccess::get(const X509Certificate& certificate) {
+    X509& fields = getFields(certificate);
+    const X509Certificate::Content& content = *certificate.content;
+    std::call_once(content.completing, [&] {
+        if (content.whole)
+            return;
+        const Bytes der = openssl::toDer<i2d_X509>(fields);
+        content.whole = openssl::fromDer<openssl::X509Ptr, d2i_X509>(der.data(), der.size());
+        if (!content.whole)
+            openssl::fail<X509CertificateException>("The certificate can't be read.");
+    });
+    return *content.whole;
+}
+
+X509& detail::CertificateAccess::getFields(const X509Certificate& certificate) {
     if (certificate.empty())
         throw X509CertificateException("The certificate is empty.");
-    return *certificate.content->certificate;
+    const X509Certificate::Content& content = *certificate.content;
+    return content.fields ? *content.fields : *content.whole;
 }
 
 X509Certificate::X509Certificate(const Bytes& bytes) {
     const openssl::ErrorScope scope;
-    *this = CertificateAccess::make(readCertificate(bytes));
+    auto read = std::make_shared<Content>();
+    read->fields = openssl::fromDer<openssl::X509Ptr, readFields>(bytes.data(), bytes.size());
+    if (!read->fields)
+        read->whole = readPem(bytes);
+    content = std::move(read);
 }
 
 std::size_t X509Certificate::getKeySize() const {
@@ -111,7 +146,7 @@ Bytes X509Certificate::getPublicExponent() const {
 
 Bytes X509Certificate::getPublicKey() const {
     const openssl::ErrorScope scope;
-    Bytes der = openssl::toDer<i2d_X509_PUBKEY>(*X509_get_X509_PUBKEY(&CertificateAccess::get(*this)));
+    Bytes der = openssl::toDer<i2d_X509_PUBKEY>(*X509_get_X509_PUBKEY(&CertificateAccess::getFields(*this)));
     if (der.empty())
         openssl::fail<X509CertificateException>("The certificate's key can't be encoded.");
     return der;
@@ -133,7 +168,7 @@ std::string X509Certificate::getAsString() const {
 
 Bytes X509Certificate::getAsByteArray() const {
     const openssl::ErrorScope scope;
-    Bytes der = openssl::toDer<i2d_X509>(CertificateAccess::get(*this));
+    Bytes der = openssl::toDer<i2d_X509>(CertificateAccess::getFields(*this));
     if (der.empty())
         openssl::fail<X509CertificateException>("The certificate can't be encoded.");
     return der;
@@ -155,24 +190,24 @@ std::string X509Certificate::getSHA256Fingerprint() const {
 
 std::string X509Certificate::getSubject() const {
     const openssl::ErrorScope scope;
-    return detail::toText(*X509_get_subject_name(&CertificateAccess::get(*this)));
+    return detail::toText(*X509_get_subject_name(&CertificateAccess::getFields(*this)));
 }
 
 X509Certificate::Validity X509Certificate::getValidity() const {
     const openssl::ErrorScope scope;
-    const X509& certificate = CertificateAccess::get(*this);
+    const X509& certificate = CertificateAccess::getFields(*this);
     return {toText(X509_get0_notBefore(&certificate)), toText(X509_get0_notAfter(&certificate))};
 }
 
 std::string X509Certificate::getIssuer() const {
     const openssl::ErrorScope scope;
-    return detail::toText(*X509_get_issuer_name(&CertificateAccess::get(*this)));
+    return detail::toText(*X509_get_issuer_name(&CertificateAccess::getFields(*this)));
 }
 
 std::string X509Certificate::getSerialNumber() const {
     const openssl::ErrorScope scope;
     const openssl::BnPtr number(
-        ASN1_INTEGER_to_BN(X509_get0_serialNumber(&CertificateAccess::get(*this)), nullptr));
+        ASN1_INTEGER_to_BN(X509_get0_serialNumber(&CertificateAccess::getFields(*this)), nullptr));
     const std::unique_ptr<char, openssl::Deleter<freeText>> digits(number ? BN_bn2dec(number.get())
                                                                           : nullptr);
     if (!digits)
