@@ -48,6 +48,7 @@ using Relationships = model::Enumerator<std::vector<Relationship>>;
 void describe(const Package& package, PartLookup& parts, std::string_view source,
               const Relationships& relationships, TextPool& texts,
               std::vector<ScannedRelationship>& described) {
+    parts.setSource(source);
     for (const Relationship& relationship : relationships) {
         ScannedRelationship& one = described.emplace_back();
         one.source = source;
@@ -56,7 +57,7 @@ void describe(const Package& package, PartLookup& parts, std::string_view source
         one.target = texts.add(relationship.getTarget());
         one.isExternal = relationship.getTargetMode() == TargetMode::External;
         if (!one.isExternal) {
-            const std::optional<bool> found = parts.find(source, one.target);
+            const std::optional<bool> found = parts.find(one.target);
             one.exists = found ? *found : leadsToPart(package, relationship);
         }
     }

@@ -32,33 +32,46 @@ constexpr std::array<bool, 256> makePlainCharacters() {
     return plain;
 }
 
-bool isPlain(std::string_view text) {
+bool isPlain(char c) {
     static constexpr std::array<bool, 256> PLAIN = makePlainCharacters();
-    return std::all_of(text.begin(), text.end(), [](char c) { return PLAIN[static_cast<unsigned char>(c)]; });
+    return PLAIN[static_cast<unsigned char>(c)];
+}
+
+/// Whether a path has only plain characters, and no segment that is empty or begins with a dot.
+bool isPlainPath(std::string_view path) {
+    char last = '/';
+    for (const char c : path) {
+        if (!isPlain(c) || (last == '/' && (c == '/' || c == '.')))
+            return false;
+        last = c;
+    }
+    return last != '/';
 }
 
 } // namespace
 
-std::optional<bool> PartLookup::find(std::string_view source, std::string_view target) {
-    if (!isPlain(source) || !isPlain(target) || target.empty())
-        return std::nullopt;
-    name.clear();
-    if (target.front() == '/')
+void PartLookup::setSource(std::string_view source) {
+    folder = source.substr(0, source.rfind('/'));
+    isPlainFolder = std::all_of(folder.begin(), folder.end(), isPlain);
+}
+
+std::optional<bool> PartLookup::find(std::string_view target) {
+    constexpr std::string_view UP = "../";
+    std::string_view from = folder;
+    if (target.substr(0, 1) == "/") {
         target.remove_prefix(1);
-    else
-        name = source.substr(0, source.rfind('/'));
-    for (bool isLast = false; !isLast;) {
-        const std::size_t end = target.find('/');
-        isLast = end == std::string_view::npos;
-        const std::string_view segment = target.substr(0, end);
-        target.remove_prefix(isLast ? target.size() : end + 1);
-        if (segment.empty() || segment == "." || (segment == ".." && (isLast || name.empty())))
-            return std::nullopt;
-        if (segment == "..")
-            name.resize(name.rfind('/'));
-        else
-            name.append("/").append(segment);
+        from = {};
     }
+    for (; target.substr(0, UP.size()) == UP; target.remove_prefix(UP.size())) {
+        if (from.empty())
+            return std::nullopt;
+        from = from.substr(0, from.rfind('/'));
+    }
+    if (!isPlainFolder || !isPlainPath(target))
+        return std::nullopt;
+    name.assign(from);
+    name += '/';
+    name.append(target);
     const auto found = std::lower_bound(
         parts.begin(), parts.end(), name,
         [](const ScannedPart& part, std::string_view text) { return isBefore(part.name, text); });

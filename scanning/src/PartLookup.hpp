@@ -16,13 +16,17 @@ public:
     /// @param parts  sorted by name, ignoring the case of ASCII letters; must outlive this object
     explicit PartLookup(const std::vector<ScannedPart>& parts) : parts(parts) {}
 
-    /// @param source  a part name, or "/"
+    /// Whose relationships come next: a part name, or "/".
+    void setSource(std::string_view source);
+
     /// @param target  of an internal relationship, as it stands
-    /// @return nothing if the target or the source has more than plain segments and `..`
-    std::optional<bool> find(std::string_view source, std::string_view target);
+    /// @return nothing if the source or the target has more than plain segments, after `..` at its begin
+    std::optional<bool> find(std::string_view target);
 
 private:
     const std::vector<ScannedPart>& parts;
+    std::string folder; ///< of the source, without the slash at its end
+    bool isPlainFolder = true;
     std::string name; ///< that a target leads to; it keeps its room for the next one
 };
 

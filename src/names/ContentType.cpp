@@ -72,7 +72,8 @@ void ContentType::init(const std::u16string& contentType) {
     made->text = parsed.name;
     for (auto& [attribute, value] : parsed.parameters)
         made->parameters[std::move(attribute)] = std::move(value);
-    made->renewParameters();
+    if (!made->parameters.empty())
+        made->renewParameters();
     body = made;
 }
 

@@ -109,9 +109,15 @@ PlainURI recogniseOtherScheme(std::string_view text) {
     return recogniseRest(text, PlainURI::OtherScheme);
 }
 
+/// How the types of nearly all relationships begin.
+constexpr std::string_view USUAL_AUTHORITY = "http://schemas.openxmlformats.org";
+
 } // namespace
 
 PlainURI recognisePlainURI(std::string_view text) {
+    if (text.size() > USUAL_AUTHORITY.size() && text[USUAL_AUTHORITY.size()] == '/' &&
+        text.substr(0, USUAL_AUTHORITY.size()) == USUAL_AUTHORITY)
+        return recogniseRest(text.substr(USUAL_AUTHORITY.size()), PlainURI::Reference);
     const std::size_t end = findKind(text, plain::Colon | plain::Delimiter);
     if (end < text.size() && text[end] == ':') {
         const std::string_view scheme = text.substr(0, end);
