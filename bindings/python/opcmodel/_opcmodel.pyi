@@ -235,7 +235,7 @@ class ScannedFile:
 class Scan:
     def __init__(
         self,
-        sources: Iterator[Union[bytes, tuple[bytes, bytes]]],
+        sources: Iterator[Any],
         what: int,
         jobs: int,
         window: int,

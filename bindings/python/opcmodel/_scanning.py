@@ -199,6 +199,7 @@ def _bits(names: Iterable[str], known: Mapping[str, int], what: str) -> int:
 
 
 def _source(item: Source) -> bytes | tuple[bytes, bytes]:
+    """For the extension: the bytes of a path, or of a name and a package."""
     if isinstance(item, tuple):
         if len(item) != 2:
             raise TypeError("a source is a path, or a pair of a name and the bytes of a package")
@@ -230,5 +231,5 @@ def scan(paths: Iterable[Source], *, jobs: int | None = None, what: Iterable[str
     if isinstance(paths, (str, bytes, os.PathLike)):
         raise TypeError("paths must be an iterable of paths, not one path")
     reading = _opcmodel.OpenOptions(strict, False, None, limits.to_dict() if limits else {})
-    return Scan(_opcmodel.Scan(map(_source, paths), _bits(what, ASPECTS, "aspect"), jobs or 0, window,
+    return Scan(_opcmodel.Scan(iter(paths), _bits(what, ASPECTS, "aspect"), jobs or 0, window,
                                _bits(profiles, PROFILES, "profile"), reading))

@@ -33,11 +33,29 @@ using opc::scanning::Scanner;
 using opc::scanning::ScanOptions;
 using opc::scanning::Source;
 
-/// The path of a source as bytes, or a pair of a name and the bytes of the package.
-Source toSource(const py::handle& item) {
-    if (py::isinstance<py::bytes>(item))
-        return opc::scanning::fileSource(std::string(py::reinterpret_borrow<py::bytes>(item)));
-    const auto pair = py::reinterpret_borrow<py::tuple>(item);
+/// The bytes of a path that is a `str`; null for everything else. Nearly all sources are one.
+py::object encodePath(const py::handle& item) {
+    if (PyUnicode_CheckExact(item.ptr()) == 0)
+        return {};
+    PyObject* const path = PyUnicode_EncodeFSDefault(item.ptr());
+    if (path == nullptr)
+        throw py::error_already_set();
+    return py::reinterpret_steal<py::object>(path);
+}
+
+bool hasNull(const std::string& path) {
+    return path.find('\0') != std::string::npos;
+}
+
+/// @param item  what `scan` takes: a path, or a pair of a name and the bytes of the package
+Source toSource(const py::object& item) {
+    if (const py::object path = encodePath(item))
+        if (std::string text{py::reinterpret_borrow<py::bytes>(path)}; !hasNull(text))
+            return opc::scanning::fileSource(std::move(text));
+    const py::object source = py::module_::import("opcmodel._scanning").attr("_source")(item);
+    if (py::isinstance<py::bytes>(source))
+        return opc::scanning::fileSource(std::string(py::reinterpret_borrow<py::bytes>(source)));
+    const auto pair = py::reinterpret_borrow<py::tuple>(source);
     const std::string bytes = py::cast<py::bytes>(pair[1]);
     return {py::cast<py::bytes>(pair[0]),
             {},
