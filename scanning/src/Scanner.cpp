@@ -22,7 +22,7 @@ struct Job {
 };
 
 /// How many results are taken at a time.
-constexpr std::size_t MANY = 16;
+constexpr std::size_t MANY = 32;
 
 /// How much of a result may wait with many others, in bytes.
 constexpr std::size_t LITTLE = std::size_t{256} * 1024;
