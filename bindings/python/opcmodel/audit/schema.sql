@@ -6,7 +6,7 @@ CREATE TABLE files (
     mtime_ns INTEGER,               -- when the file was changed, in nanoseconds since 1970
     aspects INTEGER NOT NULL,       -- what was asked: 1 format, 2 parts, 4 relationships, 8 properties, 16 externals, 32 signatures, 64 findings
     scanned_at TEXT NOT NULL,
-    vanished_at TEXT,               -- when a run first didn't find it any more
+    vanished_at TEXT,               -- when a run first didn't find or take it any more
     format TEXT,                    -- the usual extension, by the content
     description TEXT,
     media_type TEXT,
@@ -79,7 +79,7 @@ CREATE TABLE signatures (
     signer TEXT,                    -- the subject of the certificate, or key
     fingerprint TEXT,               -- of the certificate: SHA-256
     time TEXT,                      -- as the signer claims
-    holds INTEGER NOT NULL,
+    holds INTEGER NOT NULL,         -- whether it is a yes; in the profile opcmodel, unchanged and by an accepted signer
     cryptography TEXT,              -- valid, weak, broken
     coverage TEXT,                  -- complete, partial
     trust TEXT,                     -- not checked, unknown, trusted, not trusted
