@@ -251,6 +251,10 @@ TEST(StandardVerification, RefusesSignaturesThatAreBuiltToDeceive) {
              recipe.keyInfo = "<RetrievalMethod URI='http://127.0.0.1:1/'/>";
              recipe.hasXades = false;
          }},
+        {"The signature has too many certificates",
+         atLast("<X509Data>", "<X509Data>" + repeated("<X509Certificate>AA==</X509Certificate>", 20))},
+        {"The signature names a certificate without its digest",
+         inDocument("</xd:CertDigest>", "</xd:CertDigest><xd:CertDigest/>")},
         {"A certificate of the signature can't be read",
          atLast("<X509Certificate>", "<X509Certificate>AAAA")},
         {"The element X509Certificate isn't Base64", atLast("<X509Certificate>", "<X509Certificate>%")},
@@ -413,6 +417,25 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
             SignatureRecipe recipe;
             recipe.changeAtLast =
                 replacing("</Signature>", "<Object Id='o'><Manifest/></Object></Signature>");
+            it.sign(recipe);
+        },
+        [](SignedSample& it) { // a kind of key that isn't known, beside a certificate
+            SignatureRecipe recipe;
+            recipe.changeAtLast = replacing(
+                "<X509Data>", "<KeyValue><ECDSAKeyValue "
+                              "xmlns='http://www.w3.org/2001/04/xmldsig-more#'/></KeyValue><X509Data>");
+            it.sign(recipe);
+        },
+        [](SignedSample& it) { // the first XAdES has elements of its own for digests
+            SignatureRecipe recipe;
+            recipe.changeDocument = [](std::string& text) {
+                const std::size_t begin = text.find("<xd:CertDigest>");
+                const std::size_t end = text.find("</xd:CertDigest>");
+                const std::string digest = text.substr(begin, end - begin);
+                text.replace(
+                    begin, end - begin,
+                    replacedAll(replacedAll(digest, "<Digest", "<xd:Digest"), "</Digest", "</xd:Digest"));
+            };
             it.sign(recipe);
         },
         [](SignedSample& it) { // the whole relationships part by its octets

@@ -37,11 +37,14 @@ std::vector<unsigned char> readECKey(const XmlTreeNode& value) {
         for (const NamedCurve& known : CURVES)
             if (attributeOf(*curve, "URI") == known.uri)
                 return bedrock::crypto::makeECPublicKey(known.name, bytesOf(*point));
-    throw Refusal(Code::NoKey, "", "The signature has a key on a curve that isn't accepted");
+    return {};
 }
 
+/// @param keyValue  any child of KeyInfo
+/// @return empty if it is no key, or one of a kind that isn't accepted
 std::vector<unsigned char> readKeyValue(const XmlTreeNode& keyValue) {
-    const XmlTreeNode* const value = firstChildElement(keyValue);
+    const XmlTreeNode* const value =
+        keyValue.is(vocabulary::SIGNATURE, "KeyValue") ? firstChildElement(keyValue) : nullptr;
     try {
         if (value != nullptr && value->is(vocabulary::SIGNATURE, "RSAKeyValue"))
             return readRSAKey(*value);
@@ -51,7 +54,7 @@ std::vector<unsigned char> readKeyValue(const XmlTreeNode& keyValue) {
         throw Refusal(Code::NoKey, "",
                       std::string("The signature has a key that can't be used: ") + e.what());
     }
-    throw Refusal(Code::NoKey, "", "The signature has a key of a kind that isn't accepted");
+    return {};
 }
 
 void readCertificates(const XmlTreeNode& data, StatedKeys& keys) {
@@ -71,8 +74,8 @@ StatedKeys readKeyInfo(const XmlTreeNode& keyInfo) {
     for (const XmlTreeNode* one = firstChildElement(keyInfo); one != nullptr; one = nextElement(*one)) {
         if (one->is(vocabulary::SIGNATURE, "X509Data"))
             readCertificates(*one, keys);
-        else if (one->is(vocabulary::SIGNATURE, "KeyValue"))
-            keys.keys.push_back(readKeyValue(*one));
+        else if (std::vector<unsigned char> key = readKeyValue(*one); !key.empty())
+            keys.keys.push_back(std::move(key));
         if (keys.keys.size() > MOST_KEY_CERTIFICATES)
             throw Refusal(Code::BeyondLimit, "", "The signature has too many keys");
     }

@@ -41,12 +41,20 @@ const XmlTreeNode* findSignedProperties(const SignatureDocument& document) {
     return found;
 }
 
+/// In the first versions of XAdES these elements are its own.
+bool isOfDigest(const XmlTreeNode& node, std::string_view name) {
+    return node.is(vocabulary::SIGNATURE, name) || vocabulary::isOfXades(node, name);
+}
+
 void readSignerCertificate(const XmlTreeNode& signingCertificate, SignatureDocument& document) {
     forEachChild(signingCertificate, "Cert", [&document](const XmlTreeNode& certificate) {
         forEachChild(certificate, "CertDigest", [&document](const XmlTreeNode& digest) {
-            ChildElements children(digest);
-            const XmlTreeNode& method = children.require("DigestMethod");
-            document.signerCertificates.push_back(readStatedDigest(method, children.require("DigestValue")));
+            const XmlTreeNode* const method = firstChildElement(digest);
+            const XmlTreeNode* const value = method == nullptr ? nullptr : nextElement(*method);
+            if (value == nullptr || !isOfDigest(*method, "DigestMethod") ||
+                !isOfDigest(*value, "DigestValue"))
+                throw Refusal(Code::Malformed, "", "The signature names a certificate without its digest");
+            document.signerCertificates.push_back(readStatedDigest(*method, *value));
             if (document.signerCertificates.size() > MOST_SIGNER_CERTIFICATES)
                 throw Refusal(Code::BeyondLimit, "", "The signature names too many certificates");
         });

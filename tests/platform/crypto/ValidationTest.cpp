@@ -201,6 +201,7 @@ TEST(Validation, timeAndPurposeDecide) {
         {usage("", "codeSigning"), Status::Good},
         // Document signing, RFC 9336, is the latter.
         {usage("", "serverAuth,1.3.6.1.5.5.7.3.36"), Status::Good},
+        {usage("", "1.3.6.1.4.1.311.10.3.12"), Status::Good}, // the same, by an older number
         {usage("", "anyExtendedKeyUsage"), Status::Good},
         {usage("keyEncipherment", ""), Status::WrongPurpose},
         {usage("keyEncipherment", "codeSigning"), Status::WrongPurpose},
