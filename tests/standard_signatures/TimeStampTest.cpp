@@ -123,6 +123,30 @@ TEST(StandardTrust, RestsOnATimeStampAndNotOnTheClaimedTime) {
     }
 }
 
+/// Some programs put issuers where XAdES has them, which isn't signed.
+TEST(StandardTrust, FindsIssuersAmongUnsignedProperties) {
+    const Identity root = makeIssuer("Root");
+    const Identity issuer = makeIssuerBelow(root, "Issuer");
+    const Identity signer = makeSigner(&issuer);
+    for (const bool hasIssuer : {false, true}) {
+        SignatureRecipe recipe;
+        recipe.signer = &signer;
+        const auto encoded = [](const std::string& octets) {
+            return "<xd:EncapsulatedX509Certificate>" + octets + "</xd:EncapsulatedX509Certificate>";
+        };
+        recipe.changeAtLast =
+            replacing("</xd:QualifyingProperties>",
+                      "<xd:UnsignedProperties><xd:UnsignedSignatureProperties><xd:CertificateValues>" +
+                          encoded("AAAA") +
+                          (hasIssuer ? encoded(base64(issuer.certificate.getAsByteArray())) : std::string()) +
+                          "</xd:CertificateValues></xd:UnsignedSignatureProperties></xd:UnsignedProperties>"
+                          "</xd:QualifyingProperties>");
+        SignedSample sample;
+        sample.sign(recipe);
+        EXPECT_EQ(sample.verify(SignedSample::trusting(root)).isYes(), hasIssuer);
+    }
+}
+
 TEST(StandardTrust, TakesWhomTheCallerKnows) {
     SignedSample sample;
     sample.sign();

@@ -1,3 +1,4 @@
+#include "crypto/Digest.hpp"
 #include "standard_signatures/SignedSample.hpp"
 #include "support/Texts.hpp"
 #include "support/Throws.hpp"
@@ -255,8 +256,7 @@ TEST(StandardVerification, RefusesSignaturesThatAreBuiltToDeceive) {
          atLast("<X509Data>", "<X509Data>" + repeated("<X509Certificate>AA==</X509Certificate>", 20))},
         {"The signature names a certificate without its digest",
          inDocument("</xd:CertDigest>", "</xd:CertDigest><xd:CertDigest/>")},
-        {"A certificate of the signature can't be read",
-         atLast("<X509Certificate>", "<X509Certificate>AAAA")},
+        {"No certificate of the signature can be read", atLast("<X509Certificate>", "<X509Certificate>AAAA")},
         {"The element X509Certificate isn't Base64", atLast("<X509Certificate>", "<X509Certificate>%")},
         {"Elements are nested deeper than 100",
          atLast("</Signature>",
@@ -424,6 +424,24 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
             recipe.changeAtLast = replacing(
                 "<X509Data>", "<KeyValue><ECDSAKeyValue "
                               "xmlns='http://www.w3.org/2001/04/xmldsig-more#'/></KeyValue><X509Data>");
+            it.sign(recipe);
+        },
+        [](SignedSample& it) { // the keys are signed, too
+            const std::string keys = "<X509Data><X509Certificate>" +
+                                     base64(SignedSample::usualSigner().certificate.getAsByteArray()) +
+                                     "</X509Certificate></X509Data></KeyInfo>";
+            const auto digest =
+                digestOf("<KeyInfo xmlns=\"" + DSIG + "\" Id=\"k\">" + keys, findDigestMethod(SHA256));
+            SignatureRecipe recipe;
+            recipe.moreReferences = "<Reference URI='#k'><DigestMethod Algorithm='" + SHA256 +
+                                    "'/><DigestValue>" + base64(digest) + "</DigestValue></Reference>";
+            recipe.changeDocument = replacing("<KeyInfo>", "<KeyInfo Id='k'>");
+            it.sign(recipe);
+        },
+        [](SignedSample& it) { // a certificate of the chain that can't be read
+            SignatureRecipe recipe;
+            recipe.changeAtLast =
+                replacing("</X509Data>", "<X509Certificate>AAAA</X509Certificate></X509Data>");
             it.sign(recipe);
         },
         [](SignedSample& it) { // the first XAdES has elements of its own for digests

@@ -53,6 +53,12 @@ void printTable(FileRun& run, const PackageVerification& verification, const ord
 /// What a yes doesn't say.
 void printReservations(FileRun& run, const VerifiedSignature& signature) {
     const std::string name = withoutControlCharacters(signature.name);
+    if (signature.cryptography.status == CryptographyAnswer::Status::Broken)
+        return;
+    if (!signature.trust.timeStampFailure.empty())
+        run.out() << withoutControlCharacters(signature.name + ": the time stamp isn't trusted: " +
+                                              signature.trust.timeStampFailure)
+                  << '\n';
     if (!signature.coverage.byCustom.empty())
         run.out() << name
                   << ": not signed by custom: properties and thumbnail, with title, author and dates, also "

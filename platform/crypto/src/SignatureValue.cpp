@@ -113,10 +113,11 @@ std::size_t orderSize(const EVP_PKEY& key) {
     return (static_cast<std::size_t>(EVP_PKEY_get_bits(&key)) + 7) / 8;
 }
 
-/// The form in which OpenSSL takes r and s; empty if the value has another length.
+/// The form in which OpenSSL takes r and s; empty if the value has a length that they can't have. Some programs leave out zeros
+/// that begin both.
 Bytes toDer(const EVP_PKEY& key, const Bytes& value) {
-    const int size = static_cast<int>(orderSize(key));
-    if (value.size() != 2 * orderSize(key))
+    const int size = static_cast<int>(value.size() / 2);
+    if (value.empty() || value.size() % 2 != 0 || value.size() > 2 * orderSize(key))
         return {};
     const EcdsaPtr pair = openssl::made(EcdsaPtr(ECDSA_SIG_new()));
     BIGNUM* const r = BN_bin2bn(value.data(), size, nullptr);

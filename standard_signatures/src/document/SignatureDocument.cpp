@@ -32,10 +32,10 @@ bool isObject(const XmlTreeNode* node, const XmlTreeNode& root) {
     return node != nullptr && node->parent == &root && node->is(vocabulary::SIGNATURE, "Object");
 }
 
-/// Whether it may be signed: an object of the signature, or the signed properties in one.
+/// Whether it may be signed: an object of the signature, the signed properties in one, or the keys that the signature names.
 bool isSignable(const XmlTreeNode& element, const XmlTreeNode& root) {
     const XmlTreeNode* const parent = element.parent;
-    return isObject(&element, root) ||
+    return isObject(&element, root) || (parent == &root && element.is(vocabulary::SIGNATURE, "KeyInfo")) ||
            (vocabulary::isOfXades(element, "SignedProperties") && parent != nullptr &&
             vocabulary::isOfXades(*parent, "QualifyingProperties") && isObject(parent->parent, root));
 }

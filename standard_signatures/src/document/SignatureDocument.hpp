@@ -52,11 +52,15 @@ struct SignatureDocument {
     std::vector<StatedDigest> signerCertificates;
 
     StatedKeys keys;
+
+    /// Certificates in DER through which a chain can lead. The signature doesn't protect them.
+    std::vector<std::vector<unsigned char>> chainCertificates;
     std::vector<StatedTimeStamp> timeStamps;
 
     static constexpr std::size_t MOST_ELEMENTS = 64; ///< each can be the whole document
     static constexpr std::size_t MOST_REFERENCES = 65536;
     static constexpr std::size_t MOST_TIME_STAMPS = 16;
+    static constexpr std::size_t MOST_CHAIN_CERTIFICATES = 20;
 
     /// @param stream  open, at its first byte
     /// @throws Refusal

@@ -5,6 +5,7 @@
 #include "reason/Refusal.hpp"
 
 #include <initializer_list>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -85,16 +86,25 @@ void readTimeStamp(const XmlTreeNode& stamp, SignatureDocument& document) {
     });
 }
 
+void readCertificateValues(const XmlTreeNode& values, SignatureDocument& document) {
+    forEachChild(values, "EncapsulatedX509Certificate", [&document](const XmlTreeNode& one) {
+        if (document.chainCertificates.size() < SignatureDocument::MOST_CHAIN_CERTIFICATES)
+            document.chainCertificates.push_back(bytesOf(one));
+    });
+}
+
 /// Everybody can add, change and remove these: one that can't be read is left out.
 void readUnsignedProperties(const XmlTreeNode& qualifyingProperties, SignatureDocument& document) {
     forEachChild(qualifyingProperties, "UnsignedProperties", [&document](const XmlTreeNode& properties) {
         forEachChild(properties, "UnsignedSignatureProperties", [&document](const XmlTreeNode& ofSignature) {
-            forEachChild(ofSignature, "SignatureTimeStamp", [&document](const XmlTreeNode& stamp) {
-                try {
-                    readTimeStamp(stamp, document);
-                } catch (const Refusal&) { // as if it weren't there
-                }
-            });
+            for (const auto& [name, read] : {std::pair("SignatureTimeStamp", readTimeStamp),
+                                             {"CertificateValues", readCertificateValues}})
+                forEachChild(ofSignature, name, [&document, read = read](const XmlTreeNode& property) {
+                    try {
+                        read(property, document);
+                    } catch (const Refusal&) { // as if it weren't there
+                    }
+                });
         });
     });
 }

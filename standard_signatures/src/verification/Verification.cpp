@@ -37,14 +37,14 @@ std::string messageOf(const Exception& failure) {
     return details.empty() ? failure.what() : failure.what() + (" (" + details + ")");
 }
 
-X509Certificate readCertificate(const Bytes& der) {
+/// Adds a certificate if it can be read. Everybody can add others to a signature.
+void addCertificate(std::vector<X509Certificate>& all, const Bytes& der) {
     try {
         X509Certificate certificate(der);
         if (certificate.getAsByteArray() == der) // and not a text that has one somewhere
-            return certificate;
-    } catch (const bedrock::certificates::CertificateException&) { // refused below
+            all.push_back(std::move(certificate));
+    } catch (const bedrock::certificates::CertificateException&) { // as if it weren't there
     }
-    throw Refusal(Code::NoKey, "", "A certificate of the signature can't be read");
 }
 
 Bytes readAll(InputStream& stream) {
@@ -178,7 +178,7 @@ private:
         if (part.isAmbiguous)
             throw Refusal(Code::Malformed, "", "There is more than one part with this name");
         const SignatureDocument document = readDocument(part);
-        const std::vector<X509Certificate> certificates = readCertificates(part, document);
+        std::vector<X509Certificate> certificates = readCertificates(part, document);
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
         ofSignature = std::move(checked.contents);
@@ -188,6 +188,8 @@ private:
             return;
         }
         signature.claimedTime = document.claimedTime;
+        for (const Bytes& der : document.chainCertificates)
+            addCertificate(certificates, der);
         signature.trust =
             checkTrust(document, checked.key, checked.certificate, certificates, policy, work.timeStamps);
     }
@@ -205,12 +207,14 @@ private:
     std::vector<X509Certificate> readCertificates(const StoredPart& part, const SignatureDocument& document) {
         std::vector<X509Certificate> certificates;
         for (const Bytes& der : document.keys.certificates)
-            certificates.push_back(readCertificate(der));
-        for (const StoredPart* const one : map.certificatesOf(part)) {
-            if (certificates.size() >= MOST_CERTIFICATES)
-                throw Refusal(Code::BeyondLimit, "", "The signature has too many certificates");
-            certificates.push_back(readCertificate(readAll(*contents.open(*one))));
-        }
+            addCertificate(certificates, der);
+        const std::vector<const StoredPart*> parts = map.certificatesOf(part);
+        if (document.keys.certificates.size() + parts.size() > MOST_CERTIFICATES)
+            throw Refusal(Code::BeyondLimit, "", "The signature has too many certificates");
+        for (const StoredPart* const one : parts)
+            addCertificate(certificates, readAll(*contents.open(*one)));
+        if (certificates.empty() && !(document.keys.certificates.empty() && parts.empty()))
+            throw Refusal(Code::NoKey, "", "No certificate of the signature can be read");
         return certificates;
     }
 

@@ -45,6 +45,25 @@ TEST(SigningKeys, areReadInEachForm) {
     }
 }
 
+/// Some programs write both numbers only as long as the longer one is.
+TEST(SigningKeys, makeValuesThatHoldWithoutTheirFirstZeros) {
+    const SigningKey key = generateECKey("P-521");
+    Bytes value;
+    do
+        value = makeSignatureValue(key.getPrivateKey(), SignatureScheme::ECDSA, DigestAlgorithm::SHA256, "a");
+    while (value[0] != 0 || value[66] != 0);
+    value.erase(value.begin() + 66);
+    value.erase(value.begin());
+    const auto check = [&] {
+        return checkSignatureValue(key.getPublicKey(), SignatureScheme::ECDSA, DigestAlgorithm::SHA256, "a",
+                                   value)
+            .status;
+    };
+    EXPECT_EQ(check(), SignatureValueStatus::Right);
+    value.pop_back();
+    EXPECT_EQ(check(), SignatureValueStatus::Wrong);
+}
+
 TEST(SigningKeys, areMadeWithCertificates) {
     const opc::test::OpenSslCommand openssl;
     for (const std::string curve : {"P-256", "P-384", "P-521", ""}) {
