@@ -126,7 +126,7 @@ TEST(StandardTrust, RestsOnATimeStampAndNotOnTheClaimedTime) {
 /// Some programs put issuers where XAdES has them, which isn't signed.
 TEST(StandardTrust, FindsIssuersAmongUnsignedProperties) {
     const Identity root = makeIssuer("Root");
-    const Identity issuer = makeIssuerBelow(root, "Issuer");
+    const Identity issuer = makeIssuer("Issuer", &root);
     const Identity signer = makeSigner(&issuer);
     for (const bool hasIssuer : {false, true}) {
         SignatureRecipe recipe;

@@ -93,10 +93,10 @@ const std::string* ContentTypes::find(const std::string& partName, const std::st
 }
 
 const std::string* ContentTypes::findOddName() const {
-    for (const auto& [entries, isPlain] :
-         {std::pair(&overrides, isPlainPartName), std::pair(&defaults, isPlainExtension)})
+    for (const Entries* const entries : {&overrides, &defaults})
         for (const auto& [key, entry] : *entries)
-            if (!entry.isFound && !isPlain(entry.written))
+            if (!entry.isFound &&
+                !(entries == &overrides ? isPlainPartName(entry.written) : isPlainExtension(entry.written)))
                 return &entry.written;
     return nullptr;
 }

@@ -5,7 +5,6 @@
 #include "reason/Refusal.hpp"
 
 #include <initializer_list>
-#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -95,13 +94,16 @@ void readCertificateValues(const XmlTreeNode& values, SignatureDocument& documen
 
 /// Everybody can add, change and remove these: one that can't be read is left out.
 void readUnsignedProperties(const XmlTreeNode& qualifyingProperties, SignatureDocument& document) {
-    forEachChild(qualifyingProperties, "UnsignedProperties", [&document](const XmlTreeNode& properties) {
-        forEachChild(properties, "UnsignedSignatureProperties", [&document](const XmlTreeNode& ofSignature) {
-            for (const auto& [name, read] : {std::pair("SignatureTimeStamp", readTimeStamp),
-                                             {"CertificateValues", readCertificateValues}})
-                forEachChild(ofSignature, name, [&document, read = read](const XmlTreeNode& property) {
+    const struct {
+        const char* name;
+        void (*read)(const XmlTreeNode&, SignatureDocument&);
+    } kinds[] = {{"SignatureTimeStamp", readTimeStamp}, {"CertificateValues", readCertificateValues}};
+    forEachChild(qualifyingProperties, "UnsignedProperties", [&](const XmlTreeNode& properties) {
+        forEachChild(properties, "UnsignedSignatureProperties", [&](const XmlTreeNode& ofSignature) {
+            for (const auto& kind : kinds)
+                forEachChild(ofSignature, kind.name, [&](const XmlTreeNode& property) {
                     try {
-                        read(property, document);
+                        kind.read(property, document);
                     } catch (const Refusal&) { // as if it weren't there
                     }
                 });

@@ -13,6 +13,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace opc::standard_signatures {
@@ -84,7 +85,8 @@ public:
     Verifier(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy)
         : policy(policy), contents(store), map(contents) {}
 
-    PackageVerification run() {
+    /// @param keep  gets what each signature signs, if it is given
+    PackageVerification run(const std::function<void(SignedContents)>& keep = {}) {
         PackageVerification result;
         addProblems(result.problems);
         for (const StoredPart* const part : map.signatures()) {
@@ -94,13 +96,23 @@ public:
                      "There are more than " + std::to_string(MOST_SIGNATURES) + " signatures"});
                 break;
             }
-            result.signatures.push_back(verify(*part));
+            SignedContents ofSignature;
+            result.signatures.push_back(verify(*part, ofSignature));
+            if (keep)
+                keep(std::move(ofSignature));
         }
         return result;
     }
 
-    /// Call it after `run`.
-    void fill(CoverageTable& table) const {
+    /// @param signedContents  of each signature
+    void fill(CoverageTable& table, const std::vector<SignedContents>& signedContents) const {
+        const auto findSignatures = [&signedContents](const auto& covers) {
+            std::vector<std::size_t> found;
+            for (std::size_t i = 0; i < signedContents.size(); ++i)
+                if (covers(signedContents[i]))
+                    found.push_back(i);
+            return found;
+        };
         for (const StoredPart& part : contents.parts())
             if (!part.source)
                 table.parts.push_back(
@@ -130,15 +142,6 @@ private:
                                           : Standing::LeftOutByCustom;
     }
 
-    template <typename Predicate>
-    std::vector<std::size_t> findSignatures(const Predicate& covers) const {
-        std::vector<std::size_t> found;
-        for (std::size_t i = 0; i < signedContents.size(); ++i)
-            if (covers(signedContents[i]))
-                found.push_back(i);
-        return found;
-    }
-
     void addProblems(std::vector<Reason>& problems) const {
         if (const auto& failure = contents.contentTypesFailure())
             problems.push_back(*failure);
@@ -151,11 +154,11 @@ private:
                      "It has the content type of a signature, and no relationship leads to it"});
     }
 
-    VerifiedSignature verify(const StoredPart& part) {
+    /// @param ofSignature  gets what it signs
+    VerifiedSignature verify(const StoredPart& part, SignedContents& ofSignature) {
         VerifiedSignature signature;
         signature.part = part.name;
         signature.name = nameOfSignature(part.name);
-        SignedContents& ofSignature = signedContents.emplace_back();
         try {
             check(part, signature, ofSignature);
         } catch (const Refusal& refusal) {
@@ -229,7 +232,6 @@ private:
     PackageMap map;
     WorkLeft work;
     std::size_t roomForGaps = CoverageAnswer::MOST_LISTED;
-    std::vector<SignedContents> signedContents; ///< of each signature
 };
 
 } // namespace
@@ -246,8 +248,10 @@ PackageVerification verify(interfaces::IPhysicalPackage& store, const Verificati
 
 CoverageTable tabulateCoverage(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy) {
     Verifier verifier(store, policy);
-    CoverageTable table{verifier.run(), {}, {}};
-    verifier.fill(table);
+    std::vector<SignedContents> signedContents;
+    const auto keep = [&signedContents](SignedContents one) { signedContents.push_back(std::move(one)); };
+    CoverageTable table{verifier.run(keep), {}, {}};
+    verifier.fill(table, signedContents);
     return table;
 }
 
