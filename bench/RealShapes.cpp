@@ -204,7 +204,7 @@ Shape queries(int count) {
     Shape shape = textDocument();
     for (int number = 0; number < count; ++number) {
         shape.relate(DOCUMENT, OFFICE_TYPES + "customXml", "../docProps/app.xml");
-        shape.relate(DOCUMENT, OFFICE_TYPES + "settings", "settings.xml");
+        shape.relate(DOCUMENT, OFFICE_TYPES + "customXml", "../docProps/core.xml");
         shape.relate(DOCUMENT, OFFICE_TYPES + "hyperlink",
                      "http://example.com/doc?id=" + std::to_string(number), true);
     }

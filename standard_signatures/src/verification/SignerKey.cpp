@@ -1,6 +1,5 @@
 #include "verification/SignerKey.hpp"
 
-#include "crypto/Digest.hpp"
 #include "reason/Refusal.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
@@ -29,20 +28,20 @@ struct Candidate {
     X509Certificate certificate;
 };
 
-bool isNamed(const X509Certificate& certificate, const std::vector<StatedDigest>& named) {
+bool isNamed(const X509Certificate& certificate, const std::vector<StatedDigest>& named, Digester& digester) {
     const Bytes der = certificate.getAsByteArray();
     const std::string octets(der.begin(), der.end());
     std::map<const DigestMethod*, Bytes> digests;
     return std::any_of(named.begin(), named.end(), [&](const StatedDigest& digest) {
         Bytes& computed = digests[digest.method];
         if (computed.empty())
-            computed = digestOf(octets, *digest.method);
+            computed = digester.of(octets, *digest.method);
         return computed == digest.value;
     });
 }
 
 std::vector<Candidate> findCandidates(const SignatureDocument& document,
-                                      std::vector<X509Certificate> certificates) {
+                                      std::vector<X509Certificate> certificates, Digester& digester) {
     const std::vector<Bytes>& keys = document.keys.keys;
     if (!std::equal(keys.begin() + (keys.empty() ? 0 : 1), keys.end(), keys.begin()))
         throw Refusal(Code::KeyMismatch, "", "The signature names different keys");
@@ -50,8 +49,8 @@ std::vector<Candidate> findCandidates(const SignatureDocument& document,
         throw Refusal(Code::NoKey, "", "The signature names no key");
     if (!document.signerCertificates.empty()) {
         certificates.erase(std::remove_if(certificates.begin(), certificates.end(),
-                                          [&document](const X509Certificate& one) {
-                                              return !isNamed(one, document.signerCertificates);
+                                          [&](const X509Certificate& one) {
+                                              return !isNamed(one, document.signerCertificates, digester);
                                           }),
                            certificates.end());
         if (certificates.empty())
@@ -102,8 +101,8 @@ SignerKey tryKey(const SignatureDocument& document, const Candidate& candidate,
 } // namespace
 
 SignerKey findSignerKey(const SignatureDocument& document, const std::vector<X509Certificate>& certificates,
-                        const std::string& signedInfo, std::size_t& tries) {
-    const std::vector<Candidate> candidates = findCandidates(document, certificates);
+                        const std::string& signedInfo, std::size_t& tries, Digester& digester) {
+    const std::vector<Candidate> candidates = findCandidates(document, certificates, digester);
     std::optional<SignerKey> best;
     std::optional<Refusal> refusal;
     for (const Candidate& candidate : candidates)

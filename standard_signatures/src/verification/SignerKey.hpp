@@ -1,5 +1,6 @@
 #pragma once
 
+#include "crypto/Digest.hpp"
 #include "document/SignatureDocument.hpp"
 
 #include <bedrock/certificates/X509Certificate.hpp>
@@ -22,9 +23,10 @@ struct SignerKey {
 /// @param certificates  those of the signature and of its certificate parts
 /// @param signedInfo    the canonical form
 /// @param tries         how many keys may still be tried; becomes less
+/// @param digester      for the digests of certificates
 /// @throws Refusal  with `NoKey`, `KeyMismatch`, `CertificateMismatch`, `AlgorithmNotAccepted` or `BeyondLimit`
 SignerKey findSignerKey(const SignatureDocument& document,
                         const std::vector<bedrock::certificates::X509Certificate>& certificates,
-                        const std::string& signedInfo, std::size_t& tries);
+                        const std::string& signedInfo, std::size_t& tries, Digester& digester);
 
 } // namespace opc::standard_signatures
