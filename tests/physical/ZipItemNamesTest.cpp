@@ -123,7 +123,9 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
          [](RawItem& it) { it.localExtra = "\1\2\3"; }},
         {"",
          [&](RawItem& it) { it.localExtra = fieldOf(0x4453, "rights", 6) + fieldOf(0x6375, "comment", 7); }},
-        {"", [&](RawItem& it) { it.extra = fieldOf(0xA220, "\x28\xA0 room", 7) + fieldOf(0xCAFE, "", 0); }},
+        {"", [&](RawItem& it) { it.extra = fieldOf(0xA220, "\x28\xA0 1rrr", 7) + fieldOf(0xCAFE, "", 0); }},
+        {"a: its local header holds data of an unknown kind\n", // in the room for growth
+         [&](RawItem& it) { it.localExtra = fieldOf(0xA220, "\x28\xA0 1PK\3\4", 8); }},
         {"", [&](RawItem& it) { it.extra = numbers(zeros); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.extra = numbers(zeros + std::string("\1\1", 2) + std::string(6, '\0')); }},

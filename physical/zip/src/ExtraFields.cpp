@@ -30,14 +30,17 @@ constexpr std::uint16_t GROWTH_HINT_FIELD = 0xA220;
 constexpr std::uint16_t GROWTH_HINT_SIGNATURE = 0xA028;
 constexpr std::size_t GROWTH_HINT_HEADER = 4; ///< its signature, and the room at first
 
-bool areZeros(const unsigned char* bytes, std::size_t count) {
+bool areEqual(const unsigned char* bytes, std::size_t count) {
     // Each byte equals the next one. The C library compares many bytes at once.
-    return count == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, count - 1) == 0);
+    return count == 0 || std::memcmp(bytes, bytes + 1, count - 1) == 0;
+}
+
+bool areZeros(const unsigned char* bytes, std::size_t count) {
+    return count == 0 || (bytes[0] == 0 && areEqual(bytes, count));
 }
 
 /// Kinds whose data isn't about the name, the kind or the content of an item.
 constexpr std::uint16_t OTHER_DATA[] = {
-    GROWTH_HINT_FIELD,
     0x4453, // rights of NTFS
     0x6375, // a comment in UTF-8
 };
@@ -49,8 +52,8 @@ bool isKnown(const ExtraField& field) {
     }
     const bool isHint = field.kind == GROWTH_HINT_FIELD && field.size >= GROWTH_HINT_HEADER &&
                         read16(field.data) == GROWTH_HINT_SIGNATURE;
-    const std::size_t header = isHint ? GROWTH_HINT_HEADER : 0;
-    return areZeros(field.data + header, field.size - header);
+    return isHint ? areEqual(field.data + GROWTH_HINT_HEADER, field.size - GROWTH_HINT_HEADER)
+                  : areZeros(field.data, field.size);
 }
 
 /// Whether there is a field that isn't accepted, or bytes that are no field.
