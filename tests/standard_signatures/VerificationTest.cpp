@@ -413,10 +413,14 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
             recipe.changeAtLast = replacing("<Manifest>", "<!--c--><Manifest>");
             it.sign(recipe);
         },
-        [](SignedSample& it) { // an object that isn't signed
+        [](SignedSample& it) { // objects that needn't be signed
             SignatureRecipe recipe;
-            recipe.changeAtLast =
-                replacing("</Signature>", "<Object Id='o'><Manifest/></Object></Signature>");
+            recipe.changeAtLast = replacing(
+                "</Signature>",
+                "<Object Id='o'>\n<QualifyingProperties xmlns='http://uri.etsi.org/01903/v1.3.2#'/></Object>"
+                "<Object><TimeStamp "
+                "xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'/>"
+                "</Object></Signature>");
             it.sign(recipe);
         },
         [](SignedSample& it) { // a kind of key that isn't known, beside a certificate

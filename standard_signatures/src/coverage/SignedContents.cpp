@@ -36,6 +36,8 @@ public:
                     {},
                     {},
                     item.reason + ": other programs may take it for something else"});
+        if (const StoredPart* const part = contents.withUnsignedObject)
+            addGap({GapKind::Part, part->name, {}, {}, "an object in it isn't signed"});
         for (const StoredPart* const part : contents.renamed)
             addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name written in another way"});
         for (const Reason& reason : map.unreadable())

@@ -17,6 +17,9 @@ struct SignedContents {
 
     std::vector<const StoredPart*> renamed; ///< parts of which the signature writes the name in another way
 
+    const StoredPart* withUnsignedObject =
+        nullptr; ///< the part of the signature, if it has content that it doesn't sign
+
     bool has(const MappedRelationship& one) const {
         return parts.count(one.document) != 0 || relationships.count(one.values) != 0;
     }

@@ -6,6 +6,7 @@
 #include "document/XadesProperties.hpp"
 #include "reason/Refusal.hpp"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace opc::standard_signatures {
@@ -117,6 +118,26 @@ void readTimeStamps(SignatureDocument& document, const XmlTreeNode& object) {
     }
 }
 
+/// Whether it has something else than time stamps and properties of XAdES, which are no content.
+bool hasContent(const XmlTreeNode& object) {
+    for (const XmlTreeNode* node = object.firstChild; node != nullptr; node = node->next)
+        if (node->kind == XmlTreeNode::Kind::Element
+                ? !node->is(vocabulary::PACKAGE_SIGNATURE, "TimeStamp") &&
+                      !vocabulary::isOfXades(*node, "QualifyingProperties")
+                : node->kind == XmlTreeNode::Kind::Text &&
+                      node->text.find_first_not_of(" \t\r\n") != std::string_view::npos)
+            return true;
+    return false;
+}
+
+bool leavesContentUnsigned(const SignatureDocument& document,
+                           const std::vector<const XmlTreeNode*>& objects) {
+    return std::any_of(objects.begin(), objects.end(), [&document](const XmlTreeNode* object) {
+        const auto isIt = [object](const SignedElement& one) { return one.element == object; };
+        return std::none_of(document.elements.begin(), document.elements.end(), isIt) && hasContent(*object);
+    });
+}
+
 } // namespace
 
 SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimits& limits) {
@@ -129,11 +150,15 @@ SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimi
     document.signedInfo = &children.require("SignedInfo");
     document.signatureValue = &children.require("SignatureValue");
     const XmlTreeNode* const keyInfo = children.take("KeyInfo");
-    while (const XmlTreeNode* const object = children.take("Object"))
+    std::vector<const XmlTreeNode*> objects;
+    while (const XmlTreeNode* const object = children.take("Object")) {
+        objects.push_back(object);
         readTimeStamps(document, *object);
+    }
     children.requireEnd();
 
     readSignedInfo(document, ids);
+    document.hasUnsignedContent = leavesContentUnsigned(document, objects);
     const XmlTreeNode& manifest = findManifest(document);
     readManifest(document, manifest);
     document.value = bytesOf(*document.signatureValue);

@@ -45,6 +45,8 @@ struct SignatureDocument {
     std::vector<unsigned char> value;
     std::vector<SignedElement> elements;
 
+    bool hasUnsignedContent = false; ///< an object with content isn't signed
+
     std::vector<PartReference> manifest;
     std::string claimedTime; ///< as it stands; empty if there is none
 

@@ -185,6 +185,7 @@ private:
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
         ofSignature = std::move(checked.contents);
+        ofSignature.withUnsignedObject = document.hasUnsignedContent ? &part : nullptr;
         if (signature.cryptography.status == CryptographyAnswer::Status::Broken) {
             signature.trust.signer = checked.certificate;
             signature.trust.reason = "The signature is broken";
