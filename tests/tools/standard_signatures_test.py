@@ -60,6 +60,13 @@ class StandardSignatures(OpctoolCase):
         text = self.do('verify p.docx --trust std.pem')
         self.assertRegex(text, r"standard's profile:\n.*\nsig1 +- +RSA with SHA-256, 2048 bits +CN=Ada +valid +complete +trusted\n")
 
+    def test_show_a_claimed_time_and_no_other_text(self):
+        for claim, shown in ('2026-11-27T10:00:00Z', '2026-11-27T10:00:00Z'), ('2026  sig2  RSA  CN=Bo  valid', '-'), ('1' * 99, '-'):
+            self.copy_fixture('letter.docx', 'p.docx')
+            self.signer.claimed_time = claim
+            self.signer.sign(self.folder / 'p.docx')
+            self.assertRegex(self.do('verify p.docx --trust std.pem'), rf'\nsig1 +{shown} +RSA')
+
     def test_are_no_yes_without_trust(self):
         self.assertEqual(self.answers(self.verify('', 1)), ['valid', 'complete', 'not checked'])
         self.assertEqual(self.answers(self.verify('--trust system', 1)), ['valid', 'complete', 'not trusted'])

@@ -47,7 +47,7 @@ def content_type(types, name):
 class Signer:
     def __init__(self, folder, digest='sha256'):
         """Makes a key and a certificate in a folder, if they aren't there: std.key and std.pem."""
-        self.folder, self.digest = folder, digest
+        self.folder, self.digest, self.claimed_time = folder, digest, '-'
         if not (folder / 'std.pem').exists():
             subprocess.run('openssl req -x509 -newkey rsa:2048 -nodes -keyout std.key -out std.pem -days 36500 -subj /CN=Ada'.split(),
                        cwd=folder, check=True, capture_output=True)
@@ -80,7 +80,9 @@ class Signer:
     def document(self, parts, types):
         manifest = ''.join(self.reference(name, content_type(types, name), content) for name, content in sorted(parts.items())
                            if not name.startswith(('/docProps/', '/_xmlsignatures/')))
-        package = f'<Object xmlns="{DSIG}" Id="idPackageObject"><Manifest>{manifest}</Manifest></Object>'
+        time = (f'<SignatureTime xmlns="http://schemas.openxmlformats.org/package/2006/digital-signature"><Value>{self.claimed_time}</Value>'
+                '</SignatureTime>')
+        package = f'<Object xmlns="{DSIG}" Id="idPackageObject"><Manifest>{manifest}</Manifest>{time}</Object>'
         signed_info = (f'<SignedInfo xmlns="{DSIG}"><CanonicalizationMethod Algorithm="{C14N}"></CanonicalizationMethod>'
                        f'<SignatureMethod Algorithm="{METHODS[self.digest]}"></SignatureMethod>'
                        f'<Reference Type="{DSIG}Object" URI="#idPackageObject">{self.digest_elements(package.encode())}</Reference></SignedInfo>')

@@ -26,6 +26,15 @@ Color colorOfAnswer(const std::string& answer) {
     return isGood ? Color::Green : Color::Red;
 }
 
+/// The claim of the signer; any other text could look like more of the table.
+std::string claimedTimeOf(const VerifiedSignature& signature) {
+    constexpr std::size_t LONGEST = 40;
+    const std::string& claim = signature.claimedTime;
+    const bool isTime =
+        claim.size() <= LONGEST && claim.find_first_not_of("0123456789-+:.TZ") == std::string::npos;
+    return claim.empty() || !isTime ? "-" : claim;
+}
+
 void printTable(FileRun& run, const PackageVerification& verification, const ordered_json& rows) {
     Table table({{"NAME"},
                  {"CLAIMED TIME"},
@@ -36,7 +45,7 @@ void printTable(FileRun& run, const PackageVerification& verification, const ord
                  {"TRUST", Table::Align::Left, colorOfAnswer}});
     auto row = rows.begin();
     for (const VerifiedSignature& one : verification.signatures) {
-        table.addRow({one.name, textOrDash((*row)["time"]),
+        table.addRow({one.name, claimedTimeOf(one),
                       one.cryptography.method.empty()
                           ? "-"
                           : one.cryptography.method +
