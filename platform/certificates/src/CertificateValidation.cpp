@@ -3,6 +3,7 @@
 #include "KeyUsages.hpp"
 #include "Revocation.hpp"
 #include "Strength.hpp"
+#include "SystemStore.hpp"
 
 #include <bedrock/certificates/Exceptions.hpp>
 #include <bedrock/certificates/TrustStore.hpp>
@@ -61,8 +62,9 @@ Status statusOf(int error) {
     }
 }
 
-openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValidationOptions& options,
-                            CoveringLists lists) {
+openssl::StorePtr makeStore(const TrustStore& trustStore) {
+    if (trustStore.getSystemUsage() && trustStore.getCertificates().empty())
+        return detail::systemStore();
     openssl::StorePtr store = openssl::made(openssl::StorePtr(X509_STORE_new()));
     for (const X509Certificate& certificate : trustStore.getCertificates()) {
         if (!X509_STORE_add_cert(store.get(), &CertificateAccess::get(certificate)))
@@ -70,7 +72,6 @@ openssl::StorePtr makeStore(const TrustStore& trustStore, const CertificateValid
     }
     if (trustStore.getSystemUsage() && !X509_STORE_set_default_paths(store.get()))
         openssl::fail<CertificateException>("The system's certificates can't be used.");
-    addRevocationLists(*store, options, lists);
     return store;
 }
 
@@ -176,7 +177,7 @@ public:
     /// OpenSSL follows only one way through the certificates. If that fails, the others are tried without the
     /// certificate that made it fail. The first failure is the one that is reported.
     CertificateValidationResults run(CoveringLists lists) const {
-        const openssl::StorePtr store = makeStore(trustStore, options, lists);
+        const openssl::StorePtr store = makeStore(trustStore);
         const openssl::X509StackPtr untrusted = copyOthers();
         const Attempt first = attempt(*store, untrusted.get(), lists);
         X509* culprit = first.culprit;
@@ -206,10 +207,12 @@ private:
 
     Attempt attempt(X509_STORE& store, STACK_OF(X509) * untrusted, CoveringLists lists) const {
         const openssl::ErrorScope scope;
+        const openssl::CrlStackPtr covering = detail::coveringLists(options, lists);
         const openssl::StoreCtxPtr context = openssl::made(openssl::StoreCtxPtr(X509_STORE_CTX_new()));
         if (!X509_STORE_CTX_init(context.get(), &store, &certificate, untrusted))
             openssl::fail<X509CertificateException>("The certificate can't be validated.");
         setParameters(*X509_STORE_CTX_get0_param(context.get()), trustStore, options);
+        X509_STORE_CTX_set0_crls(context.get(), covering.get());
         X509_STORE_CTX_set_verify_cb(context.get(), detail::judgeRevocation);
         if (X509_verify_cert(context.get()) != 1)
             return judgeFailure(*context);

@@ -3,9 +3,8 @@
 #include "CertificateAccess.hpp"
 #include "Strength.hpp"
 
-#include <bedrock/certificates/Exceptions.hpp>
-
 #include <algorithm>
+#include <new>
 
 namespace bedrock::certificates::detail {
 
@@ -46,15 +45,17 @@ bool isNamed(X509* certificate, X509* issuer, const CertificateValidationOptions
 
 } // namespace
 
-void addRevocationLists(X509_STORE& store, const CertificateValidationOptions& options, CoveringLists lists) {
+openssl::CrlStackPtr coveringLists(const CertificateValidationOptions& options, CoveringLists lists) {
+    openssl::CrlStackPtr covering = openssl::made(openssl::CrlStackPtr(sk_X509_CRL_new_null()));
     for (const auto& entry : options.getRevocationLists()) {
         X509_CRL& list = *entry->list;
         // OpenSSL would take a delta list for a complete one.
         if (isDelta(list) || (lists == CoveringLists::Strong && isWeak(list)))
             continue;
-        if (!X509_STORE_add_crl(&store, &list))
-            openssl::fail<CertificateException>("A revocation list can't be used.");
+        if (!sk_X509_CRL_push(covering.get(), &list))
+            throw std::bad_alloc();
     }
+    return covering;
 }
 
 /// A list that is newer than the time of the check knows more, not less. Only the validated certificate itself must

@@ -15,9 +15,8 @@ enum class CoveringLists {
     All,    ///< also the others
 };
 
-/// Adds the lists to the store that can cover certificates. Delta lists never do.
-/// @throws CertificateException  the store can't take one
-void addRevocationLists(X509_STORE& store, const CertificateValidationOptions& options, CoveringLists lists);
+/// The lists that can cover certificates. Delta lists never do. They belong to the options.
+openssl::CrlStackPtr coveringLists(const CertificateValidationOptions& options, CoveringLists lists);
 
 /// The callback through which OpenSSL reports on lists: see `setUsingRevocationLists`.
 int judgeRevocation(int ok, X509_STORE_CTX* context);

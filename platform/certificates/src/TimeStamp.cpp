@@ -46,7 +46,10 @@ openssl::StorePtr makeStore(const CertificateValidationOptions& options, const T
     X509_VERIFY_PARAM& parameters = *X509_STORE_get0_param(store.get());
     unsigned long flags = X509_V_FLAG_PARTIAL_CHAIN;
     if (options.isUsingRevocationLists()) {
-        detail::addRevocationLists(*store, options, detail::CoveringLists::Strong);
+        const openssl::CrlStackPtr covering = detail::coveringLists(options, detail::CoveringLists::Strong);
+        for (int i = 0; i < sk_X509_CRL_num(covering.get()); ++i)
+            if (!X509_STORE_add_crl(store.get(), sk_X509_CRL_value(covering.get(), i)))
+                openssl::fail<CertificateException>("A revocation list can't be used.");
         flags |= X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
     }
     X509_VERIFY_PARAM_set_flags(&parameters, flags);

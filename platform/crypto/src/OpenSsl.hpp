@@ -33,10 +33,16 @@ struct StackDeleter {
     void operator()(STACK_OF(X509) * stack) const noexcept { sk_X509_pop_free(stack, X509_free); }
 };
 
+/// Frees the list alone.
+struct CrlStackDeleter {
+    void operator()(STACK_OF(X509_CRL) * stack) const noexcept { sk_X509_CRL_free(stack); }
+};
+
 using BioPtr = std::unique_ptr<BIO, Deleter<BIO_free>>;
 using BnCtxPtr = std::unique_ptr<BN_CTX, Deleter<BN_CTX_free>>;
 using BnPtr = std::unique_ptr<BIGNUM, Deleter<BN_clear_free>>;
 using CrlPtr = std::unique_ptr<X509_CRL, Deleter<X509_CRL_free>>;
+using CrlStackPtr = std::unique_ptr<STACK_OF(X509_CRL), CrlStackDeleter>;
 using LibraryPtr = std::unique_ptr<OSSL_LIB_CTX, Deleter<OSSL_LIB_CTX_free>>;
 using MdCtxPtr = std::unique_ptr<EVP_MD_CTX, Deleter<EVP_MD_CTX_free>>;
 using MdPtr = std::unique_ptr<EVP_MD, Deleter<EVP_MD_free>>;

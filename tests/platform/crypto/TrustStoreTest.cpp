@@ -88,6 +88,9 @@ TEST_F(TrustStoreTest, takesInTheSystem) {
     EXPECT_EQ(validate(first, store), CertificateChainStatus::UnknownIssuer);
     store.addSystemCertificates(TrustStore::Usage::Any, false);
     EXPECT_EQ(validate(first, store), CertificateChainStatus::Good);
+
+    openssl.write("rejected.pem", openssl.read("text")); // which has no certificate
+    EXPECT_EQ(validate(first, store), CertificateChainStatus::UnknownIssuer);
     unsetenv("SSL_CERT_FILE");
     unsetenv("SSL_CERT_DIR");
 }

@@ -34,7 +34,8 @@ public:
     void addFolder(const std::filesystem::path& folder);
 
     /// Adds the certificates of the system: from the default places of OpenSSL, or from those that the environment
-    /// variables SSL_CERT_FILE and SSL_CERT_DIR name. Each validation reads those that it needs.
+    /// variables SSL_CERT_FILE and SSL_CERT_DIR name. A validation reads those that it needs, and the file only if it has
+    /// changed.
     /// @param usage    what they are trusted for
     /// @param replace  true to drop the other certificates of the store
     void addSystemCertificates(Usage usage, bool replace);
