@@ -68,8 +68,10 @@ public:
             const unsigned choice = byte();
             if (choice < 250)
                 result += pieces[choice % pieces.size()];
-            else
-                result += static_cast<char16_t>(byte() << (choice % 2 == 0 ? 8 : 0) | byte());
+            else {
+                const unsigned first = byte(); // before the second one, with each compiler
+                result += static_cast<char16_t>(first << (choice % 2 == 0 ? 8 : 0) | byte());
+            }
         }
         return result;
     }
