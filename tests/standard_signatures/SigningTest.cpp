@@ -223,6 +223,31 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
     }
 }
 
+/// Programs find data stores by what leads to them, and IDs in them at other elements than the root.
+TEST(StandardSigning, RefusesTwinStoresOfWhateverKind) {
+    const std::string id = "ds:itemID='{A}' xmlns:ds='u:a'/>";
+    const std::pair<std::string, bool> cases[] = {
+        {"<a ds:itemID='{B}' xmlns:ds='u:a'/>", false}, {"<a " + id, true}, {"<a><b " + id + "</a>", true}};
+    for (const auto& [second, isRefused] : cases) {
+        PlainSample sample;
+        for (const auto& [number, content] :
+             {std::pair<std::string, std::string>("1", "<a " + id), {"2", second}}) {
+            const std::u16string n(number.begin(), number.end());
+            sample.store.setPart(u"/customXml/item" + n + u".xml", toBytes("<data/>"));
+            sample.store.setPart(u"/customXml/props" + n + u".xml", toBytes(content));
+            sample.store.setPart(
+                u"/customXml/_rels/item" + n + u".xml.rels",
+                relationships(
+                    "<Relationship Id='a' Target='props" + number +
+                    ".xml' Type='http://purl.oclc.org/ooxml/officeDocument/relationships/customXmlProps'/>"));
+        }
+        if (isRefused)
+            EXPECT_THROW(sign(sample), SigningRefused) << second;
+        else
+            EXPECT_NO_THROW(sign(sample)) << second;
+    }
+}
+
 TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
     PlainSample sample;
     removeOrigin(sample);

@@ -365,6 +365,20 @@ TEST(StandardVerification, NoticesEachChangeOfThePackage) {
                         "<Relationship Id='t' Target='x.png' Type='" + base +
                             "metadata/thumbnail'/></Relationships>");
          }},
+        {"gap: /docProps/t.png its content isn't signed", // other formats show it in their pages
+         [&](SignedSample& it) {
+             SignatureRecipe recipe;
+             recipe.changeManifest = [](std::string& text) {
+                 const std::size_t at = text.find("<Reference URI='/_rels/.rels");
+                 text.erase(at, text.find("</Reference>", at) + 12 - at);
+             };
+             it.sign(recipe);
+             it.replace(u"/_rels/.rels", "officeDocument'", "fixedrepresentation'");
+             it.replace(u"/_rels/.rels", "</Relationships>",
+                        "<Relationship Id='t' Target='docProps/t.png' Type='" + base +
+                            "metadata/thumbnail'/></Relationships>");
+             it.store.setPart(u"/docProps/t.png", toBytes("\x89PNG\r\n\x1A\n"));
+         }},
         {"problem: It has the content type of a signature, and no relationship leads to it",
          [](SignedSample& it) { it.store.setPart(u"/_xmlsignatures/sig2.xml", {}); }},
         {"gap: /word/a.zip it has no content type",

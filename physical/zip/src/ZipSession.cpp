@@ -229,9 +229,22 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
         exceeds("the ratio of its size to its compressed size is above the limit of", options.maxRatio);
 }
 
+/// Whether one of the folders in a name has the name of a part. No extraction can have both.
+bool ZipSession::isBelowPart(std::string_view itemName) {
+    const std::string name = extractedName(itemName, false);
+    for (std::size_t slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1)) {
+        const std::string folder = name.substr(0, slash);
+        if (parts.find(folder) != nullptr || folder == extractedName(CONTENT_TYPES_ITEM, false))
+            return true;
+    }
+    return false;
+}
+
 /// @return as words for a message; null if other programs find the item by its name
-const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName& name) const {
+const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName& name) {
     constexpr std::uint64_t EMPTY_DEFLATE = 2; // bytes
+    if (name.kind == ItemName::Kind::Ignored && isBelowPart(entry.name))
+        return "a part has the name of its folder";
     if (isFolderName(entry.name))
         return entry.size > 0 || entry.compressedSize > EMPTY_DEFLATE
                    ? "it has the name of a folder, and content"

@@ -64,7 +64,8 @@ private:
     void checkNames();
     void checkOtherName(const OtherName& other);
     void takeFindings();
-    const char* whyMisnamed(const DirectoryEntry& entry, const ItemName& name) const;
+    bool isBelowPart(std::string_view itemName);
+    const char* whyMisnamed(const DirectoryEntry& entry, const ItemName& name);
     void checkName(ItemIndex item, std::string_view name, const std::string& how);
     void checkLimits(const DirectoryEntry& entry);
     void requireWritable(const std::string& name) const;

@@ -90,7 +90,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
     findRepeated();
-    stores = findRepeatedStores(contents);
+    stores = findRepeatedStores(contents, all);
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)
@@ -156,11 +156,12 @@ void PackageMap::giveRoles() {
             return one.target != nullptr && source != nullptr && signaturesOfOrigins.count(source) != 0;
         },
         certificates);
+    const bool isOffice = isOfOfficeProgram();
     std::map<FormKind, MappedRelationship*> firstByCustom;
     for (MappedRelationship& one : all) {
         const TypedTarget* const kind = findKind(LEFT_OUT_BY_CUSTOM, one.values->type);
-        if (kind == nullptr || *one.document->source != "/" || one.values->isExternal ||
-            leadsOutside(one.values->target))
+        if (kind == nullptr || (kind->target == FormKind::Thumbnail && !isOffice) ||
+            *one.document->source != "/" || one.values->isExternal || leadsOutside(one.values->target))
             continue;
         const auto [first, isFirst] = firstByCustom.emplace(kind->target, &one);
         if (!isFirst)
@@ -175,6 +176,14 @@ std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
     for (const TypedTarget& one : LEFT_OUT_BY_CUSTOM)
         types.push_back(one.relationship);
     return types;
+}
+
+/// Their documents find images by relationships alone. Others name images by their path, and so can show the thumbnail.
+bool PackageMap::isOfOfficeProgram() const {
+    constexpr std::string_view DRAWING = "http://schemas.microsoft.com/visio/2010/relationships/document";
+    return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
+        return one.isMain || (*one.document->source == "/" && one.values->type == DRAWING);
+    });
 }
 
 bool PackageMap::hasMainDocument() const {

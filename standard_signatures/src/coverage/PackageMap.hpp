@@ -86,6 +86,7 @@ public:
 private:
     void collect(PackageContents& contents);
     void giveRoles();
+    bool isOfOfficeProgram() const;
     void findRepeated();
     void findContentFolders();
 
