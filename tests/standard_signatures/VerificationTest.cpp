@@ -493,6 +493,44 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
     }
 }
 
+/// Verifies a package with the same signature again and again.
+PackageVerification verifyCopies(const SignatureRecipe& recipe, int count) {
+    SignedSample sample;
+    sample.sign(recipe);
+    std::string toSignatures;
+    for (int i = 1; i <= count; ++i) {
+        const std::string name = "sig" + std::to_string(i) + ".xml";
+        toSignatures += "<Relationship Id='r" + std::to_string(i) + "' Target='" + name +
+                        "' Type='http://schemas.openxmlformats.org/package/2006/relationships/"
+                        "digital-signature/signature'/>";
+        sample.store.setPart(u"/_xmlsignatures/" + std::u16string(name.begin(), name.end()),
+                             sample.store.partBytes(SignedSample::SIGNATURE));
+    }
+    sample.store.setPart(u"/_xmlsignatures/_rels/origin.sigs.rels", relationships(toSignatures));
+    return sample.verify();
+}
+
+/// What each of many signatures costs is bounded, and so is what all together cost.
+TEST(StandardVerification, BoundsTheWorkOnAllSignatures) {
+    SignatureRecipe manyKeys;
+    manyKeys.hasXades = false;
+    manyKeys.keyInfo =
+        repeated("<X509Data><X509Certificate>" + base64(identityWith("P-256").certificate.getAsByteArray()) +
+                     "</X509Certificate></X509Data>",
+                 20);
+    const std::string tooManyKeys = "The signatures of the package have too many keys";
+    EXPECT_EQ(reasonsOf(verifyCopies(manyKeys, 10)).find(tooManyKeys), std::string::npos);
+    EXPECT_NE(reasonsOf(verifyCopies(manyKeys, 11)).find(tooManyKeys), std::string::npos);
+
+    SignatureRecipe manyStamps;
+    manyStamps.moreObjects =
+        "<Object><TimeStamp xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'>" +
+        repeated("<EncodedTime>AAAA</EncodedTime>", 16) + "</TimeStamp></Object>";
+    const PackageVerification result = verifyCopies(manyStamps, 7);
+    EXPECT_EQ(result.signatures.at(5).trust.timeStampFailure, "it isn't a time stamp token");
+    EXPECT_EQ(result.signatures.at(6).trust.timeStampFailure, "the signatures of the package have too many");
+}
+
 TEST(StandardVerification, FindsSignaturesInOtherPlaces) {
     SignedSample sample;
     sample.sign();

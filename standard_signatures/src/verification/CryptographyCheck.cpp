@@ -180,6 +180,9 @@ private:
             throw Refusal(Code::BadReference, "",
                           "The relationships transform is about another kind of part");
         const auto selected = select(package.relationships(part), *reference.selects);
+        if (selected.size() > work.relationships)
+            throw Refusal(Code::BeyondLimit, "", "The signatures of the package sign too many relationships");
+        work.relationships -= selected.size();
         compare(reference.digest,
                 package.digester().of(counted(canonicalize(selected)), *reference.digest.method));
         result.contents.relationships.insert(selected.begin(), selected.end());

@@ -17,6 +17,7 @@ namespace opc::standard_signatures {
 struct WorkLeft {
     std::uint64_t documentBytes = 96U << 20; ///< of signature parts
     std::uint64_t canonicalBytes = 1U << 30; ///< of what is digested in a canonical form
+    std::size_t relationships = 1000000;     ///< that are selected, as often as they are
     std::size_t keys = 200;                  ///< that are tried on signature values
     std::size_t timeStamps = 100;            ///< that are checked
 };
