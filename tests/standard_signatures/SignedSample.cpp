@@ -173,6 +173,16 @@ std::string SignedSample::referenceTo(const std::u16string& part, const std::vec
            "</Reference>";
 }
 
+std::string SignedSample::canonicalReferenceTo(const std::u16string& part) const {
+    const SignatureRecipe usual;
+    return "<Reference URI='" + toUDEString(part) + "?ContentType=" + RELS_TYPE +
+           "'><Transforms><Transform Algorithm='" + usual.canonicalization + "'/></Transforms>" +
+           digestElements(
+               usual.digest,
+               digestBy(usual.digest, canonicalize(treeOf(toText(store.partBytes(part))).root()))) +
+           "</Reference>";
+}
+
 void SignedSample::sign(const SignatureRecipe& recipe, const std::u16string& part) {
     const Identity& signer = recipe.signer == nullptr ? usualSigner() : *recipe.signer;
     const auto change = [](const SignatureRecipe::Change& by, std::string& text) {

@@ -45,6 +45,9 @@ public:
     std::string referenceTo(const std::u16string& part, const std::vector<std::string>& ids,
                             const std::string& digest = {}) const;
 
+    /// The reference to a whole relationships part in canonical form.
+    std::string canonicalReferenceTo(const std::u16string& part) const;
+
     /// Signs everything but the properties, as signing programs do, and adds the signature.
     void sign(const SignatureRecipe& recipe = {}, const std::u16string& part = SIGNATURE);
 

@@ -340,6 +340,16 @@ TEST(StandardVerification, NoticesEachChangeOfThePackage) {
          }},
         {"/word/_rels/document.xml.rels: It has changed since it was signed",
          [&](SignedSample& it) { it.replace(document, "a&amp;b", "a&amp;c"); }},
+        {"/word/_rels/document.xml.rels: It has changed since it was signed",
+         [&](SignedSample& it) { // in canonical form
+             SignatureRecipe recipe;
+             recipe.changeManifest = [&](std::string& text) {
+                 text.erase(text.find("<Reference URI='/word/_rels"));
+                 text += it.canonicalReferenceTo(document);
+             };
+             it.sign(recipe);
+             it.replace(document, "</Relationships>", evil + "u:a'/></Relationships>");
+         }},
         {"gap: / rIdEvil the relationship isn't signed\ngap: / more than one relationship leads to a main "
          "document",
          [&](SignedSample& it) {
@@ -473,6 +483,17 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
                     replacedAll(replacedAll(digest, "<Digest", "<xd:Digest"), "</Digest", "</xd:Digest"));
             };
             it.sign(recipe);
+        },
+        [](SignedSample&
+               it) { // the whole relationships part in canonical form, which goes on when it is written otherwise
+            const std::u16string part = u"/word/_rels/document.xml.rels";
+            SignatureRecipe recipe;
+            recipe.changeManifest = [&](std::string& text) {
+                text.erase(text.find("<Reference URI='/word/_rels"));
+                text += it.canonicalReferenceTo(part);
+            };
+            it.sign(recipe);
+            it.replace(part, "<Relationship ", "<!--c--><Relationship   ");
         },
         [](SignedSample& it) { // the whole relationships part by its octets
             SignatureRecipe recipe;

@@ -75,18 +75,23 @@ bool isRelationshipTransform(const XmlTreeNode& transform) {
     return attributeOf(transform, "Algorithm") == vocabulary::RELATIONSHIP_TRANSFORM;
 }
 
-/// No transform, or the relationships transform and one form of Canonical XML behind it.
-std::optional<RelationshipSelection> readPartTransforms(const std::vector<const XmlTreeNode*>& transforms) {
+/// No transform; or one form of Canonical XML for a relationships part as a whole; or the relationships transform and one form
+/// behind it.
+void readPartTransforms(const std::vector<const XmlTreeNode*>& transforms, PartReference& reference) {
     if (transforms.empty())
-        return std::nullopt;
+        return;
     if (!isRelationshipTransform(*transforms.front())) {
-        readCanonicalForm(*transforms.front());
-        refuseTransforms("Canonical XML of a part isn't accepted");
+        reference.form = readCanonicalForm(*transforms.front());
+        std::string source;
+        if (transforms.size() > 1 || reference.form->withComments ||
+            !isRelationshipsName(reference.partName, source))
+            refuseTransforms("Canonical XML of a part isn't accepted");
+        return;
     }
     if (transforms.size() != 2 || isRelationshipTransform(*transforms.back()))
         refuseTransforms("Behind a relationships transform there isn't exactly one canonicalization");
     readCanonicalForm(*transforms.back());
-    return readSelection(*transforms.front());
+    reference.selects = readSelection(*transforms.front());
 }
 
 /// Adds what the URI says.
@@ -149,7 +154,7 @@ PartReference readPartReference(const XmlTreeNode& reference) {
     readPartURI(read);
     try {
         ReferenceElements elements = readElements(reference);
-        read.selects = readPartTransforms(elements.transforms);
+        readPartTransforms(elements.transforms, read);
         read.digest = std::move(elements.digest);
     } catch (const Refusal& refusal) {
         throw Refusal(refusal.reason().code, read.uri, refusal.reason().text);

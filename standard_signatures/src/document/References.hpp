@@ -28,7 +28,9 @@ struct PartReference {
     std::string uri;                              ///< as it stands
     std::string partName;                         ///< without query, and without percent-encoding
     std::optional<std::string> contentType;       ///< as the query states it
-    std::optional<RelationshipSelection> selects; ///< relationships; nothing: the octets of the part
+    std::optional<RelationshipSelection> selects; ///< relationships
+    std::optional<CanonicalForm>
+        form; ///< of a whole relationships part; without this and `selects`: the octets
     StatedDigest digest;
 };
 

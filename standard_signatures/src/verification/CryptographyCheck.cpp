@@ -141,11 +141,12 @@ private:
     void checkPart(const PartReference& reference) {
         const StoredPart& part = findPart(reference);
         checkContentType(part, reference);
-        if (!reference.selects) {
-            compare(reference.digest, package.digest(part, *reference.digest.method));
-            result.contents.parts.insert(&part);
-        } else {
+        if (reference.selects) {
             checkRelationships(part, reference);
+        } else {
+            compare(reference.digest, reference.form ? digestCanonical(part, reference)
+                                                     : package.digest(part, *reference.digest.method));
+            result.contents.parts.insert(&part);
         }
         if (reference.contentType)
             result.contents.contentTypes.insert(&part);
@@ -173,6 +174,14 @@ private:
             throw Refusal(Code::ContentTypeChanged, "",
                           "Its content type is " + part.contentType.value_or("unknown") +
                               ", and it was signed as " + *reference.contentType);
+    }
+
+    /// The digest of a whole relationships part in canonical form, as some programs sign it.
+    std::vector<unsigned char> digestCanonical(const StoredPart& part, const PartReference& reference) {
+        package.relationships(part); // so that nothing else is in it
+        const auto stream = package.open(part);
+        const XmlTree tree = work.read<XmlTree>(*stream);
+        return package.digester().of(canonical(tree.root(), *reference.form), *reference.digest.method);
     }
 
     void checkRelationships(const StoredPart& part, const PartReference& reference) {

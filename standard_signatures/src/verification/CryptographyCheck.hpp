@@ -3,24 +3,15 @@
 #include "content/PackageContents.hpp"
 #include "coverage/SignedContents.hpp"
 #include "document/SignatureDocument.hpp"
+#include "verification/WorkLeft.hpp"
 
 #include <opc/standard_signatures/Verification.hpp>
 
 #include <bedrock/certificates/X509Certificate.hpp>
 
-#include <cstdint>
 #include <vector>
 
 namespace opc::standard_signatures {
-
-/// What the work on all signatures of a package may still cost.
-struct WorkLeft {
-    std::uint64_t documentBytes = 96U << 20; ///< of signature parts
-    std::uint64_t canonicalBytes = 1U << 30; ///< of what is digested in a canonical form
-    std::size_t relationships = 1000000;     ///< that are selected, as often as they are
-    std::size_t keys = 200;                  ///< that are tried on signature values
-    std::size_t timeStamps = 100;            ///< that are checked
-};
 
 /// What the check of a signature finds.
 struct CheckedSignature {

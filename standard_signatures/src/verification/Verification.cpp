@@ -60,26 +60,6 @@ Bytes readAll(InputStream& stream) {
     return all;
 }
 
-/// Counts what is read.
-class MeteredStream final : public InputStream {
-public:
-    explicit MeteredStream(InputStream& stream) : stream(stream) {}
-
-    void open() override { stream.open(); }
-    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        const std::uint64_t got = stream.read(buffer, count);
-        total += got;
-        return got;
-    }
-    bool isDone() const override { return stream.isDone(); }
-    void close() override { stream.close(); }
-
-    std::uint64_t total = 0;
-
-private:
-    InputStream& stream;
-};
-
 class Verifier {
 public:
     Verifier(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy)
@@ -180,7 +160,7 @@ private:
     void check(const StoredPart& part, VerifiedSignature& signature, SignedContents& ofSignature) {
         if (part.isAmbiguous)
             throw Refusal(Code::Malformed, "", "There is more than one part with this name");
-        const SignatureDocument document = readDocument(part);
+        const SignatureDocument document = work.read<SignatureDocument>(*contents.open(part));
         std::vector<X509Certificate> certificates = readCertificates(part, document);
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
@@ -196,16 +176,6 @@ private:
             addCertificate(certificates, der);
         signature.trust =
             checkTrust(document, checked.key, checked.certificate, certificates, policy, work.timeStamps);
-    }
-
-    SignatureDocument readDocument(const StoredPart& part) {
-        const std::unique_ptr<InputStream> stream = contents.open(part);
-        MeteredStream metered(*stream);
-        XmlTreeLimits limits;
-        limits.bytes = std::min(limits.bytes, work.documentBytes);
-        SignatureDocument document = SignatureDocument::read(metered, limits);
-        work.documentBytes -= std::min(metered.total, work.documentBytes);
-        return document;
     }
 
     std::vector<X509Certificate> readCertificates(const StoredPart& part, const SignatureDocument& document) {
