@@ -11,6 +11,7 @@
 #include <openssl/rsa.h>
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace bedrock::crypto {
@@ -50,17 +51,30 @@ PkeyPtr readPublic(const Bytes& encoded) {
     return key;
 }
 
-/// The key that was read last on this thread, ready to use. Who verifies many packages meets the same signers, and OpenSSL
-/// needs as long to prepare a key of RSA as to verify with it.
-EVP_PKEY& lastPublic(const Bytes& encoded) {
+PkeyPtr share(const PkeyPtr& key) {
+    EVP_PKEY_up_ref(key.get());
+    return PkeyPtr(key.get());
+}
+
+/// The key that was read last, ready to use. Who verifies many packages meets the same signers, and OpenSSL needs as long to
+/// prepare a key of RSA as to verify with it.
+PkeyPtr lastPublic(const Bytes& encoded) {
     struct LastKey {
+        std::mutex mutex;
         Bytes encoded;
         PkeyPtr key;
     };
-    thread_local LastKey last;
-    if (!last.key || last.encoded != encoded)
-        last = {encoded, readPublic(encoded)};
-    return *last.key;
+    static LastKey& last = *new LastKey; // OpenSSL may end before what is static here
+    {
+        const std::lock_guard<std::mutex> lock(last.mutex);
+        if (last.key && last.encoded == encoded)
+            return share(last.key);
+    }
+    PkeyPtr key = readPublic(encoded);
+    const std::lock_guard<std::mutex> lock(last.mutex);
+    last.encoded = encoded;
+    last.key = share(key);
+    return key;
 }
 
 PkeyPtr readPrivate(const Bytes& encoded) {
@@ -242,8 +256,8 @@ CheckedSignatureValue checkSignatureValue(const Bytes& publicKey, SignatureSchem
                                           DigestAlgorithm algorithm, const std::string& content,
                                           const Bytes& value) {
     const openssl::ErrorScope scope;
-    EVP_PKEY& key = lastPublic(publicKey);
-    return {check(key, scheme, algorithm, content, value), describe(key)};
+    const PkeyPtr key = lastPublic(publicKey);
+    return {check(*key, scheme, algorithm, content, value), describe(*key)};
 }
 
 Bytes makeSignatureValue(const Bytes& privateKey, SignatureScheme scheme, DigestAlgorithm algorithm,
