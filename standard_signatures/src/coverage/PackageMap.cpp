@@ -18,6 +18,9 @@ namespace {
 
 using FormKind = ContentForm::Kind;
 
+/// From the package to a drawing, which is an office document, too.
+constexpr std::string_view DRAWING = "http://schemas.microsoft.com/visio/2010/relationships/document";
+
 /// To what a relationship leads.
 struct TypedTarget {
     std::string_view relationship;
@@ -180,7 +183,6 @@ std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
 
 /// Their documents find images by relationships alone. Others name images by their path, and so can show the thumbnail.
 bool PackageMap::isOfOfficeProgram() const {
-    constexpr std::string_view DRAWING = "http://schemas.microsoft.com/visio/2010/relationships/document";
     return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
         return one.isMain || (*one.document->source == "/" && one.values->type == DRAWING);
     });
