@@ -97,9 +97,7 @@ bool isAbsolutePartName(std::string_view name) {
 }
 
 std::string resolveTarget(std::string_view source, std::string_view target) {
-    const auto pathEnd =
-        std::find_if(target.begin(), target.end(), [](char c) { return c == '?' || c == '#'; });
-    std::string path = decodePercent(target.substr(0, static_cast<std::size_t>(pathEnd - target.begin())));
+    std::string path = decodePercent(target.substr(0, std::min(target.find('?'), target.find('#'))));
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.empty())
         return std::string(source);

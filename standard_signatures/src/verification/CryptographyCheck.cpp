@@ -180,7 +180,7 @@ private:
     std::vector<unsigned char> digestCanonical(const StoredPart& part, const PartReference& reference) {
         package.relationships(part); // so that nothing else is in it
         const auto stream = package.open(part);
-        const XmlTree tree = work.read<XmlTree>(*stream);
+        const auto tree = work.read<XmlTree>(*stream);
         return package.digester().of(canonical(tree.root(), *reference.form), *reference.digest.method);
     }
 

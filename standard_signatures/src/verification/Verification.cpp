@@ -160,7 +160,7 @@ private:
     void check(const StoredPart& part, VerifiedSignature& signature, SignedContents& ofSignature) {
         if (part.isAmbiguous)
             throw Refusal(Code::Malformed, "", "There is more than one part with this name");
-        const SignatureDocument document = work.read<SignatureDocument>(*contents.open(part));
+        const auto document = work.read<SignatureDocument>(*contents.open(part));
         std::vector<X509Certificate> certificates = readCertificates(part, document);
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
