@@ -232,9 +232,10 @@ void ZipSession::checkLimits(const DirectoryEntry& entry) {
 /// Whether one of the folders in a name has the name of a part. No extraction can have both.
 bool ZipSession::isBelowPart(std::string_view itemName) {
     const std::string name = extractedName(itemName, false);
+    const std::string contentTypesName = extractedName(CONTENT_TYPES_ITEM, false);
     for (std::size_t slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1)) {
         const std::string folder = name.substr(0, slash);
-        if (parts.find(folder) != nullptr || folder == extractedName(CONTENT_TYPES_ITEM, false))
+        if (parts.find(folder) != nullptr || folder == contentTypesName)
             return true;
     }
     return false;

@@ -29,8 +29,7 @@ struct PartReference {
     std::string partName;                         ///< without query, and without percent-encoding
     std::optional<std::string> contentType;       ///< as the query states it
     std::optional<RelationshipSelection> selects; ///< relationships
-    std::optional<CanonicalForm>
-        form; ///< of a whole relationships part; without this and `selects`: the octets
+    std::optional<CanonicalForm> form;            ///< of a whole relationships part; else its octets count
     StatedDigest digest;
 };
 

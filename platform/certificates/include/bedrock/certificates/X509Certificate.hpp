@@ -82,10 +82,9 @@ public:
     ///    with name constraints and policies, at the time in `options`. A chain can end in any certificate of the store,
     ///    self-signed or not. Up to 20 certificates of `chain` that don't lead to the store are ignored.
     /// 2. The certificate may sign: it has an RSA key that isn't limited to RSA-PSS or, if the options accept them, another key;
-    ///    `isValidForDigitalSigning` is true,
-    ///    and at least one of code signing, e-mail protection and document signing (RFC 9336, or the older
-    ///    1.3.6.1.4.1.311.10.3.12) is allowed by every extended
-    ///    key usage of the chain. A certificate without this extension, or with anyExtendedKeyUsage, allows all of them.
+    ///    `isValidForDigitalSigning` is true, and every extended key usage of the chain allows at least one of code signing,
+    ///    e-mail protection and document signing (RFC 9336, or the older 1.3.6.1.4.1.311.10.3.12).
+    ///    A certificate without this extension, or with anyExtendedKeyUsage, allows all of them.
     ///    The usages of an issuer limit those of the certificates below it.
     /// 3. The algorithms of the chain are strong enough.
     ///
