@@ -5,8 +5,8 @@
 //   standard_bench [FOLDER [ROUNDS]]
 //
 // Without a folder it uses the documents of office programs among the tests, and packages that it makes in such shapes.
-// It signs copies of them with RSA of 2048 bits, SHA-256 and a certificate, as office programs do. A package that is signed already is left out. In the end it
-// verifies a part with 20,000 relationships.
+// It signs copies of them with RSA of 2048 bits, SHA-256 and a certificate, as office programs do. A package that is
+// signed already is left out. In the end it verifies a part with 20,000 relationships.
 
 #include "FileTimes.hpp"
 #include "RawArchive.hpp"
