@@ -178,7 +178,7 @@ change property title in /metadata/coreProperties.xml from "first" to "second"
     EXPECT_EQ(*PackageHelper::getCoreProperties(package).getTitle(), u"again");
     EXPECT_EQ(apply(R"({"do":"props","clear":true})"), "");
     EXPECT_TRUE(PackageHelper::getCoreProperties(package).isEmpty());
-    const auto wrote = [this](Editor& changed, const std::string& steps) {
+    const auto wrote = [](Editor& changed, const std::string& steps) {
         const std::size_t before = changed.changes().size();
         applyJob(changed, readJob(jobOf(steps)), {"."});
         return changed.changes().size() - before;
