@@ -1,10 +1,18 @@
 #include "PartLookup.hpp"
 
+#include <opc/core/Exception.hpp>
+#include <opc/core/Text.hpp>
+#include <opc/model/PartName.hpp>
+#include <opc/model/URI.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 
 namespace opc::scanning {
+
+using model::PartName;
+using model::URI;
 
 namespace {
 
@@ -48,9 +56,15 @@ bool isPlainPath(std::string_view path) {
     return last != '/';
 }
 
+URI resolveReference(std::string_view source, std::string_view target) {
+    const URI uri(toString(std::string(target), true));
+    return uri.hasAbsolutePath() ? uri : resolve(URI(toString(std::string(source), true)), uri);
+}
+
 } // namespace
 
 void PartLookup::setSource(std::string_view source) {
+    sourceName = source;
     folder = source.substr(0, source.rfind('/'));
     isPlainFolder = std::all_of(folder.begin(), folder.end(), isPlain);
 }
@@ -72,10 +86,33 @@ std::optional<bool> PartLookup::find(std::string_view target) {
     name.assign(from);
     name += '/';
     name.append(target);
+    return isPart(name);
+}
+
+bool PartLookup::leadsToPart(std::string_view target) {
+    const std::optional<bool> found = find(target);
+    return found ? *found : resolvesToPart(target);
+}
+
+bool PartLookup::resolvesToPart(std::string_view target) const {
+    try {
+        const URI uri = resolveReference(sourceName, target);
+        return !uri.hasScheme() && !uri.hasAuthority() &&
+               isPart(toUDEString(PartName(uri.getPath()).toString()));
+    } catch (const Exception&) {
+        return false; // no part can have such a name
+    }
+}
+
+bool PartLookup::isPart(std::string_view partName) const {
     const auto found = std::lower_bound(
-        parts.begin(), parts.end(), name,
+        parts.begin(), parts.end(), partName,
         [](const ScannedPart& part, std::string_view text) { return isBefore(part.name, text); });
-    return found != parts.end() && !isBefore(name, found->name);
+    return found != parts.end() && !isBefore(partName, found->name);
+}
+
+std::string resolveTarget(std::string_view source, std::string_view target) {
+    return toUDEString(resolveReference(source, target).toString());
 }
 
 } // namespace opc::scanning

@@ -15,6 +15,9 @@ public:
     /// @return the text in UTF-8, which lasts as long as what `keeper` gives
     std::string_view add(const std::u16string& text);
 
+    /// The memory of the texts, for others to add some.
+    std::pmr::memory_resource& resource() const { return *memory; }
+
     std::shared_ptr<const void> keeper() const { return memory; }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "contenttypes/ContentTypeSource.hpp"
 #include "contenttypes/ContentTypesScanner.hpp"
+#include "names/PartNameGrammar.hpp"
 #include "xml/AttributeValues.hpp"
 #include "xml/LongTags.hpp"
 #include "xml/SchemaType.hpp"
@@ -15,23 +16,6 @@
 namespace opc::model {
 
 namespace {
-
-bool isLetterOrDigit(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-/// Whether a text is a part name in a usual form. Such a name can break only the rules for slashes and dots.
-bool isUsualPartName(std::string_view text) {
-    char before = 0;
-    for (const char c : text) {
-        if (c == '/' ? before == '/' || before == '.' : before == 0)
-            return false;
-        if (!isLetterOrDigit(c) && std::string_view("/.-_").find(c) == std::string_view::npos)
-            return false;
-        before = c;
-    }
-    return before != 0 && before != '/' && before != '.';
-}
 
 /// @param partName  of a plain document
 bool isReadAsItIs(std::string_view partName) {

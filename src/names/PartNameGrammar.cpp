@@ -4,6 +4,7 @@
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace opc::model {
@@ -17,6 +18,14 @@ bool isNameCharacter(char16_t unit) {
            (unit >= u'0' && unit <= u'9') || OTHERS.find(unit) != std::u16string_view::npos;
 }
 
+constexpr std::array<bool, 256> IS_USUAL = [] {
+    std::array<bool, 256> table{};
+    for (const char c :
+         std::string_view("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/.-_"))
+        table[static_cast<unsigned char>(c)] = true;
+    return table;
+}();
+
 } // namespace
 
 void throwIfNoNameForNewPart(const PartName& name) {
@@ -29,6 +38,17 @@ void throwIfNoNameForNewPart(const PartName& name) {
     if (PartName(lower).isRelationshipName())
         throw PartHasRelationshipName("Cannot use a part name that is a relationship name: " +
                                       toASCIIString(text));
+}
+
+bool isUsualPartName(std::string_view text) {
+    char before = 0;
+    for (const char c : text) {
+        const bool isOutOfPlace = c == '/' ? before == '/' || before == '.' : before == 0;
+        if (isOutOfPlace || !IS_USUAL[static_cast<unsigned char>(c)])
+            return false;
+        before = c;
+    }
+    return before != 0 && before != '/' && before != '.';
 }
 
 } // namespace opc::model

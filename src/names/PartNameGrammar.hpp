@@ -2,6 +2,8 @@
 
 #include <opc/model/PartName.hpp>
 
+#include <string_view>
+
 namespace opc::model {
 
 /// Throws unless a new part may have this name. `PartName` itself also accepts the package root, and all characters
@@ -11,5 +13,9 @@ namespace opc::model {
 /// @throws PartHasRelationshipName  in another letter case, it is the name of a relationships part: stores ignore the
 ///                                  case, so one part would replace the other
 void throwIfNoNameForNewPart(const PartName& name);
+
+/// Whether a text is a part name of ASCII letters, digits, hyphens, underscores and dots in segments, which follow the rules
+/// for dots and slashes. `PartName` takes it as it is.
+bool isUsualPartName(std::string_view text);
 
 } // namespace opc::model

@@ -214,6 +214,57 @@ TEST(Scanner, readsPlainPackagesAsOddOnes) {
     EXPECT_GT(opened, 50U);
 }
 
+/// The same for what concerns more than one document.
+TEST(Scanner, readsPackagesThatAreNearlyPlainAsOddOnes) {
+    const std::string core =
+        R"(Type="http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties")";
+    const std::string properties =
+        R"(<coreProperties xmlns="http://schemas.openxmlformats.org/package/2006/metadata/core-properties">)"
+        R"(<category>x</category></coreProperties>)";
+    struct {
+        const char* change;
+        std::string types, relationships, name, ofPart, ofPartName = "_rels/a.xml.rels";
+    } const rows[] = {
+        {"nothing", "", "<Relationship Id='c' " + core + " Target='c.xml'/>", "c.xml",
+         "<Relationship Id='b' "
+         "Type='t:b' Target='c.xml#x'/><Relationship Id='a' Type='t:a' Target='/_rels/.rels'/>"},
+        {"letter case", "<Override PartName='/C.xml' ContentType='a/B'/>",
+         "<Relationship Id='c' " + core + " Target='/C.XML'/>", "c.xml",
+         "<Relationship Id='b' Type='t:b' Target='C.Xml'/>", "_rels/A.XML.rels"},
+        {"twins", "<Default Extension='XML' ContentType='a/b'/>", "", "c.xml", ""},
+        {"another type of relationships", "<Override PartName='/_rels/.rels' ContentType='a/b'/>", "",
+         "c.xml", ""},
+        {"no type", "", "", "c.png", ""},
+        {"an escape", "", "<Relationship Id='c' " + core + " Target='%C3%84.xml'/>", "%C3%84.xml", ""},
+        {"no source", "", "", "c.xml", "", "_rels/d.xml.rels"},
+        {"no source, deep", "", "", "c.xml", "", "_rels/a/a.xml.rels"},
+        {"two sets of properties", "",
+         "<Relationship Id='c' " + core + " Target='c.xml'/><Relationship Id='d' " + core +
+             " Target='c.xml'/>",
+         "c.xml", ""},
+        {"properties of a part", "", "", "c.xml", "<Relationship Id='c' " + core + " Target='c.xml'/>"},
+        {"properties elsewhere", "",
+         "<Relationship Id='c' " + core + " Target='c.xml' TargetMode='External'/>", "c.xml", ""},
+        {"no properties there", "", "<Relationship Id='c' " + core + " Target='d.xml'/>", "c.xml", ""},
+        {"no properties in them", "", "<Relationship Id='c' " + core + " Target='a.xml'/>", "c.xml", ""},
+    };
+    std::size_t opened = 0;
+    for (const auto& row : rows)
+        expectSameViews(
+            bytesSource(row.change,
+                        opc::test::makeZip(
+                            {opc::test::stored("[Content_Types].xml",
+                                               opc::test::toText(opc::test::contentTypes(
+                                                   opc::test::USUAL_CONTENT_TYPES + row.types))),
+                             opc::test::stored("_rels/.rels", opc::test::toText(opc::test::relationships(
+                                                                  row.relationships))),
+                             opc::test::stored("a.xml", "<a/>"), opc::test::stored(row.name, properties),
+                             opc::test::stored(row.ofPartName,
+                                               opc::test::toText(opc::test::relationships(row.ofPart)))})),
+            opened);
+    EXPECT_EQ(opened, std::size(rows));
+}
+
 TEST(PartLookup, findsWhatAPlainTargetLeadsTo) {
     const std::vector<ScannedPart> parts{
         {"/_a/b.xml", "", 0, 0}, {"/A.xml", "", 0, 0}, {"/w/a.xml", "", 0, 0}, {"/w/m/i.png", "", 0, 0}};
@@ -221,31 +272,33 @@ TEST(PartLookup, findsWhatAPlainTargetLeadsTo) {
         const char* source;
         const char* target;
         std::optional<bool> found;
+        bool isPart; // by more than plain segments
     } rows[] = {
-        {"/", "a.XML", true},
-        {"/", "/w/a.xml", true},
-        {"/w/x.xml", "a.xml", true},
-        {"/w/x.xml", "m/i.png", true},
-        {"/w/x.xml", "../A.xml", true},
-        {"/w/m/x.xml", "../../_a/b.xml", true},
-        {"/w/x.xml", "A.xml/", std::nullopt},
-        {"/w/x.xml", "b.xml", false},
-        {"/w/x.xml", "m", false},
-        {"/", "../a.xml", std::nullopt},
-        {"/w/x.xml", "/../A.xml", std::nullopt},
-        {"/w/x.xml", "m/../a.xml", std::nullopt},
-        {"/", "./a.xml", std::nullopt},
-        {"/", "w//a.xml", std::nullopt},
-        {"/", "a.xml#x", std::nullopt},
-        {"/", "%41.xml", std::nullopt},
-        {"/", "", std::nullopt},
-        {"/", "w/..", std::nullopt},
-        {"/w\xC3\xA4/a", "b.xml", std::nullopt},
+        {"/", "a.XML", true, true},
+        {"/", "/w/a.xml", true, true},
+        {"/w/x.xml", "a.xml", true, true},
+        {"/w/x.xml", "m/i.png", true, true},
+        {"/w/x.xml", "../A.xml", true, true},
+        {"/w/m/x.xml", "../../_a/b.xml", true, true},
+        {"/w/x.xml", "A.xml/", std::nullopt, false},
+        {"/w/x.xml", "b.xml", false, false},
+        {"/w/x.xml", "m", false, false},
+        {"/", "../a.xml", std::nullopt, true},
+        {"/w/x.xml", "/../A.xml", std::nullopt, false},
+        {"/w/x.xml", "m/../a.xml", std::nullopt, true},
+        {"/", "./a.xml", std::nullopt, true},
+        {"/", "w//a.xml", std::nullopt, false},
+        {"/", "a.xml#x", std::nullopt, true},
+        {"/", "%41.xml", std::nullopt, false},
+        {"/", "", std::nullopt, false},
+        {"/", "w/..", std::nullopt, false},
+        {"/w\xC3\xA4/a", "b.xml", std::nullopt, false},
     };
     PartLookup lookup(parts);
     for (const auto& row : rows) {
         lookup.setSource(row.source);
         EXPECT_EQ(lookup.find(row.target), row.found) << row.source << ' ' << row.target;
+        EXPECT_EQ(lookup.leadsToPart(row.target), row.isPart) << row.source << ' ' << row.target;
     }
 }
 
