@@ -248,6 +248,49 @@ TEST(StandardSigning, RefusesTwinStoresOfWhateverKind) {
     }
 }
 
+/// A content control without the ID of a store shows what the first store has that fits.
+TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
+    const struct {
+        std::string control; ///< an element in the document
+        bool isRefused;
+        std::string secondStore = "<a/>"; ///< empty: there is one store
+    } cases[] = {
+        {"<w:dataBinding w:storeItemID='{a}' w:xpath='/a'/>", false}, // as IDs are compared
+        {"<w:dataBinding w:xpath='/a'/>", true},
+        {"<w:dataBinding w:xpath='/a'/>", false, ""},
+        {"<w:dataBinding w:storeItemID='' w:xpath='/a'/>", true},
+        {"<w:dataBinding w:storeItemID='{C}' w:xpath='/a'/>", true},
+        {"<w:dataBinding w:storeItemID='{6C3C8BC8-F283-45AE-878A-BAB7291924A1}' w:xpath='/a'/>", false},
+        {"<x:dataBinding xmlns:x='urn:later' w:storeItemID='{A}'/><x:dataBinding xmlns:x='urn:later'/>",
+         true},
+        {"<w:dataBinding w:storeItemID='{A}'/><!DOCTYPE w>", true}, // can't be read to its end
+    };
+    for (const auto& [control, isRefused, secondStore] : cases) {
+        PlainSample sample;
+        const std::string store =
+            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/customXml";
+        const auto leading = [](const std::string& id, const std::string& type, const std::string& target) {
+            return "<Relationship Id='" + id + "' Type='" + type + "' Target='" + target + "'/>";
+        };
+        sample.replace(u"/word/_rels/document.xml.rels", "</Relationships>",
+                       leading("s1", store, "/customXml/item1.xml") +
+                           (secondStore.empty() ? "" : leading("s2", store, "/customXml/item2.xml")) +
+                           "</Relationships>");
+        sample.store.setPart(u"/customXml/item1.xml", toBytes("<a/>"));
+        sample.store.setPart(u"/customXml/_rels/item1.xml.rels",
+                             relationships(leading("p", store + "Props", "props1.xml")));
+        sample.store.setPart(u"/customXml/props1.xml", toBytes("<a ds:itemID='{A}' xmlns:ds='u:a'/>"));
+        if (!secondStore.empty())
+            sample.store.setPart(u"/customXml/item2.xml", toBytes(secondStore));
+        sample.store.setPart(u"/word/document.xml",
+                             toBytes("<w:document xmlns:w='urn:w'>" + control + "</w:document>"));
+        if (isRefused)
+            EXPECT_THROW(sign(sample), SigningRefused) << control;
+        else
+            EXPECT_TRUE(sign(sample).coverage.isComplete()) << control;
+    }
+}
+
 TEST(StandardSigning, KeepsTheSignaturesThatAreThere) {
     PlainSample sample;
     removeOrigin(sample);

@@ -1,5 +1,6 @@
 #include "coverage/DataStores.hpp"
 
+#include "coverage/DataBindings.hpp"
 #include "names/PartNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
@@ -15,22 +16,36 @@ namespace {
 
 constexpr std::string_view CONTENT_TYPE =
     "application/vnd.openxmlformats-officedocument.customxmlproperties+xml"; // in lower case
-constexpr std::string_view RELATIONSHIP = "/customxmlprops";                 // the end of both editions' type
+
+// the ends of both editions' types
+constexpr std::string_view STORE = "/customxml";
+constexpr std::string_view DESCRIPTION = "/customxmlprops";
+
+bool hasType(const MappedRelationship& relationship, std::string_view end) {
+    const std::string_view type = relationship.values->type;
+    return type.size() > end.size() && keyOf(type.substr(type.size() - end.size())) == end;
+}
+
+/// How many stores there are, with those that nothing describes.
+std::size_t countStores(const std::vector<MappedRelationship>& relationships) {
+    std::set<const StoredPart*> stores;
+    for (const MappedRelationship& one : relationships)
+        if (one.target != nullptr && hasType(one, STORE))
+            stores.insert(one.target);
+    return stores.size();
+}
 
 /// The parts that describe a store, for programs that go by their content type or by what leads to them.
-std::vector<const StoredPart*> findStores(const PackageContents& contents,
-                                          const std::vector<MappedRelationship>& relationships) {
+std::vector<const StoredPart*> findDescriptions(const PackageContents& contents,
+                                                const std::vector<MappedRelationship>& relationships) {
     std::set<const StoredPart*> stores; // in the order of the package
     for (const StoredPart& part : contents.parts())
         if (part.contentType && part.contentType->size() == CONTENT_TYPE.size() &&
             keyOf(*part.contentType) == CONTENT_TYPE)
             stores.insert(&part);
-    for (const MappedRelationship& one : relationships) {
-        const std::string_view type = one.values->type;
-        if (one.target != nullptr && type.size() > RELATIONSHIP.size() &&
-            keyOf(type.substr(type.size() - RELATIONSHIP.size())) == RELATIONSHIP)
+    for (const MappedRelationship& one : relationships)
+        if (one.target != nullptr && hasType(one, DESCRIPTION))
             stores.insert(one.target);
-    }
     return {stores.begin(), stores.end()};
 }
 
@@ -58,15 +73,23 @@ std::string readID(const PackageContents& contents, const StoredPart& store) {
 
 } // namespace
 
-std::vector<const StoredPart*> findRepeatedStores(const PackageContents& contents,
-                                                  const std::vector<MappedRelationship>& relationships) {
-    const std::vector<const StoredPart*> stores = findStores(contents, relationships);
-    std::vector<const StoredPart*> repeated;
+std::vector<StoreChoice> findStoreChoices(const PackageContents& contents,
+                                          const std::vector<MappedRelationship>& relationships) {
+    const std::vector<const StoredPart*> descriptions = findDescriptions(contents, relationships);
+    const std::size_t stores = countStores(relationships);
+    std::vector<StoreChoice> choices;
+    if (descriptions.size() < 2 && stores < 2)
+        return choices;
     std::set<std::string> known;
-    for (std::size_t i = 0; stores.size() > 1 && i < stores.size(); ++i)
-        if (const std::string id = readID(contents, *stores[i]); !id.empty() && !known.insert(id).second)
-            repeated.push_back(stores[i]);
-    return repeated;
+    for (const StoredPart* const one : descriptions)
+        if (const std::string id = readID(contents, *one); !id.empty() && !known.insert(id).second)
+            choices.push_back(
+                {one, "it describes another data store with the same ID, and their order can't be signed"});
+    if (stores > 1)
+        for (const StoredPart* const one : findLooseBindings(contents, known))
+            choices.push_back(
+                {one, "a content control in it can take any data store, and their order can't be signed"});
+    return choices;
 }
 
 } // namespace opc::standard_signatures

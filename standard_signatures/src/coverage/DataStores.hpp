@@ -7,10 +7,10 @@
 
 namespace opc::standard_signatures {
 
-/// The parts that describe a data store (custom XML) with the ID of another one. A document shows the content of a store by its
-/// ID, and programs take one of two stores by the order of relationships, which nothing signs.
+/// A document shows the content of a data store (custom XML) by its ID. Two stores with one ID, and content controls without the
+/// ID of a store, leave programs the choice.
 /// @param relationships  all of the package
-std::vector<const StoredPart*> findRepeatedStores(const PackageContents& contents,
-                                                  const std::vector<MappedRelationship>& relationships);
+std::vector<StoreChoice> findStoreChoices(const PackageContents& contents,
+                                          const std::vector<MappedRelationship>& relationships);
 
 } // namespace opc::standard_signatures

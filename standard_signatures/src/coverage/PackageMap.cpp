@@ -93,7 +93,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
     findRepeated();
-    stores = findRepeatedStores(contents, all);
+    choices = findStoreChoices(contents, all);
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
         if (one.target == nullptr)

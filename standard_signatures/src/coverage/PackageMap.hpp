@@ -28,6 +28,12 @@ struct MappedRelationship {
     bool isMain; ///< leads from the package to the main document of an office program
 };
 
+/// A part because of which programs choose a data store by the order of relationships, which nothing signs.
+struct StoreChoice {
+    const StoredPart* part;
+    const char* reason;
+};
+
 /// How the relationships of a package connect its parts.
 class PackageMap {
 public:
@@ -68,8 +74,8 @@ public:
     /// Further relationships of a type and a source where programs take one by their order.
     const std::vector<const MappedRelationship*>& repeatedImplicit() const { return repeated; }
 
-    /// The same of data stores: the parts that describe a further one with the same ID.
-    const std::vector<const StoredPart*>& repeatedStores() const { return stores; }
+    /// The same of data stores.
+    const std::vector<StoreChoice>& storeChoices() const { return choices; }
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
@@ -93,7 +99,7 @@ private:
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
     std::vector<const MappedRelationship*> repeated;
-    std::vector<const StoredPart*> stores; ///< that are repeated
+    std::vector<StoreChoice> choices;
     std::vector<Reason> failures;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;

@@ -107,12 +107,8 @@ private:
             if (contents.parts.count(one->document) == 0)
                 addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
                         "there is another one of this type, and their order isn't signed"});
-        for (const StoredPart* const one : map.repeatedStores())
-            addGap({GapKind::Item,
-                    one->name,
-                    {},
-                    {},
-                    "it describes another data store with the same ID, and their order isn't signed"});
+        for (const StoreChoice& one : map.storeChoices())
+            addGap({GapKind::Item, one.part->name, {}, {}, one.reason});
     }
 
     void compareOrigins() {

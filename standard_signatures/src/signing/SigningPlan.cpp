@@ -25,10 +25,8 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     for (const MappedRelationship* const one : map.repeatedImplicit())
         throw SigningRefused("Two relationships of " + *one->document->source + " have the type " +
                              one->values->type + ", and their order can't be signed");
-    for (const StoredPart* const one : map.repeatedStores())
-        throw SigningRefused(
-            "The part " + one->name +
-            " describes another data store with the same ID, and their order can't be signed");
+    for (const StoreChoice& one : map.storeChoices())
+        throw SigningRefused("The part " + one.part->name + " can't be signed: " + one.reason);
     if (map.secondOrigin() != nullptr)
         throw SigningRefused("More than one relationship leads to an origin of signatures");
     for (const StoredPart& part : contents.parts())
