@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/CountedStream.hpp"
 #include "xml/DocumentPoolReset.hpp"
 #include "xml/IdleParsers.hpp"
 
@@ -45,26 +46,6 @@ public:
     }
 
 private:
-    class CountedStream : public InputStream {
-    public:
-        explicit CountedStream(InputStream& stream) : stream(stream) {}
-
-        void open() override { stream.open(); }
-        std::uint64_t read(unsigned char* buffer, std::uint64_t most) override {
-            const std::uint64_t got = stream.read(buffer, most);
-            bytes += got;
-            return got;
-        }
-        bool isDone() const override { return stream.isDone(); }
-        void close() override { stream.close(); }
-
-        std::uint64_t count() const { return bytes; }
-
-    private:
-        InputStream& stream;
-        std::uint64_t bytes = 0;
-    };
-
     /// @param length  the number of bytes that it has read
     static bool isWorn(xercesc::DOMLSParser& parser, std::uint64_t length);
 

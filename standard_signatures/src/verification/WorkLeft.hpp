@@ -1,34 +1,13 @@
 #pragma once
 
 #include "canonical/XmlTree.hpp"
-
-#include <opc/core/InputStream.hpp>
+#include "core/CountedStream.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 namespace opc::standard_signatures {
-
-/// Counts what is read.
-class MeteredStream final : public InputStream {
-public:
-    explicit MeteredStream(InputStream& stream) : stream(stream) {}
-
-    void open() override { stream.open(); }
-    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        const std::uint64_t got = stream.read(buffer, count);
-        total += got;
-        return got;
-    }
-    bool isDone() const override { return stream.isDone(); }
-    void close() override { stream.close(); }
-
-    std::uint64_t total = 0;
-
-private:
-    InputStream& stream;
-};
 
 /// What the work on all signatures of a package may still cost.
 struct WorkLeft {
@@ -41,11 +20,11 @@ struct WorkLeft {
     /// Reads a document that is read as a tree: an `XmlTree` or a `SignatureDocument`.
     template <typename Document>
     Document read(InputStream& stream) {
-        MeteredStream metered(stream);
+        CountedStream counted(stream);
         XmlTreeLimits limits;
         limits.bytes = std::min(limits.bytes, documentBytes);
-        Document document = Document::read(metered, limits);
-        documentBytes -= std::min(metered.total, documentBytes);
+        Document document = Document::read(counted, limits);
+        documentBytes -= std::min(counted.count(), documentBytes);
         return document;
     }
 };
