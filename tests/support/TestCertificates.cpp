@@ -140,20 +140,22 @@ std::shared_ptr<EVP_PKEY> makePssKey() {
 
 Bytes makeRevocationList(const Identity& issuer, const std::vector<const Identity*>& revoked,
                          const std::string& lastUpdate, const std::string& nextUpdate,
-                         const Extensions& extensions, const EVP_MD* digest) {
+                         const Extensions& extensions, const EVP_MD* digest, const Extensions& ofEntries) {
     const std::shared_ptr<X509_CRL> list(require(X509_CRL_new()), X509_CRL_free);
     require(X509_CRL_set_version(list.get(), X509_CRL_VERSION_2));
     require(X509_CRL_set_issuer_name(list.get(), X509_get_subject_name(issuer.content.get())));
     require(X509_CRL_set1_lastUpdate(list.get(), timeOf(lastUpdate).get()));
     require(X509_CRL_set1_nextUpdate(list.get(), timeOf(nextUpdate).get()));
+    X509V3_CTX context;
+    X509V3_set_ctx(&context, issuer.content.get(), nullptr, nullptr, list.get(), 0);
     for (const Identity* identity : revoked) {
         X509_REVOKED* entry = require(X509_REVOKED_new());
         require(X509_REVOKED_set_serialNumber(entry, X509_get_serialNumber(identity->content.get())));
         require(X509_REVOKED_set_revocationDate(entry, timeOf(lastUpdate).get()));
+        for (const auto& [name, value] : ofEntries)
+            addExtension<X509_REVOKED_add_ext>(*entry, context, name, value);
         require(X509_CRL_add0_revoked(list.get(), entry));
     }
-    X509V3_CTX context;
-    X509V3_set_ctx(&context, issuer.content.get(), nullptr, nullptr, list.get(), 0);
     for (const auto& [name, value] : extensions)
         addExtension<X509_CRL_add_ext>(*list, context, name, value);
     require(X509_CRL_sort(list.get()));

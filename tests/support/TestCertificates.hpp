@@ -72,10 +72,12 @@ std::shared_ptr<EVP_PKEY> makePublicKey(std::size_t modulusSize, std::vector<uns
 std::shared_ptr<EVP_PKEY> makePssKey();
 
 /// A revocation list in DER, which names these certificates.
+/// @param ofEntries  extensions of each of them
 std::vector<unsigned char> makeRevocationList(const Identity& issuer,
                                               const std::vector<const Identity*>& revoked,
                                               const std::string& lastUpdate, const std::string& nextUpdate,
                                               const Extensions& extensions = {},
-                                              const EVP_MD* digest = EVP_sha256());
+                                              const EVP_MD* digest = EVP_sha256(),
+                                              const Extensions& ofEntries = {});
 
 } // namespace opc::test

@@ -213,6 +213,7 @@ private:
             openssl::fail<X509CertificateException>("The certificate can't be validated.");
         setParameters(*X509_STORE_CTX_get0_param(context.get()), trustStore, options);
         X509_STORE_CTX_set0_crls(context.get(), covering.get());
+        X509_STORE_CTX_set_app_data(context.get(), const_cast<CertificateValidationOptions*>(&options));
         X509_STORE_CTX_set_verify_cb(context.get(), detail::judgeRevocation);
         if (X509_verify_cert(context.get()) != 1)
             return judgeFailure(*context);

@@ -19,9 +19,10 @@ enum class CoveringLists {
 openssl::CrlStackPtr coveringLists(const CertificateValidationOptions& options, CoveringLists lists);
 
 /// The callback through which OpenSSL reports on lists: see `setUsingRevocationLists`.
+/// @param context  with the options as its data
 int judgeRevocation(int ok, X509_STORE_CTX* context);
 
-/// The first certificate of a verified chain that any list of its issuer names, including lists that cover nothing;
+/// The first certificate of a verified chain that any list of its issuer revokes, including lists that cover nothing;
 /// null if there is none.
 X509* findRevoked(STACK_OF(X509) * chain, const CertificateValidationOptions& options);
 

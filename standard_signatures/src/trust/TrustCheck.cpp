@@ -100,6 +100,7 @@ TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsi
     CertificateValidationOptions options = makeOptions(policy);
     findTime(answer, document, options, policy.trust->roots, timeStamps);
     options.setCheckTime(answer.time);
+    options.setCheckTimeProven(answer.timeFrom == TimeFrom::TimeStamp);
     X509CertificateChain chain;
     for (const X509Certificate& other : others)
         chain.addCertificate(other);

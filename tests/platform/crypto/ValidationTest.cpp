@@ -396,6 +396,44 @@ TEST(Validation, revocationListsDecide) {
         EXPECT_TRUE(fails<CertificateException>([&] { required.addRevocationList(bytes); }));
 }
 
+/// Of what a time stamp proves to be older than the revocation.
+TEST(Validation, laterRevocationsCountByTheirReason) {
+    const Authorities a;
+    const Identity bad = a.signer();
+    const struct {
+        int reason; ///< none if it is negative
+        const char* invalidSince;
+        const char* revoked;
+        Status status;
+    } cases[] = {
+        {-1, nullptr, "20320101000000Z", Status::Revoked}, // without a reason
+        {0, nullptr, "20320101000000Z", Status::Revoked},
+        {1, nullptr, "20320101000000Z", Status::Revoked},
+        {2, nullptr, "20320101000000Z", Status::Revoked},
+        {3, nullptr, "20320101000000Z", Status::Good},
+        {4, nullptr, "20320101000000Z", Status::Good},
+        {5, nullptr, "20320101000000Z", Status::Good},
+        {6, nullptr, "20320101000000Z", Status::Revoked},
+        {9, nullptr, "20320101000000Z", Status::Revoked},
+        {4, "20310101000000Z", "20320101000000Z", Status::Good},
+        {4, "20290101000000Z", "20320101000000Z", Status::Revoked},
+        {4, nullptr, "20300101000000Z", Status::Revoked}, // before
+    };
+    for (const auto& [reason, invalidSince, revoked, status] : cases) {
+        opc::test::Extensions ofEntry;
+        if (reason >= 0)
+            ofEntry.emplace_back("2.5.29.21", "ASN1:ENUMERATED:" + std::to_string(reason));
+        if (invalidSince != nullptr)
+            ofEntry.emplace_back("2.5.29.24", std::string("ASN1:GENTIME:") + invalidSince);
+        CertificateValidationOptions options = optionsAtCheckTime();
+        options.addRevocationList(
+            makeRevocationList(a.issuer, {&bad}, revoked, "20330101000000Z", {}, EVP_sha256(), ofEntry));
+        EXPECT_EQ(validate(bad, {&a.issuer}, {&a.root}, options), Status::Revoked);
+        options.setCheckTimeProven(true);
+        EXPECT_EQ(validate(bad, {&a.issuer}, {&a.root}, options), status) << reason << " " << revoked;
+    }
+}
+
 TEST(Validation, weakListsCoverOnRequestAloneAndRevokeAlways) {
     const Authorities a;
     const Identity pssIssuer =

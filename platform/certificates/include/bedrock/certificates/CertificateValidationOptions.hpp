@@ -23,6 +23,13 @@ public:
     void setCheckTime(std::optional<Time> time) { checkTime = time; }
     std::optional<Time> getCheckTime() const { return checkTime; }
 
+    /// Whether the time of the check is proven, by a time stamp, and not a claim alone. Then a revocation doesn't count that is
+    /// later, if the list gives as its reason that the certificate was replaced or isn't used any more: affiliationChanged,
+    /// superseded or cessationOfOperation (RFC 5280 section 5.3.1), without an invalidity date before. With any other reason,
+    /// and with none, somebody else can have had the key.
+    void setCheckTimeProven(bool proven) { checkTimeProven = proven; }
+    bool isCheckTimeProven() const { return checkTimeProven; }
+
     /// Whether keys with less than 112 bits of security are accepted, such as RSA keys of 1024 bits.
     void setAcceptingWeakKeys(bool accepting) { acceptingWeakKeys = accepting; }
     bool isAcceptingWeakKeys() const { return acceptingWeakKeys; }
@@ -45,7 +52,8 @@ public:
 
     /// Whether revocation lists are used. If so, a list that hasn't expired at the time of the check must cover the
     /// validated certificate. The certificates above it are looked up in the available lists. A certificate that a list of
-    /// its issuer names is revoked, whatever the date of the revocation: a claimed time of signing is no proof.
+    /// its issuer names is revoked, whatever the date of the revocation, unless the time of the check is proven: a claimed time
+    /// of signing is no proof.
     ///
     /// A list covers the certificates of its issuer, within its issuing distribution point. These lists cover nothing (RFC
     /// 5280 section 5.2): delta lists, indirect lists, lists for only some reasons of revocation, and lists with an unknown
@@ -60,6 +68,7 @@ public:
 
 private:
     std::optional<Time> checkTime;
+    bool checkTimeProven = false;
     bool acceptingWeakKeys = false;
     bool acceptingWeakDigests = false;
     bool acceptingOtherKeys = false;
