@@ -211,7 +211,7 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
             fail(itemPlace(place, entry.name), "is encrypted", ENOTSUP);
         if (field.kind == ZIP64_FIELD &&
             (std::exchange(hasNumbers, true) ||
-             hasOtherNumbers(field, entry.size, entry.compressedSize, entry.offset)))
+             hasOtherNumbers(field, entry.flags, entry.size, entry.compressedSize, entry.offset)))
             directory.ambiguities.push_back({item, "its ZIP64 field has other numbers"});
         if (field.kind != UNICODE_PATH_FIELD)
             continue;

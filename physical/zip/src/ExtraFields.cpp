@@ -122,13 +122,20 @@ bool Zip64Field::resolve(std::uint64_t& value) {
     return true;
 }
 
-bool hasOtherNumbers(const ExtraField& field, std::uint64_t size, std::uint64_t compressedSize,
-                     std::uint64_t offset) {
+bool hasOtherNumbers(const ExtraField& field, std::uint16_t flags, std::uint64_t size,
+                     std::uint64_t compressedSize, std::uint64_t offset) {
     constexpr std::size_t WIDTH = 8; // of a number; behind them that of a disk may follow
+    const bool areSizesBehind = (flags & DATA_DESCRIPTOR) != 0;
+    const std::uint64_t numbers[] = {size, compressedSize, offset}; // each can be left out
+    const auto* next = std::begin(numbers);
     for (std::size_t at = 0; at + WIDTH <= field.size; at += WIDTH) {
         const std::uint64_t number = read64(field.data + at);
-        if (number != 0 && number != size && number != compressedSize && number != offset)
+        if (number == 0 && areSizesBehind)
+            continue;
+        next = std::find(next, std::end(numbers), number);
+        if (next == std::end(numbers))
             return true;
+        ++next;
     }
     return false;
 }

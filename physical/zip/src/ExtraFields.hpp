@@ -66,8 +66,9 @@ private:
 };
 
 /// Whether a ZIP64 field has a number that isn't one of the item, whichever of them its records leave out.
-OPC_ZIP_EXPORT bool hasOtherNumbers(const ExtraField& field, std::uint64_t size, std::uint64_t compressedSize,
-                                    std::uint64_t offset);
+/// @param flags  of the item: if its sizes stand behind its content, zeros can stand for them
+OPC_ZIP_EXPORT bool hasOtherNumbers(const ExtraField& field, std::uint16_t flags, std::uint64_t size,
+                                    std::uint64_t compressedSize, std::uint64_t offset);
 
 /// @return `extra` without its ZIP64 field
 std::string withoutZip64Field(std::string_view extra);

@@ -72,7 +72,8 @@ void FieldChecks::checkField(const ExtraField& field, const ItemHeader& header) 
         checkPath(field, header);
     } else if (field.kind == ZIP64_FIELD) {
         if (std::exchange(hasNumbers, true) ||
-            hasOtherNumbers(field, header.size, header.compressedSize, item.headerOffset.value_or(0)))
+            hasOtherNumbers(field, header.flags, header.size, header.compressedSize,
+                            item.headerOffset.value_or(0)))
             findings.add("M3.14", placeOf(item), "A ZIP64 field of the item has other numbers");
     } else if (field.kind == GROWTH_HINT && field.size >= 2 && read16(field.data) == GROWTH_HINT_SIGNATURE) {
         checkGrowthHint(field);
