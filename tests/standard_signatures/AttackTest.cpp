@@ -145,8 +145,7 @@ TEST(StandardAttacks, PlayWithContentTypes) {
         // by letter case alone another one than that of the part
         {"/word/document.xml: Its content type is unknown",
          replacingTypes(main, "PartName='/word/Document.xml'")},
-        {"gap: /word/a(1).xml it has no content type",
-         both(addingPart(u"/word/a(1).xml"), overriding("/word/a%281%29.xml"))},
+        {noPart, both(addingPart(u"/word/a(1).xml"), overriding("/word/a%281%29.xml"))},
         {"gap: /word/_rels/document.xml.rels it has no content type", replacingTypes("\"rels\"", "\"RELS\"")},
         {noPart, defaulting(".xml")},
         {noPart, defaulting("%78ml")},
@@ -450,10 +449,23 @@ TEST(StandardAttacks, MoveWhatIsSigned) {
          changing(replacing("</xd:SignedProperties>", "<?a b?></xd:SignedProperties>"))},
         {"#idPackageObject: It has changed since it was signed",
          changing(replacing("<Manifest>", "<Manifest><?a b?>"))},
-        {"gap: /_xmlsignatures/sig1.xml an object in it isn't signed",
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
          changing(replacing("</Signature>", "<Object Id='idValidSigLnImg'>AAAA</Object></Signature>"))},
-        {"gap: /_xmlsignatures/sig1.xml an object in it isn't signed",
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
          changing(replacing("</Signature>", "<Object><Manifest/></Object></Signature>"))},
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
+         changing(replacing("</KeyInfo>", "<a xmlns='u:slide'/></KeyInfo>"))},
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
+         changing(replacing("</xd:QualifyingProperties>",
+                            "<xd:UnsignedProperties><a xmlns='u:slide'/></xd:UnsignedProperties>"
+                            "</xd:QualifyingProperties>"))},
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
+         [](SignedSample& it) { // a piece of the object is signed, and not all of it
+             SignatureRecipe recipe;
+             recipe.moreObjects = "<Object><SignatureProperties Id='one'/><SignatureProperties/></Object>";
+             recipe.alsoSigned = {"one"};
+             it.sign(recipe);
+         }},
         {"The reference doesn't lead to an element of the signature",
          changing(replacing("'#idPackageObject'", "'#id%50ackageObject'"))},
         {"The document is neither in UTF-8 nor in UTF-16",
@@ -515,13 +527,37 @@ TEST(StandardAttacks, InventSignatureValues) {
     }
 }
 
+RawItem& itemOf(std::vector<RawItem>& items, const std::string& name) {
+    return *std::find_if(items.begin(), items.end(), [&](const RawItem& one) { return one.name == name; });
+}
+
+RawArchive archiveOf(const SignedSample& sample) {
+    RawArchive archive;
+    archive.items = {stored("[Content_Types].xml", toText(sample.store.contentTypes()))};
+    for (const std::u16string& name : sample.store.partNames())
+        archive.items.push_back(stored(toUDEString(name).substr(1), toText(sample.store.partBytes(name))));
+    return archive;
+}
+
+/// What is said of an archive, strictly or leniently.
+std::string judge(const RawArchive& archive, bool isLenient) {
+    const TemporaryFolder folder;
+    writeFile(folder / "a.docx", makeArchive(archive));
+    physical::ZipOptions options;
+    options.lenient = isLenient;
+    physical::ZipPackage store(folder / "a.docx", options);
+    try {
+        store.open(interfaces::OpenMode::ReadOnly);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+    const PackageVerification result = verify(store, SignedSample::trusting());
+    store.close(true);
+    return result.isYes() ? "yes" : reasonsOf(result);
+}
+
 /// Archives in which programs find different items.
 TEST(StandardAttacks, PlayWithArchives) {
-    using Items = std::vector<RawItem>;
-    const auto in = [](Items& items, const std::string& name) -> RawItem& {
-        return *std::find_if(items.begin(), items.end(),
-                             [&](const RawItem& one) { return one.name == name; });
-    };
     const std::string document = "word/document.xml";
     const std::string core = "docProps/core.xml"; // isn't signed, by custom
     const std::string otherPath("\x75\x70\x0A\0\1CRC_evil.", 14);
@@ -551,40 +587,40 @@ TEST(StandardAttacks, PlayWithArchives) {
          [&](RawArchive& it) { it.items.push_back(naming(evil, "word/document.xml/[0].last.piece")); }},
         {"the content types twice",
          [&](RawArchive& it) {
-             it.items.push_back(naming(in(it.items, "[Content_Types].xml"), "[content_types].XML"));
+             it.items.push_back(naming(itemOf(it.items, "[Content_Types].xml"), "[content_types].XML"));
          }},
         {"the content types in pieces",
          [&](RawArchive& it) {
              it.items.push_back(
-                 naming(in(it.items, "[Content_Types].xml"), "[Content_Types].xml/[0].last.piece"));
+                 naming(itemOf(it.items, "[Content_Types].xml"), "[Content_Types].xml/[0].last.piece"));
          }},
-        {"a renamed item", [&](RawArchive& it) { in(it.items, document).name = "word/%64ocument.xml"; }},
+        {"a renamed item", [&](RawArchive& it) { itemOf(it.items, document).name = "word/%64ocument.xml"; }},
         {"relationships behind backslashes",
          [&](RawArchive& it) {
-             in(it.items, "word/_rels/document.xml.rels").name = "word\\_rels\\document.xml.rels";
+             itemOf(it.items, "word/_rels/document.xml.rels").name = "word\\_rels\\document.xml.rels";
          }},
         {"relationships in another letter case",
          [&](RawArchive& it) {
-             in(it.items, "word/_rels/document.xml.rels").name = "word/_RELS/document.xml.rels";
+             itemOf(it.items, "word/_rels/document.xml.rels").name = "word/_RELS/document.xml.rels";
          }},
         {"relationships in a piece",
-         [&](RawArchive& it) { in(it.items, "word/_rels/document.xml.rels").name += "/[0].last.piece"; }},
+         [&](RawArchive& it) { itemOf(it.items, "word/_rels/document.xml.rels").name += "/[0].last.piece"; }},
         {"a part in another letter case",
-         [&](RawArchive& it) { in(it.items, "word/styles.xml").name = "word/Styles.xml"; }},
+         [&](RawArchive& it) { itemOf(it.items, "word/styles.xml").name = "word/Styles.xml"; }},
         {"content types in another letter case",
-         [&](RawArchive& it) { in(it.items, "[Content_Types].xml").name = "[content_types].xml"; }},
+         [&](RawArchive& it) { itemOf(it.items, "[Content_Types].xml").name = "[content_types].xml"; }},
         {"another name in the local header",
          [&](RawArchive& it) {
-             in(it.items, "word/styles.xml").changeLocal = [](RawItem& local) {
+             itemOf(it.items, "word/styles.xml").changeLocal = [](RawItem& local) {
                  local.name = "word/stylez.xml";
              };
          }},
         {"another size in the local header",
          [&](RawArchive& it) {
-             in(it.items, document).changeLocal = [](RawItem& local) { local.size = 3; };
+             itemOf(it.items, document).changeLocal = [](RawItem& local) { local.size = 3; };
          }},
-        {"a wrong checksum", [&](RawArchive& it) { in(it.items, document).crc ^= 1U; }},
-        {"said to be encrypted", [&](RawArchive& it) { in(it.items, document).flags |= 1U; }},
+        {"a wrong checksum", [&](RawArchive& it) { itemOf(it.items, document).crc ^= 1U; }},
+        {"said to be encrypted", [&](RawArchive& it) { itemOf(it.items, document).flags |= 1U; }},
         {"an item that the directory hides",
          [&](RawArchive& it) {
              it.items.push_back(evil);
@@ -600,34 +636,18 @@ TEST(StandardAttacks, PlayWithArchives) {
          [&](RawArchive& it) { it.items.push_back(stored("WORD/Styles.xml/x/y/", "")); }},
         {"a folder below the content types",
          [&](RawArchive& it) { it.items.push_back(stored("[Content_Types].xml/x/", "")); }},
-        {"a second name", [&](RawArchive& it) { in(it.items, core).localExtra = otherPath; }},
-        {"a link", [&](RawArchive& it) { in(it.items, document).attributes = 0120777U << 16U; }},
+        {"a second name", [&](RawArchive& it) { itemOf(it.items, core).localExtra = otherPath; }},
+        {"a link", [&](RawArchive& it) { itemOf(it.items, document).attributes = 0120777U << 16U; }},
         {"another format in front", [&](RawArchive& it) { it.items[0].inFront = "{\\rtf1 evil}"; }},
-        {"properties that end elsewhere", [&](RawArchive& it) { in(it.items, core).crc ^= 1U; }},
+        {"leftovers that end elsewhere", [&](RawArchive& it) { it.items.back().crc ^= 1U; }},
+        {"leftovers with another name", [&](RawArchive& it) { it.items.back().name = "[trash]/0000.xml"; }},
+        {"properties that end elsewhere", [&](RawArchive& it) { itemOf(it.items, core).crc ^= 1U; }},
     };
     SignedSample sample;
     sample.sign();
-    Items items{stored("[Content_Types].xml", toText(sample.store.contentTypes()))};
-    for (const std::u16string& name : sample.store.partNames())
-        items.push_back(stored(toUDEString(name).substr(1), toText(sample.store.partBytes(name))));
-    const TemporaryFolder folder;
-    /// What is said of an archive, strictly or leniently.
-    const auto judge = [&](const RawArchive& archive, bool isLenient) -> std::string {
-        writeFile(folder / "a.docx", makeArchive(archive));
-        physical::ZipOptions options;
-        options.lenient = isLenient;
-        physical::ZipPackage store(folder / "a.docx", options);
-        try {
-            store.open(interfaces::OpenMode::ReadOnly);
-        } catch (const std::exception& failure) {
-            return failure.what();
-        }
-        const PackageVerification result = verify(store, SignedSample::trusting());
-        store.close(true);
-        return result.isYes() ? "yes" : reasonsOf(result);
-    };
-    RawArchive whole;
-    whole.items = items;
+    RawArchive whole = archiveOf(sample);
+    EXPECT_EQ(judge(whole, false), "yes");
+    whole.items.push_back(stored("[trash]/0A1f.dat", "left behind"));
     EXPECT_EQ(judge(whole, false), "yes");
     for (const auto& [what, change] : cases)
         for (const bool isLenient : {false, true}) {
@@ -635,6 +655,29 @@ TEST(StandardAttacks, PlayWithArchives) {
             change(archive);
             EXPECT_NE(judge(archive, isLenient), "yes") << what;
         }
+}
+
+/// Programs that read fixed pages join the pieces of a part, and others don't find it.
+TEST(StandardAttacks, TakeAPartToPieces) {
+    const struct {
+        std::string main; ///< the type of the relationship to the document
+        bool isYes;
+    } cases[] = {
+        {OFFICE + "officeDocument", false},
+        {"http://schemas.microsoft.com/visio/2010/relationships/document", false},
+        {"u:something", false},
+        {"http://schemas.microsoft.com/xps/2005/06/fixedrepresentation", true},
+        {"http://schemas.openxps.org/oxps/v1.0/fixedrepresentation", true},
+    };
+    for (const auto& [main, isYes] : cases) {
+        SignedSample sample;
+        sample.replace(PACKAGE, OFFICE + "officeDocument", main);
+        sample.sign();
+        RawArchive archive = archiveOf(sample);
+        EXPECT_EQ(judge(archive, false), "yes");
+        itemOf(archive.items, "word/styles.xml").name += "/[0].last.piece";
+        EXPECT_EQ(judge(archive, false) == "yes", isYes) << main;
+    }
 }
 
 } // namespace

@@ -203,12 +203,17 @@ void SignedSample::sign(const SignatureRecipe& recipe, const std::u16string& par
                               recipe.canonicalization + "'/></Transforms>" +
                               digestElements(recipe.digest, "@2") + "</Reference>"
                         : std::string();
+    std::string ofOthers;
+    for (const std::string& id : recipe.alsoSigned)
+        ofOthers +=
+            "<Reference URI='#" + id + "'>" + digestElements(recipe.digest, "@" + id) + "</Reference>";
     std::string document =
         "<?xml version='1.0'?>\r\n<Signature xmlns='http://www.w3.org/2000/09/xmldsig#' "
         "Id='idPackageSignature'>\r\n<SignedInfo>"
         "<CanonicalizationMethod Algorithm='" +
         recipe.canonicalization + "'/><SignatureMethod Algorithm='" + recipe.method + "'/>" + reference +
-        ofXades + recipe.moreReferences + "</SignedInfo><SignatureValue>@3</SignatureValue><KeyInfo>" +
+        ofXades + ofOthers + recipe.moreReferences +
+        "</SignedInfo><SignatureValue>@3</SignatureValue><KeyInfo>" +
         (recipe.keyInfo.empty()
              ? "<X509Data><X509Certificate>" + base64(signer.certificate.getAsByteArray()) +
                    "</X509Certificate></X509Data>"
@@ -227,6 +232,8 @@ void SignedSample::sign(const SignatureRecipe& recipe, const std::u16string& par
     replaceFirst(document, "@1", digestOfId("idPackageObject", {}));
     if (recipe.hasXades)
         replaceFirst(document, "@2", digestOfId("idSignedProperties", formOf(recipe.canonicalization)));
+    for (const std::string& id : recipe.alsoSigned)
+        replaceFirst(document, "@" + id, digestOfId(id, {}));
     change(recipe.changeSignedInfo, document);
     const XmlTree tree = treeOf(document);
     const XmlTreeNode& signedInfo =

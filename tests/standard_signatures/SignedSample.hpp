@@ -19,8 +19,9 @@ struct SignatureRecipe {
     std::string canonicalization = "http://www.w3.org/TR/2001/REC-xml-c14n-20010315";
     std::string keyInfo; ///< in place of the certificate, if it isn't empty
     bool hasXades = true;
-    bool omitsNull = false;     ///< makes an RSA value without the NULL in its DigestInfo
-    std::string moreReferences; ///< further references of SignedInfo, with right or wrong digests
+    bool omitsNull = false;              ///< makes an RSA value without the NULL in its DigestInfo
+    std::vector<std::string> alsoSigned; ///< the Ids of further elements
+    std::string moreReferences;          ///< further references of SignedInfo, with right or wrong digests
     std::string moreObjects;
 
     using Change = std::function<void(std::string&)>;

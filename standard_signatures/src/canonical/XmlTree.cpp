@@ -237,8 +237,10 @@ std::string textOf(const XmlTreeNode& element) {
 }
 
 const XmlTreeNode* nextInSubtree(const XmlTreeNode& node, const XmlTreeNode& apex) {
-    if (node.firstChild != nullptr)
-        return node.firstChild;
+    return node.firstChild != nullptr ? node.firstChild : nextBehind(node, apex);
+}
+
+const XmlTreeNode* nextBehind(const XmlTreeNode& node, const XmlTreeNode& apex) {
     for (const XmlTreeNode* at = &node; at != &apex; at = at->parent)
         if (at->next != nullptr)
             return at->next;

@@ -101,4 +101,7 @@ std::string textOf(const XmlTreeNode& element);
 /// The next node in document order within a subtree; null behind its last one.
 const XmlTreeNode* nextInSubtree(const XmlTreeNode& node, const XmlTreeNode& apex);
 
+/// The same behind all that is in the node.
+const XmlTreeNode* nextBehind(const XmlTreeNode& node, const XmlTreeNode& apex);
+
 } // namespace opc::standard_signatures

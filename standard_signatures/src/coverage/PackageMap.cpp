@@ -188,6 +188,16 @@ bool PackageMap::isOfOfficeProgram() const {
     });
 }
 
+/// Programs that read these know parts in pieces, which the format allows. Others don't find such a part.
+bool PackageMap::isOfFixedPages() const {
+    static constexpr std::string_view END = "/fixedrepresentation";
+    return !isOfOfficeProgram() && std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
+        const std::string_view type = one.values->type;
+        return *one.document->source == "/" && type.size() >= END.size() &&
+               type.substr(type.size() - END.size()) == END;
+    });
+}
+
 bool PackageMap::hasMainDocument() const {
     return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) { return one.isMain; });
 }
@@ -241,7 +251,7 @@ void PackageMap::findRepeated() {
 
 std::vector<interfaces::MisnamedItem> PackageMap::misnamedItems() const {
     std::vector<interfaces::MisnamedItem> items = contents.misnamedItems();
-    if (!hasMainDocument())
+    if (isOfFixedPages())
         items.erase(std::remove_if(items.begin(), items.end(), [](const auto& item) { return item.isPiece; }),
                     items.end());
     return items;

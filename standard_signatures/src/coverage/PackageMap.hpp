@@ -54,7 +54,7 @@ public:
 
     bool hasMainDocument() const;
 
-    /// What other programs may take for something else. Only office documents mustn't have pieces.
+    /// What other programs may take for something else. Only fixed pages may have pieces.
     std::vector<interfaces::MisnamedItem> misnamedItems() const;
 
     /// The first origin of signatures; null if there is none.
@@ -93,6 +93,7 @@ private:
     void collect(PackageContents& contents);
     void giveRoles();
     bool isOfOfficeProgram() const;
+    bool isOfFixedPages() const;
     void findRepeated();
     void findContentFolders();
 

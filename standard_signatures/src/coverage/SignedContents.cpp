@@ -37,7 +37,7 @@ public:
                     {},
                     item.reason + ": other programs may take it for something else"});
         if (const StoredPart* const part = contents.withUnsignedObject)
-            addGap({GapKind::Part, part->name, {}, {}, "an object in it isn't signed"});
+            addGap({GapKind::Part, part->name, {}, {}, "it has content that it doesn't sign"});
         for (const StoredPart* const part : contents.renamed)
             addGap({GapKind::Item, part->name, {}, {}, "it was signed with its name written in another way"});
         for (const Reason& reason : map.unreadable())

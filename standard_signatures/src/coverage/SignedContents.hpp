@@ -20,6 +20,8 @@ struct SignedContents {
     const StoredPart* withUnsignedObject =
         nullptr; ///< the part of the signature, if it has content that it doesn't sign
 
+    bool isNothing() const { return parts.empty() && relationships.empty(); }
+
     bool has(const MappedRelationship& one) const {
         return parts.count(one.document) != 0 || relationships.count(one.values) != 0;
     }

@@ -83,8 +83,7 @@ void readPartTransforms(const std::vector<const XmlTreeNode*>& transforms, PartR
     if (!isRelationshipTransform(*transforms.front())) {
         reference.form = readCanonicalForm(*transforms.front());
         std::string source;
-        if (transforms.size() > 1 || reference.form->withComments ||
-            !isRelationshipsName(reference.partName, source))
+        if (transforms.size() > 1 || !isRelationshipsName(reference.partName, source))
             refuseTransforms("Canonical XML of a part isn't accepted");
         return;
     }

@@ -33,12 +33,24 @@ bool isObject(const XmlTreeNode* node, const XmlTreeNode& root) {
     return node != nullptr && node->parent == &root && node->is(vocabulary::SIGNATURE, "Object");
 }
 
-/// Whether it may be signed: an object of the signature, the signed properties in one, or the keys that the signature names.
-bool isSignable(const XmlTreeNode& element, const XmlTreeNode& root) {
+/// Whether it is something of an object that some programs sign by itself, beside the object.
+bool isPieceOfObject(const XmlTreeNode& element, const XmlTreeNode& root) {
     const XmlTreeNode* const parent = element.parent;
-    return isObject(&element, root) || (parent == &root && element.is(vocabulary::SIGNATURE, "KeyInfo")) ||
-           (vocabulary::isOfXades(element, "SignedProperties") && parent != nullptr &&
-            vocabulary::isOfXades(*parent, "QualifyingProperties") && isObject(parent->parent, root));
+    if (parent == nullptr)
+        return false;
+    return isObject(parent, root) ? element.is(vocabulary::SIGNATURE, "Manifest") ||
+                                        element.is(vocabulary::SIGNATURE, "SignatureProperties")
+                                  : isObject(parent->parent, root) &&
+                                        ((element.is(vocabulary::SIGNATURE, "SignatureProperty") &&
+                                          parent->is(vocabulary::SIGNATURE, "SignatureProperties")) ||
+                                         (vocabulary::isOfXades(element, "SignedProperties") &&
+                                          vocabulary::isOfXades(*parent, "QualifyingProperties")));
+}
+
+/// Whether it may be signed: an object of the signature or a piece of one, or the keys that the signature names.
+bool isSignable(const XmlTreeNode& element, const XmlTreeNode& root) {
+    return isObject(&element, root) || isPieceOfObject(element, root) ||
+           (element.parent == &root && element.is(vocabulary::SIGNATURE, "KeyInfo"));
 }
 
 void readSignedInfo(SignatureDocument& document, const Ids& ids) {
@@ -118,7 +130,7 @@ void readTimeStamps(SignatureDocument& document, const XmlTreeNode& object) {
     }
 }
 
-/// Whether it has something else than time stamps and properties of XAdES, which are no content.
+/// Whether an object that isn't signed has something else than time stamps and properties of XAdES.
 bool hasContent(const XmlTreeNode& object) {
     for (const XmlTreeNode* node = object.firstChild; node != nullptr; node = node->next)
         if (node->kind == XmlTreeNode::Kind::Element
@@ -130,12 +142,23 @@ bool hasContent(const XmlTreeNode& object) {
     return false;
 }
 
-bool leavesContentUnsigned(const SignatureDocument& document,
-                           const std::vector<const XmlTreeNode*>& objects) {
-    return std::any_of(objects.begin(), objects.end(), [&document](const XmlTreeNode* object) {
-        const auto isIt = [object](const SignedElement& one) { return one.element == object; };
-        return std::none_of(document.elements.begin(), document.elements.end(), isIt) && hasContent(*object);
-    });
+/// Whether something isn't signed in which a program could find content: an object, or an element that isn't one of signatures.
+bool leavesContentUnsigned(const SignatureDocument& document) {
+    const XmlTreeNode& root = document.tree.root();
+    const auto isSigned = [&document](const XmlTreeNode* node) {
+        return node == document.signedInfo ||
+               std::any_of(document.elements.begin(), document.elements.end(),
+                           [node](const SignedElement& one) { return one.element == node; });
+    };
+    for (const XmlTreeNode* node = &root; node != nullptr;) {
+        const bool isElement = node->kind == XmlTreeNode::Kind::Element;
+        const bool isPassedOver = isElement && isSigned(node);
+        if (isElement && !isPassedOver &&
+            (!vocabulary::isOfSignatures(*node) || (isObject(node, root) && hasContent(*node))))
+            return true;
+        node = isPassedOver ? nextBehind(*node, root) : nextInSubtree(*node, root);
+    }
+    return false;
 }
 
 } // namespace
@@ -150,15 +173,12 @@ SignatureDocument SignatureDocument::read(InputStream& stream, const XmlTreeLimi
     document.signedInfo = &children.require("SignedInfo");
     document.signatureValue = &children.require("SignatureValue");
     const XmlTreeNode* const keyInfo = children.take("KeyInfo");
-    std::vector<const XmlTreeNode*> objects;
-    while (const XmlTreeNode* const object = children.take("Object")) {
-        objects.push_back(object);
+    while (const XmlTreeNode* const object = children.take("Object"))
         readTimeStamps(document, *object);
-    }
     children.requireEnd();
 
     readSignedInfo(document, ids);
-    document.hasUnsignedContent = leavesContentUnsigned(document, objects);
+    document.hasUnsignedContent = leavesContentUnsigned(document);
     const XmlTreeNode& manifest = findManifest(document);
     readManifest(document, manifest);
     document.value = bytesOf(*document.signatureValue);

@@ -45,7 +45,7 @@ struct SignatureDocument {
     std::vector<unsigned char> value;
     std::vector<SignedElement> elements;
 
-    bool hasUnsignedContent = false; ///< an object with content isn't signed
+    bool hasUnsignedContent = false; ///< in which a program could find content
 
     std::vector<PartReference> manifest;
     std::string claimedTime; ///< as it stands; empty if there is none

@@ -14,10 +14,20 @@ constexpr std::string_view PACKAGE_SIGNATURE =
 constexpr std::string_view RELATIONSHIP_TRANSFORM =
     "http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
 
+constexpr std::string_view SIGNATURE_MORE = "http://www.w3.org/2001/04/xmldsig-more#";
+constexpr std::string_view BEGIN_OF_XADES = "http://uri.etsi.org/01903/v"; ///< a version follows
+
 /// Whether it is an element of XAdES, in any version.
 inline bool isOfXades(const XmlTreeNode& node, std::string_view name) {
-    constexpr std::string_view BEGIN = "http://uri.etsi.org/01903/v";
-    return node.is(node.namespaceURI, name) && node.namespaceURI.substr(0, BEGIN.size()) == BEGIN;
+    return node.is(node.namespaceURI, name) &&
+           node.namespaceURI.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
+}
+
+/// Whether its vocabulary is one of signatures.
+inline bool isOfSignatures(const XmlTreeNode& element) {
+    const std::string_view one = element.namespaceURI;
+    return one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE || one == EXCLUSIVE ||
+           one == PACKAGE_SIGNATURE || one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
 }
 
 } // namespace opc::standard_signatures::vocabulary

@@ -89,8 +89,8 @@ private:
     void checkValue(const std::vector<bedrock::certificates::X509Certificate>& certificates) {
         try {
             const SignerKey key =
-                findSignerKey(document, certificates, canonical(*document.signedInfo, document.form),
-                              work.keys, package.digester());
+                findSignerKey(document, certificates, policy.trust ? &*policy.trust : nullptr,
+                              canonical(*document.signedInfo, document.form), work.keys, package.digester());
             result.key = key.key;
             result.certificate = key.certificate;
             result.answer.keyBits = key.kind.bits;

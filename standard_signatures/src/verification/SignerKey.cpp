@@ -45,8 +45,6 @@ std::vector<Candidate> findCandidates(const SignatureDocument& document,
     const std::vector<Bytes>& keys = document.keys.keys;
     if (!std::equal(keys.begin() + (keys.empty() ? 0 : 1), keys.end(), keys.begin()))
         throw Refusal(Code::KeyMismatch, "", "The signature names different keys");
-    if (certificates.empty() && keys.empty())
-        throw Refusal(Code::NoKey, "", "The signature names no key");
     if (!document.signerCertificates.empty()) {
         certificates.erase(std::remove_if(certificates.begin(), certificates.end(),
                                           [&](const X509Certificate& one) {
@@ -68,6 +66,19 @@ std::vector<Candidate> findCandidates(const SignatureDocument& document,
     if (candidates.empty())
         throw Refusal(Code::KeyMismatch, "",
                       "The signature names a key that isn't the one of its certificate");
+    return candidates;
+}
+
+/// What the caller trusts. A key fits whichever certificate the signer names.
+std::vector<Candidate> findTrusted(const SignatureDocument& document, const TrustPolicy& trusted,
+                                   Digester& digester) {
+    const std::vector<StatedDigest>& named = document.signerCertificates;
+    std::vector<Candidate> candidates;
+    for (const Bytes& key : trusted.publicKeys)
+        candidates.push_back({key, {}});
+    for (const X509Certificate& one : trusted.roots.getCertificates())
+        if (named.empty() || isNamed(one, named, digester))
+            candidates.push_back({one.getPublicKey(), one});
     return candidates;
 }
 
@@ -101,8 +112,14 @@ SignerKey tryKey(const SignatureDocument& document, const Candidate& candidate,
 } // namespace
 
 SignerKey findSignerKey(const SignatureDocument& document, const std::vector<X509Certificate>& certificates,
-                        const std::string& signedInfo, std::size_t& tries, Digester& digester) {
-    const std::vector<Candidate> candidates = findCandidates(document, certificates, digester);
+                        const TrustPolicy* trusted, const std::string& signedInfo, std::size_t& tries,
+                        Digester& digester) {
+    const bool namesNone = certificates.empty() && document.keys.keys.empty();
+    std::vector<Candidate> candidates;
+    if (!namesNone)
+        candidates = findCandidates(document, certificates, digester);
+    else if (trusted != nullptr)
+        candidates = findTrusted(document, *trusted, digester);
     std::optional<SignerKey> best;
     std::optional<Refusal> refusal;
     for (const Candidate& candidate : candidates)
@@ -120,6 +137,8 @@ SignerKey findSignerKey(const SignatureDocument& document, const std::vector<X50
             if (!refusal)
                 refusal = failure;
         }
+    if (namesNone && (!best || best->status == SignatureValueStatus::Wrong))
+        throw Refusal(Code::NoKey, "", "The signature names no key, and none that is trusted has made it");
     if (!best)
         throw Refusal(*refusal);
     return *best;

@@ -148,8 +148,9 @@ private:
         } catch (const Exception& failure) {
             addBreak(signature, Code::PartUnreadable, messageOf(failure));
         }
-        signature.coverage = computeCoverage(ofSignature, contents, map, roomForGaps);
         const auto status = signature.cryptography.status;
+        if (status != CryptographyAnswer::Status::Broken || !ofSignature.isNothing())
+            signature.coverage = computeCoverage(ofSignature, contents, map, roomForGaps);
         const bool isGood = status == CryptographyAnswer::Status::Valid ||
                             (status == CryptographyAnswer::Status::Weak && policy.acceptWeak);
         signature.isYes = isGood && signature.coverage.isComplete() &&
