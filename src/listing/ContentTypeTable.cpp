@@ -17,8 +17,10 @@ constexpr std::string_view RELATIONSHIPS_EXTENSION = "rels";
 /// The extension of a part name.
 /// @param key  of the part name
 std::string_view extensionOf(std::string_view key) {
-    const std::size_t mark = key.find_last_of("./");
-    return mark == std::string_view::npos || key[mark] == '/' ? std::string_view() : key.substr(mark + 1);
+    std::size_t begin = key.size();
+    while (begin > 0 && key[begin - 1] != '.' && key[begin - 1] != '/')
+        --begin;
+    return begin == 0 || key[begin - 1] == '/' ? std::string_view() : key.substr(begin);
 }
 
 bool isTypeOfRelationshipsParts(std::string_view contentType) {
@@ -31,15 +33,14 @@ bool isTypeOfRelationshipsParts(std::string_view contentType) {
 } // namespace
 
 bool ContentTypeTable::take(const ScannedContentTypes& scanned, PartKeys& keys) {
-    if (!std::all_of(scanned.overrides.begin(), scanned.overrides.end(), [](const ScannedContentType& entry) {
-            return isUsualPartName(entry.key) && extensionOf(entry.key) != RELATIONSHIPS_EXTENSION;
-        }))
-        return false;
     defaults = sorted(scanned.defaults, keys);
     overrides = sorted(scanned.overrides, keys);
-    const std::string_view ofRelationships = find(defaults, RELATIONSHIPS_EXTENSION);
+    next = overrides.begin();
+    const std::string_view ofRelationships = findDefault(RELATIONSHIPS_EXTENSION);
     return !hasTwins(defaults) && !hasTwins(overrides) &&
-           (ofRelationships.empty() || isTypeOfRelationshipsParts(ofRelationships));
+           (ofRelationships.empty() || isTypeOfRelationshipsParts(ofRelationships)) &&
+           std::none_of(overrides.begin(), overrides.end(),
+                        [](const Entry& entry) { return extensionOf(entry.key) == RELATIONSHIPS_EXTENSION; });
 }
 
 ContentTypeTable::Entries ContentTypeTable::sorted(const std::vector<ScannedContentType>& scanned,
@@ -47,7 +48,7 @@ ContentTypeTable::Entries ContentTypeTable::sorted(const std::vector<ScannedCont
     Entries entries;
     entries.reserve(scanned.size());
     for (const ScannedContentType& one : scanned)
-        entries.push_back({keys.keep(one.key), one.contentType});
+        entries.push_back({keys.keep(one.key), one.key, one.contentType});
     std::sort(entries.begin(), entries.end(),
               [](const Entry& left, const Entry& right) { return left.key < right.key; });
     return entries;
@@ -59,16 +60,35 @@ bool ContentTypeTable::hasTwins(const Entries& entries) {
            }) != entries.end();
 }
 
-std::string_view ContentTypeTable::find(std::string_view key) const {
-    const std::string_view own = find(overrides, key);
-    return own.empty() ? find(defaults, extensionOf(key)) : own;
+std::string_view ContentTypeTable::findNext(std::string_view key) {
+    for (; next != overrides.end(); ++next) {
+        const int order = next->key.compare(key);
+        if (order == 0)
+            return (next++)->contentType;
+        if (order > 0)
+            break;
+        areUsual = areUsual && isUsual(*next);
+    }
+    return findDefault(extensionOf(key));
 }
 
-std::string_view ContentTypeTable::find(const Entries& entries, std::string_view key) {
+bool ContentTypeTable::coversRelationships() const {
+    return !findDefault(RELATIONSHIPS_EXTENSION).empty();
+}
+
+bool ContentTypeTable::hasUsualRest() {
+    return areUsual && std::all_of(next, overrides.cend(), isUsual);
+}
+
+bool ContentTypeTable::isUsual(const Entry& entry) {
+    return isUsualPartName(entry.written);
+}
+
+std::string_view ContentTypeTable::findDefault(std::string_view extension) const {
     const auto found =
-        std::lower_bound(entries.begin(), entries.end(), key,
+        std::lower_bound(defaults.begin(), defaults.end(), extension,
                          [](const Entry& entry, std::string_view sought) { return entry.key < sought; });
-    return found == entries.end() || found->key != key ? std::string_view() : found->contentType;
+    return found == defaults.end() || found->key != extension ? std::string_view() : found->contentType;
 }
 
 } // namespace opc::model

@@ -14,27 +14,38 @@ public:
     /// Takes the entries of a stream.
     /// @param scanned  must outlive this object, with the stream
     /// @param keys     makes the keys of the entries, and must outlive this object
-    /// @return false if a part name isn't usual, two entries are for the same, or relationships parts get another type.
-    ///         Ignore the object then
+    /// @return false if two entries are for the same, or relationships parts get another type. Ignore the object then
     bool take(const ScannedContentTypes& scanned, PartKeys& keys);
 
-    /// @param key  of a part name
-    /// @return the content type of the part; empty if there is none
-    std::string_view find(std::string_view key) const;
+    /// Finds the content type of a part.
+    /// @param key  of its name. The keys of calls ascend
+    /// @return the content type; empty if there is none
+    std::string_view findNext(std::string_view key);
+
+    /// Whether relationships parts have a content type.
+    bool coversRelationships() const;
+
+    /// Whether the entries of parts that weren't found are for usual names, after all parts.
+    bool hasUsualRest();
 
 private:
     struct Entry {
         std::string_view key; ///< of a part name, or an extension in lower case
+        std::string_view written;
         std::string_view contentType;
     };
     using Entries = std::vector<Entry>;
 
     static Entries sorted(const std::vector<ScannedContentType>& scanned, PartKeys& keys);
     static bool hasTwins(const Entries& entries);
-    static std::string_view find(const Entries& entries, std::string_view key);
+    static bool isUsual(const Entry& entry);
+    std::string_view findDefault(std::string_view extension) const;
 
     Entries defaults;
     Entries overrides;
+    Entries::const_iterator next =
+        overrides.end();  ///< the first override that wasn't compared with a part yet
+    bool areUsual = true; ///< those that were compared and belong to none
 };
 
 } // namespace opc::model

@@ -26,6 +26,9 @@ namespace {
 
 constexpr std::string_view PACKAGE_SOURCE = "/";
 
+/// How many documents and relationships a package has, about.
+constexpr std::size_t USUAL_COUNT = 16;
+
 /// Larger documents are left to `Package`.
 constexpr std::size_t LARGEST_LISTED = 1 << 20;
 
@@ -50,6 +53,9 @@ public:
 
     /// @return false if the package isn't of the plain form
     bool run() {
+        listing.documents->shares.reserve(USUAL_COUNT);
+        listing.listedRelationships.reserve(USUAL_COUNT);
+        scanned.reserve(USUAL_COUNT);
         return store.usesContentTypeStream() && readContentTypes() && listParts() &&
                readRelationships(PACKAGE_SOURCE, relationshipsParts->take(PACKAGE_SOURCE)) &&
                findCoreProperties() && readRelationshipsOfParts() &&
@@ -111,18 +117,27 @@ private:
                 return false;
             const std::string_view name = keepName(physicalPart->getName());
             const std::string_view key = keys.keep(name);
-            const std::string_view contentType = types.find(key);
-            if (name.empty() || contentType.empty())
+            if (name.empty())
                 return false;
             if (hasRelationshipsName(name))
                 relationshipsParts->add(key, physicalPart);
             else
-                parts.push_back({key, name, contentType, physicalPart});
+                parts.push_back({key, name, {}, physicalPart});
         }
         const std::size_t count = parts.size();
         sortByKey(parts);
         relationshipsParts->sort();
-        return parts.size() == count;
+        return parts.size() == count && (count == physicalParts.size() || types.coversRelationships()) &&
+               findContentTypes();
+    }
+
+    bool findContentTypes() {
+        for (Found& part : parts) {
+            part.contentType = types.findNext(part.key);
+            if (part.contentType.empty())
+                return false;
+        }
+        return types.hasUsualRest();
     }
 
     bool readRelationshipsOfParts() {
