@@ -184,7 +184,7 @@ private:
 
     static void read(Job& job, const ScanOptions& with) {
         try {
-            *job.result = readFile(job.source, with);
+            job.result.reset(new Result(readFile(job.source, with))); // which is made there
         } catch (const std::exception& e) {
             *job.result = Result();
             job.result->name = job.source.name;

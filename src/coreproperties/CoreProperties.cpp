@@ -9,6 +9,8 @@ namespace opc::model {
 CoreProperties::CoreProperties() = default;
 CoreProperties::CoreProperties(const CoreProperties&) = default;
 CoreProperties& CoreProperties::operator=(const CoreProperties&) = default;
+CoreProperties::CoreProperties(CoreProperties&&) noexcept = default;
+CoreProperties& CoreProperties::operator=(CoreProperties&&) noexcept = default;
 CoreProperties::~CoreProperties() = default;
 
 void CoreProperties::clear() {

@@ -15,6 +15,7 @@
 #include <opc/model/CorePropertyField.hpp>
 
 #include <stdexcept>
+#include <utility>
 
 namespace opc::model {
 
@@ -109,7 +110,7 @@ void CorePropertiesSerializer::read(InputStream& stream, CoreProperties& propert
         if (!scanCoreProperties(document, scanned, elements))
             return false;
         share.addElements(elements);
-        properties = scanned;
+        properties = std::move(scanned);
         return true;
     };
     scanOrParse(metered, buffer, largestScanned, scan,

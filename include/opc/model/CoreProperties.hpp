@@ -33,6 +33,12 @@ public:
     CoreProperties();
     CoreProperties(const CoreProperties&);
     CoreProperties& operator=(const CoreProperties&);
+
+    /// `other` can then only be assigned to, cleared or destroyed.
+    /// @{
+    CoreProperties(CoreProperties&& other) noexcept;
+    CoreProperties& operator=(CoreProperties&& other) noexcept;
+    /// @}
     ~CoreProperties();
 
     /// Makes all fields absent.
