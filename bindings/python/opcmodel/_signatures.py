@@ -2,17 +2,21 @@
 
 from __future__ import annotations
 
+import contextlib
 import os
 import re
-from collections.abc import Iterable
+from collections.abc import Iterable, Iterator
 from dataclasses import dataclass
 from datetime import datetime, timezone
 from typing import Optional, Union
 
 from . import _opcmodel
 from ._errors import SignatureNotFound
-from ._package import Package
+from ._package import Package, Source
+from ._package import open as open_package
+from ._store import Store
 
+Verified = Union[Source, Store, Package]
 Material = Union[bytes, str, "os.PathLike[str]"]
 """A key, a certificate, a bundle: the bytes, or the path of a file."""
 
@@ -284,8 +288,24 @@ def _verified(row: _opcmodel._SignatureRow) -> VerifiedSignature:
     )
 
 
+@contextlib.contextmanager
+def _saved(package: Verified) -> Iterator[Package]:
+    """The package, open and without changes that aren't saved."""
+    if isinstance(package, Package):
+        package._open.require_saved()
+        yield package
+    else:
+        with open_package(package) as opened:
+            yield opened
+
+
+def _require_open(package: Package) -> None:
+    if not isinstance(package, Package):
+        raise TypeError(f"needs an open package, not {type(package).__name__}: see open")
+
+
 def verify(
-    package: Package,
+    package: Verified,
     *,
     trust: Union[None, Material, Iterable[Material]] = None,
     fingerprints: Iterable[str] = (),
@@ -297,7 +317,7 @@ def verify(
 ) -> Verification:
     """Verifies all signatures of a package. Nothing is fetched, and nobody is trusted who isn't named.
 
-    :param package: whose changes must be saved
+    :param package: an open one, whose changes must be saved, or what `open` reads
     :param trust: certificates to which signers must lead, or "system" for those of the system
     :param fingerprints: SHA-256 of certificates that are trusted whatever they say
     :param public_key: of a signer who is trusted, in PEM or DER
@@ -307,8 +327,8 @@ def verify(
     :raises UnsavedChanges: save the package first
     """
     policy = _policy(trust, fingerprints, public_key, crls, time, accept_weak, accept_missing_null)
-    package._open.require_saved()
-    return _verification(package, policy)
+    with _saved(package) as saved:
+        return _verification(saved, policy)
 
 
 def _verification(package: Package, policy: _opcmodel.Policy) -> Verification:
@@ -367,24 +387,26 @@ class Signature:
 
 
 def signatures(package: Package) -> list[Signature]:
-    """The signatures of a package, in both profiles."""
+    """The signatures of an open package, in both profiles."""
+    _require_open(package)
     found = _verification(package, _opcmodel.Policy()).signatures
     return [Signature(package, one.name, getattr(one, "part", None), one.profile) for one in found]
 
 
 def coverage(
-    package: Package,
+    package: Verified,
     *,
     accept_weak: bool = False,
     accept_missing_null: bool = False,
 ) -> Coverage:
     """Which signatures protect each part and each relationship, in the standard's profile. A broken one protects nothing.
 
+    :param package: an open one, whose changes must be saved, or what `open` reads
     :raises UnsavedChanges: save the package first
     """
     policy = _policy(None, (), None, None, None, accept_weak, accept_missing_null)
-    package._open.require_saved()
-    verified, parts, relationships = _opcmodel.tabulate_coverage(package._open, policy)
+    with _saved(package) as saved:
+        verified, parts, relationships = _opcmodel.tabulate_coverage(saved._open, policy)
     names = [row[0] for row in verified]
 
     def covered(row: _opcmodel._CoverageRow) -> Covered:
@@ -409,7 +431,7 @@ def sign(
     time: Optional[datetime] = None,
     accept_weak: bool = False,
 ) -> NewSignature:
-    """Signs a package, whose changes must be saved. Saving the package writes the signature.
+    """Signs an open package, whose changes must be saved. Saving the package writes the signature.
 
     :param key: a private key in PEM or DER, RSA or EC
     :param certificate: of the key, and further ones that lead to a root; without one the signature has the public key alone
@@ -422,6 +444,7 @@ def sign(
     :param time: of signing, as the signature claims; without it, now
     :raises UnsavedChanges: save the package first
     """
+    _require_open(package)
     if (key is None) == (p12 is None):
         raise TypeError("either a key or a bundle signs")
     private = b"" if key is None else _read(key)

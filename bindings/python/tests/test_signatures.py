@@ -1,4 +1,5 @@
 """Signatures in both profiles."""
+import io
 import subprocess
 from datetime import datetime, timezone
 
@@ -55,6 +56,21 @@ def test_a_signature_in_the_profile_of_the_standard(keys):
             signature.remove()
             package.save()
             assert opc.signatures(package) == [] and not opc.verify(package).yes
+
+
+def test_what_is_verified_need_not_be_open(keys, tmp_path):
+    path = tmp_path / "signed.docx"
+    path.write_bytes(make_document())
+    with opc.open(path, "r+") as package:
+        opc.sign(package, key=keys / "rsa.key", certificate=keys / "rsa.pem")
+    for source in (path, str(path), path.read_bytes(), io.BytesIO(path.read_bytes())):
+        assert opc.verify(source, trust=keys / "rsa.pem").yes
+        assert opc.coverage(source).uncovered_parts == ()
+    for needs_an_open_one in (lambda: opc.sign(str(path), key=keys / "rsa.key"), lambda: opc.signatures(str(path))):
+        with pytest.raises(TypeError, match="needs an open package, not str"):
+            needs_an_open_one()
+    with pytest.raises(opc.PackageNotFound):
+        opc.verify("none.docx")
 
 
 def test_a_signature_in_the_profile_of_the_library(keys):
