@@ -1,7 +1,6 @@
 #pragma once
 
-#include "random/RandomNumber.hpp"
-#include "shared/Modulo61.hpp"
+#include "hash/TextHash.hpp"
 #include "shared/NodePool.hpp"
 
 #include <algorithm>
@@ -106,22 +105,10 @@ private:
                           [](Character a, Character b) { return lower(a) == lower(b); });
     }
 
-    /// Hashes the length and the characters in lower case: they are the digits of a number in a secret base, modulo
-    /// the prime 2^61 - 1. So nobody can choose names that collide. One digit holds as many characters as fit.
     static Hash hash(Name name) {
-        static const std::uint64_t BASE = chooseBase();
-        constexpr std::size_t IN_DIGIT = 7 / sizeof(Character);
-        std::uint64_t value = name.size();
-        for (; !name.empty(); name.remove_prefix(std::min(IN_DIGIT, name.size()))) {
-            std::uint64_t digit = 0;
-            for (const Character c : name.substr(0, IN_DIGIT))
-                digit = digit << (8 * sizeof c) | static_cast<std::make_unsigned_t<Character>>(lower(c));
-            value = modulo61::multiply(value, BASE, digit);
-        }
+        const std::uint64_t value = hashOf(name, lower);
         return static_cast<Hash>((value ^ value >> 32) * 0x9E3779B97F4A7C15 >> 32);
     }
-
-    static std::uint64_t chooseBase() { return randomNumber() % (modulo61::PRIME - 0x10000) + 0x10000; }
 
     Number& chainOf(Hash key) {
         return chains[static_cast<std::size_t>(std::uint64_t{key} * chains.size() >> 32)];

@@ -187,16 +187,16 @@ void Package::Impl::forEachDataManager(const std::function<void(DataManager&)>& 
             action(*each);
 }
 
-std::unordered_set<std::u16string> Package::Impl::getManagedPartNames() const {
-    std::unordered_set<std::u16string> names;
+std::unordered_set<std::u16string, TextHash> Package::Impl::getManagedPartNames() const {
+    std::unordered_set<std::u16string, TextHash> names;
     for (const DataManager* each : dataManagers)
         for (std::u16string& name : each->getManagedPartNames())
             names.insert(std::move(name));
     return names;
 }
 
-std::unordered_set<std::u16string> Package::Impl::getManagedRelationshipTypes() const {
-    std::unordered_set<std::u16string> types;
+std::unordered_set<std::u16string, TextHash> Package::Impl::getManagedRelationshipTypes() const {
+    std::unordered_set<std::u16string, TextHash> types;
     for (const DataManager* each : dataManagers)
         for (std::u16string& type : each->getManagedRelationshipTypes())
             types.insert(std::move(type));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "contenttypes/ContentTypeSource.hpp"
+#include "hash/TextHash.hpp"
 #include "package/RelationshipSourceImpl.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "xml/DocumentBudget.hpp"
@@ -70,8 +71,8 @@ struct Package::Impl : RelationshipSource::Impl {
     void addDataManager(DataManager* added);
     void removeDataManager(DataManager* removed);
     void forEachDataManager(const std::function<void(DataManager&)>& action);
-    std::unordered_set<std::u16string> getManagedPartNames() const;
-    std::unordered_set<std::u16string> getManagedRelationshipTypes() const;
+    std::unordered_set<std::u16string, TextHash> getManagedPartNames() const;
+    std::unordered_set<std::u16string, TextHash> getManagedRelationshipTypes() const;
 
     /// @}
 

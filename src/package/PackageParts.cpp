@@ -154,7 +154,7 @@ bool Package::hasPart(const PartName& name) const {
 
 Enumerator<std::vector<Part>> Package::getParts(ExcludeMode mode) const {
     throwIfNotOpen();
-    std::unordered_set<std::u16string> managed;
+    std::unordered_set<std::u16string, TextHash> managed;
     if (mode == ExcludeMode::ExcludeManaged)
         managed = state().getManagedPartNames();
 

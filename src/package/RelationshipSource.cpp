@@ -243,7 +243,7 @@ bool RelationshipSource::hasRelationship(const std::u16string& id) const {
 
 Enumerator<std::vector<Relationship>> RelationshipSource::getRelationships(ExcludeMode mode) const {
     throwIfNotReadable();
-    std::unordered_set<std::u16string> excludedTypes;
+    std::unordered_set<std::u16string, TextHash> excludedTypes;
     if (mode == ExcludeMode::ExcludeManaged)
         excludedTypes = getPackage().state().getManagedRelationshipTypes();
     return Enumerator<std::vector<Relationship>>(impl->manager.getRelationships(excludedTypes));

@@ -75,8 +75,8 @@ std::vector<Relationship> RelationshipManager::getRelationshipsByType(const std:
     return select([&type](const Values& values) { return areSameTexts(values.type, type); });
 }
 
-std::vector<Relationship>
-RelationshipManager::getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const {
+std::vector<Relationship> RelationshipManager::getRelationships(
+    const std::unordered_set<std::u16string, TextHash>& excludedTypes) const {
     return select([&excludedTypes](const Values& values) {
         return excludedTypes.empty() || excludedTypes.count(std::u16string(values.type)) == 0;
     });

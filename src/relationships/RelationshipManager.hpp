@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "relationships/RelationshipBlock.hpp"
 
 #include "xml/DocumentBudget.hpp"
@@ -62,7 +63,8 @@ public:
     void visit(const std::function<void(const RelationshipGroup::Values&)>& visitor) const;
 
     std::vector<Relationship> getRelationshipsByType(const std::u16string& type) const;
-    std::vector<Relationship> getRelationships(const std::unordered_set<std::u16string>& excludedTypes) const;
+    std::vector<Relationship>
+    getRelationships(const std::unordered_set<std::u16string, TextHash>& excludedTypes) const;
 
     /// Both keep an existing relationship with this ID, and still return the one that was asked for.
     Relationship addExternalRelationship(const std::u16string& id, const std::u16string& type,

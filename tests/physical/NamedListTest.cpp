@@ -1,5 +1,4 @@
 #include "shared/NamedList.hpp"
-#include "shared/Modulo61.hpp"
 
 #include <gtest/gtest.h>
 
@@ -30,29 +29,6 @@ std::string lowerCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return text;
-}
-
-// Against a multiplication bit by bit.
-TEST(NamedList, multipliesModuloThePrime) {
-    using opc::physical::modulo61::PRIME;
-    const auto slowly = [](std::uint64_t left, std::uint64_t right, std::uint64_t more) {
-        std::uint64_t result = 0;
-        for (int bit = 60; bit >= 0; --bit)
-            result = (2 * result + (right >> bit & 1U) * left) % PRIME;
-        return (result + more) % PRIME;
-    };
-    std::mt19937_64 random(20261126);
-    std::vector<std::uint64_t> numbers{0, 1, 2, (1ULL << 31) - 1, 1ULL << 31, 1ULL << 60, PRIME - 1, PRIME};
-    for (int i = 0; i < 40; ++i)
-        numbers.push_back(random() >> 3 >> (random() % 40));
-    for (const std::uint64_t left : numbers)
-        for (const std::uint64_t right : numbers) {
-            const std::uint64_t more = (right ^ left) % PRIME;
-            ASSERT_EQ(opc::physical::modulo61::multiply(left, right, more), slowly(left, right, more))
-                << left << ' ' << right;
-            ASSERT_EQ(opc::physical::modulo61::multiplyInHalves(left, right, more), slowly(left, right, more))
-                << left << ' ' << right;
-        }
 }
 
 TEST(NamedList, doesWhatAPlainListDoes) {

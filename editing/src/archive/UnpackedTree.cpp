@@ -3,6 +3,7 @@
 #include "archive/HiddenContents.hpp"
 #include "archive/ItemOrder.hpp"
 
+#include "hash/TextHash.hpp"
 #include "zip/src/Failure.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -87,7 +88,7 @@ std::vector<std::string> UnpackedTree::originalFiles() const {
 }
 
 void UnpackedTree::compare() {
-    std::unordered_map<std::string_view, const FolderTree::File*> unclaimed;
+    std::unordered_map<std::string_view, const FolderTree::File*, TextHash> unclaimed;
     for (const FolderTree::File& file : files)
         unclaimed.emplace(file.path, &file);
     if (archive) {

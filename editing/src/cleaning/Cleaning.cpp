@@ -2,6 +2,7 @@
 
 #include <opc/editing/Editor.hpp>
 
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -101,10 +102,10 @@ private:
     }
 
     Editor& editor;
-    std::unordered_set<std::u16string_view> types;
+    std::unordered_set<std::u16string_view, TextHash> types;
     std::vector<std::pair<PartName, std::u16string>> relationships; ///< to be taken out
     std::vector<PartName> targets;
-    std::unordered_map<std::string, std::size_t> uses; ///< of parts, by other relationships
+    std::unordered_map<std::string, std::size_t, TextHash> uses; ///< of parts, by other relationships
 };
 
 } // namespace
@@ -121,7 +122,7 @@ std::vector<inspection::Finding> findMetadata(const inspection::Archive& archive
     for (const char* const rule : {"SEC-58", "SEC-60", "SEC-61", "SEC-62", "SEC-63", "SEC-64", "SEC-65",
                                    "SEC-66", "SEC-67", "SEC-68", "SEC-30"})
         options.only.emplace_back(rule);
-    std::unordered_set<std::string> gone;
+    std::unordered_set<std::string, TextHash> gone;
     for (const Change& change : changes) {
         if (change.kind == Change::Kind::PartRemoved)
             gone.insert(inspection::keyOfName(change.place));

@@ -1,3 +1,4 @@
+#include "hash/TextHash.hpp"
 #include "mending/Menders.hpp"
 #include "mending/PlainName.hpp"
 
@@ -40,7 +41,7 @@ Outcome writeOneEnd(Round& round, const Finding& finding) {
 
 /// Takes in the items that the directory has lost, and leaves out those whose content is lost.
 Outcome recover(Round& round, const Finding&) {
-    std::unordered_set<std::string> names;
+    std::unordered_set<std::string, TextHash> names;
     std::string lost;
     const auto lose = [&lost](const ArchiveItem& item) { lost += (lost.empty() ? "" : ", ") + item.name; };
     for (const ArchiveItem& item : round.archive().items()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "documents/DocumentEditing.hpp"
+#include "hash/TextHash.hpp"
 #include "mending/ArchivePlan.hpp"
 
 #include "subject/Subject.hpp"
@@ -170,9 +171,10 @@ private:
     void prepare(EditedRelationships& edited) const;
     void prepareTypes();
 
-    std::unordered_map<std::string_view, Items> itemsByName;               ///< also by the names of parts
-    std::unordered_map<std::string, Items> itemsByPlainName, piecesByName; ///< made when they are needed
-    std::unordered_map<std::string_view, const RelationshipsView*>
+    std::unordered_map<std::string_view, Items, TextHash> itemsByName; ///< also by the names of parts
+    std::unordered_map<std::string, Items, TextHash> itemsByPlainName,
+        piecesByName; ///< made when they are needed
+    std::unordered_map<std::string_view, const RelationshipsView*, TextHash>
         viewsByPart; ///< null for a name that stands twice
     std::map<const RelationshipsView*, EditedRelationships> relationships;
     std::map<const PartView*, std::unique_ptr<DocumentEditing>> documents;
@@ -183,7 +185,7 @@ private:
     std::set<std::pair<ContentTypeEntry::Kind, std::string>> addedEntries; ///< their keys
     std::map<std::pair<ContentTypeEntry::Kind, std::string>, std::vector<std::size_t>>
         entries; ///< by their keys
-    std::unordered_map<std::string, std::vector<const PartView*>>
+    std::unordered_map<std::string, std::vector<const PartView*>, TextHash>
         partsByExtension; ///< with a type from a Default
     std::map<const RelationshipsView*, std::optional<std::set<std::string>>> usedIds; ///< nothing: all may be
 };

@@ -3,6 +3,7 @@
 #include <opc/editing/Editor.hpp>
 
 #include "documents/DocumentEditing.hpp"
+#include "hash/TextHash.hpp"
 #include "lenient/src/AttributeText.hpp"
 #include "properties/PropertyReading.hpp"
 #include "properties/Vocabulary.hpp"
@@ -129,9 +130,9 @@ private:
     DocumentEditing document;
     const ReadProperties old;
     const Vocabulary& vocabulary;
-    std::vector<Entry> all;                                      ///< in the order of the document
-    std::unordered_map<std::string, std::vector<Entry>> entries; ///< by the keys of their names
-    long long lastPid = 1;                                       ///< programs reserve 0 and 1
+    std::vector<Entry> all;                                                ///< in the order of the document
+    std::unordered_map<std::string, std::vector<Entry>, TextHash> entries; ///< by the keys of their names
+    long long lastPid = 1;                                                 ///< programs reserve 0 and 1
 };
 
 void PropertyEditing::findElements() {
@@ -267,7 +268,7 @@ void create(Editor& editor, PropertyKind kind, const Vocabulary& vocabulary, con
 }
 
 void checkAll(PropertyKind kind, const PropertyChanges& changes) {
-    std::unordered_set<std::string> names;
+    std::unordered_set<std::string, TextHash> names;
     for (const Property& property : changes.set) {
         std::string defect = findDefect(kind, property);
         if (defect.empty() && !names.insert(inspection::toLowerASCII(property.name)).second)
@@ -346,7 +347,7 @@ std::string findDefect(PropertyKind kind, const Property& property) {
 std::vector<SensitivityLabel> findLabels(const std::vector<Property>& custom) {
     constexpr std::string_view BEGINNING = "MSIP_Label_";
     std::vector<SensitivityLabel> labels;
-    std::unordered_map<std::string, std::size_t> places;
+    std::unordered_map<std::string, std::size_t, TextHash> places;
     for (const Property& property : custom) {
         const std::size_t end = property.name.find('_', BEGINNING.size());
         if (property.name.compare(0, BEGINNING.size(), BEGINNING) != 0 || end == std::string::npos)

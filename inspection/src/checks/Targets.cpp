@@ -1,5 +1,7 @@
 #include "checks/Targets.hpp"
 
+#include "hash/TextHash.hpp"
+
 #include <map>
 #include <unordered_map>
 
@@ -7,7 +9,7 @@ namespace opc::inspection {
 
 namespace {
 
-using Targets = std::unordered_map<std::string_view, std::string_view>;
+using Targets = std::unordered_map<std::string_view, std::string_view, TextHash>;
 
 /// The source of a relationships part, which follows from its name; any other name stays.
 std::string sourceOf(const std::string& part) {

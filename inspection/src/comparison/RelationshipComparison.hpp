@@ -1,6 +1,7 @@
 #pragma once
 
 #include "comparison/PackageContents.hpp"
+#include "hash/TextHash.hpp"
 
 #include <opc/inspection/Comparison.hpp>
 
@@ -40,7 +41,7 @@ private:
     PackageContents& before;
     PackageContents& now;
     std::vector<Pair> pairs;
-    std::unordered_map<std::string, PartView*> removed, added; ///< by the keys of their sources
+    std::unordered_map<std::string, PartView*, TextHash> removed, added; ///< by the keys of their sources
     std::vector<Pair> others;
 };
 

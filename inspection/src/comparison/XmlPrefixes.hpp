@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -29,9 +31,9 @@ public:
 private:
     std::u16string makePrefix(const std::u16string& uri);
 
-    std::unordered_map<std::u16string, std::u16string> suggestions;
-    std::unordered_map<std::u16string, std::size_t> places;
-    std::unordered_set<std::u16string> taken;
+    std::unordered_map<std::u16string, std::u16string, TextHash> suggestions;
+    std::unordered_map<std::u16string, std::size_t, TextHash> places;
+    std::unordered_set<std::u16string, TextHash> taken;
     std::vector<Namespace> namespaces;
     std::size_t made = 0;
 };

@@ -1,6 +1,7 @@
 #include <opc/inspection/Reports.hpp>
 
 #include "digests/Sha256.hpp"
+#include "hash/TextHash.hpp"
 
 #include <unordered_map>
 
@@ -22,7 +23,7 @@ std::string identityOf(const Finding& finding) {
 
 std::vector<std::string> fingerprints(const Report& report) {
     Sha256 digest;
-    std::unordered_map<std::string, std::size_t> seen;
+    std::unordered_map<std::string, std::size_t, TextHash> seen;
     std::vector<std::string> all;
     for (const Finding& finding : report.findings) {
         std::string identity = identityOf(finding);

@@ -1,5 +1,6 @@
 #include "subject/ContentTypesView.hpp"
 
+#include "hash/TextHash.hpp"
 #include "subject/EntryList.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
@@ -49,8 +50,8 @@ ContentTypesView::ContentTypesView(const Archive& archive, PartTable& table) {
 }
 
 void ContentTypesView::giveTypes(std::vector<PartView>& parts) const {
-    std::unordered_map<std::string, const ContentTypeEntry*> overrides;
-    std::unordered_map<std::string, const ContentTypeEntry*> defaults;
+    std::unordered_map<std::string, const ContentTypeEntry*, TextHash> overrides;
+    std::unordered_map<std::string, const ContentTypeEntry*, TextHash> defaults;
     for (const ContentTypeEntry& entry : entries) {
         if (entry.kind == ContentTypeEntry::Kind::Override)
             overrides.emplace(keyOfName(withSlash(trimmed(entry.key))), &entry);

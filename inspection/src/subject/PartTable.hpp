@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "subject/Subject.hpp"
 
 #include <string>
@@ -30,13 +31,13 @@ public:
     const std::vector<const ArchiveItem*>& contentTypes() const { return contentTypesItems; }
 
 private:
-    using Places = std::unordered_map<std::string, std::size_t>;
+    using Places = std::unordered_map<std::string, std::size_t, TextHash>;
 
     void add(const ArchiveItem& item, Places& joined);
 
     std::vector<PartView> all;
     Places byKey;
-    std::unordered_set<std::string> incomplete; ///< keys
+    std::unordered_set<std::string, TextHash> incomplete; ///< keys
     std::vector<const ArchiveItem*> contentTypesItems;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "subject/PartTable.hpp"
 #include "subject/Subject.hpp"
 
@@ -33,7 +34,7 @@ private:
     void walk();
 
     std::vector<RelationshipsView> all;
-    std::unordered_map<std::string, std::size_t> bySource;
+    std::unordered_map<std::string, std::size_t, TextHash> bySource;
     std::unordered_set<const PartView*> reached;
 };
 

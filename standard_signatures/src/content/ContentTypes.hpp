@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
+
 #include <opc/core/InputStream.hpp>
 
 #include <string>
@@ -39,7 +41,8 @@ private:
             return &contentType;
         }
     };
-    using Entries = std::unordered_map<std::string, Entry>; ///< by what some programs take for the same name
+    /// By what some programs take for the same name.
+    using Entries = std::unordered_map<std::string, Entry, TextHash>;
 
     Entries overrides, defaults;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "transform/RelationshipsDocument.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -90,7 +91,7 @@ private:
 
     interfaces::IPhysicalPackage& store;
     std::vector<StoredPart> all; ///< none is moved
-    std::unordered_map<std::string_view, std::size_t> byKey;
+    std::unordered_map<std::string_view, std::size_t, TextHash> byKey;
     std::vector<interfaces::IgnoredItem> ignored;
     std::optional<Reason> typesFailure;
     std::unique_ptr<Known> known;

@@ -2,6 +2,7 @@
 
 #include "content/ContentForm.hpp"
 #include "content/PackageContents.hpp"
+#include "hash/TextHash.hpp"
 
 #include <opc/standard_signatures/Reason.hpp>
 
@@ -105,7 +106,7 @@ private:
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
-    std::unordered_set<std::string_view>
+    std::unordered_set<std::string_view, TextHash>
         contentFolders;                     ///< by key, without the root and those for signatures
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };

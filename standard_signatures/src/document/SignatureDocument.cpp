@@ -4,6 +4,7 @@
 #include "document/KeyInfo.hpp"
 #include "document/Vocabulary.hpp"
 #include "document/XadesProperties.hpp"
+#include "hash/TextHash.hpp"
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ namespace opc::standard_signatures {
 namespace {
 
 using Code = Reason::Code;
-using Ids = std::unordered_map<std::string_view, const XmlTreeNode*>;
+using Ids = std::unordered_map<std::string_view, const XmlTreeNode*, TextHash>;
 
 /// The elements with an Id. Two with the same one could be taken for one another.
 Ids collectIds(const XmlTreeNode& root) {

@@ -1,6 +1,7 @@
 #include "signing/SigningPlan.hpp"
 
 #include "document/SignatureDocument.hpp"
+#include "hash/TextHash.hpp"
 #include "names/PartNames.hpp"
 #include "reason/Refusal.hpp"
 
@@ -82,7 +83,7 @@ SigningPlan planEverything(PackageContents& contents, const PackageMap& map, boo
 
 /// Each relationship once, in the order of the package.
 std::vector<const MappedRelationship*> findChosen(const PackageMap& map, const std::vector<Choice>& choices) {
-    std::unordered_map<std::string, const MappedRelationship*> known; // a NUL is in no name
+    std::unordered_map<std::string, const MappedRelationship*, TextHash> known; // a NUL is in no name
     for (const MappedRelationship& one : map.relationships())
         known.emplace(keyOf(*one.document->source) + '\0' + one.values->id, &one);
     std::vector<const MappedRelationship*> chosen;

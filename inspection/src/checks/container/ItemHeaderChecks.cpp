@@ -1,5 +1,6 @@
 #include "checks/container/ContainerChecks.hpp"
 
+#include "hash/TextHash.hpp"
 #include "zip/src/ItemKind.hpp"
 #include "zip/src/ItemName.hpp"
 #include "zip/src/RecordSignatures.hpp"
@@ -97,7 +98,7 @@ void checkItem(const ArchiveItem& item, Findings& findings) {
 } // namespace
 
 void checkItemHeaders(const Subject& subject, Findings& findings) {
-    std::unordered_map<std::string_view, const ArchiveItem*> names;
+    std::unordered_map<std::string_view, const ArchiveItem*, TextHash> names;
     std::size_t growthHints = 0;
     for (const ArchiveItem& item : subject.archive().items()) {
         if (!item.central)

@@ -3,6 +3,7 @@
 #include "checks/container/ContainerChecks.hpp"
 #include "checks/contenttypes/DefaultTypes.hpp"
 #include "checks/contenttypes/TypeGrammar.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
@@ -193,7 +194,7 @@ private:
     /// Which parts have a type, and which entries give one.
     void checkCover() {
         const std::unordered_set<const PartView*> targets = findTargets();
-        std::unordered_set<std::string> used;
+        std::unordered_set<std::string, TextHash> used;
         bool areRelationshipsTold = false; // they lack the same Default
         for (const PartView& part : subject.parts()) {
             if (part.typeFrom == PartView::TypeFrom::Default)
@@ -220,9 +221,9 @@ private:
     const DocumentState& document;
     Place place;
     std::vector<const ContentTypeEntry*> defaults; ///< those that count
-    std::unordered_set<std::string> extensions;
-    std::unordered_set<std::string> names;
-    std::unordered_map<std::string, TypeDefect> defects;
+    std::unordered_set<std::string, TextHash> extensions;
+    std::unordered_set<std::string, TextHash> names;
+    std::unordered_map<std::string, TypeDefect, TextHash> defects;
 };
 
 } // namespace

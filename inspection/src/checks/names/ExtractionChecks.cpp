@@ -1,6 +1,7 @@
 #include "checks/names/NameChecks.hpp"
 
 #include "checks/container/ContainerChecks.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 #include <opc/inspection/FoldedName.hpp>
 
@@ -83,7 +84,7 @@ private:
     }
 
     Findings& findings;
-    std::unordered_map<std::string, const ArchiveItem*> files;
+    std::unordered_map<std::string, const ArchiveItem*, TextHash> files;
 };
 
 /// Names that differ in the case or the accents of letters beyond ASCII alone.
@@ -100,7 +101,7 @@ public:
 
 private:
     Findings& findings;
-    std::unordered_map<std::string, const ArchiveItem*> files;
+    std::unordered_map<std::string, const ArchiveItem*, TextHash> files;
 };
 
 template <typename Test>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "checks/Findings.hpp"
+#include "hash/TextHash.hpp"
 
 #include <opc/model/XmlEvents.hpp>
 
@@ -75,11 +76,11 @@ private:
     bool knowsVocabulary = false;
     model::XmlPlace place{};
     std::vector<Level> levels;
-    std::unordered_map<std::u16string, std::vector<std::u16string>>
-        namespaces;                               ///< of a prefix, the innermost last
-    std::vector<std::u16string> declared;         ///< prefixes, in their order
-    std::unordered_set<std::u16string> ignorable; ///< namespaces
-    std::vector<std::u16string> ignorables;       ///< the same in their order
+    std::unordered_map<std::u16string, std::vector<std::u16string>, TextHash>
+        namespaces;                                         ///< of a prefix, the innermost last
+    std::vector<std::u16string> declared;                   ///< prefixes, in their order
+    std::unordered_set<std::u16string, TextHash> ignorable; ///< namespaces
+    std::vector<std::u16string> ignorables;                 ///< the same in their order
     std::vector<Alternatives> alternatives;
     std::set<std::u16string, std::less<>> told; ///< namespaces and prefixes that one finding is enough for
 };

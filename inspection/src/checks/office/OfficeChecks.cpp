@@ -4,6 +4,7 @@
 #include "checks/OfficeFormats.hpp"
 #include "checks/relationships/RelationshipKinds.hpp"
 #include "external/RelationshipType.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 #include "text/CaselessText.hpp"
 #include "text/MessageText.hpp"
@@ -25,7 +26,7 @@ void checkPiecesAreUnused(const Subject& subject, Findings& findings) {
     if (!isOfficeFormat(subject.format()) ||
         std::none_of(subject.parts().begin(), subject.parts().end(), isInPieces))
         return;
-    std::unordered_set<std::string> told; // parts that are there as a whole, too
+    std::unordered_set<std::string, TextHash> told; // parts that are there as a whole, too
     if (findings.wants("M2.11"))
         for (const PartView& part : subject.parts())
             if (!isInPieces(part))

@@ -4,6 +4,7 @@
 #include "checks/OfficeFormats.hpp"
 #include "content/ByteSearch.hpp"
 #include "content/TagNames.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 
 #include <set>
@@ -93,7 +94,7 @@ private:
 
     Findings& findings;
     std::string part;
-    std::unordered_map<std::string, std::string_view> types;
+    std::unordered_map<std::string, std::string_view, TextHash> types;
     std::set<std::string> told;
 };
 

@@ -5,6 +5,7 @@
 #include "checks/relationships/TargetCheck.hpp"
 #include "checks/relationships/ValueRules.hpp"
 #include "checks/signatures/Signatures.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
@@ -107,7 +108,7 @@ private:
     const RelationshipsView& view;
     Findings& findings;
     Place place;
-    std::unordered_set<std::string_view> ids;
+    std::unordered_set<std::string_view, TextHash> ids;
 };
 
 /// Relationships parts have the type of relationships, and no other part has it.

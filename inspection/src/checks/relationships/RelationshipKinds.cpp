@@ -1,6 +1,7 @@
 #include "checks/relationships/RelationshipKinds.hpp"
 
 #include "checks/DocumentChecks.hpp"
+#include "hash/TextHash.hpp"
 #include "subject/Names.hpp"
 #include "subject/Targets.hpp"
 
@@ -90,7 +91,7 @@ bool isUnread(const RelationshipsView& view) {
 void checkSingleTypes(const RelationshipsView& view, const Place& place, Findings& findings) {
     if (!findings.wants("SEC-37"))
         return;
-    std::unordered_map<std::string_view, const RelationshipView*> firstOf;
+    std::unordered_map<std::string_view, const RelationshipView*, TextHash> firstOf;
     for (const RelationshipView& entry : view.entries) {
         const std::string_view segment = entry.lastSegment();
         if (!contains(SINGLE, segment) || !isOfficeType(trimmed(entry.type)))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "subject/Subject.hpp"
 
 #include <string>
@@ -16,12 +17,12 @@ public:
 
     /// Without it, the Ids aren't all.
     bool canBeRead(const PartView& part) { return viewOf(part).readable; }
-    const std::unordered_set<std::string>& of(const PartView& part) { return viewOf(part).ids; }
+    const std::unordered_set<std::string, TextHash>& of(const PartView& part) { return viewOf(part).ids; }
 
 private:
     struct View {
         bool readable = false;
-        std::unordered_set<std::string> ids;
+        std::unordered_set<std::string, TextHash> ids;
     };
 
     const View& viewOf(const PartView& part);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "checks/signatures/Signatures.hpp"
+#include "hash/TextHash.hpp"
 
 #include <string>
 #include <unordered_map>
@@ -24,7 +25,7 @@ private:
     /// The relationships of one source.
     struct Signed {
         bool all = false;
-        std::unordered_set<std::string> ids, types;
+        std::unordered_set<std::string, TextHash> ids, types;
     };
 
     void add(const Subject& subject, const SignatureReference& reference);

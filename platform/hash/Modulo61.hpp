@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// Arithmetic modulo the prime 2^61 - 1, where 2^61 is 1.
-namespace opc::physical::modulo61 {
+namespace opc::modulo61 {
 
 inline constexpr std::uint64_t PRIME = (std::uint64_t{1} << 61) - 1;
 
@@ -38,4 +38,4 @@ constexpr std::uint64_t multiply(std::uint64_t left, std::uint64_t right, std::u
 }
 #endif
 
-} // namespace opc::physical::modulo61
+} // namespace opc::modulo61
