@@ -140,8 +140,9 @@ Scanned EventScanner::takeTextRun() {
         skipSpace(p);
         if (p == window.at)
             return Scanned::NotPlain;
+        spaceOutside += static_cast<std::size_t>(p - window.at);
         window.at = p;
-        return Scanned::Taken;
+        return spaceOutside > LONGEST_TAG ? Scanned::NotPlain : Scanned::Taken;
     }
     while (p != window.end && *p != '<') {
         if (textSize >= LONGEST_PIECE)

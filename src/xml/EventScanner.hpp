@@ -115,6 +115,7 @@ private:
 
     std::array<char16_t, LONGEST_PIECE + 16> text; ///< that wasn't told yet
     std::size_t textSize = 0;
+    std::size_t spaceOutside = 0; ///< bytes of white space outside the root
 };
 
 } // namespace opc::model

@@ -174,6 +174,7 @@ TEST(StandardAttacks, PlayWithContentTypes) {
         {"gap: /_xmlsignatures/_rels/origin.sigs.rels it hasn't the content type of relationships",
          overriding("/_xmlsignatures/_rels/origin.sigs.rels")},
         {"The content types have text", adding("text")},
+        {"The content types have text, or very much white space", adding(std::string(2U << 20, ' '))},
         {"The element Override of the content types has a prefix",
          adding("<a:Override xmlns:a='http://schemas.openxmlformats.org/package/2006/content-types' "
                 "PartName='/a' ContentType='text/html'/>")},

@@ -70,6 +70,7 @@ TEST(RelationshipTransform, sortsByCharactersBeyondTheFirstPlane) {
 
 TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
     const std::string refusal = "opc::standard_signatures::Refusal: ";
+    const std::string withText = refusal + "There is text in it, or very much white space";
     const std::string invalid = "opc::model::InvalidXMLDocument: ";
     const struct {
         std::string content, outcome;
@@ -104,8 +105,9 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
          refusal + "The Type \"u:t\t\" isn't the same to every reader"},
         {ROOT + "<Relationship Id='a' Type='u:t' Target='t  u'/></Relationships>",
          refusal + "The Target \"t  u\" isn't the same to every reader"},
-        {ROOT + "text</Relationships>", refusal + "There is text in it"},
-        {ROOT + "<![CDATA[<]]></Relationships>", refusal + "There is text in it"},
+        {ROOT + "text</Relationships>", withText},
+        {ROOT + "<![CDATA[<]]></Relationships>", withText},
+        {ROOT + std::string(2U << 20, '\n') + "</Relationships>", withText},
         {ROOT + element("b") + "</Relationships>", refusal + "A signed relationship is missing"},
         {ROOT + "<?p a?></Relationships>", refusal + "There is an instruction to programs in it"},
         {"<?xml version='1.1'?>" + ROOT + "</Relationships>", invalid + "The document isn't one of XML 1.0"},

@@ -48,8 +48,8 @@ public:
     }
     void onEnd() override { --depth; }
     void onText(std::u16string_view text) override {
-        if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
-            refuseTypes("The content types have text");
+        if (!isLittleSpace(text))
+            refuseTypes("The content types have text, or very much white space");
     }
     void onInstruction(std::u16string_view, std::u16string_view) override {
         refuseTypes("The content types have an instruction to programs");

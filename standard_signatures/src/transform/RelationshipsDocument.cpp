@@ -34,8 +34,8 @@ public:
     }
     void onEnd() override { --depth; }
     void onText(std::u16string_view text) override {
-        if (text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
-            refuseRelationships("There is text in it");
+        if (!isLittleSpace(text))
+            refuseRelationships("There is text in it, or very much white space");
     }
     void onInstruction(std::u16string_view, std::u16string_view) override {
         refuseRelationships("There is an instruction to programs in it");

@@ -63,6 +63,13 @@ void PackageDocument::read(InputStream& stream, std::uint64_t mostBytes) {
     model::readXmlDocument(bytes, *this);
 }
 
+bool PackageDocument::isLittleSpace(std::u16string_view text) {
+    if (text.size() > spaceLeft || text.find_first_not_of(u" \t\r\n") != std::u16string_view::npos)
+        return false;
+    spaceLeft -= text.size();
+    return true;
+}
+
 void PackageDocument::refuse(const std::string& reason) {
     throw model::InvalidXMLDocument(reason);
 }

@@ -3,6 +3,7 @@
 #include <opc/core/InputStream.hpp>
 #include <opc/model/XmlEvents.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -24,12 +25,16 @@ public:
     void onDeclaration(std::u16string_view encoding) final;
 
 protected:
+    /// Whether a text is white space, of which the document has at most 1 MiB in all: some programs stop at more of it.
+    bool isLittleSpace(std::u16string_view text);
+
     [[noreturn]] static void refuse(const std::string& reason);
 
 private:
     class CheckedBytes;
 
     bool isUTF16 = false;
+    std::size_t spaceLeft = 1U << 20;
 };
 
 } // namespace opc::standard_signatures
