@@ -1,5 +1,7 @@
 #include "xml/DocumentEnd.hpp"
 
+#include "xml/DocumentUnits.hpp"
+
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
@@ -21,15 +23,6 @@ std::size_t followersOf(unsigned char byte) {
                          : MOST_FOLLOWERS;
 }
 
-std::size_t unitSizeOf(const unsigned char* bytes, std::size_t count) {
-    if (count < 4)
-        return 1;
-    const bool hasMark = (bytes[0] == 0xFE && bytes[1] == 0xFF) || (bytes[0] == 0xFF && bytes[1] == 0xFE);
-    const auto zeros = std::count(bytes, bytes + 4, 0);
-    const bool isUTF32 = zeros == 3 || (zeros == 2 && (bytes[0] == bytes[1] || bytes[2] == bytes[3]));
-    return isUTF32 ? 4 : hasMark || zeros > 0 ? 2 : 1;
-}
-
 [[noreturn]] void failForZero() {
     throw InvalidXMLDocument("the character U+0000 stands in the document");
 }
@@ -38,7 +31,7 @@ std::size_t unitSizeOf(const unsigned char* bytes, std::size_t count) {
 
 void DocumentEnd::pass(const unsigned char* bytes, std::size_t count) {
     if (total == 0)
-        unitSize = unitSizeOf(bytes, count);
+        unitSize = DocumentUnits::of(bytes, count).size;
     if (unitSize == 1 && std::memchr(bytes, 0, count) != nullptr)
         failForZero();
     for (std::size_t i = 0; unitSize > 1 && i < count; ++i) {

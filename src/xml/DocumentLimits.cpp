@@ -1,5 +1,8 @@
 #include "xml/DocumentLimits.hpp"
 
+#include "xml/AttributeCount.hpp"
+#include "xml/DocumentUnits.hpp"
+
 #include <opc/model/Errors.hpp>
 
 #include <xercesc/framework/ValidationContext.hpp>
@@ -15,7 +18,6 @@ namespace {
 
 constexpr std::size_t MAXIMUM_DEPTH = 1000;
 constexpr XMLSize_t MAXIMUM_COMMENTS = 10000;
-constexpr XMLSize_t MAXIMUM_ATTRIBUTES = 1000;
 /// Each of them may declare a prefix, and Xerces searches all declared prefixes for each prefix.
 constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
@@ -55,6 +57,13 @@ void DocumentLimits::startDocument() {
     DocumentHandlerLink::startDocument();
 }
 
+void DocumentLimits::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                             const XMLCh* actualEncoding) {
+    DocumentHandlerLink::XMLDecl(version, encoding, standalone, actualEncoding);
+    for (const XMLCh* const one : {encoding, actualEncoding})
+        refuseIf(one != nullptr && !AttributeCount::knows(one), OTHER_ENCODING, scanner());
+}
+
 void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
                                   const XMLCh* prefix,
                                   const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
@@ -62,8 +71,6 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
     bytesSinceLastToken = 0;
     refuseIf(openElements.size() >= MAXIMUM_DEPTH, "XML content can not be nested deeper than 1000 elements",
              scanner());
-    refuseIf(attributeCount > MAXIMUM_ATTRIBUTES,
-             "XML content can not have more than 1000 attributes on an element", scanner());
     refuseIf(openAttributes + attributeCount > MAXIMUM_OPEN_ATTRIBUTES,
              "XML content can not have more than 4000 attributes on nested elements", scanner());
     countName(declaration.getBaseName());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hash/TextHash.hpp"
 #include "xml/CollidingIDs.hpp"
 #include "xml/DocumentHandlerLink.hpp"
 
@@ -13,7 +14,8 @@
 namespace opc::model {
 
 /// Stops a parse with `InvalidXMLDocument` if the document is built to exhaust its reader: nested too deeply, or with
-/// too many comments, attributes, different names or colliding IDs. Each read makes a new object, so it doesn't
+/// too many comments, attributes of open elements, different names or colliding IDs. `AttributeCount` stops it before a tag
+/// with too many attributes. Each read makes a new object, so it doesn't
 /// depend on earlier documents.
 ///
 /// Xerces takes quadratic time for all of these, in parsing or in writing, and its writer recurses. The limits are
@@ -26,6 +28,8 @@ public:
         : DocumentHandlerLink(parser), bytesSinceLastToken(bytesSinceLastToken) {}
 
     void startDocument() override;
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                 const XMLCh* actualEncoding) override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, const XMLCh* prefix,
                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t attributeCount,
                       bool isEmpty, bool isRoot) override;
@@ -44,10 +48,10 @@ private:
     std::vector<XMLSize_t> openElements; ///< the number of attributes of each
     XMLSize_t openAttributes = 0;        ///< of all open elements together
     XMLSize_t comments = 0;
-    XMLSize_t names = 0;                                ///< of elements, attributes and instructions
-    std::unordered_set<std::u16string_view> laterNames; ///< the different ones, once there are many
-    std::deque<std::u16string> nameTexts;               ///< the texts that they point into
-    std::unordered_set<std::u16string> namespaces;      ///< the declared ones
+    XMLSize_t names = 0; ///< of elements, attributes and instructions
+    std::unordered_set<std::u16string_view, TextHash> laterNames; ///< the different ones, once there are many
+    std::deque<std::u16string> nameTexts;                         ///< the texts that they point into
+    std::unordered_set<std::u16string, TextHash> namespaces;      ///< the declared ones
     CollidingIDs ids;
 };
 

@@ -2,6 +2,7 @@
 
 #include "xml/DocumentLimits.hpp"
 #include "xml/DocumentOutput.hpp"
+#include "xml/DocumentUnits.hpp"
 #include "xml/ErrorHandlerAttachment.hpp"
 #include "xml/ParserSettings.hpp"
 #include "xml/XercesFailures.hpp"
@@ -210,7 +211,7 @@ void XercesHelper::throwIfUnsupportedEncoding(const DOMDocument* document) {
         if (xercesc::XMLString::equals(encoding, allowed))
             return;
     }
-    throw InvalidXMLDocument("XML content must be UTF-8 or UTF-16 or empty (i.e., absent XML declaration)");
+    throw InvalidXMLDocument(OTHER_ENCODING);
 }
 
 void XercesHelper::throwIfDTDIsPresent(const DOMDocument* document) {

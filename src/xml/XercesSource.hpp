@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/AttributeCount.hpp"
 #include "xml/DocumentEnd.hpp"
 #include "xml/LongTags.hpp"
 
@@ -40,6 +41,7 @@ public:
                 throw InvalidXMLDocument(TAG_IS_TOO_LONG);
             const std::uint64_t count = readEnough(toFill, maxToRead);
             documentEnd.pass(toFill, static_cast<std::size_t>(count));
+            attributeCount.pass(toFill, static_cast<std::size_t>(count));
             if (stream.isDone())
                 documentEnd.finish();
             position += count;
@@ -72,6 +74,7 @@ private:
     InputStream& stream;
     SourceState& state;
     DocumentEnd documentEnd;
+    AttributeCount attributeCount;
     XMLFilePos position = 0;
 };
 

@@ -130,6 +130,48 @@ std::string manyNames(std::size_t count, const std::string& before, const std::s
     return document + "</a>";
 }
 
+/// An element whose attributes fall together in the hash table of the parser.
+std::string withCollidingAttributes(unsigned bits) {
+    std::string element = "<a";
+    for (unsigned number = 0; number >> bits == 0; ++number) {
+        element += " x";
+        for (unsigned bit = 0; bit < bits; ++bit)
+            element += (number >> bit) % 2 == 0 ? "bA" : "ag";
+        element += "=''";
+    }
+    return element;
+}
+
+TEST_F(Reading, countsTheAttributesOfATagBeforeItReadsThem) {
+    const std::string many = withAttributes(2000, "b") + "/>";
+    const std::pair<std::string, bool> cases[] = {
+        // and whether it is refused
+        {"<!--" + many + "--->-->", true}, // as it is malformed
+        {"<!--" + many + "-- >", true},
+        {"<r><!--" + many + "--><![CDATA[" + many + "]]]]>" + repeated("a='", 2000) + "<?p " + many +
+             "\?\?></r>",
+         false},
+        {"<r>" + repeated("<a b = 'c' d\n=\n'e'/>", 2000) + "</r>", false},
+        {"<r a='" + repeated("b=\"c\" ", 2000) + "' d=\"" + repeated("e='f'>", 2000) + "\"/>", false},
+        {"<r><!-- ' -->" + many, true},
+        {"<r><!--->'--><![CDATA[']]>]]&gt;'" + many, true},
+        {"<r><![CDATA[<!--']]>" + many, true},
+        {"<r><?p '<!--?>" + many, true},
+        {"<r>'<b c=\"'\" d='\"'/>'" + many, true},
+        {"<r>\r\n" + many, true},
+        {withCollidingAttributes(15) + "/>", true},
+    };
+    const std::clock_t start = std::clock();
+    for (const auto& [document, isRefused] : cases) {
+        const std::string low = "\xFF\xFE" + toUTF16(std::u16string(document.begin(), document.end()));
+        for (const std::string& one : {document, low, swapped(low)}) {
+            const std::string refusal = parser.refusal(one, false);
+            EXPECT_EQ(refusal.empty(), !isRefused) << document.substr(0, 40) << refusal;
+        }
+    }
+    EXPECT_LT(std::clock() - start, 10 * CLOCKS_PER_SEC);
+}
+
 TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
     const std::string hundred = withAttributes(100, "b") + ">";
     const std::pair<std::string, const char*> cases[] = {

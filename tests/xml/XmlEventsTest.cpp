@@ -92,6 +92,8 @@ TEST(XmlEvents, nameWhatIsWrongAndWhere) {
          "XML content can not contain more than 10000 comments (line 1)"},
         {"<a b='" + std::string(5U << 20, 'x') + "'/>",
          "XML content can not have tags or comments of more than 4 MiB ()"},
+        {"<a/>" + std::string(5U << 20, '\n'),
+         "XML content can not have tags or comments of more than 4 MiB ()"},
     };
     for (const auto& [document, failure] : cases) {
         const LoggedEvents read = eventsOf(toBytes(document));
