@@ -83,7 +83,10 @@ ordered_json describe(const CryptographyAnswer& answer) {
     ordered_json reasons = ordered_json::array();
     for (const Reason& reason : answer.reasons)
         reasons.push_back(reason.text);
-    return {{"answer", nameOf(answer.status)}, {"reasons", reasons}, {"references", references}};
+    return {{"answer", nameOf(answer.status)},
+            {"reasons", reasons},
+            {"referenceCount", answer.referenceCount},
+            {"references", references}};
 }
 
 ordered_json describe(const std::vector<Unsigned>& all) {

@@ -416,11 +416,13 @@ const Command VERIFY{
           "part": {"description": "this and what follows: in the standard's profile", "type": "string"},
           "cryptography": {
             "type": "object",
-            "required": ["answer", "reasons", "references"],
+            "required": ["answer", "reasons", "referenceCount", "references"],
             "properties": {
               "answer": {"enum": ["valid", "weak", "broken"]},
               "reasons": {"type": "array", "items": {"type": "string"}},
+              "referenceCount": {"type": "integer"},
               "references": {
+                "description": "of all signatures together the first 10000",
                 "type": "array",
                 "items": {
                   "type": "object",

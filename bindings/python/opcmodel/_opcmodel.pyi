@@ -187,7 +187,7 @@ _UnsignedRow = tuple[str, str, Optional[str], Optional[str], str]
 _SignatureRow = tuple[
     str,
     str,
-    tuple[str, str, int, list[_ReasonRow], list[tuple[str, str, bool, str]]],
+    tuple[str, str, int, list[_ReasonRow], list[tuple[str, str, bool, str]], int],
     tuple[str, int, int, list[_UnsignedRow], int, list[_UnsignedRow], int],
     tuple[str, str, Optional[str], Optional[str], Optional[float], str, str],
     Optional[str],

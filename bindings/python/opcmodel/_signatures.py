@@ -103,6 +103,8 @@ class Cryptography:
     key_bits: int
     reasons: tuple[Reason, ...]
     references: tuple[Reference, ...]
+    """The first 10,000 of all signatures of the package."""
+    reference_count: int
 
 
 @dataclass(frozen=True, slots=True)
@@ -269,7 +271,10 @@ def _verified(row: _opcmodel._SignatureRow) -> VerifiedSignature:
         name,
         part,
         Cryptography(
-            *crypto[:3], tuple(Reason(*one) for one in crypto[3]), tuple(Reference(*one) for one in crypto[4])
+            *crypto[:3],
+            tuple(Reason(*one) for one in crypto[3]),
+            tuple(Reference(*one) for one in crypto[4]),
+            crypto[5],
         ),
         SignatureCoverage(
             *coverage[:3],

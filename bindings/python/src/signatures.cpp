@@ -243,7 +243,7 @@ py::tuple toRow(const CheckedReference& one) {
 py::tuple toRow(const CryptographyAnswer& answer) {
     constexpr std::array NAMES{"valid", "weak", "broken"};
     return py::make_tuple(nameOf(NAMES, answer.status), toPython(answer.method), answer.keyBits,
-                          toRows(answer.reasons), toRows(answer.references));
+                          toRows(answer.reasons), toRows(answer.references), answer.referenceCount);
 }
 
 py::tuple toRow(const CoverageAnswer& answer) {

@@ -30,7 +30,8 @@ public:
 
     CheckedSignature run(const std::vector<bedrock::certificates::X509Certificate>& certificates) {
         result.answer.method = document.method->name;
-        result.answer.references.reserve(document.elements.size() + document.manifest.size());
+        result.answer.referenceCount = document.elements.size() + document.manifest.size();
+        result.answer.references.reserve(std::min(result.answer.referenceCount, work.listedReferences));
         checkValue(certificates);
         for (const SignedElement& one : document.elements)
             check(one.reference.uri, one.reference.digest, [&] { checkElement(one); });
@@ -68,6 +69,14 @@ private:
             checked.wrong->place = uri;
             isBroken = true;
         }
+        list(std::move(checked));
+    }
+
+    void list(CheckedReference checked) {
+        constexpr std::size_t FOR_WRONG_ONES = CryptographyAnswer::MOST_LISTED / 2;
+        if (work.listedReferences <= (checked.wrong ? 0 : FOR_WRONG_ONES))
+            return;
+        --work.listedReferences;
         result.answer.references.push_back(std::move(checked));
     }
 
@@ -123,8 +132,7 @@ private:
 
     void addWeakDigests() {
         if (weakDigests != 0)
-            addWeakness(std::to_string(weakDigests) + " of " +
-                        std::to_string(result.answer.references.size()) +
+            addWeakness(std::to_string(weakDigests) + " of " + std::to_string(result.answer.referenceCount) +
                         " references have a digest with SHA-1");
     }
 
