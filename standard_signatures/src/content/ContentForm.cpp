@@ -47,7 +47,7 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Thumbnail, "image/wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
     {FormKind::Signature, SIGNATURE_CONTENT_TYPE, ".xml.psdsxs.sigs.", "", {}}, // which is read whole
-    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, "", "", {"0"}},           // the tag of a DER sequence
+    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, ".cer.crt.der.", "", {}}, // which is one DER value
 };
 
 /// Where some programs put properties.
@@ -78,6 +78,21 @@ bool hasExtension(std::string_view key, std::string_view extensions) {
 /// Whether programs that find items by their names don't take this one for something else.
 bool hasNameOfSignatures(std::string_view key) {
     return key.find("sig") != std::string_view::npos || hasExtension(key, ".psdsxs.psdor.psdsor.cer.");
+}
+
+/// Whether a file is one sequence in DER, of more than 127 bytes as every certificate.
+/// @param first  its first bytes, at most 8
+bool isSequence(const std::string& first, std::uint64_t size) {
+    constexpr unsigned char SEQUENCE = 0x30;
+    constexpr unsigned char LONG_FORM = 0x80;
+    const auto byte = [&first](std::size_t i) { return static_cast<unsigned char>(first[i]); };
+    if (first.size() < 8 || byte(0) != SEQUENCE || byte(1) <= LONG_FORM || byte(1) > LONG_FORM + 4)
+        return false;
+    const std::size_t lengthSize = byte(1) - LONG_FORM;
+    std::uint64_t length = 0;
+    for (std::size_t i = 0; i < lengthSize; ++i)
+        length = length << 8 | byte(2 + i);
+    return 2 + lengthSize + length == size;
 }
 
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
@@ -160,8 +175,9 @@ const char* ContentForm::defectIn(InputStream& stream) const {
         return !one.empty() && first.compare(0, one.size(), one) == 0;
     };
     const bool isRight =
-        kind == Kind::Origin
-            ? size == 0
+        kind == Kind::Origin ? size == 0
+        : kind == Kind::Certificate
+            ? isSequence(first, size)
             : beginning[0].empty() || std::any_of(std::begin(beginning), std::end(beginning), isBeginning);
     return isRight ? nullptr : OTHER_FORM;
 }
