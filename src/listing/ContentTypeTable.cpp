@@ -35,12 +35,19 @@ bool isTypeOfRelationshipsParts(std::string_view contentType) {
 bool ContentTypeTable::take(const ScannedContentTypes& scanned, PartKeys& keys) {
     defaults = sorted(scanned.defaults, keys);
     overrides = sorted(scanned.overrides, keys);
+    if (hasTwins(defaults) || hasTwins(overrides))
+        return false;
+    const auto first = std::stable_partition(overrides.begin(), overrides.end(), [](const Entry& entry) {
+        return !isRelationshipsPartName(entry.key);
+    });
+    ofRelationships.assign(first, overrides.end());
+    overrides.erase(first, overrides.end());
     next = overrides.begin();
-    const std::string_view ofRelationships = findDefault(RELATIONSHIPS_EXTENSION);
-    return !hasTwins(defaults) && !hasTwins(overrides) &&
-           (ofRelationships.empty() || isTypeOfRelationshipsParts(ofRelationships)) &&
-           std::none_of(overrides.begin(), overrides.end(),
-                        [](const Entry& entry) { return extensionOf(entry.key) == RELATIONSHIPS_EXTENSION; });
+    const std::string_view common = find(defaults, RELATIONSHIPS_EXTENSION);
+    return (common.empty() || isTypeOfRelationshipsParts(common)) &&
+           std::all_of(ofRelationships.begin(), ofRelationships.end(), [](const Entry& entry) {
+               return isUsual(entry) && isTypeOfRelationshipsParts(entry.contentType);
+           });
 }
 
 ContentTypeTable::Entries ContentTypeTable::sorted(const std::vector<ScannedContentType>& scanned,
@@ -69,11 +76,11 @@ std::string_view ContentTypeTable::findNext(std::string_view key) {
             break;
         areUsual = areUsual && isUsual(*next);
     }
-    return findDefault(extensionOf(key));
+    return find(defaults, extensionOf(key));
 }
 
-bool ContentTypeTable::coversRelationships() const {
-    return !findDefault(RELATIONSHIPS_EXTENSION).empty();
+bool ContentTypeTable::coversRelationships(std::string_view key) const {
+    return !find(defaults, RELATIONSHIPS_EXTENSION).empty() || !find(ofRelationships, key).empty();
 }
 
 bool ContentTypeTable::hasUsualRest() {
@@ -84,11 +91,11 @@ bool ContentTypeTable::isUsual(const Entry& entry) {
     return isUsualPartName(entry.written);
 }
 
-std::string_view ContentTypeTable::findDefault(std::string_view extension) const {
+std::string_view ContentTypeTable::find(const Entries& entries, std::string_view key) {
     const auto found =
-        std::lower_bound(defaults.begin(), defaults.end(), extension,
+        std::lower_bound(entries.begin(), entries.end(), key,
                          [](const Entry& entry, std::string_view sought) { return entry.key < sought; });
-    return found == defaults.end() || found->key != extension ? std::string_view() : found->contentType;
+    return found == entries.end() || found->key != key ? std::string_view() : found->contentType;
 }
 
 } // namespace opc::model

@@ -22,8 +22,9 @@ public:
     /// @return the content type; empty if there is none
     std::string_view findNext(std::string_view key);
 
-    /// Whether relationships parts have a content type.
-    bool coversRelationships() const;
+    /// Whether a relationships part has a content type.
+    /// @param key  of its name
+    bool coversRelationships(std::string_view key) const;
 
     /// Whether the entries of parts that weren't found are for usual names, after all parts.
     bool hasUsualRest();
@@ -39,10 +40,11 @@ private:
     static Entries sorted(const std::vector<ScannedContentType>& scanned, PartKeys& keys);
     static bool hasTwins(const Entries& entries);
     static bool isUsual(const Entry& entry);
-    std::string_view findDefault(std::string_view extension) const;
+    static std::string_view find(const Entries& entries, std::string_view key);
 
     Entries defaults;
     Entries overrides;
+    Entries ofRelationships; ///< overrides of relationships parts
     Entries::const_iterator next =
         overrides.end();  ///< the first override that wasn't compared with a part yet
     bool areUsual = true; ///< those that were compared and belong to none

@@ -32,12 +32,6 @@ constexpr std::size_t USUAL_COUNT = 16;
 /// Larger documents are left to `Package`.
 constexpr std::size_t LARGEST_LISTED = 1 << 20;
 
-bool hasRelationshipsName(std::string_view name) {
-    constexpr std::string_view EXTENSION = ".rels";
-    return name.size() > EXTENSION.size() && name.substr(name.size() - EXTENSION.size()) == EXTENSION &&
-           name.find("/_rels/") != std::string_view::npos;
-}
-
 } // namespace
 
 struct PackageListing::Documents {
@@ -119,16 +113,17 @@ private:
             const std::string_view key = keys.keep(name);
             if (name.empty())
                 return false;
-            if (hasRelationshipsName(name))
+            if (!isRelationshipsPartName(name))
+                parts.push_back({key, name, {}, physicalPart});
+            else if (types.coversRelationships(key))
                 relationshipsParts->add(key, physicalPart);
             else
-                parts.push_back({key, name, {}, physicalPart});
+                return false;
         }
         const std::size_t count = parts.size();
         sortByKey(parts);
         relationshipsParts->sort();
-        return parts.size() == count && (count == physicalParts.size() || types.coversRelationships()) &&
-               findContentTypes();
+        return parts.size() == count && findContentTypes();
     }
 
     bool findContentTypes() {

@@ -51,4 +51,10 @@ bool isUsualPartName(std::string_view text) {
     return before != 0 && before != '/' && before != '.';
 }
 
+bool isRelationshipsPartName(std::string_view name) {
+    constexpr std::string_view EXTENSION = ".rels";
+    return name.size() > EXTENSION.size() && name.substr(name.size() - EXTENSION.size()) == EXTENSION &&
+           name.find("/_rels/") != std::string_view::npos;
+}
+
 } // namespace opc::model

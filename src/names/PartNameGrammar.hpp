@@ -18,4 +18,7 @@ void throwIfNoNameForNewPart(const PartName& name);
 /// for dots and slashes. `PartName` takes it as it is.
 bool isUsualPartName(std::string_view text);
 
+/// Whether a part name is that of a relationships part, as `PartName::isRelationshipName` says.
+bool isRelationshipsPartName(std::string_view name);
+
 } // namespace opc::model

@@ -232,6 +232,10 @@ TEST(Scanner, readsPackagesThatAreNearlyPlainAsOddOnes) {
          "<Relationship Id='c' " + core + " Target='/C.XML'/>", "c.xml",
          "<Relationship Id='b' Type='t:b' Target='C.Xml'/>", "_rels/A.XML.rels"},
         {"twins", "<Default Extension='XML' ContentType='a/b'/>", "", "c.xml", ""},
+        {"overrides of relationships",
+         "<Override PartName='/_rels/a.xml.rels' "
+         "ContentType='application/vnd.openxmlformats-package.relationships+xml'/>",
+         "", "c.xml", ""},
         {"another type of relationships", "<Override PartName='/_rels/.rels' ContentType='a/b'/>", "",
          "c.xml", ""},
         {"no type", "", "", "c.png", ""},
