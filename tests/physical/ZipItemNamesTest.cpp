@@ -124,13 +124,19 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
         {"",
          [&](RawItem& it) { it.localExtra = fieldOf(0x4453, "rights", 6) + fieldOf(0x6375, "comment", 7); }},
         {"", [&](RawItem& it) { it.extra = fieldOf(0xA220, "\x28\xA0 1rrr", 7) + fieldOf(0xCAFE, "", 0); }},
-        {"a: its local header holds data of an unknown kind\n", // in the room for growth
+        {"a: its local header has the mark of a record of an archive\n"
+         "a: its local header holds data of an unknown kind\n", // in the room for growth
          [&](RawItem& it) { it.localExtra = fieldOf(0xA220, "\x28\xA0 1PK\3\4", 8); }},
         {"a: its ZIP64 field has other numbers\n", [&](RawItem& it) { it.extra = numbers(zeros); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.extra = numbers(zeros + std::string("\1\1", 2) + std::string(6, '\0')); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.localExtra = numbers("") + numbers(""); }},
+        {"a: its record in the directory has the mark of a record of an archive\n",
+         [&](RawItem& it) { it.extra = fieldOf(0x6375, "comment PK\1\2", 12); }},
+        {"a: its comment has the mark of a record of an archive\n",
+         [](RawItem& it) { it.comment = "PK\5\6"; }},
+        {"", [](RawItem& it) { it.comment = "PK\5 PK"; }},
         {"", [](RawItem& it) { it.attributes = 0100644U << 16U | 0x20U; }},
         {"a: by its attributes it is a symbolic link\n",
          [](RawItem& it) { it.attributes = 0120777U << 16U; }},

@@ -173,6 +173,7 @@ TEST(StandardAttacks, PlayWithContentTypes) {
          adding("<Override PartName='/word/_rels/document.xml.rels' ContentType='application/xml'/>")},
         {"gap: /_xmlsignatures/_rels/origin.sigs.rels it hasn't the content type of relationships",
          overriding("/_xmlsignatures/_rels/origin.sigs.rels")},
+        {"A comment in the content types has markup", adding("<!--<Override/>-->")},
         {"The content types have text", adding("text")},
         {"The content types have text, or very much white space", adding(std::string(2U << 20, ' '))},
         {"The element Override of the content types has a prefix",
@@ -221,6 +222,8 @@ TEST(StandardAttacks, PlayWithRelationships) {
          replacingIn(PACKAGE, "<Relationship ",
                      "<Relationship Id=' rId1 ' Target='docProps/core.xml' Type='" + BASE +
                          "metadata/thumbnail'/><Relationship ")},
+        {"/_rels/.rels: A comment in it has markup",
+         replacingIn(PACKAGE, "</Relationships>", "<!--<Relationship/>--></Relationships>")},
         {"/_rels/.rels: There is text in it", replacingIn(PACKAGE, "</Relationships>", "x</Relationships>")},
         {"gap: / rId3 more than one relationship leads to an origin",
          adding(PACKAGE, BASE + "digital-signature/origin", "_xmlsignatures/origin.sigs")},
@@ -316,6 +319,8 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: /docProps/core.xml" + form, replacingIn(u"/docProps/core.xml", "metadata", "data")},
         {"gap: /docProps/core.xml" + form,
          replacingIn(u"/docProps/core.xml", "core-properties'", "core-properties' a=b")},
+        {"gap: /docProps/core.xml" + form, // some programs show it as a page
+         replacingIn(u"/docProps/core.xml", "/>", "><FixedPage xmlns='u:page'/></coreProperties>")},
         {"gap: /docProps/app.xml its content isn't signed, and says where the links of the document lead",
          with(OFFICE + "extended-properties", "/docProps/app.xml",
               "application/vnd.openxmlformats-officedocument.extended-properties+xml",
@@ -639,6 +644,7 @@ TEST(StandardAttacks, PlayWithArchives) {
          [&](RawArchive& it) { it.items.push_back(stored("[Content_Types].xml/x/", "")); }},
         {"a second name", [&](RawArchive& it) { itemOf(it.items, core).localExtra = otherPath; }},
         {"a link", [&](RawArchive& it) { itemOf(it.items, document).attributes = 0120777U << 16U; }},
+        {"a record in the comment", [&](RawArchive& it) { it.comment = "PK\1\2"; }},
         {"another format in front", [&](RawArchive& it) { it.items[0].inFront = "{\\rtf1 evil}"; }},
         {"leftovers that end elsewhere", [&](RawArchive& it) { it.items.back().crc ^= 1U; }},
         {"leftovers with another name", [&](RawArchive& it) { it.items.back().name = "[trash]/0000.xml"; }},
@@ -678,6 +684,9 @@ TEST(StandardAttacks, TakeAPartToPieces) {
         EXPECT_EQ(judge(archive, false), "yes");
         itemOf(archive.items, "word/styles.xml").name += "/[0].last.piece";
         EXPECT_EQ(judge(archive, false) == "yes", isYes) << main;
+        itemOf(archive.items, "word/styles.xml/[0].last.piece").name = "word/styles.xml/[0].piece";
+        archive.items.push_back(stored("word/Styles.xml/[1].last.piece", ""));
+        EXPECT_NE(judge(archive, false), "yes") << main;
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Failure.hpp"
 #include "ItemKind.hpp"
 #include "NameText.hpp"
+#include "RecordSignatures.hpp"
 #include "Records.hpp"
 
 #include <opc/physical/ZipOptions.hpp>
@@ -111,9 +112,13 @@ void DirectoryReader::inspect(const unsigned char* record) {
         directory.ambiguities.push_back({item, std::string("by its attributes it is ") + kind});
     if (asksForMore(read16(record + 6), read16(record + 8)))
         directory.ambiguities.push_back({item, ASKS_FOR_MORE});
-    inspectFields(record + DIRECTORY_ENTRY_SIZE + read16(record + 28), read16(record + 30), item,
-                  "its record in the directory", place, directory);
-    if (const std::size_t size = read16(record + 32))
+    const unsigned char* const extra = record + DIRECTORY_ENTRY_SIZE + read16(record + 28);
+    inspectFields(extra, read16(record + 30), item, "its record in the directory", place, directory);
+    const std::size_t size = read16(record + 32);
+    if (const unsigned char* const comment = extra + read16(record + 30);
+        holdsRecordSignature(comment, comment + size))
+        directory.ambiguities.push_back({item, "its comment" + std::string(HOLDS_A_MARK)});
+    if (size != 0)
         directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size), false});
 }
 
@@ -203,6 +208,8 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     const auto note = [&](const char* what) {
         directory.unread.push_back({std::string(entry.name), record + std::string(what), false});
     };
+    if (holdsRecordSignature(extra, extra + size))
+        directory.ambiguities.push_back({item, record + std::string(HOLDS_A_MARK)});
     bool hasPath = false;
     bool hasNumbers = false;
     ExtraFieldWalk walk(extra, size);

@@ -72,6 +72,9 @@ struct ArchiveDirectory {
 bool asksForMore(std::uint16_t version, std::uint16_t flags);
 constexpr const char* ASKS_FOR_MORE = "it asks for more than other programs may have";
 
+/// Programs that look for records themselves take one in a comment or an extra field for the end or an item of the archive.
+constexpr const char* HOLDS_A_MARK = " has the mark of a record of an archive";
+
 /// @return why the content of an item can't be read, as words for a message; empty if it can
 OPC_ZIP_EXPORT std::string whyUnreadable(const DirectoryEntry& entry);
 

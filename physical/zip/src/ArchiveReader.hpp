@@ -95,6 +95,9 @@ public:
             whenRead(bytes);
     }
 
+    /// Has contents expanded by zlib alone, as most programs do. `expandWhole` takes codes that zlib refuses.
+    void readAsMostProgramsDo() noexcept { expandsWhole = false; }
+
     /// Expands a deflated item with one call, if it fits into memory as a whole. Throws only as `lookAtStart` does.
     /// @param content  has room for all of it
     /// @return whether the content is complete and right
@@ -137,6 +140,7 @@ private:
     std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;
     std::vector<unsigned char> spareMemory;
+    bool expandsWhole = true;
     WholeInflater wholeInflater;
     std::vector<unsigned char> compressed; ///< for an item that is expanded as a whole
 };

@@ -5,6 +5,7 @@
 #include "DirectoryEnd.hpp"
 #include "Failure.hpp"
 #include "NameText.hpp"
+#include "RecordSignatures.hpp"
 #include "Records.hpp"
 #include "ZipContentReader.hpp"
 
@@ -100,6 +101,8 @@ void ZipSession::checkReadable(const DirectoryEntry& entry) {
 
 void ZipSession::takePiece(ItemIndex item, const ItemName& name, AllPieces& pieces) {
     Pieces& siblings = pieces[keyOfPieces(name.partName)];
+    if (!siblings.found.empty() && siblings.name.partName != name.partName)
+        otherwiseNamed.push_back(item);
     siblings.name = name;
     if (!siblings.found.emplace(name.piece->number, FoundPiece{item, name.piece->last}).second)
         fail(context.archive->itemPlace(item), "another item is the same piece", EBADMSG);
@@ -295,11 +298,19 @@ std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
         else if (name.piece && name.kind != ItemName::Kind::Ignored)
             add(item, name, "it is a piece of an interleaved part", true);
     }
+    for (const ItemIndex item : otherwiseNamed)
+        add(item, readItemName(context.archive->item(item).name),
+            "another piece of the part has the name in another letter case", false);
     const auto addNamed = [&](ItemIndex item, std::string reason) {
         add(item, readItemName(context.archive->item(item).name), std::move(reason), false);
     };
     if (context.archive) {
         context.archive->checkLayoutNow();
+        context.archive->readAsMostProgramsDo();
+        const std::string& comment = context.archive->comment();
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(comment.data());
+        if (holdsRecordSignature(bytes, bytes + comment.size()))
+            all.push_back({u"the comment of the archive", "it" + std::string(HOLDS_A_MARK), false});
         takeFindings();
         for (const Ambiguity& one : context.archive->ambiguities())
             addNamed(one.item, one.reason);

@@ -34,7 +34,8 @@ public:
     /// @return whether all of it is as the directory says, so that it hides nothing
     bool canReadLeftovers();
 
-    /// The items that other programs may take for something else, and the bytes of the archive that belong to no item.
+    /// The items that other programs may take for something else, and the bytes of the archive that belong to no item. From now
+    /// on, contents are read as most programs do.
     std::vector<interfaces::MisnamedItem> misnamedItems();
 
     /// What was accepted so far although it breaks the standard, including findings in the items that were read.
@@ -84,7 +85,8 @@ private:
     NamedList<ZipPart> parts;
     std::optional<ZipContent> contentTypes;
     ExtractionNames extractionNames{parts};
-    std::vector<ItemIndex> unusual; ///< items that don't have the plain name of a part
+    std::vector<ItemIndex> otherwiseNamed; ///< pieces
+    std::vector<ItemIndex> unusual;        ///< items that don't have the plain name of a part
     std::vector<ItemIndex> removedItems;
     std::vector<ZipPackage::IgnoredItem> ignored;
     std::vector<std::string> loose;      ///< bytes that belong to no item

@@ -97,6 +97,14 @@ bool isSequence(const std::string& first, std::uint64_t size) {
 
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
 
+/// The namespaces of what stands in properties.
+constexpr std::string_view VALUES[] = {
+    "http://purl.org/dc/elements/1.1/",
+    "http://purl.org/dc/terms/",
+    "http://schemas.openxmlformats.org/officeDocument/2006/docPropsVTypes",
+    "http://purl.oclc.org/ooxml/officeDocument/docPropsVTypes",
+};
+
 /// Compares the root element, and looks for a base to which programs resolve relative links of the document, and for word that
 /// they are to be taken from here (ECMA-376 Part 1, HyperlinkBase and HyperlinksChanged).
 class PropertiesReader final : public PackageDocument {
@@ -104,6 +112,7 @@ public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        isForeign = isForeign || !isOfProperties(element.namespaceURI());
         if (isRoot && isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
             (isText(element.namespaceURI(), form.beginning[0]) ||
              isText(element.namespaceURI(), form.beginning[1])))
@@ -128,9 +137,18 @@ public:
                 value += c;
     }
 
-    const char* defect = OTHER_FORM;
+    const char* findDefect() const { return isForeign ? OTHER_FORM : defect; }
 
 private:
+    bool isOfProperties(std::u16string_view name) const {
+        const auto isName = [name](std::string_view one) { return !one.empty() && isText(name, one); };
+        return std::any_of(std::begin(form.beginning), std::end(form.beginning), isName) ||
+               std::any_of(std::begin(VALUES), std::end(VALUES), isName);
+    }
+
+    const char* defect = OTHER_FORM;
+    bool isForeign =
+        false; ///< an element isn't one of properties, and can be content for a program that finds the part by its name
     const ContentForm& form;
     bool isRoot = true;
     unsigned depthOfLinks = 0; ///< of elements
@@ -159,7 +177,7 @@ const char* ContentForm::defectIn(InputStream& stream) const {
         } catch (const model::InvalidXMLDocument&) {
             return OTHER_FORM;
         }
-        return reader.defect;
+        return reader.findDefect();
     }
     std::array<unsigned char, 16384> block; // not cleared
     std::string first;

@@ -51,6 +51,10 @@ public:
         if (!isLittleSpace(text))
             refuseTypes("The content types have text, or very much white space");
     }
+    void onComment(std::u16string_view text) override {
+        if (text.find(u'<') != std::u16string_view::npos)
+            refuseTypes("A comment in the content types has markup, which not all programs pass over");
+    }
     void onInstruction(std::u16string_view, std::u16string_view) override {
         refuseTypes("The content types have an instruction to programs");
     }

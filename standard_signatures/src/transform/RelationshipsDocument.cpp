@@ -37,6 +37,10 @@ public:
         if (!isLittleSpace(text))
             refuseRelationships("There is text in it, or very much white space");
     }
+    void onComment(std::u16string_view text) override {
+        if (text.find(u'<') != std::u16string_view::npos)
+            refuseRelationships("A comment in it has markup, which not all programs pass over");
+    }
     void onInstruction(std::u16string_view, std::u16string_view) override {
         refuseRelationships("There is an instruction to programs in it");
     }
