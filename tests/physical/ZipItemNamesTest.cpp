@@ -96,6 +96,8 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
     const auto numbers = [](const std::string& all) { return fieldOf(1, all, all.size()); };
     const std::string other = "a: a Unicode Path field gives it another name\n";
     const std::string zeros(16, '\0');
+    const std::string negative =
+        " has so many bytes that some programs take their number for a negative one\n";
     const struct {
         std::string told;
         std::function<void(RawItem&)> change;
@@ -137,6 +139,16 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
         {"a: its comment has the mark of a record of an archive\n",
          [](RawItem& it) { it.comment = "PK\5\6"; }},
         {"", [](RawItem& it) { it.comment = "PK\5 PK"; }},
+        {"", [](RawItem& it) { it.localExtra.assign(32767, '\0'); }},
+        {"a: its local header" + negative, [](RawItem& it) { it.localExtra.assign(32768, '\0'); }},
+        {"a: its record in the directory" + negative, [](RawItem& it) { it.extra.assign(32768, '\0'); }},
+        {"a: its comment" + negative, [](RawItem& it) { it.comment.assign(32768, '.'); }},
+        {"a: its headers have different flags\n",
+         [](RawItem& it) { it.changeLocal = [](RawItem& local) { local.flags = 2; }; }},
+        {"a: its data descriptor has no mark\n",
+         [](RawItem& it) { it.streamed = true, it.flags = 8, it.descriptorIsSigned = false; }},
+        {"a: by its attributes it is a file of an unknown kind\n",
+         [](RawItem& it) { it.attributes = 0160644U << 16U; }},
         {"", [](RawItem& it) { it.attributes = 0100644U << 16U | 0x20U; }},
         {"a: by its attributes it is a symbolic link\n",
          [](RawItem& it) { it.attributes = 0120777U << 16U; }},

@@ -18,6 +18,10 @@ namespace opc::physical::zip {
 
 namespace {
 
+constexpr std::size_t MOST_FOR_SIGNED_NUMBERS = 32767;
+constexpr const char* IS_NEGATIVE =
+    " has so many bytes that some programs take their number for a negative one";
+
 bool isSlash(char c) {
     return c == '/' || c == '\\';
 }
@@ -118,6 +122,8 @@ void DirectoryReader::inspect(const unsigned char* record) {
     if (const unsigned char* const comment = extra + read16(record + 30);
         holdsRecordSignature(comment, comment + size))
         directory.ambiguities.push_back({item, "its comment" + std::string(HOLDS_A_MARK)});
+    if (size > MOST_FOR_SIGNED_NUMBERS)
+        directory.ambiguities.push_back({item, "its comment" + std::string(IS_NEGATIVE)});
     if (size != 0)
         directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size), false});
 }
@@ -208,6 +214,8 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     const auto note = [&](const char* what) {
         directory.unread.push_back({std::string(entry.name), record + std::string(what), false});
     };
+    if (size > MOST_FOR_SIGNED_NUMBERS)
+        directory.ambiguities.push_back({item, record + std::string(IS_NEGATIVE)});
     if (holdsRecordSignature(extra, extra + size))
         directory.ambiguities.push_back({item, record + std::string(HOLDS_A_MARK)});
     bool hasPath = false;

@@ -65,6 +65,8 @@ void LayoutCheck::checkItem(ItemIndex index) {
     inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
     const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
     const bool isWrittenEarly = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
+    if (read16(header + 6) != entry.flags)
+        directory.ambiguities.push_back({index, "its headers have different flags"});
     if (asksForMore(read16(header + 4), read16(header + 6)))
         directory.ambiguities.push_back({index, ASKS_FOR_MORE});
     const auto readContent = [&](std::uint64_t offset, std::size_t count) {
@@ -75,9 +77,12 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
     const unsigned char* behind = count > 0 ? read(entry, contentEnd, descriptorBuffer, count) : nullptr;
+    const bool hasNoSize = read32(header + 18) == 0 && entry.compressedSize != 0;
     entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
     if (isWrittenEarly && entry.end == contentEnd)
         directory.ambiguities.push_back({index, "its data descriptor is missing"});
+    else if (isWrittenEarly && entry.method == STORE && hasNoSize && read32(behind) != DESCRIPTOR)
+        directory.ambiguities.push_back({index, "its data descriptor has no mark"});
 }
 
 /// @return the whole local header, valid until the next call

@@ -19,8 +19,11 @@ const char* kindByAttributes(std::uint32_t attributes, std::string_view name) {
         return "a socket";
     case 0040000U:
         return isFolderName(name) ? nullptr : "a folder";
-    default:
+    case 0:
+    case 0100000U:
         break;
+    default:
+        return "a file of an unknown kind";
     }
     if ((attributes & DOS_LABEL) != 0)
         return "the label of a disk";

@@ -251,16 +251,6 @@ const char* nameDefectForOthers(string_view item) {
                                  : "its name has another letter case than that of relationships parts";
 }
 
-bool isLeftoverName(string_view item) {
-    constexpr string_view FOLDER = "[trash]/";
-    constexpr string_view EXTENSION = ".dat";
-    constexpr std::size_t DIGITS = 4;
-    return item.size() == FOLDER.size() + DIGITS + EXTENSION.size() &&
-           item.substr(0, FOLDER.size()) == FOLDER && item.substr(FOLDER.size() + DIGITS) == EXTENSION &&
-           item.substr(FOLDER.size(), DIGITS).find_first_not_of("0123456789ABCDEFabcdef") ==
-               string_view::npos;
-}
-
 bool isFolderName(string_view item) {
     return !item.empty() && (item.back() == '/' || item.back() == '\\');
 }

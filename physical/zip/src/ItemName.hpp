@@ -48,10 +48,6 @@ const char* nameDefectForOthers(std::string_view item);
 /// Whether an item has the name of a folder, in any way of writing slashes.
 OPC_ZIP_EXPORT bool isFolderName(std::string_view item);
 
-/// Whether an item has the name of what saving in place leaves behind: `[trash]/`, four hexadecimal digits, `.dat` (ECMA-376
-/// Part 2).
-bool isLeftoverName(std::string_view item);
-
 /// @return an item name, in UTF-8, with all characters percent-encoded that a part name can't have
 std::string encodeItemName(std::string_view item);
 

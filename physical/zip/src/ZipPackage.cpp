@@ -2,7 +2,6 @@
 
 #include "ArchiveStore.hpp"
 #include "Failure.hpp"
-#include "ItemName.hpp"
 #include "SourceStore.hpp"
 #include "StreamStore.hpp"
 #include "ZipSession.hpp"
@@ -121,11 +120,9 @@ const std::vector<ZipPackage::IgnoredItem>& ZipPackage::ignoredItems() const {
 
 std::vector<interfaces::IgnoredItem> ZipPackage::getIgnoredItems() {
     std::vector<interfaces::IgnoredItem> items;
-    const bool canReadLeftovers = impl->opened().canReadLeftovers();
     for (const IgnoredItem& item : ignoredItems())
         if (item.isItem && (item.name.empty() || (item.name.back() != '/' && item.name.back() != '\\')))
-            items.push_back(
-                {toString(item.name, true), item.reason, canReadLeftovers && zip::isLeftoverName(item.name)});
+            items.push_back({toString(item.name, true), item.reason});
     return items;
 }
 

@@ -7,12 +7,10 @@
 #include "NameText.hpp"
 #include "RecordSignatures.hpp"
 #include "Records.hpp"
-#include "ZipContentReader.hpp"
 
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 
-#include <array>
 #include <cerrno>
 
 namespace opc::physical::zip {
@@ -265,22 +263,6 @@ const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName&
     return name.kind == ItemName::Kind::Part && changesWhenExtracted(entry.name)
                ? "some systems change its name"
                : nullptr;
-}
-
-bool ZipSession::canReadLeftovers() {
-    std::array<unsigned char, 16384> block; // not cleared
-    try {
-        for (const ItemIndex item : unusual) {
-            if (!isLeftoverName(context.archive->item(item).name))
-                continue;
-            ItemReader reader(*context.archive, {&item, &item + 1});
-            while (!reader.isDone())
-                reader.read(block.data(), block.size());
-        }
-    } catch (const Exception&) {
-        return false;
-    }
-    return true;
 }
 
 std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {

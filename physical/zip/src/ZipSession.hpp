@@ -30,10 +30,6 @@ public:
     ZipContent& contentTypesStream() { return *contentTypes; }
     const std::vector<ZipPackage::IgnoredItem>& ignoredItems() const { return ignored; }
 
-    /// Reads what saving in place has left behind.
-    /// @return whether all of it is as the directory says, so that it hides nothing
-    bool canReadLeftovers();
-
     /// The items that other programs may take for something else, and the bytes of the archive that belong to no item. From now
     /// on, contents are read as most programs do.
     std::vector<interfaces::MisnamedItem> misnamedItems();

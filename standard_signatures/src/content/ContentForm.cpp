@@ -112,7 +112,8 @@ public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
-        isForeign = isForeign || !isOfProperties(element.namespaceURI());
+        isForeign = isForeign || !isOfProperties(element.namespaceURI()) ||
+                    element.localName() == u"FixedPage"; // which some programs show whatever its namespace is
         if (isRoot && isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
             (isText(element.namespaceURI(), form.beginning[0]) ||
              isText(element.namespaceURI(), form.beginning[1])))

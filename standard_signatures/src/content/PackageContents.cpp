@@ -69,9 +69,7 @@ struct PackageContents::Known {
 PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
     : store(store), known(std::make_unique<Known>()) {
     static_cast<void>(misnamedItems()); // which compares what a slow store has put off
-    for (interfaces::IgnoredItem& item : store.getIgnoredItems())
-        if (!item.isLeftover)
-            ignored.push_back(std::move(item));
+    ignored = store.getIgnoredItems();
     const auto& parts = store.getParts();
     all.reserve(parts.size());
     for (interfaces::IPhysicalPart* const physical : parts) {
