@@ -60,6 +60,7 @@ TEST(ZipItemNames, areToldIfOtherProgramsMayNotFindTheirParts) {
         {"a/%C3%A9.xml", ""},
         {"a/b.xml/[0].last.piece", "it is a piece of an interleaved part"},
         {"[Content_Types].xml/[0].last.piece", "it is a piece of an interleaved part"},
+        {"a/b.xml/[0].LAST.piece", "its name has another letter case than that of pieces"},
         {"a b.xml/[0].piece", ""}, // it is no part
         {"a/[b].xml", "its name has a character that must be percent-encoded"},
         {"a/\xC3\xA9.xml", "its name isn't marked as UTF-8"},

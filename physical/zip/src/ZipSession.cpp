@@ -11,6 +11,7 @@
 #include <opc/core/Exception.hpp>
 #include <opc/core/Text.hpp>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace opc::physical::zip {
@@ -257,6 +258,10 @@ const char* ZipSession::whyMisnamed(const DirectoryEntry& entry, const ItemName&
         return nullptr;
     if (const char* const defect = nameDefectForOthers(entry.name))
         return defect;
+    if (const std::string_view segment = entry.name.substr(entry.name.rfind('/') + 1);
+        name.piece &&
+        std::any_of(segment.begin(), segment.end(), [](char c) { return c >= 'A' && c <= 'Z'; }))
+        return "its name has another letter case than that of pieces";
     if (!isASCII(entry.name)) // some programs look for the encoded name, some for the other one
         return (entry.flags & NAME_IS_UTF8) == 0 ? "its name isn't marked as UTF-8"
                                                  : "its name isn't percent-encoded";
