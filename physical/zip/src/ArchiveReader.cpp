@@ -89,8 +89,6 @@ const unsigned char* ArchiveReader::look(ItemIndex index, std::uint64_t offset, 
 }
 
 bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
-    if (!expandsWhole)
-        return false;
     const DirectoryEntry& entry = item(index);
     std::uint64_t room = entry.end - entry.offset;
     if (!source->inMemory()) {

@@ -96,7 +96,8 @@ public:
     }
 
     /// Has contents expanded by zlib alone, as most programs do. `expandWhole` takes codes that zlib refuses.
-    void readAsMostProgramsDo() noexcept { expandsWhole = false; }
+    void readAsMostProgramsDo() noexcept { strict = true; }
+    bool readsAsMostProgramsDo() const noexcept { return strict; }
 
     /// Expands a deflated item with one call, if it fits into memory as a whole. Throws only as `lookAtStart` does.
     /// @param content  has room for all of it
@@ -140,7 +141,7 @@ private:
     std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;
     std::vector<unsigned char> spareMemory;
-    bool expandsWhole = true;
+    bool strict = false;
     WholeInflater wholeInflater;
     std::vector<unsigned char> compressed; ///< for an item that is expanded as a whole
 };
