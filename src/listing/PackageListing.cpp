@@ -137,14 +137,14 @@ private:
 
     bool readRelationshipsOfParts() {
         listing.listedParts.reserve(parts.size());
-        for (const Found& part : parts) {
+        return std::all_of(parts.begin(), parts.end(), [this](const Found& part) {
             const std::size_t before = listing.listedRelationships.size();
             if (!readRelationships(part.name, relationshipsParts->take(part.key)))
                 return false;
             listing.listedParts.push_back({part.name, keep(part.contentType), part.physicalPart,
                                            listing.listedRelationships.size() - before});
-        }
-        return true;
+            return true;
+        });
     }
 
     /// @param part  null if the source has none
@@ -173,14 +173,15 @@ private:
     /// @return false if there is more than one relationship of core properties [M4.1]
     bool findCoreProperties() {
         static const std::string type = toUDEString(PackageHelper::getCorePropertiesRelationshipType());
-        for (const ListedRelationship& one : listing.listedRelationships) {
+        const auto& all = listing.listedRelationships;
+        return std::all_of(all.begin(), all.end(), [this](const ListedRelationship& one) {
             if (one.type != type)
-                continue;
+                return true;
             if (listing.coreProperties != NONE)
                 return false;
             listing.coreProperties = one.isExternal ? LEFT : findTarget(one.target);
-        }
-        return true;
+            return true;
+        });
     }
 
     /// @param target  of a relationship of the package
