@@ -98,7 +98,8 @@ protected:
 /// grow with the document. Nothing outside the document is opened. Any number of threads may read at the same time.
 ///
 /// Refuses a document type declaration, and a document that is built to exhaust a reader: elements nested deeper than
-/// 1,000, more than 1,000 attributes of an element, 10,000 comments, 2,000 different names, or 4 MiB in one tag.
+/// 1,000, more than 1,000 attributes of an element, 10,000 comments, 2,000 different names, or 4 MiB in one tag. Refuses
+/// encodings other than UTF-8, UTF-16, UTF-32, ASCII, ISO 8859, Windows 1250 to 1258, KOI8 and EUC, too.
 ///
 /// @param stream  open, at its first byte. A document of an unusual form is read again from the beginning: then the
 ///                stream is closed and opened
