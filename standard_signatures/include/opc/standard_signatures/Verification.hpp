@@ -45,8 +45,8 @@ struct CryptographyAnswer {
     };
 
     Status status = Status::Broken;
-    std::string method;      ///< such as "RSA with SHA-256"; empty if the signature can't be read
-    std::size_t keyBits = 0; ///< 0 without a key
+    std::string method;             ///< such as "RSA with SHA-256"; empty if the signature can't be read
+    std::size_t keyBits = 0;        ///< 0 without a key
     std::size_t referenceCount = 0; ///< of all
 
     /// First those to elements, then those to parts. The signatures of a package list at most `MOST_LISTED` together, and half
@@ -54,7 +54,7 @@ struct CryptographyAnswer {
     std::vector<CheckedReference> references;
     static constexpr std::size_t MOST_LISTED = 10000;
 
-    std::vector<Reason> reasons;              ///< why it isn't `Valid`, without those of the references
+    std::vector<Reason> reasons; ///< why it isn't `Valid`, without those of the references
 };
 
 /// A signature of a package, and the three answers about it.
