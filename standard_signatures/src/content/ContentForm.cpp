@@ -148,8 +148,8 @@ private:
     }
 
     const char* defect = OTHER_FORM;
-    bool isForeign =
-        false; ///< an element isn't one of properties, and can be content for a program that finds the part by its name
+    /// Whether an element isn't one of properties. For programs that find parts by their names it can be content.
+    bool isForeign = false;
     const ContentForm& form;
     bool isRoot = true;
     unsigned depthOfLinks = 0; ///< of elements

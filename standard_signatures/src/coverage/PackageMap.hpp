@@ -106,8 +106,8 @@ private:
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
     std::unordered_set<const StoredPart*> origins, signaturesOfOrigins, ofSignatures, contentTargets;
-    std::unordered_set<std::string_view, TextHash>
-        contentFolders;                     ///< by key, without the root and those for signatures
+    /// By key, without the root and those for signatures.
+    std::unordered_set<std::string_view, TextHash> contentFolders;
     std::vector<const StoredPart*> sources; ///< of `all`; null for the package
 };
 
