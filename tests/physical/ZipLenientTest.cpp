@@ -119,7 +119,7 @@ RawItem withManyCodes(const std::string& name, const std::string& text) {
             bits.push_back((code >> count & 1U) != 0);
     };
     put(1, 1), put(2, 2), put(0, 5), put(30, 5), put(3, 4);
-    for (const unsigned length : {0, 0, 0, 2, 1, 0, 2}) // of the codes for the lengths 0, 8 and 9
+    for (const unsigned length : {0U, 0U, 0U, 2U, 1U, 0U, 2U}) // of the codes for the lengths 0, 8 and 9
         put(length, 3);
     for (int i = 0; i < 255; ++i)
         putCode(0, 1); // 8 bits for each literal but the last one
