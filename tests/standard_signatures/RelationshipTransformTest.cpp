@@ -135,7 +135,7 @@ TEST(RelationshipTransform, readsOnlyTheEncodingThatIsDeclared) {
     const std::string utf32("\0\0\xFE\xFF", 4);
     const struct {
         std::string declared, mark;
-        int zerosInFront, zerosBehind; // of each character
+        std::size_t zerosInFront, zerosBehind; // of each character
         std::string outcome;
     } cases[] = {
         {"", "", 0, 0, right},
