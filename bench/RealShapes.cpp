@@ -203,8 +203,8 @@ Shape linkingDocument() {
 Shape queries(int count) {
     Shape shape = textDocument();
     for (int number = 0; number < count; ++number) {
-        shape.relate(DOCUMENT, OFFICE_TYPES + "customXml", "../docProps/app.xml");
-        shape.relate(DOCUMENT, OFFICE_TYPES + "customXml", "../docProps/core.xml");
+        shape.relate(DOCUMENT, OFFICE_TYPES + "image", "../docProps/app.xml");
+        shape.relate(DOCUMENT, OFFICE_TYPES + "image", "../docProps/core.xml");
         shape.relate(DOCUMENT, OFFICE_TYPES + "hyperlink",
                      "http://example.com/doc?id=" + std::to_string(number), true);
     }
