@@ -2,7 +2,6 @@
 
 #include "contenttypes/ContentTypeMap.hpp"
 #include "contenttypes/ContentTypeSerializer.hpp"
-#include "listing/PackageListing.hpp"
 #include "relationships/RelationshipManager.hpp"
 #include "relationships/RelationshipSerializer.hpp"
 #include "support/PackageContent.hpp"
@@ -14,7 +13,6 @@
 #include <opc/model/Errors.hpp>
 #include <opc/model/Package.hpp>
 #include <opc/model/PackageHelper.hpp>
-#include <opc/model/PhysicalInputStream.hpp>
 #include <opc/model/SignatureCoverage.hpp>
 #include <opc/model/StandardPartInfo.hpp>
 #include <opc/model/XercesGuard.hpp>
@@ -23,7 +21,6 @@
 
 #include <algorithm>
 #include <map>
-#include <memory_resource>
 #include <optional>
 #include <string_view>
 
@@ -200,72 +197,12 @@ void compare(const Lines& again, const Lines& expected) {
     require(again.size() == expected.size(), "all that was written is read again");
 }
 
-std::string readAll(interfaces::IPhysicalPart& part) {
-    PhysicalInputStream stream(part.getInputStream());
-    std::string all;
-    unsigned char buffer[256];
-    while (!stream.isDone())
-        all.append(buffer, buffer + stream.read(buffer, sizeof buffer));
-    return all;
-}
-
-Lines contentOf(const PackageListing& listing) {
-    Lines lines;
-    auto next = listing.relationships().begin();
-    const auto addRelationshipsOf = [&](std::string_view source) {
-        for (; next != listing.relationships().end() && next->source == source; ++next)
-            lines.push_back(opc::toString(std::string(next->id) + ' ' + std::string(next->type) + ' ' +
-                                              std::string(next->target) +
-                                              (next->isExternal ? " External" : ""),
-                                          true));
-    };
-    addRelationshipsOf("/");
-    for (const PackageListing::ListedPart& part : listing.parts()) {
-        lines.push_back(opc::toString(std::string(part.name), true));
-        lines.push_back(opc::toString(std::string(part.contentType), true));
-        lines.push_back(opc::toString(readAll(*part.content), false));
-        addRelationshipsOf(part.name);
-    }
-    require(next == listing.relationships().end(), "each relationship has a source");
-    return lines;
-}
-
-/// A listing says what the model says, and the model leaves nothing out.
-void checkListing(physical::MemoryPackage& store) {
-    std::pmr::monotonic_buffer_resource memory;
-    store.open(OpenMode::ReadOnly);
-    const auto listing = PackageListing::read(store, memory);
-    if (listing) {
-        const Lines listed = contentOf(*listing);
-        CoreProperties found, expected;
-        bool isLeft = false;
-        const bool isRead =
-            attempt<InvalidPartContent>([&] { isLeft = !listing->readCoreProperties(found); });
-        store.close(true);
-        Package package(store);
-        require(open(package, OpenMode::ReadOnly), "what is listed can be opened");
-        require(!package.hasUnreadContentTypes() && !package.hasUnreadRelationships(), "all of it is listed");
-        const Lines content = contentOf(package);
-        for (std::size_t i = 0; i < std::min(listed.size(), content.size()); ++i)
-            requireEqual(listed[i], content[i], "a listing says what the model says");
-        require(listed.size() == content.size(), "a listing says as much as the model");
-        require(isLeft || attempt<InvalidPartContent>(
-                              [&] { expected = PackageHelper::getCoreProperties(package); }) == isRead,
-                "core properties are read alike");
-        require(isLeft || found.getTitle() == expected.getTitle(), "the title is the same");
-        package.close(true);
-    } else {
-        store.close(true);
-    }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const XercesGuard guard; // starting Xerces takes longer than reading
     physical::MemoryPackage store;
     fill(store, split(data, size, '\0'));
-    checkListing(store);
     const bool isLenient = size % 2 == 1;
     physical::LenientPackage lenient(store);
     Package package(isLenient ? static_cast<interfaces::IPhysicalPackage&>(lenient) : store);
