@@ -3,6 +3,8 @@
 #include "canonical/XmlTree.hpp"
 #include "core/CountedStream.hpp"
 
+#include <opc/standard_signatures/Verification.hpp>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +18,7 @@ struct WorkLeft {
     std::size_t relationships = 1000000;     ///< that are selected, as often as they are
     std::size_t keys = 200;                  ///< that are tried on signature values
     std::size_t timeStamps = 100;            ///< that are checked
-    std::size_t listedReferences = 10000;    ///< `CryptographyAnswer::MOST_LISTED`
+    std::size_t listedReferences = CryptographyAnswer::MOST_LISTED;
 
     /// Reads a document that is read as a tree: an `XmlTree` or a `SignatureDocument`.
     template <typename Document>
