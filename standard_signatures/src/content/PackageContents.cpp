@@ -158,6 +158,10 @@ const Reason* PackageContents::whyUnfit(const StoredPart& part, const ContentFor
     return failure ? &*failure : nullptr;
 }
 
+void PackageContents::noteFit(const StoredPart& part) {
+    known->readings.try_emplace(&part);
+}
+
 std::vector<std::string> PackageContents::whyAmbiguous(const StoredPart& part) const {
     std::vector<std::string> reasons;
     if (part.isAmbiguous)

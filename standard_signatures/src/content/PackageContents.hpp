@@ -73,6 +73,9 @@ public:
     /// @return why it can't be read, or hasn't this form; null if nothing is wrong
     const Reason* whyUnfit(const StoredPart& part, const ContentForm& form);
 
+    /// Says that a part was read to its end as what it should be, so that `whyUnfit` needn't read it.
+    void noteFit(const StoredPart& part);
+
     /// Why programs can understand a part in different ways, by its name and content type alone; nothing if they can't.
     std::vector<std::string> whyAmbiguous(const StoredPart& part) const;
 

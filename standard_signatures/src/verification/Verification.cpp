@@ -162,6 +162,7 @@ private:
         if (part.isAmbiguous)
             throw Refusal(Code::Malformed, "", "There is more than one part with this name");
         const auto document = work.read<SignatureDocument>(*contents.open(part));
+        contents.noteFit(part);
         std::vector<X509Certificate> certificates = readCertificates(part, document);
         CheckedSignature checked = checkCryptography(document, contents, certificates, policy, work);
         signature.cryptography = std::move(checked.answer);
