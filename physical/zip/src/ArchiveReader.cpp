@@ -4,6 +4,7 @@
 #include "Checksum.hpp"
 #include "Failure.hpp"
 #include "LocalHeader.hpp"
+#include "OrdinaryBlock.hpp"
 #include "Records.hpp"
 
 #include <opc/physical/ZipOptions.hpp>
@@ -99,10 +100,24 @@ bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
     const ItemStart start = lookAtStart(index, compressed.data(), static_cast<std::size_t>(room));
     if (start.size < start.headerSize || start.size - start.headerSize < entry.compressedSize)
         return false;
+    const unsigned char* const data = start.bytes + start.headerSize;
+    const auto count = static_cast<std::size_t>(entry.compressedSize);
     const auto size = static_cast<std::size_t>(entry.size);
-    return wholeInflater.expand(start.bytes + start.headerSize,
-                                static_cast<std::size_t>(entry.compressedSize), content, size) &&
-           addToChecksum(0, content, size) == entry.crc;
+    const bool isExpanded = strict && !isOrdinaryBlock(data, count)
+                                ? expandByZlib(data, count, content, size)
+                                : wholeInflater.expand(data, count, content, size);
+    return isExpanded && addToChecksum(0, content, size) == entry.crc;
+}
+
+bool ArchiveReader::expandByZlib(const unsigned char* data, std::size_t count, unsigned char* content,
+                                 std::size_t size) {
+    std::unique_ptr<Inflater> inflater = takeInflater();
+    inflater->setInput(data, count);
+    std::size_t got = 0;
+    const bool isExpanded = inflater->expand(content, size, got) == Inflater::Result::End && got == size &&
+                            inflater->needsInput();
+    giveInflater(std::move(inflater));
+    return isExpanded;
 }
 
 bool ArchiveReader::recall(ItemIndex index, unsigned char* content) const {

@@ -95,9 +95,8 @@ public:
             whenRead(bytes);
     }
 
-    /// Has contents expanded by zlib alone, as most programs do. `expandWhole` takes codes that zlib refuses.
+    /// Refuses what zlib refuses, as most programs do. Otherwise `expandWhole` takes a few senseless codes.
     void readAsMostProgramsDo() noexcept { strict = true; }
-    bool readsAsMostProgramsDo() const noexcept { return strict; }
 
     /// Expands a deflated item with one call, if it fits into memory as a whole. Throws only as `lookAtStart` does.
     /// @param content  has room for all of it
@@ -129,6 +128,7 @@ public:
 
 private:
     std::string_view compressedBytes(ItemIndex index) const;
+    bool expandByZlib(const unsigned char* data, std::size_t count, unsigned char* content, std::size_t size);
 
     std::shared_ptr<ByteSource> source;
     std::string where;

@@ -8,8 +8,8 @@
 namespace opc::physical::zip {
 
 /// Expands Deflate data that is in memory, each with one call; larger data faster than `Inflater`. The results are
-/// the same, except that it accepts a few senseless codes that `Inflater` refuses. So only the checksum decides
-/// whether the content is right.
+/// the same, except that it accepts a few senseless codes that `Inflater` refuses, but for an `isOrdinaryBlock`. So only
+/// the checksum decides whether the content is right.
 class WholeInflater {
 public:
     /// @return whether the data expands to exactly `size` bytes, which are in `output` now, and ends there.

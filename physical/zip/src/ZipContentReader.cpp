@@ -106,8 +106,7 @@ std::uint64_t ItemReader::read(unsigned char* buffer, std::uint64_t count) {
 /// starts again, comes as far as it can and reports the failure.
 std::size_t ItemReader::readFirst(unsigned char* buffer, std::size_t room) {
     const DirectoryEntry& entry = archive.item(item());
-    if (entry.method == DEFLATE && entry.compressedSize >= SMALLEST_WHOLE &&
-        !archive.readsAsMostProgramsDo()) {
+    if (entry.method == DEFLATE && entry.compressedSize >= SMALLEST_WHOLE) {
         if (entry.size <= room) {
             if (archive.expandWhole(item(), buffer))
                 return static_cast<std::size_t>(entry.size);
