@@ -94,9 +94,11 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
     const auto path = [](const std::string& name, std::size_t more = 0) {
         return fieldOf(0x7075, "\1CRC_" + name, name.size() + 5 + more);
     };
+    const auto comment = [](const std::string& text) { return fieldOf(0x6375, text, text.size()); };
     const auto numbers = [](const std::string& all) { return fieldOf(1, all, all.size()); };
     const std::string other = "a: a Unicode Path field gives it another name\n";
     const std::string zeros(16, '\0');
+    const std::string mark = " has the mark of a record of an archive\n";
     const std::string negative =
         " has so many bytes that some programs take their number for a negative one\n";
     const struct {
@@ -124,21 +126,36 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
          [&](RawItem& it) { it.extra = fieldOf(0x756E, "link", 4); }},
         {"a: its local header holds data of an unknown kind\n",
          [](RawItem& it) { it.localExtra = "\1\2\3"; }},
-        {"",
-         [&](RawItem& it) { it.localExtra = fieldOf(0x4453, "rights", 6) + fieldOf(0x6375, "comment", 7); }},
+        {"", [&](RawItem& it) { it.localExtra = fieldOf(0x4453, "rights", 6) + comment("comment"); }},
         {"", [&](RawItem& it) { it.extra = fieldOf(0xA220, "\x28\xA0 1rrr", 7) + fieldOf(0xCAFE, "", 0); }},
-        {"a: its local header has the mark of a record of an archive\n"
-         "a: its local header holds data of an unknown kind\n", // in the room for growth
+        {"a: its local header" + mark +
+             "a: its local header holds data of an unknown kind\n", // in the room for growth
          [&](RawItem& it) { it.localExtra = fieldOf(0xA220, "\x28\xA0 1PK\3\4", 8); }},
         {"a: its ZIP64 field has other numbers\n", [&](RawItem& it) { it.extra = numbers(zeros); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.extra = numbers(zeros + std::string("\1\1", 2) + std::string(6, '\0')); }},
         {"a: its ZIP64 field has other numbers\n",
          [&](RawItem& it) { it.localExtra = numbers("") + numbers(""); }},
-        {"a: its record in the directory has the mark of a record of an archive\n",
-         [&](RawItem& it) { it.extra = fieldOf(0x6375, "comment PK\1\2", 12); }},
-        {"a: its comment has the mark of a record of an archive\n",
-         [](RawItem& it) { it.comment = "PK\5\6"; }},
+        {"a: its record in the directory" + mark, [&](RawItem& it) { it.extra = comment("PK\1\2"); }},
+        {"a: its record in the directory" + mark, [](RawItem& it) { it.comment = "PK\5\6"; }},
+        // Marks can stand in two fields, or in fields that nobody reads.
+        {"a: its record in the directory" + mark,
+         [&](RawItem& it) { it.extra = comment("PK"), it.comment = "\1\2"; }},
+        {"PK: its record in the directory" + mark,
+         [&](RawItem& it) { it = stored("PK", ""), it.extra = fieldOf(0x0605, "", 0); }},
+        {"a: its record in the directory" + mark + "a: its local header" + mark,
+         [](RawItem& it) { it.time = 0x06064B50; }},
+        {"a: its local header" + mark,
+         [&](RawItem& it) { it = stored("a", "\3\4"), it.localExtra = comment("PK"); }},
+        {"a: its content has the mark of its end\n"
+         "a: its data descriptor has no mark\n",
+         [](RawItem& it) {
+             it = stored("a", "PK");
+             it.streamed = true, it.flags = 8, it.descriptorIsSigned = false;
+             it.crc = 0x0807;
+         }},
+        {"a/[1].piece: its record in the directory" + mark, // a piece that nobody joins
+         [](RawItem& it) { it = stored("a/[1].piece", ""), it.comment = "PK\6\7"; }},
         {"", [](RawItem& it) { it.comment = "PK\5 PK"; }},
         {"", [](RawItem& it) { it.localExtra.assign(32767, '\0'); }},
         {"a: its local header" + negative, [](RawItem& it) { it.localExtra.assign(32768, '\0'); }},
@@ -191,6 +208,62 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
         one.change(item);
         EXPECT_EQ(misnamedIn(makeZip({item, stored("z", "")})), one.told) << &one - cases;
     }
+}
+
+std::string littleEndian(std::uint64_t number, unsigned width) {
+    std::string bytes;
+    for (; width > 0; --width, number >>= 8)
+        bytes += static_cast<char>(number & 0xFF);
+    return bytes;
+}
+
+/// An end record of a directory that isn't right in front of it.
+std::string endRecord(std::uint64_t directory) {
+    return "PK\5\6" + littleEndian(0, 4) + littleEndian(0x10001, 4) + littleEndian(0, 4) +
+           littleEndian(directory, 4) + littleEndian(0, 2);
+}
+
+TEST(ZipItemNames, areToldWithOtherEndsOfTheArchive) {
+    constexpr std::uint64_t CONTENT = 31; // the offset of that of the first item
+    const auto withContent = [](const std::string& content) {
+        return makeZip({stored("a", content), stored("z", "")});
+    };
+    const auto withZip64 = [](std::ptrdiff_t place, const std::string& bytes) {
+        Bytes archive = makeZip({stored("a", "")}, {}, true);
+        std::copy(bytes.begin(), bytes.end(), archive.end() - place);
+        return archive;
+    };
+    const auto withItems = [](std::size_t count) {
+        std::vector<RawItem> items;
+        while (items.size() < count)
+            items.push_back(stored(std::to_string(items.size()), ""));
+        return makeZip(items);
+    };
+    const std::uint64_t directory = CONTENT + endRecord(0).size() + 31;
+    const std::string locator = "PK\6\7" + littleEndian(0, 4) + littleEndian(CONTENT, 8) + littleEndian(1, 4);
+    const std::string hidden = "it has the mark of a record of an archive";
+    const std::string other = "an end record in a content leads to records, too";
+    const struct {
+        std::string told;
+        Bytes archive;
+    } cases[] = {
+        {hidden, makeZip({stored("a", "")}, "PK\3\4")},
+        {"", makeZip({stored("a", "")}, "PK\3")},
+        {hidden, makeZip({stored("a", "")}, "\1\2" + std::string(0x4B50 - 2, '.'))}, // behind its size
+        {hidden, withZip64(22 + 20 + 56 - 12, "PK\5\6")},                            // versions
+        {hidden, withZip64(22 + 20 - 4, "PK\1\2")},                                  // a disk
+        {"", withZip64(22 + 20, "PK\6\7")},
+        {other, withContent(endRecord(directory))},
+        {"", withContent(endRecord(directory + 1))},
+        {"", withContent(endRecord(0xFFFFFFFE))},
+        {other, withContent("PK\6\6" + locator + endRecord(0xFFFFFFFF))},
+        {"", withContent("PK\6\5" + locator + endRecord(0xFFFFFFFF))},
+        {"its numbers refer to a ZIP64 record that isn't there", withItems(65535)},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(misnamedIn(one.archive),
+                  one.told.empty() ? "" : "the end of the archive: " + one.told + "\n")
+            << &one - cases;
 }
 
 TEST(ZipItemNames, mayNotClash) {

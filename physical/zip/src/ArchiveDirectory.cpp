@@ -79,6 +79,11 @@ void DirectoryReader::read() {
     directory.start = end.offset;
     directory.end = position;
     directory.archiveEnd = end.archiveEnd;
+    directory.otherDirectories = std::move(end.otherDirectories);
+    if (end.hidesRecord)
+        directory.ambiguities.push_back({{}, "it" + std::string(HOLDS_A_MARK)});
+    if (end.lacksZip64)
+        directory.ambiguities.push_back({{}, "its numbers refer to a ZIP64 record that isn't there"});
     if (!end.comment.empty())
         directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive", false});
     directory.comment = std::move(end.comment);
@@ -116,12 +121,11 @@ void DirectoryReader::inspect(const unsigned char* record) {
         directory.ambiguities.push_back({item, std::string("by its attributes it is ") + kind});
     if (asksForMore(read16(record + 6), read16(record + 8)))
         directory.ambiguities.push_back({item, ASKS_FOR_MORE});
+    if (hidesRecord(record, record + directoryEntrySizeOf(record)))
+        directory.ambiguities.push_back({item, "its record in the directory" + std::string(HOLDS_A_MARK)});
     const unsigned char* const extra = record + DIRECTORY_ENTRY_SIZE + read16(record + 28);
     inspectFields(extra, read16(record + 30), item, "its record in the directory", place, directory);
     const std::size_t size = read16(record + 32);
-    if (const unsigned char* const comment = extra + read16(record + 30);
-        holdsRecordSignature(comment, comment + size))
-        directory.ambiguities.push_back({item, "its comment" + std::string(HOLDS_A_MARK)});
     if (size > MOST_FOR_SIGNED_NUMBERS)
         directory.ambiguities.push_back({item, "its comment" + std::string(IS_NEGATIVE)});
     if (size != 0)
@@ -216,8 +220,6 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
     };
     if (size > MOST_FOR_SIGNED_NUMBERS)
         directory.ambiguities.push_back({item, record + std::string(IS_NEGATIVE)});
-    if (holdsRecordSignature(extra, extra + size))
-        directory.ambiguities.push_back({item, record + std::string(HOLDS_A_MARK)});
     bool hasPath = false;
     bool hasNumbers = false;
     ExtraFieldWalk walk(extra, size);

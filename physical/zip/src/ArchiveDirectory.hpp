@@ -6,6 +6,7 @@
 #include <opc/physical/ZipExport.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,10 +42,10 @@ struct OtherName {
     std::string name; ///< possibly not valid UTF-8
 };
 
-/// Something about an item by which other programs may take it for something else.
+/// Something about an item, or the archive, by which other programs may take it for something else.
 struct Ambiguity {
-    ItemIndex item = 0;
-    std::string reason; ///< as words for a message
+    std::optional<ItemIndex> item; ///< none: it is about the end of the archive
+    std::string reason;            ///< as words for a message
 };
 
 /// Something in an archive beside the contents of its items.
@@ -61,6 +62,7 @@ struct ArchiveDirectory {
     std::uint64_t end = 0;        ///< the offset after the last entry
     std::uint64_t archiveEnd = 0; ///< after the end record and its comment; the rest belongs to nothing
     std::string comment;          ///< of the archive
+    std::vector<std::uint64_t> otherDirectories; ///< where end records in contents say that theirs are
     std::vector<OtherName> otherNames;
     std::vector<Ambiguity> ambiguities; ///< an item can have several
     std::vector<UnreadData> unread;
@@ -72,7 +74,7 @@ struct ArchiveDirectory {
 bool asksForMore(std::uint16_t version, std::uint16_t flags);
 constexpr const char* ASKS_FOR_MORE = "it asks for more than other programs may have";
 
-/// Programs that look for records themselves take one in a comment or an extra field for the end or an item of the archive.
+/// Programs that look for records themselves take one within another record for the end or an item of the archive.
 constexpr const char* HOLDS_A_MARK = " has the mark of a record of an archive";
 
 /// @return why the content of an item can't be read, as words for a message; empty if it can

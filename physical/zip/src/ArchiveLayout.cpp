@@ -1,5 +1,6 @@
 #include "ArchiveLayout.hpp"
 
+#include "DirectoryEnd.hpp"
 #include "Failure.hpp"
 #include "LocalHeader.hpp"
 #include "RecordSignatures.hpp"
@@ -21,6 +22,12 @@ constexpr std::size_t USUAL_HEADER = LOCAL_HEADER_SIZE + 64;
 /// How many bytes may belong to no item. They are searched. Normally there are none.
 constexpr std::uint64_t MOST_UNUSED_BYTES = 16ULL << 20;
 
+/// How many bytes of a mark that begins within the first `size` bytes of an item can stand behind them.
+std::size_t reachBehind(const DirectoryEntry& entry, std::uint64_t size) {
+    return static_cast<std::size_t>(
+        std::min<std::uint64_t>(entry.end - entry.offset - size, RECORD_SIGNATURE - 1));
+}
+
 class LayoutCheck {
 public:
     LayoutCheck(ByteSource& archive, const std::string& place, ArchiveDirectory& directory)
@@ -33,6 +40,7 @@ private:
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
+    void checkOtherDirectory(std::uint64_t offset);
     void searchUnused(std::uint64_t start, std::uint64_t end, const char* side, std::string_view neighbour);
 
     ByteSource& archive;
@@ -54,6 +62,8 @@ void LayoutCheck::run() {
     }
     searchUnused(end, directory.start, "in front of ", "the directory");
     searchUnused(directory.archiveEnd, archive.size(), "behind ", "the end record");
+    for (const std::uint64_t offset : directory.otherDirectories)
+        checkOtherDirectory(offset);
 }
 
 void LayoutCheck::checkItem(ItemIndex index) {
@@ -62,6 +72,8 @@ void LayoutCheck::checkItem(ItemIndex index) {
     checkLocalHeader(entry, header, place);
     const std::size_t extraSize = read16(header + 28);
     const std::size_t headerSize = localHeaderSizeOf(header);
+    if (hidesRecord(header, header + headerSize + reachBehind(entry, headerSize)))
+        directory.ambiguities.push_back({index, "its local header" + std::string(HOLDS_A_MARK)});
     inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
     const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
     const bool isWrittenEarly = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
@@ -72,7 +84,9 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const auto readContent = [&](std::uint64_t offset, std::size_t count) {
         return read(entry, entry.offset + headerSize + offset, descriptorBuffer, count);
     };
-    if (isWrittenEarly && entry.method == STORE && holdsRecordSignature(entry.compressedSize, readContent))
+    const std::uint64_t searched =
+        entry.compressedSize + reachBehind(entry, headerSize + entry.compressedSize);
+    if (isWrittenEarly && entry.method == STORE && holdsRecordSignature(searched, readContent))
         directory.ambiguities.push_back({index, "its content has the mark of its end"});
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
@@ -85,20 +99,33 @@ void LayoutCheck::checkItem(ItemIndex index) {
         directory.ambiguities.push_back({index, "its data descriptor has no mark"});
 }
 
-/// @return the whole local header, valid until the next call
+/// An end record in a content must not lead to records. That of an archive in an archive doesn't, because its numbers count from
+/// its own start.
+void LayoutCheck::checkOtherDirectory(std::uint64_t offset) {
+    std::array<unsigned char, RECORD_SIGNATURE> start{};
+    if (offset > archive.size() || archive.size() - offset < start.size())
+        return;
+    readRecord(archive, place, offset, start.data(), start.size());
+    const std::uint32_t signature = read32(start.data());
+    if (signature == DIRECTORY_ENTRY || signature == ZIP64_DIRECTORY_END)
+        directory.ambiguities.push_back({{}, "an end record in a content leads to records, too"});
+}
+
+/// @return the whole local header and the first bytes behind it, as many as a mark can reach to, valid until the next call
 const unsigned char* LayoutCheck::readHeader(const DirectoryEntry& entry) {
-    const std::uint64_t room = entry.end - entry.offset - entry.compressedSize;
+    const std::uint64_t room = entry.end - entry.offset;
     const auto first =
         static_cast<std::size_t>(std::min<std::uint64_t>(room, USUAL_HEADER + entry.storedName().size()));
     const unsigned char* header = read(entry, entry.offset, headerBuffer, first);
     if (read32(header) != LOCAL_HEADER)
         failItem(entry, place, "no local header where the directory says");
     const std::size_t size = localHeaderSizeOf(header);
-    if (size > room)
+    if (size > room - entry.compressedSize)
         failItem(entry, place, "it reaches into what lies behind it");
-    if (size <= first)
+    const std::size_t searched = size + reachBehind(entry, size);
+    if (searched <= first)
         return header;
-    header = read(entry, entry.offset, headerBuffer, size);
+    header = read(entry, entry.offset, headerBuffer, searched);
     if (localHeaderSizeOf(header) != size) // another program may be writing to the file
         failItem(entry, place, "its local header has just been changed");
     return header;

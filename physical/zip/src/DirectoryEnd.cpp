@@ -3,6 +3,7 @@
 #include "EndRecordSearch.hpp"
 #include "Failure.hpp"
 #include "ForeignFormat.hpp"
+#include "RecordSignatures.hpp"
 #include "Records.hpp"
 
 #include <algorithm>
@@ -37,7 +38,8 @@ EndRecord readEndRecord(const unsigned char* record, std::uint64_t offset) {
              read32(record + 16),
              read32(record + 12),
              {},
-             offset + DIRECTORY_END_SIZE + read16(record + 20)}};
+             offset + DIRECTORY_END_SIZE + read16(record + 20),
+             {}}};
 }
 
 bool standsBehindItsDirectory(const EndRecord& end) {
@@ -112,6 +114,20 @@ void requireNoRecordBehind(const Tail& tail, std::uint64_t offset, const std::st
     }
 }
 
+/// Where the end records in contents say that directories are. A program that takes one of them for the end of the archive looks
+/// there.
+std::vector<std::uint64_t> findOtherDirectories(const Tail& tail, const std::vector<EndRecord>& others) {
+    std::vector<std::uint64_t> all;
+    for (const EndRecord& record : others) {
+        all.push_back(record.directory.offset);
+        const unsigned char* const end = tail.at(record.offset);
+        if (end - tail.begin() >= std::ptrdiff_t{ZIP64_LOCATOR_SIZE} &&
+            read32(end - ZIP64_LOCATOR_SIZE) == ZIP64_LOCATOR)
+            all.push_back(read64(end - ZIP64_LOCATOR_SIZE + 8));
+    }
+    return all;
+}
+
 /// The only end record that reaches to the end of the archive. Some programs take the last one whatever its numbers
 /// say, so the comment must not have one. One in the content of an item is refused only if it has everything that an
 /// end needs, because an item can be an archive.
@@ -130,12 +146,15 @@ EndRecord findEndRecord(ByteSource& archive, const std::string& place, bool leni
          !canBeFollowed(records.front(), archive, place)))
         failWithoutEnd(archive, place, records);
     EndRecord last = std::move(records.front());
+    records.erase(records.begin());
     if ((count == 1 && !reachesEnd(last)) ||
-        std::any_of(std::next(records.begin()), records.end(), standsBehindItsDirectory))
+        std::any_of(records.begin(), records.end(), standsBehindItsDirectory))
         failDirectory(place, "it can be understood in two ways");
     requireNoRecordBehind(tail, last.directory.archiveEnd, place);
     last.directory.comment.assign(tail.at(last.offset + DIRECTORY_END_SIZE),
                                   tail.at(last.directory.archiveEnd));
+    last.directory.otherDirectories = findOtherDirectories(tail, records);
+    last.directory.hidesRecord = hidesRecord(tail.at(last.offset), tail.at(last.directory.archiveEnd));
     return last;
 }
 
@@ -171,7 +190,7 @@ EndRecord readZip64EndRecord(ByteSource& archive, const std::string& place, std:
             read32(record + 16),
             read32(record + 20),
             read64(record + 24),
-            {read64(record + 32), read64(record + 48), read64(record + 40), {}, 0}};
+            {read64(record + 32), read64(record + 48), read64(record + 40), {}, 0, {}}};
 }
 
 /// Whether a number of the old record is the same as in the ZIP64 record, or refers to it.
@@ -186,6 +205,20 @@ void requireAgreement(const std::string& place, const EndRecord& old, const EndR
         failDirectory(place, "the two end records differ");
 }
 
+/// Whether one of the two records in front of the end record hides another one.
+bool hidesInZip64(ByteSource& archive, const std::string& place, std::uint64_t end) {
+    std::array<unsigned char, ZIP64_DIRECTORY_END_SIZE + ZIP64_LOCATOR_SIZE> records{};
+    readRecord(archive, place, end - records.size(), records.data(), records.size());
+    const unsigned char* const locator = records.data() + ZIP64_DIRECTORY_END_SIZE;
+    return hidesRecord(records.data(), locator) || hidesRecord(locator, locator + ZIP64_LOCATOR_SIZE);
+}
+
+/// Whether a number says that it is in a ZIP64 record.
+bool refersToZip64(const EndRecord& end) {
+    return end.directory.itemCount == NO_ROOM_16 || end.directory.size == NO_ROOM_32 ||
+           end.directory.offset == NO_ROOM_32;
+}
+
 } // namespace
 
 DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place, bool lenient) {
@@ -195,7 +228,11 @@ DirectoryEnd readDirectoryEnd(ByteSource& archive, const std::string& place, boo
         requireAgreement(place, end, large);
         large.directory.comment = std::move(end.directory.comment);
         large.directory.archiveEnd = end.directory.archiveEnd;
+        large.directory.otherDirectories = std::move(end.directory.otherDirectories);
+        large.directory.hidesRecord = end.directory.hidesRecord || hidesInZip64(archive, place, end.offset);
         end = std::move(large);
+    } else {
+        end.directory.lacksZip64 = refersToZip64(end);
     }
     const DirectoryEnd& directory = end.directory;
     if (end.disk != 0 || end.directoryDisk != 0 || end.itemCountOnDisk != directory.itemCount)

@@ -14,7 +14,10 @@ struct DirectoryEnd {
     std::uint64_t offset = 0; ///< of the directory
     std::uint64_t size = 0;   ///< of the directory, in bytes
     std::string comment;
-    std::uint64_t archiveEnd = 0; ///< the offset after the last record and its comment
+    std::uint64_t archiveEnd = 0;                ///< the offset after the last record and its comment
+    std::vector<std::uint64_t> otherDirectories; ///< where end records in contents say that theirs are
+    bool hidesRecord = false; ///< within a record behind the directory stands the mark of another one
+    bool lacksZip64 = false;  ///< its numbers refer to a ZIP64 record, which isn't there
 };
 
 /// Finds the end of the directory. There must be no gap between the directory, the records and the end of the

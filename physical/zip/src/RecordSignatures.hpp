@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Records.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace opc::physical::zip {
 
@@ -11,16 +14,25 @@ constexpr std::size_t RECORD_SIGNATURE = 4; // bytes
 
 /// Whether bytes have the signature of a local header, a data descriptor, or a record of the directory or its end.
 inline bool holdsRecordSignature(const unsigned char* bytes, const unsigned char* end) {
-    constexpr std::array<std::array<unsigned char, 2>, 6> AFTER_PK{
-        {{1, 2}, {3, 4}, {5, 6}, {6, 6}, {6, 7}, {7, 8}}};
+    constexpr std::array SIGNATURES{LOCAL_HEADER,  DESCRIPTOR,          DIRECTORY_ENTRY,
+                                    DIRECTORY_END, ZIP64_DIRECTORY_END, ZIP64_LOCATOR};
     for (; end - bytes >= std::ptrdiff_t{RECORD_SIGNATURE}; ++bytes) {
-        bytes = std::find(bytes, end - RECORD_SIGNATURE, 'P'); // or the last place
-        const std::array<unsigned char, 2> kind{bytes[2], bytes[3]};
-        if (bytes[0] == 'P' && bytes[1] == 'K' &&
-            std::find(AFTER_PK.begin(), AFTER_PK.end(), kind) != AFTER_PK.end())
+        const auto room = static_cast<std::size_t>(end - bytes) - (RECORD_SIGNATURE - 1);
+        bytes = static_cast<const unsigned char*>(std::memchr(bytes, 'P', room));
+        if (!bytes)
+            return false;
+        if (bytes[1] == 'K' &&
+            std::find(SIGNATURES.begin(), SIGNATURES.end(), read32(bytes)) != SIGNATURES.end())
             return true;
     }
     return false;
+}
+
+/// Whether a record has such a signature behind its own, in whatever fields. It can't reach into a record that follows, because
+/// that begins with other bytes.
+/// @param end  of the record, or of what follows and is no record
+inline bool hidesRecord(const unsigned char* record, const unsigned char* end) {
+    return holdsRecordSignature(record + 1, end);
 }
 
 /// The same for the content of a stored item. Programs that don't use the directory may take it for the end of an item whose

@@ -5,7 +5,6 @@
 #include "DirectoryEnd.hpp"
 #include "Failure.hpp"
 #include "NameText.hpp"
-#include "RecordSignatures.hpp"
 #include "Records.hpp"
 
 #include <opc/core/Exception.hpp>
@@ -289,18 +288,19 @@ std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
         add(item, readItemName(context.archive->item(item).name),
             "another piece of the part has the name in another letter case", false);
     const auto addNamed = [&](ItemIndex item, std::string reason) {
-        add(item, readItemName(context.archive->item(item).name), std::move(reason), false);
+        all.push_back(
+            {toString(std::string(context.archive->item(item).name), true), std::move(reason), false});
     };
     if (context.archive) {
         context.archive->checkLayoutNow();
         context.archive->readAsMostProgramsDo();
-        const std::string& comment = context.archive->comment();
-        const auto* const bytes = reinterpret_cast<const unsigned char*>(comment.data());
-        if (holdsRecordSignature(bytes, bytes + comment.size()))
-            all.push_back({u"the comment of the archive", "it" + std::string(HOLDS_A_MARK), false});
         takeFindings();
-        for (const Ambiguity& one : context.archive->ambiguities())
-            addNamed(one.item, one.reason);
+        for (const Ambiguity& one : context.archive->ambiguities()) {
+            if (one.item)
+                addNamed(*one.item, one.reason);
+            else
+                all.push_back({u"the end of the archive", one.reason, false});
+        }
         // Programs that don't use the directory read on in what follows.
         for (const ItemIndex item : context.archive->unfinishedItems())
             addNamed(item, "its compressed data has no last block");
