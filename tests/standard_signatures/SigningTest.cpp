@@ -223,71 +223,140 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
     }
 }
 
-/// Programs find data stores by what leads to them, and IDs in them at other elements than the root.
+/// Programs find data stores by what leads to them, and take an ID at one or another element.
 TEST(StandardSigning, RefusesTwinStoresOfWhateverKind) {
     const std::string id = "ds:itemID='{A}' xmlns:ds='u:a'/>";
-    const std::pair<std::string, bool> cases[] = {
-        {"<a ds:itemID='{B}' xmlns:ds='u:a'/>", false}, {"<a " + id, true}, {"<a><b " + id + "</a>", true}};
-    for (const auto& [second, isRefused] : cases) {
+    const struct {
+        std::string first, second;
+        bool isRefused;
+        std::string descriptionOfSecond = "2";
+    } cases[] = {
+        {"<a " + id, "<a ds:itemID='{B}' xmlns:ds='u:a'/>", false},
+        {"<a " + id, "<a " + id, true},
+        {"<a " + id, "<a><b " + id + "</a>", true},
+        {"<a itemID='{B}'><b " + id + "</a>", "<a itemID='{C}'><b " + id + "</a>", true},
+        {"<a itemID='{B}' " + id, "<a itemID='{C}' " + id, true},
+        {"<a itemID='{A}' " + id, "<a itemID='{B}'/>", false},
+        {"<a " + id, "<a/>", true, "1"},
+    };
+    for (const auto& [first, second, isRefused, descriptionOfSecond] : cases) {
         PlainSample sample;
-        for (const auto& [number, content] :
-             {std::pair<std::string, std::string>("1", "<a " + id), {"2", second}}) {
+        for (const auto& [number, content, description] :
+             {std::tuple<std::string, std::string, std::string>("1", first, "1"),
+              {"2", second, descriptionOfSecond}}) {
             const std::u16string n(number.begin(), number.end());
             sample.store.setPart(u"/customXml/item" + n + u".xml", toBytes("<data/>"));
             sample.store.setPart(u"/customXml/props" + n + u".xml", toBytes(content));
             sample.store.setPart(
                 u"/customXml/_rels/item" + n + u".xml.rels",
                 relationships(
-                    "<Relationship Id='a' Target='props" + number +
+                    "<Relationship Id='a' Target='props" + description +
                     ".xml' Type='http://purl.oclc.org/ooxml/officeDocument/relationships/customXmlProps'/>"));
         }
         if (isRefused)
-            EXPECT_THROW(sign(sample), SigningRefused) << second;
+            EXPECT_THROW(sign(sample), SigningRefused) << first << second;
         else
-            EXPECT_NO_THROW(sign(sample)) << second;
+            EXPECT_NO_THROW(sign(sample)) << first << second;
     }
 }
 
-/// A content control without the ID of a store shows what the first store has that fits.
+/// A content control that doesn't find what it looks for in the store with its ID shows what the first store has that fits.
 TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
+    const std::string store = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/customXml";
+    const auto leading = [](const std::string& id, const std::string& type, const std::string& target) {
+        return "<Relationship Id='" + id + "' Type='" + type + "' Target='" + target + "'/>";
+    };
+    const auto describing = [](const std::string& more) {
+        return "<ds:datastoreItem "
+               "xmlns:ds='http://schemas.openxmlformats.org/officeDocument/2006/customXml' " +
+               more;
+    };
+    const std::string plain = describing("ds:itemID='{@}'/>");
+    const std::string props = leading("p", store + "Props", "props@.xml");
+    const auto bound = [](const std::string& more) { return "<w:dataBinding " + more + "/>"; };
+    const std::string noID = bound("w:xpath='/a'");
+    const auto withPath = [&](const std::string& path) {
+        return bound("w:storeItemID='{1}' w:xpath='" + path + "'");
+    };
+    const auto withID = [&](const std::string& id) {
+        return bound("w:storeItemID='" + id + "' w:xpath='/a'");
+    };
+    const std::string core = "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}";
     const struct {
         std::string control; ///< an element in the document
         bool isRefused;
-        std::string secondStore = "<a/>"; ///< empty: there is one store
+        std::vector<std::string> stores = {"<a/>", "<a/>"};
+        std::string description = {};  ///< of each, with its number for @; empty: a good one
+        std::string relationship = {}; ///< to it
     } cases[] = {
-        {"<w:dataBinding w:storeItemID='{a}' w:xpath='/a'/>", false}, // as IDs are compared
-        {"<w:dataBinding w:xpath='/a'/>", true},
-        {"<w:dataBinding w:xpath='/a'/>", false, ""},
-        {"<w:dataBinding w:storeItemID='' w:xpath='/a'/>", true},
-        {"<w:dataBinding w:storeItemID='{C}' w:xpath='/a'/>", true},
-        {"<w:dataBinding w:storeItemID='{6C3C8BC8-F283-45AE-878A-BAB7291924A1}' w:xpath='/a'/>", false},
-        {"<x:dataBinding xmlns:x='urn:later' w:storeItemID='{A}'/><x:dataBinding xmlns:x='urn:later'/>",
+        {withID("{1}"), false},
+        {withID("{2}"), false},
+        {withID("{1}"), true, {"<a/>", "<a/>", "<a/>"}}, // if the first one hasn't what it looks for
+        {withID("{1}"), false, {"<b/>", "<a/>", "<b/>"}},
+        {withID("{1}"), true, {"<b/>", "<a/>", "<x:a xmlns:x=\"u:x\"/>"}},
+        {withID("{1}"), true, {"<b/>", "<a/>", "a"}},
+        {withID("{3}"), true},
+        {withID(""), true},
+        {withID(core), true},
+        {withID(core), false, {"<a/>", "<b/>"}},
+        {bound("w:storeItemID='" + core + "' w:xpath='/c:coreProperties[1]/c:title[1]'"), false},
+        {bound("w:xpath='/coreProperties'"), true, {"<coreProperties/>", "<a/>"}},
+        {noID, true},
+        {noID, false, {"<a/>", "<b/>"}},
+        {noID, false, {"<a/>"}},
+        {bound("x:storeItemID='{1}' xmlns:x='u:x' w:xpath='/a'"), true},
+        {bound("x:storeItemID='{3}' xmlns:x='u:x' w:storeItemID='{1}' w:xpath='/a'"), true},
+        {bound("x:xpath='/a' xmlns:x='u:x' w:xpath='/b'"), true},
+        {"<x:dataBinding xmlns:x='urn:later' w:xpath='/b'/><x:dataBinding xmlns:x='urn:later' w:xpath='/a'/>",
          true},
-        {"<w:dataBinding w:storeItemID='{A}'/><!DOCTYPE w>", true}, // can't be read to its end
+        {withID("{1}") + "<!DOCTYPE w>", true}, // can't be read to its end
+        {withPath("/p:a[12]/b/@p:c"), false, {"<b/>", "<a/>", "<b/>"}},
+        // whatever the root is
+        {withPath("//a"), true, {"<b/>", "<a/>", "<b/>"}},
+        {withPath("/*/a"), true, {"<b/>", "<a/>", "<b/>"}},
+        {withPath("/a/../../b"), true, {"<c/>", "<a/>", "<b/>"}},
+        {withPath("/./a"), true, {"<c/>", "<a/>", "<b/>"}},
+        {withPath("/a|/b"), true, {"<c/>", "<a/>", "<b/>"}},
+        {withPath("/a[1]-/b[1]"), true, {"<c/>", "<a/>", "<b/>"}},
+        {withPath("/a[/b]"), true, {"<c/>", "<a/>", "<b/>"}},
+        {withPath("a"), true, {"<c/>", "<a/>", "<b/>"}},
+        // a store of which not all programs tell the ID
+        {noID, true, {"<a/>", "<b/>"}, "<x a='@'/>"},
+        {noID, true, {"<a/>", "<b/>"}, describing("itemID='{@}'/>")},
+        {noID, true, {"<a/>", "<b/>"}, "<x>" + plain + "</x>"},
+        {noID, true, {"<a/>", "<b/>"}, describing("ds:itemID='{@}'>")},
+        {noID,
+         true,
+         {"<a/>", "<b/>"},
+         describing("ds:itemID='{@}'>") + std::string(70000, ' ') + "</ds:datastoreItem>"},
+        {noID, true, {"<a/>", "<b/>"}, {}, "<!--@-->"},
+        {noID, true, {"<a/>", "<b/>"}, {}, leading("p", "u:x/customXmlProps", "props@.xml")},
+        {noID, true, {"<a/>", "<b/>"}, {}, leading("p", store + "Props", "Props@.xml")},
+        {noID, true, {"<a/>", "<b/>"}, {}, leading("p", store + "Props", "prop%73@.xml")},
     };
-    for (const auto& [control, isRefused, secondStore] : cases) {
+    for (const auto& [control, isRefused, stores, description, relationship] : cases) {
         PlainSample sample;
-        const std::string store =
-            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/customXml";
-        const auto leading = [](const std::string& id, const std::string& type, const std::string& target) {
-            return "<Relationship Id='" + id + "' Type='" + type + "' Target='" + target + "'/>";
-        };
-        sample.replace(u"/word/_rels/document.xml.rels", "</Relationships>",
-                       leading("s1", store, "/customXml/item1.xml") +
-                           (secondStore.empty() ? "" : leading("s2", store, "/customXml/item2.xml")) +
-                           "</Relationships>");
-        sample.store.setPart(u"/customXml/item1.xml", toBytes("<a/>"));
-        sample.store.setPart(u"/customXml/_rels/item1.xml.rels",
-                             relationships(leading("p", store + "Props", "props1.xml")));
-        sample.store.setPart(u"/customXml/props1.xml", toBytes("<a ds:itemID='{A}' xmlns:ds='u:a'/>"));
-        if (!secondStore.empty())
-            sample.store.setPart(u"/customXml/item2.xml", toBytes(secondStore));
-        sample.store.setPart(u"/word/document.xml",
-                             toBytes("<w:document xmlns:w='urn:w'>" + control + "</w:document>"));
+        for (std::size_t i = 0; i < stores.size(); ++i) {
+            const std::string number = std::to_string(i + 1);
+            const std::u16string n(number.begin(), number.end());
+            sample.replace(u"/word/_rels/document.xml.rels", "</Relationships>",
+                           leading("s" + number, store, "/customXml/item" + number + ".xml") +
+                               "</Relationships>");
+            sample.store.setPart(u"/customXml/item" + n + u".xml", toBytes(stores[i]));
+            sample.store.setPart(
+                u"/customXml/_rels/item" + n + u".xml.rels",
+                relationships(replaced(relationship.empty() ? props : relationship, "@", number)));
+            sample.store.setPart(u"/customXml/props" + n + u".xml",
+                                 toBytes(replaced(description.empty() ? plain : description, "@", number)));
+        }
+        sample.store.setPart(
+            u"/word/document.xml",
+            toBytes("<w:document xmlns:w='http://schemas.openxmlformats.org/wordprocessingml/2006/main'>" +
+                    control + "</w:document>"));
         if (isRefused)
-            EXPECT_THROW(sign(sample), SigningRefused) << control;
+            EXPECT_THROW(sign(sample), SigningRefused) << control << stores[0] << description << relationship;
         else
-            EXPECT_TRUE(sign(sample).coverage.isComplete()) << control;
+            EXPECT_NO_THROW(sign(sample)) << control << stores[0];
     }
 }
 

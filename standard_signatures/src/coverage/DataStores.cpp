@@ -7,6 +7,8 @@
 
 #include <opc/core/Exception.hpp>
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 
@@ -21,75 +23,162 @@ constexpr std::string_view CONTENT_TYPE =
 constexpr std::string_view STORE = "/customxml";
 constexpr std::string_view DESCRIPTION = "/customxmlprops";
 
+/// The types of both editions, which all programs know.
+constexpr std::string_view DESCRIPTION_TYPES[] = {
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/customXmlProps",
+    "http://purl.oclc.org/ooxml/officeDocument/relationships/customXmlProps",
+};
+
 bool hasType(const MappedRelationship& relationship, std::string_view end) {
     const std::string_view type = relationship.values->type;
     return type.size() > end.size() && keyOf(type.substr(type.size() - end.size())) == end;
 }
 
-/// How many stores there are, with those that nothing describes.
-std::size_t countStores(const std::vector<MappedRelationship>& relationships) {
-    std::set<const StoredPart*> stores;
-    for (const MappedRelationship& one : relationships)
-        if (one.target != nullptr && hasType(one, STORE))
-            stores.insert(one.target);
-    return stores.size();
+/// Whether all programs find the target.
+bool isPlain(const MappedRelationship& relationship) {
+    const std::string_view target = relationship.values->target;
+    return target.find_first_of("%\\?#") == std::string_view::npos &&
+           resolveTarget(*relationship.document->source, target) == relationship.target->name;
 }
 
-/// The parts that describe a store, for programs that go by their content type or by what leads to them.
-std::vector<const StoredPart*> findDescriptions(const PackageContents& contents,
-                                                const std::vector<MappedRelationship>& relationships) {
-    std::set<const StoredPart*> stores; // in the order of the package
-    for (const StoredPart& part : contents.parts())
-        if (part.contentType && part.contentType->size() == CONTENT_TYPE.size() &&
-            keyOf(*part.contentType) == CONTENT_TYPE)
-            stores.insert(&part);
-    for (const MappedRelationship& one : relationships)
-        if (one.target != nullptr && hasType(one, DESCRIPTION))
-            stores.insert(one.target);
-    return {stores.begin(), stores.end()};
-}
-
-/// The first ID in the document, at whatever element.
-class StoreReader final : public PackageDocument {
+/// The IDs in the description of a store.
+class DescriptionReader final : public PackageDocument {
 public:
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
-        for (std::size_t i = 0; id.empty() && i < element.attributeCount(); ++i)
+        constexpr unsigned DEEPEST = 20;
+        if (depth == 0)
+            for (const std::u16string_view one :
+                 {u"http://schemas.openxmlformats.org/officeDocument/2006/customXml",
+                  u"http://purl.oclc.org/ooxml/officeDocument/customXml"})
+                if (element.localName() == u"datastoreItem" && element.namespaceURI() == one)
+                    ofRoot = narrow(element.valueOf(one, u"itemID"));
+        if (++depth > DEEPEST)
+            refuse("The description of a data store is nested too deeply");
+        for (std::size_t i = 0; i < element.attributeCount(); ++i)
             if (const model::XmlAttribute one = element.attribute(i); one.localName == u"itemID")
-                id = keyOf(narrow(one.value));
+                all.insert(keyOf(narrow(one.value)));
     }
+    void onEnd() override { --depth; }
 
-    std::string id;
+    std::string ofRoot;        ///< as it is written; empty if all programs don't find it
+    std::set<std::string> all; ///< at whatever element
+
+private:
+    unsigned depth = 0;
 };
 
-/// @return empty if it has none
-std::string readID(const PackageContents& contents, const StoredPart& store) {
-    StoreReader reader;
+DescriptionReader readDescription(const PackageContents& contents, const StoredPart& part) {
+    constexpr std::uint64_t LONGEST = 65536; // a description has an ID and some schemas
+    DescriptionReader reader;
     try {
-        reader.read(*contents.open(store));
+        reader.read(*contents.open(part), LONGEST);
     } catch (const Exception&) { // other programs may read on; what came so far counts
+        reader.ofRoot.clear();
     }
-    return reader.id;
+    return reader;
 }
+
+class RootReader final : public PackageDocument {
+public:
+    struct Done {};
+
+    void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
+        name = element.localName();
+        throw Done();
+    }
+
+    std::u16string name;
+};
+
+std::u16string readRootName(const PackageContents& contents, const StoredPart& part) {
+    RootReader reader;
+    try {
+        reader.read(*contents.open(part));
+    } catch (const RootReader::Done&) {
+    } catch (const Exception&) { // it can't be told
+    }
+    return reader.name;
+}
+
+/// The stores of a package and what describes them.
+class Stores {
+public:
+    Stores(const PackageContents& contents, const std::vector<MappedRelationship>& relationships)
+        : contents(contents) {
+        for (const StoredPart& part : contents.parts()) // some programs go by the content type
+            if (part.contentType && part.contentType->size() == CONTENT_TYPE.size() &&
+                keyOf(*part.contentType) == CONTENT_TYPE)
+                descriptions[&part];
+        for (const MappedRelationship& one : relationships)
+            if (one.target != nullptr && hasType(one, STORE))
+                parts.insert(one.target);
+            else if (one.target != nullptr && hasType(one, DESCRIPTION)) {
+                descriptions[one.target].push_back(&one);
+                ++uses;
+            }
+    }
+
+    bool areSeveral() const { return parts.size() > 1 || descriptions.size() > 1 || uses > 1; }
+
+    std::vector<StoreChoice> findChoices() {
+        std::vector<StoreChoice> choices;
+        std::map<const StoredPart*, std::string> ids; // of the stores
+        std::set<std::string> known;
+        for (const auto& [part, users] : descriptions) {
+            const DescriptionReader read = readDescription(contents, *part);
+            bool isTwin = users.size() > 1;
+            for (const std::string& id : read.all)
+                isTwin = !known.insert(id).second || isTwin;
+            if (isTwin)
+                choices.push_back({part, "it describes another data store with the same ID, and their order "
+                                         "can't be signed"});
+            for (const MappedRelationship* const user : users)
+                addId(ids, *user, read.ofRoot);
+        }
+        if (parts.size() > 1)
+            for (const StoredPart* const one : findLooseBindings(contents, listStores(ids)))
+                choices.push_back(
+                    {one,
+                     "a content control in it can take any data store, and their order can't be signed"});
+        return choices;
+    }
+
+private:
+    /// A second description makes the ID unknown.
+    void addId(std::map<const StoredPart*, std::string>& ids, const MappedRelationship& user,
+               const std::string& id) const {
+        const bool isFound = std::find(std::begin(DESCRIPTION_TYPES), std::end(DESCRIPTION_TYPES),
+                                       user.values->type) != std::end(DESCRIPTION_TYPES) &&
+                             isPlain(user);
+        const auto [known, isNew] = ids.emplace(contents.find(*user.document->source), isFound ? id : "");
+        if (!isNew)
+            known->second.clear();
+    }
+
+    /// With the properties of the package, into which programs look, too.
+    std::vector<DataStore> listStores(const std::map<const StoredPart*, std::string>& ids) const {
+        std::vector<DataStore> list{{u"coreProperties", "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}"},
+                                    {u"Properties", "{6668398D-A668-4E3E-A5EB-62B293D839F1}"}};
+        for (const StoredPart* const part : parts) {
+            const auto id = ids.find(part);
+            list.push_back({readRootName(contents, *part), id == ids.end() ? std::string() : id->second});
+        }
+        return list;
+    }
+
+    const PackageContents& contents;
+    std::set<const StoredPart*> parts; ///< in the order of the package, also those that nothing describes
+    /// By part, with the relationships that lead to it.
+    std::map<const StoredPart*, std::vector<const MappedRelationship*>> descriptions;
+    std::size_t uses = 0; ///< of descriptions
+};
 
 } // namespace
 
 std::vector<StoreChoice> findStoreChoices(const PackageContents& contents,
                                           const std::vector<MappedRelationship>& relationships) {
-    const std::vector<const StoredPart*> descriptions = findDescriptions(contents, relationships);
-    const std::size_t stores = countStores(relationships);
-    std::vector<StoreChoice> choices;
-    if (descriptions.size() < 2 && stores < 2)
-        return choices;
-    std::set<std::string> known;
-    for (const StoredPart* const one : descriptions)
-        if (const std::string id = readID(contents, *one); !id.empty() && !known.insert(id).second)
-            choices.push_back(
-                {one, "it describes another data store with the same ID, and their order can't be signed"});
-    if (stores > 1)
-        for (const StoredPart* const one : findLooseBindings(contents, known))
-            choices.push_back(
-                {one, "a content control in it can take any data store, and their order can't be signed"});
-    return choices;
+    Stores stores(contents, relationships);
+    return stores.areSeveral() ? stores.findChoices() : std::vector<StoreChoice>();
 }
 
 } // namespace opc::standard_signatures
