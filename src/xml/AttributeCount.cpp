@@ -103,11 +103,28 @@ void AttributeCount::takeInTag(unsigned char character) {
         place = Within::Text;
     } else if (character == '<') { // in the declaration of a document type
         place = Within::Start;
-    } else if (character == '=' && ++attributes > MOST) {
-        InvalidXMLDocument failure(TOO_MANY);
-        failure.addDetails("line " + std::to_string(line));
-        throw failure;
+    } else if (character == '=') {
+        countAttribute();
     }
+}
+
+void AttributeCount::countAttribute() {
+    constexpr std::size_t MANY = 100;
+    constexpr std::uint64_t MOST_COMPARISONS = 10'000'000;
+    constexpr std::uint64_t COMPARISONS_OF_A_BYTE = 3; // so that tables with wide rows may have any length
+    if (++attributes > MOST)
+        fail(TOO_MANY);
+    if (attributes <= MANY)
+        return;
+    comparisons += attributes;
+    if (comparisons > MOST_COMPARISONS + COMPARISONS_OF_A_BYTE * total)
+        fail(TOO_OFTEN_MANY);
+}
+
+void AttributeCount::fail(const char* reason) const {
+    InvalidXMLDocument failure(reason);
+    failure.addDetails("line " + std::to_string(line));
+    throw failure;
 }
 
 } // namespace opc::model

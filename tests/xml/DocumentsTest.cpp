@@ -22,6 +22,7 @@ const char* const BAD_ENCODING =
 const char* const DEEP = "XML content can not be nested deeper than 1000 elements";
 const char* const MANY_COMMENTS = "XML content can not contain more than 10000 comments";
 const char* const MANY_ATTRIBUTES = "XML content can not have more than 1000 attributes on an element";
+const char* const OFTEN_MANY = "XML content can not have more than 100 attributes on most of many elements";
 const char* const MANY_OPEN = "XML content can not have more than 4000 attributes on nested elements";
 const char* const MANY_NAMES = "XML content can not have more than 2000 different names";
 
@@ -189,6 +190,9 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
         {withAttributes(200000, "b") + "/>", MANY_ATTRIBUTES},
         {withAttributes(200000, "xmlns:b") + "/>", MANY_ATTRIBUTES},
         {"<a>" + repeated(hundred + "</a>", 100) + "</a>", ""},
+        {"<a>" + repeated(withAttributes(150, "name") + "/>", 4000) + "</a>", ""},
+        {"<a>" + repeated(withAttributes(1000, "b") + "/>", 20) + "</a>", ""},
+        {"<a>" + repeated(withAttributes(1000, "b") + "/>", 24) + "</a>", OFTEN_MANY},
         {nested(40, hundred), ""},
         {nested(41, hundred), MANY_OPEN},
         {nested(1000, "<a b='' c='' d='' e=''>"), ""},
