@@ -165,6 +165,17 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
          [](RawItem& it) { it.changeLocal = [](RawItem& local) { local.flags = 2; }; }},
         {"a: its data descriptor has no mark\n",
          [](RawItem& it) { it.streamed = true, it.flags = 8, it.descriptorIsSigned = false; }},
+        {"a: its data descriptor has no mark\n",
+         [](RawItem& it) {
+             it.streamed = true, it.flags = 8, it.descriptorIsSigned = false;
+             it.zip64 = true, it.descriptorWidth = 8;
+         }},
+        {"a: its data descriptor has no room for the numbers of ZIP64\n",
+         [](RawItem& it) {
+             it = oddlyDeflated("a", "content");
+             it.streamed = true, it.flags = 8, it.zip64 = true;
+         }},
+        {"", [](RawItem& it) { it.streamed = true, it.flags = 8, it.zip64 = true, it.descriptorWidth = 8; }},
         {"a: by its attributes it is a file of an unknown kind\n",
          [](RawItem& it) { it.attributes = 0160644U << 16U; }},
         {"", [](RawItem& it) { it.attributes = 0100644U << 16U | 0x20U; }},

@@ -69,10 +69,10 @@ void appendContent(std::string& archive, const RawItem& item) {
     if (item.changeLocal)
         item.changeLocal(local);
     RawItem header = local;
-    if (header.zip64)
-        header.localExtra += zip64Field({header.size, packedSize(header)});
     if (header.streamed)
         header.packedSize = header.crc = header.size = 0;
+    if (header.zip64)
+        header.localExtra += zip64Field({header.size, packedSize(header)});
     append(archive, 0x04034b50, 4);
     append(archive, header.versionNeeded, 2);
     appendCommon(archive, header, header.localExtra.size());

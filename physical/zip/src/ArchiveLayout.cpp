@@ -37,6 +37,8 @@ public:
 
 private:
     void checkItem(ItemIndex index);
+    void checkDescriptor(ItemIndex index, const unsigned char* header, const unsigned char* descriptor,
+                         std::size_t size);
     const unsigned char* readHeader(const DirectoryEntry& entry);
     const unsigned char* read(const DirectoryEntry& entry, std::uint64_t offset,
                               std::vector<unsigned char>& target, std::size_t count);
@@ -91,12 +93,23 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(entry.end - contentEnd, LONGEST_DESCRIPTOR));
     const unsigned char* behind = count > 0 ? read(entry, contentEnd, descriptorBuffer, count) : nullptr;
-    const bool hasNoSize = read32(header + 18) == 0 && entry.compressedSize != 0;
-    entry.end = contentEnd + descriptorSize(entry, header, behind, count, place);
-    if (isWrittenEarly && entry.end == contentEnd)
+    const std::size_t descriptor = descriptorSize(entry, header, behind, count, place);
+    entry.end = contentEnd + descriptor;
+    if (isWrittenEarly)
+        checkDescriptor(index, header, behind, descriptor);
+}
+
+/// Programs that don't use the directory find the next item behind the descriptor.
+void LayoutCheck::checkDescriptor(ItemIndex index, const unsigned char* header,
+                                  const unsigned char* descriptor, std::size_t size) {
+    const DirectoryEntry& entry = directory.entries[index];
+    if (size == 0)
         directory.ambiguities.push_back({index, "its data descriptor is missing"});
-    else if (isWrittenEarly && entry.method == STORE && hasNoSize && read32(behind) != DESCRIPTOR)
+    else if (entry.method == STORE && entry.compressedSize != 0 && hasOpenEnd(header) &&
+             read32(descriptor) != DESCRIPTOR)
         directory.ambiguities.push_back({index, "its data descriptor has no mark"});
+    else if (size < SHORTEST_LARGE_DESCRIPTOR && hasZip64Field(header))
+        directory.ambiguities.push_back({index, "its data descriptor has no room for the numbers of ZIP64"});
 }
 
 /// An end record in a content must not lead to records. That of an archive in an archive doesn't, because its numbers count from

@@ -16,12 +16,16 @@ bool isWrittenEarly(const unsigned char* header) {
     return (read16(header + 6) & DATA_DESCRIPTOR) != 0;
 }
 
+Zip64Field zip64FieldOf(const unsigned char* header) {
+    return {header + LOCAL_HEADER_SIZE + read16(header + 26), read16(header + 28)};
+}
+
 /// Whether the numbers in a local header are those of the directory.
 /// @param early  whether the numbers may still be missing
 bool hasNumbersOf(const DirectoryEntry& entry, const unsigned char* header, bool early) {
     std::uint64_t compressedSize = read32(header + 18);
     std::uint64_t size = read32(header + 22);
-    Zip64Field field(header + LOCAL_HEADER_SIZE + read16(header + 26), read16(header + 28));
+    Zip64Field field = zip64FieldOf(header);
     if (!field.resolve(size) || !field.resolve(compressedSize))
         return early;
     const auto agrees = [early](std::uint64_t local, std::uint64_t directory) {
@@ -58,6 +62,21 @@ void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, 
     if (read16(header + 8) != entry.method || !agreeOnFlags(entry, header) ||
         !hasNumbersOf(entry, header, isWrittenEarly(header)))
         failItem(entry, archive, "its local header differs from the directory");
+}
+
+bool hasOpenEnd(const unsigned char* header) {
+    std::uint64_t compressedSize = read32(header + 18);
+    std::uint64_t size = read32(header + 22);
+    Zip64Field field = zip64FieldOf(header);
+    return !field.resolve(size) || !field.resolve(compressedSize) || compressedSize == 0;
+}
+
+bool hasZip64Field(const unsigned char* header) {
+    ExtraFieldWalk walk(header + LOCAL_HEADER_SIZE + read16(header + 26), read16(header + 28));
+    for (ExtraField field; walk.next(field);)
+        if (field.kind == ZIP64_FIELD)
+            return true;
+    return walk.isCutOff(ZIP64_FIELD);
 }
 
 std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry, const unsigned char* behind,

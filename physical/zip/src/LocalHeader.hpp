@@ -14,6 +14,12 @@ namespace opc::physical::zip {
 /// @param archive  the archive's name for messages
 void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, const std::string& archive);
 
+/// Whether a local header doesn't say how long the content is.
+bool hasOpenEnd(const unsigned char* header);
+
+/// Whether a local header has a ZIP64 field. Some programs take the numbers in the data descriptor for larger ones then.
+bool hasZip64Field(const unsigned char* header);
+
 /// Finds the data descriptor of an item, which repeats sizes and checksum after the content: with or without a
 /// signature, with sizes in 32 or 64 bits. Throws if the local header needs one and there is none, or if it
 /// contradicts the directory.
@@ -23,6 +29,7 @@ void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, 
 std::size_t descriptorSize(const DirectoryEntry& entry, const unsigned char* header,
                            const unsigned char* behind, std::size_t count, const std::string& archive);
 constexpr std::size_t LONGEST_DESCRIPTOR = 24;
+constexpr std::size_t SHORTEST_LARGE_DESCRIPTOR = 20; ///< with sizes in 64 bits
 
 /// The size of the data descriptor at `behind` if it agrees with the directory; nothing if it doesn't.
 OPC_ZIP_EXPORT std::optional<std::size_t> matchDescriptor(const DirectoryEntry& entry,
