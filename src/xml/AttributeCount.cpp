@@ -41,7 +41,7 @@ void AttributeCount::pass(const unsigned char* bytes, std::size_t count) {
         return;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t place = total++ % units.size;
+        const auto place = static_cast<std::size_t>(total++ % units.size);
         const bool isLow = place == (units.isHighFirst ? units.size - 1 : 0);
         (isLow ? low : others) |= bytes[i];
         if (place == units.size - 1) {
