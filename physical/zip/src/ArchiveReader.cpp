@@ -103,14 +103,16 @@ bool ArchiveReader::expandWhole(ItemIndex index, unsigned char* content) {
     const unsigned char* const data = start.bytes + start.headerSize;
     const auto count = static_cast<std::size_t>(entry.compressedSize);
     const auto size = static_cast<std::size_t>(entry.size);
-    const bool isExpanded = strict && !isOrdinaryBlock(data, count)
-                                ? expandByZlib(data, count, content, size)
-                                : wholeInflater.expand(data, count, content, size);
+    const bool isExpanded =
+        strict ? expandAsZlib(data, count, content, size) : wholeInflater.expand(data, count, content, size);
     return isExpanded && addToChecksum(0, content, size) == entry.crc;
 }
 
-bool ArchiveReader::expandByZlib(const unsigned char* data, std::size_t count, unsigned char* content,
+bool ArchiveReader::expandAsZlib(const unsigned char* data, std::size_t count, unsigned char* content,
                                  std::size_t size) {
+    if (const auto block = OrdinaryBlock::find(data, count);
+        block && block->isAllOf(data, count, wholeInflater.expandFirstBlock(data, count, content, size)))
+        return true;
     std::unique_ptr<Inflater> inflater = takeInflater();
     inflater->setInput(data, count);
     std::size_t got = 0;

@@ -128,7 +128,7 @@ public:
 
 private:
     std::string_view compressedBytes(ItemIndex index) const;
-    bool expandByZlib(const unsigned char* data, std::size_t count, unsigned char* content, std::size_t size);
+    bool expandAsZlib(const unsigned char* data, std::size_t count, unsigned char* content, std::size_t size);
 
     std::shared_ptr<ByteSource> source;
     std::string where;

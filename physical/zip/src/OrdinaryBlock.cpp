@@ -63,6 +63,14 @@ bool isComplete(Iterator first, Iterator last, unsigned longest) noexcept {
     return used == 1U << longest;
 }
 
+/// A code with its first bit as the lowest one, as the bits of the data are taken.
+unsigned reversed(unsigned code, unsigned length) noexcept {
+    unsigned bits = 0;
+    for (unsigned i = 0; i < length; ++i)
+        bits |= (code >> i & 1U) << (length - 1 - i);
+    return bits;
+}
+
 /// Reads the lengths of codes, which are coded themselves.
 class LengthCode {
 public:
@@ -95,12 +103,9 @@ private:
         unsigned char length;
     };
 
-    /// Enters a symbol wherever the next bits begin with its code. The first bit of a code comes first, so it is the lowest.
+    /// Enters a symbol wherever the next bits begin with its code.
     void enter(unsigned code, unsigned symbol, unsigned length) noexcept {
-        unsigned reversed = 0;
-        for (unsigned i = 0; i < length; ++i)
-            reversed |= (code >> i & 1U) << (length - 1 - i);
-        for (unsigned i = reversed; i < entries.size(); i += 1U << length)
+        for (unsigned i = reversed(code, length); i < entries.size(); i += 1U << length)
             entries[i] = {static_cast<unsigned char>(symbol), static_cast<unsigned char>(length)};
     }
 
@@ -129,13 +134,43 @@ bool readLengths(BitReader& bits, const LengthCode& code, unsigned char* lengths
     return !bits.isExhausted();
 }
 
+/// The code of a symbol, whose length isn't 0.
+unsigned codeOf(unsigned symbol, const unsigned char* lengths, unsigned count) noexcept {
+    std::array<unsigned, LONGEST_CODE + 1> counts{};
+    for (unsigned i = 0; i < count; ++i)
+        ++counts[lengths[i]];
+    unsigned code = 0;
+    for (unsigned length = 1; length < lengths[symbol]; ++length)
+        code = (code + counts[length]) << 1U;
+    return code + static_cast<unsigned>(std::count(lengths, lengths + symbol, lengths[symbol]));
+}
+
+/// The bits at a place, the lowest of each byte first.
+unsigned bitsAt(const unsigned char* data, std::size_t place, unsigned count) noexcept {
+    unsigned bits = 0;
+    for (unsigned i = 0; i < count; ++i, ++place)
+        bits |= (data[place / 8] >> place % 8 & 1U) << i;
+    return bits;
+}
+
+/// Whether there are only an empty stored block at a place, and one with fixed codes behind it if that isn't the last.
+bool areEmptyBlocks(const unsigned char* data, std::size_t count, std::size_t place) noexcept {
+    constexpr std::array<unsigned char, 6> EMPTY = {0, 0, 0xFF, 0xFF, 3, 0};
+    constexpr std::size_t STORED = 4; // bytes of the first one
+    const unsigned begin = bitsAt(data, place, 3);
+    const std::size_t next = (place + 3 + 7) / 8;
+    const std::size_t size = begin == 1 ? STORED : EMPTY.size();
+    return begin <= 1 && count - next == size && std::equal(EMPTY.begin(), EMPTY.begin() + size, data + next);
+}
+
 } // namespace
 
-bool isOrdinaryBlock(const unsigned char* data, std::size_t count) noexcept {
-    constexpr unsigned LAST_WITH_OWN_CODES = 0b101;
+std::optional<OrdinaryBlock> OrdinaryBlock::find(const unsigned char* data, std::size_t count) noexcept {
+    constexpr unsigned WITH_OWN_CODES = 2;
     BitReader bits(data, count);
-    if (bits.take(3) != LAST_WITH_OWN_CODES)
-        return false;
+    const bool isLast = bits.take(1) == 1;
+    if (bits.take(2) != WITH_OWN_CODES)
+        return {};
     const unsigned literals = 257 + bits.take(5);
     const unsigned distances = 1 + bits.take(5);
     const unsigned lengthCodes = 4 + bits.take(4);
@@ -143,10 +178,31 @@ bool isOrdinaryBlock(const unsigned char* data, std::size_t count) noexcept {
     std::array<unsigned char, MOST_LITERALS + MOST_DISTANCES> lengths; // not cleared
     if (literals > MOST_LITERALS || distances > MOST_DISTANCES || !code.read(bits, lengthCodes) ||
         !readLengths(bits, code, lengths.data(), literals + distances) || lengths[END_OF_BLOCK] == 0)
-        return false;
+        return {};
     unsigned char* const firstDistance = lengths.data() + literals;
-    return isComplete(lengths.data(), firstDistance, LONGEST_CODE) &&
-           isComplete(firstDistance, firstDistance + distances, LONGEST_CODE);
+    if (!isComplete(lengths.data(), firstDistance, LONGEST_CODE) ||
+        !isComplete(firstDistance, firstDistance + distances, LONGEST_CODE))
+        return {};
+    const unsigned endLength = lengths[END_OF_BLOCK];
+    return OrdinaryBlock(isLast, reversed(codeOf(END_OF_BLOCK, lengths.data(), literals), endLength),
+                         endLength);
+}
+
+bool OrdinaryBlock::isAllOf(const unsigned char* data, std::size_t count, std::size_t end) const noexcept {
+    if (last)
+        return end == count;
+    constexpr std::size_t LEAST_BEHIND = 4; // bytes that empty blocks take
+    if (end < 4 || end > count || count - end < LEAST_BEHIND)
+        return false;
+    // The block ends with the code of its end, at one of these places.
+    std::size_t place = 0;
+    for (std::size_t one = (end - 1) * 8 + 1; one <= end * 8; ++one)
+        if (bitsAt(data, one - endLength, endLength) == endCode) {
+            if (place != 0)
+                return false;
+            place = one;
+        }
+    return place != 0 && areEmptyBlocks(data, count, place);
 }
 
 } // namespace opc::physical::zip
