@@ -337,6 +337,14 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         {"gap: /docProps/word/media/1.png its content isn't signed",
          image("/docProps/word/media/1.png", "image/png", png)},
         {"gap: /_xmlsignatures/origin.sigs" + form, addingPart(u"/_xmlsignatures/origin.sigs")},
+        {"gap: /_xmlsignatures/a.cer" + form, // one DER value, and no certificate
+         both(both(addingPart(u"/_xmlsignatures/a.cer", "\x30\x81\x80" + std::string(128, 'a')),
+                   replacingTypes("</Types>", "<Override PartName='/_xmlsignatures/a.cer' ContentType='"
+                                              "application/vnd.openxmlformats-package.digital-signature-"
+                                              "certificate'/></Types>")),
+              both(addingPart(u"/_xmlsignatures/_rels/sig1.xml.rels", toText(relationships(""))),
+                   adding(u"/_xmlsignatures/_rels/sig1.xml.rels", BASE + "digital-signature/certificate",
+                          "a.cer")))},
         {"gap: / evil the relationship isn't signed", outside("http://e/x.png")},
         {"gap: / evil the relationship isn't signed", outside("//e/x.png")},
         {"gap: / evil the relationship isn't signed", outside("\\\\e\\x.png")},
@@ -377,6 +385,100 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
         sample.sign();
         signature(name)(sample);
         EXPECT_TRUE(sample.verify().isYes()) << name << reasonsOf(sample.verify());
+    }
+}
+
+const std::string XPS = "http://schemas.microsoft.com/xps/2005/06/fixedrepresentation";
+
+/// The documents of other formats find parts by their names, which some programs read in an odd way.
+TEST(StandardAttacks, ShowWhatNeedNotBeSignedByItsName) {
+    const auto link = [](const std::string& target) { return "<a b='" + target + "'/>"; };
+    const auto wide = [](const std::string& text, bool isBigEndian) {
+        std::string bytes = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
+        for (const char c : text)
+            bytes += isBigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+        return bytes;
+    };
+    const struct {
+        std::string content; ///< of the signed document
+        bool isYes = false;
+        std::string main = XPS; ///< the type of the relationship to it
+    } cases[] = {
+        {link("/docProps/core.xml")},
+        {link("/docProps/core.xml"), true, OFFICE + "officeDocument"},
+        {link("/docProps/core.xm"), true},
+        {link("/_xmlsignatures/origin.sigs"), true}, // which is empty
+        {link("/_xmlsignatures/sig1.xml")},
+        {link("../DOCPROPS\\CORE.xml#a")},
+        {link("c%6Fre.xml")},
+        {link("%63or%65%2e%78%6D%6c")},
+        {link("c%256Fre.xml")},
+        {link("c&#111;re.xml")},
+        {link("c&#x6F;re.xml")},
+        {link("c&#111re.xml")},
+        {link("c&#x6F;r&#x65;.xml")},
+        {link("c&#x00000000000000000000000006F;re.xml")},
+        {link("c&#x+6f;re.xml")},
+        {link("c&#x 6f;re.xml")},
+        {link("c&#x0x6f;re.xml")},
+        {link("c&#x10000006f;re.xml")},
+        {link("c&#-4294967185;re.xml")},
+        {link("c&#37;6Fre.xml")},
+        {link("c%&#54;Fre.xml")},
+        {link("&%&c&#x6F;re.xml")},
+        {link("&#x163;ore.xml"), true},
+        {link("c&#x6F;;re.xml"), true},
+        {link("%ac%ore.xml"), true},
+        {link("co&#9;r\te.xml")},
+        {"<a>core.xml</a>"},
+        {"<a>c<!-- b -->ore.<?c d?>xml</a>"},
+        {"<a><![CDATA[co]]>re<![CDATA[.xml]]></a>"},
+        {wide(link("core.xml"), true)},
+        {wide(link("c&#x6F;re%2Exml"), false)},
+        {"<!DOCTYPE a><a:b c=core.xml"}, // for programs that aren't strict
+        {std::string(65532, ' ') + "core.xml"},
+        {std::string(65534, ' ') + "%63ore.xml"},
+    };
+    for (const auto& [content, isYes, main] : cases) {
+        SignedSample sample;
+        sample.replace(PACKAGE, OFFICE + "officeDocument", main);
+        sample.store.setPart(u"/word/document.xml", toBytes(content));
+        sample.sign();
+        const PackageVerification result = sample.verify();
+        EXPECT_EQ(result.isYes(), isYes) << content << reasonsOf(result);
+        EXPECT_EQ(reasonsOf(result).find(".xml its content isn't signed") == std::string::npos, isYes)
+            << content;
+    }
+}
+
+/// A document of an office program can be one of another format, too.
+TEST(StandardAttacks, BeOfTwoFormats) {
+    const auto entering = [](const std::string& type) { return adding(PACKAGE, type, "word/document.xml"); };
+    const struct {
+        Attack change;
+        bool isContent; ///< the part that is named
+    } cases[] = {
+        {entering("http://schemas.microsoft.com/office/2006/relationships/ui/extensibility"), false},
+        {entering(XPS), true},
+        {entering("http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel"), true},
+        {entering("u:unknown"), true},
+        {addingPart(u"/Extension.vsixmanifest"), true},
+        {addingPart(u"/a.nuspec"), true},
+        {addingPart(u"/AppxManifest.xml"), true},
+        {addingPart(u"/word/AppxManifest.xml"), false},
+        // some programs take it for an internal one
+        {adding(PACKAGE, OFFICE + "theme", "docProps/core.xml", " TargetMode='External'"), true},
+        {adding(PACKAGE, OFFICE + "theme", "file:docProps/core.xml", " TargetMode='External'"), false},
+    };
+    for (const auto& [change, isContent] : cases) {
+        SignedSample sample;
+        sample.replace(u"/word/document.xml", "content", "core.xml");
+        sample.sign();
+        change(sample);
+        const std::string reasons = reasonsOf(sample.verify());
+        const bool isGap =
+            reasons.find("gap: /docProps/core.xml its content isn't signed") != std::string::npos;
+        EXPECT_EQ(isGap, isContent) << reasons;
     }
 }
 

@@ -124,6 +124,32 @@ TEST(StandardSigning, SignsWhatItIsToldTo) {
     EXPECT_EQ(signature.coverage.gapCount, 2U); // the document, and its picture's relationship
 }
 
+/// What a document of another format names by its path is content, and so is what that names.
+TEST(StandardSigning, SignsWhatIsNamed) {
+    const std::string office = "http://schemas.openxmlformats.org/officeDocument/2006/";
+    for (const bool isNamed : {false, true}) {
+        PlainSample sample;
+        sample.replace(u"/_rels/.rels", office + "relationships/officeDocument",
+                       "http://schemas.openxps.org/oxps/v1.0/fixedrepresentation");
+        sample.replace(u"/_rels/.rels", "</Relationships>",
+                       "<Relationship Id='app' Target='docProps/app.xml' Type='" + office +
+                           "relationships/extended-properties'/></Relationships>");
+        sample.replaceContentTypes("</Types>",
+                                   "<Override PartName='/docProps/app.xml' ContentType='application/"
+                                   "vnd.openxmlformats-officedocument.extended-properties+xml'/></Types>");
+        sample.store.setPart(u"/docProps/app.xml",
+                             toBytes("<Properties xmlns='" + office + "extended-properties'/>"));
+        sample.replace(u"/docProps/core.xml", "/>",
+                       "><title xmlns='http://purl.org/dc/elements/1.1/'>app.xml</title></coreProperties>");
+        if (isNamed)
+            sample.replace(u"/word/styles.xml", "<styles/>", "<styles a='../docProps/core.xml'/>");
+        EXPECT_TRUE(sign(sample).coverage.isComplete());
+        const PackageVerification result = sample.verify();
+        EXPECT_TRUE(result.isYes());
+        EXPECT_EQ(result.signatures.at(0).coverage.signedParts, isNamed ? 5U : 3U);
+    }
+}
+
 /// The model writes the extension of a default content type in lower case.
 TEST(StandardSigning, SignsPartsWithCapitalsInTheirExtension) {
     PlainSample sample;

@@ -5,11 +5,14 @@
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
 
+#include <bedrock/certificates/Exceptions.hpp>
+#include <bedrock/certificates/X509Certificate.hpp>
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 namespace opc::standard_signatures {
 
@@ -47,7 +50,7 @@ constexpr ContentForm CONTENT_FORMS[] = {
     {FormKind::Thumbnail, "image/wmf", ".wmf.", "", {"\xD7\xCD\xC6\x9A", "\1\0\x09\0"sv}},
     {FormKind::Origin, ORIGIN_CONTENT_TYPE, "", "", {}},
     {FormKind::Signature, SIGNATURE_CONTENT_TYPE, ".xml.psdsxs.sigs.", "", {}}, // which is read whole
-    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, ".cer.crt.der.", "", {}}, // which is one DER value
+    {FormKind::Certificate, CERTIFICATE_CONTENT_TYPE, ".cer.crt.der.", "", {}}, // which is read whole
 };
 
 /// Where some programs put properties.
@@ -80,19 +83,30 @@ bool hasNameOfSignatures(std::string_view key) {
     return key.find("sig") != std::string_view::npos || hasExtension(key, ".psdsxs.psdor.psdsor.cer.");
 }
 
-/// Whether a file is one sequence in DER, of more than 127 bytes as every certificate.
-/// @param first  its first bytes, at most 8
-bool isSequence(const std::string& first, std::uint64_t size) {
-    constexpr unsigned char SEQUENCE = 0x30;
-    constexpr unsigned char LONG_FORM = 0x80;
-    const auto byte = [&first](std::size_t i) { return static_cast<unsigned char>(first[i]); };
-    if (first.size() < 8 || byte(0) != SEQUENCE || byte(1) <= LONG_FORM || byte(1) > LONG_FORM + 4)
+/// Reads content to its end.
+/// @return the bytes with which it begins, at most this many
+std::string readBeginning(InputStream& stream, std::size_t most) {
+    std::array<unsigned char, 16384> block; // not cleared
+    std::string first;
+    while (!stream.isDone()) {
+        const std::uint64_t got = stream.read(block.data(), block.size());
+        first.append(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(
+                                                        std::min<std::uint64_t>(got, most - first.size())));
+    }
+    return first;
+}
+
+/// Whether a file is one certificate, and nothing else.
+bool isCertificate(InputStream& stream) {
+    constexpr std::size_t MOST_BYTES = 65536;
+    const std::string all = readBeginning(stream, MOST_BYTES + 1);
+    const std::vector<unsigned char> der(all.begin(), all.end());
+    try {
+        return all.size() <= MOST_BYTES &&
+               bedrock::certificates::X509Certificate(der).getAsByteArray() == der;
+    } catch (const bedrock::certificates::CertificateException&) {
         return false;
-    const std::size_t lengthSize = byte(1) - LONG_FORM;
-    std::uint64_t length = 0;
-    for (std::size_t i = 0; i < lengthSize; ++i)
-        length = length << 8 | byte(2 + i);
-    return 2 + lengthSize + length == size;
+    }
 }
 
 constexpr const char* OTHER_FORM = "hasn't the form of what needn't be";
@@ -112,8 +126,7 @@ public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
-        isForeign = isForeign || !isOfProperties(element.namespaceURI()) ||
-                    element.localName() == u"FixedPage"; // which some programs show whatever its namespace is
+        isForeign = isForeign || !isOfProperties(element.namespaceURI());
         if (isRoot && isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
             (isText(element.namespaceURI(), form.beginning[0]) ||
              isText(element.namespaceURI(), form.beginning[1])))
@@ -180,23 +193,15 @@ const char* ContentForm::defectIn(InputStream& stream) const {
         }
         return reader.findDefect();
     }
-    std::array<unsigned char, 16384> block; // not cleared
-    std::string first;
-    std::uint64_t size = 0;
-    while (!stream.isDone()) {
-        const std::uint64_t got = stream.read(block.data(), block.size());
-        const std::size_t left = 8 - first.size();
-        first.append(block.begin(),
-                     block.begin() + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(got, left)));
-        size += got;
-    }
+    if (kind == Kind::Certificate)
+        return isCertificate(stream) ? nullptr : OTHER_FORM;
+    const std::string first = readBeginning(stream, 8);
     const auto isBeginning = [&first](std::string_view one) {
         return !one.empty() && first.compare(0, one.size(), one) == 0;
     };
     const bool isRight =
-        kind == Kind::Origin ? size == 0
-        : kind == Kind::Certificate
-            ? isSequence(first, size)
+        kind == Kind::Origin
+            ? first.empty()
             : beginning[0].empty() || std::any_of(std::begin(beginning), std::end(beginning), isBeginning);
     return isRight ? nullptr : OTHER_FORM;
 }

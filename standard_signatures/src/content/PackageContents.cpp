@@ -2,6 +2,7 @@
 
 #include "content/ContentForm.hpp"
 #include "content/ContentTypes.hpp"
+#include "content/NameSearch.hpp"
 #include "crypto/Digest.hpp"
 #include "crypto/Methods.hpp"
 #include "names/PartNames.hpp"
@@ -22,6 +23,31 @@
 namespace opc::standard_signatures {
 
 namespace {
+
+/// A content in which names are looked for while somebody reads it.
+class SearchedContent final : public InputStream {
+public:
+    SearchedContent(std::unique_ptr<InputStream> content, NameSearch& search)
+        : content(std::move(content)), search(search) {
+        search.begin();
+    }
+
+    void open() override {
+        content->open();
+        search.begin();
+    }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = content->read(buffer, count);
+        search.look(buffer, static_cast<std::size_t>(got));
+        return got;
+    }
+    bool isDone() const override { return content->isDone(); }
+    void close() override { content->close(); }
+
+private:
+    const std::unique_ptr<InputStream> content;
+    NameSearch& search;
+};
 
 /// Does something once, and remembers how it failed.
 template <typename Value>
@@ -60,6 +86,8 @@ struct PackageContents::Known {
     }
 
     std::uint64_t relationshipText = 0;
+    std::optional<NameSearch> search;
+    std::map<const StoredPart*, std::size_t> searched; ///< parts, by their place in the search
     Digester digester;
     std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
     std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
@@ -201,6 +229,20 @@ std::optional<std::string> PackageContents::findOuterPart(const StoredPart& part
     return std::nullopt;
 }
 
+void PackageContents::searchFor(const std::vector<const StoredPart*>& parts) {
+    std::vector<std::string_view> keys;
+    for (const StoredPart* const part : parts) {
+        known->searched.emplace(part, keys.size());
+        keys.emplace_back(part->key);
+    }
+    known->search.emplace(keys);
+}
+
+bool PackageContents::isNamed(const StoredPart& part) const {
+    const auto found = known->searched.find(&part);
+    return found != known->searched.end() && known->search->isFound(found->second);
+}
+
 Digester& PackageContents::digester() {
     return known->digester;
 }
@@ -213,7 +255,10 @@ const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part
         return valueOf(found->second);
     Outcome<std::vector<unsigned char>> outcome;
     try {
-        outcome = known->digester.of(*open(part), method);
+        std::unique_ptr<InputStream> content = open(part);
+        if (known->search && !part.source)
+            content = std::make_unique<SearchedContent>(std::move(content), *known->search);
+        outcome = known->digester.of(*content, method);
     } catch (const Exception& failure) {
         outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }

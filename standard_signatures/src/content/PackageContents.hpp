@@ -79,6 +79,12 @@ public:
     /// Why programs can understand a part in different ways, by its name and content type alone; nothing if they can't.
     std::vector<std::string> whyAmbiguous(const StoredPart& part) const;
 
+    /// Lets `digest` look for the names of these parts in the contents that it reads. Called once.
+    void searchFor(const std::vector<const StoredPart*>& parts);
+
+    /// Whether the name of a part was looked for and found.
+    bool isNamed(const StoredPart& part) const;
+
     /// Computes other digests.
     Digester& digester();
 

@@ -58,6 +58,30 @@ const TypedTarget* findKind(const TypedTarget (&kinds)[Size], std::string_view r
     return found == kinds + Size ? nullptr : found;
 }
 
+/// How the types begin of what leads from the package to something of an office document, in lower case.
+constexpr std::string_view OF_OFFICE_PROGRAMS[] = {
+    "http://schemas.openxmlformats.org/officedocument/",
+    "http://purl.oclc.org/ooxml/officedocument/",
+    "http://schemas.openxmlformats.org/package/2006/",
+    "http://schemas.microsoft.com/office/",
+    "http://schemas.microsoft.com/visio/",
+};
+
+bool isOfOfficeDocument(std::string_view type) {
+    const std::string key = keyOf(type);
+    return std::any_of(std::begin(OF_OFFICE_PROGRAMS), std::end(OF_OFFICE_PROGRAMS),
+                       [&key](std::string_view one) { return key.compare(0, one.size(), one) == 0; });
+}
+
+/// Whether programs take the package for one of their format because of a part with this name.
+bool isManifest(std::string_view key) {
+    const auto endsWith = [key](std::string_view end) {
+        return key.size() > end.size() && key.substr(key.size() - end.size()) == end;
+    };
+    return key.rfind('/') == 0 &&
+           (endsWith(".nuspec") || endsWith(".vsixmanifest") || key == "/appxmanifest.xml");
+}
+
 /// To what a relationship leads because of which a part needn't be signed.
 const TypedTarget* excusedBy(const MappedRelationship& relationship) {
     const std::string_view type = relationship.values->type;
@@ -96,6 +120,9 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     choices = findStoreChoices(contents, all);
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
+        if (one.values->isExternal &&
+            one.values->target.find(':') == std::string::npos) // for some programs it isn't
+            contentTargets.insert(contents.find(resolveTarget(*one.document->source, one.values->target)));
         if (one.target == nullptr)
             continue;
         const TypedTarget* const kind = excusedBy(one);
@@ -110,6 +137,18 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
             signatureParts.push_back(one.target);
     }
     findContentFolders();
+    if (!isOfOfficeProgram())
+        searchForExempt(contents);
+}
+
+/// The documents of other formats name parts by their path. The origin has no content.
+void PackageMap::searchForExempt(PackageContents& contents) const {
+    std::vector<const StoredPart*> parts;
+    for (const StoredPart& part : contents.parts())
+        if (const ContentForm* const form = exemptFormOf(part);
+            form != nullptr && form->kind != FormKind::Origin)
+            parts.push_back(&part);
+    contents.searchFor(parts);
 }
 
 void PackageMap::collect(PackageContents& contents) {
@@ -181,17 +220,28 @@ std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
     return types;
 }
 
-/// Their documents find images by relationships alone. Others name images by their path, and so can show the thumbnail.
-bool PackageMap::isOfOfficeProgram() const {
+bool PackageMap::hasOfficeDocument() const {
     return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
         return one.isMain || (*one.document->source == "/" && one.values->type == DRAWING);
     });
 }
 
+/// Their documents find images by relationships alone. Others name images by their path, and so can show the thumbnail.
+bool PackageMap::isOfOfficeProgram() const {
+    const auto& parts = contents.parts();
+    return hasOfficeDocument() &&
+           std::all_of(all.begin(), all.end(),
+                       [](const MappedRelationship& one) {
+                           return *one.document->source != "/" || isOfOfficeDocument(one.values->type);
+                       }) &&
+           std::none_of(parts.begin(), parts.end(),
+                        [](const StoredPart& part) { return isManifest(part.key); });
+}
+
 /// Programs that read these know parts in pieces, which the format allows. Others don't find such a part.
 bool PackageMap::isOfFixedPages() const {
     static constexpr std::string_view END = "/fixedrepresentation";
-    return !isOfOfficeProgram() && std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
+    return !hasOfficeDocument() && std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
         const std::string_view type = one.values->type;
         return *one.document->source == "/" && type.size() >= END.size() &&
                type.substr(type.size() - END.size()) == END;
@@ -215,7 +265,9 @@ const MappedRelationship* PackageMap::secondOrigin() const {
 
 const ContentForm* PackageMap::exemptFormOf(const StoredPart& part) const {
     const auto found = exempt.find(&part);
-    return found == exempt.end() || contentTargets.count(&part) != 0 ? nullptr : found->second;
+    return found == exempt.end() || contentTargets.count(&part) != 0 || contents.isNamed(part)
+               ? nullptr
+               : found->second;
 }
 
 void PackageMap::findContentFolders() {

@@ -80,6 +80,7 @@ public:
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
+    /// In formats whose documents find parts by their names, none of these names may stand in the contents that were digested so far.
     /// @return null if it must be signed: something else leads to it, or its name or content type isn't that of such a part
     const ContentForm* exemptFormOf(const StoredPart& part) const;
     bool isExempt(const StoredPart& part) const { return exemptFormOf(part) != nullptr; }
@@ -93,9 +94,11 @@ public:
 private:
     void collect(PackageContents& contents);
     void giveRoles();
+    bool hasOfficeDocument() const;
     bool isOfOfficeProgram() const;
     bool isOfFixedPages() const;
     void findRepeated();
+    void searchForExempt(PackageContents& contents) const;
     void findContentFolders();
 
     const PackageContents& contents;

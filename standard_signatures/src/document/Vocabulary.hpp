@@ -23,11 +23,9 @@ inline bool isOfXades(const XmlTreeNode& node, std::string_view name) {
            node.namespaceURI.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
 }
 
-/// Whether its vocabulary is one of signatures. Some programs show a page wherever it stands, whatever its namespace is.
+/// Whether its vocabulary is one of signatures.
 inline bool isOfSignatures(const XmlTreeNode& element) {
     const std::string_view one = element.namespaceURI;
-    if (element.name == "FixedPage")
-        return false;
     return one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE || one == EXCLUSIVE ||
            one == PACKAGE_SIGNATURE || one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
 }

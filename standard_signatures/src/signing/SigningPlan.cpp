@@ -1,5 +1,6 @@
 #include "signing/SigningPlan.hpp"
 
+#include "crypto/Methods.hpp"
 #include "document/SignatureDocument.hpp"
 #include "hash/TextHash.hpp"
 #include "names/PartNames.hpp"
@@ -8,6 +9,7 @@
 #include <opc/core/Text.hpp>
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 
 namespace opc::standard_signatures {
@@ -62,7 +64,16 @@ void closeToProperties(SigningPlan& plan, const PackageContents& contents) {
     found->types = PackageMap::typesLeftOutByCustom();
 }
 
-SigningPlan planEverything(PackageContents& contents, const PackageMap& map, bool signsAll) {
+/// Finds what it names, which must be signed, too.
+void readNames(PackageContents& contents, const StoredPart& part, const SigningOptions& options) {
+    try {
+        contents.digest(part, digestMethodOf(options.digest));
+    } catch (const Refusal&) { // whoever signs it says so
+    }
+}
+
+SigningPlan planEverything(PackageContents& contents, const PackageMap& map, const SigningOptions& options) {
+    const bool signsAll = options.signsAll;
     std::vector<const MappedRelationship*> chosen;
     for (const MappedRelationship& one : map.relationships())
         if (isSigned(one.role, signsAll))
@@ -75,9 +86,15 @@ SigningPlan planEverything(PackageContents& contents, const PackageMap& map, boo
         return form == nullptr || contents.whyUnfit(part, *form) != nullptr ||
                (signsAll && !map.isOfSignatures(part));
     };
-    for (const StoredPart& part : contents.parts())
-        if (!part.source && mustSign(part))
-            plan.parts.push_back(&part);
+    std::set<const StoredPart*> planned; // in the order of the package
+    std::size_t known = 0;
+    do {
+        known = planned.size();
+        for (const StoredPart& part : contents.parts())
+            if (!part.source && mustSign(part) && planned.insert(&part).second)
+                readNames(contents, part, options);
+    } while (known != planned.size());
+    plan.parts.assign(planned.begin(), planned.end());
     return plan;
 }
 
@@ -118,7 +135,7 @@ SigningPlan SigningPlan::make(PackageContents& contents, const PackageMap& map,
                               const SigningOptions& options) {
     throwIfAmbiguous(contents, map);
     SigningPlan plan = options.parts.empty() && options.relationships.empty()
-                           ? planEverything(contents, map, options.signsAll)
+                           ? planEverything(contents, map, options)
                            : planChoice(contents, map, options);
     if (plan.parts.empty() && plan.relationships.empty())
         throw SigningRefused("There is nothing to sign");

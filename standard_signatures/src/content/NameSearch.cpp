@@ -1,0 +1,188 @@
+#include "content/NameSearch.hpp"
+
+#include <algorithm>
+
+namespace opc::standard_signatures {
+
+namespace {
+
+constexpr std::size_t BITS = 64;
+constexpr std::size_t LONGEST = 20; ///< the end of a segment is enough
+
+unsigned char lower(unsigned char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c - 'A' + 'a') : c;
+}
+
+/// @return negative if it isn't one
+int hexDigitOf(unsigned char c) {
+    const unsigned char small = lower(c);
+    return c >= '0' && c <= '9' ? c - '0' : small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
+}
+
+/// Some programs drop such white space in a URI, and UTF-16 has zeros.
+bool isPassedOver(unsigned char c) {
+    return c == 0 || c == '\t' || c == '\r' || c == '\n';
+}
+
+} // namespace
+
+NameSearch::NameSearch(const std::vector<std::string_view>& keys) {
+    std::size_t used = BITS;
+    for (const std::string_view key : keys) {
+        if (ends.size() == MOST)
+            break;
+        std::string_view segment = key.substr(key.rfind('/') + 1);
+        segment.remove_prefix(segment.size() - std::min(segment.size(), LONGEST));
+        if (used + segment.size() > BITS) {
+            groups.emplace_back();
+            used = 0;
+        }
+        Group& group = groups.back();
+        group.first |= std::uint64_t{1} << used;
+        for (const char c : segment)
+            group.places[static_cast<unsigned char>(c)] |= std::uint64_t{1} << used++;
+        ends.push_back({groups.size() - 1, std::uint64_t{1} << (used - 1)});
+    }
+    for (std::size_t i = 0; i < begins.size(); ++i) {
+        const auto c = static_cast<unsigned char>(i);
+        isSecond[i] = isPassedOver(c) ||
+                      std::string_view("%&<>[]").find(static_cast<char>(c)) != std::string_view::npos;
+        for (const Group& one : groups) {
+            if ((one.places[lower(c)] & one.first) != 0)
+                begins[i] = FIRST;
+            isSecond[i] = isSecond[i] || (one.places[lower(c)] & one.first << 1U) != 0;
+        }
+    }
+    begins['%'] = begins['&'] = SPECIAL;
+}
+
+void NameSearch::begin() {
+    for (Group& one : groups)
+        one.reached = one.interrupted = 0;
+    begins['>'] = begins['['] = 0;
+    isIdle = true;
+    reference = {};
+    digits = -1;
+}
+
+void NameSearch::look(const unsigned char* bytes, std::size_t count) {
+    const unsigned char* const end = bytes + count;
+    while (bytes != end) {
+        if (isIdle)
+            bytes = skip(bytes, end);
+        if (bytes != end)
+            readByte(*bytes++);
+    }
+}
+
+/// Passes over what begins nothing, some bytes at once where it can.
+const unsigned char* NameSearch::skip(const unsigned char* bytes, const unsigned char* end) const {
+    constexpr std::ptrdiff_t STEP = 8;
+    const auto beginsSomething = [this, end](const unsigned char* at) {
+        return begins[*at] == SPECIAL || (begins[*at] == FIRST && (at + 1 == end || isSecond[at[1]]));
+    };
+    while (bytes != end) {
+        const bool isWhole = end - bytes >= STEP;
+        unsigned any = isWhole ? 0 : 1;
+        for (std::ptrdiff_t i = 0; isWhole && i < STEP; ++i) // without a branch for each
+            any |= begins[bytes[i]];
+        const unsigned char* const next = bytes + std::min(STEP, end - bytes);
+        for (; any != 0 && bytes != next; ++bytes)
+            if (beginsSomething(bytes))
+                return bytes;
+        bytes = next;
+    }
+    return bytes;
+}
+
+bool NameSearch::isFound(std::size_t index) const {
+    return index >= ends.size() || (groups[ends[index].group].found & ends[index].last) != 0;
+}
+
+void NameSearch::readByte(unsigned char byte) {
+    if (isPassedOver(byte))
+        return;
+    isIdle = false;
+    if (reference.take(byte))
+        return;
+    if (reference.state != Reference::State::None) {
+        const bool isWhole = byte == ';' && reference.hasDigits;
+        readCharacter(reference.end());
+        if (isWhole)
+            return;
+        isIdle = false;
+    }
+    if (!reference.take(byte))
+        readCharacter(byte);
+}
+
+/// Takes a byte that belongs to it. Some programs take numbers as `strtol` does: with a sign, space or 0x in front.
+bool NameSearch::Reference::take(unsigned char byte) {
+    const int digit = hexDigitOf(byte);
+    if (state != State::Number) {
+        const bool isBegun = state == State::Begun;
+        if (byte != (isBegun ? '#' : '&'))
+            return false;
+        *this = Reference();
+        state = isBegun ? State::Number : State::Begun;
+    } else if (digit >= 0 && static_cast<unsigned>(digit) < base) {
+        number = number * base + static_cast<unsigned>(digit);
+        hasDigits = true;
+    } else if (lower(byte) == 'x' && number == 0)
+        base = 16;
+    else if (!hasDigits && (byte == ' ' || byte == '+' || byte == '-'))
+        isNegative = isNegative || byte == '-';
+    else
+        return false;
+    return true;
+}
+
+/// @return the character, or what isn't in any name
+unsigned char NameSearch::Reference::end() {
+    constexpr std::uint32_t OTHER = 0x80;
+    const std::uint32_t character = isNegative ? 0 - number : number;
+    const bool isCharacter = hasDigits;
+    *this = Reference();
+    return static_cast<unsigned char>(isCharacter ? std::min(character, OTHER) : OTHER);
+}
+
+/// Resolves what is percent-encoded, also twice.
+void NameSearch::readCharacter(unsigned char c) {
+    if (digits >= 0) {
+        const int digit = hexDigitOf(c);
+        if (digit >= 0) {
+            encoded = encoded * 16 + static_cast<unsigned>(digit);
+            if (++digits < 2)
+                return;
+            c = static_cast<unsigned char>(encoded);
+        } else
+            compare('%');
+        digits = -1;
+    }
+    if (c == '%') {
+        digits = 0;
+        encoded = 0;
+    } else
+        compare(c);
+}
+
+void NameSearch::compare(unsigned char c) {
+    if (isPassedOver(c))
+        return;
+    const bool isEnd = c == '>' || c == '[';       // of markup, perhaps: comments, instructions, elements,
+    const bool isBeginning = c == '<' || c == ']'; // and the marks of a CDATA section
+    isIdle = reference.state == Reference::State::None && digits < 0;
+    for (Group& one : groups) {
+        if (isBeginning && one.reached != 0) {
+            one.interrupted |= one.reached;
+            begins['>'] = begins['['] = SPECIAL;
+        }
+        one.reached = ((one.reached << 1U) | one.first) & one.places[lower(c)];
+        if (isEnd)
+            one.reached |= one.interrupted;
+        one.found |= one.reached;
+        isIdle = isIdle && one.reached == 0;
+    }
+}
+
+} // namespace opc::standard_signatures
