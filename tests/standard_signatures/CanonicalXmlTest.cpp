@@ -43,16 +43,49 @@ TEST(CanonicalXml, sortsByCharactersAndRefusesWhatHasNoForm) {
         SlowStream stream(document, 4096);
         return canonicalize(XmlTree::read(stream).root(), form);
     };
-    const std::string longName = "<r xmlns:a='u:" + std::string(1U << 20, 'x') + "'>";
-    EXPECT_RAISES(Refusal, "The canonical form of an element is too long", // from a document of 1 MB
-                  canonical(longName + repeated("<a:b/>", 65) + "</r>",
+    const std::string longName = "<r xmlns:a='u:" + std::string(1022, 'x');
+    EXPECT_RAISES(Refusal, "The canonical form of an element is too long", // from a document of 250 KB
+                  canonical(longName + "'>" + repeated("<a:b/>", 41000) + "</r>",
                             {CanonicalForm::Version::Exclusive, false, {}}));
+    for (const std::string use : {"<a:b/></r>", "<b a:c=''/></r>"})
+        EXPECT_RAISES(model::InvalidXMLDocument, "A namespace has more than 1024 characters",
+                      canonical(longName + "x'>" + use));
     EXPECT_EQ(canonical("<r xmlns:a='u:\xF0\x90\x80\x80' xmlns:b='u:\xEF\xBC\xA1' a:x='1' b:x='2'/>"),
               "<r xmlns:a=\"u:\xF0\x90\x80\x80\" xmlns:b=\"u:\xEF\xBC\xA1\" b:x=\"2\" a:x=\"1\"></r>");
     for (const std::string uri : {"a", "a/b:c", "#x", "?a:b", "//h/p"})
         EXPECT_RAISES(model::InvalidXMLDocument,
                       "A namespace is a relative reference, which has no canonical form",
                       canonical("<r xmlns='" + uri + "'/>"));
+}
+
+/// All that is looked at counts, whether or not it stands in the form.
+TEST(CanonicalXml, isNoMoreWorkThanItMayBe) {
+    using Version = CanonicalForm::Version;
+    const struct {
+        std::string document; ///< the form is that of its first child element
+        std::uint64_t work;
+        Version version = Version::Inclusive10;
+    } cases[] = {
+        {"<r><s/></r>", 2},
+        {"<r xmlns:a='u:' a:b='' c=''><s/></r>", 5},
+        {"<r xmlns:a='u:' a:b='' c=''><s/></r>", 5, Version::Exclusive},
+        {"<r><s a=''><t xmlns:a='u:' xmlns:b='u:'/>text<?i?><!--c--></s><t/></r>", 9},
+        {"<r><s>" + std::string(std::size_t{64} * 1000, '.') + "</s></r>", 3 + 1000},
+        {"<r xml:base='http://h/'><s xml:base='../a'/></r>", 4 + 9 + 4, Version::Inclusive11},
+    };
+    for (const auto& one : cases) {
+        const Bytes document = toBytes(one.document);
+        SlowStream stream(document, 4096);
+        const XmlTree tree = XmlTree::read(stream);
+        const XmlTreeNode& element = *firstChildElement(tree.root());
+        const CanonicalForm form{one.version, false, {}};
+        std::uint64_t work = one.work + 1;
+        EXPECT_EQ(canonicalize(element, form, work), canonicalize(element, form)) << one.document;
+        EXPECT_EQ(work, 1U) << one.document;
+        work = one.work;
+        EXPECT_RAISES(Refusal, "The signatures of the package need too much digesting",
+                      canonicalize(element, form, work));
+    }
 }
 
 /// A document of few names, so that declarations hide and repeat one another.

@@ -535,6 +535,17 @@ TEST(StandardVerification, BoundsTheWorkOnAllSignatures) {
     EXPECT_EQ(reasonsOf(verifyCopies(manyKeys, 10)).find(tooManyKeys), std::string::npos);
     EXPECT_NE(reasonsOf(verifyCopies(manyKeys, 11)).find(tooManyKeys), std::string::npos);
 
+    SignatureRecipe manyNodes;
+    manyNodes.moreObjects = "<Object Id='big'>" + repeated("<a/>", 100000) + "</Object>";
+    manyNodes.moreReferences =
+        repeated("<Reference URI='#big'><DigestMethod Algorithm='http://www.w3.org/2001/04/xmlenc#sha256'/>"
+                 "<DigestValue>" +
+                     base64(Bytes(32)) + "</DigestValue></Reference>",
+                 30);
+    const std::string tooMuch = "The signatures of the package need too much digesting";
+    EXPECT_EQ(reasonsOf(verifyCopies(manyNodes, 2)).find(tooMuch), std::string::npos);
+    EXPECT_NE(reasonsOf(verifyCopies(manyNodes, 3)).find(tooMuch), std::string::npos);
+
     SignatureRecipe manyStamps;
     manyStamps.moreObjects =
         "<Object><TimeStamp xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'>" +

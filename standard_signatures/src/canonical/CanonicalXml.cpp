@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -112,19 +114,25 @@ private:
 
 class Canonicalizer {
 public:
-    Canonicalizer(const XmlTreeNode& apex, const CanonicalForm& form) : apex(apex), form(form) {
+    Canonicalizer(const XmlTreeNode& apex, const CanonicalForm& form, std::uint64_t& work)
+        : apex(apex), form(form), work(work) {
         constexpr std::size_t USUAL_SIZE = 4096;
         text.reserve(USUAL_SIZE);
     }
 
     std::string run() {
+        for (const XmlTreeNode* around = apex.parent; around != nullptr; around = around->parent)
+            spend(1 + around->attributes.count + around->declarations.count);
         for (const XmlTreeNode* node = &apex; node != nullptr; node = next(*node))
             begin(*node);
+        spendOnText();
         return std::move(text);
     }
 
 private:
     static constexpr std::size_t MOST_BYTES = 40U << 20;
+    static constexpr std::size_t BYTES_LIKE_A_NODE = 64;
+    static constexpr std::size_t PAID_AT_ONCE = 65536; ///< bytes
 
     using Declarations = std::map<std::string_view, std::string_view>; ///< sorted as they are written
     using Attribute = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view>;
@@ -141,7 +149,22 @@ private:
         }
     }
 
+    void spend(std::uint64_t amount) const {
+        work -= std::min(work, amount);
+        if (work == 0)
+            throw Refusal(Reason::Code::BeyondLimit, "",
+                          "The signatures of the package need too much digesting");
+    }
+
+    void spendOnText() {
+        spend((text.size() - paidBytes) / BYTES_LIKE_A_NODE);
+        paidBytes = text.size();
+    }
+
     void begin(const XmlTreeNode& node) {
+        spend(1 + node.attributes.count + node.declarations.count);
+        if (text.size() - paidBytes >= PAID_AT_ONCE)
+            spendOnText();
         if (text.size() > MOST_BYTES)
             throw Refusal(Reason::Code::BeyondLimit, "", "The canonical form of an element is too long");
         switch (node.kind) {
@@ -227,15 +250,17 @@ private:
 
     /// Attributes of XML's own namespace that elements around the apex have.
     void inherit(std::vector<Attribute>& all, std::string& base) const {
-        const auto isOfXml = [](const XmlTreeAttribute& one) { return one.namespaceURI == XML_NAMESPACE; };
+        std::set<std::string_view> known;
+        const auto isNew = [&known](const XmlTreeAttribute& one) {
+            return one.namespaceURI == XML_NAMESPACE && known.insert(one.name).second;
+        };
+        for (const XmlTreeAttribute& one : apex.attributes)
+            static_cast<void>(isNew(one));
         for (const XmlTreeNode* at = apex.parent; at != nullptr; at = at->parent)
             for (const XmlTreeAttribute& one : at->attributes) {
                 const bool isInherited =
                     form.version == Version::Inclusive10 || one.name == "lang" || one.name == "space";
-                const auto isSame = [&one](const Attribute& other) {
-                    return std::get<0>(other) == XML_NAMESPACE && std::get<1>(other) == one.name;
-                };
-                if (isOfXml(one) && isInherited && std::none_of(all.begin(), all.end(), isSame))
+                if (isInherited && isNew(one))
                     all.emplace_back(one.namespaceURI, one.name, one.prefix, one.value);
             }
         if (form.version == Version::Inclusive11)
@@ -247,8 +272,10 @@ private:
         std::vector<std::string_view> bases; // from the inside to the outside
         for (const XmlTreeNode* at = &apex; at != nullptr; at = at->parent)
             for (const XmlTreeAttribute& one : at->attributes)
-                if (one.namespaceURI == XML_NAMESPACE && one.name == "base")
+                if (one.namespaceURI == XML_NAMESPACE && one.name == "base") {
                     bases.push_back(one.value);
+                    spend(one.value.size());
+                }
         if (bases.empty())
             return;
         all.erase(std::remove_if(all.begin(), all.end(),
@@ -265,14 +292,21 @@ private:
 
     const XmlTreeNode& apex;
     const CanonicalForm& form;
+    std::uint64_t& work; ///< that is left
     WrittenNamespaces written;
     std::string text;
+    std::size_t paidBytes = 0; ///< of the text
 };
 
 } // namespace
 
 std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form) {
-    return Canonicalizer(element, form).run();
+    std::uint64_t work = std::numeric_limits<std::uint64_t>::max();
+    return canonicalize(element, form, work);
+}
+
+std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form, std::uint64_t& work) {
+    return Canonicalizer(element, form, work).run();
 }
 
 void appendAttributeValue(std::string& text, std::string_view value) {

@@ -2,6 +2,7 @@
 
 #include "canonical/XmlTree.hpp"
 
+#include <cstdint>
 #include <set>
 #include <string>
 
@@ -31,6 +32,12 @@ struct CanonicalForm {
 /// @throws Refusal  with `BeyondLimit`: the form has more than 40 MiB. The exclusive one can write a namespace once more at each
 ///     element
 std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form = {});
+
+/// The same, as long as it may still be work: one unit for each node, attribute and declaration, also those that the form doesn't
+/// have, and for 64 bytes of the form.
+/// @param work  becomes less
+/// @throws Refusal  with `BeyondLimit`: nothing is left
+std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form, std::uint64_t& work);
 
 /// What the canonical form writes for the value of an attribute.
 void appendAttributeValue(std::string& text, std::string_view value);

@@ -104,6 +104,7 @@ public:
             refuse("Elements are nested deeper than " + std::to_string(limits.depth));
         count(element.attributeCount() + element.declarationCount());
         XmlTreeNode& node = append(XmlTreeNode::Kind::Element);
+        throwIfTooLong(element.namespaceURI());
         node.name = tree.memory->keepName(element.localName());
         node.namespaceURI = tree.memory->keepNamespace(element.namespaceURI());
         node.prefix = tree.memory->keepName(element.prefix());
@@ -133,6 +134,13 @@ private:
         nodes += more;
         if (nodes > limits.nodes)
             refuse("The document has more than " + std::to_string(limits.nodes) + " nodes");
+    }
+
+    /// Namespaces are compared again and again.
+    static void throwIfTooLong(std::u16string_view namespaceURI) {
+        constexpr std::size_t LONGEST = 1024;
+        if (namespaceURI.size() > LONGEST)
+            refuse("A namespace has more than " + std::to_string(LONGEST) + " characters");
     }
 
     XmlTreeNode& append(XmlTreeNode::Kind kind) {
@@ -176,6 +184,7 @@ private:
         attributes.clear();
         for (std::size_t i = 0; i < element.attributeCount(); ++i) {
             const model::XmlAttribute one = element.attribute(i);
+            throwIfTooLong(one.namespaceURI);
             attributes.push_back({tree.memory->keepName(one.namespaceURI), tree.memory->keepName(one.prefix),
                                   tree.memory->keepName(one.localName), tree.memory->keep(one.value)});
         }

@@ -8,6 +8,7 @@
 #include "reason/Refusal.hpp"
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 
 namespace opc::standard_signatures {
@@ -78,7 +79,10 @@ void readSignedInfo(SignatureDocument& document, const Ids& ids) {
 /// The only manifest among the objects that are signed.
 const XmlTreeNode& findManifest(const SignatureDocument& document) {
     const XmlTreeNode* manifest = nullptr;
-    for (const SignedElement& one : document.elements)
+    std::set<const XmlTreeNode*> known;
+    for (const SignedElement& one : document.elements) {
+        if (!known.insert(one.element).second) // several references can lead to one element
+            continue;
         for (const XmlTreeNode* child = firstChildElement(*one.element); child != nullptr;
              child = nextElement(*child)) {
             if (!child->is(vocabulary::SIGNATURE, "Manifest") || child == manifest)
@@ -87,6 +91,7 @@ const XmlTreeNode& findManifest(const SignatureDocument& document) {
                 throw Refusal(Code::NotAPackageSignature, "", "The signature signs more than one manifest");
             manifest = child;
         }
+    }
     if (manifest == nullptr)
         throw Refusal(Code::NotAPackageSignature, "", "The signature signs no manifest of parts");
     return *manifest;

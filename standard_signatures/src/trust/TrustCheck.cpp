@@ -26,10 +26,12 @@ CertificateValidationOptions makeOptions(const VerificationPolicy& policy) {
 }
 
 TimeStampResults checkOne(const SignatureDocument& document, const StatedTimeStamp& stamp,
-                          const CertificateValidationOptions& options, const TrustStore& roots) {
+                          const CertificateValidationOptions& options, const TrustStore& roots,
+                          WorkLeft& work) {
     try {
-        const std::string content = stamp.form ? canonicalize(*document.signatureValue, *stamp.form)
-                                               : std::string(document.value.begin(), document.value.end());
+        const std::string content =
+            stamp.form ? canonicalize(*document.signatureValue, *stamp.form, work.canonicalForms)
+                       : std::string(document.value.begin(), document.value.end());
         return checkTimeStamp(stamp.token, content, options, roots);
     } catch (const Exception& e) {
         TimeStampResults failure;
@@ -41,16 +43,16 @@ TimeStampResults checkOne(const SignatureDocument& document, const StatedTimeSta
 /// The signature existed at the earliest time of a trusted time stamp, so its certificate must be valid then. Otherwise
 /// it must be valid now: the time that the signer claims is no proof.
 void findTime(TrustAnswer& answer, const SignatureDocument& document,
-              const CertificateValidationOptions& options, const TrustStore& roots, std::size_t& left) {
+              const CertificateValidationOptions& options, const TrustStore& roots, WorkLeft& work) {
     answer.time = options.getCheckTime();
     answer.timeFrom = answer.time ? TimeFrom::Caller : TimeFrom::Now;
     for (const StatedTimeStamp& stamp : document.timeStamps) {
-        if (left == 0) {
+        if (work.timeStamps == 0) {
             answer.timeStampFailure = "the signatures of the package have too many";
             break;
         }
-        --left;
-        const TimeStampResults results = checkOne(document, stamp, options, roots);
+        --work.timeStamps;
+        const TimeStampResults results = checkOne(document, stamp, options, roots, work);
         if (!results.isTrusted) {
             answer.timeStampFailure = results.error;
         } else if (answer.timeFrom != TimeFrom::TimeStamp || *results.time < *answer.time) {
@@ -80,7 +82,7 @@ Evidence findKnown(const std::vector<unsigned char>& key, const X509Certificate&
 
 TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
                        const X509Certificate& certificate, const std::vector<X509Certificate>& others,
-                       const VerificationPolicy& policy, std::size_t& timeStamps) {
+                       const VerificationPolicy& policy, WorkLeft& work) {
     TrustAnswer answer;
     answer.signer = certificate;
     answer.evidence = findKnown(key, certificate, policy);
@@ -98,7 +100,7 @@ TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsi
         return answer;
     }
     CertificateValidationOptions options = makeOptions(policy);
-    findTime(answer, document, options, policy.trust->roots, timeStamps);
+    findTime(answer, document, options, policy.trust->roots, work);
     options.setCheckTime(answer.time);
     options.setCheckTimeProven(answer.timeFrom == TimeFrom::TimeStamp);
     X509CertificateChain chain;

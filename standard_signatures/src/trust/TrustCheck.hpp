@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/SignatureDocument.hpp"
+#include "verification/WorkLeft.hpp"
 
 #include <opc/standard_signatures/Verification.hpp>
 
@@ -12,10 +13,10 @@ namespace opc::standard_signatures {
 /// @param key          that made it
 /// @param certificate  of the key; empty if there is none
 /// @param others       certificates that a chain can lead through
-/// @param timeStamps   how many may still be checked; becomes less
+/// @param work         what the check of time stamps may still cost
 TrustAnswer checkTrust(const SignatureDocument& document, const std::vector<unsigned char>& key,
                        const bedrock::certificates::X509Certificate& certificate,
                        const std::vector<bedrock::certificates::X509Certificate>& others,
-                       const VerificationPolicy& policy, std::size_t& timeStamps);
+                       const VerificationPolicy& policy, WorkLeft& work);
 
 } // namespace opc::standard_signatures

@@ -89,7 +89,7 @@ private:
 
     std::string canonical(const XmlTreeNode& element, const CanonicalForm& form) {
         try {
-            return counted(canonicalize(element, form));
+            return canonicalize(element, form, work.canonicalForms);
         } catch (const model::InvalidXMLDocument& e) {
             throw Refusal(Code::Malformed, "", e.what());
         }

@@ -176,8 +176,7 @@ private:
         signature.claimedTime = document.claimedTime;
         for (const Bytes& der : document.chainCertificates)
             addCertificate(certificates, der);
-        signature.trust =
-            checkTrust(document, checked.key, checked.certificate, certificates, policy, work.timeStamps);
+        signature.trust = checkTrust(document, checked.key, checked.certificate, certificates, policy, work);
     }
 
     std::vector<X509Certificate> readCertificates(const StoredPart& part, const SignatureDocument& document) {

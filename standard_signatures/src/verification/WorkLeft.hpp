@@ -13,11 +13,12 @@ namespace opc::standard_signatures {
 
 /// What the work on all signatures of a package may still cost.
 struct WorkLeft {
-    std::uint64_t documentBytes = 96U << 20; ///< of documents that are read as a tree
-    std::uint64_t canonicalBytes = 1U << 30; ///< of what is digested in a canonical form
-    std::size_t relationships = 1000000;     ///< that are selected, as often as they are
-    std::size_t keys = 200;                  ///< that are tried on signature values
-    std::size_t timeStamps = 100;            ///< that are checked
+    std::uint64_t documentBytes = 96U << 20;  ///< of documents that are read as a tree
+    std::uint64_t canonicalForms = 8'000'000; ///< work on these forms: see `canonicalize`
+    std::uint64_t canonicalBytes = 1U << 30;  ///< of what is digested in the form of selected relationships
+    std::size_t relationships = 1000000;      ///< that are selected, as often as they are
+    std::size_t keys = 200;                   ///< that are tried on signature values
+    std::size_t timeStamps = 100;             ///< that are checked
     std::size_t listedReferences = CryptographyAnswer::MOST_LISTED;
 
     /// Reads a document that is read as a tree: an `XmlTree` or a `SignatureDocument`.
