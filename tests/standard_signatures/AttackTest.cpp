@@ -769,17 +769,31 @@ TEST(StandardAttacks, TakeAPartToPieces) {
     const struct {
         std::string main; ///< the type of the relationship to the document
         bool isYes;
+        std::string another = {}; ///< of a further one
     } cases[] = {
         {OFFICE + "officeDocument", false},
         {"http://schemas.microsoft.com/visio/2010/relationships/document", false},
         {"u:something", false},
         {"http://schemas.microsoft.com/xps/2005/06/fixedrepresentation", true},
         {"http://schemas.openxps.org/oxps/v1.0/fixedrepresentation", true},
+        {XPS, false, OFFICE + "officeDocument"},
+        {XPS, false, "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel"},
+        {XPS, true, BASE + "metadata/thumbnail"},
     };
-    for (const auto& [main, isYes] : cases) {
+    for (const auto& [main, isYes, another] : cases) {
         SignedSample sample;
         sample.replace(PACKAGE, OFFICE + "officeDocument", main);
-        sample.sign();
+        SignatureRecipe recipe;
+        if (!another.empty()) {
+            adding(PACKAGE, another, "word/document.xml")(sample);
+            recipe.changeManifest = [&sample](std::string& manifest) {
+                manifest.replace(manifest.find("<Reference URI='/_rels/.rels"),
+                                 manifest.find("<Reference URI='/word/_rels") -
+                                     manifest.find("<Reference URI='/_rels/.rels"),
+                                 sample.referenceTo(PACKAGE, std::vector<std::string>{"rId1", "evil"}));
+            };
+        }
+        sample.sign(recipe);
         RawArchive archive = archiveOf(sample);
         EXPECT_EQ(judge(archive, false), "yes");
         itemOf(archive.items, "word/styles.xml").name += "/[0].last.piece";

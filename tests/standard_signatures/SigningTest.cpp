@@ -3,6 +3,7 @@
 #include "support/RawZip.hpp"
 #include "support/Texts.hpp"
 
+#include <opc/core/Text.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/DigitalSignatureManager.hpp>
 #include <opc/model/Package.hpp>
@@ -246,6 +247,35 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
                       std::string::npos;
         }
         EXPECT_EQ(refused, isRefused) << second << sourceType << secondStore;
+    }
+}
+
+/// Some programs find parts by their content types, and take the first one.
+TEST(StandardSigning, RefusesTwoPartsOfATypeThatIsThereOnce) {
+    const std::string sheet = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
+    const std::string drawing = "application/vnd.ms-visio.drawing.main+xml";
+    const struct {
+        std::string first, second; ///< content types
+        bool isRefused;
+    } cases[] = {
+        {sheet + "sharedStrings+xml", sheet + "SharedStrings+xml", true},
+        {sheet + "styles+xml", sheet + "styles+xml", true},
+        {sheet + "styles+xml", sheet + "sharedStrings+xml", false},
+        {sheet + "worksheet+xml", sheet + "worksheet+xml", false},
+        {sheet + "sheet.main+xml", "text/xml", true}, // beside the main part of the sample
+        {drawing, drawing, false},
+    };
+    for (const auto& [first, second, isRefused] : cases) {
+        PlainSample sample;
+        for (const auto& [name, type] : {std::pair(u"/word/1.xml", first), {u"/word/2.xml", second}}) {
+            sample.store.setPart(name, {});
+            sample.replaceContentTypes("</Types>", "<Override PartName='" + toUDEString(name) +
+                                                       "' ContentType='" + type + "'/></Types>");
+        }
+        if (isRefused)
+            EXPECT_THROW(sign(sample), SigningRefused) << first;
+        else
+            EXPECT_NO_THROW(sign(sample)) << first;
     }
 }
 

@@ -433,19 +433,22 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
         },
         [](SignedSample& it) { // objects that needn't be signed
             SignatureRecipe recipe;
-            recipe.changeAtLast = replacing(
-                "</Signature>",
-                "<Object Id='o'>\n<QualifyingProperties xmlns='http://uri.etsi.org/01903/v1.3.2#'/></Object>"
-                "<Object><TimeStamp "
-                "xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'/>"
-                "</Object></Signature>");
+            recipe.changeAtLast =
+                replacing("</Signature>",
+                          "<Object Id='o'>\n<QualifyingProperties xmlns='http://uri.etsi.org/01903/v1.3.2#'>"
+                          "<a xmlns='http://uri.etsi.org/19132/v1.1.1#'/></QualifyingProperties></Object>"
+                          "<Object><TimeStamp "
+                          "xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'/>"
+                          "</Object></Signature>");
             it.sign(recipe);
         },
         [](SignedSample& it) { // a kind of key that isn't known, beside a certificate
             SignatureRecipe recipe;
             recipe.changeAtLast = replacing(
                 "<X509Data>", "<KeyValue><ECDSAKeyValue "
-                              "xmlns='http://www.w3.org/2001/04/xmldsig-more#'/></KeyValue><X509Data>");
+                              "xmlns='http://www.w3.org/2001/04/xmldsig-more#'/></KeyValue>"
+                              "<DerivedKey xmlns='http://www.w3.org/2007/05/xmldsig-more#'/>"
+                              "<EncryptedKey xmlns='http://www.w3.org/2001/04/xmlenc#'/><X509Data>");
             it.sign(recipe);
         },
         [](SignedSample& it) { // the keys and pieces of objects are signed, too

@@ -120,8 +120,8 @@ public:
 
     bool areSeveral() const { return parts.size() > 1 || descriptions.size() > 1 || uses > 1; }
 
-    std::vector<StoreChoice> findChoices() {
-        std::vector<StoreChoice> choices;
+    std::vector<OrderChoice> findChoices() {
+        std::vector<OrderChoice> choices;
         std::map<const StoredPart*, std::string> ids; // of the stores
         std::set<std::string> known;
         for (const auto& [part, users] : descriptions) {
@@ -175,10 +175,10 @@ private:
 
 } // namespace
 
-std::vector<StoreChoice> findStoreChoices(const PackageContents& contents,
+std::vector<OrderChoice> findStoreChoices(const PackageContents& contents,
                                           const std::vector<MappedRelationship>& relationships) {
     Stores stores(contents, relationships);
-    return stores.areSeveral() ? stores.findChoices() : std::vector<StoreChoice>();
+    return stores.areSeveral() ? stores.findChoices() : std::vector<OrderChoice>();
 }
 
 } // namespace opc::standard_signatures

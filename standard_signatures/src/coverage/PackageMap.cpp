@@ -1,5 +1,6 @@
 #include "coverage/PackageMap.hpp"
 
+#include "coverage/ContentTypeChoices.hpp"
 #include "coverage/DataStores.hpp"
 #include "coverage/ImplicitRelationships.hpp"
 #include "names/PartNames.hpp"
@@ -58,20 +59,19 @@ const TypedTarget* findKind(const TypedTarget (&kinds)[Size], std::string_view r
     return found == kinds + Size ? nullptr : found;
 }
 
-/// How the types begin of what leads from the package to something of an office document, in lower case.
-constexpr std::string_view OF_OFFICE_PROGRAMS[] = {
+// how the types of what leads from the package begin, in lower case
+constexpr std::string_view OF_OFFICE_DOCUMENTS[] = {
     "http://schemas.openxmlformats.org/officedocument/",
     "http://purl.oclc.org/ooxml/officedocument/",
     "http://schemas.openxmlformats.org/package/2006/",
     "http://schemas.microsoft.com/office/",
     "http://schemas.microsoft.com/visio/",
 };
-
-bool isOfOfficeDocument(std::string_view type) {
-    const std::string key = keyOf(type);
-    return std::any_of(std::begin(OF_OFFICE_PROGRAMS), std::end(OF_OFFICE_PROGRAMS),
-                       [&key](std::string_view one) { return key.compare(0, one.size(), one) == 0; });
-}
+constexpr std::string_view OF_FIXED_PAGES[] = {
+    "http://schemas.microsoft.com/xps/",
+    "http://schemas.openxps.org/oxps/",
+    "http://schemas.openxmlformats.org/package/2006/",
+};
 
 /// Whether programs take the package for one of their format because of a part with this name.
 bool isManifest(std::string_view key) {
@@ -118,6 +118,8 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     giveRoles();
     findRepeated();
     choices = findStoreChoices(contents, all);
+    const std::vector<OrderChoice> byType = findContentTypeChoices(contents);
+    choices.insert(choices.end(), byType.begin(), byType.end());
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
         if (one.values->isExternal &&
@@ -220,32 +222,40 @@ std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
     return types;
 }
 
-bool PackageMap::hasOfficeDocument() const {
-    return std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
-        return one.isMain || (*one.document->source == "/" && one.values->type == DRAWING);
-    });
+/// Whether nothing makes it a package of another format, too.
+/// @param types  how the types of its relationships may begin
+template <std::size_t Size>
+bool PackageMap::hasNothingBut(const std::string_view (&types)[Size]) const {
+    const auto isOther = [&types](const MappedRelationship& one) {
+        const std::string type = keyOf(one.values->type);
+        return *one.document->source == "/" &&
+               std::none_of(types, types + Size, [&type](std::string_view begin) {
+                   return type.compare(0, begin.size(), begin) == 0;
+               });
+    };
+    const auto& parts = contents.parts();
+    return std::none_of(all.begin(), all.end(), isOther) &&
+           std::none_of(parts.begin(), parts.end(),
+                        [](const StoredPart& part) { return isManifest(part.key); });
 }
 
 /// Their documents find images by relationships alone. Others name images by their path, and so can show the thumbnail.
 bool PackageMap::isOfOfficeProgram() const {
-    const auto& parts = contents.parts();
-    return hasOfficeDocument() &&
-           std::all_of(all.begin(), all.end(),
-                       [](const MappedRelationship& one) {
-                           return *one.document->source != "/" || isOfOfficeDocument(one.values->type);
-                       }) &&
-           std::none_of(parts.begin(), parts.end(),
-                        [](const StoredPart& part) { return isManifest(part.key); });
+    return hasNothingBut(OF_OFFICE_DOCUMENTS) &&
+           std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
+               return one.isMain || (*one.document->source == "/" && one.values->type == DRAWING);
+           });
 }
 
 /// Programs that read these know parts in pieces, which the format allows. Others don't find such a part.
 bool PackageMap::isOfFixedPages() const {
     static constexpr std::string_view END = "/fixedrepresentation";
-    return !hasOfficeDocument() && std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
-        const std::string_view type = one.values->type;
-        return *one.document->source == "/" && type.size() >= END.size() &&
-               type.substr(type.size() - END.size()) == END;
-    });
+    return hasNothingBut(OF_FIXED_PAGES) &&
+           std::any_of(all.begin(), all.end(), [](const MappedRelationship& one) {
+               const std::string_view type = one.values->type;
+               return *one.document->source == "/" && type.size() >= END.size() &&
+                      type.substr(type.size() - END.size()) == END;
+           });
 }
 
 bool PackageMap::hasMainDocument() const {

@@ -29,8 +29,8 @@ struct MappedRelationship {
     bool isMain; ///< leads from the package to the main document of an office program
 };
 
-/// A part because of which programs choose a data store by the order of relationships, which nothing signs.
-struct StoreChoice {
+/// A part because of which programs choose by an order, of relationships or parts, which nothing signs.
+struct OrderChoice {
     const StoredPart* part;
     const char* reason;
 };
@@ -75,8 +75,8 @@ public:
     /// Further relationships of a type and a source where programs take one by their order.
     const std::vector<const MappedRelationship*>& repeatedImplicit() const { return repeated; }
 
-    /// The same of data stores.
-    const std::vector<StoreChoice>& storeChoices() const { return choices; }
+    /// Other things of which programs take one by their order: data stores, and parts with a content type.
+    const std::vector<OrderChoice>& orderChoices() const { return choices; }
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
@@ -94,7 +94,8 @@ public:
 private:
     void collect(PackageContents& contents);
     void giveRoles();
-    bool hasOfficeDocument() const;
+    template <std::size_t Size>
+    bool hasNothingBut(const std::string_view (&types)[Size]) const;
     bool isOfOfficeProgram() const;
     bool isOfFixedPages() const;
     void findRepeated();
@@ -104,7 +105,7 @@ private:
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
     std::vector<const MappedRelationship*> repeated;
-    std::vector<StoreChoice> choices;
+    std::vector<OrderChoice> choices;
     std::vector<Reason> failures;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;

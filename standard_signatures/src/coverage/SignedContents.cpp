@@ -107,7 +107,7 @@ private:
             if (contents.parts.count(one->document) == 0)
                 addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
                         "there is another one of this type, and their order isn't signed"});
-        for (const StoreChoice& one : map.storeChoices())
+        for (const OrderChoice& one : map.orderChoices())
             addGap({GapKind::Item, one.part->name, {}, {}, one.reason});
     }
 

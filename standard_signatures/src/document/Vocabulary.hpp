@@ -15,7 +15,10 @@ constexpr std::string_view RELATIONSHIP_TRANSFORM =
     "http://schemas.openxmlformats.org/package/2006/RelationshipTransform";
 
 constexpr std::string_view SIGNATURE_MORE = "http://www.w3.org/2001/04/xmldsig-more#";
-constexpr std::string_view BEGIN_OF_XADES = "http://uri.etsi.org/01903/v"; ///< a version follows
+constexpr std::string_view SIGNATURE_MORE_07 = "http://www.w3.org/2007/05/xmldsig-more#";
+constexpr std::string_view ENCRYPTION = "http://www.w3.org/2001/04/xmlenc#";  ///< for names of keys
+constexpr std::string_view BEGIN_OF_XADES = "http://uri.etsi.org/01903/v";    ///< a version follows
+constexpr std::string_view BEGIN_OF_XADES_EN = "http://uri.etsi.org/19132/v"; ///< as European standard
 
 /// Whether it is an element of XAdES, in any version.
 inline bool isOfXades(const XmlTreeNode& node, std::string_view name) {
@@ -26,8 +29,10 @@ inline bool isOfXades(const XmlTreeNode& node, std::string_view name) {
 /// Whether its vocabulary is one of signatures.
 inline bool isOfSignatures(const XmlTreeNode& element) {
     const std::string_view one = element.namespaceURI;
-    return one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE || one == EXCLUSIVE ||
-           one == PACKAGE_SIGNATURE || one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
+    return one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE || one == SIGNATURE_MORE_07 ||
+           one == ENCRYPTION || one == EXCLUSIVE || one == PACKAGE_SIGNATURE ||
+           one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES ||
+           one.substr(0, BEGIN_OF_XADES_EN.size()) == BEGIN_OF_XADES_EN;
 }
 
 } // namespace opc::standard_signatures::vocabulary
