@@ -183,7 +183,10 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
          [](RawItem& it) { it.attributes = 0120777U << 16U; }},
         {"a: by its attributes it is a symbolic link\n", // on BeOS, too
          [](RawItem& it) { it.versionMadeBy = 0x1014, it.attributes = 0120777U << 16U; }},
-        {"", [](RawItem& it) { it.versionNeeded = 45, it.flags = 2; }},
+        {"", [](RawItem& it) { it.versionNeeded = 0x32D, it.flags = 2; }},
+        {"a: it asks for more than other programs may have\n",
+         [](RawItem& it) { it.changeLocal = [](RawItem& local) { local.versionNeeded = 0x214; }; }},
+        {"a: it is said to be in another file of several\n", [](RawItem& it) { it.disk = 1; }},
         {"a: it asks for more than other programs may have\n"
          "a: it asks for more than other programs may have\n", // in both headers
          [](RawItem& it) { it.versionNeeded = 52; }},

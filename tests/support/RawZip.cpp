@@ -57,7 +57,8 @@ void appendEntry(std::string& directory, const RawItem& item, std::size_t place)
     append(directory, item.versionNeeded, 2);
     appendCommon(directory, item, extra.size());
     append(directory, item.comment.size(), 2);
-    append(directory, 0, 4); // disk, internal attributes
+    append(directory, item.disk, 2);
+    append(directory, 0, 2); // internal attributes
     append(directory, item.attributes, 4);
     append(directory, item.zip64 ? 0xFFFFFFFF : offset, 4);
     directory += item.name + extra + item.comment;

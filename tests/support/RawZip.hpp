@@ -31,7 +31,8 @@ struct RawItem {
     std::string inFront; ///< bytes in front of the local header that belong to no item
 
     std::uint16_t versionNeeded = 20;
-    std::uint16_t versionMadeBy = 0x0314;      ///< 2.0 on Unix
+    std::uint16_t versionMadeBy = 0x0314; ///< 2.0 on Unix
+    std::uint16_t disk = 0;
     std::optional<std::uint32_t> packedSize;   ///< if not that of `data`
     std::optional<std::uint32_t> offset;       ///< in the directory, if not where the local header is
     std::function<void(RawItem&)> changeLocal; ///< what the local header and the descriptor say otherwise

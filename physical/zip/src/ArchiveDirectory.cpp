@@ -121,6 +121,8 @@ void DirectoryReader::inspect(const unsigned char* record) {
         directory.ambiguities.push_back({item, std::string("by its attributes it is ") + kind});
     if (asksForMore(read16(record + 6), read16(record + 8)))
         directory.ambiguities.push_back({item, ASKS_FOR_MORE});
+    if (read16(record + 34) != 0)
+        directory.ambiguities.push_back({item, "it is said to be in another file of several"});
     if (hidesRecord(record, record + directoryEntrySizeOf(record)))
         directory.ambiguities.push_back({item, "its record in the directory" + std::string(HOLDS_A_MARK)});
     const unsigned char* const extra = record + DIRECTORY_ENTRY_SIZE + read16(record + 28);
@@ -191,8 +193,9 @@ constexpr const char* OTHER_PATH = "a Unicode Path field gives it another name";
 
 bool asksForMore(std::uint16_t version, std::uint16_t flags) {
     constexpr unsigned ZIP64_VERSION = 45; // of a program that reads ZIP64, in tenths
+    constexpr unsigned VMS = 2;            // the system that the program must have
     constexpr unsigned COMPRESSION_LEVEL = 3U << 1U;
-    return (version & 0xFFU) > ZIP64_VERSION ||
+    return (version & 0xFFU) > ZIP64_VERSION || version >> 8U == VMS ||
            (flags & ~(COMPRESSION_LEVEL | DATA_DESCRIPTOR | NAME_IS_UTF8 | ENCRYPTION_FLAGS)) != 0;
 }
 
