@@ -23,12 +23,17 @@ std::uint64_t hashOf(std::basic_string_view<Character> text, Fold fold) {
     constexpr std::size_t IN_DIGIT = 7 / sizeof(Character);
     static const std::uint64_t BASE = secretBase();
     std::uint64_t value = text.size();
-    for (; !text.empty(); text.remove_prefix(std::min(IN_DIGIT, text.size()))) {
+    const auto addDigit = [&](const Character* characters, std::size_t count) {
         std::uint64_t digit = 0;
-        for (const Character c : text.substr(0, IN_DIGIT))
-            digit = digit << (8 * sizeof c) | static_cast<std::make_unsigned_t<Character>>(fold(c));
+        for (std::size_t i = 0; i < count; ++i)
+            digit = digit << (8 * sizeof(Character)) |
+                    static_cast<std::make_unsigned_t<Character>>(fold(characters[i]));
         value = modulo61::multiply(value, BASE, digit);
-    }
+    };
+    for (; text.size() >= IN_DIGIT; text.remove_prefix(IN_DIGIT))
+        addDigit(text.data(), IN_DIGIT); // whose loop the compiler unrolls
+    if (!text.empty())
+        addDigit(text.data(), text.size());
     return value;
 }
 

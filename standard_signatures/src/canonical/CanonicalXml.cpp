@@ -200,7 +200,8 @@ private:
             text += '"';
         }
         std::string base;
-        for (const auto& [namespaceURI, name, prefix, value] : attributesFor(element, base)) {
+        collectAttributes(element, base);
+        for (const auto& [namespaceURI, name, prefix, value] : attributes) {
             text += ' ';
             appendName(text, prefix, name);
             text += "=\"";
@@ -238,14 +239,13 @@ private:
     }
 
     /// @param base  room for a value of `xml:base`
-    std::vector<Attribute> attributesFor(const XmlTreeNode& element, std::string& base) const {
-        std::vector<Attribute> all;
+    void collectAttributes(const XmlTreeNode& element, std::string& base) {
+        attributes.clear();
         for (const XmlTreeAttribute& one : element.attributes)
-            all.emplace_back(one.namespaceURI, one.name, one.prefix, one.value);
+            attributes.emplace_back(one.namespaceURI, one.name, one.prefix, one.value);
         if (&element == &apex && form.version != Version::Exclusive)
-            inherit(all, base);
-        std::sort(all.begin(), all.end());
-        return all;
+            inherit(attributes, base);
+        std::sort(attributes.begin(), attributes.end());
     }
 
     /// Attributes of XML's own namespace that elements around the apex have.
@@ -294,6 +294,7 @@ private:
     const CanonicalForm& form;
     std::uint64_t& work; ///< that is left
     WrittenNamespaces written;
+    std::vector<Attribute> attributes; ///< of the element that is written; their memory is used again
     std::string text;
     std::size_t paidBytes = 0; ///< of the text
 };

@@ -38,10 +38,12 @@ void ChildElements::requireEnd() const {
 }
 
 std::vector<unsigned char> bytesOf(const XmlTreeNode& element) {
-    const std::string text = textOf(element);
+    const XmlTreeNode* const only = element.firstChild;
+    const bool isOneText = only != nullptr && only->kind == XmlTreeNode::Kind::Text && only->next == nullptr;
+    const std::string joined = isOneText ? std::string() : textOf(element);
     if (firstChildElement(element) == nullptr)
         try {
-            return bedrock::crypto::utils::base64Decode(std::string_view(text));
+            return bedrock::crypto::utils::base64Decode(isOneText ? only->text : std::string_view(joined));
         } catch (const bedrock::crypto::utils::Exception&) { // refused below
         }
     refuse("The element " + std::string(element.name) + " isn't Base64");

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -98,10 +99,10 @@ void readPartURI(PartReference& reference) {
     constexpr std::string_view QUERY = "?ContentType=";
     const std::string_view uri = reference.uri;
     const std::size_t query = std::min(uri.find('?'), uri.size());
-    const std::string name = decodePartName(uri.substr(0, query));
+    std::string name = decodePartName(uri.substr(0, query));
     if (uri.find('#') != std::string_view::npos || !isAbsolutePartName(name))
         throw Refusal(Code::BadReference, reference.uri, "The reference doesn't lead to a part");
-    reference.partName = name;
+    reference.partName = std::move(name);
     if (query == uri.size())
         return;
     if (uri.substr(query, QUERY.size()) != QUERY)

@@ -76,11 +76,16 @@ private:
         return !isBehindSpace;
     }
 
+    static bool canBeInID(char16_t c) {
+        constexpr std::u16string_view NEVER = u" !\"#$%&'()*+,/:;<=>?@[\\]^`{|}~";
+        return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') ||
+               NEVER.find(c) == std::u16string_view::npos;
+    }
+
     /// Whether it is a name without a colon, as the type of IDs wants it; not all of Unicode's rules are applied.
     static bool isID(std::u16string_view value) {
-        constexpr std::u16string_view NEVER = u" !\"#$%&'()*+,/:;<=>?@[\\]^`{|}~";
         constexpr std::u16string_view NOT_FIRST = u"-.0123456789";
-        return !value.empty() && value.find_first_of(NEVER) == std::u16string_view::npos &&
+        return !value.empty() && std::all_of(value.begin(), value.end(), canBeInID) &&
                NOT_FIRST.find(value.front()) == std::u16string_view::npos;
     }
 
