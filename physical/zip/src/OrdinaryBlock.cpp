@@ -54,14 +54,35 @@ constexpr unsigned MOST_DISTANCES = 30;
 constexpr unsigned LONGEST_CODE = 15;
 constexpr unsigned END_OF_BLOCK = 256;
 
-/// Whether codes of these lengths are complete: each sequence of bits begins with exactly one of them.
-template <typename Iterator>
-bool isComplete(Iterator first, Iterator last, unsigned longest) noexcept {
-    unsigned used = 0;
-    for (; first != last; ++first)
-        used += *first == 0 ? 0U : 1U << (longest - *first);
-    return used == 1U << longest;
-}
+/// How many codes there are of each length.
+template <std::size_t Longest>
+class CodeCounts {
+public:
+    CodeCounts(const unsigned char* lengths, std::size_t count) noexcept {
+        for (std::size_t i = 0; i < count; ++i)
+            ++counts[lengths[i]];
+        counts[0] = 0; // symbols without code
+    }
+
+    /// Whether each sequence of bits begins with exactly one of the codes.
+    bool areComplete() const noexcept {
+        unsigned used = 0;
+        for (std::size_t length = 1; length <= Longest; ++length)
+            used += counts[length] << (Longest - length);
+        return used == 1U << Longest;
+    }
+
+    /// The first code of each length.
+    std::array<unsigned, Longest + 1> firstCodes() const noexcept {
+        std::array<unsigned, Longest + 1> codes{};
+        for (std::size_t length = 1; length <= Longest; ++length)
+            codes[length] = (codes[length - 1] + counts[length - 1]) << 1U;
+        return codes;
+    }
+
+private:
+    std::array<unsigned, Longest + 1> counts{};
+};
 
 /// A code with its first bit as the lowest one, as the bits of the data are taken.
 unsigned reversed(unsigned code, unsigned length) noexcept {
@@ -81,13 +102,13 @@ public:
         std::array<unsigned char, LENGTH_CODES> lengths{};
         for (unsigned i = 0; i < count; ++i)
             lengths[ORDER[i]] = static_cast<unsigned char>(bits.take(3));
-        if (!isComplete(lengths.begin(), lengths.end(), LONGEST_LENGTH_CODE))
+        const CodeCounts<LONGEST_LENGTH_CODE> counts(lengths.data(), lengths.size());
+        if (!counts.areComplete())
             return false;
-        unsigned code = 0;
-        for (unsigned length = 1; length <= LONGEST_LENGTH_CODE; ++length, code <<= 1U)
-            for (unsigned symbol = 0; symbol < LENGTH_CODES; ++symbol)
-                if (lengths[symbol] == length)
-                    enter(code++, symbol, length);
+        auto codes = counts.firstCodes();
+        for (unsigned symbol = 0; symbol < LENGTH_CODES; ++symbol)
+            if (lengths[symbol] != 0)
+                enter(codes[lengths[symbol]]++, symbol, lengths[symbol]);
         return true;
     }
 
@@ -134,17 +155,6 @@ bool readLengths(BitReader& bits, const LengthCode& code, unsigned char* lengths
     return !bits.isExhausted();
 }
 
-/// The code of a symbol, whose length isn't 0.
-unsigned codeOf(unsigned symbol, const unsigned char* lengths, unsigned count) noexcept {
-    std::array<unsigned, LONGEST_CODE + 1> counts{};
-    for (unsigned i = 0; i < count; ++i)
-        ++counts[lengths[i]];
-    unsigned code = 0;
-    for (unsigned length = 1; length < lengths[symbol]; ++length)
-        code = (code + counts[length]) << 1U;
-    return code + static_cast<unsigned>(std::count(lengths, lengths + symbol, lengths[symbol]));
-}
-
 /// The bits at a place, the lowest of each byte first.
 unsigned bitsAt(const unsigned char* data, std::size_t place, unsigned count) noexcept {
     unsigned bits = 0;
@@ -179,13 +189,14 @@ std::optional<OrdinaryBlock> OrdinaryBlock::find(const unsigned char* data, std:
     if (literals > MOST_LITERALS || distances > MOST_DISTANCES || !code.read(bits, lengthCodes) ||
         !readLengths(bits, code, lengths.data(), literals + distances) || lengths[END_OF_BLOCK] == 0)
         return {};
-    unsigned char* const firstDistance = lengths.data() + literals;
-    if (!isComplete(lengths.data(), firstDistance, LONGEST_CODE) ||
-        !isComplete(firstDistance, firstDistance + distances, LONGEST_CODE))
+    const CodeCounts<LONGEST_CODE> counts(lengths.data(), literals);
+    if (!counts.areComplete() ||
+        !CodeCounts<LONGEST_CODE>(lengths.data() + literals, distances).areComplete())
         return {};
-    const unsigned endLength = lengths[END_OF_BLOCK];
-    return OrdinaryBlock(isLast, reversed(codeOf(END_OF_BLOCK, lengths.data(), literals), endLength),
-                         endLength);
+    const unsigned char endLength = lengths[END_OF_BLOCK];
+    const auto before = std::count(lengths.data(), lengths.data() + END_OF_BLOCK, endLength);
+    const unsigned endCode = counts.firstCodes()[endLength] + static_cast<unsigned>(before);
+    return OrdinaryBlock(isLast, reversed(endCode, endLength), endLength);
 }
 
 bool OrdinaryBlock::isAllOf(const unsigned char* data, std::size_t count, std::size_t end) const noexcept {
