@@ -105,6 +105,8 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
          refusal + "The Type \"u:t\t\" isn't the same to every reader"},
         {ROOT + "<Relationship Id='a' Type='u:t' Target='t  u'/></Relationships>",
          refusal + "The Target \"t  u\" isn't the same to every reader"},
+        {ROOT + "<Relationship Id='a' Type='" + std::string(4097, 't') + "' Target='t'/></Relationships>",
+         refusal + "The Type of a relationship has more than 4096 characters"},
         {ROOT + "text</Relationships>", withText},
         {ROOT + "<![CDATA[<]]></Relationships>", withText},
         {ROOT + std::string(2U << 20, '\n') + "</Relationships>", withText},

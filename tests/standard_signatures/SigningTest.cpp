@@ -365,7 +365,8 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
         {bound("x:xpath='/a' xmlns:x='u:x' w:xpath='/b'"), true},
         {"<x:dataBinding xmlns:x='urn:later' w:xpath='/b'/><x:dataBinding xmlns:x='urn:later' w:xpath='/a'/>",
          true},
-        {withID("{1}") + "<!DOCTYPE w>", true}, // can't be read to its end
+        {withID("{1}") + "<!DOCTYPE w>", true},                           // can't be read to its end
+        {withID("{1}") + std::string(std::size_t{96} << 20U, ' '), true}, // nor may this be
         {withPath("/p:a[12]/b/@p:c"), false, {"<b/>", "<a/>", "<b/>"}},
         // whatever the root is
         {withPath("//a"), true, {"<b/>", "<a/>", "<b/>"}},

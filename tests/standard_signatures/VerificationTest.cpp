@@ -558,6 +558,20 @@ TEST(StandardVerification, BoundsTheWorkOnAllSignatures) {
     EXPECT_EQ(result.signatures.at(6).trust.timeStampFailure, "the signatures of the package have too many");
 }
 
+/// It reads no more of them, whether they are accepted or not.
+TEST(StandardVerification, BoundsTheBytesOfAllRelationships) {
+    SignedSample sample;
+    sample.sign();
+    const Bytes large = relationships(repeated("<!--" + std::string(std::size_t{2} << 20U, '.') + "-->", 8));
+    for (const std::u16string name : {u"1", u"2", u"3", u"4", u"5"})
+        sample.store.setPart(u"/word/_rels/" + name + u".xml.rels", large);
+    EXPECT_NE(reasonsOf(sample.verify())
+                  .find("5.xml.rels its relationships can't be told: "
+                        "The package has too many relationships"),
+              std::string::npos)
+        << reasonsOf(sample.verify());
+}
+
 TEST(StandardVerification, FindsSignaturesInOtherPlaces) {
     SignedSample sample;
     sample.sign();

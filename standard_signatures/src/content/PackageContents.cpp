@@ -3,6 +3,7 @@
 #include "content/ContentForm.hpp"
 #include "content/ContentTypes.hpp"
 #include "content/NameSearch.hpp"
+#include "core/CountedStream.hpp"
 #include "crypto/Digest.hpp"
 #include "crypto/Methods.hpp"
 #include "names/PartNames.hpp"
@@ -10,12 +11,14 @@
 #include "reason/Shortened.hpp"
 #include "transform/RelationshipsNamespace.hpp"
 #include "xml/Narrow.hpp"
+#include "xml/PackageDocument.hpp"
 
 #include <opc/interfaces/IPhysicalPackage.hpp>
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/Errors.hpp>
 #include <opc/model/PhysicalInputStream.hpp>
 
+#include <algorithm>
 #include <map>
 #include <utility>
 #include <variant>
@@ -75,17 +78,34 @@ std::string failureText(const Exception& failure) {
 
 struct PackageContents::Known {
     /// @throws Refusal  the package has too many of them
-    RelationshipsDocument counted(RelationshipsDocument document) {
-        constexpr std::uint64_t MOST_TEXT = 96U << 20; // bytes of all documents
-        constexpr std::uint64_t FOR_EACH = 200;        // what a relationship costs beside its text
+    RelationshipsDocument readRelationships(InputStream& stream) {
+        constexpr std::uint64_t FOR_EACH = 200; // bytes that a relationship costs beside its text
+        requireRoomForRelationships();
+        CountedStream counted(stream);
+        RelationshipsDocument document;
+        try {
+            document =
+                RelationshipsDocument::read(counted, std::min(roomForDocuments, PackageDocument::MOST_BYTES));
+        } catch (const Exception&) {
+            spend(roomForDocuments, counted.count());
+            throw;
+        }
+        spend(roomForDocuments, counted.count());
         for (const RelationshipValues& one : document.relationships)
-            relationshipText += one.id.size() + one.type.size() + one.target.size() + FOR_EACH;
-        if (relationshipText > MOST_TEXT)
-            throw Refusal(Reason::Code::BeyondLimit, "", "The package has too many relationships");
+            spend(roomForRelationships, one.id.size() + one.type.size() + one.target.size() + FOR_EACH);
+        requireRoomForRelationships();
         return document;
     }
 
-    std::uint64_t relationshipText = 0;
+    static void spend(std::uint64_t& room, std::uint64_t amount) { room -= std::min(room, amount); }
+
+    void requireRoomForRelationships() const {
+        if (roomForDocuments == 0 || roomForRelationships == 0)
+            throw Refusal(Reason::Code::BeyondLimit, "", "The package has too many relationships");
+    }
+
+    std::uint64_t roomForDocuments = 64U << 20;     ///< bytes of all relationships parts
+    std::uint64_t roomForRelationships = 96U << 20; ///< bytes of what is read from them
     std::optional<NameSearch> search;
     std::map<const StoredPart*, std::size_t> searched; ///< parts, by their place in the search
     Digester digester;
@@ -159,7 +179,7 @@ const RelationshipsDocument& PackageContents::relationships(const StoredPart& pa
         return valueOf(found->second);
     Outcome<RelationshipsDocument> outcome;
     try {
-        outcome = known->counted(RelationshipsDocument::read(*open(part)));
+        outcome = known->readRelationships(*open(part));
     } catch (const Refusal& refusal) {
         outcome = at(part, refusal.reason());
     } catch (const model::InvalidXMLDocument& failure) {

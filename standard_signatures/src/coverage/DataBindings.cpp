@@ -1,5 +1,6 @@
 #include "coverage/DataBindings.hpp"
 
+#include "core/CountedStream.hpp"
 #include "names/PartNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <map>
 #include <string_view>
 
@@ -147,14 +147,22 @@ bool isXML(const StoredPart& part) {
     return type.find("+xml") != std::string::npos || type.find("/xml") != std::string::npos;
 }
 
-bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, const StoreIndex& stores) {
+/// @param left  how many bytes may still be read; becomes less
+bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, const StoreIndex& stores,
+                     std::uint64_t& left) {
+    if (left == 0)
+        return isXML(part);
     BindingReader reader(stores);
+    const auto stream = contents.open(part);
+    CountedStream counted(*stream);
+    bool isRead = true;
     try {
-        reader.read(*contents.open(part), std::numeric_limits<std::uint64_t>::max());
+        reader.read(counted, left);
     } catch (const Exception&) {
-        return reader.isLoose || isXML(part);
+        isRead = false;
     }
-    return reader.isLoose;
+    left -= std::min(left, counted.count());
+    return reader.isLoose || (!isRead && isXML(part));
 }
 
 } // namespace
@@ -163,10 +171,11 @@ std::vector<const StoredPart*> findLooseBindings(const PackageContents& contents
                                                  const std::vector<DataStore>& stores) {
     std::vector<const StoredPart*> loose;
     const StoreIndex index(stores);
+    std::uint64_t left = 96U << 20;
     const auto& parts = contents.parts();
     if (std::any_of(parts.begin(), parts.end(), isWordProcessing)) // others have no content controls
         for (const StoredPart& part : parts)
-            if (!part.source && hasLooseBinding(contents, part, index))
+            if (!part.source && hasLooseBinding(contents, part, index, left))
                 loose.push_back(&part);
     return loose;
 }

@@ -91,9 +91,10 @@ public:
 };
 
 std::u16string readRootName(const PackageContents& contents, const StoredPart& part) {
+    constexpr std::uint64_t FARTHEST = 1U << 20; // bytes: comments can stand in front of it
     RootReader reader;
     try {
-        reader.read(*contents.open(part));
+        reader.read(*contents.open(part), FARTHEST);
     } catch (const RootReader::Done&) {
     } catch (const Exception&) { // it can't be told
     }

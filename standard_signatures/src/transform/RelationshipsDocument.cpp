@@ -3,7 +3,6 @@
 #include "reason/Refusal.hpp"
 #include "transform/RelationshipsNamespace.hpp"
 #include "xml/Narrow.hpp"
-#include "xml/PackageDocument.hpp"
 
 #include <algorithm>
 
@@ -96,6 +95,10 @@ private:
         if (!isCollapsed(value) || (name == u"Id" && !isID(value)))
             refuseRelationships("The " + narrow(attribute.localName) + " \"" + narrow(value) +
                                 "\" isn't the same to every reader");
+        constexpr std::size_t LONGEST = 4096; // of a name, which others are compared with
+        if (value.size() > LONGEST && (name == u"Id" || name == u"Type"))
+            refuseRelationships("The " + narrow(name) + " of a relationship has more than " +
+                                std::to_string(LONGEST) + " characters");
         if (name == u"Id")
             values.id = narrow(value);
         else if (name == u"Type")
@@ -118,9 +121,9 @@ private:
 
 } // namespace
 
-RelationshipsDocument RelationshipsDocument::read(InputStream& stream) {
+RelationshipsDocument RelationshipsDocument::read(InputStream& stream, std::uint64_t mostBytes) {
     RelationshipsDocument document;
-    Reader(document).read(stream);
+    Reader(document).read(stream, mostBytes);
     auto& all = document.relationships;
     std::sort(all.begin(), all.end(), [](const RelationshipValues& left, const RelationshipValues& right) {
         return left.id < right.id;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xml/PackageDocument.hpp"
+
 #include <opc/core/InputStream.hpp>
 
 #include <cstddef>
@@ -24,11 +26,13 @@ struct RelationshipsDocument {
     /// Reads a part in which nothing is left to interpretation: by namespace, without foreign elements and attributes,
     /// without prefixes, which not all programs read, and with each ID once. Comments may stand anywhere, and values have
     /// no white space that may collapse.
-    /// @param stream  open, at its first byte
+    /// @param stream     open, at its first byte
+    /// @param mostBytes  that it may have
     /// @throws Refusal  with `RelationshipsRefused` or `BeyondLimit`
     /// @throws model::InvalidXMLDocument
     /// @throws the exceptions of the stream
-    static RelationshipsDocument read(InputStream& stream);
+    static RelationshipsDocument read(InputStream& stream,
+                                      std::uint64_t mostBytes = PackageDocument::MOST_BYTES);
 };
 
 } // namespace opc::standard_signatures
