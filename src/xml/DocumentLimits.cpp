@@ -21,6 +21,9 @@ constexpr XMLSize_t MAXIMUM_COMMENTS = 10000;
 /// Each of them may declare a prefix, and Xerces searches all declared prefixes for each prefix.
 constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
+/// Comparisons of the prefixes of elements and attributes with all that are declared around them.
+constexpr std::uint64_t MAXIMUM_PREFIX_WORK = 1'000'000'000;
+
 /// Xerces keeps names in a table of fixed size. The first ones aren't compared, so that small documents cost nothing.
 constexpr XMLSize_t MAXIMUM_NAMES = 2000;
 
@@ -74,11 +77,16 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
     refuseIf(openAttributes + attributeCount > MAXIMUM_OPEN_ATTRIBUTES,
              "XML content can not have more than 4000 attributes on nested elements", scanner());
     countName(declaration.getBaseName());
+    XMLSize_t declarations = 0;
     for (XMLSize_t i = 0; i < attributeCount; ++i)
-        countAttribute(*attributes.elementAt(i));
+        declarations += countAttribute(*attributes.elementAt(i)) ? 1 : 0;
+    prefixWork += std::uint64_t{1 + attributeCount} * (openDeclarations + declarations);
+    refuseIf(prefixWork > MAXIMUM_PREFIX_WORK, "XML content has too many names below too many namespaces",
+             scanner());
     if (!isEmpty) { // the end of an empty element isn't reported
-        openElements.push_back(attributeCount);
+        openElements.push_back({attributeCount, declarations});
         openAttributes += attributeCount;
+        openDeclarations += declarations;
     }
     DocumentHandlerLink::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
                                       isRoot);
@@ -87,7 +95,8 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
 void DocumentLimits::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId, bool isRoot,
                                 const XMLCh* prefix) {
     bytesSinceLastToken = 0;
-    openAttributes -= openElements.back();
+    openAttributes -= openElements.back().attributes;
+    openDeclarations -= openElements.back().declarations;
     openElements.pop_back();
     DocumentHandlerLink::endElement(declaration, uriId, isRoot, prefix);
 }
@@ -102,17 +111,19 @@ void DocumentLimits::countName(const XMLCh* name) {
              scanner());
 }
 
-void DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
+bool DocumentLimits::countAttribute(const xercesc::XMLAttr& attribute) {
     const XMLCh* const name = attribute.getName();
     countName(name);
-    if (xercesc::XMLString::equals(attribute.getPrefix(), u"xmlns") ||
-        xercesc::XMLString::equals(name, u"xmlns")) {
+    const bool isDeclaration = xercesc::XMLString::equals(attribute.getPrefix(), u"xmlns") ||
+                               xercesc::XMLString::equals(name, u"xmlns");
+    if (isDeclaration) {
         namespaces.insert(attribute.getValue());
         refuseIf(namespaces.size() > MAXIMUM_NAMES, "XML content can not have more than 2000 namespaces",
                  scanner());
     }
     if (attribute.getType() == xercesc::XMLAttDef::ID)
         refuseIf(ids.add(std::u16string_view(attribute.getValue())), CollidingIDs::TOO_MANY, scanner());
+    return isDeclaration;
 }
 
 void DocumentLimits::docComment(const XMLCh* comment) {

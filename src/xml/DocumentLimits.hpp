@@ -42,11 +42,19 @@ public:
 
 private:
     void countName(const XMLCh* name);
-    void countAttribute(const xercesc::XMLAttr& attribute);
+
+    /// @return whether it declares a namespace
+    bool countAttribute(const xercesc::XMLAttr& attribute);
+
+    struct OpenElement {
+        XMLSize_t attributes, declarations;
+    };
 
     std::uint64_t& bytesSinceLastToken;
-    std::vector<XMLSize_t> openElements; ///< the number of attributes of each
-    XMLSize_t openAttributes = 0;        ///< of all open elements together
+    std::vector<OpenElement> openElements;
+    XMLSize_t openAttributes = 0;   ///< of all open elements together
+    XMLSize_t openDeclarations = 0; ///< of namespaces, likewise
+    std::uint64_t prefixWork = 0;
     XMLSize_t comments = 0;
     XMLSize_t names = 0; ///< of elements, attributes and instructions
     std::unordered_set<std::u16string_view, TextHash> laterNames; ///< the different ones, once there are many

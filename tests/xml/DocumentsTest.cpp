@@ -210,6 +210,9 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
     parser.get()->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMNamespaces, true);
     EXPECT_EQ(parser.refusal(manyNames(200000, "b xmlns='u:", "'"), false),
               "XML content can not have more than 2000 namespaces");
+    EXPECT_EQ(
+        parser.refusal(repeated(withAttributes(50, "xmlns:b") + ">", 39) + repeated("<c/>", 600000), false),
+        "XML content has too many names below too many namespaces");
     EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
