@@ -258,7 +258,7 @@ TEST(StandardSigning, RefusesTwoPartsOfATypeThatIsThereOnce) {
         std::string first, second; ///< content types
         bool isRefused;
     } cases[] = {
-        {sheet + "sharedStrings+xml", sheet + "SharedStrings+xml", true},
+        {sheet + "sharedStrings+xml", sheet + "SharedStrings+xml;a=b", true},
         {sheet + "styles+xml", sheet + "styles+xml", true},
         {sheet + "styles+xml", sheet + "sharedStrings+xml", false},
         {sheet + "worksheet+xml", sheet + "worksheet+xml", false},
@@ -344,6 +344,7 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
         std::vector<std::string> stores = {"<a/>", "<a/>"};
         std::string description = {};  ///< of each, with its number for @; empty: a good one
         std::string relationship = {}; ///< to it
+        std::string picture = {};      ///< what the part with a picture has
     } cases[] = {
         {withID("{1}"), false},
         {withID("{2}"), false},
@@ -367,6 +368,12 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
          true},
         {withID("{1}") + "<!DOCTYPE w>", true},                           // can't be read to its end
         {withID("{1}") + std::string(std::size_t{96} << 20U, ' '), true}, // nor may this be
+        {"<a/>", true, {"<a/>", "<a/>"}, {}, {}, "<?xml version='1.0' encoding='windows-1252'?><a/>"},
+        {"<a/>", true, {"<a/>", "<a/>"}, {}, {}, "\xFF\xFE \n<\0!"},
+        {"<a/>", true, {"<a/>", "<a/>"}, {}, {}, "\x4C\x6F\xA7\x94"},
+        {"<a/>", true, {"<a/>", "<a/>"}, {}, {}, std::string(5000, ' ') + "<!DOCTYPE a>"},
+        {"<a/>", false, {"<a/>", "<a/>"}, {}, {}, "\x89PNG<a/>"},
+        {"<a/>", false, {"<a/>", "<a/>"}, {}, {}, std::string(100, '\0')},
         {withPath("/p:a[12]/b/@p:c"), false, {"<b/>", "<a/>", "<b/>"}},
         // whatever the root is
         {withPath("//a"), true, {"<b/>", "<a/>", "<b/>"}},
@@ -391,7 +398,7 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
         {noID, true, {"<a/>", "<b/>"}, {}, leading("p", store + "Props", "Props@.xml")},
         {noID, true, {"<a/>", "<b/>"}, {}, leading("p", store + "Props", "prop%73@.xml")},
     };
-    for (const auto& [control, isRefused, stores, description, relationship] : cases) {
+    for (const auto& [control, isRefused, stores, description, relationship, picture] : cases) {
         PlainSample sample;
         for (std::size_t i = 0; i < stores.size(); ++i) {
             const std::string number = std::to_string(i + 1);
@@ -410,6 +417,7 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
             u"/word/document.xml",
             toBytes("<w:document xmlns:w='http://schemas.openxmlformats.org/wordprocessingml/2006/main'>" +
                     control + "</w:document>"));
+        sample.store.setPart(u"/word/media/%C3%A4.png", toBytes(picture));
         if (isRefused)
             EXPECT_THROW(sign(sample), SigningRefused) << control << stores[0] << description << relationship;
         else

@@ -13,7 +13,8 @@ namespace {
 /// What is there once in a document of an office program, by the content type; empty for other types. Drawings can have several
 /// parts with that of the main one.
 std::string kindOf(std::string_view contentType) {
-    std::string type = keyOf(contentType);
+    contentType = contentType.substr(0, contentType.find(';')); // no parameters
+    std::string type = keyOf(contentType.substr(0, contentType.find_last_not_of(" \t") + 1));
     const auto endsWith = [&type](std::string_view end) {
         return type.size() >= end.size() && type.compare(type.size() - end.size(), end.size(), end) == 0;
     };

@@ -142,16 +142,32 @@ bool isWordProcessing(const StoredPart& part) {
     return part.contentType && keyOf(*part.contentType).find("word") != std::string::npos;
 }
 
-bool isXML(const StoredPart& part) {
-    const std::string type = part.contentType ? keyOf(*part.contentType) : std::string();
-    return type.find("+xml") != std::string::npos || type.find("/xml") != std::string::npos;
+/// Whether some program may read a content as XML, whatever its content type and encoding are.
+bool canBeXML(const PackageContents& contents, const StoredPart& part) {
+    constexpr std::size_t ENOUGH = 4096;
+    constexpr std::string_view PASSED_OVER("\0 \t\r\n\xEF\xBB\xBF\xFE\xFF", 10); // marks of encodings, too
+    constexpr std::string_view IN_EBCDIC = "\x4C\x6F\xA7\x94";
+    std::string first(ENOUGH, '\0');
+    try {
+        const auto stream = contents.open(part);
+        std::size_t size = 0;
+        while (size < ENOUGH && !stream->isDone())
+            size += static_cast<std::size_t>(
+                stream->read(reinterpret_cast<unsigned char*>(first.data()) + size, ENOUGH - size));
+        const std::size_t begin = first.find_first_not_of(PASSED_OVER);
+        return begin == std::string::npos
+                   ? size == ENOUGH
+                   : first[begin] == '<' || first.compare(begin, IN_EBCDIC.size(), IN_EBCDIC) == 0;
+    } catch (const Exception&) {
+        return true;
+    }
 }
 
 /// @param left  how many bytes may still be read; becomes less
 bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, const StoreIndex& stores,
                      std::uint64_t& left) {
     if (left == 0)
-        return isXML(part);
+        return canBeXML(contents, part);
     BindingReader reader(stores);
     const auto stream = contents.open(part);
     CountedStream counted(*stream);
@@ -162,7 +178,7 @@ bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, co
         isRead = false;
     }
     left -= std::min(left, counted.count());
-    return reader.isLoose || (!isRead && isXML(part));
+    return reader.isLoose || (!isRead && canBeXML(contents, part));
 }
 
 } // namespace
