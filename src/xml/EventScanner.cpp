@@ -168,10 +168,10 @@ Scanned EventScanner::takeTextRun() {
 
 void EventScanner::putPlainText(const char*& p) {
     const char* const last = std::min(window.end, p + (LONGEST_PIECE - textSize));
-    char16_t* target = text.data() + textSize;
-    while (p != last && isPlainText(*p))
-        *target++ = static_cast<unsigned char>(*p++);
-    textSize = static_cast<std::size_t>(target - text.data());
+    const char* const end = std::find_if_not(p, last, isPlainText);
+    std::copy(p, end, text.data() + textSize); // ASCII, with vector instructions
+    textSize += static_cast<std::size_t>(end - p);
+    p = end;
 }
 
 void EventScanner::putText(std::uint32_t code) {
