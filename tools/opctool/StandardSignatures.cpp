@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace opctool {
@@ -59,6 +60,23 @@ void printTable(FileRun& run, const PackageVerification& verification, const ord
     table.print(run.out(), run.tableStyle());
 }
 
+/// The parts that aren't signed by custom; where all are signed, the relationships to them.
+void printByCustom(FileRun& run, const std::string& name, const std::vector<Unsigned>& byCustom) {
+    std::string parts;
+    std::string relationships;
+    for (const Unsigned& one : byCustom) {
+        const bool isPart = one.kind == Unsigned::Kind::Part;
+        std::string& list = isPart ? parts : relationships;
+        list += (list.empty() ? "" : ", ") + one.place + (isPart ? "" : "#" + one.id);
+    }
+    if (!byCustom.empty())
+        run.out()
+            << name
+            << ": not signed by custom: " << withoutControlCharacters(parts.empty() ? relationships : parts)
+            << ". What stands there, such as title, author and dates, can change, also where the document "
+               "shows it\n";
+}
+
 /// What a yes doesn't say.
 void printReservations(FileRun& run, const VerifiedSignature& signature) {
     const std::string name = withoutControlCharacters(signature.name);
@@ -68,13 +86,11 @@ void printReservations(FileRun& run, const VerifiedSignature& signature) {
         run.out() << withoutControlCharacters(signature.name + ": the time stamp isn't trusted: " +
                                               signature.trust.timeStampFailure)
                   << '\n';
-    if (!signature.coverage.byCustom.empty())
-        run.out() << name
-                  << ": not signed by custom: properties and thumbnail, with title, author and dates, also "
-                     "where the document shows them\n";
-    if (signature.coverage.externalTargets != 0)
-        run.out() << name << ": " << signature.coverage.externalTargets
-                  << " signed relationships lead out of the package, where everything can change\n";
+    printByCustom(run, name, signature.coverage.byCustom);
+    if (const std::size_t targets = signature.coverage.externalTargets)
+        run.out() << name << ": " << targets
+                  << (targets == 1 ? " signed relationship leads" : " signed relationships lead")
+                  << " out of the package, where everything can change\n";
 }
 
 } // namespace
