@@ -77,7 +77,9 @@ class StandardSignatures(OpctoolCase):
             self.assertEqual((result['state'], result['yes'], result['signatures'][0]['holds']), (state, is_yes, is_yes))
         self.verify('--require complete,trusted', 1)
         self.verify('--require complete,trusted --trust std.pem', 0)
-        self.verify(f"--fingerprint {self.verify('', 1)['fingerprint'].upper()}", 0)
+        digits = self.verify('', 1)['fingerprint']
+        for form in digits.upper(), ':'.join(digits[i:i + 2] for i in range(0, len(digits), 2)):
+            self.verify('--fingerprint ' + form, 0)
         self.assertEqual(self.shell('openssl x509 -in std.pem -pubkey -noout >std.pub').status, 0)
         self.verify('--public std.pub', 0)
         self.assert_wrong_usage('verify p.docx --require all')
@@ -123,9 +125,10 @@ class StandardSignatures(OpctoolCase):
 
     def test_stand_beside_those_of_the_other_profile(self):
         self.do('keygen k')
-        signed = self.run_tool('sign p.docx --profile opcmodel --key k.key --public k.pub')
-        self.assertEqual(signed[:2], (0, 'sig2\n'))
-        self.assertIn("don't cover this one: they are partial now", signed.errors)
+        for command, name in ('sign', 'sig2\n'), ('countersign', 'sigcountersig\n'):
+            signed = self.run_tool(command + ' p.docx --profile opcmodel --key k.key --public k.pub')
+            self.assertEqual(signed[:2], (0, name))
+            self.assertIn("don't cover this one: they are partial now", signed.errors)
         status, (document,) = self.envelopes('verify p.docx --public k.pub')
         profiles = {row['profile']: row for row in document['result']['signatures']}
         self.assertEqual((status, profiles['opcmodel']['holds']), (1, True))
@@ -224,6 +227,7 @@ class StandardSigning(OpctoolCase):
                 ('sign p.docx --key rsa.key --digest sha224', '--digest sha224: needs --profile opcmodel'),
                 ('countersign p.docx --key rsa.key', 'countersign: needs --profile opcmodel'),
                 ('sign p.docx --key rsa.key --all --profile opcmodel', '--all: needs --profile standard'),
+                ('sign p.docx --key rsa.key --all --part /word/document.xml', '--part excludes --all'),
                 ('sign p.docx --key rsa.key --comment x --profile opcmodel', '--comment: needs --profile standard'),
                 ('sign p.docx --key rsa.key --profile other', '--profile'), ('keygen k --bits 2048 --ec P-256', '--bits'),
                 ('keygen k --ec P-224', '--ec'), ('keygen k --days 5', '--cert'), ('keygen k --cert ""', '--cert'),

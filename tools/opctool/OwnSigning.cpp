@@ -178,9 +178,12 @@ void signInOwnProfile(FileRun& run, SignedPackage& package, const SignArguments&
 
 void countersign(FileRun& run, SignedPackage& package, const SignArguments& arguments) {
     const SigningMaterial material(arguments.signing);
+    OtherSignatures others(package);
     const DigitalSignature signature = material.apply(
         [&](const auto&... signer) { return package.signatures().countersignAllSignatures(signer...); });
+    others.findBroken(package);
     package.save();
+    others.tell(run);
     run.printName(opc::toUDEString(signature.getName()));
 }
 

@@ -51,12 +51,14 @@ void declareSign(CLI::App& command) {
         ->type_name("TEXT");
     const char* const group = "What is signed; without these options, everything, in the profile standard "
                               "but for properties and thumbnail";
-    addRepeatable(&command, "--part", arguments->parts, "A part's name")->type_name("NAME")->group(group);
-    addRepeatable(&command, "--relationship", arguments->relationships,
-                  "One relationship; SOURCE is a part name, or \"/\" for the package")
-        ->check(checkSelector)
-        ->type_name("SOURCE:ID")
-        ->group(group);
+    CLI::Option* parts =
+        addRepeatable(&command, "--part", arguments->parts, "A part's name")->type_name("NAME")->group(group);
+    CLI::Option* relationships =
+        addRepeatable(&command, "--relationship", arguments->relationships,
+                      "One relationship; SOURCE is a part name, or \"/\" for the package")
+            ->check(checkSelector)
+            ->type_name("SOURCE:ID")
+            ->group(group);
     addRepeatable(&command, "--relationship-type", arguments->relationshipTypes,
                   "All relationships of this type; in the profile opcmodel")
         ->check(checkSelector)
@@ -65,6 +67,8 @@ void declareSign(CLI::App& command) {
     command
         .add_flag("--all", arguments->all,
                   "Properties and thumbnail, too, which signing programs leave out; in the profile standard")
+        ->excludes(parts)
+        ->excludes(relationships)
         ->group(group);
     command.callback([files, arguments] { files->run([&](FileRun& run) { sign(run, *arguments); }); });
 }

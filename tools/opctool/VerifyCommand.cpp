@@ -80,10 +80,12 @@ struct Verdict {
     bool isYes() const { return found.reasons.empty() && isStandardFulfilled; }
 };
 
-std::string lowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
+/// The digits of a fingerprint in lower case, without the colons between them.
+std::string digitsOf(std::string fingerprint) {
+    fingerprint.erase(std::remove(fingerprint.begin(), fingerprint.end(), ':'), fingerprint.end());
+    std::transform(fingerprint.begin(), fingerprint.end(), fingerprint.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
+    return fingerprint;
 }
 
 std::string checkFingerprint(const std::string& fingerprint) {
@@ -122,7 +124,7 @@ StandardRequirements makeStandardRequirements(const VerifyArguments& arguments) 
     trust.roots = makeTrustStore(arguments.trust);
     trust.validation = makeValidationOptions(arguments.trust);
     for (const std::string& fingerprint : arguments.fingerprints)
-        trust.fingerprints.push_back(lowerCase(fingerprint));
+        trust.fingerprints.push_back(digitsOf(fingerprint));
     if (!arguments.publicKey.empty())
         trust.publicKeys.push_back(readAnyPublicKey(arguments.publicKey));
     return made;
