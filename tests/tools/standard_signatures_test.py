@@ -102,6 +102,9 @@ class StandardSignatures(OpctoolCase):
                 (rels, b'</Relationships>', evil, 1,
                  "sig1: partial: /word/document.xml#evil: the relationship isn't signed, and leads out of the package"),
                 ('[Content_Types].xml', b'document.main+xml', b'template.main+xml', 1, 'and it was signed as'),
+                ('_rels/.rels', b'digital-signature/origin', b'x', 1, "sig1: partial: /#rIdOrigin: the relationship isn't signed"),
+                ('_xmlsignatures/_rels/origin.sigs.rels', b'digital-signature/signature', b'x', 1,
+                 'No: /_xmlsignatures/sig1.xml: It has the content type of a signature, and no relationship leads to it'),
                 ('_xmlsignatures/sig1.xml', b'<Signature ', b'<!DOCTYPE a><Signature ', 1, 'sig1: broken: invalid document structure'),
                 (rels, b'<Relationships ', b'<!DOCTYPE a><Relationships ', 3, 'sig1: broken: /word/_rels/document.xml.rels: invalid document')):
             self.copy_fixture('letter.docx', 'p.docx')

@@ -249,7 +249,7 @@ void printStandard(FileRun& run, PackageFile& file) {
 void coverage(FileRun& run) {
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
     const CoverageReport own(package);
-    const bool hasStandard = package.signatures().hasForeignSignatures();
+    const bool hasStandard = package.hasStandardSignatures();
     if (hasStandard && own.names().empty())
         printStandard(run, package.closeUnchanged());
     else

@@ -23,6 +23,10 @@ bool SignedPackage::hasOwnSignatures() const {
                 .empty();
 }
 
+bool SignedPackage::hasStandardSignatures() {
+    return manager.hasForeignSignatures() || opc::standard_signatures::hasSignatures(file.asItLies());
+}
+
 std::vector<std::string> SignedPackage::standardSignatures() {
     return opc::standard_signatures::listSignatures(file.asItLies());
 }

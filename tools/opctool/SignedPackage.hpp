@@ -26,6 +26,9 @@ public:
     /// Whether relationships lead to signatures in the library's own profile, which need not be readable.
     bool hasOwnSignatures() const;
 
+    /// Whether there is anything of signatures in the standard's profile, wherever it lies.
+    bool hasStandardSignatures();
+
     /// The parts of the signatures in the standard's profile.
     std::vector<std::string> standardSignatures();
 

@@ -144,7 +144,7 @@ Verdict judge(FileRun& run, const VerifyArguments& arguments, const Requirements
     SignedPackage package(run, opc::interfaces::OpenMode::ReadOnly);
     opc::model::DigitalSignatureManager& own = package.signatures();
     Verdict verdict;
-    const bool hasStandard = own.hasForeignSignatures();
+    const bool hasStandard = package.hasStandardSignatures();
     std::exception_ptr notFound;
     try {
         take(verdict, arguments.signature.empty()

@@ -230,7 +230,10 @@ CoverageTable tabulateCoverage(interfaces::IPhysicalPackage& store, const Verifi
 bool hasSignatures(interfaces::IPhysicalPackage& store) {
     PackageContents contents(store);
     const PackageMap map(contents);
-    return map.hasOrigin() || !map.signatures().empty();
+    const auto& parts = contents.parts();
+    return map.hasOrigin() || !map.signatures().empty() ||
+           std::any_of(parts.begin(), parts.end(),
+                       [](const StoredPart& part) { return part.contentType == SIGNATURE_CONTENT_TYPE; });
 }
 
 std::vector<std::string> listSignatures(interfaces::IPhysicalPackage& store) {

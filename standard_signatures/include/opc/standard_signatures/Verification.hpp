@@ -98,8 +98,8 @@ struct PackageVerification {
 OPC_STANDARD_SIGNATURES_EXPORT PackageVerification verify(interfaces::IPhysicalPackage& store,
                                                           const VerificationPolicy& policy = {});
 
-/// Whether the package has signatures in the standard's profile: a relationship leads to one, or there is an origin of
-/// signatures.
+/// Whether the package has signatures in the standard's profile: a relationship leads to one, a part has their content type,
+/// or there is an origin of signatures.
 /// @param store  as for `verify`
 OPC_STANDARD_SIGNATURES_EXPORT bool hasSignatures(interfaces::IPhysicalPackage& store);
 
