@@ -125,6 +125,8 @@ class StandardSignatures(OpctoolCase):
         self.assertIn('/docProps/core.xml', result['uncovered']['parts'])
         self.assertEqual(result['content']['uncoveredParts'], [])
         self.assertRegex(self.do('coverage p.docx'), r'/word/document.xml +sig1\n')
+        self.replace('word/document.xml', b'</w:body>', b' </w:body>')
+        self.assertRegex(self.do('coverage p.docx'), r'/word/styles.xml +none\n(.*\n)*sig1 is broken')
 
     def test_stand_beside_those_of_the_other_profile(self):
         self.do('keygen k')
@@ -251,6 +253,7 @@ class StandardSigning(OpctoolCase):
         self.assertIn('<SignatureComments>in &lt;order&gt;<', self.do('cat p.docx /_xmlsignatures/sig1.xml'))
         self.do('props p.docx --set title=new --break-signatures')
         self.assertEqual(self.verify('')[1]['cryptography']['answer'], 'broken')
+        self.assertFalse(self.list('coverage p.docx')['content']['full'])
 
     def test_what_nothing_reaches_is_told(self):
         for name in range(7):

@@ -59,8 +59,10 @@ bool isGap(const CoverageRow& row) {
 bool isFull(const CoverageTable& table) {
     const auto& all = table.verification.signatures;
     return table.verification.problems.empty() &&
-           std::any_of(all.begin(), all.end(),
-                       [](const VerifiedSignature& one) { return one.coverage.isComplete(); });
+           std::any_of(all.begin(), all.end(), [](const VerifiedSignature& one) {
+               return one.cryptography.status != CryptographyAnswer::Status::Broken &&
+                      one.coverage.isComplete();
+           });
 }
 
 ordered_json describe(const CoverageTable& table, const CoverageRow& row) {

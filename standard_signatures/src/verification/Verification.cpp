@@ -65,7 +65,7 @@ public:
     Verifier(interfaces::IPhysicalPackage& store, const VerificationPolicy& policy)
         : policy(policy), contents(store), map(contents) {}
 
-    /// @param keep  gets what each signature signs, if it is given
+    /// @param keep  gets what each signature protects, if it is given: nothing of a broken one
     PackageVerification run(const std::function<void(SignedContents)>& keep = {}) {
         PackageVerification result;
         addProblems(result.problems);
@@ -79,7 +79,9 @@ public:
             SignedContents ofSignature;
             result.signatures.push_back(verify(*part, ofSignature));
             if (keep)
-                keep(std::move(ofSignature));
+                keep(result.signatures.back().cryptography.status == CryptographyAnswer::Status::Broken
+                         ? SignedContents()
+                         : std::move(ofSignature));
         }
         return result;
     }
