@@ -54,8 +54,7 @@ bool hasPart(const model::Package& package, const std::string& name) {
     }
 }
 
-/// A target for a step.
-std::string targetOf(const RelationshipVersion& relationship) {
+std::string targetForStep(const RelationshipVersion& relationship) {
     const std::string& resolved = relationship.resolved;
     if (relationship.isExternal || resolved.empty())
         return relationship.target;
@@ -175,9 +174,9 @@ void JobMaker::changeRelationships(Editor& editor, const Comparison& comparison)
 void JobMaker::set(Editor& editor, const RelationshipDifference& one) {
     const std::string source = inspection::encodedName(one.source);
     const RelationshipVersion& now = *one.now;
-    Step step = RelateStep{source, now.type, targetOf(now), now.isExternal, now.id};
+    Step step = RelateStep{source, now.type, targetForStep(now), now.isExternal, now.id};
     if (isRetarget(one))
-        step = RetargetStep{source, now.id, targetOf(now), now.isExternal};
+        step = RetargetStep{source, now.id, targetForStep(now), now.isExternal};
     attempt(editor, describe(one.source, now), std::move(step));
 }
 
