@@ -14,14 +14,12 @@ namespace {
 /// parts with that of the main one.
 std::string kindOf(std::string_view contentType) {
     contentType = contentType.substr(0, contentType.find(';')); // no parameters
-    std::string type = keyOf(contentType.substr(0, contentType.find_last_not_of(" \t") + 1));
-    const auto endsWith = [&type](std::string_view end) {
-        return type.size() >= end.size() && type.compare(type.size() - end.size(), end.size(), end) == 0;
-    };
-    if (endsWith(".main+xml") && type.find("visio") == std::string::npos)
-        return "main";
-    return endsWith("spreadsheetml.sharedstrings+xml") || endsWith("spreadsheetml.styles+xml")
-               ? type
+    contentType = contentType.substr(0, contentType.find_last_not_of(" \t") + 1);
+    if (keyEndsWith(contentType, ".main+xml"))
+        return keyOf(contentType).find("visio") == std::string::npos ? "main" : "";
+    return keyEndsWith(contentType, "spreadsheetml.sharedstrings+xml") ||
+                   keyEndsWith(contentType, "spreadsheetml.styles+xml")
+               ? keyOf(contentType)
                : std::string();
 }
 

@@ -31,7 +31,7 @@ constexpr std::string_view DESCRIPTION_TYPES[] = {
 
 bool hasType(const MappedRelationship& relationship, std::string_view end) {
     const std::string_view type = relationship.values->type;
-    return type.size() > end.size() && keyOf(type.substr(type.size() - end.size())) == end;
+    return type.size() > end.size() && keyEndsWith(type, end);
 }
 
 /// Whether all programs find the target.

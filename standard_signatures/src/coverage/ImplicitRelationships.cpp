@@ -101,10 +101,6 @@ constexpr ImplicitType IMPLICIT[] = {
     {"xmlmaps", ""},
 };
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 } // namespace
 
 std::string implicitKindOf(std::string_view type, std::string_view sourceType) {
@@ -112,7 +108,7 @@ std::string implicitKindOf(std::string_view type, std::string_view sourceType) {
     const auto* const found =
         std::lower_bound(std::begin(IMPLICIT), std::end(IMPLICIT), name,
                          [](const ImplicitType& one, std::string_view wanted) { return one.name < wanted; });
-    if (found == std::end(IMPLICIT) || found->name != name || !endsWith(keyOf(sourceType), found->source))
+    if (found == std::end(IMPLICIT) || found->name != name || !keyEndsWith(sourceType, found->source))
         return {};
     const std::string key = keyOf(type);
     return key.find("/officedocument/") == std::string::npos ? key : name;

@@ -75,11 +75,8 @@ constexpr std::string_view OF_FIXED_PAGES[] = {
 
 /// Whether programs take the package for one of their format because of a part with this name.
 bool isManifest(std::string_view key) {
-    const auto endsWith = [key](std::string_view end) {
-        return key.size() > end.size() && key.substr(key.size() - end.size()) == end;
-    };
     return key.rfind('/') == 0 &&
-           (endsWith(".nuspec") || endsWith(".vsixmanifest") || key == "/appxmanifest.xml");
+           (keyEndsWith(key, ".nuspec") || keyEndsWith(key, ".vsixmanifest") || key == "/appxmanifest.xml");
 }
 
 /// To what a relationship leads because of which a part needn't be signed.
@@ -107,8 +104,7 @@ bool leadsOutside(std::string_view target) {
 /// Whether a type could be taken for that of the main document, by a program that isn't strict about it.
 bool isMainType(std::string_view type) {
     constexpr std::string_view END = "/officedocument";
-    const std::string key = keyOf(type.substr(0, type.find_last_not_of(" \t\r\n/") + 1));
-    return key.size() >= END.size() && key.compare(key.size() - END.size(), END.size(), END) == 0;
+    return keyEndsWith(type.substr(0, type.find_last_not_of(" \t\r\n/") + 1), END);
 }
 
 } // namespace
@@ -227,10 +223,9 @@ std::vector<std::string_view> PackageMap::typesLeftOutByCustom() {
 template <std::size_t Size>
 bool PackageMap::hasNothingBut(const std::string_view (&types)[Size]) const {
     const auto isOther = [&types](const MappedRelationship& one) {
-        const std::string type = keyOf(one.values->type);
         return *one.document->source == "/" &&
-               std::none_of(types, types + Size, [&type](std::string_view begin) {
-                   return type.compare(0, begin.size(), begin) == 0;
+               std::none_of(types, types + Size, [&one](std::string_view begin) {
+                   return keyBeginsWith(one.values->type, begin);
                });
     };
     const auto& parts = contents.parts();

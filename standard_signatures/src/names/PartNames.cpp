@@ -15,9 +15,12 @@ int digit(char c, HexDigits digits) {
                                                               : -1;
 }
 
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 void lower(std::string& text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) { return lower(c); });
 }
 
 /// Resolves the percent-encoded characters that are wanted.
@@ -80,6 +83,15 @@ std::string keyOf(std::string_view name) {
     return key;
 }
 
+bool keyBeginsWith(std::string_view name, std::string_view key) {
+    return name.size() >= key.size() &&
+           std::equal(key.begin(), key.end(), name.begin(), [](char k, char c) { return k == lower(c); });
+}
+
+bool keyEndsWith(std::string_view name, std::string_view key) {
+    return name.size() >= key.size() && keyBeginsWith(name.substr(name.size() - key.size()), key);
+}
+
 bool marksOtherFormat(std::string_view key) {
     return key == "/mimetype" || key.substr(0, 10) == "/meta-inf/";
 }
@@ -104,6 +116,9 @@ std::string resolveTarget(std::string_view source, std::string_view target) {
     if (path.front() != '/')
         path.insert(0, source.substr(0, source.rfind('/') + 1));
     const std::string_view whole = path;
+    if (whole.find("//") == std::string_view::npos && whole.find("/.") == std::string_view::npos &&
+        whole.back() != '/') // nothing to resolve
+        return path;
     std::string resolved;
     resolved.reserve(whole.size());
     for (std::size_t begin = 1; begin <= whole.size();) {
@@ -131,9 +146,8 @@ bool isRelationshipsName(std::string_view name, std::string& source) {
     constexpr std::string_view EXTENSION = ".rels";
     const std::size_t slash = name.rfind('/');
     if (slash == std::string_view::npos || slash + 1 < FOLDER.size() ||
-        name.size() - slash - 1 < EXTENSION.size() ||
-        keyOf(name.substr(name.size() - EXTENSION.size())) != EXTENSION ||
-        keyOf(name.substr(slash + 1 - FOLDER.size(), FOLDER.size())) != FOLDER)
+        name.size() - slash - 1 < EXTENSION.size() || !keyEndsWith(name, EXTENSION) ||
+        !keyEndsWith(name.substr(0, slash + 1), FOLDER))
         return false;
     source = std::string(name.substr(0, slash + 2 - FOLDER.size()))
                  .append(name.substr(slash + 1, name.size() - slash - 1 - EXTENSION.size()));

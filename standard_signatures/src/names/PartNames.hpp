@@ -31,6 +31,10 @@ bool isPlainPartName(std::string_view name);
 /// The text with ASCII letters in lower case.
 std::string keyOf(std::string_view name);
 
+/// Whether that text begins or ends with another one.
+bool keyBeginsWith(std::string_view name, std::string_view key);
+bool keyEndsWith(std::string_view name, std::string_view key);
+
 /// Whether programs take a package with such a part for a document of another format, whatever its relationships say.
 /// @param key  the name in lower case
 bool marksOtherFormat(std::string_view key);
