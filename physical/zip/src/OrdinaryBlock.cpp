@@ -205,7 +205,8 @@ bool OrdinaryBlock::isAllOf(const unsigned char* data, std::size_t count, std::s
     constexpr std::size_t LEAST_BEHIND = 4; // bytes that empty blocks take
     if (end < 4 || end > count || count - end < LEAST_BEHIND)
         return false;
-    // The block ends with the code of its end, at one of these places.
+    // The block ends with the code of its end, at one of these places. If the code stands at two of them, nobody knows which one
+    // it is.
     std::size_t place = 0;
     for (std::size_t one = (end - 1) * 8 + 1; one <= end * 8; ++one)
         if (bitsAt(data, one - endLength, endLength) == endCode) {
