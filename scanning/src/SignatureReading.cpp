@@ -12,14 +12,24 @@ namespace {
 
 using model::VerdictReason;
 using standard_signatures::CryptographyAnswer;
+using standard_signatures::PackageVerification;
+using standard_signatures::Reason;
 using standard_signatures::VerifiedSignature;
 using State = ScannedSignatures::State;
+
+/// A signature that no relationship leads to is one, too.
+bool foundSome(const PackageVerification& verification) {
+    return !verification.signatures.empty() ||
+           std::any_of(verification.problems.begin(), verification.problems.end(), [](const Reason& problem) {
+               return problem.code == Reason::Code::NotAPackageSignature;
+           });
+}
 
 State stateOf(const ScannedSignatures& all) {
     if (std::any_of(all.reasons.begin(), all.reasons.end(),
                     [](const VerdictReason& reason) { return reason.leavesOpen(); }))
         return State::Unreadable;
-    if (all.own.empty() && all.standard.signatures.empty())
+    if (all.own.empty() && !foundSome(all.standard))
         return State::Unsigned;
     const bool isOneBroken =
         std::any_of(
@@ -39,7 +49,7 @@ State stateOf(const ScannedSignatures& all) {
 
 /// Signatures in one profile alone needn't be there in the other one.
 void dropReasonsOfNone(ScannedSignatures& all) {
-    if (!all.own.empty() || all.standard.signatures.empty())
+    if (!all.own.empty() || !foundSome(all.standard))
         return;
     all.reasons.erase(std::remove_if(all.reasons.begin(), all.reasons.end(),
                                      [](const VerdictReason& reason) { return !reason.leavesOpen(); }),
@@ -60,7 +70,7 @@ void ScannedSignatures::add(const model::SignatureVerdict& verdict) {
 void ScannedSignatures::add(standard_signatures::PackageVerification verification) {
     standard = std::move(verification);
     dropReasonsOfNone(*this);
-    if (own.empty() && standard.signatures.empty() && reasons.empty())
+    if (own.empty() && !foundSome(standard) && reasons.empty())
         reasons.push_back({VerdictReason::Kind::NoSignatures,
                            {},
                            bedrock::codesigning_verifier::ErrorMap<0>(),
@@ -72,7 +82,7 @@ ScannedSignatures readSignatures(model::DigitalSignatureManager& manager, interf
                                  const ScanOptions& options) {
     ScannedSignatures all;
     all.add(manager.judge(options.ownPolicy));
-    if (manager.hasForeignSignatures())
+    if (manager.hasForeignSignatures() || standard_signatures::hasSignatures(store))
         all.add(verify(store, options.standardPolicy));
     return all;
 }

@@ -134,17 +134,40 @@ TEST(Scanner, verifiesBothProfiles) {
     const auto change = [](Package& package) {
         opc::test::writeAll(package.getPart(PartName(u"/word/a.xml")), "<b/>");
     };
-    for (const bool isStandard : {false, true})
-        EXPECT_EQ(read(makePackage(0,
-                                   [&](Package& package, ZipPackage& archive) {
-                                       isStandard ? signStandard(package, archive)
-                                                  : signOwn(package, archive);
-                                       package.close(false);
-                                       package.open(OpenMode::ReadWrite);
-                                       change(package);
-                                   }))
-                      .state,
-                  State::Broken);
+    const auto remove = [](auto&& source) {
+        for (const auto& one : source.getRelationships())
+            if (one.getType().find(u"digital-signature") != std::u16string::npos)
+                source.deleteRelationship(one.getID());
+    };
+    const auto removeOrigin = [&](Package& package) { remove(package); };
+    const auto removeAll = [&](Package& package) {
+        remove(package);
+        remove(package.getPart(PartName(u"/_xmlsignatures/origin.sigs")));
+    };
+    const struct {
+        bool isStandard;
+        std::function<void(Package&)> change;
+        State state;
+        const char* reason;
+    } rows[] = {
+        {false, change, State::Broken, "\"holds\":false"},
+        {true, change, State::Broken, "was signed"},
+        {true, removeOrigin, State::Unproven, "the relationship isn't signed"},
+        {true, removeAll, State::Unproven,
+         "/_xmlsignatures/sig1.xml: It has the content type of a signature, and no relationship leads to it"},
+    };
+    for (const auto& row : rows) {
+        const ScannedSignatures found = read(makePackage(0, [&](Package& package, ZipPackage& archive) {
+            row.isStandard ? signStandard(package, archive) : signOwn(package, archive);
+            package.close(false);
+            package.open(OpenMode::ReadWrite);
+            row.change(package);
+        }));
+        EXPECT_EQ(found.state, row.state);
+        const std::string told = toJSON(found);
+        EXPECT_NE(told.find(row.reason), std::string::npos) << told;
+        EXPECT_EQ(told.find("has no signatures"), std::string::npos) << told;
+    }
 }
 
 TEST(Scanner, givesFailuresAsResults) {
