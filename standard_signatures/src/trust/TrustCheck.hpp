@@ -1,7 +1,7 @@
 #pragma once
 
 #include "document/SignatureDocument.hpp"
-#include "verification/WorkLeft.hpp"
+#include "document/WorkLeft.hpp"
 
 #include <opc/standard_signatures/Verification.hpp>
 

@@ -3,7 +3,7 @@
 #include "content/PackageContents.hpp"
 #include "coverage/SignedContents.hpp"
 #include "document/SignatureDocument.hpp"
-#include "verification/WorkLeft.hpp"
+#include "document/WorkLeft.hpp"
 
 #include <opc/standard_signatures/Verification.hpp>
 
