@@ -62,7 +62,9 @@ void AttributeCount::take(unsigned char character) {
         attributes = 0;
         place = character == '!' ? Within::Exclamation : character == '?' ? Within::Instruction : Within::Tag;
         break;
-    case Within::Exclamation: // otherwise a declaration of a document type
+    case Within::Exclamation:
+        if (character == 'D')
+            fail(DOCUMENT_TYPE);
         place = character == '-' ? Within::Dash : character == '[' ? Within::CData : Within::Tag;
         character = 0;
         break;
@@ -101,7 +103,7 @@ void AttributeCount::takeInTag(unsigned char character) {
         place = Within::Value;
     } else if (character == '>') {
         place = Within::Text;
-    } else if (character == '<') { // in the declaration of a document type
+    } else if (character == '<') {
         place = Within::Start;
     } else if (character == '=') {
         countAttribute();

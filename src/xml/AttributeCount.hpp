@@ -11,6 +11,8 @@ namespace opc::model {
 /// fall together in its table, and tells of them only then: a tag that is built for it takes quadratic time. So the comparisons
 /// that all tags with many attributes can take are counted, too.
 ///
+/// Refuses the declaration of a document type on the way, which Xerces doesn't name when it refuses it.
+///
 /// Looks for what ends tags, values, comments and the like, in every encoding where these characters are those of ASCII.
 class AttributeCount {
 public:
@@ -18,6 +20,8 @@ public:
     static constexpr char TOO_MANY[] = "XML content can not have more than 1000 attributes on an element";
     static constexpr char TOO_OFTEN_MANY[] =
         "XML content can not have more than 100 attributes on most of many elements";
+    static constexpr char DOCUMENT_TYPE[] =
+        "the document has a document type declaration, which isn't allowed";
 
     /// Whether it can count in a document that declares this encoding.
     static bool knows(const char16_t* encoding);

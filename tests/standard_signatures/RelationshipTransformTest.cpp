@@ -113,7 +113,8 @@ TEST(RelationshipTransform, refusesWhatCanBeUnderstoodInTwoWays) {
         {ROOT + element("b") + "</Relationships>", refusal + "A signed relationship is missing"},
         {ROOT + "<?p a?></Relationships>", refusal + "There is an instruction to programs in it"},
         {"<?xml version='1.1'?>" + ROOT + "</Relationships>", invalid + "The document isn't one of XML 1.0"},
-        {"<!DOCTYPE r>" + ROOT + "</Relationships>", invalid + "invalid document structure"},
+        {"<!DOCTYPE r>" + ROOT + "</Relationships>",
+         invalid + "the document has a document type declaration, which isn't allowed"},
         {ROOT + repeated("<Relationship Id='a' Type='' Target=''/>", 250001) + "</Relationships>",
          refusal + "There are more than 250000 relationships"},
     };

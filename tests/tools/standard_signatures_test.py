@@ -105,8 +105,10 @@ class StandardSignatures(OpctoolCase):
                 ('_rels/.rels', b'digital-signature/origin', b'x', 1, "sig1: partial: /#rIdOrigin: the relationship isn't signed"),
                 ('_xmlsignatures/_rels/origin.sigs.rels', b'digital-signature/signature', b'x', 1,
                  'No: /_xmlsignatures/sig1.xml: It has the content type of a signature, and no relationship leads to it'),
-                ('_xmlsignatures/sig1.xml', b'<Signature ', b'<!DOCTYPE a><Signature ', 1, 'sig1: broken: invalid document structure'),
-                (rels, b'<Relationships ', b'<!DOCTYPE a><Relationships ', 3, 'sig1: broken: /word/_rels/document.xml.rels: invalid document')):
+                ('_xmlsignatures/sig1.xml', b'<Signature ', b'<!DOCTYPE a><Signature ', 1,
+                 'sig1: broken: the document has a document type declaration'),
+                (rels, b'<Relationships ', b'<!DOCTYPE a><Relationships ', 3,
+                 'sig1: broken: /word/_rels/document.xml.rels: the document has a document type')):
             self.copy_fixture('letter.docx', 'p.docx')
             self.signer.sign(self.folder / 'p.docx')
             self.replace(item, old, new)
