@@ -151,6 +151,41 @@ TEST(StandardSigning, SignsWhatIsNamed) {
     }
 }
 
+/// What the content names before it is signed could show the signature.
+TEST(StandardSigning, TakesANameThatNothingWaitsFor) {
+    const auto waiting = [](const std::string& target) {
+        return "<Relationship Id='w' Type='u:t' Target='/_xmlsignatures/" + target + "/></Relationships>";
+    };
+    const struct {
+        std::u16string part;
+        std::string before, after, name; ///< empty: one that nobody knows before
+        std::string origin = "origin.sigs";
+    } cases[] = {
+        {u"/word/document.xml", "content", "sig1.xml", "sig1"},
+        {u"/_rels/.rels", "/officeDocument'", "/start'", ""},
+        {u"/word/_rels/document.xml.rels", "</Relationships>", waiting("SIG1.xml'"), "sig2"},
+        {u"/word/_rels/document.xml.rels", "</Relationships>", waiting("sig1.xml' TargetMode='External'"),
+         "sig2"},
+        {u"/word/_rels/document.xml.rels", "</Relationships>", waiting("origin.sigs'"), "sig1",
+         "origin1.sigs"},
+    };
+    for (const auto& one : cases) {
+        PlainSample sample;
+        removeOrigin(sample);
+        sample.replace(u"/word/styles.xml", "<styles/>", "<styles>sig1.xml sig2.xml</styles>");
+        sample.replace(one.part, one.before, one.after);
+        SigningOptions options;
+        options.time = std::chrono::system_clock::now();
+        const std::string name = sign(sample, signerOf(SignedSample::usualSigner()), options).name;
+        sign(sample, signerOf(SignedSample::usualSigner()), options); // nothing tells it from the first one
+        EXPECT_EQ(one.name.empty() ? name.substr(0, 3) : name, one.name.empty() ? "sig" : one.name);
+        const PackageVerification result = sample.verify();
+        EXPECT_TRUE(result.isYes()) << one.after << reasonsOf(result);
+        EXPECT_EQ(result.signatures.size(), 2U);
+        EXPECT_NE(toText(sample.store.partBytes(u"/_rels/.rels")).find(one.origin), std::string::npos);
+    }
+}
+
 /// The model writes the extension of a default content type in lower case.
 TEST(StandardSigning, SignsPartsWithCapitalsInTheirExtension) {
     PlainSample sample;

@@ -55,6 +55,9 @@ public:
 
     bool hasMainDocument() const;
 
+    /// Whether programs find its parts by relationships alone. Documents of other formats can name any part by its path.
+    bool isOfOfficeProgram() const;
+
     /// What other programs may take for something else. Only fixed pages may have pieces.
     std::vector<interfaces::MisnamedItem> misnamedItems() const;
 
@@ -96,7 +99,6 @@ private:
     void giveRoles();
     template <std::size_t Size>
     bool hasNothingBut(const std::string_view (&types)[Size]) const;
-    bool isOfOfficeProgram() const;
     bool isOfFixedPages() const;
     void findRepeated();
     void searchForExempt(PackageContents& contents) const;

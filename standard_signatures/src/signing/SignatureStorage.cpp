@@ -1,5 +1,6 @@
 #include "signing/SignatureStorage.hpp"
 
+#include "crypto/Digest.hpp"
 #include "names/PartNames.hpp"
 #include "names/SignatureParts.hpp"
 #include "signing/OtherSignatures.hpp"
@@ -8,8 +9,9 @@
 #include <opc/interfaces/IPhysicalPart.hpp>
 #include <opc/model/ContentType.hpp>
 #include <opc/model/Package.hpp>
-#include <opc/model/PartName.hpp>
 #include <opc/model/StandardPartInfo.hpp>
+
+#include <set>
 
 namespace opc::standard_signatures {
 
@@ -32,27 +34,62 @@ const StoredPart* relationshipsOf(const std::string& source, const PackageConten
     return contents.find(relationshipsNameOf(source));
 }
 
-/// The first name that no part has and no part is derived from: BASE1.END, BASE2.END …
-PartName findFreeName(const Package& package, const std::string& base, const std::string& end) {
-    for (unsigned number = 1;; ++number) {
-        PartName name(wide(std::string(base).append(std::to_string(number)).append(end)));
-        std::u16string existing;
-        if (!package.hasPart(name) && !package.isPartDerivedFromExistingPartName(name, existing))
-            return name;
+/// Tells which names a new part can have.
+class FreeNames {
+public:
+    FreeNames(const Package& package, const PackageMap& map) : package(package) {
+        for (const MappedRelationship& one : map.relationships())
+            if (one.target == nullptr && one.role != RelationshipRole::OfSignatures)
+                awaited.insert(partKeyOf(resolveTarget(*one.document->source, one.values->target)));
     }
+
+    /// Whether no part has it, no part is derived from it, and no relationship waits for it: then it would be content.
+    bool isFree(const PartName& name) const {
+        std::u16string existing;
+        return !package.hasPart(name) && !package.isPartDerivedFromExistingPartName(name, existing) &&
+               awaited.count(partKeyOf(toUDEString(name.toString()))) == 0;
+    }
+
+    /// The first one that is free: BASE1.END, BASE2.END …
+    PartName find(const std::string& base, const std::string& end) const {
+        for (unsigned number = 1;; ++number) {
+            PartName name(wide(std::string(base).append(std::to_string(number)).append(end)));
+            if (isFree(name))
+                return name;
+        }
+    }
+
+private:
+    const Package& package;
+    std::set<std::string> awaited; ///< keys
+};
+
+/// Makes a name one that can't stand in the package. Documents of other formats than those of office programs find parts by their
+/// path, so that a program could show a signature whose name stands in them.
+std::string unforeseenDigits(const std::string& document) {
+    constexpr std::size_t BYTES = 8; // more of a name isn't looked for
+    std::vector<unsigned char> digest =
+        digestOf(document, digestMethodOf(bedrock::crypto::DigestAlgorithm::SHA256));
+    digest.resize(BYTES);
+    std::string digits;
+    for (const unsigned char byte : digest)
+        digits += {"0123456789abcdef"[byte >> 4U], "0123456789abcdef"[byte & 15U]};
+    return digits;
 }
 
-/// In what folder the signatures of an origin lie, with a slash at its end.
-std::string folderOf(const PartName& origin) {
-    const std::string name = toUDEString(origin.toString());
+constexpr std::string_view FOLDER = "/_xmlsignatures/";
+
+/// The folder of a part, with a slash at its end.
+std::string folderOf(const PartName& part) {
+    const std::string name = toUDEString(part.toString());
     return name.substr(0, name.rfind('/') + 1);
 }
 
-PartName addOrigin(Package& package) {
-    PartName name(u"/_xmlsignatures/origin.sigs");
-    std::u16string existing;
-    if (package.hasPart(name) || package.isPartDerivedFromExistingPartName(name, existing))
-        name = findFreeName(package, "/_xmlsignatures/origin", ".sigs");
+PartName addOrigin(Package& package, const PackageMap& map) {
+    const FreeNames names(package, map);
+    PartName name(wide(FOLDER) + u"origin.sigs");
+    if (!names.isFree(name))
+        name = names.find(std::string(FOLDER) + "origin", ".sigs");
     package.createInternalRelationship(wide(ORIGIN_RELATIONSHIP), URI(name.toString()));
     package.createPart(name, model::ContentType(wide(ORIGIN_CONTENT_TYPE)), model::StandardPartInfo())
         .getOutputStream()
@@ -91,8 +128,10 @@ std::string addSignature(Package& package, const std::string& document, PackageC
         contents, map);
     if (known == nullptr)
         removeRelationshipsToNoOrigin(package, map);
-    const PartName origin = known == nullptr ? addOrigin(package) : nameOf(*known);
-    const PartName name = findFreeName(package, folderOf(origin) + "sig", ".xml");
+    const PartName origin = known == nullptr ? addOrigin(package, map) : nameOf(*known);
+    const std::string base =
+        folderOf(origin) + "sig" + (map.isOfOfficeProgram() ? std::string() : unforeseenDigits(document));
+    const PartName name = FreeNames(package, map).find(base, ".xml");
     package.getPart(origin).createInternalRelationship(wide(SIGNATURE_RELATIONSHIP), URI(name.toString()));
     write(
         package.createPart(name, model::ContentType(wide(SIGNATURE_CONTENT_TYPE)), model::StandardPartInfo()),
