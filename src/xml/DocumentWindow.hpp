@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/GrowingRoom.hpp"
 #include "xml/LongTags.hpp"
 
 #include <opc/core/InputStream.hpp>
@@ -8,16 +9,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 
 namespace opc::model {
 
 /// The bytes of a stream that are at hand: what was read and isn't done with.
 class DocumentWindow {
 public:
-    explicit DocumentWindow(InputStream& stream) : stream(stream), buffer(new unsigned char[capacity]) {
-        at = end = text(0);
-    }
+    explicit DocumentWindow(InputStream& stream) : stream(stream) { at = end = text(0); }
 
     const char* at; ///< the next byte; the owner moves it on
     const char* end;
@@ -34,33 +32,23 @@ public:
         const auto done = static_cast<std::size_t>(at - text(0));
         if (left > LONGEST_TAG || stream.isDone())
             return false;
-        if (left > capacity / 2)
-            grow(done, left);
+        if (left > buffer.size() / 2)
+            buffer.grow(2 * buffer.size(), buffer.data() + done, left);
         else
-            std::memmove(buffer.get(), buffer.get() + done, left);
+            std::memmove(buffer.data(), buffer.data() + done, left);
         offset += done;
-        const std::uint64_t got =
-            std::min<std::uint64_t>(stream.read(buffer.get() + left, capacity - left), capacity - left);
+        const std::size_t room = buffer.size() - left;
+        const std::uint64_t got = std::min<std::uint64_t>(stream.read(buffer.data() + left, room), room);
         at = text(0);
         end = text(left + static_cast<std::size_t>(got));
         return got != 0;
     }
 
 private:
-    static constexpr std::size_t FIRST_CAPACITY = 32768;
-
-    const char* text(std::size_t place) const { return reinterpret_cast<const char*>(buffer.get()) + place; }
-
-    void grow(std::size_t done, std::size_t left) {
-        std::unique_ptr<unsigned char[]> larger(new unsigned char[2 * capacity]);
-        std::memcpy(larger.get(), buffer.get() + done, left);
-        buffer = std::move(larger);
-        capacity *= 2;
-    }
+    const char* text(std::size_t place) const { return reinterpret_cast<const char*>(buffer.data()) + place; }
 
     InputStream& stream;
-    std::size_t capacity = FIRST_CAPACITY;
-    std::unique_ptr<unsigned char[]> buffer;
+    GrowingRoom<unsigned char, 32768> buffer;
     std::uint64_t offset = 0;
 };
 

@@ -1,7 +1,6 @@
 #include "xml/EventScanner.hpp"
 
 #include "xml/PlainCharacters.hpp"
-#include "xml/PlainDocument.hpp"
 
 #include <algorithm>
 
@@ -33,6 +32,14 @@ constexpr bool isPlainText(char c) {
 
 } // namespace
 
+EventScanner::EventScanner(InputStream& stream, XmlEvents& events) : window(stream), events(events) {
+    constexpr std::size_t USUAL_COUNT = 8;
+    openElements.reserve(USUAL_COUNT);
+    attributes.reserve(USUAL_COUNT);
+    declarations.reserve(USUAL_COUNT);
+    hidden.reserve(USUAL_COUNT);
+}
+
 bool EventScanner::scan() {
     if (!scanDeclaration())
         return false;
@@ -63,45 +70,43 @@ bool EventScanner::scanDeclaration() {
     if (!begins(window.at, window.end, "<?xml") || (window.end - window.at > 5 && !isSpace(window.at[5])))
         return true;
     const char* const end = find(window.at, std::min(window.end, window.at + LONGEST), "?>");
-    if (end == nullptr || !takeDeclaration({window.at + 5, static_cast<std::size_t>(end - window.at) - 5}))
+    if (end == nullptr || !takeDeclaration(window.at + 5, end))
         return false;
     window.at = end + 2;
     return true;
 }
 
-/// @param declaration  what stands between its name and its end
-bool EventScanner::takeDeclaration(std::string_view declaration) {
+/// @param p  behind its name
+bool EventScanner::takeDeclaration(const char* p, const char* declarationEnd) {
     const auto isBreak = [](char c) { return c == '\r' || c == '\n'; };
-    if (std::any_of(declaration.begin(), declaration.end(), isBreak)) // the parser doesn't count these lines
+    if (std::any_of(p, declarationEnd, isBreak)) // the parser doesn't count these lines
         return false;
-    PlainTexts texts;
-    const std::string tag = std::string(declaration) + "/>";
-    PlainReader reader(tag, texts);
-    PlainAttributes found;
-    bool isEmpty = false;
-    if (!reader.takeAttributes(found, isEmpty) || !reader.atEnd() || !texts.empty())
+    while (skipSpace(p) && p < declarationEnd)
+        if (takeAttribute(p) != Scanned::Taken)
+            return false;
+    if (p != declarationEnd || !declarations.empty())
         return false;
     std::string_view encoding;
     std::string_view last;
-    for (const PlainAttribute& attribute : found) {
-        const bool isRight =
-            attribute.name == "version" ? last.empty() && attribute.value == "1.0"
-            : attribute.name == "encoding"
-                ? last == "version" && (attribute.value == "UTF-8" || attribute.value == "utf-8")
-            : attribute.name == "standalone"
-                ? !last.empty() && (attribute.value == "yes" || attribute.value == "no")
-                : false;
-        if (!isRight)
+    for (const Attribute& attribute : attributes) {
+        const std::string_view name = attribute.name->text;
+        const std::string_view value = attribute.plain;
+        const bool isRight = name == "version" ? last.empty() && value == "1.0"
+                             : name == "encoding"
+                                 ? last == "version" && (value == "UTF-8" || value == "utf-8")
+                             : name == "standalone" ? !last.empty() && (value == "yes" || value == "no")
+                                                    : false;
+        if (!isRight || attribute.value.data() != nullptr)
             return false;
-        last = attribute.name;
-        if (attribute.name == "encoding")
-            encoding = attribute.value;
+        last = name;
+        if (name == "encoding")
+            encoding = value;
     }
     if (last.empty())
         return false;
     toldEvents.declaration = true;
     events.onVersion(u"1.0");
-    events.onDeclaration(widen(encoding));
+    events.onDeclaration(std::u16string(encoding.begin(), encoding.end()));
     return true;
 }
 

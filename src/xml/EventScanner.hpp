@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/DocumentWindow.hpp"
+#include "xml/GrowingRoom.hpp"
 #include "xml/ScannedNames.hpp"
 #include "xml/ScannedText.hpp"
 
@@ -9,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <forward_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,7 +29,7 @@ struct ToldEvents {
 class EventScanner {
 public:
     /// @param stream, events  must outlive this object
-    EventScanner(InputStream& stream, XmlEvents& events) : window(stream), events(events) {}
+    EventScanner(InputStream& stream, XmlEvents& events);
     EventScanner(const EventScanner&) = delete;
     EventScanner& operator=(const EventScanner&) = delete;
 
@@ -50,7 +50,7 @@ private:
     };
     struct Declaration {
         ScannedPrefix* prefix;
-        const std::u16string* namespaceURI;
+        std::u16string_view namespaceURI;
     };
     struct Open {
         const ScannedName* name;
@@ -58,7 +58,7 @@ private:
     };
 
     bool scanDeclaration();
-    bool takeDeclaration(std::string_view declaration);
+    bool takeDeclaration(const char* p, const char* declarationEnd);
     Scanned takeMarkup();
 
     Scanned takeStartTag();
@@ -66,7 +66,6 @@ private:
     Scanned takeValue(const char*& p, Attribute& attribute);
     Scanned takeOddValue(const char*& p, char quote, std::u16string& value);
     bool declare(const Attribute& attribute);
-    const std::u16string& keepNamespace(std::u16string&& uri);
     bool canStart(const ScannedName& name);
     void tellStart(const ScannedName& name, bool isEmpty);
     Scanned takeEndTag();
@@ -99,18 +98,16 @@ private:
     ScannedNames names;
     ScannedLines lines;
     std::vector<Open> openElements;
-    std::vector<ScannedPrefix*> declared;         ///< by the open elements
-    std::forward_list<std::u16string> namespaces; ///< all that were declared
-    std::size_t namespaceCount = 0;
-    std::size_t asides = 0; ///< comments and instructions
+    std::vector<Declaration> hidden; ///< what the declarations of the open elements have replaced
+    std::size_t asides = 0;          ///< comments and instructions
     bool hasRoot = false;
 
     std::vector<Attribute> attributes; ///< of the tag in hand
     std::vector<Declaration> declarations;
     std::vector<std::unique_ptr<std::u16string>> oddValues; ///< of the tag in hand: the first `oddValueCount`
     std::size_t oddValueCount = 0;
-    std::size_t plainSize = 0;     ///< of all plain values of the tag in hand
-    std::vector<char16_t> widened; ///< room for them
+    std::size_t plainSize = 0;           ///< of all plain values of the tag in hand
+    GrowingRoom<char16_t, 1024> widened; ///< for them
     std::size_t widenedSize = 0;
 
     std::array<char16_t, LONGEST_PIECE + 16> text; ///< that wasn't told yet

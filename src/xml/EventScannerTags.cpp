@@ -3,7 +3,6 @@
 #include "xml/PlainCharacters.hpp"
 
 #include <algorithm>
-#include <cstring>
 
 namespace opc::model {
 
@@ -26,7 +25,7 @@ bool isSameAttribute(const ScannedName& left, const ScannedName& right) {
     if (&left == &right)
         return true;
     return left.local == right.local && left.hasPrefix() && right.hasPrefix() &&
-           left.prefix->namespaceURI() == right.prefix->namespaceURI();
+           left.prefix->namespaceURI == right.prefix->namespaceURI;
 }
 
 } // namespace
@@ -36,7 +35,7 @@ class EventScanner::Element final : public XmlElement {
 public:
     Element(EventScanner& scanner, const ScannedName& name) : scanner(scanner), name(name) {}
 
-    std::u16string_view namespaceURI() const override { return name.prefix->namespaceURI(); }
+    std::u16string_view namespaceURI() const override { return name.prefix->namespaceURI; }
     std::u16string_view localName() const override { return name.local; }
     std::u16string_view prefix() const override { return name.prefix->name; }
     std::size_t attributeCount() const override { return scanner.attributes.size(); }
@@ -47,7 +46,7 @@ public:
     std::size_t declarationCount() const override { return scanner.declarations.size(); }
     XmlNamespaceDeclaration declaration(std::size_t index) const override {
         const Declaration& found = scanner.declarations.at(index);
-        return {found.prefix->name, *found.namespaceURI};
+        return {found.prefix->name, found.namespaceURI};
     }
     std::u16string_view valueOf(std::u16string_view namespaceURI,
                                 std::u16string_view localName) const override {
@@ -61,7 +60,7 @@ public:
 
 private:
     static std::u16string_view namespaceOf(const Attribute& attribute) {
-        return attribute.name->hasPrefix() ? attribute.name->prefix->namespaceURI() : std::u16string_view();
+        return attribute.name->hasPrefix() ? attribute.name->prefix->namespaceURI : std::u16string_view();
     }
 
     EventScanner& scanner;
@@ -169,31 +168,20 @@ bool EventScanner::declare(const Attribute& attribute) {
                                                 u"http://www.w3.org/2000/xmlns/"};
     const bool isDefault = !attribute.name->hasPrefix();
     const std::u16string_view prefix = isDefault ? std::u16string_view() : attribute.name->local;
-    std::u16string uri = attribute.value.data() != nullptr
-                             ? std::u16string(attribute.value)
-                             : std::u16string(attribute.plain.begin(), attribute.plain.end());
+    if (names.namespaceCount() >= MOST_NAMESPACES || hidden.size() + declarations.size() >= MOST_DECLARATIONS)
+        return false;
+    const std::u16string_view uri = attribute.value.data() != nullptr ? names.keepNamespace(attribute.value)
+                                                                      : names.keepNamespace(attribute.plain);
     const bool isReserved = prefix == XML_PREFIX || prefix == XMLNS ||
                             std::find(std::begin(RESERVED), std::end(RESERVED), uri) != std::end(RESERVED);
-    if (isReserved || (uri.empty() && !isDefault) || namespaceCount >= MOST_NAMESPACES ||
-        declared.size() + declarations.size() >= MOST_DECLARATIONS)
+    if (isReserved || (uri.empty() && !isDefault))
         return false;
     ScannedPrefix& known = names.prefix(prefix);
     for (const Declaration& other : declarations)
         if (other.prefix == &known)
             return false;
-    declarations.push_back({&known, &keepNamespace(std::move(uri))});
+    declarations.push_back({&known, uri});
     return true;
-}
-
-const std::u16string& EventScanner::keepNamespace(std::u16string&& uri) {
-    const auto known = std::find_if(namespaces.begin(), namespaces.end(), [&uri](const std::u16string& one) {
-        return one.size() == uri.size() && // and then as bytes, which is faster
-               std::memcmp(one.data(), uri.data(), uri.size() * sizeof(char16_t)) == 0;
-    });
-    if (known != namespaces.end())
-        return *known;
-    ++namespaceCount;
-    return namespaces.emplace_front(std::move(uri));
 }
 
 /// Whether an element with the attributes in hand can start here. Its declarations count from now on.
@@ -201,11 +189,11 @@ bool EventScanner::canStart(const ScannedName& name) {
     if ((openElements.empty() && hasRoot) || openElements.size() >= MOST_DEPTH)
         return false;
     for (const Declaration& declaration : declarations) {
-        declaration.prefix->namespaces.push_back(declaration.namespaceURI);
-        declared.push_back(declaration.prefix);
+        hidden.push_back({declaration.prefix, declaration.prefix->namespaceURI});
+        declaration.prefix->namespaceURI = declaration.namespaceURI;
     }
     const auto isDeclared = [](const ScannedName& any) {
-        return !any.hasPrefix() || (!any.prefix->namespaces.empty() && any.prefix->name != XML_PREFIX);
+        return !any.hasPrefix() || (any.prefix->isDeclared() && any.prefix->name != XML_PREFIX);
     };
     if (!isDeclared(name))
         return false;
@@ -226,7 +214,7 @@ void EventScanner::tellStart(const ScannedName& name, bool isEmpty) {
     const std::uint64_t offset = window.offsetOf(window.at);
     tellMarkup();
     if (widened.size() <= plainSize) // there must be room even for an empty one, whose view isn't one of null
-        widened.resize(2 * plainSize + 64);
+        widened.grow(2 * plainSize, nullptr, 0);
     events.onStart(Element(*this, name), {lines.line, lines.columnAt(offset)});
     if (isEmpty)
         tellEnd();
@@ -254,8 +242,8 @@ Scanned EventScanner::takeEndTag() {
 
 void EventScanner::tellEnd() {
     for (std::size_t i = 0; i < openElements.back().declarations; ++i) {
-        declared.back()->namespaces.pop_back();
-        declared.pop_back();
+        hidden.back().prefix->namespaceURI = hidden.back().namespaceURI;
+        hidden.pop_back();
     }
     openElements.pop_back();
     tellMarkup();

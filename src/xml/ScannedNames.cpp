@@ -11,7 +11,7 @@ namespace opc::model {
 
 namespace {
 
-const std::u16string XML_NAMESPACE = u"http://www.w3.org/XML/1998/namespace";
+constexpr std::u16string_view XML_NAMESPACE = u"http://www.w3.org/XML/1998/namespace";
 
 std::uint64_t loadEight(const char* text) {
     std::uint64_t loaded = 0;
@@ -36,8 +36,7 @@ bool canBegin(std::string_view part) {
 
 } // namespace
 
-ScannedNames::ScannedNames() {
-    prefix(u"xml").namespaces.push_back(&XML_NAMESPACE);
+ScannedNames::ScannedNames() : xml{u"xml", XML_NAMESPACE, nullptr} {
 }
 
 ScannedName* ScannedNames::find(std::string_view text) {
@@ -57,32 +56,60 @@ ScannedName* ScannedNames::find(std::string_view text) {
 }
 
 ScannedName* ScannedNames::add(std::string_view text) {
-    const std::size_t colon = text.find(':');
-    const std::size_t begin = colon == std::string_view::npos ? 0 : colon + 1;
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    const bool hasPrefix = colon != text.size();
+    const std::size_t begin = hasPrefix ? colon + 1 : 0;
     const bool isPlain = canBegin(text) && canBegin(text.substr(begin)) &&
-                         text.find(':', begin) == std::string_view::npos && count < MOST_NAMES;
+                         (!hasPrefix || text.find(':', begin) == std::string_view::npos) &&
+                         count < MOST_NAMES;
     if (!isPlain)
         return nullptr;
     auto* const plain = static_cast<char*>(memory.allocate(text.size(), 1));
     std::copy(text.begin(), text.end(), plain);
-    auto* const wide =
-        static_cast<char16_t*>(memory.allocate(text.size() * sizeof(char16_t), alignof(char16_t)));
-    std::copy(text.begin(), text.end(), wide);
-    const std::u16string_view whole(wide, text.size());
+    const std::u16string_view whole = keep(text);
     static_assert(std::is_trivially_destructible_v<ScannedName>);
     names[count++] = ::new (memory.allocate(sizeof(ScannedName), alignof(ScannedName))) ScannedName{
-        {plain, text.size()}, whole.substr(begin), &prefix(whole.substr(0, begin == 0 ? 0 : colon))};
+        {plain, text.size()}, whole.substr(begin), &prefix(whole.substr(0, hasPrefix ? colon : 0))};
     return names[count - 1];
 }
 
 ScannedPrefix& ScannedNames::prefix(std::u16string_view name) {
-    const auto found = std::find_if(prefixes.begin(), prefixes.end(),
-                                    [name](const ScannedPrefix& known) { return known.name == name; });
-    if (found != prefixes.end())
-        return *found;
-    ScannedPrefix& added = prefixes.emplace_front();
-    added.name = name;
-    return added;
+    for (ScannedPrefix* known = prefixes; known != nullptr; known = known->next)
+        if (known->name == name)
+            return *known;
+    static_assert(std::is_trivially_destructible_v<ScannedPrefix>);
+    prefixes = ::new (memory.allocate(sizeof(ScannedPrefix), alignof(ScannedPrefix)))
+        ScannedPrefix{name, {}, prefixes};
+    return *prefixes;
 }
+
+template <typename Text>
+std::u16string_view ScannedNames::keep(Text text) {
+    auto* const kept =
+        static_cast<char16_t*>(memory.allocate(text.size() * sizeof(char16_t), alignof(char16_t)));
+    std::transform(text.begin(), text.end(), kept, [](auto c) { return static_cast<char16_t>(c); });
+    return {kept, text.size()};
+}
+
+template <typename Text>
+std::u16string_view ScannedNames::keepNamespace(Text uri) {
+    const auto isSame = [uri](std::u16string_view known) {
+        unsigned difference = 0;
+        for (std::size_t i = 0; i < uri.size(); ++i) // without a branch, for vector instructions
+            difference |= static_cast<unsigned>(known[i]) ^ static_cast<unsigned>(uri[i]);
+        return difference == 0;
+    };
+    for (const Namespace* known = namespaces; known != nullptr; known = known->next)
+        if (known->uri.size() == uri.size() && isSame(known->uri))
+            return known->uri;
+    static_assert(std::is_trivially_destructible_v<Namespace>);
+    namespaces =
+        ::new (memory.allocate(sizeof(Namespace), alignof(Namespace))) Namespace{keep(uri), namespaces};
+    ++keptNamespaces;
+    return namespaces->uri;
+}
+
+template std::u16string_view ScannedNames::keepNamespace(std::string_view);
+template std::u16string_view ScannedNames::keepNamespace(std::u16string_view);
 
 } // namespace opc::model

@@ -61,12 +61,40 @@ TEST(XmlEvents, areThoseOfTheParserWhateverTheForm) {
 TEST(XmlEvents, areThoseOfTheParserInDocumentsBeyondOneBuffer) {
     const std::string filler(40000, 'x');
     const std::string whole = "<r a='" + filler + "&amp;" + filler + "'>" + filler + "\xC3\xA4" + filler +
-                              "<!--" + filler + "--><![CDATA[" + filler + filler + "]]><b " +
-                              std::string(70000, ' ') + "/>" + repeated("<c d='e'>f</c>", 20000) + "</r>" +
-                              std::string(70000, '\n');
+                              "<!--" + filler + "--><![CDATA[" + filler + filler + "]]><b c='" + filler +
+                              "' " + std::string(70000, ' ') + "/>" + repeated("<c d='e'>f</c>", 20000) +
+                              "</r>" + std::string(70000, '\n');
     EXPECT_TRUE(isScanned(toBytes(whole)));
     EXPECT_EQ(findEventDifference(toBytes(whole), 30011), "");
     EXPECT_EQ(findEventDifference(toBytes(whole + "<r/>")), ""); // fails when all was told
+}
+
+TEST(XmlEvents, areThoseOfTheParserForEachDeclaration) {
+    const struct {
+        std::string declaration;
+        bool isUsual;
+    } cases[] = {
+        {"<?xml version='1.0'?>", true},
+        {"<?xml  version = \"1.0\"\tencoding='UTF-8' standalone='no' ?>", true},
+        {"<?xml version='1.0' standalone='yes'?>", true},
+        {"<?xml version='1.0' standalone='maybe'?>", false},
+        {"<?xml version='1.0'encoding='UTF-8'?>", false},
+        {"<?xml version='1.0' encoding='UTF-8' encoding='UTF-8'?>", false},
+        {"<?xml version='1.0' standalone='yes' encoding='UTF-8'?>", false},
+        {"<?xml encoding='UTF-8' version='1.0'?>", false},
+        {"<?xml version='1.0' xmlns='UTF-8'?>", false},
+        {"<?xml version='1.0' encoding='UTF&#45;8'?>", false},
+        {"<?xml version='1.0' encoding='?>'?>", false},
+        {"<?xml version='1.0'\n?>", false},
+        {"<?xml version='1.1'?>", false},
+        {"<?xml ?>", false},
+        {"<?xml version='1.0' x?>", false},
+    };
+    for (const auto& [declaration, isUsual] : cases) {
+        const Bytes document = toBytes(declaration + "<a b='c'/>");
+        EXPECT_EQ(isScanned(document), isUsual) << declaration;
+        EXPECT_EQ(findEventDifference(document), "") << declaration;
+    }
 }
 
 TEST(XmlEvents, nameWhatIsWrongAndWhere) {
