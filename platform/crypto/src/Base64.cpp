@@ -16,8 +16,10 @@ constexpr unsigned char Blank = 64;
 constexpr unsigned char Padding = 65;
 constexpr unsigned char Foreign = 66;
 
-constexpr std::array<unsigned char, 128> makeMeanings() {
-    std::array<unsigned char, 128> meanings{};
+using Meanings = std::array<unsigned char, 256>;
+
+constexpr Meanings makeMeanings() {
+    Meanings meanings{};
     for (unsigned char& meaning : meanings)
         meaning = Foreign;
     for (unsigned char value = 0; value < 64; ++value)
@@ -28,22 +30,25 @@ constexpr std::array<unsigned char, 128> makeMeanings() {
     return meanings;
 }
 
-constexpr std::array<unsigned char, 128> Meanings = makeMeanings();
+constexpr Meanings MEANINGS = makeMeanings();
 
-/// @param unit  of UTF-16, or a byte
+unsigned char meaningOf(char unit) {
+    return MEANINGS[static_cast<unsigned char>(unit)];
+}
+
 unsigned char meaningOf(char16_t unit) {
-    return unit < Meanings.size() ? Meanings[unit] : Foreign;
+    return unit < MEANINGS.size() ? MEANINGS[unit] : Foreign;
 }
 
 /// Decodes four digits.
 /// @return whether these are digits and nothing else
 template <typename Unit>
 bool decodeGroup(const Unit* units, unsigned char* target) {
-    const unsigned first = meaningOf(static_cast<char16_t>(units[0]));
-    const unsigned second = meaningOf(static_cast<char16_t>(units[1]));
-    const unsigned third = meaningOf(static_cast<char16_t>(units[2]));
-    const unsigned fourth = meaningOf(static_cast<char16_t>(units[3]));
-    if ((first | second | third | fourth) >= Blank)
+    const unsigned first = meaningOf(units[0]);
+    const unsigned second = meaningOf(units[1]);
+    const unsigned third = meaningOf(units[2]);
+    const unsigned fourth = meaningOf(units[3]);
+    if ((first | second | third | fourth) >= Blank) // other meanings have a bit that digits don't have
         return false;
     target[0] = static_cast<unsigned char>(first << 2 | second >> 4);
     target[1] = static_cast<unsigned char>(second << 4 | third >> 2);
@@ -65,7 +70,7 @@ std::vector<unsigned char> decode(Text text) {
             count += 3;
         }
         const auto unit = text[i];
-        const unsigned char meaning = meaningOf(static_cast<char16_t>(unit));
+        const unsigned char meaning = meaningOf(unit);
         if (meaning == Blank)
             continue;
         if (meaning == Foreign)

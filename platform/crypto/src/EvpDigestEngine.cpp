@@ -57,14 +57,12 @@ EvpDigestEngine::EvpDigestEngine(DigestAlgorithm algorithm) : algorithm(algorith
 }
 
 std::vector<unsigned char> EvpDigestEngine::computeDigest(const std::vector<unsigned char>& bytes) {
-    const openssl::ErrorScope scope;
     start();
     update(bytes.data(), bytes.size());
     return finish();
 }
 
 std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) {
-    const openssl::ErrorScope scope;
     if (stream.fail())
         throw utils::CouldNotComputeDigest("The stream to digest has failed.");
     start();
@@ -84,6 +82,7 @@ std::vector<unsigned char> EvpDigestEngine::computeDigest(std::istream& stream) 
 }
 
 void EvpDigestEngine::start() {
+    const openssl::ErrorScope scope;
     if (!EVP_DigestInit_ex2(context.get(), digest.get(), nullptr))
         openssl::fail<utils::CouldNotComputeDigest>("A digest can't be started.");
 }

@@ -19,12 +19,12 @@ public:
     DigestAlgorithm getAlgorithm() const override { return algorithm; }
     std::vector<unsigned char> computeDigest(const std::vector<unsigned char>& bytes) override;
     std::vector<unsigned char> computeDigest(std::istream& stream) override;
+    void start() override;
+    void update(const void* bytes, std::size_t count) override;
+    std::vector<unsigned char> finish() override;
 
 private:
-    void start();
     void updateInBlocks(std::streambuf& source);
-    void update(const void* bytes, std::size_t count);
-    std::vector<unsigned char> finish();
 
     DigestAlgorithm algorithm;
     openssl::MdPtr digest;

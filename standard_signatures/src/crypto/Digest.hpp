@@ -8,7 +8,7 @@
 
 #include <map>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace opc::standard_signatures {
@@ -20,16 +20,16 @@ public:
     /// @throws the exceptions of the stream
     std::vector<unsigned char> of(InputStream& stream, const DigestMethod& method);
 
-    std::vector<unsigned char> of(const std::string& octets, const DigestMethod& method);
+    std::vector<unsigned char> of(std::string_view octets, const DigestMethod& method);
 
 private:
     bedrock::crypto::DigestEngine& engineOf(const DigestMethod& method);
 
     std::map<const DigestMethod*, std::shared_ptr<bedrock::crypto::DigestEngine>> engines;
-    std::unique_ptr<char[]> block; ///< of a stream
+    std::unique_ptr<unsigned char[]> block; ///< of a stream
 };
 
 /// A single digest.
-std::vector<unsigned char> digestOf(const std::string& octets, const DigestMethod& method);
+std::vector<unsigned char> digestOf(std::string_view octets, const DigestMethod& method);
 
 } // namespace opc::standard_signatures

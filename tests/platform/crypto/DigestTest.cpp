@@ -84,6 +84,18 @@ TEST(Digest, isThatOfTheStandardsAndOfTheCommandLine) {
     }
 }
 
+TEST(Digest, piecesAreDigestedAsTheyCome) {
+    const auto digests = makeEngine().createSHA256DigestEngine();
+    const auto expected = digests->computeDigest(bytesOf("abc"));
+    digests->start();
+    digests->update("xyz", 3); // given up
+    digests->start();
+    for (const char* const piece : {"a", "", "bc"})
+        digests->update(piece, std::strlen(piece));
+    EXPECT_EQ(digests->finish(), expected);
+    EXPECT_EQ(digests->computeDigest(bytesOf("abc")), expected);
+}
+
 TEST(Digest, streamIsReadFromItsPosition) {
     const auto digests = makeEngine().createSHA256DigestEngine();
     std::istringstream stream("xyzabc");

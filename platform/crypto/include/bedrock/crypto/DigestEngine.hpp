@@ -2,6 +2,7 @@
 
 #include <bedrock/crypto/Export.hpp>
 
+#include <cstddef>
 #include <iosfwd>
 #include <vector>
 
@@ -9,7 +10,7 @@ namespace bedrock::crypto {
 
 enum class DigestAlgorithm { MD5, SHA1, SHA224, SHA256, SHA384, SHA512 };
 
-/// Computes digests with one algorithm. Each call computes a new digest.
+/// Computes digests with one algorithm, each in one call, or of pieces as they come.
 ///
 /// Use an engine from one thread at a time. It doesn't depend on the `CryptoEngine` that made it.
 class BEDROCK_CRYPTO_EXPORT DigestEngine {
@@ -25,6 +26,18 @@ public:
     /// `eofbit`. Exceptions of the buffer pass unchanged.
     /// @throws utils::CouldNotComputeDigest  the digest can't be computed, or the stream has failed already
     virtual std::vector<unsigned char> computeDigest(std::istream& stream) = 0;
+
+    /// Begins a digest of pieces. One that was begun before is given up, as it is by `computeDigest`.
+    /// @throws utils::CouldNotComputeDigest
+    virtual void start() = 0;
+
+    /// Adds a piece to the digest that was begun.
+    /// @throws utils::CouldNotComputeDigest
+    virtual void update(const void* bytes, std::size_t count) = 0;
+
+    /// Ends the digest that was begun.
+    /// @throws utils::CouldNotComputeDigest
+    virtual std::vector<unsigned char> finish() = 0;
 
 protected:
     DigestEngine() = default;
