@@ -1,12 +1,12 @@
 #include "canonical/CanonicalXml.hpp"
 
 #include "canonical/BaseURI.hpp"
+#include "canonical/CanonicalText.hpp"
 #include "reason/Refusal.hpp"
 
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <map>
 #include <optional>
@@ -29,60 +29,6 @@ void throwIfRelative(std::string_view namespaceURI) {
     const std::size_t place = namespaceURI.find_first_of(":/?#");
     if (!namespaceURI.empty() && (place == std::string_view::npos || namespaceURI[place] != ':'))
         throw model::InvalidXMLDocument("A namespace is a relative reference, which has no canonical form");
-}
-
-/// Which bytes a text can't have as they are.
-using Specials = std::array<bool, 256>;
-
-constexpr Specials specialsOf(std::string_view characters) {
-    Specials all{};
-    for (const char c : characters)
-        all[static_cast<unsigned char>(c)] = true;
-    return all;
-}
-
-constexpr Specials TEXT_SPECIALS = specialsOf("&<>\r");
-constexpr Specials ATTRIBUTE_SPECIALS = specialsOf("&<\"\t\n\r");
-
-void append(std::string& text, std::string_view value, const Specials& specials) {
-    const auto isSpecial = [&specials](char c) { return specials[static_cast<unsigned char>(c)]; };
-    for (;;) {
-        const auto place =
-            static_cast<std::size_t>(std::find_if(value.begin(), value.end(), isSpecial) - value.begin());
-        text.append(value.substr(0, place));
-        if (place == value.size())
-            return;
-        switch (value[place]) {
-        case '&':
-            text += "&amp;";
-            break;
-        case '<':
-            text += "&lt;";
-            break;
-        case '>':
-            text += "&gt;";
-            break;
-        case '"':
-            text += "&quot;";
-            break;
-        case '\t':
-            text += "&#x9;";
-            break;
-        case '\n':
-            text += "&#xA;";
-            break;
-        default:
-            text += "&#xD;";
-        }
-        value.remove_prefix(place + 1);
-    }
-}
-
-void appendName(std::string& text, std::string_view prefix, std::string_view name) {
-    text.append(prefix);
-    if (!prefix.empty())
-        text += ':';
-    text.append(name);
 }
 
 /// Which namespace each prefix has in what was written, at the element that is written now.
@@ -115,10 +61,7 @@ private:
 class Canonicalizer {
 public:
     Canonicalizer(const XmlTreeNode& apex, const CanonicalForm& form, std::uint64_t& work)
-        : apex(apex), form(form), work(work) {
-        constexpr std::size_t USUAL_SIZE = 4096;
-        text.reserve(USUAL_SIZE);
-    }
+        : apex(apex), form(form), work(work) {}
 
     std::string run() {
         for (const XmlTreeNode* around = apex.parent; around != nullptr; around = around->parent)
@@ -126,7 +69,7 @@ public:
         for (const XmlTreeNode* node = &apex; node != nullptr; node = next(*node))
             begin(*node);
         spendOnText();
-        return std::move(text);
+        return text.take();
     }
 
 private:
@@ -172,49 +115,58 @@ private:
             beginElement(node);
             break;
         case NodeKind::Text:
-            append(text, node.text, TEXT_SPECIALS);
+            text.putText(node.text);
             break;
         case NodeKind::Comment:
-            if (form.withComments)
-                text.append("<!--").append(node.text).append("-->");
+            if (form.withComments) {
+                text.put("<!--");
+                text.put(node.text);
+                text.put("-->");
+            }
             break;
         case NodeKind::Instruction:
-            text.append("<?").append(node.name);
+            text.put("<?");
+            text.put(node.name);
             if (!node.text.empty())
-                text.append(" ").append(node.text);
-            text.append("?>");
+                text.put(' ');
+            text.put(node.text);
+            text.put("?>");
         }
     }
 
     void beginElement(const XmlTreeNode& element) {
-        text += '<';
-        appendName(text, element.prefix, element.name);
+        text.put('<');
+        text.putName(element.prefix, element.name);
         written.open();
         for (const auto& [prefix, namespaceURI] : declarationsFor(element)) {
             if (written.of(prefix) == namespaceURI)
                 continue;
             throwIfRelative(namespaceURI);
             written.write(prefix, namespaceURI);
-            text.append(prefix.empty() ? " xmlns" : " xmlns:").append(prefix).append("=\"");
-            appendAttributeValue(text, namespaceURI);
-            text += '"';
+            text.put(prefix.empty() ? " xmlns" : " xmlns:");
+            text.put(prefix);
+            putValue(namespaceURI);
         }
         std::string base;
         collectAttributes(element, base);
         for (const auto& [namespaceURI, name, prefix, value] : attributes) {
-            text += ' ';
-            appendName(text, prefix, name);
-            text += "=\"";
-            appendAttributeValue(text, value);
-            text += '"';
+            text.put(' ');
+            text.putName(prefix, name);
+            putValue(value);
         }
-        text += '>';
+        text.put('>');
+    }
+
+    void putValue(std::string_view value) {
+        text.put("=\"");
+        text.putValue(value);
+        text.put('"');
     }
 
     void end(const XmlTreeNode& element) {
-        text += "</";
-        appendName(text, element.prefix, element.name);
-        text += '>';
+        text.put("</");
+        text.putName(element.prefix, element.name);
+        text.put('>');
         written.close();
     }
 
@@ -295,7 +247,7 @@ private:
     std::uint64_t& work; ///< that is left
     WrittenNamespaces written;
     std::vector<Attribute> attributes; ///< of the element that is written; their memory is used again
-    std::string text;
+    CanonicalText text;
     std::size_t paidBytes = 0; ///< of the text
 };
 
@@ -308,10 +260,6 @@ std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form) 
 
 std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form, std::uint64_t& work) {
     return Canonicalizer(element, form, work).run();
-}
-
-void appendAttributeValue(std::string& text, std::string_view value) {
-    append(text, value, ATTRIBUTE_SPECIALS);
 }
 
 } // namespace opc::standard_signatures

@@ -39,7 +39,4 @@ std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form =
 /// @throws Refusal  with `BeyondLimit`: nothing is left
 std::string canonicalize(const XmlTreeNode& element, const CanonicalForm& form, std::uint64_t& work);
 
-/// What the canonical form writes for the value of an attribute.
-void appendAttributeValue(std::string& text, std::string_view value);
-
 } // namespace opc::standard_signatures

@@ -1,6 +1,6 @@
 #include "signing/SignatureText.hpp"
 
-#include "canonical/CanonicalXml.hpp"
+#include "canonical/CanonicalText.hpp"
 
 #include <bedrock/crypto/utils/Base64.hpp>
 #include <opc/core/Text.hpp>
@@ -8,31 +8,15 @@
 namespace opc::standard_signatures {
 
 std::string escapedAttribute(std::string_view value) {
-    std::string escaped;
-    appendAttributeValue(escaped, value);
-    return escaped;
+    CanonicalText escaped(value.size());
+    escaped.putValue(value);
+    return escaped.take();
 }
 
 std::string escapedText(std::string_view text) {
-    std::string escaped;
-    for (const char c : text)
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '\r':
-            escaped += "&#xD;";
-            break;
-        default:
-            escaped += c;
-        }
-    return escaped;
+    CanonicalText escaped(text.size());
+    escaped.putText(text);
+    return escaped.take();
 }
 
 std::string base64Of(const std::vector<unsigned char>& bytes) {

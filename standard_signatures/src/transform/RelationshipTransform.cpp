@@ -1,6 +1,6 @@
 #include "transform/RelationshipTransform.hpp"
 
-#include "canonical/CanonicalXml.hpp"
+#include "canonical/CanonicalText.hpp"
 #include "reason/Refusal.hpp"
 #include "transform/RelationshipsNamespace.hpp"
 
@@ -22,17 +22,22 @@ std::vector<const RelationshipValues*> select(const RelationshipsDocument& docum
 }
 
 std::string canonicalize(const std::vector<const RelationshipValues*>& selected) {
-    std::string text = "<Relationships xmlns=\"" + std::string(RELATIONSHIPS_NAMESPACE) + "\">";
+    CanonicalText text;
+    const auto put = [&text](std::string_view name, std::string_view value) {
+        text.put(name);
+        text.putValue(value);
+    };
+    put("<Relationships xmlns=\"", RELATIONSHIPS_NAMESPACE);
+    text.put("\">");
     for (const RelationshipValues* const one : selected) {
-        text += "<Relationship Id=\"";
-        appendAttributeValue(text, one->id);
-        text += "\" Target=\"";
-        appendAttributeValue(text, one->target);
-        text += one->isExternal ? "\" TargetMode=\"External\" Type=\"" : "\" TargetMode=\"Internal\" Type=\"";
-        appendAttributeValue(text, one->type);
-        text += "\"></Relationship>";
+        put("<Relationship Id=\"", one->id);
+        put("\" Target=\"", one->target);
+        text.put(one->isExternal ? "\" TargetMode=\"External" : "\" TargetMode=\"Internal");
+        put("\" Type=\"", one->type);
+        text.put("\"></Relationship>");
     }
-    return text + "</Relationships>";
+    text.put("</Relationships>");
+    return text.take();
 }
 
 } // namespace opc::standard_signatures
