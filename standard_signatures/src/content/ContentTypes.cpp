@@ -65,11 +65,12 @@ private:
         const std::u16string_view type = element.valueOf({}, u"ContentType");
         if (element.attributeCount() != 2 || key.data() == nullptr || type.data() == nullptr)
             refuseTypes("An entry of the content types has other attributes than it must");
-        const std::string written = narrow(key);
-        const std::string name = partKeyOf(written);
-        Entry entry{decodePartName(written), narrow(type)};
-        if (!(isDefault ? types.defaults : types.overrides).emplace(name, std::move(entry)).second)
-            refuseTypes("Two content types are given for " + name);
+        std::string written = narrow(key);
+        const auto [place, isNew] =
+            (isDefault ? types.defaults : types.overrides).try_emplace(partKeyOf(written));
+        if (!isNew)
+            refuseTypes("Two content types are given for " + place->first);
+        place->second = {decodePartName(std::move(written)), narrow(type)};
     }
 
     ContentTypes& types;

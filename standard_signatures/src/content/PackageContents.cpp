@@ -165,7 +165,7 @@ void PackageContents::readContentTypes() {
 }
 
 const StoredPart* PackageContents::find(std::string_view name) const {
-    const auto found = byKey.find(partKeyOf(name));
+    const auto found = byKey.find(isPartKey(name) ? name : partKeyOf(name));
     return found == byKey.end() ? nullptr : &all[found->second];
 }
 

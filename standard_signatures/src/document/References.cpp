@@ -99,7 +99,7 @@ void readPartURI(PartReference& reference) {
     constexpr std::string_view QUERY = "?ContentType=";
     const std::string_view uri = reference.uri;
     const std::size_t query = std::min(uri.find('?'), uri.size());
-    std::string name = decodePartName(uri.substr(0, query));
+    std::string name = decodePartName(std::string(uri.substr(0, query)));
     if (uri.find('#') != std::string_view::npos || !isAbsolutePartName(name))
         throw Refusal(Code::BadReference, reference.uri, "The reference doesn't lead to a part");
     reference.partName = std::move(name);

@@ -57,7 +57,9 @@ std::string decodePercent(std::string_view text) {
     return decode(text, [](char) { return true; });
 }
 
-std::string decodePartName(std::string_view name) {
+std::string decodePartName(std::string name) {
+    if (name.find('%') == std::string::npos)
+        return name;
     const auto mustBeEncoded = [](char c) {
         return static_cast<unsigned char>(c) >= 0x80 ||
                std::string_view(" \"<>[]^`{|}").find(c) != std::string_view::npos;
@@ -69,6 +71,13 @@ std::string partKeyOf(std::string_view name) {
     std::string key = decode(name, [](char c) { return !isUnreserved(c) && c != '/' && c != '\\'; });
     lower(key);
     return key;
+}
+
+bool isPartKey(std::string_view name) {
+    unsigned char changed = 0;
+    for (const char c : name) // without a branch, for vector instructions
+        changed = static_cast<unsigned char>(changed | (c == '%') | ((c >= 'A') & (c <= 'Z')));
+    return changed == 0;
 }
 
 bool isPlainPartName(std::string_view name) {
@@ -109,12 +118,18 @@ bool isAbsolutePartName(std::string_view name) {
 }
 
 std::string resolveTarget(std::string_view source, std::string_view target) {
-    std::string path = decodePercent(target.substr(0, std::min(target.find('?'), target.find('#'))));
-    std::replace(path.begin(), path.end(), '\\', '/');
-    if (path.empty())
+    target = target.substr(0, std::min(target.find('?'), target.find('#')));
+    std::string decoded;
+    if (target.find('%') != std::string_view::npos)
+        target = decoded = decodePercent(target);
+    if (target.empty())
         return std::string(source);
-    if (path.front() != '/')
-        path.insert(0, source.substr(0, source.rfind('/') + 1));
+    const bool isRelative = target.front() != '/' && target.front() != '\\';
+    const std::string_view folder = isRelative ? source.substr(0, source.rfind('/') + 1) : std::string_view();
+    std::string path;
+    path.reserve(folder.size() + target.size());
+    path.append(folder).append(target);
+    std::replace(path.begin() + static_cast<std::ptrdiff_t>(folder.size()), path.end(), '\\', '/');
     const std::string_view whole = path;
     if (whole.find("//") == std::string_view::npos && whole.find("/.") == std::string_view::npos &&
         whole.back() != '/') // nothing to resolve

@@ -18,11 +18,14 @@ std::string decodePercent(std::string_view text);
 
 /// The same for the name of a part as it is written, where it resolves only what a name can't have as it is. What is encoded
 /// nevertheless, or with digits in lower case, stays: for programs that compare names as they are written, it is another name.
-std::string decodePartName(std::string_view name);
+std::string decodePartName(std::string name);
 
 /// What the names of parts have in common that some programs take for the same: without regard to the case of ASCII letters
 /// and to what is encoded, but for a slash, a backslash and what must not be encoded [M1.7] [M1.8].
 std::string partKeyOf(std::string_view name);
+
+/// Whether `partKeyOf` leaves a name as it is, as it does most names.
+bool isPartKey(std::string_view name);
 
 /// Whether everybody reads the same name of a part from this: it begins with a slash, no segment is empty or ends with a dot,
 /// and no character has a meaning of its own in a URI or a path of a system.

@@ -61,10 +61,10 @@ private:
 
     /// Whether nothing changes when white space is collapsed, as schemas do.
     static bool isCollapsed(std::u16string_view value) {
-        bool hasSpace = false;
+        char16_t all = 0;
         for (const char16_t c : value) // without a branch, for vector instructions
-            hasSpace |= c <= u' ';
-        if (!hasSpace)
+            all = static_cast<char16_t>(all | (c - u'!'));
+        if (all < 0x8000) // only white space, control characters and some rare ones set the highest bit
             return true;
         bool isBehindSpace = true;
         for (const char16_t c : value) {
