@@ -96,4 +96,16 @@ TEST(NameSearch, findsWhatIsInTheDecodedText) {
     EXPECT_GT(found, 1000);
 }
 
+/// A content that is made for it takes long.
+TEST(NameSearch, endsAtItsBound) {
+    const std::string content = std::string(500, '&') + "core.xml" + std::string(500, ' ');
+    for (const std::uint64_t most : {500U, 520U}) {
+        NameSearch search({"/core.xml", "/sig1.xml"}, most);
+        search.begin();
+        search.look(reinterpret_cast<const unsigned char*>(content.data()), content.size());
+        EXPECT_TRUE(search.isFound(0));
+        EXPECT_EQ(search.isFound(1), most == 500) << most; // nobody knows
+    }
+}
+
 } // namespace

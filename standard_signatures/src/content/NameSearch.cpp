@@ -26,7 +26,8 @@ bool isPassedOver(unsigned char c) {
 
 } // namespace
 
-NameSearch::NameSearch(const std::vector<std::string_view>& keys) {
+NameSearch::NameSearch(const std::vector<std::string_view>& keys, std::uint64_t mostWork)
+    : workLeft(mostWork) {
     std::size_t used = BITS;
     for (const std::string_view key : keys) {
         if (ends.size() == MOST)
@@ -67,11 +68,13 @@ void NameSearch::begin() {
 
 void NameSearch::look(const unsigned char* bytes, std::size_t count) {
     const unsigned char* const end = bytes + count;
-    while (bytes != end) {
+    while (bytes != end && workLeft != 0) {
         if (isIdle)
             bytes = skip(bytes, end);
-        if (bytes != end)
-            readByte(*bytes++);
+        if (bytes == end)
+            return;
+        readByte(*bytes++);
+        workLeft -= std::min<std::uint64_t>(workLeft, groups.size());
     }
 }
 
@@ -96,7 +99,7 @@ const unsigned char* NameSearch::skip(const unsigned char* bytes, const unsigned
 }
 
 bool NameSearch::isFound(std::size_t index) const {
-    return index >= ends.size() || (groups[ends[index].group].found & ends[index].last) != 0;
+    return workLeft == 0 || index >= ends.size() || (groups[ends[index].group].found & ends[index].last) != 0;
 }
 
 void NameSearch::readByte(unsigned char byte) {

@@ -13,8 +13,9 @@ namespace opc::standard_signatures {
 /// percent-encoded, as character references, and with white space or markup in between.
 class NameSearch {
 public:
-    /// @param keys  plain names in lower case. What is beyond `MOST` counts as found
-    explicit NameSearch(const std::vector<std::string_view>& keys);
+    /// @param keys      plain names in lower case. What is beyond `MOST` counts as found
+    /// @param mostWork  bytes that begin or continue something, once for each 64 places of names. Behind them all count as found
+    explicit NameSearch(const std::vector<std::string_view>& keys, std::uint64_t mostWork = 1U << 29U);
 
     static constexpr std::size_t MOST = 50;
 
@@ -59,7 +60,8 @@ private:
     void compare(unsigned char c);
 
     std::vector<Group> groups;
-    std::vector<Place> ends;                    ///< by name
+    std::vector<Place> ends; ///< by name
+    std::uint64_t workLeft;
     static constexpr unsigned char SPECIAL = 1; ///< can begin something else than a segment
     static constexpr unsigned char FIRST = 2;   ///< of a segment
     std::array<unsigned char, 256> begins{};    ///< by byte: SPECIAL, FIRST, or 0

@@ -267,6 +267,12 @@ Digester& PackageContents::digester() {
     return known->digester;
 }
 
+/// By whatever method.
+bool PackageContents::isDigested(const StoredPart& part) const {
+    const auto first = known->digests.lower_bound({&part, nullptr});
+    return first != known->digests.end() && first->first.first == &part;
+}
+
 const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part,
                                                           const DigestMethod& method) {
     const std::pair key{&part, &method};
@@ -276,7 +282,7 @@ const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part
     Outcome<std::vector<unsigned char>> outcome;
     try {
         std::unique_ptr<InputStream> content = open(part);
-        if (known->search && !part.source)
+        if (known->search && !part.source && !isDigested(part))
             content = std::make_unique<SearchedContent>(std::move(content), *known->search);
         outcome = known->digester.of(*content, method);
     } catch (const Exception& failure) {

@@ -97,6 +97,7 @@ private:
     void readContentTypes();
     std::optional<std::string> findOuterPart(const StoredPart& part) const;
     const char* whyOddRelationships(const StoredPart& part) const;
+    bool isDigested(const StoredPart& part) const;
 
     interfaces::IPhysicalPackage& store;
     std::vector<StoredPart> all; ///< none is moved
