@@ -469,6 +469,14 @@ TEST(StandardAttacks, BeOfTwoFormats) {
         // some programs take it for an internal one
         {adding(PACKAGE, OFFICE + "theme", "docProps/core.xml", " TargetMode='External'"), true},
         {adding(PACKAGE, OFFICE + "theme", "file:docProps/core.xml", " TargetMode='External'"), false},
+        {adding(PACKAGE, OFFICE + "theme", "x:/../docProps/core.xml", " TargetMode='External'"), true},
+        {adding(PACKAGE, OFFICE + "theme", "x:/%2e./docProps/core.xml", " TargetMode='External'"), true},
+        // some don't cut it
+        {adding(PACKAGE, OFFICE + "theme", "?/../docProps/core.xml"), true},
+        {adding(PACKAGE, OFFICE + "theme", "word/document.xml#/../../docProps/CORE%2exml"), true},
+        {adding(PACKAGE, OFFICE + "theme", "x:/../docProps/core.xml"), true},
+        {adding(PACKAGE, OFFICE + "theme", "docProps/%2563ore.xml"), true},
+        {adding(PACKAGE, OFFICE + "theme", "word/document.xml#core"), false},
     };
     for (const auto& [change, isContent] : cases) {
         SignedSample sample;

@@ -1,5 +1,6 @@
 #include "coverage/PackageMap.hpp"
 
+#include "content/NameSearch.hpp"
 #include "coverage/ContentTypeChoices.hpp"
 #include "coverage/DataStores.hpp"
 #include "coverage/ImplicitRelationships.hpp"
@@ -101,6 +102,16 @@ bool leadsOutside(std::string_view target) {
     return path.compare(0, 2, "//") == 0 || path.substr(0, path.find('/')).find(':') != std::string::npos;
 }
 
+/// Whether programs can differ on where a target leads: not all of them cut a query and a fragment off, decode once, or look
+/// whether it is external.
+bool isOdd(const RelationshipValues& values) {
+    const std::string_view target = values.target;
+    return values.isExternal
+               ? target.find("..") != std::string_view::npos || target.find('%') != std::string_view::npos
+               : target.find_first_of("?#:") != std::string_view::npos ||
+                     target.find("%25") != std::string_view::npos;
+}
+
 /// Whether a type could be taken for that of the main document, by a program that isn't strict about it.
 bool isMainType(std::string_view type) {
     constexpr std::string_view END = "/officedocument";
@@ -134,9 +145,34 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
         if (one.values->type == SIGNATURE_RELATIONSHIP && seen.insert(one.target).second)
             signatureParts.push_back(one.target);
     }
+    findOddTargets();
     findContentFolders();
     if (!isOfOfficeProgram())
         searchForExempt(contents);
+}
+
+/// A part that needn't be signed is content if such a target has the last segment of its name anywhere.
+void PackageMap::findOddTargets() {
+    const auto isOddOne = [](const MappedRelationship& one) { return isOdd(*one.values); };
+    auto odd = std::find_if(all.begin(), all.end(), isOddOne);
+    if (odd == all.end())
+        return;
+    std::vector<const StoredPart*> parts;
+    std::vector<std::string_view> keys;
+    for (const auto& [part, form] : exempt)
+        if (form->kind != FormKind::Origin) {
+            parts.push_back(part);
+            keys.emplace_back(part->key);
+        }
+    NameSearch search(keys);
+    for (; odd != all.end(); odd = std::find_if(std::next(odd), all.end(), isOddOne)) {
+        const std::string& target = odd->values->target;
+        search.begin();
+        search.look(reinterpret_cast<const unsigned char*>(target.data()), target.size());
+    }
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        if (search.isFound(i))
+            contentTargets.insert(parts[i]);
 }
 
 /// The documents of other formats name parts by their path. The origin has no content.

@@ -101,6 +101,7 @@ private:
     bool hasNothingBut(const std::string_view (&types)[Size]) const;
     bool isOfFixedPages() const;
     void findRepeated();
+    void findOddTargets();
     void searchForExempt(PackageContents& contents) const;
     void findContentFolders();
 
