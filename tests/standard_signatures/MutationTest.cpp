@@ -45,7 +45,8 @@ std::string meaningOf(const SignedSample& sample, const std::u16string& name, co
         ContentTypes types = ContentTypes::read(stream);
         for (const std::u16string& part : sample.store.partNames()) {
             const std::string partName = toUDEString(part);
-            const std::string* const type = types.find(partName, partKeyOf(partName));
+            bool isOwn = false;
+            const std::string* const type = types.find(partName, partKeyOf(partName), isOwn);
             if (part.find(u"/word/") == 0 && part.find(u".rels") == std::u16string::npos)
                 meaning += (type == nullptr ? "none" : *type) + "\n";
         }

@@ -285,32 +285,68 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
     }
 }
 
-/// Some programs find parts by their content types, and take the first one.
-TEST(StandardSigning, RefusesTwoPartsOfATypeThatIsThereOnce) {
+/// Programs that read spreadsheets find parts by their content types, and differ on where they look.
+TEST(StandardSigning, RefusesContentTypesByWhichProgramsFindOtherParts) {
     const std::string sheet = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
-    const std::string drawing = "application/vnd.ms-visio.drawing.main+xml";
+    const std::string word =
+        "application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml";
+    const std::string book = sheet + "sheet.main+xml";
+    const std::string rels = "application/vnd.openxmlformats-package.relationships+xml";
+    using Entry = std::pair<std::string, std::string>; // a part or an extension, and its content type
     const struct {
-        std::string first, second; ///< content types
+        std::vector<std::string> parts;
+        std::vector<Entry> entries;
         bool isRefused;
     } cases[] = {
-        {sheet + "sharedStrings+xml", sheet + "SharedStrings+xml;a=b", true},
-        {sheet + "styles+xml", sheet + "styles+xml", true},
-        {sheet + "styles+xml", sheet + "sharedStrings+xml", false},
-        {sheet + "worksheet+xml", sheet + "worksheet+xml", false},
-        {sheet + "sheet.main+xml", "text/xml", true}, // beside the main part of the sample
-        {drawing, drawing, false},
+        {{"/1.a", "/2.a"},
+         {{"/1.a", sheet + "sharedStrings+xml"}, {"/2.a", sheet + "SharedStrings+xml;a=b"}},
+         true},
+        {{"/1.a", "/2.a"}, {{"/1.a", sheet + "styles+xml"}, {"/2.a", sheet + "styles+xml"}}, true},
+        {{"/1.a", "/2.a"}, {{"/1.a", sheet + "styles+xml"}, {"/2.a", sheet + "sharedStrings+xml"}}, false},
+        {{"/1.a", "/2.a"}, {{"/1.a", sheet + "worksheet+xml"}, {"/2.a", sheet + "worksheet+xml"}}, false},
+        {{"/1.a", "/2.a"},
+         {{"/1.a", book}, {"/2.a", "application/vnd.ms-excel.sheet.macroEnabled.main+xml"}},
+         true},
+        {{"/1.a"}, {{"/1.a", word}}, false}, // a chunk in the document
+        {{"/1.a"}, {{"a", sheet + "styles+xml"}}, true},
+        {{"/1.a"}, {{"a", sheet + "sharedStrings+xml"}}, true},
+        {{"/1.a"}, {{"a", book}}, true},
+        {{"/xl/workbook.a"}, {{"a", book}}, true},
+        {{"/xl/workbook.xml"}, {{"/xl/workbook.xml", book}}, false},
+        {{}, {{"a", book}}, true},
+        {{}, {{"/1.a", sheet + "styles+xml"}}, true},
+        {{}, {{"/1.a", "a/b"}, {"b", "a/b"}}, false},
+        {{"/1.a"}, {{"/1.a", book}, {"/_rels/.rels", rels}}, false},
+        {{"/1.a"}, {{"/1.a", book}, {"/_rels/.rels", rels}, {"/word/_rels/document.xml.rels", rels}}, false},
+        {{"/1.a", "/book", "/_rels/book.rels"},
+         {{"/1.a", book}, {"/book", "a/b"}, {"/_rels/.rels", rels}},
+         true},
+        {{"/1.a", "/book", "/_rels/book.rels"}, {{"/1.a", book}, {"/book", "a/b"}}, false},
+        {{"/1.a"}, {{"/1.a", book}, {"/_rels/book.xml.rels", rels}}, true},
+        {{}, {{"/_rels/.rels", rels}, {"/_rels/book.xml.rels", rels}}, false},
     };
-    for (const auto& [first, second, isRefused] : cases) {
+    for (const auto& [parts, entries, isRefused] : cases) {
         PlainSample sample;
-        for (const auto& [name, type] : {std::pair(u"/word/1.xml", first), {u"/word/2.xml", second}}) {
-            sample.store.setPart(name, {});
-            sample.replaceContentTypes("</Types>", "<Override PartName='" + toUDEString(name) +
-                                                       "' ContentType='" + type + "'/></Types>");
+        removeOrigin(sample);
+        std::string text = "<!-- -->";
+        for (const std::string& name : parts)
+            sample.store.setPart(toString(name, true),
+                                 toBytes(name.find("_rels") != std::string::npos
+                                             ? "<Relationships "
+                                               "xmlns='http://schemas.openxmlformats.org/package/2006/"
+                                               "relationships'/>"
+                                             : "<a/>"));
+        for (const auto& [name, type] : entries)
+            text += (name[0] == '/' ? "<Override PartName='" : "<Default Extension='") + name +
+                    "' ContentType='" + type + "'/>";
+        sample.replaceContentTypes("</Types>", text + "</Types>");
+        bool refused = false;
+        try {
+            sign(sample);
+        } catch (const SigningRefused&) {
+            refused = true;
         }
-        if (isRefused)
-            EXPECT_THROW(sign(sample), SigningRefused) << first;
-        else
-            EXPECT_NO_THROW(sign(sample)) << first;
+        EXPECT_EQ(refused, isRefused) << text;
     }
 }
 

@@ -83,18 +83,29 @@ ContentTypes ContentTypes::read(InputStream& stream) {
     return types;
 }
 
-const std::string* ContentTypes::find(const std::string& partName, const std::string& partKey) {
-    if (const auto found = overrides.find(partKey); found != overrides.end())
+const std::string* ContentTypes::find(const std::string& partName, const std::string& partKey, bool& isOwn) {
+    const auto found = overrides.find(partKey);
+    isOwn = found != overrides.end();
+    if (isOwn)
         return found->second.written == partName ? found->second.take() : nullptr;
     const std::size_t dot = partName.rfind('.');
     if (dot == std::string::npos || dot < partName.rfind('/'))
         return nullptr;
     const std::string_view extension = std::string_view(partName).substr(dot + 1);
-    const auto found = defaults.find(partKeyOf(extension));
-    if (found == defaults.end())
+    const auto ofExtension = defaults.find(partKeyOf(extension));
+    if (ofExtension == defaults.end())
         return nullptr;
-    Entry& entry = found->second;
+    Entry& entry = ofExtension->second;
     return entry.written == extension || entry.written == keyOf(extension) ? entry.take() : nullptr;
+}
+
+std::set<std::string> ContentTypes::unused() const {
+    std::set<std::string> types;
+    for (const Entries* const entries : {&overrides, &defaults})
+        for (const auto& [key, entry] : *entries)
+            if (!entry.isFound && (entries == &overrides || key != "rels"))
+                types.insert(entry.contentType);
+    return types;
 }
 
 const std::string* ContentTypes::findOddName() const {

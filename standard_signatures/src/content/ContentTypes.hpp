@@ -4,6 +4,7 @@
 
 #include <opc/core/InputStream.hpp>
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,7 +23,11 @@ public:
     /// The content type of a part as it stands; null if it has none, or if the entry writes its name or extension in another
     /// way, so that not all programs find it. An extension in lower case is what all look for.
     /// @param partKey  what `partKeyOf` makes of the name
-    const std::string* find(const std::string& partName, const std::string& partKey);
+    /// @param isOwn    gets whether it is in an entry for this part alone
+    const std::string* find(const std::string& partName, const std::string& partKey, bool& isOwn);
+
+    /// Those of all entries that were found for no part, but for the extension of relationships, which always has one.
+    std::set<std::string> unused() const;
 
     /// The name or extension in an entry from which some programs may read another one, and which was found for no part; null
     /// if there is none.

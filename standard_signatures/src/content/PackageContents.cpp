@@ -152,8 +152,9 @@ void PackageContents::readContentTypes() {
         model::PhysicalInputStream stream(store.getContentTypeInputStream());
         ContentTypes types = ContentTypes::read(stream);
         for (StoredPart& part : all)
-            if (const std::string* const type = types.find(part.name, part.key))
+            if (const std::string* const type = types.find(part.name, part.key, part.hasOwnContentType))
                 part.contentType = *type;
+        unusedTypes = types.unused();
         if (const std::string* const name = types.findOddName())
             typesFailure = {Reason::Code::ContentTypeChanged, "[Content_Types].xml",
                             "\"" + shortened(*name, 200) + "\" isn't the name or extension of a part"};

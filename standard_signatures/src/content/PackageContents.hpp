@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -32,6 +33,7 @@ struct StoredPart {
     std::string key;  ///< the name as it is compared
     interfaces::IPhysicalPart* physical;
     std::optional<std::string> contentType;
+    bool hasOwnContentType = false;    ///< not that of its extension
     std::optional<std::string> source; ///< of a relationships part: the name of its source
     bool isAmbiguous = false;          ///< another part has the same name
 };
@@ -59,6 +61,9 @@ public:
 
     /// Why no content type can be told; nothing if they can.
     const std::optional<Reason>& contentTypesFailure() const { return typesFailure; }
+
+    /// The content types that no part has; that for the extension of relationships isn't looked at.
+    const std::set<std::string>& unusedContentTypes() const { return unusedTypes; }
 
     /// The relationships of a relationships part, which is read once.
     /// @throws Refusal
@@ -104,6 +109,7 @@ private:
     std::unordered_map<std::string_view, std::size_t, TextHash> byKey;
     std::vector<interfaces::IgnoredItem> ignored;
     std::optional<Reason> typesFailure;
+    std::set<std::string> unusedTypes;
     std::unique_ptr<Known> known;
 };
 

@@ -1,7 +1,9 @@
 #include "coverage/ContentTypeChoices.hpp"
 
 #include "names/PartNames.hpp"
+#include "transform/RelationshipsNamespace.hpp"
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <string_view>
@@ -10,33 +12,80 @@ namespace opc::standard_signatures {
 
 namespace {
 
-/// What is there once in a document of an office program, by the content type; empty for other types. Drawings can have several
-/// parts with that of the main one.
-std::string kindOf(std::string_view contentType) {
+enum class Kind { Other, Workbook, Strings, Styles };
+
+Kind kindOf(std::string_view contentType) {
     contentType = contentType.substr(0, contentType.find(';')); // no parameters
     contentType = contentType.substr(0, contentType.find_last_not_of(" \t") + 1);
-    if (keyEndsWith(contentType, ".main+xml"))
-        return keyOf(contentType).find("visio") == std::string::npos ? "main" : "";
-    return keyEndsWith(contentType, "spreadsheetml.sharedstrings+xml") ||
-                   keyEndsWith(contentType, "spreadsheetml.styles+xml")
-               ? keyOf(contentType)
-               : std::string();
+    const std::string key = keyOf(contentType);
+    const auto has = [&key](std::string_view word) { return key.find(word) != std::string::npos; };
+    if (keyEndsWith(key, ".main+xml") && (has("spreadsheetml") || has("ms-excel")))
+        return Kind::Workbook;
+    return keyEndsWith(key, "spreadsheetml.sharedstrings+xml") ? Kind::Strings
+           : keyEndsWith(key, "spreadsheetml.styles+xml")      ? Kind::Styles
+                                                               : Kind::Other;
 }
+
+Kind kindOf(const StoredPart* part) {
+    return part != nullptr && part->contentType ? kindOf(*part->contentType) : Kind::Other;
+}
+
+class Search {
+public:
+    explicit Search(const PackageContents& contents) : contents(contents) {}
+
+    std::vector<UnsignedChoice> run() {
+        for (const StoredPart& part : contents.parts())
+            if (const Kind kind = kindOf(&part); kind != Kind::Other)
+                check(part, kind);
+        for (const std::string& type : contents.unusedContentTypes())
+            if (kindOf(type) != Kind::Other || (hasWorkbook() && isOfRelationships(type)))
+                add("/[Content_Types].xml",
+                    "it has a content type for no part, by which some programs look for one");
+        if (hasWorkbook())
+            checkRelationships();
+        return std::move(choices);
+    }
+
+private:
+    void add(std::string_view part, const char* reason) { choices.push_back({part, reason}); }
+
+    void check(const StoredPart& part, Kind kind) {
+        if (!known.insert(kind).second)
+            add(part.name, "another part has its content type, by which some programs find one of them, and "
+                           "their order can't be signed");
+        if (!part.hasOwnContentType && !(kind == Kind::Workbook && part.key == "/xl/workbook.xml"))
+            add(part.name, "it has the content type of its extension, and some programs look for the part "
+                           "with a content type of its own");
+    }
+
+    bool hasWorkbook() const { return known.count(Kind::Workbook) != 0; }
+
+    static bool isOfRelationships(const std::string& contentType) {
+        return keyOf(contentType) == RELATIONSHIPS_CONTENT_TYPE;
+    }
+
+    /// Some programs take the first entry of relationships with such a word in its name for that of the workbook.
+    void checkRelationships() {
+        const auto& parts = contents.parts();
+        const auto hasOwnType = [](const StoredPart& part) { return part.source && part.hasOwnContentType; };
+        if (std::none_of(parts.begin(), parts.end(), hasOwnType))
+            return;
+        for (const StoredPart& part : parts)
+            if (part.source && part.key.find("book") != std::string::npos &&
+                kindOf(contents.find(*part.source)) != Kind::Workbook)
+                add(part.name, "some programs take it for the relationships of the workbook");
+    }
+
+    const PackageContents& contents;
+    std::set<Kind> known;
+    std::vector<UnsignedChoice> choices;
+};
 
 } // namespace
 
-std::vector<OrderChoice> findContentTypeChoices(const PackageContents& contents) {
-    std::vector<OrderChoice> choices;
-    std::set<std::string> known;
-    for (const StoredPart& part : contents.parts()) {
-        std::string kind = part.contentType ? kindOf(*part.contentType) : std::string();
-        if (!kind.empty() && !known.insert(std::move(kind)).second)
-            choices.push_back(
-                {&part,
-                 "another part has its content type, by which some programs find one of them, and their "
-                 "order can't be signed"});
-    }
-    return choices;
+std::vector<UnsignedChoice> findContentTypeChoices(const PackageContents& contents) {
+    return Search(contents).run();
 }
 
 } // namespace opc::standard_signatures

@@ -121,8 +121,8 @@ public:
 
     bool areSeveral() const { return parts.size() > 1 || descriptions.size() > 1 || uses > 1; }
 
-    std::vector<OrderChoice> findChoices() {
-        std::vector<OrderChoice> choices;
+    std::vector<UnsignedChoice> findChoices() {
+        std::vector<UnsignedChoice> choices;
         std::map<const StoredPart*, std::string> ids; // of the stores
         std::set<std::string> known;
         for (const auto& [part, users] : descriptions) {
@@ -131,15 +131,16 @@ public:
             for (const std::string& id : read.all)
                 isTwin = !known.insert(id).second || isTwin;
             if (isTwin)
-                choices.push_back({part, "it describes another data store with the same ID, and their order "
-                                         "can't be signed"});
+                choices.push_back({part->name,
+                                   "it describes another data store with the same ID, and their order "
+                                   "can't be signed"});
             for (const MappedRelationship* const user : users)
                 addId(ids, *user, read.ofRoot);
         }
         if (parts.size() > 1)
             for (const StoredPart* const one : findLooseBindings(contents, listStores(ids)))
                 choices.push_back(
-                    {one,
+                    {one->name,
                      "a content control in it can take any data store, and their order can't be signed"});
         return choices;
     }
@@ -176,10 +177,10 @@ private:
 
 } // namespace
 
-std::vector<OrderChoice> findStoreChoices(const PackageContents& contents,
-                                          const std::vector<MappedRelationship>& relationships) {
+std::vector<UnsignedChoice> findStoreChoices(const PackageContents& contents,
+                                             const std::vector<MappedRelationship>& relationships) {
     Stores stores(contents, relationships);
-    return stores.areSeveral() ? stores.findChoices() : std::vector<OrderChoice>();
+    return stores.areSeveral() ? stores.findChoices() : std::vector<UnsignedChoice>();
 }
 
 } // namespace opc::standard_signatures

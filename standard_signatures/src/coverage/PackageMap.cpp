@@ -125,7 +125,7 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     giveRoles();
     findRepeated();
     choices = findStoreChoices(contents, all);
-    const std::vector<OrderChoice> byType = findContentTypeChoices(contents);
+    const std::vector<UnsignedChoice> byType = findContentTypeChoices(contents);
     choices.insert(choices.end(), byType.begin(), byType.end());
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {

@@ -29,9 +29,10 @@ struct MappedRelationship {
     bool isMain; ///< leads from the package to the main document of an office program
 };
 
-/// A part because of which programs choose by an order, of relationships or parts, which nothing signs.
-struct OrderChoice {
-    const StoredPart* part;
+/// A part because of which programs choose by what nothing signs: the order of relationships or parts, or the form of the content
+/// types.
+struct UnsignedChoice {
+    std::string_view part; ///< its name
     const char* reason;
 };
 
@@ -78,8 +79,8 @@ public:
     /// Further relationships of a type and a source where programs take one by their order.
     const std::vector<const MappedRelationship*>& repeatedImplicit() const { return repeated; }
 
-    /// Other things of which programs take one by their order: data stores, and parts with a content type.
-    const std::vector<OrderChoice>& orderChoices() const { return choices; }
+    /// Other things of which programs take one: data stores, and parts with a content type.
+    const std::vector<UnsignedChoice>& unsignedChoices() const { return choices; }
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
@@ -108,7 +109,7 @@ private:
     const PackageContents& contents;
     std::vector<MappedRelationship> all;
     std::vector<const MappedRelationship*> repeated;
-    std::vector<OrderChoice> choices;
+    std::vector<UnsignedChoice> choices;
     std::vector<Reason> failures;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;

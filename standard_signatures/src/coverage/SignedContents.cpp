@@ -107,8 +107,8 @@ private:
             if (contents.parts.count(one->document) == 0)
                 addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
                         "there is another one of this type, and their order isn't signed"});
-        for (const OrderChoice& one : map.orderChoices())
-            addGap({GapKind::Item, one.part->name, {}, {}, one.reason});
+        for (const UnsignedChoice& one : map.unsignedChoices())
+            addGap({GapKind::Item, std::string(one.part), {}, {}, one.reason});
     }
 
     void compareOrigins() {

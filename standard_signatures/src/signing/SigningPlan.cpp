@@ -28,8 +28,8 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
     for (const MappedRelationship* const one : map.repeatedImplicit())
         throw SigningRefused("Two relationships of " + *one->document->source + " have the type " +
                              one->values->type + ", and their order can't be signed");
-    for (const OrderChoice& one : map.orderChoices())
-        throw SigningRefused("The part " + one.part->name + " can't be signed: " + one.reason);
+    for (const UnsignedChoice& one : map.unsignedChoices())
+        throw SigningRefused("The part " + std::string(one.part) + " can't be signed: " + one.reason);
     if (map.secondOrigin() != nullptr)
         throw SigningRefused("More than one relationship leads to an origin of signatures");
     for (const StoredPart& part : contents.parts())
