@@ -321,6 +321,9 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
          replacingIn(u"/docProps/core.xml", "core-properties'", "core-properties' a=b")},
         {"gap: /docProps/core.xml" + form, // some programs show it as a page
          replacingIn(u"/docProps/core.xml", "/>", "><FixedPage xmlns='u:page'/></coreProperties>")},
+        {"gap: /docProps/core.xml" + form, // without looking at namespaces
+         replacingIn(u"/docProps/core.xml", "/>",
+                     "><PageContent xmlns='http://purl.org/dc/elements/1.1/'/></coreProperties>")},
         {"gap: /docProps/app.xml its content isn't signed, and says where the links of the document lead",
          with(OFFICE + "extended-properties", "/docProps/app.xml",
               "application/vnd.openxmlformats-officedocument.extended-properties+xml",
@@ -330,7 +333,7 @@ TEST(StandardAttacks, HideInWhatNeedNotBeSigned) {
          with(OFFICE + "extended-properties", "/docProps/app.xml",
               "application/vnd.openxmlformats-officedocument.extended-properties+xml",
               "<Properties xmlns='http://schemas.openxmlformats.org/officeDocument/2006/extended-properties'>"
-              "<HyperlinksChanged>tr<a/>ue</HyperlinksChanged></Properties>")},
+              "<HyperlinksChanged>tr<Pages/>ue</HyperlinksChanged></Properties>")},
         {"gap: /word/signatures/1.xml its content isn't signed", signature("/word/signatures/1.xml")},
         {"gap: /word/x/y/a.psdsxs its content isn't signed", signature("/word/x/y/a.psdsxs")},
         {"gap: /xl/workbook.xml its content isn't signed", signature("/xl/workbook.xml")},
@@ -571,6 +574,8 @@ TEST(StandardAttacks, MoveWhatIsSigned) {
          changing(replacing("</Signature>", "<Object><Manifest/></Object></Signature>"))},
         {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
          changing(replacing("</KeyInfo>", "<a xmlns='u:slide'/></KeyInfo>"))},
+        {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
+         changing(replacing("</KeyInfo>", "<PageContent/></KeyInfo>"))},
         {"gap: /_xmlsignatures/sig1.xml it has content that it doesn't sign",
          changing(replacing("</xd:QualifyingProperties>",
                             "<xd:UnsignedProperties><a xmlns='u:slide'/></xd:UnsignedProperties>"

@@ -437,7 +437,8 @@ TEST(StandardVerification, AllowsWhatChangesNothing) {
             recipe.changeAtLast =
                 replacing("</Signature>",
                           "<Object Id='o'>\n<QualifyingProperties xmlns='http://uri.etsi.org/01903/v1.3.2#'>"
-                          "<a xmlns='http://uri.etsi.org/19132/v1.1.1#'/></QualifyingProperties></Object>"
+                          "<UnsignedProperties "
+                          "xmlns='http://uri.etsi.org/19132/v1.1.1#'/></QualifyingProperties></Object>"
                           "<Object><TimeStamp "
                           "xmlns='http://schemas.openxmlformats.org/package/2006/digital-signature'/>"
                           "</Object></Signature>");

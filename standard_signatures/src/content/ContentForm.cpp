@@ -2,6 +2,7 @@
 
 #include "names/PartNames.hpp"
 #include "names/SignatureParts.hpp"
+#include "xml/KnownNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
 
@@ -119,6 +120,23 @@ constexpr std::string_view VALUES[] = {
     "http://purl.oclc.org/ooxml/officeDocument/docPropsVTypes",
 };
 
+/// The local names of what stands in properties: those of Dublin Core, of ECMA-376 Part 2 (core properties), and of Part 1 (extended
+/// properties, custom properties and variant types).
+// clang-format off
+constexpr std::string_view ELEMENTS_OF_PROPERTIES[] = {
+    "AppVersion", "Application", "Characters", "CharactersWithSpaces", "Company", "DigSig", "DocSecurity",
+    "HLinks", "HeadingPairs", "HiddenSlides", "HyperlinkBase", "HyperlinksChanged", "Lines", "LinksUpToDate",
+    "MMClips", "Manager", "Notes", "Pages", "Paragraphs", "PresentationFormat", "Properties", "ScaleCrop",
+    "SharedDoc", "Slides", "Template", "TitlesOfParts", "TotalTime", "Words", "array", "blob", "bool", "bstr",
+    "category", "cf", "clsid", "contentStatus", "contentType", "contributor", "coreProperties", "coverage",
+    "created", "creator", "cy", "date", "decimal", "description", "empty", "error", "filetime", "format",
+    "i1", "i2", "i4", "i8", "identifier", "int", "keywords", "language", "lastModifiedBy", "lastPrinted",
+    "lpstr", "lpwstr", "modified", "null", "oblob", "ostorage", "ostream", "property", "publisher", "r4",
+    "r8", "relation", "revision", "rights", "source", "storage", "stream", "subject", "title", "type", "ui1",
+    "ui2", "ui4", "ui8", "uint", "value", "variant", "vector", "version", "vstream"};
+// clang-format on
+static_assert(areSorted(ELEMENTS_OF_PROPERTIES));
+
 /// Compares the root element, and looks for a base to which programs resolve relative links of the document, and for word that
 /// they are to be taken from here (ECMA-376 Part 1, HyperlinkBase and HyperlinksChanged).
 class PropertiesReader final : public PackageDocument {
@@ -126,7 +144,8 @@ public:
     explicit PropertiesReader(const ContentForm& form) : form(form) {}
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
-        isForeign = isForeign || !isOfProperties(element.namespaceURI());
+        isForeign = isForeign || !isOfProperties(element.namespaceURI()) ||
+                    !isAmong(narrow(element.localName()), ELEMENTS_OF_PROPERTIES);
         if (isRoot && isText(element.localName(), form.rootName) && !element.namespaceURI().empty() &&
             (isText(element.namespaceURI(), form.beginning[0]) ||
              isText(element.namespaceURI(), form.beginning[1])))

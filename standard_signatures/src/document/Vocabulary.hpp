@@ -1,6 +1,7 @@
 #pragma once
 
 #include "canonical/XmlTree.hpp"
+#include "document/SignatureElements.hpp"
 
 #include <string_view>
 
@@ -26,13 +27,14 @@ inline bool isOfXades(const XmlTreeNode& node, std::string_view name) {
            node.namespaceURI.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES;
 }
 
-/// Whether its vocabulary is one of signatures.
+/// Whether it is an element of the vocabularies of signatures.
 inline bool isOfSignatures(const XmlTreeNode& element) {
     const std::string_view one = element.namespaceURI;
-    return one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE || one == SIGNATURE_MORE_07 ||
-           one == ENCRYPTION || one == EXCLUSIVE || one == PACKAGE_SIGNATURE ||
-           one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES ||
-           one.substr(0, BEGIN_OF_XADES_EN.size()) == BEGIN_OF_XADES_EN;
+    const bool isKnown = one == SIGNATURE || one == SIGNATURE_11 || one == SIGNATURE_MORE ||
+                         one == SIGNATURE_MORE_07 || one == ENCRYPTION || one == EXCLUSIVE ||
+                         one == PACKAGE_SIGNATURE || one.substr(0, BEGIN_OF_XADES.size()) == BEGIN_OF_XADES ||
+                         one.substr(0, BEGIN_OF_XADES_EN.size()) == BEGIN_OF_XADES_EN;
+    return isKnown && isAmong(element.name, ELEMENTS_OF_SIGNATURES);
 }
 
 } // namespace opc::standard_signatures::vocabulary
