@@ -1,6 +1,7 @@
 #include "content/NameSearch.hpp"
 
 #include <algorithm>
+#include <string>
 
 namespace opc::standard_signatures {
 
@@ -28,6 +29,7 @@ bool isPassedOver(unsigned char c) {
 
 NameSearch::NameSearch(const std::vector<std::string_view>& keys, std::uint64_t mostWork)
     : workLeft(mostWork) {
+    std::string special = "%&";
     std::size_t used = BITS;
     for (const std::string_view key : keys) {
         if (ends.size() == MOST)
@@ -42,25 +44,31 @@ NameSearch::NameSearch(const std::vector<std::string_view>& keys, std::uint64_t 
         group.first |= std::uint64_t{1} << used;
         for (const char c : segment)
             group.places[static_cast<unsigned char>(c)] |= std::uint64_t{1} << used++;
+        if (segment.size() == 1) // it is whole, whatever follows it
+            special += segment;
         ends.push_back({groups.size() - 1, std::uint64_t{1} << (used - 1)});
     }
-    for (std::size_t i = 0; i < begins.size(); ++i) {
-        const auto c = static_cast<unsigned char>(i);
-        isSecond[i] = isPassedOver(c) ||
-                      std::string_view("%&<>[]").find(static_cast<char>(c)) != std::string_view::npos;
+    const auto isAmong = [](std::string_view characters, unsigned char c) {
+        return characters.find(static_cast<char>(c)) != std::string_view::npos;
+    };
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        const unsigned char c = lower(static_cast<unsigned char>(i));
+        bool isFirst = false;
+        bool isSecond = isPassedOver(c) || isAmong("%&<>[]", c);
         for (const Group& one : groups) {
-            if ((one.places[lower(c)] & one.first) != 0)
-                begins[i] = FIRST;
-            isSecond[i] = isSecond[i] || (one.places[lower(c)] & one.first << 1U) != 0;
+            isFirst = isFirst || (one.places[c] & one.first) != 0;
+            isSecond = isSecond || (one.places[c] & one.first << 1U) != 0;
         }
+        kinds[i] = static_cast<unsigned char>((isFirst ? FIRST : 0U) | (isSecond ? SECOND : 0U) |
+                                              (isAmong(special, c) ? SPECIAL : 0U));
     }
-    begins['%'] = begins['&'] = SPECIAL;
 }
 
 void NameSearch::begin() {
     for (Group& one : groups)
         one.reached = one.interrupted = 0;
-    begins['>'] = begins['['] = 0;
+    kinds['>'] &= static_cast<unsigned char>(~SPECIAL);
+    kinds['['] &= static_cast<unsigned char>(~SPECIAL);
     isIdle = true;
     reference = {};
     digits = -1;
@@ -78,23 +86,22 @@ void NameSearch::look(const unsigned char* bytes, std::size_t count) {
     }
 }
 
-/// Passes over what begins nothing, some bytes at once where it can.
+/// Passes over what begins nothing, some bytes at once where it can. It never passes over the last byte, whose next one isn't known.
 const unsigned char* NameSearch::skip(const unsigned char* bytes, const unsigned char* end) const {
     constexpr std::ptrdiff_t STEP = 8;
-    const auto beginsSomething = [this, end](const unsigned char* at) {
-        return begins[*at] == SPECIAL || (begins[*at] == FIRST && (at + 1 == end || isSecond[at[1]]));
+    static_assert(FIRST == SECOND >> 1U);
+    const auto begins = [this](const unsigned char* at) -> unsigned {
+        return kinds[at[0]] & (SPECIAL | kinds[at[1]] >> 1U);
     };
-    while (bytes != end) {
-        const bool isWhole = end - bytes >= STEP;
-        unsigned any = isWhole ? 0 : 1;
-        for (std::ptrdiff_t i = 0; isWhole && i < STEP; ++i) // without a branch for each
-            any |= begins[bytes[i]];
-        const unsigned char* const next = bytes + std::min(STEP, end - bytes);
-        for (; any != 0 && bytes != next; ++bytes)
-            if (beginsSomething(bytes))
-                return bytes;
-        bytes = next;
+    for (; end - bytes > STEP; bytes += STEP) {
+        unsigned any = 0;
+        for (std::ptrdiff_t i = 0; i < STEP; ++i) // without a branch for each
+            any |= begins(bytes + i);
+        if (any != 0)
+            break;
     }
+    while (end - bytes > 1 && begins(bytes) == 0)
+        ++bytes;
     return bytes;
 }
 
@@ -178,7 +185,8 @@ void NameSearch::compare(unsigned char c) {
     for (Group& one : groups) {
         if (isBeginning && one.reached != 0) {
             one.interrupted |= one.reached;
-            begins['>'] = begins['['] = SPECIAL;
+            kinds['>'] |= SPECIAL;
+            kinds['['] |= SPECIAL;
         }
         one.reached = ((one.reached << 1U) | one.first) & one.places[lower(c)];
         if (isEnd)

@@ -62,11 +62,11 @@ private:
     std::vector<Group> groups;
     std::vector<Place> ends; ///< by name
     std::uint64_t workLeft;
-    static constexpr unsigned char SPECIAL = 1; ///< can begin something else than a segment
-    static constexpr unsigned char FIRST = 2;   ///< of a segment
-    std::array<unsigned char, 256> begins{};    ///< by byte: SPECIAL, FIRST, or 0
-    std::array<bool, 256> isSecond{};           ///< in a segment, or something special
-    bool isIdle = true;                         ///< nothing is begun
+    static constexpr unsigned FIRST = 1;    ///< of a segment
+    static constexpr unsigned SECOND = 2;   ///< in a segment, or something special
+    static constexpr unsigned SPECIAL = 8;  ///< can begin something else than a segment
+    std::array<unsigned char, 256> kinds{}; ///< by byte
+    bool isIdle = true;                     ///< nothing is begun
 
     Reference reference;
     int digits = -1; ///< that were read behind a percent sign; negative: there is none
