@@ -34,6 +34,12 @@ void throwIfRelative(std::string_view namespaceURI) {
 /// Which namespace each prefix has in what was written, at the element that is written now.
 class WrittenNamespaces {
 public:
+    WrittenNamespaces() {
+        constexpr std::size_t USUAL_COUNT = 16;
+        written.reserve(USUAL_COUNT);
+        counts.reserve(USUAL_COUNT);
+    }
+
     std::string_view of(std::string_view prefix) const {
         const auto found = values.find(prefix);
         return found == values.end() || found->second.empty() ? std::string_view() : found->second.back();
@@ -61,7 +67,10 @@ private:
 class Canonicalizer {
 public:
     Canonicalizer(const XmlTreeNode& apex, const CanonicalForm& form, std::uint64_t& work)
-        : apex(apex), form(form), work(work) {}
+        : apex(apex), form(form), work(work) {
+        constexpr std::size_t USUAL_COUNT = 8;
+        attributes.reserve(USUAL_COUNT);
+    }
 
     std::string run() {
         for (const XmlTreeNode* around = apex.parent; around != nullptr; around = around->parent)

@@ -120,6 +120,7 @@ PackageContents::PackageContents(interfaces::IPhysicalPackage& store)
     ignored = store.getIgnoredItems();
     const auto& parts = store.getParts();
     all.reserve(parts.size());
+    byKey.reserve(parts.size());
     for (interfaces::IPhysicalPart* const physical : parts) {
         StoredPart& part = all.emplace_back();
         part.physical = physical;

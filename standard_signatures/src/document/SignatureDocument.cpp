@@ -98,6 +98,8 @@ const XmlTreeNode& findManifest(const SignatureDocument& document) {
 }
 
 void readManifest(SignatureDocument& document, const XmlTreeNode& manifest) {
+    constexpr std::size_t USUAL_COUNT = 16;
+    document.manifest.reserve(USUAL_COUNT);
     ChildElements children(manifest);
     while (const XmlTreeNode* const reference = children.take("Reference")) {
         if (document.manifest.size() >= SignatureDocument::MOST_REFERENCES)

@@ -22,7 +22,8 @@ std::vector<const RelationshipValues*> select(const RelationshipsDocument& docum
 }
 
 std::string canonicalize(const std::vector<const RelationshipValues*>& selected) {
-    CanonicalText text;
+    constexpr std::size_t USUAL_LENGTH = 256; // of a relationship
+    CanonicalText text((1 + selected.size()) * USUAL_LENGTH);
     const auto put = [&text](std::string_view name, std::string_view value) {
         text.put(name);
         text.putValue(value);

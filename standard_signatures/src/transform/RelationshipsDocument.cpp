@@ -16,7 +16,10 @@ namespace {
 
 class Reader final : public PackageDocument {
 public:
-    explicit Reader(RelationshipsDocument& document) : document(document) {}
+    explicit Reader(RelationshipsDocument& document) : document(document) {
+        constexpr std::size_t USUAL_COUNT = 8;
+        document.relationships.reserve(USUAL_COUNT);
+    }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const std::u16string_view expected = depth == 0 ? u"Relationships" : u"Relationship";
