@@ -54,35 +54,29 @@ constexpr unsigned MOST_DISTANCES = 30;
 constexpr unsigned LONGEST_CODE = 15;
 constexpr unsigned END_OF_BLOCK = 256;
 
-/// How many codes there are of each length.
+/// Whether each sequence of bits begins with exactly one of the codes.
+/// @param lengths  up to `Longest`; 0 for symbols without code
+template <unsigned Longest>
+bool areComplete(const unsigned char* lengths, std::size_t count) noexcept {
+    constexpr unsigned EXCEPT_FOR_0 = (1U << Longest) - 1U;
+    unsigned used = 0; // of the sequences that have the longest length
+    for (std::size_t i = 0; i < count; ++i)
+        used += (1U << Longest >> lengths[i]) & EXCEPT_FOR_0; // without a branch
+    return used == 1U << Longest;
+}
+
+/// The first code of each length.
 template <std::size_t Longest>
-class CodeCounts {
-public:
-    CodeCounts(const unsigned char* lengths, std::size_t count) noexcept {
-        for (std::size_t i = 0; i < count; ++i)
-            ++counts[lengths[i]];
-        counts[0] = 0; // symbols without code
-    }
-
-    /// Whether each sequence of bits begins with exactly one of the codes.
-    bool areComplete() const noexcept {
-        unsigned used = 0;
-        for (std::size_t length = 1; length <= Longest; ++length)
-            used += counts[length] << (Longest - length);
-        return used == 1U << Longest;
-    }
-
-    /// The first code of each length.
-    std::array<unsigned, Longest + 1> firstCodes() const noexcept {
-        std::array<unsigned, Longest + 1> codes{};
-        for (std::size_t length = 1; length <= Longest; ++length)
-            codes[length] = (codes[length - 1] + counts[length - 1]) << 1U;
-        return codes;
-    }
-
-private:
+std::array<unsigned, Longest + 1> firstCodesOf(const unsigned char* lengths, std::size_t count) noexcept {
     std::array<unsigned, Longest + 1> counts{};
-};
+    for (std::size_t i = 0; i < count; ++i)
+        ++counts[lengths[i]];
+    counts[0] = 0; // symbols without code
+    std::array<unsigned, Longest + 1> codes{};
+    for (std::size_t length = 1; length <= Longest; ++length)
+        codes[length] = (codes[length - 1] + counts[length - 1]) << 1U;
+    return codes;
+}
 
 /// A code with its first bit as the lowest one, as the bits of the data are taken.
 unsigned reversed(unsigned code, unsigned length) noexcept {
@@ -102,10 +96,9 @@ public:
         std::array<unsigned char, LENGTH_CODES> lengths{};
         for (unsigned i = 0; i < count; ++i)
             lengths[ORDER[i]] = static_cast<unsigned char>(bits.take(3));
-        const CodeCounts<LONGEST_LENGTH_CODE> counts(lengths.data(), lengths.size());
-        if (!counts.areComplete())
+        if (!areComplete<LONGEST_LENGTH_CODE>(lengths.data(), lengths.size()))
             return false;
-        auto codes = counts.firstCodes();
+        auto codes = firstCodesOf<LONGEST_LENGTH_CODE>(lengths.data(), lengths.size());
         for (unsigned symbol = 0; symbol < LENGTH_CODES; ++symbol)
             if (lengths[symbol] != 0)
                 enter(codes[lengths[symbol]]++, symbol, lengths[symbol]);
@@ -189,14 +182,16 @@ std::optional<OrdinaryBlock> OrdinaryBlock::find(const unsigned char* data, std:
     if (literals > MOST_LITERALS || distances > MOST_DISTANCES || !code.read(bits, lengthCodes) ||
         !readLengths(bits, code, lengths.data(), literals + distances) || lengths[END_OF_BLOCK] == 0)
         return {};
-    const CodeCounts<LONGEST_CODE> counts(lengths.data(), literals);
-    if (!counts.areComplete() ||
-        !CodeCounts<LONGEST_CODE>(lengths.data() + literals, distances).areComplete())
+    if (!areComplete<LONGEST_CODE>(lengths.data(), literals) ||
+        !areComplete<LONGEST_CODE>(lengths.data() + literals, distances))
         return {};
+    if (isLast)
+        return OrdinaryBlock(true, 0, 0);
     const unsigned char endLength = lengths[END_OF_BLOCK];
     const auto before = std::count(lengths.data(), lengths.data() + END_OF_BLOCK, endLength);
-    const unsigned endCode = counts.firstCodes()[endLength] + static_cast<unsigned>(before);
-    return OrdinaryBlock(isLast, reversed(endCode, endLength), endLength);
+    const unsigned endCode =
+        firstCodesOf<LONGEST_CODE>(lengths.data(), literals)[endLength] + static_cast<unsigned>(before);
+    return OrdinaryBlock(false, reversed(endCode, endLength), endLength);
 }
 
 bool OrdinaryBlock::isAllOf(const unsigned char* data, std::size_t count, std::size_t end) const noexcept {
