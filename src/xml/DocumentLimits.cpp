@@ -21,8 +21,10 @@ constexpr XMLSize_t MAXIMUM_COMMENTS = 10000;
 /// Each of them may declare a prefix, and Xerces searches all declared prefixes for each prefix.
 constexpr XMLSize_t MAXIMUM_OPEN_ATTRIBUTES = 4000;
 
-/// Comparisons of the prefixes of elements and attributes with all that are declared around them.
-constexpr std::uint64_t MAXIMUM_PREFIX_WORK = 1'000'000'000;
+/// Xerces looks for the namespace of a prefix in all elements and declarations around it. Documents of a package have fewer than a
+/// hundred of them around most names.
+constexpr std::uint64_t PREFIX_WORK_OF_EACH = 100;
+constexpr std::uint64_t PREFIX_WORK_BESIDE = 20'000'000;
 
 /// Xerces keeps names in a table of fixed size. The first ones aren't compared, so that small documents cost nothing.
 constexpr XMLSize_t MAXIMUM_NAMES = 2000;
@@ -78,11 +80,16 @@ void DocumentLimits::startElement(const xercesc::XMLElementDecl& declaration, un
              "XML content can not have more than 4000 attributes on nested elements", scanner());
     countName(declaration.getBaseName());
     XMLSize_t declarations = 0;
-    for (XMLSize_t i = 0; i < attributeCount; ++i)
+    std::uint64_t searches = 1;
+    for (XMLSize_t i = 0; i < attributeCount; ++i) {
         declarations += countAttribute(*attributes.elementAt(i)) ? 1 : 0;
-    prefixWork += std::uint64_t{1 + attributeCount} * (openDeclarations + declarations);
-    refuseIf(prefixWork > MAXIMUM_PREFIX_WORK, "XML content has too many names below too many namespaces",
-             scanner());
+        const bool hasPrefix = !xercesc::XMLString::equals(attributes.elementAt(i)->getPrefix(), u"");
+        searches += hasPrefix ? 1 : 0; // others are in no namespace
+    }
+    prefixSearches += searches;
+    prefixWork += searches * (openElements.size() + openDeclarations + declarations);
+    refuseIf(prefixWork > PREFIX_WORK_BESIDE + PREFIX_WORK_OF_EACH * prefixSearches,
+             "XML content has too many names below too many elements and namespaces", scanner());
     if (!isEmpty) { // the end of an empty element isn't reported
         openElements.push_back({attributeCount, declarations});
         openAttributes += attributeCount;

@@ -54,7 +54,8 @@ private:
     std::vector<OpenElement> openElements;
     XMLSize_t openAttributes = 0;   ///< of all open elements together
     XMLSize_t openDeclarations = 0; ///< of namespaces, likewise
-    std::uint64_t prefixWork = 0;
+    std::uint64_t prefixSearches = 0;
+    std::uint64_t prefixWork = 0; ///< elements and declarations that these look at
     XMLSize_t comments = 0;
     XMLSize_t names = 0; ///< of elements, attributes and instructions
     std::unordered_set<std::u16string_view, TextHash> laterNames; ///< the different ones, once there are many

@@ -23,6 +23,7 @@ const char* const DEEP = "XML content can not be nested deeper than 1000 element
 const char* const MANY_COMMENTS = "XML content can not contain more than 10000 comments";
 const char* const MANY_ATTRIBUTES = "XML content can not have more than 1000 attributes on an element";
 const char* const OFTEN_MANY = "XML content can not have more than 100 attributes on most of many elements";
+const char* const MANY_BELOW = "XML content has too many names below too many elements and namespaces";
 const char* const MANY_OPEN = "XML content can not have more than 4000 attributes on nested elements";
 const char* const MANY_NAMES = "XML content can not have more than 2000 different names";
 
@@ -211,9 +212,14 @@ TEST_F(Reading, stopsDocumentsThatAreBuiltToExhaustIt) {
     parser.get()->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMNamespaces, true);
     EXPECT_EQ(parser.refusal(manyNames(200000, "b xmlns='u:", "'"), false),
               "XML content can not have more than 2000 namespaces");
-    EXPECT_EQ(
-        parser.refusal(repeated(withAttributes(50, "xmlns:b") + ">", 39) + repeated("<c/>", 600000), false),
-        "XML content has too many names below too many namespaces");
+    const std::pair<std::string, const char*> deepOnes[] = {
+        {repeated(withAttributes(50, "xmlns:b") + ">", 39) + repeated("<c/>", 600000), MANY_BELOW},
+        {repeated("<a>", 900) + repeated("<b/>", 100000), MANY_BELOW},
+        {repeated("<a>", 900) + repeated("<b xml:c='' xml:d='' xml:e=''/>", 10000), MANY_BELOW},
+        {repeated("<a>", 60) + repeated("<b c='' xml:d=''/>", 400000) + repeated("</a>", 60), ""},
+    };
+    for (const auto& [document, refusal] : deepOnes)
+        EXPECT_EQ(parser.refusal(document, false), refusal) << document.substr(0, 40);
     EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
