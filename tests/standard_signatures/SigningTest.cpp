@@ -408,6 +408,7 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
     const auto withID = [&](const std::string& id) {
         return bound("w:storeItemID='" + id + "' w:xpath='/a'");
     };
+    const std::string comment = "<!--" + std::string(60000, 'x') + "-->";
     const std::string core = "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}";
     const struct {
         std::string control; ///< an element in the document
@@ -432,6 +433,9 @@ TEST(StandardSigning, RefusesControlsThatTakeAnyStore) {
         {noID, true},
         {noID, false, {"<a/>", "<b/>"}},
         {noID, false, {"<a/>"}},
+        {noID, false, {"<a/>", comment + "<b/>"}},
+        {noID, true, {"<a/>", comment + comment + "<b/>"}},            // nobody reads that far
+        {noID, true, std::vector<std::string>(300, comment + "<b/>")}, // nor so many
         {bound("x:storeItemID='{1}' xmlns:x='u:x' w:xpath='/a'"), true},
         {bound("x:storeItemID='{3}' xmlns:x='u:x' w:storeItemID='{1}' w:xpath='/a'"), true},
         {bound("x:xpath='/a' xmlns:x='u:x' w:xpath='/b'"), true},

@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace opc::standard_signatures {
 
@@ -62,21 +64,11 @@ public:
 
     std::string ofRoot;        ///< as it is written; empty if all programs don't find it
     std::set<std::string> all; ///< at whatever element
+    bool isLeft = false;       ///< unread: others took all the room
 
 private:
     unsigned depth = 0;
 };
-
-DescriptionReader readDescription(const PackageContents& contents, const StoredPart& part) {
-    constexpr std::uint64_t LONGEST = 65536; // a description has an ID and some schemas
-    DescriptionReader reader;
-    try {
-        reader.read(*contents.open(part), LONGEST);
-    } catch (const Exception&) { // other programs may read on; what came so far counts
-        reader.ofRoot.clear();
-    }
-    return reader;
-}
 
 class RootReader final : public PackageDocument {
 public:
@@ -90,22 +82,69 @@ public:
     std::u16string name;
 };
 
-std::u16string readRootName(const PackageContents& contents, const StoredPart& part) {
-    constexpr std::uint64_t FARTHEST = 1U << 20; // bytes: comments can stand in front of it
-    RootReader reader;
-    try {
-        reader.read(*contents.open(part), FARTHEST);
-    } catch (const RootReader::Done&) {
-    } catch (const Exception&) { // it can't be told
+/// A content that takes room as it is read.
+class PaidContent final : public InputStream {
+public:
+    PaidContent(std::unique_ptr<InputStream> content, std::uint64_t& room)
+        : content(std::move(content)), room(room) {}
+
+    void open() override { content->open(); }
+    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
+        const std::uint64_t got = content->read(buffer, count);
+        room -= std::min(room, got);
+        return got;
     }
-    return reader.name;
-}
+    bool isDone() const override { return content->isDone(); }
+    void close() override { content->close(); }
+
+private:
+    const std::unique_ptr<InputStream> content;
+    std::uint64_t& room;
+};
+
+/// Reads the beginnings of documents, in all far more than packages have.
+class BeginningsReader {
+public:
+    explicit BeginningsReader(const PackageContents& contents) : contents(contents) {}
+
+    DescriptionReader readDescription(const StoredPart& part) {
+        DescriptionReader reader;
+        reader.isLeft = room == 0;
+        try {
+            read(reader, part);
+        } catch (const Exception&) { // other programs may read on; what came so far counts
+            reader.ofRoot.clear();
+        }
+        return reader;
+    }
+
+    /// @return an empty one if it can't be told
+    std::u16string readRootName(const StoredPart& part) {
+        RootReader reader;
+        try {
+            read(reader, part);
+        } catch (const RootReader::Done&) {
+        } catch (const Exception&) {
+        }
+        return reader.name;
+    }
+
+private:
+    void read(PackageDocument& reader, const StoredPart& part) {
+        constexpr std::uint64_t FARTHEST = 65536; // bytes: a description has an ID and some schemas
+        PaidContent content(contents.open(part), room);
+        reader.read(content, std::min(FARTHEST, room));
+    }
+
+    const PackageContents& contents;
+    std::uint64_t room = 16U << 20; ///< bytes
+};
 
 /// The stores of a package and what describes them.
 class Stores {
 public:
     Stores(const PackageContents& contents, const std::vector<MappedRelationship>& relationships)
-        : contents(contents) {
+        : contents(contents), beginnings(contents) {
         for (const StoredPart& part : contents.parts()) // some programs go by the content type
             if (part.contentType && part.contentType->size() == CONTENT_TYPE.size() &&
                 keyOf(*part.contentType) == CONTENT_TYPE)
@@ -126,8 +165,8 @@ public:
         std::map<const StoredPart*, std::string> ids; // of the stores
         std::set<std::string> known;
         for (const auto& [part, users] : descriptions) {
-            const DescriptionReader read = readDescription(contents, *part);
-            bool isTwin = users.size() > 1;
+            const DescriptionReader read = beginnings.readDescription(*part);
+            bool isTwin = users.size() > 1 || read.isLeft;
             for (const std::string& id : read.all)
                 isTwin = !known.insert(id).second || isTwin;
             if (isTwin)
@@ -158,17 +197,18 @@ private:
     }
 
     /// With the properties of the package, into which programs look, too.
-    std::vector<DataStore> listStores(const std::map<const StoredPart*, std::string>& ids) const {
+    std::vector<DataStore> listStores(const std::map<const StoredPart*, std::string>& ids) {
         std::vector<DataStore> list{{u"coreProperties", "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}"},
                                     {u"Properties", "{6668398D-A668-4E3E-A5EB-62B293D839F1}"}};
         for (const StoredPart* const part : parts) {
             const auto id = ids.find(part);
-            list.push_back({readRootName(contents, *part), id == ids.end() ? std::string() : id->second});
+            list.push_back({beginnings.readRootName(*part), id == ids.end() ? std::string() : id->second});
         }
         return list;
     }
 
     const PackageContents& contents;
+    BeginningsReader beginnings;
     std::set<const StoredPart*> parts; ///< in the order of the package, also those that nothing describes
     /// By part, with the relationships that lead to it.
     std::map<const StoredPart*, std::vector<const MappedRelationship*>> descriptions;
