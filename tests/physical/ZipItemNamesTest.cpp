@@ -170,6 +170,22 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
              it.streamed = true, it.flags = 8, it.descriptorIsSigned = false;
              it.zip64 = true, it.descriptorWidth = 8;
          }},
+        {"a: its data descriptor has no mark\n",
+         [](RawItem& it) {
+             it = oddlyDeflated("a", "content");
+             it.streamed = true, it.flags = 8, it.descriptorIsSigned = false;
+         }},
+        {"a: its compressed data has the marks of its end and of more\n", // in a stored block
+         [](RawItem& it) {
+             it =
+                 oddlyDeflated("a", std::string(66000, 'x') + "PK\7\10" + std::string(66000, 'x') + "PK\1\2");
+             it.streamed = true, it.flags = 8;
+         }},
+        {"", // such a mark is there by chance
+         [](RawItem& it) {
+             it = oddlyDeflated("a", "PK\1\2, PK\7\10");
+             it.streamed = true, it.flags = 8;
+         }},
         {"a: its data descriptor has no room for the numbers of ZIP64\n",
          [](RawItem& it) {
              it = oddlyDeflated("a", "content");

@@ -102,11 +102,9 @@ void LayoutCheck::checkItem(ItemIndex index) {
 /// Programs that don't use the directory find the next item behind the descriptor.
 void LayoutCheck::checkDescriptor(ItemIndex index, const unsigned char* header,
                                   const unsigned char* descriptor, std::size_t size) {
-    const DirectoryEntry& entry = directory.entries[index];
     if (size == 0)
         directory.ambiguities.push_back({index, "its data descriptor is missing"});
-    else if (entry.method == STORE && entry.compressedSize != 0 && hasOpenEnd(header) &&
-             read32(descriptor) != DESCRIPTOR)
+    else if (read32(descriptor) != DESCRIPTOR)
         directory.ambiguities.push_back({index, "its data descriptor has no mark"});
     else if (size < SHORTEST_LARGE_DESCRIPTOR && hasZip64Field(header))
         directory.ambiguities.push_back({index, "its data descriptor has no room for the numbers of ZIP64"});

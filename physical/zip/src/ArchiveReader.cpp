@@ -5,6 +5,7 @@
 #include "Failure.hpp"
 #include "LocalHeader.hpp"
 #include "OrdinaryBlock.hpp"
+#include "RecordSignatures.hpp"
 #include "Records.hpp"
 
 #include <opc/physical/ZipOptions.hpp>
@@ -35,6 +36,26 @@ void ArchiveReader::checkLayoutNow() {
     } catch (...) {
         hasCheckedLayout = false;
         throw;
+    }
+}
+
+void ArchiveReader::searchContents() {
+    if (std::exchange(hasSearchedContents, true))
+        return;
+    std::vector<unsigned char> buffer;
+    for (ItemIndex index = 0; index < itemCount(); ++index) {
+        const DirectoryEntry& entry = item(index);
+        if (entry.method == STORE || (entry.flags & DATA_DESCRIPTOR) == 0)
+            continue;
+        unsigned char header[LOCAL_HEADER_SIZE];
+        const std::uint64_t start = entry.offset + lookAtStart(index, header, sizeof header).headerSize;
+        const auto readContent = [&](std::uint64_t offset, std::size_t count) {
+            buffer.resize(std::max(buffer.size(), count));
+            return look(index, start + offset, buffer.data(), count);
+        };
+        if (holdsDescriptorAndMore(entry.compressedSize, readContent))
+            directory.ambiguities.push_back(
+                {index, "its compressed data has the marks of its end and of more"});
     }
 }
 

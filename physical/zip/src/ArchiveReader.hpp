@@ -55,6 +55,9 @@ public:
     /// Compares all local headers, and the whole layout of the archive, if that wasn't done yet.
     void checkLayoutNow();
 
+    /// Looks into the compressed data of items for records that other programs may take for those of the archive, once.
+    void searchContents();
+
     /// The size of an item's entry in the directory.
     std::size_t recordSize(ItemIndex index) const;
 
@@ -137,6 +140,7 @@ private:
     bool lenient = false;
     bool comparesHeaders = true;
     bool hasCheckedLayout = true;
+    bool hasSearchedContents = false;
     ArchiveDirectory directory;
     std::set<ItemIndex> unfinished;
     std::unique_ptr<Inflater> spare;

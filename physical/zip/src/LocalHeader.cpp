@@ -64,13 +64,6 @@ void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, 
         failItem(entry, archive, "its local header differs from the directory");
 }
 
-bool hasOpenEnd(const unsigned char* header) {
-    std::uint64_t compressedSize = read32(header + 18);
-    std::uint64_t size = read32(header + 22);
-    Zip64Field field = zip64FieldOf(header);
-    return !field.resolve(size) || !field.resolve(compressedSize) || compressedSize == 0;
-}
-
 bool hasZip64Field(const unsigned char* header) {
     ExtraFieldWalk walk(header + LOCAL_HEADER_SIZE + read16(header + 26), read16(header + 28));
     for (ExtraField field; walk.next(field);)

@@ -14,9 +14,6 @@ namespace opc::physical::zip {
 /// @param archive  the archive's name for messages
 void checkLocalHeader(const DirectoryEntry& entry, const unsigned char* header, const std::string& archive);
 
-/// Whether a local header doesn't say how long the content is.
-bool hasOpenEnd(const unsigned char* header);
-
 /// Whether a local header has a ZIP64 field. Some programs take the numbers in the data descriptor for larger ones then.
 bool hasZip64Field(const unsigned char* header);
 

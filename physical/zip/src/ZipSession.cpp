@@ -293,6 +293,7 @@ std::vector<interfaces::MisnamedItem> ZipSession::misnamedItems() {
     };
     if (context.archive) {
         context.archive->checkLayoutNow();
+        context.archive->searchContents();
         context.archive->readAsMostProgramsDo();
         takeFindings();
         for (const Ambiguity& one : context.archive->ambiguities()) {
