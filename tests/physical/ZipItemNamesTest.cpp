@@ -181,6 +181,11 @@ TEST(ZipItemNames, areToldIfHeadersSayMoreThanTheName) {
                  oddlyDeflated("a", std::string(66000, 'x') + "PK\7\10" + std::string(66000, 'x') + "PK\1\2");
              it.streamed = true, it.flags = 8;
          }},
+        {"a: its content has the mark of its end\n", // whose length is in the ZIP64 field
+         [](RawItem& it) { it = stored("a", "PK\1\2"), it.zip64 = true; }},
+        {"a: its content has the mark of its end\n",
+         [](RawItem& it) { it = oddlyDeflated("a", "PK\3\4"), it.zip64 = true; }},
+        {"", [](RawItem& it) { it.zip64 = true; }},
         {"", // such a mark is there by chance
          [](RawItem& it) {
              it = oddlyDeflated("a", "PK\1\2, PK\7\10");

@@ -45,15 +45,20 @@ void ArchiveReader::searchContents() {
     std::vector<unsigned char> buffer;
     for (ItemIndex index = 0; index < itemCount(); ++index) {
         const DirectoryEntry& entry = item(index);
-        if (entry.method == STORE || (entry.flags & DATA_DESCRIPTOR) == 0)
+        unsigned char room[LOCAL_HEADER_SIZE];
+        const unsigned char* const header = look(index, entry.offset, room, sizeof room);
+        const bool isInZip64Field = read32(header + 18) == NO_ROOM_32 || read32(header + 22) == NO_ROOM_32;
+        const bool isWrittenEarly = entry.method != STORE && (entry.flags & DATA_DESCRIPTOR) != 0;
+        if (!isInZip64Field && !isWrittenEarly)
             continue;
-        unsigned char header[LOCAL_HEADER_SIZE];
-        const std::uint64_t start = entry.offset + lookAtStart(index, header, sizeof header).headerSize;
+        const std::uint64_t start = entry.offset + localHeaderSizeOf(header);
         const auto readContent = [&](std::uint64_t offset, std::size_t count) {
             buffer.resize(std::max(buffer.size(), count));
             return look(index, start + offset, buffer.data(), count);
         };
-        if (holdsDescriptorAndMore(entry.compressedSize, readContent))
+        if (isInZip64Field && holdsRecordSignature(entry.compressedSize, readContent))
+            directory.ambiguities.push_back({index, "its content has the mark of its end"});
+        else if (isWrittenEarly && holdsDescriptorAndMore(entry.compressedSize, readContent))
             directory.ambiguities.push_back(
                 {index, "its compressed data has the marks of its end and of more"});
     }

@@ -55,7 +55,7 @@ public:
     /// Compares all local headers, and the whole layout of the archive, if that wasn't done yet.
     void checkLayoutNow();
 
-    /// Looks into the compressed data of items for records that other programs may take for those of the archive, once.
+    /// Looks into the data of items for records that other programs may take for those of the archive, once.
     void searchContents();
 
     /// The size of an item's entry in the directory.

@@ -12,22 +12,44 @@ namespace opc::standard_signatures {
 
 namespace {
 
-enum class Kind { Other, Workbook, Strings, Styles };
+/// Which part programs find by its content type.
+enum class Kind {
+    None,
+    Other, ///< of an office program
+    Workbook,
+    Strings,
+    Styles,
+};
+
+// how the content types of such parts begin
+constexpr std::string_view OF_OFFICE_PROGRAMS[] = {
+    "application/vnd.openxmlformats-officedocument.", "application/vnd.ms-office.",
+    "application/vnd.ms-excel.", "application/vnd.ms-powerpoint.", "application/vnd.ms-word."};
 
 Kind kindOf(std::string_view contentType) {
     contentType = contentType.substr(0, contentType.find(';')); // no parameters
     contentType = contentType.substr(0, contentType.find_last_not_of(" \t") + 1);
     const std::string key = keyOf(contentType);
     const auto has = [&key](std::string_view word) { return key.find(word) != std::string::npos; };
-    if (keyEndsWith(key, ".main+xml") && (has("spreadsheetml") || has("ms-excel")))
-        return Kind::Workbook;
+    if (!keyEndsWith(key, "+xml") ||
+        std::none_of(std::begin(OF_OFFICE_PROGRAMS), std::end(OF_OFFICE_PROGRAMS),
+                     [&key](std::string_view begin) { return keyBeginsWith(key, begin); }))
+        return Kind::None;
+    if (keyEndsWith(key, ".main+xml"))
+        return has("spreadsheetml") || has("ms-excel") ? Kind::Workbook
+                                                       : Kind::None; // some give it to the extension
     return keyEndsWith(key, "spreadsheetml.sharedstrings+xml") ? Kind::Strings
            : keyEndsWith(key, "spreadsheetml.styles+xml")      ? Kind::Styles
                                                                : Kind::Other;
 }
 
 Kind kindOf(const StoredPart* part) {
-    return part != nullptr && part->contentType ? kindOf(*part->contentType) : Kind::Other;
+    return part != nullptr && part->contentType ? kindOf(*part->contentType) : Kind::None;
+}
+
+/// Whether there is one at most.
+bool isUnique(Kind kind) {
+    return kind == Kind::Workbook || kind == Kind::Strings || kind == Kind::Styles;
 }
 
 class Search {
@@ -36,10 +58,9 @@ public:
 
     std::vector<UnsignedChoice> run() {
         for (const StoredPart& part : contents.parts())
-            if (const Kind kind = kindOf(&part); kind != Kind::Other)
-                check(part, kind);
+            check(part, kindOf(&part));
         for (const std::string& type : contents.unusedContentTypes())
-            if (kindOf(type) != Kind::Other || (hasWorkbook() && isOfRelationships(type)))
+            if (isUnique(kindOf(type)) || (hasWorkbook() && isOfRelationships(type)))
                 add("/[Content_Types].xml",
                     "it has a content type for no part, by which some programs look for one");
         if (hasWorkbook())
@@ -51,10 +72,12 @@ private:
     void add(std::string_view part, const char* reason) { choices.push_back({part, reason}); }
 
     void check(const StoredPart& part, Kind kind) {
-        if (!known.insert(kind).second)
+        if (isUnique(kind) && !known.insert(kind).second)
             add(part.name, "another part has its content type, by which some programs find one of them, and "
                            "their order can't be signed");
-        if (!part.hasOwnContentType && !(kind == Kind::Workbook && part.key == "/xl/workbook.xml"))
+        const bool canShare =
+            kind == Kind::None || (kind == Kind::Workbook && part.key == "/xl/workbook.xml");
+        if (!part.hasOwnContentType && !canShare)
             add(part.name, "it has the content type of its extension, and some programs look for the part "
                            "with a content type of its own");
     }
