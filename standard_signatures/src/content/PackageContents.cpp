@@ -2,6 +2,7 @@
 
 #include "content/ContentForm.hpp"
 #include "content/ContentTypes.hpp"
+#include "content/ControlSearch.hpp"
 #include "content/NameSearch.hpp"
 #include "core/CountedStream.hpp"
 #include "crypto/Digest.hpp"
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 #include <variant>
 
@@ -27,10 +29,11 @@ namespace opc::standard_signatures {
 
 namespace {
 
-/// A content in which names are looked for while somebody reads it.
+/// A content in which something is looked for while somebody reads it.
+template <typename Search>
 class SearchedContent final : public InputStream {
 public:
-    SearchedContent(std::unique_ptr<InputStream> content, NameSearch& search)
+    SearchedContent(std::unique_ptr<InputStream> content, Search& search)
         : content(std::move(content)), search(search) {
         search.begin();
     }
@@ -49,7 +52,7 @@ public:
 
 private:
     const std::unique_ptr<InputStream> content;
-    NameSearch& search;
+    Search& search;
 };
 
 /// Does something once, and remembers how it failed.
@@ -108,6 +111,8 @@ struct PackageContents::Known {
     std::uint64_t roomForRelationships = 96U << 20; ///< bytes of what is read from them
     std::optional<NameSearch> search;
     std::map<const StoredPart*, std::size_t> searched; ///< parts, by their place in the search
+    std::optional<ControlSearch> controlSearch;
+    std::set<const StoredPart*> withoutControls;
     Digester digester;
     std::map<const StoredPart*, Outcome<RelationshipsDocument>> relationships;
     std::map<std::pair<const StoredPart*, const DigestMethod*>, Outcome<std::vector<unsigned char>>> digests;
@@ -260,6 +265,14 @@ void PackageContents::searchFor(const std::vector<const StoredPart*>& parts) {
     known->search.emplace(keys);
 }
 
+void PackageContents::searchForControls() {
+    known->controlSearch.emplace();
+}
+
+bool PackageContents::isWithoutControls(const StoredPart& part) const {
+    return known->withoutControls.count(&part) != 0;
+}
+
 bool PackageContents::isNamed(const StoredPart& part) const {
     const auto found = known->searched.find(&part);
     return found != known->searched.end() && known->search->isFound(found->second);
@@ -285,8 +298,13 @@ const std::vector<unsigned char>& PackageContents::digest(const StoredPart& part
     try {
         std::unique_ptr<InputStream> content = open(part);
         if (known->search && !part.source && !isDigested(part))
-            content = std::make_unique<SearchedContent>(std::move(content), *known->search);
+            content = std::make_unique<SearchedContent<NameSearch>>(std::move(content), *known->search);
+        if (known->controlSearch && !part.source)
+            content =
+                std::make_unique<SearchedContent<ControlSearch>>(std::move(content), *known->controlSearch);
         outcome = known->digester.of(*content, method);
+        if (known->controlSearch && !part.source && known->controlSearch->isWithout())
+            known->withoutControls.insert(&part);
     } catch (const Exception& failure) {
         outcome = Reason{Reason::Code::PartUnreadable, part.name, failureText(failure)};
     }

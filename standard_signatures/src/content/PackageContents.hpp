@@ -87,6 +87,12 @@ public:
     /// Lets `digest` look for the names of these parts in the contents that it reads. Called once.
     void searchFor(const std::vector<const StoredPart*>& parts);
 
+    /// Lets `digest` look for content controls in the contents that it reads.
+    void searchForControls();
+
+    /// Whether `digest` has read a part since, and no program can find a content control in it.
+    bool isWithoutControls(const StoredPart& part) const;
+
     /// Whether the name of a part was looked for and found.
     bool isNamed(const StoredPart& part) const;
 

@@ -183,17 +183,19 @@ bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, co
 
 } // namespace
 
-std::vector<const StoredPart*> findLooseBindings(const PackageContents& contents,
-                                                 const std::vector<DataStore>& stores) {
-    std::vector<const StoredPart*> loose;
+const std::vector<const StoredPart*>& DataBindings::loose() {
+    if (found)
+        return *found;
+    found.emplace();
     const StoreIndex index(stores);
     std::uint64_t left = 96U << 20;
     const auto& parts = contents.parts();
     if (std::any_of(parts.begin(), parts.end(), isWordProcessing)) // others have no content controls
         for (const StoredPart& part : parts)
-            if (!part.source && hasLooseBinding(contents, part, index, left))
-                loose.push_back(&part);
-    return loose;
+            if (!part.source && !contents.isWithoutControls(part) &&
+                hasLooseBinding(contents, part, index, left))
+                found->push_back(&part);
+    return *found;
 }
 
 } // namespace opc::standard_signatures

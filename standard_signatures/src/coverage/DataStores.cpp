@@ -1,6 +1,5 @@
 #include "coverage/DataStores.hpp"
 
-#include "coverage/DataBindings.hpp"
 #include "names/PartNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
@@ -160,8 +159,8 @@ public:
 
     bool areSeveral() const { return parts.size() > 1 || descriptions.size() > 1 || uses > 1; }
 
-    std::vector<UnsignedChoice> findChoices() {
-        std::vector<UnsignedChoice> choices;
+    StoresOfPackage find() {
+        StoresOfPackage found;
         std::map<const StoredPart*, std::string> ids; // of the stores
         std::set<std::string> known;
         for (const auto& [part, users] : descriptions) {
@@ -170,18 +169,15 @@ public:
             for (const std::string& id : read.all)
                 isTwin = !known.insert(id).second || isTwin;
             if (isTwin)
-                choices.push_back({part->name,
-                                   "it describes another data store with the same ID, and their order "
-                                   "can't be signed"});
+                found.twins.push_back({part->name,
+                                       "it describes another data store with the same ID, and their order "
+                                       "can't be signed"});
             for (const MappedRelationship* const user : users)
                 addId(ids, *user, read.ofRoot);
         }
         if (parts.size() > 1)
-            for (const StoredPart* const one : findLooseBindings(contents, listStores(ids)))
-                choices.push_back(
-                    {one->name,
-                     "a content control in it can take any data store, and their order can't be signed"});
-        return choices;
+            found.all = list(ids);
+        return found;
     }
 
 private:
@@ -197,14 +193,14 @@ private:
     }
 
     /// With the properties of the package, into which programs look, too.
-    std::vector<DataStore> listStores(const std::map<const StoredPart*, std::string>& ids) {
-        std::vector<DataStore> list{{u"coreProperties", "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}"},
-                                    {u"Properties", "{6668398D-A668-4E3E-A5EB-62B293D839F1}"}};
+    std::vector<DataStore> list(const std::map<const StoredPart*, std::string>& ids) {
+        std::vector<DataStore> listed{{u"coreProperties", "{6C3C8BC8-F283-45AE-878A-BAB7291924A1}"},
+                                      {u"Properties", "{6668398D-A668-4E3E-A5EB-62B293D839F1}"}};
         for (const StoredPart* const part : parts) {
             const auto id = ids.find(part);
-            list.push_back({beginnings.readRootName(*part), id == ids.end() ? std::string() : id->second});
+            listed.push_back({beginnings.readRootName(*part), id == ids.end() ? std::string() : id->second});
         }
-        return list;
+        return listed;
     }
 
     const PackageContents& contents;
@@ -217,10 +213,10 @@ private:
 
 } // namespace
 
-std::vector<UnsignedChoice> findStoreChoices(const PackageContents& contents,
-                                             const std::vector<MappedRelationship>& relationships) {
+StoresOfPackage findStores(const PackageContents& contents,
+                           const std::vector<MappedRelationship>& relationships) {
     Stores stores(contents, relationships);
-    return stores.areSeveral() ? stores.findChoices() : std::vector<UnsignedChoice>();
+    return stores.areSeveral() ? stores.find() : StoresOfPackage();
 }
 
 } // namespace opc::standard_signatures

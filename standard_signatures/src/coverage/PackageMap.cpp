@@ -124,9 +124,14 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     collect(contents);
     giveRoles();
     findRepeated();
-    choices = findStoreChoices(contents, all);
+    StoresOfPackage stores = findStores(contents, all);
+    choices = std::move(stores.twins);
     const std::vector<UnsignedChoice> byType = findContentTypeChoices(contents);
     choices.insert(choices.end(), byType.begin(), byType.end());
+    if (!stores.all.empty()) {
+        bindings = std::make_unique<DataBindings>(contents, std::move(stores.all));
+        contents.searchForControls();
+    }
     std::unordered_set<const StoredPart*> seen;
     for (const MappedRelationship& one : all) {
         if (one.values->isExternal &&
@@ -149,6 +154,18 @@ PackageMap::PackageMap(PackageContents& contents) : contents(contents) {
     findContentFolders();
     if (!isOfOfficeProgram())
         searchForExempt(contents);
+}
+
+PackageMap::~PackageMap() = default;
+
+std::vector<UnsignedChoice> PackageMap::unsignedChoices() const {
+    std::vector<UnsignedChoice> all = choices;
+    if (bindings)
+        for (const StoredPart* const part : bindings->loose())
+            all.push_back(
+                {part->name,
+                 "a content control in it can take any data store, and their order can't be signed"});
+    return all;
 }
 
 /// A part that needn't be signed is content if such a target has the last segment of its name anywhere.

@@ -6,6 +6,7 @@
 
 #include <opc/standard_signatures/Reason.hpp>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace opc::standard_signatures {
+
+class DataBindings;
 
 /// What a relationship is there for.
 enum class RelationshipRole {
@@ -41,6 +44,7 @@ class PackageMap {
 public:
     /// @param contents  must outlive this object
     explicit PackageMap(PackageContents& contents);
+    ~PackageMap();
 
     const std::vector<MappedRelationship>& relationships() const { return all; }
 
@@ -80,7 +84,8 @@ public:
     const std::vector<const MappedRelationship*>& repeatedImplicit() const { return repeated; }
 
     /// Other things of which programs take one: data stores, and parts with a content type.
-    const std::vector<UnsignedChoice>& unsignedChoices() const { return choices; }
+    /// The first call reads what can have content controls and wasn't digested so far.
+    std::vector<UnsignedChoice> unsignedChoices() const;
 
     /// The form that the content of a part must have to need no signature. A package has at most one part of each kind that
     /// custom leaves out, with one relationship.
@@ -110,6 +115,7 @@ private:
     std::vector<MappedRelationship> all;
     std::vector<const MappedRelationship*> repeated;
     std::vector<UnsignedChoice> choices;
+    std::unique_ptr<DataBindings> bindings; ///< if there are several data stores
     std::vector<Reason> failures;
     std::vector<const StoredPart*> signatureParts;
     std::unordered_map<const StoredPart*, const ContentForm*> exempt;
