@@ -812,8 +812,17 @@ TEST(StandardAttacks, TakeAPartToPieces) {
         itemOf(archive.items, "word/styles.xml").name += "/[0].last.piece";
         EXPECT_EQ(judge(archive, false) == "yes", isYes) << main;
         itemOf(archive.items, "word/styles.xml/[0].last.piece").name = "word/styles.xml/[0].piece";
+        const RawArchive first = archive;
         archive.items.push_back(stored("word/Styles.xml/[1].last.piece", ""));
         EXPECT_NE(judge(archive, false), "yes") << main;
+        for (const int count : {10, 11}) { // by their names, 10 stands in front of 2
+            archive = first;
+            for (int i = 1; i < count; ++i)
+                archive.items.push_back(stored("word/styles.xml/[" + std::to_string(i) +
+                                                   (i + 1 == count ? "].last.piece" : "].piece"),
+                                               ""));
+            EXPECT_EQ(judge(archive, false) == "yes", isYes && count == 10) << main;
+        }
     }
 }
 

@@ -112,6 +112,13 @@ bool isOdd(const RelationshipValues& values) {
                      target.find("%25") != std::string_view::npos;
 }
 
+/// Whether it is a piece from `[10]` on. Some programs join pieces in the order of their names, where that is in front of `[2]`.
+bool isOfMany(const interfaces::MisnamedItem& piece) {
+    constexpr std::size_t BRACKET_AND_DIGIT = 2;
+    const std::size_t begin = piece.name.rfind(u'[');
+    return piece.name.find(u']', begin) - begin > BRACKET_AND_DIGIT;
+}
+
 /// Whether a type could be taken for that of the main document, by a program that isn't strict about it.
 bool isMainType(std::string_view type) {
     constexpr std::string_view END = "/officedocument";
@@ -362,7 +369,8 @@ void PackageMap::findRepeated() {
 std::vector<interfaces::MisnamedItem> PackageMap::misnamedItems() const {
     std::vector<interfaces::MisnamedItem> items = contents.misnamedItems();
     if (isOfFixedPages())
-        items.erase(std::remove_if(items.begin(), items.end(), [](const auto& item) { return item.isPiece; }),
+        items.erase(std::remove_if(items.begin(), items.end(),
+                                   [](const auto& item) { return item.isPiece && !isOfMany(item); }),
                     items.end());
     return items;
 }
