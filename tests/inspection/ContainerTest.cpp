@@ -138,7 +138,7 @@ TEST(Container, breaksOneRule) {
         {"no SEC-48", inArchive([](RawArchive& a) { a.beforeDirectory = std::string(7, '\0'); })},
         {"SEC-49 SEC-32", sharing()}, // that the twin has the local header of another name follows
         {"M3.8", withDocument([](RawItem& item) {
-             item.extra = field(0x7875, std::string(60000, '\0')), item.comment = std::string(6000, 'c');
+             item.extra = field(0x7875, std::string(32763, '\0')), item.comment = std::string(32767, 'c');
          })},
         {"M3.9", withDocument([](RawItem& item) { item.flags = 1; })},
         {"M3.9", withDocument([](RawItem& item) { item.extra = field(0x9901, std::string(7, '\0')); })},
@@ -163,6 +163,18 @@ TEST(Container, breaksOneRule) {
              item = stored(item.name, item.data);
              item.streamed = true, item.flags = 8;
          })},
+        {"SEC-59", withDocument([](RawItem& item) {
+             item = oddlyDeflated(item.name, item.data);
+             item.streamed = true, item.flags = 8, item.descriptorIsSigned = false;
+         })},
+        {"SEC-59", withDocument([](RawItem& item) {
+             item = oddlyDeflated(item.name, item.data + "<!--PK\7\x08 PK\1\2-->");
+             item.streamed = true, item.flags = 8;
+         })},
+        {"SEC-59", withDocument([](RawItem& item) { item.comment = "PK\3\4"; })},
+        {"no SEC-59", withDocument([](RawItem& item) { item.comment = "PK"; })},
+        {"SEC-59", withDocument([](RawItem& item) { item.localExtra.assign(32768, '\0'); })},
+        {"SEC-59", makeZip(small, "PK\5\6")},
         {"M3.14", withDocument([](RawItem& item) { ++item.size; })},
         {"M3.14", withDocument([](RawItem& item) {
              item.changeLocal = [](RawItem& local) { local.versionNeeded = 45; };

@@ -116,6 +116,8 @@ std::unique_ptr<InputStream> Archive::Impl::open(const std::vector<const Archive
         reader->setWhenRead(whenRead);
         if (isLenient)
             reader->takeUnfinished();
+        else
+            reader->readAsMostProgramsDo();
     }
     std::vector<ItemIndex> indexes;
     for (const ArchiveItem* item : items) {

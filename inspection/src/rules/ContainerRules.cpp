@@ -45,6 +45,15 @@ constexpr Rule CONTAINER_RULES[] = {
      "A program deleted an item by taking it out of the directory alone, or somebody hid data.", "",
      "Programs that read an archive from its start see the hidden items; all others don't.",
      "Write the archive anew."},
+    {"SEC-59", "Records that some programs read in another way", Severity::Warning, BOTH, "",
+     "No field and no data has the mark of another record where a program can take it for one, and whoever "
+     "reads an archive from its start finds the end of each item.",
+     "The file was made to show some programs other content, or hide some. Such marks hardly stand there by "
+     "chance.",
+     "",
+     "Programs that go by the directory notice nothing. Those that read from the start, or look for records "
+     "themselves, show something else.",
+     "Write the archive anew, without comments."},
     {"SEC-49", "Items that overlap", Severity::Error, BOTH, "", "No two items share bytes of the archive.",
      "The file was made to expand to far more than its size, or to show each program other content.", "",
      "Careful readers refuse the archive.", "Write the archive anew; don't expand this one."},

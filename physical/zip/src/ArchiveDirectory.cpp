@@ -81,9 +81,9 @@ void DirectoryReader::read() {
     directory.archiveEnd = end.archiveEnd;
     directory.otherDirectories = std::move(end.otherDirectories);
     if (end.hidesRecord)
-        directory.ambiguities.push_back({{}, "it" + std::string(HOLDS_A_MARK)});
+        directory.ambiguities.push_back({{}, "it" + std::string(HOLDS_A_MARK), true});
     if (end.lacksZip64)
-        directory.ambiguities.push_back({{}, "its numbers refer to a ZIP64 record that isn't there"});
+        directory.ambiguities.push_back({{}, "its numbers refer to a ZIP64 record that isn't there", true});
     if (!end.comment.empty())
         directory.unread.push_back({{}, commentOf(end.comment.size()) + " on the archive", false});
     directory.comment = std::move(end.comment);
@@ -124,12 +124,13 @@ void DirectoryReader::inspect(const unsigned char* record) {
     if (read16(record + 34) != 0)
         directory.ambiguities.push_back({item, "it is said to be in another file of several"});
     if (hidesRecord(record, record + directoryEntrySizeOf(record)))
-        directory.ambiguities.push_back({item, "its record in the directory" + std::string(HOLDS_A_MARK)});
+        directory.ambiguities.push_back(
+            {item, "its record in the directory" + std::string(HOLDS_A_MARK), true});
     const unsigned char* const extra = record + DIRECTORY_ENTRY_SIZE + read16(record + 28);
     inspectFields(extra, read16(record + 30), item, "its record in the directory", place, directory);
     const std::size_t size = read16(record + 32);
     if (size > MOST_FOR_SIGNED_NUMBERS)
-        directory.ambiguities.push_back({item, "its comment" + std::string(IS_NEGATIVE)});
+        directory.ambiguities.push_back({item, "its comment" + std::string(IS_NEGATIVE), true});
     if (size != 0)
         directory.unread.push_back({std::string(directory.entries[item].name), commentOf(size), false});
 }
@@ -222,7 +223,7 @@ void inspectFields(const unsigned char* extra, std::size_t size, ItemIndex item,
         directory.unread.push_back({std::string(entry.name), record + std::string(what), false});
     };
     if (size > MOST_FOR_SIGNED_NUMBERS)
-        directory.ambiguities.push_back({item, record + std::string(IS_NEGATIVE)});
+        directory.ambiguities.push_back({item, record + std::string(IS_NEGATIVE), true});
     bool hasPath = false;
     bool hasNumbers = false;
     ExtraFieldWalk walk(extra, size);

@@ -46,6 +46,7 @@ struct OtherName {
 struct Ambiguity {
     std::optional<ItemIndex> item; ///< none: it is about the end of the archive
     std::string reason;            ///< as words for a message
+    bool isHidden = false;         ///< whoever goes by the directory notices nothing of it
 };
 
 /// Something in an archive beside the contents of its items.

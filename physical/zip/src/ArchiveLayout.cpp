@@ -75,7 +75,7 @@ void LayoutCheck::checkItem(ItemIndex index) {
     const std::size_t extraSize = read16(header + 28);
     const std::size_t headerSize = localHeaderSizeOf(header);
     if (hidesRecord(header, header + headerSize + reachBehind(entry, headerSize)))
-        directory.ambiguities.push_back({index, "its local header" + std::string(HOLDS_A_MARK)});
+        directory.ambiguities.push_back({index, "its local header" + std::string(HOLDS_A_MARK), true});
     inspectFields(header + (headerSize - extraSize), extraSize, index, "its local header", place, directory);
     const std::uint64_t contentEnd = entry.offset + headerSize + entry.compressedSize;
     const bool isWrittenEarly = (read16(header + 6) & DATA_DESCRIPTOR) != 0;
@@ -105,9 +105,10 @@ void LayoutCheck::checkDescriptor(ItemIndex index, const unsigned char* header,
     if (size == 0)
         directory.ambiguities.push_back({index, "its data descriptor is missing"});
     else if (read32(descriptor) != DESCRIPTOR)
-        directory.ambiguities.push_back({index, "its data descriptor has no mark"});
+        directory.ambiguities.push_back({index, "its data descriptor has no mark", true});
     else if (size < SHORTEST_LARGE_DESCRIPTOR && hasZip64Field(header))
-        directory.ambiguities.push_back({index, "its data descriptor has no room for the numbers of ZIP64"});
+        directory.ambiguities.push_back(
+            {index, "its data descriptor has no room for the numbers of ZIP64", true});
 }
 
 /// An end record in a content must not lead to records. That of an archive in an archive doesn't, because its numbers count from
@@ -119,7 +120,7 @@ void LayoutCheck::checkOtherDirectory(std::uint64_t offset) {
     readRecord(archive, place, offset, start.data(), start.size());
     const std::uint32_t signature = read32(start.data());
     if (signature == DIRECTORY_ENTRY || signature == ZIP64_DIRECTORY_END)
-        directory.ambiguities.push_back({{}, "an end record in a content leads to records, too"});
+        directory.ambiguities.push_back({{}, "an end record in a content leads to records, too", true});
 }
 
 /// @return the whole local header and the first bytes behind it, as many as a mark can reach to, valid until the next call

@@ -57,10 +57,10 @@ void ArchiveReader::searchContents() {
             return look(index, start + offset, buffer.data(), count);
         };
         if (isInZip64Field && holdsRecordSignature(entry.compressedSize, readContent))
-            directory.ambiguities.push_back({index, "its content has the mark of its end"});
+            directory.ambiguities.push_back({index, "its content has the mark of its end", true});
         else if (isWrittenEarly && holdsDescriptorAndMore(entry.compressedSize, readContent))
             directory.ambiguities.push_back(
-                {index, "its compressed data has the marks of its end and of more"});
+                {index, "its compressed data has the marks of its end and of more", true});
     }
 }
 

@@ -1,5 +1,6 @@
 #include "checks/container/ContainerChecks.hpp"
 
+#include "archive/Ambiguities.hpp"
 #include "zip/src/Records.hpp"
 
 #include <algorithm>
@@ -81,6 +82,18 @@ void checkGap(const Archive& archive, const ArchiveGap& gap, Findings& findings)
                      bytesOf(gap.size) + " that belong to no item of the archive");
 }
 
+/// Only for programs that read records in another way than most.
+void checkAmbiguities(const Archive& archive, Findings& findings) {
+    for (const physical::zip::Ambiguity& one : archive::findAmbiguities(archive)) {
+        if (!one.isHidden)
+            continue; // other checks find it
+        const bool isOfItem = one.item && *one.item < archive.items().size();
+        findings.add("SEC-59", isOfItem ? placeOf(archive.items()[*one.item]) : Place(),
+                     std::string(isOfItem ? "The item" : "The archive") +
+                         " is another one for some programs: " + one.reason);
+    }
+}
+
 } // namespace
 
 void checkRecords(const Subject& subject, Findings& findings) {
@@ -105,6 +118,8 @@ void checkRecords(const Subject& subject, Findings& findings) {
                          "A hidden item: it has a local header, but the directory doesn't list it");
     for (const ArchiveGap& gap : archive.gaps())
         checkGap(archive, gap, findings);
+    if (findings.wants("SEC-59"))
+        checkAmbiguities(archive, findings);
     if (const std::string comment = archive.comment(); !comment.empty())
         findings.add("SEC-51", {},
                      "The archive has a comment of " + std::to_string(comment.size()) + " bytes");
