@@ -232,7 +232,7 @@ TEST(StandardAttacks, PlayWithRelationships) {
                 "word/document.xml")},
         {"gap: / more than one relationship leads to a main document",
          adding(PACKAGE, OFFICE + "officeDocument/", "word/document.xml")},
-        {"gap: /word/document.xml rId10 there is another one of this type", // and what is signed keeps no order
+        {"gap: /word/document.xml rId10 there is another one of its kind", // and what is signed keeps no order
          adding(DOCUMENT, OFFICE + "styles", "other.xml")},
         {"gap: / evil the relationship isn't signed",
          adding(PACKAGE, OFFICE + "custom-properties", "none.xml")},

@@ -283,6 +283,16 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
         }
         EXPECT_EQ(refused, isRefused) << second << sourceType << secondStore;
     }
+    for (const char* const second : {"b.txt", "b.MODEL"}) { // whatever the types are
+        PlainSample sample;
+        sample.replace(package, "</Relationships>",
+                       "<Relationship Id='a' Target='a.model' Type='u:a'/><Relationship Id='b' Target='" +
+                           std::string(second) + "' Type='u:b'/></Relationships>");
+        if (second[2] == 't')
+            EXPECT_NO_THROW(sign(sample));
+        else
+            EXPECT_THROW(sign(sample), SigningRefused);
+    }
 }
 
 /// Programs that read spreadsheets find parts by their content types, and differ on where they look.

@@ -353,6 +353,7 @@ bool PackageMap::isAmongContent(const StoredPart& part) const {
     return false;
 }
 
+/// Programs for models of solids take the first target of the package with the extension of one, whatever the type says.
 void PackageMap::findRepeated() {
     std::set<std::pair<const StoredPart*, std::string>> known;
     for (const MappedRelationship& one : all) {
@@ -360,7 +361,8 @@ void PackageMap::findRepeated() {
         const std::string_view sourceType = source == nullptr     ? std::string_view("/")
                                             : source->contentType ? std::string_view(*source->contentType)
                                                                   : std::string_view();
-        std::string kind = implicitKindOf(one.values->type, sourceType);
+        const bool isModel = *one.document->source == "/" && keyEndsWith(one.values->target, ".model");
+        std::string kind = isModel ? "model" : implicitKindOf(one.values->type, sourceType);
         if (!kind.empty() && !known.emplace(one.document, std::move(kind)).second)
             repeated.push_back(&one);
     }

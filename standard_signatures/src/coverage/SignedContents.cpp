@@ -106,7 +106,7 @@ private:
         for (const MappedRelationship* const one : map.repeatedImplicit())
             if (contents.parts.count(one->document) == 0)
                 addGap({GapKind::Relationship, *one->document->source, one->values->id, one->values->type,
-                        "there is another one of this type, and their order isn't signed"});
+                        "there is another one of its kind, and their order isn't signed"});
         for (const UnsignedChoice& one : map.unsignedChoices())
             addGap({GapKind::Item, std::string(one.part), {}, {}, one.reason});
     }
