@@ -251,7 +251,7 @@ TEST(StandardAttacks, PlayWithRelationships) {
                                                "Target='b'/></Relationship>")},
         {"It has changed since it was signed", fromDocument("'styles.xml'", "'st%79les.xml'")},
         {"It has changed since it was signed", fromDocument("'styles.xml'", "'./styles.xml'")},
-        {"The Target \"styles.xml \"", fromDocument("'styles.xml'", "'styles.xml\n'")},
+        {"The Target \"styles.xml\n\"", fromDocument("'styles.xml'", "'styles.xml&#xA;'")},
         {"A character is written as its number", fromDocument("'styles.xml'", "'styles&#x2e;xml'")},
         {"It has changed since it was signed", fromDocument("/image'", "/Image'")},
         {"/word/_rels/document.xml.rels: The document is neither in UTF-8 nor in UTF-16",

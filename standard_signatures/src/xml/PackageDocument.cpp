@@ -1,9 +1,10 @@
 #include "xml/PackageDocument.hpp"
 
+#include "xml/NeedlessReferences.hpp"
+
 #include <opc/model/Errors.hpp>
 
 #include <algorithm>
-#include <cstring>
 
 namespace opc::standard_signatures {
 
@@ -23,15 +24,15 @@ public:
         stream.open();
         first.clear();
         taken = 0;
-        isBehindAmpersand = false;
+        references = {};
     }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
         const std::uint64_t got = stream.read(buffer, count);
         if (taken < ENOUGH)
             look(buffer, got);
         taken += got;
-        if (!document.takesNumbers)
-            findNumbers(buffer, buffer + got);
+        if (!document.takesNeedlessReferences && references.find(buffer, static_cast<std::size_t>(got)))
+            refuse("A character is written as its number without need, which not all programs resolve");
         if (taken > most)
             refuse("The document is longer than " + std::to_string(most) + " bytes");
         return got;
@@ -55,28 +56,10 @@ private:
         document.isUTF16 = hasMark;
     }
 
-    /// In UTF-8 and in UTF-16, whose zeros are passed over.
-    void findNumbers(const unsigned char* bytes, const unsigned char* end) {
-        while (bytes != end) {
-            if (!isBehindAmpersand) {
-                bytes = static_cast<const unsigned char*>(
-                    std::memchr(bytes, '&', static_cast<std::size_t>(end - bytes)));
-                if (bytes == nullptr)
-                    return;
-                isBehindAmpersand = true;
-            } else if (*bytes != 0) {
-                if (*bytes == '#')
-                    refuse("A character is written as its number, which not all programs resolve");
-                isBehindAmpersand = *bytes == '&';
-            }
-            ++bytes;
-        }
-    }
-
     InputStream& stream;
     const std::uint64_t most;
-    bool isBehindAmpersand = false;
     PackageDocument& document;
+    NeedlessReferences references;
     std::string first;
     std::uint64_t taken = 0;
 };

@@ -21,8 +21,9 @@ public:
     /// @throws the exceptions of the stream, and of the functions that receive what stands in the document
     void read(InputStream& stream, std::uint64_t mostBytes = MOST_BYTES);
 
-    /// Refuses characters that are written as their numbers: some programs don't resolve these, so that they read other values.
-    void refuseNumbers() { takesNumbers = false; }
+    /// Refuses characters of ASCII that are written as their numbers without need: some programs don't resolve these, so that they
+    /// read other values.
+    void refuseNeedlessReferences() { takesNeedlessReferences = false; }
 
     void onVersion(std::u16string_view version) final;
     void onDeclaration(std::u16string_view encoding) final;
@@ -37,7 +38,7 @@ private:
     class CheckedBytes;
 
     bool isUTF16 = false;
-    bool takesNumbers = true;
+    bool takesNeedlessReferences = true;
     std::size_t spaceLeft = 1U << 20;
 };
 
