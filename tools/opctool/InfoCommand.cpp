@@ -67,8 +67,13 @@ ordered_json countRelationships(const opc::model::Package& package) {
     for (const Part& part : package.getParts())
         add(part);
     ordered_json list = ordered_json::array();
-    for (const auto& [type, count] : byType)
-        list.push_back({{"type", type}, {"count", count.all}, {"external", count.external}});
+    while (!byType.empty()) { // types can be very long: none is kept twice
+        auto node = byType.extract(byType.begin());
+        ordered_json& row = list.emplace_back();
+        row["type"] = std::move(node.key());
+        row["count"] = node.mapped().all;
+        row["external"] = node.mapped().external;
+    }
     return {{"count", total.all}, {"external", total.external}, {"byType", list}};
 }
 

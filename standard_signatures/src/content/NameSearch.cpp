@@ -131,7 +131,7 @@ bool NameSearch::Reference::take(unsigned char byte) {
     const int digit = hexDigitOf(byte);
     if (state != State::Number) {
         const bool isBegun = state == State::Begun;
-        if (byte != (isBegun ? '#' : '&'))
+        if (static_cast<char>(byte) != (isBegun ? '#' : '&'))
             return false;
         *this = Reference();
         state = isBegun ? State::Number : State::Begun;

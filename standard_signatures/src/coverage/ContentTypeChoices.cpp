@@ -13,7 +13,7 @@ namespace opc::standard_signatures {
 namespace {
 
 /// Which part programs find by its content type.
-enum class Kind {
+enum class PartKind {
     None,
     Other, ///< of an office program
     Workbook,
@@ -26,7 +26,7 @@ constexpr std::string_view OF_OFFICE_PROGRAMS[] = {
     "application/vnd.openxmlformats-officedocument.", "application/vnd.ms-office.",
     "application/vnd.ms-excel.", "application/vnd.ms-powerpoint.", "application/vnd.ms-word."};
 
-Kind kindOf(std::string_view contentType) {
+PartKind kindOf(std::string_view contentType) {
     contentType = contentType.substr(0, contentType.find(';')); // no parameters
     contentType = contentType.substr(0, contentType.find_last_not_of(" \t") + 1);
     const std::string key = keyOf(contentType);
@@ -34,22 +34,22 @@ Kind kindOf(std::string_view contentType) {
     if (!keyEndsWith(key, "+xml") ||
         std::none_of(std::begin(OF_OFFICE_PROGRAMS), std::end(OF_OFFICE_PROGRAMS),
                      [&key](std::string_view begin) { return keyBeginsWith(key, begin); }))
-        return Kind::None;
+        return PartKind::None;
     if (keyEndsWith(key, ".main+xml"))
-        return has("spreadsheetml") || has("ms-excel") ? Kind::Workbook
-                                                       : Kind::None; // some give it to the extension
-    return keyEndsWith(key, "spreadsheetml.sharedstrings+xml") ? Kind::Strings
-           : keyEndsWith(key, "spreadsheetml.styles+xml")      ? Kind::Styles
-                                                               : Kind::Other;
+        return has("spreadsheetml") || has("ms-excel") ? PartKind::Workbook
+                                                       : PartKind::None; // some give it to the extension
+    return keyEndsWith(key, "spreadsheetml.sharedstrings+xml") ? PartKind::Strings
+           : keyEndsWith(key, "spreadsheetml.styles+xml")      ? PartKind::Styles
+                                                               : PartKind::Other;
 }
 
-Kind kindOf(const StoredPart* part) {
-    return part != nullptr && part->contentType ? kindOf(*part->contentType) : Kind::None;
+PartKind kindOf(const StoredPart* part) {
+    return part != nullptr && part->contentType ? kindOf(*part->contentType) : PartKind::None;
 }
 
 /// Whether there is one at most.
-bool isUnique(Kind kind) {
-    return kind == Kind::Workbook || kind == Kind::Strings || kind == Kind::Styles;
+bool isUnique(PartKind kind) {
+    return kind == PartKind::Workbook || kind == PartKind::Strings || kind == PartKind::Styles;
 }
 
 class Search {
@@ -71,18 +71,18 @@ public:
 private:
     void add(std::string_view part, const char* reason) { choices.push_back({part, reason}); }
 
-    void check(const StoredPart& part, Kind kind) {
+    void check(const StoredPart& part, PartKind kind) {
         if (isUnique(kind) && !known.insert(kind).second)
             add(part.name, "another part has its content type, by which some programs find one of them, and "
                            "their order can't be signed");
         const bool canShare =
-            kind == Kind::None || (kind == Kind::Workbook && part.key == "/xl/workbook.xml");
+            kind == PartKind::None || (kind == PartKind::Workbook && part.key == "/xl/workbook.xml");
         if (!part.hasOwnContentType && !canShare)
             add(part.name, "it has the content type of its extension, and some programs look for the part "
                            "with a content type of its own");
     }
 
-    bool hasWorkbook() const { return known.count(Kind::Workbook) != 0; }
+    bool hasWorkbook() const { return known.count(PartKind::Workbook) != 0; }
 
     static bool isOfRelationships(const std::string& contentType) {
         return keyOf(contentType) == RELATIONSHIPS_CONTENT_TYPE;
@@ -96,12 +96,12 @@ private:
             return;
         for (const StoredPart& part : parts)
             if (part.source && part.key.find("book") != std::string::npos &&
-                kindOf(contents.find(*part.source)) != Kind::Workbook)
+                kindOf(contents.find(*part.source)) != PartKind::Workbook)
                 add(part.name, "some programs take it for the relationships of the workbook");
     }
 
     const PackageContents& contents;
-    std::set<Kind> known;
+    std::set<PartKind> known;
     std::vector<UnsignedChoice> choices;
 };
 

@@ -77,7 +77,7 @@ std::string unforeseenDigits(const std::string& document) {
     return digits;
 }
 
-constexpr std::string_view FOLDER = "/_xmlsignatures/";
+constexpr std::string_view SIGNATURE_FOLDER = "/_xmlsignatures/";
 
 /// The folder of a part, with a slash at its end.
 std::string folderOf(const PartName& part) {
@@ -87,9 +87,9 @@ std::string folderOf(const PartName& part) {
 
 PartName addOrigin(Package& package, const PackageMap& map) {
     const FreeNames names(package, map);
-    PartName name(wide(FOLDER) + u"origin.sigs");
+    PartName name(wide(SIGNATURE_FOLDER) + u"origin.sigs");
     if (!names.isFree(name))
-        name = names.find(std::string(FOLDER) + "origin", ".sigs");
+        name = names.find(std::string(SIGNATURE_FOLDER) + "origin", ".sigs");
     package.createInternalRelationship(wide(ORIGIN_RELATIONSHIP), URI(name.toString()));
     package.createPart(name, model::ContentType(wide(ORIGIN_CONTENT_TYPE)), model::StandardPartInfo())
         .getOutputStream()
