@@ -28,7 +28,7 @@ bool isPlainExtension(std::string_view text) {
 
 class ContentTypes::Reader final : public PackageDocument {
 public:
-    explicit Reader(ContentTypes& types) : types(types) { refuseNeedlessReferences(); }
+    explicit Reader(ContentTypes& types) : types(types) { requireUsualSpelling(); }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {
         const bool isDefault = element.localName() == u"Default";

@@ -19,7 +19,7 @@ public:
     explicit Reader(RelationshipsDocument& document) : document(document) {
         constexpr std::size_t USUAL_COUNT = 8;
         document.relationships.reserve(USUAL_COUNT);
-        refuseNeedlessReferences();
+        requireUsualSpelling();
     }
 
     void onStart(const model::XmlElement& element, const model::XmlPlace&) override {

@@ -1,6 +1,6 @@
 #include "xml/PackageDocument.hpp"
 
-#include "xml/NeedlessReferences.hpp"
+#include "xml/UsualSpelling.hpp"
 
 #include <opc/model/Errors.hpp>
 
@@ -24,15 +24,16 @@ public:
         stream.open();
         first.clear();
         taken = 0;
-        references = {};
+        spelling = {};
     }
     std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
         const std::uint64_t got = stream.read(buffer, count);
         if (taken < ENOUGH)
             look(buffer, got);
         taken += got;
-        if (!document.takesNeedlessReferences && references.find(buffer, static_cast<std::size_t>(got)))
-            refuse("A character is written as its number without need, which not all programs resolve");
+        if (document.needsUsualSpelling)
+            if (const char* const odd = spelling.findOdd(buffer, static_cast<std::size_t>(got)))
+                refuse(odd);
         if (taken > most)
             refuse("The document is longer than " + std::to_string(most) + " bytes");
         return got;
@@ -53,13 +54,15 @@ private:
         const bool isMarkup = std::string_view("<\xEF \t\r\n").find(first[0]) != std::string_view::npos;
         if (isUTF32 || (!hasMark && !(isOneByteEach && isMarkup)))
             refuse(OTHER_ENCODING);
+        if (hasMark && document.needsUsualSpelling)
+            refuse("The document is in UTF-16, which not all programs read");
         document.isUTF16 = hasMark;
     }
 
     InputStream& stream;
     const std::uint64_t most;
     PackageDocument& document;
-    NeedlessReferences references;
+    UsualSpelling spelling;
     std::string first;
     std::uint64_t taken = 0;
 };

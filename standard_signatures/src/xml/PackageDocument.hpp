@@ -21,9 +21,8 @@ public:
     /// @throws the exceptions of the stream, and of the functions that receive what stands in the document
     void read(InputStream& stream, std::uint64_t mostBytes = MOST_BYTES);
 
-    /// Refuses characters of ASCII that are written as their numbers without need: some programs don't resolve these, so that they
-    /// read other values.
-    void refuseNeedlessReferences() { takesNeedlessReferences = false; }
+    /// Refuses documents in UTF-16, and those in which some programs see other values (`UsualSpelling`).
+    void requireUsualSpelling() { needsUsualSpelling = true; }
 
     void onVersion(std::u16string_view version) final;
     void onDeclaration(std::u16string_view encoding) final;
@@ -38,7 +37,7 @@ private:
     class CheckedBytes;
 
     bool isUTF16 = false;
-    bool takesNeedlessReferences = true;
+    bool needsUsualSpelling = false;
     std::size_t spaceLeft = 1U << 20;
 };
 
