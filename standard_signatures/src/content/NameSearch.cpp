@@ -88,18 +88,20 @@ void NameSearch::look(const unsigned char* bytes, std::size_t count) {
 
 /// Passes over what begins nothing, some bytes at once where it can. It never passes over the last byte, whose next one isn't known.
 const unsigned char* NameSearch::skip(const unsigned char* bytes, const unsigned char* end) const {
-    constexpr std::ptrdiff_t STEP = 8;
-    static_assert(FIRST == SECOND >> 1U);
+    constexpr unsigned STEP = 8;
+    constexpr std::uint64_t EACH = 0x0101010101010101;
+    static_assert(FIRST == 1 && SECOND == 2);
+    for (; end - bytes > std::ptrdiff_t{STEP}; bytes += STEP) {
+        std::uint64_t all = 0; // the kinds of these bytes, the first one lowest
+        for (unsigned i = 0; i < STEP; ++i)
+            all |= std::uint64_t{kinds[bytes[i]]} << 8 * i;
+        const std::uint64_t next = all >> 8 | std::uint64_t{kinds[bytes[STEP]]} << 8 * (STEP - 1);
+        if ((all & (EACH * SPECIAL | (next >> 1 & EACH))) != 0)
+            break;
+    }
     const auto begins = [this](const unsigned char* at) -> unsigned {
         return kinds[at[0]] & (SPECIAL | kinds[at[1]] >> 1U);
     };
-    for (; end - bytes > STEP; bytes += STEP) {
-        unsigned any = 0;
-        for (std::ptrdiff_t i = 0; i < STEP; ++i) // without a branch for each
-            any |= begins(bytes + i);
-        if (any != 0)
-            break;
-    }
     while (end - bytes > 1 && begins(bytes) == 0)
         ++bytes;
     return bytes;

@@ -33,7 +33,7 @@ PartKind kindOf(std::string_view contentType) {
     const auto has = [&key](std::string_view word) { return key.find(word) != std::string::npos; };
     if (!keyEndsWith(key, "+xml") ||
         std::none_of(std::begin(OF_OFFICE_PROGRAMS), std::end(OF_OFFICE_PROGRAMS),
-                     [&key](std::string_view begin) { return keyBeginsWith(key, begin); }))
+                     [&key](std::string_view begin) { return key.compare(0, begin.size(), begin) == 0; }))
         return PartKind::None;
     if (keyEndsWith(key, ".main+xml"))
         return has("spreadsheetml") || has("ms-excel") ? PartKind::Workbook

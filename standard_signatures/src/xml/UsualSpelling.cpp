@@ -1,6 +1,7 @@
 #include "xml/UsualSpelling.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string_view>
 
@@ -21,6 +22,18 @@ unsigned hexDigitOf(unsigned char byte) {
            : byte >= 'a' && byte <= 'f' ? byte - 'a' + 10
                                         : 16;
 }
+
+/// By byte: whether it is nothing but a character of a name, or a slash, in a tag.
+constexpr std::array<bool, 256> makeMeaningless() {
+    std::array<bool, 256> all{};
+    for (bool& one : all)
+        one = true;
+    for (const char c : std::string_view(" \t\r\n=\"'>"))
+        all[static_cast<unsigned char>(c)] = false;
+    return all;
+}
+
+constexpr std::array<bool, 256> MEANINGLESS = makeMeaningless();
 
 } // namespace
 
@@ -44,15 +57,19 @@ bool UsualSpelling::hasOddTag(const unsigned char* bytes, const unsigned char* e
             isBehindLineEnd = isBehindEqualsSign = false;
         } else if (place == Place::Begin && (*bytes == '!' || *bytes == '?')) {
             place = Place::Aside; // up to the first `>`; no markup stands behind that one in it
-        } else if (isOddInTag(*bytes++)) {
-            return true;
+        } else {
+            const unsigned char* const begin = bytes;
+            bytes = std::find_if_not(bytes, end, [](unsigned char c) { return MEANINGLESS[c]; });
+            isBehindLineEnd = isBehindLineEnd && bytes == begin;
+            place = Place::Tag;
+            if (bytes != end && isOddInTag(*bytes++))
+                return true;
         }
     }
     return false;
 }
 
 bool UsualSpelling::isOddInTag(unsigned char byte) {
-    place = Place::Tag;
     switch (byte) {
     case '\t':
         return true;
@@ -70,11 +87,8 @@ bool UsualSpelling::isOddInTag(unsigned char byte) {
         quote = byte;
         place = Place::Value;
         return false;
-    case '>':
+    default: // a `>`
         place = Place::Text;
-        return false;
-    default:
-        isBehindLineEnd = false;
         return false;
     }
 }

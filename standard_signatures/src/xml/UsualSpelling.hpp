@@ -18,7 +18,7 @@ private:
     enum class Place { Text, Begin, Tag, Value, Aside }; ///< Begin: behind `<`
     enum class Reference { None, Ampersand, Number };
 
-    bool isOddInTag(unsigned char byte);
+    bool isOddInTag(unsigned char byte); ///< one with a meaning
     bool isNeedlessReference(unsigned char byte);
     bool hasOddTag(const unsigned char* bytes, const unsigned char* end);
     bool hasNeedlessReference(const unsigned char* bytes, const unsigned char* end);
