@@ -91,11 +91,12 @@ bool EventScanner::takeDeclaration(const char* p, const char* declarationEnd) {
     for (const Attribute& attribute : attributes) {
         const std::string_view name = attribute.name->text;
         const std::string_view value = attribute.plain;
-        const bool isRight = name == "version" ? last.empty() && value == "1.0"
-                             : name == "encoding"
-                                 ? last == "version" && (value == "UTF-8" || value == "utf-8")
-                             : name == "standalone" ? !last.empty() && (value == "yes" || value == "no")
-                                                    : false;
+        const bool isRight =
+            name == "version"    ? last.empty() && value == "1.0"
+            : name == "encoding" ? last == "version" && (value == "UTF-8" || value == "utf-8")
+            : name == "standalone"
+                ? (last == "version" || last == "encoding") && (value == "yes" || value == "no")
+                : false;
         if (!isRight || attribute.value.data() != nullptr)
             return false;
         last = name;

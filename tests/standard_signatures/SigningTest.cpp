@@ -283,15 +283,25 @@ TEST(StandardSigning, RefusesWhatOnlyAnOrderTellsApart) {
         }
         EXPECT_EQ(refused, isRefused) << second << sourceType << secondStore;
     }
-    for (const char* const second : {"b.txt", "b.MODEL"}) { // whatever the types are
+    const struct {
+        std::string target, type;
+        bool isRefused;
+    } models[] = {
+        {"b.txt", "u:b", false},
+        {"b.MODEL", "u:b", true}, // whatever the types are
+        {"b.txt", "http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel", true},
+    };
+    for (const auto& [target, type, isRefused] : models) {
         PlainSample sample;
         sample.replace(package, "</Relationships>",
-                       "<Relationship Id='a' Target='a.model' Type='u:a'/><Relationship Id='b' Target='" +
-                           std::string(second) + "' Type='u:b'/></Relationships>");
-        if (second[2] == 't')
-            EXPECT_NO_THROW(sign(sample));
+                       "<Relationship Id='a' Target='a.model' "
+                       "Type='http://schemas.microsoft.com/3dmanufacturing/2013/01/3dmodel'/>"
+                       "<Relationship Id='b' Target='" +
+                           target + "' Type='" + type + "'/></Relationships>");
+        if (isRefused)
+            EXPECT_THROW(sign(sample), SigningRefused) << target << type;
         else
-            EXPECT_THROW(sign(sample), SigningRefused);
+            EXPECT_NO_THROW(sign(sample)) << target << type;
     }
 }
 
@@ -381,6 +391,8 @@ TEST(StandardSigning, RefusesTwinStoresOfWhateverKind) {
         {"<a itemID='{B}' " + id, "<a itemID='{C}' " + id, true},
         {"<a itemID='{A}' " + id, "<a itemID='{B}'/>", false},
         {"<a " + id, "<a/>", true, "1"},
+        {"<a " + id, "<!--" + std::string(70000, 'x') + "--><a/>", true}, // nobody looks what stands there
+        {"<a " + id, "<a>", true},
     };
     for (const auto& [first, second, isRefused, descriptionOfSecond] : cases) {
         PlainSample sample;

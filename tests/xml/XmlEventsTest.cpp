@@ -81,6 +81,8 @@ TEST(XmlEvents, areThoseOfTheParserForEachDeclaration) {
         {"<?xml version='1.0'encoding='UTF-8'?>", false},
         {"<?xml version='1.0' encoding='UTF-8' encoding='UTF-8'?>", false},
         {"<?xml version='1.0' standalone='yes' encoding='UTF-8'?>", false},
+        {"<?xml version='1.0' standalone='yes' standalone='no'?>", false},
+        {"<?xml version='1.0' version='1.0'?>", false},
         {"<?xml encoding='UTF-8' version='1.0'?>", false},
         {"<?xml version='1.0' xmlns='UTF-8'?>", false},
         {"<?xml version='1.0' encoding='UTF&#45;8'?>", false},

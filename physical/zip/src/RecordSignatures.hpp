@@ -54,8 +54,8 @@ bool anyRecordSignature(std::uint64_t size, const Read& read, IsOneOfThem isOneO
     return false;
 }
 
-/// For a stored item. Programs that don't use the directory may take any for the end of an item whose header doesn't say how long
-/// it is, and what follows for further items.
+/// For a stored item, and any whose length stands in a ZIP64 field. Programs that don't use the directory may take any signature for
+/// the end of an item whose header doesn't tell them how long it is, and what follows for further items.
 template <typename Read>
 bool holdsRecordSignature(std::uint64_t size, const Read& read) {
     return anyRecordSignature(size, read, [](std::uint32_t) { return true; });

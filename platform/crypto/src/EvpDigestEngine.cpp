@@ -96,11 +96,13 @@ void EvpDigestEngine::updateInBlocks(std::streambuf& source) {
 }
 
 void EvpDigestEngine::update(const void* bytes, std::size_t count) {
+    const openssl::ErrorScope scope;
     if (!EVP_DigestUpdate(context.get(), bytes, count))
         openssl::fail<utils::CouldNotComputeDigest>("A digest can't be computed.");
 }
 
 std::vector<unsigned char> EvpDigestEngine::finish() {
+    const openssl::ErrorScope scope;
     std::vector<unsigned char> value(static_cast<std::size_t>(EVP_MD_get_size(digest.get())));
     if (!EVP_DigestFinal_ex(context.get(), value.data(), nullptr))
         openssl::fail<utils::CouldNotComputeDigest>("A digest can't be finished.");

@@ -120,8 +120,8 @@ constexpr std::string_view VALUES[] = {
     "http://purl.oclc.org/ooxml/officeDocument/docPropsVTypes",
 };
 
-/// The local names of what stands in properties: those of Dublin Core, of ECMA-376 Part 2 (core properties), and of Part 1 (extended
-/// properties, custom properties and variant types).
+/// The local names of what stands in properties: those of Dublin Core, of ECMA-376 Part 2 (core properties), and of Part 1
+/// (extended properties, custom properties and variant types).
 // clang-format off
 constexpr std::string_view ELEMENTS_OF_PROPERTIES[] = {
     "AppVersion", "Application", "Characters", "CharactersWithSpaces", "Company", "DigSig", "DocSecurity",

@@ -1,6 +1,6 @@
 #include "coverage/DataBindings.hpp"
 
-#include "core/CountedStream.hpp"
+#include "coverage/PaidContent.hpp"
 #include "names/PartNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
@@ -169,15 +169,13 @@ bool hasLooseBinding(const PackageContents& contents, const StoredPart& part, co
     if (left == 0)
         return canBeXML(contents, part);
     BindingReader reader(stores);
-    const auto stream = contents.open(part);
-    CountedStream counted(*stream);
     bool isRead = true;
     try {
-        reader.read(counted, left);
+        PaidContent content(contents.open(part), left);
+        reader.read(content, left);
     } catch (const Exception&) {
         isRead = false;
     }
-    left -= std::min(left, counted.count());
     return reader.isLoose || (!isRead && canBeXML(contents, part));
 }
 

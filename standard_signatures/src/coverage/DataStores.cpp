@@ -1,5 +1,6 @@
 #include "coverage/DataStores.hpp"
 
+#include "coverage/PaidContent.hpp"
 #include "names/PartNames.hpp"
 #include "xml/Narrow.hpp"
 #include "xml/PackageDocument.hpp"
@@ -63,7 +64,7 @@ public:
 
     std::string ofRoot;        ///< as it is written; empty if all programs don't find it
     std::set<std::string> all; ///< at whatever element
-    bool isLeft = false;       ///< unread: others took all the room
+    bool isWhole = true;       ///< it was read to its end
 
 private:
     unsigned depth = 0;
@@ -81,26 +82,6 @@ public:
     std::u16string name;
 };
 
-/// A content that takes room as it is read.
-class PaidContent final : public InputStream {
-public:
-    PaidContent(std::unique_ptr<InputStream> content, std::uint64_t& room)
-        : content(std::move(content)), room(room) {}
-
-    void open() override { content->open(); }
-    std::uint64_t read(unsigned char* buffer, std::uint64_t count) override {
-        const std::uint64_t got = content->read(buffer, count);
-        room -= std::min(room, got);
-        return got;
-    }
-    bool isDone() const override { return content->isDone(); }
-    void close() override { content->close(); }
-
-private:
-    const std::unique_ptr<InputStream> content;
-    std::uint64_t& room;
-};
-
 /// Reads the beginnings of documents, in all far more than packages have.
 class BeginningsReader {
 public:
@@ -108,11 +89,11 @@ public:
 
     DescriptionReader readDescription(const StoredPart& part) {
         DescriptionReader reader;
-        reader.isLeft = room == 0;
         try {
             read(reader, part);
         } catch (const Exception&) { // other programs may read on; what came so far counts
             reader.ofRoot.clear();
+            reader.isWhole = false;
         }
         return reader;
     }
@@ -165,13 +146,15 @@ public:
         std::set<std::string> known;
         for (const auto& [part, users] : descriptions) {
             const DescriptionReader read = beginnings.readDescription(*part);
-            bool isTwin = users.size() > 1 || read.isLeft;
+            bool isTwin = users.size() > 1;
             for (const std::string& id : read.all)
                 isTwin = !known.insert(id).second || isTwin;
             if (isTwin)
                 found.twins.push_back({part->name,
                                        "it describes another data store with the same ID, and their order "
                                        "can't be signed"});
+            else if (!read.isWhole)
+                found.twins.push_back({part->name, "it can't be told which data stores it describes"});
             for (const MappedRelationship* const user : users)
                 addId(ids, *user, read.ofRoot);
         }

@@ -362,8 +362,12 @@ void PackageMap::findRepeated() {
                                             : source->contentType ? std::string_view(*source->contentType)
                                                                   : std::string_view();
         const bool isModel = *one.document->source == "/" && keyEndsWith(one.values->target, ".model");
-        std::string kind = isModel ? "model" : implicitKindOf(one.values->type, sourceType);
-        if (!kind.empty() && !known.emplace(one.document, std::move(kind)).second)
+        bool isRepeated = false;
+        for (std::string kind :
+             {implicitKindOf(one.values->type, sourceType), std::string(isModel ? "model" : "")})
+            isRepeated =
+                (!kind.empty() && !known.emplace(one.document, std::move(kind)).second) || isRepeated;
+        if (isRepeated)
             repeated.push_back(&one);
     }
 }

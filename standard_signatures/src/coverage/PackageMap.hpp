@@ -63,7 +63,7 @@ public:
     /// Whether programs find its parts by relationships alone. Documents of other formats can name any part by its path.
     bool isOfOfficeProgram() const;
 
-    /// What other programs may take for something else. Only fixed pages may have pieces.
+    /// What other programs may take for something else. Only fixed pages may have pieces, at most ten of a part.
     std::vector<interfaces::MisnamedItem> misnamedItems() const;
 
     /// The first origin of signatures; null if there is none.

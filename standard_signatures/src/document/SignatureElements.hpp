@@ -6,8 +6,9 @@
 
 namespace opc::standard_signatures::vocabulary {
 
-/// The local names of the elements of XML Signature 1.0 and 1.1 with RFC 9231, of what XML Encryption 1.0 and 1.1 have in the names of keys, of package
-/// signatures, and of XAdES in all its versions. Programs of other kinds that don't look at namespaces have no such elements.
+/// The local names of the elements of XML Signature 1.0 and 1.1 with RFC 9231, of what XML Encryption 1.0 and 1.1 have in the names
+/// of keys, of package signatures, and of XAdES in all its versions. Programs that read pages and don't look at namespaces show
+/// nothing of them.
 // clang-format off
 constexpr std::string_view ELEMENTS_OF_SIGNATURES[] = {
     "A", "AgreementMethod", "AllDataObjectsTimeStamp", "AllSignedDataObjects", "Any", "AnyValidationData",

@@ -26,9 +26,9 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
     throwIfMisnamed(map);
     for (const MappedRelationship* const one : map.repeatedImplicit())
-        throw SigningRefused("Programs take one of two relationships of " + *one->document->source +
-                             " such as that of the type " + one->values->type +
-                             ", and their order can't be signed");
+        throw SigningRefused("Two relationships of " + *one->document->source +
+                             " are of the same kind as that of the type " + one->values->type +
+                             "; programs take the first, and their order can't be signed");
     for (const UnsignedChoice& one : map.unsignedChoices())
         throw SigningRefused("The part " + std::string(one.part) + " can't be signed: " + one.reason);
     if (map.secondOrigin() != nullptr)

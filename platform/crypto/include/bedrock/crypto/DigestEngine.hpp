@@ -31,12 +31,12 @@ public:
     /// @throws utils::CouldNotComputeDigest
     virtual void start() = 0;
 
-    /// Adds a piece to the digest that was begun.
-    /// @throws utils::CouldNotComputeDigest
+    /// Adds a piece to the digest that was begun with `start`.
+    /// @throws utils::CouldNotComputeDigest  among others, because none was begun
     virtual void update(const void* bytes, std::size_t count) = 0;
 
-    /// Ends the digest that was begun.
-    /// @throws utils::CouldNotComputeDigest
+    /// Ends the digest that was begun with `start`.
+    /// @throws utils::CouldNotComputeDigest  among others, because none was begun
     virtual std::vector<unsigned char> finish() = 0;
 
 protected:
