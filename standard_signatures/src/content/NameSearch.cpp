@@ -1,5 +1,7 @@
 #include "content/NameSearch.hpp"
 
+#include "names/HexDigit.hpp"
+
 #include <algorithm>
 #include <string>
 
@@ -12,12 +14,6 @@ constexpr std::size_t LONGEST = 20; ///< the end of a segment is enough
 
 unsigned char lower(unsigned char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c - 'A' + 'a') : c;
-}
-
-/// @return negative if it isn't one
-int hexDigitOf(unsigned char c) {
-    const unsigned char small = lower(c);
-    return c >= '0' && c <= '9' ? c - '0' : small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
 }
 
 /// Some programs drop such white space in a URI, and UTF-16 has zeros.

@@ -1,5 +1,7 @@
 #include "names/PartNames.hpp"
 
+#include "names/HexDigit.hpp"
+
 #include <algorithm>
 
 namespace opc::standard_signatures {
@@ -9,10 +11,7 @@ namespace {
 enum class HexDigits { Any, UpperCase };
 
 int digit(char c, HexDigits digits) {
-    return c >= '0' && c <= '9'                               ? c - '0'
-           : c >= 'a' && c <= 'f' && digits == HexDigits::Any ? c - 'a' + 10
-           : c >= 'A' && c <= 'F'                             ? c - 'A' + 10
-                                                              : -1;
+    return digits == HexDigits::UpperCase && c >= 'a' ? -1 : hexDigitOf(static_cast<unsigned char>(c));
 }
 
 char lower(char c) {

@@ -1,5 +1,7 @@
 #include "xml/UsualSpelling.hpp"
 
+#include "names/HexDigit.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -13,14 +15,6 @@ namespace {
 const unsigned char* find(unsigned char byte, const unsigned char* begin, const unsigned char* end) {
     const void* const found = std::memchr(begin, byte, static_cast<std::size_t>(end - begin));
     return found == nullptr ? end : static_cast<const unsigned char*>(found);
-}
-
-/// @return 16 if it isn't a digit
-unsigned hexDigitOf(unsigned char byte) {
-    return byte >= '0' && byte <= '9'   ? byte - '0'
-           : byte >= 'A' && byte <= 'F' ? byte - 'A' + 10
-           : byte >= 'a' && byte <= 'f' ? byte - 'a' + 10
-                                        : 16;
 }
 
 /// By byte: whether it is nothing but a character of a name, or a slash, in a tag.
@@ -106,7 +100,7 @@ bool UsualSpelling::hasNeedlessReference(const unsigned char* bytes, const unsig
 /// Whether a byte ends such a reference.
 bool UsualSpelling::isNeedlessReference(unsigned char byte) {
     constexpr std::uint32_t MOST = 0x110000;
-    const unsigned digit = hexDigitOf(byte);
+    const int digit = hexDigitOf(byte);
     if (byte == '&') {
         reference = Reference::Ampersand;
     } else if (reference == Reference::Ampersand && byte == '#') {
@@ -115,8 +109,8 @@ bool UsualSpelling::isNeedlessReference(unsigned char byte) {
         number = 0;
     } else if (reference == Reference::Number && byte == 'x' && number == 0) {
         base = 16;
-    } else if (reference == Reference::Number && digit < base) {
-        number = std::min(number * base + digit, MOST);
+    } else if (reference == Reference::Number && digit >= 0 && static_cast<unsigned>(digit) < base) {
+        number = std::min(number * base + static_cast<unsigned>(digit), MOST);
     } else {
         const bool isASCII = reference == Reference::Number && byte == ';' && number >= ' ' && number <= '~';
         reference = Reference::None;
