@@ -22,7 +22,7 @@ private:
         : last(last), endCode(endCode), endLength(endLength) {}
 
     bool last;
-    unsigned endCode;   ///< the code of its end, whose first bit is the lowest one, if it isn't the last block
+    unsigned endCode; ///< the code of its end, whose first bit is the lowest one, if it isn't the last block
     unsigned endLength; ///< of this code, in bits
 };
 
