@@ -48,9 +48,8 @@ constexpr Rule CONTAINER_RULES[] = {
     {"SEC-59", "Records that some programs read in another way", Severity::Warning, BOTH, "",
      "No field and no data has the mark of another record where a program can take it for one, and whoever "
      "reads an archive from its start finds the end of each item.",
-     "The file was made to show some programs other content, or hide some. In small files such marks hardly "
-     "stand "
-     "there by chance.",
+     "The file was made to show some programs other content, or hide some. In small files such a mark "
+     "hardly stands there by chance.",
      "",
      "Programs that go by the directory notice nothing. Those that read from the start, or look for records "
      "themselves, show something else.",

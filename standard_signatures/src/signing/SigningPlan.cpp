@@ -26,9 +26,10 @@ void throwIfAmbiguous(const PackageContents& contents, const PackageMap& map) {
         throw SigningRefused("The relationships in " + reason.place + " can't be signed: " + reason.text);
     throwIfMisnamed(map);
     for (const MappedRelationship* const one : map.repeatedImplicit())
-        throw SigningRefused("Two relationships of " + *one->document->source +
-                             " are of the same kind as that of the type " + one->values->type +
-                             "; programs take the first, and their order can't be signed");
+        throw SigningRefused("The relationship of " + *one->document->source + " with the type " +
+                             one->values->type +
+                             " isn't the only one of its kind. Programs take the first one, and their "
+                             "order can't be signed");
     for (const UnsignedChoice& one : map.unsignedChoices())
         throw SigningRefused("The part " + std::string(one.part) + " can't be signed: " + one.reason);
     if (map.secondOrigin() != nullptr)
